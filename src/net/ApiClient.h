@@ -1,0 +1,62 @@
+#pragma once
+
+#include <QJsonObject>
+#include <QNetworkAccessManager>
+#include <QObject>
+#include <QPointer>
+#include <functional>
+
+class QJsonDocument;
+class QNetworkReply;
+class QNetworkRequest;
+
+/// Completion of a read: the parsed body and an empty error, or a null document and a text for a
+/// person. A success whose body is not JSON arrives as a null document without an error.
+using ReplyCallback = std::function<void(const QJsonDocument& document, const QString& error)>;
+
+/// Talks HTTP(S) to the platform server. Address and token are taken from the settings at each
+/// call; each call is one request, given up after 15 seconds without progress. Paths begin with
+/// "/", and ids in them are encoded by the caller (net/UrlParts.h); a path that could reach
+/// another host or resource is answered with an error and never sent.
+class ApiClient final : public QObject {
+    Q_OBJECT
+    Q_DISABLE_COPY_MOVE(ApiClient)
+
+public:
+    using ReplyCallback = ::ReplyCallback;
+
+    explicit ApiClient(QObject* parent = nullptr);
+    ~ApiClient() override;
+
+    /// Reads a path; the callback runs once, unless this client is gone by then.
+    void get(const QString& path, ReplyCallback callback);
+    /// The same, and the callback is dropped as well once the context is gone.
+    void get(const QString& path, QObject* context, ReplyCallback callback);
+
+    /// State-changing calls. They reach the server at most once, whatever happens to the
+    /// connection. The caller connects to the reply's finished signal, reads it with
+    /// ReplyOutcome::read and deletes it with deleteLater(); the reply never finishes before this
+    /// call has returned. Replies die with the client, without a finished signal.
+    [[nodiscard]] QNetworkReply* post(const QString& path, const QJsonObject& body);
+    [[nodiscard]] QNetworkReply* put(const QString& path, const QJsonObject& body);
+    [[nodiscard]] QNetworkReply* del(const QString& path);
+
+    /// Signs in. On success the token and the e-mail are in the settings before loginSucceeded.
+    void login(const QString& email, const QString& password);
+
+Q_SIGNALS:
+    void loginSucceeded(const QJsonObject& user);
+    void loginFailed(const QString& message);
+    /// A read failed with HTTP status 401; emitted before that read's callback.
+    void unauthorized();
+
+private:
+    [[nodiscard]] QNetworkRequest buildRequest(const QString& path, bool authorise) const;
+    [[nodiscard]] QNetworkReply* read(const QString& path);
+    [[nodiscard]] QNetworkReply* change(
+        const QByteArray& verb, const QString& path, const QByteArray& body, bool authorise = true);
+    void finishGet(QNetworkReply* reply, const QPointer<QObject>& context, const ReplyCallback& callback);
+    void finishLogin(QNetworkReply* reply, const QString& email);
+
+    QNetworkAccessManager m_manager;
+};

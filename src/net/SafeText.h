@@ -1,0 +1,9 @@
+#pragma once
+
+#include <QString>
+
+/// Text that a server or the toolkit chose, made fit for a log, the Journal or a label: the session
+/// token, plain or percent-encoded, is replaced by "***", and the text is cut after 4096
+/// characters. It may still hold markup and line breaks. Tokens of fewer than four characters
+/// are not looked for: they guard nothing and occur in ordinary words.
+[[nodiscard]] QString safeText(const QString& text);

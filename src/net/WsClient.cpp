@@ -1,0 +1,195 @@
+#include "net/WsClient.h"
+
+#include "app/TerminalSettings.h"
+#include "net/SafeText.h"
+#include "net/UrlParts.h"
+
+#include <QJsonDocument>
+#include <QUrl>
+#include <algorithm>
+#include <limits>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr int pingIntervalMs = 15000;
+constexpr int attemptTimeoutMs = 10000;
+constexpr qint32 firstRetryDelayMs = 1000;
+constexpr qint32 longestRetryDelayMs = 30000;
+
+// The toolkit would take 2 GiB. A larger message makes the socket close itself.
+constexpr quint64 largestMessage = 32ULL * 1024 * 1024;
+
+QString feedAddress()
+{
+    QString address = TerminalSettings::instance().serverUrl();
+    if (address.startsWith("https://"_L1))
+        address.replace(0, 8, "wss://"_L1);
+    else if (address.startsWith("http://"_L1))
+        address.replace(0, 7, "ws://"_L1);
+    return address + "/ws/terminal"_L1;
+}
+
+} // namespace
+
+WsClient::WsClient(QObject* parent)
+    : QObject(parent)
+    , m_socket(QString(), QWebSocketProtocol::Version13)
+    , m_retryDelayMs(firstRetryDelayMs)
+{
+    m_socket.setMaxAllowedIncomingFrameSize(largestMessage);
+    m_socket.setMaxAllowedIncomingMessageSize(largestMessage);
+    m_pingTimer.setInterval(pingIntervalMs);
+    m_retryTimer.setSingleShot(true);
+    m_attemptTimer.setSingleShot(true);
+    m_attemptTimer.setInterval(attemptTimeoutMs);
+
+    connect(&m_socket, &QWebSocket::connected, this, &WsClient::onConnected);
+    connect(&m_socket, &QWebSocket::disconnected, this, &WsClient::finishAttempt);
+    connect(&m_socket, &QWebSocket::textMessageReceived, this, &WsClient::onTextMessage);
+    connect(&m_socket, &QWebSocket::errorOccurred, this, &WsClient::reportError);
+    connect(&m_pingTimer, &QTimer::timeout, this, &WsClient::sendPing);
+    connect(&m_retryTimer, &QTimer::timeout, this, &WsClient::reopen);
+    connect(&m_attemptTimer, &QTimer::timeout, this, &WsClient::giveUpAttempt);
+}
+
+WsClient::~WsClient()
+{
+    // The socket closes itself in its destructor, when the other members are gone already.
+    m_socket.disconnect(this);
+}
+
+void WsClient::setAttemptTimeout(int milliseconds)
+{
+    m_attemptTimer.setInterval(milliseconds);
+}
+
+void WsClient::setRetrySecond(int milliseconds)
+{
+    m_retrySecondMs = milliseconds;
+}
+
+void WsClient::start()
+{
+    m_wanted = true;
+    m_retryDelayMs = firstRetryDelayMs;
+    open();
+}
+
+void WsClient::open()
+{
+    // What is left of an earlier attempt ends silently here: it has no retry to ask for any more.
+    m_attemptRunning = false;
+    m_retryTimer.stop();
+    m_pingTimer.stop();
+    m_socket.abort();
+
+    const QString address = feedAddress();
+    log(tr("Connecting to %1...").arg(address));
+    QUrl url(address);
+    // Encoded by hand, since a query item would leave "+" as it is and servers read that as a blank.
+    url.setQuery("token="_L1 + encodeQueryValue(TerminalSettings::instance().token()));
+    m_lastError.clear();
+    m_attemptRunning = true;
+    m_attemptTimer.start();
+    m_socket.open(url);
+}
+
+void WsClient::reopen()
+{
+    if (m_wanted && m_socket.state() != QAbstractSocket::ConnectedState)
+        open();
+}
+
+void WsClient::finishAttempt()
+{
+    if (!m_attemptRunning)
+        return;
+    m_attemptRunning = false;
+    m_attemptTimer.stop();
+    onDisconnected();
+}
+
+void WsClient::giveUpAttempt()
+{
+    // A server that keeps the connection but never completes the handshake causes no signal.
+    m_socket.abort();
+    finishAttempt();
+}
+
+void WsClient::reportError()
+{
+    const QString text = safeText(m_socket.errorString());
+    if (text == m_lastError)
+        return;
+    m_lastError = text;
+    log(tr("Feed error: %1").arg(text));
+}
+
+void WsClient::log(const QString& message)
+{
+    Q_EMIT logMessage(tr("Network"), message);
+}
+
+void WsClient::onConnected()
+{
+    m_attemptTimer.stop();
+    m_retryDelayMs = firstRetryDelayMs;
+    m_pingPending = false;
+    m_pingTimer.start();
+    log(tr("Feed connected"));
+    Q_EMIT connected();
+}
+
+void WsClient::onDisconnected()
+{
+    m_pingTimer.stop();
+    if (!m_wanted)
+        return;
+    const qint32 delayMs = m_retryDelayMs;
+    m_retryDelayMs = std::min(2 * delayMs, longestRetryDelayMs);
+    const int seconds = delayMs / 1000;
+    // Before the signals: a receiver that calls start() must not be followed by a second attempt.
+    m_retryTimer.start(seconds * m_retrySecondMs);
+    log(tr("Feed disconnected — retrying in %1s").arg(seconds));
+    Q_EMIT disconnected(seconds);
+}
+
+void WsClient::onTextMessage(const QString& text)
+{
+    const QByteArray utf8 = text.toUtf8();
+    m_rxBytes += static_cast<quint64>(utf8.size());
+    Q_EMIT trafficChanged(m_rxBytes, m_txBytes);
+
+    const QJsonObject message = QJsonDocument::fromJson(utf8).object();
+    const QString type = message.value("type"_L1).toString();
+    if (type == "price_update"_L1) {
+        Q_EMIT pricesUpdated(message.value("data"_L1).toObject());
+    } else if (type == "trades_update"_L1) {
+        Q_EMIT tradesUpdated(message.value("data"_L1).toArray());
+    } else if (type == "hello"_L1) {
+        log(tr("Feed ready — %1 symbols").arg(message.value("symbols"_L1).toArray().size()));
+        Q_EMIT helloReceived(message);
+    } else if (type == "orders_changed"_L1) {
+        Q_EMIT ordersChanged(message);
+    } else if (type == "account_update"_L1) {
+        Q_EMIT accountUpdated(message);
+    } else if (type == "pong"_L1) {
+        m_pingPending = false;
+        const qint64 elapsed = m_pingClock.isValid() ? m_pingClock.elapsed() : 0;
+        Q_EMIT latencyChanged(static_cast<int>(std::min<qint64>(elapsed, std::numeric_limits<int>::max())));
+    }
+}
+
+void WsClient::sendPing()
+{
+    if (m_socket.state() != QAbstractSocket::ConnectedState || m_pingPending)
+        return;
+    m_pingPending = true;
+    m_pingClock.start();
+    const QString ping = u"{\"type\":\"ping\"}"_s;
+    m_socket.sendTextMessage(ping);
+    m_txBytes += static_cast<quint64>(ping.size());
+    Q_EMIT trafficChanged(m_rxBytes, m_txBytes);
+}

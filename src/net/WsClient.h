@@ -1,0 +1,72 @@
+#pragma once
+
+#include <QElapsedTimer>
+#include <QJsonArray>
+#include <QJsonObject>
+#include <QObject>
+#include <QTimer>
+#include <QWebSocket>
+
+/// Keeps one WebSocket connection to the platform's live feed and turns its messages into signals.
+/// Every end of a connection, a connection that never came up included, is followed by one retry
+/// after 1, 2, 4, 8, 16, then 30 seconds, for ever. Apart from its ping it sends nothing.
+class WsClient final : public QObject {
+    Q_OBJECT
+    Q_DISABLE_COPY_MOVE(WsClient)
+
+public:
+    explicit WsClient(QObject* parent = nullptr);
+    ~WsClient() override;
+
+    /// Connects, and keeps connecting for the rest of this object's life.
+    void start();
+
+    /// How long an attempt may take before it is given up, in ms (10000 unless set).
+    void setAttemptTimeout(int milliseconds);
+    /// How long a second of back-off lasts, in ms (1000 unless set); lets tests retry at once.
+    void setRetrySecond(int milliseconds);
+
+Q_SIGNALS:
+    void connected();
+    void disconnected(int retryInSeconds);
+    void helloReceived(const QJsonObject& hello);
+    void pricesUpdated(const QJsonObject& data);
+    void tradesUpdated(const QJsonArray& rows);
+    void ordersChanged(const QJsonObject& event);
+    void accountUpdated(const QJsonObject& event);
+    /// Round trip of the last ping in ms; 0 for a pong that no ping asked for.
+    void latencyChanged(int milliseconds);
+    /// Totals of text bytes since construction, never reset.
+    void trafficChanged(quint64 rxBytes, quint64 txBytes);
+    /// Progress and errors. The message may hold server text, but never the token.
+    void logMessage(const QString& source, const QString& message);
+
+public Q_SLOTS:
+    void onConnected();
+    void onDisconnected();
+    void onTextMessage(const QString& text);
+    void sendPing();
+
+private:
+    void open();
+    void reopen();
+    void finishAttempt();
+    void giveUpAttempt();
+    void reportError();
+    void log(const QString& message);
+
+    QWebSocket m_socket;
+    QTimer m_pingTimer;
+    QElapsedTimer m_pingClock;
+    bool m_pingPending = false;
+    bool m_wanted = false;
+    quint64 m_rxBytes = 0;
+    quint64 m_txBytes = 0;
+    qint32 m_retryDelayMs;
+
+    QTimer m_retryTimer;
+    QTimer m_attemptTimer;
+    bool m_attemptRunning = false;
+    QString m_lastError; // of this attempt: the toolkit may report the same error twice
+    int m_retrySecondMs = 1000;
+};
