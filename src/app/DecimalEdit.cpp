@@ -1,0 +1,44 @@
+#include "app/DecimalEdit.h"
+
+#include "app/DecimalText.h"
+
+#include <QDoubleValidator>
+
+namespace {
+
+constexpr double highestValue = 1e12;
+constexpr int mostDecimals = 8;
+
+class DecimalValidator final : public QDoubleValidator {
+public:
+    explicit DecimalValidator(QObject* parent)
+        : QDoubleValidator(0.0, highestValue, mostDecimals, parent)
+    {
+        setNotation(StandardNotation);
+        QLocale pointOnly = QLocale::c();
+        pointOnly.setNumberOptions(QLocale::RejectGroupSeparator);
+        setLocale(pointOnly);
+    }
+
+    State validate(QString& input, int& position) const override
+    {
+        commasToPoints(input);
+        // The base class lets a number above the range stand as unfinished; it never could become
+        // valid by typing on.
+        return std::min(decimalState(input, bottom(), top(), decimals()),
+            input == u"+" ? Intermediate : QDoubleValidator::validate(input, position));
+    }
+};
+
+} // namespace
+
+DecimalEdit::DecimalEdit(QWidget* parent)
+    : QLineEdit(parent)
+{
+    setValidator(new DecimalValidator(this));
+}
+
+double DecimalEdit::value() const
+{
+    return hasAcceptableInput() ? parseDecimal(text()).value_or(0.0) : 0.0;
+}

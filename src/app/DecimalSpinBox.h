@@ -1,0 +1,23 @@
+#pragma once
+
+#include <QDoubleSpinBox>
+
+/// The one spin box for prices and volumes: takes "." or "," as the decimal sign in every locale (a
+/// typed comma is shown as a point), refuses whatever would not be one number with at most
+/// decimals() decimals, and shows its value with a point and without groups.
+class DecimalSpinBox : public QDoubleSpinBox {
+    Q_OBJECT
+    Q_DISABLE_COPY_MOVE(DecimalSpinBox)
+
+public:
+    explicit DecimalSpinBox(QWidget* parent = nullptr);
+    ~DecimalSpinBox() override = default;
+
+    QValidator::State validate(QString& input, int& position) const override;
+    double valueFromText(const QString& text) const override;
+    QString textFromValue(double value) const override;
+    void fixup(QString& input) const override;
+
+private:
+    [[nodiscard]] QString withoutAffixes(const QString& text) const;
+};

@@ -1,0 +1,18 @@
+#pragma once
+
+#include <QString>
+
+/// Appends one line, "HH:mm:ss.zzz", two blanks and the message, to the log file. Line breaks and
+/// other control characters of the message become blanks and known secrets are masked. A file that
+/// cannot be opened drops the entry silently.
+void appLog(const QString& message);
+
+/// The log file: "/tavoran-terminal.log" in the user's temporary folder.
+[[nodiscard]] QString logFilePath();
+
+/// Sends every toolkit message to the log as "[qt:TYPE] TEXT" and nothing to the console.
+void installMessageHandler();
+
+/// Masks `secret`, plain and percent-encoded, in every later log line. Texts shorter than six
+/// characters are ignored: masking them would garble ordinary words.
+void hideFromLog(const QString& secret);

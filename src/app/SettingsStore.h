@@ -1,0 +1,41 @@
+#pragma once
+
+#include <QSettings>
+#include <QStringList>
+
+/// The settings file and its safety: the user's alone (0600 in a 0700 folder) before the first
+/// write, a verified copy beside it, and the copy put back when the file turns out damaged or empty.
+class SettingsStore final {
+public:
+    /// Opens the store, repairing it first when needed. A file that is missing altogether starts
+    /// afresh: deleting it is how a person resets the terminal and signs out.
+    explicit SettingsStore(const QString& filePath);
+    ~SettingsStore() = default;
+    Q_DISABLE_COPY_MOVE(SettingsStore)
+
+    /// Where the desktop keeps this user's store.
+    [[nodiscard]] static QString userFilePath();
+
+    [[nodiscard]] QVariant value(QLatin1StringView key) const;
+    void setValue(QLatin1StringView key, const QVariant& value);
+    void remove(QLatin1StringView key);
+
+    /// Writes to disk, reads back, and renews the copy from what was read. False when what is on
+    /// disk is not what is in memory; the older copy then stays.
+    [[nodiscard]] bool sync();
+
+    [[nodiscard]] QString filePath() const { return m_filePath; }
+    [[nodiscard]] QString copyPath() const;
+    [[nodiscard]] QString damagedPath() const;
+    [[nodiscard]] QStringList takeNotices();
+
+private:
+    void makePrivate();
+    void repair();
+    void setAside(const QByteArray& damaged) const;
+    [[nodiscard]] bool matchesMemory(const QByteArray& content) const;
+
+    QString m_filePath;
+    QStringList m_notices;
+    std::unique_ptr<QSettings> m_settings;
+};
