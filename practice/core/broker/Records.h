@@ -1,0 +1,83 @@
+#pragma once
+
+#include "practice/core/Types.h"
+#include "practice/core/broker/Money.h"
+
+#include <string>
+#include <vector>
+
+namespace practice {
+
+enum class AccountKind { Wallet, Demo, Plan };
+enum class AccountStatus { Active, Failed, Passed };
+enum class Side { Buy, Sell };
+enum class OrderKind { Market, BuyLimit, SellLimit, BuyStop, SellStop };
+enum class TradeStatus { Pending, Open, Closed, Cancelled };
+
+/// Why a trade left the live lists. Manual, StopLoss ("SL"), TakeProfit ("TP"), StopOut ("STOP_OUT": the
+/// margin level fell to 50 %) and Risk ("RISK": a challenge rule was broken) end positions or, for Manual,
+/// Risk, NoMargin (a trigger found too little free margin) and Phase (a challenge phase ended), orders.
+enum class CloseReason { None, Manual, StopLoss, TakeProfit, StopOut, Risk, NoMargin, Phase };
+
+/// What an account of kind Plan was bought as.
+struct Plan {
+    std::string name;
+    int steps = 1; ///< number of challenge phases, >= 1
+    friend bool operator==(const Plan&, const Plan&) = default;
+};
+
+/// A trading account. Its balance changes only when a position is closed, by that position's pnl, and when a
+/// challenge moves to its next phase, which starts again from the initial balance.
+struct Account {
+    std::string id;
+    AccountKind kind = AccountKind::Demo;
+    Plan plan;
+    int phase = 1;
+    bool isFunded = false;
+    AccountStatus status = AccountStatus::Active;
+    Cents balance = 0;
+    Cents initialBalance = 0;
+    int leverage = 100;
+    Cents dayStartEquity = 0;  ///< equity when the UTC day `dayIndex` began
+    std::int64_t dayIndex = 0; ///< days since 1970-01-01 up to which swap has been charged
+    friend bool operator==(const Account&, const Account&) = default;
+};
+
+/// A position or an order, live or finished.
+///
+/// pnl is the net result: price profit + swap - commission, so that balance + the pnl of the open positions
+/// is the equity, and the sum over the history is the change of the balance, both to the cent.
+struct Trade {
+    std::string id;
+    std::string accountId;
+    std::string symbol;
+    Side side = Side::Buy;
+    OrderKind orderKind = OrderKind::Market;
+    TradeStatus status = TradeStatus::Open;
+    LotHundredths lots = 0;
+    double entryPrice = 0;   ///< fill price; 0 while pending
+    double exitPrice = 0;    ///< closing price; 0 until closed
+    double pendingPrice = 0; ///< trigger price; 0 for a market order
+    double stopLoss = 0;     ///< 0 = none
+    double takeProfit = 0;   ///< 0 = none
+    Cents pnl = 0;           ///< at the last price while open; final once closed; 0 while pending
+    Cents margin = 0;        ///< held while open; kept as it was once closed
+    Cents swap = 0;          ///< accumulated; negative costs the trader
+    Cents commission = 0;    ///< amount charged, >= 0
+    TimeMs createdAt = 0;    ///< placed, or, once it is a position, opened
+    TimeMs updatedAt = 0;
+    TimeMs closedAt = 0; ///< 0 until closed or cancelled
+    CloseReason closeReason = CloseReason::None;
+    std::string comment;
+    friend bool operator==(const Trade&, const Trade&) = default;
+};
+
+/// Everything the broker must be given back after a restart: all accounts, in the order in which they are
+/// listed, and the trades that are still Open or Pending. Finished trades live in storage only.
+struct BrokerState {
+    std::vector<Account> accounts;
+    std::vector<Trade> liveTrades;
+    friend bool operator==(const BrokerState&, const BrokerState&) = default;
+};
+
+} // namespace practice
