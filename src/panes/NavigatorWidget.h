@@ -1,0 +1,49 @@
+#pragma once
+
+#include <QString>
+#include <QStringList>
+#include <QWidget>
+
+class QJsonArray;
+class QTreeWidget;
+class QTreeWidgetItem;
+
+/// The docked tree of accounts, built-in indicators and installed scripts. A double-click says what the
+/// user wants; someone else does it.
+class NavigatorWidget final : public QWidget {
+    Q_OBJECT
+    Q_DISABLE_COPY_MOVE(NavigatorWidget)
+
+public:
+    explicit NavigatorWidget(QWidget* parent = nullptr);
+    ~NavigatorWidget() override = default;
+
+public Q_SLOTS:
+    /// Replaces the account entries; the active one stays marked.
+    void setAccounts(const QJsonArray& accounts);
+    /// Marks the account by bold type. An id not in the list marks none.
+    void setActiveAccount(const QString& accountId);
+    /// Replaces the script entries by these full paths, in this order.
+    void setExperts(const QStringList& paths);
+
+Q_SIGNALS:
+    void accountActivated(const QString& accountId);
+    /// "sma", "ema" or "rsi".
+    void indicatorActivated(const QString& kind);
+    /// The script's full path.
+    void expertActivated(const QString& path);
+
+protected:
+    void changeEvent(QEvent* event) override;
+
+private:
+    void buildTree();
+    void activate(const QTreeWidgetItem* item);
+    void drawIcons();
+
+    QTreeWidget* m_tree;
+    QTreeWidgetItem* m_accounts = nullptr;
+    QTreeWidgetItem* m_experts = nullptr;
+    QString m_activeAccountId;
+    bool m_drawnDark = false;
+};

@@ -1,0 +1,54 @@
+#pragma once
+
+#include <QBrush>
+#include <QIcon>
+#include <QTreeWidgetItem>
+
+/// The brushes and arrows that all rows of Market Watch share, in the colours of the current theme.
+struct QuoteLook final {
+    bool dark = false;
+    QBrush text;
+    QBrush rising;
+    QBrush falling;
+    QBrush gain; ///< a daily change of 0 or more
+    QIcon up;
+    QIcon down;
+
+    [[nodiscard]] static QuoteLook forCurrentTheme();
+};
+
+/// Where a price went the last time it differed.
+enum class Tick : quint8 { None, Up, Down };
+
+/// One symbol's row in Market Watch. Holds numbers and directions and turns them into text, colour and
+/// arrow only when the row is looked at, so that a price which nobody sees is never formatted and a new
+/// theme needs nothing but a repaint. Setters tell no view; the owner announces a whole snapshot at once.
+class QuoteItem final : public QTreeWidgetItem {
+public:
+    enum Column { Symbol, Bid, Ask, Daily, ColumnCount };
+
+    /// `look` must outlive every use of the item; `digits` is clamped to what prices can have.
+    QuoteItem(const QuoteLook& look, const QString& name, const QString& description, int digits);
+
+    /// A new price. Tick::None keeps the direction shown before.
+    void setBid(double bid, Tick tick);
+    void setAsk(double ask, Tick tick);
+    /// In percent.
+    void setDailyChange(double percent);
+
+    [[nodiscard]] QVariant data(int column, int role) const override;
+
+private:
+    [[nodiscard]] QVariant textOf(int column) const;
+    [[nodiscard]] QVariant brushOf(int column) const;
+    [[nodiscard]] const QBrush& brushOf(Tick tick) const;
+
+    const QuoteLook& m_look;
+    double m_bid = 0.0; ///< 0: no price yet
+    double m_ask = 0.0;
+    double m_daily = 0.0;
+    int m_digits;
+    Tick m_bidTick = Tick::None;
+    Tick m_askTick = Tick::None;
+    bool m_hasDaily = false;
+};
