@@ -4,11 +4,12 @@
 #include "app/SoundVoices.h"
 
 #include <QAudioDevice>
-#include <QHash>
 #include <QMediaDevices>
 #include <QSoundEffect>
 #include <QStandardPaths>
 #include <QUrl>
+
+#include <map>
 
 using namespace Qt::StringLiterals;
 
@@ -37,11 +38,33 @@ Sound soundOf(SoundKind kind)
     return {};
 }
 
-void writeSound(const QString& path, const Sound& sound)
+struct SoundFile {
+    QString path;
+    bool written = false;
+};
+
+bool writeSound(const QString& path, const Sound& sound)
 {
+    const QByteArray image = synthesize(sound.tones, sound.seconds);
     QFile file;
-    if (openPrivateFile(file, path, QIODevice::WriteOnly | QIODevice::Truncate))
-        file.write(synthesize(sound.tones, sound.seconds));
+    return openPrivateFile(file, path, QIODevice::WriteOnly | QIODevice::Truncate)
+        && file.write(image) == image.size() && file.flush();
+}
+
+/// Written on first use and never checked again.
+const SoundFile& soundFile(SoundKind kind)
+{
+    static std::map<SoundKind, SoundFile> files;
+    const auto known = files.find(kind);
+    if (known != files.end())
+        return known->second;
+    SoundFile& file = files[kind];
+    const Sound sound = soundOf(kind);
+    if (sound.fileName.isEmpty())
+        return file;
+    file.path = QStandardPaths::writableLocation(QStandardPaths::TempLocation) + u'/' + sound.fileName;
+    file.written = writeSound(file.path, sound);
+    return file;
 }
 
 SoundVoices& voices()
@@ -68,16 +91,10 @@ void play(SoundKind kind)
 
 QString soundFilePath(SoundKind kind)
 {
-    static QHash<int, QString> paths;
-    const auto known = paths.constFind(static_cast<int>(kind));
-    if (known != paths.constEnd())
-        return *known;
-    const Sound sound = soundOf(kind);
-    if (sound.fileName.isEmpty())
-        return {};
-    const QString path
-        = QStandardPaths::writableLocation(QStandardPaths::TempLocation) + u'/' + sound.fileName;
-    writeSound(path, sound);
-    paths.insert(static_cast<int>(kind), path);
-    return path;
+    return soundFile(kind).path;
+}
+
+bool soundFileReady(SoundKind kind)
+{
+    return soundFile(kind).written;
 }

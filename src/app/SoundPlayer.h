@@ -22,5 +22,9 @@ void play(SoundKind kind);
 /// empty for a kind that does not exist.
 [[nodiscard]] QString soundFilePath(SoundKind kind);
 
+/// Whether this run wrote the sound's file in full; what else may stand under its name is not ours
+/// to play.
+[[nodiscard]] bool soundFileReady(SoundKind kind);
+
 /// A complete WAV image, 16-bit mono at 44100 Hz, `seconds` long, of the tones added up.
 [[nodiscard]] QByteArray synthesize(const QList<Tone>& tones, double seconds);

@@ -21,8 +21,8 @@ template <typename Integer> void append(QByteArray& image, Integer value)
 
 void addTone(std::vector<double>& samples, const Tone& tone)
 {
-    const auto first = static_cast<std::size_t>(tone.start * sampleRate);
-    const auto count = static_cast<std::size_t>(tone.length * sampleRate);
+    const auto first = static_cast<std::size_t>(std::max(0.0, tone.start * sampleRate));
+    const auto count = static_cast<std::size_t>(std::max(0.0, tone.length * sampleRate));
     for (std::size_t i = 0; i < count && first + i < samples.size(); ++i) {
         const double t = static_cast<double>(i) / sampleRate;
         const double envelope = std::exp(-4.0 * t / tone.length);

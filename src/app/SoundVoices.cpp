@@ -1,6 +1,5 @@
 #include "app/SoundVoices.h"
 
-#include <QFileInfo>
 #include <QTimer>
 
 SoundVoices::SoundVoices(Output output, QObject* parent)
@@ -20,10 +19,9 @@ void SoundVoices::playNow(SoundKind kind)
         return;
     auto voice = m_voices.find(kind);
     if (voice == m_voices.end()) {
-        const QString path = soundFilePath(kind);
-        if (path.isEmpty())
+        if (!soundFileReady(kind))
             return;
-        voice = m_voices.emplace(kind, m_output.load(path)).first;
+        voice = m_voices.emplace(kind, m_output.load(soundFilePath(kind))).first;
     }
     voice->second();
 }

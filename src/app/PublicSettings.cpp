@@ -1,0 +1,81 @@
+#include "app/PublicSettings.h"
+
+#include "app/Log.h"
+#include "app/TerminalSettings.h"
+
+#include <QEventLoop>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QNetworkAccessManager>
+#include <QNetworkReply>
+#include <QTimer>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr int waitMilliseconds = 3000;
+constexpr qint64 mostBytes = 1024 * 1024;
+
+QNetworkRequest requestFor(const QUrl& url, int milliseconds)
+{
+    QNetworkRequest request(url);
+    request.setTransferTimeout(milliseconds);
+    request.setAttribute(QNetworkRequest::RedirectPolicyAttribute, QNetworkRequest::ManualRedirectPolicy);
+    request.setAttribute(QNetworkRequest::Http2AllowedAttribute, false);
+    request.setAttribute(QNetworkRequest::CookieLoadControlAttribute, QNetworkRequest::Manual);
+    request.setAttribute(QNetworkRequest::CookieSaveControlAttribute, QNetworkRequest::Manual);
+    return request;
+}
+
+/// Waits until the reply is finished, which the time limit and the size limit bring about as well.
+void waitFor(QNetworkReply& reply, int milliseconds)
+{
+    QEventLoop loop;
+    QObject::connect(&reply, &QNetworkReply::finished, &loop, &QEventLoop::quit);
+    // The transfer time-out of a request starts anew with each byte.
+    QTimer::singleShot(milliseconds, &loop, [&reply] { reply.abort(); });
+    QObject::connect(&reply, &QNetworkReply::downloadProgress, &loop, [&reply](qint64 received) {
+        if (received > mostBytes)
+            reply.abort();
+    });
+    if (!reply.isFinished())
+        loop.exec(QEventLoop::ExcludeUserInputEvents);
+}
+
+} // namespace
+
+void adoptPublicSettings()
+{
+    TerminalSettings& settings = TerminalSettings::instance();
+    const QUrl url(settings.serverUrl() + "/api/settings/public"_L1);
+    const PublicSettings fetched = fetchPublicSettings(url, waitMilliseconds);
+    if (!fetched.error.isEmpty()) {
+        appLog(u"public config fetch failed: %1"_s.arg(fetched.error));
+        return;
+    }
+    const QString& address = fetched.terminalServerUrl;
+    if (address.isEmpty() || address == settings.rawServerUrl())
+        return;
+    settings.setServerUrl(address);
+    appLog(u"adopted admin server url: %1"_s.arg(address));
+}
+
+PublicSettings fetchPublicSettings(const QUrl& url, int milliseconds)
+{
+    QNetworkAccessManager network;
+    QNetworkReply* reply = network.get(requestFor(url, milliseconds));
+    waitFor(*reply, milliseconds);
+    reply->deleteLater();
+    if (reply->error() != QNetworkReply::NoError)
+        return {.terminalServerUrl = {}, .error = reply->errorString()};
+    if (reply->attribute(QNetworkRequest::RedirectionTargetAttribute).isValid())
+        return {.terminalServerUrl = {}, .error = u"the server redirects to another address"_s};
+    return {.terminalServerUrl = terminalServerUrlIn(reply->readAll()), .error = {}};
+}
+
+QString terminalServerUrlIn(const QByteArray& body)
+{
+    const QJsonObject top = QJsonDocument::fromJson(body).object();
+    return top.value("settings"_L1).toObject().value("terminalServerUrl"_L1).toString().trimmed();
+}

@@ -1,0 +1,89 @@
+#include "app/StartUp.h"
+
+#include "app/Banner.h"
+#include "app/Log.h"
+#include "app/PublicSettings.h"
+#include "app/TerminalSettings.h"
+#include "app/Theme.h"
+#include "app/UpdateFramework.h"
+
+#include <QApplication>
+#include <QDialog>
+#include <QSplashScreen>
+#include <QTimer>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+/// Runs the sign-in dialog; false when it was cancelled.
+bool signIn(QSplashScreen& splash, QDialog& dialog)
+{
+    // finish() waits for the dialog to appear, which it does only once its own event loop runs.
+    QTimer::singleShot(0, &dialog, [&] { splash.finish(&dialog); });
+    const int result = dialog.exec();
+    appLog(u"login.exec() returned %1"_s.arg(result));
+    return result == QDialog::Accepted;
+}
+
+std::unique_ptr<QWidget> openMainWindow(const StartUpWindows& windows, const QJsonObject& user)
+{
+    if (!windows.makeMainWindow)
+        return nullptr;
+    std::unique_ptr<QWidget> window = windows.makeMainWindow();
+    appLog(u"MainWindow constructed"_s);
+    windows.setUser(*window, user);
+    appLog(u"setUser done"_s);
+    window->show();
+    return window;
+}
+
+} // namespace
+
+void nameApplication()
+{
+    QCoreApplication::setOrganizationName(u"Tavoran"_s);
+    QCoreApplication::setApplicationName(u"Tavoran Terminal"_s);
+    QCoreApplication::setApplicationVersion(u"1.0.1"_s);
+    QGuiApplication::setDesktopFileName(u"tavoran-terminal"_s);
+    QApplication::setWindowIcon(appIcon());
+    QApplication::setLayoutDirection(Qt::LeftToRight);
+}
+
+int runTerminal(QApplication& application, const StartUpWindows& windows)
+{
+    nameApplication();
+    applyTheme(application);
+    appLog(u"theme applied: %1"_s.arg(isDarkTheme() ? "dark"_L1 : "light"_L1));
+
+    // The splash screen and the sign-in dialog are no reason to end.
+    QGuiApplication::setQuitOnLastWindowClosed(false);
+    std::unique_ptr<QWidget> mainWindow;
+    {
+        QSplashScreen splash(renderSplash());
+        splash.show();
+        QCoreApplication::processEvents();
+        adoptPublicSettings();
+
+        QJsonObject user;
+        const std::unique_ptr<QDialog> dialog = windows.makeSignIn ? windows.makeSignIn() : nullptr;
+        if (dialog) {
+            if (!signIn(splash, *dialog))
+                return 0;
+            // The e-mail address and the choice must last even if this run ends badly.
+            TerminalSettings::instance().sync();
+            user = windows.userOf(*dialog);
+        }
+        mainWindow = openMainWindow(windows, user);
+    }
+    QGuiApplication::setQuitOnLastWindowClosed(true);
+
+    UpdateFramework::instance().setUp(QCoreApplication::applicationVersion());
+    QObject::connect(&application, &QCoreApplication::aboutToQuit, &application,
+        [] { UpdateFramework::instance().cleanUp(); });
+
+    appLog(u"entering app.exec()"_s);
+    const int exitCode = QApplication::exec();
+    appLog(u"app.exec() returned %1"_s.arg(exitCode));
+    return exitCode;
+}
