@@ -31,7 +31,7 @@ public Q_SLOTS:
     void setSymbols(const QJsonArray& symbols);
     /// A price map keyed by symbol. Unknown symbols, and a bid or ask that is no positive number, change
     /// nothing.
-    void updatePrices(const QJsonObject& data);
+    void updatePrices(const QJsonObject& prices);
 
 Q_SIGNALS:
     /// A row was double-clicked or activated with Enter; once for each such gesture.

@@ -1,0 +1,245 @@
+#include "panes/MarketWatchWidget.h"
+
+#include "app/NumberFormat.h"
+#include "app/ServerText.h"
+#include "app/Theme.h"
+#include "net/JsonNumber.h"
+#include "panes/SymbolOrder.h"
+
+#include <QEvent>
+#include <QHeaderView>
+#include <QJsonArray>
+#include <QKeyEvent>
+#include <QScrollBar>
+#include <QStackedWidget>
+#include <QTabBar>
+#include <QTreeWidget>
+#include <QVBoxLayout>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+enum Page { SymbolsPage, DetailsPage, TicksPage };
+
+// Keeps an absurdly small opening price from filling the column with hundreds of digits.
+constexpr double largestPercent = 1e15;
+
+bool differ(double a, double b)
+{
+    return std::abs(a - b) * 1e12 > std::min(a, b);
+}
+
+Tick tickOf(double price, double last)
+{
+    if (last <= 0.0 || !differ(price, last))
+        return Tick::None;
+    return price > last ? Tick::Up : Tick::Down;
+}
+
+} // namespace
+
+MarketWatchWidget::MarketWatchWidget(QWidget* parent)
+    : QWidget(parent)
+    , m_look(QuoteLook::forCurrentTheme())
+    , m_pages(new QStackedWidget)
+    , m_list(new QTreeWidget)
+    , m_details(new QTreeWidget)
+    , m_tabs(new QTabBar)
+{
+    buildLists();
+    m_pages->addWidget(m_list);
+    m_pages->addWidget(m_details);
+
+    m_tabs->setShape(QTabBar::RoundedSouth);
+    m_tabs->setExpanding(false);
+    m_tabs->addTab(tr("Symbols"));
+    m_tabs->addTab(tr("Details"));
+    m_tabs->addTab(tr("Ticks"));
+    m_tabs->setTabEnabled(TicksPage, false);
+
+    auto* layout = new QVBoxLayout(this);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(0);
+    layout->addWidget(m_pages, 1);
+    layout->addWidget(m_tabs, 0);
+
+    connect(m_list, &QTreeWidget::itemDoubleClicked, this, &MarketWatchWidget::activate);
+    connect(m_list, &QTreeWidget::itemActivated, this, &MarketWatchWidget::activate);
+    connect(m_list, &QTreeWidget::currentItemChanged, this, [this](const QTreeWidgetItem* current) {
+        showDetails(current ? current->text(QuoteItem::Symbol) : QString());
+    });
+    connect(m_tabs, &QTabBar::currentChanged, this, &MarketWatchWidget::showPage);
+}
+
+void MarketWatchWidget::buildLists()
+{
+    m_list->setObjectName("marketWatchSymbols"_L1);
+    m_list->setAccessibleName(tr("Market Watch"));
+    m_list->setHeaderLabels({tr("Symbol"), tr("Bid"), tr("Ask"), tr("Daily")});
+    m_list->setRootIsDecorated(false);
+    m_list->setUniformRowHeights(true);
+    m_list->setAllColumnsShowFocus(true);
+    m_list->setColumnWidth(QuoteItem::Symbol, 96);
+    m_list->setColumnWidth(QuoteItem::Bid, 70);
+    m_list->setColumnWidth(QuoteItem::Ask, 70);
+    m_list->header()->setStretchLastSection(true);
+    m_list->installEventFilter(this);
+    m_list->viewport()->installEventFilter(this);
+
+    m_details->setObjectName("marketWatchDetails"_L1);
+    m_details->setAccessibleName(tr("Details"));
+    m_details->setHeaderLabels({tr("Property"), tr("Value")});
+    m_details->setRootIsDecorated(false);
+    m_details->setColumnWidth(0, 130);
+    m_details->header()->setStretchLastSection(true);
+}
+
+QString MarketWatchWidget::currentSymbol() const
+{
+    const QTreeWidgetItem* item = m_list->currentItem();
+    if (!item)
+        item = m_list->topLevelItem(0);
+    return item ? item->text(QuoteItem::Symbol) : QString();
+}
+
+// The toolkit reports one double-click as a double-click and, depending on the style, as one or two
+// activations. A gesture begins with a fresh press of a button or key and is reported once.
+bool MarketWatchWidget::eventFilter(QObject* watched, QEvent* event)
+{
+    const bool freshPress = watched == m_list->viewport() && event->type() == QEvent::MouseButtonPress;
+    const bool freshKey = watched == m_list && event->type() == QEvent::KeyPress
+        && !static_cast<QKeyEvent*>(event)->isAutoRepeat();
+    if (freshPress || freshKey)
+        m_reportedItem = nullptr;
+    return QWidget::eventFilter(watched, event);
+}
+
+void MarketWatchWidget::activate(const QTreeWidgetItem* item)
+{
+    if (item == m_reportedItem)
+        return;
+    m_reportedItem = item;
+    Q_EMIT symbolActivated(item->text(QuoteItem::Symbol));
+}
+
+void MarketWatchWidget::setSymbols(const QJsonArray& symbols)
+{
+    // A reconnect sends the list again: the trader's place in it stays.
+    const QTreeWidgetItem* current = m_list->currentItem();
+    const QString currentName = current ? current->text(QuoteItem::Symbol) : QString();
+    const int scrolled = m_list->verticalScrollBar()->value();
+
+    m_reportedItem = nullptr;
+    m_list->clear();
+    m_symbolRows.clear();
+    m_symbolSpecs.clear();
+    refreshLook();
+    const QList<QJsonObject> records = symbolsInListOrder(symbols);
+    m_symbolRows.reserve(records.size());
+    m_symbolSpecs.reserve(records.size());
+    for (const QJsonObject& record : records)
+        appendSymbol(record);
+
+    const auto kept = m_symbolRows.constFind(currentName);
+    if (kept != m_symbolRows.cend()) {
+        m_list->setCurrentItem(kept->item);
+        m_list->verticalScrollBar()->setValue(scrolled);
+    }
+    if (m_pages->currentIndex() == DetailsPage)
+        showDetails(currentSymbol());
+}
+
+void MarketWatchWidget::appendSymbol(const QJsonObject& record)
+{
+    const QString name = record.value("name"_L1).toString();
+    const int digits = jsonInt(record.value("digits"_L1), 5);
+    auto* item = new QuoteItem(m_look, name, record.value("description"_L1).toString(), digits);
+    m_list->addTopLevelItem(item);
+    m_symbolRows.insert(name, {item, digits, 0.0, 0.0, jsonNumber(record.value("dailyOpen"_L1))});
+    m_symbolSpecs.insert(name, record);
+}
+
+void MarketWatchWidget::updatePrices(const QJsonObject& prices)
+{
+    refreshLook();
+    bool changed = false;
+    for (auto it = prices.constBegin(), end = prices.constEnd(); it != end; ++it) {
+        const auto row = m_symbolRows.find(it.key());
+        if (row == m_symbolRows.end())
+            continue;
+        const QJsonObject quote = it.value().toObject();
+        if (applyQuote(*row, jsonNumber(quote.value("bid"_L1)), jsonNumber(quote.value("ask"_L1))))
+            changed = true;
+    }
+    // One announcement for the whole snapshot instead of one for each cell.
+    if (changed) {
+        auto* model = m_list->model();
+        const int last = model->rowCount() - 1;
+        Q_EMIT model->dataChanged(model->index(0, 0), model->index(last, QuoteItem::Daily));
+    }
+}
+
+bool MarketWatchWidget::applyQuote(SymbolRow& row, double bid, double ask)
+{
+    bool changed = false;
+    if (bid > 0.0 && bid != row.lastBid) {
+        row.item->setBid(bid, tickOf(bid, row.lastBid));
+        row.lastBid = bid;
+        if (row.dailyOpen > 0.0) {
+            const double percent = (bid - row.dailyOpen) / row.dailyOpen * 100.0;
+            row.item->setDailyChange(std::min(percent, largestPercent));
+        }
+        changed = true;
+    }
+    if (ask > 0.0 && ask != row.lastAsk) {
+        row.item->setAsk(ask, tickOf(ask, row.lastAsk));
+        row.lastAsk = ask;
+        changed = true;
+    }
+    return changed;
+}
+
+void MarketWatchWidget::showPage(int index)
+{
+    if (index != SymbolsPage && index != DetailsPage)
+        return;
+    m_pages->setCurrentIndex(index);
+    if (index == DetailsPage)
+        showDetails(currentSymbol());
+}
+
+void MarketWatchWidget::showDetails(const QString& symbol)
+{
+    m_details->clear();
+    const QJsonObject spec = m_symbolSpecs.value(symbol);
+    if (spec.isEmpty())
+        return;
+    const auto append = [this](const QString& property, const QString& value) {
+        m_details->addTopLevelItem(new QTreeWidgetItem({property, value}));
+    };
+    const auto general = [&spec](QLatin1StringView key) { return formatGeneral(jsonNumber(spec.value(key))); };
+    append(tr("Symbol"), symbol);
+    append(tr("Description"), oneLine(spec.value("description"_L1).toString()));
+    append(tr("Digits"), QString::number(jsonInt(spec.value("digits"_L1), 5)));
+    append(tr("Contract size"), general("contractSize"_L1));
+    append(tr("Commission (per lot)"), general("commission"_L1));
+    append(tr("Swap long"), general("swapLong"_L1));
+    append(tr("Swap short"), general("swapShort"_L1));
+    append(tr("Minimum volume"), u"0.01"_s);
+}
+
+void MarketWatchWidget::changeEvent(QEvent* event)
+{
+    if (event->type() == QEvent::StyleChange || event->type() == QEvent::PaletteChange)
+        refreshLook();
+    QWidget::changeEvent(event);
+}
+
+void MarketWatchWidget::refreshLook()
+{
+    if (m_look.dark == isDarkTheme())
+        return;
+    m_look = QuoteLook::forCurrentTheme();
+    m_list->viewport()->update();
+}

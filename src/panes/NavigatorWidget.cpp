@@ -1,0 +1,172 @@
+#include "panes/NavigatorWidget.h"
+
+#include "app/ServerText.h"
+#include "app/Theme.h"
+#include "net/JsonNumber.h"
+#include "panes/AccountLabel.h"
+#include "panes/PaneIcons.h"
+
+#include <QEvent>
+#include <QFileInfo>
+#include <QJsonArray>
+#include <QJsonObject>
+#include <QTabBar>
+#include <QTreeWidget>
+#include <QVBoxLayout>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr auto accountPrefix = "account:"_L1;
+constexpr auto indicatorPrefix = "indicator:"_L1;
+constexpr auto expertPrefix = "expert:"_L1;
+
+QString keyOf(const QTreeWidgetItem* item)
+{
+    return item->data(0, Qt::UserRole).toString();
+}
+
+QTreeWidgetItem* addEntry(QTreeWidgetItem* parent, const QString& text, const QString& key = {})
+{
+    auto* item = new QTreeWidgetItem(parent, {text});
+    if (!key.isEmpty())
+        item->setData(0, Qt::UserRole, key);
+    return item;
+}
+
+void setWeight(QTreeWidgetItem* item, QFont::Weight weight)
+{
+    QFont font = item->font(0);
+    font.setWeight(weight);
+    item->setFont(0, font);
+}
+
+} // namespace
+
+NavigatorWidget::NavigatorWidget(QWidget* parent)
+    : QWidget(parent)
+    , m_tree(new QTreeWidget)
+{
+    buildTree();
+
+    auto* tabs = new QTabBar;
+    tabs->setShape(QTabBar::RoundedSouth);
+    tabs->setExpanding(false);
+    tabs->addTab(tr("Common"));
+    tabs->addTab(tr("Favorites"));
+
+    auto* layout = new QVBoxLayout(this);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(0);
+    layout->addWidget(m_tree, 1);
+    layout->addWidget(tabs, 0);
+
+    connect(m_tree, &QTreeWidget::itemDoubleClicked, this, &NavigatorWidget::activate);
+}
+
+void NavigatorWidget::buildTree()
+{
+    m_tree->setObjectName("navigatorTree"_L1);
+    m_tree->setAccessibleName(tr("Navigator"));
+    m_tree->setColumnCount(1);
+    m_tree->setHeaderHidden(true);
+    m_tree->setIndentation(14);
+
+    auto* root = new QTreeWidgetItem(m_tree, {tr("Tavoran Terminal")});
+    root->setIcon(0, appIcon());
+    m_accounts = addEntry(root, tr("Accounts"));
+    QTreeWidgetItem* indicators = addEntry(root, tr("Indicators"));
+    addEntry(indicators, tr("Moving Average"), indicatorPrefix + "sma"_L1);
+    addEntry(indicators, tr("Exponential MA"), indicatorPrefix + "ema"_L1);
+    addEntry(indicators, tr("Relative Strength Index"), indicatorPrefix + "rsi"_L1);
+    m_experts = addEntry(root, tr("Expert Advisors"));
+    setExperts({});
+
+    for (QTreeWidgetItem* item : {root, m_accounts, indicators, m_experts})
+        item->setExpanded(true);
+    drawIcons();
+}
+
+void NavigatorWidget::activate(const QTreeWidgetItem* item)
+{
+    const QString key = keyOf(item);
+    if (key.startsWith(accountPrefix))
+        Q_EMIT accountActivated(key.mid(accountPrefix.size()));
+    else if (key.startsWith(indicatorPrefix))
+        Q_EMIT indicatorActivated(key.mid(indicatorPrefix.size()));
+    else if (key.startsWith(expertPrefix))
+        Q_EMIT expertActivated(key.mid(expertPrefix.size()));
+}
+
+void NavigatorWidget::setAccounts(const QJsonArray& accounts)
+{
+    qDeleteAll(m_accounts->takeChildren());
+    const QIcon icon = accountIcon(themeMutedColor());
+    for (const auto& value : accounts) {
+        const QJsonObject account = value.toObject();
+        const QString balance = QString::number(jsonNumber(account.value("balance"_L1)), 'f', 0);
+        const QString id = account.value("id"_L1).toString();
+        QTreeWidgetItem* item
+            = addEntry(m_accounts, tr("%1  (%2)").arg(accountLabel(account), balance), accountPrefix + id);
+        item->setIcon(0, icon);
+        if (id == m_activeAccountId)
+            setWeight(item, QFont::Bold);
+    }
+    m_accounts->setExpanded(true);
+}
+
+void NavigatorWidget::setActiveAccount(const QString& accountId)
+{
+    m_activeAccountId = accountId;
+    const QString key = accountPrefix + accountId;
+    for (int i = 0; i < m_accounts->childCount(); ++i) {
+        QTreeWidgetItem* item = m_accounts->child(i);
+        setWeight(item, keyOf(item) == key ? QFont::Bold : QFont::Normal);
+    }
+}
+
+void NavigatorWidget::setExperts(const QStringList& paths)
+{
+    if (!m_experts)
+        return;
+    qDeleteAll(m_experts->takeChildren());
+    if (paths.isEmpty())
+        addEntry(m_experts, tr("(none installed)"))->setDisabled(true);
+    const QIcon icon = expertIcon(themeMutedColor());
+    for (const QString& path : paths) {
+        QTreeWidgetItem* item
+            = addEntry(m_experts, oneLine(QFileInfo(path).completeBaseName()), expertPrefix + path);
+        item->setIcon(0, icon);
+        item->setToolTip(0, tr("Double-click to attach to the active chart"));
+    }
+    m_experts->setExpanded(true);
+}
+
+void NavigatorWidget::changeEvent(QEvent* event)
+{
+    const bool restyled = event->type() == QEvent::StyleChange || event->type() == QEvent::PaletteChange;
+    if (restyled && m_drawnDark != isDarkTheme())
+        drawIcons();
+    QWidget::changeEvent(event);
+}
+
+void NavigatorWidget::drawIcons()
+{
+    m_drawnDark = isDarkTheme();
+    const QColor stroke = themeMutedColor();
+    const QIcon folder = folderIcon(stroke);
+    const auto setChildIcons = [](QTreeWidgetItem* parent, const QIcon& icon) {
+        for (int i = 0; i < parent->childCount(); ++i) {
+            if (!parent->child(i)->isDisabled())
+                parent->child(i)->setIcon(0, icon);
+        }
+    };
+    QTreeWidgetItem* indicators = m_tree->topLevelItem(0)->child(1);
+    m_accounts->setIcon(0, folder);
+    indicators->setIcon(0, folder);
+    m_experts->setIcon(0, expertIcon(stroke));
+    setChildIcons(m_accounts, accountIcon(stroke));
+    setChildIcons(indicators, indicatorIcon(stroke));
+    setChildIcons(m_experts, expertIcon(stroke));
+}

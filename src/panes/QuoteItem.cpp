@@ -1,0 +1,114 @@
+#include "panes/QuoteItem.h"
+
+#include "app/NumberFormat.h"
+#include "app/ServerText.h"
+#include "app/Theme.h"
+#include "panes/PaneIcons.h"
+
+#include <QCoreApplication>
+
+using namespace Qt::StringLiterals;
+
+QuoteLook QuoteLook::forCurrentTheme()
+{
+    return {isDarkTheme(), themeTextColor(), themeUpColor(), themeDownColor(), themeGreenColor(),
+        upArrowIcon(themeUpColor()), downArrowIcon(themeDownColor())};
+}
+
+QuoteItem::QuoteItem(const QuoteLook& look, const QString& name, const QString& description, int digits)
+    : m_look(look)
+    , m_digits(clampDigits(digits))
+{
+    setText(Symbol, name);
+    if (!description.isEmpty())
+        setToolTip(Symbol, plainToolTip(description));
+}
+
+void QuoteItem::setBid(double bid, Tick tick)
+{
+    m_bid = bid;
+    if (tick != Tick::None)
+        m_bidTick = tick;
+}
+
+void QuoteItem::setAsk(double ask, Tick tick)
+{
+    m_ask = ask;
+    if (tick != Tick::None)
+        m_askTick = tick;
+}
+
+void QuoteItem::setDailyChange(double percent)
+{
+    m_daily = percent;
+    m_hasDaily = true;
+}
+
+QVariant QuoteItem::data(int column, int role) const
+{
+    if (column == Symbol) {
+        if (role != Qt::DecorationRole)
+            return QTreeWidgetItem::data(column, role);
+        if (m_bidTick == Tick::None)
+            return {};
+        return m_bidTick == Tick::Up ? m_look.up : m_look.down;
+    }
+    switch (role) {
+    case Qt::DisplayRole:
+        return textOf(column);
+    case Qt::ForegroundRole:
+        return brushOf(column);
+    case Qt::TextAlignmentRole:
+        return QVariant::fromValue(int(Qt::AlignRight | Qt::AlignVCenter));
+    default:
+        return QTreeWidgetItem::data(column, role);
+    }
+}
+
+QVariant QuoteItem::textOf(int column) const
+{
+    switch (column) {
+    case Bid:
+        return m_bid > 0.0 ? formatPrice(m_bid, m_digits) : QString();
+    case Ask:
+        return m_ask > 0.0 ? formatPrice(m_ask, m_digits) : QString();
+    case Daily:
+        if (m_hasDaily) {
+            const QString sign = m_daily >= 0.0 ? u"+"_s : QString();
+            return QCoreApplication::translate("MarketWatchWidget", "%1%2%")
+                .arg(sign, QString::number(m_daily, 'f', 2));
+        }
+        return QString();
+    default:
+        return {};
+    }
+}
+
+QVariant QuoteItem::brushOf(int column) const
+{
+    switch (column) {
+    case Bid:
+        return brushOf(m_bidTick);
+    case Ask:
+        return brushOf(m_askTick);
+    case Daily:
+        if (m_hasDaily)
+            return m_daily >= 0.0 ? m_look.gain : m_look.falling;
+        return {};
+    default:
+        return {};
+    }
+}
+
+const QBrush& QuoteItem::brushOf(Tick tick) const
+{
+    switch (tick) {
+    case Tick::Up:
+        return m_look.rising;
+    case Tick::Down:
+        return m_look.falling;
+    case Tick::None:
+        break;
+    }
+    return m_look.text;
+}

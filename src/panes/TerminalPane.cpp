@@ -1,0 +1,214 @@
+#include "panes/TerminalPane.h"
+
+#include "app/NumberFormat.h"
+#include "app/Theme.h"
+#include "net/JsonNumber.h"
+#include "panes/LogList.h"
+#include "panes/TradeCells.h"
+#include "panes/TradeItem.h"
+
+#include <QHeaderView>
+#include <QLabel>
+#include <QScrollBar>
+#include <QTreeWidget>
+#include <QVBoxLayout>
+
+using namespace Qt::StringLiterals;
+using namespace TradeCells;
+
+namespace {
+
+constexpr int defaultDigits = 5;
+
+QTreeWidget* makeList(const QString& name, const QStringList& headers)
+{
+    auto* list = new QTreeWidget;
+    list->setObjectName(name);
+    list->setColumnCount(int(headers.size()));
+    list->setHeaderLabels(headers);
+    list->setRootIsDecorated(false);
+    list->setUniformRowHeights(true);
+    list->setAllColumnsShowFocus(true);
+    list->header()->setStretchLastSection(true);
+    return list;
+}
+
+QJsonObject recordOf(const QTreeWidgetItem* item)
+{
+    return item->data(TradeSymbol, Qt::UserRole).toJsonObject();
+}
+
+} // namespace
+
+TerminalPane::TerminalPane(QWidget* parent)
+    : QTabWidget(parent)
+{
+    setTabPosition(QTabWidget::South);
+    setDocumentMode(true);
+    buildLists();
+    buildTradePage();
+    addTab(m_history, tr("History"));
+    addTab(m_experts, tr("Experts"));
+    addTab(m_journal, tr("Journal"));
+}
+
+void TerminalPane::buildLists()
+{
+    m_trades = makeList(u"tradeList"_s,
+        {tr("Symbol"), tr("Ticket"), tr("Time"), tr("Type"), tr("Volume"), tr("Price"), tr("S / L"),
+            tr("T / P"), tr("Price"), tr("Commission"), tr("Swap"), tr("Profit")});
+    m_history = makeList(u"historyList"_s,
+        {tr("Symbol"), tr("Ticket"), tr("Open Time"), tr("Type"), tr("Volume"), tr("Price"), tr("S / L"),
+            tr("T / P"), tr("Close Time"), tr("Price"), tr("Commission"), tr("Swap"), tr("Profit")});
+    m_experts = new LogList(LogList::Clock::Seconds);
+    m_experts->setObjectName("expertsList"_L1);
+    m_journal = new LogList(LogList::Clock::Milliseconds);
+    m_journal->setObjectName("journalList"_L1);
+    m_trades->setAccessibleName(tr("Trade"));
+    m_history->setAccessibleName(tr("History"));
+    m_experts->setAccessibleName(tr("Experts"));
+    m_journal->setAccessibleName(tr("Journal"));
+
+    m_trades->setContextMenuPolicy(Qt::CustomContextMenu);
+    connect(m_trades, &QTreeWidget::customContextMenuRequested, this, &TerminalPane::requestContextMenu);
+    connect(m_trades, &QTreeWidget::itemDoubleClicked, this,
+        [this](const QTreeWidgetItem* item) { Q_EMIT tradeDoubleClicked(recordOf(item)); });
+}
+
+void TerminalPane::buildTradePage()
+{
+    m_summary = new QLabel;
+    m_summary->setObjectName("accountSummary"_L1);
+    m_summary->setAccessibleName(tr("Account summary"));
+    m_summary->setTextFormat(Qt::RichText);
+    m_summary->setStyleSheet("background:#1c1c1c; border:1px solid #1f1f1f; border-top:none;"
+                             "padding:4px 8px; font-weight:bold;"_L1);
+    clearAccountSummary();
+
+    auto* page = new QWidget;
+    // The line is dark in both themes, so the light theme's dark text would not be legible on it.
+    page->setStyleSheet("QLabel{color:%1;}"_L1.arg(FixedColors::neutral.name()));
+    auto* layout = new QVBoxLayout(page);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(0);
+    layout->addWidget(m_trades, 1);
+    layout->addWidget(m_summary, 0);
+    addTab(page, tr("Trade"));
+}
+
+void TerminalPane::journal(const QString& source, const QString& message)
+{
+    m_journal->append(source, message);
+}
+
+void TerminalPane::expert(const QString& source, const QString& message)
+{
+    m_experts->append(source, message);
+}
+
+void TerminalPane::setOpenRows(
+    const QJsonArray& open, const QJsonArray& pending, const QHash<QString, int>& digits)
+{
+    // Refreshes come often: the trader's place in the list stays.
+    const QTreeWidgetItem* current = m_trades->currentItem();
+    const QString currentId = current ? recordOf(current).value("id"_L1).toString() : QString();
+    const int scrolled = m_trades->verticalScrollBar()->value();
+
+    m_digits = digits;
+    m_trades->clear();
+    m_rowById.clear();
+    QList<QTreeWidgetItem*> items;
+    items.reserve(open.size() + pending.size());
+    for (const QJsonArray& rows : {open, pending}) {
+        for (const auto& value : rows) {
+            const QJsonObject trade = value.toObject();
+            auto* item = new TradeItem(trade, digits.value(trade.value("symbol"_L1).toString(), defaultDigits));
+            items.append(item);
+            m_rowById.insert(trade.value("id"_L1).toString(), item);
+        }
+    }
+    m_trades->addTopLevelItems(items);
+    indexRowsBySymbol();
+
+    if (TradeItem* kept = currentId.isEmpty() ? nullptr : m_rowById.value(currentId)) {
+        m_trades->setCurrentItem(kept);
+        m_trades->verticalScrollBar()->setValue(scrolled);
+    }
+}
+
+void TerminalPane::indexRowsBySymbol()
+{
+    m_rowsBySymbol.clear();
+    for (TradeItem* item : std::as_const(m_rowById)) {
+        const QString symbol = recordOf(item).value("symbol"_L1).toString();
+        SymbolTrades& trades = m_rowsBySymbol[symbol];
+        trades.digits = m_digits.value(symbol, defaultDigits);
+        trades.rows.append(item);
+    }
+}
+
+void TerminalPane::setHistoryRows(const QJsonArray& rows, const QHash<QString, int>& digits)
+{
+    m_history->clear();
+    QList<QTreeWidgetItem*> items;
+    items.reserve(rows.size());
+    for (const auto& value : rows) {
+        const QJsonObject trade = value.toObject();
+        const int d = digits.value(trade.value("symbol"_L1).toString(), defaultDigits);
+        auto* item = new QTreeWidgetItem(historyTexts(trade, d));
+        alignRight(item, {HistoryVolume, HistoryOpenPrice, HistoryStopLoss, HistoryTakeProfit,
+                             HistoryClosePrice, HistoryCommission, HistorySwap, HistoryProfit});
+        item->setForeground(HistoryProfit, profitColor(jsonNumber(trade.value("pnl"_L1))));
+        item->setForeground(HistoryType, typeColor(trade));
+        items.append(item);
+    }
+    m_history->addTopLevelItems(items);
+}
+
+void TerminalPane::updateTradePnl(const QString& tradeId, double profit)
+{
+    if (TradeItem* item = m_rowById.value(tradeId); item && std::isfinite(profit))
+        item->setProfit(profit);
+}
+
+void TerminalPane::updateCurrentPrices(const QJsonObject& prices)
+{
+    for (auto it = m_rowsBySymbol.cbegin(), end = m_rowsBySymbol.cend(); it != end; ++it) {
+        const auto found = prices.constFind(it.key());
+        if (found == prices.constEnd())
+            continue;
+        const QJsonObject quote = found->toObject();
+        const double bid = jsonNumber(quote.value("bid"_L1));
+        const double ask = jsonNumber(quote.value("ask"_L1));
+        for (TradeItem* item : it->rows) {
+            const double price = item->closesAtBid() ? bid : ask;
+            if (price != 0.0)
+                item->setCurrentPrice(price, it->digits);
+        }
+    }
+}
+
+void TerminalPane::setAccountSummary(
+    double balance, double equity, double margin, double freeMargin, double profit)
+{
+    m_summary->setText(tr("Balance: %1 USD&nbsp;&nbsp;&nbsp;Equity: %2&nbsp;&nbsp;&nbsp;Margin: %3"
+                          "&nbsp;&nbsp;&nbsp;Free Margin: %4&nbsp;&nbsp;&nbsp;"
+                          "Profit: <span style='color:%6'>%5</span>")
+                           .arg(formatMoney(balance), formatMoney(equity), formatMoney(margin),
+                               formatMoney(freeMargin), formatMoney(profit), profitColor(profit).name()));
+}
+
+void TerminalPane::clearAccountSummary()
+{
+    m_summary->setText(tr("Balance: —"));
+}
+
+void TerminalPane::requestContextMenu(const QPoint& viewportPos)
+{
+    const QTreeWidgetItem* item = m_trades->itemAt(viewportPos);
+    if (!item)
+        return;
+    const QJsonObject trade = recordOf(item);
+    if (!trade.isEmpty())
+        Q_EMIT tradeContextMenu(m_trades->viewport()->mapToGlobal(viewportPos), trade);
+}
