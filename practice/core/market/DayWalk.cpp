@@ -1,0 +1,80 @@
+#include "practice/core/market/DayWalk.h"
+
+#include "practice/core/market/HashRandom.h"
+
+#include <cmath>
+#include <utility>
+
+namespace practice {
+namespace {
+
+constexpr double pullPerDay = 1.0 / 250; // a deviation from the base price halves in about eight months
+constexpr double moodDecayPerDay = 1.0 / 30;
+constexpr double moodDeviation = 0.40;
+
+} // namespace
+
+DayWalk::DayWalk(
+    const SymbolSpec& spec, std::uint64_t key, double speed, double ticksPerMinute, CloseRule rule)
+    : m_key(key)
+    , m_rule(std::move(rule))
+    , m_pointsPerUnit(pointsPerUnit(spec.digits))
+    , m_basePoints(spec.basePrice * m_pointsPerUnit)
+    , m_leastPoints(10.0 * spec.spreadPoints)
+    , m_dayVariance(spec.dailyVolatility * spec.dailyVolatility * speed)
+    , m_pull(std::exp(-pullPerDay * speed))
+    , m_moodPersistence(std::exp(-moodDecayPerDay * speed))
+    , m_dayTicks(ticksPerMinute * 1440)
+{
+    const double usualDeviation = spec.dailyVolatility / std::sqrt(-std::expm1(-2 * pullPerDay));
+    m_stepDeviation = usualDeviation * std::sqrt(-std::expm1(-2 * pullPerDay * speed));
+    HashRandom random(hashKey({key, 0}));
+    const double chance = usualDeviation * random.gaussian();
+    m_level = m_rule ? ruledLevel(firstDay - 1) : chance;
+    m_mood = moodDeviation * random.gaussian();
+    m_firstOpen = pointsAt(m_level);
+}
+
+double DayWalk::ruledLevel(std::int64_t number) const
+{
+    return std::log(m_rule(number) * m_pointsPerUnit / m_basePoints);
+}
+
+std::int64_t DayWalk::pointsAt(double logLevel) const
+{
+    return std::llround(std::max(m_leastPoints, m_basePoints * std::exp(logLevel)));
+}
+
+void DayWalk::drawNextDay()
+{
+    HashRandom random(hashKey({m_key, 1, m_days.size()}));
+    m_mood = m_moodPersistence * m_mood
+        + moodDeviation * std::sqrt(1 - m_moodPersistence * m_moodPersistence) * random.gaussian();
+    // The second term keeps the mean square of the restlessness at 1.
+    const double restlessness = std::exp(m_mood - moodDeviation * moodDeviation);
+    const double deviation = m_stepDeviation * restlessness;
+
+    const double from = m_level;
+    const double chance = m_pull * m_level + deviation * random.gaussian();
+    m_level = m_rule ? ruledLevel(firstDay + static_cast<std::int64_t>(m_days.size())) : chance;
+    const double variance = deviation * deviation;
+    const double high = bridgeMaximum(from, m_level, variance, random.uniform());
+    const double low = -bridgeMaximum(-from, -m_level, variance, random.uniform());
+    const double ticks = m_dayTicks * std::pow(restlessness, 0.7) * std::exp(0.15 * random.gaussian());
+    m_days.push_back({pointsAt(high), pointsAt(low), pointsAt(m_level),
+        static_cast<std::int64_t>(std::max(2880.0, ticks)), m_dayVariance * restlessness * restlessness});
+}
+
+BarNode DayWalk::day(std::int64_t number)
+{
+    const auto index = static_cast<std::size_t>(std::clamp(number, firstDay, lastDay) - firstDay);
+    while (m_days.size() <= index)
+        drawNextDay();
+    const Day& day = m_days[index];
+    const std::int64_t open = index == 0 ? m_firstOpen : m_days[index - 1].close;
+    return {{open, std::max({day.high, open, day.close}), std::min({day.low, open, day.close}), day.close,
+                day.volume},
+        day.variance};
+}
+
+} // namespace practice
