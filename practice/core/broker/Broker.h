@@ -44,6 +44,9 @@ public:
     /// contradicts itself: an id twice, a trade of an unknown account, a finished trade among the live ones.
     Broker(std::vector<SymbolSpec> symbols, IdSource ids, BrokerState state);
 
+    Broker(const Broker&) = delete; // the books refer to our symbols
+    Broker& operator=(const Broker&) = delete;
+
     /// Each command is checked completely before anything changes.
     [[nodiscard]] CommandResult place(const PlaceRequest& request, TimeMs now);
     [[nodiscard]] CommandResult close(std::string_view tradeId, TimeMs now);
@@ -73,6 +76,9 @@ public:
 
 private:
     [[nodiscard]] std::optional<Refusal> checkAccount(const std::string& accountId) const;
+    /// Completes a market order at this quote, unless the margin does not suffice.
+    [[nodiscard]] std::optional<Refusal> open(Trade& trade, std::size_t symbol, const Quote& quote) const;
+    [[nodiscard]] std::string newId() const;
     [[nodiscard]] CommandResult finish(std::string tradeId);
 
     std::vector<SymbolSpec> m_symbols;

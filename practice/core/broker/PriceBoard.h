@@ -31,9 +31,13 @@ public:
     [[nodiscard]] const std::vector<SymbolSpec>& symbols() const { return m_symbols; }
 
 private:
+    [[nodiscard]] std::optional<double> convert(std::size_t symbol) const;
+
     const std::vector<SymbolSpec>& m_symbols;
     CurrencyConverter m_converter;
     std::vector<std::optional<Quote>> m_quotes;
+    std::vector<std::optional<double>>
+        m_usdRates; ///< by symbol, so that thousands of trades look it up cheaply
     std::vector<std::vector<std::size_t>> m_dependants; ///< by pair: symbols whose profit it converts
 };
 

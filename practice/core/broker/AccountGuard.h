@@ -1,0 +1,23 @@
+#pragma once
+
+#include "practice/core/broker/TradeDesk.h"
+
+namespace practice {
+
+/// Charges swap for every UTC midnight passed since the account was last looked at, to each position held
+/// over it, and takes the equity after that as the new day's start. A position whose symbol has no price
+/// is not charged.
+void rollDay(TradeDesk& desk, LiveAccount& account);
+
+/// Fails a plan account that has lost too much and closes everything it has. What could not be closed for
+/// want of a price is closed by a later call.
+void enforceLossLimits(TradeDesk& desk, LiveAccount& account);
+
+/// Closes the largest losers one by one until the margin level is above the limit.
+void enforceStopOut(TradeDesk& desk, LiveAccount& account);
+
+/// Moves a challenge that reached its target to the next phase, which starts afresh from the initial
+/// balance, or, after the last one, to Passed. Its pending orders are cancelled.
+void advancePhase(TradeDesk& desk, LiveAccount& account);
+
+} // namespace practice

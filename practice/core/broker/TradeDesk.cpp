@@ -1,0 +1,90 @@
+#include "practice/core/broker/TradeDesk.h"
+
+#include "practice/core/broker/Valuation.h"
+
+namespace practice {
+
+TradeDesk::TradeDesk(Ledger& ledger, const PriceBoard& prices, TimeMs now)
+    : m_ledger(ledger)
+    , m_prices(prices)
+    , m_now(now)
+{
+}
+
+LiveTrade& TradeDesk::accept(Trade trade)
+{
+    LiveTrade& live = m_ledger.add(std::move(trade));
+    m_ledger.emit(OrdersChanged{live.record.accountId, live.record.id, false, CloseReason::None});
+    return live;
+}
+
+bool TradeDesk::fillOrder(LiveTrade& order)
+{
+    const std::optional<Quote> quote = m_prices.quote(order.symbol);
+    const std::optional<double> rate = m_prices.usdRate(order.symbol);
+    if (!quote || !rate)
+        return false;
+    const SymbolSpec& spec = m_prices.symbols()[order.symbol];
+    Trade position = order.record;
+    position.status = TradeStatus::Open;
+    position.entryPrice = openingPrice(position.side, *quote);
+    position.margin
+        = marginFor(spec, position.lots, position.entryPrice, *rate, order.owner->record.leverage);
+    if (position.margin > order.owner->freeMargin()) {
+        cancelOrder(order, CloseReason::NoMargin);
+        return true;
+    }
+    position.commission = commissionFor(spec, position.lots);
+    position.createdAt = position.updatedAt = m_now;
+    position.pnl = m_prices.netProfit(position, order.symbol).value_or(0);
+    m_ledger.replace(order, std::move(position));
+    m_ledger.emit(OrdersChanged{order.record.accountId, order.record.id, true, CloseReason::None});
+    return true;
+}
+
+bool TradeDesk::closePosition(LiveTrade& position, CloseReason reason)
+{
+    const std::optional<Quote> quote = m_prices.quote(position.symbol);
+    const std::optional<Cents> result = m_prices.netProfit(position.record, position.symbol);
+    if (!quote || !result)
+        return false;
+    Trade closed = position.record;
+    closed.status = TradeStatus::Closed;
+    closed.exitPrice = closingPrice(closed.side, *quote);
+    closed.pnl = *result;
+    closed.updatedAt = closed.closedAt = m_now;
+    closed.closeReason = reason;
+    m_ledger.change(*position.owner).balance += closed.pnl;
+    m_ledger.emit(OrdersChanged{closed.accountId, closed.id, false, reason});
+    m_ledger.finish(position, std::move(closed));
+    return true;
+}
+
+void TradeDesk::cancelOrder(LiveTrade& order, CloseReason reason)
+{
+    Trade cancelled = order.record;
+    cancelled.status = TradeStatus::Cancelled;
+    cancelled.updatedAt = cancelled.closedAt = m_now;
+    cancelled.closeReason = reason;
+    m_ledger.emit(OrdersChanged{cancelled.accountId, cancelled.id, false, CloseReason::None});
+    m_ledger.finish(order, std::move(cancelled));
+}
+
+void TradeDesk::closeEverything(LiveAccount& account, CloseReason reason)
+{
+    const std::vector<LiveTrade*> trades = account.trades; // closing takes them out of the list
+    for (LiveTrade* trade : trades) {
+        if (trade->record.status == TradeStatus::Open)
+            closePosition(*trade, reason);
+        else
+            cancelOrder(*trade, reason);
+    }
+}
+
+void TradeDesk::setStatus(LiveAccount& account, AccountStatus status)
+{
+    m_ledger.change(account).status = status;
+    m_ledger.emit(AccountUpdated{account.record});
+}
+
+} // namespace practice

@@ -1,0 +1,72 @@
+#include "practice/core/broker/Triggers.h"
+
+#include <utility>
+
+namespace practice {
+namespace {
+
+void closeReached(TradeDesk& desk, std::size_t symbol, const Quote& quote)
+{
+    std::vector<std::pair<LiveTrade*, CloseReason>> reached;
+    for (LiveTrade* position : desk.ledger().openOf(symbol)) {
+        const CloseReason reason = reachedLevel(position->record, quote);
+        if (reason != CloseReason::None)
+            reached.emplace_back(position, reason);
+    }
+    for (const auto& [position, reason] : reached)
+        desk.closePosition(*position, reason);
+}
+
+bool fillReached(TradeDesk& desk, std::size_t symbol, const Quote& quote)
+{
+    std::vector<LiveTrade*> reached;
+    for (LiveTrade* order : desk.ledger().pendingOf(symbol)) {
+        if (triggerReached(order->record, quote))
+            reached.push_back(order);
+    }
+    for (LiveTrade* order : reached)
+        desk.fillOrder(*order);
+    return !reached.empty();
+}
+
+} // namespace
+
+CloseReason reachedLevel(const Trade& position, const Quote& quote)
+{
+    const bool isBuy = position.side == Side::Buy;
+    const double price = closingPrice(position.side, quote);
+    if (position.stopLoss > 0 && (isBuy ? price <= position.stopLoss : price >= position.stopLoss))
+        return CloseReason::StopLoss;
+    if (position.takeProfit > 0 && (isBuy ? price >= position.takeProfit : price <= position.takeProfit))
+        return CloseReason::TakeProfit;
+    return CloseReason::None;
+}
+
+bool triggerReached(const Trade& order, const Quote& quote)
+{
+    switch (order.orderKind) {
+    case OrderKind::BuyLimit:
+        return quote.ask <= order.pendingPrice;
+    case OrderKind::SellLimit:
+        return quote.bid >= order.pendingPrice;
+    case OrderKind::BuyStop:
+        return quote.ask >= order.pendingPrice;
+    case OrderKind::SellStop:
+        return quote.bid <= order.pendingPrice;
+    case OrderKind::Market:
+        break;
+    }
+    return false;
+}
+
+void runTriggers(TradeDesk& desk, std::size_t symbol)
+{
+    const std::optional<Quote> quote = desk.prices().quote(symbol);
+    if (!quote)
+        return;
+    closeReached(desk, symbol, *quote);
+    if (fillReached(desk, symbol, *quote))
+        closeReached(desk, symbol, *quote);
+}
+
+} // namespace practice
