@@ -1,0 +1,48 @@
+#pragma once
+
+#include "chart/ChartColors.h"
+#include "chart/ChartType.h"
+#include "chart/ChartView.h"
+
+#include <QPixmap>
+
+#include <optional>
+
+class QPainter;
+struct ChartFrame;
+
+/// Paints frames, keeping the layers that change rarely as a picture in device pixels. The picture is used
+/// while everything that it shows stays equal, so nobody has to announce a change. A frame that differs from
+/// the one before is painted straight (panning changes every frame, and a picture would only be copied once);
+/// the picture is made when the same content is asked for again.
+class BandCache final {
+public:
+    /// Paints the whole frame. `whole` tells that no part of the widget is clipped away: broken lines begin
+    /// anew at a clip edge, so clipped frames always come from the picture.
+    void paint(QPainter& painter, const ChartFrame& frame, bool whole);
+
+    /// How often bars other than the newest were painted; what the speed of a chart depends on.
+    [[nodiscard]] quint64 seriesPaints() const { return m_seriesPaints; }
+
+private:
+    /// What the kept layers show.
+    struct Content {
+        ChartView view;
+        quint64 seriesRevision = 0;
+        qint32 largestVolume = 1;
+        qsizetype liveBar = -1;
+        ChartColors colors;
+        ChartType type = ChartType::Candles;
+        int digits = 0;
+        qint64 timeframeMs = 0;
+        qreal scale = 1.0;
+
+        bool operator==(const Content&) const = default;
+    };
+
+    [[nodiscard]] bool makePicture(const ChartFrame& frame, const Content& content);
+
+    std::optional<Content> m_content; ///< of the last frame, and of the picture when there is one
+    QPixmap m_picture;
+    quint64 m_seriesPaints = 0;
+};

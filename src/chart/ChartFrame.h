@@ -1,0 +1,50 @@
+#pragma once
+
+#include "chart/Candle.h"
+#include "chart/ChartColors.h"
+#include "chart/ChartType.h"
+#include "chart/ChartView.h"
+#include "chart/TextPainter.h"
+#include "chart/TradeLevel.h"
+
+#include <QPoint>
+#include <QString>
+
+#include <span>
+
+/// Everything that one picture of a chart shows, taken once a frame; layers read nothing else. Valid as
+/// long as the widget that took it does not change.
+struct ChartFrame {
+    ChartView view;
+    std::span<const Candle> candles; ///< the whole series; layers walk `bars` only
+    BarRange bars;                   ///< the bars to paint, within the visible ones
+    qsizetype liveBar = -1;          ///< the newest bar when it is visible, else -1
+    quint64 seriesRevision = 0;      ///< differs when a bar other than the newest has changed
+    qint32 largestVolume = 1;        ///< of the visible bars, at least 1
+
+    ChartColors colors;
+    ChartType type = ChartType::Candles;
+    int digits = 5;
+    qint64 timeframeMs = 0;
+    QString symbol;
+    QString timeframeLabel;
+    QString description;
+
+    double bid = 0.0; ///< 0 means none yet
+    double ask = 0.0; ///< 0 means none yet
+    std::span<const TradeLevel> levels;
+    qsizetype draggedLevel = -1; ///< index of the level being dragged, or -1
+    double draggedPrice = 0.0;
+
+    bool autoScroll = true;
+    bool chartShift = false;
+    QPoint pointer = {-1, -1};
+    bool pointerInPlot = false;
+
+    TextPainter* texts = nullptr; ///< never null while painting
+
+    [[nodiscard]] const Candle& bar(qsizetype index) const
+    {
+        return candles[static_cast<std::size_t>(index)];
+    }
+};

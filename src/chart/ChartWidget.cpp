@@ -1,0 +1,340 @@
+#include "chart/ChartWidget.h"
+
+#include "chart/ChartFrame.h"
+#include "chart/ChartTexts.h"
+
+#include <QMouseEvent>
+#include <QPaintEvent>
+#include <QPainter>
+#include <QWheelEvent>
+
+#include <algorithm>
+
+namespace {
+
+constexpr QPoint nowhere(-1, -1);
+constexpr int shortestRsiPeriod = 2;
+
+/// The wanted colour without transparency, or the current one when there is none.
+QColor solidColor(const QColor& wanted, const QColor& current)
+{
+    return wanted.isValid() ? QColor(wanted.red(), wanted.green(), wanted.blue()) : current;
+}
+
+std::span<const Candle> barsOf(const std::vector<Candle>& candles, const BarRange& range)
+{
+    if (range.isEmpty())
+        return {};
+    return std::span(candles).subspan(
+        static_cast<std::size_t>(range.first), static_cast<std::size_t>(range.last - range.first + 1));
+}
+
+} // namespace
+
+ChartWidget::ChartWidget(QWidget* parent)
+    : QWidget(parent)
+{
+    setMouseTracking(true);
+    setFocusPolicy(Qt::StrongFocus);
+    setMinimumSize(240, 160);
+    setAttribute(Qt::WA_OpaquePaintEvent);
+}
+
+ChartWidget::~ChartWidget() = default;
+
+void ChartWidget::setCandles(std::vector<Candle> candles)
+{
+    m_series.setCandles(std::move(candles));
+    ++m_seriesRevision;
+    viewChanged();
+    applyView(atEnd());
+}
+
+void ChartWidget::onTick(double bid, double ask, qint64 timeMs)
+{
+    if (!isUsablePrice(bid) || !isUsablePrice(ask))
+        return;
+    const bool quoteChanged = bid != m_bid || ask != m_ask;
+    m_bid = bid;
+    m_ask = ask;
+    const TickEffect effect = m_series.foldTick(bid, ask, timeMs);
+    if (effect == TickEffect::Appended) {
+        ++m_seriesRevision;
+        if (m_viewState.autoScroll)
+            m_viewState = atEnd();
+    }
+    if (quoteChanged || effect != TickEffect::Nothing)
+        viewChanged();
+}
+
+void ChartWidget::setTimeframeMs(qint64 ms)
+{
+    const qint64 before = m_series.timeframeMs();
+    m_series.setTimeframeMs(ms);
+    if (m_series.timeframeMs() != before)
+        update();
+}
+
+void ChartWidget::setSymbolInfo(
+    const QString& symbol, const QString& timeframeLabel, const QString& description)
+{
+    if (symbol == m_symbol && timeframeLabel == m_timeframeLabel && description == m_description)
+        return;
+    m_symbol = symbol;
+    m_timeframeLabel = timeframeLabel;
+    m_description = description;
+    update();
+}
+
+void ChartWidget::setDigits(int digits)
+{
+    if (digits == m_digits)
+        return;
+    m_digits = digits;
+    update();
+}
+
+void ChartWidget::setAutoScroll(bool on)
+{
+    ViewState state = m_viewState;
+    state.autoScroll = false;
+    applyView(on ? atEnd() : state);
+}
+
+void ChartWidget::scrollToEnd()
+{
+    applyView(atEnd());
+}
+
+void ChartWidget::setChartShift(bool on)
+{
+    ViewState state = m_viewState;
+    state.chartShift = on;
+    applyView(state);
+}
+
+void ChartWidget::zoomIn()
+{
+    ViewState state = m_viewState;
+    state.barWidth = PanZoom::wider(state.barWidth);
+    applyView(state);
+}
+
+void ChartWidget::zoomOut()
+{
+    ViewState state = m_viewState;
+    state.barWidth = PanZoom::narrower(state.barWidth);
+    applyView(state);
+}
+
+void ChartWidget::setChartType(int type)
+{
+    const bool known = type == static_cast<int>(ChartType::Bars) || type == static_cast<int>(ChartType::Line);
+    const ChartType wanted = known ? static_cast<ChartType>(type) : ChartType::Candles;
+    if (wanted == m_type)
+        return;
+    m_type = wanted;
+    update();
+}
+
+void ChartWidget::setColors(const ChartColors& colors)
+{
+    const ChartColors wanted{solidColor(colors.background, m_colors.background),
+        solidColor(colors.grid, m_colors.grid), solidColor(colors.axis, m_colors.axis),
+        solidColor(colors.up, m_colors.up), solidColor(colors.down, m_colors.down),
+        solidColor(colors.line, m_colors.line), solidColor(colors.volume, m_colors.volume)};
+    if (wanted == m_colors)
+        return;
+    m_colors = wanted;
+    update();
+}
+
+void ChartWidget::setRsi(bool enabled, int period)
+{
+    const int usable = std::max(period, shortestRsiPeriod);
+    if (enabled == m_rsiEnabled && usable == m_rsiPeriod)
+        return;
+    m_rsiEnabled = enabled;
+    m_rsiPeriod = usable;
+    viewChanged();
+}
+
+void ChartWidget::setMeasureMode(bool on)
+{
+    if (on == m_ruler.armed && !m_ruler.active)
+        return;
+    m_ruler.armed = on;
+    m_ruler.active = false;
+    update();
+}
+
+void ChartWidget::setTradeLevels(const QList<TradeLevel>& levels)
+{
+    if (levels == m_levels)
+        return;
+    m_levels = levels;
+    update();
+}
+
+std::optional<Candle> ChartWidget::hoveredBar() const
+{
+    if (m_series.isEmpty() || !pointerInPlot())
+        return std::nullopt;
+    const qsizetype index = view().barAt(m_pointer.x());
+    if (index < 0 || index >= m_series.count())
+        return std::nullopt;
+    return m_series.candles()[static_cast<std::size_t>(index)];
+}
+
+const ChartView& ChartWidget::view() const
+{
+    refreshView();
+    return m_view;
+}
+
+void ChartWidget::viewChanged()
+{
+    m_viewStale = true;
+    update();
+}
+
+void ChartWidget::refreshView() const
+{
+    if (!m_viewStale && m_view.size() == size())
+        return;
+    const ChartView bars(size(), m_viewState, m_series.count(), m_rsiEnabled);
+    const std::span<const Candle> visible = barsOf(m_series.candles(), bars.visible());
+    const double followBid = m_viewState.autoScroll ? m_bid : 0.0;
+    m_view = bars.withPrices(paddedPriceRange(visible, followBid, m_ask));
+    m_largestVolume = 1;
+    for (const Candle& bar : visible)
+        m_largestVolume = std::max(m_largestVolume, bar.volume);
+    m_viewStale = false;
+}
+
+ChartFrame ChartWidget::frame() const
+{
+    ChartFrame frame;
+    frame.view = view();
+    frame.candles = m_series.candles();
+    frame.bars = frame.view.visible();
+    if (const qsizetype newest = m_series.count() - 1; !frame.bars.isEmpty() && frame.bars.last == newest)
+        frame.liveBar = newest;
+    frame.seriesRevision = m_seriesRevision;
+    frame.largestVolume = m_largestVolume;
+    frame.colors = m_colors;
+    frame.type = m_type;
+    frame.digits = m_digits;
+    frame.timeframeMs = m_series.timeframeMs();
+    frame.symbol = m_symbol;
+    frame.timeframeLabel = m_timeframeLabel;
+    frame.description = m_description;
+    frame.bid = m_bid;
+    frame.ask = m_ask;
+    frame.levels = m_levels;
+    frame.draggedLevel = m_draggedLevel;
+    frame.draggedPrice = m_draggedPrice;
+    frame.autoScroll = m_viewState.autoScroll;
+    frame.chartShift = m_viewState.chartShift;
+    frame.pointer = m_pointer;
+    frame.pointerInPlot = pointerInPlot();
+    frame.texts = &m_texts;
+    return frame;
+}
+
+ViewState ChartWidget::atEnd() const
+{
+    ViewState state = m_viewState;
+    state.rightBarIndex = static_cast<double>(std::max<qsizetype>(m_series.count() - 1, 0));
+    state.autoScroll = true;
+    return state;
+}
+
+void ChartWidget::applyView(const ViewState& state)
+{
+    if (state == m_viewState)
+        return;
+    const bool announce = state.autoScroll != m_viewState.autoScroll;
+    m_viewState = state;
+    viewChanged();
+    if (announce)
+        Q_EMIT autoScrollChanged(state.autoScroll);
+}
+
+bool ChartWidget::pointerInPlot() const
+{
+    return view().plot().contains(m_pointer);
+}
+
+void ChartWidget::paintEvent(QPaintEvent* event)
+{
+    QPainter painter(this);
+    m_bands.paint(painter, frame(), event->rect() == rect());
+}
+
+void ChartWidget::mousePressEvent(QMouseEvent* event)
+{
+    if (event->button() != Qt::LeftButton) {
+        event->ignore();
+        return;
+    }
+    const QPoint position = event->position().toPoint();
+    if (!m_viewState.autoScroll && view().scrollToEndButton().contains(position)) {
+        scrollToEnd();
+        return;
+    }
+    m_panZoom.begin(position.x(), m_viewState);
+    setCursor(Qt::ClosedHandCursor);
+}
+
+void ChartWidget::mouseMoveEvent(QMouseEvent* event)
+{
+    // The release may have gone to another window.
+    if (m_panZoom.isPanning() && !event->buttons().testFlag(Qt::LeftButton))
+        endPanning();
+    const QPoint position = event->position().toPoint();
+    if (m_panZoom.isPanning())
+        applyView(m_panZoom.dragged(position.x(), m_viewState, m_series.count()));
+    movePointer(position);
+    if (const std::optional<Candle> bar = hoveredBar())
+        Q_EMIT crosshairMoved(hoverText(*bar, m_digits));
+}
+
+void ChartWidget::mouseReleaseEvent(QMouseEvent* event)
+{
+    if (event->button() == Qt::LeftButton && m_panZoom.isPanning())
+        endPanning();
+    else
+        event->ignore();
+}
+
+void ChartWidget::wheelEvent(QWheelEvent* event)
+{
+    ViewState state = m_viewState;
+    state.barWidth = PanZoom::wheeled(state.barWidth, event->angleDelta().y());
+    applyView(state);
+    event->accept();
+}
+
+void ChartWidget::leaveEvent(QEvent* event)
+{
+    movePointer(nowhere);
+    Q_EMIT crosshairMoved(QString());
+    QWidget::leaveEvent(event);
+}
+
+void ChartWidget::movePointer(const QPoint& position)
+{
+    const bool wasInPlot = pointerInPlot();
+    if (position == m_pointer)
+        return;
+    m_pointer = position;
+    if (wasInPlot || pointerInPlot())
+        update();
+}
+
+void ChartWidget::endPanning()
+{
+    m_panZoom.end();
+    setCursor(Qt::ArrowCursor);
+}

@@ -1,0 +1,154 @@
+#pragma once
+
+#include "chart/BandCache.h"
+#include "chart/CandleSeries.h"
+#include "chart/ChartColors.h"
+#include "chart/ChartType.h"
+#include "chart/ChartView.h"
+#include "chart/Drawing.h"
+#include "chart/PanZoom.h"
+#include "chart/TextPainter.h"
+#include "chart/TradeLevel.h"
+#include "chart/ViewState.h"
+
+#include <QPoint>
+#include <QWidget>
+
+#include <optional>
+#include <vector>
+
+struct ChartFrame;
+
+/// The chart canvas: holds a series, folds ticks into it, keeps the view and paints the layers.
+/// Setters that change nothing repaint nothing; several changes within one turn of the event loop make one
+/// paint.
+class ChartWidget final : public QWidget {
+    Q_OBJECT
+    Q_DISABLE_COPY_MOVE(ChartWidget)
+
+public:
+    using Drawing = ::Drawing;
+
+    explicit ChartWidget(QWidget* parent = nullptr);
+    ~ChartWidget() override;
+
+    /// Replaces the series (see CandleSeries for bad bars), goes to its end and follows it.
+    void setCandles(std::vector<Candle> candles);
+    [[nodiscard]] const std::vector<Candle>& candles() const { return m_series.candles(); }
+
+    /// A price update at `timeMs` (ms since the epoch). Prices that are no number or absurd are ignored.
+    void onTick(double bid, double ask, qint64 timeMs);
+    [[nodiscard]] double bid() const { return m_bid; } ///< 0 before the first tick
+    [[nodiscard]] double ask() const { return m_ask; } ///< 0 before the first tick
+
+    /// Length in ms of the bars that ticks build; below 1 means 15 minutes.
+    void setTimeframeMs(qint64 ms);
+    [[nodiscard]] qint64 timeframeMs() const { return m_series.timeframeMs(); }
+
+    /// Header texts; shown as plain text on one line.
+    void setSymbolInfo(const QString& symbol, const QString& timeframeLabel, const QString& description);
+    /// Decimals of every price text; shown clamped to 0..8.
+    void setDigits(int digits);
+    [[nodiscard]] int digits() const { return m_digits; }
+
+    void setAutoScroll(bool on);
+    [[nodiscard]] bool autoScroll() const { return m_viewState.autoScroll; }
+    void scrollToEnd();
+    void setChartShift(bool on);
+    [[nodiscard]] bool chartShift() const { return m_viewState.chartShift; }
+    [[nodiscard]] double barWidth() const { return m_viewState.barWidth; }
+    [[nodiscard]] double rightBarIndex() const { return m_viewState.rightBarIndex; }
+    /// One step wider or narrower, within 1 to 40 pixels a bar, about the right edge.
+    void zoomIn();
+    void zoomOut();
+
+    /// 0 candles, 1 bars, 2 line; any other value means candles.
+    void setChartType(int type);
+    [[nodiscard]] int chartType() const { return static_cast<int>(m_type); }
+    /// An invalid colour keeps the one in use.
+    void setColors(const ChartColors& colors);
+    [[nodiscard]] const ChartColors& colors() const { return m_colors; }
+
+    /// The relative-strength pane; a period below 2 becomes 2.
+    void setRsi(bool enabled, int period);
+    [[nodiscard]] bool rsiEnabled() const { return m_rsiEnabled; }
+    [[nodiscard]] int rsiPeriod() const { return m_rsiPeriod; }
+
+    /// Arms or disarms the ruler; a ruler in progress ends.
+    void setMeasureMode(bool on);
+    [[nodiscard]] bool measureMode() const { return m_ruler.armed; }
+
+    void setTradeLevels(const QList<TradeLevel>& levels);
+    [[nodiscard]] const QList<TradeLevel>& tradeLevels() const { return m_levels; }
+
+    /// The bar under the pointer; nothing while the pointer is outside the plot or beside the bars.
+    [[nodiscard]] std::optional<Candle> hoveredBar() const;
+
+    /// The geometry that the next paint uses.
+    [[nodiscard]] const ChartView& view() const;
+    /// The snapshot that the next paint shows; valid until the widget changes.
+    [[nodiscard]] ChartFrame frame() const;
+    /// How often bars other than the newest were painted so far.
+    [[nodiscard]] quint64 seriesPaints() const { return m_bands.seriesPaints(); }
+
+Q_SIGNALS:
+    void autoScrollChanged(bool on);
+    /// Prices of the bar under the pointer as text; empty when the pointer has left.
+    void crosshairMoved(const QString& ohlc);
+    void drawingCreated(const Drawing& drawing);
+    void drawingUpdated(const Drawing& drawing);
+    void drawingDeleted(const QString& id);
+    void toolFinished();
+    /// A level line was dropped at a new price.
+    void levelDragged(const QString& tradeId, const QString& kind, double price);
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override;
+    void mouseMoveEvent(QMouseEvent* event) override;
+    void mouseReleaseEvent(QMouseEvent* event) override;
+    void wheelEvent(QWheelEvent* event) override;
+    void leaveEvent(QEvent* event) override;
+
+private:
+    struct Ruler {
+        bool armed = false;
+        bool active = false;
+        QPoint start = {-1, -1};
+        QPoint end = {-1, -1};
+    };
+
+    void viewChanged();
+    void refreshView() const;
+    void applyView(const ViewState& state);
+    void movePointer(const QPoint& position);
+    void endPanning();
+    [[nodiscard]] ViewState atEnd() const;
+    [[nodiscard]] bool pointerInPlot() const;
+
+    CandleSeries m_series;
+    quint64 m_seriesRevision = 0; ///< counts changes other than ticks into the newest bar
+    ViewState m_viewState;
+    PanZoom m_panZoom;
+    double m_bid = 0.0;
+    double m_ask = 0.0;
+    QString m_symbol;
+    QString m_timeframeLabel;
+    QString m_description;
+    int m_digits = 5;
+    ChartType m_type = ChartType::Candles;
+    ChartColors m_colors;
+    bool m_rsiEnabled = false;
+    int m_rsiPeriod = 14;
+    Ruler m_ruler;
+    QList<TradeLevel> m_levels;
+    int m_draggedLevel = -1;
+    double m_draggedPrice = 0.0;
+    QPoint m_pointer = {-1, -1};
+
+    mutable bool m_viewStale = true;
+    mutable ChartView m_view;
+    mutable qint32 m_largestVolume = 1;
+    mutable TextPainter m_texts;
+    BandCache m_bands;
+};

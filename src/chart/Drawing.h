@@ -1,0 +1,27 @@
+#pragma once
+
+#include <QColor>
+#include <QList>
+#include <QMetaType>
+#include <QString>
+
+/// An anchor of a chart object.
+struct DrawingPoint {
+    qint64 time = 0; ///< bar open time, ms since the epoch, UTC
+    double price = 0.0;
+
+    bool operator==(const DrawingPoint&) const = default;
+};
+
+/// An object that the user placed on the chart.
+struct Drawing {
+    QString id;                 ///< server id; empty until the server has stored the object
+    QString type;               ///< "hline", "vline", "trendline", "rectangle" or "fibonacci"
+    QList<DrawingPoint> points; ///< 1 for the two plain lines, 2 for the others
+    QColor color = QColor(0xe0, 0xe0, 0xe0);
+    bool selected = false;
+
+    bool operator==(const Drawing&) const = default;
+};
+
+Q_DECLARE_METATYPE(Drawing)

@@ -1,0 +1,82 @@
+#include "chart/TextPainter.h"
+
+#include <QColor>
+#include <QFontMetrics>
+#include <QPainter>
+#include <QRect>
+
+#include <algorithm>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr int pointSize = 8;
+constexpr int boldWeight = 700;
+/// Enough for every label of a large screen several times over.
+constexpr qsizetype mostLayouts = 1024;
+/// No widget is wide enough for more, and layouts of endless texts are slow.
+constexpr qsizetype longestText = 1024;
+
+} // namespace
+
+TextPainter::TextPainter()
+{
+    for (Face& face : m_faces) {
+        face.font = QFont(u"Segoe UI"_s, pointSize);
+        if (&face != &m_faces.front())
+            face.font.setWeight(static_cast<QFont::Weight>(boldWeight));
+        const QFontMetrics metrics(face.font);
+        face.ascent = metrics.ascent();
+        face.height = metrics.height();
+    }
+}
+
+const TextPainter::Layout& TextPainter::layout(Face& face, const QString& text)
+{
+    if (const auto known = face.layouts.constFind(text); known != face.layouts.constEnd())
+        return *known;
+    if (face.layouts.size() >= mostLayouts)
+        face.layouts.clear();
+    Layout layout;
+    layout.text.setTextFormat(Qt::PlainText);
+    layout.text.setText(text.left(longestText));
+    layout.text.prepare(QTransform(), face.font);
+    layout.width = static_cast<int>(std::ceil(layout.text.size().width()));
+    return *face.layouts.insert(text, layout);
+}
+
+void TextPainter::draw(QPainter& painter, const QRect& box, Qt::Alignment alignment, const QString& text,
+    const QColor& color, Weight weight)
+{
+    if (text.isEmpty())
+        return;
+    Face& used = face(weight);
+    const Layout& line = layout(used, text);
+    int x = box.left();
+    if (alignment.testFlag(Qt::AlignHCenter))
+        x += (box.width() - line.width) / 2;
+    else if (alignment.testFlag(Qt::AlignRight))
+        x += box.width() - line.width;
+    const int y = box.top() + (box.height() - used.height) / 2;
+    const bool overflows = line.width > box.width();
+    if (overflows) {
+        painter.save();
+        painter.setClipRect(box, Qt::IntersectClip);
+    }
+    painter.setFont(used.font);
+    painter.setPen(color);
+    painter.drawStaticText(x, y, line.text);
+    if (overflows)
+        painter.restore();
+}
+
+void TextPainter::drawAt(QPainter& painter, const QPoint& baseline, const QString& text, const QColor& color)
+{
+    if (text.isEmpty())
+        return;
+    Face& used = face(Weight::Normal);
+    painter.setFont(used.font);
+    painter.setPen(color);
+    painter.drawStaticText(baseline.x(), baseline.y() - used.ascent, layout(used, text).text);
+}

@@ -1,0 +1,46 @@
+#pragma once
+
+#include <QFont>
+#include <QHash>
+#include <QStaticText>
+#include <QString>
+
+#include <array>
+
+class QColor;
+class QPainter;
+class QPoint;
+class QRect;
+
+/// Draws the chart's short texts and keeps their layouts: most of them are the same from frame to frame,
+/// and laying a text out costs more than drawing it. Texts are plain, whatever they hold.
+class TextPainter final {
+public:
+    enum class Weight { Normal, Bold };
+
+    TextPainter();
+
+    /// One line within `box`, which also bounds it, vertically centred; `alignment` is the horizontal one.
+    void draw(QPainter& painter, const QRect& box, Qt::Alignment alignment, const QString& text,
+        const QColor& color, Weight weight = Weight::Normal);
+
+    /// One line whose baseline starts at a point.
+    void drawAt(QPainter& painter, const QPoint& baseline, const QString& text, const QColor& color);
+
+private:
+    struct Layout {
+        QStaticText text;
+        int width = 0;
+    };
+    struct Face {
+        QFont font;
+        int ascent = 0;
+        int height = 0;
+        QHash<QString, Layout> layouts;
+    };
+
+    [[nodiscard]] Face& face(Weight weight) { return m_faces[weight == Weight::Bold ? 1 : 0]; }
+    [[nodiscard]] static const Layout& layout(Face& face, const QString& text);
+
+    std::array<Face, 2> m_faces;
+};

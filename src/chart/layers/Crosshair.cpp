@@ -1,0 +1,42 @@
+#include "app/NumberFormat.h"
+#include "chart/ChartFrame.h"
+#include "chart/ChartTexts.h"
+#include "chart/layers/Layers.h"
+#include "chart/layers/PriceTag.h"
+#include "chart/layers/Strokes.h"
+
+namespace {
+
+constexpr QColor lineColor(0x77, 0x77, 0x77);
+constexpr QColor tagColor(0x33, 0x33, 0x33);
+
+void paintTag(QPainter& painter, const ChartFrame& frame, const QRect& box, const QString& text)
+{
+    painter.fillRect(box, tagColor);
+    frame.texts->draw(painter, box, Qt::AlignHCenter, text, QColor(Qt::white));
+}
+
+} // namespace
+
+void layers::paintCrosshair(QPainter& painter, const ChartFrame& frame)
+{
+    if (!frame.pointerInPlot)
+        return;
+    const ChartView& view = frame.view;
+    const QRect& plot = view.plot();
+    const int x = frame.pointer.x();
+    const int y = frame.pointer.y();
+    painter.setPen(strokes::hairline(lineColor, Qt::DashLine));
+    painter.drawLine(plot.left(), y, plot.right(), y);
+    painter.drawLine(x, plot.top(), x, plot.bottom());
+    paintTag(painter, frame, priceTagBox(view, y), formatPrice(view.priceAt(y), frame.digits));
+
+    const qsizetype index = view.barAt(x);
+    if (index < 0 || index >= view.count())
+        return;
+    const Candle& bar = frame.bar(index);
+    paintTag(painter, frame, QRect(x - 50, plot.bottom() + 2, 100, 19),
+        barTimeText(bar.time, frame.timeframeMs, true));
+    frame.texts->draw(painter, QRect(plot.left() + 6, plot.top() + 4, plot.width() - 12, 16), Qt::AlignLeft,
+        crosshairText(bar, frame.digits), frame.colors.axis);
+}

@@ -1,0 +1,19 @@
+#include "app/NumberFormat.h"
+#include "chart/ChartFrame.h"
+#include "chart/GridSteps.h"
+#include "chart/layers/Layers.h"
+#include "chart/layers/Strokes.h"
+
+void layers::paintPriceGrid(QPainter& painter, const ChartFrame& frame)
+{
+    const ChartView& view = frame.view;
+    const QRect& plot = view.plot();
+    const QPen pen = strokes::hairline(frame.colors.grid, Qt::DotLine);
+    for (const double price : priceGridLines(view.prices(), plot.height())) {
+        const int y = view.pricePixel(price);
+        painter.setPen(pen);
+        painter.drawLine(plot.left(), y, plot.right(), y);
+        frame.texts->draw(painter, QRect(plot.right() + 4, y - 8, 62, 16), Qt::AlignLeft,
+            formatPrice(price, frame.digits), frame.colors.axis);
+    }
+}

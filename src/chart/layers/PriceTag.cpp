@@ -1,0 +1,8 @@
+#include "chart/layers/PriceTag.h"
+
+#include "chart/ChartView.h"
+
+QRect priceTagBox(const ChartView& view, int y)
+{
+    return {view.plot().right() + 1, y - 9, 66, 18};
+}

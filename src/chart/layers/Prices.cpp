@@ -1,0 +1,86 @@
+#include "chart/ChartFrame.h"
+#include "chart/layers/Layers.h"
+#include "chart/layers/Strokes.h"
+
+#include <QVarLengthArray>
+
+#include <algorithm>
+#include <cstdlib>
+
+namespace {
+
+/// Below this bar width a body has no room for a shape of its own.
+constexpr double thinnestBody = 2.5;
+
+void paintLine(QPainter& painter, const ChartFrame& frame)
+{
+    QVarLengthArray<QLineF, 512> segments;
+    QPointF from;
+    for (qsizetype i = frame.bars.first; i <= frame.bars.last; ++i) {
+        const QPointF to(frame.view.barPixel(i), frame.view.pricePixel(frame.bar(i).close));
+        if (i > frame.bars.first)
+            segments.append(QLineF(from, to));
+        from = to;
+    }
+    // Single segments: a polyline above one pixel of width is stroked as one large path.
+    painter.setPen(QPen(frame.colors.line, 1.2));
+    painter.drawLines(segments.constData(), static_cast<int>(segments.size()));
+}
+
+void paintBars(QPainter& painter, const ChartFrame& frame)
+{
+    const ChartView& view = frame.view;
+    const int tick = std::max(static_cast<int>(view.barWidth() * 0.36), 1);
+    for (qsizetype i = frame.bars.first; i <= frame.bars.last; ++i) {
+        const int x = view.barPixel(i);
+        if (x + tick < view.plot().left())
+            continue;
+        const Candle& bar = frame.bar(i);
+        const QColor& color = bar.close < bar.open ? frame.colors.down : frame.colors.up;
+        strokes::down(painter, x, view.pricePixel(bar.high), view.pricePixel(bar.low), color);
+        strokes::across(painter, x - tick, x, view.pricePixel(bar.open), color);
+        strokes::across(painter, x, x + tick, view.pricePixel(bar.close), color);
+    }
+}
+
+void paintCandles(QPainter& painter, const ChartFrame& frame)
+{
+    const ChartView& view = frame.view;
+    const int width = std::max(static_cast<int>(view.barWidth() * 0.72), 1);
+    const int half = width / 2;
+    const bool hasBody = view.barWidth() >= thinnestBody;
+    for (qsizetype i = frame.bars.first; i <= frame.bars.last; ++i) {
+        const int x = view.barPixel(i);
+        if (x + half < view.plot().left())
+            continue;
+        const Candle& bar = frame.bar(i);
+        const bool rising = bar.close >= bar.open;
+        const QColor& color = rising ? frame.colors.up : frame.colors.down;
+        strokes::down(painter, x, view.pricePixel(bar.high), view.pricePixel(bar.low), color);
+        const int open = view.pricePixel(bar.open);
+        const int close = view.pricePixel(bar.close);
+        if (!hasBody) {
+            painter.fillRect(x - half, close, width, 1, color);
+            continue;
+        }
+        const QRect body(x - half, std::min(open, close), width, std::max(std::abs(close - open), 1));
+        if (rising)
+            strokes::outlined(painter, body, frame.colors.background, color);
+        else
+            painter.fillRect(body, color);
+    }
+}
+
+} // namespace
+
+void layers::paintPrices(QPainter& painter, const ChartFrame& frame)
+{
+    switch (frame.type) {
+    case ChartType::Line:
+        return paintLine(painter, frame);
+    case ChartType::Bars:
+        return paintBars(painter, frame);
+    case ChartType::Candles:
+        return paintCandles(painter, frame);
+    }
+}

@@ -1,0 +1,45 @@
+#include "app/NumberFormat.h"
+#include "chart/ChartFrame.h"
+#include "chart/layers/Layers.h"
+#include "chart/layers/PriceTag.h"
+#include "chart/layers/Strokes.h"
+
+namespace {
+
+constexpr QColor askColor(0xff, 0x4a, 0x4a);
+constexpr QColor bidColor(0x3b, 0xa7, 0xff);
+constexpr int askTagDarkening = 280;
+
+bool isShown(const ChartFrame& frame, double price)
+{
+    return price > 0.0 && frame.view.prices().contains(price);
+}
+
+void paintLine(QPainter& painter, const ChartFrame& frame, int y, const QColor& color)
+{
+    const QRect& plot = frame.view.plot();
+    painter.setPen(strokes::hairline(color, Qt::DashLine));
+    painter.drawLine(plot.left(), y, plot.right(), y);
+}
+
+} // namespace
+
+void layers::paintQuotes(QPainter& painter, const ChartFrame& frame)
+{
+    if (isShown(frame, frame.ask)) {
+        const int y = frame.view.pricePixel(frame.ask);
+        const QRect tag = priceTagBox(frame.view, y);
+        paintLine(painter, frame, y, askColor);
+        strokes::outlined(painter, tag, askColor.darker(askTagDarkening), askColor);
+        frame.texts->draw(
+            painter, tag, Qt::AlignHCenter, formatPrice(frame.ask, frame.digits), QColor(Qt::white));
+    }
+    if (isShown(frame, frame.bid)) {
+        const int y = frame.view.pricePixel(frame.bid);
+        const QRect tag = priceTagBox(frame.view, y);
+        paintLine(painter, frame, y, bidColor);
+        painter.fillRect(tag, bidColor);
+        frame.texts->draw(painter, tag, Qt::AlignHCenter, formatPrice(frame.bid, frame.digits),
+            QColor(Qt::black), TextPainter::Weight::Bold);
+    }
+}

@@ -1,0 +1,21 @@
+#include "chart/ChartFrame.h"
+#include "chart/layers/Layers.h"
+
+#include <QPainter>
+
+#include <array>
+
+void layers::paintShiftMarker(QPainter& painter, const ChartFrame& frame)
+{
+    if (!frame.chartShift || frame.view.visible().isEmpty())
+        return;
+    const QRect& plot = frame.view.plot();
+    const int x = frame.view.barPixel(frame.view.visible().last);
+    if (x <= plot.left() || x >= plot.right())
+        return;
+    const std::array corners{
+        QPoint(x - 4, plot.top() + 1), QPoint(x + 4, plot.top() + 1), QPoint(x, plot.top() + 6)};
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(QColor(0x8a, 0x8a, 0x8a));
+    painter.drawConvexPolygon(corners.data(), static_cast<int>(corners.size()));
+}

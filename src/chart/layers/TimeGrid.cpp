@@ -1,0 +1,26 @@
+#include "chart/ChartFrame.h"
+#include "chart/ChartTexts.h"
+#include "chart/GridSteps.h"
+#include "chart/layers/Layers.h"
+#include "chart/layers/Strokes.h"
+
+void layers::paintTimeGrid(QPainter& painter, const ChartFrame& frame)
+{
+    const ChartView& view = frame.view;
+    const QRect& plot = view.plot();
+    const BarRange& bars = view.visible();
+    if (bars.isEmpty())
+        return;
+    const qsizetype step = timeGridStep(view.barWidth());
+    const QPen pen = strokes::hairline(frame.colors.grid, Qt::DotLine);
+    // On multiples of the step, so that lines stay with their bars while new ones arrive.
+    for (qsizetype i = bars.last - bars.last % step; i >= bars.first; i -= step) {
+        const int x = view.barPixel(i);
+        if (x < plot.left())
+            break;
+        painter.setPen(pen);
+        painter.drawLine(x, plot.top(), x, plot.bottom());
+        frame.texts->draw(painter, QRect(x - 44, plot.bottom() + 3, 88, 18), Qt::AlignHCenter,
+            barTimeText(frame.bar(i).time, frame.timeframeMs, false), frame.colors.axis);
+    }
+}

@@ -1,0 +1,43 @@
+#include "app/NumberFormat.h"
+#include "app/ServerText.h"
+#include "chart/ChartFrame.h"
+#include "chart/layers/Layers.h"
+#include "chart/layers/PriceTag.h"
+#include "chart/layers/Strokes.h"
+
+#include <QCoreApplication>
+
+namespace {
+
+constexpr int tagDarkening = 280;
+
+void paintLevel(QPainter& painter, const ChartFrame& frame, const TradeLevel& level, bool dragged)
+{
+    const ChartView& view = frame.view;
+    const QRect& plot = view.plot();
+    const double price = dragged ? frame.draggedPrice : level.price;
+    if (!view.prices().contains(price))
+        return;
+    const int y = view.pricePixel(price);
+    painter.setPen(strokes::hairline(level.color, dragged ? Qt::SolidLine : level.penStyle));
+    painter.drawLine(plot.left(), y, plot.right(), y);
+    QString label = oneLine(level.label);
+    if (dragged)
+        label = QCoreApplication::translate("ChartWidget", "%1  %2")
+                    .arg(label, formatPrice(price, frame.digits));
+    frame.texts->draw(
+        painter, QRect(plot.left() + 6, y - 15, plot.width() - 12, 13), Qt::AlignLeft, label, level.color);
+    if (!dragged)
+        return;
+    const QRect tag = priceTagBox(view, y);
+    painter.fillRect(tag, level.color.darker(tagDarkening));
+    frame.texts->draw(painter, tag, Qt::AlignHCenter, formatPrice(price, frame.digits), QColor(Qt::white));
+}
+
+} // namespace
+
+void layers::paintTradeLevels(QPainter& painter, const ChartFrame& frame)
+{
+    for (std::size_t i = 0; i < frame.levels.size(); ++i)
+        paintLevel(painter, frame, frame.levels[i], static_cast<qsizetype>(i) == frame.draggedLevel);
+}

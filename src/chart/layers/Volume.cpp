@@ -1,0 +1,23 @@
+#include "chart/ChartFrame.h"
+#include "chart/layers/Layers.h"
+
+#include <QPainter>
+
+#include <algorithm>
+
+void layers::paintVolume(QPainter& painter, const ChartFrame& frame)
+{
+    const ChartView& view = frame.view;
+    const QRect& plot = view.plot();
+    const auto tallest = static_cast<int>(plot.height() * 0.14);
+    const int width = std::max(static_cast<int>(view.barWidth() * 0.6), 1);
+    for (qsizetype i = frame.bars.first; i <= frame.bars.last; ++i) {
+        const int x = view.barPixel(i);
+        if (x + width < plot.left())
+            continue;
+        const double share = static_cast<double>(frame.bar(i).volume) / frame.largestVolume;
+        const auto height = static_cast<int>(share * tallest);
+        if (height > 0)
+            painter.fillRect(x - width / 2, plot.bottom() - height, width, height, frame.colors.volume);
+    }
+}
