@@ -1,0 +1,228 @@
+#include "mainwindow/ChartArea.h"
+
+#include "app/ServerText.h"
+#include "app/Theme.h"
+#include "chart/ChartWindow.h"
+#include "mainwindow/AccountBook.h"
+#include "mainwindow/ChartsLayout.h"
+#include "mainwindow/WindowPlacement.h"
+
+#include <QEvent>
+#include <QMdiSubWindow>
+#include <QTabBar>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr auto DefaultTimeframe = "15m"_L1;
+constexpr int DefaultDigits = 5;
+constexpr QSize LeastSize(160, 120);
+
+ChartWindow* chartIn(const QMdiSubWindow* subWindow)
+{
+    return subWindow ? qobject_cast<ChartWindow*>(subWindow->widget()) : nullptr;
+}
+
+} // namespace
+
+ChartArea::ChartArea(ApiClient& api, const AccountBook& book, QWidget* parent)
+    : QMdiArea(parent)
+    , m_api(api)
+    , m_book(book)
+{
+    setViewMode(QMdiArea::TabbedView);
+    setTabPosition(QTabWidget::South);
+    setTabsClosable(true);
+    setTabsMovable(true);
+    setBackground(QBrush(themeBackdropColor()));
+}
+
+ChartArea::~ChartArea() = default;
+
+ChartWindow* ChartArea::openChart(const QString& symbol)
+{
+    const QMdiSubWindow* current = currentSubWindow();
+    const bool maximized = !current || current->isMaximized();
+    QMdiSubWindow* subWindow = addChart(symbol, DefaultTimeframe, {});
+    if (maximized)
+        subWindow->showMaximized();
+    else
+        subWindow->show();
+    setActiveSubWindow(subWindow);
+    return chartIn(subWindow);
+}
+
+QMdiSubWindow* ChartArea::addChart(const QString& symbol, const QString& timeframe, const QJsonObject& state)
+{
+    const int digits = m_book.digits().value(symbol, DefaultDigits);
+    auto* chart = new ChartWindow(m_api, symbol, timeframe, m_book.currentAccountId(), digits);
+    connect(chart, &ChartWindow::logMessage, this, &ChartArea::logMessage);
+    chart->restoreState(state);
+    handOverEverything(*chart);
+
+    QMdiSubWindow* subWindow = addSubWindow(chart);
+    const auto name = [this, chart, subWindow] {
+        subWindow->setWindowTitle(oneLine(chart->title()));
+        nameTab(subWindow);
+    };
+    connect(chart, &ChartWindow::titleChanged, subWindow, name);
+    // The toolkit copies the title to the tab, where an ampersand would mark a letter.
+    connect(subWindow, &QWidget::windowTitleChanged, this, [this, subWindow] { nameTab(subWindow); });
+    name();
+    chart->load();
+    return subWindow;
+}
+
+void ChartArea::handOverEverything(ChartWindow& chart)
+{
+    describe(chart);
+    chart.setTrades(m_book.openTrades(), m_book.pendingOrders());
+    if (const auto summary = m_book.summary())
+        chart.setAccountFigures(summary->balance, summary->equity);
+    const QJsonObject price = m_book.knownPrice(chart.symbol());
+    if (!price.isEmpty())
+        chart.onPrices(price);
+}
+
+void ChartArea::describe(ChartWindow& chart)
+{
+    const QString symbol = chart.symbol();
+    const auto record = m_book.symbolsByName().constFind(symbol);
+    if (record != m_book.symbolsByName().cend()) {
+        chart.setSymbolInfo(m_book.digits().value(symbol), oneLine((*record)["description"_L1].toString()));
+        m_reportedUnlisted.remove(symbol);
+    } else if (!m_book.symbolsByName().isEmpty() && !m_reportedUnlisted.contains(symbol)) {
+        m_reportedUnlisted.insert(symbol);
+        Q_EMIT logMessage(tr("Chart"), tr("%1: the server does not list this symbol").arg(oneLine(symbol)));
+    }
+}
+
+void ChartArea::nameTab(QMdiSubWindow* subWindow)
+{
+    const auto* bar = findChild<QTabBar*>(QString(), Qt::FindDirectChildrenOnly);
+    const qsizetype index = subWindowList().indexOf(subWindow);
+    if (bar && index >= 0 && index < bar->count())
+        const_cast<QTabBar*>(bar)->setTabText(int(index), menuText(subWindow->windowTitle()));
+}
+
+ChartWindow* ChartArea::activeChart() const
+{
+    return chartIn(currentSubWindow());
+}
+
+QList<ChartWindow*> ChartArea::charts() const
+{
+    QList<ChartWindow*> charts;
+    const QList<QMdiSubWindow*> subWindows = subWindowList();
+    for (const QMdiSubWindow* subWindow : subWindows) {
+        if (ChartWindow* chart = chartIn(subWindow))
+            charts.append(chart);
+    }
+    return charts;
+}
+
+QString ChartArea::saveLayout() const
+{
+    QList<SavedChart> saved;
+    const QList<QMdiSubWindow*> subWindows = subWindowList();
+    for (const QMdiSubWindow* subWindow : subWindows) {
+        if (const ChartWindow* chart = chartIn(subWindow)) {
+            saved.append({chart->symbol(), chart->timeframe(), subWindow->saveGeometry(),
+                subWindow->isMaximized(), chart->saveState()});
+        }
+    }
+    return chartsLayoutText(saved);
+}
+
+void ChartArea::restoreLayout(const QString& text)
+{
+    QList<QMdiSubWindow*> maximized;
+    const QList<SavedChart> saved = readChartsLayout(text);
+    for (const SavedChart& chart : saved) {
+        QMdiSubWindow* subWindow = addChart(chart.symbol, chart.timeframe, chart.state);
+        subWindow->show();
+        restoreGeometry(subWindow, chart.geometry);
+        if (chart.maximized)
+            maximized.append(subWindow);
+    }
+    // Activation moves the maximized state from one sub-window to the next, so it is given last.
+    for (QMdiSubWindow* subWindow : maximized) {
+        setActiveSubWindow(subWindow);
+        subWindow->showMaximized();
+    }
+}
+
+void ChartArea::restoreGeometry(QMdiSubWindow* subWindow, const QByteArray& geometry)
+{
+    const QRect before = subWindow->geometry();
+    if (geometry.isEmpty() || !subWindow->restoreGeometry(geometry))
+        return;
+    QRect wanted = subWindow->isMaximized() ? subWindow->normalGeometry() : subWindow->geometry();
+    subWindow->setWindowState(Qt::WindowNoState);
+    if (!wanted.isValid())
+        wanted = before;
+    const QRect placed = placedOnScreen(wanted, {QRect(QPoint(), window()->size())});
+    subWindow->setGeometry(QRect(placed.topLeft(), placed.size().expandedTo(LeastSize)));
+}
+
+void ChartArea::onPrices(const QJsonObject& prices)
+{
+    for (ChartWindow* chart : charts())
+        chart->onPrices(prices);
+}
+
+void ChartArea::applyTrades()
+{
+    for (ChartWindow* chart : charts())
+        chart->setTrades(m_book.openTrades(), m_book.pendingOrders());
+}
+
+void ChartArea::applyAccount()
+{
+    for (ChartWindow* chart : charts())
+        chart->setAccountId(m_book.currentAccountId());
+}
+
+void ChartArea::applySummary()
+{
+    const auto summary = m_book.summary();
+    if (!summary)
+        return;
+    for (ChartWindow* chart : charts())
+        chart->setAccountFigures(summary->balance, summary->equity);
+}
+
+void ChartArea::applySymbols()
+{
+    for (ChartWindow* chart : charts())
+        describe(*chart);
+}
+
+void ChartArea::zoomIn()
+{
+    if (ChartWindow* chart = activeChart())
+        chart->zoomIn();
+}
+
+void ChartArea::zoomOut()
+{
+    if (ChartWindow* chart = activeChart())
+        chart->zoomOut();
+}
+
+void ChartArea::setTimeframe(const QString& key)
+{
+    if (ChartWindow* chart = activeChart())
+        chart->setTimeframe(key);
+}
+
+void ChartArea::changeEvent(QEvent* event)
+{
+    QMdiArea::changeEvent(event);
+    if (event->type() == QEvent::PaletteChange || event->type() == QEvent::StyleChange) {
+        const QBrush backdrop(themeBackdropColor());
+        if (backdrop != background())
+            setBackground(backdrop);
+    }
+}

@@ -1,0 +1,65 @@
+#pragma once
+
+#include <QJsonObject>
+#include <QMdiArea>
+#include <QSet>
+#include <QString>
+
+class AccountBook;
+class ApiClient;
+class ChartWindow;
+struct SavedChart;
+
+/// The document area: opens chart windows, hands them prices, trades and account figures, and keeps
+/// their saved layout. A new chart starts with everything the book already knows.
+class ChartArea final : public QMdiArea {
+    Q_OBJECT
+    Q_DISABLE_COPY_MOVE(ChartArea)
+
+public:
+    /// Client and book must outlive the area.
+    ChartArea(ApiClient& api, const AccountBook& book, QWidget* parent = nullptr);
+    ~ChartArea() override;
+
+    /// Opens and activates a chart of 15-minute bars.
+    ChartWindow* openChart(const QString& symbol);
+    /// The chart that the trader last worked with; none without charts.
+    [[nodiscard]] ChartWindow* activeChart() const;
+    /// All charts in the order of their tabs.
+    [[nodiscard]] QList<ChartWindow*> charts() const;
+
+    /// The open charts as text, and back. Unreadable parts of the text are left out.
+    [[nodiscard]] QString saveLayout() const;
+    void restoreLayout(const QString& text);
+
+    // Hand-over to every chart.
+    void onPrices(const QJsonObject& prices);
+    void applyTrades();
+    void applyAccount();
+    void applySummary();
+    /// Digits and descriptions of a new symbol list. A chart whose symbol is no longer listed stays open
+    /// and is reported once.
+    void applySymbols();
+
+    // For the active chart; nothing without one.
+    void zoomIn();
+    void zoomOut();
+    void setTimeframe(const QString& key);
+
+Q_SIGNALS:
+    void logMessage(const QString& source, const QString& message);
+
+protected:
+    void changeEvent(QEvent* event) override;
+
+private:
+    QMdiSubWindow* addChart(const QString& symbol, const QString& timeframe, const QJsonObject& state);
+    void handOverEverything(ChartWindow& chart);
+    void describe(ChartWindow& chart);
+    void nameTab(QMdiSubWindow* subWindow);
+    void restoreGeometry(QMdiSubWindow* subWindow, const QByteArray& geometry);
+
+    ApiClient& m_api;
+    const AccountBook& m_book;
+    QSet<QString> m_reportedUnlisted;
+};

@@ -1,0 +1,175 @@
+#include "mainwindow/DockKeeper.h"
+
+#include "app/TerminalSettings.h"
+#include "mainwindow/WindowPlacement.h"
+
+#include <QDockWidget>
+#include <QGuiApplication>
+#include <QMainWindow>
+#include <QScreen>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr int SnapshotIntervalMs = 1000;
+constexpr int RepairDelaysMs[] = {0, 80, 200};
+constexpr int SideMinimumWidth = 150;
+constexpr int ToolboxMinimumHeight = 80;
+constexpr int CollapsedSize = 20;
+constexpr int DefaultSideWidth = 270;
+constexpr int DefaultToolboxHeight = 210;
+
+QList<QRect> availableScreens()
+{
+    QList<QRect> areas;
+    const QList<QScreen*> screens = QGuiApplication::screens();
+    for (const QScreen* screen : screens)
+        areas.append(screen->availableGeometry());
+    return areas;
+}
+
+} // namespace
+
+DockKeeper::DockKeeper(QMainWindow& window, QWidget* marketWatch, QWidget* navigator, QWidget* toolbox)
+    : m_window(window)
+    , m_marketWatch(addDock(tr("Market Watch"), u"dockMarketWatch"_s, marketWatch, Qt::LeftDockWidgetArea))
+    , m_navigator(addDock(tr("Navigator"), u"dockNavigator"_s, navigator, Qt::LeftDockWidgetArea))
+    , m_toolbox(addDock(tr("Toolbox"), u"dockTerminal"_s, toolbox, Qt::BottomDockWidgetArea))
+{
+    m_marketWatch->setMinimumWidth(SideMinimumWidth);
+    m_navigator->setMinimumWidth(SideMinimumWidth);
+    toolbox->setMinimumHeight(ToolboxMinimumHeight);
+    restoreDefault();
+
+    m_snapshotTimer.setInterval(SnapshotIntervalMs);
+    connect(&m_snapshotTimer, &QTimer::timeout, this, &DockKeeper::takeSnapshot);
+}
+
+DockKeeper::~DockKeeper()
+{
+    confirmRestored(); // a window that was never shown has not crashed either
+}
+
+QDockWidget* DockKeeper::addDock(
+    const QString& title, const QString& name, QWidget* pane, Qt::DockWidgetArea area)
+{
+    auto* dock = new QDockWidget(title, &m_window);
+    dock->setObjectName(name);
+    dock->setWidget(pane);
+    m_window.addDockWidget(area, dock);
+    return dock;
+}
+
+void DockKeeper::restoreDefault()
+{
+    const auto place = [this](QDockWidget* dock, Qt::DockWidgetArea area) {
+        m_window.removeDockWidget(dock);
+        dock->setFloating(false);
+        m_window.addDockWidget(area, dock);
+        dock->show();
+    };
+    place(m_marketWatch, Qt::LeftDockWidgetArea);
+    place(m_navigator, Qt::LeftDockWidgetArea);
+    place(m_toolbox, Qt::BottomDockWidgetArea);
+    m_window.resizeDocks({m_marketWatch}, {DefaultSideWidth}, Qt::Horizontal);
+    m_window.resizeDocks({m_toolbox}, {DefaultToolboxHeight}, Qt::Vertical);
+}
+
+void DockKeeper::startSnapshots()
+{
+    m_snapshotTimer.start();
+}
+
+void DockKeeper::takeSnapshot()
+{
+    DockFacts facts;
+    facts.windowMinimized = m_window.isMinimized();
+    facts.windowHidden = !m_window.isVisible();
+    facts.leftHidden = !m_marketWatch->isVisible();
+    facts.leftFloating = m_marketWatch->isFloating();
+    facts.leftWidth = m_marketWatch->width();
+    facts.bottomHidden = !m_toolbox->isVisible();
+    facts.bottomFloating = m_toolbox->isFloating();
+    facts.bottomHeight = m_toolbox->height();
+    if (!docksLookSane(facts))
+        return;
+    m_lastGoodState = m_window.saveState();
+    m_lastGoodWidth = facts.leftWidth;
+    m_lastGoodHeight = facts.bottomHeight;
+}
+
+void DockKeeper::scheduleRepair()
+{
+    for (const int delay : RepairDelaysMs)
+        QTimer::singleShot(delay, this, &DockKeeper::repair);
+}
+
+void DockKeeper::repair()
+{
+    if (!m_lastGoodState.isEmpty())
+        m_window.restoreState(m_lastGoodState);
+    for (QDockWidget* dock : {m_marketWatch, m_navigator, m_toolbox}) {
+        if (dock->isHidden())
+            dock->show();
+    }
+    if (!m_marketWatch->isFloating() && m_marketWatch->width() < CollapsedSize && m_lastGoodWidth > 0)
+        m_window.resizeDocks({m_marketWatch}, {m_lastGoodWidth}, Qt::Horizontal);
+    if (!m_toolbox->isFloating() && m_toolbox->height() < CollapsedSize && m_lastGoodHeight > 0)
+        m_window.resizeDocks({m_toolbox}, {m_lastGoodHeight}, Qt::Vertical);
+}
+
+QString DockKeeper::restoreFromSettings()
+{
+    TerminalSettings& settings = TerminalSettings::instance();
+    if (settings.restoringLayout()) {
+        settings.setRestoringLayout(false);
+        return tr("The last start ended while the window layout was being restored; "
+                  "the default layout is used.");
+    }
+    const QByteArray geometry = settings.windowGeometry();
+    const QByteArray state = settings.windowState();
+    if (geometry.isEmpty() && state.isEmpty())
+        return {};
+
+    settings.setRestoringLayout(true);
+    m_restoring = true;
+    restoreGeometry(geometry);
+    if (!state.isEmpty() && !m_window.restoreState(state)) {
+        restoreDefault();
+        return tr("The saved window layout could not be read; the default layout is used.");
+    }
+    return {};
+}
+
+void DockKeeper::restoreGeometry(const QByteArray& geometry)
+{
+    const QRect before = m_window.geometry();
+    if (geometry.isEmpty() || !m_window.restoreGeometry(geometry))
+        return;
+    // The toolkit accepts any rectangle, even one that no screen could ever show.
+    const Qt::WindowStates state = m_window.windowState() & ~Qt::WindowMinimized;
+    const bool filling = state & (Qt::WindowMaximized | Qt::WindowFullScreen);
+    QRect wanted = filling ? m_window.normalGeometry() : m_window.geometry();
+    if (!wanted.isValid())
+        wanted = before;
+    const QRect placed = placedOnScreen(wanted, availableScreens());
+    if (placed == wanted && state == m_window.windowState())
+        return;
+    m_window.setWindowState(Qt::WindowNoState);
+    m_window.setGeometry(placed);
+    m_window.setWindowState(state);
+}
+
+void DockKeeper::confirmRestored()
+{
+    if (!m_restoring)
+        return;
+    m_restoring = false;
+    TerminalSettings::instance().setRestoringLayout(false);
+}
+
+void DockKeeper::storeInSettings() const
+{
+    TerminalSettings::instance().setWindowLayout(m_window.saveGeometry(), m_window.saveState());
+}

@@ -1,0 +1,318 @@
+#include "mainwindow/MainWindow.h"
+
+#include "app/Log.h"
+#include "app/ServerText.h"
+#include "app/SoundPlayer.h"
+#include "app/TerminalSettings.h"
+#include "app/Theme.h"
+#include "chart/ChartWindow.h"
+#include "mainwindow/AccountFlow.h"
+#include "mainwindow/ChartArea.h"
+#include "mainwindow/DockKeeper.h"
+#include "mainwindow/ExpertsFolder.h"
+#include "mainwindow/OrderEvents.h"
+#include "mainwindow/TerminalActions.h"
+#include "mainwindow/TrayIcon.h"
+#include "orders/OrderDialog.h"
+#include "panes/MarketWatchWidget.h"
+#include "panes/NavigatorWidget.h"
+#include "panes/TerminalPane.h"
+
+#include <QAction>
+#include <QApplication>
+#include <QCloseEvent>
+#include <QDockWidget>
+#include <QStatusBar>
+#include <QUrl>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr QSize InitialSize(1280, 800);
+
+QString serverHost()
+{
+    const QString address = TerminalSettings::instance().serverUrl();
+    const QString host = QUrl(address).host();
+    return host.isEmpty() ? address : host;
+}
+
+} // namespace
+
+MainWindow::MainWindow(QWidget* parent)
+    : QMainWindow(parent)
+    , m_charts(new ChartArea(m_api, m_book, this))
+    , m_marketWatch(new MarketWatchWidget(this))
+    , m_navigator(new NavigatorWidget(this))
+    , m_toolbox(new TerminalPane(this))
+    , m_status(new StatusPanel(*statusBar(), serverHost(), this))
+{
+    setWindowTitle(tr("Tavoran Terminal"));
+    resize(InitialSize);
+    setCentralWidget(m_charts);
+    buildToolbox();
+    m_docks = new DockKeeper(*this, m_marketWatch, m_navigator, m_toolbox);
+    m_accounts = new AccountFlow(
+        m_api, m_book, {m_status->accountSelector(), *m_navigator, *m_toolbox, *m_charts}, this);
+    m_actions = new TerminalActions(
+        *this, m_docks->marketWatchDock().toggleViewAction(), m_docks->toolboxDock().toggleViewAction());
+    buildTray();
+    m_orderEvents = new OrderEvents(m_tray != nullptr, this);
+
+    connectFeed();
+    connectPanes();
+    connectOrderEvents();
+    connectActions();
+    buildMenus();
+    setUpExperts();
+    journal(tr("Terminal"), tr("Tavoran Terminal %1 started").arg(QCoreApplication::applicationVersion()));
+    m_docks->startSnapshots();
+    restoreLayout();
+}
+
+MainWindow::~MainWindow()
+{
+    // Whatever talks through the clients, or reports to this window, goes before them.
+    m_feed.disconnect();
+    delete m_orderDialog;
+    m_charts->disconnect(this);
+    delete m_charts;
+    delete m_accounts;
+    delete m_docks;
+}
+
+void MainWindow::buildToolbox()
+{
+    // Their panes follow; the tabs keep their places.
+    m_toolbox->addTab(new QWidget(m_toolbox), tr("Calendar"));
+    m_toolbox->addTab(new QWidget(m_toolbox), tr("Alerts"));
+}
+
+void MainWindow::buildTray()
+{
+    if (!QSystemTrayIcon::isSystemTrayAvailable())
+        return;
+    m_tray = new TrayIcon(this);
+    connect(m_tray, &TrayIcon::showRequested, this, &MainWindow::bringToFront);
+    connect(m_tray, &TrayIcon::exitRequested, this, &MainWindow::quit);
+}
+
+void MainWindow::buildMenus()
+{
+    m_actions->buildMenus(*menuBar());
+}
+
+void MainWindow::connectFeed()
+{
+    connect(&m_feed, &WsClient::helloReceived, this, &MainWindow::onHello);
+    connect(&m_feed, &WsClient::pricesUpdated, this, &MainWindow::onPrices);
+    connect(&m_feed, &WsClient::tradesUpdated, this, &MainWindow::onTradesUpdated);
+    connect(&m_feed, &WsClient::ordersChanged, this, &MainWindow::onOrdersChanged);
+    connect(&m_feed, &WsClient::accountUpdated, this, &MainWindow::onAccountUpdated);
+    connect(&m_feed, &WsClient::connected, m_status, [this] { m_status->setConnected(true); });
+    connect(&m_feed, &WsClient::disconnected, m_status, [this] { m_status->setConnected(false); });
+    connect(&m_feed, &WsClient::latencyChanged, m_status, &StatusPanel::setLatency);
+    connect(&m_feed, &WsClient::trafficChanged, m_status, &StatusPanel::setTraffic);
+    connect(&m_feed, &WsClient::logMessage, this, &MainWindow::journal);
+    connect(&m_api, &ApiClient::unauthorized, this, [this] {
+        journal(tr("Auth"), tr("Session expired — please restart the terminal and log in again."));
+    });
+}
+
+void MainWindow::connectPanes()
+{
+    connect(m_charts, &QMdiArea::subWindowActivated, this, &MainWindow::onSubWindowActivated);
+    connect(m_charts, &ChartArea::logMessage, this, &MainWindow::journal);
+    connect(m_marketWatch, &MarketWatchWidget::symbolActivated, this, &MainWindow::openChart);
+    connect(m_navigator, &NavigatorWidget::accountActivated, m_accounts, &AccountFlow::activateAccount);
+    connect(m_accounts, &AccountFlow::journalLine, this, &MainWindow::journal);
+}
+
+void MainWindow::connectOrderEvents()
+{
+    connect(m_orderEvents, &OrderEvents::journalLine, this, &MainWindow::journal);
+    connect(m_orderEvents, &OrderEvents::expertLine, m_toolbox, &TerminalPane::expert);
+    connect(m_orderEvents, &OrderEvents::soundWanted, this, &play);
+    connect(m_orderEvents, &OrderEvents::accountsRefreshWanted, m_accounts, &AccountFlow::refreshAccounts);
+    connect(m_orderEvents, &OrderEvents::tradesRefreshWanted, m_accounts, &AccountFlow::refreshOpenTrades);
+    connect(m_orderEvents, &OrderEvents::historyRefreshWanted, m_accounts, &AccountFlow::refreshHistory);
+    if (m_tray)
+        connect(m_orderEvents, &OrderEvents::balloonWanted, m_tray, &TrayIcon::showBalloon);
+}
+
+void MainWindow::connectActions()
+{
+    connect(m_actions->newChart, &QAction::triggered, this, [this] { openChart(); });
+    connect(m_actions->newOrder, &QAction::triggered, this, &MainWindow::openOrderDialog);
+    connect(m_actions->exit, &QAction::triggered, this, &MainWindow::quit);
+    connect(m_actions->restoreLayout, &QAction::triggered, m_docks, &DockKeeper::restoreDefault);
+    connect(m_actions->lightTheme, &QAction::triggered, this, [this] { chooseTheme(false); });
+    connect(m_actions->darkTheme, &QAction::triggered, this, [this] { chooseTheme(true); });
+    connect(m_actions->zoomIn, &QAction::triggered, m_charts, &ChartArea::zoomIn);
+    connect(m_actions->zoomOut, &QAction::triggered, m_charts, &ChartArea::zoomOut);
+}
+
+void MainWindow::setUpExperts()
+{
+    const ExpertsFolder folder;
+    folder.prepare();
+    m_navigator->setExperts(folder.scripts());
+}
+
+void MainWindow::setUser(const QJsonObject& user)
+{
+    m_user = user;
+    const QString email = oneLine(user["email"_L1].toString());
+    m_status->setUser(email);
+    journal(tr("Auth"), tr("Logged in as %1 on %2").arg(email, TerminalSettings::instance().serverUrl()));
+    m_accounts->refreshAccounts();
+    m_feed.start();
+}
+
+void MainWindow::onHello(const QJsonObject& hello)
+{
+    m_book.setSymbols(hello["symbols"_L1].toArray());
+    m_marketWatch->setSymbols(m_book.symbols());
+    m_charts->applySymbols();
+    onPrices(hello["prices"_L1].toObject());
+    m_actions->setSymbolsKnown(!m_book.symbolsByName().isEmpty());
+    m_accounts->refreshAccounts();
+}
+
+void MainWindow::onPrices(const QJsonObject& prices)
+{
+    m_book.notePrices(prices);
+    m_marketWatch->updatePrices(prices);
+    m_toolbox->updateCurrentPrices(prices);
+    m_charts->onPrices(prices);
+}
+
+void MainWindow::onTradesUpdated(const QJsonArray& rows)
+{
+    m_accounts->onTradesUpdated(rows);
+}
+
+void MainWindow::onOrdersChanged(const QJsonObject& event)
+{
+    m_orderEvents->onOrdersChanged(event);
+}
+
+void MainWindow::onAccountUpdated(const QJsonObject& event)
+{
+    m_orderEvents->onAccountUpdated(event);
+}
+
+void MainWindow::onAccountSelected(int index)
+{
+    m_accounts->onAccountSelected(index);
+}
+
+void MainWindow::openChart(const QString& symbol)
+{
+    const QString wanted = symbol.isEmpty() ? m_marketWatch->currentSymbol() : symbol;
+    if (!wanted.isEmpty())
+        m_charts->openChart(wanted);
+}
+
+void MainWindow::onTimeframeAction(QAction* action)
+{
+    m_charts->setTimeframe(action->data().toString());
+}
+
+void MainWindow::onSubWindowActivated(QMdiSubWindow* subWindow)
+{
+    // None is active while another window has the focus; the chart is still the one to act on.
+    m_actions->setChartActive(subWindow || m_charts->activeChart());
+}
+
+void MainWindow::openOrderDialog()
+{
+    if (m_orderDialog) {
+        m_orderDialog->raise();
+        m_orderDialog->activateWindow();
+        return;
+    }
+    const ChartWindow* chart = m_charts->activeChart();
+    const QString symbol = chart ? chart->symbol() : m_marketWatch->currentSymbol();
+    m_orderDialog
+        = new OrderDialog(m_api, m_feed, m_book.sortedSymbols(), m_book.currentAccountId(), symbol, this);
+    m_orderDialog->setAttribute(Qt::WA_DeleteOnClose);
+    connect(m_orderDialog, &OrderDialog::orderPlaced, this, &MainWindow::onOrderPlaced);
+    connect(m_orderDialog, &OrderDialog::outcomeUnknown, m_accounts, &AccountFlow::refreshAll);
+    m_orderDialog->show();
+}
+
+void MainWindow::onOrderPlaced()
+{
+    journal(tr("Trade"), tr("Order placed"));
+    m_toolbox->expert(tr("Execution"), tr("Order placed"));
+    m_accounts->refreshAccounts();
+    m_accounts->refreshOpenTrades();
+}
+
+void MainWindow::journal(const QString& source, const QString& message)
+{
+    m_toolbox->journal(source, message);
+    appLog(u"[%1] %2"_s.arg(source, message));
+}
+
+void MainWindow::chooseTheme(bool dark)
+{
+    setTheme(dark);
+    applyTheme(*qApp);
+}
+
+void MainWindow::bringToFront()
+{
+    showNormal();
+    raise();
+    activateWindow();
+}
+
+void MainWindow::restoreLayout()
+{
+    TerminalSettings& settings = TerminalSettings::instance();
+    QStringList notices = settings.takeStartupNotices();
+    notices.append(m_docks->restoreFromSettings());
+    for (const QString& notice : std::as_const(notices)) {
+        if (!notice.isEmpty())
+            journal(tr("Terminal"), notice);
+    }
+    m_charts->restoreLayout(settings.chartsLayout());
+}
+
+void MainWindow::saveLayout()
+{
+    m_docks->storeInSettings();
+    TerminalSettings::instance().setChartsLayout(m_charts->saveLayout());
+    TerminalSettings::instance().sync();
+}
+
+void MainWindow::quit()
+{
+    saveLayout();
+    QCoreApplication::quit();
+}
+
+void MainWindow::closeEvent(QCloseEvent* event)
+{
+    saveLayout();
+    event->accept();
+}
+
+void MainWindow::changeEvent(QEvent* event)
+{
+    QMainWindow::changeEvent(event);
+    if (event->type() != QEvent::WindowStateChange)
+        return;
+    const auto* change = static_cast<QWindowStateChangeEvent*>(event);
+    if ((change->oldState() & Qt::WindowMinimized) && !isMinimized())
+        m_docks->scheduleRepair();
+}
+
+void MainWindow::showEvent(QShowEvent* event)
+{
+    QMainWindow::showEvent(event);
+    QTimer::singleShot(0, m_docks, &DockKeeper::confirmRestored);
+}

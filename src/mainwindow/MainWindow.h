@@ -1,0 +1,92 @@
+#pragma once
+
+#include "mainwindow/AccountBook.h"
+#include "mainwindow/StatusPanel.h"
+#include "net/ApiClient.h"
+#include "net/WsClient.h"
+
+#include <QJsonObject>
+#include <QMainWindow>
+#include <QPointer>
+
+class AccountFlow;
+class ChartArea;
+class DockKeeper;
+class MarketWatchWidget;
+class NavigatorWidget;
+class OrderDialog;
+class OrderEvents;
+class QMdiSubWindow;
+class TerminalActions;
+class TerminalPane;
+class TrayIcon;
+
+/// The terminal's window after sign-in. Constructs its collaborators, connects them, and delegates:
+/// what happens is written in them.
+class MainWindow final : public QMainWindow {
+    Q_OBJECT
+    Q_DISABLE_COPY_MOVE(MainWindow)
+
+public:
+    explicit MainWindow(QWidget* parent = nullptr);
+    ~MainWindow() override;
+
+    /// Takes the server's sign-in answer; loads the accounts and starts the feed.
+    void setUser(const QJsonObject& user);
+    [[nodiscard]] const QJsonObject& user() const { return m_user; }
+
+public Q_SLOTS:
+    void onHello(const QJsonObject& hello);
+    void onPrices(const QJsonObject& prices);
+    void onTradesUpdated(const QJsonArray& rows);
+    void onOrdersChanged(const QJsonObject& event);
+    void onAccountUpdated(const QJsonObject& event);
+    void onAccountSelected(int index);
+    /// Opens a chart; an empty symbol means the one selected in Market Watch.
+    void openChart(const QString& symbol = {});
+    void onTimeframeAction(QAction* action);
+    void onSubWindowActivated(QMdiSubWindow* subWindow);
+    /// Opens the order dialog for the active chart's symbol, or brings the open one to the front.
+    void openOrderDialog();
+    /// A line for the Journal tab and the log file.
+    void journal(const QString& source, const QString& message);
+
+protected:
+    void closeEvent(QCloseEvent* event) override;
+    void changeEvent(QEvent* event) override;
+    void showEvent(QShowEvent* event) override;
+
+private:
+    void buildToolbox();
+    void buildTray();
+    void buildMenus();
+    void connectFeed();
+    void connectPanes();
+    void connectOrderEvents();
+    void connectActions();
+    void setUpExperts();
+    void restoreLayout();
+    void saveLayout();
+    void quit();
+    void bringToFront();
+    void chooseTheme(bool dark);
+    void onOrderPlaced();
+
+    ApiClient m_api;
+    WsClient m_feed;
+    AccountBook m_book;
+    QJsonObject m_user;
+
+    // Owned by this window as its children.
+    ChartArea* m_charts;
+    MarketWatchWidget* m_marketWatch;
+    NavigatorWidget* m_navigator;
+    TerminalPane* m_toolbox;
+    StatusPanel* m_status;
+    DockKeeper* m_docks;
+    TrayIcon* m_tray = nullptr; ///< none on a desktop without a tray
+    OrderEvents* m_orderEvents = nullptr;
+    AccountFlow* m_accounts;
+    TerminalActions* m_actions;
+    QPointer<OrderDialog> m_orderDialog;
+};

@@ -1,0 +1,70 @@
+#include "mainwindow/OrderReaction.h"
+
+#include "app/NumberFormat.h"
+#include "app/ServerText.h"
+#include "net/JsonNumber.h"
+
+#include <QCoreApplication>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr int OrderBalloonMs = 8000;
+constexpr int AccountBalloonMs = 12000;
+
+QString tr(const char* text)
+{
+    return QCoreApplication::translate("OrderReaction", text);
+}
+
+} // namespace
+
+OrderReaction reactionToOrders(const QJsonObject& event)
+{
+    const QString reason = event["closeReason"_L1].toString();
+    const QString shown = oneLine(reason);
+    const bool filled = jsonBool(event["filled"_L1], false);
+
+    OrderReaction reaction;
+    reaction.journal = reason.isEmpty() ? tr("Orders changed — refreshing")
+                                        : tr("Orders changed (%1) — refreshing").arg(shown);
+    if (filled) {
+        reaction.expert = tr("Pending order filled");
+        reaction.sound = SoundKind::Fill;
+        // The event carries no symbol, so the account is named.
+        const QString account = oneLine(shortId(event["accountId"_L1].toString()));
+        reaction.balloon = Balloon{
+            tr("Order Filled"), tr("A pending order on %1 was filled.").arg(account), false, OrderBalloonMs};
+    } else if (reason.isEmpty()) {
+        reaction.expert = tr("Order state changed");
+    } else {
+        reaction.expert = tr("Position closed (%1)").arg(shown);
+        const bool levelHit = reason == "SL"_L1 || reason == "TP"_L1;
+        reaction.sound = levelHit ? SoundKind::Fill : SoundKind::Close;
+        if (levelHit) {
+            reaction.balloon = Balloon{tr("Position Closed (%1)").arg(reason),
+                tr("A position hit its %1.").arg(reason), false, OrderBalloonMs};
+        }
+    }
+    return reaction;
+}
+
+OrderReaction reactionToAccount(const QJsonObject& event, bool hasTray)
+{
+    const QString status = event["status"_L1].toString();
+    OrderReaction reaction;
+    reaction.journal = tr("Account %1 status changed to %2")
+                           .arg(oneLine(event["accountId"_L1].toString()), oneLine(status));
+    if (!hasTray)
+        return reaction;
+    if (status == "FAILED"_L1) {
+        reaction.balloon = Balloon{tr("Account Failed"),
+            tr("An account breached its risk limit and was closed."), true, AccountBalloonMs};
+        reaction.sound = SoundKind::Error;
+    } else if (status == "PASSED"_L1) {
+        reaction.balloon = Balloon{tr("Challenge Passed"),
+            tr("An account passed its target — pending review."), false, AccountBalloonMs};
+    }
+    return reaction;
+}

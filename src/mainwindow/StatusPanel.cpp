@@ -1,0 +1,99 @@
+#include "mainwindow/StatusPanel.h"
+
+#include "app/ServerText.h"
+
+#include <QComboBox>
+#include <QLabel>
+#include <QStatusBar>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr int TrafficPauseMs = 250;
+constexpr int SelectorCharacters = 36;
+constexpr auto ConnectedColor = "#26d367"_L1;
+
+QLabel* addLabel(QStatusBar& bar, const QString& name, Qt::TextFormat format)
+{
+    auto* label = new QLabel(&bar);
+    label->setObjectName(name);
+    label->setTextFormat(format);
+    bar.addPermanentWidget(label);
+    return label;
+}
+
+} // namespace
+
+StatusPanel::StatusPanel(QStatusBar& bar, const QString& server, QObject* parent)
+    : QObject(parent)
+    , m_server(oneLine(server).toHtmlEscaped())
+    , m_accountSelector(new QComboBox(&bar))
+{
+    m_accountSelector->setObjectName(u"accountSelector"_s);
+    m_accountSelector->setToolTip(tr("Trading account"));
+    m_accountSelector->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
+    m_accountSelector->setMinimumContentsLength(SelectorCharacters);
+    bar.addPermanentWidget(m_accountSelector);
+    m_connection = addLabel(bar, u"connectionLabel"_s, Qt::RichText);
+    m_latency = addLabel(bar, u"latencyLabel"_s, Qt::PlainText);
+    m_traffic = addLabel(bar, u"trafficLabel"_s, Qt::RichText);
+    m_user = addLabel(bar, u"userLabel"_s, Qt::PlainText);
+    m_user->setText(tr("Not logged in"));
+    m_user->setStyleSheet(u"color:#8a94a6;"_s);
+    setConnected(false);
+    showTraffic();
+
+    m_trafficPause.setSingleShot(true);
+    m_trafficPause.setInterval(TrafficPauseMs);
+    connect(&m_trafficPause, &QTimer::timeout, this, &StatusPanel::showTraffic);
+
+    // Tips of menu entries clear the message behind them; the idle text comes back.
+    const QString idle = tr("For Help, press F1");
+    bar.showMessage(idle);
+    connect(&bar, &QStatusBar::messageChanged, this, [&bar, idle](const QString& message) {
+        if (message.isEmpty())
+            bar.showMessage(idle);
+    });
+}
+
+void StatusPanel::setUser(const QString& email)
+{
+    m_user->setStyleSheet({});
+    m_user->setText(oneLine(email));
+}
+
+void StatusPanel::setConnected(bool connected)
+{
+    m_connection->setText(connected
+            ? tr("<span style='color:#26d367'>●</span> %1 — %2").arg(tr("Connected"), m_server)
+            : tr("<span style='color:#ff6b6b'>●</span> %1 — %2").arg(tr("Disconnected"), m_server));
+}
+
+void StatusPanel::setLatency(int milliseconds)
+{
+    m_latency->setText(tr("(%1 ms)").arg(milliseconds));
+}
+
+void StatusPanel::setTraffic(quint64 received, quint64 sent)
+{
+    m_received = received;
+    m_sent = sent;
+    if (m_trafficPause.isActive())
+        return;
+    showTraffic();
+    m_trafficPause.start();
+}
+
+QString StatusPanel::kilobytes(quint64 bytes)
+{
+    return QString::number(double(bytes) / 1024.0, 'f', 1);
+}
+
+void StatusPanel::showTraffic()
+{
+    const QString text = tr("<span style='color:%1'>●</span> %2 / %3 Kb")
+                             .arg(QString(ConnectedColor), kilobytes(m_received), kilobytes(m_sent));
+    if (text != m_traffic->text())
+        m_traffic->setText(text);
+}

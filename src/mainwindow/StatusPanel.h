@@ -1,0 +1,49 @@
+#pragma once
+
+#include <QObject>
+#include <QString>
+#include <QTimer>
+
+class QComboBox;
+class QLabel;
+class QStatusBar;
+
+/// The right side of the status bar: account selector, connection, latency, traffic, user.
+class StatusPanel final : public QObject {
+    Q_OBJECT
+    Q_DISABLE_COPY_MOVE(StatusPanel)
+
+public:
+    /// Adds its widgets to the bar, which must outlive the panel. `server` is the address shown beside
+    /// the connection state.
+    StatusPanel(QStatusBar& bar, const QString& server, QObject* parent = nullptr);
+
+    /// The combo box that lists the accounts; filled by whoever knows them.
+    [[nodiscard]] QComboBox& accountSelector() const { return *m_accountSelector; }
+
+    /// The signed-in user's e-mail address.
+    void setUser(const QString& email);
+    /// Shows whether the feed is connected.
+    void setConnected(bool connected);
+
+    /// Kilobytes with one decimal, whatever the locale.
+    [[nodiscard]] static QString kilobytes(quint64 bytes);
+
+public Q_SLOTS:
+    void setLatency(int milliseconds);
+    /// Totals in bytes. Shown at once, then at most four times a second: the feed reports every message.
+    void setTraffic(quint64 received, quint64 sent);
+
+private:
+    void showTraffic();
+
+    QString m_server;
+    QComboBox* m_accountSelector;
+    QLabel* m_connection;
+    QLabel* m_latency;
+    QLabel* m_traffic;
+    QLabel* m_user;
+    QTimer m_trafficPause;
+    quint64 m_received = 0;
+    quint64 m_sent = 0;
+};

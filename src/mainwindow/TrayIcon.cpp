@@ -1,0 +1,25 @@
+#include "mainwindow/TrayIcon.h"
+
+#include "app/ServerText.h"
+#include "app/Theme.h"
+
+TrayIcon::TrayIcon(QObject* parent)
+    : QObject(parent)
+    , m_icon(appIcon())
+{
+    m_icon.setToolTip(tr("Tavoran Terminal"));
+    connect(m_menu.addAction(tr("Show")), &QAction::triggered, this, &TrayIcon::showRequested);
+    connect(m_menu.addAction(tr("Exit")), &QAction::triggered, this, &TrayIcon::exitRequested);
+    m_icon.setContextMenu(&m_menu);
+    connect(&m_icon, &QSystemTrayIcon::activated, this, [this](QSystemTrayIcon::ActivationReason reason) {
+        if (reason == QSystemTrayIcon::Trigger || reason == QSystemTrayIcon::DoubleClick)
+            Q_EMIT showRequested();
+    });
+    m_icon.show();
+}
+
+void TrayIcon::showBalloon(const Balloon& balloon)
+{
+    m_icon.showMessage(balloonText(balloon.title), balloonText(balloon.text),
+        balloon.critical ? QSystemTrayIcon::Critical : QSystemTrayIcon::Information, balloon.milliseconds);
+}

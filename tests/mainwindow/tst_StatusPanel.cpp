@@ -1,0 +1,116 @@
+#include "mainwindow/StatusPanel.h"
+#include "support/TestMain.h"
+
+using namespace Qt::StringLiterals;
+
+class tst_StatusPanel final : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void beforeSignInNobodyIsLoggedInAndNothingConnected();
+    void connectionNamesStateAndServer();
+    void serverTextCannotActAsMarkup();
+    void userIsPlainText();
+    void latencyIsInParentheses();
+    void trafficIsShownInKilobytes();
+    void floodOfTrafficIsShownNowAndThenAndEndsRight();
+    void idleMessageComesBack();
+    void kilobytesKeepOneDecimal();
+
+private:
+    static QString text(const QMainWindow& window, const QString& label)
+    {
+        return window.findChild<QLabel*>(label)->text();
+    }
+};
+
+void tst_StatusPanel::beforeSignInNobodyIsLoggedInAndNothingConnected()
+{
+    QMainWindow window;
+    const StatusPanel panel(*window.statusBar(), u"example.test"_s);
+    QCOMPARE(text(window, u"userLabel"_s), u"Not logged in"_s);
+    QCOMPARE(window.findChild<QLabel*>(u"userLabel"_s)->styleSheet(), u"color:#8a94a6;"_s);
+    QCOMPARE(text(window, u"connectionLabel"_s),
+        u"<span style='color:#ff6b6b'>●</span> Disconnected — example.test"_s);
+    QCOMPARE(text(window, u"latencyLabel"_s), QString());
+    QCOMPARE(window.statusBar()->currentMessage(), u"For Help, press F1"_s);
+    QCOMPARE(panel.accountSelector().objectName(), u"accountSelector"_s);
+    QCOMPARE(window.findChild<QComboBox*>(u"accountSelector"_s), &panel.accountSelector());
+}
+
+void tst_StatusPanel::connectionNamesStateAndServer()
+{
+    QMainWindow window;
+    StatusPanel panel(*window.statusBar(), u"example.test"_s);
+    panel.setConnected(true);
+    QCOMPARE(text(window, u"connectionLabel"_s),
+        u"<span style='color:#26d367'>●</span> Connected — example.test"_s);
+    panel.setConnected(false);
+    QCOMPARE(text(window, u"connectionLabel"_s),
+        u"<span style='color:#ff6b6b'>●</span> Disconnected — example.test"_s);
+}
+
+void tst_StatusPanel::serverTextCannotActAsMarkup()
+{
+    QMainWindow window;
+    StatusPanel panel(*window.statusBar(), u"<img src=x>%1"_s);
+    QVERIFY(text(window, u"connectionLabel"_s).endsWith(u"Disconnected — &lt;img src=x&gt;%1"_s));
+}
+
+void tst_StatusPanel::userIsPlainText()
+{
+    QMainWindow window;
+    StatusPanel panel(*window.statusBar(), u"s"_s);
+    panel.setUser(u"<b>eve</b>\nroot"_s);
+    const auto* label = window.findChild<QLabel*>(u"userLabel"_s);
+    QCOMPARE(label->text(), u"<b>eve</b> root"_s);
+    QCOMPARE(label->textFormat(), Qt::PlainText);
+    QCOMPARE(label->styleSheet(), QString());
+}
+
+void tst_StatusPanel::latencyIsInParentheses()
+{
+    QMainWindow window;
+    StatusPanel panel(*window.statusBar(), u"s"_s);
+    panel.setLatency(42);
+    QCOMPARE(text(window, u"latencyLabel"_s), u"(42 ms)"_s);
+}
+
+void tst_StatusPanel::trafficIsShownInKilobytes()
+{
+    QMainWindow window;
+    StatusPanel panel(*window.statusBar(), u"s"_s);
+    QCOMPARE(text(window, u"trafficLabel"_s), u"<span style='color:#26d367'>●</span> 0.0 / 0.0 Kb"_s);
+    panel.setTraffic(2048, 512);
+    QCOMPARE(text(window, u"trafficLabel"_s), u"<span style='color:#26d367'>●</span> 2.0 / 0.5 Kb"_s);
+}
+
+void tst_StatusPanel::floodOfTrafficIsShownNowAndThenAndEndsRight()
+{
+    QMainWindow window;
+    StatusPanel panel(*window.statusBar(), u"s"_s);
+    for (quint64 i = 1; i <= 10'000; ++i)
+        panel.setTraffic(i * 1024, 0);
+    QVERIFY(text(window, u"trafficLabel"_s).contains(u"> 1.0 / "_s));
+    QTRY_VERIFY(text(window, u"trafficLabel"_s).contains(u"> 10000.0 / "_s));
+}
+
+void tst_StatusPanel::idleMessageComesBack()
+{
+    QMainWindow window;
+    const StatusPanel panel(*window.statusBar(), u"s"_s);
+    window.statusBar()->showMessage(u"Opens a chart"_s);
+    QCOMPARE(window.statusBar()->currentMessage(), u"Opens a chart"_s);
+    window.statusBar()->clearMessage();
+    QCOMPARE(window.statusBar()->currentMessage(), u"For Help, press F1"_s);
+}
+
+void tst_StatusPanel::kilobytesKeepOneDecimal()
+{
+    QCOMPARE(StatusPanel::kilobytes(0), u"0.0"_s);
+    QCOMPARE(StatusPanel::kilobytes(1536), u"1.5"_s);
+    QCOMPARE(StatusPanel::kilobytes(std::numeric_limits<quint64>::max()), u"18014398509481984.0"_s);
+}
+
+TAVORAN_TEST_MAIN(tst_StatusPanel)
+#include "tst_StatusPanel.moc"
