@@ -1,0 +1,68 @@
+# Shared by ./run, ./test and ./bench/run: packages, presets, settings files. Sourced, never run.
+
+say() { printf '== %s\n' "$*"; }
+fail() {
+    printf 'error: %s\n' "$*" >&2
+    exit 1
+}
+
+BUILD_PACKAGES="g++ cmake ninja-build ccache qt6-base-dev qt6-websockets-dev qt6-declarative-dev
+    qt6-multimedia-dev libboost-dev nlohmann-json3-dev libsqlite3-dev libcrypt-dev"
+RUNTIME_PACKAGES="ca-certificates fonts-dejavu-core"
+TOUR_PACKAGES="xvfb xdotool openbox imagemagick dbus dbus-daemon at-spi2-core python3 python3-gi gir1.2-atspi-2.0"
+
+# install_packages NAME...: installs with apt what is missing, and says so; does nothing otherwise.
+install_packages() {
+    local missing=() name as_root=()
+    if ! command -v dpkg-query >/dev/null || ! command -v apt-get >/dev/null; then
+        say "This is no Debian system; make sure you have: $*"
+        return
+    fi
+    for name in "$@"; do
+        dpkg-query -W -f='${Status}' "$name" 2>/dev/null | grep -q 'ok installed' || missing+=("$name")
+    done
+    [ ${#missing[@]} -eq 0 ] && return
+    say "Installing with apt: ${missing[*]}"
+    if [ "$(id -u)" -ne 0 ]; then
+        command -v sudo >/dev/null || fail "run as root, or install sudo, to install: ${missing[*]}"
+        as_root=(sudo)
+    fi
+    "${as_root[@]}" apt-get -q update >/dev/null || say "apt-get update failed; trying with the lists at hand"
+    "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive \
+        apt-get -q -y install --no-install-recommends "${missing[@]}" >/dev/null \
+        || fail "apt-get could not install: ${missing[*]}"
+}
+
+# build_preset PRESET [TARGET...]: configures when needed and builds, with visible progress.
+build_preset() {
+    local preset=$1
+    shift
+    say "Building (preset $preset); the first time takes some minutes"
+    cmake --preset "$preset" >"$(log_file configure)" 2>&1 || {
+        cat "$(log_file configure)"
+        fail "cmake could not configure the project"
+    }
+    NINJA_STATUS='[%f/%t] ' cmake --build --preset "$preset" ${1:+--target "$@"} || fail "the build failed"
+}
+
+log_file() {
+    mkdir -p build
+    printf 'build/%s.log' "$1"
+}
+
+# set_setting FILE SECTION KEY VALUE: sets one value of the terminal's settings file, kept private.
+set_setting() {
+    local file=$1 section=$2 key=$3 value=$4 old_umask
+    old_umask=$(umask)
+    umask 077
+    mkdir -p "$(dirname "$file")"
+    [ -e "$file" ] || : >"$file"
+    awk -v section="[$section]" -v key="$key" -v value="$value" '
+        function put() { if (!done) { print key "=" value; done = 1 } }
+        /^\[/ { if (inside) put(); inside = ($0 == section); seen = seen || inside }
+        inside && index($0, key "=") == 1 { put(); next }
+        { print }
+        END { if (inside) put(); if (!seen) { print section; put() } }
+    ' "$file" >"$file.new" && mv "$file.new" "$file"
+    umask "$old_umask"
+}

@@ -1,0 +1,89 @@
+#include "chart/ChartState.h"
+
+#include "chart/ChartWidget.h"
+#include "net/JsonNumber.h"
+
+#include <array>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+struct ColorRole {
+    QLatin1StringView key;
+    QColor ChartColors::*member;
+};
+
+constexpr std::array<ColorRole, 7> colorRoles{{
+    {"bg"_L1, &ChartColors::background},
+    {"grid"_L1, &ChartColors::grid},
+    {"axis"_L1, &ChartColors::axis},
+    {"up"_L1, &ChartColors::up},
+    {"down"_L1, &ChartColors::down},
+    {"line"_L1, &ChartColors::line},
+    {"vol"_L1, &ChartColors::volume},
+}};
+
+std::optional<bool> flag(const QJsonValue& value)
+{
+    return value.isBool() ? std::optional(value.toBool()) : std::nullopt;
+}
+
+} // namespace
+
+ChartState ChartState::of(const ChartWidget& chart)
+{
+    ChartState state;
+    state.rsi = chart.rsiEnabled();
+    state.rsiPeriod = chart.rsiPeriod();
+    state.chartType = chart.chartType();
+    state.chartShift = chart.chartShift();
+    state.autoScroll = chart.autoScroll();
+    state.colors = chart.colors();
+    return state;
+}
+
+void ChartState::applyTo(ChartWidget& chart) const
+{
+    chart.setRsi(rsi, rsiPeriod);
+    if (chartType)
+        chart.setChartType(*chartType);
+    if (chartShift)
+        chart.setChartShift(*chartShift);
+    if (autoScroll)
+        chart.setAutoScroll(*autoScroll);
+    chart.setColors(colors);
+}
+
+QJsonObject ChartState::toJson() const
+{
+    QJsonObject colorNames;
+    for (const ColorRole& role : colorRoles)
+        colorNames.insert(role.key, (colors.*role.member).name());
+    QJsonObject json{{u"rsi"_s, rsi}, {u"rsiPeriod"_s, rsiPeriod}, {u"colors"_s, colorNames}};
+    if (chartType)
+        json.insert(u"chartType"_s, *chartType);
+    if (chartShift)
+        json.insert(u"chartShift"_s, *chartShift);
+    if (autoScroll)
+        json.insert(u"autoScroll"_s, *autoScroll);
+    return json;
+}
+
+ChartState ChartState::fromJson(const QJsonObject& json)
+{
+    ChartState state;
+    state.rsi = jsonBool(json.value("rsi"_L1), false);
+    state.rsiPeriod = jsonInt(json.value("rsiPeriod"_L1), state.rsiPeriod);
+    if (const int type = jsonInt(json.value("chartType"_L1), -1); type >= 0 && type <= 2)
+        state.chartType = type;
+    state.chartShift = flag(json.value("chartShift"_L1));
+    state.autoScroll = flag(json.value("autoScroll"_L1));
+    const QJsonObject colorNames = json.value("colors"_L1).toObject();
+    for (const ColorRole& role : colorRoles) {
+        const QColor color(colorNames.value(role.key).toString());
+        if (color.isValid())
+            state.colors.*role.member = color;
+    }
+    return state;
+}

@@ -1,0 +1,87 @@
+#pragma once
+
+#include <QJsonArray>
+#include <QJsonObject>
+#include <QWidget>
+
+class ApiClient;
+class ChartWidget;
+class QJsonDocument;
+class ReadCoalescer;
+
+/// One chart of the document area: owns the canvas, knows its symbol, timeframe and account, loads the
+/// candle history, and turns live prices and the account's trades into ticks and level lines.
+/// Asks the server only through the REST client that it is given.
+class ChartWindow final : public QWidget {
+    Q_OBJECT
+    Q_DISABLE_COPY_MOVE(ChartWindow)
+
+public:
+    /// `timeframe` is a key such as "15m"; `digits` the symbol's price decimals. Nothing is requested
+    /// before load(). `api` must outlive the window.
+    ChartWindow(ApiClient& api, const QString& symbol, const QString& timeframe, const QString& accountId,
+        int digits, QWidget* parent = nullptr);
+    ~ChartWindow() override;
+
+    [[nodiscard]] QString symbol() const { return m_symbol; }
+    [[nodiscard]] QString timeframe() const { return m_timeframe; }
+    [[nodiscard]] QString accountId() const { return m_accountId; }
+    [[nodiscard]] int digits() const { return m_digits; }
+    [[nodiscard]] ChartWidget& chart() const { return *m_chart; }
+
+    /// The current account's last known figures, in account currency; 0 before the first.
+    [[nodiscard]] double balance() const { return m_balance; }
+    [[nodiscard]] double equity() const { return m_equity; }
+
+    /// "EURUSD,M15": symbol and timeframe label.
+    [[nodiscard]] QString title() const;
+
+    /// What is saved with the window layout; see ChartState.
+    [[nodiscard]] QJsonObject saveState() const;
+    /// Applies a saved state; unknown keys, wrong types and unreadable colours leave the current values.
+    void restoreState(const QJsonObject& state);
+
+public Q_SLOTS:
+    /// The first request of a new window.
+    void load();
+    /// Asks for the candle history again. A reply to an earlier request no longer counts.
+    void reload();
+    /// A price snapshot keyed by symbol; only this chart's symbol is read. Times are local ones: the feed
+    /// carries none. A quote without a positive bid and ask is no tick.
+    void onPrices(const QJsonObject& prices);
+    /// Replaces the level lines by those of this symbol's trades.
+    void setTrades(const QJsonArray& open, const QJsonArray& pending);
+    /// The account whose objects the chart shows; an equal id does nothing.
+    void setAccountId(const QString& accountId);
+    /// Balance and equity of the current account, in account currency.
+    void setAccountFigures(double balance, double equity);
+    /// Changes to another timeframe key and reloads; an equal key does nothing.
+    void setTimeframe(const QString& key);
+    /// The symbol's price decimals and long name, known once the server has listed it.
+    void setSymbolInfo(int digits, const QString& description);
+    void zoomIn();
+    void zoomOut();
+
+Q_SIGNALS:
+    void titleChanged(const QString& title);
+    void timeframeChanged(const QString& key);
+    void logMessage(const QString& source, const QString& message);
+    void modifyLevelRequested(const QString& tradeId, const QString& kind, double newPrice);
+    void crosshairMoved(const QString& ohlc);
+    void autoScrollChanged(bool on);
+
+private:
+    void onHistory(const QJsonDocument& document, const QString& error);
+    void labelChart();
+
+    ReadCoalescer* m_history;
+    QString m_symbol;
+    QString m_timeframe;
+    QString m_accountId;
+    QString m_description;
+    int m_digits;
+    ChartWidget* m_chart;
+    unsigned int m_historyGeneration = 0;
+    double m_balance = 0.0;
+    double m_equity = 0.0;
+};

@@ -1,0 +1,113 @@
+#include "chart/HistoryReply.h"
+
+#include "net/JsonNumber.h"
+
+#include <QDate>
+#include <QDateTime>
+#include <QJsonArray>
+#include <QJsonObject>
+#include <QTimeZone>
+
+#include <algorithm>
+#include <limits>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr qint64 msPerSecond = 1000;
+constexpr qint64 secondsPerDay = 86400;
+
+/// The `count` decimal digits at `from`, or -1 when one of them is not a digit.
+int digitsAt(QStringView text, qsizetype from, qsizetype count)
+{
+    int value = 0;
+    for (qsizetype i = from; i < from + count; ++i) {
+        const char16_t c = text[i].unicode();
+        if (c < u'0' || c > u'9')
+            return -1;
+        value = value * 10 + (c - u'0');
+    }
+    return value;
+}
+
+/// Days since the epoch of a proleptic Gregorian date.
+qint64 daysSinceEpoch(int year, int month, int day)
+{
+    const qint64 y = month <= 2 ? year - 1 : year;
+    const qint64 era = y / 400;
+    const qint64 yearOfEra = y - era * 400;
+    const qint64 dayOfYear = (153 * (month > 2 ? month - 3 : month + 9) + 2) / 5 + day - 1;
+    const qint64 dayOfEra = yearOfEra * 365 + yearOfEra / 4 - yearOfEra / 100 + dayOfYear;
+    return era * 146097 + dayOfEra - 719468;
+}
+
+/// The one form servers really send, "2014-05-01T00:00:00.000Z" (fraction optional); -1 for any other.
+/// The toolkit's general parser costs more than the whole JSON parse on a long history.
+qint64 utcTimeMs(QStringView text)
+{
+    const qsizetype length = text.size();
+    if ((length != 20 && length != 24) || text[length - 1] != u'Z' || text[4] != u'-' || text[7] != u'-'
+        || text[10] != u'T' || text[13] != u':' || text[16] != u':')
+        return -1;
+    const int year = digitsAt(text, 0, 4);
+    const int month = digitsAt(text, 5, 2);
+    const int day = digitsAt(text, 8, 2);
+    const int hour = digitsAt(text, 11, 2);
+    const int minute = digitsAt(text, 14, 2);
+    const int second = digitsAt(text, 17, 2);
+    const int millis = length == 24 ? (text[19] == u'.' ? digitsAt(text, 20, 3) : -1) : 0;
+    const bool plausible = year >= 1 && QDate::isValid(year, month, day) && hour >= 0 && hour <= 23
+        && minute >= 0 && minute <= 59 && second >= 0 && second <= 59 && millis >= 0;
+    if (!plausible)
+        return -1;
+    const qint64 seconds
+        = daysSinceEpoch(year, month, day) * secondsPerDay + hour * 3600 + minute * 60 + second;
+    return seconds * msPerSecond + millis;
+}
+
+qint32 tickVolume(const QJsonValue& value)
+{
+    constexpr double most = std::numeric_limits<qint32>::max();
+    return static_cast<qint32>(std::clamp(jsonNumber(value), 0.0, most));
+}
+
+} // namespace
+
+qint64 isoTimeMs(const QString& text)
+{
+    const qint64 fast = utcTimeMs(text);
+    if (fast >= 0)
+        return fast;
+    QDateTime time = QDateTime::fromString(text, Qt::ISODateWithMs);
+    if (!time.isValid())
+        return 0;
+    if (time.timeSpec() == Qt::LocalTime)
+        time = QDateTime(time.date(), time.time(), Qt::UTC);
+    return std::max<qint64>(time.toMSecsSinceEpoch(), 0);
+}
+
+std::optional<HistoryReply> HistoryReply::read(const QJsonDocument& document)
+{
+    if (!document.isArray())
+        return std::nullopt;
+    const QJsonArray rows = document.array();
+    HistoryReply reply;
+    reply.received = rows.size();
+    reply.candles.reserve(static_cast<std::size_t>(rows.size()));
+    for (const QJsonValue& row : rows) {
+        const QJsonObject fields = row.toObject();
+        const qint64 time = isoTimeMs(fields.value("timestamp"_L1).toString());
+        if (time <= 0)
+            continue;
+        Candle candle;
+        candle.time = time;
+        candle.open = jsonNumber(fields.value("open"_L1));
+        candle.high = jsonNumber(fields.value("high"_L1));
+        candle.low = jsonNumber(fields.value("low"_L1));
+        candle.close = jsonNumber(fields.value("close"_L1));
+        candle.volume = tickVolume(fields.value("volume"_L1));
+        reply.candles.push_back(candle);
+    }
+    return reply;
+}

@@ -1,0 +1,24 @@
+#pragma once
+
+#include "chart/Candle.h"
+
+#include <QJsonDocument>
+#include <QString>
+
+#include <optional>
+#include <vector>
+
+/// The server's candle history, read from one reply.
+struct HistoryReply {
+    std::vector<Candle> candles; ///< in the server's order; unreadable elements are left out
+    qsizetype received = 0;      ///< elements of the reply array, readable or not
+
+    /// Reads an array of {"timestamp", "open", "high", "low", "close", "volume"}. An element that is no
+    /// object, or whose timestamp is not a time after the epoch, is skipped. Anything but an array gives
+    /// nothing, so that a cut or foreign reply never passes for an empty history.
+    [[nodiscard]] static std::optional<HistoryReply> read(const QJsonDocument& document);
+};
+
+/// ISO 8601 date and time, milliseconds optional, as ms since the epoch; without a zone it means UTC.
+/// 0 when the text is not such a time.
+[[nodiscard]] qint64 isoTimeMs(const QString& text);

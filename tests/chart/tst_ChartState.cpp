@@ -1,0 +1,102 @@
+#include "chart/ChartState.h"
+#include "chart/ChartWidget.h"
+#include "support/TestMain.h"
+
+#include <QJsonArray>
+
+using namespace Qt::StringLiterals;
+
+class tst_ChartState final : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void aNewChartSavesTheDefaults();
+    void everythingSavedComesBack();
+    void anEmptyObjectKeepsTypeShiftAndScroll();
+    void missingColoursAreTheDefaultOnes();
+    void badValuesAreReadAsMissing_data();
+    void badValuesAreReadAsMissing();
+    void anRsiPeriodBelowTwoBecomesTwo();
+};
+
+void tst_ChartState::aNewChartSavesTheDefaults()
+{
+    const ChartWidget chart;
+    const QJsonObject expected{{u"rsi"_s, false}, {u"rsiPeriod"_s, 14}, {u"chartType"_s, 0},
+        {u"chartShift"_s, false}, {u"autoScroll"_s, true},
+        {u"colors"_s,
+            QJsonObject{{u"bg"_s, u"#000000"_s}, {u"grid"_s, u"#232323"_s}, {u"axis"_s, u"#c0c0c0"_s},
+                {u"up"_s, u"#00e600"_s}, {u"down"_s, u"#ffffff"_s}, {u"line"_s, u"#4fc3f7"_s},
+                {u"vol"_s, u"#2f6b3f"_s}}}};
+    QCOMPARE(ChartState::of(chart).toJson(), expected);
+}
+
+void tst_ChartState::everythingSavedComesBack()
+{
+    ChartState state;
+    state.rsi = true;
+    state.rsiPeriod = 21;
+    state.chartType = 2;
+    state.chartShift = true;
+    state.autoScroll = false;
+    state.colors.background = QColor(u"#ffffff"_s);
+    state.colors.volume = QColor(u"#123456"_s);
+
+    ChartWidget chart;
+    ChartState::fromJson(state.toJson()).applyTo(chart);
+    QCOMPARE(ChartState::of(chart), state);
+}
+
+void tst_ChartState::anEmptyObjectKeepsTypeShiftAndScroll()
+{
+    ChartWidget chart;
+    chart.setAutoScroll(false);
+    chart.setChartShift(true);
+    chart.setChartType(1);
+    ChartState::fromJson({}).applyTo(chart);
+    QVERIFY(!chart.autoScroll());
+    QVERIFY(chart.chartShift());
+    QCOMPARE(chart.chartType(), 1);
+}
+
+void tst_ChartState::missingColoursAreTheDefaultOnes()
+{
+    ChartWidget chart;
+    ChartColors colors;
+    colors.up = Qt::red;
+    colors.down = Qt::blue;
+    chart.setColors(colors);
+    ChartState::fromJson({{u"colors"_s, QJsonObject{{u"down"_s, u"#010203"_s}}}}).applyTo(chart);
+    QCOMPARE(chart.colors().up, ChartColors().up);
+    QCOMPARE(chart.colors().down, QColor(1, 2, 3));
+}
+
+void tst_ChartState::badValuesAreReadAsMissing_data()
+{
+    QTest::addColumn<QJsonValue>("value");
+    QTest::newRow("null") << QJsonValue();
+    QTest::newRow("text") << QJsonValue(u"yes"_s);
+    QTest::newRow("array") << QJsonValue(QJsonArray{1});
+    QTest::newRow("huge") << QJsonValue(1e18);
+    QTest::newRow("fraction") << QJsonValue(-0.5);
+}
+
+void tst_ChartState::badValuesAreReadAsMissing()
+{
+    QFETCH(QJsonValue, value);
+    QJsonObject json{{u"colors"_s, QJsonObject{{u"bg"_s, value}, {u"who"_s, value}}}, {u"who"_s, value}};
+    for (const QString& key : {u"rsi"_s, u"rsiPeriod"_s, u"chartType"_s, u"chartShift"_s, u"autoScroll"_s})
+        json.insert(key, value);
+    const ChartState state = ChartState::fromJson(json);
+    QCOMPARE(state, ChartState());
+}
+
+void tst_ChartState::anRsiPeriodBelowTwoBecomesTwo()
+{
+    ChartWidget chart;
+    ChartState::fromJson({{u"rsi"_s, true}, {u"rsiPeriod"_s, -3}}).applyTo(chart);
+    QCOMPARE(chart.rsiPeriod(), 2);
+}
+
+TAVORAN_TEST_MAIN(tst_ChartState)
+#include "tst_ChartState.moc"

@@ -1,0 +1,170 @@
+#include "chart/HistoryReply.h"
+#include "support/TestMain.h"
+
+#include <QJsonArray>
+#include <QJsonObject>
+
+#include <limits>
+
+using namespace Qt::StringLiterals;
+
+class tst_HistoryReply final : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void readsTimesLikeTheToolkitDoes_data();
+    void readsTimesLikeTheToolkitDoes();
+    void readsEveryDayOfFourCenturiesLikeTheToolkit();
+    void refusesWhatIsNoTimeAfterTheEpoch_data();
+    void refusesWhatIsNoTimeAfterTheEpoch();
+    void readsNumbersAndNumericStrings();
+    void truncatesTheVolume_data();
+    void truncatesTheVolume();
+    void skipsUnreadableElementsOneByOneButCountsThem();
+    void keepsTheServersOrder();
+    void anythingButAnArrayIsNoHistory_data();
+    void anythingButAnArrayIsNoHistory();
+    void anEmptyArrayIsAnEmptyHistory();
+};
+
+namespace {
+
+QJsonObject row(const QString& time, const QJsonValue& close = 1.5)
+{
+    return {{u"timestamp"_s, time}, {u"open"_s, 1.0}, {u"high"_s, 2.0}, {u"low"_s, 0.5}, {u"close"_s, close},
+        {u"volume"_s, 7}};
+}
+
+HistoryReply readRows(const QJsonArray& rows)
+{
+    const std::optional<HistoryReply> reply = HistoryReply::read(QJsonDocument(rows));
+    return reply.value_or(HistoryReply());
+}
+
+} // namespace
+
+void tst_HistoryReply::readsTimesLikeTheToolkitDoes_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<qint64>("expected");
+    QTest::newRow("milliseconds") << u"2014-05-01T00:00:00.250Z"_s << Q_INT64_C(1398902400250);
+    QTest::newRow("whole seconds") << u"2014-05-01T00:00:01Z"_s << Q_INT64_C(1398902401000);
+    QTest::newRow("leap day") << u"2024-02-29T12:30:00.000Z"_s << Q_INT64_C(1709209800000);
+    QTest::newRow("zone") << u"2014-05-01T02:00:00.000+02:00"_s << Q_INT64_C(1398902400000);
+    QTest::newRow("no zone means UTC") << u"2014-05-01T00:00:00.000"_s << Q_INT64_C(1398902400000);
+    QTest::newRow("a date alone") << u"2014-05-01"_s << Q_INT64_C(1398902400000);
+}
+
+void tst_HistoryReply::readsTimesLikeTheToolkitDoes()
+{
+    QFETCH(QString, text);
+    QFETCH(qint64, expected);
+    QCOMPARE(isoTimeMs(text), expected);
+}
+
+void tst_HistoryReply::readsEveryDayOfFourCenturiesLikeTheToolkit()
+{
+    for (QDate day(1970, 1, 2); day.year() < 2370; day = day.addDays(1)) {
+        const QDateTime time(day, QTime(13, 14, 15, 16), Qt::UTC);
+        const qint64 expected = time.toMSecsSinceEpoch();
+        if (isoTimeMs(time.toString(Qt::ISODateWithMs)) != expected)
+            QCOMPARE(isoTimeMs(time.toString(Qt::ISODateWithMs)), expected);
+    }
+}
+
+void tst_HistoryReply::refusesWhatIsNoTimeAfterTheEpoch_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::newRow("empty") << QString();
+    QTest::newRow("words") << u"yesterday at noon-ish"_s;
+    QTest::newRow("as long as a time") << u"not-a-time-not-a-tiZ"_s;
+    QTest::newRow("thirteenth month") << u"2014-13-01T00:00:00Z"_s;
+    QTest::newRow("no leap day") << u"2023-02-29T00:00:00.000Z"_s;
+    QTest::newRow("sixty-first second") << u"2014-05-01T00:00:60Z"_s;
+    QTest::newRow("five-digit year") << u"12014-05-01T00:00:00Z"_s;
+    QTest::newRow("the epoch itself") << u"1970-01-01T00:00:00.000Z"_s;
+    QTest::newRow("before the epoch") << u"1944-01-01T00:00:00.000Z"_s;
+    QTest::newRow("digits of another script") << u"٢٠١٤-05-01T00:00:00Z"_s;
+}
+
+void tst_HistoryReply::refusesWhatIsNoTimeAfterTheEpoch()
+{
+    QFETCH(QString, text);
+    QCOMPARE(isoTimeMs(text), 0);
+    QVERIFY(readRows({row(text)}).candles.empty());
+}
+
+void tst_HistoryReply::readsNumbersAndNumericStrings()
+{
+    const HistoryReply reply = readRows({row(u"2014-05-01T00:00:00.000Z"_s, u"1.38686"_s)});
+    QCOMPARE(reply.candles.size(), std::size_t(1));
+    const Candle& candle = reply.candles.front();
+    QCOMPARE(candle.time, Q_INT64_C(1398902400000));
+    QCOMPARE(candle.open, 1.0);
+    QCOMPARE(candle.high, 2.0);
+    QCOMPARE(candle.low, 0.5);
+    QCOMPARE(candle.close, 1.38686);
+    QCOMPARE(candle.volume, 7);
+}
+
+void tst_HistoryReply::truncatesTheVolume_data()
+{
+    QTest::addColumn<QJsonValue>("volume");
+    QTest::addColumn<int>("expected");
+    QTest::newRow("fraction") << QJsonValue(12.9) << 12;
+    QTest::newRow("string") << QJsonValue(u"7233.47"_s) << 7233;
+    QTest::newRow("negative") << QJsonValue(-3) << 0;
+    QTest::newRow("more than 32 bits hold") << QJsonValue(1e12) << std::numeric_limits<int>::max();
+    QTest::newRow("absurd") << QJsonValue(1e308) << 0;
+    QTest::newRow("missing") << QJsonValue(QJsonValue::Undefined) << 0;
+}
+
+void tst_HistoryReply::truncatesTheVolume()
+{
+    QFETCH(QJsonValue, volume);
+    QFETCH(int, expected);
+    QJsonObject fields = row(u"2014-05-01T00:00:00.000Z"_s);
+    fields.insert(u"volume"_s, volume);
+    QCOMPARE(readRows({fields}).candles.front().volume, expected);
+}
+
+void tst_HistoryReply::skipsUnreadableElementsOneByOneButCountsThem()
+{
+    const HistoryReply reply = readRows({1, u"two"_s, QJsonArray{3}, QJsonValue::Null, QJsonObject(),
+        row(u"2014-05-01T00:00:00.000Z"_s), row(u"soon"_s)});
+    QCOMPARE(reply.received, 7);
+    QCOMPARE(reply.candles.size(), std::size_t(1));
+}
+
+void tst_HistoryReply::keepsTheServersOrder()
+{
+    const HistoryReply reply = readRows({row(u"2014-05-02T00:00:00Z"_s), row(u"2014-05-01T00:00:00Z"_s)});
+    QCOMPARE(reply.candles.size(), std::size_t(2));
+    QVERIFY(reply.candles[0].time > reply.candles[1].time);
+}
+
+void tst_HistoryReply::anythingButAnArrayIsNoHistory_data()
+{
+    QTest::addColumn<QByteArray>("body");
+    QTest::newRow("empty body") << QByteArray();
+    QTest::newRow("a page") << QByteArray("<html>maintenance</html>");
+    QTest::newRow("an object") << QByteArray("{\"candles\":[]}");
+    QTest::newRow("a cut array") << QByteArray("[{\"timestamp\":\"2014-05-01T00:00:00Z\"");
+}
+
+void tst_HistoryReply::anythingButAnArrayIsNoHistory()
+{
+    QFETCH(QByteArray, body);
+    QVERIFY(!HistoryReply::read(QJsonDocument::fromJson(body)));
+}
+
+void tst_HistoryReply::anEmptyArrayIsAnEmptyHistory()
+{
+    const std::optional<HistoryReply> reply = HistoryReply::read(QJsonDocument::fromJson("[]"));
+    QVERIFY(reply);
+    QCOMPARE(reply->received, 0);
+    QVERIFY(reply->candles.empty());
+}
+
+TAVORAN_TEST_MAIN(tst_HistoryReply)
+#include "tst_HistoryReply.moc"

@@ -1,0 +1,92 @@
+"""A virtual desktop of its own: X server, window manager, session bus, mouse, keyboard, screenshots."""
+
+import os
+import subprocess
+import tempfile
+import time
+from pathlib import Path
+
+
+class Desktop:
+    """Starts Xvfb with a window manager; real key and mouse events go in, pictures come out."""
+
+    def __init__(self, width=1440, height=900):
+        self._processes = []
+        read_end, write_end = os.pipe()
+        self._spawn(
+            ["Xvfb", "-displayfd", str(write_end), "-screen", "0", f"{width}x{height}x24", "-nolisten", "tcp"],
+            pass_fds=[write_end],
+        )
+        os.close(write_end)
+        with os.fdopen(read_end) as answer:
+            number = answer.readline().strip()
+        if not number:
+            raise RuntimeError("the virtual X server did not start")
+        os.environ["DISPLAY"] = f":{number}"
+        os.environ.pop("WAYLAND_DISPLAY", None)
+        os.environ["QT_QPA_PLATFORM"] = "xcb"
+        os.environ["QT_LINUX_ACCESSIBILITY_ALWAYS_ON"] = "1"
+        self._runtime = tempfile.TemporaryDirectory(prefix="tavoran-tour-")
+        os.chmod(self._runtime.name, 0o700)
+        os.environ["XDG_RUNTIME_DIR"] = self._runtime.name
+        self._spawn(["openbox"])
+        address = subprocess.run(
+            ["dbus-daemon", "--session", "--fork", "--print-address=1", "--print-pid=1"],
+            stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, text=True, check=True).stdout.splitlines()
+        os.environ["DBUS_SESSION_BUS_ADDRESS"] = address[0]
+        self._bus_pid = int(address[1])
+
+    def _spawn(self, command, **options):
+        self._processes.append(
+            subprocess.Popen(command, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL, **options))
+
+    def close(self):
+        os.kill(self._bus_pid, 15)
+        for process in reversed(self._processes):
+            process.terminate()
+            process.wait()
+        self._runtime.cleanup()
+
+    @staticmethod
+    def _xdotool(*words):
+        subprocess.run(["xdotool", *map(str, words)], check=True, stdout=subprocess.DEVNULL)
+
+    def move(self, x, y):
+        self._xdotool("mousemove", x, y)
+
+    def click(self, x, y, times=1):
+        self._xdotool("mousemove", x, y, "click", "--repeat", times, "--delay", 60, 1)
+
+    def key(self, *names):
+        self._xdotool("key", *names)
+
+    def type(self, text):
+        self._xdotool("type", "--delay", 15, text)
+
+    def screenshot(self, path):
+        subprocess.run(["import", "-window", "root", str(path)], check=True)
+
+    def pixels(self, x, y, width, height):
+        """The RGB bytes of one rectangle of the screen, row by row."""
+        picture = subprocess.run(
+            ["import", "-window", "root", "-crop", f"{width}x{height}+{x}+{y}", "-depth", "8", "rgb:-"],
+            check=True, stdout=subprocess.PIPE).stdout
+        if len(picture) != width * height * 3:
+            raise RuntimeError(f"expected {width}x{height} pixels, got {len(picture)} bytes")
+        return picture
+
+
+def wait_until(probe, seconds=15.0, pause=0.1):
+    """The first truthy answer of `probe`, or its last answer when the time is over."""
+    deadline = time.monotonic() + seconds
+    while True:
+        answer = probe()
+        if answer or time.monotonic() > deadline:
+            return answer
+        time.sleep(pause)
+
+
+def fresh_folder(path):
+    path = Path(path)
+    path.mkdir(parents=True, exist_ok=True)
+    return path

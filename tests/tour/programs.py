@@ -1,0 +1,112 @@
+"""The two programs of the tour: the practice platform and the terminal, as real processes."""
+
+import json
+import os
+import re
+import signal
+import subprocess
+import time
+import urllib.error
+import urllib.request
+
+EMAIL = "trader@practice.local"
+PASSWORD = "practice"
+
+
+class Platform:
+    """The practice platform, and a plain client of our own that asks it for its records."""
+
+    def __init__(self, binary, folder, port=0):
+        self._binary, self._folder, self._port = binary, folder, port
+        self._process = None
+        self._token = None
+        self.address = None
+
+    def start(self):
+        log = self._folder / "platform.log"
+        with open(log, "w", encoding="utf-8") as output:
+            self._process = subprocess.Popen(
+                [self._binary, "--port", str(self._port), "--db", str(self._folder / "practice.db"), "--seed", "7"],
+                stdout=output, stderr=subprocess.STDOUT)
+        deadline = time.monotonic() + 15
+        while time.monotonic() < deadline and self._process.poll() is None:
+            found = re.search(r"Listening on (http://\S+:(\d+))", log.read_text(encoding="utf-8"))
+            if found:
+                self.address, self._port = found.group(1), int(found.group(2))
+                return
+            time.sleep(0.05)
+        raise RuntimeError(f"the practice platform did not start: {log.read_text(encoding='utf-8')}")
+
+    def kill(self):
+        """Ends it the hard way, as a power cut would."""
+        self._process.send_signal(signal.SIGKILL)
+        self._process.wait()
+
+    def stop(self):
+        if self._process and self._process.poll() is None:
+            self._process.terminate()
+            self._process.wait(10)
+
+    def get(self, path):
+        if self._token is None:
+            self._token = self._ask("/api/auth/login", {"email": EMAIL, "password": PASSWORD})["token"]
+        return self._ask(path)
+
+    def _ask(self, path, body=None):
+        request = urllib.request.Request(self.address + path, data=json.dumps(body).encode() if body else None)
+        request.add_header("Content-Type", "application/json")
+        if self._token:
+            request.add_header("Authorization", "Bearer " + self._token)
+        with urllib.request.urlopen(request, timeout=10) as reply:
+            return json.load(reply)
+
+    def open_trades(self):
+        """Every open trade of every account."""
+        return [trade for account in self.get("/api/accounts")
+                for trade in self.get("/api/trades/open?accountId=" + account["id"])]
+
+
+class Terminal:
+    """The terminal, with a profile of its own that lasts from run to run."""
+
+    def __init__(self, binary, profile, address):
+        self._binary, self._profile = binary, profile
+        self._process = None
+        for name in ("config", "data", "cache", "home", "tmp"):
+            (profile / name).mkdir(parents=True, exist_ok=True)
+        settings = profile / "config/Tavoran/Terminal.conf"
+        settings.parent.mkdir(parents=True, exist_ok=True)
+        settings.touch(mode=0o600)
+        settings.write_text(f"[auth]\nserverUrl={address}\nemail={EMAIL}\n\n[ui]\ntheme=dark\n", encoding="utf-8")
+
+    @property
+    def log(self):
+        return (self._profile / "tmp/tavoran-terminal.log").read_text(encoding="utf-8")
+
+    @property
+    def pid(self):
+        return self._process.pid
+
+    def start(self):
+        environment = dict(os.environ)
+        environment.update(
+            HOME=str(self._profile / "home"), XDG_CONFIG_HOME=str(self._profile / "config"),
+            XDG_DATA_HOME=str(self._profile / "data"), XDG_CACHE_HOME=str(self._profile / "cache"),
+            TMPDIR=str(self._profile / "tmp"))
+        output = open(self._profile / "terminal.out", "ab")
+        self._process = subprocess.Popen([self._binary], env=environment, stdout=output, stderr=output)
+        output.close()
+
+    def running(self):
+        return self._process is not None and self._process.poll() is None
+
+    def exit_code(self, seconds=10):
+        try:
+            return self._process.wait(seconds)
+        except subprocess.TimeoutExpired:
+            return None
+
+    def stop(self):
+        if self.running():
+            self._process.kill()
+            self._process.wait()

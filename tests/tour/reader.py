@@ -1,0 +1,91 @@
+"""Reads the terminal's windows the way a screen reader does: roles, names, values and places."""
+
+import gi
+
+gi.require_version("Atspi", "2.0")
+from gi.repository import Atspi, GLib  # noqa: E402
+
+
+class Item:
+    """One thing on the screen, as it was when it was read."""
+
+    def __init__(self, node):
+        self._node = node
+        self.role = node.get_role_name()
+        self.name = node.get_name() or ""
+        place = node.get_extents(Atspi.CoordType.SCREEN)
+        self.x, self.y, self.width, self.height = place.x, place.y, place.width, place.height
+
+    @property
+    def center(self):
+        return self.x + self.width // 2, self.y + self.height // 2
+
+    def has(self, state):
+        return self._node.get_state_set().contains(getattr(Atspi.StateType, state))
+
+    @property
+    def shown(self):
+        return self.has("SHOWING") and self.width > 0 and self.height > 0
+
+    def children(self):
+        for index in range(self._node.get_child_count()):
+            child = self._node.get_child_at_index(index)
+            if child is not None:
+                yield Item(child)
+
+    def everything(self):
+        yield self
+        for child in self.children():
+            yield from child.everything()
+
+    def find(self, role=None, name=None, shown=True, accept=None):
+        """The first match below this item, or None. `name` is exact; `accept` is a further condition."""
+        return next(self.find_all(role, name, shown, accept), None)
+
+    def find_all(self, role=None, name=None, shown=True, accept=None):
+        for item in self.everything():
+            if (role is None or item.role == role) and (name is None or item.name == name) \
+                    and (not shown or item.shown) and (accept is None or accept(item)):
+                yield item
+
+    def text(self):
+        """The content of an edit field or a label."""
+        interface = self._node.get_text_iface()
+        return self.name if interface is None else Atspi.Text.get_text(self._node, 0, -1)
+
+    def rows(self):
+        """The cells of a list, row by row from the top, each row from the left."""
+        lines = {}
+        for cell in self.find_all(role="table cell", shown=False):
+            lines.setdefault(cell.y, []).append(cell)
+        return [sorted(cells, key=lambda cell: cell.x) for _, cells in sorted(lines.items())]
+
+
+class Reader:
+    """Finds the windows of one process."""
+
+    def __init__(self):
+        Atspi.init()
+
+    def application(self, process_id):
+        desktop = Atspi.get_desktop(0)
+        desktop.clear_cache()
+        for index in range(desktop.get_child_count()):
+            child = desktop.get_child_at_index(index)
+            try:
+                if child is not None and child.get_process_id() == process_id:
+                    child.clear_cache()
+                    return Item(child)
+            except GLib.Error:
+                continue  # an application that is just going away
+        return None
+
+    def window(self, process_id, accept):
+        """The first top-level window that `accept` likes, or None."""
+        try:
+            application = self.application(process_id)
+            if application is None:
+                return None
+            return next((item for item in application.children() if accept(item)), None)
+        except GLib.Error:
+            return None  # the window changed while it was read; the caller asks again

@@ -1,0 +1,268 @@
+#!/usr/bin/python3
+"""The main job, end to end: the real terminal and the real practice platform on a virtual desktop.
+
+Every step acts with the mouse or the keyboard, waits until its outcome is seen (in the window, as a
+screen reader sees it, or in its pixels, or in the platform's own records), prints a line and keeps a
+screenshot. The exit code is 0 only when every outcome was seen.
+"""
+
+import argparse
+import os
+import shutil
+import sys
+import tempfile
+from pathlib import Path
+
+sys.path.insert(0, str(Path(__file__).parent))
+
+from desktop import Desktop, wait_until  # noqa: E402
+from programs import EMAIL, PASSWORD, Platform, Terminal  # noqa: E402
+from reader import Reader  # noqa: E402
+
+SYMBOL = "EURUSD"
+CANDLE_COLOURS = ((0x00, 0xE6, 0x00), (0xFF, 0xFF, 0xFF))
+
+
+class StepFailed(Exception):
+    pass
+
+
+def is_price(text):
+    try:
+        return float(text) > 0
+    except ValueError:
+        return False
+
+
+class Tour:
+    def __init__(self, binaries, out, profile):
+        self.out = out
+        self.desktop = Desktop()
+        self.reader = Reader()
+        self.platform = Platform(str(binaries / "tavoran-practice"), profile)
+        self.platform.start()
+        self.terminal = Terminal(str(binaries / "tavoran-terminal"), profile, self.platform.address)
+        self._count = 0
+
+    def close(self):
+        self.terminal.stop()
+        self.platform.stop()
+        self.desktop.close()
+
+    # --- telling what happened -------------------------------------------------------------------
+
+    def seen(self, name, outcome, what):
+        """Ends a step: a screenshot and a line; a falsy outcome ends the tour."""
+        self._count += 1
+        picture = self.out / f"{self._count:02d}-{name}.png"
+        self.desktop.screenshot(picture)
+        print(f"{'ok  ' if outcome else 'FAIL'} {self._count:2d}  {what}", flush=True)
+        if not outcome:
+            raise StepFailed(f"{what} was not seen; look at {picture}")
+        return outcome
+
+    # --- finding things --------------------------------------------------------------------------
+
+    def window(self, accept, seconds=15):
+        return wait_until(lambda: self.reader.window(self.terminal.pid, accept), seconds)
+
+    def sign_in_dialog(self):
+        return self.window(lambda item: item.shown and item.find("push button", "Login"))
+
+    def main_window(self, seconds=15):
+        return self.window(lambda item: item.shown and item.find("menu bar"), seconds)
+
+    def list_with(self, header):
+        """The list in the main window that has this column header."""
+        window = self.main_window(2)
+        if not window:
+            return None
+        return window.find("tree", accept=lambda item: item.find("table column header", header))
+
+    def row(self, header, first_cell):
+        """The texts of the row that starts with `first_cell` in the list with this header, or None."""
+        view = self.list_with(header)
+        cells = next((row for row in view.rows() if row[0].name == first_cell), None) if view else None
+        return cells
+
+    def label(self, accept):
+        window = self.main_window(2)
+        return window.find("label", accept=lambda item: accept(item.text())) if window else None
+
+    def tab(self, name):
+        window = self.main_window(2)
+        return window.find("page tab", name) if window else None
+
+    def click(self, item, times=1):
+        self.desktop.click(*item.center, times=times)
+
+    # --- the steps -------------------------------------------------------------------------------
+
+    def sign_in(self, name):
+        self.terminal.start()
+        dialog = self.sign_in_dialog()
+        self.seen(f"{name}-dialog", dialog, "the sign-in dialog is up")
+        email = dialog.find("text", accept=lambda item: EMAIL in item.text())
+        self.seen(f"{name}-email", email, "the e-mail address is filled in")
+        self.desktop.type(PASSWORD)
+        self.desktop.key("Return")
+        self.seen(f"{name}-window", self.main_window(), "signed in; the main window is up")
+
+    def watch_prices(self):
+        first = wait_until(lambda: (row := self.row("Daily", SYMBOL)) and is_price(row[1].name) and row[1].name)
+        self.seen("prices", first, f"Market Watch shows {SYMBOL} at {first}")
+        moved = wait_until(lambda: (now := self.row("Daily", SYMBOL)[1].name) != first and is_price(now) and now)
+        self.seen("price-moved", moved, f"the price moved to {moved}")
+
+    def open_chart(self):
+        self.click(self.row("Daily", SYMBOL)[0], times=2)
+        chart = wait_until(lambda: self.chart())
+        self.seen("chart", chart, "a double-click opened one chart")
+        tabs = [item.name for item in self.main_window().find_all("page tab") if item.name.startswith(SYMBOL)]
+        self.seen("one-chart", len(tabs) == 1, f"and only one: {tabs}")
+        loaded = wait_until(lambda: self.journal_line("candles loaded"))
+        self.seen("history", loaded, f"the Journal says: {loaded}")
+        before = wait_until(lambda: self.newest_candles() if any(self.newest_candles()) else None)
+        self.seen("candles", before, "candles are painted")
+        grew = wait_until(lambda: self.newest_candles() != before, 60, 0.5)
+        self.seen("candle-grew", grew, "the newest candle grew")
+
+    def chart(self):
+        window = self.main_window(2)
+        return window.find(accept=lambda item: item.name.startswith(f"Chart {SYMBOL}")) if window else None
+
+    def newest_candles(self):
+        """Which pixels of the newest few bars have a candle's colour."""
+        self.desktop.move(5, 5)
+        chart = self.chart()
+        width = 30
+        left = chart.x + chart.width - 68 - width
+        data = self.desktop.pixels(left, chart.y, width, chart.height - 22)
+        return bytes(int(tuple(data[i:i + 3]) in CANDLE_COLOURS) for i in range(0, len(data), 3))
+
+    def journal_line(self, part):
+        tab = self.tab("Journal")
+        if tab and not tab.has("SELECTED"):
+            self.click(tab)
+        view = self.list_with("Message")
+        lines = [row[2].name for row in view.rows() if part in row[2].name] if view else []
+        return lines[-1] if lines else None
+
+    def buy(self):
+        self.desktop.key("F9")
+        dialog = self.window(lambda item: item.shown and item.name.startswith("Order: "))
+        self.seen("order-dialog", dialog, f"F9 opened the order dialog: {dialog.name if dialog else ''}")
+        self.seen("order-symbol", SYMBOL in dialog.name, "for the symbol of the chart")
+        quote = wait_until(lambda: self.order_dialog_quote())
+        self.seen("order-quote", quote, f"its quote is live: {quote}")
+        button = self.window(lambda item: item.name.startswith("Order: ")).find("push button", "Buy by Market")
+        self.click(button)
+        closed = wait_until(lambda: not self.reader.window(
+            self.terminal.pid, lambda item: item.shown and item.name.startswith("Order: ")))
+        self.seen("order-placed", closed, "the order was accepted and the dialog closed")
+        self.seen("order-journal", wait_until(lambda: self.journal_line("Order placed")),
+                  "the Journal says: Order placed")
+
+    def order_dialog_quote(self):
+        dialog = self.reader.window(self.terminal.pid, lambda item: item.name.startswith("Order: "))
+        label = dialog.find("label", accept=lambda item: " / " in item.text() and item.text()[0].isdigit())
+        return label.text() if label else None
+
+    def watch_position(self):
+        self.click(self.tab("Trade"))
+        cells = wait_until(lambda: self.row("Ticket", SYMBOL))
+        self.seen("position", cells, f"the position's row: {[c.name for c in cells] if cells else ''}")
+        before = cells[11].name
+        profit = wait_until(lambda: (now := self.row("Ticket", SYMBOL)[11].name) != before and now, 60)
+        self.seen("profit", profit, f"its profit follows the feed: {before} became {profit}")
+        summary = self.label(lambda text: "Equity:" in text)
+        self.seen("summary", summary, "the account line stands under it")
+        trades = self.platform.open_trades()
+        ours = len(trades) == 1 and trades[0]["symbol"] == SYMBOL and trades[0]["type"] == "BUY"
+        self.seen("record", ours and trades[0]["id"].startswith(cells[1].name),
+                  f"the platform's own record agrees: {cells[1].name}")
+        self.ticket = cells[1].name
+
+    def toggle_docks(self):
+        for key, header in (("ctrl+m", "Daily"), ("ctrl+t", "Ticket")):
+            self.desktop.key(key)
+            self.seen(f"{key}-hidden", wait_until(lambda: not self.list_with(header)), f"{key} hides the pane")
+            self.desktop.key(key)
+            self.seen(f"{key}-shown", wait_until(lambda: self.list_with(header)), f"{key} brings it back")
+
+    def switch_theme(self, name):
+        """Chooses a theme in the menu with the keyboard, as its mnemonic allows."""
+        window = self.main_window()
+        corner = (window.x + window.width - 40, window.y + 10)
+        before = self.desktop.pixels(*corner, 8, 8)
+        self.click(window.find("menu bar").find("menu item", "View", shown=False))
+        entry = wait_until(lambda: self.main_window().find("menu item", "Theme"))
+        self.click(entry)
+        choice = wait_until(lambda: self.main_window().find(name=name))
+        self.click(choice)
+        changed = wait_until(lambda: self.desktop.pixels(*corner, 8, 8) != before)
+        self.seen(f"theme-{name.lower()}", changed, f"the {name} theme is on")
+
+    def lose_the_platform(self):
+        self.platform.kill()
+        self.seen("feed-lost", wait_until(lambda: self.label(lambda text: "Disconnected" in text)),
+                  "the platform was killed; the status bar says so")
+        self.platform.start()
+        self.seen("feed-back", wait_until(lambda: self.label(lambda text: "Connected" in text), 40),
+                  "it came back; so did the feed")
+        self.click(self.tab("Trade"))
+        still = wait_until(lambda: (row := self.row("Ticket", SYMBOL)) and row[1].name == self.ticket)
+        self.seen("nothing-lost", still, "the position is still there")
+        recorded = [trade["id"][:8] for trade in self.platform.open_trades()]
+        self.seen("nothing-lost-record", recorded == [self.ticket], "and stands once in the platform's records")
+
+    def restart(self):
+        self.desktop.key("ctrl+q")
+        self.seen("closed", self.terminal.exit_code() == 0, "Ctrl+Q closed the terminal")
+        self.sign_in("restart")
+        self.seen("chart-back", wait_until(lambda: self.chart()), "the chart is back")
+        back = wait_until(lambda: any(self.newest_candles()))
+        self.seen("candles-back", back, "with its candles")
+        self.click(self.tab("Trade"))
+        row = wait_until(lambda: (row := self.row("Ticket", SYMBOL)) and row[1].name == self.ticket)
+        self.seen("position-back", row, "and the position with it")
+        self.desktop.key("ctrl+q")
+        self.seen("end", self.terminal.exit_code() == 0, "closed again, exit code 0")
+
+    def run(self):
+        self.sign_in("start")
+        self.watch_prices()
+        self.open_chart()
+        self.buy()
+        self.watch_position()
+        self.toggle_docks()
+        self.switch_theme("Light")
+        self.switch_theme("Dark")
+        self.lose_the_platform()
+        self.restart()
+
+
+def main():
+    arguments = argparse.ArgumentParser(description=__doc__)
+    arguments.add_argument("--bin", type=Path, required=True, help="folder of the two programs")
+    arguments.add_argument("--out", type=Path, required=True, help="folder for the screenshots")
+    options = arguments.parse_args()
+    shutil.rmtree(options.out, ignore_errors=True)
+    options.out.mkdir(parents=True)
+    profile = Path(tempfile.mkdtemp(prefix="tavoran-tour-"))
+    tour = Tour(options.bin.resolve(), options.out, profile)
+    try:
+        tour.run()
+    except StepFailed as failure:
+        print(f"The tour ended early: {failure}", file=sys.stderr)
+        print(f"What the programs wrote is in {profile}", file=sys.stderr)
+        return 1
+    finally:
+        tour.close()
+    shutil.rmtree(profile)
+    print(f"Every step was seen; the screenshots are in {options.out}")
+    return 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())
