@@ -1,7 +1,6 @@
 #include "practice/core/market/SimulatedMarket.h"
 
 #include "practice/core/market/CrossRates.h"
-#include "practice/core/market/SimulatedSymbol.h"
 
 #include <algorithm>
 #include <cmath>
@@ -14,9 +13,9 @@ double boundedSpeed(double speed)
     return std::isnan(speed) ? 1 : std::clamp(speed, minMarketSpeed, maxMarketSpeed);
 }
 
-SimulatedMarket::SimulatedMarket(std::uint64_t seed, double speed, const std::vector<SymbolSpec>& symbols)
+std::vector<std::unique_ptr<SimulatedSymbol>> simulateSymbols(
+    const std::vector<SymbolSpec>& symbols, std::uint64_t seed, double speed)
 {
-    speed = boundedSpeed(speed);
     std::vector<std::unique_ptr<SimulatedSymbol>> prices(symbols.size());
     for (std::size_t i = 0; i < symbols.size(); ++i) {
         if (!isCrossRate(symbols[i], symbols))
@@ -29,6 +28,12 @@ SimulatedMarket::SimulatedMarket(std::uint64_t seed, double speed, const std::ve
                 symbols[i], seed, speed, crossCloseRule(symbols[i], symbols, daysOf));
         }
     }
+    return prices;
+}
+
+SimulatedMarket::SimulatedMarket(std::uint64_t seed, double speed, const std::vector<SymbolSpec>& symbols)
+{
+    auto prices = simulateSymbols(symbols, seed, boundedSpeed(speed));
     for (std::size_t i = 0; i < symbols.size(); ++i)
         addSymbol(symbols[i], std::move(prices[i]));
 }

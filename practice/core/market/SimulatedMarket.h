@@ -1,8 +1,11 @@
 #pragma once
 
+#include "practice/core/market/SimulatedSymbol.h"
 #include "practice/core/market/SymbolMarket.h"
 
 #include <cstdint>
+#include <memory>
+#include <vector>
 
 namespace practice {
 
@@ -19,6 +22,10 @@ public:
     explicit SimulatedMarket(
         std::uint64_t seed, double speed = 1, const std::vector<SymbolSpec>& symbols = symbolCatalog());
 };
+
+/// The prices behind such a market, in the order of `symbols`; `speed` must lie in its range.
+[[nodiscard]] std::vector<std::unique_ptr<SimulatedSymbol>> simulateSymbols(
+    const std::vector<SymbolSpec>& symbols, std::uint64_t seed, double speed);
 
 /// The speed within its range.
 [[nodiscard]] double boundedSpeed(double speed);

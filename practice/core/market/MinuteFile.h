@@ -1,0 +1,43 @@
+#pragma once
+
+#include "practice/core/market/GridBar.h"
+
+#include <filesystem>
+#include <iosfwd>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+namespace practice {
+
+/// One recorded minute of mid prices in points.
+struct MinuteRecord {
+    TimeMs time = 0;
+    GridBar bar;                 ///< volume is at least 1
+    std::int64_t halfSpread = 0; ///< at the close; 0 when the file has no ask columns
+};
+
+/// Recorded minutes of one instrument, ascending in time, with holes where nothing was recorded.
+struct MinuteFile {
+    int digits = 0;                    ///< the most decimals that any price of the file is written with
+    std::vector<MinuteRecord> minutes; ///< at least two
+};
+
+/// A market data file that cannot be used; what() is one line that names the file and, where one is to
+/// blame, the line: "EURUSD-1m.csv:17: high is below open or close".
+class MarketDataError final : public std::runtime_error {
+public:
+    using std::runtime_error::runtime_error;
+};
+
+/// Reads comma-separated minutes: a header "time,open,high,low,close,volume", optionally followed by
+/// ",ask_open,ask_high,ask_low,ask_close", then rows like "2014-05-01T00:00:00Z,1.38676,...". Times are
+/// UTC, whole minutes, strictly ascending. Prices are plain decimals above 0 and below 10^7 with at most 8
+/// decimals. With ask columns the first prices are bids and the mids are taken between both; without, they
+/// are taken for mids. A volume of 0 is replaced by a believable one. Throws MarketDataError.
+[[nodiscard]] MinuteFile readMinuteFile(const std::filesystem::path& path);
+
+/// The same from a stream; `name` stands for the file in messages.
+[[nodiscard]] MinuteFile readMinutes(std::istream& input, const std::string& name);
+
+} // namespace practice

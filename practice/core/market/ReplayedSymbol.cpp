@@ -1,0 +1,135 @@
+#include "practice/core/market/ReplayedSymbol.h"
+
+#include "practice/core/market/HashRandom.h"
+
+#include <cmath>
+#include <utility>
+
+namespace practice {
+namespace {
+
+// As many price changes in a second as the simulator makes, but enough in a recorded minute to touch its
+// open, high, low and close.
+std::size_t stepsFor(double speed)
+{
+    const double perMinute = static_cast<double>(minuteMs / SimulatedSymbol::tickLength(speed));
+    return static_cast<std::size_t>(std::clamp(std::round(perMinute / speed), 4.0, 1200.0));
+}
+
+} // namespace
+
+ReplayedSymbol::ReplayedSymbol(const SymbolSpec& spec, std::vector<MinuteRecord> minutes, TimeMs playFrom,
+    double speed, std::uint64_t seed)
+    : m_past(spec, seed, speed)
+    , m_loop(std::move(minutes))
+    , m_playFrom(
+          barStart(std::clamp(playFrom, m_past.firstMoment() + dayMs, m_past.lastMoment()), Timeframe::M1))
+    , m_speed(speed)
+    , m_key(hashKey({seed, hashText(spec.name), hashText("replay")}))
+    , m_steps(stepsFor(speed))
+    , m_phase(HashRandom(m_key).uniform())
+{
+    m_scale
+        = static_cast<double>(m_loop.minute(0).bar.open) / static_cast<double>(m_past.mid(m_playFrom - 1));
+}
+
+// Recorded milliseconds played by now.
+std::int64_t ReplayedSymbol::positionAt(TimeMs now) const
+{
+    return static_cast<std::int64_t>(std::floor(static_cast<double>(now - m_playFrom) * m_speed));
+}
+
+ReplayedSymbol::Place ReplayedSymbol::placeOf(std::int64_t position) const
+{
+    const std::int64_t minute = floorDivide(position, minuteMs);
+    const double part = static_cast<double>(position - minute * minuteMs) / static_cast<double>(minuteMs);
+    const double step = std::floor(part * static_cast<double>(m_steps) - m_phase);
+    return {minute, step > 0 ? static_cast<std::size_t>(step) : 0};
+}
+
+std::int64_t ReplayedSymbol::scaled(std::int64_t pastPoints) const
+{
+    return std::max<std::int64_t>(2, std::llround(static_cast<double>(pastPoints) * m_scale));
+}
+
+const TickPath& ReplayedSymbol::pathOf(std::int64_t minute)
+{
+    if (m_pathMinute != minute) {
+        const BarNode node{m_loop.minute(minute).bar, 0};
+        m_path = TickPath(node, m_steps, hashKey({m_key, static_cast<std::uint64_t>(minute)}));
+        m_pathMinute = minute;
+    }
+    return m_path;
+}
+
+std::int64_t ReplayedSymbol::mid(TimeMs now)
+{
+    if (now < m_playFrom)
+        return scaled(m_past.mid(now));
+    const Place place = placeOf(positionAt(now));
+    return pathOf(place.minute).mid(place.step);
+}
+
+std::int64_t ReplayedSymbol::halfSpread(TimeMs now)
+{
+    if (now >= m_playFrom) {
+        const std::int64_t recorded = m_loop.minute(floorDivide(positionAt(now), minuteMs)).halfSpread;
+        if (recorded > 0)
+            return recorded;
+    }
+    return m_past.halfSpread(now);
+}
+
+// Rounded up within a minute, so that its first tick counts at once.
+std::int64_t ReplayedSymbol::volumeUntil(std::int64_t position) const
+{
+    if (position < 0)
+        return 0;
+    const Place place = placeOf(position);
+    const auto steps = static_cast<std::int64_t>(m_steps);
+    const std::int64_t volume = m_loop.minute(place.minute).bar.volume;
+    return m_loop.volumeBefore(place.minute)
+        + (volume * static_cast<std::int64_t>(place.step + 1) + steps - 1) / steps;
+}
+
+GridBar ReplayedSymbol::played(std::int64_t from, std::int64_t to)
+{
+    const Place first = placeOf(from);
+    const Place last = placeOf(to);
+    GridBar bar;
+    if (first.minute == last.minute) {
+        bar = pathOf(first.minute).between(first.step, last.step);
+    } else {
+        bar = first.step == 0 ? m_loop.fold(first.minute, first.minute)
+                              : pathOf(first.minute).between(first.step, m_steps - 1);
+        if (last.minute - first.minute > 1)
+            bar.append(m_loop.fold(first.minute + 1, last.minute - 1));
+        bar.append(pathOf(last.minute).between(0, last.step));
+    }
+    bar.volume = volumeUntil(to) - volumeUntil(from - 1);
+    return bar;
+}
+
+GridBar ReplayedSymbol::barUntil(Timeframe timeframe, TimeMs start, TimeMs now)
+{
+    const TimeMs end = start + timeframeLength(timeframe);
+    GridBar bar;
+    if (start < m_playFrom) {
+        bar = m_past.barUntil(timeframe, start, std::min(now, m_playFrom - 1));
+        for (std::int64_t* price : {&bar.open, &bar.high, &bar.low, &bar.close})
+            *price = scaled(*price);
+        if (std::min(now, end - 1) < m_playFrom)
+            return bar;
+    }
+    // A finished bar reaches up to where the next one begins, although at high speed its own last
+    // millisecond lies well before that.
+    const std::int64_t from = positionAt(std::max(start, m_playFrom));
+    const std::int64_t to = now >= end ? positionAt(end) - 1 : positionAt(now);
+    const GridBar rest = played(from, std::max(from, to));
+    if (start >= m_playFrom)
+        return rest;
+    bar.append(rest);
+    return bar;
+}
+
+} // namespace practice

@@ -1,0 +1,150 @@
+#include "practice/Check.h"
+
+#include "practice/core/market/MinuteFile.h"
+
+#include <clocale>
+#include <sstream>
+
+using namespace practice;
+
+namespace {
+
+const std::string header = "time,open,high,low,close,volume\n";
+const std::string askHeader = "time,open,high,low,close,volume,ask_open,ask_high,ask_low,ask_close\n";
+const std::string firstRow = "2014-05-01T00:00:00Z,1.1,1.3,1.0,1.2,5\n";
+
+MinuteFile parsed(const std::string& text)
+{
+    std::istringstream input(text);
+    return readMinutes(input, "X-1m.csv");
+}
+
+std::string complaint(const std::string& text)
+{
+    try {
+        static_cast<void>(parsed(text));
+    } catch (const MarketDataError& error) {
+        return error.what();
+    }
+    return "accepted";
+}
+
+std::string complaintAboutRow(const std::string& row)
+{
+    return complaint(header + firstRow + row + "\n");
+}
+
+} // namespace
+
+TEST_CASE("minutes are read exactly, in points of the most decimals used")
+{
+    const MinuteFile file = parsed(header + firstRow + "2014-05-01T00:02:00Z,1.25,1.255,1.2,1.21,2.6");
+    CHECK_EQ(file.digits, 3);
+    REQUIRE(file.minutes.size() == 2);
+    CHECK_EQ(file.minutes[0].time, TimeMs(1'398'902'400'000));
+    CHECK(file.minutes[0].bar == (GridBar{1100, 1300, 1000, 1200, 5}));
+    CHECK(file.minutes[1].bar == (GridBar{1250, 1255, 1200, 1210, 3}));
+    CHECK_EQ(file.minutes[0].halfSpread, std::int64_t(0));
+}
+
+TEST_CASE("with ask columns the mid lies between both sides and the spread is the close's")
+{
+    const MinuteFile file
+        = parsed(askHeader + "2014-05-01T00:00:00Z,1.10,1.30,1.00,1.20,0,1.14,1.34,1.04,1.26\n"
+            + "2014-05-01T00:01:00Z,1.20,1.20,1.20,1.20,0,1.20,1.20,1.20,1.20\n");
+    CHECK_EQ(file.minutes[0].bar.open, std::int64_t(112));
+    CHECK_EQ(file.minutes[0].bar.high, std::int64_t(132));
+    CHECK_EQ(file.minutes[0].bar.low, std::int64_t(102));
+    CHECK_EQ(file.minutes[0].bar.close, std::int64_t(123));
+    CHECK_EQ(file.minutes[0].halfSpread, std::int64_t(3));
+    CHECK_EQ(file.minutes[1].halfSpread, std::int64_t(1));
+    CHECK(file.minutes[0].bar.volume >= 1 && file.minutes[1].bar.volume >= 1);
+}
+
+TEST_CASE("lines may end as on other systems and times may lie before 1970")
+{
+    const MinuteFile file = parsed("time,open,high,low,close,volume\r\n1969-12-31T23:58:00Z,1,1,1,1,1\r\n"
+                                   "1969-12-31T23:59:00Z,1,2,1,2,1\r\n");
+    CHECK_EQ(file.digits, 0);
+    CHECK_EQ(file.minutes[1].time, -minuteMs);
+}
+
+TEST_CASE("the user's locale does not change how prices are read")
+{
+    const char* before = std::setlocale(LC_ALL, nullptr);
+    const std::string restore = before ? before : "C";
+    if (!std::setlocale(LC_ALL, "de_DE.UTF-8"))
+        check::skip("the locale de_DE.UTF-8 is not installed");
+    CHECK_EQ(parsed(header + firstRow + "2014-05-01T00:01:00Z,1.2,1.2,1.2,1.2,1\n").minutes[0].bar.open,
+        std::int64_t(11));
+    std::setlocale(LC_ALL, restore.c_str());
+}
+
+TEST_CASE("a complaint is one line with the file and the line to blame")
+{
+    CHECK_EQ(complaintAboutRow("2014-05-01T00:01:00Z,1.2,1.1,1.0,1.2,1"),
+        std::string("X-1m.csv:3: high is below open or close"));
+    CHECK_EQ(complaintAboutRow("2014-05-01T00:01:00Z,1.2,1.3,1.25,1.3,1"),
+        std::string("X-1m.csv:3: low is above open or close"));
+    CHECK_EQ(complaintAboutRow("2014-05-01T00:00:00Z,1,1,1,1,1"),
+        std::string("X-1m.csv:3: the time is not after the line before"));
+    CHECK_EQ(complaintAboutRow("2014-05-01T00:01:30Z,1,1,1,1,1"),
+        std::string("X-1m.csv:3: the time is not a whole minute"));
+    CHECK_EQ(complaintAboutRow("2014-05-01T00:01:00Z,1,1,1,1"),
+        std::string("X-1m.csv:3: expected 6 columns, found 5"));
+    CHECK_EQ(complaintAboutRow(""), std::string("X-1m.csv:3: expected 6 columns, found 1"));
+    CHECK_EQ(complaint(header + firstRow), std::string("X-1m.csv:2: fewer than two minutes"));
+}
+
+TEST_CASE("times that are no times are refused")
+{
+    for (const char* time : {"2014-05-01 00:01:00Z", "2014-02-30T00:01:00Z", "2014-05-01T24:01:00Z", "",
+             "2014-05-01T00:61:00Z", "2014-05-01T00:01:00", "+014-05-01T00:01:00Z", "2014-05-01T00:-1:00Z"})
+        CHECK_EQ(complaintAboutRow(std::string(time) + ",1,1,1,1,1"),
+            std::string("X-1m.csv:3: the time is not like 2014-05-01T00:00:00Z"));
+}
+
+TEST_CASE("prices that are no plain positive decimals are refused")
+{
+    for (const char* price : {"", "0", "0.000", "-1", "+1", "1e3", "nan", "inf", "1.", ".5", "1.123456789",
+             " 1", "1,2", "12345678", "0x1"})
+        CHECK(complaintAboutRow("2014-05-01T00:01:00Z," + std::string(price) + ",1,1,1,1")
+                  .starts_with("X-1m.csv:3: "));
+    CHECK_EQ(complaintAboutRow("2014-05-01T00:01:00Z,x,1,1,1,1"),
+        std::string("X-1m.csv:3: a price is not a plain decimal above 0"));
+}
+
+TEST_CASE("volumes that are no numbers from 0 are refused")
+{
+    for (const char* volume : {"", "-1", "nan", "inf", "1e300", "5 ", "five"})
+        CHECK_EQ(complaintAboutRow("2014-05-01T00:01:00Z,1,1,1,1," + std::string(volume)),
+            std::string("X-1m.csv:3: the volume is not a number from 0"));
+}
+
+TEST_CASE("an ask below its bid is refused")
+{
+    CHECK_EQ(complaint(askHeader + "2014-05-01T00:00:00Z,2,2,2,2,0,2,2,1,1\n"),
+        std::string("X-1m.csv:2: an ask is below its bid"));
+}
+
+TEST_CASE("another header is refused, an empty file too")
+{
+    const std::string expected
+        = "X-1m.csv:1: the header is not \"time,open,high,low,close,volume\" with or without the ask columns";
+    CHECK_EQ(complaint(""), expected);
+    CHECK_EQ(complaint("time;open;high;low;close;volume\n"), expected);
+    CHECK_EQ(complaint(firstRow + firstRow), expected);
+}
+
+TEST_CASE("a file that is not there is named")
+{
+    std::string text;
+    try {
+        static_cast<void>(readMinuteFile("/nowhere/at/all-1m.csv"));
+    } catch (const MarketDataError& error) {
+        text = error.what();
+    }
+    CHECK_EQ(text, std::string("/nowhere/at/all-1m.csv: cannot be read"));
+}
+
+CHECK_MAIN()
