@@ -1,0 +1,59 @@
+#include "orders/OrderBody.h"
+
+#include <cmath>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+bool isPrice(double value)
+{
+    return value > 0.0 && std::isfinite(value);
+}
+
+} // namespace
+
+QString sideText(OrderSide side)
+{
+    return side == OrderSide::Sell ? u"SELL"_s : u"BUY"_s;
+}
+
+QString orderKind(OrderType type, OrderSide side)
+{
+    switch (type) {
+    case OrderType::Market:
+        return u"MARKET"_s;
+    case OrderType::Limit:
+        return sideText(side) + "_LIMIT"_L1;
+    case OrderType::Stop:
+    case OrderType::StopLimit:
+        break;
+    }
+    return sideText(side) + "_STOP"_L1;
+}
+
+bool lacksTriggerPrice(const OrderTicket& ticket)
+{
+    return ticket.type != OrderType::Market && !isPrice(ticket.triggerPrice);
+}
+
+QJsonObject placeBody(const OrderTicket& ticket)
+{
+    QJsonObject body{
+        {"symbol"_L1, ticket.symbol},
+        {"lotSize"_L1, ticket.lots},
+        {"accountId"_L1, ticket.accountId},
+        {"orderKind"_L1, orderKind(ticket.type, ticket.side)},
+    };
+    if (ticket.type == OrderType::Market)
+        body.insert("type"_L1, sideText(ticket.side));
+    else
+        body.insert("pendingPrice"_L1, ticket.triggerPrice);
+    if (isPrice(ticket.stopLoss))
+        body.insert("stopLoss"_L1, ticket.stopLoss);
+    if (isPrice(ticket.takeProfit))
+        body.insert("takeProfit"_L1, ticket.takeProfit);
+    if (const QString comment = ticket.comment.trimmed(); !comment.isEmpty())
+        body.insert("comment"_L1, comment);
+    return body;
+}

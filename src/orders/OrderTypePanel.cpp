@@ -1,0 +1,67 @@
+#include "orders/OrderTypePanel.h"
+
+#include "orders/OrderIcons.h"
+
+#include <QButtonGroup>
+#include <QPushButton>
+#include <QVBoxLayout>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr auto typeStyle
+    = "QPushButton{ text-align:left; padding:8px 10px; border:none;background:transparent; color:#222; }"
+      "QPushButton:checked{ background:#ffffff; border-left:3px solid #0e639c;font-weight:bold; }"
+      "QPushButton:hover{ background:#e8e8e8; }"_L1;
+
+constexpr auto toolStyle
+    = "QPushButton{ text-align:left; padding:6px 10px; border:none;background:transparent; color:#444; } "
+      "QPushButton:hover{ background:#e8e8e8; }"_L1;
+
+// No button here ever becomes the one that Enter presses.
+QPushButton* addButton(QVBoxLayout* layout, const QString& text, OrderIcon icon, QLatin1StringView style)
+{
+    auto* button = new QPushButton(orderIcon(icon), text);
+    button->setAutoDefault(false);
+    button->setStyleSheet(style);
+    layout->addWidget(button);
+    return button;
+}
+
+} // namespace
+
+OrderTypePanel::OrderTypePanel(QWidget* parent)
+    : QWidget(parent)
+{
+    setFixedWidth(200);
+    setAttribute(Qt::WA_StyledBackground);
+    setStyleSheet("background:#f3f3f3;"_L1);
+    auto* layout = new QVBoxLayout(this);
+    layout->setContentsMargins(8, 12, 8, 12);
+    layout->setSpacing(2);
+
+    auto* types = new QButtonGroup(this);
+    const auto addType = [&](OrderType type, const QString& text, OrderIcon icon) {
+        QPushButton* button = addButton(layout, text, icon, typeStyle);
+        button->setCheckable(true);
+        button->setCursor(Qt::PointingHandCursor);
+        types->addButton(button, int(type));
+        return button;
+    };
+    addType(OrderType::Market, tr("Market Execution"), OrderIcon::Market)->setChecked(true);
+    addType(OrderType::Limit, tr("Limit Order"), OrderIcon::Limit);
+    addType(OrderType::Stop, tr("Stop Order"), OrderIcon::Stop);
+    QPushButton* stopLimit = addType(OrderType::StopLimit, tr("Stop Limit Order"), OrderIcon::StopLimit);
+    stopLimit->setEnabled(false);
+    stopLimit->setToolTip(tr("Not available on this platform"));
+    layout->addStretch();
+
+    addButton(layout, tr("One Click Trading"), OrderIcon::OneClick, toolStyle)->setEnabled(false);
+    addButton(layout, tr("Tick Chart"), OrderIcon::TickChart, toolStyle)->setEnabled(false);
+    addButton(layout, tr("Depth of Market"), OrderIcon::Depth, toolStyle)->setEnabled(false);
+    QPushButton* leave = addButton(layout, tr("Minimize"), OrderIcon::Minimize, toolStyle);
+
+    connect(types, &QButtonGroup::idClicked, this, [this](int id) { Q_EMIT typeChosen(OrderType(id)); });
+    connect(leave, &QPushButton::clicked, this, &OrderTypePanel::leaveRequested);
+}

@@ -1,0 +1,91 @@
+#include "orders/TickChartWidget.h"
+
+#include "app/NumberFormat.h"
+#include "orders/TickChartGeometry.h"
+
+#include <QPainter>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr QColor background(0xff, 0xff, 0xff);
+constexpr QColor gridColor(0xe6, 0xe6, 0xe6);
+constexpr QColor scaleColor(0x66, 0x66, 0x66);
+constexpr QColor askColor(0xdd, 0x33, 0x33);
+constexpr QColor bidColor(0x33, 0x66, 0xcc);
+
+void drawScale(QPainter& painter, const TickChartGeometry& geometry, int digits)
+{
+    for (int i = 0; i < TickChartGeometry::scaleSteps; ++i) {
+        const auto step = geometry.scaleStep(i);
+        painter.setPen(gridColor);
+        painter.drawLine(geometry.plot().x(), step.y, geometry.plotRight(), step.y);
+        painter.setPen(scaleColor);
+        painter.drawText(geometry.scaleLabelBox(step.y), Qt::AlignLeft | Qt::AlignVCenter,
+            formatPrice(step.value, digits));
+    }
+}
+
+void drawSeries(QPainter& painter, const TickChartGeometry& geometry, const QList<double>& values,
+    const QColor& color)
+{
+    painter.setPen(QPen(color, 1.1, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
+    painter.drawLines(geometry.segments(values));
+}
+
+void drawTag(QPainter& painter, const TickChartGeometry& geometry, double value, const QColor& color, int digits)
+{
+    const QRect box = geometry.tagBox(value);
+    painter.fillRect(box, color);
+    painter.setPen(Qt::white);
+    painter.drawText(box, Qt::AlignCenter, formatPrice(value, digits));
+}
+
+} // namespace
+
+TickChartWidget::TickChartWidget(QWidget* parent)
+    : QWidget(parent)
+{
+    setMinimumWidth(200);
+    setAttribute(Qt::WA_StyledBackground);
+    setStyleSheet("background:#ffffff;"_L1);
+}
+
+void TickChartWidget::setDigits(int digits)
+{
+    m_digits = digits;
+}
+
+void TickChartWidget::clear()
+{
+    m_bids.clear();
+    m_asks.clear();
+}
+
+void TickChartWidget::append(double bid, double ask)
+{
+    if (!std::isfinite(bid) || !std::isfinite(ask))
+        return;
+    m_bids.append(bid);
+    m_asks.append(ask);
+    if (m_bids.size() > mostQuotes) {
+        m_bids.removeFirst();
+        m_asks.removeFirst();
+    }
+}
+
+void TickChartWidget::paintEvent(QPaintEvent*)
+{
+    QPainter painter(this);
+    painter.fillRect(rect(), background);
+    const auto geometry = TickChartGeometry::of(size(), m_bids, m_asks);
+    if (!geometry)
+        return;
+    painter.setFont(QFont(u"Segoe UI"_s, 7));
+    drawScale(painter, *geometry, m_digits);
+    drawSeries(painter, *geometry, m_asks, askColor);
+    drawSeries(painter, *geometry, m_bids, bidColor);
+    drawTag(painter, *geometry, m_asks.last(), askColor, m_digits);
+    drawTag(painter, *geometry, m_bids.last(), bidColor, m_digits);
+}

@@ -1,0 +1,37 @@
+#pragma once
+
+#include <QList>
+#include <QWidget>
+
+/// A small live chart: the last few hundred bid and ask quotes as two lines, a price scale and a tag
+/// with the latest value of each.
+class TickChartWidget final : public QWidget {
+    Q_OBJECT
+    Q_DISABLE_COPY_MOVE(TickChartWidget)
+
+public:
+    static constexpr int mostQuotes = 400;
+
+    explicit TickChartWidget(QWidget* parent = nullptr);
+    ~TickChartWidget() override = default;
+
+    /// Decimals of every number drawn.
+    void setDigits(int digits);
+    /// Forgets all quotes. The caller repaints.
+    void clear();
+    /// Adds the newest quote and drops the oldest beyond mostQuotes. A quote that is not finite is
+    /// ignored. The caller repaints.
+    void append(double bid, double ask);
+
+    [[nodiscard]] int digits() const { return m_digits; }
+    [[nodiscard]] const QList<double>& bids() const { return m_bids; }
+    [[nodiscard]] const QList<double>& asks() const { return m_asks; }
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+
+private:
+    QList<double> m_bids; ///< oldest first
+    QList<double> m_asks; ///< in step with the bids
+    int m_digits = 2;
+};
