@@ -53,6 +53,7 @@ void capSize(QNetworkReply* reply)
 
 ApiClient::ApiClient(QObject* parent)
     : QObject(parent)
+    , m_manager(this)
 {
     m_manager.setTransferTimeout(transferTimeoutMs);
     m_manager.setRedirectPolicy(QNetworkRequest::ManualRedirectPolicy);

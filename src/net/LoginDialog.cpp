@@ -32,12 +32,19 @@ LoginDialog::LoginDialog(QWidget* parent)
     , m_loginButton(new QPushButton(tr("Login"), this))
     , m_errorLabel(new QLabel(this))
 {
+    m_email->setObjectName("email"_L1);
+    m_password->setObjectName("password"_L1);
+    m_remember->setObjectName("remember"_L1);
+    m_loginButton->setObjectName("loginButton"_L1);
+    m_errorLabel->setObjectName("errorLabel"_L1);
+
     setWindowTitle(tr("Tavoran Terminal"));
     setWindowIcon(appIcon());
     setModal(true);
     setFixedWidth(dialogWidth);
 
     auto* const banner = new QLabel(this);
+    banner->setObjectName("banner"_L1);
     banner->setPixmap(renderBanner(dialogWidth, bannerHeight));
 
     m_errorLabel->setWordWrap(true);
@@ -78,6 +85,7 @@ QLayout* LoginDialog::buildForm()
 QLayout* LoginDialog::buildButtons()
 {
     auto* const cancel = new QPushButton(tr("Cancel"), this);
+    cancel->setObjectName("cancelButton"_L1);
     cancel->setAutoDefault(false);
     connect(cancel, &QPushButton::clicked, this, &QDialog::reject);
     m_loginButton->setDefault(true);

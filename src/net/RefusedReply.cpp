@@ -5,8 +5,8 @@ RefusedReply::RefusedReply(const QNetworkRequest& request, const QString& reason
 {
     setRequest(request);
     setUrl(request.url());
+    open(QIODevice::ReadOnly); // before the error: opening clears its text
     setError(ProtocolInvalidOperationError, reason);
-    open(QIODevice::ReadOnly);
     QMetaObject::invokeMethod(this, &RefusedReply::finish, Qt::QueuedConnection);
 }
 

@@ -16,11 +16,12 @@ bool isRedirect(int status)
 
 QString networkText(const QNetworkReply& reply, int status)
 {
-    // The toolkit words this case "Unknown error".
+    // Told first: a redirect that asks for the body again fails with the error below.
+    if (isRedirect(status))
+        return QCoreApplication::translate("ReplyOutcome", "The server answered with a redirect");
+    // The request may have been sent; the toolkit words this case "Unknown error".
     if (reply.error() == QNetworkReply::ContentReSendError)
         return QCoreApplication::translate("ReplyOutcome", "Connection closed");
-    if (reply.error() == QNetworkReply::NoError && isRedirect(status))
-        return QCoreApplication::translate("ReplyOutcome", "The server answered with a redirect");
     return reply.errorString();
 }
 
@@ -31,7 +32,7 @@ ReplyOutcome ReplyOutcome::read(QNetworkReply* reply)
     ReplyOutcome outcome;
     outcome.status = reply->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
     outcome.ok = reply->error() == QNetworkReply::NoError && !isRedirect(outcome.status);
-    outcome.document = QJsonDocument::fromJson(reply->readAll());
+    outcome.document = QJsonDocument::fromJson(reply->isOpen() ? reply->readAll() : QByteArray());
     outcome.body = outcome.document.object();
     if (!outcome.ok) {
         const QString message = outcome.body.value("message"_L1).toString();

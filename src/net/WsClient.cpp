@@ -36,12 +36,17 @@ QString feedAddress()
 WsClient::WsClient(QObject* parent)
     : QObject(parent)
     , m_socket(QString(), QWebSocketProtocol::Version13)
+    , m_pingTimer(this)
     , m_retryDelayMs(firstRetryDelayMs)
+    , m_retryTimer(this)
+    , m_attemptTimer(this)
 {
     m_socket.setMaxAllowedIncomingFrameSize(largestMessage);
     m_socket.setMaxAllowedIncomingMessageSize(largestMessage);
+    m_pingTimer.setObjectName("pingTimer"_L1);
     m_pingTimer.setInterval(pingIntervalMs);
     m_retryTimer.setSingleShot(true);
+    m_attemptTimer.setObjectName("attemptTimer"_L1);
     m_attemptTimer.setSingleShot(true);
     m_attemptTimer.setInterval(attemptTimeoutMs);
 

@@ -117,6 +117,11 @@ void StubFeedServer::answerHandshake(QTcpSocket* socket)
         socket->write("HTTP/1.1 401 Unauthorized\r\nContent-Length: 0\r\nConnection: close\r\n\r\n");
         socket->disconnectFromHost();
         break;
+    case Mode::TokenInReason:
+        socket->write("HTTP/1.1 401 No " + m_targets.last().mid(m_targets.last().indexOf('=') + 1)
+            + "\r\nContent-Length: 0\r\n\r\n");
+        socket->disconnectFromHost();
+        break;
     case Mode::RefuseAndKeepOpen:
         socket->write("HTTP/1.1 401 Unauthorized\r\nContent-Length: 0\r\n\r\n");
         break;

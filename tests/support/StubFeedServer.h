@@ -36,6 +36,7 @@ public:
         GarbageAndKeepOpen,  ///< bytes that are not HTTP, kept open
         Silent,              ///< accepted, never answered
         HalfHeader,          ///< the first half of a good answer, then nothing
+        TokenInReason,       ///< like RefuseAndClose, with the request's token in the reason phrase
         CloseAtOnce,         ///< accepted and closed without an answer
     };
 

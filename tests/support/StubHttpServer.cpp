@@ -67,8 +67,13 @@ StubAnswer StubAnswer::html(const QByteArray& body, int status)
 
 StubAnswer StubAnswer::redirect(const QString& location, int status)
 {
-    StubAnswer answer = html("<p>moved</p>", status);
-    answer.headers.append({"Location", location.toUtf8()});
+    return html("<p>moved</p>", status).with("Location", location.toUtf8());
+}
+
+StubAnswer StubAnswer::with(const QByteArray& name, const QByteArray& value) const
+{
+    StubAnswer answer = *this;
+    answer.headers.append(qMakePair(name, value));
     return answer;
 }
 

@@ -33,6 +33,9 @@ struct StubAnswer final {
     [[nodiscard]] static StubAnswer held();
     [[nodiscard]] static StubAnswer closed();
     [[nodiscard]] static StubAnswer dripping(const QByteArray& body);
+
+    /// The same answer with one more header.
+    [[nodiscard]] StubAnswer with(const QByteArray& name, const QByteArray& value) const;
 };
 
 /// One request as it arrived.

@@ -8,11 +8,11 @@
 void usePrivateFolders();
 
 /// Defines main() for one test class: private folders, then the class under a QApplication.
-#define TAVORAN_TEST_MAIN(TestClass)                    \
-    int main(int argc, char** argv)                     \
-    {                                                   \
-        usePrivateFolders();                            \
-        QApplication application(argc, argv);           \
-        TestClass test;                                 \
-        return QTest::qExec(&test, argc, argv);         \
+#define TAVORAN_TEST_MAIN(TestClass)                                                                         \
+    int main(int argc, char** argv)                                                                          \
+    {                                                                                                        \
+        usePrivateFolders();                                                                                 \
+        QApplication application(argc, argv);                                                                \
+        TestClass test;                                                                                      \
+        return QTest::qExec(&test, argc, argv);                                                              \
     }

@@ -1,0 +1,413 @@
+#include "net/ApiClient.h"
+
+#include "app/TerminalSettings.h"
+#include "net/ReplyOutcome.h"
+#include "support/StubHttpServer.h"
+#include "support/TestMain.h"
+
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QNetworkReply>
+#include <optional>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+struct Answer {
+    QJsonDocument document;
+    QString error;
+};
+
+} // namespace
+
+class TestApiClient final : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init();
+    void cleanup();
+
+    void a_read_carries_content_type_and_token_and_returns_the_parsed_body();
+    void without_a_token_no_authorization_is_sent();
+    void a_token_that_could_break_the_header_is_never_sent_data();
+    void a_token_that_could_break_the_header_is_never_sent();
+    void address_and_token_apply_to_the_next_request();
+    void an_address_without_scheme_and_with_a_slash_becomes_https();
+    void state_changing_calls_send_compact_json();
+    void a_delete_has_no_body_and_says_so();
+    void the_query_goes_out_as_encoded_by_the_caller();
+    void http_2_is_off_and_changes_go_first();
+    void requests_are_given_up_after_fifteen_seconds_without_progress();
+
+    void a_failed_read_passes_the_servers_message();
+    void a_failed_read_with_another_body_passes_the_toolkits_text_data();
+    void a_failed_read_with_another_body_passes_the_toolkits_text();
+    void a_success_that_is_not_json_is_a_null_document_without_error_data();
+    void a_success_that_is_not_json_is_a_null_document_without_error();
+    void callbacks_run_in_the_order_of_completion();
+    void every_401_of_a_read_says_unauthorized_before_its_callback();
+    void a_401_of_a_change_is_left_to_its_caller();
+    void cookies_are_neither_kept_nor_sent();
+    void paths_that_reach_elsewhere_are_refused_before_sending_data();
+    void paths_that_reach_elsewhere_are_refused_before_sending();
+    void a_refused_change_finishes_from_the_event_loop_with_an_error();
+
+    void a_callback_is_dropped_with_its_context();
+    void a_callback_is_dropped_with_the_client();
+    void the_client_may_be_deleted_inside_its_callback();
+    void the_client_may_be_deleted_on_unauthorized();
+
+private:
+    Answer read(const QString& path);
+    ReplyOutcome finish(QNetworkReply* reply);
+
+    std::optional<StubHttpServer> m_server;
+    std::optional<ApiClient> m_api;
+};
+
+void TestApiClient::init()
+{
+    m_server.emplace();
+    m_api.emplace();
+    TerminalSettings::instance().setServerUrl(m_server->url());
+    TerminalSettings::instance().setToken(u"token-1234"_s);
+}
+
+void TestApiClient::cleanup()
+{
+    m_api.reset();
+    m_server.reset();
+}
+
+Answer TestApiClient::read(const QString& path)
+{
+    std::optional<Answer> answer;
+    m_api->get(path, [&](const QJsonDocument& document, const QString& error) {
+        answer = {document, error};
+    });
+    if (!QTest::qWaitFor([&] { return answer.has_value(); }))
+        return {{}, u"(no answer)"_s};
+    return *answer;
+}
+
+ReplyOutcome TestApiClient::finish(QNetworkReply* reply)
+{
+    const bool finished = QTest::qWaitFor([&] { return reply->isFinished(); });
+    reply->deleteLater();
+    return finished ? ReplyOutcome::read(reply) : ReplyOutcome{};
+}
+
+void TestApiClient::a_read_carries_content_type_and_token_and_returns_the_parsed_body()
+{
+    m_server->on("GET", "/api/accounts", StubAnswer::json(R"([{"id":"a1"}])"));
+    const Answer answer = read(u"/api/accounts"_s);
+    QCOMPARE(answer.error, QString());
+    QCOMPARE(answer.document.array().at(0).toObject().value(u"id"_s).toString(), u"a1"_s);
+    const StubRequest request = m_server->last("GET", "/api/accounts");
+    QCOMPARE(request.header("Content-Type"), "application/json"_ba);
+    QCOMPARE(request.header("Authorization"), "Bearer token-1234"_ba);
+}
+
+void TestApiClient::without_a_token_no_authorization_is_sent()
+{
+    TerminalSettings::instance().setToken({});
+    m_server->on("GET", "/api/accounts", StubAnswer::json("[]"));
+    QCOMPARE(read(u"/api/accounts"_s).error, QString());
+    QVERIFY(!m_server->last("GET", "/api/accounts").hasHeader("Authorization"));
+}
+
+void TestApiClient::a_token_that_could_break_the_header_is_never_sent_data()
+{
+    QTest::addColumn<QString>("token");
+    QTest::newRow("line break") << u"good\r\nX-Evil: 1"_s;
+    QTest::newRow("control") << u"good\x01"_s;
+    QTest::newRow("beyond ASCII") << u"göod"_s;
+    QTest::newRow("delete") << u"good\x7f"_s;
+}
+
+void TestApiClient::a_token_that_could_break_the_header_is_never_sent()
+{
+    QFETCH(const QString, token);
+    TerminalSettings::instance().setToken(token);
+    m_server->on("GET", "/api/accounts", StubAnswer::json("[]"));
+    QCOMPARE(read(u"/api/accounts"_s).error, QString());
+    const StubRequest request = m_server->last("GET", "/api/accounts");
+    QVERIFY(!request.hasHeader("Authorization"));
+    QVERIFY(!request.hasHeader("X-Evil"));
+}
+
+void TestApiClient::address_and_token_apply_to_the_next_request()
+{
+    StubHttpServer other;
+    other.on("GET", "/x", StubAnswer::json("{}"));
+    m_server->on("GET", "/x", StubAnswer::json("{}"));
+    read(u"/x"_s);
+    TerminalSettings::instance().setServerUrl(other.url() + u"//"_s);
+    TerminalSettings::instance().setToken(u"token-5678"_s);
+    read(u"/x"_s);
+    QCOMPARE(m_server->count("GET", "/x"), 1);
+    QCOMPARE(other.count("GET", "/x"), 1);
+    QCOMPARE(other.last("GET", "/x").header("Authorization"), "Bearer token-5678"_ba);
+}
+
+void TestApiClient::an_address_without_scheme_and_with_a_slash_becomes_https()
+{
+    TerminalSettings::instance().setServerUrl(u" 127.0.0.1:1/ "_s);
+    QNetworkReply* reply = m_api->del(u"/api/drawings/7"_s);
+    QCOMPARE(reply->request().url(), QUrl(u"https://127.0.0.1:1/api/drawings/7"_s));
+    QVERIFY(!finish(reply).ok);
+}
+
+void TestApiClient::state_changing_calls_send_compact_json()
+{
+    const QJsonObject body{{u"symbol"_s, u"EURUSD"_s}, {u"lotSize"_s, 0.1}};
+    m_server->on("POST", "/api/trades/place", StubAnswer::json(R"({"id":"t1"})"));
+    m_server->on("PUT", "/api/trades/modify/t1", StubAnswer::json("{}"));
+    const ReplyOutcome placed = finish(m_api->post(u"/api/trades/place"_s, body));
+    QVERIFY(placed.ok);
+    QCOMPARE(placed.status, 200);
+    QCOMPARE(placed.body.value(u"id"_s).toString(), u"t1"_s);
+    QVERIFY(finish(m_api->put(u"/api/trades/modify/t1"_s, body)).ok);
+    for (const StubRequest& request : m_server->requests()) {
+        QCOMPARE(request.body, R"({"lotSize":0.1,"symbol":"EURUSD"})"_ba);
+        QCOMPARE(request.header("Content-Length"), QByteArray::number(request.body.size()));
+        QCOMPARE(request.header("Content-Type"), "application/json"_ba);
+        QCOMPARE(request.header("Authorization"), "Bearer token-1234"_ba);
+    }
+    QCOMPARE(m_server->requests().size(), 2);
+}
+
+void TestApiClient::a_delete_has_no_body_and_says_so()
+{
+    m_server->on("DELETE", "/api/drawings/7", StubAnswer::json("{}"));
+    QVERIFY(finish(m_api->del(u"/api/drawings/7"_s)).ok);
+    const StubRequest request = m_server->last("DELETE", "/api/drawings/7");
+    QCOMPARE(request.header("Content-Length"), "0"_ba);
+    QCOMPARE(request.header("Content-Type"), "application/json"_ba);
+    QVERIFY(!request.hasHeader("Transfer-Encoding"));
+}
+
+void TestApiClient::the_query_goes_out_as_encoded_by_the_caller()
+{
+    m_server->on("GET", "/api/candles", StubAnswer::json("[]"));
+    QCOMPARE(read(u"/api/candles?symbol=A%2BB%26C%20D&timeframe=1m"_s).error, QString());
+    QCOMPARE(m_server->requests().at(0).target, "/api/candles?symbol=A%2BB%26C%20D&timeframe=1m"_ba);
+}
+
+void TestApiClient::http_2_is_off_and_changes_go_first()
+{
+    m_server->on("POST", "/x", StubAnswer::json("{}"));
+    QNetworkReply* reply = m_api->post(u"/x"_s, {});
+    QCOMPARE(reply->request().attribute(QNetworkRequest::Http2AllowedAttribute), QVariant(false));
+    QCOMPARE(reply->request().priority(), QNetworkRequest::HighPriority);
+    QVERIFY(finish(reply).ok);
+}
+
+void TestApiClient::requests_are_given_up_after_fifteen_seconds_without_progress()
+{
+    auto* manager = m_api->findChild<QNetworkAccessManager*>();
+    QVERIFY(manager);
+    QCOMPARE(manager->transferTimeout(), 15000);
+    manager->setTransferTimeout(50);
+    m_server->on("GET", "/slow", StubAnswer::held());
+    const Answer answer = read(u"/slow"_s);
+    QVERIFY(answer.document.isNull());
+    QCOMPARE(answer.error, u"Operation canceled"_s);
+}
+
+void TestApiClient::a_failed_read_passes_the_servers_message()
+{
+    m_server->on("GET", "/x", StubAnswer::message(u"<b>No</b> %1 such"_s, 403));
+    const Answer answer = read(u"/x"_s);
+    QVERIFY(answer.document.isNull());
+    QCOMPARE(answer.error, u"<b>No</b> %1 such"_s);
+}
+
+void TestApiClient::a_failed_read_with_another_body_passes_the_toolkits_text_data()
+{
+    QTest::addColumn<QByteArray>("body");
+    QTest::newRow("html") << "<html><body>Bad gateway</body></html>"_ba;
+    QTest::newRow("empty") << QByteArray();
+    QTest::newRow("message is a number") << R"({"message":5})"_ba;
+    QTest::newRow("message is empty") << R"({"message":""})"_ba;
+    QTest::newRow("array") << R"(["message"])"_ba;
+    QTest::newRow("number out of range") << R"({"message":"x","n":1e999})"_ba;
+}
+
+void TestApiClient::a_failed_read_with_another_body_passes_the_toolkits_text()
+{
+    QFETCH(const QByteArray, body);
+    m_server->on("GET", "/x", StubAnswer::html(body, 502));
+    const Answer answer = read(u"/x"_s);
+    QVERIFY(answer.document.isNull());
+    QVERIFY2(answer.error.contains(u"server replied: Stub"_s), qPrintable(answer.error));
+    QVERIFY(!answer.error.contains(u"token-1234"_s));
+}
+
+void TestApiClient::a_success_that_is_not_json_is_a_null_document_without_error_data()
+{
+    QTest::addColumn<QByteArray>("body");
+    QTest::newRow("html") << "<html></html>"_ba;
+    QTest::newRow("empty") << QByteArray();
+    QTest::newRow("cut short") << R"([{"id":"a1"},)"_ba;
+    QTest::newRow("number out of range") << R"([{"balance":1e999}])"_ba;
+    QTest::newRow("bare number") << "5"_ba;
+    QTest::newRow("too deep") << QByteArray(2000, '[') + QByteArray(2000, ']');
+}
+
+void TestApiClient::a_success_that_is_not_json_is_a_null_document_without_error()
+{
+    QFETCH(const QByteArray, body);
+    m_server->on("GET", "/x", StubAnswer::html(body, 200));
+    const Answer answer = read(u"/x"_s);
+    QVERIFY(answer.document.isNull());
+    QCOMPARE(answer.error, QString());
+}
+
+void TestApiClient::callbacks_run_in_the_order_of_completion()
+{
+    m_server->on("GET", "/first", StubAnswer::held());
+    m_server->on("GET", "/second", StubAnswer::json("[]"));
+    QStringList order;
+    m_api->get(u"/first"_s, [&](const QJsonDocument&, const QString&) { order.append(u"first"_s); });
+    m_api->get(u"/second"_s, [&](const QJsonDocument&, const QString&) { order.append(u"second"_s); });
+    QTRY_COMPARE(order.size(), 1);
+    QTRY_VERIFY(m_server->heldCount() > 0);
+    m_server->release(StubAnswer::json("[]"));
+    QTRY_COMPARE(order, QStringList({u"second"_s, u"first"_s}));
+}
+
+void TestApiClient::every_401_of_a_read_says_unauthorized_before_its_callback()
+{
+    m_server->on("GET", "/x", StubAnswer::message(u"Token expired"_s, 401));
+    QStringList events;
+    connect(&*m_api, &ApiClient::unauthorized, this, [&] { events.append(u"unauthorized"_s); });
+    for (int i = 0; i < 2; ++i) {
+        const qsizetype before = events.size();
+        m_api->get(u"/x"_s, [&](const QJsonDocument&, const QString& error) { events.append(error); });
+        QTRY_COMPARE(events.size(), before + 2);
+    }
+    QCOMPARE(
+        events, QStringList({u"unauthorized"_s, u"Token expired"_s, u"unauthorized"_s, u"Token expired"_s}));
+}
+
+void TestApiClient::a_401_of_a_change_is_left_to_its_caller()
+{
+    const StubAnswer challenge
+        = StubAnswer::message(u"Token expired"_s, 401).with("WWW-Authenticate", "Basic realm=\"x\"");
+    m_server->on("POST", "/x", challenge);
+    m_server->on("PUT", "/x", challenge);
+    m_server->on("DELETE", "/x", challenge);
+    const QSignalSpy unauthorized(&*m_api, &ApiClient::unauthorized);
+    for (QNetworkReply* reply : {m_api->post(u"/x"_s, {}), m_api->put(u"/x"_s, {}), m_api->del(u"/x"_s)}) {
+        const ReplyOutcome outcome = finish(reply);
+        QVERIFY(!outcome.ok);
+        QCOMPARE(outcome.status, 401);
+        QCOMPARE(outcome.error, u"Token expired"_s);
+    }
+    QCOMPARE(unauthorized.size(), 0);
+    QCOMPARE(m_server->requests().size(), 3);
+}
+
+void TestApiClient::cookies_are_neither_kept_nor_sent()
+{
+    m_server->on("GET", "/x", StubAnswer::json("[]").with("Set-Cookie", "session=1; Path=/"));
+    read(u"/x"_s);
+    read(u"/x"_s);
+    QCOMPARE(m_server->count("GET", "/x"), 2);
+    QVERIFY(!m_server->last("GET", "/x").hasHeader("Cookie"));
+}
+
+void TestApiClient::paths_that_reach_elsewhere_are_refused_before_sending_data()
+{
+    QTest::addColumn<QString>("path");
+    QTest::newRow("another host") << u"@%1/x"_s;
+    QTest::newRow("another port") << u"0/x"_s;
+    QTest::newRow("parent") << u"/api/trades/close/.."_s;
+    QTest::newRow("encoded parent") << u"/api/trades/close/%2e%2e"_s;
+    QTest::newRow("mixed parent") << u"/api/trades/close/.%2E/place"_s;
+    QTest::newRow("empty") << QString();
+}
+
+void TestApiClient::paths_that_reach_elsewhere_are_refused_before_sending()
+{
+    StubHttpServer other;
+    QFETCH(QString, path);
+    path.replace(u"%1"_s, other.url().mid(7));
+    const Answer answer = read(path);
+    QCOMPARE(answer.error, u"The request address is not valid"_s);
+    QVERIFY(answer.document.isNull());
+    QCOMPARE(m_server->requests().size(), 0);
+    QCOMPARE(other.requests().size(), 0);
+}
+
+void TestApiClient::a_refused_change_finishes_from_the_event_loop_with_an_error()
+{
+    QNetworkReply* reply = m_api->post(u"/api/trades/close/%2e%2e"_s, {});
+    const QSignalSpy finished(reply, &QNetworkReply::finished);
+    QVERIFY(!reply->isFinished());
+    const ReplyOutcome outcome = finish(reply);
+    QCOMPARE(finished.size(), 1);
+    QVERIFY(!outcome.ok);
+    QCOMPARE(outcome.status, 0);
+    QCOMPARE(outcome.error, u"The request address is not valid"_s);
+    QCOMPARE(m_server->requests().size(), 0);
+}
+
+void TestApiClient::a_callback_is_dropped_with_its_context()
+{
+    m_server->on("GET", "/x", StubAnswer::held());
+    const QSignalSpy unauthorized(&*m_api, &ApiClient::unauthorized);
+    int calls = 0;
+    auto context = std::make_unique<QObject>();
+    m_api->get(u"/x"_s, context.get(), [&](const QJsonDocument&, const QString&) { ++calls; });
+    QTRY_COMPARE(m_server->heldCount(), 1);
+    context.reset();
+    m_server->release(StubAnswer::message(u"no"_s, 401));
+    QTRY_COMPARE(unauthorized.size(), 1);
+    QCOMPARE(calls, 0);
+}
+
+void TestApiClient::a_callback_is_dropped_with_the_client()
+{
+    m_server->on("GET", "/x", StubAnswer::held());
+    int calls = 0;
+    m_api->get(u"/x"_s, [&](const QJsonDocument&, const QString&) { ++calls; });
+    m_api->get(u"/x"_s, this, [&](const QJsonDocument&, const QString&) { ++calls; });
+    QTRY_COMPARE(m_server->heldCount(), 2);
+    m_api.reset();
+    QTRY_COMPARE(m_server->heldCount(), 0);
+    QCOMPARE(calls, 0);
+}
+
+void TestApiClient::the_client_may_be_deleted_inside_its_callback()
+{
+    m_server->on("GET", "/x", StubAnswer::json("[]"));
+    auto* client = new ApiClient;
+    bool called = false;
+    client->get(u"/x"_s, [&called, client](const QJsonDocument&, const QString&) {
+        delete client;
+        called = true;
+    });
+    QTRY_VERIFY(called);
+    QCOMPARE(read(u"/x"_s).error, QString());
+}
+
+void TestApiClient::the_client_may_be_deleted_on_unauthorized()
+{
+    m_server->on("GET", "/x", StubAnswer::message(u"no"_s, 401));
+    auto* client = new ApiClient;
+    bool called = false;
+    bool unauthorized = false;
+    connect(client, &ApiClient::unauthorized, this, [&] {
+        delete client;
+        unauthorized = true;
+    });
+    client->get(u"/x"_s, [&](const QJsonDocument&, const QString&) { called = true; });
+    QTRY_VERIFY(unauthorized);
+    QVERIFY(!called);
+}
+
+TAVORAN_TEST_MAIN(TestApiClient)
+#include "tst_ApiClient.moc"

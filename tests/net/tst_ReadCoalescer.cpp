@@ -1,0 +1,143 @@
+#include "net/ReadCoalescer.h"
+
+#include "app/TerminalSettings.h"
+#include "support/StubHttpServer.h"
+#include "support/TestMain.h"
+
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <optional>
+
+using namespace Qt::StringLiterals;
+
+class TestReadCoalescer final : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init();
+    void the_same_read_in_flight_is_not_sent_twice_and_fresh_data_follows();
+    void of_those_waiting_only_the_last_one_is_called();
+    void reads_of_different_paths_do_not_wait_for_each_other();
+    void a_failed_read_lets_the_next_one_through();
+    void a_refresh_from_inside_the_callback_waits_its_turn();
+    void callbacks_die_with_the_coalescer();
+    void the_coalescer_may_be_deleted_inside_a_callback();
+
+private:
+    ReplyCallback note(const QString& name)
+    {
+        return [this, name](const QJsonDocument& document, const QString& error) {
+            m_calls.append(
+                name + u':' + (error.isEmpty() ? QString::number(document.array().at(0).toInt()) : error));
+        };
+    }
+
+    std::optional<StubHttpServer> m_server;
+    std::optional<ApiClient> m_api;
+    QStringList m_calls;
+};
+
+void TestReadCoalescer::init()
+{
+    m_api.reset();
+    m_server.emplace();
+    m_api.emplace();
+    m_calls.clear();
+    TerminalSettings::instance().setServerUrl(m_server->url());
+    m_server->on("GET", "/x", StubAnswer::held());
+    m_server->on("GET", "/y", StubAnswer::held());
+}
+
+void TestReadCoalescer::the_same_read_in_flight_is_not_sent_twice_and_fresh_data_follows()
+{
+    ReadCoalescer reads(*m_api);
+    reads.refresh(u"/x"_s, note(u"a"_s));
+    QTRY_COMPARE(m_server->heldCount(), 1);
+    reads.refresh(u"/x"_s, note(u"b"_s));
+    m_server->release(StubAnswer::json("[1]"));
+    QTRY_COMPARE(m_calls, QStringList({u"a:1"_s}));
+    QTRY_COMPARE(m_server->heldCount(), 1);
+    QCOMPARE(m_server->count("GET", "/x"), 2);
+    m_server->release(StubAnswer::json("[2]"));
+    QTRY_COMPARE(m_calls, QStringList({u"a:1"_s, u"b:2"_s}));
+    QCOMPARE(m_server->count("GET", "/x"), 2);
+}
+
+void TestReadCoalescer::of_those_waiting_only_the_last_one_is_called()
+{
+    ReadCoalescer reads(*m_api);
+    for (const QChar name : u"abcd"_s)
+        reads.refresh(u"/x"_s, note(QString(name)));
+    QTRY_VERIFY(m_server->heldCount() > 0);
+    m_server->release(StubAnswer::json("[1]"));
+    QTRY_VERIFY(m_server->heldCount() > 0);
+    m_server->release(StubAnswer::json("[2]"));
+    QTRY_COMPARE(m_calls, QStringList({u"a:1"_s, u"d:2"_s}));
+    QCOMPARE(m_server->count("GET", "/x"), 2);
+}
+
+void TestReadCoalescer::reads_of_different_paths_do_not_wait_for_each_other()
+{
+    ReadCoalescer reads(*m_api);
+    reads.refresh(u"/x"_s, note(u"x"_s));
+    reads.refresh(u"/y"_s, note(u"y"_s));
+    QTRY_COMPARE(m_server->heldCount(), 2);
+    m_server->release(StubAnswer::json("[1]"), "/y");
+    QTRY_COMPARE(m_calls, QStringList({u"y:1"_s}));
+}
+
+void TestReadCoalescer::a_failed_read_lets_the_next_one_through()
+{
+    ReadCoalescer reads(*m_api);
+    reads.refresh(u"/x"_s, note(u"a"_s));
+    reads.refresh(u"/x"_s, note(u"b"_s));
+    QTRY_VERIFY(m_server->heldCount() > 0);
+    m_server->release(StubAnswer::message(u"down"_s, 503));
+    QTRY_VERIFY(m_server->heldCount() > 0);
+    m_server->release(StubAnswer::json("[2]"));
+    QTRY_COMPARE(m_calls, QStringList({u"a:down"_s, u"b:2"_s}));
+}
+
+void TestReadCoalescer::a_refresh_from_inside_the_callback_waits_its_turn()
+{
+    ReadCoalescer reads(*m_api);
+    reads.refresh(
+        u"/x"_s, [&](const QJsonDocument&, const QString&) { reads.refresh(u"/x"_s, note(u"b"_s)); });
+    QTRY_VERIFY(m_server->heldCount() > 0);
+    m_server->release(StubAnswer::json("[1]"));
+    QTRY_VERIFY(m_server->heldCount() > 0);
+    m_server->release(StubAnswer::json("[2]"));
+    QTRY_COMPARE(m_calls, QStringList({u"b:2"_s}));
+    QCOMPARE(m_server->count("GET", "/x"), 2);
+}
+
+void TestReadCoalescer::callbacks_die_with_the_coalescer()
+{
+    auto reads = std::make_unique<ReadCoalescer>(*m_api);
+    reads->refresh(u"/x"_s, note(u"a"_s));
+    reads->refresh(u"/x"_s, note(u"b"_s));
+    QTRY_COMPARE(m_server->heldCount(), 1);
+    reads.reset();
+    m_server->release(StubAnswer::message(u"no"_s, 401));
+    QSignalSpy unauthorized(&*m_api, &ApiClient::unauthorized);
+    QVERIFY(unauthorized.wait());
+    QCOMPARE(m_calls, QStringList());
+}
+
+void TestReadCoalescer::the_coalescer_may_be_deleted_inside_a_callback()
+{
+    auto* reads = new ReadCoalescer(*m_api);
+    bool called = false;
+    reads->refresh(u"/x"_s, [&](const QJsonDocument&, const QString&) {
+        delete reads;
+        called = true;
+    });
+    reads->refresh(u"/x"_s, note(u"b"_s));
+    QTRY_VERIFY(m_server->heldCount() > 0);
+    m_server->release(StubAnswer::json("[1]"));
+    QTRY_VERIFY(called);
+    QCOMPARE(m_calls, QStringList());
+}
+
+TAVORAN_TEST_MAIN(TestReadCoalescer)
+#include "tst_ReadCoalescer.moc"

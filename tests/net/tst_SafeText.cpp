@@ -1,0 +1,53 @@
+#include "net/SafeText.h"
+
+#include "app/TerminalSettings.h"
+#include "support/TestMain.h"
+
+using namespace Qt::StringLiterals;
+
+class TestSafeText final : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void cleanup() { TerminalSettings::instance().setToken({}); }
+    void leaves_ordinary_text_alone();
+    void hides_the_token_plain_and_percent_encoded();
+    void hides_a_token_that_the_cut_would_split();
+    void cuts_endless_text();
+    void does_not_look_for_tokens_shorter_than_four_characters();
+};
+
+void TestSafeText::leaves_ordinary_text_alone()
+{
+    TerminalSettings::instance().setToken(u"secret-token"_s);
+    QCOMPARE(safeText(u"<b>%1</b>\nbad"_s), u"<b>%1</b>\nbad"_s);
+}
+
+void TestSafeText::hides_the_token_plain_and_percent_encoded()
+{
+    TerminalSettings::instance().setToken(u"se+cret/t"_s);
+    QCOMPARE(
+        safeText(u"got se+cret/t and se%2Bcret%2Ft and se%2bcret%2ft."_s), u"got *** and *** and ***."_s);
+}
+
+void TestSafeText::hides_a_token_that_the_cut_would_split()
+{
+    TerminalSettings::instance().setToken(u"secret-token"_s);
+    const QString text = safeText(QString(4090, u'x') + u"secret-token"_s);
+    QVERIFY(!text.contains(u"sec"_s));
+}
+
+void TestSafeText::cuts_endless_text()
+{
+    QCOMPARE(safeText(QString(5'000'000, u'x')), QString(4096, u'x') + u'…');
+    QCOMPARE(safeText(QString(4096, u'x')), QString(4096, u'x'));
+}
+
+void TestSafeText::does_not_look_for_tokens_shorter_than_four_characters()
+{
+    TerminalSettings::instance().setToken(u"e"_s);
+    QCOMPARE(safeText(u"Connection refused"_s), u"Connection refused"_s);
+}
+
+TAVORAN_TEST_MAIN(TestSafeText)
+#include "tst_SafeText.moc"
