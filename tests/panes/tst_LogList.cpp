@@ -1,0 +1,169 @@
+#include "panes/LogList.h"
+#include "support/TestMain.h"
+
+#include <QScrollBar>
+
+#include <malloc.h>
+
+using namespace Qt::StringLiterals;
+
+class TestLogList final : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void showsTimeSourceAndMessage();
+    void coarseClockShowsNoMilliseconds();
+    void messagesStayOnOneLine();
+    void newestRowIsInSightAfterTheTurn();
+    void scrollsBackToTheNewestRow();
+    void rowsAddedWhileHiddenAreInSightWhenShown();
+    void manyRowsInOneTurnAreLaidOutOnce();
+    void aRowTakesLittleMemory();
+};
+
+namespace {
+
+QString newestText(const LogList& list)
+{
+    return list.topLevelItem(list.topLevelItemCount() - 1)->text(2);
+}
+
+bool newestIsInSight(LogList& list)
+{
+    const QModelIndex newest = list.model()->index(list.topLevelItemCount() - 1, 0);
+    const QRect row = list.visualRect(newest);
+    return row.isValid() && list.viewport()->rect().contains(row.center());
+}
+
+// Counts how often the whole list is laid out: each layout asks the delegate for the one row height.
+class CountingDelegate final : public QStyledItemDelegate {
+public:
+    using QStyledItemDelegate::QStyledItemDelegate;
+    QSize sizeHint(const QStyleOptionViewItem& option, const QModelIndex& index) const override
+    {
+        ++m_asked;
+        return QStyledItemDelegate::sizeHint(option, index);
+    }
+    mutable int m_asked = 0;
+};
+
+} // namespace
+
+void TestLogList::showsTimeSourceAndMessage()
+{
+    LogList list(LogList::Clock::Milliseconds);
+    const QDateTime before = QDateTime::currentDateTime();
+    list.append(u"Trade"_s, u"Order placed"_s);
+    const QDateTime after = QDateTime::currentDateTime();
+    QCOMPARE(list.topLevelItemCount(), 1);
+    const QTreeWidgetItem* row = list.topLevelItem(0);
+    const QDateTime shown = QDateTime::fromString(row->text(0), u"yyyy.MM.dd HH:mm:ss.zzz"_s);
+    QVERIFY(shown.isValid());
+    QVERIFY(shown >= before && shown <= after);
+    QCOMPARE(row->text(1), u"Trade"_s);
+    QCOMPARE(row->text(2), u"Order placed"_s);
+    QCOMPARE(list.columnWidth(0), 140);
+    QCOMPARE(list.columnWidth(1), 110);
+}
+
+void TestLogList::coarseClockShowsNoMilliseconds()
+{
+    LogList list(LogList::Clock::Seconds);
+    list.append(u"a"_s, u"b"_s);
+    QVERIFY(QDateTime::fromString(list.topLevelItem(0)->text(0), u"yyyy.MM.dd HH:mm:ss"_s).isValid());
+}
+
+void TestLogList::messagesStayOnOneLine()
+{
+    LogList list(LogList::Clock::Seconds);
+    list.append(u"So\nurce"_s, u"one\r\ntwo\u2028<b>three</b>"_s);
+    QCOMPARE(list.topLevelItem(0)->text(1), u"So urce"_s);
+    QCOMPARE(list.topLevelItem(0)->text(2), u"one  two <b>three</b>"_s);
+}
+
+void TestLogList::newestRowIsInSightAfterTheTurn()
+{
+    LogList list(LogList::Clock::Seconds);
+    list.resize(400, 120);
+    list.show();
+    for (int i = 0; i < 200; ++i)
+        list.append(u"s"_s, QString::number(i));
+    QTRY_VERIFY(newestIsInSight(list));
+    list.append(u"s"_s, u"one more"_s);
+    QTRY_VERIFY(newestIsInSight(list));
+    QCOMPARE(newestText(list), u"one more"_s);
+}
+
+void TestLogList::scrollsBackToTheNewestRow()
+{
+    LogList list(LogList::Clock::Seconds);
+    list.resize(400, 120);
+    list.show();
+    for (int i = 0; i < 200; ++i)
+        list.append(u"s"_s, QString::number(i));
+    QTRY_VERIFY(newestIsInSight(list));
+    list.scrollToTop();
+    QVERIFY(!newestIsInSight(list));
+    list.append(u"s"_s, u"news"_s);
+    QTRY_VERIFY(newestIsInSight(list));
+}
+
+void TestLogList::rowsAddedWhileHiddenAreInSightWhenShown()
+{
+    LogList list(LogList::Clock::Seconds);
+    list.resize(400, 120);
+    for (int i = 0; i < 200; ++i)
+        list.append(u"s"_s, QString::number(i));
+    list.show();
+    QTRY_VERIFY(newestIsInSight(list));
+    list.hide();
+    for (int i = 0; i < 200; ++i)
+        list.append(u"s"_s, QString::number(i));
+    list.show();
+    QTRY_VERIFY(newestIsInSight(list));
+    QCOMPARE(list.topLevelItemCount(), 400);
+}
+
+void TestLogList::manyRowsInOneTurnAreLaidOutOnce()
+{
+    LogList list(LogList::Clock::Seconds);
+    auto* delegate = new CountingDelegate(&list);
+    list.setItemDelegate(delegate);
+    list.resize(400, 120);
+    list.show();
+    list.append(u"s"_s, u"first"_s);
+    QTRY_VERIFY(newestIsInSight(list));
+    delegate->m_asked = 0;
+    list.append(u"s"_s, u"second"_s);
+    QTRY_VERIFY(newestIsInSight(list));
+    const int once = delegate->m_asked;
+    QVERIFY(once > 0);
+    delegate->m_asked = 0;
+    for (int i = 0; i < 1000; ++i)
+        list.append(u"s"_s, u"more"_s);
+    QTRY_VERIFY(newestIsInSight(list));
+    QVERIFY2(delegate->m_asked < 50 * once, QByteArray::number(delegate->m_asked).constData());
+}
+
+void TestLogList::aRowTakesLittleMemory()
+{
+#ifdef __SANITIZE_ADDRESS__
+    QSKIP("the sanitizer replaces the allocator that is measured here");
+#endif
+    constexpr int rows = 20000;
+    LogList list(LogList::Clock::Milliseconds);
+    list.resize(400, 120);
+    list.show();
+    list.append(u"Trade"_s, u"warm up"_s);
+    QTRY_VERIFY(newestIsInSight(list));
+    const size_t before = mallinfo2().uordblks;
+    for (int i = 0; i < rows; ++i)
+        list.append(u"Trade"_s, u"Order placed: buy 0.10 EURUSD at 1.07123, number %1"_s.arg(i));
+    QTRY_VERIFY(newestIsInSight(list));
+    const size_t each = (mallinfo2().uordblks - before) / rows;
+    QVERIFY2(each <= 700, QByteArray::number(qulonglong(each)).constData());
+    QVERIFY(each > 100);
+}
+
+TAVORAN_TEST_MAIN(TestLogList)
+#include "tst_LogList.moc"
