@@ -25,7 +25,7 @@ QValidator::State DecimalSpinBox::validate(QString& input, int& /*position*/) co
         }
         commasToPoints(number);
     }
-    return decimalState(number.trimmed(), minimum(), maximum(), decimals());
+    return decimalState(number, minimum(), maximum(), decimals());
 }
 
 double DecimalSpinBox::valueFromText(const QString& text) const

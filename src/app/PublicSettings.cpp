@@ -35,8 +35,8 @@ void waitFor(QNetworkReply& reply, int milliseconds)
     QObject::connect(&reply, &QNetworkReply::finished, &loop, &QEventLoop::quit);
     // The transfer time-out of a request starts anew with each byte.
     QTimer::singleShot(milliseconds, &loop, [&reply] { reply.abort(); });
-    QObject::connect(&reply, &QNetworkReply::downloadProgress, &loop, [&reply](qint64 received) {
-        if (received > mostBytes)
+    QObject::connect(&reply, &QNetworkReply::readyRead, &loop, [&reply] {
+        if (reply.bytesAvailable() > mostBytes)
             reply.abort();
     });
     if (!reply.isFinished())

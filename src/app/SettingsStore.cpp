@@ -28,12 +28,21 @@ std::optional<QByteArray> contentOf(const QString& path)
     return file.readAll();
 }
 
+/// The toolkit's parser takes nearly anything. What it writes itself holds no control characters,
+/// and a store that is not empty holds at least one "key=value".
+bool looksWritten(const QByteArray& content)
+{
+    const auto isForeign = [](char c) {
+        const auto code = static_cast<unsigned char>(c);
+        return (code < 0x20 && c != '\n' && c != '\r' && c != '\t') || code == 0x7f;
+    };
+    return content.contains('=') && std::none_of(content.cbegin(), content.cend(), isForeign);
+}
+
 /// Parses `content` as the toolkit would and hands the result to `look`; false when it is damaged.
 /// The toolkit parses files only, hence the short-lived private one in `folder`.
 template <typename Look> bool parsed(const QByteArray& content, const QString& folder, Look look)
 {
-    if (content.contains('\0'))
-        return false;
     QTemporaryFile file(folder + "/Terminal.check.XXXXXX"_L1);
     if (!file.open() || file.write(content) != content.size() || !file.flush())
         return false;
@@ -43,7 +52,7 @@ template <typename Look> bool parsed(const QByteArray& content, const QString& f
 
 bool isSound(const QByteArray& content, const QString& folder)
 {
-    return !content.isEmpty() && parsed(content, folder, [](const QSettings&) { return true; });
+    return looksWritten(content) && parsed(content, folder, [](const QSettings&) { return true; });
 }
 
 QString notice(const char* text)

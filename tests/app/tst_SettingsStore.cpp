@@ -1,0 +1,253 @@
+#include "app/SettingsStore.h"
+#include "support/TestMain.h"
+
+#include <csignal>
+#include <sys/resource.h>
+#include <sys/stat.h>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+int modeOf(const QString& path)
+{
+    struct stat status = {};
+    return ::stat(QFile::encodeName(path).constData(), &status) == 0 ? static_cast<int>(status.st_mode & 0777)
+                                                                     : -1;
+}
+
+QByteArray contentOf(const QString& path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("unreadable");
+}
+
+void write(const QString& path, const QByteArray& bytes)
+{
+    QFile file(path);
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    QCOMPARE(file.write(bytes), bytes.size());
+}
+
+} // namespace
+
+class TestSettingsStore : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init()
+    {
+        ::umask(022);
+        m_root = std::make_unique<QTemporaryDir>();
+        m_path = m_root->filePath(u"config/Tavoran/Terminal.conf"_s);
+    }
+
+    void theUsersStoreIsTheOneOfOrganisationAndApplication()
+    {
+        QCOMPARE(SettingsStore::userFilePath(), QSettings(u"Tavoran"_s, u"Terminal"_s).fileName());
+        QVERIFY(SettingsStore::userFilePath().endsWith("/Tavoran/Terminal.conf"_L1));
+    }
+
+    void theFileIsPrivateBeforeTheFirstWrite()
+    {
+        const SettingsStore store(m_path);
+        QCOMPARE(modeOf(m_path), 0600);
+        QCOMPARE(modeOf(QFileInfo(m_path).path()), 0700);
+        QCOMPARE(contentOf(m_path), "");
+    }
+
+    void theFileAndItsCopyStayPrivateAfterWrites()
+    {
+        SettingsStore store(m_path);
+        store.setValue("auth/token"_L1, u"secret"_s);
+        QVERIFY(store.sync());
+        QCOMPARE(modeOf(m_path), 0600);
+        QCOMPARE(modeOf(store.copyPath()), 0600);
+        QVERIFY(contentOf(m_path).contains("token=secret"));
+    }
+
+    void aReadableFileOfAnOlderRunIsTightened()
+    {
+        QVERIFY(QDir().mkpath(QFileInfo(m_path).path()));
+        write(m_path, "[ui]\ntheme=dark\n");
+        QCOMPARE(modeOf(m_path), 0644);
+        const SettingsStore store(m_path);
+        QCOMPARE(modeOf(m_path), 0600);
+        QCOMPARE(store.value("ui/theme"_L1).toString(), u"dark"_s);
+    }
+
+    void aFirstStartHasNothingToTell()
+    {
+        SettingsStore store(m_path);
+        QCOMPARE(store.takeNotices(), QStringList());
+        SettingsStore again(m_path);
+        QCOMPARE(again.takeNotices(), QStringList());
+    }
+
+    void everySyncRenewsTheCopy()
+    {
+        SettingsStore store(m_path);
+        store.setValue("ui/theme"_L1, u"dark"_s);
+        QVERIFY(store.sync());
+        QCOMPARE(contentOf(store.copyPath()), contentOf(m_path));
+        store.remove("ui/theme"_L1);
+        store.setValue("alerts"_L1, u"[1]"_s);
+        QVERIFY(store.sync());
+        QCOMPARE(contentOf(store.copyPath()), contentOf(m_path));
+        QVERIFY(!contentOf(store.copyPath()).contains("theme"));
+    }
+
+    void everyKindOfValueSurvivesVerification()
+    {
+        const QByteArray bytes = QByteArray::fromHex("00ff010a0d5c2c3b223d");
+        const QString text = u"[{\"a\": \"x, y; z=1\\n\"}]\n— ü"_s;
+        {
+            SettingsStore store(m_path);
+            store.setValue("window/state"_L1, bytes);
+            store.setValue("charts/layout"_L1, text);
+            store.setValue("auth/remember"_L1, true);
+            store.setValue("empty"_L1, QString());
+            QVERIFY(store.sync());
+        }
+        const SettingsStore store(m_path);
+        QCOMPARE(store.value("window/state"_L1).toByteArray(), bytes);
+        QCOMPARE(store.value("charts/layout"_L1).toString(), text);
+    }
+
+    void aDamagedFileIsReplacedByTheCopy_data()
+    {
+        QTest::addColumn<QByteArray>("damage");
+        QTest::addColumn<bool>("isKept");
+        QTest::newRow("emptied by a full disk") << QByteArray() << false;
+        QTest::newRow("filled with zeros by a crash") << QByteArray(300, '\0') << true;
+        QTest::newRow("not a settings file") << QByteArray("\x7f"
+                                                           "ELF\x02\x01 garbage\n\xff\xfe\n")
+                                             << true;
+        QTest::newRow("cut inside a section") << QByteArray("[ui]\ntheme=light\n[window") << true;
+    }
+    void aDamagedFileIsReplacedByTheCopy()
+    {
+        QFETCH(QByteArray, damage);
+        QFETCH(bool, isKept);
+        {
+            SettingsStore store(m_path);
+            store.setValue("ui/theme"_L1, u"dark"_s);
+            QVERIFY(store.sync());
+        }
+        write(m_path, damage);
+        SettingsStore store(m_path);
+        QCOMPARE(store.value("ui/theme"_L1).toString(), u"dark"_s);
+        QCOMPARE(contentOf(m_path), contentOf(store.copyPath()));
+        QCOMPARE(modeOf(m_path), 0600);
+        const QStringList notices = store.takeNotices();
+        QCOMPARE(notices.size(), isKept ? 2 : 1);
+        QCOMPARE(
+            notices.constFirst(), u"The settings file was damaged; its last good copy has been put back."_s);
+        QCOMPARE(QFile::exists(store.damagedPath()), isKept);
+        if (isKept) {
+            QCOMPARE(contentOf(store.damagedPath()), damage);
+            QCOMPARE(modeOf(store.damagedPath()), 0600);
+            QVERIFY(notices.constLast().contains(store.damagedPath()));
+        }
+        QCOMPARE(store.takeNotices(), QStringList());
+        // The repaired store works on.
+        store.setValue("ui/theme"_L1, u"light"_s);
+        QVERIFY(store.sync());
+    }
+
+    void aDamagedFileWithoutACopyGivesDefaultsAndIsKept()
+    {
+        QVERIFY(QDir().mkpath(QFileInfo(m_path).path()));
+        write(m_path, "no settings at all");
+        SettingsStore store(m_path);
+        QVERIFY(!store.value("ui/theme"_L1).isValid());
+        QCOMPARE(contentOf(store.damagedPath()), "no settings at all");
+        QCOMPARE(store.takeNotices().constFirst(),
+            u"The settings file was damaged and there was no good copy; default settings are used."_s);
+    }
+
+    void aDamagedCopyIsNotPutBack()
+    {
+        QVERIFY(QDir().mkpath(QFileInfo(m_path).path()));
+        write(m_path, "no settings at all");
+        write(m_path + u".copy"_s, "neither is this");
+        SettingsStore store(m_path);
+        QCOMPARE(contentOf(m_path), "");
+        QCOMPARE(store.takeNotices().size(), 2);
+    }
+
+    void theDamagedFileSetAsideHoldsNoToken()
+    {
+        QVERIFY(QDir().mkpath(QFileInfo(m_path).path()));
+        write(m_path, "[auth]\nemail=a@b.example\ntoken=top-secret\n[broken");
+        SettingsStore store(m_path);
+        QVERIFY(contentOf(store.damagedPath()).contains("a@b.example"));
+        QVERIFY(!contentOf(store.damagedPath()).contains("top-secret"));
+    }
+
+    void aDeletedFileStartsAfreshAndDropsTheCopy()
+    {
+        QString copy;
+        {
+            SettingsStore store(m_path);
+            store.setValue("auth/token"_L1, u"secret"_s);
+            QVERIFY(store.sync());
+            copy = store.copyPath();
+        }
+        QVERIFY(QFile::remove(m_path));
+        SettingsStore store(m_path);
+        QVERIFY(!store.value("auth/token"_L1).isValid());
+        QVERIFY(!QFile::exists(copy));
+        QCOMPARE(store.takeNotices(), QStringList());
+    }
+
+    void aFullDiskIsNoticedAndTheNextSyncWritesAgain()
+    {
+        SettingsStore store(m_path);
+        store.setValue("ui/theme"_L1, u"dark"_s);
+        QVERIFY(store.sync());
+        const QByteArray good = contentOf(store.copyPath());
+
+        // A file size limit stops a write half-way, as a full disk does.
+        struct rlimit before = {};
+        QCOMPARE(::getrlimit(RLIMIT_FSIZE, &before), 0);
+        const auto oldHandler = std::signal(SIGXFSZ, SIG_IGN);
+        const struct rlimit tiny = {.rlim_cur = 1000, .rlim_max = before.rlim_max};
+        QCOMPARE(::setrlimit(RLIMIT_FSIZE, &tiny), 0);
+        store.setValue("charts/layout"_L1, QString(100000, u'x'));
+        const bool saved = store.sync();
+        ::setrlimit(RLIMIT_FSIZE, &before);
+        std::signal(SIGXFSZ, oldHandler);
+
+        QVERIFY(!saved);
+        QCOMPARE(contentOf(store.copyPath()), good);
+        QVERIFY(store.sync());
+        QVERIFY(contentOf(m_path).contains("layout"));
+        QCOMPARE(contentOf(store.copyPath()), contentOf(m_path));
+    }
+
+    void checkingLeavesNoFilesBehind()
+    {
+        SettingsStore store(m_path);
+        store.setValue("ui/theme"_L1, u"dark"_s);
+        QVERIFY(store.sync());
+        const QStringList files = QFileInfo(m_path).dir().entryList(QDir::Files | QDir::Hidden, QDir::Name);
+        QCOMPARE(files, (QStringList{u"Terminal.conf"_s, u"Terminal.conf.copy"_s}));
+    }
+
+    void aFolderThatCannotBeMadeIsSurvived()
+    {
+        write(m_root->filePath(u"config"_s), "a file where the folder should be");
+        SettingsStore store(m_path);
+        store.setValue("ui/theme"_L1, u"dark"_s);
+        QVERIFY(!store.sync());
+        QCOMPARE(store.value("ui/theme"_L1).toString(), u"dark"_s);
+    }
+
+private:
+    std::unique_ptr<QTemporaryDir> m_root;
+    QString m_path;
+};
+
+TAVORAN_TEST_MAIN(TestSettingsStore)
+#include "tst_SettingsStore.moc"

@@ -1,0 +1,197 @@
+#include "app/Log.h"
+#include "app/StartUp.h"
+#include "app/TerminalSettings.h"
+#include "app/Theme.h"
+#include "support/TestMain.h"
+
+#include <QSplashScreen>
+#include <QTcpServer>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+/// The log's messages without their times.
+QStringList logMessages()
+{
+    QFile file(logFilePath());
+    if (!file.open(QIODevice::ReadOnly))
+        return {};
+    QStringList messages = QString::fromUtf8(file.readAll()).split(u'\n', Qt::SkipEmptyParts);
+    for (QString& message : messages)
+        message = message.mid(14);
+    return messages;
+}
+
+bool splashIsVisible()
+{
+    const QWidgetList windows = QApplication::topLevelWidgets();
+    return std::any_of(windows.cbegin(), windows.cend(), [](const QWidget* window) {
+        return qobject_cast<const QSplashScreen*>(window) && window->isVisible();
+    });
+}
+
+} // namespace
+
+class TestStartUp : public QObject {
+    Q_OBJECT
+
+    /// A sign-in dialog that ends itself with `result`, and a main window that closes itself.
+    [[nodiscard]] StartUpWindows windows(int result)
+    {
+        return {
+            .makeSignIn =
+                [this, result] {
+                    m_splashBeforeSignIn = splashIsVisible();
+                    m_steps.append(u"sign-in made"_s);
+                    auto dialog = std::make_unique<QDialog>();
+                    connect(dialog.get(), &QObject::destroyed, this,
+                        [this] { m_steps.append(u"sign-in gone"_s); });
+                    QTimer::singleShot(50, dialog.get(), [this, result, shown = dialog.get()] {
+                        m_splashDuringSignIn = splashIsVisible();
+                        m_quitDuringSignIn = QGuiApplication::quitOnLastWindowClosed();
+                        shown->done(result);
+                    });
+                    return dialog;
+                },
+            .userOf =
+                [](const QDialog&) {
+                    return QJsonObject{{u"email"_s, u"a@b.example"_s}};
+                },
+            .makeMainWindow =
+                [this] {
+                    m_steps.append(u"main window made"_s);
+                    auto window = std::make_unique<QWidget>();
+                    connect(window.get(), &QObject::destroyed, this,
+                        [this] { m_steps.append(u"main window gone"_s); });
+                    QTimer::singleShot(100, window.get(), [this, shown = window.get()] {
+                        m_mainWindowShown = shown->isVisible();
+                        shown->close();
+                    });
+                    return window;
+                },
+            .setUser =
+                [this](QWidget& window, const QJsonObject& user) {
+                    m_steps.append(u"user "_s + user.value("email"_L1).toString());
+                    QVERIFY(!window.isVisible());
+                },
+        };
+    }
+
+private Q_SLOTS:
+    void init()
+    {
+        QFile::remove(logFilePath());
+        m_steps.clear();
+        m_mainWindowShown = false;
+        // A port that nobody listens on: the fetch fails at once.
+        QTcpServer server;
+        QVERIFY(server.listen(QHostAddress::LocalHost));
+        TerminalSettings::instance().setServerUrl(u"http://127.0.0.1:%1"_s.arg(server.serverPort()));
+    }
+
+    void theApplicationIsNamed()
+    {
+        nameApplication();
+        QCOMPARE(QCoreApplication::organizationName(), u"Tavoran"_s);
+        QCOMPARE(QCoreApplication::applicationName(), u"Tavoran Terminal"_s);
+        QCOMPARE(QCoreApplication::applicationVersion(), u"1.0.1"_s);
+        QVERIFY(!QApplication::windowIcon().isNull());
+        QCOMPARE(QApplication::layoutDirection(), Qt::LeftToRight);
+    }
+
+    void anAcceptedSignInLeadsToTheMainWindow()
+    {
+        QCOMPARE(runTerminal(*qApp, windows(QDialog::Accepted)), 0);
+        QCOMPARE(m_steps,
+            (QStringList{u"sign-in made"_s, u"main window made"_s, u"user a@b.example"_s, u"sign-in gone"_s,
+                u"main window gone"_s}));
+        QVERIFY(m_splashBeforeSignIn);
+        QVERIFY(!m_splashDuringSignIn);
+        QVERIFY(!m_quitDuringSignIn);
+        QVERIFY(m_mainWindowShown);
+        QVERIFY(QGuiApplication::quitOnLastWindowClosed());
+        QCOMPARE(logMessages(),
+            (QStringList{u"theme applied: light"_s, u"public config fetch failed: Connection refused"_s,
+                u"login.exec() returned 1"_s, u"MainWindow constructed"_s, u"setUser done"_s,
+                u"entering app.exec()"_s, u"app.exec() returned 0"_s}));
+    }
+
+    void aCancelledSignInEndsWithExitCodeZeroAndNoMainWindow()
+    {
+        QCOMPARE(runTerminal(*qApp, windows(QDialog::Rejected)), 0);
+        QCOMPARE(m_steps, (QStringList{u"sign-in made"_s, u"sign-in gone"_s}));
+        QCOMPARE(logMessages().constLast(), u"login.exec() returned 0"_s);
+        QVERIFY(!splashIsVisible());
+    }
+
+    void aResultThatIsNotAcceptedEndsToo()
+    {
+        QCOMPARE(runTerminal(*qApp, windows(2)), 0);
+        QCOMPARE(logMessages().constLast(), u"login.exec() returned 2"_s);
+        QCOMPARE(m_steps.size(), 2);
+    }
+
+    void theExitCodeIsTheEventLoops()
+    {
+        StartUpWindows all = windows(QDialog::Accepted);
+        const auto make = all.makeMainWindow;
+        all.makeMainWindow = [make] {
+            auto window = make();
+            QTimer::singleShot(10, window.get(), [] { QCoreApplication::exit(3); });
+            return window;
+        };
+        QCOMPARE(runTerminal(*qApp, all), 3);
+        QCOMPARE(logMessages().constLast(), u"app.exec() returned 3"_s);
+    }
+
+    void theDarkThemeIsLoggedWhenInForce()
+    {
+        setTheme(true);
+        QCOMPARE(runTerminal(*qApp, windows(QDialog::Rejected)), 0);
+        QCOMPARE(logMessages().constFirst(), u"theme applied: dark"_s);
+        setTheme(false);
+    }
+
+    void aSignInIsOnDiskBeforeTheMainWindowExists()
+    {
+        StartUpWindows all = windows(QDialog::Accepted);
+        all.userOf = [](const QDialog&) { return QJsonObject(); };
+        const auto makeSignIn = all.makeSignIn;
+        all.makeSignIn = [makeSignIn] {
+            TerminalSettings::instance().setEmail(u"kept@b.example"_s);
+            return makeSignIn();
+        };
+        const auto make = all.makeMainWindow;
+        QByteArray stored;
+        all.makeMainWindow = [&stored, make] {
+            QFile file(SettingsStore::userFilePath() + u".copy"_s);
+            if (file.open(QIODevice::ReadOnly))
+                stored = file.readAll();
+            return make();
+        };
+        QCOMPARE(runTerminal(*qApp, all), 0);
+        QVERIFY(stored.contains("kept@b.example"));
+    }
+
+    void windowsThatAreNotHandedInAreSkipped()
+    {
+        QTimer::singleShot(0, qApp, [] { QCoreApplication::exit(0); });
+        StartUpWindows none;
+        QTimer quit;
+        connect(&quit, &QTimer::timeout, qApp, [] { QCoreApplication::exit(5); });
+        quit.start(20);
+        QCOMPARE(runTerminal(*qApp, none), 5);
+        QVERIFY(!logMessages().contains(u"MainWindow constructed"_s));
+    }
+
+private:
+    QStringList m_steps;
+    bool m_splashBeforeSignIn = false;
+    bool m_splashDuringSignIn = true;
+    bool m_quitDuringSignIn = true;
+    bool m_mainWindowShown = false;
+};
+
+TAVORAN_TEST_MAIN(TestStartUp)
+#include "tst_StartUp.moc"
