@@ -19,6 +19,9 @@ namespace {
 
 constexpr int dialogWidth = 400;
 constexpr int bannerHeight = 96;
+
+// A longer text from the server would push the buttons off the screen.
+constexpr qsizetype longestError = 600;
 constexpr QMargins outerMargins(0, 0, 0, 16);
 constexpr QMargins rowMargins(24, 4, 24, 0);
 
@@ -138,8 +141,11 @@ void LoginDialog::setBusy(bool on)
 
 void LoginDialog::showError(const QString& text)
 {
-    m_errorLabel->setText(text);
+    m_errorLabel->setText(text.size() <= longestError ? text : text.first(longestError) + u'…');
     m_errorLabel->show();
+    // A wrapped label does not make its window taller by itself.
+    layout()->activate();
+    resize(dialogWidth, layout()->totalHeightForWidth(dialogWidth));
 }
 
 void LoginDialog::askForPassword()

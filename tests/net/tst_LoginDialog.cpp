@@ -34,6 +34,7 @@ private Q_SLOTS:
     void a_success_ends_accepted_with_the_answer();
     void a_failure_shows_its_text_and_asks_for_the_password_again();
     void server_markup_is_shown_as_text();
+    void an_endless_message_leaves_the_buttons_on_the_screen();
     void a_new_attempt_hides_the_last_error();
     void broken_answers_end_in_the_error_label_data();
     void broken_answers_end_in_the_error_label();
@@ -265,6 +266,20 @@ void TestLoginDialog::server_markup_is_shown_as_text()
     fillAndPress();
     m_server->release(StubAnswer::message(u"<img src='/etc/passwd'>&amp; %1"_s, 400));
     QTRY_COMPARE(errorLabel()->text(), u"<img src='/etc/passwd'>&amp; %1"_s);
+}
+
+void TestLoginDialog::an_endless_message_leaves_the_buttons_on_the_screen()
+{
+    open();
+    fillAndPress();
+    m_server->release(StubAnswer::message(u"no way "_s.repeated(100000), 400));
+    QTRY_VERIFY(errorLabel()->isVisible());
+    QTRY_VERIFY(errorLabel()->height() >= errorLabel()->heightForWidth(errorLabel()->width()));
+    QVERIFY2(m_dialog->height() < 700, qPrintable(QString::number(m_dialog->height())));
+    QCOMPARE(m_dialog->width(), 400);
+    QVERIFY(m_dialog->rect().contains(loginButton()->geometry()));
+    if (const QString file = qEnvironmentVariable("SHOT"); !file.isEmpty())
+        m_dialog->grab().save(file);
 }
 
 void TestLoginDialog::a_new_attempt_hides_the_last_error()

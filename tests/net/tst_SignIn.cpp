@@ -21,6 +21,7 @@ private Q_SLOTS:
     void a_failed_sign_in_without_a_message_shows_the_toolkits_text_data();
     void a_failed_sign_in_without_a_message_shows_the_toolkits_text();
     void an_error_status_with_a_token_is_no_success();
+    void a_redirect_does_not_carry_the_password_away_data();
     void a_redirect_does_not_carry_the_password_away();
     void an_unreachable_server_fails_with_a_text();
     void a_message_echoing_the_old_token_hides_it();
@@ -142,10 +143,18 @@ void TestSignIn::an_error_status_with_a_token_is_no_success()
     QCOMPARE(TerminalSettings::instance().token(), u"old-token"_s);
 }
 
+void TestSignIn::a_redirect_does_not_carry_the_password_away_data()
+{
+    QTest::addColumn<int>("status");
+    QTest::newRow("302") << 302;
+    QTest::newRow("307") << 307;
+}
+
 void TestSignIn::a_redirect_does_not_carry_the_password_away()
 {
     StubHttpServer other;
-    m_server->on("POST", "/api/auth/login", StubAnswer::redirect(other.url() + u"/login"_s, 307));
+    QFETCH(const int, status);
+    m_server->on("POST", "/api/auth/login", StubAnswer::redirect(other.url() + u"/login"_s, status));
     QCOMPARE(loginError(), u"The server answered with a redirect"_s);
     QCOMPARE(other.requests().size(), 0);
 }
