@@ -1,0 +1,58 @@
+#include "practice/Check.h"
+#include "practice/core/broker/Money.h"
+#include "practice/core/broker/PriceGrid.h"
+
+#include <cmath>
+#include <limits>
+
+using namespace practice;
+
+TEST_CASE("halves of a cent are rounded away from zero")
+{
+    CHECK_EQ(roundToCents(0.5), 1);
+    CHECK_EQ(roundToCents(-0.5), -1);
+    CHECK_EQ(roundToCents(0.49), 0);
+    CHECK_EQ(roundToCents(2.5), 3);
+}
+
+TEST_CASE("amounts that are no numbers or absurd stay within limits")
+{
+    CHECK_EQ(roundToCents(std::nan("")), 0);
+    CHECK_EQ(roundToCents(std::numeric_limits<double>::infinity()), 1'000'000'000'000'000);
+    CHECK_EQ(roundToCents(-1e300), -1'000'000'000'000'000);
+}
+
+TEST_CASE("amounts print with two decimals, and with groups for people")
+{
+    CHECK_EQ(decimalText(0), std::string("0.00"));
+    CHECK_EQ(decimalText(5), std::string("0.05"));
+    CHECK_EQ(decimalText(-5), std::string("-0.05"));
+    CHECK_EQ(decimalText(123'450), std::string("1234.50"));
+    CHECK_EQ(decimalText(-123'456'789), std::string("-1234567.89"));
+    CHECK_EQ(moneyText(99'999), std::string("999.99"));
+    CHECK_EQ(moneyText(123'450), std::string("1,234.50"));
+    CHECK_EQ(moneyText(-123'456'789), std::string("-1,234,567.89"));
+    CHECK_EQ(decimalText(std::numeric_limits<Cents>::min()), std::string("-92233720368547758.08"));
+}
+
+TEST_CASE("a price on the grid is one floating-point number however it was computed")
+{
+    CHECK_EQ(onGrid(0.1 + 0.2, 5), 0.3);
+    CHECK_EQ(onGrid(1.085004, 5), 1.085);
+    CHECK_EQ(onGrid(1.085006, 5), 1.08501);
+    CHECK_EQ(toPoints(1.08508, 5), 108508);
+    CHECK_EQ(toPoints(149.995, 3), 149995);
+}
+
+TEST_CASE("prices print with the symbol's decimals, however odd their number")
+{
+    CHECK_EQ(priceText(1.085, 5), std::string("1.08500"));
+    CHECK_EQ(priceText(0.00001, 5), std::string("0.00001"));
+    CHECK_EQ(priceText(5250.5, 1), std::string("5250.5"));
+    CHECK_EQ(priceText(5250, 0), std::string("5250"));
+    CHECK_EQ(priceText(5250, -3), std::string("5250"));
+    CHECK_EQ(priceText(-0.5, 2), std::string("-0.50"));
+    CHECK_EQ(priceText(1, 99), std::string("1.00000000"));
+}
+
+CHECK_MAIN()
