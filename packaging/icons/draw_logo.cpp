@@ -1,5 +1,6 @@
-// Draws the product's logo in every size we ship: draw_logo OUTPUT_FOLDER writes logo.png and
-// tavoran-terminal-SIZE.png there. Run it by hand after a change and commit the pictures.
+// Draws the pictures we ship: draw_logo OUTPUT_FOLDER writes the logo as logo.png and
+// tavoran-terminal-SIZE.png, and the arrows of spin and combo boxes, arrow-up.png and arrow-down.png. Run it
+// by hand after a change and commit the pictures.
 
 #include <QDir>
 #include <QGuiApplication>
@@ -58,6 +59,20 @@ QImage drawLogo(int size)
     return image;
 }
 
+/// A grey that stands out in both looks.
+QImage drawArrow(bool up)
+{
+    QImage image(9, 6, QImage::Format_ARGB32);
+    image.fill(Qt::transparent);
+    QPainter painter(&image);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(QColor(0x8a, 0x8a, 0x8a));
+    const double base = up ? 5.0 : 1.0;
+    painter.drawPolygon(QPolygonF{{1.0, base}, {8.0, base}, {4.5, up ? 1.0 : 5.0}});
+    return image;
+}
+
 } // namespace
 
 int main(int argc, char** argv)
@@ -69,6 +84,8 @@ int main(int argc, char** argv)
         qFatal("usage: draw_logo OUTPUT_FOLDER");
     const QDir folder(arguments.at(1));
     bool saved = drawLogo(resourceSize).save(folder.filePath(u"logo.png"_s));
+    saved &= drawArrow(true).save(folder.filePath(u"arrow-up.png"_s));
+    saved &= drawArrow(false).save(folder.filePath(u"arrow-down.png"_s));
     for (const int size : {16, 24, 32, 48, 64, 128, 256, 512})
         saved &= drawLogo(size).save(folder.filePath(u"tavoran-terminal-%1.png"_s.arg(size)));
     return saved ? 0 : 1;
