@@ -47,6 +47,8 @@ struct BarNode {
 /// Folds `value` back into [low, high] at the borders, as a ball between two walls.
 [[nodiscard]] inline double reflectInto(double value, double low, double high)
 {
+    if (value >= low && value <= high)
+        return value;
     const double range = high - low;
     if (!(range > 0))
         return low;

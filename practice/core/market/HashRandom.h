@@ -64,6 +64,17 @@ public:
         return radius * std::cos(angle);
     }
 
+    /// Nearly normal with mean 0 and variance 1, never beyond 3.5, at a tenth of the cost: the sum of the
+    /// four quarters of one scrambled word. For ticks, of which there are many.
+    [[nodiscard]] double bell()
+    {
+        m_state += 0x9e3779b97f4a7c15ULL;
+        const std::uint64_t word = mixBits(m_state);
+        const std::uint64_t pairs = (word & 0x0000ffff0000ffffULL) + ((word >> 16) & 0x0000ffff0000ffffULL);
+        const auto sum = static_cast<double>((pairs & 0xffffffffULL) + (pairs >> 32));
+        return (sum - 2.0 * 65535.0) * (std::numbers::sqrt3 / 65536.0);
+    }
+
 private:
     std::uint64_t m_state;
     double m_spare = 0;

@@ -13,7 +13,7 @@ namespace {
 std::size_t stepsFor(double speed)
 {
     const double perMinute = static_cast<double>(minuteMs / SimulatedSymbol::tickLength(speed));
-    return static_cast<std::size_t>(std::clamp(std::round(perMinute / speed), 4.0, 1200.0));
+    return static_cast<std::size_t>(std::clamp(std::round(perMinute / speed), 4.0, 600.0));
 }
 
 } // namespace
@@ -92,20 +92,23 @@ std::int64_t ReplayedSymbol::volumeUntil(std::int64_t position) const
         + (volume * static_cast<std::int64_t>(place.step + 1) + steps - 1) / steps;
 }
 
+// Whole minutes need no path: they are known from the record.
+GridBar ReplayedSymbol::steps(std::int64_t minute, std::size_t first, std::size_t last)
+{
+    if (first == 0 && last + 1 == m_steps)
+        return m_loop.minute(minute).bar;
+    return pathOf(minute).between(first, last);
+}
+
 GridBar ReplayedSymbol::played(std::int64_t from, std::int64_t to)
 {
     const Place first = placeOf(from);
     const Place last = placeOf(to);
-    GridBar bar;
-    if (first.minute == last.minute) {
-        bar = pathOf(first.minute).between(first.step, last.step);
-    } else {
-        bar = first.step == 0 ? m_loop.fold(first.minute, first.minute)
-                              : pathOf(first.minute).between(first.step, m_steps - 1);
-        if (last.minute - first.minute > 1)
-            bar.append(m_loop.fold(first.minute + 1, last.minute - 1));
-        bar.append(pathOf(last.minute).between(0, last.step));
-    }
+    GridBar bar = steps(first.minute, first.step, first.minute == last.minute ? last.step : m_steps - 1);
+    if (last.minute - first.minute > 1)
+        bar.append(m_loop.fold(first.minute + 1, last.minute - 1));
+    if (last.minute != first.minute)
+        bar.append(steps(last.minute, 0, last.step));
     bar.volume = volumeUntil(to) - volumeUntil(from - 1);
     return bar;
 }

@@ -35,6 +35,7 @@ private:
     [[nodiscard]] std::int64_t positionAt(TimeMs now) const;
     [[nodiscard]] Place placeOf(std::int64_t position) const;
     [[nodiscard]] std::int64_t volumeUntil(std::int64_t position) const;
+    [[nodiscard]] GridBar steps(std::int64_t minute, std::size_t first, std::size_t last);
     [[nodiscard]] GridBar played(std::int64_t from, std::int64_t to);
     [[nodiscard]] std::int64_t scaled(std::int64_t pastPoints) const;
     [[nodiscard]] const TickPath& pathOf(std::int64_t minute);

@@ -83,7 +83,7 @@ TickPath::TickPath(const BarNode& minute, std::size_t steps, std::uint64_t key)
         for (std::size_t step = from.step + 1; step < to.step; ++step) {
             const double left = static_cast<double>(to.step - step + 1);
             const double drift = (static_cast<double>(to.mid) - mid) / left;
-            const double noise = std::sqrt(stepVariance * (left - 1) / left) * random.gaussian();
+            const double noise = std::sqrt(stepVariance * (left - 1) / left) * random.bell();
             mid = reflectInto(mid + drift + noise, low, high);
             m_mids[step] = std::llround(mid);
         }

@@ -2,7 +2,7 @@
 
 #include "practice/core/market/MinuteFile.h"
 
-#include <clocale>
+#include <locale>
 #include <sstream>
 
 using namespace practice;
@@ -12,6 +12,12 @@ namespace {
 const std::string header = "time,open,high,low,close,volume\n";
 const std::string askHeader = "time,open,high,low,close,volume,ask_open,ask_high,ask_low,ask_close\n";
 const std::string firstRow = "2014-05-01T00:00:00Z,1.1,1.3,1.0,1.2,5\n";
+
+class CommaNumbers final : public std::numpunct<char> {
+    [[nodiscard]] char do_decimal_point() const override { return ','; }
+    [[nodiscard]] char do_thousands_sep() const override { return '.'; }
+    [[nodiscard]] std::string do_grouping() const override { return "\3"; }
+};
 
 MinuteFile parsed(const std::string& text)
 {
@@ -69,15 +75,19 @@ TEST_CASE("lines may end as on other systems and times may lie before 1970")
     CHECK_EQ(file.minutes[1].time, -minuteMs);
 }
 
-TEST_CASE("the user's locale does not change how prices are read")
+TEST_CASE("a locale with a decimal comma and grouped digits changes neither prices nor complaints")
 {
-    const char* before = std::setlocale(LC_ALL, nullptr);
-    const std::string restore = before ? before : "C";
-    if (!std::setlocale(LC_ALL, "de_DE.UTF-8"))
-        check::skip("the locale de_DE.UTF-8 is not installed");
-    CHECK_EQ(parsed(header + firstRow + "2014-05-01T00:01:00Z,1.2,1.2,1.2,1.2,1\n").minutes[0].bar.open,
-        std::int64_t(11));
-    std::setlocale(LC_ALL, restore.c_str());
+    const std::locale before = std::locale::global(std::locale(std::locale::classic(), new CommaNumbers));
+    const MinuteFile file = parsed(header + firstRow + "2014-05-01T00:01:00Z,1234.5,1234.5,1.2,1.2,1.5\n");
+    std::string rows = header;
+    for (int minute = 0; minute < 1200; ++minute)
+        rows += "2014-05-01T" + std::to_string(100 + minute / 60).substr(1) + ':'
+            + std::to_string(100 + minute % 60).substr(1) + ":00Z,1,1,1,1,1\n";
+    const std::string text = complaint(rows + "x,1,1,1,1,1\n");
+    std::locale::global(before);
+    CHECK_EQ(file.minutes[1].bar.open, std::int64_t(12345));
+    CHECK_EQ(file.minutes[1].bar.volume, std::int64_t(2));
+    CHECK_EQ(text, std::string("X-1m.csv:1202: the time is not like 2014-05-01T00:00:00Z"));
 }
 
 TEST_CASE("a complaint is one line with the file and the line to blame")
