@@ -6,8 +6,6 @@
 #include <QPainter>
 #include <QTransform>
 
-#include <cmath>
-
 namespace {
 
 /// Above this a picture would cost more memory than it saves time (256 MB).
@@ -59,10 +57,11 @@ void BandCache::paint(QPainter& painter, const ChartFrame& frame, bool whole)
 
 bool BandCache::makePicture(const ChartFrame& frame, const Content& content)
 {
+    // Rounded as the painter rounds the background.
     const QSizeF size = QSizeF(frame.view.size()) * content.scale;
     if (size.isEmpty() || size.width() * size.height() > mostPixels)
         return false;
-    QPixmap picture(static_cast<int>(std::ceil(size.width())), static_cast<int>(std::ceil(size.height())));
+    QPixmap picture(size.toSize());
     if (picture.isNull())
         return false;
     // Painted through a transform rather than a pixel ratio: copied later, its pixels are device pixels.

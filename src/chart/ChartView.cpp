@@ -73,7 +73,7 @@ ChartView::ChartView(QSize size, const ViewState& state, qsizetype count, bool r
     : m_size(size.expandedTo(QSize(0, 0)))
     , m_barWidth(std::clamp(
           finiteOr(state.barWidth, ViewState().barWidth), ViewState::minBarWidth, ViewState::maxBarWidth))
-    , m_rightBarIndex(finiteOr(state.rightBarIndex, 0.0))
+    , m_rightBarIndex(std::clamp(finiteOr(state.rightBarIndex, 0.0), -farIndex, farIndex))
     , m_count(std::max<qsizetype>(count, 0))
 {
     const int width = std::max(m_size.width() - priceAxisWidth, minPlotSide);

@@ -302,10 +302,10 @@ void ChartWidget::mouseMoveEvent(QMouseEvent* event)
 
 void ChartWidget::mouseReleaseEvent(QMouseEvent* event)
 {
-    if (event->button() == Qt::LeftButton && m_panZoom.isPanning())
-        endPanning();
-    else
+    if (event->button() != Qt::LeftButton)
         event->ignore();
+    else if (m_panZoom.isPanning())
+        endPanning();
 }
 
 void ChartWidget::wheelEvent(QWheelEvent* event)

@@ -1,0 +1,226 @@
+#include "chart/BandCache.h"
+
+#include "ChartFixtures.h"
+#include "chart/ChartFrame.h"
+#include "chart/ChartWidget.h"
+#include "chart/LayerStack.h"
+#include "support/TestMain.h"
+
+#include <QPainter>
+#include <QRandomGenerator>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+QImage canvas(const ChartWidget& chart, qreal ratio)
+{
+    const QSizeF size = QSizeF(chart.size()) * ratio;
+    QImage image(static_cast<int>(std::ceil(size.width())), static_cast<int>(std::ceil(size.height())),
+        QImage::Format_RGB32);
+    image.setDevicePixelRatio(ratio);
+    image.fill(Qt::magenta); // shows what nobody painted
+    return image;
+}
+
+QImage plain(const ChartWidget& chart, qreal ratio)
+{
+    QImage image = canvas(chart, ratio);
+    QPainter painter(&image);
+    layerstack::paintAll(painter, chart.frame());
+    return image;
+}
+
+QImage kept(BandCache& cache, const ChartWidget& chart, qreal ratio)
+{
+    QImage image = canvas(chart, ratio);
+    QPainter painter(&image);
+    cache.paint(painter, chart.frame(), true);
+    return image;
+}
+
+void changeAtRandom(ChartWidget& chart, QRandomGenerator& random)
+{
+    const std::vector<Candle>& candles = chart.candles();
+    const Candle last = candles.empty() ? Candle() : candles.back();
+    const double price = last.low + (last.high - last.low) * random.bounded(1.0);
+    switch (random.bounded(12)) {
+    case 0:
+        return chart.zoomIn();
+    case 1:
+        return chart.zoomOut();
+    case 2:
+        return chart.setChartType(random.bounded(3));
+    case 3:
+        return chart.setChartShift(random.bounded(2) == 1);
+    case 4:
+        return chart.setAutoScroll(random.bounded(2) == 1);
+    case 5:
+        return fixtures::leave(chart);
+    case 6:
+        return chart.onTick(price * 1.002, price * 1.0021, last.time);
+    case 7:
+        return chart.onTick(price, price + 0.0001, last.time + fixtures::quarterHour);
+    case 8:
+    case 9:
+        return chart.onTick(price, price + 0.0001, last.time);
+    default:
+        return fixtures::hover(
+            chart, QPoint(random.bounded(chart.width() + 20) - 10, random.bounded(chart.height())));
+    }
+}
+
+} // namespace
+
+class TestBandCache final : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void the_picture_equals_all_layers_in_order_data();
+    void the_picture_equals_all_layers_in_order();
+    void the_widget_shows_all_layers_in_order();
+    void a_newest_bar_between_crowded_neighbours_is_the_same_to_the_pixel_data();
+    void a_newest_bar_between_crowded_neighbours_is_the_same_to_the_pixel();
+    void equal_content_is_painted_once_more_and_then_copied();
+    void a_clipped_frame_comes_from_the_picture();
+    void a_turned_painter_gets_the_layers_themselves();
+};
+
+void TestBandCache::the_picture_equals_all_layers_in_order_data()
+{
+    QTest::addColumn<qreal>("ratio");
+    QTest::addColumn<int>("type");
+    for (const qreal ratio : {1.0, 1.25, 1.5, 2.0}) {
+        for (int type = 0; type < 3; ++type)
+            QTest::addRow("ratio %.2f, type %d", ratio, type) << ratio << type;
+    }
+}
+
+void TestBandCache::the_picture_equals_all_layers_in_order()
+{
+    QFETCH(qreal, ratio);
+    QFETCH(int, type);
+    QRandomGenerator random(static_cast<quint32>(type) + 7);
+    ChartWidget chart;
+    chart.resize(260 + random.bounded(60), 170 + random.bounded(60));
+    chart.setSymbolInfo(u"EURUSD"_s, u"M15"_s, u"Euro"_s);
+    chart.setTradeLevels({{u"1"_s, u"SL"_s, 1.1, u"sl #1"_s, QColor(Qt::red), Qt::DashLine, true},
+        {u"1"_s, u"ENTRY"_s, 1.105, u"buy"_s, QColor(Qt::blue), Qt::SolidLine, false}});
+    chart.setCandles(fixtures::wave(150));
+    chart.setChartType(type);
+    BandCache cache;
+    for (int step = 0; step < 120; ++step) {
+        changeAtRandom(chart, random);
+        const QImage expected = plain(chart, ratio);
+        const int looks = 1 + random.bounded(3); // painted straight, then as a picture, then copied
+        for (int look = 0; look < looks; ++look)
+            QVERIFY2(
+                kept(cache, chart, ratio) == expected, qPrintable(u"step %1, look %2"_s.arg(step).arg(look)));
+    }
+    QVERIFY(cache.seriesPaints() < 200);
+}
+
+void TestBandCache::the_widget_shows_all_layers_in_order()
+{
+    ChartWidget chart;
+    chart.resize(300, 200);
+    chart.setCandles(fixtures::wave(100));
+    chart.onTick(1.1, 1.1002, chart.candles().back().time);
+    fixtures::hover(chart, QPoint(60, 60));
+    for (int look = 0; look < 3; ++look) {
+        const QImage shown = chart.grab().toImage().convertToFormat(QImage::Format_RGB32);
+        QCOMPARE(shown, plain(chart, shown.devicePixelRatio()));
+        const Candle last = chart.candles().back();
+        chart.onTick((last.open + last.close) / 2, last.close, last.time);
+    }
+}
+
+void TestBandCache::a_newest_bar_between_crowded_neighbours_is_the_same_to_the_pixel_data()
+{
+    QTest::addColumn<int>("type");
+    QTest::addColumn<int>("stepsOut");
+    for (int type = 0; type < 3; ++type) {
+        for (int steps = 0; steps <= 11; ++steps)
+            QTest::addRow("type %d, %d steps", type, steps) << type << steps;
+    }
+}
+
+void TestBandCache::a_newest_bar_between_crowded_neighbours_is_the_same_to_the_pixel()
+{
+    QFETCH(int, type);
+    QFETCH(int, stepsOut);
+    ChartWidget chart;
+    chart.resize(300, 200);
+    chart.setChartType(type);
+    for (int i = 0; i < stepsOut; ++i)
+        chart.zoomOut();
+    // Bars as low as the histogram is high, so that prices and volumes of neighbours share pixels.
+    std::vector<Candle> candles = fixtures::wave(40);
+    for (Candle& candle : candles) {
+        candle.volume = 1000;
+        candle.low = candle.open = candle.close = 1.0;
+        candle.high = 1.001;
+    }
+    candles.front().high = 1.5;
+    chart.setCandles(candles);
+    BandCache cache;
+    for (const double price : {1.0, 1.02, 1.0, 1.04, 1.01}) {
+        chart.onTick(price, price, candles.back().time);
+        for (int look = 0; look < 3; ++look)
+            QVERIFY(kept(cache, chart, 1.0) == plain(chart, 1.0));
+    }
+}
+
+void TestBandCache::equal_content_is_painted_once_more_and_then_copied()
+{
+    ChartWidget chart;
+    chart.resize(300, 200);
+    chart.setCandles(fixtures::wave(100));
+    BandCache cache;
+    kept(cache, chart, 1.0);
+    QCOMPARE(cache.seriesPaints(), quint64{1});
+    kept(cache, chart, 1.0);
+    QCOMPARE(cache.seriesPaints(), quint64{2});
+    for (int i = 0; i < 10; ++i) {
+        fixtures::hover(chart, QPoint(20 + i, 30));
+        kept(cache, chart, 1.0);
+    }
+    QCOMPARE(cache.seriesPaints(), quint64{2});
+    kept(cache, chart, 2.0);
+    QCOMPARE(cache.seriesPaints(), quint64{3});
+}
+
+void TestBandCache::a_clipped_frame_comes_from_the_picture()
+{
+    ChartWidget chart;
+    chart.resize(300, 200);
+    chart.setCandles(fixtures::wave(100));
+    const QImage expected = plain(chart, 1.0);
+    BandCache cache;
+    const QRect part(37, 41, 80, 70); // nothing live but empty plot lies here
+    QImage image = canvas(chart, 1.0);
+    QPainter painter(&image);
+    painter.setClipRect(part);
+    cache.paint(painter, chart.frame(), false);
+    painter.end();
+    QCOMPARE(image.copy(part), expected.copy(part));
+}
+
+void TestBandCache::a_turned_painter_gets_the_layers_themselves()
+{
+    ChartWidget chart;
+    chart.resize(300, 200);
+    chart.setCandles(fixtures::wave(100));
+    BandCache cache;
+    for (int look = 1; look <= 3; ++look) {
+        QImage image(200, 300, QImage::Format_RGB32);
+        QPainter painter(&image);
+        painter.translate(200, 0);
+        painter.rotate(90);
+        cache.paint(painter, chart.frame(), true);
+        QCOMPARE(cache.seriesPaints(), static_cast<quint64>(look));
+    }
+}
+
+TAVORAN_TEST_MAIN(TestBandCache)
+#include "tst_BandCache.moc"
