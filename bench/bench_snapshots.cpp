@@ -1,0 +1,100 @@
+#include "chart/ChartWindow.h"
+#include "net/ApiClient.h"
+#include "net/WsClient.h"
+#include "panes/MarketWatchWidget.h"
+#include "panes/TerminalPane.h"
+#include "scenes/Series.h"
+
+#include "chart/ChartWidget.h"
+
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QTabWidget>
+
+#include <benchmark/benchmark.h>
+
+#include <array>
+#include <memory>
+#include <vector>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+QString symbolName(int index)
+{
+    return u"SYM%1"_s.arg(index, 4, 10, QLatin1Char('0'));
+}
+
+/// A feed message with every symbol; `moved` of them differ from one `phase` to the next.
+QString snapshot(int symbols, int moved, int phase)
+{
+    QJsonObject data;
+    for (int i = 0; i < symbols; ++i) {
+        const double bid = 1.1 + i * 0.01 + (i < moved ? phase * 0.00001 : 0.0);
+        data.insert(symbolName(i), QJsonObject{{u"bid"_s, bid}, {u"ask"_s, bid + 0.0001}});
+    }
+    const QJsonObject message{{u"type"_s, u"price_update"_s}, {u"data"_s, data}};
+    return QString::fromUtf8(QJsonDocument(message).toJson(QJsonDocument::Compact));
+}
+
+/// Market Watch, the Toolbox with open trades and some charts, connected to a feed as the window does.
+class Desk final {
+public:
+    Desk(int symbols, int trades, int charts)
+    {
+        QJsonArray records;
+        for (int i = 0; i < symbols; ++i)
+            records.append(QJsonObject{{u"name"_s, symbolName(i)}, {u"digits"_s, 5}, {u"dailyOpen"_s, 1.0}});
+        m_watch.setSymbols(records);
+        QJsonArray open;
+        for (int i = 0; i < trades; ++i)
+            open.append(QJsonObject{
+                {u"id"_s, QString::number(i)}, {u"symbol"_s, symbolName(i)}, {u"type"_s, u"BUY"_s}});
+        m_toolbox.setOpenRows(open, {}, {});
+        QObject::connect(&m_feed, &WsClient::pricesUpdated, &m_watch, &MarketWatchWidget::updatePrices);
+        QObject::connect(&m_feed, &WsClient::pricesUpdated, &m_toolbox, &TerminalPane::updateCurrentPrices);
+        for (int i = 0; i < charts; ++i) {
+            auto chart = std::make_unique<ChartWindow>(m_api, symbolName(i), u"15m"_s, QString(), 5);
+            chart->chart().setCandles(walk(1000));
+            QObject::connect(&m_feed, &WsClient::pricesUpdated, chart.get(), &ChartWindow::onPrices);
+            m_charts.push_back(std::move(chart));
+        }
+    }
+
+    void receive(const QString& text) { m_feed.onTextMessage(text); }
+
+private:
+    ApiClient m_api;
+    WsClient m_feed;
+    MarketWatchWidget m_watch;
+    TerminalPane m_toolbox;
+    std::vector<std::unique_ptr<ChartWindow>> m_charts;
+};
+
+void parse(benchmark::State& state, int symbols, int moved)
+{
+    const std::array<QByteArray, 2> texts{
+        snapshot(symbols, moved, 0).toUtf8(), snapshot(symbols, moved, 1).toUtf8()};
+    std::size_t turn = 0;
+    for ([[maybe_unused]] auto _ : state)
+        benchmark::DoNotOptimize(QJsonDocument::fromJson(texts[++turn % 2]));
+}
+
+void receive(benchmark::State& state, int symbols, int moved, int trades, int charts)
+{
+    Desk desk(symbols, trades, charts);
+    const std::array<QString, 2> texts{snapshot(symbols, moved, 0), snapshot(symbols, moved, 1)};
+    desk.receive(texts[0]);
+    std::size_t turn = 0;
+    for ([[maybe_unused]] auto _ : state)
+        desk.receive(texts[++turn % 2]);
+}
+
+BENCHMARK_CAPTURE(parse, 500_symbols, 500, 100)->Name("snapshot/parse_500");
+BENCHMARK_CAPTURE(receive, 500_symbols, 500, 100, 50, 4)->Name("snapshot/500_moved_100");
+BENCHMARK_CAPTURE(receive, 500_symbols_still, 500, 0, 50, 4)->Name("snapshot/500_still");
+BENCHMARK_CAPTURE(receive, 2000_symbols, 2000, 2000, 50, 4)->Name("snapshot/2000_moved_all");
+
+} // namespace

@@ -1,0 +1,70 @@
+"""Prints the measured figures beside their targets. Every ratio is of medians taken in one run."""
+
+import json
+import sys
+from pathlib import Path
+
+ROWS = [
+    # figure, numerator, denominator, the most it may be
+    ("pointer frame, 7 px / FLOOR", "live/pointer_7px", "floorFrame/7px", 0.5),
+    ("pointer frame, 7 px / PLOT", "live/pointer_7px", "plotFrame/pointer_7px", 0.35),
+    ("pointer frame, 1 px / FLOOR", "live/pointer_1px", "floorFrame/1px", 0.25),
+    ("tick frame, range unchanged / FLOOR", "live/tick_7px", "floorFrame/7px", 0.5),
+    ("tick frame, range unchanged / PLOT", "live/tick_7px", "plotFrame/tick_7px", 0.15),
+    ("pan frame, 7 px / FLOOR", "live/pan_7px", "floorFrame/7px", 1.7),
+    ("pan frame, 1 px / FLOOR", "live/pan_1px", "floorFrame/1px", 1.7),
+    ("pan frame, 7 px / PLOT", "live/pan_7px", "plotFrame/pan_7px", 0.4),
+    ("pointer frame, 1 000 000 loaded / 1 000", "live/pointer_7px_1000000_loaded", "live/pointer_7px_1000_loaded", 1.2),
+    ("tick frame, 1 000 000 loaded / 1 000", "live/tick_7px_1000000_loaded", "live/tick_7px_1000_loaded", 1.2),
+    ("pan frame, 1 000 000 loaded / 1 000", "live/pan_7px_1000000_loaded", "live/pan_7px_1000_loaded", 1.2),
+    ("pan frame, pixel ratio 2 / 1", "ratio2:live/pan_7px", "live/pan_7px", 4.0),
+    ("1 000 000 candles, bytes to painted / PARSE", "history/painted", "history/parse", 1.6),
+    ("snapshot of 500, 20 % moved / PARSE", "snapshot/500_moved_100", "snapshot/parse_500", 2.5),
+    ("snapshot of 500, nothing moved / PARSE", "snapshot/500_still", "snapshot/parse_500", 1.6),
+]
+INSTRUCTIONS = [("pointer", 1.5), ("tick", None), ("pan", 8.0)]
+SNAPSHOTS_A_SECOND = ("snapshots of 2 000 a second, all moved", "snapshot/2000_moved_all", 30)
+
+
+def medians(folder):
+    """Median CPU time in ns by benchmark name; names of other files carry the file's name in front."""
+    found = {}
+    for path in sorted(folder.glob("*.json")):
+        prefix = "ratio2:" if path.stem == "ratio2" else ""
+        for entry in json.loads(path.read_text())["benchmarks"]:
+            if entry.get("aggregate_name") == "median":
+                unit = {"ns": 1.0, "us": 1e3, "ms": 1e6, "s": 1e9}[entry["time_unit"]]
+                found[prefix + entry["run_name"].split("/repeats")[0]] = entry["cpu_time"] * unit
+    return found
+
+
+def line(figure, value, target, short):
+    print(f"| {figure:<46} | {value:>10} | {target:>9} | {'SHORT' if short else 'ok':<5} |")
+
+
+def main():
+    folder = Path(sys.argv[1])
+    times = medians(folder)
+    print(f"| {'figure':<46} | {'measured':>10} | {'target':>9} |       |")
+    print(f"|{'-' * 48}|{'-' * 11}:|{'-' * 10}:|-------|")
+    for figure, above, below, most in ROWS:
+        if above in times and below in times:
+            ratio = times[above] / times[below]
+            line(figure, f"{ratio:.2f}", f"<= {most:g}", ratio > most)
+        else:
+            line(figure, "not run", f"<= {most:g}", True)
+    figure, name, least = SNAPSHOTS_A_SECOND
+    if name in times:
+        rate = 1e9 / times[name]
+        line(figure, f"{rate:.0f}", f">= {least}", rate < least)
+    for frame, most in INSTRUCTIONS:
+        counts = [folder / f"instructions-{frame}-{count}" for count in (20, 120)]
+        if all(path.exists() and path.read_text().strip() for path in counts):
+            few, many = (int(path.read_text().split()[0]) for path in counts)
+            millions = (many - few) / 100 / 1e6
+            target = f"<= {most:g} M" if most else "-"
+            line(f"instructions a {frame} frame, 7 px", f"{millions:.2f} M", target, bool(most) and millions > most)
+
+
+if __name__ == "__main__":
+    main()

@@ -1,0 +1,61 @@
+#include "scenes/LiveChart.h"
+
+#include "scenes/Series.h"
+
+#include <QCoreApplication>
+#include <QMouseEvent>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr double halfSpread = 0.00005;
+constexpr double point = 0.00001;
+
+} // namespace
+
+LiveChart::LiveChart(QSize size, std::size_t loaded, double barWidth)
+{
+    m_chart.resize(size);
+    m_chart.setSymbolInfo(u"EURUSD"_s, u"M15"_s, u"Euro / US Dollar"_s);
+    m_chart.setCandles(walk(loaded));
+    while (m_chart.barWidth() > barWidth)
+        m_chart.zoomOut();
+    m_mid = m_chart.candles().back().close;
+    m_chart.onTick(m_mid - halfSpread, m_mid + halfSpread, m_chart.candles().back().time);
+    m_chart.show();
+    QCoreApplication::processEvents();
+    m_chart.repaint();
+}
+
+void LiveChart::sendMouse(QEvent::Type type, QPoint position, Qt::MouseButtons buttons)
+{
+    const Qt::MouseButton button = type == QEvent::MouseMove ? Qt::NoButton : Qt::LeftButton;
+    QMouseEvent event(type, position, m_chart.mapToGlobal(position), button, buttons, Qt::NoModifier);
+    QCoreApplication::sendEvent(&m_chart, &event);
+}
+
+void LiveChart::pointerFrame()
+{
+    ++m_step;
+    sendMouse(QEvent::MouseMove, QPoint(200 + m_step % 1000, 100 + m_step % 600), Qt::NoButton);
+    m_chart.repaint();
+}
+
+void LiveChart::tickFrame()
+{
+    const double mid = m_mid + (++m_step % 2 == 0 ? point : 0.0);
+    m_chart.onTick(mid - halfSpread, mid + halfSpread, m_chart.candles().back().time);
+    m_chart.repaint();
+}
+
+void LiveChart::panFrame()
+{
+    if (!m_panning) {
+        m_panning = true;
+        sendMouse(QEvent::MouseButtonPress, QPoint(400, 500), Qt::LeftButton);
+    }
+    ++m_step;
+    sendMouse(QEvent::MouseMove, QPoint(420 + m_step % 400, 500), Qt::LeftButton);
+    m_chart.repaint();
+}
