@@ -1,0 +1,22 @@
+#include "practice/server/AccountsResource.h"
+
+#include "practice/server/JsonText.h"
+#include "practice/server/Platform.h"
+#include "practice/server/Router.h"
+#include "practice/server/WireRecords.h"
+
+#include <nlohmann/json.hpp>
+
+namespace practice {
+
+void addAccountsRoutes(Router& router, Platform& platform)
+{
+    router.add("GET", "/api/accounts", Router::Access::SignedIn, [&platform](const ApiRequest& request) {
+        auto records = nlohmann::json::array();
+        for (const Account& account : platform.accountsOf(request.userId))
+            records.push_back(accountRecord(account, platform.broker().figures(account.id)));
+        return ApiReply{200, jsonText(records), {}};
+    });
+}
+
+} // namespace practice

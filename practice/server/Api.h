@@ -1,0 +1,38 @@
+#pragma once
+
+#include "practice/server/Target.h"
+
+#include <functional>
+#include <string>
+#include <string_view>
+
+namespace practice {
+
+/// A request as the resources see it: routed, and signed in where the route asks for it.
+struct ApiRequest {
+    Target target;
+    std::string parameter; ///< what stands for {id} in the route; empty when the route has none
+    std::string body;
+    std::string userId; ///< empty on routes that everybody may use
+};
+
+/// An answer; the body is JSON text.
+struct ApiReply {
+    int status = 200;
+    std::string body;
+    std::string allow; ///< methods for the Allow header of a 405
+};
+
+/// Takes the answer of a request, once, at once or later, on the thread of the server.
+using Respond = std::function<void(ApiReply)>;
+
+/// Thrown by a resource that does not carry out a request; nothing has changed then.
+struct ApiError {
+    int status;
+    std::string message; ///< tells a person what to change
+};
+
+/// {"message": ...}
+[[nodiscard]] ApiReply errorReply(int status, std::string_view message);
+
+} // namespace practice

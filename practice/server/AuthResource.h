@@ -1,0 +1,13 @@
+#pragma once
+
+namespace practice {
+
+class Clock;
+class PasswordWorker;
+class Router;
+class Sessions;
+
+/// POST /api/auth/login: {"email", "password"} gives {"token", "email", "user"}.
+void addAuthRoutes(Router& router, Sessions& sessions, PasswordWorker& passwords, const Clock& clock);
+
+} // namespace practice

@@ -1,0 +1,42 @@
+#pragma once
+
+#include "practice/server/FeedSession.h"
+#include "practice/server/Platform.h"
+
+#include <memory>
+#include <span>
+#include <string>
+#include <vector>
+
+namespace practice {
+
+/// Everybody on the feed. Each message is written out once and shared by all who get it.
+class FeedHub final : public PlatformListener {
+public:
+    explicit FeedHub(Platform& platform);
+
+    void join(std::shared_ptr<FeedSession> session);
+    void leave(const FeedSession& session);
+
+    [[nodiscard]] std::size_t symbolCount() const;
+    /// The first message to a client: the symbols and their current prices.
+    [[nodiscard]] FeedMessage hello() const;
+    /// The current prices of the marked symbols.
+    [[nodiscard]] FeedMessage prices(const std::vector<bool>& symbols) const;
+
+    void pricesMoved(std::span<const SymbolQuote> changed) override;
+    void accountEvent(const std::string& userId, const std::string& message) override;
+
+    /// Tells every trader the state of their open positions.
+    void sendTrades();
+    void dropStalled();
+    void closeAll();
+
+private:
+    [[nodiscard]] FeedMessage tradesOf(const std::string& userId) const;
+
+    Platform& m_platform;
+    std::vector<std::shared_ptr<FeedSession>> m_sessions;
+};
+
+} // namespace practice

@@ -1,0 +1,177 @@
+#include "practice/server/FeedSession.h"
+
+#include "practice/server/FeedHub.h"
+
+#include <boost/asio/buffer.hpp>
+#include <boost/beast/core/buffers_to_string.hpp>
+#include <nlohmann/json.hpp>
+
+#include <utility>
+
+namespace practice {
+
+namespace beast = boost::beast;
+namespace websocket = boost::beast::websocket;
+
+namespace {
+
+constexpr std::size_t longestIncoming = 4096; // a terminal sends pings only
+
+bool isPing(const std::string& text)
+{
+    const auto message = nlohmann::json::parse(text, nullptr, false);
+    return message.is_object() && message.value("type", nlohmann::json()) == "ping";
+}
+
+} // namespace
+
+FeedSession::FeedSession(beast::tcp_stream stream, FeedHub& hub, std::string userId)
+    : m_stream(std::move(stream))
+    , m_hub(hub)
+    , m_userId(std::move(userId))
+    , m_incoming(longestIncoming * 2)
+{
+}
+
+void FeedSession::start(Upgrade upgrade)
+{
+    // The WebSocket layer keeps its own time; a dead peer is found out by its silence after a ping.
+    m_stream.next_layer().expires_never();
+    websocket::stream_base::timeout limits{};
+    limits.handshake_timeout = std::chrono::seconds(15);
+    limits.idle_timeout = std::chrono::seconds(60);
+    limits.keep_alive_pings = true;
+    m_stream.set_option(limits);
+    m_stream.read_message_max(longestIncoming);
+    m_stream.auto_fragment(false);
+    const auto request = std::make_shared<Upgrade>(std::move(upgrade));
+    m_stream.async_accept(*request,
+        [self = shared_from_this(), request](boost::system::error_code error) { self->onAccepted(error); });
+}
+
+void FeedSession::onAccepted(boost::system::error_code error)
+{
+    if (error)
+        return;
+    m_stream.text(true);
+    m_open = true;
+    m_changed.assign(m_hub.symbolCount(), false);
+    m_hub.join(shared_from_this());
+    sendEvent(m_hub.hello());
+    read();
+}
+
+void FeedSession::read()
+{
+    m_stream.async_read(m_incoming,
+        [self = shared_from_this()](boost::system::error_code error, std::size_t) { self->onRead(error); });
+}
+
+void FeedSession::onRead(boost::system::error_code error)
+{
+    if (error)
+        return leave();
+    const std::string text = beast::buffers_to_string(m_incoming.data());
+    m_incoming.consume(m_incoming.size());
+    // Several pings that came while the line was busy get one answer: nothing a client sends piles up here.
+    if (m_stream.got_text() && isPing(text)) {
+        m_pongDue = true;
+        pump();
+    }
+    read();
+}
+
+void FeedSession::sendEvent(FeedMessage message)
+{
+    if (m_events.size() >= mostEvents)
+        return leave();
+    m_events.push_back(std::move(message));
+    pump();
+}
+
+void FeedSession::sendTrades(FeedMessage message)
+{
+    m_trades = std::move(message);
+    pump();
+}
+
+void FeedSession::sendPrices(const FeedMessage& message, const std::vector<bool>& changed)
+{
+    m_merged = m_prices != nullptr;
+    m_prices = message;
+    for (std::size_t symbol = 0; symbol < m_changed.size(); ++symbol)
+        m_changed[symbol] = m_changed[symbol] || changed[symbol];
+    pump();
+}
+
+void FeedSession::pump()
+{
+    if (!m_open || m_closing || m_writing)
+        return;
+    m_writing = next();
+    if (!m_writing)
+        return;
+    m_writingSince = std::chrono::steady_clock::now();
+    m_stream.async_write(boost::asio::buffer(*m_writing),
+        [self = shared_from_this()](
+            boost::system::error_code error, std::size_t) { self->onWritten(error); });
+}
+
+FeedMessage FeedSession::next()
+{
+    if (!m_events.empty()) {
+        FeedMessage message = std::move(m_events.front());
+        m_events.pop_front();
+        return message;
+    }
+    if (m_pongDue) {
+        static const FeedMessage pong = std::make_shared<const std::string>(R"({"type":"pong"})");
+        m_pongDue = false;
+        return pong;
+    }
+    if (m_trades)
+        return std::exchange(m_trades, nullptr);
+    if (!m_prices)
+        return nullptr;
+    FeedMessage message = m_merged ? m_hub.prices(m_changed) : m_prices;
+    m_prices = nullptr;
+    m_merged = false;
+    m_changed.assign(m_changed.size(), false);
+    return message;
+}
+
+void FeedSession::onWritten(boost::system::error_code error)
+{
+    m_writing = nullptr;
+    if (error)
+        return leave();
+    pump();
+}
+
+void FeedSession::dropIfStalled()
+{
+    if (m_writing && std::chrono::steady_clock::now() - m_writingSince > stallLimit)
+        leave();
+}
+
+void FeedSession::close()
+{
+    if (!m_open || m_closing)
+        return;
+    m_closing = true;
+    m_stream.async_close(websocket::close_code::going_away,
+        [self = shared_from_this()](boost::system::error_code) { self->leave(); });
+}
+
+void FeedSession::leave()
+{
+    if (!std::exchange(m_open, false))
+        return;
+    m_events.clear();
+    m_trades = nullptr;
+    m_prices = nullptr;
+    beast::get_lowest_layer(m_stream).close();
+    m_hub.leave(*this);
+}
+
+} // namespace practice

@@ -1,0 +1,80 @@
+#pragma once
+
+#include <boost/beast/core/flat_buffer.hpp>
+#include <boost/beast/core/tcp_stream.hpp>
+#include <boost/beast/http/message.hpp>
+#include <boost/beast/http/string_body.hpp>
+#include <boost/beast/websocket/stream.hpp>
+
+#include <chrono>
+#include <deque>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace practice {
+
+class FeedHub;
+
+/// A message made once and shared by every client it goes to.
+using FeedMessage = std::shared_ptr<const std::string>;
+
+/// One terminal on the live feed.
+///
+/// A client that reads slowly costs a bounded amount: while a message is on its way, price updates and
+/// trade updates are merged into the next one of their kind, and who lets events pile up or does not read at
+/// all is disconnected.
+class FeedSession final : public std::enable_shared_from_this<FeedSession> {
+public:
+    using Stream = boost::beast::websocket::stream<boost::beast::tcp_stream>;
+    using Upgrade = boost::beast::http::request<boost::beast::http::string_body>;
+
+    FeedSession(boost::beast::tcp_stream stream, FeedHub& hub, std::string userId);
+
+    /// Accepts the handshake, sends the hello and joins the hub.
+    void start(Upgrade upgrade);
+
+    /// Something that happened once; never merged and never left out.
+    void sendEvent(FeedMessage message);
+    /// The state of the trades; replaces one that was not sent yet.
+    void sendTrades(FeedMessage message);
+    /// New prices; `changed` marks the symbols in `message`.
+    void sendPrices(const FeedMessage& message, const std::vector<bool>& changed);
+
+    /// Disconnects a client that has not taken a message for too long.
+    void dropIfStalled();
+    /// Says good-bye and ends the connection.
+    void close();
+
+    [[nodiscard]] const std::string& userId() const { return m_userId; }
+
+    static constexpr std::size_t mostEvents = 512;
+    static constexpr std::chrono::seconds stallLimit{20};
+
+private:
+    void onAccepted(boost::system::error_code error);
+    void read();
+    void onRead(boost::system::error_code error);
+    void pump();
+    [[nodiscard]] FeedMessage next();
+    void onWritten(boost::system::error_code error);
+    void leave();
+
+    Stream m_stream;
+    FeedHub& m_hub;
+    std::string m_userId;
+    boost::beast::flat_buffer m_incoming;
+
+    std::deque<FeedMessage> m_events;
+    FeedMessage m_trades;
+    FeedMessage m_prices;        ///< waiting, complete for m_changed unless m_merged
+    std::vector<bool> m_changed; ///< symbols with prices that were not sent yet
+    bool m_merged = false;       ///< several updates wait; one is made when its turn comes
+    bool m_pongDue = false;
+    FeedMessage m_writing;
+    std::chrono::steady_clock::time_point m_writingSince;
+    bool m_open = false;
+    bool m_closing = false;
+};
+
+} // namespace practice

@@ -1,0 +1,27 @@
+#include "practice/server/FirstUse.h"
+
+#include "practice/core/broker/DefaultAccounts.h"
+#include "practice/server/Secrets.h"
+#include "practice/storage/Database.h"
+#include "practice/storage/TradeStore.h"
+#include "practice/storage/UserStore.h"
+
+#include <random>
+
+namespace practice {
+
+void prepareFirstUse(Database& database, TimeMs now)
+{
+    UserStore users(database);
+    if (users.byEmail(practiceEmail))
+        return;
+    std::random_device device;
+    UuidSource ids(std::uint64_t{device()} << 32 | device());
+    const User trader{ids(), practiceEmail, "Practice Trader", hashPassword(practicePassword)};
+    Transaction transaction(database);
+    users.add(trader);
+    TradeStore(database).addAccounts(trader.id, defaultAccounts(ids, now));
+    transaction.commit();
+}
+
+} // namespace practice

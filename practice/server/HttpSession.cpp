@@ -1,0 +1,223 @@
+#include "practice/server/HttpSession.h"
+
+#include "practice/server/Api.h"
+#include "practice/server/FeedSession.h"
+#include "practice/server/Router.h"
+#include "practice/server/Sessions.h"
+
+#include <boost/asio/redirect_error.hpp>
+#include <boost/asio/steady_timer.hpp>
+#include <boost/asio/use_awaitable.hpp>
+#include <boost/beast/core/flat_buffer.hpp>
+#include <boost/beast/core/tcp_stream.hpp>
+#include <boost/beast/http.hpp>
+#include <boost/beast/websocket/rfc6455.hpp>
+
+#include <array>
+#include <chrono>
+#include <memory>
+#include <optional>
+
+namespace practice {
+
+namespace net = boost::asio;
+namespace beast = boost::beast;
+namespace http = boost::beast::http;
+using boost::system::error_code;
+
+namespace {
+
+constexpr std::uint32_t longestHeader = 16 * 1024;
+constexpr std::uint64_t longestBody = 64 * 1024;
+constexpr std::chrono::seconds idleLimit{75};
+constexpr std::chrono::seconds transferLimit{30};
+constexpr std::chrono::seconds lingerLimit{2};
+constexpr std::size_t lingerBytes = 1024 * 1024;
+constexpr const char* serverName = "tavoran-practice";
+
+using RequestParser = http::request_parser<http::string_body>;
+using Request = http::request<http::string_body>;
+
+std::string_view view(beast::string_view text)
+{
+    return {text.data(), text.size()};
+}
+
+/// One connection. Lives in the coroutine that serves it.
+class Connection final {
+public:
+    Connection(net::ip::tcp::socket socket, ServerParts parts)
+        : m_stream(std::move(socket))
+        , m_parts(parts)
+        , m_buffer(longestHeader + longestBody)
+    {
+    }
+
+    net::awaitable<void> serve();
+
+private:
+    net::awaitable<error_code> readRequest(RequestParser& parser);
+    net::awaitable<ApiReply> handle(Request& request);
+    net::awaitable<bool> write(ApiReply reply, unsigned version, bool keepAlive, bool withBody);
+    net::awaitable<void> refuse(error_code error);
+    net::awaitable<void> linger();
+    [[nodiscard]] std::optional<std::string> feedUser(const Request& request) const;
+
+    beast::tcp_stream m_stream;
+    ServerParts m_parts;
+    beast::flat_buffer m_buffer;
+};
+
+bool isFeed(const Request& request)
+{
+    const std::string_view target = view(request.target());
+    return boost::beast::websocket::is_upgrade(request)
+        && target.substr(0, target.find('?')) == "/ws/terminal";
+}
+
+net::awaitable<void> Connection::serve()
+{
+    while (true) {
+        RequestParser parser;
+        const error_code error = co_await readRequest(parser);
+        if (error) {
+            co_await refuse(error);
+            co_return;
+        }
+        Request request = parser.release();
+        if (isFeed(request)) {
+            auto user = feedUser(request);
+            if (user) {
+                std::make_shared<FeedSession>(std::move(m_stream), m_parts.hub, std::move(*user))
+                    ->start(std::move(request));
+                co_return;
+            }
+            // Some clients wait for ever on a refused handshake whose connection stays open.
+            ApiReply refusal = errorReply(401, "The feed needs a valid token. Please sign in again.");
+            co_await write(std::move(refusal), request.version(), false, true);
+            co_await linger();
+            co_return;
+        }
+        const unsigned version = request.version();
+        const bool keepAlive = request.keep_alive();
+        const bool withBody = request.method() != http::verb::head;
+        ApiReply reply = co_await handle(request);
+        const bool goOn = co_await write(std::move(reply), version, keepAlive, withBody);
+        if (!goOn)
+            break;
+    }
+    co_await linger();
+}
+
+net::awaitable<error_code> Connection::readRequest(RequestParser& parser)
+{
+    parser.header_limit(longestHeader);
+    parser.body_limit(longestBody);
+    error_code error;
+    m_stream.expires_after(idleLimit);
+    co_await http::async_read_header(
+        m_stream, m_buffer, parser, net::redirect_error(net::use_awaitable, error));
+    if (error || parser.is_done())
+        co_return error;
+    m_stream.expires_after(transferLimit);
+    if (beast::iequals(parser.get()[http::field::expect], "100-continue")) {
+        http::response<http::empty_body> goOn{http::status::continue_, parser.get().version()};
+        co_await http::async_write(m_stream, goOn, net::redirect_error(net::use_awaitable, error));
+        if (error)
+            co_return error;
+    }
+    co_await http::async_read(m_stream, m_buffer, parser, net::redirect_error(net::use_awaitable, error));
+    co_return error;
+}
+
+net::awaitable<ApiReply> Connection::handle(Request& request)
+{
+    // The answer may come later; a timer that never runs out is what this coroutine waits on.
+    struct Waiting {
+        std::optional<ApiReply> reply;
+        net::steady_timer timer;
+    };
+    const auto waiting = std::make_shared<Waiting>(
+        Waiting{{}, net::steady_timer(m_stream.get_executor(), net::steady_timer::time_point::max())});
+    const Respond respond = [waiting](ApiReply reply) {
+        waiting->reply = std::move(reply);
+        waiting->timer.cancel();
+    };
+    const std::string method(view(request.method_string()));
+    const std::string target(view(request.target()));
+    const std::string authorization(view(request[http::field::authorization]));
+    m_parts.router.handle(method, target, authorization, std::move(request.body()), respond);
+    if (!waiting->reply) {
+        error_code cancelled;
+        co_await waiting->timer.async_wait(net::redirect_error(net::use_awaitable, cancelled));
+    }
+    co_return std::move(*waiting->reply);
+}
+
+net::awaitable<bool> Connection::write(ApiReply reply, unsigned version, bool keepAlive, bool withBody)
+{
+    http::response<http::string_body> response{static_cast<http::status>(reply.status), version};
+    response.set(http::field::server, serverName);
+    response.set(http::field::content_type, "application/json");
+    response.set(http::field::cache_control, "no-store");
+    if (reply.status == 401)
+        response.set(http::field::www_authenticate, "Bearer");
+    if (!reply.allow.empty())
+        response.set(http::field::allow, reply.allow);
+    response.keep_alive(keepAlive);
+    const std::size_t length = reply.body.size();
+    if (withBody)
+        response.body() = std::move(reply.body);
+    response.content_length(length);
+    m_stream.expires_after(transferLimit);
+    error_code error;
+    co_await http::async_write(m_stream, response, net::redirect_error(net::use_awaitable, error));
+    co_return !error && keepAlive;
+}
+
+net::awaitable<void> Connection::refuse(error_code error)
+{
+    if (error == http::error::end_of_stream || error == http::error::partial_message
+        || error.category() != http::make_error_code(http::error::bad_method).category())
+        co_return;
+    ApiReply reply = errorReply(400, "The request is not proper HTTP.");
+    if (error == http::error::body_limit)
+        reply = errorReply(413, "The request body is too long; 64 KiB are accepted.");
+    else if (error == http::error::header_limit || error == http::error::buffer_overflow)
+        reply = errorReply(431, "The request header is too long; 16 KiB are accepted.");
+    co_await write(std::move(reply), 11, false, true);
+    co_await linger();
+}
+
+// A connection closed with unread bytes is reset, and the peer may lose the answer it was just sent.
+net::awaitable<void> Connection::linger()
+{
+    error_code error;
+    m_stream.socket().shutdown(net::ip::tcp::socket::shutdown_send, error);
+    if (error)
+        co_return;
+    m_stream.expires_after(lingerLimit);
+    const auto rest = std::make_unique<std::array<char, 4096>>();
+    std::size_t total = 0;
+    while (!error && total < lingerBytes) {
+        total += co_await m_stream.async_read_some(
+            net::buffer(*rest), net::redirect_error(net::use_awaitable, error));
+    }
+}
+
+std::optional<std::string> Connection::feedUser(const Request& request) const
+{
+    const auto target = Target::parse(view(request.target()));
+    const auto token = target ? target->item("token") : std::nullopt;
+    return token ? m_parts.sessions.userOfToken(*token) : std::nullopt;
+}
+
+} // namespace
+
+net::awaitable<void> serveConnection(net::ip::tcp::socket socket, ServerParts parts)
+{
+    Connection connection(std::move(socket), parts);
+    co_await connection.serve();
+}
+
+} // namespace practice

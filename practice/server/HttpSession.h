@@ -1,0 +1,26 @@
+#pragma once
+
+#include <utility> // awaitable.hpp of Boost 1.74 needs it before its own includes
+
+#include <boost/asio/awaitable.hpp>
+#include <boost/asio/ip/tcp.hpp>
+
+namespace practice {
+
+class FeedHub;
+class Router;
+class Sessions;
+
+/// What a connection needs of the server; all of it outlives the connection.
+struct ServerParts {
+    const Router& router;
+    Sessions& sessions;
+    FeedHub& hub;
+};
+
+/// Serves one connection: one HTTP request after the other, until the peer closes, asks to close, breaks the
+/// rules or is silent for too long, or until it turns into a feed.
+[[nodiscard]] boost::asio::awaitable<void> serveConnection(
+    boost::asio::ip::tcp::socket socket, ServerParts parts);
+
+} // namespace practice

@@ -1,0 +1,156 @@
+#include "practice/server/Options.h"
+
+#include <boost/asio/ip/address.hpp>
+
+#include <charconv>
+#include <cmath>
+#include <cstdlib>
+
+namespace practice {
+
+namespace {
+
+constexpr double slowest = 0.1;
+constexpr double fastest = 1000;
+
+template <typename T> std::optional<T> wholeNumber(const std::string& text)
+{
+    T value{};
+    const char* end = text.data() + text.size();
+    const auto [stop, error] = std::from_chars(text.data(), end, value);
+    if (error != std::errc() || stop != end)
+        return std::nullopt;
+    return value;
+}
+
+std::uint16_t portOf(const std::string& text)
+{
+    if (const auto port = wholeNumber<std::uint16_t>(text))
+        return *port;
+    throw UsageError("--port takes a number from 0 to 65535, not \"" + text + '"');
+}
+
+double speedOf(const std::string& text)
+{
+    const auto speed = wholeNumber<double>(text);
+    if (speed && std::isfinite(*speed) && *speed >= slowest && *speed <= fastest)
+        return *speed;
+    throw UsageError("--speed takes a number from 0.1 to 1000, not \"" + text + '"');
+}
+
+std::uint64_t seedOf(const std::string& text)
+{
+    if (const auto seed = wholeNumber<std::uint64_t>(text))
+        return *seed;
+    throw UsageError("--seed takes a whole number that is not negative, not \"" + text + '"');
+}
+
+std::string addressOf(const std::string& text, bool remoteAllowed)
+{
+    boost::system::error_code error;
+    const auto address = boost::asio::ip::make_address(text == "localhost" ? "127.0.0.1" : text, error);
+    if (error)
+        throw UsageError("--address takes an IP address, not \"" + text + '"');
+    if (!address.is_loopback() && !remoteAllowed) {
+        throw UsageError("--address " + text
+            + " can be reached from other machines, and the practice password"
+              " is public; add --allow-remote if that is what you want");
+    }
+    return address.to_string();
+}
+
+std::filesystem::path directoryOf(const std::string& text)
+{
+    std::error_code error;
+    if (!std::filesystem::is_directory(text, error))
+        throw UsageError("--replay takes a folder, and \"" + text + "\" is none");
+    return text;
+}
+
+std::filesystem::path defaultDatabase()
+{
+    const auto fromEnvironment = [](const char* name) -> std::filesystem::path {
+        const char* value = std::getenv(name);
+        return value ? value : "";
+    };
+    std::filesystem::path data = fromEnvironment("XDG_DATA_HOME");
+    if (!data.is_absolute()) {
+        const std::filesystem::path home = fromEnvironment("HOME");
+        if (!home.is_absolute())
+            throw UsageError(
+                "neither XDG_DATA_HOME nor HOME is set; say where to keep the data with --db FILE");
+        data = home / ".local" / "share";
+    }
+    return data / "tavoran-practice" / "practice.db";
+}
+
+} // namespace
+
+Options parseOptions(const std::vector<std::string>& arguments)
+{
+    Options options;
+    bool remoteAllowed = false;
+    for (std::size_t i = 0; i < arguments.size(); ++i) {
+        const std::size_t equals = arguments[i].find('=');
+        const std::string name = arguments[i].substr(0, equals);
+        const auto value = [&]() -> std::string {
+            if (equals != std::string::npos)
+                return arguments[i].substr(equals + 1);
+            if (i + 1 == arguments.size())
+                throw UsageError(name + " needs a value");
+            return arguments[++i];
+        };
+        if (name == "--port")
+            options.port = portOf(value());
+        else if (name == "--address")
+            options.address = value();
+        else if (name == "--db")
+            options.database = value();
+        else if (name == "--seed")
+            options.seed = seedOf(value());
+        else if (name == "--speed")
+            options.speed = speedOf(value());
+        else if (name == "--replay")
+            options.replay = directoryOf(value());
+        else if (equals != std::string::npos)
+            throw UsageError("unknown option " + arguments[i] + " (see --help)");
+        else if (name == "--allow-remote")
+            remoteAllowed = true;
+        else if (name == "--quiet")
+            options.quiet = true;
+        else if (name == "--help")
+            options.showHelp = true;
+        else if (name == "--version")
+            options.showVersion = true;
+        else
+            throw UsageError("unknown argument " + name + " (see --help)");
+    }
+    if (options.showHelp || options.showVersion)
+        return options;
+    options.address = addressOf(options.address, remoteAllowed);
+    if (options.database.empty())
+        options.database = defaultDatabase();
+    return options;
+}
+
+std::string helpText()
+{
+    return "Usage: tavoran-practice [options]\n"
+           "A trading platform of one's own to practise on: simulated prices, no real money.\n"
+           "\n"
+           "  --port N         port to listen on (default 5001; 0 chooses a free one)\n"
+           "  --address IP     address to listen on (default 127.0.0.1)\n"
+           "  --allow-remote   let --address be one that other machines can reach\n"
+           "  --db FILE        where accounts and trades are kept\n"
+           "                   (default $XDG_DATA_HOME/tavoran-practice/practice.db)\n"
+           "  --seed N         which market to simulate; remembered in the database\n"
+           "  --speed X        how fast the market moves, 0.1 to 1000 (default 1)\n"
+           "  --replay DIR     play prices from files SYMBOL-1m.csv instead of simulating them\n"
+           "  --quiet          print nothing but the address\n"
+           "  --help           print this text\n"
+           "  --version        print the version\n"
+           "\n"
+           "Sign in as trader@practice.local with the password: practice\n";
+}
+
+} // namespace practice

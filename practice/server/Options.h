@@ -1,0 +1,38 @@
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <optional>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+namespace practice {
+
+/// What the command line asked for.
+struct Options {
+    std::string address = "127.0.0.1";
+    std::uint16_t port = 5001;      ///< 0 lets the system choose a free one
+    std::filesystem::path database; ///< never empty after parsing
+    std::optional<std::uint64_t> seed;
+    double speed = 1;
+    std::optional<std::filesystem::path> replay;
+    bool quiet = false;
+    bool showHelp = false;
+    bool showVersion = false;
+};
+
+/// The command line cannot be understood; the text is one line for a person.
+class UsageError : public std::runtime_error {
+public:
+    using std::runtime_error::runtime_error;
+};
+
+/// Reads the arguments (without the program's name). Options take their value as the next argument or
+/// behind "="; of a repeated option the last one counts. Throws UsageError.
+[[nodiscard]] Options parseOptions(const std::vector<std::string>& arguments);
+
+/// The text of --help.
+[[nodiscard]] std::string helpText();
+
+} // namespace practice

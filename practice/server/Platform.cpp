@@ -1,0 +1,123 @@
+#include "practice/server/Platform.h"
+
+#include "practice/server/Api.h"
+#include "practice/server/WireRecords.h"
+#include "practice/storage/StorageError.h"
+
+#include <random>
+#include <stdexcept>
+#include <utility>
+#include <variant>
+
+namespace practice {
+
+namespace {
+
+std::uint64_t randomSeed()
+{
+    std::random_device device;
+    return std::uint64_t{device()} << 32 | device();
+}
+
+Broker loadBroker(const std::vector<SymbolSpec>& symbols, TradeStore& trades)
+{
+    try {
+        return Broker(symbols, UuidSource(randomSeed()), trades.load());
+    } catch (const std::invalid_argument& error) {
+        throw StorageError(std::string("the stored accounts contradict themselves: ") + error.what());
+    }
+}
+
+} // namespace
+
+Platform::Platform(Database& database, PriceSource& market, const Clock& clock)
+    : m_database(database)
+    , m_market(market)
+    , m_clock(clock)
+    , m_trades(database)
+    , m_drawings(database)
+    , m_owners(m_trades.accountOwners())
+    , m_broker(loadBroker(market.symbols(), m_trades))
+{
+    for (std::size_t symbol = 0; symbol < market.symbols().size(); ++symbol)
+        m_quotes.push_back({symbol, {}});
+}
+
+void Platform::advance()
+{
+    const TimeMs now = m_clock.now();
+    std::vector<SymbolQuote> changed;
+    for (SymbolQuote& last : m_quotes) {
+        const Quote quote = m_market.quote(last.symbol, now);
+        if (quote == last.quote)
+            continue;
+        last.quote = quote;
+        changed.push_back(last);
+    }
+    if (m_listener && !changed.empty())
+        m_listener->pricesMoved(changed);
+    const ChangeSet changes = m_broker.onPrices(changed, now);
+    store(changes);
+    announce(changes);
+}
+
+std::string Platform::execute(const Command& command)
+{
+    CommandResult result = command(m_broker, m_clock.now());
+    if (!result.accepted())
+        throw ApiError{result.refusal->httpStatus, result.refusal->message};
+    store(result.changes);
+    announce(result.changes);
+    return std::move(result.tradeId);
+}
+
+void Platform::store(const ChangeSet& changes)
+{
+    if (changes.empty())
+        return;
+    try {
+        Transaction transaction(m_database);
+        m_trades.store(changes);
+        transaction.commit();
+    } catch (const StorageError&) {
+        m_broker.undo(changes);
+        throw;
+    }
+}
+
+void Platform::announce(const ChangeSet& changes)
+{
+    if (!m_listener)
+        return;
+    for (const BrokerEvent& event : changes.events) {
+        if (const auto* orders = std::get_if<OrdersChanged>(&event)) {
+            m_listener->accountEvent(m_owners.at(orders->accountId), eventMessage(*orders));
+        } else {
+            const Account& account = std::get<AccountUpdated>(event).account;
+            m_listener->accountEvent(
+                m_owners.at(account.id), eventMessage(account, m_broker.figures(account.id)));
+        }
+    }
+}
+
+int Platform::digits(std::string_view symbol) const
+{
+    constexpr int usualDigits = 5;
+    const auto position = findSymbol(symbols(), symbol);
+    return position ? symbols()[*position].digits : usualDigits;
+}
+
+bool Platform::owns(std::string_view userId, std::string_view accountId) const
+{
+    const auto owner = m_owners.find(accountId);
+    return owner != m_owners.end() && owner->second == userId;
+}
+
+std::vector<Account> Platform::accountsOf(std::string_view userId) const
+{
+    std::vector<Account> accounts = m_broker.accounts();
+    std::erase_if(accounts, [&](const Account& account) { return !owns(userId, account.id); });
+    return accounts;
+}
+
+} // namespace practice

@@ -1,0 +1,81 @@
+#pragma once
+
+#include "practice/core/broker/Broker.h"
+#include "practice/core/market/PriceSource.h"
+#include "practice/server/Clock.h"
+#include "practice/storage/Database.h"
+#include "practice/storage/DrawingStore.h"
+#include "practice/storage/TradeStore.h"
+#include "practice/storage/UserStore.h"
+
+#include <functional>
+#include <map>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace practice {
+
+/// What the platform tells the feed. Called after the data is safely stored.
+class PlatformListener {
+public:
+    PlatformListener() = default;
+    PlatformListener(const PlatformListener&) = delete;
+    PlatformListener& operator=(const PlatformListener&) = delete;
+    virtual ~PlatformListener() = default;
+
+    virtual void pricesMoved(std::span<const SymbolQuote> changed) = 0;
+    virtual void accountEvent(const std::string& userId, const std::string& message) = 0;
+};
+
+/// Market, broker and storage as one: every change is on the disk before anybody hears of it, and what
+/// cannot be stored did not happen.
+class Platform final {
+public:
+    using Command = std::function<CommandResult(Broker&, TimeMs now)>;
+
+    /// Loads the accounts and live trades. Throws StorageError when the stored state cannot be used.
+    Platform(Database& database, PriceSource& market, const Clock& clock);
+
+    void setListener(PlatformListener* listener) { m_listener = listener; }
+
+    /// Moves to the present: new prices and everything they cause. Throws StorageError when that could not
+    /// be stored; prices have moved then, and the rest happens with the next call.
+    void advance();
+
+    /// Carries out a command, stores what it changed and announces it. Throws ApiError with the broker's
+    /// reason when it is refused, StorageError when it cannot be stored; nothing has changed then.
+    /// Returns the id of the trade.
+    std::string execute(const Command& command);
+
+    [[nodiscard]] TimeMs now() const { return m_clock.now(); }
+    [[nodiscard]] const Broker& broker() const { return m_broker; }
+    [[nodiscard]] const std::vector<SymbolSpec>& symbols() const { return m_market.symbols(); }
+    [[nodiscard]] PriceSource& market() { return m_market; }
+    [[nodiscard]] TradeStore& trades() { return m_trades; }
+    [[nodiscard]] DrawingStore& drawings() { return m_drawings; }
+    /// The prices that were last announced, by position of the symbol.
+    [[nodiscard]] const std::vector<SymbolQuote>& quotes() const { return m_quotes; }
+    /// Decimals of a symbol's prices; 5 for one that is no longer traded.
+    [[nodiscard]] int digits(std::string_view symbol) const;
+
+    [[nodiscard]] bool owns(std::string_view userId, std::string_view accountId) const;
+    [[nodiscard]] std::vector<Account> accountsOf(std::string_view userId) const;
+
+private:
+    void store(const ChangeSet& changes);
+    void announce(const ChangeSet& changes);
+
+    Database& m_database;
+    PriceSource& m_market;
+    const Clock& m_clock;
+    TradeStore m_trades;
+    DrawingStore m_drawings;
+    std::map<std::string, std::string, std::less<>> m_owners;
+    std::vector<SymbolQuote> m_quotes;
+    Broker m_broker;
+    PlatformListener* m_listener = nullptr;
+};
+
+} // namespace practice

@@ -1,0 +1,141 @@
+#include "practice/server/Server.h"
+
+#include "practice/server/AccountsResource.h"
+#include "practice/server/AuthResource.h"
+#include "practice/server/CandlesResource.h"
+#include "practice/server/DrawingsResource.h"
+#include "practice/server/FeedResource.h"
+#include "practice/server/NewsResource.h"
+#include "practice/server/SettingsResource.h"
+#include "practice/server/TradesResource.h"
+#include "practice/storage/StorageError.h"
+
+#include <boost/asio/co_spawn.hpp>
+#include <boost/asio/detached.hpp>
+#include <boost/asio/redirect_error.hpp>
+#include <boost/asio/use_awaitable.hpp>
+
+#include <exception>
+#include <iostream>
+
+namespace practice {
+
+namespace net = boost::asio;
+using boost::system::error_code;
+using net::ip::tcp;
+using namespace std::chrono_literals;
+
+namespace {
+
+constexpr auto tradesInterval = 1000ms;
+constexpr auto complaintInterval = 10s;
+constexpr auto goodbyeTime = 300ms;
+constexpr auto acceptPause = 100ms;
+
+// A fault in one connection must not take the others down with it.
+void reportFault(const std::exception_ptr& fault)
+{
+    if (!fault)
+        return;
+    try {
+        std::rethrow_exception(fault);
+    } catch (const std::exception& error) {
+        std::cerr << "tavoran-practice: connection: " << error.what() << std::endl;
+    }
+}
+
+} // namespace
+
+Server::Server(net::io_context& context, Database& database, PriceSource& market, const Clock& clock,
+    const ServerSettings& settings)
+    : m_context(context)
+    , m_settings(settings)
+    , m_sessions(database)
+    , m_platform(database, market, clock)
+    , m_hub(m_platform)
+    , m_passwords(context)
+    , m_router([this](std::string_view header) { return m_sessions.userOfHeader(header); })
+    , m_acceptor(context)
+    , m_goodbye(context)
+{
+    addAccountsRoutes(m_router, m_platform);
+    addAuthRoutes(m_router, m_sessions, m_passwords, clock);
+    addCandlesRoutes(m_router, m_platform);
+    addDrawingsRoutes(m_router, m_platform);
+    addFeedRoutes(m_router);
+    addNewsRoutes(m_router, m_platform, settings.newsSeed);
+    addSettingsRoutes(m_router);
+    addTradesRoutes(m_router, m_platform);
+
+    const tcp::endpoint endpoint(net::ip::make_address(settings.address), settings.port);
+    m_acceptor.open(endpoint.protocol());
+    m_acceptor.set_option(net::socket_base::reuse_address(true));
+    m_acceptor.bind(endpoint);
+    m_acceptor.listen();
+    m_port = m_acceptor.local_endpoint().port();
+
+    // The first prices are there before the first client is.
+    m_platform.advance();
+    m_platform.setListener(&m_hub);
+    net::co_spawn(m_context, listen(), net::detached);
+    net::co_spawn(m_context, movePrices(), net::detached);
+}
+
+net::awaitable<void> Server::listen()
+{
+    net::steady_timer pause(m_context);
+    while (m_acceptor.is_open()) {
+        error_code error;
+        tcp::socket socket = co_await m_acceptor.async_accept(net::redirect_error(net::use_awaitable, error));
+        if (!error) {
+            error_code ignored;
+            socket.set_option(tcp::no_delay(true), ignored);
+            net::co_spawn(m_context,
+                serveConnection(std::move(socket), ServerParts{m_router, m_sessions, m_hub}), reportFault);
+        } else if (m_acceptor.is_open()) {
+            // Usually no free descriptor; trying again at once would only burn time.
+            pause.expires_after(acceptPause);
+            co_await pause.async_wait(net::redirect_error(net::use_awaitable, error));
+        }
+    }
+}
+
+net::awaitable<void> Server::movePrices()
+{
+    net::steady_timer timer(m_context, m_settings.priceInterval);
+    auto nextTrades = std::chrono::steady_clock::now() + tradesInterval;
+    auto nextComplaint = std::chrono::steady_clock::now();
+    while (m_acceptor.is_open()) {
+        co_await timer.async_wait(net::use_awaitable);
+        const auto now = std::chrono::steady_clock::now();
+        try {
+            m_platform.advance();
+        } catch (const StorageError& error) {
+            if (now >= nextComplaint) {
+                std::cerr << "tavoran-practice: storage: " << error.what() << std::endl;
+                nextComplaint = now + complaintInterval;
+            }
+        }
+        if (now >= nextTrades) {
+            m_hub.sendTrades();
+            m_hub.dropStalled();
+            nextTrades = now + tradesInterval;
+        }
+        // After a pause (a suspended machine) the beat starts anew instead of catching up.
+        const auto due = timer.expiry() + m_settings.priceInterval;
+        timer.expires_at(due > now ? due : now + m_settings.priceInterval);
+    }
+}
+
+void Server::stop()
+{
+    if (!m_acceptor.is_open())
+        return;
+    error_code ignored;
+    m_acceptor.close(ignored);
+    m_hub.closeAll();
+    m_goodbye.expires_after(goodbyeTime);
+    m_goodbye.async_wait([this](error_code) { m_context.stop(); });
+}
+
+} // namespace practice

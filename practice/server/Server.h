@@ -1,0 +1,58 @@
+#pragma once
+
+#include "practice/core/market/PriceSource.h"
+#include "practice/server/Clock.h"
+#include "practice/server/FeedHub.h"
+#include "practice/server/HttpSession.h"
+#include "practice/server/PasswordWorker.h"
+#include "practice/server/Platform.h"
+#include "practice/server/Router.h"
+#include "practice/server/Sessions.h"
+
+#include <boost/asio/io_context.hpp>
+#include <boost/asio/ip/tcp.hpp>
+#include <boost/asio/steady_timer.hpp>
+
+#include <chrono>
+#include <cstdint>
+#include <string>
+
+namespace practice {
+
+/// Where and how the server runs.
+struct ServerSettings {
+    std::string address = "127.0.0.1";
+    std::uint16_t port = 0; ///< 0 chooses a free one
+    std::uint64_t newsSeed = 1;
+    std::chrono::milliseconds priceInterval{250};
+};
+
+/// The practice platform on the wire: the REST interface and the feed on one port, everything on the thread
+/// that runs `context`. Throws boost::system::system_error when it cannot listen.
+class Server final {
+public:
+    Server(boost::asio::io_context& context, Database& database, PriceSource& market, const Clock& clock,
+        const ServerSettings& settings);
+
+    [[nodiscard]] std::uint16_t port() const { return m_port; }
+
+    /// Takes no new connections, says good-bye to the feed and, a moment later, stops the context.
+    void stop();
+
+private:
+    boost::asio::awaitable<void> listen();
+    boost::asio::awaitable<void> movePrices();
+
+    boost::asio::io_context& m_context;
+    ServerSettings m_settings;
+    Sessions m_sessions;
+    Platform m_platform;
+    FeedHub m_hub;
+    PasswordWorker m_passwords;
+    Router m_router;
+    boost::asio::ip::tcp::acceptor m_acceptor;
+    boost::asio::steady_timer m_goodbye;
+    std::uint16_t m_port = 0;
+};
+
+} // namespace practice

@@ -1,0 +1,44 @@
+#pragma once
+
+#include "practice/core/broker/ChangeSet.h"
+#include "practice/core/broker/Records.h"
+
+#include <map>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace practice {
+
+class Database;
+
+/// Accounts and trades, live and finished.
+class TradeStore final {
+public:
+    explicit TradeStore(Database& database);
+
+    /// Gives a user accounts; they are listed in this order, behind those that are there already. To be
+    /// called within a transaction.
+    void addAccounts(std::string_view userId, const std::vector<Account>& accounts);
+
+    /// Stores what a command or a price caused. To be called within a transaction.
+    void store(const ChangeSet& changes);
+
+    /// What the broker starts from. Throws StorageError for a row that cannot be read.
+    [[nodiscard]] BrokerState load();
+    /// The user of every account.
+    [[nodiscard]] std::map<std::string, std::string, std::less<>> accountOwners();
+
+    /// Closed positions, the last closed first.
+    [[nodiscard]] std::vector<Trade> history(std::string_view accountId, int limit);
+    /// A trade whatever its state.
+    [[nodiscard]] std::optional<Trade> find(std::string_view tradeId);
+
+private:
+    void storeAccount(const Account& account);
+    void storeTrade(const Trade& trade);
+
+    Database& m_database;
+};
+
+} // namespace practice

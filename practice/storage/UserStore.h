@@ -1,0 +1,42 @@
+#pragma once
+
+#include "practice/core/Types.h"
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace practice {
+
+class Database;
+
+/// Somebody who can sign in.
+struct User {
+    std::string id;
+    std::string email;
+    std::string name;
+    std::string passwordHash; ///< as crypt(3) writes it: method, cost, salt and digest
+};
+
+/// Users and the sessions they hold. Tokens are known here by their digest only, so a copy of the file
+/// opens no session.
+class UserStore final {
+public:
+    explicit UserStore(Database& database);
+
+    void add(const User& user);
+    /// E-mail addresses are compared without regard to the case of ASCII letters.
+    [[nodiscard]] std::optional<User> byEmail(std::string_view email);
+
+    /// Remembers a session; the oldest ones of the same user beyond `sessionsPerUser` end.
+    void addToken(std::string_view tokenHash, std::string_view userId, TimeMs now);
+    /// The user whose session it is.
+    [[nodiscard]] std::optional<std::string> userOfToken(std::string_view tokenHash);
+
+    static constexpr int sessionsPerUser = 200;
+
+private:
+    Database& m_database;
+};
+
+} // namespace practice
