@@ -1,0 +1,312 @@
+#include "MainWindowFixture.h"
+#include "support/TestMain.h"
+
+using namespace Qt::StringLiterals;
+
+/// The road from the server's accounts and trades to what a trader sees, through a whole window.
+class tst_AccountFlow final : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void signInLoadsAccountsTradesAndSummary();
+    void helloReadsTheAccountsAgain();
+    void switchingLoadsTheOtherAccountsLists();
+    void lateRepliesForAnotherAccountChangeNothing();
+    void latePendingReplyForAnotherAccountChangesNothing();
+    void selectedAccountStaysSelectedWhenTheListChanges();
+    void vanishedAccountGivesWayToTheFirstActiveOne();
+    void failedAccountsKeepEverythingAndAreReported();
+    void failedTradesKeepTheListAndAreReported();
+    void failedPendingOrdersCountAsNoneAndAreNotReportedOnPurpose();
+    void failedHistoryKeepsTheListAndIsNotReported();
+    void unreadableAccountListCountsAsEmptyOnPurpose();
+    void emptyAccountListClearsTheSummary();
+    void expiredSessionIsReportedEachTime();
+    void idsArePercentEncoded();
+    void liveProfitsChangeRowAndSummary();
+    void liveProfitsOfAnotherAccountChangeNothing();
+    void profitNewerThanTheReplyIsKept();
+    void manyEventsDoNotPileUpReads();
+    void navigatorSwitchesTheAccount();
+};
+
+namespace {
+
+QByteArray trade(const char* id, const char* account, const char* pnl)
+{
+    return QByteArray(R"([{"id":")") + id + R"(","accountId":")" + account
+        + R"(","symbol":"EURUSD","type":"BUY","lotSize":1,"margin":50,"pnl":)" + pnl + "}]";
+}
+
+}
+
+void tst_AccountFlow::signInLoadsAccountsTradesAndSummary()
+{
+    MainWindowFixture f;
+    f.signInAndSettle();
+    QCOMPARE(f.selector().count(), 3);
+    QCOMPARE(f.selector().itemText(0), u"Real  [ACTIVE]  5.00"_s);
+    QCOMPARE(f.selector().itemText(2), u"Pro — Challenge 2/2  [ACTIVE]  2,000.00"_s);
+    QCOMPARE(f.selector().currentData().toString(), u"a1"_s);
+    QTRY_VERIFY(f.summary().contains(u"Equity: 1,012.50"_s));
+    QVERIFY(f.summary().contains(u"Margin: 100.00"_s));
+    QVERIFY(f.summary().contains(u"Free Margin: 912.50"_s));
+    QCOMPARE(f.list("tradeList").topLevelItem(0)->text(1), u"t1"_s);
+    QVERIFY(f.http.count("GET", "/api/trades/history?accountId=a1") >= 1);
+}
+
+void tst_AccountFlow::helloReadsTheAccountsAgain()
+{
+    MainWindowFixture f;
+    f.signInAndSettle();
+    f.feed.send(R"({"type":"hello","symbols":[{"name":"EURUSD"}],"prices":{}})");
+    QTRY_COMPARE(f.http.count("GET", "/api/accounts"), 3);
+    QCOMPARE(f.selector().currentData().toString(), u"a1"_s);
+}
+
+void tst_AccountFlow::switchingLoadsTheOtherAccountsLists()
+{
+    MainWindowFixture f;
+    f.signInAndSettle();
+    f.selector().setCurrentIndex(2);
+    QTRY_COMPARE(f.http.count("GET", "/api/trades/pending?accountId=a2"), 1);
+    QCOMPARE(f.http.count("GET", "/api/trades/open?accountId=a2"), 1);
+    QCOMPARE(f.http.count("GET", "/api/trades/history?accountId=a2"), 1);
+    QTRY_COMPARE(f.list("tradeList").topLevelItemCount(), 0);
+    QVERIFY(f.summary().contains(u"Balance: 2,000.00"_s));
+    QVERIFY(f.summary().contains(u"Margin: 0.00"_s));
+}
+
+void tst_AccountFlow::lateRepliesForAnotherAccountChangeNothing()
+{
+    MainWindowFixture f;
+    f.signInAndSettle();
+    f.http.on("GET", "/api/trades/open?accountId=a2", StubAnswer::held());
+    f.http.on("GET", "/api/trades/history?accountId=a2", StubAnswer::held());
+    f.selector().setCurrentIndex(2);
+    QTRY_COMPARE(f.http.heldCount(), 2);
+    f.selector().setCurrentIndex(1);
+    f.settle();
+    const QString summary = f.summary();
+    const QStringList journal = f.journal();
+    QVERIFY(f.http.release(StubAnswer::json(trade("late", "a2", "999")), "/api/trades/open?accountId=a2"));
+    QVERIFY(f.http.release(StubAnswer::json(trade("late", "a2", "999")), "/api/trades/history?accountId=a2"));
+    f.settle();
+    QCOMPARE(f.list("tradeList").topLevelItem(0)->text(1), u"t1"_s);
+    QCOMPARE(f.list("historyList").topLevelItemCount(), 0);
+    QCOMPARE(f.summary(), summary);
+    QCOMPARE(f.journal(), journal);
+    QCOMPARE(f.http.count("GET", "/api/trades/pending?accountId=a2"), 0);
+}
+
+void tst_AccountFlow::latePendingReplyForAnotherAccountChangesNothing()
+{
+    MainWindowFixture f;
+    f.signInAndSettle();
+    f.http.on("GET", "/api/trades/open?accountId=a2", StubAnswer::json(trade("two", "a2", "1")));
+    f.http.on("GET", "/api/trades/pending?accountId=a2", StubAnswer::held());
+    f.selector().setCurrentIndex(2);
+    QTRY_COMPARE(f.http.heldCount(), 1);
+    f.selector().setCurrentIndex(1);
+    f.settle();
+    QVERIFY(f.http.release(StubAnswer::json("[]")));
+    f.settle();
+    QCOMPARE(f.list("tradeList").topLevelItem(0)->text(1), u"t1"_s);
+}
+
+void tst_AccountFlow::selectedAccountStaysSelectedWhenTheListChanges()
+{
+    MainWindowFixture f;
+    f.signInAndSettle();
+    f.http.on("GET", "/api/accounts", StubAnswer::json(R"([{"id":"a2","status":"ACTIVE"},{"id":"n","status":"ACTIVE"},
+        {"id":"a1","type":"DEMO","status":"FAILED","balance":7}])"));
+    f.feed.send(R"({"type":"account_update","accountId":"a1","status":"FAILED"})");
+    QTRY_COMPARE(f.selector().itemText(2), u"Demo  [FAILED]  7.00"_s);
+    QCOMPARE(f.selector().currentData().toString(), u"a1"_s);
+}
+
+void tst_AccountFlow::vanishedAccountGivesWayToTheFirstActiveOne()
+{
+    MainWindowFixture f;
+    f.signInAndSettle();
+    f.http.on("GET", "/api/accounts",
+        StubAnswer::json(R"([{"id":"w","isWallet":true,"status":"ACTIVE"},{"id":"f","status":"FAILED"},
+                             {"id":"a2","status":"ACTIVE","balance":3}])"));
+    f.feed.send(R"({"type":"account_update","accountId":"a1","status":"GONE"})");
+    QTRY_COMPARE(f.selector().currentData().toString(), u"a2"_s);
+    QTRY_COMPARE(f.list("tradeList").topLevelItemCount(), 0);
+    QVERIFY(f.summary().contains(u"Balance: 3.00"_s));
+}
+
+void tst_AccountFlow::failedAccountsKeepEverythingAndAreReported()
+{
+    MainWindowFixture f;
+    f.signInAndSettle();
+    const QString summary = f.summary();
+    f.http.on("GET", "/api/accounts", StubAnswer::message(u"Out of order %1"_s, 500));
+    f.feed.send(R"({"type":"account_update","accountId":"a1","status":"ACTIVE"})");
+    QTRY_COMPARE(f.journalCount(u"Network: Failed to load accounts: Out of order %1"_s), 1);
+    QCOMPARE(f.selector().count(), 3);
+    QCOMPARE(f.summary(), summary);
+    QCOMPARE(f.list("tradeList").topLevelItemCount(), 1);
+}
+
+void tst_AccountFlow::failedTradesKeepTheListAndAreReported()
+{
+    MainWindowFixture f;
+    f.signInAndSettle();
+    f.http.on("GET", "/api/trades/open?accountId=a1", StubAnswer::message(u"Busy"_s, 503));
+    f.feed.send(R"({"type":"orders_changed"})");
+    QTRY_VERIFY(f.journalCount(u"Network: Failed to load trades: Busy"_s) >= 1);
+    QCOMPARE(f.list("tradeList").topLevelItemCount(), 1);
+}
+
+void tst_AccountFlow::failedPendingOrdersCountAsNoneAndAreNotReportedOnPurpose()
+{
+    MainWindowFixture f;
+    f.http.on("GET", "/api/trades/pending?accountId=a1",
+        StubAnswer::json(R"([{"id":"p1","symbol":"EURUSD","status":"PENDING"}])"));
+    f.signIn();
+    QTRY_COMPARE(f.list("tradeList").topLevelItemCount(), 2);
+    f.http.on("GET", "/api/trades/pending?accountId=a1", StubAnswer::message(u"No pending"_s, 500));
+    f.feed.send(R"({"type":"orders_changed"})");
+    QTRY_COMPARE(f.list("tradeList").topLevelItemCount(), 1);
+    QVERIFY(f.journal().filter(u"No pending"_s).isEmpty());
+}
+
+void tst_AccountFlow::failedHistoryKeepsTheListAndIsNotReported()
+{
+    MainWindowFixture f;
+    f.http.on("GET", "/api/trades/history?accountId=a1", StubAnswer::json(trade("h", "a1", "1")));
+    f.signInAndSettle();
+    QTRY_COMPARE(f.list("historyList").topLevelItemCount(), 1);
+    f.http.on("GET", "/api/trades/history?accountId=a1", StubAnswer::message(u"No history"_s, 500));
+    const int before = f.http.count("GET", "/api/trades/history");
+    f.feed.send(R"({"type":"orders_changed"})");
+    QTRY_VERIFY(f.http.count("GET", "/api/trades/history") > before);
+    f.settle();
+    QCOMPARE(f.list("historyList").topLevelItemCount(), 1);
+    QVERIFY(f.journal().filter(u"No history"_s).isEmpty());
+}
+
+void tst_AccountFlow::unreadableAccountListCountsAsEmptyOnPurpose()
+{
+    MainWindowFixture f;
+    f.signInAndSettle();
+    f.http.on("GET", "/api/accounts", StubAnswer::json("<html>"));
+    f.feed.send(R"({"type":"account_update","accountId":"a1","status":"ACTIVE"})");
+    QTRY_COMPARE(f.selector().count(), 0);
+}
+
+void tst_AccountFlow::emptyAccountListClearsTheSummary()
+{
+    MainWindowFixture f;
+    f.signInAndSettle();
+    f.http.on("GET", "/api/accounts", StubAnswer::json("[]"));
+    f.feed.send(R"({"type":"account_update","accountId":"a1","status":"GONE"})");
+    QTRY_COMPARE(f.summary(), u"Balance: —"_s);
+    QCOMPARE(f.selector().count(), 0);
+    f.http.clearRequests();
+    f.feed.send(R"({"type":"orders_changed"})");
+    QTRY_COMPARE(f.http.count("GET", "/api/accounts"), 1);
+    f.settle();
+    QCOMPARE(f.http.count("GET", "/api/trades/open"), 0);
+    QCOMPARE(f.http.count("GET", "/api/trades/history"), 0);
+}
+
+void tst_AccountFlow::expiredSessionIsReportedEachTime()
+{
+    const QString line = u"Auth: Session expired — please restart the terminal and log in again."_s;
+    MainWindowFixture f;
+    f.signInAndSettle();
+    QCOMPARE(f.journalCount(line), 0);
+    f.http.on("GET", "/api/accounts", StubAnswer::message(u"Token expired"_s, 401));
+    f.feed.send(R"({"type":"account_update","accountId":"a1","status":"ACTIVE"})");
+    QTRY_COMPARE(f.journalCount(line), 1);
+    QTRY_COMPARE(f.journalCount(u"Network: Failed to load accounts: Token expired"_s), 1);
+    f.feed.send(R"({"type":"account_update","accountId":"a1","status":"ACTIVE"})");
+    QTRY_COMPARE(f.journalCount(line), 2);
+    QCOMPARE(f.list("tradeList").topLevelItemCount(), 1);
+}
+
+void tst_AccountFlow::idsArePercentEncoded()
+{
+    MainWindowFixture f;
+    f.http.on("GET", "/api/accounts", StubAnswer::json(R"([{"id":"a&b=c+d/..#?","status":"ACTIVE","balance":1}])"));
+    f.signIn();
+    QTRY_VERIFY(f.http.count("GET", "/api/trades/pending?accountId=a%26b%3Dc%2Bd%2F..%23%3F") >= 1);
+    QVERIFY(f.http.count("GET", "/api/trades/open?accountId=a%26b%3Dc%2Bd%2F..%23%3F") >= 1);
+    QVERIFY(f.http.count("GET", "/api/trades/history?accountId=a%26b%3Dc%2Bd%2F..%23%3F") >= 1);
+}
+
+void tst_AccountFlow::liveProfitsChangeRowAndSummary()
+{
+    MainWindowFixture f;
+    f.signInAndSettle();
+    f.feed.send(R"({"type":"trades_update","data":[{"accountId":"a1","id":"t1","pnl":"-20.25","margin":"9999"}]})");
+    QTRY_COMPARE(f.list("tradeList").topLevelItem(0)->text(11), u"-20.25"_s);
+    QVERIFY(f.summary().contains(u"Equity: 979.75"_s));
+    QVERIFY(f.summary().contains(u"Margin: 100.00"_s));
+}
+
+void tst_AccountFlow::liveProfitsOfAnotherAccountChangeNothing()
+{
+    MainWindowFixture f;
+    f.signInAndSettle();
+    const QString summary = f.summary();
+    f.feed.send(R"({"type":"trades_update","data":[{"accountId":"a2","id":"t1","pnl":77},{"id":"t1","pnl":1},5,null]})");
+    f.feed.send(R"({"type":"account_update","accountId":"mark","status":"X"})");
+    QTRY_COMPARE(f.journalCount(u"Account: Account mark status changed to X"_s), 1);
+    QCOMPARE(f.list("tradeList").topLevelItem(0)->text(11), u"12.50"_s);
+    f.settle();
+    QCOMPARE(f.summary(), summary);
+}
+
+void tst_AccountFlow::profitNewerThanTheReplyIsKept()
+{
+    MainWindowFixture f;
+    f.signInAndSettle();
+    f.http.on("GET", "/api/trades/pending?accountId=a1", StubAnswer::held());
+    f.feed.send(R"({"type":"orders_changed"})");
+    QTRY_COMPARE(f.http.heldCount(), 1);
+    f.settle();
+    f.feed.send(R"({"type":"trades_update","data":[{"accountId":"a1","id":"t1","pnl":55}]})");
+    QTRY_COMPARE(f.list("tradeList").topLevelItem(0)->text(11), u"55.00"_s);
+    f.http.on("GET", "/api/trades/pending?accountId=a1",
+        StubAnswer::json(R"([{"id":"p1","symbol":"EURUSD","status":"PENDING"}])"));
+    QVERIFY(f.http.release(StubAnswer::json(R"([{"id":"p1","symbol":"EURUSD","status":"PENDING"}])")));
+    QTRY_COMPARE(f.list("tradeList").topLevelItemCount(), 2);
+    QCOMPARE(f.list("tradeList").topLevelItem(0)->text(11), u"55.00"_s);
+}
+
+void tst_AccountFlow::manyEventsDoNotPileUpReads()
+{
+    MainWindowFixture f;
+    f.signInAndSettle();
+    f.http.on("GET", "/api/accounts", StubAnswer::held());
+    f.http.clearRequests();
+    for (int i = 0; i < 200; ++i)
+        f.feed.send(R"({"type":"account_update","accountId":"a1","status":"ACTIVE"})");
+    QTRY_COMPARE(f.journalCount(u"Account: Account a1 status changed to ACTIVE"_s), 200);
+    QCOMPARE(f.http.count("GET", "/api/accounts"), 1);
+    f.http.on("GET", "/api/accounts", StubAnswer::json(R"([{"id":"a1","status":"NEW","type":"DEMO","balance":1}])"));
+    QVERIFY(f.http.release(StubAnswer::json(MainWindowFixture::accounts())));
+    QTRY_COMPARE(f.selector().itemText(0), u"Demo  [NEW]  1.00"_s);
+    f.settle();
+    QCOMPARE(f.http.count("GET", "/api/accounts"), 2);
+}
+
+void tst_AccountFlow::navigatorSwitchesTheAccount()
+{
+    MainWindowFixture f;
+    f.signInAndSettle();
+    auto* navigator = f.window->findChild<QDockWidget*>(u"dockNavigator"_s)->widget();
+    QVERIFY(QMetaObject::invokeMethod(navigator, "accountActivated", Q_ARG(QString, u"a2"_s)));
+    QCOMPARE(f.selector().currentData().toString(), u"a2"_s);
+    QTRY_COMPARE(f.http.count("GET", "/api/trades/open?accountId=a2"), 1);
+    QVERIFY(QMetaObject::invokeMethod(navigator, "accountActivated", Q_ARG(QString, u"unknown"_s)));
+    QCOMPARE(f.selector().currentData().toString(), u"a2"_s);
+}
+
+TAVORAN_TEST_MAIN(tst_AccountFlow)
+#include "tst_AccountFlow.moc"

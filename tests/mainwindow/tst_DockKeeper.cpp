@@ -1,0 +1,353 @@
+#include "app/TerminalSettings.h"
+#include "mainwindow/DockKeeper.h"
+#include "support/TestMain.h"
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+/// A window with the three docks, as the terminal has them.
+struct Window final {
+    QMainWindow window;
+    DockKeeper keeper;
+
+    Window()
+        : keeper(window, new QTreeWidget, new QTreeWidget, new QTreeWidget)
+    {
+        window.setCentralWidget(new QWidget);
+        window.resize(1000, 700);
+    }
+    void show()
+    {
+        window.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&window));
+    }
+    [[nodiscard]] QDockWidget& left() const { return keeper.marketWatchDock(); }
+    [[nodiscard]] QDockWidget& bottom() const { return keeper.toolboxDock(); }
+    void size(int leftWidth, int bottomHeight)
+    {
+        window.resizeDocks({&left()}, {leftWidth}, Qt::Horizontal);
+        window.resizeDocks({&bottom()}, {bottomHeight}, Qt::Vertical);
+        QTRY_COMPARE(left().width(), leftWidth);
+        QTRY_COMPARE(bottom().height(), bottomHeight);
+    }
+};
+
+}
+
+class tst_DockKeeper final : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init();
+    void docksHaveTheirTitlesNamesAndPlaces();
+    void repairBringsBackTheRememberedSizes();
+    void repairWidensCollapsedDocksEvenWithoutTheirState();
+    void repairShowsHiddenDocks();
+    void repairWithoutSnapshotOnlyShowsTheDocks();
+    void floatingDockIsNeitherRememberedNorResized();
+    void hiddenWindowIsNotRemembered();
+    void repairRunsThreeTimes();
+    void defaultLayoutComesBack();
+    void arrangementSurvivesARestart();
+    void nothingSavedLeavesTheDefault();
+    void corruptStatesLeaveTheDefault_data();
+    void corruptStatesLeaveTheDefault();
+    void interruptedRestoringLeavesTheDefaultOnce();
+    void restoringMarkStaysUntilTheWindowWasShown();
+    void geometryOffEveryScreenIsMovedOntoOne_data();
+    void geometryOffEveryScreenIsMovedOntoOne();
+    void maximizedStateSurvives();
+};
+
+void tst_DockKeeper::init()
+{
+    TerminalSettings& settings = TerminalSettings::instance();
+    settings.setWindowLayout({}, {});
+    settings.setRestoringLayout(false);
+}
+
+void tst_DockKeeper::docksHaveTheirTitlesNamesAndPlaces()
+{
+    Window w;
+    QCOMPARE(w.left().windowTitle(), u"Market Watch"_s);
+    QCOMPARE(w.left().objectName(), u"dockMarketWatch"_s);
+    QCOMPARE(w.keeper.navigatorDock().windowTitle(), u"Navigator"_s);
+    QCOMPARE(w.keeper.navigatorDock().objectName(), u"dockNavigator"_s);
+    QCOMPARE(w.bottom().windowTitle(), u"Toolbox"_s);
+    QCOMPARE(w.bottom().objectName(), u"dockTerminal"_s);
+    QCOMPARE(w.window.dockWidgetArea(&w.left()), Qt::LeftDockWidgetArea);
+    QCOMPARE(w.window.dockWidgetArea(&w.keeper.navigatorDock()), Qt::LeftDockWidgetArea);
+    QCOMPARE(w.window.dockWidgetArea(&w.bottom()), Qt::BottomDockWidgetArea);
+    w.show();
+    QVERIFY(w.left().y() < w.keeper.navigatorDock().y());
+    QVERIFY(w.left().minimumWidth() == 150);
+    QVERIFY(w.keeper.navigatorDock().minimumWidth() == 150);
+    QVERIFY(w.bottom().widget()->minimumHeight() == 80);
+}
+
+void tst_DockKeeper::repairBringsBackTheRememberedSizes()
+{
+    Window w;
+    w.show();
+    w.size(333, 222);
+    w.keeper.takeSnapshot();
+    w.size(170, 120);
+    w.keeper.repair();
+    QTRY_COMPARE(w.left().width(), 333);
+    QTRY_COMPARE(w.bottom().height(), 222);
+}
+
+void tst_DockKeeper::repairWidensCollapsedDocksEvenWithoutTheirState()
+{
+    Window w;
+    w.show();
+    w.size(333, 222);
+    w.keeper.takeSnapshot();
+    w.left().setFixedWidth(10);
+    w.keeper.navigatorDock().setFixedWidth(10);
+    w.bottom().setFixedHeight(10);
+    QTRY_COMPARE(w.left().width(), 10);
+    QTRY_COMPARE(w.bottom().height(), 10);
+    w.keeper.takeSnapshot(); // collapsed: not remembered
+    for (QDockWidget* dock : {&w.left(), &w.keeper.navigatorDock(), &w.bottom()}) {
+        dock->setMinimumSize(0, 0);
+        dock->setMaximumSize(QWIDGETSIZE_MAX, QWIDGETSIZE_MAX);
+    }
+    w.keeper.repair();
+    QTRY_COMPARE(w.left().width(), 333);
+    QTRY_COMPARE(w.bottom().height(), 222);
+}
+
+void tst_DockKeeper::repairShowsHiddenDocks()
+{
+    Window w;
+    w.show();
+    w.keeper.takeSnapshot();
+    w.left().hide();
+    w.keeper.navigatorDock().hide();
+    w.bottom().hide();
+    w.keeper.repair();
+    QVERIFY(w.left().isVisible());
+    QVERIFY(w.keeper.navigatorDock().isVisible());
+    QVERIFY(w.bottom().isVisible());
+}
+
+void tst_DockKeeper::repairWithoutSnapshotOnlyShowsTheDocks()
+{
+    Window w;
+    w.show();
+    w.size(200, 150);
+    w.bottom().hide();
+    w.keeper.repair();
+    QVERIFY(w.bottom().isVisible());
+    QCOMPARE(w.left().width(), 200);
+}
+
+void tst_DockKeeper::floatingDockIsNeitherRememberedNorResized()
+{
+    Window w;
+    w.show();
+    w.left().setFloating(true);
+    w.left().resize(400, 300);
+    w.keeper.takeSnapshot();
+    w.left().setFixedWidth(15);
+    w.keeper.repair();
+    QVERIFY(w.left().isFloating());
+    QCOMPARE(w.left().width(), 15);
+}
+
+void tst_DockKeeper::hiddenWindowIsNotRemembered()
+{
+    Window w;
+    w.show();
+    w.size(333, 222);
+    w.window.hide();
+    w.keeper.takeSnapshot();
+    w.window.show();
+    w.size(180, 120);
+    w.keeper.repair();
+    QTest::qWait(0);
+    QCOMPARE(w.left().width(), 180);
+}
+
+void tst_DockKeeper::repairRunsThreeTimes()
+{
+    Window w;
+    w.show();
+    w.keeper.takeSnapshot();
+    int shown = 0;
+    connect(&w.bottom(), &QDockWidget::visibilityChanged, this, [&](bool visible) {
+        if (!visible)
+            return;
+        if (++shown < 3)
+            w.bottom().hide(); // collapsed again, as the window system does
+    });
+    w.bottom().hide();
+    w.keeper.scheduleRepair();
+    QTRY_COMPARE(shown, 3);
+    QVERIFY(w.bottom().isVisible());
+}
+
+void tst_DockKeeper::defaultLayoutComesBack()
+{
+    Window w;
+    w.show();
+    const QSize left = w.left().size();
+    w.left().setFloating(true);
+    w.window.addDockWidget(Qt::RightDockWidgetArea, &w.keeper.navigatorDock());
+    w.bottom().hide();
+    w.keeper.restoreDefault();
+    QVERIFY(!w.left().isFloating());
+    QVERIFY(w.bottom().isVisible());
+    QCOMPARE(w.window.dockWidgetArea(&w.keeper.navigatorDock()), Qt::LeftDockWidgetArea);
+    QTRY_COMPARE(w.left().width(), left.width());
+    QVERIFY(w.left().y() < w.keeper.navigatorDock().y());
+}
+
+void tst_DockKeeper::arrangementSurvivesARestart()
+{
+    {
+        Window w;
+        w.show();
+        w.window.resize(900, 600);
+        w.window.addDockWidget(Qt::RightDockWidgetArea, &w.keeper.navigatorDock());
+        w.size(260, 180);
+        w.keeper.storeInSettings();
+    }
+    Window w;
+    QCOMPARE(w.keeper.restoreFromSettings(), QString());
+    w.show();
+    QCOMPARE(w.window.size(), QSize(900, 600));
+    QCOMPARE(w.window.dockWidgetArea(&w.keeper.navigatorDock()), Qt::RightDockWidgetArea);
+    QTRY_COMPARE(w.left().width(), 260);
+    QTRY_COMPARE(w.bottom().height(), 180);
+}
+
+void tst_DockKeeper::nothingSavedLeavesTheDefault()
+{
+    Window w;
+    QCOMPARE(w.keeper.restoreFromSettings(), QString());
+    QVERIFY(!TerminalSettings::instance().restoringLayout());
+    QCOMPARE(w.window.size(), QSize(1000, 700));
+}
+
+void tst_DockKeeper::corruptStatesLeaveTheDefault_data()
+{
+    QTest::addColumn<QByteArray>("geometry");
+    QTest::addColumn<QByteArray>("state");
+    QMainWindow foreign;
+    auto* dock = new QDockWidget;
+    dock->setObjectName(u"someone else's"_s);
+    foreign.addDockWidget(Qt::TopDockWidgetArea, dock);
+    const Window own;
+    const QByteArray state = own.window.saveState();
+    QTest::newRow("not a state") << QByteArray() << QByteArray("garbage");
+    QTest::newRow("truncated") << QByteArray() << state.left(state.size() / 2);
+    QTest::newRow("another window's") << QByteArray() << foreign.saveState();
+    QTest::newRow("geometry alone is broken") << QByteArray("\x01\xd9\xd0\xcb garbage") << QByteArray();
+    QTest::newRow("both") << QByteArray(1000, '\xff') << QByteArray(1000, '\xff');
+}
+
+void tst_DockKeeper::corruptStatesLeaveTheDefault()
+{
+    QFETCH(QByteArray, geometry);
+    QFETCH(QByteArray, state);
+    TerminalSettings::instance().setWindowLayout(geometry, state);
+    Window w;
+    const QString notice = w.keeper.restoreFromSettings();
+    w.show();
+    QCOMPARE(w.window.size(), QSize(1000, 700));
+    QVERIFY(w.left().isVisible());
+    QVERIFY(w.keeper.navigatorDock().isVisible());
+    QVERIFY(w.bottom().isVisible());
+    QCOMPARE(w.window.dockWidgetArea(&w.left()), Qt::LeftDockWidgetArea);
+    QCOMPARE(w.window.dockWidgetArea(&w.bottom()), Qt::BottomDockWidgetArea);
+    QVERIFY(notice.isEmpty() || notice.contains(u"default layout"_s));
+}
+
+void tst_DockKeeper::interruptedRestoringLeavesTheDefaultOnce()
+{
+    {
+        Window w;
+        w.show();
+        w.window.addDockWidget(Qt::RightDockWidgetArea, &w.keeper.navigatorDock());
+        w.keeper.storeInSettings();
+    }
+    TerminalSettings::instance().setRestoringLayout(true);
+    {
+        Window w;
+        QVERIFY(w.keeper.restoreFromSettings().contains(u"default layout"_s));
+        QCOMPARE(w.window.dockWidgetArea(&w.keeper.navigatorDock()), Qt::LeftDockWidgetArea);
+    }
+    Window w;
+    QCOMPARE(w.keeper.restoreFromSettings(), QString());
+    QCOMPARE(w.window.dockWidgetArea(&w.keeper.navigatorDock()), Qt::RightDockWidgetArea);
+}
+
+void tst_DockKeeper::restoringMarkStaysUntilTheWindowWasShown()
+{
+    {
+        Window w;
+        w.keeper.storeInSettings();
+    }
+    Window w;
+    QCOMPARE(w.keeper.restoreFromSettings(), QString());
+    QVERIFY(TerminalSettings::instance().restoringLayout());
+    w.keeper.confirmRestored();
+    QVERIFY(!TerminalSettings::instance().restoringLayout());
+}
+
+void tst_DockKeeper::geometryOffEveryScreenIsMovedOntoOne_data()
+{
+    QTest::addColumn<QRect>("geometry");
+    constexpr int far = 2'000'000'000;
+    QTest::newRow("far to the right") << QRect(50'000, 100, 900, 600);
+    QTest::newRow("far above") << QRect(100, -50'000, 900, 600);
+    QTest::newRow("absurdly large") << QRect(0, 0, far, far);
+    QTest::newRow("absurdly far") << QRect(QPoint(far, far), QSize(900, 600));
+}
+
+void tst_DockKeeper::geometryOffEveryScreenIsMovedOntoOne()
+{
+    QFETCH(QRect, geometry);
+    // The toolkit's own format, with the rectangles that a damaged or foreign one may hold.
+    QByteArray saved;
+    {
+        Window w;
+        w.show();
+        saved = w.window.saveGeometry();
+    }
+    QByteArray rects;
+    QDataStream stream(&rects, QIODevice::WriteOnly);
+    stream << geometry << geometry;
+    constexpr int afterMagicAndVersions = 8;
+    saved.replace(afterMagicAndVersions, rects.size(), rects);
+    TerminalSettings::instance().setWindowLayout(saved, {});
+
+    Window w;
+    QCOMPARE(w.keeper.restoreFromSettings(), QString());
+    w.show();
+    const QRect screen = QGuiApplication::primaryScreen()->availableGeometry();
+    QVERIFY2(screen.adjusted(-1, -1, 1, 1).intersects(w.window.geometry()), QTest::toString(w.window.geometry()));
+    QVERIFY(w.window.width() <= screen.width());
+    QVERIFY(w.window.height() <= screen.height());
+    QVERIFY(screen.contains(w.window.geometry().center()));
+}
+
+void tst_DockKeeper::maximizedStateSurvives()
+{
+    {
+        Window w;
+        w.window.showMaximized();
+        QVERIFY(QTest::qWaitForWindowExposed(&w.window));
+        w.keeper.storeInSettings();
+    }
+    Window w;
+    QCOMPARE(w.keeper.restoreFromSettings(), QString());
+    w.window.show();
+    QVERIFY(w.window.isMaximized());
+}
+
+TAVORAN_TEST_MAIN(tst_DockKeeper)
+#include "tst_DockKeeper.moc"
