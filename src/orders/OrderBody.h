@@ -10,15 +10,15 @@ enum class OrderSide { Sell, Buy };
 
 /// One order as a trader or a script means it.
 struct OrderTicket final {
-    QString symbol;
+    QString symbol = {};
     double lots = 0.0;
-    QString accountId;
+    QString accountId = {};
     OrderSide side = OrderSide::Buy;
     OrderType type = OrderType::Market;
     double triggerPrice = 0.0; ///< pending orders only
-    double stopLoss = 0.0; ///< a price; 0 or less: none
-    double takeProfit = 0.0; ///< likewise
-    QString comment; ///< trimmed; empty: none
+    double stopLoss = 0.0;     ///< a price; 0 or less: none
+    double takeProfit = 0.0;   ///< likewise
+    QString comment = {};      ///< trimmed; empty: none
 };
 
 /// "SELL" or "BUY".

@@ -130,7 +130,7 @@ QFormLayout* OrderDialog::buildFields()
     auto* form = new QFormLayout;
     form->setSpacing(9);
     form->setLabelAlignment(Qt::AlignRight | Qt::AlignVCenter);
-    form->setFieldGrowthPolicy(QFormLayout::ExpandingFieldsGrow);
+    form->setFieldGrowthPolicy(QFormLayout::AllNonFixedFieldsGrow);
     addField(form, tr("Symbol:"), m_symbolCombo, u"orderSymbol"_s);
     addField(form, tr("Volume:"), volumeRow, u"orderVolumeRow"_s);
     static_cast<QLabel*>(form->labelForField(volumeRow))->setBuddy(m_volume);
@@ -214,8 +214,8 @@ void OrderDialog::setOrderType(OrderType type)
     }();
     m_sell->setText(tr("Sell %1").arg(suffix));
     m_buy->setText(tr("Buy %1").arg(suffix));
-    setWindowTitle(tr("Order: %1 - %2")
-                       .arg(oneLine(symbol()), oneLine(m_record.value("description"_L1).toString())));
+    setWindowTitle(
+        tr("Order: %1 - %2").arg(oneLine(symbol()), oneLine(m_record.value("description"_L1).toString())));
 }
 
 void OrderDialog::onSymbolChanged()
@@ -324,7 +324,7 @@ void OrderDialog::showError(const QString& text)
 void OrderDialog::done(int result)
 {
     if (m_sending) {
-        if (!m_sentSince.hasExpired(m_patienceMs))
+        if (m_sentSince.elapsed() < m_patienceMs)
             return;
         Q_EMIT outcomeUnknown();
     }

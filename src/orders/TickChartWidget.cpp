@@ -27,14 +27,15 @@ void drawScale(QPainter& painter, const TickChartGeometry& geometry, int digits)
     }
 }
 
-void drawSeries(QPainter& painter, const TickChartGeometry& geometry, const QList<double>& values,
-    const QColor& color)
+void drawSeries(
+    QPainter& painter, const TickChartGeometry& geometry, const QList<double>& values, const QColor& color)
 {
     painter.setPen(QPen(color, 1.1, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
     painter.drawLines(geometry.segments(values));
 }
 
-void drawTag(QPainter& painter, const TickChartGeometry& geometry, double value, const QColor& color, int digits)
+void drawTag(
+    QPainter& painter, const TickChartGeometry& geometry, double value, const QColor& color, int digits)
 {
     const QRect box = geometry.tagBox(value);
     painter.fillRect(box, color);

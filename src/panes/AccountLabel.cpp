@@ -18,7 +18,8 @@ QString challengeSuffix(int phase, int steps)
 {
     if (steps < 2)
         return Texts::tr(" — Challenge");
-    return Texts::tr(" — Challenge %1/%2").arg(QString::number(std::min(phase, steps)), QString::number(steps));
+    return Texts::tr(" — Challenge %1/%2")
+        .arg(QString::number(std::min(phase, steps)), QString::number(steps));
 }
 
 } // namespace

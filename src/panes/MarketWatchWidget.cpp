@@ -218,7 +218,8 @@ void MarketWatchWidget::showDetails(const QString& symbol)
     const auto append = [this](const QString& property, const QString& value) {
         m_details->addTopLevelItem(new QTreeWidgetItem({property, value}));
     };
-    const auto general = [&spec](QLatin1StringView key) { return formatGeneral(jsonNumber(spec.value(key))); };
+    const auto general
+        = [&spec](QLatin1StringView key) { return formatGeneral(jsonNumber(spec.value(key))); };
     append(tr("Symbol"), symbol);
     append(tr("Description"), oneLine(spec.value("description"_L1).toString()));
     append(tr("Digits"), QString::number(jsonInt(spec.value("digits"_L1), 5)));

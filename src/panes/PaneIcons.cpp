@@ -7,8 +7,7 @@ namespace {
 
 constexpr int side = 16;
 
-template<typename Draw>
-QIcon drawn(const Draw& draw)
+template <typename Draw> QIcon drawn(const Draw& draw)
 {
     QPixmap pixmap(side, side);
     pixmap.fill(Qt::transparent);
@@ -28,8 +27,7 @@ QIcon triangle(const QColor& color, const QPolygonF& corners)
     });
 }
 
-template<typename Draw>
-QIcon stroked(const QColor& color, const Draw& draw)
+template <typename Draw> QIcon stroked(const QColor& color, const Draw& draw)
 {
     return drawn([&](QPainter& painter) {
         painter.setPen(QPen(color, 1.3, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
@@ -52,7 +50,8 @@ QIcon downArrowIcon(const QColor& color)
 QIcon folderIcon(const QColor& stroke)
 {
     return stroked(stroke, [](QPainter& painter) {
-        painter.drawPolygon(QPolygonF({{1.5, 13}, {1.5, 3.5}, {6, 3.5}, {7.5, 5.5}, {14.5, 5.5}, {14.5, 13}}));
+        painter.drawPolygon(
+            QPolygonF({{1.5, 13}, {1.5, 3.5}, {6, 3.5}, {7.5, 5.5}, {14.5, 5.5}, {14.5, 13}}));
     });
 }
 

@@ -122,7 +122,8 @@ void TerminalPane::setOpenRows(
     for (const QJsonArray& rows : {open, pending}) {
         for (const auto& value : rows) {
             const QJsonObject trade = value.toObject();
-            auto* item = new TradeItem(trade, digits.value(trade.value("symbol"_L1).toString(), defaultDigits));
+            auto* item
+                = new TradeItem(trade, digits.value(trade.value("symbol"_L1).toString(), defaultDigits));
             items.append(item);
             m_rowById.insert(trade.value("id"_L1).toString(), item);
         }
@@ -156,8 +157,9 @@ void TerminalPane::setHistoryRows(const QJsonArray& rows, const QHash<QString, i
         const QJsonObject trade = value.toObject();
         const int d = digits.value(trade.value("symbol"_L1).toString(), defaultDigits);
         auto* item = new QTreeWidgetItem(historyTexts(trade, d));
-        alignRight(item, {HistoryVolume, HistoryOpenPrice, HistoryStopLoss, HistoryTakeProfit,
-                             HistoryClosePrice, HistoryCommission, HistorySwap, HistoryProfit});
+        alignRight(item,
+            {HistoryVolume, HistoryOpenPrice, HistoryStopLoss, HistoryTakeProfit, HistoryClosePrice,
+                HistoryCommission, HistorySwap, HistoryProfit});
         item->setForeground(HistoryProfit, profitColor(jsonNumber(trade.value("pnl"_L1))));
         item->setForeground(HistoryType, typeColor(trade));
         items.append(item);

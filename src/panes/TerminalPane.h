@@ -60,7 +60,7 @@ private:
     LogList* m_experts;
     LogList* m_journal;
     QLabel* m_summary;
-    QHash<QString, TradeItem*> m_rowById; ///< into the current trade list, which owns the rows
+    QHash<QString, TradeItem*> m_rowById;        ///< into the current trade list, which owns the rows
     QHash<QString, SymbolTrades> m_rowsBySymbol; ///< the rows of m_rowById again
     QHash<QString, int> m_digits;
 };

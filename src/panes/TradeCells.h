@@ -10,14 +10,36 @@ class QJsonObject;
 namespace TradeCells {
 
 enum TradeColumn {
-    TradeSymbol, TradeTicket, TradeTime, TradeType, TradeVolume, TradePrice, TradeStopLoss,
-    TradeTakeProfit, TradeCurrentPrice, TradeCommission, TradeSwap, TradeProfit, TradeColumnCount
+    TradeSymbol,
+    TradeTicket,
+    TradeTime,
+    TradeType,
+    TradeVolume,
+    TradePrice,
+    TradeStopLoss,
+    TradeTakeProfit,
+    TradeCurrentPrice,
+    TradeCommission,
+    TradeSwap,
+    TradeProfit,
+    TradeColumnCount
 };
 
 enum HistoryColumn {
-    HistorySymbol, HistoryTicket, HistoryOpenTime, HistoryType, HistoryVolume, HistoryOpenPrice,
-    HistoryStopLoss, HistoryTakeProfit, HistoryCloseTime, HistoryClosePrice, HistoryCommission,
-    HistorySwap, HistoryProfit, HistoryColumnCount
+    HistorySymbol,
+    HistoryTicket,
+    HistoryOpenTime,
+    HistoryType,
+    HistoryVolume,
+    HistoryOpenPrice,
+    HistoryStopLoss,
+    HistoryTakeProfit,
+    HistoryCloseTime,
+    HistoryClosePrice,
+    HistoryCommission,
+    HistorySwap,
+    HistoryProfit,
+    HistoryColumnCount
 };
 
 /// A pending order that is not yet a position.

@@ -74,7 +74,8 @@ void TestNavigatorWidget::hasItsFoldersAndIndicatorsFromTheStart()
     const Navigator navigator;
     QCOMPARE(navigator.tree->topLevelItemCount(), 1);
     QCOMPARE(navigator.root()->text(0), u"Tavoran Terminal"_s);
-    QCOMPARE(childTexts(navigator.root()), (QStringList{u"Accounts"_s, u"Indicators"_s, u"Expert Advisors"_s}));
+    QCOMPARE(
+        childTexts(navigator.root()), (QStringList{u"Accounts"_s, u"Indicators"_s, u"Expert Advisors"_s}));
     QCOMPARE(childTexts(navigator.indicators()),
         (QStringList{u"Moving Average"_s, u"Exponential MA"_s, u"Relative Strength Index"_s}));
     QCOMPARE(navigator.indicators()->child(0)->data(0, Qt::UserRole).toString(), u"indicator:sma"_s);
@@ -95,7 +96,8 @@ void TestNavigatorWidget::listsAccountsWithRoundedBalance()
         {"id":"d","type":"DEMO","balance":"99999.4"},{"id":"p","Plan":{"name":"Gold","steps":2},"phase":2},
         {"id":"x","type":"DEMO","balance":"nan"}])"));
     QCOMPARE(childTexts(navigator.accounts()),
-        (QStringList{u"Real  (10001)"_s, u"Demo  (99999)"_s, u"Gold — Challenge 2/2  (0)"_s, u"Demo  (0)"_s}));
+        (QStringList{
+            u"Real  (10001)"_s, u"Demo  (99999)"_s, u"Gold — Challenge 2/2  (0)"_s, u"Demo  (0)"_s}));
     QVERIFY(navigator.accounts()->isExpanded());
     navigator.widget.setAccounts({});
     QCOMPARE(navigator.accounts()->childCount(), 0);

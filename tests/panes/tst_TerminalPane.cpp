@@ -70,7 +70,8 @@ QList<int> rightAligned(const QTreeWidgetItem* item)
 
 void requestMenu(QTreeWidget* list, const QPoint& viewportPos)
 {
-    QContextMenuEvent event(QContextMenuEvent::Mouse, viewportPos, list->viewport()->mapToGlobal(viewportPos));
+    QContextMenuEvent event(
+        QContextMenuEvent::Mouse, viewportPos, list->viewport()->mapToGlobal(viewportPos));
     QApplication::sendEvent(list->viewport(), &event);
 }
 
@@ -413,7 +414,8 @@ void TestTerminalPane::journalShowsItsNewestRow()
         toolbox.pane.journal(u"s"_s, QString::number(i));
     toolbox.pane.setCurrentIndex(3);
     const QTreeWidgetItem* newest = toolbox.journal->topLevelItem(99);
-    QTRY_VERIFY(toolbox.journal->viewport()->rect().contains(toolbox.journal->visualItemRect(newest).center()));
+    QTRY_VERIFY(
+        toolbox.journal->viewport()->rect().contains(toolbox.journal->visualItemRect(newest).center()));
     QVERIFY(toolbox.journal->visualItemRect(newest).isValid());
 }
 

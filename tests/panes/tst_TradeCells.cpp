@@ -73,7 +73,8 @@ void TestTradeCells::typeLabels_data()
     QTest::newRow("no kind") << QByteArray(R"({"type":"SELL"})") << u"sell"_s;
     QTest::newRow("limit") << QByteArray(R"({"orderKind":"BUY_LIMIT","type":"BUY"})") << u"buy limit"_s;
     QTest::newRow("stop") << QByteArray(R"({"orderKind":"SELL_STOP"})") << u"sell stop"_s;
-    QTest::newRow("every underscore") << QByteArray(R"({"orderKind":"BUY_STOP_LIMIT"})") << u"buy stop limit"_s;
+    QTest::newRow("every underscore")
+        << QByteArray(R"({"orderKind":"BUY_STOP_LIMIT"})") << u"buy stop limit"_s;
     QTest::newRow("market is compared exactly")
         << QByteArray(R"({"orderKind":"Market","type":"BUY"})") << u"market"_s;
     QTest::newRow("wrong types") << QByteArray(R"({"orderKind":5,"type":[]})") << QString();
@@ -111,16 +112,16 @@ void TestTradeCells::aPendingOrderShowsItsTriggerPriceAndNoProfit()
         "status":"PENDING","lotSize":1,"entryPrice":7,"pendingPrice":"2.5","stopLoss":0,"takeProfit":-1,
         "pnl":5})");
     QCOMPARE(tradeTexts(order, 2),
-        (QStringList{u"X"_s, u"short"_s, QString(), u"sell limit"_s, u"1.00"_s, u"2.50"_s, QString(), QString(),
-            QString(), u"0.00"_s, u"0.00"_s, QString()}));
+        (QStringList{u"X"_s, u"short"_s, QString(), u"sell limit"_s, u"1.00"_s, u"2.50"_s, QString(),
+            QString(), QString(), u"0.00"_s, u"0.00"_s, QString()}));
     QVERIFY(!isPending(parse(R"({"status":"pending"})")));
 }
 
 void TestTradeCells::anEmptyRecordReadsAsZerosAndEmptyTexts()
 {
     QCOMPARE(tradeTexts({}, 5),
-        (QStringList{QString(), QString(), QString(), QString(), u"0.00"_s, u"0.00000"_s, QString(), QString(),
-            QString(), u"0.00"_s, u"0.00"_s, u"0.00"_s}));
+        (QStringList{QString(), QString(), QString(), QString(), u"0.00"_s, u"0.00000"_s, QString(),
+            QString(), QString(), u"0.00"_s, u"0.00"_s, u"0.00"_s}));
 }
 
 void TestTradeCells::aClosedTradesCells()
@@ -140,7 +141,8 @@ void TestTradeCells::theCloseTimeFallsBackOnlyForNull()
     QCOMPARE(historyTexts(parse(R"({"closedAt":null,"updatedAt":"2024-05-08T00:00:00Z"})"), 2)
                  .at(HistoryCloseTime),
         u"2024.05.08 00:00:00"_s);
-    QCOMPARE(historyTexts(parse(R"({"updatedAt":"2024-05-08T00:00:00Z"})"), 2).at(HistoryCloseTime), QString());
+    QCOMPARE(
+        historyTexts(parse(R"({"updatedAt":"2024-05-08T00:00:00Z"})"), 2).at(HistoryCloseTime), QString());
 }
 
 void TestTradeCells::absurdNumbersReadAsZero()

@@ -1,0 +1,157 @@
+#include "orders/OrderBody.h"
+#include "support/TestMain.h"
+
+#include <QJsonDocument>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+OrderTicket marketBuy()
+{
+    return {.symbol = u"EURUSD"_s, .lots = 0.1, .accountId = u"acc-1"_s};
+}
+
+} // namespace
+
+class TestOrderBody final : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void aMarketOrderSendsItsSideAsType();
+    void aPendingOrderHasNoTypeKey_data();
+    void aPendingOrderHasNoTypeKey();
+    void aMarketOrderNeverSendsATriggerPrice();
+    void levelsAreSentOnlyAboveZero_data();
+    void levelsAreSentOnlyAboveZero();
+    void theCommentIsTrimmedAndNeverEmpty();
+    void pendingOrdersNeedATriggerPrice_data();
+    void pendingOrdersNeedATriggerPrice();
+    void numbersAreSentAsNumbersAndIdsAsTheyAre();
+};
+
+void TestOrderBody::aMarketOrderSendsItsSideAsType()
+{
+    OrderTicket ticket = marketBuy();
+    QCOMPARE(placeBody(ticket),
+        (QJsonObject{{"symbol"_L1, "EURUSD"_L1}, {"lotSize"_L1, 0.1}, {"accountId"_L1, "acc-1"_L1},
+            {"orderKind"_L1, "MARKET"_L1}, {"type"_L1, "BUY"_L1}}));
+    ticket.side = OrderSide::Sell;
+    ticket.stopLoss = 1.075;
+    ticket.comment = u"note"_s;
+    QCOMPARE(placeBody(ticket),
+        (QJsonObject{{"symbol"_L1, "EURUSD"_L1}, {"lotSize"_L1, 0.1}, {"accountId"_L1, "acc-1"_L1},
+            {"orderKind"_L1, "MARKET"_L1}, {"type"_L1, "SELL"_L1}, {"stopLoss"_L1, 1.075},
+            {"comment"_L1, "note"_L1}}));
+}
+
+void TestOrderBody::aPendingOrderHasNoTypeKey_data()
+{
+    QTest::addColumn<int>("type");
+    QTest::addColumn<bool>("buy");
+    QTest::addColumn<QString>("kind");
+    QTest::newRow("buy limit") << 1 << true << u"BUY_LIMIT"_s;
+    QTest::newRow("sell limit") << 1 << false << u"SELL_LIMIT"_s;
+    QTest::newRow("buy stop") << 2 << true << u"BUY_STOP"_s;
+    QTest::newRow("sell stop") << 2 << false << u"SELL_STOP"_s;
+    QTest::newRow("a stop limit is sent as a stop") << 3 << true << u"BUY_STOP"_s;
+}
+
+void TestOrderBody::aPendingOrderHasNoTypeKey()
+{
+    QFETCH(int, type);
+    QFETCH(bool, buy);
+    QFETCH(QString, kind);
+    OrderTicket ticket = marketBuy();
+    ticket.type = OrderType(type);
+    ticket.side = buy ? OrderSide::Buy : OrderSide::Sell;
+    ticket.triggerPrice = 1.07;
+    ticket.takeProfit = 1.1;
+    QCOMPARE(placeBody(ticket),
+        (QJsonObject{{"symbol"_L1, "EURUSD"_L1}, {"lotSize"_L1, 0.1}, {"accountId"_L1, "acc-1"_L1},
+            {"orderKind"_L1, kind}, {"pendingPrice"_L1, 1.07}, {"takeProfit"_L1, 1.1}}));
+}
+
+void TestOrderBody::aMarketOrderNeverSendsATriggerPrice()
+{
+    OrderTicket ticket = marketBuy();
+    ticket.triggerPrice = 1.07;
+    QVERIFY(!placeBody(ticket).contains("pendingPrice"_L1));
+}
+
+void TestOrderBody::levelsAreSentOnlyAboveZero_data()
+{
+    QTest::addColumn<double>("level");
+    QTest::addColumn<bool>("sent");
+    QTest::newRow("positive") << 1.05 << true;
+    QTest::newRow("tiny") << 1e-8 << true;
+    QTest::newRow("zero") << 0.0 << false;
+    QTest::newRow("negative") << -1.0 << false;
+    QTest::newRow("not a number") << std::nan("") << false;
+    QTest::newRow("infinite") << HUGE_VAL << false;
+}
+
+void TestOrderBody::levelsAreSentOnlyAboveZero()
+{
+    QFETCH(double, level);
+    QFETCH(bool, sent);
+    OrderTicket ticket = marketBuy();
+    ticket.stopLoss = level;
+    QCOMPARE(placeBody(ticket).contains("stopLoss"_L1), sent);
+    QVERIFY(!placeBody(ticket).contains("takeProfit"_L1));
+    ticket = marketBuy();
+    ticket.takeProfit = level;
+    QCOMPARE(placeBody(ticket).contains("takeProfit"_L1), sent);
+    QVERIFY(!placeBody(ticket).contains("stopLoss"_L1));
+}
+
+void TestOrderBody::theCommentIsTrimmedAndNeverEmpty()
+{
+    OrderTicket ticket = marketBuy();
+    QVERIFY(!placeBody(ticket).contains("comment"_L1));
+    ticket.comment = u" \t "_s;
+    QVERIFY(!placeBody(ticket).contains("comment"_L1));
+    ticket.comment = u"  two words "_s;
+    QCOMPARE(placeBody(ticket).value("comment"_L1).toString(), u"two words"_s);
+}
+
+void TestOrderBody::pendingOrdersNeedATriggerPrice_data()
+{
+    QTest::addColumn<int>("type");
+    QTest::addColumn<double>("price");
+    QTest::addColumn<bool>("lacks");
+    QTest::newRow("market needs none") << 0 << 0.0 << false;
+    QTest::newRow("limit with") << 1 << 1.07 << false;
+    QTest::newRow("limit without") << 1 << 0.0 << true;
+    QTest::newRow("stop negative") << 2 << -1.0 << true;
+    QTest::newRow("stop not a number") << 2 << std::nan("") << true;
+    QTest::newRow("stop infinite") << 2 << HUGE_VAL << true;
+}
+
+void TestOrderBody::pendingOrdersNeedATriggerPrice()
+{
+    QFETCH(int, type);
+    QFETCH(double, price);
+    QFETCH(bool, lacks);
+    OrderTicket ticket = marketBuy();
+    ticket.type = OrderType(type);
+    ticket.triggerPrice = price;
+    QCOMPARE(lacksTriggerPrice(ticket), lacks);
+}
+
+void TestOrderBody::numbersAreSentAsNumbersAndIdsAsTheyAre()
+{
+    OrderTicket ticket = marketBuy();
+    ticket.symbol = u"US\"30 %1"_s;
+    ticket.accountId = u"42"_s;
+    ticket.lots = 0.01;
+    const QByteArray wire = QJsonDocument(placeBody(ticket)).toJson(QJsonDocument::Compact);
+    const QByteArray lots = "\"lotSize\":0.01";
+    const QByteArray account = "\"accountId\":\"42\"";
+    QVERIFY(wire.contains(lots));
+    QVERIFY(wire.contains(account));
+    QCOMPARE(QJsonDocument::fromJson(wire).object().value("symbol"_L1).toString(), ticket.symbol);
+}
+
+TAVORAN_TEST_MAIN(TestOrderBody)
+#include "tst_OrderBody.moc"
