@@ -35,7 +35,7 @@ QString feedAddress()
 
 WsClient::WsClient(QObject* parent)
     : QObject(parent)
-    , m_socket(QString(), QWebSocketProtocol::Version13)
+    , m_socket(QString(), QWebSocketProtocol::Version13, this)
     , m_pingTimer(this)
     , m_retryDelayMs(firstRetryDelayMs)
     , m_retryTimer(this)
@@ -45,6 +45,7 @@ WsClient::WsClient(QObject* parent)
     m_socket.setMaxAllowedIncomingMessageSize(largestMessage);
     m_pingTimer.setObjectName("pingTimer"_L1);
     m_pingTimer.setInterval(pingIntervalMs);
+    m_retryTimer.setObjectName("retryTimer"_L1);
     m_retryTimer.setSingleShot(true);
     m_attemptTimer.setObjectName("attemptTimer"_L1);
     m_attemptTimer.setSingleShot(true);
@@ -96,7 +97,7 @@ void WsClient::open()
     QUrl url(address);
     // Encoded by hand, since a query item would leave "+" as it is and servers read that as a blank.
     url.setQuery("token="_L1 + encodeQueryValue(TerminalSettings::instance().token()));
-    m_lastError.clear();
+    m_lastError.reset();
     m_attemptRunning = true;
     m_attemptTimer.start();
     m_socket.open(url);

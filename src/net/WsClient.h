@@ -6,6 +6,7 @@
 #include <QObject>
 #include <QTimer>
 #include <QWebSocket>
+#include <optional>
 
 /// Keeps one WebSocket connection to the platform's live feed and turns its messages into signals.
 /// Every end of a connection, a connection that never came up included, is followed by one retry
@@ -67,6 +68,6 @@ private:
     QTimer m_retryTimer;
     QTimer m_attemptTimer;
     bool m_attemptRunning = false;
-    QString m_lastError; // of this attempt: the toolkit may report the same error twice
+    std::optional<QString> m_lastError; // of this attempt: the toolkit may report the same error twice
     int m_retrySecondMs = 1000;
 };

@@ -25,6 +25,8 @@ private Q_SLOTS:
     void an_attempt_replaced_by_another_asks_for_no_retry();
     void starting_on_a_disconnect_makes_one_attempt_not_two();
     void an_error_is_told_once_an_attempt();
+    void an_error_reported_twice_is_told_once();
+    void a_given_up_attempt_leaves_no_connection_behind();
     void errors_never_carry_token_or_query();
     void a_message_above_32_megabytes_closes_the_connection();
     void it_may_be_deleted_in_any_state_data();
@@ -181,6 +183,7 @@ void TestWsClientFaults::starting_on_a_disconnect_makes_one_attempt_not_two()
             return;
         m_feed->setMode(StubFeedServer::Mode::Serve);
         m_client->start();
+        QVERIFY(!m_client->findChild<QTimer*>(u"retryTimer"_s)->isActive());
     });
     m_client->start();
     QTRY_COMPARE(m_log.last(), u"Feed connected"_s);
@@ -197,6 +200,29 @@ void TestWsClientFaults::an_error_is_told_once_an_attempt()
     m_client->start();
     QTRY_VERIFY(m_retries.size() >= 3);
     QCOMPARE(m_log.count(u"Feed error: Connection refused"_s), m_log.filter(u"Connecting"_s).size());
+}
+
+void TestWsClientFaults::an_error_reported_twice_is_told_once()
+{
+    m_feed->setMode(StubFeedServer::Mode::Silent);
+    m_client->start();
+    auto* const socket = m_client->findChild<QWebSocket*>();
+    QVERIFY(socket);
+    Q_EMIT socket->error(QAbstractSocket::RemoteHostClosedError);
+    Q_EMIT socket->error(QAbstractSocket::RemoteHostClosedError);
+    QCOMPARE(m_log.filter(u"Feed error: "_s).size(), 1);
+    QCOMPARE(m_retries, QList<int>());
+}
+
+void TestWsClientFaults::a_given_up_attempt_leaves_no_connection_behind()
+{
+    m_client->setRetrySecond(60000);
+    m_client->setAttemptTimeout(100);
+    m_feed->setMode(StubFeedServer::Mode::Silent);
+    m_client->start();
+    QTRY_COMPARE(m_feed->halfOpenCount(), 1);
+    QTRY_COMPARE(m_retries, QList<int>({1}));
+    QTRY_COMPARE(m_feed->halfOpenCount(), 0);
 }
 
 void TestWsClientFaults::errors_never_carry_token_or_query()

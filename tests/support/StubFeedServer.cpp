@@ -44,6 +44,12 @@ QString StubFeedServer::url() const
     return u"http://127.0.0.1:%1"_s.arg(m_listener.serverPort());
 }
 
+int StubFeedServer::halfOpenCount() const
+{
+    return static_cast<int>(std::count_if(
+        m_halfOpen.begin(), m_halfOpen.end(), [](const QPointer<QTcpSocket>& s) { return !s.isNull(); }));
+}
+
 void StubFeedServer::send(const QByteArray& text)
 {
     for (QWebSocket* client : m_clients)

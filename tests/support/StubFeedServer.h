@@ -56,6 +56,8 @@ public:
     [[nodiscard]] int attempts() const { return m_attempts; }
     /// Clients with a working feed now.
     [[nodiscard]] int clientCount() const { return static_cast<int>(m_clients.size()); }
+    /// Connections kept open without a feed, as the misbehaving modes leave them.
+    [[nodiscard]] int halfOpenCount() const;
     /// Targets (path and query) of the handshakes read so far, exactly as on the wire.
     [[nodiscard]] const QList<QByteArray>& targets() const { return m_targets; }
     /// The whole head of the last handshake.
