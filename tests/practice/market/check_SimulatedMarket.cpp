@@ -211,6 +211,17 @@ TEST_CASE("volatility clusters from days down to minutes")
     }
 }
 
+TEST_CASE("calm and lively minutes alternate within a few hours too")
+{
+    SimulatedMarket market(23);
+    double sum = 0;
+    for (int day = 0; day < 60; ++day) {
+        const TimeMs end = barStart(someNow, Timeframe::D1) - day * dayMs + 12 * hourMs - 1;
+        sum += absoluteAutocorrelation(logReturns(market.bars(0, Timeframe::M1, 240, end)));
+    }
+    CHECK(sum / 60 > 0.10);
+}
+
 TEST_CASE("a faster market moves more in a minute but not to wilder prices")
 {
     SimulatedMarket slow(24, 1);
