@@ -20,6 +20,23 @@ qreal evenScale(const QPainter& painter)
     return even ? transform.m11() : 0.0;
 }
 
+/// The layers as device pixels; nothing when there is no room for them.
+QPixmap pictureOf(const ChartFrame& frame, qreal scale, void (*paint)(QPainter&, const ChartFrame&))
+{
+    // Rounded as the painter rounds the background.
+    const QSizeF size = QSizeF(frame.view.size()) * scale;
+    if (scale <= 0.0 || size.isEmpty() || size.width() * size.height() > mostPixels)
+        return {};
+    QPixmap picture(size.toSize());
+    if (picture.isNull())
+        return {};
+    // Painted through a transform rather than a pixel ratio: copied later, its pixels are device pixels.
+    QPainter painter(&picture);
+    painter.scale(scale, scale);
+    paint(painter, frame);
+    return picture;
+}
+
 /// Copies device pixels one to one.
 void copyPicture(QPainter& painter, const QPixmap& picture, qreal scale)
 {
@@ -35,40 +52,50 @@ void copyPicture(QPainter& painter, const QPixmap& picture, qreal scale)
 
 } // namespace
 
+bool BandCache::sameGround(const Content& a, const Content& b)
+{
+    Content other = b;
+    other.largestVolume = a.largestVolume;
+    return a == other;
+}
+
 void BandCache::paint(QPainter& painter, const ChartFrame& frame, bool whole)
 {
-    const qreal scale = evenScale(painter);
     const Content content{frame.view, frame.seriesRevision, frame.largestVolume, frame.liveBar, frame.colors,
-        frame.type, frame.digits, frame.timeframeMs, scale};
-    const bool same = content == m_content;
+        frame.type, frame.digits, frame.timeframeMs, evenScale(painter)};
+    paintKept(painter, frame, content, whole);
+    layerstack::paintLive(painter, frame);
+}
+
+void BandCache::paintKept(QPainter& painter, const ChartFrame& frame, const Content& content, bool whole)
+{
+    const bool same = m_content && content == *m_content;
+    const bool ground = m_content && sameGround(content, *m_content);
     if (!same)
         m_picture = QPixmap();
+    if (!ground)
+        m_ground = QPixmap();
     m_content = content;
-    const bool wanted = scale > 0.0 && (same || !whole);
-    if (wanted && (!m_picture.isNull() || makePicture(frame, content))) {
-        copyPicture(painter, m_picture, scale);
+
+    if (ground && !same) {
+        if (m_ground.isNull())
+            m_ground = pictureOf(frame, content.scale, &layerstack::paintGround);
+        ++m_seriesPaints;
+        if (m_ground.isNull())
+            layerstack::paintGround(painter, frame);
+        else
+            copyPicture(painter, m_ground, content.scale);
+        return layerstack::paintBars(painter, frame);
+    }
+    if ((same || !whole) && m_picture.isNull()) {
+        m_picture = pictureOf(frame, content.scale, &layerstack::paintKept);
+        m_seriesPaints += m_picture.isNull() ? 0 : 1;
+    }
+    if (!m_picture.isNull()) {
+        copyPicture(painter, m_picture, content.scale);
     } else {
         ++m_seriesPaints;
         layerstack::paintKept(painter, frame);
     }
     layerstack::paintLiveBar(painter, frame);
-    layerstack::paintLive(painter, frame);
-}
-
-bool BandCache::makePicture(const ChartFrame& frame, const Content& content)
-{
-    // Rounded as the painter rounds the background.
-    const QSizeF size = QSizeF(frame.view.size()) * content.scale;
-    if (size.isEmpty() || size.width() * size.height() > mostPixels)
-        return false;
-    QPixmap picture(size.toSize());
-    if (picture.isNull())
-        return false;
-    // Painted through a transform rather than a pixel ratio: copied later, its pixels are device pixels.
-    QPainter painter(&picture);
-    painter.scale(content.scale, content.scale);
-    ++m_seriesPaints;
-    layerstack::paintKept(painter, frame);
-    m_picture = picture;
-    return true;
 }

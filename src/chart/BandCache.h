@@ -14,7 +14,9 @@ struct ChartFrame;
 /// Paints frames, keeping the layers that change rarely as a picture in device pixels. The picture is used
 /// while everything that it shows stays equal, so nobody has to announce a change. A frame that differs from
 /// the one before is painted straight (panning changes every frame, and a picture would only be copied once);
-/// the picture is made when the same content is asked for again.
+/// the picture is made when the same content is asked for again. While ticks make the newest bar the largest
+/// volume, the scale of all volumes changes with each of them: then the bars are painted over a picture of
+/// what lies below them.
 class BandCache final {
 public:
     /// Paints the whole frame. `whole` tells that no part of the widget is clipped away: broken lines begin
@@ -40,9 +42,11 @@ private:
         bool operator==(const Content&) const = default;
     };
 
-    [[nodiscard]] bool makePicture(const ChartFrame& frame, const Content& content);
+    [[nodiscard]] static bool sameGround(const Content& a, const Content& b);
+    void paintKept(QPainter& painter, const ChartFrame& frame, const Content& content, bool whole);
 
-    std::optional<Content> m_content; ///< of the last frame, and of the picture when there is one
-    QPixmap m_picture;
+    std::optional<Content> m_content; ///< of the last frame, and of the pictures when there are any
+    QPixmap m_picture;                ///< the kept layers without the newest bar
+    QPixmap m_ground;                 ///< the kept layers without any bar
     quint64 m_seriesPaints = 0;
 };

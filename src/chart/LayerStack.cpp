@@ -14,6 +14,13 @@ constexpr bool keptLayersComeFirst()
 }
 static_assert(keptLayersComeFirst(), "a kept picture below the live layers must hold all kept ones");
 
+constexpr bool groundComesFirst()
+{
+    return std::is_partitioned(layerOrder.begin(), layerOrder.end(),
+        [](const LayerEntry& entry) { return entry.band == Band::Kept && entry.liveBars == 0; });
+}
+static_assert(groundComesFirst(), "a picture of the ground lies below all bars");
+
 bool isPainted(const LayerEntry& entry, const ChartFrame& frame)
 {
     return entry.paint && (entry.layer <= Layer::EmptySeries || !frame.candles.empty());
@@ -44,6 +51,22 @@ void layerstack::paintKept(QPainter& painter, const ChartFrame& frame)
     ChartFrame older = frame;
     older.bars.last = frame.liveBar - 1;
     paintBand(painter, older, Band::Kept);
+}
+
+void layerstack::paintGround(QPainter& painter, const ChartFrame& frame)
+{
+    for (const LayerEntry& entry : layerOrder) {
+        if (entry.band == Band::Kept && entry.liveBars == 0 && isPainted(entry, frame))
+            entry.paint(painter, frame);
+    }
+}
+
+void layerstack::paintBars(QPainter& painter, const ChartFrame& frame)
+{
+    for (const LayerEntry& entry : layerOrder) {
+        if (entry.liveBars > 0 && isPainted(entry, frame))
+            entry.paint(painter, frame);
+    }
 }
 
 void layerstack::paintLiveBar(QPainter& painter, const ChartFrame& frame)

@@ -12,6 +12,12 @@ void paintAll(QPainter& painter, const ChartFrame& frame);
 /// The kept layers without the newest bar.
 void paintKept(QPainter& painter, const ChartFrame& frame);
 
+/// The kept layers that show no bars, all of which lie below those that do.
+void paintGround(QPainter& painter, const ChartFrame& frame);
+
+/// The kept layers that show bars, with all bars.
+void paintBars(QPainter& painter, const ChartFrame& frame);
+
 /// What paintKept() left out of the kept layers.
 void paintLiveBar(QPainter& painter, const ChartFrame& frame);
 

@@ -82,6 +82,7 @@ private Q_SLOTS:
     void a_newest_bar_between_crowded_neighbours_is_the_same_to_the_pixel_data();
     void a_newest_bar_between_crowded_neighbours_is_the_same_to_the_pixel();
     void equal_content_is_painted_once_more_and_then_copied();
+    void a_growing_largest_volume_is_the_same_to_the_pixel();
     void a_clipped_frame_comes_from_the_picture();
     void a_turned_painter_gets_the_layers_themselves();
 };
@@ -188,6 +189,25 @@ void TestBandCache::equal_content_is_painted_once_more_and_then_copied()
     QCOMPARE(cache.seriesPaints(), quint64{2});
     kept(cache, chart, 2.0);
     QCOMPARE(cache.seriesPaints(), quint64{3});
+}
+
+void TestBandCache::a_growing_largest_volume_is_the_same_to_the_pixel()
+{
+    ChartWidget chart;
+    chart.resize(300, 200);
+    std::vector<Candle> candles = fixtures::wave(100);
+    candles.back().volume = 300;
+    chart.setCandles(candles);
+    const Candle& last = candles.back();
+    for (const qreal ratio : {1.0, 2.0}) {
+        BandCache cache;
+        for (int tick = 0; tick < 20; ++tick) {
+            const double price = last.low + (last.high - last.low) * tick / 20;
+            chart.onTick(price, price, last.time);
+            for (int look = 0; look <= tick % 3; ++look)
+                QVERIFY(kept(cache, chart, ratio) == plain(chart, ratio));
+        }
+    }
 }
 
 void TestBandCache::a_clipped_frame_comes_from_the_picture()
