@@ -172,12 +172,10 @@ void MarketWatchWidget::updatePrices(const QJsonObject& prices)
         if (applyQuote(*row, jsonNumber(quote.value("bid"_L1)), jsonNumber(quote.value("ask"_L1))))
             changed = true;
     }
-    // One announcement for the whole snapshot instead of one for each cell.
-    if (changed) {
-        auto* model = m_list->model();
-        const int last = model->rowCount() - 1;
-        Q_EMIT model->dataChanged(model->index(0, 0), model->index(last, QuoteItem::Daily));
-    }
+    // One repaint for the whole snapshot. Announcing the change through the model would make the view
+    // work out the place of every cell, which costs more than all the rest.
+    if (changed)
+        m_list->viewport()->update();
 }
 
 bool MarketWatchWidget::applyQuote(SymbolRow& row, double bid, double ask)

@@ -22,7 +22,7 @@ enum class Tick : quint8 { None, Up, Down };
 
 /// One symbol's row in Market Watch. Holds numbers and directions and turns them into text, colour and
 /// arrow only when the row is looked at, so that a price which nobody sees is never formatted and a new
-/// theme needs nothing but a repaint. Setters tell no view; the owner announces a whole snapshot at once.
+/// theme needs nothing but a repaint. Setters tell no view; the owner asks for one repaint a snapshot.
 class QuoteItem final : public QTreeWidgetItem {
 public:
     enum Column { Symbol, Bid, Ask, Daily, ColumnCount };
