@@ -137,20 +137,37 @@ QString ChartArea::saveLayout() const
 
 void ChartArea::restoreLayout(const QString& text)
 {
-    QList<QMdiSubWindow*> maximized;
+    m_placements.clear();
     const QList<SavedChart> saved = readChartsLayout(text);
     for (const SavedChart& chart : saved) {
         QMdiSubWindow* subWindow = addChart(chart.symbol, chart.timeframe, chart.state);
         subWindow->show();
-        restoreGeometry(subWindow, chart.geometry);
-        if (chart.maximized)
-            maximized.append(subWindow);
+        m_placements.append({subWindow, chart.geometry, chart.maximized});
+    }
+    applyPlacements();
+}
+
+void ChartArea::applyPlacements()
+{
+    for (const Placement& placement : std::as_const(m_placements)) {
+        if (placement.subWindow)
+            restoreGeometry(placement.subWindow, placement.geometry);
     }
     // Activation moves the maximized state from one sub-window to the next, so it is given last.
-    for (QMdiSubWindow* subWindow : maximized) {
-        setActiveSubWindow(subWindow);
-        subWindow->showMaximized();
+    for (const Placement& placement : std::as_const(m_placements)) {
+        if (!placement.subWindow || !placement.maximized)
+            continue;
+        setActiveSubWindow(placement.subWindow);
+        placement.subWindow->showMaximized();
     }
+    if (isVisible())
+        m_placements.clear();
+}
+
+void ChartArea::showEvent(QShowEvent* event)
+{
+    QMdiArea::showEvent(event);
+    applyPlacements();
 }
 
 void ChartArea::restoreGeometry(QMdiSubWindow* subWindow, const QByteArray& geometry)

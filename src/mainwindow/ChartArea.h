@@ -2,13 +2,13 @@
 
 #include <QJsonObject>
 #include <QMdiArea>
+#include <QPointer>
 #include <QSet>
 #include <QString>
 
 class AccountBook;
 class ApiClient;
 class ChartWindow;
-struct SavedChart;
 
 /// The document area: opens chart windows, hands them prices, trades and account figures, and keeps
 /// their saved layout. A new chart starts with everything the book already knows.
@@ -51,15 +51,24 @@ Q_SIGNALS:
 
 protected:
     void changeEvent(QEvent* event) override;
+    void showEvent(QShowEvent* event) override;
 
 private:
+    struct Placement {
+        QPointer<QMdiSubWindow> subWindow;
+        QByteArray geometry;
+        bool maximized = false;
+    };
+
     QMdiSubWindow* addChart(const QString& symbol, const QString& timeframe, const QJsonObject& state);
     void handOverEverything(ChartWindow& chart);
     void describe(ChartWindow& chart);
     void nameTab(QMdiSubWindow* subWindow);
+    void applyPlacements();
     void restoreGeometry(QMdiSubWindow* subWindow, const QByteArray& geometry);
 
     ApiClient& m_api;
     const AccountBook& m_book;
     QSet<QString> m_reportedUnlisted;
+    QList<Placement> m_placements; ///< restored before the first show, which would place the charts anew
 };

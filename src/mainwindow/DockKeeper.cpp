@@ -64,8 +64,8 @@ QDockWidget* DockKeeper::addDock(
 void DockKeeper::restoreDefault()
 {
     const auto place = [this](QDockWidget* dock, Qt::DockWidgetArea area) {
-        m_window.removeDockWidget(dock);
         dock->setFloating(false);
+        m_window.removeDockWidget(dock);
         m_window.addDockWidget(area, dock);
         dock->show();
     };

@@ -10,7 +10,7 @@
 /// A whole main window against scripted servers on one loopback port: two accounts, two symbols.
 struct MainWindowFixture final {
     StubHttpServer http;
-    StubFeedServer feed {http};
+    StubFeedServer feed{http};
     std::unique_ptr<MainWindow> window;
 
     MainWindowFixture()
@@ -76,18 +76,17 @@ struct MainWindowFixture final {
         }
     }
 
-    [[nodiscard]] QComboBox& selector() const { return *window->findChild<QComboBox*>(QStringLiteral("accountSelector")); }
+    [[nodiscard]] QComboBox& selector() const
+    {
+        return *window->findChild<QComboBox*>(QStringLiteral("accountSelector"));
+    }
     [[nodiscard]] QTreeWidget& list(const char* name) const
     {
         return *window->findChild<QTreeWidget*>(QString::fromLatin1(name));
     }
     [[nodiscard]] QString summary() const
     {
-        for (const QLabel* label : window->findChildren<QLabel*>()) {
-            if (label->text().startsWith(QStringLiteral("Balance:")))
-                return label->text();
-        }
-        return {};
+        return window->findChild<QLabel*>(QStringLiteral("accountSummary"))->text();
     }
     [[nodiscard]] QAction* action(const char* text) const
     {

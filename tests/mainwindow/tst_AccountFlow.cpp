@@ -38,7 +38,7 @@ QByteArray trade(const char* id, const char* account, const char* pnl)
         + R"(","symbol":"EURUSD","type":"BUY","lotSize":1,"margin":50,"pnl":)" + pnl + "}]";
 }
 
-}
+} // namespace
 
 void tst_AccountFlow::signInLoadsAccountsTradesAndSummary()
 {
@@ -118,7 +118,8 @@ void tst_AccountFlow::selectedAccountStaysSelectedWhenTheListChanges()
 {
     MainWindowFixture f;
     f.signInAndSettle();
-    f.http.on("GET", "/api/accounts", StubAnswer::json(R"([{"id":"a2","status":"ACTIVE"},{"id":"n","status":"ACTIVE"},
+    f.http.on("GET", "/api/accounts",
+        StubAnswer::json(R"([{"id":"a2","status":"ACTIVE"},{"id":"n","status":"ACTIVE"},
         {"id":"a1","type":"DEMO","status":"FAILED","balance":7}])"));
     f.feed.send(R"({"type":"account_update","accountId":"a1","status":"FAILED"})");
     QTRY_COMPARE(f.selector().itemText(2), u"Demo  [FAILED]  7.00"_s);
@@ -232,7 +233,8 @@ void tst_AccountFlow::expiredSessionIsReportedEachTime()
 void tst_AccountFlow::idsArePercentEncoded()
 {
     MainWindowFixture f;
-    f.http.on("GET", "/api/accounts", StubAnswer::json(R"([{"id":"a&b=c+d/..#?","status":"ACTIVE","balance":1}])"));
+    f.http.on(
+        "GET", "/api/accounts", StubAnswer::json(R"([{"id":"a&b=c+d/..#?","status":"ACTIVE","balance":1}])"));
     f.signIn();
     QTRY_VERIFY(f.http.count("GET", "/api/trades/pending?accountId=a%26b%3Dc%2Bd%2F..%23%3F") >= 1);
     QVERIFY(f.http.count("GET", "/api/trades/open?accountId=a%26b%3Dc%2Bd%2F..%23%3F") >= 1);
@@ -243,7 +245,8 @@ void tst_AccountFlow::liveProfitsChangeRowAndSummary()
 {
     MainWindowFixture f;
     f.signInAndSettle();
-    f.feed.send(R"({"type":"trades_update","data":[{"accountId":"a1","id":"t1","pnl":"-20.25","margin":"9999"}]})");
+    f.feed.send(
+        R"({"type":"trades_update","data":[{"accountId":"a1","id":"t1","pnl":"-20.25","margin":"9999"}]})");
     QTRY_COMPARE(f.list("tradeList").topLevelItem(0)->text(11), u"-20.25"_s);
     QVERIFY(f.summary().contains(u"Equity: 979.75"_s));
     QVERIFY(f.summary().contains(u"Margin: 100.00"_s));
@@ -254,7 +257,8 @@ void tst_AccountFlow::liveProfitsOfAnotherAccountChangeNothing()
     MainWindowFixture f;
     f.signInAndSettle();
     const QString summary = f.summary();
-    f.feed.send(R"({"type":"trades_update","data":[{"accountId":"a2","id":"t1","pnl":77},{"id":"t1","pnl":1},5,null]})");
+    f.feed.send(
+        R"({"type":"trades_update","data":[{"accountId":"a2","id":"t1","pnl":77},{"id":"t1","pnl":1},5,null]})");
     f.feed.send(R"({"type":"account_update","accountId":"mark","status":"X"})");
     QTRY_COMPARE(f.journalCount(u"Account: Account mark status changed to X"_s), 1);
     QCOMPARE(f.list("tradeList").topLevelItem(0)->text(11), u"12.50"_s);
@@ -288,8 +292,11 @@ void tst_AccountFlow::manyEventsDoNotPileUpReads()
     for (int i = 0; i < 200; ++i)
         f.feed.send(R"({"type":"account_update","accountId":"a1","status":"ACTIVE"})");
     QTRY_COMPARE(f.journalCount(u"Account: Account a1 status changed to ACTIVE"_s), 200);
+    QTRY_COMPARE(f.http.heldCount(), 1);
+    f.settle();
     QCOMPARE(f.http.count("GET", "/api/accounts"), 1);
-    f.http.on("GET", "/api/accounts", StubAnswer::json(R"([{"id":"a1","status":"NEW","type":"DEMO","balance":1}])"));
+    f.http.on("GET", "/api/accounts",
+        StubAnswer::json(R"([{"id":"a1","status":"NEW","type":"DEMO","balance":1}])"));
     QVERIFY(f.http.release(StubAnswer::json(MainWindowFixture::accounts())));
     QTRY_COMPARE(f.selector().itemText(0), u"Demo  [NEW]  1.00"_s);
     f.settle();

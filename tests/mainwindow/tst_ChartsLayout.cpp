@@ -17,7 +17,7 @@ private Q_SLOTS:
 
 void tst_ChartsLayout::writtenChartsAreReadBackInOrder()
 {
-    const QList<SavedChart> charts {
+    const QList<SavedChart> charts{
         {u"EURUSD"_s, u"1h"_s, QByteArray("\0\xff", 2), false, {{u"rsi"_s, true}}},
         {u"S&P \"500\"\n<b>"_s, u"1mn"_s, {}, true, {}},
         {u"EURUSD"_s, u"1h"_s, "x", false, {}},
@@ -53,8 +53,8 @@ void tst_ChartsLayout::textIsIndentedWithTheKnownKeys()
 void tst_ChartsLayout::unreadableTextsGiveNoCharts_data()
 {
     QTest::addColumn<QString>("text");
-    for (const char* text : {"", "   ", "no json", "[", "{}", "null", "7", "[[]]", "[null, 1, \"x\", true, {}]",
-             R"({"symbol":"EURUSD","tf":"15m"})"})
+    for (const char* text : {"", "   ", "no json", "[", "{}", "null", "7", "[[]]",
+             "[null, 1, \"x\", true, {}]", R"({"symbol":"EURUSD","tf":"15m"})"})
         QTest::newRow(text) << QString::fromLatin1(text);
 }
 

@@ -33,7 +33,7 @@ struct Window final {
     }
 };
 
-}
+} // namespace
 
 class tst_DockKeeper final : public QObject {
     Q_OBJECT
@@ -210,7 +210,7 @@ void tst_DockKeeper::arrangementSurvivesARestart()
     {
         Window w;
         w.show();
-        w.window.resize(900, 600);
+        w.window.resize(700, 500); // the test screen is small
         w.window.addDockWidget(Qt::RightDockWidgetArea, &w.keeper.navigatorDock());
         w.size(260, 180);
         w.keeper.storeInSettings();
@@ -218,7 +218,7 @@ void tst_DockKeeper::arrangementSurvivesARestart()
     Window w;
     QCOMPARE(w.keeper.restoreFromSettings(), QString());
     w.show();
-    QCOMPARE(w.window.size(), QSize(900, 600));
+    QCOMPARE(w.window.size(), QSize(700, 500));
     QCOMPARE(w.window.dockWidgetArea(&w.keeper.navigatorDock()), Qt::RightDockWidgetArea);
     QTRY_COMPARE(w.left().width(), 260);
     QTRY_COMPARE(w.bottom().height(), 180);
@@ -329,7 +329,8 @@ void tst_DockKeeper::geometryOffEveryScreenIsMovedOntoOne()
     QCOMPARE(w.keeper.restoreFromSettings(), QString());
     w.show();
     const QRect screen = QGuiApplication::primaryScreen()->availableGeometry();
-    QVERIFY2(screen.adjusted(-1, -1, 1, 1).intersects(w.window.geometry()), QTest::toString(w.window.geometry()));
+    QVERIFY2(
+        screen.adjusted(-1, -1, 1, 1).intersects(w.window.geometry()), QTest::toString(w.window.geometry()));
     QVERIFY(w.window.width() <= screen.width());
     QVERIFY(w.window.height() <= screen.height());
     QVERIFY(screen.contains(w.window.geometry().center()));

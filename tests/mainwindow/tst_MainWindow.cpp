@@ -23,6 +23,7 @@ private Q_SLOTS:
     void newChartStartsWithWhatIsKnown();
     void zoomKeysActOnceAndLeaveTextFieldsAlone();
     void chartsComeBackInOrderWithTheMaximizedOne();
+    void chartGeometrySurvivesARestart();
     void corruptChartLayoutOpensWhatIsReadable();
     void unlistedSymbolOpensAndIsReportedOnce();
     void reopenedChartGetsItsDigitsFromTheHello();
@@ -59,11 +60,13 @@ void tst_MainWindow::windowIsBuiltAsPromised()
     QCOMPARE(area->tabPosition(), QTabWidget::South);
     QVERIFY(area->tabsClosable());
     QVERIFY(area->tabsMovable());
-    const auto* toolbox = qobject_cast<QTabWidget*>(f.window->findChild<QDockWidget*>(u"dockTerminal"_s)->widget());
+    const auto* toolbox
+        = qobject_cast<QTabWidget*>(f.window->findChild<QDockWidget*>(u"dockTerminal"_s)->widget());
     QStringList tabs;
     for (int i = 0; i < toolbox->count(); ++i)
         tabs.append(toolbox->tabText(i));
-    QCOMPARE(tabs, QStringList({u"Trade"_s, u"History"_s, u"Experts"_s, u"Journal"_s, u"Calendar"_s, u"Alerts"_s}));
+    QCOMPARE(tabs,
+        QStringList({u"Trade"_s, u"History"_s, u"Experts"_s, u"Journal"_s, u"Calendar"_s, u"Alerts"_s}));
     QCOMPARE(f.window->menuBar()->actions().value(0)->text(), u"&File"_s);
     QCOMPARE(f.action("New Order")->shortcut(), QKeySequence(Qt::Key_F9));
     QVERIFY(f.window->findChild<TrayIcon*>() == nullptr || QSystemTrayIcon::isSystemTrayAvailable());
@@ -104,7 +107,7 @@ void tst_MainWindow::actionsThatNeedSymbolsWaitForThem()
     QVERIFY(!f.action("New Chart")->isEnabled());
     f.window->onHello({});
     QVERIFY(!f.action("New Order")->isEnabled());
-    f.window->onHello({{u"symbols"_s, QJsonArray {QJsonObject {{u"name"_s, u"X"_s}}}}});
+    f.window->onHello({{u"symbols"_s, QJsonArray{QJsonObject{{u"name"_s, u"X"_s}}}}});
     QVERIFY(f.action("New Order")->isEnabled());
     QVERIFY(f.action("New Chart")->isEnabled());
 }
@@ -116,7 +119,7 @@ void tst_MainWindow::pricesReachMarketWatchAndTrades()
     QTRY_COMPARE(f.list("tradeList").topLevelItem(0)->text(8), u"1.10000"_s);
     f.feed.send(R"({"type":"price_update","data":{"EURUSD":{"bid":"1.30001","ask":1.4}}})");
     QTRY_COMPARE(f.list("tradeList").topLevelItem(0)->text(8), u"1.30001"_s);
-    auto* watch = f.window->findChild<QDockWidget*>(u"dockMarketWatch"_s)->widget()->findChild<QTreeWidget*>();
+    auto* watch = &f.list("marketWatchSymbols");
     QCOMPARE(watch->topLevelItem(0)->text(1), u"1.30001"_s);
 }
 
@@ -124,7 +127,7 @@ void tst_MainWindow::doubleClickInMarketWatchOpensOneChart()
 {
     MainWindowFixture f;
     f.signInAndSettle();
-    auto* watch = f.window->findChild<QDockWidget*>(u"dockMarketWatch"_s)->widget()->findChild<QTreeWidget*>();
+    auto* watch = &f.list("marketWatchSymbols");
     const QPoint row = watch->visualItemRect(watch->topLevelItem(1)).center();
     QTest::mouseClick(watch->viewport(), Qt::LeftButton, {}, row);
     QTest::mouseDClick(watch->viewport(), Qt::LeftButton, {}, row);
@@ -159,7 +162,7 @@ void tst_MainWindow::zoomKeysActOnceAndLeaveTextFieldsAlone()
     QSignalSpy in(f.action("Zoom In"), &QAction::triggered);
     QSignalSpy out(f.action("Zoom Out"), &QAction::triggered);
     charts(f).constFirst()->setFocus();
-    QTest::keyClick(f.window.get(), Qt::Key_Plus, Qt::ShiftModifier);
+    QTest::keyClick(f.window.get(), Qt::Key_Plus);
     QTest::keyClick(f.window.get(), Qt::Key_Equal);
     QTest::keyClick(f.window.get(), Qt::Key_Minus);
     QCOMPARE(in.count(), 2);
@@ -206,6 +209,27 @@ void tst_MainWindow::chartsComeBackInOrderWithTheMaximizedOne()
     }
 }
 
+void tst_MainWindow::chartGeometrySurvivesARestart()
+{
+    MainWindowFixture f;
+    f.open();
+    for (const auto& symbol : {u"EURUSD"_s, u"USDJPY"_s})
+        f.window->openChart(symbol);
+    const QRect places[] = {{5, 26, 300, 200}, {40, 30, 250, 210}}; // the toolkit keeps 20 pixels free above
+    for (int i = 0; i < 2; ++i) {
+        QMdiSubWindow* subWindow = f.window->findChild<ChartArea*>()->subWindowList().at(i);
+        subWindow->showNormal();
+        subWindow->setGeometry(places[i]);
+    }
+    f.window->close();
+    f.open();
+    for (int i = 0; i < 2; ++i) {
+        const QMdiSubWindow* subWindow = f.window->findChild<ChartArea*>()->subWindowList().at(i);
+        QVERIFY(!subWindow->isMaximized());
+        QCOMPARE(subWindow->geometry(), places[i]);
+    }
+}
+
 void tst_MainWindow::corruptChartLayoutOpensWhatIsReadable()
 {
     MainWindowFixture f;
@@ -219,7 +243,8 @@ void tst_MainWindow::corruptChartLayoutOpensWhatIsReadable()
     }();
     TerminalSettings::instance().setChartsLayout(uR"([1, {"symbol":"A","tf":"9m"},
         {"symbol":"EURUSD","tf":"1h","geometry":"%1","indicators":{"chartType":"x","colors":5,"mas":{}}},
-        {"symbol":"USDJPY","tf":"1m","geometry":"AAAA","maximized":3}])"_s.arg(QLatin1StringView(far.toBase64())));
+        {"symbol":"USDJPY","tf":"1m","geometry":"AAAA","maximized":3}])"_s.arg(
+        QLatin1StringView(far.toBase64())));
     f.open();
     QCOMPARE(charts(f).size(), 2);
     const QMdiSubWindow* placed = f.window->findChild<ChartArea*>()->subWindowList().constFirst();
@@ -337,7 +362,8 @@ void tst_MainWindow::serverTextNeverBreaksALogLine()
 {
     MainWindowFixture f;
     f.signInAndSettle();
-    f.feed.send(R"({"type":"account_update","accountId":"x\n00:00:00.000  forged","status":"secret-token-123"})");
+    f.feed.send(
+        R"({"type":"account_update","accountId":"x\n00:00:00.000  forged","status":"secret-token-123"})");
     QTRY_VERIFY(!f.journal().filter(u"forged"_s).isEmpty());
     QFile file(logFilePath());
     QVERIFY(file.open(QIODevice::ReadOnly));
@@ -352,13 +378,16 @@ void tst_MainWindow::hostileRecordsAreSurvived()
     f.http.on("GET", "/api/accounts", StubAnswer::json(R"([5,null,[],{"id":7,"Plan":[],"balance":{}},
         {"id":"<img src='x'>\n%1","Plan":{"name":"<table>","steps":"two"},"status":["x"],"balance":"1e400"},
         {"id":"dup","status":"ACTIVE"},{"id":"dup","status":"ACTIVE"}])"));
-    f.http.on("GET", "/api/trades/open", StubAnswer::json(R"([{"id":"t"},{"id":"t"},{"symbol":5},null,"x"])"));
+    f.http.on(
+        "GET", "/api/trades/open", StubAnswer::json(R"([{"id":"t"},{"id":"t"},{"symbol":5},null,"x"])"));
     f.http.on("GET", "/api/trades/history", StubAnswer::json(R"({"an":"object"})"));
     f.signIn();
     QTRY_COMPARE(f.selector().count(), 7);
     f.window->openChart(u"NOPE"_s);
-    f.feed.send(R"({"type":"hello","symbols":[1,{"name":"A","digits":-7},{"name":"A","digits":1e9},{"name":null}],"prices":[]})");
-    f.feed.send(R"({"type":"price_update","data":{"A":{"bid":"nan","ask":1e308},"B":5,"NOPE":{"bid":[],"ask":null}}})");
+    f.feed.send(
+        R"({"type":"hello","symbols":[1,{"name":"A","digits":-7},{"name":"A","digits":1e9},{"name":null}],"prices":[]})");
+    f.feed.send(
+        R"({"type":"price_update","data":{"A":{"bid":"nan","ask":1e308},"B":5,"NOPE":{"bid":[],"ask":null}}})");
     f.feed.send(R"({"type":"trades_update","data":{"not":"rows"}})");
     f.feed.send(R"({"type":"orders_changed","filled":"yes","closeReason":{}})");
     f.feed.send(R"({"type":"account_update"})");
