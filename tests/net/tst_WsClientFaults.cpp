@@ -274,6 +274,5 @@ void TestWsClientFaults::it_may_be_deleted_in_any_state()
     QCOMPARE(m_log.size(), entries);
 }
 
-Q_DECLARE_METATYPE(StubFeedServer::Mode)
 TAVORAN_TEST_MAIN(TestWsClientFaults)
 #include "tst_WsClientFaults.moc"
