@@ -11,7 +11,6 @@
 #include "practice/storage/StorageError.h"
 
 #include <boost/asio/co_spawn.hpp>
-#include <boost/asio/detached.hpp>
 #include <boost/asio/redirect_error.hpp>
 #include <boost/asio/use_awaitable.hpp>
 
@@ -77,8 +76,13 @@ Server::Server(net::io_context& context, Database& database, PriceSource& market
     // The first prices are there before the first client is.
     m_platform.advance();
     m_platform.setListener(&m_hub);
-    net::co_spawn(m_context, listen(), net::detached);
-    net::co_spawn(m_context, movePrices(), net::detached);
+    // Without one of these two the platform would only seem to work: a fault in them ends the context's run.
+    const auto rethrow = [](const std::exception_ptr& fault) {
+        if (fault)
+            std::rethrow_exception(fault);
+    };
+    net::co_spawn(m_context, listen(), rethrow);
+    net::co_spawn(m_context, movePrices(), rethrow);
 }
 
 net::awaitable<void> Server::listen()

@@ -36,7 +36,7 @@ void makePrivateFile(const std::filesystem::path& file)
             std::filesystem::permissions(file.parent_path(), std::filesystem::perms::owner_all, error);
         }
         if (error)
-            throw StorageError(file.parent_path().string() + ": " + error.message());
+            throw StorageError(file.string() + ": its folder cannot be made: " + error.message());
     }
     const int descriptor = ::open(file.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600);
     if (descriptor < 0)

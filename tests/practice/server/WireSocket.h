@@ -1,0 +1,32 @@
+#pragma once
+
+#include <chrono>
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+/// A plain TCP connection to the loopback. Reading gives up, with an exception, after ten seconds of silence.
+class WireSocket final {
+public:
+    explicit WireSocket(std::uint16_t port, int receiveBuffer = 0);
+    ~WireSocket();
+    WireSocket(const WireSocket&) = delete;
+    WireSocket& operator=(const WireSocket&) = delete;
+
+    void send(std::string_view bytes);
+    /// Everything up to and including `mark`.
+    [[nodiscard]] std::string readUntil(std::string_view mark);
+    [[nodiscard]] std::string read(std::size_t count);
+    /// Everything until the peer closes. A reset counts as closed.
+    [[nodiscard]] std::string readAll();
+    /// True when no byte is waiting and none comes within the time.
+    [[nodiscard]] bool isSilentFor(std::chrono::milliseconds time);
+
+private:
+    /// False at the end.
+    bool fill();
+
+    int m_socket = -1;
+    std::string m_buffer;
+};

@@ -1,0 +1,120 @@
+#include "practice/Check.h"
+#include "practice/storage/TemporaryFolder.h"
+
+#include "practice/server/Options.h"
+
+#include <cstdlib>
+
+using namespace practice;
+
+namespace {
+
+std::string errorOf(const std::vector<std::string>& arguments)
+{
+    try {
+        static_cast<void>(parseOptions(arguments));
+    } catch (const UsageError& error) {
+        return error.what();
+    }
+    return {};
+}
+
+struct Environment {
+    Environment(const char* dataHome, const char* home)
+    {
+        set("XDG_DATA_HOME", dataHome);
+        set("HOME", home);
+    }
+    static void set(const char* name, const char* value)
+    {
+        if (value)
+            ::setenv(name, value, 1);
+        else
+            ::unsetenv(name);
+    }
+};
+
+} // namespace
+
+TEST_CASE("without arguments it listens on the loopback, port 5001, with a database in the data folder")
+{
+    const Environment environment("/data", "/home/x");
+    const Options options = parseOptions({});
+    CHECK_EQ(options.address, std::string("127.0.0.1"));
+    CHECK_EQ(options.port, std::uint16_t(5001));
+    CHECK_EQ(options.database.string(), std::string("/data/tavoran-practice/practice.db"));
+    CHECK(!options.seed && !options.replay && !options.quiet);
+    CHECK_EQ(options.speed, 1.0);
+}
+
+TEST_CASE("a data folder that is unset or relative falls back to the home folder")
+{
+    const Environment unset(nullptr, "/home/x");
+    CHECK_EQ(
+        parseOptions({}).database.string(), std::string("/home/x/.local/share/tavoran-practice/practice.db"));
+    const Environment relative("data", "/home/x");
+    CHECK_EQ(
+        parseOptions({}).database.string(), std::string("/home/x/.local/share/tavoran-practice/practice.db"));
+    const Environment nothing(nullptr, nullptr);
+    CHECK(errorOf({}).find("--db") != std::string::npos);
+    CHECK_EQ(errorOf({"--db", "x.db"}), std::string());
+}
+
+TEST_CASE("every option is understood in both spellings and the last of a kind counts")
+{
+    const TemporaryFolder folder;
+    const Options options
+        = parseOptions({"--port", "1", "--port=7", "--db=a=b.db", "--seed", "18446744073709551615", "--speed",
+            "2.5", "--replay", folder.path().string(), "--quiet", "--address=::1"});
+    CHECK_EQ(options.port, std::uint16_t(7));
+    CHECK_EQ(options.database.string(), std::string("a=b.db"));
+    CHECK(options.seed == 18446744073709551615ULL);
+    CHECK_EQ(options.speed, 2.5);
+    CHECK(options.replay == folder.path());
+    CHECK(options.quiet);
+    CHECK_EQ(options.address, std::string("::1"));
+    CHECK_EQ(parseOptions({"--db", "x", "--address", "localhost"}).address, std::string("127.0.0.1"));
+}
+
+TEST_CASE("an address that others can reach needs the flag that says so")
+{
+    CHECK(errorOf({"--db", "x", "--address", "0.0.0.0"}).find("--allow-remote") != std::string::npos);
+    CHECK(errorOf({"--db", "x", "--address", "::"}).find("--allow-remote") != std::string::npos);
+    CHECK(errorOf({"--db", "x", "--address", "192.168.1.5"}).find("--allow-remote") != std::string::npos);
+    CHECK_EQ(parseOptions({"--db", "x", "--allow-remote", "--address", "0.0.0.0"}).address,
+        std::string("0.0.0.0"));
+    CHECK_EQ(errorOf({"--db", "x", "--address", "127.0.0.9"}), std::string());
+}
+
+TEST_CASE("values that make no sense are refused in one line that names the option")
+{
+    const std::vector<std::vector<std::string>> bad{{"--port", "65536"}, {"--port", "-1"}, {"--port", "80x"},
+        {"--port", ""}, {"--port"}, {"--seed", "-1"}, {"--seed", "1.5"}, {"--seed", "18446744073709551616"},
+        {"--speed", "0"}, {"--speed", "nan"}, {"--speed", "inf"}, {"--speed", "1001"}, {"--speed", "1,5"},
+        {"--replay", "/none/at/all"}, {"--address", "example.org"}, {"--address", "127.0.0.1:80"}};
+    for (auto arguments : bad) {
+        const std::string name = arguments.front();
+        arguments.insert(arguments.begin(), "--db=x");
+        const std::string error = errorOf(arguments);
+        CHECK(error.find(name) != std::string::npos);
+        CHECK(error.find('\n') == std::string::npos);
+    }
+}
+
+TEST_CASE("what is no option is refused")
+{
+    for (const char* argument : {"--prot", "-p", "5001", "", "--quiet=1", "--unknown=3"})
+        CHECK(errorOf({"--db=x", argument}).find("unknown") != std::string::npos);
+}
+
+TEST_CASE("help and version need nothing else")
+{
+    const Environment nothing(nullptr, nullptr);
+    CHECK(parseOptions({"--help"}).showHelp);
+    CHECK(parseOptions({"--version"}).showVersion);
+    for (const char* option : {"--port", "--address", "--allow-remote", "--db", "--seed", "--speed",
+             "--replay", "--quiet", "--help", "--version"})
+        CHECK(helpText().find(option) != std::string::npos);
+}
+
+CHECK_MAIN()

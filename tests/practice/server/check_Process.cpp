@@ -1,0 +1,227 @@
+#include "practice/Check.h"
+#include "practice/server/HttpClient.h"
+#include "practice/server/ServerProcess.h"
+#include "practice/storage/TemporaryFolder.h"
+
+#include <atomic>
+#include <chrono>
+#include <csignal>
+#include <fstream>
+#include <map>
+#include <random>
+#include <set>
+#include <thread>
+
+using nlohmann::json;
+
+namespace {
+
+bool oneLine(const std::string& text)
+{
+    return !text.empty() && text.find('\n') == text.size() - 1;
+}
+
+std::string demoAccount(HttpClient& client)
+{
+    for (const json& account : client.get("/api/accounts").json()) {
+        if (account.at("type") == "DEMO")
+            return account.at("id").get<std::string>();
+    }
+    throw std::runtime_error("no demo account");
+}
+
+} // namespace
+
+TEST_CASE("help and version are printed and end with 0")
+{
+    const auto help = ServerProcess::run({"--help"});
+    CHECK_EQ(help.exitCode, 0);
+    CHECK(help.output.find("--replay") != std::string::npos);
+    const auto version = ServerProcess::run({"--version"});
+    CHECK_EQ(version.exitCode, 0);
+    CHECK(version.output.find("tavoran-practice ") == 0);
+}
+
+TEST_CASE("bad arguments end with 2 and one line on stderr")
+{
+    const TemporaryFolder folder;
+    for (const std::vector<std::string>& arguments :
+        std::vector<std::vector<std::string>>{{"--port", "99999"}, {"--nonsense"}, {"--speed", "fast"},
+            {"--address", "0.0.0.0"}, {"--replay", "/none"}, {"--seed"}}) {
+        const auto result = ServerProcess::run(arguments);
+        CHECK_EQ(result.exitCode, 2);
+        CHECK(oneLine(result.errors));
+        CHECK(result.output.empty());
+    }
+}
+
+TEST_CASE("a port that is taken ends with 2 and says which")
+{
+    const TemporaryFolder folder;
+    const ServerProcess first((folder / "1.db").string());
+    const std::string port = std::to_string(first.port());
+    const auto result = ServerProcess::run({"--port", port, "--db", (folder / "2.db").string()});
+    CHECK_EQ(result.exitCode, 2);
+    CHECK(oneLine(result.errors));
+    CHECK(result.errors.find(port) != std::string::npos);
+}
+
+TEST_CASE("a database that cannot be used ends with 2 and names the file")
+{
+    const TemporaryFolder folder;
+    const std::string file = (folder / "notes.txt").string();
+    std::ofstream(file) << std::string(3000, 'n');
+    const ServerProcess first((folder / "taken.db").string());
+    for (const std::string& unusable :
+        {file, folder.path().string(), std::string("/proc/x/y.db"), (folder / "taken.db").string()}) {
+        const auto result = ServerProcess::run({"--port", "0", "--db", unusable});
+        CHECK_EQ(result.exitCode, 2);
+        CHECK(oneLine(result.errors));
+        CHECK(result.errors.find(unusable) != std::string::npos);
+    }
+}
+
+TEST_CASE("a replay file with a broken line ends with 2 and names file and line")
+{
+    const TemporaryFolder folder;
+    std::ofstream(folder / "EURUSD-1m.csv") << "time,open,high,low,close,volume\n"
+                                               "2024-01-02T00:00:00Z,1.1,1.2,1.0,1.1,5\n"
+                                               "rubbish\n";
+    const auto result = ServerProcess::run(
+        {"--port", "0", "--db", (folder / "x.db").string(), "--replay", folder.path().string()});
+    CHECK_EQ(result.exitCode, 2);
+    CHECK(oneLine(result.errors));
+    CHECK(result.errors.find("EURUSD-1m.csv") != std::string::npos);
+    CHECK(result.errors.find('3') != std::string::npos);
+}
+
+TEST_CASE("asked to end it ends with 0 and frees database and port")
+{
+    const TemporaryFolder folder;
+    const std::string database = (folder / "x.db").string();
+    for (const int signal : {SIGTERM, SIGINT}) {
+        ServerProcess server(database);
+        HttpClient client(server.port());
+        client.signIn();
+        CHECK_EQ(server.terminate(signal), 0);
+    }
+    const ServerProcess again(database);
+    CHECK(again.port() != 0);
+}
+
+TEST_CASE("sessions and the market survive a restart")
+{
+    const TemporaryFolder folder;
+    const std::string database = (folder / "x.db").string();
+    std::string token;
+    json candles;
+    const auto finished = [](HttpClient& client) {
+        auto rows = client.get("/api/candles?symbol=EURUSD&timeframe=1h&limit=50").json();
+        std::map<std::string, json> closed;
+        for (std::size_t i = 0; i + 1 < rows.size(); ++i)
+            closed[rows[i].at("timestamp").get<std::string>()] = rows[i];
+        return closed;
+    };
+    std::map<std::string, json> before;
+    {
+        ServerProcess server(database, {"--seed", "77"});
+        HttpClient client(server.port());
+        client.signIn();
+        token = client.token();
+        before = finished(client);
+        server.kill();
+    }
+    const ServerProcess server(database);
+    HttpClient client(server.port());
+    client.setToken(token);
+    int compared = 0;
+    for (const auto& [time, candle] : finished(client)) {
+        if (before.contains(time)) {
+            CHECK_EQ(candle, before[time]);
+            ++compared;
+        }
+    }
+    CHECK(compared >= 48);
+}
+
+TEST_CASE("killed at any moment it loses no acknowledged order and has none twice")
+{
+    const TemporaryFolder folder;
+    const std::string database = (folder / "x.db").string();
+    std::mt19937 random(4711);
+    std::string token;
+    std::string account;
+    // What the server acknowledged: the id of each order by its comment, and the ids that were closed.
+    std::map<std::string, std::string> placed;
+    std::set<std::string> closed;
+    int number = 0;
+    for (int round = 0; round < 12; ++round) {
+        ServerProcess server(database);
+        if (token.empty()) {
+            HttpClient client(server.port());
+            client.signIn();
+            token = client.token();
+            account = demoAccount(client);
+        }
+        std::thread killer([&, delay = std::chrono::microseconds(random() % 200'000)] {
+            std::this_thread::sleep_for(delay);
+            ::kill(server.pid(), SIGKILL);
+        });
+        try {
+            HttpClient client(server.port());
+            client.setToken(token);
+            while (true) {
+                const std::string comment = "order " + std::to_string(++number);
+                const bool market = number % 2 == 0;
+                json body{{"accountId", account}, {"symbol", "EURUSD"}, {"lotSize", 0.01},
+                    {"comment", comment}, {"orderKind", market ? "MARKET" : "BUY_LIMIT"}};
+                if (market)
+                    body["type"] = "BUY";
+                else
+                    body["pendingPrice"] = 0.5;
+                const HttpReply reply = client.post("/api/trades/place", body);
+                CHECK_EQ(reply.status, 200);
+                placed[comment] = reply.json().at("id").get<std::string>();
+                if (market && number % 4 == 0
+                    && client.request("POST", "/api/trades/close/" + placed[comment], "{}").status == 200)
+                    closed.insert(placed[comment]);
+            }
+        } catch (const std::exception&) {
+            // The connection ended in mid-flight.
+        }
+        killer.join();
+    }
+    CHECK(placed.size() >= 20);
+
+    const ServerProcess server(database);
+    HttpClient client(server.port());
+    client.setToken(token);
+    std::map<std::string, int> seen;
+    std::map<std::string, std::string> idOf;
+    double closedResult = 0;
+    for (const char* list : {"open", "pending", "history"}) {
+        for (const json& trade :
+            client.get("/api/trades/" + std::string(list) + "?accountId=" + account).json()) {
+            const std::string comment = trade.at("comment").get<std::string>();
+            ++seen[comment];
+            idOf[comment] = trade.at("id").get<std::string>();
+            if (closed.contains(idOf[comment]))
+                CHECK_EQ(std::string(list), std::string("history"));
+            if (list == std::string("history"))
+                closedResult += std::stod(trade.at("pnl").get<std::string>());
+        }
+    }
+    for (const auto& [comment, id] : placed) {
+        CHECK_EQ(seen[comment], 1);
+        CHECK_EQ(idOf[comment], id);
+    }
+    for (const auto& [comment, count] : seen)
+        CHECK_EQ(count, 1);
+    // The balance tells the same story as the history.
+    for (const json& row : client.get("/api/accounts").json()) {
+        if (row.at("id") == account)
+            CHECK_NEAR(std::stod(row.at("balance").get<std::string>()), 100'000 + closedResult, 0.005);
+    }
+}
+
+CHECK_MAIN()

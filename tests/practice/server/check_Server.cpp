@@ -1,0 +1,280 @@
+#include "practice/Check.h"
+#include "practice/server/FeedClient.h"
+#include "practice/server/HttpClient.h"
+#include "practice/storage/TemporaryFolder.h"
+
+#include "practice/core/broker/DefaultAccounts.h"
+#include "practice/core/market/SimulatedMarket.h"
+#include "practice/server/FirstUse.h"
+#include "practice/server/Secrets.h"
+#include "practice/server/Server.h"
+
+#include <boost/asio/post.hpp>
+
+#include <atomic>
+#include <future>
+#include <thread>
+
+using namespace practice;
+using nlohmann::json;
+
+namespace {
+
+class SettableClock final : public Clock {
+public:
+    [[nodiscard]] TimeMs now() const override { return m_now; }
+    void set(TimeMs now) { m_now = now; }
+
+private:
+    std::atomic<TimeMs> m_now{1'750'000'000'000};
+};
+
+/// Symbols whose one price a test sets by hand: EURUSD and as many copies of it as asked for.
+class ManualMarket final : public PriceSource {
+public:
+    explicit ManualMarket(std::size_t copies)
+        : m_symbols({symbolCatalog().front()})
+    {
+        for (std::size_t i = 1; i <= copies; ++i) {
+            m_symbols.push_back(m_symbols.front());
+            m_symbols.back().name += std::to_string(i);
+            m_symbols.back().sortOrder += static_cast<int>(i);
+        }
+    }
+    [[nodiscard]] const std::vector<SymbolSpec>& symbols() const override { return m_symbols; }
+    [[nodiscard]] Quote quote(std::size_t, TimeMs) override
+    {
+        const double bid = m_bid;
+        return {bid, bid + 0.0001};
+    }
+    [[nodiscard]] double dailyOpen(std::size_t, TimeMs) override { return 1.1; }
+    [[nodiscard]] std::vector<Bar> bars(std::size_t, Timeframe, std::size_t, TimeMs) override { return {}; }
+    void setBid(double bid) { m_bid = bid; }
+
+private:
+    std::vector<SymbolSpec> m_symbols;
+    std::atomic<double> m_bid{1.1};
+};
+
+/// The server in this process, on a thread of its own.
+struct InProcess {
+    TemporaryFolder folder;
+    SettableClock clock;
+    ManualMarket market;
+    Database database{folder / "x.db"};
+    boost::asio::io_context context{1};
+    std::unique_ptr<Server> server;
+    std::thread thread;
+
+    explicit InProcess(std::size_t copies = 0)
+        : market(copies)
+    {
+        prepareFirstUse(database, clock.now());
+        UserStore(database).add({"second", "second@example.test", "Second", hashPassword("other")});
+        server = std::make_unique<Server>(context, database, market, clock,
+            ServerSettings{"127.0.0.1", 0, 1, std::chrono::milliseconds(10)});
+        thread = std::thread([this] { context.run(); });
+    }
+    ~InProcess()
+    {
+        context.stop();
+        thread.join();
+    }
+
+    /// Runs the work on the server's thread.
+    void onServer(const std::function<void()>& work)
+    {
+        std::promise<void> done;
+        boost::asio::post(context, [&] {
+            work();
+            done.set_value();
+        });
+        done.get_future().wait();
+    }
+};
+
+std::string accountOf(HttpClient& client, const char* type, bool funded = false)
+{
+    for (const json& account : client.get("/api/accounts").json()) {
+        if (account.at("type") == type && account.at("isFunded") == funded)
+            return account.at("id").get<std::string>();
+    }
+    throw std::runtime_error("no such account");
+}
+
+json order(const std::string& account, double lots)
+{
+    return {{"symbol", "EURUSD"}, {"lotSize", lots}, {"accountId", account}, {"orderKind", "MARKET"},
+        {"type", "BUY"}};
+}
+
+} // namespace
+
+TEST_CASE("what belongs to one trader does not exist for another")
+{
+    InProcess place;
+    HttpClient mine(place.server->port());
+    mine.signIn();
+    const std::string account = accountOf(mine, "DEMO");
+    const std::string trade
+        = mine.post("/api/trades/place", order(account, 0.1)).json().at("id").get<std::string>();
+    const std::string drawing
+        = mine.post("/api/drawings",
+                  {{"symbol", "EURUSD"}, {"toolType", "hline"}, {"points", {{{"time", 0}, {"price", 1}}}}})
+              .json()
+              .at("id")
+              .get<std::string>();
+
+    HttpClient other(place.server->port());
+    const HttpReply login
+        = other.post("/api/auth/login", {{"email", "second@example.test"}, {"password", "other"}});
+    REQUIRE(login.status == 200);
+    other.setToken(login.json().at("token").get<std::string>());
+    CHECK(other.get("/api/accounts").json() == json::array());
+    for (const char* list : {"open", "pending", "history"})
+        CHECK_EQ(other.get("/api/trades/" + std::string(list) + "?accountId=" + account).status, 404);
+    CHECK_EQ(other.post("/api/trades/place", order(account, 0.1)).status, 404);
+    CHECK_EQ(other.request("POST", "/api/trades/close/" + trade, "{}").status, 404);
+    CHECK_EQ(other.put("/api/trades/modify/" + trade, {{"stopLoss", 1.0}}).status, 404);
+    CHECK(other.get("/api/drawings?symbol=EURUSD").json() == json::array());
+    CHECK_EQ(other.request("DELETE", "/api/drawings/" + drawing).status, 404);
+    CHECK_EQ(mine.get("/api/trades/open?accountId=" + account).json().size(), std::size_t(1));
+
+    FeedClient feed(place.server->port(), other.token());
+    CHECK_EQ(feed.read().at("type"), "hello");
+    CHECK_EQ(mine.request("POST", "/api/trades/close/" + trade, "{}").status, 200);
+    feed.send(R"({"type":"ping"})");
+    while (true) {
+        const json message = feed.read();
+        CHECK(message.at("type") != "orders_changed" && message.at("type") != "trades_update");
+        if (message.at("type") == "pong")
+            break;
+    }
+}
+
+TEST_CASE("a pending order that is reached is announced as filled")
+{
+    InProcess place;
+    HttpClient client(place.server->port());
+    client.signIn();
+    const std::string account = accountOf(client, "DEMO");
+    FeedClient feed(place.server->port(), client.token());
+    json body = order(account, 0.1);
+    body.erase("type");
+    body["orderKind"] = "BUY_LIMIT";
+    body["pendingPrice"] = 1.09;
+    const std::string id = client.post("/api/trades/place", body).json().at("id").get<std::string>();
+    place.market.setBid(1.085);
+    const json event
+        = feed.readUntil("orders_changed", [](const json& m) { return m.value("filled", false); });
+    CHECK_EQ(event.at("tradeId"), id);
+    CHECK_EQ(client.get("/api/trades/open?accountId=" + account).json().at(0).at("entryPrice"), "1.08510");
+}
+
+TEST_CASE("a challenge that breaks its limit fails with an account update")
+{
+    InProcess place;
+    HttpClient client(place.server->port());
+    client.signIn();
+    const std::string account = accountOf(client, "PLAN");
+    FeedClient feed(place.server->port(), client.token());
+    CHECK_EQ(client.post("/api/trades/place", order(account, 2)).status, 200);
+    place.market.setBid(1.09); // 2 lots lose 2 000 of 25 000 USD: more than 5 %
+    const json update = feed.readUntil("account_update");
+    CHECK_EQ(update.at("accountId"), account);
+    CHECK_EQ(update.at("status"), "FAILED");
+    CHECK_EQ(update.at("account").at("status"), "FAILED");
+    CHECK(client.get("/api/trades/open?accountId=" + account).json() == json::array());
+    CHECK_EQ(client.post("/api/trades/place", order(account, 0.1)).status, 400);
+}
+
+TEST_CASE("what cannot be stored is refused and did not happen")
+{
+    InProcess place;
+    HttpClient client(place.server->port());
+    client.signIn();
+    const std::string account = accountOf(client, "DEMO");
+    const std::string id
+        = client.post("/api/trades/place", order(account, 0.1)).json().at("id").get<std::string>();
+    place.onServer([&] { place.database.execute("PRAGMA query_only=ON"); });
+    const HttpReply refused = client.post("/api/trades/place", order(account, 0.2));
+    CHECK_EQ(refused.status, 503);
+    CHECK(!refused.message().empty());
+    CHECK_EQ(client.request("POST", "/api/trades/close/" + id, "{}").status, 503);
+    const json open = client.get("/api/trades/open?accountId=" + account).json();
+    REQUIRE(open.size() == 1);
+    CHECK_EQ(open[0].at("id"), id);
+    place.onServer([&] { place.database.execute("PRAGMA query_only=OFF"); });
+    CHECK_EQ(client.request("POST", "/api/trades/close/" + id, "{}").status, 200);
+    CHECK_EQ(client.get("/api/trades/history?accountId=" + account).json().size(), std::size_t(1));
+}
+
+TEST_CASE("a market that stands still sends no prices")
+{
+    InProcess place;
+    HttpClient client(place.server->port());
+    client.signIn();
+    FeedClient feed(place.server->port(), client.token());
+    CHECK_EQ(feed.read().at("type"), "hello");
+    CHECK(feed.socket().isSilentFor(std::chrono::milliseconds(300)));
+    place.market.setBid(1.2);
+    CHECK_EQ(feed.read(),
+        json({{"type", "price_update"}, {"data", {{"EURUSD", {{"bid", 1.2}, {"ask", 1.2001}}}}}}));
+}
+
+TEST_CASE("a client that does not read misses steps in between but never the last price, and holds up nobody")
+{
+    // Each update is some 100 KB, so that a few dozen fill every buffer of the system.
+    InProcess place(2000);
+    HttpClient client(place.server->port());
+    client.signIn();
+    FeedClient lazy(place.server->port(), client.token(), 4096);
+    FeedClient keen(place.server->port(), client.token());
+    CHECK_EQ(keen.read().at("type"), "hello");
+    CHECK_EQ(lazy.read().at("type"), "hello");
+    constexpr int updates = 150;
+    double bid = 1.1;
+    for (int i = 0; i < updates; ++i) {
+        bid = 1.1 + (i + 1) * 0.0001;
+        place.market.setBid(bid);
+        CHECK_EQ(keen.read().at("data").size(), std::size_t(2001));
+    }
+    int received = 0;
+    json last;
+    while (!last.is_object() || std::abs(last.at("bid").get<double>() - bid) > 1e-9) {
+        const json update = lazy.readUntil("price_update");
+        CHECK_EQ(update.at("data").size(), std::size_t(2001));
+        last = update.at("data").at("EURUSD2000");
+        ++received;
+    }
+    CHECK(received < updates);
+}
+
+TEST_CASE("time and prices that go by leave nothing in the database")
+{
+    InProcess place;
+    const auto rows = [&] {
+        std::int64_t total = 0;
+        place.onServer([&] {
+            for (const char* table : {"meta", "users", "tokens", "accounts", "trades", "drawings"}) {
+                Statement& query = place.database.statement("SELECT count(*) FROM " + std::string(table));
+                while (query.step())
+                    total += query.integer(0);
+            }
+        });
+        return total;
+    };
+    HttpClient client(place.server->port());
+    client.signIn();
+    FeedClient feed(place.server->port(), client.token());
+    CHECK_EQ(feed.read().at("type"), "hello");
+    const std::int64_t before = rows();
+    for (int i = 1; i <= 50; ++i) {
+        place.clock.set(1'750'000'000'000 + i * dayMs / 10);
+        place.market.setBid(1.1 + i * 0.0001);
+        CHECK_EQ(feed.read().at("type"), "price_update");
+    }
+    CHECK_EQ(rows(), before);
+}
+
+CHECK_MAIN()
