@@ -14,7 +14,7 @@ namespace {
 // Checked when nobody has the e-mail address, so that the time of the answer does not tell who exists.
 // No password is known to give it.
 constexpr const char* nobodysHash
-    = "$y$j9T$V7qMYJaNbVKOeh4PhtqP..$xk3jD1YfoXkXUadLOgO1uLctths2s/HjMy5k2tiABF0";
+    = "$y$j9T$V7qMYJaNbVKOeh4PhtqP..$Rk3jD1YfoXkXUadLOgO1uLctths2s/HjMy5k2tiABF0";
 
 ApiReply signedIn(Sessions& sessions, const User& user, TimeMs now)
 {
