@@ -30,11 +30,12 @@ bool isSendable(const QString& token)
         && std::all_of(token.begin(), token.end(), [](QChar c) { return c >= u' ' && c <= u'~'; });
 }
 
-// The address and the path are joined as text: a path such as "@host/" would name another host.
+// The address and the path are joined as text: a path such as "@host/" would name another host, and
+// what follows a "#" would be left out.
 bool isSafe(const QUrl& url, const QString& path)
 {
     return path.startsWith(u'/') && !hasDotSegment(path) && url.isValid() && !url.host().isEmpty()
-        && (url.scheme() == "https"_L1 || url.scheme() == "http"_L1);
+        && !url.hasFragment() && (url.scheme() == "https"_L1 || url.scheme() == "http"_L1);
 }
 
 void capSize(QNetworkReply* reply)
@@ -162,6 +163,7 @@ void ApiClient::finishLogin(QNetworkReply* reply, const QString& email)
         TerminalSettings& settings = TerminalSettings::instance();
         settings.setToken(token);
         settings.setEmail(email);
+        settings.sync();
         Q_EMIT loginSucceeded(outcome.body);
         return;
     }

@@ -23,8 +23,6 @@ class ApiClient final : public QObject {
     Q_DISABLE_COPY_MOVE(ApiClient)
 
 public:
-    using ReplyCallback = ::ReplyCallback;
-
     explicit ApiClient(QObject* parent = nullptr);
     ~ApiClient() override;
 

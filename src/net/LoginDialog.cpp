@@ -65,8 +65,17 @@ LoginDialog::LoginDialog(QWidget* parent)
     (m_email->text().isEmpty() ? m_email : m_password)->setFocus();
 
     connect(m_loginButton, &QPushButton::clicked, this, &LoginDialog::attemptLogin);
-    connect(&m_api, &ApiClient::loginSucceeded, this, &LoginDialog::onLoginSucceeded);
-    connect(&m_api, &ApiClient::loginFailed, this, &LoginDialog::onLoginFailed);
+    // An answer that is already on its way must neither sign in nor store a token any more.
+    connect(this, &QDialog::rejected, this, &LoginDialog::renewClient);
+    renewClient();
+}
+
+void LoginDialog::renewClient()
+{
+    m_api.emplace();
+    connect(&*m_api, &ApiClient::loginSucceeded, this, &LoginDialog::onLoginSucceeded);
+    connect(&*m_api, &ApiClient::loginFailed, this, &LoginDialog::onLoginFailed);
+    setBusy(false);
 }
 
 QLayout* LoginDialog::buildForm()
@@ -115,7 +124,7 @@ void LoginDialog::attemptLogin()
     TerminalSettings::instance().setRemember(m_remember->isChecked());
     m_errorLabel->hide();
     setBusy(true);
-    m_api.login(email, password);
+    m_api->login(email, password);
 }
 
 void LoginDialog::onLoginSucceeded(const QJsonObject& user)

@@ -4,6 +4,7 @@
 
 #include <QDialog>
 #include <QJsonObject>
+#include <optional>
 
 class QCheckBox;
 class QLabel;
@@ -31,11 +32,12 @@ private Q_SLOTS:
 private:
     [[nodiscard]] QLayout* buildForm();
     [[nodiscard]] QLayout* buildButtons();
+    void renewClient();
     void setBusy(bool on);
     void showError(const QString& text);
     void askForPassword();
 
-    ApiClient m_api;
+    std::optional<ApiClient> m_api;
     QLineEdit* m_email;
     QLineEdit* m_password;
     QCheckBox* m_remember;

@@ -51,6 +51,8 @@ private Q_SLOTS:
     void cookies_are_neither_kept_nor_sent();
     void paths_that_reach_elsewhere_are_refused_before_sending_data();
     void paths_that_reach_elsewhere_are_refused_before_sending();
+    void an_address_that_names_no_server_is_an_error_with_a_text_data();
+    void an_address_that_names_no_server_is_an_error_with_a_text();
     void a_refused_change_finishes_from_the_event_loop_with_an_error();
 
     void a_callback_is_dropped_with_its_context();
@@ -280,7 +282,9 @@ void TestApiClient::callbacks_run_in_the_order_of_completion()
 
 void TestApiClient::every_401_of_a_read_says_unauthorized_before_its_callback()
 {
-    m_server->on("GET", "/x", StubAnswer::message(u"Token expired"_s, 401));
+    const StubAnswer expired = StubAnswer::message(u"Token expired"_s, 401);
+    m_server->once("GET", "/x", expired);
+    m_server->once("GET", "/x", expired.with("WWW-Authenticate", "Bearer error=\"invalid_token\""));
     QStringList events;
     connect(&*m_api, &ApiClient::unauthorized, this, [&] { events.append(u"unauthorized"_s); });
     for (int i = 0; i < 2; ++i) {
@@ -327,6 +331,7 @@ void TestApiClient::paths_that_reach_elsewhere_are_refused_before_sending_data()
     QTest::newRow("parent") << u"/api/trades/close/.."_s;
     QTest::newRow("encoded parent") << u"/api/trades/close/%2e%2e"_s;
     QTest::newRow("mixed parent") << u"/api/trades/close/.%2E/place"_s;
+    QTest::newRow("fragment") << u"/api/trades/close/7#8"_s;
     QTest::newRow("empty") << QString();
 }
 
@@ -340,6 +345,26 @@ void TestApiClient::paths_that_reach_elsewhere_are_refused_before_sending()
     QVERIFY(answer.document.isNull());
     QCOMPARE(m_server->requests().size(), 0);
     QCOMPARE(other.requests().size(), 0);
+}
+
+void TestApiClient::an_address_that_names_no_server_is_an_error_with_a_text_data()
+{
+    QTest::addColumn<QString>("address");
+    QTest::newRow("empty") << QString();
+    QTest::newRow("broken brackets") << u"http://[::1"_s;
+    QTest::newRow("broken port") << u"http://127.0.0.1:port"_s;
+}
+
+void TestApiClient::an_address_that_names_no_server_is_an_error_with_a_text()
+{
+    QFETCH(const QString, address);
+    TerminalSettings::instance().setServerUrl(address);
+    QCOMPARE(read(u"/api/accounts"_s).error, u"The request address is not valid"_s);
+    QCOMPARE(finish(m_api->post(u"/api/trades/place"_s, {})).error, u"The request address is not valid"_s);
+    QSignalSpy failed(&*m_api, &ApiClient::loginFailed);
+    m_api->login(u"a@b.c"_s, u"pw"_s);
+    QTRY_COMPARE(failed.size(), 1);
+    QCOMPARE(failed.at(0).at(0).toString(), u"The request address is not valid"_s);
 }
 
 void TestApiClient::a_refused_change_finishes_from_the_event_loop_with_an_error()

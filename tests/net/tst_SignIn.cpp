@@ -1,8 +1,10 @@
+#include "app/SettingsStore.h"
 #include "app/TerminalSettings.h"
 #include "net/ApiClient.h"
 #include "support/StubHttpServer.h"
 #include "support/TestMain.h"
 
+#include <QFile>
 #include <optional>
 
 using namespace Qt::StringLiterals;
@@ -15,6 +17,7 @@ private Q_SLOTS:
     void init();
     void it_posts_the_credentials_without_any_token();
     void token_and_email_are_stored_before_the_success_is_announced();
+    void a_sign_in_is_on_disk_before_the_success_is_announced();
     void an_answer_without_a_usable_token_fails_data();
     void an_answer_without_a_usable_token_fails();
     void a_failed_sign_in_shows_the_servers_message();
@@ -82,6 +85,21 @@ void TestSignIn::token_and_email_are_stored_before_the_success_is_announced()
     QCOMPARE(emailThen, u"new@b.c"_s);
     QCOMPARE(user.value(u"email"_s).toString(), u"x@y.z"_s);
     QCOMPARE(user.value(u"extra"_s).toInt(), 1);
+}
+
+void TestSignIn::a_sign_in_is_on_disk_before_the_success_is_announced()
+{
+    m_server->on("POST", "/api/auth/login", StubAnswer::json(R"({"token":"new-token"})"));
+    // Asked for now: finding the path out opens the store, and closing that writes it.
+    QFile file(SettingsStore::userFilePath());
+    QByteArray stored;
+    connect(&*m_api, &ApiClient::loginSucceeded, this, [&] {
+        if (file.open(QIODevice::ReadOnly))
+            stored = file.readAll();
+    });
+    QCOMPARE(loginError(), u"(success)"_s);
+    QVERIFY2(stored.contains("new@b.c"), stored.constData());
+    QVERIFY2(stored.contains("new-token"), stored.constData());
 }
 
 void TestSignIn::an_answer_without_a_usable_token_fails_data()

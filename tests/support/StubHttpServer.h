@@ -85,6 +85,8 @@ public:
     [[nodiscard]] StubRequest last(const QByteArray& method, const QByteArray& target) const;
     void clearRequests() { m_requests.clear(); }
 
+    /// Connections open now.
+    [[nodiscard]] int connectionCount() const { return static_cast<int>(m_buffers.size()); }
     /// Requests that wait for release(). Those whose client has gone no longer count.
     [[nodiscard]] int heldCount() const;
     /// Answers the oldest held request, or the oldest for this path or target when one is named.
