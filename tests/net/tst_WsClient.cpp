@@ -23,11 +23,13 @@ private Q_SLOTS:
     void a_hello_is_announced_with_its_number_of_symbols_data();
     void a_hello_is_announced_with_its_number_of_symbols();
     void each_type_raises_its_signal();
+    void a_message_is_counted_before_it_is_handed_on();
     void data_of_a_wrong_type_reads_as_empty();
     void anything_else_is_dropped_but_counted_data();
     void anything_else_is_dropped_but_counted();
     void traffic_counts_utf8_bytes_and_survives_a_reconnect();
     void a_ping_is_sent_once_until_its_pong_comes();
+    void the_latency_is_the_time_from_ping_to_pong();
     void no_ping_is_sent_without_a_connection();
     void the_ping_timer_runs_only_while_connected();
     void a_lost_pong_stops_pings_until_the_next_connection_on_purpose();
@@ -83,6 +85,7 @@ void TestWsClient::it_connects_with_the_token_percent_encoded_in_the_query()
     QCOMPARE(m_feed->targets(), QList<QByteArray>({"/ws/terminal?token=a%2Bb%26c%20d%2Fe%3Df%23g%25h"_ba}));
     const QByteArray head = m_feed->lastHead().toLower();
     QVERIFY(head.contains("sec-websocket-version: 13"));
+    QVERIFY(!head.contains("\r\norigin:"));
     QVERIFY(!head.contains("authorization"));
 }
 
@@ -153,6 +156,15 @@ void TestWsClient::each_type_raises_its_signal()
     QCOMPARE(trades.at(0).at(0).toJsonArray().at(0).toObject().value(u"id"_s).toString(), u"t1"_s);
     QCOMPARE(orders.at(0).at(0).toJsonObject().value(u"type"_s).toString(), u"orders_changed"_s);
     QCOMPARE(account.at(0).at(0).toJsonObject().value(u"id"_s).toString(), u"a1"_s);
+}
+
+void TestWsClient::a_message_is_counted_before_it_is_handed_on()
+{
+    QStringList order;
+    connect(&*m_client, &WsClient::trafficChanged, this, [&] { order.append(u"counted"_s); });
+    connect(&*m_client, &WsClient::pricesUpdated, this, [&] { order.append(u"handed on"_s); });
+    m_client->onTextMessage(u"{\"type\":\"price_update\",\"data\":{}}"_s);
+    QCOMPARE(order, QStringList({u"counted"_s, u"handed on"_s}));
 }
 
 void TestWsClient::data_of_a_wrong_type_reads_as_empty()
@@ -229,6 +241,25 @@ void TestWsClient::a_ping_is_sent_once_until_its_pong_comes()
     QCOMPARE(m_feed->received(), QStringList({u"{\"type\":\"ping\"}"_s}));
     m_client->sendPing();
     QTRY_COMPARE(m_feed->received().size(), 2);
+}
+
+void TestWsClient::the_latency_is_the_time_from_ping_to_pong()
+{
+    const QSignalSpy latency(&*m_client, &WsClient::latencyChanged);
+    connectFeed();
+    m_client->sendPing();
+    QElapsedTimer sincePing;
+    sincePing.start();
+    QTRY_VERIFY(sincePing.elapsed() >= 30);
+    m_client->onTextMessage(u"{\"type\":\"pong\"}"_s);
+    QCOMPARE(latency.size(), 1);
+    QVERIFY(latency.at(0).at(0).toInt() >= 30);
+
+    m_client->sendPing();
+    sincePing.restart();
+    m_client->onTextMessage(u"{\"type\":\"pong\"}"_s);
+    // The clock starts anew with each ping, however long this machine takes for two lines.
+    QVERIFY(latency.at(1).at(0).toInt() < sincePing.elapsed() + 30);
 }
 
 void TestWsClient::no_ping_is_sent_without_a_connection()

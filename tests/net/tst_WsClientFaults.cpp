@@ -16,10 +16,13 @@ private Q_SLOTS:
     void cleanup();
 
     void the_delays_are_1_2_4_8_16_and_then_30_seconds();
+    void a_second_of_delay_lasts_a_second();
     void a_success_starts_the_delays_anew();
+    void starting_again_starts_the_delays_anew();
     void an_attempt_has_ten_seconds();
     void every_broken_handshake_ends_in_one_retry_and_recovery_data();
     void every_broken_handshake_ends_in_one_retry_and_recovery();
+    void a_silent_peer_of_an_encrypted_feed_is_retried_too();
     void an_invalid_address_is_retried_too();
     void a_retry_never_starts_inside_the_disconnect();
     void an_attempt_replaced_by_another_asks_for_no_retry();
@@ -86,6 +89,32 @@ void TestWsClientFaults::a_success_starts_the_delays_anew()
     QCOMPARE(m_retries.first(2), QList<int>({1, 2}));
 }
 
+void TestWsClientFaults::a_second_of_delay_lasts_a_second()
+{
+    m_feed->shutDown();
+    WsClient client;
+    QTimer* const timer = client.findChild<QTimer*>(u"retryTimer"_s);
+    QVERIFY(timer);
+    client.start();
+    for (const int milliseconds : {1000, 2000, 4000, 8000, 16000, 30000, 30000}) {
+        QTRY_VERIFY(timer->isActive());
+        QCOMPARE(timer->interval(), milliseconds);
+        timer->start(0);
+        QTRY_VERIFY(timer->interval() != 0);
+    }
+}
+
+void TestWsClientFaults::starting_again_starts_the_delays_anew()
+{
+    m_feed->shutDown();
+    m_client->start();
+    QTRY_VERIFY(m_retries.size() >= 3);
+    m_retries.clear();
+    m_client->start();
+    QTRY_VERIFY(m_retries.size() >= 2);
+    QCOMPARE(m_retries.first(2), QList<int>({1, 2}));
+}
+
 void TestWsClientFaults::an_attempt_has_ten_seconds()
 {
     const QTimer* const timer = m_client->findChild<QTimer*>(u"attemptTimer"_s);
@@ -129,6 +158,17 @@ void TestWsClientFaults::every_broken_handshake_ends_in_one_retry_and_recovery()
     QTRY_COMPARE(m_log.last(), u"Feed connected"_s);
     QCOMPARE(m_feed->attempts(), m_retries.size() + 1);
     QCOMPARE(m_log.filter(u"Connecting"_s).size(), m_retries.size() + 1);
+}
+
+void TestWsClientFaults::a_silent_peer_of_an_encrypted_feed_is_retried_too()
+{
+    m_feed->setMode(StubFeedServer::Mode::Silent);
+    TerminalSettings::instance().setServerUrl(m_feed->url().replace(u"http:"_s, u"https:"_s));
+    m_client->setAttemptTimeout(100);
+    m_client->start();
+    QTRY_VERIFY(m_retries.size() >= 3);
+    QCOMPARE(m_retries.first(3), QList<int>({1, 2, 4}));
+    QVERIFY(m_feed->attempts() >= 3);
 }
 
 void TestWsClientFaults::an_invalid_address_is_retried_too()
