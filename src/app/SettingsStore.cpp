@@ -28,15 +28,38 @@ std::optional<QByteArray> contentOf(const QString& path)
     return file.readAll();
 }
 
+/// Whether the last value's quotes are still open, as in a file that was cut off half-way. The
+/// toolkit takes all that follows an open quote as part of the value and reports nothing.
+bool endsInsideQuotes(const QByteArray& content)
+{
+    bool quoted = false;
+    bool comment = false;
+    for (qsizetype i = 0; i < content.size(); ++i) {
+        const char c = content[i];
+        if (c == '\n' || c == '\r')
+            comment = false;
+        else if (comment)
+            continue;
+        else if (c == '\\')
+            ++i;
+        else if (c == '"')
+            quoted = !quoted;
+        else if (c == ';' && !quoted)
+            comment = true;
+    }
+    return quoted;
+}
+
 /// The toolkit's parser takes nearly anything. What it writes itself holds no control characters,
-/// and a store that is not empty holds at least one "key=value".
+/// closes its quotes, and a store that is not empty holds at least one "key=value".
 bool looksWritten(const QByteArray& content)
 {
     const auto isForeign = [](char c) {
         const auto code = static_cast<unsigned char>(c);
         return (code < 0x20 && c != '\n' && c != '\r' && c != '\t') || code == 0x7f;
     };
-    return content.contains('=') && std::none_of(content.cbegin(), content.cend(), isForeign);
+    return content.contains('=') && std::none_of(content.cbegin(), content.cend(), isForeign)
+        && !endsInsideQuotes(content);
 }
 
 /// Parses `content` as the toolkit would and hands the result to `look`; false when it is damaged.
@@ -95,10 +118,11 @@ void SettingsStore::remove(QLatin1StringView key)
 bool SettingsStore::sync()
 {
     m_settings->sync();
-    if (m_settings->status() != QSettings::NoError)
-        return false;
     if (!isFile(m_filePath))
-        return true;
+        return m_settings->status() == QSettings::NoError;
+    // Made anew under the usual umask when somebody deleted it meanwhile.
+    QFile::setPermissions(m_filePath, ownerFile);
+    // The toolkit's status is no help here: good on a full disk, and bad for ever after one failure.
     const std::optional<QByteArray> content = contentOf(m_filePath);
     if (!content)
         return false;
@@ -176,7 +200,7 @@ void SettingsStore::setAside(const QByteArray& damaged) const
     // Kept for a look by hand, without the session token: signing out could not remove it there.
     QByteArray kept;
     for (const QByteArray& line : damaged.split('\n')) {
-        if (!line.trimmed().startsWith("token"))
+        if (!line.contains("token"))
             kept += line + '\n';
     }
     kept.chop(1);

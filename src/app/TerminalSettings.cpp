@@ -100,16 +100,12 @@ void TerminalSettings::setRemember(bool remember)
 
 bool TerminalSettings::darkTheme() const
 {
-    // Asked for each cell of each snapshot; the store takes locks and parses keys.
-    if (!m_dark)
-        m_dark = text(Key::theme) == dark;
-    return *m_dark;
+    return text(Key::theme) == dark;
 }
 
 void TerminalSettings::setDarkTheme(bool isDark)
 {
     m_store.setValue(Key::theme, QString(isDark ? dark : light));
-    m_dark = isDark;
 }
 
 QByteArray TerminalSettings::windowGeometry() const
@@ -167,7 +163,6 @@ bool TerminalSettings::sync()
     const bool saved = m_store.sync();
     if (!saved)
         appLog(u"settings could not be saved to %1"_s.arg(m_store.filePath()));
-    m_dark.reset();
     return saved;
 }
 
@@ -194,7 +189,7 @@ bool TerminalSettings::flag(QLatin1StringView key, bool fallback) const
     if (value.typeId() == QMetaType::Bool)
         return value.toBool();
     // The file holds texts, and any text but "false" and "0" would count as true.
-    const QString word = value.toString();
+    const QString word = value.toString().toLower();
     if (word == "true"_L1 || word == "1"_L1)
         return true;
     if (word == "false"_L1 || word == "0"_L1)

@@ -75,5 +75,4 @@ private:
 
     SettingsStore m_store;
     QString m_token;
-    mutable std::optional<bool> m_dark;
 };

@@ -140,7 +140,7 @@ QColor themeBackdropColor()
 
 QIcon appIcon()
 {
-    // Never destroyed: a pixmap must not outlive, nor be freed after, the application object.
+    // Never destroyed: freeing a pixmap once the application object is gone would crash.
     static const QIcon& icon = *new QIcon(u":/logo.png"_s);
     return icon;
 }

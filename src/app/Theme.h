@@ -14,7 +14,8 @@ void setTheme(bool dark);
 
 [[nodiscard]] bool isDarkTheme();
 
-/// Colours of the theme in force, cheap enough to be asked for each cell of a snapshot.
+/// Colours of the theme in force, read from the settings at each call: keep brushes and icons made of
+/// them until the theme changes.
 [[nodiscard]] QColor themeTextColor();
 [[nodiscard]] QColor themeUpColor();
 [[nodiscard]] QColor themeDownColor();

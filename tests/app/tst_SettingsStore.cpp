@@ -109,7 +109,8 @@ private Q_SLOTS:
             store.setValue("empty"_L1, QString());
             QVERIFY(store.sync());
         }
-        const SettingsStore store(m_path);
+        SettingsStore store(m_path);
+        QCOMPARE(store.takeNotices(), QStringList());
         QCOMPARE(store.value("window/state"_L1).toByteArray(), bytes);
         QCOMPARE(store.value("charts/layout"_L1).toString(), text);
     }
@@ -124,6 +125,8 @@ private Q_SLOTS:
                                                            "ELF\x02\x01 garbage\n\xff\xfe\n")
                                              << true;
         QTest::newRow("cut inside a section") << QByteArray("[ui]\ntheme=light\n[window") << true;
+        QTest::newRow("cut inside a quoted value")
+            << QByteArray("[ui]\ntheme=light\n[charts]\nlayout=\"[{\\\"symbol\\\": \\\"EURU") << true;
     }
     void aDamagedFileIsReplacedByTheCopy()
     {
@@ -155,6 +158,30 @@ private Q_SLOTS:
         QVERIFY(store.sync());
     }
 
+    void whatAPersonWritesByHandIsNotDamage_data()
+    {
+        QTest::addColumn<QByteArray>("content");
+        QTest::newRow("no line end at the end") << QByteArray("[ui]\ntheme=light");
+        QTest::newRow("a quote in a comment") << QByteArray("; 5\" tube\n[ui]\ntheme=light\n");
+        QTest::newRow("a comment after a value") << QByteArray("[ui]\ntheme=light ; my \"choice\n");
+        QTest::newRow("quoted") << QByteArray("[ui]\ntheme=\"light\"\n[charts]\nlayout=\"[\\\"a;b\\\"]\"");
+        QTest::newRow("line ends of another system") << QByteArray("[ui]\r\ntheme=light\r\n");
+        QTest::newRow("letters of the world") << QByteArray("[ui]\ntheme=light\n[auth]\nemail=zo\xc3\xab@x");
+    }
+    void whatAPersonWritesByHandIsNotDamage()
+    {
+        QFETCH(QByteArray, content);
+        {
+            SettingsStore store(m_path);
+            store.setValue("ui/theme"_L1, u"dark"_s);
+            QVERIFY(store.sync());
+        }
+        write(m_path, content);
+        SettingsStore store(m_path);
+        QCOMPARE(store.takeNotices(), QStringList());
+        QCOMPARE(store.value("ui/theme"_L1).toString(), u"light"_s);
+    }
+
     void aDamagedFileWithoutACopyGivesDefaultsAndIsKept()
     {
         QVERIFY(QDir().mkpath(QFileInfo(m_path).path()));
@@ -179,7 +206,8 @@ private Q_SLOTS:
     void theDamagedFileSetAsideHoldsNoToken()
     {
         QVERIFY(QDir().mkpath(QFileInfo(m_path).path()));
-        write(m_path, "[auth]\nemail=a@b.example\ntoken=top-secret\n[broken");
+        write(m_path,
+            QByteArrayLiteral("[auth]\nemail=a@b.example\ntoken=top-secret\n\0\0token=top-secret\n[broken"));
         SettingsStore store(m_path);
         QVERIFY(contentOf(store.damagedPath()).contains("a@b.example"));
         QVERIFY(!contentOf(store.damagedPath()).contains("top-secret"));
@@ -224,6 +252,37 @@ private Q_SLOTS:
         QVERIFY(store.sync());
         QVERIFY(contentOf(m_path).contains("layout"));
         QCOMPARE(contentOf(store.copyPath()), contentOf(m_path));
+    }
+
+    void aFolderThatComesBackIsWrittenAgain()
+    {
+        SettingsStore store(m_path);
+        store.setValue("ui/theme"_L1, u"dark"_s);
+        QVERIFY(store.sync());
+
+        const QString folder = QFileInfo(m_path).path();
+        QVERIFY(QFile::rename(folder, folder + u".away"_s));
+        write(folder, "a file where the folder was");
+        store.setValue("alerts"_L1, u"[1]"_s);
+        QVERIFY(!store.sync());
+        QVERIFY(QFile::remove(folder));
+        QVERIFY(QFile::rename(folder + u".away"_s, folder));
+
+        QVERIFY(store.sync());
+        QVERIFY(contentOf(m_path).contains("alerts=[1]"));
+        QCOMPARE(contentOf(store.copyPath()), contentOf(m_path));
+    }
+
+    void aFileDeletedMeanwhileIsMadePrivateAgain()
+    {
+        SettingsStore store(m_path);
+        store.setValue("ui/theme"_L1, u"dark"_s);
+        QVERIFY(store.sync());
+        QVERIFY(QFile::remove(m_path));
+        store.setValue("auth/token"_L1, u"secret"_s);
+        QVERIFY(store.sync());
+        QVERIFY(contentOf(m_path).contains("secret"));
+        QCOMPARE(modeOf(m_path), 0600);
     }
 
     void checkingLeavesNoFilesBehind()

@@ -175,6 +175,8 @@ private Q_SLOTS:
         QTest::addColumn<bool>("remember");
         QTest::newRow("false") << QByteArrayLiteral("false") << false;
         QTest::newRow("0") << QByteArrayLiteral("0") << false;
+        QTest::newRow("False") << QByteArrayLiteral("False") << false;
+        QTest::newRow("FALSE") << QByteArrayLiteral("FALSE") << false;
         QTest::newRow("true") << QByteArrayLiteral("true") << true;
         QTest::newRow("1") << QByteArrayLiteral("1") << true;
         QTest::newRow("nonsense is the default") << QByteArrayLiteral("nonsense") << true;
@@ -214,6 +216,15 @@ private Q_SLOTS:
         QVERIFY(!settings->darkTheme());
         QVERIFY(settings->sync());
         QVERIFY(fileContent().contains("theme=light"));
+    }
+
+    void theThemeIsReadAfreshAtEachQuery()
+    {
+        const auto settings = open();
+        QVERIFY(!settings->darkTheme());
+        // The toolkit shares one content among all that open the same file in this process.
+        QSettings(m_path, QSettings::NativeFormat).setValue("ui/theme", u"dark"_s);
+        QVERIFY(settings->darkTheme());
     }
 
     void aThemeChangedByAnotherTerminalIsSeenAfterASync()
