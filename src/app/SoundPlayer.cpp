@@ -73,10 +73,7 @@ SoundVoices& voices()
     static SoundVoices& instance = *new SoundVoices({
         .available = [] { return !QMediaDevices::defaultAudioOutput().isNull(); },
         .load = [](const QString& path) -> std::function<void()> {
-            auto* effect = new QSoundEffect;
-            effect->setSource(QUrl::fromLocalFile(path));
-            effect->setVolume(volume);
-            return [effect] { effect->play(); };
+            return [effect = std::shared_ptr(newSoundEffect(path))] { effect->play(); };
         },
     });
     return instance;
@@ -97,4 +94,12 @@ QString soundFilePath(SoundKind kind)
 bool soundFileReady(SoundKind kind)
 {
     return soundFile(kind).written;
+}
+
+std::unique_ptr<QSoundEffect> newSoundEffect(const QString& filePath)
+{
+    auto effect = std::make_unique<QSoundEffect>();
+    effect->setSource(QUrl::fromLocalFile(filePath));
+    effect->setVolume(volume);
+    return effect;
 }

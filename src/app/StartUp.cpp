@@ -5,7 +5,6 @@
 #include "app/PublicSettings.h"
 #include "app/TerminalSettings.h"
 #include "app/Theme.h"
-#include "app/UpdateFramework.h"
 
 #include <QApplication>
 #include <QDialog>
@@ -50,7 +49,7 @@ void nameApplication()
     QApplication::setLayoutDirection(Qt::LeftToRight);
 }
 
-int runTerminal(QApplication& application, const StartUpWindows& windows)
+int runTerminal(QApplication& application, const StartUpWindows& windows, UpdateFramework& updates)
 {
     nameApplication();
     applyTheme(application);
@@ -78,9 +77,10 @@ int runTerminal(QApplication& application, const StartUpWindows& windows)
     }
     QGuiApplication::setQuitOnLastWindowClosed(true);
 
-    UpdateFramework::instance().setUp(QCoreApplication::applicationVersion());
-    QObject::connect(&application, &QCoreApplication::aboutToQuit, &application,
-        [] { UpdateFramework::instance().cleanUp(); });
+    updates.setUp(QCoreApplication::applicationVersion());
+    const QObject thisRun;
+    QObject::connect(
+        &application, &QCoreApplication::aboutToQuit, &thisRun, [&updates] { updates.cleanUp(); });
 
     appLog(u"entering app.exec()"_s);
     const int exitCode = QApplication::exec();

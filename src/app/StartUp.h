@@ -1,5 +1,7 @@
 #pragma once
 
+#include "app/UpdateFramework.h"
+
 #include <QJsonObject>
 
 #include <functional>
@@ -26,4 +28,5 @@ struct StartUpWindows {
 void nameApplication();
 
 /// Everything from the theme to the end of the event loop; returns the process's exit code.
-int runTerminal(QApplication& application, const StartUpWindows& windows);
+int runTerminal(QApplication& application, const StartUpWindows& windows,
+    UpdateFramework& updates = UpdateFramework::instance());

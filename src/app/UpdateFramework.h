@@ -4,8 +4,8 @@
 
 #include <functional>
 
-/// The calls of the update framework that we use, in the order in which it wants them. Each may be
-/// empty where the framework does not exist.
+/// The calls of the update framework that we use, in the order in which it wants them. All are set,
+/// or none where the framework does not exist.
 struct UpdateCalls {
     std::function<void(const char* url)> setAppcastUrl;
     std::function<void(void (*callback)())> setShutdownRequestCallback;

@@ -1,6 +1,7 @@
 #include "app/SoundPlayer.h"
 #include "support/TestMain.h"
 
+#include <QSoundEffect>
 #include <QtEndian>
 
 #include <numbers>
@@ -162,6 +163,15 @@ private Q_SLOTS:
         QVERIFY(QFile::remove(path));
         QCOMPARE(soundFilePath(SoundKind::Fill), path);
         QVERIFY(!QFile::exists(path));
+    }
+
+    void anEffectPlaysItsFileAtSeventyPercent()
+    {
+        const QString path = soundFilePath(SoundKind::Close);
+        const std::unique_ptr<QSoundEffect> effect = newSoundEffect(path);
+        QCOMPARE(effect->source(), QUrl::fromLocalFile(path));
+        QCOMPARE(effect->volume(), 0.7F);
+        QCOMPARE(effect->loopCount(), 1);
     }
 
     void playingWithoutAnAudioDeviceIsSilent()

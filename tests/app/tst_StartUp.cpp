@@ -78,12 +78,38 @@ class TestStartUp : public QObject {
         };
     }
 
+    /// An update framework that notes when it is set up and cleaned up.
+    [[nodiscard]] UpdateCalls updates()
+    {
+        return {
+            .setAppcastUrl = [](const char*) {},
+            .setShutdownRequestCallback = [](void (*)()) {},
+            .setAppDetails =
+                [this](const wchar_t*, const wchar_t*, const wchar_t* version) {
+                    m_steps.append(u"updates of "_s + QString::fromWCharArray(version));
+                },
+            .setAutomaticCheck = [](int) {},
+            .setCheckInterval = [](int) {},
+            .init =
+                [this] {
+                    const QWidgetList all = QApplication::topLevelWidgets();
+                    m_windowAtSetUp = std::any_of(
+                        all.cbegin(), all.cend(), [](const QWidget* window) { return window->isVisible(); });
+                    m_quitAtSetUp = QGuiApplication::quitOnLastWindowClosed();
+                },
+            .cleanUp = [this] { m_steps.append(u"updates cleaned up"_s); },
+            .checkWithUi = [] {},
+        };
+    }
+
 private Q_SLOTS:
     void init()
     {
         QFile::remove(logFilePath());
         m_steps.clear();
         m_mainWindowShown = false;
+        m_windowAtSetUp = false;
+        m_quitAtSetUp = false;
         // A port that nobody listens on: the fetch fails at once.
         QTcpServer server;
         QVERIFY(server.listen(QHostAddress::LocalHost));
@@ -92,6 +118,7 @@ private Q_SLOTS:
 
     void theApplicationIsNamed()
     {
+        QApplication::setLayoutDirection(Qt::RightToLeft);
         nameApplication();
         QCOMPARE(QCoreApplication::organizationName(), u"Tavoran"_s);
         QCOMPARE(QCoreApplication::applicationName(), u"Tavoran Terminal"_s);
@@ -115,6 +142,24 @@ private Q_SLOTS:
             (QStringList{u"theme applied: light"_s, u"public config fetch failed: Connection refused"_s,
                 u"login.exec() returned 1"_s, u"MainWindow constructed"_s, u"setUser done"_s,
                 u"entering app.exec()"_s, u"app.exec() returned 0"_s}));
+    }
+
+    void updatesAreSetUpBehindTheMainWindowAndCleanedUpAtQuit()
+    {
+        UpdateFramework framework(updates());
+        QCOMPARE(runTerminal(*qApp, windows(QDialog::Accepted), framework), 0);
+        QCOMPARE(m_steps.sliced(3),
+            (QStringList{
+                u"sign-in gone"_s, u"updates of 1.0.1"_s, u"updates cleaned up"_s, u"main window gone"_s}));
+        QVERIFY(m_windowAtSetUp);
+        QVERIFY(m_quitAtSetUp);
+    }
+
+    void aCancelledSignInSetsUpNoUpdates()
+    {
+        UpdateFramework framework(updates());
+        QCOMPARE(runTerminal(*qApp, windows(QDialog::Rejected), framework), 0);
+        QCOMPARE(m_steps, (QStringList{u"sign-in made"_s, u"sign-in gone"_s}));
     }
 
     void aCancelledSignInEndsWithExitCodeZeroAndNoMainWindow()
@@ -176,12 +221,10 @@ private Q_SLOTS:
 
     void windowsThatAreNotHandedInAreSkipped()
     {
-        QTimer::singleShot(0, qApp, [] { QCoreApplication::exit(0); });
-        StartUpWindows none;
         QTimer quit;
         connect(&quit, &QTimer::timeout, qApp, [] { QCoreApplication::exit(5); });
         quit.start(20);
-        QCOMPARE(runTerminal(*qApp, none), 5);
+        QCOMPARE(runTerminal(*qApp, StartUpWindows()), 5);
         QVERIFY(!logMessages().contains(u"MainWindow constructed"_s));
     }
 
@@ -191,6 +234,8 @@ private:
     bool m_splashDuringSignIn = true;
     bool m_quitDuringSignIn = true;
     bool m_mainWindowShown = false;
+    bool m_windowAtSetUp = false;
+    bool m_quitAtSetUp = false;
 };
 
 TAVORAN_TEST_MAIN(TestStartUp)
