@@ -15,18 +15,14 @@ public:
         : QDoubleValidator(0.0, highestValue, mostDecimals, parent)
     {
         setNotation(StandardNotation);
-        QLocale pointOnly = QLocale::c();
-        pointOnly.setNumberOptions(QLocale::RejectGroupSeparator);
-        setLocale(pointOnly);
+        setLocale(QLocale::c());
     }
 
-    State validate(QString& input, int& position) const override
+    // The base class takes groups, and lets a number above the range stand as unfinished.
+    State validate(QString& input, int& /*position*/) const override
     {
         commasToPoints(input);
-        // The base class lets a number above the range stand as unfinished; it never could become
-        // valid by typing on.
-        return std::min(decimalState(input, bottom(), top(), decimals()),
-            input == u"+" ? Intermediate : QDoubleValidator::validate(input, position));
+        return decimalState(input, bottom(), top(), decimals());
     }
 };
 

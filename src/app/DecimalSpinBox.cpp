@@ -15,22 +15,16 @@ QValidator::State DecimalSpinBox::validate(QString& input, int& /*position*/) co
 {
     if (!specialValueText().isEmpty() && input == specialValueText())
         return QValidator::Acceptable;
-    QString number = withoutAffixes(input);
-    if (number.contains(u',')) {
-        const qsizetype start = prefix().isEmpty() || !input.startsWith(prefix()) ? 0 : prefix().size();
-        const qsizetype end = input.endsWith(suffix()) ? input.size() - suffix().size() : input.size();
-        for (qsizetype i = start; i < end; ++i) {
-            if (input[i] == u',')
-                input[i] = u'.';
-        }
-        commasToPoints(number);
-    }
+    const QStringView typed = numberIn(input);
+    QString number = typed.toString();
+    commasToPoints(number);
+    input.replace(typed.data() - input.constData(), typed.size(), number);
     return decimalState(number, minimum(), maximum(), decimals());
 }
 
 double DecimalSpinBox::valueFromText(const QString& text) const
 {
-    return parseDecimal(withoutAffixes(text)).value_or(value());
+    return parseDecimal(numberIn(text).toString()).value_or(value());
 }
 
 QString DecimalSpinBox::textFromValue(double value) const
@@ -44,12 +38,12 @@ void DecimalSpinBox::fixup(QString& input) const
     Q_UNUSED(input)
 }
 
-QString DecimalSpinBox::withoutAffixes(const QString& text) const
+QStringView DecimalSpinBox::numberIn(const QString& text) const
 {
     QStringView number(text);
     if (!prefix().isEmpty() && number.startsWith(prefix()))
         number = number.mid(prefix().size());
     if (!suffix().isEmpty() && number.endsWith(suffix()))
         number.chop(suffix().size());
-    return number.toString();
+    return number;
 }

@@ -19,5 +19,6 @@ public:
     void fixup(QString& input) const override;
 
 private:
-    [[nodiscard]] QString withoutAffixes(const QString& text) const;
+    /// The part of `text` between prefix and suffix.
+    [[nodiscard]] QStringView numberIn(const QString& text) const;
 };

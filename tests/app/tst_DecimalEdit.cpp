@@ -90,6 +90,24 @@ private Q_SLOTS:
         QCOMPARE(m_edit->value(), 0.0);
     }
 
+    void aPlusSignMayStandInFront()
+    {
+        QTest::keyClicks(m_edit.get(), u"+1,5"_s);
+        QCOMPARE(m_edit->text(), u"+1.5"_s);
+        QCOMPARE(m_edit->value(), 1.5);
+    }
+
+    void theValidatorTellsItsRange()
+    {
+        const auto* validator = qobject_cast<const QDoubleValidator*>(m_edit->validator());
+        QVERIFY(validator);
+        QCOMPARE(validator->bottom(), 0.0);
+        QCOMPARE(validator->top(), 1e12);
+        QCOMPARE(validator->decimals(), 8);
+        QCOMPARE(validator->notation(), QDoubleValidator::StandardNotation);
+        QCOMPARE(validator->locale().decimalPoint(), u"."_s);
+    }
+
     void anUnfinishedNumberIsZero()
     {
         QTest::keyClicks(m_edit.get(), u","_s);
