@@ -4,6 +4,7 @@
 #include "app/ServerText.h"
 #include "app/TerminalSettings.h"
 #include "app/Theme.h"
+#include "net/SafeText.h"
 
 #include <QCheckBox>
 #include <QFormLayout>
@@ -150,7 +151,7 @@ void LoginDialog::setBusy(bool on)
 
 void LoginDialog::showError(const QString& text)
 {
-    m_errorLabel->setText(text.size() <= longestError ? text : text.first(longestError) + u'…');
+    m_errorLabel->setText(shortened(text, longestError));
     m_errorLabel->show();
     // A wrapped label does not make its window taller by itself.
     layout()->activate();

@@ -25,6 +25,13 @@ QString withoutToken(const QString& text)
 
 QString safeText(const QString& text)
 {
-    const QString result = withoutToken(text);
-    return result.size() <= longestText ? result : result.first(longestText) + u'…';
+    return shortened(withoutToken(text), longestText);
+}
+
+QString shortened(const QString& text, qsizetype longest)
+{
+    if (text.size() <= longest)
+        return text;
+    const bool splitsPair = text.at(longest).isLowSurrogate() && text.at(longest - 1).isHighSurrogate();
+    return text.first(splitsPair ? longest - 1 : longest) + u'…';
 }

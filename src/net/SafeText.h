@@ -7,3 +7,7 @@
 /// characters. It may still hold markup and line breaks. Tokens of fewer than four characters
 /// are not looked for: they guard nothing and occur in ordinary words.
 [[nodiscard]] QString safeText(const QString& text);
+
+/// The text, cut with an ellipsis when it is longer than `longest` (at least 1); a character of two
+/// code units is never cut in half.
+[[nodiscard]] QString shortened(const QString& text, qsizetype longest);

@@ -14,6 +14,7 @@ private Q_SLOTS:
     void hides_the_token_plain_and_percent_encoded();
     void hides_a_token_that_the_cut_would_split();
     void cuts_endless_text();
+    void never_cuts_a_character_in_half();
     void does_not_look_for_tokens_shorter_than_four_characters();
 };
 
@@ -41,6 +42,17 @@ void TestSafeText::cuts_endless_text()
 {
     QCOMPARE(safeText(QString(5'000'000, u'x')), QString(4096, u'x') + u'…');
     QCOMPARE(safeText(QString(4096, u'x')), QString(4096, u'x'));
+}
+
+void TestSafeText::never_cuts_a_character_in_half()
+{
+    const QString text = u"ab😀cd"_s;
+    QCOMPARE(shortened(text, 2), u"ab…"_s);
+    QCOMPARE(shortened(text, 3), u"ab…"_s);
+    QCOMPARE(shortened(text, 4), u"ab😀…"_s);
+    QCOMPARE(shortened(text, 6), text);
+    // Halves that came alone are not ours to mend.
+    QCOMPARE(shortened(QString(5, QChar(0xde00)), 2), QString(2, QChar(0xde00)) + u'…');
 }
 
 void TestSafeText::does_not_look_for_tokens_shorter_than_four_characters()
