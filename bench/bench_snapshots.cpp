@@ -27,13 +27,18 @@ QString symbolName(int index)
     return u"SYM%1"_s.arg(index, 4, 10, QLatin1Char('0'));
 }
 
+enum class Prices { Numbers, Strings };
+
 /// A feed message with every symbol; `moved` of them differ from one `phase` to the next.
-QString snapshot(int symbols, int moved, int phase)
+QString snapshot(int symbols, int moved, int phase, Prices prices)
 {
+    const auto price = [prices](double value) {
+        return prices == Prices::Numbers ? QJsonValue(value) : QJsonValue(QString::number(value, 'f', 5));
+    };
     QJsonObject data;
     for (int i = 0; i < symbols; ++i) {
         const double bid = 1.1 + i * 0.01 + (i < moved ? phase * 0.00001 : 0.0);
-        data.insert(symbolName(i), QJsonObject{{u"bid"_s, bid}, {u"ask"_s, bid + 0.0001}});
+        data.insert(symbolName(i), QJsonObject{{u"bid"_s, price(bid)}, {u"ask"_s, price(bid + 0.0001)}});
     }
     const QJsonObject message{{u"type"_s, u"price_update"_s}, {u"data"_s, data}};
     return QString::fromUtf8(QJsonDocument(message).toJson(QJsonDocument::Compact));
@@ -73,27 +78,32 @@ private:
     std::vector<std::unique_ptr<ChartWindow>> m_charts;
 };
 
-void parse(benchmark::State& state, int symbols, int moved)
+void parse(benchmark::State& state, int symbols, int moved, Prices prices)
 {
     const std::array<QByteArray, 2> texts{
-        snapshot(symbols, moved, 0).toUtf8(), snapshot(symbols, moved, 1).toUtf8()};
+        snapshot(symbols, moved, 0, prices).toUtf8(), snapshot(symbols, moved, 1, prices).toUtf8()};
     std::size_t turn = 0;
     for ([[maybe_unused]] auto _ : state)
         benchmark::DoNotOptimize(QJsonDocument::fromJson(texts[++turn % 2]));
 }
 
-void receive(benchmark::State& state, int symbols, int moved, int trades, int charts)
+void receive(
+    benchmark::State& state, int symbols, int moved, int trades, int charts, Prices prices = Prices::Numbers)
 {
     Desk desk(symbols, trades, charts);
-    const std::array<QString, 2> texts{snapshot(symbols, moved, 0), snapshot(symbols, moved, 1)};
+    const std::array<QString, 2> texts{
+        snapshot(symbols, moved, 0, prices), snapshot(symbols, moved, 1, prices)};
     desk.receive(texts[0]);
     std::size_t turn = 0;
     for ([[maybe_unused]] auto _ : state)
         desk.receive(texts[++turn % 2]);
 }
 
-BENCHMARK_CAPTURE(parse, 500_symbols, 500, 100)->Name("snapshot/parse_500");
+BENCHMARK_CAPTURE(parse, 500_symbols, 500, 100, Prices::Numbers)->Name("snapshot/parse_500");
+BENCHMARK_CAPTURE(parse, 500_strings, 500, 100, Prices::Strings)->Name("snapshot/parse_500_strings");
 BENCHMARK_CAPTURE(receive, 500_symbols, 500, 100, 50, 4)->Name("snapshot/500_moved_100");
+BENCHMARK_CAPTURE(receive, 500_strings, 500, 100, 50, 4, Prices::Strings)
+    ->Name("snapshot/500_strings_moved_100");
 BENCHMARK_CAPTURE(receive, 500_symbols_still, 500, 0, 50, 4)->Name("snapshot/500_still");
 BENCHMARK_CAPTURE(receive, 2000_symbols, 2000, 2000, 50, 4)->Name("snapshot/2000_moved_all");
 

@@ -20,6 +20,8 @@ ROWS = [
     ("pan frame, pixel ratio 2 / 1", "ratio2:live/pan_7px", "live/pan_7px", 4.0),
     ("1 000 000 candles, bytes to painted / PARSE", "history/painted", "history/parse", 1.6),
     ("snapshot of 500, 20 % moved / PARSE", "snapshot/500_moved_100", "snapshot/parse_500", 2.5),
+    ("snapshot of 500, prices as strings / PARSE", "snapshot/500_strings_moved_100",
+     "snapshot/parse_500_strings", 2.5),
     ("snapshot of 500, nothing moved / PARSE", "snapshot/500_still", "snapshot/parse_500", 1.6),
 ]
 INSTRUCTIONS = [("pointer", 1.5), ("tick", None), ("pan", 8.0)]
