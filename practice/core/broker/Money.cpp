@@ -20,9 +20,12 @@ std::string text(Cents amount, bool grouped)
 {
     const auto size = amount < 0 ? std::uint64_t{0} - static_cast<std::uint64_t>(amount)
                                  : static_cast<std::uint64_t>(amount);
-    const std::string fraction = std::to_string(size % 100);
-    return (amount < 0 ? "-" : "") + wholePart(size / 100, grouped) + (fraction.size() == 1 ? ".0" : ".")
-        + fraction;
+    std::string written = amount < 0 ? "-" : std::string();
+    written += wholePart(size / 100, grouped);
+    written += '.';
+    written += static_cast<char>('0' + size % 100 / 10);
+    written += static_cast<char>('0' + size % 10);
+    return written;
 }
 
 } // namespace
