@@ -68,8 +68,8 @@ void AccountFlow::refreshAll()
 
 void AccountFlow::onAccounts(const QJsonDocument& document, const QString& error)
 {
-    if (!error.isEmpty()) {
-        reportFailure(tr("Failed to load accounts: %1").arg(error));
+    if (const QString reason = failureOf(document, error); !reason.isEmpty()) {
+        reportFailure(tr("Failed to load accounts: %1").arg(reason));
         return;
     }
     m_book.setAccounts(document.array());
@@ -123,8 +123,8 @@ void AccountFlow::onOpenTrades(const QString& accountId, const QJsonDocument& do
 {
     if (accountId != m_book.currentAccountId())
         return;
-    if (!error.isEmpty()) {
-        reportFailure(tr("Failed to load trades: %1").arg(error));
+    if (const QString reason = failureOf(document, error); !reason.isEmpty()) {
+        reportFailure(tr("Failed to load trades: %1").arg(reason));
         return;
     }
     const QJsonArray open = document.array();
@@ -163,7 +163,7 @@ void AccountFlow::showTrades()
 
 void AccountFlow::onHistory(const QString& accountId, const QJsonDocument& document, const QString& error)
 {
-    if (accountId == m_book.currentAccountId() && error.isEmpty())
+    if (accountId == m_book.currentAccountId() && failureOf(document, error).isEmpty())
         m_views.toolbox.setHistoryRows(document.array(), m_book.digits());
 }
 
@@ -195,6 +195,12 @@ void AccountFlow::updateAccountSummary()
     m_views.toolbox.setAccountSummary(
         summary->balance, summary->equity, summary->margin, summary->freeMargin, summary->profit);
     m_views.charts.applySummary();
+}
+
+QString AccountFlow::failureOf(const QJsonDocument& document, const QString& error)
+{
+    // A cut body and a proxy's page arrive as successes; taken for empty lists they would hide positions.
+    return error.isEmpty() && document.isNull() ? tr("Unexpected server response") : error;
 }
 
 void AccountFlow::reportFailure(const QString& message)

@@ -19,7 +19,8 @@ private Q_SLOTS:
     void failedTradesKeepTheListAndAreReported();
     void failedPendingOrdersCountAsNoneAndAreNotReportedOnPurpose();
     void failedHistoryKeepsTheListAndIsNotReported();
-    void unreadableAccountListCountsAsEmptyOnPurpose();
+    void aReplyThatIsNotJsonClearsNothing_data();
+    void aReplyThatIsNotJsonClearsNothing();
     void emptyAccountListClearsTheSummary();
     void expiredSessionIsReportedEachTime();
     void idsArePercentEncoded();
@@ -190,13 +191,35 @@ void tst_AccountFlow::failedHistoryKeepsTheListAndIsNotReported()
     QVERIFY(f.journal().filter(u"No history"_s).isEmpty());
 }
 
-void tst_AccountFlow::unreadableAccountListCountsAsEmptyOnPurpose()
+void tst_AccountFlow::aReplyThatIsNotJsonClearsNothing_data()
 {
+    QTest::addColumn<QByteArray>("path");
+    QTest::addColumn<QByteArray>("body");
+    QTest::addColumn<QString>("line");
+    QTest::newRow("accounts: a page")
+        << "/api/accounts"_ba
+        << "<html>"_ba << u"Network: Failed to load accounts: Unexpected server response"_s;
+    QTest::newRow("accounts: a cut list")
+        << "/api/accounts"_ba
+        << "[{\"id\":\"w\""_ba << u"Network: Failed to load accounts: Unexpected server response"_s;
+    QTest::newRow("trades: a cut list")
+        << "/api/trades/open?accountId=a1"_ba
+        << "[{"_ba << u"Network: Failed to load trades: Unexpected server response"_s;
+}
+
+void tst_AccountFlow::aReplyThatIsNotJsonClearsNothing()
+{
+    QFETCH(QByteArray, path);
+    QFETCH(QByteArray, body);
+    QFETCH(QString, line);
     MainWindowFixture f;
     f.signInAndSettle();
-    f.http.on("GET", "/api/accounts", StubAnswer::json("<html>"));
-    f.feed.send(R"({"type":"account_update","accountId":"a1","status":"ACTIVE"})");
-    QTRY_COMPARE(f.selector().count(), 0);
+    f.http.on("GET", path, StubAnswer::json(body));
+    f.feed.send(R"({"type":"orders_changed"})");
+    QTRY_VERIFY(f.journal().contains(line));
+    f.settle();
+    QCOMPARE(f.selector().count(), 3);
+    QCOMPARE(f.list("tradeList").topLevelItemCount(), 1);
 }
 
 void tst_AccountFlow::emptyAccountListClearsTheSummary()
