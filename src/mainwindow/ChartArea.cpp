@@ -35,6 +35,7 @@ ChartArea::ChartArea(ApiClient& api, const AccountBook& book, QWidget* parent)
     setTabPosition(QTabWidget::South);
     setTabsClosable(true);
     setTabsMovable(true);
+    tabBar()->setExpanding(false);
     setBackground(QBrush(themeBackdropColor()));
 }
 
@@ -98,12 +99,17 @@ void ChartArea::describe(ChartWindow& chart)
     }
 }
 
+QTabBar* ChartArea::tabBar() const
+{
+    return findChild<QTabBar*>(QString(), Qt::FindDirectChildrenOnly);
+}
+
 void ChartArea::nameTab(QMdiSubWindow* subWindow)
 {
-    const auto* bar = findChild<QTabBar*>(QString(), Qt::FindDirectChildrenOnly);
+    QTabBar* const bar = tabBar();
     const qsizetype index = subWindowList().indexOf(subWindow);
-    if (bar && index >= 0 && index < bar->count())
-        const_cast<QTabBar*>(bar)->setTabText(int(index), menuText(subWindow->windowTitle()));
+    if (index >= 0 && index < bar->count())
+        bar->setTabText(static_cast<int>(index), menuText(subWindow->windowTitle()));
 }
 
 ChartWindow* ChartArea::activeChart() const

@@ -9,6 +9,7 @@
 class AccountBook;
 class ApiClient;
 class ChartWindow;
+class QTabBar;
 
 /// The document area: opens chart windows, hands them prices, trades and account figures, and keeps
 /// their saved layout. A new chart starts with everything the book already knows.
@@ -63,6 +64,8 @@ private:
     QMdiSubWindow* addChart(const QString& symbol, const QString& timeframe, const QJsonObject& state);
     void handOverEverything(ChartWindow& chart);
     void describe(ChartWindow& chart);
+    /// The toolkit's own; it exists since the tabbed mode was chosen.
+    [[nodiscard]] QTabBar* tabBar() const;
     void nameTab(QMdiSubWindow* subWindow);
     void applyPlacements();
     void restoreGeometry(QMdiSubWindow* subWindow, const QByteArray& geometry);

@@ -17,7 +17,7 @@ constexpr int RepairDelaysMs[] = {0, 80, 200};
 constexpr int SideMinimumWidth = 150;
 constexpr int ToolboxMinimumHeight = 80;
 constexpr int CollapsedSize = 20;
-constexpr int DefaultSideWidth = 270;
+constexpr int DefaultSideWidth = 352;
 constexpr int DefaultToolboxHeight = 210;
 
 QList<QRect> availableScreens()
