@@ -15,6 +15,7 @@ private Q_SLOTS:
     void everyFolderIncludesOnlyWhatItMay();
     void theChartsDataKnowsNoWidgets();
     void thePracticePlatformIsIndependent();
+    void scriptsSeeTheChartsDataOnly();
     void nobodyNamesTheMainWindow();
     void theRulesSeeTheSources();
 };
@@ -36,11 +37,10 @@ const QHash<QString, QSet<QString>>& allowed()
     return rules;
 }
 
-/// The executable's own files, which stand above every library.
+/// The executable's own file, which stands above every library.
 bool isExecutableSource(const QString& path)
 {
-    return path.endsWith("/app/main.cpp"_L1) || path.endsWith("/app/Startup.cpp"_L1)
-        || path.endsWith("/app/Startup.h"_L1);
+    return path.endsWith("/app/main.cpp"_L1);
 }
 
 struct Include {
@@ -72,6 +72,15 @@ QList<Include> includesBelow(const QString& folder)
     return includes;
 }
 
+/// The headers of the library `chart_data`, and the two files of the window that need no widget either.
+const QStringList& dataFiles()
+{
+    static const QStringList names{u"Candle"_s, u"CandleSeries"_s, u"ChartColors"_s, u"ChartTexts"_s,
+        u"ChartType"_s, u"ChartView"_s, u"Drawing"_s, u"GridSteps"_s, u"HistoryReply"_s, u"PanZoom"_s,
+        u"Timeframe"_s, u"TradeLevel"_s, u"TradeLevels"_s, u"ViewState"_s};
+    return names;
+}
+
 void reportAll(const QStringList& offences)
 {
     QVERIFY2(offences.isEmpty(), qPrintable(u'\n' + offences.join(u'\n')));
@@ -95,13 +104,22 @@ void tst_IncludeRules::everyFolderIncludesOnlyWhatItMay()
 
 void tst_IncludeRules::theChartsDataKnowsNoWidgets()
 {
-    static const QStringList dataFiles{u"Candle"_s, u"CandleSeries"_s, u"Timeframe"_s, u"ChartView"_s,
-        u"TradeLevel"_s, u"Drawing"_s, u"ChartColors"_s, u"HistoryReply"_s, u"TradeLevels"_s};
     QStringList offences;
     for (const Include& include : includesBelow(u"src/chart"_s)) {
         const QString name = include.file.section(u'/', -1).section(u'.', 0, 0);
-        if (dataFiles.contains(name)
+        if (dataFiles().contains(name)
             && (include.target.contains("Widget"_L1) || include.target == "QPainter"_L1))
+            offences.append(include.file + u" must not include "_s + include.target);
+    }
+    reportAll(offences);
+}
+
+void tst_IncludeRules::scriptsSeeTheChartsDataOnly()
+{
+    QStringList offences;
+    for (const Include& include : includesBelow(u"src/experts"_s)) {
+        const QString name = include.target.section(u'/', -1).section(u'.', 0, 0);
+        if (include.target.startsWith("chart/"_L1) && !dataFiles().contains(name))
             offences.append(include.file + u" must not include "_s + include.target);
     }
     reportAll(offences);
