@@ -118,8 +118,9 @@ class Tour:
         self.click(self.row("Daily", SYMBOL)[0], times=2)
         chart = wait_until(lambda: self.chart())
         self.seen("chart", chart, "a double-click opened one chart")
-        tabs = [item.name for item in self.main_window().find_all("page tab") if item.name.startswith(SYMBOL)]
-        self.seen("one-chart", len(tabs) == 1, f"and only one: {tabs}")
+        charts = [item.name for item in self.main_window().find_all(
+            shown=False, accept=lambda item: item.name.startswith(f"Chart {SYMBOL}"))]
+        self.seen("one-chart", len(charts) == 1, f"and only one: {charts}")
         loaded = wait_until(lambda: self.journal_line("candles loaded"))
         self.seen("history", loaded, f"the Journal says: {loaded}")
         before = wait_until(lambda: self.newest_candles() if any(self.newest_candles()) else None)
