@@ -1,22 +1,19 @@
+#include "app/TerminalSettings.h"
+#include "chart/ChartWidget.h"
 #include "chart/ChartWindow.h"
-#include "net/ApiClient.h"
+#include "mainwindow/MainWindow.h"
 #include "net/WsClient.h"
-#include "panes/MarketWatchWidget.h"
 #include "panes/TerminalPane.h"
 #include "scenes/Series.h"
 
-#include "chart/ChartWidget.h"
-
+#include <QCoreApplication>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <QTabWidget>
 
 #include <benchmark/benchmark.h>
 
 #include <array>
-#include <memory>
-#include <vector>
 
 using namespace Qt::StringLiterals;
 
@@ -44,38 +41,36 @@ QString snapshot(int symbols, int moved, int phase, Prices prices)
     return QString::fromUtf8(QJsonDocument(message).toJson(QJsonDocument::Compact));
 }
 
-/// Market Watch, the Toolbox with open trades and some charts, connected to a feed as the window does.
+/// The whole main window with open trades and some charts, fed like the real one.
 class Desk final {
 public:
     Desk(int symbols, int trades, int charts)
     {
+        // Nobody answers there, and nobody is asked twice.
+        TerminalSettings::instance().setServerUrl(u"http://127.0.0.1:9"_s);
         QJsonArray records;
         for (int i = 0; i < symbols; ++i)
             records.append(QJsonObject{{u"name"_s, symbolName(i)}, {u"digits"_s, 5}, {u"dailyOpen"_s, 1.0}});
-        m_watch.setSymbols(records);
+        m_window.onHello({{u"symbols"_s, records}});
         QJsonArray open;
         for (int i = 0; i < trades; ++i)
             open.append(QJsonObject{
                 {u"id"_s, QString::number(i)}, {u"symbol"_s, symbolName(i)}, {u"type"_s, u"BUY"_s}});
-        m_toolbox.setOpenRows(open, {}, {});
-        QObject::connect(&m_feed, &WsClient::pricesUpdated, &m_watch, &MarketWatchWidget::updatePrices);
-        QObject::connect(&m_feed, &WsClient::pricesUpdated, &m_toolbox, &TerminalPane::updateCurrentPrices);
-        for (int i = 0; i < charts; ++i) {
-            auto chart = std::make_unique<ChartWindow>(m_api, symbolName(i), u"15m"_s, QString(), 5);
+        m_window.findChild<TerminalPane*>()->setOpenRows(open, {}, {});
+        for (int i = 0; i < charts; ++i)
+            m_window.openChart(symbolName(i));
+        for (const ChartWindow* chart : m_window.findChildren<ChartWindow*>())
             chart->chart().setCandles(walk(1000));
-            QObject::connect(&m_feed, &WsClient::pricesUpdated, chart.get(), &ChartWindow::onPrices);
-            m_charts.push_back(std::move(chart));
-        }
+        m_window.show();
+        QCoreApplication::processEvents();
+        QObject::connect(&m_feed, &WsClient::pricesUpdated, &m_window, &MainWindow::onPrices);
     }
 
     void receive(const QString& text) { m_feed.onTextMessage(text); }
 
 private:
-    ApiClient m_api;
     WsClient m_feed;
-    MarketWatchWidget m_watch;
-    TerminalPane m_toolbox;
-    std::vector<std::unique_ptr<ChartWindow>> m_charts;
+    MainWindow m_window;
 };
 
 void parse(benchmark::State& state, int symbols, int moved, Prices prices)

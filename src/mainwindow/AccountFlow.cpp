@@ -22,6 +22,17 @@ QString tradesPath(QLatin1StringView list, const QString& accountId)
     return "/api/trades/"_L1 + list + "?accountId="_L1 + encodeQueryValue(accountId);
 }
 
+bool listsAccounts(const QComboBox& selector, const QJsonArray& accounts)
+{
+    if (selector.count() != accounts.size())
+        return false;
+    for (int i = 0; i < selector.count(); ++i) {
+        if (selector.itemData(i).toString() != accounts.at(i)["id"_L1].toString())
+            return false;
+    }
+    return true;
+}
+
 } // namespace
 
 AccountFlow::AccountFlow(ApiClient& api, AccountBook& book, const AccountViews& views, QObject* parent)
@@ -91,11 +102,19 @@ void AccountFlow::onAccounts(const QJsonDocument& document, const QString& error
 
 void AccountFlow::fillSelector()
 {
+    const QJsonArray& accounts = m_book.accounts();
+    QComboBox& selector = m_views.selector;
     m_fillingAccounts = true;
-    m_views.selector.clear();
-    for (const QJsonValue& value : m_book.accounts()) {
-        const QJsonObject account = value.toObject();
-        m_views.selector.addItem(AccountBook::selectorText(account), account["id"_L1].toString());
+    // Lines that stand for the same accounts as before stay: the drop-down may be open.
+    if (!listsAccounts(selector, accounts)) {
+        selector.clear();
+        for (const QJsonValue& account : accounts)
+            selector.addItem(QString(), account["id"_L1].toString());
+    }
+    for (int i = 0; i < selector.count(); ++i) {
+        const QString text = AccountBook::selectorText(accounts.at(i).toObject());
+        if (selector.itemText(i) != text)
+            selector.setItemText(i, text);
     }
     m_fillingAccounts = false;
 }
@@ -199,8 +218,9 @@ void AccountFlow::updateAccountSummary()
 
 QString AccountFlow::failureOf(const QJsonDocument& document, const QString& error)
 {
-    // A cut body and a proxy's page arrive as successes; taken for empty lists they would hide positions.
-    return error.isEmpty() && document.isNull() ? tr("Unexpected server response") : error;
+    // A cut body, a proxy's page and a foreign record arrive as successes; taken for empty lists they would
+    // hide positions.
+    return error.isEmpty() && !document.isArray() ? tr("Unexpected server response") : error;
 }
 
 void AccountFlow::reportFailure(const QString& message)

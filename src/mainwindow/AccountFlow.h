@@ -59,7 +59,7 @@ private:
     void fillSelector();
     void showTrades();
     void updateAccountSummary();
-    /// Why a reply is of no use, or nothing: an error, or a body that is not JSON.
+    /// Why a reply is of no use, or nothing: an error, or a body that is no JSON list.
     [[nodiscard]] static QString failureOf(const QJsonDocument& document, const QString& error);
     void reportFailure(const QString& message);
 

@@ -11,6 +11,8 @@
 #include <QMdiSubWindow>
 #include <QTabBar>
 
+#include <utility>
+
 using namespace Qt::StringLiterals;
 
 namespace {
@@ -220,6 +222,14 @@ void ChartArea::applySymbols()
 {
     for (ChartWindow* chart : charts())
         describe(*chart);
+}
+
+void ChartArea::catchUp()
+{
+    if (!std::exchange(m_interrupted, false))
+        return;
+    for (ChartWindow* chart : charts())
+        chart->reload();
 }
 
 void ChartArea::zoomIn()

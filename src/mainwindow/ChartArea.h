@@ -41,6 +41,10 @@ public:
     /// Digits and descriptions of a new symbol list. A chart whose symbol is no longer listed stays open
     /// and is reported once.
     void applySymbols();
+    /// From now on prices may be missing, until catchUp() reads the histories again.
+    void noteInterruption() { m_interrupted = true; }
+    /// Reads every chart's history again if prices have been missed.
+    void catchUp();
 
     // For the active chart; nothing without one.
     void zoomIn();
@@ -72,6 +76,7 @@ private:
 
     ApiClient& m_api;
     const AccountBook& m_book;
+    bool m_interrupted = false;
     QSet<QString> m_reportedUnlisted;
     QList<Placement> m_placements; ///< restored before the first show, which would place the charts anew
 };

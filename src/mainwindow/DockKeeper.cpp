@@ -32,7 +32,8 @@ QList<QRect> availableScreens()
 } // namespace
 
 DockKeeper::DockKeeper(QMainWindow& window, QWidget* marketWatch, QWidget* navigator, QWidget* toolbox)
-    : m_window(window)
+    : QObject(&window)
+    , m_window(window)
     , m_marketWatch(addDock(tr("Market Watch"), u"dockMarketWatch"_s, marketWatch, Qt::LeftDockWidgetArea))
     , m_navigator(addDock(tr("Navigator"), u"dockNavigator"_s, navigator, Qt::LeftDockWidgetArea))
     , m_toolbox(addDock(tr("Toolbox"), u"dockTerminal"_s, toolbox, Qt::BottomDockWidgetArea))
@@ -42,6 +43,7 @@ DockKeeper::DockKeeper(QMainWindow& window, QWidget* marketWatch, QWidget* navig
     toolbox->setMinimumHeight(ToolboxMinimumHeight);
     restoreDefault();
 
+    m_snapshotTimer.setObjectName(u"dockSnapshotTimer"_s);
     m_snapshotTimer.setInterval(SnapshotIntervalMs);
     connect(&m_snapshotTimer, &QTimer::timeout, this, &DockKeeper::takeSnapshot);
 }

@@ -16,7 +16,7 @@ class DockKeeper final : public QObject {
     Q_DISABLE_COPY_MOVE(DockKeeper)
 
 public:
-    /// Adds three docks holding the panes to the window, which must outlive the keeper.
+    /// Adds three docks holding the panes to the window, which is also the keeper's parent.
     DockKeeper(QMainWindow& window, QWidget* marketWatch, QWidget* navigator, QWidget* toolbox);
     ~DockKeeper() override;
 
@@ -51,7 +51,7 @@ private:
     QDockWidget* m_marketWatch;
     QDockWidget* m_navigator;
     QDockWidget* m_toolbox;
-    QTimer m_snapshotTimer;
+    QTimer m_snapshotTimer{this};
     QByteArray m_lastGoodState;
     int m_lastGoodWidth = 0;
     int m_lastGoodHeight = 0;

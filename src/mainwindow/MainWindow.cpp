@@ -11,6 +11,7 @@
 #include "mainwindow/DockKeeper.h"
 #include "mainwindow/ExpertsFolder.h"
 #include "mainwindow/OrderEvents.h"
+#include "mainwindow/PopupPrices.h"
 #include "mainwindow/TerminalActions.h"
 #include "mainwindow/TrayIcon.h"
 #include "orders/OrderDialog.h"
@@ -112,6 +113,7 @@ void MainWindow::connectFeed()
     connect(&m_feed, &WsClient::accountUpdated, this, &MainWindow::onAccountUpdated);
     connect(&m_feed, &WsClient::connected, m_status, [this] { m_status->setConnected(true); });
     connect(&m_feed, &WsClient::disconnected, m_status, [this] { m_status->setConnected(false); });
+    connect(&m_feed, &WsClient::disconnected, m_charts, &ChartArea::noteInterruption);
     connect(&m_feed, &WsClient::latencyChanged, m_status, &StatusPanel::setLatency);
     connect(&m_feed, &WsClient::trafficChanged, m_status, &StatusPanel::setTraffic);
     connect(&m_feed, &WsClient::logMessage, this, &MainWindow::journal);
@@ -146,6 +148,7 @@ void MainWindow::connectActions()
     connect(m_actions->newChart, &QAction::triggered, this, [this] { openChart(); });
     connect(m_actions->newOrder, &QAction::triggered, this, &MainWindow::openOrderDialog);
     connect(m_actions->exit, &QAction::triggered, this, &MainWindow::quit);
+    connect(m_actions->popupPrices, &QAction::triggered, this, &MainWindow::togglePopupPrices);
     connect(m_actions->restoreLayout, &QAction::triggered, m_docks, &DockKeeper::restoreDefault);
     connect(m_actions->lightTheme, &QAction::triggered, this, [this] { chooseTheme(false); });
     connect(m_actions->darkTheme, &QAction::triggered, this, [this] { chooseTheme(true); });
@@ -175,6 +178,7 @@ void MainWindow::onHello(const QJsonObject& hello)
     m_book.setSymbols(hello["symbols"_L1].toArray());
     m_marketWatch->setSymbols(m_book.symbols());
     m_charts->applySymbols();
+    m_charts->catchUp();
     onPrices(hello["prices"_L1].toObject());
     m_actions->setSymbolsKnown(!m_book.symbolsByName().isEmpty());
     m_accounts->refreshAccounts();
@@ -186,6 +190,8 @@ void MainWindow::onPrices(const QJsonObject& prices)
     m_marketWatch->updatePrices(prices);
     m_toolbox->updateCurrentPrices(prices);
     m_charts->onPrices(prices);
+    if (m_popupPrices)
+        m_popupPrices->refresh();
 }
 
 void MainWindow::onTradesUpdated(const QJsonArray& rows)
@@ -241,6 +247,13 @@ void MainWindow::openOrderDialog()
     connect(m_orderDialog, &OrderDialog::orderPlaced, this, &MainWindow::onOrderPlaced);
     connect(m_orderDialog, &OrderDialog::outcomeUnknown, m_accounts, &AccountFlow::refreshAll);
     m_orderDialog->show();
+}
+
+void MainWindow::togglePopupPrices()
+{
+    if (!m_popupPrices)
+        m_popupPrices = new PopupPrices(m_marketWatch->quotes(), this);
+    m_popupPrices->toggle();
 }
 
 void MainWindow::onOrderPlaced()

@@ -16,6 +16,7 @@ class MarketWatchWidget;
 class NavigatorWidget;
 class OrderDialog;
 class OrderEvents;
+class PopupPrices;
 class QMdiSubWindow;
 class TerminalActions;
 class TerminalPane;
@@ -48,6 +49,9 @@ public Q_SLOTS:
     void onSubWindowActivated(QMdiSubWindow* subWindow);
     /// Opens the order dialog for the active chart's symbol, or brings the open one to the front.
     void openOrderDialog();
+    void togglePopupPrices();
+    /// Shows the window unminimized and gives it the keyboard.
+    void bringToFront();
     /// A line for the Journal tab and the log file.
     void journal(const QString& source, const QString& message);
 
@@ -68,7 +72,6 @@ private:
     void restoreLayout();
     void saveLayout();
     void quit();
-    void bringToFront();
     void chooseTheme(bool dark);
     void onOrderPlaced();
 
@@ -88,5 +91,6 @@ private:
     OrderEvents* m_orderEvents = nullptr;
     AccountFlow* m_accounts;
     TerminalActions* m_actions;
+    PopupPrices* m_popupPrices = nullptr; ///< made when first asked for
     QPointer<OrderDialog> m_orderDialog;
 };

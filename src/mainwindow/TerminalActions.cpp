@@ -15,6 +15,7 @@ TerminalActions::TerminalActions(QMainWindow& window, QAction* marketWatch, QAct
     , exit(new QAction(tr("E&xit"), this))
     , toggleMarketWatch(marketWatch)
     , toggleToolbox(toolbox)
+    , popupPrices(new QAction(tr("Popup Prices"), this))
     , restoreLayout(new QAction(tr("Restore Default Layout"), this))
     , lightTheme(new QAction(tr("Light"), this))
     , darkTheme(new QAction(tr("Dark"), this))
@@ -25,11 +26,12 @@ TerminalActions::TerminalActions(QMainWindow& window, QAction* marketWatch, QAct
     exit->setShortcut(Qt::CTRL | Qt::Key_Q);
     toggleMarketWatch->setShortcut(Qt::CTRL | Qt::Key_M);
     toggleToolbox->setShortcut(Qt::CTRL | Qt::Key_T);
+    popupPrices->setShortcut(Qt::Key_F10);
     // A text field that has the focus takes these keys before any shortcut does.
     zoomIn->setShortcuts({QKeySequence(Qt::Key_Plus), QKeySequence(Qt::Key_Equal)});
     zoomOut->setShortcut(Qt::Key_Minus);
     // A key must work in the whole window even while its action stands in no menu.
-    window.addActions({newOrder, exit, toggleMarketWatch, toggleToolbox, zoomIn, zoomOut});
+    window.addActions({newOrder, exit, toggleMarketWatch, toggleToolbox, popupPrices, zoomIn, zoomOut});
 
     auto* themes = new QActionGroup(this);
     for (QAction* theme : {lightTheme, darkTheme}) {
@@ -60,6 +62,7 @@ void TerminalActions::fillViewMenu(QMenu& menu)
 {
     menu.addAction(toggleMarketWatch);
     menu.addAction(toggleToolbox);
+    menu.addAction(popupPrices);
     menu.addSeparator();
     menu.addAction(restoreLayout);
     menu.addSeparator();

@@ -24,6 +24,7 @@ public:
     QAction* const exit;
     QAction* const toggleMarketWatch;
     QAction* const toggleToolbox;
+    QAction* const popupPrices;
     QAction* const restoreLayout;
     QAction* const lightTheme;
     QAction* const darkTheme;

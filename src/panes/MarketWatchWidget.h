@@ -6,6 +6,7 @@
 #include <QJsonObject>
 #include <QWidget>
 
+class QAbstractItemModel;
 class QJsonArray;
 class QStackedWidget;
 class QTabBar;
@@ -24,6 +25,10 @@ public:
 
     /// The current row's symbol, else the first row's, else empty.
     [[nodiscard]] QString currentSymbol() const;
+
+    /// The list itself, for a second view of it: a row for each symbol, columns as in QuoteItem. Prices
+    /// change in it without a signal; such a view repaints after updatePrices().
+    [[nodiscard]] QAbstractItemModel& quotes() const;
 
 public Q_SLOTS:
     /// Replaces the list; prices, colours and arrows start from nothing. Entries without a "name" are

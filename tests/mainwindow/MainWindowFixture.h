@@ -2,6 +2,7 @@
 
 #include "app/TerminalSettings.h"
 #include "mainwindow/MainWindow.h"
+#include "net/ApiClient.h"
 #include "support/StubFeedServer.h"
 #include "support/StubHttpServer.h"
 
@@ -66,13 +67,19 @@ struct MainWindowFixture final {
         QTRY_COMPARE(list("tradeList").topLevelItemCount(), 1);
         settle();
     }
-    /// Waits until no request has been made for some turns of the loop.
-    void settle() const
+    /// Waits until the window asks for nothing more: several round trips to the same server, one after
+    /// the other, pass without another request. Each takes at least the turns of the loop in which the
+    /// window would have sent what follows from an answer or a message already on its way.
+    void settle()
     {
-        qsizetype before = -1;
-        while (before != http.requests().size()) {
-            before = http.requests().size();
-            QTest::qWait(60);
+        constexpr int quietRoundTrips = 4;
+        for (int quiet = 0; quiet < quietRoundTrips;) {
+            const qsizetype before = http.requests().size();
+            bool answered = false;
+            m_marker.get(QStringLiteral("/marker"), &http,
+                [&answered](const QJsonDocument&, const QString&) { answered = true; });
+            QTRY_VERIFY(answered);
+            quiet = http.requests().size() == before + 1 ? quiet + 1 : 0;
         }
     }
 
@@ -110,4 +117,7 @@ struct MainWindowFixture final {
     }
     [[nodiscard]] QStringList journal() const { return log("journalList"); }
     [[nodiscard]] int journalCount(const QString& line) const { return int(journal().count(line)); }
+
+private:
+    ApiClient m_marker;
 };

@@ -21,7 +21,9 @@ private Q_SLOTS:
     void failedHistoryKeepsTheListAndIsNotReported();
     void aReplyThatIsNotJsonClearsNothing_data();
     void aReplyThatIsNotJsonClearsNothing();
+    void aReplyThatIsNoListKeepsTheHistory();
     void emptyAccountListClearsTheSummary();
+    void openDropDownStaysAsItIsDuringARefresh();
     void expiredSessionIsReportedEachTime();
     void idsArePercentEncoded();
     void liveProfitsChangeRowAndSummary();
@@ -202,6 +204,12 @@ void tst_AccountFlow::aReplyThatIsNotJsonClearsNothing_data()
     QTest::newRow("accounts: a cut list")
         << "/api/accounts"_ba
         << "[{\"id\":\"w\""_ba << u"Network: Failed to load accounts: Unexpected server response"_s;
+    QTest::newRow("accounts: an object")
+        << "/api/accounts"_ba
+        << R"({"accounts":[]})"_ba << u"Network: Failed to load accounts: Unexpected server response"_s;
+    QTest::newRow("trades: an object")
+        << "/api/trades/open?accountId=a1"_ba
+        << "{}"_ba << u"Network: Failed to load trades: Unexpected server response"_s;
     QTest::newRow("trades: a cut list")
         << "/api/trades/open?accountId=a1"_ba
         << "[{"_ba << u"Network: Failed to load trades: Unexpected server response"_s;
@@ -220,6 +228,47 @@ void tst_AccountFlow::aReplyThatIsNotJsonClearsNothing()
     f.settle();
     QCOMPARE(f.selector().count(), 3);
     QCOMPARE(f.list("tradeList").topLevelItemCount(), 1);
+}
+
+void tst_AccountFlow::aReplyThatIsNoListKeepsTheHistory()
+{
+    MainWindowFixture f;
+    f.http.on("GET", "/api/trades/history?accountId=a1", StubAnswer::json(trade("h", "a1", "1")));
+    f.signInAndSettle();
+    QTRY_COMPARE(f.list("historyList").topLevelItemCount(), 1);
+    const QStringList journal = f.journal();
+    for (const char* body : {"{\"trades\":[]}", "[{", "<html>", ""}) {
+        f.http.on("GET", "/api/trades/history?accountId=a1", StubAnswer::json(body));
+        f.http.clearRequests();
+        f.selector().setCurrentIndex(0);
+        f.selector().setCurrentIndex(1);
+        QTRY_VERIFY(f.http.count("GET", "/api/trades/history?accountId=a1") >= 1);
+        f.settle();
+        QCOMPARE(f.list("historyList").topLevelItemCount(), 1);
+    }
+    QCOMPARE(f.journal(), journal);
+}
+
+void tst_AccountFlow::openDropDownStaysAsItIsDuringARefresh()
+{
+    MainWindowFixture f;
+    f.signInAndSettle();
+    f.selector().showPopup();
+    QAbstractItemView* lines = f.selector().view();
+    QTRY_VERIFY(lines->isVisible());
+    lines->setCurrentIndex(f.selector().model()->index(2, 0));
+    QSignalSpy removed(f.selector().model(), &QAbstractItemModel::rowsRemoved);
+    QSignalSpy reset(f.selector().model(), &QAbstractItemModel::modelReset);
+    f.http.on(
+        "GET", "/api/accounts", StubAnswer::json(MainWindowFixture::accounts().replace("2000", "3000")));
+    f.feed.send(R"({"type":"orders_changed"})");
+    QTRY_COMPARE(f.selector().itemText(2), u"Pro — Challenge 2/2  [ACTIVE]  3,000.00"_s);
+    f.settle();
+    QVERIFY(lines->isVisible());
+    QCOMPARE(lines->currentIndex().row(), 2);
+    QCOMPARE(removed.count() + reset.count(), 0);
+    QCOMPARE(f.selector().currentData().toString(), u"a1"_s);
+    f.selector().hidePopup();
 }
 
 void tst_AccountFlow::emptyAccountListClearsTheSummary()

@@ -47,6 +47,7 @@ private Q_SLOTS:
     void repairWithoutSnapshotOnlyShowsTheDocks();
     void floatingDockIsNeitherRememberedNorResized();
     void hiddenWindowIsNotRemembered();
+    void docksAreRememberedOnceASecond();
     void repairRunsThreeTimes();
     void defaultLayoutComesBack();
     void arrangementSurvivesARestart();
@@ -169,6 +170,27 @@ void tst_DockKeeper::hiddenWindowIsNotRemembered()
     w.keeper.repair();
     QTest::qWait(0);
     QCOMPARE(w.left().width(), 180);
+}
+
+void tst_DockKeeper::docksAreRememberedOnceASecond()
+{
+    Window w;
+    auto* timer = w.keeper.findChild<QTimer*>(u"dockSnapshotTimer"_s);
+    QVERIFY(timer);
+    QCOMPARE(timer->interval(), 1000);
+    QVERIFY(!timer->isSingleShot());
+    QVERIFY(!timer->isActive());
+    w.keeper.startSnapshots();
+    QVERIFY(timer->isActive());
+
+    w.show();
+    w.size(333, 222);
+    timer->stop();
+    QVERIFY(QMetaObject::invokeMethod(timer, "timeout"));
+    w.size(170, 120);
+    w.keeper.repair();
+    QTRY_COMPARE(w.left().width(), 333);
+    QTRY_COMPARE(w.bottom().height(), 222);
 }
 
 void tst_DockKeeper::repairRunsThreeTimes()

@@ -3,6 +3,8 @@
 #include "app/Theme.h"
 #include "chart/ChartWindow.h"
 #include "mainwindow/ChartArea.h"
+#include "mainwindow/OrderEvents.h"
+#include "mainwindow/PopupPrices.h"
 #include "mainwindow/TrayIcon.h"
 #include "orders/OrderDialog.h"
 #include "support/TestMain.h"
@@ -14,9 +16,13 @@ class tst_MainWindow final : public QObject {
 
 private Q_SLOTS:
     void windowIsBuiltAsPromised();
+    void menusHoldTheirEntriesInOrder();
+    void exampleScriptsStandInTheNavigator();
     void startIsWrittenToTheJournal();
     void signInIsShownAndWrittenToTheJournal();
     void connectionStateFollowsTheFeed();
+    void trafficLatencyAndNewsOfTheFeedAreShown();
+    void chartsReadTheirHistoryAgainOnlyAfterTheFeedWasGone();
     void actionsThatNeedSymbolsWaitForThem();
     void pricesReachMarketWatchAndTrades();
     void doubleClickInMarketWatchOpensOneChart();
@@ -38,6 +44,11 @@ private Q_SLOTS:
     void themeSwitchAppliesAtOnce();
     void dockKeysShowAndHide();
     void minimizedWindowIsRepaired();
+    void windowComesToTheFront();
+    void popupPricesShowAndHideWithTheirKey();
+    void popupPricesFollowHelloAndSnapshots();
+    void popupPricesDoNotKeepTheTerminalOpen();
+    void orderEventsAreHeardAndShown();
     void trayMenuOffersShowAndExit();
     void quittingSavesTheCharts();
 
@@ -60,6 +71,8 @@ void tst_MainWindow::windowIsBuiltAsPromised()
     QCOMPARE(area->tabPosition(), QTabWidget::South);
     QVERIFY(area->tabsClosable());
     QVERIFY(area->tabsMovable());
+    QCOMPARE(area->background(), QBrush(themeBackdropColor(), Qt::SolidPattern));
+    QVERIFY(f.window->findChild<QTimer*>(u"dockSnapshotTimer"_s)->isActive());
     const auto* toolbox
         = qobject_cast<QTabWidget*>(f.window->findChild<QDockWidget*>(u"dockTerminal"_s)->widget());
     QStringList tabs;
@@ -70,6 +83,42 @@ void tst_MainWindow::windowIsBuiltAsPromised()
     QCOMPARE(f.window->menuBar()->actions().value(0)->text(), u"&File"_s);
     QCOMPARE(f.action("New Order")->shortcut(), QKeySequence(Qt::Key_F9));
     QVERIFY(f.window->findChild<TrayIcon*>() == nullptr || QSystemTrayIcon::isSystemTrayAvailable());
+}
+
+void tst_MainWindow::menusHoldTheirEntriesInOrder()
+{
+    MainWindowFixture f;
+    f.open();
+    const auto entries = [](const QMenu* menu) {
+        QStringList texts;
+        for (const QAction* entry : menu->actions()) {
+            const QString key = entry->shortcut().toString(QKeySequence::PortableText);
+            texts.append(entry->isSeparator() ? u"-"_s : entry->text() + (key.isEmpty() ? key : u'|' + key));
+        }
+        return texts;
+    };
+    const QList<QAction*> menus = f.window->menuBar()->actions();
+    QCOMPARE(menus.value(0)->text(), u"&File"_s);
+    QCOMPARE(entries(menus[0]->menu()),
+        QStringList({u"New Chart"_s, u"New Order|F9"_s, u"-"_s, u"E&xit|Ctrl+Q"_s}));
+    QCOMPARE(menus.value(1)->text(), u"&View"_s);
+    QCOMPARE(entries(menus[1]->menu()),
+        QStringList({u"Market Watch|Ctrl+M"_s, u"Toolbox|Ctrl+T"_s, u"Popup Prices|F10"_s, u"-"_s,
+            u"Restore Default Layout"_s, u"-"_s, u"Theme"_s}));
+    const QMenu* themes = menus[1]->menu()->actions().constLast()->menu();
+    QVERIFY(themes);
+    QCOMPARE(entries(themes), QStringList({u"Light"_s, u"Dark"_s}));
+    QVERIFY(f.action("Light")->isCheckable() && f.action("Dark")->isCheckable());
+    QVERIFY(f.action("Light")->isChecked() != f.action("Dark")->isChecked());
+}
+
+void tst_MainWindow::exampleScriptsStandInTheNavigator()
+{
+    MainWindowFixture f;
+    f.open();
+    const auto* navigator = f.window->findChild<QDockWidget*>(u"dockNavigator"_s)->findChild<QTreeWidget*>();
+    for (const auto& script : {u"MA_Cross"_s, u"RSI_Reversal"_s})
+        QCOMPARE(navigator->findItems(script, Qt::MatchExactly | Qt::MatchRecursive).size(), 1);
 }
 
 void tst_MainWindow::startIsWrittenToTheJournal()
@@ -96,7 +145,36 @@ void tst_MainWindow::connectionStateFollowsTheFeed()
     QTRY_COMPARE(label->text(), u"<span style='color:#26d367'>●</span> Connected — 127.0.0.1"_s);
     f.feed.cut();
     QTRY_COMPARE(label->text(), u"<span style='color:#ff6b6b'>●</span> Disconnected — 127.0.0.1"_s);
-    QVERIFY(f.list("tradeList").topLevelItemCount() >= 0);
+}
+
+void tst_MainWindow::trafficLatencyAndNewsOfTheFeedAreShown()
+{
+    MainWindowFixture f;
+    f.signIn();
+    QTRY_COMPARE(f.journalCount(u"Network: Feed connected"_s), 1);
+    QTRY_COMPARE(f.journalCount(u"Network: Feed ready — 2 symbols"_s), 1);
+    f.feed.send(R"({"type":"pong"})");
+    QTRY_COMPARE(f.window->findChild<QLabel*>(u"latencyLabel"_s)->text(), u"(0 ms)"_s);
+    QTRY_VERIFY(!f.window->findChild<QLabel*>(u"trafficLabel"_s)->text().contains(u" 0.0 / "_s));
+}
+
+void tst_MainWindow::chartsReadTheirHistoryAgainOnlyAfterTheFeedWasGone()
+{
+    MainWindowFixture f;
+    f.signInAndSettle();
+    f.window->openChart(u"EURUSD"_s);
+    f.settle();
+    const QByteArray hello = R"({"type":"hello","symbols":[{"name":"EURUSD"}],"prices":{}})";
+    f.feed.send(hello);
+    QTRY_COMPARE(f.http.count("GET", "/api/accounts"), 3);
+    f.settle();
+    QCOMPARE(f.http.count("GET", "/api/candles"), 1);
+    f.feed.cut();
+    QTRY_COMPARE(f.http.count("GET", "/api/candles"), 2);
+    f.feed.send(hello);
+    QTRY_COMPARE(f.http.count("GET", "/api/accounts"), 5);
+    f.settle();
+    QCOMPARE(f.http.count("GET", "/api/candles"), 2);
 }
 
 void tst_MainWindow::actionsThatNeedSymbolsWaitForThem()
@@ -157,6 +235,10 @@ void tst_MainWindow::zoomKeysActOnceAndLeaveTextFieldsAlone()
     QVERIFY(!f.action("Zoom In")->isEnabled());
     f.window->openChart(u"EURUSD"_s);
     QVERIFY(f.action("Zoom In")->isEnabled());
+    f.window->findChild<ChartArea*>()->closeAllSubWindows();
+    QTRY_VERIFY(!f.action("Zoom In")->isEnabled());
+    QVERIFY(!f.action("Zoom Out")->isEnabled());
+    f.window->openChart(u"EURUSD"_s);
     f.window->activateWindow();
     QVERIFY(QTest::qWaitForWindowActive(f.window.get()));
     QSignalSpy in(f.action("Zoom In"), &QAction::triggered);
@@ -451,6 +533,130 @@ void tst_MainWindow::minimizedWindowIsRepaired()
     watch->hide();
     f.window->showNormal();
     QTRY_VERIFY(!watch->isHidden());
+}
+
+void tst_MainWindow::windowComesToTheFront()
+{
+    MainWindowFixture f;
+    f.open();
+    f.window->showMinimized();
+    QTRY_VERIFY(f.window->isMinimized());
+    f.window->bringToFront();
+    QTRY_VERIFY(!f.window->isMinimized());
+    QTRY_VERIFY(f.window->isActiveWindow());
+    f.window->hide();
+    f.window->bringToFront();
+    QVERIFY(f.window->isVisible());
+}
+
+void tst_MainWindow::popupPricesShowAndHideWithTheirKey()
+{
+    MainWindowFixture f;
+    f.open();
+    f.window->activateWindow();
+    QVERIFY(QTest::qWaitForWindowActive(f.window.get()));
+    QVERIFY(!f.window->findChild<PopupPrices*>());
+    for (int i = 0; i < 5; ++i) {
+        QTest::keyClick(f.window.get(), Qt::Key_F10);
+        QCOMPARE(f.window->findChildren<PopupPrices*>().size(), 1);
+        const auto* popup = f.window->findChild<PopupPrices*>();
+        QVERIFY(popup->isVisible());
+        QVERIFY(popup->isWindow());
+        QVERIFY(popup->windowFlags() & Qt::WindowStaysOnTopHint);
+        QCOMPARE(popup->windowTitle(), u"Popup Prices"_s);
+        QTest::keyClick(f.window.get(), Qt::Key_F10);
+        QVERIFY(!popup->isVisible());
+    }
+    f.window->togglePopupPrices();
+    auto* popup = f.window->findChild<PopupPrices*>();
+    QVERIFY(popup->isVisible());
+    QTest::keyClick(popup, Qt::Key_Escape);
+    QVERIFY(!popup->isVisible());
+}
+
+void tst_MainWindow::popupPricesFollowHelloAndSnapshots()
+{
+    MainWindowFixture f;
+    f.open();
+    f.action("Popup Prices")->trigger();
+    auto* list = f.window->findChild<PopupPrices*>()->findChild<QTreeView*>(u"popupPriceList"_s);
+    QVERIFY(list->isVisible());
+    const auto rows = [list] {
+        QStringList texts;
+        for (int row = 0; row < list->model()->rowCount(); ++row) {
+            QStringList cells;
+            for (int column = 0; column < list->model()->columnCount(); ++column) {
+                if (!list->isColumnHidden(column))
+                    cells.append(list->model()->index(row, column).data().toString());
+            }
+            texts.append(cells.join(u' '));
+        }
+        return texts;
+    };
+    QCOMPARE(rows(), QStringList());
+    f.window->setUser({});
+    QTRY_COMPARE(rows(), QStringList({u"EURUSD 1.10000 1.20000"_s, u"USDJPY 150.500 150.600"_s}));
+    f.settle();
+    const auto picture = [list] { return list->viewport()->grab().toImage(); };
+    const QImage before = picture();
+    f.feed.send(R"({"type":"price_update","data":{"USDJPY":{"bid":151,"ask":"151.25"},"X":{"bid":1}}})");
+    QTRY_COMPARE(rows().value(1), u"USDJPY 151.000 151.250"_s);
+    QVERIFY(picture() != before);
+
+    // What is painted anew is what a person sees: a snapshot alone asks for one repaint.
+    struct Repaints final : QObject {
+        int count = 0;
+        bool eventFilter(QObject* watched, QEvent* event) override
+        {
+            if (event->type() == QEvent::Paint)
+                ++count;
+            return QObject::eventFilter(watched, event);
+        }
+    } repaints;
+    QTRY_VERIFY(QTest::qWaitForWindowExposed(list->window()));
+    list->viewport()->installEventFilter(&repaints);
+    f.window->onPrices({{u"EURUSD"_s, QJsonObject{{u"bid"_s, 1.3}, {u"ask"_s, 1.4}}}});
+    QTRY_VERIFY(repaints.count > 0);
+
+    f.window->onHello({{u"symbols"_s, QJsonArray{QJsonObject{{u"name"_s, u"GOLD"_s}, {u"digits"_s, 2}}}},
+        {u"prices"_s, QJsonObject{{u"GOLD"_s, QJsonObject{{u"bid"_s, 2000}, {u"ask"_s, 2001}}}}}});
+    QCOMPARE(rows(), QStringList({u"GOLD 2000.00 2001.00"_s}));
+    const QImage light = picture();
+    f.action("Dark")->trigger();
+    QVERIFY(picture() != light);
+    QCOMPARE(picture().pixelColor(list->viewport()->rect().bottomRight()),
+        QApplication::palette().color(QPalette::Base));
+    f.action("Light")->trigger();
+}
+
+void tst_MainWindow::popupPricesDoNotKeepTheTerminalOpen()
+{
+    MainWindowFixture f;
+    f.open();
+    f.window->togglePopupPrices();
+    QVERIFY(f.window->findChild<PopupPrices*>()->isVisible());
+    // The toolkit counts windows only inside the application's own loop.
+    QVERIFY(QGuiApplication::quitOnLastWindowClosed());
+    constexpr int stillOpen = 7;
+    QTimer::singleShot(5000, f.window.get(), [] { QCoreApplication::exit(stillOpen); });
+    QTimer::singleShot(0, f.window.get(), &QWidget::close);
+    QCOMPARE(QCoreApplication::exec(), 0);
+}
+
+void tst_MainWindow::orderEventsAreHeardAndShown()
+{
+    struct Connected final : QObject {
+        using QObject::isSignalConnected;
+    };
+    MainWindowFixture f;
+    f.open();
+    const auto* events = f.window->findChild<OrderEvents*>();
+    QVERIFY(events);
+    const auto isConnected
+        = [events](const QMetaMethod& signal) { return (events->*(&Connected::isSignalConnected))(signal); };
+    QVERIFY(isConnected(QMetaMethod::fromSignal(&OrderEvents::soundWanted)));
+    QCOMPARE(isConnected(QMetaMethod::fromSignal(&OrderEvents::balloonWanted)),
+        QSystemTrayIcon::isSystemTrayAvailable());
 }
 
 void tst_MainWindow::trayMenuOffersShowAndExit()
