@@ -63,8 +63,10 @@ class Desktop:
     def type(self, text):
         self._xdotool("type", "--delay", 15, text)
 
-    def screenshot(self, path):
-        subprocess.run(["import", "-window", "root", str(path)], check=True)
+    def screenshot(self, path, area=None):
+        """The whole screen, or the rectangle (x, y, width, height) of it, as a PNG."""
+        crop = ["-crop", "{2}x{3}+{0}+{1}".format(*area), "+repage"] if area else []
+        subprocess.run(["import", "-window", "root", *crop, str(path)], check=True)
 
     def pixels(self, x, y, width, height):
         """The RGB bytes of one rectangle of the screen, row by row."""

@@ -61,6 +61,11 @@ class Tour:
             raise StepFailed(f"{what} was not seen; look at {picture}")
         return outcome
 
+    def portrait(self, name):
+        """A picture of the main window alone, for the README."""
+        window = self.main_window()
+        self.desktop.screenshot(self.out / name, (window.x, window.y, window.width, window.height))
+
     # --- finding things --------------------------------------------------------------------------
 
     def window(self, accept, seconds=15):
@@ -237,7 +242,9 @@ class Tour:
         self.buy()
         self.watch_position()
         self.toggle_docks()
+        self.portrait("terminal-dark.png")
         self.switch_theme("Light")
+        self.portrait("terminal-light.png")
         self.switch_theme("Dark")
         self.lose_the_platform()
         self.restart()
