@@ -1,6 +1,7 @@
 #include "MainWindowFixture.h"
 #include "app/Log.h"
 #include "app/Theme.h"
+#include "chart/ChartWidget.h"
 #include "chart/ChartWindow.h"
 #include "mainwindow/ChartArea.h"
 #include "mainwindow/OrderEvents.h"
@@ -27,6 +28,8 @@ private Q_SLOTS:
     void pricesReachMarketWatchAndTrades();
     void doubleClickInMarketWatchOpensOneChart();
     void newChartStartsWithWhatIsKnown();
+    void chartsFollowTradesFiguresAndPrices();
+    void interruptedRestoringIsToldAndAShownWindowEndsIt();
     void zoomKeysActOnceAndLeaveTextFieldsAlone();
     void chartsComeBackInOrderWithTheMaximizedOne();
     void chartGeometrySurvivesARestart();
@@ -134,6 +137,7 @@ void tst_MainWindow::signInIsShownAndWrittenToTheJournal()
     MainWindowFixture f;
     f.signIn(u"<b>eve</b>%1@example.test"_s);
     QCOMPARE(f.window->findChild<QLabel*>(u"userLabel"_s)->text(), u"<b>eve</b>%1@example.test"_s);
+    QCOMPARE(f.window->user()["token"_L1].toString(), u"x"_s);
     QCOMPARE(f.journalCount(u"Auth: Logged in as <b>eve</b>%1@example.test on "_s + f.http.url()), 1);
 }
 
@@ -226,6 +230,58 @@ void tst_MainWindow::newChartStartsWithWhatIsKnown()
     QCOMPARE(charts(f).constFirst()->digits(), 5);
     f.selector().setCurrentIndex(2);
     QCOMPARE(charts(f).constFirst()->accountId(), u"a2"_s);
+}
+
+void tst_MainWindow::chartsFollowTradesFiguresAndPrices()
+{
+    MainWindowFixture f;
+    f.open();
+    f.window->openChart(u"EURUSD"_s); // before anything is known
+    f.window->setUser({});
+    QTRY_VERIFY(charts(f).constFirst()->equity() > 1000.0);
+    f.settle();
+    f.window->openChart(u"EURUSD"_s);
+    QCOMPARE(charts(f).size(), 2);
+    for (const ChartWindow* chart : charts(f)) {
+        QCOMPARE(chart->accountId(), u"a1"_s);
+        QCOMPARE(chart->balance(), 1000.0);
+        QCOMPARE(chart->equity(), 1012.5);
+        QCOMPARE(chart->chart().tradeLevels().size(), 1);
+        QCOMPARE(chart->chart().bid(), 1.1);
+    }
+    f.feed.send(R"({"type":"trades_update","data":[{"accountId":"a1","id":"t1","pnl":-20}]})");
+    f.feed.send(R"({"type":"price_update","data":{"EURUSD":{"bid":1.25,"ask":1.26}}})");
+    for (const ChartWindow* chart : charts(f)) {
+        QTRY_COMPARE(chart->equity(), 980.0);
+        QTRY_COMPARE(chart->chart().bid(), 1.25);
+    }
+    f.selector().setCurrentIndex(2);
+    for (const ChartWindow* chart : charts(f)) {
+        QCOMPARE(chart->accountId(), u"a2"_s);
+        QCOMPARE(chart->balance(), 2000.0);
+        QTRY_VERIFY(chart->chart().tradeLevels().isEmpty());
+    }
+}
+
+void tst_MainWindow::interruptedRestoringIsToldAndAShownWindowEndsIt()
+{
+    const QString line = u"Terminal: The last start ended while the window layout was being restored; "
+                         u"the default layout is used."_s;
+    MainWindowFixture f;
+    f.open();
+    f.window->close();
+    TerminalSettings& settings = TerminalSettings::instance();
+    settings.setRestoringLayout(true);
+    f.open();
+    QCOMPARE(f.journalCount(line), 1);
+    QVERIFY(!settings.restoringLayout());
+
+    f.window.reset();
+    f.window = std::make_unique<MainWindow>();
+    QCOMPARE(f.journalCount(line), 0);
+    QVERIFY(settings.restoringLayout());
+    f.window->show();
+    QTRY_VERIFY(!settings.restoringLayout());
 }
 
 void tst_MainWindow::zoomKeysActOnceAndLeaveTextFieldsAlone()
