@@ -4,7 +4,10 @@
 #include "chart/LayerStack.h"
 
 #include <QPainter>
+#include <QRegion>
 #include <QTransform>
+
+#include <cmath>
 
 namespace {
 
@@ -38,7 +41,7 @@ QPixmap pictureOf(const ChartFrame& frame, qreal scale, void (*paint)(QPainter&,
 }
 
 /// Copies device pixels one to one.
-void copyPicture(QPainter& painter, const QPixmap& picture, qreal scale)
+void copyWhole(QPainter& painter, const QPixmap& picture, qreal scale)
 {
     if (scale == 1.0) {
         painter.drawPixmap(0, 0, picture);
@@ -50,6 +53,26 @@ void copyPicture(QPainter& painter, const QPixmap& picture, qreal scale)
     painter.setTransform(transform);
 }
 
+bool isWhole(const ChartFrame& frame, const QRegion& exposed)
+{
+    return exposed.contains(QRect(QPoint(0, 0), frame.view.size())) && exposed.rectCount() == 1;
+}
+
+/// Copies what of a picture lies in `exposed`.
+void copyPicture(QPainter& painter, const QPixmap& picture, qreal scale, const QRegion& exposed)
+{
+    // Between device pixels, only the painter's own clip knows how the rectangles of a region were rounded.
+    if (exposed.rectCount() <= 1 || scale != std::floor(scale))
+        return copyWhole(painter, picture, scale);
+    // One rectangle at a time is copied row by row, a whole region pixel run by pixel run.
+    painter.save();
+    for (const QRect& part : exposed) {
+        painter.setClipRect(part);
+        copyWhole(painter, picture, scale);
+    }
+    painter.restore();
+}
+
 } // namespace
 
 bool BandCache::sameGround(const Content& a, const Content& b)
@@ -59,15 +82,16 @@ bool BandCache::sameGround(const Content& a, const Content& b)
     return a == other;
 }
 
-void BandCache::paint(QPainter& painter, const ChartFrame& frame, bool whole)
+void BandCache::paint(QPainter& painter, const ChartFrame& frame, const QRegion& exposed)
 {
     const Content content{frame.view, frame.seriesRevision, frame.largestVolume, frame.liveBar, frame.colors,
         frame.type, frame.digits, frame.timeframeMs, evenScale(painter)};
-    paintKept(painter, frame, content, whole);
+    paintKept(painter, frame, content, exposed);
     layerstack::paintLive(painter, frame);
 }
 
-void BandCache::paintKept(QPainter& painter, const ChartFrame& frame, const Content& content, bool whole)
+void BandCache::paintKept(
+    QPainter& painter, const ChartFrame& frame, const Content& content, const QRegion& exposed)
 {
     const bool same = m_content && content == *m_content;
     const bool ground = m_content && sameGround(content, *m_content);
@@ -84,15 +108,15 @@ void BandCache::paintKept(QPainter& painter, const ChartFrame& frame, const Cont
         if (m_ground.isNull())
             layerstack::paintGround(painter, frame);
         else
-            copyPicture(painter, m_ground, content.scale);
+            copyPicture(painter, m_ground, content.scale, exposed);
         return layerstack::paintBars(painter, frame);
     }
-    if ((same || !whole) && m_picture.isNull()) {
+    if ((same || !isWhole(frame, exposed)) && m_picture.isNull()) {
         m_picture = pictureOf(frame, content.scale, &layerstack::paintKept);
         m_seriesPaints += m_picture.isNull() ? 0 : 1;
     }
     if (!m_picture.isNull()) {
-        copyPicture(painter, m_picture, content.scale);
+        copyPicture(painter, m_picture, content.scale, exposed);
     } else {
         ++m_seriesPaints;
         layerstack::paintKept(painter, frame);

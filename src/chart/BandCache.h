@@ -9,6 +9,7 @@
 #include <optional>
 
 class QPainter;
+class QRegion;
 struct ChartFrame;
 
 /// Paints frames, keeping the layers that change rarely as a picture in device pixels. The picture is used
@@ -19,9 +20,10 @@ struct ChartFrame;
 /// what lies below them.
 class BandCache final {
 public:
-    /// Paints the whole frame. `whole` tells that no part of the widget is clipped away: broken lines begin
-    /// anew at a clip edge, so clipped frames always come from the picture.
-    void paint(QPainter& painter, const ChartFrame& frame, bool whole);
+    /// Paints what of the frame lies in `exposed`, in the frame's coordinates; the painter must be clipped to
+    /// it, as in a paint event. A part of a frame always comes from the picture: the broken lines of the grid
+    /// begin anew at a clip edge.
+    void paint(QPainter& painter, const ChartFrame& frame, const QRegion& exposed);
 
     /// How often bars other than the newest were painted; what the speed of a chart depends on.
     [[nodiscard]] quint64 seriesPaints() const { return m_seriesPaints; }
@@ -43,7 +45,8 @@ private:
     };
 
     [[nodiscard]] static bool sameGround(const Content& a, const Content& b);
-    void paintKept(QPainter& painter, const ChartFrame& frame, const Content& content, bool whole);
+    void paintKept(
+        QPainter& painter, const ChartFrame& frame, const Content& content, const QRegion& exposed);
 
     std::optional<Content> m_content; ///< of the last frame, and of the pictures when there are any
     QPixmap m_picture;                ///< the kept layers without the newest bar

@@ -13,10 +13,9 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-QString text(const char* source)
-{
-    return QCoreApplication::translate("ChartWidget", source);
-}
+struct Texts {
+    Q_DECLARE_TR_FUNCTIONS(ChartWidget)
+};
 
 QString timeOfDay(qint64 timeMs)
 {
@@ -45,21 +44,21 @@ QString barTimeText(qint64 timeMs, qint64 timeframeMs, bool withDate)
 QString headerText(const QString& symbol, const QString& timeframeLabel, const QString& description,
     const Candle& last, int digits)
 {
-    return text("%1,%2: %3   O: %4  H: %5  L: %6  C: %7")
+    return Texts::tr("%1,%2: %3   O: %4  H: %5  L: %6  C: %7")
         .arg(oneLine(symbol), oneLine(timeframeLabel), oneLine(description), formatPrice(last.open, digits),
             formatPrice(last.high, digits), formatPrice(last.low, digits), formatPrice(last.close, digits));
 }
 
 QString crosshairText(const Candle& bar, int digits)
 {
-    return text("O: %1   H: %2   L: %3   C: %4")
+    return Texts::tr("O: %1   H: %2   L: %3   C: %4")
         .arg(formatPrice(bar.open, digits), formatPrice(bar.high, digits), formatPrice(bar.low, digits),
             formatPrice(bar.close, digits));
 }
 
 QString hoverText(const Candle& bar, int digits)
 {
-    return text("O: %1  H: %2  L: %3  C: %4  V: %5")
+    return Texts::tr("O: %1  H: %2  L: %3  C: %4  V: %5")
         .arg(formatPrice(bar.open, digits), formatPrice(bar.high, digits), formatPrice(bar.low, digits),
             formatPrice(bar.close, digits), QString::number(bar.volume));
 }

@@ -2,6 +2,7 @@
 
 #include "chart/ChartFrame.h"
 #include "chart/ChartTexts.h"
+#include "chart/layers/CrosshairBoxes.h"
 
 #include <QMouseEvent>
 #include <QPaintEvent>
@@ -9,6 +10,8 @@
 #include <QWheelEvent>
 
 #include <algorithm>
+#include <cmath>
+#include <utility>
 
 namespace {
 
@@ -269,7 +272,7 @@ bool ChartWidget::pointerInPlot() const
 void ChartWidget::paintEvent(QPaintEvent* event)
 {
     QPainter painter(this);
-    m_bands.paint(painter, frame(), event->rect() == rect());
+    m_bands.paint(painter, frame(), event->region());
 }
 
 void ChartWidget::mousePressEvent(QMouseEvent* event)
@@ -325,11 +328,16 @@ void ChartWidget::leaveEvent(QEvent* event)
 
 void ChartWidget::movePointer(const QPoint& position)
 {
-    const bool wasInPlot = pointerInPlot();
     if (position == m_pointer)
         return;
-    m_pointer = position;
-    if (wasInPlot || pointerInPlot())
+    const QPoint before = std::exchange(m_pointer, position);
+    const bool wasInPlot = view().plot().contains(before);
+    const bool isInPlot = pointerInPlot();
+    // Between device pixels, an area may be rounded to less than what is painted into it.
+    const bool wholePixels = devicePixelRatioF() == std::floor(devicePixelRatioF());
+    if (wasInPlot && isInPlot && !m_series.isEmpty() && wholePixels)
+        update(crosshair::area(view(), before) + crosshair::area(view(), position));
+    else if (wasInPlot || isInPlot)
         update();
 }
 

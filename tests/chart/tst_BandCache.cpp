@@ -8,6 +8,7 @@
 
 #include <QPainter>
 #include <QRandomGenerator>
+#include <QScreen>
 
 using namespace Qt::StringLiterals;
 
@@ -35,7 +36,7 @@ QImage kept(BandCache& cache, const ChartWidget& chart, qreal ratio)
 {
     QImage image = canvas(chart, ratio);
     QPainter painter(&image);
-    cache.paint(painter, chart.frame(), true);
+    cache.paint(painter, chart.frame(), chart.rect());
     return image;
 }
 
@@ -79,11 +80,14 @@ private Q_SLOTS:
     void the_picture_equals_all_layers_in_order_data();
     void the_picture_equals_all_layers_in_order();
     void the_widget_shows_all_layers_in_order();
+    void what_stays_on_the_window_equals_all_layers_in_order();
     void a_newest_bar_between_crowded_neighbours_is_the_same_to_the_pixel_data();
     void a_newest_bar_between_crowded_neighbours_is_the_same_to_the_pixel();
     void equal_content_is_painted_once_more_and_then_copied();
     void a_growing_largest_volume_is_the_same_to_the_pixel();
     void a_clipped_frame_comes_from_the_picture();
+    void frames_painted_in_parts_have_no_seams_data();
+    void frames_painted_in_parts_have_no_seams();
     void a_turned_painter_gets_the_layers_themselves();
 };
 
@@ -133,6 +137,32 @@ void TestBandCache::the_widget_shows_all_layers_in_order()
         QCOMPARE(shown, plain(chart, shown.devicePixelRatio()));
         const Candle last = chart.candles().back();
         chart.onTick((last.open + last.close) / 2, last.close, last.time);
+    }
+}
+
+void TestBandCache::what_stays_on_the_window_equals_all_layers_in_order()
+{
+    // Pointer moves and ticks paint only a part; the rest of the window is what earlier frames left there.
+    QRandomGenerator random(11);
+    QWidget window;
+    window.resize(340, 220);
+    auto* chart = new ChartWidget(&window);
+    chart->resize(300, 200);
+    chart->setSymbolInfo(u"EURUSD"_s, u"M15"_s, u"Euro"_s);
+    chart->setTradeLevels({{u"1"_s, u"SL"_s, 1.1, u"sl #1"_s, QColor(Qt::red), Qt::DashLine, true}});
+    chart->setCandles(fixtures::wave(150));
+    window.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&window));
+    QScreen* screen = window.screen();
+    for (int step = 0; step < 300; ++step) {
+        for (int change = random.bounded(3); change >= 0; --change)
+            changeAtRandom(*chart, random);
+        QCoreApplication::processEvents();
+        const QImage shown = screen->grabWindow(window.winId(), 0, 0, 300, 200)
+                                 .toImage()
+                                 .convertToFormat(QImage::Format_RGB32);
+        QCOMPARE(shown.size(), QSize(300, 200));
+        QVERIFY2(shown == plain(*chart, 1.0), qPrintable(u"step %1"_s.arg(step)));
     }
 }
 
@@ -217,13 +247,58 @@ void TestBandCache::a_clipped_frame_comes_from_the_picture()
     chart.setCandles(fixtures::wave(100));
     const QImage expected = plain(chart, 1.0);
     BandCache cache;
-    const QRect part(37, 41, 80, 70); // nothing live but empty plot lies here
+    const QRect part(37, 41, 80, 70);
     QImage image = canvas(chart, 1.0);
     QPainter painter(&image);
     painter.setClipRect(part);
-    cache.paint(painter, chart.frame(), false);
+    cache.paint(painter, chart.frame(), part);
     painter.end();
     QCOMPARE(image.copy(part), expected.copy(part));
+}
+
+void TestBandCache::frames_painted_in_parts_have_no_seams_data()
+{
+    QTest::addColumn<qreal>("ratio");
+    QTest::addColumn<int>("type");
+    for (const qreal ratio : {1.0, 1.25, 2.0}) {
+        // A slanting line between device pixels is stroked anew within each clip; a chart asks for whole
+        // frames there.
+        const int types = ratio == 1.25 ? 2 : 3;
+        for (int type = 0; type < types; ++type)
+            QTest::addRow("ratio %.2f, type %d", ratio, type) << ratio << type;
+    }
+}
+
+void TestBandCache::frames_painted_in_parts_have_no_seams()
+{
+    QFETCH(qreal, ratio);
+    QFETCH(int, type);
+    ChartWidget chart;
+    chart.resize(320, 200); // a multiple of 4, so that every ratio has whole pixels at the edges of the parts
+    chart.setChartType(type);
+    chart.setChartShift(true);
+    chart.setSymbolInfo(u"EURUSD"_s, u"M15"_s, u"Euro"_s);
+    chart.setTradeLevels({{u"1"_s, u"SL"_s, 1.1, u"sl #1"_s, QColor(Qt::red), Qt::DashDotLine, true},
+        {u"1"_s, u"TP"_s, 1.105, u"tp #1"_s, QColor(Qt::green), Qt::DotLine, true}});
+    chart.setCandles(fixtures::wave(150));
+    chart.onTick(1.1, 1.1002, chart.candles().back().time);
+    fixtures::hover(chart, QPoint(61, 83));
+    const QImage expected = plain(chart, ratio);
+    BandCache cache;
+    QImage image = canvas(chart, ratio);
+    QPainter painter(&image);
+    for (int y = 0; y < chart.height(); y += 20) {
+        // Every other part of a row at once, as a region of several rectangles.
+        for (int odd = 0; odd < 2; ++odd) {
+            QRegion parts;
+            for (int x = odd * 20; x < chart.width(); x += 40)
+                parts += QRect(x, y, 20, 20);
+            painter.setClipRegion(parts);
+            cache.paint(painter, chart.frame(), parts);
+        }
+    }
+    painter.end();
+    QCOMPARE(image, expected);
 }
 
 void TestBandCache::a_turned_painter_gets_the_layers_themselves()
@@ -237,7 +312,7 @@ void TestBandCache::a_turned_painter_gets_the_layers_themselves()
         QPainter painter(&image);
         painter.translate(200, 0);
         painter.rotate(90);
-        cache.paint(painter, chart.frame(), true);
+        cache.paint(painter, chart.frame(), chart.rect());
         QCOMPARE(cache.seriesPaints(), static_cast<quint64>(look));
     }
 }

@@ -4,6 +4,7 @@
 #include "chart/ChartFrame.h"
 #include "support/TestMain.h"
 
+#include <QPaintEvent>
 #include <QSignalSpy>
 
 #include <limits>
@@ -28,12 +29,19 @@ public:
 
     bool eventFilter(QObject* watched, QEvent* event) override
     {
-        m_count += event->type() == QEvent::Paint ? 1 : 0;
+        if (event->type() == QEvent::Paint) {
+            ++m_count;
+            m_region = static_cast<QPaintEvent*>(event)->region();
+        }
         return QObject::eventFilter(watched, event);
     }
 
+    /// Of the last paint.
+    [[nodiscard]] const QRegion& region() const { return m_region; }
+
 private:
     int m_count = 0;
+    QRegion m_region;
 };
 
 /// A chart of 400 by 300 pixels; 48 of its bars are visible, the last one at column 331.
@@ -83,6 +91,7 @@ private Q_SLOTS:
     void several_changes_make_one_paint();
     void pointer_and_ticks_within_the_range_paint_no_older_candle();
     void a_tick_beyond_the_range_paints_all();
+    void a_pointer_move_paints_where_the_crosshair_was_and_is();
     void colours_are_opaque_and_valid();
     void unknown_chart_types_are_candles();
     void the_lower_pane_takes_its_room();
@@ -483,6 +492,28 @@ void TestChartWidget::a_tick_beyond_the_range_paints_all()
     QVERIFY(chart.seriesPaints() > before);
     QVERIFY(chart.view().prices().max > range.max);
     QVERIFY(chart.view().prices().contains(2.0));
+}
+
+void TestChartWidget::a_pointer_move_paints_where_the_crosshair_was_and_is()
+{
+    ChartWidget chart;
+    show(chart, 100);
+    PaintCounter paints(chart);
+    fixtures::hover(chart, QPoint(100, 100));
+    QCOMPARE(paints.taken(), 1);
+    QCOMPARE(paints.region(), QRegion(chart.rect())); // the header goes
+    fixtures::hover(chart, QPoint(200, 150));
+    QCOMPARE(paints.taken(), 1);
+    for (const QPoint& pointer : {QPoint(100, 100), QPoint(200, 150)}) {
+        for (const QRect& part : {QRect(0, pointer.y(), 332, 1), QRect(pointer.x(), 0, 1, 278),
+                 QRect(332, pointer.y() - 9, 66, 18), QRect(pointer.x() - 50, 279, 100, 19),
+                 QRect(6, 4, 320, 16)})
+            QVERIFY((QRegion(part) - paints.region()).isEmpty());
+    }
+    QVERIFY(!paints.region().intersects(QRect(20, 30, 60, 60)));
+    fixtures::leave(chart);
+    QCOMPARE(paints.taken(), 1);
+    QCOMPARE(paints.region(), QRegion(chart.rect()));
 }
 
 void TestChartWidget::colours_are_opaque_and_valid()

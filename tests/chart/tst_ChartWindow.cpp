@@ -1,4 +1,5 @@
 #include "app/TerminalSettings.h"
+#include "chart/ChartFrame.h"
 #include "chart/ChartWidget.h"
 #include "chart/ChartWindow.h"
 #include "net/ApiClient.h"
@@ -85,13 +86,22 @@ void tst_ChartWindow::isTitledAfterSymbolAndTimeframe()
     QCOMPARE(window.windowTitle(), u"EURUSD,H1"_s);
     QCOMPARE(window.chart().timeframeMs(), 3'600'000);
     QCOMPARE(window.chart().digits(), 5);
+    const ChartFrame frame = window.chart().frame();
+    QCOMPARE(frame.symbol, u"EURUSD"_s);
+    QCOMPARE(frame.timeframeLabel, u"H1"_s);
+    QCOMPARE(frame.description, QString());
 }
 
 void tst_ChartWindow::asksForNothingBeforeItIsLoaded()
 {
     ChartWindow window(*m_api, u"EURUSD"_s, u"15m"_s, {}, 5);
+    bool answered = false;
+    m_api->get(
+        u"/api/accounts"_s, this, [&answered](const QJsonDocument&, const QString&) { answered = true; });
+    QTRY_VERIFY(answered); // a request of the window would have gone out before
+    QCOMPARE(m_server->requests().size(), 1);
     window.load();
-    QTRY_COMPARE(m_server->requests().size(), 1);
+    QTRY_COMPARE(m_server->requests().size(), 2);
 }
 
 void tst_ChartWindow::loadsTheHistoryOfItsSymbolAndTimeframe()
@@ -324,6 +334,12 @@ void tst_ChartWindow::theDigitsAndTheDescriptionMayArriveLater()
     ChartWindow window(*m_api, u"USDJPY"_s, u"1m"_s, {}, 5);
     window.setSymbolInfo(3, u"US Dollar / Yen"_s);
     QCOMPARE(window.digits(), 3);
+    QCOMPARE(window.chart().frame().description, u"US Dollar / Yen"_s);
+    QCOMPARE(window.chart().frame().symbol, u"USDJPY"_s);
+    QCOMPARE(window.chart().frame().timeframeLabel, u"M1"_s);
+    window.setTimeframe(u"1mn"_s);
+    QCOMPARE(window.chart().frame().timeframeLabel, u"MN"_s);
+    QCOMPARE(window.chart().frame().description, u"US Dollar / Yen"_s);
     QCOMPARE(window.chart().digits(), 3);
 }
 

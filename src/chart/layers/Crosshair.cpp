@@ -1,6 +1,7 @@
 #include "app/NumberFormat.h"
 #include "chart/ChartFrame.h"
 #include "chart/ChartTexts.h"
+#include "chart/layers/CrosshairBoxes.h"
 #include "chart/layers/Layers.h"
 #include "chart/layers/PriceTag.h"
 #include "chart/layers/Strokes.h"
@@ -26,17 +27,15 @@ void layers::paintCrosshair(QPainter& painter, const ChartFrame& frame)
     const QRect& plot = view.plot();
     const int x = frame.pointer.x();
     const int y = frame.pointer.y();
-    painter.setPen(strokes::hairline(lineColor, Qt::DashLine));
-    painter.drawLine(plot.left(), y, plot.right(), y);
-    painter.drawLine(x, plot.top(), x, plot.bottom());
+    strokes::across(painter, plot.left(), plot.right(), y, lineColor, Qt::DashLine);
+    strokes::down(painter, x, plot.top(), plot.bottom(), lineColor, Qt::DashLine);
     paintTag(painter, frame, priceTagBox(view, y), formatPrice(view.priceAt(y), frame.digits));
 
     const qsizetype index = view.barAt(x);
     if (index < 0 || index >= view.count())
         return;
     const Candle& bar = frame.bar(index);
-    paintTag(painter, frame, QRect(x - 50, plot.bottom() + 2, 100, 19),
-        barTimeText(bar.time, frame.timeframeMs, true));
-    frame.texts->draw(painter, QRect(plot.left() + 6, plot.top() + 4, plot.width() - 12, 16), Qt::AlignLeft,
-        crosshairText(bar, frame.digits), frame.colors.axis);
+    paintTag(painter, frame, crosshair::timeTag(view, x), barTimeText(bar.time, frame.timeframeMs, true));
+    frame.texts->draw(painter, crosshair::priceLine(view), Qt::AlignLeft, crosshairText(bar, frame.digits),
+        frame.colors.axis);
 }

@@ -18,8 +18,7 @@ bool isShown(const ChartFrame& frame, double price)
 void paintLine(QPainter& painter, const ChartFrame& frame, int y, const QColor& color)
 {
     const QRect& plot = frame.view.plot();
-    painter.setPen(strokes::hairline(color, Qt::DashLine));
-    painter.drawLine(plot.left(), y, plot.right(), y);
+    strokes::across(painter, plot.left(), plot.right(), y, color, Qt::DashLine);
 }
 
 } // namespace

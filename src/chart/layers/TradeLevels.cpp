@@ -19,8 +19,8 @@ void paintLevel(QPainter& painter, const ChartFrame& frame, const TradeLevel& le
     if (!view.prices().contains(price))
         return;
     const int y = view.pricePixel(price);
-    painter.setPen(strokes::hairline(level.color, dragged ? Qt::SolidLine : level.penStyle));
-    painter.drawLine(plot.left(), y, plot.right(), y);
+    strokes::across(
+        painter, plot.left(), plot.right(), y, level.color, dragged ? Qt::SolidLine : level.penStyle);
     QString label = oneLine(level.label);
     if (dragged)
         label = QCoreApplication::translate("ChartWidget", "%1  %2")
