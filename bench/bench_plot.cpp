@@ -110,8 +110,8 @@ void plotFrame(benchmark::State& state, void (Plot::*frame)())
         (plot.*frame)();
 }
 
-BENCHMARK_CAPTURE(plotFrame, pointer_7px, &Plot::pointerFrame);
-BENCHMARK_CAPTURE(plotFrame, tick_7px, &Plot::tickFrame);
-BENCHMARK_CAPTURE(plotFrame, pan_7px, &Plot::panFrame);
+BENCHMARK_CAPTURE(plotFrame, pointer_7px, &Plot::pointerFrame)->MeasureProcessCPUTime();
+BENCHMARK_CAPTURE(plotFrame, tick_7px, &Plot::tickFrame)->MeasureProcessCPUTime();
+BENCHMARK_CAPTURE(plotFrame, pan_7px, &Plot::panFrame)->MeasureProcessCPUTime();
 
 } // namespace

@@ -10,6 +10,7 @@ ROWS = [
     ("pointer frame, 7 px / PLOT", "live/pointer_7px", "plotFrame/pointer_7px", 0.35),
     ("pointer frame, 1 px / FLOOR", "live/pointer_1px", "floorFrame/1px", 0.25),
     ("tick frame, range unchanged / FLOOR", "live/tick_7px", "floorFrame/7px", 0.5),
+    ("tick frame, newest volume the largest / FLOOR", "live/tick_largest_7px", "floorFrame/7px", 0.5),
     ("tick frame, range unchanged / PLOT", "live/tick_7px", "plotFrame/tick_7px", 0.15),
     ("pan frame, 7 px / FLOOR", "live/pan_7px", "floorFrame/7px", 1.7),
     ("pan frame, 1 px / FLOOR", "live/pan_1px", "floorFrame/1px", 1.7),
@@ -36,7 +37,7 @@ def medians(folder):
         for entry in json.loads(path.read_text())["benchmarks"]:
             if entry.get("aggregate_name") == "median":
                 unit = {"ns": 1.0, "us": 1e3, "ms": 1e6, "s": 1e9}[entry["time_unit"]]
-                found[prefix + entry["run_name"].split("/repeats")[0]] = entry["cpu_time"] * unit
+                found[prefix + entry["run_name"].split("/repeats")[0].removesuffix("/process_time")] = entry["cpu_time"] * unit
     return found
 
 

@@ -11,6 +11,7 @@ namespace {
 
 constexpr double halfSpread = 0.00005;
 constexpr double point = 0.00001;
+constexpr qint32 largestVolume = 1'000;
 
 } // namespace
 
@@ -18,7 +19,7 @@ LiveChart::LiveChart(QSize size, std::size_t loaded, double barWidth)
 {
     m_chart.resize(size);
     m_chart.setSymbolInfo(u"EURUSD"_s, u"M15"_s, u"Euro / US Dollar"_s);
-    m_chart.setCandles(walk(loaded));
+    m_chart.setCandles(newestOf(loaded));
     while (m_chart.barWidth() > barWidth)
         m_chart.zoomOut();
     m_mid = m_chart.candles().back().close;
@@ -26,6 +27,12 @@ LiveChart::LiveChart(QSize size, std::size_t loaded, double barWidth)
     m_chart.show();
     QCoreApplication::processEvents();
     m_chart.repaint();
+}
+
+void LiveChart::paintWhatChanged()
+{
+    // What the event loop does next: one paint of all that was asked to be updated.
+    QCoreApplication::sendPostedEvents(&m_chart, QEvent::UpdateRequest);
 }
 
 void LiveChart::sendMouse(QEvent::Type type, QPoint position, Qt::MouseButtons buttons)
@@ -39,14 +46,24 @@ void LiveChart::pointerFrame()
 {
     ++m_step;
     sendMouse(QEvent::MouseMove, QPoint(200 + m_step % 1000, 100 + m_step % 600), Qt::NoButton);
-    m_chart.repaint();
+    paintWhatChanged();
 }
 
 void LiveChart::tickFrame()
 {
     const double mid = m_mid + (++m_step % 2 == 0 ? point : 0.0);
     m_chart.onTick(mid - halfSpread, mid + halfSpread, m_chart.candles().back().time);
-    m_chart.repaint();
+    paintWhatChanged();
+}
+
+void LiveChart::largestTickFrame()
+{
+    if (m_chart.candles().back().volume < largestVolume) {
+        std::vector<Candle> candles = m_chart.candles();
+        candles.back().volume = largestVolume;
+        m_chart.setCandles(std::move(candles));
+    }
+    tickFrame();
 }
 
 void LiveChart::panFrame()
@@ -57,5 +74,5 @@ void LiveChart::panFrame()
     }
     ++m_step;
     sendMouse(QEvent::MouseMove, QPoint(420 + m_step % 400, 500), Qt::LeftButton);
-    m_chart.repaint();
+    paintWhatChanged();
 }

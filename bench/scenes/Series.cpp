@@ -28,3 +28,9 @@ std::vector<Candle> walk(std::size_t count)
     }
     return candles;
 }
+
+std::vector<Candle> newestOf(std::size_t count)
+{
+    static const std::vector<Candle> all = walk(1'000'000);
+    return {all.end() - static_cast<std::ptrdiff_t>(std::min(count, all.size())), all.end()};
+}
