@@ -4,25 +4,19 @@
 #include "orders/OrderBody.h"
 
 #include <QDialog>
-#include <QElapsedTimer>
 #include <QJsonArray>
 #include <QJsonObject>
-#include <QPointer>
 
 class ApiClient;
-class DecimalEdit;
-class DecimalSpinBox;
-class QComboBox;
-class QFormLayout;
-class QLabel;
+class OrderForm;
 class QNetworkReply;
-class QPushButton;
-class QVBoxLayout;
 class TickChartWidget;
 class WsClient;
 
-/// The modal window that places one order. While an order is on its way the window stays open, so that
-/// the trader sees what became of it.
+/// The modal window that places one order. Closed while an order is on its way it only leaves the
+/// screen, so that the trader can act elsewhere, and waits for the answer: an accepted order is reported
+/// as ever, a refused one brings the window back with the reason. Whoever shows it again meanwhile sees
+/// it waiting; closing it once more gives up the wait.
 class OrderDialog final : public QDialog {
     Q_OBJECT
     Q_DISABLE_COPY_MOVE(OrderDialog)
@@ -33,10 +27,6 @@ public:
     OrderDialog(ApiClient& api, WsClient& feed, const QJsonArray& symbols, const QString& accountId,
         const QString& initialSymbol, QWidget* parent = nullptr);
     ~OrderDialog() override = default;
-
-    /// How long, in ms, the window refuses to close while an order is on its way; a little longer than
-    /// the client waits for a silent server unless set.
-    void setPatience(int milliseconds) { m_patienceMs = milliseconds; }
 
     void done(int result) override;
 
@@ -53,19 +43,16 @@ Q_SIGNALS:
     /// Played by the dialog itself.
     void soundDue(SoundKind kind);
 
+protected:
+    void closeEvent(QCloseEvent* event) override;
+
 private:
-    [[nodiscard]] QWidget* buildForm();
-    [[nodiscard]] QFormLayout* buildFields();
-    void addButtons(QVBoxLayout* column);
-    void addField(QFormLayout* form, const QString& label, QWidget* field, const QString& name);
-    void fillSymbols(const QString& initialSymbol);
     void setOrderType(OrderType type);
     void onSymbolChanged();
     void place(OrderSide side);
     void onReply(QNetworkReply* reply);
     void setSending(bool sending);
-    void showError(const QString& text);
-    [[nodiscard]] QString symbol() const;
+    void comeBack();
     [[nodiscard]] int digits() const;
 
     ApiClient& m_api;
@@ -76,21 +63,8 @@ private:
     double m_bid = 0.0;
     double m_ask = 0.0;
     bool m_sending = false;
-    QElapsedTimer m_sentSince;
-    int m_patienceMs = 20000;
-    QPointer<QWidget> m_focusBefore;
+    bool m_left = false; ///< closed by the trader while sending
 
-    QComboBox* m_symbolCombo;
-    DecimalSpinBox* m_volume;
-    QLabel* m_units;
-    DecimalEdit* m_stopLoss;
-    DecimalEdit* m_takeProfit;
-    QLabel* m_priceLabel = nullptr;
-    DecimalEdit* m_price;
-    QComboBox* m_comment;
-    QLabel* m_priceDisplay;
-    QLabel* m_error;
-    QPushButton* m_sell;
-    QPushButton* m_buy;
+    OrderForm* m_form;
     TickChartWidget* m_tickChart;
 };

@@ -14,6 +14,8 @@
 #include <QJsonDocument>
 #include <QLabel>
 #include <QPushButton>
+#include <QScrollBar>
+#include <QToolTip>
 
 using namespace Qt::StringLiterals;
 
@@ -33,6 +35,21 @@ QJsonArray someSymbols()
 QJsonObject parse(const QByteArray& json)
 {
     return QJsonDocument::fromJson(json).object();
+}
+
+/// How far the lightest and the darkest spot of a picture are apart, 0 to 255.
+int contrast(const QImage& picture)
+{
+    int lightest = 0;
+    int darkest = 255;
+    for (int y = 0; y < picture.height(); ++y) {
+        for (int x = 0; x < picture.width(); ++x) {
+            const int lightness = picture.pixelColor(x, y).lightness();
+            lightest = std::max(lightest, lightness);
+            darkest = std::min(darkest, lightness);
+        }
+    }
+    return lightest - darkest;
 }
 
 struct Desk {
@@ -111,8 +128,14 @@ private Q_SLOTS:
     void anUncertainOutcomeIsNeverReportedAsDone();
     void aRedirectIsNoSuccess();
     void anUnreachableServerIsReported();
-    void theWindowStaysOpenWhileAnOrderIsOnItsWay();
-    void anImpatientCloseSaysThatTheOutcomeIsUnknown();
+    void aReadableAnswerIsNotAskedForOnPurpose_data();
+    void aReadableAnswerIsNotAskedForOnPurpose();
+    void closedWhileSendingItLeavesAndReportsTheOrder_data();
+    void closedWhileSendingItLeavesAndReportsTheOrder();
+    void closedWhileSendingItComesBackWithARefusal();
+    void closedWhileSendingItComesBackWhenNobodyKnows();
+    void closedTwiceWhileSendingItGivesUpTheWait();
+    void aSecondPressOfTheSpaceBarPressesNothingElse();
     void aWindowDestroyedWhileSendingDoesNoHarm();
     void pricesAreShownAndDrawn();
     void otherSymbolsPricesAreLeftAlone();
@@ -128,6 +151,10 @@ private Q_SLOTS:
     void everyFieldHasANameAndALabel();
     void sizesHoldUnderBothThemes_data();
     void sizesHoldUnderBothThemes();
+    void whatPopsUpIsLegibleUnderBothThemes_data();
+    void whatPopsUpIsLegibleUnderBothThemes();
+    void aLongSymbolListScrolls();
+    void partsHaveTheirPlacesAndStyles();
 };
 
 void TestOrderDialog::init()
@@ -340,12 +367,14 @@ void TestOrderDialog::fieldsAreDisabledWhileSending()
         desk.edit(u"orderTakeProfit"_s), desk.edit(u"orderPrice"_s), desk.combo(u"orderComment"_s)};
     for (const QWidget* field : fields)
         QVERIFY2(!field->isEnabled(), qPrintable(field->objectName()));
+    QCOMPARE(desk.buy()->parentWidget()->cursor().shape(), Qt::BusyCursor);
     QTest::mouseClick(desk.buy(), Qt::LeftButton);
     QTest::mouseClick(desk.sell(), Qt::LeftButton);
     desk.server.release(StubAnswer::message(u"No"_s, 400));
     QTRY_VERIFY(desk.error()->isVisible());
     for (const QWidget* field : fields)
         QVERIFY2(field->isEnabled(), qPrintable(field->objectName()));
+    QCOMPARE(desk.buy()->parentWidget()->cursor().shape(), Qt::ArrowCursor);
     QCOMPARE(desk.server.count("POST", placePath), 1);
 }
 
@@ -456,37 +485,157 @@ void TestOrderDialog::anUnreachableServerIsReported()
     QCOMPARE(placed.size(), 0);
 }
 
-void TestOrderDialog::theWindowStaysOpenWhileAnOrderIsOnItsWay()
+void TestOrderDialog::aReadableAnswerIsNotAskedForOnPurpose_data()
 {
+    QTest::addColumn<QByteArray>("body");
+    QTest::addColumn<int>("status");
+    QTest::newRow("a page") << "<h1>Done</h1>"_ba << 200;
+    QTest::newRow("a cut object") << R"({"id":"t-)"_ba << 201;
+    QTest::newRow("a list") << "[1]"_ba << 200;
+    QTest::newRow("a message") << R"({"message":"Fine"})"_ba << 200;
+    QTest::newRow("nothing") << ""_ba << 200;
+}
+
+// The status says that the order was placed; a body that was lost on the way takes nothing back.
+void TestOrderDialog::aReadableAnswerIsNotAskedForOnPurpose()
+{
+    QFETCH(QByteArray, body);
+    QFETCH(int, status);
+    Desk desk;
+    desk.server.on("POST", placePath, StubAnswer::json(body, status));
+    QSignalSpy placed(desk.dialog, &OrderDialog::orderPlaced);
+    QTest::mouseClick(desk.buy(), Qt::LeftButton);
+    QTRY_VERIFY(!desk.dialog);
+    QCOMPARE(placed.size(), 1);
+}
+
+void TestOrderDialog::closedWhileSendingItLeavesAndReportsTheOrder_data()
+{
+    QTest::addColumn<int>("way");
+    QTest::newRow("by the Escape key") << 0;
+    QTest::newRow("by the button of the left list") << 1;
+    QTest::newRow("by the title bar") << 2;
+}
+
+void TestOrderDialog::closedWhileSendingItLeavesAndReportsTheOrder()
+{
+    QFETCH(int, way);
     Desk desk;
     desk.server.on("POST", placePath, StubAnswer::held());
     QSignalSpy placed(desk.dialog, &OrderDialog::orderPlaced);
+    QSignalSpy sounds(desk.dialog, &OrderDialog::soundDue);
+    QSignalSpy unknown(desk.dialog, &OrderDialog::outcomeUnknown);
+    QSignalSpy finished(desk.dialog, &QDialog::finished);
     QTest::mouseClick(desk.buy(), Qt::LeftButton);
     QTRY_COMPARE(desk.server.heldCount(), 1);
-    QTest::keyClick(desk.dialog, Qt::Key_Escape);
-    desk.click(u"Minimize"_s);
-    desk.dialog->close();
-    QVERIFY(desk.dialog && desk.dialog->isVisible());
+    if (way == 0)
+        QTest::keyClick(desk.dialog, Qt::Key_Escape);
+    else if (way == 1)
+        desk.click(u"Minimize"_s);
+    else
+        desk.dialog->close();
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    QVERIFY(desk.dialog);
+    QVERIFY(!desk.dialog->isVisible());
+    QCOMPARE(finished.size(), 0);
+    QCOMPARE(placed.size(), 0);
     desk.server.release(StubAnswer::json("{}"));
-    QTRY_COMPARE(placed.size(), 1);
     QTRY_VERIFY(!desk.dialog);
+    QCOMPARE(placed.size(), 1);
+    QCOMPARE(sounds.size(), 1);
+    QCOMPARE(sounds.at(0).at(0).value<SoundKind>(), SoundKind::Open);
+    QCOMPARE(unknown.size(), 0);
 }
 
-void TestOrderDialog::anImpatientCloseSaysThatTheOutcomeIsUnknown()
+void TestOrderDialog::closedWhileSendingItComesBackWithARefusal()
 {
     Desk desk;
     desk.server.on("POST", placePath, StubAnswer::held());
-    desk.dialog->setPatience(0);
+    QSignalSpy sounds(desk.dialog, &OrderDialog::soundDue);
+    desk.type(u"orderStopLoss"_s, u"1.05"_s);
+    desk.buy()->setFocus();
+    QTest::mouseClick(desk.buy(), Qt::LeftButton);
+    QTRY_COMPARE(desk.server.heldCount(), 1);
+    desk.dialog->close();
+    QVERIFY(!desk.dialog->isVisible());
+    desk.server.release(StubAnswer::message(u"Not enough money"_s, 400));
+    QTRY_VERIFY(desk.dialog->isVisible());
+    QVERIFY(desk.error()->isVisible());
+    QCOMPARE(desk.error()->text(), u"Not enough money"_s);
+    QCOMPARE(desk.edit(u"orderStopLoss"_s)->text(), u"1.05"_s);
+    QVERIFY(desk.buy()->isEnabled());
+    QCOMPARE(sounds.size(), 1);
+    QCOMPARE(sounds.at(0).at(0).value<SoundKind>(), SoundKind::Error);
+    // A key meant for another window must not place the order again.
+    QCOMPARE(desk.dialog->focusWidget(), desk.part<DecimalSpinBox>(u"orderVolume"_s));
+    // The next order can be left in the same way.
+    QTest::mouseClick(desk.buy(), Qt::LeftButton);
+    QTRY_COMPARE(desk.server.heldCount(), 1);
+    desk.dialog->close();
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    QVERIFY(desk.dialog && !desk.dialog->isVisible());
+    desk.server.release(StubAnswer::message(u"Still not"_s, 400));
+    QTRY_COMPARE(desk.error()->text(), u"Still not"_s);
+    desk.dialog->close();
+    QTRY_VERIFY(!desk.dialog);
+}
+
+void TestOrderDialog::closedWhileSendingItComesBackWhenNobodyKnows()
+{
+    Desk desk;
+    desk.server.on("POST", placePath, StubAnswer::held());
     QSignalSpy placed(desk.dialog, &OrderDialog::orderPlaced);
     QSignalSpy unknown(desk.dialog, &OrderDialog::outcomeUnknown);
     QTest::mouseClick(desk.buy(), Qt::LeftButton);
     QTRY_COMPARE(desk.server.heldCount(), 1);
+    desk.dialog->close();
+    desk.server.release(StubAnswer::html("<h1>Gateway</h1>", 504));
+    QTRY_COMPARE(unknown.size(), 1);
+    QVERIFY(desk.dialog->isVisible());
+    QVERIFY(desk.error()->isVisible());
+    QCOMPARE(placed.size(), 0);
+}
+
+void TestOrderDialog::closedTwiceWhileSendingItGivesUpTheWait()
+{
+    Desk desk;
+    desk.server.on("POST", placePath, StubAnswer::held());
+    QSignalSpy placed(desk.dialog, &OrderDialog::orderPlaced);
+    QSignalSpy unknown(desk.dialog, &OrderDialog::outcomeUnknown);
+    QSignalSpy finished(desk.dialog, &QDialog::finished);
+    QTest::mouseClick(desk.buy(), Qt::LeftButton);
+    QTRY_COMPARE(desk.server.heldCount(), 1);
+    desk.dialog->close();
+    QCOMPARE(unknown.size(), 0);
+    desk.dialog->show();
+    QVERIFY(!desk.buy()->isEnabled());
     QTest::keyClick(desk.dialog, Qt::Key_Escape);
     QTRY_VERIFY(!desk.dialog);
     QCOMPARE(unknown.size(), 1);
+    QCOMPARE(finished.size(), 1);
     desk.server.release(StubAnswer::json("{}"));
     QCoreApplication::processEvents();
     QCOMPARE(placed.size(), 0);
+}
+
+void TestOrderDialog::aSecondPressOfTheSpaceBarPressesNothingElse()
+{
+    Desk desk;
+    desk.server.on("POST", placePath, StubAnswer::held());
+    desk.click(u"Limit Order"_s);
+    desk.type(u"orderPrice"_s, u"1.07"_s);
+    for (QPushButton* button : {desk.sell(), desk.buy()}) {
+        button->setFocus();
+        QTest::keyClick(button, Qt::Key_Space);
+        QTRY_COMPARE(desk.server.heldCount(), 1);
+        QVERIFY(!qobject_cast<QPushButton*>(desk.dialog->focusWidget()));
+        QTest::keyClick(desk.dialog->focusWidget(), Qt::Key_Space);
+        QVERIFY(desk.dialog->isVisible());
+        QVERIFY(desk.button(u"Limit Order"_s)->isChecked());
+        desk.server.release(StubAnswer::message(u"No"_s, 400));
+        QTRY_VERIFY(desk.error()->isVisible());
+        QCOMPARE(desk.dialog->focusWidget(), button);
+    }
 }
 
 void TestOrderDialog::aWindowDestroyedWhileSendingDoesNoHarm()
@@ -570,6 +719,10 @@ void TestOrderDialog::unitsFollowPricesNotTheSpinBox()
     QCOMPARE(desk.units()->text(), u"1000 EURUSD"_s);
     desk.quote(R"({"EURUSD":{"bid":1.1,"ask":1.2}})");
     QCOMPARE(desk.units()->text(), u"200000 EURUSD"_s);
+    desk.combo(u"orderSymbol"_s)->setCurrentIndex(1);
+    QCOMPARE(desk.units()->text(), u"200000 EURUSD"_s);
+    desk.quote(R"({"GOLD":{"bid":1900,"ask":1901}})");
+    QCOMPARE(desk.units()->text(), u"200 GOLD"_s);
 }
 
 void TestOrderDialog::anUnusableContractSizeCountsAsOne_data()
@@ -693,6 +846,117 @@ void TestOrderDialog::sizesHoldUnderBothThemes()
     QCOMPARE(picture.pixelColor(210, 10), QColor(u"#ffffff"_s));
     if (const QString folder = qEnvironmentVariable("TAVORAN_PICTURES"); !folder.isEmpty())
         desk.dialog->grab().save(folder + (dark ? "/order-dark.png"_L1 : "/order-light.png"_L1));
+}
+
+void TestOrderDialog::whatPopsUpIsLegibleUnderBothThemes_data()
+{
+    sizesHoldUnderBothThemes_data();
+}
+
+void TestOrderDialog::whatPopsUpIsLegibleUnderBothThemes()
+{
+    QFETCH(bool, dark);
+    setTheme(dark);
+    applyTheme(*qApp);
+    const Desk desk;
+    QPushButton* stopLimit = desk.button(u"Stop Limit Order"_s);
+    QHelpEvent hover(QEvent::ToolTip, QPoint(5, 5), stopLimit->mapToGlobal(QPoint(5, 5)));
+    QApplication::sendEvent(stopLimit, &hover);
+    QWidget* tip = nullptr;
+    for (QWidget* widget : QApplication::topLevelWidgets()) {
+        if (widget->inherits("QTipLabel") && widget->isVisible())
+            tip = widget;
+    }
+    QVERIFY(tip);
+    const QRect text = tip->rect().adjusted(3, 3, -3, -3);
+    QCOMPARE_GE(contrast(tip->grab(text).toImage()), 130);
+    QToolTip::hideText();
+
+    QComboBox* symbols = desk.combo(u"orderSymbol"_s);
+    symbols->showPopup();
+    QAbstractItemView* list = symbols->view();
+    QTRY_VERIFY(list->isVisible());
+    for (int row = 0; row < 3; ++row) {
+        const QRect place = list->visualRect(list->model()->index(row, 0));
+        QTRY_VERIFY(list->viewport()->rect().contains(list->visualRect(list->model()->index(row, 0))));
+        QCOMPARE_GE(contrast(list->viewport()->grab(place).toImage()), 130);
+    }
+    symbols->hidePopup();
+}
+
+void TestOrderDialog::aLongSymbolListScrolls()
+{
+    QJsonArray many;
+    for (int i = 0; i < 500; ++i)
+        many.append(QJsonObject{{"name"_L1, u"S%1"_s.arg(i)}});
+    const Desk desk({}, many);
+    QComboBox* symbols = desk.combo(u"orderSymbol"_s);
+    symbols->showPopup();
+    QTRY_VERIFY(symbols->view()->isVisible());
+    QCOMPARE_LE(symbols->view()->height(), 320);
+    QVERIFY(symbols->view()->verticalScrollBar()->isVisible());
+    symbols->hidePopup();
+}
+
+void TestOrderDialog::partsHaveTheirPlacesAndStyles()
+{
+    const Desk desk;
+    QVERIFY(desk.dialog->styleSheet().endsWith(
+        u"OrderDialog{background:#ffffff;}QLabel{color:#222;} QLineEdit,QComboBox,QDoubleSpinBox"
+        "{background:#ffffff;color:#222;border:1px solid #b7b7b7;padding:3px;}"_s));
+    const auto* columns = desk.dialog->layout();
+    QCOMPARE(columns->contentsMargins(), QMargins());
+    QCOMPARE(columns->spacing(), 0);
+    QCOMPARE(columns->count(), 3);
+
+    const QWidget* left = columns->itemAt(0)->widget();
+    QCOMPARE(left->styleSheet(), u"background:#f3f3f3;"_s);
+    QCOMPARE(left->layout()->contentsMargins(), QMargins(8, 12, 8, 12));
+    QCOMPARE(left->layout()->spacing(), 2);
+    for (const QString& text :
+        {u"Market Execution"_s, u"Limit Order"_s, u"Stop Order"_s, u"Stop Limit Order"_s}) {
+        QVERIFY(desk.button(text)->isCheckable());
+        QCOMPARE(desk.button(text)->cursor().shape(), Qt::PointingHandCursor);
+        QCOMPARE(desk.button(text)->styleSheet(),
+            u"QPushButton{ text-align:left; padding:8px 10px; border:none;background:transparent; "
+            u"color:#222; }"
+            "QPushButton:checked{ background:#ffffff; border-left:3px solid #0e639c;font-weight:bold; }"
+            "QPushButton:hover{ background:#e8e8e8; }"_s);
+    }
+    for (const QString& text : {u"One Click Trading"_s, u"Tick Chart"_s, u"Depth of Market"_s, u"Minimize"_s})
+        QCOMPARE(desk.button(text)->styleSheet(),
+            u"QPushButton{ text-align:left; padding:6px 10px; border:none;background:transparent; "
+            u"color:#444; }"
+            " QPushButton:hover{ background:#e8e8e8; }"_s);
+
+    const QWidget* form = columns->itemAt(1)->widget();
+    QCOMPARE(form->layout()->contentsMargins(), QMargins(24, 20, 24, 16));
+    const auto* fields = form->findChild<QFormLayout*>();
+    QCOMPARE(fields->horizontalSpacing(), 9);
+    QCOMPARE(fields->verticalSpacing(), 9);
+    QCOMPARE(fields->labelAlignment(), Qt::AlignRight | Qt::AlignVCenter);
+    QStringList captions;
+    for (int row = 0; row < fields->rowCount(); ++row) {
+        const QLayoutItem* label = fields->itemAt(row, QFormLayout::LabelRole);
+        captions.append(qobject_cast<QLabel*>(label->widget())->text());
+    }
+    QCOMPARE(captions,
+        (QStringList{
+            u"Symbol:"_s, u"Volume:"_s, u"Stop Loss:"_s, u"Take Profit:"_s, u"Price:"_s, u"Comment:"_s}));
+    QCOMPARE(desk.units()->styleSheet(), u"color:#888;"_s);
+    QCOMPARE(desk.prices()->styleSheet(), u"font-size:26pt; font-weight:bold; color:#222;"_s);
+    QCOMPARE(desk.prices()->alignment(), Qt::AlignCenter);
+    QCOMPARE(desk.error()->styleSheet(), u"color:#c0392b;"_s);
+    QVERIFY(desk.error()->wordWrap());
+    const QString button
+        = u"QPushButton{background:#e8edf3;border:1px solid #b7c6d6;color:%1;font-weight:bold;}"
+          "QPushButton:hover{background:#dde6f0;}"_s;
+    QCOMPARE(desk.sell()->styleSheet(), button.arg(u"#c0392b"_s));
+    QCOMPARE(desk.buy()->styleSheet(), button.arg(u"#1f6fb2"_s));
+    QCOMPARE(desk.sell()->minimumHeight(), 34);
+    QCOMPARE_LT(desk.sell()->x(), desk.buy()->x());
+    QCOMPARE(columns->itemAt(2)->widget(), desk.ticks());
+    QVERIFY(!desk.dialog->windowIcon().isNull());
 }
 
 TAVORAN_TEST_MAIN(TestOrderDialog)

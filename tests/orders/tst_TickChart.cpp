@@ -47,6 +47,7 @@ private Q_SLOTS:
     void aConstantPriceLiesInTheMiddle();
     void noRoomDrawsNothing();
     void bothLinesAndTagsArePainted();
+    void scaleAndTagsCarryTheirNumbers();
     void theBidLiesOnTop();
     void isWhiteUnderAnyTheme();
     void hasItsSizeAndDigits();
@@ -196,6 +197,40 @@ void TestTickChart::bothLinesAndTagsArePainted()
     QVERIFY(geometry);
     QCOMPARE(picture.pixelColor(geometry->tagBox(chart.asks().last()).topLeft()), QColor(u"#dd3333"_s));
     QCOMPARE(picture.pixelColor(geometry->tagBox(chart.bids().last()).topLeft()), QColor(u"#3366cc"_s));
+}
+
+void TestTickChart::scaleAndTagsCarryTheirNumbers()
+{
+    TickChartWidget chart;
+    chart.resize(chartSize);
+    chart.append(1.0, 1.5);
+    chart.append(1.0, 1.5);
+    const auto geometry = TickChartGeometry::of(chart.size(), chart.bids(), chart.asks());
+    QVERIFY(geometry);
+    // Columns from the left edge of a box to the last one that holds something.
+    const auto written = [](const QImage& picture, const QRect& box) {
+        const QColor paper = picture.pixelColor(box.topLeft());
+        int last = 0;
+        for (int x = box.left(); x <= box.right(); ++x) {
+            for (int y = box.top(); y <= box.bottom(); ++y)
+                last = picture.pixelColor(x, y) == paper ? last : x - box.left() + 1;
+        }
+        return last;
+    };
+    const QImage coarse = pictureOf(chart);
+    chart.setDigits(5);
+    const QImage fine = pictureOf(chart);
+    // The lowest and the highest step lie clear of the tags.
+    for (const int step : {0, 4}) {
+        const QRect box = geometry->scaleLabelBox(geometry->scaleStep(step).y) & coarse.rect();
+        QVERIFY(written(coarse, box) > 10);
+        QVERIFY(written(fine, box) > written(coarse, box) + 5);
+    }
+    for (const double value : {1.0, 1.5}) {
+        const QRect box = geometry->tagBox(value).adjusted(1, 1, -1, -1);
+        QVERIFY(written(coarse, box) > 10);
+        QVERIFY(written(fine, box) > written(coarse, box));
+    }
 }
 
 void TestTickChart::theBidLiesOnTop()

@@ -1,0 +1,235 @@
+#include "orders/OrderForm.h"
+
+#include "app/DecimalEdit.h"
+#include "app/DecimalSpinBox.h"
+#include "app/ServerText.h"
+
+#include <QAbstractItemView>
+#include <QComboBox>
+#include <QFormLayout>
+#include <QJsonArray>
+#include <QJsonObject>
+#include <QLabel>
+#include <QPushButton>
+#include <QVBoxLayout>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+QString buttonStyle(QLatin1StringView color)
+{
+    return "QPushButton{background:#e8edf3;border:1px solid #b7c6d6;color:%1;font-weight:bold;}"
+           "QPushButton:hover{background:#dde6f0;}"_L1.arg(color);
+}
+
+QString typeSuffix(OrderType type)
+{
+    switch (type) {
+    case OrderType::Market:
+        return OrderForm::tr("by Market");
+    case OrderType::Limit:
+        return OrderForm::tr("Limit");
+    case OrderType::Stop:
+        return OrderForm::tr("Stop");
+    case OrderType::StopLimit:
+        break;
+    }
+    return OrderForm::tr("Stop Limit");
+}
+
+} // namespace
+
+OrderForm::OrderForm(const QJsonArray& symbols, const QString& initialSymbol, QWidget* parent)
+    : QWidget(parent)
+    , m_symbolCombo(new QComboBox)
+    , m_volume(new DecimalSpinBox)
+    , m_units(plainLabel({}))
+    , m_stopLoss(new DecimalEdit)
+    , m_takeProfit(new DecimalEdit)
+    , m_price(new DecimalEdit)
+    , m_comment(new QComboBox)
+    , m_priceDisplay(plainLabel({}))
+    , m_error(plainLabel({}))
+    , m_sell(new QPushButton)
+    , m_buy(new QPushButton)
+{
+    auto* column = new QVBoxLayout(this);
+    column->setContentsMargins(24, 20, 24, 16);
+    column->addLayout(buildFields());
+    column->addStretch();
+    m_priceDisplay->setObjectName("priceDisplay"_L1);
+    m_priceDisplay->setAlignment(Qt::AlignCenter);
+    m_priceDisplay->setStyleSheet("font-size:26pt; font-weight:bold; color:#222;"_L1);
+    column->addWidget(m_priceDisplay);
+    column->addStretch();
+    m_error->setObjectName("orderError"_L1);
+    m_error->setWordWrap(true);
+    m_error->setStyleSheet("color:#c0392b;"_L1);
+    m_error->hide();
+    column->addWidget(m_error);
+    column->addLayout(buildButtons());
+
+    fillSymbols(symbols, initialSymbol);
+    setOrderType(OrderType::Market);
+    showPrices({});
+    connect(m_symbolCombo, &QComboBox::currentIndexChanged, this, &OrderForm::symbolChanged);
+    connect(m_sell, &QPushButton::clicked, this, [this] { Q_EMIT placeRequested(OrderSide::Sell); });
+    connect(m_buy, &QPushButton::clicked, this, [this] { Q_EMIT placeRequested(OrderSide::Buy); });
+}
+
+QFormLayout* OrderForm::buildFields()
+{
+    // A list that drops down and scrolls; one that pops over the field would fill the screen. Said before
+    // the list exists, since it is built for one or the other.
+    m_symbolCombo->setStyleSheet("QComboBox{combobox-popup:0;}"_L1);
+    m_symbolCombo->view()->setVerticalScrollBarPolicy(Qt::ScrollBarAsNeeded);
+    m_symbolCombo->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
+    m_symbolCombo->setMinimumContentsLength(20);
+    m_stopLoss->setText(u"0.00"_s);
+    m_takeProfit->setText(u"0.00"_s);
+    m_comment->setEditable(true);
+    m_comment->setInsertPolicy(QComboBox::NoInsert);
+
+    auto* form = new QFormLayout;
+    form->setSpacing(9);
+    form->setLabelAlignment(Qt::AlignRight | Qt::AlignVCenter);
+    form->setFieldGrowthPolicy(QFormLayout::AllNonFixedFieldsGrow);
+    addField(form, tr("Symbol:"), m_symbolCombo, u"orderSymbol"_s);
+    addField(form, tr("Volume:"), buildVolumeRow(), u"orderVolumeRow"_s)->setBuddy(m_volume);
+    addField(form, tr("Stop Loss:"), m_stopLoss, u"orderStopLoss"_s);
+    addField(form, tr("Take Profit:"), m_takeProfit, u"orderTakeProfit"_s);
+    m_priceLabel = addField(form, tr("Price:"), m_price, u"orderPrice"_s);
+    addField(form, tr("Comment:"), m_comment, u"orderComment"_s);
+    return form;
+}
+
+QWidget* OrderForm::buildVolumeRow()
+{
+    m_volume->setObjectName("orderVolume"_L1);
+    m_volume->setAccessibleName(tr("Volume"));
+    m_volume->setRange(0.01, 1000.0);
+    m_volume->setSingleStep(0.01);
+    m_volume->setDecimals(2);
+    m_volume->setValue(0.01);
+    m_units->setObjectName("orderUnits"_L1);
+    m_units->setStyleSheet("color:#888;"_L1);
+    auto* row = new QWidget;
+    auto* layout = new QHBoxLayout(row);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->addWidget(m_volume);
+    layout->addWidget(m_units);
+    layout->addStretch();
+    return row;
+}
+
+QLabel* OrderForm::addField(QFormLayout* form, const QString& caption, QWidget* field, const QString& name)
+{
+    field->setObjectName(name);
+    field->setAccessibleName(QString(caption).remove(u':'));
+    auto* label = plainLabel(caption);
+    label->setBuddy(field);
+    form->addRow(label, field);
+    return label;
+}
+
+QLayout* OrderForm::buildButtons()
+{
+    auto* row = new QHBoxLayout;
+    m_sell->setObjectName("orderSell"_L1);
+    m_sell->setStyleSheet(buttonStyle("#c0392b"_L1));
+    m_buy->setObjectName("orderBuy"_L1);
+    m_buy->setStyleSheet(buttonStyle("#1f6fb2"_L1));
+    for (QPushButton* button : {m_sell, m_buy}) {
+        // Enter pressed in a field must not place an order.
+        button->setAutoDefault(false);
+        button->setMinimumHeight(34);
+        row->addWidget(button);
+    }
+    return row;
+}
+
+void OrderForm::fillSymbols(const QJsonArray& symbols, const QString& initialSymbol)
+{
+    for (const auto& value : symbols) {
+        const QJsonObject record = value.toObject();
+        const QString name = record.value("name"_L1).toString();
+        if (!name.isEmpty())
+            m_symbolCombo->addItem(
+                tr("%1, %2").arg(oneLine(name), oneLine(record.value("description"_L1).toString())), name);
+    }
+    const int initial = initialSymbol.isEmpty() ? -1 : m_symbolCombo->findData(initialSymbol);
+    if (initial >= 0)
+        m_symbolCombo->setCurrentIndex(initial);
+}
+
+QString OrderForm::symbol() const
+{
+    return m_symbolCombo->currentData().toString();
+}
+
+double OrderForm::lots() const
+{
+    return m_volume->value();
+}
+
+OrderTicket OrderForm::ticket() const
+{
+    return {
+        .symbol = symbol(),
+        .lots = lots(),
+        .triggerPrice = m_price->value(),
+        .stopLoss = m_stopLoss->value(),
+        .takeProfit = m_takeProfit->value(),
+        .comment = m_comment->currentText(),
+    };
+}
+
+void OrderForm::setOrderType(OrderType type)
+{
+    const bool pending = type != OrderType::Market;
+    m_priceLabel->setVisible(pending);
+    m_price->setVisible(pending);
+    m_sell->setText(tr("Sell %1").arg(typeSuffix(type)));
+    m_buy->setText(tr("Buy %1").arg(typeSuffix(type)));
+}
+
+void OrderForm::showPrices(const QString& text)
+{
+    m_priceDisplay->setText(text.isEmpty() ? u"— / —"_s : text);
+}
+
+void OrderForm::showUnits(const QString& text)
+{
+    m_units->setText(text);
+}
+
+void OrderForm::showError(const QString& text)
+{
+    m_error->setText(text);
+    m_error->setVisible(!text.isEmpty());
+}
+
+void OrderForm::setSending(bool sending)
+{
+    if (sending) {
+        // Taken here, the focus does not slip to the next button that is still enabled: a second press
+        // of the space bar would press that one.
+        m_focusBefore = focusWidget();
+        setFocus();
+        setCursor(Qt::BusyCursor);
+    }
+    for (QWidget* widget : std::initializer_list<QWidget*>{
+             m_symbolCombo, m_volume, m_stopLoss, m_takeProfit, m_price, m_comment, m_sell, m_buy})
+        widget->setEnabled(!sending);
+    if (!sending) {
+        unsetCursor();
+        if (m_focusBefore && window()->focusWidget() == this)
+            m_focusBefore->setFocus();
+    }
+}
+
+void OrderForm::focusVolume()
+{
+    m_volume->setFocus();
+}
