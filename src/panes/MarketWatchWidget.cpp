@@ -37,6 +37,16 @@ Tick tickOf(double price, double last)
     return price > last ? Tick::Up : Tick::Down;
 }
 
+// Stretched, a column never gets narrower than it was before; an ordinary width would put its end out of
+// sight in a narrow dock.
+void stretchLastColumn(QTreeWidget* list)
+{
+    constexpr int narrowest = 60;
+    list->header()->setStretchLastSection(false);
+    list->setColumnWidth(list->columnCount() - 1, narrowest);
+    list->header()->setStretchLastSection(true);
+}
+
 } // namespace
 
 MarketWatchWidget::MarketWatchWidget(QWidget* parent)
@@ -80,10 +90,10 @@ void MarketWatchWidget::buildLists()
     m_list->setRootIsDecorated(false);
     m_list->setUniformRowHeights(true);
     m_list->setAllColumnsShowFocus(true);
+    stretchLastColumn(m_list);
     m_list->setColumnWidth(QuoteItem::Symbol, 96);
     m_list->setColumnWidth(QuoteItem::Bid, 70);
     m_list->setColumnWidth(QuoteItem::Ask, 70);
-    m_list->header()->setStretchLastSection(true);
     m_list->installEventFilter(this);
     m_list->viewport()->installEventFilter(this);
 
@@ -91,8 +101,8 @@ void MarketWatchWidget::buildLists()
     m_details->setAccessibleName(tr("Details"));
     m_details->setHeaderLabels({tr("Property"), tr("Value")});
     m_details->setRootIsDecorated(false);
+    stretchLastColumn(m_details);
     m_details->setColumnWidth(0, 130);
-    m_details->header()->setStretchLastSection(true);
 }
 
 QString MarketWatchWidget::currentSymbol() const
@@ -101,11 +111,6 @@ QString MarketWatchWidget::currentSymbol() const
     if (!item)
         item = m_list->topLevelItem(0);
     return item ? item->text(QuoteItem::Symbol) : QString();
-}
-
-QAbstractItemModel& MarketWatchWidget::quotes() const
-{
-    return *m_list->model();
 }
 
 // The toolkit reports one double-click as a double-click and, depending on the style, as one or two
@@ -146,11 +151,11 @@ void MarketWatchWidget::setSymbols(const QJsonArray& symbols)
     for (const QJsonObject& record : records)
         appendSymbol(record);
 
-    const auto kept = m_symbolRows.constFind(currentName);
-    if (kept != m_symbolRows.cend()) {
+    if (const auto kept = m_symbolRows.constFind(currentName); kept != m_symbolRows.cend())
         m_list->setCurrentItem(kept->item);
-        m_list->verticalScrollBar()->setValue(scrolled);
-    }
+    // Laid out first: the scroll bar has no range before.
+    m_list->doItemsLayout();
+    m_list->verticalScrollBar()->setValue(scrolled);
     if (m_pages->currentIndex() == DetailsPage)
         showDetails(currentSymbol());
 }

@@ -16,10 +16,10 @@ QuoteLook QuoteLook::forCurrentTheme()
 }
 
 QuoteItem::QuoteItem(const QuoteLook& look, const QString& name, const QString& description, int digits)
-    : m_look(look)
+    : QTreeWidgetItem({name, QString(), QString(), QString()})
+    , m_look(look)
     , m_digits(clampDigits(digits))
 {
-    setText(Symbol, name);
     if (!description.isEmpty())
         setToolTip(Symbol, plainToolTip(description));
 }
@@ -55,6 +55,7 @@ QVariant QuoteItem::data(int column, int role) const
     }
     switch (role) {
     case Qt::DisplayRole:
+    case Qt::EditRole:
         return textOf(column);
     case Qt::ForegroundRole:
         return brushOf(column);

@@ -20,6 +20,39 @@ namespace {
 
 constexpr int defaultDigits = 5;
 
+// Wide enough for a time to the second.
+constexpr int timeWidth = 140;
+
+/// Columns take what their content needs, so that the profit at the end is in sight in an ordinary window.
+/// The last one takes the rest.
+void setWidths(QTreeWidget* list, const QList<int>& widths)
+{
+    for (int column = 0; column < widths.size(); ++column)
+        list->setColumnWidth(column, widths.at(column));
+}
+
+/// Remembers where a list is scrolled to and goes back there when it has been filled anew.
+class ScrollKeeper final {
+    Q_DISABLE_COPY_MOVE(ScrollKeeper)
+
+public:
+    explicit ScrollKeeper(QTreeWidget* list)
+        : m_list(list)
+        , m_value(list->verticalScrollBar()->value())
+    {
+    }
+    ~ScrollKeeper()
+    {
+        // Laid out first: the scroll bar has no range before.
+        m_list->doItemsLayout();
+        m_list->verticalScrollBar()->setValue(m_value);
+    }
+
+private:
+    QTreeWidget* m_list;
+    int m_value;
+};
+
 QTreeWidget* makeList(const QString& name, const QStringList& headers)
 {
     auto* list = new QTreeWidget;
@@ -60,6 +93,8 @@ void TerminalPane::buildLists()
     m_history = makeList(u"historyList"_s,
         {tr("Symbol"), tr("Ticket"), tr("Open Time"), tr("Type"), tr("Volume"), tr("Price"), tr("S / L"),
             tr("T / P"), tr("Close Time"), tr("Price"), tr("Commission"), tr("Swap"), tr("Profit")});
+    setWidths(m_trades, {80, 76, timeWidth, 76, 60, 80, 76, 76, 80, 92, 64});
+    setWidths(m_history, {80, 76, timeWidth, 76, 60, 80, 76, 76, timeWidth, 80, 92, 64});
     m_experts = new LogList(LogList::Clock::Seconds);
     m_experts->setObjectName("expertsList"_L1);
     m_journal = new LogList(LogList::Clock::Milliseconds);
@@ -79,7 +114,6 @@ void TerminalPane::buildTradePage()
 {
     m_summary = new QLabel;
     m_summary->setObjectName("accountSummary"_L1);
-    m_summary->setAccessibleName(tr("Account summary"));
     m_summary->setTextFormat(Qt::RichText);
     m_summary->setStyleSheet("background:#1c1c1c; border:1px solid #1f1f1f; border-top:none;"
                              "padding:4px 8px; font-weight:bold;"_L1);
@@ -112,7 +146,7 @@ void TerminalPane::setOpenRows(
     // Refreshes come often: the trader's place in the list stays.
     const QTreeWidgetItem* current = m_trades->currentItem();
     const QString currentId = current ? recordOf(current).value("id"_L1).toString() : QString();
-    const int scrolled = m_trades->verticalScrollBar()->value();
+    const ScrollKeeper scroll(m_trades);
 
     m_digits = digits;
     m_trades->clear();
@@ -131,10 +165,8 @@ void TerminalPane::setOpenRows(
     m_trades->addTopLevelItems(items);
     indexRowsBySymbol();
 
-    if (TradeItem* kept = currentId.isEmpty() ? nullptr : m_rowById.value(currentId)) {
+    if (TradeItem* kept = currentId.isEmpty() ? nullptr : m_rowById.value(currentId))
         m_trades->setCurrentItem(kept);
-        m_trades->verticalScrollBar()->setValue(scrolled);
-    }
 }
 
 void TerminalPane::indexRowsBySymbol()
@@ -150,6 +182,7 @@ void TerminalPane::indexRowsBySymbol()
 
 void TerminalPane::setHistoryRows(const QJsonArray& rows, const QHash<QString, int>& digits)
 {
+    const ScrollKeeper scroll(m_history);
     m_history->clear();
     QList<QTreeWidgetItem*> items;
     items.reserve(rows.size());

@@ -160,6 +160,7 @@ void TestLogList::aRowTakesLittleMemory()
     for (int i = 0; i < rows; ++i)
         list.append(u"Trade"_s, u"Order placed: buy 0.10 EURUSD at 1.07123, number %1"_s.arg(i));
     QTRY_VERIFY(newestIsInSight(list));
+    QCOMPARE(list.topLevelItemCount(), rows + 1); // nothing is ever dropped
     const size_t each = (mallinfo2().uordblks - before) / rows;
     QVERIFY2(each <= 700, QByteArray::number(qulonglong(each)).constData());
     QVERIFY(each > 100);

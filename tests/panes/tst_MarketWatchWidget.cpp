@@ -3,9 +3,13 @@
 #include "panes/PaneIcons.h"
 #include "support/TestMain.h"
 
+#include <QAccessible>
+#include <QHeaderView>
 #include <QJsonArray>
 #include <QJsonDocument>
+#include <QLayout>
 #include <QProxyStyle>
+#include <QScrollBar>
 #include <QStackedWidget>
 #include <QTabBar>
 #include <QTreeWidget>
@@ -119,6 +123,8 @@ class TestMarketWatchWidget final : public QObject {
 private Q_SLOTS:
     void init();
     void looksAsPlanned();
+    void theDailyChangeFitsANarrowDock();
+    void everyReaderOfARowSeesItsPrices();
     void listsSymbolsInOrderWithoutPrices();
     void descriptionsNeverActAsRichText();
     void theFirstPriceHasNoDirection();
@@ -134,6 +140,7 @@ private Q_SLOTS:
     void digitsAreClampedAndDefaultToFive();
     void aNewListStartsFromNothing();
     void aNewListKeepsTheTradersPlace();
+    void aNewListStaysScrolledWhereItWas();
     void ofEqualNamesTheLastRowGetsThePrices();
     void oddListsDoNoHarm();
     void anUnchangedSnapshotPaintsNothing();
@@ -175,6 +182,51 @@ void TestMarketWatchWidget::looksAsPlanned()
     QCOMPARE(watch.tabs->count(), 3);
     QCOMPARE(watch.tabs->shape(), QTabBar::RoundedSouth);
     QVERIFY(!watch.tabs->expanding());
+    QCOMPARE(watch.tabs->tabText(0), u"Symbols"_s);
+    QCOMPARE(watch.tabs->tabText(1), u"Details"_s);
+    QCOMPARE(watch.tabs->tabText(2), u"Ticks"_s);
+    QCOMPARE(watch.details->headerItem()->text(0), u"Property"_s);
+    QCOMPARE(watch.details->headerItem()->text(1), u"Value"_s);
+    QVERIFY(!watch.details->rootIsDecorated());
+    QCOMPARE(watch.widget.layout()->contentsMargins(), QMargins());
+    QCOMPARE(watch.widget.layout()->spacing(), 0);
+}
+
+void TestMarketWatchWidget::theDailyChangeFitsANarrowDock()
+{
+    Watch watch;
+    QVERIFY(QTest::qWaitForWindowExposed(&watch.widget));
+    for (const int width : {600, 400, 310}) {
+        watch.widget.resize(width, 300);
+        QTRY_COMPARE(watch.list->header()->length(), watch.list->header()->viewport()->width());
+        QCOMPARE(watch.list->columnWidth(1), 70);
+    }
+    watch.tabs->setCurrentIndex(1);
+    watch.widget.resize(200, 300);
+    QTRY_COMPARE(watch.details->header()->length(), watch.details->header()->viewport()->width());
+    QCOMPARE(watch.details->columnWidth(0), 130);
+}
+
+// The rows hold numbers and make texts when asked: by the view, by a screen reader, by a copy of the cell.
+void TestMarketWatchWidget::everyReaderOfARowSeesItsPrices()
+{
+    Watch watch;
+    watch.quote("1.1", "1.2");
+    watch.quote("1.05", "1.3");
+    QTreeWidgetItem* item = watch.row(u"EURUSD"_s);
+    QCOMPARE(item->columnCount(), 4);
+    const QStringList wanted{u"EURUSD"_s, u"1.05000"_s, u"1.30000"_s, u"+5.00%"_s};
+    const int row = watch.list->indexOfTopLevelItem(item);
+    for (int column = 0; column < 4; ++column) {
+        const QModelIndex index = watch.list->model()->index(row, column);
+        QCOMPARE(item->text(column), wanted.at(column));
+        QCOMPARE(index.data(Qt::DisplayRole).toString(), wanted.at(column));
+        QCOMPARE(index.data(Qt::EditRole).toString(), wanted.at(column));
+    }
+    QAccessibleInterface* list = QAccessible::queryAccessibleInterface(watch.list);
+    QVERIFY(list && list->tableInterface());
+    for (int column = 0; column < 4; ++column)
+        QCOMPARE(list->tableInterface()->cellAt(row, column)->text(QAccessible::Name), wanted.at(column));
 }
 
 void TestMarketWatchWidget::listsSymbolsInOrderWithoutPrices()
@@ -372,6 +424,25 @@ void TestMarketWatchWidget::aNewListKeepsTheTradersPlace()
     QCOMPARE(watch.widget.currentSymbol(), u"OIL"_s);
     watch.widget.setSymbols(parseArray(R"([{"name":"A"},{"name":"B"}])"));
     QCOMPARE(watch.widget.currentSymbol(), u"A"_s);
+}
+
+void TestMarketWatchWidget::aNewListStaysScrolledWhereItWas()
+{
+    QJsonArray many;
+    for (int i = 0; i < 200; ++i)
+        many.append(QJsonObject{{"name"_L1, u"S%1"_s.arg(i)}, {"sortOrder"_L1, i}});
+    for (const bool withCurrentRow : {false, true}) {
+        Watch watch;
+        watch.widget.setSymbols(many);
+        if (withCurrentRow)
+            watch.list->setCurrentItem(watch.list->topLevelItem(7));
+        watch.list->scrollToItem(watch.list->topLevelItem(120), QAbstractItemView::PositionAtTop);
+        const int scrolled = watch.list->verticalScrollBar()->value();
+        QVERIFY(scrolled > 0);
+        watch.widget.setSymbols(many);
+        QCoreApplication::processEvents();
+        QCOMPARE(watch.list->verticalScrollBar()->value(), scrolled);
+    }
 }
 
 void TestMarketWatchWidget::ofEqualNamesTheLastRowGetsThePrices()

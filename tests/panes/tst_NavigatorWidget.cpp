@@ -207,8 +207,13 @@ void TestNavigatorWidget::iconsFollowTheTheme()
     QList<QImage> light;
     for (const QTreeWidgetItem* item : items)
         light.append(iconOf(item));
-    for (int i = 1; i < light.size(); ++i)
-        QVERIFY(light.at(i) != light.at(i - 1));
+    for (int i = 0; i < light.size(); ++i) {
+        for (int k = 0; k < i; ++k)
+            QVERIFY2(light.at(i) != light.at(k), qPrintable(items.at(i)->text(0)));
+    }
+    QCOMPARE(iconOf(navigator.indicators()), iconOf(navigator.accounts()));
+    QCOMPARE(iconOf(navigator.experts()), iconOf(navigator.experts()->child(0)));
+    QCOMPARE(iconOf(navigator.root()), appIcon().pixmap(16, 16).toImage());
     setTheme(true);
     applyTheme(*qApp);
     for (int i = 0; i < items.size(); ++i)

@@ -2,8 +2,11 @@
 #include "panes/TradeCells.h"
 #include "support/TestMain.h"
 
+#include <QAccessible>
+#include <QHeaderView>
 #include <QJsonDocument>
 #include <QLabel>
+#include <QScrollBar>
 #include <QTreeWidget>
 
 using namespace Qt::StringLiterals;
@@ -93,6 +96,8 @@ private Q_SLOTS:
     void unchangedPricesAndProfitsTellNoView();
     void aSecondFillLeavesNothingStale();
     void aRefillKeepsTheTradersPlace();
+    void aRefillStaysScrolledWhereItWas();
+    void timesAndProfitAreInSight();
     void ofEqualIdsTheLastRowGetsUpdates();
     void oddRowsDoNoHarm();
     void historyRowsAreFilledAndColoured();
@@ -101,6 +106,7 @@ private Q_SLOTS:
     void summaryProfitIsColoured_data();
     void summaryProfitIsColoured();
     void summaryIsLegibleWhateverTheTheme();
+    void screenReadersHearTheFigures();
     void logsHaveTheirOwnClocks();
     void logRowsAreOneLineAndPlain();
     void journalShowsItsNewestRow();
@@ -282,6 +288,52 @@ void TestTerminalPane::aRefillKeepsTheTradersPlace()
     QCOMPARE(toolbox.trades->currentItem(), nullptr);
 }
 
+void TestTerminalPane::aRefillStaysScrolledWhereItWas()
+{
+    Toolbox toolbox;
+    QJsonArray many;
+    for (int i = 0; i < 200; ++i)
+        many.append(QJsonObject{{"id"_L1, QString::number(i)}, {"status"_L1, "OPEN"_L1}});
+    toolbox.pane.setHistoryRows(many, {});
+    toolbox.pane.setOpenRows(many, {}, {});
+    const auto scrollTo = [](QTreeWidget* list, int row) {
+        list->scrollToItem(list->topLevelItem(row), QAbstractItemView::PositionAtTop);
+        return list->verticalScrollBar()->value();
+    };
+    for (const int current : {-1, 3}) {
+        toolbox.pane.setCurrentIndex(0);
+        toolbox.trades->setCurrentItem(toolbox.trades->topLevelItem(current));
+        const int scrolled = scrollTo(toolbox.trades, 120);
+        QVERIFY(scrolled > 0);
+        toolbox.pane.setOpenRows(many, {}, {});
+        QCoreApplication::processEvents();
+        QCOMPARE(toolbox.trades->verticalScrollBar()->value(), scrolled);
+    }
+    toolbox.pane.setCurrentIndex(1);
+    const int scrolled = scrollTo(toolbox.history, 90);
+    QVERIFY(scrolled > 0);
+    toolbox.pane.setHistoryRows(many, {});
+    QCoreApplication::processEvents();
+    QCOMPARE(toolbox.history->verticalScrollBar()->value(), scrolled);
+}
+
+void TestTerminalPane::timesAndProfitAreInSight()
+{
+    Toolbox toolbox;
+    toolbox.pane.resize(1024, 240);
+    QTRY_COMPARE(toolbox.trades->header()->length(), toolbox.trades->header()->viewport()->width());
+    const int time = toolbox.trades->fontMetrics().horizontalAdvance(u"2024.05.06 07:08:09"_s);
+    QCOMPARE_GE(toolbox.trades->columnWidth(TradeTime), time + 8);
+    QCOMPARE_GE(toolbox.history->columnWidth(HistoryOpenTime), time + 8);
+    QCOMPARE_GE(toolbox.history->columnWidth(HistoryCloseTime), time + 8);
+    for (const QTreeWidget* list : {toolbox.trades, toolbox.history}) {
+        for (int column = 0; column < list->columnCount(); ++column)
+            QVERIFY2(list->columnWidth(column)
+                    >= list->header()->fontMetrics().horizontalAdvance(list->headerItem()->text(column)) + 12,
+                qPrintable(list->headerItem()->text(column)));
+    }
+}
+
 void TestTerminalPane::ofEqualIdsTheLastRowGetsUpdates()
 {
     Toolbox toolbox;
@@ -385,6 +437,16 @@ void TestTerminalPane::summaryIsLegibleWhateverTheTheme()
     }
     qApp->setStyleSheet({});
     QVERIFY2(bright > 20, QByteArray::number(bright).constData());
+}
+
+void TestTerminalPane::screenReadersHearTheFigures()
+{
+    Toolbox toolbox;
+    toolbox.pane.setAccountSummary(100000, 101234.5, 50.12, 101184.38, 1234.5);
+    QAccessibleInterface* line = QAccessible::queryAccessibleInterface(toolbox.summary);
+    QVERIFY(line);
+    QVERIFY2(line->text(QAccessible::Name).contains(u"Equity: 101,234.50"_s),
+        qPrintable(line->text(QAccessible::Name)));
 }
 
 void TestTerminalPane::logsHaveTheirOwnClocks()
