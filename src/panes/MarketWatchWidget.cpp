@@ -113,6 +113,11 @@ QString MarketWatchWidget::currentSymbol() const
     return item ? item->text(QuoteItem::Symbol) : QString();
 }
 
+QAbstractItemModel& MarketWatchWidget::quotes() const
+{
+    return *m_list->model();
+}
+
 // The toolkit reports one double-click as a double-click and, depending on the style, as one or two
 // activations. A gesture begins with a fresh press of a button or key and is reported once.
 bool MarketWatchWidget::eventFilter(QObject* watched, QEvent* event)
