@@ -158,8 +158,6 @@ void MarketWatchWidget::setSymbols(const QJsonArray& symbols)
 
     if (const auto kept = m_symbolRows.constFind(currentName); kept != m_symbolRows.cend())
         m_list->setCurrentItem(kept->item);
-    // Laid out first: the scroll bar has no range before.
-    m_list->doItemsLayout();
     m_list->verticalScrollBar()->setValue(scrolled);
     if (m_pages->currentIndex() == DetailsPage)
         showDetails(currentSymbol());

@@ -41,12 +41,7 @@ public:
         , m_value(list->verticalScrollBar()->value())
     {
     }
-    ~ScrollKeeper()
-    {
-        // Laid out first: the scroll bar has no range before.
-        m_list->doItemsLayout();
-        m_list->verticalScrollBar()->setValue(m_value);
-    }
+    ~ScrollKeeper() { m_list->verticalScrollBar()->setValue(m_value); }
 
 private:
     QTreeWidget* m_list;

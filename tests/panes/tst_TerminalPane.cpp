@@ -315,6 +315,12 @@ void TestTerminalPane::aRefillStaysScrolledWhereItWas()
     toolbox.pane.setHistoryRows(many, {});
     QCoreApplication::processEvents();
     QCOMPARE(toolbox.history->verticalScrollBar()->value(), scrolled);
+    // Filled anew behind another tab.
+    toolbox.pane.setCurrentIndex(0);
+    toolbox.pane.setHistoryRows(many, {});
+    toolbox.pane.setCurrentIndex(1);
+    QCoreApplication::processEvents();
+    QCOMPARE(toolbox.history->verticalScrollBar()->value(), scrolled);
 }
 
 void TestTerminalPane::timesAndProfitAreInSight()
