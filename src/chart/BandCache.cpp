@@ -55,7 +55,8 @@ void copyWhole(QPainter& painter, const QPixmap& picture, qreal scale)
 
 bool isWhole(const ChartFrame& frame, const QRegion& exposed)
 {
-    return exposed.contains(QRect(QPoint(0, 0), frame.view.size())) && exposed.rectCount() == 1;
+    return exposed.rectCount() == 1
+        && exposed.boundingRect().contains(QRect(QPoint(0, 0), frame.view.size()));
 }
 
 /// Copies what of a picture lies in `exposed`.

@@ -3,6 +3,7 @@
 #include "chart/ChartFrame.h"
 #include "chart/ChartTexts.h"
 #include "chart/layers/CrosshairBoxes.h"
+#include "chart/layers/TickArea.h"
 
 #include <QMouseEvent>
 #include <QPaintEvent>
@@ -57,7 +58,7 @@ void ChartWidget::onTick(double bid, double ask, qint64 timeMs)
 {
     if (!isUsablePrice(bid) || !isUsablePrice(ask))
         return;
-    const bool quoteChanged = bid != m_bid || ask != m_ask;
+    const QuotedView before = quotedView();
     m_bid = bid;
     m_ask = ask;
     const TickEffect effect = m_series.foldTick(bid, ask, timeMs);
@@ -66,8 +67,13 @@ void ChartWidget::onTick(double bid, double ask, qint64 timeMs)
         if (m_viewState.autoScroll)
             m_viewState = atEnd();
     }
-    if (quoteChanged || effect != TickEffect::Nothing)
+    const bool quoteChanged = bid != before.bid || ask != before.ask;
+    if (!quoteChanged && effect == TickEffect::Nothing)
+        return;
+    if (effect == TickEffect::Appended)
         viewChanged();
+    else
+        newestBarChanged(before);
 }
 
 void ChartWidget::setTimeframeMs(qint64 ms)
@@ -199,6 +205,34 @@ void ChartWidget::viewChanged()
 {
     m_viewStale = true;
     update();
+}
+
+ChartWidget::QuotedView ChartWidget::quotedView() const
+{
+    // A hidden chart, and one whose view is to be worked out anew, is painted whole.
+    const bool usable = isVisible() && !m_viewStale && paintsWholePixels();
+    return {usable ? std::optional(m_view) : std::nullopt, m_largestVolume, m_bid, m_ask};
+}
+
+void ChartWidget::newestBarChanged(const QuotedView& before)
+{
+    m_viewStale = true;
+    if (!before.view || !(view() == *before.view)) {
+        update();
+        return;
+    }
+    QRegion changed = tickarea::newestBar(m_view);
+    changed += tickarea::barTexts(m_view);
+    for (const double price : {before.bid, before.ask, m_bid, m_ask})
+        changed += tickarea::quoteLine(m_view, price);
+    if (m_largestVolume != before.largestVolume)
+        changed += tickarea::volumes(m_view);
+    update(changed);
+}
+
+bool ChartWidget::paintsWholePixels() const
+{
+    return devicePixelRatioF() == std::floor(devicePixelRatioF());
 }
 
 void ChartWidget::refreshView() const
@@ -333,9 +367,7 @@ void ChartWidget::movePointer(const QPoint& position)
     const QPoint before = std::exchange(m_pointer, position);
     const bool wasInPlot = view().plot().contains(before);
     const bool isInPlot = pointerInPlot();
-    // Between device pixels, an area may be rounded to less than what is painted into it.
-    const bool wholePixels = devicePixelRatioF() == std::floor(devicePixelRatioF());
-    if (wasInPlot && isInPlot && !m_series.isEmpty() && wholePixels)
+    if (wasInPlot && isInPlot && !m_series.isEmpty() && paintsWholePixels())
         update(crosshair::area(view(), before) + crosshair::area(view(), position));
     else if (wasInPlot || isInPlot)
         update();

@@ -118,7 +118,19 @@ private:
         QPoint end = {-1, -1};
     };
 
+    /// What a tick may change, as it was before.
+    struct QuotedView {
+        std::optional<ChartView> view; ///< absent when only a whole frame will do
+        qint32 largestVolume = 1;
+        double bid = 0.0;
+        double ask = 0.0;
+    };
+
     void viewChanged();
+    [[nodiscard]] QuotedView quotedView() const;
+    void newestBarChanged(const QuotedView& before);
+    /// Between device pixels an area may be rounded to less than what is painted into it.
+    [[nodiscard]] bool paintsWholePixels() const;
     void refreshView() const;
     void applyView(const ViewState& state);
     void movePointer(const QPoint& position);

@@ -92,6 +92,7 @@ private Q_SLOTS:
     void pointer_and_ticks_within_the_range_paint_no_older_candle();
     void a_tick_beyond_the_range_paints_all();
     void a_pointer_move_paints_where_the_crosshair_was_and_is();
+    void a_tick_paints_what_tells_the_newest_bar();
     void colours_are_opaque_and_valid();
     void unknown_chart_types_are_candles();
     void the_lower_pane_takes_its_room();
@@ -514,6 +515,38 @@ void TestChartWidget::a_pointer_move_paints_where_the_crosshair_was_and_is()
     fixtures::leave(chart);
     QCOMPARE(paints.taken(), 1);
     QCOMPARE(paints.region(), QRegion(chart.rect()));
+}
+
+void TestChartWidget::a_tick_paints_what_tells_the_newest_bar()
+{
+    ChartWidget chart;
+    show(chart, 100);
+    std::vector<Candle> candles = wave(100);
+    candles.back().volume = 1;
+    chart.setCandles(candles);
+    const Candle& last = candles.back();
+    const double middle = (last.low + last.high) / 2;
+    chart.onTick(middle, middle, last.time);
+    PaintCounter paints(chart);
+    paints.taken();
+    chart.onTick(last.low, last.high, last.time);
+    QCOMPARE(paints.taken(), 1);
+    const ChartView& view = chart.view();
+    for (const QRect& part :
+        {QRect(324, 0, 76, 300), QRect(0, 0, 332, 18), QRect(0, view.pricePixel(middle), 332, 1),
+            QRect(0, view.pricePixel(last.low), 332, 1), QRect(0, view.pricePixel(last.high), 332, 1)})
+        QVERIFY((QRegion(part) - paints.region()).isEmpty());
+    int painted = 0;
+    for (const QRect& part : paints.region().intersected(QRect(0, 30, 300, 247)))
+        painted += part.width() * part.height();
+    QVERIFY(painted <= 4 * 300); // lines of the quotes, before and now
+
+    candles.back().volume = 1000;
+    chart.setCandles(candles);
+    paints.taken();
+    chart.onTick(last.low, last.high, last.time); // every bar of the histogram shrinks
+    QCOMPARE(paints.taken(), 1);
+    QVERIFY((QRegion(QRect(0, 278 - 39, 332, 39)) - paints.region()).isEmpty());
 }
 
 void TestChartWidget::colours_are_opaque_and_valid()

@@ -1,0 +1,39 @@
+#include "chart/layers/TickArea.h"
+
+#include "chart/ChartView.h"
+
+#include <algorithm>
+
+namespace {
+
+/// More than the baseline of the header and what hangs below it.
+constexpr int textRows = 24;
+/// The histogram takes less than one part in this many of the plot.
+constexpr int volumeShare = 5;
+
+} // namespace
+
+QRect tickarea::newestBar(const ChartView& view)
+{
+    const QRect& plot = view.plot();
+    // From the bar before, where the line of closes begins, and its whole width.
+    const int before = view.barPixel(view.count() - 2) - static_cast<int>(view.barWidth()) - 1;
+    const QPoint corner(std::clamp(before, plot.left(), plot.right() + 1), plot.top());
+    return {corner, QPoint(view.size().width() - 1, view.size().height() - 1)};
+}
+
+QRect tickarea::quoteLine(const ChartView& view, double price)
+{
+    return {view.plot().left(), view.pricePixel(price), view.plot().width(), 1};
+}
+
+QRect tickarea::barTexts(const ChartView& view)
+{
+    return {view.plot().left(), view.plot().top(), view.plot().width(), textRows};
+}
+
+QRect tickarea::volumes(const ChartView& view)
+{
+    const QRect& plot = view.plot();
+    return plot.adjusted(0, plot.height() - plot.height() / volumeShare, 0, 0);
+}

@@ -1,0 +1,19 @@
+#pragma once
+
+#include <QRegion>
+
+class ChartView;
+
+/// What a tick into the newest bar changes while the scales stay as they are.
+namespace tickarea {
+
+/// The newest bar and the price axis beside it, with all tags.
+[[nodiscard]] QRect newestBar(const ChartView& view);
+/// The line of a bid or ask at `price`.
+[[nodiscard]] QRect quoteLine(const ChartView& view, double price);
+/// The texts at the top that tell the newest bar's prices.
+[[nodiscard]] QRect barTexts(const ChartView& view);
+/// The bars of the volume histogram, which change together when its scale does.
+[[nodiscard]] QRect volumes(const ChartView& view);
+
+} // namespace tickarea
