@@ -22,7 +22,7 @@ struct SymbolSpec {
     std::string profitCurrency; ///< currency of price and profit: "USD" in EURUSD, "JPY" in USDJPY
     double maxLeverage = 100; ///< margin never uses a higher leverage than this, whatever the account allows
     double minLots = 0.01;
-    double maxLots = 100;
+    double maxLots = 1'000;
     double lotStep = 0.01;
 
     double basePrice = 1;           ///< the level the simulated price keeps returning to

@@ -24,8 +24,9 @@ FeedMessage priceUpdate(const std::vector<SymbolSpec>& symbols, std::span<const 
 
 } // namespace
 
-FeedHub::FeedHub(Platform& platform)
+FeedHub::FeedHub(Platform& platform, const Limits& limits)
     : m_platform(platform)
+    , m_limits(limits)
 {
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "practice/server/FeedSession.h"
+#include "practice/server/Limits.h"
 #include "practice/server/Platform.h"
 
 #include <memory>
@@ -13,11 +14,12 @@ namespace practice {
 /// Everybody on the feed. Each message is written out once and shared by all who get it.
 class FeedHub final : public PlatformListener {
 public:
-    explicit FeedHub(Platform& platform);
+    FeedHub(Platform& platform, const Limits& limits);
 
     void join(std::shared_ptr<FeedSession> session);
     void leave(const FeedSession& session);
 
+    [[nodiscard]] const Limits& limits() const { return m_limits; }
     [[nodiscard]] std::size_t symbolCount() const;
     /// The first message to a client: the symbols and their current prices.
     [[nodiscard]] FeedMessage hello() const;
@@ -36,6 +38,7 @@ private:
     [[nodiscard]] FeedMessage tradesOf(const std::string& userId) const;
 
     Platform& m_platform;
+    const Limits& m_limits;
     std::vector<std::shared_ptr<FeedSession>> m_sessions;
 };
 

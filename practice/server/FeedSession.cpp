@@ -25,10 +25,12 @@ bool isPing(const std::string& text)
 
 } // namespace
 
-FeedSession::FeedSession(beast::tcp_stream stream, FeedHub& hub, std::string userId)
+FeedSession::FeedSession(
+    beast::tcp_stream stream, FeedHub& hub, std::string userId, std::shared_ptr<void> ticket)
     : m_stream(std::move(stream))
     , m_hub(hub)
     , m_userId(std::move(userId))
+    , m_ticket(std::move(ticket))
     , m_incoming(longestIncoming * 2)
 {
 }
@@ -39,7 +41,7 @@ void FeedSession::start(Upgrade upgrade)
     m_stream.next_layer().expires_never();
     websocket::stream_base::timeout limits{};
     limits.handshake_timeout = std::chrono::seconds(15);
-    limits.idle_timeout = std::chrono::seconds(60);
+    limits.idle_timeout = m_hub.limits().feedSilence;
     limits.keep_alive_pings = true;
     m_stream.set_option(limits);
     m_stream.read_message_max(longestIncoming);
@@ -83,7 +85,7 @@ void FeedSession::onRead(boost::system::error_code error)
 
 void FeedSession::sendEvent(FeedMessage message)
 {
-    if (m_events.size() >= mostEvents)
+    if (m_events.size() >= m_hub.limits().feedEvents)
         return leave();
     m_events.push_back(std::move(message));
     pump();
@@ -150,7 +152,7 @@ void FeedSession::onWritten(boost::system::error_code error)
 
 void FeedSession::dropIfStalled()
 {
-    if (m_writing && std::chrono::steady_clock::now() - m_writingSince > stallLimit)
+    if (m_writing && std::chrono::steady_clock::now() - m_writingSince > m_hub.limits().feedStall)
         leave();
 }
 

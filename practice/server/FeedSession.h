@@ -29,7 +29,9 @@ public:
     using Stream = boost::beast::websocket::stream<boost::beast::tcp_stream>;
     using Upgrade = boost::beast::http::request<boost::beast::http::string_body>;
 
-    FeedSession(boost::beast::tcp_stream stream, FeedHub& hub, std::string userId);
+    /// `ticket` is kept until the connection ends.
+    FeedSession(
+        boost::beast::tcp_stream stream, FeedHub& hub, std::string userId, std::shared_ptr<void> ticket);
 
     /// Accepts the handshake, sends the hello and joins the hub.
     void start(Upgrade upgrade);
@@ -48,9 +50,6 @@ public:
 
     [[nodiscard]] const std::string& userId() const { return m_userId; }
 
-    static constexpr std::size_t mostEvents = 512;
-    static constexpr std::chrono::seconds stallLimit{20};
-
 private:
     void onAccepted(boost::system::error_code error);
     void read();
@@ -63,6 +62,7 @@ private:
     Stream m_stream;
     FeedHub& m_hub;
     std::string m_userId;
+    std::shared_ptr<void> m_ticket;
     boost::beast::flat_buffer m_incoming;
 
     std::deque<FeedMessage> m_events;

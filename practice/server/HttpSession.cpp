@@ -2,6 +2,7 @@
 
 #include "practice/server/Api.h"
 #include "practice/server/FeedSession.h"
+#include "practice/server/Limits.h"
 #include "practice/server/Router.h"
 #include "practice/server/Sessions.h"
 
@@ -29,8 +30,6 @@ namespace {
 
 constexpr std::uint32_t longestHeader = 16 * 1024;
 constexpr std::uint64_t longestBody = 64 * 1024;
-constexpr std::chrono::seconds idleLimit{75};
-constexpr std::chrono::seconds transferLimit{30};
 constexpr std::chrono::seconds lingerLimit{2};
 constexpr std::size_t lingerBytes = 1024 * 1024;
 constexpr const char* serverName = "tavoran-practice";
@@ -46,14 +45,16 @@ std::string_view view(beast::string_view text)
 /// One connection. Lives in the coroutine that serves it.
 class Connection final {
 public:
-    Connection(net::ip::tcp::socket socket, ServerParts parts)
+    Connection(net::ip::tcp::socket socket, ServerParts parts, std::shared_ptr<void> ticket)
         : m_stream(std::move(socket))
         , m_parts(parts)
+        , m_ticket(std::move(ticket))
         , m_buffer(longestHeader + longestBody)
     {
     }
 
     net::awaitable<void> serve();
+    net::awaitable<void> turnAway();
 
 private:
     net::awaitable<error_code> readRequest(RequestParser& parser);
@@ -65,6 +66,7 @@ private:
 
     beast::tcp_stream m_stream;
     ServerParts m_parts;
+    std::shared_ptr<void> m_ticket;
     beast::flat_buffer m_buffer;
 };
 
@@ -88,7 +90,8 @@ net::awaitable<void> Connection::serve()
         if (isFeed(request)) {
             auto user = feedUser(request);
             if (user) {
-                std::make_shared<FeedSession>(std::move(m_stream), m_parts.hub, std::move(*user))
+                std::make_shared<FeedSession>(
+                    std::move(m_stream), m_parts.hub, std::move(*user), std::move(m_ticket))
                     ->start(std::move(request));
                 co_return;
             }
@@ -109,17 +112,25 @@ net::awaitable<void> Connection::serve()
     co_await linger();
 }
 
+net::awaitable<void> Connection::turnAway()
+{
+    ApiReply reply
+        = errorReply(503, "Too many connections at the moment. Close one, or try again in a moment.");
+    co_await write(std::move(reply), 11, false, true);
+    co_await linger();
+}
+
 net::awaitable<error_code> Connection::readRequest(RequestParser& parser)
 {
     parser.header_limit(longestHeader);
     parser.body_limit(longestBody);
     error_code error;
-    m_stream.expires_after(idleLimit);
+    m_stream.expires_after(m_parts.limits.idle);
     co_await http::async_read_header(
         m_stream, m_buffer, parser, net::redirect_error(net::use_awaitable, error));
     if (error || parser.is_done())
         co_return error;
-    m_stream.expires_after(transferLimit);
+    m_stream.expires_after(m_parts.limits.transfer);
     if (beast::iequals(parser.get()[http::field::expect], "100-continue")) {
         http::response<http::empty_body> goOn{http::status::continue_, parser.get().version()};
         co_await http::async_write(m_stream, goOn, net::redirect_error(net::use_awaitable, error));
@@ -169,7 +180,7 @@ net::awaitable<bool> Connection::write(ApiReply reply, unsigned version, bool ke
     if (withBody)
         response.body() = std::move(reply.body);
     response.content_length(length);
-    m_stream.expires_after(transferLimit);
+    m_stream.expires_after(m_parts.limits.transfer);
     error_code error;
     co_await http::async_write(m_stream, response, net::redirect_error(net::use_awaitable, error));
     co_return !error && keepAlive;
@@ -214,10 +225,17 @@ std::optional<std::string> Connection::feedUser(const Request& request) const
 
 } // namespace
 
-net::awaitable<void> serveConnection(net::ip::tcp::socket socket, ServerParts parts)
+net::awaitable<void> serveConnection(
+    net::ip::tcp::socket socket, ServerParts parts, std::shared_ptr<void> ticket)
 {
-    Connection connection(std::move(socket), parts);
+    Connection connection(std::move(socket), parts, std::move(ticket));
     co_await connection.serve();
+}
+
+net::awaitable<void> turnAway(net::ip::tcp::socket socket, ServerParts parts, std::shared_ptr<void> ticket)
+{
+    Connection connection(std::move(socket), parts, std::move(ticket));
+    co_await connection.turnAway();
 }
 
 } // namespace practice

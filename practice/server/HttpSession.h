@@ -5,22 +5,31 @@
 #include <boost/asio/awaitable.hpp>
 #include <boost/asio/ip/tcp.hpp>
 
+#include <memory>
+
 namespace practice {
 
 class FeedHub;
 class Router;
 class Sessions;
+struct Limits;
 
 /// What a connection needs of the server; all of it outlives the connection.
 struct ServerParts {
     const Router& router;
     Sessions& sessions;
     FeedHub& hub;
+    const Limits& limits;
 };
 
 /// Serves one connection: one HTTP request after the other, until the peer closes, asks to close, breaks the
-/// rules or is silent for too long, or until it turns into a feed.
+/// rules or is silent for too long, or until it turns into a feed. `ticket` is kept until the connection
+/// ends, that of a feed included.
 [[nodiscard]] boost::asio::awaitable<void> serveConnection(
-    boost::asio::ip::tcp::socket socket, ServerParts parts);
+    boost::asio::ip::tcp::socket socket, ServerParts parts, std::shared_ptr<void> ticket);
+
+/// Tells a connection that there are too many, and ends it.
+[[nodiscard]] boost::asio::awaitable<void> turnAway(
+    boost::asio::ip::tcp::socket socket, ServerParts parts, std::shared_ptr<void> ticket);
 
 } // namespace practice

@@ -67,6 +67,14 @@ std::filesystem::path directoryOf(const std::string& text)
     return text;
 }
 
+// An empty name is an unset variable in somebody's script; it must not end at the default file.
+std::filesystem::path fileOf(const std::string& text)
+{
+    if (text.empty())
+        throw UsageError("--db takes the name of a file, not an empty text");
+    return text;
+}
+
 std::filesystem::path defaultDatabase()
 {
     const auto fromEnvironment = [](const char* name) -> std::filesystem::path {
@@ -105,7 +113,7 @@ Options parseOptions(const std::vector<std::string>& arguments)
         else if (name == "--address")
             options.address = value();
         else if (name == "--db")
-            options.database = value();
+            options.database = fileOf(value());
         else if (name == "--seed")
             options.seed = seedOf(value());
         else if (name == "--speed")

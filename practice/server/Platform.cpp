@@ -4,6 +4,7 @@
 #include "practice/server/WireRecords.h"
 #include "practice/storage/StorageError.h"
 
+#include <algorithm>
 #include <random>
 #include <stdexcept>
 #include <utility>
@@ -61,14 +62,22 @@ void Platform::advance()
     announce(changes);
 }
 
-std::string Platform::execute(const Command& command)
+Trade Platform::execute(const Command& command)
 {
-    CommandResult result = command(m_broker, m_clock.now());
+    const CommandResult result = command(m_broker, m_clock.now());
     if (!result.accepted())
         throw ApiError{result.refusal->httpStatus, result.refusal->message};
     store(result.changes);
     announce(result.changes);
-    return std::move(result.tradeId);
+    return tradeAfter(result);
+}
+
+// Not read back from the disk: a read that failed now would report a command that succeeded as failed.
+Trade Platform::tradeAfter(const CommandResult& result) const
+{
+    if (const Trade* live = m_broker.trade(result.tradeId))
+        return *live;
+    return *std::ranges::find(result.changes.trades, result.tradeId, &Trade::id);
 }
 
 void Platform::store(const ChangeSet& changes)

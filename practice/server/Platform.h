@@ -46,8 +46,8 @@ public:
 
     /// Carries out a command, stores what it changed and announces it. Throws ApiError with the broker's
     /// reason when it is refused, StorageError when it cannot be stored; nothing has changed then.
-    /// Returns the id of the trade.
-    std::string execute(const Command& command);
+    /// Returns the trade as it is after that.
+    Trade execute(const Command& command);
 
     [[nodiscard]] TimeMs now() const { return m_clock.now(); }
     [[nodiscard]] const Broker& broker() const { return m_broker; }
@@ -64,6 +64,7 @@ public:
     [[nodiscard]] std::vector<Account> accountsOf(std::string_view userId) const;
 
 private:
+    [[nodiscard]] Trade tradeAfter(const CommandResult& result) const;
     void store(const ChangeSet& changes);
     void announce(const ChangeSet& changes);
 

@@ -34,8 +34,10 @@ template <typename Work> void guarded(const Respond& respond, Work work)
         respond(errorReply(error.status, error.message));
     } catch (const StorageError& error) {
         std::cerr << "tavoran-practice: storage: " << error.what() << std::endl;
-        respond(
-            errorReply(503, "The request could not be stored, and nothing was changed. Try again later."));
+        respond(errorReply(503, "The stored data cannot be used, and nothing was changed. Try again later."));
+    } catch (const std::exception& error) {
+        std::cerr << "tavoran-practice: request: " << error.what() << std::endl;
+        respond(errorReply(500, "The platform could not answer because of a fault of its own."));
     }
 }
 

@@ -4,6 +4,7 @@
 #include "practice/server/AuthResource.h"
 #include "practice/server/CandlesResource.h"
 #include "practice/server/DrawingsResource.h"
+#include "practice/server/Failure.h"
 #include "practice/server/FeedResource.h"
 #include "practice/server/NewsResource.h"
 #include "practice/server/SettingsResource.h"
@@ -30,6 +31,7 @@ constexpr auto tradesInterval = 1000ms;
 constexpr auto complaintInterval = 10s;
 constexpr auto goodbyeTime = 300ms;
 constexpr auto acceptPause = 100ms;
+constexpr std::size_t mostTurnedAway = 64; // being told so at once
 
 // A fault in one connection must not take the others down with it.
 void reportFault(const std::exception_ptr& fault)
@@ -43,6 +45,11 @@ void reportFault(const std::exception_ptr& fault)
     }
 }
 
+std::size_t copiesOf(const std::shared_ptr<void>& ticket)
+{
+    return static_cast<std::size_t>(ticket.use_count()) - 1;
+}
+
 } // namespace
 
 Server::Server(net::io_context& context, Database& database, PriceSource& market, const Clock& clock,
@@ -51,7 +58,7 @@ Server::Server(net::io_context& context, Database& database, PriceSource& market
     , m_settings(settings)
     , m_sessions(database)
     , m_platform(database, market, clock)
-    , m_hub(m_platform)
+    , m_hub(m_platform, m_settings.limits)
     , m_passwords(context)
     , m_router([this](std::string_view header) { return m_sessions.userOfHeader(header); })
     , m_acceptor(context)
@@ -66,12 +73,7 @@ Server::Server(net::io_context& context, Database& database, PriceSource& market
     addSettingsRoutes(m_router);
     addTradesRoutes(m_router, m_platform);
 
-    const tcp::endpoint endpoint(net::ip::make_address(settings.address), settings.port);
-    m_acceptor.open(endpoint.protocol());
-    m_acceptor.set_option(net::socket_base::reuse_address(true));
-    m_acceptor.bind(endpoint);
-    m_acceptor.listen();
-    m_port = m_acceptor.local_endpoint().port();
+    open();
 
     // The first prices are there before the first client is.
     m_platform.advance();
@@ -85,6 +87,32 @@ Server::Server(net::io_context& context, Database& database, PriceSource& market
     net::co_spawn(m_context, movePrices(), rethrow);
 }
 
+void Server::open()
+{
+    try {
+        const tcp::endpoint endpoint(net::ip::make_address(m_settings.address), m_settings.port);
+        m_acceptor.open(endpoint.protocol());
+        m_acceptor.set_option(net::socket_base::reuse_address(true));
+        m_acceptor.bind(endpoint);
+        m_acceptor.listen();
+        m_port = m_acceptor.local_endpoint().port();
+    } catch (const boost::system::system_error& error) {
+        throw ListenError("cannot listen on " + m_settings.address + " port "
+            + std::to_string(m_settings.port) + ": " + error.code().message());
+    }
+}
+
+void Server::take(tcp::socket socket)
+{
+    error_code ignored;
+    socket.set_option(tcp::no_delay(true), ignored);
+    const ServerParts parts{m_router, m_sessions, m_hub, m_settings.limits};
+    if (copiesOf(m_served) < m_settings.limits.connections)
+        net::co_spawn(m_context, serveConnection(std::move(socket), parts, m_served), reportFault);
+    else if (copiesOf(m_turnedAway) < mostTurnedAway)
+        net::co_spawn(m_context, turnAway(std::move(socket), parts, m_turnedAway), reportFault);
+}
+
 net::awaitable<void> Server::listen()
 {
     net::steady_timer pause(m_context);
@@ -92,10 +120,7 @@ net::awaitable<void> Server::listen()
         error_code error;
         tcp::socket socket = co_await m_acceptor.async_accept(net::redirect_error(net::use_awaitable, error));
         if (!error) {
-            error_code ignored;
-            socket.set_option(tcp::no_delay(true), ignored);
-            net::co_spawn(m_context,
-                serveConnection(std::move(socket), ServerParts{m_router, m_sessions, m_hub}), reportFault);
+            take(std::move(socket));
         } else if (m_acceptor.is_open()) {
             // Usually no free descriptor; trying again at once would only burn time.
             pause.expires_after(acceptPause);

@@ -4,6 +4,7 @@
 #include "practice/server/Clock.h"
 #include "practice/server/FeedHub.h"
 #include "practice/server/HttpSession.h"
+#include "practice/server/Limits.h"
 #include "practice/server/PasswordWorker.h"
 #include "practice/server/Platform.h"
 #include "practice/server/Router.h"
@@ -15,6 +16,7 @@
 
 #include <chrono>
 #include <cstdint>
+#include <memory>
 #include <string>
 
 namespace practice {
@@ -25,10 +27,11 @@ struct ServerSettings {
     std::uint16_t port = 0; ///< 0 chooses a free one
     std::uint64_t newsSeed = 1;
     std::chrono::milliseconds priceInterval{250};
+    Limits limits;
 };
 
 /// The practice platform on the wire: the REST interface and the feed on one port, everything on the thread
-/// that runs `context`. Throws boost::system::system_error when it cannot listen.
+/// that runs `context`. Throws ListenError when it cannot listen.
 class Server final {
 public:
     Server(boost::asio::io_context& context, Database& database, PriceSource& market, const Clock& clock,
@@ -40,6 +43,8 @@ public:
     void stop();
 
 private:
+    void open();
+    void take(boost::asio::ip::tcp::socket socket);
     boost::asio::awaitable<void> listen();
     boost::asio::awaitable<void> movePrices();
 
@@ -53,6 +58,9 @@ private:
     boost::asio::ip::tcp::acceptor m_acceptor;
     boost::asio::steady_timer m_goodbye;
     std::uint16_t m_port = 0;
+    // Every connection holds a copy; the copies are the count.
+    std::shared_ptr<void> m_served = std::make_shared<int>();
+    std::shared_ptr<void> m_turnedAway = std::make_shared<int>();
 };
 
 } // namespace practice

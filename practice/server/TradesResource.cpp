@@ -31,14 +31,8 @@ std::string accountOf(const Platform& platform, const ApiRequest& request)
     return accountId;
 }
 
-ApiReply tradeReply(Platform& platform, const std::string& tradeId)
+ApiReply tradeReply(const Platform& platform, const Trade& trade)
 {
-    // A live trade has a fresher profit in the broker than on the disk.
-    const Trade* live = platform.broker().trade(tradeId);
-    const auto finished = live ? std::nullopt : platform.trades().find(tradeId);
-    if (!live && !finished)
-        throw ApiError{404, "There is no such trade."};
-    const Trade& trade = live ? *live : *finished;
     return {200, jsonText(tradeRecord(trade, platform.digits(trade.symbol))), {}};
 }
 

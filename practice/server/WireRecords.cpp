@@ -100,16 +100,11 @@ std::string eventMessage(const OrdersChanged& event)
 
 std::string eventMessage(const Account& account, const AccountFigures& figures)
 {
-    // "type" names the message, so the account's own type travels in the record inside.
-    return jsonText({
-        {"type", "account_update"},
-        {"accountId", account.id},
-        {"status", toText(account.status)},
-        {"phase", account.phase},
-        {"isFunded", account.isFunded},
-        {"balance", decimalText(account.balance)},
-        {"account", accountRecord(account, figures)},
-    });
+    // The account's record, but "type" names the message here.
+    json message = accountRecord(account, figures);
+    message["type"] = "account_update";
+    message["accountId"] = account.id;
+    return jsonText(message);
 }
 
 std::string priceMap(const std::vector<SymbolSpec>& symbols, std::span<const SymbolQuote> quotes)

@@ -1,10 +1,10 @@
 #include "practice/core/market/ReplayMarket.h"
 #include "practice/core/market/SimulatedMarket.h"
+#include "practice/server/Failure.h"
 #include "practice/server/FirstUse.h"
 #include "practice/server/Options.h"
 #include "practice/server/Server.h"
 #include "practice/storage/MetaStore.h"
-#include "practice/storage/StorageError.h"
 
 #include <boost/asio/signal_set.hpp>
 
@@ -17,8 +17,6 @@
 namespace practice {
 
 namespace {
-
-constexpr int exitUnusable = 2; // the arguments, a file or the port cannot be used
 
 // The seed on the command line, else the one this database has always had: the market of yesterday is still
 // there today.
@@ -77,7 +75,7 @@ void run(const Options& options)
     boost::asio::io_context context(1);
     boost::asio::signal_set signals(context, SIGINT, SIGTERM);
     Server server(context, database, *market, clock,
-        {options.address, options.port, seed, priceInterval(options.speed)});
+        {options.address, options.port, seed, priceInterval(options.speed), {}});
     signals.async_wait([&server](boost::system::error_code error, int) {
         if (!error)
             server.stop();
@@ -95,13 +93,8 @@ void run(const Options& options)
 
 int main(const std::vector<std::string>& arguments)
 {
-    const auto fail = [](const std::string& reason) {
-        std::cerr << "tavoran-practice: " << reason << std::endl;
-        return exitUnusable;
-    };
-    Options options;
     try {
-        options = parseOptions(arguments);
+        const Options options = parseOptions(arguments);
         if (options.showHelp)
             std::cout << helpText();
         else if (options.showVersion)
@@ -109,11 +102,10 @@ int main(const std::vector<std::string>& arguments)
         else
             run(options);
         return EXIT_SUCCESS;
-    } catch (const boost::system::system_error& error) {
-        return fail("cannot listen on " + options.address + " port " + std::to_string(options.port) + ": "
-            + error.code().message());
-    } catch (const std::exception& error) {
-        return fail(error.what());
+    } catch (...) {
+        const Failure failure = describeFailure(std::current_exception());
+        std::cerr << "tavoran-practice: " << failure.text << std::endl;
+        return failure.exitCode;
     }
 }
 

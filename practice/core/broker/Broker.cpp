@@ -7,16 +7,24 @@
 #include "practice/core/broker/Triggers.h"
 #include "practice/core/broker/Valuation.h"
 
+#include <algorithm>
+#include <cstddef>
 #include <numeric>
 
 namespace practice {
 namespace {
 
-constexpr std::size_t maxCommentBytes = 256;
+constexpr std::ptrdiff_t longestComment = 256;
 
 CommandResult refused(Refusal refusal)
 {
     return {std::move(refusal), {}, {}};
+}
+
+// UTF-8: every byte but those that go on with a character begins one.
+std::ptrdiff_t characters(const std::string& text)
+{
+    return std::ranges::count_if(text, [](char byte) { return (byte & 0xc0) != 0x80; });
 }
 
 Refusal noPrice(const std::string& symbol)
@@ -88,7 +96,7 @@ CommandResult Broker::place(const PlaceRequest& request, TimeMs now)
     Checked<LotHundredths> lots = checkLots(spec, request.lots);
     if (lots.refusal)
         return refused(std::move(*lots.refusal));
-    if (request.comment.size() > maxCommentBytes)
+    if (characters(request.comment) > longestComment)
         return refused(badRequest("The comment is too long: at most 256 characters."));
     Checked<Levels> levels = checkLevels(spec, request);
     if (levels.refusal)

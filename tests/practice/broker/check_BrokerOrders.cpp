@@ -123,14 +123,20 @@ TEST_CASE("symbol, kind and side must make sense")
     CHECK(contains(refusedPlace(desk, chatty), "comment is too long"));
     chatty.comment.pop_back();
     CHECK(desk.place(chatty).accepted());
+    chatty.comment.clear();
+    for (int i = 0; i < 256; ++i)
+        chatty.comment += "\xE2\x82\xAC"; // characters count, not their bytes
+    CHECK(desk.place(chatty).accepted());
+    chatty.comment += 'x';
+    CHECK(contains(refusedPlace(desk, chatty), "comment is too long"));
 }
 
 TEST_CASE("volumes outside the limits or off the step are refused")
 {
     Desk desk;
-    for (const double lots : {0.0, -1.0, 0.005, 100.01, 1e300, notANumber, infinity, -infinity})
+    for (const double lots : {0.0, -1.0, 0.005, 1000.01, 1e300, notANumber, infinity, -infinity})
         CHECK(contains(
-            refusedPlace(desk, Desk::market("demo", "EURUSD", "BUY", lots)), "from 0.01 to 100.00 lots"));
+            refusedPlace(desk, Desk::market("demo", "EURUSD", "BUY", lots)), "from 0.01 to 1000.00 lots"));
     for (const double lots : {0.015, 0.123, 1.001})
         CHECK(contains(
             refusedPlace(desk, Desk::market("demo", "EURUSD", "BUY", lots)), "multiple of 0.01 lots"));

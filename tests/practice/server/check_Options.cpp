@@ -58,6 +58,9 @@ TEST_CASE("a data folder that is unset or relative falls back to the home folder
     const Environment nothing(nullptr, nullptr);
     CHECK(errorOf({}).find("--db") != std::string::npos);
     CHECK_EQ(errorOf({"--db", "x.db"}), std::string());
+    // An unset variable in a script must not end at the file of every day.
+    CHECK(errorOf({"--db", ""}).find("--db") != std::string::npos);
+    CHECK(errorOf({"--db="}).find("empty") != std::string::npos);
 }
 
 TEST_CASE("every option is understood in both spellings and the last of a kind counts")

@@ -78,6 +78,8 @@ TEST_CASE("a database that cannot be used ends with 2 and names the file")
         CHECK_EQ(result.exitCode, 2);
         CHECK(oneLine(result.errors));
         CHECK(result.errors.find(unusable) != std::string::npos);
+        CHECK_EQ(result.errors.find("in use by another program") != std::string::npos,
+            unusable.ends_with("taken.db"));
     }
 }
 

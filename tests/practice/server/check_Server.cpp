@@ -5,6 +5,7 @@
 
 #include "practice/core/broker/DefaultAccounts.h"
 #include "practice/core/market/SimulatedMarket.h"
+#include "practice/server/Failure.h"
 #include "practice/server/FirstUse.h"
 #include "practice/server/Secrets.h"
 #include "practice/server/Server.h"
@@ -44,11 +45,20 @@ public:
     [[nodiscard]] const std::vector<SymbolSpec>& symbols() const override { return m_symbols; }
     [[nodiscard]] Quote quote(std::size_t symbol, TimeMs) override
     {
+        if (m_quotesFail)
+            throw boost::system::system_error(boost::asio::error::no_descriptors);
         const double bid = symbol == 0 ? m_bid : m_others;
         return {bid, bid + 0.0001};
     }
     [[nodiscard]] double dailyOpen(std::size_t, TimeMs) override { return 1.1; }
-    [[nodiscard]] std::vector<Bar> bars(std::size_t, Timeframe, std::size_t, TimeMs) override { return {}; }
+    [[nodiscard]] std::vector<Bar> bars(std::size_t, Timeframe, std::size_t, TimeMs) override
+    {
+        if (m_barsFail)
+            throw std::runtime_error("no bars");
+        return {};
+    }
+    void failBars() { m_barsFail = true; }
+    void failQuotes() { m_quotesFail = true; }
     void setBid(double bid) { m_bid = bid; }
     void setOthers(double bid) { m_others = bid; }
 
@@ -56,6 +66,8 @@ private:
     std::vector<SymbolSpec> m_symbols;
     std::atomic<double> m_bid{1.1};
     std::atomic<double> m_others{1.1};
+    std::atomic<bool> m_barsFail{false};
+    std::atomic<bool> m_quotesFail{false};
 };
 
 /// The server in this process, on a thread of its own.
@@ -68,13 +80,13 @@ struct InProcess {
     std::unique_ptr<Server> server;
     std::thread thread;
 
-    explicit InProcess(std::size_t copies = 0)
+    explicit InProcess(std::size_t copies = 0, const Limits& limits = {})
         : market(copies)
     {
         prepareFirstUse(database, clock.now());
         UserStore(database).add({"second", "second@example.test", "Second", hashPassword("other")});
         server = std::make_unique<Server>(context, database, market, clock,
-            ServerSettings{"127.0.0.1", 0, 1, std::chrono::milliseconds(10)});
+            ServerSettings{"127.0.0.1", 0, 1, std::chrono::milliseconds(10), limits});
         thread = std::thread([this] { context.run(); });
     }
     ~InProcess()
@@ -92,6 +104,37 @@ struct InProcess {
             done.set_value();
         });
         done.get_future().wait();
+    }
+};
+
+/// Whether the server takes one more connection than those that are there.
+bool hasRoom(const InProcess& place)
+{
+    return HttpClient(place.server->port()).get("/api/settings/public").status == 200;
+}
+
+/// A feed whose client does not read, with so much on its way that the next message will wait.
+struct BlockedFeed {
+    FeedClient keen;
+    FeedClient lazy;
+    double bid = 1.1;
+
+    BlockedFeed(InProcess& place, const std::string& token)
+        : keen(place.server->port(), token)
+        , lazy(place.server->port(), token, 4096)
+    {
+        CHECK_EQ(keen.read().at("type"), "hello");
+        CHECK_EQ(lazy.read().at("type"), "hello");
+        for (int i = 0; i < 150; ++i)
+            update(place);
+    }
+
+    /// 2 000 symbols: some 100 KB.
+    void update(InProcess& place)
+    {
+        bid += 0.0001;
+        place.onServer([&] { place.market.setOthers(bid); });
+        CHECK(keen.readUntil("price_update").at("data").size() == 2000);
     }
 };
 
@@ -185,7 +228,8 @@ TEST_CASE("a challenge that breaks its limit fails with an account update")
     const json update = feed.readUntil("account_update");
     CHECK_EQ(update.at("accountId"), account);
     CHECK_EQ(update.at("status"), "FAILED");
-    CHECK_EQ(update.at("account").at("status"), "FAILED");
+    CHECK_EQ(update.at("id"), account);
+    CHECK(update.at("Plan").is_object());
     CHECK(client.get("/api/trades/open?accountId=" + account).json() == json::array());
     CHECK_EQ(client.post("/api/trades/place", order(account, 0.1)).status, 400);
 }
@@ -209,6 +253,180 @@ TEST_CASE("what cannot be stored is refused and did not happen")
     place.onServer([&] { place.database.execute("PRAGMA query_only=OFF"); });
     CHECK_EQ(client.request("POST", "/api/trades/close/" + id, "{}").status, 200);
     CHECK_EQ(client.get("/api/trades/history?accountId=" + account).json().size(), std::size_t(1));
+}
+
+TEST_CASE("a command that was stored is never reported as failed")
+{
+    InProcess place;
+    HttpClient client(place.server->port());
+    client.signIn();
+    const std::string account = accountOf(client, "DEMO");
+    const std::string id
+        = client.post("/api/trades/place", order(account, 0.1)).json().at("id").get<std::string>();
+    // Once stored, the row cannot be read back.
+    place.onServer([&] {
+        place.database.execute("CREATE TRIGGER spoil AFTER UPDATE ON trades WHEN NEW.side <> '?'"
+                               " BEGIN UPDATE trades SET side = '?' WHERE id = NEW.id; END");
+    });
+    const HttpReply closed = client.request("POST", "/api/trades/close/" + id, "{}");
+    CHECK_EQ(closed.status, 200);
+    CHECK_EQ(closed.json().at("status"), "CLOSED");
+    CHECK_EQ(closed.json().at("closeReason"), "MANUAL");
+    CHECK_EQ(client.get("/api/trades/history?accountId=" + account).status, 503);
+}
+
+TEST_CASE("a fault of the platform itself is answered with 500, and the connection goes on")
+{
+    InProcess place;
+    HttpClient client(place.server->port());
+    client.signIn();
+    place.market.failBars();
+    const HttpReply reply = client.get("/api/candles?symbol=EURUSD&timeframe=1m");
+    CHECK_EQ(reply.status, 500);
+    CHECK(!reply.message().empty());
+    CHECK_EQ(client.get("/api/accounts").status, 200);
+}
+
+TEST_CASE("a port that is taken is a matter of listening, a fault while running is not")
+{
+    InProcess place;
+    boost::asio::io_context context{1};
+    Database database(place.folder / "second.db");
+    prepareFirstUse(database, place.clock.now());
+    const auto serveOn = [&](std::uint16_t port) {
+        return Server(context, database, place.market, place.clock,
+            ServerSettings{"127.0.0.1", port, 1, std::chrono::milliseconds(1), {}});
+    };
+    std::string reason;
+    try {
+        serveOn(place.server->port());
+    } catch (const ListenError& error) {
+        reason = error.what();
+    }
+    CHECK(reason.find("cannot listen on 127.0.0.1 port " + std::to_string(place.server->port())) == 0);
+
+    ManualMarket broken(0);
+    Server server(context, database, broken, place.clock,
+        ServerSettings{"127.0.0.1", 0, 1, std::chrono::milliseconds(1), {}});
+    broken.failQuotes();
+    CHECK_THROWS(context.run(), boost::system::system_error);
+}
+
+TEST_CASE("one connection too many is told so and let in once there is room, feeds being counted")
+{
+    Limits limits;
+    limits.connections = 2;
+    InProcess place(0, limits);
+    HttpClient client(place.server->port());
+    client.signIn();
+    {
+        FeedClient feed(place.server->port(), client.token());
+        CHECK_EQ(feed.read().at("type"), "hello");
+        for (int i = 0; i < 100; ++i) {
+            HttpClient third(place.server->port());
+            const HttpReply reply = i % 2 == 0 ? third.read() : third.get("/api/settings/public");
+            CHECK_EQ(reply.status, 503);
+            CHECK(reply.message().find("Too many connections") != std::string::npos);
+            CHECK_EQ(reply.headers.at("connection"), std::string("close"));
+            CHECK(third.socket().readAll().empty());
+        }
+        CHECK_EQ(client.get("/api/accounts").status, 200);
+    }
+    int attempts = 0;
+    while (!hasRoom(place) && attempts < 1000)
+        ++attempts;
+    CHECK(attempts < 1000);
+}
+
+TEST_CASE("who takes no message for too long is disconnected")
+{
+    Limits limits;
+    limits.connections = 3;
+    limits.feedStall = std::chrono::milliseconds(200);
+    InProcess place(2000, limits);
+    HttpClient client(place.server->port());
+    client.signIn();
+    BlockedFeed feeds(place, client.token());
+    int updates = 0;
+    for (; !hasRoom(place) && updates < 2000; ++updates)
+        feeds.update(place);
+    CHECK(updates < 2000);
+    static_cast<void>(feeds.lazy.socket().readAll()); // ends
+}
+
+TEST_CASE("who lets events pile up is disconnected")
+{
+    Limits limits;
+    limits.connections = 3;
+    limits.feedEvents = 20;
+    InProcess place(2000, limits);
+    HttpClient client(place.server->port());
+    client.signIn();
+    const std::string account = accountOf(client, "DEMO");
+    BlockedFeed feeds(place, client.token());
+    json pending = order(account, 0.01);
+    pending.erase("type");
+    pending["orderKind"] = "BUY_LIMIT";
+    pending["pendingPrice"] = 0.5;
+    for (int i = 0; i < 20; ++i)
+        CHECK_EQ(client.post("/api/trades/place", pending).status, 200);
+    CHECK(!hasRoom(place));
+    CHECK_EQ(client.post("/api/trades/place", pending).status, 200);
+    int attempts = 0;
+    while (!hasRoom(place) && attempts < 1000)
+        ++attempts;
+    CHECK(attempts < 1000);
+    static_cast<void>(feeds.lazy.socket().readAll()); // ends
+    for (int i = 0; i < 21; ++i)
+        CHECK(feeds.keen.readUntil("orders_changed").contains("tradeId"));
+}
+
+TEST_CASE("a feed without a sign of life ends; one that answers pings goes on")
+{
+    Limits limits;
+    limits.feedSilence = std::chrono::milliseconds(1000);
+    InProcess place(0, limits);
+    HttpClient client(place.server->port());
+    client.signIn();
+    FeedClient alive(place.server->port(), client.token());
+    CHECK_EQ(alive.read().at("type"), "hello");
+    auto next = std::async(std::launch::async, [&] { return alive.read(); });
+    for (int i = 0; i < 2; ++i) {
+        FeedClient dead(place.server->port(), client.token());
+        CHECK_EQ(dead.read().at("type"), "hello");
+        static_cast<void>(dead.socket().readAll()); // ends
+    }
+    place.market.setBid(1.2);
+    CHECK_EQ(next.get().at("type"), "price_update");
+}
+
+TEST_CASE("a connection that sends nothing, half a request, or never takes its answers ends")
+{
+    Limits limits;
+    limits.idle = std::chrono::milliseconds(100);
+    InProcess idle(0, limits);
+    HttpClient silent(idle.server->port());
+    CHECK(silent.socket().readAll().empty());
+
+    limits = {};
+    limits.transfer = std::chrono::milliseconds(100);
+    limits.connections = 1;
+    InProcess place(0, limits);
+    HttpClient half(place.server->port());
+    half.socket().send("POST /api/auth/login HTTP/1.1\r\nHost: x\r\nContent-Length: 60\r\n\r\n{\"email");
+    CHECK(half.socket().readAll().empty());
+
+    HttpClient greedy(place.server->port(), 4096);
+    greedy.signIn();
+    std::string requests;
+    for (int i = 0; i < 1000; ++i)
+        requests += "GET /api/news/upcoming HTTP/1.1\r\nHost: x\r\nAuthorization: Bearer " + greedy.token()
+            + "\r\n\r\n";
+    greedy.socket().send(requests);
+    int attempts = 0;
+    while (!hasRoom(place) && attempts < 20000)
+        ++attempts;
+    CHECK(attempts < 20000);
 }
 
 TEST_CASE("a market that stands still sends no prices")

@@ -2,12 +2,19 @@
 
 #include "practice/server/Api.h"
 #include "practice/server/BodyReader.h"
+#include "practice/server/Failure.h"
 #include "practice/server/JsonText.h"
 #include "practice/server/NewsCalendar.h"
+#include "practice/server/Options.h"
 #include "practice/server/Secrets.h"
 #include "practice/server/Sha256.h"
 #include "practice/server/Target.h"
 #include "practice/server/WireRecords.h"
+#include "practice/storage/StorageError.h"
+
+#include "practice/core/market/MinuteFile.h"
+
+#include <boost/asio/error.hpp>
 
 #include <algorithm>
 #include <clocale>
@@ -167,6 +174,37 @@ TEST_CASE("prices go out in the digits of their symbol")
     CHECK_EQ(candleArray(bars, 1),
         std::string(
             R"([{"timestamp":"1970-01-01T00:01:00.000Z","open":1.0,"high":2.0,"low":0.5,"close":1.5,"volume":7}])"));
+}
+
+TEST_CASE("an account update is the account's record under the message's own type")
+{
+    Account account;
+    account.id = "acc";
+    account.kind = AccountKind::Plan;
+    account.plan = {"Practice", 2};
+    account.status = AccountStatus::Passed;
+    account.balance = 2'750'012;
+    const auto message = nlohmann::json::parse(eventMessage(account, {account.balance, 0, 0, 0, 0}));
+    auto record = accountRecord(account, {account.balance, 0, 0, 0, 0});
+    record["type"] = "account_update";
+    record["accountId"] = "acc";
+    CHECK_EQ(message, record);
+    CHECK_EQ(message["status"], "PASSED");
+    CHECK_EQ(message["balance"], "27500.12");
+}
+
+TEST_CASE("only what a person can put right ends with 2; nothing but listening is said to be about listening")
+{
+    const auto ended = [](const auto& error) { return describeFailure(std::make_exception_ptr(error)); };
+    for (const Failure& failure : {ended(UsageError("why")), ended(ListenError("why")),
+             ended(MarketDataError("why")), ended(StorageError("why"))}) {
+        CHECK_EQ(failure.exitCode, 2);
+        CHECK_EQ(failure.text, std::string("why"));
+    }
+    const Failure fault = ended(
+        boost::system::system_error(boost::asio::error::make_error_code(boost::asio::error::no_descriptors)));
+    CHECK_EQ(fault.exitCode, 1);
+    CHECK(fault.text.find("fault") != std::string::npos && fault.text.find("listen") == std::string::npos);
 }
 
 TEST_CASE("an event names its reason only when there is one")
