@@ -235,6 +235,7 @@ void MainWindow::onSubWindowActivated(QMdiSubWindow* subWindow)
 void MainWindow::openOrderDialog()
 {
     if (m_orderDialog) {
+        m_orderDialog->show(); // it hides when it is closed while an order is on its way
         m_orderDialog->raise();
         m_orderDialog->activateWindow();
         return;

@@ -39,6 +39,7 @@ private Q_SLOTS:
     void ampersandStaysVisibleInTheTab();
     void orderDialogTakesTheActiveChartsSymbol();
     void placedOrderIsWrittenDownAndListsAreRead();
+    void aDialogClosedWhileItsOrderIsOnItsWayComesBackOnRequest();
     void unknownOutcomeReadsTheLists();
     void orderEventIsWrittenDown();
     void serverTextNeverBreaksALogLine();
@@ -466,6 +467,28 @@ void tst_MainWindow::placedOrderIsWrittenDownAndListsAreRead()
     QCOMPARE(f.http.last("POST", "/api/trades/place").json()["accountId"_L1].toString(), u"a1"_s);
     QTRY_VERIFY(f.http.count("GET", "/api/accounts") >= 1);
     QTRY_VERIFY(f.http.count("GET", "/api/trades/open?accountId=a1") >= 1);
+    QTRY_COMPARE(f.window->findChildren<OrderDialog*>().size(), 0);
+}
+
+void tst_MainWindow::aDialogClosedWhileItsOrderIsOnItsWayComesBackOnRequest()
+{
+    MainWindowFixture f;
+    f.signInAndSettle();
+    f.http.on("POST", "/api/trades/place", StubAnswer::held());
+    f.window->openOrderDialog();
+    auto* dialog = f.window->findChild<OrderDialog*>();
+    auto* buy = dialog->findChild<QPushButton*>(u"orderBuy"_s);
+    QVERIFY(buy);
+    buy->click();
+    QTRY_COMPARE(f.http.heldCount(), 1);
+    dialog->close();
+    QVERIFY(!dialog->isVisible());
+    f.window->openOrderDialog();
+    QCOMPARE(f.window->findChildren<OrderDialog*>().size(), 1);
+    QVERIFY(dialog->isVisible());
+    QVERIFY(!buy->isEnabled());
+    QVERIFY(f.http.release(StubAnswer::json("{}")));
+    QTRY_COMPARE(f.journalCount(u"Trade: Order placed"_s), 1);
     QTRY_COMPARE(f.window->findChildren<OrderDialog*>().size(), 0);
 }
 
