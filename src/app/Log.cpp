@@ -26,15 +26,6 @@ Secrets& secrets()
     return instance;
 }
 
-QString masked(QString line)
-{
-    Secrets& known = secrets();
-    const QMutexLocker lock(&known.mutex);
-    for (const QString& secret : std::as_const(known.texts))
-        line.replace(secret, u"[hidden]"_s);
-    return line;
-}
-
 void logToolkitMessage(QtMsgType type, const QMessageLogContext& /*context*/, const QString& message)
 {
     // Writing the log may itself make the toolkit complain.
@@ -56,7 +47,7 @@ void appLog(const QString& message)
         return;
     const QString time = QTime::currentTime().toString(u"HH:mm:ss.zzz"_s);
     // One write an entry: a second terminal appends to the same file.
-    file.write(u"%1  %2\n"_s.arg(time, masked(oneLine(message))).toUtf8());
+    file.write(u"%1  %2\n"_s.arg(time, maskSecrets(oneLine(message))).toUtf8());
 }
 
 QString logFilePath()
@@ -80,4 +71,14 @@ void hideFromLog(const QString& secret)
         if (!known.texts.contains(form))
             known.texts.append(form);
     }
+}
+
+QString maskSecrets(const QString& text)
+{
+    QString result = text;
+    Secrets& known = secrets();
+    const QMutexLocker lock(&known.mutex);
+    for (const QString& secret : std::as_const(known.texts))
+        result.replace(secret, u"[hidden]"_s, Qt::CaseInsensitive);
+    return result;
 }

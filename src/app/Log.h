@@ -13,6 +13,9 @@ void appLog(const QString& message);
 /// Sends every toolkit message to the log as "[qt:TYPE] TEXT" and nothing to the console.
 void installMessageHandler();
 
-/// Masks `secret`, plain and percent-encoded, in every later log line. Texts shorter than six
-/// characters are ignored: masking them would garble ordinary words.
+/// Makes `secret`, plain and percent-encoded, known to maskSecrets() and so to every later log line.
+/// Texts shorter than six characters are ignored: masking them would garble ordinary words.
 void hideFromLog(const QString& secret);
+
+/// The text with "[hidden]" in place of every known secret.
+[[nodiscard]] QString maskSecrets(const QString& text);

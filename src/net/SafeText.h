@@ -2,10 +2,9 @@
 
 #include <QString>
 
-/// Text that a server or the toolkit chose, made fit for a log, the Journal or a label: the session
-/// token, plain or percent-encoded, is replaced by "***", and the text is cut after 4096
-/// characters. It may still hold markup and line breaks. Tokens of fewer than four characters
-/// are not looked for: they guard nothing and occur in ordinary words.
+/// Text that a server or the toolkit chose, made fit for a log, the Journal or a label: session tokens
+/// are masked as in the log, and the text is cut after 4096 characters. It may still hold markup and
+/// line breaks.
 [[nodiscard]] QString safeText(const QString& text);
 
 /// The text, cut with an ellipsis when it is longer than `longest` (at least 1); a character of two
