@@ -73,7 +73,8 @@ void TestCandleSeries::leaves_out_bars_with_a_price_that_cannot_be_drawn()
     badLow.low = -infinite;
     Candle badClose = flat(4000, 1);
     badClose.close = notANumber;
-    series.setCandles({flat(1000, notANumber), badHigh, badLow, badClose, flat(5000, -37.5), flat(6000, 1e15)});
+    series.setCandles(
+        {flat(1000, notANumber), badHigh, badLow, badClose, flat(5000, -37.5), flat(6000, 1e15)});
     const std::vector<Candle> expected{flat(5000, -37.5), flat(6000, 1e15)};
     QVERIFY(series.candles() == expected);
 }
