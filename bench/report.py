@@ -28,6 +28,17 @@ ROWS = [
 INSTRUCTIONS = [("pointer", 1.5), ("tick", None), ("pan", 8.0)]
 SNAPSHOTS_A_SECOND = ("snapshots of 2 000 a second, all moved", "snapshot/2000_moved_all", 30)
 
+PLATFORM = [
+    # figure, name, unit, "<=" or ">=", limit
+    ("platform: snapshots a second, each of 50 feeds", "snapshots_a_second", "", ">=", 9.5),
+    ("platform: REST requests a second beside them", "requests_a_second", "", ">=", 495),
+    ("platform: their p99", "p99_ms", " ms", "<=", 50),
+    ("platform: share of one core meanwhile", "core_percent", " %", "<=", 100),
+    ("platform: restart to first price, slowest of 10", "restart_ms", " ms", "<=", 1000),
+    ("platform: acknowledged orders lost by {kills} kills", "lost", "", "<=", 0),
+    ("platform: orders there twice after {kills} kills", "twice", "", "<=", 0),
+]
+
 
 def medians(folder):
     """Median CPU time in ns by benchmark name; names of other files carry the file's name in front."""
@@ -67,6 +78,16 @@ def main():
             millions = (many - few) / 100 / 1e6
             target = f"<= {most:g} M" if most else "-"
             line(f"instructions a {frame} frame, 7 px", f"{millions:.2f} M", target, bool(most) and millions > most)
+    path = folder / "platform"
+    found = dict(entry.split() for entry in path.read_text().splitlines()) if path.exists() else {}
+    for figure, name, unit, sign, limit in PLATFORM:
+        figure = figure.format(kills=found.get("kills", "the"))
+        if name in found:
+            value = float(found[name])
+            short = value > limit if sign == "<=" else value < limit
+            line(figure, f"{value:.4g}{unit}", f"{sign} {limit:g}{unit}", short)
+        else:
+            line(figure, "not run", f"{sign} {limit:g}{unit}", True)
 
 
 if __name__ == "__main__":
