@@ -14,7 +14,7 @@ class Desktop:
         self._processes = []
         read_end, write_end = os.pipe()
         self._spawn(
-            ["Xvfb", "-displayfd", str(write_end), "-screen", "0", f"{width}x{height}x24", "-nolisten", "tcp"],
+            ["Xvfb", "-displayfd", str(write_end), "-screen", "0", f"{width}x{height}x24", "-nolisten", "tcp", "-noreset"],
             pass_fds=[write_end],
         )
         os.close(write_end)
