@@ -103,6 +103,17 @@ class Tour:
 
     # --- the steps -------------------------------------------------------------------------------
 
+    def mistype_the_password(self):
+        self.terminal.start()
+        self.seen("first-dialog", self.sign_in_dialog(), "the sign-in dialog is up for the first time")
+        self.desktop.type("practise")
+        self.desktop.key("Return")
+        refused = wait_until(lambda: (dialog := self.sign_in_dialog()) and dialog.find(
+            "label", accept=lambda item: "password" in item.text() and len(item.text()) > 12))
+        self.seen("refused", refused, f"a wrong password is refused: {refused.text() if refused else ''}")
+        self.desktop.key("Escape")
+        self.seen("cancelled", self.terminal.exit_code() == 0, "Escape ends the terminal, exit code 0")
+
     def sign_in(self, name):
         self.terminal.start()
         dialog = self.sign_in_dialog()
@@ -196,8 +207,23 @@ class Tour:
             self.desktop.key(key)
             self.seen(f"{key}-shown", wait_until(lambda: self.list_with(header)), f"{key} brings it back")
 
+    def pop_prices_up(self):
+        def popup():
+            return self.reader.window(self.terminal.pid, lambda item: item.shown and item.name == "Popup Prices")
+
+        def quote():
+            cells = next((row for row in popup().rows() if row[0].name == SYMBOL), None)
+            return cells[1].name if cells else None
+
+        self.desktop.key("F10")
+        self.seen("popup", wait_until(popup), "F10 shows the popup prices")
+        first = wait_until(quote)
+        self.seen("popup-moved", wait_until(lambda: quote() != first), f"which follow the feed from {first} on")
+        self.desktop.key("F10")
+        self.seen("popup-gone", wait_until(lambda: not popup()), "and F10 hides them")
+
     def switch_theme(self, name):
-        """Chooses a theme in the menu with the keyboard, as its mnemonic allows."""
+        """Chooses a theme in the menu with the mouse."""
         window = self.main_window()
         corner = (window.x + window.width - 40, window.y + 10)
         before = self.desktop.pixels(*corner, 8, 8)
@@ -236,12 +262,14 @@ class Tour:
         self.seen("end", self.terminal.exit_code() == 0, "closed again, exit code 0")
 
     def run(self):
+        self.mistype_the_password()
         self.sign_in("start")
         self.watch_prices()
         self.open_chart()
         self.buy()
         self.watch_position()
         self.toggle_docks()
+        self.pop_prices_up()
         self.portrait("terminal-dark.png")
         self.switch_theme("Light")
         self.portrait("terminal-light.png")
