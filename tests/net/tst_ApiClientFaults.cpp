@@ -255,7 +255,7 @@ void TestApiClientFaults::error_texts_never_carry_the_token()
     m_server->on("GET", "/message", StubAnswer::message(u"Bad token token-1234!"_s, 401));
     m_server->on(
         "GET", "/reason", StubAnswer::raw("HTTP/1.1 500 No token-1234\r\nContent-Length: 0\r\n\r\n"));
-    QCOMPARE(readError(u"/message"_s), u"Bad token ***!"_s);
+    QCOMPARE(readError(u"/message"_s), u"Bad token [hidden]!"_s);
     const QString error = readError(u"/reason"_s);
     QVERIFY2(error.contains(u"No ***"_s), qPrintable(error));
 }
