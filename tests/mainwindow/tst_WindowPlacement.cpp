@@ -69,7 +69,5 @@ void tst_WindowPlacement::withoutScreensNothingChanges()
     QCOMPARE(placedOnScreen(QRect(1, 2, 3, 4), {}), QRect(1, 2, 3, 4));
 }
 
-Q_DECLARE_METATYPE(DockFacts)
-
 TAVORAN_TEST_MAIN(tst_WindowPlacement)
 #include "tst_WindowPlacement.moc"
