@@ -39,6 +39,18 @@ PLATFORM = [
     ("platform: orders there twice after {kills} kills", "twice", "", "<=", 0),
 ]
 
+ACTIVITIES = [("snapshots", "snapshots"), ("reconnects", "reconnects"), ("timeframes", "timeframe switches"),
+              ("dialogs", "order windows")]
+MEMORY = [
+    ("memory with 4 charts of 1 000 candles", "pss_mb", " MB", 90),
+    ("the same, shared libraries counted in full", "rss_mb", " MB", 90),
+    *((f"growth over {{count_{name}}} {title}", f"growth_{name}", " MB", 3) for name, title in ACTIVITIES),
+    ("growth over all of these", "growth", " MB", 3),
+    ("the same, second halves only (no trend)", "second", " MB", 0.5),
+    ("a Journal row at {journal_rows}", "journal_bytes", " B", 700),
+    ("time of the last tenth of them / the first", "journal_late_early", "", 1.2),
+]
+
 
 def medians(folder):
     """Median CPU time in ns by benchmark name; names of other files carry the file's name in front."""
@@ -54,6 +66,39 @@ def medians(folder):
 
 def line(figure, value, target, short):
     print(f"| {figure:<46} | {value:>10} | {target:>9} | {'SHORT' if short else 'ok':<5} |")
+
+
+def values(path):
+    """The "name value" lines of a file."""
+    return dict(entry.split() for entry in path.read_text().splitlines()) if path.exists() else {}
+
+
+def start_up_lines(found):
+    for figure, name, most in [("process start to sign-in window / BARE", "signin_ms", 2.5),
+                               ("sign-in to window, 4 charts painted / BARE", "charts_ms", 3.0)]:
+        if name in found:
+            ratio = float(found[name]) / float(found["bare_ms"])
+            line(figure, f"{ratio:.2f}", f"<= {most:g}", ratio > most)
+        else:
+            line(figure, "not run", f"<= {most:g}", True)
+
+
+def memory_lines(found):
+    for total in ("growth", "second"):
+        parts = [float(found[f"{total}_{name}"]) for name, _ in ACTIVITIES if f"{total}_{name}" in found]
+        if len(parts) == len(ACTIVITIES):
+            # Memory given back by one activity does not excuse another.
+            found[total] = sum(max(0.0, part) for part in parts)
+    counts = {name: f"{int(float(value)):,}".replace(",", " ") for name, value in found.items()
+              if name.startswith("count_") or name == "journal_rows"}
+    for figure, name, unit, most in MEMORY:
+        words = {word.strip("{}"): "N" for word in figure.split() if word.startswith("{")}
+        figure = figure.format(**{**words, **counts})
+        if name in found:
+            value = float(found[name])
+            line(figure, f"{value:.3g}{unit}", f"<= {most:g}{unit}", value > most)
+        else:
+            line(figure, "not run", f"<= {most:g}{unit}", True)
 
 
 def main():
@@ -78,8 +123,9 @@ def main():
             millions = (many - few) / 100 / 1e6
             target = f"<= {most:g} M" if most else "-"
             line(f"instructions a {frame} frame, 7 px", f"{millions:.2f} M", target, bool(most) and millions > most)
-    path = folder / "platform"
-    found = dict(entry.split() for entry in path.read_text().splitlines()) if path.exists() else {}
+    start_up_lines(values(folder / "startup"))
+    memory_lines(values(folder / "memory"))
+    found = values(folder / "platform")
     for figure, name, unit, sign, limit in PLATFORM:
         figure = figure.format(kills=found.get("kills", "the"))
         if name in found:
