@@ -342,7 +342,7 @@ void measureGrowth(Watched& program, const QByteArray& name, int count, double b
         pause(300);
         return program.ownMemory() - bytesARow * static_cast<double>(journalRows(program));
     };
-    act(std::max(1, count / 20)); // what is allocated once is no growth
+    act(std::max(10, count / 20)); // what is allocated once is no growth
     const double first = sample();
     act(count / 2);
     const double middle = sample();
