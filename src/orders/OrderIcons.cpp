@@ -1,5 +1,6 @@
 #include "orders/OrderIcons.h"
 
+#include <QHash>
 #include <QPainter>
 
 namespace {
@@ -73,9 +74,7 @@ void draw(QPainter& painter, OrderIcon icon)
     }
 }
 
-} // namespace
-
-QIcon orderIcon(OrderIcon icon)
+QIcon drawn(OrderIcon icon)
 {
     QPixmap pixmap(16, 16);
     pixmap.fill(Qt::transparent);
@@ -84,4 +83,16 @@ QIcon orderIcon(OrderIcon icon)
     draw(painter, icon);
     painter.end();
     return QIcon(pixmap);
+}
+
+} // namespace
+
+QIcon orderIcon(OrderIcon icon)
+{
+    // Never destroyed: pixmaps must not outlive the application, and statics do.
+    static QHash<int, QIcon>& icons = *new QHash<int, QIcon>;
+    QIcon& kept = icons[static_cast<int>(icon)];
+    if (kept.isNull())
+        kept = drawn(icon);
+    return kept;
 }
