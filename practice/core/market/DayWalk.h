@@ -19,8 +19,8 @@ namespace practice {
 /// strongly, so a fast market moves more often but not to wilder prices.
 class DayWalk final {
 public:
-    static constexpr std::int64_t firstDay = -210 * 57; ///< in 1937: starts a week and a 30-day bar too
-    static constexpr std::int64_t lastDay = 84'000;     ///< in 2199; the price stands still after it
+    static constexpr std::int64_t firstDay = -210LL * 57; ///< in 1937: starts a week and a 30-day bar too
+    static constexpr std::int64_t lastDay = 84'000;       ///< in 2199; the price stands still after it
 
     /// Price at the end of a day, where something else than chance decides it.
     using CloseRule = std::function<double(std::int64_t day)>;

@@ -50,7 +50,8 @@ std::int64_t ReplayLoop::volumeBefore(std::int64_t number) const
 
 ReplayLoop::Range ReplayLoop::recorded(std::size_t first, std::size_t last) const
 {
-    const std::size_t level = std::bit_width(last - first + 1) - 1U;
+    const std::size_t bars = last - first + 1;
+    const std::size_t level = std::bit_width(bars | 1U) - 1U; // at least one bar
     const Range& left = m_ranges[level][first];
     const Range& right = m_ranges[level][last + 1 - (std::size_t(1) << level)];
     return {std::max(left.high, right.high), std::min(left.low, right.low)};

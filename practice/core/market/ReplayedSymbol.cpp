@@ -12,8 +12,9 @@ namespace {
 // open, high, low and close.
 std::size_t stepsFor(double speed)
 {
-    const double perMinute = static_cast<double>(minuteMs / SimulatedSymbol::tickLength(speed));
-    return static_cast<std::size_t>(std::clamp(std::round(perMinute / speed), 4.0, 600.0));
+    const TimeMs wholeTicksAMinute = minuteMs / SimulatedSymbol::tickLength(speed);
+    const double steps = static_cast<double>(wholeTicksAMinute) / speed;
+    return static_cast<std::size_t>(std::clamp(std::round(steps), 4.0, 600.0));
 }
 
 } // namespace
