@@ -144,6 +144,7 @@ void ChartWidget::setChartType(int type)
         return;
     m_type = wanted;
     update();
+    Q_EMIT settingsChanged();
 }
 
 void ChartWidget::setColors(const ChartColors& colors)
@@ -158,6 +159,15 @@ void ChartWidget::setColors(const ChartColors& colors)
     update();
 }
 
+void ChartWidget::setMovingAverages(const QList<MovingAverageSpec>& averages)
+{
+    if (averages == m_averages)
+        return;
+    m_averages = averages;
+    update();
+    Q_EMIT settingsChanged();
+}
+
 void ChartWidget::setRsi(bool enabled, int period)
 {
     const int usable = std::max(period, shortestRsiPeriod);
@@ -166,6 +176,25 @@ void ChartWidget::setRsi(bool enabled, int period)
     m_rsiEnabled = enabled;
     m_rsiPeriod = usable;
     viewChanged();
+    Q_EMIT settingsChanged();
+}
+
+void ChartWidget::setDrawings(const QList<Drawing>& drawings)
+{
+    if (drawings == m_drawings)
+        return;
+    m_drawings = drawings;
+    update();
+}
+
+void ChartWidget::setTool(const QString& key)
+{
+    const bool changed = key != m_tool;
+    m_tool = key;
+    setCursor(!m_tool.isEmpty() || m_ruler.armed ? Qt::CrossCursor : Qt::ArrowCursor);
+    update();
+    if (changed)
+        Q_EMIT settingsChanged();
 }
 
 void ChartWidget::setMeasureMode(bool on)
@@ -175,6 +204,7 @@ void ChartWidget::setMeasureMode(bool on)
     m_ruler.armed = on;
     m_ruler.active = false;
     update();
+    Q_EMIT settingsChanged();
 }
 
 void ChartWidget::setTradeLevels(const QList<TradeLevel>& levels)
@@ -291,11 +321,14 @@ void ChartWidget::applyView(const ViewState& state)
 {
     if (state == m_viewState)
         return;
-    const bool announce = state.autoScroll != m_viewState.autoScroll;
+    const bool scrollChanged = state.autoScroll != m_viewState.autoScroll;
+    const bool shiftChanged = state.chartShift != m_viewState.chartShift;
     m_viewState = state;
     viewChanged();
-    if (announce)
+    if (scrollChanged)
         Q_EMIT autoScrollChanged(state.autoScroll);
+    if (scrollChanged || shiftChanged)
+        Q_EMIT settingsChanged();
 }
 
 bool ChartWidget::pointerInPlot() const

@@ -6,6 +6,7 @@
 #include "chart/ChartType.h"
 #include "chart/ChartView.h"
 #include "chart/Drawing.h"
+#include "chart/MovingAverageSpec.h"
 #include "chart/PanZoom.h"
 #include "chart/TextPainter.h"
 #include "chart/TradeLevel.h"
@@ -69,10 +70,22 @@ public:
     void setColors(const ChartColors& colors);
     [[nodiscard]] const ChartColors& colors() const { return m_colors; }
 
+    /// The averages drawn over the prices, in the order of their legend.
+    void setMovingAverages(const QList<MovingAverageSpec>& averages);
+    [[nodiscard]] const QList<MovingAverageSpec>& movingAverages() const { return m_averages; }
+
     /// The relative-strength pane; a period below 2 becomes 2.
     void setRsi(bool enabled, int period);
     [[nodiscard]] bool rsiEnabled() const { return m_rsiEnabled; }
     [[nodiscard]] int rsiPeriod() const { return m_rsiPeriod; }
+
+    /// The objects on the chart, later ones on top; replaces those shown.
+    void setDrawings(const QList<Drawing>& drawings);
+    [[nodiscard]] const QList<Drawing>& drawings() const { return m_drawings; }
+    /// The kind of object that the next clicks place (see Drawing::type); empty ends placing. Points placed
+    /// so far are dropped.
+    void setTool(const QString& key);
+    [[nodiscard]] QString tool() const { return m_tool; }
 
     /// Arms or disarms the ruler; a ruler in progress ends.
     void setMeasureMode(bool on);
@@ -95,6 +108,8 @@ Q_SIGNALS:
     void autoScrollChanged(bool on);
     /// Prices of the bar under the pointer as text; empty when the pointer has left.
     void crosshairMoved(const QString& ohlc);
+    /// Chart type, shift, scrolling, indicators, tool or ruler have changed: what menus show of a chart.
+    void settingsChanged();
     void drawingCreated(const Drawing& drawing);
     void drawingUpdated(const Drawing& drawing);
     void drawingDeleted(const QString& id);
@@ -150,9 +165,12 @@ private:
     int m_digits = 5;
     ChartType m_type = ChartType::Candles;
     ChartColors m_colors;
+    QList<MovingAverageSpec> m_averages;
     bool m_rsiEnabled = false;
     int m_rsiPeriod = 14;
     Ruler m_ruler;
+    QList<Drawing> m_drawings;
+    QString m_tool;
     QList<TradeLevel> m_levels;
     int m_draggedLevel = -1;
     double m_draggedPrice = 0.0;

@@ -37,6 +37,7 @@ ChartWindow::ChartWindow(ApiClient& api, const QString& symbol, const QString& t
 
     connect(m_chart, &ChartWidget::crosshairMoved, this, &ChartWindow::crosshairMoved);
     connect(m_chart, &ChartWidget::autoScrollChanged, this, &ChartWindow::autoScrollChanged);
+    connect(m_chart, &ChartWidget::settingsChanged, this, &ChartWindow::settingsChanged);
     connect(m_chart, &ChartWidget::levelDragged, this, &ChartWindow::modifyLevelRequested);
 }
 

@@ -63,6 +63,10 @@ public Q_SLOTS:
     void zoomOut();
 
 Q_SIGNALS:
+    /// What menus show of this chart has changed: see ChartWidget::settingsChanged().
+    void settingsChanged();
+    /// The trader asks for the contract specification of this symbol.
+    void specificationRequested(const QString& symbol);
     void titleChanged(const QString& title);
     void timeframeChanged(const QString& key);
     void logMessage(const QString& source, const QString& message);
