@@ -1,6 +1,7 @@
 #pragma once
 
 #include "app/TerminalSettings.h"
+#include "mainwindow/ChartArea.h"
 #include "mainwindow/MainWindow.h"
 #include "net/ApiClient.h"
 #include "support/StubFeedServer.h"
@@ -83,6 +84,8 @@ struct MainWindowFixture final {
         }
     }
 
+    [[nodiscard]] ChartArea* chartArea() const { return window->findChild<ChartArea*>(); }
+    [[nodiscard]] QList<ChartWindow*> charts() const { return chartArea()->charts(); }
     [[nodiscard]] QComboBox& selector() const
     {
         return *window->findChild<QComboBox*>(QStringLiteral("accountSelector"));

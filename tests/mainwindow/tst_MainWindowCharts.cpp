@@ -1,0 +1,281 @@
+#include "MainWindowFixture.h"
+#include "chart/ChartWidget.h"
+#include "chart/ChartWindow.h"
+#include "support/TestMain.h"
+
+using namespace Qt::StringLiterals;
+
+class tst_MainWindowCharts final : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void doubleClickInMarketWatchOpensOneChart();
+    void newChartStartsWithWhatIsKnown();
+    void chartsFollowTradesFiguresAndPrices();
+    void chartsReadTheirHistoryAgainOnlyAfterTheFeedWasGone();
+    void zoomKeysActOnceAndLeaveTextFieldsAlone();
+    void ampersandStaysVisibleInTheTab();
+    void interruptedRestoringIsToldAndAShownWindowEndsIt();
+    void chartsComeBackInOrderWithTheMaximizedOne();
+    void chartGeometrySurvivesARestart();
+    void corruptChartLayoutOpensWhatIsReadable();
+    void unlistedSymbolOpensAndIsReportedOnce();
+    void reopenedChartGetsItsDigitsFromTheHello();
+    void quittingSavesTheCharts();
+};
+
+void tst_MainWindowCharts::doubleClickInMarketWatchOpensOneChart()
+{
+    MainWindowFixture f;
+    f.signInAndSettle();
+    auto* watch = &f.list("marketWatchSymbols");
+    const QPoint row = watch->visualItemRect(watch->topLevelItem(1)).center();
+    QTest::mouseClick(watch->viewport(), Qt::LeftButton, {}, row);
+    QTest::mouseDClick(watch->viewport(), Qt::LeftButton, {}, row);
+    QCOMPARE(f.charts().size(), 1);
+    QCOMPARE(f.charts().constFirst()->symbol(), u"USDJPY"_s);
+    QCOMPARE(f.charts().constFirst()->timeframe(), u"15m"_s);
+    QTRY_COMPARE(f.http.count("GET", "/api/candles?symbol=USDJPY&timeframe=15m"), 1);
+}
+
+void tst_MainWindowCharts::newChartStartsWithWhatIsKnown()
+{
+    MainWindowFixture f;
+    f.signInAndSettle();
+    f.action("New Chart")->trigger();
+    QCOMPARE(f.charts().size(), 1);
+    QCOMPARE(f.charts().constFirst()->symbol(), u"EURUSD"_s);
+    QCOMPARE(f.charts().constFirst()->accountId(), u"a1"_s);
+    QCOMPARE(f.charts().constFirst()->digits(), 5);
+    f.selector().setCurrentIndex(2);
+    QCOMPARE(f.charts().constFirst()->accountId(), u"a2"_s);
+}
+
+void tst_MainWindowCharts::chartsFollowTradesFiguresAndPrices()
+{
+    MainWindowFixture f;
+    f.open();
+    f.window->openChart(u"EURUSD"_s); // before anything is known
+    f.window->setUser({});
+    QTRY_VERIFY(f.charts().constFirst()->equity() > 1000.0);
+    f.settle();
+    f.window->openChart(u"EURUSD"_s);
+    QCOMPARE(f.charts().size(), 2);
+    for (const ChartWindow* chart : f.charts()) {
+        QCOMPARE(chart->accountId(), u"a1"_s);
+        QCOMPARE(chart->balance(), 1000.0);
+        QCOMPARE(chart->equity(), 1012.5);
+        QCOMPARE(chart->chart().tradeLevels().size(), 1);
+        QCOMPARE(chart->chart().bid(), 1.1);
+    }
+    f.feed.send(R"({"type":"trades_update","data":[{"accountId":"a1","id":"t1","pnl":-20}]})");
+    f.feed.send(R"({"type":"price_update","data":{"EURUSD":{"bid":1.25,"ask":1.26}}})");
+    for (const ChartWindow* chart : f.charts()) {
+        QTRY_COMPARE(chart->equity(), 980.0);
+        QTRY_COMPARE(chart->chart().bid(), 1.25);
+    }
+    f.selector().setCurrentIndex(2);
+    for (const ChartWindow* chart : f.charts()) {
+        QCOMPARE(chart->accountId(), u"a2"_s);
+        QCOMPARE(chart->balance(), 2000.0);
+        QTRY_VERIFY(chart->chart().tradeLevels().isEmpty());
+    }
+}
+
+void tst_MainWindowCharts::chartsReadTheirHistoryAgainOnlyAfterTheFeedWasGone()
+{
+    MainWindowFixture f;
+    f.signInAndSettle();
+    f.window->openChart(u"EURUSD"_s);
+    f.settle();
+    const QByteArray hello = R"({"type":"hello","symbols":[{"name":"EURUSD"}],"prices":{}})";
+    f.feed.send(hello);
+    QTRY_COMPARE(f.http.count("GET", "/api/accounts"), 3);
+    f.settle();
+    QCOMPARE(f.http.count("GET", "/api/candles"), 1);
+    f.feed.cut();
+    QTRY_COMPARE(f.http.count("GET", "/api/candles"), 2);
+    f.feed.send(hello);
+    QTRY_COMPARE(f.http.count("GET", "/api/accounts"), 5);
+    f.settle();
+    QCOMPARE(f.http.count("GET", "/api/candles"), 2);
+}
+
+void tst_MainWindowCharts::zoomKeysActOnceAndLeaveTextFieldsAlone()
+{
+    MainWindowFixture f;
+    f.signInAndSettle();
+    QVERIFY(!f.action("Zoom In")->isEnabled());
+    f.window->openChart(u"EURUSD"_s);
+    QVERIFY(f.action("Zoom In")->isEnabled());
+    f.chartArea()->closeAllSubWindows();
+    QTRY_VERIFY(!f.action("Zoom In")->isEnabled());
+    QVERIFY(!f.action("Zoom Out")->isEnabled());
+    f.window->openChart(u"EURUSD"_s);
+    f.window->activateWindow();
+    QVERIFY(QTest::qWaitForWindowActive(f.window.get()));
+    QSignalSpy in(f.action("Zoom In"), &QAction::triggered);
+    QSignalSpy out(f.action("Zoom Out"), &QAction::triggered);
+    f.charts().constFirst()->setFocus();
+    QTest::keyClick(f.window.get(), Qt::Key_Plus);
+    QTest::keyClick(f.window.get(), Qt::Key_Equal);
+    QTest::keyClick(f.window.get(), Qt::Key_Minus);
+    QCOMPARE(in.count(), 2);
+    QCOMPARE(out.count(), 1);
+
+    for (QWidget* field : {static_cast<QWidget*>(new QLineEdit), static_cast<QWidget*>(new QDoubleSpinBox)}) {
+        f.window->statusBar()->addWidget(field);
+        field->show();
+        field->setFocus();
+        QTRY_VERIFY(field->hasFocus());
+        QTest::keyClick(field, '-');
+        QTest::keyClick(field, '+');
+    }
+    QCOMPARE(f.window->statusBar()->findChild<QLineEdit*>()->text(), u"-+"_s);
+    QCOMPARE(in.count(), 2);
+    QCOMPARE(out.count(), 1);
+}
+
+void tst_MainWindowCharts::ampersandStaysVisibleInTheTab()
+{
+    MainWindowFixture f;
+    f.open();
+    f.window->openChart(u"S&P"_s);
+    const auto* bar = f.chartArea()->findChild<QTabBar*>();
+    QCOMPARE(bar->tabText(0), u"S&&P,M15"_s);
+    f.charts().constFirst()->setTimeframe(u"1h"_s);
+    QCOMPARE(bar->tabText(0), u"S&&P,H1"_s);
+}
+
+void tst_MainWindowCharts::interruptedRestoringIsToldAndAShownWindowEndsIt()
+{
+    const QString line = u"Terminal: The last start ended while the window layout was being restored; "
+                         u"the default layout is used."_s;
+    MainWindowFixture f;
+    f.open();
+    f.window->close();
+    TerminalSettings& settings = TerminalSettings::instance();
+    settings.setRestoringLayout(true);
+    f.open();
+    QCOMPARE(f.journalCount(line), 1);
+    QVERIFY(!settings.restoringLayout());
+
+    f.window.reset();
+    f.window = std::make_unique<MainWindow>();
+    QCOMPARE(f.journalCount(line), 0);
+    QVERIFY(settings.restoringLayout());
+    f.window->show();
+    QTRY_VERIFY(!settings.restoringLayout());
+}
+
+void tst_MainWindowCharts::chartsComeBackInOrderWithTheMaximizedOne()
+{
+    for (int maximized = 0; maximized < 3; ++maximized) {
+        MainWindowFixture f;
+        f.signInAndSettle();
+        auto* area = f.chartArea();
+        for (const auto& symbol : {u"EURUSD"_s, u"USDJPY"_s, u"S&P"_s})
+            f.window->openChart(symbol);
+        f.charts().at(1)->setTimeframe(u"1d"_s);
+        for (QMdiSubWindow* subWindow : area->subWindowList())
+            subWindow->showNormal();
+        QMdiSubWindow* chosen = area->subWindowList().at(maximized);
+        area->setActiveSubWindow(chosen);
+        chosen->showMaximized();
+        QVERIFY(f.window->close());
+
+        f.open();
+        area = f.chartArea();
+        QStringList titles;
+        for (const ChartWindow* chart : f.charts())
+            titles.append(chart->title());
+        QCOMPARE(titles, QStringList({u"EURUSD,M15"_s, u"USDJPY,D1"_s, u"S&P,M15"_s}));
+        for (int i = 0; i < 3; ++i)
+            QCOMPARE(area->subWindowList().at(i)->isMaximized(), i == maximized);
+        QCOMPARE(area->activeChart(), f.charts().at(maximized));
+    }
+}
+
+void tst_MainWindowCharts::chartGeometrySurvivesARestart()
+{
+    MainWindowFixture f;
+    f.open();
+    for (const auto& symbol : {u"EURUSD"_s, u"USDJPY"_s})
+        f.window->openChart(symbol);
+    const QRect places[] = {{5, 26, 300, 200}, {40, 30, 250, 210}}; // the toolkit keeps 20 pixels free above
+    for (int i = 0; i < 2; ++i) {
+        QMdiSubWindow* subWindow = f.chartArea()->subWindowList().at(i);
+        subWindow->showNormal();
+        subWindow->setGeometry(places[i]);
+    }
+    f.window->close();
+    f.open();
+    for (int i = 0; i < 2; ++i) {
+        const QMdiSubWindow* subWindow = f.chartArea()->subWindowList().at(i);
+        QVERIFY(!subWindow->isMaximized());
+        QCOMPARE(subWindow->geometry(), places[i]);
+    }
+}
+
+void tst_MainWindowCharts::corruptChartLayoutOpensWhatIsReadable()
+{
+    MainWindowFixture f;
+    const QByteArray far = [] {
+        QByteArray geometry;
+        QDataStream stream(&geometry, QIODevice::WriteOnly);
+        const QRect absurd(QPoint(2'000'000'000, 5), QPoint(2'100'000'000, 2'000'000'000));
+        stream << quint32(0x1D9D0CB) << quint16(3) << quint16(0) << absurd << absurd << qint32(0) << quint8(0)
+               << quint8(0) << qint32(800) << absurd;
+        return geometry;
+    }();
+    TerminalSettings::instance().setChartsLayout(uR"([1, {"symbol":"A","tf":"9m"},
+        {"symbol":"EURUSD","tf":"1h","geometry":"%1","indicators":{"chartType":"x","colors":5,"mas":{}}},
+        {"symbol":"USDJPY","tf":"1m","geometry":"AAAA","maximized":3}])"_s.arg(
+        QLatin1StringView(far.toBase64())));
+    f.open();
+    QCOMPARE(f.charts().size(), 2);
+    const QMdiSubWindow* placed = f.chartArea()->subWindowList().constFirst();
+    QVERIFY(QRect(QPoint(), f.window->size()).contains(placed->geometry().topLeft()));
+    QVERIFY(placed->width() <= f.window->width());
+    TerminalSettings::instance().setChartsLayout(u"{not json"_s);
+    f.open();
+    QCOMPARE(f.charts().size(), 0);
+}
+
+void tst_MainWindowCharts::unlistedSymbolOpensAndIsReportedOnce()
+{
+    MainWindowFixture f;
+    TerminalSettings::instance().setChartsLayout(
+        uR"([{"symbol":"GONE<b>","tf":"1h"},{"symbol":"GONE<b>","tf":"1d"}])"_s);
+    f.signIn();
+    const QString line = u"Chart: GONE<b>: the server does not list this symbol"_s;
+    QTRY_COMPARE(f.journalCount(line), 1);
+    f.feed.send(R"({"type":"hello","symbols":[{"name":"EURUSD"}],"prices":{}})");
+    QTRY_COMPARE(f.http.count("GET", "/api/accounts"), 3);
+    QCOMPARE(f.journalCount(line), 1);
+    QCOMPARE(f.charts().size(), 2);
+}
+
+void tst_MainWindowCharts::reopenedChartGetsItsDigitsFromTheHello()
+{
+    MainWindowFixture f;
+    TerminalSettings::instance().setChartsLayout(uR"([{"symbol":"USDJPY","tf":"1h"}])"_s);
+    f.signIn();
+    QCOMPARE(f.charts().constFirst()->digits(), 5);
+    QTRY_COMPARE(f.charts().constFirst()->digits(), 3);
+    QTRY_COMPARE(f.charts().constFirst()->accountId(), u"a1"_s);
+}
+
+void tst_MainWindowCharts::quittingSavesTheCharts()
+{
+    MainWindowFixture f;
+    f.open();
+    f.window->openChart(u"EURUSD"_s);
+    QVERIFY(TerminalSettings::instance().chartsLayout().isEmpty());
+    f.action("E&xit")->trigger();
+    QVERIFY(TerminalSettings::instance().chartsLayout().contains(u"EURUSD"_s));
+    QVERIFY(!TerminalSettings::instance().windowState().isEmpty());
+}
+
+TAVORAN_TEST_MAIN(tst_MainWindowCharts)
+#include "tst_MainWindowCharts.moc"

@@ -1,0 +1,175 @@
+#include "MainWindowFixture.h"
+#include "app/Log.h"
+#include "mainwindow/PopupPrices.h"
+#include "support/PaintCounter.h"
+#include "support/TestMain.h"
+
+using namespace Qt::StringLiterals;
+
+class tst_MainWindowFeed final : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void signInIsShownAndWrittenToTheJournal();
+    void connectionStateFollowsTheFeed();
+    void trafficLatencyAndNewsOfTheFeedAreShown();
+    void actionsThatNeedSymbolsWaitForThem();
+    void pricesReachMarketWatchAndTrades();
+    void popupPricesFollowHelloAndSnapshots();
+    void serverTextNeverBreaksALogLine();
+    void hostileRecordsAreSurvived();
+    void floodOfMessagesIsSurvived();
+};
+
+void tst_MainWindowFeed::signInIsShownAndWrittenToTheJournal()
+{
+    MainWindowFixture f;
+    f.signIn(u"<b>eve</b>%1@example.test"_s);
+    QCOMPARE(f.window->findChild<QLabel*>(u"userLabel"_s)->text(), u"<b>eve</b>%1@example.test"_s);
+    QCOMPARE(f.window->user()["token"_L1].toString(), u"x"_s);
+    QCOMPARE(f.journalCount(u"Auth: Logged in as <b>eve</b>%1@example.test on "_s + f.http.url()), 1);
+}
+
+void tst_MainWindowFeed::connectionStateFollowsTheFeed()
+{
+    MainWindowFixture f;
+    f.signIn();
+    const auto* label = f.window->findChild<QLabel*>(u"connectionLabel"_s);
+    QTRY_COMPARE(label->text(), u"<span style='color:#26d367'>●</span> Connected — 127.0.0.1"_s);
+    f.feed.cut();
+    QTRY_COMPARE(label->text(), u"<span style='color:#ff6b6b'>●</span> Disconnected — 127.0.0.1"_s);
+}
+
+void tst_MainWindowFeed::trafficLatencyAndNewsOfTheFeedAreShown()
+{
+    MainWindowFixture f;
+    f.signIn();
+    QTRY_COMPARE(f.journalCount(u"Network: Feed connected"_s), 1);
+    QTRY_COMPARE(f.journalCount(u"Network: Feed ready — 2 symbols"_s), 1);
+    f.feed.send(R"({"type":"pong"})");
+    QTRY_COMPARE(f.window->findChild<QLabel*>(u"latencyLabel"_s)->text(), u"(0 ms)"_s);
+    QTRY_VERIFY(!f.window->findChild<QLabel*>(u"trafficLabel"_s)->text().contains(u" 0.0 / "_s));
+}
+
+void tst_MainWindowFeed::actionsThatNeedSymbolsWaitForThem()
+{
+    MainWindowFixture f;
+    f.open();
+    QVERIFY(!f.action("New Order")->isEnabled());
+    QVERIFY(!f.action("New Chart")->isEnabled());
+    f.window->onHello({});
+    QVERIFY(!f.action("New Order")->isEnabled());
+    f.window->onHello({{u"symbols"_s, QJsonArray{QJsonObject{{u"name"_s, u"X"_s}}}}});
+    QVERIFY(f.action("New Order")->isEnabled());
+    QVERIFY(f.action("New Chart")->isEnabled());
+}
+
+void tst_MainWindowFeed::pricesReachMarketWatchAndTrades()
+{
+    MainWindowFixture f;
+    f.signInAndSettle();
+    QTRY_COMPARE(f.list("tradeList").topLevelItem(0)->text(8), u"1.10000"_s);
+    f.feed.send(R"({"type":"price_update","data":{"EURUSD":{"bid":"1.30001","ask":1.4}}})");
+    QTRY_COMPARE(f.list("tradeList").topLevelItem(0)->text(8), u"1.30001"_s);
+    auto* watch = &f.list("marketWatchSymbols");
+    QCOMPARE(watch->topLevelItem(0)->text(1), u"1.30001"_s);
+}
+
+void tst_MainWindowFeed::popupPricesFollowHelloAndSnapshots()
+{
+    MainWindowFixture f;
+    f.open();
+    f.action("Popup Prices")->trigger();
+    auto* list = f.window->findChild<PopupPrices*>()->findChild<QTreeView*>(u"popupPriceList"_s);
+    QVERIFY(list->isVisible());
+    const auto rows = [list] {
+        QStringList texts;
+        for (int row = 0; row < list->model()->rowCount(); ++row) {
+            QStringList cells;
+            for (int column = 0; column < list->model()->columnCount(); ++column) {
+                if (!list->isColumnHidden(column))
+                    cells.append(list->model()->index(row, column).data().toString());
+            }
+            texts.append(cells.join(u' '));
+        }
+        return texts;
+    };
+    QCOMPARE(rows(), QStringList());
+    f.window->setUser({});
+    QTRY_COMPARE(rows(), QStringList({u"EURUSD 1.10000 1.20000"_s, u"USDJPY 150.500 150.600"_s}));
+    f.settle();
+    const auto picture = [list] { return list->viewport()->grab().toImage(); };
+    const QImage before = picture();
+    f.feed.send(R"({"type":"price_update","data":{"USDJPY":{"bid":151,"ask":"151.25"},"X":{"bid":1}}})");
+    QTRY_COMPARE(rows().value(1), u"USDJPY 151.000 151.250"_s);
+    QVERIFY(picture() != before);
+
+    // What is painted anew is what a person sees: a snapshot alone asks for one repaint.
+    QTRY_VERIFY(QTest::qWaitForWindowExposed(list->window()));
+    const PaintCounter repaints(*list->viewport());
+    f.window->onPrices({{u"EURUSD"_s, QJsonObject{{u"bid"_s, 1.3}, {u"ask"_s, 1.4}}}});
+    QTRY_VERIFY(repaints.count() > 0);
+
+    f.window->onHello({{u"symbols"_s, QJsonArray{QJsonObject{{u"name"_s, u"GOLD"_s}, {u"digits"_s, 2}}}},
+        {u"prices"_s, QJsonObject{{u"GOLD"_s, QJsonObject{{u"bid"_s, 2000}, {u"ask"_s, 2001}}}}}});
+    QCOMPARE(rows(), QStringList({u"GOLD 2000.00 2001.00"_s}));
+    const QImage light = picture();
+    f.action("Dark")->trigger();
+    QVERIFY(picture() != light);
+    QCOMPARE(picture().pixelColor(list->viewport()->rect().bottomRight()),
+        QApplication::palette().color(QPalette::Base));
+    f.action("Light")->trigger();
+}
+
+void tst_MainWindowFeed::serverTextNeverBreaksALogLine()
+{
+    MainWindowFixture f;
+    f.signInAndSettle();
+    f.feed.send(
+        R"({"type":"account_update","accountId":"x\n00:00:00.000  forged","status":"secret-token-123"})");
+    QTRY_VERIFY(!f.journal().filter(u"forged"_s).isEmpty());
+    QFile file(logFilePath());
+    QVERIFY(file.open(QIODevice::ReadOnly));
+    const QByteArray log = file.readAll();
+    QVERIFY(log.contains("forged"));
+    QVERIFY(!log.contains("\n00:00:00.000  forged"));
+}
+
+void tst_MainWindowFeed::hostileRecordsAreSurvived()
+{
+    MainWindowFixture f;
+    f.http.on("GET", "/api/accounts", StubAnswer::json(R"([5,null,[],{"id":7,"Plan":[],"balance":{}},
+        {"id":"<img src='x'>\n%1","Plan":{"name":"<table>","steps":"two"},"status":["x"],"balance":"1e400"},
+        {"id":"dup","status":"ACTIVE"},{"id":"dup","status":"ACTIVE"}])"));
+    f.http.on(
+        "GET", "/api/trades/open", StubAnswer::json(R"([{"id":"t"},{"id":"t"},{"symbol":5},null,"x"])"));
+    f.http.on("GET", "/api/trades/history", StubAnswer::json(R"({"an":"object"})"));
+    f.signIn();
+    QTRY_COMPARE(f.selector().count(), 7);
+    f.window->openChart(u"NOPE"_s);
+    f.feed.send(
+        R"({"type":"hello","symbols":[1,{"name":"A","digits":-7},{"name":"A","digits":1e9},{"name":null}],"prices":[]})");
+    f.feed.send(
+        R"({"type":"price_update","data":{"A":{"bid":"nan","ask":1e308},"B":5,"NOPE":{"bid":[],"ask":null}}})");
+    f.feed.send(R"({"type":"trades_update","data":{"not":"rows"}})");
+    f.feed.send(R"({"type":"orders_changed","filled":"yes","closeReason":{}})");
+    f.feed.send(R"({"type":"account_update"})");
+    QTRY_COMPARE(f.journalCount(u"Account: Account  status changed to "_s), 1);
+    f.settle();
+    QCOMPARE(f.selector().currentData().toString(), u"dup"_s);
+}
+
+void tst_MainWindowFeed::floodOfMessagesIsSurvived()
+{
+    MainWindowFixture f;
+    f.signInAndSettle();
+    f.window->openChart(u"EURUSD"_s);
+    for (int i = 1; i <= 2000; ++i) {
+        f.feed.send(QByteArray(R"({"type":"price_update","data":{"EURUSD":{"bid":)") + QByteArray::number(i)
+            + R"(,"ask":)" + QByteArray::number(i + 1) + "}}}");
+    }
+    QTRY_COMPARE_WITH_TIMEOUT(f.list("tradeList").topLevelItem(0)->text(8), u"2000.00000"_s, 30'000);
+}
+
+TAVORAN_TEST_MAIN(tst_MainWindowFeed)
+#include "tst_MainWindowFeed.moc"
