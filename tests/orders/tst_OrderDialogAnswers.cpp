@@ -1,0 +1,324 @@
+#include "OrderDeskFixture.h"
+#include "app/DecimalSpinBox.h"
+#include "app/Theme.h"
+#include "support/TestMain.h"
+
+using namespace Qt::StringLiterals;
+using fixtures::Desk;
+using fixtures::placePath;
+
+class TestOrderDialogAnswers final : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init();
+    void fieldsAreDisabledWhileSending();
+    void aRefusalIsShownAndFieldsStay();
+    void aRefusalCanBeCorrectedAndSentAgain();
+    void aRefusalWithoutMessageShowsTheNetworksText();
+    void anUncertainOutcomeIsNeverReportedAsDone_data();
+    void anUncertainOutcomeIsNeverReportedAsDone();
+    void aRedirectIsNoSuccess();
+    void anUnreachableServerIsReported();
+    void aReadableAnswerIsNotAskedForOnPurpose_data();
+    void aReadableAnswerIsNotAskedForOnPurpose();
+    void closedWhileSendingItLeavesAndReportsTheOrder_data();
+    void closedWhileSendingItLeavesAndReportsTheOrder();
+    void closedWhileSendingItComesBackWithARefusal();
+    void closedWhileSendingItComesBackWhenNobodyKnows();
+    void closedTwiceWhileSendingItGivesUpTheWait();
+    void aSecondPressOfTheSpaceBarPressesNothingElse();
+    void aWindowDestroyedWhileSendingDoesNoHarm();
+};
+
+void TestOrderDialogAnswers::init()
+{
+    setTheme(false);
+    applyTheme(*qApp);
+}
+
+void TestOrderDialogAnswers::fieldsAreDisabledWhileSending()
+{
+    Desk desk;
+    desk.server.on("POST", placePath, StubAnswer::held());
+    desk.click(u"Limit Order"_s);
+    desk.type(u"orderPrice"_s, u"1.07"_s);
+    QTest::mouseClick(desk.buy(), Qt::LeftButton);
+    QTRY_COMPARE(desk.server.heldCount(), 1);
+    const QList<QWidget*> fields{desk.sell(), desk.buy(), desk.combo(u"orderSymbol"_s),
+        desk.part<DecimalSpinBox>(u"orderVolume"_s), desk.edit(u"orderStopLoss"_s),
+        desk.edit(u"orderTakeProfit"_s), desk.edit(u"orderPrice"_s), desk.combo(u"orderComment"_s)};
+    for (const QWidget* field : fields)
+        QVERIFY2(!field->isEnabled(), qPrintable(field->objectName()));
+    QCOMPARE(desk.buy()->parentWidget()->cursor().shape(), Qt::BusyCursor);
+    QTest::mouseClick(desk.buy(), Qt::LeftButton);
+    QTest::mouseClick(desk.sell(), Qt::LeftButton);
+    desk.server.release(StubAnswer::message(u"No"_s, 400));
+    QTRY_VERIFY(desk.error()->isVisible());
+    for (const QWidget* field : fields)
+        QVERIFY2(field->isEnabled(), qPrintable(field->objectName()));
+    QCOMPARE(desk.buy()->parentWidget()->cursor().shape(), Qt::ArrowCursor);
+    QCOMPARE(desk.server.count("POST", placePath), 1);
+}
+
+void TestOrderDialogAnswers::aRefusalIsShownAndFieldsStay()
+{
+    Desk desk;
+    desk.server.on("POST", placePath, StubAnswer::message(u"Not enough money"_s, 400));
+    QSignalSpy placed(desk.dialog, &OrderDialog::orderPlaced);
+    QSignalSpy sounds(desk.dialog, &OrderDialog::soundDue);
+    QSignalSpy unknown(desk.dialog, &OrderDialog::outcomeUnknown);
+    desk.type(u"orderStopLoss"_s, u"1.05"_s);
+    QTest::mouseClick(desk.buy(), Qt::LeftButton);
+    QTRY_VERIFY(desk.error()->isVisible());
+    QCOMPARE(desk.error()->text(), u"Not enough money"_s);
+    QVERIFY(desk.dialog->isVisible());
+    QCOMPARE(desk.edit(u"orderStopLoss"_s)->text(), u"1.05"_s);
+    QCOMPARE(sounds.size(), 1);
+    QCOMPARE(sounds.at(0).at(0).value<SoundKind>(), SoundKind::Error);
+    QCOMPARE(placed.size(), 0);
+    QCOMPARE(unknown.size(), 0);
+}
+
+void TestOrderDialogAnswers::aRefusalCanBeCorrectedAndSentAgain()
+{
+    Desk desk;
+    desk.server.once("POST", placePath, StubAnswer::message(u"Too big"_s, 400));
+    desk.server.once("POST", placePath, StubAnswer::held());
+    QSignalSpy placed(desk.dialog, &OrderDialog::orderPlaced);
+    QTest::mouseClick(desk.buy(), Qt::LeftButton);
+    QTRY_VERIFY(desk.error()->isVisible());
+    QTest::mouseClick(desk.buy(), Qt::LeftButton);
+    QVERIFY(!desk.error()->isVisible());
+    QTRY_COMPARE(desk.server.heldCount(), 1);
+    desk.server.release(StubAnswer::json("{}"));
+    QTRY_COMPARE(placed.size(), 1);
+    QTRY_VERIFY(!desk.dialog);
+}
+
+void TestOrderDialogAnswers::aRefusalWithoutMessageShowsTheNetworksText()
+{
+    Desk desk;
+    desk.server.on("POST", placePath, StubAnswer::html("<h1>Bad</h1>", 400));
+    QTest::mouseClick(desk.buy(), Qt::LeftButton);
+    QTRY_VERIFY(desk.error()->isVisible());
+    QVERIFY(!desk.error()->text().isEmpty());
+    QVERIFY(!desk.error()->text().contains(u"<h1>"_s));
+}
+
+void TestOrderDialogAnswers::anUncertainOutcomeIsNeverReportedAsDone_data()
+{
+    QTest::addColumn<int>("kind");
+    QTest::newRow("connection closed after the order was written") << 0;
+    QTest::newRow("bytes that are not HTTP") << 1;
+    QTest::newRow("a gateway that gave up") << 2;
+}
+
+void TestOrderDialogAnswers::anUncertainOutcomeIsNeverReportedAsDone()
+{
+    QFETCH(int, kind);
+    const QList<StubAnswer> answers{
+        StubAnswer::closed(), StubAnswer::raw("garbage\r\n\r\n"), StubAnswer::html("<h1>Gateway</h1>", 504)};
+    Desk desk;
+    desk.server.on("POST", placePath, answers.at(kind));
+    QSignalSpy placed(desk.dialog, &OrderDialog::orderPlaced);
+    QSignalSpy unknown(desk.dialog, &OrderDialog::outcomeUnknown);
+    QTest::mouseClick(desk.buy(), Qt::LeftButton);
+    QTRY_COMPARE(unknown.size(), 1);
+    QVERIFY(desk.error()->isVisible());
+    QVERIFY(!desk.error()->text().isEmpty());
+    QVERIFY(desk.dialog->isVisible());
+    QVERIFY(desk.buy()->isEnabled());
+    QCOMPARE(placed.size(), 0);
+    QCOMPARE(desk.server.count("POST", placePath), 1);
+}
+
+void TestOrderDialogAnswers::aRedirectIsNoSuccess()
+{
+    Desk desk;
+    desk.server.on("POST", placePath, StubAnswer::redirect(u"/elsewhere"_s));
+    QSignalSpy placed(desk.dialog, &OrderDialog::orderPlaced);
+    QTest::mouseClick(desk.buy(), Qt::LeftButton);
+    QTRY_VERIFY(desk.error()->isVisible());
+    QCOMPARE(placed.size(), 0);
+}
+
+void TestOrderDialogAnswers::anUnreachableServerIsReported()
+{
+    Desk desk;
+    desk.server.shutDown();
+    QSignalSpy placed(desk.dialog, &OrderDialog::orderPlaced);
+    QTest::mouseClick(desk.buy(), Qt::LeftButton);
+    QTRY_VERIFY(desk.error()->isVisible());
+    QVERIFY(desk.buy()->isEnabled());
+    QCOMPARE(placed.size(), 0);
+}
+
+void TestOrderDialogAnswers::aReadableAnswerIsNotAskedForOnPurpose_data()
+{
+    QTest::addColumn<QByteArray>("body");
+    QTest::addColumn<int>("status");
+    QTest::newRow("a page") << "<h1>Done</h1>"_ba << 200;
+    QTest::newRow("a cut object") << R"({"id":"t-)"_ba << 201;
+    QTest::newRow("a list") << "[1]"_ba << 200;
+    QTest::newRow("a message") << R"({"message":"Fine"})"_ba << 200;
+    QTest::newRow("nothing") << ""_ba << 200;
+}
+
+// The status says that the order was placed; a body that was lost on the way takes nothing back.
+void TestOrderDialogAnswers::aReadableAnswerIsNotAskedForOnPurpose()
+{
+    QFETCH(QByteArray, body);
+    QFETCH(int, status);
+    Desk desk;
+    desk.server.on("POST", placePath, StubAnswer::json(body, status));
+    QSignalSpy placed(desk.dialog, &OrderDialog::orderPlaced);
+    QTest::mouseClick(desk.buy(), Qt::LeftButton);
+    QTRY_VERIFY(!desk.dialog);
+    QCOMPARE(placed.size(), 1);
+}
+
+void TestOrderDialogAnswers::closedWhileSendingItLeavesAndReportsTheOrder_data()
+{
+    QTest::addColumn<int>("way");
+    QTest::newRow("by the Escape key") << 0;
+    QTest::newRow("by the button of the left list") << 1;
+    QTest::newRow("by the title bar") << 2;
+}
+
+void TestOrderDialogAnswers::closedWhileSendingItLeavesAndReportsTheOrder()
+{
+    QFETCH(int, way);
+    Desk desk;
+    desk.server.on("POST", placePath, StubAnswer::held());
+    QSignalSpy placed(desk.dialog, &OrderDialog::orderPlaced);
+    QSignalSpy sounds(desk.dialog, &OrderDialog::soundDue);
+    QSignalSpy unknown(desk.dialog, &OrderDialog::outcomeUnknown);
+    QSignalSpy finished(desk.dialog, &QDialog::finished);
+    QTest::mouseClick(desk.buy(), Qt::LeftButton);
+    QTRY_COMPARE(desk.server.heldCount(), 1);
+    if (way == 0)
+        QTest::keyClick(desk.dialog, Qt::Key_Escape);
+    else if (way == 1)
+        desk.click(u"Minimize"_s);
+    else
+        desk.dialog->close();
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    QVERIFY(desk.dialog);
+    QVERIFY(!desk.dialog->isVisible());
+    QCOMPARE(finished.size(), 0);
+    QCOMPARE(placed.size(), 0);
+    desk.server.release(StubAnswer::json("{}"));
+    QTRY_VERIFY(!desk.dialog);
+    QCOMPARE(placed.size(), 1);
+    QCOMPARE(sounds.size(), 1);
+    QCOMPARE(sounds.at(0).at(0).value<SoundKind>(), SoundKind::Open);
+    QCOMPARE(unknown.size(), 0);
+}
+
+void TestOrderDialogAnswers::closedWhileSendingItComesBackWithARefusal()
+{
+    Desk desk;
+    desk.server.on("POST", placePath, StubAnswer::held());
+    QSignalSpy sounds(desk.dialog, &OrderDialog::soundDue);
+    desk.type(u"orderStopLoss"_s, u"1.05"_s);
+    desk.buy()->setFocus();
+    QTest::mouseClick(desk.buy(), Qt::LeftButton);
+    QTRY_COMPARE(desk.server.heldCount(), 1);
+    desk.dialog->close();
+    QVERIFY(!desk.dialog->isVisible());
+    desk.server.release(StubAnswer::message(u"Not enough money"_s, 400));
+    QTRY_VERIFY(desk.dialog->isVisible());
+    QVERIFY(desk.error()->isVisible());
+    QCOMPARE(desk.error()->text(), u"Not enough money"_s);
+    QCOMPARE(desk.edit(u"orderStopLoss"_s)->text(), u"1.05"_s);
+    QVERIFY(desk.buy()->isEnabled());
+    QCOMPARE(sounds.size(), 1);
+    QCOMPARE(sounds.at(0).at(0).value<SoundKind>(), SoundKind::Error);
+    // A key meant for another window must not place the order again.
+    QCOMPARE(desk.dialog->focusWidget(), desk.part<DecimalSpinBox>(u"orderVolume"_s));
+    // The next order can be left in the same way.
+    QTest::mouseClick(desk.buy(), Qt::LeftButton);
+    QTRY_COMPARE(desk.server.heldCount(), 1);
+    desk.dialog->close();
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    QVERIFY(desk.dialog && !desk.dialog->isVisible());
+    desk.server.release(StubAnswer::message(u"Still not"_s, 400));
+    QTRY_COMPARE(desk.error()->text(), u"Still not"_s);
+    desk.dialog->close();
+    QTRY_VERIFY(!desk.dialog);
+}
+
+void TestOrderDialogAnswers::closedWhileSendingItComesBackWhenNobodyKnows()
+{
+    Desk desk;
+    desk.server.on("POST", placePath, StubAnswer::held());
+    QSignalSpy placed(desk.dialog, &OrderDialog::orderPlaced);
+    QSignalSpy unknown(desk.dialog, &OrderDialog::outcomeUnknown);
+    QTest::mouseClick(desk.buy(), Qt::LeftButton);
+    QTRY_COMPARE(desk.server.heldCount(), 1);
+    desk.dialog->close();
+    desk.server.release(StubAnswer::html("<h1>Gateway</h1>", 504));
+    QTRY_COMPARE(unknown.size(), 1);
+    QVERIFY(desk.dialog->isVisible());
+    QVERIFY(desk.error()->isVisible());
+    QCOMPARE(placed.size(), 0);
+}
+
+void TestOrderDialogAnswers::closedTwiceWhileSendingItGivesUpTheWait()
+{
+    Desk desk;
+    desk.server.on("POST", placePath, StubAnswer::held());
+    QSignalSpy placed(desk.dialog, &OrderDialog::orderPlaced);
+    QSignalSpy unknown(desk.dialog, &OrderDialog::outcomeUnknown);
+    QSignalSpy finished(desk.dialog, &QDialog::finished);
+    QTest::mouseClick(desk.buy(), Qt::LeftButton);
+    QTRY_COMPARE(desk.server.heldCount(), 1);
+    desk.dialog->close();
+    QCOMPARE(unknown.size(), 0);
+    desk.dialog->show();
+    QVERIFY(!desk.buy()->isEnabled());
+    QTest::keyClick(desk.dialog, Qt::Key_Escape);
+    QTRY_VERIFY(!desk.dialog);
+    QCOMPARE(unknown.size(), 1);
+    QCOMPARE(finished.size(), 1);
+    desk.server.release(StubAnswer::json("{}"));
+    QCoreApplication::processEvents();
+    QCOMPARE(placed.size(), 0);
+}
+
+void TestOrderDialogAnswers::aSecondPressOfTheSpaceBarPressesNothingElse()
+{
+    Desk desk;
+    desk.server.on("POST", placePath, StubAnswer::held());
+    desk.click(u"Limit Order"_s);
+    desk.type(u"orderPrice"_s, u"1.07"_s);
+    for (QPushButton* button : {desk.sell(), desk.buy()}) {
+        button->setFocus();
+        QTest::keyClick(button, Qt::Key_Space);
+        QTRY_COMPARE(desk.server.heldCount(), 1);
+        QVERIFY(!qobject_cast<QPushButton*>(desk.dialog->focusWidget()));
+        QTest::keyClick(desk.dialog->focusWidget(), Qt::Key_Space);
+        QVERIFY(desk.dialog->isVisible());
+        QVERIFY(desk.button(u"Limit Order"_s)->isChecked());
+        desk.server.release(StubAnswer::message(u"No"_s, 400));
+        QTRY_VERIFY(desk.error()->isVisible());
+        QCOMPARE(desk.dialog->focusWidget(), button);
+    }
+}
+
+void TestOrderDialogAnswers::aWindowDestroyedWhileSendingDoesNoHarm()
+{
+    Desk desk;
+    desk.server.on("POST", placePath, StubAnswer::held());
+    QTest::mouseClick(desk.buy(), Qt::LeftButton);
+    QTRY_COMPARE(desk.server.heldCount(), 1);
+    const QPointer<QNetworkReply> reply = desk.api.findChild<QNetworkReply*>();
+    QVERIFY(reply);
+    delete desk.dialog;
+    desk.server.release(StubAnswer::json("{}"));
+    QTRY_VERIFY(!reply);
+}
+
+TAVORAN_TEST_MAIN(TestOrderDialogAnswers)
+#include "tst_OrderDialogAnswers.moc"

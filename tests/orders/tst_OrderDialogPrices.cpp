@@ -1,0 +1,137 @@
+#include "OrderDeskFixture.h"
+#include "app/DecimalSpinBox.h"
+#include "app/Theme.h"
+#include "support/TestMain.h"
+
+using namespace Qt::StringLiterals;
+using fixtures::Desk;
+using fixtures::placePath;
+
+class TestOrderDialogPrices final : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init();
+    void pricesAreShownAndDrawn();
+    void otherSymbolsPricesAreLeftAlone();
+    void unreadablePricesAreNoQuotes_data();
+    void unreadablePricesAreNoQuotes();
+    void changingTheSymbolStartsAgain();
+    void unitsFollowPricesNotTheSpinBox();
+    void anUnusableContractSizeCountsAsOne_data();
+    void anUnusableContractSizeCountsAsOne();
+    void oddSymbolListsDoNoHarm();
+};
+
+void TestOrderDialogPrices::init()
+{
+    setTheme(false);
+    applyTheme(*qApp);
+}
+
+void TestOrderDialogPrices::pricesAreShownAndDrawn()
+{
+    Desk desk;
+    desk.quote(R"({"EURUSD":{"bid":"1.0712","ask":1.07135}})");
+    QCOMPARE(desk.prices()->text(), u"1.07120 / 1.07135"_s);
+    QCOMPARE(desk.ticks()->bids(), QList<double>{1.0712});
+    QCOMPARE(desk.ticks()->asks(), QList<double>{1.07135});
+    QCOMPARE(desk.units()->text(), u"1000 EURUSD"_s);
+    desk.quote(R"({"EURUSD":{"bid":"1.0712","ask":1.07135}})");
+    QCOMPARE(desk.ticks()->bids().size(), 2);
+}
+
+void TestOrderDialogPrices::otherSymbolsPricesAreLeftAlone()
+{
+    Desk desk;
+    desk.quote(R"({"GOLD":{"bid":1,"ask":2}})");
+    QCOMPARE(desk.prices()->text(), u"— / —"_s);
+    QVERIFY(desk.ticks()->bids().isEmpty());
+    QCOMPARE(desk.units()->text(), QString());
+}
+
+void TestOrderDialogPrices::unreadablePricesAreNoQuotes_data()
+{
+    QTest::addColumn<QByteArray>("quote");
+    for (const char* quote : {"{}", "5", "null", R"({"bid":1})", R"({"ask":1})", R"({"bid":"x","ask":1})",
+             R"({"bid":1e308,"ask":1})", R"({"bid":0,"ask":0})", R"({"bid":-1,"ask":1})",
+             R"({"bid":"nan","ask":1})"})
+        QTest::newRow(quote) << QByteArray(quote);
+}
+
+void TestOrderDialogPrices::unreadablePricesAreNoQuotes()
+{
+    QFETCH(QByteArray, quote);
+    Desk desk;
+    desk.quote(R"({"EURUSD":{"bid":1.1,"ask":1.2}})");
+    desk.quote("{\"EURUSD\":" + quote + "}");
+    QCOMPARE(desk.prices()->text(), u"1.10000 / 1.20000"_s);
+    QCOMPARE(desk.ticks()->bids().size(), 1);
+}
+
+void TestOrderDialogPrices::changingTheSymbolStartsAgain()
+{
+    Desk desk;
+    desk.quote(R"({"EURUSD":{"bid":1.1,"ask":1.2}})");
+    desk.click(u"Stop Order"_s);
+    desk.combo(u"orderSymbol"_s)->setFocus();
+    QTest::keyClick(desk.combo(u"orderSymbol"_s), Qt::Key_Down);
+    QCOMPARE(desk.combo(u"orderSymbol"_s)->currentData().toString(), u"GOLD"_s);
+    QCOMPARE(desk.prices()->text(), u"— / —"_s);
+    QVERIFY(desk.ticks()->bids().isEmpty());
+    QCOMPARE(desk.ticks()->digits(), 2);
+    QCOMPARE(desk.dialog->windowTitle(), u"Order: GOLD - Gold"_s);
+    QCOMPARE(desk.sell()->text(), u"Sell Stop"_s);
+    desk.quote(R"({"GOLD":{"bid":1900,"ask":1901}})");
+    QCOMPARE(desk.prices()->text(), u"1900.00 / 1901.00"_s);
+    QTest::keyClick(desk.combo(u"orderSymbol"_s), Qt::Key_Up);
+    desk.quote(R"({"EURUSD":{"bid":1.1,"ask":1.2}})");
+    QCOMPARE(desk.prices()->text(), u"1.10000 / 1.20000"_s);
+}
+
+void TestOrderDialogPrices::unitsFollowPricesNotTheSpinBox()
+{
+    Desk desk;
+    desk.quote(R"({"EURUSD":{"bid":1.1,"ask":1.2}})");
+    desk.part<DecimalSpinBox>(u"orderVolume"_s)->setValue(2.0);
+    QCOMPARE(desk.units()->text(), u"1000 EURUSD"_s);
+    desk.quote(R"({"EURUSD":{"bid":1.1,"ask":1.2}})");
+    QCOMPARE(desk.units()->text(), u"200000 EURUSD"_s);
+    desk.combo(u"orderSymbol"_s)->setCurrentIndex(1);
+    QCOMPARE(desk.units()->text(), u"200000 EURUSD"_s);
+    desk.quote(R"({"GOLD":{"bid":1900,"ask":1901}})");
+    QCOMPARE(desk.units()->text(), u"200 GOLD"_s);
+}
+
+void TestOrderDialogPrices::anUnusableContractSizeCountsAsOne_data()
+{
+    QTest::addColumn<QByteArray>("size");
+    for (const char* size : {"0", "-5", "\"x\"", "null", "{}", "1e308"})
+        QTest::newRow(size) << QByteArray(size);
+}
+
+void TestOrderDialogPrices::anUnusableContractSizeCountsAsOne()
+{
+    QFETCH(QByteArray, size);
+    Desk desk({}, QJsonDocument::fromJson("[{\"name\":\"A\",\"contractSize\":" + size + "}]").array());
+    desk.part<DecimalSpinBox>(u"orderVolume"_s)->setValue(3.0);
+    desk.quote(R"({"A":{"bid":1.1,"ask":1.2}})");
+    QCOMPARE(desk.units()->text(), u"3 A"_s);
+}
+
+void TestOrderDialogPrices::oddSymbolListsDoNoHarm()
+{
+    Desk odd({},
+        QJsonDocument::fromJson(R"([1,null,{},{"name":7},{"name":"A","digits":-4},{"name":"A"}])").array());
+    QCOMPARE(odd.combo(u"orderSymbol"_s)->count(), 2);
+    odd.quote(R"({"A":{"bid":1.1,"ask":1.2}})");
+    QVERIFY(odd.prices()->text().contains(u" / "_s));
+    Desk empty({}, {});
+    empty.quote(R"({"":{"bid":1.1,"ask":1.2}})");
+    empty.server.on("POST", placePath, StubAnswer::message(u"Unknown symbol"_s, 400));
+    QTest::mouseClick(empty.buy(), Qt::LeftButton);
+    QTRY_COMPARE(empty.error()->text(), u"Unknown symbol"_s);
+}
+
+TAVORAN_TEST_MAIN(TestOrderDialogPrices)
+#include "tst_OrderDialogPrices.moc"
