@@ -6,10 +6,10 @@
 #include "net/WsClient.h"
 #include "orders/OrderDialog.h"
 #include "orders/TickChartWidget.h"
+#include "support/ParseJson.h"
 #include "support/StubHttpServer.h"
 
 #include <QComboBox>
-#include <QJsonDocument>
 #include <QLabel>
 #include <QPushButton>
 #include <QtTest>
@@ -23,16 +23,10 @@ inline const QByteArray placePath = "/api/trades/place";
 
 inline QJsonArray someSymbols()
 {
-    return QJsonDocument::fromJson(R"([
+    return parseArray(R"([
         {"name":"EURUSD","description":"Euro vs US Dollar","digits":5,"contractSize":"100000"},
         {"name":"GOLD","description":"Gold","digits":2,"contractSize":100},
-        {"name":"OIL"}])")
-        .array();
-}
-
-inline QJsonObject parse(const QByteArray& json)
-{
-    return QJsonDocument::fromJson(json).object();
+        {"name":"OIL"}])");
 }
 
 /// The order window on show, against a scripted server and a feed that is driven by hand.

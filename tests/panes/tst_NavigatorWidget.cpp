@@ -1,20 +1,15 @@
 #include "app/Theme.h"
 #include "panes/NavigatorWidget.h"
+#include "support/ParseJson.h"
 #include "support/TestMain.h"
 
-#include <QJsonArray>
-#include <QJsonDocument>
 #include <QTabBar>
 #include <QTreeWidget>
 
 using namespace Qt::StringLiterals;
+using fixtures::parseArray;
 
 namespace {
-
-QJsonArray parse(const QByteArray& json)
-{
-    return QJsonDocument::fromJson(json).array();
-}
 
 struct Navigator {
     NavigatorWidget widget;
@@ -92,7 +87,7 @@ void TestNavigatorWidget::hasItsFoldersAndIndicatorsFromTheStart()
 void TestNavigatorWidget::listsAccountsWithRoundedBalance()
 {
     Navigator navigator;
-    navigator.widget.setAccounts(parse(R"([{"id":"w","isWallet":true,"balance":10000.6},
+    navigator.widget.setAccounts(parseArray(R"([{"id":"w","isWallet":true,"balance":10000.6},
         {"id":"d","type":"DEMO","balance":"99999.4"},{"id":"p","Plan":{"name":"Gold","steps":2},"phase":2},
         {"id":"x","type":"DEMO","balance":"nan"}])"));
     QCOMPARE(childTexts(navigator.accounts()),
@@ -106,7 +101,7 @@ void TestNavigatorWidget::listsAccountsWithRoundedBalance()
 void TestNavigatorWidget::marksTheActiveAccountThroughRefreshes()
 {
     Navigator navigator;
-    const QJsonArray accounts = parse(R"([{"id":"a","type":"DEMO"},{"id":"b","type":"DEMO"}])");
+    const QJsonArray accounts = parseArray(R"([{"id":"a","type":"DEMO"},{"id":"b","type":"DEMO"}])");
     navigator.widget.setAccounts(accounts);
     navigator.widget.setActiveAccount(u"b"_s);
     QCOMPARE(int(navigator.accounts()->child(0)->font(0).weight()), 400);
@@ -122,7 +117,7 @@ void TestNavigatorWidget::marksTheActiveAccountThroughRefreshes()
 void TestNavigatorWidget::anUnknownActiveAccountMarksNone()
 {
     Navigator navigator;
-    navigator.widget.setAccounts(parse(R"([{"id":"a"},{"id":"b"}])"));
+    navigator.widget.setAccounts(parseArray(R"([{"id":"a"},{"id":"b"}])"));
     navigator.widget.setActiveAccount(u"a"_s);
     navigator.widget.setActiveAccount(u"zzz"_s);
     QCOMPARE(int(navigator.accounts()->child(0)->font(0).weight()), 400);
@@ -132,7 +127,8 @@ void TestNavigatorWidget::anUnknownActiveAccountMarksNone()
 void TestNavigatorWidget::oddAccountsDoNoHarm()
 {
     Navigator navigator;
-    navigator.widget.setAccounts(parse(R"([1,null,"x",{},{"id":"a"},{"id":"a"},{"id":7,"balance":1e308}])"));
+    navigator.widget.setAccounts(
+        parseArray(R"([1,null,"x",{},{"id":"a"},{"id":"a"},{"id":7,"balance":1e308}])"));
     QCOMPARE(navigator.accounts()->childCount(), 7);
     navigator.widget.setActiveAccount(u"a"_s);
     QCOMPARE(int(navigator.accounts()->child(4)->font(0).weight()), 700);
@@ -142,7 +138,7 @@ void TestNavigatorWidget::oddAccountsDoNoHarm()
 void TestNavigatorWidget::doubleClicksSayWhatIsWanted()
 {
     Navigator navigator;
-    navigator.widget.setAccounts(parse(R"([{"id":"account:7","type":"DEMO"}])"));
+    navigator.widget.setAccounts(parseArray(R"([{"id":"account:7","type":"DEMO"}])"));
     navigator.widget.setExperts({u"/scripts/a.b.js"_s});
     QSignalSpy accounts(&navigator.widget, &NavigatorWidget::accountActivated);
     QSignalSpy indicators(&navigator.widget, &NavigatorWidget::indicatorActivated);
@@ -200,7 +196,7 @@ void TestNavigatorWidget::iconsFollowTheTheme()
     setTheme(false);
     applyTheme(*qApp);
     Navigator navigator;
-    navigator.widget.setAccounts(parse(R"([{"id":"a"}])"));
+    navigator.widget.setAccounts(parseArray(R"([{"id":"a"}])"));
     navigator.widget.setExperts({u"/s/grid.js"_s});
     const QList<QTreeWidgetItem*> items{navigator.accounts(), navigator.accounts()->child(0),
         navigator.indicators()->child(0), navigator.experts()->child(0)};

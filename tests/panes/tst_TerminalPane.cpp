@@ -1,28 +1,20 @@
 #include "panes/TerminalPane.h"
 #include "panes/TradeCells.h"
+#include "support/ParseJson.h"
 #include "support/TestMain.h"
 
 #include <QAccessible>
 #include <QHeaderView>
-#include <QJsonDocument>
 #include <QLabel>
 #include <QScrollBar>
 #include <QTreeWidget>
 
 using namespace Qt::StringLiterals;
 using namespace TradeCells;
+using fixtures::parse;
+using fixtures::parseArray;
 
 namespace {
-
-QJsonArray parseArray(const QByteArray& json)
-{
-    return QJsonDocument::fromJson(json).array();
-}
-
-QJsonObject parse(const QByteArray& json)
-{
-    return QJsonDocument::fromJson(json).object();
-}
 
 const QByteArray twoPositions = R"([
     {"id":"p1-long-id","symbol":"EURUSD","type":"BUY","orderKind":"MARKET","status":"OPEN","lotSize":"0.10",

@@ -1,20 +1,10 @@
 #include "panes/TradeCells.h"
+#include "support/ParseJson.h"
 #include "support/TestMain.h"
-
-#include <QJsonDocument>
-#include <QJsonObject>
 
 using namespace Qt::StringLiterals;
 using namespace TradeCells;
-
-namespace {
-
-QJsonObject parse(const QByteArray& json)
-{
-    return QJsonDocument::fromJson(json).object();
-}
-
-} // namespace
+using fixtures::parse;
 
 class TestTradeCells final : public QObject {
     Q_OBJECT
