@@ -1,7 +1,11 @@
 #include "chart/ChartWindow.h"
 
+#include "chart/AverageDialog.h"
+#include "chart/AveragePalette.h"
+#include "chart/ChartPropertiesDialog.h"
 #include "chart/ChartState.h"
 #include "chart/ChartWidget.h"
+#include "chart/DataWindow.h"
 #include "chart/HistoryReply.h"
 #include "chart/Timeframe.h"
 #include "chart/TradeLevels.h"
@@ -14,7 +18,15 @@
 #include <QJsonDocument>
 #include <QVBoxLayout>
 
+#include <algorithm>
+
 using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr int usualRsiPeriod = 14;
+
+} // namespace
 
 ChartWindow::ChartWindow(ApiClient& api, const QString& symbol, const QString& timeframe,
     const QString& accountId, int digits, QWidget* parent)
@@ -148,6 +160,91 @@ void ChartWindow::zoomIn()
 void ChartWindow::zoomOut()
 {
     m_chart->zoomOut();
+}
+
+void ChartWindow::addMovingAverage(AverageKind kind)
+{
+    auto* dialog = new AverageDialog(this);
+    dialog->setAttribute(Qt::WA_DeleteOnClose);
+    connect(dialog, &QInputDialog::intValueSelected, this, [this, kind](int period) {
+        QList<MovingAverageSpec> averages = m_chart->movingAverages();
+        averages.append({kind, period, averageColor(averages.size())});
+        m_chart->setMovingAverages(averages);
+    });
+    dialog->open();
+}
+
+void ChartWindow::removeMovingAverages()
+{
+    m_chart->setMovingAverages({});
+}
+
+void ChartWindow::toggleRsi(bool on)
+{
+    m_chart->setRsi(on, usualRsiPeriod);
+}
+
+void ChartWindow::setTool(const QString& key)
+{
+    m_chart->setTool(key);
+    // Escape ends placing and must reach the chart whatever had the focus when the tool was chosen.
+    if (!key.isEmpty())
+        m_chart->setFocus(Qt::OtherFocusReason);
+}
+
+void ChartWindow::deleteSelectedDrawing()
+{
+    QList<Drawing> drawings = m_chart->drawings();
+    const auto selected = std::find_if(
+        drawings.begin(), drawings.end(), [](const Drawing& drawing) { return drawing.selected; });
+    if (selected == drawings.end())
+        return;
+    const QString id = selected->id;
+    drawings.erase(selected);
+    m_chart->setDrawings(drawings);
+    if (!id.isEmpty())
+        Q_EMIT m_chart->drawingDeleted(id);
+}
+
+void ChartWindow::setMeasureMode(bool on)
+{
+    m_chart->setMeasureMode(on);
+}
+
+void ChartWindow::setChartType(int type)
+{
+    m_chart->setChartType(type);
+}
+
+void ChartWindow::setAutoScroll(bool on)
+{
+    m_chart->setAutoScroll(on);
+}
+
+void ChartWindow::setChartShift(bool on)
+{
+    m_chart->setChartShift(on);
+}
+
+void ChartWindow::showDataWindow()
+{
+    if (!m_dataWindow)
+        m_dataWindow = new DataWindow(*m_chart, m_symbol, this);
+    m_dataWindow->show();
+    m_dataWindow->raise();
+}
+
+void ChartWindow::showProperties()
+{
+    if (m_properties) {
+        m_properties->raise();
+        return;
+    }
+    m_properties = new ChartPropertiesDialog(m_symbol, m_chart->colors(), this);
+    m_properties->setAttribute(Qt::WA_DeleteOnClose);
+    connect(
+        m_properties, &QDialog::accepted, m_chart, [this] { m_chart->setColors(m_properties->colors()); });
+    m_properties->open();
 }
 
 void ChartWindow::labelChart()

@@ -1,11 +1,16 @@
 #pragma once
 
+#include "chart/MovingAverageSpec.h"
+
 #include <QJsonArray>
 #include <QJsonObject>
+#include <QPointer>
 #include <QWidget>
 
 class ApiClient;
+class ChartPropertiesDialog;
 class ChartWidget;
+class DataWindow;
 class QJsonDocument;
 class ReadCoalescer;
 
@@ -62,6 +67,24 @@ public Q_SLOTS:
     void zoomIn();
     void zoomOut();
 
+    /// Asks for a period and adds an average in the next colour of the palette.
+    void addMovingAverage(AverageKind kind);
+    void removeMovingAverages();
+    /// The relative-strength pane over 14 bars.
+    void toggleRsi(bool on);
+    /// The object that the next clicks on the chart place; see ChartWidget::setTool().
+    void setTool(const QString& key);
+    void deleteSelectedDrawing();
+    void setMeasureMode(bool on);
+    /// 0 candles, 1 bars, 2 line.
+    void setChartType(int type);
+    void setAutoScroll(bool on);
+    void setChartShift(bool on);
+    /// The window with the prices of the bar under the pointer; one for each chart.
+    void showDataWindow();
+    /// The dialog for the chart's colours; they change when it is accepted.
+    void showProperties();
+
 Q_SIGNALS:
     /// What menus show of this chart has changed: see ChartWidget::settingsChanged().
     void settingsChanged();
@@ -85,6 +108,8 @@ private:
     QString m_description;
     int m_digits;
     ChartWidget* m_chart;
+    DataWindow* m_dataWindow = nullptr;
+    QPointer<ChartPropertiesDialog> m_properties;
     unsigned int m_historyGeneration = 0;
     double m_balance = 0.0;
     double m_equity = 0.0;
