@@ -115,6 +115,9 @@ void WsClient::finishAttempt()
         return;
     m_attemptRunning = false;
     m_attemptTimer.stop();
+    // A refused port and an unknown name are signalled as a disconnect first and as an error after it.
+    if (m_socket.error() != QAbstractSocket::UnknownSocketError)
+        reportError();
     onDisconnected();
 }
 

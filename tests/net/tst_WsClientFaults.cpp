@@ -27,7 +27,7 @@ private Q_SLOTS:
     void a_retry_never_starts_inside_the_disconnect();
     void an_attempt_replaced_by_another_asks_for_no_retry();
     void starting_on_a_disconnect_makes_one_attempt_not_two();
-    void an_error_is_told_once_an_attempt();
+    void an_error_is_told_once_an_attempt_and_before_the_retry();
     void an_error_reported_twice_is_told_once();
     void a_given_up_attempt_leaves_no_connection_behind();
     void errors_never_carry_token_or_query();
@@ -234,12 +234,18 @@ void TestWsClientFaults::starting_on_a_disconnect_makes_one_attempt_not_two()
     QCOMPARE(m_log.filter(u"Connecting"_s).size(), 2);
 }
 
-void TestWsClientFaults::an_error_is_told_once_an_attempt()
+void TestWsClientFaults::an_error_is_told_once_an_attempt_and_before_the_retry()
 {
+    const QString address = m_feed->url().replace(u"http:"_s, u"ws:"_s);
     m_feed->shutDown();
+    QStringList expected;
+    for (const int seconds : {1, 2, 4}) {
+        expected.append({u"Connecting to %1/ws/terminal..."_s.arg(address),
+            u"Feed error: Connection refused"_s, u"Feed disconnected — retrying in %1s"_s.arg(seconds)});
+    }
     m_client->start();
-    QTRY_VERIFY(m_retries.size() >= 3);
-    QCOMPARE(m_log.count(u"Feed error: Connection refused"_s), m_log.filter(u"Connecting"_s).size());
+    QTRY_VERIFY(m_log.size() > expected.size());
+    QCOMPARE(m_log.first(expected.size()), expected);
 }
 
 void TestWsClientFaults::an_error_reported_twice_is_told_once()

@@ -1,6 +1,9 @@
 #include "support/StubHttpServer.h"
 
+#include "support/TestCertificates.h"
+
 #include <QJsonDocument>
+#include <QSslServer>
 #include <QTcpSocket>
 
 using namespace Qt::StringLiterals;
@@ -123,10 +126,20 @@ QJsonObject StubRequest::json() const
 }
 
 StubHttpServer::StubHttpServer(QObject* parent)
-    : QObject(parent)
+    : StubHttpServer(Transport::Plain, parent)
 {
-    connect(&m_server, &QTcpServer::newConnection, this, &StubHttpServer::takeConnections);
-    if (!m_server.listen(QHostAddress::LocalHost))
+}
+
+StubHttpServer::StubHttpServer(Transport transport, QObject* parent)
+    : QObject(parent)
+    , m_transport(transport)
+    , m_server(transport == Transport::Tls ? std::make_unique<QSslServer>() : std::make_unique<QTcpServer>())
+{
+    if (auto* const tls = qobject_cast<QSslServer*>(m_server.get()))
+        tls->setSslConfiguration(testServerTls());
+    // Pending is a connection that can be used: with TLS, one whose handshake is through.
+    connect(m_server.get(), &QTcpServer::pendingConnectionAvailable, this, &StubHttpServer::takeConnections);
+    if (!m_server->listen(QHostAddress::LocalHost))
         qFatal("The stub server found no free port");
 }
 
@@ -138,7 +151,8 @@ StubHttpServer::~StubHttpServer()
 
 QString StubHttpServer::url() const
 {
-    return u"http://127.0.0.1:%1"_s.arg(m_server.serverPort());
+    const QLatin1StringView scheme = m_transport == Transport::Tls ? "https"_L1 : "http"_L1;
+    return u"%1://127.0.0.1:%2"_s.arg(scheme, QString::number(m_server->serverPort()));
 }
 
 void StubHttpServer::on(const QByteArray& method, const QByteArray& target, const StubAnswer& answer)
@@ -202,7 +216,7 @@ void StubHttpServer::cutAll()
 
 void StubHttpServer::shutDown()
 {
-    m_server.close();
+    m_server->close();
 }
 
 void StubHttpServer::setUpgradeHandler(std::function<void(QTcpSocket*)> handler)
@@ -212,7 +226,7 @@ void StubHttpServer::setUpgradeHandler(std::function<void(QTcpSocket*)> handler)
 
 void StubHttpServer::takeConnections()
 {
-    while (QTcpSocket* socket = m_server.nextPendingConnection()) {
+    while (QTcpSocket* socket = m_server->nextPendingConnection()) {
         m_buffers.insert(socket, {});
         connect(socket, &QTcpSocket::readyRead, this, [this, socket] { read(socket); });
         connect(socket, &QTcpSocket::disconnected, this, [this, socket] {

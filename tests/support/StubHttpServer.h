@@ -8,6 +8,7 @@
 #include <QPointer>
 #include <QTcpServer>
 #include <functional>
+#include <memory>
 
 class QTcpSocket;
 
@@ -64,15 +65,22 @@ struct StubRequest final {
 /// are used up first, in order; then the one given with on(); else 404 with a "message".
 /// Late answers: script StubAnswer::held(), then release() by hand.
 /// One port for REST and feed: construct a StubFeedServer with this server.
+/// With Transport::Tls it speaks https, and wss to that feed; see TestCertificates.h for the trust.
 class StubHttpServer final : public QObject {
     Q_OBJECT
     Q_DISABLE_COPY_MOVE(StubHttpServer)
 
 public:
+    enum class Transport {
+        Plain,
+        Tls,
+    };
+
     explicit StubHttpServer(QObject* parent = nullptr);
+    explicit StubHttpServer(Transport transport, QObject* parent = nullptr);
     ~StubHttpServer() override;
 
-    /// "http://127.0.0.1:PORT"
+    /// "http://127.0.0.1:PORT", or the same with https
     [[nodiscard]] QString url() const;
 
     void on(const QByteArray& method, const QByteArray& target, const StubAnswer& answer);
@@ -120,7 +128,8 @@ private:
     void answer(QTcpSocket* socket, const QByteArray& target, const StubAnswer& answer);
     [[nodiscard]] StubAnswer nextAnswer(const StubRequest& request);
 
-    QTcpServer m_server;
+    const Transport m_transport;
+    const std::unique_ptr<QTcpServer> m_server;
     QHash<QByteArray, StubAnswer> m_rules;
     QHash<QByteArray, QList<StubAnswer>> m_onceRules;
     QHash<QTcpSocket*, QByteArray> m_buffers;
