@@ -1,6 +1,7 @@
 #include "mainwindow/DockKeeper.h"
 
 #include "app/TerminalSettings.h"
+#include "mainwindow/ToolBars.h"
 #include "mainwindow/WindowPlacement.h"
 
 #include <QDockWidget>
@@ -76,6 +77,7 @@ void DockKeeper::restoreDefault()
     place(m_toolbox, Qt::BottomDockWidgetArea);
     m_window.resizeDocks({m_marketWatch}, {DefaultSideWidth}, Qt::Horizontal);
     m_window.resizeDocks({m_toolbox}, {DefaultToolboxHeight}, Qt::Vertical);
+    placeToolBars(m_window);
 }
 
 void DockKeeper::startSnapshots()

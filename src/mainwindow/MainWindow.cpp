@@ -10,9 +10,11 @@
 #include "mainwindow/ChartArea.h"
 #include "mainwindow/DockKeeper.h"
 #include "mainwindow/ExpertsFolder.h"
+#include "mainwindow/MenuBar.h"
 #include "mainwindow/OrderEvents.h"
 #include "mainwindow/PopupPrices.h"
 #include "mainwindow/TerminalActions.h"
+#include "mainwindow/ToolBars.h"
 #include "mainwindow/TrayIcon.h"
 #include "orders/OrderDialog.h"
 #include "panes/MarketWatchWidget.h"
@@ -56,8 +58,9 @@ MainWindow::MainWindow(QWidget* parent)
     m_docks = new DockKeeper(*this, m_marketWatch, m_navigator, m_toolbox);
     m_accounts = new AccountFlow(
         m_api, m_book, {m_status->accountSelector(), *m_navigator, *m_toolbox, *m_charts}, this);
-    m_actions = new TerminalActions(
-        *this, m_docks->marketWatchDock().toggleViewAction(), m_docks->toolboxDock().toggleViewAction());
+    m_actions = new TerminalActions(*this,
+        {m_docks->marketWatchDock().toggleViewAction(), m_docks->navigatorDock().toggleViewAction(),
+            m_docks->toolboxDock().toggleViewAction()});
     buildTray();
     m_orderEvents = new OrderEvents(m_tray != nullptr, this);
 
@@ -66,6 +69,7 @@ MainWindow::MainWindow(QWidget* parent)
     connectOrderEvents();
     connectActions();
     buildMenus();
+    buildToolbar();
     setUpExperts();
     journal(tr("Terminal"), tr("Tavoran Terminal %1 started").arg(QCoreApplication::applicationVersion()));
     m_docks->startSnapshots();
@@ -101,7 +105,12 @@ void MainWindow::buildTray()
 
 void MainWindow::buildMenus()
 {
-    m_actions->buildMenus(*menuBar());
+    fillMenuBar(*menuBar(), *m_actions);
+}
+
+void MainWindow::buildToolbar()
+{
+    addToolBars(*this, *m_actions);
 }
 
 void MainWindow::connectFeed()

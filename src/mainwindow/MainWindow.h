@@ -64,6 +64,7 @@ private:
     void buildToolbox();
     void buildTray();
     void buildMenus();
+    void buildToolbar();
     void connectFeed();
     void connectPanes();
     void connectOrderEvents();

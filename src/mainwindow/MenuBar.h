@@ -1,0 +1,7 @@
+#pragma once
+
+class QMenuBar;
+class TerminalActions;
+
+/// Fills the bar with the terminal's seven menus.
+void fillMenuBar(QMenuBar& bar, const TerminalActions& actions);
