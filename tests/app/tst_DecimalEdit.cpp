@@ -1,3 +1,4 @@
+#include "LocaleRows.h"
 #include "app/DecimalEdit.h"
 #include "support/TestMain.h"
 
@@ -7,13 +8,7 @@ class TestDecimalEdit : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase_data()
-    {
-        QTest::addColumn<QLocale>("locale");
-        QTest::newRow("C") << QLocale::c();
-        QTest::newRow("en_US") << QLocale(QLocale::English, QLocale::UnitedStates);
-        QTest::newRow("de_DE") << QLocale(QLocale::German, QLocale::Germany);
-    }
+    void initTestCase_data() { fixtures::addLocaleRows(); }
 
     void init()
     {

@@ -1,3 +1,4 @@
+#include "LocaleRows.h"
 #include "app/DecimalSpinBox.h"
 #include "support/TestMain.h"
 
@@ -20,15 +21,7 @@ class TestDecimalSpinBox : public QObject {
     }
 
 private Q_SLOTS:
-    void initTestCase_data()
-    {
-        QTest::addColumn<QLocale>("locale");
-        QTest::newRow("C") << QLocale::c();
-        QTest::newRow("en_US") << QLocale(QLocale::English, QLocale::UnitedStates);
-        QTest::newRow("de_DE") << QLocale(QLocale::German, QLocale::Germany);
-        QTest::newRow("fr_FR") << QLocale(QLocale::French, QLocale::France);
-        QTest::newRow("ar_EG") << QLocale(QLocale::Arabic, QLocale::Egypt);
-    }
+    void initTestCase_data() { fixtures::addLocaleRows(); }
 
     void init()
     {

@@ -1,36 +1,15 @@
+#include "FileFixture.h"
 #include "app/PrivateFile.h"
 #include "support/TestMain.h"
 
-#include <csignal>
-#include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 using namespace Qt::StringLiterals;
-
-namespace {
-
-int modeOf(const QString& path)
-{
-    struct stat status = {};
-    return ::stat(QFile::encodeName(path).constData(), &status) == 0 ? static_cast<int>(status.st_mode & 0777)
-                                                                     : -1;
-}
-
-QByteArray contentOf(const QString& path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("unreadable");
-}
-
-void write(const QString& path, const QByteArray& bytes)
-{
-    QFile file(path);
-    QVERIFY(file.open(QIODevice::WriteOnly));
-    file.write(bytes);
-}
-
-} // namespace
+using fixtures::contentOf;
+using fixtures::FullDisk;
+using fixtures::modeOf;
+using fixtures::writeFile;
 
 class TestPrivateFile : public QObject {
     Q_OBJECT
@@ -52,7 +31,7 @@ private Q_SLOTS:
 
     void anExistingReadableFileIsTightened()
     {
-        write(m_path, "old");
+        writeFile(m_path, "old");
         QCOMPARE(modeOf(m_path), 0644);
         QFile file;
         QVERIFY(openPrivateFile(file, m_path, QIODevice::WriteOnly | QIODevice::Append));
@@ -64,7 +43,7 @@ private Q_SLOTS:
 
     void truncateStartsAfresh()
     {
-        write(m_path, "something long");
+        writeFile(m_path, "something long");
         QFile file;
         QVERIFY(openPrivateFile(file, m_path, QIODevice::WriteOnly | QIODevice::Truncate));
         file.write("x");
@@ -75,7 +54,7 @@ private Q_SLOTS:
     void aSymbolicLinkIsNotFollowed()
     {
         const QString target = m_folder->filePath(u"target"_s);
-        write(target, "precious");
+        writeFile(target, "precious");
         QVERIFY(QFile::link(target, m_path));
         QFile file;
         QVERIFY(!openPrivateFile(file, m_path, QIODevice::WriteOnly | QIODevice::Truncate));
@@ -85,7 +64,7 @@ private Q_SLOTS:
     void aHardLinkIsNotWritten()
     {
         const QString target = m_folder->filePath(u"target"_s);
-        write(target, "precious");
+        writeFile(target, "precious");
         QCOMPARE(::link(QFile::encodeName(target).constData(), QFile::encodeName(m_path).constData()), 0);
         QFile file;
         QVERIFY(!openPrivateFile(file, m_path, QIODevice::WriteOnly | QIODevice::Truncate));
@@ -109,7 +88,7 @@ private Q_SLOTS:
 
     void replacingIsPrivateAndWhole()
     {
-        write(m_path, "old");
+        writeFile(m_path, "old");
         QVERIFY(replacePrivateFile(m_path, "new"));
         QCOMPARE(contentOf(m_path), "new");
         QCOMPARE(modeOf(m_path), 0600);
@@ -118,16 +97,11 @@ private Q_SLOTS:
 
     void aFullDiskLeavesTheOldContent()
     {
-        // A file size limit stops a write half-way, as a full disk does.
-        write(m_path, "old");
-        struct rlimit before = {};
-        QCOMPARE(::getrlimit(RLIMIT_FSIZE, &before), 0);
-        const auto oldHandler = std::signal(SIGXFSZ, SIG_IGN);
-        const struct rlimit tiny = {.rlim_cur = 1000, .rlim_max = before.rlim_max};
-        QCOMPARE(::setrlimit(RLIMIT_FSIZE, &tiny), 0);
-        const bool replaced = replacePrivateFile(m_path, QByteArray(100000, 'x'));
-        ::setrlimit(RLIMIT_FSIZE, &before);
-        std::signal(SIGXFSZ, oldHandler);
+        writeFile(m_path, "old");
+        const bool replaced = [this] {
+            const FullDisk full;
+            return replacePrivateFile(m_path, QByteArray(100000, 'x'));
+        }();
         QVERIFY(!replaced);
         QCOMPARE(contentOf(m_path), "old");
         QCOMPARE(QDir(m_folder->path()).entryList(QDir::Files | QDir::Hidden), QStringList{u"file"_s});

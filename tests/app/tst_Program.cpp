@@ -1,4 +1,4 @@
-#include "app/Log.h"
+#include "support/LogMessages.h"
 #include "support/TestMain.h"
 
 #include <QProcess>
@@ -6,6 +6,7 @@
 #include <sys/resource.h>
 
 using namespace Qt::StringLiterals;
+using fixtures::logMessages;
 
 /// The executable itself, in the one situation in which it ends without a person: no such display.
 class TestProgram : public QObject {
@@ -46,17 +47,6 @@ private:
         if (!process.waitForFinished())
             return "did not end";
         return process.readAll();
-    }
-
-    static QStringList logMessages()
-    {
-        QFile file(logFilePath());
-        if (!file.open(QIODevice::ReadOnly))
-            return {};
-        QStringList messages = QString::fromUtf8(file.readAll()).split(u'\n', Qt::SkipEmptyParts);
-        for (QString& message : messages)
-            message = message.mid(14);
-        return messages;
     }
 };
 

@@ -1,35 +1,14 @@
+#include "FileFixture.h"
 #include "app/SettingsStore.h"
 #include "support/TestMain.h"
 
-#include <csignal>
-#include <sys/resource.h>
 #include <sys/stat.h>
 
 using namespace Qt::StringLiterals;
-
-namespace {
-
-int modeOf(const QString& path)
-{
-    struct stat status = {};
-    return ::stat(QFile::encodeName(path).constData(), &status) == 0 ? static_cast<int>(status.st_mode & 0777)
-                                                                     : -1;
-}
-
-QByteArray contentOf(const QString& path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("unreadable");
-}
-
-void write(const QString& path, const QByteArray& bytes)
-{
-    QFile file(path);
-    QVERIFY(file.open(QIODevice::WriteOnly));
-    QCOMPARE(file.write(bytes), bytes.size());
-}
-
-} // namespace
+using fixtures::contentOf;
+using fixtures::FullDisk;
+using fixtures::modeOf;
+using fixtures::writeFile;
 
 class TestSettingsStore : public QObject {
     Q_OBJECT
@@ -69,7 +48,7 @@ private Q_SLOTS:
     void aReadableFileOfAnOlderRunIsTightened()
     {
         QVERIFY(QDir().mkpath(QFileInfo(m_path).path()));
-        write(m_path, "[ui]\ntheme=dark\n");
+        writeFile(m_path, "[ui]\ntheme=dark\n");
         QCOMPARE(modeOf(m_path), 0644);
         const SettingsStore store(m_path);
         QCOMPARE(modeOf(m_path), 0600);
@@ -137,7 +116,7 @@ private Q_SLOTS:
             store.setValue("ui/theme"_L1, u"dark"_s);
             QVERIFY(store.sync());
         }
-        write(m_path, damage);
+        writeFile(m_path, damage);
         SettingsStore store(m_path);
         QCOMPARE(store.value("ui/theme"_L1).toString(), u"dark"_s);
         QCOMPARE(contentOf(m_path), contentOf(store.copyPath()));
@@ -176,7 +155,7 @@ private Q_SLOTS:
             store.setValue("ui/theme"_L1, u"dark"_s);
             QVERIFY(store.sync());
         }
-        write(m_path, content);
+        writeFile(m_path, content);
         SettingsStore store(m_path);
         QCOMPARE(store.takeNotices(), QStringList());
         QCOMPARE(store.value("ui/theme"_L1).toString(), u"light"_s);
@@ -185,7 +164,7 @@ private Q_SLOTS:
     void aDamagedFileWithoutACopyGivesDefaultsAndIsKept()
     {
         QVERIFY(QDir().mkpath(QFileInfo(m_path).path()));
-        write(m_path, "no settings at all");
+        writeFile(m_path, "no settings at all");
         SettingsStore store(m_path);
         QVERIFY(!store.value("ui/theme"_L1).isValid());
         QCOMPARE(contentOf(store.damagedPath()), "no settings at all");
@@ -196,8 +175,8 @@ private Q_SLOTS:
     void aDamagedCopyIsNotPutBack()
     {
         QVERIFY(QDir().mkpath(QFileInfo(m_path).path()));
-        write(m_path, "no settings at all");
-        write(m_path + u".copy"_s, "neither is this");
+        writeFile(m_path, "no settings at all");
+        writeFile(m_path + u".copy"_s, "neither is this");
         SettingsStore store(m_path);
         QCOMPARE(contentOf(m_path), "");
         QCOMPARE(store.takeNotices().size(), 2);
@@ -206,7 +185,7 @@ private Q_SLOTS:
     void theDamagedFileSetAsideHoldsNoToken()
     {
         QVERIFY(QDir().mkpath(QFileInfo(m_path).path()));
-        write(m_path,
+        writeFile(m_path,
             QByteArrayLiteral("[auth]\nemail=a@b.example\ntoken=top-secret\n\0\0token=top-secret\n[broken"));
         SettingsStore store(m_path);
         QVERIFY(contentOf(store.damagedPath()).contains("a@b.example"));
@@ -236,16 +215,11 @@ private Q_SLOTS:
         QVERIFY(store.sync());
         const QByteArray good = contentOf(store.copyPath());
 
-        // A file size limit stops a write half-way, as a full disk does.
-        struct rlimit before = {};
-        QCOMPARE(::getrlimit(RLIMIT_FSIZE, &before), 0);
-        const auto oldHandler = std::signal(SIGXFSZ, SIG_IGN);
-        const struct rlimit tiny = {.rlim_cur = 1000, .rlim_max = before.rlim_max};
-        QCOMPARE(::setrlimit(RLIMIT_FSIZE, &tiny), 0);
-        store.setValue("charts/layout"_L1, QString(100000, u'x'));
-        const bool saved = store.sync();
-        ::setrlimit(RLIMIT_FSIZE, &before);
-        std::signal(SIGXFSZ, oldHandler);
+        const bool saved = [&store] {
+            const FullDisk full;
+            store.setValue("charts/layout"_L1, QString(100000, u'x'));
+            return store.sync();
+        }();
 
         QVERIFY(!saved);
         QCOMPARE(contentOf(store.copyPath()), good);
@@ -262,7 +236,7 @@ private Q_SLOTS:
 
         const QString folder = QFileInfo(m_path).path();
         QVERIFY(QFile::rename(folder, folder + u".away"_s));
-        write(folder, "a file where the folder was");
+        writeFile(folder, "a file where the folder was");
         store.setValue("alerts"_L1, u"[1]"_s);
         QVERIFY(!store.sync());
         QVERIFY(QFile::remove(folder));
@@ -296,7 +270,7 @@ private Q_SLOTS:
 
     void aFolderThatCannotBeMadeIsSurvived()
     {
-        write(m_root->filePath(u"config"_s), "a file where the folder should be");
+        writeFile(m_root->filePath(u"config"_s), "a file where the folder should be");
         SettingsStore store(m_path);
         store.setValue("ui/theme"_L1, u"dark"_s);
         QVERIFY(!store.sync());

@@ -1,27 +1,16 @@
-#include "app/Log.h"
 #include "app/StartUp.h"
 #include "app/TerminalSettings.h"
 #include "app/Theme.h"
+#include "support/LogMessages.h"
 #include "support/TestMain.h"
 
 #include <QSplashScreen>
 #include <QTcpServer>
 
 using namespace Qt::StringLiterals;
+using fixtures::logMessages;
 
 namespace {
-
-/// The log's messages without their times.
-QStringList logMessages()
-{
-    QFile file(logFilePath());
-    if (!file.open(QIODevice::ReadOnly))
-        return {};
-    QStringList messages = QString::fromUtf8(file.readAll()).split(u'\n', Qt::SkipEmptyParts);
-    for (QString& message : messages)
-        message = message.mid(14);
-    return messages;
-}
 
 bool splashIsVisible()
 {

@@ -1,5 +1,5 @@
-#include "app/Log.h"
 #include "app/TerminalSettings.h"
+#include "support/LogMessages.h"
 #include "support/StubFeedServer.h"
 #include "support/StubHttpServer.h"
 #include "support/TestMain.h"
@@ -7,20 +7,9 @@
 #include <QProcess>
 
 using namespace Qt::StringLiterals;
+using fixtures::logMessages;
 
 namespace {
-
-/// The log's messages without their times.
-QStringList logMessages()
-{
-    QFile file(logFilePath());
-    if (!file.open(QIODevice::ReadOnly))
-        return {};
-    QStringList messages = QString::fromUtf8(file.readAll()).split(u'\n', Qt::SkipEmptyParts);
-    for (QString& message : messages)
-        message = message.mid(14);
-    return messages;
-}
 
 QFile::Permissions othersPermissions()
 {

@@ -1,7 +1,7 @@
 #include "net/ApiClient.h"
 
+#include "FinishReply.h"
 #include "app/TerminalSettings.h"
-#include "net/ReplyOutcome.h"
 #include "support/StubHttpServer.h"
 #include "support/TestMain.h"
 
@@ -11,6 +11,7 @@
 #include <optional>
 
 using namespace Qt::StringLiterals;
+using fixtures::finish;
 
 namespace {
 
@@ -62,7 +63,6 @@ private Q_SLOTS:
 
 private:
     Answer read(const QString& path);
-    ReplyOutcome finish(QNetworkReply* reply);
 
     std::optional<StubHttpServer> m_server;
     std::optional<ApiClient> m_api;
@@ -91,13 +91,6 @@ Answer TestApiClient::read(const QString& path)
     if (!QTest::qWaitFor([&] { return answer.has_value(); }))
         return {{}, u"(no answer)"_s};
     return *answer;
-}
-
-ReplyOutcome TestApiClient::finish(QNetworkReply* reply)
-{
-    const bool finished = QTest::qWaitFor([&] { return reply->isFinished(); });
-    reply->deleteLater();
-    return finished ? ReplyOutcome::read(reply) : ReplyOutcome{};
 }
 
 void TestApiClient::a_read_carries_content_type_and_token_and_returns_the_parsed_body()

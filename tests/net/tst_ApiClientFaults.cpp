@@ -1,6 +1,6 @@
+#include "FinishReply.h"
 #include "app/TerminalSettings.h"
 #include "net/ApiClient.h"
-#include "net/ReplyOutcome.h"
 #include "support/StubHttpServer.h"
 #include "support/TestMain.h"
 
@@ -9,6 +9,7 @@
 #include <optional>
 
 using namespace Qt::StringLiterals;
+using fixtures::finish;
 
 /// What the toolkit's network stack does behind our back, and what broken servers send.
 class TestApiClientFaults final : public QObject {
@@ -39,7 +40,6 @@ private Q_SLOTS:
 
 private:
     ReplyOutcome change(const QByteArray& verb, const QString& path);
-    ReplyOutcome finish(QNetworkReply* reply);
     QString readError(const QString& path);
 
     std::optional<StubHttpServer> m_server;
@@ -58,13 +58,6 @@ void TestApiClientFaults::cleanup()
 {
     m_api.reset();
     m_server.reset();
-}
-
-ReplyOutcome TestApiClientFaults::finish(QNetworkReply* reply)
-{
-    const bool finished = QTest::qWaitFor([&] { return reply->isFinished(); }, 10000);
-    reply->deleteLater();
-    return finished ? ReplyOutcome::read(reply) : ReplyOutcome{};
 }
 
 ReplyOutcome TestApiClientFaults::change(const QByteArray& verb, const QString& path)

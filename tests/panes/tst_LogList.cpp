@@ -35,6 +35,15 @@ bool newestIsInSight(LogList& list)
     return row.isValid() && list.viewport()->rect().contains(row.center());
 }
 
+void showWithManyRows(LogList& list)
+{
+    list.resize(400, 120);
+    list.show();
+    for (int i = 0; i < 200; ++i)
+        list.append(u"s"_s, QString::number(i));
+    QTRY_VERIFY(newestIsInSight(list));
+}
+
 // Counts how often the whole list is laid out: each layout asks the delegate for the one row height.
 class CountingDelegate final : public QStyledItemDelegate {
 public:
@@ -84,11 +93,7 @@ void TestLogList::messagesStayOnOneLine()
 void TestLogList::newestRowIsInSightAfterTheTurn()
 {
     LogList list(LogList::Clock::Seconds);
-    list.resize(400, 120);
-    list.show();
-    for (int i = 0; i < 200; ++i)
-        list.append(u"s"_s, QString::number(i));
-    QTRY_VERIFY(newestIsInSight(list));
+    showWithManyRows(list);
     list.append(u"s"_s, u"one more"_s);
     QTRY_VERIFY(newestIsInSight(list));
     QCOMPARE(newestText(list), u"one more"_s);
@@ -97,11 +102,7 @@ void TestLogList::newestRowIsInSightAfterTheTurn()
 void TestLogList::scrollsBackToTheNewestRow()
 {
     LogList list(LogList::Clock::Seconds);
-    list.resize(400, 120);
-    list.show();
-    for (int i = 0; i < 200; ++i)
-        list.append(u"s"_s, QString::number(i));
-    QTRY_VERIFY(newestIsInSight(list));
+    showWithManyRows(list);
     list.scrollToTop();
     QVERIFY(!newestIsInSight(list));
     list.append(u"s"_s, u"news"_s);
