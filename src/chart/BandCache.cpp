@@ -85,10 +85,12 @@ bool BandCache::sameGround(const Content& a, const Content& b)
 
 void BandCache::paint(QPainter& painter, const ChartFrame& frame, const QRegion& exposed)
 {
-    const Content content{frame.view, frame.seriesRevision, frame.largestVolume, frame.liveBar, frame.colors,
-        frame.type, frame.digits, frame.timeframeMs, evenScale(painter)};
+    const Content content{frame.view, frame.seriesRevision, frame.largestVolume, frame.liveBar,
+        frame.averages, frame.colors, frame.type, frame.digits, frame.timeframeMs, evenScale(painter)};
     paintKept(painter, frame, content, exposed);
-    layerstack::paintLive(painter, frame);
+    ChartFrame part = frame;
+    part.exposed = exposed;
+    layerstack::paintLive(painter, part);
 }
 
 void BandCache::paintKept(

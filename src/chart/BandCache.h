@@ -3,7 +3,9 @@
 #include "chart/ChartColors.h"
 #include "chart/ChartType.h"
 #include "chart/ChartView.h"
+#include "chart/MovingAverageSpec.h"
 
+#include <QList>
 #include <QPixmap>
 
 #include <optional>
@@ -35,6 +37,7 @@ private:
         quint64 seriesRevision = 0;
         qint32 largestVolume = 1;
         qsizetype liveBar = -1;
+        QList<MovingAverageSpec> averages;
         ChartColors colors;
         ChartType type = ChartType::Candles;
         int digits = 0;

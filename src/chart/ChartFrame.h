@@ -4,10 +4,13 @@
 #include "chart/ChartColors.h"
 #include "chart/ChartType.h"
 #include "chart/ChartView.h"
+#include "chart/MovingAverageSpec.h"
 #include "chart/TextPainter.h"
 #include "chart/TradeLevel.h"
 
+#include <QList>
 #include <QPoint>
+#include <QRegion>
 #include <QString>
 
 #include <span>
@@ -30,6 +33,11 @@ struct ChartFrame {
     QString timeframeLabel;
     QString description;
 
+    QList<MovingAverageSpec> averages;
+    std::span<const std::span<const double>> averageValues; ///< see IndicatorCache::averages()
+    int rsiPeriod = 0;
+    std::span<const double> rsiValues; ///< see IndicatorCache::strength()
+
     double bid = 0.0; ///< 0 means none yet
     double ask = 0.0; ///< 0 means none yet
     std::span<const TradeLevel> levels;
@@ -41,6 +49,7 @@ struct ChartFrame {
     QPoint pointer = {-1, -1};
     bool pointerInPlot = false;
 
+    QRegion exposed;              ///< what of the picture is asked for
     TextPainter* texts = nullptr; ///< never null while painting
 
     [[nodiscard]] const Candle& bar(qsizetype index) const

@@ -2,6 +2,7 @@
 
 #include "app/NumberFormat.h"
 #include "app/ServerText.h"
+#include "chart/MovingAverageSpec.h"
 #include "chart/Timeframe.h"
 
 #include <QCoreApplication>
@@ -61,4 +62,10 @@ QString hoverText(const Candle& bar, int digits)
     return Texts::tr("O: %1  H: %2  L: %3  C: %4  V: %5")
         .arg(formatPrice(bar.open, digits), formatPrice(bar.high, digits), formatPrice(bar.low, digits),
             formatPrice(bar.close, digits), QString::number(bar.volume));
+}
+
+QString averageText(const MovingAverageSpec& average)
+{
+    const QString kind = average.kind == AverageKind::Exponential ? u"EMA"_s : u"SMA"_s;
+    return Texts::tr("%1(%2)", "moving average: kind and period").arg(kind, QString::number(average.period));
 }

@@ -4,6 +4,8 @@
 
 #include <QString>
 
+struct MovingAverageSpec;
+
 /// A bar's time in UTC. Bars below a day: "HH:mm", with date "dd MMM HH:mm"; longer bars: "dd MMM yyyy"
 /// always. Month names are English. Empty for times that no calendar holds.
 [[nodiscard]] QString barTimeText(qint64 timeMs, qint64 timeframeMs, bool withDate);
@@ -17,3 +19,6 @@
 
 /// Prices and volume of the bar under the pointer, as sent to the status bar.
 [[nodiscard]] QString hoverText(const Candle& bar, int digits);
+
+/// An average in the legend of a chart, such as "EMA(21)".
+[[nodiscard]] QString averageText(const MovingAverageSpec& average);

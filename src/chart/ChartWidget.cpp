@@ -1,5 +1,6 @@
 #include "chart/ChartWidget.h"
 
+#include "chart/AveragePalette.h"
 #include "chart/ChartFrame.h"
 #include "chart/ChartTexts.h"
 #include "chart/layers/CrosshairBoxes.h"
@@ -49,6 +50,7 @@ ChartWidget::~ChartWidget() = default;
 void ChartWidget::setCandles(std::vector<Candle> candles)
 {
     m_series.setCandles(std::move(candles));
+    m_indicators.forgetBars();
     ++m_seriesRevision;
     viewChanged();
     applyView(atEnd());
@@ -161,9 +163,13 @@ void ChartWidget::setColors(const ChartColors& colors)
 
 void ChartWidget::setMovingAverages(const QList<MovingAverageSpec>& averages)
 {
-    if (averages == m_averages)
+    QList<MovingAverageSpec> wanted = averages;
+    for (MovingAverageSpec& average : wanted)
+        average.color = solidColor(average.color, averageColor(0));
+    if (wanted == m_averages)
         return;
-    m_averages = averages;
+    m_averages = wanted;
+    m_indicators.setAverages(m_averages);
     update();
     Q_EMIT settingsChanged();
 }
@@ -175,6 +181,7 @@ void ChartWidget::setRsi(bool enabled, int period)
         return;
     m_rsiEnabled = enabled;
     m_rsiPeriod = usable;
+    m_indicators.setStrength(enabled ? std::optional(usable) : std::nullopt);
     viewChanged();
     Q_EMIT settingsChanged();
 }
@@ -296,6 +303,11 @@ ChartFrame ChartWidget::frame() const
     frame.symbol = m_symbol;
     frame.timeframeLabel = m_timeframeLabel;
     frame.description = m_description;
+    m_indicators.update(m_series.candles());
+    frame.averages = m_averages;
+    frame.averageValues = m_indicators.averages();
+    frame.rsiPeriod = m_rsiPeriod;
+    frame.rsiValues = m_indicators.strength();
     frame.bid = m_bid;
     frame.ask = m_ask;
     frame.levels = m_levels;
@@ -305,6 +317,7 @@ ChartFrame ChartWidget::frame() const
     frame.chartShift = m_viewState.chartShift;
     frame.pointer = m_pointer;
     frame.pointerInPlot = pointerInPlot();
+    frame.exposed = rect();
     frame.texts = &m_texts;
     return frame;
 }

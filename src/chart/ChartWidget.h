@@ -6,6 +6,7 @@
 #include "chart/ChartType.h"
 #include "chart/ChartView.h"
 #include "chart/Drawing.h"
+#include "chart/IndicatorCache.h"
 #include "chart/MovingAverageSpec.h"
 #include "chart/PanZoom.h"
 #include "chart/TextPainter.h"
@@ -70,7 +71,8 @@ public:
     void setColors(const ChartColors& colors);
     [[nodiscard]] const ChartColors& colors() const { return m_colors; }
 
-    /// The averages drawn over the prices, in the order of their legend.
+    /// The averages drawn over the prices, in the order of their legend. A colour that is none becomes
+    /// the first one of the palette, and no colour is see-through.
     void setMovingAverages(const QList<MovingAverageSpec>& averages);
     [[nodiscard]] const QList<MovingAverageSpec>& movingAverages() const { return m_averages; }
 
@@ -179,6 +181,7 @@ private:
     mutable bool m_viewStale = true;
     mutable ChartView m_view;
     mutable qint32 m_largestVolume = 1;
+    mutable IndicatorCache m_indicators;
     mutable TextPainter m_texts;
     BandCache m_bands;
 };

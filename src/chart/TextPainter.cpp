@@ -43,6 +43,7 @@ const TextPainter::Layout& TextPainter::layout(Face& face, const QString& text)
     layout.text.setText(text.left(longestText));
     layout.text.prepare(QTransform(), face.font);
     layout.width = static_cast<int>(std::ceil(layout.text.size().width()));
+    layout.advance = QFontMetrics(face.font).horizontalAdvance(layout.text.text());
     return *face.layouts.insert(text, layout);
 }
 
@@ -79,4 +80,9 @@ void TextPainter::drawAt(QPainter& painter, const QPoint& baseline, const QStrin
     painter.setFont(used.font);
     painter.setPen(color);
     painter.drawStaticText(baseline.x(), baseline.y() - used.ascent, layout(used, text).text);
+}
+
+int TextPainter::advance(const QString& text)
+{
+    return layout(face(Weight::Normal), text).advance;
 }

@@ -27,10 +27,14 @@ public:
     /// One line whose baseline starts at a point.
     void drawAt(QPainter& painter, const QPoint& baseline, const QString& text, const QColor& color);
 
+    /// How far one line reaches, in pixels.
+    [[nodiscard]] int advance(const QString& text);
+
 private:
     struct Layout {
         QStaticText text;
         int width = 0;
+        int advance = 0;
     };
     struct Face {
         QFont font;

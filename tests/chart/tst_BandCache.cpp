@@ -40,12 +40,34 @@ QImage kept(BandCache& cache, const ChartWidget& chart, qreal ratio)
     return image;
 }
 
+/// Averages that cross each other and the prices, and the lower pane.
+void addIndicators(ChartWidget& chart)
+{
+    chart.setMovingAverages({{AverageKind::Simple, 3, QColor(0xff, 0xd5, 0x4f)},
+        {AverageKind::Exponential, 4, QColor(0x4f, 0xc3, 0xf7)},
+        {AverageKind::Simple, 1, QColor(0xba, 0x68, 0xc8)},
+        {AverageKind::Exponential, 2, QColor(0xff, 0x8a, 0x65)}});
+    chart.setRsi(true, 5);
+}
+
+void changeIndicatorsAtRandom(ChartWidget& chart, QRandomGenerator& random)
+{
+    QList<MovingAverageSpec> averages = chart.movingAverages();
+    if (random.bounded(5) == 0)
+        averages.clear();
+    else if (random.bounded(5) == 0)
+        return chart.setRsi(random.bounded(3) > 0, random.bounded(1, 20));
+    averages.append({random.bounded(2) == 0 ? AverageKind::Simple : AverageKind::Exponential,
+        static_cast<qint32>(random.bounded(1, 40)), QColor::fromRgb(random.generate() | 0x404040U)});
+    chart.setMovingAverages(averages);
+}
+
 void changeAtRandom(ChartWidget& chart, QRandomGenerator& random)
 {
     const std::vector<Candle>& candles = chart.candles();
     const Candle last = candles.empty() ? Candle() : candles.back();
     const double price = last.low + (last.high - last.low) * random.bounded(1.0);
-    switch (random.bounded(14)) {
+    switch (random.bounded(15)) {
     case 0:
         return chart.zoomIn();
     case 1:
@@ -62,6 +84,8 @@ void changeAtRandom(ChartWidget& chart, QRandomGenerator& random)
         return chart.onTick(price * 1.002, price * 1.0021, last.time);
     case 7:
         return chart.onTick(price, price + 0.0001, last.time + fixtures::quarterHour);
+    case 14:
+        return changeIndicatorsAtRandom(chart, random);
     case 8:
     case 9:
     case 10:
@@ -109,6 +133,7 @@ void TestBandCache::the_picture_equals_all_layers_in_order()
     QFETCH(int, type);
     QRandomGenerator random(static_cast<quint32>(type) + 7);
     ChartWidget chart;
+    addIndicators(chart);
     chart.resize(260 + random.bounded(60), 170 + random.bounded(60));
     chart.setSymbolInfo(u"EURUSD"_s, u"M15"_s, u"Euro"_s);
     chart.setTradeLevels({{u"1"_s, u"SL"_s, 1.1, u"sl #1"_s, QColor(Qt::red), Qt::DashLine, true},
@@ -150,6 +175,7 @@ void TestBandCache::what_stays_on_the_window_equals_all_layers_in_order()
     window.resize(340, 220);
     auto* chart = new ChartWidget(&window);
     chart->resize(300, 200);
+    addIndicators(*chart);
     chart->setSymbolInfo(u"EURUSD"_s, u"M15"_s, u"Euro"_s);
     chart->setTradeLevels({{u"1"_s, u"SL"_s, 1.1, u"sl #1"_s, QColor(Qt::red), Qt::DashLine, true}});
     chart->setCandles(fixtures::wave(150));
@@ -184,6 +210,7 @@ void TestBandCache::a_newest_bar_between_crowded_neighbours_is_the_same_to_the_p
     QFETCH(int, stepsOut);
     ChartWidget chart;
     chart.resize(300, 200);
+    addIndicators(chart);
     chart.setChartType(type);
     for (int i = 0; i < stepsOut; ++i)
         chart.zoomOut();
@@ -201,6 +228,12 @@ void TestBandCache::a_newest_bar_between_crowded_neighbours_is_the_same_to_the_p
         chart.onTick(price, price, candles.back().time);
         for (int look = 0; look < 3; ++look)
             QVERIFY(kept(cache, chart, 1.0) == plain(chart, 1.0));
+    }
+    BandCache doubled;
+    for (const double price : {1.0, 1.02, 1.04}) {
+        chart.onTick(price, price, candles.back().time);
+        for (int look = 0; look < 3; ++look)
+            QVERIFY(kept(doubled, chart, 2.0) == plain(chart, 2.0));
     }
 }
 
@@ -280,6 +313,7 @@ void TestBandCache::frames_painted_in_parts_have_no_seams()
     QFETCH(qreal, ratio);
     QFETCH(int, type);
     ChartWidget chart;
+    addIndicators(chart);
     chart.resize(320, 200); // a multiple of 4, so that every ratio has whole pixels at the edges of the parts
     chart.setChartType(type);
     chart.setChartShift(true);

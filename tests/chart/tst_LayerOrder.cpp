@@ -34,8 +34,7 @@ void TestLayerOrder::layers_are_painted_in_this_order()
 
 void TestLayerOrder::layers_without_code_yet_are_these()
 {
-    const QList<Layer> later{Layer::MovingAverages, Layer::Drawings, Layer::AverageLegend, Layer::Ruler,
-        Layer::DrawingPreview, Layer::RsiPane};
+    const QList<Layer> later{Layer::Drawings, Layer::Ruler, Layer::DrawingPreview};
     for (const LayerEntry& entry : layerOrder)
         QCOMPARE(entry.paint == nullptr, later.contains(entry.layer));
 }

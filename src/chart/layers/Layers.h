@@ -4,7 +4,8 @@ class QPainter;
 struct ChartFrame;
 
 /// One function per layer of the chart, each in its own file. A layer reads the frame only and leaves pen,
-/// brush and font as it likes; those that walk bars paint those of ChartFrame::bars.
+/// brush and font as it likes; those that walk bars paint those of ChartFrame::bars. What lies outside
+/// ChartFrame::exposed may be left out.
 namespace layers {
 
 void paintBackground(QPainter& painter, const ChartFrame& frame);
@@ -13,10 +14,13 @@ void paintPriceGrid(QPainter& painter, const ChartFrame& frame);
 void paintTimeGrid(QPainter& painter, const ChartFrame& frame);
 void paintVolume(QPainter& painter, const ChartFrame& frame);
 void paintPrices(QPainter& painter, const ChartFrame& frame);
+void paintMovingAverages(QPainter& painter, const ChartFrame& frame);
 void paintHeader(QPainter& painter, const ChartFrame& frame);
+void paintAverageLegend(QPainter& painter, const ChartFrame& frame);
 void paintTradeLevels(QPainter& painter, const ChartFrame& frame);
 void paintQuotes(QPainter& painter, const ChartFrame& frame);
 void paintCrosshair(QPainter& painter, const ChartFrame& frame);
+void paintRsiPane(QPainter& painter, const ChartFrame& frame);
 void paintScrollButton(QPainter& painter, const ChartFrame& frame);
 void paintShiftMarker(QPainter& painter, const ChartFrame& frame);
 void paintBorder(QPainter& painter, const ChartFrame& frame);

@@ -1,0 +1,17 @@
+#include "chart/ChartFrame.h"
+#include "chart/ChartTexts.h"
+#include "chart/layers/Layers.h"
+
+void layers::paintAverageLegend(QPainter& painter, const ChartFrame& frame)
+{
+    constexpr int gap = 12;
+    const QRect& plot = frame.view.plot();
+    QPoint baseline = plot.topLeft() + QPoint(6, 28);
+    for (const MovingAverageSpec& average : frame.averages) {
+        if (baseline.x() > plot.right())
+            return;
+        const QString text = averageText(average);
+        frame.texts->drawAt(painter, baseline, text, average.color);
+        baseline.rx() += frame.texts->advance(text) + gap;
+    }
+}

@@ -1,0 +1,26 @@
+#pragma once
+
+#include <QColor>
+
+#include <span>
+
+class ChartView;
+class QPainter;
+class QPoint;
+class QRect;
+struct BarRange;
+
+/// Slanting lines of one pixel, in boxes of whole pixels: they look the same whatever part of a frame is
+/// painted, while the line of a pen takes its steps elsewhere once an end of it lies outside that part.
+namespace curve {
+
+/// From one pixel to another in the same or a later column, both included; only what lies `within` is
+/// painted.
+void slope(QPainter& painter, const QPoint& from, const QPoint& to, const QRect& within, const QColor& color);
+
+/// Joins the values of neighbouring `bars`; a bar whose value is no number breaks the line. `row` is where
+/// a value lies; no values at all are as many gaps.
+void join(QPainter& painter, const ChartView& view, std::span<const double> values, const BarRange& bars,
+    int (*row)(const ChartView&, double), const QRect& within, const QColor& color);
+
+} // namespace curve
