@@ -120,6 +120,12 @@ QJsonObject AccountBook::knownPrice(const QString& symbol) const
     return found == m_prices.cend() ? QJsonObject() : QJsonObject{{symbol, *found}};
 }
 
+Quote AccountBook::knownQuote(const QString& symbol) const
+{
+    const QJsonObject quote = m_prices.value(symbol).toObject();
+    return {jsonNumber(quote.value("bid"_L1)), jsonNumber(quote.value("ask"_L1))};
+}
+
 QJsonObject AccountBook::knownTradePrices() const
 {
     QJsonObject known;

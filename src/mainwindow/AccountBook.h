@@ -1,5 +1,7 @@
 #pragma once
 
+#include "mainwindow/Quote.h"
+
 #include <QHash>
 #include <QJsonArray>
 #include <QJsonObject>
@@ -62,6 +64,8 @@ public:
     void notePrices(const QJsonObject& prices);
     /// The latest quote of one symbol as a snapshot of its own; empty when there is none.
     [[nodiscard]] QJsonObject knownPrice(const QString& symbol) const;
+    /// The same as two prices.
+    [[nodiscard]] Quote knownQuote(const QString& symbol) const;
     /// The latest quotes of the symbols that the current trades are in, as one snapshot.
     [[nodiscard]] QJsonObject knownTradePrices() const;
 

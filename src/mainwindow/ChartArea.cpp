@@ -61,6 +61,7 @@ QMdiSubWindow* ChartArea::addChart(const QString& symbol, const QString& timefra
     const int digits = m_book.digits().value(symbol, DefaultDigits);
     auto* chart = new ChartWindow(m_api, symbol, timeframe, m_book.currentAccountId(), digits);
     connect(chart, &ChartWindow::logMessage, this, &ChartArea::logMessage);
+    connect(chart, &ChartWindow::specificationRequested, this, &ChartArea::specificationRequested);
     chart->restoreState(state);
     handOverEverything(*chart);
 
@@ -232,22 +233,16 @@ void ChartArea::catchUp()
         chart->reload();
 }
 
-void ChartArea::zoomIn()
-{
-    if (ChartWindow* chart = activeChart())
-        chart->zoomIn();
-}
-
-void ChartArea::zoomOut()
-{
-    if (ChartWindow* chart = activeChart())
-        chart->zoomOut();
-}
-
 void ChartArea::setTimeframe(const QString& key)
 {
     if (ChartWindow* chart = activeChart())
         chart->setTimeframe(key);
+}
+
+void ChartArea::closeActiveChart()
+{
+    if (QMdiSubWindow* subWindow = currentSubWindow())
+        subWindow->close();
 }
 
 void ChartArea::changeEvent(QEvent* event)

@@ -47,11 +47,11 @@ public:
     void catchUp();
 
     // For the active chart; nothing without one.
-    void zoomIn();
-    void zoomOut();
     void setTimeframe(const QString& key);
+    void closeActiveChart();
 
 Q_SIGNALS:
+    void specificationRequested(const QString& symbol);
     void logMessage(const QString& source, const QString& message);
 
 protected:

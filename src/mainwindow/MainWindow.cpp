@@ -5,14 +5,17 @@
 #include "app/SoundPlayer.h"
 #include "app/TerminalSettings.h"
 #include "app/Theme.h"
+#include "app/UpdateFramework.h"
 #include "chart/ChartWindow.h"
 #include "mainwindow/AccountFlow.h"
 #include "mainwindow/ChartArea.h"
+#include "mainwindow/ChartCommands.h"
+#include "mainwindow/DesktopLinks.h"
 #include "mainwindow/DockKeeper.h"
 #include "mainwindow/ExpertsFolder.h"
 #include "mainwindow/MenuBar.h"
 #include "mainwindow/OrderEvents.h"
-#include "mainwindow/PopupPrices.h"
+#include "mainwindow/SmallWindows.h"
 #include "mainwindow/TerminalActions.h"
 #include "mainwindow/ToolBars.h"
 #include "mainwindow/TrayIcon.h"
@@ -22,9 +25,11 @@
 #include "panes/TerminalPane.h"
 
 #include <QAction>
+#include <QActionGroup>
 #include <QApplication>
 #include <QCloseEvent>
 #include <QDockWidget>
+#include <QShortcut>
 #include <QStatusBar>
 #include <QUrl>
 
@@ -61,6 +66,8 @@ MainWindow::MainWindow(QWidget* parent)
     m_actions = new TerminalActions(*this,
         {m_docks->marketWatchDock().toggleViewAction(), m_docks->navigatorDock().toggleViewAction(),
             m_docks->toolboxDock().toggleViewAction()});
+    m_chartCommands = new ChartCommands(*m_actions, *m_charts, this);
+    m_smallWindows = new SmallWindows(m_book, *m_marketWatch, *this);
     buildTray();
     m_orderEvents = new OrderEvents(m_tray != nullptr, this);
 
@@ -82,6 +89,7 @@ MainWindow::~MainWindow()
     m_feed.disconnect();
     delete m_orderDialog;
     m_charts->disconnect(this);
+    delete m_chartCommands;
     delete m_charts;
     delete m_accounts;
     delete m_docks;
@@ -137,6 +145,7 @@ void MainWindow::connectPanes()
     connect(m_charts, &ChartArea::logMessage, this, &MainWindow::journal);
     connect(m_marketWatch, &MarketWatchWidget::symbolActivated, this, &MainWindow::openChart);
     connect(m_navigator, &NavigatorWidget::accountActivated, m_accounts, &AccountFlow::activateAccount);
+    connect(m_navigator, &NavigatorWidget::indicatorActivated, m_chartCommands, &ChartCommands::addIndicator);
     connect(m_accounts, &AccountFlow::journalLine, this, &MainWindow::journal);
 }
 
@@ -161,8 +170,21 @@ void MainWindow::connectActions()
     connect(m_actions->restoreLayout, &QAction::triggered, m_docks, &DockKeeper::restoreDefault);
     connect(m_actions->lightTheme, &QAction::triggered, this, [this] { chooseTheme(false); });
     connect(m_actions->darkTheme, &QAction::triggered, this, [this] { chooseTheme(true); });
-    connect(m_actions->zoomIn, &QAction::triggered, m_charts, &ChartArea::zoomIn);
-    connect(m_actions->zoomOut, &QAction::triggered, m_charts, &ChartArea::zoomOut);
+    connect(m_actions->algoTrading, &QAction::triggered, this, &MainWindow::switchAlgoTrading);
+    connect(m_actions->timeframes, &QActionGroup::triggered, this, &MainWindow::onTimeframeAction);
+    connect(m_actions->depthOfMarket, &QAction::triggered, this, &MainWindow::toggleDepthOfMarket);
+    connect(m_actions->about, &QAction::triggered, m_smallWindows, &SmallWindows::showAbout);
+    connect(m_actions->checkForUpdates, &QAction::triggered, this,
+        [] { UpdateFramework::instance().checkWithUi(); });
+    connect(m_chartCommands, &ChartCommands::specificationRequested, this, &MainWindow::showSpecification);
+    connect(m_chartCommands, &ChartCommands::logMessage, this, &MainWindow::journal);
+
+    auto* links = new DesktopLinks(this);
+    connect(m_actions->openExpertsFolder, &QAction::triggered, links, &DesktopLinks::openExpertsFolder);
+    connect(m_actions->openGuide, &QAction::triggered, links, &DesktopLinks::openGuide);
+    connect(links, &DesktopLinks::logMessage, this, &MainWindow::journal);
+    // The status bar promises help on this key.
+    connect(new QShortcut(Qt::Key_F1, this), &QShortcut::activated, links, &DesktopLinks::openGuide);
 }
 
 void MainWindow::setUpExperts()
@@ -188,6 +210,7 @@ void MainWindow::onHello(const QJsonObject& hello)
     m_marketWatch->setSymbols(m_book.symbols());
     m_charts->applySymbols();
     m_charts->catchUp();
+    m_smallWindows->onSymbols();
     onPrices(hello["prices"_L1].toObject());
     m_actions->setSymbolsKnown(!m_book.symbolsByName().isEmpty());
     m_accounts->refreshAccounts();
@@ -199,8 +222,7 @@ void MainWindow::onPrices(const QJsonObject& prices)
     m_marketWatch->updatePrices(prices);
     m_toolbox->updateCurrentPrices(prices);
     m_charts->onPrices(prices);
-    if (m_popupPrices)
-        m_popupPrices->refresh();
+    m_smallWindows->onPrices();
 }
 
 void MainWindow::onTradesUpdated(const QJsonArray& rows)
@@ -235,10 +257,10 @@ void MainWindow::onTimeframeAction(QAction* action)
     m_charts->setTimeframe(action->data().toString());
 }
 
-void MainWindow::onSubWindowActivated(QMdiSubWindow* subWindow)
+void MainWindow::onSubWindowActivated(QMdiSubWindow* /*subWindow*/)
 {
     // None is active while another window has the focus; the chart is still the one to act on.
-    m_actions->setChartActive(subWindow || m_charts->activeChart());
+    m_chartCommands->followActiveChart();
 }
 
 void MainWindow::openOrderDialog()
@@ -249,10 +271,8 @@ void MainWindow::openOrderDialog()
         m_orderDialog->activateWindow();
         return;
     }
-    const ChartWindow* chart = m_charts->activeChart();
-    const QString symbol = chart ? chart->symbol() : m_marketWatch->currentSymbol();
-    m_orderDialog
-        = new OrderDialog(m_api, m_feed, m_book.sortedSymbols(), m_book.currentAccountId(), symbol, this);
+    m_orderDialog = new OrderDialog(
+        m_api, m_feed, m_book.sortedSymbols(), m_book.currentAccountId(), currentSymbol(), this);
     m_orderDialog->setAttribute(Qt::WA_DeleteOnClose);
     connect(m_orderDialog, &OrderDialog::orderPlaced, this, &MainWindow::onOrderPlaced);
     connect(m_orderDialog, &OrderDialog::outcomeUnknown, m_accounts, &AccountFlow::refreshAll);
@@ -261,9 +281,23 @@ void MainWindow::openOrderDialog()
 
 void MainWindow::togglePopupPrices()
 {
-    if (!m_popupPrices)
-        m_popupPrices = new PopupPrices(m_marketWatch->quotes(), this);
-    m_popupPrices->toggle();
+    m_smallWindows->togglePopupPrices();
+}
+
+void MainWindow::toggleDepthOfMarket()
+{
+    m_smallWindows->toggleDepthOfMarket(currentSymbol());
+}
+
+void MainWindow::showSpecification(const QString& symbol)
+{
+    m_smallWindows->showSpecification(symbol);
+}
+
+QString MainWindow::currentSymbol() const
+{
+    const ChartWindow* chart = m_charts->activeChart();
+    return chart ? chart->symbol() : m_marketWatch->currentSymbol();
 }
 
 void MainWindow::onOrderPlaced()
@@ -284,6 +318,12 @@ void MainWindow::chooseTheme(bool dark)
 {
     setTheme(dark);
     applyTheme(*qApp);
+}
+
+void MainWindow::switchAlgoTrading(bool on)
+{
+    m_algoTrading = on;
+    m_toolbox->expert(tr("Expert"), on ? tr("Algo Trading enabled") : tr("Algo Trading disabled"));
 }
 
 void MainWindow::bringToFront()

@@ -11,13 +11,14 @@
 
 class AccountFlow;
 class ChartArea;
+class ChartCommands;
 class DockKeeper;
 class MarketWatchWidget;
 class NavigatorWidget;
 class OrderDialog;
 class OrderEvents;
-class PopupPrices;
 class QMdiSubWindow;
+class SmallWindows;
 class TerminalActions;
 class TerminalPane;
 class TrayIcon;
@@ -49,7 +50,9 @@ public Q_SLOTS:
     void onSubWindowActivated(QMdiSubWindow* subWindow);
     /// Opens the order dialog for the active chart's symbol, or brings the open one to the front.
     void openOrderDialog();
+    void showSpecification(const QString& symbol);
     void togglePopupPrices();
+    void toggleDepthOfMarket();
     /// Shows the window unminimized and gives it the keyboard.
     void bringToFront();
     /// A line for the Journal tab and the log file.
@@ -74,6 +77,9 @@ private:
     void saveLayout();
     void quit();
     void chooseTheme(bool dark);
+    void switchAlgoTrading(bool on);
+    /// The active chart's symbol, else the one selected in Market Watch.
+    [[nodiscard]] QString currentSymbol() const;
     void onOrderPlaced();
 
     ApiClient m_api;
@@ -92,6 +98,8 @@ private:
     OrderEvents* m_orderEvents = nullptr;
     AccountFlow* m_accounts;
     TerminalActions* m_actions;
-    PopupPrices* m_popupPrices = nullptr; ///< made when first asked for
+    ChartCommands* m_chartCommands;
+    SmallWindows* m_smallWindows;
+    bool m_algoTrading = false; ///< whether scripts may place orders; off at every start
     QPointer<OrderDialog> m_orderDialog;
 };

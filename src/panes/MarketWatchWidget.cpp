@@ -4,6 +4,7 @@
 #include "app/ServerText.h"
 #include "app/Theme.h"
 #include "net/JsonNumber.h"
+#include "panes/SymbolFacts.h"
 #include "panes/SymbolOrder.h"
 
 #include <QEvent>
@@ -223,22 +224,9 @@ void MarketWatchWidget::showPage(int index)
 void MarketWatchWidget::showDetails(const QString& symbol)
 {
     m_details->clear();
-    const QJsonObject spec = m_symbolSpecs.value(symbol);
-    if (spec.isEmpty())
-        return;
-    const auto append = [this](const QString& property, const QString& value) {
-        m_details->addTopLevelItem(new QTreeWidgetItem({property, value}));
-    };
-    const auto general
-        = [&spec](QLatin1StringView key) { return formatGeneral(jsonNumber(spec.value(key))); };
-    append(tr("Symbol"), symbol);
-    append(tr("Description"), oneLine(spec.value("description"_L1).toString()));
-    append(tr("Digits"), QString::number(jsonInt(spec.value("digits"_L1), 5)));
-    append(tr("Contract size"), general("contractSize"_L1));
-    append(tr("Commission (per lot)"), general("commission"_L1));
-    append(tr("Swap long"), general("swapLong"_L1));
-    append(tr("Swap short"), general("swapShort"_L1));
-    append(tr("Minimum volume"), u"0.01"_s);
+    const QList<SymbolFact> facts = symbolFacts(symbol, m_symbolSpecs.value(symbol));
+    for (const SymbolFact& fact : facts)
+        m_details->addTopLevelItem(new QTreeWidgetItem({fact.property, fact.value}));
 }
 
 void MarketWatchWidget::changeEvent(QEvent* event)

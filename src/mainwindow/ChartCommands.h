@@ -1,0 +1,44 @@
+#pragma once
+
+#include <QObject>
+#include <QPointer>
+
+class ChartArea;
+class ChartWindow;
+class TerminalActions;
+
+/// Carries the commands that act on charts to the active chart, and shows its truth in their check marks:
+/// type, timeframe, scrolling, shift, tool and ruler.
+class ChartCommands final : public QObject {
+    Q_OBJECT
+    Q_DISABLE_COPY_MOVE(ChartCommands)
+
+public:
+    /// Actions and area must outlive it.
+    ChartCommands(TerminalActions& actions, ChartArea& charts, QObject* parent);
+    ~ChartCommands() override;
+
+public Q_SLOTS:
+    /// "sma" and "ema" ask for a period, "rsi" shows the strength index; on the active chart.
+    void addIndicator(const QString& kind);
+    /// Call when another chart, or none, has become the active one.
+    void followActiveChart();
+
+Q_SIGNALS:
+    void specificationRequested(const QString& symbol);
+    void logMessage(const QString& source, const QString& message);
+
+private:
+    void connectIndicators();
+    void connectPointers();
+    void connectView();
+    void connectWindows();
+    /// What a command does to the active chart; whatever came of it, the check marks tell afterwards.
+    template <typename Command> void onTriggered(const class QAction* action, Command command);
+    void choosePointer(ChartWindow& chart, const QString& tool, bool ruler);
+    void showTruth();
+
+    TerminalActions& m_actions;
+    ChartArea& m_charts;
+    QPointer<ChartWindow> m_followed;
+};

@@ -1,0 +1,112 @@
+#include "mainwindow/DepthOfMarket.h"
+
+#include "app/NumberFormat.h"
+#include "app/ServerText.h"
+
+#include <QHeaderView>
+#include <QLabel>
+#include <QTreeWidget>
+#include <QVBoxLayout>
+
+#include <cmath>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr QSize InitialSize(280, 480);
+constexpr int RowsPerSide = 8;
+constexpr QRgb AskColor = 0xffff4a4a;
+constexpr QRgb BidColor = 0xff3ba7ff;
+
+enum Column { SideColumn, PriceColumn, DistanceColumn };
+
+double pointOf(int digits)
+{
+    return std::pow(10.0, -clampDigits(digits));
+}
+
+} // namespace
+
+DepthOfMarket::DepthOfMarket(const QString& symbol, int digits, QWidget* parent)
+    : QDialog(parent, Qt::Tool)
+    , m_symbol(symbol)
+    , m_digits(digits)
+    , m_rows(new QTreeWidget)
+    , m_spread(plainLabel({}))
+{
+    setAttribute(Qt::WA_DeleteOnClose);
+    setWindowTitle(tr("Depth of Market — %1").arg(oneLine(symbol)));
+    resize(InitialSize);
+    buildRows();
+
+    auto* note = plainLabel(tr("The feed carries no order book, so no sizes are shown. "
+                               "The rows are prices one point apart around the live bid and ask."));
+    note->setObjectName(u"depthNote"_s);
+    note->setWordWrap(true);
+    m_spread->setObjectName(u"depthSpread"_s);
+
+    auto* layout = new QVBoxLayout(this);
+    layout->addWidget(m_rows, 1);
+    layout->addWidget(m_spread);
+    layout->addWidget(note);
+    fillRows();
+}
+
+void DepthOfMarket::buildRows()
+{
+    m_rows->setObjectName(u"depthRows"_s);
+    m_rows->setAccessibleName(windowTitle());
+    m_rows->setHeaderLabels({tr("Side"), tr("Price"), tr("Points away")});
+    m_rows->setRootIsDecorated(false);
+    m_rows->setUniformRowHeights(true);
+    m_rows->setSelectionMode(QAbstractItemView::NoSelection);
+    m_rows->header()->setStretchLastSection(false);
+    m_rows->header()->setSectionResizeMode(QHeaderView::Stretch);
+    for (int row = 0; row < 2 * RowsPerSide; ++row) {
+        const bool isAsk = row < RowsPerSide;
+        const int distance = isAsk ? RowsPerSide - 1 - row : row - RowsPerSide;
+        auto* item = new QTreeWidgetItem(
+            m_rows, {isAsk ? tr("Ask") : tr("Bid"), QString(), QString::number(distance)});
+        for (int column = SideColumn; column <= DistanceColumn; ++column)
+            item->setForeground(column, QColor::fromRgb(isAsk ? AskColor : BidColor));
+        for (const int column : {PriceColumn, DistanceColumn})
+            item->setTextAlignment(column, Qt::AlignRight | Qt::AlignVCenter);
+    }
+}
+
+void DepthOfMarket::setDigits(int digits)
+{
+    if (digits == m_digits)
+        return;
+    m_digits = digits;
+    fillRows();
+}
+
+void DepthOfMarket::setQuote(const Quote& quote)
+{
+    if (quote == m_quote)
+        return;
+    m_quote = quote;
+    fillRows();
+}
+
+void DepthOfMarket::fillRows()
+{
+    const double point = pointOf(m_digits);
+    for (int row = 0; row < 2 * RowsPerSide; ++row) {
+        const bool isAsk = row < RowsPerSide;
+        const double best = isAsk ? m_quote.ask : m_quote.bid;
+        const int steps = isAsk ? RowsPerSide - 1 - row : RowsPerSide - row;
+        const double price = best + steps * point;
+        // Less than half a point above nothing is no price.
+        const bool known = best > 0.0 && price > point / 2.0;
+        m_rows->topLevelItem(row)->setText(PriceColumn, known ? formatPrice(price, m_digits) : QString());
+    }
+    if (m_quote.isComplete()) {
+        const double points = (m_quote.ask - m_quote.bid) / point;
+        m_spread->setText(tr("Spread: %1 points").arg(QString::number(points, 'f', 0)));
+    } else {
+        m_spread->setText(tr("Waiting for prices..."));
+    }
+}

@@ -1,0 +1,101 @@
+#include "mainwindow/SmallWindows.h"
+
+#include "mainwindow/AboutBox.h"
+#include "mainwindow/AccountBook.h"
+#include "mainwindow/DepthOfMarket.h"
+#include "mainwindow/PopupPrices.h"
+#include "mainwindow/SymbolSpecification.h"
+#include "panes/MarketWatchWidget.h"
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr int DefaultDigits = 5;
+
+void bringUp(QWidget& window)
+{
+    window.show();
+    window.raise();
+    window.activateWindow();
+}
+
+} // namespace
+
+SmallWindows::SmallWindows(const AccountBook& book, const MarketWatchWidget& marketWatch, QWidget& window)
+    : QObject(&window)
+    , m_book(book)
+    , m_marketWatch(marketWatch)
+    , m_window(window)
+{
+}
+
+SmallWindows::~SmallWindows() = default;
+
+void SmallWindows::togglePopupPrices()
+{
+    if (!m_popupPrices)
+        m_popupPrices = new PopupPrices(m_marketWatch.quotes(), &m_window);
+    m_popupPrices->toggle();
+}
+
+void SmallWindows::toggleDepthOfMarket(const QString& symbol)
+{
+    if (m_depth) {
+        m_depth->close();
+        return;
+    }
+    if (symbol.isEmpty())
+        return;
+    m_depth = new DepthOfMarket(symbol, m_book.digits().value(symbol, DefaultDigits), &m_window);
+    quoteDepth();
+    bringUp(*m_depth);
+}
+
+void SmallWindows::showSpecification(const QString& symbol)
+{
+    if (symbol.isEmpty())
+        return;
+    if (!m_specification)
+        m_specification = new SymbolSpecification(&m_window);
+    m_specification->setSymbol(symbol, m_book.symbolsByName().value(symbol));
+    quoteSpecification();
+    bringUp(*m_specification);
+}
+
+void SmallWindows::showAbout()
+{
+    if (!m_about)
+        m_about = new AboutBox(&m_window);
+    bringUp(*m_about);
+}
+
+void SmallWindows::onPrices()
+{
+    if (m_popupPrices)
+        m_popupPrices->refresh();
+    quoteDepth();
+    quoteSpecification();
+}
+
+void SmallWindows::onSymbols()
+{
+    if (m_depth)
+        m_depth->setDigits(m_book.digits().value(m_depth->symbol(), DefaultDigits));
+    if (m_specification) {
+        const QString symbol = m_specification->symbol();
+        m_specification->setSymbol(symbol, m_book.symbolsByName().value(symbol));
+    }
+}
+
+void SmallWindows::quoteDepth()
+{
+    if (m_depth)
+        m_depth->setQuote(m_book.knownQuote(m_depth->symbol()));
+}
+
+void SmallWindows::quoteSpecification()
+{
+    if (m_specification)
+        m_specification->setQuote(m_book.knownQuote(m_specification->symbol()));
+}

@@ -1,0 +1,47 @@
+#pragma once
+
+#include <QObject>
+#include <QPointer>
+
+class AboutBox;
+class AccountBook;
+class DepthOfMarket;
+class MarketWatchWidget;
+class PopupPrices;
+class SymbolSpecification;
+
+/// The small windows beside the main window: opened when asked for, kept up to date while they are open.
+class SmallWindows final : public QObject {
+    Q_OBJECT
+    Q_DISABLE_COPY_MOVE(SmallWindows)
+
+public:
+    /// Book and Market Watch must outlive it; `window` becomes the parent of all.
+    SmallWindows(const AccountBook& book, const MarketWatchWidget& marketWatch, QWidget& window);
+    ~SmallWindows() override;
+
+    /// Call after the book and Market Watch have taken new prices.
+    void onPrices();
+    /// Call after the book has taken a new symbol list.
+    void onSymbols();
+
+public Q_SLOTS:
+    void togglePopupPrices();
+    /// Closes the open one, else opens one for the symbol; nothing for an empty name.
+    void toggleDepthOfMarket(const QString& symbol);
+    /// Opens the specification of the symbol, or turns the open one to it.
+    void showSpecification(const QString& symbol);
+    void showAbout();
+
+private:
+    void quoteDepth();
+    void quoteSpecification();
+
+    const AccountBook& m_book;
+    const MarketWatchWidget& m_marketWatch;
+    QWidget& m_window;
+    QPointer<PopupPrices> m_popupPrices; ///< kept when closed
+    QPointer<DepthOfMarket> m_depth;
+    QPointer<SymbolSpecification> m_specification;
+    QPointer<AboutBox> m_about;
+};

@@ -1,0 +1,88 @@
+#include "mainwindow/SymbolSpecification.h"
+
+#include "app/NumberFormat.h"
+#include "app/ServerText.h"
+#include "net/JsonNumber.h"
+#include "panes/SymbolFacts.h"
+
+#include <QDialogButtonBox>
+#include <QLabel>
+#include <QTreeWidget>
+#include <QVBoxLayout>
+
+#include <cmath>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr QSize InitialSize(340, 400);
+constexpr int PropertyWidth = 150;
+constexpr int DefaultDigits = 5;
+
+} // namespace
+
+SymbolSpecification::SymbolSpecification(QWidget* parent)
+    : QDialog(parent, Qt::Tool)
+    , m_rows(new QTreeWidget)
+    , m_unlisted(plainLabel(tr("The server does not list this symbol.")))
+{
+    setAttribute(Qt::WA_DeleteOnClose);
+    resize(InitialSize);
+
+    m_rows->setObjectName(u"specificationRows"_s);
+    m_rows->setHeaderLabels({tr("Property"), tr("Value")});
+    m_rows->setRootIsDecorated(false);
+    m_rows->setUniformRowHeights(true);
+    m_rows->setColumnWidth(0, PropertyWidth);
+    m_unlisted->setObjectName(u"specificationUnlisted"_s);
+
+    auto* buttons = new QDialogButtonBox(QDialogButtonBox::Close);
+    connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
+
+    auto* layout = new QVBoxLayout(this);
+    layout->addWidget(m_unlisted);
+    layout->addWidget(m_rows, 1);
+    layout->addWidget(buttons);
+}
+
+void SymbolSpecification::setSymbol(const QString& symbol, const QJsonObject& record)
+{
+    if (symbol == m_symbol && record == m_record && m_rows->topLevelItemCount() > 0)
+        return;
+    m_symbol = symbol;
+    m_record = record;
+    m_quote = {};
+    setWindowTitle(tr("Specification: %1").arg(oneLine(symbol)));
+    m_rows->setAccessibleName(windowTitle());
+    m_unlisted->setVisible(record.isEmpty());
+    m_rows->clear();
+    QList<SymbolFact> facts = symbolFacts(symbol, record);
+    facts.append({{tr("Bid"), {}}, {tr("Ask"), {}}, {tr("Spread (points)"), {}}});
+    for (const SymbolFact& fact : std::as_const(facts))
+        new QTreeWidgetItem(m_rows, {fact.property, fact.value});
+    fillQuote();
+}
+
+void SymbolSpecification::setQuote(const Quote& quote)
+{
+    if (quote == m_quote)
+        return;
+    m_quote = quote;
+    fillQuote();
+}
+
+void SymbolSpecification::fillQuote()
+{
+    const int digits = clampDigits(jsonInt(m_record["digits"_L1], DefaultDigits));
+    const int firstLive = m_rows->topLevelItemCount() - 3;
+    if (firstLive < 0)
+        return;
+    const auto show = [this, firstLive](int row, bool known, const QString& text) {
+        m_rows->topLevelItem(firstLive + row)->setText(1, known ? text : QString());
+    };
+    show(0, m_quote.bid > 0.0, formatPrice(m_quote.bid, digits));
+    show(1, m_quote.ask > 0.0, formatPrice(m_quote.ask, digits));
+    const double spread = (m_quote.ask - m_quote.bid) * std::pow(10.0, digits);
+    show(2, m_quote.isComplete(), QString::number(spread, 'f', 0));
+}
