@@ -9,17 +9,29 @@
 #include <QApplication>
 #include <QDialog>
 #include <QSplashScreen>
+#include <QSslConfiguration>
+#include <QThreadPool>
 #include <QTimer>
 
 using namespace Qt::StringLiterals;
 
 namespace {
 
+/// Loading the encryption library takes as long as building half of the main window, whose feed client asks
+/// for it even on a plain connection. The application object waits for the thread before it goes.
+void loadEncryptionMeanwhile()
+{
+    QThreadPool::globalInstance()->start([] { (void)QSslConfiguration::defaultConfiguration(); });
+}
+
 /// Runs the sign-in dialog; false when it was cancelled.
 bool signIn(QSplashScreen& splash, QDialog& dialog)
 {
     // finish() waits for the dialog to appear, which it does only once its own event loop runs.
-    QTimer::singleShot(0, &dialog, [&] { splash.finish(&dialog); });
+    QTimer::singleShot(0, &dialog, [&] {
+        splash.finish(&dialog);
+        loadEncryptionMeanwhile();
+    });
     const int result = dialog.exec();
     appLog(u"login.exec() returned %1"_s.arg(result));
     return result == QDialog::Accepted;

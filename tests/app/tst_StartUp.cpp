@@ -6,11 +6,19 @@
 
 #include <QSplashScreen>
 #include <QTcpServer>
+#include <QThreadPool>
 
 using namespace Qt::StringLiterals;
 using fixtures::logMessages;
 
 namespace {
+
+/// Whether the process has loaded a library of such a name.
+bool hasLoaded(const QByteArray& library)
+{
+    QFile maps(u"/proc/self/maps"_s);
+    return maps.open(QIODevice::ReadOnly) && maps.readAll().contains(library);
+}
 
 bool splashIsVisible()
 {
@@ -131,6 +139,22 @@ private Q_SLOTS:
             (QStringList{u"theme applied: light"_s, u"public config fetch failed: Connection refused"_s,
                 u"login.exec() returned 1"_s, u"MainWindow constructed"_s, u"setUser done"_s,
                 u"entering app.exec()"_s, u"app.exec() returned 0"_s}));
+    }
+
+    void theEncryptionLibraryIsLoadedWhileThePersonSignsIn()
+    {
+        if (!QFile::exists(u"/proc/self/maps"_s))
+            QSKIP("this system does not list a program's libraries");
+        StartUpWindows all = windows(QDialog::Accepted);
+        bool loaded = false;
+        const auto make = all.makeMainWindow;
+        all.makeMainWindow = [make, &loaded] {
+            QThreadPool::globalInstance()->waitForDone();
+            loaded = hasLoaded("qopensslbackend");
+            return make();
+        };
+        QCOMPARE(runTerminal(*qApp, all), 0);
+        QVERIFY(loaded);
     }
 
     void updatesAreSetUpBehindTheMainWindowAndCleanedUpAtQuit()
