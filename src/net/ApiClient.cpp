@@ -161,9 +161,8 @@ void ApiClient::finishLogin(QNetworkReply* reply, const QString& email)
     const QString token = outcome.body.value("token"_L1).toString();
     if (outcome.ok && !token.isEmpty()) {
         TerminalSettings& settings = TerminalSettings::instance();
-        settings.setToken(token);
         settings.setEmail(email);
-        settings.sync();
+        settings.setToken(token); // writes both to the disk
         Q_EMIT loginSucceeded(outcome.body);
         return;
     }
