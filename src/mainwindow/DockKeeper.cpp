@@ -32,17 +32,15 @@ QList<QRect> availableScreens()
 
 } // namespace
 
-DockKeeper::DockKeeper(QMainWindow& window, QWidget* marketWatch, QWidget* navigator, QWidget* toolbox)
+DockKeeper::DockKeeper(QMainWindow& window)
     : QObject(&window)
     , m_window(window)
-    , m_marketWatch(addDock(tr("Market Watch"), u"dockMarketWatch"_s, marketWatch, Qt::LeftDockWidgetArea))
-    , m_navigator(addDock(tr("Navigator"), u"dockNavigator"_s, navigator, Qt::LeftDockWidgetArea))
-    , m_toolbox(addDock(tr("Toolbox"), u"dockTerminal"_s, toolbox, Qt::BottomDockWidgetArea))
+    , m_marketWatch(addDock(tr("Market Watch"), u"dockMarketWatch"_s, Qt::LeftDockWidgetArea))
+    , m_navigator(addDock(tr("Navigator"), u"dockNavigator"_s, Qt::LeftDockWidgetArea))
+    , m_toolbox(addDock(tr("Toolbox"), u"dockTerminal"_s, Qt::BottomDockWidgetArea))
 {
     m_marketWatch->setMinimumWidth(SideMinimumWidth);
     m_navigator->setMinimumWidth(SideMinimumWidth);
-    toolbox->setMinimumHeight(ToolboxMinimumHeight);
-    restoreDefault();
 
     m_snapshotTimer.setObjectName(u"dockSnapshotTimer"_s);
     m_snapshotTimer.setInterval(SnapshotIntervalMs);
@@ -54,12 +52,19 @@ DockKeeper::~DockKeeper()
     confirmRestored(); // a window that was never shown has not crashed either
 }
 
-QDockWidget* DockKeeper::addDock(
-    const QString& title, const QString& name, QWidget* pane, Qt::DockWidgetArea area)
+void DockKeeper::setPanes(QWidget& marketWatch, QWidget& navigator, QWidget& toolbox)
+{
+    m_marketWatch->setWidget(&marketWatch);
+    m_navigator->setWidget(&navigator);
+    m_toolbox->setWidget(&toolbox);
+    toolbox.setMinimumHeight(ToolboxMinimumHeight);
+    restoreDefault();
+}
+
+QDockWidget* DockKeeper::addDock(const QString& title, const QString& name, Qt::DockWidgetArea area)
 {
     auto* dock = new QDockWidget(title, &m_window);
     dock->setObjectName(name);
-    dock->setWidget(pane);
     m_window.addDockWidget(area, dock);
     return dock;
 }

@@ -16,14 +16,18 @@ class DockKeeper final : public QObject {
     Q_DISABLE_COPY_MOVE(DockKeeper)
 
 public:
-    /// Adds three docks holding the panes to the window, which is also the keeper's parent.
-    DockKeeper(QMainWindow& window, QWidget* marketWatch, QWidget* navigator, QWidget* toolbox);
+    /// Adds three empty docks to the window, which is also the keeper's parent. They come before the
+    /// panes, which are best made as their children: under a style sheet a change of parent styles
+    /// everything in a widget anew.
+    explicit DockKeeper(QMainWindow& window);
     ~DockKeeper() override;
 
     [[nodiscard]] QDockWidget& marketWatchDock() const { return *m_marketWatch; }
     [[nodiscard]] QDockWidget& navigatorDock() const { return *m_navigator; }
     [[nodiscard]] QDockWidget& toolboxDock() const { return *m_toolbox; }
 
+    /// Puts the panes into their docks. Call once.
+    void setPanes(QWidget& marketWatch, QWidget& navigator, QWidget& toolbox);
     /// From now on remembers the docks once a second.
     void startSnapshots();
     /// Brings geometry and docks back from the settings. A damaged state, or a restoring that an
@@ -44,7 +48,7 @@ public Q_SLOTS:
     void repair();
 
 private:
-    QDockWidget* addDock(const QString& title, const QString& name, QWidget* pane, Qt::DockWidgetArea area);
+    QDockWidget* addDock(const QString& title, const QString& name, Qt::DockWidgetArea area);
     void restoreGeometry(const QByteArray& geometry);
 
     QMainWindow& m_window;

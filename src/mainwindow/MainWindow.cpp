@@ -51,16 +51,17 @@ QString serverHost()
 MainWindow::MainWindow(QWidget* parent)
     : QMainWindow(parent)
     , m_charts(new ChartArea(m_api, m_book, this))
-    , m_marketWatch(new MarketWatchWidget(this))
-    , m_navigator(new NavigatorWidget(this))
-    , m_toolbox(new TerminalPane(this))
+    , m_docks(new DockKeeper(*this))
+    , m_marketWatch(new MarketWatchWidget(&m_docks->marketWatchDock()))
+    , m_navigator(new NavigatorWidget(&m_docks->navigatorDock()))
+    , m_toolbox(new TerminalPane(&m_docks->toolboxDock()))
     , m_status(new StatusPanel(*statusBar(), serverHost(), this))
 {
     setWindowTitle(tr("Tavoran Terminal"));
     resize(InitialSize);
     setCentralWidget(m_charts);
     buildToolbox();
-    m_docks = new DockKeeper(*this, m_marketWatch, m_navigator, m_toolbox);
+    m_docks->setPanes(*m_marketWatch, *m_navigator, *m_toolbox);
     m_accounts = new AccountFlow(
         m_api, m_book, {m_status->accountSelector(), *m_navigator, *m_toolbox, *m_charts}, this);
     m_actions = new TerminalActions(*this,
@@ -98,8 +99,8 @@ MainWindow::~MainWindow()
 void MainWindow::buildToolbox()
 {
     // Their panes follow; the tabs keep their places.
-    m_toolbox->addTab(new QWidget(m_toolbox), tr("Calendar"));
-    m_toolbox->addTab(new QWidget(m_toolbox), tr("Alerts"));
+    m_toolbox->addTab(new QWidget(m_toolbox->pageParent()), tr("Calendar"));
+    m_toolbox->addTab(new QWidget(m_toolbox->pageParent()), tr("Alerts"));
 }
 
 void MainWindow::buildTray()

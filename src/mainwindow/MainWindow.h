@@ -89,11 +89,11 @@ private:
 
     // Owned by this window as its children.
     ChartArea* m_charts;
+    DockKeeper* m_docks;
     MarketWatchWidget* m_marketWatch;
     NavigatorWidget* m_navigator;
     TerminalPane* m_toolbox;
     StatusPanel* m_status;
-    DockKeeper* m_docks;
     TrayIcon* m_tray = nullptr; ///< none on a desktop without a tray
     OrderEvents* m_orderEvents = nullptr;
     AccountFlow* m_accounts;

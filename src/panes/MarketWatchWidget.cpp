@@ -53,10 +53,11 @@ void stretchLastColumn(QTreeWidget* list)
 MarketWatchWidget::MarketWatchWidget(QWidget* parent)
     : QWidget(parent)
     , m_look(QuoteLook::forCurrentTheme())
-    , m_pages(new QStackedWidget)
-    , m_list(new QTreeWidget)
-    , m_details(new QTreeWidget)
-    , m_tabs(new QTabBar)
+    // Each child is made where it stays: under a style sheet a change of parent styles everything anew.
+    , m_pages(new QStackedWidget(this))
+    , m_list(new QTreeWidget(m_pages))
+    , m_details(new QTreeWidget(m_pages))
+    , m_tabs(new QTabBar(this))
 {
     buildLists();
     m_pages->addWidget(m_list);

@@ -46,11 +46,11 @@ void setWeight(QTreeWidgetItem* item, QFont::Weight weight)
 
 NavigatorWidget::NavigatorWidget(QWidget* parent)
     : QWidget(parent)
-    , m_tree(new QTreeWidget)
+    , m_tree(new QTreeWidget(this))
 {
     buildTree();
 
-    auto* tabs = new QTabBar;
+    auto* tabs = new QTabBar(this);
     tabs->setShape(QTabBar::RoundedSouth);
     tabs->setExpanding(false);
     tabs->addTab(tr("Common"));

@@ -48,9 +48,9 @@ private:
     int m_value;
 };
 
-QTreeWidget* makeList(const QString& name, const QStringList& headers)
+QTreeWidget* makeList(const QString& name, const QStringList& headers, QWidget* parent)
 {
-    auto* list = new QTreeWidget;
+    auto* list = new QTreeWidget(parent);
     list->setObjectName(name);
     list->setColumnCount(int(headers.size()));
     list->setHeaderLabels(headers);
@@ -73,56 +73,71 @@ TerminalPane::TerminalPane(QWidget* parent)
 {
     setTabPosition(QTabWidget::South);
     setDocumentMode(true);
-    buildLists();
     buildTradePage();
-    addTab(m_history, tr("History"));
-    addTab(m_experts, tr("Experts"));
-    addTab(m_journal, tr("Journal"));
+    buildHistoryPage();
+    buildLogPages();
 }
 
-void TerminalPane::buildLists()
+// Each widget is made where it stays: under a style sheet a change of parent styles everything in it anew.
+void TerminalPane::buildTradePage()
 {
+    auto* page = new QWidget(this);
+    // The line is dark in both themes, so the light theme's dark text would not be legible on it.
+    page->setStyleSheet("QLabel{color:%1;}"_L1.arg(FixedColors::neutral.name()));
+    addTab(page, tr("Trade"));
+
     m_trades = makeList(u"tradeList"_s,
         {tr("Symbol"), tr("Ticket"), tr("Time"), tr("Type"), tr("Volume"), tr("Price"), tr("S / L"),
-            tr("T / P"), tr("Price"), tr("Commission"), tr("Swap"), tr("Profit")});
-    m_history = makeList(u"historyList"_s,
-        {tr("Symbol"), tr("Ticket"), tr("Open Time"), tr("Type"), tr("Volume"), tr("Price"), tr("S / L"),
-            tr("T / P"), tr("Close Time"), tr("Price"), tr("Commission"), tr("Swap"), tr("Profit")});
-    setWidths(m_trades, {80, 76, timeWidth, 76, 60, 80, 76, 76, 80, 92, 64});
-    setWidths(m_history, {80, 76, timeWidth, 76, 60, 80, 76, 76, timeWidth, 80, 92, 64});
-    m_experts = new LogList(LogList::Clock::Seconds);
-    m_experts->setObjectName("expertsList"_L1);
-    m_journal = new LogList(LogList::Clock::Milliseconds);
-    m_journal->setObjectName("journalList"_L1);
+            tr("T / P"), tr("Price"), tr("Commission"), tr("Swap"), tr("Profit")},
+        page);
     m_trades->setAccessibleName(tr("Trade"));
-    m_history->setAccessibleName(tr("History"));
-    m_experts->setAccessibleName(tr("Experts"));
-    m_journal->setAccessibleName(tr("Journal"));
-
+    setWidths(m_trades, {80, 76, timeWidth, 76, 60, 80, 76, 76, 80, 92, 64});
     m_trades->setContextMenuPolicy(Qt::CustomContextMenu);
     connect(m_trades, &QTreeWidget::customContextMenuRequested, this, &TerminalPane::requestContextMenu);
     connect(m_trades, &QTreeWidget::itemDoubleClicked, this,
         [this](const QTreeWidgetItem* item) { Q_EMIT tradeDoubleClicked(recordOf(item)); });
-}
 
-void TerminalPane::buildTradePage()
-{
-    m_summary = new QLabel;
+    m_summary = new QLabel(page);
     m_summary->setObjectName("accountSummary"_L1);
     m_summary->setTextFormat(Qt::RichText);
     m_summary->setStyleSheet("background:#1c1c1c; border:1px solid #1f1f1f; border-top:none;"
                              "padding:4px 8px; font-weight:bold;"_L1);
     clearAccountSummary();
 
-    auto* page = new QWidget;
-    // The line is dark in both themes, so the light theme's dark text would not be legible on it.
-    page->setStyleSheet("QLabel{color:%1;}"_L1.arg(FixedColors::neutral.name()));
     auto* layout = new QVBoxLayout(page);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(0);
     layout->addWidget(m_trades, 1);
     layout->addWidget(m_summary, 0);
-    addTab(page, tr("Trade"));
+}
+
+void TerminalPane::buildHistoryPage()
+{
+    m_history = makeList(u"historyList"_s,
+        {tr("Symbol"), tr("Ticket"), tr("Open Time"), tr("Type"), tr("Volume"), tr("Price"), tr("S / L"),
+            tr("T / P"), tr("Close Time"), tr("Price"), tr("Commission"), tr("Swap"), tr("Profit")},
+        pageParent());
+    m_history->setAccessibleName(tr("History"));
+    setWidths(m_history, {80, 76, timeWidth, 76, 60, 80, 76, 76, timeWidth, 80, 92, 64});
+    addTab(m_history, tr("History"));
+}
+
+void TerminalPane::buildLogPages()
+{
+    m_experts = new LogList(LogList::Clock::Seconds, pageParent());
+    m_experts->setObjectName("expertsList"_L1);
+    m_experts->setAccessibleName(tr("Experts"));
+    addTab(m_experts, tr("Experts"));
+
+    m_journal = new LogList(LogList::Clock::Milliseconds, pageParent());
+    m_journal->setObjectName("journalList"_L1);
+    m_journal->setAccessibleName(tr("Journal"));
+    addTab(m_journal, tr("Journal"));
+}
+
+QWidget* TerminalPane::pageParent() const
+{
+    return widget(0)->parentWidget();
 }
 
 void TerminalPane::journal(const QString& source, const QString& message)

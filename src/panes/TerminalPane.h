@@ -21,6 +21,10 @@ public:
     explicit TerminalPane(QWidget* parent = nullptr);
     ~TerminalPane() override = default;
 
+    /// The parent that further pages are best made with: adding them then moves nothing, which under a style
+    /// sheet would style everything in them anew.
+    [[nodiscard]] QWidget* pageParent() const;
+
 public Q_SLOTS:
     /// Appends a line to the Journal tab. Kept for the life of the window.
     void journal(const QString& source, const QString& message);
@@ -51,7 +55,8 @@ private:
     };
 
     void buildTradePage();
-    void buildLists();
+    void buildHistoryPage();
+    void buildLogPages();
     void requestContextMenu(const QPoint& viewportPos);
     void indexRowsBySymbol();
 

@@ -12,8 +12,9 @@ struct Window final {
     DockKeeper keeper;
 
     Window()
-        : keeper(window, new QTreeWidget, new QTreeWidget, new QTreeWidget)
+        : keeper(window)
     {
+        keeper.setPanes(*new QTreeWidget, *new QTreeWidget, *new QTreeWidget);
         window.setCentralWidget(new QWidget);
         window.resize(1000, 700);
     }
