@@ -1,0 +1,253 @@
+#include "MainWindowFixture.h"
+
+#include "mainwindow/TrayIcon.h"
+#include "support/TestMain.h"
+
+#include <QDockWidget>
+#include <QMenu>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+struct ShownBalloon final {
+    QString title;
+    QString text;
+    QSystemTrayIcon::MessageIcon icon = QSystemTrayIcon::NoIcon;
+    int milliseconds = 0;
+};
+
+bool desktopHasTray = true;
+QList<ShownBalloon> balloons;
+
+} // namespace
+
+// Offscreen there is no tray. These two stand in front of the toolkit's functions for everything that
+// is linked into this program: they make up the tray that the window asks for, and note its balloons.
+bool QSystemTrayIcon::isSystemTrayAvailable()
+{
+    return desktopHasTray;
+}
+
+void QSystemTrayIcon::showMessage(
+    const QString& title, const QString& message, MessageIcon icon, int milliseconds)
+{
+    balloons.append({title, message, icon, milliseconds});
+}
+
+/// What the main window and its icon at the tray have to do with each other.
+class tst_TrayWiring final : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init();
+    void theIconAppearsWithItsMenu();
+    void withoutATrayThereIsNoIconAndNoBalloon();
+    void theIconAndItsMenuBringTheWindowBack_data();
+    void theIconAndItsMenuBringTheWindowBack();
+    void askingForTheMenuLeavesTheWindowAlone();
+    void exitSavesTheLayoutAndQuits_data();
+    void exitSavesTheLayoutAndQuits();
+    void orderAndAccountEventsShowBalloons_data();
+    void orderAndAccountEventsShowBalloons();
+    void otherEventsShowNone();
+
+private:
+    static TrayIcon* trayOf(const MainWindowFixture& f) { return f.window->findChild<TrayIcon*>(); }
+    static QAction* entry(TrayIcon& tray, const QString& text)
+    {
+        const QList<QAction*> actions = tray.icon().contextMenu()->actions();
+        const auto found = std::find_if(
+            actions.cbegin(), actions.cend(), [&](const QAction* action) { return action->text() == text; });
+        return found == actions.cend() ? nullptr : *found;
+    }
+};
+
+namespace {
+
+/// Counts how often a window is brought in front of the others.
+class RaiseCounter final : public QObject {
+public:
+    explicit RaiseCounter(QWidget& window) { window.installEventFilter(this); }
+    bool eventFilter(QObject*, QEvent* event) override
+    {
+        if (event->type() == QEvent::ZOrderChange)
+            ++count;
+        return false;
+    }
+    int count = 0;
+};
+
+} // namespace
+
+void tst_TrayWiring::init()
+{
+    desktopHasTray = true;
+    balloons.clear();
+}
+
+void tst_TrayWiring::theIconAppearsWithItsMenu()
+{
+    MainWindowFixture f;
+    f.open();
+    TrayIcon* const tray = trayOf(f);
+    QVERIFY(tray);
+    QVERIFY(tray->icon().isVisible());
+    QVERIFY(!tray->icon().icon().isNull());
+    QCOMPARE(tray->icon().toolTip(), u"Tavoran Terminal"_s);
+    QStringList entries;
+    for (const QAction* action : tray->icon().contextMenu()->actions())
+        entries.append(action->text());
+    QCOMPARE(entries, QStringList({u"Show"_s, u"Exit"_s}));
+}
+
+void tst_TrayWiring::withoutATrayThereIsNoIconAndNoBalloon()
+{
+    desktopHasTray = false;
+    MainWindowFixture f;
+    f.signInAndSettle();
+    QVERIFY(!trayOf(f));
+    f.feed.send(R"({"type":"orders_changed","filled":true,"accountId":"a1"})");
+    f.feed.send(R"({"type":"account_update","status":"PASSED","accountId":"a1"})");
+    QTRY_VERIFY(f.journal().contains(u"Account: Account a1 status changed to PASSED"_s));
+    QCOMPARE(balloons.size(), 0);
+}
+
+void tst_TrayWiring::theIconAndItsMenuBringTheWindowBack_data()
+{
+    QTest::addColumn<int>("activation"); // 0: the menu's entry
+    QTest::addColumn<Qt::WindowStates>("state");
+    QTest::addColumn<bool>("hidden");
+    const struct {
+        const char* name;
+        int activation;
+    } ways[] = {{"click", QSystemTrayIcon::Trigger}, {"double-click", QSystemTrayIcon::DoubleClick},
+        {"Show", QSystemTrayIcon::Unknown}};
+    for (const auto& [name, activation] : ways) {
+        QTest::addRow("%s, hidden", name) << activation << Qt::WindowStates(Qt::WindowNoState) << true;
+        QTest::addRow("%s, minimized", name) << activation << Qt::WindowStates(Qt::WindowMinimized) << false;
+        QTest::addRow("%s, hidden while minimized", name)
+            << activation << Qt::WindowStates(Qt::WindowMinimized) << true;
+        QTest::addRow("%s, behind another", name)
+            << activation << Qt::WindowStates(Qt::WindowNoState) << false;
+    }
+}
+
+void tst_TrayWiring::theIconAndItsMenuBringTheWindowBack()
+{
+    QFETCH(const int, activation);
+    QFETCH(const Qt::WindowStates, state);
+    QFETCH(const bool, hidden);
+    MainWindowFixture f;
+    f.open();
+    TrayIcon* const tray = trayOf(f);
+    QVERIFY(tray);
+    f.window->setWindowState(state);
+    f.window->setHidden(hidden);
+    QWidget other;
+    other.show();
+    QApplication::setActiveWindow(&other);
+    QTRY_VERIFY(!f.window->isActiveWindow());
+    const RaiseCounter raises(*f.window);
+
+    if (activation == QSystemTrayIcon::Unknown)
+        entry(*tray, u"Show"_s)->trigger();
+    else
+        Q_EMIT tray->icon().activated(static_cast<QSystemTrayIcon::ActivationReason>(activation));
+
+    QVERIFY(f.window->isVisible());
+    QVERIFY(!f.window->isMinimized());
+    QVERIFY(raises.count > 0);
+    QTRY_VERIFY(f.window->isActiveWindow());
+}
+
+void tst_TrayWiring::askingForTheMenuLeavesTheWindowAlone()
+{
+    MainWindowFixture f;
+    f.open();
+    TrayIcon* const tray = trayOf(f);
+    QVERIFY(tray);
+    f.window->hide();
+    Q_EMIT tray->icon().activated(QSystemTrayIcon::Context);
+    QCoreApplication::processEvents();
+    QVERIFY(!f.window->isVisible());
+}
+
+void tst_TrayWiring::exitSavesTheLayoutAndQuits_data()
+{
+    QTest::addColumn<bool>("hidden");
+    QTest::newRow("shown") << false;
+    QTest::newRow("hidden, which no close event reaches") << true;
+}
+
+void tst_TrayWiring::exitSavesTheLayoutAndQuits()
+{
+    QFETCH(const bool, hidden);
+    MainWindowFixture f;
+    f.open();
+    TrayIcon* const tray = trayOf(f);
+    QVERIFY(tray);
+    f.window->resize(1111, 777);
+    f.window->setHidden(hidden);
+    QVERIFY(TerminalSettings::instance().windowState().isEmpty());
+    QTimer::singleShot(0, tray, [&] { entry(*tray, u"Exit"_s)->trigger(); });
+    QTimer::singleShot(10000, tray, [] { QCoreApplication::exit(9); });
+    QCOMPARE(QCoreApplication::exec(), 0);
+
+    const TerminalSettings kept(SettingsStore::userFilePath());
+    QVERIFY(!kept.windowState().isEmpty());
+    QWidget restored;
+    QVERIFY(restored.restoreGeometry(kept.windowGeometry()));
+    QCOMPARE(restored.size(), QSize(1111, 777));
+}
+
+void tst_TrayWiring::orderAndAccountEventsShowBalloons_data()
+{
+    QTest::addColumn<QByteArray>("event");
+    QTest::addColumn<QString>("title");
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<bool>("critical");
+    QTest::addColumn<int>("milliseconds");
+    QTest::newRow("filled") << R"({"type":"orders_changed","filled":true,"accountId":"123456789012"})"_ba
+                            << u"Order Filled"_s << u"A pending order on 12345678 was filled."_s << false
+                            << 8000;
+    QTest::newRow("stop loss") << R"({"type":"orders_changed","closeReason":"SL"})"_ba
+                               << u"Position Closed (SL)"_s << u"A position hit its SL."_s << false << 8000;
+    QTest::newRow("failed") << R"({"type":"account_update","accountId":"a1","status":"FAILED"})"_ba
+                            << u"Account Failed"_s << u"An account breached its risk limit and was closed."_s
+                            << true << 12000;
+    QTest::newRow("passed") << R"({"type":"account_update","accountId":"a1","status":"PASSED"})"_ba
+                            << u"Challenge Passed"_s << u"An account passed its target — pending review."_s
+                            << false << 12000;
+}
+
+void tst_TrayWiring::orderAndAccountEventsShowBalloons()
+{
+    QFETCH(const QByteArray, event);
+    QFETCH(const QString, title);
+    QFETCH(const QString, text);
+    QFETCH(const bool, critical);
+    QFETCH(const int, milliseconds);
+    MainWindowFixture f;
+    f.signInAndSettle();
+    f.feed.send(event);
+    QTRY_COMPARE(balloons.size(), 1);
+    QCOMPARE(balloons[0].title, title);
+    QCOMPARE(balloons[0].text, text);
+    QCOMPARE(balloons[0].icon, critical ? QSystemTrayIcon::Critical : QSystemTrayIcon::Information);
+    QCOMPARE(balloons[0].milliseconds, milliseconds);
+}
+
+void tst_TrayWiring::otherEventsShowNone()
+{
+    MainWindowFixture f;
+    f.signInAndSettle();
+    f.feed.send(R"({"type":"orders_changed"})");
+    f.feed.send(R"({"type":"orders_changed","closeReason":"MANUAL"})");
+    f.feed.send(R"({"type":"account_update","accountId":"a1","status":"ACTIVE"})");
+    QTRY_VERIFY(f.journal().contains(u"Account: Account a1 status changed to ACTIVE"_s));
+    QCOMPARE(balloons.size(), 0);
+}
+
+TAVORAN_TEST_MAIN(tst_TrayWiring)
+#include "tst_TrayWiring.moc"
