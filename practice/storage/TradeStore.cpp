@@ -191,14 +191,4 @@ std::vector<Trade> TradeStore::history(std::string_view accountId, int limit)
     return trades;
 }
 
-std::optional<Trade> TradeStore::find(std::string_view tradeId)
-{
-    std::optional<Trade> found;
-    Statement& query = m_database.statement(selectTrades("WHERE id = ?1"));
-    query.bind(1, tradeId);
-    while (query.step())
-        found = readTrade(query);
-    return found;
-}
-
 } // namespace practice

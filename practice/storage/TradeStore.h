@@ -31,8 +31,6 @@ public:
 
     /// Closed positions, the last closed first.
     [[nodiscard]] std::vector<Trade> history(std::string_view accountId, int limit);
-    /// A trade whatever its state.
-    [[nodiscard]] std::optional<Trade> find(std::string_view tradeId);
 
 private:
     void storeAccount(const Account& account);

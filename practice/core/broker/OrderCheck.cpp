@@ -35,6 +35,20 @@ Checked<double> checkLevel(const SymbolSpec& spec, std::string_view name, std::o
     return {rounded, {}};
 }
 
+// The three levels of a request, each put on the grid; the first that cannot be is the refusal.
+Checked<Levels> checkEachLevel(const SymbolSpec& spec, std::optional<double> pendingPrice,
+    std::optional<double> stopLoss, std::optional<double> takeProfit)
+{
+    const Checked<double> price = checkLevel(spec, "The price of the order", pendingPrice);
+    const Checked<double> stop = checkLevel(spec, "The stop loss", stopLoss);
+    const Checked<double> profit = checkLevel(spec, "The take profit", takeProfit);
+    for (const auto* level : {&price, &stop, &profit}) {
+        if (level->refusal)
+            return {{}, level->refusal};
+    }
+    return {{price.value, stop.value, profit.value}, {}};
+}
+
 struct Reference {
     double price;
     std::string_view name;
@@ -127,18 +141,14 @@ Checked<LotHundredths> checkLots(const SymbolSpec& spec, double lots)
 Checked<Levels> checkLevels(const SymbolSpec& spec, const PlaceRequest& request)
 {
     const bool isMarket = request.orderKind == toText(OrderKind::Market);
-    const Checked<double> price = checkLevel(spec, "The price of the order", request.pendingPrice);
-    const Checked<double> stopLoss = checkLevel(spec, "The stop loss", request.stopLoss);
-    const Checked<double> takeProfit = checkLevel(spec, "The take profit", request.takeProfit);
-    for (const auto* level : {&price, &stopLoss, &takeProfit}) {
-        if (level->refusal)
-            return {{}, level->refusal};
-    }
-    if (isMarket && price.value > 0)
+    Checked<Levels> levels = checkEachLevel(spec, request.pendingPrice, request.stopLoss, request.takeProfit);
+    if (levels.refusal)
+        return levels;
+    if (isMarket && levels.value.pendingPrice > 0)
         return {{}, badRequest("A market order has no price of its own: leave the price out.")};
-    if (!isMarket && price.value <= 0)
+    if (!isMarket && levels.value.pendingPrice <= 0)
         return {{}, badRequest("A pending order needs a price above 0.")};
-    return {{price.value, stopLoss.value, takeProfit.value}, {}};
+    return levels;
 }
 
 std::optional<Refusal> checkPrices(const SymbolSpec& spec, const Trade& order, const Quote& quote)
@@ -156,23 +166,19 @@ Checked<Trade> checkModification(
     const bool isPending = trade.status == TradeStatus::Pending;
     if (request.pendingPrice && !isPending)
         return {{}, badRequest("The price of an open position cannot be changed, only its levels.")};
-    const Checked<double> price = checkLevel(spec, "The price of the order", request.pendingPrice);
-    const Checked<double> stopLoss = checkLevel(spec, "The stop loss", request.stopLoss);
-    const Checked<double> takeProfit = checkLevel(spec, "The take profit", request.takeProfit);
-    for (const auto* level : {&price, &stopLoss, &takeProfit}) {
-        if (level->refusal)
-            return {{}, level->refusal};
-    }
-    if (request.pendingPrice && price.value <= 0)
+    Checked<Levels> levels = checkEachLevel(spec, request.pendingPrice, request.stopLoss, request.takeProfit);
+    if (levels.refusal)
+        return {{}, std::move(levels.refusal)};
+    if (request.pendingPrice && levels.value.pendingPrice <= 0)
         return {{}, badRequest("A pending order needs a price above 0.")};
 
     Trade result = trade;
     if (request.pendingPrice)
-        result.pendingPrice = price.value;
+        result.pendingPrice = levels.value.pendingPrice;
     if (request.stopLoss)
-        result.stopLoss = stopLoss.value;
+        result.stopLoss = levels.value.stopLoss;
     if (request.takeProfit)
-        result.takeProfit = takeProfit.value;
+        result.takeProfit = levels.value.takeProfit;
 
     std::optional<Refusal> refusal;
     if (isPending) {
