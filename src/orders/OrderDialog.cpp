@@ -11,7 +11,6 @@
 #include "orders/OrderTypePanel.h"
 #include "orders/TickChartWidget.h"
 
-#include <QCloseEvent>
 #include <QHBoxLayout>
 #include <QNetworkReply>
 #include <QPointer>
@@ -32,17 +31,11 @@ constexpr auto windowStyle
     = "OrderDialog{background:#ffffff;}QLabel{color:#222;} QLineEdit,QComboBox,QDoubleSpinBox"
       "{background:#ffffff;color:#222;border:1px solid #b7b7b7;padding:3px;}"_L1;
 
-// A server that failed on its way, or never answered, may have carried the order out all the same.
-bool isUncertain(const ReplyOutcome& outcome)
-{
-    return !outcome.ok && (outcome.status == 0 || outcome.status >= 500);
-}
-
 } // namespace
 
 OrderDialog::OrderDialog(ApiClient& api, WsClient& feed, const QJsonArray& symbols, const QString& accountId,
     const QString& initialSymbol, QWidget* parent)
-    : QDialog(parent)
+    : SendingDialog(parent)
     , m_api(api)
     , m_accountId(accountId)
     , m_symbols(symbols)
@@ -126,7 +119,7 @@ void OrderDialog::onPrices(const QJsonObject& prices)
 
 void OrderDialog::place(OrderSide side)
 {
-    if (m_sending)
+    if (isSending())
         return;
     OrderTicket ticket = m_form->ticket();
     ticket.accountId = m_accountId;
@@ -137,7 +130,7 @@ void OrderDialog::place(OrderSide side)
         return;
     }
     m_form->showError({});
-    setSending(true);
+    showSending(true);
     QNetworkReply* reply = m_api.post(u"/api/trades/place"_s, placeBody(ticket));
     // The reply goes even if this window is gone by then.
     connect(reply, &QNetworkReply::finished, reply, &QObject::deleteLater);
@@ -146,13 +139,13 @@ void OrderDialog::place(OrderSide side)
 
 void OrderDialog::onReply(QNetworkReply* reply)
 {
-    setSending(false);
+    showSending(false);
     const ReplyOutcome outcome = ReplyOutcome::read(reply);
     if (!outcome.ok) {
         Q_EMIT soundDue(SoundKind::Error);
         m_form->showError(outcome.error);
         comeBack();
-        if (isUncertain(outcome))
+        if (outcome.isUncertain())
             Q_EMIT outcomeUnknown();
         return;
     }
@@ -163,40 +156,13 @@ void OrderDialog::onReply(QNetworkReply* reply)
         accept();
 }
 
-void OrderDialog::setSending(bool sending)
+void OrderDialog::showSending(bool sending)
 {
-    m_sending = sending;
+    setSending(sending);
     m_form->setSending(sending);
 }
 
-void OrderDialog::comeBack()
+void OrderDialog::focusSafely()
 {
-    m_left = false;
-    if (!isHidden())
-        return;
-    // It may come under the hands of somebody who types elsewhere: no button gets that key.
     m_form->focusVolume();
-    show();
-    raise();
-    activateWindow();
-}
-
-void OrderDialog::done(int result)
-{
-    if (m_sending && !m_left) {
-        m_left = true;
-        hide();
-        return;
-    }
-    if (m_sending)
-        Q_EMIT outcomeUnknown();
-    QDialog::done(result);
-}
-
-void OrderDialog::closeEvent(QCloseEvent* event)
-{
-    const bool leaves = m_sending && !m_left;
-    QDialog::closeEvent(event);
-    if (leaves)
-        event->ignore(); // accepted, it would delete the window
 }

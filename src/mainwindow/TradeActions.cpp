@@ -1,0 +1,194 @@
+#include "mainwindow/TradeActions.h"
+
+#include "app/NumberFormat.h"
+#include "app/ServerText.h"
+#include "mainwindow/AccountBook.h"
+#include "net/ApiClient.h"
+#include "net/JsonNumber.h"
+#include "net/ReplyOutcome.h"
+#include "net/UrlParts.h"
+#include "orders/LevelsBody.h"
+#include "orders/OrderBody.h"
+
+#include <QLocale>
+#include <QNetworkReply>
+
+#include <utility>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+const auto placePath = u"/api/trades/place"_s;
+
+/// The path that acts on one trade; nothing for an id that could name another resource.
+std::optional<QString> tradePath(QLatin1StringView action, const QJsonObject& trade)
+{
+    const std::optional<QString> id = encodePathSegment(trade.value("id"_L1).toString());
+    return id ? std::optional(u"/api/trades/"_s + action + u'/' + *id) : std::nullopt;
+}
+
+} // namespace
+
+TradeActions::TradeActions(ApiClient& api, const AccountBook& book, QObject* parent)
+    : QObject(parent)
+    , m_api(api)
+    , m_book(book)
+{
+}
+
+void TradeActions::setAlgoTrading(bool on)
+{
+    if (on == m_algoTrading)
+        return;
+    m_algoTrading = on;
+    Q_EMIT expertLine(tr("Expert"), on ? tr("Algo Trading enabled") : tr("Algo Trading disabled"));
+}
+
+void TradeActions::closePosition(const QJsonObject& trade)
+{
+    const std::optional<QString> path = tradePath("close"_L1, trade);
+    if (!path)
+        return refuse(tr("Close failed: %1"));
+    whenAnswered(m_api.post(*path, {}), [this](const ReplyOutcome& outcome) {
+        tellTrade(outcome.ok, SoundKind::Close,
+            outcome.ok ? tr("Position closed") : tr("Close failed: %1").arg(outcome.error));
+        refreshEverything();
+    });
+}
+
+void TradeActions::cancelOrder(const QJsonObject& trade)
+{
+    const std::optional<QString> path = tradePath("cancel"_L1, trade);
+    if (!path)
+        return refuse(tr("Cancel failed: %1"));
+    whenAnswered(m_api.post(*path, {}), [this](const ReplyOutcome& outcome) {
+        tellTrade(outcome.ok, SoundKind::Close,
+            outcome.ok ? tr("Pending order cancelled") : tr("Cancel failed: %1").arg(outcome.error));
+        Q_EMIT tradesRefreshWanted();
+    });
+}
+
+void TradeActions::moveLevel(const QString& tradeId, const QString& kind, double price)
+{
+    const QJsonObject trade = findTrade(tradeId);
+    if (trade.isEmpty())
+        return;
+    const std::optional<QString> path = tradePath("modify"_L1, trade);
+    if (!path)
+        return refuse(tr("Modify failed: %1"));
+    whenAnswered(m_api.put(*path, movedLevelBody(trade, kind, price)),
+        [this, kind, price](const ReplyOutcome& outcome) {
+            const QString shown = QString::number(price, 'g', QLocale::FloatingPointShortest);
+            tellTrade(outcome.ok, SoundKind::Open,
+                outcome.ok ? tr("%1 moved to %2").arg(kind, shown)
+                           : tr("Modify failed: %1").arg(outcome.error));
+            Q_EMIT tradesRefreshWanted();
+        });
+}
+
+void TradeActions::quickTrade(const QString& symbol, const QString& side, double lots)
+{
+    if (m_book.currentAccountId().isEmpty())
+        return;
+    OrderTicket ticket;
+    ticket.symbol = symbol;
+    ticket.lots = lots;
+    ticket.accountId = m_book.currentAccountId();
+    ticket.side = side == "SELL"_L1 ? OrderSide::Sell : OrderSide::Buy;
+    whenAnswered(m_api.post(placePath, placeBody(ticket)), [this, symbol, side](const ReplyOutcome& outcome) {
+        tellTrade(outcome.ok, SoundKind::Open,
+            outcome.ok ? tr("One-click %1 %2 executed").arg(side, oneLine(symbol))
+                       : tr("One-click order failed: %1").arg(outcome.error));
+        refreshAccountsAndTrades();
+    });
+}
+
+void TradeActions::expertOrder(const QJsonObject& body)
+{
+    if (!m_algoTrading) {
+        Q_EMIT expertLine(tr("Expert"), tr("Algo Trading is OFF — order ignored. Enable it in the toolbar."));
+        return;
+    }
+    if (m_book.currentAccountId().isEmpty())
+        return;
+    QJsonObject order = body;
+    order.insert("accountId"_L1, m_book.currentAccountId());
+    whenAnswered(m_api.post(placePath, order), [this, order](const ReplyOutcome& outcome) {
+        Q_EMIT soundWanted(outcome.ok ? SoundKind::Open : SoundKind::Error);
+        Q_EMIT expertLine(tr("Expert"),
+            outcome.ok ? tr("%1 %2 %3 executed")
+                             .arg(order.value("type"_L1).toString(),
+                                 formatVolume(jsonNumber(order.value("lotSize"_L1))),
+                                 oneLine(order.value("symbol"_L1).toString()))
+                       : tr("Order failed: %1").arg(outcome.error));
+        refreshAccountsAndTrades();
+    });
+}
+
+void TradeActions::expertCloseAll(const QString& symbol)
+{
+    if (!m_algoTrading) {
+        Q_EMIT expertLine(tr("Expert"), tr("Algo Trading is OFF — close ignored."));
+        return;
+    }
+    int closing = 0;
+    for (const auto& value : m_book.openTrades()) {
+        const QJsonObject trade = value.toObject();
+        if (trade.value("symbol"_L1).toString() != symbol)
+            continue;
+        const std::optional<QString> path = tradePath("close"_L1, trade);
+        if (!path)
+            continue;
+        ++closing;
+        whenAnswered(m_api.post(*path, {}), [this](const ReplyOutcome&) { refreshEverything(); });
+    }
+    if (closing == 0)
+        return;
+    Q_EMIT soundWanted(SoundKind::Close);
+    Q_EMIT expertLine(
+        tr("Expert"), tr("Closing %1 position(s) on %2").arg(QString::number(closing), oneLine(symbol)));
+}
+
+void TradeActions::whenAnswered(QNetworkReply* reply, Report report)
+{
+    // The reply goes even if this object is gone by then.
+    connect(reply, &QNetworkReply::finished, reply, &QObject::deleteLater);
+    connect(reply, &QNetworkReply::finished, this,
+        [reply, report = std::move(report)] { report(ReplyOutcome::read(reply)); });
+}
+
+QJsonObject TradeActions::findTrade(const QString& tradeId) const
+{
+    for (const QJsonArray& list : {m_book.openTrades(), m_book.pendingOrders()}) {
+        for (const auto& value : list) {
+            const QJsonObject trade = value.toObject();
+            if (trade.value("id"_L1).toString() == tradeId)
+                return trade;
+        }
+    }
+    return {};
+}
+
+void TradeActions::refuse(const QString& message)
+{
+    tellTrade(false, SoundKind::Error, message.arg(tr("this trade has no usable id")));
+}
+
+void TradeActions::tellTrade(bool ok, SoundKind success, const QString& message)
+{
+    Q_EMIT soundWanted(ok ? success : SoundKind::Error);
+    Q_EMIT journalLine(tr("Trade"), message);
+}
+
+void TradeActions::refreshEverything()
+{
+    refreshAccountsAndTrades();
+    Q_EMIT historyRefreshWanted();
+}
+
+void TradeActions::refreshAccountsAndTrades()
+{
+    Q_EMIT accountsRefreshWanted();
+    Q_EMIT tradesRefreshWanted();
+}

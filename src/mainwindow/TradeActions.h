@@ -1,0 +1,69 @@
+#pragma once
+
+#include "app/SoundPlayer.h"
+
+#include <QJsonObject>
+#include <QObject>
+#include <QString>
+
+#include <functional>
+#include <optional>
+
+class AccountBook;
+class ApiClient;
+class QNetworkReply;
+struct ReplyOutcome;
+
+/// Turns what a trader or a script wants done with a trade into one request each, and reports what became of
+/// it: a line, a sound, and the lists read again, whatever the outcome was. Requests are neither repeated nor
+/// queued. Scripts trade only while algo trading is on.
+class TradeActions final : public QObject {
+    Q_OBJECT
+    Q_DISABLE_COPY_MOVE(TradeActions)
+
+public:
+    /// Client and book must outlive the actions.
+    TradeActions(ApiClient& api, const AccountBook& book, QObject* parent = nullptr);
+
+    /// Off at start; never saved.
+    [[nodiscard]] bool isAlgoTradingOn() const { return m_algoTrading; }
+
+public Q_SLOTS:
+    void setAlgoTrading(bool on);
+
+    void closePosition(const QJsonObject& trade);
+    void cancelOrder(const QJsonObject& trade);
+    /// Moves one level of a trade that is known by this id, and keeps the others; nothing for an unknown id.
+    /// `kind` is "SL" or "TP", else the entry price is meant.
+    void moveLevel(const QString& tradeId, const QString& kind, double price);
+    /// A market order; `side` is "SELL" or "BUY". Nothing without an account.
+    void quickTrade(const QString& symbol, const QString& side, double lots);
+
+    /// A script's order, complete but for the account.
+    void expertOrder(const QJsonObject& body);
+    /// Closes every open position on the symbol for a script.
+    void expertCloseAll(const QString& symbol);
+
+Q_SIGNALS:
+    void journalLine(const QString& source, const QString& message);
+    void expertLine(const QString& source, const QString& message);
+    void soundWanted(SoundKind kind);
+    void accountsRefreshWanted();
+    void tradesRefreshWanted();
+    void historyRefreshWanted();
+
+private:
+    using Report = std::function<void(const ReplyOutcome&)>;
+
+    /// Reads the reply once it has come, unless this object is gone by then.
+    void whenAnswered(QNetworkReply* reply, Report report);
+    [[nodiscard]] QJsonObject findTrade(const QString& tradeId) const;
+    void refuse(const QString& message);
+    void tellTrade(bool ok, SoundKind success, const QString& message);
+    void refreshEverything();
+    void refreshAccountsAndTrades();
+
+    ApiClient& m_api;
+    const AccountBook& m_book;
+    bool m_algoTrading = false;
+};

@@ -1,0 +1,155 @@
+#include "orders/ModifyDialog.h"
+
+#include "app/DecimalEdit.h"
+#include "app/NumberFormat.h"
+#include "app/ServerText.h"
+#include "app/Theme.h"
+#include "net/ApiClient.h"
+#include "net/JsonNumber.h"
+#include "net/ReplyOutcome.h"
+#include "net/UrlParts.h"
+
+#include <QFormLayout>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QNetworkReply>
+#include <QPointer>
+#include <QPushButton>
+#include <QVBoxLayout>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+std::optional<double> typedIn(const DecimalEdit* field)
+{
+    return field && !field->text().trimmed().isEmpty() ? std::optional(field->value()) : std::nullopt;
+}
+
+/// A lone "." is the beginning of a number: sent as 0 it would take the level off.
+bool isUnfinished(const DecimalEdit* field)
+{
+    return field && !field->text().trimmed().isEmpty() && !field->hasAcceptableInput();
+}
+
+} // namespace
+
+ModifyDialog::ModifyDialog(ApiClient& api, const QJsonObject& trade, int digits, QWidget* parent)
+    : SendingDialog(parent)
+    , m_api(api)
+    , m_trade(trade)
+    , m_modify(new QPushButton(tr("Modify"), this))
+    , m_error(plainLabel({}, this))
+{
+    setWindowTitle(tr("Modify Order"));
+    setWindowIcon(appIcon());
+    setMinimumWidth(340);
+
+    auto* column = new QVBoxLayout(this);
+    QLabel* header = plainLabel(tr("%1 %2 %3")
+                                    .arg(oneLine(trade.value("symbol"_L1).toString()),
+                                        oneLine(trade.value("type"_L1).toString().toLower()),
+                                        formatVolume(jsonNumber(trade.value("lotSize"_L1)))),
+        this);
+    header->setObjectName("modifyHeader"_L1);
+    header->setStyleSheet("font-weight:bold;"_L1);
+    column->addWidget(header);
+
+    auto* form = new QFormLayout;
+    if (isPending(trade))
+        m_price = addLevel(*form, tr("Price:"), u"modifyPrice"_s, u"pendingPrice"_s, digits);
+    m_stopLoss = addLevel(*form, tr("Stop Loss:"), u"modifyStopLoss"_s, u"stopLoss"_s, digits);
+    m_takeProfit = addLevel(*form, tr("Take Profit:"), u"modifyTakeProfit"_s, u"takeProfit"_s, digits);
+    column->addLayout(form);
+
+    m_error->setObjectName("modifyError"_L1);
+    m_error->setWordWrap(true);
+    m_error->setStyleSheet("color:#ff6b6b;"_L1);
+    m_error->hide();
+    column->addWidget(m_error);
+
+    auto* cancel = new QPushButton(tr("Cancel"), this);
+    cancel->setAutoDefault(false);
+    m_modify->setObjectName("modifyButton"_L1);
+    m_modify->setDefault(true);
+    auto* buttons = new QHBoxLayout;
+    buttons->addStretch();
+    buttons->addWidget(cancel);
+    buttons->addWidget(m_modify);
+    column->addLayout(buttons);
+
+    connect(cancel, &QPushButton::clicked, this, &ModifyDialog::reject);
+    connect(m_modify, &QPushButton::clicked, this, &ModifyDialog::send);
+    connect(this, &ModifyDialog::soundDue, this, &play);
+}
+
+DecimalEdit* ModifyDialog::addLevel(
+    QFormLayout& form, const QString& caption, const QString& name, const QString& key, int digits)
+{
+    auto* field = new DecimalEdit(this);
+    field->setObjectName(name);
+    field->setPlaceholderText(tr("none"));
+    if (const double level = jsonNumber(m_trade.value(key)); level > 0.0)
+        field->setText(formatPrice(level, digits));
+    form.addRow(caption, field);
+    return field;
+}
+
+TypedLevels ModifyDialog::typed() const
+{
+    return {typedIn(m_stopLoss), typedIn(m_takeProfit), typedIn(m_price)};
+}
+
+void ModifyDialog::send()
+{
+    if (isSending())
+        return;
+    if (isUnfinished(m_stopLoss) || isUnfinished(m_takeProfit) || isUnfinished(m_price)) {
+        showError(tr("Please enter a valid price."));
+        return;
+    }
+    const std::optional<QString> id = encodePathSegment(m_trade.value("id"_L1).toString());
+    if (!id) {
+        Q_EMIT soundDue(SoundKind::Error);
+        showError(tr("This trade has no usable id."));
+        return;
+    }
+    setSending(true);
+    m_modify->setEnabled(false);
+    m_error->hide();
+    QNetworkReply* reply = m_api.put(u"/api/trades/modify/"_s + *id, typedLevelsBody(typed()));
+    // The reply goes even if this window is gone by then.
+    connect(reply, &QNetworkReply::finished, reply, &QObject::deleteLater);
+    connect(reply, &QNetworkReply::finished, this, [this, reply] { onReply(reply); });
+}
+
+void ModifyDialog::onReply(QNetworkReply* reply)
+{
+    setSending(false);
+    m_modify->setEnabled(true);
+    const ReplyOutcome outcome = ReplyOutcome::read(reply);
+    if (!outcome.ok) {
+        Q_EMIT soundDue(SoundKind::Error);
+        showError(outcome.error);
+        comeBack();
+        if (outcome.isUncertain())
+            Q_EMIT outcomeUnknown();
+        return;
+    }
+    const QPointer<ModifyDialog> self(this);
+    Q_EMIT soundDue(SoundKind::Open);
+    Q_EMIT modified();
+    if (self)
+        accept();
+}
+
+void ModifyDialog::showError(const QString& text)
+{
+    m_error->setText(text);
+    m_error->show();
+}
+
+void ModifyDialog::focusSafely()
+{
+    m_stopLoss->setFocus();
+}

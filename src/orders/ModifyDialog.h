@@ -1,0 +1,50 @@
+#pragma once
+
+#include "app/SoundPlayer.h"
+#include "orders/LevelsBody.h"
+#include "orders/SendingDialog.h"
+
+#include <QJsonObject>
+
+class ApiClient;
+class DecimalEdit;
+class QFormLayout;
+class QLabel;
+class QNetworkReply;
+class QPushButton;
+
+/// Edits the levels of one trade: stop loss and take profit, and the entry price of a pending order.
+class ModifyDialog final : public SendingDialog {
+    Q_OBJECT
+    Q_DISABLE_COPY_MOVE(ModifyDialog)
+
+public:
+    /// `digits`: the symbol's price decimals. `api` must outlive the dialog.
+    ModifyDialog(ApiClient& api, const QJsonObject& trade, int digits, QWidget* parent = nullptr);
+    ~ModifyDialog() override = default;
+
+Q_SIGNALS:
+    /// The server accepted the change; just before the dialog closes.
+    void modified();
+    /// Played by the dialog itself.
+    void soundDue(SoundKind kind);
+
+protected:
+    void focusSafely() override;
+
+private:
+    [[nodiscard]] DecimalEdit* addLevel(
+        QFormLayout& form, const QString& caption, const QString& name, const QString& key, int digits);
+    [[nodiscard]] TypedLevels typed() const;
+    void send();
+    void onReply(QNetworkReply* reply);
+    void showError(const QString& text);
+
+    ApiClient& m_api;
+    QJsonObject m_trade;
+    DecimalEdit* m_price = nullptr; ///< pending orders only
+    DecimalEdit* m_stopLoss;
+    DecimalEdit* m_takeProfit;
+    QPushButton* m_modify;
+    QLabel* m_error;
+};

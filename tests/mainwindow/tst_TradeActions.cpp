@@ -1,0 +1,479 @@
+#include "app/TerminalSettings.h"
+#include "mainwindow/AccountBook.h"
+#include "mainwindow/TradeActions.h"
+#include "net/ApiClient.h"
+#include "support/ParseJson.h"
+#include "support/StubHttpServer.h"
+#include "support/TestMain.h"
+
+#include <QNetworkReply>
+#include <QSignalSpy>
+#include <QtTest>
+
+using namespace Qt::StringLiterals;
+using fixtures::parse;
+using fixtures::parseArray;
+
+namespace {
+
+const QByteArray place = "/api/trades/place";
+const QByteArray openTrades = R"([
+    {"id":"t1","symbol":"EURUSD","type":"BUY","lotSize":1,"stopLoss":"1.05","takeProfit":0,"status":"OPEN"},
+    {"id":"t2","symbol":"GOLD","status":"OPEN"},
+    {"id":"t3","symbol":"EURUSD","status":"OPEN"},
+    {"id":"t4","symbol":"EURUSD","status":"OPEN"},
+    {"id":"","symbol":"OIL"}])";
+const QByteArray pendingOrders
+    = R"([{"id":"p1","symbol":"EURUSD","status":"PENDING","stopLoss":1.0,"pendingPrice":"1.1"},{"id":"..","symbol":"X"}])";
+
+/// The actions over a scripted server, with all that they say.
+struct Desk {
+    StubHttpServer server;
+    ApiClient api;
+    AccountBook book;
+    TradeActions actions{api, book};
+    QStringList said; ///< Journal and Experts lines, sounds and refreshes in their order
+
+    Desk()
+    {
+        TerminalSettings::instance().setServerUrl(server.url());
+        book.selectAccount(u"acc-1"_s);
+        book.setTrades(parseArray(openTrades), parseArray(pendingOrders));
+        const auto note = [this](const QString& text) { said.append(text); };
+        QObject::connect(&actions, &TradeActions::journalLine, &actions,
+            [note](
+                const QString& source, const QString& message) { note(u"J %1: %2"_s.arg(source, message)); });
+        QObject::connect(&actions, &TradeActions::expertLine, &actions,
+            [note](
+                const QString& source, const QString& message) { note(u"E %1: %2"_s.arg(source, message)); });
+        QObject::connect(&actions, &TradeActions::soundWanted, &actions,
+            [note](SoundKind kind) { note(u"sound %1"_s.arg(int(kind))); });
+        QObject::connect(
+            &actions, &TradeActions::accountsRefreshWanted, &actions, [note] { note(u"accounts"_s); });
+        QObject::connect(
+            &actions, &TradeActions::tradesRefreshWanted, &actions, [note] { note(u"trades"_s); });
+        QObject::connect(
+            &actions, &TradeActions::historyRefreshWanted, &actions, [note] { note(u"history"_s); });
+    }
+    Q_DISABLE_COPY_MOVE(Desk)
+
+    [[nodiscard]] static QString sound(SoundKind kind) { return u"sound %1"_s.arg(int(kind)); }
+};
+
+/// Every way an answer can come that is no success, and the words for it.
+void addFailures()
+{
+    QTest::addColumn<StubAnswer>("answer");
+    QTest::addColumn<QString>("reason");
+    QTest::newRow("refused with a message") << StubAnswer::message(u"No %1 <b>"_s, 400) << u"No %1 <b>"_s;
+    QTest::newRow("cut after it was sent") << StubAnswer::closed() << u"Connection closed"_s;
+    QTest::newRow("an error page") << StubAnswer::html("<h1>Bad</h1>", 502) << QString();
+    QTest::newRow("a redirect") << StubAnswer::redirect(u"http://127.0.0.1:1/"_s) << QString();
+}
+
+} // namespace
+
+Q_DECLARE_METATYPE(StubAnswer)
+
+class TestTradeActions final : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void closingReportsAndReadsEverything();
+    void closingFails_data() { addFailures(); }
+    void closingFails();
+    void cancellingReportsAndReadsTheTrades();
+    void cancellingFails_data() { addFailures(); }
+    void cancellingFails();
+    void movingALevelSendsTheWholeSet_data();
+    void movingALevelSendsTheWholeSet();
+    void movingIsReportedInTheShortestForm_data();
+    void movingIsReportedInTheShortestForm();
+    void movingFails_data() { addFailures(); }
+    void movingFails();
+    void movingAnUnknownTradeSendsNothing();
+    void aSecondDragDoesNotWaitForTheFirst();
+    void idsNeverReachAnotherPath_data();
+    void idsNeverReachAnotherPath();
+    void quickTradeSendsAMarketOrder_data();
+    void quickTradeSendsAMarketOrder();
+    void quickTradeFails_data() { addFailures(); }
+    void quickTradeFails();
+    void quickTradeIgnoresTheAlgoSwitch();
+    void quickTradeNeedsAnAccount();
+    void algoSwitchIsOffAtStartAndTellsEachChange();
+    void expertOrdersAreRefusedEveryTimeWhileTheSwitchIsOff();
+    void expertOrdersGetTheAccountAndAreReported();
+    void expertOrdersFail_data() { addFailures(); }
+    void expertOrdersFail();
+    void expertOrdersNeedAnAccount();
+    void closeAllClosesEveryPositionOfTheSymbolAndSaysSoOnce();
+    void closeAllReadsEverythingAfterEachReplyAndTellsNoFailure();
+    void closeAllWithoutPositionsIsSilent();
+    void closeAllIsRefusedWhileTheSwitchIsOff();
+    void repliesInTheOtherOrderKeepTheirOwnWords();
+    void repliesAfterTheEndDoNoHarm();
+};
+
+void TestTradeActions::closingReportsAndReadsEverything()
+{
+    Desk desk;
+    desk.server.on("POST", "/api/trades/close/t1", StubAnswer::json("{}"));
+    desk.actions.closePosition(parse(R"({"id":"t1"})"));
+    QTRY_COMPARE(desk.said,
+        QStringList({Desk::sound(SoundKind::Close), u"J Trade: Position closed"_s, u"accounts"_s, u"trades"_s,
+            u"history"_s}));
+    QCOMPARE(desk.server.last("POST", "/api/trades/close/t1").body, QByteArray("{}"));
+}
+
+void TestTradeActions::closingFails()
+{
+    QFETCH(StubAnswer, answer);
+    QFETCH(QString, reason);
+    Desk desk;
+    desk.server.on("POST", "/api/trades/close/t1", answer);
+    desk.actions.closePosition(parse(R"({"id":"t1"})"));
+    QTRY_COMPARE(desk.said.size(), 5);
+    QCOMPARE(desk.said.at(0), Desk::sound(SoundKind::Error));
+    QVERIFY2(desk.said.at(1).startsWith(u"J Trade: Close failed: "_s + reason), qPrintable(desk.said.at(1)));
+    QVERIFY(desk.said.at(1).size() > u"J Trade: Close failed: "_s.size());
+    QCOMPARE(desk.said.mid(2), QStringList({u"accounts"_s, u"trades"_s, u"history"_s}));
+    QCOMPARE(desk.server.requests().size(), 1);
+}
+
+void TestTradeActions::cancellingReportsAndReadsTheTrades()
+{
+    Desk desk;
+    desk.server.on("POST", "/api/trades/cancel/p1", StubAnswer::json("{}"));
+    desk.actions.cancelOrder(parse(R"({"id":"p1"})"));
+    QTRY_COMPARE(desk.said,
+        QStringList({Desk::sound(SoundKind::Close), u"J Trade: Pending order cancelled"_s, u"trades"_s}));
+    QCOMPARE(desk.server.last("POST", "/api/trades/cancel/p1").body, QByteArray("{}"));
+}
+
+void TestTradeActions::cancellingFails()
+{
+    QFETCH(StubAnswer, answer);
+    QFETCH(QString, reason);
+    Desk desk;
+    desk.server.on("POST", "/api/trades/cancel/p1", answer);
+    desk.actions.cancelOrder(parse(R"({"id":"p1"})"));
+    QTRY_COMPARE(desk.said.size(), 3);
+    QCOMPARE(desk.said.at(0), Desk::sound(SoundKind::Error));
+    QVERIFY2(desk.said.at(1).startsWith(u"J Trade: Cancel failed: "_s + reason), qPrintable(desk.said.at(1)));
+    QCOMPARE(desk.said.at(2), u"trades"_s);
+}
+
+void TestTradeActions::movingALevelSendsTheWholeSet_data()
+{
+    QTest::addColumn<QString>("id");
+    QTest::addColumn<QString>("kind");
+    QTest::addColumn<QByteArray>("body");
+    QTest::newRow("stop") << u"t1"_s << u"SL"_s << QByteArray(R"({"stopLoss":1.06})");
+    QTest::newRow("target") << u"t1"_s << u"TP"_s << QByteArray(R"({"stopLoss":1.05,"takeProfit":1.06})");
+    QTest::newRow("entry") << u"p1"_s << u"PRICE"_s << QByteArray(R"({"stopLoss":1.0,"pendingPrice":1.06})");
+}
+
+void TestTradeActions::movingALevelSendsTheWholeSet()
+{
+    QFETCH(QString, id);
+    QFETCH(QString, kind);
+    QFETCH(QByteArray, body);
+    Desk desk;
+    const QByteArray path = "/api/trades/modify/" + id.toUtf8();
+    desk.server.on("PUT", path, StubAnswer::json("{}"));
+    desk.actions.moveLevel(id, kind, 1.06);
+    QTRY_COMPARE(desk.said,
+        QStringList({Desk::sound(SoundKind::Open), u"J Trade: %1 moved to 1.06"_s.arg(kind), u"trades"_s}));
+    QCOMPARE(desk.server.last("PUT", path).json(), parse(body));
+}
+
+void TestTradeActions::movingIsReportedInTheShortestForm_data()
+{
+    QTest::addColumn<double>("price");
+    QTest::addColumn<QString>("text");
+    QTest::newRow("five decimals") << 1.07505 << u"1.07505"_s;
+    QTest::newRow("no needless zeros") << 1.10000 << u"1.1"_s;
+    QTest::newRow("all of a long price") << 65123.456 << u"65123.456"_s;
+}
+
+void TestTradeActions::movingIsReportedInTheShortestForm()
+{
+    QFETCH(double, price);
+    QFETCH(QString, text);
+    Desk desk;
+    desk.server.on("PUT", "/api/trades/modify/t1", StubAnswer::json("{}"));
+    desk.actions.moveLevel(u"t1"_s, u"SL"_s, price);
+    QTRY_COMPARE(desk.said.value(1), u"J Trade: SL moved to "_s + text);
+}
+
+void TestTradeActions::movingFails()
+{
+    QFETCH(StubAnswer, answer);
+    QFETCH(QString, reason);
+    Desk desk;
+    desk.server.on("PUT", "/api/trades/modify/t1", answer);
+    desk.actions.moveLevel(u"t1"_s, u"SL"_s, 1.06);
+    QTRY_COMPARE(desk.said.size(), 3);
+    QCOMPARE(desk.said.at(0), Desk::sound(SoundKind::Error));
+    QVERIFY2(desk.said.at(1).startsWith(u"J Trade: Modify failed: "_s + reason), qPrintable(desk.said.at(1)));
+    QCOMPARE(desk.said.at(2), u"trades"_s);
+}
+
+void TestTradeActions::movingAnUnknownTradeSendsNothing()
+{
+    Desk desk;
+    desk.actions.moveLevel(u"gone"_s, u"SL"_s, 1.06);
+    desk.actions.quickTrade(u"EURUSD"_s, u"BUY"_s, 1.0);
+    QTRY_COMPARE(desk.server.requests().size(), 1);
+    QCOMPARE(desk.server.requests().first().path(), place);
+}
+
+void TestTradeActions::aSecondDragDoesNotWaitForTheFirst()
+{
+    Desk desk;
+    desk.server.on("PUT", "/api/trades/modify/t1", StubAnswer::held());
+    desk.actions.moveLevel(u"t1"_s, u"SL"_s, 1.06);
+    desk.actions.moveLevel(u"t1"_s, u"SL"_s, 1.07);
+    QTRY_COMPARE(desk.server.heldCount(), 2);
+}
+
+void TestTradeActions::idsNeverReachAnotherPath_data()
+{
+    QTest::addColumn<QByteArray>("trade");
+    QTest::addColumn<QByteArray>("target");
+    QTest::newRow("none") << QByteArray("{}") << QByteArray();
+    QTest::newRow("a number") << QByteArray(R"({"id":5})") << QByteArray();
+    QTest::newRow("here") << QByteArray(R"({"id":"."})") << QByteArray();
+    QTest::newRow("above") << QByteArray(R"({"id":".."})") << QByteArray();
+    QTest::newRow("a slash") << QByteArray(R"({"id":"../place"})") << QByteArray("..%2Fplace");
+    QTest::newRow("a query") << QByteArray(R"({"id":"a?b#c"})") << QByteArray("a%3Fb%23c");
+}
+
+void TestTradeActions::idsNeverReachAnotherPath()
+{
+    QFETCH(QByteArray, trade);
+    QFETCH(QByteArray, target);
+    Desk desk;
+    desk.actions.closePosition(parse(trade));
+    if (target.isEmpty()) {
+        QCOMPARE(desk.said,
+            QStringList(
+                {Desk::sound(SoundKind::Error), u"J Trade: Close failed: this trade has no usable id"_s}));
+        desk.actions.cancelOrder(parse(trade));
+        QCOMPARE(desk.said.last(), u"J Trade: Cancel failed: this trade has no usable id"_s);
+        desk.actions.moveLevel(u".."_s, u"SL"_s, 1.0);
+        QCOMPARE(desk.said.last(), u"J Trade: Modify failed: this trade has no usable id"_s);
+        QCOMPARE(desk.server.requests().size(), 0);
+        return;
+    }
+    QTRY_COMPARE(desk.server.requests().size(), 1);
+    QCOMPARE(desk.server.requests().first().target, "/api/trades/close/" + target);
+}
+
+void TestTradeActions::quickTradeSendsAMarketOrder_data()
+{
+    QTest::addColumn<QString>("side");
+    QTest::newRow("sell") << u"SELL"_s;
+    QTest::newRow("buy") << u"BUY"_s;
+}
+
+void TestTradeActions::quickTradeSendsAMarketOrder()
+{
+    QFETCH(QString, side);
+    Desk desk;
+    desk.server.on("POST", place, StubAnswer::json("{}"));
+    desk.actions.quickTrade(u"EURUSD"_s, side, 0.25);
+    QTRY_COMPARE(desk.said,
+        QStringList({Desk::sound(SoundKind::Open), u"J Trade: One-click %1 EURUSD executed"_s.arg(side),
+            u"accounts"_s, u"trades"_s}));
+    QCOMPARE(desk.server.last("POST", place).json(),
+        QJsonObject({{u"symbol"_s, u"EURUSD"_s}, {u"type"_s, side}, {u"orderKind"_s, u"MARKET"_s},
+            {u"lotSize"_s, 0.25}, {u"accountId"_s, u"acc-1"_s}}));
+}
+
+void TestTradeActions::quickTradeFails()
+{
+    QFETCH(StubAnswer, answer);
+    QFETCH(QString, reason);
+    Desk desk;
+    desk.server.on("POST", place, answer);
+    desk.actions.quickTrade(u"EURUSD"_s, u"BUY"_s, 0.25);
+    QTRY_COMPARE(desk.said.size(), 4);
+    QCOMPARE(desk.said.at(0), Desk::sound(SoundKind::Error));
+    QVERIFY2(desk.said.at(1).startsWith(u"J Trade: One-click order failed: "_s + reason),
+        qPrintable(desk.said.at(1)));
+    QCOMPARE(desk.said.mid(2), QStringList({u"accounts"_s, u"trades"_s}));
+    QCOMPARE(desk.server.requests().size(), 1);
+}
+
+void TestTradeActions::quickTradeIgnoresTheAlgoSwitch()
+{
+    Desk desk;
+    QVERIFY(!desk.actions.isAlgoTradingOn());
+    desk.actions.quickTrade(u"EURUSD"_s, u"BUY"_s, 0.25);
+    QTRY_COMPARE(desk.server.count("POST", place), 1);
+}
+
+void TestTradeActions::quickTradeNeedsAnAccount()
+{
+    Desk desk;
+    desk.book.selectAccount({});
+    desk.actions.quickTrade(u"EURUSD"_s, u"BUY"_s, 0.25);
+    desk.book.selectAccount(u"acc-2"_s);
+    desk.actions.quickTrade(u"GOLD"_s, u"BUY"_s, 0.25);
+    QTRY_COMPARE(desk.server.requests().size(), 1);
+    QCOMPARE(desk.server.last("POST", place).json()["symbol"_L1].toString(), u"GOLD"_s);
+}
+
+void TestTradeActions::algoSwitchIsOffAtStartAndTellsEachChange()
+{
+    Desk desk;
+    QVERIFY(!desk.actions.isAlgoTradingOn());
+    desk.actions.setAlgoTrading(true);
+    desk.actions.setAlgoTrading(true);
+    desk.actions.setAlgoTrading(false);
+    QCOMPARE(
+        desk.said, QStringList({u"E Expert: Algo Trading enabled"_s, u"E Expert: Algo Trading disabled"_s}));
+}
+
+void TestTradeActions::expertOrdersAreRefusedEveryTimeWhileTheSwitchIsOff()
+{
+    Desk desk;
+    const QString refusal = u"E Expert: Algo Trading is OFF — order ignored. Enable it in the toolbar."_s;
+    desk.actions.expertOrder(parse(R"({"symbol":"EURUSD"})"));
+    desk.actions.expertOrder(parse(R"({"symbol":"EURUSD"})"));
+    QCOMPARE(desk.said, QStringList({refusal, refusal}));
+    desk.actions.setAlgoTrading(true);
+    desk.actions.quickTrade(u"GOLD"_s, u"BUY"_s, 1.0);
+    QTRY_COMPARE(desk.server.requests().size(), 1);
+    QCOMPARE(desk.server.last("POST", place).json()["symbol"_L1].toString(), u"GOLD"_s);
+}
+
+void TestTradeActions::expertOrdersGetTheAccountAndAreReported()
+{
+    Desk desk;
+    desk.server.on("POST", place, StubAnswer::json("{}"));
+    desk.actions.setAlgoTrading(true);
+    desk.said.clear();
+    desk.actions.expertOrder(
+        parse(R"({"symbol":"EURUSD","type":"SELL","orderKind":"MARKET","lotSize":0.1,"stopLoss":1.2})"));
+    QTRY_COMPARE(desk.said,
+        QStringList({Desk::sound(SoundKind::Open), u"E Expert: SELL 0.10 EURUSD executed"_s, u"accounts"_s,
+            u"trades"_s}));
+    QCOMPARE(desk.server.last("POST", place).json(),
+        parse(
+            R"({"symbol":"EURUSD","type":"SELL","orderKind":"MARKET","lotSize":0.1,"stopLoss":1.2,"accountId":"acc-1"})"));
+}
+
+void TestTradeActions::expertOrdersFail()
+{
+    QFETCH(StubAnswer, answer);
+    QFETCH(QString, reason);
+    Desk desk;
+    desk.server.on("POST", place, answer);
+    desk.actions.setAlgoTrading(true);
+    desk.said.clear();
+    desk.actions.expertOrder(parse(R"({"symbol":"EURUSD"})"));
+    QTRY_COMPARE(desk.said.size(), 4);
+    QCOMPARE(desk.said.at(0), Desk::sound(SoundKind::Error));
+    QVERIFY2(desk.said.at(1).startsWith(u"E Expert: Order failed: "_s + reason), qPrintable(desk.said.at(1)));
+    QCOMPARE(desk.said.mid(2), QStringList({u"accounts"_s, u"trades"_s}));
+}
+
+void TestTradeActions::expertOrdersNeedAnAccount()
+{
+    Desk desk;
+    desk.actions.setAlgoTrading(true);
+    desk.book.selectAccount({});
+    desk.said.clear();
+    desk.actions.expertOrder(parse(R"({"symbol":"EURUSD"})"));
+    QCOMPARE(desk.said, QStringList());
+    desk.book.selectAccount(u"acc-2"_s);
+    desk.actions.expertOrder(parse(R"({"symbol":"GOLD"})"));
+    QTRY_COMPARE(desk.server.requests().size(), 1);
+    QCOMPARE(desk.server.last("POST", place).json()["symbol"_L1].toString(), u"GOLD"_s);
+}
+
+void TestTradeActions::closeAllClosesEveryPositionOfTheSymbolAndSaysSoOnce()
+{
+    Desk desk;
+    desk.server.on("POST", "/api/trades/close/t1", StubAnswer::held());
+    desk.server.on("POST", "/api/trades/close/t3", StubAnswer::held());
+    desk.server.on("POST", "/api/trades/close/t4", StubAnswer::held());
+    desk.actions.setAlgoTrading(true);
+    desk.said.clear();
+    desk.actions.expertCloseAll(u"EURUSD"_s);
+    QCOMPARE(desk.said,
+        QStringList({Desk::sound(SoundKind::Close), u"E Expert: Closing 3 position(s) on EURUSD"_s}));
+    QTRY_COMPARE(desk.server.heldCount(), 3);
+}
+
+void TestTradeActions::closeAllReadsEverythingAfterEachReplyAndTellsNoFailure()
+{
+    Desk desk;
+    desk.server.on("POST", "/api/trades/close/t1", StubAnswer::json("{}"));
+    desk.server.on("POST", "/api/trades/close/t3", StubAnswer::message(u"No"_s, 400));
+    desk.server.on("POST", "/api/trades/close/t4", StubAnswer::closed());
+    desk.actions.setAlgoTrading(true);
+    desk.actions.expertCloseAll(u"EURUSD"_s);
+    desk.said.clear();
+    QStringList expected;
+    for (int i = 0; i < 3; ++i)
+        expected += {u"accounts"_s, u"trades"_s, u"history"_s};
+    QTRY_COMPARE(desk.said, expected);
+}
+
+void TestTradeActions::closeAllWithoutPositionsIsSilent()
+{
+    Desk desk;
+    desk.actions.setAlgoTrading(true);
+    desk.said.clear();
+    desk.actions.expertCloseAll(u"SILVER"_s);
+    desk.actions.expertCloseAll(u"OIL"_s); // its only position has no usable id
+    QCOMPARE(desk.said, QStringList());
+    QCOMPARE(desk.server.requests().size(), 0);
+}
+
+void TestTradeActions::closeAllIsRefusedWhileTheSwitchIsOff()
+{
+    Desk desk;
+    desk.actions.expertCloseAll(u"EURUSD"_s);
+    QCOMPARE(desk.said, QStringList({u"E Expert: Algo Trading is OFF — close ignored."_s}));
+}
+
+void TestTradeActions::repliesInTheOtherOrderKeepTheirOwnWords()
+{
+    Desk desk;
+    desk.server.on("PUT", "/api/trades/modify/t1", StubAnswer::held());
+    desk.server.on("POST", place, StubAnswer::held());
+    desk.actions.moveLevel(u"t1"_s, u"TP"_s, 1.5);
+    desk.actions.quickTrade(u"GOLD"_s, u"BUY"_s, 1.0);
+    QTRY_COMPARE(desk.server.heldCount(), 2);
+    desk.server.release(StubAnswer::message(u"No money"_s, 400), place);
+    QTRY_COMPARE(desk.said.value(1), u"J Trade: One-click order failed: No money"_s);
+    desk.said.clear();
+    desk.server.release(StubAnswer::json("{}"), "/api/trades/modify/t1");
+    QTRY_COMPARE(desk.said.value(1), u"J Trade: TP moved to 1.5"_s);
+}
+
+void TestTradeActions::repliesAfterTheEndDoNoHarm()
+{
+    StubHttpServer server;
+    ApiClient api;
+    AccountBook book;
+    TerminalSettings::instance().setServerUrl(server.url());
+    book.selectAccount(u"acc-1"_s);
+    server.on("POST", place, StubAnswer::held());
+    auto actions = std::make_unique<TradeActions>(api, book);
+    actions->quickTrade(u"GOLD"_s, u"BUY"_s, 1.0);
+    QTRY_COMPARE(server.heldCount(), 1);
+    QSignalSpy lines(actions.get(), &TradeActions::journalLine);
+    actions.reset();
+    server.release(StubAnswer::json("{}"));
+    QTRY_COMPARE(api.findChildren<QNetworkReply*>().size(), 0);
+    QCOMPARE(lines.size(), 0);
+}
+
+TAVORAN_TEST_MAIN(TestTradeActions)
+#include "tst_TradeActions.moc"

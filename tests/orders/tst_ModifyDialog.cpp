@@ -1,0 +1,332 @@
+#include "app/DecimalEdit.h"
+#include "app/TerminalSettings.h"
+#include "net/ApiClient.h"
+#include "orders/ModifyDialog.h"
+#include "support/ParseJson.h"
+#include "support/StubHttpServer.h"
+#include "support/TestMain.h"
+
+#include <QLabel>
+#include <QNetworkReply>
+#include <QPushButton>
+#include <QSignalSpy>
+#include <QtTest>
+
+using namespace Qt::StringLiterals;
+using fixtures::parse;
+
+namespace {
+
+const QByteArray path = "/api/trades/modify/t-1";
+
+const QByteArray position = R"({"id":"t-1","symbol":"EURUSD","type":"BUY","lotSize":"0.1","status":"OPEN",
+    "stopLoss":0,"takeProfit":"1.2"})";
+const QByteArray pending = R"({"id":"t-1","symbol":"EURUSD","type":"SELL","lotSize":2,"status":"PENDING",
+    "pendingPrice":1.1,"stopLoss":1.15,"takeProfit":-3})";
+
+/// The dialog on show over a scripted server.
+struct Desk {
+    StubHttpServer server;
+    ApiClient api;
+    QPointer<ModifyDialog> dialog;
+
+    explicit Desk(const QByteArray& trade = position, int digits = 5)
+    {
+        TerminalSettings::instance().setServerUrl(server.url());
+        dialog = new ModifyDialog(api, parse(trade), digits);
+        dialog->setAttribute(Qt::WA_DeleteOnClose);
+        dialog->show();
+    }
+    ~Desk() { delete dialog; }
+    Q_DISABLE_COPY_MOVE(Desk)
+
+    [[nodiscard]] DecimalEdit* edit(const char* name) const
+    {
+        return dialog->findChild<DecimalEdit*>(QLatin1StringView(name));
+    }
+    [[nodiscard]] QPushButton* modify() const { return dialog->findChild<QPushButton*>(u"modifyButton"_s); }
+    [[nodiscard]] QLabel* error() const { return dialog->findChild<QLabel*>(u"modifyError"_s); }
+    void type(const char* name, const QString& text) const
+    {
+        edit(name)->selectAll();
+        QTest::keyClicks(edit(name), text);
+    }
+    void press() const { QTest::mouseClick(modify(), Qt::LeftButton); }
+    [[nodiscard]] QJsonObject sent() const { return server.last("PUT", path).json(); }
+};
+
+} // namespace
+
+class TestModifyDialog final : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void aPositionShowsItsLevelsAndNoPrice();
+    void aPendingOrderShowsItsPriceToo();
+    void headerTextIsPlainAndOneLine();
+    void enterSendsWhatIsShown();
+    void emptyFieldsAreLeftOut();
+    void aTypedZeroIsSentOnPurpose();
+    void aTypedCommaIsAPoint();
+    void halfANumberIsNotSent();
+    void anIdThatNamesAnotherPathIsNotSent_data();
+    void anIdThatNamesAnotherPathIsNotSent();
+    void idsArePercentEncoded();
+    void successIsReportedAndCloses();
+    void aRefusalIsShownAndCanBeCorrected();
+    void aRefusalWithMarkupIsShownAsText();
+    void twoPressesSendOnce();
+    void cancelSendsNothing();
+    void anUncertainOutcomeIsAskedFor_data();
+    void anUncertainOutcomeIsAskedFor();
+    void closedWhileSendingItComesBackWithARefusal();
+    void closedWhileSendingItReportsTheSuccess();
+    void destroyedWhileSendingItDoesNoHarm();
+};
+
+void TestModifyDialog::aPositionShowsItsLevelsAndNoPrice()
+{
+    const Desk desk;
+    QCOMPARE(desk.dialog->windowTitle(), u"Modify Order"_s);
+    QVERIFY(!desk.dialog->windowIcon().isNull());
+    QCOMPARE(desk.dialog->minimumWidth(), 340);
+    const auto* header = desk.dialog->findChild<QLabel*>(u"modifyHeader"_s);
+    QCOMPARE(header->text(), u"EURUSD buy 0.10"_s);
+    QCOMPARE(header->styleSheet(), u"font-weight:bold;"_s);
+    QCOMPARE(desk.edit("modifyStopLoss")->text(), QString());
+    QCOMPARE(desk.edit("modifyStopLoss")->placeholderText(), u"none"_s);
+    QCOMPARE(desk.edit("modifyTakeProfit")->text(), u"1.20000"_s);
+    QVERIFY(!desk.edit("modifyPrice"));
+    QVERIFY(desk.modify()->isDefault());
+    QVERIFY(!desk.error()->isVisible());
+    QCOMPARE(desk.error()->styleSheet(), u"color:#ff6b6b;"_s);
+}
+
+void TestModifyDialog::aPendingOrderShowsItsPriceToo()
+{
+    const Desk desk(pending, 3);
+    QCOMPARE(desk.edit("modifyPrice")->text(), u"1.100"_s);
+    QCOMPARE(desk.edit("modifyStopLoss")->text(), u"1.150"_s);
+    QCOMPARE(desk.edit("modifyTakeProfit")->text(), QString());
+    QVERIFY(desk.edit("modifyPrice")->y() < desk.edit("modifyStopLoss")->y());
+}
+
+void TestModifyDialog::headerTextIsPlainAndOneLine()
+{
+    const Desk desk(R"({"id":"t-1","symbol":"<b>A</b>\nB %1","type":"BUY"})");
+    const auto* header = desk.dialog->findChild<QLabel*>(u"modifyHeader"_s);
+    QCOMPARE(header->textFormat(), Qt::PlainText);
+    QCOMPARE(header->text(), u"<b>A</b> B %1 buy 0.00"_s);
+}
+
+void TestModifyDialog::enterSendsWhatIsShown()
+{
+    Desk desk(pending);
+    desk.server.on("PUT", path, StubAnswer::held());
+    QTest::keyClick(desk.edit("modifyTakeProfit"), Qt::Key_Return);
+    QTRY_COMPARE(desk.server.heldCount(), 1);
+    QCOMPARE(desk.sent(), parse(R"({"pendingPrice":1.1,"stopLoss":1.15})"));
+}
+
+void TestModifyDialog::emptyFieldsAreLeftOut()
+{
+    Desk desk;
+    desk.server.on("PUT", path, StubAnswer::held());
+    desk.press();
+    QTRY_COMPARE(desk.server.heldCount(), 1);
+    QCOMPARE(desk.sent(), parse(R"({"takeProfit":1.2})"));
+}
+
+void TestModifyDialog::aTypedZeroIsSentOnPurpose()
+{
+    Desk desk;
+    desk.server.on("PUT", path, StubAnswer::held());
+    desk.type("modifyTakeProfit", u"0"_s);
+    desk.press();
+    QTRY_COMPARE(desk.server.heldCount(), 1);
+    QCOMPARE(desk.sent(), parse(R"({"takeProfit":0})"));
+}
+
+void TestModifyDialog::aTypedCommaIsAPoint()
+{
+    Desk desk;
+    desk.server.on("PUT", path, StubAnswer::held());
+    desk.type("modifyStopLoss", u"1,25"_s);
+    QCOMPARE(desk.edit("modifyStopLoss")->text(), u"1.25"_s);
+    desk.press();
+    QTRY_COMPARE(desk.server.heldCount(), 1);
+    QCOMPARE(desk.sent(), parse(R"({"stopLoss":1.25,"takeProfit":1.2})"));
+}
+
+void TestModifyDialog::halfANumberIsNotSent()
+{
+    Desk desk;
+    desk.type("modifyTakeProfit", u"."_s);
+    QCOMPARE(desk.edit("modifyTakeProfit")->text(), u"."_s);
+    desk.press();
+    QVERIFY(desk.error()->isVisible());
+    QVERIFY(desk.modify()->isEnabled());
+    QCOMPARE(desk.server.requests().size(), 0);
+}
+
+void TestModifyDialog::anIdThatNamesAnotherPathIsNotSent_data()
+{
+    QTest::addColumn<QByteArray>("trade");
+    QTest::newRow("none") << QByteArray(R"({"symbol":"EURUSD"})");
+    QTest::newRow("a number") << QByteArray(R"({"id":7})");
+    QTest::newRow("the folder above") << QByteArray(R"({"id":".."})");
+}
+
+void TestModifyDialog::anIdThatNamesAnotherPathIsNotSent()
+{
+    QFETCH(QByteArray, trade);
+    Desk desk(trade);
+    QSignalSpy sounds(desk.dialog, &ModifyDialog::soundDue);
+    desk.press();
+    QVERIFY(desk.error()->isVisible());
+    QCOMPARE(sounds.size(), 1);
+    QCOMPARE(desk.server.requests().size(), 0);
+}
+
+void TestModifyDialog::idsArePercentEncoded()
+{
+    Desk desk(R"({"id":"a/b?c"})");
+    desk.press();
+    QTRY_COMPARE(desk.server.count("PUT", "/api/trades/modify/a%2Fb%3Fc"), 1);
+}
+
+void TestModifyDialog::successIsReportedAndCloses()
+{
+    Desk desk;
+    desk.server.on("PUT", path, StubAnswer::json("{}"));
+    QSignalSpy modified(desk.dialog, &ModifyDialog::modified);
+    QSignalSpy accepted(desk.dialog, &QDialog::accepted);
+    QSignalSpy sounds(desk.dialog, &ModifyDialog::soundDue);
+    desk.press();
+    QTRY_VERIFY(!desk.dialog);
+    QCOMPARE(modified.size(), 1);
+    QCOMPARE(accepted.size(), 1);
+    QCOMPARE(sounds.size(), 1);
+    QCOMPARE(sounds.at(0).at(0).value<SoundKind>(), SoundKind::Open);
+}
+
+void TestModifyDialog::aRefusalIsShownAndCanBeCorrected()
+{
+    Desk desk;
+    desk.server.once("PUT", path, StubAnswer::message(u"Too close"_s, 400));
+    desk.server.once("PUT", path, StubAnswer::held());
+    QSignalSpy modified(desk.dialog, &ModifyDialog::modified);
+    QSignalSpy unknown(desk.dialog, &ModifyDialog::outcomeUnknown);
+    QSignalSpy sounds(desk.dialog, &ModifyDialog::soundDue);
+    desk.press();
+    QTRY_VERIFY(desk.error()->isVisible());
+    QCOMPARE(desk.error()->text(), u"Too close"_s);
+    QCOMPARE(sounds.at(0).at(0).value<SoundKind>(), SoundKind::Error);
+    QVERIFY(desk.modify()->isEnabled());
+    QCOMPARE(unknown.size(), 0);
+    desk.press();
+    QVERIFY(!desk.error()->isVisible());
+    QTRY_COMPARE(desk.server.heldCount(), 1);
+    desk.server.release(StubAnswer::json("{}"));
+    QTRY_COMPARE(modified.size(), 1);
+}
+
+void TestModifyDialog::aRefusalWithMarkupIsShownAsText()
+{
+    Desk desk;
+    desk.server.on("PUT", path, StubAnswer::message(u"<img src=x>"_s, 400));
+    desk.press();
+    QTRY_VERIFY(desk.error()->isVisible());
+    QCOMPARE(desk.error()->textFormat(), Qt::PlainText);
+}
+
+void TestModifyDialog::twoPressesSendOnce()
+{
+    Desk desk;
+    desk.server.on("PUT", path, StubAnswer::held());
+    desk.press();
+    QVERIFY(!desk.modify()->isEnabled());
+    desk.press();
+    QTest::keyClick(desk.edit("modifyTakeProfit"), Qt::Key_Return);
+    QTRY_COMPARE(desk.server.heldCount(), 1);
+    desk.server.release(StubAnswer::message(u"No"_s, 400));
+    QTRY_VERIFY(desk.error()->isVisible());
+    QCOMPARE(desk.server.count("PUT", path), 1);
+}
+
+void TestModifyDialog::cancelSendsNothing()
+{
+    Desk desk;
+    QSignalSpy rejected(desk.dialog, &QDialog::rejected);
+    for (QPushButton* button : desk.dialog->findChildren<QPushButton*>()) {
+        if (button->text() == u"Cancel"_s) {
+            QVERIFY(!button->autoDefault());
+            QTest::mouseClick(button, Qt::LeftButton);
+        }
+    }
+    QTRY_VERIFY(!desk.dialog);
+    QCOMPARE(rejected.size(), 1);
+    QCOMPARE(desk.server.requests().size(), 0);
+}
+
+void TestModifyDialog::anUncertainOutcomeIsAskedFor_data()
+{
+    QTest::addColumn<bool>("cut");
+    QTest::newRow("connection closed") << true;
+    QTest::newRow("server error") << false;
+}
+
+void TestModifyDialog::anUncertainOutcomeIsAskedFor()
+{
+    QFETCH(bool, cut);
+    Desk desk;
+    desk.server.on("PUT", path, cut ? StubAnswer::closed() : StubAnswer::html("<h1>Bad</h1>", 502));
+    QSignalSpy modified(desk.dialog, &ModifyDialog::modified);
+    QSignalSpy unknown(desk.dialog, &ModifyDialog::outcomeUnknown);
+    desk.press();
+    QTRY_COMPARE(unknown.size(), 1);
+    QVERIFY(!desk.error()->text().isEmpty());
+    QCOMPARE(modified.size(), 0);
+    QCOMPARE(desk.server.count("PUT", path), 1);
+}
+
+void TestModifyDialog::closedWhileSendingItComesBackWithARefusal()
+{
+    Desk desk;
+    desk.server.on("PUT", path, StubAnswer::held());
+    desk.press();
+    QTRY_COMPARE(desk.server.heldCount(), 1);
+    desk.dialog->close();
+    QVERIFY(!desk.dialog->isVisible());
+    desk.server.release(StubAnswer::message(u"No"_s, 400));
+    QTRY_VERIFY(desk.dialog->isVisible());
+    QVERIFY(desk.error()->isVisible());
+}
+
+void TestModifyDialog::closedWhileSendingItReportsTheSuccess()
+{
+    Desk desk;
+    desk.server.on("PUT", path, StubAnswer::held());
+    QSignalSpy modified(desk.dialog, &ModifyDialog::modified);
+    desk.press();
+    QTRY_COMPARE(desk.server.heldCount(), 1);
+    QTest::keyClick(desk.dialog, Qt::Key_Escape);
+    QVERIFY(desk.dialog && !desk.dialog->isVisible());
+    desk.server.release(StubAnswer::json("{}"));
+    QTRY_COMPARE(modified.size(), 1);
+    QTRY_VERIFY(!desk.dialog);
+}
+
+void TestModifyDialog::destroyedWhileSendingItDoesNoHarm()
+{
+    Desk desk;
+    desk.server.on("PUT", path, StubAnswer::held());
+    desk.press();
+    QTRY_COMPARE(desk.server.heldCount(), 1);
+    delete desk.dialog;
+    desk.server.release(StubAnswer::json("{}"));
+    QTRY_COMPARE(desk.api.findChildren<QNetworkReply*>().size(), 0);
+}
+
+TAVORAN_TEST_MAIN(TestModifyDialog)
+#include "tst_ModifyDialog.moc"
