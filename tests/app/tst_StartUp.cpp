@@ -6,7 +6,10 @@
 
 #include <QSplashScreen>
 #include <QTcpServer>
+#include <QThread>
 #include <QThreadPool>
+
+#include <optional>
 
 using namespace Qt::StringLiterals;
 using fixtures::logMessages;
@@ -27,6 +30,20 @@ bool splashIsVisible()
         return qobject_cast<const QSplashScreen*>(window) && window->isVisible();
     });
 }
+
+/// Notes whether the splash screen was painted.
+class PaintWatch final : public QObject {
+public:
+    PaintWatch() { qApp->installEventFilter(this); }
+
+    bool eventFilter(QObject* target, QEvent* event) override
+    {
+        painted = painted || (event->type() == QEvent::Paint && qobject_cast<QSplashScreen*>(target));
+        return false;
+    }
+
+    bool painted = false;
+};
 
 } // namespace
 
@@ -173,6 +190,40 @@ private Q_SLOTS:
         UpdateFramework framework(updates());
         QCOMPARE(runTerminal(*qApp, windows(QDialog::Rejected), framework), 0);
         QCOMPARE(m_steps, (QStringList{u"sign-in made"_s, u"sign-in gone"_s}));
+    }
+
+    void pendingEventsAreHandledBehindTheSplashBeforeTheServerIsAsked()
+    {
+        std::optional<int> level;
+        bool visible = false;
+        int outerLevel = 0;
+        // Inside a running event loop, since outside of one the toolkit handles events itself when it
+        // shows a splash screen. Waiting for the server then runs a loop of its own, one level deeper.
+        QTimer::singleShot(0, this, [&] {
+            outerLevel = QThread::currentThread()->loopLevel();
+            QTimer::singleShot(0, this, [&] {
+                level = QThread::currentThread()->loopLevel();
+                visible = splashIsVisible();
+            });
+            QCoreApplication::exit(runTerminal(*qApp, windows(QDialog::Rejected)));
+        });
+        QCOMPARE(QCoreApplication::exec(), 0);
+        QCOMPARE(level, std::optional(outerLevel));
+        QVERIFY(visible);
+    }
+
+    void theSplashIsPaintedWhileTheServerIsAsked()
+    {
+        const PaintWatch splash;
+        StartUpWindows all = windows(QDialog::Rejected);
+        bool paintedBeforeSignIn = false;
+        const auto makeSignIn = all.makeSignIn;
+        all.makeSignIn = [&, makeSignIn] {
+            paintedBeforeSignIn = splash.painted;
+            return makeSignIn();
+        };
+        QCOMPARE(runTerminal(*qApp, all), 0);
+        QVERIFY(paintedBeforeSignIn);
     }
 
     void aCancelledSignInEndsWithExitCodeZeroAndNoMainWindow()
