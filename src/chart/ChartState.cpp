@@ -1,8 +1,12 @@
 #include "chart/ChartState.h"
 
+#include "chart/AveragePalette.h"
 #include "chart/ChartWidget.h"
 #include "net/JsonNumber.h"
 
+#include <QJsonArray>
+
+#include <algorithm>
 #include <array>
 
 using namespace Qt::StringLiterals;
@@ -29,11 +33,41 @@ std::optional<bool> flag(const QJsonValue& value)
     return value.isBool() ? std::optional(value.toBool()) : std::nullopt;
 }
 
+QJsonObject averageToJson(const MovingAverageSpec& average)
+{
+    return {{u"type"_s, average.kind == AverageKind::Exponential ? u"ema"_s : u"sma"_s},
+        {u"period"_s, average.period}, {u"color"_s, average.color.name()}};
+}
+
+MovingAverageSpec averageFromJson(const QJsonObject& json)
+{
+    MovingAverageSpec average;
+    if (json.value("type"_L1) == "ema"_L1)
+        average.kind = AverageKind::Exponential;
+    average.period = std::max(jsonInt(json.value("period"_L1), average.period), 1);
+    const QColor color(json.value("color"_L1).toString());
+    average.color = color.isValid() ? QColor(color.rgb()) : averageColor(0);
+    return average;
+}
+
+QList<MovingAverageSpec> averagesFromJson(const QJsonArray& array)
+{
+    QList<MovingAverageSpec> averages;
+    for (const QJsonValue& entry : array) {
+        if (averages.size() == ChartState::mostAverages)
+            break;
+        if (entry.isObject())
+            averages.append(averageFromJson(entry.toObject()));
+    }
+    return averages;
+}
+
 } // namespace
 
 ChartState ChartState::of(const ChartWidget& chart)
 {
     ChartState state;
+    state.averages = chart.movingAverages();
     state.rsi = chart.rsiEnabled();
     state.rsiPeriod = chart.rsiPeriod();
     state.chartType = chart.chartType();
@@ -45,6 +79,7 @@ ChartState ChartState::of(const ChartWidget& chart)
 
 void ChartState::applyTo(ChartWidget& chart) const
 {
+    chart.setMovingAverages(averages);
     chart.setRsi(rsi, rsiPeriod);
     if (chartType)
         chart.setChartType(*chartType);
@@ -60,7 +95,11 @@ QJsonObject ChartState::toJson() const
     QJsonObject colorNames;
     for (const ColorRole& role : colorRoles)
         colorNames.insert(role.key, (colors.*role.member).name());
-    QJsonObject json{{u"rsi"_s, rsi}, {u"rsiPeriod"_s, rsiPeriod}, {u"colors"_s, colorNames}};
+    QJsonArray averageList;
+    for (const MovingAverageSpec& average : averages)
+        averageList.append(averageToJson(average));
+    QJsonObject json{
+        {u"mas"_s, averageList}, {u"rsi"_s, rsi}, {u"rsiPeriod"_s, rsiPeriod}, {u"colors"_s, colorNames}};
     if (chartType)
         json.insert(u"chartType"_s, *chartType);
     if (chartShift)
@@ -73,6 +112,7 @@ QJsonObject ChartState::toJson() const
 ChartState ChartState::fromJson(const QJsonObject& json)
 {
     ChartState state;
+    state.averages = averagesFromJson(json.value("mas"_L1).toArray());
     state.rsi = jsonBool(json.value("rsi"_L1), false);
     state.rsiPeriod = jsonInt(json.value("rsiPeriod"_L1), state.rsiPeriod);
     if (const int type = jsonInt(json.value("chartType"_L1), -1); type >= 0 && type <= 2)

@@ -22,8 +22,8 @@ private Q_SLOTS:
 void tst_ChartState::aNewChartSavesTheDefaults()
 {
     const ChartWidget chart;
-    const QJsonObject expected{{u"rsi"_s, false}, {u"rsiPeriod"_s, 14}, {u"chartType"_s, 0},
-        {u"chartShift"_s, false}, {u"autoScroll"_s, true},
+    const QJsonObject expected{{u"mas"_s, QJsonArray()}, {u"rsi"_s, false}, {u"rsiPeriod"_s, 14},
+        {u"chartType"_s, 0}, {u"chartShift"_s, false}, {u"autoScroll"_s, true},
         {u"colors"_s,
             QJsonObject{{u"bg"_s, u"#000000"_s}, {u"grid"_s, u"#232323"_s}, {u"axis"_s, u"#c0c0c0"_s},
                 {u"up"_s, u"#00e600"_s}, {u"down"_s, u"#ffffff"_s}, {u"line"_s, u"#4fc3f7"_s},
@@ -34,6 +34,8 @@ void tst_ChartState::aNewChartSavesTheDefaults()
 void tst_ChartState::everythingSavedComesBack()
 {
     ChartState state;
+    state.averages = {{AverageKind::Exponential, 21, QColor(u"#4fc3f7"_s)},
+        {AverageKind::Simple, 400, QColor(u"#010203"_s)}, {AverageKind::Simple, 2, QColor(u"#010203"_s)}};
     state.rsi = true;
     state.rsiPeriod = 21;
     state.chartType = 2;
@@ -77,6 +79,7 @@ void tst_ChartState::badValuesAreReadAsMissing_data()
     QTest::newRow("null") << QJsonValue();
     QTest::newRow("text") << QJsonValue(u"yes"_s);
     QTest::newRow("array") << QJsonValue(QJsonArray{1});
+    QTest::newRow("nested array") << QJsonValue(QJsonArray{QJsonArray{1}, QJsonValue(), u"x"_s});
     QTest::newRow("huge") << QJsonValue(1e18);
     QTest::newRow("fraction") << QJsonValue(-0.5);
 }
@@ -85,7 +88,8 @@ void tst_ChartState::badValuesAreReadAsMissing()
 {
     QFETCH(QJsonValue, value);
     QJsonObject json{{u"colors"_s, QJsonObject{{u"bg"_s, value}, {u"who"_s, value}}}, {u"who"_s, value}};
-    for (const QString& key : {u"rsi"_s, u"rsiPeriod"_s, u"chartType"_s, u"chartShift"_s, u"autoScroll"_s})
+    for (const QString& key :
+        {u"mas"_s, u"rsi"_s, u"rsiPeriod"_s, u"chartType"_s, u"chartShift"_s, u"autoScroll"_s})
         json.insert(key, value);
     const ChartState state = ChartState::fromJson(json);
     QCOMPARE(state, ChartState());
