@@ -2,11 +2,14 @@
 
 #include "chart/AverageDialog.h"
 #include "chart/AveragePalette.h"
+#include "chart/ChartMenu.h"
 #include "chart/ChartPropertiesDialog.h"
 #include "chart/ChartState.h"
 #include "chart/ChartWidget.h"
 #include "chart/DataWindow.h"
+#include "chart/DrawingStore.h"
 #include "chart/HistoryReply.h"
+#include "chart/OneClickPanel.h"
 #include "chart/Timeframe.h"
 #include "chart/TradeLevels.h"
 #include "net/ApiClient.h"
@@ -14,6 +17,7 @@
 #include "net/ReadCoalescer.h"
 #include "net/UrlParts.h"
 
+#include <QContextMenuEvent>
 #include <QDateTime>
 #include <QJsonDocument>
 #include <QVBoxLayout>
@@ -34,9 +38,10 @@ ChartWindow::ChartWindow(ApiClient& api, const QString& symbol, const QString& t
     , m_history(new ReadCoalescer(api, this))
     , m_symbol(symbol)
     , m_timeframe(timeframe)
-    , m_accountId(accountId)
     , m_digits(digits)
     , m_chart(new ChartWidget(this))
+    , m_drawings(new DrawingStore(api, *m_chart, symbol, accountId, this))
+    , m_oneClick(new OneClickPanel(symbol, m_chart))
 {
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
@@ -51,6 +56,9 @@ ChartWindow::ChartWindow(ApiClient& api, const QString& symbol, const QString& t
     connect(m_chart, &ChartWidget::autoScrollChanged, this, &ChartWindow::autoScrollChanged);
     connect(m_chart, &ChartWidget::settingsChanged, this, &ChartWindow::settingsChanged);
     connect(m_chart, &ChartWidget::levelDragged, this, &ChartWindow::modifyLevelRequested);
+    connect(m_oneClick, &OneClickPanel::quickTradeRequested, this, &ChartWindow::quickTradeRequested);
+    connect(m_drawings, &DrawingStore::failed, this,
+        [this](const QString& message) { Q_EMIT logMessage(tr("Chart"), message); });
 }
 
 ChartWindow::~ChartWindow() = default;
@@ -73,6 +81,7 @@ void ChartWindow::restoreState(const QJsonObject& state)
 void ChartWindow::load()
 {
     reload();
+    m_drawings->load();
 }
 
 void ChartWindow::reload()
@@ -113,6 +122,7 @@ void ChartWindow::onPrices(const QJsonObject& prices)
     if (bid <= 0.0 || ask <= 0.0)
         return;
     m_chart->onTick(bid, ask, QDateTime::currentMSecsSinceEpoch());
+    showQuote();
 }
 
 void ChartWindow::setTrades(const QJsonArray& open, const QJsonArray& pending)
@@ -122,7 +132,12 @@ void ChartWindow::setTrades(const QJsonArray& open, const QJsonArray& pending)
 
 void ChartWindow::setAccountId(const QString& accountId)
 {
-    m_accountId = accountId;
+    m_drawings->setAccountId(accountId);
+}
+
+QString ChartWindow::accountId() const
+{
+    return m_drawings->accountId();
 }
 
 void ChartWindow::setAccountFigures(double balance, double equity)
@@ -150,6 +165,14 @@ void ChartWindow::setSymbolInfo(int digits, const QString& description)
     m_description = description;
     m_chart->setDigits(digits);
     labelChart();
+    showQuote();
+}
+
+void ChartWindow::showQuote()
+{
+    // Before the first price both are 0, and the buttons show dashes.
+    if (m_chart->bid() > 0.0)
+        m_oneClick->setQuote(m_chart->bid(), m_chart->ask(), m_digits);
 }
 
 void ChartWindow::zoomIn()
@@ -206,6 +229,16 @@ void ChartWindow::deleteSelectedDrawing()
         Q_EMIT m_chart->drawingDeleted(id);
 }
 
+bool ChartWindow::oneClickTrading() const
+{
+    return !m_oneClick->isHidden();
+}
+
+void ChartWindow::setOneClickTrading(bool on)
+{
+    m_oneClick->setVisible(on);
+}
+
 void ChartWindow::setMeasureMode(bool on)
 {
     m_chart->setMeasureMode(on);
@@ -245,6 +278,13 @@ void ChartWindow::showProperties()
     connect(
         m_properties, &QDialog::accepted, m_chart, [this] { m_chart->setColors(m_properties->colors()); });
     m_properties->open();
+}
+
+void ChartWindow::contextMenuEvent(QContextMenuEvent* event)
+{
+    auto* menu = new ChartMenu(*this);
+    menu->setAttribute(Qt::WA_DeleteOnClose);
+    menu->popup(event->globalPos());
 }
 
 void ChartWindow::labelChart()

@@ -11,11 +11,13 @@ class ApiClient;
 class ChartPropertiesDialog;
 class ChartWidget;
 class DataWindow;
+class DrawingStore;
+class OneClickPanel;
 class QJsonDocument;
 class ReadCoalescer;
 
-/// One chart of the document area: owns the canvas, knows its symbol, timeframe and account, loads the
-/// candle history, and turns live prices and the account's trades into ticks and level lines.
+/// One chart of the document area: owns the canvas, knows its symbol, timeframe and account, loads its
+/// candle history and objects, and turns live prices and the account's trades into ticks and level lines.
 /// Asks the server only through the REST client that it is given.
 class ChartWindow final : public QWidget {
     Q_OBJECT
@@ -30,9 +32,12 @@ public:
 
     [[nodiscard]] QString symbol() const { return m_symbol; }
     [[nodiscard]] QString timeframe() const { return m_timeframe; }
-    [[nodiscard]] QString accountId() const { return m_accountId; }
+    /// The account whose objects the chart shows; may be empty.
+    [[nodiscard]] QString accountId() const;
     [[nodiscard]] int digits() const { return m_digits; }
     [[nodiscard]] ChartWidget& chart() const { return *m_chart; }
+
+    [[nodiscard]] bool oneClickTrading() const;
 
     /// The current account's last known figures, in account currency; 0 before the first.
     [[nodiscard]] double balance() const { return m_balance; }
@@ -47,7 +52,7 @@ public:
     void restoreState(const QJsonObject& state);
 
 public Q_SLOTS:
-    /// The first request of a new window.
+    /// The first requests of a new window: its history and its objects.
     void load();
     /// Asks for the candle history again. A reply to an earlier request no longer counts.
     void reload();
@@ -56,7 +61,7 @@ public Q_SLOTS:
     void onPrices(const QJsonObject& prices);
     /// Replaces the level lines by those of this symbol's trades.
     void setTrades(const QJsonArray& open, const QJsonArray& pending);
-    /// The account whose objects the chart shows; an equal id does nothing.
+    /// The account whose objects the chart shows from now on; an equal id does nothing.
     void setAccountId(const QString& accountId);
     /// Balance and equity of the current account, in account currency.
     void setAccountFigures(double balance, double equity);
@@ -75,6 +80,8 @@ public Q_SLOTS:
     /// The object that the next clicks on the chart place; see ChartWidget::setTool().
     void setTool(const QString& key);
     void deleteSelectedDrawing();
+    /// Shows or hides the panel of one-click trading, which keeps its volume.
+    void setOneClickTrading(bool on);
     void setMeasureMode(bool on);
     /// 0 candles, 1 bars, 2 line.
     void setChartType(int type);
@@ -94,20 +101,27 @@ Q_SIGNALS:
     void timeframeChanged(const QString& key);
     void logMessage(const QString& source, const QString& message);
     void modifyLevelRequested(const QString& tradeId, const QString& kind, double newPrice);
+    /// The trader wants to trade at market; `side` is "SELL" or "BUY".
+    void quickTradeRequested(const QString& symbol, const QString& side, double lots);
     void crosshairMoved(const QString& ohlc);
     void autoScrollChanged(bool on);
+
+protected:
+    void contextMenuEvent(QContextMenuEvent* event) override;
 
 private:
     void onHistory(const QJsonDocument& document, const QString& error);
     void labelChart();
+    void showQuote();
 
     ReadCoalescer* m_history;
     QString m_symbol;
     QString m_timeframe;
-    QString m_accountId;
     QString m_description;
     int m_digits;
     ChartWidget* m_chart;
+    DrawingStore* m_drawings;
+    OneClickPanel* m_oneClick;
     DataWindow* m_dataWindow = nullptr;
     QPointer<ChartPropertiesDialog> m_properties;
     unsigned int m_historyGeneration = 0;

@@ -47,6 +47,7 @@ private:
 namespace {
 
 const QByteArray candlesPath = "/api/candles";
+const QByteArray drawingsPath = "/api/drawings";
 
 QByteArray bars(int count, double close)
 {
@@ -71,6 +72,7 @@ void tst_ChartWindow::init()
     m_server = std::make_unique<StubHttpServer>();
     TerminalSettings::instance().setServerUrl(m_server->url());
     m_api = std::make_unique<ApiClient>();
+    m_server->on("GET", drawingsPath, StubAnswer::json("[]"));
 }
 
 void tst_ChartWindow::cleanup()
@@ -101,7 +103,7 @@ void tst_ChartWindow::asksForNothingBeforeItIsLoaded()
     QTRY_VERIFY(answered); // a request of the window would have gone out before
     QCOMPARE(m_server->requests().size(), 1);
     window.load();
-    QTRY_COMPARE(m_server->requests().size(), 2);
+    QTRY_COMPARE(m_server->requests().size(), 3);
 }
 
 void tst_ChartWindow::loadsTheHistoryOfItsSymbolAndTimeframe()
@@ -112,7 +114,7 @@ void tst_ChartWindow::loadsTheHistoryOfItsSymbolAndTimeframe()
     QSignalSpy log(&window, &ChartWindow::logMessage);
     window.load();
     QVERIFY(log.wait());
-    QCOMPARE(m_server->requests().first().target, "/api/candles?symbol=EURUSD&timeframe=15m"_ba);
+    QCOMPARE(m_server->last("GET", candlesPath).target, "/api/candles?symbol=EURUSD&timeframe=15m"_ba);
     QCOMPARE(log.first(), QVariantList({u"Chart"_s, u"EURUSD,M15: 3 candles loaded"_s}));
     QCOMPARE(window.chart().candles().size(), std::size_t(3));
     QCOMPARE(window.chart().candles().back().close, 1.25);
@@ -123,9 +125,9 @@ void tst_ChartWindow::percentEncodesTheSymbolInTheQuery()
 {
     ChartWindow window(*m_api, u"A&B+C #ü"_s, u"15m"_s, {}, 5);
     window.load();
-    QTRY_COMPARE(m_server->requests().size(), 1);
-    QCOMPARE(
-        m_server->requests().first().target, "/api/candles?symbol=A%26B%2BC%20%23%C3%BC&timeframe=15m"_ba);
+    QTRY_COMPARE(m_server->count("GET", candlesPath), 1);
+    QCOMPARE(m_server->last("GET", candlesPath).target,
+        "/api/candles?symbol=A%26B%2BC%20%23%C3%BC&timeframe=15m"_ba);
 }
 
 void tst_ChartWindow::aFailedLoadIsJournalledAndKeepsWhatIsShown()
@@ -224,7 +226,7 @@ void tst_ChartWindow::reloadingDuringAReloadAppliesTheNewestReplyOnly()
     QVERIFY(m_server->release(StubAnswer::json(bars(1, 1.0))));
     QTRY_COMPARE(log.size(), 1);
     QCOMPARE(window.chart().candles().back().close, 2.0);
-    QCOMPARE(m_server->requests().size(), 2);
+    QCOMPARE(m_server->count("GET", candlesPath), 2);
 }
 
 void tst_ChartWindow::aNewTimeframeClearsTheChartAndRetitlesTheWindow()
@@ -244,7 +246,7 @@ void tst_ChartWindow::aNewTimeframeClearsTheChartAndRetitlesTheWindow()
     QCOMPARE(title, QList<QVariantList>{{u"EURUSD,H4"_s}});
     QCOMPARE(timeframe, QList<QVariantList>{{u"4h"_s}});
     QVERIFY(log.wait());
-    QCOMPARE(m_server->requests().last().target, "/api/candles?symbol=EURUSD&timeframe=4h"_ba);
+    QCOMPARE(m_server->last("GET", candlesPath).target, "/api/candles?symbol=EURUSD&timeframe=4h"_ba);
 }
 
 void tst_ChartWindow::theSameTimeframeDoesNothing()

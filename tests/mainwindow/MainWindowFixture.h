@@ -33,6 +33,7 @@ struct MainWindowFixture final {
         http.on("GET", "/api/trades/pending", StubAnswer::json("[]"));
         http.on("GET", "/api/trades/history", StubAnswer::json("[]"));
         http.on("GET", "/api/candles", StubAnswer::json("[]"));
+        http.on("GET", "/api/drawings", StubAnswer::json("[]"));
     }
 
     [[nodiscard]] static QByteArray accounts()

@@ -1,0 +1,23 @@
+#pragma once
+
+#include "chart/Drawing.h"
+
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+
+#include <optional>
+
+/// The objects of a chart as the server sends and takes them.
+
+/// Reads an array of {"id", "toolType", "points", "style"}. An object of an unknown kind, or with too few
+/// or unreadable points, is left out, and so is a second one with the same id; a colour that does not parse
+/// is the usual one. Anything but an array gives nothing, so that a foreign reply never empties a chart.
+[[nodiscard]] std::optional<QList<Drawing>> readDrawings(const QJsonDocument& document);
+
+/// What creates the object for a symbol and, unless it is empty, an account.
+[[nodiscard]] QJsonObject createDrawingBody(
+    const Drawing& drawing, const QString& symbol, const QString& accountId);
+
+/// What moves and recolours a stored object.
+[[nodiscard]] QJsonObject updateDrawingBody(const Drawing& drawing);

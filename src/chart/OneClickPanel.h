@@ -1,0 +1,46 @@
+#pragma once
+
+#include <QWidget>
+
+class DecimalSpinBox;
+class QPushButton;
+
+/// The overlay in the corner of a chart that sells or buys its symbol at market with one click. It only
+/// reports the wish; nothing that happens on it reaches the chart below.
+class OneClickPanel final : public QWidget {
+    Q_OBJECT
+    Q_DISABLE_COPY_MOVE(OneClickPanel)
+
+public:
+    OneClickPanel(const QString& symbol, QWidget* parent);
+    ~OneClickPanel() override;
+
+    /// The prices on the buttons, with so many decimals.
+    void setQuote(double bid, double ask, int digits);
+    /// The chosen volume in lots, 0.01 to 1000.
+    [[nodiscard]] double lots() const;
+
+Q_SIGNALS:
+    /// `side` is "SELL" or "BUY".
+    void quickTradeRequested(const QString& symbol, const QString& side, double lots);
+
+protected:
+    void mousePressEvent(QMouseEvent* event) override;
+    void mouseReleaseEvent(QMouseEvent* event) override;
+    void mouseDoubleClickEvent(QMouseEvent* event) override;
+    void mouseMoveEvent(QMouseEvent* event) override;
+    void wheelEvent(QWheelEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+    void enterEvent(QEnterEvent* event) override;
+
+private:
+    void request(const QString& side);
+
+    QString m_symbol;
+    QPushButton* m_sell;
+    DecimalSpinBox* m_volume;
+    QPushButton* m_buy;
+    double m_bid = 0.0;
+    double m_ask = 0.0;
+    int m_digits = -1;
+};

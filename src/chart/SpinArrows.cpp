@@ -1,0 +1,38 @@
+#include "chart/SpinArrows.h"
+
+#include "app/PrivateFile.h"
+
+#include <QBuffer>
+#include <QPainter>
+#include <QPolygonF>
+#include <QStandardPaths>
+
+using namespace Qt::StringLiterals;
+
+QImage spinArrowImage(SpinArrow arrow)
+{
+    constexpr QSize size(9, 6);
+    QImage image(size, QImage::Format_ARGB32_Premultiplied);
+    image.fill(Qt::transparent);
+    QPainter painter(&image);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(QColor(0x1a, 0x1a, 0x1a));
+    const double base = arrow == SpinArrow::Up ? 5.5 : 0.5;
+    const double tip = arrow == SpinArrow::Up ? 0.5 : 5.5;
+    painter.drawPolygon(QPolygonF({{0.5, base}, {8.5, base}, {4.5, tip}}));
+    return image;
+}
+
+QString writeSpinArrow(SpinArrow arrow)
+{
+    const QString name = arrow == SpinArrow::Up ? u"tavoran_spin_up.png"_s : u"tavoran_spin_down.png"_s;
+    const QString path = QStandardPaths::writableLocation(QStandardPaths::TempLocation) + u'/' + name;
+    QByteArray bytes;
+    QBuffer buffer(&bytes);
+    QFile file;
+    const bool written = buffer.open(QIODevice::WriteOnly) && spinArrowImage(arrow).save(&buffer, "PNG")
+        && openPrivateFile(file, path, QIODevice::WriteOnly | QIODevice::Truncate)
+        && file.write(bytes) == bytes.size() && file.flush();
+    return written ? path : QString();
+}

@@ -1,0 +1,14 @@
+#pragma once
+
+#include <QImage>
+#include <QString>
+
+/// The little arrows of a volume box. A style sheet can only name a file, so they are written to one.
+enum class SpinArrow { Up, Down };
+
+/// 9 by 6 pixels, transparent around a filled triangle.
+[[nodiscard]] QImage spinArrowImage(SpinArrow arrow);
+
+/// Writes the picture to the temporary folder and gives its path; empty when it could not be written, or
+/// when something that is not the user's own plain file is in its place.
+[[nodiscard]] QString writeSpinArrow(SpinArrow arrow);

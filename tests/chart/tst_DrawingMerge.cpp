@@ -1,0 +1,86 @@
+#include "chart/DrawingMerge.h"
+#include "support/TestMain.h"
+
+using namespace Qt::StringLiterals;
+
+class tst_DrawingMerge final : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void showsWhatTheServerHas();
+    void keepsWhatTheServerHasNot();
+    void dropsTheLocalCopyOfAConfirmedObject();
+    void dropsAConfirmedObjectWhosePriceTheServerRounded();
+    void ofTwoEqualObjectsOnlyTheConfirmedOneGoes();
+    void anObjectThatArrivedInSpiteOfAFailureIsShownOnce();
+    void anEqualObjectThatWasThereBeforeIsNoSuchArrival();
+    void keepsTheSelection();
+    void theSelectionPassesToTheStoredObject();
+};
+
+namespace {
+
+Drawing line(const QString& id, double price, bool selected = false)
+{
+    return {id, u"hline"_s, {{1000, price}}, QColor(0xe0, 0xe0, 0xe0), selected};
+}
+
+using Drawings = QList<Drawing>;
+
+} // namespace
+
+void tst_DrawingMerge::showsWhatTheServerHas()
+{
+    QCOMPARE(mergeDrawings({line(u"a"_s, 1), line(u"b"_s, 2)}, {line(u"c"_s, 3)}, {}),
+        Drawings({line(u"a"_s, 1), line(u"b"_s, 2)}));
+}
+
+void tst_DrawingMerge::keepsWhatTheServerHasNot()
+{
+    QCOMPARE(mergeDrawings({line(u"a"_s, 1)}, {line({}, 5), line(u"a"_s, 1)}, {}),
+        Drawings({line(u"a"_s, 1), line({}, 5)}));
+}
+
+void tst_DrawingMerge::dropsTheLocalCopyOfAConfirmedObject()
+{
+    QCOMPARE(mergeDrawings({line(u"a"_s, 1)}, {line({}, 1)}, {line({}, 1)}), Drawings{line(u"a"_s, 1)});
+}
+
+void tst_DrawingMerge::dropsAConfirmedObjectWhosePriceTheServerRounded()
+{
+    QCOMPARE(mergeDrawings({line(u"a"_s, 1.23457)}, {line({}, 1.2345678)}, {line({}, 1.2345678)}),
+        Drawings{line(u"a"_s, 1.23457)});
+}
+
+void tst_DrawingMerge::ofTwoEqualObjectsOnlyTheConfirmedOneGoes()
+{
+    QCOMPARE(mergeDrawings({line(u"a"_s, 1)}, {line({}, 1), line({}, 1)}, {line({}, 1)}),
+        Drawings({line(u"a"_s, 1), line({}, 1)}));
+}
+
+void tst_DrawingMerge::anObjectThatArrivedInSpiteOfAFailureIsShownOnce()
+{
+    QCOMPARE(mergeDrawings({line(u"a"_s, 1.1)}, {line({}, 1.1 + 1e-12)}, {}), Drawings{line(u"a"_s, 1.1)});
+}
+
+void tst_DrawingMerge::anEqualObjectThatWasThereBeforeIsNoSuchArrival()
+{
+    QCOMPARE(mergeDrawings({line(u"a"_s, 1)}, {line(u"a"_s, 1), line({}, 1)}, {}),
+        Drawings({line(u"a"_s, 1), line({}, 1)}));
+}
+
+void tst_DrawingMerge::keepsTheSelection()
+{
+    QCOMPARE(mergeDrawings({line(u"a"_s, 1), line(u"b"_s, 2)}, {line(u"a"_s, 1), line(u"b"_s, 2, true)}, {}),
+        Drawings({line(u"a"_s, 1), line(u"b"_s, 2, true)}));
+    QCOMPARE(mergeDrawings({}, {line({}, 2, true)}, {}), Drawings{line({}, 2, true)});
+}
+
+void tst_DrawingMerge::theSelectionPassesToTheStoredObject()
+{
+    QCOMPARE(mergeDrawings({line(u"a"_s, 1)}, {line({}, 1, true)}, {line({}, 1)}),
+        Drawings{line(u"a"_s, 1, true)});
+}
+
+TAVORAN_TEST_MAIN(tst_DrawingMerge)
+#include "tst_DrawingMerge.moc"
