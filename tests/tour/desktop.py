@@ -11,6 +11,7 @@ class Desktop:
     """Starts Xvfb with a window manager; real key and mouse events go in, pictures come out."""
 
     def __init__(self, width=1440, height=900):
+        self.width, self.height = width, height
         self._processes = []
         read_end, write_end = os.pipe()
         self._spawn(
