@@ -53,7 +53,7 @@ MovingAverageSpec averageFromJson(const QJsonObject& json)
 QList<MovingAverageSpec> averagesFromJson(const QJsonArray& array)
 {
     QList<MovingAverageSpec> averages;
-    for (const QJsonValue& entry : array) {
+    for (const QJsonValue entry : array) {
         if (averages.size() == ChartState::mostAverages)
             break;
         if (entry.isObject())

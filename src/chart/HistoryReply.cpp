@@ -62,7 +62,7 @@ qint64 utcTimeMs(QStringView text)
     if (!plausible)
         return -1;
     const qint64 seconds
-        = daysSinceEpoch(year, month, day) * secondsPerDay + hour * 3600 + minute * 60 + second;
+        = daysSinceEpoch(year, month, day) * secondsPerDay + hour * 3600LL + minute * 60LL + second;
     return seconds * msPerSecond + millis;
 }
 
@@ -95,7 +95,7 @@ std::optional<HistoryReply> HistoryReply::read(const QJsonDocument& document)
     HistoryReply reply;
     reply.received = rows.size();
     reply.candles.reserve(static_cast<std::size_t>(rows.size()));
-    for (const QJsonValue& row : rows) {
+    for (const QJsonValue row : rows) {
         const QJsonObject fields = row.toObject();
         const qint64 time = isoTimeMs(fields.value("timestamp"_L1).toString());
         if (time <= 0)

@@ -81,12 +81,12 @@ void appendPendingOrder(const QJsonObject& order, QList<TradeLevel>& levels)
 QList<TradeLevel> buildTradeLevels(const QString& symbol, const QJsonArray& open, const QJsonArray& pending)
 {
     QList<TradeLevel> levels;
-    for (const QJsonValue& value : open) {
+    for (const QJsonValue value : open) {
         const QJsonObject trade = value.toObject();
         if (trade.value("symbol"_L1).toString() == symbol)
             appendOpenTrade(trade, levels);
     }
-    for (const QJsonValue& value : pending) {
+    for (const QJsonValue value : pending) {
         const QJsonObject order = value.toObject();
         if (order.value("symbol"_L1).toString() == symbol)
             appendPendingOrder(order, levels);

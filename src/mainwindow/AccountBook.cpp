@@ -54,7 +54,7 @@ void AccountBook::readFigures(const QJsonArray& openTrades)
 {
     m_tradePnl.clear();
     m_usedMargin = 0.0;
-    for (const QJsonValue& value : openTrades) {
+    for (const QJsonValue value : openTrades) {
         const QJsonObject trade = value.toObject();
         m_tradePnl.insert(trade["id"_L1].toString(), jsonNumber(trade["pnl"_L1]));
         m_usedMargin += jsonNumber(trade["margin"_L1]);
@@ -89,7 +89,7 @@ void AccountBook::setSymbols(const QJsonArray& symbols)
     m_symbols = symbols;
     m_symbolsByName.clear();
     m_digits.clear();
-    for (const QJsonValue& value : symbols) {
+    for (const QJsonValue value : symbols) {
         const QJsonObject record = value.toObject();
         const QString name = record["name"_L1].toString();
         if (name.isEmpty())
@@ -130,7 +130,7 @@ QJsonObject AccountBook::knownTradePrices() const
 {
     QJsonObject known;
     for (const QJsonArray* list : {&m_openTrades, &m_pendingOrders}) {
-        for (const QJsonValue& trade : *list) {
+        for (const QJsonValue trade : *list) {
             const QString symbol = trade["symbol"_L1].toString();
             const auto found = m_prices.constFind(symbol);
             if (found != m_prices.cend())

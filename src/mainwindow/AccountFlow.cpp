@@ -108,7 +108,7 @@ void AccountFlow::fillSelector()
     // Lines that stand for the same accounts as before stay: the drop-down may be open.
     if (!listsAccounts(selector, accounts)) {
         selector.clear();
-        for (const QJsonValue& account : accounts)
+        for (const QJsonValue account : accounts)
             selector.addItem(QString(), account["id"_L1].toString());
     }
     for (int i = 0; i < selector.count(); ++i) {
@@ -170,7 +170,7 @@ void AccountFlow::showTrades()
     toolbox.setOpenRows(m_book.openTrades(), m_book.pendingOrders(), m_book.digits());
     toolbox.updateCurrentPrices(m_book.knownTradePrices());
     // The feed may have brought newer profits while the pending orders were on their way.
-    for (const QJsonValue& value : m_book.openTrades()) {
+    for (const QJsonValue value : m_book.openTrades()) {
         const QJsonObject trade = value.toObject();
         const QString id = trade["id"_L1].toString();
         const auto newer = m_book.tradePnl().constFind(id);
@@ -190,7 +190,7 @@ void AccountFlow::onTradesUpdated(const QJsonArray& rows)
 {
     const QString current = m_book.currentAccountId();
     bool matched = false;
-    for (const QJsonValue& value : rows) {
+    for (const QJsonValue value : rows) {
         const QJsonObject row = value.toObject();
         if (current.isEmpty() || row["accountId"_L1].toString() != current)
             continue;

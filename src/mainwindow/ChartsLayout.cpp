@@ -34,7 +34,7 @@ QList<SavedChart> readChartsLayout(const QString& text)
 {
     QList<SavedChart> charts;
     const QJsonArray array = QJsonDocument::fromJson(text.toUtf8()).array();
-    for (const QJsonValue& value : array) {
+    for (const QJsonValue value : array) {
         const QJsonObject entry = value.toObject();
         SavedChart chart;
         chart.symbol = entry["symbol"_L1].toString();

@@ -29,6 +29,7 @@
 #include <QApplication>
 #include <QCloseEvent>
 #include <QDockWidget>
+#include <QMdiSubWindow>
 #include <QShortcut>
 #include <QStatusBar>
 #include <QUrl>

@@ -215,7 +215,7 @@ void tst_AccountBook::symbolsAreSortedByOrderThenName()
                                  {"name":"x","sortOrder":-1}])"));
     QStringList names;
     const QJsonArray sorted = book.sortedSymbols();
-    for (const QJsonValue& record : sorted)
+    for (const QJsonValue record : sorted)
         names.append(record["name"_L1].toString());
     QCOMPARE(names, QStringList({u"x"_s, u"Z"_s, u"B"_s, u"b"_s}));
 }
