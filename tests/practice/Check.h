@@ -145,7 +145,7 @@ inline int runAll(int argc, char** argv)
     static void CHECK_JOIN(checkCase, id)()
 
 /// A named case; its body follows in braces.
-#define TEST_CASE(name) CHECK_CASE_(name, __LINE__)
+#define TEST_CASE(name) CHECK_CASE_(name, __COUNTER__)
 
 #define CHECK(...) check::report(static_cast<bool>(__VA_ARGS__), __FILE__, __LINE__, #__VA_ARGS__)
 
