@@ -34,8 +34,8 @@ OrderReaction reactionToOrders(const QJsonObject& event)
         reaction.sound = SoundKind::Fill;
         // The event carries no symbol, so the account is named.
         const QString account = oneLine(shortId(event["accountId"_L1].toString()));
-        reaction.balloon = Balloon{
-            tr("Order Filled"), tr("A pending order on %1 was filled.").arg(account), false, OrderBalloonMs};
+        reaction.balloon = Balloon{tr("Order Filled"), tr("A pending order on %1 was filled.").arg(account),
+            Balloon::Kind::Information, OrderBalloonMs};
     } else if (reason.isEmpty()) {
         reaction.expert = tr("Order state changed");
     } else {
@@ -44,7 +44,7 @@ OrderReaction reactionToOrders(const QJsonObject& event)
         reaction.sound = levelHit ? SoundKind::Fill : SoundKind::Close;
         if (levelHit) {
             reaction.balloon = Balloon{tr("Position Closed (%1)").arg(reason),
-                tr("A position hit its %1.").arg(reason), false, OrderBalloonMs};
+                tr("A position hit its %1.").arg(reason), Balloon::Kind::Information, OrderBalloonMs};
         }
     }
     return reaction;
@@ -59,12 +59,14 @@ OrderReaction reactionToAccount(const QJsonObject& event, bool hasTray)
     if (!hasTray)
         return reaction;
     if (status == "FAILED"_L1) {
-        reaction.balloon = Balloon{tr("Account Failed"),
-            tr("An account breached its risk limit and was closed."), true, AccountBalloonMs};
+        reaction.balloon
+            = Balloon{tr("Account Failed"), tr("An account breached its risk limit and was closed."),
+                Balloon::Kind::Critical, AccountBalloonMs};
         reaction.sound = SoundKind::Error;
     } else if (status == "PASSED"_L1) {
-        reaction.balloon = Balloon{tr("Challenge Passed"),
-            tr("An account passed its target — pending review."), false, AccountBalloonMs};
+        reaction.balloon
+            = Balloon{tr("Challenge Passed"), tr("An account passed its target — pending review."),
+                Balloon::Kind::Information, AccountBalloonMs};
     }
     return reaction;
 }

@@ -1,18 +1,11 @@
 #pragma once
 
+#include "app/Balloon.h"
 #include "app/SoundPlayer.h"
 
 #include <QJsonObject>
 #include <QString>
 #include <optional>
-
-/// A notice at the system tray. Title and text are plain text.
-struct Balloon final {
-    QString title;
-    QString text;
-    bool critical = false;
-    int milliseconds = 0;
-};
 
 /// What one order or account event of the feed makes the terminal say, play and show.
 struct OrderReaction final {

@@ -3,6 +3,23 @@
 #include "app/ServerText.h"
 #include "app/Theme.h"
 
+namespace {
+
+QSystemTrayIcon::MessageIcon iconFor(Balloon::Kind kind)
+{
+    switch (kind) {
+    case Balloon::Kind::Warning:
+        return QSystemTrayIcon::Warning;
+    case Balloon::Kind::Critical:
+        return QSystemTrayIcon::Critical;
+    case Balloon::Kind::Information:
+        break;
+    }
+    return QSystemTrayIcon::Information;
+}
+
+} // namespace
+
 TrayIcon::TrayIcon(QObject* parent)
     : QObject(parent)
     , m_icon(appIcon())
@@ -20,6 +37,6 @@ TrayIcon::TrayIcon(QObject* parent)
 
 void TrayIcon::showBalloon(const Balloon& balloon)
 {
-    m_icon.showMessage(balloonText(balloon.title), balloonText(balloon.text),
-        balloon.critical ? QSystemTrayIcon::Critical : QSystemTrayIcon::Information, balloon.milliseconds);
+    m_icon.showMessage(
+        balloonText(balloon.title), balloonText(balloon.text), iconFor(balloon.kind), balloon.milliseconds);
 }

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "mainwindow/OrderReaction.h"
+#include "app/Balloon.h"
 
 #include <QMenu>
 #include <QObject>

@@ -39,7 +39,7 @@ QString balloonOf(const OrderReaction& reaction)
         return {};
     const Balloon& balloon = *reaction.balloon;
     return u"%1|%2|%3|%4"_s.arg(balloon.title, balloon.text,
-        balloon.critical ? u"critical"_s : u"information"_s, QString::number(balloon.milliseconds));
+        balloon.kind == Balloon::Kind::Critical ? u"critical"_s : u"information"_s, QString::number(balloon.milliseconds));
 }
 
 } // namespace

@@ -1,0 +1,41 @@
+#include "panes/AlertDialog.h"
+
+#include "app/DecimalSpinBox.h"
+
+#include <QComboBox>
+#include <QDialogButtonBox>
+#include <QFormLayout>
+
+using namespace Qt::StringLiterals;
+
+AlertDialog::AlertDialog(const QStringList& symbols, QWidget* parent)
+    : QDialog(parent)
+    , m_symbol(new QComboBox(this))
+    , m_condition(new QComboBox(this))
+    , m_price(new DecimalSpinBox(this))
+{
+    setModal(true);
+    setWindowTitle(tr("New Alert"));
+    m_symbol->setObjectName("alertSymbol"_L1);
+    m_symbol->addItems(symbols);
+    m_condition->setObjectName("alertCondition"_L1);
+    m_condition->addItem(tr("Bid ≥"), true);
+    m_condition->addItem(tr("Bid ≤"), false);
+    m_price->setObjectName("alertPrice"_L1);
+    m_price->setRange(0.0, 1e9);
+    m_price->setDecimals(5);
+
+    auto* form = new QFormLayout(this);
+    form->addRow(tr("Symbol:"), m_symbol);
+    form->addRow(tr("Condition:"), m_condition);
+    form->addRow(tr("Price:"), m_price);
+    auto* buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel, this);
+    form->addRow(buttons);
+    connect(buttons, &QDialogButtonBox::accepted, this, &QDialog::accept);
+    connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
+}
+
+PriceAlert AlertDialog::alert() const
+{
+    return {m_symbol->currentText(), m_condition->currentData().toBool(), m_price->value(), false};
+}

@@ -1,0 +1,45 @@
+#pragma once
+
+#include "app/Balloon.h"
+#include "app/SoundPlayer.h"
+#include "panes/AlertBook.h"
+
+#include <QStringList>
+#include <QWidget>
+
+class QTreeWidget;
+
+/// The trader's price alerts: a list kept in the settings, checked against every price snapshot. Sounds and
+/// balloons are asked for by signals, so that the pane knows neither a tray nor an audio device.
+class AlertsPane final : public QWidget {
+    Q_OBJECT
+    Q_DISABLE_COPY_MOVE(AlertsPane)
+
+public:
+    /// Starts with the alerts in the settings.
+    explicit AlertsPane(QWidget* parent = nullptr);
+    ~AlertsPane() override = default;
+
+    /// The names that a new alert can be made for.
+    void setSymbols(const QStringList& symbols) { m_symbols = symbols; }
+    [[nodiscard]] const QStringList& symbols() const { return m_symbols; }
+
+public Q_SLOTS:
+    /// A price map keyed by symbol.
+    void onPrices(const QJsonObject& prices);
+
+Q_SIGNALS:
+    void soundWanted(SoundKind kind);
+    void balloonWanted(const Balloon& balloon);
+
+private:
+    void ask();
+    void addAlert(const PriceAlert& alert);
+    void deleteCurrent();
+    void saveAndFill();
+    void fill();
+
+    QStringList m_symbols;
+    AlertBook m_book;
+    QTreeWidget* m_list;
+};

@@ -1,0 +1,35 @@
+#pragma once
+
+#include <QColor>
+#include <QJsonDocument>
+#include <QList>
+#include <QString>
+
+#include <optional>
+
+/// One upcoming event of the economic calendar.
+struct NewsEvent final {
+    QString id;
+    QString time;         ///< "Fri 13:30", local time; empty when the server's time cannot be read
+    int minutesUntil = 0; ///< negative once it has begun
+    QString impact;       ///< "HIGH", "MEDIUM" or anything else
+    QString currency;
+    QString title;
+};
+
+/// The server's answer to a request for the calendar.
+struct NewsReply final {
+    int notifyMinutes = 15;  ///< how long before an event of high impact to warn
+    QList<NewsEvent> events; ///< in the server's order
+
+    /// Nothing for a document that holds no list of events; fields of a wrong type count as missing.
+    [[nodiscard]] static std::optional<NewsReply> read(const QJsonDocument& document);
+};
+
+/// "now", "59m" or "1h 15m".
+[[nodiscard]] QString countdownText(int minutes);
+
+[[nodiscard]] QColor impactColor(const QString& impact);
+
+/// Whether an event is to be announced, `notifyMinutes` before it at the earliest.
+[[nodiscard]] bool callsForWarning(const NewsEvent& event, int notifyMinutes);

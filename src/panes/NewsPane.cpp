@@ -1,0 +1,88 @@
+#include "panes/NewsPane.h"
+
+#include "panes/NewsEvent.h"
+
+#include <QHeaderView>
+#include <QScrollBar>
+#include <QTimer>
+#include <QTreeWidget>
+#include <QVBoxLayout>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr int refreshMs = 120000;
+constexpr int balloonMs = 15000;
+enum Column { TimeColumn, CurrencyColumn, ImpactColumn, EventColumn, InColumn };
+
+} // namespace
+
+NewsPane::NewsPane(ApiClient& api, QWidget* parent)
+    : QWidget(parent)
+    , m_reads(api)
+    , m_list(new QTreeWidget(this))
+{
+    m_list->setObjectName("newsList"_L1);
+    m_list->setAccessibleName(tr("Calendar"));
+    m_list->setRootIsDecorated(false);
+    m_list->setUniformRowHeights(true);
+    m_list->setHeaderLabels({tr("Time"), tr("Currency"), tr("Impact"), tr("Event"), tr("In")});
+    m_list->setColumnWidth(TimeColumn, 130);
+    m_list->setColumnWidth(CurrencyColumn, 70);
+    m_list->setColumnWidth(ImpactColumn, 70);
+    m_list->header()->setStretchLastSection(false);
+    m_list->header()->setSectionResizeMode(EventColumn, QHeaderView::Stretch);
+    auto* layout = new QVBoxLayout(this);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->addWidget(m_list);
+
+    auto* timer = new QTimer(this);
+    connect(timer, &QTimer::timeout, this, &NewsPane::refresh);
+    timer->start(refreshMs);
+}
+
+void NewsPane::refresh()
+{
+    m_reads.refresh(u"/api/news/upcoming"_s, [this](const QJsonDocument& document, const QString& error) {
+        if (error.isEmpty())
+            onReply(document);
+    });
+}
+
+void NewsPane::onReply(const QJsonDocument& document)
+{
+    const std::optional<NewsReply> news = NewsReply::read(document);
+    if (!news)
+        return;
+    fill(*news);
+    announce(*news);
+}
+
+void NewsPane::fill(const NewsReply& news)
+{
+    QList<QTreeWidgetItem*> rows;
+    rows.reserve(news.events.size());
+    for (const NewsEvent& event : news.events) {
+        auto* row = new QTreeWidgetItem(
+            {event.time, event.currency, event.impact, event.title, countdownText(event.minutesUntil)});
+        row->setForeground(ImpactColumn, impactColor(event.impact));
+        rows.append(row);
+    }
+    const int scrolledTo = m_list->verticalScrollBar()->value();
+    m_list->clear();
+    m_list->addTopLevelItems(rows);
+    m_list->verticalScrollBar()->setValue(scrolledTo);
+}
+
+void NewsPane::announce(const NewsReply& news)
+{
+    for (const NewsEvent& event : news.events) {
+        if (!callsForWarning(event, news.notifyMinutes) || m_notified.contains(event.id))
+            continue;
+        m_notified.insert(event.id);
+        Q_EMIT balloonWanted({tr("Upcoming News — %1").arg(event.currency),
+            tr("%1 in %2 minutes").arg(event.title, QString::number(event.minutesUntil)),
+            Balloon::Kind::Warning, balloonMs});
+    }
+}

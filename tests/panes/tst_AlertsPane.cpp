@@ -1,0 +1,331 @@
+#include "app/DecimalSpinBox.h"
+#include "app/TerminalSettings.h"
+#include "panes/AlertDialog.h"
+#include "panes/AlertsPane.h"
+#include "support/ParseJson.h"
+#include "support/TestMain.h"
+
+#include <QComboBox>
+#include <QDialogButtonBox>
+#include <QPointer>
+#include <QPushButton>
+#include <QSignalSpy>
+#include <QTreeWidget>
+#include <QtTest>
+
+using namespace Qt::StringLiterals;
+using fixtures::parse;
+
+namespace {
+
+/// The pane on show with the alerts that the settings hold.
+struct Desk {
+    AlertsPane pane;
+    QSignalSpy sounds{&pane, &AlertsPane::soundWanted};
+    QSignalSpy balloons{&pane, &AlertsPane::balloonWanted};
+
+    Desk()
+    {
+        pane.setSymbols({u"EURUSD"_s, u"GOLD"_s});
+        pane.resize(500, 200);
+        pane.show();
+    }
+    Q_DISABLE_COPY_MOVE(Desk)
+
+    [[nodiscard]] QTreeWidget* list() const { return pane.findChild<QTreeWidget*>(u"alertsList"_s); }
+    [[nodiscard]] QStringList rows() const
+    {
+        QStringList texts;
+        for (int i = 0; i < list()->topLevelItemCount(); ++i) {
+            QStringList cells;
+            for (int column = 0; column < 4; ++column)
+                cells.append(list()->topLevelItem(i)->text(column));
+            texts.append(cells.join(u'|'));
+        }
+        return texts;
+    }
+    void click(const QString& text) const
+    {
+        for (QPushButton* button : pane.findChildren<QPushButton*>()) {
+            if (button->text() == text)
+                return QTest::mouseClick(button, Qt::LeftButton);
+        }
+        QFAIL(qPrintable(text));
+    }
+    [[nodiscard]] QPointer<AlertDialog> ask() const
+    {
+        click(u"Add Alert"_s);
+        return pane.findChild<AlertDialog*>();
+    }
+};
+
+void typePrice(AlertDialog& dialog, const QString& text)
+{
+    auto* price = dialog.findChild<DecimalSpinBox*>();
+    price->selectAll();
+    QTest::keyClicks(price, text);
+}
+
+void press(AlertDialog& dialog, QDialogButtonBox::StandardButton button)
+{
+    QTest::mouseClick(dialog.findChild<QDialogButtonBox*>()->button(button), Qt::LeftButton);
+}
+
+QString stored()
+{
+    return TerminalSettings::instance().alerts();
+}
+
+} // namespace
+
+class TestAlertsPane final : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init() { TerminalSettings::instance().setAlerts({}); }
+    void looksAsATraderKnowsIt();
+    void savedAlertsAreShown();
+    void theDialogOffersSymbolsConditionsAndAPrice();
+    void addingAppendsAndSaves();
+    void aTypedCommaIsAPoint();
+    void cancellingAddsNothing();
+    void aPriceOfZeroIsRefusedSilently();
+    void withoutSymbolsNothingIsAdded();
+    void deletingRemovesTheCurrentRow();
+    void deletingWithoutARowChangesNothing();
+    void firingSoundsShowsAndSaves_data();
+    void firingSoundsShowsAndSaves();
+    void twoAtOnceBothTell();
+    void firingIsSavedBeforeTheNextSnapshot();
+    void firingKeepsTheSelection();
+    void aTriggeredAlertStaysQuietAfterARestart();
+    void corruptSettingsGiveNoAlertsAndAreReplaced();
+    void pricesOfOthersLeaveTheSettingsAlone();
+    void symbolTextIsOneLine();
+};
+
+void TestAlertsPane::looksAsATraderKnowsIt()
+{
+    const Desk desk;
+    QStringList headers;
+    for (int column = 0; column < 4; ++column)
+        headers.append(desk.list()->headerItem()->text(column));
+    QCOMPARE(headers, QStringList({u"Symbol"_s, u"Condition"_s, u"Price"_s, u"Status"_s}));
+    for (int column = 0; column < 3; ++column)
+        QCOMPARE(desk.list()->columnWidth(column), 90);
+    QVERIFY(!desk.list()->rootIsDecorated());
+    QCOMPARE(desk.rows(), QStringList());
+}
+
+void TestAlertsPane::savedAlertsAreShown()
+{
+    TerminalSettings::instance().setAlerts(
+        uR"([{"symbol":"EURUSD","above":true,"price":1.1},{"symbol":"GOLD","price":1900.5,"triggered":true}])"_s);
+    const Desk desk;
+    QCOMPARE(
+        desk.rows(), QStringList({u"EURUSD|Bid ≥|1.10000|Active"_s, u"GOLD|Bid ≤|1900.50000|Triggered"_s}));
+    QCOMPARE(desk.list()->topLevelItem(0)->foreground(3).color(), QColor(u"#26d367"_s));
+    QCOMPARE(desk.list()->topLevelItem(1)->foreground(3).color(), QColor(u"#8a8a8a"_s));
+}
+
+void TestAlertsPane::theDialogOffersSymbolsConditionsAndAPrice()
+{
+    const Desk desk;
+    const QPointer<AlertDialog> dialog = desk.ask();
+    QVERIFY(dialog && dialog->isModal());
+    QCOMPARE(dialog->windowTitle(), u"New Alert"_s);
+    const auto* symbols = dialog->findChild<QComboBox*>(u"alertSymbol"_s);
+    QCOMPARE(symbols->count(), 2);
+    QCOMPARE(symbols->itemText(1), u"GOLD"_s);
+    const auto* condition = dialog->findChild<QComboBox*>(u"alertCondition"_s);
+    QCOMPARE(condition->itemText(0), u"Bid ≥"_s);
+    QCOMPARE(condition->itemText(1), u"Bid ≤"_s);
+    const auto* price = dialog->findChild<DecimalSpinBox*>();
+    QCOMPARE(price->minimum(), 0.0);
+    QCOMPARE(price->maximum(), 1e9);
+    QCOMPARE(price->decimals(), 5);
+}
+
+void TestAlertsPane::addingAppendsAndSaves()
+{
+    const Desk desk;
+    const QPointer<AlertDialog> dialog = desk.ask();
+    QTest::keyClick(dialog->findChild<QComboBox*>(u"alertSymbol"_s), Qt::Key_Down);
+    QTest::keyClick(dialog->findChild<QComboBox*>(u"alertCondition"_s), Qt::Key_Down);
+    typePrice(*dialog, u"1900.12345"_s);
+    press(*dialog, QDialogButtonBox::Ok);
+    QCOMPARE(desk.rows(), QStringList({u"GOLD|Bid ≤|1900.12345|Active"_s}));
+    QCOMPARE(stored(), uR"([{"above":false,"price":1900.12345,"symbol":"GOLD","triggered":false}])"_s);
+    QTRY_VERIFY(!dialog);
+}
+
+void TestAlertsPane::aTypedCommaIsAPoint()
+{
+    const Desk desk;
+    const QPointer<AlertDialog> dialog = desk.ask();
+    typePrice(*dialog, u"1,25"_s);
+    press(*dialog, QDialogButtonBox::Ok);
+    QCOMPARE(desk.rows(), QStringList({u"EURUSD|Bid ≥|1.25000|Active"_s}));
+}
+
+void TestAlertsPane::cancellingAddsNothing()
+{
+    const Desk desk;
+    const QPointer<AlertDialog> dialog = desk.ask();
+    typePrice(*dialog, u"1.25"_s);
+    press(*dialog, QDialogButtonBox::Cancel);
+    QTRY_VERIFY(!dialog);
+    QCOMPARE(desk.rows(), QStringList());
+    QCOMPARE(stored(), QString());
+}
+
+void TestAlertsPane::aPriceOfZeroIsRefusedSilently()
+{
+    const Desk desk;
+    const QPointer<AlertDialog> dialog = desk.ask();
+    press(*dialog, QDialogButtonBox::Ok);
+    QTRY_VERIFY(!dialog);
+    QCOMPARE(desk.rows(), QStringList());
+    QCOMPARE(stored(), QString());
+}
+
+void TestAlertsPane::withoutSymbolsNothingIsAdded()
+{
+    Desk desk;
+    desk.pane.setSymbols({});
+    const QPointer<AlertDialog> dialog = desk.ask();
+    typePrice(*dialog, u"1.25"_s);
+    press(*dialog, QDialogButtonBox::Ok);
+    QTRY_VERIFY(!dialog);
+    QCOMPARE(desk.rows(), QStringList());
+}
+
+void TestAlertsPane::deletingRemovesTheCurrentRow()
+{
+    TerminalSettings::instance().setAlerts(
+        uR"([{"symbol":"A","price":1},{"symbol":"B","price":1},{"symbol":"C","price":1}])"_s);
+    const Desk desk;
+    const QPoint second = desk.list()->visualItemRect(desk.list()->topLevelItem(1)).center();
+    QTest::mouseClick(desk.list()->viewport(), Qt::LeftButton, {}, second);
+    desk.click(u"Delete"_s);
+    QCOMPARE(desk.rows(), QStringList({u"A|Bid ≤|1.00000|Active"_s, u"C|Bid ≤|1.00000|Active"_s}));
+    QVERIFY(!stored().contains(u"\"B\""_s));
+    desk.click(u"Delete"_s);
+    QCOMPARE(desk.rows(), QStringList({u"A|Bid ≤|1.00000|Active"_s}));
+}
+
+void TestAlertsPane::deletingWithoutARowChangesNothing()
+{
+    TerminalSettings::instance().setAlerts(uR"([{"symbol":"A","price":1}])"_s);
+    const Desk desk;
+    desk.list()->setCurrentItem(nullptr);
+    desk.click(u"Delete"_s);
+    QCOMPARE(desk.rows(), QStringList({u"A|Bid ≤|1.00000|Active"_s}));
+    QCOMPARE(stored(), uR"([{"above":false,"price":1,"symbol":"A","triggered":false}])"_s);
+}
+
+void TestAlertsPane::firingSoundsShowsAndSaves_data()
+{
+    QTest::addColumn<bool>("above");
+    QTest::addColumn<QByteArray>("prices");
+    QTest::addColumn<QString>("text");
+    QTest::newRow("above") << true << QByteArray(R"({"EURUSD":{"bid":"1.23450"}})")
+                           << u"EURUSD ≥ 1.20000 (now 1.23450)"_s;
+    QTest::newRow("below") << false << QByteArray(R"({"EURUSD":{"bid":1.2}})")
+                           << u"EURUSD ≤ 1.20000 (now 1.20000)"_s;
+}
+
+void TestAlertsPane::firingSoundsShowsAndSaves()
+{
+    QFETCH(bool, above);
+    QFETCH(QByteArray, prices);
+    QFETCH(QString, text);
+    TerminalSettings::instance().setAlerts(
+        u"[{\"symbol\":\"EURUSD\",\"price\":1.2,\"above\":%1}]"_s.arg(above ? u"true"_s : u"false"_s));
+    Desk desk;
+    desk.pane.onPrices(parse(prices));
+    QCOMPARE(desk.sounds.size(), 1);
+    QCOMPARE(desk.sounds.at(0).at(0).value<SoundKind>(), SoundKind::Fill);
+    QCOMPARE(desk.balloons.size(), 1);
+    QCOMPARE(desk.balloons.at(0).at(0).value<Balloon>(),
+        (Balloon{u"Price Alert — EURUSD"_s, text, Balloon::Kind::Information, 12000}));
+    QVERIFY(desk.rows().first().endsWith(u"|Triggered"_s));
+    QVERIFY(stored().contains(u"\"triggered\":true"_s));
+    desk.pane.onPrices(parse(prices));
+    QCOMPARE(desk.sounds.size(), 1);
+}
+
+void TestAlertsPane::twoAtOnceBothTell()
+{
+    TerminalSettings::instance().setAlerts(
+        uR"([{"symbol":"EURUSD","price":1,"above":true},{"symbol":"EURUSD","price":2}])"_s);
+    Desk desk;
+    desk.pane.onPrices(parse(R"({"EURUSD":{"bid":1.5}})"));
+    QCOMPARE(desk.sounds.size(), 2);
+    QCOMPARE(desk.balloons.size(), 2);
+    QCOMPARE(desk.balloons.at(0).at(0).value<Balloon>().text, u"EURUSD ≥ 1.00000 (now 1.50000)"_s);
+    QCOMPARE(desk.balloons.at(1).at(0).value<Balloon>().text, u"EURUSD ≤ 2.00000 (now 1.50000)"_s);
+}
+
+void TestAlertsPane::firingIsSavedBeforeTheNextSnapshot()
+{
+    TerminalSettings::instance().setAlerts(uR"([{"symbol":"EURUSD","price":1,"above":true}])"_s);
+    Desk desk;
+    desk.pane.onPrices(parse(R"({"EURUSD":{"bid":1.5}})"));
+    // What a run finds that starts after this one was killed here.
+    const TerminalSettings onDisk(SettingsStore::userFilePath());
+    QCOMPARE(onDisk.alerts(), uR"([{"above":true,"price":1,"symbol":"EURUSD","triggered":true}])"_s);
+}
+
+void TestAlertsPane::firingKeepsTheSelection()
+{
+    TerminalSettings::instance().setAlerts(
+        uR"([{"symbol":"EURUSD","price":1,"above":true},{"symbol":"GOLD","price":2}])"_s);
+    Desk desk;
+    desk.list()->setCurrentItem(desk.list()->topLevelItem(1));
+    desk.pane.onPrices(parse(R"({"EURUSD":{"bid":1.5}})"));
+    QCOMPARE(desk.list()->indexOfTopLevelItem(desk.list()->currentItem()), 1);
+}
+
+void TestAlertsPane::aTriggeredAlertStaysQuietAfterARestart()
+{
+    TerminalSettings::instance().setAlerts(
+        uR"([{"symbol":"EURUSD","price":1,"above":true,"triggered":true}])"_s);
+    Desk desk;
+    desk.pane.onPrices(parse(R"({"EURUSD":{"bid":1.5}})"));
+    QCOMPARE(desk.sounds.size(), 0);
+    QCOMPARE(desk.balloons.size(), 0);
+    QCOMPARE(desk.rows(), QStringList({u"EURUSD|Bid ≥|1.00000|Triggered"_s}));
+}
+
+void TestAlertsPane::corruptSettingsGiveNoAlertsAndAreReplaced()
+{
+    TerminalSettings::instance().setAlerts(u"{broken"_s);
+    const Desk desk;
+    QCOMPARE(desk.rows(), QStringList());
+    const QPointer<AlertDialog> dialog = desk.ask();
+    typePrice(*dialog, u"2"_s);
+    press(*dialog, QDialogButtonBox::Ok);
+    QCOMPARE(stored(), uR"([{"above":true,"price":2,"symbol":"EURUSD","triggered":false}])"_s);
+}
+
+void TestAlertsPane::pricesOfOthersLeaveTheSettingsAlone()
+{
+    TerminalSettings::instance().setAlerts(uR"([ {"symbol":"EURUSD","price":1,"above":true} ])"_s);
+    Desk desk;
+    desk.pane.onPrices(parse(R"({"GOLD":{"bid":1900},"EURUSD":{"bid":0}})"));
+    QCOMPARE(stored(), uR"([ {"symbol":"EURUSD","price":1,"above":true} ])"_s);
+    QCOMPARE(desk.sounds.size(), 0);
+}
+
+void TestAlertsPane::symbolTextIsOneLine()
+{
+    TerminalSettings::instance().setAlerts(uR"([{"symbol":"A\nB %1","price":1,"above":true}])"_s);
+    Desk desk;
+    QVERIFY(desk.rows().first().startsWith(u"A B %1|"_s));
+    desk.pane.onPrices(QJsonObject{{u"A\nB %1"_s, QJsonObject{{u"bid"_s, 2.0}}}});
+    QCOMPARE(desk.balloons.at(0).at(0).value<Balloon>().text, u"A B %1 ≥ 1.00000 (now 2.00000)"_s);
+}
+
+TAVORAN_TEST_MAIN(TestAlertsPane)
+#include "tst_AlertsPane.moc"
