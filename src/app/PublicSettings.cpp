@@ -1,6 +1,7 @@
 #include "app/PublicSettings.h"
 
 #include "app/Log.h"
+#include "app/SafeRequest.h"
 #include "app/TerminalSettings.h"
 
 #include <QEventLoop>
@@ -16,17 +17,6 @@ namespace {
 
 constexpr int waitMilliseconds = 3000;
 constexpr qint64 mostBytes = 1024 * 1024;
-
-QNetworkRequest requestFor(const QUrl& url, int milliseconds)
-{
-    QNetworkRequest request(url);
-    request.setTransferTimeout(milliseconds);
-    request.setAttribute(QNetworkRequest::RedirectPolicyAttribute, QNetworkRequest::ManualRedirectPolicy);
-    request.setAttribute(QNetworkRequest::Http2AllowedAttribute, false);
-    request.setAttribute(QNetworkRequest::CookieLoadControlAttribute, QNetworkRequest::Manual);
-    request.setAttribute(QNetworkRequest::CookieSaveControlAttribute, QNetworkRequest::Manual);
-    return request;
-}
 
 /// Waits until the reply is finished, which the time limit and the size limit bring about as well.
 void waitFor(QNetworkReply& reply, int milliseconds)
@@ -64,7 +54,9 @@ void adoptPublicSettings()
 PublicSettings fetchPublicSettings(const QUrl& url, int milliseconds)
 {
     QNetworkAccessManager network;
-    QNetworkReply* reply = network.get(requestFor(url, milliseconds));
+    QNetworkRequest request = safeRequest(url);
+    request.setTransferTimeout(milliseconds);
+    QNetworkReply* reply = network.get(request);
     waitFor(*reply, milliseconds);
     reply->deleteLater();
     if (reply->error() != QNetworkReply::NoError)

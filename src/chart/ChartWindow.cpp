@@ -13,7 +13,7 @@
 #include "chart/Timeframe.h"
 #include "chart/TradeLevels.h"
 #include "net/ApiClient.h"
-#include "net/JsonNumber.h"
+#include "net/Quote.h"
 #include "net/ReadCoalescer.h"
 #include "net/UrlParts.h"
 
@@ -113,15 +113,10 @@ void ChartWindow::onHistory(const QJsonDocument& document, const QString& error)
 
 void ChartWindow::onPrices(const QJsonObject& prices)
 {
-    const auto found = prices.constFind(m_symbol);
-    if (found == prices.constEnd())
+    const std::optional<Quote> quote = findQuote(prices, m_symbol);
+    if (!quote || !quote->isComplete())
         return;
-    const QJsonObject quote = found->toObject();
-    const double bid = jsonNumber(quote.value("bid"_L1));
-    const double ask = jsonNumber(quote.value("ask"_L1));
-    if (bid <= 0.0 || ask <= 0.0)
-        return;
-    m_chart->onTick(bid, ask, QDateTime::currentMSecsSinceEpoch());
+    m_chart->onTick(quote->bid, quote->ask, QDateTime::currentMSecsSinceEpoch());
     showQuote();
 }
 

@@ -122,8 +122,7 @@ QJsonObject AccountBook::knownPrice(const QString& symbol) const
 
 Quote AccountBook::knownQuote(const QString& symbol) const
 {
-    const QJsonObject quote = m_prices.value(symbol).toObject();
-    return {jsonNumber(quote.value("bid"_L1)), jsonNumber(quote.value("ask"_L1))};
+    return readQuote(m_prices.value(symbol));
 }
 
 QJsonObject AccountBook::knownTradePrices() const

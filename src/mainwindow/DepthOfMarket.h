@@ -1,6 +1,6 @@
 #pragma once
 
-#include "mainwindow/Quote.h"
+#include "net/Quote.h"
 
 #include <QDialog>
 

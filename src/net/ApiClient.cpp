@@ -1,5 +1,6 @@
 #include "net/ApiClient.h"
 
+#include "app/SafeRequest.h"
 #include "app/TerminalSettings.h"
 #include "net/OneShotBody.h"
 #include "net/RefusedReply.h"
@@ -57,7 +58,6 @@ ApiClient::ApiClient(QObject* parent)
     , m_manager(this)
 {
     m_manager.setTransferTimeout(transferTimeoutMs);
-    m_manager.setRedirectPolicy(QNetworkRequest::ManualRedirectPolicy);
 }
 
 ApiClient::~ApiClient() = default;
@@ -65,11 +65,8 @@ ApiClient::~ApiClient() = default;
 QNetworkRequest ApiClient::buildRequest(const QString& path, bool authorise) const
 {
     const TerminalSettings& settings = TerminalSettings::instance();
-    QNetworkRequest request(QUrl(settings.serverUrl() + path));
+    QNetworkRequest request = safeRequest(QUrl(settings.serverUrl() + path));
     request.setHeader(QNetworkRequest::ContentTypeHeader, "application/json"_L1);
-    request.setAttribute(QNetworkRequest::Http2AllowedAttribute, false);
-    request.setAttribute(QNetworkRequest::CookieLoadControlAttribute, QNetworkRequest::Manual);
-    request.setAttribute(QNetworkRequest::CookieSaveControlAttribute, QNetworkRequest::Manual);
     if (const QString token = settings.token(); authorise && isSendable(token))
         request.setRawHeader("Authorization", "Bearer " + token.toUtf8());
     return request;

@@ -5,6 +5,7 @@
 #include "app/Theme.h"
 #include "net/ApiClient.h"
 #include "net/JsonNumber.h"
+#include "net/Quote.h"
 #include "net/ReplyOutcome.h"
 #include "net/WsClient.h"
 #include "orders/OrderForm.h"
@@ -97,14 +98,10 @@ void OrderDialog::onSymbolChanged()
 void OrderDialog::onPrices(const QJsonObject& prices)
 {
     const QString symbol = m_form->symbol();
-    const auto found = prices.constFind(symbol);
-    if (found == prices.constEnd())
+    const std::optional<Quote> quote = findQuote(prices, symbol);
+    if (!quote || !quote->isComplete())
         return;
-    const QJsonObject quote = found->toObject();
-    const double bid = jsonNumber(quote.value("bid"_L1));
-    const double ask = jsonNumber(quote.value("ask"_L1));
-    if (bid <= 0.0 || ask <= 0.0)
-        return;
+    const auto [bid, ask] = *quote;
     if (bid != m_bid || ask != m_ask) {
         m_bid = bid;
         m_ask = ask;

@@ -4,6 +4,7 @@
 #include "app/ServerText.h"
 #include "app/Theme.h"
 #include "net/JsonNumber.h"
+#include "net/Quote.h"
 #include "panes/SymbolFacts.h"
 #include "panes/SymbolOrder.h"
 
@@ -183,8 +184,8 @@ void MarketWatchWidget::updatePrices(const QJsonObject& prices)
         const auto row = m_symbolRows.find(it.key());
         if (row == m_symbolRows.end())
             continue;
-        const QJsonObject quote = it.value().toObject();
-        if (applyQuote(*row, jsonNumber(quote.value("bid"_L1)), jsonNumber(quote.value("ask"_L1))))
+        const Quote quote = readQuote(it.value());
+        if (applyQuote(*row, quote.bid, quote.ask))
             changed = true;
     }
     // One repaint for the whole snapshot. Announcing the change through the model would make the view

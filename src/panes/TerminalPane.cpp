@@ -3,6 +3,7 @@
 #include "app/NumberFormat.h"
 #include "app/Theme.h"
 #include "net/JsonNumber.h"
+#include "net/Quote.h"
 #include "panes/LogList.h"
 #include "panes/TradeCells.h"
 #include "panes/TradeItem.h"
@@ -219,14 +220,11 @@ void TerminalPane::updateTradePnl(const QString& tradeId, double profit)
 void TerminalPane::updateCurrentPrices(const QJsonObject& prices)
 {
     for (auto it = m_rowsBySymbol.cbegin(), end = m_rowsBySymbol.cend(); it != end; ++it) {
-        const auto found = prices.constFind(it.key());
-        if (found == prices.constEnd())
+        const std::optional<Quote> quote = findQuote(prices, it.key());
+        if (!quote)
             continue;
-        const QJsonObject quote = found->toObject();
-        const double bid = jsonNumber(quote.value("bid"_L1));
-        const double ask = jsonNumber(quote.value("ask"_L1));
         for (TradeItem* item : it->rows) {
-            const double price = item->closesAtBid() ? bid : ask;
+            const double price = item->closesAtBid() ? quote->bid : quote->ask;
             if (price != 0.0)
                 item->setCurrentPrice(price, it->digits);
         }
