@@ -7,6 +7,7 @@
 #include "mainwindow/ChartsLayout.h"
 #include "mainwindow/WindowPlacement.h"
 
+#include <QDataStream>
 #include <QEvent>
 #include <QMdiSubWindow>
 #include <QTabBar>
@@ -24,6 +25,29 @@ constexpr QSize LeastSize(160, 120);
 ChartWindow* chartIn(const QMdiSubWindow* subWindow)
 {
     return subWindow ? qobject_cast<ChartWindow*>(subWindow->widget()) : nullptr;
+}
+
+/// The rectangle of an unmaximized window in what QWidget::saveGeometry() wrote; invalid when it cannot be
+/// read. Restoring moves a window down to make room for a title bar above it, but a sub-window has its own
+/// inside.
+QRect savedRectangle(const QByteArray& geometry)
+{
+    constexpr quint16 firstVersionWithRectangle = 3;
+    QDataStream stream(geometry);
+    stream.setVersion(QDataStream::Qt_4_0);
+    quint32 magic = 0;
+    quint16 version = 0;
+    quint16 minorVersion = 0;
+    QRect frame;
+    QRect normal;
+    qint32 screen = 0;
+    quint8 maximized = 0;
+    quint8 fullScreen = 0;
+    qint32 screenWidth = 0;
+    QRect rectangle;
+    stream >> magic >> version >> minorVersion >> frame >> normal >> screen >> maximized >> fullScreen
+        >> screenWidth >> rectangle;
+    return stream.status() == QDataStream::Ok && version >= firstVersionWithRectangle ? rectangle : QRect();
 }
 
 } // namespace
@@ -184,7 +208,7 @@ void ChartArea::restoreGeometry(QMdiSubWindow* subWindow, const QByteArray& geom
     const QRect before = subWindow->geometry();
     if (geometry.isEmpty() || !subWindow->restoreGeometry(geometry))
         return;
-    QRect wanted = subWindow->isMaximized() ? subWindow->normalGeometry() : subWindow->geometry();
+    QRect wanted = subWindow->isMaximized() ? subWindow->normalGeometry() : savedRectangle(geometry);
     subWindow->setWindowState(Qt::WindowNoState);
     if (!wanted.isValid())
         wanted = before;

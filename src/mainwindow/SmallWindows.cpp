@@ -13,6 +13,12 @@ namespace {
 
 constexpr int DefaultDigits = 5;
 
+/// A closed window deletes itself a little later; until then it is as good as gone.
+bool isOpen(const QWidget* window)
+{
+    return window && window->isVisible();
+}
+
 void bringUp(QWidget& window)
 {
     window.show();
@@ -41,7 +47,7 @@ void SmallWindows::togglePopupPrices()
 
 void SmallWindows::toggleDepthOfMarket(const QString& symbol)
 {
-    if (m_depth) {
+    if (isOpen(m_depth)) {
         m_depth->close();
         return;
     }
@@ -56,7 +62,7 @@ void SmallWindows::showSpecification(const QString& symbol)
 {
     if (symbol.isEmpty())
         return;
-    if (!m_specification)
+    if (!isOpen(m_specification))
         m_specification = new SymbolSpecification(&m_window);
     m_specification->setSymbol(symbol, m_book.symbolsByName().value(symbol));
     quoteSpecification();
@@ -65,7 +71,7 @@ void SmallWindows::showSpecification(const QString& symbol)
 
 void SmallWindows::showAbout()
 {
-    if (!m_about)
+    if (!isOpen(m_about))
         m_about = new AboutBox(&m_window);
     bringUp(*m_about);
 }

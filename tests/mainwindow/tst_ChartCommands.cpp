@@ -1,0 +1,362 @@
+#include "CommandDriver.h"
+#include "app/Theme.h"
+#include "chart/ChartWidget.h"
+#include "chart/ChartWindow.h"
+#include "mainwindow/ChartCommands.h"
+#include "support/TestMain.h"
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+QStringList checkedTexts(const QList<QAction*>& actions)
+{
+    QStringList texts;
+    for (const QAction* action : actions) {
+        if (action->isChecked())
+            texts.append(action->text());
+    }
+    return texts;
+}
+
+/// Everything that the check marks tell of the active chart.
+QStringList marks(const TerminalActions& a)
+{
+    QList<QAction*> actions = a.timeframes->actions();
+    actions.append(a.chartTypes->actions());
+    actions.append({a.autoScroll, a.chartShift, a.cursor, a.crosshair});
+    actions.append(a.drawingTools());
+    return checkedTexts(actions);
+}
+
+} // namespace
+
+class tst_ChartCommands final : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void timeframesAreChosenInMenuAndToolbar();
+    void chartTypesAreChosenInMenuAndToolbar();
+    void scrollingAndShiftAreSwitched();
+    void toolsRulerAndCursorExcludeEachOther();
+    void escapeGivesTheCursorBack();
+    void checkMarksFollowTheActiveChart();
+    void withoutAChartNothingIsClaimed();
+    void themeIsChosenInTheMenu();
+    void averagesAskForTheirPeriod();
+    void aCancelledPeriodAddsNothing();
+    void theNavigatorAddsIndicators();
+    void theNavigatorSaysThatAChartIsNeeded();
+    void refreshReadsTheHistoryAgain();
+    void dataWindowAndPropertiesOpenByKeyAndMenu();
+    void specificationIsShownForTheChartThatAsks();
+    void aReplyAfterTheLastChartHasGoneChangesNothing();
+};
+
+void tst_ChartCommands::timeframesAreChosenInMenuAndToolbar()
+{
+    CommandDriver d;
+    const ChartWindow* chart = d.openChart(u"EURUSD"_s);
+    QCOMPARE(checkedTexts(d.actions().timeframes->actions()), QStringList{u"M15"_s});
+    d.choose({u"&Charts"_s, u"Timeframe"_s, u"H1"_s});
+    QCOMPARE(chart->timeframe(), u"1h"_s);
+    for (QAction* timeframe : d.actions().timeframes->actions()) {
+        d.press("toolbarTimeframes", timeframe);
+        QCOMPARE(chart->timeframe(), timeframe->data().toString());
+        QCOMPARE(checkedTexts(d.actions().timeframes->actions()), QStringList{timeframe->text()});
+    }
+    // The chosen one again: nothing is read anew.
+    d.f.settle();
+    const int reads = d.f.http.count("GET", "/api/candles");
+    d.press("toolbarTimeframes", d.actions().timeframes->actions().constLast());
+    QCOMPARE(checkedTexts(d.actions().timeframes->actions()), QStringList{u"MN"_s});
+    QCOMPARE(d.f.http.count("GET", "/api/candles"), reads);
+}
+
+void tst_ChartCommands::chartTypesAreChosenInMenuAndToolbar()
+{
+    const CommandDriver d;
+    const ChartWindow* chart = d.openChart(u"EURUSD"_s);
+    const TerminalActions& a = d.actions();
+    QCOMPARE(checkedTexts(a.chartTypes->actions()), QStringList{u"Candlesticks"_s});
+    d.choose({u"&Charts"_s, u"Chart Type"_s, u"Line"_s});
+    QCOMPARE(chart->chart().chartType(), 2);
+    d.press("toolbarTimeframes", a.bars);
+    QCOMPARE(chart->chart().chartType(), 1);
+    QCOMPARE(checkedTexts(a.chartTypes->actions()), QStringList{u"Bars"_s});
+    d.press("toolbarTimeframes", a.candlesticks);
+    QCOMPARE(chart->chart().chartType(), 0);
+}
+
+void tst_ChartCommands::scrollingAndShiftAreSwitched()
+{
+    const CommandDriver d;
+    ChartWindow* chart = d.openChart(u"EURUSD"_s);
+    const TerminalActions& a = d.actions();
+    for (int i = 0; i < 2; ++i) {
+        const bool shifted = chart->chart().chartShift();
+        d.press("toolbarTimeframes", a.chartShift);
+        QCOMPARE(chart->chart().chartShift(), !shifted);
+        QCOMPARE(a.chartShift->isChecked(), !shifted);
+        const bool scrolling = chart->chart().autoScroll();
+        d.press("toolbarTimeframes", a.autoScroll);
+        QCOMPARE(chart->chart().autoScroll(), !scrolling);
+        QCOMPARE(a.autoScroll->isChecked(), !scrolling);
+    }
+    // Changed elsewhere, as by panning or the chart's own menu.
+    chart->setAutoScroll(false);
+    QVERIFY(!a.autoScroll->isChecked());
+    chart->setAutoScroll(true);
+    QVERIFY(a.autoScroll->isChecked());
+    chart->setChartShift(!chart->chart().chartShift());
+    QCOMPARE(a.chartShift->isChecked(), chart->chart().chartShift());
+}
+
+void tst_ChartCommands::toolsRulerAndCursorExcludeEachOther()
+{
+    const CommandDriver d;
+    const ChartWindow* chart = d.openChart(u"EURUSD"_s);
+    const TerminalActions& a = d.actions();
+    QList<QAction*> pointers{a.cursor, a.crosshair};
+    pointers.append(a.drawingTools());
+    const auto pressed = [&] { return checkedTexts(pointers); };
+    QCOMPARE(pressed(), QStringList{u"Cursor"_s});
+    for (QAction* tool : a.drawingTools()) {
+        d.press("toolbarStudies", tool);
+        QCOMPARE(chart->chart().tool(), tool->data().toString());
+        QVERIFY(!chart->chart().measureMode());
+        QCOMPARE(pressed(), QStringList{tool->text()});
+        d.press("toolbarStudies", a.crosshair);
+        QCOMPARE(chart->chart().tool(), QString());
+        QVERIFY(chart->chart().measureMode());
+        QCOMPARE(pressed(), QStringList{u"Crosshair"_s});
+    }
+    d.choose({u"&Insert"_s, u"Objects"_s, u"Fibonacci Retracement"_s});
+    QCOMPARE(chart->chart().tool(), u"fibonacci"_s);
+    QVERIFY(!chart->chart().measureMode());
+    d.press("toolbarStudies", a.cursor);
+    QCOMPARE(chart->chart().tool(), QString());
+    QVERIFY(!chart->chart().measureMode());
+    QCOMPARE(pressed(), QStringList{u"Cursor"_s});
+    d.press("toolbarStudies", a.crosshair);
+    d.press("toolbarStudies", a.cursor);
+    QVERIFY(!chart->chart().measureMode());
+    QCOMPARE(pressed(), QStringList{u"Cursor"_s});
+}
+
+void tst_ChartCommands::escapeGivesTheCursorBack()
+{
+    const CommandDriver d;
+    ChartWindow* chart = d.openChart(u"EURUSD"_s);
+    d.press("toolbarStudies", d.actions().trendLine);
+    QVERIFY(d.actions().trendLine->isChecked());
+    chart->setTool({}); // what the chart does on Escape and after placing an object
+    QVERIFY(d.actions().cursor->isChecked());
+    QVERIFY(!d.actions().trendLine->isChecked());
+}
+
+void tst_ChartCommands::checkMarksFollowTheActiveChart()
+{
+    const CommandDriver d;
+    ChartWindow* first = d.openChart(u"EURUSD"_s);
+    first->setTimeframe(u"1d"_s);
+    first->setChartType(2);
+    first->setTool(u"hline"_s);
+    first->setChartShift(false);
+    const QStringList ofFirst = marks(d.actions());
+    QVERIFY(
+        ofFirst.contains(u"D1"_s) && ofFirst.contains(u"Line"_s) && ofFirst.contains(u"Horizontal Line"_s));
+
+    ChartWindow* second = d.openChart(u"USDJPY"_s);
+    second->setMeasureMode(true);
+    second->setChartShift(true);
+    const QStringList ofSecond = marks(d.actions());
+    QCOMPARE(ofSecond,
+        QStringList({u"M15"_s, u"Candlesticks"_s, u"Auto Scroll"_s, u"Chart Shift"_s, u"Crosshair"_s}));
+
+    // A chart that is not the active one changes nothing.
+    first->setChartType(1);
+    first->setTimeframe(u"1w"_s);
+    QCOMPARE(marks(d.actions()), ofSecond);
+
+    ChartArea* area = d.f.chartArea();
+    area->setActiveSubWindow(area->subWindowList().at(0));
+    QTRY_VERIFY(marks(d.actions()).contains(u"W1"_s));
+    QVERIFY(marks(d.actions()).contains(u"Bars"_s));
+    area->setActiveSubWindow(area->subWindowList().at(1));
+    QTRY_COMPARE(marks(d.actions()), ofSecond);
+    second->setTimeframe(u"4h"_s);
+    QVERIFY(marks(d.actions()).contains(u"H4"_s));
+}
+
+void tst_ChartCommands::withoutAChartNothingIsClaimed()
+{
+    const CommandDriver d;
+    QCOMPARE(marks(d.actions()), QStringList{u"Cursor"_s});
+    ChartWindow* chart = d.openChart(u"EURUSD"_s);
+    chart->setTool(u"vline"_s);
+    d.f.chartArea()->closeAllSubWindows();
+    QTRY_VERIFY(d.f.charts().isEmpty());
+    QTRY_COMPARE(marks(d.actions()), QStringList{u"Cursor"_s});
+}
+
+void tst_ChartCommands::themeIsChosenInTheMenu()
+{
+    setTheme(false);
+    const CommandDriver d;
+    const TerminalActions& a = d.actions();
+    QCOMPARE(checkedTexts({a.lightTheme, a.darkTheme}), QStringList{u"Light"_s});
+    d.choose({u"&View"_s, u"Theme"_s, u"Dark"_s});
+    QVERIFY(isDarkTheme());
+    QCOMPARE(checkedTexts({a.lightTheme, a.darkTheme}), QStringList{u"Dark"_s});
+    const QImage dark = d.bar("toolbarStandard").grab().toImage();
+    d.choose({u"&View"_s, u"Theme"_s, u"Light"_s});
+    QVERIFY(!isDarkTheme());
+    QCOMPARE(checkedTexts({a.lightTheme, a.darkTheme}), QStringList{u"Light"_s});
+    QTRY_VERIFY(d.bar("toolbarStandard").grab().toImage() != dark);
+}
+
+void tst_ChartCommands::averagesAskForTheirPeriod()
+{
+    const CommandDriver d;
+    ChartWindow* chart = d.openChart(u"EURUSD"_s);
+    int known = 0;
+    for (const auto& [entry, kind] : {std::pair(u"Moving Average (SMA)"_s, AverageKind::Simple),
+             std::pair(u"Moving Average (EMA)"_s, AverageKind::Exponential)}) {
+        d.choose({u"&Insert"_s, u"Indicators"_s, entry});
+        QDialog* dialog = nullptr;
+        QTRY_VERIFY((dialog = chart->findChild<QDialog*>()));
+        auto* period = dialog->findChild<QSpinBox*>();
+        period->selectAll();
+        QTest::keyClicks(period, u"5"_s + QString::number(known));
+        QTest::keyClick(dialog, Qt::Key_Return);
+        QTRY_COMPARE(chart->chart().movingAverages().size(), known + 1);
+        QCOMPARE(chart->chart().movingAverages().at(known).kind, kind);
+        QCOMPARE(chart->chart().movingAverages().at(known).period, 50 + known);
+        QTRY_VERIFY(!chart->findChild<QDialog*>());
+        ++known;
+    }
+    QVERIFY(!chart->chart().rsiEnabled());
+    d.choose({u"&Insert"_s, u"Indicators"_s, u"Relative Strength Index"_s});
+    QVERIFY(chart->chart().rsiEnabled());
+    d.choose({u"&Insert"_s, u"Indicators"_s, u"Relative Strength Index"_s});
+    QVERIFY(chart->chart().rsiEnabled()); // adds, and never takes away
+}
+
+void tst_ChartCommands::aCancelledPeriodAddsNothing()
+{
+    const CommandDriver d;
+    ChartWindow* chart = d.openChart(u"EURUSD"_s);
+    d.actions().addSimpleAverage->trigger();
+    QDialog* dialog = nullptr;
+    QTRY_VERIFY((dialog = chart->findChild<QDialog*>()));
+    QTest::keyClick(dialog, Qt::Key_Escape);
+    QTRY_VERIFY(!chart->findChild<QDialog*>());
+    QVERIFY(chart->chart().movingAverages().isEmpty());
+}
+
+void tst_ChartCommands::theNavigatorAddsIndicators()
+{
+    const CommandDriver d;
+    ChartWindow* chart = d.openChart(u"EURUSD"_s);
+    QTreeWidget& tree = d.f.list("navigatorTree");
+    const auto doubleClick = [&tree](const QString& text) {
+        QTreeWidgetItem* item = tree.findItems(text, Qt::MatchExactly | Qt::MatchRecursive).constFirst();
+        tree.scrollToItem(item);
+        const QPoint spot = tree.visualItemRect(item).center();
+        QTest::mouseClick(tree.viewport(), Qt::LeftButton, {}, spot);
+        QTest::mouseDClick(tree.viewport(), Qt::LeftButton, {}, spot);
+    };
+    doubleClick(u"Relative Strength Index"_s);
+    QVERIFY(chart->chart().rsiEnabled());
+    doubleClick(u"Exponential MA"_s);
+    QDialog* dialog = nullptr;
+    QTRY_VERIFY((dialog = chart->findChild<QDialog*>()));
+    QTest::keyClick(dialog, Qt::Key_Return);
+    QTRY_COMPARE(chart->chart().movingAverages().size(), 1);
+    QCOMPARE(chart->chart().movingAverages().constFirst().kind, AverageKind::Exponential);
+}
+
+void tst_ChartCommands::theNavigatorSaysThatAChartIsNeeded()
+{
+    const CommandDriver d;
+    d.f.window->findChild<ChartCommands*>()->addIndicator(u"sma"_s);
+    QCOMPARE(d.f.journalCount(u"Chart: Open a chart first, then add the indicator."_s), 1);
+    const ChartWindow* chart = d.openChart(u"EURUSD"_s);
+    d.f.window->findChild<ChartCommands*>()->addIndicator(u"no such thing"_s);
+    QVERIFY(!chart->findChild<QDialog*>());
+    QVERIFY(!chart->chart().rsiEnabled());
+}
+
+void tst_ChartCommands::refreshReadsTheHistoryAgain()
+{
+    CommandDriver d;
+    QVERIFY(d.openChart(u"EURUSD"_s));
+    d.f.settle();
+    const int reads = d.f.http.count("GET", "/api/candles");
+    d.choose({u"&Charts"_s, u"Refresh"_s});
+    QTRY_COMPARE(d.f.http.count("GET", "/api/candles"), reads + 1);
+}
+
+void tst_ChartCommands::dataWindowAndPropertiesOpenByKeyAndMenu()
+{
+    const CommandDriver d;
+    ChartWindow* chart = d.openChart(u"EURUSD"_s);
+    const auto titled = [chart](const QString& title) {
+        for (QWidget* window : chart->findChildren<QWidget*>()) {
+            if (window->isWindow() && window->isVisible() && window->windowTitle() == title)
+                return window;
+        }
+        return static_cast<QWidget*>(nullptr);
+    };
+    d.activate();
+    QTest::keyClick(d.f.window.get(), Qt::Key_D, Qt::ControlModifier);
+    QVERIFY(titled(u"Data Window"_s));
+    titled(u"Data Window"_s)->close();
+    d.choose({u"&Charts"_s, u"Data Window"_s});
+    QVERIFY(titled(u"Data Window"_s));
+    titled(u"Data Window"_s)->close();
+
+    d.activate();
+    QTest::keyClick(d.f.window.get(), Qt::Key_F8);
+    QDialog* properties = nullptr;
+    QTRY_VERIFY((properties = chart->findChild<QDialog*>()));
+    properties->reject();
+    QTRY_VERIFY(!chart->findChild<QDialog*>());
+    d.choose({u"&Charts"_s, u"Properties..."_s});
+    QTRY_VERIFY(chart->findChild<QDialog*>());
+}
+
+void tst_ChartCommands::specificationIsShownForTheChartThatAsks()
+{
+    const CommandDriver d;
+    ChartWindow* first = d.openChart(u"EURUSD"_s);
+    QVERIFY(d.openChart(u"USDJPY"_s));
+    QSignalSpy asked(d.f.window->findChild<ChartCommands*>(), &ChartCommands::specificationRequested);
+    d.choose({u"&Charts"_s, u"Symbol Specification..."_s});
+    QCOMPARE(asked.count(), 1);
+    QCOMPARE(asked.constLast().at(0).toString(), u"USDJPY"_s);
+    Q_EMIT first->specificationRequested(u"EURUSD"_s); // from its own menu
+    QCOMPARE(asked.count(), 2);
+    QCOMPARE(asked.constLast().at(0).toString(), u"EURUSD"_s);
+}
+
+void tst_ChartCommands::aReplyAfterTheLastChartHasGoneChangesNothing()
+{
+    const CommandDriver d;
+    QVERIFY(d.openChart(u"EURUSD"_s));
+    d.f.chartArea()->closeAllSubWindows();
+    QTRY_VERIFY(d.f.charts().isEmpty());
+    // Triggered from somewhere that did not hear of it yet.
+    const TerminalActions& a = d.actions();
+    for (QAction* action : {a.zoomIn, a.refresh, a.properties, a.specification, a.crosshair, a.closeChart}) {
+        action->setEnabled(true);
+        action->trigger();
+    }
+    d.f.window->onTimeframeAction(a.timeframes->actions().constFirst());
+    QVERIFY(d.f.charts().isEmpty());
+    QCOMPARE(marks(a), QStringList{u"Cursor"_s});
+}
+
+TAVORAN_TEST_MAIN(tst_ChartCommands)
+#include "tst_ChartCommands.moc"
