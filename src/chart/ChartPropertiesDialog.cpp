@@ -2,6 +2,7 @@
 
 #include "app/ServerText.h"
 #include "chart/ChartColorRoles.h"
+#include "chart/CompactButton.h"
 
 #include <QColorDialog>
 #include <QCoreApplication>
@@ -32,11 +33,9 @@ ChartPropertiesDialog::ChartPropertiesDialog(
     auto* form = new QFormLayout;
     std::size_t index = 0;
     for (const ChartColorRole& role : chartColorRoles()) {
-        auto* swatch = new QPushButton(this);
+        auto* swatch = new CompactButton(swatchSize, this);
         swatch->setObjectName("swatch-"_L1 + role.key);
         swatch->setAccessibleName(labelOf(role));
-        swatch->setProperty("compact", true);
-        swatch->setFixedSize(swatchSize);
         swatch->setAutoDefault(false);
         connect(swatch, &QPushButton::clicked, this, [this, &role] { chooseColor(role); });
         form->addRow(labelOf(role), swatch);

@@ -2,13 +2,13 @@
 
 #include "app/DecimalSpinBox.h"
 #include "app/NumberFormat.h"
+#include "chart/CompactButton.h"
 #include "chart/SpinArrows.h"
 
 #include <QCoreApplication>
 #include <QHBoxLayout>
 #include <QKeyEvent>
 #include <QMouseEvent>
-#include <QPushButton>
 #include <QWheelEvent>
 
 using namespace Qt::StringLiterals;
@@ -18,14 +18,13 @@ namespace {
 constexpr QSize buttonSize(62, 30);
 constexpr QSize volumeSize(66, 30);
 
-/// One rule for an arrow; none without its file, which leaves the arrow of the theme.
+/// One rule for an arrow; none without its file, or with a path that cannot stand between quotes, which
+/// leaves the arrow of the theme.
 QString arrowRule(const QString& part, const QString& path)
 {
-    if (path.isEmpty())
+    if (path.isEmpty() || path.contains(u'"') || path.contains(u'\\'))
         return {};
-    QString quoted = path;
-    quoted.replace(u'\\', "\\\\"_L1).replace(u'"', "\\\""_L1);
-    return u"QDoubleSpinBox::%1{image:url(\"%2\");width:9px;height:6px;}"_s.arg(part, quoted);
+    return u"QDoubleSpinBox::%1{image:url(\"%2\");width:9px;height:6px;}"_s.arg(part, path);
 }
 
 QString volumeStyle()
@@ -43,9 +42,8 @@ QString volumeStyle()
 
 QPushButton* tradeButton(const QString& caption, const QString& style, QWidget* parent)
 {
-    auto* button = new QPushButton(caption, parent);
-    button->setProperty("compact", true);
-    button->setFixedSize(buttonSize);
+    auto* button = new CompactButton(buttonSize, parent);
+    button->setText(caption);
     button->setCursor(Qt::PointingHandCursor);
     button->setStyleSheet(style);
     // A click must not leave the focus here, where the next press of the space bar would trade again.

@@ -27,7 +27,10 @@ QImage spinArrowImage(SpinArrow arrow)
 QString writeSpinArrow(SpinArrow arrow)
 {
     const QString name = arrow == SpinArrow::Up ? u"tavoran_spin_up.png"_s : u"tavoran_spin_down.png"_s;
-    const QString path = QStandardPaths::writableLocation(QStandardPaths::TempLocation) + u'/' + name;
+    const QString folder = QStandardPaths::writableLocation(QStandardPaths::TempLocation);
+    if (folder.isEmpty())
+        return {};
+    const QString path = folder + u'/' + name;
     QByteArray bytes;
     QBuffer buffer(&bytes);
     QFile file;

@@ -1,0 +1,328 @@
+#include "ChartFixtures.h"
+#include "ChartWindowFixture.h"
+#include "app/DecimalSpinBox.h"
+#include "app/Theme.h"
+#include "chart/OneClickPanel.h"
+#include "support/TestMain.h"
+
+#include <QPushButton>
+
+using namespace Qt::StringLiterals;
+using fixtures::ServedChart;
+
+class tst_OneClickPanel final : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init();
+
+    void liesInTheCornerOfEveryChart();
+    void keepsItsSizesInEveryTheme_data();
+    void keepsItsSizesInEveryTheme();
+    void keepsItsColoursInEveryTheme_data();
+    void keepsItsColoursInEveryTheme();
+    void captionsShowADashBeforeTheFirstPrice();
+    void captionsFollowThePricesOfTheSymbol();
+    void captionsFollowTheDigits();
+    void aClickAsksForATradeOfTheChosenVolume();
+    void aTypedCommaIsADecimalPoint();
+    void aHalfTypedVolumeIsTradedAsItIsShown();
+    void theVolumeStaysBetweenItsLimits();
+    void hidingAndShowingKeepsTheVolume();
+    void aPressOnThePanelNeverReachesTheChart();
+    void theWheelOverThePanelDoesNotZoomTheChart();
+    void aClickLeavesTheKeysWithTheChart();
+    void deletingDigitsDeletesNoObject();
+    void theCrosshairDoesNotStayBehindUnderThePanel();
+
+private:
+    [[nodiscard]] static OneClickPanel& panelOf(const ServedChart& served)
+    {
+        return *served.chart().findChild<OneClickPanel*>(u"oneClickPanel"_s);
+    }
+    [[nodiscard]] static QPushButton& button(const OneClickPanel& panel, const QString& caption)
+    {
+        const QList<QPushButton*> buttons = panel.findChildren<QPushButton*>();
+        return *(buttons.at(0)->text().startsWith(caption) ? buttons.at(0) : buttons.at(1));
+    }
+    [[nodiscard]] static DecimalSpinBox& volume(const OneClickPanel& panel)
+    {
+        return *panel.findChild<DecimalSpinBox*>();
+    }
+    static void addThemes();
+};
+
+void tst_OneClickPanel::addThemes()
+{
+    QTest::addColumn<bool>("dark");
+    QTest::newRow("light") << false;
+    QTest::newRow("dark") << true;
+}
+
+void tst_OneClickPanel::init()
+{
+    setTheme(false);
+    applyTheme(*qApp);
+}
+
+void tst_OneClickPanel::liesInTheCornerOfEveryChart()
+{
+    const ServedChart served;
+    served.show();
+    const OneClickPanel& panel = panelOf(served);
+    QCOMPARE(panel.parentWidget(), &served.chart());
+    QCOMPARE(panel.pos(), QPoint(6, 20));
+    QVERIFY(panel.isVisible());
+    QCOMPARE(panel.layout()->contentsMargins(), QMargins(3, 3, 3, 3));
+    const QPushButton& sell = button(panel, u"SELL"_s);
+    const QPushButton& buy = button(panel, u"BUY"_s);
+    QVERIFY(sell.x() < volume(panel).x());
+    QVERIFY(volume(panel).x() < buy.x());
+    QCOMPARE(sell.cursor().shape(), Qt::PointingHandCursor);
+    QCOMPARE(buy.cursor().shape(), Qt::PointingHandCursor);
+    QCOMPARE(volume(panel).value(), 0.01);
+    QCOMPARE(volume(panel).singleStep(), 0.01);
+    QCOMPARE(volume(panel).decimals(), 2);
+    // The least chart holds all of it.
+    QVERIFY(QRect({}, served.chart().minimumSize()).contains(panel.geometry()));
+}
+
+void tst_OneClickPanel::keepsItsSizesInEveryTheme_data()
+{
+    addThemes();
+}
+
+void tst_OneClickPanel::keepsItsSizesInEveryTheme()
+{
+    QFETCH(bool, dark);
+    const ServedChart served;
+    served.show();
+    const OneClickPanel& panel = panelOf(served);
+    const auto check = [&panel] {
+        QCoreApplication::processEvents();
+        QCOMPARE(button(panel, u"SELL"_s).size(), QSize(62, 30));
+        QCOMPARE(volume(panel).size(), QSize(66, 30));
+        QCOMPARE(button(panel, u"BUY"_s).size(), QSize(62, 30));
+        QCOMPARE(panel.height(), 36);
+    };
+    check();
+    setTheme(dark);
+    applyTheme(*qApp);
+    check();
+    served.window->onPrices(fixtures::quote(u"EURUSD"_s, 12345.67891, 12345.67899));
+    check();
+}
+
+void tst_OneClickPanel::keepsItsColoursInEveryTheme_data()
+{
+    addThemes();
+}
+
+void tst_OneClickPanel::keepsItsColoursInEveryTheme()
+{
+    QFETCH(bool, dark);
+    setTheme(dark);
+    applyTheme(*qApp);
+    const ServedChart served;
+    served.show();
+    const OneClickPanel& panel = panelOf(served);
+    const QImage sell = button(panel, u"SELL"_s).grab().toImage();
+    const QImage buy = button(panel, u"BUY"_s).grab().toImage();
+    QVERIFY(fixtures::pixelsOf(sell, sell.rect(), QColor(0xc0, 0x39, 0x2b)) > 62 * 30 / 2);
+    QVERIFY(fixtures::pixelsOf(buy, buy.rect(), QColor(0x1f, 0x6f, 0xb2)) > 62 * 30 / 2);
+    const QImage box = volume(panel).grab().toImage();
+    QCOMPARE(box.pixelColor(0, 15), QColor(0x66, 0x66, 0x66));
+    QCOMPARE(box.pixelColor(2, 3), QColor(Qt::white));
+    const QColor arrow(0x1a, 0x1a, 0x1a);
+    QVERIFY(fixtures::pixelsOf(box, QRect(50, 1, 15, 14), arrow) > 5);
+    QVERIFY(fixtures::pixelsOf(box, QRect(50, 16, 15, 13), arrow) > 5);
+    QVERIFY(fixtures::pixelsOf(box, QRect(50, 1, 15, 14), QColor(0xdc, 0xdc, 0xdc)) > 50);
+}
+
+void tst_OneClickPanel::captionsShowADashBeforeTheFirstPrice()
+{
+    const ServedChart served;
+    served.window->setSymbolInfo(3, u"Euro"_s);
+    QCOMPARE(button(panelOf(served), u"SELL"_s).text(), u"SELL\n—"_s);
+    QCOMPARE(button(panelOf(served), u"BUY"_s).text(), u"BUY\n—"_s);
+}
+
+void tst_OneClickPanel::captionsFollowThePricesOfTheSymbol()
+{
+    const ServedChart served;
+    served.window->onPrices(fixtures::quote(u"EURUSD"_s, 1.1, 1.10009));
+    served.window->onPrices(fixtures::quote(u"USDJPY"_s, 155.1, 155.2));
+    QCOMPARE(button(panelOf(served), u"SELL"_s).text(), u"SELL\n1.10000"_s);
+    QCOMPARE(button(panelOf(served), u"BUY"_s).text(), u"BUY\n1.10009"_s);
+    served.window->onPrices(fixtures::quote(u"EURUSD"_s, 1.2, 1.10009));
+    QCOMPARE(button(panelOf(served), u"SELL"_s).text(), u"SELL\n1.20000"_s);
+    QCOMPARE(button(panelOf(served), u"BUY"_s).text(), u"BUY\n1.10009"_s);
+}
+
+void tst_OneClickPanel::captionsFollowTheDigits()
+{
+    const ServedChart served;
+    served.window->onPrices(fixtures::quote(u"EURUSD"_s, 1.1, 1.2));
+    served.window->setSymbolInfo(2, u"Euro"_s);
+    QCOMPARE(button(panelOf(served), u"SELL"_s).text(), u"SELL\n1.10"_s);
+    QCOMPARE(button(panelOf(served), u"BUY"_s).text(), u"BUY\n1.20"_s);
+}
+
+void tst_OneClickPanel::aClickAsksForATradeOfTheChosenVolume()
+{
+    const ServedChart served;
+    served.show();
+    QSignalSpy wish(served.window.get(), &ChartWindow::quickTradeRequested);
+    QTest::mouseClick(&button(panelOf(served), u"SELL"_s), Qt::LeftButton);
+    volume(panelOf(served)).setValue(2.5);
+    QTest::mouseClick(&button(panelOf(served), u"BUY"_s), Qt::LeftButton);
+    QCOMPARE(wish, QList<QVariantList>({{u"EURUSD"_s, u"SELL"_s, 0.01}, {u"EURUSD"_s, u"BUY"_s, 2.5}}));
+}
+
+void tst_OneClickPanel::aTypedCommaIsADecimalPoint()
+{
+    QLocale::setDefault(QLocale(QLocale::German));
+    const ServedChart served;
+    served.show();
+    QSignalSpy wish(served.window.get(), &ChartWindow::quickTradeRequested);
+    volume(panelOf(served)).selectAll();
+    QTest::keyClicks(&volume(panelOf(served)), u"1,25"_s);
+    QTest::mouseClick(&button(panelOf(served), u"BUY"_s), Qt::LeftButton);
+    QCOMPARE(wish.value(0).value(2).toDouble(), 1.25);
+    QCOMPARE(volume(panelOf(served)).text(), u"1.25"_s);
+    QLocale::setDefault(QLocale::c());
+}
+
+void tst_OneClickPanel::aHalfTypedVolumeIsTradedAsItIsShown()
+{
+    const ServedChart served;
+    served.show();
+    QSignalSpy wish(served.window.get(), &ChartWindow::quickTradeRequested);
+    DecimalSpinBox& box = volume(panelOf(served));
+    box.setValue(3.0);
+    box.selectAll();
+    QTest::keyClick(&box, Qt::Key_Delete);
+    QTest::mouseClick(&button(panelOf(served), u"BUY"_s), Qt::LeftButton);
+    QCOMPARE(wish.size(), 1);
+    QCOMPARE(wish.first().at(2).toDouble(), box.value());
+    QCOMPARE(box.text(), QString::number(box.value(), 'f', 2));
+}
+
+void tst_OneClickPanel::theVolumeStaysBetweenItsLimits()
+{
+    const ServedChart served;
+    served.show();
+    DecimalSpinBox& box = volume(panelOf(served));
+    QTest::keyClick(&box, Qt::Key_Down);
+    QCOMPARE(box.value(), 0.01);
+    QTest::keyClick(&box, Qt::Key_Up);
+    QCOMPARE(box.value(), 0.02);
+    box.selectAll();
+    QTest::keyClicks(&box, u"1000"_s);
+    QTest::keyClick(&box, Qt::Key_Up);
+    QCOMPARE(box.value(), 1000.0);
+    box.selectAll();
+    QTest::keyClicks(&box, u"1001"_s); // the last digit is refused
+    QTest::keyClick(&box, Qt::Key_Return);
+    QCOMPARE(box.value(), 100.0);
+}
+
+void tst_OneClickPanel::hidingAndShowingKeepsTheVolume()
+{
+    const ServedChart served;
+    served.show();
+    volume(panelOf(served)).setValue(7.25);
+    served.window->setOneClickTrading(false);
+    QVERIFY(!panelOf(served).isVisible());
+    QVERIFY(!served.window->oneClickTrading());
+    served.window->onPrices(fixtures::quote(u"EURUSD"_s, 1.5, 1.6));
+    served.window->setOneClickTrading(true);
+    QVERIFY(panelOf(served).isVisible());
+    QVERIFY(served.window->oneClickTrading());
+    QCOMPARE(panelOf(served).lots(), 7.25);
+    QCOMPARE(button(panelOf(served), u"SELL"_s).text(), u"SELL\n1.50000"_s);
+}
+
+void tst_OneClickPanel::aPressOnThePanelNeverReachesTheChart()
+{
+    const ServedChart served;
+    served.chart().setCandles(fixtures::wave(400));
+    served.show();
+    served.window->setTool(u"trendline"_s);
+    QSignalSpy created(&served.chart(), &ChartWidget::drawingCreated);
+    const OneClickPanel& panel = panelOf(served);
+    const double before = served.chart().rightBarIndex();
+    for (int y = 0; y < panel.height(); y += 5) {
+        for (int x = 0; x < panel.width(); x += 7) {
+            for (const Qt::MouseButton key : {Qt::LeftButton, Qt::MiddleButton}) {
+                const QPoint start = panel.pos() + QPoint(x, y);
+                fixtures::pressAt(served.chart(), start, key);
+                fixtures::moveTo(served.chart(), start + QPoint(150, 60));
+                fixtures::releaseAt(served.chart(), start + QPoint(150, 60), key);
+            }
+        }
+    }
+    QCOMPARE(served.chart().rightBarIndex(), before);
+    QVERIFY(served.chart().autoScroll());
+    QCOMPARE(created.size(), 0);
+    QCOMPARE(served.chart().tool(), u"trendline"_s);
+}
+
+void tst_OneClickPanel::theWheelOverThePanelDoesNotZoomTheChart()
+{
+    const ServedChart served;
+    served.show();
+    OneClickPanel& panel = panelOf(served);
+    const double before = served.chart().barWidth();
+    fixtures::turnWheel(panel, QPoint(0, 120));
+    fixtures::turnWheel(button(panel, u"SELL"_s), QPoint(0, 120));
+    fixtures::turnWheel(volume(panel), QPoint(0, -120)); // at its least volume
+    QCOMPARE(served.chart().barWidth(), before);
+}
+
+void tst_OneClickPanel::aClickLeavesTheKeysWithTheChart()
+{
+    const ServedChart served;
+    served.show();
+    served.chart().setFocus();
+    QSignalSpy wish(served.window.get(), &ChartWindow::quickTradeRequested);
+    QTest::mouseClick(&button(panelOf(served), u"SELL"_s), Qt::LeftButton);
+    QTest::keyClick(served.window->windowHandle(), Qt::Key_Space);
+    QCOMPARE(wish.size(), 1);
+    QVERIFY(served.chart().hasFocus());
+}
+
+void tst_OneClickPanel::deletingDigitsDeletesNoObject()
+{
+    const ServedChart served;
+    served.show();
+    served.chart().setDrawings({{u"a"_s, u"hline"_s, {{fixtures::midnight, 1.1}}, Qt::red, true}});
+    volume(panelOf(served)).setFocus();
+    for (const Qt::Key key :
+        {Qt::Key_End, Qt::Key_Delete, Qt::Key_Home, Qt::Key_Backspace, Qt::Key_End, Qt::Key_Backspace,
+            Qt::Key_Backspace, Qt::Key_Backspace, Qt::Key_Backspace, Qt::Key_Backspace, Qt::Key_Delete})
+        QTest::keyClick(served.window->windowHandle(), key);
+    QCOMPARE(served.chart().drawings().size(), 1);
+    for (const Qt::Key key : {Qt::Key_Delete, Qt::Key_Backspace}) {
+        QKeyEvent event(QEvent::KeyPress, key, Qt::NoModifier);
+        QApplication::sendEvent(&panelOf(served), &event);
+        QVERIFY(event.isAccepted());
+    }
+    QCOMPARE(served.chart().drawings().size(), 1);
+}
+
+void tst_OneClickPanel::theCrosshairDoesNotStayBehindUnderThePanel()
+{
+    const ServedChart served;
+    served.chart().setCandles(fixtures::wave(400));
+    served.show();
+    fixtures::moveTo(served.chart(), QPoint(300, 100));
+    QTRY_VERIFY(served.chart().hoveredBar());
+    fixtures::moveTo(served.chart(), panelOf(served).pos() + QPoint(1, 1));
+    QTRY_VERIFY(!served.chart().hoveredBar());
+    fixtures::moveTo(served.chart(), QPoint(300, 100));
+    QTRY_VERIFY(served.chart().hoveredBar());
+}
+
+TAVORAN_TEST_MAIN(tst_OneClickPanel)
+#include "tst_OneClickPanel.moc"

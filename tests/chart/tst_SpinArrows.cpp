@@ -1,0 +1,151 @@
+#include "ChartFixtures.h"
+#include "ChartWindowFixture.h"
+#include "chart/OneClickPanel.h"
+#include "chart/SpinArrows.h"
+#include "support/TestMain.h"
+
+#include <QDoubleSpinBox>
+#include <QFileInfo>
+#include <QPushButton>
+#include <QTemporaryDir>
+
+using namespace Qt::StringLiterals;
+
+class tst_SpinArrows final : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init();
+    void cleanup();
+
+    void areFilledTrianglesOnNothing();
+    void areWrittenToTheTemporaryFolder();
+    void areTheUsersAlone();
+    void nothingIsWrittenThroughALink();
+    void withoutItsFilesThePanelWorksAllTheSame();
+    void aStrangeFolderNameDoesNotBreakTheStyleSheet_data();
+    void aStrangeFolderNameDoesNotBreakTheStyleSheet();
+
+private:
+    void useTemporaryFolder(const QString& path) { qputenv("TMPDIR", path.toLocal8Bit()); }
+
+    QByteArray m_usual;
+    std::unique_ptr<QTemporaryDir> m_folder;
+};
+
+namespace {
+
+/// Tells whether the style sheet of the volume box was understood.
+QColor upButtonColor(const OneClickPanel& panel)
+{
+    return panel.findChild<QDoubleSpinBox*>()->grab().toImage().pixelColor(63, 3);
+}
+
+} // namespace
+
+void tst_SpinArrows::init()
+{
+    m_usual = qgetenv("TMPDIR");
+    m_folder = std::make_unique<QTemporaryDir>();
+    useTemporaryFolder(m_folder->path());
+}
+
+void tst_SpinArrows::cleanup()
+{
+    qputenv("TMPDIR", m_usual);
+    m_folder.reset();
+}
+
+void tst_SpinArrows::areFilledTrianglesOnNothing()
+{
+    const QImage up = spinArrowImage(SpinArrow::Up);
+    const QImage down = spinArrowImage(SpinArrow::Down);
+    QCOMPARE(up.size(), QSize(9, 6));
+    QCOMPARE(down.size(), QSize(9, 6));
+    for (const QImage& image : {up, down.mirrored()}) {
+        for (const QPoint corner : {QPoint(0, 0), QPoint(8, 0)})
+            QCOMPARE(image.pixelColor(corner).alpha(), 0);
+        QCOMPARE(image.pixelColor(4, 4), QColor(0x1a, 0x1a, 0x1a));
+        QVERIFY(image.pixelColor(4, 1).alpha() > 100);
+        QVERIFY(image.pixelColor(1, 4).alpha() > 0);
+        QCOMPARE(image.pixelColor(1, 1).alpha(), 0);
+    }
+}
+
+void tst_SpinArrows::areWrittenToTheTemporaryFolder()
+{
+    QCOMPARE(writeSpinArrow(SpinArrow::Up), m_folder->filePath(u"tavoran_spin_up.png"_s));
+    QCOMPARE(writeSpinArrow(SpinArrow::Down), m_folder->filePath(u"tavoran_spin_down.png"_s));
+    QCOMPARE(QImage(m_folder->filePath(u"tavoran_spin_up.png"_s)).pixelColor(4, 4), QColor(0x1a, 0x1a, 0x1a));
+    QCOMPARE(QImage(m_folder->filePath(u"tavoran_spin_down.png"_s)).size(), QSize(9, 6));
+    // A later start writes them again.
+    QVERIFY(!writeSpinArrow(SpinArrow::Up).isEmpty());
+}
+
+void tst_SpinArrows::areTheUsersAlone()
+{
+    const QString path = writeSpinArrow(SpinArrow::Up);
+    QCOMPARE(QFile::permissions(path)
+            & (QFile::ReadGroup | QFile::WriteGroup | QFile::ReadOther | QFile::WriteOther),
+        QFile::Permissions());
+}
+
+void tst_SpinArrows::nothingIsWrittenThroughALink()
+{
+    const QString treasure = m_folder->filePath(u"treasure"_s);
+    QFile file(treasure);
+    QVERIFY(file.open(QIODevice::WriteOnly) && file.write("gold") == 4);
+    file.close();
+    QVERIFY(QFile::link(treasure, m_folder->filePath(u"tavoran_spin_up.png"_s)));
+    QCOMPARE(writeSpinArrow(SpinArrow::Up), QString());
+    QVERIFY(file.open(QIODevice::ReadOnly));
+    QCOMPARE(file.readAll(), "gold"_ba);
+}
+
+void tst_SpinArrows::withoutItsFilesThePanelWorksAllTheSame()
+{
+    // A folder is in the place of each file, and then there is no temporary folder at all.
+    QVERIFY(QDir().mkpath(m_folder->filePath(u"tavoran_spin_up.png"_s)));
+    QVERIFY(QDir().mkpath(m_folder->filePath(u"tavoran_spin_down.png"_s)));
+    QCOMPARE(writeSpinArrow(SpinArrow::Down), QString());
+    QTest::failOnWarning(QRegularExpression(u"stylesheet"_s, QRegularExpression::CaseInsensitiveOption));
+    for (const QString& folder : {m_folder->path(), m_folder->filePath(u"nowhere"_s)}) {
+        useTemporaryFolder(folder);
+        const fixtures::ServedChart served;
+        served.show();
+        QSignalSpy wish(served.window.get(), &ChartWindow::quickTradeRequested);
+        const auto* panel = served.chart().findChild<OneClickPanel*>();
+        QTest::mouseClick(panel->findChild<QPushButton*>(), Qt::LeftButton);
+        QCOMPARE(wish.size(), 1);
+        QCOMPARE(upButtonColor(*panel), QColor(0xdc, 0xdc, 0xdc));
+    }
+}
+
+void tst_SpinArrows::aStrangeFolderNameDoesNotBreakTheStyleSheet_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<bool>("usable");
+    QTest::newRow("blank and brackets") << u"a (b) {c}; 'd' #e, \u00fc"_s << true;
+    QTest::newRow("quote") << u"a\"b"_s << false;
+    QTest::newRow("backslash") << u"a\\b"_s << false;
+}
+
+void tst_SpinArrows::aStrangeFolderNameDoesNotBreakTheStyleSheet()
+{
+    QFETCH(QString, name);
+    QFETCH(bool, usable);
+    const QString strange = m_folder->filePath(name);
+    QVERIFY(QDir().mkpath(strange));
+    useTemporaryFolder(strange);
+    QTest::failOnWarning(QRegularExpression(u"stylesheet"_s, QRegularExpression::CaseInsensitiveOption));
+    const fixtures::ServedChart served;
+    served.show();
+    QVERIFY(QFileInfo::exists(strange + u"/tavoran_spin_up.png"_s));
+    const auto* panel = served.chart().findChild<OneClickPanel*>();
+    QCOMPARE(upButtonColor(*panel), QColor(0xdc, 0xdc, 0xdc));
+    const QImage picture = panel->findChild<QDoubleSpinBox*>()->grab().toImage();
+    QCOMPARE(fixtures::pixelsOf(picture, QRect(50, 1, 15, 14), QColor(0x1a, 0x1a, 0x1a)) > 5, usable);
+}
+
+TAVORAN_TEST_MAIN(tst_SpinArrows)
+#include "tst_SpinArrows.moc"
