@@ -52,11 +52,44 @@ class Desktop:
     def _xdotool(*words):
         subprocess.run(["xdotool", *map(str, words)], check=True, stdout=subprocess.DEVNULL)
 
+    def start_tray(self):
+        """A system tray at the right of the lower edge, for programs started from now on."""
+        self._spawn(["trayer", "--edge", "bottom", "--align", "right", "--widthtype", "request", "--height", "24",
+                     "--SetDockType", "true", "--SetPartialStrut", "true"])
+        if not wait_until(lambda: self._windows("--class", "trayer")):
+            raise RuntimeError("the system tray did not start")
+
+    def tray_icon(self):
+        """The middle of the tray's one icon, or None while the tray is empty."""
+        for window in self._windows("--onlyvisible", "--class", "trayer"):
+            place = dict(line.split("=") for line in self._answer("getwindowgeometry", "--shell", window).splitlines())
+            if int(place["WIDTH"]) >= 16:
+                return (int(place["X"]) + int(place["WIDTH"]) // 2, int(place["Y"]) + int(place["HEIGHT"]) // 2)
+        return None
+
+    def _windows(self, *conditions):
+        return self._answer("search", *conditions).split()
+
+    def shown_windows(self, process_id, title):
+        """The windows of a process with exactly this title that are neither hidden nor minimised."""
+        return self._windows("--onlyvisible", "--all", "--pid", process_id, "--name", f"^{title}$")
+
+    def minimise(self, window):
+        self._xdotool("windowminimize", window)
+
+    def active_window(self):
+        return self._answer("getactivewindow").strip()
+
+    @staticmethod
+    def _answer(*words):
+        return subprocess.run(["xdotool", *map(str, words)], stdout=subprocess.PIPE, stderr=subprocess.DEVNULL,
+                              text=True, check=False).stdout
+
     def move(self, x, y):
         self._xdotool("mousemove", x, y)
 
-    def click(self, x, y, times=1):
-        self._xdotool("mousemove", x, y, "click", "--repeat", times, "--delay", 60, 1)
+    def click(self, x, y, times=1, button=1):
+        self._xdotool("mousemove", x, y, "click", "--repeat", times, "--delay", 60, button)
 
     def key(self, *names):
         self._xdotool("key", *names)

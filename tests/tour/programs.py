@@ -60,6 +60,10 @@ class Platform:
         with urllib.request.urlopen(request, timeout=10) as reply:
             return json.load(reply)
 
+    def post(self, path, body):
+        self.get("/api/accounts")
+        return self._ask(path, body)
+
     def open_trades(self):
         """Every open trade of every account."""
         return [trade for account in self.get("/api/accounts")
@@ -82,6 +86,10 @@ class Terminal:
     @property
     def log(self):
         return (self._profile / "tmp/tavoran-terminal.log").read_text(encoding="utf-8")
+
+    @property
+    def settings(self):
+        return (self._profile / "config/Tavoran/Terminal.conf").read_text(encoding="utf-8")
 
     @property
     def pid(self):

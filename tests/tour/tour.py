@@ -12,6 +12,7 @@ import shutil
 import sys
 import tempfile
 from pathlib import Path
+from urllib.error import HTTPError
 
 sys.path.insert(0, str(Path(__file__).parent))
 
@@ -38,6 +39,7 @@ class Tour:
     def __init__(self, binaries, out, profile):
         self.out = out
         self.desktop = Desktop()
+        self.desktop.start_tray()
         self.reader = Reader()
         self.platform = Platform(str(binaries / "tavoran-practice"), profile)
         self.platform.start()
@@ -258,8 +260,67 @@ class Tour:
         self.click(self.tab("Trade"))
         row = wait_until(lambda: (row := self.row("Ticket", SYMBOL)) and row[1].name == self.ticket)
         self.seen("position-back", row, "and the position with it")
-        self.desktop.key("ctrl+q")
-        self.seen("end", self.terminal.exit_code() == 0, "closed again, exit code 0")
+
+    def use_the_tray(self):
+        """Minimises the window, brings it back by the icon and by its menu, and leaves by the menu."""
+        icon = wait_until(self.desktop.tray_icon)
+        self.seen("tray", icon, "the terminal's icon stands at the system tray")
+        window = self.minimise("icon")
+        self.desktop.click(*icon)
+        self.seen("tray-click", wait_until(lambda: self.is_in_front(window)), "a click on it brings the window back")
+        self.minimise("menu")
+        self.choose_in_tray_menu("show", "Down")
+        self.seen("tray-show", wait_until(lambda: self.is_in_front(window)), "so does Show in its menu")
+        self.watch_balloon()
+        self.desktop.key("ctrl+m")
+        self.seen("tray-layout", wait_until(lambda: not self.list_with("Daily")), "the layout has changed since")
+        self.minimise("exit")
+        before = self.terminal.settings
+        self.choose_in_tray_menu("exit", "Down", "Down")
+        self.seen("tray-exit", self.terminal.exit_code() == 0, "Exit in its menu ends the terminal, exit code 0")
+        self.seen("tray-saved", self.terminal.settings != before, "and saves its layout on the way")
+
+    def minimise(self, name):
+        windows = wait_until(lambda: self.desktop.shown_windows(self.terminal.pid, "Tavoran Terminal"))
+        self.desktop.minimise(windows[0])
+        gone = wait_until(lambda: not self.desktop.shown_windows(self.terminal.pid, "Tavoran Terminal"))
+        self.seen(f"tray-minimised-{name}", gone, "the window is minimised")
+        return windows[0]
+
+    def is_in_front(self, window):
+        return window in self.desktop.shown_windows(self.terminal.pid, "Tavoran Terminal") \
+            and self.desktop.active_window() == window
+
+    def choose_in_tray_menu(self, name, *keys):
+        """Opens the icon's menu, which screen readers do not see, and chooses with the keyboard."""
+        x, y = self.desktop.tray_icon()
+        beside = (x - 60, y - 50, 40, 30)
+        before = self.desktop.pixels(*beside)
+        self.desktop.click(x, y, button=3)
+        opened = wait_until(lambda: self.desktop.pixels(*beside) != before)
+        self.seen(f"tray-menu-{name}", opened, "a right click opens its menu")
+        self.desktop.key(*keys, "Return")
+
+    def watch_balloon(self):
+        """Lets the platform fill a pending order and looks for the balloon that tells of it."""
+        account = self.platform.open_trades()[0]["accountId"]
+        text = f"A pending order on {account[:8]} was filled."
+        self.seen("pending", wait_until(lambda: self.place_stops(account)), "pending orders wait close to the price")
+        balloon = self.window(lambda item: item.shown and item.find("label", "Order Filled")
+                              and item.find(accept=lambda part: part.text() == text), 90)
+        self.seen("balloon", balloon, f"one was filled; a balloon says so: {text}")
+
+    def place_stops(self, account):
+        """Places a stop order just above and one just below the quote; None when the quote moved past."""
+        cells = self.row("Daily", SYMBOL)
+        try:
+            for kind, price in (("BUY_STOP", float(cells[2].name) + 2e-5), ("SELL_STOP", float(cells[1].name) - 2e-5)):
+                self.platform.post("/api/trades/place", {
+                    "symbol": SYMBOL, "lotSize": 0.01, "accountId": account, "orderKind": kind,
+                    "pendingPrice": round(price, 5)})
+        except HTTPError:
+            return None
+        return True
 
     def run(self):
         self.mistype_the_password()
@@ -276,6 +337,7 @@ class Tour:
         self.switch_theme("Dark")
         self.lose_the_platform()
         self.restart()
+        self.use_the_tray()
 
 
 def main():
