@@ -48,7 +48,7 @@ void bytesToPainted(benchmark::State& state)
     chart.resize(1600, 900);
     chart.show();
     for ([[maybe_unused]] auto _ : state) {
-        std::optional<HistoryReply> reply = HistoryReply::read(QJsonDocument::fromJson(bytes));
+        std::optional<HistoryReply> reply = HistoryReply::read(bytes);
         chart.setCandles(std::move(reply->candles));
         chart.repaint();
     }

@@ -19,7 +19,6 @@
 
 #include <QContextMenuEvent>
 #include <QDateTime>
-#include <QJsonDocument>
 #include <QVBoxLayout>
 
 #include <algorithm>
@@ -89,17 +88,17 @@ void ChartWindow::reload()
     const unsigned int generation = ++m_historyGeneration;
     const QString path = u"/api/candles?symbol=%1&timeframe=%2"_s.arg(
         encodeQueryValue(m_symbol), encodeQueryValue(m_timeframe));
-    m_history->refresh(path, [this, generation](const QJsonDocument& document, const QString& error) {
+    m_history->refreshBody(path, [this, generation](const QByteArray& body, const QString& error) {
         if (generation == m_historyGeneration)
-            onHistory(document, error);
+            onHistory(body, error);
     });
 }
 
-void ChartWindow::onHistory(const QJsonDocument& document, const QString& error)
+void ChartWindow::onHistory(const QByteArray& body, const QString& error)
 {
     std::optional<HistoryReply> history;
     if (error.isEmpty())
-        history = HistoryReply::read(document);
+        history = HistoryReply::read(body);
     if (!history) {
         const QString reason = error.isEmpty() ? tr("Unexpected server response") : error;
         Q_EMIT logMessage(tr("Chart"), tr("%1: failed to load candles: %2").arg(m_symbol, reason));

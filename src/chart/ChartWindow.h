@@ -13,7 +13,6 @@ class ChartWidget;
 class DataWindow;
 class DrawingStore;
 class OneClickPanel;
-class QJsonDocument;
 class ReadCoalescer;
 
 /// One chart of the document area: owns the canvas, knows its symbol, timeframe and account, loads its
@@ -110,7 +109,7 @@ protected:
     void contextMenuEvent(QContextMenuEvent* event) override;
 
 private:
-    void onHistory(const QJsonDocument& document, const QString& error);
+    void onHistory(const QByteArray& body, const QString& error);
     void labelChart();
     void showQuote();
 

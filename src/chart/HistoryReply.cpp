@@ -1,5 +1,6 @@
 #include "chart/HistoryReply.h"
 
+#include "chart/PlainHistory.h"
 #include "net/JsonNumber.h"
 
 #include <QDate>
@@ -19,11 +20,11 @@ constexpr qint64 msPerSecond = 1000;
 constexpr qint64 secondsPerDay = 86400;
 
 /// The `count` decimal digits at `from`, or -1 when one of them is not a digit.
-int digitsAt(QStringView text, qsizetype from, qsizetype count)
+template <typename View> int digitsAt(View text, qsizetype from, qsizetype count)
 {
     int value = 0;
     for (qsizetype i = from; i < from + count; ++i) {
-        const char16_t c = text[i].unicode();
+        const char16_t c = QChar(text[i]).unicode();
         if (c < u'0' || c > u'9')
             return -1;
         value = value * 10 + (c - u'0');
@@ -44,11 +45,12 @@ qint64 daysSinceEpoch(int year, int month, int day)
 
 /// The one form servers really send, "2014-05-01T00:00:00.000Z" (fraction optional); -1 for any other.
 /// The toolkit's general parser costs more than the whole JSON parse on a long history.
-qint64 utcTimeMs(QStringView text)
+template <typename View> qint64 utcTimeMs(View text)
 {
     const qsizetype length = text.size();
-    if ((length != 20 && length != 24) || text[length - 1] != u'Z' || text[4] != u'-' || text[7] != u'-'
-        || text[10] != u'T' || text[13] != u':' || text[16] != u':')
+    const auto has = [text](qsizetype at, char16_t c) { return QChar(text[at]) == QChar(c); };
+    if ((length != 20 && length != 24) || !has(length - 1, u'Z') || !has(4, u'-') || !has(7, u'-')
+        || !has(10, u'T') || !has(13, u':') || !has(16, u':'))
         return -1;
     const int year = digitsAt(text, 0, 4);
     const int month = digitsAt(text, 5, 2);
@@ -56,7 +58,7 @@ qint64 utcTimeMs(QStringView text)
     const int hour = digitsAt(text, 11, 2);
     const int minute = digitsAt(text, 14, 2);
     const int second = digitsAt(text, 17, 2);
-    const int millis = length == 24 ? (text[19] == u'.' ? digitsAt(text, 20, 3) : -1) : 0;
+    const int millis = length == 24 ? (has(19, u'.') ? digitsAt(text, 20, 3) : -1) : 0;
     const bool plausible = year >= 1 && QDate::isValid(year, month, day) && hour >= 0 && hour <= 23
         && minute >= 0 && minute <= 59 && second >= 0 && second <= 59 && millis >= 0;
     if (!plausible)
@@ -74,9 +76,15 @@ qint32 tickVolume(const QJsonValue& value)
 
 } // namespace
 
-qint64 isoTimeMs(const QString& text)
+qint64 isoTimeMs(QLatin1StringView text)
 {
     const qint64 fast = utcTimeMs(text);
+    return fast >= 0 ? fast : isoTimeMs(QString(text));
+}
+
+qint64 isoTimeMs(const QString& text)
+{
+    const qint64 fast = utcTimeMs(QStringView(text));
     if (fast >= 0)
         return fast;
     QDateTime time = QDateTime::fromString(text, Qt::ISODateWithMs);
@@ -110,4 +118,11 @@ std::optional<HistoryReply> HistoryReply::read(const QJsonDocument& document)
         reply.candles.push_back(candle);
     }
     return reply;
+}
+
+std::optional<HistoryReply> HistoryReply::read(const QByteArray& json)
+{
+    if (std::optional<HistoryReply> plain = readPlainHistory(json))
+        return plain;
+    return read(QJsonDocument::fromJson(json));
 }

@@ -17,8 +17,11 @@ struct HistoryReply {
     /// object, or whose timestamp is not a time after the epoch, is skipped. Anything but an array gives
     /// nothing, so that a cut or foreign reply never passes for an empty history.
     [[nodiscard]] static std::optional<HistoryReply> read(const QJsonDocument& document);
+    /// The same from the reply's text.
+    [[nodiscard]] static std::optional<HistoryReply> read(const QByteArray& json);
 };
 
 /// ISO 8601 date and time, milliseconds optional, as ms since the epoch; without a zone it means UTC.
 /// 0 when the text is not such a time.
 [[nodiscard]] qint64 isoTimeMs(const QString& text);
+[[nodiscard]] qint64 isoTimeMs(QLatin1StringView text);

@@ -106,6 +106,13 @@ void ApiClient::get(const QString& path, ReplyCallback callback)
 
 void ApiClient::get(const QString& path, QObject* context, ReplyCallback callback)
 {
+    getBody(path, context, [callback = std::move(callback)](const QByteArray& body, const QString& error) {
+        callback(QJsonDocument::fromJson(body), error);
+    });
+}
+
+void ApiClient::getBody(const QString& path, QObject* context, BodyCallback callback)
+{
     QNetworkReply* const reply = read(path);
     connect(reply, &QNetworkReply::finished, this,
         [this, reply, guard = QPointer<QObject>(context), callback = std::move(callback)] {
@@ -114,10 +121,10 @@ void ApiClient::get(const QString& path, QObject* context, ReplyCallback callbac
 }
 
 void ApiClient::finishGet(
-    QNetworkReply* reply, const QPointer<QObject>& context, const ReplyCallback& callback)
+    QNetworkReply* reply, const QPointer<QObject>& context, const BodyCallback& callback)
 {
     reply->deleteLater();
-    const ReplyOutcome outcome = ReplyOutcome::read(reply);
+    const ReplyOutcome outcome = ReplyOutcome::readUnparsed(reply);
     if (!outcome.ok && outcome.status == statusUnauthorized) {
         const QPointer<ApiClient> alive(this);
         Q_EMIT unauthorized();
@@ -125,7 +132,7 @@ void ApiClient::finishGet(
             return;
     }
     if (context)
-        callback(outcome.ok ? outcome.document : QJsonDocument(), outcome.error);
+        callback(outcome.ok ? outcome.content : QByteArray(), outcome.error);
 }
 
 QNetworkReply* ApiClient::post(const QString& path, const QJsonObject& body)

@@ -14,6 +14,9 @@ class QNetworkRequest;
 /// person. A success whose body is not JSON arrives as a null document without an error.
 using ReplyCallback = std::function<void(const QJsonDocument& document, const QString& error)>;
 
+/// The same for callers that parse the body themselves; it is empty after an error.
+using BodyCallback = std::function<void(const QByteArray& body, const QString& error)>;
+
 /// Talks HTTP(S) to the platform server. Address and token are taken from the settings at each
 /// call; each call is one request, given up after 15 seconds without progress. Paths begin with
 /// "/", and ids in them are encoded by the caller (net/UrlParts.h); a path that could reach
@@ -30,6 +33,8 @@ public:
     void get(const QString& path, ReplyCallback callback);
     /// The same, and the callback is dropped as well once the context is gone.
     void get(const QString& path, QObject* context, ReplyCallback callback);
+    /// The same with the body as it came.
+    void getBody(const QString& path, QObject* context, BodyCallback callback);
 
     /// State-changing calls. They reach the server at most once, whatever happens to the
     /// connection. The caller connects to the reply's finished signal, reads it with
@@ -53,7 +58,7 @@ private:
     [[nodiscard]] QNetworkReply* read(const QString& path);
     [[nodiscard]] QNetworkReply* change(
         const QByteArray& verb, const QString& path, const QByteArray& body, bool authorise = true);
-    void finishGet(QNetworkReply* reply, const QPointer<QObject>& context, const ReplyCallback& callback);
+    void finishGet(QNetworkReply* reply, const QPointer<QObject>& context, const BodyCallback& callback);
     void finishLogin(QNetworkReply* reply, const QString& email);
 
     QNetworkAccessManager m_manager;

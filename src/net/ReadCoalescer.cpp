@@ -11,6 +11,13 @@ ReadCoalescer::ReadCoalescer(ApiClient& api, QObject* parent)
 
 void ReadCoalescer::refresh(const QString& path, ReplyCallback callback)
 {
+    refreshBody(path, [callback = std::move(callback)](const QByteArray& body, const QString& error) {
+        callback(QJsonDocument::fromJson(body), error);
+    });
+}
+
+void ReadCoalescer::refreshBody(const QString& path, BodyCallback callback)
+{
     const auto running = m_inFlight.find(path);
     if (running != m_inFlight.end())
         *running = std::move(callback);
@@ -18,13 +25,13 @@ void ReadCoalescer::refresh(const QString& path, ReplyCallback callback)
         send(path, callback);
 }
 
-void ReadCoalescer::send(const QString& path, const ReplyCallback& callback)
+void ReadCoalescer::send(const QString& path, const BodyCallback& callback)
 {
     m_inFlight.insert(path, {});
-    m_api.get(path, this, [this, path, callback](const QJsonDocument& document, const QString& error) {
+    m_api.getBody(path, this, [this, path, callback](const QByteArray& body, const QString& error) {
         // The callback may end the session and with it this object.
         const QPointer<ReadCoalescer> alive(this);
-        callback(document, error);
+        callback(body, error);
         if (alive)
             sendWaiting(path);
     });
@@ -32,7 +39,7 @@ void ReadCoalescer::send(const QString& path, const ReplyCallback& callback)
 
 void ReadCoalescer::sendWaiting(const QString& path)
 {
-    const ReplyCallback next = m_inFlight.take(path);
+    const BodyCallback next = m_inFlight.take(path);
     if (next)
         send(path, next);
 }

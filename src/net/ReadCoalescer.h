@@ -21,12 +21,14 @@ public:
     /// the same read to end only the last one's callback is kept: the callers of one path want one
     /// thing done with its newest answer. Callbacks are dropped when the coalescer dies.
     void refresh(const QString& path, ReplyCallback callback);
+    /// The same with the body as it came.
+    void refreshBody(const QString& path, BodyCallback callback);
 
 private:
-    void send(const QString& path, const ReplyCallback& callback);
+    void send(const QString& path, const BodyCallback& callback);
     void sendWaiting(const QString& path);
 
     ApiClient& m_api;
     // A key stands for a read in flight; its value, when set, for the refresh that follows it.
-    QHash<QString, ReplyCallback> m_inFlight;
+    QHash<QString, BodyCallback> m_inFlight;
 };

@@ -25,16 +25,31 @@ QString networkText(const QNetworkReply& reply, int status)
     return reply.errorString();
 }
 
+void parse(ReplyOutcome& outcome)
+{
+    outcome.document = QJsonDocument::fromJson(outcome.content);
+    outcome.body = outcome.document.object();
+}
+
 } // namespace
 
 ReplyOutcome ReplyOutcome::read(QNetworkReply* reply)
 {
+    ReplyOutcome outcome = readUnparsed(reply);
+    if (outcome.ok)
+        parse(outcome);
+    return outcome;
+}
+
+ReplyOutcome ReplyOutcome::readUnparsed(QNetworkReply* reply)
+{
     ReplyOutcome outcome;
     outcome.status = reply->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
     outcome.ok = reply->error() == QNetworkReply::NoError && !isRedirect(outcome.status);
-    outcome.document = QJsonDocument::fromJson(reply->isOpen() ? reply->readAll() : QByteArray());
-    outcome.body = outcome.document.object();
+    if (reply->isOpen())
+        outcome.content = reply->readAll();
     if (!outcome.ok) {
+        parse(outcome);
         const QString message = outcome.body.value("message"_L1).toString();
         outcome.error = safeText(message.isEmpty() ? networkText(*reply, outcome.status) : message);
     }

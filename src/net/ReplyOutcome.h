@@ -10,6 +10,7 @@ class QNetworkReply;
 struct ReplyOutcome final {
     bool ok = false;        ///< no network error, no HTTP error status, no redirect
     int status = 0;         ///< HTTP status, 0 when no answer came
+    QByteArray content;     ///< the body as it came
     QJsonDocument document; ///< the parsed body, null when it is not JSON
     QJsonObject body;       ///< the document's object, empty when it is not an object
     QString error; ///< for a person; empty when ok: the body's "message", else the network's own text
@@ -21,4 +22,6 @@ struct ReplyOutcome final {
     /// Reads a finished reply. The error is free of the session token and bounded in length, but
     /// it is text chosen by a server: show it as plain text.
     [[nodiscard]] static ReplyOutcome read(QNetworkReply* reply);
+    /// The same, but leaves the body of a success unparsed: document and body stay empty.
+    [[nodiscard]] static ReplyOutcome readUnparsed(QNetworkReply* reply);
 };

@@ -44,6 +44,7 @@ private Q_SLOTS:
     void a_failed_read_passes_the_servers_message();
     void a_failed_read_with_another_body_passes_the_toolkits_text_data();
     void a_failed_read_with_another_body_passes_the_toolkits_text();
+    void a_body_is_handed_over_as_it_came();
     void a_success_that_is_not_json_is_a_null_document_without_error_data();
     void a_success_that_is_not_json_is_a_null_document_without_error();
     void callbacks_run_in_the_order_of_completion();
@@ -258,6 +259,21 @@ void TestApiClient::a_success_that_is_not_json_is_a_null_document_without_error(
     const Answer answer = read(u"/x"_s);
     QVERIFY(answer.document.isNull());
     QCOMPARE(answer.error, QString());
+}
+
+void TestApiClient::a_body_is_handed_over_as_it_came()
+{
+    m_server->on("GET", "/cut", StubAnswer::json("[1.50 ,\n2"));
+    m_server->on("GET", "/refused", StubAnswer::message(u"Not today"_s, 400));
+    QStringList seen;
+    const auto note = [&seen](const QByteArray& body, const QString& error) {
+        seen.append(QString::fromLatin1(body) + u'|' + error);
+    };
+    m_api->getBody(u"/cut"_s, &*m_server, note);
+    QTRY_COMPARE(seen, QStringList(u"[1.50 ,\n2|"_s));
+    m_api->getBody(u"/refused"_s, &*m_server, note);
+    QTRY_COMPARE(seen.size(), 2);
+    QCOMPARE(seen.at(1), u"|Not today"_s);
 }
 
 void TestApiClient::callbacks_run_in_the_order_of_completion()
