@@ -8,10 +8,8 @@ namespace practice {
 /// Prices and levels at or above this are refused as absurd.
 inline constexpr double priceLimit = 1e9;
 
-/// Points (10^-digits) in one unit of price; digits are limited to 0..8.
-[[nodiscard]] double pointsPerUnit(int digits);
-
-/// The price as a whole number of points, halves away from zero. For |price| < priceLimit.
+/// The price as a whole number of points (10^-digits, digits limited to 0..8), halves away from zero.
+/// For |price| < priceLimit.
 [[nodiscard]] std::int64_t toPoints(double price, int digits);
 
 /// The nearest price on the grid, always the same floating-point number for the same grid line, so that

@@ -1,5 +1,6 @@
 #include "practice/core/market/DayWalk.h"
 
+#include "practice/core/PointScale.h"
 #include "practice/core/market/HashRandom.h"
 
 #include <cmath>

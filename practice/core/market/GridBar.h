@@ -1,5 +1,6 @@
 #pragma once
 
+#include "practice/core/PointScale.h"
 #include "practice/core/Types.h"
 
 #include <algorithm>
@@ -33,16 +34,6 @@ struct BarNode {
     GridBar bar;
     double variance = 0; ///< expected variance of the log price over the bar
 };
-
-/// Points in one unit of price: 10^digits. Dividing whole points by it yields the double nearest to the
-/// decimal price, which multiplying by 10^-digits would not.
-[[nodiscard]] inline double pointsPerUnit(int digits)
-{
-    double result = 1;
-    for (int i = 0; i < digits; ++i)
-        result *= 10;
-    return result;
-}
 
 /// Folds `value` back into [low, high] at the borders, as a ball between two walls.
 [[nodiscard]] inline double reflectInto(double value, double low, double high)

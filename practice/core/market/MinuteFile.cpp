@@ -1,5 +1,6 @@
 #include "practice/core/market/MinuteFile.h"
 
+#include "practice/core/PointScale.h"
 #include "practice/core/market/HashRandom.h"
 
 #include <algorithm>

@@ -1,5 +1,7 @@
 #include "practice/core/market/SymbolMarket.h"
 
+#include "practice/core/PointScale.h"
+
 #include <algorithm>
 #include <utility>
 

@@ -2,6 +2,7 @@
 
 #include "practice/Check.h"
 
+#include "practice/core/PointScale.h"
 #include "practice/core/market/GridBar.h"
 #include "practice/core/market/HashRandom.h"
 #include "practice/core/market/PriceSource.h"
