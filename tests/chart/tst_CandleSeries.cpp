@@ -118,10 +118,10 @@ void TestCandleSeries::a_tick_of_the_newest_bar_never_changes_its_open()
 void TestCandleSeries::a_tick_at_the_boundary_begins_the_next_bar()
 {
     CandleSeries series;
-    series.foldTick(1.0, 1.0, tenOClock + 14 * 60'000 + 59'999);
-    QCOMPARE(series.foldTick(2.0, 2.0, tenOClock + 15 * 60'000), TickEffect::Appended);
+    series.foldTick(1.0, 1.0, tenOClock + 14 * Q_INT64_C(60'000) + 59'999);
+    QCOMPARE(series.foldTick(2.0, 2.0, tenOClock + 15 * Q_INT64_C(60'000)), TickEffect::Appended);
     QCOMPARE(series.candles()[0].time, tenOClock);
-    QCOMPARE(series.candles()[1].time, tenOClock + 15 * 60'000);
+    QCOMPARE(series.candles()[1].time, tenOClock + 15 * Q_INT64_C(60'000));
     QVERIFY(series.candles()[0] == flat(tenOClock, 1.0));
 }
 
@@ -188,6 +188,7 @@ void TestCandleSeries::takes_a_million_bars()
 {
     constexpr int million = 1'000'000;
     std::vector<Candle> bars;
+    bars.reserve(million);
     for (int i = 0; i < million; ++i)
         bars.push_back(flat((million - i) * Q_INT64_C(60'000), i));
     CandleSeries series;

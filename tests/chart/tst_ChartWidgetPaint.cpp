@@ -67,7 +67,7 @@ void TestChartWidgetPaint::several_changes_make_one_paint()
     chart.zoomIn();
     fixtures::hover(chart, QPoint(50, 50));
     for (int i = 0; i < 20; ++i)
-        chart.onTick(1.1 + i * 0.001, 1.1 + i * 0.001, chart.candles().back().time + i * 1000);
+        chart.onTick(1.1 + i * 0.001, 1.1 + i * 0.001, chart.candles().back().time + i * Q_INT64_C(1000));
     QCOMPARE(paints.taken(), 1);
 }
 

@@ -148,7 +148,7 @@ void TestIndicatorCache::a_tick_costs_one_value_however_long_the_series_is()
         series.foldTick(1.5, 1.5, series.candles().back().time);
         cache.update(series.candles());
     }
-    QCOMPARE(cache.computed() - whole, quint64{3 * 10});
+    QCOMPARE(cache.computed() - whole, quint64{3} * 10);
     series.foldTick(1.5, 1.5, series.candles().back().time + minute);
     cache.update(series.candles());
     // The bar before is settled, and the new one is computed.

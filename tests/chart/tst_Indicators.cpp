@@ -21,6 +21,7 @@ constexpr AverageKind exponential = AverageKind::Exponential;
 std::vector<Candle> barsWith(const std::vector<double>& closes)
 {
     std::vector<Candle> candles;
+    candles.reserve(closes.size());
     for (const double close : closes)
         candles.push_back({static_cast<qint64>(candles.size()) * 60'000, 0.0, 9.0, -9.0, close, 1});
     return candles;
