@@ -76,7 +76,8 @@ class Unit:
                  for number, source in enumerate(sources)]
         path.write_text("".join(lines))
         union = dict.fromkeys(flag for source in sources for flag in flags[source])
-        self.command = [*union, *coroutine_flags(), f"-I{path.parent}"]
+        # What a source shadows is often a name of its neighbour only; gcc warns where it is its own.
+        self.command = [*union, "-Wno-shadow", *coroutine_flags(), f"-I{path.parent}"]
 
     def misfits(self):
         """The sources that do not compile after the ones before them."""
