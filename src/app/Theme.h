@@ -12,6 +12,7 @@ void applyTheme(QApplication& application);
 /// Stores the choice; the caller then calls applyTheme().
 void setTheme(bool dark);
 
+/// The stored choice.
 [[nodiscard]] bool isDarkTheme();
 
 /// Colours of the theme in force, read from the settings at each call: keep brushes and icons made of

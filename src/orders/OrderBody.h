@@ -6,6 +6,7 @@
 /// How an order is to be executed. A stop limit order is sent as a stop order; nothing offers it yet.
 enum class OrderType : int { Market = 0, Limit = 1, Stop = 2, StopLimit = 3 };
 
+/// Which way the position goes, or would go.
 enum class OrderSide { Sell, Buy };
 
 /// One order as a trader or a script means it.

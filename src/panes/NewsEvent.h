@@ -29,6 +29,7 @@ struct NewsReply final {
 /// "now", "59m" or "1h 15m".
 [[nodiscard]] QString countdownText(int minutes);
 
+/// Red for "HIGH", orange for "MEDIUM", grey for anything else.
 [[nodiscard]] QColor impactColor(const QString& impact);
 
 /// Whether an event is to be announced, `notifyMinutes` before it at the earliest.

@@ -47,6 +47,8 @@ enum HistoryColumn {
 
 /// "buy limit" for a pending kind, else the side: "buy", "sell".
 [[nodiscard]] QString typeLabel(const QJsonObject& trade);
+
+/// Blue for a trade of the type "BUY", red for any other.
 [[nodiscard]] QColor typeColor(const QJsonObject& trade);
 
 /// An ISO 8601 time as "yyyy.MM.dd HH:mm:ss" in the zone that it states; empty when it is no time.

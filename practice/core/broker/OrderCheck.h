@@ -14,6 +14,7 @@ template <typename T> struct Checked {
     std::optional<Refusal> refusal;
 };
 
+/// How an order is to be executed, and which way its position goes.
 struct OrderShape {
     OrderKind kind = OrderKind::Market;
     Side side = Side::Buy;

@@ -8,10 +8,19 @@
 
 namespace practice {
 
+/// Only a Plan is a challenge, with rules that it can fail and targets that it can pass.
 enum class AccountKind { Wallet, Demo, Plan };
+
+/// Only an Active account takes new orders.
 enum class AccountStatus { Active, Failed, Passed };
+
+/// Which way a position goes, or would go.
 enum class Side { Buy, Sell };
+
+/// Market is filled at once; the others wait for their price.
 enum class OrderKind { Market, BuyLimit, SellLimit, BuyStop, SellStop };
+
+/// Pending is a waiting order, Open a position, Closed a former position, Cancelled a former order.
 enum class TradeStatus { Pending, Open, Closed, Cancelled };
 
 /// Why a trade left the live lists. Manual, StopLoss ("SL"), TakeProfit ("TP"), StopOut ("STOP_OUT": the

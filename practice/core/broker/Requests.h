@@ -36,6 +36,7 @@ struct Refusal {
     std::string message;  ///< one English sentence or two that tell a person what to change
 };
 
+/// What became of a command: refused, and then `changes` is empty, or carried out.
 struct CommandResult {
     std::optional<Refusal> refusal;
     std::string tradeId; ///< the trade that the command created or changed
