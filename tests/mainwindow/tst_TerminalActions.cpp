@@ -1,5 +1,6 @@
 #include "CommandDriver.h"
 #include "UrlCatcher.h"
+#include "chart/OneClickPanel.h"
 #include "mainwindow/ActionIcons.h"
 #include "orders/OrderDialog.h"
 #include "support/TestMain.h"
@@ -345,9 +346,9 @@ void tst_TerminalActions::zoomKeysDoNotStealTypingFromAnyField()
             QTest::keyClick(field, key);
     };
 
-    // A number field within the window itself, as the one on a chart for one-click volumes.
-    auto* volume = new QDoubleSpinBox(chart);
-    volume->show();
+    // Fields within the window itself: that of the one-click volumes, and a plain one.
+    auto* volume = chart->findChild<OneClickPanel*>()->findChild<QAbstractSpinBox*>();
+    QVERIFY(volume && volume->isVisible());
     type(volume);
     QCOMPARE(chart->chart().barWidth(), width);
     auto* text = new QLineEdit(chart);
@@ -368,7 +369,7 @@ void tst_TerminalActions::zoomKeysDoNotStealTypingFromAnyField()
     QCOMPARE(chart->chart().barWidth(), width);
     dialog->close();
 
-    QVERIFY(typedInto >= 5); // volume, stop loss and take profit at least
+    QVERIFY(typedInto >= 5); // in the order window volume, stop loss and take profit at least
 
     // The dialog that asks for a period.
     d.activate();

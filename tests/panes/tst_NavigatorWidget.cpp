@@ -184,6 +184,12 @@ void TestNavigatorWidget::tabsDoNotTouchTheTree()
     const Navigator navigator;
     auto* tabs = navigator.widget.findChild<QTabBar*>();
     QCOMPARE(tabs->count(), 2);
+    QCOMPARE(tabs->shape(), QTabBar::RoundedSouth);
+    QVERIFY(!tabs->expanding());
+    QVERIFY(tabs->y() >= navigator.tree->geometry().bottom());
+    QCOMPARE(navigator.tree->pos(), QPoint(0, 0));
+    QCOMPARE(navigator.tree->width(), navigator.widget.width());
+    QCOMPARE(tabs->geometry().bottom(), navigator.widget.rect().bottom());
     QCOMPARE(tabs->tabText(0), u"Common"_s);
     QCOMPARE(tabs->tabText(1), u"Favorites"_s);
     tabs->setCurrentIndex(1);
