@@ -33,10 +33,12 @@ QPixmap pictureOf(const ChartFrame& frame, qreal scale, void (*paint)(QPainter&,
     QPixmap picture(size.toSize());
     if (picture.isNull())
         return {};
+    ChartFrame whole = frame;
+    whole.exposed = QRect(QPoint(0, 0), frame.view.size());
     // Painted through a transform rather than a pixel ratio: copied later, its pixels are device pixels.
     QPainter painter(&picture);
     painter.scale(scale, scale);
-    paint(painter, frame);
+    paint(painter, whole);
     return picture;
 }
 
@@ -87,9 +89,9 @@ void BandCache::paint(QPainter& painter, const ChartFrame& frame, const QRegion&
 {
     const Content content{frame.view, frame.seriesRevision, frame.largestVolume, frame.liveBar,
         frame.averages, frame.colors, frame.type, frame.digits, frame.timeframeMs, evenScale(painter)};
-    paintKept(painter, frame, content, exposed);
     ChartFrame part = frame;
     part.exposed = exposed;
+    paintKept(painter, part, content, exposed);
     layerstack::paintLive(painter, part);
 }
 

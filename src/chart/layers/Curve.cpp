@@ -4,6 +4,9 @@
 
 #include <QPainter>
 #include <QRect>
+#include <QRegion>
+#include <QTransform>
+#include <QVarLengthArray>
 
 #include <algorithm>
 #include <cmath>
@@ -11,17 +14,60 @@
 
 namespace {
 
-void fill(QPainter& painter, const QRect& box, const QRect& within, const QColor& color)
-{
-    const QRect part = box & within;
-    if (!part.isEmpty())
-        painter.fillRect(part, color);
-}
+/// Paints boxes of one row or one column, those that continue each other as one.
+class Runs final {
+public:
+    Runs(QPainter& painter, const QRect& within, const QColor& color)
+        : m_painter(painter)
+        , m_within(within)
+        , m_color(color)
+    {
+    }
 
-} // namespace
+    void add(const QRect& run)
+    {
+        const bool sameRow = run.height() == 1 && m_open.height() == 1 && run.top() == m_open.top()
+            && run.left() <= m_open.right() + 1 && run.right() >= m_open.left() - 1;
+        const bool sameColumn = run.width() == 1 && m_open.width() == 1 && run.left() == m_open.left()
+            && run.top() <= m_open.bottom() + 1 && run.bottom() >= m_open.top() - 1;
+        if (sameRow || sameColumn) {
+            m_open = m_open.united(run);
+            return;
+        }
+        close();
+        m_open = run;
+    }
 
-void curve::slope(
-    QPainter& painter, const QPoint& from, const QPoint& to, const QRect& within, const QColor& color)
+    void finish()
+    {
+        close();
+        // Many boxes at once cost half, but only where they need not be scaled.
+        if (m_painter.deviceTransform().type() > QTransform::TxTranslate) {
+            for (const QRect& box : m_boxes)
+                m_painter.fillRect(box, m_color);
+            return;
+        }
+        m_painter.setPen(Qt::NoPen);
+        m_painter.setBrush(m_color);
+        m_painter.drawRects(m_boxes.constData(), static_cast<int>(m_boxes.size()));
+    }
+
+private:
+    void close()
+    {
+        const QRect part = m_open & m_within;
+        if (!part.isEmpty())
+            m_boxes.append(part);
+    }
+
+    QPainter& m_painter;
+    const QRect& m_within;
+    const QColor& m_color;
+    QVarLengthArray<QRect, 1024> m_boxes;
+    QRect m_open; ///< may still grow
+};
+
+void addSlope(Runs& line, const QPoint& from, const QPoint& to)
 {
     const int width = to.x() - from.x();
     const int height = std::abs(to.y() - from.y());
@@ -36,31 +82,46 @@ void curve::slope(
         const auto first = static_cast<int>(start);
         const auto last = static_cast<int>(next - 1);
         const auto aside = static_cast<int>(run);
-        if (flat) {
-            const int y = from.y() + down * aside;
-            fill(painter, QRect(from.x() + first, y, last - first + 1, 1), within, color);
-        } else {
-            const int x = from.x() + aside;
-            const int y = from.y() + down * (down > 0 ? first : last);
-            fill(painter, QRect(x, y, 1, last - first + 1), within, color);
-        }
+        if (flat)
+            line.add(QRect(from.x() + first, from.y() + down * aside, last - first + 1, 1));
+        else
+            line.add(
+                QRect(from.x() + aside, from.y() + down * (down > 0 ? first : last), 1, last - first + 1));
         start = next;
     }
 }
 
+} // namespace
+
+void curve::slope(
+    QPainter& painter, const QPoint& from, const QPoint& to, const QRect& within, const QColor& color)
+{
+    Runs line(painter, within, color);
+    addSlope(line, from, to);
+    line.finish();
+}
+
 void curve::join(QPainter& painter, const ChartView& view, std::span<const double> values,
-    const BarRange& bars, int (*row)(const ChartView&, double), const QRect& within, const QColor& color)
+    const BarRange& bars, int (*row)(const ChartView&, double), const QRect& within, const QRegion& exposed,
+    const QColor& color)
 {
     const qsizetype last = std::min(bars.last, static_cast<qsizetype>(values.size()) - 1);
+    Runs line(painter, within, color);
     QPoint from;
     bool joined = false;
     for (qsizetype i = bars.first; i <= last; ++i) {
         const double value = values[static_cast<std::size_t>(i)];
         const bool present = !std::isnan(value);
         const QPoint to = present ? QPoint(view.barPixel(i), row(view, value)) : QPoint();
-        if (joined && present)
-            slope(painter, from, to, within, color);
+        if (joined && present) {
+            // One pixel more on each side, since a part may end between two pixels of the screen.
+            const QPoint top(from.x() - 1, std::min(from.y(), to.y()) - 1);
+            const QPoint bottom(to.x() + 1, std::max(from.y(), to.y()) + 1);
+            if (exposed.intersects(QRect(top, bottom)))
+                addSlope(line, from, to);
+        }
         from = to;
         joined = present;
     }
+    line.finish();
 }

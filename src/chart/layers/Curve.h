@@ -8,6 +8,7 @@ class ChartView;
 class QPainter;
 class QPoint;
 class QRect;
+class QRegion;
 struct BarRange;
 
 /// Slanting lines of one pixel, in boxes of whole pixels: they look the same whatever part of a frame is
@@ -19,8 +20,8 @@ namespace curve {
 void slope(QPainter& painter, const QPoint& from, const QPoint& to, const QRect& within, const QColor& color);
 
 /// Joins the values of neighbouring `bars`; a bar whose value is no number breaks the line. `row` is where
-/// a value lies; no values at all are as many gaps.
+/// a value lies; no values at all are as many gaps. What lies outside `exposed` may be left out.
 void join(QPainter& painter, const ChartView& view, std::span<const double> values, const BarRange& bars,
-    int (*row)(const ChartView&, double), const QRect& within, const QColor& color);
+    int (*row)(const ChartView&, double), const QRect& within, const QRegion& exposed, const QColor& color);
 
 } // namespace curve

@@ -12,7 +12,7 @@ void layers::paintMovingAverages(QPainter& painter, const ChartFrame& frame)
         const QColor& color = frame.averages.at(static_cast<qsizetype>(i)).color;
         const auto row = [](const ChartView& scale, double price) { return scale.pricePixel(price); };
         // An average may be far from the prices of the bars in view; the axes stay readable.
-        curve::join(painter, view, frame.averageValues[i], bars, row, view.plot(), color);
+        curve::join(painter, view, frame.averageValues[i], bars, row, view.plot(), frame.exposed, color);
         // Where only the newest bars are painted, each average begins one bar before the one that it
         // covers, whose first pixels would else lie over its older part.
         bars.first = std::max(view.visible().first, bars.first - 1);

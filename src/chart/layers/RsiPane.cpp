@@ -4,6 +4,7 @@
 #include "chart/layers/Strokes.h"
 
 #include <QCoreApplication>
+#include <QVarLengthArray>
 
 #include <algorithm>
 #include <array>
@@ -28,8 +29,11 @@ void paintBound(QPainter& painter, const QRect& pane, const QRect& part, int y)
     if (y < part.top() || y > part.bottom())
         return;
     const int skipped = (std::max(part.left() - pane.left(), 0) + period - 1) / period * period;
+    QVarLengthArray<QPoint, 1024> dots;
     for (int x = pane.left() + skipped; x <= std::min(pane.right(), part.right()); x += period)
-        painter.fillRect(x, y, 1, 1, boundColor);
+        dots.append(QPoint(x, y));
+    painter.setPen(strokes::hairline(boundColor, Qt::SolidLine));
+    painter.drawPoints(dots.constData(), static_cast<int>(dots.size()));
 }
 
 /// The bars that have something of their line between two columns.
@@ -66,7 +70,7 @@ void layers::paintRsiPane(QPainter& painter, const ChartFrame& frame)
     }
     // The row below the pane belongs to the value 0.
     curve::join(painter, view, frame.rsiValues, barsBetween(frame, part.left(), part.right()), &rowOf,
-        pane.adjusted(0, 0, 0, 1) & part, lineColor);
+        pane.adjusted(0, 0, 0, 1) & part, frame.exposed, lineColor);
     frame.texts->drawAt(painter, pane.topLeft() + QPoint(6, 14),
         QCoreApplication::translate("ChartWidget", "RSI(%1)").arg(frame.rsiPeriod), frame.colors.axis);
 }
