@@ -1,3 +1,4 @@
+#include "scenes/PlainIndicators.h"
 #include "scenes/Series.h"
 
 #include <QCoreApplication>
@@ -36,6 +37,15 @@ public:
             m_volume->data()->add({static_cast<double>(i), static_cast<double>(bar.volume)});
         }
         m_plot.yAxis2->setRange(0, 4000);
+        addLine(m_plot.xAxis, m_plot.yAxis, plain::simple(m_series, 20), QColor(0xff, 0xd5, 0x4f));
+        addLine(m_plot.xAxis, m_plot.yAxis, plain::exponential(m_series, 50), QColor(0x4f, 0xc3, 0xf7));
+        addLine(m_plot.xAxis, m_plot.yAxis, plain::simple(m_series, 100), QColor(0xba, 0x68, 0xc8));
+        m_pane = new QCPAxisRect(&m_plot);
+        m_plot.plotLayout()->addElement(1, 0, m_pane);
+        m_plot.plotLayout()->setRowStretchFactor(1, 0.17);
+        m_pane->axis(QCPAxis::atLeft)->setRange(0, 100);
+        addLine(m_pane->axis(QCPAxis::atBottom), m_pane->axis(QCPAxis::atLeft), plain::strength(m_series, 14),
+            QColor(0xc7, 0x92, 0xea));
         m_plot.addLayer(QStringLiteral("crosshair"), nullptr, QCustomPlot::limAbove);
         QCPLayer* layer = m_plot.layer(QStringLiteral("crosshair"));
         layer->setMode(QCPLayer::lmBuffered);
@@ -76,8 +86,16 @@ public:
     }
 
 private:
+    void addLine(QCPAxis* x, QCPAxis* y, const std::vector<double>& values, const QColor& color)
+    {
+        QCPGraph* line = m_plot.addGraph(x, y);
+        line->setPen(QPen(color));
+        for (std::size_t i = 0; i < values.size(); ++i)
+            line->addData(static_cast<double>(i), values[i]);
+    }
     void show(double last)
     {
+        m_pane->axis(QCPAxis::atBottom)->setRange(last - visibleBars, last + 0.5);
         m_plot.xAxis->setRange(last - visibleBars, last + 0.5);
         const auto from = static_cast<std::size_t>(std::max(0.0, last - visibleBars));
         double low = 1e300;
@@ -98,6 +116,7 @@ private:
     std::vector<Candle> m_series;
     QCPFinancial* m_candles; ///< the plot owns its parts
     QCPBars* m_volume;
+    QCPAxisRect* m_pane;
     QCPItemStraightLine* m_across;
     QCPItemStraightLine* m_down;
     int m_step = 0;

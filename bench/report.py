@@ -19,6 +19,9 @@ ROWS = [
     ("tick frame, 1 000 000 loaded / 1 000", "live/tick_7px_1000000_loaded", "live/tick_7px_1000_loaded", 1.2),
     ("pan frame, 1 000 000 loaded / 1 000", "live/pan_7px_1000000_loaded", "live/pan_7px_1000_loaded", 1.2),
     ("pan frame, pixel ratio 2 / 1", "ratio2:live/pan_7px", "live/pan_7px", 4.0),
+    ("SMA over 1 000 000 closes / plain loop", "indicators/simple", "indicators/plain_simple", 1.3),
+    ("EMA over 1 000 000 closes / plain loop", "indicators/exponential", "indicators/plain_exponential", 1.3),
+    ("RSI over 1 000 000 closes / plain loop", "indicators/strength", "indicators/plain_strength", 1.3),
     ("1 000 000 candles, bytes to painted / PARSE", "history/painted", "history/parse", 1.6),
     ("snapshot of 500, 20 % moved / PARSE", "snapshot/500_moved_100", "snapshot/parse_500", 2.5),
     ("snapshot of 500, prices as strings / PARSE", "snapshot/500_strings_moved_100",
@@ -62,6 +65,14 @@ def medians(folder):
                 unit = {"ns": 1.0, "us": 1e3, "ms": 1e6, "s": 1e9}[entry["time_unit"]]
                 found[prefix + entry["run_name"].split("/repeats")[0].removesuffix("/process_time")] = entry["cpu_time"] * unit
     return found
+
+
+def disagreement(folder):
+    """The largest relative difference between indicators and plain loops, if it was measured."""
+    found = [float(entry["disagreement"]) for path in folder.glob("*.json")
+             for entry in json.loads(path.read_text())["benchmarks"]
+             if entry.get("aggregate_name") == "median" and "disagreement" in entry]
+    return max(found, default=None)
 
 
 def line(figure, value, target, short):
@@ -112,6 +123,12 @@ def main():
             line(figure, f"{ratio:.2f}", f"<= {most:g}", ratio > most)
         else:
             line(figure, "not run", f"<= {most:g}", True)
+    largest = disagreement(folder)
+    figure = "indicators, largest disagreement with them"
+    if largest is None:
+        line(figure, "not run", "<= 1e-9", True)
+    else:
+        line(figure, f"{largest:.1e}", "<= 1e-9", not largest <= 1e-9)
     figure, name, least = SNAPSHOTS_A_SECOND
     if name in times:
         rate = 1e9 / times[name]

@@ -1,9 +1,13 @@
 #include "scenes/FloorChart.h"
 
+#include "scenes/PlainIndicators.h"
+
 #include <QDateTime>
 #include <QPainter>
+#include <QPolygon>
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <utility>
 
@@ -20,6 +24,10 @@ constexpr QColor volumeColor(0x2f, 0x6b, 0x3f);
 constexpr QColor bidColor(0x3b, 0xa7, 0xff);
 constexpr QColor askColor(0xff, 0x4a, 0x4a);
 constexpr double spread = 0.00010;
+constexpr int paneHeight = 130;
+constexpr std::array averageColors{
+    QColor(0xff, 0xd5, 0x4f), QColor(0x4f, 0xc3, 0xf7), QColor(0xba, 0x68, 0xc8)};
+const std::array averageTexts{u"SMA(20)"_s, u"EMA(50)"_s, u"SMA(100)"_s};
 
 QString price(double value)
 {
@@ -41,7 +49,11 @@ FloorChart::FloorChart(QSize size, std::vector<Candle> candles, double barWidth)
     , m_candles(std::move(candles))
     , m_barWidth(barWidth)
     , m_rightBar(static_cast<double>(m_candles.size()) - 1)
-    , m_plot(0, 0, size.width() - 68, size.height() - 22)
+    , m_plot(0, 0, size.width() - 68, size.height() - 22 - paneHeight - 1)
+    , m_pane(0, size.height() - 22 - paneHeight, size.width() - 68, paneHeight)
+    , m_averages{plain::simple(m_candles, 20), plain::exponential(m_candles, 50),
+          plain::simple(m_candles, 100)}
+    , m_strength(plain::strength(m_candles, 14))
 {
 }
 
@@ -80,7 +92,9 @@ void FloorChart::paint()
     painter.fillRect(m_image.rect(), background);
     paintGrid(painter);
     paintBars(painter);
+    paintAverages(painter);
     paintOverlays(painter);
+    paintStrength(painter);
 }
 
 void FloorChart::paintGrid(QPainter& painter)
@@ -131,6 +145,50 @@ void FloorChart::paintBars(QPainter& painter)
         if (rising && body.width() > 2 && body.height() > 2)
             painter.fillRect(body.adjusted(1, 1, -1, -1), background);
     }
+}
+
+void FloorChart::paintAverages(QPainter& painter)
+{
+    int left = 6;
+    for (std::size_t i = 0; i < m_averages.size(); ++i) {
+        QPolygon line;
+        for (qsizetype bar = m_first; bar <= m_last; ++bar) {
+            const double value = m_averages.at(i)[static_cast<std::size_t>(bar)];
+            if (!std::isnan(value))
+                line.append(QPoint(x(bar), y(value)));
+        }
+        painter.setPen(averageColors.at(i));
+        painter.drawPolyline(line);
+        painter.drawText(left, 28, averageTexts.at(i));
+        left += painter.fontMetrics().horizontalAdvance(averageTexts.at(i)) + 12;
+    }
+}
+
+void FloorChart::paintStrength(QPainter& painter)
+{
+    painter.fillRect(m_pane, QColor(0x0a, 0x0a, 0x0a));
+    painter.setPen(grid);
+    painter.drawLine(m_pane.topLeft(), m_pane.topRight());
+    const auto row = [this](double value) {
+        return static_cast<int>(m_pane.top() + m_pane.height() * (100.0 - value) / 100.0);
+    };
+    for (const int bound : {30, 70}) {
+        painter.setPen(QPen(QColor(0x44, 0x44, 0x44), 1, Qt::DotLine));
+        painter.drawLine(m_pane.left(), row(bound), m_pane.right(), row(bound));
+        painter.setPen(axis);
+        painter.drawText(QRect(m_pane.right() + 4, row(bound) - 8, 62, 16), Qt::AlignLeft | Qt::AlignVCenter,
+            QString::number(bound));
+    }
+    QPolygon line;
+    for (qsizetype bar = m_first; bar <= m_last; ++bar) {
+        const double value = m_strength[static_cast<std::size_t>(bar)];
+        if (!std::isnan(value))
+            line.append(QPoint(x(bar), row(value)));
+    }
+    painter.setPen(QColor(0xc7, 0x92, 0xea));
+    painter.drawPolyline(line);
+    painter.setPen(axis);
+    painter.drawText(m_pane.left() + 6, m_pane.top() + 14, u"RSI(14)"_s);
 }
 
 void FloorChart::paintOverlays(QPainter& painter)

@@ -2,13 +2,16 @@
 
 #include "chart/Candle.h"
 
+#include <QColor>
 #include <QImage>
 #include <QPoint>
 
+#include <array>
 #include <vector>
 
 /// What a bare program does to show the same chart: everything repainted each frame onto an RGB32
-/// image, rectangles filled one by one, lines without antialiasing, no layers, no caches.
+/// image, rectangles filled one by one, lines without antialiasing, no layers, no caches other than the
+/// values of its indicators.
 class FloorChart final {
 public:
     FloorChart(QSize size, std::vector<Candle> candles, double barWidth);
@@ -23,6 +26,8 @@ public:
 private:
     void paintGrid(QPainter& painter);
     void paintBars(QPainter& painter);
+    void paintAverages(QPainter& painter);
+    void paintStrength(QPainter& painter);
     void paintOverlays(QPainter& painter);
     [[nodiscard]] int x(qsizetype index) const;
     [[nodiscard]] int y(double price) const;
@@ -33,6 +38,9 @@ private:
     double m_rightBar;
     QPoint m_pointer{-1, -1};
     QRect m_plot;
+    QRect m_pane;
+    std::array<std::vector<double>, 3> m_averages;
+    std::vector<double> m_strength;
     qsizetype m_first = 0;
     qsizetype m_last = 0;
     double m_min = 0.0;
