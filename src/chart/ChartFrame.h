@@ -4,7 +4,10 @@
 #include "chart/ChartColors.h"
 #include "chart/ChartType.h"
 #include "chart/ChartView.h"
+#include "chart/Drawing.h"
+#include "chart/DrawingKind.h"
 #include "chart/MovingAverageSpec.h"
+#include "chart/Ruler.h"
 #include "chart/TextPainter.h"
 #include "chart/TradeLevel.h"
 
@@ -13,6 +16,7 @@
 #include <QRegion>
 #include <QString>
 
+#include <optional>
 #include <span>
 
 /// Everything that one picture of a chart shows, taken once a frame; layers read nothing else. Valid as
@@ -38,11 +42,20 @@ struct ChartFrame {
     int rsiPeriod = 0;
     std::span<const double> rsiValues; ///< see IndicatorCache::strength()
 
-    double bid = 0.0; ///< 0 means none yet
-    double ask = 0.0; ///< 0 means none yet
+    std::span<const Drawing> drawings; ///< later ones on top
+    double bid = 0.0;                  ///< 0 means none yet
+    double ask = 0.0;                  ///< 0 means none yet
     std::span<const TradeLevel> levels;
     qsizetype draggedLevel = -1; ///< index of the level being dragged, or -1
     double draggedPrice = 0.0;
+
+    /// An object that waits for its second point.
+    struct Preview {
+        DrawingKind kind = DrawingKind::TrendLine;
+        DrawingPoint placed;
+    };
+    std::optional<Preview> preview;
+    std::optional<Ruler::Span> ruler;
 
     bool autoScroll = true;
     bool chartShift = false;

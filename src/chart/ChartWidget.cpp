@@ -3,9 +3,12 @@
 #include "chart/AveragePalette.h"
 #include "chart/ChartFrame.h"
 #include "chart/ChartTexts.h"
+#include "chart/DrawingGeometry.h"
 #include "chart/layers/CrosshairBoxes.h"
+#include "chart/layers/OverlayAreas.h"
 #include "chart/layers/TickArea.h"
 
+#include <QKeyEvent>
 #include <QMouseEvent>
 #include <QPaintEvent>
 #include <QPainter>
@@ -49,6 +52,9 @@ ChartWidget::~ChartWidget() = default;
 
 void ChartWidget::setCandles(std::vector<Candle> candles)
 {
+    // A refresh moves the prices away from below the pointer.
+    m_levelDrag.cancel();
+    updateCursor();
     m_series.setCandles(std::move(candles));
     m_indicators.forgetBars();
     ++m_seriesRevision;
@@ -188,30 +194,41 @@ void ChartWidget::setRsi(bool enabled, int period)
 
 void ChartWidget::setDrawings(const QList<Drawing>& drawings)
 {
-    if (drawings == m_drawings)
-        return;
-    m_drawings = drawings;
+    if (m_drawings.replace(drawings))
+        update();
+}
+
+bool ChartWidget::deleteSelectedDrawing()
+{
+    const std::optional<Drawing> removed = m_drawings.takeSelected();
+    if (!removed)
+        return false;
     update();
+    if (!removed->id.isEmpty())
+        Q_EMIT drawingDeleted(removed->id);
+    return true;
 }
 
 void ChartWidget::setTool(const QString& key)
 {
-    const bool changed = key != m_tool;
-    m_tool = key;
-    setCursor(!m_tool.isEmpty() || m_ruler.armed ? Qt::CrossCursor : Qt::ArrowCursor);
+    const QString before = m_tool.key();
+    m_tool.choose(key);
+    updateCursor();
     update();
-    if (changed)
+    if (m_tool.key() != before)
         Q_EMIT settingsChanged();
 }
 
 void ChartWidget::setMeasureMode(bool on)
 {
-    if (on == m_ruler.armed && !m_ruler.active)
+    const bool changed = on != m_ruler.isArmed();
+    if (!changed && !m_ruler.span())
         return;
-    m_ruler.armed = on;
-    m_ruler.active = false;
+    m_ruler.setArmed(on);
+    updateCursor();
     update();
-    Q_EMIT settingsChanged();
+    if (changed)
+        Q_EMIT settingsChanged();
 }
 
 void ChartWidget::setTradeLevels(const QList<TradeLevel>& levels)
@@ -219,6 +236,8 @@ void ChartWidget::setTradeLevels(const QList<TradeLevel>& levels)
     if (levels == m_levels)
         return;
     m_levels = levels;
+    if (m_levelDrag.isActive() && !m_levelDrag.follow(m_levels))
+        updateCursor();
     update();
 }
 
@@ -310,9 +329,13 @@ ChartFrame ChartWidget::frame() const
     frame.rsiValues = m_indicators.strength();
     frame.bid = m_bid;
     frame.ask = m_ask;
+    frame.drawings = m_drawings.drawings();
     frame.levels = m_levels;
-    frame.draggedLevel = m_draggedLevel;
-    frame.draggedPrice = m_draggedPrice;
+    frame.draggedLevel = m_levelDrag.index();
+    frame.draggedPrice = m_levelDrag.price();
+    if (m_tool.placed())
+        frame.preview = ChartFrame::Preview{*m_tool.kind(), *m_tool.placed()};
+    frame.ruler = m_ruler.span();
     frame.autoScroll = m_viewState.autoScroll;
     frame.chartShift = m_viewState.chartShift;
     frame.pointer = m_pointer;
@@ -366,18 +389,23 @@ void ChartWidget::mousePressEvent(QMouseEvent* event)
         scrollToEnd();
         return;
     }
+    letGo(); // a release may have been lost
+    if (pressTool(position) || pressRuler(position) || pressLevel(position) || pressDrawing(position))
+        return;
     m_panZoom.begin(position.x(), m_viewState);
-    setCursor(Qt::ClosedHandCursor);
+    updateCursor();
 }
 
 void ChartWidget::mouseMoveEvent(QMouseEvent* event)
 {
     // The release may have gone to another window.
-    if (m_panZoom.isPanning() && !event->buttons().testFlag(Qt::LeftButton))
-        endPanning();
+    if (!event->buttons().testFlag(Qt::LeftButton))
+        letGo();
     const QPoint position = event->position().toPoint();
     if (m_panZoom.isPanning())
         applyView(m_panZoom.dragged(position.x(), m_viewState, m_series.count()));
+    stretchRuler(position);
+    dragLevel(position);
     movePointer(position);
     if (const std::optional<Candle> bar = hoveredBar())
         Q_EMIT crosshairMoved(hoverText(*bar, m_digits));
@@ -385,10 +413,12 @@ void ChartWidget::mouseMoveEvent(QMouseEvent* event)
 
 void ChartWidget::mouseReleaseEvent(QMouseEvent* event)
 {
-    if (event->button() != Qt::LeftButton)
+    if (event->button() != Qt::LeftButton) {
         event->ignore();
-    else if (m_panZoom.isPanning())
-        endPanning();
+        return;
+    }
+    dropLevel();
+    letGo();
 }
 
 void ChartWidget::wheelEvent(QWheelEvent* event)
@@ -413,14 +443,174 @@ void ChartWidget::movePointer(const QPoint& position)
     const QPoint before = std::exchange(m_pointer, position);
     const bool wasInPlot = view().plot().contains(before);
     const bool isInPlot = pointerInPlot();
-    if (wasInPlot && isInPlot && !m_series.isEmpty() && paintsWholePixels())
-        update(crosshair::area(view(), before) + crosshair::area(view(), position));
+    if (wasInPlot && isInPlot && !m_series.isEmpty())
+        updateOverlay(crosshair::area(view(), before) + crosshair::area(view(), position)
+            + previewArea(before) + previewArea(position));
     else if (wasInPlot || isInPlot)
         update();
 }
 
-void ChartWidget::endPanning()
+void ChartWidget::keyPressEvent(QKeyEvent* event)
 {
+    const bool deletes = event->key() == Qt::Key_Delete || event->key() == Qt::Key_Backspace;
+    if ((event->key() == Qt::Key_Escape && cancelGesture()) || (deletes && deleteSelectedDrawing()))
+        return;
+    QWidget::keyPressEvent(event);
+}
+
+void ChartWidget::hideEvent(QHideEvent* event)
+{
+    letGo();
+    QWidget::hideEvent(event);
+}
+
+bool ChartWidget::pressTool(const QPoint& position)
+{
+    if (!m_tool.isActive() || !view().plot().contains(position))
+        return false;
+    const std::optional<DrawingPoint> point
+        = DrawingGeometry(view(), m_series.candles(), timeframeMs()).anchor(position);
+    if (!point)
+        return false;
+    if (const std::optional<Drawing> drawing = m_tool.click(*point)) {
+        m_drawings.append(*drawing);
+        Q_EMIT drawingCreated(*drawing);
+        finishTool();
+    }
+    update();
+    return true;
+}
+
+bool ChartWidget::pressRuler(const QPoint& position)
+{
+    if (!m_ruler.isArmed() || m_series.isEmpty() || !view().plot().contains(position))
+        return false;
+    const QRegion before = rulerArea();
+    m_ruler.begin(position);
+    updateOverlay(before + rulerArea());
+    return true;
+}
+
+bool ChartWidget::pressLevel(const QPoint& position)
+{
+    if (m_series.isEmpty() || !m_levelDrag.begin(m_levels, view(), position.y()))
+        return false;
+    updateCursor();
+    updateOverlay(draggedLevelArea());
+    return true;
+}
+
+bool ChartWidget::pressDrawing(const QPoint& position)
+{
+    if (m_tool.isActive() || m_series.isEmpty())
+        return false;
+    const DrawingGeometry geometry(view(), m_series.candles(), timeframeMs());
+    const qsizetype hit = geometry.topmostHit(m_drawings.drawings(), position);
+    if (m_drawings.select(hit))
+        update();
+    return hit >= 0;
+}
+
+void ChartWidget::finishTool()
+{
+    setTool(QString());
+    Q_EMIT toolFinished();
+}
+
+void ChartWidget::stretchRuler(const QPoint& position)
+{
+    if (!m_ruler.isStretching())
+        return;
+    const QRegion before = rulerArea();
+    m_ruler.stretch(view(), position);
+    updateOverlay(before + rulerArea());
+}
+
+void ChartWidget::dragLevel(const QPoint& position)
+{
+    if (!m_levelDrag.isActive())
+        return;
+    const QRegion before = draggedLevelArea();
+    m_levelDrag.move(view(), position.y());
+    updateOverlay(before + draggedLevelArea());
+}
+
+void ChartWidget::dropLevel()
+{
+    if (!m_levelDrag.isActive())
+        return;
+    const std::optional<LevelDrag::Drop> drop = m_levelDrag.drop(m_digits);
+    updateCursor();
+    update();
+    if (drop)
+        Q_EMIT levelDragged(drop->tradeId, drop->kind, drop->price);
+}
+
+bool ChartWidget::cancelGesture()
+{
+    if (m_levelDrag.isActive()) {
+        letGo();
+        return true;
+    }
+    if (m_tool.isActive()) {
+        finishTool();
+        return true;
+    }
+    if (m_ruler.span()) {
+        m_ruler.clear();
+        update();
+        return true;
+    }
+    return false;
+}
+
+void ChartWidget::letGo()
+{
+    if (m_levelDrag.isActive()) {
+        m_levelDrag.cancel();
+        update();
+    }
+    m_ruler.finish();
     m_panZoom.end();
-    setCursor(Qt::ArrowCursor);
+    updateCursor();
+}
+
+void ChartWidget::updateCursor()
+{
+    Qt::CursorShape shape = Qt::ArrowCursor;
+    if (m_levelDrag.isActive())
+        shape = Qt::SizeVerCursor;
+    else if (m_panZoom.isPanning())
+        shape = Qt::ClosedHandCursor;
+    else if (m_tool.isActive() || m_ruler.isArmed())
+        shape = Qt::CrossCursor;
+    if (shape != cursor().shape())
+        setCursor(shape);
+}
+
+QRegion ChartWidget::previewArea(const QPoint& pointer) const
+{
+    if (!m_tool.placed())
+        return {};
+    const std::optional<QPoint> placed
+        = DrawingGeometry(view(), m_series.candles(), timeframeMs()).pixel(*m_tool.placed());
+    return placed ? overlays::preview(view(), *m_tool.kind(), *placed, pointer) : QRegion();
+}
+
+QRegion ChartWidget::rulerArea() const
+{
+    return m_ruler.span() ? overlays::ruler(view(), *m_ruler.span(), m_digits, m_texts) : QRegion();
+}
+
+QRegion ChartWidget::draggedLevelArea() const
+{
+    return m_levelDrag.isActive() ? overlays::level(view(), m_levelDrag.price()) : QRegion();
+}
+
+void ChartWidget::updateOverlay(const QRegion& area)
+{
+    if (paintsWholePixels())
+        update(area);
+    else
+        update();
 }

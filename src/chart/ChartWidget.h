@@ -6,9 +6,13 @@
 #include "chart/ChartType.h"
 #include "chart/ChartView.h"
 #include "chart/Drawing.h"
+#include "chart/DrawingList.h"
+#include "chart/DrawingTool.h"
 #include "chart/IndicatorCache.h"
+#include "chart/LevelDrag.h"
 #include "chart/MovingAverageSpec.h"
 #include "chart/PanZoom.h"
+#include "chart/Ruler.h"
 #include "chart/TextPainter.h"
 #include "chart/TradeLevel.h"
 #include "chart/ViewState.h"
@@ -81,18 +85,24 @@ public:
     [[nodiscard]] bool rsiEnabled() const { return m_rsiEnabled; }
     [[nodiscard]] int rsiPeriod() const { return m_rsiPeriod; }
 
-    /// The objects on the chart, later ones on top; replaces those shown.
+    /// The objects on the chart, later ones on top; replaces those shown. The selected object stays selected
+    /// when its server id is among them. An object being placed is not touched.
     void setDrawings(const QList<Drawing>& drawings);
-    [[nodiscard]] const QList<Drawing>& drawings() const { return m_drawings; }
-    /// The kind of object that the next clicks place (see Drawing::type); empty ends placing. Points placed
-    /// so far are dropped.
+    [[nodiscard]] const QList<Drawing>& drawings() const { return m_drawings.drawings(); }
+    /// Removes the selected object and tells its server id; false when none is selected.
+    bool deleteSelectedDrawing();
+    /// The kind of object that the next clicks place (see Drawing::type); empty or unknown ends placing.
+    /// Points placed so far are dropped.
     void setTool(const QString& key);
-    [[nodiscard]] QString tool() const { return m_tool; }
+    [[nodiscard]] QString tool() const { return m_tool.key(); }
 
-    /// Arms or disarms the ruler; a ruler in progress ends.
+    /// Arms or disarms the ruler (see Ruler); a shown ruler goes. While armed, presses in the plot measure
+    /// instead of panning, selecting or taking levels; placing an object goes first.
     void setMeasureMode(bool on);
-    [[nodiscard]] bool measureMode() const { return m_ruler.armed; }
+    [[nodiscard]] bool measureMode() const { return m_ruler.isArmed(); }
 
+    /// A level being dragged stays in the hand while its line is among them at the same price; otherwise the
+    /// drag ends without asking for anything.
     void setTradeLevels(const QList<TradeLevel>& levels);
     [[nodiscard]] const QList<TradeLevel>& tradeLevels() const { return m_levels; }
 
@@ -126,15 +136,10 @@ protected:
     void mouseReleaseEvent(QMouseEvent* event) override;
     void wheelEvent(QWheelEvent* event) override;
     void leaveEvent(QEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+    void hideEvent(QHideEvent* event) override;
 
 private:
-    struct Ruler {
-        bool armed = false;
-        bool active = false;
-        QPoint start = {-1, -1};
-        QPoint end = {-1, -1};
-    };
-
     /// What a tick may change, as it was before.
     struct QuotedView {
         std::optional<ChartView> view; ///< absent when only a whole frame will do
@@ -151,7 +156,22 @@ private:
     void refreshView() const;
     void applyView(const ViewState& state);
     void movePointer(const QPoint& position);
-    void endPanning();
+    [[nodiscard]] bool pressTool(const QPoint& position);
+    [[nodiscard]] bool pressRuler(const QPoint& position);
+    [[nodiscard]] bool pressLevel(const QPoint& position);
+    [[nodiscard]] bool pressDrawing(const QPoint& position);
+    void finishTool();
+    void stretchRuler(const QPoint& position);
+    void dragLevel(const QPoint& position);
+    void dropLevel();
+    [[nodiscard]] bool cancelGesture();
+    /// Ends what only lives while the button is held; a level goes back to its place.
+    void letGo();
+    void updateCursor();
+    [[nodiscard]] QRegion previewArea(const QPoint& pointer) const;
+    [[nodiscard]] QRegion rulerArea() const;
+    [[nodiscard]] QRegion draggedLevelArea() const;
+    void updateOverlay(const QRegion& area);
     [[nodiscard]] ViewState atEnd() const;
     [[nodiscard]] bool pointerInPlot() const;
 
@@ -171,11 +191,10 @@ private:
     bool m_rsiEnabled = false;
     int m_rsiPeriod = 14;
     Ruler m_ruler;
-    QList<Drawing> m_drawings;
-    QString m_tool;
+    DrawingList m_drawings;
+    DrawingTool m_tool;
     QList<TradeLevel> m_levels;
-    int m_draggedLevel = -1;
-    double m_draggedPrice = 0.0;
+    LevelDrag m_levelDrag;
     QPoint m_pointer = {-1, -1};
 
     mutable bool m_viewStale = true;

@@ -41,7 +41,7 @@ struct LayerEntry {
     /// kept picture, which holds none of the newest bar. More than one where a neighbour could have been
     /// covered by the same bar of an earlier layer.
     int liveBars;
-    void (*paint)(QPainter&, const ChartFrame&); ///< null while a layer has no code yet
+    void (*paint)(QPainter&, const ChartFrame&);
 };
 
 /// The order of painting, first painted first: later layers cover earlier ones.
@@ -53,14 +53,14 @@ inline constexpr std::array layerOrder{
     LayerEntry{Layer::Volume, Band::Kept, 1, &layers::paintVolume},
     LayerEntry{Layer::Prices, Band::Kept, 3, &layers::paintPrices},
     LayerEntry{Layer::MovingAverages, Band::Kept, 5, &layers::paintMovingAverages},
-    LayerEntry{Layer::Drawings, Band::Live, 0, nullptr},
+    LayerEntry{Layer::Drawings, Band::Live, 0, &layers::paintDrawings},
     LayerEntry{Layer::Header, Band::Live, 0, &layers::paintHeader},
     LayerEntry{Layer::AverageLegend, Band::Live, 0, &layers::paintAverageLegend},
     LayerEntry{Layer::TradeLevels, Band::Live, 0, &layers::paintTradeLevels},
     LayerEntry{Layer::Quotes, Band::Live, 0, &layers::paintQuotes},
     LayerEntry{Layer::Crosshair, Band::Live, 0, &layers::paintCrosshair},
-    LayerEntry{Layer::Ruler, Band::Live, 0, nullptr},
-    LayerEntry{Layer::DrawingPreview, Band::Live, 0, nullptr},
+    LayerEntry{Layer::Ruler, Band::Live, 0, &layers::paintRuler},
+    LayerEntry{Layer::DrawingPreview, Band::Live, 0, &layers::paintDrawingPreview},
     LayerEntry{Layer::RsiPane, Band::Live, 0, &layers::paintRsiPane},
     LayerEntry{Layer::ScrollButton, Band::Live, 0, &layers::paintScrollButton},
     LayerEntry{Layer::ShiftMarker, Band::Live, 0, &layers::paintShiftMarker},

@@ -23,7 +23,7 @@ static_assert(groundComesFirst(), "a picture of the ground lies below all bars")
 
 bool isPainted(const LayerEntry& entry, const ChartFrame& frame)
 {
-    return entry.paint && (entry.layer <= Layer::EmptySeries || !frame.candles.empty());
+    return entry.layer <= Layer::EmptySeries || !frame.candles.empty();
 }
 
 void paintBand(QPainter& painter, const ChartFrame& frame, Band band)

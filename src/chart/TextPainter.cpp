@@ -12,6 +12,7 @@ using namespace Qt::StringLiterals;
 namespace {
 
 constexpr int pointSize = 8;
+constexpr int smallPointSize = 7;
 constexpr int boldWeight = 700;
 /// Enough for every label of a large screen several times over.
 constexpr qsizetype mostLayouts = 1024;
@@ -21,15 +22,22 @@ constexpr qsizetype longestText = 1024;
 } // namespace
 
 TextPainter::TextPainter()
+    : m_normal(faceOf(pointSize, Weight::Normal))
+    , m_bold(faceOf(pointSize, Weight::Bold))
+    , m_small(faceOf(smallPointSize, Weight::Normal))
 {
-    for (Face& face : m_faces) {
-        face.font = QFont(u"Segoe UI"_s, pointSize);
-        if (&face != &m_faces.front())
-            face.font.setWeight(static_cast<QFont::Weight>(boldWeight));
-        const QFontMetrics metrics(face.font);
-        face.ascent = metrics.ascent();
-        face.height = metrics.height();
-    }
+}
+
+TextPainter::Face TextPainter::faceOf(int points, Weight weight)
+{
+    Face face;
+    face.font = QFont(u"Segoe UI"_s, points);
+    if (weight == Weight::Bold)
+        face.font.setWeight(static_cast<QFont::Weight>(boldWeight));
+    const QFontMetrics metrics(face.font);
+    face.ascent = metrics.ascent();
+    face.height = metrics.height();
+    return face;
 }
 
 const TextPainter::Layout& TextPainter::layout(Face& face, const QString& text)
@@ -74,15 +82,26 @@ void TextPainter::draw(QPainter& painter, const QRect& box, Qt::Alignment alignm
 
 void TextPainter::drawAt(QPainter& painter, const QPoint& baseline, const QString& text, const QColor& color)
 {
+    drawAt(painter, baseline, m_normal, text, color);
+}
+
+void TextPainter::drawSmallAt(
+    QPainter& painter, const QPoint& baseline, const QString& text, const QColor& color)
+{
+    drawAt(painter, baseline, m_small, text, color);
+}
+
+void TextPainter::drawAt(
+    QPainter& painter, const QPoint& baseline, Face& face, const QString& text, const QColor& color)
+{
     if (text.isEmpty())
         return;
-    Face& used = face(Weight::Normal);
-    painter.setFont(used.font);
+    painter.setFont(face.font);
     painter.setPen(color);
-    painter.drawStaticText(baseline.x(), baseline.y() - used.ascent, layout(used, text).text);
+    painter.drawStaticText(baseline.x(), baseline.y() - face.ascent, layout(face, text).text);
 }
 
 int TextPainter::advance(const QString& text)
 {
-    return layout(face(Weight::Normal), text).advance;
+    return layout(m_normal, text).advance;
 }

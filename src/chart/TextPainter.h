@@ -5,8 +5,6 @@
 #include <QStaticText>
 #include <QString>
 
-#include <array>
-
 class QColor;
 class QPainter;
 class QPoint;
@@ -26,6 +24,8 @@ public:
 
     /// One line whose baseline starts at a point.
     void drawAt(QPainter& painter, const QPoint& baseline, const QString& text, const QColor& color);
+    /// The same in the font of labels that stand close together.
+    void drawSmallAt(QPainter& painter, const QPoint& baseline, const QString& text, const QColor& color);
 
     /// How far one line reaches, in pixels.
     [[nodiscard]] int advance(const QString& text);
@@ -43,8 +43,13 @@ private:
         QHash<QString, Layout> layouts;
     };
 
-    [[nodiscard]] Face& face(Weight weight) { return m_faces[weight == Weight::Bold ? 1 : 0]; }
+    [[nodiscard]] Face& face(Weight weight) { return weight == Weight::Bold ? m_bold : m_normal; }
+    [[nodiscard]] static Face faceOf(int points, Weight weight);
     [[nodiscard]] static const Layout& layout(Face& face, const QString& text);
+    static void drawAt(
+        QPainter& painter, const QPoint& baseline, Face& face, const QString& text, const QColor& color);
 
-    std::array<Face, 2> m_faces;
+    Face m_normal;
+    Face m_bold;
+    Face m_small;
 };

@@ -1,0 +1,23 @@
+#include "chart/ChartFrame.h"
+#include "chart/DrawingGeometry.h"
+#include "chart/layers/Layers.h"
+#include "chart/layers/LineStrokes.h"
+#include "chart/layers/OverlayAreas.h"
+
+#include <QColor>
+
+void layers::paintDrawingPreview(QPainter& painter, const ChartFrame& frame)
+{
+    if (!frame.preview || !frame.pointerInPlot)
+        return;
+    const DrawingGeometry geometry(frame.view, frame.candles, frame.timeframeMs);
+    const std::optional<QPoint> placed = geometry.pixel(frame.preview->placed);
+    if (!placed)
+        return;
+    constexpr QColor color(0xe0, 0xe0, 0xe0);
+    const strokes::LineStyle dashed{1, Qt::DashLine};
+    if (overlays::isBox(frame.preview->kind))
+        strokes::boxBetween(painter, *placed, frame.pointer, frame.view.plot(), color, dashed);
+    else
+        strokes::between(painter, *placed, frame.pointer, frame.view.plot(), color, dashed);
+}

@@ -1,0 +1,48 @@
+#include "chart/layers/OverlayAreas.h"
+
+#include "chart/ChartView.h"
+#include "chart/TextPainter.h"
+#include "chart/layers/PriceTag.h"
+
+#include <algorithm>
+
+namespace {
+
+QRect boundsOf(const QPoint& a, const QPoint& b)
+{
+    return {QPoint(std::min(a.x(), b.x()), std::min(a.y(), b.y())),
+        QPoint(std::max(a.x(), b.x()), std::max(a.y(), b.y()))};
+}
+
+} // namespace
+
+QRegion overlays::preview(
+    const ChartView& view, DrawingKind kind, const QPoint& placed, const QPoint& pointer)
+{
+    const QRect bounds = boundsOf(placed, pointer);
+    if (!isBox(kind))
+        return bounds.intersected(view.plot());
+    QRegion sides;
+    sides += boundsOf(bounds.topLeft(), bounds.topRight()).intersected(view.plot());
+    sides += boundsOf(bounds.bottomLeft(), bounds.bottomRight()).intersected(view.plot());
+    sides += boundsOf(bounds.topLeft(), bounds.bottomLeft()).intersected(view.plot());
+    sides += boundsOf(bounds.topRight(), bounds.bottomRight()).intersected(view.plot());
+    return sides;
+}
+
+QRegion overlays::ruler(const ChartView& view, const Ruler::Span& span, int digits, TextPainter& texts)
+{
+    const QString text = Ruler::text(view, span, digits);
+    return QRegion(boundsOf(span.start, span.end).intersected(view.plot()))
+        + Ruler::box(view, span.end, texts.advance(text));
+}
+
+QRegion overlays::level(const ChartView& view, double price)
+{
+    if (!view.prices().contains(price))
+        return {};
+    const QRect& plot = view.plot();
+    const int y = view.pricePixel(price);
+    // The text may hang over the box that centres it by a few pixels.
+    return QRegion(QRect(QPoint(plot.left(), y - 20), QPoint(plot.right(), y + 4))) + priceTagBox(view, y);
+}

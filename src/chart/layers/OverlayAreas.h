@@ -1,0 +1,30 @@
+#pragma once
+
+#include "chart/DrawingKind.h"
+#include "chart/Ruler.h"
+
+#include <QRegion>
+
+class ChartView;
+class TextPainter;
+
+/// What the layers that follow a gesture cover: what a step of the gesture must paint anew.
+namespace overlays {
+
+/// Whether the preview of an object is the box between its points rather than a line.
+[[nodiscard]] constexpr bool isBox(DrawingKind kind)
+{
+    return kind == DrawingKind::Rectangle || kind == DrawingKind::Fibonacci;
+}
+
+/// The preview from a placed point to the pointer, in pixels.
+[[nodiscard]] QRegion preview(
+    const ChartView& view, DrawingKind kind, const QPoint& placed, const QPoint& pointer);
+
+/// The line and the box of a ruler.
+[[nodiscard]] QRegion ruler(const ChartView& view, const Ruler::Span& span, int digits, TextPainter& texts);
+
+/// A level line at a price with its label and its price tag; also valid for one that is not dragged.
+[[nodiscard]] QRegion level(const ChartView& view, double price);
+
+} // namespace overlays
