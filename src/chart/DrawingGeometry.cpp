@@ -30,8 +30,12 @@ std::optional<double> distance(const QPoint& pixel, const QPoint& from, const QP
         return std::nullopt;
     const double px = static_cast<double>(pixel.x()) - from.x();
     const double py = static_cast<double>(pixel.y()) - from.y();
-    const double along = std::clamp((px * dx + py * dy) / (length * length), 0.0, 1.0);
-    return std::hypot(px - along * dx, py - along * dy);
+    const double along = (px * dx + py * dy) / (length * length);
+    if (along <= 0.0)
+        return std::hypot(px, py);
+    if (along >= 1.0)
+        return std::hypot(px - dx, py - dy);
+    return std::abs(px * dy - py * dx) / length;
 }
 
 } // namespace

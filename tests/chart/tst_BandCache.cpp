@@ -1,6 +1,7 @@
 #include "chart/BandCache.h"
 
 #include "ChartFixtures.h"
+#include "DrawingFixtures.h"
 #include "chart/ChartFrame.h"
 #include "chart/ChartWidget.h"
 #include "chart/LayerStack.h"
@@ -139,6 +140,7 @@ void TestBandCache::the_picture_equals_all_layers_in_order()
     chart.setTradeLevels({{u"1"_s, u"SL"_s, 1.1, u"sl #1"_s, QColor(Qt::red), Qt::DashLine, true},
         {u"1"_s, u"ENTRY"_s, 1.105, u"buy"_s, QColor(Qt::blue), Qt::SolidLine, false}});
     chart.setCandles(fixtures::wave(150));
+    fixtures::addObjects(chart);
     chart.setChartType(type);
     BandCache cache;
     for (int step = 0; step < 120; ++step) {
@@ -179,6 +181,7 @@ void TestBandCache::what_stays_on_the_window_equals_all_layers_in_order()
     chart->setSymbolInfo(u"EURUSD"_s, u"M15"_s, u"Euro"_s);
     chart->setTradeLevels({{u"1"_s, u"SL"_s, 1.1, u"sl #1"_s, QColor(Qt::red), Qt::DashLine, true}});
     chart->setCandles(fixtures::wave(150));
+    fixtures::addObjects(*chart);
     window.show();
     QVERIFY(QTest::qWaitForWindowExposed(&window));
     QScreen* screen = window.screen();
@@ -321,6 +324,7 @@ void TestBandCache::frames_painted_in_parts_have_no_seams()
     chart.setTradeLevels({{u"1"_s, u"SL"_s, 1.1, u"sl #1"_s, QColor(Qt::red), Qt::DashDotLine, true},
         {u"1"_s, u"TP"_s, 1.105, u"tp #1"_s, QColor(Qt::green), Qt::DotLine, true}});
     chart.setCandles(fixtures::wave(150));
+    fixtures::addObjects(chart);
     chart.onTick(1.1, 1.1002, chart.candles().back().time);
     fixtures::hover(chart, QPoint(61, 83));
     const QImage expected = plain(chart, ratio);

@@ -516,11 +516,11 @@ void TestChartDrawings::objects_survive_a_change_of_timeframe()
     for (std::size_t i = 0; i < hours.size(); ++i)
         hours[i].time = midnight + static_cast<qint64>(i) * 4 * quarterHour;
     chart.setCandles(hours);
-    // Twenty quarters of an hour are five bars now; the selected end shows where the line begins.
+    // The newest bar began at quarter 96; the ends lie at quarters 99 and 79, 0 and 4 whole bars from it.
     click(chart, QPoint(331, chart.view().pricePixel(high)));
     QVERIFY(chart.drawings().first().selected);
     click(chart, QPoint(10, 10));
-    click(chart, QPoint(331 - 35, chart.view().pricePixel(low)));
+    click(chart, QPoint(331 - 28, chart.view().pricePixel(low)));
     QVERIFY(chart.drawings().first().selected);
 }
 

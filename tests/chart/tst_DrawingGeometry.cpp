@@ -138,13 +138,13 @@ void TestDrawingGeometry::absurd_times_lie_far_away_and_overflow_nothing()
     const DrawingGeometry geometry(viewOf(), candles, 1);
     QVERIFY(geometry.pixel({farthest, 1.0})->x() >= 100'000'000);
     QVERIFY(geometry.pixel({-farthest - 1, 1.0})->x() <= -100'000'000);
-    candles.back().time = -farthest - 1;
-    const DrawingGeometry opposite(viewOf(), candles, 1);
-    QVERIFY(opposite.pixel({farthest, 1.0})->x() >= 100'000'000);
     // A segment this long still has a distance.
     const Drawing line = drawing(u"trendline"_s, {{-farthest, priceAtRow(100)}, {farthest, priceAtRow(100)}});
     QVERIFY(geometry.isHit(line, QPoint(100, 106)));
     QVERIFY(!geometry.isHit(line, QPoint(100, 107)));
+    candles.back().time = -farthest - 1;
+    const DrawingGeometry opposite(viewOf(), candles, 1);
+    QVERIFY(opposite.pixel({farthest, 1.0})->x() >= 100'000'000);
 }
 
 void TestDrawingGeometry::prices_that_are_no_prices_lie_nowhere()
@@ -312,10 +312,11 @@ void TestDrawingGeometry::retracement_levels_run_from_the_first_point_to_the_sec
     DrawingGeometry::Shape shape;
     shape.first.price = 100.0;
     shape.second.price = 200.0;
-    QList<double> prices;
-    for (const double ratio : DrawingGeometry::fibonacciRatios)
-        prices.append(DrawingGeometry::fibonacciPrice(shape, ratio));
-    QCOMPARE(prices, (QList<double>{100.0, 123.6, 138.2, 150.0, 161.8, 178.6, 200.0}));
+    const std::array prices{100.0, 123.6, 138.2, 150.0, 161.8, 178.6, 200.0};
+    QCOMPARE(DrawingGeometry::fibonacciRatios.size(), prices.size());
+    for (std::size_t i = 0; i < prices.size(); ++i)
+        QCOMPARE(
+            DrawingGeometry::fibonacciPrice(shape, DrawingGeometry::fibonacciRatios.at(i)), prices.at(i));
     std::swap(shape.first, shape.second);
     QCOMPARE(DrawingGeometry::fibonacciPrice(shape, 0.0), 200.0);
     QCOMPARE(DrawingGeometry::fibonacciPrice(shape, 0.236), 176.4);

@@ -91,7 +91,8 @@ private:
         QColor fill = m_color;
         fill.setAlpha(fillAlpha);
         // Blending costs many times what copying does: only where something is painted.
-        for (const QRect& part : m_frame.exposed& QRect(corner, opposite).intersected(m_plot))
+        const QRect inside = QRect(corner, opposite).intersected(m_plot);
+        for (const QRect& part : m_frame.exposed.intersected(inside))
             m_painter.fillRect(part, fill);
         strokes::boxBetween(m_painter, corner, opposite, m_plot, m_color, m_style);
     }
