@@ -125,7 +125,7 @@ void TestChartGesturePictures::whatever_a_hand_does_the_window_shows_all_layers_
     int previews = 0;
     int rulers = 0;
     int drags = 0;
-    for (int step = 0; step < 300; ++step) {
+    for (int step = 0; step < 400; ++step) {
         hand.act();
         previews += chart->frame().preview ? 1 : 0;
         rulers += chart->frame().ruler ? 1 : 0;
