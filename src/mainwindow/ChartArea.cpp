@@ -86,6 +86,8 @@ QMdiSubWindow* ChartArea::addChart(const QString& symbol, const QString& timefra
     auto* chart = new ChartWindow(m_api, symbol, timeframe, m_book.currentAccountId(), digits);
     connect(chart, &ChartWindow::logMessage, this, &ChartArea::logMessage);
     connect(chart, &ChartWindow::specificationRequested, this, &ChartArea::specificationRequested);
+    connect(chart, &ChartWindow::modifyLevelRequested, this, &ChartArea::modifyLevelRequested);
+    connect(chart, &ChartWindow::quickTradeRequested, this, &ChartArea::quickTradeRequested);
     chart->restoreState(state);
     handOverEverything(*chart);
 

@@ -53,6 +53,10 @@ public:
 Q_SIGNALS:
     void specificationRequested(const QString& symbol);
     void logMessage(const QString& source, const QString& message);
+    /// A level line was dropped at a new price.
+    void modifyLevelRequested(const QString& tradeId, const QString& kind, double price);
+    /// A market order from the panel on a chart; `side` is "SELL" or "BUY".
+    void quickTradeRequested(const QString& symbol, const QString& side, double lots);
 
 protected:
     void changeEvent(QEvent* event) override;

@@ -18,10 +18,13 @@
 #include "mainwindow/SmallWindows.h"
 #include "mainwindow/TerminalActions.h"
 #include "mainwindow/ToolBars.h"
+#include "mainwindow/TradeActions.h"
+#include "mainwindow/TradeDesk.h"
 #include "mainwindow/TrayIcon.h"
-#include "orders/OrderDialog.h"
+#include "panes/AlertsPane.h"
 #include "panes/MarketWatchWidget.h"
 #include "panes/NavigatorWidget.h"
+#include "panes/NewsPane.h"
 #include "panes/TerminalPane.h"
 
 #include <QAction>
@@ -70,12 +73,16 @@ MainWindow::MainWindow(QWidget* parent)
             m_docks->toolboxDock().toggleViewAction()});
     m_chartCommands = new ChartCommands(*m_actions, *m_charts, this);
     m_smallWindows = new SmallWindows(m_book, *m_marketWatch, *this);
+    m_tradeActions = new TradeActions(m_api, m_book, this);
+    m_tradeDesk = new TradeDesk(m_api, m_feed, m_book, *m_tradeActions, *this);
     buildTray();
     m_orderEvents = new OrderEvents(m_tray != nullptr, this);
 
     connectFeed();
     connectPanes();
+    connectTrades();
     connectOrderEvents();
+    connectNotices();
     connectActions();
     buildMenus();
     buildToolbar();
@@ -89,7 +96,8 @@ MainWindow::~MainWindow()
 {
     // Whatever talks through the clients, or reports to this window, goes before them.
     m_feed.disconnect();
-    delete m_orderDialog;
+    delete m_tradeDesk;
+    delete m_tradeActions;
     m_charts->disconnect(this);
     delete m_chartCommands;
     delete m_charts;
@@ -99,9 +107,10 @@ MainWindow::~MainWindow()
 
 void MainWindow::buildToolbox()
 {
-    // Their panes follow; the tabs keep their places.
-    m_toolbox->addTab(new QWidget(m_toolbox->pageParent()), tr("Calendar"));
-    m_toolbox->addTab(new QWidget(m_toolbox->pageParent()), tr("Alerts"));
+    m_news = new NewsPane(m_api, m_toolbox->pageParent());
+    m_alerts = new AlertsPane(m_toolbox->pageParent());
+    m_toolbox->addTab(m_news, tr("Calendar"));
+    m_toolbox->addTab(m_alerts, tr("Alerts"));
 }
 
 void MainWindow::buildTray()
@@ -151,16 +160,45 @@ void MainWindow::connectPanes()
     connect(m_accounts, &AccountFlow::journalLine, this, &MainWindow::journal);
 }
 
+void MainWindow::connectTrades()
+{
+    connect(m_toolbox, &TerminalPane::tradeContextMenu, this, &MainWindow::onTradeContextMenu);
+    connect(m_toolbox, &TerminalPane::tradeDoubleClicked, this, &MainWindow::onTradeDoubleClicked);
+    connect(m_charts, &ChartArea::modifyLevelRequested, this, &MainWindow::onChartModifyLevel);
+    connect(m_charts, &ChartArea::quickTradeRequested, this, &MainWindow::onQuickTrade);
+    connect(m_actions->algoTrading, &QAction::toggled, m_tradeActions, &TradeActions::setAlgoTrading);
+    connect(m_tradeDesk, &TradeDesk::newOrderRequested, this, &MainWindow::openOrderDialog);
+    connect(m_tradeDesk, &TradeDesk::everythingRefreshWanted, m_accounts, &AccountFlow::refreshAll);
+    connectReports(m_tradeDesk);
+    connectReports(m_tradeActions);
+    connect(m_tradeActions, &TradeActions::soundWanted, this, &play);
+    connect(m_tradeActions, &TradeActions::historyRefreshWanted, m_accounts, &AccountFlow::refreshHistory);
+}
+
 void MainWindow::connectOrderEvents()
 {
-    connect(m_orderEvents, &OrderEvents::journalLine, this, &MainWindow::journal);
-    connect(m_orderEvents, &OrderEvents::expertLine, m_toolbox, &TerminalPane::expert);
+    connectReports(m_orderEvents);
     connect(m_orderEvents, &OrderEvents::soundWanted, this, &play);
-    connect(m_orderEvents, &OrderEvents::accountsRefreshWanted, m_accounts, &AccountFlow::refreshAccounts);
-    connect(m_orderEvents, &OrderEvents::tradesRefreshWanted, m_accounts, &AccountFlow::refreshOpenTrades);
     connect(m_orderEvents, &OrderEvents::historyRefreshWanted, m_accounts, &AccountFlow::refreshHistory);
-    if (m_tray)
-        connect(m_orderEvents, &OrderEvents::balloonWanted, m_tray, &TrayIcon::showBalloon);
+}
+
+void MainWindow::connectNotices()
+{
+    connect(m_alerts, &AlertsPane::soundWanted, this, &play);
+    if (!m_tray)
+        return;
+    connect(m_orderEvents, &OrderEvents::balloonWanted, m_tray, &TrayIcon::showBalloon);
+    connect(m_alerts, &AlertsPane::balloonWanted, m_tray, &TrayIcon::showBalloon);
+    connect(m_news, &NewsPane::balloonWanted, m_tray, &TrayIcon::showBalloon);
+}
+
+/// What everybody who acts on trades or hears of them has in common: lines, and lists to read again.
+template <typename Reporter> void MainWindow::connectReports(Reporter* reporter)
+{
+    connect(reporter, &Reporter::journalLine, this, &MainWindow::journal);
+    connect(reporter, &Reporter::expertLine, m_toolbox, &TerminalPane::expert);
+    connect(reporter, &Reporter::accountsRefreshWanted, m_accounts, &AccountFlow::refreshAccounts);
+    connect(reporter, &Reporter::tradesRefreshWanted, m_accounts, &AccountFlow::refreshOpenTrades);
 }
 
 void MainWindow::connectActions()
@@ -172,7 +210,6 @@ void MainWindow::connectActions()
     connect(m_actions->restoreLayout, &QAction::triggered, m_docks, &DockKeeper::restoreDefault);
     connect(m_actions->lightTheme, &QAction::triggered, this, [this] { chooseTheme(false); });
     connect(m_actions->darkTheme, &QAction::triggered, this, [this] { chooseTheme(true); });
-    connect(m_actions->algoTrading, &QAction::triggered, this, &MainWindow::switchAlgoTrading);
     connect(m_actions->timeframes, &QActionGroup::triggered, this, &MainWindow::onTimeframeAction);
     connect(m_actions->depthOfMarket, &QAction::triggered, this, &MainWindow::toggleDepthOfMarket);
     connect(m_actions->about, &QAction::triggered, m_smallWindows, &SmallWindows::showAbout);
@@ -215,7 +252,11 @@ void MainWindow::onHello(const QJsonObject& hello)
     m_smallWindows->onSymbols();
     onPrices(hello["prices"_L1].toObject());
     m_actions->setSymbolsKnown(!m_book.symbolsByName().isEmpty());
+    QStringList names = m_book.symbolsByName().keys();
+    std::sort(names.begin(), names.end());
+    m_alerts->setSymbols(names);
     m_accounts->refreshAccounts();
+    m_news->refresh();
 }
 
 void MainWindow::onPrices(const QJsonObject& prices)
@@ -224,6 +265,7 @@ void MainWindow::onPrices(const QJsonObject& prices)
     m_marketWatch->updatePrices(prices);
     m_toolbox->updateCurrentPrices(prices);
     m_charts->onPrices(prices);
+    m_alerts->onPrices(prices);
     m_smallWindows->onPrices();
 }
 
@@ -267,18 +309,27 @@ void MainWindow::onSubWindowActivated(QMdiSubWindow* /*subWindow*/)
 
 void MainWindow::openOrderDialog()
 {
-    if (m_orderDialog) {
-        m_orderDialog->show(); // it hides when it is closed while an order is on its way
-        m_orderDialog->raise();
-        m_orderDialog->activateWindow();
-        return;
-    }
-    m_orderDialog = new OrderDialog(
-        m_api, m_feed, m_book.sortedSymbols(), m_book.currentAccountId(), currentSymbol(), this);
-    m_orderDialog->setAttribute(Qt::WA_DeleteOnClose);
-    connect(m_orderDialog, &OrderDialog::orderPlaced, this, &MainWindow::onOrderPlaced);
-    connect(m_orderDialog, &OrderDialog::outcomeUnknown, m_accounts, &AccountFlow::refreshAll);
-    m_orderDialog->show();
+    m_tradeDesk->openOrderDialog(currentSymbol());
+}
+
+void MainWindow::onTradeContextMenu(const QPoint& globalPos, const QJsonObject& trade)
+{
+    m_tradeDesk->showMenu(globalPos, trade);
+}
+
+void MainWindow::onTradeDoubleClicked(const QJsonObject& trade)
+{
+    m_tradeDesk->openModifyDialog(trade);
+}
+
+void MainWindow::onChartModifyLevel(const QString& tradeId, const QString& kind, double price)
+{
+    m_tradeActions->moveLevel(tradeId, kind, price);
+}
+
+void MainWindow::onQuickTrade(const QString& symbol, const QString& side, double lots)
+{
+    m_tradeActions->quickTrade(symbol, side, lots);
 }
 
 void MainWindow::togglePopupPrices()
@@ -302,14 +353,6 @@ QString MainWindow::currentSymbol() const
     return chart ? chart->symbol() : m_marketWatch->currentSymbol();
 }
 
-void MainWindow::onOrderPlaced()
-{
-    journal(tr("Trade"), tr("Order placed"));
-    m_toolbox->expert(tr("Execution"), tr("Order placed"));
-    m_accounts->refreshAccounts();
-    m_accounts->refreshOpenTrades();
-}
-
 void MainWindow::journal(const QString& source, const QString& message)
 {
     m_toolbox->journal(source, message);
@@ -320,12 +363,6 @@ void MainWindow::chooseTheme(bool dark)
 {
     setTheme(dark);
     applyTheme(*qApp);
-}
-
-void MainWindow::switchAlgoTrading(bool on)
-{
-    m_algoTrading = on;
-    m_toolbox->expert(tr("Expert"), on ? tr("Algo Trading enabled") : tr("Algo Trading disabled"));
 }
 
 void MainWindow::bringToFront()

@@ -10,17 +10,20 @@
 #include <QPointer>
 
 class AccountFlow;
+class AlertsPane;
 class ChartArea;
 class ChartCommands;
 class DockKeeper;
 class MarketWatchWidget;
 class NavigatorWidget;
-class OrderDialog;
+class NewsPane;
 class OrderEvents;
 class QMdiSubWindow;
 class SmallWindows;
 class TerminalActions;
 class TerminalPane;
+class TradeActions;
+class TradeDesk;
 class TrayIcon;
 
 /// The terminal's window after sign-in. Constructs its collaborators, connects them, and delegates:
@@ -50,6 +53,10 @@ public Q_SLOTS:
     void onSubWindowActivated(QMdiSubWindow* subWindow);
     /// Opens the order dialog for the active chart's symbol, or brings the open one to the front.
     void openOrderDialog();
+    void onTradeContextMenu(const QPoint& globalPos, const QJsonObject& trade);
+    void onTradeDoubleClicked(const QJsonObject& trade);
+    void onChartModifyLevel(const QString& tradeId, const QString& kind, double price);
+    void onQuickTrade(const QString& symbol, const QString& side, double lots);
     void showSpecification(const QString& symbol);
     void togglePopupPrices();
     void toggleDepthOfMarket();
@@ -70,17 +77,18 @@ private:
     void buildToolbar();
     void connectFeed();
     void connectPanes();
+    void connectTrades();
     void connectOrderEvents();
+    void connectNotices();
+    template <typename Reporter> void connectReports(Reporter* reporter);
     void connectActions();
     void setUpExperts();
     void restoreLayout();
     void saveLayout();
     void quit();
     void chooseTheme(bool dark);
-    void switchAlgoTrading(bool on);
     /// The active chart's symbol, else the one selected in Market Watch.
     [[nodiscard]] QString currentSymbol() const;
-    void onOrderPlaced();
 
     ApiClient m_api;
     WsClient m_feed;
@@ -100,6 +108,8 @@ private:
     TerminalActions* m_actions;
     ChartCommands* m_chartCommands;
     SmallWindows* m_smallWindows;
-    bool m_algoTrading = false; ///< whether scripts may place orders; off at every start
-    QPointer<OrderDialog> m_orderDialog;
+    TradeActions* m_tradeActions;
+    TradeDesk* m_tradeDesk;
+    AlertsPane* m_alerts = nullptr;
+    NewsPane* m_news = nullptr;
 };

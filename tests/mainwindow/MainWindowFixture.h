@@ -34,6 +34,7 @@ struct MainWindowFixture final {
         http.on("GET", "/api/trades/history", StubAnswer::json("[]"));
         http.on("GET", "/api/candles", StubAnswer::json("[]"));
         http.on("GET", "/api/drawings", StubAnswer::json("[]"));
+        http.on("GET", "/api/news/upcoming", StubAnswer::json(R"({"events":[]})"));
     }
 
     [[nodiscard]] static QByteArray accounts()

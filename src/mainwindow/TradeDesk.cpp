@@ -1,0 +1,83 @@
+#include "mainwindow/TradeDesk.h"
+
+#include "mainwindow/AccountBook.h"
+#include "mainwindow/TradeActions.h"
+#include "mainwindow/TradeMenu.h"
+#include "orders/ModifyDialog.h"
+#include "orders/OrderDialog.h"
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr int usualDigits = 5;
+
+} // namespace
+
+TradeDesk::TradeDesk(
+    ApiClient& api, WsClient& feed, const AccountBook& book, TradeActions& actions, QWidget& window)
+    : QObject(&window)
+    , m_api(api)
+    , m_feed(feed)
+    , m_book(book)
+    , m_window(window)
+    , m_menu(new TradeMenu(window))
+{
+    connect(m_menu, &TradeMenu::closeConfirmed, &actions, &TradeActions::closePosition);
+    connect(m_menu, &TradeMenu::cancelRequested, &actions, &TradeActions::cancelOrder);
+    connect(m_menu, &TradeMenu::modifyRequested, this, &TradeDesk::openModifyDialog);
+    connect(m_menu, &TradeMenu::newOrderRequested, this, &TradeDesk::newOrderRequested);
+}
+
+TradeDesk::~TradeDesk()
+{
+    delete m_orderDialog;
+}
+
+void TradeDesk::openOrderDialog(const QString& symbol)
+{
+    if (m_orderDialog) {
+        m_orderDialog->show(); // it hides when it is closed while an order is on its way
+        m_orderDialog->raise();
+        m_orderDialog->activateWindow();
+        return;
+    }
+    m_orderDialog = new OrderDialog(
+        m_api, m_feed, m_book.sortedSymbols(), m_book.currentAccountId(), symbol, &m_window);
+    m_orderDialog->setAttribute(Qt::WA_DeleteOnClose);
+    connect(m_orderDialog, &OrderDialog::orderPlaced, this, &TradeDesk::onOrderPlaced);
+    connect(m_orderDialog, &OrderDialog::outcomeUnknown, this, &TradeDesk::everythingRefreshWanted);
+    m_orderDialog->show();
+}
+
+void TradeDesk::openModifyDialog(const QJsonObject& trade)
+{
+    if (trade.isEmpty())
+        return;
+    const int digits = m_book.digits().value(trade.value("symbol"_L1).toString(), usualDigits);
+    auto* dialog = new ModifyDialog(m_api, trade, digits, &m_window);
+    dialog->setModal(true);
+    dialog->setAttribute(Qt::WA_DeleteOnClose);
+    connect(dialog, &ModifyDialog::modified, this, &TradeDesk::onModified);
+    connect(dialog, &ModifyDialog::outcomeUnknown, this, &TradeDesk::everythingRefreshWanted);
+    dialog->show();
+}
+
+void TradeDesk::showMenu(const QPoint& globalPos, const QJsonObject& trade)
+{
+    m_menu->popUp(globalPos, trade);
+}
+
+void TradeDesk::onOrderPlaced()
+{
+    Q_EMIT journalLine(tr("Trade"), tr("Order placed"));
+    Q_EMIT expertLine(tr("Execution"), tr("Order placed"));
+    Q_EMIT accountsRefreshWanted();
+    Q_EMIT tradesRefreshWanted();
+}
+
+void TradeDesk::onModified()
+{
+    Q_EMIT journalLine(tr("Trade"), tr("Order modified"));
+    Q_EMIT tradesRefreshWanted();
+}

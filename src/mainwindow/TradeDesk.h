@@ -1,0 +1,55 @@
+#pragma once
+
+#include <QJsonObject>
+#include <QObject>
+#include <QPointer>
+
+class AccountBook;
+class ApiClient;
+class OrderDialog;
+class QPoint;
+class QWidget;
+class TradeActions;
+class TradeMenu;
+class WsClient;
+
+/// Where a trader's hand meets the trades: the order dialog, the modify dialog and the menu of a trade row.
+/// Tells what has happened by lines, and what is to be read again.
+class TradeDesk final : public QObject {
+    Q_OBJECT
+    Q_DISABLE_COPY_MOVE(TradeDesk)
+
+public:
+    /// Clients, book and actions must outlive the desk; dialogs appear over `window`.
+    TradeDesk(
+        ApiClient& api, WsClient& feed, const AccountBook& book, TradeActions& actions, QWidget& window);
+    ~TradeDesk() override;
+
+public Q_SLOTS:
+    /// Opens the order dialog for a symbol, or brings the open one to the front.
+    void openOrderDialog(const QString& symbol);
+    /// Opens the modify dialog; an empty trade opens none.
+    void openModifyDialog(const QJsonObject& trade);
+    void showMenu(const QPoint& globalPos, const QJsonObject& trade);
+
+Q_SIGNALS:
+    /// The menu asks for a new order on whatever symbol is at hand.
+    void newOrderRequested();
+    void journalLine(const QString& source, const QString& message);
+    void expertLine(const QString& source, const QString& message);
+    void accountsRefreshWanted();
+    void tradesRefreshWanted();
+    /// Nobody knows what became of a request.
+    void everythingRefreshWanted();
+
+private:
+    void onOrderPlaced();
+    void onModified();
+
+    ApiClient& m_api;
+    WsClient& m_feed;
+    const AccountBook& m_book;
+    QWidget& m_window;
+    TradeMenu* m_menu;
+    QPointer<OrderDialog> m_orderDialog;
+};

@@ -1,0 +1,195 @@
+#include "MainWindowFixture.h"
+
+#include "app/DecimalEdit.h"
+#include "chart/ChartWidget.h"
+#include "chart/ChartWindow.h"
+#include "chart/OneClickPanel.h"
+#include "orders/ModifyDialog.h"
+#include "orders/OrderDialog.h"
+#include "panes/AlertsPane.h"
+#include "panes/TerminalPane.h"
+#include "support/TestMain.h"
+
+#include <QMenu>
+#include <QMessageBox>
+
+using namespace Qt::StringLiterals;
+
+/// From a row, a line or a panel under the trader's hand to the request and back.
+class tst_MainWindowTrades final : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void aRowsMenuClosesThePosition();
+    void aRowsMenuOpensTheOrderDialog();
+    void aDoubleClickModifiesTheTrade();
+    void theModifyDialogKnowsTheSymbolsDigits();
+    void aDroppedLevelIsSent();
+    void theOneClickPanelTrades();
+    void theAlgoSwitchIsToldInTheExpertsTab();
+    void alertsKnowTheSymbolsInAlphabeticalOrder();
+    void pricesReachTheAlerts();
+    void theCalendarIsReadAfterEachHello();
+
+private:
+    static QRect rowOf(const MainWindowFixture& f)
+    {
+        QTreeWidget& trades = f.list("tradeList");
+        return trades.visualItemRect(trades.topLevelItem(0));
+    }
+    static QMenu* menuOn(const MainWindowFixture& f)
+    {
+        QTreeWidget& trades = f.list("tradeList");
+        const QPoint place = rowOf(f).center();
+        QContextMenuEvent event(QContextMenuEvent::Mouse, place, trades.viewport()->mapToGlobal(place));
+        QApplication::sendEvent(trades.viewport(), &event);
+        return f.window->findChild<QMenu*>(u"tradeMenu"_s);
+    }
+    static void choose(QMenu* menu, const QString& text)
+    {
+        QVERIFY(menu);
+        for (QAction* action : menu->actions()) {
+            if (action->text() == text)
+                return QTest::mouseClick(menu, Qt::LeftButton, {}, menu->actionGeometry(action).center());
+        }
+        QFAIL(qPrintable(text));
+    }
+    static void doubleClickRow(const MainWindowFixture& f)
+    {
+        QTreeWidget& trades = f.list("tradeList");
+        QTest::mouseClick(trades.viewport(), Qt::LeftButton, {}, rowOf(f).center());
+        QTest::mouseDClick(trades.viewport(), Qt::LeftButton, {}, rowOf(f).center());
+    }
+};
+
+void tst_MainWindowTrades::aRowsMenuClosesThePosition()
+{
+    MainWindowFixture f;
+    f.signInAndSettle();
+    f.http.on("POST", "/api/trades/close/t1", StubAnswer::json("{}"));
+    f.http.clearRequests();
+    choose(menuOn(f), u"Close Position"_s);
+    auto* question = f.window->findChild<QMessageBox*>();
+    QVERIFY(question);
+    QTest::mouseClick(question->button(QMessageBox::Yes), Qt::LeftButton);
+    QTRY_COMPARE(f.journalCount(u"Trade: Position closed"_s), 1);
+    QTRY_COMPARE(f.http.count("GET", "/api/accounts"), 1);
+    QTRY_VERIFY(f.http.count("GET", "/api/trades/open") >= 1);
+    QTRY_VERIFY(f.http.count("GET", "/api/trades/history") >= 1);
+}
+
+void tst_MainWindowTrades::aRowsMenuOpensTheOrderDialog()
+{
+    MainWindowFixture f;
+    f.signInAndSettle();
+    choose(menuOn(f), u"New Order..."_s);
+    QVERIFY(f.window->findChild<OrderDialog*>());
+}
+
+void tst_MainWindowTrades::aDoubleClickModifiesTheTrade()
+{
+    MainWindowFixture f;
+    f.signInAndSettle();
+    f.http.on("PUT", "/api/trades/modify/t1", StubAnswer::json("{}"));
+    doubleClickRow(f);
+    const QPointer<ModifyDialog> dialog = f.window->findChild<ModifyDialog*>();
+    QVERIFY(dialog && dialog->isVisible() && dialog->isModal());
+    QTest::keyClicks(dialog->findChild<DecimalEdit*>(u"modifyStopLoss"_s), u"1.05"_s);
+    f.http.clearRequests();
+    QTest::keyClick(dialog, Qt::Key_Return);
+    QTRY_COMPARE(f.journalCount(u"Trade: Order modified"_s), 1);
+    QCOMPARE(f.http.last("PUT", "/api/trades/modify/t1").json(), QJsonObject({{u"stopLoss"_s, 1.05}}));
+    QTRY_COMPARE(f.http.count("GET", "/api/trades/open?accountId=a1"), 1);
+    QTRY_VERIFY(!dialog);
+}
+
+void tst_MainWindowTrades::theModifyDialogKnowsTheSymbolsDigits()
+{
+    MainWindowFixture f;
+    f.http.on("GET", "/api/trades/open?accountId=a1",
+        StubAnswer::json(R"([{"id":"t2","symbol":"USDJPY","type":"BUY","lotSize":1,"stopLoss":150}])"));
+    f.signInAndSettle();
+    doubleClickRow(f);
+    const auto* dialog = f.window->findChild<ModifyDialog*>();
+    QVERIFY(dialog);
+    QCOMPARE(dialog->findChild<DecimalEdit*>(u"modifyStopLoss"_s)->text(), u"150.000"_s);
+}
+
+void tst_MainWindowTrades::aDroppedLevelIsSent()
+{
+    MainWindowFixture f;
+    f.signInAndSettle();
+    f.window->openChart(u"EURUSD"_s);
+    f.http.on("PUT", "/api/trades/modify/t1", StubAnswer::json("{}"));
+    Q_EMIT f.charts().first()->chart().levelDragged(u"t1"_s, u"SL"_s, 1.07505);
+    QTRY_COMPARE(f.journalCount(u"Trade: SL moved to 1.07505"_s), 1);
+    QCOMPARE(f.http.last("PUT", "/api/trades/modify/t1").json(), QJsonObject({{u"stopLoss"_s, 1.07505}}));
+}
+
+void tst_MainWindowTrades::theOneClickPanelTrades()
+{
+    MainWindowFixture f;
+    f.signInAndSettle();
+    f.window->openChart(u"EURUSD"_s);
+    f.http.on("POST", "/api/trades/place", StubAnswer::json("{}"));
+    const auto* panel = f.window->findChild<OneClickPanel*>();
+    QVERIFY(panel && panel->isVisible());
+    for (QPushButton* button : panel->findChildren<QPushButton*>()) {
+        if (button->text().startsWith(u"BUY"_s))
+            QTest::mouseClick(button, Qt::LeftButton);
+    }
+    QTRY_COMPARE(f.journalCount(u"Trade: One-click BUY EURUSD executed"_s), 1);
+    QCOMPARE(f.http.last("POST", "/api/trades/place").json(),
+        QJsonObject({{u"symbol"_s, u"EURUSD"_s}, {u"type"_s, u"BUY"_s}, {u"orderKind"_s, u"MARKET"_s},
+            {u"lotSize"_s, 0.01}, {u"accountId"_s, u"a1"_s}}));
+}
+
+void tst_MainWindowTrades::theAlgoSwitchIsToldInTheExpertsTab()
+{
+    MainWindowFixture f;
+    f.signInAndSettle();
+    QAction* algo = f.action("Algo Trading");
+    QVERIFY(!algo->isChecked());
+    algo->trigger();
+    algo->trigger();
+    QCOMPARE(f.log("expertsList"),
+        QStringList({u"Expert: Algo Trading enabled"_s, u"Expert: Algo Trading disabled"_s}));
+}
+
+void tst_MainWindowTrades::alertsKnowTheSymbolsInAlphabeticalOrder()
+{
+    MainWindowFixture f;
+    f.feed.setGreeting(R"({"type":"hello","symbols":[{"name":"b"},{"name":"C"},{"name":"A"}],"prices":{}})");
+    f.signIn();
+    const auto* alerts = f.window->findChild<AlertsPane*>();
+    QTRY_COMPARE(alerts->symbols(), QStringList({u"A"_s, u"C"_s, u"b"_s}));
+}
+
+void tst_MainWindowTrades::pricesReachTheAlerts()
+{
+    TerminalSettings::instance().setAlerts(
+        uR"([{"symbol":"EURUSD","above":true,"price":1.5},{"symbol":"USDJPY","price":151}])"_s);
+    MainWindowFixture f;
+    f.signInAndSettle();
+    // The prices of the hello count as well.
+    QTRY_COMPARE(f.list("alertsList").topLevelItem(1)->text(3), u"Triggered"_s);
+    QCOMPARE(f.list("alertsList").topLevelItem(0)->text(3), u"Active"_s);
+    f.feed.send(R"({"type":"price_update","data":{"EURUSD":{"bid":"1.5","ask":"1.6"}}})");
+    QTRY_COMPARE(f.list("alertsList").topLevelItem(0)->text(3), u"Triggered"_s);
+    TerminalSettings::instance().setAlerts({});
+}
+
+void tst_MainWindowTrades::theCalendarIsReadAfterEachHello()
+{
+    MainWindowFixture f;
+    f.http.on("GET", "/api/news/upcoming",
+        StubAnswer::json(R"({"events":[{"id":"e","title":"Rates","impact":"LOW","minutesUntil":75}]})"));
+    f.signInAndSettle();
+    QTRY_COMPARE(f.list("newsList").topLevelItemCount(), 1);
+    QCOMPARE(f.list("newsList").topLevelItem(0)->text(4), u"1h 15m"_s);
+    f.feed.send(R"({"type":"hello","symbols":[{"name":"EURUSD"}],"prices":{}})");
+    QTRY_COMPARE(f.http.count("GET", "/api/news/upcoming"), 2);
+}
+
+TAVORAN_TEST_MAIN(tst_MainWindowTrades)
+#include "tst_MainWindowTrades.moc"
