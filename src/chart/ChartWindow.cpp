@@ -21,8 +21,6 @@
 #include <QDateTime>
 #include <QVBoxLayout>
 
-#include <algorithm>
-
 using namespace Qt::StringLiterals;
 
 namespace {
@@ -211,16 +209,7 @@ void ChartWindow::setTool(const QString& key)
 
 void ChartWindow::deleteSelectedDrawing()
 {
-    QList<Drawing> drawings = m_chart->drawings();
-    const auto selected = std::find_if(
-        drawings.begin(), drawings.end(), [](const Drawing& drawing) { return drawing.selected; });
-    if (selected == drawings.end())
-        return;
-    const QString id = selected->id;
-    drawings.erase(selected);
-    m_chart->setDrawings(drawings);
-    if (!id.isEmpty())
-        Q_EMIT m_chart->drawingDeleted(id);
+    m_chart->deleteSelectedDrawing();
 }
 
 bool ChartWindow::oneClickTrading() const

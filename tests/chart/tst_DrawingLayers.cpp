@@ -31,7 +31,6 @@ ChartFrame frameOf(const std::vector<Candle>& candles, TextPainter& texts)
     frame.bars = frame.view.visible();
     frame.timeframeMs = fixtures::quarterHour;
     frame.digits = 2;
-    frame.exposed = QRect(QPoint(0, 0), size);
     frame.texts = &texts;
     return frame;
 }
@@ -84,7 +83,6 @@ private Q_SLOTS:
     void a_vertical_line_runs_from_top_to_bottom();
     void a_trend_line_joins_its_points();
     void a_rectangle_is_filled_thinly_and_outlined();
-    void a_rectangle_is_filled_where_something_is_painted_only();
     void a_retracement_has_seven_lines_with_texts();
     void retracement_levels_outside_the_prices_are_not_drawn();
     void retracement_texts_are_smaller_than_others();
@@ -175,20 +173,6 @@ void TestDrawingLayers::a_rectangle_is_filled_thinly_and_outlined()
     QCOMPARE(pixelsOf(selected, QRect(260, 110, 2, 50), red), 100);
 }
 
-void TestDrawingLayers::a_rectangle_is_filled_where_something_is_painted_only()
-{
-    const QList<Drawing> drawings{object(u"rectangle"_s, {at(0, 10), at(19, 270)})};
-    ChartFrame frame = frameOf(m_candles, m_texts);
-    frame.drawings = drawings;
-    const QImage whole = paint(&layers::paintDrawings, frame);
-    frame.exposed = QRegion(220, 50, 30, 20) + QRegion(290, 60, 20, 40);
-    const QImage part = paint(&layers::paintDrawings, frame);
-    const QColor inside = whole.pixelColor(300, 140);
-    QCOMPARE(pixelsOf(part, part.rect(), inside), 30 * 20 + 20 * 40);
-    for (const QRect& rect : frame.exposed)
-        QCOMPARE(part.copy(rect), whole.copy(rect));
-}
-
 void TestDrawingLayers::a_retracement_has_seven_lines_with_texts()
 {
     // From row 240 up to row 40; the second point is the left one.
@@ -236,7 +220,6 @@ void TestDrawingLayers::retracement_texts_are_smaller_than_others()
 
 void TestDrawingLayers::shapes_stay_within_the_plot()
 {
-    QImage outside(size, QImage::Format_RGB32);
     for (const QString& type : {u"hline"_s, u"vline"_s, u"trendline"_s, u"rectangle"_s}) {
         const QImage image = painted(object(type, {at(5, 100), at(300, 400)}, true));
         QVERIFY(pixelsOtherThan(image, plot, black) > 0);

@@ -5,7 +5,6 @@
 #include "chart/layers/LineStrokes.h"
 
 #include <QPainter>
-#include <QRegion>
 
 #include <algorithm>
 
@@ -90,10 +89,7 @@ private:
         const QPoint opposite(std::max(shape.from.x(), shape.to.x()), std::max(shape.from.y(), shape.to.y()));
         QColor fill = m_color;
         fill.setAlpha(fillAlpha);
-        // Blending costs many times what copying does: only where something is painted.
-        const QRect inside = QRect(corner, opposite).intersected(m_plot);
-        for (const QRect& part : m_frame.exposed.intersected(inside))
-            m_painter.fillRect(part, fill);
+        m_painter.fillRect(QRect(corner, opposite).intersected(m_plot), fill);
         strokes::boxBetween(m_painter, corner, opposite, m_plot, m_color, m_style);
     }
 
