@@ -1,32 +1,18 @@
 #include "chart/ChartState.h"
 
 #include "chart/AveragePalette.h"
+#include "chart/ChartColorRoles.h"
 #include "chart/ChartWidget.h"
+#include "chart/ColorText.h"
 #include "net/JsonNumber.h"
 
 #include <QJsonArray>
 
 #include <algorithm>
-#include <array>
 
 using namespace Qt::StringLiterals;
 
 namespace {
-
-struct ColorRole {
-    QLatin1StringView key;
-    QColor ChartColors::*member;
-};
-
-constexpr std::array<ColorRole, 7> colorRoles{{
-    {"bg"_L1, &ChartColors::background},
-    {"grid"_L1, &ChartColors::grid},
-    {"axis"_L1, &ChartColors::axis},
-    {"up"_L1, &ChartColors::up},
-    {"down"_L1, &ChartColors::down},
-    {"line"_L1, &ChartColors::line},
-    {"vol"_L1, &ChartColors::volume},
-}};
 
 std::optional<bool> flag(const QJsonValue& value)
 {
@@ -45,8 +31,7 @@ MovingAverageSpec averageFromJson(const QJsonObject& json)
     if (json.value("type"_L1) == "ema"_L1)
         average.kind = AverageKind::Exponential;
     average.period = std::max(jsonInt(json.value("period"_L1), average.period), 1);
-    const QColor color(json.value("color"_L1).toString());
-    average.color = color.isValid() ? QColor(color.rgb()) : averageColor(0);
+    average.color = readColor(json.value("color"_L1), averageColor(0));
     return average;
 }
 
@@ -93,7 +78,7 @@ void ChartState::applyTo(ChartWidget& chart) const
 QJsonObject ChartState::toJson() const
 {
     QJsonObject colorNames;
-    for (const ColorRole& role : colorRoles)
+    for (const ChartColorRole& role : chartColorRoles())
         colorNames.insert(role.key, (colors.*role.member).name());
     QJsonArray averageList;
     for (const MovingAverageSpec& average : averages)
@@ -120,10 +105,7 @@ ChartState ChartState::fromJson(const QJsonObject& json)
     state.chartShift = flag(json.value("chartShift"_L1));
     state.autoScroll = flag(json.value("autoScroll"_L1));
     const QJsonObject colorNames = json.value("colors"_L1).toObject();
-    for (const ColorRole& role : colorRoles) {
-        const QColor color(colorNames.value(role.key).toString());
-        if (color.isValid())
-            state.colors.*role.member = color;
-    }
+    for (const ChartColorRole& role : chartColorRoles())
+        state.colors.*role.member = readColor(colorNames.value(role.key), state.colors.*role.member);
     return state;
 }

@@ -21,6 +21,8 @@
 #include <QDateTime>
 #include <QVBoxLayout>
 
+#include <utility>
+
 using namespace Qt::StringLiterals;
 
 namespace {
@@ -73,6 +75,7 @@ QJsonObject ChartWindow::saveState() const
 void ChartWindow::restoreState(const QJsonObject& state)
 {
     ChartState::fromJson(state).applyTo(*m_chart);
+    m_restored = true;
 }
 
 void ChartWindow::load()
@@ -102,7 +105,12 @@ void ChartWindow::onHistory(const QByteArray& body, const QString& error)
         Q_EMIT logMessage(tr("Chart"), tr("%1: failed to load candles: %2").arg(m_symbol, reason));
         return;
     }
+    // A history brings the view to its end and makes it follow; the first one after a restart must not
+    // take back what the trader had chosen.
+    const bool keepStill = std::exchange(m_restored, false) && !m_chart->autoScroll();
     m_chart->setCandles(std::move(history->candles));
+    if (keepStill)
+        m_chart->setAutoScroll(false);
     Q_EMIT logMessage(tr("Chart"),
         tr("%1,%2: %3 candles loaded")
             .arg(m_symbol, timeframeLabel(m_timeframe), QString::number(history->received)));

@@ -124,6 +124,7 @@ private:
     DataWindow* m_dataWindow = nullptr;
     QPointer<ChartPropertiesDialog> m_properties;
     unsigned int m_historyGeneration = 0;
+    bool m_restored = false; ///< a saved state was applied, and no history has arrived since
     double m_balance = 0.0;
     double m_equity = 0.0;
 };

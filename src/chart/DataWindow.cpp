@@ -15,6 +15,7 @@ DataWindow::DataWindow(const ChartWidget& chart, const QString& symbol, QWidget*
     , m_chart(chart)
     , m_symbol(symbol)
     , m_label(new QLabel(this))
+    , m_timer(this)
 {
     constexpr int margin = 8;
     constexpr int pollMs = 150;

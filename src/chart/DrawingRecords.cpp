@@ -1,6 +1,8 @@
 #include "chart/DrawingRecords.h"
 
-#include "net/JsonNumber.h"
+#include "chart/ColorText.h"
+#include "chart/DrawingKind.h"
+#include "chart/JsonPrice.h"
 
 #include <QSet>
 
@@ -12,16 +14,6 @@ namespace {
 
 /// The last millisecond that calendars know; anchors beyond it would overflow the way to their column.
 constexpr qint64 latestTime = 8'640'000'000'000'000;
-
-/// How many points an object of this kind has; 0 for an unknown kind.
-qsizetype pointsOf(const QString& type)
-{
-    if (type == "hline"_L1 || type == "vline"_L1)
-        return 1;
-    if (type == "trendline"_L1 || type == "rectangle"_L1 || type == "fibonacci"_L1)
-        return 2;
-    return 0;
-}
 
 std::optional<qint64> readTime(const QJsonValue& value)
 {
@@ -36,35 +28,14 @@ std::optional<qint64> readTime(const QJsonValue& value)
     return static_cast<qint64>(time);
 }
 
-std::optional<double> readPrice(const QJsonValue& value)
-{
-    const double price = jsonNumber(value);
-    if (price != 0.0)
-        return price;
-    // 0 stands for unreadable as well.
-    bool ok = value.isDouble() && value.toDouble() == 0.0;
-    if (value.isString())
-        ok = value.toString().toDouble(&ok) == 0.0 && ok;
-    return ok ? std::optional(0.0) : std::nullopt;
-}
-
 std::optional<DrawingPoint> readPoint(const QJsonValue& value)
 {
     const QJsonObject fields = value.toObject();
     const std::optional<qint64> time = readTime(fields.value("time"_L1));
-    const std::optional<double> price = readPrice(fields.value("price"_L1));
+    const std::optional<double> price = jsonPrice(fields.value("price"_L1));
     if (!time || !price)
         return std::nullopt;
     return DrawingPoint{*time, *price};
-}
-
-QColor readColor(const QJsonValue& style)
-{
-    const QString name = style.toObject().value("color"_L1).toString();
-    if (!QColor::isValidColor(name))
-        return Drawing().color;
-    const QColor color(name);
-    return {color.red(), color.green(), color.blue()};
 }
 
 std::optional<Drawing> readDrawing(const QJsonObject& fields)
@@ -72,12 +43,12 @@ std::optional<Drawing> readDrawing(const QJsonObject& fields)
     Drawing drawing;
     drawing.id = fields.value("id"_L1).toString();
     drawing.type = fields.value("toolType"_L1).toString();
-    drawing.color = readColor(fields.value("style"_L1));
+    drawing.color = readColor(fields.value("style"_L1).toObject().value("color"_L1), drawing.color);
     const QJsonArray points = fields.value("points"_L1).toArray();
-    const qsizetype wanted = pointsOf(drawing.type);
-    if (wanted == 0 || points.size() < wanted)
+    const std::optional<DrawingKind> kind = drawingKind(drawing.type);
+    if (!kind || points.size() < pointsNeeded(*kind))
         return std::nullopt;
-    for (qsizetype i = 0; i < wanted; ++i) {
+    for (int i = 0; i < pointsNeeded(*kind); ++i) {
         const std::optional<DrawingPoint> point = readPoint(points.at(i));
         if (!point)
             return std::nullopt;

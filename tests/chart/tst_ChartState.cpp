@@ -17,6 +17,10 @@ private Q_SLOTS:
     void badValuesAreReadAsMissing_data();
     void badValuesAreReadAsMissing();
     void anRsiPeriodBelowTwoBecomesTwo();
+    void aFullStateIsTheSameAgain();
+    void aColourThatDoesNotParseIsTheDefaultOne_data();
+    void aColourThatDoesNotParseIsTheDefaultOne();
+    void coloursThatAreNoObjectAreTheDefaultOnes();
 };
 
 void tst_ChartState::aNewChartSavesTheDefaults()
@@ -100,6 +104,64 @@ void tst_ChartState::anRsiPeriodBelowTwoBecomesTwo()
     ChartWidget chart;
     ChartState::fromJson({{u"rsi"_s, true}, {u"rsiPeriod"_s, -3}}).applyTo(chart);
     QCOMPARE(chart.rsiPeriod(), 2);
+}
+
+void tst_ChartState::aFullStateIsTheSameAgain()
+{
+    const QJsonObject json{
+        {u"mas"_s,
+            QJsonArray{QJsonObject{{u"type"_s, u"ema"_s}, {u"period"_s, 21}, {u"color"_s, u"#81c784"_s}},
+                QJsonObject{{u"type"_s, u"sma"_s}, {u"period"_s, 2}, {u"color"_s, u"#ffd54f"_s}}}},
+        {u"rsi"_s, true}, {u"rsiPeriod"_s, 9}, {u"chartType"_s, 1}, {u"chartShift"_s, true},
+        {u"autoScroll"_s, false},
+        {u"colors"_s,
+            QJsonObject{{u"bg"_s, u"#010101"_s}, {u"grid"_s, u"#020202"_s}, {u"axis"_s, u"#030303"_s},
+                {u"up"_s, u"#040404"_s}, {u"down"_s, u"#050505"_s}, {u"line"_s, u"#060606"_s},
+                {u"vol"_s, u"#070707"_s}}}};
+    ChartWidget chart;
+    ChartState::fromJson(json).applyTo(chart);
+    QCOMPARE(ChartState::of(chart).toJson(), json);
+}
+
+void tst_ChartState::aColourThatDoesNotParseIsTheDefaultOne_data()
+{
+    QTest::addColumn<QJsonValue>("value");
+    QTest::newRow("missing") << QJsonValue(QJsonValue::Undefined);
+    QTest::newRow("null") << QJsonValue();
+    QTest::newRow("number") << QJsonValue(0xff0000);
+    QTest::newRow("empty") << QJsonValue(u""_s);
+    QTest::newRow("unknown name") << QJsonValue(u"bleen"_s);
+    QTest::newRow("too short") << QJsonValue(u"#12"_s);
+    QTest::newRow("no hexadecimal digits") << QJsonValue(u"#gggggg"_s);
+}
+
+void tst_ChartState::aColourThatDoesNotParseIsTheDefaultOne()
+{
+    QFETCH(QJsonValue, value);
+    QTest::failOnWarning(QRegularExpression(u".*"_s));
+    for (const QString& key : {u"bg"_s, u"grid"_s, u"axis"_s, u"up"_s, u"down"_s, u"line"_s, u"vol"_s}) {
+        QJsonObject colors{{u"bg"_s, u"#010101"_s}, {u"grid"_s, u"#010101"_s}, {u"axis"_s, u"#010101"_s},
+            {u"up"_s, u"#010101"_s}, {u"down"_s, u"#010101"_s}, {u"line"_s, u"#010101"_s},
+            {u"vol"_s, u"#010101"_s}};
+        colors.insert(key, value);
+        ChartWidget chart;
+        ChartState::fromJson({{u"colors"_s, colors}}).applyTo(chart);
+        const QJsonObject defaults = ChartState().toJson().value(u"colors"_s).toObject();
+        colors.insert(key, defaults.value(key));
+        QCOMPARE(ChartState::of(chart).toJson().value(u"colors"_s).toObject(), colors);
+    }
+}
+
+void tst_ChartState::coloursThatAreNoObjectAreTheDefaultOnes()
+{
+    for (const QJsonValue& colors : {QJsonValue(u"#ff0000"_s), QJsonValue(QJsonArray{u"#ff0000"_s})}) {
+        ChartWidget chart;
+        ChartColors before;
+        before.up = Qt::red;
+        chart.setColors(before);
+        ChartState::fromJson({{u"colors"_s, colors}}).applyTo(chart);
+        QCOMPARE(chart.colors(), ChartColors());
+    }
 }
 
 TAVORAN_TEST_MAIN(tst_ChartState)

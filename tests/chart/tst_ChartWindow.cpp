@@ -2,9 +2,14 @@
 #include "chart/ChartFrame.h"
 #include "chart/ChartWidget.h"
 #include "chart/ChartWindow.h"
+#include "chart/Timeframe.h"
 #include "net/ApiClient.h"
 #include "support/StubHttpServer.h"
 #include "support/TestMain.h"
+
+#include <QDoubleSpinBox>
+
+#include <algorithm>
 
 using namespace Qt::StringLiterals;
 
@@ -35,6 +40,15 @@ private Q_SLOTS:
     void aTradeWithoutAStopGetsNoStopLine();
     void theDigitsAndTheDescriptionMayArriveLater();
     void whatTheCanvasReportsIsPassedOn();
+    void aNewWindowAsksForHistoryAndObjects();
+    void anotherAccountReadsTheObjectsAnew();
+    void aFailureWithTheObjectsIsJournalled();
+    void timeframesSwitchedFasterThanRepliesArriveShowTheLastOnly();
+    void moreHistoryThanAReplyMayHoldKeepsWhatIsShown();
+    void theFirstHistoryKeepsARestoredViewStill();
+    void laterHistoriesFollowTheEndAgain();
+    void aTimeframeChosenBeforeTheFirstHistoryFollowsTheEnd();
+    void aChosenToolTakesTheKeys();
     void accountAndFiguresAreKept();
     void theStateComesBack();
     void aReplyAfterTheWindowIsGoneIsDropped();
@@ -357,6 +371,156 @@ void tst_ChartWindow::whatTheCanvasReportsIsPassedOn()
     QCOMPARE(crosshair, QList<QVariantList>{{u"O: 1"_s}});
     QCOMPARE(modify, QList<QVariantList>({{u"id"_s, u"SL"_s, 1.25}}));
     QCOMPARE(scroll, QList<QVariantList>{{false}});
+}
+
+void tst_ChartWindow::aNewWindowAsksForHistoryAndObjects()
+{
+    ChartWindow window(*m_api, u"EUR&USD"_s, u"15m"_s, u"acc/1"_s, 5);
+    window.load();
+    QTRY_COMPARE(m_server->requests().size(), 2);
+    QCOMPARE(m_server->count("GET", "/api/candles?symbol=EUR%26USD&timeframe=15m"), 1);
+    QCOMPARE(m_server->count("GET", "/api/drawings?symbol=EUR%26USD&accountId=acc%2F1"), 1);
+}
+
+void tst_ChartWindow::anotherAccountReadsTheObjectsAnew()
+{
+    const QByteArray ofTwo = "/api/drawings?symbol=EURUSD&accountId=two";
+    m_server->on("GET", ofTwo,
+        StubAnswer::json(R"([{"id":"d","toolType":"vline","points":[{"time":"5","price":"1.5"}]}])"));
+    ChartWindow window(*m_api, u"EURUSD"_s, u"15m"_s, u"one"_s, 5);
+    window.setAccountId(u"two"_s);
+    QTRY_COMPARE(window.chart().drawings().size(), 1);
+    window.setAccountId(u"two"_s);
+    window.setTimeframe(u"1h"_s);
+    QTRY_COMPARE(m_server->count("GET", candlesPath), 1);
+    QCOMPARE(m_server->count("GET", drawingsPath), 1);
+    QCOMPARE(window.chart().drawings().size(), 1);
+}
+
+void tst_ChartWindow::aFailureWithTheObjectsIsJournalled()
+{
+    m_server->on("GET", drawingsPath, StubAnswer::json("{}"));
+    m_server->on("GET", candlesPath, StubAnswer::held());
+    ChartWindow window(*m_api, u"EURUSD"_s, u"15m"_s, {}, 5);
+    QSignalSpy log(&window, &ChartWindow::logMessage);
+    window.load();
+    QVERIFY(log.wait());
+    QCOMPARE(log,
+        QList<QVariantList>(
+            {{u"Chart"_s, u"EURUSD: failed to load drawings: Unexpected server response"_s}}));
+}
+
+void tst_ChartWindow::timeframesSwitchedFasterThanRepliesArriveShowTheLastOnly()
+{
+    m_server->on("GET", candlesPath, StubAnswer::held());
+    ChartWindow window(*m_api, u"EURUSD"_s, u"15m"_s, {}, 5);
+    QSignalSpy log(&window, &ChartWindow::logMessage);
+    const QStringList keys{u"1m"_s, u"5m"_s, u"1h"_s, u"4h"_s, u"1d"_s};
+    const auto targetOf
+        = [](const QString& key) { return "/api/candles?symbol=EURUSD&timeframe=" + key.toLatin1(); };
+    const auto seriesOf = [&keys](const QString& key) {
+        const auto place = static_cast<int>(keys.indexOf(key));
+        return StubAnswer::json(bars(place + 1, place + 1));
+    };
+    // Each round ends at another timeframe, and its replies come in the wrong order.
+    QString last;
+    for (int round = 0; round < 5; ++round) {
+        for (int i = 0; i < 10; ++i) {
+            last = keys.at((i * 3 + round) % keys.size());
+            window.setTimeframe(last);
+            QVERIFY(window.chart().candles().empty());
+        }
+        log.clear();
+        QStringList order = keys;
+        std::reverse(order.begin(), order.end());
+        order.removeAll(last);
+        order.append(last);
+        const auto answerAll = [&] {
+            for (const QString& key : std::as_const(order)) {
+                while (m_server->release(seriesOf(key), targetOf(key))) { }
+            }
+            return !window.chart().candles().empty();
+        };
+        QTRY_VERIFY(answerAll());
+        const int expected = static_cast<int>(keys.indexOf(last)) + 1;
+        QCOMPARE(window.chart().candles().size(), static_cast<std::size_t>(expected));
+        QCOMPARE(window.chart().candles().back().close, expected);
+        QCOMPARE(window.title(), u"EURUSD,"_s + timeframeLabel(last));
+        QCOMPARE(window.chart().timeframeMs(), timeframeMs(last));
+        QCOMPARE(log.last().at(1),
+            u"EURUSD,%1: %2 candles loaded"_s.arg(timeframeLabel(last), QString::number(expected)));
+    }
+}
+
+void tst_ChartWindow::moreHistoryThanAReplyMayHoldKeepsWhatIsShown()
+{
+    // A million rows are far above the size at which any reply is given up.
+    const QByteArray row
+        = R"({"timestamp":"2014-05-01T00:00:00.000Z","open":1,"high":1,"low":1,"close":1,"volume":1})";
+    QByteArray body = "[" + (row + ",").repeated(200'000);
+    body.back() = ']';
+    m_server->once("GET", candlesPath, StubAnswer::json(bars(3, 1.25)));
+    m_server->once("GET", candlesPath, StubAnswer::json(body));
+    ChartWindow window(*m_api, u"EURUSD"_s, u"15m"_s, {}, 5);
+    QSignalSpy log(&window, &ChartWindow::logMessage);
+    window.load();
+    QTRY_COMPARE(log.size(), 1);
+    window.reload();
+    QTRY_COMPARE(log.size(), 2);
+    QVERIFY(log.last().at(1).toString().startsWith(u"EURUSD: failed to load candles: "_s));
+    QCOMPARE(window.chart().candles().size(), std::size_t(3));
+}
+
+void tst_ChartWindow::theFirstHistoryKeepsARestoredViewStill()
+{
+    m_server->on("GET", candlesPath, StubAnswer::json(bars(3, 1.25)));
+    ChartWindow window(*m_api, u"EURUSD"_s, u"15m"_s, {}, 5);
+    window.restoreState({{u"autoScroll"_s, false}, {u"chartShift"_s, true}});
+    const QJsonObject restored = window.saveState();
+    QSignalSpy log(&window, &ChartWindow::logMessage);
+    window.load();
+    QTRY_COMPARE(log.size(), 1);
+    QVERIFY(!window.chart().autoScroll());
+    QCOMPARE(window.chart().rightBarIndex(), 2.0);
+    QCOMPARE(window.saveState(), restored);
+}
+
+void tst_ChartWindow::laterHistoriesFollowTheEndAgain()
+{
+    m_server->on("GET", candlesPath, StubAnswer::json(bars(3, 1.25)));
+    ChartWindow window(*m_api, u"EURUSD"_s, u"15m"_s, {}, 5);
+    window.restoreState({{u"autoScroll"_s, false}});
+    QSignalSpy log(&window, &ChartWindow::logMessage);
+    window.load();
+    QTRY_COMPARE(log.size(), 1);
+    window.reload();
+    QTRY_COMPARE(log.size(), 2);
+    QVERIFY(window.chart().autoScroll());
+}
+
+void tst_ChartWindow::aTimeframeChosenBeforeTheFirstHistoryFollowsTheEnd()
+{
+    m_server->on("GET", candlesPath, StubAnswer::json(bars(3, 1.25)));
+    ChartWindow window(*m_api, u"EURUSD"_s, u"15m"_s, {}, 5);
+    window.restoreState({{u"autoScroll"_s, false}});
+    QSignalSpy log(&window, &ChartWindow::logMessage);
+    window.setTimeframe(u"1h"_s);
+    QTRY_COMPARE(log.size(), 1);
+    QVERIFY(window.chart().autoScroll());
+}
+
+void tst_ChartWindow::aChosenToolTakesTheKeys()
+{
+    ChartWindow window(*m_api, u"EURUSD"_s, u"15m"_s, {}, 5);
+    window.show();
+    auto* box = window.findChild<QDoubleSpinBox*>();
+    box->setFocus();
+    window.setTool(u"hline"_s);
+    QCOMPARE(window.chart().tool(), u"hline"_s);
+    QCOMPARE(window.focusWidget(), &window.chart());
+    box->setFocus();
+    window.setTool({});
+    QCOMPARE(window.focusWidget(), box);
 }
 
 void tst_ChartWindow::accountAndFiguresAreKept()

@@ -1,3 +1,4 @@
+#include "chart/CandleSeries.h"
 #include "chart/HistoryReply.h"
 #include "support/TestMain.h"
 
@@ -20,6 +21,8 @@ private Q_SLOTS:
     void readsNumbersAndNumericStrings();
     void truncatesTheVolume_data();
     void truncatesTheVolume();
+    void unorderedAndDuplicateTimesMakeAnOrderedSeries();
+    void readsAsManyRowsAsAReplyMayHold();
     void skipsUnreadableElementsOneByOneButCountsThem();
     void keepsTheServersOrder();
     void anythingButAnArrayIsNoHistory_data();
@@ -126,6 +129,39 @@ void tst_HistoryReply::truncatesTheVolume()
     QJsonObject fields = row(u"2014-05-01T00:00:00.000Z"_s);
     fields.insert(u"volume"_s, volume);
     QCOMPARE(readRows({fields}).candles.front().volume, expected);
+}
+
+void tst_HistoryReply::unorderedAndDuplicateTimesMakeAnOrderedSeries()
+{
+    const HistoryReply reply
+        = readRows({row(u"2014-05-03T00:00:00Z"_s, 3.0), row(u"2014-05-01T00:00:00Z"_s, 1.0),
+            row(u"2014-05-03T00:00:00.000Z"_s, 3.5), row(u"2014-05-02T00:00:00Z"_s, 2.0)});
+    CandleSeries series;
+    series.setCandles(reply.candles);
+    QCOMPARE(series.count(), 3);
+    QCOMPARE(series.candles()[0].close, 1.0);
+    QCOMPARE(series.candles()[1].close, 2.0);
+    QCOMPARE(series.candles()[2].close, 3.5);
+}
+
+void tst_HistoryReply::readsAsManyRowsAsAReplyMayHold()
+{
+    constexpr int count = 150'000; // about what 16 MiB hold
+    const QByteArray head = R"({"timestamp":")";
+    const QByteArray tail = R"(","open":1.1,"high":1.3,"low":1.0,"close":"1.2","volume":7})";
+    QByteArray body = "[";
+    const QDateTime first(QDate(2014, 5, 1), QTime(0, 0), Qt::UTC);
+    for (int i = 0; i < count; ++i)
+        body += (i > 0 ? "," : "") + head + first.addSecs(60LL * i).toString(Qt::ISODateWithMs).toLatin1()
+            + tail;
+    body += "]";
+    const std::optional<HistoryReply> reply = HistoryReply::read(QJsonDocument::fromJson(body));
+    QVERIFY(reply);
+    QCOMPARE(reply->received, count);
+    CandleSeries series;
+    series.setCandles(reply->candles);
+    QCOMPARE(series.count(), count);
+    QCOMPARE(series.candles().back().time, first.toMSecsSinceEpoch() + 60'000LL * (count - 1));
 }
 
 void tst_HistoryReply::skipsUnreadableElementsOneByOneButCountsThem()

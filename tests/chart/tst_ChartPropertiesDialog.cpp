@@ -1,0 +1,236 @@
+#include "ChartWindowFixture.h"
+#include "app/Theme.h"
+#include "chart/ChartColorRoles.h"
+#include "chart/ChartPropertiesDialog.h"
+#include "support/TestMain.h"
+
+#include <QColorDialog>
+#include <QDialogButtonBox>
+#include <QFormLayout>
+#include <QLabel>
+#include <QPushButton>
+
+using namespace Qt::StringLiterals;
+using fixtures::ServedChart;
+
+class tst_ChartPropertiesDialog final : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init();
+
+    void isTitledAfterTheSymbol();
+    void hasOneRowForEachColour();
+    void swatchesShowTheChartsColours();
+    void swatchesKeepTheirSizeInEveryTheme_data();
+    void swatchesKeepTheirSizeInEveryTheme();
+    void presetsReplaceAllColours();
+    void theChooserIsNotStyledLikeItsSwatch();
+    void aColourIsChosen();
+    void aCancelledChoiceChangesNothing();
+    void coloursAreAppliedOnOkOnly();
+    void cancelLeavesTheChartAsItWas();
+    void asksOnlyOnceAtATime();
+
+private:
+    static ChartPropertiesDialog& open(const ServedChart& served);
+    static QList<QPushButton*> swatches(const QDialog& dialog);
+    static QPushButton* button(const QDialog& dialog, const QString& text);
+};
+
+void tst_ChartPropertiesDialog::init()
+{
+    setTheme(false);
+    applyTheme(*qApp);
+}
+
+ChartPropertiesDialog& tst_ChartPropertiesDialog::open(const ServedChart& served)
+{
+    served.window->showProperties();
+    return *served.window->findChild<ChartPropertiesDialog*>();
+}
+
+/// In the order of their rows.
+QList<QPushButton*> tst_ChartPropertiesDialog::swatches(const QDialog& dialog)
+{
+    QList<QPushButton*> found;
+    const auto* form = dialog.findChild<QFormLayout*>();
+    for (int row = 0; row < form->rowCount(); ++row) {
+        if (auto* swatch = qobject_cast<QPushButton*>(form->itemAt(row, QFormLayout::FieldRole)->widget()))
+            found.append(swatch);
+    }
+    return found;
+}
+
+QPushButton* tst_ChartPropertiesDialog::button(const QDialog& dialog, const QString& text)
+{
+    const QList<QPushButton*> buttons = dialog.findChildren<QPushButton*>();
+    const auto found = std::find_if(buttons.cbegin(), buttons.cend(),
+        [&text](const QPushButton* candidate) { return candidate->text() == text; });
+    return found == buttons.cend() ? nullptr : *found;
+}
+
+void tst_ChartPropertiesDialog::isTitledAfterTheSymbol()
+{
+    const ServedChart served(u"EUR%1\nUSD"_s);
+    served.show();
+    QCOMPARE(open(served).windowTitle(), u"Chart Properties — EUR%1 USD"_s);
+}
+
+void tst_ChartPropertiesDialog::hasOneRowForEachColour()
+{
+    const ServedChart served;
+    served.show();
+    const auto* form = open(served).findChild<QFormLayout*>();
+    QStringList labels;
+    for (int row = 0; row < form->rowCount(); ++row)
+        labels << qobject_cast<QLabel*>(form->itemAt(row, QFormLayout::LabelRole)->widget())->text();
+    QCOMPARE(labels,
+        QStringList({u"Background"_s, u"Grid"_s, u"Axis text"_s, u"Up / bull"_s, u"Down / bear"_s,
+            u"Line chart"_s, u"Volume"_s, u"Presets:"_s}));
+    QVERIFY(button(open(served), u"Qlon Green/Black"_s));
+    QVERIFY(button(open(served), u"Black/White"_s));
+}
+
+void tst_ChartPropertiesDialog::swatchesShowTheChartsColours()
+{
+    const ServedChart served;
+    ChartColors colors;
+    colors.grid = QColor(1, 2, 3);
+    served.chart().setColors(colors);
+    served.show();
+    const QList<QPushButton*> all = swatches(open(served));
+    QCOMPARE(all.size(), 7);
+    QCOMPARE(all.at(0)->styleSheet(), u"background:#000000;border:1px solid #888;"_s);
+    QCOMPARE(all.at(1)->styleSheet(), u"background:#010203;border:1px solid #888;"_s);
+    QCOMPARE(all.at(6)->styleSheet(), u"background:#2f6b3f;border:1px solid #888;"_s);
+    QCOMPARE(all.at(1)->grab().toImage().pixelColor(30, 10), QColor(1, 2, 3));
+}
+
+void tst_ChartPropertiesDialog::swatchesKeepTheirSizeInEveryTheme_data()
+{
+    QTest::addColumn<bool>("dark");
+    QTest::newRow("light") << false;
+    QTest::newRow("dark") << true;
+}
+
+void tst_ChartPropertiesDialog::swatchesKeepTheirSizeInEveryTheme()
+{
+    QFETCH(bool, dark);
+    setTheme(dark);
+    applyTheme(*qApp);
+    const ServedChart served;
+    served.show();
+    ChartPropertiesDialog& dialog = open(served);
+    QVERIFY(QTest::qWaitForWindowExposed(&dialog));
+    for (const QPushButton* swatch : swatches(dialog))
+        QCOMPARE(swatch->size(), QSize(60, 20));
+    QTest::mouseClick(button(dialog, u"Black/White"_s), Qt::LeftButton);
+    setTheme(!dark);
+    applyTheme(*qApp);
+    QCoreApplication::processEvents();
+    for (const QPushButton* swatch : swatches(dialog))
+        QCOMPARE(swatch->size(), QSize(60, 20));
+}
+
+void tst_ChartPropertiesDialog::presetsReplaceAllColours()
+{
+    const ServedChart served;
+    ChartColors colors;
+    colors.up = Qt::red;
+    served.chart().setColors(colors);
+    served.show();
+    const ChartPropertiesDialog& dialog = open(served);
+    const auto names = [&dialog] {
+        QStringList found;
+        for (const QPushButton* swatch : swatches(dialog))
+            found << swatch->styleSheet().mid(11, 7);
+        return found;
+    };
+    QTest::mouseClick(button(dialog, u"Black/White"_s), Qt::LeftButton);
+    QCOMPARE(names(),
+        QStringList({u"#ffffff"_s, u"#d6d6d6"_s, u"#333333"_s, u"#000000"_s, u"#000000"_s, u"#1f6fb2"_s,
+            u"#c8d8c8"_s}));
+    QTest::mouseClick(button(dialog, u"Qlon Green/Black"_s), Qt::LeftButton);
+    QCOMPARE(names(),
+        QStringList({u"#000000"_s, u"#232323"_s, u"#c0c0c0"_s, u"#00e600"_s, u"#ffffff"_s, u"#4fc3f7"_s,
+            u"#2f6b3f"_s}));
+    QCOMPARE(dialog.colors(), ChartColors());
+}
+
+void tst_ChartPropertiesDialog::theChooserIsNotStyledLikeItsSwatch()
+{
+    const ServedChart served;
+    served.show();
+    const ChartPropertiesDialog& dialog = open(served);
+    QTest::mouseClick(swatches(dialog).at(3), Qt::LeftButton);
+    QCOMPARE(dialog.findChild<QColorDialog*>()->parentWidget(), &dialog);
+}
+
+void tst_ChartPropertiesDialog::aColourIsChosen()
+{
+    const ServedChart served;
+    served.show();
+    const ChartPropertiesDialog& dialog = open(served);
+    QTest::mouseClick(swatches(dialog).at(3), Qt::LeftButton);
+    auto* chooser = dialog.findChild<QColorDialog*>();
+    QVERIFY(chooser && chooser->isVisible());
+    QCOMPARE(chooser->windowTitle(), u"Up / bull"_s);
+    QCOMPARE(chooser->currentColor(), QColor(0, 0xe6, 0));
+    chooser->setCurrentColor(QColor(0x12, 0x34, 0x56));
+    QTest::keyClick(chooser, Qt::Key_Return);
+    QCOMPARE(swatches(dialog).at(3)->styleSheet(), u"background:#123456;border:1px solid #888;"_s);
+    QCOMPARE(dialog.colors().up, QColor(0x12, 0x34, 0x56));
+    QCOMPARE(dialog.colors().down, ChartColors().down);
+    QVERIFY(dialog.isVisible());
+    QTRY_VERIFY(!dialog.findChild<QColorDialog*>());
+}
+
+void tst_ChartPropertiesDialog::aCancelledChoiceChangesNothing()
+{
+    const ServedChart served;
+    served.show();
+    const ChartPropertiesDialog& dialog = open(served);
+    QTest::mouseClick(swatches(dialog).at(0), Qt::LeftButton);
+    auto* chooser = dialog.findChild<QColorDialog*>();
+    chooser->setCurrentColor(Qt::red);
+    QTest::keyClick(chooser, Qt::Key_Escape);
+    QCOMPARE(dialog.colors(), ChartColors());
+}
+
+void tst_ChartPropertiesDialog::coloursAreAppliedOnOkOnly()
+{
+    const ServedChart served;
+    served.show();
+    const QPointer<ChartPropertiesDialog> dialog(&open(served));
+    QTest::mouseClick(button(*dialog, u"Black/White"_s), Qt::LeftButton);
+    QCOMPARE(served.chart().colors(), ChartColors());
+    const auto* buttons = dialog->findChild<QDialogButtonBox*>();
+    QTest::mouseClick(buttons->button(QDialogButtonBox::Ok), Qt::LeftButton);
+    QCOMPARE(served.chart().colors(), blackOnWhiteColors());
+    QTRY_VERIFY(!dialog);
+}
+
+void tst_ChartPropertiesDialog::cancelLeavesTheChartAsItWas()
+{
+    const ServedChart served;
+    served.show();
+    const QPointer<ChartPropertiesDialog> dialog(&open(served));
+    QTest::mouseClick(button(*dialog, u"Black/White"_s), Qt::LeftButton);
+    const auto* buttons = dialog->findChild<QDialogButtonBox*>();
+    QTest::mouseClick(buttons->button(QDialogButtonBox::Cancel), Qt::LeftButton);
+    QCOMPARE(served.chart().colors(), ChartColors());
+    QTRY_VERIFY(!dialog);
+    QCOMPARE(open(served).colors(), ChartColors());
+}
+
+void tst_ChartPropertiesDialog::asksOnlyOnceAtATime()
+{
+    const ServedChart served;
+    served.show();
+    QCOMPARE(&open(served), &open(served));
+    QCOMPARE(served.window->findChildren<ChartPropertiesDialog*>().size(), 1);
+}
+
+TAVORAN_TEST_MAIN(tst_ChartPropertiesDialog)
+#include "tst_ChartPropertiesDialog.moc"
