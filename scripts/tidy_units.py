@@ -119,6 +119,18 @@ def check_group(folder, sources, flags):
     return clean
 
 
+def prove_that_faults_are_found(folder):
+    """Stops unless a fault in an included source is found: silence would otherwise look like cleanness."""
+    fault = folder / "fault.cpp"
+    fault.write_text("int read(int n)\n{\n    int* p = nullptr;\n    if (n > 3)\n        p = &n;\n    return *p;\n}\n")
+    unit = folder / "UnifiedSource-fault.cpp"
+    unit.write_text('#include "fault.cpp" // NOLINT\n')
+    result = subprocess.run(["clang-tidy", "--quiet", "--header-filter", ".*", str(unit), "--"],
+                            capture_output=True, text=True)
+    if "clang-analyzer-core.NullDereference" not in result.stdout:
+        sys.exit(f"error: clang-tidy does not look into sources read together\n{result.stdout}{result.stderr}")
+
+
 def main(build, jobs, *paths):
     for path in paths:
         if not Path(path).exists():
@@ -126,6 +138,7 @@ def main(build, jobs, *paths):
     sources = chosen_sources(Path(build) / "compile_commands.json", paths)
     folder = Path(build).resolve() / "units"
     folder.mkdir(exist_ok=True)
+    prove_that_faults_are_found(folder)
     for source in sources:
         for name in MOC_INCLUDE.findall(source.read_text()):
             (folder / name).touch()
