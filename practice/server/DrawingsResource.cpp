@@ -76,7 +76,7 @@ std::string readColor(const BodyReader& body, const std::string& absent)
     if (!style || !style->contains("color"))
         return absent;
     const json& color = (*style)["color"];
-    const std::string text = color.is_string() ? color.get<std::string>() : "";
+    std::string text = color.is_string() ? color.get<std::string>() : "";
     const bool good = text.size() == 7 && text.front() == '#'
         && std::all_of(
             text.begin() + 1, text.end(), [](unsigned char digit) { return std::isxdigit(digit); });

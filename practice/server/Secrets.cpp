@@ -37,7 +37,7 @@ std::string hashWith(const std::string& password, const std::string& setting)
     // The work area holds the password's remains; libcrypt wants it zeroed before its first use.
     const auto work = std::make_unique<crypt_data>();
     const char* hash = ::crypt_r(password.c_str(), setting.c_str(), work.get());
-    const std::string result = hash && hash[0] != '*' ? hash : "";
+    std::string result = hash && hash[0] != '*' ? hash : "";
     ::explicit_bzero(work.get(), sizeof(crypt_data));
     return result;
 }
@@ -65,7 +65,7 @@ std::string hashPassword(const std::string& password)
     std::array<char, CRYPT_GENSALT_OUTPUT_SIZE> setting{};
     const char* made = ::crypt_gensalt_rn(hashMethod, 0, reinterpret_cast<const char*>(random.data()),
         static_cast<int>(random.size()), setting.data(), static_cast<int>(setting.size()));
-    const std::string hash = made ? hashWith(password, made) : "";
+    std::string hash = made ? hashWith(password, made) : "";
     if (hash.empty())
         throw std::runtime_error("the system's password hashing does not work");
     return hash;

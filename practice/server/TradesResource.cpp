@@ -25,7 +25,7 @@ ApiReply tradeList(const Platform& platform, const std::vector<Trade>& trades)
 
 std::string accountOf(const Platform& platform, const ApiRequest& request)
 {
-    const std::string accountId = requiredItem(request.target, "accountId");
+    std::string accountId = requiredItem(request.target, "accountId");
     if (!platform.owns(request.userId, accountId))
         throw ApiError{404, "You have no account with this accountId."};
     return accountId;

@@ -16,7 +16,7 @@ using namespace Qt::StringLiterals;
 namespace {
 
 constexpr int waitMilliseconds = 3000;
-constexpr qint64 mostBytes = 1024 * 1024;
+constexpr qint64 mostBytes = 1024LL * 1024;
 
 /// Waits until the reply is finished, which the time limit and the size limit bring about as well.
 void waitFor(QNetworkReply& reply, int milliseconds)
