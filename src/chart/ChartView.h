@@ -55,6 +55,8 @@ public:
     [[nodiscard]] const QRect& plot() const { return m_plot; }
     /// The lower pane; empty when it is off.
     [[nodiscard]] const QRect& rsi() const { return m_rsi; }
+    /// The pixel row that the time axis lies under: the last of the plot, or of the lower pane when it is on.
+    [[nodiscard]] int timeAxisEdge() const { return (m_rsi.isEmpty() ? m_plot : m_rsi).bottom(); }
     [[nodiscard]] QRect scrollToEndButton() const;
     /// Empty pixels kept right of the anchor bar.
     [[nodiscard]] int shift() const { return m_shift; }

@@ -115,7 +115,7 @@ private Q_SLOTS:
     void strengths_of_0_and_100_lie_at_the_edges_of_the_pane();
     void without_the_pane_nothing_is_painted();
     void the_pane_painted_in_parts_is_the_same();
-    void the_pane_lies_over_time_labels_and_time_tag_on_purpose();
+    void time_labels_and_time_tag_stand_under_the_pane();
     void a_chart_shows_the_values_of_its_closes();
     void values_follow_ticks_new_bars_and_reloads();
 
@@ -380,20 +380,23 @@ void TestIndicatorLayers::the_pane_painted_in_parts_is_the_same()
     }
 }
 
-void TestIndicatorLayers::the_pane_lies_over_time_labels_and_time_tag_on_purpose()
+void TestIndicatorLayers::time_labels_and_time_tag_stand_under_the_pane()
 {
-    // Labels and tag stand right below the plot, and the pane is a later layer.
     ChartWidget chart;
     chart.resize(size);
     chart.setCandles(fixtures::wave(100));
-    chart.setRsi(true, 400);
-    fixtures::hover(chart, QPoint(150, 100));
-    const QImage image = chart.grab().toImage();
-    const QRect plain(100, 220, 150, 14); // right of the title, above the line at 70
-    QCOMPARE(pixelsOtherThan(image, plain, QColor(0x0a, 0x0a, 0x0a)), 0);
-    chart.setRsi(false, 400);
     const QImage without = chart.grab().toImage();
-    QVERIFY(pixelsOtherThan(without, QRect(100, 280, 100, 18), black) > 100);
+    chart.setRsi(true, 400);
+    const int axisTop = size.height() - ChartView::timeAxisHeight;
+    QCOMPARE(chart.view().timeAxisEdge(), axisTop - 1);
+    const QRect labels(0, axisTop, chart.view().plot().width(), ChartView::timeAxisHeight);
+    QVERIFY(pixelsOtherThan(without, labels, black) > 100);
+    QCOMPARE(chart.grab().toImage().copy(labels), without.copy(labels));
+    fixtures::hover(chart, QPoint(150, 100));
+    const QImage hovered = chart.grab().toImage();
+    QCOMPARE(hovered.pixelColor(101, axisTop + 3), QColor(0x33, 0x33, 0x33));
+    const QRect pane(100, 220, 150, 14); // right of the title, above the line at 70
+    QCOMPARE(pixelsOtherThan(hovered, pane, QColor(0x0a, 0x0a, 0x0a)), 0);
 }
 
 void TestIndicatorLayers::a_chart_shows_the_values_of_its_closes()

@@ -7,7 +7,7 @@
 
 QRect crosshair::timeTag(const ChartView& view, int x)
 {
-    return {x - 50, view.plot().bottom() + 2, 100, 19};
+    return {x - 50, view.timeAxisEdge() + 2, 100, 19};
 }
 
 QRect crosshair::priceLine(const ChartView& view)

@@ -20,7 +20,7 @@ void layers::paintTimeGrid(QPainter& painter, const ChartFrame& frame)
             break;
         painter.setPen(pen);
         painter.drawLine(x, plot.top(), x, plot.bottom());
-        frame.texts->draw(painter, QRect(x - 44, plot.bottom() + 3, 88, 18), Qt::AlignHCenter,
+        frame.texts->draw(painter, QRect(x - 44, view.timeAxisEdge() + 3, 88, 18), Qt::AlignHCenter,
             barTimeText(frame.bar(i).time, frame.timeframeMs, false), frame.colors.axis);
     }
 }
