@@ -1,5 +1,6 @@
 #include "chart/HistoryReply.h"
 
+#include "chart/JsonPrice.h"
 #include "chart/PlainHistory.h"
 #include "net/JsonNumber.h"
 
@@ -10,6 +11,7 @@
 #include <QTimeZone>
 
 #include <algorithm>
+#include <cmath>
 #include <limits>
 
 using namespace Qt::StringLiterals;
@@ -74,12 +76,24 @@ qint32 tickVolume(const QJsonValue& value)
     return static_cast<qint32>(std::clamp(jsonNumber(value), 0.0, most));
 }
 
+/// A price that cannot be read is no number: shown as 0 it would stretch the whole chart.
+double priceOrNone(const QJsonValue& value)
+{
+    return jsonPrice(value).value_or(std::numeric_limits<double>::quiet_NaN());
+}
+
 } // namespace
 
 qint64 isoTimeMs(QLatin1StringView text)
 {
     const qint64 fast = utcTimeMs(text);
     return fast >= 0 ? fast : isoTimeMs(QString(text));
+}
+
+bool isComplete(const Candle& candle)
+{
+    return candle.time > 0 && !std::isnan(candle.open) && !std::isnan(candle.high) && !std::isnan(candle.low)
+        && !std::isnan(candle.close);
 }
 
 qint64 isoTimeMs(const QString& text)
@@ -106,16 +120,15 @@ std::optional<HistoryReply> HistoryReply::read(const QJsonDocument& document)
     for (const QJsonValue row : rows) {
         const QJsonObject fields = row.toObject();
         const qint64 time = isoTimeMs(fields.value("timestamp"_L1).toString());
-        if (time <= 0)
-            continue;
         Candle candle;
         candle.time = time;
-        candle.open = jsonNumber(fields.value("open"_L1));
-        candle.high = jsonNumber(fields.value("high"_L1));
-        candle.low = jsonNumber(fields.value("low"_L1));
-        candle.close = jsonNumber(fields.value("close"_L1));
+        candle.open = priceOrNone(fields.value("open"_L1));
+        candle.high = priceOrNone(fields.value("high"_L1));
+        candle.low = priceOrNone(fields.value("low"_L1));
+        candle.close = priceOrNone(fields.value("close"_L1));
         candle.volume = tickVolume(fields.value("volume"_L1));
-        reply.candles.push_back(candle);
+        if (isComplete(candle))
+            reply.candles.push_back(candle);
     }
     return reply;
 }

@@ -10,7 +10,7 @@
 
 /// The server's candle history, read from one reply.
 struct HistoryReply {
-    std::vector<Candle> candles; ///< in the server's order; unreadable elements are left out
+    std::vector<Candle> candles; ///< in the server's order; incomplete elements are left out
     qsizetype received = 0;      ///< elements of the reply array, readable or not
 
     /// Reads an array of {"timestamp", "open", "high", "low", "close", "volume"}. An element that is no
@@ -25,3 +25,7 @@ struct HistoryReply {
 /// 0 when the text is not such a time.
 [[nodiscard]] qint64 isoTimeMs(const QString& text);
 [[nodiscard]] qint64 isoTimeMs(QLatin1StringView text);
+
+/// Whether a candle read from a reply has a time and all four prices; one that could not be read is no
+/// number.
+[[nodiscard]] bool isComplete(const Candle& candle);

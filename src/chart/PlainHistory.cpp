@@ -12,6 +12,7 @@ namespace {
 
 // What lies beyond is damage; the general reader knows what to make of it.
 constexpr double largestMagnitude = 1e15;
+constexpr double noPrice = std::numeric_limits<double>::quiet_NaN();
 
 /// Walks through JSON text. Each "take" moves behind what it found and any blanks in front, or is false.
 class Scanner final {
@@ -178,11 +179,11 @@ std::optional<HistoryReply> readPlainHistory(QByteArrayView json)
     if (scanner.take(']'))
         return scanner.atEnd() ? std::optional(reply) : std::nullopt;
     do {
-        Candle candle;
+        Candle candle{0, noPrice, noPrice, noPrice, noPrice, 0};
         if (!takeCandle(scanner, candle))
             return std::nullopt;
         ++reply.received;
-        if (candle.time > 0)
+        if (isComplete(candle))
             reply.candles.push_back(candle);
     } while (scanner.take(','));
     if (!scanner.take(']') || !scanner.atEnd())

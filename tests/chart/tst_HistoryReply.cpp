@@ -19,6 +19,8 @@ private Q_SLOTS:
     void refusesWhatIsNoTimeAfterTheEpoch_data();
     void refusesWhatIsNoTimeAfterTheEpoch();
     void readsNumbersAndNumericStrings();
+    void leavesOutBarsWithAPriceThatCannotBeRead_data();
+    void leavesOutBarsWithAPriceThatCannotBeRead();
     void truncatesTheVolume_data();
     void truncatesTheVolume();
     void unorderedAndDuplicateTimesMakeAnOrderedSeries();
@@ -108,6 +110,36 @@ void tst_HistoryReply::readsNumbersAndNumericStrings()
     QCOMPARE(candle.low, 0.5);
     QCOMPARE(candle.close, 1.38686);
     QCOMPARE(candle.volume, 7);
+}
+
+void tst_HistoryReply::leavesOutBarsWithAPriceThatCannotBeRead_data()
+{
+    QTest::addColumn<QString>("key");
+    QTest::addColumn<QByteArray>("value"); // in place of the number; empty: the field is missing
+    for (const QString& key : {u"open"_s, u"high"_s, u"low"_s, u"close"_s}) {
+        for (const char* value : {"", "null", "true", "{}", "\"1.2x\"", "\"\"", "\"nan\"", "1e300"})
+            QTest::addRow("%s %s", qPrintable(key), value) << key << QByteArray(value);
+    }
+}
+
+void tst_HistoryReply::leavesOutBarsWithAPriceThatCannotBeRead()
+{
+    // As 0 it would stretch the scale of the whole chart.
+    QFETCH(QString, key);
+    QFETCH(QByteArray, value);
+    QByteArray bad = R"({"timestamp":"2014-05-01T00:00:00Z")";
+    for (const QString& each : {u"open"_s, u"high"_s, u"low"_s, u"close"_s}) {
+        const QByteArray number = each == key ? value : "1.5";
+        if (!number.isEmpty())
+            bad += ",\"" + each.toLatin1() + "\":" + number;
+    }
+    const QByteArray good
+        = R"({"timestamp":"2014-05-01T00:15:00Z","open":1,"high":2,"low":"0.5","close":1.5,"volume":1})";
+    const std::optional<HistoryReply> reply = HistoryReply::read("[" + bad + "}," + good + "]");
+    QVERIFY(reply);
+    QCOMPARE(reply->received, 2);
+    QCOMPARE(reply->candles.size(), std::size_t(1));
+    QCOMPARE(reply->candles.front().low, 0.5);
 }
 
 void tst_HistoryReply::truncatesTheVolume_data()

@@ -5,10 +5,11 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-const QByteArray usual = R"([{"timestamp":"2014-05-01T00:00:00.000Z","open":1.38686,"high":1.3888,)"
-                         R"("low":1.38e0,"close":"1.38701","volume":412},)"
-                         "\n "
-                         R"({ "timestamp" : "2014-05-01T00:15:00Z", "open":-0.5, "volume":1e3 } ])";
+const QByteArray usual
+    = R"([{"timestamp":"2014-05-01T00:00:00.000Z","open":1.38686,"high":1.3888,)"
+      R"("low":1.38e0,"close":"1.38701","volume":412},)"
+      "\n "
+      R"({ "timestamp" : "2014-05-01T00:15:00Z", "open":-0.5, "high":2, "low":-1, "close":1, "volume":1e3 } ])";
 
 std::optional<HistoryReply> byTheGeneralParser(const QByteArray& json)
 {
@@ -38,7 +39,7 @@ private Q_SLOTS:
         QCOMPARE(history->received, 2);
         QCOMPARE(history->candles.size(), std::size_t(2));
         QVERIFY((history->candles[0] == Candle{1'398'902'400'000, 1.38686, 1.3888, 1.38, 1.38701, 412}));
-        QVERIFY((history->candles[1] == Candle{1'398'903'300'000, -0.5, 0.0, 0.0, 0.0, 1000}));
+        QVERIFY((history->candles[1] == Candle{1'398'903'300'000, -0.5, 2.0, -1.0, 1.0, 1000}));
     }
 
     void whatItReadsIsWhatTheGeneralParserReads_data()
@@ -48,13 +49,21 @@ private Q_SLOTS:
         QTest::newRow("no candle") << "[]"_ba;
         QTest::newRow("no field") << "[{}]"_ba;
         QTest::newRow("time is a number") << R"([{"timestamp":1398902400000,"open":1}])"_ba;
-        QTest::newRow("time without zone") << R"([{"timestamp":"2014-05-01T00:00:00","open":1}])"_ba;
+        QTest::newRow("time without zone")
+            << R"([{"timestamp":"2014-05-01T00:00:00","open":1,"high":9,"low":1,"close":2}])"_ba;
         QTest::newRow("no time") << R"([{"timestamp":"yesterday","open":1}])"_ba;
-        QTest::newRow("field twice") << R"([{"timestamp":"2014-05-01T00:00:00Z","open":1,"open":2}])"_ba;
-        QTest::newRow("unknown field") << R"([{"timestamp":"2014-05-01T00:00:00Z","weight":3}])"_ba;
-        QTest::newRow("volume too large") << R"([{"timestamp":"2014-05-01T00:00:00Z","volume":1e14}])"_ba;
-        QTest::newRow("volume below zero") << R"([{"timestamp":"2014-05-01T00:00:00Z","volume":-3}])"_ba;
-        QTest::newRow("small number") << R"([{"timestamp":"2014-05-01T00:00:00Z","open":1.25e-7}])"_ba;
+        QTest::newRow("field twice")
+            << R"([{"timestamp":"2014-05-01T00:00:00Z","open":1,"open":2,"high":9,"low":1,"close":2}])"_ba;
+        QTest::newRow("unknown field")
+            << R"([{"timestamp":"2014-05-01T00:00:00Z","weight":3,"open":1,"high":9,"low":1,"close":2}])"_ba;
+        QTest::newRow("volume too large")
+            << R"([{"timestamp":"2014-05-01T00:00:00Z","volume":1e14,"open":1,"high":9,"low":1,"close":2}])"_ba;
+        QTest::newRow("volume below zero")
+            << R"([{"timestamp":"2014-05-01T00:00:00Z","volume":-3,"open":1,"high":9,"low":1,"close":2}])"_ba;
+        QTest::newRow("a price is missing")
+            << R"([{"timestamp":"2014-05-01T00:00:00Z","open":1,"high":9,"low":1}])"_ba;
+        QTest::newRow("small number")
+            << R"([{"timestamp":"2014-05-01T00:00:00Z","open":1.25e-7,"high":9,"low":1e-9,"close":2}])"_ba;
     }
     void whatItReadsIsWhatTheGeneralParserReads()
     {
@@ -118,7 +127,8 @@ private Q_SLOTS:
 
     void theReplyIsReadEitherWay()
     {
-        const QByteArray escaped = R"([{"\u0074imestamp":"2014-05-01T00:00:00Z","open":1}])"_ba;
+        const QByteArray escaped
+            = R"([{"\u0074imestamp":"2014-05-01T00:00:00Z","open":1,"high":9,"low":1,"close":2}])"_ba;
         QVERIFY(!readPlainHistory(escaped));
         QCOMPARE(HistoryReply::read(escaped)->candles.size(), std::size_t(1));
         QCOMPARE(HistoryReply::read(usual)->candles.size(), std::size_t(2));
