@@ -89,7 +89,7 @@ void LogList::append(const QString& source, const QString& message)
 // Deliberately past QTreeView, whose own version lays out all rows again.
 void LogList::rowsInserted(const QModelIndex& parent, int start, int end)
 {
-    QAbstractItemView::rowsInserted(parent, start, end);
+    QAbstractItemView::rowsInserted(parent, start, end); // NOLINT(bugprone-parent-virtual-call): see above
     m_behind = true;
     if (isVisible() && !m_layoutTimer.isActive())
         m_layoutTimer.start(topLevelItemCount() / rowsPerPauseMs, this);

@@ -2,6 +2,9 @@
 #include "app/DecimalEdit.h"
 #include "support/TestMain.h"
 
+#include <QClipboard>
+#include <QDoubleValidator>
+
 using namespace Qt::StringLiterals;
 
 class TestDecimalEdit : public QObject {

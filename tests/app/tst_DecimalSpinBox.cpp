@@ -2,6 +2,9 @@
 #include "app/DecimalSpinBox.h"
 #include "support/TestMain.h"
 
+#include <QClipboard>
+#include <QLineEdit>
+
 using namespace Qt::StringLiterals;
 
 class TestDecimalSpinBox : public QObject {

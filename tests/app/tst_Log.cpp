@@ -1,6 +1,8 @@
 #include "app/Log.h"
 #include "support/TestMain.h"
 
+#include <QRegularExpression>
+
 using namespace Qt::StringLiterals;
 
 namespace {

@@ -1,6 +1,9 @@
 #include "app/ServerText.h"
 #include "support/TestMain.h"
 
+#include <QLabel>
+#include <QTextDocument>
+
 using namespace Qt::StringLiterals;
 
 class TestServerText : public QObject {

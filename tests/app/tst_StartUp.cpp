@@ -4,10 +4,12 @@
 #include "support/LogMessages.h"
 #include "support/TestMain.h"
 
+#include <QDialog>
 #include <QSplashScreen>
 #include <QTcpServer>
 #include <QThread>
 #include <QThreadPool>
+#include <QTimer>
 
 #include <optional>
 

@@ -2,6 +2,13 @@
 #include "app/Theme.h"
 #include "support/TestMain.h"
 
+#include <QLabel>
+#include <QPalette>
+#include <QPushButton>
+#include <QRegularExpression>
+#include <QStyle>
+#include <QWidget>
+
 using namespace Qt::StringLiterals;
 
 namespace {

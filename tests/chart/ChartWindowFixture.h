@@ -6,6 +6,7 @@
 #include "net/ApiClient.h"
 #include "support/StubHttpServer.h"
 
+#include <QJsonDocument>
 #include <QJsonObject>
 #include <QtTest>
 

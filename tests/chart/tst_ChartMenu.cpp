@@ -7,6 +7,8 @@
 #include "chart/OneClickPanel.h"
 #include "support/TestMain.h"
 
+#include <QSpinBox>
+
 using namespace Qt::StringLiterals;
 using fixtures::ServedChart;
 

@@ -3,6 +3,7 @@
 #include "support/TestMain.h"
 
 #include <QJsonArray>
+#include <QRegularExpression>
 
 using namespace Qt::StringLiterals;
 

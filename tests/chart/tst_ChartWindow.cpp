@@ -8,6 +8,7 @@
 #include "support/TestMain.h"
 
 #include <QDoubleSpinBox>
+#include <QJsonDocument>
 
 #include <algorithm>
 

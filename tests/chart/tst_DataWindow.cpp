@@ -4,6 +4,7 @@
 #include "support/TestMain.h"
 
 #include <QLabel>
+#include <QLayout>
 #include <QTextDocument>
 
 using namespace Qt::StringLiterals;

@@ -1,6 +1,8 @@
 #include "chart/DrawingRecords.h"
 #include "support/TestMain.h"
 
+#include <QRegularExpression>
+
 using namespace Qt::StringLiterals;
 
 class tst_DrawingRecords final : public QObject {

@@ -5,6 +5,7 @@
 #include "chart/OneClickPanel.h"
 #include "support/TestMain.h"
 
+#include <QLayout>
 #include <QPushButton>
 
 using namespace Qt::StringLiterals;

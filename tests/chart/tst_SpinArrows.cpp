@@ -7,6 +7,7 @@
 #include <QDoubleSpinBox>
 #include <QFileInfo>
 #include <QPushButton>
+#include <QRegularExpression>
 #include <QTemporaryDir>
 
 using namespace Qt::StringLiterals;

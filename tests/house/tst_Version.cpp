@@ -1,6 +1,8 @@
 #include "app/StartUp.h"
 #include "support/TestMain.h"
 
+#include <QRegularExpression>
+
 using namespace Qt::StringLiterals;
 
 namespace {

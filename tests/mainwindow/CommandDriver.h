@@ -5,6 +5,7 @@
 #include "chart/ChartWindow.h"
 #include "mainwindow/TerminalActions.h"
 
+#include <QApplication>
 #include <QMenuBar>
 #include <QToolBar>
 

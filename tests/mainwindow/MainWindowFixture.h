@@ -7,6 +7,11 @@
 #include "support/StubFeedServer.h"
 #include "support/StubHttpServer.h"
 
+#include <QAbstractItemView>
+#include <QComboBox>
+#include <QJsonDocument>
+#include <QLabel>
+#include <QTreeWidget>
 #include <QtTest>
 
 /// A whole main window against scripted servers on one loopback port: two accounts, two symbols.

@@ -1,6 +1,8 @@
 #include "mainwindow/AccountBook.h"
 #include "support/TestMain.h"
 
+#include <QJsonDocument>
+
 using namespace Qt::StringLiterals;
 
 class tst_AccountBook final : public QObject {

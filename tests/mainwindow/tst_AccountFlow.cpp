@@ -1,6 +1,9 @@
 #include "MainWindowFixture.h"
 #include "support/TestMain.h"
 
+#include <QAbstractItemView>
+#include <QDockWidget>
+
 using namespace Qt::StringLiterals;
 
 /// The road from the server's accounts and trades to what a trader sees, through a whole window.

@@ -4,6 +4,7 @@
 #include "support/TestMain.h"
 
 #include <QPainter>
+#include <QPalette>
 
 using namespace Qt::StringLiterals;
 

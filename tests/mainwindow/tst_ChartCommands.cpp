@@ -5,6 +5,10 @@
 #include "mainwindow/ChartCommands.h"
 #include "support/TestMain.h"
 
+#include <QDialog>
+#include <QSpinBox>
+#include <QTreeWidget>
+
 using namespace Qt::StringLiterals;
 
 namespace {

@@ -2,6 +2,12 @@
 #include "mainwindow/DockKeeper.h"
 #include "support/TestMain.h"
 
+#include <QDockWidget>
+#include <QMainWindow>
+#include <QScreen>
+#include <QTreeWidget>
+#include <QWidget>
+
 using namespace Qt::StringLiterals;
 
 namespace {

@@ -1,6 +1,8 @@
 #include "mainwindow/ExpertsFolder.h"
 #include "support/TestMain.h"
 
+#include <QStandardPaths>
+
 using namespace Qt::StringLiterals;
 
 class tst_ExpertsFolder final : public QObject {

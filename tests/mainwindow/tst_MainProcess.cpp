@@ -5,6 +5,7 @@
 #include "support/TestMain.h"
 
 #include <QProcess>
+#include <QRegularExpression>
 
 using namespace Qt::StringLiterals;
 using fixtures::logMessages;

@@ -4,6 +4,11 @@
 #include "mainwindow/TrayIcon.h"
 #include "support/TestMain.h"
 
+#include <QDockWidget>
+#include <QKeySequence>
+#include <QMenuBar>
+#include <QTreeWidget>
+
 using namespace Qt::StringLiterals;
 
 class tst_MainWindow final : public QObject {

@@ -3,6 +3,12 @@
 #include "chart/ChartWindow.h"
 #include "support/TestMain.h"
 
+#include <QDoubleSpinBox>
+#include <QLineEdit>
+#include <QMdiSubWindow>
+#include <QStatusBar>
+#include <QTabBar>
+
 using namespace Qt::StringLiterals;
 
 class tst_MainWindowCharts final : public QObject {

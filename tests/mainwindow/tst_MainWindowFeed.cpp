@@ -4,6 +4,9 @@
 #include "support/PaintCounter.h"
 #include "support/TestMain.h"
 
+#include <QLabel>
+#include <QTreeView>
+
 using namespace Qt::StringLiterals;
 
 class tst_MainWindowFeed final : public QObject {

@@ -3,6 +3,9 @@
 #include "orders/OrderDialog.h"
 #include "support/TestMain.h"
 
+#include <QPushButton>
+#include <QSystemTrayIcon>
+
 using namespace Qt::StringLiterals;
 
 class tst_MainWindowOrders final : public QObject {

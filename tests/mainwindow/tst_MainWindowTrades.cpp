@@ -12,6 +12,8 @@
 
 #include <QMenu>
 #include <QMessageBox>
+#include <QPushButton>
+#include <QTreeWidget>
 
 using namespace Qt::StringLiterals;
 

@@ -1,6 +1,8 @@
 #include "mainwindow/OrderEvents.h"
 #include "support/TestMain.h"
 
+#include <QJsonDocument>
+
 using namespace Qt::StringLiterals;
 
 class tst_OrderReaction final : public QObject {
@@ -39,7 +41,8 @@ QString balloonOf(const OrderReaction& reaction)
         return {};
     const Balloon& balloon = *reaction.balloon;
     return u"%1|%2|%3|%4"_s.arg(balloon.title, balloon.text,
-        balloon.kind == Balloon::Kind::Critical ? u"critical"_s : u"information"_s, QString::number(balloon.milliseconds));
+        balloon.kind == Balloon::Kind::Critical ? u"critical"_s : u"information"_s,
+        QString::number(balloon.milliseconds));
 }
 
 } // namespace

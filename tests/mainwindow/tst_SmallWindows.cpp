@@ -5,6 +5,9 @@
 #include "mainwindow/SymbolSpecification.h"
 #include "support/TestMain.h"
 
+#include <QLabel>
+#include <QTreeWidget>
+
 using namespace Qt::StringLiterals;
 
 namespace {

@@ -1,6 +1,11 @@
 #include "mainwindow/StatusPanel.h"
 #include "support/TestMain.h"
 
+#include <QComboBox>
+#include <QLabel>
+#include <QMainWindow>
+#include <QStatusBar>
+
 using namespace Qt::StringLiterals;
 
 class tst_StatusPanel final : public QObject {

@@ -5,7 +5,13 @@
 #include "orders/OrderDialog.h"
 #include "support/TestMain.h"
 
+#include <QAbstractSpinBox>
+#include <QKeySequence>
+#include <QLineEdit>
+#include <QShortcut>
+#include <QSpinBox>
 #include <QToolButton>
+#include <QTreeWidget>
 
 using namespace Qt::StringLiterals;
 

@@ -1,6 +1,8 @@
 #include "CommandDriver.h"
 #include "support/TestMain.h"
 
+#include <QDockWidget>
+
 using namespace Qt::StringLiterals;
 
 class tst_ToolBars final : public QObject {

@@ -2,6 +2,7 @@
 #include "support/ParseJson.h"
 #include "support/TestMain.h"
 
+#include <QAbstractButton>
 #include <QMenu>
 #include <QMessageBox>
 #include <QPointer>

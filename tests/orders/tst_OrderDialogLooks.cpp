@@ -3,8 +3,10 @@
 #include "app/Theme.h"
 #include "support/TestMain.h"
 
+#include <QAbstractItemView>
 #include <QFormLayout>
 #include <QScrollBar>
+#include <QSet>
 #include <QToolTip>
 
 using namespace Qt::StringLiterals;

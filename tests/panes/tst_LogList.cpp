@@ -2,6 +2,7 @@
 #include "support/TestMain.h"
 
 #include <QScrollBar>
+#include <QStyledItemDelegate>
 
 #include <malloc.h>
 

@@ -6,6 +6,7 @@
 #include <QPointer>
 #include <QStringList>
 #include <QTcpServer>
+#include <QTcpSocket>
 #include <QWebSocket>
 #include <QWebSocketServer>
 
