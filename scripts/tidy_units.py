@@ -77,7 +77,9 @@ class Unit:
         path.write_text("".join(lines))
         union = dict.fromkeys(flag for source in sources for flag in flags[source])
         # What a source shadows is often a name of its neighbour only; gcc warns where it is its own.
-        self.command = [*union, "-Wno-shadow", *coroutine_flags(), f"-I{path.parent}"]
+        # And what moc defines is not there.
+        quiet = ["-Wno-shadow", "-Wno-undefined-internal"]
+        self.command = [*union, *quiet, *coroutine_flags(), f"-I{path.parent}"]
 
     def misfits(self):
         """The sources that do not compile after the ones before them."""
