@@ -1,5 +1,6 @@
 #include "practice/core/broker/Valuation.h"
 
+#include "practice/core/PointScale.h"
 #include "practice/core/broker/PriceGrid.h"
 
 #include <algorithm>
