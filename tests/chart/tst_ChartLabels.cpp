@@ -59,6 +59,7 @@ private Q_SLOTS:
     void grid_lines_carry_their_price_left_aligned();
     void grid_lines_carry_the_time_of_their_bar_centred();
     void the_header_stands_on_its_baseline();
+    void the_header_tells_the_newest_bar_wherever_the_view_is();
     void a_level_carries_its_text_above_the_line();
     void a_dragged_level_carries_its_text_and_price();
     void the_ask_is_white_and_the_bid_bold_and_black();
@@ -169,6 +170,24 @@ void TestChartLabels::the_header_stands_on_its_baseline()
     painter.setPen(QColor(0xb8, 0xb8, 0xb8));
     painter.drawText(
         QPoint(6, 13), headerText(u"EURUSD"_s, u"M15"_s, u"Euro"_s, m_chart->candles().back(), 4));
+    painter.end();
+    QCOMPARE(image, expected);
+}
+
+void TestChartLabels::the_header_tells_the_newest_bar_wherever_the_view_is()
+{
+    const QImage atEnd = paint(m_chart->frame(), &layers::paintHeader);
+    m_chart->setAutoScroll(false);
+    const Candle last = m_chart->candles().back();
+    m_chart->onTick(1.5, 1.5, last.time + fixtures::quarterHour);
+    QVERIFY(m_chart->view().visible().last < 100);
+    const QImage image = paint(m_chart->frame(), &layers::paintHeader);
+    QVERIFY(image != atEnd);
+    QImage expected(image.size(), QImage::Format_RGB32);
+    expected.fill(Qt::black);
+    QPainter painter(&expected);
+    m_texts.drawAt(painter, QPoint(6, 13), u"EURUSD,M15: Euro   O: 1.5000  H: 1.5000  L: 1.5000  C: 1.5000"_s,
+        QColor(0xb8, 0xb8, 0xb8));
     painter.end();
     QCOMPARE(image, expected);
 }

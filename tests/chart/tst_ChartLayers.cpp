@@ -67,7 +67,9 @@ private Q_SLOTS:
     void an_empty_chart_says_that_it_waits();
     void price_grid_is_dotted_and_labelled();
     void time_grid_stands_on_multiples_of_its_step();
+    void times_end_at_the_left_edge_of_the_plot();
     void volume_bars_are_a_share_of_the_plot();
+    void thin_volume_bars_have_one_column();
     void a_rising_candle_is_hollow();
     void a_falling_candle_is_filled();
     void a_flat_candle_has_a_body_of_one_row();
@@ -143,6 +145,34 @@ void TestChartLayers::time_grid_stands_on_multiples_of_its_step()
     QCOMPARE(lines, (QList<int>{331 - 39 * 7, 331 - 27 * 7, 331 - 15 * 7, 331 - 3 * 7}));
     for (const int x : lines)
         QVERIFY(pixelsOtherThan(image, QRect(x - 44, 280, 88, 18), black) > 20);
+}
+
+void TestChartLayers::times_end_at_the_left_edge_of_the_plot()
+{
+    // With the margin of 53 columns bar 96 stands at column 257, bar 60 at column 5.
+    std::vector<Candle> candles = fixtures::wave(100);
+    ChartFrame frame = frameOf(candles, 7.0, m_texts);
+    const auto leftmost = [&](double anchor) {
+        ViewState state;
+        state.chartShift = true;
+        state.rightBarIndex = anchor;
+        frame.view = ChartView(size, state, 100, false).withPrices({0.0, 278.0});
+        frame.bars = frame.view.visible();
+        return pixelsOtherThan(paint(&layers::paintTimeGrid, frame), QRect(0, 280, 60, 18), black);
+    };
+    QVERIFY(leftmost(99.0) > 20);
+    // One bar further it has left the plot, and its text with it, which would else reach column 42.
+    QCOMPARE(leftmost(99.8), 0);
+}
+
+void TestChartLayers::thin_volume_bars_have_one_column()
+{
+    std::vector<Candle> candles(3, candleOfRows(10, 10, 20, 20));
+    for (Candle& candle : candles)
+        candle.volume = 1;
+    const QImage image = paint(&layers::paintVolume, frameOf(candles, 1.0, m_texts));
+    QCOMPARE(pixelsOf(image, QRect(329, 277 - 38, 3, 38), colors.volume), 3 * 38);
+    QCOMPARE(pixelsOtherThan(image, image.rect(), black), 3 * 38);
 }
 
 void TestChartLayers::volume_bars_are_a_share_of_the_plot()

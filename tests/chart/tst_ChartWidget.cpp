@@ -1,10 +1,12 @@
 #include "chart/ChartWidget.h"
 
 #include "ChartFixtures.h"
+#include "chart/ChartFrame.h"
 #include "support/TestMain.h"
 
 #include <QSignalSpy>
 
+#include <cmath>
 #include <limits>
 
 using namespace Qt::StringLiterals;
@@ -28,6 +30,10 @@ private Q_SLOTS:
     void unknown_chart_types_are_candles();
     void the_lower_pane_takes_its_room();
     void the_ruler_can_be_armed();
+    void quotes_widen_the_scale_only_while_following();
+    void volumes_are_a_share_of_the_largest_in_view();
+    void zooming_keeps_anchor_and_following();
+    void the_last_pointer_is_forgotten_when_it_leaves();
 };
 
 void TestChartWidget::starts_empty_and_following()
@@ -50,6 +56,13 @@ void TestChartWidget::starts_empty_and_following()
     QCOMPARE(chart.focusPolicy(), Qt::StrongFocus);
     QVERIFY(chart.hasMouseTracking());
     QVERIFY(!chart.hoveredBar());
+    QCOMPARE(chart.frame().pointer, QPoint(-1, -1));
+    QVERIFY(!chart.frame().ruler);
+    QVERIFY(chart.tool().isEmpty());
+    QVERIFY(chart.drawings().isEmpty());
+    QVERIFY(chart.movingAverages().isEmpty());
+    QVERIFY(chart.tradeLevels().isEmpty());
+    QCOMPARE(chart.frame().draggedLevel, -1);
     const ChartColors& colors = chart.colors();
     QCOMPARE(colors.background.name(), u"#000000"_s);
     QCOMPARE(colors.grid.name(), u"#232323"_s);
@@ -210,6 +223,77 @@ void TestChartWidget::the_ruler_can_be_armed()
     QVERIFY(chart.measureMode());
     chart.setMeasureMode(false);
     QVERIFY(!chart.measureMode());
+}
+
+void TestChartWidget::quotes_widen_the_scale_only_while_following()
+{
+    ChartWidget chart;
+    chart.resize(400, 300);
+    chart.setCandles(wave(100));
+    const PriceRange bars = chart.view().prices();
+    chart.onTick(1.0, 1.3, midnight); // late: only the quotes move
+    const PriceRange quotes{1.0 - (0.3 * 0.06 + 1e-9), 1.3 + (0.3 * 0.06 + 1e-9)};
+    QCOMPARE(chart.view().prices().min, quotes.min);
+    QCOMPARE(chart.view().prices().max, quotes.max);
+    chart.setAutoScroll(false);
+    QCOMPARE(chart.view().prices(), bars);
+    chart.setAutoScroll(true);
+    QCOMPARE(chart.view().prices().max, quotes.max);
+    chart.onTick(1.2, 0.0, midnight); // no ask: the bid is the highest
+    const double lowest = bars.min + (bars.max - bars.min - 2e-9) * 0.06 / 1.12 + 1e-9;
+    QVERIFY(std::abs(chart.view().prices().max - (1.2 + (1.2 - lowest) * 0.06)) < 1e-8);
+}
+
+void TestChartWidget::volumes_are_a_share_of_the_largest_in_view()
+{
+    ChartWidget chart;
+    chart.resize(400, 300); // 48 bars in view
+    std::vector<Candle> candles = wave(100);
+    candles[51].volume = 1'000'000; // the last one out of view
+    candles[52].volume = 5'000;
+    chart.setCandles(candles);
+    QCOMPARE(chart.frame().largestVolume, 5'000);
+    chart.zoomOut();
+    QCOMPARE(chart.frame().largestVolume, 1'000'000);
+    for (Candle& candle : candles)
+        candle.volume = 0;
+    chart.setCandles(candles);
+    QCOMPARE(chart.frame().largestVolume, 1);
+}
+
+void TestChartWidget::zooming_keeps_anchor_and_following()
+{
+    for (const bool following : {true, false}) {
+        ChartWidget chart;
+        chart.resize(400, 300);
+        chart.setCandles(wave(100));
+        chart.setAutoScroll(following);
+        for (int i = 0; i < 20; ++i)
+            fixtures::turnWheel(chart, QPoint(0, -120));
+        QCOMPARE(chart.barWidth(), 1.0);
+        QCOMPARE(chart.rightBarIndex(), 99.0);
+        QCOMPARE(chart.autoScroll(), following);
+        QCOMPARE(chart.view().barPixel(99), 331);
+        for (int i = 0; i < 40; ++i)
+            fixtures::turnWheel(chart, QPoint(0, 1));
+        QCOMPARE(chart.barWidth(), 40.0);
+        QCOMPARE(chart.autoScroll(), following);
+        QCOMPARE(chart.view().barPixel(99), 331);
+    }
+}
+
+void TestChartWidget::the_last_pointer_is_forgotten_when_it_leaves()
+{
+    ChartWidget chart;
+    chart.resize(400, 300);
+    fixtures::hover(chart, QPoint(20, 30));
+    QVERIFY(!chart.hoveredBar()); // no bars yet
+    chart.setCandles(wave(100));
+    QVERIFY(chart.hoveredBar());
+    QCOMPARE(chart.frame().pointer, QPoint(20, 30));
+    fixtures::leave(chart);
+    QCOMPARE(chart.frame().pointer, QPoint(-1, -1));
+    QVERIFY(!chart.hoveredBar());
 }
 
 TAVORAN_TEST_MAIN(TestChartWidget)

@@ -9,11 +9,15 @@ using fixtures::midnight;
 using fixtures::showChart;
 using fixtures::wave;
 
+using Change = void (*)(ChartWidget&);
+
 class TestChartWidgetPaint final : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
     void setters_that_change_nothing_paint_nothing();
+    void every_change_paints_data();
+    void every_change_paints();
     void several_changes_make_one_paint();
     void pointer_and_ticks_within_the_range_paint_no_older_candle();
     void a_tick_beyond_the_range_paints_all();
@@ -52,6 +56,59 @@ void TestChartWidgetPaint::setters_that_change_nothing_paint_nothing()
     fixtures::hover(chart, QPoint(350, 100)); // over the price axis
     fixtures::hover(chart, QPoint(350, 110));
     QCOMPARE(paints.taken(), 0);
+}
+
+void TestChartWidgetPaint::every_change_paints_data()
+{
+    QTest::addColumn<Change>("change");
+    const auto row = [](const char* name, Change change) { QTest::newRow(name) << change; };
+    row("series", [](ChartWidget& chart) { chart.setCandles(wave(99)); });
+    row("same series", [](ChartWidget& chart) { chart.setCandles(wave(100)); });
+    row("late tick", [](ChartWidget& chart) { chart.onTick(1.1, 1.2, midnight); });
+    row("newest bar", [](ChartWidget& chart) { chart.onTick(1.1, 1.1, chart.candles().back().time); });
+    row("new bar", [](ChartWidget& chart) { chart.onTick(1.1, 1.1, chart.candles().back().time * 2); });
+    row("bar length", [](ChartWidget& chart) { chart.setTimeframeMs(86'400'000); });
+    row("symbol", [](ChartWidget& chart) { chart.setSymbolInfo(u"A"_s, u""_s, u""_s); });
+    row("timeframe label", [](ChartWidget& chart) { chart.setSymbolInfo(u""_s, u"B"_s, u""_s); });
+    row("description", [](ChartWidget& chart) { chart.setSymbolInfo(u""_s, u""_s, u"C"_s); });
+    row("digits", [](ChartWidget& chart) { chart.setDigits(3); });
+    row("not following", [](ChartWidget& chart) { chart.setAutoScroll(false); });
+    row("margin", [](ChartWidget& chart) { chart.setChartShift(true); });
+    row("narrower", [](ChartWidget& chart) { chart.zoomOut(); });
+    row("wheel", [](ChartWidget& chart) { fixtures::turnWheel(chart, QPoint(0, 120)); });
+    row("type", [](ChartWidget& chart) { chart.setChartType(2); });
+    row("colours", [](ChartWidget& chart) {
+        ChartColors colors;
+        colors.volume = QColor(Qt::red);
+        chart.setColors(colors);
+    });
+    row("averages", [](ChartWidget& chart) {
+        chart.setMovingAverages({{AverageKind::Simple, 5, QColor(Qt::red)}});
+    });
+    row("lower pane", [](ChartWidget& chart) { chart.setRsi(true, 14); });
+    row("objects", [](ChartWidget& chart) {
+        Drawing drawing;
+        drawing.type = u"vline"_s;
+        drawing.points = {{midnight, 1.0}};
+        chart.setDrawings({drawing});
+    });
+    row("tool", [](ChartWidget& chart) { chart.setTool(u"vline"_s); });
+    row("ruler", [](ChartWidget& chart) { chart.setMeasureMode(true); });
+    row("levels", [](ChartWidget& chart) {
+        chart.setTradeLevels({{u"1"_s, u"SL"_s, 1.1, u"sl"_s, QColor(Qt::red), Qt::DashLine, true}});
+    });
+    row("pointer", [](ChartWidget& chart) { fixtures::hover(chart, QPoint(100, 100)); });
+}
+
+void TestChartWidgetPaint::every_change_paints()
+{
+    QFETCH(const Change, change);
+    ChartWidget chart;
+    showChart(chart, 100);
+    PaintCounter paints(chart);
+    paints.taken();
+    change(chart);
+    QCOMPARE(paints.taken(), 1);
 }
 
 void TestChartWidgetPaint::several_changes_make_one_paint()
