@@ -108,6 +108,7 @@ void load(int seconds)
         first.post("/api/trades/place", order(account, true, "held"));
 
     std::vector<std::unique_ptr<FeedClient>> feeds;
+    feeds.reserve(feedClients);
     for (int i = 0; i < feedClients; ++i)
         feeds.push_back(std::make_unique<FeedClient>(server.port(), first.token()));
     const auto start = Clock::now() + std::chrono::milliseconds(500);
@@ -250,8 +251,11 @@ void lookFor(Acknowledged& known, HttpClient& client, const std::string& account
     std::map<std::string, int> seen;
     std::map<std::string, std::string> listOf;
     for (const std::string list : {"open", "pending", "history"}) {
-        const char* newest = list == "history" ? "&limit=2000" : "";
-        for (const json& row : client.get("/api/trades/" + list + "?accountId=" + account + newest).json()) {
+        std::string target = "/api/trades/";
+        target.append(list).append("?accountId=").append(account);
+        if (list == "history")
+            target += "&limit=2000";
+        for (const json& row : client.get(target).json()) {
             ++seen[row.at("comment").get<std::string>()];
             listOf[row.at("id").get<std::string>()] = list;
         }
@@ -303,6 +307,7 @@ void kills(int times)
         if (round == times)
             break;
         std::vector<std::thread> threads;
+        threads.reserve(restClients);
         for (int i = 0; i < restClients; ++i) {
             threads.emplace_back(trade, server.port(), token, account,
                 std::to_string(round) + '.' + std::to_string(i) + '.', std::ref(known));

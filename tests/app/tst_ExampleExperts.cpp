@@ -38,7 +38,7 @@ class TestExampleExperts : public QObject {
 
     QJSValue run(const QString& script)
     {
-        const QJSValue result = m_engine->evaluate(script);
+        QJSValue result = m_engine->evaluate(script);
         if (result.isError())
             qWarning() << result.toString();
         return result;

@@ -106,6 +106,7 @@ public:
     ChangeSet prices(const std::vector<Quote>& quotes)
     {
         std::vector<SymbolQuote> all;
+        all.reserve(quotes.size());
         for (std::size_t i = 0; i < quotes.size(); ++i)
             all.push_back({i, quotes[i]});
         return broker.onPrices(all, now);

@@ -107,6 +107,7 @@ inline void checkMeetsLivePrice(PriceSource& source, std::size_t symbol, TimeMs 
 inline std::vector<double> logReturns(const std::vector<Bar>& bars)
 {
     std::vector<double> result;
+    result.reserve(bars.size());
     for (const Bar& bar : bars)
         result.push_back(std::log(bar.close / bar.open));
     return result;

@@ -107,6 +107,7 @@ TEST_CASE("moments asked for in any order give the same prices")
     SimulatedMarket backwards(15);
     std::vector<TimeMs> moments = someMoments(9, 60);
     std::vector<Quote> quotes;
+    quotes.reserve(moments.size());
     for (const TimeMs now : moments)
         quotes.push_back(forwards.quote(3, now));
     for (std::size_t i = moments.size(); i-- > 0;)
