@@ -1,6 +1,7 @@
 #include "MainWindowFixture.h"
 
 #include "mainwindow/TrayIcon.h"
+#include "panes/AlertsPane.h"
 #include "support/TestMain.h"
 
 #include <QDockWidget>
@@ -51,9 +52,17 @@ private Q_SLOTS:
     void orderAndAccountEventsShowBalloons_data();
     void orderAndAccountEventsShowBalloons();
     void otherEventsShowNone();
+    void alertsAndNewsShowBalloons();
+    void withoutATrayAnAlertStillFires();
+    void balloonsThatComeTogetherAreShownInTurn();
+    void aClickOnABalloonMakesRoomForTheNext();
+    void anUrgentBalloonGoesFirst();
+    void aFloodOfBalloonsEnds();
 
 private:
     static TrayIcon* trayOf(const MainWindowFixture& f) { return f.window->findChild<TrayIcon*>(); }
+    /// The balloon on show has been read.
+    static void endTurn(const MainWindowFixture& f) { Q_EMIT trayOf(f)->icon().messageClicked(); }
     static QAction* entry(TrayIcon& tray, const QString& text)
     {
         const QList<QAction*> actions = tray.icon().contextMenu()->actions();
@@ -64,6 +73,19 @@ private:
 };
 
 namespace {
+
+Balloon notice(const QString& text, Balloon::Kind kind = Balloon::Kind::Information)
+{
+    return {u"Title"_s, text, kind, 8000};
+}
+
+QStringList shownTexts()
+{
+    QStringList texts;
+    for (const ShownBalloon& balloon : balloons)
+        texts.append(balloon.text);
+    return texts;
+}
 
 /// Counts how often a window is brought in front of the others.
 class RaiseCounter final : public QObject {
@@ -84,6 +106,7 @@ void tst_TrayWiring::init()
 {
     desktopHasTray = true;
     balloons.clear();
+    TerminalSettings::instance().setAlerts({});
 }
 
 void tst_TrayWiring::theIconAppearsWithItsMenu()
@@ -247,6 +270,94 @@ void tst_TrayWiring::otherEventsShowNone()
     f.feed.send(R"({"type":"account_update","accountId":"a1","status":"ACTIVE"})");
     QTRY_VERIFY(f.journal().contains(u"Account: Account a1 status changed to ACTIVE"_s));
     QCOMPARE(balloons.size(), 0);
+}
+
+void tst_TrayWiring::alertsAndNewsShowBalloons()
+{
+    TerminalSettings::instance().setAlerts(uR"([{"symbol":"EURUSD","above":true,"price":1.2}])"_s);
+    MainWindowFixture f;
+    f.http.on("GET", "/api/news/upcoming",
+        StubAnswer::json(R"({"events":[{"id":"e","impact":"HIGH","minutesUntil":5,"currency":"USD",)"
+                         R"("title":"Rates"}]})"));
+    f.signInAndSettle();
+    QTRY_COMPARE(balloons.size(), 1);
+    QCOMPARE(balloons[0].title, u"Upcoming News — USD"_s);
+    QCOMPARE(balloons[0].icon, QSystemTrayIcon::Warning);
+    endTurn(f);
+    f.feed.send(R"({"type":"price_update","data":{"EURUSD":{"bid":1.25,"ask":1.2501}}})");
+    QTRY_COMPARE(balloons.size(), 2);
+    QCOMPARE(balloons[1].title, u"Price Alert — EURUSD"_s);
+    QCOMPARE(balloons[1].milliseconds, 12000);
+}
+
+void tst_TrayWiring::withoutATrayAnAlertStillFires()
+{
+    desktopHasTray = false;
+    TerminalSettings::instance().setAlerts(uR"([{"symbol":"EURUSD","above":true,"price":1.2}])"_s);
+    MainWindowFixture f;
+    f.signInAndSettle();
+    QSignalSpy sounds(f.window->findChild<AlertsPane*>(), &AlertsPane::soundWanted);
+    f.feed.send(R"({"type":"price_update","data":{"EURUSD":{"bid":1.25,"ask":1.2501}}})");
+    QTRY_COMPARE(sounds.size(), 1);
+    QVERIFY(TerminalSettings::instance().alerts().contains(u"\"triggered\":true"_s));
+    QCOMPARE(balloons.size(), 0);
+}
+
+void tst_TrayWiring::balloonsThatComeTogetherAreShownInTurn()
+{
+    TrayIcon tray;
+    tray.showBalloon(notice(u"one"_s));
+    tray.showBalloon(notice(u"two"_s));
+    tray.showBalloon(notice(u"three"_s));
+    QCOMPARE(shownTexts(), QStringList({u"one"_s}));
+    auto* turn = tray.findChild<QTimer*>();
+    QVERIFY(turn && turn->isActive() && turn->interval() >= 3000);
+    turn->start(0);
+    QTRY_COMPARE(shownTexts(), QStringList({u"one"_s, u"two"_s}));
+    QVERIFY(turn->isActive() && turn->interval() >= 3000);
+    turn->start(0);
+    QTRY_COMPARE(shownTexts(), QStringList({u"one"_s, u"two"_s, u"three"_s}));
+    turn->start(0);
+    QTRY_VERIFY(!turn->isActive());
+    tray.showBalloon(notice(u"four"_s));
+    QCOMPARE(shownTexts().last(), u"four"_s);
+}
+
+void tst_TrayWiring::aClickOnABalloonMakesRoomForTheNext()
+{
+    TrayIcon tray;
+    tray.showBalloon(notice(u"one"_s));
+    tray.showBalloon(notice(u"two"_s));
+    Q_EMIT tray.icon().messageClicked();
+    QCOMPARE(shownTexts(), QStringList({u"one"_s, u"two"_s}));
+    Q_EMIT tray.icon().messageClicked();
+    tray.showBalloon(notice(u"three"_s));
+    QCOMPARE(shownTexts().last(), u"three"_s);
+}
+
+void tst_TrayWiring::anUrgentBalloonGoesFirst()
+{
+    TrayIcon tray;
+    tray.showBalloon(notice(u"one"_s));
+    tray.showBalloon(notice(u"two"_s));
+    tray.showBalloon(notice(u"urgent"_s, Balloon::Kind::Critical));
+    tray.showBalloon(notice(u"urgent too"_s, Balloon::Kind::Critical));
+    for (int i = 0; i < 3; ++i)
+        Q_EMIT tray.icon().messageClicked();
+    QCOMPARE(shownTexts(), QStringList({u"one"_s, u"urgent"_s, u"urgent too"_s, u"two"_s}));
+}
+
+void tst_TrayWiring::aFloodOfBalloonsEnds()
+{
+    TrayIcon tray;
+    for (int i = 0; i < 1000; ++i)
+        tray.showBalloon(notice(QString::number(i)));
+    tray.showBalloon(notice(u"urgent"_s, Balloon::Kind::Critical));
+    for (int i = 0; i < 1000; ++i)
+        Q_EMIT tray.icon().messageClicked();
+    QCOMPARE(balloons.size(), 1 + 1 + TrayIcon::mostWaiting);
+    QCOMPARE(shownTexts().at(1), u"urgent"_s);
+    QCOMPARE(shownTexts().last(), QString::number(TrayIcon::mostWaiting));
 }
 
 TAVORAN_TEST_MAIN(tst_TrayWiring)
