@@ -15,9 +15,9 @@ struct ReplyOutcome final {
     QJsonObject body;       ///< the document's object, empty when it is not an object
     QString error; ///< for a person; empty when ok: the body's "message", else the network's own text
 
-    /// True when the server may have carried the request out all the same: it failed on its way, or never
-    /// answered.
-    [[nodiscard]] bool isUncertain() const { return !ok && (status == 0 || status >= 500); }
+    /// True when the server may have carried the request out all the same: it failed on its way, never
+    /// answered, or its answer broke off.
+    [[nodiscard]] bool isUncertain() const { return !ok && (status < 300 || status >= 500); }
 
     /// Reads a finished reply. The error is free of the session token and bounded in length, but
     /// it is text chosen by a server: show it as plain text.

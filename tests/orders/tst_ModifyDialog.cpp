@@ -57,6 +57,8 @@ struct Desk {
 
 } // namespace
 
+Q_DECLARE_METATYPE(StubAnswer)
+
 class TestModifyDialog final : public QObject {
     Q_OBJECT
 
@@ -271,19 +273,26 @@ void TestModifyDialog::cancelSendsNothing()
 
 void TestModifyDialog::anUncertainOutcomeIsAskedFor_data()
 {
-    QTest::addColumn<bool>("cut");
-    QTest::newRow("connection closed") << true;
-    QTest::newRow("server error") << false;
+    QTest::addColumn<StubAnswer>("answer");
+    QTest::newRow("connection closed") << StubAnswer::closed();
+    QTest::newRow("server error") << StubAnswer::html("<h1>Bad</h1>", 502);
+    QTest::newRow("no answer in time") << StubAnswer::held();
+    QTest::newRow("cut within the answer")
+        << StubAnswer::raw("HTTP/1.1 200 OK\r\nContent-Length: 90\r\n\r\n{");
 }
 
 void TestModifyDialog::anUncertainOutcomeIsAskedFor()
 {
-    QFETCH(bool, cut);
+    QFETCH(StubAnswer, answer);
     Desk desk;
-    desk.server.on("PUT", path, cut ? StubAnswer::closed() : StubAnswer::html("<h1>Bad</h1>", 502));
+    desk.server.on("PUT", path, answer);
     QSignalSpy modified(desk.dialog, &ModifyDialog::modified);
     QSignalSpy unknown(desk.dialog, &ModifyDialog::outcomeUnknown);
     desk.press();
+    if (answer.how == StubAnswer::How::Hold) {
+        QTRY_COMPARE(desk.server.heldCount(), 1);
+        desk.api.findChild<QNetworkReply*>()->abort(); // as the time-out does
+    }
     QTRY_COMPARE(unknown.size(), 1);
     QVERIFY(!desk.error()->text().isEmpty());
     QCOMPARE(modified.size(), 0);
