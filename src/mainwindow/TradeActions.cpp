@@ -79,7 +79,8 @@ void TradeActions::moveLevel(const QString& tradeId, const QString& kind, double
         return refuse(tr("Modify failed: %1"));
     whenAnswered(m_api.put(*path, movedLevelBody(trade, kind, price)),
         [this, kind, price](const ReplyOutcome& outcome) {
-            const QString shown = QString::number(price, 'g', QLocale::FloatingPointShortest);
+            // Not 'g', which takes 1e+05 for shorter than 100000.
+            const QString shown = QString::number(price, 'f', QLocale::FloatingPointShortest);
             tellTrade(outcome.ok, SoundKind::Open,
                 outcome.ok ? tr("%1 moved to %2").arg(kind, shown)
                            : tr("Modify failed: %1").arg(outcome.error));

@@ -26,6 +26,8 @@ const QByteArray openTrades = R"([
 const QByteArray pendingOrders
     = R"([{"id":"p1","symbol":"EURUSD","status":"PENDING","stopLoss":1.0,"pendingPrice":"1.1"},{"id":"..","symbol":"X"}])";
 
+const auto timedOut = u"Operation canceled"_s;
+
 /// The actions over a scripted server, with all that they say.
 struct Desk {
     StubHttpServer server;
@@ -57,6 +59,14 @@ struct Desk {
     }
     Q_DISABLE_COPY_MOVE(Desk)
 
+    /// Gives up, as the time-out does, where the case is about waiting in vain.
+    void waitFor(const QString& reason)
+    {
+        if (reason != timedOut)
+            return;
+        QTRY_COMPARE(server.heldCount(), 1);
+        api.findChild<QNetworkReply*>()->abort();
+    }
     [[nodiscard]] static QString sound(SoundKind kind) { return u"sound %1"_s.arg(int(kind)); }
 };
 
@@ -67,6 +77,9 @@ void addFailures()
     QTest::addColumn<QString>("reason");
     QTest::newRow("refused with a message") << StubAnswer::message(u"No %1 <b>"_s, 400) << u"No %1 <b>"_s;
     QTest::newRow("cut after it was sent") << StubAnswer::closed() << u"Connection closed"_s;
+    QTest::newRow("no answer in time") << StubAnswer::held() << timedOut;
+    QTest::newRow("cut within the answer")
+        << StubAnswer::raw("HTTP/1.1 200 OK\r\nContent-Length: 90\r\n\r\n{") << QString();
     QTest::newRow("an error page") << StubAnswer::html("<h1>Bad</h1>", 502) << QString();
     QTest::newRow("a redirect") << StubAnswer::redirect(u"http://127.0.0.1:1/"_s) << QString();
 }
@@ -133,6 +146,7 @@ void TestTradeActions::closingFails()
     Desk desk;
     desk.server.on("POST", "/api/trades/close/t1", answer);
     desk.actions.closePosition(parse(R"({"id":"t1"})"));
+    desk.waitFor(reason);
     QTRY_COMPARE(desk.said.size(), 5);
     QCOMPARE(desk.said.at(0), Desk::sound(SoundKind::Error));
     QVERIFY2(desk.said.at(1).startsWith(u"J Trade: Close failed: "_s + reason), qPrintable(desk.said.at(1)));
@@ -158,6 +172,7 @@ void TestTradeActions::cancellingFails()
     Desk desk;
     desk.server.on("POST", "/api/trades/cancel/p1", answer);
     desk.actions.cancelOrder(parse(R"({"id":"p1"})"));
+    desk.waitFor(reason);
     QTRY_COMPARE(desk.said.size(), 3);
     QCOMPARE(desk.said.at(0), Desk::sound(SoundKind::Error));
     QVERIFY2(desk.said.at(1).startsWith(u"J Trade: Cancel failed: "_s + reason), qPrintable(desk.said.at(1)));
@@ -195,6 +210,8 @@ void TestTradeActions::movingIsReportedInTheShortestForm_data()
     QTest::newRow("five decimals") << 1.07505 << u"1.07505"_s;
     QTest::newRow("no needless zeros") << 1.10000 << u"1.1"_s;
     QTest::newRow("all of a long price") << 65123.456 << u"65123.456"_s;
+    QTest::newRow("a round price has no exponent") << 100000.0 << u"100000"_s;
+    QTest::newRow("nor has a small one") << 0.00002 << u"0.00002"_s;
 }
 
 void TestTradeActions::movingIsReportedInTheShortestForm()
@@ -214,6 +231,7 @@ void TestTradeActions::movingFails()
     Desk desk;
     desk.server.on("PUT", "/api/trades/modify/t1", answer);
     desk.actions.moveLevel(u"t1"_s, u"SL"_s, 1.06);
+    desk.waitFor(reason);
     QTRY_COMPARE(desk.said.size(), 3);
     QCOMPARE(desk.said.at(0), Desk::sound(SoundKind::Error));
     QVERIFY2(desk.said.at(1).startsWith(u"J Trade: Modify failed: "_s + reason), qPrintable(desk.said.at(1)));
@@ -299,6 +317,7 @@ void TestTradeActions::quickTradeFails()
     Desk desk;
     desk.server.on("POST", place, answer);
     desk.actions.quickTrade(u"EURUSD"_s, u"BUY"_s, 0.25);
+    desk.waitFor(reason);
     QTRY_COMPARE(desk.said.size(), 4);
     QCOMPARE(desk.said.at(0), Desk::sound(SoundKind::Error));
     QVERIFY2(desk.said.at(1).startsWith(u"J Trade: One-click order failed: "_s + reason),
@@ -375,6 +394,7 @@ void TestTradeActions::expertOrdersFail()
     desk.actions.setAlgoTrading(true);
     desk.said.clear();
     desk.actions.expertOrder(parse(R"({"symbol":"EURUSD"})"));
+    desk.waitFor(reason);
     QTRY_COMPARE(desk.said.size(), 4);
     QCOMPARE(desk.said.at(0), Desk::sound(SoundKind::Error));
     QVERIFY2(desk.said.at(1).startsWith(u"E Expert: Order failed: "_s + reason), qPrintable(desk.said.at(1)));
