@@ -146,6 +146,32 @@ TEST_CASE("sessions and the market survive a restart")
     CHECK(compared >= 48);
 }
 
+TEST_CASE("two platforms with the same seed and speed have the same market, others have others")
+{
+    const TemporaryFolder folder;
+    const auto minutes = [&](const char* name, std::vector<std::string> arguments) {
+        const ServerProcess server((folder / name).string(), std::move(arguments));
+        HttpClient client(server.port());
+        client.signIn();
+        std::map<std::string, json> finished;
+        const json rows = client.get("/api/candles?symbol=GBPUSD&timeframe=1m&limit=100").json();
+        for (std::size_t i = 0; i + 1 < rows.size(); ++i)
+            finished[rows[i].at("timestamp").get<std::string>()] = rows[i];
+        return finished;
+    };
+    const auto first = minutes("a.db", {"--seed", "5", "--speed", "60"});
+    CHECK(first.size() > 90);
+    const auto same = [&](const std::map<std::string, json>& other) {
+        int count = 0;
+        for (const auto& [time, candle] : other)
+            count += first.contains(time) && first.at(time) == candle;
+        return count;
+    };
+    CHECK(same(minutes("b.db", {"--seed", "5", "--speed", "60"})) >= 95);
+    CHECK(same(minutes("c.db", {"--seed", "6", "--speed", "60"})) < 5);
+    CHECK(same(minutes("d.db", {"--seed", "5", "--speed", "30"})) < 5);
+}
+
 TEST_CASE("killed at any moment it loses no acknowledged order and has none twice")
 {
     const TemporaryFolder folder;

@@ -4,8 +4,19 @@
 
 #include "practice/server/Failure.h"
 
+#include <cmath>
+
 using namespace practice;
 using nlohmann::json;
+
+namespace {
+
+bool closing(const json& message)
+{
+    return message.contains("closeReason");
+}
+
+} // namespace
 
 TEST_CASE("what belongs to one trader does not exist for another")
 {
@@ -78,6 +89,72 @@ TEST_CASE("a challenge that breaks its limit fails with an account update")
     CHECK(update.at("Plan").is_object());
     CHECK(trader.client.get("/api/trades/open?accountId=" + account).json() == json::array());
     CHECK_EQ(trader.client.post("/api/trades/place", order(account, 0.1)).status, 400);
+}
+
+TEST_CASE("a challenge that reaches its target goes on to the next phase and passes after the last")
+{
+    InProcess place;
+    Trader trader(place);
+    const std::string account = trader.account("PLAN");
+    FeedClient feed(place.server->port(), trader.client.token());
+    json request = order(account, 2);
+    request["takeProfit"] = 1.114;
+    trader.place(request);
+    place.market.setBid(1.114); // 139 pips of 20 USD and the commission: more than 10 % of 25 000 USD
+    CHECK_EQ(feed.readUntil("orders_changed", closing).at("closeReason"), "TP");
+    json update = feed.readUntil("account_update");
+    CHECK_EQ(update.at("accountId"), account);
+    CHECK_EQ(update.at("status"), "ACTIVE");
+    CHECK_EQ(update.at("phase"), 2);
+
+    request["takeProfit"] = 1.128;
+    trader.place(request);
+    place.market.setBid(1.128);
+    CHECK_EQ(feed.readUntil("orders_changed", closing).at("closeReason"), "TP");
+    update = feed.readUntil("account_update");
+    CHECK_EQ(update.at("accountId"), account);
+    CHECK_EQ(update.at("status"), "PASSED");
+    CHECK_EQ(trader.client.post("/api/trades/place", order(account, 0.1)).status, 400);
+}
+
+TEST_CASE("losses of several days fail a challenge although no day broke its own limit")
+{
+    InProcess place;
+    Trader trader(place);
+    const std::string account = trader.account("PLAN");
+    FeedClient feed(place.server->port(), trader.client.token());
+    trader.place(order(account, 2));
+    double bid = 1.1;
+    for (int day = 0; day < 2; ++day) {
+        bid -= 0.0055; // 1 100 USD: less than 5 %
+        place.market.setBid(bid);
+        const json prices = feed.readUntil("price_update", [&](const json& m) {
+            return std::abs(m.at("data").at("EURUSD").at("bid").get<double>() - bid) < 1e-9;
+        });
+        CHECK(prices.at("data").contains("EURUSD"));
+        place.clock.set(place.clock.now() + dayMs);
+        CHECK_EQ(trader.client.get("/api/trades/open?accountId=" + account).json().size(), std::size_t(1));
+    }
+    place.market.setBid(bid - 0.004); // 2 990 USD in all
+    CHECK_EQ(feed.readUntil("orders_changed", closing).at("closeReason"), "RISK");
+    CHECK_EQ(feed.readUntil("account_update").at("status"), "FAILED");
+}
+
+TEST_CASE("too little margin closes the position and says why, on the feed and in the history")
+{
+    InProcess place;
+    Trader trader(place);
+    const std::string account = trader.account("DEMO");
+    FeedClient feed(place.server->port(), trader.client.token());
+    const std::string id = trader.place(order(account, 50));
+    place.market.setBid(1.085); // loses 75 500 of 100 000 USD with 55 005 USD of margin
+    const json event = feed.readUntil("orders_changed", closing);
+    CHECK_EQ(event.at("closeReason"), "STOP_OUT");
+    CHECK_EQ(event.at("tradeId"), id);
+    const json history = trader.client.get("/api/trades/history?accountId=" + account).json();
+    REQUIRE(history.size() == 1);
+    CHECK_EQ(history[0].at("closeReason"), "STOP_OUT");
+    CHECK_EQ(history[0].at("status"), "CLOSED");
 }
 
 TEST_CASE("what cannot be stored is refused and did not happen")
