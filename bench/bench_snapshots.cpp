@@ -41,13 +41,34 @@ QString snapshot(int symbols, int moved, int phase, Prices prices)
     return QString::fromUtf8(QJsonDocument(message).toJson(QJsonDocument::Compact));
 }
 
-/// The whole main window with open trades and some charts, fed like the real one.
+/// Alerts on both sides of every symbol's price, too far away to fire.
+QString waitingAlerts(int count, int symbols)
+{
+    QJsonArray alerts;
+    for (int i = 0; i < count; ++i) {
+        const bool above = i % 2 == 0;
+        alerts.append(QJsonObject{{u"symbol"_s, symbolName(i / 2 % symbols)}, {u"above"_s, above},
+            {u"price"_s, above ? 1000.0 + i : 0.5 / (i + 1)}, {u"triggered"_s, false}});
+    }
+    return QString::fromUtf8(QJsonDocument(alerts).toJson(QJsonDocument::Compact));
+}
+
+/// What the window finds when it starts.
+void prepareSettings(int alerts, int symbols)
+{
+    // Nobody answers there, and nobody is asked twice.
+    TerminalSettings::instance().setServerUrl(u"http://127.0.0.1:9"_s);
+    TerminalSettings::instance().setAlerts(waitingAlerts(alerts, symbols));
+}
+
+constexpr int usualAlerts = 100;
+
+/// The whole main window with open trades, alerts and some charts, fed like the real one.
 class Desk final {
 public:
-    Desk(int symbols, int trades, int charts)
+    Desk(int symbols, int trades, int charts, int alerts)
+        : m_window((prepareSettings(alerts, symbols), nullptr))
     {
-        // Nobody answers there, and nobody is asked twice.
-        TerminalSettings::instance().setServerUrl(u"http://127.0.0.1:9"_s);
         QJsonArray records;
         for (int i = 0; i < symbols; ++i)
             records.append(QJsonObject{{u"name"_s, symbolName(i)}, {u"digits"_s, 5}, {u"dailyOpen"_s, 1.0}});
@@ -82,10 +103,10 @@ void parse(benchmark::State& state, int symbols, int moved, Prices prices)
         benchmark::DoNotOptimize(QJsonDocument::fromJson(texts[++turn % 2]));
 }
 
-void receive(
-    benchmark::State& state, int symbols, int moved, int trades, int charts, Prices prices = Prices::Numbers)
+void receive(benchmark::State& state, int symbols, int moved, int trades, int charts,
+    Prices prices = Prices::Numbers, int alerts = usualAlerts)
 {
-    Desk desk(symbols, trades, charts);
+    Desk desk(symbols, trades, charts, alerts);
     const std::array<QString, 2> texts{
         snapshot(symbols, moved, 0, prices), snapshot(symbols, moved, 1, prices)};
     desk.receive(texts[0]);
@@ -99,6 +120,8 @@ BENCHMARK_CAPTURE(parse, 500_strings, 500, 100, Prices::Strings)->Name("snapshot
 BENCHMARK_CAPTURE(receive, 500_symbols, 500, 100, 50, 4)->Name("snapshot/500_moved_100");
 BENCHMARK_CAPTURE(receive, 500_strings, 500, 100, 50, 4, Prices::Strings)
     ->Name("snapshot/500_strings_moved_100");
+BENCHMARK_CAPTURE(receive, 500_many_alerts, 500, 100, 50, 4, Prices::Numbers, 10000)
+    ->Name("snapshot/500_moved_100_alerts_10000");
 BENCHMARK_CAPTURE(receive, 500_symbols_still, 500, 0, 50, 4)->Name("snapshot/500_still");
 BENCHMARK_CAPTURE(receive, 2000_symbols, 2000, 2000, 50, 4)->Name("snapshot/2000_moved_all");
 

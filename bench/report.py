@@ -27,6 +27,8 @@ ROWS = [
     ("snapshot of 500, prices as strings / PARSE", "snapshot/500_strings_moved_100",
      "snapshot/parse_500_strings", 2.5),
     ("snapshot of 500, nothing moved / PARSE", "snapshot/500_still", "snapshot/parse_500", 1.6),
+    ("snapshot of 500, 10 000 alerts / 100 alerts", "snapshot/500_moved_100_alerts_10000",
+     "snapshot/500_moved_100", 1.1),
 ]
 INSTRUCTIONS = [("pointer", 1.5), ("tick", None), ("pan", 8.0)]
 SNAPSHOTS_A_SECOND = ("snapshots of 2 000 a second, all moved", "snapshot/2000_moved_all", 30)
