@@ -52,6 +52,7 @@ private Q_SLOTS:
     void a_point_lies_on_its_bar();
     void points_beside_the_bars_lie_on_the_grid_of_the_bars();
     void a_time_within_a_bar_is_cut_towards_the_last_visible_bar();
+    void points_are_counted_from_the_last_visible_bar_on_purpose();
     void after_a_change_of_timeframe_points_lie_on_the_new_grid();
     void absurd_times_lie_far_away_and_overflow_nothing();
     void prices_that_are_no_prices_lie_nowhere();
@@ -116,6 +117,19 @@ void TestDrawingGeometry::a_time_within_a_bar_is_cut_towards_the_last_visible_ba
     QCOMPARE(geometry.pixel({barTime(9), 1.0})->x(), 261);
     QCOMPARE(geometry.pixel({barTime(20) - 1, 1.0})->x(), 331);
     QCOMPARE(geometry.pixel({barTime(20) + 1, 1.0})->x(), 338);
+}
+
+void TestDrawingGeometry::points_are_counted_from_the_last_visible_bar_on_purpose()
+{
+    // Ten bars, a weekend of ten bars, and ten bars more.
+    std::vector<Candle> candles = fixtures::wave(20);
+    for (int i = 10; i < 20; ++i)
+        candles[static_cast<std::size_t>(i)].time = barTime(i + 10);
+    const DrawingPoint point{barTime(5), priceAtRow(100)};
+    const DrawingGeometry before(viewOf(20, 9.0), candles, quarterHour);
+    QCOMPARE(before.pixel(point), QPoint(331 - 4 * 7, 100)); // on its bar
+    const DrawingGeometry after(viewOf(20, 19.0), candles, quarterHour);
+    QCOMPARE(after.pixel(point), QPoint(331 - 24 * 7, 100)); // the weekend counts as bars
 }
 
 void TestDrawingGeometry::after_a_change_of_timeframe_points_lie_on_the_new_grid()
