@@ -468,6 +468,10 @@ void TestChartLayers::shift_marker_points_at_the_last_visible_bar()
     const QColor grey(0x8a, 0x8a, 0x8a);
     QVERIFY(pixelsOf(image, QRect(x - 4, 1, 8, 1), grey) >= 6);
     QCOMPARE(pixelsOf(image, QRect(x - 4, 1, 9, 5), grey), pixelsOtherThan(image, image.rect(), black));
+    state.rightBarIndex = 4; // scrolled back: the newest bar has left the plot
+    frame.view = ChartView(size, state, 10, false);
+    QCOMPARE(paint(&layers::paintShiftMarker, frame), image);
+    state.rightBarIndex = 9;
     state.chartShift = false; // the last bar stands on the edge of the plot, not inside
     frame.view = ChartView(size, state, 10, false);
     QCOMPARE(pixelsOtherThan(paint(&layers::paintShiftMarker, frame), QRect(QPoint(), size), black), 0);
