@@ -13,6 +13,7 @@ private Q_SLOTS:
     void theGuideIsCopiedAndOpened();
     void anOlderCopyIsReplaced();
     void aGuideThatCannotBeWrittenIsTold();
+    void aDesktopThatOpensNothingIsTold();
     void theGuideNeedsNothingButItself();
 };
 
@@ -72,6 +73,25 @@ void tst_DesktopLinks::aGuideThatCannotBeWrittenIsTold()
     QCOMPARE(complaints.at(0).at(0).toString(), u"Terminal"_s);
     QCOMPARE(complaints.at(0).at(1).toString(),
         u"The guide could not be written to "_s + DesktopLinks::guidePath());
+}
+
+void tst_DesktopLinks::aDesktopThatOpensNothingIsTold()
+{
+    // A handler without the named slot fails, as a desktop without a program for the file does.
+    QObject helpless;
+    QDesktopServices::setUrlHandler(u"file"_s, &helpless, "noSuchSlot");
+    DesktopLinks links;
+    QSignalSpy complaints(&links, &DesktopLinks::logMessage);
+    for (int i = 0; i < 2; ++i)
+        QTest::ignoreMessage(QtWarningMsg, QRegularExpression(u"No such method QObject::noSuchSlot"_s));
+    links.openExpertsFolder();
+    links.openGuide();
+    QDesktopServices::unsetUrlHandler(u"file"_s);
+    QCOMPARE(complaints.count(), 2);
+    QCOMPARE(complaints.at(0).at(0).toString(), u"Terminal"_s);
+    QCOMPARE(
+        complaints.at(0).at(1).toString(), u"The desktop could not open "_s + ExpertsFolder::defaultPath());
+    QCOMPARE(complaints.at(1).at(1).toString(), u"The desktop could not open "_s + DesktopLinks::guidePath());
 }
 
 void tst_DesktopLinks::theGuideNeedsNothingButItself()

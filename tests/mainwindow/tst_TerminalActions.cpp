@@ -1,5 +1,6 @@
 #include "CommandDriver.h"
 #include "UrlCatcher.h"
+#include "app/UpdateFramework.h"
 #include "chart/OneClickPanel.h"
 #include "mainwindow/ActionIcons.h"
 #include "orders/OrderDialog.h"
@@ -67,8 +68,10 @@ private Q_SLOTS:
     void whatNeedsAChartWaitsForOne();
     void checkMarksAreSeenInMenus();
     void theEntryForUpdatesSaysPlainlyThatThereAreNone();
+    void theEntryForUpdatesAsksTheFrameworkWhereThereIsOne();
     void keysWorkWithMenusAndToolbarsHidden();
     void zoomKeysDoNotStealTypingFromAnyField();
+    void inATreeZoomKeysZoomTheChartOnPurposeAndFoldWithoutOne();
     void timeframeButtonsShowTheirNames();
     void algoTradingIsOffAtEveryStartAndTold();
     void f1OpensTheGuide();
@@ -299,14 +302,37 @@ void tst_TerminalActions::checkMarksAreSeenInMenus()
 
 void tst_TerminalActions::theEntryForUpdatesSaysPlainlyThatThereAreNone()
 {
+    UpdateFramework::instance() = UpdateFramework({});
     MainWindowFixture f;
     f.open();
     const QAction* updates = f.window->findChild<TerminalActions*>()->checkForUpdates;
-    if (updates->isEnabled()) // this system has an update framework
-        return;
-    QVERIFY(updates->toolTip() != updates->text());
+    QVERIFY(!updates->isEnabled());
+    QCOMPARE(updates->toolTip(), u"This system's package manager keeps the terminal up to date"_s);
     const QAction* help = CommandDriver::entry(f.window->menuBar(), u"&Help"_s);
     QVERIFY(help->menu()->toolTipsVisible());
+}
+
+void tst_TerminalActions::theEntryForUpdatesAsksTheFrameworkWhereThereIsOne()
+{
+    int checks = 0;
+    UpdateCalls calls;
+    calls.setAppcastUrl = [](const char*) {};
+    calls.setShutdownRequestCallback = [](void (*)()) {};
+    calls.setAppDetails = [](const wchar_t*, const wchar_t*, const wchar_t*) {};
+    calls.setAutomaticCheck = [](int) {};
+    calls.setCheckInterval = [](int) {};
+    calls.init = [] {};
+    calls.cleanUp = [] {};
+    calls.checkWithUi = [&checks] { ++checks; };
+    UpdateFramework::instance() = UpdateFramework(calls);
+    const auto putBack = qScopeGuard([] { UpdateFramework::instance() = UpdateFramework({}); });
+    UpdateFramework::instance().setUp(u"1.0"_s);
+    const CommandDriver d;
+    const QAction* updates = d.actions().checkForUpdates;
+    QVERIFY(updates->isEnabled());
+    QVERIFY(!updates->toolTip().contains("package manager"_L1));
+    d.choose({u"&Help"_s, u"Check for Updates..."_s});
+    QCOMPARE(checks, 1);
 }
 
 void tst_TerminalActions::keysWorkWithMenusAndToolbarsHidden()
@@ -393,6 +419,33 @@ void tst_TerminalActions::zoomKeysDoNotStealTypingFromAnyField()
     QTRY_VERIFY(watch.hasFocus());
     QTest::keyClick(&watch, Qt::Key_Plus);
     QVERIFY(chart->chart().barWidth() > width);
+}
+
+void tst_TerminalActions::inATreeZoomKeysZoomTheChartOnPurposeAndFoldWithoutOne()
+{
+    const CommandDriver d;
+    d.activate();
+    QTreeWidget& tree = d.f.list("navigatorTree");
+    QTreeWidgetItem* folder = tree.topLevelItem(0)->child(1);
+    tree.setCurrentItem(folder);
+    tree.setFocus();
+    QTRY_VERIFY(tree.hasFocus());
+    QVERIFY(folder->isExpanded());
+    QTest::keyClick(&tree, Qt::Key_Minus);
+    QVERIFY(!folder->isExpanded());
+    QTest::keyClick(&tree, Qt::Key_Plus);
+    QVERIFY(folder->isExpanded());
+
+    // Someone who looks at a chart zooms it, wherever the last click was; the arrow keys still fold.
+    const ChartWindow* chart = d.openChart(u"EURUSD"_s);
+    tree.setFocus();
+    QTRY_VERIFY(tree.hasFocus());
+    const double width = chart->chart().barWidth();
+    QTest::keyClick(&tree, Qt::Key_Minus);
+    QVERIFY(chart->chart().barWidth() < width);
+    QVERIFY(folder->isExpanded());
+    QTest::keyClick(&tree, Qt::Key_Left);
+    QVERIFY(!folder->isExpanded());
 }
 
 void tst_TerminalActions::timeframeButtonsShowTheirNames()
