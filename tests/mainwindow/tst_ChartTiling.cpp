@@ -1,4 +1,5 @@
 #include "CommandDriver.h"
+#include "app/Theme.h"
 #include "support/TestMain.h"
 
 #include <QMdiSubWindow>
@@ -25,6 +26,25 @@ bool anyMaximized(const CommandDriver& d)
     return false;
 }
 
+/// The darkest and the brightest of the greys in the middle of a sub-window's title bar.
+std::pair<int, int> titleShades(QMdiSubWindow& subWindow)
+{
+    QCoreApplication::processEvents();
+    const int titleBottom = subWindow.widget()->y();
+    const QRect middle(subWindow.width() / 3, 4, subWindow.width() / 3, titleBottom - 8);
+    const QImage picture = subWindow.grab(middle).toImage();
+    int darkest = 255;
+    int brightest = 0;
+    for (int y = 0; y < picture.height(); ++y) {
+        for (int x = 0; x < picture.width(); ++x) {
+            const int grey = qGray(picture.pixel(x, y));
+            darkest = std::min(darkest, grey);
+            brightest = std::max(brightest, grey);
+        }
+    }
+    return {darkest, brightest};
+}
+
 void openThree(const CommandDriver& d)
 {
     for (const auto& symbol : {u"EURUSD"_s, u"USDJPY"_s, u"GBPUSD"_s})
@@ -41,6 +61,7 @@ private Q_SLOTS:
     void tileShowsAllChartsSideBySide();
     void tiledChartsFillTheAreaWhenTheWindowGrows();
     void cascadeShowsATitleOfEveryChart();
+    void titlesOfTiledChartsCanBeReadInEveryTheme();
     void theTabsStayAndAMaximizedChartHidesTheOthers();
     void tilesComeBackAfterARestart();
     void cascadedChartsComeBackAfterARestart();
@@ -95,6 +116,28 @@ void tst_ChartTiling::cascadeShowsATitleOfEveryChart()
         QVERIFY(rect.width() >= 160 && rect.height() >= 120);
     }
     QCOMPARE(corners.size(), rects.size());
+}
+
+void tst_ChartTiling::titlesOfTiledChartsCanBeReadInEveryTheme()
+{
+    const auto putBack = qScopeGuard([] {
+        setTheme(false);
+        applyTheme(*qApp);
+    });
+    setTheme(false);
+    applyTheme(*qApp);
+    const CommandDriver d;
+    openThree(d);
+    d.activate();
+    d.choose({u"&Window"_s, u"Tile"_s});
+    for (const auto& theme : {u"Light"_s, u"Dark"_s, u"Light"_s, u"Dark"_s}) {
+        d.choose({u"&View"_s, u"Theme"_s, theme});
+        for (QMdiSubWindow* subWindow : d.f.chartArea()->subWindowList()) {
+            const auto [darkest, brightest] = titleShades(*subWindow);
+            QVERIFY2(brightest - darkest > 120, qPrintable(theme + u' ' + subWindow->windowTitle()));
+            QVERIFY2(darkest < 130, qPrintable(theme + u' ' + subWindow->windowTitle()));
+        }
+    }
 }
 
 void tst_ChartTiling::theTabsStayAndAMaximizedChartHidesTheOthers()
