@@ -121,7 +121,6 @@ void ChartArea::describe(ChartWindow& chart)
     const auto record = m_book.symbolsByName().constFind(symbol);
     if (record != m_book.symbolsByName().cend()) {
         chart.setSymbolInfo(m_book.digits().value(symbol), oneLine((*record)["description"_L1].toString()));
-        m_reportedUnlisted.remove(symbol);
     } else if (!m_book.symbolsByName().isEmpty() && !m_reportedUnlisted.contains(symbol)) {
         m_reportedUnlisted.insert(symbol);
         Q_EMIT logMessage(tr("Chart"), tr("%1: the server does not list this symbol").arg(oneLine(symbol)));
@@ -247,8 +246,15 @@ void ChartArea::applySummary()
 
 void ChartArea::applySymbols()
 {
-    for (ChartWindow* chart : charts())
+    const auto isListed = [this](const QString& symbol) { return m_book.symbolsByName().contains(symbol); };
+    const QList<ChartWindow*> charts = this->charts();
+    for (ChartWindow* chart : charts) {
         describe(*chart);
+        // What the chart asked for while its symbol was away, the server refused.
+        if (m_reportedUnlisted.contains(chart->symbol()) && isListed(chart->symbol()))
+            chart->load();
+    }
+    erase_if(m_reportedUnlisted, isListed);
 }
 
 void ChartArea::catchUp()

@@ -39,7 +39,7 @@ public:
     void applyAccount();
     void applySummary();
     /// Digits and descriptions of a new symbol list. A chart whose symbol is no longer listed stays open
-    /// and is reported once.
+    /// and is reported once; when the symbol returns, the chart is loaded again.
     void applySymbols();
     /// From now on prices may be missing, until catchUp() reads the histories again.
     void noteInterruption() { m_interrupted = true; }

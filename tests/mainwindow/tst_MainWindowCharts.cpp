@@ -11,6 +11,17 @@
 
 using namespace Qt::StringLiterals;
 
+namespace {
+
+/// Whether bars that the server sent are there, and not only the one that live prices begin.
+bool showsHistory(const ChartWindow& chart)
+{
+    const auto& candles = chart.chart().candles();
+    return !candles.empty() && candles.front().time == 1'780'358'400'000;
+}
+
+} // namespace
+
 class tst_MainWindowCharts final : public QObject {
     Q_OBJECT
 
@@ -26,7 +37,9 @@ private Q_SLOTS:
     void chartGeometrySurvivesARestart();
     void corruptChartLayoutOpensWhatIsReadable();
     void unlistedSymbolOpensAndIsReportedOnce();
+    void chartsWorkAgainWhenTheirSymbolReturns();
     void reopenedChartGetsItsDigitsFromTheHello();
+    void everythingOfAChartComesBackAfterARestart();
     void quittingSavesTheCharts();
 };
 
@@ -262,6 +275,38 @@ void tst_MainWindowCharts::unlistedSymbolOpensAndIsReportedOnce()
     QCOMPARE(f.charts().size(), 2);
 }
 
+void tst_MainWindowCharts::chartsWorkAgainWhenTheirSymbolReturns()
+{
+    MainWindowFixture f;
+    TerminalSettings::instance().setChartsLayout(
+        uR"([{"symbol":"GONE","tf":"1h"},{"symbol":"GONE","tf":"1d"},{"symbol":"EURUSD","tf":"1h"}])"_s);
+    const StubAnswer refusal = StubAnswer::json(R"({"error":"unknown symbol"})", 404);
+    for (const char* frame : {"1h", "1d"})
+        f.http.on("GET", QByteArray("/api/candles?symbol=GONE&timeframe=") + frame, refusal);
+    f.signInAndSettle();
+    QCOMPARE(f.journalCount(u"Chart: GONE: the server does not list this symbol"_s), 1);
+    const int readsOfOthers = f.http.count("GET", "/api/candles?symbol=EURUSD&timeframe=1h");
+    for (int i = 0; i < 2; ++i)
+        QVERIFY(!showsHistory(*f.charts().at(i)));
+
+    const QByteArray bar
+        = R"([{"timestamp":"2026-06-02T00:00:00.000Z","open":1,"high":2,"low":1,"close":2,"volume":5}])";
+    for (const char* frame : {"1h", "1d"})
+        f.http.on("GET", QByteArray("/api/candles?symbol=GONE&timeframe=") + frame, StubAnswer::json(bar));
+    f.feed.send(R"({"type":"hello","symbols":[{"name":"GONE","digits":2},{"name":"EURUSD"}],
+        "prices":{"GONE":{"bid":2.5,"ask":2.6}}})");
+    for (int i = 0; i < 2; ++i) {
+        QTRY_VERIFY(showsHistory(*f.charts().at(i)));
+        QCOMPARE(f.charts().at(i)->digits(), 2);
+        QCOMPARE(f.charts().at(i)->chart().bid(), 2.5);
+    }
+    f.settle();
+    QCOMPARE(f.http.count("GET", "/api/candles?symbol=EURUSD&timeframe=1h"), readsOfOthers);
+    // Gone once more, it is told once more.
+    f.feed.send(R"({"type":"hello","symbols":[{"name":"EURUSD"}],"prices":{}})");
+    QTRY_COMPARE(f.journalCount(u"Chart: GONE: the server does not list this symbol"_s), 2);
+}
+
 void tst_MainWindowCharts::reopenedChartGetsItsDigitsFromTheHello()
 {
     MainWindowFixture f;
@@ -270,6 +315,49 @@ void tst_MainWindowCharts::reopenedChartGetsItsDigitsFromTheHello()
     QCOMPARE(f.charts().constFirst()->digits(), 5);
     QTRY_COMPARE(f.charts().constFirst()->digits(), 3);
     QTRY_COMPARE(f.charts().constFirst()->accountId(), u"a1"_s);
+}
+
+void tst_MainWindowCharts::everythingOfAChartComesBackAfterARestart()
+{
+    MainWindowFixture f;
+    f.http.on("GET", "/api/candles",
+        StubAnswer::json(R"([{"timestamp":"2026-06-02T00:00:00.000Z","open":1,"high":2,"low":1,"close":2},
+            {"timestamp":"2026-06-03T00:00:00.000Z","open":2,"high":3,"low":2,"close":3}])"));
+    f.http.on("GET", "/api/drawings",
+        StubAnswer::json(
+            R"([{"id":"d1","toolType":"hline","points":[{"time":"1780358400000","price":2}]}])"));
+    f.signInAndSettle();
+    f.window->openChart(u"EURUSD"_s);
+    ChartWindow* chart = f.charts().constFirst();
+    chart->setTimeframe(u"1d"_s);
+    ChartWidget& canvas = chart->chart();
+    QTRY_VERIFY(showsHistory(*chart));
+    canvas.setMovingAverages({{AverageKind::Exponential, 7, QColor(u"#112233"_s)},
+        {AverageKind::Simple, 400, QColor(u"#fedcba"_s)}});
+    canvas.setRsi(true, 21);
+    chart->setChartType(1);
+    chart->setChartShift(!canvas.chartShift());
+    chart->setAutoScroll(false);
+    ChartColors colors;
+    for (const auto& [role, name] : {std::pair(&ChartColors::background, "#010203"),
+             std::pair(&ChartColors::grid, "#040506"), std::pair(&ChartColors::axis, "#070809"),
+             std::pair(&ChartColors::up, "#0a0b0c"), std::pair(&ChartColors::down, "#0d0e0f"),
+             std::pair(&ChartColors::line, "#101112"), std::pair(&ChartColors::volume, "#131415")})
+        colors.*role = QColor(QLatin1StringView(name));
+    canvas.setColors(colors);
+    const QJsonObject before = chart->saveState();
+    QVERIFY(f.window->close());
+
+    f.signIn();
+    chart = f.charts().constFirst();
+    QTRY_VERIFY(showsHistory(*chart));
+    QTRY_COMPARE(chart->chart().drawings().size(), 1);
+    QCOMPARE(chart->title(), u"EURUSD,D1"_s);
+    QCOMPARE(chart->saveState(), before);
+    QCOMPARE(chart->chart().colors(), colors);
+    QCOMPARE(chart->chart().movingAverages().size(), 2);
+    QCOMPARE(chart->chart().rsiPeriod(), 21);
+    QVERIFY(!chart->chart().autoScroll());
 }
 
 void tst_MainWindowCharts::quittingSavesTheCharts()
