@@ -11,6 +11,11 @@
 
 using namespace Qt::StringLiterals;
 
+/// Has the class name of the toolkit's own balloon, which only a tray can show; style sheets go by that name.
+class QBalloonTip final : public QWidget {
+    Q_OBJECT
+};
+
 namespace {
 
 using Declarations = QMap<QString, QString>;
@@ -347,6 +352,26 @@ private Q_SLOTS:
         QVERIFY(QTest::qWaitForWindowExposed(&panel));
         QCOMPARE(onPanel.size(), QSize(24, 18));
         QCOMPARE(swatch.size(), QSize(60, 20));
+    }
+
+    void balloonsAtTheTrayCanBeReadInBothThemes()
+    {
+        for (const bool dark : {true, false}) {
+            setTheme(dark);
+            applyTheme(*qApp);
+            QBalloonTip balloon;
+            QPalette pale;
+            pale.setColor(QPalette::Window, QColor(0xff, 0xff, 0xe1));
+            pale.setColor(QPalette::WindowText, Qt::black);
+            balloon.setPalette(pale);
+            auto* text = new QLabel(u"Price Alert"_s, &balloon);
+            auto* close = new QPushButton(&balloon);
+            close->setFixedSize(18, 18);
+            balloon.show();
+            QVERIFY(QTest::qWaitForWindowExposed(&balloon));
+            QCOMPARE(text->palette().color(QPalette::WindowText), QColor(Qt::black));
+            QCOMPARE(close->size(), QSize(18, 18));
+        }
     }
 
     void theIconComesFromTheLogoAndIsLoadedOnce()
