@@ -23,6 +23,9 @@ class tst_MainWindowTrades final : public QObject {
 
 private Q_SLOTS:
     void aRowsMenuClosesThePosition();
+    void aRowsMenuCancelsThePendingOrder();
+    void aRowsMenuModifiesTheTrade();
+    void aChangeThatNobodyKnowsOfReadsTheLists();
     void aRowsMenuOpensTheOrderDialog();
     void aDoubleClickModifiesTheTrade();
     void theModifyDialogKnowsTheSymbolsDigits();
@@ -78,6 +81,49 @@ void tst_MainWindowTrades::aRowsMenuClosesThePosition()
     QTRY_COMPARE(f.http.count("GET", "/api/accounts"), 1);
     QTRY_VERIFY(f.http.count("GET", "/api/trades/open") >= 1);
     QTRY_VERIFY(f.http.count("GET", "/api/trades/history") >= 1);
+}
+
+void tst_MainWindowTrades::aRowsMenuCancelsThePendingOrder()
+{
+    MainWindowFixture f;
+    f.http.on("GET", "/api/trades/open?accountId=a1", StubAnswer::json("[]"));
+    f.http.on("GET", "/api/trades/pending?accountId=a1",
+        StubAnswer::json(R"([{"id":"p1","accountId":"a1","symbol":"EURUSD","orderKind":"BUY_LIMIT",)"
+                         R"("lotSize":1,"pendingPrice":1.05,"status":"PENDING"}])"));
+    f.signInAndSettle();
+    f.http.on("POST", "/api/trades/cancel/p1", StubAnswer::json("{}"));
+    f.http.clearRequests();
+    choose(menuOn(f), u"Cancel Order"_s);
+    QTRY_COMPARE(f.journalCount(u"Trade: Pending order cancelled"_s), 1);
+    QTRY_VERIFY(f.http.count("GET", "/api/trades/open") >= 1);
+    f.settle();
+    QCOMPARE(f.http.count("GET", "/api/accounts"), 0);
+    QCOMPARE(f.http.count("GET", "/api/trades/history"), 0);
+}
+
+void tst_MainWindowTrades::aRowsMenuModifiesTheTrade()
+{
+    MainWindowFixture f;
+    f.signInAndSettle();
+    choose(menuOn(f), u"Modify..."_s);
+    QVERIFY(f.window->findChild<ModifyDialog*>());
+}
+
+void tst_MainWindowTrades::aChangeThatNobodyKnowsOfReadsTheLists()
+{
+    MainWindowFixture f;
+    f.signInAndSettle();
+    f.http.on("PUT", "/api/trades/modify/t1", StubAnswer::closed());
+    doubleClickRow(f);
+    auto* dialog = f.window->findChild<ModifyDialog*>();
+    QVERIFY(dialog);
+    f.http.clearRequests();
+    QTest::keyClick(dialog, Qt::Key_Return);
+    QTRY_VERIFY(f.http.count("GET", "/api/accounts") >= 1);
+    QTRY_VERIFY(f.http.count("GET", "/api/trades/open?accountId=a1") >= 1);
+    QTRY_VERIFY(f.http.count("GET", "/api/trades/history?accountId=a1") >= 1);
+    QCOMPARE(f.journalCount(u"Trade: Order modified"_s), 0);
+    QCOMPARE(f.http.count("PUT", "/api/trades/modify/t1"), 1);
 }
 
 void tst_MainWindowTrades::aRowsMenuOpensTheOrderDialog()

@@ -1,7 +1,7 @@
 #include "MainWindowFixture.h"
 
+#include "app/SoundPlayer.h"
 #include "mainwindow/TrayIcon.h"
-#include "panes/AlertsPane.h"
 #include "support/TestMain.h"
 
 #include <QDockWidget>
@@ -20,11 +20,18 @@ struct ShownBalloon final {
 
 bool desktopHasTray = true;
 QList<ShownBalloon> balloons;
+QList<SoundKind> sounds;
 
 } // namespace
 
-// Offscreen there is no tray. These two stand in front of the toolkit's functions for everything that
-// is linked into this program: they make up the tray that the window asks for, and note its balloons.
+// Offscreen there is no tray, and nobody hears a sound. These stand in front of the functions of their
+// names for everything that is linked into this program: they make up the tray that the window asks for,
+// and note its balloons and sounds.
+void play(SoundKind kind)
+{
+    sounds.append(kind);
+}
+
 bool QSystemTrayIcon::isSystemTrayAvailable()
 {
     return desktopHasTray;
@@ -54,6 +61,7 @@ private Q_SLOTS:
     void otherEventsShowNone();
     void alertsAndNewsShowBalloons();
     void withoutATrayAnAlertStillFires();
+    void whatBecameOfATradeIsHeard();
     void balloonsThatComeTogetherAreShownInTurn();
     void aClickOnABalloonMakesRoomForTheNext();
     void anUrgentBalloonGoesFirst();
@@ -106,6 +114,7 @@ void tst_TrayWiring::init()
 {
     desktopHasTray = true;
     balloons.clear();
+    sounds.clear();
     TerminalSettings::instance().setAlerts({});
 }
 
@@ -131,9 +140,14 @@ void tst_TrayWiring::withoutATrayThereIsNoIconAndNoBalloon()
     f.signInAndSettle();
     QVERIFY(!trayOf(f));
     f.feed.send(R"({"type":"orders_changed","filled":true,"accountId":"a1"})");
+    f.feed.send(R"({"type":"orders_changed","closeReason":"MANUAL"})");
+    f.feed.send(R"({"type":"account_update","status":"FAILED","accountId":"a1"})");
     f.feed.send(R"({"type":"account_update","status":"PASSED","accountId":"a1"})");
     QTRY_VERIFY(f.journal().contains(u"Account: Account a1 status changed to PASSED"_s));
+    QCOMPARE(f.journalCount(u"Account: Account a1 status changed to FAILED"_s), 1);
     QCOMPARE(balloons.size(), 0);
+    // The failed account is silent on purpose: its sound belongs to the balloon.
+    QCOMPARE(sounds, QList<SoundKind>({SoundKind::Fill, SoundKind::Close}));
 }
 
 void tst_TrayWiring::theIconAndItsMenuBringTheWindowBack_data()
@@ -231,17 +245,19 @@ void tst_TrayWiring::orderAndAccountEventsShowBalloons_data()
     QTest::addColumn<QString>("text");
     QTest::addColumn<bool>("critical");
     QTest::addColumn<int>("milliseconds");
+    QTest::addColumn<QList<SoundKind>>("heard");
     QTest::newRow("filled") << R"({"type":"orders_changed","filled":true,"accountId":"123456789012"})"_ba
                             << u"Order Filled"_s << u"A pending order on 12345678 was filled."_s << false
-                            << 8000;
+                            << 8000 << QList<SoundKind>({SoundKind::Fill});
     QTest::newRow("stop loss") << R"({"type":"orders_changed","closeReason":"SL"})"_ba
-                               << u"Position Closed (SL)"_s << u"A position hit its SL."_s << false << 8000;
+                               << u"Position Closed (SL)"_s << u"A position hit its SL."_s << false << 8000
+                               << QList<SoundKind>({SoundKind::Fill});
     QTest::newRow("failed") << R"({"type":"account_update","accountId":"a1","status":"FAILED"})"_ba
                             << u"Account Failed"_s << u"An account breached its risk limit and was closed."_s
-                            << true << 12000;
+                            << true << 12000 << QList<SoundKind>({SoundKind::Error});
     QTest::newRow("passed") << R"({"type":"account_update","accountId":"a1","status":"PASSED"})"_ba
                             << u"Challenge Passed"_s << u"An account passed its target — pending review."_s
-                            << false << 12000;
+                            << false << 12000 << QList<SoundKind>();
 }
 
 void tst_TrayWiring::orderAndAccountEventsShowBalloons()
@@ -251,10 +267,12 @@ void tst_TrayWiring::orderAndAccountEventsShowBalloons()
     QFETCH(const QString, text);
     QFETCH(const bool, critical);
     QFETCH(const int, milliseconds);
+    QFETCH(const QList<SoundKind>, heard);
     MainWindowFixture f;
     f.signInAndSettle();
     f.feed.send(event);
     QTRY_COMPARE(balloons.size(), 1);
+    QCOMPARE(sounds, heard);
     QCOMPARE(balloons[0].title, title);
     QCOMPARE(balloons[0].text, text);
     QCOMPARE(balloons[0].icon, critical ? QSystemTrayIcon::Critical : QSystemTrayIcon::Information);
@@ -296,11 +314,22 @@ void tst_TrayWiring::withoutATrayAnAlertStillFires()
     TerminalSettings::instance().setAlerts(uR"([{"symbol":"EURUSD","above":true,"price":1.2}])"_s);
     MainWindowFixture f;
     f.signInAndSettle();
-    QSignalSpy sounds(f.window->findChild<AlertsPane*>(), &AlertsPane::soundWanted);
     f.feed.send(R"({"type":"price_update","data":{"EURUSD":{"bid":1.25,"ask":1.2501}}})");
-    QTRY_COMPARE(sounds.size(), 1);
+    QTRY_COMPARE(sounds, QList<SoundKind>({SoundKind::Fill}));
     QVERIFY(TerminalSettings::instance().alerts().contains(u"\"triggered\":true"_s));
     QCOMPARE(balloons.size(), 0);
+}
+
+void tst_TrayWiring::whatBecameOfATradeIsHeard()
+{
+    MainWindowFixture f;
+    f.signInAndSettle();
+    f.http.once("POST", "/api/trades/place", StubAnswer::json("{}"));
+    f.http.once("POST", "/api/trades/place", StubAnswer::message(u"No"_s, 400));
+    f.window->onQuickTrade(u"EURUSD"_s, u"BUY"_s, 0.1);
+    QTRY_COMPARE(sounds, QList<SoundKind>({SoundKind::Open}));
+    f.window->onQuickTrade(u"EURUSD"_s, u"BUY"_s, 0.1);
+    QTRY_COMPARE(sounds, QList<SoundKind>({SoundKind::Open, SoundKind::Error}));
 }
 
 void tst_TrayWiring::balloonsThatComeTogetherAreShownInTurn()

@@ -7,6 +7,7 @@
 
 #include <QComboBox>
 #include <QDialogButtonBox>
+#include <QLayout>
 #include <QPointer>
 #include <QPushButton>
 #include <QSignalSpy>
@@ -102,6 +103,7 @@ private Q_SLOTS:
     void corruptSettingsGiveNoAlertsAndAreReplaced();
     void pricesOfOthersLeaveTheSettingsAlone();
     void symbolTextIsOneLine();
+    void oneOfTenThousandFires();
 };
 
 void TestAlertsPane::looksAsATraderKnowsIt()
@@ -114,6 +116,9 @@ void TestAlertsPane::looksAsATraderKnowsIt()
     for (int column = 0; column < 3; ++column)
         QCOMPARE(desk.list()->columnWidth(column), 90);
     QVERIFY(!desk.list()->rootIsDecorated());
+    QCOMPARE(desk.pane.layout()->contentsMargins(), QMargins());
+    QCOMPARE(desk.pane.layout()->spacing(), 0);
+    QCOMPARE(desk.pane.layout()->itemAt(1)->layout()->contentsMargins(), QMargins(4, 4, 4, 4));
     QCOMPARE(desk.rows(), QStringList());
 }
 
@@ -325,6 +330,22 @@ void TestAlertsPane::symbolTextIsOneLine()
     QVERIFY(desk.rows().first().startsWith(u"A B %1|"_s));
     desk.pane.onPrices(QJsonObject{{u"A\nB %1"_s, QJsonObject{{u"bid"_s, 2.0}}}});
     QCOMPARE(desk.balloons.at(0).at(0).value<Balloon>().text, u"A B %1 ≥ 1.00000 (now 2.00000)"_s);
+}
+
+void TestAlertsPane::oneOfTenThousandFires()
+{
+    constexpr int count = 10000;
+    QStringList alerts;
+    for (int i = 0; i < count; ++i)
+        alerts.append(uR"({"symbol":"S%1","price":%2,"above":true})"_s.arg(i % 500).arg(i + 2));
+    TerminalSettings::instance().setAlerts(u'[' + alerts.join(u',') + u']');
+    Desk desk;
+    QCOMPARE(desk.list()->topLevelItemCount(), count);
+    desk.pane.onPrices(parse(R"({"S7":{"bid":9.5},"S8":{"bid":9.5}})"));
+    QCOMPARE(desk.sounds.size(), 1);
+    QCOMPARE(desk.rows().count(u"S7|Bid ≥|9.00000|Triggered"_s), 1);
+    QCOMPARE(desk.rows().filter(u"|Active"_s).size(), count - 1);
+    QCOMPARE(AlertBook::fromJson(stored()).alerts().size(), count);
 }
 
 TAVORAN_TEST_MAIN(TestAlertsPane)
