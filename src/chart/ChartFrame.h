@@ -38,6 +38,7 @@ struct ChartFrame {
     QString description;
 
     QList<MovingAverageSpec> averages;
+    int legendIndent = 0; ///< columns at the left of the averages' names that something covers
     std::span<const std::span<const double>> averageValues; ///< see IndicatorCache::averages()
     int rsiPeriod = 0;
     std::span<const double> rsiValues; ///< see IndicatorCache::strength()

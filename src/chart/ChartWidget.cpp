@@ -231,6 +231,14 @@ void ChartWidget::setMeasureMode(bool on)
         Q_EMIT settingsChanged();
 }
 
+void ChartWidget::setLegendIndent(int columns)
+{
+    if (columns == m_legendIndent)
+        return;
+    m_legendIndent = columns;
+    update();
+}
+
 void ChartWidget::setTradeLevels(const QList<TradeLevel>& levels)
 {
     if (levels == m_levels)
@@ -324,6 +332,7 @@ ChartFrame ChartWidget::frame() const
     frame.description = m_description;
     m_indicators.update(m_series.candles());
     frame.averages = m_averages;
+    frame.legendIndent = m_legendIndent;
     frame.averageValues = m_indicators.averages();
     frame.rsiPeriod = m_rsiPeriod;
     frame.rsiValues = m_indicators.strength();

@@ -99,6 +99,8 @@ public:
     /// Arms or disarms the ruler (see Ruler); a shown ruler goes. While armed, presses in the plot measure
     /// instead of panning, selecting or taking levels; placing an object goes first.
     void setMeasureMode(bool on);
+    /// Names the averages further right by as many columns, beside whatever covers the corner.
+    void setLegendIndent(int columns);
     [[nodiscard]] bool measureMode() const { return m_ruler.isArmed(); }
 
     /// A level being dragged stays in the hand while its line is among them at the same price; otherwise the
@@ -185,6 +187,7 @@ private:
     QString m_timeframeLabel;
     QString m_description;
     int m_digits = 5;
+    int m_legendIndent = 0;
     ChartType m_type = ChartType::Candles;
     ChartColors m_colors;
     QList<MovingAverageSpec> m_averages;

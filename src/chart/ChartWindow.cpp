@@ -49,6 +49,7 @@ ChartWindow::ChartWindow(ApiClient& api, const QString& symbol, const QString& t
 
     m_chart->setDigits(m_digits);
     labelChart();
+    placeLegend();
     setWindowTitle(title());
 
     connect(m_chart, &ChartWidget::crosshairMoved, this, &ChartWindow::crosshairMoved);
@@ -228,6 +229,13 @@ bool ChartWindow::oneClickTrading() const
 void ChartWindow::setOneClickTrading(bool on)
 {
     m_oneClick->setVisible(on);
+    placeLegend();
+}
+
+void ChartWindow::placeLegend()
+{
+    constexpr int gap = 6;
+    m_chart->setLegendIndent(oneClickTrading() ? m_oneClick->sizeHint().width() + gap : 0);
 }
 
 void ChartWindow::setMeasureMode(bool on)

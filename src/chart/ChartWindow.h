@@ -111,6 +111,8 @@ protected:
 private:
     void onHistory(const QByteArray& body, const QString& error);
     void labelChart();
+    /// Names the averages beside the panel while it covers their corner.
+    void placeLegend();
     void showQuote();
 
     ReadCoalescer* m_history;

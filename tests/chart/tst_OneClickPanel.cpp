@@ -18,6 +18,7 @@ private Q_SLOTS:
     void init();
 
     void liesInTheCornerOfEveryChart();
+    void doesNotHideTheNamesOfTheAverages();
     void keepsItsSizesInEveryTheme_data();
     void keepsItsSizesInEveryTheme();
     void keepsItsColoursInEveryTheme_data();
@@ -64,6 +65,34 @@ void tst_OneClickPanel::init()
 {
     setTheme(false);
     applyTheme(*qApp);
+}
+
+void tst_OneClickPanel::doesNotHideTheNamesOfTheAverages()
+{
+    const ServedChart served;
+    served.chart().setCandles(fixtures::wave(3));
+    served.chart().setMovingAverages({{AverageKind::Simple, 20, QColor(u"#ff00ff"_s)}});
+    served.show();
+    const QRect panel = panelOf(served).geometry();
+    const auto named = [&served](int from, int to) {
+        const QRect row(from, 16, to - from, 16);
+        const QImage picture = served.chart().grab(row).toImage();
+        int magenta = 0;
+        for (int y = 0; y < picture.height(); ++y) {
+            for (int x = 0; x < picture.width(); ++x) {
+                const QColor color = picture.pixelColor(x, y);
+                magenta += color.red() > 100 && color.blue() > 100 && color.green() < 60 ? 1 : 0;
+            }
+        }
+        return magenta > 10;
+    };
+    QVERIFY(named(panel.right() + 1, panel.right() + 80));
+    served.window->setOneClickTrading(false);
+    QVERIFY(named(6, 80));
+    QVERIFY(!named(panel.right() + 1, panel.right() + 80));
+    served.window->setOneClickTrading(true);
+    QVERIFY(!named(6, panel.right()));
+    QVERIFY(named(panel.right() + 1, panel.right() + 80));
 }
 
 void tst_OneClickPanel::liesInTheCornerOfEveryChart()

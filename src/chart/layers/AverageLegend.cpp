@@ -6,7 +6,7 @@ void layers::paintAverageLegend(QPainter& painter, const ChartFrame& frame)
 {
     constexpr int gap = 12;
     const QRect& plot = frame.view.plot();
-    QPoint baseline = plot.topLeft() + QPoint(6, 28);
+    QPoint baseline = plot.topLeft() + QPoint(6 + frame.legendIndent, 28);
     for (const MovingAverageSpec& average : frame.averages) {
         if (baseline.x() > plot.right())
             return;
