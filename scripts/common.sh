@@ -9,7 +9,7 @@ fail() {
 BUILD_PACKAGES="g++ cmake ninja-build ccache qt6-base-dev qt6-websockets-dev qt6-declarative-dev
     qt6-multimedia-dev libboost-dev nlohmann-json3-dev libsqlite3-dev libcrypt-dev"
 RUNTIME_PACKAGES="ca-certificates fonts-dejavu-core"
-TOUR_PACKAGES="xvfb xdotool openbox trayer imagemagick dbus dbus-daemon at-spi2-core
+TOUR_PACKAGES="xvfb xdotool openbox trayer dbus dbus-daemon at-spi2-core
     python3 python3-gi gir1.2-atspi-2.0"
 
 # install_packages NAME...: installs with apt what is missing, and says so; does nothing otherwise.

@@ -6,6 +6,8 @@ import tempfile
 import time
 from pathlib import Path
 
+from screen import Screen
+
 
 class Desktop:
     """Starts Xvfb with a window manager; real key and mouse events go in, pictures come out."""
@@ -24,6 +26,7 @@ class Desktop:
         if not number:
             raise RuntimeError("the virtual X server did not start")
         os.environ["DISPLAY"] = f":{number}"
+        self._screen = Screen(f":{number}")
         os.environ.pop("WAYLAND_DISPLAY", None)
         os.environ["QT_QPA_PLATFORM"] = "xcb"
         os.environ["QT_LINUX_ACCESSIBILITY_ALWAYS_ON"] = "1"
@@ -42,6 +45,7 @@ class Desktop:
             subprocess.Popen(command, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL, **options))
 
     def close(self):
+        self._screen.close()
         os.kill(self._bus_pid, 15)
         for process in reversed(self._processes):
             process.terminate()
@@ -91,6 +95,16 @@ class Desktop:
     def click(self, x, y, times=1, button=1):
         self._xdotool("mousemove", x, y, "click", "--repeat", times, "--delay", 60, button)
 
+    def drag(self, start, end):
+        """Presses at one place, moves in small steps as a hand does, and leaves the button pressed."""
+        self._xdotool("mousemove", *start, "mousedown", 1)
+        steps = 8
+        for step in range(1, steps + 1):
+            self._xdotool("mousemove", *(int(a + (b - a) * step / steps) for a, b in zip(start, end)))
+
+    def drop(self):
+        self._xdotool("mouseup", 1)
+
     def key(self, *names):
         self._xdotool("key", *names)
 
@@ -99,17 +113,11 @@ class Desktop:
 
     def screenshot(self, path, area=None):
         """The whole screen, or the rectangle (x, y, width, height) of it, as a PNG."""
-        crop = ["-crop", "{2}x{3}+{0}+{1}".format(*area), "+repage"] if area else []
-        subprocess.run(["import", "-window", "root", *crop, str(path)], check=True)
+        self._screen.save(path, *(area or (0, 0, self.width, self.height)))
 
     def pixels(self, x, y, width, height):
         """The RGB bytes of one rectangle of the screen, row by row."""
-        picture = subprocess.run(
-            ["import", "-window", "root", "-crop", f"{width}x{height}+{x}+{y}", "-depth", "8", "rgb:-"],
-            check=True, stdout=subprocess.PIPE).stdout
-        if len(picture) != width * height * 3:
-            raise RuntimeError(f"expected {width}x{height} pixels, got {len(picture)} bytes")
-        return picture
+        return self._screen.pixels(x, y, width, height)
 
 
 def wait_until(probe, seconds=15.0, pause=0.1):

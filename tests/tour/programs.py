@@ -16,17 +16,22 @@ PASSWORD = "practice"
 class Platform:
     """The practice platform, and a plain client of our own that asks it for its records."""
 
-    def __init__(self, binary, folder, port=0):
-        self._binary, self._folder, self._port = binary, folder, port
+    def __init__(self, binary, folder, options=()):
+        self._binary, self._folder, self._port = binary, folder, 0
+        self._options = list(options)
         self._process = None
         self._token = None
         self.address = None
+
+    @property
+    def database(self):
+        return self._folder / "practice.db"
 
     def start(self):
         log = self._folder / "platform.log"
         with open(log, "w", encoding="utf-8") as output:
             self._process = subprocess.Popen(
-                [self._binary, "--port", str(self._port), "--db", str(self._folder / "practice.db"), "--seed", "7"],
+                [self._binary, "--port", str(self._port), "--db", str(self.database), "--seed", "7", *self._options],
                 stdout=output, stderr=subprocess.STDOUT)
         deadline = time.monotonic() + 15
         while time.monotonic() < deadline and self._process.poll() is None:
@@ -64,10 +69,21 @@ class Platform:
         self.get("/api/accounts")
         return self._ask(path, body)
 
-    def open_trades(self):
-        """Every open trade of every account."""
+    def account(self, accept):
+        return next(account for account in self.get("/api/accounts") if accept(account))
+
+    def demo_account(self):
+        return self.account(lambda account: account["type"] == "DEMO")
+
+    def trades(self, kind):
+        """The trades of every account that are "open", "pending" or "history"."""
         return [trade for account in self.get("/api/accounts")
-                for trade in self.get("/api/trades/open?accountId=" + account["id"])]
+                for trade in self.get(f"/api/trades/{kind}?accountId=" + account["id"])]
+
+    def drawings(self, symbol, account_id):
+        """The kinds of the objects that are kept for a chart, sorted."""
+        records = self.get(f"/api/drawings?symbol={symbol}&accountId={account_id}")
+        return sorted(record["toolType"] for record in records)
 
 
 class Terminal:

@@ -1,5 +1,7 @@
 """Reads the terminal's windows the way a screen reader does: roles, names, values and places."""
 
+from functools import cached_property
+
 import gi
 
 gi.require_version("Atspi", "2.0")
@@ -7,14 +9,27 @@ from gi.repository import Atspi, GLib  # noqa: E402
 
 
 class Item:
-    """One thing on the screen, as it was when it was read."""
+    """One thing on the screen. Each property is read once, when it is first asked for."""
 
     def __init__(self, node):
         self._node = node
-        self.role = node.get_role_name()
-        self.name = node.get_name() or ""
-        place = node.get_extents(Atspi.CoordType.SCREEN)
-        self.x, self.y, self.width, self.height = place.x, place.y, place.width, place.height
+
+    @cached_property
+    def role(self):
+        return self._node.get_role_name()
+
+    @cached_property
+    def name(self):
+        return self._node.get_name() or ""
+
+    @cached_property
+    def _place(self):
+        return self._node.get_extents(Atspi.CoordType.SCREEN)
+
+    x = property(lambda self: self._place.x)
+    y = property(lambda self: self._place.y)
+    width = property(lambda self: self._place.width)
+    height = property(lambda self: self._place.height)
 
     @property
     def center(self):
@@ -33,17 +48,24 @@ class Item:
             if child is not None:
                 yield Item(child)
 
-    def everything(self):
+    def everything(self, shown):
+        """This item and all below it, but not what is in lists below it: their cells are many and slow to
+        read. With `shown`, hidden branches are left out."""
+        if shown and not self.has("SHOWING"):
+            return
         yield self
         for child in self.children():
-            yield from child.everything()
+            if child.role != "tree":
+                yield from child.everything(shown)
+            elif not shown or child.has("SHOWING"):
+                yield child
 
     def find(self, role=None, name=None, shown=True, accept=None):
-        """The first match below this item, or None. `name` is exact; `accept` is a further condition."""
+        """The first match at or below this item, or None. `name` is exact; `accept` is a further condition."""
         return next(self.find_all(role, name, shown, accept), None)
 
     def find_all(self, role=None, name=None, shown=True, accept=None):
-        for item in self.everything():
+        for item in self.everything(shown):
             if (role is None or item.role == role) and (name is None or item.name == name) \
                     and (not shown or item.shown) and (accept is None or accept(item)):
                 yield item
@@ -56,8 +78,9 @@ class Item:
     def rows(self):
         """The cells of a list, row by row from the top, each row from the left."""
         lines = {}
-        for cell in self.find_all(role="table cell", shown=False):
-            lines.setdefault(cell.y, []).append(cell)
+        for cell in self.children():
+            if cell.role == "table cell":
+                lines.setdefault(cell.y, []).append(cell)
         return [sorted(cells, key=lambda cell: cell.x) for _, cells in sorted(lines.items())]
 
 

@@ -1,0 +1,174 @@
+"""Orders and positions, from wherever the hand is: dialog, panel, row and line on the chart."""
+
+import chart_picture as paint
+from acts.market import bid
+from stage import SYMBOL
+
+
+def order_dialog(stage):
+    stage.desktop.key("F9")
+    dialog = stage.titled("Order: ")
+    stage.seen("order-dialog", dialog, f"F9 opened the order dialog: {dialog.name if dialog else ''}")
+    return dialog
+
+
+def trade_row(stage, accept):
+    stage.open_tab("Trade")
+    return stage.wait(lambda: stage.row("Trade", accept))
+
+
+def ticket_row(stage, ticket):
+    return stage.row("Trade", lambda cells: cells[1].name == ticket)
+
+
+def record(stage, ticket, kind="open"):
+    """The platform's own record of a trade; None when it has none of this kind."""
+    return next((trade for trade in stage.platform.trades(kind) if trade["id"].startswith(ticket)), None)
+
+
+def buy(stage):
+    """Buys with the order dialog and watches the position; its ticket."""
+    dialog = order_dialog(stage)
+    stage.seen("order-symbol", SYMBOL in dialog.name, "for the symbol of the chart")
+    quote = stage.wait(lambda: dialog.find(
+        "label", accept=lambda item: " / " in item.text() and item.text()[0].isdigit()).text())
+    stage.seen("order-quote", quote, f"its quote is live: {quote}")
+    stage.press_in(dialog, "Buy by Market")
+    stage.seen("order-placed", stage.gone("Order: "), "the order was accepted and the dialog closed")
+    stage.seen("order-journal", stage.wait(lambda: stage.journal_line("Order placed")), "the Journal says so")
+
+    cells = trade_row(stage, lambda row: row[0].name == SYMBOL)
+    stage.seen("position", cells, f"the position's row: {[cell.name for cell in cells] if cells else ''}")
+    ticket, before = cells[1].name, cells[11].name
+    profit = stage.wait(lambda: (now := ticket_row(stage, ticket)[11].name) != before and now, 60)
+    stage.seen("profit", profit, f"its profit follows the feed: {before} became {profit}")
+    stage.seen("summary", stage.label(lambda text: "Equity:" in text), "the account line stands under it")
+    trades = stage.platform.trades("open")
+    ours = len(trades) == 1 and trades[0]["symbol"] == SYMBOL and trades[0]["type"] == "BUY"
+    stage.seen("record", ours and trades[0]["id"].startswith(ticket), f"the platform's own record agrees: {ticket}")
+    return ticket
+
+
+def buy_with_one_click(stage, symbol, lots):
+    """Types a volume into the panel on the active chart and buys; the new position's row."""
+    before = {trade["id"] for trade in stage.platform.trades("open")}
+    panel = stage.has_chart(symbol)  # another chart lies behind it and has a panel, too
+    volume = stage.wait(lambda: panel.find("spin button", "Volume in lots"))
+    stage.click(volume)
+    stage.desktop.key("ctrl+a")
+    stage.desktop.type(lots)
+    stage.wait(lambda: volume.text() == lots)
+    button = panel.find("push button", accept=lambda item: item.name.startswith("BUY"))
+    stage.click(button)
+    new = stage.wait(lambda: [trade for trade in stage.platform.trades("open") if trade["id"] not in before])
+    stage.seen("one-click", len(new) == 1 and (new[0]["symbol"], new[0]["type"]) == (symbol, "BUY")
+               and float(new[0]["lotSize"]) == float(lots), f"one click bought {lots} {symbol}")
+    executed = stage.wait(lambda: stage.journal_line(f"One-click BUY {symbol} executed"))
+    stage.seen("one-click-journal", executed, f"the Journal says: {executed}")
+    ticket = new[0]["id"][:8]
+    stage.seen("one-click-row", trade_row(stage, lambda row: row[1].name == ticket), "its row is there")
+    return ticket
+
+
+def type_into(stage, dialog, label, text):
+    """Fills the field of a form that stands right of this caption."""
+    caption = stage.wait(lambda: dialog.find("label", label))
+    field = stage.wait(lambda: next(
+        item for item in dialog.find_all(accept=lambda part: part.role in ("text", "spin button"))
+        if abs(item.center[1] - caption.center[1]) < 8))
+    stage.click(field, times=2)
+    stage.desktop.key("ctrl+a")
+    stage.desktop.type(text)
+
+
+def modify_by_dialog(stage, ticket):
+    """Gives a position a stop loss and a take profit."""
+    price = bid(stage)
+    stop_loss, take_profit = price - 0.0010, price + 0.0014
+    stage.click(trade_row(stage, lambda row: row[1].name == ticket)[0], times=2)
+    dialog = stage.titled("Modify Order")
+    stage.seen("modify", dialog, "a double-click on the row opens the modify dialog")
+    type_into(stage, dialog, "Stop Loss:", f"{stop_loss:.5f}".replace(".", ","))  # a comma counts as a point
+    type_into(stage, dialog, "Take Profit:", f"{take_profit:.5f}")
+    stage.seen("modify-filled", True, f"{stop_loss:.5f} and {take_profit:.5f} are typed")
+    stage.press_in(dialog, "Modify")
+    stage.gone("Modify Order")
+    wanted = [f"{stop_loss:.5f}", f"{take_profit:.5f}"]
+    shown = stage.wait(lambda: [cell.name for cell in ticket_row(stage, ticket)[6:8]] == wanted)
+    stage.seen("modified", shown, f"the row shows {wanted}")
+    kept = record(stage, ticket)
+    stage.seen("modified-record", [kept["stopLoss"], kept["takeProfit"]] == wanted, "and so does the platform")
+
+
+def drag_level(stage, ticket, name, colour, kind, field, down):
+    """Drags the lowest line of this colour by some pixels and waits for the row, the line and the record."""
+    chart = stage.chart()
+    pointed = (stage.desktop.move(5, 5), stage.wait(lambda: chart.lines(colour)))[1]
+    stage.seen(f"{name}-line", pointed, "the chart shows the level as a line")
+    before = float((record(stage, ticket) or record(stage, ticket, "pending"))[field])
+    across = chart.at(0.55, 0)[0]
+    stage.desktop.drag((across, pointed[-1]), (across, pointed[-1] + down))
+    stage.seen(f"{name}-held", stage.wait(lambda: chart.lines(colour)), "while it is dragged, the line follows the hand")
+    stage.desktop.drop()
+    stage.desktop.move(5, 5)
+    moved = stage.wait(lambda: (now := float((record(stage, ticket) or record(stage, ticket, "pending"))[field]))
+                       != before and now)
+    stage.seen(f"{name}-moved", moved and (moved < before) == (down > 0), f"the platform moved it from {before} to {moved}")
+    there = stage.wait(lambda: any(abs(line - pointed[-1] - down) <= 1 for line in chart.lines(colour)))
+    stage.seen(f"{name}-there", there, "and its line lies where it was dropped")
+    said = stage.wait(lambda: stage.journal_line(f"{kind} moved to {moved:g}"[:14]))
+    stage.seen(f"{name}-journal", said and abs(float(said.split()[-1]) - moved) < 1e-9, f"the Journal says: {said}")
+
+
+def place_limit(stage):
+    """Places a buy limit below the price; its ticket."""
+    dialog = order_dialog(stage)
+    stage.press_in(dialog, "Limit Order")
+    price = bid(stage) - 0.0016
+    type_into(stage, dialog, "Price:", f"{price:.5f}")
+    stage.press_in(dialog, "Buy Limit")
+    stage.gone("Order: ")
+    pending = stage.wait(lambda: stage.platform.trades("pending"))
+    stage.seen("limit", len(pending) == 1 and pending[0]["pendingPrice"] == f"{price:.5f}", "a limit order waits")
+    ticket = pending[0]["id"][:8]
+    cells = trade_row(stage, lambda row: row[1].name == ticket)
+    stage.seen("limit-row", cells and cells[3].name == "buy limit", "its row is there")
+    return ticket
+
+
+def cancel(stage, ticket):
+    cells = trade_row(stage, lambda row: row[1].name == ticket)
+    stage.context_menu(*cells[0].center, "Down", "Return")
+    stage.seen("cancelled-order", stage.wait(lambda: not ticket_row(stage, ticket) and not record(stage, ticket, "pending")),
+               "Cancel Order in the row's menu took it away, here and on the platform")
+    stage.seen("cancelled-journal", stage.wait(lambda: stage.journal_line("Pending order cancelled")), "the Journal says so")
+
+
+def close(stage, ticket):
+    cells = trade_row(stage, lambda row: row[1].name == ticket)
+    stage.context_menu(*cells[0].center, "Down", "Return")
+    question = stage.titled("Close Position")
+    stage.seen("close-question", question and question.find("label", accept=lambda item: f"(#{ticket})?" in item.text()),
+               "Close Position in the row's menu asks first")
+    stage.press_in(question, "Yes")
+    stage.seen("closed-position", stage.wait(lambda: not ticket_row(stage, ticket) and not record(stage, ticket)),
+               "it is closed, here and on the platform")
+    stage.seen("closed-journal", stage.wait(lambda: stage.journal_line("Position closed")), "the Journal says so")
+
+
+def set_up(stage):
+    """A position with a stop loss and a take profit, and a limit order; their tickets."""
+    ticket = buy(stage)
+    modify_by_dialog(stage, ticket)
+    drag_level(stage, ticket, "stop-loss", paint.STOP_LOSS, "SL", "stopLoss", 8)
+    return ticket, place_limit(stage)
+
+
+def clear_up(stage, ticket, order):
+    """Ends all of that, and a one-click position on the way; the tickets of what was closed."""
+    drag_level(stage, order, "limit", paint.PENDING, "PRICE", "pendingPrice", 8)
+    cancel(stage, order)
+    second = buy_with_one_click(stage, SYMBOL, "0.10")
+    close(stage, second)
+    close(stage, ticket)
+    return [ticket, second]

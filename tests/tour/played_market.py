@@ -1,0 +1,53 @@
+"""Prices for --replay that are the same in every run: one symbol that wavers, and one that falls on and on,
+so that losses and alerts come within seconds."""
+
+import random
+from datetime import datetime, timedelta
+
+WAVERING, FALLING = "EURUSD", "GBPUSD"
+PIP = 0.0001
+# The platform plays two fifths of a record as the past. The chart of quarters of an hour shows 30 hours.
+PAST = 1800
+MINUTES = PAST * 5 // 2
+
+
+# A walk that stands in the middle of its range, 25 pips and more from both ends,
+# when the tour begins, and moves by less than three pips meanwhile.
+CALM_SEED = 569
+
+
+def wavering():
+    """Pulled back to where it came from, so that the chart leaves room above and below the newest price."""
+    chance, pips = random.Random(CALM_SEED), [0.0]
+    for _ in range(MINUTES):
+        pips.append(pips[-1] * 0.998 + chance.gauss(0, 0.8))
+    return pips
+
+
+def falling(walk):
+    """Wavers like the other in the past, then loses 40 pips a minute."""
+    return [pips if minute <= PAST else walk[PAST] - 40.0 * min(minute - PAST, 200)
+            for minute, pips in enumerate(walk)]
+
+
+def write_symbol(folder, name, start, pips):
+    chance, time = random.Random(name), datetime(2026, 1, 5)
+    lines = ["time,open,high,low,close,volume,ask_open,ask_high,ask_low,ask_close"]
+    for before, after in zip(pips, pips[1:]):
+        steep = abs(after - before) > 10
+        wicks = (0, 0) if steep else (chance.random(), chance.random())
+        prices = [start + PIP * value for value in
+                  (before, max(before, after) + wicks[0], min(before, after) - wicks[1], after)]
+        bids = ",".join(f"{price:.5f}" for price in prices)
+        asks = ",".join(f"{price + PIP:.5f}" for price in prices)
+        lines.append(f"{time:%Y-%m-%dT%H:%M:%SZ},{bids},{chance.randrange(20, 120)},{asks}")
+        time += timedelta(minutes=1)
+    (folder / f"{name}-1m.csv").write_text("\n".join(lines) + "\n", encoding="utf-8")
+
+
+def write_market(folder):
+    folder.mkdir(parents=True, exist_ok=True)
+    walk = wavering()
+    write_symbol(folder, WAVERING, 1.085, walk)
+    write_symbol(folder, FALLING, 1.95, falling(walk))
+    return folder
