@@ -1,0 +1,54 @@
+#include "experts/ExpertEngine.h"
+
+#include "experts/ExpertRun.h"
+
+#include <utility>
+
+ExpertEngine::ExpertEngine(const QString& symbol, int digits, const std::vector<Candle>& candles,
+    ExpertHost::Callbacks callbacks, QObject* parent)
+    : QObject(parent)
+    , m_run(std::make_shared<ExpertRun>(symbol, digits, candles, std::move(callbacks),
+          [this](const QString& text) { Q_EMIT message(text); }))
+{
+}
+
+ExpertEngine::~ExpertEngine()
+{
+    m_run->abandon();
+}
+
+// Script code may delete this object: after it nothing here is touched.
+
+bool ExpertEngine::load(const QString& path, QString* error)
+{
+    QString reason;
+    const bool running = m_run->load(path, reason);
+    if (error)
+        *error = reason;
+    return running;
+}
+
+void ExpertEngine::tick()
+{
+    m_run->tick();
+}
+
+void ExpertEngine::stop()
+{
+    m_run->stop();
+}
+
+QString ExpertEngine::name() const
+{
+    return m_run->name();
+}
+
+bool ExpertEngine::isRunning() const
+{
+    return m_run->isRunning();
+}
+
+void ExpertEngine::setDigits(int digits)
+{
+    m_run->host().setDigits(digits);
+}

@@ -1,0 +1,48 @@
+#pragma once
+
+#include "experts/ExpertHost.h"
+
+#include <QObject>
+
+#include <memory>
+
+class ExpertRun;
+
+/// Runs one Expert Advisor: a JavaScript file with some of the functions OnInit, OnTick, OnTimer and
+/// OnDeinit. Loads once; a stopped engine is not started again.
+///
+/// Everything happens on the GUI thread, and a script that never returns blocks it. Hooks never nest: a
+/// tick or a time-out that comes while one is running is dropped. The engine may be stopped and deleted at
+/// any time, from within its own hooks too: the script engine then stays until the hook has returned, but
+/// what the hook still asks for has no effect.
+class ExpertEngine final : public QObject {
+    Q_OBJECT
+    Q_DISABLE_COPY_MOVE(ExpertEngine)
+
+public:
+    /// `candles` is the chart's own list, which must outlive the engine.
+    ExpertEngine(const QString& symbol, int digits, const std::vector<Candle>& candles,
+        ExpertHost::Callbacks callbacks, QObject* parent = nullptr);
+    /// Runs no script code; stop() does.
+    ~ExpertEngine() override;
+
+    /// Reads the script, runs the runtime prelude and the script, and calls OnInit. True when the expert is
+    /// running; else the reason is in `error`. A failure of OnInit has then been told by message() too.
+    bool load(const QString& path, QString* error = nullptr);
+    /// Calls OnTick; nothing unless running. An error in it ends the expert.
+    void tick();
+    /// Calls OnDeinit if the expert is running, and ends it.
+    void stop();
+
+    /// The script file's name without its last extension; empty before load().
+    [[nodiscard]] QString name() const;
+    [[nodiscard]] bool isRunning() const;
+    /// The symbol's price decimals, when they become known late.
+    void setDigits(int digits);
+
+Q_SIGNALS:
+    void message(const QString& text);
+
+private:
+    std::shared_ptr<ExpertRun> m_run;
+};

@@ -1,0 +1,174 @@
+#include "experts/ExpertRun.h"
+
+#include "experts/ExpertScript.h"
+
+#include <QFile>
+
+#include <limits>
+#include <utility>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr auto preludePath = ":/ea_prelude.js"_L1;
+constexpr auto preludeName = "ea_prelude.js"_L1;
+
+} // namespace
+
+/// While script code runs that this class has called: what it asks for happens at once.
+class ExpertRun::HookScope final {
+    Q_DISABLE_COPY_MOVE(HookScope)
+
+public:
+    explicit HookScope(ExpertRun& run)
+        : m_run(run)
+        , m_wasInHook(std::exchange(run.m_inHook, true))
+    {
+        m_run.m_host.holdActions(false);
+    }
+    ~HookScope()
+    {
+        m_run.m_inHook = m_wasInHook;
+        m_run.m_host.holdActions(!m_wasInHook);
+    }
+
+private:
+    ExpertRun& m_run;
+    bool m_wasInHook;
+};
+
+ExpertRun::ExpertRun(const QString& symbol, int digits, const std::vector<Candle>& candles,
+    ExpertHost::Callbacks callbacks, Report report)
+    : m_host(symbol, digits, candles, std::move(callbacks))
+    , m_report(std::move(report))
+{
+    m_host.holdActions(true);
+    QObject::connect(&m_timer, &QTimer::timeout, &m_timer, [this] { onTimer(); });
+    QObject::connect(&m_host, &ExpertHost::timerRequested, &m_timer, [this](int s) { startTimer(s); });
+    QObject::connect(&m_host, &ExpertHost::timerKilled, &m_timer, &QTimer::stop);
+}
+
+ExpertRun::~ExpertRun() = default;
+
+bool ExpertRun::load(const QString& path, QString& error)
+{
+    if (m_state != State::Created) {
+        error = tr("An expert can be loaded only once");
+        return false;
+    }
+    const auto alive = shared_from_this();
+    m_state = State::Starting;
+    m_name = ExpertScript::nameOf(path);
+    if (!start(path, error)) {
+        stop();
+        return false;
+    }
+    if (m_state != State::Starting) {
+        error = tr("%1 was detached while it was loading").arg(m_name);
+        return false;
+    }
+    m_state = State::Running;
+    report(tr("%1 loaded").arg(m_name));
+    // Whoever heard that may have ended it.
+    return isRunning();
+}
+
+bool ExpertRun::start(const QString& path, QString& error)
+{
+    const std::optional<ExpertScript> script = ExpertScript::read(path, error);
+    if (!script)
+        return false;
+    const HookScope scope(*this);
+    m_script.expose(u"__host"_s, m_host);
+    if (QFile prelude(preludePath); prelude.open(QIODevice::ReadOnly)) {
+        if (const auto failure = m_script.run(QString::fromUtf8(prelude.readAll()), preludeName)) {
+            error = tr("Runtime prelude error: %1").arg(failure->name + u": "_s + failure->message);
+            return false;
+        }
+    }
+    if (const auto failure = m_script.run(script->text, script->fileName)) {
+        error = failure->line > 0
+            ? tr("%1 at line %2: %3").arg(failure->name, QString::number(failure->line), failure->message)
+            : tr("%1: %2").arg(failure->name, failure->message);
+        return false;
+    }
+    m_onTick = m_script.function(u"OnTick"_s);
+    m_onTimer = m_script.function(u"OnTimer"_s);
+    m_onDeinit = m_script.function(u"OnDeinit"_s);
+    // Code at the top of the file may have led to the end already.
+    if (m_state != State::Starting)
+        return true;
+    if (const auto failure = call(m_script.function(u"OnInit"_s), u"OnInit"_s)) {
+        error = *failure;
+        return false;
+    }
+    return true;
+}
+
+std::optional<QString> ExpertRun::call(const QJSValue& hook, const QString& hookName)
+{
+    if (!hook.isCallable())
+        return std::nullopt;
+    const HookScope scope(*this);
+    const std::optional<ScriptError> failure = m_script.call(hook);
+    if (!failure)
+        return std::nullopt;
+    const QString text = failure->line > 0
+        ? tr("%1: %2 (line %3)").arg(hookName, failure->message, QString::number(failure->line))
+        : tr("%1: %2").arg(hookName, failure->message);
+    report(text);
+    return text;
+}
+
+void ExpertRun::tick()
+{
+    // A box opened by something that a hook asked for lets prices in while the hook waits.
+    if (m_state != State::Running || m_inHook || !m_onTick.isCallable())
+        return;
+    const auto alive = shared_from_this();
+    const std::optional<QString> failure = call(m_onTick, u"OnTick"_s);
+    if (!failure || m_state != State::Running)
+        return;
+    report(tr("Stopped after error in OnTick: %1").arg(*failure));
+    stop();
+}
+
+void ExpertRun::onTimer()
+{
+    if (m_state != State::Running || m_inHook)
+        return;
+    const auto alive = shared_from_this();
+    call(m_onTimer, u"OnTimer"_s);
+}
+
+void ExpertRun::startTimer(int seconds)
+{
+    constexpr int most = std::numeric_limits<int>::max() / 1000;
+    if (seconds > 0 && m_state != State::Stopped)
+        m_timer.start(std::min(seconds, most) * 1000);
+}
+
+void ExpertRun::stop()
+{
+    const auto alive = shared_from_this();
+    m_timer.stop();
+    if (std::exchange(m_state, State::Stopped) == State::Running)
+        call(m_onDeinit, u"OnDeinit"_s);
+    m_host.disconnectChart();
+}
+
+void ExpertRun::abandon()
+{
+    m_timer.stop();
+    m_state = State::Stopped;
+    m_host.disconnectChart();
+    m_report = {};
+}
+
+void ExpertRun::report(const QString& text) const
+{
+    // The listener may end this expert, and its own registration with it.
+    if (const Report listener = m_report)
+        listener(text);
+}

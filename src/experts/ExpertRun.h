@@ -1,0 +1,56 @@
+#pragma once
+
+#include "experts/ExpertHost.h"
+#include "experts/ScriptEngine.h"
+
+#include <QCoreApplication>
+#include <QTimer>
+
+#include <functional>
+#include <memory>
+
+/// One expert from loading to its end: script engine, host, timer and hooks. Kept by its ExpertEngine and,
+/// while one of its hooks is running, by that call, so that it can be ended from within.
+class ExpertRun final : public std::enable_shared_from_this<ExpertRun> {
+    Q_DECLARE_TR_FUNCTIONS(ExpertEngine)
+    Q_DISABLE_COPY_MOVE(ExpertRun)
+
+public:
+    using Report = std::function<void(const QString& text)>;
+
+    ExpertRun(const QString& symbol, int digits, const std::vector<Candle>& candles,
+        ExpertHost::Callbacks callbacks, Report report);
+    ~ExpertRun();
+
+    [[nodiscard]] bool load(const QString& path, QString& error);
+    void tick();
+    void stop();
+    /// Nobody is interested any more: no script code runs, apart from the rest of a hook under way.
+    void abandon();
+
+    [[nodiscard]] const QString& name() const { return m_name; }
+    [[nodiscard]] bool isRunning() const { return m_state == State::Running; }
+    [[nodiscard]] ExpertHost& host() { return m_host; }
+
+private:
+    enum class State { Created, Starting, Running, Stopped };
+    class HookScope;
+
+    [[nodiscard]] bool start(const QString& path, QString& error);
+    /// The composed text of a failure, which has been reported; absent when all went well.
+    std::optional<QString> call(const QJSValue& hook, const QString& hookName);
+    void onTimer();
+    void startTimer(int seconds);
+    void report(const QString& text) const;
+
+    ScriptEngine m_script;
+    ExpertHost m_host; ///< after the engine, so that it goes first
+    QTimer m_timer;
+    Report m_report;
+    QString m_name;
+    QJSValue m_onTick;
+    QJSValue m_onTimer;
+    QJSValue m_onDeinit;
+    State m_state = State::Created;
+    bool m_inHook = false;
+};

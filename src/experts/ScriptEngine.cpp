@@ -1,0 +1,179 @@
+#include "experts/ScriptEngine.h"
+
+#include <QMetaMethod>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+/// An array that holds itself, turned into a text, would run off the end of the stack and take the terminal
+/// along. Here it becomes an empty text inside itself, and too deep nesting an error.
+constexpr QStringView arrayGuard = uR"((function() {
+    "use strict";
+    const apply = Reflect.apply;
+    const define = Object.defineProperty;
+    const underWay = [];
+    let depth = 0;
+    function guard(name, inside) {
+        const own = Array.prototype[name];
+        define(Array.prototype, name, { configurable: true, enumerable: false, writable: true,
+            value: function() {
+                for (let i = 0; i < depth; ++i) {
+                    if (underWay[i] === this)
+                        return inside;
+                }
+                define(underWay, depth, { configurable: true, writable: true, value: this });
+                ++depth;
+                try {
+                    return apply(own, this, arguments);
+                } finally {
+                    underWay[--depth] = null;
+                }
+            } });
+    }
+    guard("join", "");
+    guard("toLocaleString", "");
+}))";
+
+constexpr QStringView facadeMaker = uR"((function(object, names) {
+    "use strict";
+    const facade = Object.create(null);
+    for (let i = 0; i < names.length; ++i)
+        facade[names[i]] = object[names[i]];
+    return Object.freeze(facade);
+}))";
+
+/// A thrown value arrives in an array; whatever is returned is dropped. The toolkit itself cannot tell a
+/// thrown number from a returned one, nor a returned error from a thrown one.
+constexpr QStringView catcher = uR"((function(hook) {
+    "use strict";
+    return function() {
+        try {
+            hook();
+        } catch (thrown) {
+            return [thrown];
+        }
+    };
+}))";
+
+/// Name, message, text, file, line and stack of whatever was thrown, as texts. Each may be missing, be
+/// something else, or throw when it is read.
+constexpr QStringView describer = uR"((function() {
+    "use strict";
+    const toText = String;
+    return function(thrown) {
+        function part(key) {
+            try {
+                const value = thrown[key];
+                return value === undefined ? "" : toText(value);
+            } catch (ignored) {
+                return "";
+            }
+        }
+        let text = "";
+        try {
+            text = toText(thrown);
+        } catch (ignored) {
+        }
+        return [part("name"), part("message"), text, part("fileName"), part("lineNumber"), part("stack")];
+    };
+}))";
+
+QString cut(const QString& text)
+{
+    return text.size() <= ScriptError::longest ? text : text.first(ScriptError::longest) + u'…';
+}
+
+} // namespace
+
+ScriptEngine::ScriptEngine()
+{
+    m_engine.installExtensions(QJSEngine::ConsoleExtension);
+    m_engine.evaluate(arrayGuard.toString()).call();
+    m_facade = m_engine.evaluate(facadeMaker.toString());
+    m_catcher = m_engine.evaluate(catcher.toString());
+    m_describer = m_engine.evaluate(describer.toString()).call();
+}
+
+ScriptEngine::~ScriptEngine() = default;
+
+void ScriptEngine::expose(const QString& globalName, QObject& object)
+{
+    QStringList names;
+    const QMetaObject* type = object.metaObject();
+    for (int i = type->methodOffset(); i < type->methodCount(); ++i) {
+        if (type->method(i).methodType() == QMetaMethod::Method)
+            names.append(QString::fromLatin1(type->method(i).name()));
+    }
+    // Otherwise the engine would delete it together with the last value that mentions it.
+    QJSEngine::setObjectOwnership(&object, QJSEngine::CppOwnership);
+    const QJSValue facade = m_facade.call({m_engine.newQObject(&object), m_engine.toScriptValue(names)});
+    m_engine.globalObject().setProperty(globalName, facade);
+}
+
+std::optional<ScriptError> ScriptEngine::run(const QString& text, const QString& fileName)
+{
+    m_source = m_engine.evaluate(u"new Error().fileName"_s, fileName).toString();
+    QStringList trace;
+    const QJSValue result = m_engine.evaluate(text, fileName, 1, &trace);
+    if (trace.isEmpty())
+        return std::nullopt;
+    return describe(result, trace);
+}
+
+QJSValue ScriptEngine::function(const QString& globalName)
+{
+    const QJSValue function = m_engine.globalObject().property(globalName);
+    if (m_engine.hasError())
+        m_engine.catchError();
+    return function.isCallable() ? m_catcher.call({function}) : QJSValue();
+}
+
+std::optional<ScriptError> ScriptEngine::call(const QJSValue& function)
+{
+    const QJSValue result = function.call();
+    if (result.isUndefined())
+        return std::nullopt;
+    // Nothing but an array with the thrown value comes out, unless the stack ran out on the very way.
+    return describe(result.isArray() ? result.property(0) : result, {});
+}
+
+ScriptError ScriptEngine::describe(const QJSValue& thrown, const QStringList& trace)
+{
+    const QJSValue parts = m_describer.call({thrown});
+    const auto part = [&parts](quint32 index) { return parts.property(index).toString(); };
+    const bool speaks = thrown.isObject() && !part(1).isEmpty();
+
+    ScriptError error;
+    error.name = thrown.isError() && !part(0).isEmpty() ? cut(part(0)) : u"Error"_s;
+    error.message = thrown.isError() || speaks ? cut(part(1)) : cut(part(2));
+
+    // When the stack is full, the functions on top have not reached any of their lines yet, and are put down
+    // to line 1: their callers count.
+    const bool stackFull = thrown.isError() && part(1) == "Maximum call stack size exceeded."_L1;
+    bool isNumber = false;
+    const int named = part(4).toInt(&isNumber);
+    if (isNumber && named > 0 && part(3) == m_source && !stackFull)
+        error.line = named;
+    const QStringList places = part(5).split(u'\n');
+    for (const QString& place : places) {
+        if (error.line > (stackFull ? 1 : 0))
+            break;
+        if (const int line = lineOf(place.mid(place.lastIndexOf(u'@') + 1)); line > 0)
+            error.line = line;
+    }
+    if (stackFull && error.line == 1)
+        error.line = 0;
+    // Of what is no error object only the place is known, as "function:line:column:file".
+    for (qsizetype i = 0; error.line == 0 && i < trace.size(); ++i) {
+        if (trace[i].endsWith(u':' + m_source))
+            error.line = trace[i].chopped(m_source.size() + 1).section(u':', -2, -2).toInt();
+    }
+    return error;
+}
+
+/// From "file:line".
+int ScriptEngine::lineOf(const QString& place) const
+{
+    return place.startsWith(m_source + u':') ? place.mid(m_source.size() + 1).toInt() : 0;
+}

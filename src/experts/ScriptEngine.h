@@ -1,0 +1,49 @@
+#pragma once
+
+#include <QJSEngine>
+
+#include <optional>
+
+/// Why a script failed.
+struct ScriptError {
+    QString name;    ///< such as "SyntaxError"
+    QString message; ///< at most `longest` characters
+    int line = 0;    ///< in the script's own file, from 1; 0 when it cannot be told
+
+    static constexpr qsizetype longest = 1000;
+};
+
+/// A JavaScript engine for code that nobody has looked at. Tells a thrown value from a returned one, whatever
+/// it is, and puts errors down to lines of the script even when they arise in functions it was given.
+class ScriptEngine final {
+    Q_DISABLE_COPY_MOVE(ScriptEngine)
+
+public:
+    ScriptEngine();
+    ~ScriptEngine();
+
+    /// Gives scripts a global object with the invokable methods of `object` and nothing else: no
+    /// properties, signals or slots, no prototype, nothing to assign. `object` stays the caller's and must
+    /// live as long as the engine is used.
+    void expose(const QString& globalName, QObject& object);
+
+    /// Runs a text whose first line is line 1. Errors that come later are put down to lines of the text
+    /// that was run last.
+    [[nodiscard]] std::optional<ScriptError> run(const QString& text, const QString& fileName);
+
+    /// The global function of this name, made ready for call(); undefined when it is none.
+    [[nodiscard]] QJSValue function(const QString& globalName);
+    /// Calls what function() gave, without arguments.
+    [[nodiscard]] std::optional<ScriptError> call(const QJSValue& function);
+
+private:
+    [[nodiscard]] ScriptError describe(const QJSValue& thrown, const QStringList& trace);
+    [[nodiscard]] int lineOf(const QString& place) const;
+
+    QJSEngine m_engine;
+    QString m_source; ///< how the engine names the file of the text that was run last
+    // Made before any script ran, and reachable by none.
+    QJSValue m_facade;
+    QJSValue m_catcher;
+    QJSValue m_describer;
+};

@@ -1,0 +1,48 @@
+#pragma once
+
+#include "chart/Candle.h"
+
+#include <QtGlobal>
+
+#include <array>
+#include <optional>
+#include <vector>
+
+/// Sums over the closing prices of a run of bars. Scripts ask for the same runs at every tick, so the sums
+/// are remembered, without the newest bar, for as long as no other bar changes: a tick then costs the same
+/// for a long run as for a short one. The additions go from old to new in either case, and the result is
+/// the same to the last bit.
+class WindowSums final {
+public:
+    /// Of the differences from each bar to the next, those upwards and those downwards, both positive.
+    struct Moves {
+        double gains = 0.0;
+        double losses = 0.0;
+    };
+
+    /// `revision` changes whenever a bar other than the newest does; without one nothing is remembered.
+    /// `first` and `last` are indices of bars, and so is `first - 1` for the moves.
+    [[nodiscard]] double closes(const std::vector<Candle>& candles, std::optional<quint64> revision,
+        std::size_t first, std::size_t last);
+    [[nodiscard]] Moves moves(const std::vector<Candle>& candles, std::optional<quint64> revision,
+        std::size_t first, std::size_t last);
+
+private:
+    enum class Kind { None, Closes, Moves };
+
+    struct Entry {
+        Kind kind = Kind::None;
+        std::size_t first = 0;
+        std::size_t end = 0; ///< after the last bar that was added
+        Moves sums;          ///< gains alone for closes
+    };
+
+    using Summation = void (*)(Moves& sums, const std::vector<Candle>& candles, std::size_t index);
+
+    Moves sum(Kind kind, Summation add, const std::vector<Candle>& candles, std::optional<quint64> revision,
+        std::size_t first, std::size_t last);
+
+    std::array<Entry, 16> m_entries;
+    std::size_t m_oldest = 0; ///< the entry that gives way next
+    quint64 m_revision = 0;
+};

@@ -1,0 +1,352 @@
+#include "experts/ExpertEngine.h"
+#include "experts/ExpertScript.h"
+
+#include "experts/ExpertFixture.h"
+#include "support/TestMain.h"
+
+#include <QEventLoop>
+#include <QTimer>
+
+using namespace Qt::StringLiterals;
+
+class tst_ExpertEngine final : public QObject {
+    Q_OBJECT
+
+    std::unique_ptr<ExpertFixture> m_fixture;
+
+    ExpertFixture& chart() { return *m_fixture; }
+
+private Q_SLOTS:
+    void init() { m_fixture = std::make_unique<ExpertFixture>(); }
+
+    void aScriptWithoutHooksLoads()
+    {
+        QVERIFY(chart().load("var a = 1;"));
+        QVERIFY(chart().engine->isRunning());
+        QCOMPARE(chart().engine->name(), u"Probe"_s);
+        QCOMPARE(chart().messages, QStringList(u"Probe loaded"_s));
+        chart().engine->tick();
+        chart().engine->stop();
+        QVERIFY(!chart().engine->isRunning());
+    }
+
+    void theNameIsTheFileNameWithoutItsLastExtension()
+    {
+        QVERIFY(chart().loadFile(chart().file("", u"My.Best.js"_s)));
+        QCOMPARE(chart().engine->name(), u"My.Best"_s);
+    }
+
+    void hooksAreCalledInTheirOrder()
+    {
+        QVERIFY(chart().load("Print('file'); function OnInit() { Print('init'); return false; }"
+                             "function OnTick() { Print('tick', arguments.length) }"
+                             "function OnDeinit() { Print('deinit') }"));
+        chart().engine->tick();
+        chart().engine->tick();
+        chart().engine->stop();
+        chart().engine->stop();
+        chart().engine->tick();
+        QCOMPARE(chart().done.join(u';'), u"print file;print init;print tick 0;print tick 0;print deinit"_s);
+    }
+
+    void hooksThatAreNoFunctionsAreSkipped()
+    {
+        QVERIFY(chart().load("var OnInit = 5, OnTick = {}, OnDeinit = 'x', OnTimer = null;"));
+        chart().engine->tick();
+        chart().engine->stop();
+        QCOMPARE(chart().messages, QStringList(u"Probe loaded"_s));
+    }
+
+    void hooksAreThoseOfTheEndOfTheFile()
+    {
+        QVERIFY(chart().load("OnTick = function() { Print(1); OnTick = function() { Print(2) } }"));
+        chart().engine->tick();
+        chart().engine->tick();
+        QCOMPARE(chart().done.join(u';'), u"print 1;print 1"_s);
+    }
+
+    void aMissingFileIsNamed()
+    {
+        const QString path = chart().file("", u"Gone.js"_s);
+        QFile::remove(path);
+        QVERIFY(!chart().loadFile(path));
+        QCOMPARE(chart().error, u"Cannot open "_s + path);
+        QVERIFY(!chart().loadFile(QFileInfo(path).absolutePath()));
+        QCOMPARE(chart().error, u"Cannot open "_s + QFileInfo(path).absolutePath());
+    }
+
+    void anEndlessFileIsNotRead()
+    {
+        const QString path = chart().file("", u"Huge.js"_s);
+        QFile file(path);
+        QVERIFY(file.resize(ExpertScript::largestFile + 1));
+        QVERIFY(!chart().loadFile(path));
+        QCOMPARE(chart().error, path + u" is too large for a script"_s);
+    }
+
+    void aSyntaxErrorIsReportedWithItsLine()
+    {
+        QVERIFY(!chart().load("var a;\nvar b = ;\n"));
+        QVERIFY2(chart().error.startsWith("SyntaxError at line 2: "_L1), qPrintable(chart().error));
+        QCOMPARE(chart().messages, QStringList());
+        QVERIFY(!chart().engine->isRunning());
+    }
+
+    void whatTheFileItselfThrowsIsReportedWithItsLine()
+    {
+        QVERIFY(!chart().load("\n\nnothing();"));
+        QCOMPARE(chart().error, u"ReferenceError at line 3: nothing is not defined"_s);
+        QVERIFY(!chart().load("\nthrow 5;"));
+        QCOMPARE(chart().error, u"Error at line 2: 5"_s);
+    }
+
+    void aFileThatEndsInAnErrorObjectHasNotFailed() { QVERIFY(chart().load("new Error('only a value')")); }
+
+    void lineNumbersAreRightAfterThePrelude()
+    {
+        QVERIFY(!chart().load("function OnInit() {\n  var o;\n  Print('here');\n  o.x = 1;\n}"));
+        QVERIFY2(chart().error.endsWith("(line 4)"_L1), qPrintable(chart().error));
+        // Within the prelude's own functions it is the script's line that counts.
+        QVERIFY(!chart().load("function OnInit() {\n  Trade.buy({valueOf: 5, toString: 5});\n}"));
+        QVERIFY2(chart().error.endsWith("(line 2)"_L1), qPrintable(chart().error));
+        QVERIFY(!chart().load("\n\nPrint(Object.create(null));"));
+        QVERIFY2(chart().error.startsWith("TypeError at line 3: "_L1), qPrintable(chart().error));
+    }
+
+    void aFailingOnInitLeavesNoExpert()
+    {
+        QVERIFY(!chart().load("function OnInit() {\n EventSetTimer(1); throw new Error('boom') }\n"
+                              "function OnDeinit() { Print('deinit') }"));
+        QCOMPARE(chart().error, u"OnInit: boom (line 2)"_s);
+        QCOMPARE(chart().messages, QStringList(u"OnInit: boom (line 2)"_s));
+        QVERIFY(!chart().engine->isRunning());
+        chart().engine->stop();
+        QCOMPARE(chart().done, QStringList());
+    }
+
+    void aFailingTickEndsTheExpert()
+    {
+        QVERIFY(
+            chart().load("var n = 0;\nfunction OnInit() { EventSetTimer(1) }\n"
+                         "function OnTick() { Print(++n); if (n == 2) throw new RangeError('far'); }\n"
+                         "function OnTimer() { Print('timer') }\nfunction OnDeinit() { Print('deinit') }"));
+        chart().messages.clear();
+        for (int i = 0; i < 5; ++i)
+            chart().engine->tick();
+        QCOMPARE(chart().messages,
+            QStringList(
+                {u"OnTick: far (line 3)"_s, u"Stopped after error in OnTick: OnTick: far (line 3)"_s}));
+        QCOMPARE(chart().done.join(u';'), u"print 1;print 2;print deinit"_s);
+        QVERIFY(!chart().engine->isRunning());
+        QTest::qWait(1100);
+        QCOMPARE(chart().done.size(), 3);
+    }
+
+    void valuesThatAreNoErrorsEndTheExpertToo_data()
+    {
+        QTest::addColumn<QByteArray>("thrown");
+        QTest::addColumn<QString>("message");
+        QTest::newRow("throw 5") << QByteArray("5") << u"OnTick: 5"_s;
+        QTest::newRow("throw null") << QByteArray("null") << u"OnTick: null"_s;
+        QTest::newRow("throw a text") << QByteArray("'%1 %2'") << u"OnTick: %1 %2"_s;
+        QTest::newRow("throw a host method") << QByteArray("__host") << u"OnTick: "_s;
+    }
+    void valuesThatAreNoErrorsEndTheExpertToo()
+    {
+        QFETCH(QByteArray, thrown);
+        QFETCH(QString, message);
+        QVERIFY(chart().load("function OnTick() { throw " + thrown + " }"));
+        chart().messages.clear();
+        chart().engine->tick();
+        QCOMPARE(chart().messages, QStringList({message, u"Stopped after error in OnTick: "_s + message}));
+        QVERIFY(!chart().engine->isRunning());
+    }
+
+    void aReturnedErrorIsNoFailure()
+    {
+        QVERIFY(chart().load(
+            "function OnInit() { return new Error('a') } function OnTick() { return new Error('b') }"));
+        chart().engine->tick();
+        QVERIFY(chart().engine->isRunning());
+    }
+
+    void theTimerFiresInWholeSecondsAndSurvivesErrors()
+    {
+        QVERIFY(chart().load(
+            "var n = 0; function OnInit() { EventSetTimer(1); EventSetTimer(0); EventSetTimer(-4) }\n"
+            "function OnTimer() { Print('timer'); if (++n == 2) EventKillTimer(); throw 5 }"));
+        chart().messages.clear();
+        QElapsedTimer clock;
+        clock.start();
+        QTRY_COMPARE_WITH_TIMEOUT(chart().done.size(), 2, 20000);
+        QVERIFY(clock.elapsed() >= 1500);
+        QCOMPARE(chart().messages, QStringList({u"OnTimer: 5"_s, u"OnTimer: 5"_s}));
+        QVERIFY(chart().engine->isRunning());
+        QTest::qWait(1200);
+        QCOMPARE(chart().done.size(), 2);
+    }
+
+    void stoppingEndsTheTimerAndOnDeinitCannotStartIt()
+    {
+        QVERIFY(chart().load("function OnInit() { EventSetTimer(1) } function OnTimer() { Print('timer') }"
+                             "function OnDeinit() { EventSetTimer(1) }"));
+        chart().engine->stop();
+        QTest::qWait(1200);
+        QCOMPARE(chart().done, QStringList());
+    }
+
+    void aByteOrderMarkAndOtherAlphabetsAreRead()
+    {
+        QVERIFY(chart().load("\xEF\xBB\xBF// Überschrift\nvar größe = 'Привет → 💶';\nPrint(größe)"));
+        QCOMPARE(chart().done, QStringList(u"print Привет → 💶"_s));
+        QVERIFY(!chart().load("\xEF\xBB\xBFvar 値 = 1;\nthrow new Error('エラー')"));
+        QCOMPARE(chart().error, u"Error at line 2: エラー"_s);
+        QVERIFY(chart().load("Print('a\xFF\x62')"));
+        QCOMPARE(chart().done.last(), u"print a\uFFFDb"_s);
+    }
+
+    void aFileNamedInAnotherAlphabetKeepsItsLineNumbers()
+    {
+        QVERIFY(!chart().loadFile(chart().file("\n\nnone()", u"Тест 100% →.js"_s)));
+        QCOMPARE(chart().error, u"ReferenceError at line 3: none is not defined"_s);
+        QCOMPARE(chart().engine->name(), u"Тест 100% →"_s);
+    }
+
+    void expertsShareNothing()
+    {
+        ExpertFixture other;
+        QVERIFY(chart().load("shared = 1; Array.prototype.extra = 1; Math.max = null"));
+        QVERIFY(other.load("Print(typeof shared, typeof [].extra, typeof Math.max)"));
+        QCOMPARE(other.done, QStringList(u"print undefined undefined function"_s));
+    }
+
+    void lateDigitsReachTheScript()
+    {
+        QVERIFY(chart().load("function OnTick() { Print(Digits(), Point()) }"));
+        chart().engine->setDigits(2);
+        chart().engine->tick();
+        QCOMPARE(chart().done, QStringList(u"print 2 0.01"_s));
+    }
+
+    void aTickDuringAHookIsDropped()
+    {
+        ExpertHost::Callbacks calls = chart().callbacks();
+        calls.closeAll = [this] {
+            chart().done.append(u"box"_s);
+            chart().engine->tick();
+            QEventLoop box;
+            QTimer::singleShot(1200, &box, &QEventLoop::quit);
+            box.exec();
+        };
+        chart().create(calls);
+        QVERIFY(chart().engine->load(chart().file(
+            "function OnInit() { EventSetTimer(1) } function OnTimer() { Print('timer') }"
+            "function OnTick() { Print('in'); Trade.closeAll(); Print('out'); EventKillTimer() }")));
+        chart().engine->tick();
+        QCOMPARE(chart().done.join(u';'), u"print in;box;print out"_s);
+        chart().engine->tick();
+        QCOMPARE(chart().done.size(), 6);
+    }
+
+    void stoppingInMidTickLeavesTheRestWithoutEffect()
+    {
+        ExpertHost::Callbacks calls = chart().callbacks();
+        calls.closeAll = [this] { chart().engine->stop(); };
+        chart().create(calls);
+        QVERIFY(chart().engine->load(
+            chart().file("function OnTick() { Print('in'); Trade.closeAll(); Print('out'); Trade.buy(1); "
+                         "EventSetTimer(1); Close(0) }"
+                         "function OnDeinit() { Print('deinit') } function OnTimer() { Print('timer') }")));
+        chart().engine->tick();
+        QCOMPARE(chart().done.join(u';'), u"print in;print deinit"_s);
+        QVERIFY(!chart().engine->isRunning());
+    }
+
+    void theEngineMayBeDeletedInMidHook_data()
+    {
+        QTest::addColumn<QByteArray>("hook");
+        for (const char* hook : {"OnInit", "OnTick", "OnTimer", "OnDeinit", "file"})
+            QTest::newRow(hook) << QByteArray(hook);
+    }
+    /// What sanitizers are for: everything that the call still touches must be alive.
+    void theEngineMayBeDeletedInMidHook()
+    {
+        QFETCH(QByteArray, hook);
+        const QByteArray body = "{ Print('in'); Trade.closeAll(); var a = []; for (var i = 0; i < 1000; ++i)"
+                                " a.push({n: i}); Print('out'); Trade.buy(1); Close(0); Bid; throw 1 }";
+        ExpertHost::Callbacks calls = chart().callbacks();
+        calls.closeAll = [this] { chart().engine.reset(); };
+        chart().create(calls);
+        ExpertEngine* const engine = chart().engine.get();
+        const QByteArray script = hook == "file"
+            ? body
+            : "function " + hook + "() " + body + (hook == "OnTimer" ? "EventSetTimer(1)" : "");
+        QString error;
+        const bool running = engine->load(chart().file(script), &error);
+        QCOMPARE(running, hook != "OnInit" && hook != "file");
+        if (hook == "OnTick")
+            engine->tick();
+        else if (hook == "OnTimer")
+            QTRY_VERIFY_WITH_TIMEOUT(!chart().engine, 10000);
+        else if (hook == "OnDeinit")
+            engine->stop();
+        QVERIFY(!chart().engine);
+        QCOMPARE(chart().done, QStringList(u"print in"_s));
+        QCoreApplication::processEvents();
+    }
+
+    void theEngineMayBeDeletedByWhoHearsItsMessages()
+    {
+        chart().create();
+        connect(chart().engine.get(), &ExpertEngine::message, qApp, [this] { chart().engine.reset(); });
+        ExpertEngine* const engine = chart().engine.get();
+        QVERIFY(!engine->load(chart().file("function OnDeinit() { Print('deinit') }")));
+        QCOMPARE(chart().done, QStringList());
+    }
+
+    void deletingWithoutStoppingRunsNoScript()
+    {
+        QVERIFY(chart().load("function OnDeinit() { Print('deinit') }"));
+        chart().engine.reset();
+        QCOMPARE(chart().done, QStringList());
+    }
+
+    void promisesActAfterTheHookAndNotAfterTheEnd()
+    {
+        QVERIFY(chart().load(
+            "function OnTick() { Promise.resolve().then(function() { Print('later'); Trade.buy(1) });"
+            " Print('now') }"));
+        chart().engine->tick();
+        QTRY_COMPARE(chart().done.join(u';'), u"print now;print later;order BUY 1 0 0"_s);
+        chart().done.clear();
+        chart().engine->tick();
+        chart().engine->stop();
+        QTest::qWait(50);
+        QCOMPARE(chart().done, QStringList(u"print now"_s));
+    }
+
+    void aPromiseMayEndTheExpert()
+    {
+        ExpertHost::Callbacks calls = chart().callbacks();
+        calls.closeAll = [this] { chart().engine.reset(); };
+        chart().create(calls);
+        QVERIFY(chart().engine->load(chart().file("function OnTick() { Promise.resolve().then(function() { "
+                                                  "Trade.closeAll(); Print('after'); Close(0) }) }")));
+        chart().engine->tick();
+        QTRY_VERIFY(!chart().engine);
+        QCoreApplication::processEvents();
+        QCOMPARE(chart().done, QStringList());
+    }
+
+    void anEngineLoadsOnce()
+    {
+        QVERIFY(chart().load(""));
+        QString error;
+        QVERIFY(!chart().engine->load(chart().file(""), &error));
+        QCOMPARE(error, u"An expert can be loaded only once"_s);
+        QVERIFY(chart().engine->isRunning());
+    }
+};
+
+TAVORAN_TEST_MAIN(tst_ExpertEngine)
+#include "tst_ExpertEngine.moc"

@@ -1,0 +1,295 @@
+#include "experts/ExpertFixture.h"
+#include "support/TestMain.h"
+
+using namespace Qt::StringLiterals;
+
+/// Scripts that are out for harm, or just badly wrong: each has an outcome, and none does anything to the
+/// terminal. After each, an ordinary script must work as if nothing had been.
+class tst_HostileExperts final : public QObject {
+    Q_OBJECT
+
+    std::unique_ptr<ExpertFixture> m_fixture;
+
+    ExpertFixture& chart() { return *m_fixture; }
+
+private Q_SLOTS:
+    void init()
+    {
+        m_fixture = std::make_unique<ExpertFixture>();
+        chart().setCloses({1.0, 2.0});
+    }
+
+    void cleanup()
+    {
+        ExpertFixture other;
+        other.setCloses({1.0, 2.0});
+        QVERIFY(other.load("function OnTick() { Print(Close(0), [1, [2]].join()); Trade.buy(1) }"));
+        other.engine->tick();
+        QCOMPARE(other.done.join(u';'), u"print 2 1,2;order BUY 1 0 0"_s);
+    }
+
+    /// What a script can reach through __host is the listed methods and nothing else.
+    void whatAScriptCanReachThroughTheHostIsTheListedMethodsAndNothingElse()
+    {
+        QCOMPARE(chart().printed("Print(Reflect.ownKeys(__host).sort().join(' '))"),
+            u"alert ask balance bars bid buy close closeAll comment digits equity high killTimer low ma open "
+            "point positionsCount print rsi sell setTimer symbol"_s);
+        QCOMPARE(
+            chart().printed("Print(Object.getPrototypeOf(__host), Object.isFrozen(__host))"), u"null true"_s);
+        QCOMPARE(chart().printed("for (var k in __host) if (typeof __host[k] !== 'function') Print(k)"),
+            QString());
+    }
+
+    void theHostCannotBeDeletedOrTurnedInsideOut_data()
+    {
+        QTest::addColumn<QByteArray>("attempt");
+        for (const char* attempt : {"__host.destroy()", "__host.deleteLater()", "__host.parent()",
+                 "__host.objectName.length", "__host.timerRequested(1)", "__host.timerKilled()",
+                 "__host.destroyed()", "__host.objectNameChanged('x')",
+                 "__host.timerRequested.connect(Print)", "__host.toString()", "__host.findChild('x')",
+                 "__host.constructor.name", "__host.__proto__.x", "__host.close.destroy()",
+                 "__host.close.object.x", "new __host.close(0)", "__host.holdActions(false)",
+                 "__host.disconnectChart()", "__host.setDigits(1)", "String(__host)"})
+            QTest::newRow(attempt) << QByteArray(attempt);
+    }
+    void theHostCannotBeDeletedOrTurnedInsideOut()
+    {
+        QFETCH(QByteArray, attempt);
+        const QString outcome = chart().printed("\n" + attempt);
+        QVERIFY2(outcome.startsWith("!TypeError at line 2"_L1), qPrintable(outcome));
+        QCOMPARE(chart().printed("try { " + attempt + " } catch (e) {} Print(Close(0), __host.close(1))"),
+            u"2 1"_s);
+    }
+
+    void theHostsMethodsCannotBeReplaced()
+    {
+        QVERIFY(chart().printed("'use strict'; __host.buy = null").startsWith("!TypeError"_L1));
+        QVERIFY(chart().printed("'use strict'; delete __host.buy").startsWith("!TypeError"_L1));
+        QVERIFY(chart()
+                    .printed("Object.defineProperty(__host, 'objectName', {value: 'x'})")
+                    .startsWith("!TypeError"_L1));
+        QVERIFY(chart().printed("Object.setPrototypeOf(__host, {a: 1}); ").startsWith("!TypeError"_L1));
+    }
+
+    void overwritingAnythingHurtsOnlyTheScriptItself_data()
+    {
+        QTest::addColumn<QByteArray>("vandalism");
+        for (const char* vandalism : {"__host = null", "var __host = {}", "delete this.__host",
+                 "String = Number = Object = Array = Function = Error = Reflect = null",
+                 "Object.defineProperty = Object.freeze = Object.create = null",
+                 "Array.prototype.join = Array.prototype.push = null", "Reflect.apply = null",
+                 "Function.prototype.call = Function.prototype.apply = Function.prototype.bind = null",
+                 "Function.prototype.toString = function() { throw 1 }",
+                 "Object.prototype.toString = function() { throw 1 }",
+                 "String.prototype.toString = String.prototype.valueOf = function() { throw 1 }",
+                 "Error.prototype.toString = null; Error.prototype.message = 7; Error.prototype.name = 8",
+                 "Object.defineProperty(Array.prototype, '0', {set: function() { throw 1 }, get: function() "
+                 "{ throw 2 }})",
+                 "Object.defineProperty(Object.prototype, 'get', {value: function() { throw 1 }})",
+                 "Object.defineProperty(Object.prototype, '__host', {get: function() { throw 1 }})",
+                 "Object.prototype.sl = Object.prototype.tp = 0", "Symbol = undefined", "Math = JSON = null",
+                 "Object.freeze(this)", "Positions.count = Account = Close = Bars = null",
+                 "Object.setPrototypeOf(this, null)", "undefined = 5; NaN = 6", "this.constructor = null",
+                 "console.log = null; console = null"})
+            QTest::newRow(vandalism) << QByteArray(vandalism);
+    }
+    void overwritingAnythingHurtsOnlyTheScriptItself()
+    {
+        QFETCH(QByteArray, vandalism);
+        // Some of it fails by itself; either way the rest of the interface and the engine go on.
+        const QByteArray script = "var print = Print, buy = Trade.buy, Failure = Error;"
+                                  "function OnTick() { print('tick', Bid); buy(1, {slPoints: 10}) }"
+                                  "function OnDeinit() { throw new Failure('last') }"
+                                  "try { "
+            + vandalism + " } catch (ignored) {}";
+        QVERIFY2(chart().load(script), qPrintable(chart().error));
+        chart().engine->tick();
+        QCOMPARE(chart().done.join(u';'), u"print tick 1.1;order BUY 1 1.0999 0"_s);
+        chart().messages.clear();
+        chart().engine->stop();
+        QCOMPARE(chart().messages.size(), 1);
+        QVERIFY2(
+            chart().messages.first().startsWith("OnDeinit: last"_L1), qPrintable(chart().messages.first()));
+    }
+
+    void argumentsThatThrowDoNothing_data()
+    {
+        QTest::addColumn<QByteArray>("call");
+        for (const char* call :
+            {"__host.buy(bad, 0, 0)", "__host.sell(1, bad, 0)", "Trade.buy(bad)", "Trade.buy(1, {sl: bad})",
+                "Trade.buy(1, {get sl() { throw new Error('bad') }})", "Trade.sell(1, {tpPoints: bad})",
+                "Print(bad)", "Comment('a', bad)", "Close(bad)", "EventSetTimer(bad)", "iMA(1, bad, 0)"})
+            QTest::newRow(call) << QByteArray(call);
+    }
+    void argumentsThatThrowDoNothing()
+    {
+        QFETCH(QByteArray, call);
+        QVERIFY(
+            chart().load("var bad = {valueOf: function() { throw new Error('bad') }, toString: function() {"
+                         " throw new Error('bad') }};\nfunction OnTick() {\n "
+                + call + " }"));
+        chart().messages.clear();
+        chart().engine->tick();
+        QCOMPARE(chart().done, QStringList());
+        QCOMPARE(chart().messages.size(), 2);
+        QVERIFY2(chart().messages.first().startsWith("OnTick: bad (line "_L1),
+            qPrintable(chart().messages.first()));
+    }
+
+    void aTextThatCannotBeMadeIsTheReasonWhyNot()
+    {
+        QCOMPARE(chart().printed("__host.print({toString: function() { throw 'no' }})"), u"no"_s);
+    }
+
+    void tooFewArgumentsAreAnErrorWithItsLine()
+    {
+        QCOMPARE(chart().printed("\n__host.buy(1)"), u"!Error at line 2: Insufficient arguments"_s);
+        QCOMPARE(chart().printed("\n__host.close()"), u"!Error at line 2: Insufficient arguments"_s);
+    }
+
+    void argumentsThatAreNoNumbersFindNoBar()
+    {
+        QCOMPARE(chart().printed("Print(__host.close(NaN), __host.close({}), __host.close('12abc'),"
+                                 " __host.close(4294967297), __host.ma('x', 0, 0), __host.close(undefined))"),
+            u"0 0 0 0 0 0"_s);
+    }
+
+    void deepRecursionEndsTheExpert_data()
+    {
+        QTest::addColumn<QByteArray>("recursion");
+        QTest::newRow("function") << QByteArray("(function f() { f() })()");
+        QTest::newRow("getter") << QByteArray("({get x() { return this.x }}).x");
+        QTest::newRow("to text") << QByteArray("var o = {toString: function() { return '' + o }}; '' + o");
+        QTest::newRow("nested arrays")
+            << QByteArray("var a = []; for (var i = 0; i < 100000; ++i) a = [a]; '' + a");
+        QTest::newRow("through Print") << QByteArray("var o = {toString: function() { Print(o) }}; Print(o)");
+    }
+    void deepRecursionEndsTheExpert()
+    {
+        QFETCH(QByteArray, recursion);
+        QVERIFY(chart().load("function OnTick() {\n" + recursion + " }"));
+        chart().messages.clear();
+        chart().engine->tick();
+        QCOMPARE(chart().messages.size(), 2);
+        // Where the language's own functions fill the stack, no line is known; a wrong one is never told.
+        const QString text = u"OnTick: Maximum call stack size exceeded."_s;
+        const QString first = chart().messages.first();
+        QVERIFY2(first == text || first == text + u" (line 2)"_s, qPrintable(first));
+        QCOMPARE(chart().messages.last(), u"Stopped after error in OnTick: "_s + first);
+    }
+
+    void aFunctionThatCallsItselfIsPutDownToThatLine()
+    {
+        QVERIFY(chart().load("function OnTick() {\n\n  deeper();\n}\nfunction deeper() {\n  deeper();\n}"));
+        chart().messages.clear();
+        chart().engine->tick();
+        QCOMPARE(chart().messages.first(), u"OnTick: Maximum call stack size exceeded. (line 6)"_s);
+    }
+
+    void endlessNestingInTheSourceIsASyntaxError_data()
+    {
+        QTest::addColumn<QByteArray>("source");
+        QTest::newRow("brackets") << QByteArray(100000, '[');
+        QTest::newRow("closed brackets") << QByteArray(QByteArray(100000, '[') + QByteArray(100000, ']'));
+        QTest::newRow("parentheses") << QByteArray(QByteArray(100000, '(') + "1" + QByteArray(100000, ')'));
+        QTest::newRow("sum") << QByteArray("1" + QByteArray("+1").repeated(100000));
+        QTest::newRow("zero bytes") << QByteArray(1000, '\0');
+        QTest::newRow("noise") << QByteArray("\xFF\xFE\x01\x80 }{)(");
+    }
+    void endlessNestingInTheSourceIsASyntaxError()
+    {
+        QFETCH(QByteArray, source);
+        QVERIFY(!chart().load(source));
+        QVERIFY2(chart().error.startsWith("SyntaxError"_L1), qPrintable(chart().error.left(200)));
+    }
+
+    void hugeTextsAndArraysAreCutOrRefused()
+    {
+        QVERIFY(chart().load("Print('x'.repeat(5000000)); Comment('y'.repeat(5000000))"));
+        QCOMPARE(chart().done.size(), 2);
+        QVERIFY(chart().done[0].size() < 5000);
+        QVERIFY(chart().done[1].size() < 5000);
+        QVERIFY(chart().printed("\nnew Array(1e10)").startsWith("!RangeError at line 2"_L1));
+        QVERIFY(chart().printed("\nnew ArrayBuffer(1e12)").startsWith("!RangeError at line 2"_L1));
+        QVERIFY(chart().printed("\nthrow 'z'.repeat(5000000)").size() < 1100);
+    }
+
+    void anArrayWithinItselfBecomesAText()
+    {
+        QCOMPARE(chart().printed("var a = [1]; a.push(a); Print(a, JSON.stringify([1]))"), u"1, [1]"_s);
+        QVERIFY(chart()
+                    .printed("\nvar a = []; a[0] = a; JSON.stringify(a)")
+                    .startsWith("!TypeError at line 2"_L1));
+    }
+
+    void aMarkedUpTextStaysAText()
+    {
+        QCOMPARE(chart().printed("Print('<b>%1 %L2</b>\\u0000')"), u"<b>%1 %L2</b>"_s + QChar(0));
+    }
+
+    void thereIsNoWayOut_data()
+    {
+        QTest::addColumn<QByteArray>("name");
+        for (const char* name :
+            {"Qt", "XMLHttpRequest", "fetch", "require", "process", "setTimeout", "setInterval", "load", "gc",
+                "quit", "exit", "WebSocket", "document", "window", "globalThis", "Worker"})
+            QTest::newRow(name) << QByteArray(name);
+    }
+    void thereIsNoWayOut()
+    {
+        QFETCH(QByteArray, name);
+        QCOMPARE(chart().printed("Print(typeof " + name + ")"), u"undefined"_s);
+    }
+
+    void importsAreSyntaxErrors()
+    {
+        QVERIFY(chart().printed("import x from 'file:///etc/passwd'").startsWith("!SyntaxError"_L1));
+        QVERIFY(chart().printed("import('file:///etc/passwd')").startsWith("!SyntaxError"_L1));
+    }
+
+    void theCallersAreOutOfReach()
+    {
+        QVERIFY(chart().load("function OnTick() { Print(OnTick.caller) }"));
+        chart().engine->tick();
+        QVERIFY2(chart().done.isEmpty() || chart().done.first() == u"print null"_s
+                || chart().done.first() == u"print undefined"_s,
+            qPrintable(chart().done.join(u';')));
+    }
+
+    void everyConsoleMethodIsHarmless()
+    {
+        QCOMPARE(chart().printed(
+                     "console.log('%s %n'); console.trace(); console.profile('a'); console.profileEnd('a');"
+                     "console.exception('b'); console.time('c'); console.timeEnd('c'); console.count('d');"
+                     "console.assert(false, 'e'); console.error({}); Print('done')"),
+            u"done"_s);
+    }
+
+    void aFloodOfOrdersIsJustManyOrders()
+    {
+        QVERIFY(chart().load("function OnTick() { for (var i = 0; i < 10000; ++i) Trade.buy(1) }"));
+        chart().engine->tick();
+        QCOMPARE(chart().done.size(), 10000);
+    }
+
+    void rejectedPromisesAreQuiet()
+    {
+        QVERIFY(chart().load(
+            "Promise.reject(new Error('x')); function OnTick() { new Promise(function() { throw 5 }) }"));
+        chart().engine->tick();
+        QCoreApplication::processEvents();
+        QVERIFY(chart().engine->isRunning());
+    }
+
+    void memoryOfTheHostSurvivesTheCollector()
+    {
+        QVERIFY(chart().load(
+            "function OnTick() { for (var i = 0; i < 100000; ++i) ({a: [i]}); Print(Close(0)) }"));
+        for (int i = 0; i < 5; ++i)
+            chart().engine->tick();
+        QCOMPARE(chart().done.size(), 5);
+    }
+};
+
+TAVORAN_TEST_MAIN(tst_HostileExperts)
+#include "tst_HostileExperts.moc"
