@@ -41,6 +41,8 @@ public:
     /// Replaces the series (see CandleSeries for bad bars), goes to its end and follows it.
     void setCandles(std::vector<Candle> candles);
     [[nodiscard]] const std::vector<Candle>& candles() const { return m_series.candles(); }
+    /// Changes whenever a bar other than the newest does, and when bars come or go.
+    [[nodiscard]] quint64 seriesRevision() const { return m_seriesRevision; }
 
     /// A price update at `timeMs` (ms since the epoch). Prices that are no number or absurd are ignored.
     void onTick(double bid, double ask, qint64 timeMs);

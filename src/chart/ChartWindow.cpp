@@ -2,6 +2,8 @@
 
 #include "chart/AverageDialog.h"
 #include "chart/AveragePalette.h"
+#include "chart/ChartComment.h"
+#include "chart/ChartExpert.h"
 #include "chart/ChartMenu.h"
 #include "chart/ChartPropertiesDialog.h"
 #include "chart/ChartState.h"
@@ -20,6 +22,8 @@
 #include <QContextMenuEvent>
 #include <QDateTime>
 #include <QVBoxLayout>
+
+#include <algorithm>
 
 #include <utility>
 
@@ -41,6 +45,8 @@ ChartWindow::ChartWindow(ApiClient& api, const QString& symbol, const QString& t
     , m_chart(new ChartWidget(this))
     , m_drawings(new DrawingStore(api, *m_chart, symbol, accountId, this))
     , m_oneClick(new OneClickPanel(symbol, m_chart))
+    , m_comment(new ChartComment(*m_oneClick, m_chart))
+    , m_expert(new ChartExpert(*m_chart, symbol, this))
 {
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
@@ -59,13 +65,52 @@ ChartWindow::ChartWindow(ApiClient& api, const QString& symbol, const QString& t
     connect(m_oneClick, &OneClickPanel::quickTradeRequested, this, &ChartWindow::quickTradeRequested);
     connect(m_drawings, &DrawingStore::failed, this,
         [this](const QString& message) { Q_EMIT logMessage(tr("Chart"), message); });
+    connectExpert();
 }
 
-ChartWindow::~ChartWindow() = default;
+ChartWindow::~ChartWindow()
+{
+    // Its last words are still heard, but no longer change this window.
+    disconnect(m_expert, &ChartExpert::nameChanged, this, nullptr);
+    m_expert->detach();
+    delete m_expert;
+}
+
+void ChartWindow::connectExpert()
+{
+    connect(m_expert, &ChartExpert::log, this, &ChartWindow::expertLog);
+    connect(m_expert, &ChartExpert::orderRequested, this, &ChartWindow::expertOrderRequested);
+    connect(m_expert, &ChartExpert::closeAllRequested, this, &ChartWindow::expertCloseAllRequested);
+    connect(m_expert, &ChartExpert::commentChanged, m_comment, &ChartComment::setComment);
+    connect(m_expert, &ChartExpert::nameChanged, this, &ChartWindow::nameWindow);
+}
+
+QString ChartWindow::expertName() const
+{
+    return m_expert->name();
+}
+
+void ChartWindow::attachExpert(const QString& path)
+{
+    m_expert->attach(path);
+}
+
+void ChartWindow::detachExpert()
+{
+    m_expert->detach();
+}
 
 QString ChartWindow::title() const
 {
-    return u"%1,%2"_s.arg(m_symbol, timeframeLabel(m_timeframe));
+    const QString chart = u"%1,%2"_s.arg(m_symbol, timeframeLabel(m_timeframe));
+    return expertName().isEmpty() ? chart : chart + u"  •  %1"_s.arg(expertName());
+}
+
+void ChartWindow::nameWindow()
+{
+    labelChart();
+    setWindowTitle(title());
+    Q_EMIT titleChanged(title());
 }
 
 QJsonObject ChartWindow::saveState() const
@@ -76,6 +121,7 @@ QJsonObject ChartWindow::saveState() const
 void ChartWindow::restoreState(const QJsonObject& state)
 {
     ChartState::fromJson(state).applyTo(*m_chart);
+    m_comment->setColors(m_chart->colors());
     m_restored = true;
 }
 
@@ -124,11 +170,14 @@ void ChartWindow::onPrices(const QJsonObject& prices)
         return;
     m_chart->onTick(quote->bid, quote->ask, QDateTime::currentMSecsSinceEpoch());
     showQuote();
+    m_expert->tick();
 }
 
 void ChartWindow::setTrades(const QJsonArray& open, const QJsonArray& pending)
 {
     m_chart->setTradeLevels(buildTradeLevels(m_symbol, open, pending));
+    m_expert->setPositionsCount(static_cast<int>(std::count_if(open.begin(), open.end(),
+        [this](const QJsonValue& trade) { return trade["symbol"_L1].toString() == m_symbol; })));
 }
 
 void ChartWindow::setAccountId(const QString& accountId)
@@ -145,6 +194,7 @@ void ChartWindow::setAccountFigures(double balance, double equity)
 {
     m_balance = balance;
     m_equity = equity;
+    m_expert->setAccountFigures(balance, equity);
 }
 
 void ChartWindow::setTimeframe(const QString& key)
@@ -152,10 +202,8 @@ void ChartWindow::setTimeframe(const QString& key)
     if (key == m_timeframe)
         return;
     m_timeframe = key;
-    labelChart();
     m_chart->setCandles({});
-    setWindowTitle(title());
-    Q_EMIT titleChanged(title());
+    nameWindow();
     Q_EMIT timeframeChanged(key);
     reload();
 }
@@ -165,6 +213,7 @@ void ChartWindow::setSymbolInfo(int digits, const QString& description)
     m_digits = digits;
     m_description = description;
     m_chart->setDigits(digits);
+    m_expert->setDigits(digits);
     labelChart();
     showQuote();
 }
@@ -274,8 +323,10 @@ void ChartWindow::showProperties()
     }
     m_properties = new ChartPropertiesDialog(m_symbol, m_chart->colors(), this);
     m_properties->setAttribute(Qt::WA_DeleteOnClose);
-    connect(
-        m_properties, &QDialog::accepted, m_chart, [this] { m_chart->setColors(m_properties->colors()); });
+    connect(m_properties, &QDialog::accepted, m_chart, [this] {
+        m_chart->setColors(m_properties->colors());
+        m_comment->setColors(m_chart->colors());
+    });
     m_properties->open();
 }
 

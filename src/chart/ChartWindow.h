@@ -8,6 +8,8 @@
 #include <QWidget>
 
 class ApiClient;
+class ChartComment;
+class ChartExpert;
 class ChartPropertiesDialog;
 class ChartWidget;
 class DataWindow;
@@ -42,7 +44,10 @@ public:
     [[nodiscard]] double balance() const { return m_balance; }
     [[nodiscard]] double equity() const { return m_equity; }
 
-    /// "EURUSD,M15": symbol and timeframe label.
+    /// The name of the expert that is running here; empty without one.
+    [[nodiscard]] QString expertName() const;
+
+    /// "EURUSD,M15": symbol and timeframe label, followed by "  •  " and the expert's name when one runs.
     [[nodiscard]] QString title() const;
 
     /// What is saved with the window layout; see ChartState.
@@ -70,6 +75,11 @@ public Q_SLOTS:
     void setSymbolInfo(int digits, const QString& description);
     void zoomIn();
     void zoomOut();
+
+    /// Attaches the script in place of the expert that is attached; a failure is told by expertLog().
+    void attachExpert(const QString& path);
+    /// Ends the attached expert, if there is one.
+    void detachExpert();
 
     /// Asks for a period and adds an average in the next colour of the palette.
     void addMovingAverage(AverageKind kind);
@@ -102,6 +112,11 @@ Q_SIGNALS:
     void modifyLevelRequested(const QString& tradeId, const QString& kind, double newPrice);
     /// The trader wants to trade at market; `side` is "SELL" or "BUY".
     void quickTradeRequested(const QString& symbol, const QString& side, double lots);
+    /// A line about or from the expert; `source` is its name.
+    void expertLog(const QString& source, const QString& message);
+    /// The expert wants to trade at market: an order body without the account.
+    void expertOrderRequested(const QJsonObject& body);
+    void expertCloseAllRequested(const QString& symbol);
     void crosshairMoved(const QString& ohlc);
     void autoScrollChanged(bool on);
 
@@ -110,9 +125,11 @@ protected:
 
 private:
     void onHistory(const QByteArray& body, const QString& error);
+    void connectExpert();
     void labelChart();
     /// Names the averages beside the panel while it covers their corner.
     void placeLegend();
+    void nameWindow();
     void showQuote();
 
     ReadCoalescer* m_history;
@@ -123,6 +140,8 @@ private:
     ChartWidget* m_chart;
     DrawingStore* m_drawings;
     OneClickPanel* m_oneClick;
+    ChartComment* m_comment;
+    ChartExpert* m_expert;
     DataWindow* m_dataWindow = nullptr;
     QPointer<ChartPropertiesDialog> m_properties;
     unsigned int m_historyGeneration = 0;
