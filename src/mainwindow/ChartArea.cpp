@@ -65,7 +65,12 @@ ChartArea::ChartArea(ApiClient& api, const AccountBook& book, QWidget* parent)
     setBackground(QBrush(themeBackdropColor()));
 }
 
-ChartArea::~ChartArea() = default;
+ChartArea::~ChartArea()
+{
+    // The charts go later, when there is nobody left to pass on what their experts say in the end.
+    for (ChartWindow* chart : charts())
+        chart->detachExpert();
+}
 
 ChartWindow* ChartArea::openChart(const QString& symbol)
 {
@@ -88,6 +93,9 @@ QMdiSubWindow* ChartArea::addChart(const QString& symbol, const QString& timefra
     connect(chart, &ChartWindow::specificationRequested, this, &ChartArea::specificationRequested);
     connect(chart, &ChartWindow::modifyLevelRequested, this, &ChartArea::modifyLevelRequested);
     connect(chart, &ChartWindow::quickTradeRequested, this, &ChartArea::quickTradeRequested);
+    connect(chart, &ChartWindow::expertLog, this, &ChartArea::expertLog);
+    connect(chart, &ChartWindow::expertOrderRequested, this, &ChartArea::expertOrderRequested);
+    connect(chart, &ChartWindow::expertCloseAllRequested, this, &ChartArea::expertCloseAllRequested);
     chart->restoreState(state);
     handOverEverything(*chart);
 
@@ -219,8 +227,13 @@ void ChartArea::restoreGeometry(QMdiSubWindow* subWindow, const QByteArray& geom
 
 void ChartArea::onPrices(const QJsonObject& prices)
 {
-    for (ChartWindow* chart : charts())
-        chart->onPrices(prices);
+    const QList<ChartWindow*> present = charts();
+    // An expert that hears of a price may bring about the end of any chart.
+    const QList<QPointer<ChartWindow>> guarded(present.begin(), present.end());
+    for (const QPointer<ChartWindow>& chart : guarded) {
+        if (chart)
+            chart->onPrices(prices);
+    }
 }
 
 void ChartArea::applyTrades()

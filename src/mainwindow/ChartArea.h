@@ -57,6 +57,10 @@ Q_SIGNALS:
     void modifyLevelRequested(const QString& tradeId, const QString& kind, double price);
     /// A market order from the panel on a chart; `side` is "SELL" or "BUY".
     void quickTradeRequested(const QString& symbol, const QString& side, double lots);
+    // From the experts on the charts; see ChartWindow.
+    void expertLog(const QString& source, const QString& message);
+    void expertOrderRequested(const QJsonObject& body);
+    void expertCloseAllRequested(const QString& symbol);
 
 protected:
     void changeEvent(QEvent* event) override;

@@ -12,6 +12,7 @@
 #include "mainwindow/ChartCommands.h"
 #include "mainwindow/DesktopLinks.h"
 #include "mainwindow/DockKeeper.h"
+#include "mainwindow/ExpertAttachment.h"
 #include "mainwindow/ExpertsFolder.h"
 #include "mainwindow/MenuBar.h"
 #include "mainwindow/OrderEvents.h"
@@ -75,12 +76,14 @@ MainWindow::MainWindow(QWidget* parent)
     m_smallWindows = new SmallWindows(m_book, *m_marketWatch, *this);
     m_tradeActions = new TradeActions(m_api, m_book, this);
     m_tradeDesk = new TradeDesk(m_api, m_feed, m_book, *m_tradeActions, *this);
+    m_expertAttachment = new ExpertAttachment(*m_charts, *m_tradeActions, this);
     buildTray();
     m_orderEvents = new OrderEvents(m_tray != nullptr, this);
 
     connectFeed();
     connectPanes();
     connectTrades();
+    connectExperts();
     connectOrderEvents();
     connectNotices();
     connectActions();
@@ -173,6 +176,15 @@ void MainWindow::connectTrades()
     connectReports(m_tradeActions);
     connect(m_tradeActions, &TradeActions::soundWanted, this, &play);
     connect(m_tradeActions, &TradeActions::historyRefreshWanted, m_accounts, &AccountFlow::refreshHistory);
+}
+
+void MainWindow::connectExperts()
+{
+    connect(m_navigator, &NavigatorWidget::expertActivated, m_expertAttachment, &ExpertAttachment::attach);
+    connect(m_expertAttachment, &ExpertAttachment::expertLine, m_toolbox, &TerminalPane::expert);
+    connect(m_charts, &ChartArea::expertLog, m_toolbox, &TerminalPane::expert);
+    connect(m_charts, &ChartArea::expertOrderRequested, this, &MainWindow::onExpertOrder);
+    connect(m_charts, &ChartArea::expertCloseAllRequested, this, &MainWindow::onExpertCloseAll);
 }
 
 void MainWindow::connectOrderEvents()
@@ -330,6 +342,16 @@ void MainWindow::onChartModifyLevel(const QString& tradeId, const QString& kind,
 void MainWindow::onQuickTrade(const QString& symbol, const QString& side, double lots)
 {
     m_tradeActions->quickTrade(symbol, side, lots);
+}
+
+void MainWindow::onExpertOrder(const QJsonObject& body)
+{
+    m_tradeActions->expertOrder(body);
+}
+
+void MainWindow::onExpertCloseAll(const QString& symbol)
+{
+    m_tradeActions->expertCloseAll(symbol);
 }
 
 void MainWindow::togglePopupPrices()

@@ -14,6 +14,7 @@ class AlertsPane;
 class ChartArea;
 class ChartCommands;
 class DockKeeper;
+class ExpertAttachment;
 class MarketWatchWidget;
 class NavigatorWidget;
 class NewsPane;
@@ -57,6 +58,8 @@ public Q_SLOTS:
     void onTradeDoubleClicked(const QJsonObject& trade);
     void onChartModifyLevel(const QString& tradeId, const QString& kind, double price);
     void onQuickTrade(const QString& symbol, const QString& side, double lots);
+    void onExpertOrder(const QJsonObject& body);
+    void onExpertCloseAll(const QString& symbol);
     void showSpecification(const QString& symbol);
     void togglePopupPrices();
     void toggleDepthOfMarket();
@@ -78,6 +81,7 @@ private:
     void connectFeed();
     void connectPanes();
     void connectTrades();
+    void connectExperts();
     void connectOrderEvents();
     void connectNotices();
     template <typename Reporter> void connectReports(Reporter* reporter);
@@ -110,6 +114,7 @@ private:
     SmallWindows* m_smallWindows;
     TradeActions* m_tradeActions;
     TradeDesk* m_tradeDesk;
+    ExpertAttachment* m_expertAttachment;
     AlertsPane* m_alerts = nullptr;
     NewsPane* m_news = nullptr;
 };

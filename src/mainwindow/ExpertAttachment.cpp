@@ -1,0 +1,34 @@
+#include "mainwindow/ExpertAttachment.h"
+
+#include "chart/ChartWindow.h"
+#include "chart/Timeframe.h"
+#include "mainwindow/ChartArea.h"
+#include "mainwindow/TradeActions.h"
+
+#include <QPointer>
+
+ExpertAttachment::ExpertAttachment(const ChartArea& charts, const TradeActions& actions, QObject* parent)
+    : QObject(parent)
+    , m_charts(charts)
+    , m_actions(actions)
+{
+}
+
+void ExpertAttachment::attach(const QString& path)
+{
+    const QPointer<ChartWindow> chart = m_charts.activeChart();
+    if (!chart) {
+        Q_EMIT expertLine(tr("Expert"), tr("Open a chart first, then attach the Expert Advisor."));
+        return;
+    }
+    chart->attachExpert(path);
+    // A script may lead to its chart's end as soon as it runs.
+    const QString name = chart ? chart->expertName() : QString();
+    if (name.isEmpty())
+        return;
+    Q_EMIT expertLine(name, tr("Attached to %1 %2").arg(chart->symbol(), timeframeLabel(chart->timeframe())));
+    if (!m_actions.isAlgoTradingOn()) {
+        Q_EMIT expertLine(name,
+            tr("Note: Algo Trading is OFF — the EA runs but cannot trade. Enable it from the toolbar."));
+    }
+}

@@ -1,0 +1,132 @@
+#include "chart/ChartWindow.h"
+#include "mainwindow/MainWindowFixture.h"
+#include "panes/NavigatorWidget.h"
+#include "support/TestMain.h"
+
+using namespace Qt::StringLiterals;
+
+/// From a double-click in the Navigator to an order at the server.
+class tst_MainWindowExperts final : public QObject {
+    Q_OBJECT
+
+    QTemporaryDir m_folder;
+    std::unique_ptr<MainWindowFixture> m_fixture;
+
+    MainWindowFixture& desk() { return *m_fixture; }
+    QStringList experts() { return desk().log("expertsList"); }
+
+    void activate(const QByteArray& text)
+    {
+        QFile file(m_folder.filePath(u"Robot.js"_s));
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        QCOMPARE(file.write(text), text.size());
+        file.close();
+        Q_EMIT desk().window->findChild<NavigatorWidget*>()->expertActivated(file.fileName());
+    }
+
+    void tick() { desk().window->onPrices({{u"EURUSD"_s, QJsonObject{{u"bid"_s, 1.1}, {u"ask"_s, 1.2}}}}); }
+
+private Q_SLOTS:
+    void init()
+    {
+        m_fixture = std::make_unique<MainWindowFixture>();
+        desk().signInAndSettle();
+    }
+
+    void withoutAChartThereIsNothingToAttachTo()
+    {
+        activate("");
+        QCOMPARE(experts(), QStringList(u"Expert: Open a chart first, then attach the Expert Advisor."_s));
+    }
+
+    void attachingIsReportedWithANoteWhileAlgoTradingIsOff()
+    {
+        desk().window->openChart(u"EURUSD"_s);
+        activate("");
+        QCOMPARE(experts(),
+            QStringList({u"Robot: Robot loaded"_s, u"Robot: Attached to EURUSD M15"_s,
+                u"Robot: Note: Algo Trading is OFF — the EA runs but cannot trade. Enable it from the toolbar."_s}));
+        QCOMPARE(desk().chartArea()->currentSubWindow()->windowTitle(), u"EURUSD,M15  •  Robot"_s);
+    }
+
+    void withAlgoTradingOnThereIsNoNote()
+    {
+        desk().window->openChart(u"EURUSD"_s);
+        desk().action("Algo Trading")->setChecked(true);
+        activate("");
+        QCOMPARE(experts(),
+            QStringList({u"Expert: Algo Trading enabled"_s, u"Robot: Robot loaded"_s,
+                u"Robot: Attached to EURUSD M15"_s}));
+    }
+
+    void aScriptThatDoesNotRunIsOnlyReportedByItsChart()
+    {
+        desk().window->openChart(u"EURUSD"_s);
+        activate("function OnInit() { throw 5 }");
+        QCOMPARE(experts(), QStringList(u"Robot: OnInit: 5"_s));
+    }
+
+    void anOrderIsRefusedEveryTimeWhileAlgoTradingIsOff()
+    {
+        desk().window->openChart(u"EURUSD"_s);
+        activate("function OnTick() { Trade.buy(0.1); Trade.closeAll() }");
+        tick();
+        tick();
+        const QString refusal = u"Expert: Algo Trading is OFF — order ignored. Enable it in the toolbar."_s;
+        QCOMPARE(experts().count(refusal), 2);
+        QCOMPARE(experts().count(u"Expert: Algo Trading is OFF — close ignored."_s), 2);
+        desk().settle();
+        QCOMPARE(desk().http.count("POST", "/api/trades/place"), 0);
+    }
+
+    void anOrderReachesTheServer()
+    {
+        desk().http.on("POST", "/api/trades/place", StubAnswer::json("{}"));
+        desk().window->openChart(u"EURUSD"_s);
+        desk().action("Algo Trading")->setChecked(true);
+        activate("var n = 0; function OnTick() { if (!n++) Trade.buy(0.1, {sl: 1.05}) }");
+        tick();
+        QTRY_COMPARE(experts().last(), u"Expert: BUY 0.10 EURUSD executed"_s);
+        QCOMPARE(desk().http.count("POST", "/api/trades/place"), 1);
+    }
+
+    void closingAllReachesTheServer()
+    {
+        desk().http.on("POST", "/api/trades/close/t1", StubAnswer::json("{}"));
+        desk().window->openChart(u"EURUSD"_s);
+        desk().action("Algo Trading")->setChecked(true);
+        activate("var n = 0; function OnTick() { Print(Positions.count(), Account.balance); if (!n++) "
+                 "Trade.closeAll() }");
+        tick();
+        QVERIFY(experts().contains(u"Robot: 1 1000"_s));
+        QVERIFY(experts().contains(u"Expert: Closing 1 position(s) on EURUSD"_s));
+        QTRY_COMPARE(desk().http.count("POST", "/api/trades/close/t1"), 1);
+    }
+
+    void anExpertMayCloseItsChartInMidTick()
+    {
+        desk().window->openChart(u"EURUSD"_s);
+        desk().window->openChart(u"EURUSD"_s);
+        connect(desk().charts().last(), &ChartWindow::expertCloseAllRequested, this,
+            [this] { qDeleteAll(desk().chartArea()->subWindowList()); });
+        activate("function OnTick() { Trade.closeAll(); Print(Close(0)) }");
+        tick();
+        QVERIFY(desk().charts().isEmpty());
+        tick();
+    }
+
+    void closingTheTerminalTellsTheExpert()
+    {
+        desk().window->openChart(u"EURUSD"_s);
+        activate("function OnDeinit() { Print('bye'); Trade.buy(1) }");
+        QStringList said;
+        connect(desk().chartArea(), &ChartArea::expertLog, this,
+            [&said](const QString& source, const QString& text) { said.append(source + u": "_s + text); });
+        desk().window.reset();
+        QCOMPARE(said, QStringList(u"Robot: bye"_s));
+        QCOMPARE(desk().http.count("POST", "/api/trades/place"), 0);
+    }
+};
+
+TAVORAN_TEST_MAIN(tst_MainWindowExperts)
+#include "tst_MainWindowExperts.moc"
