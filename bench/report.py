@@ -29,7 +29,11 @@ ROWS = [
     ("snapshot of 500, nothing moved / PARSE", "snapshot/500_still", "snapshot/parse_500", 1.6),
     ("snapshot of 500, 10 000 alerts / 100 alerts", "snapshot/500_moved_100_alerts_10000",
      "snapshot/500_moved_100", 1.1),
+    ("expert tick, ten host calls / bound once", "experts/tick", "experts/bound_once", 1.3),
+    ("the same / looked up on the host object", "experts/tick", "experts/looked_up", 0.4),
+    ("expert tick, average of 400 bars / of 10", "experts/average_400", "experts/average_10", 1.3),
 ]
+EXPERTS = [(experts, f"snapshot/{experts}_charts_with_experts", f"snapshot/{experts}_charts") for experts in (1, 5, 20)]
 INSTRUCTIONS = [("pointer", 1.5), ("tick", None), ("pan", 8.0)]
 SNAPSHOTS_A_SECOND = ("snapshots of 2 000 a second, all moved", "snapshot/2000_moved_all", 30)
 
@@ -135,6 +139,16 @@ def main():
     if name in times:
         rate = 1e9 / times[name]
         line(figure, f"{rate:.0f}", f">= {least}", rate < least)
+    for experts, with_experts, without in EXPERTS:
+        if with_experts in times and without in times:
+            added = (times[with_experts] - times[without]) / 1000
+            line(f"microseconds that {experts} experts add to a snapshot", f"{added:.1f}", "-", False)
+    figure = "20 experts, 50 ticks a second each: one core"
+    if "snapshot/20_charts_with_experts" in times:
+        share = times["snapshot/20_charts_with_experts"] * 50 / 1e9 * 100
+        line(figure, f"{share:.2f} %", "<= 10 %", share > 10)
+    else:
+        line(figure, "not run", "<= 10 %", True)
     for frame, most in INSTRUCTIONS:
         counts = [folder / f"instructions-{frame}-{count}" for count in (20, 120)]
         if all(path.exists() and path.read_text().strip() for path in counts):
