@@ -148,9 +148,19 @@ void ChartArea::nameTab(QMdiSubWindow* subWindow)
         bar->setTabText(static_cast<int>(index), menuText(subWindow->windowTitle()));
 }
 
+QMdiSubWindow* ChartArea::frontSubWindow() const
+{
+    if (QMdiSubWindow* current = currentSubWindow())
+        return current;
+    // The toolkit knows of none while charts are restored before the area is shown; the one that was
+    // activated last is on top all the same.
+    const QList<QMdiSubWindow*> history = subWindowList(QMdiArea::ActivationHistoryOrder);
+    return history.isEmpty() ? nullptr : history.constLast();
+}
+
 ChartWindow* ChartArea::activeChart() const
 {
-    return chartIn(currentSubWindow());
+    return chartIn(frontSubWindow());
 }
 
 QList<ChartWindow*> ChartArea::charts() const
@@ -286,7 +296,7 @@ void ChartArea::setTimeframe(const QString& key)
 
 void ChartArea::closeActiveChart()
 {
-    if (QMdiSubWindow* subWindow = currentSubWindow())
+    if (QMdiSubWindow* subWindow = frontSubWindow())
         subWindow->close();
 }
 

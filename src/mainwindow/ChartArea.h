@@ -78,6 +78,7 @@ private:
     void describe(ChartWindow& chart);
     /// The toolkit's own; it exists since the tabbed mode was chosen.
     [[nodiscard]] QTabBar* tabBar() const;
+    [[nodiscard]] QMdiSubWindow* frontSubWindow() const;
     void nameTab(QMdiSubWindow* subWindow);
     void applyPlacements();
     void restoreGeometry(QMdiSubWindow* subWindow, const QByteArray& geometry);

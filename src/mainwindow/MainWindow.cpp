@@ -404,6 +404,7 @@ void MainWindow::restoreLayout()
             journal(tr("Terminal"), notice);
     }
     m_charts->restoreLayout(settings.chartsLayout());
+    m_chartCommands->followActiveChart();
 }
 
 void MainWindow::saveLayout()

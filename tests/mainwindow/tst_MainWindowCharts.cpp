@@ -40,6 +40,8 @@ private Q_SLOTS:
     void chartsWorkAgainWhenTheirSymbolReturns();
     void reopenedChartGetsItsDigitsFromTheHello();
     void everythingOfAChartComesBackAfterARestart();
+    void commandsActOnTheRestoredChart_data();
+    void commandsActOnTheRestoredChart();
     void quittingSavesTheCharts();
 };
 
@@ -358,6 +360,35 @@ void tst_MainWindowCharts::everythingOfAChartComesBackAfterARestart()
     QCOMPARE(chart->chart().movingAverages().size(), 2);
     QCOMPARE(chart->chart().rsiPeriod(), 21);
     QVERIFY(!chart->chart().autoScroll());
+}
+
+void tst_MainWindowCharts::commandsActOnTheRestoredChart_data()
+{
+    QTest::addColumn<int>("charts");
+    QTest::addColumn<int>("maximized"); // -1: none
+    QTest::newRow("one, maximized") << 1 << 0;
+    QTest::newRow("one, as it was") << 1 << -1;
+    QTest::newRow("three, the first maximized") << 3 << 0;
+    QTest::newRow("three, none maximized") << 3 << -1;
+}
+
+void tst_MainWindowCharts::commandsActOnTheRestoredChart()
+{
+    QFETCH(int, charts);
+    QFETCH(int, maximized);
+    MainWindowFixture f;
+    QJsonArray layout;
+    for (int i = 0; i < charts; ++i)
+        layout.append(QJsonObject{{u"symbol"_s, u"EURUSD"_s}, {u"tf"_s, u"4h"_s},
+            {u"maximized"_s, i == maximized}, {u"indicators"_s, QJsonObject{{u"chartType"_s, 2}}}});
+    TerminalSettings::instance().setChartsLayout(QString::fromUtf8(QJsonDocument(layout).toJson()));
+    f.signInAndSettle();
+    QVERIFY(QTest::qWaitForWindowActive(f.window.get()));
+    f.settle();
+    QVERIFY(f.chartArea()->activeChart());
+    QVERIFY(f.action("Zoom In")->isEnabled());
+    QVERIFY(f.action("H4")->isEnabled() && f.action("H4")->isChecked());
+    QVERIFY(f.action("Line")->isChecked());
 }
 
 void tst_MainWindowCharts::quittingSavesTheCharts()
