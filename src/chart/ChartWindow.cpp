@@ -100,6 +100,11 @@ void ChartWindow::detachExpert()
     m_expert->detach();
 }
 
+QSize ChartWindow::sizeHint() const
+{
+    return {640, 400};
+}
+
 QString ChartWindow::title() const
 {
     const QString chart = u"%1,%2"_s.arg(m_symbol, timeframeLabel(m_timeframe));

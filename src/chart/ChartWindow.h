@@ -55,6 +55,9 @@ public:
     /// Applies a saved state; unknown keys, wrong types and unreadable colours leave the current values.
     void restoreState(const QJsonObject& state);
 
+    /// What a window of its own is given, such as one of a cascade.
+    [[nodiscard]] QSize sizeHint() const override;
+
 public Q_SLOTS:
     /// The first requests of a new window: its history and its objects.
     void load();
