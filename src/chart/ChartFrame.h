@@ -1,12 +1,10 @@
 #pragma once
 
 #include "chart/Candle.h"
-#include "chart/ChartColors.h"
-#include "chart/ChartType.h"
+#include "chart/ChartLook.h"
 #include "chart/ChartView.h"
 #include "chart/Drawing.h"
 #include "chart/DrawingKind.h"
-#include "chart/MovingAverageSpec.h"
 #include "chart/Ruler.h"
 #include "chart/TextPainter.h"
 #include "chart/TradeLevel.h"
@@ -21,7 +19,7 @@
 
 /// Everything that one picture of a chart shows, taken once a frame; layers read nothing else. Valid as
 /// long as the widget that took it does not change.
-struct ChartFrame {
+struct ChartFrame : ChartLook {
     ChartView view;
     std::span<const Candle> candles; ///< the whole series; layers walk `bars` only
     BarRange bars;                   ///< the bars to paint, within the visible ones
@@ -29,19 +27,10 @@ struct ChartFrame {
     quint64 seriesRevision = 0;      ///< differs when a bar other than the newest has changed
     qint32 largestVolume = 1;        ///< of the visible bars, at least 1
 
-    ChartColors colors;
-    ChartType type = ChartType::Candles;
-    int digits = 5;
     qint64 timeframeMs = 0;
-    QString symbol;
-    QString timeframeLabel;
-    QString description;
 
-    QList<MovingAverageSpec> averages;
-    int legendIndent = 0; ///< columns at the left of the averages' names that something covers
     std::span<const std::span<const double>> averageValues; ///< see IndicatorCache::averages()
-    int rsiPeriod = 0;
-    std::span<const double> rsiValues; ///< see IndicatorCache::strength()
+    std::span<const double> rsiValues;                      ///< see IndicatorCache::strength()
 
     std::span<const Drawing> drawings; ///< later ones on top
     double bid = 0.0;                  ///< 0 means none yet
@@ -71,3 +60,11 @@ struct ChartFrame {
         return candles[static_cast<std::size_t>(index)];
     }
 };
+
+class ChartGestures;
+class ChartScene;
+
+/// A frame of this size of what the bars, the settings and the gestures say. Indicator values, objects,
+/// levels and the pointer are not in it yet.
+[[nodiscard]] ChartFrame frameOf(
+    const ChartScene& scene, const QSize& size, const ChartLook& look, const ChartGestures& gestures);

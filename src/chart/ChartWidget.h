@@ -1,21 +1,13 @@
 #pragma once
 
 #include "chart/BandCache.h"
-#include "chart/CandleSeries.h"
-#include "chart/ChartColors.h"
-#include "chart/ChartType.h"
-#include "chart/ChartView.h"
-#include "chart/Drawing.h"
+#include "chart/ChartGestures.h"
+#include "chart/ChartLook.h"
+#include "chart/ChartScene.h"
 #include "chart/DrawingList.h"
-#include "chart/DrawingTool.h"
 #include "chart/IndicatorCache.h"
-#include "chart/LevelDrag.h"
-#include "chart/MovingAverageSpec.h"
-#include "chart/PanZoom.h"
-#include "chart/Ruler.h"
 #include "chart/TextPainter.h"
 #include "chart/TradeLevel.h"
-#include "chart/ViewState.h"
 
 #include <QPoint>
 #include <QWidget>
@@ -40,52 +32,52 @@ public:
 
     /// Replaces the series (see CandleSeries for bad bars), goes to its end and follows it.
     void setCandles(std::vector<Candle> candles);
-    [[nodiscard]] const std::vector<Candle>& candles() const { return m_series.candles(); }
+    [[nodiscard]] const std::vector<Candle>& candles() const { return m_scene.series().candles(); }
     /// Changes whenever a bar other than the newest does, and when bars come or go.
-    [[nodiscard]] quint64 seriesRevision() const { return m_seriesRevision; }
+    [[nodiscard]] quint64 seriesRevision() const { return m_scene.seriesRevision(); }
 
     /// A price update at `timeMs` (ms since the epoch). Prices that are no number or absurd are ignored.
     void onTick(double bid, double ask, qint64 timeMs);
-    [[nodiscard]] double bid() const { return m_bid; } ///< 0 before the first tick
-    [[nodiscard]] double ask() const { return m_ask; } ///< 0 before the first tick
+    [[nodiscard]] double bid() const { return m_scene.bid(); } ///< 0 before the first tick
+    [[nodiscard]] double ask() const { return m_scene.ask(); } ///< 0 before the first tick
 
     /// Length in ms of the bars that ticks build; below 1 means 15 minutes.
     void setTimeframeMs(qint64 ms);
-    [[nodiscard]] qint64 timeframeMs() const { return m_series.timeframeMs(); }
+    [[nodiscard]] qint64 timeframeMs() const { return m_scene.series().timeframeMs(); }
 
     /// Header texts; shown as plain text on one line.
     void setSymbolInfo(const QString& symbol, const QString& timeframeLabel, const QString& description);
     /// Decimals of every price text; shown clamped to 0..8.
     void setDigits(int digits);
-    [[nodiscard]] int digits() const { return m_digits; }
+    [[nodiscard]] int digits() const { return m_look.digits; }
 
     void setAutoScroll(bool on);
-    [[nodiscard]] bool autoScroll() const { return m_viewState.autoScroll; }
+    [[nodiscard]] bool autoScroll() const { return m_scene.state().autoScroll; }
     void scrollToEnd();
     void setChartShift(bool on);
-    [[nodiscard]] bool chartShift() const { return m_viewState.chartShift; }
-    [[nodiscard]] double barWidth() const { return m_viewState.barWidth; }
-    [[nodiscard]] double rightBarIndex() const { return m_viewState.rightBarIndex; }
+    [[nodiscard]] bool chartShift() const { return m_scene.state().chartShift; }
+    [[nodiscard]] double barWidth() const { return m_scene.state().barWidth; }
+    [[nodiscard]] double rightBarIndex() const { return m_scene.state().rightBarIndex; }
     /// One step wider or narrower, within 1 to 40 pixels a bar, about the right edge.
     void zoomIn();
     void zoomOut();
 
     /// 0 candles, 1 bars, 2 line; any other value means candles.
     void setChartType(int type);
-    [[nodiscard]] int chartType() const { return static_cast<int>(m_type); }
+    [[nodiscard]] int chartType() const { return static_cast<int>(m_look.type); }
     /// An invalid colour keeps the one in use.
     void setColors(const ChartColors& colors);
-    [[nodiscard]] const ChartColors& colors() const { return m_colors; }
+    [[nodiscard]] const ChartColors& colors() const { return m_look.colors; }
 
     /// The averages drawn over the prices, in the order of their legend. A colour that is none becomes
     /// the first one of the palette, and no colour is see-through.
     void setMovingAverages(const QList<MovingAverageSpec>& averages);
-    [[nodiscard]] const QList<MovingAverageSpec>& movingAverages() const { return m_averages; }
+    [[nodiscard]] const QList<MovingAverageSpec>& movingAverages() const { return m_look.averages; }
 
     /// The relative-strength pane; a period below 2 becomes 2.
     void setRsi(bool enabled, int period);
-    [[nodiscard]] bool rsiEnabled() const { return m_rsiEnabled; }
-    [[nodiscard]] int rsiPeriod() const { return m_rsiPeriod; }
+    [[nodiscard]] bool rsiEnabled() const { return m_scene.hasRsiPane(); }
+    [[nodiscard]] int rsiPeriod() const { return m_look.rsiPeriod; }
 
     /// The objects on the chart, later ones on top; replaces those shown. The selected object stays selected
     /// when its server id is among them. An object being placed is not touched.
@@ -96,14 +88,15 @@ public:
     /// The kind of object that the next clicks place (see Drawing::type); empty or unknown ends placing.
     /// Points placed so far are dropped.
     void setTool(const QString& key);
-    [[nodiscard]] QString tool() const { return m_tool.key(); }
+    [[nodiscard]] QString tool() const { return m_gestures.tool().key(); }
 
     /// Arms or disarms the ruler (see Ruler); a shown ruler goes. While armed, presses in the plot measure
     /// instead of panning, selecting or taking levels; placing an object goes first.
     void setMeasureMode(bool on);
+    [[nodiscard]] bool measureMode() const { return m_gestures.ruler().isArmed(); }
+
     /// Names the averages further right by as many columns, beside whatever covers the corner.
     void setLegendIndent(int columns);
-    [[nodiscard]] bool measureMode() const { return m_ruler.isArmed(); }
 
     /// A level being dragged stays in the hand while its line is among them at the same price; otherwise the
     /// drag ends without asking for anything.
@@ -114,7 +107,7 @@ public:
     [[nodiscard]] std::optional<Candle> hoveredBar() const;
 
     /// The geometry that the next paint uses.
-    [[nodiscard]] const ChartView& view() const;
+    [[nodiscard]] const ChartView& view() const { return m_scene.view(size()); }
     /// The snapshot that the next paint shows; valid until the widget changes.
     [[nodiscard]] ChartFrame frame() const;
     /// How often bars other than the newest were painted so far.
@@ -144,67 +137,29 @@ protected:
     void hideEvent(QHideEvent* event) override;
 
 private:
-    /// What a tick may change, as it was before.
-    struct QuotedView {
-        std::optional<ChartView> view; ///< absent when only a whole frame will do
-        qint32 largestVolume = 1;
-        double bid = 0.0;
-        double ask = 0.0;
-    };
-
-    void viewChanged();
-    [[nodiscard]] QuotedView quotedView() const;
-    void newestBarChanged(const QuotedView& before);
-    /// Between device pixels an area may be rounded to less than what is painted into it.
-    [[nodiscard]] bool paintsWholePixels() const;
-    void refreshView() const;
     void applyView(const ViewState& state);
     void movePointer(const QPoint& position);
-    [[nodiscard]] bool pressTool(const QPoint& position);
-    [[nodiscard]] bool pressRuler(const QPoint& position);
-    [[nodiscard]] bool pressLevel(const QPoint& position);
-    [[nodiscard]] bool pressDrawing(const QPoint& position);
-    void finishTool();
-    void stretchRuler(const QPoint& position);
-    void dragLevel(const QPoint& position);
-    void dropLevel();
+    void take(const ChartGestures::Press& press, const QRegion& shownBefore);
+    void dragGesture(const QPoint& position);
     [[nodiscard]] bool cancelGesture();
     /// Ends what only lives while the button is held; a level goes back to its place.
     void letGo();
+    void finishTool();
     void updateCursor();
-    [[nodiscard]] QRegion previewArea(const QPoint& pointer) const;
-    [[nodiscard]] QRegion rulerArea() const;
-    [[nodiscard]] QRegion draggedLevelArea() const;
+    [[nodiscard]] ChartGestures::Ground ground() const;
+    [[nodiscard]] QRegion gestureArea() const;
+    /// Between device pixels an area may be rounded to less than what is painted into it.
+    [[nodiscard]] bool paintsWholePixels() const;
     void updateOverlay(const QRegion& area);
-    [[nodiscard]] ViewState atEnd() const;
-    [[nodiscard]] bool pointerInPlot() const;
+    [[nodiscard]] bool pointerInPlot() const { return view().plot().contains(m_pointer); }
 
-    CandleSeries m_series;
-    quint64 m_seriesRevision = 0; ///< counts changes other than ticks into the newest bar
-    ViewState m_viewState;
-    PanZoom m_panZoom;
-    double m_bid = 0.0;
-    double m_ask = 0.0;
-    QString m_symbol;
-    QString m_timeframeLabel;
-    QString m_description;
-    int m_digits = 5;
-    int m_legendIndent = 0;
-    ChartType m_type = ChartType::Candles;
-    ChartColors m_colors;
-    QList<MovingAverageSpec> m_averages;
-    bool m_rsiEnabled = false;
-    int m_rsiPeriod = 14;
-    Ruler m_ruler;
+    ChartScene m_scene;
+    ChartLook m_look;
+    ChartGestures m_gestures;
     DrawingList m_drawings;
-    DrawingTool m_tool;
     QList<TradeLevel> m_levels;
-    LevelDrag m_levelDrag;
     QPoint m_pointer = {-1, -1};
 
-    mutable bool m_viewStale = true;
-    mutable ChartView m_view;
-    mutable qint32 m_largestVolume = 1;
     mutable IndicatorCache m_indicators;
     mutable TextPainter m_texts;
     BandCache m_bands;

@@ -75,11 +75,11 @@ QList<Include> includesBelow(const QString& folder)
 /// The headers of the library `chart_data`, and the two files of the window that need no widget either.
 const QStringList& dataFiles()
 {
-    static const QStringList names{u"Candle"_s, u"CandleSeries"_s, u"ChartColors"_s, u"ChartTexts"_s,
-        u"ChartType"_s, u"ChartView"_s, u"Drawing"_s, u"DrawingGeometry"_s, u"DrawingKind"_s,
-        u"DrawingList"_s, u"DrawingTool"_s, u"GridSteps"_s, u"HistoryReply"_s, u"IndicatorCache"_s,
-        u"Indicators"_s, u"LevelDrag"_s, u"MovingAverageSpec"_s, u"PanZoom"_s, u"Timeframe"_s,
-        u"TradeLevel"_s, u"TradeLevels"_s, u"ViewState"_s};
+    static const QStringList names{u"Candle"_s, u"CandleSeries"_s, u"ChartColors"_s, u"ChartGestures"_s,
+        u"ChartLook"_s, u"ChartScene"_s, u"ChartTexts"_s, u"ChartType"_s, u"ChartView"_s, u"Drawing"_s,
+        u"DrawingGeometry"_s, u"DrawingKind"_s, u"DrawingList"_s, u"DrawingTool"_s, u"GridSteps"_s,
+        u"HistoryReply"_s, u"IndicatorCache"_s, u"Indicators"_s, u"LevelDrag"_s, u"MovingAverageSpec"_s,
+        u"PanZoom"_s, u"Timeframe"_s, u"TradeLevel"_s, u"TradeLevels"_s, u"ViewState"_s};
     return names;
 }
 

@@ -1,7 +1,9 @@
 #include "chart/layers/OverlayAreas.h"
 
 #include "chart/ChartView.h"
+#include "chart/DrawingGeometry.h"
 #include "chart/TextPainter.h"
+#include "chart/layers/CrosshairBoxes.h"
 #include "chart/layers/PriceTag.h"
 
 #include <algorithm>
@@ -45,4 +47,25 @@ QRegion overlays::level(const ChartView& view, double price)
     const int y = view.pricePixel(price);
     // The text may hang over the box that centres it by a few pixels.
     return QRegion(QRect(QPoint(plot.left(), y - 20), QPoint(plot.right(), y + 4))) + priceTagBox(view, y);
+}
+
+QRegion overlays::inHand(const ChartView& view, const ChartGestures& gestures, int digits, TextPainter& texts)
+{
+    QRegion area;
+    if (gestures.ruler().span())
+        area += ruler(view, *gestures.ruler().span(), digits, texts);
+    if (gestures.level().isActive())
+        area += level(view, gestures.level().price());
+    return area;
+}
+
+QRegion overlays::pointer(
+    const ChartGestures::Ground& ground, const DrawingTool& tool, const QPoint& position)
+{
+    const QRegion cross = crosshair::area(ground.view, position);
+    if (!tool.placed())
+        return cross;
+    const std::optional<QPoint> placed
+        = DrawingGeometry(ground.view, ground.candles, ground.timeframeMs).pixel(*tool.placed());
+    return placed ? cross + preview(ground.view, *tool.kind(), *placed, position) : cross;
 }

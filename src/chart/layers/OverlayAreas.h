@@ -1,7 +1,7 @@
 #pragma once
 
+#include "chart/ChartGestures.h"
 #include "chart/DrawingKind.h"
-#include "chart/Ruler.h"
 
 #include <QRegion>
 
@@ -26,5 +26,13 @@ namespace overlays {
 
 /// A level line at a price with its label and its price tag; also valid for one that is not dragged.
 [[nodiscard]] QRegion level(const ChartView& view, double price);
+
+/// The ruler that is shown and the level in the hand.
+[[nodiscard]] QRegion inHand(
+    const ChartView& view, const ChartGestures& gestures, int digits, TextPainter& texts);
+
+/// What a pointer in the plot takes along: the crosshair, and the preview of the object being placed.
+[[nodiscard]] QRegion pointer(
+    const ChartGestures::Ground& ground, const DrawingTool& tool, const QPoint& position);
 
 } // namespace overlays

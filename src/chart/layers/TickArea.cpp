@@ -1,6 +1,6 @@
 #include "chart/layers/TickArea.h"
 
-#include "chart/ChartView.h"
+#include "chart/ChartScene.h"
 
 #include <algorithm>
 
@@ -36,4 +36,17 @@ QRect tickarea::volumes(const ChartView& view)
 {
     const QRect& plot = view.plot();
     return plot.adjusted(0, plot.height() - plot.height() / volumeShare, 0, 0);
+}
+
+std::optional<QRegion> tickarea::changed(const QuotedView& before, const QuotedView& after)
+{
+    if (!(before.view == after.view))
+        return std::nullopt;
+    QRegion area = newestBar(after.view);
+    area += barTexts(after.view);
+    for (const double price : {before.bid, before.ask, after.bid, after.ask})
+        area += quoteLine(after.view, price);
+    if (before.largestVolume != after.largestVolume)
+        area += volumes(after.view);
+    return area;
 }

@@ -2,7 +2,10 @@
 
 #include <QRegion>
 
+#include <optional>
+
 class ChartView;
+struct QuotedView;
 
 /// What a tick into the newest bar changes while the scales stay as they are.
 namespace tickarea {
@@ -15,5 +18,8 @@ namespace tickarea {
 [[nodiscard]] QRect barTexts(const ChartView& view);
 /// The bars of the volume histogram, which change together when its scale does.
 [[nodiscard]] QRect volumes(const ChartView& view);
+
+/// All of it, from one picture to the next. Nothing when the scales do not stay: everything changes.
+[[nodiscard]] std::optional<QRegion> changed(const QuotedView& before, const QuotedView& after);
 
 } // namespace tickarea
