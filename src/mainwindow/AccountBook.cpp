@@ -108,6 +108,13 @@ QJsonArray AccountBook::sortedSymbols() const
     return sorted;
 }
 
+QStringList AccountBook::symbolNames() const
+{
+    QStringList names = m_symbolsByName.keys();
+    std::sort(names.begin(), names.end());
+    return names;
+}
+
 void AccountBook::notePrices(const QJsonObject& prices)
 {
     for (auto it = prices.constBegin(); it != prices.constEnd(); ++it)

@@ -7,6 +7,8 @@
 #include <QJsonObject>
 #include <QMap>
 #include <QString>
+#include <QStringList>
+
 #include <optional>
 
 /// The line under the trade list, in account currency.
@@ -57,6 +59,8 @@ public:
     /// The symbols in the order of every list, those without a name left out.
     [[nodiscard]] QJsonArray sortedSymbols() const;
     [[nodiscard]] const QHash<QString, QJsonObject>& symbolsByName() const { return m_symbolsByName; }
+    /// In alphabetical order.
+    [[nodiscard]] QStringList symbolNames() const;
     /// Price decimals by symbol name, as the records state them (5 where they do not).
     [[nodiscard]] const QHash<QString, int>& digits() const { return m_digits; }
 

@@ -1,12 +1,15 @@
 #include "mainwindow/DesktopLinks.h"
 
 #include "mainwindow/ExpertsFolder.h"
+#include "mainwindow/TerminalActions.h"
 
+#include <QAction>
 #include <QDesktopServices>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QSaveFile>
+#include <QShortcut>
 #include <QStandardPaths>
 #include <QUrl>
 
@@ -27,6 +30,15 @@ bool copyGuide(const QString& path)
 }
 
 } // namespace
+
+void DesktopLinks::serve(const TerminalActions& actions, QWidget& window)
+{
+    connect(actions.openExpertsFolder, &QAction::triggered, this, &DesktopLinks::openExpertsFolder);
+    connect(actions.openGuide, &QAction::triggered, this, &DesktopLinks::openGuide);
+    // The status bar promises help on this key.
+    const auto* help = new QShortcut(Qt::Key_F1, &window);
+    connect(help, &QShortcut::activated, this, &DesktopLinks::openGuide);
+}
 
 QString DesktopLinks::guidePath()
 {

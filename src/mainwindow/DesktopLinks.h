@@ -2,6 +2,9 @@
 
 #include <QObject>
 
+class QWidget;
+class TerminalActions;
+
 /// Opens files and folders with the desktop's own programs.
 class DesktopLinks final : public QObject {
     Q_OBJECT
@@ -10,6 +13,9 @@ class DesktopLinks final : public QObject {
 public:
     using QObject::QObject;
     ~DesktopLinks() override = default;
+
+    /// Listens to the actions that open something, and to the key for help in a window.
+    void serve(const TerminalActions& actions, QWidget& window);
 
     /// Where openGuide() puts the guide for the browser.
     [[nodiscard]] static QString guidePath();

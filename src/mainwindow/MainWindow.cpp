@@ -1,8 +1,6 @@
 #include "mainwindow/MainWindow.h"
 
-#include "app/Log.h"
 #include "app/ServerText.h"
-#include "app/SoundPlayer.h"
 #include "app/TerminalSettings.h"
 #include "app/Theme.h"
 #include "app/UpdateFramework.h"
@@ -16,6 +14,7 @@
 #include "mainwindow/ExpertsFolder.h"
 #include "mainwindow/MenuBar.h"
 #include "mainwindow/OrderEvents.h"
+#include "mainwindow/Reports.h"
 #include "mainwindow/SmallWindows.h"
 #include "mainwindow/TerminalActions.h"
 #include "mainwindow/ToolBars.h"
@@ -34,22 +33,13 @@
 #include <QCloseEvent>
 #include <QDockWidget>
 #include <QMdiSubWindow>
-#include <QShortcut>
 #include <QStatusBar>
-#include <QUrl>
 
 using namespace Qt::StringLiterals;
 
 namespace {
 
 constexpr QSize InitialSize(1280, 800);
-
-QString serverHost()
-{
-    const QString address = TerminalSettings::instance().serverUrl();
-    const QString host = QUrl(address).host();
-    return host.isEmpty() ? address : host;
-}
 
 } // namespace
 
@@ -60,7 +50,8 @@ MainWindow::MainWindow(QWidget* parent)
     , m_marketWatch(new MarketWatchWidget(&m_docks->marketWatchDock()))
     , m_navigator(new NavigatorWidget(&m_docks->navigatorDock()))
     , m_toolbox(new TerminalPane(&m_docks->toolboxDock()))
-    , m_status(new StatusPanel(*statusBar(), serverHost(), this))
+    , m_status(
+          new StatusPanel(*statusBar(), StatusPanel::hostOf(TerminalSettings::instance().serverUrl()), this))
 {
     setWindowTitle(tr("Tavoran Terminal"));
     resize(InitialSize);
@@ -73,22 +64,23 @@ MainWindow::MainWindow(QWidget* parent)
         {m_docks->marketWatchDock().toggleViewAction(), m_docks->navigatorDock().toggleViewAction(),
             m_docks->toolboxDock().toggleViewAction()});
     m_chartCommands = new ChartCommands(*m_actions, *m_charts, this);
+    m_links = new DesktopLinks(this);
     m_smallWindows = new SmallWindows(m_book, *m_marketWatch, *this);
     m_tradeActions = new TradeActions(m_api, m_book, this);
     m_tradeDesk = new TradeDesk(m_api, m_feed, m_book, *m_tradeActions, *this);
     m_expertAttachment = new ExpertAttachment(*m_charts, *m_tradeActions, this);
     buildTray();
     m_orderEvents = new OrderEvents(m_tray != nullptr, this);
+    m_reports = new Reports(*m_toolbox, *m_accounts, m_tray, this);
 
     connectFeed();
     connectPanes();
     connectTrades();
     connectExperts();
-    connectOrderEvents();
-    connectNotices();
     connectActions();
-    buildMenus();
-    buildToolbar();
+    connectReports();
+    fillMenuBar(*menuBar(), *m_actions);
+    addToolBars(*this, *m_actions);
     setUpExperts();
     journal(tr("Terminal"), tr("Tavoran Terminal %1 started").arg(QCoreApplication::applicationVersion()));
     m_docks->startSnapshots();
@@ -102,6 +94,7 @@ MainWindow::~MainWindow()
     delete m_tradeDesk;
     delete m_tradeActions;
     m_charts->disconnect(this);
+    delete m_reports;
     delete m_chartCommands;
     delete m_charts;
     delete m_accounts;
@@ -125,16 +118,6 @@ void MainWindow::buildTray()
     connect(m_tray, &TrayIcon::exitRequested, this, &MainWindow::quit);
 }
 
-void MainWindow::buildMenus()
-{
-    fillMenuBar(*menuBar(), *m_actions);
-}
-
-void MainWindow::buildToolbar()
-{
-    addToolBars(*this, *m_actions);
-}
-
 void MainWindow::connectFeed()
 {
     connect(&m_feed, &WsClient::helloReceived, this, &MainWindow::onHello);
@@ -142,12 +125,8 @@ void MainWindow::connectFeed()
     connect(&m_feed, &WsClient::tradesUpdated, this, &MainWindow::onTradesUpdated);
     connect(&m_feed, &WsClient::ordersChanged, this, &MainWindow::onOrdersChanged);
     connect(&m_feed, &WsClient::accountUpdated, this, &MainWindow::onAccountUpdated);
-    connect(&m_feed, &WsClient::connected, m_status, [this] { m_status->setConnected(true); });
-    connect(&m_feed, &WsClient::disconnected, m_status, [this] { m_status->setConnected(false); });
     connect(&m_feed, &WsClient::disconnected, m_charts, &ChartArea::noteInterruption);
-    connect(&m_feed, &WsClient::latencyChanged, m_status, &StatusPanel::setLatency);
-    connect(&m_feed, &WsClient::trafficChanged, m_status, &StatusPanel::setTraffic);
-    connect(&m_feed, &WsClient::logMessage, this, &MainWindow::journal);
+    m_status->follow(m_feed);
     connect(&m_api, &ApiClient::unauthorized, this, [this] {
         journal(tr("Auth"), tr("Session expired — please restart the terminal and log in again."));
     });
@@ -156,11 +135,9 @@ void MainWindow::connectFeed()
 void MainWindow::connectPanes()
 {
     connect(m_charts, &QMdiArea::subWindowActivated, this, &MainWindow::onSubWindowActivated);
-    connect(m_charts, &ChartArea::logMessage, this, &MainWindow::journal);
     connect(m_marketWatch, &MarketWatchWidget::symbolActivated, this, &MainWindow::openChart);
     connect(m_navigator, &NavigatorWidget::accountActivated, m_accounts, &AccountFlow::activateAccount);
     connect(m_navigator, &NavigatorWidget::indicatorActivated, m_chartCommands, &ChartCommands::addIndicator);
-    connect(m_accounts, &AccountFlow::journalLine, this, &MainWindow::journal);
 }
 
 void MainWindow::connectTrades()
@@ -171,46 +148,29 @@ void MainWindow::connectTrades()
     connect(m_charts, &ChartArea::quickTradeRequested, this, &MainWindow::onQuickTrade);
     connect(m_actions->algoTrading, &QAction::toggled, m_tradeActions, &TradeActions::setAlgoTrading);
     connect(m_tradeDesk, &TradeDesk::newOrderRequested, this, &MainWindow::openOrderDialog);
-    connect(m_tradeDesk, &TradeDesk::everythingRefreshWanted, m_accounts, &AccountFlow::refreshAll);
-    connectReports(m_tradeDesk);
-    connectReports(m_tradeActions);
-    connect(m_tradeActions, &TradeActions::soundWanted, this, &play);
-    connect(m_tradeActions, &TradeActions::historyRefreshWanted, m_accounts, &AccountFlow::refreshHistory);
 }
 
 void MainWindow::connectExperts()
 {
     connect(m_navigator, &NavigatorWidget::expertActivated, m_expertAttachment, &ExpertAttachment::attach);
-    connect(m_expertAttachment, &ExpertAttachment::expertLine, m_toolbox, &TerminalPane::expert);
     connect(m_charts, &ChartArea::expertLog, m_toolbox, &TerminalPane::expert);
     connect(m_charts, &ChartArea::expertOrderRequested, this, &MainWindow::onExpertOrder);
     connect(m_charts, &ChartArea::expertCloseAllRequested, this, &MainWindow::onExpertCloseAll);
 }
 
-void MainWindow::connectOrderEvents()
+void MainWindow::connectReports()
 {
-    connectReports(m_orderEvents);
-    connect(m_orderEvents, &OrderEvents::soundWanted, this, &play);
-    connect(m_orderEvents, &OrderEvents::historyRefreshWanted, m_accounts, &AccountFlow::refreshHistory);
-}
-
-void MainWindow::connectNotices()
-{
-    connect(m_alerts, &AlertsPane::soundWanted, this, &play);
-    if (!m_tray)
-        return;
-    connect(m_orderEvents, &OrderEvents::balloonWanted, m_tray, &TrayIcon::showBalloon);
-    connect(m_alerts, &AlertsPane::balloonWanted, m_tray, &TrayIcon::showBalloon);
-    connect(m_news, &NewsPane::balloonWanted, m_tray, &TrayIcon::showBalloon);
-}
-
-/// What everybody who acts on trades or hears of them has in common: lines, and lists to read again.
-template <typename Reporter> void MainWindow::connectReports(Reporter* reporter)
-{
-    connect(reporter, &Reporter::journalLine, this, &MainWindow::journal);
-    connect(reporter, &Reporter::expertLine, m_toolbox, &TerminalPane::expert);
-    connect(reporter, &Reporter::accountsRefreshWanted, m_accounts, &AccountFlow::refreshAccounts);
-    connect(reporter, &Reporter::tradesRefreshWanted, m_accounts, &AccountFlow::refreshOpenTrades);
+    m_reports->follow(m_feed);
+    m_reports->follow(*m_accounts);
+    m_reports->follow(*m_charts);
+    m_reports->follow(*m_chartCommands);
+    m_reports->follow(*m_links);
+    m_reports->follow(*m_tradeDesk);
+    m_reports->follow(*m_tradeActions);
+    m_reports->follow(*m_expertAttachment);
+    m_reports->follow(*m_orderEvents);
+    m_reports->follow(*m_alerts);
+    m_reports->follow(*m_news);
 }
 
 void MainWindow::connectActions()
@@ -228,14 +188,7 @@ void MainWindow::connectActions()
     connect(m_actions->checkForUpdates, &QAction::triggered, this,
         [] { UpdateFramework::instance().checkWithUi(); });
     connect(m_chartCommands, &ChartCommands::specificationRequested, this, &MainWindow::showSpecification);
-    connect(m_chartCommands, &ChartCommands::logMessage, this, &MainWindow::journal);
-
-    auto* links = new DesktopLinks(this);
-    connect(m_actions->openExpertsFolder, &QAction::triggered, links, &DesktopLinks::openExpertsFolder);
-    connect(m_actions->openGuide, &QAction::triggered, links, &DesktopLinks::openGuide);
-    connect(links, &DesktopLinks::logMessage, this, &MainWindow::journal);
-    // The status bar promises help on this key.
-    connect(new QShortcut(Qt::Key_F1, this), &QShortcut::activated, links, &DesktopLinks::openGuide);
+    m_links->serve(*m_actions, *this);
 }
 
 void MainWindow::setUpExperts()
@@ -264,9 +217,7 @@ void MainWindow::onHello(const QJsonObject& hello)
     m_smallWindows->onSymbols();
     onPrices(hello["prices"_L1].toObject());
     m_actions->setSymbolsKnown(!m_book.symbolsByName().isEmpty());
-    QStringList names = m_book.symbolsByName().keys();
-    std::sort(names.begin(), names.end());
-    m_alerts->setSymbols(names);
+    m_alerts->setSymbols(m_book.symbolNames());
     m_accounts->refreshAccounts();
     m_news->refresh();
 }
@@ -377,8 +328,7 @@ QString MainWindow::currentSymbol() const
 
 void MainWindow::journal(const QString& source, const QString& message)
 {
-    m_toolbox->journal(source, message);
-    appLog(u"[%1] %2"_s.arg(source, message));
+    m_reports->journal(source, message);
 }
 
 void MainWindow::chooseTheme(bool dark)

@@ -7,12 +7,12 @@
 
 #include <QJsonObject>
 #include <QMainWindow>
-#include <QPointer>
 
 class AccountFlow;
 class AlertsPane;
 class ChartArea;
 class ChartCommands;
+class DesktopLinks;
 class DockKeeper;
 class ExpertAttachment;
 class MarketWatchWidget;
@@ -20,6 +20,7 @@ class NavigatorWidget;
 class NewsPane;
 class OrderEvents;
 class QMdiSubWindow;
+class Reports;
 class SmallWindows;
 class TerminalActions;
 class TerminalPane;
@@ -76,16 +77,12 @@ protected:
 private:
     void buildToolbox();
     void buildTray();
-    void buildMenus();
-    void buildToolbar();
     void connectFeed();
     void connectPanes();
     void connectTrades();
     void connectExperts();
-    void connectOrderEvents();
-    void connectNotices();
-    template <typename Reporter> void connectReports(Reporter* reporter);
     void connectActions();
+    void connectReports();
     void setUpExperts();
     void restoreLayout();
     void saveLayout();
@@ -111,10 +108,12 @@ private:
     AccountFlow* m_accounts;
     TerminalActions* m_actions;
     ChartCommands* m_chartCommands;
+    DesktopLinks* m_links;
     SmallWindows* m_smallWindows;
     TradeActions* m_tradeActions;
     TradeDesk* m_tradeDesk;
     ExpertAttachment* m_expertAttachment;
+    Reports* m_reports;
     AlertsPane* m_alerts = nullptr;
     NewsPane* m_news = nullptr;
 };

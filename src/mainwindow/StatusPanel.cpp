@@ -1,10 +1,12 @@
 #include "mainwindow/StatusPanel.h"
 
 #include "app/ServerText.h"
+#include "net/WsClient.h"
 
 #include <QComboBox>
 #include <QLabel>
 #include <QStatusBar>
+#include <QUrl>
 
 using namespace Qt::StringLiterals;
 
@@ -55,6 +57,20 @@ StatusPanel::StatusPanel(QStatusBar& bar, const QString& server, QObject* parent
         if (message.isEmpty())
             bar.showMessage(idle);
     });
+}
+
+void StatusPanel::follow(const WsClient& feed)
+{
+    connect(&feed, &WsClient::connected, this, [this] { setConnected(true); });
+    connect(&feed, &WsClient::disconnected, this, [this] { setConnected(false); });
+    connect(&feed, &WsClient::latencyChanged, this, &StatusPanel::setLatency);
+    connect(&feed, &WsClient::trafficChanged, this, &StatusPanel::setTraffic);
+}
+
+QString StatusPanel::hostOf(const QString& address)
+{
+    const QString host = QUrl(address).host();
+    return host.isEmpty() ? address : host;
 }
 
 void StatusPanel::setUser(const QString& email)

@@ -7,6 +7,7 @@
 class QComboBox;
 class QLabel;
 class QStatusBar;
+class WsClient;
 
 /// The right side of the status bar: account selector, connection, latency, traffic, user.
 class StatusPanel final : public QObject {
@@ -18,6 +19,9 @@ public:
     /// the connection state.
     StatusPanel(QStatusBar& bar, const QString& server, QObject* parent = nullptr);
 
+    /// Shows connection, latency and traffic of a feed.
+    void follow(const WsClient& feed);
+
     /// The combo box that lists the accounts; filled by whoever knows them.
     [[nodiscard]] QComboBox& accountSelector() const { return *m_accountSelector; }
 
@@ -26,6 +30,8 @@ public:
     /// Shows whether the feed is connected.
     void setConnected(bool connected);
 
+    /// The host of a server's address; the whole of an address without one.
+    [[nodiscard]] static QString hostOf(const QString& address);
     /// Kilobytes with one decimal, whatever the locale.
     [[nodiscard]] static QString kilobytes(quint64 bytes);
 

@@ -26,6 +26,7 @@ private Q_SLOTS:
     void unreadableNumbersCountAsNothing();
     void symbolsAreFoundByName();
     void symbolsAreSortedByOrderThenName();
+    void symbolNamesAreAlphabetical();
     void latestQuoteOfASymbolIsKnown();
     void knownTradePricesNameOnlyTradedSymbols();
 };
@@ -220,6 +221,14 @@ void tst_AccountBook::symbolsAreSortedByOrderThenName()
     for (const QJsonValue record : sorted)
         names.append(record["name"_L1].toString());
     QCOMPARE(names, QStringList({u"x"_s, u"Z"_s, u"B"_s, u"b"_s}));
+}
+
+void tst_AccountBook::symbolNamesAreAlphabetical()
+{
+    AccountBook book;
+    QCOMPARE(book.symbolNames(), QStringList());
+    book.setSymbols(accounts(R"([{"name":"XAUUSD"},{"name":"EURUSD"},{},{"name":"GBPUSD"}])"));
+    QCOMPARE(book.symbolNames(), (QStringList{u"EURUSD"_s, u"GBPUSD"_s, u"XAUUSD"_s}));
 }
 
 void tst_AccountBook::latestQuoteOfASymbolIsKnown()

@@ -21,6 +21,7 @@ private Q_SLOTS:
     void floodOfTrafficIsShownNowAndThenAndEndsRight();
     void idleMessageComesBack();
     void kilobytesKeepOneDecimal();
+    void theHostOfAnAddressIsShownOrElseAllOfIt();
 
 private:
     static QString text(const QMainWindow& window, const QString& label)
@@ -53,6 +54,13 @@ void tst_StatusPanel::connectionNamesStateAndServer()
     panel.setConnected(false);
     QCOMPARE(text(window, u"connectionLabel"_s),
         u"<span style='color:#ff6b6b'>●</span> Disconnected — example.test"_s);
+}
+
+void tst_StatusPanel::theHostOfAnAddressIsShownOrElseAllOfIt()
+{
+    QCOMPARE(StatusPanel::hostOf(u"https://example.test:8443/api"_s), u"example.test"_s);
+    QCOMPARE(StatusPanel::hostOf(u"nonsense"_s), u"nonsense"_s);
+    QCOMPARE(StatusPanel::hostOf(QString()), QString());
 }
 
 void tst_StatusPanel::serverTextCannotActAsMarkup()
