@@ -5,6 +5,7 @@
 #include "support/TestMain.h"
 
 #include <QEventLoop>
+#include <QResource>
 #include <QTimer>
 
 using namespace Qt::StringLiterals;
@@ -336,6 +337,30 @@ private Q_SLOTS:
         QTRY_VERIFY(!chart().engine);
         QCoreApplication::processEvents();
         QCOMPARE(chart().done, QStringList());
+    }
+
+    void withoutThePreludeAScriptStillRuns()
+    {
+        Q_CLEANUP_RESOURCE(scripts);
+        const bool running = chart().load("__host.print(typeof Print)");
+        Q_INIT_RESOURCE(scripts);
+        QVERIFY2(running, qPrintable(chart().error));
+        QCOMPARE(chart().done, QStringList(u"print undefined"_s));
+    }
+
+    void aBrokenPreludeIsNamed()
+    {
+        Q_CLEANUP_RESOURCE(scripts);
+        const bool replaced = QResource::registerResource(u"" BROKEN_PRELUDE ""_s);
+        const bool running = chart().load("__host.print('not reached')");
+        QResource::unregisterResource(u"" BROKEN_PRELUDE ""_s);
+        Q_INIT_RESOURCE(scripts);
+        QVERIFY(replaced);
+        QVERIFY(!running);
+        QCOMPARE(chart().error, u"Runtime prelude error: RangeError: out of order"_s);
+        QCOMPARE(chart().done, QStringList());
+        QCOMPARE(chart().messages, QStringList());
+        QVERIFY(!chart().engine->isRunning());
     }
 
     void anEngineLoadsOnce()

@@ -82,6 +82,9 @@ private Q_SLOTS:
         chart.engine->stop();
         QCOMPARE(chart.messages, QStringList(u"Probe loaded"_s));
         QVERIFY2(!chart.done.isEmpty(), "the snippet does nothing that anybody could see");
+        // Arguments are joined by blanks; an author should not learn to add more.
+        for (const QString& line : std::as_const(chart.done))
+            QVERIFY2(!line.contains("  "_L1) && !line.contains(" ,"_L1), qPrintable(line));
         if (snippet.contains("Trade."_L1))
             QVERIFY2(!chart.done.filter(u"order"_s).isEmpty() || chart.done.contains(u"closeAll"_s),
                 "it never trades");
@@ -101,6 +104,32 @@ private Q_SLOTS:
     {
         QFETCH(QString, name);
         QVERIFY(guide().contains(u"<code>"_s + name));
+    }
+
+    void whatAnAuthorMustKnowIsSaid_data()
+    {
+        QTest::addColumn<QString>("sentence");
+        for (const char* sentence :
+            {"Tools → Open Experts Folder", "Restart the terminal", "in the Navigator under Expert Advisors",
+                "Open a chart and double-click the expert", "Switch Algo Trading on", "Watch the Experts tab",
+                "once, when the expert is attached", "on every price of the chart's symbol",
+                "once, when the expert is detached or its chart closes", "10 to the power of minus Digits()",
+                "Wilder's relative strength index, 0 to 100", "balance plus floating profit",
+                "in the chart's top-left corner", "a highlighted line",
+                "the same server, risk and slippage rules as manual trading",
+                "and need Algo Trading to be on", "0.01 lots when none are given", "0 counts as not given",
+                "Lots, like 0.10, may be given as a number or a text; what is none becomes 0.01",
+                "A buy measures its stop from the bid and its target from the ask",
+                "both give the simple average", "No compiled experts and no native library imports",
+                "No custom graphical indicators", "no access to files, the network or the user interface",
+                "One expert per chart", "No pending orders, partial closes or trading several symbols"})
+            QTest::newRow(sentence) << QString::fromUtf8(sentence);
+    }
+    void whatAnAuthorMustKnowIsSaid()
+    {
+        QFETCH(QString, sentence);
+        QString text = guide().remove(QRegularExpression(u"</?[a-z]+[^>]*>"_s)).simplified();
+        QVERIFY(text.contains(sentence));
     }
 
     void theErrorTextsOfTheGuideAreTheRealOnes()
