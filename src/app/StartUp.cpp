@@ -18,7 +18,7 @@ using namespace Qt::StringLiterals;
 namespace {
 
 /// Loading the encryption library takes as long as building half of the main window, whose feed client asks
-/// for it even on a plain connection. The application object waits for the thread before it goes.
+/// for it even on a plain connection.
 void loadEncryptionMeanwhile()
 {
     QThreadPool::globalInstance()->start([] { (void)QSslConfiguration::defaultConfiguration(); });
@@ -33,6 +33,8 @@ bool signIn(QSplashScreen& splash, QDialog& dialog)
         loadEncryptionMeanwhile();
     });
     const int result = dialog.exec();
+    // Whoever leaves at once would take the application from under the library while it is being loaded.
+    QThreadPool::globalInstance()->waitForDone();
     appLog(u"login.exec() returned %1"_s.arg(result));
     return result == QDialog::Accepted;
 }
