@@ -24,7 +24,8 @@ void ChartExpert::attach(const QString& path)
 {
     const QPointer<ChartExpert> self(this);
     detach();
-    if (!self)
+    // What the old expert did in the end may have brought another one here, which came later.
+    if (!self || m_engine)
         return;
 
     const QString source = ExpertScript::nameOf(path);

@@ -54,6 +54,7 @@ ChartWindow::ChartWindow(ApiClient& api, const QString& symbol, const QString& t
     setFocusProxy(m_chart);
 
     m_chart->setDigits(m_digits);
+    m_expert->setDigits(m_digits);
     labelChart();
     placeLegend();
     setWindowTitle(title());

@@ -16,14 +16,14 @@
 namespace fixtures {
 
 struct ServedChart {
-    explicit ServedChart(const QString& symbol = QStringLiteral("EURUSD"))
+    explicit ServedChart(const QString& symbol = QStringLiteral("EURUSD"), int digits = 5)
     {
         TerminalSettings::instance().setServerUrl(server.url());
         server.on("GET", "/api/candles", StubAnswer::json("[]"));
         server.on("GET", "/api/drawings", StubAnswer::json("[]"));
         server.on("GET", "/api/accounts", StubAnswer::json("[]"));
         api = std::make_unique<ApiClient>();
-        window = std::make_unique<ChartWindow>(*api, symbol, QStringLiteral("15m"), QString(), 5);
+        window = std::make_unique<ChartWindow>(*api, symbol, QStringLiteral("15m"), QString(), digits);
         window->resize(500, 360);
     }
 

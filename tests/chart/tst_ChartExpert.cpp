@@ -98,6 +98,16 @@ private Q_SLOTS:
         QCOMPARE(m_log, QStringList(u"Probe: EURUSD 3 1000 1010.5"_s));
     }
 
+    void theDigitsOfTheWindowAreTheExperts()
+    {
+        const fixtures::ServedChart yen(u"USDJPY"_s, 3);
+        QStringList said;
+        connect(yen.window.get(), &ChartWindow::expertLog, this,
+            [&said](const QString&, const QString& text) { said.append(text); });
+        yen.window->attachExpert(script("Print(Digits(), Point())"));
+        QCOMPARE(said.first(), u"3 0.001"_s);
+    }
+
     void onlyOpenPositionsOfTheSymbolAreCounted()
     {
         const auto trade = [](const char* symbol) {
@@ -275,6 +285,21 @@ private Q_SLOTS:
         tick();
         QCOMPARE(m_log, QStringList({u"Second: Second loaded"_s, u"Second: second"_s}));
         QCOMPARE(window().expertName(), u"Second"_s);
+    }
+
+    void anExpertAttachedByTheLastWordsOfAnotherStaysAndIsToldOfItsEnd()
+    {
+        const QString second = script("function OnDeinit() { Print('second ends') }", u"Second.js"_s);
+        const QString third = script("", u"Third.js"_s);
+        const auto replacing = connect(&window(), &ChartWindow::expertCloseAllRequested, this,
+            [this, second] { window().attachExpert(second); });
+        window().attachExpert(script("function OnDeinit() { Trade.closeAll() }"));
+        window().attachExpert(third);
+        disconnect(replacing);
+        QCOMPARE(window().expertName(), u"Second"_s);
+        window().attachExpert(third);
+        QCOMPARE(m_log.count(u"Second: second ends"_s), 1);
+        QCOMPARE(window().expertName(), u"Third"_s);
     }
 };
 
