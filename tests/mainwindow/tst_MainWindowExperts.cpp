@@ -1,4 +1,5 @@
 #include "chart/ChartWindow.h"
+#include "mainwindow/ExpertsFolder.h"
 #include "mainwindow/MainWindowFixture.h"
 #include "panes/NavigatorWidget.h"
 #include "support/TestMain.h"
@@ -88,6 +89,9 @@ private Q_SLOTS:
         tick();
         QTRY_COMPARE(experts().last(), u"Expert: BUY 0.10 EURUSD executed"_s);
         QCOMPARE(desk().http.count("POST", "/api/trades/place"), 1);
+        QCOMPARE(desk().http.last("POST", "/api/trades/place").json(),
+            QJsonObject({{u"symbol"_s, u"EURUSD"_s}, {u"type"_s, u"BUY"_s}, {u"orderKind"_s, u"MARKET"_s},
+                {u"lotSize"_s, 0.1}, {u"stopLoss"_s, 1.05}, {u"accountId"_s, u"a1"_s}}));
     }
 
     void closingAllReachesTheServer()
@@ -113,6 +117,34 @@ private Q_SLOTS:
         tick();
         QVERIFY(desk().charts().isEmpty());
         tick();
+    }
+
+    void closingTheChartTellsTheExpertWhoseWordsAreRead()
+    {
+        desk().window->openChart(u"EURUSD"_s);
+        activate("function OnDeinit() { Print('bye') }");
+        desk().chartArea()->currentSubWindow()->close();
+        QTRY_VERIFY(desk().charts().isEmpty());
+        QTRY_COMPARE(experts().last(), u"Robot: bye"_s);
+    }
+
+    void theFolderIsLookedThroughOnlyAtStart()
+    {
+        const ExpertsFolder folder;
+        const auto lists = [this](const QString& name) {
+            const auto* tree = desk().window->findChild<NavigatorWidget*>()->findChild<QTreeWidget*>();
+            return tree->findItems(name, Qt::MatchExactly | Qt::MatchRecursive).size();
+        };
+        QCOMPARE(lists(u"MA_Cross"_s), 1);
+        QCOMPARE(lists(u"RSI_Reversal"_s), 1);
+        QFile late(folder.path() + u"/Late.js"_s);
+        QVERIFY(late.open(QIODevice::WriteOnly));
+        late.close();
+        desk().settle();
+        QCOMPARE(lists(u"Late"_s), 0);
+        desk().open();
+        QCOMPARE(lists(u"Late"_s), 1);
+        QVERIFY(late.remove());
     }
 
     void closingTheTerminalTellsTheExpert()

@@ -74,6 +74,7 @@ private Q_SLOTS:
     void inATreeZoomKeysZoomTheChartOnPurposeAndFoldWithoutOne();
     void timeframeButtonsShowTheirNames();
     void algoTradingIsOffAtEveryStartAndTold();
+    void theFolderOfExpertsAndTheGuideOpenFromTheMenus();
     void f1OpensTheGuide();
 };
 
@@ -474,6 +475,17 @@ void tst_TerminalActions::algoTradingIsOffAtEveryStartAndTold()
     d.f.open();
     QVERIFY(!d.actions().algoTrading->isChecked());
     QCOMPARE(told(u"Expert: Algo Trading enabled"_s), 0);
+}
+
+void tst_TerminalActions::theFolderOfExpertsAndTheGuideOpenFromTheMenus()
+{
+    UrlCatcher catcher;
+    const CommandDriver d;
+    d.actions().openExpertsFolder->trigger();
+    d.actions().openGuide->trigger();
+    QCOMPARE(catcher.urls.size(), 2);
+    QVERIFY(catcher.urls.constFirst().path().endsWith("/Experts"_L1));
+    QVERIFY(catcher.urls.constLast().path().endsWith("/Tavoran-EA-Guide.html"_L1));
 }
 
 void tst_TerminalActions::f1OpensTheGuide()
