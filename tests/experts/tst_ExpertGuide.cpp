@@ -118,7 +118,8 @@ private Q_SLOTS:
                 "in the chart's top-left corner", "a highlighted line",
                 "the same server, risk and slippage rules as manual trading",
                 "and need Algo Trading to be on", "0.01 lots when none are given", "0 counts as not given",
-                "Lots, like 0.10, may be given as a number or a text; what is none becomes 0.01",
+                "Lots of 0, NaN, or a text that is no number become 0.01 and are traded",
+                "one that begins with ALERT:", "sl wins over slPoints",
                 "A buy measures its stop from the bid and its target from the ask",
                 "both give the simple average", "No compiled experts and no native library imports",
                 "No custom graphical indicators", "no access to files, the network or the user interface",
@@ -140,6 +141,69 @@ private Q_SLOTS:
         QVERIFY(guide().contains(u"Stopped after error in OnTick"_s));
         QVERIFY(guide().contains(u"SyntaxError at line"_s));
         QVERIFY(guide().contains(u"Algo Trading is OFF — order ignored. Enable it in the toolbar."_s));
+        QVERIFY(guide().contains(u"Algo Trading is OFF — close ignored."_s));
+        QVERIFY(guide().contains(u"Open a chart first, then attach the Expert Advisor."_s));
+    }
+
+    void whatTheGuideSaysIsMissingIsMissing_data()
+    {
+        QTest::addColumn<QString>("name");
+        QTest::addColumn<QByteArray>("script");
+        const auto row = [](const char* name, const char* script) {
+            QTest::newRow(name) << QString::fromLatin1(name) << QByteArray(script);
+        };
+        row("async", "async function f() {}");
+        row("class fields", "class A { x = 1 }");
+        row("import", "import 'a';");
+        row("setTimeout", "setTimeout(Print, 1);");
+        row("object spread", "var a = {}; var b = {...a};");
+        row("catch {", "try { throw 1; } catch { }");
+        row("?\?=", "var a; a ?\?= 1;");
+        row("1_000", "var a = 1_000;");
+        row("10n", "var a = 10n;");
+        row("<code>at</code>", "[1].at(0);");
+        row("<code>flat</code>", "[[1]].flat();");
+        row("replaceAll", "'a'.replaceAll('a', 'b');");
+        row("matchAll", "'a'.matchAll(/a/g);");
+        row("Object.fromEntries", "Object.fromEntries([]);");
+        row("Intl", "Intl.NumberFormat;");
+        row("named groups", "/(?<n>a)/.exec('a').groups.n;");
+        row("lookbehind", "if (!/(?<=a)b/.test('ab')) throw new Error('no match');");
+    }
+    void whatTheGuideSaysIsMissingIsMissing()
+    {
+        QFETCH(QString, name);
+        QFETCH(QByteArray, script);
+        const QString page = guide();
+        const QString missing = page.mid(page.indexOf("Not available:"_L1)).section(u"</li>"_s, 0, 0);
+        QVERIFY(missing.contains(name));
+        ExpertFixture chart;
+        QVERIFY(!chart.load(script));
+    }
+
+    void whatTheGuideSaysOfTheLanguageHolds()
+    {
+        ExpertFixture chart;
+        QCOMPARE(chart.printed("var none = null; Print(none?.a, none ?\? 5, 2 ** 3);"), u"undefined 5 8"_s);
+        QCOMPARE(chart.printed("Print({ a: 1 }, JSON.stringify({ a: 1 }));"), u"[object Object] {\"a\":1}"_s);
+    }
+
+    void lossesLeadOutOfTheMarketOnceOnly()
+    {
+        const QStringList texts = snippets().filter(u"start * 0.98"_s);
+        QCOMPARE(texts.size(), 1);
+        ExpertFixture chart;
+        chart.setCloses(std::vector<double>(1500, 1.1));
+        QVERIFY2(chart.load(texts.constFirst().toUtf8()), qPrintable(chart.error));
+        chart.engine->tick();
+        QCOMPARE(chart.done, QStringList(u"order BUY 0.01 0 0"_s));
+        chart.positions = 1;
+        chart.engine->tick();
+        QCOMPARE(chart.done.size(), 1);
+        chart.equity = 900.0;
+        chart.engine->tick();
+        chart.engine->tick();
+        QCOMPARE(chart.done.mid(1), (QStringList{u"print Leaving at 900.00"_s, u"closeAll"_s}));
     }
 
     void thePageNeedsNothingFromOutside()
