@@ -115,6 +115,26 @@ void receive(benchmark::State& state, int symbols, int moved, int trades, int ch
         desk.receive(texts[++turn % 2]);
 }
 
+/// A hundred snapshots a second on a screen of sixty frames: what has changed is painted with three of five.
+void receiveAndPaint(benchmark::State& state, int symbols, int moved, int trades, int charts)
+{
+    Desk desk(symbols, trades, charts, usualAlerts);
+    const std::array<QString, 2> texts{
+        snapshot(symbols, moved, 0, Prices::Numbers), snapshot(symbols, moved, 1, Prices::Numbers)};
+    constexpr int framesASecond = 60;
+    constexpr int snapshotsASecond = 100;
+    std::size_t turn = 0;
+    int due = 0;
+    for ([[maybe_unused]] auto _ : state) {
+        desk.receive(texts[++turn % 2]);
+        due += framesASecond;
+        if (due >= snapshotsASecond) {
+            due -= snapshotsASecond;
+            QCoreApplication::processEvents();
+        }
+    }
+}
+
 BENCHMARK_CAPTURE(parse, 500_symbols, 500, 100, Prices::Numbers)->Name("snapshot/parse_500");
 BENCHMARK_CAPTURE(parse, 500_strings, 500, 100, Prices::Strings)->Name("snapshot/parse_500_strings");
 BENCHMARK_CAPTURE(receive, 500_symbols, 500, 100, 50, 4)->Name("snapshot/500_moved_100");
@@ -123,6 +143,7 @@ BENCHMARK_CAPTURE(receive, 500_strings, 500, 100, 50, 4, Prices::Strings)
 BENCHMARK_CAPTURE(receive, 500_many_alerts, 500, 100, 50, 4, Prices::Numbers, 10000)
     ->Name("snapshot/500_moved_100_alerts_10000");
 BENCHMARK_CAPTURE(receive, 500_symbols_still, 500, 0, 50, 4)->Name("snapshot/500_still");
+BENCHMARK_CAPTURE(receiveAndPaint, 500_symbols, 500, 100, 50, 4)->Name("snapshot/500_moved_100_painted");
 BENCHMARK_CAPTURE(receive, 2000_symbols, 2000, 2000, 50, 4)->Name("snapshot/2000_moved_all");
 
 } // namespace

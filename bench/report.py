@@ -139,6 +139,12 @@ def main():
     if name in times:
         rate = 1e9 / times[name]
         line(figure, f"{rate:.0f}", f">= {least}", rate < least)
+    figure = "100 snapshots a second, painted: one core"
+    if "snapshot/500_moved_100_painted" in times:
+        share = times["snapshot/500_moved_100_painted"] * 100 / 1e9 * 100
+        line(figure, f"{share:.1f} %", "<= 40 %", share > 40)
+    else:
+        line(figure, "not run", "<= 40 %", True)
     for experts, with_experts, without in EXPERTS:
         if with_experts in times and without in times:
             added = (times[with_experts] - times[without]) / 1000
