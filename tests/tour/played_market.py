@@ -1,10 +1,13 @@
 """Prices for --replay that are the same in every run: one symbol that wavers, and one that falls on and on,
-so that losses and alerts come within seconds."""
+so that losses and alerts come within seconds. Two more families, of three symbols each, waver in a step of
+three minutes: at any minute one symbol of each is where the example expert buys."""
 
 import random
 from datetime import datetime, timedelta
 
 WAVERING, FALLING = "EURUSD", "GBPUSD"
+# Averages of 10 and 30 closes cross in the one family, RSI of 14 leaves 30 in the other, both every third minute.
+CROSSING, REVERSING = ("AUDUSD", "USDCHF", "USDCAD"), ("EURGBP", "EURJPY", "USDJPY")
 PIP = 0.0001
 # The platform plays two fifths of a record as the past. The chart of quarters of an hour shows 30 hours.
 PAST = 1800
@@ -30,11 +33,27 @@ def falling(walk):
             for minute, pips in enumerate(walk)]
 
 
+def crossing(phase):
+    """Ten closes hold each of the three steps three times and the newest once more, thirty hold them evenly:
+    the difference of both averages follows the newest step."""
+    steps = (8.0, -4.0, -4.0)
+    return [steps[(minute + phase) % 3] if minute > PAST - 90 else 0.0 for minute in range(MINUTES + 1)]
+
+
+def reversing(phase):
+    """Falls from an hour before the tour until two hours after its beginning, with a rise in every third
+    minute. Fourteen moves hold four or five of the rises: RSI is 26 or 33."""
+    pips, steps = [0.0], (3.6, -4.0, -4.0)
+    for minute in range(MINUTES):
+        pips.append(pips[-1] + (steps[(minute + phase) % 3] if PAST - 60 < minute < PAST + 120 else 0.0))
+    return pips
+
+
 def write_symbol(folder, name, start, pips):
     chance, time = random.Random(name), datetime(2026, 1, 5)
     lines = ["time,open,high,low,close,volume,ask_open,ask_high,ask_low,ask_close"]
     for before, after in zip(pips, pips[1:]):
-        steep = abs(after - before) > 10
+        steep = abs(after - before) > 10 or name in CROSSING + REVERSING
         wicks = (0, 0) if steep else (chance.random(), chance.random())
         prices = [start + PIP * value for value in
                   (before, max(before, after) + wicks[0], min(before, after) - wicks[1], after)]
@@ -50,4 +69,7 @@ def write_market(folder):
     walk = wavering()
     write_symbol(folder, WAVERING, 1.085, walk)
     write_symbol(folder, FALLING, 1.95, falling(walk))
+    for phase, (first, second) in enumerate(zip(CROSSING, REVERSING)):
+        write_symbol(folder, first, 0.9, crossing(phase))
+        write_symbol(folder, second, 0.95, reversing(phase))
     return folder

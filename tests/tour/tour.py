@@ -15,7 +15,7 @@ from pathlib import Path
 
 sys.path.insert(0, str(Path(__file__).parent))
 
-from acts import challenge, charting, market, records, returning, sign_in, trading, tray, warnings  # noqa: E402
+from acts import challenge, charting, experts, market, records, returning, sign_in, trading, tray, warnings  # noqa: E402
 from played_market import FALLING, write_market  # noqa: E402
 from stage import Stage, StepFailed  # noqa: E402
 
@@ -63,6 +63,7 @@ def take(stage):
     returning.lose_the_platform(stage, first)
     returning.restart(stage, first)
     closed = trading.clear_up(stage, first, order)
+    closed += experts.let_scripts_trade(stage)
     warnings.set_an_alert(stage)
     shown = records.compare_history(stage, "demo", stage.platform.demo_account(), closed)
     lost = challenge.fail_the_challenge(stage)
