@@ -4,6 +4,7 @@ import time
 
 from acts import trading
 from played_market import CROSSING, REVERSING
+from stage import SYMBOL
 
 NOTE = "Note: Algo Trading is OFF — the EA runs but cannot trade. Enable it from the toolbar."
 AVERAGES, STRENGTH = "MA_Cross", "RSI_Reversal"
@@ -70,8 +71,17 @@ def attach(stage, name, symbol):
 
 def detach(stage, name, symbol):
     """Closes the chart of the expert, which must be the active one."""
+    stage.seen("detach-front", stage.has_chart(symbol, "M1"), f"the chart of {symbol} is in front")
     stage.choose("Window", "Close")
     stage.seen("detached", told(stage, name, f"{name} stopped"), f"closing the chart of {symbol} ran {name}'s OnDeinit")
+
+
+def bring_second_forward(stage):
+    """Clicks the second of two tabs. Screen readers do not see the tabs, which lie in a row under the chart;
+    this one begins after the short first title and is longer."""
+    first = stage.has_chart(SYMBOL)
+    stage.seen("detach-other", first, f"the chart of {SYMBOL} came to the front")
+    stage.desktop.click(first.x + 230, first.y + first.height + 14)
 
 
 def bought(stage, name, symbol, why):
@@ -100,16 +110,18 @@ def let_scripts_trade(stage):
     stage.press("Algo Trading")
     stage.seen("algo-on", told(stage, "Expert", "Algo Trading enabled"), "the switch in the toolbar is on")
     stage.portrait("terminal-experts.png")
-    bought(stage, AVERAGES, crossing, "Fast crossed above slow → BUY")
+    held = bought(stage, AVERAGES, crossing, "Fast crossed above slow → BUY")
     bought(stage, STRENGTH, reversing, "RSI left oversold (")
     closing = told(stage, "Expert", f"position(s) on {crossing}", 110)
     stage.seen("expert-close", closing, f"a minute later the averages cross back; the Experts tab says: {closing}")
-    gone = stage.wait(lambda: not [trade for trade in stage.platform.trades("open") if trade["symbol"] == crossing])
+    tickets = {trade["id"] for trade in held}
+    gone = stage.wait(lambda: not tickets & {trade["id"] for trade in stage.platform.trades("open")})
     stage.seen("expert-closed", gone, "and the platform has closed it")
     detach(stage, AVERAGES, crossing)
-    stage.seen("expert-next", stage.has_chart(reversing, "M1"), "the other expert's chart comes to the front")
+    bring_second_forward(stage)
     detach(stage, STRENGTH, reversing)
-    left = [trade["id"][:8] for trade in stage.platform.trades("open") if trade["symbol"] == reversing]
+    # Both signals come back every third minute: an expert may have bought once more before it was detached.
+    left = [trade["id"][:8] for trade in stage.platform.trades("open") if trade["symbol"] in (crossing, reversing)]
     for ticket in left:
         trading.close(stage, ticket)
     return agree(stage, (crossing, reversing))
