@@ -1,8 +1,7 @@
 #include "chart/layers/Layers.h"
 
-#include "ChartFixtures.h"
+#include "LayerFixture.h"
 #include "app/NumberFormat.h"
-#include "chart/ChartFrame.h"
 #include "chart/ChartTexts.h"
 #include "chart/ChartWidget.h"
 #include "chart/GridSteps.h"
@@ -11,6 +10,7 @@
 #include <QPainter>
 
 using namespace Qt::StringLiterals;
+using fixtures::paint;
 
 namespace {
 
@@ -20,16 +20,6 @@ constexpr QColor bidBlue(0x3b, 0xa7, 0xff);
 constexpr QColor axisGrey(0xc0, 0xc0, 0xc0);
 
 using Weight = TextPainter::Weight;
-
-/// What a layer paints, on black.
-QImage paint(const ChartFrame& frame, void (*layer)(QPainter&, const ChartFrame&))
-{
-    QImage image(frame.view.size(), QImage::Format_RGB32);
-    image.fill(Qt::black);
-    QPainter painter(&image);
-    layer(painter, frame);
-    return image;
-}
 
 /// The smallest rectangle that holds all that is not black.
 QRect inkArea(const QImage& image)
@@ -62,6 +52,8 @@ private Q_SLOTS:
     void the_header_tells_the_newest_bar_wherever_the_view_is();
     void a_level_carries_its_text_above_the_line();
     void a_dragged_level_carries_its_text_and_price();
+    void a_horizontal_line_carries_its_price_above_it();
+    void a_retracement_carries_percent_and_price_beside_each_level();
     void the_ask_is_white_and_the_bid_bold_and_black();
     void the_crosshair_tells_the_price_at_the_pointer_and_the_bar();
     void the_button_shows_a_double_arrow();
@@ -139,7 +131,7 @@ void TestChartLabels::texts_are_eight_points_of_the_chart_font()
 void TestChartLabels::grid_lines_carry_their_price_left_aligned()
 {
     const ChartFrame frame = m_chart->frame();
-    const QImage image = paint(frame, &layers::paintPriceGrid);
+    const QImage image = paint(&layers::paintPriceGrid, frame);
     const auto lines = priceGridLines(frame.view.prices(), 278);
     QVERIFY(lines.size() >= 3);
     for (const double price : lines) {
@@ -151,7 +143,7 @@ void TestChartLabels::grid_lines_carry_their_price_left_aligned()
 void TestChartLabels::grid_lines_carry_the_time_of_their_bar_centred()
 {
     const ChartFrame frame = m_chart->frame();
-    const QImage image = paint(frame, &layers::paintTimeGrid);
+    const QImage image = paint(&layers::paintTimeGrid, frame);
     for (const int bar : {96, 84, 72, 60}) {
         const QRect box(331 - (99 - bar) * 7 - 44, 280, 88, 18);
         // Bars are a quarter of an hour and begin at midnight, UTC.
@@ -162,7 +154,7 @@ void TestChartLabels::grid_lines_carry_the_time_of_their_bar_centred()
 
 void TestChartLabels::the_header_stands_on_its_baseline()
 {
-    const QImage image = paint(m_chart->frame(), &layers::paintHeader);
+    const QImage image = paint(&layers::paintHeader, m_chart->frame());
     QImage expected(image.size(), QImage::Format_RGB32);
     expected.fill(Qt::black);
     QPainter painter(&expected);
@@ -176,12 +168,12 @@ void TestChartLabels::the_header_stands_on_its_baseline()
 
 void TestChartLabels::the_header_tells_the_newest_bar_wherever_the_view_is()
 {
-    const QImage atEnd = paint(m_chart->frame(), &layers::paintHeader);
+    const QImage atEnd = paint(&layers::paintHeader, m_chart->frame());
     m_chart->setAutoScroll(false);
     const Candle last = m_chart->candles().back();
     m_chart->onTick(1.5, 1.5, last.time + fixtures::quarterHour);
     QVERIFY(m_chart->view().visible().last < 100);
-    const QImage image = paint(m_chart->frame(), &layers::paintHeader);
+    const QImage image = paint(&layers::paintHeader, m_chart->frame());
     QVERIFY(image != atEnd);
     QImage expected(image.size(), QImage::Format_RGB32);
     expected.fill(Qt::black);
@@ -197,7 +189,7 @@ void TestChartLabels::a_level_carries_its_text_above_the_line()
     const double price = m_chart->candles().back().close;
     m_chart->setTradeLevels({{u"1"_s, u"SL"_s, price, u"sl #1"_s, QColor(Qt::red), Qt::DashLine, true}});
     const ChartFrame frame = m_chart->frame();
-    const QImage image = paint(frame, &layers::paintTradeLevels);
+    const QImage image = paint(&layers::paintTradeLevels, frame);
     const QRect box(6, frame.view.pricePixel(price) - 15, 332 - 12, 13);
     compareBox(image, box, u"sl #1"_s, Qt::AlignLeft, Qt::black, QColor(Qt::red));
 }
@@ -210,11 +202,46 @@ void TestChartLabels::a_dragged_level_carries_its_text_and_price()
     frame.draggedPrice = m_chart->candles().back().close;
     const QString price = formatPrice(frame.draggedPrice, 4);
     const int y = frame.view.pricePixel(frame.draggedPrice);
-    const QImage image = paint(frame, &layers::paintTradeLevels);
+    const QImage image = paint(&layers::paintTradeLevels, frame);
     compareBox(image, QRect(6, y - 15, 332 - 12, 13), u"sl #1  "_s + price, Qt::AlignLeft, Qt::black,
         QColor(Qt::red));
     compareBox(image, QRect(332, y - 9, 66, 18), price, Qt::AlignHCenter, QColor(Qt::red).darker(280),
         QColor(Qt::white));
+}
+
+void TestChartLabels::a_horizontal_line_carries_its_price_above_it()
+{
+    const double price = m_chart->candles().back().close;
+    m_chart->setDrawings({{{}, u"hline"_s, {{fixtures::midnight, price}}, QColor(Qt::red), false}});
+    const ChartFrame frame = m_chart->frame();
+    const QImage image = paint(&layers::paintDrawings, frame);
+    const QRect box(6, frame.view.pricePixel(price) - 14, 120, 12);
+    compareBox(image, box, QString::number(price, 'f', 4), Qt::AlignLeft, Qt::black, QColor(Qt::red));
+}
+
+void TestChartLabels::a_retracement_carries_percent_and_price_beside_each_level()
+{
+    const double low = m_chart->view().priceAt(250);
+    const double high = m_chart->view().priceAt(20);
+    m_chart->setDrawings({{{}, u"fibonacci"_s,
+        {{m_chart->candles()[60].time, low}, {m_chart->candles()[80].time, high}}, QColor(Qt::red), false}});
+    const ChartFrame frame = m_chart->frame();
+    const int right = 331 - 19 * 7;
+    const QRect beside(QPoint(right + 1, 0), QPoint(399, 299));
+    QImage expected(frame.view.size(), QImage::Format_RGB32);
+    expected.fill(Qt::black);
+    QPainter painter(&expected);
+    painter.setFont(QFont(u"Segoe UI"_s, 7));
+    painter.setPen(Qt::red);
+    for (const auto& [ratio, percent] : {std::pair(0.0, u"0.0"_s), std::pair(0.236, u"23.6"_s),
+             std::pair(0.382, u"38.2"_s), std::pair(0.5, u"50.0"_s), std::pair(0.618, u"61.8"_s),
+             std::pair(0.786, u"78.6"_s), std::pair(1.0, u"100.0"_s)}) {
+        const double price = low + (high - low) * ratio;
+        painter.drawText(QPoint(right + 4, frame.view.pricePixel(price) + 4),
+            percent + u"  "_s + QString::number(price, 'f', 4));
+    }
+    painter.end();
+    QCOMPARE(paint(&layers::paintDrawings, frame).copy(beside), expected.copy(beside));
 }
 
 void TestChartLabels::the_ask_is_white_and_the_bid_bold_and_black()
@@ -222,7 +249,7 @@ void TestChartLabels::the_ask_is_white_and_the_bid_bold_and_black()
     const Candle last = m_chart->candles().back();
     m_chart->onTick(last.low, last.high, last.time);
     const ChartFrame frame = m_chart->frame();
-    const QImage image = paint(frame, &layers::paintQuotes);
+    const QImage image = paint(&layers::paintQuotes, frame);
     const QRect askTag(332, frame.view.pricePixel(last.high) - 9, 66, 18);
     const QRect bidTag(332, frame.view.pricePixel(last.low) - 9, 66, 18);
     QVERIFY(!askTag.intersects(bidTag));
@@ -236,7 +263,7 @@ void TestChartLabels::the_crosshair_tells_the_price_at_the_pointer_and_the_bar()
 {
     fixtures::hover(*m_chart, QPoint(331 - 5 * 7 + 2, 120));
     const ChartFrame frame = m_chart->frame();
-    const QImage image = paint(frame, &layers::paintCrosshair);
+    const QImage image = paint(&layers::paintCrosshair, frame);
     const PriceRange range = frame.view.prices();
     const QString price = formatPrice(range.max - 120 * (range.max - range.min) / 278, 4);
     compareBox(image, QRect(332, 111, 66, 18), price, Qt::AlignHCenter, tagGrey, QColor(Qt::white));
@@ -251,7 +278,7 @@ void TestChartLabels::the_crosshair_tells_the_price_at_the_pointer_and_the_bar()
 void TestChartLabels::the_button_shows_a_double_arrow()
 {
     m_chart->setAutoScroll(false);
-    const QImage image = paint(m_chart->frame(), &layers::paintScrollButton);
+    const QImage image = paint(&layers::paintScrollButton, m_chart->frame());
     compareBox(image, QRect(301, 251, 24, 20).adjusted(1, 1, -1, -1), u"\u00bb"_s, Qt::AlignHCenter, tagGrey,
         axisGrey);
 }
@@ -259,7 +286,7 @@ void TestChartLabels::the_button_shows_a_double_arrow()
 void TestChartLabels::an_empty_chart_waits_in_its_middle()
 {
     m_chart->setCandles({});
-    const QImage image = paint(m_chart->frame(), &layers::paintEmptySeries);
+    const QImage image = paint(&layers::paintEmptySeries, m_chart->frame());
     compareBox(image, image.rect(), u"Waiting for data..."_s, Qt::AlignHCenter, Qt::black, axisGrey);
 }
 

@@ -1,7 +1,7 @@
 #include "chart/layers/Layers.h"
 
-#include "ChartFixtures.h"
-#include "chart/ChartFrame.h"
+#include "LayerFixture.h"
+#include "chart/ChartColorRoles.h"
 #include "chart/ChartWidget.h"
 #include "chart/GridSteps.h"
 #include "support/TestMain.h"
@@ -9,52 +9,21 @@
 #include <QPainter>
 
 using namespace Qt::StringLiterals;
+using fixtures::frameOfBars;
+using fixtures::frameSize;
+using fixtures::paint;
 using fixtures::pixelsOf;
 using fixtures::pixelsOtherThan;
+using fixtures::priceAtRow;
 
 namespace {
 
 const QColor black(Qt::black);
 const ChartColors colors;
 
-// Geometry of every frame here: plot (0, 0, 332, 278), the last bar at column 331.
-constexpr QSize size(400, 300);
-
-/// A frame of bars with the price scale set so that one unit of price is one pixel, 278 at the top.
-ChartFrame frameOf(const std::vector<Candle>& candles, double barWidth, TextPainter& texts)
-{
-    ViewState state;
-    state.barWidth = barWidth;
-    state.rightBarIndex = static_cast<double>(candles.size()) - 1.0;
-    ChartFrame frame;
-    frame.view
-        = ChartView(size, state, static_cast<qsizetype>(candles.size()), false).withPrices({0.0, 278.0});
-    frame.candles = candles;
-    frame.bars = frame.view.visible();
-    frame.timeframeMs = fixtures::quarterHour;
-    frame.digits = 2;
-    frame.texts = &texts;
-    return frame;
-}
-
-/// Price of a pixel row, in the middle of the row so that rounding cannot matter.
-double priceAtRow(int y)
-{
-    return 278.0 - y - 0.5;
-}
-
 Candle candleOfRows(int open, int high, int low, int close)
 {
     return {fixtures::midnight, priceAtRow(open), priceAtRow(high), priceAtRow(low), priceAtRow(close), 10};
-}
-
-QImage paint(void (*layer)(QPainter&, const ChartFrame&), const ChartFrame& frame)
-{
-    QImage image(size, QImage::Format_RGB32);
-    image.fill(Qt::black);
-    QPainter painter(&image);
-    layer(painter, frame);
-    return image;
 }
 
 } // namespace
@@ -72,6 +41,7 @@ private Q_SLOTS:
     void thin_volume_bars_have_one_column();
     void a_rising_candle_is_hollow();
     void a_falling_candle_is_filled();
+    void in_one_colour_rising_candles_are_the_hollow_ones();
     void a_flat_candle_has_a_body_of_one_row();
     void thin_candles_have_a_close_tick();
     void bars_have_their_ticks_at_open_and_close();
@@ -98,7 +68,7 @@ private:
 
 void TestChartLayers::background_fills_the_widget()
 {
-    ChartFrame frame = frameOf({}, 7.0, m_texts);
+    ChartFrame frame = frameOfBars({}, 7.0, m_texts);
     frame.colors.background = QColor(1, 2, 3);
     const QImage image = paint(&layers::paintBackground, frame);
     QCOMPARE(pixelsOtherThan(image, image.rect(), QColor(1, 2, 3)), 0);
@@ -106,20 +76,20 @@ void TestChartLayers::background_fills_the_widget()
 
 void TestChartLayers::an_empty_chart_says_that_it_waits()
 {
-    const QImage image = paint(&layers::paintEmptySeries, frameOf({}, 7.0, m_texts));
+    const QImage image = paint(&layers::paintEmptySeries, frameOfBars({}, 7.0, m_texts));
     const int left = pixelsOtherThan(image, QRect(100, 135, 100, 30), black);
     const int right = pixelsOtherThan(image, QRect(200, 135, 100, 30), black);
     QVERIFY(left > 30 && right > 30);
     QCOMPARE(pixelsOtherThan(image, image.rect(), black), left + right);
     const std::vector<Candle> one{candleOfRows(10, 10, 20, 20)};
-    const QImage none = paint(&layers::paintEmptySeries, frameOf(one, 7.0, m_texts));
+    const QImage none = paint(&layers::paintEmptySeries, frameOfBars(one, 7.0, m_texts));
     QCOMPARE(pixelsOtherThan(none, none.rect(), black), 0);
 }
 
 void TestChartLayers::price_grid_is_dotted_and_labelled()
 {
     const std::vector<Candle> one{candleOfRows(10, 10, 20, 20)};
-    const QImage image = paint(&layers::paintPriceGrid, frameOf(one, 7.0, m_texts));
+    const QImage image = paint(&layers::paintPriceGrid, frameOfBars(one, 7.0, m_texts));
     // 278 pixels want 6 lines of 46.3: every 50.
     for (const int price : {50, 100, 150, 200, 250}) {
         const int y = 278 - price;
@@ -134,7 +104,7 @@ void TestChartLayers::price_grid_is_dotted_and_labelled()
 void TestChartLayers::time_grid_stands_on_multiples_of_its_step()
 {
     const std::vector<Candle> candles = fixtures::wave(100);
-    const ChartFrame frame = frameOf(candles, 7.0, m_texts);
+    const ChartFrame frame = frameOfBars(candles, 7.0, m_texts);
     const QImage image = paint(&layers::paintTimeGrid, frame);
     // Step 12: bars 96, 84, 72, 60; the last bar is 99 at column 331.
     QList<int> lines;
@@ -151,12 +121,12 @@ void TestChartLayers::times_end_at_the_left_edge_of_the_plot()
 {
     // With the margin of 53 columns bar 96 stands at column 257, bar 60 at column 5.
     std::vector<Candle> candles = fixtures::wave(100);
-    ChartFrame frame = frameOf(candles, 7.0, m_texts);
+    ChartFrame frame = frameOfBars(candles, 7.0, m_texts);
     const auto leftmost = [&](double anchor) {
         ViewState state;
         state.chartShift = true;
         state.rightBarIndex = anchor;
-        frame.view = ChartView(size, state, 100, false).withPrices({0.0, 278.0});
+        frame.view = ChartView(frameSize, state, 100, false).withPrices({0.0, 278.0});
         frame.bars = frame.view.visible();
         return pixelsOtherThan(paint(&layers::paintTimeGrid, frame), QRect(0, 280, 60, 18), black);
     };
@@ -170,7 +140,7 @@ void TestChartLayers::thin_volume_bars_have_one_column()
     std::vector<Candle> candles(3, candleOfRows(10, 10, 20, 20));
     for (Candle& candle : candles)
         candle.volume = 1;
-    const QImage image = paint(&layers::paintVolume, frameOf(candles, 1.0, m_texts));
+    const QImage image = paint(&layers::paintVolume, frameOfBars(candles, 1.0, m_texts));
     QCOMPARE(pixelsOf(image, QRect(329, 277 - 38, 3, 38), colors.volume), 3 * 38);
     QCOMPARE(pixelsOtherThan(image, image.rect(), black), 3 * 38);
 }
@@ -181,7 +151,7 @@ void TestChartLayers::volume_bars_are_a_share_of_the_plot()
     candles[0].volume = 200;
     candles[1].volume = 100;
     candles[2].volume = 0;
-    ChartFrame frame = frameOf(candles, 7.0, m_texts);
+    ChartFrame frame = frameOfBars(candles, 7.0, m_texts);
     frame.largestVolume = 200;
     const QImage image = paint(&layers::paintVolume, frame);
     // 14 % of 278 are 38 rows; 60 % of 7 are 4 columns, the bar's own the third of them.
@@ -194,7 +164,7 @@ void TestChartLayers::volume_bars_are_a_share_of_the_plot()
 void TestChartLayers::a_rising_candle_is_hollow()
 {
     const std::vector<Candle> candles{candleOfRows(120, 80, 140, 100)};
-    const QImage image = paint(&layers::paintPrices, frameOf(candles, 10.0, m_texts));
+    const QImage image = paint(&layers::paintPrices, frameOfBars(candles, 10.0, m_texts));
     // 72 % of 10 are 7 columns: 328 to 334; the body is rows 100 to 119.
     QCOMPARE(pixelsOf(image, QRect(328, 100, 7, 1), colors.up), 7);
     QCOMPARE(pixelsOf(image, QRect(328, 119, 7, 1), colors.up), 7);
@@ -209,15 +179,26 @@ void TestChartLayers::a_rising_candle_is_hollow()
 void TestChartLayers::a_falling_candle_is_filled()
 {
     const std::vector<Candle> candles{candleOfRows(100, 80, 140, 120)};
-    const QImage image = paint(&layers::paintPrices, frameOf(candles, 10.0, m_texts));
+    const QImage image = paint(&layers::paintPrices, frameOfBars(candles, 10.0, m_texts));
     QCOMPARE(pixelsOf(image, QRect(328, 100, 7, 20), colors.down), 7 * 20);
     QCOMPARE(pixelsOtherThan(image, image.rect(), black), 7 * 20 + 20 + 21);
+}
+
+void TestChartLayers::in_one_colour_rising_candles_are_the_hollow_ones()
+{
+    const std::vector<Candle> candles{candleOfRows(120, 80, 140, 100), candleOfRows(100, 80, 140, 120)};
+    ChartFrame frame = frameOfBars(candles, 10.0, m_texts);
+    frame.colors = blackOnWhiteColors();
+    const QImage image = paint(&layers::paintPrices, frame, frame.colors.background);
+    QCOMPARE(pixelsOf(image, QRect(318, 100, 7, 20), black), 2 * 7 + 2 * 18);
+    QCOMPARE(pixelsOf(image, QRect(319, 101, 5, 18), QColor(Qt::white)), 5 * 18);
+    QCOMPARE(pixelsOf(image, QRect(328, 100, 7, 20), black), 7 * 20);
 }
 
 void TestChartLayers::a_flat_candle_has_a_body_of_one_row()
 {
     const std::vector<Candle> candles{candleOfRows(100, 100, 100, 100)};
-    const QImage image = paint(&layers::paintPrices, frameOf(candles, 10.0, m_texts));
+    const QImage image = paint(&layers::paintPrices, frameOfBars(candles, 10.0, m_texts));
     QCOMPARE(pixelsOf(image, QRect(328, 100, 7, 1), colors.up), 7); // equal open and close is rising
     QCOMPARE(pixelsOtherThan(image, image.rect(), black), 7);
 }
@@ -225,11 +206,11 @@ void TestChartLayers::a_flat_candle_has_a_body_of_one_row()
 void TestChartLayers::thin_candles_have_a_close_tick()
 {
     const std::vector<Candle> candles{candleOfRows(120, 80, 140, 100)};
-    const QImage one = paint(&layers::paintPrices, frameOf(candles, 1.0, m_texts));
+    const QImage one = paint(&layers::paintPrices, frameOfBars(candles, 1.0, m_texts));
     QCOMPARE(pixelsOf(one, QRect(331, 80, 1, 61), colors.up), 61);
     QCOMPARE(pixelsOtherThan(one, one.rect(), black), 61);
     const std::vector<Candle> falling{candleOfRows(100, 100, 120, 120)};
-    const QImage two = paint(&layers::paintPrices, frameOf(falling, 2.4, m_texts));
+    const QImage two = paint(&layers::paintPrices, frameOfBars(falling, 2.4, m_texts));
     QCOMPARE(pixelsOf(two, QRect(331, 100, 1, 21), colors.down), 21);
     QCOMPARE(pixelsOtherThan(two, two.rect(), black), 21);
 }
@@ -237,7 +218,7 @@ void TestChartLayers::thin_candles_have_a_close_tick()
 void TestChartLayers::bars_have_their_ticks_at_open_and_close()
 {
     const std::vector<Candle> candles{candleOfRows(120, 80, 140, 100)};
-    ChartFrame frame = frameOf(candles, 10.0, m_texts);
+    ChartFrame frame = frameOfBars(candles, 10.0, m_texts);
     frame.type = ChartType::Bars;
     const QImage image = paint(&layers::paintPrices, frame);
     QCOMPARE(pixelsOf(image, QRect(331, 80, 1, 61), colors.up), 61);
@@ -245,7 +226,7 @@ void TestChartLayers::bars_have_their_ticks_at_open_and_close()
     QCOMPARE(pixelsOf(image, QRect(332, 100, 3, 1), colors.up), 3);
     QCOMPARE(pixelsOtherThan(image, image.rect(), black), 61 + 3 + 3);
     const std::vector<Candle> falling{candleOfRows(100, 80, 140, 120)};
-    ChartFrame down = frameOf(falling, 1.0, m_texts);
+    ChartFrame down = frameOfBars(falling, 1.0, m_texts);
     down.type = ChartType::Bars;
     const QImage thin = paint(&layers::paintPrices, down);
     QCOMPARE(pixelsOf(thin, thin.rect(), colors.down), 61 + 1 + 1);
@@ -255,7 +236,7 @@ void TestChartLayers::line_connects_the_closes()
 {
     const std::vector<Candle> candles{
         candleOfRows(9, 9, 9, 150), candleOfRows(9, 9, 9, 150), candleOfRows(9, 9, 9, 110)};
-    ChartFrame frame = frameOf(candles, 40.0, m_texts);
+    ChartFrame frame = frameOfBars(candles, 40.0, m_texts);
     frame.type = ChartType::Line;
     const QImage image = paint(&layers::paintPrices, frame);
     for (int x = 331 - 80; x < 331 - 42; ++x) // the flat part
@@ -269,7 +250,7 @@ void TestChartLayers::line_connects_the_closes()
 void TestChartLayers::header_shows_until_the_pointer_enters_the_plot()
 {
     const std::vector<Candle> candles = fixtures::wave(3);
-    ChartFrame frame = frameOf(candles, 7.0, m_texts);
+    ChartFrame frame = frameOfBars(candles, 7.0, m_texts);
     frame.symbol = u"EURUSD"_s;
     const QImage shown = paint(&layers::paintHeader, frame);
     const int ink = pixelsOtherThan(shown, QRect(6, 2, 320, 15), black);
@@ -286,14 +267,14 @@ void TestChartLayers::header_shows_until_the_pointer_enters_the_plot()
 void TestChartLayers::header_needs_a_symbol()
 {
     const std::vector<Candle> candles = fixtures::wave(3);
-    const QImage image = paint(&layers::paintHeader, frameOf(candles, 7.0, m_texts));
+    const QImage image = paint(&layers::paintHeader, frameOfBars(candles, 7.0, m_texts));
     QCOMPARE(pixelsOtherThan(image, image.rect(), black), 0);
 }
 
 void TestChartLayers::markup_in_server_texts_is_plain_text()
 {
     const auto inkOf = [this](const QString& text) {
-        QImage image(size, QImage::Format_RGB32);
+        QImage image(frameSize, QImage::Format_RGB32);
         image.fill(Qt::black);
         QPainter painter(&image);
         m_texts.draw(painter, QRect(0, 100, 400, 20), Qt::AlignLeft, text, QColor(Qt::white));
@@ -311,7 +292,7 @@ void TestChartLayers::levels_are_lines_with_their_text()
     const QList<TradeLevel> levels{
         {u"1"_s, u"ENTRY"_s, priceAtRow(100), u"buy 0.10"_s, QColor(Qt::blue), Qt::SolidLine, false},
         {u"1"_s, u"SL"_s, priceAtRow(200), u"sl"_s, QColor(Qt::red), Qt::DashLine, true}};
-    ChartFrame frame = frameOf(candles, 7.0, m_texts);
+    ChartFrame frame = frameOfBars(candles, 7.0, m_texts);
     frame.levels = levels;
     const QImage image = paint(&layers::paintTradeLevels, frame);
     QCOMPARE(pixelsOf(image, QRect(0, 100, 332, 1), QColor(Qt::blue)), 332);
@@ -329,7 +310,7 @@ void TestChartLayers::levels_outside_the_range_are_not_drawn()
     QList<TradeLevel> levels;
     for (const double price : {-0.1, 278.1, 1e300, notANumber})
         levels.append({u"1"_s, u"SL"_s, price, u"far"_s, QColor(Qt::red), Qt::DashLine, true});
-    ChartFrame frame = frameOf(candles, 7.0, m_texts);
+    ChartFrame frame = frameOfBars(candles, 7.0, m_texts);
     frame.levels = levels;
     const QImage image = paint(&layers::paintTradeLevels, frame);
     QCOMPARE(pixelsOtherThan(image, image.rect(), black), 0);
@@ -340,7 +321,7 @@ void TestChartLayers::a_dragged_level_is_solid_and_has_a_tag()
     const std::vector<Candle> candles{candleOfRows(9, 9, 9, 9)};
     const QColor red(Qt::red);
     const QList<TradeLevel> levels{{u"1"_s, u"SL"_s, priceAtRow(200), u"sl"_s, red, Qt::DashLine, true}};
-    ChartFrame frame = frameOf(candles, 7.0, m_texts);
+    ChartFrame frame = frameOfBars(candles, 7.0, m_texts);
     frame.levels = levels;
     frame.draggedLevel = 0;
     frame.draggedPrice = priceAtRow(50);
@@ -356,7 +337,7 @@ void TestChartLayers::quotes_are_dashed_lines_with_tags()
     const std::vector<Candle> candles{candleOfRows(9, 9, 9, 9)};
     const QColor askColor(0xff, 0x4a, 0x4a);
     const QColor bidColor(0x3b, 0xa7, 0xff);
-    ChartFrame frame = frameOf(candles, 7.0, m_texts);
+    ChartFrame frame = frameOfBars(candles, 7.0, m_texts);
     frame.ask = priceAtRow(60);
     frame.bid = priceAtRow(160);
     const QImage image = paint(&layers::paintQuotes, frame);
@@ -378,7 +359,7 @@ void TestChartLayers::quotes_are_dashed_lines_with_tags()
 void TestChartLayers::a_quote_of_zero_or_out_of_range_is_not_drawn()
 {
     const std::vector<Candle> candles{candleOfRows(9, 9, 9, 9)};
-    ChartFrame frame = frameOf(candles, 7.0, m_texts);
+    ChartFrame frame = frameOfBars(candles, 7.0, m_texts);
     for (const double price : {0.0, -1.0, 278.5}) {
         frame.ask = price;
         frame.bid = price;
@@ -390,7 +371,7 @@ void TestChartLayers::a_quote_of_zero_or_out_of_range_is_not_drawn()
 void TestChartLayers::the_bid_covers_the_ask()
 {
     const std::vector<Candle> candles{candleOfRows(9, 9, 9, 9)};
-    ChartFrame frame = frameOf(candles, 7.0, m_texts);
+    ChartFrame frame = frameOfBars(candles, 7.0, m_texts);
     frame.ask = priceAtRow(100);
     frame.bid = priceAtRow(100);
     const QImage image = paint(&layers::paintQuotes, frame);
@@ -400,7 +381,7 @@ void TestChartLayers::the_bid_covers_the_ask()
 void TestChartLayers::crosshair_has_price_time_and_prices_of_the_bar()
 {
     const std::vector<Candle> candles = fixtures::wave(100);
-    ChartFrame frame = frameOf(candles, 7.0, m_texts);
+    ChartFrame frame = frameOfBars(candles, 7.0, m_texts);
     frame.pointer = QPoint(200, 120);
     frame.pointerInPlot = true;
     const QImage image = paint(&layers::paintCrosshair, frame);
@@ -419,7 +400,7 @@ void TestChartLayers::crosshair_has_price_time_and_prices_of_the_bar()
 void TestChartLayers::crosshair_beside_the_bars_has_no_time()
 {
     const std::vector<Candle> candles = fixtures::wave(10); // bars reach back to column 268
-    ChartFrame frame = frameOf(candles, 7.0, m_texts);
+    ChartFrame frame = frameOfBars(candles, 7.0, m_texts);
     frame.pointer = QPoint(100, 120);
     frame.pointerInPlot = true;
     const QImage image = paint(&layers::paintCrosshair, frame);
@@ -431,7 +412,7 @@ void TestChartLayers::crosshair_beside_the_bars_has_no_time()
 void TestChartLayers::no_crosshair_outside_the_plot()
 {
     const std::vector<Candle> candles = fixtures::wave(10);
-    ChartFrame frame = frameOf(candles, 7.0, m_texts);
+    ChartFrame frame = frameOfBars(candles, 7.0, m_texts);
     frame.pointer = QPoint(350, 120);
     const QImage image = paint(&layers::paintCrosshair, frame);
     QCOMPARE(pixelsOtherThan(image, image.rect(), black), 0);
@@ -440,8 +421,8 @@ void TestChartLayers::no_crosshair_outside_the_plot()
 void TestChartLayers::button_shows_while_the_view_does_not_follow()
 {
     const std::vector<Candle> candles = fixtures::wave(10);
-    ChartFrame frame = frameOf(candles, 7.0, m_texts);
-    QCOMPARE(pixelsOtherThan(paint(&layers::paintScrollButton, frame), QRect(QPoint(), size), black), 0);
+    ChartFrame frame = frameOfBars(candles, 7.0, m_texts);
+    QCOMPARE(pixelsOtherThan(paint(&layers::paintScrollButton, frame), QRect(QPoint(), frameSize), black), 0);
     frame.autoScroll = false;
     const QImage image = paint(&layers::paintScrollButton, frame);
     const QRect box(301, 251, 24, 20);
@@ -456,12 +437,12 @@ void TestChartLayers::button_shows_while_the_view_does_not_follow()
 void TestChartLayers::shift_marker_points_at_the_last_visible_bar()
 {
     const std::vector<Candle> candles = fixtures::wave(10);
-    ChartFrame frame = frameOf(candles, 7.0, m_texts);
+    ChartFrame frame = frameOfBars(candles, 7.0, m_texts);
     ViewState state;
     state.rightBarIndex = 9;
     state.chartShift = true;
-    frame.view = ChartView(size, state, 10, false);
-    QCOMPARE(pixelsOtherThan(paint(&layers::paintShiftMarker, frame), QRect(QPoint(), size), black), 0);
+    frame.view = ChartView(frameSize, state, 10, false);
+    QCOMPARE(pixelsOtherThan(paint(&layers::paintShiftMarker, frame), QRect(QPoint(), frameSize), black), 0);
     frame.chartShift = true;
     const QImage image = paint(&layers::paintShiftMarker, frame);
     const int x = 331 - 53;
@@ -469,18 +450,18 @@ void TestChartLayers::shift_marker_points_at_the_last_visible_bar()
     QVERIFY(pixelsOf(image, QRect(x - 4, 1, 8, 1), grey) >= 6);
     QCOMPARE(pixelsOf(image, QRect(x - 4, 1, 9, 5), grey), pixelsOtherThan(image, image.rect(), black));
     state.rightBarIndex = 4; // scrolled back: the newest bar has left the plot
-    frame.view = ChartView(size, state, 10, false);
+    frame.view = ChartView(frameSize, state, 10, false);
     QCOMPARE(paint(&layers::paintShiftMarker, frame), image);
     state.rightBarIndex = 9;
     state.chartShift = false; // the last bar stands on the edge of the plot, not inside
-    frame.view = ChartView(size, state, 10, false);
-    QCOMPARE(pixelsOtherThan(paint(&layers::paintShiftMarker, frame), QRect(QPoint(), size), black), 0);
+    frame.view = ChartView(frameSize, state, 10, false);
+    QCOMPARE(pixelsOtherThan(paint(&layers::paintShiftMarker, frame), QRect(QPoint(), frameSize), black), 0);
 }
 
 void TestChartLayers::border_is_the_last_column_and_row_of_the_plot()
 {
     const std::vector<Candle> candles = fixtures::wave(10);
-    const QImage image = paint(&layers::paintBorder, frameOf(candles, 7.0, m_texts));
+    const QImage image = paint(&layers::paintBorder, frameOfBars(candles, 7.0, m_texts));
     QCOMPARE(pixelsOf(image, QRect(331, 0, 1, 278), colors.grid), 278);
     QCOMPARE(pixelsOf(image, QRect(0, 277, 332, 1), colors.grid), 332);
     QCOMPARE(pixelsOtherThan(image, image.rect(), black), 278 + 332 - 1);

@@ -1,7 +1,6 @@
 #include "chart/layers/Layers.h"
 
-#include "ChartFixtures.h"
-#include "chart/ChartFrame.h"
+#include "LayerFixture.h"
 #include "chart/layers/LineStrokes.h"
 #include "support/TestMain.h"
 
@@ -9,6 +8,9 @@
 #include <QRandomGenerator>
 
 using namespace Qt::StringLiterals;
+using fixtures::frameOfBars;
+using fixtures::frameSize;
+using fixtures::paint;
 using fixtures::pixelsOf;
 using fixtures::pixelsOtherThan;
 
@@ -17,27 +19,10 @@ namespace {
 constexpr QColor black(0, 0, 0);
 constexpr QColor red(0xff, 0, 0);
 constexpr QRect plot(0, 0, 332, 278);
-constexpr QSize size(400, 300);
-
-/// Bar 19 at column 331, 7 pixels a bar; one unit of price is one pixel, 278 at the top.
-ChartFrame frameOf(const std::vector<Candle>& candles, TextPainter& texts)
-{
-    ViewState state;
-    state.rightBarIndex = static_cast<double>(candles.size()) - 1.0;
-    ChartFrame frame;
-    frame.view
-        = ChartView(size, state, static_cast<qsizetype>(candles.size()), false).withPrices({0.0, 278.0});
-    frame.candles = candles;
-    frame.bars = frame.view.visible();
-    frame.timeframeMs = fixtures::quarterHour;
-    frame.digits = 2;
-    frame.texts = &texts;
-    return frame;
-}
 
 DrawingPoint at(int bar, int row)
 {
-    return {fixtures::midnight + bar * fixtures::quarterHour, 278.0 - row - 0.5};
+    return {fixtures::midnight + bar * fixtures::quarterHour, fixtures::priceAtRow(row)};
 }
 
 Drawing object(const QString& type, const QList<DrawingPoint>& points, bool selected = false)
@@ -50,16 +35,6 @@ Drawing object(const QString& type, const QList<DrawingPoint>& points, bool sele
     return drawing;
 }
 
-QImage paint(
-    void (*layer)(QPainter&, const ChartFrame&), const ChartFrame& frame, const QColor& ground = black)
-{
-    QImage image(size, QImage::Format_RGB32);
-    image.fill(ground);
-    QPainter painter(&image);
-    layer(painter, frame);
-    return image;
-}
-
 } // namespace
 
 class TestDrawingLayers final : public QObject {
@@ -69,7 +44,7 @@ private:
     [[nodiscard]] QImage painted(const Drawing& drawing)
     {
         const QList<Drawing> drawings{drawing};
-        ChartFrame frame = frameOf(m_candles, m_texts);
+        ChartFrame frame = frameOfBars(m_candles, 7.0, m_texts);
         frame.drawings = drawings;
         return paint(&layers::paintDrawings, frame);
     }
@@ -171,6 +146,10 @@ void TestDrawingLayers::a_rectangle_is_filled_thinly_and_outlined()
     const QImage selected = painted(object(u"rectangle"_s, {at(9, 100), at(14, 170)}, true));
     QCOMPARE(pixelsOf(selected, QRect(261, 99, 36, 2), red), 72);
     QCOMPARE(pixelsOf(selected, QRect(260, 110, 2, 50), red), 100);
+    // It has no handles, neither outside nor inside its corners.
+    QCOMPARE(pixelsOtherThan(selected, QRect(250, 90, 60, 9), black), 0);
+    QCOMPARE(pixelsOtherThan(selected, QRect(250, 90, 10, 100), black), 0);
+    QCOMPARE(pixelsOf(selected, QRect(262, 101, 33, 68), selected.pixelColor(280, 140)), 33 * 68);
 }
 
 void TestDrawingLayers::a_retracement_has_seven_lines_with_texts()
@@ -203,7 +182,7 @@ void TestDrawingLayers::retracement_levels_outside_the_prices_are_not_drawn()
 void TestDrawingLayers::retracement_texts_are_smaller_than_others()
 {
     const auto inkHeight = [this](bool small) {
-        QImage image(size, QImage::Format_RGB32);
+        QImage image(frameSize, QImage::Format_RGB32);
         image.fill(Qt::black);
         QPainter painter(&image);
         const QString text(200, u'8');
@@ -237,7 +216,7 @@ void TestDrawingLayers::later_objects_cover_earlier_ones()
     Drawing blue = object(u"vline"_s, {at(9, 100)});
     blue.color = Qt::blue;
     const QList<Drawing> drawings{object(u"hline"_s, {at(5, 100)}), blue};
-    ChartFrame frame = frameOf(m_candles, m_texts);
+    ChartFrame frame = frameOfBars(m_candles, 7.0, m_texts);
     frame.drawings = drawings;
     const QImage image = paint(&layers::paintDrawings, frame);
     QCOMPARE(image.pixelColor(261, 100), QColor(Qt::blue));
@@ -254,7 +233,7 @@ void TestDrawingLayers::an_invalid_colour_is_the_usual_one()
 void TestDrawingLayers::a_preview_is_a_line_or_a_box()
 {
     const QColor color(0xe0, 0xe0, 0xe0);
-    ChartFrame frame = frameOf(m_candles, m_texts);
+    ChartFrame frame = frameOfBars(m_candles, 7.0, m_texts);
     frame.pointer = QPoint(320, 220);
     frame.pointerInPlot = true;
     for (const DrawingKind kind : {DrawingKind::TrendLine, DrawingKind::Rectangle, DrawingKind::Fibonacci}) {
@@ -276,7 +255,7 @@ void TestDrawingLayers::a_preview_is_a_line_or_a_box()
 
 void TestDrawingLayers::a_preview_needs_the_pointer_in_the_plot()
 {
-    ChartFrame frame = frameOf(m_candles, m_texts);
+    ChartFrame frame = frameOfBars(m_candles, 7.0, m_texts);
     frame.pointer = QPoint(350, 220);
     frame.preview = ChartFrame::Preview{DrawingKind::TrendLine, at(9, 100)};
     QImage image = paint(&layers::paintDrawingPreview, frame);
@@ -290,7 +269,7 @@ void TestDrawingLayers::a_preview_needs_the_pointer_in_the_plot()
 
 void TestDrawingLayers::a_preview_from_far_away_costs_no_more()
 {
-    ChartFrame frame = frameOf(m_candles, m_texts);
+    ChartFrame frame = frameOfBars(m_candles, 7.0, m_texts);
     frame.pointer = QPoint(300, 220);
     frame.pointerInPlot = true;
     for (const DrawingKind kind : {DrawingKind::TrendLine, DrawingKind::Rectangle}) {
@@ -305,7 +284,7 @@ void TestDrawingLayers::a_preview_from_far_away_costs_no_more()
 void TestDrawingLayers::a_ruler_is_a_broken_line_with_a_box()
 {
     const QColor amber(0xff, 0xb3, 0x00);
-    ChartFrame frame = frameOf(m_candles, m_texts);
+    ChartFrame frame = frameOfBars(m_candles, 7.0, m_texts);
     QImage image = paint(&layers::paintRuler, frame);
     QCOMPARE(pixelsOtherThan(image, image.rect(), black), 0);
     frame.ruler = Ruler::Span{QPoint(20, 200), QPoint(83, 137)};

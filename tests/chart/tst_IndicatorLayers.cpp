@@ -1,7 +1,6 @@
 #include "chart/layers/Layers.h"
 
-#include "ChartFixtures.h"
-#include "chart/ChartFrame.h"
+#include "LayerFixture.h"
 #include "chart/ChartWidget.h"
 #include "chart/Indicators.h"
 #include "chart/LayerStack.h"
@@ -17,8 +16,10 @@
 #include <limits>
 
 using namespace Qt::StringLiterals;
+using fixtures::paint;
 using fixtures::pixelsOf;
 using fixtures::pixelsOtherThan;
+using fixtures::priceAtRow;
 
 namespace {
 
@@ -30,7 +31,7 @@ const QColor lilac(0xc7, 0x92, 0xea);
 const QColor groundOfPane(0x0a, 0x0a, 0x0a);
 const ChartColors colors;
 
-constexpr QSize size(400, 300);
+constexpr QSize size = fixtures::frameSize;
 /// With the pane: plot (0, 0, 332, 217), pane (0, 218, 332, 60).
 constexpr QRect pane(0, 218, 332, 60);
 
@@ -53,25 +54,10 @@ ChartFrame frameOf(const std::vector<Candle>& candles, bool rsi, TextPainter& te
     return frame;
 }
 
-/// The value that lies in a row of the plot without the pane, in its middle so that rounding cannot matter.
-double atRow(int y)
-{
-    return 278.0 - y - 0.5;
-}
-
 /// The strength that lies in a row of the pane.
 double strengthAtRow(int y)
 {
     return 100.0 - (y + 0.5) * 100.0 / pane.height();
-}
-
-QImage paint(void (*layer)(QPainter&, const ChartFrame&), const ChartFrame& frame)
-{
-    QImage image(size, QImage::Format_RGB32);
-    image.fill(Qt::black);
-    QPainter painter(&image);
-    layer(painter, frame);
-    return image;
 }
 
 /// A picture of texts alone, drawn at their baselines.
@@ -185,7 +171,8 @@ void TestIndicatorLayers::a_slope_painted_in_parts_is_the_same()
 void TestIndicatorLayers::an_average_joins_the_values_of_neighbours()
 {
     ChartFrame frame = frameOf(m_candles, false, m_texts);
-    const std::vector<double> values{atRow(100), atRow(100), atRow(140), atRow(120), atRow(120), atRow(20)};
+    const std::vector<double> values{
+        priceAtRow(100), priceAtRow(100), priceAtRow(140), priceAtRow(120), priceAtRow(120), priceAtRow(20)};
     const std::array<std::span<const double>, 1> lines{values};
     frame.averages = {{AverageKind::Simple, 3, yellow}};
     frame.averageValues = lines;
@@ -205,7 +192,8 @@ void TestIndicatorLayers::an_average_joins_the_values_of_neighbours()
 void TestIndicatorLayers::a_missing_value_breaks_the_average()
 {
     ChartFrame frame = frameOf(m_candles, false, m_texts);
-    const std::vector<double> values{gap, atRow(50), atRow(50), gap, atRow(70), atRow(70)};
+    const std::vector<double> values{
+        gap, priceAtRow(50), priceAtRow(50), gap, priceAtRow(70), priceAtRow(70)};
     const std::array<std::span<const double>, 1> lines{values};
     frame.averages = {{AverageKind::Simple, 3, yellow}};
     frame.averageValues = lines;
@@ -227,7 +215,7 @@ void TestIndicatorLayers::an_average_without_values_has_no_line()
 void TestIndicatorLayers::later_averages_cover_earlier_ones()
 {
     ChartFrame frame = frameOf(m_candles, false, m_texts);
-    const std::vector<double> values(6, atRow(80));
+    const std::vector<double> values(6, priceAtRow(80));
     const std::array<std::span<const double>, 2> lines{values, values};
     frame.averages = {{AverageKind::Simple, 3, yellow}, {AverageKind::Exponential, 3, blue}};
     frame.averageValues = lines;
@@ -239,7 +227,8 @@ void TestIndicatorLayers::later_averages_cover_earlier_ones()
 void TestIndicatorLayers::an_average_far_from_the_prices_leaves_the_axes_alone()
 {
     ChartFrame frame = frameOf(m_candles, false, m_texts);
-    const std::vector<double> values{atRow(100), atRow(100'000'000), 1e15, -1e15, atRow(290), atRow(200)};
+    const std::vector<double> values{
+        priceAtRow(100), priceAtRow(100'000'000), 1e15, -1e15, priceAtRow(290), priceAtRow(200)};
     const std::array<std::span<const double>, 1> lines{values};
     frame.averages = {{AverageKind::Simple, 3, yellow}};
     frame.averageValues = lines;

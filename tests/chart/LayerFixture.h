@@ -1,0 +1,53 @@
+#pragma once
+
+#include "ChartFixtures.h"
+#include "chart/ChartFrame.h"
+
+#include <QImage>
+#include <QPainter>
+#include <QSize>
+
+#include <vector>
+
+/// What the tests of single layers share: frames made by hand, of a widget of 400 by 300 pixels, and what a
+/// layer paints of them.
+namespace fixtures {
+
+inline constexpr QSize frameSize(400, 300);
+
+/// A frame of bars: plot (0, 0, 332, 278), the last bar at column 331. The price scale is set so that one
+/// unit of price is one pixel, 278 at the top.
+inline ChartFrame frameOfBars(const std::vector<Candle>& candles, double barWidth, TextPainter& texts)
+{
+    ViewState state;
+    state.barWidth = barWidth;
+    state.rightBarIndex = static_cast<double>(candles.size()) - 1.0;
+    ChartFrame frame;
+    frame.view
+        = ChartView(frameSize, state, static_cast<qsizetype>(candles.size()), false).withPrices({0.0, 278.0});
+    frame.candles = candles;
+    frame.bars = frame.view.visible();
+    frame.timeframeMs = quarterHour;
+    frame.digits = 2;
+    frame.texts = &texts;
+    return frame;
+}
+
+/// Price of a pixel row of such a frame, in the middle of the row so that rounding cannot matter.
+inline double priceAtRow(int y)
+{
+    return 278.0 - y - 0.5;
+}
+
+/// What a layer paints on a ground of one colour.
+inline QImage paint(void (*layer)(QPainter&, const ChartFrame&), const ChartFrame& frame,
+    const QColor& ground = QColor(Qt::black))
+{
+    QImage image(frame.view.size(), QImage::Format_RGB32);
+    image.fill(ground);
+    QPainter painter(&image);
+    layer(painter, frame);
+    return image;
+}
+
+} // namespace fixtures
