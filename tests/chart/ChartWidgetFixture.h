@@ -18,6 +18,11 @@ inline void showChart(ChartWidget& chart, int bars)
     QCoreApplication::processEvents();
 }
 
+inline void click(ChartWidget& chart, const QPoint& position)
+{
+    QTest::mouseClick(&chart, Qt::LeftButton, {}, position);
+}
+
 inline void drag(ChartWidget& chart, const QPoint& from, const QPoint& to)
 {
     QTest::mousePress(&chart, Qt::LeftButton, {}, from);

@@ -22,6 +22,16 @@ inline void release(QWidget& widget, const QPoint& position)
     QApplication::sendEvent(&widget, &event);
 }
 
+/// A horizontal line through the middle of a row.
+inline Drawing lineAt(const ChartWidget& chart, int row, const QString& id)
+{
+    Drawing drawing;
+    drawing.id = id;
+    drawing.type = QStringLiteral("hline");
+    drawing.points = {{midnight, (chart.view().priceAt(row) + chart.view().priceAt(row + 1)) / 2}};
+    return drawing;
+}
+
 /// An object of each kind about the bars of wave(), some of them crossing, one of them selected.
 inline QList<Drawing> oneOfEachKind(int bars)
 {

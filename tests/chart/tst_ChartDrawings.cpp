@@ -1,4 +1,5 @@
 #include "ChartWidgetFixture.h"
+#include "DrawingFixtures.h"
 #include "chart/ChartFrame.h"
 #include "support/PaintCounter.h"
 #include "support/TestMain.h"
@@ -8,26 +9,13 @@
 #include <limits>
 
 using namespace Qt::StringLiterals;
+using fixtures::click;
+using fixtures::lineAt;
 using fixtures::midnight;
 using fixtures::quarterHour;
 using fixtures::showChart;
 
 namespace {
-
-void click(ChartWidget& chart, const QPoint& position)
-{
-    QTest::mouseClick(&chart, Qt::LeftButton, {}, position);
-}
-
-Drawing lineAt(const ChartWidget& chart, int row, const QString& id)
-{
-    Drawing drawing;
-    drawing.id = id;
-    drawing.type = u"hline"_s;
-    // In the middle of the row.
-    drawing.points = {{midnight, (chart.view().priceAt(row) + chart.view().priceAt(row + 1)) / 2}};
-    return drawing;
-}
 
 Drawing objectOf(const QString& type, const QList<DrawingPoint>& points)
 {
@@ -50,30 +38,15 @@ QString selectedId(const ChartWidget& chart)
 
 } // namespace
 
+/// Selecting, deleting and keeping the objects of a chart.
 class TestChartDrawings final : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void one_click_places_a_plain_line_data();
-    void one_click_places_a_plain_line();
-    void two_clicks_place_the_other_objects_data();
-    void two_clicks_place_the_other_objects();
-    void a_click_beside_the_bars_anchors_at_the_nearest_bar();
-    void the_button_comes_before_the_tool();
-    void the_tool_comes_before_the_ruler_and_the_levels();
-    void outside_the_plot_a_tool_places_nothing();
-    void without_bars_a_tool_places_nothing();
-    void escape_cancels_the_tool_and_leaves_nothing();
-    void escape_without_a_tool_goes_to_the_default_handler();
-    void the_cursor_is_a_cross_while_a_tool_is_active();
-    void menus_hear_of_every_change_of_the_tool();
-    void a_preview_follows_the_pointer_in_the_plot();
-    void a_preview_paints_only_where_it_was_and_is();
-    void loaded_objects_do_not_disturb_one_being_placed();
-
     void a_press_within_six_pixels_selects_a_line();
     void a_press_on_nothing_deselects_and_pans();
-    void a_press_on_an_object_does_not_pan();
+    void a_press_on_an_object_neither_pans_nor_moves_it();
+    void selecting_and_deleting_paint_once();
     void while_a_tool_is_active_nothing_is_selected();
     void the_selection_survives_a_reload();
 
@@ -87,263 +60,6 @@ private Q_SLOTS:
     void objects_of_any_kind_fit_any_size_data();
     void objects_of_any_kind_fit_any_size();
 };
-
-void TestChartDrawings::one_click_places_a_plain_line_data()
-{
-    QTest::addColumn<QString>("tool");
-    QTest::newRow("horizontal") << u"hline"_s;
-    QTest::newRow("vertical") << u"vline"_s;
-}
-
-void TestChartDrawings::one_click_places_a_plain_line()
-{
-    QFETCH(QString, tool);
-    ChartWidget chart;
-    showChart(chart, 100);
-    QStringList events;
-    connect(&chart, &ChartWidget::drawingCreated, &chart, [&](const Drawing& drawing) {
-        events.append(u"created"_s);
-        QCOMPARE(chart.drawings().last(), drawing);
-    });
-    connect(&chart, &ChartWidget::toolFinished, &chart, [&] {
-        events.append(u"finished"_s);
-        QCOMPARE(chart.tool(), QString());
-    });
-    chart.setTool(tool);
-    click(chart, QPoint(261, 100));
-    QCOMPARE(events, (QStringList{u"created"_s, u"finished"_s}));
-    QCOMPARE(chart.drawings().size(), 1);
-    const Drawing& drawing = chart.drawings().first();
-    QCOMPARE(drawing.type, tool);
-    QCOMPARE(drawing.points, (QList<DrawingPoint>{{midnight + 89 * quarterHour, chart.view().priceAt(100)}}));
-    QCOMPARE(drawing.color, QColor(u"#e0e0e0"_s));
-    QCOMPARE(drawing.id, QString());
-    QVERIFY(!drawing.selected);
-    click(chart, QPoint(200, 200)); // the tool has ended
-    QCOMPARE(chart.drawings().size(), 1);
-    QCOMPARE(chart.rightBarIndex(), 99.0);
-}
-
-void TestChartDrawings::two_clicks_place_the_other_objects_data()
-{
-    QTest::addColumn<QString>("tool");
-    QTest::newRow("trend line") << u"trendline"_s;
-    QTest::newRow("rectangle") << u"rectangle"_s;
-    QTest::newRow("retracement") << u"fibonacci"_s;
-}
-
-void TestChartDrawings::two_clicks_place_the_other_objects()
-{
-    QFETCH(QString, tool);
-    ChartWidget chart;
-    showChart(chart, 100);
-    QSignalSpy created(&chart, &ChartWidget::drawingCreated);
-    QSignalSpy finished(&chart, &ChartWidget::toolFinished);
-    chart.setTool(tool);
-    click(chart, QPoint(331, 100));
-    QVERIFY(chart.drawings().isEmpty());
-    QCOMPARE(created.count(), 0);
-    QCOMPARE(finished.count(), 0);
-    QCOMPARE(chart.tool(), tool);
-    click(chart, QPoint(261, 200));
-    QCOMPARE(created.count(), 1);
-    QCOMPARE(finished.count(), 1);
-    QCOMPARE(chart.drawings().size(), 1);
-    QCOMPARE(chart.drawings().first().type, tool);
-    QCOMPARE(chart.drawings().first().points,
-        (QList<DrawingPoint>{{midnight + 99 * quarterHour, chart.view().priceAt(100)},
-            {midnight + 89 * quarterHour, chart.view().priceAt(200)}}));
-    QCOMPARE(chart.tool(), QString());
-}
-
-void TestChartDrawings::a_click_beside_the_bars_anchors_at_the_nearest_bar()
-{
-    ChartWidget chart;
-    showChart(chart, 10);
-    chart.setChartShift(true);
-    chart.setTool(u"trendline"_s);
-    click(chart, QPoint(5, 100));
-    click(chart, QPoint(331, 100));
-    QCOMPARE(chart.drawings().size(), 1);
-    QCOMPARE(chart.drawings().first().points.first().time, midnight);
-    QCOMPARE(chart.drawings().first().points.last().time, midnight + 9 * quarterHour);
-}
-
-void TestChartDrawings::the_button_comes_before_the_tool()
-{
-    ChartWidget chart;
-    showChart(chart, 100);
-    chart.setAutoScroll(false);
-    chart.setTool(u"hline"_s);
-    click(chart, QPoint(310, 260));
-    QVERIFY(chart.autoScroll());
-    QVERIFY(chart.drawings().isEmpty());
-    QCOMPARE(chart.tool(), u"hline"_s);
-    click(chart, QPoint(310, 260)); // the button is gone
-    QCOMPARE(chart.drawings().size(), 1);
-}
-
-void TestChartDrawings::the_tool_comes_before_the_ruler_and_the_levels()
-{
-    ChartWidget chart;
-    showChart(chart, 100);
-    const double price = chart.view().priceAt(100);
-    chart.setTradeLevels({{u"1"_s, u"SL"_s, price, u"sl"_s, QColor(Qt::red), Qt::DashLine, true}});
-    chart.setMeasureMode(true);
-    chart.setTool(u"hline"_s);
-    click(chart, QPoint(200, 100));
-    QCOMPARE(chart.drawings().size(), 1);
-    QVERIFY(!chart.frame().ruler);
-    QVERIFY(chart.measureMode());
-    QCOMPARE(chart.cursor().shape(), Qt::CrossCursor); // the ruler is still armed
-}
-
-void TestChartDrawings::outside_the_plot_a_tool_places_nothing()
-{
-    ChartWidget chart;
-    showChart(chart, 100);
-    chart.setTool(u"hline"_s);
-    for (const QPoint& position : {QPoint(332, 100), QPoint(100, 278), QPoint(390, 290)})
-        click(chart, position);
-    QVERIFY(chart.drawings().isEmpty());
-    QCOMPARE(chart.tool(), u"hline"_s);
-    QCOMPARE(chart.cursor().shape(), Qt::CrossCursor);
-    click(chart, QPoint(331, 277));
-    QCOMPARE(chart.drawings().size(), 1);
-}
-
-void TestChartDrawings::without_bars_a_tool_places_nothing()
-{
-    ChartWidget chart;
-    showChart(chart, 0);
-    QSignalSpy created(&chart, &ChartWidget::drawingCreated);
-    for (const QString& tool : {u"hline"_s, u"trendline"_s}) {
-        chart.setTool(tool);
-        click(chart, QPoint(100, 100));
-        click(chart, QPoint(200, 100));
-        QCOMPARE(chart.tool(), tool);
-    }
-    QVERIFY(chart.drawings().isEmpty());
-    QCOMPARE(created.count(), 0);
-}
-
-void TestChartDrawings::escape_cancels_the_tool_and_leaves_nothing()
-{
-    ChartWidget chart;
-    showChart(chart, 100);
-    QSignalSpy created(&chart, &ChartWidget::drawingCreated);
-    QSignalSpy finished(&chart, &ChartWidget::toolFinished);
-    chart.setTool(u"trendline"_s);
-    click(chart, QPoint(200, 100));
-    QTest::keyClick(&chart, Qt::Key_Escape);
-    QCOMPARE(finished.count(), 1);
-    QCOMPARE(chart.tool(), QString());
-    QVERIFY(!chart.frame().preview);
-    QCOMPARE(chart.cursor().shape(), Qt::ArrowCursor);
-    chart.setTool(u"trendline"_s);
-    click(chart, QPoint(100, 100)); // a first point again
-    QVERIFY(chart.drawings().isEmpty());
-    QCOMPARE(created.count(), 0);
-}
-
-void TestChartDrawings::escape_without_a_tool_goes_to_the_default_handler()
-{
-    ChartWidget chart;
-    showChart(chart, 100);
-    QSignalSpy finished(&chart, &ChartWidget::toolFinished);
-    QKeyEvent escape(QEvent::KeyPress, Qt::Key_Escape, {});
-    QApplication::sendEvent(&chart, &escape);
-    QVERIFY(!escape.isAccepted());
-    QCOMPARE(finished.count(), 0);
-}
-
-void TestChartDrawings::the_cursor_is_a_cross_while_a_tool_is_active()
-{
-    ChartWidget chart;
-    showChart(chart, 100);
-    QCOMPARE(chart.cursor().shape(), Qt::ArrowCursor);
-    chart.setTool(u"fibonacci"_s);
-    QCOMPARE(chart.cursor().shape(), Qt::CrossCursor);
-    QTest::mousePress(&chart, Qt::LeftButton, {}, QPoint(350, 100)); // the axis pans
-    QCOMPARE(chart.cursor().shape(), Qt::ClosedHandCursor);
-    QTest::mouseRelease(&chart, Qt::LeftButton, {}, QPoint(350, 100));
-    QCOMPARE(chart.cursor().shape(), Qt::CrossCursor);
-    chart.setTool(QString());
-    QCOMPARE(chart.cursor().shape(), Qt::ArrowCursor);
-    chart.setTool(u"ellipse"_s);
-    QCOMPARE(chart.tool(), QString());
-    QCOMPARE(chart.cursor().shape(), Qt::ArrowCursor);
-}
-
-void TestChartDrawings::menus_hear_of_every_change_of_the_tool()
-{
-    ChartWidget chart;
-    showChart(chart, 100);
-    QSignalSpy changed(&chart, &ChartWidget::settingsChanged);
-    chart.setTool(u"hline"_s);
-    QCOMPARE(changed.count(), 1);
-    chart.setTool(u"hline"_s);
-    QCOMPARE(changed.count(), 1);
-    click(chart, QPoint(200, 100));
-    QCOMPARE(changed.count(), 2);
-    chart.setTool(u"trendline"_s);
-    QTest::keyClick(&chart, Qt::Key_Escape);
-    QCOMPARE(changed.count(), 4);
-}
-
-void TestChartDrawings::a_preview_follows_the_pointer_in_the_plot()
-{
-    ChartWidget chart;
-    showChart(chart, 100);
-    chart.setTool(u"trendline"_s);
-    fixtures::hover(chart, QPoint(200, 100));
-    QVERIFY(!chart.frame().preview);
-    click(chart, QPoint(261, 100));
-    QVERIFY(chart.frame().preview);
-    QVERIFY(chart.frame().preview->kind == DrawingKind::TrendLine);
-    QCOMPARE(chart.frame().preview->placed,
-        (DrawingPoint{midnight + 89 * quarterHour, chart.view().priceAt(100)}));
-    const QColor color(u"#e0e0e0"_s);
-    const auto ink = [&chart, &color](const QPoint& pointer) {
-        fixtures::hover(chart, pointer);
-        // Left of the pointer's own lines.
-        return fixtures::pixelsOf(chart.grab().toImage(), QRect(262, 101, 30, 60), color);
-    };
-    QVERIFY(ink(QPoint(320, 200)) > 10);
-    QCOMPARE(ink(QPoint(350, 200)), 0); // outside the plot
-    chart.setTool(QString());
-    QCOMPARE(ink(QPoint(320, 200)), 0);
-}
-
-void TestChartDrawings::a_preview_paints_only_where_it_was_and_is()
-{
-    ChartWidget chart;
-    showChart(chart, 100);
-    chart.setTool(u"trendline"_s);
-    click(chart, QPoint(261, 100));
-    fixtures::hover(chart, QPoint(280, 120));
-    PaintCounter paints(chart);
-    paints.taken();
-    fixtures::hover(chart, QPoint(300, 140));
-    QCOMPARE(paints.taken(), 1);
-    QVERIFY((QRegion(261, 100, 40, 41) - paints.region()).isEmpty());
-    QVERIFY(!paints.region().intersects(QRect(20, 30, 200, 60)));
-    QVERIFY(!paints.region().intersects(QRect(100, 160, 90, 100)));
-}
-
-void TestChartDrawings::loaded_objects_do_not_disturb_one_being_placed()
-{
-    ChartWidget chart;
-    showChart(chart, 100);
-    chart.setTool(u"trendline"_s);
-    click(chart, QPoint(261, 100));
-    chart.setDrawings({lineAt(chart, 50, u"a"_s)});
-    QCOMPARE(chart.tool(), u"trendline"_s);
-    click(chart, QPoint(200, 100));
-    QCOMPARE(chart.drawings().size(), 2);
-    QCOMPARE(chart.drawings().last().points.size(), 2);
-    QCOMPARE(chart.drawings().last().points.first().time, midnight + 89 * quarterHour);
-}
 
 void TestChartDrawings::a_press_within_six_pixels_selects_a_line()
 {
@@ -372,16 +88,44 @@ void TestChartDrawings::a_press_on_nothing_deselects_and_pans()
     QCOMPARE(chart.rightBarIndex(), 89.0);
 }
 
-void TestChartDrawings::a_press_on_an_object_does_not_pan()
+void TestChartDrawings::a_press_on_an_object_neither_pans_nor_moves_it()
 {
     ChartWidget chart;
     showChart(chart, 100);
-    chart.setDrawings({lineAt(chart, 100, u"a"_s)});
+    QSignalSpy updated(&chart, &ChartWidget::drawingUpdated);
+    const Drawing line = lineAt(chart, 100, u"a"_s);
+    chart.setDrawings({line});
     QTest::mousePress(&chart, Qt::LeftButton, {}, QPoint(50, 100));
     QCOMPARE(chart.cursor().shape(), Qt::ArrowCursor);
-    QTest::mouseMove(&chart, QPoint(120, 100));
-    QTest::mouseRelease(&chart, Qt::LeftButton, {}, QPoint(120, 100));
+    QTest::mouseMove(&chart, QPoint(120, 150));
+    QTest::mouseRelease(&chart, Qt::LeftButton, {}, QPoint(120, 150));
     QCOMPARE(chart.rightBarIndex(), 99.0);
+    QCOMPARE(chart.drawings().first().points, line.points);
+    QVERIFY(chart.drawings().first().selected);
+    QCOMPARE(updated.count(), 0);
+}
+
+void TestChartDrawings::selecting_and_deleting_paint_once()
+{
+    ChartWidget chart;
+    showChart(chart, 100);
+    chart.setDrawings({lineAt(chart, 100, u"a"_s), lineAt(chart, 200, u"b"_s)});
+    PaintCounter paints(chart);
+    paints.taken();
+    const auto paintsOfClick = [&](const QPoint& position) {
+        click(chart, position);
+        return paints.taken();
+    };
+    QCOMPARE(paintsOfClick(QPoint(50, 150)), 0); // nothing was selected, and nothing is
+    QCOMPARE(paintsOfClick(QPoint(50, 100)), 1);
+    QCOMPARE(paintsOfClick(QPoint(50, 100)), 0);
+    QCOMPARE(paintsOfClick(QPoint(50, 200)), 1);
+    QCOMPARE(paintsOfClick(QPoint(50, 150)), 1);
+    QCOMPARE(paintsOfClick(QPoint(50, 200)), 1);
+    QTest::keyClick(&chart, Qt::Key_Delete);
+    QCOMPARE(paints.taken(), 1);
+    QTest::keyClick(&chart, Qt::Key_Delete);
+    QCOMPARE(paints.taken(), 0);
 }
 
 void TestChartDrawings::while_a_tool_is_active_nothing_is_selected()

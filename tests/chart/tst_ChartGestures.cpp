@@ -106,11 +106,14 @@ void TestChartGestures::without_bars_every_press_pans()
     chart.addLine();
     ChartGestures gestures;
     gestures.armRuler(true);
-    gestures.chooseTool(u"hline"_s);
-    const ChartGestures::Press press = gestures.press(chart.ground(), inPlot);
-    QCOMPARE(press.taker, Taker::Chart);
-    QVERIFY(!press.created);
-    QVERIFY(!press.selected);
+    for (const QString& tool : {u"hline"_s, QString()}) {
+        gestures.chooseTool(tool);
+        const ChartGestures::Press press = gestures.press(chart.ground(), inPlot);
+        QCOMPARE(press.taker, Taker::Chart);
+        QVERIFY(!press.created);
+        QVERIFY(!press.selected); // the selection stays as it is
+        gestures.letGo();
+    }
 }
 
 void TestChartGestures::a_press_beside_all_objects_selects_none()

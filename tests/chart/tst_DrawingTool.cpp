@@ -103,13 +103,18 @@ void TestDrawingTool::an_unknown_tool_is_no_tool()
 
 void TestDrawingTool::new_objects_are_grey_not_selected_and_without_id()
 {
-    DrawingTool tool;
-    tool.choose(u"hline"_s);
-    const std::optional<Drawing> drawing = tool.click(first);
-    QVERIFY(drawing);
-    QCOMPARE(drawing->color, QColor(u"#e0e0e0"_s));
-    QVERIFY(!drawing->selected);
-    QCOMPARE(drawing->id, QString());
+    for (const QString& key : {u"hline"_s, u"vline"_s, u"trendline"_s, u"rectangle"_s, u"fibonacci"_s}) {
+        DrawingTool tool;
+        tool.choose(key);
+        std::optional<Drawing> drawing = tool.click(first);
+        if (!drawing)
+            drawing = tool.click(second);
+        QVERIFY(drawing);
+        QCOMPARE(drawing->type, key);
+        QCOMPARE(drawing->color, QColor(u"#e0e0e0"_s));
+        QVERIFY(!drawing->selected);
+        QCOMPARE(drawing->id, QString());
+    }
 }
 
 void TestDrawingTool::at_most_one_object_is_selected()
