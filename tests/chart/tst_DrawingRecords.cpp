@@ -125,11 +125,18 @@ void tst_DrawingRecords::leavesOutWhatIsUnknownOrBrokenOneByOne_data()
     noType.remove(u"toolType"_s);
     QTest::newRow("number") << QJsonValue(5);
     QTest::newRow("null") << QJsonValue();
+    QTest::newRow("list") << QJsonValue(QJsonArray{record()});
     QTest::newRow("empty object") << QJsonValue(QJsonObject());
     QTest::newRow("no type") << QJsonValue(noType);
     QTest::newRow("unknown type") << QJsonValue(record(u"pitchfork"_s));
     QTest::newRow("type in capitals") << QJsonValue(record(u"HLINE"_s));
     QTest::newRow("no points") << QJsonValue(noPoints);
+    QJsonObject pointAlone = record();
+    pointAlone.insert(u"points"_s, point());
+    QJsonObject typeInList = record();
+    typeInList.insert(u"toolType"_s, QJsonArray{u"hline"_s});
+    QTest::newRow("point without a list") << QJsonValue(pointAlone);
+    QTest::newRow("list of types") << QJsonValue(typeInList);
     QTest::newRow("too few points") << QJsonValue(record(u"trendline"_s));
     QTest::newRow("point without time") << QJsonValue(record(u"hline"_s, {point(QJsonValue::Undefined)}));
     QTest::newRow("point without price") << QJsonValue(record(u"hline"_s, {point(1, QJsonValue::Undefined)}));
