@@ -21,11 +21,14 @@ private Q_SLOTS:
 
     void isTitledAfterTheSymbol();
     void hasOneRowForEachColour();
+    void theLastRowHoldsThePresets();
+    void endsWithOkAndCancel();
     void swatchesShowTheChartsColours();
     void swatchesKeepTheirSizeInEveryTheme_data();
     void swatchesKeepTheirSizeInEveryTheme();
     void presetsReplaceAllColours();
     void theChooserIsNotStyledLikeItsSwatch();
+    void aColourIsChosen_data();
     void aColourIsChosen();
     void aCancelledChoiceChangesNothing();
     void coloursAreAppliedOnOkOnly();
@@ -88,8 +91,29 @@ void tst_ChartPropertiesDialog::hasOneRowForEachColour()
     QCOMPARE(labels,
         QStringList({u"Background"_s, u"Grid"_s, u"Axis text"_s, u"Up / bull"_s, u"Down / bear"_s,
             u"Line chart"_s, u"Volume"_s, u"Presets:"_s}));
-    QVERIFY(button(open(served), u"Qlon Green/Black"_s));
-    QVERIFY(button(open(served), u"Black/White"_s));
+}
+
+void tst_ChartPropertiesDialog::theLastRowHoldsThePresets()
+{
+    const ServedChart served;
+    served.show();
+    const auto* form = open(served).findChild<QFormLayout*>();
+    const QLayout* row = form->itemAt(form->rowCount() - 1, QFormLayout::FieldRole)->layout();
+    QVERIFY(row);
+    QStringList texts;
+    for (int i = 0; i < row->count(); ++i)
+        texts << qobject_cast<QPushButton*>(row->itemAt(i)->widget())->text();
+    QCOMPARE(texts, QStringList({u"Qlon Green/Black"_s, u"Black/White"_s}));
+}
+
+void tst_ChartPropertiesDialog::endsWithOkAndCancel()
+{
+    const ServedChart served;
+    served.show();
+    const ChartPropertiesDialog& dialog = open(served);
+    const auto* buttons = dialog.findChild<QDialogButtonBox*>();
+    QCOMPARE(buttons->standardButtons(), QDialogButtonBox::Ok | QDialogButtonBox::Cancel);
+    QCOMPARE(dialog.layout()->itemAt(dialog.layout()->count() - 1)->widget(), buttons);
 }
 
 void tst_ChartPropertiesDialog::swatchesShowTheChartsColours()
@@ -167,23 +191,45 @@ void tst_ChartPropertiesDialog::theChooserIsNotStyledLikeItsSwatch()
     QCOMPARE(dialog.findChild<QColorDialog*>()->parentWidget(), &dialog);
 }
 
+void tst_ChartPropertiesDialog::aColourIsChosen_data()
+{
+    QTest::addColumn<int>("row");
+    QTest::addColumn<QString>("title");
+    QTest::addColumn<QColor>("before");
+    QTest::addColumn<QString>("key");
+    QTest::newRow("bg") << 0 << u"Background"_s << QColor(u"#000000"_s) << u"bg"_s;
+    QTest::newRow("grid") << 1 << u"Grid"_s << QColor(u"#232323"_s) << u"grid"_s;
+    QTest::newRow("axis") << 2 << u"Axis text"_s << QColor(u"#c0c0c0"_s) << u"axis"_s;
+    QTest::newRow("up") << 3 << u"Up / bull"_s << QColor(u"#00e600"_s) << u"up"_s;
+    QTest::newRow("down") << 4 << u"Down / bear"_s << QColor(u"#ffffff"_s) << u"down"_s;
+    QTest::newRow("line") << 5 << u"Line chart"_s << QColor(u"#4fc3f7"_s) << u"line"_s;
+    QTest::newRow("vol") << 6 << u"Volume"_s << QColor(u"#2f6b3f"_s) << u"vol"_s;
+}
+
 void tst_ChartPropertiesDialog::aColourIsChosen()
 {
+    QFETCH(int, row);
+    QFETCH(QString, title);
+    QFETCH(QColor, before);
+    QFETCH(QString, key);
     const ServedChart served;
     served.show();
+    QJsonObject expected = served.window->saveState().value(u"colors"_s).toObject();
+    expected[key] = u"#123456"_s;
     const ChartPropertiesDialog& dialog = open(served);
-    QTest::mouseClick(swatches(dialog).at(3), Qt::LeftButton);
+    QTest::mouseClick(swatches(dialog).at(row), Qt::LeftButton);
     auto* chooser = dialog.findChild<QColorDialog*>();
     QVERIFY(chooser && chooser->isVisible());
-    QCOMPARE(chooser->windowTitle(), u"Up / bull"_s);
-    QCOMPARE(chooser->currentColor(), QColor(0, 0xe6, 0));
+    QCOMPARE(chooser->windowTitle(), title);
+    QCOMPARE(chooser->currentColor(), before);
     chooser->setCurrentColor(QColor(0x12, 0x34, 0x56));
     QTest::keyClick(chooser, Qt::Key_Return);
-    QCOMPARE(swatches(dialog).at(3)->styleSheet(), u"background:#123456;border:1px solid #888;"_s);
-    QCOMPARE(dialog.colors().up, QColor(0x12, 0x34, 0x56));
-    QCOMPARE(dialog.colors().down, ChartColors().down);
+    QCOMPARE(swatches(dialog).at(row)->styleSheet(), u"background:#123456;border:1px solid #888;"_s);
     QVERIFY(dialog.isVisible());
     QTRY_VERIFY(!dialog.findChild<QColorDialog*>());
+    const auto* buttons = dialog.findChild<QDialogButtonBox*>();
+    QTest::mouseClick(buttons->button(QDialogButtonBox::Ok), Qt::LeftButton);
+    QCOMPARE(served.window->saveState().value(u"colors"_s).toObject(), expected);
 }
 
 void tst_ChartPropertiesDialog::aCancelledChoiceChangesNothing()
@@ -193,9 +239,11 @@ void tst_ChartPropertiesDialog::aCancelledChoiceChangesNothing()
     const ChartPropertiesDialog& dialog = open(served);
     QTest::mouseClick(swatches(dialog).at(0), Qt::LeftButton);
     auto* chooser = dialog.findChild<QColorDialog*>();
+    QVERIFY(chooser);
     chooser->setCurrentColor(Qt::red);
     QTest::keyClick(chooser, Qt::Key_Escape);
     QCOMPARE(dialog.colors(), ChartColors());
+    QCOMPARE(swatches(dialog).at(0)->styleSheet(), u"background:#000000;border:1px solid #888;"_s);
 }
 
 void tst_ChartPropertiesDialog::coloursAreAppliedOnOkOnly()

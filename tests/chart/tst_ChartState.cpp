@@ -1,5 +1,6 @@
 #include "chart/ChartState.h"
 #include "chart/ChartWidget.h"
+#include "support/PaintCounter.h"
 #include "support/TestMain.h"
 
 #include <QJsonArray>
@@ -15,6 +16,9 @@ private Q_SLOTS:
     void everythingSavedComesBack();
     void anEmptyObjectKeepsTypeShiftAndScroll();
     void missingColoursAreTheDefaultOnes();
+    void anEmptyObjectTakesAveragesAndStrengthAway();
+    void typesThatAreNoneKeepTheChartsOwn();
+    void restoringPaints();
     void badValuesAreReadAsMissing_data();
     void badValuesAreReadAsMissing();
     void anRsiPeriodBelowTwoBecomesTwo();
@@ -64,6 +68,38 @@ void tst_ChartState::anEmptyObjectKeepsTypeShiftAndScroll()
     QVERIFY(!chart.autoScroll());
     QVERIFY(chart.chartShift());
     QCOMPARE(chart.chartType(), 1);
+}
+
+void tst_ChartState::anEmptyObjectTakesAveragesAndStrengthAway()
+{
+    ChartWidget chart;
+    chart.setMovingAverages({{AverageKind::Simple, 5, Qt::red}});
+    chart.setRsi(true, 21);
+    ChartState::fromJson({}).applyTo(chart);
+    QVERIFY(chart.movingAverages().isEmpty());
+    QVERIFY(!chart.rsiEnabled());
+    QCOMPARE(chart.rsiPeriod(), 14);
+}
+
+void tst_ChartState::typesThatAreNoneKeepTheChartsOwn()
+{
+    for (const int type : {-1, 3, 1'000'000'000}) {
+        ChartWidget chart;
+        chart.setChartType(1);
+        ChartState::fromJson({{u"chartType"_s, type}}).applyTo(chart);
+        QCOMPARE(chart.chartType(), 1);
+    }
+}
+
+void tst_ChartState::restoringPaints()
+{
+    ChartWidget chart;
+    chart.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&chart));
+    PaintCounter paints(chart);
+    paints.taken();
+    ChartState::fromJson({{u"colors"_s, QJsonObject{{u"bg"_s, u"#010203"_s}}}}).applyTo(chart);
+    QCOMPARE(paints.taken(), 1);
 }
 
 void tst_ChartState::missingColoursAreTheDefaultOnes()
