@@ -58,6 +58,8 @@ private Q_SLOTS:
             << R"([{"timestamp":"2014-05-01T00:00:00Z","weight":3,"open":1,"high":9,"low":1,"close":2}])"_ba;
         QTest::newRow("volume too large")
             << R"([{"timestamp":"2014-05-01T00:00:00Z","volume":1e14,"open":1,"high":9,"low":1,"close":2}])"_ba;
+        QTest::newRow("volume with a fraction")
+            << R"([{"timestamp":"2014-05-01T00:00:00Z","volume":12.9,"open":1,"high":9,"low":1,"close":2}])"_ba;
         QTest::newRow("volume below zero")
             << R"([{"timestamp":"2014-05-01T00:00:00Z","volume":-3,"open":1,"high":9,"low":1,"close":2}])"_ba;
         QTest::newRow("a price is missing")

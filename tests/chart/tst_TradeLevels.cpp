@@ -9,6 +9,7 @@ class tst_TradeLevels final : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
+    void aLevelIsDashedAndFixedUnlessSaidOtherwise();
     void aBuyHasAnEntryAStopAndATarget();
     void aSellIsRedAndAnythingThatIsNotBuyCountsAsSell();
     void levelsOfZeroOrWithoutANumberAreLeftOut_data();
@@ -17,6 +18,7 @@ private Q_SLOTS:
     void numbersMayArriveAsStrings();
     void otherSymbolsAreLeftOut();
     void shortIdsHaveAtMostEightCharacters();
+    void everyLevelCarriesTheWholeId();
     void serverTextIsNeverSubstitutedAgain();
     void elementsOfAWrongTypeAreSkipped();
 };
@@ -33,6 +35,13 @@ QJsonObject buy(const QJsonObject& more = {})
 }
 
 } // namespace
+
+void tst_TradeLevels::aLevelIsDashedAndFixedUnlessSaidOtherwise()
+{
+    const TradeLevel level;
+    QCOMPARE(level.penStyle, Qt::DashLine);
+    QVERIFY(!level.draggable);
+}
 
 void tst_TradeLevels::aBuyHasAnEntryAStopAndATarget()
 {
@@ -111,11 +120,17 @@ void tst_TradeLevels::aPendingOrderIsOneDraggablePriceLine()
 
 void tst_TradeLevels::numbersMayArriveAsStrings()
 {
-    const QList<TradeLevel> levels = buildTradeLevels(u"EURUSD"_s,
-        {buy({{u"lotSize"_s, u"1.5"_s}, {u"entryPrice"_s, u"1.11"_s}, {u"stopLoss"_s, u"1.0750"_s}})}, {});
+    const QJsonObject trade = buy({{u"lotSize"_s, u"1.5"_s}, {u"entryPrice"_s, u"1.11"_s},
+        {u"stopLoss"_s, u"1.0750"_s}, {u"takeProfit"_s, u"1.25"_s}});
+    const QJsonObject order = buy({{u"lotSize"_s, u"0.2"_s}, {u"pendingPrice"_s, u"1.0625"_s}});
+    const QList<TradeLevel> levels = buildTradeLevels(u"EURUSD"_s, {trade}, {order});
+    QCOMPARE(levels.size(), 4);
     QCOMPARE(levels[0].label, u"buy 1.50 #01234567"_s);
     QCOMPARE(levels[0].price, 1.11);
     QCOMPARE(levels[1].price, 1.075);
+    QCOMPARE(levels[2].price, 1.25);
+    QCOMPARE(levels[3].price, 1.0625);
+    QVERIFY(levels[3].label.contains(u" 0.20 #"_s));
 }
 
 void tst_TradeLevels::otherSymbolsAreLeftOut()
@@ -127,6 +142,15 @@ void tst_TradeLevels::otherSymbolsAreLeftOut()
 void tst_TradeLevels::shortIdsHaveAtMostEightCharacters()
 {
     QCOMPARE(buildTradeLevels(u"EURUSD"_s, {buy({{u"id"_s, u"42"_s}})}, {})[0].label, u"buy 0.10 #42"_s);
+}
+
+void tst_TradeLevels::everyLevelCarriesTheWholeId()
+{
+    const QList<TradeLevel> levels
+        = buildTradeLevels(u"EURUSD"_s, {buy()}, {buy({{u"pendingPrice"_s, 1.07}})});
+    QCOMPARE(levels.size(), 4);
+    for (const TradeLevel& level : levels)
+        QCOMPARE(level.tradeId, u"0123456789abcdef"_s);
 }
 
 void tst_TradeLevels::serverTextIsNeverSubstitutedAgain()
