@@ -2,6 +2,7 @@
 
 #include "chart/Timeframe.h"
 #include "support/TestMain.h"
+#include "support/TimeZone.h"
 
 #include <limits>
 
@@ -32,6 +33,7 @@ private Q_SLOTS:
 void TestChartTexts::initTestCase()
 {
     QLocale::setDefault(QLocale(QLocale::German, QLocale::Germany));
+    useForeignTimeZone();
 }
 
 void TestChartTexts::short_bars_show_the_time_and_on_demand_the_date()

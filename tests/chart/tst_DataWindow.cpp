@@ -2,6 +2,7 @@
 #include "ChartWindowFixture.h"
 #include "chart/DataWindow.h"
 #include "support/TestMain.h"
+#include "support/TimeZone.h"
 
 #include <QLabel>
 #include <QLayout>
@@ -10,12 +11,36 @@
 using namespace Qt::StringLiterals;
 using fixtures::ServedChart;
 
+namespace {
+
+/// Counts how often a window comes to the front.
+class RaiseCounter final : public QObject {
+public:
+    explicit RaiseCounter(QWidget& window) { window.installEventFilter(this); }
+
+    [[nodiscard]] int count() const { return m_count; }
+
+    bool eventFilter(QObject* watched, QEvent* event) override
+    {
+        m_count += event->type() == QEvent::ZOrderChange ? 1 : 0;
+        return QObject::eventFilter(watched, event);
+    }
+
+private:
+    int m_count = 0;
+};
+
+} // namespace
+
 class tst_DataWindow final : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
+    void initTestCase() { useForeignTimeZone(); }
+
     void isASmallWindowOnTop();
     void isMadeOnceAndShownAgain();
+    void comesToTheFrontEachTimeItIsAskedFor();
     void showsTheBarUnderThePointer();
     void asksForAPointerOverTheChart();
     void staysLiveWhileTicksArrive();
@@ -47,7 +72,7 @@ void tst_DataWindow::isASmallWindowOnTop()
     QVERIFY(window.windowFlags().testFlag(Qt::WindowStaysOnTopHint));
     QCOMPARE(window.size(), QSize(220, 160));
     QCOMPARE(window.layout()->contentsMargins(), QMargins(8, 8, 8, 8));
-    QVERIFY(label(window).width() >= 200);
+    QVERIFY(label(window).minimumWidth() >= 200);
     QCOMPARE(label(window).textFormat(), Qt::RichText);
     QCOMPARE(timer(window).interval(), 150);
 }
@@ -64,6 +89,17 @@ void tst_DataWindow::isMadeOnceAndShownAgain()
     QCOMPARE(&open(served), &window);
     QVERIFY(window.isVisible());
     QCOMPARE(served.window->findChildren<DataWindow*>().size(), 1);
+}
+
+void tst_DataWindow::comesToTheFrontEachTimeItIsAskedFor()
+{
+    const ServedChart served;
+    served.show();
+    const RaiseCounter raises(open(served));
+    for (int asked = 1; asked <= 2; ++asked) {
+        served.window->showDataWindow(); // it is open already
+        QCOMPARE(raises.count(), asked);
+    }
 }
 
 void tst_DataWindow::showsTheBarUnderThePointer()

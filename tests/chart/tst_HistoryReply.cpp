@@ -1,6 +1,7 @@
 #include "chart/CandleSeries.h"
 #include "chart/HistoryReply.h"
 #include "support/TestMain.h"
+#include "support/TimeZone.h"
 
 #include <QJsonArray>
 #include <QJsonObject>
@@ -13,6 +14,8 @@ class tst_HistoryReply final : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
+    void initTestCase() { useForeignTimeZone(); }
+
     void readsTimesLikeTheToolkitDoes_data();
     void readsTimesLikeTheToolkitDoes();
     void readsEveryDayOfFourCenturiesLikeTheToolkit();
