@@ -23,11 +23,13 @@ private Q_SLOTS:
     void aRightClickOpensIt_data();
     void aRightClickOpensIt();
     void aClosedMenuIsGone();
+    void anOpenMenuGoesWithItsChart();
 
     void oneClickTradingShowsAndHidesThePanel();
     void aTimeframeIsChosen();
     void anAverageIsAddedInTheNextColour_data();
     void anAverageIsAddedInTheNextColour();
+    void theSixthAverageHasTheFirstColour();
     void aCancelledAverageChangesNothing();
     void allAveragesAreRemoved();
     void relativeStrengthIsSwitchedOverFourteenBars();
@@ -142,14 +144,13 @@ void tst_ChartMenu::checkMarksShowTheChartAsItIs()
         QCOMPARE(checked(*subMenu(menu, u"Chart Type"_s)), QStringList{u"Candlesticks"_s});
     }
     served.window->setOneClickTrading(false);
-    served.window->setAutoScroll(false);
     served.window->setChartShift(true);
     served.window->setTimeframe(u"1mn"_s);
+    served.window->setAutoScroll(false);
     served.window->setChartType(2);
     served.window->toggleRsi(true);
     const ChartMenu menu(*served.window);
-    // The new timeframe emptied the chart, and an empty chart follows its end.
-    QCOMPARE(checked(menu), QStringList({u"Auto Scroll"_s, u"Chart Shift"_s}));
+    QCOMPARE(checked(menu), QStringList{u"Chart Shift"_s});
     QCOMPARE(checked(*subMenu(menu, u"Timeframes"_s)), QStringList{u"MN"_s});
     QCOMPARE(checked(*subMenu(menu, u"Indicators"_s)), QStringList{u"RSI (14)"_s});
     QCOMPARE(checked(*subMenu(menu, u"Chart Type"_s)), QStringList{u"Line"_s});
@@ -193,6 +194,17 @@ void tst_ChartMenu::aClosedMenuIsGone()
     QVERIFY(menu);
     QTest::keyClick(menu, Qt::Key_Escape);
     QTRY_VERIFY(!menu);
+}
+
+void tst_ChartMenu::anOpenMenuGoesWithItsChart()
+{
+    ServedChart served;
+    served.show();
+    const QPointer<ChartMenu> menu = openMenu(served);
+    QVERIFY(menu);
+    served.window.reset();
+    QVERIFY(!menu);
+    QVERIFY(!QApplication::activePopupWidget());
 }
 
 void tst_ChartMenu::oneClickTradingShowsAndHidesThePanel()
@@ -242,6 +254,18 @@ void tst_ChartMenu::anAverageIsAddedInTheNextColour()
     averages.append({kind, 21, QColor(0x4f, 0xc3, 0xf7)});
     QCOMPARE(served.chart().movingAverages(), averages);
     QTRY_VERIFY(!served.window->findChild<AverageDialog*>());
+}
+
+void tst_ChartMenu::theSixthAverageHasTheFirstColour()
+{
+    const ServedChart served;
+    served.show();
+    served.chart().setMovingAverages(QList<MovingAverageSpec>(5, {AverageKind::Simple, 9, Qt::red}));
+    choose(openMenu(served), {u"Indicators"_s, u"Moving Average (SMA)..."_s});
+    QTest::keyClick(served.window->findChild<AverageDialog*>(), Qt::Key_Return);
+    QCOMPARE(served.chart().movingAverages().size(), 6);
+    QCOMPARE(served.chart().movingAverages().last(),
+        (MovingAverageSpec{AverageKind::Simple, 20, QColor(0xff, 0xd5, 0x4f)}));
 }
 
 void tst_ChartMenu::aCancelledAverageChangesNothing()
@@ -335,6 +359,8 @@ void tst_ChartMenu::scrollingAndShiftAreSwitched()
     QVERIFY(served.chart().autoScroll());
     choose(openMenu(served), {u"Chart Shift"_s});
     QVERIFY(served.chart().chartShift());
+    choose(openMenu(served), {u"Chart Shift"_s});
+    QVERIFY(!served.chart().chartShift());
 }
 
 void tst_ChartMenu::zooming()
