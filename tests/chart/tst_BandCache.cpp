@@ -11,6 +11,8 @@
 #include <QRandomGenerator>
 #include <QScreen>
 
+#include <functional>
+
 using namespace Qt::StringLiterals;
 
 namespace {
@@ -116,6 +118,7 @@ private Q_SLOTS:
     void frames_painted_in_parts_have_no_seams_data();
     void frames_painted_in_parts_have_no_seams();
     void a_turned_painter_gets_the_layers_themselves();
+    void a_picture_too_large_to_keep_is_painted_as_it_is();
 };
 
 void TestBandCache::the_picture_equals_all_layers_in_order_data()
@@ -357,6 +360,35 @@ void TestBandCache::a_turned_painter_gets_the_layers_themselves()
         painter.translate(200, 0);
         painter.rotate(90);
         cache.paint(painter, chart.frame(), chart.rect());
+        QCOMPARE(cache.seriesPaints(), static_cast<quint64>(look));
+    }
+}
+
+void TestBandCache::a_picture_too_large_to_keep_is_painted_as_it_is()
+{
+    constexpr int width = 400'000;
+    ChartWidget chart;
+    addIndicators(chart);
+    chart.setCandles(fixtures::wave(150));
+    chart.resize(width, 200);
+    // Its right end, where the bars are.
+    const auto shown = [](const std::function<void(QPainter&)>& paint) {
+        QImage image(300, 200, QImage::Format_RGB32);
+        image.fill(Qt::magenta);
+        QPainter painter(&image);
+        painter.translate(300 - width, 0);
+        paint(painter);
+        return image;
+    };
+    const QImage expected
+        = shown([&chart](QPainter& painter) { layerstack::paintAll(painter, chart.frame()); });
+    QCOMPARE(fixtures::pixelsOf(expected, expected.rect(), QColor(Qt::magenta)), 0);
+    QVERIFY(fixtures::pixelsOf(expected, expected.rect(), chart.colors().up) > 100);
+    BandCache cache;
+    for (int look = 1; look <= 3; ++look) {
+        const QImage picture
+            = shown([&](QPainter& painter) { cache.paint(painter, chart.frame(), chart.rect()); });
+        QCOMPARE(picture, expected);
         QCOMPARE(cache.seriesPaints(), static_cast<quint64>(look));
     }
 }
