@@ -112,6 +112,8 @@ public:
     [[nodiscard]] ChartFrame frame() const;
     /// How often bars other than the newest were painted so far.
     [[nodiscard]] quint64 seriesPaints() const { return m_bands.seriesPaints(); }
+    /// How many indicator values were computed so far.
+    [[nodiscard]] quint64 indicatorValues() const { return m_indicators.computed(); }
 
 Q_SIGNALS:
     void autoScrollChanged(bool on);

@@ -20,6 +20,7 @@ private Q_SLOTS:
     void every_change_paints();
     void several_changes_make_one_paint();
     void pointer_and_ticks_within_the_range_paint_no_older_candle();
+    void frames_compute_no_older_indicator_value();
     void a_tick_beyond_the_range_paints_all();
     void a_pointer_move_paints_where_the_crosshair_was_and_is();
     void a_tick_paints_what_tells_the_newest_bar();
@@ -148,6 +149,31 @@ void TestChartWidgetPaint::pointer_and_ticks_within_the_range_paint_no_older_can
         QCOMPARE(paints.taken(), 1);
     }
     QCOMPARE(chart.seriesPaints(), before);
+}
+
+void TestChartWidgetPaint::frames_compute_no_older_indicator_value()
+{
+    ChartWidget chart;
+    chart.setMovingAverages(
+        {{AverageKind::Simple, 5, QColor(Qt::red)}, {AverageKind::Exponential, 9, QColor(Qt::blue)}});
+    chart.setRsi(true, 14);
+    showChart(chart, 1000);
+    const Candle last = chart.candles().back();
+    PaintCounter paints(chart);
+    paints.taken();
+    const quint64 before = chart.indicatorValues();
+    QVERIFY(before >= 3 * 1000);
+    quint64 frames = 0;
+    for (int i = 0; i < 10; ++i) {
+        fixtures::hover(chart, QPoint(20 + i * 5, 50 + i));
+        frames += static_cast<quint64>(paints.taken());
+        const double price = last.low + (last.high - last.low) * i / 10.0;
+        chart.onTick(price, price, last.time + i);
+        frames += static_cast<quint64>(paints.taken());
+    }
+    QCOMPARE(frames, quint64{20});
+    QVERIFY(chart.indicatorValues() >= before + 3 * 10);
+    QVERIFY(chart.indicatorValues() <= before + 3 * frames);
 }
 
 void TestChartWidgetPaint::a_tick_beyond_the_range_paints_all()
