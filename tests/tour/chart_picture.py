@@ -24,7 +24,8 @@ class ChartPicture:
         """A place in the plot (and the pane under it), both from 0 to 1, on the screen."""
         return self.x + int(self.width * across), self.y + int(self.height * down)
 
-    def _rows(self):
+    def rows(self):
+        """The RGB bytes of the plot and the pane under it, row by row."""
         data = self._desktop.pixels(self.x, self.y, self.width, self.height)
         stride = self.width * 3
         return [data[start:start + stride] for start in range(0, len(data), stride)]
@@ -41,11 +42,11 @@ class ChartPicture:
 
     def count(self, *colours):
         """How many pixels have one of the colours."""
-        return sum(self._hits(row, colour) for row in self._rows() for colour in colours)
+        return sum(self._hits(row, colour) for row in self.rows() for colour in colours)
 
     def lines(self, colour, share=0.3):
         """The screen rows where this colour takes at least this share of the width, from the top."""
-        return [self.y + number for number, row in enumerate(self._rows())
+        return [self.y + number for number, row in enumerate(self.rows())
                 if self._hits(row, colour) >= self.width * share]
 
     def newest(self):

@@ -95,6 +95,9 @@ class Desktop:
     def click(self, x, y, times=1, button=1):
         self._xdotool("mousemove", x, y, "click", "--repeat", times, "--delay", 60, button)
 
+    def wheel_down(self, x, y, turns):
+        self._xdotool("mousemove", x, y, "click", "--repeat", turns, "--delay", 5, 5)
+
     def drag(self, start, end):
         """Presses at one place, moves in small steps as a hand does, and leaves the button pressed."""
         self._xdotool("mousemove", *start, "mousedown", 1)

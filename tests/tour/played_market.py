@@ -28,8 +28,8 @@ def wavering():
 
 
 def falling(walk):
-    """Wavers like the other in the past, then loses 40 pips a minute."""
-    return [pips if minute <= PAST else walk[PAST] - 40.0 * min(minute - PAST, 200)
+    """Wavers like the other in the past, then loses 70 pips a minute."""
+    return [pips if minute <= PAST else walk[PAST] - 70.0 * min(minute - PAST, 100)
             for minute, pips in enumerate(walk)]
 
 
@@ -55,7 +55,7 @@ def write_symbol(folder, name, start, pips):
     lines = ["time,open,high,low,close,volume,ask_open,ask_high,ask_low,ask_close"]
     for before, after in zip(pips, pips[1:]):
         steep = abs(after - before) > 10 or name in CROSSING + REVERSING
-        wicks = (0, 0) if steep else (chance.random(), chance.random())
+        wicks = (0, 0) if steep else (3 * chance.random(), 3 * chance.random())
         prices = [start + PIP * value for value in
                   (before, max(before, after) + wicks[0], min(before, after) - wicks[1], after)]
         bids = ",".join(f"{price:.5f}" for price in prices)

@@ -1,5 +1,6 @@
 """Reads the terminal's windows the way a screen reader does: roles, names, values and places."""
 
+from collections.abc import Sequence
 from functools import cached_property
 
 import gi
@@ -48,6 +49,15 @@ class Item:
             if child is not None:
                 yield Item(child)
 
+    def again(self):
+        """The same thing as it is now, or None when it is gone."""
+        try:
+            self._node.clear_cache()
+            item = Item(self._node)
+            return item if (item.role, item.name) == (self.role, self.name) else None
+        except GLib.Error:
+            return None
+
     def everything(self, shown):
         """This item and all below it, but not what is in lists below it: their cells are many and slow to
         read. With `shown`, hidden branches are left out."""
@@ -76,12 +86,30 @@ class Item:
         return self.name if interface is None else Atspi.Text.get_text(self._node, 0, -1)
 
     def rows(self):
-        """The cells of a list, row by row from the top, each row from the left."""
-        lines = {}
-        for cell in self.children():
-            if cell.role == "table cell":
-                lines.setdefault(cell.y, []).append(cell)
-        return [sorted(cells, key=lambda cell: cell.x) for _, cells in sorted(lines.items())]
+        """The rows of a list from the top."""
+        columns = Atspi.Table.get_n_columns(self._node)
+        return [Row(self._node, row, columns) for row in range(Atspi.Table.get_n_rows(self._node))]
+
+
+class Row(Sequence):
+    """The cells of one row of a list from the left. Each is asked for when it is needed: asking takes time."""
+
+    def __init__(self, node, row, columns):
+        self._node, self._row, self._cells = node, row, [None] * columns
+
+    def __len__(self):
+        return len(self._cells)
+
+    def __getitem__(self, column):
+        if isinstance(column, slice):
+            return [self[index] for index in range(*column.indices(len(self)))]
+        if self._cells[column] is None:
+            self._cells[column] = Item(Atspi.Table.get_accessible_at(self._node, self._row, column % len(self)))
+        return self._cells[column]
+
+    @property
+    def texts(self):
+        return [cell.name for cell in self]
 
 
 class Reader:

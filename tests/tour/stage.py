@@ -24,6 +24,7 @@ class Stage:
         self.platform.start()
         self.terminal = Terminal(str(binaries / "tavoran-terminal"), profile, self.platform.address)
         self._count = 0
+        self._known = {}
 
     def close(self):
         self.terminal.stop()
@@ -74,38 +75,80 @@ class Stage:
         return self.wait(lambda: not self.window_now(lambda item: item.name.startswith(title)))
 
     def main_window(self, seconds=15):
-        return self.window(lambda item: item.find("menu bar"), seconds)
+        return self.wait(self.main_window_now, seconds)
 
-    def part(self, role=None, name=None, accept=None):
-        """Something in the main window, as it is now."""
-        window = self.window_now(lambda item: item.find("menu bar"))
-        return window.find(role, name, accept=accept) if window else None
+    def main_window_now(self):
+        window = self._known.get("window")
+        window = window and window.again()
+        if not window:
+            self._known.clear()
+            window = self._known["window"] = self.window_now(
+                lambda item: any(child.role == "menu bar" for child in item.children()))
+        return window if window and window.shown else None
+
+    def known(self, kind, name, search):
+        """What `search` finds in the main window; from the second time on it is where it was. None when it is
+        hidden now."""
+        if not self.main_window_now():
+            return None
+        item = self._known.get((kind, name))
+        item = item and item.again()
+        if not item:
+            item = self._known[kind, name] = search()
+        return item if item and item.shown else None
+
+    def parts(self, *roles):
+        """The main window's own parts of these roles."""
+        window = self.main_window_now()
+        return [item for item in window.children() if item.role in roles] if window else []
+
+    def part(self, role=None, name=None, shown=True, accept=None):
+        """Something in a pane of the main window or in its status bar, as it is now."""
+        return next((found for pane in self.parts("frame", "status bar")
+                     if (found := pane.find(role, name, shown, accept))), None)
 
     def list_named(self, name):
-        return self.part("tree", name)
+        return self.known("tree", name, lambda: self.part("tree", name, shown=False))
+
+    def tool_button(self, name):
+        return self.known("button", name, lambda: next(
+            (found for bar in self.parts("tool bar") if (found := bar.find(name=name))), None))
+
+    def rows(self, list_name):
+        view = self.list_named(list_name)
+        return view.rows() if view else []
 
     def row(self, list_name, accept):
-        """The cells of the first row that `accept` likes (given all its cells), or None."""
-        view = self.list_named(list_name)
-        return next((cells for cells in view.rows() if accept(cells)), None) if view else None
+        """The first row that `accept` likes, or None."""
+        return next((row for row in self.rows(list_name) if accept(row)), None)
 
     def symbol_row(self, list_name, symbol=SYMBOL):
         return self.row(list_name, lambda cells: cells[0].name == symbol)
 
     def texts(self, list_name):
         """All rows of a list as texts."""
-        view = self.list_named(list_name)
-        return [[cell.name for cell in cells] for cells in view.rows()] if view else []
+        return [row.texts for row in self.rows(list_name)]
 
     def label(self, accept):
         return self.part("label", accept=lambda item: accept(item.text()))
 
+    def charts(self):
+        """The charts that can be seen: the one in front, or all while none is maximised."""
+        area = self.chart_area()
+        frames = [item for item in area.children() if item.role == "frame" and item.shown] if area else []
+        # One that lies behind a maximised one counts as shown, but keeps a smaller size.
+        return [chart for frame in ([frame for frame in frames if frame.width == area.width] or frames)
+                if (chart := frame.find(accept=lambda item: item.name.startswith("Chart ")))]
+
+    def chart_area(self):
+        return self.known("layered pane", "", lambda: next(iter(self.parts("layered pane")), None))
+
     def has_chart(self, symbol, timeframe=""):
-        """The chart whose title starts like this, once it has come to rest where it is shown."""
+        """The visible chart whose title starts like this, once it has come to rest."""
         last = []
 
         def at_rest():
-            item = self.part(accept=lambda part: part.name.startswith(f"Chart {symbol},{timeframe}"))
+            item = next((item for item in self.charts() if item.name.startswith(f"Chart {symbol},{timeframe}")), None)
             place = item and (item.x, item.y, item.width, item.height)
             last.append(place)
             return item if place and last[-2:] == [place, place] else None
@@ -124,21 +167,25 @@ class Stage:
     def open_tab(self, name):
         """Brings a page of the Toolbox to the front; each holds a list of the same name."""
         if not self.wait(lambda: self.list_named(name), 0):
-            self.click(self.wait(lambda: self.part("page tab", name)))
+            self.click(self.wait(lambda: self.known("page tab", name, lambda: self.part("page tab", name))))
             self.wait(lambda: self.list_named(name))
 
     def choose(self, menu, *entries):
         """Chooses from the menu bar with the mouse."""
-        self.click(self.wait(lambda: self.part("menu bar").find("menu item", menu)))
-        for entry in entries:
-            item = self.wait(lambda wanted=entry: self.part("menu bar").find(name=wanted))
+        item = self.wait(lambda: self.parts("menu bar")[0])
+        for wanted in (menu, *entries):
+            item = self.wait(lambda above=item, name=wanted: above.again().find(name=name, accept=self._is_choice))
             if not item:
-                raise StepFailed(f"{menu} > {' > '.join(entries)}: there is no {entry}")
+                raise StepFailed(f"{menu} > {' > '.join(entries)}: there is no {wanted}")
             self.click(item)
+
+    @staticmethod
+    def _is_choice(item):
+        return item.role.endswith("menu item")
 
     def press(self, button):
         """Presses a button of a toolbar."""
-        self.click(self.wait(lambda: self.part("tool bar", accept=lambda bar: bar.find(name=button)).find(name=button)))
+        self.click(self.wait(lambda: self.tool_button(button)))
 
     def press_in(self, window, button):
         """Presses a button of a dialog as soon as it can be pressed."""
@@ -157,11 +204,7 @@ class Stage:
             raise StepFailed(f"no context menu opened at {x}, {y}")
         self.desktop.key(*keys)
 
-    def journal_lines(self, part):
-        self.open_tab("Journal")
-        view = self.list_named("Journal")
-        return [row[2].name for row in view.rows() if part in row[2].name] if view else []
-
     def journal_line(self, part):
         """The newest line of the Journal that holds this text."""
-        return next(iter(reversed(self.journal_lines(part))), None)
+        self.open_tab("Journal")
+        return next((row[2].name for row in reversed(self.rows("Journal")) if part in row[2].name), None)

@@ -21,8 +21,6 @@ from stage import Stage, StepFailed  # noqa: E402
 
 
 def look_around(stage):
-    market.watch_prices(stage)
-    market.open_chart(stage)
     market.toggle_docks(stage)
     market.pop_prices_up(stage)
     market.show_depth(stage)
@@ -41,29 +39,32 @@ def chart(stage):
 
 
 def dress(stage):
-    """Themes and colours, with a portrait of each."""
+    """Themes and colours, with a portrait of each. What the light theme, which stays on, looks like."""
     stage.open_tab("Trade")
     stage.portrait("terminal-dark.png")
-    charting.switch_theme(stage, "Light")
+    light = charting.switch_theme(stage, "Light")
     stage.portrait("terminal-light.png")
     charting.choose_preset(stage, "Black/White", (0xFF, 0xFF, 0xFF))
-    charting.switch_theme(stage, "Dark")
     charting.choose_preset(stage, "Qlon Green/Black", (0, 0, 0))
     charting.choose_background(stage)
+    return light
 
 
 def take(stage):
     sign_in.mistype_the_password(stage)
     sign_in.sign_in(stage, "start")
     warnings.see_the_news_warning(stage)
+    market.watch_prices(stage)
+    market.open_chart(stage)
+    plan = experts.let_loose(stage)
     look_around(stage)
     chart(stage)
     first, order = trading.set_up(stage)
-    dress(stage)
+    light = dress(stage)
+    closed = experts.see_them_trade(stage, plan)
     returning.lose_the_platform(stage, first)
-    returning.restart(stage, first)
-    closed = trading.clear_up(stage, first, order)
-    closed += experts.let_scripts_trade(stage)
+    returning.restart(stage, first, light)
+    closed += trading.clear_up(stage, first, order)
     warnings.set_an_alert(stage)
     shown = records.compare_history(stage, "demo", stage.platform.demo_account(), closed)
     lost = challenge.fail_the_challenge(stage)

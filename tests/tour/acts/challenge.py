@@ -1,6 +1,6 @@
 """A challenge that ends by its rule: five per cent of the day's equity lost."""
 
-from acts.trading import buy_with_one_click, trade_row
+from acts.trading import buy_with_one_click
 from acts.warnings import balloon
 from played_market import FALLING
 
@@ -25,7 +25,7 @@ def fail_the_challenge(stage):
     stage.seen("failed", told, f"the loss reached the limit; a balloon says: {told}")
     ended = account()
     lost = float(ended["initialBalance"]) - float(ended["balance"])
-    stage.seen("failed-record", ended["status"] == "FAILED" and 1250 <= lost < 1600,
+    stage.seen("failed-record", ended["status"] == "FAILED" and 1250 <= lost < 2500,  # twice as much breaks another rule
                f"the platform failed the account at a loss of {lost:.2f} from 25 000")
     said = stage.wait(lambda: stage.journal_line("status changed to FAILED"))
     stage.seen("failed-journal", said and ended["id"] in said, f"the Journal says: {said}")

@@ -22,31 +22,69 @@ def place(stage, name, kind, *places):
 
 
 def draw_the_five_objects(stage):
+    """Where no level of a trade, nor its text at the left, comes to lie upon them later."""
     stage.choose("Insert", "Objects", "Horizontal Line")
-    place(stage, "horizontal", "hline", (0.5, 0.30))
+    place(stage, "horizontal", "hline", (0.5, 0.24))
     stage.press("Vertical Line")
-    place(stage, "vertical", "vline", (0.30, 0.5))
+    place(stage, "vertical", "vline", (0.62, 0.5))
     stage.press("Trend Line")
-    place(stage, "trend", "trendline", (0.35, 0.80), (0.60, 0.55))
+    place(stage, "trend", "trendline", (0.42, 0.80), (0.59, 0.55))
     stage.choose("Insert", "Objects", "Rectangle")
     place(stage, "rectangle", "rectangle", (0.66, 0.35), (0.80, 0.65))
     # The fourth entry of the chart's own menu holds the objects, the fifth of those is this one.
     stage.context_menu(*stage.chart().at(0.5, 0.9), *["Down"] * 4, "Right", *["Down"] * 4, "Return")
-    place(stage, "fibonacci", "fibonacci", (0.04, 0.85), (0.22, 0.25))
+    place(stage, "fibonacci", "fibonacci", (0.22, 0.92), (0.33, 0.20))
+    stage.desktop.move(5, 5)
+    chart = stage.chart()
+    painted = stage.wait(lambda: painted_objects(chart))
+    stage.seen("five-objects", painted, f"all five stand on the chart: {painted}")
+
+
+def painted_objects(chart):
+    """Where each of the five objects is painted, in pixels; None unless every one is there. The pointer
+    must be elsewhere. What other lines cross the places looked at have other colours."""
+    rows = chart.rows()
+
+    def column(x):
+        return [y for y, row in enumerate(rows) if row[x * 3:x * 3 + 3] == bytes(paint.DRAWING)]
+
+    def across(share):
+        return int(chart.width * share)
+
+    horizontal = column(across(0.9))
+    if len(horizontal) != 1:
+        return None
+    # A bar that has closed since they were drawn has moved them all to the left by its width.
+    vertical = max(range(across(0.60), across(0.63)), key=lambda x: len(column(x)))
+    levels, trend, edges = ([y for y in column(across(share)) if y not in horizontal] for share in (0.27, 0.54, 0.73))
+    if len(column(vertical)) < chart.height // 2 or len(levels) != 7 or len(trend) != 1 or len(edges) != 2:
+        return None
+    beside = rows[(3 * edges[0] + edges[1]) // 4]
+    sides = [x for x in range(across(0.64), across(0.86)) if beside[x * 3:x * 3 + 3] == bytes(paint.DRAWING)]
+    if len(sides) != 2:
+        return None
+    return {"hline": horizontal, "vline": [vertical], "trendline": trend, "rectangle": sides + edges,
+            "fibonacci": levels}
+
+
+def same_places(before, after):
+    """Whether both agree, but for the width of one bar."""
+    return bool(after) and all(abs(a - b) <= (8 if kind in ("vline", "rectangle") else 3)
+                               for kind in before for a, b in zip(before[kind], after[kind], strict=True))
 
 
 def delete_an_object(stage):
     stage.press("Horizontal Line")
-    place(stage, "second-horizontal", "hline", (0.5, 0.15))
+    place(stage, "second-horizontal", "hline", (0.5, 0.13))
     chart = stage.chart()
     stage.desktop.move(5, 5)
-    lines = stage.wait(lambda: chart.lines(paint.DRAWING, 0.8))
-    stage.desktop.click(chart.at(0.9, 0)[0], lines[0])
+    both = stage.wait(lambda: len(found := chart.lines(paint.DRAWING, 0.8)) == 2 and found)
+    stage.desktop.click(chart.at(0.9, 0)[0], both[0])
     stage.desktop.move(5, 5)
     selected = stage.wait(lambda: len(chart.lines(paint.DRAWING, 0.8)) == 3)
     stage.seen("selected", selected, "a click selects the line, which grows to two pixels")
     stage.desktop.key("Delete")
-    deleted = stage.wait(lambda: kept_objects(stage) == FIVE_OBJECTS)
+    deleted = stage.wait(lambda: kept_objects(stage) == FIVE_OBJECTS and chart.lines(paint.DRAWING, 0.8) == both[1:])
     stage.seen("deleted", deleted, "Delete removes it, here and on the platform; the five others stay")
 
 
@@ -59,9 +97,8 @@ def change_the_type(stage):
     bars = stage.wait(lambda: chart.count(paint.CANDLES[0]) and not chart.count(paint.LINE))
     stage.seen("type-bars", bars, "the menu made it a bar chart")
     stage.context_menu(*chart.at(0.5, 0.9), *["Down"] * 5, "Right", "Return")
-    bar_button = stage.wait(lambda: stage.part("tool bar", accept=lambda bar: bar.find(name="Bars"))
-                            .find(name="Candlesticks", accept=lambda button: button.has("CHECKED")))
-    stage.seen("type-candles", bar_button, "its own menu brought the candles back, and the toolbar knows")
+    stage.seen("type-candles", stage.wait(lambda: chart.count(paint.CANDLES[0]) and is_pressed(stage, "Candlesticks")),
+               "its own menu brought the candles back, and the toolbar knows")
 
 
 def change_the_timeframe(stage):
@@ -105,6 +142,11 @@ def add_indicators(stage):
     stage.seen("two-averages", both, "two averages, the second by a double-click in the Navigator")
     stage.choose("Insert", "Indicators", "Relative Strength Index")
     stage.seen("strength", stage.wait(lambda: chart.count(paint.STRENGTH) > 50), "RSI has a pane of its own")
+    stage.context_menu(*chart.at(0.5, 0.6), *["Down"] * 3, "Right", "Down", "Down", "Return")
+    stage.seen("strength-removed", stage.wait(lambda: not chart.count(paint.STRENGTH)), "the chart's menu removes it")
+    stage.click(stage.wait(lambda: stage.list_named("Navigator").find(name="Relative Strength Index")), times=2)
+    stage.seen("strength-again", stage.wait(lambda: chart.count(paint.STRENGTH) > 50),
+               "a double-click in the Navigator brings it back")
 
 
 def open_properties(stage):
@@ -141,13 +183,25 @@ def choose_background(stage):
     stage.seen("background", stage.wait(lambda: chart.corner() == OTHER_BACKGROUND), "the chart has the chosen colour")
 
 
-def switch_theme(stage, name):
+def theme_sample(stage):
+    """A few pixels of the menu bar, where no menu is."""
     window = stage.main_window()
-    corner = (window.x + window.width - 40, window.y + 10, 8, 8)
-    before = stage.desktop.pixels(*corner)
+    return stage.desktop.pixels(window.x + window.width - 40, window.y + 10, 8, 8)
+
+
+def switch_theme(stage, name):
+    """The sample of the new theme."""
+    before = theme_sample(stage)
     stage.choose("View", "Theme", name)
-    changed = stage.wait(lambda: stage.desktop.pixels(*corner) != before)
+    changed = stage.wait(lambda: theme_sample(stage) != before)
     stage.seen(f"theme-{name.lower()}", changed, f"the {name} theme is on")
+    return theme_sample(stage)
+
+
+def is_pressed(stage, button):
+    """Whether a button of a toolbar looks pressed."""
+    item = stage.tool_button(button)
+    return item and item.has("CHECKED")
 
 
 def point_and_measure(stage):
@@ -184,14 +238,12 @@ def show_data_window(stage):
 
 
 def arrange_charts(stage, other):
-    """Opens a second chart, tiles and cascades both, closes it, and maximises the first again."""
-    stage.click(stage.symbol_row("Market Watch", other)[0], times=2)
-    stage.seen("second-chart", stage.has_chart(other), f"a chart of {other} beside it")
+    """Tiles and cascades the chart and one of another symbol that is open."""
     stage.choose("Window", "Tile")
     tiled = stage.wait(lambda: (a := stage.chart(SYMBOL)) and (b := stage.chart(other))
                        and (a.x + a.width <= b.x or b.x + b.width <= a.x or a.y + a.height <= b.y
                             or b.y + b.height <= a.y))
-    stage.seen("tile", tiled, "Tile puts both side by side")
+    stage.seen("tile", tiled, f"Tile puts the charts of {SYMBOL} and {other} side by side")
     stage.choose("Window", "Cascade")
     cascaded = stage.wait(lambda: (a := stage.chart(SYMBOL)) and (b := stage.chart(other))
                           and 0 < abs(a.x - b.x) < a.width and 0 < abs(a.y - b.y) < a.height)

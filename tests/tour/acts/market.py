@@ -25,8 +25,7 @@ def watch_prices(stage):
 def open_chart(stage):
     stage.click(stage.symbol_row("Market Watch")[0], times=2)
     stage.seen("chart", stage.has_chart(SYMBOL), "a double-click opened one chart")
-    charts = [item.name for item in stage.main_window().find_all(
-        shown=False, accept=lambda item: item.name.startswith(f"Chart {SYMBOL}"))]
+    charts = [item.name for item in stage.chart_area().children() if item.role == "frame"]
     stage.seen("one-chart", len(charts) == 1, f"and only one: {charts}")
     loaded = stage.wait(lambda: stage.journal_line("candles loaded"))
     stage.seen("history", loaded, f"the Journal says: {loaded}")
@@ -38,6 +37,7 @@ def open_chart(stage):
 
 
 def toggle_docks(stage):
+    stage.open_tab("Journal")
     for key, name in (("ctrl+m", "Market Watch"), ("ctrl+t", "Journal")):
         stage.desktop.key(key)
         stage.seen(f"{key}-hidden", stage.wait(lambda: not stage.list_named(name)), f"{key} hides the pane")

@@ -43,15 +43,18 @@ def buy(stage):
     profit = stage.wait(lambda: (now := ticket_row(stage, ticket)[11].name) != before and now, 60)
     stage.seen("profit", profit, f"its profit follows the feed: {before} became {profit}")
     stage.seen("summary", stage.label(lambda text: "Equity:" in text), "the account line stands under it")
-    trades = stage.platform.trades("open")
-    ours = len(trades) == 1 and trades[0]["symbol"] == SYMBOL and trades[0]["type"] == "BUY"
-    stage.seen("record", ours and trades[0]["id"].startswith(ticket), f"the platform's own record agrees: {ticket}")
+    trades = [trade for trade in stage.platform.trades("open") if trade["symbol"] == SYMBOL]
+    ours = len(trades) == 1 and trades[0]["type"] == "BUY" and trades[0]["id"].startswith(ticket)
+    stage.seen("record", ours, f"the platform's own record agrees: {ticket}")
     return ticket
 
 
 def buy_with_one_click(stage, symbol, lots):
     """Types a volume into the panel on the active chart and buys; the new position's row."""
-    before = {trade["id"] for trade in stage.platform.trades("open")}
+    def held():
+        return {trade["id"]: trade for trade in stage.platform.trades("open") if trade["symbol"] == symbol}
+
+    before = held()
     panel = stage.has_chart(symbol)  # another chart lies behind it and has a panel, too
     volume = stage.wait(lambda: panel.find("spin button", "Volume in lots"))
     stage.click(volume)
@@ -60,9 +63,9 @@ def buy_with_one_click(stage, symbol, lots):
     stage.wait(lambda: volume.text() == lots)
     button = panel.find("push button", accept=lambda item: item.name.startswith("BUY"))
     stage.click(button)
-    new = stage.wait(lambda: [trade for trade in stage.platform.trades("open") if trade["id"] not in before])
-    stage.seen("one-click", len(new) == 1 and (new[0]["symbol"], new[0]["type"]) == (symbol, "BUY")
-               and float(new[0]["lotSize"]) == float(lots), f"one click bought {lots} {symbol}")
+    new = stage.wait(lambda: [trade for ticket, trade in held().items() if ticket not in before])
+    stage.seen("one-click", len(new) == 1 and new[0]["type"] == "BUY" and float(new[0]["lotSize"]) == float(lots),
+               f"one click bought {lots} {symbol}")
     executed = stage.wait(lambda: stage.journal_line(f"One-click BUY {symbol} executed"))
     stage.seen("one-click-journal", executed, f"the Journal says: {executed}")
     ticket = new[0]["id"][:8]
@@ -81,13 +84,18 @@ def type_into(stage, dialog, label, text):
     stage.desktop.type(text)
 
 
-def modify_by_dialog(stage, ticket):
-    """Gives a position a stop loss and a take profit."""
+def modify_by_dialog(stage, ticket, below, above, by_menu=False):
+    """Gives a position a stop loss and a take profit at these distances from the price."""
     price = bid(stage)
-    stop_loss, take_profit = price - 0.0010, price + 0.0014
-    stage.click(trade_row(stage, lambda row: row[1].name == ticket)[0], times=2)
+    stop_loss, take_profit = price - below, price + above
+    row = trade_row(stage, lambda cells: cells[1].name == ticket)
+    if by_menu:
+        stage.context_menu(*row[0].center, "Down", "Down", "Return")
+    else:
+        stage.click(row[0], times=2)
     dialog = stage.titled("Modify Order")
-    stage.seen("modify", dialog, "a double-click on the row opens the modify dialog")
+    stage.seen("modify", dialog, f"{'Modify in the menu of the row' if by_menu else 'a double-click on the row'} "
+               "opens the modify dialog")
     type_into(stage, dialog, "Stop Loss:", f"{stop_loss:.5f}".replace(".", ","))  # a comma counts as a point
     type_into(stage, dialog, "Take Profit:", f"{take_profit:.5f}")
     stage.seen("modify-filled", True, f"{stop_loss:.5f} and {take_profit:.5f} are typed")
@@ -100,22 +108,37 @@ def modify_by_dialog(stage, ticket):
     stage.seen("modified-record", [kept["stopLoss"], kept["takeProfit"]] == wanted, "and so does the platform")
 
 
+def kept_levels(stage):
+    """Every level that the platform has for the chart's symbol, by ticket and name."""
+    return {(trade["id"][:8], level): float(trade[level] or 0)
+            for kind in ("open", "pending") for trade in stage.platform.trades(kind) if trade["symbol"] == SYMBOL
+            for level in ("stopLoss", "takeProfit", "pendingPrice")}
+
+
 def drag_level(stage, ticket, name, colour, kind, field, down):
-    """Drags the lowest line of this colour by some pixels and waits for the row, the line and the record."""
+    """Drags the lowest line of this colour, which must be the ticket's, down by some pixels and waits for the
+    line and the record: of all levels on the chart, only this one changes."""
     chart = stage.chart()
     stage.desktop.move(5, 5)
     pointed = stage.wait(lambda: chart.lines(colour))
     stage.seen(f"{name}-line", pointed, "the chart shows the level as a line")
-    before = float((record(stage, ticket) or record(stage, ticket, "pending"))[field])
-    across = chart.at(0.55, 0)[0]
-    stage.desktop.drag((across, pointed[-1]), (across, pointed[-1] + down))
-    stage.seen(f"{name}-held", stage.wait(lambda: chart.lines(colour)), "while it is dragged, the line follows the hand")
+    before = kept_levels(stage)
+    across, target = chart.at(0.55, 0)[0], pointed[-1] + down
+
+    def line_at_target(share):
+        return any(abs(line - target) <= 1 for line in chart.lines(colour, share))
+
+    stage.desktop.drag((across, pointed[-1]), (across, target))
+    held = stage.wait(lambda: line_at_target(0.2))  # the crosshair lies over it
+    stage.seen(f"{name}-held", held, "while it is dragged, the line follows the hand")
     stage.desktop.drop()
     stage.desktop.move(5, 5)
-    moved = stage.wait(lambda: (now := float((record(stage, ticket) or record(stage, ticket, "pending"))[field]))
-                       != before and now)
-    stage.seen(f"{name}-moved", moved and (moved < before) == (down > 0), f"the platform moved it from {before} to {moved}")
-    there = stage.wait(lambda: any(abs(line - pointed[-1] - down) <= 1 for line in chart.lines(colour)))
+    after = stage.wait(lambda: (now := kept_levels(stage)) != before and now) or before
+    changed = {key: after.get(key) for key in before if after.get(key) != before[key]}
+    moved = changed.get((ticket, field), 0)
+    stage.seen(f"{name}-moved", list(changed) == [(ticket, field)] and 0 < moved < before[ticket, field],
+               f"the platform moved it from {before[ticket, field]:.5f} to {moved:.5f}, and no other level")
+    there = stage.wait(lambda: line_at_target(0.3))
     stage.seen(f"{name}-there", there, "and its line lies where it was dropped")
     said = stage.wait(lambda: stage.journal_line(f"{kind} moved to "))
     stage.seen(f"{name}-journal", said and abs(float(said.split()[-1]) - moved) < 1e-9, f"the Journal says: {said}")
@@ -129,7 +152,7 @@ def place_limit(stage):
     type_into(stage, dialog, "Price:", f"{price:.5f}")
     stage.press_in(dialog, "Buy Limit")
     stage.gone("Order: ")
-    pending = stage.wait(lambda: stage.platform.trades("pending"))
+    pending = stage.wait(lambda: stage.platform.trades("pending")) or []
     stage.seen("limit", len(pending) == 1 and pending[0]["pendingPrice"] == f"{price:.5f}", "a limit order waits")
     ticket = pending[0]["id"][:8]
     cells = trade_row(stage, lambda row: row[1].name == ticket)
@@ -160,16 +183,19 @@ def close(stage, ticket):
 def set_up(stage):
     """A position with a stop loss and a take profit, and a limit order; their tickets."""
     ticket = buy(stage)
-    modify_by_dialog(stage, ticket)
+    modify_by_dialog(stage, ticket, 0.0010, 0.0014)
     drag_level(stage, ticket, "stop-loss", paint.STOP_LOSS, "SL", "stopLoss", 8)
     return ticket, place_limit(stage)
 
 
 def clear_up(stage, ticket, order):
-    """Ends all of that, and a one-click position on the way; the tickets of what was closed."""
+    """Ends all of that, and a one-click position on the way, which gets a stop loss below the other's; the
+    tickets of what was closed."""
     drag_level(stage, order, "limit", paint.PENDING, "PRICE", "pendingPrice", 8)
     cancel(stage, order)
     second = buy_with_one_click(stage, SYMBOL, "0.10")
+    modify_by_dialog(stage, second, 0.0016, 0.0019, by_menu=True)
+    drag_level(stage, second, "one-click-stop-loss", paint.STOP_LOSS, "SL", "stopLoss", 8)
     close(stage, second)
     close(stage, ticket)
     return [ticket, second]

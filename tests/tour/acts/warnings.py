@@ -46,11 +46,12 @@ def set_an_alert(stage):
     stage.desktop.key("Return")
     stage.click(next(item for item in dialog.find_all("combo box") if item.y > symbol.y))
     stage.desktop.key("End", "Return")
-    price = bid(stage, FALLING) - 0.0008
+    price = bid(stage, FALLING) - 0.0012
     type_into(stage, dialog, "Price:", f"{price:.5f}")
     stage.press_in(dialog, "OK")
-    row = stage.wait(lambda: stage.texts("Alerts") == [[FALLING, "Bid ≤", f"{price:.5f}", "Active"]])
-    stage.seen("alert", row, f"an alert is set: {stage.texts('Alerts')}")
+    alert = stage.wait(lambda: (shown := stage.texts("Alerts")) and shown[0][:3] == [FALLING, "Bid ≤", f"{price:.5f}"]
+                       and shown)
+    stage.seen("alert", alert and len(alert) == 1, f"an alert is set: {alert}")
     told = balloon(stage, f"Price Alert — {FALLING}", lambda text: text.startswith(f"{FALLING} ≤ {price:.5f} (now "), 60)
     stage.seen("alert-fired", told, f"it fires, and a balloon says so: {told}")
     fired = stage.wait(lambda: stage.texts("Alerts") == [[FALLING, "Bid ≤", f"{price:.5f}", "Triggered"]])
