@@ -9,13 +9,18 @@ constexpr int side = 16;
 
 template <typename Draw> QIcon drawn(const Draw& draw)
 {
-    QPixmap pixmap(side, side);
-    pixmap.fill(Qt::transparent);
-    QPainter painter(&pixmap);
-    painter.setRenderHint(QPainter::Antialiasing);
-    draw(painter);
-    painter.end();
-    return QIcon(pixmap);
+    QIcon icon;
+    for (const int ratio : {1, 2}) { // crisp on either screen
+        QPixmap pixmap(side * ratio, side * ratio);
+        pixmap.setDevicePixelRatio(ratio);
+        pixmap.fill(Qt::transparent);
+        QPainter painter(&pixmap);
+        painter.setRenderHint(QPainter::Antialiasing);
+        draw(painter);
+        painter.end();
+        icon.addPixmap(pixmap);
+    }
+    return icon;
 }
 
 QIcon triangle(const QColor& color, const QPolygonF& corners)

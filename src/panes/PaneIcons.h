@@ -4,7 +4,7 @@
 
 class QColor;
 
-/// The small icons of the panes, drawn in code at 16 by 16 pixels.
+/// The small icons of the panes, drawn in code at 16 by 16 pixels for pixel ratios 1 and 2.
 
 /// A filled triangle: the price rose, or fell.
 [[nodiscard]] QIcon upArrowIcon(const QColor& color);

@@ -32,6 +32,7 @@ void TestAccountLabel::labels_data()
     row("phase 1 of 2", R"({"Plan":{"name":"Gold","steps":2},"phase":1})", u"Gold — Challenge 1/2"_s);
     row("the phase is capped at the steps", R"({"Plan":{"name":"Gold","steps":3},"phase":4})",
         u"Gold — Challenge 3/3"_s);
+    row("no steps at all", R"({"Plan":{"name":"Gold","steps":0},"phase":2})", u"Gold — Challenge"_s);
     row("an empty record", "{}", u"Account — Challenge"_s);
     row("an empty plan name", R"({"Plan":{"name":"","steps":2}})", u"Account — Challenge 1/2"_s);
     row("wrong types read as their defaults",

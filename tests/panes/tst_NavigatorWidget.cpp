@@ -46,6 +46,13 @@ QImage iconOf(const QTreeWidgetItem* item)
     return item->icon(0).pixmap(16, 16).toImage();
 }
 
+bool isBlank(const QImage& image)
+{
+    QImage nothing(image.size(), QImage::Format_ARGB32_Premultiplied);
+    nothing.fill(Qt::transparent);
+    return image.convertToFormat(nothing.format()) == nothing;
+}
+
 } // namespace
 
 class TestNavigatorWidget final : public QObject {
@@ -59,9 +66,12 @@ private Q_SLOTS:
     void oddAccountsDoNoHarm();
     void doubleClicksSayWhatIsWanted();
     void foldersAndDisabledEntriesSayNothing();
+    void prefixesAreComparedExactly();
+    void newEntriesUnfoldTheirFolder();
     void listsScriptsByBaseName();
     void tabsDoNotTouchTheTree();
     void iconsFollowTheTheme();
+    void iconsShowDetailAtAHighRatio();
 };
 
 void TestNavigatorWidget::hasItsFoldersAndIndicatorsFromTheStart()
@@ -78,8 +88,12 @@ void TestNavigatorWidget::hasItsFoldersAndIndicatorsFromTheStart()
     QCOMPARE(navigator.indicators()->child(2)->data(0, Qt::UserRole).toString(), u"indicator:rsi"_s);
     QCOMPARE(childTexts(navigator.experts()), QStringList{u"(none installed)"_s});
     QVERIFY(navigator.experts()->child(0)->isDisabled());
+    for (const QTreeWidgetItem* item : {navigator.root(), navigator.accounts(), navigator.indicators(),
+             navigator.experts(), navigator.experts()->child(0)})
+        QVERIFY2(!item->data(0, Qt::UserRole).isValid(), qPrintable(item->text(0)));
     QVERIFY(navigator.root()->isExpanded() && navigator.accounts()->isExpanded()
         && navigator.indicators()->isExpanded() && navigator.experts()->isExpanded());
+    QCOMPARE(navigator.tree->columnCount(), 1);
     QVERIFY(navigator.tree->isHeaderHidden());
     QCOMPARE(navigator.tree->indentation(), 14);
 }
@@ -89,11 +103,10 @@ void TestNavigatorWidget::listsAccountsWithRoundedBalance()
     Navigator navigator;
     navigator.widget.setAccounts(parseArray(R"([{"id":"w","isWallet":true,"balance":10000.6},
         {"id":"d","type":"DEMO","balance":"99999.4"},{"id":"p","Plan":{"name":"Gold","steps":2},"phase":2},
-        {"id":"x","type":"DEMO","balance":"nan"}])"));
+        {"id":"x","type":"DEMO","balance":"nan"},{"id":"m","Plan":{"name":"%2"},"balance":7}])"));
     QCOMPARE(childTexts(navigator.accounts()),
-        (QStringList{
-            u"Real  (10001)"_s, u"Demo  (99999)"_s, u"Gold — Challenge 2/2  (0)"_s, u"Demo  (0)"_s}));
-    QVERIFY(navigator.accounts()->isExpanded());
+        (QStringList{u"Real  (10001)"_s, u"Demo  (99999)"_s, u"Gold — Challenge 2/2  (0)"_s, u"Demo  (0)"_s,
+            u"%2 — Challenge  (7)"_s}));
     navigator.widget.setAccounts({});
     QCOMPARE(navigator.accounts()->childCount(), 0);
 }
@@ -160,10 +173,41 @@ void TestNavigatorWidget::foldersAndDisabledEntriesSayNothing()
     QSignalSpy accounts(&navigator.widget, &NavigatorWidget::accountActivated);
     QSignalSpy indicators(&navigator.widget, &NavigatorWidget::indicatorActivated);
     QSignalSpy experts(&navigator.widget, &NavigatorWidget::expertActivated);
+    const QSignalSpy clicks(navigator.tree, &QTreeWidget::itemDoubleClicked);
     navigator.doubleClick(navigator.experts()->child(0));
-    navigator.doubleClick(navigator.indicators());
-    navigator.doubleClick(navigator.root());
+    // A double-click folds what is below, so from the bottom up.
+    for (QTreeWidgetItem* folder :
+        {navigator.experts(), navigator.indicators(), navigator.accounts(), navigator.root()})
+        navigator.doubleClick(folder);
+    QVERIFY(clicks.size() >= 4);
     QCOMPARE(accounts.size() + indicators.size() + experts.size(), 0);
+}
+
+void TestNavigatorWidget::prefixesAreComparedExactly()
+{
+    const Navigator navigator;
+    QSignalSpy accounts(&navigator.widget, &NavigatorWidget::accountActivated);
+    QSignalSpy indicators(&navigator.widget, &NavigatorWidget::indicatorActivated);
+    QSignalSpy experts(&navigator.widget, &NavigatorWidget::expertActivated);
+    QTreeWidgetItem* item = navigator.indicators()->child(0);
+    const QSignalSpy clicks(navigator.tree, &QTreeWidget::itemDoubleClicked);
+    for (const auto& key : {u"Account:a"_s, u"INDICATOR:sma"_s, u"eXpert:/a.js"_s, u" account:a"_s}) {
+        item->setData(0, Qt::UserRole, key);
+        navigator.doubleClick(item);
+    }
+    QCOMPARE(clicks.size(), 4);
+    QCOMPARE(accounts.size() + indicators.size() + experts.size(), 0);
+}
+
+void TestNavigatorWidget::newEntriesUnfoldTheirFolder()
+{
+    Navigator navigator;
+    navigator.accounts()->setExpanded(false);
+    navigator.experts()->setExpanded(false);
+    navigator.widget.setAccounts(parseArray(R"([{"id":"a"}])"));
+    navigator.widget.setExperts({u"/s/grid.js"_s});
+    QVERIFY(navigator.accounts()->isExpanded());
+    QVERIFY(navigator.experts()->isExpanded());
 }
 
 void TestNavigatorWidget::listsScriptsByBaseName()
@@ -173,7 +217,8 @@ void TestNavigatorWidget::listsScriptsByBaseName()
     QCOMPARE(childTexts(navigator.experts()), (QStringList{u"trend.v2"_s, u"grid"_s}));
     QCOMPARE(navigator.experts()->child(0)->toolTip(0), u"Double-click to attach to the active chart"_s);
     QVERIFY(!navigator.experts()->child(0)->isDisabled());
-    QVERIFY(navigator.experts()->isExpanded());
+    navigator.widget.setExperts({u"/s/two\nlines.js"_s});
+    QCOMPARE(childTexts(navigator.experts()), QStringList{u"two lines"_s});
     navigator.widget.setExperts({});
     QCOMPARE(childTexts(navigator.experts()), QStringList{u"(none installed)"_s});
     QVERIFY(navigator.experts()->child(0)->isDisabled());
@@ -186,7 +231,7 @@ void TestNavigatorWidget::tabsDoNotTouchTheTree()
     QCOMPARE(tabs->count(), 2);
     QCOMPARE(tabs->shape(), QTabBar::RoundedSouth);
     QVERIFY(!tabs->expanding());
-    QVERIFY(tabs->y() >= navigator.tree->geometry().bottom());
+    QCOMPARE(tabs->y(), navigator.tree->geometry().bottom() + 1);
     QCOMPARE(navigator.tree->pos(), QPoint(0, 0));
     QCOMPARE(navigator.tree->width(), navigator.widget.width());
     QCOMPARE(tabs->geometry().bottom(), navigator.widget.rect().bottom());
@@ -207,8 +252,13 @@ void TestNavigatorWidget::iconsFollowTheTheme()
     const QList<QTreeWidgetItem*> items{navigator.accounts(), navigator.accounts()->child(0),
         navigator.indicators()->child(0), navigator.experts()->child(0)};
     QList<QImage> light;
-    for (const QTreeWidgetItem* item : items)
+    for (const QTreeWidgetItem* item : items) {
         light.append(iconOf(item));
+        QVERIFY2(!isBlank(light.constLast()), qPrintable(item->text(0)));
+    }
+    for (int i = 1; i < 3; ++i)
+        QCOMPARE(iconOf(navigator.indicators()->child(i)), iconOf(navigator.indicators()->child(0)));
+    QVERIFY(!isBlank(iconOf(navigator.root())));
     for (int i = 0; i < light.size(); ++i) {
         for (int k = 0; k < i; ++k)
             QVERIFY2(light.at(i) != light.at(k), qPrintable(items.at(i)->text(0)));
@@ -224,6 +274,24 @@ void TestNavigatorWidget::iconsFollowTheTheme()
     applyTheme(*qApp);
     for (int i = 0; i < items.size(); ++i)
         QTRY_COMPARE(iconOf(items.at(i)), light.at(i));
+}
+
+void TestNavigatorWidget::iconsShowDetailAtAHighRatio()
+{
+    Navigator navigator;
+    navigator.widget.setAccounts(parseArray(R"([{"id":"a"}])"));
+    for (const QTreeWidgetItem* item : {navigator.accounts(), navigator.accounts()->child(0),
+             navigator.indicators()->child(0), navigator.experts()}) {
+        const QPixmap sharp = item->icon(0).pixmap(QSize(16, 16), 2.0);
+        QCOMPARE(sharp.size(), QSize(32, 32));
+        QCOMPARE(sharp.devicePixelRatio(), 2.0);
+        QImage detailed = sharp.toImage();
+        detailed.setDevicePixelRatio(1.0);
+        for (const Qt::TransformationMode mode : {Qt::FastTransformation, Qt::SmoothTransformation}) {
+            const QImage enlarged = iconOf(item).scaled(32, 32, Qt::IgnoreAspectRatio, mode);
+            QVERIFY2(enlarged.convertToFormat(detailed.format()) != detailed, qPrintable(item->text(0)));
+        }
+    }
 }
 
 TAVORAN_TEST_MAIN(TestNavigatorWidget)
