@@ -79,8 +79,8 @@ MainWindow::MainWindow(QWidget* parent)
     connectExperts();
     connectActions();
     connectReports();
-    fillMenuBar(*menuBar(), *m_actions);
-    addToolBars(*this, *m_actions);
+    buildMenus();
+    buildToolbar();
     setUpExperts();
     journal(tr("Terminal"), tr("Tavoran Terminal %1 started").arg(QCoreApplication::applicationVersion()));
     m_docks->startSnapshots();
@@ -116,6 +116,16 @@ void MainWindow::buildTray()
     m_tray = new TrayIcon(this);
     connect(m_tray, &TrayIcon::showRequested, this, &MainWindow::bringToFront);
     connect(m_tray, &TrayIcon::exitRequested, this, &MainWindow::quit);
+}
+
+void MainWindow::buildMenus()
+{
+    fillMenuBar(*menuBar(), *m_actions);
+}
+
+void MainWindow::buildToolbar()
+{
+    addToolBars(*this, *m_actions);
 }
 
 void MainWindow::connectFeed()

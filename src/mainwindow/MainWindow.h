@@ -77,6 +77,8 @@ protected:
 private:
     void buildToolbox();
     void buildTray();
+    void buildMenus();
+    void buildToolbar();
     void connectFeed();
     void connectPanes();
     void connectTrades();
