@@ -3,6 +3,7 @@
 #include "app/NumberFormat.h"
 #include "app/ServerText.h"
 #include "net/JsonNumber.h"
+#include "net/PriceSnapshot.h"
 #include "panes/AccountLabel.h"
 #include "panes/SymbolOrder.h"
 
@@ -18,6 +19,16 @@ constexpr int DefaultDigits = 5;
 bool isTradable(const QJsonObject& account)
 {
     return !jsonBool(account["isWallet"_L1], false) && account["status"_L1].toString() == "ACTIVE"_L1;
+}
+
+QJsonObject recordOf(const Quote& quote)
+{
+    QJsonObject record;
+    if (quote.bid != 0.0)
+        record.insert("bid"_L1, quote.bid);
+    if (quote.ask != 0.0)
+        record.insert("ask"_L1, quote.ask);
+    return record;
 }
 
 } // namespace
@@ -115,21 +126,21 @@ QStringList AccountBook::symbolNames() const
     return names;
 }
 
-void AccountBook::notePrices(const QJsonObject& prices)
+void AccountBook::notePrices(const PriceSnapshot& prices)
 {
-    for (auto it = prices.constBegin(); it != prices.constEnd(); ++it)
-        m_prices.insert(it.key(), it.value());
+    for (const PriceSnapshot::Entry& entry : prices.entries())
+        m_quotes.insert(entry.symbol, entry.quote);
 }
 
 QJsonObject AccountBook::knownPrice(const QString& symbol) const
 {
-    const auto found = m_prices.constFind(symbol);
-    return found == m_prices.cend() ? QJsonObject() : QJsonObject{{symbol, *found}};
+    const auto found = m_quotes.constFind(symbol);
+    return found == m_quotes.cend() ? QJsonObject() : QJsonObject{{symbol, recordOf(*found)}};
 }
 
 Quote AccountBook::knownQuote(const QString& symbol) const
 {
-    return readQuote(m_prices.value(symbol));
+    return m_quotes.value(symbol);
 }
 
 QJsonObject AccountBook::knownTradePrices() const
@@ -138,9 +149,9 @@ QJsonObject AccountBook::knownTradePrices() const
     for (const QJsonArray* list : {&m_openTrades, &m_pendingOrders}) {
         for (const QJsonValue trade : *list) {
             const QString symbol = trade["symbol"_L1].toString();
-            const auto found = m_prices.constFind(symbol);
-            if (found != m_prices.cend())
-                known.insert(symbol, *found);
+            const auto found = m_quotes.constFind(symbol);
+            if (found != m_quotes.cend())
+                known.insert(symbol, recordOf(*found));
         }
     }
     return known;

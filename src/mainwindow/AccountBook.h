@@ -11,6 +11,8 @@
 
 #include <optional>
 
+class PriceSnapshot;
+
 /// The line under the trade list, in account currency.
 struct AccountSummary final {
     double balance = 0.0;
@@ -65,12 +67,13 @@ public:
     [[nodiscard]] const QHash<QString, int>& digits() const { return m_digits; }
 
     /// Remembers the latest quote of every symbol in a snapshot.
-    void notePrices(const QJsonObject& prices);
-    /// The latest quote of one symbol as a snapshot of its own; empty when there is none.
+    void notePrices(const PriceSnapshot& prices);
+    /// The latest quote of one symbol as a price map of its own, without a price that was unreadable; empty
+    /// when there is none.
     [[nodiscard]] QJsonObject knownPrice(const QString& symbol) const;
     /// The same as two prices.
     [[nodiscard]] Quote knownQuote(const QString& symbol) const;
-    /// The latest quotes of the symbols that the current trades are in, as one snapshot.
+    /// The latest quotes of the symbols that the current trades are in, as one price map.
     [[nodiscard]] QJsonObject knownTradePrices() const;
 
 private:
@@ -83,5 +86,5 @@ private:
     QJsonArray m_symbols;
     QHash<QString, QJsonObject> m_symbolsByName;
     QHash<QString, int> m_digits;
-    QHash<QString, QJsonValue> m_prices;
+    QHash<QString, Quote> m_quotes;
 };

@@ -21,6 +21,7 @@
 #include "mainwindow/TradeActions.h"
 #include "mainwindow/TradeDesk.h"
 #include "mainwindow/TrayIcon.h"
+#include "net/PriceSnapshot.h"
 #include "panes/AlertsPane.h"
 #include "panes/MarketWatchWidget.h"
 #include "panes/NavigatorWidget.h"
@@ -234,11 +235,12 @@ void MainWindow::onHello(const QJsonObject& hello)
 
 void MainWindow::onPrices(const QJsonObject& prices)
 {
-    m_book.notePrices(prices);
-    m_marketWatch->updatePrices(prices);
-    m_toolbox->updateCurrentPrices(prices);
+    const PriceSnapshot snapshot(prices);
+    m_book.notePrices(snapshot);
+    m_marketWatch->showQuotes(snapshot);
+    m_toolbox->showQuotes(snapshot);
     m_charts->onPrices(prices);
-    m_alerts->onPrices(prices);
+    m_alerts->checkQuotes(snapshot);
     m_smallWindows->onPrices();
 }
 

@@ -1,12 +1,12 @@
 #include "panes/AlertBook.h"
 
 #include "net/JsonNumber.h"
+#include "net/PriceSnapshot.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>
 
 #include <algorithm>
-#include <limits>
 
 using namespace Qt::StringLiterals;
 
@@ -47,37 +47,27 @@ void AlertBook::removeAt(qsizetype index)
     watchAll();
 }
 
-QList<AlertBook::Fired> AlertBook::check(const QJsonObject& prices)
+QList<AlertBook::Fired> AlertBook::check(const PriceSnapshot& prices)
 {
-    // Looking a symbol up in the snapshot costs several times what passing an entry by costs.
-    constexpr qsizetype lookUpCost = 4;
     QList<Fired> fired;
-    if (m_watched.size() * lookUpCost < prices.size()) {
-        for (auto watched = m_watched.cbegin(); watched != m_watched.cend(); ++watched) {
-            const auto quote = prices.constFind(watched.key());
-            if (quote != prices.constEnd())
-                checkSymbol(watched.key(), *watched, *quote, fired);
-        }
-    } else {
-        for (auto quote = prices.constBegin(); quote != prices.constEnd(); ++quote) {
-            const auto watched = m_watched.constFind(quote.key());
-            if (watched != m_watched.cend())
-                checkSymbol(watched.key(), *watched, *quote, fired);
-        }
+    // Both are in the order of their symbols.
+    auto entry = prices.entries().begin();
+    const auto end = prices.entries().end();
+    for (const auto& [symbol, watched] : m_watched) {
+        while (entry != end && entry->symbol < symbol)
+            ++entry;
+        if (entry == end)
+            break;
+        const double bid = entry->quote.bid;
+        const bool reached = bid >= watched.lowestAbove || bid <= watched.highestBelow;
+        if (reached && bid > 0.0 && entry->symbol == symbol)
+            collect(symbol, bid, fired);
     }
     if (fired.isEmpty())
         return fired;
     std::sort(fired.begin(), fired.end(), [](const Fired& a, const Fired& b) { return a.index < b.index; });
     watchAll();
     return fired;
-}
-
-void AlertBook::checkSymbol(
-    const QString& symbol, const Watch& watched, const QJsonValue& quote, QList<Fired>& fired)
-{
-    const double bid = jsonNumber(quote["bid"_L1]);
-    if (bid > 0.0 && (bid >= watched.lowestAbove || bid <= watched.highestBelow))
-        collect(symbol, bid, fired);
 }
 
 void AlertBook::collect(const QString& symbol, double bid, QList<Fired>& fired)
@@ -97,13 +87,11 @@ void AlertBook::watch(const PriceAlert& alert)
 {
     if (alert.triggered)
         return;
-    constexpr double never = std::numeric_limits<double>::infinity();
-    const auto known = m_watched.find(alert.symbol);
-    const auto entry = known != m_watched.end() ? known : m_watched.insert(alert.symbol, {never, -never});
+    Watch& watched = m_watched[alert.symbol];
     if (alert.above)
-        entry->lowestAbove = std::min(entry->lowestAbove, alert.price);
+        watched.lowestAbove = std::min(watched.lowestAbove, alert.price);
     else
-        entry->highestBelow = std::max(entry->highestBelow, alert.price);
+        watched.highestBelow = std::max(watched.highestBelow, alert.price);
 }
 
 void AlertBook::watchAll()

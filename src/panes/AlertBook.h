@@ -2,12 +2,15 @@
 
 #include "panes/PriceAlert.h"
 
-#include <QHash>
-#include <QJsonObject>
 #include <QList>
 
-/// The price alerts in the order they were made, and which of them a price snapshot sets off. What a snapshot
-/// costs depends on the symbols that are waited for, not on the number of alerts.
+#include <limits>
+#include <map>
+
+class PriceSnapshot;
+
+/// The price alerts in the order they were made, and which of them a price snapshot sets off. However many
+/// there are, of each symbol only the two nearest to its price are looked at.
 class AlertBook final {
 public:
     /// An alert that a snapshot has set off.
@@ -26,23 +29,21 @@ public:
     /// An index outside the list removes nothing.
     void removeAt(qsizetype index);
 
-    /// Marks the alerts that this price map sets off, and returns them in list order. A bid that is missing,
-    /// unreadable or not above 0 sets off none.
-    [[nodiscard]] QList<Fired> check(const QJsonObject& prices);
+    /// Marks the alerts that this snapshot sets off, and returns them in list order. A bid that is not above
+    /// 0 sets off none.
+    [[nodiscard]] QList<Fired> check(const PriceSnapshot& prices);
 
 private:
     /// The nearest thresholds of one symbol's active alerts; a bid between them sets off none.
     struct Watch {
-        double lowestAbove;
-        double highestBelow;
+        double lowestAbove = std::numeric_limits<double>::infinity();
+        double highestBelow = -std::numeric_limits<double>::infinity();
     };
 
     void watch(const PriceAlert& alert);
     void watchAll();
-    void checkSymbol(
-        const QString& symbol, const Watch& watched, const QJsonValue& quote, QList<Fired>& fired);
     void collect(const QString& symbol, double bid, QList<Fired>& fired);
 
     QList<PriceAlert> m_alerts;
-    QHash<QString, Watch> m_watched; ///< of every symbol with an active alert
+    std::map<QString, Watch> m_watched; ///< of every symbol with an active alert
 };

@@ -4,6 +4,7 @@
 #include "app/ServerText.h"
 #include "app/TerminalSettings.h"
 #include "app/Theme.h"
+#include "net/PriceSnapshot.h"
 #include "panes/AlertDialog.h"
 
 #include <QHBoxLayout>
@@ -55,6 +56,11 @@ AlertsPane::AlertsPane(QWidget* parent)
 }
 
 void AlertsPane::onPrices(const QJsonObject& prices)
+{
+    checkQuotes(PriceSnapshot(prices));
+}
+
+void AlertsPane::checkQuotes(const PriceSnapshot& prices)
 {
     const QList<AlertBook::Fired> fired = m_book.check(prices);
     if (fired.isEmpty())

@@ -7,6 +7,7 @@
 #include <QStringList>
 #include <QWidget>
 
+class PriceSnapshot;
 class QTreeWidget;
 
 /// The trader's price alerts: a list kept in the settings, checked against every price snapshot. Sounds and
@@ -23,6 +24,9 @@ public:
     /// The names that a new alert can be made for.
     void setSymbols(const QStringList& symbols) { m_symbols = symbols; }
     [[nodiscard]] const QStringList& symbols() const { return m_symbols; }
+
+    /// The same as onPrices() with a price map that has been read already.
+    void checkQuotes(const PriceSnapshot& prices);
 
 public Q_SLOTS:
     /// A price map keyed by symbol.

@@ -4,7 +4,7 @@
 #include "app/ServerText.h"
 #include "app/Theme.h"
 #include "net/JsonNumber.h"
-#include "net/Quote.h"
+#include "net/PriceSnapshot.h"
 #include "panes/SymbolFacts.h"
 #include "panes/SymbolOrder.h"
 
@@ -178,14 +178,16 @@ void MarketWatchWidget::appendSymbol(const QJsonObject& record)
 
 void MarketWatchWidget::updatePrices(const QJsonObject& prices)
 {
+    showQuotes(PriceSnapshot(prices));
+}
+
+void MarketWatchWidget::showQuotes(const PriceSnapshot& prices)
+{
     refreshLook();
     bool changed = false;
-    for (auto it = prices.constBegin(), end = prices.constEnd(); it != end; ++it) {
-        const auto row = m_symbolRows.find(it.key());
-        if (row == m_symbolRows.end())
-            continue;
-        const Quote quote = readQuote(it.value());
-        if (applyQuote(*row, quote.bid, quote.ask))
+    for (const PriceSnapshot::Entry& entry : prices.entries()) {
+        const auto row = m_symbolRows.find(entry.symbol);
+        if (row != m_symbolRows.end() && applyQuote(*row, entry.quote))
             changed = true;
     }
     // One repaint for the whole snapshot. Announcing the change through the model would make the view
@@ -194,8 +196,9 @@ void MarketWatchWidget::updatePrices(const QJsonObject& prices)
         m_list->viewport()->update();
 }
 
-bool MarketWatchWidget::applyQuote(SymbolRow& row, double bid, double ask)
+bool MarketWatchWidget::applyQuote(SymbolRow& row, const Quote& quote)
 {
+    const auto [bid, ask] = quote;
     bool changed = false;
     if (bid > 0.0 && bid != row.lastBid) {
         row.item->setBid(bid, tickOf(bid, row.lastBid));

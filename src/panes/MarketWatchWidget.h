@@ -6,12 +6,14 @@
 #include <QJsonObject>
 #include <QWidget>
 
+class PriceSnapshot;
 class QAbstractItemModel;
 class QJsonArray;
 class QStackedWidget;
 class QTabBar;
 class QTreeWidget;
 class QTreeWidgetItem;
+struct Quote;
 
 /// The docked list of tradable symbols with live prices and daily change, and a second page with the
 /// contract specification of one symbol. Fed through its slots; asks nobody for anything.
@@ -29,6 +31,9 @@ public:
     /// The list itself, for a second view of it: a row for each symbol, columns as in QuoteItem. Prices
     /// change in it without a signal; such a view repaints after updatePrices().
     [[nodiscard]] QAbstractItemModel& quotes() const;
+
+    /// The same as updatePrices() with a price map that has been read already.
+    void showQuotes(const PriceSnapshot& prices);
 
 public Q_SLOTS:
     /// Replaces the list; prices, colours and arrows start from nothing. Entries without a "name" are
@@ -58,7 +63,7 @@ private:
     void buildLists();
     void activate(const QTreeWidgetItem* item);
     void appendSymbol(const QJsonObject& record);
-    [[nodiscard]] static bool applyQuote(SymbolRow& row, double bid, double ask);
+    [[nodiscard]] static bool applyQuote(SymbolRow& row, const Quote& quote);
     void showPage(int index);
     void showDetails(const QString& symbol);
     void refreshLook();

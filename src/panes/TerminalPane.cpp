@@ -3,7 +3,7 @@
 #include "app/NumberFormat.h"
 #include "app/Theme.h"
 #include "net/JsonNumber.h"
-#include "net/Quote.h"
+#include "net/PriceSnapshot.h"
 #include "panes/LogList.h"
 #include "panes/TradeCells.h"
 #include "panes/TradeItem.h"
@@ -219,8 +219,13 @@ void TerminalPane::updateTradePnl(const QString& tradeId, double profit)
 
 void TerminalPane::updateCurrentPrices(const QJsonObject& prices)
 {
+    showQuotes(PriceSnapshot(prices));
+}
+
+void TerminalPane::showQuotes(const PriceSnapshot& prices)
+{
     for (auto it = m_rowsBySymbol.cbegin(), end = m_rowsBySymbol.cend(); it != end; ++it) {
-        const std::optional<Quote> quote = findQuote(prices, it.key());
+        const Quote* quote = prices.find(it.key());
         if (!quote)
             continue;
         for (TradeItem* item : it->rows) {

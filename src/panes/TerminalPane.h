@@ -6,6 +6,7 @@
 #include <QTabWidget>
 
 class LogList;
+class PriceSnapshot;
 class QLabel;
 class QPoint;
 class QTreeWidget;
@@ -24,6 +25,9 @@ public:
     /// The parent that further pages are best made with: adding them then moves nothing, which under a style
     /// sheet would style everything in them anew.
     [[nodiscard]] QWidget* pageParent() const;
+
+    /// The same as updateCurrentPrices() with a price map that has been read already.
+    void showQuotes(const PriceSnapshot& prices);
 
 public Q_SLOTS:
     /// Appends a line to the Journal tab. Kept for the life of the window.

@@ -1,4 +1,5 @@
 #include "mainwindow/AccountBook.h"
+#include "net/PriceSnapshot.h"
 #include "support/TestMain.h"
 
 #include <QJsonDocument>
@@ -234,8 +235,8 @@ void tst_AccountBook::symbolNamesAreAlphabetical()
 void tst_AccountBook::latestQuoteOfASymbolIsKnown()
 {
     AccountBook book;
-    book.notePrices(object(R"({"A":{"bid":1},"B":{"bid":2}})"));
-    book.notePrices(object(R"({"A":{"bid":3}})"));
+    book.notePrices(PriceSnapshot(object(R"({"A":{"bid":1},"B":{"bid":2}})")));
+    book.notePrices(PriceSnapshot(object(R"({"A":{"bid":3}})")));
     QCOMPARE(book.knownPrice(u"A"_s), object(R"({"A":{"bid":3}})"));
     QCOMPARE(book.knownPrice(u"B"_s), object(R"({"B":{"bid":2}})"));
     QVERIFY(book.knownPrice(u"C"_s).isEmpty());
@@ -244,7 +245,7 @@ void tst_AccountBook::latestQuoteOfASymbolIsKnown()
 void tst_AccountBook::knownTradePricesNameOnlyTradedSymbols()
 {
     AccountBook book;
-    book.notePrices(object(R"({"A":{"bid":1},"B":{"bid":2},"C":{"bid":3}})"));
+    book.notePrices(PriceSnapshot(object(R"({"A":{"bid":1},"B":{"bid":2},"C":{"bid":3}})")));
     book.setTrades(accounts(R"([{"symbol":"A"},{"symbol":"Q"}])"), accounts(R"([{"symbol":"C"}])"));
     QCOMPARE(book.knownTradePrices(), object(R"({"A":{"bid":1},"C":{"bid":3}})"));
 }

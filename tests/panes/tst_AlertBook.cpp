@@ -1,3 +1,4 @@
+#include "net/PriceSnapshot.h"
 #include "panes/AlertBook.h"
 #include "support/ParseJson.h"
 #include "support/TestMain.h"
@@ -19,13 +20,13 @@ QList<qsizetype> indexes(const QList<AlertBook::Fired>& fired)
     return result;
 }
 
-/// Prices of the named symbol among others, so that both ways through a snapshot are taken.
-QJsonObject snapshot(const QString& symbol, const QJsonValue& bid, int others)
+/// Prices of the named symbol among others.
+PriceSnapshot snapshot(const QString& symbol, const QJsonValue& bid, int others)
 {
     QJsonObject prices{{symbol, QJsonObject{{u"bid"_s, bid}}}};
     for (int i = 0; i < others; ++i)
         prices.insert(u"OTHER%1"_s.arg(i), QJsonObject{{u"bid"_s, 1.0}});
-    return prices;
+    return PriceSnapshot(prices);
 }
 
 } // namespace
@@ -109,7 +110,7 @@ void TestAlertBook::firedAlertsComeInListOrder()
     book.add({u"B"_s, true, 1.0, false});
     book.add({u"A"_s, true, 1.0, false});
     book.add({u"B"_s, false, 9.0, false});
-    const QJsonObject prices = parse(R"({"A":{"bid":2},"B":{"bid":2}})");
+    const PriceSnapshot prices(parse(R"({"A":{"bid":2},"B":{"bid":2}})"));
     QCOMPARE(indexes(book.check(prices)), QList<qsizetype>({0, 1, 2}));
 }
 
@@ -178,7 +179,7 @@ void TestAlertBook::agreesWithLookingAtEveryAlert()
             if (!alert.triggered && bid > 0.0 && (alert.above ? bid >= alert.price : bid <= alert.price))
                 expected.append(i);
         }
-        QCOMPARE(indexes(book.check(data)), expected);
+        QCOMPARE(indexes(book.check(PriceSnapshot(data))), expected);
     }
 }
 
