@@ -1,6 +1,7 @@
 """Prints the measured figures beside their targets. Every ratio is of medians taken in one run."""
 
 import json
+import re
 import sys
 from pathlib import Path
 
@@ -35,6 +36,11 @@ ROWS = [
 ]
 EXPERTS = [(experts, f"snapshot/{experts}_charts_with_experts", f"snapshot/{experts}_charts") for experts in (1, 5, 20)]
 INSTRUCTIONS = [("pointer", 1.5), ("tick", None), ("pan", 8.0)]
+SHARES = [
+    # figure, what is done, how often a second, the largest share of one core
+    ("100 snapshots a second, painted: one core", "snapshot/500_moved_100_painted", 100, 40),
+    ("20 experts, 50 ticks a second each: one core", "snapshot/20_charts_with_experts", 50, 10),
+]
 SNAPSHOTS_A_SECOND = ("snapshots of 2 000 a second, all moved", "snapshot/2000_moved_all", 30)
 
 PLATFORM = [
@@ -61,23 +67,31 @@ MEMORY = [
 ]
 
 
-def medians(folder):
-    """Median CPU time in ns by benchmark name; names of other files carry the file's name in front."""
-    found = {}
+def median_entries(folder):
+    """The name of a file and one of its medians, for each; a file that was cut off has none."""
     for path in sorted(folder.glob("*.json")):
-        prefix = "ratio2:" if path.stem == "ratio2" else ""
-        for entry in json.loads(path.read_text())["benchmarks"]:
+        try:
+            entries = json.loads(path.read_text())["benchmarks"]
+        except ValueError:
+            continue
+        for entry in entries:
             if entry.get("aggregate_name") == "median":
-                unit = {"ns": 1.0, "us": 1e3, "ms": 1e6, "s": 1e9}[entry["time_unit"]]
-                found[prefix + entry["run_name"].split("/repeats")[0].removesuffix("/process_time")] = entry["cpu_time"] * unit
+                yield path.stem, entry
+
+
+def medians(folder):
+    """Median CPU time in ns by benchmark name; those at pixel ratio 2 carry "ratio2:" in front."""
+    found = {}
+    for stem, entry in median_entries(folder):
+        name = entry["run_name"].split("/repeats")[0].removesuffix("/process_time")
+        unit = {"ns": 1.0, "us": 1e3, "ms": 1e6, "s": 1e9}[entry["time_unit"]]
+        found["ratio2:" + name if stem == "ratio2" else name] = entry["cpu_time"] * unit
     return found
 
 
 def disagreement(folder):
     """The largest relative difference between indicators and plain loops, if it was measured."""
-    found = [float(entry["disagreement"]) for path in folder.glob("*.json")
-             for entry in json.loads(path.read_text())["benchmarks"]
-             if entry.get("aggregate_name") == "median" and "disagreement" in entry]
+    found = [float(entry["disagreement"]) for _, entry in median_entries(folder) if "disagreement" in entry]
     return max(found, default=None)
 
 
@@ -87,17 +101,15 @@ def line(figure, value, target, short):
 
 def values(path):
     """The "name value" lines of a file."""
-    return dict(entry.split() for entry in path.read_text().splitlines()) if path.exists() else {}
+    lines = path.read_text().splitlines() if path.exists() else []
+    return dict(words for words in map(str.split, lines) if len(words) == 2)
 
 
 def start_up_lines(found):
     for figure, name, most in [("process start to sign-in window / BARE", "signin_ms", 2.5),
                                ("sign-in to window, 4 charts painted / BARE", "charts_ms", 3.0)]:
-        if name in found:
-            ratio = float(found[name]) / float(found["bare_ms"])
-            line(figure, f"{ratio:.2f}", f"<= {most:g}", ratio > most)
-        else:
-            line(figure, "not run", f"<= {most:g}", True)
+        known = name in found and "bare_ms" in found
+        limited(figure, float(found[name]) / float(found["bare_ms"]) if known else None, "{:.2f}", most)
 
 
 def memory_lines(found):
@@ -111,11 +123,22 @@ def memory_lines(found):
     for figure, name, unit, most in MEMORY:
         words = {word.strip("{}"): "N" for word in figure.split() if word.startswith("{")}
         figure = figure.format(**{**words, **counts})
-        if name in found:
-            value = float(found[name])
-            line(figure, f"{value:.3g}{unit}", f"<= {most:g}{unit}", value > most)
-        else:
-            line(figure, "not run", f"<= {most:g}{unit}", True)
+        limited(figure, float(found[name]) if name in found else None, "{:.3g}" + unit, most, unit)
+
+
+def instructions(path):
+    """What callgrind counted, if it ran to its end."""
+    found = re.search(r"Collected : (\d+)", path.read_text()) if path.exists() else None
+    return int(found.group(1)) if found else None
+
+
+def limited(figure, value, text, most, unit=""):
+    """A row with an upper limit; no value means that it was not measured, and no limit that any will do."""
+    target = f"<= {most:g}{unit}" if most is not None else "-"
+    if value is None:
+        line(figure, "not run", target, True)
+    else:
+        line(figure, text.format(value), target, most is not None and not value <= most)
 
 
 def main():
@@ -124,44 +147,23 @@ def main():
     print(f"| {'figure':<46} | {'measured':>10} | {'target':>9} |       |")
     print(f"|{'-' * 48}|{'-' * 11}:|{'-' * 10}:|-------|")
     for figure, above, below, most in ROWS:
-        if above in times and below in times:
-            ratio = times[above] / times[below]
-            line(figure, f"{ratio:.2f}", f"<= {most:g}", ratio > most)
-        else:
-            line(figure, "not run", f"<= {most:g}", True)
-    largest = disagreement(folder)
-    figure = "indicators, largest disagreement with them"
-    if largest is None:
-        line(figure, "not run", "<= 1e-9", True)
-    else:
-        line(figure, f"{largest:.1e}", "<= 1e-9", not largest <= 1e-9)
+        ratio = times[above] / times[below] if above in times and below in times else None
+        limited(figure, ratio, "{:.2f}", most)
+    limited("indicators, largest disagreement with them", disagreement(folder), "{:.1e}", 1e-9)
     figure, name, least = SNAPSHOTS_A_SECOND
-    if name in times:
-        rate = 1e9 / times[name]
-        line(figure, f"{rate:.0f}", f">= {least}", rate < least)
-    figure = "100 snapshots a second, painted: one core"
-    if "snapshot/500_moved_100_painted" in times:
-        share = times["snapshot/500_moved_100_painted"] * 100 / 1e9 * 100
-        line(figure, f"{share:.1f} %", "<= 40 %", share > 40)
-    else:
-        line(figure, "not run", "<= 40 %", True)
+    rate = 1e9 / times[name] if name in times else None
+    line(figure, "not run" if rate is None else f"{rate:.0f}", f">= {least}", rate is None or rate < least)
+    for figure, name, a_second, most in SHARES:
+        share = times[name] * a_second / 1e9 * 100 if name in times else None
+        limited(figure, share, "{:.2f} %", most, " %")
     for experts, with_experts, without in EXPERTS:
-        if with_experts in times and without in times:
-            added = (times[with_experts] - times[without]) / 1000
-            line(f"microseconds that {experts} experts add to a snapshot", f"{added:.1f}", "-", False)
-    figure = "20 experts, 50 ticks a second each: one core"
-    if "snapshot/20_charts_with_experts" in times:
-        share = times["snapshot/20_charts_with_experts"] * 50 / 1e9 * 100
-        line(figure, f"{share:.2f} %", "<= 10 %", share > 10)
-    else:
-        line(figure, "not run", "<= 10 %", True)
+        known = with_experts in times and without in times
+        added = (times[with_experts] - times[without]) / 1000 if known else None
+        limited(f"microseconds that {experts} experts add to a snapshot", added, "{:.1f}", None)
     for frame, most in INSTRUCTIONS:
-        counts = [folder / f"instructions-{frame}-{count}" for count in (20, 120)]
-        if all(path.exists() and path.read_text().strip() for path in counts):
-            few, many = (int(path.read_text().split()[0]) for path in counts)
-            millions = (many - few) / 100 / 1e6
-            target = f"<= {most:g} M" if most else "-"
-            line(f"instructions a {frame} frame, 7 px", f"{millions:.2f} M", target, bool(most) and millions > most)
+        few, many = (instructions(folder / f"instructions-{frame}-{count}") for count in (20, 120))
+        millions = (many - few) / 100 / 1e6 if few and many else None
+        limited(f"instructions a {frame} frame, 7 px", millions, "{:.2f} M", most, " M")
     start_up_lines(values(folder / "startup"))
     memory_lines(values(folder / "memory"))
     found = values(folder / "platform")
