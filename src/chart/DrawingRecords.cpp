@@ -20,7 +20,7 @@ std::optional<qint64> readTime(const QJsonValue& value)
     if (value.isString()) {
         bool ok = false;
         const qint64 time = value.toString().toLongLong(&ok);
-        return ok && std::abs(time) <= latestTime ? std::optional(time) : std::nullopt;
+        return ok && time >= -latestTime && time <= latestTime ? std::optional(time) : std::nullopt;
     }
     const double time = value.toDouble(std::nan(""));
     if (!(std::abs(time) <= static_cast<double>(latestTime)))
