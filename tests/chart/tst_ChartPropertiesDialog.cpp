@@ -10,6 +10,8 @@
 #include <QLabel>
 #include <QPushButton>
 
+#include <array>
+
 using namespace Qt::StringLiterals;
 using fixtures::ServedChart;
 
@@ -32,6 +34,7 @@ private Q_SLOTS:
     void aColourIsChosen();
     void aCancelledChoiceChangesNothing();
     void coloursAreAppliedOnOkOnly();
+    void enterAcceptsWhateverHasTheFocus();
     void cancelLeavesTheChartAsItWas();
     void asksOnlyOnceAtATime();
 
@@ -257,6 +260,26 @@ void tst_ChartPropertiesDialog::coloursAreAppliedOnOkOnly()
     QTest::mouseClick(buttons->button(QDialogButtonBox::Ok), Qt::LeftButton);
     QCOMPARE(served.chart().colors(), blackOnWhiteColors());
     QTRY_VERIFY(!dialog);
+}
+
+void tst_ChartPropertiesDialog::enterAcceptsWhateverHasTheFocus()
+{
+    const ServedChart served;
+    ChartColors colors;
+    colors.up = Qt::red;
+    served.chart().setColors(colors);
+    served.show();
+    for (int i = 0; i < 3; ++i) {
+        const QPointer<ChartPropertiesDialog> dialog(&open(served));
+        QVERIFY(QTest::qWaitForWindowExposed(dialog));
+        const std::array buttons{swatches(*dialog).at(0), button(*dialog, u"Qlon Green/Black"_s),
+            button(*dialog, u"Black/White"_s)};
+        buttons.at(static_cast<std::size_t>(i))->setFocus();
+        QTest::keyClick(dialog, Qt::Key_Return);
+        QVERIFY(!dialog->isVisible());
+        QCOMPARE(served.chart().colors(), colors);
+        QTRY_VERIFY(!dialog);
+    }
 }
 
 void tst_ChartPropertiesDialog::cancelLeavesTheChartAsItWas()

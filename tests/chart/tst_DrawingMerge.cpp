@@ -13,6 +13,8 @@ private Q_SLOTS:
     void dropsAConfirmedObjectWhosePriceTheServerRounded();
     void ofTwoEqualObjectsOnlyTheConfirmedOneGoes();
     void anObjectThatArrivedInSpiteOfAFailureIsShownOnce();
+    void anotherObjectIsNoSuchArrival_data();
+    void anotherObjectIsNoSuchArrival();
     void anEqualObjectThatWasThereBeforeIsNoSuchArrival();
     void keepsTheSelection();
     void theSelectionPassesToTheStoredObject();
@@ -61,6 +63,30 @@ void tst_DrawingMerge::ofTwoEqualObjectsOnlyTheConfirmedOneGoes()
 void tst_DrawingMerge::anObjectThatArrivedInSpiteOfAFailureIsShownOnce()
 {
     QCOMPARE(mergeDrawings({line(u"a"_s, 1.1)}, {line({}, 1.1 + 1e-12)}, {}), Drawings{line(u"a"_s, 1.1)});
+}
+
+void tst_DrawingMerge::anotherObjectIsNoSuchArrival_data()
+{
+    QTest::addColumn<Drawing>("other");
+    Drawing kind = line(u"a"_s, 1);
+    kind.type = u"vline"_s;
+    Drawing colour = line(u"a"_s, 1);
+    colour.color = QColor(0xe0, 0xe0, 0xe1);
+    Drawing time = line(u"a"_s, 1);
+    time.points.first().time = 1001;
+    Drawing longer = line(u"a"_s, 1);
+    longer.points.append({2000, 1});
+    QTest::newRow("of another kind") << kind;
+    QTest::newRow("in another colour") << colour;
+    QTest::newRow("at another time") << time;
+    QTest::newRow("at another price") << line(u"a"_s, 1.000001);
+    QTest::newRow("with a further point") << longer;
+}
+
+void tst_DrawingMerge::anotherObjectIsNoSuchArrival()
+{
+    QFETCH(Drawing, other);
+    QCOMPARE(mergeDrawings({other}, {line({}, 1)}, {}), Drawings({other, line({}, 1)}));
 }
 
 void tst_DrawingMerge::anEqualObjectThatWasThereBeforeIsNoSuchArrival()

@@ -77,7 +77,7 @@ void tst_DrawingStore::aFailedReadKeepsWhatIsShownAndIsReported_data()
     QTest::addColumn<QByteArray>("body");
     QTest::addColumn<int>("status");
     QTest::addColumn<QString>("reason");
-    QTest::newRow("refused") << QByteArray(R"({"message":"No %1 <b>here</b>"})") << 403
+    QTest::newRow("refused") << QByteArray(R"({"message":"No %1\n<b>here</b>"})") << 403
                              << u"No %1 <b>here</b>"_s;
     QTest::newRow("object") << QByteArray("{}") << 200 << u"Unexpected server response"_s;
     QTest::newRow("a page") << QByteArray("<html>") << 200 << u"Unexpected server response"_s;

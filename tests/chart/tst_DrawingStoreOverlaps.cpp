@@ -174,6 +174,7 @@ void tst_DrawingStoreOverlaps::anObjectSavedWhileAnotherAccountIsShownIsNotDoubl
     QVERIFY(f.server.release(created));
     f.settle();
     QCOMPARE(f.server.count("GET", listOne), 0);
+    QCOMPARE(f.server.count("GET", listTwo), 1); // nothing of this account has changed
     QCOMPARE(f.shown(), QStringList());
     f.store->setAccountId(u"one"_s);
     QTRY_COMPARE(f.shown(), QStringList{u"a@7.5"_s});
