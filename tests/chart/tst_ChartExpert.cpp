@@ -60,6 +60,8 @@ private Q_SLOTS:
         QCOMPARE(window().title(), u"EURUSD,H1  •  My Robot"_s);
         window().detachExpert();
         QCOMPARE(window().title(), u"EURUSD,H1"_s);
+        QCOMPARE(window().windowTitle(), window().title());
+        QCOMPARE(titles.last().first().toString(), window().title());
         QCOMPARE(m_log, QStringList(u"My Robot: My Robot loaded"_s));
     }
 
@@ -210,8 +212,11 @@ private Q_SLOTS:
         m_served->show();
         window().attachExpert(script("Comment('x'.repeat(3000) + '\\ny'.repeat(900))"));
         QVERIFY(window().chart().rect().contains(comment().geometry()));
-        window().resize(700, 400);
-        QTRY_VERIFY(window().chart().rect().contains(comment().geometry()));
+        for (const QSize& size : {QSize(300, 220), QSize(700, 400)}) {
+            window().resize(size);
+            QTRY_COMPARE(window().chart().size(), size);
+            QCOMPARE(comment().geometry().bottomRight(), window().chart().rect().bottomRight());
+        }
     }
 
     void detachingTellsTheExpertAndClearsTheComment()
@@ -243,6 +248,7 @@ private Q_SLOTS:
         window().attachExpert(script("Comment('fine'); function OnTick() { throw 5 }"));
         tick();
         QCOMPARE(window().title(), u"EURUSD,M15"_s);
+        QCOMPARE(window().windowTitle(), window().title());
         QVERIFY(comment().isHidden());
         QCOMPARE(m_log.last(), u"Probe: Stopped after error in OnTick: OnTick: 5"_s);
     }
