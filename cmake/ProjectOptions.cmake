@@ -45,17 +45,21 @@ function(tavoran_library)
 endfunction()
 
 # tavoran_test(NAME tst_Thing SOURCES tst_Thing.cpp ... LINKS net ...)
-# One Qt Test executable, registered with CTest, run offscreen.
+# One Qt Test executable, registered with CTest, run offscreen. Each source includes its own moc output,
+# made by moc alone: AUTOMOC would start two more programs and compile an empty file for every test.
 function(tavoran_test)
   cmake_parse_arguments(ARG "" "NAME" "SOURCES;LINKS" ${ARGN})
   add_executable(${ARG_NAME} ${ARG_SOURCES})
-  set_target_properties(${ARG_NAME} PROPERTIES
-    AUTOMOC ON RUNTIME_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/tests")
+  set_target_properties(${ARG_NAME} PROPERTIES RUNTIME_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/tests")
+  target_include_directories(${ARG_NAME} PRIVATE "${CMAKE_CURRENT_BINARY_DIR}")
   target_link_libraries(${ARG_NAME} PRIVATE ${ARG_LINKS} test_support Qt6::Test tavoran_qt_flags)
   target_precompile_headers(${ARG_NAME} REUSE_FROM tavoran_pch)
-  # Tests include their own moc output, so this file is empty: without the big header it costs nothing.
-  set_source_files_properties("${CMAKE_CURRENT_BINARY_DIR}/${ARG_NAME}_autogen/mocs_compilation.cpp"
-    PROPERTIES SKIP_PRECOMPILE_HEADERS ON)
+  list(FILTER ARG_SOURCES INCLUDE REGEX "\\.cpp$")
+  foreach(source ${ARG_SOURCES})
+    string(REGEX REPLACE "cpp$" "moc" moc "${CMAKE_CURRENT_BINARY_DIR}/${source}")
+    qt_generate_moc(${source} ${moc})
+    target_sources(${ARG_NAME} PRIVATE ${moc})
+  endforeach()
   add_test(NAME ${ARG_NAME} COMMAND ${ARG_NAME})
   set_tests_properties(${ARG_NAME} PROPERTIES
     ENVIRONMENT "QT_QPA_PLATFORM=offscreen;LC_ALL=C.UTF-8" TIMEOUT 120)

@@ -1,5 +1,6 @@
 #include "practice/server/FeedHub.h"
 
+#include "practice/server/FeedSession.h"
 #include "practice/server/JsonText.h"
 #include "practice/server/WireRecords.h"
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "practice/server/FeedSession.h"
+#include "practice/server/FeedMessage.h"
 #include "practice/server/Limits.h"
 #include "practice/server/Platform.h"
 
@@ -10,6 +10,8 @@
 #include <vector>
 
 namespace practice {
+
+class FeedSession;
 
 /// Everybody on the feed. Each message is written out once and shared by all who get it.
 class FeedHub final : public PlatformListener {

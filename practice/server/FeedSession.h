@@ -1,5 +1,7 @@
 #pragma once
 
+#include "practice/server/FeedMessage.h"
+
 #include <boost/beast/core/flat_buffer.hpp>
 #include <boost/beast/core/tcp_stream.hpp>
 #include <boost/beast/http/message.hpp>
@@ -15,9 +17,6 @@
 namespace practice {
 
 class FeedHub;
-
-/// A message made once and shared by every client it goes to.
-using FeedMessage = std::shared_ptr<const std::string>;
 
 /// One terminal on the live feed.
 ///

@@ -1,7 +1,7 @@
-#include "UrlCatcher.h"
 #include "mainwindow/DesktopLinks.h"
 #include "mainwindow/ExpertsFolder.h"
 #include "support/TestMain.h"
+#include "support/UrlCatcher.h"
 
 using namespace Qt::StringLiterals;
 
@@ -117,5 +117,4 @@ void tst_DesktopLinks::theGuideNeedsNothingButItself()
 }
 
 TAVORAN_TEST_MAIN(tst_DesktopLinks)
-#include "moc_UrlCatcher.cpp"
 #include "tst_DesktopLinks.moc"

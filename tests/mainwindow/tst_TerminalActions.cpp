@@ -1,10 +1,11 @@
 #include "CommandDriver.h"
-#include "UrlCatcher.h"
+
 #include "app/UpdateFramework.h"
 #include "chart/OneClickPanel.h"
 #include "mainwindow/ActionIcons.h"
 #include "orders/OrderDialog.h"
 #include "support/TestMain.h"
+#include "support/UrlCatcher.h"
 
 #include <QAbstractSpinBox>
 #include <QKeySequence>
@@ -499,5 +500,4 @@ void tst_TerminalActions::f1OpensTheGuide()
 }
 
 TAVORAN_TEST_MAIN(tst_TerminalActions)
-#include "moc_UrlCatcher.cpp"
 #include "tst_TerminalActions.moc"

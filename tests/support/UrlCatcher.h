@@ -1,16 +1,17 @@
 #pragma once
 
-#include <QDesktopServices>
+#include <QList>
+#include <QObject>
 #include <QUrl>
-#include <QtTest>
 
 /// Takes the place of the desktop for file addresses while it lives.
 class UrlCatcher final : public QObject {
     Q_OBJECT
 
 public:
-    UrlCatcher() { QDesktopServices::setUrlHandler(QStringLiteral("file"), this, "open"); }
-    ~UrlCatcher() override { QDesktopServices::unsetUrlHandler(QStringLiteral("file")); }
+    UrlCatcher();
+    ~UrlCatcher() override;
+    Q_DISABLE_COPY_MOVE(UrlCatcher)
 
     QList<QUrl> urls;
 
