@@ -229,6 +229,10 @@ void TestDrawingGeometry::broken_objects_have_no_shape()
             QCOMPARE(has, count >= needed);
         }
     }
+    const DrawingPoint other{barTime(7), 120.0};
+    const DrawingPoint third{barTime(9), 140.0};
+    QVERIFY(geometry.shape(drawing(u"trendline"_s, {point, other, third}))->second == other);
+    QVERIFY(geometry.shape(drawing(u"hline"_s, {point, other}))->second == point);
     QVERIFY(!geometry.shape(drawing(u"ellipse"_s, {point, point})));
     QVERIFY(!geometry.shape(Drawing()));
 }

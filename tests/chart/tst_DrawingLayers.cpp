@@ -61,6 +61,7 @@ private Q_SLOTS:
     void a_retracement_has_seven_lines_with_texts();
     void retracement_levels_outside_the_prices_are_not_drawn();
     void retracement_texts_are_smaller_than_others();
+    void retracement_texts_reach_in_from_the_left();
     void shapes_stay_within_the_plot();
     void later_objects_cover_earlier_ones();
     void an_invalid_colour_is_the_usual_one();
@@ -195,6 +196,16 @@ void TestDrawingLayers::retracement_texts_are_smaller_than_others()
     };
     QVERIFY(inkHeight(true) > 0);
     QVERIFY(inkHeight(true) < inkHeight(false));
+}
+
+void TestDrawingLayers::retracement_texts_reach_in_from_the_left()
+{
+    // The last bar stands at column 331: 49 bars before it, the object ends at column -12.
+    const QImage image = painted(object(u"fibonacci"_s, {at(-40, 240), at(-30, 40)}));
+    QVERIFY(pixelsOtherThan(image, QRect(0, 234, 60, 11), black) > 20);
+    QCOMPARE(pixelsOtherThan(image, QRect(60, 0, 340, 300), black), 0);
+    const QImage away = painted(object(u"fibonacci"_s, {at(-80, 240), at(-70, 40)}));
+    QCOMPARE(pixelsOtherThan(away, away.rect(), black), 0);
 }
 
 void TestDrawingLayers::shapes_stay_within_the_plot()

@@ -20,12 +20,13 @@ Drawing lineOf(const QString& id, bool selected = false)
     return drawing;
 }
 
+/// A selected object without an id is a dash.
 QString selectedIds(const DrawingList& list)
 {
     QStringList ids;
     for (const Drawing& drawing : list.drawings()) {
         if (drawing.selected)
-            ids.append(drawing.id);
+            ids.append(drawing.id.isEmpty() ? u"-"_s : drawing.id);
     }
     return ids.join(u',');
 }
@@ -143,6 +144,7 @@ void TestDrawingTool::a_replaced_list_keeps_the_selected_id()
     QCOMPARE(selectedIds(list), QString());
     list.replace({lineOf(QString()), lineOf(QString())}); // objects that the server does not know yet
     list.select(0);
+    QCOMPARE(selectedIds(list), u"-"_s);
     list.replace({lineOf(u"z"_s), lineOf(QString())});
     QCOMPARE(selectedIds(list), QString());
 }

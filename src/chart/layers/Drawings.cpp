@@ -12,6 +12,9 @@ namespace {
 
 constexpr int fillAlpha = 28;
 constexpr int selectedWidth = 2;
+/// No text beside a retracement is as long as this, in pixels: those that begin further left than that, or
+/// beyond the right edge, are not worth laying out.
+constexpr int textReach = 1000;
 
 /// Everything stays within the plot, except the texts beside a retracement: they would be lost with an
 /// object that ends at the newest bar.
@@ -103,7 +106,7 @@ private:
                 continue;
             const int y = m_geometry.row(price);
             line(QPoint(left, y), QPoint(right, y));
-            if (right >= m_plot.left() && right < m_frame.view.size().width())
+            if (right > -textReach && right < m_frame.view.size().width())
                 m_frame.texts->drawSmallAt(m_painter, QPoint(right + 4, y + 4),
                     DrawingGeometry::fibonacciText(ratio, price, m_frame.digits), m_color);
         }
