@@ -138,6 +138,10 @@ private Q_SLOTS:
         settings->setAlerts(u"[{\"price\":1.5}]"_s);
         QVERIFY(settings->sync());
         settings.reset();
+        const QSettings store(m_path, QSettings::NativeFormat);
+        for (const auto& name : {u"auth/serverUrl"_s, u"auth/email"_s, u"auth/remember"_s, u"ui/theme"_s,
+                 u"window/geometry"_s, u"window/state"_s, u"charts/layout"_s, u"alerts"_s})
+            QVERIFY2(store.contains(name), qPrintable(name));
         settings = open();
         QCOMPARE(settings->rawServerUrl(), u"https://other.example"_s);
         QCOMPARE(settings->email(), u"a+b@example.com"_s);

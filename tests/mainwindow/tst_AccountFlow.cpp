@@ -33,7 +33,7 @@ private Q_SLOTS:
     void liveProfitsOfAnotherAccountChangeNothing();
     void profitNewerThanTheReplyIsKept();
     void manyEventsDoNotPileUpReads();
-    void navigatorSwitchesTheAccount();
+    void navigatorListsTheAccountsAndSwitchesThem();
 };
 
 namespace {
@@ -81,6 +81,9 @@ void tst_AccountFlow::switchingLoadsTheOtherAccountsLists()
     QTRY_COMPARE(f.list("tradeList").topLevelItemCount(), 0);
     QVERIFY(f.summary().contains(u"Balance: 2,000.00"_s));
     QVERIFY(f.summary().contains(u"Margin: 0.00"_s));
+    f.window->onAccountSelected(1);
+    QVERIFY(f.summary().contains(u"Balance: 1,000.00"_s));
+    QTRY_COMPARE(f.list("tradeList").topLevelItemCount(), 1);
 }
 
 void tst_AccountFlow::lateRepliesForAnotherAccountChangeNothing()
@@ -378,14 +381,36 @@ void tst_AccountFlow::manyEventsDoNotPileUpReads()
     QCOMPARE(f.http.count("GET", "/api/accounts"), 2);
 }
 
-void tst_AccountFlow::navigatorSwitchesTheAccount()
+void tst_AccountFlow::navigatorListsTheAccountsAndSwitchesThem()
 {
     MainWindowFixture f;
     f.signInAndSettle();
-    auto* navigator = f.window->findChild<QDockWidget*>(u"dockNavigator"_s)->widget();
-    QVERIFY(QMetaObject::invokeMethod(navigator, "accountActivated", Q_ARG(QString, u"a2"_s)));
+    QTreeWidget& tree = f.list("navigatorTree");
+    const QTreeWidgetItem* accounts = tree.topLevelItem(0)->child(0);
+    const auto bold = [accounts] {
+        QStringList texts;
+        for (int i = 0; i < accounts->childCount(); ++i) {
+            if (accounts->child(i)->font(0).weight() == QFont::Bold)
+                texts.append(accounts->child(i)->text(0));
+        }
+        return texts;
+    };
+    QCOMPARE(accounts->childCount(), 3);
+    QCOMPARE(bold(), QStringList{u"Demo  (1000)"_s});
+
+    const QPoint spot = tree.visualItemRect(accounts->child(2)).center();
+    QTest::mouseClick(tree.viewport(), Qt::LeftButton, {}, spot);
+    QTest::mouseDClick(tree.viewport(), Qt::LeftButton, {}, spot);
     QCOMPARE(f.selector().currentData().toString(), u"a2"_s);
+    QCOMPARE(bold(), QStringList{u"Pro — Challenge 2/2  (2000)"_s});
     QTRY_COMPARE(f.http.count("GET", "/api/trades/open?accountId=a2"), 1);
+
+    f.http.on(
+        "GET", "/api/accounts", StubAnswer::json(MainWindowFixture::accounts().replace("2000", "3000")));
+    f.feed.send(R"({"type":"orders_changed"})");
+    QTRY_COMPARE(bold(), QStringList{u"Pro — Challenge 2/2  (3000)"_s});
+
+    auto* navigator = f.window->findChild<QDockWidget*>(u"dockNavigator"_s)->widget();
     QVERIFY(QMetaObject::invokeMethod(navigator, "accountActivated", Q_ARG(QString, u"unknown"_s)));
     QCOMPARE(f.selector().currentData().toString(), u"a2"_s);
 }

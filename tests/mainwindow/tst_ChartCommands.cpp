@@ -211,17 +211,31 @@ void tst_ChartCommands::withoutAChartNothingIsClaimed()
 void tst_ChartCommands::themeIsChosenInTheMenu()
 {
     setTheme(false);
+    applyTheme(*qApp);
     const CommandDriver d;
     const TerminalActions& a = d.actions();
+    const auto isInked = [&d, &a](const QColor& ink) {
+        const QImage button = d.bar("toolbarStandard").widgetForAction(a.newChart)->grab().toImage();
+        for (int y = 0; y < button.height(); ++y) {
+            for (int x = 0; x < button.width(); ++x) {
+                if (button.pixelColor(x, y) == ink)
+                    return true;
+            }
+        }
+        return false;
+    };
+    const QColor lightInk = themeMutedColor();
+    QVERIFY(isInked(lightInk));
     QCOMPARE(checkedTexts({a.lightTheme, a.darkTheme}), QStringList{u"Light"_s});
     d.choose({u"&View"_s, u"Theme"_s, u"Dark"_s});
     QVERIFY(isDarkTheme());
     QCOMPARE(checkedTexts({a.lightTheme, a.darkTheme}), QStringList{u"Dark"_s});
-    const QImage dark = d.bar("toolbarStandard").grab().toImage();
+    const QColor darkInk = themeMutedColor();
+    QTRY_VERIFY(isInked(darkInk) && !isInked(lightInk));
     d.choose({u"&View"_s, u"Theme"_s, u"Light"_s});
     QVERIFY(!isDarkTheme());
     QCOMPARE(checkedTexts({a.lightTheme, a.darkTheme}), QStringList{u"Light"_s});
-    QTRY_VERIFY(d.bar("toolbarStandard").grab().toImage() != dark);
+    QTRY_VERIFY(isInked(lightInk) && !isInked(darkInk));
 }
 
 void tst_ChartCommands::averagesAskForTheirPeriod()

@@ -2,11 +2,18 @@
 #include "app/Theme.h"
 #include "mainwindow/PopupPrices.h"
 #include "mainwindow/TrayIcon.h"
+#include "panes/AlertsPane.h"
+#include "panes/MarketWatchWidget.h"
+#include "panes/NavigatorWidget.h"
+#include "panes/NewsPane.h"
+#include "panes/TerminalPane.h"
 #include "support/TestMain.h"
 
 #include <QDockWidget>
 #include <QKeySequence>
+#include <QMenu>
 #include <QMenuBar>
+#include <QMetaMethod>
 #include <QTreeWidget>
 
 using namespace Qt::StringLiterals;
@@ -16,12 +23,14 @@ class tst_MainWindow final : public QObject {
 
 private Q_SLOTS:
     void windowIsBuiltAsPromised();
-    void menusHoldTheirEntriesInOrder();
+    void docksAndPagesHoldTheirPanes();
+    void slotsAreKnownByName();
     void exampleScriptsStandInTheNavigator();
     void startIsWrittenToTheJournal();
     void themeSwitchAppliesAtOnce();
     void dockKeysShowAndHide();
     void minimizedWindowIsRepaired();
+    void otherChangesOfTheWindowRepairNothing();
     void windowComesToTheFront();
     void popupPricesShowAndHideWithTheirKey();
     void popupPricesDoNotKeepTheTerminalOpen();
@@ -54,31 +63,34 @@ void tst_MainWindow::windowIsBuiltAsPromised()
     QVERIFY(f.window->findChild<TrayIcon*>() == nullptr || QSystemTrayIcon::isSystemTrayAvailable());
 }
 
-void tst_MainWindow::menusHoldTheirEntriesInOrder()
+void tst_MainWindow::docksAndPagesHoldTheirPanes()
 {
     MainWindowFixture f;
     f.open();
-    const auto entries = [](const QMenu* menu) {
-        QStringList texts;
-        for (const QAction* entry : menu->actions()) {
-            const QString key = entry->shortcut().toString(QKeySequence::PortableText);
-            texts.append(entry->isSeparator() ? u"-"_s : entry->text() + (key.isEmpty() ? key : u'|' + key));
-        }
-        return texts;
-    };
-    const QList<QAction*> menus = f.window->menuBar()->actions();
-    QCOMPARE(menus.value(0)->text(), u"&File"_s);
-    QCOMPARE(entries(menus[0]->menu()),
-        QStringList({u"New Chart"_s, u"New Order|F9"_s, u"-"_s, u"E&xit|Ctrl+Q"_s}));
-    QCOMPARE(menus.value(1)->text(), u"&View"_s);
-    QCOMPARE(entries(menus[1]->menu()),
-        QStringList({u"Market Watch|Ctrl+M"_s, u"Toolbox|Ctrl+T"_s, u"Popup Prices|F10"_s, u"-"_s,
-            u"Restore Default Layout"_s, u"-"_s, u"Theme"_s}));
-    const QMenu* themes = menus[1]->menu()->actions().constLast()->menu();
-    QVERIFY(themes);
-    QCOMPARE(entries(themes), QStringList({u"Light"_s, u"Dark"_s}));
-    QVERIFY(f.action("Light")->isCheckable() && f.action("Dark")->isCheckable());
-    QVERIFY(f.action("Light")->isChecked() != f.action("Dark")->isChecked());
+    const auto paneOf
+        = [&f](const QString& dock) { return f.window->findChild<QDockWidget*>(dock)->widget(); };
+    QVERIFY(qobject_cast<MarketWatchWidget*>(paneOf(u"dockMarketWatch"_s)));
+    QVERIFY(qobject_cast<NavigatorWidget*>(paneOf(u"dockNavigator"_s)));
+    const auto* toolbox = qobject_cast<TerminalPane*>(paneOf(u"dockTerminal"_s));
+    QVERIFY(toolbox);
+    QVERIFY(qobject_cast<NewsPane*>(toolbox->widget(4)));
+    QVERIFY(qobject_cast<AlertsPane*>(toolbox->widget(5)));
+}
+
+void tst_MainWindow::slotsAreKnownByName()
+{
+    QSet<QByteArray> known;
+    for (int i = 0; i < MainWindow::staticMetaObject.methodCount(); ++i) {
+        const QMetaMethod method = MainWindow::staticMetaObject.method(i);
+        if (method.methodType() == QMetaMethod::Slot)
+            known.insert(method.name());
+    }
+    for (const char* slot :
+        {"onHello", "onTradesUpdated", "onOrdersChanged", "onAccountUpdated", "onAccountSelected",
+            "openChart", "onTimeframeAction", "onSubWindowActivated", "openOrderDialog", "onTradeContextMenu",
+            "onTradeDoubleClicked", "onChartModifyLevel", "onQuickTrade", "showSpecification",
+            "togglePopupPrices", "toggleDepthOfMarket", "onExpertOrder", "onExpertCloseAll"})
+        QVERIFY2(known.contains(slot), slot);
 }
 
 void tst_MainWindow::exampleScriptsStandInTheNavigator()
@@ -143,6 +155,20 @@ void tst_MainWindow::minimizedWindowIsRepaired()
     QTRY_VERIFY(!watch->isHidden());
 }
 
+void tst_MainWindow::otherChangesOfTheWindowRepairNothing()
+{
+    MainWindowFixture f;
+    f.open();
+    auto* watch = f.window->findChild<QDockWidget*>(u"dockMarketWatch"_s);
+    watch->hide();
+    for (const Qt::WindowState state : {Qt::WindowMaximized, Qt::WindowNoState, Qt::WindowMinimized}) {
+        f.window->setWindowState(state);
+        QTRY_COMPARE(f.window->windowState(), Qt::WindowStates(state));
+        QCoreApplication::processEvents(); // the first repair would come at once
+        QVERIFY(watch->isHidden());
+    }
+}
+
 void tst_MainWindow::windowComesToTheFront()
 {
     MainWindowFixture f;
@@ -199,6 +225,7 @@ void tst_MainWindow::popupPricesDoNotKeepTheTerminalOpen()
 void tst_MainWindow::trayMenuOffersShowAndExit()
 {
     TrayIcon tray;
+    QCOMPARE(tray.icon().icon().cacheKey(), appIcon().cacheKey());
     QCOMPARE(tray.icon().toolTip(), u"Tavoran Terminal"_s);
     const QList<QAction*> entries = tray.icon().contextMenu()->actions();
     QCOMPARE(entries.size(), 2);

@@ -42,7 +42,7 @@ private Q_SLOTS:
     void everythingOfAChartComesBackAfterARestart();
     void commandsActOnTheRestoredChart_data();
     void commandsActOnTheRestoredChart();
-    void quittingSavesTheCharts();
+    void theKeyForExitQuitsAndSavesTheCharts();
 };
 
 void tst_MainWindowCharts::doubleClickInMarketWatchOpensOneChart()
@@ -391,13 +391,19 @@ void tst_MainWindowCharts::commandsActOnTheRestoredChart()
     QVERIFY(f.action("Line")->isChecked());
 }
 
-void tst_MainWindowCharts::quittingSavesTheCharts()
+void tst_MainWindowCharts::theKeyForExitQuitsAndSavesTheCharts()
 {
     MainWindowFixture f;
     f.open();
     f.window->openChart(u"EURUSD"_s);
+    f.window->activateWindow();
+    QVERIFY(QTest::qWaitForWindowActive(f.window.get()));
     QVERIFY(TerminalSettings::instance().chartsLayout().isEmpty());
-    f.action("E&xit")->trigger();
+    constexpr int stillOpen = 7;
+    QTimer::singleShot(10'000, f.window.get(), [] { QCoreApplication::exit(stillOpen); });
+    QTimer::singleShot(
+        0, f.window.get(), [&f] { QTest::keyClick(f.window.get(), Qt::Key_Q, Qt::ControlModifier); });
+    QCOMPARE(QCoreApplication::exec(), 0);
     QVERIFY(TerminalSettings::instance().chartsLayout().contains(u"EURUSD"_s));
     QVERIFY(!TerminalSettings::instance().windowState().isEmpty());
 }

@@ -1,6 +1,7 @@
 #include "MainWindowFixture.h"
 
 #include "app/SoundPlayer.h"
+#include "app/Theme.h"
 #include "mainwindow/TrayIcon.h"
 #include "support/TestMain.h"
 
@@ -125,7 +126,7 @@ void tst_TrayWiring::theIconAppearsWithItsMenu()
     TrayIcon* const tray = trayOf(f);
     QVERIFY(tray);
     QVERIFY(tray->icon().isVisible());
-    QVERIFY(!tray->icon().icon().isNull());
+    QCOMPARE(tray->icon().icon().cacheKey(), appIcon().cacheKey());
     QCOMPARE(tray->icon().toolTip(), u"Tavoran Terminal"_s);
     QStringList entries;
     for (const QAction* action : tray->icon().contextMenu()->actions())
