@@ -113,7 +113,6 @@ void ChartCommands::followActiveChart()
         m_followed->disconnect(this);
     if (chart && m_followed != chart) {
         connect(chart, &ChartWindow::settingsChanged, this, &ChartCommands::showTruth);
-        connect(chart, &ChartWindow::autoScrollChanged, this, &ChartCommands::showTruth);
         connect(chart, &ChartWindow::timeframeChanged, this, &ChartCommands::showTruth);
     }
     m_followed = chart;

@@ -6,6 +6,9 @@
 #include <QPainter>
 #include <QPalette>
 
+#include <algorithm>
+#include <cmath>
+
 using namespace Qt::StringLiterals;
 
 namespace {
@@ -60,6 +63,7 @@ private Q_SLOTS:
     void iconsChangeWithTheThemeWithoutBeingMadeAnew();
     void aHighRatioShowsRealDetail();
     void straightLinesAreCrispAtBothRatios();
+    void everyUprightAndLevelLineCoversWholePixels();
     void disabledIconsAreFainter();
     void anOddRectangleGetsASquarePictureInItsMiddle();
     void contactSheet();
@@ -163,6 +167,52 @@ void tst_ActionIcons::straightLinesAreCrispAtBothRatios()
         }
         QCOMPARE(alphas, QList<int>(side / 16, 255));
     }
+}
+
+void tst_ActionIcons::everyUprightAndLevelLineCoversWholePixels()
+{
+    // Between two pixels a line of one pixel smears over both. At twice the size it is as crisp as here.
+    const auto isHalf = [](double place) { return place - std::floor(place) == 0.5; };
+    const auto check = [&isHalf](QChar shape, QList<double> numbers) {
+        if (shape == u'R')
+            return isHalf(numbers[0]) && isHalf(numbers[1]) && isHalf(numbers[0] + numbers[2])
+                && isHalf(numbers[1] + numbers[3]);
+        if (shape == u'B')
+            return std::all_of(numbers.cbegin(), numbers.cend(), [](double n) { return n == std::floor(n); });
+        if (shape != u'P' && shape != u'G')
+            return true;
+        if (shape == u'G')
+            numbers.append({numbers[0], numbers[1]});
+        for (qsizetype i = 3; i < numbers.size(); i += 2) {
+            if (numbers[i - 3] == numbers[i - 1] && !isHalf(numbers[i - 1]))
+                return false;
+            if (numbers[i - 2] == numbers[i] && !isHalf(numbers[i]))
+                return false;
+        }
+        return true;
+    };
+    int lines = 0;
+    for (int i = 0; i < pictogramCount; ++i) {
+        const QString drawing = pictogramDrawing(static_cast<Pictogram>(i));
+        QChar shape;
+        QList<double> numbers;
+        const QStringList words = drawing.split(u' ');
+        for (const QString& word : words + QStringList(u"m"_s)) {
+            bool isNumber = false;
+            const double number = word.toDouble(&isNumber);
+            if (isNumber) {
+                numbers.append(number);
+                continue;
+            }
+            if (!shape.isNull()) {
+                QVERIFY2(check(shape, numbers), qPrintable(drawing));
+                ++lines;
+            }
+            shape = word[0].isUpper() ? word[0] : QChar();
+            numbers.clear();
+        }
+    }
+    QVERIFY(lines > 2 * pictogramCount);
 }
 
 void tst_ActionIcons::disabledIconsAreFainter()
