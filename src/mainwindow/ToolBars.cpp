@@ -68,10 +68,9 @@ void placeToolBars(QMainWindow& window)
         if (auto* bar = window.findChild<QToolBar*>(name, Qt::FindDirectChildrenOnly))
             bars.append(bar);
     }
-    for (QToolBar* bar : bars) {
-        window.removeToolBarBreak(bar);
+    // With the last bar of a row the row itself goes.
+    for (QToolBar* bar : bars)
         window.removeToolBar(bar);
-    }
     for (QToolBar* bar : bars) {
         window.addToolBar(Qt::TopToolBarArea, bar);
         bar->show();

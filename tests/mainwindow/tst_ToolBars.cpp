@@ -20,7 +20,8 @@ private:
     static void scatter(const CommandDriver& d)
     {
         d.f.window->addToolBar(Qt::BottomToolBarArea, &d.bar("toolbarStandard"));
-        d.f.window->insertToolBarBreak(&d.bar("toolbarStudies"));
+        for (const char* name : {"toolbarTimeframes", "toolbarStudies"})
+            d.f.window->insertToolBarBreak(&d.bar(name));
         d.bar("toolbarTimeframes").hide();
     }
 };
