@@ -11,7 +11,7 @@ from stage import SYMBOL
 NOTE = "Note: Algo Trading is OFF — the EA runs but cannot trade. Enable it from the toolbar."
 AVERAGES, STRENGTH = "MA_Cross", "RSI_Reversal"
 # A signal that comes later leaves the time to attach three experts.
-PREPARATION = 28
+PREPARATION = 20
 # When the machine was too slow for that, the signal comes once more three minutes later.
 SIGNAL = 230
 

@@ -35,7 +35,7 @@ def see_the_news_warning(stage):
 
 
 def set_an_alert(stage):
-    """Sets an alert a little below a falling price and waits until it fires."""
+    """Sets an alert a little below a falling price and waits until it fires. What the list shows then."""
     stage.open_tab("Alerts")
     stage.click(stage.wait(lambda: stage.part("push button", "Add Alert")))
     dialog = stage.titled("New Alert")
@@ -56,3 +56,11 @@ def set_an_alert(stage):
     stage.seen("alert-fired", told, f"it fires, and a balloon says so: {told}")
     fired = stage.wait(lambda: stage.texts("Alerts") == [[FALLING, "Bid ≤", f"{price:.5f}", "Triggered"]])
     stage.seen("alert-triggered", fired, "the list shows it as triggered")
+    return stage.texts("Alerts")
+
+
+def find_the_alert(stage, alerts):
+    """After a new start of the terminal."""
+    stage.open_tab("Alerts")
+    found = stage.wait(lambda: stage.texts("Alerts") == alerts)
+    stage.seen("alert-kept", found, f"the list of alerts is as it was: {stage.texts('Alerts')}")
