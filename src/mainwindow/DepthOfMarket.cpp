@@ -14,7 +14,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr QSize InitialSize(280, 480);
+constexpr QSize InitialSize(320, 480);
 constexpr int RowsPerSide = 8;
 constexpr QRgb AskColor = 0xffff4a4a;
 constexpr QRgb BidColor = 0xff3ba7ff;
@@ -58,6 +58,8 @@ void DepthOfMarket::buildRows()
     m_rows->setObjectName(u"depthRows"_s);
     m_rows->setAccessibleName(windowTitle());
     m_rows->setHeaderLabels({tr("Side"), tr("Price"), tr("Points away")});
+    for (const int column : {PriceColumn, DistanceColumn})
+        m_rows->headerItem()->setTextAlignment(column, Qt::AlignRight | Qt::AlignVCenter);
     m_rows->setRootIsDecorated(false);
     m_rows->setUniformRowHeights(true);
     m_rows->setSelectionMode(QAbstractItemView::NoSelection);

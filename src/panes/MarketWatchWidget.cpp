@@ -90,6 +90,8 @@ void MarketWatchWidget::buildLists()
     m_list->setObjectName("marketWatchSymbols"_L1);
     m_list->setAccessibleName(tr("Market Watch"));
     m_list->setHeaderLabels({tr("Symbol"), tr("Bid"), tr("Ask"), tr("Daily")});
+    for (int column = QuoteItem::Bid; column < m_list->columnCount(); ++column)
+        m_list->headerItem()->setTextAlignment(column, Qt::AlignRight | Qt::AlignVCenter);
     m_list->setRootIsDecorated(false);
     m_list->setUniformRowHeights(true);
     m_list->setAllColumnsShowFocus(true);

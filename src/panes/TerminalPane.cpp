@@ -92,6 +92,7 @@ void TerminalPane::buildTradePage()
             tr("T / P"), tr("Price"), tr("Commission"), tr("Swap"), tr("Profit")},
         page);
     m_trades->setAccessibleName(tr("Trade"));
+    alignRight(m_trades->headerItem(), TradeNumbers);
     setWidths(m_trades, {80, 76, timeWidth, 76, 60, 80, 76, 76, 80, 92, 64});
     m_trades->setContextMenuPolicy(Qt::CustomContextMenu);
     connect(m_trades, &QTreeWidget::customContextMenuRequested, this, &TerminalPane::requestContextMenu);
@@ -119,6 +120,7 @@ void TerminalPane::buildHistoryPage()
             tr("T / P"), tr("Close Time"), tr("Price"), tr("Commission"), tr("Swap"), tr("Profit")},
         pageParent());
     m_history->setAccessibleName(tr("History"));
+    alignRight(m_history->headerItem(), HistoryNumbers);
     setWidths(m_history, {80, 76, timeWidth, 76, 60, 80, 76, 76, timeWidth, 80, 92, 64});
     addTab(m_history, tr("History"));
 }
@@ -201,9 +203,7 @@ void TerminalPane::setHistoryRows(const QJsonArray& rows, const QHash<QString, i
         const QJsonObject trade = value.toObject();
         const int d = digits.value(trade.value("symbol"_L1).toString(), defaultDigits);
         auto* item = new QTreeWidgetItem(historyTexts(trade, d));
-        alignRight(item,
-            {HistoryVolume, HistoryOpenPrice, HistoryStopLoss, HistoryTakeProfit, HistoryClosePrice,
-                HistoryCommission, HistorySwap, HistoryProfit});
+        alignRight(item, HistoryNumbers);
         item->setForeground(HistoryProfit, profitColor(jsonNumber(trade.value("pnl"_L1))));
         item->setForeground(HistoryType, typeColor(trade));
         items.append(item);

@@ -4,6 +4,8 @@
 #include <QString>
 #include <QStringList>
 
+#include <initializer_list>
+
 class QJsonObject;
 
 /// The texts and colours of trade records in lists. Pure: no list, no window.
@@ -41,6 +43,12 @@ enum HistoryColumn {
     HistoryProfit,
     HistoryColumnCount
 };
+
+/// The columns of the Trade and the History list that hold numbers; these stand at the right.
+inline constexpr std::initializer_list<int> TradeNumbers{TradeVolume, TradePrice, TradeStopLoss,
+    TradeTakeProfit, TradeCurrentPrice, TradeCommission, TradeSwap, TradeProfit};
+inline constexpr std::initializer_list<int> HistoryNumbers{HistoryVolume, HistoryOpenPrice, HistoryStopLoss,
+    HistoryTakeProfit, HistoryClosePrice, HistoryCommission, HistorySwap, HistoryProfit};
 
 /// A pending order that is not yet a position.
 [[nodiscard]] bool isPending(const QJsonObject& trade);

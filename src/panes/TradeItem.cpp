@@ -15,9 +15,7 @@ TradeItem::TradeItem(const QJsonObject& trade, int digits)
     , m_closesAtBid(trade.value("type"_L1).toString() == "BUY"_L1)
 {
     setData(TradeSymbol, Qt::UserRole, trade);
-    alignRight(this,
-        {TradeVolume, TradePrice, TradeStopLoss, TradeTakeProfit, TradeCurrentPrice, TradeCommission,
-            TradeSwap, TradeProfit});
+    alignRight(this, TradeNumbers);
     if (isPending(trade)) {
         const QBrush grey(FixedColors::grey);
         for (int column = 0; column < TradeColumnCount; ++column)

@@ -269,6 +269,7 @@ private Q_SLOTS:
         row("QPushButton",
             "background: {#3d3d3d|#e1e1e1}; border: 1px solid {#555555|#adadad}; "
             "border-radius: 2px; padding: 5px 16px; min-width: 70px");
+        row("QDialogButtonBox", "dialogbuttonbox-buttons-have-icons: 0");
         row("QPushButton:hover", "background: {#4a4a4a|#e5f1fb}");
         row("QPushButton:pressed", "background: {#094771|#cce8ff}");
         row("QPushButton:default",

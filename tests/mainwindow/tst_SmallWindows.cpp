@@ -70,6 +70,8 @@ void tst_SmallWindows::depthShowsSixteenPricesAroundBidAndAsk()
     DepthOfMarket depth(u"EURUSD"_s, 5);
     QCOMPARE(depth.windowTitle(), u"Depth of Market — EURUSD"_s);
     const QTreeWidget& rows = rowsOf(&depth);
+    for (const int number : {1, 2})
+        QCOMPARE(rows.headerItem()->textAlignment(number), int(Qt::AlignRight | Qt::AlignVCenter));
     QCOMPARE(rows.topLevelItemCount(), 16);
     QCOMPARE(column(rows, 1), QStringList(16, QString()));
     QCOMPARE(textOf(&depth, u"depthSpread"_s), u"Waiting for prices..."_s);

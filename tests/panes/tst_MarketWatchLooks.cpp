@@ -55,6 +55,8 @@ void TestMarketWatchLooks::looksAsPlanned()
     QCOMPARE(watch.list->headerItem()->text(1), u"Bid"_s);
     QCOMPARE(watch.list->headerItem()->text(2), u"Ask"_s);
     QCOMPARE(watch.list->headerItem()->text(3), u"Daily"_s);
+    for (int column = 1; column < 4; ++column)
+        QCOMPARE(watch.list->headerItem()->textAlignment(column), int(Qt::AlignRight | Qt::AlignVCenter));
     QCOMPARE(watch.list->columnWidth(0), 96);
     QCOMPARE(watch.list->columnWidth(1), 70);
     QCOMPARE(watch.list->columnWidth(2), 70);

@@ -77,6 +77,7 @@ class TestTerminalPane final : public QObject {
 
 private Q_SLOTS:
     void hasItsTabsAndColumns();
+    void headersStandOverTheirNumbers();
     void tradesComeInTheOrderGiven();
     void aPositionIsColouredByItsProfit();
     void aPendingOrderIsGreyExceptItsType();
@@ -132,6 +133,13 @@ void TestTerminalPane::hasItsTabsAndColumns()
         QVERIFY(list->header()->stretchLastSection());
     }
     QCOMPARE(toolbox.summary->text(), u"Balance: —"_s);
+}
+
+void TestTerminalPane::headersStandOverTheirNumbers()
+{
+    const Toolbox toolbox;
+    QCOMPARE(rightAligned(toolbox.trades->headerItem()), (QList<int>{4, 5, 6, 7, 8, 9, 10, 11}));
+    QCOMPARE(rightAligned(toolbox.history->headerItem()), (QList<int>{4, 5, 6, 7, 9, 10, 11, 12}));
 }
 
 void TestTerminalPane::tradesComeInTheOrderGiven()
