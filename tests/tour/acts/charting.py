@@ -42,11 +42,12 @@ def draw_the_five_objects(stage):
 
 def painted_objects(chart):
     """Where each of the five objects is painted, in pixels; None unless every one is there. The pointer
-    must be elsewhere. What other lines cross the places looked at have other colours."""
-    rows = chart.rows()
+    must be elsewhere."""
+    rows, wanted = chart.rows(), bytes(paint.DRAWING)
 
-    def column(x):
-        return [y for y, row in enumerate(rows) if row[x * 3:x * 3 + 3] == bytes(paint.DRAWING)]
+    def column(x, width=1):
+        return [y for y, row in enumerate(rows)
+                if any(row[at * 3:at * 3 + 3] == wanted for at in range(x, x + width))]
 
     def across(share):
         return int(chart.width * share)
@@ -56,11 +57,13 @@ def painted_objects(chart):
         return None
     # A bar that has closed since they were drawn has moved them all to the left by its width.
     vertical = max(range(across(0.60), across(0.63)), key=lambda x: len(column(x)))
-    levels, trend, edges = ([y for y in column(across(share)) if y not in horizontal] for share in (0.27, 0.54, 0.73))
+    # The dashed line of a trade's level may lie on one of theirs: that shows through the gaps.
+    levels, edges = ([y for y in column(across(share), 6) if y not in horizontal] for share in (0.27, 0.73))
+    trend = [y for y in column(across(0.54)) if y not in horizontal]
     if len(column(vertical)) < chart.height // 2 or len(levels) != 7 or len(trend) != 1 or len(edges) != 2:
         return None
     beside = rows[(3 * edges[0] + edges[1]) // 4]
-    sides = [x for x in range(across(0.64), across(0.86)) if beside[x * 3:x * 3 + 3] == bytes(paint.DRAWING)]
+    sides = [x for x in range(across(0.64), across(0.86)) if beside[x * 3:x * 3 + 3] == wanted]
     if len(sides) != 2:
         return None
     return {"hline": horizontal, "vline": [vertical], "trendline": trend, "rectangle": sides + edges,
@@ -69,7 +72,7 @@ def painted_objects(chart):
 
 def same_places(before, after):
     """Whether both agree, but for the width of one bar."""
-    return bool(after) and all(abs(a - b) <= (8 if kind in ("vline", "rectangle") else 3)
+    return bool(after) and all(abs(a - b) <= (3 if kind in ("hline", "fibonacci") else 8)
                                for kind in before for a, b in zip(before[kind], after[kind], strict=True))
 
 
