@@ -52,7 +52,7 @@ public:
 
     /// What is saved with the window layout; see ChartState.
     [[nodiscard]] QJsonObject saveState() const;
-    /// Applies a saved state; unknown keys, wrong types and unreadable colours leave the current values.
+    /// Applies a saved state; ChartState::fromJson() tells what becomes of missing and unreadable values.
     void restoreState(const QJsonObject& state);
 
     /// What a window of its own is given, such as one of a cascade.
