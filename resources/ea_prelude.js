@@ -17,6 +17,10 @@
     const toText = String;
     const define = Object.defineProperty;
 
+    // What the chart hardly ever changes is not asked for at every call.
+    const name = symbol();
+    let digitsNow = digits(), pointNow = point();
+
     function joined(values) {
         let text = "";
         for (let i = 0; i < values.length; ++i)
@@ -32,13 +36,13 @@
     // Symbol and prices. The language has a Symbol of its own: what hangs on it, such as Symbol.iterator,
     // hangs on this one too.
     const wellKnown = global.Symbol;
-    global.Symbol = function Symbol() { return symbol(); };
-    for (const name of Object.getOwnPropertyNames(wellKnown)) {
-        if (typeof wellKnown[name] === "symbol")
-            define(global.Symbol, name, { value: wellKnown[name] });
+    global.Symbol = function Symbol() { return name; };
+    for (const key of Object.getOwnPropertyNames(wellKnown)) {
+        if (typeof wellKnown[key] === "symbol")
+            define(global.Symbol, key, { value: wellKnown[key] });
     }
-    global.Digits = function Digits() { return digits(); };
-    global.Point = function Point() { return point(); };
+    global.Digits = function Digits() { return digitsNow; };
+    global.Point = function Point() { return pointNow; };
     define(global, "Bid", { get: bid, enumerable: true });
     define(global, "Ask", { get: ask, enumerable: true });
 
@@ -68,7 +72,7 @@
             return +level;
         const distance = given.slPoints;
         if (distance)
-            return side === "BUY" ? bid() - distance * point() : ask() + distance * point();
+            return side === "BUY" ? bid() - distance * pointNow : ask() + distance * pointNow;
         return 0;
     }
     function _tp(side, opts) {
@@ -78,7 +82,7 @@
             return +level;
         const distance = given.tpPoints;
         if (distance)
-            return side === "BUY" ? ask() + distance * point() : bid() - distance * point();
+            return side === "BUY" ? ask() + distance * pointNow : bid() - distance * pointNow;
         return 0;
     }
     global._sl = _sl;
@@ -93,4 +97,10 @@
     // Timer
     global.EventSetTimer = function EventSetTimer(seconds) { setTimer(seconds | 0); };
     global.EventKillTimer = function EventKillTimer() { killTimer(); };
+
+    // The terminal calls this when the symbol's digits have changed.
+    return function() {
+        digitsNow = digits();
+        pointNow = point();
+    };
 })(this);

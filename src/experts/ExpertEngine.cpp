@@ -50,5 +50,5 @@ bool ExpertEngine::isRunning() const
 
 void ExpertEngine::setDigits(int digits)
 {
-    m_run->host().setDigits(digits);
+    m_run->setDigits(digits);
 }

@@ -82,7 +82,8 @@ bool ExpertRun::start(const QString& path, QString& error)
     const HookScope scope(*this);
     m_script.expose(u"__host"_s, m_host);
     if (QFile prelude(preludePath); prelude.open(QIODevice::ReadOnly)) {
-        if (const auto failure = m_script.run(QString::fromUtf8(prelude.readAll()), preludeName)) {
+        if (const auto failure
+            = m_script.run(QString::fromUtf8(prelude.readAll()), preludeName, &m_digitsChanged)) {
             error = tr("Runtime prelude error: %1").arg(failure->name + u": "_s + failure->message);
             return false;
         }
@@ -132,6 +133,13 @@ void ExpertRun::tick()
         return;
     report(tr("Stopped after error in OnTick: %1").arg(*failure));
     stop();
+}
+
+void ExpertRun::setDigits(int digits)
+{
+    m_host.setDigits(digits);
+    if (m_digitsChanged.isCallable())
+        m_digitsChanged.call();
 }
 
 void ExpertRun::onTimer()

@@ -30,7 +30,8 @@ public:
 
     [[nodiscard]] const QString& name() const { return m_name; }
     [[nodiscard]] bool isRunning() const { return m_state == State::Running; }
-    [[nodiscard]] ExpertHost& host() { return m_host; }
+    /// The symbol's price decimals, known late when the server lists the symbol late.
+    void setDigits(int digits);
 
 private:
     enum class State { Created, Starting, Running, Stopped };
@@ -48,6 +49,7 @@ private:
     QTimer m_timer;
     Report m_report;
     QString m_name;
+    QJSValue m_digitsChanged; ///< the prelude's own
     QJSValue m_onTick;
     QJSValue m_onTimer;
     QJSValue m_onDeinit;

@@ -111,14 +111,16 @@ void ScriptEngine::expose(const QString& globalName, QObject& object)
     m_engine.globalObject().setProperty(globalName, facade);
 }
 
-std::optional<ScriptError> ScriptEngine::run(const QString& text, const QString& fileName)
+std::optional<ScriptError> ScriptEngine::run(const QString& text, const QString& fileName, QJSValue* result)
 {
     m_source = m_engine.evaluate(u"new Error().fileName"_s, fileName).toString();
     QStringList trace;
-    const QJSValue result = m_engine.evaluate(text, fileName, 1, &trace);
-    if (trace.isEmpty())
-        return std::nullopt;
-    return describe(result, trace);
+    const QJSValue value = m_engine.evaluate(text, fileName, 1, &trace);
+    if (!trace.isEmpty())
+        return describe(value, trace);
+    if (result)
+        *result = value;
+    return std::nullopt;
 }
 
 QJSValue ScriptEngine::function(const QString& globalName)

@@ -28,8 +28,9 @@ public:
     void expose(const QString& globalName, QObject& object);
 
     /// Runs a text whose first line is line 1. Errors that come later are put down to lines of the text
-    /// that was run last.
-    [[nodiscard]] std::optional<ScriptError> run(const QString& text, const QString& fileName);
+    /// that was run last. `result` gets what the text evaluates to, unless it fails.
+    [[nodiscard]] std::optional<ScriptError> run(
+        const QString& text, const QString& fileName, QJSValue* result = nullptr);
 
     /// The global function of this name, made ready for call(); undefined when it is none.
     [[nodiscard]] QJSValue function(const QString& globalName);

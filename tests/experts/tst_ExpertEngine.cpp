@@ -223,10 +223,12 @@ private Q_SLOTS:
 
     void lateDigitsReachTheScript()
     {
-        QVERIFY(chart().load("function OnTick() { Print(Digits(), Point()) }"));
+        QVERIFY(chart().load("function OnTick() { Print(Digits(), Point()); Trade.buy(1, {slPoints: 10}) }"));
         chart().engine->setDigits(2);
         chart().engine->tick();
-        QCOMPARE(chart().done, QStringList(u"print 2 0.01"_s));
+        QCOMPARE(chart().done, QStringList({u"print 2 0.01"_s, u"order BUY 1 1 0"_s}));
+        chart().engine->stop();
+        chart().engine->setDigits(3); // nobody is left to be told
     }
 
     void aTickDuringAHookIsDropped()

@@ -51,6 +51,15 @@ class tst_ScriptEngine final : public QObject {
 private Q_SLOTS:
     void init() { m_engine = std::make_unique<ScriptEngine>(); }
 
+    void aTextThatFailsLeavesTheResultAlone()
+    {
+        QJSValue result;
+        QVERIFY(!m_engine->run(u"3 + 4"_s, u"a.js"_s, &result));
+        QCOMPARE(result.toInt(), 7);
+        QVERIFY(m_engine->run(u"throw 5"_s, u"a.js"_s, &result));
+        QCOMPARE(result.toInt(), 7);
+    }
+
     void whateverIsThrownIsAnError_data()
     {
         QTest::addColumn<QString>("statement");
