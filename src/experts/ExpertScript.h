@@ -11,7 +11,7 @@ struct ExpertScript {
     QString text;
 
     /// Larger files are refused: no script is that long.
-    static constexpr qint64 largestFile = 16 * 1024 * 1024;
+    static constexpr qint64 largestFile = qint64{16} * 1024 * 1024;
 
     [[nodiscard]] static QString nameOf(const QString& path);
     /// Reads UTF-8, with or without a byte-order mark; bytes that are none become replacement characters.

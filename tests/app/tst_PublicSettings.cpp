@@ -207,7 +207,7 @@ private Q_SLOTS:
     void aHugeReplyIsCutOff()
     {
         const QByteArray body = "{\"settings\":{\"terminalServerUrl\":\"https://new.example\",\"x\":\""
-            + QByteArray(4 * 1024 * 1024, 'x') + "\"}}";
+            + QByteArray(qsizetype{4} * 1024 * 1024, 'x') + "\"}}";
         const RawServer server(ok(body));
         const PublicSettings fetched = fetchPublicSettings(server.url(), 20000);
         QCOMPARE(fetched.error, u"Operation canceled"_s);

@@ -8,6 +8,7 @@
 
 #include <cmath>
 #include <limits>
+#include <numeric>
 
 using namespace Qt::StringLiterals;
 
@@ -18,9 +19,8 @@ constexpr double infinity = std::numeric_limits<double>::infinity();
 
 std::vector<double> rising(int count)
 {
-    std::vector<double> closes;
-    for (int i = 0; i < count; ++i)
-        closes.push_back(1.0 + i);
+    std::vector<double> closes(static_cast<std::size_t>(count));
+    std::iota(closes.begin(), closes.end(), 1.0);
     return closes;
 }
 
@@ -125,9 +125,9 @@ private Q_SLOTS:
 
     void theExponentialAverageEqualsTheSimpleOneOnPurpose()
     {
-        std::vector<double> closes;
-        for (int i = 0; i < 80; ++i)
-            closes.push_back(1.0 + std::sin(i * 0.7) * 0.05);
+        std::vector<double> closes = rising(80);
+        for (double& close : closes)
+            close = 1.0 + std::sin(close * 0.7) * 0.05;
         m_chart.setCloses(closes);
         for (int period = 1; period <= 40; ++period) {
             for (int shift = 0; shift < 40; ++shift)

@@ -83,8 +83,7 @@ private Q_SLOTS:
                  "Object.prototype.toString = function() { throw 1 }",
                  "String.prototype.toString = String.prototype.valueOf = function() { throw 1 }",
                  "Error.prototype.toString = null; Error.prototype.message = 7; Error.prototype.name = 8",
-                 "Object.defineProperty(Array.prototype, '0', {set: function() { throw 1 }, get: function() "
-                 "{ throw 2 }})",
+                 "Object.defineProperty(Array.prototype, '0', {set() { throw 1 }, get() { throw 2 }})",
                  "Object.defineProperty(Object.prototype, 'get', {value: function() { throw 1 }})",
                  "Object.defineProperty(Object.prototype, '__host', {get: function() { throw 1 }})",
                  "Object.prototype.sl = Object.prototype.tp = 0", "Symbol = undefined", "Math = JSON = null",
