@@ -55,6 +55,7 @@ private Q_SLOTS:
     void theFirstHistoryKeepsARestoredViewStill();
     void laterHistoriesFollowTheEndAgain();
     void aTimeframeChosenBeforeTheFirstHistoryFollowsTheEnd();
+    void theKeysOfTheWindowGoToTheChart();
     void aChosenToolTakesTheKeys();
     void accountAndFiguresAreKept();
     void theStateComesBack();
@@ -461,9 +462,13 @@ void tst_ChartWindow::whatTheCanvasReportsIsPassedOn()
     QSignalSpy crosshair(&window, &ChartWindow::crosshairMoved);
     QSignalSpy scroll(&window, &ChartWindow::autoScrollChanged);
     QSignalSpy modify(&window, &ChartWindow::modifyLevelRequested);
+    QSignalSpy settings(&window, &ChartWindow::settingsChanged);
     Q_EMIT window.chart().crosshairMoved(u"O: 1"_s);
     Q_EMIT window.chart().levelDragged(u"id"_s, u"SL"_s, 1.25);
+    window.chart().setChartType(1);
+    QCOMPARE(settings.count(), 1);
     window.chart().setAutoScroll(false);
+    QCOMPARE(settings.count(), 2);
     QCOMPARE(crosshair, QList<QVariantList>{{u"O: 1"_s}});
     QCOMPARE(modify, QList<QVariantList>({{u"id"_s, u"SL"_s, 1.25}}));
     QCOMPARE(scroll, QList<QVariantList>{{false}});
@@ -603,6 +608,15 @@ void tst_ChartWindow::aTimeframeChosenBeforeTheFirstHistoryFollowsTheEnd()
     window.setTimeframe(u"1h"_s);
     QTRY_COMPARE(log.size(), 1);
     QVERIFY(window.chart().autoScroll());
+}
+
+void tst_ChartWindow::theKeysOfTheWindowGoToTheChart()
+{
+    ChartWindow window(*m_api, u"EURUSD"_s, u"15m"_s, {}, 5);
+    window.show();
+    window.findChild<QDoubleSpinBox*>()->setFocus();
+    window.setFocus(); // as an area of several windows does with the active one
+    QCOMPARE(window.focusWidget(), &window.chart());
 }
 
 void tst_ChartWindow::aChosenToolTakesTheKeys()
