@@ -172,7 +172,7 @@ void TestApiClientFaults::a_change_overtakes_the_read_that_waits_behind_six_stuc
 void TestApiClientFaults::an_endless_reply_is_given_up()
 {
     const QByteArray tooMuch = "HTTP/1.1 200 OK\r\nContent-Type: application/json\r\n\r\n"_ba
-        + QByteArray(40 * 1024 * 1024, ' ') + "[]";
+        + QByteArray(qsizetype{40} * 1024 * 1024, ' ') + "[]";
     m_server->on("GET", "/x", StubAnswer::raw(tooMuch));
     m_server->on("POST", "/x", StubAnswer::raw(tooMuch));
     QCOMPARE(readError(u"/x"_s), u"Operation canceled"_s);

@@ -27,8 +27,8 @@ void TestSafeText::leaves_ordinary_text_alone()
 void TestSafeText::hides_the_token_plain_and_percent_encoded()
 {
     TerminalSettings::instance().setToken(u"se+cret/t"_s);
-    QCOMPARE(
-        safeText(u"got se+cret/t and se%2Bcret%2Ft and se%2bcret%2ft."_s), u"got [hidden] and [hidden] and [hidden]."_s);
+    QCOMPARE(safeText(u"got se+cret/t and se%2Bcret%2Ft and se%2bcret%2ft."_s),
+        u"got [hidden] and [hidden] and [hidden]."_s);
 }
 
 void TestSafeText::hides_a_token_that_the_cut_would_split()

@@ -282,7 +282,7 @@ void TestWsClient::the_ping_timer_runs_only_while_connected()
     const QSignalSpy disconnected(&*m_client, &WsClient::disconnected);
     m_feed->shutDown();
     m_feed->cut();
-    QTRY_VERIFY(disconnected.size() > 0);
+    QTRY_VERIFY(!disconnected.empty());
     QVERIFY(!pingTimer()->isActive());
 }
 

@@ -296,7 +296,7 @@ void TestWsClientFaults::a_message_above_32_megabytes_closes_the_connection()
     const QSignalSpy traffic(&*m_client, &WsClient::trafficChanged);
     m_client->start();
     QTRY_COMPARE(m_feed->clientCount(), 1);
-    m_feed->send(QByteArray(33 * 1024 * 1024, ' '));
+    m_feed->send(QByteArray(qsizetype{33} * 1024 * 1024, ' '));
     QTRY_COMPARE_WITH_TIMEOUT(m_retries, QList<int>({1}), 30000);
     QCOMPARE(traffic.size(), 0);
     QTRY_COMPARE_WITH_TIMEOUT(m_feed->attempts(), 2, 30000);
