@@ -1,6 +1,7 @@
 #include "panes/LogList.h"
 
 #include "app/ServerText.h"
+#include "panes/FittingDelegate.h"
 
 #include <QDateTime>
 #include <QHeaderView>
@@ -70,6 +71,7 @@ LogList::LogList(Clock clock, QWidget* parent)
     setUniformRowHeights(true);
     setAllColumnsShowFocus(true);
     setColumnWidth(Time, 140);
+    setItemDelegateForColumn(Time, new FittingDelegate(this)); // the end of a time tells most
     setColumnWidth(Source, 110);
     header()->setStretchLastSection(true);
 }

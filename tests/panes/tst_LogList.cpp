@@ -1,6 +1,8 @@
+#include "panes/FittingDelegate.h"
 #include "panes/LogList.h"
 #include "support/TestMain.h"
 
+#include <QProxyStyle>
 #include <QScrollBar>
 #include <QStyledItemDelegate>
 
@@ -15,6 +17,8 @@ private Q_SLOTS:
     void showsTimeSourceAndMessage();
     void coarseClockShowsNoMilliseconds();
     void messagesStayOnOneLine();
+    void lettersAreSetNarrowerOnlyAsFarAsNeeded();
+    void aWideFontCutsNoTime();
     void newestRowIsInSightAfterTheTurn();
     void scrollsBackToTheNewestRow();
     void rowsAddedWhileHiddenAreInSightWhenShown();
@@ -57,6 +61,27 @@ public:
     mutable int m_asked = 0;
 };
 
+// Remembers how the last cell with a text of that length was painted.
+class WatchingStyle final : public QProxyStyle {
+public:
+    explicit WatchingStyle(qsizetype length)
+        : m_length(length)
+    {
+    }
+    void drawControl(ControlElement element, const QStyleOption* option, QPainter* painter,
+        const QWidget* widget) const override
+    {
+        const auto* cell = qstyleoption_cast<const QStyleOptionViewItem*>(option);
+        if (element == CE_ItemViewItem && cell && cell->text.size() == m_length)
+            painted = *cell;
+        QProxyStyle::drawControl(element, option, painter, widget);
+    }
+    mutable QStyleOptionViewItem painted;
+
+private:
+    qsizetype m_length;
+};
+
 } // namespace
 
 void TestLogList::showsTimeSourceAndMessage()
@@ -89,6 +114,44 @@ void TestLogList::messagesStayOnOneLine()
     list.append(u"So\nurce"_s, u"one\r\ntwo\u2028<b>three</b>"_s);
     QCOMPARE(list.topLevelItem(0)->text(1), u"So urce"_s);
     QCOMPARE(list.topLevelItem(0)->text(2), u"one  two <b>three</b>"_s);
+}
+
+void TestLogList::lettersAreSetNarrowerOnlyAsFarAsNeeded()
+{
+    const QString text = u"2026.11.21 16:14:35.123"_s;
+    QFont font;
+    font.setPixelSize(12);
+    const int natural = QFontMetrics(font).horizontalAdvance(text);
+    QCOMPARE(FittingDelegate::fitted(font, text, natural), font);
+
+    const QFont narrowed = FittingDelegate::fitted(font, text, natural * 8 / 10);
+    QCOMPARE(narrowed.pixelSize(), 12);
+    const int width = QFontMetrics(narrowed).horizontalAdvance(text);
+    QVERIFY2(width <= natural * 8 / 10 && width > natural * 6 / 10, QByteArray::number(width).constData());
+
+    QVERIFY(QFontMetrics(FittingDelegate::fitted(font, text, 1)).horizontalAdvance(text) > natural / 2);
+}
+
+void TestLogList::aWideFontCutsNoTime()
+{
+    const QString example = u"2026.11.21 16:14:35.123"_s;
+    LogList list(LogList::Clock::Milliseconds);
+    WatchingStyle style(example.size());
+    list.setStyle(&style);
+    QFont font = list.font();
+    for (int size = 8; QFontMetrics(font).horizontalAdvance(example) < 150; ++size)
+        font.setPixelSize(size);
+    list.setFont(font);
+    list.resize(400, 120);
+    list.show();
+    list.append(u"Trade"_s, u"Order placed"_s);
+    QTRY_COMPARE(style.painted.text.size(), example.size());
+
+    const QRect room = style.subElementRect(QStyle::SE_ItemViewItemText, &style.painted, &list);
+    const int margins = 2 * (style.pixelMetric(QStyle::PM_FocusFrameHMargin, &style.painted, &list) + 1);
+    QCOMPARE(style.painted.rect.width(), 140);
+    const int width = QFontMetrics(style.painted.font).horizontalAdvance(style.painted.text);
+    QVERIFY2(width <= room.width() - margins, QByteArray::number(width).constData());
 }
 
 void TestLogList::newestRowIsInSightAfterTheTurn()
