@@ -29,6 +29,7 @@ private Q_SLOTS:
     void leavingTheSignInWindowEndsTheProgram();
     void signingInOpensTheWindowAndClosingItEndsTheProgram();
     void aServerThatAnswersNothingStillLeadsToTheSignInWindow();
+    void aRepairOfTheSettingsIsWrittenToTheJournal();
 
 private:
     /// Runs the program to its end; its exit code, or -1.
@@ -122,6 +123,17 @@ void tst_MainProcess::aServerThatAnswersNothingStillLeadsToTheSignInWindow()
     const QStringList messages = logMessages();
     QCOMPARE(messages.filter(u"public config fetch failed: "_s).size(), 1);
     QCOMPARE(messages.constLast(), u"login.exec() returned 0"_s);
+}
+
+void tst_MainProcess::aRepairOfTheSettingsIsWrittenToTheJournal()
+{
+    QFile damaged(SettingsStore::userFilePath());
+    QVERIFY(damaged.open(QIODevice::WriteOnly)); // and empty with it
+    damaged.close();
+    QCOMPARE(run(u"signin"_s), 0);
+    QCOMPARE(logMessages().count(
+                 u"[Terminal] The settings file was damaged; its last good copy has been put back."_s),
+        1);
 }
 
 TAVORAN_TEST_MAIN(tst_MainProcess)

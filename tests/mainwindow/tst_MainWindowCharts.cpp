@@ -42,6 +42,7 @@ private Q_SLOTS:
     void everythingOfAChartComesBackAfterARestart();
     void commandsActOnTheRestoredChart_data();
     void commandsActOnTheRestoredChart();
+    void closingWritesTheLayoutToTheDiskAtOnce();
     void theKeyForExitQuitsAndSavesTheCharts();
 };
 
@@ -389,6 +390,17 @@ void tst_MainWindowCharts::commandsActOnTheRestoredChart()
     QVERIFY(f.action("Zoom In")->isEnabled());
     QVERIFY(f.action("H4")->isEnabled() && f.action("H4")->isChecked());
     QVERIFY(f.action("Line")->isChecked());
+}
+
+void tst_MainWindowCharts::closingWritesTheLayoutToTheDiskAtOnce()
+{
+    MainWindowFixture f;
+    f.open();
+    f.window->openChart(u"ONDISK"_s);
+    QVERIFY(f.window->close());
+    QFile file(SettingsStore::userFilePath());
+    QVERIFY(file.open(QIODevice::ReadOnly));
+    QVERIFY(file.readAll().contains("ONDISK"));
 }
 
 void tst_MainWindowCharts::theKeyForExitQuitsAndSavesTheCharts()
