@@ -326,7 +326,9 @@ void tst_DockKeeper::defaultLayoutComesBack()
 {
     Window w;
     w.show();
-    const QSize left = w.left().size();
+    QTRY_COMPARE(w.left().width(), 352);
+    QTRY_COMPARE(w.bottom().height(), 210);
+    w.size(200, 150);
     w.left().setFloating(true);
     w.window.addDockWidget(Qt::RightDockWidgetArea, &w.keeper.navigatorDock());
     w.bottom().hide();
@@ -334,7 +336,8 @@ void tst_DockKeeper::defaultLayoutComesBack()
     QVERIFY(!w.left().isFloating());
     QVERIFY(w.bottom().isVisible());
     QCOMPARE(w.window.dockWidgetArea(&w.keeper.navigatorDock()), Qt::LeftDockWidgetArea);
-    QTRY_COMPARE(w.left().width(), left.width());
+    QTRY_COMPARE(w.left().width(), 352);
+    QTRY_COMPARE(w.bottom().height(), 210);
     QVERIFY(w.left().y() < w.keeper.navigatorDock().y());
 }
 

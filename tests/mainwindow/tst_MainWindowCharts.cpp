@@ -397,8 +397,8 @@ void tst_MainWindowCharts::closingWritesTheLayoutToTheDiskAtOnce()
     MainWindowFixture f;
     f.open();
     f.window->openChart(u"ONDISK"_s);
+    QFile file(SettingsStore::userFilePath()); // the toolkit writes when it is asked for the name
     QVERIFY(f.window->close());
-    QFile file(SettingsStore::userFilePath());
     QVERIFY(file.open(QIODevice::ReadOnly));
     QVERIFY(file.readAll().contains("ONDISK"));
 }

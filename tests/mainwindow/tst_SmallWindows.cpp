@@ -212,9 +212,11 @@ void tst_SmallWindows::specificationTurnsToAnotherSymbol()
 {
     const CommandDriver d;
     d.f.window->showSpecification(u"EURUSD"_s);
+    d.activate();
     d.f.window->showSpecification(u"USDJPY"_s);
     QCOMPARE(d.f.window->findChildren<SymbolSpecification*>().size(), 1);
     const auto* window = shown<SymbolSpecification>(d);
+    QTRY_VERIFY(window->isActiveWindow());
     QCOMPARE(window->windowTitle(), u"Specification: USDJPY"_s);
     QCOMPARE(rowsOf(window).topLevelItem(1)->text(1), u"Yen"_s);
     QCOMPARE(rowsOf(window).topLevelItem(8)->text(1), u"150.500"_s);
