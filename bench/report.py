@@ -165,7 +165,8 @@ def main():
         millions = (many - few) / 100 / 1e6 if few and many else None
         limited(f"instructions a {frame} frame, 7 px", millions, "{:.2f} M", most, " M")
     start_up_lines(values(folder / "startup"))
-    memory_lines(values(folder / "memory"))
+    growths = [folder / f"growth-{name}" for name, _ in ACTIVITIES]
+    memory_lines({name: value for path in (folder / "memory", *growths) for name, value in values(path).items()})
     found = values(folder / "platform")
     for figure, name, unit, sign, limit in PLATFORM:
         figure = figure.format(kills=found.get("kills", "the"))

@@ -1,8 +1,10 @@
 // Start-up and memory of the real program, offscreen, against scripted servers in this process. A plugin
 // of the toolkit tells from inside when something is painted; the program itself is the unchanged one.
 //   tavoran-bench-startup start ROUNDS   times of the terminal and of the bare program, alternating
-//   tavoran-bench-startup memory SHARE   memory with four charts, its growth (SHARE per cent of the full
-//                                        lengths), and the Journal
+//   tavoran-bench-startup memory ROWS    memory with four charts, and what rows of the Journal take
+//   tavoran-bench-startup growth snapshots|timeframes|dialogs|reconnects TIMES BYTES
+//                                        growth of memory by an activity, where a row of the Journal takes
+//                                        BYTES
 // Prints "name value" lines.
 
 #include "app/TerminalSettings.h"
@@ -354,7 +356,7 @@ void measureGrowth(Watched& program, const QByteArray& name, int count, double b
 }
 
 /// Bytes a row of the Journal, and how much longer a row takes late than early.
-double measureJournal(Watched& program, int rows)
+void measureJournal(Watched& program, int rows)
 {
     const auto add = [&](int count) {
         program.tell("journal " + QByteArray::number(count));
@@ -371,37 +373,39 @@ double measureJournal(Watched& program, int rows)
     print("journal_rows", 10.0 * block);
     print("journal_bytes", bytes);
     print("journal_late_early", late / early);
-    return bytes;
 }
 
-void measureMemory(int percent)
+void measureMemory(int rows)
 {
     Platform platform;
-    writeSettings(platform);
-    double bytesARow = 0.0;
-    {
-        Watched program(terminal);
-        signIn(program, platform);
-        pause(1000);
-        print("pss_mb", program.memory("Pss") / 1e6);
-        print("rss_mb", program.memory("Rss") / 1e6);
-        bytesARow = measureJournal(program, 10'000 * percent);
-    }
     writeSettings(platform);
     Watched program(terminal);
     signIn(program, platform);
     pause(1000);
-    measureGrowth(
-        program, "snapshots", 10'000 * percent, bytesARow, [&](int n) { platform.sendSnapshots(n); });
-    measureGrowth(program, "timeframes", 10 * percent, bytesARow, [&](int n) {
-        program.tell("timeframes " + QByteArray::number(n));
+    print("pss_mb", program.memory("Pss") / 1e6);
+    print("rss_mb", program.memory("Rss") / 1e6);
+    measureJournal(program, rows);
+}
+
+void measureGrowth(const QByteArray& activity, int count, double bytesARow)
+{
+    Platform platform;
+    const auto errand = [&activity](Watched& program, int n) {
+        program.tell(activity + ' ' + QByteArray::number(n));
         program.next("done");
+    };
+    writeSettings(platform);
+    Watched program(terminal);
+    signIn(program, platform);
+    pause(1000);
+    measureGrowth(program, activity, count, bytesARow, [&](int n) {
+        if (activity == "snapshots")
+            platform.sendSnapshots(n);
+        else if (activity == "reconnects")
+            reconnect(program, platform, n);
+        else
+            errand(program, n);
     });
-    measureGrowth(program, "dialogs", 10 * percent, bytesARow, [&](int n) {
-        program.tell("dialogs " + QByteArray::number(n));
-        program.next("done");
-    });
-    measureGrowth(program, "reconnects", percent, bytesARow, [&](int n) { reconnect(program, platform, n); });
 }
 
 } // namespace
@@ -418,11 +422,16 @@ int main(int argc, char** argv)
     QCoreApplication::setApplicationName(u"Tavoran Terminal"_s);
     const QStringList arguments = QCoreApplication::arguments();
     const int number = arguments.value(2).toInt();
+    const QByteArray activity = arguments.value(2).toLatin1();
+    const QByteArrayList activities{"snapshots", "timeframes", "dialogs", "reconnects"};
     if (arguments.value(1) == "start"_L1 && number > 0)
         measureStart(number);
     else if (arguments.value(1) == "memory"_L1 && number > 0)
         measureMemory(number);
+    else if (arguments.value(1) == "growth"_L1 && activities.contains(activity)
+        && arguments.value(3).toInt() > 0)
+        measureGrowth(activity, arguments.value(3).toInt(), arguments.value(4).toDouble());
     else
-        giveUp(u"usage: tavoran-bench-startup start ROUNDS | memory PERCENT"_s);
+        giveUp(u"usage: tavoran-bench-startup start ROUNDS | memory ROWS | growth ACTIVITY TIMES BYTES"_s);
     return 0;
 }
