@@ -9,6 +9,34 @@
 
 using namespace Qt::StringLiterals;
 
+namespace {
+
+QByteArray pngOf(SpinArrow arrow)
+{
+    QByteArray bytes;
+    QBuffer buffer(&bytes);
+    return buffer.open(QIODevice::WriteOnly) && spinArrowImage(arrow).save(&buffer, "PNG") ? bytes
+                                                                                           : QByteArray();
+}
+
+/// Of a file that is the user's own.
+bool isContent(const QString& path, const QByteArray& bytes)
+{
+    QFile own;
+    QFile file(path);
+    return openPrivateFile(own, path, QIODevice::WriteOnly | QIODevice::Append) && own.size() == bytes.size()
+        && file.open(QIODevice::ReadOnly) && file.readAll() == bytes;
+}
+
+bool writeContent(const QString& path, const QByteArray& bytes)
+{
+    QFile file;
+    return openPrivateFile(file, path, QIODevice::WriteOnly | QIODevice::Truncate)
+        && file.write(bytes) == bytes.size() && file.flush();
+}
+
+} // namespace
+
 QImage spinArrowImage(SpinArrow arrow)
 {
     constexpr QSize size(9, 6);
@@ -31,11 +59,11 @@ QString writeSpinArrow(SpinArrow arrow)
     if (folder.isEmpty())
         return {};
     const QString path = folder + u'/' + name;
-    QByteArray bytes;
-    QBuffer buffer(&bytes);
-    QFile file;
-    const bool written = buffer.open(QIODevice::WriteOnly) && spinArrowImage(arrow).save(&buffer, "PNG")
-        && openPrivateFile(file, path, QIODevice::WriteOnly | QIODevice::Truncate)
-        && file.write(bytes) == bytes.size() && file.flush();
-    return written ? path : QString();
+    static const QByteArray up = pngOf(SpinArrow::Up);
+    static const QByteArray down = pngOf(SpinArrow::Down);
+    const QByteArray& bytes = arrow == SpinArrow::Up ? up : down;
+    if (bytes.isEmpty())
+        return {};
+    // Every chart asks. A file that is cut while the disk still writes it makes the caller wait for the disk.
+    return isContent(path, bytes) || writeContent(path, bytes) ? path : QString();
 }

@@ -9,6 +9,6 @@ enum class SpinArrow { Up, Down };
 /// 9 by 6 pixels, transparent around a filled triangle.
 [[nodiscard]] QImage spinArrowImage(SpinArrow arrow);
 
-/// Writes the picture to the temporary folder and gives its path; empty when it could not be written, or
-/// when something that is not the user's own plain file is in its place.
+/// Writes the picture to the temporary folder, unless it is there already, and gives its path; empty when it
+/// could not be written, or when something that is not the user's own plain file is in its place.
 [[nodiscard]] QString writeSpinArrow(SpinArrow arrow);

@@ -21,6 +21,7 @@ private Q_SLOTS:
 
     void areFilledTrianglesOnNothing();
     void areWrittenToTheTemporaryFolder();
+    void aFileIsWrittenAgainOnlyWhenItDiffers();
     void areTheUsersAlone();
     void nothingIsWrittenThroughALink();
     void withoutItsFilesThePanelWorksAllTheSame();
@@ -79,8 +80,39 @@ void tst_SpinArrows::areWrittenToTheTemporaryFolder()
     QCOMPARE(writeSpinArrow(SpinArrow::Down), m_folder->filePath(u"tavoran_spin_down.png"_s));
     QCOMPARE(QImage(m_folder->filePath(u"tavoran_spin_up.png"_s)).pixelColor(4, 4), QColor(0x1a, 0x1a, 0x1a));
     QCOMPARE(QImage(m_folder->filePath(u"tavoran_spin_down.png"_s)).size(), QSize(9, 6));
-    // A later start writes them again.
+    // A later start finds them there.
     QVERIFY(!writeSpinArrow(SpinArrow::Up).isEmpty());
+}
+
+void tst_SpinArrows::aFileIsWrittenAgainOnlyWhenItDiffers()
+{
+    const QString path = writeSpinArrow(SpinArrow::Up);
+    QFile file(path);
+    QVERIFY(file.open(QIODevice::ReadOnly));
+    const QByteArray bytes = file.readAll();
+    file.close();
+    const QDateTime longAgo(QDate(2001, 2, 3), QTime(4, 5), Qt::UTC);
+    const auto content = [&] {
+        const bool opened = file.open(QIODevice::ReadOnly);
+        const QByteArray all = opened ? file.readAll() : QByteArray();
+        file.close();
+        return all;
+    };
+    const auto put = [&](const QByteArray& text) {
+        return file.open(QIODevice::ReadWrite | QIODevice::Truncate) && file.write(text) == text.size()
+            && file.flush() && file.setFileTime(longAgo, QFileDevice::FileModificationTime);
+    };
+
+    QVERIFY(put(bytes));
+    file.close();
+    QCOMPARE(writeSpinArrow(SpinArrow::Up), path);
+    QCOMPARE(QFileInfo(path).lastModified(), longAgo);
+    for (const QByteArray& spoilt : {QByteArray(), bytes.chopped(1), bytes + 'x', bytes.chopped(1) + 'x'}) {
+        QVERIFY(put(spoilt));
+        file.close();
+        QCOMPARE(writeSpinArrow(SpinArrow::Up), path);
+        QCOMPARE(content(), bytes);
+    }
 }
 
 void tst_SpinArrows::areTheUsersAlone()
