@@ -166,6 +166,7 @@ void tst_TerminalActions::toolbarsHoldTheirActionsInOrder()
         texts.append(action->isSeparator() ? u"-"_s : action->iconText());
     QCOMPARE(texts, expected);
     QVERIFY(bar->isVisible());
+    QCOMPARE(bar->iconSize(), QSize(16, 16)); // as they are drawn
     QCOMPARE(f.window->toolBarArea(bar), Qt::TopToolBarArea);
     // All are there to see without a second row, in their order.
     for (QAction* action : bar->actions())
@@ -236,6 +237,7 @@ void tst_TerminalActions::toolTipsSayWhatTheSwitchesDo()
     QCOMPARE(actions.algoTrading->toolTip(), u"Algo Trading — allow Expert Advisors to place orders"_s);
     QCOMPARE(actions.autoScroll->toolTip(), u"Auto Scroll — keep the chart on the newest tick"_s);
     QCOMPARE(actions.chartShift->toolTip(), u"Chart Shift — shift the newest bar off the right border"_s);
+    QCOMPARE(actions.fibonacci->toolTip(), u"Fibonacci"_s);
     for (const QAction* toggle : {actions.algoTrading, actions.autoScroll, actions.chartShift})
         QVERIFY(toggle->isCheckable());
 }
@@ -346,8 +348,8 @@ void tst_TerminalActions::keysWorkWithMenusAndToolbarsHidden()
     for (QToolBar* bar : d.f.window->findChildren<QToolBar*>(Qt::FindDirectChildrenOnly))
         bar->hide();
     const TerminalActions& a = d.actions();
-    for (QAction* action : {a.newOrder, a.zoomIn, a.zoomOut, a.dataWindow, a.properties, a.depthOfMarket,
-             a.toggleMarketWatch, a.toggleToolbox, a.popupPrices}) {
+    for (QAction* action : {a.newOrder, a.exit, a.zoomIn, a.zoomOut, a.dataWindow, a.properties,
+             a.depthOfMarket, a.toggleMarketWatch, a.toggleToolbox, a.popupPrices}) {
         const QSignalSpy spy(action, &QAction::triggered);
         const QKeyCombination key = action->shortcut()[0];
         d.activate();
