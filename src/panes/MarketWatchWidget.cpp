@@ -53,7 +53,7 @@ void stretchLastColumn(QTreeWidget* list)
 
 MarketWatchWidget::MarketWatchWidget(QWidget* parent)
     : QWidget(parent)
-    , m_look(QuoteLook::forCurrentTheme())
+    , m_look(std::make_shared<QuoteLook>(QuoteLook::forCurrentTheme()))
     // Each child is made where it stays: under a style sheet a change of parent styles everything anew.
     , m_pages(new QStackedWidget(this))
     , m_list(new QTreeWidget(m_pages))
@@ -245,8 +245,8 @@ void MarketWatchWidget::changeEvent(QEvent* event)
 
 void MarketWatchWidget::refreshLook()
 {
-    if (m_look.dark == isDarkTheme())
+    if (m_look->dark == isDarkTheme())
         return;
-    m_look = QuoteLook::forCurrentTheme();
+    *m_look = QuoteLook::forCurrentTheme();
     m_list->viewport()->update();
 }

@@ -6,6 +6,8 @@
 #include <QJsonObject>
 #include <QWidget>
 
+#include <memory>
+
 class PriceSnapshot;
 class QAbstractItemModel;
 class QJsonArray;
@@ -68,7 +70,7 @@ private:
     void showDetails(const QString& symbol);
     void refreshLook();
 
-    QuoteLook m_look;
+    std::shared_ptr<QuoteLook> m_look; ///< shared with the rows, which are deleted later than members
     QStackedWidget* m_pages;
     QTreeWidget* m_list;
     QTreeWidget* m_details;

@@ -7,6 +7,8 @@
 
 #include <QCoreApplication>
 
+#include <utility>
+
 using namespace Qt::StringLiterals;
 
 QuoteLook QuoteLook::forCurrentTheme()
@@ -15,9 +17,10 @@ QuoteLook QuoteLook::forCurrentTheme()
         upArrowIcon(themeUpColor()), downArrowIcon(themeDownColor())};
 }
 
-QuoteItem::QuoteItem(const QuoteLook& look, const QString& name, const QString& description, int digits)
+QuoteItem::QuoteItem(
+    std::shared_ptr<const QuoteLook> look, const QString& name, const QString& description, int digits)
     : QTreeWidgetItem({name, QString(), QString(), QString()})
-    , m_look(look)
+    , m_look(std::move(look))
     , m_digits(clampDigits(digits))
 {
     if (!description.isEmpty())
@@ -51,7 +54,7 @@ QVariant QuoteItem::data(int column, int role) const
             return QTreeWidgetItem::data(column, role);
         if (m_bidTick == Tick::None)
             return {};
-        return m_bidTick == Tick::Up ? m_look.up : m_look.down;
+        return m_bidTick == Tick::Up ? m_look->up : m_look->down;
     }
     switch (role) {
     case Qt::DisplayRole:
@@ -94,7 +97,7 @@ QVariant QuoteItem::brushOf(int column) const
         return brushOf(m_askTick);
     case Daily:
         if (m_hasDaily)
-            return m_daily >= 0.0 ? m_look.gain : m_look.falling;
+            return m_daily >= 0.0 ? m_look->gain : m_look->falling;
         return {};
     default:
         return {};
@@ -105,11 +108,11 @@ const QBrush& QuoteItem::brushOf(Tick tick) const
 {
     switch (tick) {
     case Tick::Up:
-        return m_look.rising;
+        return m_look->rising;
     case Tick::Down:
-        return m_look.falling;
+        return m_look->falling;
     case Tick::None:
         break;
     }
-    return m_look.text;
+    return m_look->text;
 }

@@ -4,6 +4,8 @@
 #include <QIcon>
 #include <QTreeWidgetItem>
 
+#include <memory>
+
 /// The brushes and arrows that all rows of Market Watch share, in the colours of the current theme.
 struct QuoteLook final {
     bool dark = false;
@@ -27,8 +29,10 @@ class QuoteItem final : public QTreeWidgetItem {
 public:
     enum Column { Symbol, Bid, Ask, Daily, ColumnCount };
 
-    /// `look` must outlive every use of the item; `digits` is clamped to what prices can have.
-    QuoteItem(const QuoteLook& look, const QString& name, const QString& description, int digits);
+    /// Rows share `look` with the pane, because they outlive its members. `digits` is clamped to what prices
+    /// can have.
+    QuoteItem(
+        std::shared_ptr<const QuoteLook> look, const QString& name, const QString& description, int digits);
 
     /// A new price. Tick::None keeps the direction shown before.
     void setBid(double bid, Tick tick);
@@ -43,7 +47,7 @@ private:
     [[nodiscard]] QVariant brushOf(int column) const;
     [[nodiscard]] const QBrush& brushOf(Tick tick) const;
 
-    const QuoteLook& m_look;
+    std::shared_ptr<const QuoteLook> m_look;
     double m_bid = 0.0; ///< 0: no price yet
     double m_ask = 0.0;
     double m_daily = 0.0;
