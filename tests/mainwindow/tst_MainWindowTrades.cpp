@@ -28,9 +28,12 @@ private Q_SLOTS:
     void aChangeThatNobodyKnowsOfReadsTheLists();
     void aRowsMenuOpensTheOrderDialog();
     void aDoubleClickModifiesTheTrade();
+    void withoutATradeThereIsNothingToModify();
+    void theModifyDialogKnowsTheSymbolsDigits_data();
     void theModifyDialogKnowsTheSymbolsDigits();
     void aDroppedLevelIsSent();
     void theOneClickPanelTrades();
+    void answersAfterTheWindowIsGoneDoNoHarm();
     void theAlgoSwitchIsToldInTheExpertsTab();
     void alertsKnowTheSymbolsInAlphabeticalOrder();
     void pricesReachTheAlerts();
@@ -151,16 +154,37 @@ void tst_MainWindowTrades::aDoubleClickModifiesTheTrade()
     QTRY_VERIFY(!dialog);
 }
 
-void tst_MainWindowTrades::theModifyDialogKnowsTheSymbolsDigits()
+void tst_MainWindowTrades::withoutATradeThereIsNothingToModify()
 {
     MainWindowFixture f;
+    f.signInAndSettle();
+    f.window->onTradeDoubleClicked({});
+    QVERIFY(!f.window->findChild<ModifyDialog*>());
+    f.window->onTradeContextMenu(f.window->mapToGlobal(QPoint(9, 9)), {});
+    QVERIFY(!f.window->findChild<QMenu*>(u"tradeMenu"_s));
+}
+
+void tst_MainWindowTrades::theModifyDialogKnowsTheSymbolsDigits_data()
+{
+    QTest::addColumn<QByteArray>("symbol");
+    QTest::addColumn<QString>("stopLoss");
+    QTest::newRow("three") << QByteArray("USDJPY") << u"150.000"_s;
+    QTest::newRow("five where they are unknown") << QByteArray("XAUUSD") << u"150.00000"_s;
+}
+
+void tst_MainWindowTrades::theModifyDialogKnowsTheSymbolsDigits()
+{
+    QFETCH(QByteArray, symbol);
+    QFETCH(QString, stopLoss);
+    MainWindowFixture f;
     f.http.on("GET", "/api/trades/open?accountId=a1",
-        StubAnswer::json(R"([{"id":"t2","symbol":"USDJPY","type":"BUY","lotSize":1,"stopLoss":150}])"));
+        StubAnswer::json(
+            R"([{"id":"t2","symbol":")" + symbol + R"(","type":"BUY","lotSize":1,"stopLoss":150}])"));
     f.signInAndSettle();
     doubleClickRow(f);
     const auto* dialog = f.window->findChild<ModifyDialog*>();
     QVERIFY(dialog);
-    QCOMPARE(dialog->findChild<DecimalEdit*>(u"modifyStopLoss"_s)->text(), u"150.000"_s);
+    QCOMPARE(dialog->findChild<DecimalEdit*>(u"modifyStopLoss"_s)->text(), stopLoss);
 }
 
 void tst_MainWindowTrades::aDroppedLevelIsSent()
@@ -169,9 +193,14 @@ void tst_MainWindowTrades::aDroppedLevelIsSent()
     f.signInAndSettle();
     f.window->openChart(u"EURUSD"_s);
     f.http.on("PUT", "/api/trades/modify/t1", StubAnswer::json("{}"));
+    f.settle();
+    f.http.clearRequests();
     Q_EMIT f.charts().first()->chart().levelDragged(u"t1"_s, u"SL"_s, 1.07505);
     QTRY_COMPARE(f.journalCount(u"Trade: SL moved to 1.07505"_s), 1);
     QCOMPARE(f.http.last("PUT", "/api/trades/modify/t1").json(), QJsonObject({{u"stopLoss"_s, 1.07505}}));
+    QTRY_COMPARE(f.http.count("GET", "/api/trades/open?accountId=a1"), 1);
+    f.settle();
+    QCOMPARE(f.http.count("GET", "/api/accounts"), 0);
 }
 
 void tst_MainWindowTrades::theOneClickPanelTrades()
@@ -180,6 +209,8 @@ void tst_MainWindowTrades::theOneClickPanelTrades()
     f.signInAndSettle();
     f.window->openChart(u"EURUSD"_s);
     f.http.on("POST", "/api/trades/place", StubAnswer::json("{}"));
+    f.settle();
+    f.http.clearRequests();
     const auto* panel = f.window->findChild<OneClickPanel*>();
     QVERIFY(panel && panel->isVisible());
     for (QPushButton* button : panel->findChildren<QPushButton*>()) {
@@ -190,6 +221,29 @@ void tst_MainWindowTrades::theOneClickPanelTrades()
     QCOMPARE(f.http.last("POST", "/api/trades/place").json(),
         QJsonObject({{u"symbol"_s, u"EURUSD"_s}, {u"type"_s, u"BUY"_s}, {u"orderKind"_s, u"MARKET"_s},
             {u"lotSize"_s, 0.01}, {u"accountId"_s, u"a1"_s}}));
+    QTRY_COMPARE(f.http.count("GET", "/api/accounts"), 1);
+    QTRY_VERIFY(f.http.count("GET", "/api/trades/open?accountId=a1") >= 1);
+}
+
+void tst_MainWindowTrades::answersAfterTheWindowIsGoneDoNoHarm()
+{
+    MainWindowFixture f;
+    f.signInAndSettle();
+    f.http.on("POST", "/api/trades/place", StubAnswer::held());
+    f.http.on("POST", "/api/trades/close/t1", StubAnswer::held());
+    f.http.on("PUT", "/api/trades/modify/t1", StubAnswer::held());
+    f.window->onQuickTrade(u"EURUSD"_s, u"BUY"_s, 1.0);
+    f.window->onChartModifyLevel(u"t1"_s, u"SL"_s, 1.0);
+    f.action("Algo Trading")->trigger();
+    f.window->onExpertCloseAll(u"EURUSD"_s);
+    QTRY_COMPARE(f.http.heldCount(), 3);
+    f.window.reset();
+    f.http.release(StubAnswer::json("{}"));
+    QTRY_COMPARE(f.http.heldCount(), 0);
+    f.settle();
+    QCOMPARE(f.http.count("POST", "/api/trades/place"), 1);
+    QCOMPARE(f.http.count("POST", "/api/trades/close/t1"), 1);
+    QCOMPARE(f.http.count("PUT", "/api/trades/modify/t1"), 1);
 }
 
 void tst_MainWindowTrades::theAlgoSwitchIsToldInTheExpertsTab()

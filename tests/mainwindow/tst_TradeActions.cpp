@@ -22,6 +22,7 @@ const QByteArray openTrades = R"([
     {"id":"t2","symbol":"GOLD","status":"OPEN"},
     {"id":"t3","symbol":"EURUSD","status":"OPEN"},
     {"id":"t4","symbol":"EURUSD","status":"OPEN"},
+    {"id":"t5","symbol":"eurusd","status":"OPEN"},
     {"id":"","symbol":"OIL"}])";
 const QByteArray pendingOrders
     = R"([{"id":"p1","symbol":"EURUSD","status":"PENDING","stopLoss":1.0,"pendingPrice":"1.1"},{"id":"..","symbol":"X"}])";
@@ -67,6 +68,29 @@ struct Desk {
         QTRY_COMPARE(server.heldCount(), 1);
         api.findChild<QNetworkReply*>()->abort();
     }
+    /// An exchange of its own, with which whatever was sent before has arrived.
+    void settle()
+    {
+        bool answered = false;
+        api.get(
+            u"/marker"_s, &server, [&answered](const QJsonDocument&, const QString&) { answered = true; });
+        QTRY_VERIFY(answered);
+        QCOMPARE(server.requests().last().path(), "/marker"_ba);
+    }
+    /// Checks what is said of a failure, and that it was asked for once. A reason that ends with a star is
+    /// the beginning of the toolkit's own words.
+    void checkFailure(const QString& words, QString reason) const
+    {
+        QCOMPARE(said.at(0), sound(SoundKind::Error));
+        const QString& line = said.at(1);
+        if (reason.endsWith(u'*')) {
+            reason.chop(1);
+            QVERIFY2(line.startsWith(words + reason), qPrintable(line));
+        } else {
+            QCOMPARE(line, words + reason);
+        }
+        QCOMPARE(server.requests().size(), 1);
+    }
     [[nodiscard]] static QString sound(SoundKind kind) { return u"sound %1"_s.arg(int(kind)); }
 };
 
@@ -79,9 +103,11 @@ void addFailures()
     QTest::newRow("cut after it was sent") << StubAnswer::closed() << u"Connection closed"_s;
     QTest::newRow("no answer in time") << StubAnswer::held() << timedOut;
     QTest::newRow("cut within the answer")
-        << StubAnswer::raw("HTTP/1.1 200 OK\r\nContent-Length: 90\r\n\r\n{") << QString();
-    QTest::newRow("an error page") << StubAnswer::html("<h1>Bad</h1>", 502) << QString();
-    QTest::newRow("a redirect") << StubAnswer::redirect(u"http://127.0.0.1:1/"_s) << QString();
+        << StubAnswer::raw("HTTP/1.1 200 OK\r\nContent-Length: 90\r\n\r\n{") << u"Connection closed"_s;
+    QTest::newRow("an error page") << StubAnswer::html("<h1>Bad</h1>", 502)
+                                   << u"Error transferring http://127.0.0.1:*"_s;
+    QTest::newRow("a redirect") << StubAnswer::redirect(u"http://127.0.0.1:1/"_s)
+                                << u"The server answered with a redirect"_s;
 }
 
 } // namespace
@@ -95,6 +121,8 @@ private Q_SLOTS:
     void closingReportsAndReadsEverything();
     void closingFails_data() { addFailures(); }
     void closingFails();
+    void whatComesWithASuccessIsIgnoredOnPurpose_data();
+    void whatComesWithASuccessIsIgnoredOnPurpose();
     void cancellingReportsAndReadsTheTrades();
     void cancellingFails_data() { addFailures(); }
     void cancellingFails();
@@ -105,6 +133,7 @@ private Q_SLOTS:
     void movingFails_data() { addFailures(); }
     void movingFails();
     void movingAnUnknownTradeSendsNothing();
+    void anIdInBothListsMeansThePosition();
     void aSecondDragDoesNotWaitForTheFirst();
     void idsNeverReachAnotherPath_data();
     void idsNeverReachAnotherPath();
@@ -117,6 +146,7 @@ private Q_SLOTS:
     void algoSwitchIsOffAtStartAndTellsEachChange();
     void expertOrdersAreRefusedEveryTimeWhileTheSwitchIsOff();
     void expertOrdersGetTheAccountAndAreReported();
+    void expertOrdersNeverNameAnotherAccount();
     void expertOrdersFail_data() { addFailures(); }
     void expertOrdersFail();
     void expertOrdersNeedAnAccount();
@@ -124,7 +154,9 @@ private Q_SLOTS:
     void closeAllReadsEverythingAfterEachReplyAndTellsNoFailure();
     void closeAllWithoutPositionsIsSilent();
     void closeAllIsRefusedWhileTheSwitchIsOff();
+    void strangeSymbolsAreOneLineOfText();
     void repliesInTheOtherOrderKeepTheirOwnWords();
+    void twoDragsAnsweredInTheOtherOrderKeepTheirOwnWords();
     void repliesAfterTheEndDoNoHarm();
 };
 
@@ -148,11 +180,27 @@ void TestTradeActions::closingFails()
     desk.actions.closePosition(parse(R"({"id":"t1"})"));
     desk.waitFor(reason);
     QTRY_COMPARE(desk.said.size(), 5);
-    QCOMPARE(desk.said.at(0), Desk::sound(SoundKind::Error));
-    QVERIFY2(desk.said.at(1).startsWith(u"J Trade: Close failed: "_s + reason), qPrintable(desk.said.at(1)));
-    QVERIFY(desk.said.at(1).size() > u"J Trade: Close failed: "_s.size());
+    desk.checkFailure(u"J Trade: Close failed: "_s, reason);
     QCOMPARE(desk.said.mid(2), QStringList({u"accounts"_s, u"trades"_s, u"history"_s}));
-    QCOMPARE(desk.server.requests().size(), 1);
+}
+
+void TestTradeActions::whatComesWithASuccessIsIgnoredOnPurpose_data()
+{
+    QTest::addColumn<StubAnswer>("answer");
+    QTest::newRow("nothing") << StubAnswer::json("");
+    QTest::newRow("no content") << StubAnswer::json("", 204);
+    QTest::newRow("a list") << StubAnswer::json("[1]", 201);
+    QTest::newRow("a page") << StubAnswer::html("<h1>Done</h1>", 200);
+    QTest::newRow("a message") << StubAnswer::message(u"Good luck"_s, 200);
+}
+
+void TestTradeActions::whatComesWithASuccessIsIgnoredOnPurpose()
+{
+    QFETCH(StubAnswer, answer);
+    Desk desk;
+    desk.server.on("POST", "/api/trades/close/t1", answer);
+    desk.actions.closePosition(parse(R"({"id":"t1"})"));
+    QTRY_COMPARE(desk.said.value(1), u"J Trade: Position closed"_s);
 }
 
 void TestTradeActions::cancellingReportsAndReadsTheTrades()
@@ -174,8 +222,7 @@ void TestTradeActions::cancellingFails()
     desk.actions.cancelOrder(parse(R"({"id":"p1"})"));
     desk.waitFor(reason);
     QTRY_COMPARE(desk.said.size(), 3);
-    QCOMPARE(desk.said.at(0), Desk::sound(SoundKind::Error));
-    QVERIFY2(desk.said.at(1).startsWith(u"J Trade: Cancel failed: "_s + reason), qPrintable(desk.said.at(1)));
+    desk.checkFailure(u"J Trade: Cancel failed: "_s, reason);
     QCOMPARE(desk.said.at(2), u"trades"_s);
 }
 
@@ -233,8 +280,7 @@ void TestTradeActions::movingFails()
     desk.actions.moveLevel(u"t1"_s, u"SL"_s, 1.06);
     desk.waitFor(reason);
     QTRY_COMPARE(desk.said.size(), 3);
-    QCOMPARE(desk.said.at(0), Desk::sound(SoundKind::Error));
-    QVERIFY2(desk.said.at(1).startsWith(u"J Trade: Modify failed: "_s + reason), qPrintable(desk.said.at(1)));
+    desk.checkFailure(u"J Trade: Modify failed: "_s, reason);
     QCOMPARE(desk.said.at(2), u"trades"_s);
 }
 
@@ -245,6 +291,17 @@ void TestTradeActions::movingAnUnknownTradeSendsNothing()
     desk.actions.quickTrade(u"EURUSD"_s, u"BUY"_s, 1.0);
     QTRY_COMPARE(desk.server.requests().size(), 1);
     QCOMPARE(desk.server.requests().first().path(), place);
+}
+
+void TestTradeActions::anIdInBothListsMeansThePosition()
+{
+    Desk desk;
+    desk.book.setTrades(parseArray(R"([{"id":"x","takeProfit":2}])"),
+        parseArray(R"([{"id":"x","status":"PENDING","pendingPrice":1.5}])"));
+    desk.actions.moveLevel(u"x"_s, u"SL"_s, 1.0);
+    QTRY_COMPARE(desk.server.count("PUT", "/api/trades/modify/x"), 1);
+    QCOMPARE(
+        desk.server.last("PUT", "/api/trades/modify/x").json(), parse(R"({"stopLoss":1.0,"takeProfit":2})"));
 }
 
 void TestTradeActions::aSecondDragDoesNotWaitForTheFirst()
@@ -282,11 +339,21 @@ void TestTradeActions::idsNeverReachAnotherPath()
         QCOMPARE(desk.said.last(), u"J Trade: Cancel failed: this trade has no usable id"_s);
         desk.actions.moveLevel(u".."_s, u"SL"_s, 1.0);
         QCOMPARE(desk.said.last(), u"J Trade: Modify failed: this trade has no usable id"_s);
-        QCOMPARE(desk.server.requests().size(), 0);
+        desk.actions.moveLevel(QString(), u"SL"_s, 1.0);
+        QCOMPARE(desk.said.count(u"J Trade: Modify failed: this trade has no usable id"_s), 2);
+        desk.settle();
+        QCOMPARE(desk.server.requests().size(), 1);
         return;
     }
     QTRY_COMPARE(desk.server.requests().size(), 1);
     QCOMPARE(desk.server.requests().first().target, "/api/trades/close/" + target);
+    desk.actions.cancelOrder(parse(trade));
+    QTRY_COMPARE(desk.server.requests().size(), 2);
+    QCOMPARE(desk.server.requests().last().target, "/api/trades/cancel/" + target);
+    desk.book.setTrades({parse(trade)}, {});
+    desk.actions.moveLevel(parse(trade)["id"_L1].toString(), u"SL"_s, 1.0);
+    QTRY_COMPARE(desk.server.requests().size(), 3);
+    QCOMPARE(desk.server.requests().last().target, "/api/trades/modify/" + target);
 }
 
 void TestTradeActions::quickTradeSendsAMarketOrder_data()
@@ -319,11 +386,8 @@ void TestTradeActions::quickTradeFails()
     desk.actions.quickTrade(u"EURUSD"_s, u"BUY"_s, 0.25);
     desk.waitFor(reason);
     QTRY_COMPARE(desk.said.size(), 4);
-    QCOMPARE(desk.said.at(0), Desk::sound(SoundKind::Error));
-    QVERIFY2(desk.said.at(1).startsWith(u"J Trade: One-click order failed: "_s + reason),
-        qPrintable(desk.said.at(1)));
+    desk.checkFailure(u"J Trade: One-click order failed: "_s, reason);
     QCOMPARE(desk.said.mid(2), QStringList({u"accounts"_s, u"trades"_s}));
-    QCOMPARE(desk.server.requests().size(), 1);
 }
 
 void TestTradeActions::quickTradeIgnoresTheAlgoSwitch()
@@ -385,6 +449,15 @@ void TestTradeActions::expertOrdersGetTheAccountAndAreReported()
             R"({"symbol":"EURUSD","type":"SELL","orderKind":"MARKET","lotSize":0.1,"stopLoss":1.2,"accountId":"acc-1"})"));
 }
 
+void TestTradeActions::expertOrdersNeverNameAnotherAccount()
+{
+    Desk desk;
+    desk.actions.setAlgoTrading(true);
+    desk.actions.expertOrder(parse(R"({"symbol":"EURUSD","accountId":"of somebody else"})"));
+    QTRY_COMPARE(desk.server.count("POST", place), 1);
+    QCOMPARE(desk.server.last("POST", place).json(), parse(R"({"symbol":"EURUSD","accountId":"acc-1"})"));
+}
+
 void TestTradeActions::expertOrdersFail()
 {
     QFETCH(StubAnswer, answer);
@@ -396,8 +469,7 @@ void TestTradeActions::expertOrdersFail()
     desk.actions.expertOrder(parse(R"({"symbol":"EURUSD"})"));
     desk.waitFor(reason);
     QTRY_COMPARE(desk.said.size(), 4);
-    QCOMPARE(desk.said.at(0), Desk::sound(SoundKind::Error));
-    QVERIFY2(desk.said.at(1).startsWith(u"E Expert: Order failed: "_s + reason), qPrintable(desk.said.at(1)));
+    desk.checkFailure(u"E Expert: Order failed: "_s, reason);
     QCOMPARE(desk.said.mid(2), QStringList({u"accounts"_s, u"trades"_s}));
 }
 
@@ -451,8 +523,9 @@ void TestTradeActions::closeAllWithoutPositionsIsSilent()
     desk.said.clear();
     desk.actions.expertCloseAll(u"SILVER"_s);
     desk.actions.expertCloseAll(u"OIL"_s); // its only position has no usable id
+    desk.settle();
     QCOMPARE(desk.said, QStringList());
-    QCOMPARE(desk.server.requests().size(), 0);
+    QCOMPARE(desk.server.requests().size(), 1);
 }
 
 void TestTradeActions::closeAllIsRefusedWhileTheSwitchIsOff()
@@ -460,6 +533,42 @@ void TestTradeActions::closeAllIsRefusedWhileTheSwitchIsOff()
     Desk desk;
     desk.actions.expertCloseAll(u"EURUSD"_s);
     QCOMPARE(desk.said, QStringList({u"E Expert: Algo Trading is OFF — close ignored."_s}));
+}
+
+void TestTradeActions::strangeSymbolsAreOneLineOfText()
+{
+    const QString strange = u"%2\n%1"_s;
+    Desk desk;
+    desk.server.on("POST", place, StubAnswer::json("{}"));
+    desk.book.setTrades({QJsonObject({{u"id"_s, u"t"_s}, {u"symbol"_s, strange}})}, {});
+    desk.actions.setAlgoTrading(true);
+    desk.said.clear();
+    desk.actions.expertCloseAll(strange);
+    QCOMPARE(desk.said.value(1), u"E Expert: Closing 1 position(s) on %2 %1"_s);
+    QTRY_COMPARE(desk.said.size(), 5);
+    desk.said.clear();
+    desk.actions.quickTrade(strange, u"SELL"_s, 1.0);
+    QTRY_COMPARE(desk.said.value(1), u"J Trade: One-click SELL %2 %1 executed"_s);
+    QCOMPARE(desk.server.last("POST", place).json()["symbol"_L1].toString(), strange);
+    desk.said.clear();
+    desk.actions.expertOrder({{u"symbol"_s, strange}, {u"type"_s, u"BUY"_s}, {u"lotSize"_s, u"2"_s}});
+    QTRY_COMPARE(desk.said.value(1), u"E Expert: BUY 2.00 %2 %1 executed"_s);
+}
+
+void TestTradeActions::twoDragsAnsweredInTheOtherOrderKeepTheirOwnWords()
+{
+    Desk desk;
+    desk.server.on("PUT", "/api/trades/modify/t1", StubAnswer::held());
+    desk.server.on("PUT", "/api/trades/modify/p1", StubAnswer::held());
+    desk.actions.moveLevel(u"t1"_s, u"TP"_s, 1.5);
+    desk.actions.moveLevel(u"p1"_s, u"PRICE"_s, 1.25);
+    QTRY_COMPARE(desk.server.heldCount(), 2);
+    desk.server.release(StubAnswer::json("{}"), "/api/trades/modify/p1");
+    QTRY_COMPARE(desk.said.size(), 3);
+    desk.server.release(StubAnswer::message(u"Too near"_s, 422), "/api/trades/modify/t1");
+    QTRY_COMPARE(desk.said,
+        QStringList({Desk::sound(SoundKind::Open), u"J Trade: PRICE moved to 1.25"_s, u"trades"_s,
+            Desk::sound(SoundKind::Error), u"J Trade: Modify failed: Too near"_s, u"trades"_s}));
 }
 
 void TestTradeActions::repliesInTheOtherOrderKeepTheirOwnWords()

@@ -60,9 +60,11 @@ private Q_SLOTS:
     void aPositionCanBeClosed();
     void aPendingOrderCanBeCancelled();
     void anEmptyTradeHasNoMenu();
+    void itOpensAtThePlaceItIsGiven();
     void everyEntryAsksForItsOwn();
     void cancellingAsksNoQuestion();
     void closingAsksFirst();
+    void returnMeansYes();
     void onlyYesCloses_data();
     void onlyYesCloses();
     void serverTextInTheQuestionIsText();
@@ -86,6 +88,17 @@ void TestTradeMenu::anEmptyTradeHasNoMenu()
 {
     Desk desk;
     QVERIFY(!desk.popUp("{}"));
+}
+
+void TestTradeMenu::itOpensAtThePlaceItIsGiven()
+{
+    for (const QPoint place : {QPoint(120, 90), QPoint(33, 210)}) {
+        Desk desk;
+        desk.menu.popUp(place, parse(position));
+        const auto* menu = desk.window.findChild<QMenu*>(u"tradeMenu"_s);
+        QVERIFY(menu->isVisible());
+        QCOMPARE(menu->pos(), place);
+    }
 }
 
 void TestTradeMenu::everyEntryAsksForItsOwn()
@@ -123,6 +136,16 @@ void TestTradeMenu::closingAsksFirst()
     QCOMPARE(desk.question()->text(), u"Close position buy 0.10 EURUSD (#01234567)?"_s);
     QCOMPARE(desk.question()->icon(), QMessageBox::Question);
     QCOMPARE(desk.question()->standardButtons(), QMessageBox::Yes | QMessageBox::No);
+}
+
+void TestTradeMenu::returnMeansYes()
+{
+    Desk desk;
+    QSignalSpy closes(&desk.menu, &TradeMenu::closeConfirmed);
+    Desk::choose(*desk.popUp(position), u"Close Position"_s);
+    QTest::keyClick(desk.question(), Qt::Key_Return);
+    QCOMPARE(closes.size(), 1);
+    QCOMPARE(closes.at(0).at(0).toJsonObject(), parse(position));
 }
 
 void TestTradeMenu::onlyYesCloses_data()

@@ -51,6 +51,18 @@ void TestLevelsBody::movingALevelKeepsTheOthers_data()
     QTest::newRow("negative and unreadable levels are none")
         << QByteArray(R"({"stopLoss":-1,"takeProfit":"NaN"})") << u"PRICE"_s
         << QByteArray(R"({"pendingPrice":1.5})");
+    QTest::newRow("texts that are no levels above zero are none")
+        << QByteArray(R"({"stopLoss":"-1.5","takeProfit":"1e999"})") << u"PRICE"_s
+        << QByteArray(R"({"pendingPrice":1.5})");
+    QTest::newRow("text zero and half a number are none")
+        << QByteArray(R"({"stopLoss":"0.000","takeProfit":"1,5"})") << u"PRICE"_s
+        << QByteArray(R"({"pendingPrice":1.5})");
+    QTest::newRow("a position has no entry to carry")
+        << QByteArray(R"({"status":"OPEN","stopLoss":1,"pendingPrice":1.2})") << u"TP"_s
+        << QByteArray(R"({"stopLoss":1,"takeProfit":1.5})");
+    QTest::newRow("nothing else of the trade is sent")
+        << QByteArray(R"({"id":"x","symbol":"S","lotSize":1,"type":"BUY","comment":"c","stopLoss":1})")
+        << u"SL"_s << QByteArray(R"({"stopLoss":1.5})");
     QTest::newRow("an unknown kind means the entry")
         << QByteArray(R"({"stopLoss":1})") << u"?"_s << QByteArray(R"({"stopLoss":1,"pendingPrice":1.5})");
 }
