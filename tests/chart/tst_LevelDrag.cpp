@@ -42,6 +42,7 @@ private Q_SLOTS:
     void the_price_follows_the_pointer_within_the_plot();
     void the_new_price_is_rounded_to_the_digits();
     void a_click_without_moving_asks_for_nothing();
+    void a_click_after_a_drag_asks_for_nothing();
     void a_drag_back_to_the_old_price_asks_for_nothing();
     void prices_that_differ_by_less_than_the_tolerance_are_the_same();
     void a_level_dragged_to_zero_or_below_asks_for_nothing();
@@ -122,6 +123,21 @@ void TestLevelDrag::a_click_without_moving_asks_for_nothing()
     LevelDrag drag;
     QVERIFY(drag.begin(levels, pipView(), pipView().pricePixel(1.102) + 3));
     drag.move(pipView(), pipView().pricePixel(1.102) + 3); // sideways
+    QCOMPARE(drag.price(), 1.1020012);
+    QVERIFY(!drag.drop(5));
+}
+
+void TestLevelDrag::a_click_after_a_drag_asks_for_nothing()
+{
+    const QList<TradeLevel> levels{levelAt(1.1020012)}; // finer than the digits
+    const int row = pipView().pricePixel(1.102);
+    LevelDrag drag;
+    QVERIFY(drag.begin(levels, pipView(), row));
+    drag.move(pipView(), 50);
+    QVERIFY(drag.drop(5));
+    QVERIFY(drag.begin(levels, pipView(), row));
+    QCOMPARE(drag.price(), 1.1020012);
+    drag.move(pipView(), row);
     QCOMPARE(drag.price(), 1.1020012);
     QVERIFY(!drag.drop(5));
 }

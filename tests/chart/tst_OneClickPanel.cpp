@@ -7,6 +7,7 @@
 
 #include <QLayout>
 #include <QPushButton>
+#include <QStandardPaths>
 
 using namespace Qt::StringLiterals;
 using fixtures::ServedChart;
@@ -23,15 +24,19 @@ private Q_SLOTS:
     void keepsItsSizesInEveryTheme();
     void keepsItsColoursInEveryTheme_data();
     void keepsItsColoursInEveryTheme();
+    void itsGroundIsATranslucentPlate();
+    void itsStyleSheetsAreThese();
     void captionsShowADashBeforeTheFirstPrice();
     void captionsFollowThePricesOfTheSymbol();
     void captionsFollowTheDigits();
     void aClickAsksForATradeOfTheChosenVolume();
     void aTypedCommaIsADecimalPoint();
     void aHalfTypedVolumeIsTradedAsItIsShown();
+    void lessThanTheLeastVolumeIsNeverTraded();
     void theVolumeStaysBetweenItsLimits();
     void hidingAndShowingKeepsTheVolume();
     void aPressOnThePanelNeverReachesTheChart();
+    void aDoubleClickOnThePanelNeverReachesTheChart();
     void theWheelOverThePanelDoesNotZoomTheChart();
     void aClickLeavesTheKeysWithTheChart();
     void deletingDigitsDeletesNoObject();
@@ -169,6 +174,50 @@ void tst_OneClickPanel::keepsItsColoursInEveryTheme()
     QVERIFY(fixtures::pixelsOf(box, QRect(50, 1, 15, 14), QColor(0xdc, 0xdc, 0xdc)) > 50);
 }
 
+void tst_OneClickPanel::itsGroundIsATranslucentPlate()
+{
+    const ServedChart served;
+    served.show();
+    ChartColors white = served.chart().colors();
+    white.background = Qt::white;
+    served.chart().setColors(white);
+    const QRect place = panelOf(served).geometry();
+    const QPoint inside = place.topLeft() + QPoint(2, 15);
+    const QPoint border = place.topLeft() + QPoint(0, 15);
+    const QImage picture = served.chart().grab().toImage();
+    const int gray = (28 * 205 + 255 * 50) / 255;
+    const QColor ground = picture.pixelColor(inside);
+    for (const int part : {ground.red(), ground.green(), ground.blue()})
+        QVERIFY2(std::abs(part - gray) <= 2, qPrintable(ground.name()));
+    QCOMPARE(picture.pixelColor(border), QColor(0x3a, 0x3a, 0x3a));
+    QCOMPARE(picture.pixelColor(border - QPoint(1, 0)), QColor(Qt::white));
+}
+
+void tst_OneClickPanel::itsStyleSheetsAreThese()
+{
+    const ServedChart served;
+    const OneClickPanel& panel = panelOf(served);
+    const auto buttonSheet = [](const QString& color, const QString& hovered) {
+        return u"QPushButton{background:%1;border:none;color:#ffffff;font-weight:bold;font-size:7.5pt;"
+               "border-radius:2px;}QPushButton:hover{background:%2;}"_s.arg(color, hovered);
+    };
+    QCOMPARE(panel.styleSheet(),
+        u"#oneClickPanel{background:rgba(28,28,28,205);border:1px solid #3a3a3a;border-radius:2px;}"_s);
+    QCOMPARE(button(panel, u"SELL"_s).styleSheet(), buttonSheet(u"#c0392b"_s, u"#d64535"_s));
+    QCOMPARE(button(panel, u"BUY"_s).styleSheet(), buttonSheet(u"#1f6fb2"_s, u"#2a80c8"_s));
+    const QString folder = QStandardPaths::writableLocation(QStandardPaths::TempLocation);
+    QCOMPARE(volume(panel).styleSheet(),
+        u"QDoubleSpinBox{background:#ffffff;color:#000000;border:1px solid #666666;font-size:9pt;padding:1px "
+        "2px 1px 4px;}QDoubleSpinBox::up-button{subcontrol-origin:border;subcontrol-position:top "
+        "right;width:16px;background:#dcdcdc;border-left:1px solid #8f8f8f;border-bottom:1px solid "
+        "#b5b5b5;}QDoubleSpinBox::down-button{subcontrol-origin:border;subcontrol-position:bottom "
+        "right;width:16px;background:#dcdcdc;border-left:1px solid "
+        "#8f8f8f;}QDoubleSpinBox::up-button:hover,QDoubleSpinBox::down-button:hover{background:#bcd8f0;}"
+        "QDoubleSpinBox::up-arrow{image:url(\"%1/tavoran_spin_up.png\");width:9px;height:6px;}"
+        "QDoubleSpinBox::down-arrow{image:url(\"%1/tavoran_spin_down.png\");width:9px;height:6px;}"_s.arg(
+            folder));
+}
+
 void tst_OneClickPanel::captionsShowADashBeforeTheFirstPrice()
 {
     const ServedChart served;
@@ -187,6 +236,12 @@ void tst_OneClickPanel::captionsFollowThePricesOfTheSymbol()
     served.window->onPrices(fixtures::quote(u"EURUSD"_s, 1.2, 1.10009));
     QCOMPARE(button(panelOf(served), u"SELL"_s).text(), u"SELL\n1.20000"_s);
     QCOMPARE(button(panelOf(served), u"BUY"_s).text(), u"BUY\n1.10009"_s);
+    served.window->onPrices(fixtures::quote(u"EURUSD"_s, 1.2, 1.20001));
+    QCOMPARE(button(panelOf(served), u"SELL"_s).text(), u"SELL\n1.20000"_s);
+    QCOMPARE(button(panelOf(served), u"BUY"_s).text(), u"BUY\n1.20001"_s);
+    served.window->onPrices(fixtures::quote(u"EURUSD"_s, 12345.678, 20000.0));
+    QCOMPARE(button(panelOf(served), u"SELL"_s).text(), u"SELL\n12345.67800"_s);
+    QCOMPARE(button(panelOf(served), u"BUY"_s).text(), u"BUY\n20000.00000"_s);
 }
 
 void tst_OneClickPanel::captionsFollowTheDigits()
@@ -234,8 +289,30 @@ void tst_OneClickPanel::aHalfTypedVolumeIsTradedAsItIsShown()
     QTest::keyClick(&box, Qt::Key_Delete);
     QTest::mouseClick(&button(panelOf(served), u"BUY"_s), Qt::LeftButton);
     QCOMPARE(wish.size(), 1);
-    QCOMPARE(wish.first().at(2).toDouble(), box.value());
-    QCOMPARE(box.text(), QString::number(box.value(), 'f', 2));
+    QCOMPARE(wish.first().at(2).toDouble(), 3.0);
+    QCOMPARE(box.text(), u"3.00"_s);
+    box.selectAll();
+    QTest::keyClicks(&box, u"2."_s);
+    QTest::mouseClick(&button(panelOf(served), u"SELL"_s), Qt::LeftButton);
+    QCOMPARE(wish.last().at(2).toDouble(), 2.0);
+    QCOMPARE(box.text(), u"2.00"_s);
+}
+
+void tst_OneClickPanel::lessThanTheLeastVolumeIsNeverTraded()
+{
+    const ServedChart served;
+    served.show();
+    QSignalSpy wish(served.window.get(), &ChartWindow::quickTradeRequested);
+    DecimalSpinBox& box = volume(panelOf(served));
+    for (const QString& typed : {u"0"_s, u"0.00"_s, u"0.001"_s, u"-1"_s, u"."_s}) {
+        box.setValue(0.5);
+        box.selectAll();
+        QTest::keyClicks(&box, typed);
+        QTest::mouseClick(&button(panelOf(served), u"BUY"_s), Qt::LeftButton);
+        QVERIFY2(wish.last().at(2).toDouble() >= 0.01, qPrintable(typed));
+        QCOMPARE(box.text(), QString::number(wish.last().at(2).toDouble(), 'f', 2));
+    }
+    QCOMPARE(wish.size(), 5);
 }
 
 void tst_OneClickPanel::theVolumeStaysBetweenItsLimits()
@@ -271,6 +348,10 @@ void tst_OneClickPanel::hidingAndShowingKeepsTheVolume()
     QVERIFY(served.window->oneClickTrading());
     QCOMPARE(panelOf(served).lots(), 7.25);
     QCOMPARE(button(panelOf(served), u"SELL"_s).text(), u"SELL\n1.50000"_s);
+    QCOMPARE(button(panelOf(served), u"BUY"_s).text(), u"BUY\n1.60000"_s);
+    QSignalSpy wish(served.window.get(), &ChartWindow::quickTradeRequested);
+    QTest::mouseClick(&button(panelOf(served), u"BUY"_s), Qt::LeftButton);
+    QCOMPARE(wish, QList<QVariantList>({{u"EURUSD"_s, u"BUY"_s, 7.25}}));
 }
 
 void tst_OneClickPanel::aPressOnThePanelNeverReachesTheChart()
@@ -288,6 +369,7 @@ void tst_OneClickPanel::aPressOnThePanelNeverReachesTheChart()
                 const QPoint start = panel.pos() + QPoint(x, y);
                 fixtures::pressAt(served.chart(), start, key);
                 fixtures::moveTo(served.chart(), start + QPoint(150, 60));
+                QVERIFY(!served.chart().hoveredBar());
                 fixtures::releaseAt(served.chart(), start + QPoint(150, 60), key);
             }
         }
@@ -296,6 +378,24 @@ void tst_OneClickPanel::aPressOnThePanelNeverReachesTheChart()
     QVERIFY(served.chart().autoScroll());
     QCOMPARE(created.size(), 0);
     QCOMPARE(served.chart().tool(), u"trendline"_s);
+}
+
+void tst_OneClickPanel::aDoubleClickOnThePanelNeverReachesTheChart()
+{
+    const ServedChart served;
+    served.chart().setCandles(fixtures::wave(400));
+    served.show();
+    served.window->setTool(u"hline"_s); // a single press places it
+    QSignalSpy created(&served.chart(), &ChartWidget::drawingCreated);
+    const auto doubleClickAt = [&served](const QPoint& position) {
+        QTest::mouseDClick(served.window->windowHandle(), Qt::LeftButton, {},
+            served.chart().mapTo(served.window.get(), position));
+    };
+    doubleClickAt(panelOf(served).pos() + QPoint(1, 1));
+    QCOMPARE(created.size(), 0);
+    QCOMPARE(served.chart().tool(), u"hline"_s);
+    doubleClickAt(QPoint(200, 200));
+    QCOMPARE(created.size(), 1);
 }
 
 void tst_OneClickPanel::theWheelOverThePanelDoesNotZoomTheChart()

@@ -20,6 +20,7 @@ private Q_SLOTS:
     void cleanup();
 
     void areFilledTrianglesOnNothing();
+    void haveSmoothEdgesAndNoOutline();
     void areWrittenToTheTemporaryFolder();
     void aFileIsWrittenAgainOnlyWhenItDiffers();
     void areTheUsersAlone();
@@ -71,6 +72,28 @@ void tst_SpinArrows::areFilledTrianglesOnNothing()
         QVERIFY(image.pixelColor(4, 1).alpha() > 100);
         QVERIFY(image.pixelColor(1, 4).alpha() > 0);
         QCOMPARE(image.pixelColor(1, 1).alpha(), 0);
+    }
+}
+
+void tst_SpinArrows::haveSmoothEdgesAndNoOutline()
+{
+    for (const SpinArrow arrow : {SpinArrow::Up, SpinArrow::Down}) {
+        const QImage image = spinArrowImage(arrow);
+        int filled = 0;
+        int smooth = 0;
+        for (int y = 0; y < image.height(); ++y) {
+            for (int x = 0; x < image.width(); ++x) {
+                const QColor color = image.pixelColor(x, y);
+                smooth += color.alpha() > 0 && color.alpha() < 255 ? 1 : 0;
+                filled += color.alpha() == 255 ? 1 : 0;
+                // What is nearly transparent has lost its colour to rounding.
+                if (color.alpha() > 60)
+                    QVERIFY2(std::abs(color.red() - 0x1a) <= 2 && std::abs(color.blue() - 0x1a) <= 2,
+                        qPrintable(color.name(QColor::HexArgb)));
+            }
+        }
+        QVERIFY(filled >= 8);
+        QVERIFY(smooth >= 8);
     }
 }
 
