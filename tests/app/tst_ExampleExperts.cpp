@@ -62,7 +62,8 @@ private Q_SLOTS:
     void movingAveragesAnnounceThemselves()
     {
         load(u"MA_Cross.js"_s);
-        QVERIFY(run(u"OnInit()"_s).toBool());
+        QVERIFY(run(u"Fast === 10 && Slow === 30 && Lots === 0.1"_s).toBool());
+        QVERIFY(run(u"OnInit() === true"_s).toBool());
         run(u"OnDeinit()"_s);
         QCOMPARE(said(), u"MA_Cross started on EURUSD  (EMA 10/30); MA_Cross stopped"_s);
     }
@@ -94,7 +95,11 @@ private Q_SLOTS:
         load(u"MA_Cross.js"_s);
         tickWithAverages(1.3, 1.1, 1.2, 1.1);
         tickWithAverages(1.1, 1.1, 1.1, 1.1);
+        run(u"count = 1"_s);
+        tickWithAverages(1.0, 1.1, 1.0, 1.1);
+        tickWithAverages(1.1, 1.1, 1.1, 1.1);
         QCOMPARE(calls(), QString());
+        QCOMPARE(said(), QString());
     }
 
     void movingAveragesWaitForEnoughBars()
@@ -111,7 +116,8 @@ private Q_SLOTS:
     void theRsiAnnouncesItself()
     {
         load(u"RSI_Reversal.js"_s);
-        QVERIFY(run(u"OnInit()"_s).toBool());
+        QVERIFY(run(u"Period === 14 && Oversold === 30 && Overbought === 70 && Lots === 0.1"_s).toBool());
+        QVERIFY(run(u"OnInit() === true"_s).toBool());
         run(u"OnDeinit()"_s);
         QCOMPARE(said(), u"RSI_Reversal started on EURUSD  (period 14); RSI_Reversal stopped"_s);
     }
@@ -140,6 +146,8 @@ private Q_SLOTS:
         tickWithRsi(70, 60);
         QCOMPARE(calls(), QString());
         run(u"count = 1"_s);
+        tickWithRsi(69.96, 75); // what is shown as 70.0 is not yet 70
+        QCOMPARE(calls(), QString());
         tickWithRsi(70, 60);
         QCOMPARE(calls(), u"closeAll"_s);
         QCOMPARE(said(), u"RSI overbought (70.0) → close"_s);

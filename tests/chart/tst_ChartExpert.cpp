@@ -5,7 +5,9 @@
 #include "chart/OneClickPanel.h"
 #include "support/TestMain.h"
 
+#include <QDateTime>
 #include <QJsonArray>
+#include <QPushButton>
 #include <QSignalSpy>
 #include <QTemporaryDir>
 
@@ -34,6 +36,21 @@ class tst_ChartExpert final : public QObject {
     void tick(double bid = 1.1, double ask = 1.1002)
     {
         window().onPrices(fixtures::quote(u"EURUSD"_s, bid, ask));
+    }
+
+    /// Has the chart load old bars with these closes.
+    void loadBars(const QList<double>& closes)
+    {
+        QJsonArray bars;
+        QDateTime time(QDate(2024, 5, 1), QTime(0, 0), Qt::UTC);
+        for (double close : closes) {
+            bars.append(QJsonObject{{u"timestamp"_s, time.toString(Qt::ISODateWithMs)}, {u"open"_s, close},
+                {u"high"_s, close}, {u"low"_s, close}, {u"close"_s, close}, {u"volume"_s, 1}});
+            time = time.addSecs(900);
+        }
+        m_served->server.on("GET", "/api/candles", StubAnswer::json(QJsonDocument(bars).toJson()));
+        window().reload();
+        QTRY_COMPARE(static_cast<qsizetype>(window().chart().candles().size()), closes.size());
     }
 
 private Q_SLOTS:
@@ -89,6 +106,34 @@ private Q_SLOTS:
         QCOMPARE(m_log, QStringList(u"Probe: 1.5 1.7 1.6 1"_s));
     }
 
+    void theExpertHearsOfAPriceAfterTheButtons()
+    {
+        const QList<QPushButton*> buttons
+            = window().findChild<OneClickPanel*>()->findChildren<QPushButton*>();
+        QStringList texts;
+        connect(&window(), &ChartWindow::expertCloseAllRequested, this, [&] {
+            for (const QPushButton* button : buttons)
+                texts.append(button->text());
+        });
+        tick(1.1, 1.2);
+        window().attachExpert(script("function OnTick() { Trade.closeAll() }"));
+        tick(1.5, 1.7);
+        QVERIFY2(texts.contains(u"SELL\n1.50000"_s) && texts.contains(u"BUY\n1.70000"_s),
+            qPrintable(texts.join(u';')));
+    }
+
+    void averagesFollowTheChartsBars()
+    {
+        window().attachExpert(script("function OnTick() { Print(Bars(), iMA(2, 0, 1), iRSI(2, 1)) }"));
+        m_log.clear();
+        loadBars({1, 2, 4});
+        tick(); // into a new bar, which is not asked for
+        // As many other bars: nothing but their prices tells that they are others.
+        loadBars({8, 7, 9});
+        tick();
+        QCOMPARE(m_log, QStringList({u"Probe: 4 3 100"_s, u"Probe: 4 8 66.66666666666666"_s}));
+    }
+
     void theExpertReadsTheChartsFigures()
     {
         window().attachExpert(
@@ -97,7 +142,9 @@ private Q_SLOTS:
         window().setAccountFigures(1000, 1010.5);
         window().setSymbolInfo(3, u"Euro"_s);
         tick();
-        QCOMPARE(m_log, QStringList(u"Probe: EURUSD 3 1000 1010.5"_s));
+        window().setSymbolInfo(5, u"Euro"_s);
+        tick();
+        QCOMPARE(m_log, QStringList({u"Probe: EURUSD 3 1000 1010.5"_s, u"Probe: EURUSD 5 1000 1010.5"_s}));
     }
 
     void theDigitsOfTheWindowAreTheExperts()

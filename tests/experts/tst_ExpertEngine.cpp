@@ -64,6 +64,39 @@ private Q_SLOTS:
         chart().engine->tick();
         chart().engine->tick();
         QCOMPARE(chart().done.join(u';'), u"print 1;print 1"_s);
+        chart().done.clear();
+        QVERIFY(chart().load("function OnTick() { Print('of the file') } function OnDeinit() { Print('end') }"
+                             "function OnInit() { OnTick = OnDeinit = function() { Print('late') } }"));
+        chart().engine->tick();
+        chart().engine->stop();
+        QCOMPARE(chart().done.join(u';'), u"print of the file;print end"_s);
+    }
+
+    void anExpertRunsOnceItsOnInitHasSucceeded()
+    {
+        QList<bool> running;
+        ExpertHost::Callbacks calls = chart().callbacks();
+        calls.closeAll = [&] {
+            running.append(chart().engine->isRunning());
+            chart().engine->tick();
+        };
+        chart().create(calls);
+        connect(chart().engine.get(), &ExpertEngine::message, chart().engine.get(),
+            [&] { running.append(chart().engine->isRunning()); });
+        QVERIFY(chart().engine->load(
+            chart().file("function OnInit() { Trade.closeAll() } function OnTick() { Print('tick') }")));
+        QCOMPARE(running, QList<bool>({false, true}));
+        QCOMPARE(chart().done, QStringList());
+    }
+
+    void aFailureNeedsNobodyToHearItsReason()
+    {
+        chart().create();
+        QVERIFY(!chart().engine->load(chart().file("function OnInit() { throw new Error('boom') }")));
+        QCOMPARE(chart().messages, QStringList(u"OnInit: boom (line 1)"_s));
+        chart().create();
+        QVERIFY(!chart().engine->load(u"/nowhere/Gone.js"_s));
+        QVERIFY(!chart().engine->isRunning());
     }
 
     void aMissingFileIsNamed()
@@ -143,6 +176,22 @@ private Q_SLOTS:
         QCOMPARE(chart().done.size(), 3);
     }
 
+    void theLastWordsComeAfterTheReason()
+    {
+        chart().create();
+        connect(chart().engine.get(), &ExpertEngine::message, chart().engine.get(),
+            [this](const QString& text) { chart().done.append(u"message "_s + text); });
+        QVERIFY(chart().engine->load(
+            chart().file("function OnTick() { throw new Error('far') }\n"
+                         "function OnDeinit() {\n Print('deinit'); throw new Error('near') }")));
+        chart().done.clear();
+        chart().engine->tick();
+        QCOMPARE(chart().done,
+            QStringList({u"message OnTick: far (line 1)"_s,
+                u"message Stopped after error in OnTick: OnTick: far (line 1)"_s, u"print deinit"_s,
+                u"message OnDeinit: near (line 3)"_s}));
+    }
+
     void valuesThatAreNoErrorsEndTheExpertToo_data()
     {
         QTest::addColumn<QByteArray>("thrown");
@@ -187,6 +236,16 @@ private Q_SLOTS:
         QCOMPARE(chart().done.size(), 2);
     }
 
+    void theTimersSecondsAreMadeAnIntegerOfThirtyTwoBits()
+    {
+        QVERIFY(chart().load(
+            "function OnInit() { EventSetTimer(4294967297); EventSetTimer(); EventSetTimer(0.9) }"
+            "\nfunction OnTimer() {\n Print('timer'); EventKillTimer(); no() }"));
+        chart().messages.clear();
+        QTRY_COMPARE_WITH_TIMEOUT(chart().done.size(), 1, 20000);
+        QCOMPARE(chart().messages, QStringList(u"OnTimer: no is not defined (line 3)"_s));
+    }
+
     void stoppingEndsTheTimerAndOnDeinitCannotStartIt()
     {
         QVERIFY(chart().load("function OnInit() { EventSetTimer(1) } function OnTimer() { Print('timer') }"
@@ -229,6 +288,31 @@ private Q_SLOTS:
         QCOMPARE(chart().done, QStringList({u"print 2 0.01"_s, u"order BUY 1 1 0"_s}));
         chart().engine->stop();
         chart().engine->setDigits(3); // nobody is left to be told
+    }
+
+    void digitsThatChangeInMidHookAreToldAtOnce()
+    {
+        ExpertHost::Callbacks calls = chart().callbacks();
+        calls.closeAll = [this] { chart().engine->setDigits(chart().engine->isRunning() ? 1 : 3); };
+        chart().create(calls);
+        QVERIFY(chart().engine->load(chart().file("function OnInit() { Trade.closeAll(); Print(Digits(), "
+                                                  "Point(), _tp('SELL', {tpPoints: 1}).toFixed(4)) }"
+                                                  "function OnTick() { Trade.closeAll(); Print(Digits(), "
+                                                  "Point(), _tp('SELL', {tpPoints: 1}).toFixed(4));"
+                                                  " Trade.sell(1, {slPoints: 2}); Print(Symbol()) }")));
+        chart().engine->tick();
+        chart().engine->setDigits(5);
+        QCOMPARE(chart().done,
+            QStringList({u"print 3 0.001 1.0990"_s, u"print 1 0.1 1.0000"_s, u"order SELL 1 1.3002 0"_s,
+                u"print EURUSD"_s}));
+    }
+
+    void digitsThatAreKnownBeforeTheFileAreTheScripts()
+    {
+        chart().create();
+        chart().engine->setDigits(2);
+        QVERIFY(chart().engine->load(chart().file("Print(Digits(), Point())")));
+        QCOMPARE(chart().done, QStringList(u"print 2 0.01"_s));
     }
 
     void aTickDuringAHookIsDropped()
@@ -372,6 +456,10 @@ private Q_SLOTS:
         QVERIFY(!chart().engine->load(chart().file(""), &error));
         QCOMPARE(error, u"An expert can be loaded only once"_s);
         QVERIFY(chart().engine->isRunning());
+        chart().engine->stop();
+        QVERIFY(!chart().engine->load(chart().file("Print('again')"), &error));
+        QVERIFY(!chart().engine->isRunning());
+        QCOMPARE(chart().done, QStringList());
     }
 };
 

@@ -137,9 +137,13 @@ private Q_SLOTS:
     {
         ExpertFixture chart;
         QVERIFY(!chart.load("function OnInit() {\n  var a;\n\n  a.b = 1;\n}"));
-        QVERIFY(guide().contains(u"OnInit:"_s) && guide().contains(u"(line 4)"_s));
+        QVERIFY2(chart.error.startsWith("OnInit: "_L1) && chart.error.endsWith("(line 4)"_L1),
+            qPrintable(chart.error));
+        QVERIFY(guide().contains(u"<code>OnInit: … (line 4)</code>"_s));
+        QVERIFY(!chart.load("\n\n}"));
+        QVERIFY2(chart.error.startsWith("SyntaxError at line 3: "_L1), qPrintable(chart.error));
+        QVERIFY(guide().contains(u"<code>SyntaxError at line 3: …</code>"_s));
         QVERIFY(guide().contains(u"Stopped after error in OnTick"_s));
-        QVERIFY(guide().contains(u"SyntaxError at line"_s));
         QVERIFY(guide().contains(u"Algo Trading is OFF — order ignored. Enable it in the toolbar."_s));
         QVERIFY(guide().contains(u"Algo Trading is OFF — close ignored."_s));
         QVERIFY(guide().contains(u"Open a chart first, then attach the Expert Advisor."_s));
@@ -179,6 +183,9 @@ private Q_SLOTS:
         QVERIFY(missing.contains(name));
         ExpertFixture chart;
         QVERIFY(!chart.load(script));
+        // It is the language that refuses, not a slip of this test.
+        QVERIFY2(chart.error.contains(" at line 1: "_L1) && !chart.error.contains("Insufficient"_L1),
+            qPrintable(chart.error));
     }
 
     void whatTheGuideSaysOfTheLanguageHolds()
@@ -186,6 +193,25 @@ private Q_SLOTS:
         ExpertFixture chart;
         QCOMPARE(chart.printed("var none = null; Print(none?.a, none ?\? 5, 2 ** 3);"), u"undefined 5 8"_s);
         QCOMPARE(chart.printed("Print({ a: 1 }, JSON.stringify({ a: 1 }));"), u"[object Object] {\"a\":1}"_s);
+    }
+
+    void theTimerOfTheGuideRunsForAMinute()
+    {
+        const QStringList texts = snippets().filter(u"function OnTimer"_s);
+        QCOMPARE(texts.size(), 1);
+        ExpertFixture chart;
+        // At the pace of ticks.
+        QVERIFY2(chart.load(texts.constFirst().toUtf8()
+                     + "var ended = false; EventKillTimer = function() { ended = true };"
+                       "function OnTick() { OnTimer(); if (ended) Print('ended') }"),
+            qPrintable(chart.error));
+        for (int tick = 0; tick < 6; ++tick)
+            chart.engine->tick();
+        QCOMPARE(chart.done.size(), 8);
+        QCOMPARE(chart.done[0], u"print A line every ten seconds"_s);
+        QCOMPARE(chart.done[1], u"print Running for 10 seconds, equity 1010.00"_s);
+        QCOMPARE(chart.done[6], u"print Running for 60 seconds, equity 1010.00"_s);
+        QCOMPARE(chart.done[7], u"print ended"_s);
     }
 
     void lossesLeadOutOfTheMarketOnceOnly()

@@ -168,12 +168,16 @@ private Q_SLOTS:
         QCOMPARE(m_host->rsi(3, 0), 75.0);
         QCOMPARE(m_host->rsi(4, 0), 25.0);
         QCOMPARE(m_host->rsi(1, 1), 0.0);
+        // One bar back: gain 2, loss 1.
+        QCOMPARE(m_host->rsi(2, 1), 100.0 - 100.0 / 3.0);
     }
 
     void aRiseWithoutALossIsExactlyOneHundred()
     {
         m_chart.setCloses({1.0, 1.0, 1.5, 1.5, 2.0});
         QCOMPARE(m_host->rsi(4, 0), 100.0);
+        m_chart.setCloses({1.5, 1.5, 1.5});
+        QCOMPARE(m_host->rsi(2, 0), 100.0);
     }
 
     void indicatorsFollowEachTick()

@@ -47,7 +47,9 @@ private Q_SLOTS:
         chart().ask = 1.6;
         chart().engine->tick();
         QCOMPARE(chart().done, QStringList(u"print 1.5 1.6"_s));
-        QVERIFY(chart().printed("'use strict'; Bid = 7").startsWith("!TypeError at line 1"_L1));
+        for (const QByteArray name : {"Bid", "Ask", "Account.balance", "Account.equity"})
+            QVERIFY2(chart().printed("'use strict';\n" + name + " = 7").startsWith("!TypeError at line 2"_L1),
+                name.constData());
     }
 
     void barsByShift()
@@ -57,6 +59,13 @@ private Q_SLOTS:
         QCOMPARE(
             chart().printed("Print(Close(), Close('1'), Close(1.9), Close(4), Close(-1), Close(Bars()))"),
             u"4 2 2 0 0 0"_s);
+        // What is left out is 0, and what is too large for 32 bits wraps.
+        QCOMPARE(chart().printed("var all = [Open, High, Low, Close], say = function(price) {"
+                                 " return price.toFixed(1) };"
+                                 "Print(all.map(function(f) { return say(f()) }));"
+                                 "Print(all.map(function(f) { return say(f('x')) }));"
+                                 "Print(all.map(function(f) { return say(f(4294967297)) }))"),
+            u"3.9,4.2,3.7,4.0\n3.9,4.2,3.7,4.0\n1.9,2.2,1.7,2.0"_s);
     }
 
     void indicators()
@@ -65,6 +74,10 @@ private Q_SLOTS:
             u"0 1 3 3"_s);
         QCOMPARE(chart().printed("Print(iMA(), iMA(5, 0, 0), iMA(4))"), u"0 0 2.5"_s);
         QCOMPARE(chart().printed("Print(iRSI(3, 0), iRSI(3, 1), iRSI())"), u"80 0 0"_s);
+        QCOMPARE(chart().printed("Print(iRSI(2).toFixed(2), iRSI(1, 1), iRSI(1, '2'))"), u"66.67 0 100"_s);
+        QCOMPARE(chart().printed("Print(iMA(4294967298, 4294967296, 4294967297),"
+                                 " iRSI(4294967297, 4294967298), iMA('2', 'x', '1'))"),
+            u"2.5 100 2.5"_s);
     }
 
     void theAccount()
@@ -138,8 +151,9 @@ private Q_SLOTS:
     void theScriptSeesNothingElseOfThePrelude()
     {
         QCOMPARE(
-            chart().printed("Print(typeof joined, typeof bid, typeof define, typeof toText, typeof module)"),
-            u"undefined undefined undefined undefined undefined"_s);
+            chart().printed("Print(typeof joined, typeof bid, typeof define, typeof toText, typeof module,"
+                            " typeof digitsNow, typeof pointNow, typeof wellKnown)"),
+            u"undefined"_s + u" undefined"_s.repeated(7));
     }
 };
 

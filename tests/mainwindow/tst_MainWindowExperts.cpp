@@ -50,6 +50,39 @@ private Q_SLOTS:
         QCOMPARE(desk().chartArea()->currentSubWindow()->windowTitle(), u"EURUSD,M15  •  Robot"_s);
     }
 
+    void theExpertGoesToTheActiveChart()
+    {
+        desk().window->openChart(u"USDJPY"_s);
+        QMdiSubWindow* const yen = desk().chartArea()->currentSubWindow();
+        desk().window->openChart(u"EURUSD"_s);
+        desk().chartArea()->setActiveSubWindow(yen);
+        desk().charts().first()->setTimeframe(u"1h"_s);
+        activate("function OnTick() { Print('ticks') }");
+        QCOMPARE(
+            experts().mid(0, 2), QStringList({u"Robot: Robot loaded"_s, u"Robot: Attached to USDJPY H1"_s}));
+        tick();
+        QCOMPARE(experts().size(), 3);
+        desk().window->onPrices({{u"USDJPY"_s, QJsonObject{{u"bid"_s, 150.1}, {u"ask"_s, 150.2}}}});
+        QCOMPARE(experts().mid(3), QStringList(u"Robot: ticks"_s));
+    }
+
+    void anExpertKnowsTheDigitsOfTheLastHello()
+    {
+        desk().window->openChart(u"EURUSD"_s);
+        activate("function OnTick() { Print(Symbol(), Digits(), Point()); Trade.buy(1, {slPoints: 5}) }");
+        const qsizetype before = experts().size();
+        QJsonObject order;
+        connect(desk().chartArea(), &ChartArea::expertOrderRequested, this,
+            [&order](const QJsonObject& body) { order = body; });
+        desk().feed.setGreeting(R"({"type":"hello",
+            "symbols":[{"name":"EURUSD","digits":2,"sortOrder":1,"description":"Euro"}],
+            "prices":{"EURUSD":{"bid":1.1,"ask":1.2}}})");
+        desk().feed.cut();
+        QTRY_COMPARE_WITH_TIMEOUT(experts().size(), before + 2, 20000);
+        QCOMPARE(experts()[before], u"Robot: EURUSD 2 0.01"_s);
+        QCOMPARE(order["stopLoss"_L1].toDouble(), 1.05);
+    }
+
     void withAlgoTradingOnThereIsNoNote()
     {
         desk().window->openChart(u"EURUSD"_s);
