@@ -3,6 +3,7 @@
 #include "practice/Check.h"
 #include "practice/core/broker/Broker.h"
 
+#include <algorithm>
 #include <string>
 #include <utility>
 #include <vector>
@@ -180,12 +181,10 @@ public:
 /// The final state of one trade in a change set.
 inline Trade tradeIn(const ChangeSet& changes, const std::string& id)
 {
-    for (const Trade& trade : changes.trades) {
-        if (trade.id == id)
-            return trade;
-    }
-    REQUIRE(!"the change set holds the trade");
-    return {};
+    const auto found = std::find_if(
+        changes.trades.begin(), changes.trades.end(), [&](const Trade& trade) { return trade.id == id; });
+    REQUIRE(found != changes.trades.end());
+    return *found;
 }
 
 template <typename Event> std::vector<Event> eventsOf(const ChangeSet& changes)

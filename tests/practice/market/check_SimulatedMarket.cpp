@@ -158,7 +158,7 @@ TEST_CASE("the mid changes several times a second and never leaps")
     const double minuteDeviation = 0.005 / std::sqrt(1440.0) * unit;
     int changes = 0;
     std::int64_t last = midPoints(market.quote(0, someNow), 5);
-    constexpr int seconds = 600;
+    constexpr TimeMs seconds = 600;
     for (TimeMs time = someNow; time < someNow + seconds * 1000; time += 50) {
         const std::int64_t mid = midPoints(market.quote(0, time), 5);
         changes += mid != last ? 1 : 0;
@@ -192,7 +192,7 @@ TEST_CASE("volatility is the symbol's own on every timeframe")
             CHECK(daily > 0.85 * usual && daily < 1.15 * usual);
             // Minutes of sixty days spread over years, so that the mood of a season evens out.
             std::vector<double> returns;
-            for (int i = 0; i < 60; ++i) {
+            for (TimeMs i = 0; i < 60; ++i) {
                 for (const double value : logReturns(
                          market.bars(symbol, Timeframe::M1, 240, someNow - i * 97 * dayMs - i * 5 * hourMs)))
                     returns.push_back(value);
@@ -247,7 +247,7 @@ TEST_CASE("the spread breathes around its usual width")
         double sum = 0;
         double least = 1e9;
         double most = 0;
-        for (int i = 0; i < 300; ++i) {
+        for (TimeMs i = 0; i < 300; ++i) {
             const Quote quote = market.quote(symbol, someNow + i * 37 * minuteMs);
             const double points = std::round((quote.ask - quote.bid) * pointsPerUnit(spec.digits));
             sum += points;

@@ -47,7 +47,7 @@ std::string readAll(int descriptor)
 {
     std::string text;
     char chunk[4096];
-    for (ssize_t got; (got = ::read(descriptor, chunk, sizeof chunk)) > 0;)
+    for (ssize_t got = 0; (got = ::read(descriptor, chunk, sizeof chunk)) > 0;)
         text.append(chunk, static_cast<std::size_t>(got));
     ::close(descriptor);
     return text;

@@ -55,7 +55,7 @@ bool WireSocket::fill()
 
 std::string WireSocket::readUntil(std::string_view mark)
 {
-    std::size_t at;
+    std::size_t at = 0;
     while ((at = m_buffer.find(mark)) == std::string::npos) {
         if (!fill())
             throw std::runtime_error("connection ended");

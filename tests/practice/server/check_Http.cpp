@@ -110,7 +110,7 @@ TEST_CASE("a body above the limit is refused with a reason, announced or not")
 
 TEST_CASE("a body of exactly 64 KiB is read")
 {
-    const std::string body = R"({"email":")" + std::string(64 * 1024 - 12, 'x') + R"("})";
+    const std::string body = R"({"email":")" + std::string(std::size_t{64} * 1024 - 12, 'x') + R"("})";
     REQUIRE(body.size() == 64 * 1024);
     HttpClient client(server().port());
     CHECK_EQ(
