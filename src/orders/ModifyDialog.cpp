@@ -21,9 +21,17 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
+constexpr int lotDecimals = 2;
+
 std::optional<double> typedIn(const DecimalEdit* field)
 {
     return field && !field->text().trimmed().isEmpty() ? std::optional(field->value()) : std::nullopt;
+}
+
+/// A level or volume that is not above 0 is none, and has no text.
+QString textOfPositive(double value, int decimals)
+{
+    return value > 0.0 ? formatPrice(value, decimals) : QString();
 }
 
 /// A lone "." is the beginning of a number: sent as 0 it would take the level off.
@@ -49,7 +57,7 @@ ModifyDialog::ModifyDialog(ApiClient& api, const QJsonObject& trade, int digits,
     QLabel* header = plainLabel(tr("%1 %2 %3")
                                     .arg(oneLine(trade.value("symbol"_L1).toString()),
                                         oneLine(trade.value("type"_L1).toString().toLower()),
-                                        formatVolume(jsonNumber(trade.value("lotSize"_L1)))),
+                                        textOfPositive(jsonNumber(trade.value("lotSize"_L1)), lotDecimals)),
         this);
     header->setObjectName("modifyHeader"_L1);
     header->setStyleSheet("font-weight:bold;"_L1);
@@ -89,8 +97,7 @@ DecimalEdit* ModifyDialog::addLevel(
     auto* field = new DecimalEdit(this);
     field->setObjectName(name);
     field->setPlaceholderText(tr("none"));
-    if (const double level = jsonNumber(m_trade.value(key)); level > 0.0)
-        field->setText(formatPrice(level, digits));
+    field->setText(textOfPositive(jsonNumber(m_trade.value(key)), digits));
     form.addRow(caption, field);
     return field;
 }

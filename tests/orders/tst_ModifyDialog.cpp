@@ -6,6 +6,8 @@
 #include "support/StubHttpServer.h"
 #include "support/TestMain.h"
 
+#include <QBoxLayout>
+#include <QFormLayout>
 #include <QLabel>
 #include <QNetworkReply>
 #include <QPushButton>
@@ -51,6 +53,18 @@ struct Desk {
         edit(name)->selectAll();
         QTest::keyClicks(edit(name), text);
     }
+    /// "Label=name of the field" of each row of the form, from the top.
+    [[nodiscard]] QStringList formRows() const
+    {
+        QStringList rows;
+        const auto* form = dialog->findChild<QFormLayout*>();
+        for (int row = 0; form && row < form->rowCount(); ++row) {
+            QWidget* field = form->itemAt(row, QFormLayout::FieldRole)->widget();
+            rows.append(
+                qobject_cast<QLabel*>(form->labelForField(field))->text() + u'=' + field->objectName());
+        }
+        return rows;
+    }
     void press() const { QTest::mouseClick(modify(), Qt::LeftButton); }
     [[nodiscard]] QJsonObject sent() const { return server.last("PUT", path).json(); }
 };
@@ -65,6 +79,11 @@ class TestModifyDialog final : public QObject {
 private Q_SLOTS:
     void aPositionShowsItsLevelsAndNoPrice();
     void aPendingOrderShowsItsPriceToo();
+    void cancelStandsBeforeModifyAtTheRight();
+    void unsetLevelsOpenEmpty_data();
+    void unsetLevelsOpenEmpty();
+    void anUnreadableVolumeIsLeftOut_data();
+    void anUnreadableVolumeIsLeftOut();
     void headerTextIsPlainAndOneLine();
     void enterSendsWhatIsShown();
     void emptyFieldsAreLeftOut();
@@ -74,9 +93,13 @@ private Q_SLOTS:
     void anIdThatNamesAnotherPathIsNotSent_data();
     void anIdThatNamesAnotherPathIsNotSent();
     void idsArePercentEncoded();
+    void blanksAreAnEmptyField();
     void successIsReportedAndCloses();
+    void successIsReportedBeforeTheWindowCloses();
     void aRefusalIsShownAndCanBeCorrected();
     void aRefusalWithMarkupIsShownAsText();
+    void aRefusalWithoutAMessageIsShownInTheNetworksWords_data();
+    void aRefusalWithoutAMessageIsShownInTheNetworksWords();
     void twoPressesSendOnce();
     void cancelSendsNothing();
     void anUncertainOutcomeIsAskedFor_data();
@@ -99,9 +122,12 @@ void TestModifyDialog::aPositionShowsItsLevelsAndNoPrice()
     QCOMPARE(desk.edit("modifyStopLoss")->placeholderText(), u"none"_s);
     QCOMPARE(desk.edit("modifyTakeProfit")->text(), u"1.20000"_s);
     QVERIFY(!desk.edit("modifyPrice"));
+    QCOMPARE(
+        desk.formRows(), QStringList({u"Stop Loss:=modifyStopLoss"_s, u"Take Profit:=modifyTakeProfit"_s}));
     QVERIFY(desk.modify()->isDefault());
     QVERIFY(!desk.error()->isVisible());
     QCOMPARE(desk.error()->styleSheet(), u"color:#ff6b6b;"_s);
+    QVERIFY(desk.error()->wordWrap());
 }
 
 void TestModifyDialog::aPendingOrderShowsItsPriceToo()
@@ -110,7 +136,63 @@ void TestModifyDialog::aPendingOrderShowsItsPriceToo()
     QCOMPARE(desk.edit("modifyPrice")->text(), u"1.100"_s);
     QCOMPARE(desk.edit("modifyStopLoss")->text(), u"1.150"_s);
     QCOMPARE(desk.edit("modifyTakeProfit")->text(), QString());
-    QVERIFY(desk.edit("modifyPrice")->y() < desk.edit("modifyStopLoss")->y());
+    QCOMPARE(desk.formRows(),
+        QStringList(
+            {u"Price:=modifyPrice"_s, u"Stop Loss:=modifyStopLoss"_s, u"Take Profit:=modifyTakeProfit"_s}));
+    QCOMPARE(desk.edit("modifyPrice")->placeholderText(), u"none"_s);
+    QCOMPARE(desk.edit("modifyTakeProfit")->placeholderText(), u"none"_s);
+}
+
+void TestModifyDialog::cancelStandsBeforeModifyAtTheRight()
+{
+    const Desk desk;
+    const auto* column = qobject_cast<QBoxLayout*>(desk.dialog->layout());
+    QVERIFY(column);
+    const QLayout* row = column->itemAt(column->count() - 1)->layout();
+    QVERIFY(row);
+    QCOMPARE(row->count(), 3);
+    QVERIFY(row->itemAt(0)->expandingDirections().testFlag(Qt::Horizontal));
+    QCOMPARE(qobject_cast<QPushButton*>(row->itemAt(1)->widget())->text(), u"Cancel"_s);
+    QCOMPARE(row->itemAt(2)->widget(), desk.modify());
+    QCOMPARE(desk.modify()->text(), u"Modify"_s);
+}
+
+void TestModifyDialog::unsetLevelsOpenEmpty_data()
+{
+    QTest::addColumn<QByteArray>("level");
+    for (const char* level : {"0", "-1.5", "\"-1.5\"", "\"0\"", "null", "true", "[1.5]", "\"\"", "\"NaN\"",
+             "\"inf\"", "\"1e400\"", "\"1,5\"", "\"none\""})
+        QTest::newRow(level) << QByteArray(level);
+}
+
+void TestModifyDialog::unsetLevelsOpenEmpty()
+{
+    QFETCH(QByteArray, level);
+    Desk desk(R"({"id":"t-1","symbol":"EURUSD","status":"PENDING","stopLoss":)" + level + R"(,"takeProfit":)"
+        + level + R"(,"pendingPrice":)" + level + "}");
+    QCOMPARE(desk.edit("modifyStopLoss")->text(), QString());
+    QCOMPARE(desk.edit("modifyTakeProfit")->text(), QString());
+    QCOMPARE(desk.edit("modifyPrice")->text(), QString());
+    desk.server.on("PUT", path, StubAnswer::held());
+    desk.press();
+    QTRY_COMPARE(desk.server.heldCount(), 1);
+    QCOMPARE(desk.server.last("PUT", path).body, "{}"_ba);
+}
+
+void TestModifyDialog::anUnreadableVolumeIsLeftOut_data()
+{
+    QTest::addColumn<QByteArray>("trade");
+    QTest::newRow("missing") << QByteArray(R"({"symbol":"EURUSD","type":"BUY"})");
+    QTest::newRow("zero") << QByteArray(R"({"symbol":"EURUSD","type":"BUY","lotSize":0})");
+    QTest::newRow("negative") << QByteArray(R"({"symbol":"EURUSD","type":"BUY","lotSize":"-1"})");
+    QTest::newRow("no number") << QByteArray(R"({"symbol":"EURUSD","type":"BUY","lotSize":"NaN"})");
+}
+
+void TestModifyDialog::anUnreadableVolumeIsLeftOut()
+{
+    QFETCH(QByteArray, trade);
+    const Desk desk(trade);
+    QCOMPARE(desk.dialog->findChild<QLabel*>(u"modifyHeader"_s)->text(), u"EURUSD buy "_s);
 }
 
 void TestModifyDialog::headerTextIsPlainAndOneLine()
@@ -118,7 +200,7 @@ void TestModifyDialog::headerTextIsPlainAndOneLine()
     const Desk desk(R"({"id":"t-1","symbol":"<b>A</b>\nB %1","type":"BUY"})");
     const auto* header = desk.dialog->findChild<QLabel*>(u"modifyHeader"_s);
     QCOMPARE(header->textFormat(), Qt::PlainText);
-    QCOMPARE(header->text(), u"<b>A</b> B %1 buy 0.00"_s);
+    QCOMPARE(header->text(), u"<b>A</b> B %1 buy "_s);
 }
 
 void TestModifyDialog::enterSendsWhatIsShown()
@@ -197,6 +279,16 @@ void TestModifyDialog::idsArePercentEncoded()
     QTRY_COMPARE(desk.server.count("PUT", "/api/trades/modify/a%2Fb%3Fc"), 1);
 }
 
+void TestModifyDialog::blanksAreAnEmptyField()
+{
+    Desk desk;
+    desk.server.on("PUT", path, StubAnswer::held());
+    desk.edit("modifyTakeProfit")->setText(u"  "_s);
+    desk.press();
+    QTRY_COMPARE(desk.server.heldCount(), 1);
+    QCOMPARE(desk.server.last("PUT", path).body, "{}"_ba);
+}
+
 void TestModifyDialog::successIsReportedAndCloses()
 {
     Desk desk;
@@ -212,6 +304,21 @@ void TestModifyDialog::successIsReportedAndCloses()
     QCOMPARE(sounds.at(0).at(0).value<SoundKind>(), SoundKind::Open);
 }
 
+void TestModifyDialog::successIsReportedBeforeTheWindowCloses()
+{
+    Desk desk;
+    desk.server.on("PUT", path, StubAnswer::json("{}"));
+    QStringList course;
+    connect(desk.dialog, &ModifyDialog::soundDue, this, [&] { course.append(u"sound"_s); });
+    connect(desk.dialog, &ModifyDialog::modified, this,
+        [&] { course.append(desk.dialog->isVisible() ? u"modified, still open"_s : u"modified"_s); });
+    connect(desk.dialog, &QDialog::finished, this,
+        [&](int result) { course.append(u"closed with %1"_s.arg(result)); });
+    desk.press();
+    QTRY_VERIFY(!desk.dialog);
+    QCOMPARE(course, QStringList({u"sound"_s, u"modified, still open"_s, u"closed with 1"_s}));
+}
+
 void TestModifyDialog::aRefusalIsShownAndCanBeCorrected()
 {
     Desk desk;
@@ -223,7 +330,10 @@ void TestModifyDialog::aRefusalIsShownAndCanBeCorrected()
     desk.press();
     QTRY_VERIFY(desk.error()->isVisible());
     QCOMPARE(desk.error()->text(), u"Too close"_s);
+    QCOMPARE(sounds.size(), 1);
     QCOMPARE(sounds.at(0).at(0).value<SoundKind>(), SoundKind::Error);
+    QCOMPARE(modified.size(), 0);
+    QVERIFY(desk.dialog->isVisible());
     QVERIFY(desk.modify()->isEnabled());
     QCOMPARE(unknown.size(), 0);
     desk.press();
@@ -240,6 +350,29 @@ void TestModifyDialog::aRefusalWithMarkupIsShownAsText()
     desk.press();
     QTRY_VERIFY(desk.error()->isVisible());
     QCOMPARE(desk.error()->textFormat(), Qt::PlainText);
+}
+
+void TestModifyDialog::aRefusalWithoutAMessageIsShownInTheNetworksWords_data()
+{
+    QTest::addColumn<StubAnswer>("answer");
+    QTest::newRow("an empty message") << StubAnswer::message({}, 400);
+    QTest::newRow("a page") << StubAnswer::html("<h1>message</h1>", 400);
+    QTest::newRow("a message that is no text") << StubAnswer::json(R"({"message":{}})", 400);
+    QTest::newRow("a page in place of the server") << StubAnswer::html("<h1>message</h1>", 502);
+}
+
+void TestModifyDialog::aRefusalWithoutAMessageIsShownInTheNetworksWords()
+{
+    QFETCH(StubAnswer, answer);
+    Desk desk;
+    desk.server.on("PUT", path, answer);
+    QSignalSpy sounds(desk.dialog, &ModifyDialog::soundDue);
+    desk.press();
+    QTRY_VERIFY(desk.error()->isVisible());
+    QVERIFY2(desk.error()->text().startsWith(u"Error transferring "_s), qPrintable(desk.error()->text()));
+    QVERIFY(!desk.error()->text().contains(u"<h1>"_s));
+    QCOMPARE(sounds.size(), 1);
+    QCOMPARE(sounds.at(0).at(0).value<SoundKind>(), SoundKind::Error);
 }
 
 void TestModifyDialog::twoPressesSendOnce()
@@ -288,13 +421,18 @@ void TestModifyDialog::anUncertainOutcomeIsAskedFor()
     desk.server.on("PUT", path, answer);
     QSignalSpy modified(desk.dialog, &ModifyDialog::modified);
     QSignalSpy unknown(desk.dialog, &ModifyDialog::outcomeUnknown);
+    QSignalSpy sounds(desk.dialog, &ModifyDialog::soundDue);
     desk.press();
     if (answer.how == StubAnswer::How::Hold) {
         QTRY_COMPARE(desk.server.heldCount(), 1);
         desk.api.findChild<QNetworkReply*>()->abort(); // as the time-out does
     }
     QTRY_COMPARE(unknown.size(), 1);
+    QVERIFY(desk.error()->isVisible());
     QVERIFY(!desk.error()->text().isEmpty());
+    QVERIFY(desk.modify()->isEnabled());
+    QCOMPARE(sounds.size(), 1);
+    QCOMPARE(sounds.at(0).at(0).value<SoundKind>(), SoundKind::Error);
     QCOMPARE(modified.size(), 0);
     QCOMPARE(desk.server.count("PUT", path), 1);
 }
