@@ -323,11 +323,18 @@ void tst_AccountFlow::liveProfitsChangeRowAndSummary()
 {
     MainWindowFixture f;
     f.signInAndSettle();
+    const QStringList journal = f.journal();
+    f.http.clearRequests();
     f.feed.send(
         R"({"type":"trades_update","data":[{"accountId":"a1","id":"t1","pnl":"-20.25","margin":"9999"}]})");
     QTRY_COMPARE(f.list("tradeList").topLevelItem(0)->text(11), u"-20.25"_s);
     QVERIFY(f.summary().contains(u"Equity: 979.75"_s));
     QVERIFY(f.summary().contains(u"Margin: 100.00"_s));
+    // That is all: nothing is said, and nothing read again.
+    f.settle();
+    QCOMPARE(f.http.requests().size(), f.http.count("GET", "/marker"));
+    QCOMPARE(f.journal(), journal);
+    QCOMPARE(f.log("expertsList"), QStringList());
 }
 
 void tst_AccountFlow::liveProfitsOfAnotherAccountChangeNothing()

@@ -289,6 +289,7 @@ void tst_MainWindowTrades::theCalendarIsReadAfterEachHello()
     f.signInAndSettle();
     QTRY_COMPARE(f.list("newsList").topLevelItemCount(), 1);
     QCOMPARE(f.list("newsList").topLevelItem(0)->text(4), u"1h 15m"_s);
+    QCOMPARE(f.http.count("GET", "/api/news/upcoming"), 1); // none before the hello
     f.feed.send(R"({"type":"hello","symbols":[{"name":"EURUSD"}],"prices":{}})");
     QTRY_COMPARE(f.http.count("GET", "/api/news/upcoming"), 2);
 }

@@ -18,6 +18,7 @@ private Q_SLOTS:
     void serverTextStaysOneLine();
     void ordersEventRefreshesThreeLists();
     void ordersEventWithoutTrayShowsNoBalloonButPlays();
+    void accountEventRefreshesAccountsOnly_data();
     void accountEventRefreshesAccountsOnly();
 };
 
@@ -155,7 +156,7 @@ void tst_OrderReaction::ordersEventRefreshesThreeLists()
     QSignalSpy trades(&events, &OrderEvents::tradesRefreshWanted);
     QSignalSpy history(&events, &OrderEvents::historyRefreshWanted);
     events.onOrdersChanged({});
-    QCOMPARE(journal.value(0).value(0).toString(), u"Trade"_s);
+    QCOMPARE(journal.value(0), QVariantList({u"Trade"_s, u"Orders changed — refreshing"_s}));
     QCOMPARE(expert.value(0), QVariantList({u"Execution"_s, u"Order state changed"_s}));
     QCOMPARE(sound.count(), 0);
     QCOMPARE(balloon.count(), 0);
@@ -173,23 +174,51 @@ void tst_OrderReaction::ordersEventWithoutTrayShowsNoBalloonButPlays()
     OrderEvents events(false);
     QSignalSpy sound(&events, &OrderEvents::soundWanted);
     QSignalSpy balloon(&events, &OrderEvents::balloonWanted);
-    events.onOrdersChanged(object(R"({"filled":true})"));
-    QCOMPARE(sound.count(), 1);
+    for (const char* event : {R"({"filled":true})", R"({"closeReason":"SL"})", R"({"closeReason":"TP"})",
+             R"({"closeReason":"MANUAL"})"})
+        events.onOrdersChanged(object(event));
+    QList<SoundKind> heard;
+    for (const QList<QVariant>& call : sound)
+        heard.append(call.at(0).value<SoundKind>());
+    QCOMPARE(heard, QList<SoundKind>({SoundKind::Fill, SoundKind::Fill, SoundKind::Fill, SoundKind::Close}));
     QCOMPARE(balloon.count(), 0);
+}
+
+void tst_OrderReaction::accountEventRefreshesAccountsOnly_data()
+{
+    QTest::addColumn<QByteArray>("event");
+    QTest::addColumn<QString>("line");
+    QTest::addColumn<int>("balloons");
+    QTest::newRow("failed") << QByteArray(R"({"accountId":"a","status":"FAILED"})")
+                            << u"Account a status changed to FAILED"_s << 1;
+    QTest::newRow("passed") << QByteArray(R"({"accountId":"a","status":"PASSED"})")
+                            << u"Account a status changed to PASSED"_s << 1;
+    QTest::newRow("any other status") << QByteArray(R"({"accountId":"a","status":"ACTIVE"})")
+                                      << u"Account a status changed to ACTIVE"_s << 0;
+    QTest::newRow("wrong types") << QByteArray(R"({"accountId":1,"status":{}})")
+                                 << u"Account  status changed to "_s << 0;
 }
 
 void tst_OrderReaction::accountEventRefreshesAccountsOnly()
 {
-    OrderEvents events(false);
+    QFETCH(QByteArray, event);
+    QFETCH(QString, line);
+    QFETCH(int, balloons);
+    OrderEvents events(true);
+    QSignalSpy balloon(&events, &OrderEvents::balloonWanted);
+    QSignalSpy history(&events, &OrderEvents::historyRefreshWanted);
     QSignalSpy accounts(&events, &OrderEvents::accountsRefreshWanted);
     QSignalSpy trades(&events, &OrderEvents::tradesRefreshWanted);
     QSignalSpy expert(&events, &OrderEvents::expertLine);
     QSignalSpy journal(&events, &OrderEvents::journalLine);
-    events.onAccountUpdated(object(R"({"accountId":"a","status":"FAILED"})"));
+    events.onAccountUpdated(object(event));
     QCOMPARE(accounts.count(), 1);
     QCOMPARE(trades.count(), 0);
+    QCOMPARE(history.count(), 0);
     QCOMPARE(expert.count(), 0);
-    QCOMPARE(journal.value(0).value(0).toString(), u"Account"_s);
+    QCOMPARE(journal.count(), 1);
+    QCOMPARE(journal.at(0), QVariantList({u"Account"_s, line}));
+    QCOMPARE(balloon.count(), balloons);
 }
 
 TAVORAN_TEST_MAIN(tst_OrderReaction)

@@ -67,6 +67,7 @@ private Q_SLOTS:
     void aClickOnABalloonMakesRoomForTheNext();
     void anUrgentBalloonGoesFirst();
     void aFloodOfBalloonsEnds();
+    void aBalloonHoldsNoMarkup();
 
 private:
     static TrayIcon* trayOf(const MainWindowFixture& f) { return f.window->findChild<TrayIcon*>(); }
@@ -146,6 +147,10 @@ void tst_TrayWiring::withoutATrayThereIsNoIconAndNoBalloon()
     f.feed.send(R"({"type":"account_update","status":"PASSED","accountId":"a1"})");
     QTRY_VERIFY(f.journal().contains(u"Account: Account a1 status changed to PASSED"_s));
     QCOMPARE(f.journalCount(u"Account: Account a1 status changed to FAILED"_s), 1);
+    QCOMPARE(f.journalCount(u"Trade: Orders changed — refreshing"_s), 1);
+    QCOMPARE(f.journalCount(u"Trade: Orders changed (MANUAL) — refreshing"_s), 1);
+    QCOMPARE(f.log("expertsList"),
+        QStringList({u"Execution: Pending order filled"_s, u"Execution: Position closed (MANUAL)"_s}));
     QCOMPARE(balloons.size(), 0);
     // The failed account is silent on purpose: its sound belongs to the balloon.
     QCOMPARE(sounds, QList<SoundKind>({SoundKind::Fill, SoundKind::Close}));
@@ -253,6 +258,9 @@ void tst_TrayWiring::orderAndAccountEventsShowBalloons_data()
     QTest::newRow("stop loss") << R"({"type":"orders_changed","closeReason":"SL"})"_ba
                                << u"Position Closed (SL)"_s << u"A position hit its SL."_s << false << 8000
                                << QList<SoundKind>({SoundKind::Fill});
+    QTest::newRow("take profit") << R"({"type":"orders_changed","closeReason":"TP"})"_ba
+                                 << u"Position Closed (TP)"_s << u"A position hit its TP."_s << false << 8000
+                                 << QList<SoundKind>({SoundKind::Fill});
     QTest::newRow("failed") << R"({"type":"account_update","accountId":"a1","status":"FAILED"})"_ba
                             << u"Account Failed"_s << u"An account breached its risk limit and was closed."_s
                             << true << 12000 << QList<SoundKind>({SoundKind::Error});
@@ -286,9 +294,11 @@ void tst_TrayWiring::otherEventsShowNone()
     f.signInAndSettle();
     f.feed.send(R"({"type":"orders_changed"})");
     f.feed.send(R"({"type":"orders_changed","closeReason":"MANUAL"})");
+    f.feed.send(R"({"type":"trades_update","data":[{"accountId":"a1","id":"t1","pnl":-99}]})");
     f.feed.send(R"({"type":"account_update","accountId":"a1","status":"ACTIVE"})");
     QTRY_VERIFY(f.journal().contains(u"Account: Account a1 status changed to ACTIVE"_s));
     QCOMPARE(balloons.size(), 0);
+    QCOMPARE(sounds, QList<SoundKind>({SoundKind::Close}));
 }
 
 void tst_TrayWiring::alertsAndNewsShowBalloons()
@@ -301,12 +311,17 @@ void tst_TrayWiring::alertsAndNewsShowBalloons()
     f.signInAndSettle();
     QTRY_COMPARE(balloons.size(), 1);
     QCOMPARE(balloons[0].title, u"Upcoming News — USD"_s);
+    QCOMPARE(balloons[0].text, u"Rates in 5 minutes"_s);
     QCOMPARE(balloons[0].icon, QSystemTrayIcon::Warning);
+    QCOMPARE(balloons[0].milliseconds, 15000);
     endTurn(f);
     f.feed.send(R"({"type":"price_update","data":{"EURUSD":{"bid":1.25,"ask":1.2501}}})");
     QTRY_COMPARE(balloons.size(), 2);
     QCOMPARE(balloons[1].title, u"Price Alert — EURUSD"_s);
+    QCOMPARE(balloons[1].text, u"EURUSD ≥ 1.20000 (now 1.25000)"_s);
+    QCOMPARE(balloons[1].icon, QSystemTrayIcon::Information);
     QCOMPARE(balloons[1].milliseconds, 12000);
+    QCOMPARE(sounds, QList<SoundKind>({SoundKind::Fill}));
 }
 
 void tst_TrayWiring::withoutATrayAnAlertStillFires()
@@ -388,6 +403,15 @@ void tst_TrayWiring::aFloodOfBalloonsEnds()
     QCOMPARE(balloons.size(), 1 + 1 + TrayIcon::mostWaiting);
     QCOMPARE(shownTexts().at(1), u"urgent"_s);
     QCOMPARE(shownTexts().last(), QString::number(TrayIcon::mostWaiting));
+}
+
+void tst_TrayWiring::aBalloonHoldsNoMarkup()
+{
+    TrayIcon tray;
+    tray.showBalloon({u"<b>Title</b> &amp; %1"_s, u"<img src='file:///x'> %2"_s, Balloon::Kind::Warning, 1});
+    QCOMPARE(balloons.size(), 1);
+    QCOMPARE(balloons[0].title, u"‹b›Title‹/b› &amp; %1"_s);
+    QCOMPARE(balloons[0].text, u"‹img src='file:///x'› %2"_s);
 }
 
 TAVORAN_TEST_MAIN(tst_TrayWiring)
