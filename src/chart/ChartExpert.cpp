@@ -46,7 +46,8 @@ void ChartExpert::attach(const QString& path)
 
     m_lastMessage.clear();
     m_engine = std::make_unique<ExpertEngine>(m_symbol, m_digits, m_chart.candles(), std::move(callbacks));
-    ExpertEngine* const engine = m_engine.get();
+    // A later engine may come to lie where this one was: only the pointer that knows of its end tells.
+    const QPointer<ExpertEngine> engine(m_engine.get());
     connect(engine, &ExpertEngine::message, this, [this, source](const QString& text) {
         m_lastMessage = text;
         Q_EMIT log(source, text);
@@ -54,7 +55,7 @@ void ChartExpert::attach(const QString& path)
 
     QString error;
     const bool running = engine->load(path, &error);
-    if (!self || m_engine.get() != engine)
+    if (!self || !engine)
         return;
     if (running) {
         Q_EMIT nameChanged();
@@ -72,9 +73,9 @@ void ChartExpert::detach()
     if (!m_engine)
         return;
     const QPointer<ChartExpert> self(this);
-    ExpertEngine* const engine = m_engine.get();
+    const QPointer<ExpertEngine> engine(m_engine.get());
     engine->stop();
-    if (!self || m_engine.get() != engine)
+    if (!self || !engine)
         return;
     m_engine.reset();
     ended();
@@ -93,9 +94,9 @@ void ChartExpert::tick()
     if (!m_engine || !m_engine->isRunning())
         return;
     const QPointer<ChartExpert> self(this);
-    const ExpertEngine* const engine = m_engine.get();
-    m_engine->tick();
-    if (self && m_engine.get() == engine && !engine->isRunning())
+    const QPointer<ExpertEngine> engine(m_engine.get());
+    engine->tick();
+    if (self && engine && !engine->isRunning())
         ended();
 }
 

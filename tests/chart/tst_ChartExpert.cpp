@@ -3,6 +3,7 @@
 #include "chart/ChartComment.h"
 #include "chart/ChartWindowFixture.h"
 #include "chart/OneClickPanel.h"
+#include "experts/ExpertEngine.h"
 #include "support/TestMain.h"
 
 #include <QDateTime>
@@ -10,6 +11,9 @@
 #include <QPushButton>
 #include <QSignalSpy>
 #include <QTemporaryDir>
+
+#include <array>
+#include <cstddef>
 
 using namespace Qt::StringLiterals;
 
@@ -89,7 +93,9 @@ private Q_SLOTS:
         QVERIFY(m_log.first().startsWith("Probe: SyntaxError at line 1: "_L1));
         QCOMPARE(window().title(), u"EURUSD,M15"_s);
         m_log.clear();
-        window().attachExpert(script("function OnInit() { throw new Error('boom') }"));
+        window().attachExpert(script("Comment('left'); function OnInit() { throw new Error('boom') }"));
+        QVERIFY(comment().isHidden());
+        QCOMPARE(comment().text(), QString());
         QCOMPARE(m_log, QStringList(u"Probe: OnInit: boom (line 1)"_s));
         QCOMPARE(window().expertName(), QString());
         m_log.clear();
@@ -338,6 +344,43 @@ private Q_SLOTS:
         tick();
         QCOMPARE(m_log, QStringList({u"Second: Second loaded"_s, u"Second: second"_s}));
         QCOMPARE(window().expertName(), u"Second"_s);
+    }
+
+    /// A new engine may come to lie where the old one was, and must not be taken for it. Blocks of its size
+    /// that are freed in between make that likely.
+    void anExpertMayReplaceItselfInEveryHook_data()
+    {
+        QTest::addColumn<QByteArray>("text");
+        QTest::newRow("file") << QByteArray("Trade.closeAll()");
+        QTest::newRow("OnInit") << QByteArray("function OnInit() { Trade.closeAll() }");
+        QTest::newRow("OnTick") << QByteArray("function OnTick() { Trade.closeAll() }");
+        QTest::newRow("OnDeinit") << QByteArray("function OnDeinit() { Trade.closeAll() }");
+    }
+    void anExpertMayReplaceItselfInEveryHook()
+    {
+        QFETCH(QByteArray, text);
+        const QString first = script(text, u"First.js"_s);
+        const QString second = script("function OnTick() { Print('second') }", u"Second.js"_s);
+        using Block = std::array<std::byte, sizeof(ExpertEngine)>;
+        std::size_t times = 0;
+        connect(&window(), &ChartWindow::expertCloseAllRequested, this, [this, second, &times] {
+            std::vector<std::unique_ptr<Block>> blocks(++times % 8);
+            for (auto& block : blocks)
+                block = std::make_unique<Block>();
+            window().detachExpert();
+            blocks.clear();
+            window().attachExpert(second);
+        });
+        while (times < 50) {
+            window().attachExpert(first);
+            tick();
+            if (text.contains("OnDeinit"))
+                window().detachExpert();
+            m_log.clear();
+            tick();
+            QCOMPARE(m_log, QStringList(u"Second: second"_s));
+            QCOMPARE(window().title(), u"EURUSD,M15  •  Second"_s);
+        }
     }
 
     void anExpertAttachedByTheLastWordsOfAnotherStaysAndIsToldOfItsEnd()
