@@ -412,6 +412,23 @@ private Q_SLOTS:
         QCOMPARE(chart().done, QStringList(u"print now"_s));
     }
 
+    void whatAFailedExpertHasPutOffDoesNotHappen_data()
+    {
+        QTest::addColumn<QByteArray>("failure");
+        QTest::newRow("file") << QByteArray("throw 5");
+        QTest::newRow("OnInit") << QByteArray("function OnInit() { throw 5 }");
+        QTest::newRow("syntax of an inner text") << QByteArray("eval('}')");
+    }
+    void whatAFailedExpertHasPutOffDoesNotHappen()
+    {
+        QFETCH(QByteArray, failure);
+        QVERIFY(!chart().load("Promise.resolve().then(function() { Print('later'); Trade.buy(1) });"
+                              "EventSetTimer(1); Print('now');"
+            + failure));
+        QTest::qWait(50);
+        QCOMPARE(chart().done, QStringList(u"print now"_s));
+    }
+
     void aPromiseMayEndTheExpert()
     {
         ExpertHost::Callbacks calls = chart().callbacks();

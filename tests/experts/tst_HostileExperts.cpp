@@ -121,22 +121,24 @@ private Q_SLOTS:
         QFETCH(QByteArray, vandalism);
         QFETCH(QByteArray, harm);
         // The harm is done, and still the rest of the interface and the engine go on.
-        const QByteArray script
-            = "var print = Print, buy = Trade.buy, Failure = Error, keys = Reflect.ownKeys, world = this;"
-              "function fails(f) { try { f(); return false } catch (e) { return true } }"
-              "function OnTick() { print('tick', Bid, "
+        const QByteArray script = "var print = Print, buy = Trade.buy, sell = Trade.sell, Failure = Error, "
+                                  "keys = Reflect.ownKeys, world = this;"
+                                  "function fails(f) { try { f(); return false } catch (e) { return true } }"
+                                  "function OnTick() { print('tick', Bid, "
             + harm
-            + "); buy(1, {slPoints: 10}) }"
+            + "); buy(1, {slPoints: 10, tpPoints: 10}); sell(1, {slPoints: 10, tpPoints: 10}) }"
               "function OnDeinit() { throw new Failure('last') }"
               "try { "
             + vandalism + " } catch (ignored) {}";
         QVERIFY2(chart().load(script), qPrintable(chart().error));
         chart().engine->tick();
-        QCOMPARE(chart().done.join(u';'), u"print tick 1.1 true;order BUY 1 1.0999 0"_s);
+        QCOMPARE(chart().done.join(u';'),
+            u"print tick 1.1 true;order BUY 1 1.0999 1.1003;order SELL 1 1.1003 1.0999"_s);
         chart().done.clear();
         chart().engine->setDigits(3);
         chart().engine->tick();
-        QCOMPARE(chart().done.join(u';'), u"print tick 1.1 true;order BUY 1 1.09 0"_s);
+        QCOMPARE(chart().done.join(u';'),
+            u"print tick 1.1 true;order BUY 1 1.09 1.1102;order SELL 1 1.1102 1.09"_s);
         chart().messages.clear();
         chart().engine->stop();
         QCOMPARE(chart().messages.size(), 1);
