@@ -3,7 +3,6 @@
 #include "panes/NewsEvent.h"
 
 #include <QHeaderView>
-#include <QScrollBar>
 #include <QTimer>
 #include <QTreeWidget>
 #include <QVBoxLayout>
@@ -69,10 +68,8 @@ void NewsPane::fill(const NewsReply& news)
         row->setForeground(ImpactColumn, impactColor(event.impact));
         rows.append(row);
     }
-    const int scrolledTo = m_list->verticalScrollBar()->value();
     m_list->clear();
     m_list->addTopLevelItems(rows);
-    m_list->verticalScrollBar()->setValue(scrolledTo);
 }
 
 void NewsPane::announce(const NewsReply& news)

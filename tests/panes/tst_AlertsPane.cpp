@@ -342,12 +342,13 @@ void TestAlertsPane::howeverManyFireTheListIsSavedAndFilledOnce()
 
 void TestAlertsPane::firingIsSavedBeforeTheNextSnapshot()
 {
+    // Asked for beforehand: the toolkit writes what is waiting when another settings object goes.
+    QFile onDisk(SettingsStore::userFilePath());
     TerminalSettings::instance().setAlerts(uR"([{"symbol":"EURUSD","price":1,"above":true}])"_s);
     Desk desk;
     desk.pane.onPrices(parse(R"({"EURUSD":{"bid":1.5}})"));
-    // What a run finds that starts after this one was killed here. Not asked of a second settings object:
-    // the toolkit lets those of one process share what is not written yet.
-    QFile onDisk(SettingsStore::userFilePath());
+    // What a run finds that starts after this one was killed here. No second settings object is asked: those
+    // of one process share what is not written yet.
     QVERIFY(onDisk.open(QIODevice::ReadOnly));
     QVERIFY(onDisk.readAll().contains(R"(\"triggered\":true)"));
 }
