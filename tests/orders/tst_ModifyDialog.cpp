@@ -77,6 +77,7 @@ class TestModifyDialog final : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
+    void initTestCase() { QLocale::setDefault(QLocale(QLocale::German, QLocale::Germany)); }
     void aPositionShowsItsLevelsAndNoPrice();
     void aPendingOrderShowsItsPriceToo();
     void cancelStandsBeforeModifyAtTheRight();
@@ -106,6 +107,7 @@ private Q_SLOTS:
     void anUncertainOutcomeIsAskedFor();
     void closedWhileSendingItComesBackWithARefusal();
     void closedWhileSendingItReportsTheSuccess();
+    void closedTwiceWhileSendingItGivesUpTheWait();
     void destroyedWhileSendingItDoesNoHarm();
 };
 
@@ -462,6 +464,26 @@ void TestModifyDialog::closedWhileSendingItReportsTheSuccess()
     desk.server.release(StubAnswer::json("{}"));
     QTRY_COMPARE(modified.size(), 1);
     QTRY_VERIFY(!desk.dialog);
+}
+
+void TestModifyDialog::closedTwiceWhileSendingItGivesUpTheWait()
+{
+    Desk desk;
+    desk.server.on("PUT", path, StubAnswer::held());
+    QSignalSpy modified(desk.dialog, &ModifyDialog::modified);
+    QSignalSpy unknown(desk.dialog, &ModifyDialog::outcomeUnknown);
+    desk.press();
+    QTRY_COMPARE(desk.server.heldCount(), 1);
+    QTest::keyClick(desk.dialog, Qt::Key_Escape);
+    QCOMPARE(unknown.size(), 0);
+    desk.dialog->show(); // whoever asks for it again sees it waiting
+    QVERIFY(!desk.modify()->isEnabled());
+    QTest::keyClick(desk.dialog, Qt::Key_Escape);
+    QCOMPARE(unknown.size(), 1);
+    QTRY_VERIFY(!desk.dialog);
+    desk.server.release(StubAnswer::json("{}"));
+    QTRY_COMPARE(desk.api.findChildren<QNetworkReply*>().size(), 0);
+    QCOMPARE(modified.size(), 0);
 }
 
 void TestModifyDialog::destroyedWhileSendingItDoesNoHarm()

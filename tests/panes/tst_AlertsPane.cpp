@@ -85,6 +85,7 @@ class TestAlertsPane final : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
+    void initTestCase() { QLocale::setDefault(QLocale(QLocale::German, QLocale::Germany)); }
     void init() { TerminalSettings::instance().setAlerts({}); }
     void looksAsATraderKnowsIt();
     void savedAlertsAreShown();
