@@ -31,14 +31,14 @@ inline void writeFile(const QString& path, const QByteArray& bytes)
     QCOMPARE(file.write(bytes), bytes.size());
 }
 
-/// While it lives, a write stops half-way when a file reaches a thousand bytes, as on a full disk.
+/// While it lives, a write stops half-way when a file reaches so many bytes, as on a full disk.
 class FullDisk final {
 public:
-    FullDisk()
+    explicit FullDisk(rlim_t room = 1000)
         : m_oldHandler(std::signal(SIGXFSZ, SIG_IGN))
     {
         QCOMPARE(::getrlimit(RLIMIT_FSIZE, &m_before), 0);
-        const struct rlimit tiny = {.rlim_cur = 1000, .rlim_max = m_before.rlim_max};
+        const struct rlimit tiny = {.rlim_cur = room, .rlim_max = m_before.rlim_max};
         QCOMPARE(::setrlimit(RLIMIT_FSIZE, &tiny), 0);
     }
     ~FullDisk()

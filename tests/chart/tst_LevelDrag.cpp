@@ -46,6 +46,7 @@ private Q_SLOTS:
     void a_drag_back_to_the_old_price_asks_for_nothing();
     void prices_that_differ_by_less_than_the_tolerance_are_the_same();
     void a_level_dragged_to_zero_or_below_asks_for_nothing();
+    void a_price_beyond_all_reason_asks_for_nothing();
     void the_level_is_followed_through_a_new_list();
     void a_level_that_is_gone_ends_the_drag();
     void a_level_whose_price_changed_ends_the_drag();
@@ -181,6 +182,17 @@ void TestLevelDrag::a_level_dragged_to_zero_or_below_asks_for_nothing()
     QVERIFY(coarse.begin({levelAt(0.2)}, small, small.pricePixel(0.2)));
     coarse.move(small, 270);
     QVERIFY(!coarse.drop(0));
+}
+
+void TestLevelDrag::a_price_beyond_all_reason_asks_for_nothing()
+{
+    for (const auto& [top, asks] : {std::pair(1e12, true), std::pair(1e300, false)}) {
+        const ChartView view = pixelView().withPrices({0.0, top});
+        LevelDrag drag;
+        QVERIFY(drag.begin({levelAt(top / 2)}, view, view.pricePixel(top / 2)));
+        drag.move(view, 20);
+        QCOMPARE(drag.drop(2).has_value(), asks);
+    }
 }
 
 void TestLevelDrag::the_level_is_followed_through_a_new_list()

@@ -9,8 +9,42 @@
 #include <QPushButton>
 #include <QStandardPaths>
 
+#include <utility>
+
 using namespace Qt::StringLiterals;
 using fixtures::ServedChart;
+
+namespace {
+
+/// Counts what the mouse does on a widget.
+class MouseCounter final : public QObject {
+public:
+    explicit MouseCounter(QWidget& widget) { widget.installEventFilter(this); }
+
+    [[nodiscard]] int taken() { return std::exchange(m_count, 0); }
+
+protected:
+    bool eventFilter(QObject* /*widget*/, QEvent* event) override
+    {
+        switch (event->type()) {
+        case QEvent::MouseButtonPress:
+        case QEvent::MouseButtonRelease:
+        case QEvent::MouseButtonDblClick:
+        case QEvent::MouseMove:
+        case QEvent::Wheel:
+            ++m_count;
+            break;
+        default:
+            break;
+        }
+        return false;
+    }
+
+private:
+    int m_count = 0;
+};
+
+} // namespace
 
 class tst_OneClickPanel final : public QObject {
     Q_OBJECT
@@ -37,6 +71,8 @@ private Q_SLOTS:
     void hidingAndShowingKeepsTheVolume();
     void aPressOnThePanelNeverReachesTheChart();
     void aDoubleClickOnThePanelNeverReachesTheChart();
+    void noEventOfTheMouseReachesTheChart();
+    void thePointerOverThePanelIsAnArrowWhateverTheTool();
     void theWheelOverThePanelDoesNotZoomTheChart();
     void aClickLeavesTheKeysWithTheChart();
     void deletingDigitsDeletesNoObject();
@@ -118,6 +154,7 @@ void tst_OneClickPanel::liesInTheCornerOfEveryChart()
     QCOMPARE(volume(panel).value(), 0.01);
     QCOMPARE(volume(panel).singleStep(), 0.01);
     QCOMPARE(volume(panel).decimals(), 2);
+    QCOMPARE(volume(panel).accessibleName(), u"Volume in lots"_s);
     // The least chart holds all of it.
     QVERIFY(QRect({}, served.chart().minimumSize()).contains(panel.geometry()));
 }
@@ -396,6 +433,38 @@ void tst_OneClickPanel::aDoubleClickOnThePanelNeverReachesTheChart()
     QCOMPARE(served.chart().tool(), u"hline"_s);
     doubleClickAt(QPoint(200, 200));
     QCOMPARE(created.size(), 1);
+}
+
+void tst_OneClickPanel::noEventOfTheMouseReachesTheChart()
+{
+    const ServedChart served;
+    served.chart().setCandles(fixtures::wave(400));
+    served.show();
+    const OneClickPanel& panel = panelOf(served);
+    MouseCounter seen(served.chart());
+    for (const QPoint place : {QPoint(1, 1), QPoint(panel.width() - 2, 18), button(panel, u"BUY"_s).pos()}) {
+        for (const Qt::MouseButton key : {Qt::LeftButton, Qt::MiddleButton}) {
+            const QPoint start = panel.pos() + place;
+            fixtures::moveTo(served.chart(), start);
+            fixtures::pressAt(served.chart(), start, key);
+            fixtures::moveTo(served.chart(), start + QPoint(0, 2));
+            fixtures::releaseAt(served.chart(), start + QPoint(0, 2), key);
+        }
+    }
+    fixtures::turnWheel(panelOf(served), QPoint(0, 120));
+    QCOMPARE(seen.taken(), 0);
+    fixtures::pressAt(served.chart(), QPoint(300, 200));
+    fixtures::releaseAt(served.chart(), QPoint(300, 200));
+    QVERIFY(seen.taken() >= 2);
+}
+
+void tst_OneClickPanel::thePointerOverThePanelIsAnArrowWhateverTheTool()
+{
+    const ServedChart served;
+    served.show();
+    served.window->setTool(u"hline"_s);
+    QCOMPARE(served.chart().cursor().shape(), Qt::CrossCursor);
+    QCOMPARE(panelOf(served).cursor().shape(), Qt::ArrowCursor);
 }
 
 void tst_OneClickPanel::theWheelOverThePanelDoesNotZoomTheChart()

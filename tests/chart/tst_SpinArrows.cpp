@@ -1,5 +1,6 @@
 #include "ChartFixtures.h"
 #include "ChartWindowFixture.h"
+#include "app/FileFixture.h"
 #include "chart/OneClickPanel.h"
 #include "chart/SpinArrows.h"
 #include "support/TestMain.h"
@@ -23,6 +24,7 @@ private Q_SLOTS:
     void haveSmoothEdgesAndNoOutline();
     void areWrittenToTheTemporaryFolder();
     void aFileIsWrittenAgainOnlyWhenItDiffers();
+    void aFileThatTheDiskCutIsNotUsed();
     void areTheUsersAlone();
     void nothingIsWrittenThroughALink();
     void withoutItsFilesThePanelWorksAllTheSame();
@@ -136,6 +138,18 @@ void tst_SpinArrows::aFileIsWrittenAgainOnlyWhenItDiffers()
         QCOMPARE(writeSpinArrow(SpinArrow::Up), path);
         QCOMPARE(content(), bytes);
     }
+}
+
+void tst_SpinArrows::aFileThatTheDiskCutIsNotUsed()
+{
+    QString cut;
+    {
+        const fixtures::FullDisk full(20);
+        cut = writeSpinArrow(SpinArrow::Up);
+    }
+    QCOMPARE(cut, QString());
+    const QString path = writeSpinArrow(SpinArrow::Up);
+    QCOMPARE(QImage(path).size(), QSize(9, 6));
 }
 
 void tst_SpinArrows::areTheUsersAlone()
