@@ -5,6 +5,7 @@
 #include "chart/OneClickPanel.h"
 #include "support/TestMain.h"
 
+#include <QLabel>
 #include <QLayout>
 #include <QPushButton>
 #include <QStandardPaths>
@@ -43,6 +44,16 @@ protected:
 private:
     int m_count = 0;
 };
+
+/// Turns the wheel as the desktop does: only then is it offered to what lies below.
+void turnWheel(QWidget& widget, const QPoint& angle)
+{
+    const QPointF position = widget.rect().center();
+    QWheelEvent event(
+        position, widget.mapToGlobal(position), QPoint(), angle, Qt::NoButton, {}, Qt::NoScrollPhase, false);
+    QSpontaneKeyEvent::setSpontaneous(&event);
+    qApp->notify(&widget, &event);
+}
 
 } // namespace
 
@@ -451,7 +462,7 @@ void tst_OneClickPanel::noEventOfTheMouseReachesTheChart()
             fixtures::releaseAt(served.chart(), start + QPoint(0, 2), key);
         }
     }
-    fixtures::turnWheel(panelOf(served), QPoint(0, 120));
+    turnWheel(panelOf(served), QPoint(0, 120));
     QCOMPARE(seen.taken(), 0);
     fixtures::pressAt(served.chart(), QPoint(300, 200));
     fixtures::releaseAt(served.chart(), QPoint(300, 200));
@@ -473,10 +484,13 @@ void tst_OneClickPanel::theWheelOverThePanelDoesNotZoomTheChart()
     served.show();
     OneClickPanel& panel = panelOf(served);
     const double before = served.chart().barWidth();
-    fixtures::turnWheel(panel, QPoint(0, 120));
-    fixtures::turnWheel(button(panel, u"SELL"_s), QPoint(0, 120));
-    fixtures::turnWheel(volume(panel), QPoint(0, -120)); // at its least volume
+    turnWheel(panel, QPoint(0, 120));
+    turnWheel(button(panel, u"SELL"_s), QPoint(0, 120));
+    turnWheel(volume(panel), QPoint(0, -120)); // at its least volume
     QCOMPARE(served.chart().barWidth(), before);
+    turnWheel(
+        *served.chart().findChild<QLabel*>(), QPoint(0, 120)); // what a script writes there lets it pass
+    QVERIFY(served.chart().barWidth() > before);
 }
 
 void tst_OneClickPanel::aClickLeavesTheKeysWithTheChart()

@@ -176,9 +176,10 @@ void TestTradeMenu::onlyYesCloses()
 void TestTradeMenu::serverTextInTheQuestionIsText()
 {
     Desk desk;
-    Desk::choose(*desk.popUp(R"({"id":"<b>","type":"BUY","symbol":"<table>%2\nX"})"), u"Close Position"_s);
+    Desk::choose(
+        *desk.popUp(R"({"id":"<b>\n1","type":"B\nUY","symbol":"<table>%2\nX"})"), u"Close Position"_s);
     QCOMPARE(desk.question()->textFormat(), Qt::PlainText);
-    QCOMPARE(desk.question()->text(), u"Close position buy 0.00 <table>%2 X (#<b>)?"_s);
+    QCOMPARE(desk.question()->text(), u"Close position b uy 0.00 <table>%2 X (#<b> 1)?"_s);
 }
 
 TAVORAN_TEST_MAIN(TestTradeMenu)
