@@ -107,6 +107,9 @@ private Q_SLOTS:
         QCOMPARE(chart().error, u"Cannot open "_s + path);
         QVERIFY(!chart().loadFile(QFileInfo(path).absolutePath()));
         QCOMPARE(chart().error, u"Cannot open "_s + QFileInfo(path).absolutePath());
+        // What is no ordinary file might keep the terminal waiting.
+        QVERIFY(!chart().loadFile(u"/dev/null"_s));
+        QCOMPARE(chart().error, u"Cannot open /dev/null"_s);
     }
 
     void anEndlessFileIsNotRead()
@@ -246,6 +249,14 @@ private Q_SLOTS:
         QCOMPARE(chart().messages, QStringList(u"OnTimer: no is not defined (line 3)"_s));
     }
 
+    void aTimerOfManyDaysDoesNotFireSoon()
+    {
+        // In milliseconds it is 704 more than an integer of 32 bits has values.
+        QVERIFY(chart().load("EventSetTimer(4294968); function OnTimer() { Print('timer') }"));
+        QTest::qWait(1000);
+        QCOMPARE(chart().done, QStringList());
+    }
+
     void stoppingEndsTheTimerAndOnDeinitCannotStartIt()
     {
         QVERIFY(chart().load("function OnInit() { EventSetTimer(1) } function OnTimer() { Print('timer') }"
@@ -342,11 +353,12 @@ private Q_SLOTS:
         chart().create(calls);
         QVERIFY(chart().engine->load(
             chart().file("function OnTick() { Print('in'); Trade.closeAll(); Print('out'); Trade.buy(1); "
-                         "EventSetTimer(1); Close(0) }"
+                         "EventSetTimer(1); Close(0); throw 5 }"
                          "function OnDeinit() { Print('deinit') } function OnTimer() { Print('timer') }")));
         chart().engine->tick();
         QCOMPARE(chart().done.join(u';'), u"print in;print deinit"_s);
         QVERIFY(!chart().engine->isRunning());
+        QCOMPARE(chart().messages, QStringList({u"Probe loaded"_s, u"OnTick: 5"_s}));
     }
 
     void theEngineMayBeDeletedInMidHook_data()
