@@ -1,5 +1,6 @@
 #include "mainwindow/MainWindow.h"
 
+#include "app/Log.h"
 #include "app/ServerText.h"
 #include "app/TerminalSettings.h"
 #include "app/Theme.h"
@@ -14,6 +15,7 @@
 #include "mainwindow/ExpertsFolder.h"
 #include "mainwindow/MenuBar.h"
 #include "mainwindow/OrderEvents.h"
+#include "mainwindow/QuitWatch.h"
 #include "mainwindow/Reports.h"
 #include "mainwindow/SmallWindows.h"
 #include "mainwindow/TerminalActions.h"
@@ -36,6 +38,8 @@
 #include <QMdiSubWindow>
 #include <QStatusBar>
 
+#include <utility>
+
 using namespace Qt::StringLiterals;
 
 namespace {
@@ -53,6 +57,7 @@ MainWindow::MainWindow(QWidget* parent)
     , m_toolbox(new TerminalPane(&m_docks->toolboxDock()))
     , m_status(
           new StatusPanel(*statusBar(), StatusPanel::hostOf(TerminalSettings::instance().serverUrl()), this))
+    , m_quitWatch(new QuitWatch(this))
 {
     setWindowTitle(tr("Tavoran Terminal"));
     resize(InitialSize);
@@ -200,6 +205,9 @@ void MainWindow::connectActions()
         [] { UpdateFramework::instance().checkWithUi(); });
     connect(m_chartCommands, &ChartCommands::specificationRequested, this, &MainWindow::showSpecification);
     m_links->serve(*m_actions, *this);
+    connect(m_quitWatch, &QuitWatch::quitRequested, this, &MainWindow::quit);
+    // The session's manager may end the process without another word; or the session goes on.
+    connect(qApp, &QGuiApplication::commitDataRequest, this, &MainWindow::storeLayout);
 }
 
 void MainWindow::setUpExperts()
@@ -369,7 +377,7 @@ void MainWindow::restoreLayout()
     m_chartCommands->followActiveChart();
 }
 
-void MainWindow::saveLayout()
+void MainWindow::storeLayout()
 {
     m_docks->storeInSettings();
     TerminalSettings::instance().setChartsLayout(m_charts->saveLayout());
@@ -378,13 +386,20 @@ void MainWindow::saveLayout()
 
 void MainWindow::quit()
 {
-    saveLayout();
-    QCoreApplication::quit();
+    if (!std::exchange(m_layoutStored, true))
+        storeLayout();
+    if (!std::exchange(m_leaving, true)) {
+        const QStringList unanswered = m_api.unansweredChanges();
+        for (const QString& change : unanswered)
+            appLog(u"[%1] %2"_s.arg(tr("Network"), tr("Left without an answer to %1").arg(change)));
+    }
+    QCoreApplication::exit();
 }
 
 void MainWindow::closeEvent(QCloseEvent* event)
 {
-    saveLayout();
+    if (!std::exchange(m_layoutStored, true))
+        storeLayout();
     event->accept();
 }
 
@@ -401,5 +416,7 @@ void MainWindow::changeEvent(QEvent* event)
 void MainWindow::showEvent(QShowEvent* event)
 {
     QMainWindow::showEvent(event);
+    m_layoutStored = false;
+    m_leaving = false;
     QTimer::singleShot(0, m_docks, &DockKeeper::confirmRestored);
 }

@@ -20,6 +20,7 @@ class NavigatorWidget;
 class NewsPane;
 class OrderEvents;
 class QMdiSubWindow;
+class QuitWatch;
 class Reports;
 class SmallWindows;
 class TerminalActions;
@@ -87,7 +88,10 @@ private:
     void connectReports();
     void setUpExperts();
     void restoreLayout();
-    void saveLayout();
+    /// Writes the layout to the settings, whatever has been written before.
+    void storeLayout();
+    /// Ends the event loop without asking any window: the layout is kept as it is, and what is still on its
+    /// way to the server is told in the log.
     void quit();
     void chooseTheme(bool dark);
     /// The active chart's symbol, else the one selected in Market Watch.
@@ -118,4 +122,8 @@ private:
     Reports* m_reports;
     AlertsPane* m_alerts = nullptr;
     NewsPane* m_news = nullptr;
+    QuitWatch* m_quitWatch;
+
+    bool m_layoutStored = false; ///< since the window was last shown; what closes after it changes nothing
+    bool m_leaving = false;
 };

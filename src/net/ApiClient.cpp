@@ -21,6 +21,9 @@ namespace {
 constexpr int transferTimeoutMs = 15000;
 constexpr int statusUnauthorized = 401;
 
+/// What a reply is the answer to, as unansweredChanges() tells it.
+constexpr auto changeProperty = "change";
+
 // Far above any real answer; a server that sends more would only fill the memory.
 constexpr qint64 largestReply = 16LL * 1024 * 1024;
 
@@ -96,7 +99,22 @@ QNetworkReply* ApiClient::change(
     QNetworkReply* reply = m_manager.sendCustomRequest(request, verb, upload);
     upload->setParent(reply);
     capSize(reply);
+    if (authorise)
+        reply->setProperty(changeProperty,
+            QString(QLatin1StringView(verb) + u' ' + path + u' ' + QString::fromUtf8(body)).trimmed());
     return reply;
+}
+
+QStringList ApiClient::unansweredChanges() const
+{
+    QStringList changes;
+    const auto replies = m_manager.findChildren<QNetworkReply*>(Qt::FindDirectChildrenOnly);
+    for (const QNetworkReply* reply : replies) {
+        const QString change = reply->property(changeProperty).toString();
+        if (!change.isEmpty() && !reply->isFinished())
+            changes.append(change);
+    }
+    return changes;
 }
 
 void ApiClient::get(const QString& path, ReplyCallback callback)

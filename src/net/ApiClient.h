@@ -4,6 +4,7 @@
 #include <QNetworkAccessManager>
 #include <QObject>
 #include <QPointer>
+#include <QStringList>
 #include <functional>
 
 class QJsonDocument;
@@ -43,6 +44,10 @@ public:
     [[nodiscard]] QNetworkReply* post(const QString& path, const QJsonObject& body);
     [[nodiscard]] QNetworkReply* put(const QString& path, const QJsonObject& body);
     [[nodiscard]] QNetworkReply* del(const QString& path);
+
+    /// The state-changing calls that have no answer yet, oldest first: verb, path and body of each. What
+    /// became of them only the server knows. Sign-ins are left out.
+    [[nodiscard]] QStringList unansweredChanges() const;
 
     /// Signs in. On success the token and the e-mail are in the settings before loginSucceeded.
     void login(const QString& email, const QString& password);

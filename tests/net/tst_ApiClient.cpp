@@ -50,6 +50,7 @@ private Q_SLOTS:
     void callbacks_run_in_the_order_of_completion();
     void every_401_of_a_read_says_unauthorized_before_its_callback();
     void a_401_of_a_change_is_left_to_its_caller();
+    void changes_without_an_answer_are_known_and_sign_ins_are_not();
     void cookies_are_neither_kept_nor_sent();
     void paths_that_reach_elsewhere_are_refused_before_sending_data();
     void paths_that_reach_elsewhere_are_refused_before_sending();
@@ -321,6 +322,25 @@ void TestApiClient::a_401_of_a_change_is_left_to_its_caller()
     }
     QCOMPARE(unauthorized.size(), 0);
     QCOMPARE(m_server->requests().size(), 3);
+}
+
+void TestApiClient::changes_without_an_answer_are_known_and_sign_ins_are_not()
+{
+    for (const char* method : {"POST", "PUT", "DELETE", "GET"}) {
+        for (const char* path : {"/a", "/b", "/api/auth/login"})
+            m_server->on(method, path, StubAnswer::held());
+    }
+    QNetworkReply* const first = m_api->post(u"/a"_s, {{u"lots"_s, 0.5}, {u"note"_s, u"%1"_s}});
+    (void)m_api->put(u"/b"_s, {});
+    (void)m_api->del(u"/b"_s);
+    m_api->get(u"/a"_s, [](const QJsonDocument&, const QString&) {});
+    m_api->login(u"a@b.c"_s, u"secret password"_s);
+    QTRY_COMPARE(m_server->heldCount(), 5);
+    QCOMPARE(m_api->unansweredChanges(),
+        QStringList({uR"(POST /a {"lots":0.5,"note":"%1"})"_s, u"PUT /b {}"_s, u"DELETE /b"_s}));
+    m_server->release(StubAnswer::message(u"No"_s, 400), "/a");
+    QTRY_VERIFY(first->isFinished());
+    QCOMPARE(m_api->unansweredChanges(), QStringList({u"PUT /b {}"_s, u"DELETE /b"_s}));
 }
 
 void TestApiClient::cookies_are_neither_kept_nor_sent()
