@@ -63,16 +63,12 @@ private Q_SLOTS:
     void alertsAndNewsShowBalloons();
     void withoutATrayAnAlertStillFires();
     void whatBecameOfATradeIsHeard();
-    void balloonsThatComeTogetherAreShownInTurn();
-    void aClickOnABalloonMakesRoomForTheNext();
-    void anUrgentBalloonGoesFirst();
-    void aFloodOfBalloonsEnds();
+    void balloonsThatComeTogetherAreAllShownAtOnce();
+    void severalAlertsOfOneSnapshotEachShowTheirBalloon();
     void aBalloonHoldsNoMarkup();
 
 private:
     static TrayIcon* trayOf(const MainWindowFixture& f) { return f.window->findChild<TrayIcon*>(); }
-    /// The balloon on show has been read.
-    static void endTurn(const MainWindowFixture& f) { Q_EMIT trayOf(f)->icon().messageClicked(); }
     static QAction* entry(TrayIcon& tray, const QString& text)
     {
         const QList<QAction*> actions = tray.icon().contextMenu()->actions();
@@ -83,11 +79,6 @@ private:
 };
 
 namespace {
-
-Balloon notice(const QString& text, Balloon::Kind kind = Balloon::Kind::Information)
-{
-    return {u"Title"_s, text, kind, 8000};
-}
 
 QStringList shownTexts()
 {
@@ -314,7 +305,6 @@ void tst_TrayWiring::alertsAndNewsShowBalloons()
     QCOMPARE(balloons[0].text, u"Rates in 5 minutes"_s);
     QCOMPARE(balloons[0].icon, QSystemTrayIcon::Warning);
     QCOMPARE(balloons[0].milliseconds, 15000);
-    endTurn(f);
     f.feed.send(R"({"type":"price_update","data":{"EURUSD":{"bid":1.25,"ask":1.2501}}})");
     QTRY_COMPARE(balloons.size(), 2);
     QCOMPARE(balloons[1].title, u"Price Alert — EURUSD"_s);
@@ -348,61 +338,37 @@ void tst_TrayWiring::whatBecameOfATradeIsHeard()
     QTRY_COMPARE(sounds, QList<SoundKind>({SoundKind::Open, SoundKind::Error}));
 }
 
-void tst_TrayWiring::balloonsThatComeTogetherAreShownInTurn()
+void tst_TrayWiring::balloonsThatComeTogetherAreAllShownAtOnce()
 {
     TrayIcon tray;
-    tray.showBalloon(notice(u"one"_s));
-    tray.showBalloon(notice(u"two"_s));
-    tray.showBalloon(notice(u"three"_s));
-    QCOMPARE(shownTexts(), QStringList({u"one"_s}));
-    auto* turn = tray.findChild<QTimer*>();
-    QVERIFY(turn && turn->isActive() && turn->interval() >= 3000);
-    turn->start(0);
-    QTRY_COMPARE(shownTexts(), QStringList({u"one"_s, u"two"_s}));
-    QVERIFY(turn->isActive() && turn->interval() >= 3000);
-    turn->start(0);
-    QTRY_COMPARE(shownTexts(), QStringList({u"one"_s, u"two"_s, u"three"_s}));
-    turn->start(0);
-    QTRY_VERIFY(!turn->isActive());
-    tray.showBalloon(notice(u"four"_s));
-    QCOMPARE(shownTexts().last(), u"four"_s);
+    tray.showBalloon({u"News"_s, u"one"_s, Balloon::Kind::Warning, 15000});
+    tray.showBalloon({u"Alert"_s, u"two"_s, Balloon::Kind::Information, 12000});
+    tray.showBalloon({u"Account"_s, u"three"_s, Balloon::Kind::Critical, 12000});
+    tray.showBalloon({u"Filled"_s, u"four"_s, Balloon::Kind::Information, 8000});
+    QCOMPARE(shownTexts(), QStringList({u"one"_s, u"two"_s, u"three"_s, u"four"_s}));
+    QList<int> times;
+    for (const ShownBalloon& balloon : balloons)
+        times.append(balloon.milliseconds);
+    QCOMPARE(times, QList<int>({15000, 12000, 12000, 8000}));
 }
 
-void tst_TrayWiring::aClickOnABalloonMakesRoomForTheNext()
+void tst_TrayWiring::severalAlertsOfOneSnapshotEachShowTheirBalloon()
 {
-    TrayIcon tray;
-    tray.showBalloon(notice(u"one"_s));
-    tray.showBalloon(notice(u"two"_s));
-    Q_EMIT tray.icon().messageClicked();
-    QCOMPARE(shownTexts(), QStringList({u"one"_s, u"two"_s}));
-    Q_EMIT tray.icon().messageClicked();
-    tray.showBalloon(notice(u"three"_s));
-    QCOMPARE(shownTexts().last(), u"three"_s);
-}
-
-void tst_TrayWiring::anUrgentBalloonGoesFirst()
-{
-    TrayIcon tray;
-    tray.showBalloon(notice(u"one"_s));
-    tray.showBalloon(notice(u"two"_s));
-    tray.showBalloon(notice(u"urgent"_s, Balloon::Kind::Critical));
-    tray.showBalloon(notice(u"urgent too"_s, Balloon::Kind::Critical));
-    for (int i = 0; i < 3; ++i)
-        Q_EMIT tray.icon().messageClicked();
-    QCOMPARE(shownTexts(), QStringList({u"one"_s, u"urgent"_s, u"urgent too"_s, u"two"_s}));
-}
-
-void tst_TrayWiring::aFloodOfBalloonsEnds()
-{
-    TrayIcon tray;
-    for (int i = 0; i < 1000; ++i)
-        tray.showBalloon(notice(QString::number(i)));
-    tray.showBalloon(notice(u"urgent"_s, Balloon::Kind::Critical));
-    for (int i = 0; i < 1000; ++i)
-        Q_EMIT tray.icon().messageClicked();
-    QCOMPARE(balloons.size(), 1 + 1 + TrayIcon::mostWaiting);
-    QCOMPARE(shownTexts().at(1), u"urgent"_s);
-    QCOMPARE(shownTexts().last(), QString::number(TrayIcon::mostWaiting));
+    TerminalSettings::instance().setAlerts(uR"([{"symbol":"EURUSD","above":true,"price":1.2},)"
+                                           uR"({"symbol":"USDJPY","above":false,"price":150},)"
+                                           uR"({"symbol":"EURUSD","above":true,"price":1.21}])"_s);
+    MainWindowFixture f;
+    f.signInAndSettle();
+    f.feed.send(R"({"type":"price_update","data":{"EURUSD":{"bid":1.25,"ask":1.2501},)"
+                R"("USDJPY":{"bid":149,"ask":149.1}}})");
+    f.feed.send(R"({"type":"orders_changed","filled":true,"accountId":"a1"})");
+    QTRY_COMPARE(sounds.size(), 4);
+    QStringList titles;
+    for (const ShownBalloon& balloon : balloons)
+        titles.append(balloon.title);
+    QCOMPARE(titles,
+        QStringList({u"Price Alert — EURUSD"_s, u"Price Alert — USDJPY"_s, u"Price Alert — EURUSD"_s,
+            u"Order Filled"_s}));
 }
 
 void tst_TrayWiring::aBalloonHoldsNoMarkup()
