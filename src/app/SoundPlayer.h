@@ -20,8 +20,8 @@ struct Tone {
 
 /// Plays the sound once the event loop is reached again, so that no caller ever waits for an audio
 /// server. That turn itself may take long, once a kind: loading waits for an audio server that does
-/// not answer, and the toolkit loads on the thread that plays. Silent when there is no output device,
-/// no writable temporary folder or no such kind.
+/// not answer, and the toolkit loads on the thread that plays. The file is written in any case; silent when
+/// there is no output device, no writable temporary folder or no such kind.
 void play(SoundKind kind);
 
 /// Writes the sound's file on first use and returns its path, also when it could not be written;

@@ -15,11 +15,12 @@ void SoundVoices::play(SoundKind kind)
 
 void SoundVoices::playNow(SoundKind kind)
 {
+    const bool fileReady = soundFileReady(kind);
     if (!m_output.available())
         return;
     auto voice = m_voices.find(kind);
     if (voice == m_voices.end()) {
-        if (!soundFileReady(kind))
+        if (!fileReady)
             return;
         voice = m_voices.emplace(kind, m_output.load(soundFilePath(kind))).first;
     }

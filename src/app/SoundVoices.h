@@ -24,7 +24,8 @@ public:
     explicit SoundVoices(Output output, QObject* parent = nullptr);
     ~SoundVoices() override = default;
 
-    /// Returns at once; everything happens in a later turn of the event loop.
+    /// Returns at once; everything happens in a later turn of the event loop. The first call for a kind
+    /// writes its file, whether or not there is a device to play it on.
     void play(SoundKind kind);
 
 private:

@@ -47,14 +47,32 @@ private Q_SLOTS:
         QCOMPARE(m_loaded, QStringList());
     }
 
+    // Before any other case writes the same file: it is written once a run.
+    void withoutADeviceTheFileIsWrittenAndNothingIsLoaded()
+    {
+        m_deviceThere = false;
+        SoundVoices voices(output());
+        voices.play(SoundKind::Open);
+        QCoreApplication::processEvents();
+        QCOMPARE(m_loaded, QStringList());
+        QFile file(QDir::tempPath() + u"/tavoran-open.wav"_s);
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        QCOMPARE(file.readAll(), synthesize({{660, 0.00, 0.09}, {880, 0.09, 0.14}}, 0.28));
+        // A device that is plugged in later is used.
+        m_deviceThere = true;
+        voices.play(SoundKind::Open);
+        QCoreApplication::processEvents();
+        QCOMPARE(m_played.size(), 1);
+    }
+
     void nothingHappensInFrontOfTheCaller()
     {
         SoundVoices voices(output());
-        voices.play(SoundKind::Open);
+        voices.play(SoundKind::Fill);
         QCOMPARE(m_loaded, QStringList());
-        QVERIFY(!QFile::exists(QDir::tempPath() + u"/tavoran-open.wav"_s));
+        QVERIFY(!QFile::exists(QDir::tempPath() + u"/tavoran-fill.wav"_s));
         QCoreApplication::processEvents();
-        QCOMPARE(m_played, QStringList{u"tavoran-open.wav"_s});
+        QCOMPARE(m_played, QStringList{u"tavoran-fill.wav"_s});
     }
 
     void playingTwiceRestartsTheSameEffect()
@@ -67,20 +85,6 @@ private Q_SLOTS:
         QCOMPARE(m_loaded, (QStringList{u"tavoran-open.wav"_s, u"tavoran-fill.wav"_s}));
         QCOMPARE(
             m_played, (QStringList{u"tavoran-open.wav"_s, u"tavoran-open.wav"_s, u"tavoran-fill.wav"_s}));
-    }
-
-    void withoutADeviceNothingIsLoaded()
-    {
-        m_deviceThere = false;
-        SoundVoices voices(output());
-        voices.play(SoundKind::Open);
-        QCoreApplication::processEvents();
-        QCOMPARE(m_loaded, QStringList());
-        // A device that is plugged in later is used.
-        m_deviceThere = true;
-        voices.play(SoundKind::Open);
-        QCoreApplication::processEvents();
-        QCOMPARE(m_played.size(), 1);
     }
 
     void aKindThatDoesNotExistIsSilence()
