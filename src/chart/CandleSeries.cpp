@@ -19,6 +19,12 @@ bool isEarlier(const Candle& a, const Candle& b)
     return a.time < b.time;
 }
 
+/// 0 stands for a price that is missing or cannot be read; prices below 0 exist.
+bool isPriceOfTick(double price)
+{
+    return price != 0.0 && isUsablePrice(price);
+}
+
 /// Of neighbours with equal time only the last one stays.
 void keepLastOfEqualTimes(std::vector<Candle>& candles)
 {
@@ -66,7 +72,7 @@ void CandleSeries::setTimeframeMs(qint64 ms)
 
 TickEffect CandleSeries::foldTick(double bid, double ask, qint64 timeMs)
 {
-    if (!isUsablePrice(bid) || !isUsablePrice(ask))
+    if (!isPriceOfTick(bid) || !isPriceOfTick(ask))
         return TickEffect::Nothing;
     // The remainder keeps the sign of the time: before the epoch a bucket is named by its later end.
     const qint64 bucket = timeMs - timeMs % m_timeframeMs;

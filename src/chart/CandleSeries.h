@@ -7,7 +7,7 @@
 
 /// What folding a tick changed.
 enum class TickEffect {
-    Nothing,  ///< late or unusable tick
+    Nothing,  ///< late or unusable tick, or one that lacks a price
     LastBar,  ///< the newest bar took the tick in
     Appended, ///< a new bar was begun
 };
@@ -24,7 +24,8 @@ public:
     [[nodiscard]] qint64 timeframeMs() const { return m_timeframeMs; }
 
     /// Takes a tick at `timeMs` (ms since the epoch) into the bar of its time, at the middle of bid and ask.
-    /// A tick for an older bar, or with a price that is no number or beyond 1e15, changes nothing.
+    /// A tick for an older bar, or with a price that is 0 (there is none), no number or beyond 1e15, changes
+    /// nothing.
     TickEffect foldTick(double bid, double ask, qint64 timeMs);
 
     [[nodiscard]] const std::vector<Candle>& candles() const { return m_candles; }

@@ -33,8 +33,8 @@ struct ChartFrame : ChartLook {
     std::span<const double> rsiValues;                      ///< see IndicatorCache::strength()
 
     std::span<const Drawing> drawings; ///< later ones on top
-    double bid = 0.0;                  ///< 0 means none yet
-    double ask = 0.0;                  ///< 0 means none yet
+    double bid = 0.0;                  ///< 0 means none
+    double ask = 0.0;                  ///< 0 means none
     std::span<const TradeLevel> levels;
     qsizetype draggedLevel = -1; ///< index of the level being dragged, or -1
     double draggedPrice = 0.0;

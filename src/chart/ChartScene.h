@@ -11,8 +11,8 @@
 struct QuotedView {
     ChartView view;
     qint32 largestVolume = 1; ///< of the visible bars, at least 1
-    double bid = 0.0;         ///< 0 before the first tick
-    double ask = 0.0;         ///< 0 before the first tick
+    double bid = 0.0;         ///< 0 where there is none
+    double ask = 0.0;         ///< 0 where there is none
 };
 
 /// The bars of a chart, the quote on them and the part of them that is shown. Works the view out when it is
@@ -21,8 +21,9 @@ class ChartScene final {
 public:
     /// Replaces the series (see CandleSeries for bad bars); the view stays where it is.
     void setCandles(std::vector<Candle> candles);
-    /// Takes a quote at `timeMs` (ms since the epoch) and follows the market to a new bar. Gives nothing when
-    /// no picture changes; prices that are no number or absurd are ignored.
+    /// Takes a quote at `timeMs` (ms since the epoch) and follows the market to a new bar. A price of 0 means
+    /// that there is none: it takes the place of the last one, and the quote goes into no bar. Gives nothing
+    /// when no picture changes; prices that are no number or absurd are ignored.
     [[nodiscard]] std::optional<TickEffect> tick(double bid, double ask, qint64 timeMs);
     /// See CandleSeries::setTimeframeMs(). Tells whether it has changed.
     bool setTimeframeMs(qint64 ms);
@@ -33,8 +34,8 @@ public:
     [[nodiscard]] const CandleSeries& series() const { return m_series; }
     /// Counts changes other than ticks into the newest bar.
     [[nodiscard]] quint64 seriesRevision() const { return m_seriesRevision; }
-    [[nodiscard]] double bid() const { return m_bid; } ///< 0 before the first tick
-    [[nodiscard]] double ask() const { return m_ask; } ///< 0 before the first tick
+    [[nodiscard]] double bid() const { return m_bid; } ///< 0 where there is none
+    [[nodiscard]] double ask() const { return m_ask; } ///< 0 where there is none
     [[nodiscard]] const ViewState& state() const { return m_state; }
     [[nodiscard]] bool hasRsiPane() const { return m_rsiPane; }
 

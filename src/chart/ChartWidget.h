@@ -36,10 +36,10 @@ public:
     /// Changes whenever a bar other than the newest does, and when bars come or go.
     [[nodiscard]] quint64 seriesRevision() const { return m_scene.seriesRevision(); }
 
-    /// A price update at `timeMs` (ms since the epoch). Prices that are no number or absurd are ignored.
+    /// A price update at `timeMs` (ms since the epoch); see ChartScene::tick() for prices that are missing.
     void onTick(double bid, double ask, qint64 timeMs);
-    [[nodiscard]] double bid() const { return m_scene.bid(); } ///< 0 before the first tick
-    [[nodiscard]] double ask() const { return m_scene.ask(); } ///< 0 before the first tick
+    [[nodiscard]] double bid() const { return m_scene.bid(); } ///< 0 where there is none
+    [[nodiscard]] double ask() const { return m_scene.ask(); } ///< 0 where there is none
 
     /// Length in ms of the bars that ticks build; below 1 means 15 minutes.
     void setTimeframeMs(qint64 ms);

@@ -172,8 +172,9 @@ void ChartWindow::onHistory(const QByteArray& body, const QString& error)
 void ChartWindow::onPrices(const QJsonObject& prices)
 {
     const std::optional<Quote> quote = findQuote(prices, m_symbol);
-    if (!quote || !quote->isComplete())
+    if (!quote)
         return;
+    m_quoted = true;
     m_chart->onTick(quote->bid, quote->ask, QDateTime::currentMSecsSinceEpoch());
     showQuote();
     m_expert->tick();
@@ -226,8 +227,8 @@ void ChartWindow::setSymbolInfo(int digits, const QString& description)
 
 void ChartWindow::showQuote()
 {
-    // Before the first price both are 0, and the buttons show dashes.
-    if (m_chart->bid() > 0.0)
+    // Before the first price the buttons show dashes.
+    if (m_quoted)
         m_oneClick->setQuote(m_chart->bid(), m_chart->ask(), m_digits);
 }
 

@@ -64,7 +64,8 @@ public Q_SLOTS:
     /// Asks for the candle history again. A reply to an earlier request no longer counts.
     void reload();
     /// A price snapshot keyed by symbol; only this chart's symbol is read. Times are local ones: the feed
-    /// carries none. A quote without a positive bid and ask is no tick.
+    /// carries none. A price that is missing or cannot be read counts as 0: it is shown, but goes into no
+    /// bar.
     void onPrices(const QJsonObject& prices);
     /// Replaces the level lines by those of this symbol's trades.
     void setTrades(const QJsonArray& open, const QJsonArray& pending);
@@ -149,6 +150,7 @@ private:
     QPointer<ChartPropertiesDialog> m_properties;
     unsigned int m_historyGeneration = 0;
     bool m_restored = false; ///< a saved state was applied, and no history has arrived since
+    bool m_quoted = false;   ///< a price has come
     double m_balance = 0.0;
     double m_equity = 0.0;
 };

@@ -11,7 +11,7 @@ struct Quote final {
     double bid = 0.0;
     double ask = 0.0;
 
-    /// Both prices are there.
+    /// Both prices are there and above 0.
     [[nodiscard]] bool isComplete() const { return bid > 0.0 && ask > 0.0; }
 
     friend bool operator==(const Quote&, const Quote&) = default;

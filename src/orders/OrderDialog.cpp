@@ -86,8 +86,7 @@ void OrderDialog::onSymbolChanged()
         if (value.toObject().value("name"_L1).toString() == m_form->symbol())
             m_record = value.toObject();
     }
-    m_bid = 0.0;
-    m_ask = 0.0;
+    m_quote.reset();
     m_form->showPrices({});
     m_tickChart->setDigits(digits());
     m_tickChart->clear();
@@ -99,12 +98,11 @@ void OrderDialog::onPrices(const QJsonObject& prices)
 {
     const QString symbol = m_form->symbol();
     const std::optional<Quote> quote = findQuote(prices, symbol);
-    if (!quote || !quote->isComplete())
+    if (!quote)
         return;
     const auto [bid, ask] = *quote;
-    if (bid != m_bid || ask != m_ask) {
-        m_bid = bid;
-        m_ask = ask;
+    if (quote != m_quote) {
+        m_quote = quote;
         m_form->showPrices(tr("%1 / %2").arg(formatPrice(bid, digits()), formatPrice(ask, digits())));
     }
     m_tickChart->append(bid, ask);

@@ -1,11 +1,14 @@
 #pragma once
 
 #include "app/SoundPlayer.h"
+#include "net/Quote.h"
 #include "orders/OrderBody.h"
 #include "orders/SendingDialog.h"
 
 #include <QJsonArray>
 #include <QJsonObject>
+
+#include <optional>
 
 class ApiClient;
 class OrderForm;
@@ -51,8 +54,7 @@ private:
     QJsonArray m_symbols;
     QJsonObject m_record; ///< of the selected symbol
     OrderType m_orderType = OrderType::Market;
-    double m_bid = 0.0;
-    double m_ask = 0.0;
+    std::optional<Quote> m_quote; ///< the selected symbol's; none until a price comes
 
     OrderForm* m_form;
     TickChartWidget* m_tickChart;

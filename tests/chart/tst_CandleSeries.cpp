@@ -34,6 +34,8 @@ private Q_SLOTS:
     void a_time_before_the_epoch_is_cut_towards_zero();
     void ticks_at_the_ends_of_time_are_taken_in();
     void a_tick_without_a_usable_price_changes_nothing();
+    void a_tick_that_lacks_a_price_changes_nothing();
+    void prices_below_zero_are_taken_in();
     void the_tick_volume_stops_at_the_largest_number();
     void a_senseless_bar_length_means_a_quarter_hour();
     void takes_a_million_bars();
@@ -163,6 +165,29 @@ void TestCandleSeries::a_tick_without_a_usable_price_changes_nothing()
         QCOMPARE(series.foldTick(1.0, bad, tenOClock + 900'000), TickEffect::Nothing);
     }
     QVERIFY(series.candles() == before);
+}
+
+void TestCandleSeries::a_tick_that_lacks_a_price_changes_nothing()
+{
+    CandleSeries series;
+    QCOMPARE(series.foldTick(0.0, 0.0, tenOClock), TickEffect::Nothing);
+    QVERIFY(series.isEmpty());
+    series.foldTick(1.0, 1.0, tenOClock);
+    const std::vector<Candle> before = series.candles();
+    for (const qint64 time : {tenOClock + 1, tenOClock + 900'000}) {
+        QCOMPARE(series.foldTick(0.0, 1.2, time), TickEffect::Nothing);
+        QCOMPARE(series.foldTick(1.2, -0.0, time), TickEffect::Nothing);
+    }
+    QVERIFY(series.candles() == before);
+}
+
+void TestCandleSeries::prices_below_zero_are_taken_in()
+{
+    CandleSeries series;
+    QCOMPARE(series.foldTick(-40.0, -36.0, tenOClock), TickEffect::Appended);
+    QCOMPARE(series.foldTick(-1.0, 1.0, tenOClock + 1), TickEffect::LastBar);
+    const Candle expected{tenOClock, -38.0, 0.0, -38.0, 0.0, 2};
+    QVERIFY(series.candles().front() == expected);
 }
 
 void TestCandleSeries::the_tick_volume_stops_at_the_largest_number()

@@ -33,6 +33,7 @@ private Q_SLOTS:
     void a_tick_that_repeats_itself_changes_nothing();
     void unusable_prices_change_nothing();
     void a_late_tick_still_moves_the_quote();
+    void a_missing_price_moves_the_quote_but_builds_no_bar();
     void a_new_bar_is_followed_only_while_scrolling();
     void the_last_view_is_known_until_something_changes();
     void the_view_fits_the_size_it_is_asked_for();
@@ -63,6 +64,24 @@ void TestChartScene::a_late_tick_still_moves_the_quote()
     QCOMPARE(scene.tick(1.1, 1.2, timeOfBar(3)), std::optional(TickEffect::Nothing));
     QCOMPARE(scene.bid(), 1.1);
     QCOMPARE(scene.ask(), 1.2);
+}
+
+void TestChartScene::a_missing_price_moves_the_quote_but_builds_no_bar()
+{
+    ChartScene scene = sceneOf(30);
+    QCOMPARE(scene.tick(5.0, 6.0, timeOfBar(29)), std::optional(TickEffect::LastBar));
+    const double top = scene.view(size).prices().max;
+    const std::vector<Candle> bars = scene.series().candles();
+    QCOMPARE(scene.tick(7.0, 0.0, timeOfBar(30)), std::optional(TickEffect::Nothing));
+    QCOMPARE(scene.bid(), 7.0);
+    QCOMPARE(scene.ask(), 0.0);
+    QVERIFY(scene.series().candles() == bars);
+    QVERIFY(scene.view(size).prices().contains(7.0));
+    QVERIFY(scene.view(size).prices().max > top);
+    QCOMPARE(scene.tick(0.0, 0.0, timeOfBar(30)), std::optional(TickEffect::Nothing));
+    QCOMPARE(scene.bid(), 0.0);
+    QVERIFY(!scene.view(size).prices().contains(7.0));
+    QCOMPARE(scene.tick(0.0, 0.0, timeOfBar(30)), std::nullopt);
 }
 
 void TestChartScene::a_new_bar_is_followed_only_while_scrolling()

@@ -9,6 +9,7 @@
 
 #include <QDoubleSpinBox>
 #include <QJsonDocument>
+#include <QPushButton>
 
 #include <algorithm>
 
@@ -41,8 +42,10 @@ private Q_SLOTS:
     void theSameTimeframeDoesNothing();
     void aPriceOfItsSymbolIsATick();
     void aPriceOfAnotherSymbolChangesNothing();
-    void aQuoteWithoutBothPricesIsNoTick_data();
-    void aQuoteWithoutBothPricesIsNoTick();
+    void aQuoteThatLacksAPriceIsShownAndBuildsNoBar_data();
+    void aQuoteThatLacksAPriceIsShownAndBuildsNoBar();
+    void theCaptionsWaitForTheFirstPrice();
+    void pricesBelowZeroBuildBars();
     void tradesBecomeLevelLines();
     void aTradeWithoutAStopGetsNoStopLine();
     void theDigitsAndTheDescriptionMayArriveLater();
@@ -87,6 +90,16 @@ QByteArray bars(int count, double close)
 QJsonObject snapshot(const QString& symbol, const QJsonValue& bid, const QJsonValue& ask)
 {
     return {{symbol, QJsonObject{{u"bid"_s, bid}, {u"ask"_s, ask}}}};
+}
+
+/// On the buttons that sell and buy.
+QStringList captions(const ChartWindow& window)
+{
+    QStringList texts;
+    const QList<QPushButton*> buttons = window.findChildren<QPushButton*>();
+    for (const QPushButton* button : buttons)
+        texts << button->text();
+    return texts;
 }
 
 } // namespace
@@ -393,27 +406,61 @@ void tst_ChartWindow::aPriceOfAnotherSymbolChangesNothing()
     QVERIFY(window.chart().candles().empty());
 }
 
-void tst_ChartWindow::aQuoteWithoutBothPricesIsNoTick_data()
+void tst_ChartWindow::aQuoteThatLacksAPriceIsShownAndBuildsNoBar_data()
 {
-    QTest::addColumn<QJsonValue>("bid");
-    QTest::addColumn<QJsonValue>("ask");
-    QTest::newRow("no ask") << QJsonValue(1.5) << QJsonValue(QJsonValue::Undefined);
-    QTest::newRow("no bid") << QJsonValue(QJsonValue::Undefined) << QJsonValue(1.5);
-    QTest::newRow("zero") << QJsonValue(0) << QJsonValue(0);
-    QTest::newRow("negative") << QJsonValue(-1) << QJsonValue(1);
-    QTest::newRow("not a number") << QJsonValue(u"nan"_s) << QJsonValue(1);
-    QTest::newRow("absurd") << QJsonValue(1.0) << QJsonValue(1e308);
+    QTest::addColumn<QJsonValue>("record");
+    QTest::addColumn<double>("bid");
+    QTest::addColumn<double>("ask");
+    const auto row = [](const char* name, const QJsonObject& record, double bid, double ask) {
+        QTest::newRow(name) << QJsonValue(record) << bid << ask;
+    };
+    row("no ask", {{u"bid"_s, 1.5}}, 1.5, 0.0);
+    row("no bid", {{u"ask"_s, 1.5}}, 0.0, 1.5);
+    row("zero", {{u"bid"_s, 0}, {u"ask"_s, 0}}, 0.0, 0.0);
+    row("not a number", {{u"bid"_s, u"nan"_s}, {u"ask"_s, 1}}, 0.0, 1.0);
+    row("absurd", {{u"bid"_s, 1.0}, {u"ask"_s, 1e308}}, 1.0, 0.0);
+    row("below zero beside none", {{u"bid"_s, -1.0}, {u"ask"_s, 0}}, -1.0, 0.0);
+    row("no prices", {}, 0.0, 0.0);
+    QTest::newRow("no record") << QJsonValue(u"1.5"_s) << 0.0 << 0.0;
 }
 
-void tst_ChartWindow::aQuoteWithoutBothPricesIsNoTick()
+void tst_ChartWindow::aQuoteThatLacksAPriceIsShownAndBuildsNoBar()
 {
-    QFETCH(QJsonValue, bid);
-    QFETCH(QJsonValue, ask);
+    QFETCH(QJsonValue, record);
+    QFETCH(double, bid);
+    QFETCH(double, ask);
+    for (const bool first : {true, false}) {
+        ChartWindow window(*m_api, u"EURUSD"_s, u"1mn"_s, {}, 5);
+        if (!first)
+            window.onPrices(snapshot(u"EURUSD"_s, 1.1, 1.2));
+        const std::vector<Candle> bars = window.chart().candles();
+        window.onPrices({{u"EURUSD"_s, record}});
+        QVERIFY(window.chart().candles() == bars);
+        QCOMPARE(window.chart().bid(), bid);
+        QCOMPARE(window.chart().ask(), ask);
+        QCOMPARE(captions(window),
+            QStringList(
+                {u"SELL\n"_s + QString::number(bid, 'f', 5), u"BUY\n"_s + QString::number(ask, 'f', 5)}));
+        window.setSymbolInfo(2, {});
+        QCOMPARE(captions(window).first(), u"SELL\n"_s + QString::number(bid, 'f', 2));
+    }
+}
+
+void tst_ChartWindow::theCaptionsWaitForTheFirstPrice()
+{
     ChartWindow window(*m_api, u"EURUSD"_s, u"1m"_s, {}, 5);
-    window.onPrices(snapshot(u"EURUSD"_s, bid, ask));
-    QVERIFY(window.chart().candles().empty());
-    window.onPrices({{u"EURUSD"_s, u"1.5"_s}});
-    QVERIFY(window.chart().candles().empty());
+    window.setSymbolInfo(2, {});
+    window.onPrices(snapshot(u"GOLD"_s, 1.5, 2.5));
+    QCOMPARE(captions(window), QStringList({u"SELL\n—"_s, u"BUY\n—"_s}));
+}
+
+void tst_ChartWindow::pricesBelowZeroBuildBars()
+{
+    ChartWindow window(*m_api, u"OIL"_s, u"1mn"_s, {}, 2);
+    window.onPrices(snapshot(u"OIL"_s, -37.75, u"-37.25"_s));
+    QCOMPARE(window.chart().candles().size(), std::size_t(1));
+    QCOMPARE(window.chart().candles().front().close, -37.5);
+    QCOMPARE(captions(window), QStringList({u"SELL\n-37.75"_s, u"BUY\n-37.25"_s}));
 }
 
 void tst_ChartWindow::tradesBecomeLevelLines()

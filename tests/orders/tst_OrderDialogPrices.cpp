@@ -14,8 +14,8 @@ private Q_SLOTS:
     void init();
     void pricesAreShownAndDrawn();
     void otherSymbolsPricesAreLeftAlone();
-    void unreadablePricesAreNoQuotes_data();
-    void unreadablePricesAreNoQuotes();
+    void aPriceThatIsMissingIsShownAsZero_data();
+    void aPriceThatIsMissingIsShownAsZero();
     void changingTheSymbolStartsAgain();
     void unitsFollowPricesNotTheSpinBox();
     void anUnusableContractSizeCountsAsOne_data();
@@ -50,23 +50,42 @@ void TestOrderDialogPrices::otherSymbolsPricesAreLeftAlone()
     QCOMPARE(desk.units()->text(), QString());
 }
 
-void TestOrderDialogPrices::unreadablePricesAreNoQuotes_data()
+void TestOrderDialogPrices::aPriceThatIsMissingIsShownAsZero_data()
 {
-    QTest::addColumn<QByteArray>("quote");
-    for (const char* quote : {"{}", "5", "null", R"({"bid":1})", R"({"ask":1})", R"({"bid":"x","ask":1})",
-             R"({"bid":1e308,"ask":1})", R"({"bid":0,"ask":0})", R"({"bid":-1,"ask":1})",
-             R"({"bid":"nan","ask":1})"})
-        QTest::newRow(quote) << QByteArray(quote);
+    QTest::addColumn<QByteArray>("record");
+    QTest::addColumn<double>("bid");
+    QTest::addColumn<double>("ask");
+    const auto row = [](const char* record, double bid, double ask) {
+        QTest::newRow(record) << QByteArray(record) << bid << ask;
+    };
+    row("{}", 0, 0);
+    row("5", 0, 0);
+    row("null", 0, 0);
+    row(R"({"bid":1})", 1, 0);
+    row(R"({"ask":1})", 0, 1);
+    row(R"({"bid":"x","ask":1})", 0, 1);
+    row(R"({"bid":1e308,"ask":1})", 0, 1);
+    row(R"({"bid":0,"ask":0})", 0, 0);
+    row(R"({"bid":-1,"ask":1})", -1, 1);
+    row(R"({"bid":"nan","ask":1})", 0, 1);
 }
 
-void TestOrderDialogPrices::unreadablePricesAreNoQuotes()
+void TestOrderDialogPrices::aPriceThatIsMissingIsShownAsZero()
 {
-    QFETCH(QByteArray, quote);
+    QFETCH(QByteArray, record);
+    QFETCH(double, bid);
+    QFETCH(double, ask);
+    const QString shown = u"%1 / %2"_s.arg(QString::number(bid, 'f', 5), QString::number(ask, 'f', 5));
+    Desk first; // the window begins with 0 for both, and says that it has none
+    first.quote("{\"EURUSD\":" + record + "}");
+    QCOMPARE(first.prices()->text(), shown);
+    QCOMPARE(first.units()->text(), u"1000 EURUSD"_s);
     Desk desk;
     desk.quote(R"({"EURUSD":{"bid":1.1,"ask":1.2}})");
-    desk.quote("{\"EURUSD\":" + quote + "}");
-    QCOMPARE(desk.prices()->text(), u"1.10000 / 1.20000"_s);
-    QCOMPARE(desk.ticks()->bids().size(), 1);
+    desk.quote("{\"EURUSD\":" + record + "}");
+    QCOMPARE(desk.prices()->text(), shown);
+    QCOMPARE(desk.ticks()->bids(), (QList<double>{1.1, bid}));
+    QCOMPARE(desk.ticks()->asks(), (QList<double>{1.2, ask}));
 }
 
 void TestOrderDialogPrices::changingTheSymbolStartsAgain()
