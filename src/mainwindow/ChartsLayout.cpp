@@ -1,6 +1,5 @@
 #include "mainwindow/ChartsLayout.h"
 
-#include "chart/Timeframe.h"
 #include "net/JsonNumber.h"
 
 #include <QJsonArray>
@@ -39,7 +38,7 @@ QList<SavedChart> readChartsLayout(const QString& text)
         SavedChart chart;
         chart.symbol = entry["symbol"_L1].toString();
         chart.timeframe = entry["tf"_L1].toString();
-        if (chart.symbol.isEmpty() || !timeframeKeys().contains(chart.timeframe))
+        if (chart.symbol.isEmpty() || chart.timeframe.isEmpty())
             continue;
         chart.geometry = QByteArray::fromBase64(entry["geometry"_L1].toString().toLatin1());
         chart.maximized = jsonBool(entry["maximized"_L1], false);

@@ -8,7 +8,7 @@
 /// One chart as the layout remembers it.
 struct SavedChart final {
     QString symbol;
-    QString timeframe;   ///< a timeframe key
+    QString timeframe;   ///< a timeframe key, perhaps an unknown one
     QByteArray geometry; ///< of the sub-window; empty when unreadable
     bool maximized = false;
     QJsonObject state; ///< the chart's own state
@@ -17,6 +17,6 @@ struct SavedChart final {
 /// The charts as indented JSON text.
 [[nodiscard]] QString chartsLayoutText(const QList<SavedChart>& charts);
 
-/// Reads such a text. Entries without a symbol or with an unknown timeframe are left out, and so is
-/// what exceeds a hundred charts; a text that is no JSON array gives none.
+/// Reads such a text. Entries without a symbol or a timeframe are left out, and so is what exceeds a
+/// hundred charts; a text that is no JSON array gives none.
 [[nodiscard]] QList<SavedChart> readChartsLayout(const QString& text);

@@ -21,6 +21,7 @@ void tst_ChartsLayout::writtenChartsAreReadBackInOrder()
         {u"EURUSD"_s, u"1h"_s, QByteArray("\0\xff", 2), false, {{u"rsi"_s, true}}},
         {u"S&P \"500\"\n<b>"_s, u"1mn"_s, {}, true, {}},
         {u"EURUSD"_s, u"1h"_s, "x", false, {}},
+        {u"EURUSD"_s, u"2h"_s, {}, false, {}},
     };
     const QList<SavedChart> read = readChartsLayout(chartsLayoutText(charts));
     QCOMPARE(read.size(), charts.size());
@@ -70,9 +71,9 @@ void tst_ChartsLayout::badEntriesAreLeftOutOneByOne()
         {"symbol":"A","tf":"15m","unknown":[1,2]},
         {"symbol":"","tf":"15m"},
         {"symbol":5,"tf":"15m"},
-        {"symbol":"B","tf":"7m"},
-        {"symbol":"B","tf":"M15"},
         {"symbol":"B"},
+        {"symbol":"B","tf":""},
+        {"symbol":"B","tf":15},
         {"symbol":"C","tf":"1d","geometry":5,"maximized":"yes","indicators":[]},
         {"symbol":"D","tf":"1w","geometry":"***","maximized":true,"indicators":{"x":1}}
     ])"_s);

@@ -36,6 +36,7 @@ private Q_SLOTS:
     void chartsComeBackInOrderWithTheMaximizedOne();
     void chartGeometrySurvivesARestart();
     void corruptChartLayoutOpensWhatIsReadable();
+    void aChartOfAnUnknownTimeframeComesBack();
     void unlistedSymbolOpensAndIsReportedOnce();
     void chartsWorkAgainWhenTheirSymbolReturns();
     void reopenedChartGetsItsDigitsFromTheHello();
@@ -250,7 +251,7 @@ void tst_MainWindowCharts::corruptChartLayoutOpensWhatIsReadable()
                << quint8(0) << qint32(800) << absurd;
         return geometry;
     }();
-    TerminalSettings::instance().setChartsLayout(uR"([1, {"symbol":"A","tf":"9m"},
+    TerminalSettings::instance().setChartsLayout(uR"([1, {"symbol":"A"},
         {"symbol":"EURUSD","tf":"1h","geometry":"%1","indicators":{"chartType":"x","colors":5,"mas":{}}},
         {"symbol":"USDJPY","tf":"1m","geometry":"AAAA","maximized":3}])"_s.arg(
         QLatin1StringView(far.toBase64())));
@@ -262,6 +263,26 @@ void tst_MainWindowCharts::corruptChartLayoutOpensWhatIsReadable()
     TerminalSettings::instance().setChartsLayout(u"{not json"_s);
     f.open();
     QCOMPARE(f.charts().size(), 0);
+}
+
+void tst_MainWindowCharts::aChartOfAnUnknownTimeframeComesBack()
+{
+    MainWindowFixture f;
+    TerminalSettings::instance().setChartsLayout(uR"([{"symbol":"EURUSD","tf":"2h"}])"_s);
+    for (int start = 0; start < 2; ++start) {
+        f.signIn();
+        QCOMPARE(f.charts().size(), 1);
+        const ChartWindow* chart = f.charts().constFirst();
+        QCOMPARE(chart->timeframe(), u"2h"_s);
+        QCOMPARE(chart->title(), u"EURUSD,2H"_s);
+        QCOMPARE(chart->chart().timeframeMs(), 900'000);
+        QTRY_COMPARE(f.http.count("GET", "/api/candles?symbol=EURUSD&timeframe=2h"), start + 1);
+        f.settle();
+        for (const char* name : {"M1", "M15", "H1"})
+            QVERIFY(!f.action(name)->isChecked());
+        QVERIFY(f.window->close());
+    }
+    QVERIFY(TerminalSettings::instance().chartsLayout().contains(u"\"tf\": \"2h\""_s));
 }
 
 void tst_MainWindowCharts::unlistedSymbolOpensAndIsReportedOnce()
