@@ -17,7 +17,7 @@ struct DrawingPoint {
 struct Drawing {
     QString id;                 ///< server id; empty until the server has stored the object
     QString type;               ///< "hline", "vline", "trendline", "rectangle" or "fibonacci"
-    QList<DrawingPoint> points; ///< 1 for the two plain lines, 2 for the others
+    QList<DrawingPoint> points; ///< 1 for the two plain lines, 2 for the others; fewer: it lies nowhere
     QColor color = QColor(0xe0, 0xe0, 0xe0);
     bool selected = false;
 

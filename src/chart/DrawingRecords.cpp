@@ -2,40 +2,28 @@
 
 #include "chart/ColorText.h"
 #include "chart/DrawingKind.h"
-#include "chart/JsonPrice.h"
+#include "net/JsonNumber.h"
 
-#include <QSet>
-
-#include <cmath>
+#include <algorithm>
 
 using namespace Qt::StringLiterals;
 
 namespace {
 
-/// The last millisecond that calendars know; anchors beyond it would overflow the way to their column.
-constexpr qint64 latestTime = 8'640'000'000'000'000;
-
-std::optional<qint64> readTime(const QJsonValue& value)
+/// 0 for what is no time that 64 bits hold.
+qint64 readTime(const QJsonValue& value)
 {
-    if (value.isString()) {
-        bool ok = false;
-        const qint64 time = value.toString().toLongLong(&ok);
-        return ok && time >= -latestTime && time <= latestTime ? std::optional(time) : std::nullopt;
-    }
-    const double time = value.toDouble(std::nan(""));
-    if (!(std::abs(time) <= static_cast<double>(latestTime)))
-        return std::nullopt;
-    return static_cast<qint64>(time);
+    if (value.isString())
+        return value.toString().toLongLong();
+    constexpr double beyond = 9223372036854775808.0; // 2 to the power of 63, the first that does not fit
+    const double time = value.toDouble();
+    return time >= -beyond && time < beyond ? static_cast<qint64>(time) : 0;
 }
 
-std::optional<DrawingPoint> readPoint(const QJsonValue& value)
+DrawingPoint readPoint(const QJsonValue& value)
 {
     const QJsonObject fields = value.toObject();
-    const std::optional<qint64> time = readTime(fields.value("time"_L1));
-    const std::optional<double> price = jsonPrice(fields.value("price"_L1));
-    if (!time || !price)
-        return std::nullopt;
-    return DrawingPoint{*time, *price};
+    return {readTime(fields.value("time"_L1)), jsonNumber(fields.value("price"_L1))};
 }
 
 std::optional<Drawing> readDrawing(const QJsonObject& fields)
@@ -44,16 +32,13 @@ std::optional<Drawing> readDrawing(const QJsonObject& fields)
     drawing.id = fields.value("id"_L1).toString();
     drawing.type = fields.value("toolType"_L1).toString();
     drawing.color = readColor(fields.value("style"_L1).toObject().value("color"_L1), drawing.color);
-    const QJsonArray points = fields.value("points"_L1).toArray();
     const std::optional<DrawingKind> kind = drawingKind(drawing.type);
-    if (!kind || points.size() < pointsNeeded(*kind))
+    if (!kind)
         return std::nullopt;
-    for (int i = 0; i < pointsNeeded(*kind); ++i) {
-        const std::optional<DrawingPoint> point = readPoint(points.at(i));
-        if (!point)
-            return std::nullopt;
-        drawing.points.append(*point);
-    }
+    const QJsonArray points = fields.value("points"_L1).toArray();
+    const qsizetype count = std::min<qsizetype>(points.size(), pointsNeeded(*kind));
+    for (qsizetype i = 0; i < count; ++i)
+        drawing.points.append(readPoint(points.at(i)));
     return drawing;
 }
 
@@ -64,14 +49,10 @@ std::optional<QList<Drawing>> readDrawings(const QJsonDocument& document)
     if (!document.isArray())
         return std::nullopt;
     QList<Drawing> drawings;
-    QSet<QString> ids;
     const QJsonArray records = document.array();
     for (const QJsonValue& record : records) {
-        const std::optional<Drawing> drawing = readDrawing(record.toObject());
-        if (!drawing || (!drawing->id.isEmpty() && ids.contains(drawing->id)))
-            continue;
-        ids.insert(drawing->id);
-        drawings.append(*drawing);
+        if (const std::optional<Drawing> drawing = readDrawing(record.toObject()))
+            drawings.append(*drawing);
     }
     return drawings;
 }

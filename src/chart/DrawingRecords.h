@@ -10,9 +10,10 @@
 
 /// The objects of a chart as the server sends and takes them.
 
-/// Reads an array of {"id", "toolType", "points", "style"}. An object of an unknown kind, or with too few
-/// or unreadable points, is left out, and so is a second one with the same id; a colour that does not parse
-/// is the usual one. Anything but an array gives nothing, so that a foreign reply never empties a chart.
+/// Reads an array of {"id", "toolType", "points", "style"}. An object of an unknown kind is left out, and
+/// nothing else: a time or price that is missing or cannot be read is 0, an object with too few points keeps
+/// those that it has and lies nowhere (see DrawingGeometry), and a colour that does not parse is the usual
+/// one. Anything but an array gives nothing, so that a foreign reply never empties a chart.
 [[nodiscard]] std::optional<QList<Drawing>> readDrawings(const QJsonDocument& document);
 
 /// What creates the object for a symbol and, unless it is empty, an account.

@@ -7,6 +7,8 @@
 #include <QPainter>
 #include <QRandomGenerator>
 
+#include <limits>
+
 using namespace Qt::StringLiterals;
 using fixtures::frameOfBars;
 using fixtures::frameSize;
@@ -63,6 +65,8 @@ private Q_SLOTS:
     void retracement_texts_are_smaller_than_others();
     void retracement_texts_reach_in_from_the_left();
     void shapes_stay_within_the_plot();
+    void a_missing_time_or_price_matters_only_where_it_shows();
+    void objects_that_begin_nowhere_stay_within_the_plot();
     void later_objects_cover_earlier_ones();
     void an_invalid_colour_is_the_usual_one();
 
@@ -220,6 +224,37 @@ void TestDrawingLayers::shapes_stay_within_the_plot()
     // A text beside an object that ends at the newest bar is the exception.
     const QImage newest = painted(object(u"fibonacci"_s, {at(5, 100), at(19, 200)}));
     QVERIFY(pixelsOtherThan(newest, QRect(333, 90, 60, 14), black) > 20);
+}
+
+void TestDrawingLayers::a_missing_time_or_price_matters_only_where_it_shows()
+{
+    const DrawingPoint point = at(9, 100);
+    for (const bool selected : {false, true})
+        QCOMPARE(painted(object(u"hline"_s, {{0, point.price}}, selected)),
+            painted(object(u"hline"_s, {point}, selected)));
+    QCOMPARE(painted(object(u"vline"_s, {{point.time, 0.0}})), painted(object(u"vline"_s, {point})));
+}
+
+void TestDrawingLayers::objects_that_begin_nowhere_stay_within_the_plot()
+{
+    constexpr qint64 farthest = std::numeric_limits<qint64>::max();
+    for (const QString& type : {u"hline"_s, u"vline"_s, u"trendline"_s, u"rectangle"_s, u"fibonacci"_s}) {
+        for (const qint64 time : {qint64{0}, farthest, -farthest - 1}) {
+            for (const bool first : {true, false}) {
+                QList<DrawingPoint> points{{time, 0.0}, at(14, 135)};
+                if (!first)
+                    points.swapItemsAt(0, 1);
+                const QImage image = painted(object(type, points, true));
+                if (type != u"fibonacci"_s) // whose texts stand beside it
+                    QCOMPARE(
+                        pixelsOtherThan(image, image.rect(), black), pixelsOtherThan(image, plot, black));
+            }
+        }
+        const QImage none = painted(object(type, {}, true));
+        QCOMPARE(pixelsOtherThan(none, none.rect(), black), 0);
+    }
+    const QImage half = painted(object(u"trendline"_s, {at(14, 135)}, true));
+    QCOMPARE(pixelsOtherThan(half, half.rect(), black), 0);
 }
 
 void TestDrawingLayers::later_objects_cover_earlier_ones()

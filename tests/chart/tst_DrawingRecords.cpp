@@ -3,6 +3,8 @@
 
 #include <QRegularExpression>
 
+#include <limits>
+
 using namespace Qt::StringLiterals;
 
 class tst_DrawingRecords final : public QObject {
@@ -15,12 +17,16 @@ private Q_SLOTS:
     void readsTimesFromTextAndFromNumbers();
     void readsPricesFromNumbersAndText_data();
     void readsPricesFromNumbersAndText();
-    void leavesOutWhatIsUnknownOrBrokenOneByOne_data();
-    void leavesOutWhatIsUnknownOrBrokenOneByOne();
+    void leavesOutWhatHasNoKnownType_data();
+    void leavesOutWhatHasNoKnownType();
+    void whatCannotBeReadOfAPointIsZero_data();
+    void whatCannotBeReadOfAPointIsZero();
+    void anObjectKeepsTheFewPointsThatItHas_data();
+    void anObjectKeepsTheFewPointsThatItHas();
     void aColourThatDoesNotParseIsTheUsualOne_data();
     void aColourThatDoesNotParseIsTheUsualOne();
     void pointsBeyondThoseOfTheKindAreNotRead();
-    void anObjectListedTwiceIsReadOnce();
+    void objectsWithTheSameIdAreAllRead();
     void anObjectWithoutAnIdIsShownAllTheSame();
     void anythingButAnArrayIsNoList_data();
     void anythingButAnArrayIsNoList();
@@ -116,13 +122,13 @@ void tst_DrawingRecords::readsPricesFromNumbersAndText()
     QCOMPARE(drawings.first().points.first().price, price);
 }
 
-void tst_DrawingRecords::leavesOutWhatIsUnknownOrBrokenOneByOne_data()
+void tst_DrawingRecords::leavesOutWhatHasNoKnownType_data()
 {
     QTest::addColumn<QJsonValue>("bad");
-    QJsonObject noPoints = record();
-    noPoints.remove(u"points"_s);
     QJsonObject noType = record();
     noType.remove(u"toolType"_s);
+    QJsonObject typeInList = record();
+    typeInList.insert(u"toolType"_s, QJsonArray{u"hline"_s});
     QTest::newRow("number") << QJsonValue(5);
     QTest::newRow("null") << QJsonValue();
     QTest::newRow("list") << QJsonValue(QJsonArray{record()});
@@ -130,45 +136,84 @@ void tst_DrawingRecords::leavesOutWhatIsUnknownOrBrokenOneByOne_data()
     QTest::newRow("no type") << QJsonValue(noType);
     QTest::newRow("unknown type") << QJsonValue(record(u"pitchfork"_s));
     QTest::newRow("type in capitals") << QJsonValue(record(u"HLINE"_s));
-    QTest::newRow("no points") << QJsonValue(noPoints);
-    QJsonObject pointAlone = record();
-    pointAlone.insert(u"points"_s, point());
-    QJsonObject typeInList = record();
-    typeInList.insert(u"toolType"_s, QJsonArray{u"hline"_s});
-    QTest::newRow("point without a list") << QJsonValue(pointAlone);
     QTest::newRow("list of types") << QJsonValue(typeInList);
-    QTest::newRow("too few points") << QJsonValue(record(u"trendline"_s));
-    QTest::newRow("point without time") << QJsonValue(record(u"hline"_s, {point(QJsonValue::Undefined)}));
-    QTest::newRow("point without price") << QJsonValue(record(u"hline"_s, {point(1, QJsonValue::Undefined)}));
-    QTest::newRow("point that is text") << QJsonValue(record(u"hline"_s, {u"1,1.5"_s}));
-    QTest::newRow("time in words") << QJsonValue(record(u"hline"_s, {point(u"yesterday"_s)}));
-    QTest::newRow("time with a fraction") << QJsonValue(record(u"hline"_s, {point(u"1.5"_s)}));
-    QTest::newRow("time beyond 64 bits")
-        << QJsonValue(record(u"hline"_s, {point(u"99999999999999999999"_s)}));
-    QTest::newRow("time beyond calendars")
-        << QJsonValue(record(u"hline"_s, {point(u"9223372036854775807"_s)}));
-    QTest::newRow("least time of 64 bits")
-        << QJsonValue(record(u"hline"_s, {point(u"-9223372036854775808"_s)}));
-    QTest::newRow("absurd time") << QJsonValue(record(u"hline"_s, {point(1e300)}));
-    QTest::newRow("price in words") << QJsonValue(record(u"hline"_s, {point(1, u"high"_s)}));
-    QTest::newRow("absurd price") << QJsonValue(record(u"hline"_s, {point(1, 1e300)}));
-    QTest::newRow("price that is no number") << QJsonValue(record(u"hline"_s, {point(1, u"nan"_s)}));
-    QTest::newRow("second point broken")
-        << QJsonValue(record(u"rectangle"_s, {point(), point(1, QJsonValue::Null)}));
 }
 
-void tst_DrawingRecords::leavesOutWhatIsUnknownOrBrokenOneByOne()
+void tst_DrawingRecords::leavesOutWhatHasNoKnownType()
 {
     QFETCH(QJsonValue, bad);
-    // No id twice: a second one would be left out whatever it holds.
-    QJsonObject first = record();
-    QJsonObject last = record(u"vline"_s);
-    first.insert(u"id"_s, u"d0"_s);
-    last.insert(u"id"_s, u"d2"_s);
-    const QList<Drawing> drawings = readAll({first, bad, last});
+    const QList<Drawing> drawings = readAll({record(), bad, record(u"vline"_s)});
     QCOMPARE(drawings.size(), 2);
-    QCOMPARE(drawings.first().id, u"d0"_s);
-    QCOMPARE(drawings.last().id, u"d2"_s);
+    QCOMPARE(drawings.first().type, u"hline"_s);
+    QCOMPARE(drawings.last().type, u"vline"_s);
+}
+
+void tst_DrawingRecords::whatCannotBeReadOfAPointIsZero_data()
+{
+    QTest::addColumn<QJsonValue>("sent");
+    QTest::addColumn<qint64>("time");
+    QTest::addColumn<double>("price");
+    const auto row = [](const char* name, const QJsonValue& sent, qint64 time, double price) {
+        QTest::newRow(name) << sent << time << price;
+    };
+    row("no time", point(QJsonValue::Undefined), 0, 1.5);
+    row("no price", point(1, QJsonValue::Undefined), 1, 0.0);
+    row("price null", point(1, QJsonValue::Null), 1, 0.0);
+    row("neither", QJsonObject(), 0, 0.0);
+    row("text instead of a point", u"1,1.5"_s, 0, 0.0);
+    row("time in words", point(u"yesterday"_s), 0, 1.5);
+    row("time as text with a fraction", point(u"1.5"_s), 0, 1.5);
+    row("time as text beyond 64 bits", point(u"99999999999999999999"_s), 0, 1.5);
+    row("largest time of 64 bits", point(u"9223372036854775807"_s), std::numeric_limits<qint64>::max(), 1.5);
+    row("least time of 64 bits", point(u"-9223372036854775808"_s), std::numeric_limits<qint64>::min(), 1.5);
+    row("number beyond 64 bits", point(1e300), 0, 1.5);
+    row("first number beyond 64 bits", point(9223372036854775808.0), 0, 1.5);
+    row("time in a list", point(QJsonArray{1}), 0, 1.5);
+    row("price in words", point(1, u"high"_s), 1, 0.0);
+    row("absurd price", point(1, 1e300), 1, 0.0);
+    row("price that is no number", point(1, u"nan"_s), 1, 0.0);
+}
+
+void tst_DrawingRecords::whatCannotBeReadOfAPointIsZero()
+{
+    QFETCH(QJsonValue, sent);
+    QFETCH(qint64, time);
+    QFETCH(double, price);
+    const DrawingPoint expected{time, price};
+    for (const QString& type : {u"hline"_s, u"vline"_s}) {
+        const QList<Drawing> drawings = readAll({record(type, {sent})});
+        QCOMPARE(drawings.size(), 1);
+        QCOMPARE(drawings.first().points, QList<DrawingPoint>{expected});
+    }
+    for (const QString& type : {u"trendline"_s, u"rectangle"_s, u"fibonacci"_s}) {
+        const QList<Drawing> drawings = readAll({record(type, {point(), sent})});
+        QCOMPARE(drawings.size(), 1);
+        QCOMPARE(drawings.first().points, (QList<DrawingPoint>{{1'600'000'000'000, 1.5}, expected}));
+    }
+}
+
+void tst_DrawingRecords::anObjectKeepsTheFewPointsThatItHas_data()
+{
+    QTest::addColumn<QString>("type");
+    QTest::addColumn<QJsonValue>("points");
+    QTest::addColumn<int>("kept");
+    QTest::newRow("missing") << u"hline"_s << QJsonValue(QJsonValue::Undefined) << 0;
+    QTest::newRow("none") << u"vline"_s << QJsonValue(QJsonArray()) << 0;
+    QTest::newRow("a point without a list") << u"rectangle"_s << QJsonValue(point()) << 0;
+    QTest::newRow("one of two") << u"trendline"_s << QJsonValue(QJsonArray{point()}) << 1;
+}
+
+void tst_DrawingRecords::anObjectKeepsTheFewPointsThatItHas()
+{
+    QFETCH(QString, type);
+    QFETCH(QJsonValue, points);
+    QFETCH(int, kept);
+    QJsonObject sent = record(type);
+    sent.insert(u"points"_s, points);
+    const QList<Drawing> drawings = readAll({sent});
+    QCOMPARE(drawings.size(), 1);
+    QCOMPARE(drawings.first().id, u"d1"_s);
+    QCOMPARE(drawings.first().points.size(), kept);
 }
 
 void tst_DrawingRecords::aColourThatDoesNotParseIsTheUsualOne_data()
@@ -206,9 +251,9 @@ void tst_DrawingRecords::pointsBeyondThoseOfTheKindAreNotRead()
     QCOMPARE(drawings.first().points.size(), 1);
 }
 
-void tst_DrawingRecords::anObjectListedTwiceIsReadOnce()
+void tst_DrawingRecords::objectsWithTheSameIdAreAllRead()
 {
-    QCOMPARE(readAll({record(), record(u"vline"_s)}).size(), 1);
+    QCOMPARE(readAll({record(), record(u"vline"_s)}).size(), 2);
 }
 
 void tst_DrawingRecords::anObjectWithoutAnIdIsShownAllTheSame()
