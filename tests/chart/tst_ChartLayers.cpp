@@ -40,9 +40,12 @@ private Q_SLOTS:
     void volume_bars_are_a_share_of_the_plot();
     void thin_volume_bars_have_one_column();
     void a_rising_candle_is_hollow();
+    void a_rising_body_is_outlined_as_by_a_pen_data();
+    void a_rising_body_is_outlined_as_by_a_pen();
     void a_falling_candle_is_filled();
     void in_one_colour_rising_candles_are_the_hollow_ones();
-    void a_flat_candle_has_a_body_of_one_row();
+    void in_one_colour_narrow_and_low_candles_differ_too();
+    void the_outline_of_a_flat_candle_has_two_rows();
     void thin_candles_have_a_close_tick();
     void bars_have_their_ticks_at_open_and_close();
     void line_connects_the_closes();
@@ -165,15 +168,58 @@ void TestChartLayers::a_rising_candle_is_hollow()
 {
     const std::vector<Candle> candles{candleOfRows(120, 80, 140, 100)};
     const QImage image = paint(&layers::paintPrices, frameOfBars(candles, 10.0, m_texts));
-    // 72 % of 10 are 7 columns: 328 to 334; the body is rows 100 to 119.
-    QCOMPARE(pixelsOf(image, QRect(328, 100, 7, 1), colors.up), 7);
-    QCOMPARE(pixelsOf(image, QRect(328, 119, 7, 1), colors.up), 7);
-    QCOMPARE(pixelsOf(image, QRect(328, 100, 1, 20), colors.up), 20);
-    QCOMPARE(pixelsOf(image, QRect(334, 100, 1, 20), colors.up), 20);
-    QCOMPARE(pixelsOf(image, QRect(329, 101, 5, 18), colors.background), 5 * 18);
+    // 72 % of 10 are 7 columns: the body is columns 328 to 334 and rows 100 to 119, its outline one more.
+    QCOMPARE(pixelsOf(image, QRect(328, 100, 8, 1), colors.up), 8);
+    QCOMPARE(pixelsOf(image, QRect(328, 120, 8, 1), colors.up), 8);
+    QCOMPARE(pixelsOf(image, QRect(328, 100, 1, 21), colors.up), 21);
+    QCOMPARE(pixelsOf(image, QRect(335, 100, 1, 21), colors.up), 21);
+    QCOMPARE(pixelsOf(image, QRect(329, 101, 6, 19), colors.background), 6 * 19);
     QCOMPARE(pixelsOf(image, QRect(331, 80, 1, 20), colors.up), 20);
-    QCOMPARE(pixelsOf(image, QRect(331, 120, 1, 21), colors.up), 21);
-    QCOMPARE(pixelsOtherThan(image, image.rect(), black), 2 * 7 + 2 * 18 + 20 + 21);
+    QCOMPARE(pixelsOf(image, QRect(331, 121, 1, 20), colors.up), 20);
+    QCOMPARE(pixelsOtherThan(image, image.rect(), black), 2 * 8 + 2 * 19 + 20 + 20);
+}
+
+void TestChartLayers::a_rising_body_is_outlined_as_by_a_pen_data()
+{
+    QTest::addColumn<double>("barWidth");
+    QTest::addColumn<int>("height");
+    for (const double barWidth : {2.5, 2.8, 3.38, 4.05, 4.86, 5.83, 7.0, 40.0}) {
+        for (const int height : {0, 1, 2, 3, 20})
+            QTest::addRow("%.2f pixels, %d rows", barWidth, height) << barWidth << height;
+    }
+}
+
+void TestChartLayers::a_rising_body_is_outlined_as_by_a_pen()
+{
+    QFETCH(double, barWidth);
+    QFETCH(int, height);
+    const std::vector<Candle> candles{candleOfRows(100 + height, 80, 140, 100)};
+    const ChartFrame frame = frameOfBars(candles, barWidth, m_texts);
+    const int width = static_cast<int>(barWidth * 0.72);
+    const QRect body(331 - width / 2, 100, width, std::max(height, 1));
+    for (const int ratio : {1, 2}) {
+        const auto paintedBy = [&](const auto& paint) {
+            QImage image(frameSize * ratio, QImage::Format_RGB32);
+            image.fill(Qt::gray);
+            QPainter painter(&image);
+            painter.scale(ratio, ratio);
+            paint(painter);
+            return image;
+        };
+        const QImage shown = paintedBy([&](QPainter& painter) { layers::paintPrices(painter, frame); });
+        const QImage expected = paintedBy([&](QPainter& painter) {
+            // A pen runs along the middle of pixels, which at two to the pixel lies between them.
+            const double middle = ratio == 2 ? 0.5 : 0.0;
+            painter.fillRect(QRect(331, 80, 1, 61), colors.up);
+            painter.translate(middle, middle);
+            painter.setPen(QPen(colors.up, 1.0, Qt::SolidLine, Qt::SquareCap, Qt::MiterJoin));
+            painter.setBrush(colors.background);
+            painter.drawRect(body);
+        });
+        QCOMPARE(shown, expected);
+        const bool hollow = width >= 2 && height >= 2;
+        QCOMPARE(pixelsOf(shown, shown.rect(), colors.background) > 0, hollow);
+    }
 }
 
 void TestChartLayers::a_falling_candle_is_filled()
@@ -190,17 +236,35 @@ void TestChartLayers::in_one_colour_rising_candles_are_the_hollow_ones()
     ChartFrame frame = frameOfBars(candles, 10.0, m_texts);
     frame.colors = blackOnWhiteColors();
     const QImage image = paint(&layers::paintPrices, frame, frame.colors.background);
-    QCOMPARE(pixelsOf(image, QRect(318, 100, 7, 20), black), 2 * 7 + 2 * 18);
-    QCOMPARE(pixelsOf(image, QRect(319, 101, 5, 18), QColor(Qt::white)), 5 * 18);
+    QCOMPARE(pixelsOf(image, QRect(318, 100, 8, 21), black), 2 * 8 + 2 * 19);
+    QCOMPARE(pixelsOf(image, QRect(319, 101, 6, 19), QColor(Qt::white)), 6 * 19);
     QCOMPARE(pixelsOf(image, QRect(328, 100, 7, 20), black), 7 * 20);
 }
 
-void TestChartLayers::a_flat_candle_has_a_body_of_one_row()
+void TestChartLayers::in_one_colour_narrow_and_low_candles_differ_too()
+{
+    // The widths of three to five steps out, and bodies of two rows.
+    for (const double barWidth : {2.813, 3.376, 4.051, 10.0}) {
+        for (const int height : {2, 20}) {
+            const auto whiteIn = [&](int open, int close) {
+                const std::vector<Candle> candles{candleOfRows(open, 80, 140, close)};
+                ChartFrame frame = frameOfBars(candles, barWidth, m_texts);
+                frame.colors = blackOnWhiteColors();
+                const QImage image = paint(&layers::paintPrices, frame, QColor(Qt::gray));
+                return pixelsOf(image, image.rect(), QColor(Qt::white));
+            };
+            QVERIFY(whiteIn(100 + height, 100) > 0);
+            QCOMPARE(whiteIn(100, 100 + height), 0);
+        }
+    }
+}
+
+void TestChartLayers::the_outline_of_a_flat_candle_has_two_rows()
 {
     const std::vector<Candle> candles{candleOfRows(100, 100, 100, 100)};
     const QImage image = paint(&layers::paintPrices, frameOfBars(candles, 10.0, m_texts));
-    QCOMPARE(pixelsOf(image, QRect(328, 100, 7, 1), colors.up), 7); // equal open and close is rising
-    QCOMPARE(pixelsOtherThan(image, image.rect(), black), 7);
+    QCOMPARE(pixelsOf(image, QRect(328, 100, 8, 2), colors.up), 16); // equal open and close is rising
+    QCOMPARE(pixelsOtherThan(image, image.rect(), black), 16);
 }
 
 void TestChartLayers::thin_candles_have_a_close_tick()

@@ -1,4 +1,5 @@
 #include "PicturedChart.h"
+#include "chart/ChartColorRoles.h"
 #include "chart/LayerOrder.h"
 #include "chart/LayerStack.h"
 #include "support/PictureCheck.h"
@@ -59,6 +60,14 @@ void thin(ChartFrame& frame)
     frame.bars = frame.view.visible();
 }
 
+/// Four steps out in one colour, where rising candles differ by their inside alone.
+void narrowInOneColor(ChartFrame& frame)
+{
+    frame.view = viewOf(frame, 3.376);
+    frame.bars = frame.view.visible();
+    frame.colors = blackOnWhiteColors();
+}
+
 void previewBox(ChartFrame& frame)
 {
     frame.preview->kind = DrawingKind::Rectangle;
@@ -91,6 +100,7 @@ const std::vector<Scene> scenes{
     {"prices-bars", Layer::Prices, many, atRest, &asBars},
     {"prices-line", Layer::Prices, many, atRest, &asLine},
     {"prices-thin", Layer::Prices, many, atRest, &thin},
+    {"prices-narrow", Layer::Prices, many, atRest, &narrowInOneColor},
     {"moving-averages", Layer::MovingAverages, many, atRest, &keep},
     {"drawings", Layer::Drawings, many, atRest, &keep},
     {"drawings-selected", Layer::Drawings, many, inUse, &keep},
