@@ -1,6 +1,7 @@
 #include "app/DecimalEdit.h"
 
 #include "app/DecimalText.h"
+#include "app/NumberDrop.h"
 
 #include <QDoubleValidator>
 
@@ -19,8 +20,9 @@ public:
     }
 
     // The base class takes groups, and lets a number above the range stand as unfinished.
-    State validate(QString& input, int& /*position*/) const override
+    State validate(QString& input, int& position) const override
     {
+        trimAround(input, position);
         commasToPoints(input);
         return decimalState(input, bottom(), top(), decimals());
     }
@@ -32,6 +34,7 @@ DecimalEdit::DecimalEdit(QWidget* parent)
     : QLineEdit(parent)
 {
     setValidator(new DecimalValidator(this));
+    takeDroppedNumbersWhole(*this);
 }
 
 double DecimalEdit::value() const

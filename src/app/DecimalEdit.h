@@ -3,7 +3,8 @@
 #include <QLineEdit>
 
 /// The one line edit for optional prices: 0 to 1e12 with at most 8 decimals. A typed or pasted comma
-/// becomes a point at once; a keystroke or paste that would not leave one number is refused.
+/// becomes a point at once, and white space around the number goes; a keystroke or paste that would not leave
+/// one number is refused. A number that is dropped replaces the one that is there.
 class DecimalEdit : public QLineEdit {
     Q_OBJECT
     Q_DISABLE_COPY_MOVE(DecimalEdit)

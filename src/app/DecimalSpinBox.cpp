@@ -1,6 +1,10 @@
 #include "app/DecimalSpinBox.h"
 
 #include "app/DecimalText.h"
+#include "app/NumberDrop.h"
+#include "app/WheelFocus.h"
+
+#include <QLineEdit>
 
 #include <cmath>
 
@@ -9,16 +13,24 @@ DecimalSpinBox::DecimalSpinBox(QWidget* parent)
 {
     setLocale(QLocale::c());
     setGroupSeparatorShown(false);
+    takeWheelOnlyFocused(*this);
+    lineEdit()->setAcceptDrops(true); // the base class refuses all
+    takeDroppedNumbersWhole(*lineEdit());
 }
 
-QValidator::State DecimalSpinBox::validate(QString& input, int& /*position*/) const
+QValidator::State DecimalSpinBox::validate(QString& input, int& position) const
 {
     if (!specialValueText().isEmpty() && input == specialValueText())
         return QValidator::Acceptable;
     const QStringView typed = numberIn(input);
+    const auto start = int(typed.data() - input.constData());
     QString number = typed.toString();
+    int cursor = position - start;
+    trimAround(number, cursor);
+    if (number.size() != typed.size())
+        position = start + cursor;
     commasToPoints(number);
-    input.replace(typed.data() - input.constData(), typed.size(), number);
+    input.replace(start, typed.size(), number);
     return decimalState(number, minimum(), maximum(), decimals());
 }
 

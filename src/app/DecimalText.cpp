@@ -1,5 +1,6 @@
 #include "app/DecimalText.h"
 
+#include <algorithm>
 #include <cmath>
 
 namespace {
@@ -38,6 +39,16 @@ Shape shapeOf(QStringView text)
 void commasToPoints(QString& text)
 {
     text.replace(u',', u'.');
+}
+
+void trimAround(QString& text, int& cursor)
+{
+    const QString trimmed = text.trimmed();
+    if (trimmed.isEmpty() || trimmed.size() == text.size())
+        return;
+    const int before = int(text.indexOf(trimmed));
+    cursor = std::clamp(cursor - before, 0, int(trimmed.size()));
+    text = trimmed;
 }
 
 std::optional<double> parseDecimal(const QString& text)

@@ -10,7 +10,12 @@
 /// Turns each comma of the text into a point, in place; length and cursor stay.
 void commasToPoints(QString& text);
 
-/// The value of a text that is one number (blanks around it allowed), else nothing.
+/// Takes the white space off both ends of a text, line ends and no-break spaces included, in place; the
+/// cursor stays at its character. A text of white space alone is left as it is: taken for an empty one, a
+/// single blank would delete the number it was typed over.
+void trimAround(QString& text, int& cursor);
+
+/// The value of a text that is one number (white space around it allowed), else nothing.
 [[nodiscard]] std::optional<double> parseDecimal(const QString& text);
 
 /// How far a text being typed is on its way to a number within `lowest` to `highest` with at most

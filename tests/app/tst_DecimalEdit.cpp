@@ -1,5 +1,6 @@
 #include "LocaleRows.h"
 #include "app/DecimalEdit.h"
+#include "support/Hands.h"
 #include "support/TestMain.h"
 
 #include <QClipboard>
@@ -71,6 +72,62 @@ private Q_SLOTS:
         QGuiApplication::clipboard()->setText(u"1,5"_s);
         m_edit->paste();
         QCOMPARE(m_edit->text(), u"1.5"_s);
+    }
+
+    void whiteSpaceAroundANumberGoes_data()
+    {
+        QTest::addColumn<QString>("text");
+        QTest::newRow("blanks") << u"  1.5 "_s;
+        QTest::newRow("tabs") << u"\t1.5\t\t"_s;
+        QTest::newRow("a line end") << u"1.5\n"_s;
+        QTest::newRow("a foreign line end") << u"\r\n1,5\r\n"_s;
+        QTest::newRow("no-break spaces") << u"\u00a01,5\u00a0"_s;
+        QTest::newRow("narrow no-break spaces") << u"\u202f1.5\u202f"_s;
+    }
+    void whiteSpaceAroundANumberGoes()
+    {
+        QFETCH(QString, text);
+        m_edit->setText(text);
+        QCOMPARE(m_edit->text(), u"1.5"_s);
+        QCOMPARE(m_edit->value(), 1.5);
+
+        m_edit->setText(u"0.00"_s);
+        m_edit->selectAll();
+        QGuiApplication::clipboard()->setText(text);
+        m_edit->paste();
+        QCOMPARE(m_edit->text(), u"1.5"_s);
+        QCOMPARE(m_edit->value(), 1.5);
+        QCOMPARE(m_edit->cursorPosition(), 3);
+
+        m_edit->setText(u"0.00"_s);
+        hands::drop(*m_edit, text);
+        QCOMPARE(m_edit->text(), u"1.5"_s);
+        QCOMPARE(m_edit->value(), 1.5);
+    }
+
+    void aTypedBlankChangesNothing()
+    {
+        QTest::keyClicks(m_edit.get(), u"  1.5  "_s);
+        QCOMPARE(m_edit->text(), u"1.5"_s);
+        m_edit->selectAll();
+        QTest::keyClicks(m_edit.get(), u" "_s);
+        QCOMPARE(m_edit->text(), u"1.5"_s);
+        m_edit->setCursorPosition(1);
+        QTest::keyClicks(m_edit.get(), u" "_s);
+        QCOMPARE(m_edit->text(), u"1.5"_s);
+        m_edit->setCursorPosition(0);
+        QTest::keyClicks(m_edit.get(), u" 2"_s);
+        QCOMPARE(m_edit->text(), u"21.5"_s);
+    }
+
+    void whatIsNoNumberIsDroppedInVain()
+    {
+        m_edit->setText(u"1.5"_s);
+        for (const auto& text :
+            {u"1.5 2.5"_s, u"1 000"_s, u"EURUSD"_s, u" "_s, u"1.123456789"_s, u"1e13"_s}) {
+            hands::drop(*m_edit, text);
+            QCOMPARE(m_edit->text(), u"1.5"_s);
+        }
     }
 
     void aPastedNumberWithGroupsIsRefused_data()

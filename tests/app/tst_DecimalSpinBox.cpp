@@ -1,9 +1,11 @@
 #include "LocaleRows.h"
 #include "app/DecimalSpinBox.h"
+#include "support/Hands.h"
 #include "support/TestMain.h"
 
 #include <QClipboard>
 #include <QLineEdit>
+#include <QVBoxLayout>
 
 using namespace Qt::StringLiterals;
 
@@ -86,6 +88,69 @@ private Q_SLOTS:
         paste(*m_box, u"1,10250"_s);
         QCOMPARE(m_box->value(), 1.1025);
         QCOMPARE(m_box->text(), u"1.10250"_s);
+    }
+
+    void whiteSpaceAroundANumberGoes_data()
+    {
+        QTest::addColumn<QString>("text");
+        QTest::newRow("blanks") << u"  2.25 "_s;
+        QTest::newRow("tabs") << u"\t2.25\t\t"_s;
+        QTest::newRow("a line end") << u"2.25\n"_s;
+        QTest::newRow("a foreign line end") << u"\r\n2,25\r\n"_s;
+        QTest::newRow("no-break spaces") << u"\u00a02,25\u00a0"_s;
+    }
+    void whiteSpaceAroundANumberGoes()
+    {
+        QFETCH(QString, text);
+        auto* edit = m_box->findChild<QLineEdit*>();
+        for (const bool framed : {false, true}) {
+            m_box->setPrefix(framed ? u"ca, "_s : QString());
+            m_box->setSuffix(framed ? u" lots"_s : QString());
+            const QString shown = framed ? u"ca, 2.25 lots"_s : u"2.25"_s;
+            m_box->setValue(7.0);
+            paste(*m_box, text);
+            QCOMPARE(m_box->text(), shown);
+            QCOMPARE(m_box->value(), 2.25);
+            m_box->setValue(7.0);
+            hands::drop(*edit, text);
+            QCOMPARE(m_box->text(), shown);
+            QCOMPARE(m_box->value(), 2.25);
+            m_box->setValue(7.0);
+            edit->setText(text);
+            QCOMPARE(m_box->value(), 2.25);
+        }
+    }
+
+    void aTypedBlankChangesNothing()
+    {
+        type(*m_box, u"  2.25  "_s);
+        QCOMPARE(m_box->text(), u"2.25"_s);
+        m_box->selectAll();
+        QTest::keyClicks(m_box.get(), u" "_s);
+        QCOMPARE(m_box->text(), u"2.25"_s);
+        QCOMPARE(m_box->value(), 2.25);
+    }
+
+    void theWheelTurnsTheValueOnlyWhileTheBoxHasTheFocus()
+    {
+        QWidget window;
+        auto* column = new QVBoxLayout(&window);
+        auto* edit = new QLineEdit;
+        auto* box = new DecimalSpinBox;
+        column->addWidget(edit);
+        column->addWidget(box);
+        window.show();
+        QVERIFY(hands::arriveAt(&window));
+        edit->setFocus();
+        hands::turnWheel(*box, 120);
+        hands::turnWheel(*box->findChild<QLineEdit*>(), 120);
+        QCOMPARE(box->value(), 0.0);
+        QVERIFY(edit->hasFocus());
+        box->setFocus();
+        hands::turnWheel(*box, 120);
+        QCOMPARE(box->value(), 1.0);
+        hands::turnWheel(*box->findChild<QLineEdit*>(), 120);
+        QCOMPARE(box->value(), 2.0);
     }
 
     void aPastedNumberWithGroupsIsRefused_data()
