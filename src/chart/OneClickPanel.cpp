@@ -9,7 +9,6 @@
 #include <QHBoxLayout>
 #include <QKeyEvent>
 #include <QMouseEvent>
-#include <QWheelEvent>
 
 using namespace Qt::StringLiterals;
 
@@ -134,11 +133,6 @@ void OneClickPanel::mouseDoubleClickEvent(QMouseEvent* event)
 }
 
 void OneClickPanel::mouseMoveEvent(QMouseEvent* event)
-{
-    event->accept();
-}
-
-void OneClickPanel::wheelEvent(QWheelEvent* event)
 {
     event->accept();
 }

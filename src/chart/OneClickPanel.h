@@ -6,7 +6,8 @@ class DecimalSpinBox;
 class QPushButton;
 
 /// The overlay in the corner of a chart that sells or buys its symbol at market with one click. It only
-/// reports the wish; nothing that happens on it reaches the chart below.
+/// reports the wish; no press or move on it reaches the chart below. The wheel does, unless the volume has
+/// the focus.
 class OneClickPanel final : public QWidget {
     Q_OBJECT
     Q_DISABLE_COPY_MOVE(OneClickPanel)
@@ -29,7 +30,6 @@ protected:
     void mouseReleaseEvent(QMouseEvent* event) override;
     void mouseDoubleClickEvent(QMouseEvent* event) override;
     void mouseMoveEvent(QMouseEvent* event) override;
-    void wheelEvent(QWheelEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
     void enterEvent(QEnterEvent* event) override;
 

@@ -1,6 +1,7 @@
 #include "mainwindow/StatusPanel.h"
 
 #include "app/ServerText.h"
+#include "app/WheelFocus.h"
 #include "net/WsClient.h"
 
 #include <QComboBox>
@@ -36,6 +37,7 @@ StatusPanel::StatusPanel(QStatusBar& bar, const QString& server, QObject* parent
     m_accountSelector->setToolTip(tr("Trading account"));
     m_accountSelector->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
     m_accountSelector->setMinimumContentsLength(SelectorCharacters);
+    takeWheelOnlyFocused(*m_accountSelector);
     bar.addPermanentWidget(m_accountSelector);
     m_connection = addLabel(bar, u"connectionLabel"_s, Qt::RichText);
     m_latency = addLabel(bar, u"latencyLabel"_s, Qt::PlainText);

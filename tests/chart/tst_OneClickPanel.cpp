@@ -3,10 +3,12 @@
 #include "app/DecimalSpinBox.h"
 #include "app/Theme.h"
 #include "chart/OneClickPanel.h"
+#include "support/Hands.h"
 #include "support/TestMain.h"
 
 #include <QLabel>
 #include <QLayout>
+#include <QLineEdit>
 #include <QPushButton>
 #include <QStandardPaths>
 
@@ -32,7 +34,6 @@ protected:
         case QEvent::MouseButtonRelease:
         case QEvent::MouseButtonDblClick:
         case QEvent::MouseMove:
-        case QEvent::Wheel:
             ++m_count;
             break;
         default:
@@ -44,16 +45,6 @@ protected:
 private:
     int m_count = 0;
 };
-
-/// Turns the wheel as the desktop does: only then is it offered to what lies below.
-void turnWheel(QWidget& widget, const QPoint& angle)
-{
-    const QPointF position = widget.rect().center();
-    QWheelEvent event(
-        position, widget.mapToGlobal(position), QPoint(), angle, Qt::NoButton, {}, Qt::NoScrollPhase, false);
-    QSpontaneKeyEvent::setSpontaneous(&event);
-    qApp->notify(&widget, &event);
-}
 
 } // namespace
 
@@ -82,9 +73,10 @@ private Q_SLOTS:
     void hidingAndShowingKeepsTheVolume();
     void aPressOnThePanelNeverReachesTheChart();
     void aDoubleClickOnThePanelNeverReachesTheChart();
-    void noEventOfTheMouseReachesTheChart();
+    void noPressOrMoveOfTheMouseReachesTheChart();
     void thePointerOverThePanelIsAnArrowWhateverTheTool();
-    void theWheelOverThePanelDoesNotZoomTheChart();
+    void theWheelOverThePanelZoomsTheChartAndKeepsTheVolume();
+    void theWheelTurnsAVolumeThatIsBeingTyped();
     void aClickLeavesTheKeysWithTheChart();
     void deletingDigitsDeletesNoObject();
     void theCrosshairDoesNotStayBehindUnderThePanel();
@@ -446,7 +438,7 @@ void tst_OneClickPanel::aDoubleClickOnThePanelNeverReachesTheChart()
     QCOMPARE(created.size(), 1);
 }
 
-void tst_OneClickPanel::noEventOfTheMouseReachesTheChart()
+void tst_OneClickPanel::noPressOrMoveOfTheMouseReachesTheChart()
 {
     const ServedChart served;
     served.chart().setCandles(fixtures::wave(400));
@@ -462,7 +454,6 @@ void tst_OneClickPanel::noEventOfTheMouseReachesTheChart()
             fixtures::releaseAt(served.chart(), start + QPoint(0, 2), key);
         }
     }
-    turnWheel(panelOf(served), QPoint(0, 120));
     QCOMPARE(seen.taken(), 0);
     fixtures::pressAt(served.chart(), QPoint(300, 200));
     fixtures::releaseAt(served.chart(), QPoint(300, 200));
@@ -478,19 +469,44 @@ void tst_OneClickPanel::thePointerOverThePanelIsAnArrowWhateverTheTool()
     QCOMPARE(panelOf(served).cursor().shape(), Qt::ArrowCursor);
 }
 
-void tst_OneClickPanel::theWheelOverThePanelDoesNotZoomTheChart()
+void tst_OneClickPanel::theWheelOverThePanelZoomsTheChartAndKeepsTheVolume()
 {
     const ServedChart served;
     served.show();
+    QVERIFY(hands::arriveAt(served.window.get()));
     OneClickPanel& panel = panelOf(served);
+    served.chart().setFocus();
+    volume(panel).setValue(0.05);
+    const auto zoomsFrom = [&served](QWidget& place) {
+        const double before = served.chart().barWidth();
+        hands::turnWheel(place, 120);
+        return served.chart().barWidth() > before;
+    };
+    QVERIFY(zoomsFrom(volume(panel)));
+    QVERIFY(zoomsFrom(*volume(panel).findChild<QLineEdit*>()));
+    QVERIFY(zoomsFrom(button(panel, u"SELL"_s)));
+    QVERIFY(zoomsFrom(panel));
     const double before = served.chart().barWidth();
-    turnWheel(panel, QPoint(0, 120));
-    turnWheel(button(panel, u"SELL"_s), QPoint(0, 120));
-    turnWheel(volume(panel), QPoint(0, -120)); // at its least volume
+    hands::turnWheel(volume(panel), -120);
+    QVERIFY(served.chart().barWidth() < before);
+    QCOMPARE(panel.lots(), 0.05);
+    QVERIFY(!volume(panel).hasFocus());
+}
+
+void tst_OneClickPanel::theWheelTurnsAVolumeThatIsBeingTyped()
+{
+    const ServedChart served;
+    served.show();
+    QVERIFY(hands::arriveAt(served.window.get()));
+    OneClickPanel& panel = panelOf(served);
+    volume(panel).setFocus();
+    const double before = served.chart().barWidth();
+    hands::turnWheel(volume(panel), 120);
+    QCOMPARE(panel.lots(), 0.02);
+    for (int turn = 0; turn < 3; ++turn)
+        hands::turnWheel(volume(panel), -120); // beyond its least volume
+    QCOMPARE(panel.lots(), 0.01);
     QCOMPARE(served.chart().barWidth(), before);
-    turnWheel(
-        *served.chart().findChild<QLabel*>(), QPoint(0, 120)); // what a script writes there lets it pass
-    QVERIFY(served.chart().barWidth() > before);
 }
 
 void tst_OneClickPanel::aClickLeavesTheKeysWithTheChart()

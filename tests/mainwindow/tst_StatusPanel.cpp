@@ -1,8 +1,10 @@
 #include "mainwindow/StatusPanel.h"
+#include "support/Hands.h"
 #include "support/TestMain.h"
 
 #include <QComboBox>
 #include <QLabel>
+#include <QLineEdit>
 #include <QMainWindow>
 #include <QStatusBar>
 
@@ -22,6 +24,7 @@ private Q_SLOTS:
     void idleMessageComesBack();
     void kilobytesKeepOneDecimal();
     void theHostOfAnAddressIsShownOrElseAllOfIt();
+    void theWheelChoosesNoAccountOnItsWay();
 
 private:
     static QString text(const QMainWindow& window, const QString& label)
@@ -61,6 +64,25 @@ void tst_StatusPanel::theHostOfAnAddressIsShownOrElseAllOfIt()
     QCOMPARE(StatusPanel::hostOf(u"https://example.test:8443/api"_s), u"example.test"_s);
     QCOMPARE(StatusPanel::hostOf(u"nonsense"_s), u"nonsense"_s);
     QCOMPARE(StatusPanel::hostOf(QString()), QString());
+}
+
+void tst_StatusPanel::theWheelChoosesNoAccountOnItsWay()
+{
+    QMainWindow window;
+    const StatusPanel panel(*window.statusBar(), u"s"_s);
+    QComboBox& selector = panel.accountSelector();
+    selector.addItems({u"Demo"_s, u"Wallet"_s});
+    auto* centre = new QLineEdit;
+    window.setCentralWidget(centre);
+    window.show();
+    QVERIFY(hands::arriveAt(&window));
+    centre->setFocus();
+    hands::turnWheel(selector, -120);
+    QCOMPARE(selector.currentIndex(), 0);
+    QVERIFY(centre->hasFocus());
+    selector.setFocus();
+    hands::turnWheel(selector, -120);
+    QCOMPARE(selector.currentIndex(), 1);
 }
 
 void tst_StatusPanel::serverTextCannotActAsMarkup()
