@@ -1,6 +1,7 @@
 #include "net/LoginDialog.h"
 
 #include "app/Banner.h"
+#include "app/FocusOrder.h"
 #include "app/ServerText.h"
 #include "app/TerminalSettings.h"
 #include "app/Theme.h"
@@ -50,6 +51,7 @@ LoginDialog::LoginDialog(QWidget* parent)
     auto* const banner = new QLabel(this);
     banner->setObjectName("banner"_L1);
     banner->setPixmap(renderBanner(dialogWidth, bannerHeight));
+    banner->setFixedSize(dialogWidth, bannerHeight);
 
     m_errorLabel->setWordWrap(true);
     m_errorLabel->setStyleSheet(u"color:#ff6b6b; padding:0 24px;"_s);
@@ -100,6 +102,7 @@ QLayout* LoginDialog::buildButtons()
     auto* const cancel = new QPushButton(tr("Cancel"), this);
     cancel->setObjectName("cancelButton"_L1);
     cancel->setAutoDefault(false);
+    setFocusOrder({m_email, m_password, m_remember, cancel, m_loginButton});
     connect(cancel, &QPushButton::clicked, this, &QDialog::reject);
     m_loginButton->setDefault(true);
 
@@ -124,6 +127,7 @@ void LoginDialog::attemptLogin()
     // The sign-in answer decides by this choice whether the token outlives the session.
     TerminalSettings::instance().setRemember(m_remember->isChecked());
     m_errorLabel->hide();
+    fitHeight();
     setBusy(true);
     m_api->login(email, password);
 }
@@ -153,7 +157,12 @@ void LoginDialog::showError(const QString& text)
 {
     m_errorLabel->setText(shortened(text, longestError));
     m_errorLabel->show();
-    // A wrapped label does not make its window taller by itself.
+    fitHeight();
+}
+
+void LoginDialog::fitHeight()
+{
+    // By itself a wrapped label makes its window no taller when it comes, and no lower when it goes.
     layout()->activate();
     resize(dialogWidth, layout()->totalHeightForWidth(dialogWidth));
 }

@@ -35,6 +35,7 @@ private:
     void renewClient();
     void setBusy(bool on);
     void showError(const QString& text);
+    void fitHeight();
     void askForPassword();
 
     std::optional<ApiClient> m_api;

@@ -1,6 +1,7 @@
 #include "net/LoginDialog.h"
 
 #include "app/TerminalSettings.h"
+#include "support/Hands.h"
 #include "support/StubHttpServer.h"
 #include "support/TestMain.h"
 
@@ -25,6 +26,11 @@ private Q_SLOTS:
     void it_looks_as_planned();
     void the_last_email_and_choice_are_filled_in();
     void the_first_empty_field_has_the_focus();
+    void what_is_typed_at_once_signs_in();
+    void tab_goes_down_the_fields_to_the_buttons();
+    void the_banner_keeps_its_place_through_every_attempt_data();
+    void the_banner_keeps_its_place_through_every_attempt();
+    void the_banner_keeps_its_place_in_a_taller_window();
     void empty_fields_are_answered_without_a_request_data();
     void empty_fields_are_answered_without_a_request();
     void the_email_is_trimmed_and_the_password_sent_as_typed();
@@ -153,6 +159,88 @@ void TestLoginDialog::the_first_empty_field_has_the_focus()
     TerminalSettings::instance().setEmail(u"last@b.c"_s);
     open();
     QCOMPARE(m_dialog->focusWidget(), password());
+}
+
+void TestLoginDialog::what_is_typed_at_once_signs_in()
+{
+    open();
+    QVERIFY(hands::arriveAt(&*m_dialog));
+    hands::type(u"a@b.c"_s);
+    hands::press(Qt::Key_Tab);
+    hands::type(u"pw"_s);
+    hands::press(Qt::Key_Return);
+    QTRY_COMPARE(posts(), 1);
+    QCOMPARE(m_server->last("POST", "/api/auth/login").json().value(u"email"_s).toString(), u"a@b.c"_s);
+    QCOMPARE(m_server->last("POST", "/api/auth/login").json().value(u"password"_s).toString(), u"pw"_s);
+
+    TerminalSettings::instance().setEmail(u"last@b.c"_s);
+    open();
+    QVERIFY(hands::arriveAt(&*m_dialog));
+    hands::type(u"secret"_s);
+    hands::press(Qt::Key_Return);
+    QTRY_COMPARE(posts(), 2);
+    QCOMPARE(m_server->last("POST", "/api/auth/login").json().value(u"password"_s).toString(), u"secret"_s);
+}
+
+void TestLoginDialog::tab_goes_down_the_fields_to_the_buttons()
+{
+    open();
+    QVERIFY(hands::arriveAt(&*m_dialog));
+    QCOMPARE(hands::tabOrder(),
+        QStringList({u"email"_s, u"password"_s, u"remember"_s, u"cancelButton"_s, u"loginButton"_s}));
+}
+
+void TestLoginDialog::the_banner_keeps_its_place_through_every_attempt_data()
+{
+    QTest::addColumn<QString>("first");
+    QTest::addColumn<QString>("second");
+    const QString shortText = u"Wrong password"_s;
+    const QString longText = u"no way "_s.repeated(60);
+    QTest::newRow("short, then short") << shortText << shortText;
+    QTest::newRow("short, then long") << shortText << longText;
+    QTest::newRow("long, then short") << longText << shortText;
+    QTest::newRow("long, then long") << longText << longText;
+}
+
+void TestLoginDialog::the_banner_keeps_its_place_through_every_attempt()
+{
+    QFETCH(const QString, first);
+    QFETCH(const QString, second);
+    const QRect place(0, 0, 400, 96);
+    open();
+    const QLabel* const banner = child<QLabel>(u"banner"_s);
+    QCoreApplication::processEvents();
+    QCOMPARE(banner->geometry(), place);
+    const int quietHeight = m_dialog->height();
+    QList<int> heights;
+    for (const QString& text : {first, second}) {
+        email()->setText(u"a@b.c"_s);
+        password()->setText(u"pw"_s);
+        hands::press(Qt::Key_Return);
+        QTRY_COMPARE(m_server->heldCount(), 1);
+        QCoreApplication::processEvents();
+        QCOMPARE(banner->geometry(), place);
+        QCOMPARE(m_dialog->size(), QSize(400, quietHeight));
+        m_server->release(StubAnswer::message(text, 401));
+        QTRY_VERIFY(errorLabel()->isVisible());
+        QCoreApplication::processEvents();
+        QCOMPARE(banner->geometry(), place);
+        QVERIFY(errorLabel()->height() >= errorLabel()->heightForWidth(errorLabel()->width()));
+        QVERIFY(m_dialog->height() > quietHeight);
+        heights.append(m_dialog->height());
+    }
+    QCOMPARE(heights.at(0) < heights.at(1), first.size() < second.size());
+    QCOMPARE(heights.at(0) > heights.at(1), first.size() > second.size());
+    // The topmost line is the banner's own ground, not that of the window.
+    QCOMPARE(m_dialog->grab().toImage().pixelColor(2, 0), banner->pixmap().toImage().pixelColor(2, 0));
+}
+
+void TestLoginDialog::the_banner_keeps_its_place_in_a_taller_window()
+{
+    open();
+    m_dialog->resize(400, m_dialog->height() + 200);
+    QCoreApplication::processEvents();
+    QCOMPARE(child<QLabel>(u"banner"_s)->geometry(), QRect(0, 0, 400, 96));
 }
 
 void TestLoginDialog::empty_fields_are_answered_without_a_request_data()
