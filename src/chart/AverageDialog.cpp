@@ -1,5 +1,12 @@
 #include "chart/AverageDialog.h"
 
+#include "app/FocusOrder.h"
+#include "app/WheelFocus.h"
+
+#include <QDialogButtonBox>
+#include <QPushButton>
+#include <QSpinBox>
+
 AverageDialog::AverageDialog(QWidget* parent)
     : QInputDialog(parent)
 {
@@ -12,6 +19,14 @@ AverageDialog::AverageDialog(QWidget* parent)
     setIntRange(shortest, longest);
     setIntStep(1);
     setIntValue(usual);
+
+    adjustSize(); // the dialog makes its widgets only when their size is asked for
+    auto* period = findChild<QSpinBox*>();
+    const auto* buttons = findChild<QDialogButtonBox*>();
+    takeWheelOnlyFocused(*period);
+    setFocusOrder({period, buttons->button(QDialogButtonBox::Ok), buttons->button(QDialogButtonBox::Cancel)});
+    period->setFocus();
+    period->selectAll();
 }
 
 AverageDialog::~AverageDialog() = default;

@@ -1,6 +1,8 @@
 #include "chart/ChartPropertiesDialog.h"
 
+#include "app/FocusOrder.h"
 #include "app/ServerText.h"
+#include "app/WheelFocus.h"
 #include "chart/ChartColorRoles.h"
 #include "chart/CompactButton.h"
 
@@ -10,6 +12,7 @@
 #include <QFormLayout>
 #include <QHBoxLayout>
 #include <QPushButton>
+#include <QSpinBox>
 #include <QVBoxLayout>
 
 using namespace Qt::StringLiterals;
@@ -60,6 +63,10 @@ ChartPropertiesDialog::ChartPropertiesDialog(
     auto* layout = new QVBoxLayout(this);
     layout->addLayout(form);
     layout->addWidget(buttons);
+    setFocusOrder(QList<QWidget*>(m_swatches.cbegin(), m_swatches.cend())
+        + QList<QWidget*>{greenBlack, blackWhite, buttons->button(QDialogButtonBox::Ok),
+            buttons->button(QDialogButtonBox::Cancel)});
+    m_swatches.front()->setFocus();
     useColors(colors);
 }
 
@@ -71,6 +78,8 @@ void ChartPropertiesDialog::chooseColor(const ChartColorRole& role)
     chooser->setAttribute(Qt::WA_DeleteOnClose);
     chooser->setOption(QColorDialog::DontUseNativeDialog);
     chooser->setWindowTitle(labelOf(role));
+    for (QSpinBox* number : chooser->findChildren<QSpinBox*>())
+        takeWheelOnlyFocused(*number);
     connect(chooser, &QColorDialog::colorSelected, this, [this, &role](const QColor& color) {
         ChartColors colors = m_colors;
         colors.*role.member = color;

@@ -1,6 +1,7 @@
 #include "orders/ModifyDialog.h"
 
 #include "app/DecimalEdit.h"
+#include "app/FocusOrder.h"
 #include "app/NumberFormat.h"
 #include "app/ServerText.h"
 #include "app/Theme.h"
@@ -85,6 +86,12 @@ ModifyDialog::ModifyDialog(ApiClient& api, const QJsonObject& trade, int digits,
     buttons->addWidget(cancel);
     buttons->addWidget(m_modify);
     column->addLayout(buttons);
+
+    // What is typed at once must reach the first level, in place of the one that is there.
+    DecimalEdit* first = m_price ? m_price : m_stopLoss;
+    setFocusOrder({first, m_stopLoss, m_takeProfit, cancel, m_modify});
+    first->setFocus();
+    first->selectAll();
 
     connect(cancel, &QPushButton::clicked, this, &ModifyDialog::reject);
     connect(m_modify, &QPushButton::clicked, this, &ModifyDialog::send);

@@ -1,5 +1,6 @@
 #include "orders/OrderDialog.h"
 
+#include "app/FocusOrder.h"
 #include "app/NumberFormat.h"
 #include "app/ServerText.h"
 #include "app/Theme.h"
@@ -63,6 +64,7 @@ OrderDialog::OrderDialog(ApiClient& api, WsClient& feed, const QJsonArray& symbo
     connect(&feed, &WsClient::pricesUpdated, this, &OrderDialog::onPrices);
     connect(this, &OrderDialog::soundDue, this, &play);
     onSymbolChanged();
+    setFocusOrder(types->focusOrder() + m_form->focusOrder());
     m_form->focusVolume();
 }
 

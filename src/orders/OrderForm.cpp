@@ -3,6 +3,7 @@
 #include "app/DecimalEdit.h"
 #include "app/DecimalSpinBox.h"
 #include "app/ServerText.h"
+#include "app/WheelFocus.h"
 
 #include <QAbstractItemView>
 #include <QComboBox>
@@ -90,6 +91,8 @@ QFormLayout* OrderForm::buildFields()
     m_takeProfit->setText(u"0.00"_s);
     m_comment->setEditable(true);
     m_comment->setInsertPolicy(QComboBox::NoInsert);
+    takeWheelOnlyFocused(*m_symbolCombo);
+    takeWheelOnlyFocused(*m_comment);
 
     auto* form = new QFormLayout;
     form->setSpacing(9);
@@ -219,8 +222,7 @@ void OrderForm::setSending(bool sending)
         setFocus();
         setCursor(Qt::BusyCursor);
     }
-    for (QWidget* widget : std::initializer_list<QWidget*>{
-             m_symbolCombo, m_volume, m_stopLoss, m_takeProfit, m_price, m_comment, m_sell, m_buy})
+    for (QWidget* widget : focusOrder())
         widget->setEnabled(!sending);
     if (!sending) {
         unsetCursor();
@@ -232,4 +234,10 @@ void OrderForm::setSending(bool sending)
 void OrderForm::focusVolume()
 {
     m_volume->setFocus();
+    m_volume->selectAll();
+}
+
+QList<QWidget*> OrderForm::focusOrder() const
+{
+    return {m_symbolCombo, m_volume, m_stopLoss, m_takeProfit, m_price, m_comment, m_sell, m_buy};
 }

@@ -47,6 +47,7 @@ OrderTypePanel::OrderTypePanel(QWidget* parent)
         button->setCheckable(true);
         button->setCursor(Qt::PointingHandCursor);
         types->addButton(button, int(type));
+        m_focusOrder.append(button);
         return button;
     };
     addType(OrderType::Market, tr("Market Execution"), OrderIcon::Market)->setChecked(true);
@@ -61,6 +62,7 @@ OrderTypePanel::OrderTypePanel(QWidget* parent)
     addButton(layout, tr("Tick Chart"), OrderIcon::TickChart, toolStyle)->setEnabled(false);
     addButton(layout, tr("Depth of Market"), OrderIcon::Depth, toolStyle)->setEnabled(false);
     QPushButton* leave = addButton(layout, tr("Minimize"), OrderIcon::Minimize, toolStyle);
+    m_focusOrder.append(leave);
 
     connect(types, &QButtonGroup::idClicked, this, [this](int id) { Q_EMIT typeChosen(OrderType(id)); });
     connect(leave, &QPushButton::clicked, this, &OrderTypePanel::leaveRequested);

@@ -2,6 +2,7 @@
 
 #include "orders/OrderBody.h"
 
+#include <QList>
 #include <QWidget>
 
 /// The left-hand list of the order window: the order types, tools that do not exist yet, and the button
@@ -15,7 +16,13 @@ public:
     explicit OrderTypePanel(QWidget* parent = nullptr);
     ~OrderTypePanel() override = default;
 
+    /// What Tab comes to here, from the top.
+    [[nodiscard]] QList<QWidget*> focusOrder() const { return m_focusOrder; }
+
 Q_SIGNALS:
     void typeChosen(OrderType type);
     void leaveRequested();
+
+private:
+    QList<QWidget*> m_focusOrder;
 };

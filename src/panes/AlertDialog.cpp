@@ -1,10 +1,13 @@
 #include "panes/AlertDialog.h"
 
 #include "app/DecimalSpinBox.h"
+#include "app/FocusOrder.h"
+#include "app/WheelFocus.h"
 
 #include <QComboBox>
 #include <QDialogButtonBox>
 #include <QFormLayout>
+#include <QPushButton>
 
 using namespace Qt::StringLiterals;
 
@@ -31,6 +34,11 @@ AlertDialog::AlertDialog(const QStringList& symbols, QWidget* parent)
     form->addRow(tr("Price:"), m_price);
     auto* buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel, this);
     form->addRow(buttons);
+    takeWheelOnlyFocused(*m_symbol);
+    takeWheelOnlyFocused(*m_condition);
+    setFocusOrder({m_symbol, m_condition, m_price, buttons->button(QDialogButtonBox::Ok),
+        buttons->button(QDialogButtonBox::Cancel)});
+    m_symbol->setFocus();
     connect(buttons, &QDialogButtonBox::accepted, this, &QDialog::accept);
     connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
 }

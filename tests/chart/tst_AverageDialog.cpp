@@ -1,8 +1,11 @@
 #include "chart/AverageDialog.h"
 #include "chart/AveragePalette.h"
+#include "support/Hands.h"
 #include "support/TestMain.h"
 
+#include <QDialogButtonBox>
 #include <QLabel>
+#include <QPushButton>
 #include <QSpinBox>
 
 using namespace Qt::StringLiterals;
@@ -14,6 +17,9 @@ private Q_SLOTS:
     void asksForAPeriod();
     void staysBetweenItsLimits();
     void takesATypedPeriod();
+    void whatIsTypedAtOnceIsThePeriod();
+    void tabGoesFromThePeriodToTheButtons();
+    void theWheelTurnsThePeriodOnlyWhileItHasTheFocus();
     void fiveColoursFollowEachOther();
 };
 
@@ -54,6 +60,44 @@ void tst_AverageDialog::takesATypedPeriod()
     QTest::keyClicks(box, u"55"_s);
     QTest::keyClick(&dialog, Qt::Key_Return);
     QCOMPARE(chosen, QList<QVariantList>{{55}});
+}
+
+void tst_AverageDialog::whatIsTypedAtOnceIsThePeriod()
+{
+    AverageDialog dialog;
+    dialog.open();
+    QSignalSpy chosen(&dialog, &QInputDialog::intValueSelected);
+    QVERIFY(hands::arriveAt(&dialog));
+    hands::type(u"55"_s);
+    hands::press(Qt::Key_Return);
+    QCOMPARE(chosen, QList<QVariantList>{{55}});
+}
+
+void tst_AverageDialog::tabGoesFromThePeriodToTheButtons()
+{
+    AverageDialog dialog;
+    dialog.open();
+    QVERIFY(hands::arriveAt(&dialog));
+    const auto* buttons = dialog.findChild<QDialogButtonBox*>();
+    QCOMPARE(QApplication::focusWidget(), dialog.findChild<QSpinBox*>());
+    QCOMPARE(hands::tabOrder().mid(1),
+        QStringList({buttons->button(QDialogButtonBox::Ok)->text(),
+            buttons->button(QDialogButtonBox::Cancel)->text()}));
+}
+
+void tst_AverageDialog::theWheelTurnsThePeriodOnlyWhileItHasTheFocus()
+{
+    AverageDialog dialog;
+    dialog.open();
+    QVERIFY(hands::arriveAt(&dialog));
+    auto* box = dialog.findChild<QSpinBox*>();
+    box->setFocus();
+    hands::turnWheel(*box, 120);
+    QCOMPARE(dialog.intValue(), 21);
+    hands::press(Qt::Key_Tab);
+    hands::turnWheel(*box, 120);
+    QCOMPARE(dialog.intValue(), 21);
+    QVERIFY(!box->hasFocus());
 }
 
 void tst_AverageDialog::fiveColoursFollowEachOther()

@@ -2,6 +2,7 @@
 #include "app/Theme.h"
 #include "chart/ChartColorRoles.h"
 #include "chart/ChartPropertiesDialog.h"
+#include "support/Hands.h"
 #include "support/TestMain.h"
 
 #include <QColorDialog>
@@ -9,6 +10,7 @@
 #include <QFormLayout>
 #include <QLabel>
 #include <QPushButton>
+#include <QSpinBox>
 
 #include <array>
 
@@ -35,6 +37,9 @@ private Q_SLOTS:
     void aCancelledChoiceChangesNothing();
     void coloursAreAppliedOnOkOnly();
     void enterAcceptsWhateverHasTheFocus();
+    void theKeyboardAloneChoosesTheFirstColour();
+    void tabGoesDownTheColoursToThePresetsAndTheButtons();
+    void theWheelTurnsTheChoosersNumbersOnlyWhileTheyHaveTheFocus();
     void cancelLeavesTheChartAsItWas();
     void asksOnlyOnceAtATime();
 
@@ -279,6 +284,51 @@ void tst_ChartPropertiesDialog::enterAcceptsWhateverHasTheFocus()
         QVERIFY(!dialog->isVisible());
         QCOMPARE(served.chart().colors(), colors);
         QTRY_VERIFY(!dialog);
+    }
+}
+
+void tst_ChartPropertiesDialog::theKeyboardAloneChoosesTheFirstColour()
+{
+    const ServedChart served;
+    served.show();
+    ChartPropertiesDialog& dialog = open(served);
+    QVERIFY(hands::arriveAt(&dialog));
+    hands::press(Qt::Key_Space);
+    const auto* chooser = dialog.findChild<QColorDialog*>();
+    QVERIFY(chooser);
+    QCOMPARE(chooser->windowTitle(), u"Background"_s);
+}
+
+void tst_ChartPropertiesDialog::tabGoesDownTheColoursToThePresetsAndTheButtons()
+{
+    const ServedChart served;
+    served.show();
+    ChartPropertiesDialog& dialog = open(served);
+    const auto* buttons = dialog.findChild<QDialogButtonBox*>();
+    QVERIFY(hands::arriveAt(&dialog));
+    QCOMPARE(hands::tabOrder(),
+        QStringList({u"swatch-bg"_s, u"swatch-grid"_s, u"swatch-axis"_s, u"swatch-up"_s, u"swatch-down"_s,
+            u"swatch-line"_s, u"swatch-vol"_s, u"Qlon Green/Black"_s, u"Black/White"_s,
+            buttons->button(QDialogButtonBox::Ok)->text(),
+            buttons->button(QDialogButtonBox::Cancel)->text()}));
+}
+
+void tst_ChartPropertiesDialog::theWheelTurnsTheChoosersNumbersOnlyWhileTheyHaveTheFocus()
+{
+    const ServedChart served;
+    served.show();
+    const ChartPropertiesDialog& dialog = open(served);
+    QTest::mouseClick(swatches(dialog).at(0), Qt::LeftButton);
+    const auto* chooser = dialog.findChild<QColorDialog*>();
+    QVERIFY(chooser);
+    const QList<QSpinBox*> numbers = chooser->findChildren<QSpinBox*>();
+    QVERIFY(numbers.size() >= 6);
+    for (QSpinBox* number : numbers) {
+        number->clearFocus();
+        const int before = number->value();
+        hands::turnWheel(*number, 120);
+        QCOMPARE(number->value(), before);
+        QVERIFY(!number->hasFocus());
     }
 }
 

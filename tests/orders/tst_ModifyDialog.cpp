@@ -2,11 +2,13 @@
 #include "app/TerminalSettings.h"
 #include "net/ApiClient.h"
 #include "orders/ModifyDialog.h"
+#include "support/Hands.h"
 #include "support/ParseJson.h"
 #include "support/StubHttpServer.h"
 #include "support/TestMain.h"
 
 #include <QBoxLayout>
+#include <QClipboard>
 #include <QFormLayout>
 #include <QLabel>
 #include <QNetworkReply>
@@ -86,7 +88,13 @@ private Q_SLOTS:
     void anUnreadableVolumeIsLeftOut_data();
     void anUnreadableVolumeIsLeftOut();
     void headerTextIsPlainAndOneLine();
+    void whatIsTypedAtOnceIsTheStopLoss();
+    void whatIsTypedAtOnceReplacesALevelThatIsThere();
+    void whatIsTypedAtOnceIsThePriceOfAPendingOrder();
+    void tabGoesDownTheFieldsToTheButtons();
     void enterSendsWhatIsShown();
+    void whiteSpaceAroundANumberIsNoPartOfIt_data();
+    void whiteSpaceAroundANumberIsNoPartOfIt();
     void emptyFieldsAreLeftOut();
     void aTypedZeroIsSentOnPurpose();
     void aTypedCommaIsAPoint();
@@ -203,6 +211,93 @@ void TestModifyDialog::headerTextIsPlainAndOneLine()
     const auto* header = desk.dialog->findChild<QLabel*>(u"modifyHeader"_s);
     QCOMPARE(header->textFormat(), Qt::PlainText);
     QCOMPARE(header->text(), u"<b>A</b> B %1 buy "_s);
+}
+
+void TestModifyDialog::whatIsTypedAtOnceIsTheStopLoss()
+{
+    Desk desk;
+    desk.server.on("PUT", path, StubAnswer::held());
+    QVERIFY(hands::arriveAt(desk.dialog));
+    hands::type(u"1.05000"_s);
+    QCOMPARE(desk.edit("modifyStopLoss")->text(), u"1.05000"_s);
+    hands::press(Qt::Key_Return);
+    QTRY_COMPARE(desk.server.heldCount(), 1);
+    QCOMPARE(desk.sent(), parse(R"({"stopLoss":1.05,"takeProfit":1.2})"));
+}
+
+void TestModifyDialog::whatIsTypedAtOnceReplacesALevelThatIsThere()
+{
+    Desk desk(R"({"id":"t-1","symbol":"EURUSD","type":"BUY","lotSize":1,"stopLoss":1.1})");
+    desk.server.on("PUT", path, StubAnswer::held());
+    QVERIFY(hands::arriveAt(desk.dialog));
+    hands::type(u"1,2"_s);
+    hands::press(Qt::Key_Return);
+    QTRY_COMPARE(desk.server.heldCount(), 1);
+    QCOMPARE(desk.sent(), parse(R"({"stopLoss":1.2})"));
+}
+
+void TestModifyDialog::whatIsTypedAtOnceIsThePriceOfAPendingOrder()
+{
+    Desk desk(pending);
+    desk.server.on("PUT", path, StubAnswer::held());
+    QVERIFY(hands::arriveAt(desk.dialog));
+    hands::type(u"1.125"_s);
+    hands::press(Qt::Key_Return);
+    QTRY_COMPARE(desk.server.heldCount(), 1);
+    QCOMPARE(desk.sent(), parse(R"({"pendingPrice":1.125,"stopLoss":1.15})"));
+}
+
+void TestModifyDialog::tabGoesDownTheFieldsToTheButtons()
+{
+    {
+        const Desk desk;
+        QVERIFY(hands::arriveAt(desk.dialog));
+        QCOMPARE(hands::tabOrder(),
+            QStringList({u"modifyStopLoss"_s, u"modifyTakeProfit"_s, u"Cancel"_s, u"modifyButton"_s}));
+    }
+    const Desk desk(pending);
+    QVERIFY(hands::arriveAt(desk.dialog));
+    QCOMPARE(hands::tabOrder(),
+        QStringList(
+            {u"modifyPrice"_s, u"modifyStopLoss"_s, u"modifyTakeProfit"_s, u"Cancel"_s, u"modifyButton"_s}));
+}
+
+void TestModifyDialog::whiteSpaceAroundANumberIsNoPartOfIt_data()
+{
+    QTest::addColumn<QString>("way");
+    QTest::addColumn<QString>("field");
+    QTest::addColumn<QString>("key");
+    for (const char* way : {"paste", "drop", "set", "type"}) {
+        for (const auto& [field, key] : {std::pair("modifyPrice", "pendingPrice"),
+                 std::pair("modifyStopLoss", "stopLoss"), std::pair("modifyTakeProfit", "takeProfit")})
+            QTest::addRow("%s into %s", way, field)
+                << QString::fromLatin1(way) << QString::fromLatin1(field) << QString::fromLatin1(key);
+    }
+}
+
+void TestModifyDialog::whiteSpaceAroundANumberIsNoPartOfIt()
+{
+    QFETCH(QString, way);
+    QFETCH(QString, field);
+    QFETCH(QString, key);
+    const QString text = way == u"type"_s ? u"  1.5 "_s : u" \t1.5\u00a0\n"_s;
+    Desk desk(pending);
+    desk.server.on("PUT", path, StubAnswer::held());
+    auto* edit = desk.dialog->findChild<DecimalEdit*>(field);
+    edit->selectAll();
+    QGuiApplication::clipboard()->setText(text);
+    if (way == u"paste"_s)
+        edit->paste();
+    else if (way == u"drop"_s)
+        hands::drop(*edit, text);
+    else if (way == u"set"_s)
+        edit->setText(text);
+    else
+        QTest::keyClicks(edit, text);
+    QCOMPARE(edit->text(), u"1.5"_s);
+    desk.press();
+    QTRY_COMPARE(desk.server.heldCount(), 1);
+    QCOMPARE(desk.sent().value(key).toDouble(), 1.5);
 }
 
 void TestModifyDialog::enterSendsWhatIsShown()

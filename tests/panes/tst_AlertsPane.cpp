@@ -2,14 +2,17 @@
 #include "app/TerminalSettings.h"
 #include "panes/AlertDialog.h"
 #include "panes/AlertsPane.h"
+#include "support/Hands.h"
 #include "support/ParseJson.h"
 #include "support/TestMain.h"
 
 #include <QBoxLayout>
+#include <QClipboard>
 #include <QComboBox>
 #include <QDialogButtonBox>
 #include <QFile>
 #include <QFormLayout>
+#include <QLineEdit>
 #include <QPointer>
 #include <QPushButton>
 #include <QSignalSpy>
@@ -93,6 +96,11 @@ private Q_SLOTS:
     void addingAppendsAndSaves();
     void aNewAlertGoesToTheEnd();
     void aTypedCommaIsAPoint();
+    void theKeyboardAloneAddsAnAlert();
+    void tabGoesDownTheFieldsToTheButtons();
+    void whiteSpaceAroundAPriceIsNoPartOfIt_data();
+    void whiteSpaceAroundAPriceIsNoPartOfIt();
+    void theWheelChangesNothingThatHasNotTheFocus();
     void cancellingAddsNothing();
     void aPriceOfZeroIsRefusedSilently();
     void withoutSymbolsNothingIsAdded();
@@ -209,6 +217,92 @@ void TestAlertsPane::aTypedCommaIsAPoint()
     typePrice(*dialog, u"1,25"_s);
     press(*dialog, QDialogButtonBox::Ok);
     QCOMPARE(desk.rows(), QStringList({u"EURUSD|Bid ≥|1.25000|Active"_s}));
+}
+
+void TestAlertsPane::theKeyboardAloneAddsAnAlert()
+{
+    const Desk desk;
+    const QPointer<AlertDialog> dialog = desk.ask();
+    QVERIFY(hands::arriveAt(dialog));
+    hands::type(u"GOLD"_s);
+    hands::press(Qt::Key_Tab);
+    hands::press(Qt::Key_Down);
+    hands::press(Qt::Key_Tab);
+    hands::type(u"1900,5"_s);
+    hands::press(Qt::Key_Return);
+    QCOMPARE(desk.rows(), QStringList({u"GOLD|Bid ≤|1900.50000|Active"_s}));
+    QTRY_VERIFY(!dialog);
+}
+
+void TestAlertsPane::tabGoesDownTheFieldsToTheButtons()
+{
+    const Desk desk;
+    const QPointer<AlertDialog> dialog = desk.ask();
+    const auto* buttons = dialog->findChild<QDialogButtonBox*>();
+    QVERIFY(hands::arriveAt(dialog));
+    QCOMPARE(hands::tabOrder(),
+        QStringList({u"alertSymbol"_s, u"alertCondition"_s, u"alertPrice"_s,
+            buttons->button(QDialogButtonBox::Ok)->text(),
+            buttons->button(QDialogButtonBox::Cancel)->text()}));
+}
+
+void TestAlertsPane::whiteSpaceAroundAPriceIsNoPartOfIt_data()
+{
+    QTest::addColumn<QString>("way");
+    for (const char* way : {"paste", "drop", "set", "type"})
+        QTest::newRow(way) << QString::fromLatin1(way);
+}
+
+void TestAlertsPane::whiteSpaceAroundAPriceIsNoPartOfIt()
+{
+    QFETCH(QString, way);
+    const QString text = way == u"type"_s ? u" 1900.5  "_s : u"\n 1900.5\t\u00a0"_s;
+    const Desk desk;
+    const QPointer<AlertDialog> dialog = desk.ask();
+    auto* price = dialog->findChild<DecimalSpinBox*>();
+    auto* edit = price->findChild<QLineEdit*>();
+    price->selectAll();
+    QGuiApplication::clipboard()->setText(text);
+    if (way == u"paste"_s)
+        edit->paste();
+    else if (way == u"drop"_s)
+        hands::drop(*edit, text);
+    else if (way == u"set"_s)
+        edit->setText(text);
+    else
+        QTest::keyClicks(price, text);
+    press(*dialog, QDialogButtonBox::Ok);
+    QCOMPARE(desk.rows(), QStringList({u"EURUSD|Bid ≥|1900.50000|Active"_s}));
+}
+
+void TestAlertsPane::theWheelChangesNothingThatHasNotTheFocus()
+{
+    const Desk desk;
+    const QPointer<AlertDialog> dialog = desk.ask();
+    auto* symbol = dialog->findChild<QComboBox*>(u"alertSymbol"_s);
+    auto* condition = dialog->findChild<QComboBox*>(u"alertCondition"_s);
+    auto* price = dialog->findChild<DecimalSpinBox*>();
+    QVERIFY(hands::arriveAt(dialog));
+    const auto turnAllBut = [&](const QWidget* focused) {
+        for (QWidget* field : std::initializer_list<QWidget*>{symbol, condition, price}) {
+            if (field != focused) {
+                hands::turnWheel(*field, 120);
+                hands::turnWheel(*field, -120);
+                hands::turnWheel(*field, -120);
+            }
+        }
+    };
+    price->setValue(1.5);
+    symbol->setFocus();
+    turnAllBut(symbol);
+    QCOMPARE(condition->currentIndex(), 0);
+    QCOMPARE(price->value(), 1.5);
+    price->setFocus();
+    turnAllBut(price);
+    QCOMPARE(symbol->currentIndex(), 0);
+    QVERIFY(price->hasFocus());
+    hands::turnWheel(*price, 120);
+    QCOMPARE(price->value(), 2.5);
 }
 
 void TestAlertsPane::cancellingAddsNothing()
