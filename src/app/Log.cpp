@@ -50,6 +50,11 @@ void appLog(const QString& message)
     file.write(u"%1  %2\n"_s.arg(time, maskSecrets(oneLine(message))).toUtf8());
 }
 
+void logReport(const QString& source, const QString& message)
+{
+    appLog(u"[%1] %2"_s.arg(source, message));
+}
+
 QString logFilePath()
 {
     return QDir::tempPath() + "/tavoran-terminal.log"_L1;

@@ -7,6 +7,10 @@
 /// cannot be opened drops the entry silently.
 void appLog(const QString& message);
 
+/// The same for what is shown to a person as well: "[SOURCE] MESSAGE". Every failure that is shown goes
+/// through here.
+void logReport(const QString& source, const QString& message);
+
 /// The log file: "/tavoran-terminal.log" in the user's temporary folder.
 [[nodiscard]] QString logFilePath();
 

@@ -40,17 +40,19 @@ void ChartExpert::attach(const QString& path)
         order(source, side, lots, sl, tp);
     };
     callbacks.closeAll = [this] { Q_EMIT closeAllRequested(m_symbol); };
-    callbacks.print = [this, source](const QString& text) { Q_EMIT log(source, text); };
-    callbacks.alert = [this, source](const QString& text) { Q_EMIT log(source, tr("ALERT: %1").arg(text)); };
+    callbacks.print = [this, source](const QString& text) { Q_EMIT log(source, text, LineKind::Ordinary); };
+    callbacks.alert = [this, source](const QString& text) {
+        Q_EMIT log(source, tr("ALERT: %1").arg(text), LineKind::Ordinary);
+    };
     callbacks.comment = [this](const QString& text) { Q_EMIT commentChanged(text); };
 
     m_lastMessage.clear();
     m_engine = std::make_unique<ExpertEngine>(m_symbol, m_digits, m_chart.candles(), std::move(callbacks));
     // A later engine may come to lie where this one was: only the pointer that knows of its end tells.
     const QPointer<ExpertEngine> engine(m_engine.get());
-    connect(engine, &ExpertEngine::message, this, [this, source](const QString& text) {
+    connect(engine, &ExpertEngine::message, this, [this, source](const QString& text, LineKind kind) {
         m_lastMessage = text;
-        Q_EMIT log(source, text);
+        Q_EMIT log(source, text, kind);
     });
 
     QString error;
@@ -65,7 +67,7 @@ void ChartExpert::attach(const QString& path)
     Q_EMIT commentChanged({});
     // What OnInit threw has been told already.
     if (self && error != m_lastMessage)
-        Q_EMIT log(source, error);
+        Q_EMIT log(source, error, LineKind::Failure);
 }
 
 void ChartExpert::detach()
@@ -122,11 +124,12 @@ void ChartExpert::order(const QString& source, const QString& side, double lots,
 {
     // No number has no place in a request, and without its stop an order is not the one that was meant.
     if (!std::isfinite(lots) || lots <= 0.0) {
-        Q_EMIT log(source, tr("Order ignored: the lots must be a number above 0, not %1").arg(lots));
+        Q_EMIT log(source, tr("Order ignored: the lots must be a number above 0, not %1").arg(lots),
+            LineKind::Failure);
         return;
     }
     if (!std::isfinite(sl) || !std::isfinite(tp)) {
-        Q_EMIT log(source, tr("Order ignored: stop loss or take profit is not a number"));
+        Q_EMIT log(source, tr("Order ignored: stop loss or take profit is not a number"), LineKind::Failure);
         return;
     }
     QJsonObject body{

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "app/LineKind.h"
+
 #include <QJsonObject>
 #include <QObject>
 
@@ -39,7 +41,7 @@ public:
 
 Q_SIGNALS:
     /// `source` is the expert's name.
-    void log(const QString& source, const QString& message);
+    void log(const QString& source, const QString& message, LineKind kind);
     /// A market order, complete but for the account.
     void orderRequested(const QJsonObject& body);
     void closeAllRequested(const QString& symbol);

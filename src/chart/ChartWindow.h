@@ -1,5 +1,6 @@
 #pragma once
 
+#include "app/LineKind.h"
 #include "chart/MovingAverageSpec.h"
 
 #include <QJsonArray>
@@ -117,7 +118,7 @@ Q_SIGNALS:
     /// The trader wants to trade at market; `side` is "SELL" or "BUY".
     void quickTradeRequested(const QString& symbol, const QString& side, double lots);
     /// A line about or from the expert; `source` is its name.
-    void expertLog(const QString& source, const QString& message);
+    void expertLog(const QString& source, const QString& message, LineKind kind);
     /// The expert wants to trade at market: an order body without the account.
     void expertOrderRequested(const QJsonObject& body);
     void expertCloseAllRequested(const QString& symbol);

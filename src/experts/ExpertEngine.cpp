@@ -8,7 +8,7 @@ ExpertEngine::ExpertEngine(const QString& symbol, int digits, const std::vector<
     ExpertHost::Callbacks callbacks, QObject* parent)
     : QObject(parent)
     , m_run(std::make_shared<ExpertRun>(symbol, digits, candles, std::move(callbacks),
-          [this](const QString& text) { Q_EMIT message(text); }))
+          [this](const QString& text, LineKind kind) { Q_EMIT message(text, kind); }))
 {
 }
 

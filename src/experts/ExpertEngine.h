@@ -1,5 +1,6 @@
 #pragma once
 
+#include "app/LineKind.h"
 #include "experts/ExpertHost.h"
 
 #include <QObject>
@@ -41,7 +42,7 @@ public:
     void setDigits(int digits);
 
 Q_SIGNALS:
-    void message(const QString& text);
+    void message(const QString& text, LineKind kind);
 
 private:
     std::shared_ptr<ExpertRun> m_run;

@@ -69,7 +69,7 @@ bool ExpertRun::load(const QString& path, QString& error)
         return false;
     }
     m_state = State::Running;
-    report(tr("%1 loaded").arg(m_name));
+    report(tr("%1 loaded").arg(m_name), LineKind::Ordinary);
     // Whoever heard that may have ended it.
     return isRunning();
 }
@@ -118,7 +118,7 @@ std::optional<QString> ExpertRun::call(const QJSValue& hook, const QString& hook
     const QString text = failure->line > 0
         ? tr("%1: %2 (line %3)").arg(hookName, failure->message, QString::number(failure->line))
         : tr("%1: %2").arg(hookName, failure->message);
-    report(text);
+    report(text, LineKind::Failure);
     return text;
 }
 
@@ -131,7 +131,7 @@ void ExpertRun::tick()
     const std::optional<QString> failure = call(m_onTick, u"OnTick"_s);
     if (!failure || m_state != State::Running)
         return;
-    report(tr("Stopped after error in OnTick: %1").arg(*failure));
+    report(tr("Stopped after error in OnTick: %1").arg(*failure), LineKind::Failure);
     stop();
 }
 
@@ -174,9 +174,9 @@ void ExpertRun::abandon()
     m_report = {};
 }
 
-void ExpertRun::report(const QString& text) const
+void ExpertRun::report(const QString& text, LineKind kind) const
 {
     // The listener may end this expert, and its own registration with it.
     if (const Report listener = m_report)
-        listener(text);
+        listener(text, kind);
 }

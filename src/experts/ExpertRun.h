@@ -1,5 +1,6 @@
 #pragma once
 
+#include "app/LineKind.h"
 #include "experts/ExpertHost.h"
 #include "experts/ScriptEngine.h"
 
@@ -16,7 +17,7 @@ class ExpertRun final : public std::enable_shared_from_this<ExpertRun> {
     Q_DISABLE_COPY_MOVE(ExpertRun)
 
 public:
-    using Report = std::function<void(const QString& text)>;
+    using Report = std::function<void(const QString& text, LineKind kind)>;
 
     ExpertRun(const QString& symbol, int digits, const std::vector<Candle>& candles,
         ExpertHost::Callbacks callbacks, Report report);
@@ -42,7 +43,7 @@ private:
     std::optional<QString> call(const QJSValue& hook, const QString& hookName);
     void onTimer();
     void startTimer(int seconds);
-    void report(const QString& text) const;
+    void report(const QString& text, LineKind kind) const;
 
     ScriptEngine m_script;
     ExpertHost m_host; ///< after the engine, so that it goes first

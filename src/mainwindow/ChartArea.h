@@ -1,5 +1,7 @@
 #pragma once
 
+#include "app/LineKind.h"
+
 #include <QJsonObject>
 #include <QMdiArea>
 #include <QPointer>
@@ -58,7 +60,7 @@ Q_SIGNALS:
     /// A market order from the panel on a chart; `side` is "SELL" or "BUY".
     void quickTradeRequested(const QString& symbol, const QString& side, double lots);
     // From the experts on the charts; see ChartWindow.
-    void expertLog(const QString& source, const QString& message);
+    void expertLog(const QString& source, const QString& message, LineKind kind);
     void expertOrderRequested(const QJsonObject& body);
     void expertCloseAllRequested(const QString& symbol);
 

@@ -18,7 +18,8 @@ void ExpertAttachment::attach(const QString& path)
 {
     const QPointer<ChartWindow> chart = m_charts.activeChart();
     if (!chart) {
-        Q_EMIT expertLine(tr("Expert"), tr("Open a chart first, then attach the Expert Advisor."));
+        Q_EMIT expertLine(
+            tr("Expert"), tr("Open a chart first, then attach the Expert Advisor."), LineKind::Failure);
         return;
     }
     chart->attachExpert(path);
@@ -26,9 +27,11 @@ void ExpertAttachment::attach(const QString& path)
     const QString name = chart ? chart->expertName() : QString();
     if (name.isEmpty())
         return;
-    Q_EMIT expertLine(name, tr("Attached to %1 %2").arg(chart->symbol(), timeframeLabel(chart->timeframe())));
+    Q_EMIT expertLine(name, tr("Attached to %1 %2").arg(chart->symbol(), timeframeLabel(chart->timeframe())),
+        LineKind::Ordinary);
     if (!m_actions.isAlgoTradingOn()) {
         Q_EMIT expertLine(name,
-            tr("Note: Algo Trading is OFF — the EA runs but cannot trade. Enable it from the toolbar."));
+            tr("Note: Algo Trading is OFF — the EA runs but cannot trade. Enable it from the toolbar."),
+            LineKind::Ordinary);
     }
 }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "app/LineKind.h"
+
 #include <QObject>
 
 class ChartArea;
@@ -19,7 +21,7 @@ public Q_SLOTS:
     void attach(const QString& path);
 
 Q_SIGNALS:
-    void expertLine(const QString& source, const QString& message);
+    void expertLine(const QString& source, const QString& message, LineKind kind);
 
 private:
     const ChartArea& m_charts;

@@ -100,9 +100,9 @@ MainWindow::~MainWindow()
     delete m_tradeDesk;
     delete m_tradeActions;
     m_charts->disconnect(this);
-    delete m_reports;
     delete m_chartCommands;
     delete m_charts;
+    delete m_reports; // experts may still fail while their charts go
     delete m_accounts;
     delete m_docks;
 }
@@ -169,7 +169,6 @@ void MainWindow::connectTrades()
 void MainWindow::connectExperts()
 {
     connect(m_navigator, &NavigatorWidget::expertActivated, m_expertAttachment, &ExpertAttachment::attach);
-    connect(m_charts, &ChartArea::expertLog, m_toolbox, &TerminalPane::expert);
     connect(m_charts, &ChartArea::expertOrderRequested, this, &MainWindow::onExpertOrder);
     connect(m_charts, &ChartArea::expertCloseAllRequested, this, &MainWindow::onExpertCloseAll);
 }
@@ -391,7 +390,7 @@ void MainWindow::quit()
     if (!std::exchange(m_leaving, true)) {
         const QStringList unanswered = m_api.unansweredChanges();
         for (const QString& change : unanswered)
-            appLog(u"[%1] %2"_s.arg(tr("Network"), tr("Left without an answer to %1").arg(change)));
+            logReport(tr("Network"), tr("Left without an answer to %1").arg(change));
     }
     QCoreApplication::exit();
 }

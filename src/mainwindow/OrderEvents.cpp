@@ -10,7 +10,7 @@ void OrderEvents::onOrdersChanged(const QJsonObject& event)
 {
     const OrderReaction reaction = reactionToOrders(event);
     Q_EMIT journalLine(tr("Trade"), reaction.journal);
-    Q_EMIT expertLine(tr("Execution"), reaction.expert);
+    Q_EMIT expertLine(tr("Execution"), reaction.expert, LineKind::Ordinary);
     notify(reaction);
     Q_EMIT accountsRefreshWanted();
     Q_EMIT tradesRefreshWanted();

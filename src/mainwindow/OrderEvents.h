@@ -1,5 +1,6 @@
 #pragma once
 
+#include "app/LineKind.h"
 #include "mainwindow/OrderReaction.h"
 
 #include <QJsonObject>
@@ -21,7 +22,7 @@ public Q_SLOTS:
 
 Q_SIGNALS:
     void journalLine(const QString& source, const QString& message);
-    void expertLine(const QString& source, const QString& message);
+    void expertLine(const QString& source, const QString& message, LineKind kind);
     void soundWanted(SoundKind kind);
     void balloonWanted(const Balloon& balloon);
     void accountsRefreshWanted();

@@ -2,8 +2,6 @@
 
 #include "app/Log.h"
 
-using namespace Qt::StringLiterals;
-
 Reports::Reports(TerminalPane& toolbox, AccountFlow& accounts, TrayIcon* tray, QObject* parent)
     : QObject(parent)
     , m_toolbox(toolbox)
@@ -15,5 +13,12 @@ Reports::Reports(TerminalPane& toolbox, AccountFlow& accounts, TrayIcon* tray, Q
 void Reports::journal(const QString& source, const QString& message)
 {
     m_toolbox.journal(source, message);
-    appLog(u"[%1] %2"_s.arg(source, message));
+    logReport(source, message);
+}
+
+void Reports::expert(const QString& source, const QString& message, LineKind kind)
+{
+    m_toolbox.expert(source, message);
+    if (kind == LineKind::Failure)
+        logReport(source, message);
 }

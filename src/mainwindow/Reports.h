@@ -1,5 +1,6 @@
 #pragma once
 
+#include "app/LineKind.h"
 #include "app/SoundPlayer.h"
 #include "mainwindow/AccountFlow.h"
 #include "mainwindow/TrayIcon.h"
@@ -24,6 +25,8 @@ public:
 public Q_SLOTS:
     /// A line for the Journal tab and the log file.
     void journal(const QString& source, const QString& message);
+    /// A line for the Experts tab; a failure is one for the log file too.
+    void expert(const QString& source, const QString& message, LineKind kind);
 
 private:
     template <typename Reporter> void followRefreshes(const Reporter& reporter);
@@ -40,7 +43,9 @@ template <typename Reporter> void Reports::follow(const Reporter& reporter)
     if constexpr (requires { &Reporter::logMessage; })
         connect(&reporter, &Reporter::logMessage, this, &Reports::journal);
     if constexpr (requires { &Reporter::expertLine; })
-        connect(&reporter, &Reporter::expertLine, &m_toolbox, &TerminalPane::expert);
+        connect(&reporter, &Reporter::expertLine, this, &Reports::expert);
+    if constexpr (requires { &Reporter::expertLog; })
+        connect(&reporter, &Reporter::expertLog, this, &Reports::expert);
     if constexpr (requires { &Reporter::soundWanted; })
         connect(&reporter, &Reporter::soundWanted, this, &play);
     if constexpr (requires { &Reporter::balloonWanted; }) {

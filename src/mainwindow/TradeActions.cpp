@@ -42,7 +42,8 @@ void TradeActions::setAlgoTrading(bool on)
     if (on == m_algoTrading)
         return;
     m_algoTrading = on;
-    Q_EMIT expertLine(tr("Expert"), on ? tr("Algo Trading enabled") : tr("Algo Trading disabled"));
+    Q_EMIT expertLine(
+        tr("Expert"), on ? tr("Algo Trading enabled") : tr("Algo Trading disabled"), LineKind::Ordinary);
 }
 
 void TradeActions::closePosition(const QJsonObject& trade)
@@ -108,7 +109,8 @@ void TradeActions::quickTrade(const QString& symbol, const QString& side, double
 void TradeActions::expertOrder(const QJsonObject& body)
 {
     if (!m_algoTrading) {
-        Q_EMIT expertLine(tr("Expert"), tr("Algo Trading is OFF — order ignored. Enable it in the toolbar."));
+        Q_EMIT expertLine(tr("Expert"), tr("Algo Trading is OFF — order ignored. Enable it in the toolbar."),
+            LineKind::Failure);
         return;
     }
     if (m_book.currentAccountId().isEmpty())
@@ -122,7 +124,8 @@ void TradeActions::expertOrder(const QJsonObject& body)
                              .arg(order.value("type"_L1).toString(),
                                  formatVolume(jsonNumber(order.value("lotSize"_L1))),
                                  oneLine(order.value("symbol"_L1).toString()))
-                       : tr("Order failed: %1").arg(outcome.error));
+                       : tr("Order failed: %1").arg(outcome.error),
+            outcome.ok ? LineKind::Ordinary : LineKind::Failure);
         refreshAccountsAndTrades();
     });
 }
@@ -130,7 +133,7 @@ void TradeActions::expertOrder(const QJsonObject& body)
 void TradeActions::expertCloseAll(const QString& symbol)
 {
     if (!m_algoTrading) {
-        Q_EMIT expertLine(tr("Expert"), tr("Algo Trading is OFF — close ignored."));
+        Q_EMIT expertLine(tr("Expert"), tr("Algo Trading is OFF — close ignored."), LineKind::Failure);
         return;
     }
     int closing = 0;
@@ -147,8 +150,9 @@ void TradeActions::expertCloseAll(const QString& symbol)
     if (closing == 0)
         return;
     Q_EMIT soundWanted(SoundKind::Close);
-    Q_EMIT expertLine(
-        tr("Expert"), tr("Closing %1 position(s) on %2").arg(QString::number(closing), oneLine(symbol)));
+    Q_EMIT expertLine(tr("Expert"),
+        tr("Closing %1 position(s) on %2").arg(QString::number(closing), oneLine(symbol)),
+        LineKind::Ordinary);
 }
 
 void TradeActions::whenAnswered(QNetworkReply* reply, Report report)

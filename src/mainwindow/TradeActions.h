@@ -1,5 +1,6 @@
 #pragma once
 
+#include "app/LineKind.h"
 #include "app/SoundPlayer.h"
 
 #include <QJsonObject>
@@ -46,7 +47,7 @@ public Q_SLOTS:
 
 Q_SIGNALS:
     void journalLine(const QString& source, const QString& message);
-    void expertLine(const QString& source, const QString& message);
+    void expertLine(const QString& source, const QString& message, LineKind kind);
     void soundWanted(SoundKind kind);
     void accountsRefreshWanted();
     void tradesRefreshWanted();

@@ -71,7 +71,7 @@ void TradeDesk::showMenu(const QPoint& globalPos, const QJsonObject& trade)
 void TradeDesk::onOrderPlaced()
 {
     Q_EMIT journalLine(tr("Trade"), tr("Order placed"));
-    Q_EMIT expertLine(tr("Execution"), tr("Order placed"));
+    Q_EMIT expertLine(tr("Execution"), tr("Order placed"), LineKind::Ordinary);
     Q_EMIT accountsRefreshWanted();
     Q_EMIT tradesRefreshWanted();
 }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "app/LineKind.h"
+
 #include <QJsonObject>
 #include <QObject>
 #include <QPointer>
@@ -36,7 +38,7 @@ Q_SIGNALS:
     /// The menu asks for a new order on whatever symbol is at hand.
     void newOrderRequested();
     void journalLine(const QString& source, const QString& message);
-    void expertLine(const QString& source, const QString& message);
+    void expertLine(const QString& source, const QString& message, LineKind kind);
     void accountsRefreshWanted();
     void tradesRefreshWanted();
     /// Nobody knows what became of a request.

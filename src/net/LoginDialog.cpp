@@ -2,6 +2,7 @@
 
 #include "app/Banner.h"
 #include "app/FocusOrder.h"
+#include "app/Log.h"
 #include "app/ServerText.h"
 #include "app/TerminalSettings.h"
 #include "app/Theme.h"
@@ -155,6 +156,7 @@ void LoginDialog::setBusy(bool on)
 
 void LoginDialog::showError(const QString& text)
 {
+    logReport(tr("Auth"), text);
     m_errorLabel->setText(shortened(text, longestError));
     m_errorLabel->show();
     fitHeight();

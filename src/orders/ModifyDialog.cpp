@@ -119,13 +119,13 @@ void ModifyDialog::send()
     if (isSending())
         return;
     if (isUnfinished(m_stopLoss) || isUnfinished(m_takeProfit) || isUnfinished(m_price)) {
-        showError(tr("Please enter a valid price."));
+        tellFailure(tr("Please enter a valid price."));
         return;
     }
     const std::optional<QString> id = encodePathSegment(m_trade.value("id"_L1).toString());
     if (!id) {
         Q_EMIT soundDue(SoundKind::Error);
-        showError(tr("This trade has no usable id."));
+        tellFailure(tr("This trade has no usable id."));
         return;
     }
     setSending(true);
@@ -144,7 +144,7 @@ void ModifyDialog::onReply(QNetworkReply* reply)
     const ReplyOutcome outcome = ReplyOutcome::read(reply);
     if (!outcome.ok) {
         Q_EMIT soundDue(SoundKind::Error);
-        showError(outcome.error);
+        tellFailure(outcome.error);
         comeBack();
         if (outcome.isUncertain())
             Q_EMIT outcomeUnknown();

@@ -30,6 +30,7 @@ Q_SIGNALS:
     void soundDue(SoundKind kind);
 
 protected:
+    void showError(const QString& text) override;
     void focusSafely() override;
 
 private:
@@ -38,7 +39,6 @@ private:
     [[nodiscard]] TypedLevels typed() const;
     void send();
     void onReply(QNetworkReply* reply);
-    void showError(const QString& text);
 
     ApiClient& m_api;
     QJsonObject m_trade;

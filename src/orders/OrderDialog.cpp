@@ -123,7 +123,7 @@ void OrderDialog::place(OrderSide side)
     ticket.side = side;
     ticket.type = m_orderType;
     if (lacksTriggerPrice(ticket)) {
-        m_form->showError(tr("Please enter a valid trigger price."));
+        tellFailure(tr("Please enter a valid trigger price."));
         return;
     }
     m_form->showError({});
@@ -140,7 +140,7 @@ void OrderDialog::onReply(QNetworkReply* reply)
     const ReplyOutcome outcome = ReplyOutcome::read(reply);
     if (!outcome.ok) {
         Q_EMIT soundDue(SoundKind::Error);
-        m_form->showError(outcome.error);
+        tellFailure(outcome.error);
         comeBack();
         if (outcome.isUncertain())
             Q_EMIT outcomeUnknown();
@@ -157,6 +157,11 @@ void OrderDialog::showSending(bool sending)
 {
     setSending(sending);
     m_form->setSending(sending);
+}
+
+void OrderDialog::showError(const QString& text)
+{
+    m_form->showError(text);
 }
 
 void OrderDialog::focusSafely()

@@ -39,6 +39,7 @@ Q_SIGNALS:
     void soundDue(SoundKind kind);
 
 protected:
+    void showError(const QString& text) override;
     void focusSafely() override;
 
 private:

@@ -1,5 +1,7 @@
 #include "orders/SendingDialog.h"
 
+#include "app/Log.h"
+
 #include <QCloseEvent>
 
 SendingDialog::SendingDialog(QWidget* parent)
@@ -10,6 +12,12 @@ SendingDialog::SendingDialog(QWidget* parent)
 void SendingDialog::setSending(bool sending)
 {
     m_sending = sending;
+}
+
+void SendingDialog::tellFailure(const QString& text)
+{
+    logReport(tr("Trade"), text);
+    showError(text);
 }
 
 void SendingDialog::comeBack()

@@ -26,6 +26,9 @@ protected:
 
     [[nodiscard]] bool isSending() const { return m_sending; }
     void setSending(bool sending);
+    /// Shows why nothing was sent, or why it was refused, and writes it to the log.
+    void tellFailure(const QString& text);
+    virtual void showError(const QString& text) = 0;
     /// Shows the dialog again when it was closed in the meantime.
     void comeBack();
     /// The dialog may come back under the hands of somebody who types elsewhere: puts the cursor where that

@@ -2,6 +2,7 @@
 #include "mainwindow/ExpertsFolder.h"
 #include "mainwindow/MainWindowFixture.h"
 #include "panes/NavigatorWidget.h"
+#include "support/LogMessages.h"
 #include "support/TestMain.h"
 
 using namespace Qt::StringLiterals;
@@ -25,11 +26,18 @@ class tst_MainWindowExperts final : public QObject {
         Q_EMIT desk().window->findChild<NavigatorWidget*>()->expertActivated(file.fileName());
     }
 
+    /// What the log holds of an expert, and of the switch that all of them share.
+    static QStringList logged()
+    {
+        return fixtures::logMessages().filter(QRegularExpression(u"^\\[(Robot|Expert|Execution)\\]"_s));
+    }
+
     void tick() { desk().window->onPrices({{u"EURUSD"_s, QJsonObject{{u"bid"_s, 1.1}, {u"ask"_s, 1.2}}}}); }
 
 private Q_SLOTS:
     void init()
     {
+        QFile::remove(logFilePath());
         m_fixture = std::make_unique<MainWindowFixture>();
         desk().signInAndSettle();
     }
@@ -138,6 +146,89 @@ private Q_SLOTS:
         QVERIFY(experts().contains(u"Robot: 1 1000"_s));
         QVERIFY(experts().contains(u"Expert: Closing 1 position(s) on EURUSD"_s));
         QTRY_COMPARE(desk().http.count("POST", "/api/trades/close/t1"), 1);
+    }
+
+    void whatRefusesAnExpertStandsInTheLog_data()
+    {
+        QTest::addColumn<QByteArray>("script");
+        QTest::addColumn<QStringList>("lines");
+        QTest::newRow("the script itself")
+            << QByteArray("throw new TypeError('bad')") << QStringList(u"[Robot] TypeError at line 1: bad"_s);
+        QTest::newRow("OnInit") << QByteArray("function OnInit() { Print('first'); throw 5 }")
+                                << QStringList(u"[Robot] OnInit: 5"_s);
+        QTest::newRow("on two lines")
+            << QByteArray("function OnInit() { throw 'a\\nb' }") << QStringList(u"[Robot] OnInit: a b"_s);
+    }
+
+    void whatRefusesAnExpertStandsInTheLog()
+    {
+        QFETCH(const QByteArray, script);
+        QFETCH(const QStringList, lines);
+        desk().window->openChart(u"EURUSD"_s);
+        activate(script);
+        QCOMPARE(logged(), lines);
+    }
+
+    void withoutAChartTheRefusalStandsInTheLog()
+    {
+        activate("");
+        QCOMPARE(logged(), QStringList(u"[Expert] Open a chart first, then attach the Expert Advisor."_s));
+    }
+
+    void aScriptThatCannotBeOpenedStandsInTheLog()
+    {
+        desk().window->openChart(u"EURUSD"_s);
+        const QString path = m_folder.filePath(u"Gone.js"_s);
+        Q_EMIT desk().window->findChild<NavigatorWidget*>()->expertActivated(path);
+        QCOMPARE(experts(), QStringList(u"Gone: Cannot open "_s + path));
+        QCOMPARE(fixtures::logMessages().filter(u"[Gone] "_s), QStringList(u"[Gone] Cannot open "_s + path));
+    }
+
+    void whatEndsAnExpertStandsInTheLog()
+    {
+        desk().window->openChart(u"EURUSD"_s);
+        activate("function OnTick() { throw 'lost' } function OnDeinit() { throw 'bye' }");
+        tick();
+        QCOMPARE(logged(),
+            QStringList({u"[Robot] OnTick: lost"_s, u"[Robot] Stopped after error in OnTick: OnTick: lost"_s,
+                u"[Robot] OnDeinit: bye"_s}));
+    }
+
+    void anErrorAtTheVeryEndStandsInTheLog()
+    {
+        desk().window->openChart(u"EURUSD"_s);
+        activate("function OnDeinit() { throw 'bye' }");
+        desk().window.reset();
+        QCOMPARE(logged(), QStringList(u"[Robot] OnDeinit: bye"_s));
+    }
+
+    void itsRefusedOrdersStandInTheLog()
+    {
+        desk().http.on("POST", "/api/trades/place", StubAnswer::message(u"Not enough money"_s, 400));
+        desk().window->openChart(u"EURUSD"_s);
+        activate("var n = 0; function OnTick() { if (++n == 3) Trade.buy(-1); else { Trade.buy(0.1); "
+                 "Trade.closeAll() } }");
+        tick();
+        desk().action("Algo Trading")->setChecked(true);
+        tick();
+        QTRY_VERIFY(experts().contains(u"Expert: Order failed: Not enough money"_s));
+        tick();
+        QCOMPARE(logged(),
+            QStringList({u"[Expert] Algo Trading is OFF — order ignored. Enable it in the toolbar."_s,
+                u"[Expert] Algo Trading is OFF — close ignored."_s,
+                u"[Expert] Order failed: Not enough money"_s,
+                u"[Robot] Order ignored: the lots must be a number above 0, not -1"_s}));
+    }
+
+    void whatAnExpertMerelySaysStaysOutOfTheLog()
+    {
+        desk().http.on("POST", "/api/trades/place", StubAnswer::json("{}"));
+        desk().window->openChart(u"EURUSD"_s);
+        activate("function OnTick() { Print('failed: error'); Alert('failed'); Trade.buy(0.1) }");
+        desk().action("Algo Trading")->setChecked(true);
+        tick();
+        QTRY_VERIFY(experts().contains(u"Expert: BUY 0.10 EURUSD executed"_s));
+        QCOMPARE(logged(), QStringList());
     }
 
     void anExpertMayCloseItsChartInMidTick()

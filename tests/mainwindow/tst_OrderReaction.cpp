@@ -157,7 +157,8 @@ void tst_OrderReaction::ordersEventRefreshesThreeLists()
     QSignalSpy history(&events, &OrderEvents::historyRefreshWanted);
     events.onOrdersChanged({});
     QCOMPARE(journal.value(0), QVariantList({u"Trade"_s, u"Orders changed — refreshing"_s}));
-    QCOMPARE(expert.value(0), QVariantList({u"Execution"_s, u"Order state changed"_s}));
+    QCOMPARE(expert.value(0),
+        QVariantList({u"Execution"_s, u"Order state changed"_s, QVariant::fromValue(LineKind::Ordinary)}));
     QCOMPARE(sound.count(), 0);
     QCOMPARE(balloon.count(), 0);
     QCOMPARE(accounts.count(), 1);

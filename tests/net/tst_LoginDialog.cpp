@@ -2,6 +2,7 @@
 
 #include "app/TerminalSettings.h"
 #include "support/Hands.h"
+#include "support/LogMessages.h"
 #include "support/StubHttpServer.h"
 #include "support/TestMain.h"
 
@@ -39,6 +40,7 @@ private Q_SLOTS:
     void while_busy_only_cancel_works();
     void a_success_ends_accepted_with_the_answer();
     void a_failure_shows_its_text_and_asks_for_the_password_again();
+    void every_failure_stands_in_the_log();
     void server_markup_is_shown_as_text();
     void an_endless_message_leaves_the_buttons_on_the_screen();
     void a_new_attempt_hides_the_last_error();
@@ -346,6 +348,18 @@ void TestLoginDialog::a_failure_shows_its_text_and_asks_for_the_password_again()
     QCOMPARE(email()->text(), u"a@b.c"_s);
     QVERIFY(m_dialog->isVisible());
     QVERIFY(m_dialog->user().isEmpty());
+}
+
+void TestLoginDialog::every_failure_stands_in_the_log()
+{
+    QFile::remove(logFilePath());
+    open();
+    QTest::mouseClick(loginButton(), Qt::LeftButton);
+    fillAndPress();
+    m_server->release(StubAnswer::message(u"Wrong password"_s, 401));
+    QTRY_COMPARE(errorLabel()->text(), u"Wrong password"_s);
+    QCOMPARE(fixtures::logMessages().filter(u"[Auth]"_s),
+        QStringList({u"[Auth] Please enter your login and password."_s, u"[Auth] Wrong password"_s}));
 }
 
 void TestLoginDialog::server_markup_is_shown_as_text()

@@ -3,6 +3,7 @@
 #include "net/ApiClient.h"
 #include "orders/ModifyDialog.h"
 #include "support/Hands.h"
+#include "support/LogMessages.h"
 #include "support/ParseJson.h"
 #include "support/StubHttpServer.h"
 #include "support/TestMain.h"
@@ -106,6 +107,7 @@ private Q_SLOTS:
     void successIsReportedAndCloses();
     void successIsReportedBeforeTheWindowCloses();
     void aRefusalIsShownAndCanBeCorrected();
+    void everyRefusalStandsInTheLog();
     void aRefusalWithMarkupIsShownAsText();
     void aRefusalWithoutAMessageIsShownInTheNetworksWords_data();
     void aRefusalWithoutAMessageIsShownInTheNetworksWords();
@@ -438,6 +440,20 @@ void TestModifyDialog::aRefusalIsShownAndCanBeCorrected()
     QTRY_COMPARE(desk.server.heldCount(), 1);
     desk.server.release(StubAnswer::json("{}"));
     QTRY_COMPARE(modified.size(), 1);
+}
+
+void TestModifyDialog::everyRefusalStandsInTheLog()
+{
+    QFile::remove(logFilePath());
+    Desk desk;
+    desk.server.on("PUT", path, StubAnswer::message(u"Too close"_s, 400));
+    desk.press();
+    QTRY_VERIFY(desk.error()->isVisible());
+    Desk nameless(R"({"id":".."})");
+    nameless.press();
+    QVERIFY(nameless.error()->isVisible());
+    QCOMPARE(fixtures::logMessages().filter(u"[Trade]"_s),
+        QStringList({u"[Trade] Too close"_s, u"[Trade] This trade has no usable id."_s}));
 }
 
 void TestModifyDialog::aRefusalWithMarkupIsShownAsText()

@@ -1,6 +1,7 @@
 #include "OrderDeskFixture.h"
 #include "app/DecimalSpinBox.h"
 #include "app/Theme.h"
+#include "support/LogMessages.h"
 #include "support/TestMain.h"
 
 using namespace Qt::StringLiterals;
@@ -14,6 +15,7 @@ private Q_SLOTS:
     void init();
     void fieldsAreDisabledWhileSending();
     void aRefusalIsShownAndFieldsStay();
+    void everyRefusalStandsInTheLog();
     void aRefusalCanBeCorrectedAndSentAgain();
     void aRefusalWithoutMessageShowsTheNetworksText();
     void anUncertainOutcomeIsNeverReportedAsDone_data();
@@ -35,6 +37,7 @@ void TestOrderDialogAnswers::init()
 {
     setTheme(false);
     applyTheme(*qApp);
+    QFile::remove(logFilePath());
 }
 
 void TestOrderDialogAnswers::fieldsAreDisabledWhileSending()
@@ -78,6 +81,19 @@ void TestOrderDialogAnswers::aRefusalIsShownAndFieldsStay()
     QCOMPARE(sounds.at(0).at(0).value<SoundKind>(), SoundKind::Error);
     QCOMPARE(placed.size(), 0);
     QCOMPARE(unknown.size(), 0);
+}
+
+void TestOrderDialogAnswers::everyRefusalStandsInTheLog()
+{
+    Desk desk;
+    desk.server.on("POST", placePath, StubAnswer::message(u"Not enough\nmoney %1"_s, 400));
+    QTest::mouseClick(desk.buy(), Qt::LeftButton);
+    QTRY_VERIFY(desk.error()->isVisible());
+    desk.click(u"Limit Order"_s);
+    QTest::mouseClick(desk.buy(), Qt::LeftButton);
+    QCOMPARE(desk.error()->text(), u"Please enter a valid trigger price."_s);
+    QCOMPARE(fixtures::logMessages().filter(u"[Trade]"_s),
+        QStringList({u"[Trade] Not enough money %1"_s, u"[Trade] Please enter a valid trigger price."_s}));
 }
 
 void TestOrderDialogAnswers::aRefusalCanBeCorrectedAndSentAgain()
