@@ -57,6 +57,8 @@ public:
     void armRuler(bool on) { m_ruler.setArmed(on); }
     void followLevels(const QList<TradeLevel>& levels) { m_level.follow(levels); }
     void cancelLevel() { m_level.cancel(); }
+    /// The bars in view have other numbers now, so many higher.
+    void renumberBars(double bars) { m_panZoom.renumber(bars); }
 
     [[nodiscard]] const DrawingTool& tool() const { return m_tool; }
     [[nodiscard]] const Ruler& ruler() const { return m_ruler; }

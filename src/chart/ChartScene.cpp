@@ -1,6 +1,7 @@
 #include "chart/ChartScene.h"
 
 #include <algorithm>
+#include <cmath>
 #include <span>
 #include <utility>
 
@@ -66,6 +67,27 @@ ViewState ChartScene::atEnd() const
     ViewState state = m_state;
     state.rightBarIndex = static_cast<double>(std::max<qsizetype>(m_series.count() - 1, 0));
     state.autoScroll = true;
+    return state;
+}
+
+std::optional<ChartScene::Place> ChartScene::place() const
+{
+    if (m_state.autoScroll || m_series.isEmpty())
+        return std::nullopt;
+    const double nearest
+        = std::clamp(std::round(m_state.rightBarIndex), 0.0, static_cast<double>(m_series.count() - 1));
+    return Place{m_series.candles()[static_cast<std::size_t>(nearest)].time, m_state.rightBarIndex - nearest};
+}
+
+ViewState ChartScene::at(const Place& place) const
+{
+    const std::vector<Candle>& candles = m_series.candles();
+    const auto later = std::upper_bound(candles.begin(), candles.end(), place.time,
+        [](qint64 time, const Candle& bar) { return time < bar.time; });
+    const double index = static_cast<double>(later - candles.begin()) - 1.0 + place.beyond;
+    ViewState state = m_state;
+    state.rightBarIndex
+        = std::clamp(index, 0.0, static_cast<double>(std::max<qsizetype>(m_series.count() - 1, 0)));
     return state;
 }
 

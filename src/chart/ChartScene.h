@@ -19,6 +19,12 @@ struct QuotedView {
 /// asked for, not when something changes.
 class ChartScene final {
 public:
+    /// What stands at the right edge of a view.
+    struct Place {
+        qint64 time = 0;   ///< of the bar nearest to the edge, ms since the epoch
+        double beyond = 0; ///< bars from there to the edge
+    };
+
     /// Replaces the series (see CandleSeries for bad bars); the view stays where it is.
     void setCandles(std::vector<Candle> candles);
     /// Takes a quote at `timeMs` (ms since the epoch) and follows the market to a new bar. A price of 0 means
@@ -41,6 +47,11 @@ public:
 
     /// The state that shows the newest bar and follows it.
     [[nodiscard]] ViewState atEnd() const;
+    /// Where the view stands; nothing while it follows the newest bar, or without bars.
+    [[nodiscard]] std::optional<Place> place() const;
+    /// The state that stands at a place of another reading of the same series: at the bar that its time lies
+    /// in, or at the end of the bars that is nearest.
+    [[nodiscard]] ViewState at(const Place& place) const;
     [[nodiscard]] ViewState withAutoScroll(bool on) const;
     [[nodiscard]] ViewState withShift(bool on) const;
     [[nodiscard]] ViewState withBarWidth(double pixels) const;

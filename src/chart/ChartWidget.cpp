@@ -47,10 +47,26 @@ void ChartWidget::setCandles(std::vector<Candle> candles)
     // A refresh moves the prices away from below the pointer.
     m_gestures.cancelLevel();
     updateCursor();
+    replaceBars(std::move(candles));
+    scrollToEnd();
+}
+
+void ChartWidget::renewCandles(std::vector<Candle> candles)
+{
+    if (candles.empty())
+        return setCandles({});
+    const std::optional<ChartScene::Place> place = m_scene.place();
+    const double before = rightBarIndex();
+    replaceBars(std::move(candles));
+    applyView(place ? m_scene.at(*place) : m_scene.atEnd());
+    m_gestures.renumberBars(rightBarIndex() - before);
+}
+
+void ChartWidget::replaceBars(std::vector<Candle> candles)
+{
     m_scene.setCandles(std::move(candles));
     m_indicators.forgetBars();
     update();
-    scrollToEnd();
 }
 
 void ChartWidget::onTick(double bid, double ask, qint64 timeMs)

@@ -32,6 +32,10 @@ public:
 
     /// Replaces the series (see CandleSeries for bad bars), goes to its end and follows it.
     void setCandles(std::vector<Candle> candles);
+    /// Replaces the series by a later reading of the same one. A view that follows the market goes to the
+    /// end; any other keeps its bars in their places, and whatever is in the hand stays there. No bars at all
+    /// are as with setCandles().
+    void renewCandles(std::vector<Candle> candles);
     [[nodiscard]] const std::vector<Candle>& candles() const { return m_scene.series().candles(); }
     /// Changes whenever a bar other than the newest does, and when bars come or go.
     [[nodiscard]] quint64 seriesRevision() const { return m_scene.seriesRevision(); }
@@ -139,6 +143,7 @@ protected:
     void hideEvent(QHideEvent* event) override;
 
 private:
+    void replaceBars(std::vector<Candle> candles);
     void applyView(const ViewState& state);
     void movePointer(const QPoint& position);
     void take(const ChartGestures::Press& press, const QRegion& shownBefore);

@@ -137,7 +137,24 @@ void ChartWindow::load()
     m_drawings->load();
 }
 
+void ChartWindow::loadAgain()
+{
+    catchUp();
+    m_drawings->load();
+}
+
 void ChartWindow::reload()
+{
+    m_endWanted = true;
+    requestHistory();
+}
+
+void ChartWindow::catchUp()
+{
+    requestHistory();
+}
+
+void ChartWindow::requestHistory()
 {
     const unsigned int generation = ++m_historyGeneration;
     const QString path = u"/api/candles?symbol=%1&timeframe=%2"_s.arg(
@@ -150,6 +167,7 @@ void ChartWindow::reload()
 
 void ChartWindow::onHistory(const QByteArray& body, const QString& error)
 {
+    const bool toEnd = std::exchange(m_endWanted, false);
     std::optional<HistoryReply> history;
     if (error.isEmpty())
         history = HistoryReply::read(body);
@@ -158,15 +176,22 @@ void ChartWindow::onHistory(const QByteArray& body, const QString& error)
         Q_EMIT logMessage(tr("Chart"), tr("%1: failed to load candles: %2").arg(m_symbol, reason));
         return;
     }
-    // A history brings the view to its end and makes it follow; the first one after a restart must not
-    // take back what the trader had chosen.
-    const bool keepStill = std::exchange(m_restored, false) && !m_chart->autoScroll();
-    m_chart->setCandles(std::move(history->candles));
-    if (keepStill)
-        m_chart->setAutoScroll(false);
+    takeHistory(std::move(history->candles), toEnd);
     Q_EMIT logMessage(tr("Chart"),
         tr("%1,%2: %3 candles loaded")
             .arg(m_symbol, timeframeLabel(m_timeframe), QString::number(history->received)));
+}
+
+void ChartWindow::takeHistory(std::vector<Candle> candles, bool toEnd)
+{
+    // The first history after a restart must not take back what the trader had chosen.
+    const bool keepStill = std::exchange(m_restored, false) && !m_chart->autoScroll();
+    if (toEnd || keepStill)
+        m_chart->setCandles(std::move(candles));
+    else
+        m_chart->renewCandles(std::move(candles));
+    if (keepStill)
+        m_chart->setAutoScroll(false);
 }
 
 void ChartWindow::onPrices(const QJsonObject& prices)

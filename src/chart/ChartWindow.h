@@ -8,6 +8,8 @@
 #include <QPointer>
 #include <QWidget>
 
+#include <vector>
+
 class ApiClient;
 class ChartComment;
 class ChartExpert;
@@ -17,6 +19,7 @@ class DataWindow;
 class DrawingStore;
 class OneClickPanel;
 class ReadCoalescer;
+struct Candle;
 
 /// One chart of the document area: owns the canvas, knows its symbol, timeframe and account, loads its
 /// candle history and objects, and turns live prices and the account's trades into ticks and level lines.
@@ -62,8 +65,14 @@ public:
 public Q_SLOTS:
     /// The first requests of a new window: its history and its objects.
     void load();
-    /// Asks for the candle history again. A reply to an earlier request no longer counts.
+    /// Asks for the candle history again, which brings the view to its end. A reply to an earlier request no
+    /// longer counts.
     void reload();
+    /// The same when prices may have been missed, which the trader did not ask for: a view that was scrolled
+    /// back stays where it is, and the hand keeps what it holds.
+    void catchUp();
+    /// Reads history and objects again that could not be had before; the view stays as with catchUp().
+    void loadAgain();
     /// A price snapshot keyed by symbol; only this chart's symbol is read. Times are local ones: the feed
     /// carries none. A price that is missing or cannot be read counts as 0: it is shown, but goes into no
     /// bar.
@@ -129,7 +138,9 @@ protected:
     void contextMenuEvent(QContextMenuEvent* event) override;
 
 private:
+    void requestHistory();
     void onHistory(const QByteArray& body, const QString& error);
+    void takeHistory(std::vector<Candle> candles, bool toEnd);
     void connectExpert();
     void labelChart();
     /// Names the averages beside the panel while it covers their corner.
@@ -150,8 +161,9 @@ private:
     DataWindow* m_dataWindow = nullptr;
     QPointer<ChartPropertiesDialog> m_properties;
     unsigned int m_historyGeneration = 0;
-    bool m_restored = false; ///< a saved state was applied, and no history has arrived since
-    bool m_quoted = false;   ///< a price has come
+    bool m_endWanted = false; ///< the history that is on its way brings the view to its end
+    bool m_restored = false;  ///< a saved state was applied, and no history has arrived since
+    bool m_quoted = false;    ///< a price has come
     double m_balance = 0.0;
     double m_equity = 0.0;
 };

@@ -13,6 +13,8 @@ public:
     /// A drag begins at pixel column `x`.
     void begin(int x, const ViewState& state);
     void end() { m_panning = false; }
+    /// The bars below the drag have other numbers now, so many higher.
+    void renumber(double bars) { m_startIndex += bars; }
 
     /// The view with the pointer dragged to column `x` over a series of `count` bars: stays between the
     /// first and the last bar, and follows the market from the last bar on.

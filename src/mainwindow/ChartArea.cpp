@@ -275,7 +275,7 @@ void ChartArea::applySymbols()
         describe(*chart);
         // What the chart asked for while its symbol was away, the server refused.
         if (m_reportedUnlisted.contains(chart->symbol()) && isListed(chart->symbol()))
-            chart->load();
+            chart->loadAgain();
     }
     erase_if(m_reportedUnlisted, isListed);
 }
@@ -285,7 +285,7 @@ void ChartArea::catchUp()
     if (!std::exchange(m_interrupted, false))
         return;
     for (ChartWindow* chart : charts())
-        chart->reload();
+        chart->catchUp();
 }
 
 void ChartArea::setTimeframe(const QString& key)

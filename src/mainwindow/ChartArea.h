@@ -45,7 +45,7 @@ public:
     void applySymbols();
     /// From now on prices may be missing, until catchUp() reads the histories again.
     void noteInterruption() { m_interrupted = true; }
-    /// Reads every chart's history again if prices have been missed.
+    /// Reads every chart's history again if prices have been missed; views that were scrolled back stay.
     void catchUp();
 
     // For the active chart; nothing without one.

@@ -35,6 +35,9 @@ private Q_SLOTS:
     void a_late_tick_still_moves_the_quote();
     void a_missing_price_moves_the_quote_but_builds_no_bar();
     void a_new_bar_is_followed_only_while_scrolling();
+    void a_place_is_found_in_another_reading_of_the_bars();
+    void a_place_beyond_the_bars_is_their_nearest_end();
+    void there_is_no_place_while_following_or_without_bars();
     void the_last_view_is_known_until_something_changes();
     void the_view_fits_the_size_it_is_asked_for();
     void the_largest_volume_is_that_of_the_visible_bars();
@@ -94,6 +97,62 @@ void TestChartScene::a_new_bar_is_followed_only_while_scrolling()
     scene.setState(scene.withAutoScroll(false));
     QCOMPARE(scene.tick(1.1, 1.1, timeOfBar(31)), std::optional(TickEffect::Appended));
     QCOMPARE(scene.state().rightBarIndex, 30.0);
+}
+
+void TestChartScene::a_place_is_found_in_another_reading_of_the_bars()
+{
+    const std::vector<Candle> all = wave(60);
+    for (const double index : {20.0, 20.4, 20.5, 20.7, 0.0, 29.0}) {
+        ChartScene scene;
+        scene.setCandles({all.begin() + 10, all.begin() + 40});
+        ViewState back = scene.withAutoScroll(false);
+        back.rightBarIndex = index;
+        scene.setState(back);
+        const auto place = scene.place();
+        QVERIFY(place);
+        scene.setCandles(all); // more on both sides
+        QCOMPARE(scene.at(*place).rightBarIndex, index + 10.0);
+        QVERIFY(!scene.at(*place).autoScroll);
+        std::vector<Candle> gappy = all;
+        gappy.erase(gappy.begin() + 2, gappy.begin() + 5); // bars of long ago are missing
+        scene.setCandles(gappy);
+        QCOMPARE(scene.at(*place).rightBarIndex, index + 7.0);
+    }
+    // The bar at the edge itself is missing: the one before it stands there.
+    ChartScene scene;
+    scene.setCandles(all);
+    scene.setState(scene.atEnd());
+    scene.setState(scene.withAutoScroll(false));
+    const auto place = scene.place();
+    std::vector<Candle> without = all;
+    without.back().time += quarterHour;
+    scene.setCandles(without);
+    QCOMPARE(scene.at(*place).rightBarIndex, 58.0);
+}
+
+void TestChartScene::a_place_beyond_the_bars_is_their_nearest_end()
+{
+    const std::vector<Candle> all = wave(60);
+    ChartScene scene;
+    scene.setCandles(all);
+    ViewState back = scene.withAutoScroll(false);
+    back.rightBarIndex = 30.4;
+    scene.setState(back);
+    const auto place = scene.place();
+    scene.setCandles({all.begin() + 40, all.end()});
+    QCOMPARE(scene.at(*place).rightBarIndex, 0.0);
+    scene.setCandles({all.begin(), all.begin() + 20});
+    QCOMPARE(scene.at(*place).rightBarIndex, 19.0);
+    scene.setCandles({});
+    QCOMPARE(scene.at(*place).rightBarIndex, 0.0);
+}
+
+void TestChartScene::there_is_no_place_while_following_or_without_bars()
+{
+    QVERIFY(!sceneOf(30).place());
+    ChartScene empty;
+    empty.setState(empty.withAutoScroll(false));
+    QVERIFY(!empty.place());
 }
 
 void TestChartScene::the_last_view_is_known_until_something_changes()

@@ -57,6 +57,10 @@ private Q_SLOTS:
     void moreHistoryThanAReplyMayHoldKeepsWhatIsShown();
     void theFirstHistoryKeepsARestoredViewStill();
     void laterHistoriesFollowTheEndAgain();
+    void catchingUpKeepsAViewThatWasScrolledBack();
+    void catchingUpDoesNotTakeBackTheWishToSeeTheEnd();
+    void aWishThatFailedDoesNotMoveTheViewLater();
+    void readingAgainAsksForHistoryAndObjects();
     void aTimeframeChosenBeforeTheFirstHistoryFollowsTheEnd();
     void theKeysOfTheWindowGoToTheChart();
     void aChosenToolTakesTheKeys();
@@ -644,6 +648,79 @@ void tst_ChartWindow::laterHistoriesFollowTheEndAgain()
     window.reload();
     QTRY_COMPARE(log.size(), 2);
     QVERIFY(window.chart().autoScroll());
+}
+
+void tst_ChartWindow::catchingUpKeepsAViewThatWasScrolledBack()
+{
+    m_server->on("GET", candlesPath, StubAnswer::json(bars(3, 1.25)));
+    ChartWindow window(*m_api, u"EURUSD"_s, u"15m"_s, {}, 5);
+    QSignalSpy log(&window, &ChartWindow::logMessage);
+    window.load();
+    QTRY_COMPARE(log.size(), 1);
+    m_server->on("GET", candlesPath, StubAnswer::json(bars(5, 1.25)));
+    window.catchUp();
+    QTRY_COMPARE(log.size(), 2);
+    QCOMPARE(log.last().at(1), u"EURUSD,M15: 5 candles loaded"_s);
+    QCOMPARE(window.chart().rightBarIndex(), 4.0);
+    QVERIFY(window.chart().autoScroll());
+    window.chart().setAutoScroll(false);
+    m_server->on("GET", candlesPath, StubAnswer::json(bars(9, 1.25)));
+    window.catchUp();
+    QTRY_COMPARE(log.size(), 3);
+    QCOMPARE(window.chart().candles().size(), std::size_t(9));
+    QCOMPARE(window.chart().rightBarIndex(), 4.0);
+    QVERIFY(!window.chart().autoScroll());
+}
+
+void tst_ChartWindow::catchingUpDoesNotTakeBackTheWishToSeeTheEnd()
+{
+    m_server->once("GET", candlesPath, StubAnswer::json(bars(3, 1.25)));
+    ChartWindow window(*m_api, u"EURUSD"_s, u"15m"_s, {}, 5);
+    QSignalSpy log(&window, &ChartWindow::logMessage);
+    window.load();
+    QTRY_COMPARE(log.size(), 1);
+    window.chart().setAutoScroll(false);
+    m_server->on("GET", candlesPath, StubAnswer::held());
+    window.reload();
+    window.catchUp();
+    QTRY_COMPARE(m_server->heldCount(), 1);
+    m_server->on("GET", candlesPath, StubAnswer::json(bars(5, 1.25)));
+    QVERIFY(m_server->release(StubAnswer::json(bars(4, 1.25))));
+    QTRY_COMPARE(log.size(), 2);
+    QCOMPARE(window.chart().rightBarIndex(), 4.0);
+    QVERIFY(window.chart().autoScroll());
+}
+
+void tst_ChartWindow::aWishThatFailedDoesNotMoveTheViewLater()
+{
+    m_server->once("GET", candlesPath, StubAnswer::json(bars(3, 1.25)));
+    m_server->once("GET", candlesPath, StubAnswer::message(u"Not now"_s, 503));
+    m_server->on("GET", candlesPath, StubAnswer::json(bars(5, 1.25)));
+    ChartWindow window(*m_api, u"EURUSD"_s, u"15m"_s, {}, 5);
+    QSignalSpy log(&window, &ChartWindow::logMessage);
+    window.load();
+    QTRY_COMPARE(log.size(), 1);
+    window.reload();
+    QTRY_COMPARE(log.size(), 2);
+    window.chart().setAutoScroll(false);
+    window.catchUp();
+    QTRY_COMPARE(log.size(), 3);
+    QCOMPARE(window.chart().rightBarIndex(), 2.0);
+    QVERIFY(!window.chart().autoScroll());
+}
+
+void tst_ChartWindow::readingAgainAsksForHistoryAndObjects()
+{
+    m_server->on("GET", candlesPath, StubAnswer::json(bars(3, 1.25)));
+    ChartWindow window(*m_api, u"EURUSD"_s, u"15m"_s, {}, 5);
+    QSignalSpy log(&window, &ChartWindow::logMessage);
+    window.load();
+    QTRY_COMPARE(log.size(), 1);
+    window.chart().setAutoScroll(false);
+    window.loadAgain();
+    QTRY_COMPARE(log.size(), 2);
+    QVERIFY(!window.chart().autoScroll());
+    QTRY_COMPARE(m_server->count("GET", drawingsPath), 2);
 }
 
 void tst_ChartWindow::aTimeframeChosenBeforeTheFirstHistoryFollowsTheEnd()

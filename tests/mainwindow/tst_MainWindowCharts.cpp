@@ -1,4 +1,5 @@
 #include "MainWindowFixture.h"
+#include "chart/ChartFrame.h"
 #include "chart/ChartWidget.h"
 #include "chart/ChartWindow.h"
 #include "support/TestMain.h"
@@ -8,6 +9,8 @@
 #include <QMdiSubWindow>
 #include <QStatusBar>
 #include <QTabBar>
+
+#include <cmath>
 
 using namespace Qt::StringLiterals;
 
@@ -20,6 +23,19 @@ bool showsHistory(const ChartWindow& chart)
     return !candles.empty() && candles.front().time == 1'780'358'400'000;
 }
 
+/// `count` quarter-hour bars from so many after 2 June 2026, 00:00 UTC.
+QByteArray historyOf(int first, int count)
+{
+    QJsonArray rows;
+    for (int i = first; i < first + count; ++i) {
+        const QDateTime time = QDateTime::fromMSecsSinceEpoch(1'780'358'400'000 + i * 900'000LL).toUTC();
+        const double price = 1.3 + 0.01 * std::sin(i * 0.3);
+        rows.append(QJsonObject{{u"timestamp"_s, time.toString(Qt::ISODateWithMs)}, {u"open"_s, price},
+            {u"high"_s, price + 0.001}, {u"low"_s, price - 0.001}, {u"close"_s, price}, {u"volume"_s, 1}});
+    }
+    return QJsonDocument(rows).toJson(QJsonDocument::Compact);
+}
+
 } // namespace
 
 class tst_MainWindowCharts final : public QObject {
@@ -30,6 +46,7 @@ private Q_SLOTS:
     void newChartStartsWithWhatIsKnown();
     void chartsFollowTradesFiguresAndPrices();
     void chartsReadTheirHistoryAgainOnlyAfterTheFeedWasGone();
+    void aReconnectionLeavesViewAndHandAlone();
     void zoomKeysActOnceAndLeaveTextFieldsAlone();
     void ampersandStaysVisibleInTheTab();
     void interruptedRestoringIsToldAndAShownWindowEndsIt();
@@ -122,6 +139,55 @@ void tst_MainWindowCharts::chartsReadTheirHistoryAgainOnlyAfterTheFeedWasGone()
     QTRY_COMPARE(f.http.count("GET", "/api/accounts"), 5);
     f.settle();
     QCOMPARE(f.http.count("GET", "/api/candles"), 2);
+}
+
+void tst_MainWindowCharts::aReconnectionLeavesViewAndHandAlone()
+{
+    const QByteArray path = "/api/candles?symbol=GBPUSD&timeframe=15m"; // no price of now builds bars of it
+    MainWindowFixture f;
+    f.http.on("GET", path, StubAnswer::json(historyOf(0, 300)));
+    f.http.on("GET", "/api/trades/open?accountId=a1",
+        StubAnswer::json(R"([{"id":"t1","accountId":"a1","symbol":"GBPUSD","lotSize":0.1,"entryPrice":1.2,
+                              "stopLoss":1.3}])"));
+    f.signInAndSettle();
+    f.window->openChart(u"GBPUSD"_s);
+    ChartWindow* window = f.charts().constFirst();
+    ChartWidget& chart = window->chart();
+    QTRY_COMPARE(chart.candles().size(), std::size_t(300));
+    f.settle();
+
+    const QPoint free(chart.view().plot().center().x(), chart.view().pricePixel(1.3) + 30);
+    QTest::mousePress(&chart, Qt::LeftButton, {}, free);
+    QTest::mouseMove(&chart, free + QPoint(93, 0));
+    QTest::mouseRelease(&chart, Qt::LeftButton, {}, free + QPoint(93, 0));
+    QVERIFY(!chart.autoScroll());
+    const auto seen = [&chart] {
+        const ChartView& view = chart.view();
+        return QVector<double>{
+            static_cast<double>(chart.candles()[static_cast<std::size_t>(view.visible().first)].time),
+            view.barX(static_cast<double>(view.visible().first)), view.prices().min, view.prices().max};
+    };
+    const QVector<double> before = seen();
+    QVERIFY(before.first() > 1'780'358'400'000.0); // there is more to the left
+    const QPoint onLevel(free.x(), chart.view().pricePixel(1.3));
+    QTest::mousePress(&chart, Qt::LeftButton, {}, onLevel);
+    QTest::mouseMove(&chart, onLevel + QPoint(0, 40));
+    QCOMPARE(chart.frame().draggedLevel, 1);
+    const double price = chart.frame().draggedPrice;
+
+    f.http.on("GET", path, StubAnswer::json(historyOf(-20, 340)));
+    f.feed.cut();
+    QTRY_COMPARE(chart.candles().size(), std::size_t(340));
+    f.settle();
+    QCOMPARE(seen(), before);
+    QVERIFY(!chart.autoScroll());
+    QCOMPARE(chart.frame().draggedLevel, 1);
+    QCOMPARE(chart.frame().draggedPrice, price);
+
+    window->reload(); // the trader's own wish to see the newest
+    QTRY_VERIFY(chart.autoScroll());
+    QCOMPARE(chart.rightBarIndex(), 339.0);
+    QCOMPARE(chart.frame().draggedLevel, -1);
 }
 
 void tst_MainWindowCharts::zoomKeysActOnceAndLeaveTextFieldsAlone()
