@@ -30,8 +30,9 @@ constexpr qint64 largestReply = 16LL * 1024 * 1024;
 // Line breaks in a header value are sent as they are and would add headers of their own.
 bool isSendable(const QString& token)
 {
-    return !token.isEmpty()
-        && std::all_of(token.begin(), token.end(), [](QChar c) { return c >= u' ' && c <= u'~'; });
+    return !token.isEmpty() && std::none_of(token.begin(), token.end(), [](QChar c) {
+        return c.category() == QChar::Other_Control;
+    });
 }
 
 // The address and the path are joined as text: a path such as "@host/" would name another host, and

@@ -19,9 +19,10 @@ using ReplyCallback = std::function<void(const QJsonDocument& document, const QS
 using BodyCallback = std::function<void(const QByteArray& body, const QString& error)>;
 
 /// Talks HTTP(S) to the platform server. Address and token are taken from the settings at each
-/// call; each call is one request, given up after 15 seconds without progress. Paths begin with
-/// "/", and ids in them are encoded by the caller (net/UrlParts.h); a path that could reach
-/// another host or resource is answered with an error and never sent.
+/// call; a token that is empty or holds a control character is left out. Each call is one request,
+/// given up after 15 seconds without progress. Paths begin with "/", and ids in them are encoded by
+/// the caller (net/UrlParts.h); a path that could reach another host or resource is answered with an
+/// error and never sent.
 class ApiClient final : public QObject {
     Q_OBJECT
     Q_DISABLE_COPY_MOVE(ApiClient)

@@ -33,6 +33,8 @@ private Q_SLOTS:
     void without_a_token_no_authorization_is_sent();
     void a_token_that_could_break_the_header_is_never_sent_data();
     void a_token_that_could_break_the_header_is_never_sent();
+    void any_other_token_is_sent_in_utf_8_data();
+    void any_other_token_is_sent_in_utf_8();
     void address_and_token_apply_to_the_next_request();
     void an_address_without_scheme_and_with_a_slash_becomes_https();
     void state_changing_calls_send_compact_json();
@@ -119,8 +121,10 @@ void TestApiClient::a_token_that_could_break_the_header_is_never_sent_data()
     QTest::addColumn<QString>("token");
     QTest::newRow("line break") << u"good\r\nX-Evil: 1"_s;
     QTest::newRow("control") << u"good\x01"_s;
-    QTest::newRow("beyond ASCII") << u"göod"_s;
     QTest::newRow("delete") << u"good\x7f"_s;
+    QTest::newRow("tab") << u"good\tbad"_s;
+    QTest::newRow("next line") << u"good\u0085"_s;
+    QTest::newRow("null") << u"go"_s + QChar(u'\0') + u"od"_s;
 }
 
 void TestApiClient::a_token_that_could_break_the_header_is_never_sent()
@@ -132,6 +136,31 @@ void TestApiClient::a_token_that_could_break_the_header_is_never_sent()
     const StubRequest request = m_server->last("GET", "/api/accounts");
     QVERIFY(!request.hasHeader("Authorization"));
     QVERIFY(!request.hasHeader("X-Evil"));
+}
+
+void TestApiClient::any_other_token_is_sent_in_utf_8_data()
+{
+    QTest::addColumn<QString>("token");
+    QTest::newRow("one letter") << u"x"_s;
+    QTest::newRow("beyond ASCII") << u"göod-жетон-鍵"_s;
+    QTest::newRow("beyond the basic plane") << u"key-\U0001f511"_s;
+    QTest::newRow("blanks") << u" a  b "_s;
+    QTest::newRow("no-break space") << u"a\u00a0b"_s;
+    QTest::newRow("signs") << u"a+b/c==\"%0d%0a\",;:~"_s;
+}
+
+void TestApiClient::any_other_token_is_sent_in_utf_8()
+{
+    QFETCH(const QString, token);
+    TerminalSettings::instance().setToken(token);
+    m_server->on("GET", "/x", StubAnswer::json("[]"));
+    m_server->on("POST", "/x", StubAnswer::json("{}"));
+    QCOMPARE(read(u"/x"_s).error, QString());
+    QVERIFY(finish(m_api->post(u"/x"_s, {})).ok);
+    // Blanks at the end of a line are no part of a header's value for any server.
+    const QByteArray expected = ("Bearer " + token.toUtf8()).trimmed();
+    QCOMPARE(m_server->last("GET", "/x").header("Authorization"), expected);
+    QCOMPARE(m_server->last("POST", "/x").header("Authorization"), expected);
 }
 
 void TestApiClient::address_and_token_apply_to_the_next_request()

@@ -17,6 +17,8 @@ private Q_SLOTS:
     void cleanup();
 
     void it_connects_with_the_token_percent_encoded_in_the_query();
+    void every_token_arrives_as_it_is_data();
+    void every_token_arrives_as_it_is();
     void the_log_tells_the_address_without_the_query();
     void an_https_address_becomes_wss();
     void an_address_with_a_percent_sign_stays_as_it_is_in_the_log();
@@ -87,6 +89,26 @@ void TestWsClient::it_connects_with_the_token_percent_encoded_in_the_query()
     QVERIFY(head.contains("sec-websocket-version: 13"));
     QVERIFY(!head.contains("\r\norigin:"));
     QVERIFY(!head.contains("authorization"));
+}
+
+void TestWsClient::every_token_arrives_as_it_is_data()
+{
+    QTest::addColumn<QString>("token");
+    QTest::addColumn<QByteArray>("query");
+    QTest::newRow("none") << QString() << "token="_ba;
+    QTest::newRow("beyond ASCII") << u"göod-ж"_s << "token=g%C3%B6od-%D0%B6"_ba;
+    QTest::newRow("beyond the basic plane") << u"\U0001f511"_s << "token=%F0%9F%94%91"_ba;
+    QTest::newRow("blanks") << u" a  b "_s << "token=%20a%20%20b%20"_ba;
+    QTest::newRow("escapes") << u"%41+%2B"_s << "token=%2541%2B%252B"_ba;
+}
+
+void TestWsClient::every_token_arrives_as_it_is()
+{
+    QFETCH(const QString, token);
+    QFETCH(const QByteArray, query);
+    TerminalSettings::instance().setToken(token);
+    connectFeed();
+    QCOMPARE(m_feed->targets(), QList<QByteArray>({"/ws/terminal?" + query}));
 }
 
 void TestWsClient::the_log_tells_the_address_without_the_query()
