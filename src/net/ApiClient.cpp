@@ -181,11 +181,11 @@ void ApiClient::finishLogin(QNetworkReply* reply, const QString& email)
 {
     reply->deleteLater();
     const ReplyOutcome outcome = ReplyOutcome::read(reply);
-    const QString token = outcome.body.value("token"_L1).toString();
-    if (outcome.ok && !token.isEmpty()) {
+    const auto token = outcome.body.constFind("token"_L1);
+    if (outcome.ok && token != outcome.body.constEnd()) {
         TerminalSettings& settings = TerminalSettings::instance();
         settings.setEmail(email);
-        settings.setToken(token); // writes both to the disk
+        settings.setToken(token->toString()); // writes both to the disk
         Q_EMIT loginSucceeded(outcome.body);
         return;
     }

@@ -50,7 +50,8 @@ public:
     /// became of them only the server knows. Sign-ins are left out.
     [[nodiscard]] QStringList unansweredChanges() const;
 
-    /// Signs in. On success the token and the e-mail are in the settings before loginSucceeded.
+    /// Signs in. An answer that has a "token", whatever it holds, is a success; token and e-mail are in the
+    /// settings before loginSucceeded.
     void login(const QString& email, const QString& password);
 
 Q_SIGNALS:

@@ -5,6 +5,7 @@
 #include "support/TestMain.h"
 
 #include <QFile>
+#include <QJsonDocument>
 #include <optional>
 
 using namespace Qt::StringLiterals;
@@ -18,8 +19,10 @@ private Q_SLOTS:
     void it_posts_the_credentials_without_any_token();
     void token_and_email_are_stored_before_the_success_is_announced();
     void a_sign_in_is_on_disk_before_the_success_is_announced();
-    void an_answer_without_a_usable_token_fails_data();
-    void an_answer_without_a_usable_token_fails();
+    void an_answer_without_a_token_fails_data();
+    void an_answer_without_a_token_fails();
+    void the_presence_of_a_token_is_a_success_data();
+    void the_presence_of_a_token_is_a_success();
     void a_failed_sign_in_shows_the_servers_message();
     void a_failed_sign_in_without_a_message_shows_the_toolkits_text_data();
     void a_failed_sign_in_without_a_message_shows_the_toolkits_text();
@@ -102,7 +105,7 @@ void TestSignIn::a_sign_in_is_on_disk_before_the_success_is_announced()
     QVERIFY2(stored.contains("new-token"), stored.constData());
 }
 
-void TestSignIn::an_answer_without_a_usable_token_fails_data()
+void TestSignIn::an_answer_without_a_token_fails_data()
 {
     QTest::addColumn<QByteArray>("body");
     QTest::addColumn<QString>("message");
@@ -111,15 +114,13 @@ void TestSignIn::an_answer_without_a_usable_token_fails_data()
     QTest::newRow("empty body") << QByteArray() << unexpected;
     QTest::newRow("html") << "<html>Welcome</html>"_ba << unexpected;
     QTest::newRow("array") << R"([{"token":"t"}])"_ba << unexpected;
-    QTest::newRow("token is a number") << R"({"token":5})"_ba << unexpected;
-    QTest::newRow("token is empty") << R"({"token":""})"_ba << unexpected;
-    QTest::newRow("token is null") << R"({"token":null})"_ba << unexpected;
-    QTest::newRow("token is an object") << R"({"token":{"value":"t"}})"_ba << unexpected;
+    QTest::newRow("other letters") << R"({"Token":"t"})"_ba << unexpected;
+    QTest::newRow("token further in") << R"({"user":{"token":"t"}})"_ba << unexpected;
     QTest::newRow("message instead") << R"({"message":"Account locked"})"_ba << u"Account locked"_s;
     QTest::newRow("message of a wrong type") << R"({"message":["x"]})"_ba << unexpected;
 }
 
-void TestSignIn::an_answer_without_a_usable_token_fails()
+void TestSignIn::an_answer_without_a_token_fails()
 {
     QFETCH(const QByteArray, body);
     QFETCH(const QString, message);
@@ -127,6 +128,33 @@ void TestSignIn::an_answer_without_a_usable_token_fails()
     QCOMPARE(loginError(), message);
     QCOMPARE(TerminalSettings::instance().token(), u"old-token"_s);
     QCOMPARE(TerminalSettings::instance().email(), u"old@b.c"_s);
+}
+
+void TestSignIn::the_presence_of_a_token_is_a_success_data()
+{
+    QTest::addColumn<QByteArray>("body");
+    QTest::addColumn<QString>("token");
+    QTest::newRow("text") << R"({"token":" t "})"_ba << u" t "_s;
+    QTest::newRow("empty") << R"({"token":""})"_ba << QString();
+    QTest::newRow("null") << R"({"token":null})"_ba << QString();
+    QTest::newRow("a number") << R"({"token":5})"_ba << QString();
+    QTest::newRow("an object") << R"({"token":{"value":"t"}})"_ba << QString();
+    QTest::newRow("with a message") << R"({"token":"","message":"Welcome"})"_ba << QString();
+}
+
+void TestSignIn::the_presence_of_a_token_is_a_success()
+{
+    QFETCH(const QByteArray, body);
+    QFETCH(const QString, token);
+    m_server->on("POST", "/api/auth/login", StubAnswer::json(body));
+    QCOMPARE(loginError(), u"(success)"_s);
+    QCOMPARE(TerminalSettings::instance().token(), token);
+    QCOMPARE(TerminalSettings::instance().email(), u"new@b.c"_s);
+
+    bool answered = false;
+    m_api->get(u"/x"_s, this, [&answered](const QJsonDocument&, const QString&) { answered = true; });
+    QTRY_VERIFY(answered);
+    QCOMPARE(m_server->last("GET", "/x").hasHeader("Authorization"), !token.isEmpty());
 }
 
 void TestSignIn::a_failed_sign_in_shows_the_servers_message()
