@@ -79,8 +79,8 @@ void AccountFlow::refreshAll()
 
 void AccountFlow::onAccounts(const QJsonDocument& document, const QString& error)
 {
-    if (const QString reason = failureOf(document, error); !reason.isEmpty()) {
-        reportFailure(tr("Failed to load accounts: %1").arg(reason));
+    if (!error.isEmpty()) {
+        reportFailure(tr("Failed to load accounts: %1").arg(error));
         return;
     }
     m_book.setAccounts(document.array());
@@ -142,8 +142,8 @@ void AccountFlow::onOpenTrades(const QString& accountId, const QJsonDocument& do
 {
     if (accountId != m_book.currentAccountId())
         return;
-    if (const QString reason = failureOf(document, error); !reason.isEmpty()) {
-        reportFailure(tr("Failed to load trades: %1").arg(reason));
+    if (!error.isEmpty()) {
+        reportFailure(tr("Failed to load trades: %1").arg(error));
         return;
     }
     const QJsonArray open = document.array();
@@ -182,7 +182,7 @@ void AccountFlow::showTrades()
 
 void AccountFlow::onHistory(const QString& accountId, const QJsonDocument& document, const QString& error)
 {
-    if (accountId == m_book.currentAccountId() && failureOf(document, error).isEmpty())
+    if (accountId == m_book.currentAccountId() && error.isEmpty())
         m_views.toolbox.setHistoryRows(document.array(), m_book.digits());
 }
 
@@ -214,13 +214,6 @@ void AccountFlow::updateAccountSummary()
     m_views.toolbox.setAccountSummary(
         summary->balance, summary->equity, summary->margin, summary->freeMargin, summary->profit);
     m_views.charts.applySummary();
-}
-
-QString AccountFlow::failureOf(const QJsonDocument& document, const QString& error)
-{
-    // A cut body, a proxy's page and a foreign record arrive as successes; taken for empty lists they would
-    // hide positions.
-    return error.isEmpty() && !document.isArray() ? tr("Unexpected server response") : error;
 }
 
 void AccountFlow::reportFailure(const QString& message)

@@ -23,8 +23,8 @@ struct AccountViews final {
 
 /// Loads accounts, trades and history into the book and hands them to the views. A reply counts only
 /// for the account that it was asked for; a failed read never clears what is shown, except that pending
-/// orders that cannot be read count as none; a read asked for again while it is in flight is repeated
-/// once afterwards.
+/// orders that cannot be read count as none; an answer that is no JSON list counts as an empty one; a read
+/// asked for again while it is in flight is repeated once afterwards.
 class AccountFlow final : public QObject {
     Q_OBJECT
     Q_DISABLE_COPY_MOVE(AccountFlow)
@@ -59,8 +59,6 @@ private:
     void fillSelector();
     void showTrades();
     void updateAccountSummary();
-    /// Why a reply is of no use, or nothing: an error, or a body that is no JSON list.
-    [[nodiscard]] static QString failureOf(const QJsonDocument& document, const QString& error);
     void reportFailure(const QString& message);
 
     AccountBook& m_book;

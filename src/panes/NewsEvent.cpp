@@ -32,16 +32,14 @@ QString clockText(const QString& iso)
 
 } // namespace
 
-std::optional<NewsReply> NewsReply::read(const QJsonDocument& document)
+NewsReply NewsReply::read(const QJsonDocument& document)
 {
     const QJsonObject body = document.object();
-    const QJsonValue events = body.value("events"_L1);
-    if (!events.isArray())
-        return std::nullopt;
+    const QJsonArray events = body.value("events"_L1).toArray();
     NewsReply reply;
     reply.notifyMinutes
         = jsonInt(body.value("settings"_L1).toObject().value("notifyMin"_L1), usualNotifyMinutes);
-    for (const auto& value : events.toArray()) {
+    for (const auto& value : events) {
         if (!value.isObject())
             continue;
         NewsEvent event;

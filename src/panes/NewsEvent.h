@@ -5,8 +5,6 @@
 #include <QList>
 #include <QString>
 
-#include <optional>
-
 /// One upcoming event of the economic calendar.
 struct NewsEvent final {
     QString id;
@@ -22,8 +20,8 @@ struct NewsReply final {
     int notifyMinutes = 15;  ///< how long before an event of high impact to warn
     QList<NewsEvent> events; ///< in the server's order
 
-    /// Nothing for a document that holds no list of events; fields of a wrong type count as missing.
-    [[nodiscard]] static std::optional<NewsReply> read(const QJsonDocument& document);
+    /// A document that holds no list of events has none; fields of a wrong type count as missing.
+    [[nodiscard]] static NewsReply read(const QJsonDocument& document);
 };
 
 /// "now", "59m" or "1h 15m".

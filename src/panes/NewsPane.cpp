@@ -51,11 +51,9 @@ void NewsPane::refresh()
 
 void NewsPane::onReply(const QJsonDocument& document)
 {
-    const std::optional<NewsReply> news = NewsReply::read(document);
-    if (!news)
-        return;
-    fill(*news);
-    announce(*news);
+    const NewsReply news = NewsReply::read(document);
+    fill(news);
+    announce(news);
 }
 
 void NewsPane::fill(const NewsReply& news)

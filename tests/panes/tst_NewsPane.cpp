@@ -93,6 +93,8 @@ private Q_SLOTS:
     void anEventPassedUnseenIsNotAnnouncedLater();
     void failuresKeepTheListAndSayNothing_data();
     void failuresKeepTheListAndSayNothing();
+    void anAnswerWithoutEventsEmptiesTheList_data();
+    void anAnswerWithoutEventsEmptiesTheList();
     void badFieldsCountAsMissing();
     void markupInATitleIsText();
     void tenThousandEventsAreShown();
@@ -196,8 +198,8 @@ void TestNewsPane::showsTheEventsTime()
     QFETCH(QString, text);
     const auto news
         = NewsReply::read(QJsonDocument::fromJson(R"({"events":[{"eventTime":")" + iso + R"("}]})"));
-    QVERIFY(news && news->events.size() == 1);
-    QCOMPARE(news->events.first().time, text);
+    QCOMPARE(news.events.size(), 1);
+    QCOMPARE(news.events.first().time, text);
 }
 
 void TestNewsPane::warnsInTimeAndOnce()
@@ -281,9 +283,6 @@ void TestNewsPane::failuresKeepTheListAndSayNothing_data()
     QTest::newRow("connection closed") << StubAnswer::closed();
     QTest::newRow("cut after the events") << StubAnswer::raw(
         "HTTP/1.1 200 OK\r\nContent-Length: " + QByteArray::number(events.size() + 1) + "\r\n\r\n" + events);
-    QTest::newRow("no JSON") << StubAnswer::html("<html>", 200);
-    QTest::newRow("a list") << StubAnswer::json("[]");
-    QTest::newRow("events of a wrong type") << StubAnswer::json(R"({"events":{}})");
 }
 
 void TestNewsPane::failuresKeepTheListAndSayNothing()
@@ -300,6 +299,31 @@ void TestNewsPane::failuresKeepTheListAndSayNothing()
     desk.api.get(u"/other"_s, [](const QJsonDocument&, const QString&) {});
     QTRY_COMPARE(desk.server.count("GET", "/other"), 1);
     QCOMPARE(desk.server.count("GET", path), asked);
+}
+
+void TestNewsPane::anAnswerWithoutEventsEmptiesTheList_data()
+{
+    QTest::addColumn<StubAnswer>("answer");
+    QTest::newRow("an empty object") << StubAnswer::json("{}");
+    QTest::newRow("settings only") << StubAnswer::json(R"({"settings":{"notifyMin":5}})");
+    QTest::newRow("events of a wrong type") << StubAnswer::json(R"({"events":{}})");
+    QTest::newRow("events null") << StubAnswer::json(R"({"events":null})");
+    QTest::newRow("a list") << StubAnswer::json("[]");
+    QTest::newRow("nothing") << StubAnswer::json("");
+    QTest::newRow("no JSON") << StubAnswer::html("<html>", 200);
+}
+
+void TestNewsPane::anAnswerWithoutEventsEmptiesTheList()
+{
+    QFETCH(StubAnswer, answer);
+    Desk desk;
+    desk.read(body({eventJson("a", 90), eventJson("b", 5)}));
+    QCOMPARE(desk.list()->topLevelItemCount(), 2);
+    desk.read(answer);
+    QCOMPARE(desk.list()->topLevelItemCount(), 0);
+    // What was announced stays announced.
+    desk.read(body({eventJson("b", 4)}));
+    QCOMPARE(desk.balloons.size(), 1);
 }
 
 void TestNewsPane::badFieldsCountAsMissing()
