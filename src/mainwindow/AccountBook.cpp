@@ -128,19 +128,30 @@ QStringList AccountBook::symbolNames() const
 
 void AccountBook::notePrices(const PriceSnapshot& prices)
 {
-    for (const PriceSnapshot::Entry& entry : prices.entries())
+    for (const PriceSnapshot::Entry& entry : prices.entries()) {
         m_quotes.insert(entry.symbol, entry.quote);
+        if (!m_helloQuotes.isEmpty())
+            m_helloQuotes.remove(entry.symbol);
+    }
+}
+
+void AccountBook::noteHelloPrices(const PriceSnapshot& prices)
+{
+    for (const PriceSnapshot::Entry& entry : prices.entries())
+        m_helloQuotes.insert(entry.symbol, entry.quote);
 }
 
 QJsonObject AccountBook::knownPrice(const QString& symbol) const
 {
-    const auto found = m_quotes.constFind(symbol);
-    return found == m_quotes.cend() ? QJsonObject() : QJsonObject{{symbol, recordOf(*found)}};
+    if (!m_quotes.contains(symbol) && !m_helloQuotes.contains(symbol))
+        return {};
+    return {{symbol, recordOf(knownQuote(symbol))}};
 }
 
 Quote AccountBook::knownQuote(const QString& symbol) const
 {
-    return m_quotes.value(symbol);
+    const auto greeted = m_helloQuotes.constFind(symbol);
+    return greeted == m_helloQuotes.cend() ? m_quotes.value(symbol) : *greeted;
 }
 
 QJsonObject AccountBook::knownTradePrices() const

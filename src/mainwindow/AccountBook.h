@@ -68,12 +68,15 @@ public:
 
     /// Remembers the latest quote of every symbol in a snapshot.
     void notePrices(const PriceSnapshot& prices);
+    /// The same for the prices of a hello, which are no ticks: they count until the symbol's next snapshot.
+    void noteHelloPrices(const PriceSnapshot& prices);
     /// The latest quote of one symbol as a price map of its own, without a price that was unreadable; empty
     /// when there is none.
     [[nodiscard]] QJsonObject knownPrice(const QString& symbol) const;
     /// The same as two prices.
     [[nodiscard]] Quote knownQuote(const QString& symbol) const;
-    /// The latest quotes of the symbols that the current trades are in, as one price map.
+    /// The latest quotes of the symbols that the current trades are in, as one price map; those of a hello
+    /// left out.
     [[nodiscard]] QJsonObject knownTradePrices() const;
 
 private:
@@ -87,4 +90,5 @@ private:
     QHash<QString, QJsonObject> m_symbolsByName;
     QHash<QString, int> m_digits;
     QHash<QString, Quote> m_quotes;
+    QHash<QString, Quote> m_helloQuotes; ///< of symbols that no snapshot has named since the hello
 };

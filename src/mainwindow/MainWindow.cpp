@@ -233,7 +233,11 @@ void MainWindow::onHello(const QJsonObject& hello)
     m_charts->applySymbols();
     m_charts->catchUp();
     m_smallWindows->onSymbols();
-    onPrices(hello["prices"_L1].toObject());
+    // No ticks: to whoever was connected before they may be old news, on which nothing is to act.
+    const PriceSnapshot prices(hello["prices"_L1].toObject());
+    m_book.noteHelloPrices(prices);
+    m_marketWatch->showQuotes(prices);
+    m_smallWindows->onPrices();
     m_actions->setSymbolsKnown(!m_book.symbolsByName().isEmpty());
     m_alerts->setSymbols(m_book.symbolNames());
     m_accounts->refreshAccounts();

@@ -29,6 +29,7 @@ private Q_SLOTS:
     void symbolsAreSortedByOrderThenName();
     void symbolNamesAreAlphabetical();
     void latestQuoteOfASymbolIsKnown();
+    void aHellosPricesCountUntilTheNextSnapshot();
     void knownTradePricesNameOnlyTradedSymbols();
 };
 
@@ -240,6 +241,22 @@ void tst_AccountBook::latestQuoteOfASymbolIsKnown()
     QCOMPARE(book.knownPrice(u"A"_s), object(R"({"A":{"bid":3}})"));
     QCOMPARE(book.knownPrice(u"B"_s), object(R"({"B":{"bid":2}})"));
     QVERIFY(book.knownPrice(u"C"_s).isEmpty());
+}
+
+void tst_AccountBook::aHellosPricesCountUntilTheNextSnapshot()
+{
+    AccountBook book;
+    book.notePrices(PriceSnapshot(object(R"({"A":{"bid":1},"B":{"bid":2}})")));
+    book.noteHelloPrices(PriceSnapshot(object(R"({"A":{"bid":3},"C":{"ask":4}})")));
+    book.setTrades(accounts(R"([{"symbol":"A"},{"symbol":"C"}])"), {});
+    QCOMPARE(book.knownPrice(u"A"_s), object(R"({"A":{"bid":3}})"));
+    QCOMPARE(book.knownPrice(u"B"_s), object(R"({"B":{"bid":2}})"));
+    QCOMPARE(book.knownPrice(u"C"_s), object(R"({"C":{"ask":4}})"));
+    QCOMPARE(book.knownTradePrices(), object(R"({"A":{"bid":1}})"));
+    book.notePrices(PriceSnapshot(object(R"({"A":{"bid":5}})")));
+    QCOMPARE(book.knownPrice(u"A"_s), object(R"({"A":{"bid":5}})"));
+    QCOMPARE(book.knownTradePrices(), object(R"({"A":{"bid":5}})"));
+    QCOMPARE(book.knownQuote(u"C"_s).ask, 4.0);
 }
 
 void tst_AccountBook::knownTradePricesNameOnlyTradedSymbols()

@@ -85,8 +85,12 @@ private Q_SLOTS:
         desk().feed.setGreeting(R"({"type":"hello",
             "symbols":[{"name":"EURUSD","digits":2,"sortOrder":1,"description":"Euro"}],
             "prices":{"EURUSD":{"bid":1.1,"ask":1.2}}})");
+        const int read = desk().http.count("GET", "/api/accounts");
         desk().feed.cut();
-        QTRY_COMPARE_WITH_TIMEOUT(experts().size(), before + 2, 20000);
+        QTRY_VERIFY_WITH_TIMEOUT(desk().http.count("GET", "/api/accounts") > read, 20000);
+        QCOMPARE(experts().size(), before);
+        tick();
+        QCOMPARE(experts().size(), before + 2);
         QCOMPARE(experts()[before], u"Robot: EURUSD 2 0.01"_s);
         QCOMPARE(order["stopLoss"_L1].toDouble(), 1.05);
     }

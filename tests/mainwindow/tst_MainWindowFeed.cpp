@@ -1,5 +1,7 @@
 #include "MainWindowFixture.h"
 #include "app/Log.h"
+#include "chart/ChartWidget.h"
+#include "chart/ChartWindow.h"
 #include "mainwindow/PopupPrices.h"
 #include "support/PaintCounter.h"
 #include "support/TestMain.h"
@@ -18,6 +20,10 @@ private Q_SLOTS:
     void trafficLatencyAndNewsOfTheFeedAreShown();
     void actionsThatNeedSymbolsWaitForThem();
     void pricesReachMarketWatchAndTrades();
+    void aHelloFiresNoAlert();
+    void aHelloTicksNoOpenChart();
+    void aHelloLeavesTheTradesPricesAlone();
+    void theHellosPricesAreKnownToChartsOpenedLater();
     void popupPricesFollowHelloAndSnapshots();
     void serverTextNeverBreaksALogLine();
     void hostileRecordsAreSurvived();
@@ -71,11 +77,89 @@ void tst_MainWindowFeed::pricesReachMarketWatchAndTrades()
 {
     MainWindowFixture f;
     f.signInAndSettle();
-    QTRY_COMPARE(f.list("tradeList").topLevelItem(0)->text(8), u"1.10000"_s);
     f.feed.send(R"({"type":"price_update","data":{"EURUSD":{"bid":"1.30001","ask":1.4}}})");
     QTRY_COMPARE(f.list("tradeList").topLevelItem(0)->text(8), u"1.30001"_s);
     auto* watch = &f.list("marketWatchSymbols");
     QCOMPARE(watch->topLevelItem(0)->text(1), u"1.30001"_s);
+}
+
+void tst_MainWindowFeed::aHelloFiresNoAlert()
+{
+    TerminalSettings::instance().setAlerts(
+        uR"([{"symbol":"EURUSD","above":true,"price":1},{"symbol":"USDJPY","price":1000}])"_s);
+    MainWindowFixture f;
+    f.signInAndSettle();
+    const QByteArray again
+        = R"({"type":"hello","symbols":[{"name":"EURUSD"}],"prices":{"EURUSD":{"bid":1.3,"ask":1.4}}})";
+    f.feed.send(again);
+    QTRY_COMPARE(f.list("marketWatchSymbols").topLevelItem(0)->text(1), u"1.30000"_s);
+    for (int row = 0; row < 2; ++row)
+        QCOMPARE(f.list("alertsList").topLevelItem(row)->text(3), u"Active"_s);
+    f.feed.send(R"({"type":"price_update","data":{"EURUSD":{"bid":1.3,"ask":1.4}}})");
+    QTRY_COMPARE(f.list("alertsList").topLevelItem(0)->text(3), u"Triggered"_s);
+    QCOMPARE(f.list("alertsList").topLevelItem(1)->text(3), u"Active"_s);
+    TerminalSettings::instance().setAlerts({});
+}
+
+void tst_MainWindowFeed::aHelloTicksNoOpenChart()
+{
+    MainWindowFixture f;
+    f.signInAndSettle();
+    f.window->openChart(u"EURUSD"_s);
+    f.settle();
+    ChartWindow* chart = f.charts().first();
+    QTemporaryDir folder;
+    QFile script(folder.filePath(u"Ticker.js"_s));
+    QVERIFY(script.open(QIODevice::WriteOnly));
+    script.write("function OnTick() { Print('tick ' + Bid) }");
+    script.close();
+    chart->attachExpert(script.fileName());
+    f.feed.send(R"({"type":"price_update","data":{"EURUSD":{"bid":1.3,"ask":1.4}}})");
+    QTRY_COMPARE(f.log("expertsList").count(u"Ticker: tick 1.3"_s), 1);
+    const qsizetype bars = chart->chart().candles().size();
+
+    f.feed.send(
+        R"({"type":"hello","symbols":[{"name":"EURUSD"}],"prices":{"EURUSD":{"bid":1.5,"ask":1.6}}})");
+    QTRY_COMPARE(f.list("marketWatchSymbols").topLevelItem(0)->text(1), u"1.50000"_s);
+    QCOMPARE(chart->chart().bid(), 1.3);
+    QCOMPARE(chart->chart().candles().size(), bars);
+    f.settle();
+    QCOMPARE(f.log("expertsList").filter(u"tick"_s).size(), 1);
+    f.feed.send(R"({"type":"price_update","data":{"EURUSD":{"bid":1.7,"ask":1.8}}})");
+    QTRY_COMPARE(f.log("expertsList").count(u"Ticker: tick 1.7"_s), 1);
+}
+
+void tst_MainWindowFeed::aHelloLeavesTheTradesPricesAlone()
+{
+    MainWindowFixture f;
+    f.signInAndSettle();
+    const auto price = [&f] { return f.list("tradeList").topLevelItem(0)->text(8); };
+    QCOMPARE(price(), QString());
+    f.feed.send(R"({"type":"price_update","data":{"EURUSD":{"bid":1.3,"ask":1.4}}})");
+    QTRY_COMPARE(price(), u"1.30000"_s);
+    // The hello has the trades read again; their rows show the last price that was ticked.
+    f.http.on("GET", "/api/trades/open?accountId=a1",
+        StubAnswer::json(MainWindowFixture::openTrades().replace("12.5", "13.5")));
+    f.feed.send(
+        R"({"type":"hello","symbols":[{"name":"EURUSD"}],"prices":{"EURUSD":{"bid":1.5,"ask":1.6}}})");
+    QTRY_COMPARE(f.list("tradeList").topLevelItem(0)->text(11), u"13.50"_s);
+    QCOMPARE(f.list("marketWatchSymbols").topLevelItem(0)->text(1), u"1.50000"_s);
+    QCOMPARE(price(), u"1.30000"_s);
+}
+
+void tst_MainWindowFeed::theHellosPricesAreKnownToChartsOpenedLater()
+{
+    MainWindowFixture f;
+    f.signInAndSettle();
+    f.window->openChart(u"USDJPY"_s);
+    QCOMPARE(f.charts().first()->chart().bid(), 150.5);
+    f.feed.send(R"({"type":"price_update","data":{"EURUSD":{"bid":1.3,"ask":1.4}}})");
+    f.feed.send(
+        R"({"type":"hello","symbols":[{"name":"EURUSD"}],"prices":{"EURUSD":{"bid":1.5,"ask":1.6}}})");
+    QTRY_COMPARE(f.list("marketWatchSymbols").topLevelItem(0)->text(1), u"1.50000"_s);
+    f.window->openChart(u"EURUSD"_s);
+    QCOMPARE(f.charts().last()->chart().bid(), 1.5);
+    QCOMPARE(f.charts().first()->chart().bid(), 150.5);
 }
 
 void tst_MainWindowFeed::popupPricesFollowHelloAndSnapshots()
