@@ -7,7 +7,7 @@
 
 namespace {
 
-constexpr int mostDigits = 8;
+constexpr int mostDigits = 15;
 constexpr qsizetype shortIdLength = 8;
 
 double shown(double value)

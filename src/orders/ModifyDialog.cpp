@@ -1,6 +1,7 @@
 #include "orders/ModifyDialog.h"
 
 #include "app/DecimalEdit.h"
+#include "app/DecimalText.h"
 #include "app/FocusOrder.h"
 #include "app/NumberFormat.h"
 #include "app/ServerText.h"
@@ -24,9 +25,10 @@ namespace {
 
 constexpr int lotDecimals = 2;
 
-std::optional<double> typedIn(const DecimalEdit* field)
+/// What the field shows, also a level with more decimals than can be typed.
+std::optional<double> numberIn(const DecimalEdit* field)
 {
-    return field && !field->text().trimmed().isEmpty() ? std::optional(field->value()) : std::nullopt;
+    return field ? parseDecimal(field->text()) : std::nullopt;
 }
 
 /// A level or volume that is not above 0 is none, and has no text.
@@ -38,7 +40,7 @@ QString textOfPositive(double value, int decimals)
 /// A lone "." is the beginning of a number: sent as 0 it would take the level off.
 bool isUnfinished(const DecimalEdit* field)
 {
-    return field && !field->text().trimmed().isEmpty() && !field->hasAcceptableInput();
+    return field && !field->text().trimmed().isEmpty() && !numberIn(field);
 }
 
 } // namespace
@@ -111,7 +113,7 @@ DecimalEdit* ModifyDialog::addLevel(
 
 TypedLevels ModifyDialog::typed() const
 {
-    return {typedIn(m_stopLoss), typedIn(m_takeProfit), typedIn(m_price)};
+    return {numberIn(m_stopLoss), numberIn(m_takeProfit), numberIn(m_price)};
 }
 
 void ModifyDialog::send()

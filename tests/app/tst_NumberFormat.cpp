@@ -20,13 +20,15 @@ private Q_SLOTS:
         QCOMPARE(formatPrice(42.0, 0), u"42"_s);
     }
 
-    void digitsOutsideZeroToEightAreClamped()
+    void digitsOutsideZeroToFifteenAreClamped()
     {
         QCOMPARE(clampDigits(-3), 0);
         QCOMPARE(clampDigits(5), 5);
-        QCOMPARE(clampDigits(1000000), 8);
+        QCOMPARE(clampDigits(15), 15);
+        QCOMPARE(clampDigits(1000000), 15);
         QCOMPARE(formatPrice(1.5, -1), u"2"_s);
-        QCOMPARE(formatPrice(1.5, std::numeric_limits<int>::max()), u"1.50000000"_s);
+        QCOMPARE(formatPrice(1.5, std::numeric_limits<int>::max()), u"1.500000000000000"_s);
+        QCOMPARE(formatPrice(0.000000012345, 12), u"0.000000012345"_s);
     }
 
     void volumesHaveTwoDecimals()

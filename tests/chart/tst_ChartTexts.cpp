@@ -80,7 +80,8 @@ void TestChartTexts::digits_out_of_range_are_clamped()
 {
     const Candle bar{morning, 1.0, 2.0, 1.0, 2.0, 1'000'000};
     QCOMPARE(hoverText(bar, -7), u"O: 1  H: 2  L: 1  C: 2  V: 1000000"_s);
-    QCOMPARE(crosshairText(bar, 999), u"O: 1.00000000   H: 2.00000000   L: 1.00000000   C: 2.00000000"_s);
+    QCOMPARE(crosshairText(bar, 999),
+        u"O: 1.000000000000000   H: 2.000000000000000   L: 1.000000000000000   C: 2.000000000000000"_s);
 }
 
 void TestChartTexts::server_text_is_shown_as_it_is_on_one_line()

@@ -201,8 +201,9 @@ void tst_AccountBook::symbolsAreFoundByName()
 {
     AccountBook book;
     book.setSymbols(accounts(R"([{"name":"A"},{"name":"B","digits":3},{"name":"C","digits":-4},
-        {"name":"D","digits":"2"},{"name":"E","digits":4000000000},{"name":"B","digits":2},{"digits":1},null])"));
-    QCOMPARE(book.symbolsByName().size(), 5);
+        {"name":"D","digits":"2"},{"name":"E","digits":4000000000},{"name":"B","digits":2},{"digits":1},{"name":"F","digits":12},null])"));
+    QCOMPARE(book.symbolsByName().size(), 6);
+    QCOMPARE(book.digits().value(u"F"_s), 12);
     QCOMPARE(book.digits().value(u"A"_s), 5);
     QCOMPARE(book.digits().value(u"B"_s), 2);
     QCOMPARE(book.digits().value(u"C"_s), 0);

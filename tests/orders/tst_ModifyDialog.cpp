@@ -100,6 +100,7 @@ private Q_SLOTS:
     void aTypedZeroIsSentOnPurpose();
     void aTypedCommaIsAPoint();
     void halfANumberIsNotSent();
+    void moreDecimalsThanCanBeTypedAreSentAsShown();
     void anIdThatNamesAnotherPathIsNotSent_data();
     void anIdThatNamesAnotherPathIsNotSent();
     void idsArePercentEncoded();
@@ -350,6 +351,17 @@ void TestModifyDialog::halfANumberIsNotSent()
     QVERIFY(desk.error()->isVisible());
     QVERIFY(desk.modify()->isEnabled());
     QCOMPARE(desk.server.requests().size(), 0);
+}
+
+void TestModifyDialog::moreDecimalsThanCanBeTypedAreSentAsShown()
+{
+    Desk desk(R"({"id":"t-1","symbol":"SHIB","status":"OPEN","stopLoss":"0.000000012345"})", 12);
+    QCOMPARE(desk.edit("modifyStopLoss")->text(), u"0.000000012345"_s);
+    desk.server.on("PUT", path, StubAnswer::json("{}"));
+    desk.type("modifyTakeProfit", u"0.5"_s);
+    desk.press();
+    QTRY_COMPARE(desk.server.count("PUT", path), 1);
+    QCOMPARE(desk.sent(), QJsonObject({{u"stopLoss"_s, 0.000000012345}, {u"takeProfit"_s, 0.5}}));
 }
 
 void TestModifyDialog::anIdThatNamesAnotherPathIsNotSent_data()

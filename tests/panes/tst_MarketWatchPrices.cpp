@@ -204,15 +204,17 @@ void TestMarketWatchPrices::aSymbolWithoutOpeningPriceShowsNoChange()
 void TestMarketWatchPrices::digitsAreClampedAndDefaultToFive()
 {
     Watch watch(R"([{"name":"A","digits":-3},{"name":"B","digits":1000},{"name":"C","digits":"2"},
-        {"name":"D","digits":0},{"name":"E","digits":2.5},{"name":"F"}])");
-    watch.widget.updatePrices(parse(R"({"A":{"bid":7},"B":{"bid":7},"C":{"bid":7},"D":{"bid":7},
+        {"name":"D","digits":0},{"name":"E","digits":2.5},{"name":"F"},{"name":"G","digits":10}])");
+    watch.widget.updatePrices(
+        parse(R"({"G":{"bid":"0.0000000123"},"A":{"bid":7},"B":{"bid":7},"C":{"bid":7},"D":{"bid":7},
         "E":{"bid":7},"F":{"bid":7}})"));
     QCOMPARE(watch.row(u"A"_s)->text(1), u"7"_s);
-    QCOMPARE(watch.row(u"B"_s)->text(1), u"7.00000000"_s);
+    QCOMPARE(watch.row(u"B"_s)->text(1), u"7.000000000000000"_s);
     QCOMPARE(watch.row(u"C"_s)->text(1), u"7.00000"_s);
     QCOMPARE(watch.row(u"D"_s)->text(1), u"7"_s);
     QCOMPARE(watch.row(u"E"_s)->text(1), u"7.00000"_s);
     QCOMPARE(watch.row(u"F"_s)->text(1), u"7.00000"_s);
+    QCOMPARE(watch.row(u"G"_s)->text(1), u"0.0000000123"_s);
 }
 
 void TestMarketWatchPrices::anUnchangedSnapshotPaintsNothing()

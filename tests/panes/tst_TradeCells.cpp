@@ -140,7 +140,7 @@ void TestTradeCells::absurdNumbersReadAsZero()
     const QStringList cells = tradeTexts(
         parse(R"({"lotSize":1e308,"entryPrice":"nan","stopLoss":"inf","takeProfit":"1e999","pnl":"x"})"), 99);
     QCOMPARE(cells.at(TradeVolume), u"0.00"_s);
-    QCOMPARE(cells.at(TradePrice), u"0.00000000"_s);
+    QCOMPARE(cells.at(TradePrice), u"0.000000000000000"_s);
     QCOMPARE(cells.at(TradeStopLoss), QString());
     QCOMPARE(cells.at(TradeTakeProfit), QString());
     QCOMPARE(cells.at(TradeProfit), u"0.00"_s);
