@@ -14,6 +14,11 @@ bool breaksLine(QChar c)
         || category == QChar::Separator_Paragraph;
 }
 
+bool looksLikeTag(QChar c, QChar next)
+{
+    return c == u'<' && (next == u'/' || next.isLetter());
+}
+
 } // namespace
 
 QString oneLine(const QString& text)
@@ -34,9 +39,12 @@ QString plainToolTip(const QString& text)
 
 QString balloonText(const QString& text)
 {
+    constexpr QChar zeroWidthSpace(0x200b);
     QString shown = text;
-    shown.replace(u'<', u'\u2039');
-    shown.replace(u'>', u'\u203a');
+    for (qsizetype i = shown.size() - 2; i >= 0; --i) {
+        if (looksLikeTag(shown.at(i), shown.at(i + 1)))
+            shown.insert(i + 1, zeroWidthSpace);
+    }
     return shown;
 }
 

@@ -14,8 +14,9 @@ class QWidget;
 /// The text as a tool tip that shows exactly these characters, markup included. Empty stays empty.
 [[nodiscard]] QString plainToolTip(const QString& text);
 
-/// The text as a desktop notification: angle brackets become look-alikes, because some desktops
-/// read markup there and others show escapes as they are.
+/// The text as a desktop notification, as given but for what looks like a tag, a "<" before a letter or
+/// "/": a space without width stands between them. Some desktops read markup there, and others show
+/// escapes as they are.
 [[nodiscard]] QString balloonText(const QString& text);
 
 /// The text for menus, tabs and buttons: one line, each "&" doubled.
