@@ -42,6 +42,7 @@ AccountFlow::AccountFlow(ApiClient& api, AccountBook& book, const AccountViews& 
     , m_reads(api)
 {
     connect(&m_views.selector, &QComboBox::currentIndexChanged, this, &AccountFlow::onAccountSelected);
+    connect(&api, &ApiClient::replyTooLarge, this, &AccountFlow::onReplyTooLarge);
 }
 
 void AccountFlow::refreshAccounts()
@@ -123,7 +124,10 @@ void AccountFlow::onAccountSelected(int index)
 {
     if (m_fillingAccounts || index < 0)
         return;
-    m_book.selectAccount(m_views.selector.itemData(index).toString());
+    const QString id = m_views.selector.itemData(index).toString();
+    if (id != m_book.currentAccountId())
+        m_largeHistoryTold = false;
+    m_book.selectAccount(id);
     m_views.navigator.setActiveAccount(m_book.currentAccountId());
     m_views.charts.applyAccount();
     refreshOpenTrades();
@@ -182,8 +186,19 @@ void AccountFlow::showTrades()
 
 void AccountFlow::onHistory(const QString& accountId, const QJsonDocument& document, const QString& error)
 {
-    if (accountId == m_book.currentAccountId() && error.isEmpty())
-        m_views.toolbox.setHistoryRows(document.array(), m_book.digits());
+    if (accountId != m_book.currentAccountId() || !error.isEmpty())
+        return;
+    m_largeHistoryTold = false;
+    m_views.toolbox.setHistoryRows(document.array(), m_book.digits());
+}
+
+void AccountFlow::onReplyTooLarge(const QString& path)
+{
+    // Other failures of this read pass, and are not told. This one would stay, and the list with it.
+    if (m_largeHistoryTold || path != tradesPath("history"_L1, m_book.currentAccountId()))
+        return;
+    m_largeHistoryTold = true;
+    reportFailure(tr("Failed to load history: %1").arg(tr("the reply is larger than 16 MiB")));
 }
 
 void AccountFlow::onTradesUpdated(const QJsonArray& rows)

@@ -56,6 +56,7 @@ private:
     void onPendingOrders(const QString& accountId, const QJsonArray& open, const QJsonDocument& document,
         const QString& error);
     void onHistory(const QString& accountId, const QJsonDocument& document, const QString& error);
+    void onReplyTooLarge(const QString& path);
     void fillSelector();
     void showTrades();
     void updateAccountSummary();
@@ -65,4 +66,5 @@ private:
     AccountViews m_views;
     ReadCoalescer m_reads;
     bool m_fillingAccounts = false;
+    bool m_largeHistoryTold = false; ///< since the account's history was last read, or another was selected
 };

@@ -26,6 +26,7 @@ constexpr auto changeProperty = "change";
 
 // Far above any real answer; a server that sends more would only fill the memory.
 constexpr qint64 largestReply = 16LL * 1024 * 1024;
+constexpr auto tooLarge = "tooLarge";
 
 // Line breaks in a header value are sent as they are and would add headers of their own.
 bool isSendable(const QString& token)
@@ -46,8 +47,10 @@ bool isSafe(const QUrl& url, const QString& path)
 void capSize(QNetworkReply* reply)
 {
     const auto abortWhenOver = [reply](qint64 size) {
-        if (size > largestReply)
-            reply->abort();
+        if (size <= largestReply || reply->property(tooLarge).toBool())
+            return;
+        reply->setProperty(tooLarge, true); // first: the reply finishes within abort()
+        reply->abort();
     };
     QObject::connect(reply, &QNetworkReply::downloadProgress, reply, abortWhenOver);
     // Progress is reported a few times a second only, too late on a fast connection.
@@ -134,23 +137,23 @@ void ApiClient::getBody(const QString& path, QObject* context, BodyCallback call
 {
     QNetworkReply* const reply = read(path);
     connect(reply, &QNetworkReply::finished, this,
-        [this, reply, guard = QPointer<QObject>(context), callback = std::move(callback)] {
-            finishGet(reply, guard, callback);
+        [this, reply, path, guard = QPointer<QObject>(context), callback = std::move(callback)] {
+            finishGet(reply, path, guard, callback);
         });
 }
 
 void ApiClient::finishGet(
-    QNetworkReply* reply, const QPointer<QObject>& context, const BodyCallback& callback)
+    QNetworkReply* reply, const QString& path, const QPointer<QObject>& context, const BodyCallback& callback)
 {
     reply->deleteLater();
     const ReplyOutcome outcome = ReplyOutcome::readUnparsed(reply);
-    if (!outcome.ok && outcome.status == statusUnauthorized) {
-        const QPointer<ApiClient> alive(this);
+    const bool wasTooLarge = reply->property(tooLarge).toBool();
+    const QPointer<ApiClient> alive(this);
+    if (!outcome.ok && outcome.status == statusUnauthorized)
         Q_EMIT unauthorized();
-        if (!alive)
-            return;
-    }
-    if (context)
+    if (alive && wasTooLarge)
+        Q_EMIT replyTooLarge(path);
+    if (alive && context)
         callback(outcome.ok ? outcome.content : QByteArray(), outcome.error);
 }
 

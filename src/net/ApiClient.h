@@ -59,13 +59,16 @@ Q_SIGNALS:
     void loginFailed(const QString& message);
     /// A read failed with HTTP status 401; emitted before that read's callback.
     void unauthorized();
+    /// A read was given up because its reply is larger than 16 MiB; emitted before that read's callback.
+    void replyTooLarge(const QString& path);
 
 private:
     [[nodiscard]] QNetworkRequest buildRequest(const QString& path, bool authorise) const;
     [[nodiscard]] QNetworkReply* read(const QString& path);
     [[nodiscard]] QNetworkReply* change(
         const QByteArray& verb, const QString& path, const QByteArray& body, bool authorise = true);
-    void finishGet(QNetworkReply* reply, const QPointer<QObject>& context, const BodyCallback& callback);
+    void finishGet(QNetworkReply* reply, const QString& path, const QPointer<QObject>& context,
+        const BodyCallback& callback);
     void finishLogin(QNetworkReply* reply, const QString& email);
 
     QNetworkAccessManager m_manager;

@@ -24,6 +24,8 @@ private Q_SLOTS:
     void failedHistoryKeepsTheListAndIsNotReported();
     void anAnswerThatIsNoListCountsAsAnEmptyOne_data();
     void anAnswerThatIsNoListCountsAsAnEmptyOne();
+    void aHistoryTooLargeToBeReadIsToldOnce();
+    void aHistoryTooLargeOfAnotherAccountIsNotTold();
     void emptyAccountListClearsTheSummary();
     void openDropDownStaysAsItIsDuringARefresh();
     void expiredSessionIsReportedEachTime();
@@ -252,6 +254,67 @@ void tst_AccountFlow::anAnswerThatIsNoListCountsAsAnEmptyOne()
     QCOMPARE(f.http.count("GET", "/api/trades/history"), 0);
     // And only the events themselves are in the Journal.
     QCOMPARE(f.journal().mid(lines), QStringList(4, u"Trade: Orders changed — refreshing"_s));
+}
+
+void tst_AccountFlow::aHistoryTooLargeToBeReadIsToldOnce()
+{
+    const auto line = u"Network: Failed to load history: the reply is larger than 16 MiB"_s;
+    const QByteArray tooLarge = '[' + QByteArray(qsizetype{17} * 1024 * 1024, ' ') + ']';
+    const QByteArray path = "/api/trades/history?accountId=a1";
+    MainWindowFixture f;
+    f.http.on("GET", path, StubAnswer::json(trade("h", "a1", "1")));
+    f.signInAndSettle();
+    QTRY_COMPARE(f.list("historyList").topLevelItemCount(), 1);
+    const auto readAgain = [&f, &path] {
+        f.http.clearRequests();
+        f.feed.send(R"({"type":"orders_changed"})");
+        QTRY_VERIFY(f.http.count("GET", path) >= 1);
+        f.settle();
+    };
+
+    f.http.on("GET", path, StubAnswer::json(tooLarge));
+    readAgain();
+    QTRY_COMPARE(f.journalCount(line), 1);
+    QCOMPARE(f.list("historyList").topLevelItemCount(), 1);
+    readAgain();
+    f.http.on("GET", path, StubAnswer::message(u"No history"_s, 500));
+    readAgain();
+    f.http.on("GET", path, StubAnswer::json(tooLarge));
+    readAgain();
+    QCOMPARE(f.journalCount(line), 1);
+
+    f.http.on("GET", path, StubAnswer::json("[]"));
+    readAgain();
+    QCOMPARE(f.list("historyList").topLevelItemCount(), 0);
+    f.http.on("GET", path, StubAnswer::json(tooLarge));
+    readAgain();
+    QTRY_COMPARE(f.journalCount(line), 2);
+
+    f.selector().setCurrentIndex(2);
+    f.settle();
+    f.selector().setCurrentIndex(1);
+    QTRY_COMPARE(f.journalCount(line), 3);
+}
+
+void tst_AccountFlow::aHistoryTooLargeOfAnotherAccountIsNotTold()
+{
+    const QByteArray tooLarge = '[' + QByteArray(qsizetype{17} * 1024 * 1024, ' ') + ']';
+    MainWindowFixture f;
+    f.signInAndSettle();
+    const QByteArray path = "/api/trades/history?accountId=a2";
+    f.http.once("GET", path, StubAnswer::held());
+    f.selector().setCurrentIndex(2);
+    QTRY_COMPARE(f.http.heldCount(), 1);
+    // Asked for once more, it is read once more as soon as the first read has been given up.
+    f.selector().setCurrentIndex(1);
+    f.selector().setCurrentIndex(2);
+    f.selector().setCurrentIndex(1);
+    f.settle();
+    const QStringList journal = f.journal();
+    QVERIFY(f.http.release(StubAnswer::json(tooLarge)));
+    QTRY_COMPARE(f.http.count("GET", path), 2);
+    f.settle();
+    QCOMPARE(f.journal(), journal);
 }
 
 void tst_AccountFlow::openDropDownStaysAsItIsDuringARefresh()

@@ -175,16 +175,22 @@ void TestApiClientFaults::an_endless_reply_is_given_up()
         + QByteArray(qsizetype{40} * 1024 * 1024, ' ') + "[]";
     m_server->on("GET", "/x", StubAnswer::raw(tooMuch));
     m_server->on("POST", "/x", StubAnswer::raw(tooMuch));
+    QSignalSpy tooLarge(&*m_api, &ApiClient::replyTooLarge);
     QCOMPARE(readError(u"/x"_s), u"Operation canceled"_s);
+    QCOMPARE(tooLarge.size(), 1);
+    QCOMPARE(tooLarge.takeFirst().at(0).toString(), u"/x"_s);
     const ReplyOutcome outcome = change("POST", u"/x"_s);
     QVERIFY(!outcome.ok);
     QCOMPARE(outcome.error, u"Operation canceled"_s);
+    QCOMPARE(tooLarge.size(), 0);
 }
 
 void TestApiClientFaults::a_large_reply_of_five_megabytes_is_read()
 {
     m_server->on("GET", "/x", StubAnswer::json("[\"" + QByteArray(5'000'000, 'x') + "\"]"));
+    const QSignalSpy tooLarge(&*m_api, &ApiClient::replyTooLarge);
     QCOMPARE(readError(u"/x"_s), u"(a document)"_s);
+    QCOMPARE(tooLarge.size(), 0);
 }
 
 void TestApiClientFaults::a_body_cut_short_is_an_error()
