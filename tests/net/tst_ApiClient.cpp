@@ -356,13 +356,13 @@ void TestApiClient::a_401_of_a_change_is_left_to_its_caller()
 void TestApiClient::changes_without_an_answer_are_known_and_sign_ins_are_not()
 {
     for (const char* method : {"POST", "PUT", "DELETE", "GET"}) {
-        for (const char* path : {"/a", "/b", "/api/auth/login"})
+        for (const char* path : {"/a", "/b", "/c", "/api/auth/login"})
             m_server->on(method, path, StubAnswer::held());
     }
     QNetworkReply* const first = m_api->post(u"/a"_s, {{u"lots"_s, 0.5}, {u"note"_s, u"%1"_s}});
     (void)m_api->put(u"/b"_s, {});
     (void)m_api->del(u"/b"_s);
-    m_api->get(u"/a"_s, [](const QJsonDocument&, const QString&) {});
+    m_api->get(u"/c"_s, [](const QJsonDocument&, const QString&) {});
     m_api->login(u"a@b.c"_s, u"secret password"_s);
     QTRY_COMPARE(m_server->heldCount(), 5);
     QCOMPARE(m_api->unansweredChanges(),
