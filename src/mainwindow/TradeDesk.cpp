@@ -31,23 +31,36 @@ TradeDesk::TradeDesk(
 
 TradeDesk::~TradeDesk()
 {
-    delete m_orderDialog;
+    // They talk through the client, those that wait unseen for an answer too.
+    qDeleteAll(m_window.findChildren<SendingDialog*>(Qt::FindDirectChildrenOnly));
 }
 
 void TradeDesk::openOrderDialog(const QString& symbol)
 {
-    if (m_orderDialog) {
+    if (m_orderDialog && m_orderDialog->mayReturn()) {
         m_orderDialog->show(); // it hides when it is closed while an order is on its way
         m_orderDialog->raise();
         m_orderDialog->activateWindow();
         return;
     }
+    if (m_orderDialog)
+        m_orderDialog->leaveForGood();
     m_orderDialog = new OrderDialog(
         m_api, m_feed, m_book.sortedSymbols(), m_book.currentAccountId(), symbol, &m_window);
-    m_orderDialog->setAttribute(Qt::WA_DeleteOnClose);
     connect(m_orderDialog, &OrderDialog::orderPlaced, this, &TradeDesk::onOrderPlaced);
-    connect(m_orderDialog, &OrderDialog::outcomeUnknown, this, &TradeDesk::everythingRefreshWanted);
-    m_orderDialog->show();
+    open(*m_orderDialog, tr("Order failed: %1"));
+}
+
+void TradeDesk::open(SendingDialog& dialog, const QString& failure)
+{
+    dialog.setAttribute(Qt::WA_DeleteOnClose);
+    // On the screen again for an account that is no longer the one on show, its next click would trade there.
+    dialog.setReturnRule(
+        [this, account = m_book.currentAccountId()] { return m_book.currentAccountId() == account; });
+    connect(&dialog, &SendingDialog::outcomeUnknown, this, &TradeDesk::everythingRefreshWanted);
+    connect(&dialog, &SendingDialog::failedUnseen, this,
+        [this, failure](const QString& reason) { Q_EMIT journalLine(tr("Trade"), failure.arg(reason)); });
+    dialog.show();
 }
 
 void TradeDesk::openModifyDialog(const QJsonObject& trade)
@@ -57,10 +70,8 @@ void TradeDesk::openModifyDialog(const QJsonObject& trade)
     const int digits = m_book.digits().value(trade.value("symbol"_L1).toString(), usualDigits);
     auto* dialog = new ModifyDialog(m_api, trade, digits, &m_window);
     dialog->setModal(true);
-    dialog->setAttribute(Qt::WA_DeleteOnClose);
     connect(dialog, &ModifyDialog::modified, this, &TradeDesk::onModified);
-    connect(dialog, &ModifyDialog::outcomeUnknown, this, &TradeDesk::everythingRefreshWanted);
-    dialog->show();
+    open(*dialog, tr("Modify failed: %1"));
 }
 
 void TradeDesk::showMenu(const QPoint& globalPos, const QJsonObject& trade)

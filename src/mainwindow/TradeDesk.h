@@ -11,6 +11,7 @@ class ApiClient;
 class OrderDialog;
 class QPoint;
 class QWidget;
+class SendingDialog;
 class TradeActions;
 class TradeMenu;
 class WsClient;
@@ -28,7 +29,8 @@ public:
     ~TradeDesk() override;
 
 public Q_SLOTS:
-    /// Opens the order dialog for a symbol, or brings the open one to the front.
+    /// Opens the order dialog for a symbol and the current account, or brings the one that is open for that
+    /// account to the front.
     void openOrderDialog(const QString& symbol);
     /// Opens the modify dialog; an empty trade opens none.
     void openModifyDialog(const QJsonObject& trade);
@@ -45,6 +47,8 @@ Q_SIGNALS:
     void everythingRefreshWanted();
 
 private:
+    /// `failure`: the Journal's words, with %1 for the reason, where the dialog can no longer show it.
+    void open(SendingDialog& dialog, const QString& failure);
     void onOrderPlaced();
     void onModified();
 

@@ -146,11 +146,7 @@ void ModifyDialog::onReply(QNetworkReply* reply)
     const ReplyOutcome outcome = ReplyOutcome::read(reply);
     if (!outcome.ok) {
         Q_EMIT soundDue(SoundKind::Error);
-        tellFailure(outcome.error);
-        comeBack();
-        if (outcome.isUncertain())
-            Q_EMIT outcomeUnknown();
-        return;
+        return endInFailure(outcome);
     }
     const QPointer<ModifyDialog> self(this);
     Q_EMIT soundDue(SoundKind::Open);

@@ -1,12 +1,33 @@
 #include "orders/SendingDialog.h"
 
 #include "app/Log.h"
+#include "net/ReplyOutcome.h"
 
 #include <QCloseEvent>
+#include <QPointer>
+
+#include <utility>
 
 SendingDialog::SendingDialog(QWidget* parent)
     : QDialog(parent)
 {
+}
+
+void SendingDialog::setReturnRule(std::function<bool()> rule)
+{
+    m_returnRule = std::move(rule);
+}
+
+bool SendingDialog::mayReturn() const
+{
+    return !m_leftForGood && (!m_returnRule || m_returnRule());
+}
+
+void SendingDialog::leaveForGood()
+{
+    m_left = true;
+    m_leftForGood = true;
+    reject();
 }
 
 void SendingDialog::setSending(bool sending)
@@ -18,6 +39,22 @@ void SendingDialog::tellFailure(const QString& text)
 {
     logReport(tr("Trade"), text);
     showError(text);
+}
+
+void SendingDialog::endInFailure(const ReplyOutcome& outcome)
+{
+    const QPointer<SendingDialog> self(this);
+    const bool unseen = isHidden() && !mayReturn();
+    if (unseen) {
+        Q_EMIT failedUnseen(outcome.error);
+    } else {
+        tellFailure(outcome.error);
+        comeBack();
+    }
+    if (self && outcome.isUncertain())
+        Q_EMIT outcomeUnknown();
+    if (self && unseen)
+        reject();
 }
 
 void SendingDialog::comeBack()
@@ -33,20 +70,17 @@ void SendingDialog::comeBack()
 
 void SendingDialog::done(int result)
 {
-    if (m_sending && !m_left) {
-        m_left = true;
-        hide();
-        return;
-    }
-    if (m_sending)
-        Q_EMIT outcomeUnknown();
-    QDialog::done(result);
+    if (!m_sending)
+        return QDialog::done(result);
+    m_leftForGood = m_left;
+    m_left = true;
+    hide();
 }
 
 void SendingDialog::closeEvent(QCloseEvent* event)
 {
-    const bool leaves = m_sending && !m_left;
+    const bool waits = m_sending;
     QDialog::closeEvent(event);
-    if (leaves)
-        event->ignore(); // accepted, it would delete the window
+    if (waits)
+        event->ignore(); // accepted, it would delete the dialog before its answer
 }

@@ -8,6 +8,63 @@
 
 using namespace Qt::StringLiterals;
 
+namespace {
+
+/// The order windows that exist, seen or not.
+QList<OrderDialog*> dialogs(const MainWindowFixture& f)
+{
+    return f.window->findChildren<OrderDialog*>();
+}
+
+/// The one on the screen.
+OrderDialog* shownDialog(const MainWindowFixture& f)
+{
+    for (OrderDialog* dialog : dialogs(f)) {
+        if (dialog->isVisible())
+            return dialog;
+    }
+    return nullptr;
+}
+
+/// Opens an order window, or brings back the one that is there.
+OrderDialog* openDialog(const MainWindowFixture& f)
+{
+    f.window->openOrderDialog();
+    return shownDialog(f);
+}
+
+QPushButton* buyButton(const OrderDialog* dialog)
+{
+    return dialog->findChild<QPushButton*>(u"orderBuy"_s);
+}
+
+/// Sends an order that the server keeps waiting, and closes its window.
+QPointer<OrderDialog> leaveWhileSending(MainWindowFixture& f)
+{
+    f.http.once("POST", "/api/trades/place", StubAnswer::held());
+    const QPointer<OrderDialog> dialog = openDialog(f);
+    const int before = f.http.heldCount();
+    buyButton(dialog)->click();
+    if (!QTest::qWaitFor([&] { return f.http.heldCount() == before + 1; }))
+        return nullptr;
+    dialog->close();
+    return dialog;
+}
+
+void chooseAccount(const MainWindowFixture& f, const QString& id)
+{
+    f.selector().setCurrentIndex(f.selector().findData(id));
+}
+
+QString sentFor(const MainWindowFixture& f)
+{
+    return f.http.last("POST", "/api/trades/place").json()["accountId"_L1].toString();
+}
+
+} // namespace
+
+Q_DECLARE_METATYPE(StubAnswer)
+
 class tst_MainWindowOrders final : public QObject {
     Q_OBJECT
 
@@ -15,6 +72,15 @@ private Q_SLOTS:
     void orderDialogTakesTheActiveChartsSymbol();
     void placedOrderIsWrittenDownAndListsAreRead();
     void aDialogClosedWhileItsOrderIsOnItsWayComesBackOnRequest();
+    void aWindowOfAFormerAccountNeverComesBack_data();
+    void aWindowOfAFormerAccountNeverComesBack();
+    void aWindowOfAFormerAccountTellsItsSuccess();
+    void theKeyOpensAWindowForTheCurrentAccount();
+    void anIdleWindowOfAFormerAccountMakesRoom();
+    void aWindowComesBackForTheAccountThatIsCurrentAgain();
+    void aWindowClosedTwiceTellsItsOutcomeInTheJournal_data();
+    void aWindowClosedTwiceTellsItsOutcomeInTheJournal();
+    void theTerminalMayEndWhileOrdersAreOnTheirWay();
     void unknownOutcomeReadsTheLists();
     void orderEventIsWrittenDown();
     void orderEventsAreHeardAndShown();
@@ -76,6 +142,163 @@ void tst_MainWindowOrders::aDialogClosedWhileItsOrderIsOnItsWayComesBackOnReques
     QVERIFY(f.http.release(StubAnswer::json("{}")));
     QTRY_COMPARE(f.journalCount(u"Trade: Order placed"_s), 1);
     QTRY_COMPARE(f.window->findChildren<OrderDialog*>().size(), 0);
+}
+
+void tst_MainWindowOrders::aWindowOfAFormerAccountNeverComesBack_data()
+{
+    QTest::addColumn<StubAnswer>("answer");
+    QTest::addColumn<QString>("line");
+    QTest::newRow("refused") << StubAnswer::message(u"Not enough money %1"_s, 400)
+                             << u"Trade: Order failed: Not enough money %1"_s;
+    QTest::newRow("nobody knows") << StubAnswer::message(u"Gateway"_s, 504)
+                                  << u"Trade: Order failed: Gateway"_s;
+}
+
+void tst_MainWindowOrders::aWindowOfAFormerAccountNeverComesBack()
+{
+    QFETCH(StubAnswer, answer);
+    QFETCH(QString, line);
+    MainWindowFixture f;
+    f.signInAndSettle();
+    const QPointer<OrderDialog> former = leaveWhileSending(f);
+    QVERIFY(former && !former->isVisible());
+    chooseAccount(f, u"a2"_s);
+    QSignalSpy sounds(former, &OrderDialog::soundDue);
+    bool wasSeen = false;
+    connect(qApp, &QGuiApplication::focusWindowChanged, former, [&] { wasSeen |= former->isVisible(); });
+    QVERIFY(f.http.release(answer));
+    QTRY_COMPARE(f.journalCount(line), 1);
+    QCOMPARE(sounds.size(), 1);
+    QCOMPARE(sounds.at(0).at(0).value<SoundKind>(), SoundKind::Error);
+    QTRY_VERIFY(!former);
+    QVERIFY(!wasSeen);
+    QCOMPARE(f.http.count("POST", "/api/trades/place"), 1);
+
+    f.http.once("POST", "/api/trades/place", StubAnswer::json("{}"));
+    const OrderDialog* dialog = openDialog(f);
+    QVERIFY(dialog);
+    buyButton(dialog)->click();
+    QTRY_COMPARE(f.journalCount(u"Trade: Order placed"_s), 1);
+    QCOMPARE(sentFor(f), u"a2"_s);
+}
+
+void tst_MainWindowOrders::aWindowOfAFormerAccountTellsItsSuccess()
+{
+    MainWindowFixture f;
+    f.signInAndSettle();
+    const QPointer<OrderDialog> former = leaveWhileSending(f);
+    QVERIFY(former);
+    chooseAccount(f, u"a2"_s);
+    QSignalSpy sounds(former, &OrderDialog::soundDue);
+    QVERIFY(f.http.release(StubAnswer::json("{}")));
+    QTRY_COMPARE(f.journalCount(u"Trade: Order placed"_s), 1);
+    QCOMPARE(f.log("expertsList").count(u"Execution: Order placed"_s), 1);
+    QCOMPARE(sounds.size(), 1);
+    QCOMPARE(sounds.at(0).at(0).value<SoundKind>(), SoundKind::Open);
+    QTRY_VERIFY(!former);
+}
+
+void tst_MainWindowOrders::theKeyOpensAWindowForTheCurrentAccount()
+{
+    MainWindowFixture f;
+    f.signInAndSettle();
+    const QPointer<OrderDialog> former = leaveWhileSending(f);
+    QVERIFY(former);
+    chooseAccount(f, u"a2"_s);
+    f.action("New Order")->trigger();
+    QVERIFY(!former->isVisible());
+    const QPointer<OrderDialog> dialog = shownDialog(f);
+    QVERIFY(dialog && dialog != former);
+    QCOMPARE(dialogs(f).size(), 2);
+    QVERIFY(buyButton(dialog)->isEnabled());
+    f.http.once("POST", "/api/trades/place", StubAnswer::json("{}"));
+    buyButton(dialog)->click();
+    QTRY_COMPARE(f.journalCount(u"Trade: Order placed"_s), 1);
+    QCOMPARE(sentFor(f), u"a2"_s);
+    QTRY_VERIFY(!dialog);
+
+    // Back on its account, the former window has still left: the key has opened another in the meantime.
+    chooseAccount(f, u"a1"_s);
+    QVERIFY(f.http.release(StubAnswer::message(u"No"_s, 400)));
+    QTRY_COMPARE(f.journalCount(u"Trade: Order failed: No"_s), 1);
+    QTRY_VERIFY(!former);
+    QCOMPARE(f.http.count("POST", "/api/trades/place"), 2);
+}
+
+void tst_MainWindowOrders::anIdleWindowOfAFormerAccountMakesRoom()
+{
+    MainWindowFixture f;
+    f.signInAndSettle();
+    const QPointer<OrderDialog> former = openDialog(f);
+    chooseAccount(f, u"a2"_s);
+    f.window->openOrderDialog();
+    QTRY_VERIFY(!former);
+    QCOMPARE(dialogs(f).size(), 1);
+    f.http.once("POST", "/api/trades/place", StubAnswer::json("{}"));
+    buyButton(dialogs(f).constFirst())->click();
+    QTRY_COMPARE(f.journalCount(u"Trade: Order placed"_s), 1);
+    QCOMPARE(sentFor(f), u"a2"_s);
+}
+
+void tst_MainWindowOrders::aWindowComesBackForTheAccountThatIsCurrentAgain()
+{
+    MainWindowFixture f;
+    f.signInAndSettle();
+    const QPointer<OrderDialog> dialog = leaveWhileSending(f);
+    QVERIFY(dialog);
+    chooseAccount(f, u"a2"_s);
+    chooseAccount(f, u"a1"_s);
+    QVERIFY(f.http.release(StubAnswer::message(u"No"_s, 400)));
+    QTRY_VERIFY(dialog->isVisible());
+    QCOMPARE(f.journalCount(u"Trade: Order failed: No"_s), 0);
+}
+
+void tst_MainWindowOrders::aWindowClosedTwiceTellsItsOutcomeInTheJournal_data()
+{
+    QTest::addColumn<StubAnswer>("answer");
+    QTest::addColumn<QString>("line");
+    QTest::newRow("placed") << StubAnswer::json("{}") << u"Trade: Order placed"_s;
+    QTest::newRow("refused") << StubAnswer::message(u"Too big"_s, 400) << u"Trade: Order failed: Too big"_s;
+    QTest::newRow("nobody knows") << StubAnswer::message(u"Gateway"_s, 504)
+                                  << u"Trade: Order failed: Gateway"_s;
+}
+
+void tst_MainWindowOrders::aWindowClosedTwiceTellsItsOutcomeInTheJournal()
+{
+    QFETCH(StubAnswer, answer);
+    QFETCH(QString, line);
+    MainWindowFixture f;
+    f.signInAndSettle();
+    const QPointer<OrderDialog> waiting = leaveWhileSending(f);
+    QVERIFY(waiting);
+    QCOMPARE(openDialog(f), waiting);
+    QTest::keyClick(waiting, Qt::Key_Escape);
+    QVERIFY(!waiting->isVisible());
+    const OrderDialog* next = openDialog(f);
+    QVERIFY(next && next != waiting);
+    QVERIFY(buyButton(next)->isEnabled());
+    f.settle();
+    f.http.clearRequests();
+    QVERIFY(f.http.release(answer));
+    QTRY_COMPARE(f.journalCount(line), 1);
+    QTRY_VERIFY(!waiting);
+    QVERIFY(next->isVisible());
+    f.settle();
+    const bool isRefusal = line.contains(u"Too big"_s);
+    QCOMPARE(f.http.count("GET", "/api/trades/open?accountId=a1") > 0, !isRefusal);
+    QCOMPARE(f.http.count("POST", "/api/trades/place"), 0);
+}
+
+void tst_MainWindowOrders::theTerminalMayEndWhileOrdersAreOnTheirWay()
+{
+    MainWindowFixture f;
+    f.signInAndSettle();
+    QVERIFY(leaveWhileSending(f));
+    chooseAccount(f, u"a2"_s);
+    QVERIFY(leaveWhileSending(f));
+    QCOMPARE(dialogs(f).size(), 2);
+    f.window.reset();
+    QTRY_COMPARE(f.http.heldCount(), 0);
 }
 
 void tst_MainWindowOrders::unknownOutcomeReadsTheLists()

@@ -8,6 +8,7 @@
 #include "orders/OrderDialog.h"
 #include "panes/AlertsPane.h"
 #include "panes/TerminalPane.h"
+#include "support/Hands.h"
 #include "support/TestMain.h"
 
 #include <QMenu>
@@ -16,6 +17,8 @@
 #include <QTreeWidget>
 
 using namespace Qt::StringLiterals;
+
+Q_DECLARE_METATYPE(StubAnswer)
 
 /// From a row, a line or a panel under the trader's hand to the request and back.
 class tst_MainWindowTrades final : public QObject {
@@ -28,6 +31,10 @@ private Q_SLOTS:
     void aChangeThatNobodyKnowsOfReadsTheLists();
     void aRowsMenuOpensTheOrderDialog();
     void aDoubleClickModifiesTheTrade();
+    void aStopLossTypedAtOnceIsSent();
+    void aChangeWhoseWindowWasClosedTwiceIsTold_data();
+    void aChangeWhoseWindowWasClosedTwiceIsTold();
+    void aChangeOnAFormerAccountIsToldInTheJournal();
     void withoutATradeThereIsNothingToModify();
     void theModifyDialogKnowsTheSymbolsDigits_data();
     void theModifyDialogKnowsTheSymbolsDigits();
@@ -151,6 +158,66 @@ void tst_MainWindowTrades::aDoubleClickModifiesTheTrade()
     QTRY_COMPARE(f.journalCount(u"Trade: Order modified"_s), 1);
     QCOMPARE(f.http.last("PUT", "/api/trades/modify/t1").json(), QJsonObject({{u"stopLoss"_s, 1.05}}));
     QTRY_COMPARE(f.http.count("GET", "/api/trades/open?accountId=a1"), 1);
+    QTRY_VERIFY(!dialog);
+}
+
+void tst_MainWindowTrades::aStopLossTypedAtOnceIsSent()
+{
+    MainWindowFixture f;
+    f.signInAndSettle();
+    f.http.on("PUT", "/api/trades/modify/t1", StubAnswer::json("{}"));
+    doubleClickRow(f);
+    QVERIFY(hands::arriveAt(f.window->findChild<ModifyDialog*>()));
+    hands::type(u"1.05000"_s);
+    hands::press(Qt::Key_Return);
+    QTRY_COMPARE(f.journalCount(u"Trade: Order modified"_s), 1);
+    QCOMPARE(f.http.last("PUT", "/api/trades/modify/t1").json(), QJsonObject({{u"stopLoss"_s, 1.05}}));
+}
+
+void tst_MainWindowTrades::aChangeWhoseWindowWasClosedTwiceIsTold_data()
+{
+    QTest::addColumn<StubAnswer>("answer");
+    QTest::addColumn<QString>("line");
+    QTest::newRow("modified") << StubAnswer::json("{}") << u"Trade: Order modified"_s;
+    QTest::newRow("refused") << StubAnswer::message(u"Too close %1"_s, 400)
+                             << u"Trade: Modify failed: Too close %1"_s;
+}
+
+void tst_MainWindowTrades::aChangeWhoseWindowWasClosedTwiceIsTold()
+{
+    QFETCH(StubAnswer, answer);
+    QFETCH(QString, line);
+    MainWindowFixture f;
+    f.signInAndSettle();
+    f.http.on("PUT", "/api/trades/modify/t1", StubAnswer::held());
+    doubleClickRow(f);
+    const QPointer<ModifyDialog> dialog = f.window->findChild<ModifyDialog*>();
+    QTest::keyClick(dialog, Qt::Key_Return);
+    QTRY_COMPARE(f.http.heldCount(), 1);
+    QTest::keyClick(dialog, Qt::Key_Escape);
+    dialog->show();
+    QTest::keyClick(dialog, Qt::Key_Escape);
+    QVERIFY(!dialog->isVisible());
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    QVERIFY(f.http.release(answer));
+    QTRY_COMPARE(f.journalCount(line), 1);
+    QTRY_VERIFY(!dialog);
+    QCOMPARE(f.http.count("PUT", "/api/trades/modify/t1"), 1);
+}
+
+void tst_MainWindowTrades::aChangeOnAFormerAccountIsToldInTheJournal()
+{
+    MainWindowFixture f;
+    f.signInAndSettle();
+    f.http.on("PUT", "/api/trades/modify/t1", StubAnswer::held());
+    doubleClickRow(f);
+    const QPointer<ModifyDialog> dialog = f.window->findChild<ModifyDialog*>();
+    QTest::keyClick(dialog, Qt::Key_Return);
+    QTRY_COMPARE(f.http.heldCount(), 1);
+    dialog->close();
+    f.selector().setCurrentIndex(f.selector().findData(u"a2"_s));
+    QVERIFY(f.http.release(StubAnswer::message(u"Too close"_s, 400)));
+    QTRY_COMPARE(f.journalCount(u"Trade: Modify failed: Too close"_s), 1);
     QTRY_VERIFY(!dialog);
 }
 

@@ -28,7 +28,12 @@ private Q_SLOTS:
     void closedWhileSendingItLeavesAndReportsTheOrder();
     void closedWhileSendingItComesBackWithARefusal();
     void closedWhileSendingItComesBackWhenNobodyKnows();
-    void closedTwiceWhileSendingItGivesUpTheWait();
+    void closedTwiceWhileSendingItStillTellsTheSuccess();
+    void closedTwiceWhileSendingItStillTellsTheFailure_data();
+    void closedTwiceWhileSendingItStillTellsTheFailure();
+    void aWindowThatMayNotReturnTellsTheFailureUnseen();
+    void aWindowOnTheScreenShowsItsFailureWhateverTheRule();
+    void leftForGoodItIsGoneUnlessItWaits();
     void aSecondPressOfTheSpaceBarPressesNothingElse();
     void aWindowDestroyedWhileSendingDoesNoHarm();
 };
@@ -281,26 +286,121 @@ void TestOrderDialogAnswers::closedWhileSendingItComesBackWhenNobodyKnows()
     QCOMPARE(placed.size(), 0);
 }
 
-void TestOrderDialogAnswers::closedTwiceWhileSendingItGivesUpTheWait()
+void TestOrderDialogAnswers::closedTwiceWhileSendingItStillTellsTheSuccess()
 {
     Desk desk;
     desk.server.on("POST", placePath, StubAnswer::held());
     QSignalSpy placed(desk.dialog, &OrderDialog::orderPlaced);
+    QSignalSpy sounds(desk.dialog, &OrderDialog::soundDue);
     QSignalSpy unknown(desk.dialog, &OrderDialog::outcomeUnknown);
-    QSignalSpy finished(desk.dialog, &QDialog::finished);
+    QSignalSpy unseen(desk.dialog, &OrderDialog::failedUnseen);
     QTest::mouseClick(desk.buy(), Qt::LeftButton);
     QTRY_COMPARE(desk.server.heldCount(), 1);
     desk.dialog->close();
-    QCOMPARE(unknown.size(), 0);
+    QVERIFY(desk.dialog->mayReturn());
     desk.dialog->show();
     QVERIFY(!desk.buy()->isEnabled());
     QTest::keyClick(desk.dialog, Qt::Key_Escape);
-    QTRY_VERIFY(!desk.dialog);
-    QCOMPARE(unknown.size(), 1);
-    QCOMPARE(finished.size(), 1);
+    QVERIFY(!desk.dialog->mayReturn());
+    desk.dialog->close(); // however often
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    QVERIFY(desk.dialog && !desk.dialog->isVisible());
     desk.server.release(StubAnswer::json("{}"));
-    QCoreApplication::processEvents();
+    QTRY_VERIFY(!desk.dialog);
+    QCOMPARE(placed.size(), 1);
+    QCOMPARE(sounds.size(), 1);
+    QCOMPARE(sounds.at(0).at(0).value<SoundKind>(), SoundKind::Open);
+    QCOMPARE(unknown.size(), 0);
+    QCOMPARE(unseen.size(), 0);
+    QCOMPARE(desk.server.count("POST", placePath), 1);
+}
+
+void TestOrderDialogAnswers::closedTwiceWhileSendingItStillTellsTheFailure_data()
+{
+    QTest::addColumn<int>("status");
+    QTest::newRow("refused") << 400;
+    QTest::newRow("nobody knows") << 504;
+}
+
+void TestOrderDialogAnswers::closedTwiceWhileSendingItStillTellsTheFailure()
+{
+    QFETCH(int, status);
+    Desk desk;
+    desk.server.on("POST", placePath, StubAnswer::held());
+    QSignalSpy placed(desk.dialog, &OrderDialog::orderPlaced);
+    QSignalSpy sounds(desk.dialog, &OrderDialog::soundDue);
+    QSignalSpy unknown(desk.dialog, &OrderDialog::outcomeUnknown);
+    QSignalSpy unseen(desk.dialog, &OrderDialog::failedUnseen);
+    QTest::mouseClick(desk.buy(), Qt::LeftButton);
+    QTRY_COMPARE(desk.server.heldCount(), 1);
+    desk.dialog->close();
+    desk.dialog->show();
+    desk.dialog->close();
+    QCOMPARE(unknown.size(), 0);
+    bool wasSeen = false;
+    connect(qApp, &QGuiApplication::focusWindowChanged, desk.dialog,
+        [&] { wasSeen |= desk.dialog->isVisible(); });
+    desk.server.release(StubAnswer::message(u"Not enough money"_s, status));
+    QTRY_VERIFY(!desk.dialog);
+    QVERIFY(!wasSeen);
+    QCOMPARE(unseen, QList<QVariantList>{{u"Not enough money"_s}});
+    QCOMPARE(sounds.size(), 1);
+    QCOMPARE(sounds.at(0).at(0).value<SoundKind>(), SoundKind::Error);
+    QCOMPARE(unknown.size(), status == 504 ? 1 : 0);
     QCOMPARE(placed.size(), 0);
+    QCOMPARE(desk.server.count("POST", placePath), 1);
+}
+
+void TestOrderDialogAnswers::aWindowThatMayNotReturnTellsTheFailureUnseen()
+{
+    Desk desk;
+    bool may = true;
+    desk.dialog->setReturnRule([&may] { return may; });
+    desk.server.on("POST", placePath, StubAnswer::held());
+    QSignalSpy unseen(desk.dialog, &OrderDialog::failedUnseen);
+    QTest::mouseClick(desk.buy(), Qt::LeftButton);
+    QTRY_COMPARE(desk.server.heldCount(), 1);
+    desk.dialog->close();
+    QVERIFY(desk.dialog->mayReturn());
+    may = false;
+    QVERIFY(!desk.dialog->mayReturn());
+    desk.server.release(StubAnswer::message(u"No"_s, 400));
+    QTRY_VERIFY(!desk.dialog);
+    QCOMPARE(unseen, QList<QVariantList>{{u"No"_s}});
+}
+
+void TestOrderDialogAnswers::aWindowOnTheScreenShowsItsFailureWhateverTheRule()
+{
+    Desk desk;
+    desk.dialog->setReturnRule([] { return false; });
+    desk.server.on("POST", placePath, StubAnswer::message(u"No"_s, 400));
+    QSignalSpy unseen(desk.dialog, &OrderDialog::failedUnseen);
+    QTest::mouseClick(desk.buy(), Qt::LeftButton);
+    QTRY_VERIFY(desk.error()->isVisible());
+    QVERIFY(desk.dialog->isVisible());
+    QVERIFY(desk.buy()->isEnabled());
+    QCOMPARE(unseen.size(), 0);
+    desk.dialog->close();
+    QTRY_VERIFY(!desk.dialog);
+}
+
+void TestOrderDialogAnswers::leftForGoodItIsGoneUnlessItWaits()
+{
+    const Desk idle;
+    idle.dialog->leaveForGood();
+    QTRY_VERIFY(!idle.dialog);
+
+    Desk waiting;
+    waiting.server.on("POST", placePath, StubAnswer::held());
+    QSignalSpy placed(waiting.dialog, &OrderDialog::orderPlaced);
+    QTest::mouseClick(waiting.buy(), Qt::LeftButton);
+    QTRY_COMPARE(waiting.server.heldCount(), 1);
+    waiting.dialog->leaveForGood();
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    QVERIFY(waiting.dialog && !waiting.dialog->isVisible() && !waiting.dialog->mayReturn());
+    waiting.server.release(StubAnswer::json("{}"));
+    QTRY_VERIFY(!waiting.dialog);
+    QCOMPARE(placed.size(), 1);
 }
 
 void TestOrderDialogAnswers::aSecondPressOfTheSpaceBarPressesNothingElse()
