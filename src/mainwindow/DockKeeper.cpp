@@ -156,6 +156,7 @@ void DockKeeper::restoreGeometry(const QByteArray& geometry)
     const QRect before = m_window.geometry();
     if (geometry.isEmpty() || !m_window.restoreGeometry(geometry))
         return;
+    m_geometryRestored = true;
     // The toolkit accepts any rectangle, even one that no screen could ever show.
     const Qt::WindowStates state = m_window.windowState() & ~Qt::WindowMinimized;
     const bool filling = state & (Qt::WindowMaximized | Qt::WindowFullScreen);

@@ -34,6 +34,8 @@ public:
     /// earlier run never finished, leaves the default arrangement; returns a text about it for a
     /// person, else nothing.
     [[nodiscard]] QString restoreFromSettings();
+    /// Whether the window has a place from an earlier run.
+    [[nodiscard]] bool hasRestoredGeometry() const { return m_geometryRestored; }
     /// Call when the window has been shown: what was restored has proved harmless.
     void confirmRestored();
     /// Writes geometry and docks to the settings; the caller syncs them.
@@ -60,4 +62,5 @@ private:
     int m_lastGoodWidth = 0;
     int m_lastGoodHeight = 0;
     bool m_restoring = false;
+    bool m_geometryRestored = false;
 };

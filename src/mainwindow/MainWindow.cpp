@@ -17,6 +17,7 @@
 #include "mainwindow/OrderEvents.h"
 #include "mainwindow/QuitWatch.h"
 #include "mainwindow/Reports.h"
+#include "mainwindow/ScreenFit.h"
 #include "mainwindow/SmallWindows.h"
 #include "mainwindow/TerminalActions.h"
 #include "mainwindow/ToolBars.h"
@@ -58,6 +59,7 @@ MainWindow::MainWindow(QWidget* parent)
     , m_status(
           new StatusPanel(*statusBar(), StatusPanel::hostOf(TerminalSettings::instance().serverUrl()), this))
     , m_quitWatch(new QuitWatch(this))
+    , m_screenFit(new ScreenFit(*this))
 {
     setWindowTitle(tr("Tavoran Terminal"));
     resize(InitialSize);
@@ -421,5 +423,7 @@ void MainWindow::showEvent(QShowEvent* event)
     QMainWindow::showEvent(event);
     m_layoutStored = false;
     m_leaving = false;
+    if (!std::exchange(m_wasShown, true) && !m_docks->hasRestoredGeometry())
+        ScreenFit::fit(*this);
     QTimer::singleShot(0, m_docks, &DockKeeper::confirmRestored);
 }

@@ -22,6 +22,7 @@ class OrderEvents;
 class QMdiSubWindow;
 class QuitWatch;
 class Reports;
+class ScreenFit;
 class SmallWindows;
 class TerminalActions;
 class TerminalPane;
@@ -123,7 +124,9 @@ private:
     AlertsPane* m_alerts = nullptr;
     NewsPane* m_news = nullptr;
     QuitWatch* m_quitWatch;
+    ScreenFit* m_screenFit;
 
     bool m_layoutStored = false; ///< since the window was last shown; what closes after it changes nothing
     bool m_leaving = false;
+    bool m_wasShown = false;
 };

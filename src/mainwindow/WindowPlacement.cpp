@@ -71,3 +71,18 @@ QRect placedOnScreen(const QRect& wanted, const QList<QRect>& screens)
     const qint64 y = qBound(top(*home), top(wanted), top(*home) + heightOf(*home) - height);
     return {int(x), int(y), int(width), int(height)};
 }
+
+QRect fittedToScreen(const QRect& wanted, const QMargins& frame, const QSize& least, const QRect& available)
+{
+    if (!available.isValid())
+        return wanted;
+    const QRect room
+        = QRect(available.topLeft(), available.size().shrunkBy(frame)).translated(frame.left(), frame.top());
+    const QSize size = wanted.size().boundedTo(room.size().expandedTo(least));
+    const auto inside = [](int from, int length, int roomFrom, int roomLength) {
+        return qMax(roomFrom, qMin(from, roomFrom + roomLength - length));
+    };
+    return {QPoint(inside(wanted.x(), size.width(), room.x(), room.width()),
+                inside(wanted.y(), size.height(), room.y(), room.height())),
+        size};
+}

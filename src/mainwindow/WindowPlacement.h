@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QList>
+#include <QMargins>
 #include <QRect>
 
 /// What the dock snapshot needs to know about the window, in pixels.
@@ -22,3 +23,10 @@ struct DockFacts final {
 /// that screen, unless a usable part of it is on show already. Survives absurd sizes and positions;
 /// without screens the rectangle comes back as it is.
 [[nodiscard]] QRect placedOnScreen(const QRect& wanted, const QList<QRect>& screens);
+
+/// The rectangle of a window without its frame, made small enough to lie with it inside the part of its
+/// screen that is `available`, but no smaller than `least`, and moved there. What fits as it is stays as it
+/// is; what cannot fit shows its title bar and its upper left corner. Without a screen the rectangle comes
+/// back as it is.
+[[nodiscard]] QRect fittedToScreen(
+    const QRect& wanted, const QMargins& frame, const QSize& least, const QRect& available);

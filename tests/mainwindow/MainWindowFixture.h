@@ -59,6 +59,7 @@ struct MainWindowFixture final {
         window.reset();
         window = std::make_unique<MainWindow>();
         window->show();
+        window->resize(1280, 800); // whatever the screen of the test
     }
     void signIn(const QString& email = QStringLiteral("trader@example.test"))
     {

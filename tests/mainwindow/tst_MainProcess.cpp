@@ -30,14 +30,16 @@ private Q_SLOTS:
     void signingInOpensTheWindowAndClosingItEndsTheProgram();
     void aServerThatAnswersNothingStillLeadsToTheSignInWindow();
     void aRepairOfTheSettingsIsWrittenToTheJournal();
+    void theFirstWindowIsMadeForItsScreen_data();
+    void theFirstWindowIsMadeForItsScreen();
 
 private:
     /// Runs the program to its end; its exit code, or -1.
-    static int run(const QString& what)
+    static int run(const QString& what, const QString& platform = u"offscreen"_s)
     {
         QProcess program;
         QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-        environment.insert(u"QT_QPA_PLATFORM"_s, u"offscreen"_s);
+        environment.insert(u"QT_QPA_PLATFORM"_s, platform);
         environment.insert(u"QT_PLUGIN_PATH"_s, QStringLiteral(DRIVER_PLUGINS));
         environment.insert(u"QT_QPA_GENERIC_PLUGINS"_s, u"tavoran-driver:"_s + what);
         program.setProcessEnvironment(environment);
@@ -134,6 +136,47 @@ void tst_MainProcess::aRepairOfTheSettingsIsWrittenToTheJournal()
     QCOMPARE(logMessages().count(
                  u"[Terminal] The settings file was damaged; its last good copy has been put back."_s),
         1);
+}
+
+void tst_MainProcess::theFirstWindowIsMadeForItsScreen_data()
+{
+    QTest::addColumn<QSize>("screen");
+    QTest::newRow("1024 x 600") << QSize(1024, 600);
+    QTest::newRow("1280 x 800") << QSize(1280, 800);
+    QTest::newRow("1366 x 768") << QSize(1366, 768);
+    QTest::newRow("1920 x 1080") << QSize(1920, 1080);
+}
+
+void tst_MainProcess::theFirstWindowIsMadeForItsScreen()
+{
+    QFETCH(const QSize, screen);
+    QFile screens(QDir::tempPath() + u"/screens.json"_s);
+    QVERIFY(screens.open(QIODevice::WriteOnly));
+    screens.write(
+        QByteArray(R"({"screens":[{"name":"only","x":0,"y":0,"width":%1,"height":%2,"logicalDpi":96,)"
+                   R"("logicalBaseDpi":96,"dpr":1}]})")
+            .replace("%1", QByteArray::number(screen.width()))
+            .replace("%2", QByteArray::number(screen.height())));
+    screens.close();
+    QCOMPARE(run(u"signin"_s, u"offscreen:configfile="_s + screens.fileName()), 0);
+
+    // What the toolkit writes: two numbers of its own, and the window with its frame and without.
+    const TerminalSettings kept(SettingsStore::userFilePath());
+    QDataStream geometry(kept.windowGeometry());
+    quint32 magic = 0;
+    quint32 version = 0;
+    QRect outer;
+    QRect inner;
+    geometry >> magic >> version >> outer >> inner;
+    QVERIFY(inner.isValid());
+    const QRect whole(QPoint(0, 0), screen);
+    QVERIFY(whole.contains(outer));
+    const QSize largest = QSize(1280, 800).boundedTo(screen - (outer.size() - inner.size()));
+    QCOMPARE(inner.size().boundedTo(largest), inner.size());
+    if (screen == QSize(1920, 1080))
+        QCOMPARE(inner.size(), largest);
+    constexpr QSize roomForAnyFrame(20, 60);
+    QCOMPARE(inner.size().expandedTo(largest - roomForAnyFrame), inner.size());
 }
 
 TAVORAN_TEST_MAIN(tst_MainProcess)

@@ -42,7 +42,7 @@ void tst_MainWindow::windowIsBuiltAsPromised()
     MainWindowFixture f;
     f.open();
     QCOMPARE(f.window->windowTitle(), u"Tavoran Terminal"_s);
-    QCOMPARE(f.window->size(), QSize(1280, 800));
+    QCOMPARE(MainWindow().size(), QSize(1280, 800));
     const auto* area = qobject_cast<QMdiArea*>(f.window->centralWidget());
     QVERIFY(area);
     QCOMPARE(area->viewMode(), QMdiArea::TabbedView);

@@ -1,0 +1,93 @@
+#include "mainwindow/ScreenFit.h"
+
+#include "mainwindow/WindowPlacement.h"
+
+#include <QCoreApplication>
+#include <QDockWidget>
+#include <QEvent>
+#include <QScreen>
+#include <QTimer>
+#include <QWidget>
+
+#include <iterator>
+
+namespace {
+
+// Nobody tells when the frame has come, nor that none will.
+constexpr int turnsMs[] = {0, 80, 200};
+
+// Until the frame has come. A window of just the screen's size would be taken for one that wants none.
+constexpr QMargins usualFrame(4, 36, 4, 4);
+
+QMargins frameOf(const QWidget& window)
+{
+    const QRect inner = window.geometry();
+    const QRect outer = window.frameGeometry();
+    return {inner.left() - outer.left(), inner.top() - outer.top(), outer.right() - inner.right(),
+        outer.bottom() - inner.bottom()};
+}
+
+QRect placeFor(const QWidget& window, const QMargins& frame)
+{
+    const QSize least = window.minimumSizeHint().expandedTo(window.minimumSize());
+    return fittedToScreen(window.geometry(), frame, least, window.screen()->availableGeometry());
+}
+
+bool fillsScreen(const QWidget& window)
+{
+    return window.windowState() & (Qt::WindowMinimized | Qt::WindowMaximized | Qt::WindowFullScreen);
+}
+
+/// Floating docks lie where the layout has them; menus and tips place themselves.
+bool isDialogOrSmallWindow(const QWidget& widget)
+{
+    const Qt::WindowType type = widget.windowType();
+    return (type == Qt::Dialog || type == Qt::Tool || type == Qt::Window)
+        && !qobject_cast<const QDockWidget*>(&widget);
+}
+
+/// Fits the window, as long as nobody else gives it a size, in this turn and those after it.
+void fitLater(QWidget& window, QSize sizeBefore, std::size_t turn)
+{
+    if (turn == std::size(turnsMs))
+        return;
+    QTimer::singleShot(turnsMs[turn], &window, [&window, sizeBefore, turn] {
+        if (window.size() != sizeBefore || !window.isVisible() || fillsScreen(window))
+            return;
+        const QRect place = placeFor(window, frameOf(window));
+        if (place != window.geometry())
+            window.setGeometry(place);
+        fitLater(window, window.size(), turn + 1);
+    });
+}
+
+} // namespace
+
+ScreenFit::ScreenFit(QWidget& mainWindow)
+    : QObject(&mainWindow)
+    , m_mainWindow(mainWindow)
+{
+    QCoreApplication::instance()->installEventFilter(this);
+}
+
+void ScreenFit::fit(QWidget& window)
+{
+    if (fillsScreen(window))
+        return;
+    // Before it appears its place is not known, only whether it is too large for any.
+    const QMargins frame = frameOf(window);
+    if (placeFor(window, frame).size() != window.size())
+        window.setGeometry(placeFor(window, frame.isNull() ? usualFrame : frame));
+    fitLater(window, window.size(), 0);
+}
+
+bool ScreenFit::eventFilter(QObject* watched, QEvent* event)
+{
+    if (event->type() != QEvent::Show || event->spontaneous() || !watched->isWidgetType())
+        return false;
+    auto* widget = static_cast<QWidget*>(watched);
+    if (widget->isWindow() && widget->parentWidget() && widget->parentWidget()->window() == &m_mainWindow
+        && isDialogOrSmallWindow(*widget))
+        fit(*widget);
+    return false;
+}

@@ -1,0 +1,139 @@
+#include "MainWindowFixture.h"
+#include "support/TestMain.h"
+
+#include <QDialog>
+#include <QDockWidget>
+#include <QScreen>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+/// The part of the screen that windows may cover; the test's is 800 x 800.
+QRect available()
+{
+    return QGuiApplication::primaryScreen()->availableGeometry();
+}
+
+void showAndSettle(QWidget& window)
+{
+    window.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&window));
+    QTest::qWait(0);
+}
+
+} // namespace
+
+/// Windows and the screen that they open on.
+class tst_ScreenFit final : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void theFirstWindowFitsASmallScreen();
+    void aWindowWithAPlaceOfItsOwnKeepsIt();
+    void whoeverSizesTheWindowHasTheLastWord();
+    void aWindowShownAgainStaysWhereItWasPut();
+    void anOrderWindowLargerThanTheScreenShowsItsUpperLeft();
+    void aDialogLargerThanTheScreenIsMadeSmaller();
+    void aDialogOverTheEdgeComesInside();
+    void aFloatingPaneIsLeftAlone();
+};
+
+void tst_ScreenFit::theFirstWindowFitsASmallScreen()
+{
+    MainWindowFixture f;
+    f.window = std::make_unique<MainWindow>();
+    QVERIFY(!available().contains(QRect(available().topLeft(), f.window->size())));
+    showAndSettle(*f.window);
+    QTRY_VERIFY(available().contains(f.window->frameGeometry()));
+    QVERIFY(f.window->width() > 700 && f.window->height() > 500);
+    for (const QDockWidget* dock : f.window->findChildren<QDockWidget*>())
+        QVERIFY(f.window->rect().contains(dock->geometry()));
+}
+
+void tst_ScreenFit::aWindowWithAPlaceOfItsOwnKeepsIt()
+{
+    QByteArray geometry;
+    {
+        MainWindowFixture f;
+        f.open();
+        f.window->setGeometry(300, 300, 700, 600);
+        geometry = f.window->saveGeometry();
+    }
+    MainWindowFixture f;
+    TerminalSettings::instance().setWindowLayout(geometry, {});
+    f.window = std::make_unique<MainWindow>();
+    const QRect place = f.window->geometry();
+    showAndSettle(*f.window);
+    QCOMPARE(f.window->geometry(), place);
+}
+
+void tst_ScreenFit::whoeverSizesTheWindowHasTheLastWord()
+{
+    MainWindowFixture f;
+    f.window = std::make_unique<MainWindow>();
+    f.window->show();
+    f.window->resize(1500, 900);
+    showAndSettle(*f.window);
+    QCOMPARE(f.window->size(), QSize(1500, 900));
+}
+
+void tst_ScreenFit::aWindowShownAgainStaysWhereItWasPut()
+{
+    MainWindowFixture f;
+    f.open();
+    f.window->hide();
+    f.window->setGeometry(400, 300, 700, 600);
+    showAndSettle(*f.window);
+    QCOMPARE(f.window->geometry(), QRect(400, 300, 700, 600));
+}
+
+void tst_ScreenFit::anOrderWindowLargerThanTheScreenShowsItsUpperLeft()
+{
+    MainWindowFixture f;
+    f.signInAndSettle();
+    f.window->openOrderDialog();
+    QWidget* dialog = QApplication::activeModalWidget();
+    QVERIFY(dialog);
+    QTest::qWait(0);
+    QVERIFY(dialog->width() >= 920 && dialog->width() > available().width());
+    QTRY_COMPARE(dialog->frameGeometry().topLeft().x(), available().x());
+    QVERIFY(available().top() <= dialog->frameGeometry().top());
+    QVERIFY(dialog->frameGeometry().bottom() <= available().bottom());
+}
+
+void tst_ScreenFit::aDialogLargerThanTheScreenIsMadeSmaller()
+{
+    MainWindowFixture f;
+    f.open();
+    QDialog dialog(f.window.get());
+    dialog.resize(1000, 2000);
+    showAndSettle(dialog);
+    QTRY_VERIFY(available().contains(dialog.frameGeometry()));
+}
+
+void tst_ScreenFit::aDialogOverTheEdgeComesInside()
+{
+    MainWindowFixture f;
+    f.open();
+    QWidget window(f.window.get(), Qt::Tool);
+    window.setGeometry(700, -50, 300, 200);
+    showAndSettle(window);
+    QTRY_VERIFY(available().contains(window.frameGeometry()));
+    QCOMPARE(window.size(), QSize(300, 200));
+}
+
+void tst_ScreenFit::aFloatingPaneIsLeftAlone()
+{
+    MainWindowFixture f;
+    f.open();
+    auto* dock = f.window->findChild<QDockWidget*>(u"dockMarketWatch"_s);
+    dock->setFloating(true);
+    dock->hide();
+    dock->setGeometry(700, 50, 300, 200);
+    showAndSettle(*dock);
+    QCOMPARE(dock->geometry(), QRect(700, 50, 300, 200));
+}
+
+TAVORAN_TEST_MAIN(tst_ScreenFit)
+#include "tst_ScreenFit.moc"
