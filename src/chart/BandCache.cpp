@@ -2,6 +2,7 @@
 
 #include "chart/ChartFrame.h"
 #include "chart/LayerStack.h"
+#include "chart/layers/DeviceScale.h"
 
 #include <QPainter>
 #include <QRegion>
@@ -13,15 +14,6 @@ namespace {
 
 /// Above this a picture would cost more memory than it saves time (256 MB).
 constexpr double mostPixels = 64.0 * 1024.0 * 1024.0;
-
-/// Device pixels per unit when the painter only scales evenly and moves, as paint events do; else 0.
-qreal evenScale(const QPainter& painter)
-{
-    const QTransform transform = painter.deviceTransform();
-    const bool even = transform.type() <= QTransform::TxScale && transform.m11() > 0.0
-        && transform.m11() == transform.m22();
-    return even ? transform.m11() : 0.0;
-}
 
 /// The layers as device pixels; nothing when there is no room for them.
 QPixmap pictureOf(const ChartFrame& frame, qreal scale, void (*paint)(QPainter&, const ChartFrame&))
@@ -88,7 +80,7 @@ bool BandCache::sameGround(const Content& a, const Content& b)
 void BandCache::paint(QPainter& painter, const ChartFrame& frame, const QRegion& exposed)
 {
     const Content content{frame.view, frame.seriesRevision, frame.largestVolume, frame.liveBar,
-        frame.averages, frame.colors, frame.type, frame.digits, frame.timeframeMs, evenScale(painter)};
+        frame.averages, frame.colors, frame.type, frame.digits, frame.timeframeMs, evenDeviceScale(painter)};
     ChartFrame part = frame;
     part.exposed = exposed;
     paintKept(painter, part, content, exposed);

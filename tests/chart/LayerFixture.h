@@ -28,6 +28,7 @@ inline ChartFrame frameOfBars(const std::vector<Candle>& candles, double barWidt
     frame.candles = candles;
     frame.bars = frame.view.visible();
     frame.timeframeMs = quarterHour;
+    frame.exposed = QRect(QPoint(0, 0), frameSize);
     frame.digits = 2;
     frame.texts = &texts;
     return frame;

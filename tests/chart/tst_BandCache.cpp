@@ -110,6 +110,8 @@ private Q_SLOTS:
     void the_picture_equals_all_layers_in_order();
     void the_widget_shows_all_layers_in_order();
     void what_stays_on_the_window_equals_all_layers_in_order();
+    void ticks_and_partial_paints_leave_no_old_pixels_data();
+    void ticks_and_partial_paints_leave_no_old_pixels();
     void a_newest_bar_between_crowded_neighbours_is_the_same_to_the_pixel_data();
     void a_newest_bar_between_crowded_neighbours_is_the_same_to_the_pixel();
     void equal_content_is_painted_once_more_and_then_copied();
@@ -197,6 +199,66 @@ void TestBandCache::what_stays_on_the_window_equals_all_layers_in_order()
                                  .convertToFormat(QImage::Format_RGB32);
         QCOMPARE(shown.size(), QSize(300, 200));
         QVERIFY2(shown == plain(*chart, 1.0), qPrintable(u"step %1"_s.arg(step)));
+    }
+}
+
+void TestBandCache::ticks_and_partial_paints_leave_no_old_pixels_data()
+{
+    QTest::addColumn<int>("type");
+    QTest::addColumn<double>("barWidth");
+    for (int type = 0; type < 3; ++type) {
+        for (const double barWidth : {1.0, 1.3, 1.7, 2.5, 2.9, 3.4, 4.1, 7.0})
+            QTest::addRow("type %d, %.1f pixels", type, barWidth) << type << barWidth;
+    }
+}
+
+void TestBandCache::ticks_and_partial_paints_leave_no_old_pixels()
+{
+    QFETCH(int, type);
+    QFETCH(double, barWidth);
+    QRandomGenerator random(23);
+    QWidget window;
+    window.resize(340, 220);
+    auto* chart = new ChartWidget(&window);
+    chart->resize(300, 200);
+    chart->setChartType(type);
+    window.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&window));
+    QScreen* screen = window.screen();
+    for (int round = 0; round < 20; ++round) {
+        if (round == 10)
+            addIndicators(*chart);
+        // Steep ways from bar to bar, in scales that other bars hold open.
+        std::vector<Candle> candles = fixtures::wave(60);
+        for (Candle& candle : candles) {
+            candle.open = 1.0 + random.bounded(1.0);
+            candle.close = 1.0 + random.bounded(1.0);
+            candle.high = std::max(candle.open, candle.close);
+            candle.low = std::min(candle.open, candle.close);
+        }
+        candles[50].high = 2.2;
+        candles[50].low = 0.9;
+        candles[50].volume = 100'000;
+        chart->setCandles(candles);
+        chart->setChartShift(round % 2 == 0);
+        while (chart->barWidth() > barWidth)
+            chart->zoomOut();
+        QCoreApplication::processEvents();
+        for (int step = 0; step < 24; ++step) {
+            if (step % 2 == 0) {
+                const double price = 1.0 + random.bounded(1.0);
+                chart->onTick(price, price + random.bounded(0.1), candles.back().time);
+            } else {
+                // What a covering window or a level in the hand lets through.
+                const QPoint corner(random.bounded(300), random.bounded(200));
+                chart->update(QRect(corner, QPoint(random.bounded(300), random.bounded(200))).normalized());
+            }
+            QCoreApplication::processEvents();
+            const QImage shown = screen->grabWindow(window.winId(), 0, 0, 300, 200)
+                                     .toImage()
+                                     .convertToFormat(QImage::Format_RGB32);
+            QVERIFY2(shown == plain(*chart, 1.0), qPrintable(u"round %1, step %2"_s.arg(round).arg(step)));
+        }
     }
 }
 

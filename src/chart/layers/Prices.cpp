@@ -1,5 +1,6 @@
 #include "chart/ChartFrame.h"
 #include "chart/layers/Layers.h"
+#include "chart/layers/PenLines.h"
 #include "chart/layers/Strokes.h"
 
 #include <QVarLengthArray>
@@ -23,8 +24,7 @@ void paintLine(QPainter& painter, const ChartFrame& frame)
         from = to;
     }
     // Single segments: a polyline above one pixel of width is stroked as one large path.
-    painter.setPen(QPen(frame.colors.line, 1.2));
-    painter.drawLines(segments.constData(), static_cast<int>(segments.size()));
+    strokes::withPen(painter, frame, QPen(frame.colors.line, 1.2), segments);
 }
 
 void paintBars(QPainter& painter, const ChartFrame& frame)
