@@ -48,8 +48,8 @@ void bytesToPainted(benchmark::State& state)
     chart.resize(1600, 900);
     chart.show();
     for ([[maybe_unused]] auto _ : state) {
-        std::optional<HistoryReply> reply = HistoryReply::read(bytes);
-        chart.setCandles(std::move(reply->candles));
+        HistoryReply reply = HistoryReply::read(bytes);
+        chart.setCandles(std::move(reply.candles));
         chart.repaint();
     }
 }

@@ -168,18 +168,15 @@ void ChartWindow::requestHistory()
 void ChartWindow::onHistory(const QByteArray& body, const QString& error)
 {
     const bool toEnd = std::exchange(m_endWanted, false);
-    std::optional<HistoryReply> history;
-    if (error.isEmpty())
-        history = HistoryReply::read(body);
-    if (!history) {
-        const QString reason = error.isEmpty() ? tr("Unexpected server response") : error;
-        Q_EMIT logMessage(tr("Chart"), tr("%1: failed to load candles: %2").arg(m_symbol, reason));
+    if (!error.isEmpty()) {
+        Q_EMIT logMessage(tr("Chart"), tr("%1: failed to load candles: %2").arg(m_symbol, error));
         return;
     }
-    takeHistory(std::move(history->candles), toEnd);
+    HistoryReply history = HistoryReply::read(body);
+    takeHistory(std::move(history.candles), toEnd);
     Q_EMIT logMessage(tr("Chart"),
         tr("%1,%2: %3 candles loaded")
-            .arg(m_symbol, timeframeLabel(m_timeframe), QString::number(history->received)));
+            .arg(m_symbol, timeframeLabel(m_timeframe), QString::number(history.received)));
 }
 
 void ChartWindow::takeHistory(std::vector<Candle> candles, bool toEnd)

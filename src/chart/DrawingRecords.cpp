@@ -5,6 +5,7 @@
 #include "net/JsonNumber.h"
 
 #include <algorithm>
+#include <optional>
 
 using namespace Qt::StringLiterals;
 
@@ -44,10 +45,8 @@ std::optional<Drawing> readDrawing(const QJsonObject& fields)
 
 } // namespace
 
-std::optional<QList<Drawing>> readDrawings(const QJsonDocument& document)
+QList<Drawing> readDrawings(const QJsonDocument& document)
 {
-    if (!document.isArray())
-        return std::nullopt;
     QList<Drawing> drawings;
     const QJsonArray records = document.array();
     for (const QJsonValue& record : records) {

@@ -6,15 +6,13 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 
-#include <optional>
-
 /// The objects of a chart as the server sends and takes them.
 
 /// Reads an array of {"id", "toolType", "points", "style"}. An object of an unknown kind is left out, and
 /// nothing else: a time or price that is missing or cannot be read is 0, an object with too few points keeps
 /// those that it has and lies nowhere (see DrawingGeometry), and a colour that does not parse is the usual
-/// one. Anything but an array gives nothing, so that a foreign reply never empties a chart.
-[[nodiscard]] std::optional<QList<Drawing>> readDrawings(const QJsonDocument& document);
+/// one. Anything but an array is an empty one.
+[[nodiscard]] QList<Drawing> readDrawings(const QJsonDocument& document);
 
 /// What creates the object for a symbol and, unless it is empty, an account.
 [[nodiscard]] QJsonObject createDrawingBody(

@@ -96,13 +96,12 @@ void DrawingStore::readWhenQuiet()
 
 void DrawingStore::take(const QJsonDocument& document, const QString& error)
 {
-    const auto drawings = error.isEmpty() ? readDrawings(document) : std::nullopt;
-    if (!drawings) {
-        const QString reason = error.isEmpty() ? tr("Unexpected server response") : error;
-        Q_EMIT failed(tr("%1: failed to load drawings: %2").arg(oneLine(m_symbol), oneLine(reason)));
+    if (!error.isEmpty()) {
+        Q_EMIT failed(tr("%1: failed to load drawings: %2").arg(oneLine(m_symbol), oneLine(error)));
         return;
     }
-    m_chart.setDrawings(mergeDrawings(*drawings, m_chart.drawings(), std::exchange(scope().confirmed, {})));
+    m_chart.setDrawings(
+        mergeDrawings(readDrawings(document), m_chart.drawings(), std::exchange(scope().confirmed, {})));
 }
 
 void DrawingStore::create(const Drawing& drawing)

@@ -13,6 +13,7 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <utility>
 
 using namespace Qt::StringLiterals;
 
@@ -109,10 +110,8 @@ qint64 isoTimeMs(const QString& text)
     return std::max<qint64>(time.toMSecsSinceEpoch(), 0);
 }
 
-std::optional<HistoryReply> HistoryReply::read(const QJsonDocument& document)
+HistoryReply HistoryReply::read(const QJsonDocument& document)
 {
-    if (!document.isArray())
-        return std::nullopt;
     const QJsonArray rows = document.array();
     HistoryReply reply;
     reply.received = rows.size();
@@ -133,9 +132,9 @@ std::optional<HistoryReply> HistoryReply::read(const QJsonDocument& document)
     return reply;
 }
 
-std::optional<HistoryReply> HistoryReply::read(const QByteArray& json)
+HistoryReply HistoryReply::read(const QByteArray& json)
 {
     if (std::optional<HistoryReply> plain = readPlainHistory(json))
-        return plain;
+        return std::move(*plain);
     return read(QJsonDocument::fromJson(json));
 }

@@ -5,7 +5,6 @@
 #include <QJsonDocument>
 #include <QString>
 
-#include <optional>
 #include <vector>
 
 /// The server's candle history, read from one reply.
@@ -14,11 +13,11 @@ struct HistoryReply {
     qsizetype received = 0;      ///< elements of the reply array, readable or not
 
     /// Reads an array of {"timestamp", "open", "high", "low", "close", "volume"}. An element that is no
-    /// object, or whose timestamp is not a time after the epoch, is skipped. Anything but an array gives
-    /// nothing, so that a cut or foreign reply never passes for an empty history.
-    [[nodiscard]] static std::optional<HistoryReply> read(const QJsonDocument& document);
+    /// object, or whose timestamp is not a time after the epoch, is skipped. Anything but an array is an
+    /// empty history.
+    [[nodiscard]] static HistoryReply read(const QJsonDocument& document);
     /// The same from the reply's text.
-    [[nodiscard]] static std::optional<HistoryReply> read(const QByteArray& json);
+    [[nodiscard]] static HistoryReply read(const QByteArray& json);
 };
 
 /// ISO 8601 date and time, milliseconds optional, as ms since the epoch; without a zone it means UTC.

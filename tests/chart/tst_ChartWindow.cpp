@@ -32,8 +32,8 @@ private Q_SLOTS:
     void anEmptyHistoryEmptiesTheChart();
     void aFailedLoadIsJournalledAndKeepsWhatIsShown();
     void aChartThatNeverLoadedGoesOnWaiting();
-    void aReplyThatIsNoHistoryKeepsWhatIsShown_data();
-    void aReplyThatIsNoHistoryKeepsWhatIsShown();
+    void anAnswerThatIsNoHistoryCountsAsAnEmptyOne_data();
+    void anAnswerThatIsNoHistoryCountsAsAnEmptyOne();
     void afterTwoQuickSwitchesOnlyTheSecondReplyIsApplied();
     void switchingBackAndForthNeverShowsTheOtherSeries();
     void reloadingDuringAReloadAppliesTheNewestReplyOnly();
@@ -240,7 +240,7 @@ void tst_ChartWindow::aFailedLoadIsJournalledAndKeepsWhatIsShown()
     QCOMPARE(window.chart().candles().size(), std::size_t(3));
 }
 
-void tst_ChartWindow::aReplyThatIsNoHistoryKeepsWhatIsShown_data()
+void tst_ChartWindow::anAnswerThatIsNoHistoryCountsAsAnEmptyOne_data()
 {
     QTest::addColumn<QByteArray>("body");
     QTest::newRow("empty body") << QByteArray();
@@ -253,7 +253,7 @@ void tst_ChartWindow::aReplyThatIsNoHistoryKeepsWhatIsShown_data()
     QTest::newRow("nested too deeply") << QByteArray(2000, '[') + QByteArray(2000, ']');
 }
 
-void tst_ChartWindow::aReplyThatIsNoHistoryKeepsWhatIsShown()
+void tst_ChartWindow::anAnswerThatIsNoHistoryCountsAsAnEmptyOne()
 {
     QFETCH(QByteArray, body);
     m_server->once("GET", candlesPath, StubAnswer::json(bars(3, 1.25)));
@@ -264,8 +264,8 @@ void tst_ChartWindow::aReplyThatIsNoHistoryKeepsWhatIsShown()
     QVERIFY(log.wait());
     window.reload();
     QVERIFY(log.wait());
-    QCOMPARE(log.last().at(1), u"EURUSD: failed to load candles: Unexpected server response"_s);
-    QCOMPARE(window.chart().candles().size(), std::size_t(3));
+    QCOMPARE(log.last().at(1), u"EURUSD,M15: 0 candles loaded"_s);
+    QVERIFY(window.chart().candles().empty());
 }
 
 void tst_ChartWindow::aChartThatNeverLoadedGoesOnWaiting()
@@ -551,15 +551,13 @@ void tst_ChartWindow::anotherAccountReadsTheObjectsAnew()
 
 void tst_ChartWindow::aFailureWithTheObjectsIsJournalled()
 {
-    m_server->on("GET", drawingsPath, StubAnswer::json("{}"));
+    m_server->on("GET", drawingsPath, StubAnswer::message(u"No objects"_s, 500));
     m_server->on("GET", candlesPath, StubAnswer::held());
     ChartWindow window(*m_api, u"EURUSD"_s, u"15m"_s, {}, 5);
     QSignalSpy log(&window, &ChartWindow::logMessage);
     window.load();
     QVERIFY(log.wait());
-    QCOMPARE(log,
-        QList<QVariantList>(
-            {{u"Chart"_s, u"EURUSD: failed to load drawings: Unexpected server response"_s}}));
+    QCOMPARE(log, QList<QVariantList>({{u"Chart"_s, u"EURUSD: failed to load drawings: No objects"_s}}));
 }
 
 void tst_ChartWindow::timeframesSwitchedFasterThanRepliesArriveShowTheLastOnly()
