@@ -247,7 +247,8 @@ void TestBandCache::ticks_and_partial_paints_leave_no_old_pixels()
         for (int step = 0; step < 24; ++step) {
             if (step % 2 == 0) {
                 const double price = 1.0 + random.bounded(1.0);
-                chart->onTick(price, price + random.bounded(0.1), candles.back().time);
+                const double ask = random.bounded(4) == 0 ? 0.0 : price + random.bounded(0.1);
+                chart->onTick(random.bounded(4) == 0 ? 0.0 : price, ask, candles.back().time);
             } else {
                 // What a covering window or a level in the hand lets through.
                 const QPoint corner(random.bounded(300), random.bounded(200));

@@ -112,6 +112,16 @@ private Q_SLOTS:
         QCOMPARE(m_log, QStringList(u"Probe: 1.5 1.7 1.6 1"_s));
     }
 
+    void theExpertHearsOfPricesAsTheyCome()
+    {
+        window().attachExpert(script("function OnTick() { Print(Bid, Ask, Bars()) }"));
+        m_log.clear();
+        tick(1.5, 0.0);
+        tick(-2.0, -1.0);
+        tick(0.0, 0.0);
+        QCOMPARE(m_log, QStringList({u"Probe: 1.5 0 0"_s, u"Probe: -2 -1 1"_s, u"Probe: 0 0 1"_s}));
+    }
+
     void theExpertHearsOfAPriceAfterTheButtons()
     {
         const QList<QPushButton*> buttons
