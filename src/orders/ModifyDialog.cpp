@@ -49,7 +49,6 @@ ModifyDialog::ModifyDialog(ApiClient& api, const QJsonObject& trade, int digits,
     : SendingDialog(parent)
     , m_api(api)
     , m_trade(trade)
-    , m_modify(new QPushButton(tr("Modify"), this))
     , m_error(plainLabel({}, this))
 {
     setWindowTitle(tr("Modify Order"));
@@ -81,6 +80,7 @@ ModifyDialog::ModifyDialog(ApiClient& api, const QJsonObject& trade, int digits,
 
     auto* cancel = new QPushButton(tr("Cancel"), this);
     cancel->setAutoDefault(false);
+    m_modify = new QPushButton(tr("Modify"), this);
     m_modify->setObjectName("modifyButton"_L1);
     m_modify->setDefault(true);
     auto* buttons = new QHBoxLayout;
@@ -159,9 +159,4 @@ void ModifyDialog::showError(const QString& text)
 {
     m_error->setText(text);
     m_error->show();
-}
-
-void ModifyDialog::focusSafely()
-{
-    m_stopLoss->setFocus();
 }

@@ -31,7 +31,6 @@ Q_SIGNALS:
 
 protected:
     void showError(const QString& text) override;
-    void focusSafely() override;
 
 private:
     [[nodiscard]] DecimalEdit* addLevel(

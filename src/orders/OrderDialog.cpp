@@ -159,8 +159,3 @@ void OrderDialog::showError(const QString& text)
 {
     m_form->showError(text);
 }
-
-void OrderDialog::focusSafely()
-{
-    m_form->focusVolume();
-}

@@ -40,7 +40,6 @@ Q_SIGNALS:
 
 protected:
     void showError(const QString& text) override;
-    void focusSafely() override;
 
 private:
     void setOrderType(OrderType type);

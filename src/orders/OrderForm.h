@@ -40,8 +40,7 @@ public:
     void showError(const QString& text);
     /// Nothing can be typed or pressed while an order is on its way.
     void setSending(bool sending);
-    /// Puts the cursor where typing does no harm, and where a trader types first: a number typed at once
-    /// replaces the volume.
+    /// Puts the cursor where a trader types first: a number typed at once replaces the volume.
     void focusVolume();
     /// What Tab comes to here, from the top.
     [[nodiscard]] QList<QWidget*> focusOrder() const;

@@ -62,7 +62,10 @@ void SendingDialog::comeBack()
     m_left = false;
     if (!isHidden())
         return;
-    focusSafely();
+    // It may come back under the hands of somebody who types elsewhere: their keys must change nothing. With
+    // no focus policy it would hand the focus on to its first field.
+    setFocusPolicy(Qt::ClickFocus);
+    setFocus();
     show();
     raise();
     activateWindow();

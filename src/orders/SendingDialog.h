@@ -45,9 +45,6 @@ protected:
     /// Tells of an answer that is no success: on the dialog, which comes back for it, or else by a signal.
     /// The dialog may be gone afterwards.
     void endInFailure(const ReplyOutcome& outcome);
-    /// The dialog may come back under the hands of somebody who types elsewhere: puts the cursor where that
-    /// does no harm.
-    virtual void focusSafely() = 0;
 
 private:
     void comeBack();

@@ -571,9 +571,21 @@ void TestModifyDialog::closedWhileSendingItComesBackWithARefusal()
     QTRY_COMPARE(desk.server.heldCount(), 1);
     desk.dialog->close();
     QVERIFY(!desk.dialog->isVisible());
+    QLineEdit elsewhere;
+    elsewhere.show();
+    QVERIFY(hands::arriveAt(&elsewhere));
     desk.server.release(StubAnswer::message(u"No"_s, 400));
     QTRY_VERIFY(desk.dialog->isVisible());
     QVERIFY(desk.error()->isVisible());
+    // What is typed for another window must change no level.
+    QVERIFY(hands::arriveAt(desk.dialog));
+    hands::type(u"0.5"_s);
+    QCOMPARE(desk.edit("modifyStopLoss")->text(), QString());
+    QCOMPARE(desk.edit("modifyTakeProfit")->text(), u"1.20000"_s);
+    hands::press(Qt::Key_Tab);
+    QCOMPARE(hands::focused(), u"modifyStopLoss"_s);
+    hands::type(u"1.1"_s);
+    QCOMPARE(desk.edit("modifyStopLoss")->text(), u"1.1"_s);
 }
 
 void TestModifyDialog::closedWhileSendingItReportsTheSuccess()

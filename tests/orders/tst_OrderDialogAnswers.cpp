@@ -1,8 +1,11 @@
 #include "OrderDeskFixture.h"
 #include "app/DecimalSpinBox.h"
 #include "app/Theme.h"
+#include "support/Hands.h"
 #include "support/LogMessages.h"
 #include "support/TestMain.h"
+
+#include <QLineEdit>
 
 using namespace Qt::StringLiterals;
 using fixtures::Desk;
@@ -248,6 +251,9 @@ void TestOrderDialogAnswers::closedWhileSendingItComesBackWithARefusal()
     QTRY_COMPARE(desk.server.heldCount(), 1);
     desk.dialog->close();
     QVERIFY(!desk.dialog->isVisible());
+    QLineEdit elsewhere;
+    elsewhere.show();
+    QVERIFY(hands::arriveAt(&elsewhere));
     desk.server.release(StubAnswer::message(u"Not enough money"_s, 400));
     QTRY_VERIFY(desk.dialog->isVisible());
     QVERIFY(desk.error()->isVisible());
@@ -256,8 +262,15 @@ void TestOrderDialogAnswers::closedWhileSendingItComesBackWithARefusal()
     QVERIFY(desk.buy()->isEnabled());
     QCOMPARE(sounds.size(), 1);
     QCOMPARE(sounds.at(0).at(0).value<SoundKind>(), SoundKind::Error);
-    // A key meant for another window must not place the order again.
-    QCOMPARE(desk.dialog->focusWidget(), desk.part<DecimalSpinBox>(u"orderVolume"_s));
+    // Keys meant for another window must neither place the order again nor change it.
+    QVERIFY(hands::arriveAt(desk.dialog));
+    hands::type(u"5 "_s);
+    hands::press(Qt::Key_Return);
+    QCOMPARE(desk.part<DecimalSpinBox>(u"orderVolume"_s)->value(), 0.01);
+    QCOMPARE(desk.edit(u"orderStopLoss"_s)->text(), u"1.05"_s);
+    QCOMPARE(desk.server.count("POST", placePath), 1);
+    hands::press(Qt::Key_Tab);
+    QCOMPARE(hands::focused(), u"Market Execution"_s);
     // The next order can be left in the same way.
     QTest::mouseClick(desk.buy(), Qt::LeftButton);
     QTRY_COMPARE(desk.server.heldCount(), 1);
