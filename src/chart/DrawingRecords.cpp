@@ -49,7 +49,7 @@ QList<Drawing> readDrawings(const QJsonDocument& document)
 {
     QList<Drawing> drawings;
     const QJsonArray records = document.array();
-    for (const QJsonValue& record : records) {
+    for (const QJsonValue record : records) {
         if (const std::optional<Drawing> drawing = readDrawing(record.toObject()))
             drawings.append(*drawing);
     }
