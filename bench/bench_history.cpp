@@ -1,3 +1,4 @@
+#include "app/UtcTime.h"
 #include "chart/ChartWidget.h"
 #include "chart/HistoryReply.h"
 #include "scenes/Series.h"
@@ -20,8 +21,7 @@ const QByteArray& replyBytes()
     static const QByteArray bytes = [] {
         QByteArray text = "[";
         for (const Candle& candle : walk(bars)) {
-            const QString time
-                = QDateTime::fromMSecsSinceEpoch(candle.time, Qt::UTC).toString(Qt::ISODateWithMs);
+            const QString time = utcTime(candle.time).toString(Qt::ISODateWithMs);
             text += (text.size() > 1 ? "," : "") + QByteArray("{\"timestamp\":\"") + time.toLatin1()
                 + "\",\"open\":" + QByteArray::number(candle.open, 'f', 5)
                 + ",\"high\":" + QByteArray::number(candle.high, 'f', 5)

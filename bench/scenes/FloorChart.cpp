@@ -1,5 +1,6 @@
 #include "scenes/FloorChart.h"
 
+#include "app/UtcTime.h"
 #include "scenes/PlainIndicators.h"
 
 #include <QDateTime>
@@ -115,8 +116,7 @@ void FloorChart::paintGrid(QPainter& painter)
         painter.drawLine(x(i), 0, x(i), m_plot.bottom());
         painter.setPen(axis);
         painter.drawText(QRect(x(i) - 44, m_plot.bottom() + 3, 88, 18), Qt::AlignCenter,
-            QDateTime::fromMSecsSinceEpoch(m_candles[static_cast<std::size_t>(i)].time, Qt::UTC)
-                .toString(u"HH:mm"_s));
+            utcTime(m_candles[static_cast<std::size_t>(i)].time).toString(u"HH:mm"_s));
     }
 }
 
@@ -212,8 +212,7 @@ void FloorChart::paintOverlays(QPainter& painter)
             const QRect box(m_pointer.x() - 50, m_plot.bottom() + 2, 100, 19);
             painter.fillRect(box, QColor(0x33, 0x33, 0x33));
             painter.setPen(Qt::white);
-            painter.drawText(box, Qt::AlignCenter,
-                QDateTime::fromMSecsSinceEpoch(bar.time, Qt::UTC).toString(u"dd MMM HH:mm"_s));
+            painter.drawText(box, Qt::AlignCenter, utcTime(bar.time).toString(u"dd MMM HH:mm"_s));
             painter.setPen(axis);
             painter.drawText(QRect(6, 4, m_plot.width() - 12, 16), Qt::AlignLeft | Qt::AlignVCenter,
                 u"O: %1   H: %2   L: %3   C: %4"_s.arg(

@@ -2,6 +2,7 @@
 
 #include "app/NumberFormat.h"
 #include "app/ServerText.h"
+#include "app/UtcTime.h"
 #include "chart/MovingAverageSpec.h"
 #include "chart/Timeframe.h"
 
@@ -38,7 +39,7 @@ QString barTimeText(qint64 timeMs, qint64 timeframeMs, bool withDate)
     const bool intraday = timeframeMs < dayMs;
     if (intraday && !withDate)
         return timeOfDay(timeMs);
-    const QDateTime time = QDateTime::fromMSecsSinceEpoch(timeMs, Qt::UTC);
+    const QDateTime time = utcTime(timeMs);
     return time.toString(intraday ? u"dd MMM HH:mm"_s : u"dd MMM yyyy"_s);
 }
 

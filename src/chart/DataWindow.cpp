@@ -2,6 +2,7 @@
 
 #include "app/NumberFormat.h"
 #include "app/ServerText.h"
+#include "app/UtcTime.h"
 #include "chart/ChartWidget.h"
 
 #include <QDateTime>
@@ -59,7 +60,7 @@ QString DataWindow::text(const Shown& shown) const
     if (!shown.bar)
         return tr("Hover over the chart...");
     const Candle& bar = *shown.bar;
-    const QDateTime time = QDateTime::fromMSecsSinceEpoch(bar.time, Qt::UTC);
+    const QDateTime time = utcTime(bar.time);
     return tr("<b>%1</b><br>Date: %2<br>Open: %3<br>High: %4<br>Low: %5<br>Close: %6<br>Volume: %7")
         .arg(oneLine(m_symbol).toHtmlEscaped(), time.toString(u"yyyy.MM.dd HH:mm"_s),
             formatPrice(bar.open, shown.digits), formatPrice(bar.high, shown.digits),

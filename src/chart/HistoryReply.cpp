@@ -1,5 +1,6 @@
 #include "chart/HistoryReply.h"
 
+#include "app/UtcTime.h"
 #include "chart/JsonPrice.h"
 #include "chart/PlainHistory.h"
 #include "net/JsonNumber.h"
@@ -106,7 +107,7 @@ qint64 isoTimeMs(const QString& text)
     if (!time.isValid())
         return 0;
     if (time.timeSpec() == Qt::LocalTime)
-        time = QDateTime(time.date(), time.time(), Qt::UTC);
+        time = utcTime(time.date(), time.time());
     return std::max<qint64>(time.toMSecsSinceEpoch(), 0);
 }
 

@@ -2,6 +2,7 @@
 
 #include "app/TerminalSettings.h"
 #include "net/SafeText.h"
+#include "net/SocketError.h"
 #include "net/UrlParts.h"
 
 #include <QJsonDocument>
@@ -54,8 +55,7 @@ WsClient::WsClient(QObject* parent)
     connect(&m_socket, &QWebSocket::connected, this, &WsClient::onConnected);
     connect(&m_socket, &QWebSocket::disconnected, this, &WsClient::finishAttempt);
     connect(&m_socket, &QWebSocket::textMessageReceived, this, &WsClient::onTextMessage);
-    connect(
-        &m_socket, qOverload<QAbstractSocket::SocketError>(&QWebSocket::error), this, &WsClient::reportError);
+    connect(&m_socket, socketError, this, &WsClient::reportError);
     connect(&m_pingTimer, &QTimer::timeout, this, &WsClient::sendPing);
     connect(&m_retryTimer, &QTimer::timeout, this, &WsClient::reopen);
     connect(&m_attemptTimer, &QTimer::timeout, this, &WsClient::giveUpAttempt);

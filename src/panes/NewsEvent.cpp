@@ -2,6 +2,7 @@
 
 #include "app/ServerText.h"
 #include "app/Theme.h"
+#include "app/UtcTime.h"
 #include "net/JsonNumber.h"
 
 #include <QCoreApplication>
@@ -26,7 +27,7 @@ QString clockText(const QString& iso)
 {
     QDateTime time = QDateTime::fromString(iso, Qt::ISODateWithMs);
     if (time.isValid() && time.timeSpec() == Qt::LocalTime)
-        time = QDateTime(time.date(), time.time(), Qt::UTC); // a server's time without a zone
+        time = utcTime(time.date(), time.time()); // a server's time without a zone
     return time.isValid() ? QLocale::c().toString(time.toLocalTime(), u"ddd HH:mm") : QString();
 }
 

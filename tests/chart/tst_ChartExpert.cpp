@@ -1,3 +1,4 @@
+#include "app/UtcTime.h"
 #include "chart/ChartExpert.h"
 
 #include "chart/ChartComment.h"
@@ -46,7 +47,7 @@ class tst_ChartExpert final : public QObject {
     void loadBars(const QList<double>& closes)
     {
         QJsonArray bars;
-        QDateTime time(QDate(2024, 5, 1), QTime(0, 0), Qt::UTC);
+        QDateTime time = utcTime(QDate(2024, 5, 1), QTime(0, 0));
         for (double close : closes) {
             bars.append(QJsonObject{{u"timestamp"_s, time.toString(Qt::ISODateWithMs)}, {u"open"_s, close},
                 {u"high"_s, close}, {u"low"_s, close}, {u"close"_s, close}, {u"volume"_s, 1}});

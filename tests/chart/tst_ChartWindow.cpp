@@ -1,4 +1,5 @@
 #include "app/TerminalSettings.h"
+#include "app/UtcTime.h"
 #include "chart/ChartFrame.h"
 #include "chart/ChartWidget.h"
 #include "chart/ChartWindow.h"
@@ -84,7 +85,7 @@ QByteArray bars(int count, double close)
 {
     QJsonArray rows;
     for (int i = 0; i < count; ++i) {
-        const QDateTime time = QDateTime::fromMSecsSinceEpoch(1'600'000'200'000 + i * 900'000LL, Qt::UTC);
+        const QDateTime time = utcTime(1'600'000'200'000 + i * 900'000LL);
         rows.append(QJsonObject{{u"timestamp"_s, time.toString(Qt::ISODateWithMs)}, {u"open"_s, close},
             {u"high"_s, close}, {u"low"_s, close}, {u"close"_s, close}, {u"volume"_s, 1}});
     }

@@ -1,3 +1,4 @@
+#include "app/UtcTime.h"
 #include "chart/CandleSeries.h"
 #include "chart/HistoryReply.h"
 #include "support/TestMain.h"
@@ -71,7 +72,7 @@ void tst_HistoryReply::readsTimesLikeTheToolkitDoes()
 void tst_HistoryReply::readsEveryDayOfFourCenturiesLikeTheToolkit()
 {
     for (QDate day(1970, 1, 2); day.year() < 2370; day = day.addDays(1)) {
-        const QDateTime time(day, QTime(13, 14, 15, 16), Qt::UTC);
+        const QDateTime time = utcTime(day, QTime(13, 14, 15, 16));
         const qint64 expected = time.toMSecsSinceEpoch();
         if (isoTimeMs(time.toString(Qt::ISODateWithMs)) != expected)
             QCOMPARE(isoTimeMs(time.toString(Qt::ISODateWithMs)), expected);
@@ -182,7 +183,7 @@ void tst_HistoryReply::readsAsManyRowsAsAReplyMayHold()
     const QByteArray head = R"({"timestamp":")";
     const QByteArray tail = R"(","open":1.1,"high":1.3,"low":1.0,"close":"1.2","volume":7})";
     QByteArray body = "[";
-    const QDateTime first(QDate(2014, 5, 1), QTime(0, 0), Qt::UTC);
+    const QDateTime first = utcTime(QDate(2014, 5, 1), QTime(0, 0));
     for (int i = 0; i < count; ++i)
         body += (i > 0 ? "," : "") + head + first.addSecs(60LL * i).toString(Qt::ISODateWithMs).toLatin1()
             + tail;

@@ -1,6 +1,7 @@
 #include "ChartFixtures.h"
 #include "ChartWindowFixture.h"
 #include "app/FileFixture.h"
+#include "app/UtcTime.h"
 #include "chart/OneClickPanel.h"
 #include "chart/SpinArrows.h"
 #include "support/TestMain.h"
@@ -116,7 +117,7 @@ void tst_SpinArrows::aFileIsWrittenAgainOnlyWhenItDiffers()
     QVERIFY(file.open(QIODevice::ReadOnly));
     const QByteArray bytes = file.readAll();
     file.close();
-    const QDateTime longAgo(QDate(2001, 2, 3), QTime(4, 5), Qt::UTC);
+    const QDateTime longAgo = utcTime(QDate(2001, 2, 3), QTime(4, 5));
     const auto content = [&] {
         const bool opened = file.open(QIODevice::ReadOnly);
         const QByteArray all = opened ? file.readAll() : QByteArray();
