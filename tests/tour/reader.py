@@ -9,6 +9,10 @@ gi.require_version("Atspi", "2.0")
 from gi.repository import Atspi, GLib  # noqa: E402
 
 
+# What newer versions of the accessibility bus call by another name than older ones.
+OLDER_NAMES = {"button": "push button"}
+
+
 class Item:
     """One thing on the screen. Each property is read once, when it is first asked for."""
 
@@ -17,7 +21,8 @@ class Item:
 
     @cached_property
     def role(self):
-        return self._node.get_role_name()
+        name = self._node.get_role_name()
+        return OLDER_NAMES.get(name, name)
 
     @cached_property
     def name(self):
