@@ -4,6 +4,7 @@
 #include "chart/ChartWidget.h"
 #include "chart/ChartWindow.h"
 #include "mainwindow/TerminalActions.h"
+#include "support/Hands.h"
 
 #include <QApplication>
 #include <QMenuBar>
@@ -43,7 +44,7 @@ struct CommandDriver final {
             QTRY_VERIFY(menu->isVisible());
             QAction* next = entry(menu, text);
             QVERIFY2(next, qPrintable(text));
-            QTest::mouseClick(menu, Qt::LeftButton, {}, menu->actionGeometry(next).center());
+            hands::choose(*menu, next);
             menu = next->menu();
         }
         QTRY_VERIFY(!QApplication::activePopupWidget());

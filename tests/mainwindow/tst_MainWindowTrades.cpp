@@ -65,7 +65,7 @@ private:
         QVERIFY(menu);
         for (QAction* action : menu->actions()) {
             if (action->text() == text)
-                return QTest::mouseClick(menu, Qt::LeftButton, {}, menu->actionGeometry(action).center());
+                return hands::choose(*menu, action);
         }
         QFAIL(qPrintable(text));
     }

@@ -1,4 +1,5 @@
 #include "mainwindow/TradeMenu.h"
+#include "support/Hands.h"
 #include "support/ParseJson.h"
 #include "support/TestMain.h"
 
@@ -37,7 +38,7 @@ struct Desk {
     {
         for (QAction* action : shown.actions()) {
             if (action->text() == text)
-                return QTest::mouseClick(&shown, Qt::LeftButton, {}, shown.actionGeometry(action).center());
+                return hands::choose(shown, action);
         }
         QFAIL(qPrintable(text));
     }

@@ -1,4 +1,5 @@
 #include "app/TerminalSettings.h"
+#include "net/SocketError.h"
 #include "net/WsClient.h"
 #include "support/StubFeedServer.h"
 #include "support/TestMain.h"
@@ -254,8 +255,8 @@ void TestWsClientFaults::an_error_reported_twice_is_told_once()
     m_client->start();
     auto* const socket = m_client->findChild<QWebSocket*>();
     QVERIFY(socket);
-    Q_EMIT socket->error(QAbstractSocket::RemoteHostClosedError);
-    Q_EMIT socket->error(QAbstractSocket::RemoteHostClosedError);
+    for (int time = 0; time < 2; ++time)
+        Q_EMIT(socket->*socketError)(QAbstractSocket::RemoteHostClosedError);
     QCOMPARE(m_log.filter(u"Feed error: "_s).size(), 1);
     QCOMPARE(m_retries, QList<int>());
 }
@@ -275,6 +276,11 @@ void TestWsClientFaults::errors_never_carry_token_or_query()
 {
     using Mode = StubFeedServer::Mode;
     m_client->setAttemptTimeout(30);
+    // Whether the toolkit repeats the server's own words, which hold the token here, depends on its version.
+    const auto* const socket = m_client->findChild<QWebSocket*>();
+    bool tempted = false;
+    connect(
+        socket, socketError, this, [&] { tempted = tempted || socket->errorString().contains("token"_L1); });
     m_client->start();
     for (const Mode mode : {Mode::RefuseAndClose, Mode::RefuseAndKeepOpen, Mode::RedirectAndKeepOpen,
              Mode::GarbageAndKeepOpen, Mode::CloseAtOnce, Mode::TokenInReason}) {
@@ -287,7 +293,7 @@ void TestWsClientFaults::errors_never_carry_token_or_query()
     const qsizetype before = m_retries.size();
     QTRY_VERIFY(m_retries.size() >= before + 2);
     QVERIFY(m_log.filter(u"Feed error: "_s).size() >= 4);
-    QVERIFY(m_log.join(u'\n').contains(u"[hidden]"_s));
+    QCOMPARE(m_log.join(u'\n').contains(u"[hidden]"_s), tempted);
     QCOMPARE(m_log.filter(u"token"_s), QStringList());
 }
 

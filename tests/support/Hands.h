@@ -2,6 +2,7 @@
 
 #include <QApplication>
 #include <QDragEnterEvent>
+#include <QMenu>
 #include <QMimeData>
 #include <QPushButton>
 #include <QtTest>
@@ -64,6 +65,17 @@ inline void drop(QWidget& widget, const QString& text)
     QApplication::sendEvent(&widget, &enter);
     QDropEvent drop(middle, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
     QApplication::sendEvent(&widget, &drop);
+}
+
+/// Moves to an entry of an open menu and clicks it. A menu that was clicked without a movement of the mouse
+/// since it opened takes that for the end of the click which opened it.
+inline void choose(QMenu& menu, QAction* entry)
+{
+    constexpr int fewSteps = 8;
+    const QPoint place = menu.actionGeometry(entry).center();
+    for (int step = fewSteps; step >= 0; --step)
+        QTest::mouseMove(&menu, place - QPoint(step, 0));
+    QTest::mouseClick(&menu, Qt::LeftButton, {}, place);
 }
 
 /// Turns the wheel over the middle of a widget as the desktop does: only then is it offered to what lies
