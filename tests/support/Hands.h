@@ -1,10 +1,10 @@
 #pragma once
 
+#include <QAbstractButton>
 #include <QApplication>
 #include <QDragEnterEvent>
 #include <QMenu>
 #include <QMimeData>
-#include <QPushButton>
 #include <QtTest>
 
 /// A person's hands: keys go to whatever has the focus, a drop and a turn of the wheel to whatever lies

@@ -164,6 +164,14 @@ class Stage:
     def click(self, item, times=1, button=1):
         self.desktop.click(*item.center, times=times, button=button)
 
+    def tab_to(self, field):
+        """Goes to a field by Tab alone, which selects what it holds."""
+        for _ in range(60):
+            if self.wait(lambda: field.again().has("FOCUSED"), 0.3):
+                return
+            self.desktop.key("Tab")
+        raise StepFailed(f"Tab never came to {field.role} {field.name}")
+
     def open_tab(self, name):
         """Brings a page of the Toolbox to the front; each holds a list of the same name."""
         if not self.wait(lambda: self.list_named(name), 0):

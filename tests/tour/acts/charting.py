@@ -120,7 +120,7 @@ def change_the_timeframe(stage):
 def answer_period(stage, name, period):
     dialog = stage.titled("Moving Average")
     stage.seen(f"{name}-dialog", dialog, "the period is asked for")
-    stage.desktop.key("ctrl+a")
+    stage.wait(lambda: dialog.find("spin button").has("FOCUSED"))
     stage.desktop.type(str(period))
     stage.desktop.key("Return")
     stage.gone("Moving Average")
@@ -175,7 +175,8 @@ def choose_background(stage):
     chooser = stage.titled("Background")
     stage.seen("chooser", chooser, "a swatch opens a colour chooser")
     field = stage.wait(lambda: chooser.find("text", accept=lambda item: item.text().startswith("#")))
-    stage.click(field, times=2)
+    stage.desktop.key("alt+h")
+    stage.wait(lambda: field.again().has("FOCUSED"))
     stage.desktop.key("ctrl+a")
     stage.desktop.type("#{:02x}{:02x}{:02x}".format(*OTHER_BACKGROUND))
     stage.press_in(chooser, "OK")

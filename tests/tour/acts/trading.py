@@ -57,8 +57,7 @@ def buy_with_one_click(stage, symbol, lots):
     before = held()
     panel = stage.has_chart(symbol)  # another chart lies behind it and has a panel, too
     volume = stage.wait(lambda: panel.find("spin button", "Volume in lots"))
-    stage.click(volume)
-    stage.desktop.key("ctrl+a")
+    stage.tab_to(volume)
     stage.desktop.type(lots)
     stage.wait(lambda: volume.text() == lots)
     button = panel.find("push button", accept=lambda item: item.name.startswith("BUY"))
@@ -73,15 +72,12 @@ def buy_with_one_click(stage, symbol, lots):
     return ticket
 
 
-def type_into(stage, dialog, label, text):
-    """Fills the field of a form that stands right of this caption."""
+def field_beside(stage, dialog, label):
+    """The field of a form that stands right of this caption."""
     caption = stage.wait(lambda: dialog.find("label", label))
-    field = stage.wait(lambda: next(
+    return stage.wait(lambda: next(
         item for item in dialog.find_all(accept=lambda part: part.role in ("text", "spin button"))
         if abs(item.center[1] - caption.center[1]) < 8))
-    stage.click(field, times=2)
-    stage.desktop.key("ctrl+a")
-    stage.desktop.type(text)
 
 
 def modify_by_dialog(stage, ticket, below, above, by_menu=False):
@@ -96,11 +92,14 @@ def modify_by_dialog(stage, ticket, below, above, by_menu=False):
     dialog = stage.titled("Modify Order")
     stage.seen("modify", dialog, f"{'Modify in the menu of the row' if by_menu else 'a double-click on the row'} "
                "opens the modify dialog")
-    type_into(stage, dialog, "Stop Loss:", f"{stop_loss:.5f}".replace(".", ","))  # a comma counts as a point
-    type_into(stage, dialog, "Take Profit:", f"{take_profit:.5f}")
+    ready = stage.wait(lambda: field_beside(stage, dialog, "Stop Loss:").has("FOCUSED"))
+    stage.seen("modify-ready", ready, "which takes a stop loss at once")
+    stage.desktop.type(f"{stop_loss:.5f}".replace(".", ","))  # a comma counts as a point
+    stage.desktop.key("Tab")
+    stage.desktop.type(f"{take_profit:.5f}")
     stage.seen("modify-filled", True, f"{stop_loss:.5f} and {take_profit:.5f} are typed")
-    stage.press_in(dialog, "Modify")
-    stage.gone("Modify Order")
+    stage.desktop.key("Return")
+    stage.seen("modify-sent", stage.gone("Modify Order"), "Return sends them, and the dialog is gone")
     wanted = [f"{stop_loss:.5f}", f"{take_profit:.5f}"]
     shown = stage.wait(lambda: [cell.name for cell in ticket_row(stage, ticket)[6:8]] == wanted)
     stage.seen("modified", shown, f"the row shows {wanted}")
@@ -149,7 +148,8 @@ def place_limit(stage):
     dialog = order_dialog(stage)
     stage.press_in(dialog, "Limit Order")
     price = bid(stage) - 0.0016
-    type_into(stage, dialog, "Price:", f"{price:.5f}")
+    stage.tab_to(field_beside(stage, dialog, "Price:"))
+    stage.desktop.type(f"{price:.5f}")
     stage.press_in(dialog, "Buy Limit")
     stage.gone("Order: ")
     pending = stage.wait(lambda: stage.platform.trades("pending")) or []

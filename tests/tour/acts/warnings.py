@@ -1,7 +1,7 @@
 """News and price alerts: what calls the trader who looks elsewhere."""
 
 from acts.market import bid
-from acts.trading import type_into
+from acts.trading import field_beside
 from played_market import FALLING
 from stage import StepFailed
 
@@ -40,15 +40,13 @@ def set_an_alert(stage):
     stage.click(stage.wait(lambda: stage.part("push button", "Add Alert")))
     dialog = stage.titled("New Alert")
     stage.seen("alert-dialog", dialog, "Add Alert opens its dialog")
-    symbol = stage.wait(lambda: dialog.find("combo box", shown=True))
-    stage.click(symbol)
+    stage.wait(lambda: dialog.find("combo box").has("FOCUSED"))
     stage.desktop.type(FALLING)
-    stage.desktop.key("Return")
-    stage.click(next(item for item in dialog.find_all("combo box") if item.y > symbol.y))
-    stage.desktop.key("End", "Return")
+    stage.desktop.key("Tab", "End")
+    stage.tab_to(field_beside(stage, dialog, "Price:"))
     price = bid(stage, FALLING) - 0.0012
-    type_into(stage, dialog, "Price:", f"{price:.5f}")
-    stage.press_in(dialog, "OK")
+    stage.desktop.type(f"{price:.5f}")
+    stage.desktop.key("Return")
     alert = stage.wait(lambda: (shown := stage.texts("Alerts")) and shown[0][:3] == [FALLING, "Bid ≤", f"{price:.5f}"]
                        and shown)
     stage.seen("alert", alert and len(alert) == 1, f"an alert is set: {alert}")
