@@ -61,6 +61,8 @@ OrderForm::OrderForm(const QJsonArray& symbols, const QString& initialSymbol, QW
     column->addStretch();
     m_priceDisplay->setObjectName("priceDisplay"_L1);
     m_priceDisplay->setAlignment(Qt::AlignCenter);
+    // Beside each other where there is room, else one below the other: a cut price reads as another price.
+    m_priceDisplay->setWordWrap(true);
     m_priceDisplay->setStyleSheet("font-size:26pt; font-weight:bold; color:#222;"_L1);
     column->addWidget(m_priceDisplay);
     column->addStretch();

@@ -13,6 +13,8 @@ class TestOrderDialogPrices final : public QObject {
 private Q_SLOTS:
     void init();
     void pricesAreShownAndDrawn();
+    void pricesAreShownToTheirLastDigit_data();
+    void pricesAreShownToTheirLastDigit();
     void otherSymbolsPricesAreLeftAlone();
     void aPriceThatIsMissingIsShownAsZero_data();
     void aPriceThatIsMissingIsShownAsZero();
@@ -39,6 +41,41 @@ void TestOrderDialogPrices::pricesAreShownAndDrawn()
     QCOMPARE(desk.units()->text(), u"1000 EURUSD"_s);
     desk.quote(R"({"EURUSD":{"bid":"1.0712","ask":1.07135}})");
     QCOMPARE(desk.ticks()->bids().size(), 2);
+}
+
+void TestOrderDialogPrices::pricesAreShownToTheirLastDigit_data()
+{
+    QTest::addColumn<int>("digits");
+    QTest::addColumn<double>("bid");
+    QTest::newRow("whole") << 0 << 39000.0;
+    QTest::newRow("five decimals") << 5 << 1.0712;
+    QTest::newRow("six figures") << 2 << 165432.12;
+    QTest::newRow("eight decimals") << 8 << 0.00001234;
+    QTest::newRow("twelve decimals") << 12 << 0.000000012345;
+}
+
+void TestOrderDialogPrices::pricesAreShownToTheirLastDigit()
+{
+    QFETCH(int, digits);
+    QFETCH(double, bid);
+    Desk desk({}, {QJsonObject{{u"name"_s, u"X"_s}, {u"digits"_s, digits}}});
+    const QPoint buttons = desk.sell()->mapTo(desk.dialog.data(), QPoint());
+    desk.quote(QJsonDocument(QJsonObject{{u"X"_s, QJsonObject{{u"bid"_s, bid}, {u"ask"_s, bid}}}}).toJson());
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::LayoutRequest);
+    const QRect place(desk.prices()->mapTo(desk.dialog.data(), QPoint()), desk.prices()->size());
+    const QImage shown = desk.dialog->grab(place).toImage();
+    QList<int> inked;
+    for (int x = 0; x < shown.width(); ++x) {
+        for (int y = 0; y < shown.height(); ++y) {
+            if (shown.pixelColor(x, y) != QColor(Qt::white))
+                inked.append(x);
+        }
+    }
+    QVERIFY(!inked.isEmpty());
+    // A text that is cut has ink at the very edge.
+    QVERIFY2(inked.first() > 0 && inked.last() < shown.width() - 1, qPrintable(desk.prices()->text()));
+    // What is about to be clicked stays where it is.
+    QCOMPARE(desk.sell()->mapTo(desk.dialog.data(), QPoint()), buttons);
 }
 
 void TestOrderDialogPrices::otherSymbolsPricesAreLeftAlone()
