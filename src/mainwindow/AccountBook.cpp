@@ -128,30 +128,25 @@ QStringList AccountBook::symbolNames() const
 
 void AccountBook::notePrices(const PriceSnapshot& prices)
 {
-    for (const PriceSnapshot::Entry& entry : prices.entries()) {
-        m_quotes.insert(entry.symbol, entry.quote);
-        if (!m_helloQuotes.isEmpty())
-            m_helloQuotes.remove(entry.symbol);
-    }
+    for (const PriceSnapshot::Entry& entry : prices.entries())
+        m_quotes.insert(entry.symbol, {entry.quote, entry.quote});
 }
 
 void AccountBook::noteHelloPrices(const PriceSnapshot& prices)
 {
     for (const PriceSnapshot::Entry& entry : prices.entries())
-        m_helloQuotes.insert(entry.symbol, entry.quote);
+        m_quotes[entry.symbol].latest = entry.quote;
 }
 
 QJsonObject AccountBook::knownPrice(const QString& symbol) const
 {
-    if (!m_quotes.contains(symbol) && !m_helloQuotes.contains(symbol))
-        return {};
-    return {{symbol, recordOf(knownQuote(symbol))}};
+    const auto found = m_quotes.constFind(symbol);
+    return found == m_quotes.cend() ? QJsonObject() : QJsonObject{{symbol, recordOf(found->latest)}};
 }
 
 Quote AccountBook::knownQuote(const QString& symbol) const
 {
-    const auto greeted = m_helloQuotes.constFind(symbol);
-    return greeted == m_helloQuotes.cend() ? m_quotes.value(symbol) : *greeted;
+    return m_quotes.value(symbol).latest;
 }
 
 QJsonObject AccountBook::knownTradePrices() const
@@ -161,8 +156,8 @@ QJsonObject AccountBook::knownTradePrices() const
         for (const QJsonValue trade : *list) {
             const QString symbol = trade["symbol"_L1].toString();
             const auto found = m_quotes.constFind(symbol);
-            if (found != m_quotes.cend())
-                known.insert(symbol, recordOf(*found));
+            if (found != m_quotes.cend() && found->ticked)
+                known.insert(symbol, recordOf(*found->ticked));
         }
     }
     return known;

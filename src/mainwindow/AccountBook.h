@@ -80,6 +80,11 @@ public:
     [[nodiscard]] QJsonObject knownTradePrices() const;
 
 private:
+    struct KnownQuote final {
+        Quote latest;                ///< of a snapshot or a hello
+        std::optional<Quote> ticked; ///< of the latest snapshot; absent before the first
+    };
+
     QJsonArray m_accounts;
     QString m_currentAccountId;
     QMap<QString, double> m_tradePnl;
@@ -89,6 +94,5 @@ private:
     QJsonArray m_symbols;
     QHash<QString, QJsonObject> m_symbolsByName;
     QHash<QString, int> m_digits;
-    QHash<QString, Quote> m_quotes;
-    QHash<QString, Quote> m_helloQuotes; ///< of symbols that no snapshot has named since the hello
+    QHash<QString, KnownQuote> m_quotes;
 };
