@@ -7,6 +7,7 @@
 #include <QEvent>
 #include <QScreen>
 #include <QTimer>
+#include <QToolBar>
 #include <QWidget>
 
 #include <iterator>
@@ -38,12 +39,20 @@ bool fillsScreen(const QWidget& window)
     return window.windowState() & (Qt::WindowMinimized | Qt::WindowMaximized | Qt::WindowFullScreen);
 }
 
-/// Floating docks lie where the layout has them; menus and tips place themselves.
+/// Floating docks and toolbars lie where the layout has them; menus and tips place themselves.
 bool isDialogOrSmallWindow(const QWidget& widget)
 {
     const Qt::WindowType type = widget.windowType();
     return (type == Qt::Dialog || type == Qt::Tool || type == Qt::Window)
-        && !qobject_cast<const QDockWidget*>(&widget);
+        && !qobject_cast<const QDockWidget*>(&widget) && !qobject_cast<const QToolBar*>(&widget);
+}
+
+bool isShownForTheFirstTime(QWidget& window)
+{
+    constexpr auto shown = "shownBefore";
+    const bool before = window.property(shown).toBool();
+    window.setProperty(shown, true);
+    return !before;
 }
 
 /// Fits the window, as long as nobody else gives it a size, in this turn and those after it.
@@ -87,7 +96,7 @@ bool ScreenFit::eventFilter(QObject* watched, QEvent* event)
         return false;
     auto* widget = static_cast<QWidget*>(watched);
     if (widget->isWindow() && widget->parentWidget() && widget->parentWidget()->window() == &m_mainWindow
-        && isDialogOrSmallWindow(*widget))
+        && isDialogOrSmallWindow(*widget) && isShownForTheFirstTime(*widget))
         fit(*widget);
     return false;
 }

@@ -1,9 +1,11 @@
 #include "MainWindowFixture.h"
+#include "mainwindow/PopupPrices.h"
 #include "support/TestMain.h"
 
 #include <QDialog>
 #include <QDockWidget>
 #include <QScreen>
+#include <QToolBar>
 
 using namespace Qt::StringLiterals;
 
@@ -36,7 +38,9 @@ private Q_SLOTS:
     void anOrderWindowLargerThanTheScreenShowsItsUpperLeft();
     void aDialogLargerThanTheScreenIsMadeSmaller();
     void aDialogOverTheEdgeComesInside();
+    void aSmallWindowShownAgainStaysWhereItWasPut();
     void aFloatingPaneIsLeftAlone();
+    void aFloatingToolBarIsLeftAlone();
 };
 
 void tst_ScreenFit::theFirstWindowFitsASmallScreen()
@@ -123,6 +127,21 @@ void tst_ScreenFit::aDialogOverTheEdgeComesInside()
     QCOMPARE(window.size(), QSize(300, 200));
 }
 
+void tst_ScreenFit::aSmallWindowShownAgainStaysWhereItWasPut()
+{
+    MainWindowFixture f;
+    f.signInAndSettle();
+    QTest::keyClick(f.window.get(), Qt::Key_F10);
+    auto* prices = f.window->findChild<PopupPrices*>();
+    QVERIFY(prices);
+    showAndSettle(*prices);
+    const QRect overTheEdge(available().right() - 60, 100, 300, 200);
+    prices->setGeometry(overTheEdge);
+    prices->close();
+    showAndSettle(*prices);
+    QCOMPARE(prices->geometry(), overTheEdge);
+}
+
 void tst_ScreenFit::aFloatingPaneIsLeftAlone()
 {
     MainWindowFixture f;
@@ -133,6 +152,20 @@ void tst_ScreenFit::aFloatingPaneIsLeftAlone()
     dock->setGeometry(700, 50, 300, 200);
     showAndSettle(*dock);
     QCOMPARE(dock->geometry(), QRect(700, 50, 300, 200));
+}
+
+void tst_ScreenFit::aFloatingToolBarIsLeftAlone()
+{
+    MainWindowFixture f;
+    f.open();
+    auto* bar = f.window->findChild<QToolBar*>(u"toolbarStandard"_s);
+    // As the toolkit makes a bar float that is dragged off, or restored.
+    bar->hide();
+    bar->setWindowFlags(Qt::Tool | Qt::FramelessWindowHint);
+    const QRect overTheEdge(QPoint(available().right() - 60, 100), bar->sizeHint());
+    bar->setGeometry(overTheEdge);
+    showAndSettle(*bar);
+    QCOMPARE(bar->geometry(), overTheEdge);
 }
 
 TAVORAN_TEST_MAIN(tst_ScreenFit)
