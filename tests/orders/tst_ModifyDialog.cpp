@@ -465,8 +465,13 @@ void TestModifyDialog::everyRefusalStandsInTheLog()
     Desk nameless(R"({"id":".."})");
     nameless.press();
     QVERIFY(nameless.error()->isVisible());
+    Desk unfinished;
+    unfinished.type("modifyTakeProfit", u"."_s);
+    unfinished.press();
+    QVERIFY(unfinished.error()->isVisible());
     QCOMPARE(fixtures::logMessages().filter(u"[Trade]"_s),
-        QStringList({u"[Trade] Too close"_s, u"[Trade] This trade has no usable id."_s}));
+        QStringList({u"[Trade] Too close"_s, u"[Trade] This trade has no usable id."_s,
+            u"[Trade] Please enter a valid price."_s}));
 }
 
 void TestModifyDialog::aRefusalWithMarkupIsShownAsText()
