@@ -1,7 +1,9 @@
 #include "CommandDriver.h"
+#include "app/Theme.h"
 #include "support/TestMain.h"
 
 #include <QDockWidget>
+#include <QToolButton>
 
 using namespace Qt::StringLiterals;
 
@@ -13,6 +15,8 @@ private Q_SLOTS:
     void defaultLayoutBringsMovedToolBarsBack();
     void aLayoutSavedWithoutToolBarsShowsThemAll();
     void switchesFollowTheirDocks();
+    void whatHasNoRoomIsBehindAnArrow_data();
+    void whatHasNoRoomIsBehindAnArrow();
 
 private:
     static constexpr const char* names[] = {"toolbarStandard", "toolbarTimeframes", "toolbarStudies"};
@@ -99,6 +103,34 @@ void tst_ToolBars::switchesFollowTheirDocks()
         dock->close();
         QVERIFY(!action->isChecked());
     }
+}
+
+void tst_ToolBars::whatHasNoRoomIsBehindAnArrow_data()
+{
+    QTest::addColumn<bool>("dark");
+    QTest::newRow("dark") << true;
+    QTest::newRow("light") << false;
+}
+
+void tst_ToolBars::whatHasNoRoomIsBehindAnArrow()
+{
+    QFETCH(const bool, dark);
+    setTheme(dark);
+    applyTheme(*qApp);
+    const CommandDriver d;
+    d.f.window->resize(1024, 560);
+    auto* more = d.bar("toolbarStudies").findChild<QToolButton*>(u"qt_toolbar_ext_button"_s);
+    QVERIFY(more);
+    QTRY_VERIFY(more->isVisible());
+    const QImage shown = d.bar("toolbarStudies").grab(more->geometry()).toImage();
+    const auto grayAt = [&shown](int x, int y) { return qGray(shown.pixel(x, y)); };
+    int strongest = 0;
+    for (int y = 2; y < shown.height() - 2; ++y) {
+        for (int x = 2; x < shown.width() - 2; ++x)
+            strongest = qMax(strongest, qAbs(grayAt(x, y) - grayAt(2, 2)));
+    }
+    constexpr int easilySeen = 40;
+    QVERIFY2(strongest > easilySeen, qPrintable(QString::number(strongest)));
 }
 
 TAVORAN_TEST_MAIN(tst_ToolBars)
