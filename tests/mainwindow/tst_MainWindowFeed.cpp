@@ -137,13 +137,15 @@ void tst_MainWindowFeed::aHelloLeavesTheTradesPricesAlone()
     QCOMPARE(price(), QString());
     f.feed.send(R"({"type":"price_update","data":{"EURUSD":{"bid":1.3,"ask":1.4}}})");
     QTRY_COMPARE(price(), u"1.30000"_s);
-    // The hello has the trades read again; their rows show the last price that was ticked.
-    f.http.on("GET", "/api/trades/open?accountId=a1",
-        StubAnswer::json(MainWindowFixture::openTrades().replace("12.5", "13.5")));
+    f.http.once("GET", "/api/trades/open?accountId=a1", StubAnswer::held());
     f.feed.send(
         R"({"type":"hello","symbols":[{"name":"EURUSD"}],"prices":{"EURUSD":{"bid":1.5,"ask":1.6}}})");
-    QTRY_COMPARE(f.list("tradeList").topLevelItem(0)->text(11), u"13.50"_s);
+    QTRY_COMPARE(f.http.heldCount(), 1);
     QCOMPARE(f.list("marketWatchSymbols").topLevelItem(0)->text(1), u"1.50000"_s);
+    QCOMPARE(price(), u"1.30000"_s);
+    // The hello has the trades read again; their rows show the last price that was ticked.
+    QVERIFY(f.http.release(StubAnswer::json(MainWindowFixture::openTrades().replace("12.5", "13.5"))));
+    QTRY_COMPARE(f.list("tradeList").topLevelItem(0)->text(11), u"13.50"_s);
     QCOMPARE(price(), u"1.30000"_s);
 }
 
