@@ -210,8 +210,9 @@ private Q_SLOTS:
     {
         desk().http.on("POST", "/api/trades/place", StubAnswer::message(u"Not enough money"_s, 400));
         desk().window->openChart(u"EURUSD"_s);
-        activate("var n = 0; function OnTick() { if (++n == 3) Trade.buy(-1); else { Trade.buy(0.1); "
-                 "Trade.closeAll() } }");
+        activate(
+            "var n = 0; function OnTick() { if (++n == 3) { Trade.buy(-1); Trade.buy(0.1, { sl: 'x' }) } "
+            "else { Trade.buy(0.1); Trade.closeAll() } }");
         tick();
         desk().action("Algo Trading")->setChecked(true);
         tick();
@@ -221,7 +222,8 @@ private Q_SLOTS:
             QStringList({u"[Expert] Algo Trading is OFF — order ignored. Enable it in the toolbar."_s,
                 u"[Expert] Algo Trading is OFF — close ignored."_s,
                 u"[Expert] Order failed: Not enough money"_s,
-                u"[Robot] Order ignored: the lots must be a number above 0, not -1"_s}));
+                u"[Robot] Order ignored: the lots must be a number above 0, not -1"_s,
+                u"[Robot] Order ignored: stop loss or take profit is not a number"_s}));
     }
 
     void whatAnExpertMerelySaysStaysOutOfTheLog()
