@@ -86,7 +86,7 @@ private:
     {
         return *served.chart().findChild<OneClickPanel*>(u"oneClickPanel"_s);
     }
-    [[nodiscard]] static QPushButton& button(const OneClickPanel& panel, const QString& caption)
+    [[nodiscard]] static QPushButton& button(const OneClickPanel& panel, QStringView caption)
     {
         const QList<QPushButton*> buttons = panel.findChildren<QPushButton*>();
         return *(buttons.at(0)->text().startsWith(caption) ? buttons.at(0) : buttons.at(1));
