@@ -62,6 +62,8 @@ void TextPainter::draw(QPainter& painter, const QRect& box, Qt::Alignment alignm
         return;
     Face& used = face(weight);
     const Layout& line = layout(used, text);
+    if (alignment.testFlag(Qt::AlignHCenter) && line.width > box.width())
+        return drawSqueezed(painter, box, used, text, color);
     int x = box.left();
     if (alignment.testFlag(Qt::AlignHCenter))
         x += (box.width() - line.width) / 2;
@@ -78,6 +80,21 @@ void TextPainter::draw(QPainter& painter, const QRect& box, Qt::Alignment alignm
     painter.drawStaticText(x, y, line.text);
     if (overflows)
         painter.restore();
+}
+
+void TextPainter::drawSqueezed(
+    QPainter& painter, const QRect& box, Face& face, const QString& text, const QColor& color)
+{
+    constexpr int margin = 1;
+    const Layout& line = layout(face, text);
+    painter.save();
+    painter.translate(box.left() + margin, box.top() + (box.height() - face.height) / 2);
+    painter.scale(double(std::max(box.width() - 2 * margin, 1)) / line.width, 1.0);
+    painter.setFont(face.font);
+    painter.setPen(color);
+    // Not the kept layout: under another scale it would be worked out anew, and once more without it.
+    painter.drawText(0, face.ascent, line.text.text());
+    painter.restore();
 }
 
 void TextPainter::drawAt(QPainter& painter, const QPoint& baseline, const QString& text, const QColor& color)

@@ -19,6 +19,8 @@ public:
     TextPainter();
 
     /// One line within `box`, which also bounds it, vertically centred; `alignment` is the horizontal one.
+    /// What is centred and wider than the box is drawn narrower: a price with its ends cut off reads as
+    /// another price.
     void draw(QPainter& painter, const QRect& box, Qt::Alignment alignment, const QString& text,
         const QColor& color, Weight weight = Weight::Normal);
 
@@ -46,6 +48,8 @@ private:
     [[nodiscard]] Face& face(Weight weight) { return weight == Weight::Bold ? m_bold : m_normal; }
     [[nodiscard]] static Face faceOf(int points, Weight weight);
     [[nodiscard]] static const Layout& layout(Face& face, const QString& text);
+    static void drawSqueezed(
+        QPainter& painter, const QRect& box, Face& face, const QString& text, const QColor& color);
     static void drawAt(
         QPainter& painter, const QPoint& baseline, Face& face, const QString& text, const QColor& color);
 

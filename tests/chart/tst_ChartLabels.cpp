@@ -55,6 +55,8 @@ private Q_SLOTS:
     void a_horizontal_line_carries_its_price_above_it();
     void a_retracement_carries_percent_and_price_beside_each_level();
     void the_ask_is_white_and_the_bid_bold_and_black();
+    void no_end_of_a_price_is_cut_by_its_tag_data();
+    void no_end_of_a_price_is_cut_by_its_tag();
     void the_crosshair_tells_the_price_at_the_pointer_and_the_bar();
     void the_button_shows_a_double_arrow();
     void an_empty_chart_waits_in_its_middle();
@@ -257,6 +259,27 @@ void TestChartLabels::the_ask_is_white_and_the_bid_bold_and_black()
         askRed.darker(280), QColor(Qt::white));
     compareBox(
         image, bidTag, formatPrice(last.low, 4), Qt::AlignHCenter, bidBlue, QColor(Qt::black), Weight::Bold);
+}
+
+void TestChartLabels::no_end_of_a_price_is_cut_by_its_tag_data()
+{
+    QTest::addColumn<int>("digits");
+    for (const int digits : {4, 8, 9, 12, 15})
+        QTest::addRow("%d", digits) << digits;
+}
+
+void TestChartLabels::no_end_of_a_price_is_cut_by_its_tag()
+{
+    QFETCH(int, digits);
+    m_chart->setDigits(digits);
+    const Candle last = m_chart->candles().back();
+    m_chart->onTick(last.low, last.high, last.time);
+    const ChartFrame frame = m_chart->frame();
+    const QImage image = paint(&layers::paintQuotes, frame);
+    const QRect tag(332, frame.view.pricePixel(last.low) - 9, 66, 18);
+    QVERIFY(fixtures::pixelsOtherThan(image, tag, bidBlue) > 10);
+    for (const int edge : {tag.left(), tag.right()})
+        QCOMPARE(fixtures::pixelsOtherThan(image, QRect(edge, tag.top(), 1, tag.height()), bidBlue), 0);
 }
 
 void TestChartLabels::the_crosshair_tells_the_price_at_the_pointer_and_the_bar()
