@@ -1,5 +1,6 @@
 #include "mainwindow/TradeMenu.h"
 
+#include "app/HeldEnter.h"
 #include "app/NumberFormat.h"
 #include "app/ServerText.h"
 #include "net/JsonNumber.h"
@@ -46,6 +47,7 @@ void TradeMenu::askToClose(const QJsonObject& trade)
     question->setTextFormat(Qt::PlainText);
     question->setDefaultButton(QMessageBox::Yes);
     question->setAttribute(Qt::WA_DeleteOnClose);
+    refuseHeldEnter(*question);
     connect(question, &QMessageBox::finished, this, [this, trade](int button) {
         if (button == QMessageBox::Yes)
             Q_EMIT closeConfirmed(trade);

@@ -3,6 +3,7 @@
 #include "app/DecimalEdit.h"
 #include "app/DecimalText.h"
 #include "app/FocusOrder.h"
+#include "app/HeldEnter.h"
 #include "app/NumberFormat.h"
 #include "app/ServerText.h"
 #include "app/Theme.h"
@@ -13,6 +14,7 @@
 
 #include <QFormLayout>
 #include <QHBoxLayout>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QNetworkReply>
 #include <QPointer>
@@ -95,6 +97,7 @@ ModifyDialog::ModifyDialog(ApiClient& api, const QJsonObject& trade, int digits,
     first->setFocus();
     first->selectAll();
 
+    refuseHeldEnter(*this);
     connect(cancel, &QPushButton::clicked, this, &ModifyDialog::reject);
     connect(m_modify, &QPushButton::clicked, this, &ModifyDialog::send);
     connect(this, &ModifyDialog::soundDue, this, &play);
@@ -159,4 +162,13 @@ void ModifyDialog::showError(const QString& text)
 {
     m_error->setText(text);
     m_error->show();
+}
+
+void ModifyDialog::keyPressEvent(QKeyEvent* event)
+{
+    // Whoever has gone to Cancel does not mean the default button.
+    auto* button = qobject_cast<QPushButton*>(focusWidget());
+    if (button && (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter))
+        return button->click();
+    SendingDialog::keyPressEvent(event);
 }

@@ -31,6 +31,7 @@ Q_SIGNALS:
 
 protected:
     void showError(const QString& text) override;
+    void keyPressEvent(QKeyEvent* event) override;
 
 private:
     [[nodiscard]] DecimalEdit* addLevel(

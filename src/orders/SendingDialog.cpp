@@ -4,6 +4,7 @@
 #include "net/ReplyOutcome.h"
 
 #include <QCloseEvent>
+#include <QKeyEvent>
 #include <QPointer>
 
 #include <utility>
@@ -86,4 +87,12 @@ void SendingDialog::closeEvent(QCloseEvent* event)
     QDialog::closeEvent(event);
     if (waits)
         event->ignore(); // accepted, it would delete the dialog before its answer
+}
+
+void SendingDialog::keyPressEvent(QKeyEvent* event)
+{
+    // Enter presses the default button even while none of the fields has the focus, as after coming back.
+    if (hasFocus() && (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter))
+        return;
+    QDialog::keyPressEvent(event);
 }

@@ -36,6 +36,7 @@ Q_SIGNALS:
 
 protected:
     void closeEvent(QCloseEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
 
     [[nodiscard]] bool isSending() const { return m_sending; }
     void setSending(bool sending);

@@ -78,6 +78,8 @@ private Q_SLOTS:
     void theKeyOpensAWindowForTheCurrentAccount();
     void anIdleWindowOfAFormerAccountMakesRoom();
     void aWindowComesBackForTheAccountThatIsCurrentAgain();
+    void aWindowOfAnAccountThatIsNoLongerListedNeverComesBack_data();
+    void aWindowOfAnAccountThatIsNoLongerListedNeverComesBack();
     void aWindowClosedTwiceTellsItsOutcomeInTheJournal_data();
     void aWindowClosedTwiceTellsItsOutcomeInTheJournal();
     void theTerminalMayEndWhileOrdersAreOnTheirWay();
@@ -251,6 +253,31 @@ void tst_MainWindowOrders::aWindowComesBackForTheAccountThatIsCurrentAgain()
     QVERIFY(f.http.release(StubAnswer::message(u"No"_s, 400)));
     QTRY_VERIFY(dialog->isVisible());
     QCOMPARE(f.journalCount(u"Trade: Order failed: No"_s), 0);
+}
+
+void tst_MainWindowOrders::aWindowOfAnAccountThatIsNoLongerListedNeverComesBack_data()
+{
+    QTest::addColumn<QByteArray>("accounts");
+    QTest::newRow("another is left") << R"([{"id":"a2","status":"ACTIVE","balance":2000}])"_ba;
+    QTest::newRow("none is left") << "[]"_ba;
+    QTest::newRow("the list is no list") << "{}"_ba;
+}
+
+void tst_MainWindowOrders::aWindowOfAnAccountThatIsNoLongerListedNeverComesBack()
+{
+    QFETCH(QByteArray, accounts);
+    MainWindowFixture f;
+    f.signInAndSettle();
+    const QPointer<OrderDialog> former = leaveWhileSending(f);
+    QVERIFY(former);
+    f.http.on("GET", "/api/accounts", StubAnswer::json(accounts));
+    f.feed.send(R"({"type":"hello","symbols":[{"name":"EURUSD"}],"prices":{}})");
+    QTRY_VERIFY(f.selector().findData(u"a1"_s) < 0);
+    QVERIFY(f.http.release(StubAnswer::message(u"No such account"_s, 404)));
+    QTRY_COMPARE(f.journalCount(u"Trade: Order failed: No such account"_s), 1);
+    QTRY_VERIFY(!former);
+    QVERIFY(!shownDialog(f));
+    QCOMPARE(f.http.count("POST", "/api/trades/place"), 1);
 }
 
 void tst_MainWindowOrders::aWindowClosedTwiceTellsItsOutcomeInTheJournal_data()

@@ -66,6 +66,7 @@ private Q_SLOTS:
     void cancellingAsksNoQuestion();
     void closingAsksFirst();
     void returnMeansYes();
+    void returnThatIsHeldIsNoAnswer();
     void onlyYesCloses_data();
     void onlyYesCloses();
     void serverTextInTheQuestionIsText();
@@ -147,6 +148,24 @@ void TestTradeMenu::returnMeansYes()
     QTest::keyClick(desk.question(), Qt::Key_Return);
     QCOMPARE(closes.size(), 1);
     QCOMPARE(closes.at(0).at(0).toJsonObject(), parse(position));
+}
+
+// The press that chose the entry may last on.
+void TestTradeMenu::returnThatIsHeldIsNoAnswer()
+{
+    Desk desk;
+    QSignalSpy closed(&desk.menu, &TradeMenu::closeConfirmed);
+    Desk::choose(*desk.popUp(position), u"Close Position"_s);
+    const QPointer<QMessageBox> question = desk.question();
+    QVERIFY(question && hands::arriveAt(question));
+    for (const Qt::Key key : {Qt::Key_Return, Qt::Key_Enter}) {
+        hands::hold(key);
+        QVERIFY(question && question->isVisible());
+        QCOMPARE(closed.size(), 0);
+    }
+    hands::press(Qt::Key_Return);
+    QTRY_VERIFY(!question);
+    QCOMPARE(closed.size(), 1);
 }
 
 void TestTradeMenu::onlyYesCloses_data()

@@ -113,6 +113,8 @@ private Q_SLOTS:
     void aRefusalWithoutAMessageIsShownInTheNetworksWords_data();
     void aRefusalWithoutAMessageIsShownInTheNetworksWords();
     void twoPressesSendOnce();
+    void enterThatIsHeldSendsOnce();
+    void enterOnCancelSendsNothing();
     void cancelSendsNothing();
     void anUncertainOutcomeIsAskedFor_data();
     void anUncertainOutcomeIsAskedFor();
@@ -520,6 +522,37 @@ void TestModifyDialog::twoPressesSendOnce()
     QCOMPARE(desk.server.count("PUT", path), 1);
 }
 
+void TestModifyDialog::enterThatIsHeldSendsOnce()
+{
+    Desk desk;
+    desk.server.on("PUT", path, StubAnswer::message(u"Too close"_s, 400));
+    QVERIFY(hands::arriveAt(desk.dialog));
+    hands::press(Qt::Key_Return);
+    QTRY_VERIFY(desk.error()->isVisible());
+    for (QWidget* place :
+        {static_cast<QWidget*>(desk.edit("modifyStopLoss")), static_cast<QWidget*>(desk.modify())}) {
+        place->setFocus();
+        hands::hold(Qt::Key_Return);
+        hands::hold(Qt::Key_Enter);
+    }
+    QVERIFY(desk.modify()->isEnabled());
+    QCOMPARE(desk.server.count("PUT", path), 1);
+    hands::press(Qt::Key_Return);
+    QTRY_COMPARE(desk.server.count("PUT", path), 2);
+}
+
+void TestModifyDialog::enterOnCancelSendsNothing()
+{
+    Desk desk;
+    QVERIFY(hands::arriveAt(desk.dialog));
+    for (int i = 0; i < 2; ++i)
+        hands::press(Qt::Key_Tab);
+    QCOMPARE(hands::focused(), u"Cancel"_s);
+    hands::press(Qt::Key_Return);
+    QTRY_VERIFY(!desk.dialog);
+    QCOMPARE(desk.server.requests().size(), 0);
+}
+
 void TestModifyDialog::cancelSendsNothing()
 {
     Desk desk;
@@ -585,6 +618,10 @@ void TestModifyDialog::closedWhileSendingItComesBackWithARefusal()
     // What is typed for another window must change no level.
     QVERIFY(hands::arriveAt(desk.dialog));
     hands::type(u"0.5"_s);
+    for (const Qt::Key key : {Qt::Key_Return, Qt::Key_Enter, Qt::Key_Space})
+        hands::press(key);
+    QVERIFY(desk.modify()->isEnabled());
+    QCOMPARE(desk.server.count("PUT", path), 1);
     QCOMPARE(desk.edit("modifyStopLoss")->text(), QString());
     QCOMPARE(desk.edit("modifyTakeProfit")->text(), u"1.20000"_s);
     hands::press(Qt::Key_Tab);

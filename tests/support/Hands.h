@@ -30,6 +30,13 @@ inline void press(Qt::Key key)
     QTest::keyClick(QApplication::focusWidget(), key);
 }
 
+/// What the desktop sends while a key is held down after its press.
+inline void hold(Qt::Key key)
+{
+    QKeyEvent again(QEvent::KeyPress, key, {}, {}, true);
+    QApplication::sendEvent(QApplication::focusWidget(), &again);
+}
+
 /// The name of what has the focus, or its caption where it has no name; "nothing" without any.
 inline QString focused()
 {
