@@ -39,6 +39,25 @@ QString volumeStyle()
         + arrowRule(u"down-arrow"_s, writeSpinArrow(SpinArrow::Down));
 }
 
+/// A price with its ends cut off reads as another price: a long one is written narrower.
+void showCaption(QPushButton& button, const QString& caption)
+{
+    constexpr int room = buttonSize.width() - 4;
+    // All digits are equally wide, so that most prices need no new measure.
+    const bool isAsLong = caption.size() == button.text().size();
+    button.setText(caption);
+    if (isAsLong)
+        return;
+    button.ensurePolished();
+    QFont font = button.font();
+    font.setStretch(QFont::AnyStretch);
+    const int width = QFontMetrics(font).size(0, caption).width();
+    if (width > room)
+        font.setStretch(QFont::Unstretched * room / width);
+    if (font.stretch() != button.font().stretch())
+        button.setFont(font);
+}
+
 QPushButton* tradeButton(const QString& caption, const QString& style, QWidget* parent)
 {
     auto* button = new CompactButton(buttonSize, parent);
@@ -97,9 +116,9 @@ OneClickPanel::~OneClickPanel() = default;
 void OneClickPanel::setQuote(double bid, double ask, int digits)
 {
     if (bid != m_bid || digits != m_digits)
-        m_sell->setText(tr("SELL\n%1").arg(formatPrice(bid, digits)));
+        showCaption(*m_sell, tr("SELL\n%1").arg(formatPrice(bid, digits)));
     if (ask != m_ask || digits != m_digits)
-        m_buy->setText(tr("BUY\n%1").arg(formatPrice(ask, digits)));
+        showCaption(*m_buy, tr("BUY\n%1").arg(formatPrice(ask, digits)));
     m_bid = bid;
     m_ask = ask;
     m_digits = digits;

@@ -65,6 +65,8 @@ private Q_SLOTS:
     void captionsShowADashBeforeTheFirstPrice();
     void captionsFollowThePricesOfTheSymbol();
     void captionsFollowTheDigits();
+    void noEndOfAPriceIsCutByItsButton_data();
+    void noEndOfAPriceIsCutByItsButton();
     void aClickAsksForATradeOfTheChosenVolume();
     void aTypedCommaIsADecimalPoint();
     void aHalfTypedVolumeIsTradedAsItIsShown();
@@ -291,6 +293,46 @@ void tst_OneClickPanel::captionsFollowTheDigits()
     served.window->setSymbolInfo(2, u"Euro"_s);
     QCOMPARE(button(panelOf(served), u"SELL"_s).text(), u"SELL\n1.10"_s);
     QCOMPARE(button(panelOf(served), u"BUY"_s).text(), u"BUY\n1.20"_s);
+}
+
+void tst_OneClickPanel::noEndOfAPriceIsCutByItsButton_data()
+{
+    QTest::addColumn<double>("price");
+    QTest::addColumn<int>("digits");
+    QTest::newRow("usual") << 1.08505 << 5;
+    QTest::newRow("five figures") << 65432.12345 << 5;
+    QTest::newRow("eight decimals") << 0.00001234 << 8;
+    QTest::newRow("fifteen decimals") << 0.000000012345678 << 15;
+}
+
+void tst_OneClickPanel::noEndOfAPriceIsCutByItsButton()
+{
+    QFETCH(const double, price);
+    QFETCH(const int, digits);
+    // As the charts do that are opened with the prices known: before anything is on the screen.
+    QWidget ground;
+    OneClickPanel panel(u"EURUSD"_s, &ground);
+    panel.setQuote(price, price, digits);
+    ground.show();
+    const auto isCut = [&panel](QStringView caption, const QColor& plate) {
+        const QImage image = button(panel, caption).grab().toImage();
+        for (int y = 4; y < image.height() - 4; ++y) { // within the round corners
+            if (image.pixelColor(0, y) != plate || image.pixelColor(image.width() - 1, y) != plate)
+                return true;
+        }
+        return false;
+    };
+    const QColor red(0xc0, 0x39, 0x2b);
+    const QColor blue(0x1f, 0x6f, 0xb2);
+    QVERIFY(!isCut(u"SELL", red));
+    QVERIFY(!isCut(u"BUY", blue));
+    setTheme(true);
+    applyTheme(*qApp);
+    QVERIFY(!isCut(u"SELL", red));
+    // A shorter price stands there as wide as ever.
+    panel.setQuote(2.5, 2.5, 1);
+    QVERIFY(!isCut(u"SELL", red));
+    QCOMPARE(button(panel, u"SELL").font().stretch(), int(QFont::AnyStretch));
 }
 
 void tst_OneClickPanel::aClickAsksForATradeOfTheChosenVolume()
