@@ -80,6 +80,8 @@ private Q_SLOTS:
     void lines_are_the_same_in_parts_data();
     void lines_are_the_same_in_parts();
     void at_two_device_pixels_slopes_are_finer();
+    void lines_stay_within_the_box_of_their_ends_data();
+    void lines_stay_within_the_box_of_their_ends();
 };
 
 void TestDrawingLayers::a_horizontal_line_crosses_the_plot_and_tells_its_price()
@@ -456,6 +458,37 @@ void TestDrawingLayers::lines_are_the_same_in_parts()
         }
         painter.end();
         QCOMPARE(bounded, whole);
+    }
+}
+
+void TestDrawingLayers::lines_stay_within_the_box_of_their_ends_data()
+{
+    QTest::addColumn<int>("ratio");
+    for (const int ratio : {1, 2, 3})
+        QTest::addRow("ratio %d", ratio) << ratio;
+}
+
+void TestDrawingLayers::lines_stay_within_the_box_of_their_ends()
+{
+    // Only this box is painted anew when a line in the hand moves on.
+    QFETCH(int, ratio);
+    QRandomGenerator random(29);
+    for (int i = 0; i < 200; ++i) {
+        const auto anywhere = [&] { return random.bounded(30); };
+        const QPoint a(anywhere(), anywhere());
+        const QPoint b(anywhere(), anywhere());
+        QImage image(30 * ratio, 30 * ratio, QImage::Format_RGB32);
+        image.setDevicePixelRatio(ratio);
+        image.fill(Qt::black);
+        QPainter painter(&image);
+        strokes::between(painter, a, b, QRect(0, 0, 30, 30), red);
+        painter.end();
+        const QRect box = QRect(a * ratio, QSize(ratio, ratio)) | QRect(b * ratio, QSize(ratio, ratio));
+        QCOMPARE(pixelsOf(image, image.rect(), red), pixelsOf(image, box, red));
+        for (const QRect& side : {QRect(box.left(), box.top(), 1, box.height()),
+                 QRect(box.right(), box.top(), 1, box.height()), QRect(box.left(), box.top(), box.width(), 1),
+                 QRect(box.left(), box.bottom(), box.width(), 1)})
+            QVERIFY(pixelsOf(image, side, red) > 0);
     }
 }
 

@@ -34,19 +34,21 @@ struct Steps {
         const qint64 dx = (static_cast<qint64>(to.x()) - from.x()) * scale;
         const qint64 dy = (static_cast<qint64>(to.y()) - from.y()) * scale;
         steep = std::abs(dy) > std::abs(dx);
-        start = static_cast<qint64>(steep ? from.y() : from.x()) * scale;
-        across = static_cast<qint64>(steep ? from.x() : from.y()) * scale;
         length = steep ? dy : dx;
+        // A line that runs backwards begins at the far side of its first pixel.
+        start = static_cast<qint64>(steep ? from.y() : from.x()) * scale + (length < 0 ? scale - 1 : 0);
+        across = static_cast<qint64>(steep ? from.x() : from.y()) * scale;
         rise = steep ? dx : dy;
     }
 
-    /// Position on the other axis at a distance from the start on the longer one, to the nearest pixel.
+    /// Position on the other axis at a distance from the start on the longer one, to the nearest pixel. The
+    /// last pixel of the line is as wide as the others, and the line ends with it on both axes.
     [[nodiscard]] qint64 at(qint64 distance) const
     {
         const qint64 whole = std::abs(length);
         if (whole == 0)
             return across;
-        const qint64 twice = 2 * distance * rise + whole;
+        const qint64 twice = 2 * std::min(distance, whole) * rise + whole;
         const qint64 quotient = twice / (2 * whole);
         return across + (twice % (2 * whole) < 0 ? quotient - 1 : quotient);
     }
