@@ -57,6 +57,7 @@ private Q_SLOTS:
     void a_dragged_level_is_solid_and_has_a_tag();
     void quotes_are_dashed_lines_with_tags();
     void a_quote_of_zero_or_out_of_range_is_not_drawn();
+    void a_quote_below_zero_is_not_drawn_even_among_such_bars();
     void the_bid_covers_the_ask();
     void crosshair_has_price_time_and_prices_of_the_bar();
     void crosshair_beside_the_bars_has_no_time();
@@ -425,6 +426,19 @@ void TestChartLayers::a_quote_of_zero_or_out_of_range_is_not_drawn()
     const std::vector<Candle> candles{candleOfRows(9, 9, 9, 9)};
     ChartFrame frame = frameOfBars(candles, 7.0, m_texts);
     for (const double price : {0.0, -1.0, 278.5}) {
+        frame.ask = price;
+        frame.bid = price;
+        const QImage image = paint(&layers::paintQuotes, frame);
+        QCOMPARE(pixelsOtherThan(image, image.rect(), black), 0);
+    }
+}
+
+void TestChartLayers::a_quote_below_zero_is_not_drawn_even_among_such_bars()
+{
+    const std::vector<Candle> candles{candleOfRows(9, 9, 9, 9)};
+    ChartFrame frame = frameOfBars(candles, 7.0, m_texts);
+    frame.view = frame.view.withPrices({-139.0, 139.0});
+    for (const double price : {-37.25, 0.0}) {
         frame.ask = price;
         frame.bid = price;
         const QImage image = paint(&layers::paintQuotes, frame);

@@ -175,6 +175,7 @@ void TestChartView::price_range_takes_in_the_followed_quote()
     QCOMPARE(paddedPriceRange(bars, 0.5, 2.5).min, 0.5 - margin(2.0));
     QCOMPARE(paddedPriceRange(bars, 0.5, 2.5).max, 2.5 + margin(2.0));
     QCOMPARE(paddedPriceRange(bars, 2.5, 0.0).max, 2.5 + margin(1.5));
+    QCOMPARE(paddedPriceRange(bars, 2.5, -1.0).max, 2.5 + margin(1.5));
     QCOMPARE(paddedPriceRange(bars, 1.5, 1.6).max, 2.0 + margin(1.0));
     QCOMPARE(paddedPriceRange(bars, 0.0, 9.0).max, 2.0 + margin(1.0));
     QCOMPARE(paddedPriceRange(bars, -1.0, 9.0).min, 1.0 - margin(1.0));
