@@ -64,8 +64,9 @@ QPushButton* tradeButton(const QString& caption, const QString& style, QWidget* 
     button->setText(caption);
     button->setCursor(Qt::PointingHandCursor);
     button->setStyleSheet(style);
-    // A click must not leave the focus here, where the next press of the space bar would trade again.
-    button->setFocusPolicy(Qt::TabFocus);
+    // Neither a click nor the toolkit, which moves the focus when another chart becomes active, may leave it
+    // here, where the next press of the space bar would trade.
+    button->setFocusPolicy(Qt::NoFocus);
     return button;
 }
 

@@ -4,6 +4,7 @@
 #include "app/Theme.h"
 #include "chart/ChartWindow.h"
 #include "mainwindow/AccountBook.h"
+#include "mainwindow/ChartSubWindow.h"
 #include "mainwindow/ChartsLayout.h"
 #include "mainwindow/WindowPlacement.h"
 
@@ -99,7 +100,7 @@ QMdiSubWindow* ChartArea::addChart(const QString& symbol, const QString& timefra
     chart->restoreState(state);
     handOverEverything(*chart);
 
-    QMdiSubWindow* subWindow = addSubWindow(chart);
+    QMdiSubWindow* subWindow = addSubWindow(new ChartSubWindow(*chart));
     const auto name = [this, chart, subWindow] {
         subWindow->setWindowTitle(oneLine(chart->title()));
         nameTab(subWindow);

@@ -11,9 +11,11 @@
 #include "support/Hands.h"
 #include "support/TestMain.h"
 
+#include <QMdiSubWindow>
 #include <QMenu>
 #include <QMessageBox>
 #include <QPushButton>
+#include <QTabBar>
 #include <QTreeWidget>
 
 using namespace Qt::StringLiterals;
@@ -40,6 +42,8 @@ private Q_SLOTS:
     void theModifyDialogKnowsTheSymbolsDigits();
     void aDroppedLevelIsSent();
     void theOneClickPanelTrades();
+    void keysGoToTheChartThatBecomesActive_data();
+    void keysGoToTheChartThatBecomesActive();
     void answersAfterTheWindowIsGoneDoNoHarm();
     void theAlgoSwitchIsToldInTheExpertsTab();
     void alertsKnowTheSymbolsInAlphabeticalOrder();
@@ -290,6 +294,55 @@ void tst_MainWindowTrades::theOneClickPanelTrades()
             {u"lotSize"_s, 0.01}, {u"accountId"_s, u"a1"_s}}));
     QTRY_COMPARE(f.http.count("GET", "/api/accounts"), 1);
     QTRY_VERIFY(f.http.count("GET", "/api/trades/open?accountId=a1") >= 1);
+}
+
+void tst_MainWindowTrades::keysGoToTheChartThatBecomesActive_data()
+{
+    QTest::addColumn<QString>("way");
+    QTest::addColumn<bool>("maximized");
+    for (const char* way : {"close", "next", "tab", "window"}) {
+        QTest::addRow("%s", way) << QString::fromLatin1(way) << true;
+        QTest::addRow("%s of two beside each other", way) << QString::fromLatin1(way) << false;
+    }
+}
+
+// A button that sells had the focus, and the space bar sold at market.
+void tst_MainWindowTrades::keysGoToTheChartThatBecomesActive()
+{
+    QFETCH(const QString, way);
+    QFETCH(const bool, maximized);
+    MainWindowFixture f;
+    f.signInAndSettle();
+    QVERIFY(hands::arriveAt(f.window.get()));
+    f.window->openChart(u"EURUSD"_s);
+    f.window->openChart(u"USDJPY"_s);
+    ChartArea& area = *f.chartArea();
+    if (!maximized)
+        area.tileSubWindows();
+    QMdiSubWindow* other = area.subWindowList().constFirst();
+    if (way == u"close"_s)
+        QTest::keyClick(f.window.get(), Qt::Key_F4, Qt::ControlModifier);
+    else if (way == u"next"_s)
+        area.activateNextSubWindow();
+    else if (way == u"tab"_s)
+        area.findChild<QTabBar*>()->setCurrentIndex(0);
+    else
+        area.setActiveSubWindow(other);
+    QTRY_COMPARE(area.activeSubWindow(), other);
+    QCoreApplication::processEvents();
+    QVERIFY(qobject_cast<ChartWidget*>(QApplication::focusWidget()));
+    QVERIFY(other->isAncestorOf(QApplication::focusWidget()));
+    f.http.clearRequests();
+    hands::type(u"5 "_s);
+    hands::press(Qt::Key_Return);
+    f.settle();
+    QCOMPARE(f.http.count("POST", "/api/trades/place"), 0);
+    QCOMPARE(other->findChild<OneClickPanel*>()->lots(), 0.01);
+    // By the keyboard the volume is still reached, and nothing that trades.
+    hands::press(Qt::Key_Tab);
+    QVERIFY(qobject_cast<QAbstractSpinBox*>(QApplication::focusWidget()));
+    hands::press(Qt::Key_Tab);
+    QVERIFY(qobject_cast<ChartWidget*>(QApplication::focusWidget()));
 }
 
 void tst_MainWindowTrades::answersAfterTheWindowIsGoneDoNoHarm()
