@@ -2,6 +2,7 @@
 
 #include "app/Banner.h"
 #include "app/FocusOrder.h"
+#include "app/HeldEnter.h"
 #include "app/Log.h"
 #include "app/ServerText.h"
 #include "app/TerminalSettings.h"
@@ -65,6 +66,7 @@ LoginDialog::LoginDialog(QWidget* parent)
     outer->addLayout(buildForm());
     outer->addWidget(m_errorLabel);
     outer->addLayout(buildButtons());
+    refuseHeldEnter(*this);
 
     (m_email->text().isEmpty() ? m_email : m_password)->setFocus();
 

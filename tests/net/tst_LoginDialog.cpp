@@ -44,6 +44,7 @@ private Q_SLOTS:
     void server_markup_is_shown_as_text();
     void an_endless_message_leaves_the_buttons_on_the_screen();
     void a_new_attempt_hides_the_last_error();
+    void enter_that_is_held_tries_once();
     void broken_answers_end_in_the_error_label_data();
     void broken_answers_end_in_the_error_label();
     void unchecking_keep_me_signed_in_removes_the_stored_token();
@@ -382,6 +383,22 @@ void TestLoginDialog::an_endless_message_leaves_the_buttons_on_the_screen()
     QVERIFY2(m_dialog->height() < 700, qPrintable(QString::number(m_dialog->height())));
     QCOMPARE(m_dialog->width(), 400);
     QVERIFY(m_dialog->rect().contains(loginButton()->geometry()));
+}
+
+// A server locks out who tries too often.
+void TestLoginDialog::enter_that_is_held_tries_once()
+{
+    open();
+    fillAndPress();
+    m_server->release(StubAnswer::message(u"Wrong password"_s, 401));
+    QTRY_VERIFY(errorLabel()->isVisible());
+    QVERIFY(hands::arriveAt(&*m_dialog));
+    hands::hold(Qt::Key_Return);
+    hands::hold(Qt::Key_Enter);
+    QVERIFY(loginButton()->isEnabled());
+    QCOMPARE(posts(), 1);
+    hands::press(Qt::Key_Return);
+    QTRY_COMPARE(posts(), 2);
 }
 
 void TestLoginDialog::a_new_attempt_hides_the_last_error()
