@@ -118,10 +118,16 @@ Options parseOptions(const std::vector<std::string>& arguments)
             options.seed = seedOf(value());
         else if (name == "--speed")
             options.speed = speedOf(value());
-        else if (name == "--replay")
+        else if (name == "--replay") {
             options.replay = directoryOf(value());
-        else if (equals != std::string::npos)
+            options.simulate = false;
+        } else if (equals != std::string::npos)
             throw UsageError("unknown option " + arguments[i] + " (see --help)");
+        else if (name == "--no-replay") {
+            options.replay.reset();
+            options.simulate = true;
+        } else if (name == "--close-open-trades")
+            options.closeOpenTrades = true;
         else if (name == "--allow-remote")
             remoteAllowed = true;
         else if (name == "--quiet")
@@ -152,8 +158,13 @@ std::string helpText()
            "  --db FILE        where accounts and trades are kept\n"
            "                   (default $XDG_DATA_HOME/tavoran-practice/practice.db)\n"
            "  --seed N         which market to simulate; remembered in the database\n"
-           "  --speed X        how fast the market moves, 0.1 to 1000 (default 1)\n"
-           "  --replay DIR     play prices from files SYMBOL-1m.csv instead of simulating them\n"
+           "  --speed X        how fast the market moves, 0.1 to 1000; remembered\n"
+           "  --replay DIR     play prices from files SYMBOL-1m.csv instead of simulating\n"
+           "                   them; remembered\n"
+           "  --no-replay      simulate all prices again\n"
+           "  --close-open-trades\n"
+           "                   close open trades at the old prices when seed, speed or\n"
+           "                   record change; without it such a change is refused\n"
            "  --quiet          print nothing but the address\n"
            "  --help           print this text\n"
            "  --version        print the version\n"

@@ -14,9 +14,12 @@ struct Options {
     std::string address = "127.0.0.1";
     std::uint16_t port = 5001;      ///< 0 lets the system choose a free one
     std::filesystem::path database; ///< never empty after parsing
+    // Of these, what is absent is as the database remembers it.
     std::optional<std::uint64_t> seed;
-    double speed = 1;
+    std::optional<double> speed;
     std::optional<std::filesystem::path> replay;
+    bool simulate = false;        ///< no record, not even the remembered one
+    bool closeOpenTrades = false; ///< when the market changes
     bool quiet = false;
     bool showHelp = false;
     bool showVersion = false;

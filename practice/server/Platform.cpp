@@ -46,7 +46,20 @@ Platform::Platform(Database& database, PriceSource& market, const Clock& clock)
 
 void Platform::advance()
 {
+    moveTo(m_clock.now());
+}
+
+void Platform::closeEverything()
+{
     const TimeMs now = m_clock.now();
+    moveTo(now);
+    const ChangeSet changes = m_broker.closeEverything(now);
+    store(changes);
+    announce(changes);
+}
+
+void Platform::moveTo(TimeMs now)
+{
     std::vector<SymbolQuote> changed;
     for (SymbolQuote& last : m_quotes) {
         const Quote quote = m_market.quote(last.symbol, now);

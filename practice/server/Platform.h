@@ -44,6 +44,10 @@ public:
     /// be stored; prices have moved then, and the rest happens with the next call.
     void advance();
 
+    /// Moves to the present, then closes every position and cancels every order that has a price. Throws
+    /// StorageError when that cannot be stored.
+    void closeEverything();
+
     /// Carries out a command, stores what it changed and announces it. Throws ApiError with the broker's
     /// reason when it is refused, StorageError when it cannot be stored; nothing has changed then.
     /// Returns the trade as it is after that.
@@ -64,6 +68,7 @@ public:
     [[nodiscard]] std::vector<Account> accountsOf(std::string_view userId) const;
 
 private:
+    void moveTo(TimeMs now);
     [[nodiscard]] Trade tradeAfter(const CommandResult& result) const;
     void store(const ChangeSet& changes);
     void announce(const ChangeSet& changes);

@@ -1,15 +1,13 @@
-#include "practice/core/market/ReplayMarket.h"
-#include "practice/core/market/SimulatedMarket.h"
 #include "practice/server/Failure.h"
 #include "practice/server/FirstUse.h"
+#include "practice/server/MarketSetup.h"
 #include "practice/server/Options.h"
 #include "practice/server/Server.h"
-#include "practice/storage/MetaStore.h"
+#include "practice/storage/Database.h"
 
 #include <boost/asio/signal_set.hpp>
 
 #include <algorithm>
-#include <charconv>
 #include <csignal>
 #include <iostream>
 #include <memory>
@@ -17,44 +15,6 @@
 namespace practice {
 
 namespace {
-
-// The seed on the command line, else the one this database has always had: the market of yesterday is still
-// there today.
-std::uint64_t chooseSeed(Database& database, const std::optional<std::uint64_t>& wanted)
-{
-    constexpr const char* key = "seed";
-    std::uint64_t seed = 1;
-    MetaStore meta(database);
-    if (wanted) {
-        seed = *wanted;
-    } else if (const auto stored = meta.value(key)) {
-        std::from_chars(stored->data(), stored->data() + stored->size(), seed);
-    }
-    meta.setValue(key, std::to_string(seed));
-    return seed;
-}
-
-// A record plays on from where it began the first time this database saw its folder.
-TimeMs replayStart(Database& database, const std::filesystem::path& folder, TimeMs now)
-{
-    const std::string key = "replayStart:" + std::filesystem::weakly_canonical(folder).string();
-    MetaStore meta(database);
-    TimeMs start = now;
-    if (const auto stored = meta.value(key))
-        std::from_chars(stored->data(), stored->data() + stored->size(), start);
-    else
-        meta.setValue(key, std::to_string(start));
-    return start;
-}
-
-std::unique_ptr<PriceSource> makeMarket(
-    Database& database, const Options& options, std::uint64_t seed, TimeMs now)
-{
-    if (!options.replay)
-        return std::make_unique<SimulatedMarket>(seed, options.speed);
-    return std::make_unique<ReplayMarket>(
-        *options.replay, replayStart(database, *options.replay, now), options.speed, seed);
-}
 
 // Four times a second suits a person; a faster market is shown more often, as far as screens follow.
 std::chrono::milliseconds priceInterval(double speed)
@@ -69,13 +29,12 @@ void run(const Options& options)
     const SystemClock clock;
     Database database(options.database);
     prepareFirstUse(database, clock.now());
-    const std::uint64_t seed = chooseSeed(database, options.seed);
-    const auto market = makeMarket(database, options, seed, clock.now());
+    const ChosenMarket market = chooseMarket(database, options, clock);
 
     boost::asio::io_context context(1);
     boost::asio::signal_set signals(context, SIGINT, SIGTERM);
-    Server server(context, database, *market, clock,
-        {options.address, options.port, seed, priceInterval(options.speed), {}});
+    Server server(context, database, *market.prices, clock,
+        {options.address, options.port, market.setup.seed, priceInterval(market.setup.speed), {}});
     signals.async_wait([&server](boost::system::error_code error, int) {
         if (!error)
             server.stop();

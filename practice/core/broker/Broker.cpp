@@ -199,6 +199,16 @@ CommandResult Broker::finish(std::string tradeId)
     return {{}, std::move(tradeId), m_ledger.take()};
 }
 
+ChangeSet Broker::closeEverything(TimeMs now)
+{
+    TradeDesk desk(m_ledger, m_prices, now);
+    for (const auto& account : m_ledger.accounts()) {
+        desk.closeEverything(*account, CloseReason::Manual);
+        advancePhase(desk, *account);
+    }
+    return m_ledger.take();
+}
+
 ChangeSet Broker::onPrices(std::span<const SymbolQuote> quotes, TimeMs now)
 {
     std::vector<std::size_t> affected = m_prices.update(quotes);

@@ -53,6 +53,10 @@ public:
     [[nodiscard]] CommandResult cancel(std::string_view tradeId, TimeMs now);
     [[nodiscard]] CommandResult modify(std::string_view tradeId, const ModifyRequest& request, TimeMs now);
 
+    /// Closes every position and cancels every order, as their traders would. A position without a price
+    /// stays.
+    [[nodiscard]] ChangeSet closeEverything(TimeMs now);
+
     /// Takes new prices (some or all symbols) and does everything they cause. Quotes for unknown positions
     /// and unusable ones (not finite, not above 0, ask below bid) are ignored.
     [[nodiscard]] ChangeSet onPrices(std::span<const SymbolQuote> quotes, TimeMs now);

@@ -43,8 +43,8 @@ TEST_CASE("without arguments it listens on the loopback, port 5001, with a datab
     CHECK_EQ(options.address, std::string("127.0.0.1"));
     CHECK_EQ(options.port, std::uint16_t(5001));
     CHECK_EQ(options.database.string(), std::string("/data/tavoran-practice/practice.db"));
-    CHECK(!options.seed && !options.replay && !options.quiet);
-    CHECK_EQ(options.speed, 1.0);
+    CHECK(!options.seed && !options.speed && !options.replay && !options.quiet);
+    CHECK(!options.simulate && !options.closeOpenTrades);
 }
 
 TEST_CASE("a data folder that is unset or relative falls back to the home folder")
@@ -72,11 +72,22 @@ TEST_CASE("every option is understood in both spellings and the last of a kind c
     CHECK_EQ(options.port, std::uint16_t(7));
     CHECK_EQ(options.database.string(), std::string("a=b.db"));
     CHECK(options.seed == 18446744073709551615ULL);
-    CHECK_EQ(options.speed, 2.5);
+    CHECK(options.speed == 2.5);
     CHECK(options.replay == folder.path());
     CHECK(options.quiet);
     CHECK_EQ(options.address, std::string("::1"));
     CHECK_EQ(parseOptions({"--db", "x", "--address", "localhost"}).address, std::string("127.0.0.1"));
+}
+
+TEST_CASE("a record and none of them: the last wish counts")
+{
+    const TemporaryFolder folder;
+    const std::string record = folder.path().string();
+    const Options none = parseOptions({"--db=x", "--replay", record, "--no-replay"});
+    CHECK(none.simulate && !none.replay);
+    const Options played = parseOptions({"--db=x", "--no-replay", "--replay", record});
+    CHECK(!played.simulate && played.replay == folder.path());
+    CHECK(parseOptions({"--db=x", "--close-open-trades"}).closeOpenTrades);
 }
 
 TEST_CASE("an address that others can reach needs the flag that says so")
@@ -116,7 +127,7 @@ TEST_CASE("help and version need nothing else")
     CHECK(parseOptions({"--help"}).showHelp);
     CHECK(parseOptions({"--version"}).showVersion);
     for (const char* option : {"--port", "--address", "--allow-remote", "--db", "--seed", "--speed",
-             "--replay", "--quiet", "--help", "--version"})
+             "--replay", "--no-replay", "--close-open-trades", "--quiet", "--help", "--version"})
         CHECK(helpText().find(option) != std::string::npos);
 }
 
