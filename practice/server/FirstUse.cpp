@@ -6,8 +6,6 @@
 #include "practice/storage/TradeStore.h"
 #include "practice/storage/UserStore.h"
 
-#include <random>
-
 namespace practice {
 
 void prepareFirstUse(Database& database, TimeMs now)
@@ -15,8 +13,7 @@ void prepareFirstUse(Database& database, TimeMs now)
     UserStore users(database);
     if (users.byEmail(practiceEmail))
         return;
-    std::random_device device;
-    UuidSource ids(std::uint64_t{device()} << 32 | device());
+    UuidSource ids = UuidSource::fresh();
     const User trader{ids(), practiceEmail, "Practice Trader", hashPassword(practicePassword)};
     Transaction transaction(database);
     users.add(trader);

@@ -67,6 +67,22 @@ std::filesystem::path directoryOf(const std::string& text)
     return text;
 }
 
+std::string accountOf(const std::string& text)
+{
+    if (text.empty())
+        throw UsageError("--account takes the id of an account, not an empty text");
+    return text;
+}
+
+// What else was asked for would be ignored, which nobody who asks for it expects.
+void checkReset(const Options& options, const std::string& servingOption)
+{
+    if (options.account && !options.reset)
+        throw UsageError("--account goes with reset only");
+    if (options.reset && !servingOption.empty())
+        throw UsageError(servingOption + " does not go with reset");
+}
+
 // An empty name is an unset variable in somebody's script; it must not end at the default file.
 std::filesystem::path fileOf(const std::string& text)
 {
@@ -98,6 +114,7 @@ Options parseOptions(const std::vector<std::string>& arguments)
 {
     Options options;
     bool remoteAllowed = false;
+    std::string servingOption; // the last one that says how to serve
     for (std::size_t i = 0; i < arguments.size(); ++i) {
         const std::size_t equals = arguments[i].find('=');
         const std::string name = arguments[i].substr(0, equals);
@@ -108,12 +125,18 @@ Options parseOptions(const std::vector<std::string>& arguments)
                 throw UsageError(name + " needs a value");
             return arguments[++i];
         };
+        const bool goesWithReset = name == "reset" || name == "--db" || name == "--account"
+            || name == "--quiet" || name == "--help" || name == "--version";
+        if (!goesWithReset)
+            servingOption = name;
         if (name == "--port")
             options.port = portOf(value());
         else if (name == "--address")
             options.address = value();
         else if (name == "--db")
             options.database = fileOf(value());
+        else if (name == "--account")
+            options.account = accountOf(value());
         else if (name == "--seed")
             options.seed = seedOf(value());
         else if (name == "--speed")
@@ -123,6 +146,8 @@ Options parseOptions(const std::vector<std::string>& arguments)
             options.simulate = false;
         } else if (equals != std::string::npos)
             throw UsageError("unknown option " + arguments[i] + " (see --help)");
+        else if (name == "reset")
+            options.reset = true;
         else if (name == "--no-replay") {
             options.replay.reset();
             options.simulate = true;
@@ -141,6 +166,7 @@ Options parseOptions(const std::vector<std::string>& arguments)
     }
     if (options.showHelp || options.showVersion)
         return options;
+    checkReset(options, servingOption);
     options.address = addressOf(options.address, remoteAllowed);
     if (options.database.empty())
         options.database = defaultDatabase();
@@ -150,7 +176,9 @@ Options parseOptions(const std::vector<std::string>& arguments)
 std::string helpText()
 {
     return "Usage: tavoran-practice [options]\n"
+           "       tavoran-practice reset [--account ID] [--db FILE]\n"
            "A trading platform of one's own to practise on: simulated prices, no real money.\n"
+           "reset begins an account or a challenge, or all of them, anew.\n"
            "\n"
            "  --port N         port to listen on (default 5001; 0 chooses a free one)\n"
            "  --address IP     address to listen on (default 127.0.0.1)\n"
@@ -165,6 +193,7 @@ std::string helpText()
            "  --close-open-trades\n"
            "                   close open trades at the old prices when seed, speed or\n"
            "                   record change; without it such a change is refused\n"
+           "  --account ID     the account to reset, by its id or the beginning of it\n"
            "  --quiet          print nothing but the address\n"
            "  --help           print this text\n"
            "  --version        print the version\n"

@@ -18,8 +18,10 @@ struct Options {
     std::optional<std::uint64_t> seed;
     std::optional<double> speed;
     std::optional<std::filesystem::path> replay;
-    bool simulate = false;        ///< no record, not even the remembered one
-    bool closeOpenTrades = false; ///< when the market changes
+    bool simulate = false;              ///< no record, not even the remembered one
+    bool closeOpenTrades = false;       ///< when the market changes
+    bool reset = false;                 ///< begin accounts anew instead of serving
+    std::optional<std::string> account; ///< the one to reset; absent: all
     bool quiet = false;
     bool showHelp = false;
     bool showVersion = false;

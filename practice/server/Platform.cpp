@@ -5,7 +5,6 @@
 #include "practice/storage/StorageError.h"
 
 #include <algorithm>
-#include <random>
 #include <stdexcept>
 #include <utility>
 #include <variant>
@@ -14,16 +13,10 @@ namespace practice {
 
 namespace {
 
-std::uint64_t randomSeed()
-{
-    std::random_device device;
-    return std::uint64_t{device()} << 32 | device();
-}
-
 Broker loadBroker(const std::vector<SymbolSpec>& symbols, TradeStore& trades)
 {
     try {
-        return Broker(symbols, UuidSource(randomSeed()), trades.load());
+        return Broker(symbols, UuidSource::fresh(), trades.load());
     } catch (const std::invalid_argument& error) {
         throw StorageError(std::string("the stored accounts contradict themselves: ") + error.what());
     }

@@ -94,7 +94,8 @@ std::string eventMessage(const OrdersChanged& event)
     if (event.filled)
         message["filled"] = true;
     if (event.closeReason != CloseReason::None)
-        message["closeReason"] = toText(event.closeReason);
+        message["closeReason"]
+            = (event.cancelled ? "CANCELLED_" : "") + std::string(toText(event.closeReason));
     return jsonText(message);
 }
 

@@ -2,6 +2,7 @@
 #include "practice/server/FirstUse.h"
 #include "practice/server/MarketSetup.h"
 #include "practice/server/Options.h"
+#include "practice/server/Reset.h"
 #include "practice/server/Server.h"
 #include "practice/storage/Database.h"
 
@@ -50,6 +51,21 @@ void run(const Options& options)
     context.run();
 }
 
+void reset(const Options& options)
+{
+    std::error_code error;
+    if (!std::filesystem::exists(options.database, error))
+        throw UsageError(options.database.string() + ": there is no such database");
+    Database database(options.database);
+    const std::vector<Account> accounts = resetAccounts(database, options.account, SystemClock().now());
+    if (options.quiet)
+        return;
+    for (const Account& account : accounts) {
+        std::cout << account.id << ' ' << accountName(account) << ": begins anew with "
+                  << moneyText(account.balance) << " USD\n";
+    }
+}
+
 int main(const std::vector<std::string>& arguments)
 {
     try {
@@ -58,6 +74,8 @@ int main(const std::vector<std::string>& arguments)
             std::cout << helpText();
         else if (options.showVersion)
             std::cout << "tavoran-practice " << TAVORAN_VERSION << '\n';
+        else if (options.reset)
+            reset(options);
         else
             run(options);
         return EXIT_SUCCESS;

@@ -79,6 +79,11 @@ const std::vector<std::string>& schemaMigrations()
             points TEXT NOT NULL
         ) STRICT;
         CREATE INDEX drawings_by_chart ON drawings(user_id, symbol, account_id);
+    )sql",
+        R"sql(
+        DROP INDEX trades_closed;
+        CREATE INDEX trades_finished ON trades(account_id, closed_at)
+            WHERE status = 'CLOSED' OR (status = 'CANCELLED' AND close_reason <> 'MANUAL');
     )sql"};
     return steps;
 }

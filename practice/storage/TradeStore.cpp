@@ -180,11 +180,19 @@ std::map<std::string, std::string, std::less<>> TradeStore::accountOwners()
     return owners;
 }
 
+std::string TradeStore::historyQuery()
+{
+    // The condition in parentheses is that of the index, word for word, or the index would not be used.
+    return selectTrades(
+        "WHERE account_id = ?1 AND (status = 'CLOSED' OR (status = 'CANCELLED' AND close_reason <> 'MANUAL'))"
+        " ORDER BY closed_at DESC, rowid DESC LIMIT ?2");
+}
+
 std::vector<Trade> TradeStore::history(std::string_view accountId, int limit)
 {
+    static const std::string sql = historyQuery();
     std::vector<Trade> trades;
-    Statement& query = m_database.statement(selectTrades(
-        "WHERE account_id = ?1 AND status = 'CLOSED' ORDER BY closed_at DESC, rowid DESC LIMIT ?2"));
+    Statement& query = m_database.statement(sql);
     query.bind(1, accountId).bind(2, limit);
     while (query.step())
         trades.push_back(readTrade(query));

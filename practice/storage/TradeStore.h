@@ -29,8 +29,12 @@ public:
     /// The user of every account.
     [[nodiscard]] std::map<std::string, std::string, std::less<>> accountOwners();
 
-    /// Closed positions, the last closed first.
+    /// What came to an end, the last first: closed positions, changes of the balance, and what was cancelled,
+    /// but not by the trader's own hand.
     [[nodiscard]] std::vector<Trade> history(std::string_view accountId, int limit);
+
+    /// The statement behind history().
+    [[nodiscard]] static std::string historyQuery();
 
 private:
     void storeAccount(const Account& account);

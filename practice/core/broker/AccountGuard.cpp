@@ -97,4 +97,25 @@ void advancePhase(TradeDesk& desk, LiveAccount& account)
     desk.ledger().emit(AccountUpdated{record});
 }
 
+void clearDebt(TradeDesk& desk, LiveAccount& account, const IdSource& newId)
+{
+    if (account.record.balance < 0 && std::none_of(account.trades.begin(), account.trades.end(), isOpen))
+        desk.setBalance(account, 0, newId, "The loss beyond the balance is written off.");
+}
+
+void startAnew(TradeDesk& desk, LiveAccount& account, const IdSource& newId)
+{
+    const std::vector<LiveTrade*> trades = account.trades; // cancelling takes them out of the list
+    for (LiveTrade* trade : trades)
+        desk.voidTrade(*trade, CloseReason::Reset);
+    desk.setBalance(account, account.record.initialBalance, newId, "The account begins anew.");
+    Account& record = desk.ledger().change(account);
+    if (!record.isFunded)
+        record.phase = 1;
+    record.status = AccountStatus::Active;
+    record.dayStartEquity = record.balance;
+    record.dayIndex = floorDivide(desk.now(), dayMs);
+    desk.ledger().emit(AccountUpdated{record});
+}
+
 } // namespace practice

@@ -20,4 +20,12 @@ void enforceStopOut(TradeDesk& desk, LiveAccount& account);
 /// balance, or, after the last one, to Passed. Its pending orders are cancelled.
 void advancePhase(TradeDesk& desk, LiveAccount& account);
 
+/// Sets an account to zero that has no position left and is below it: what a gap took beyond the balance is
+/// nobody's debt.
+void clearDebt(TradeDesk& desk, LiveAccount& account, const IdSource& newId);
+
+/// Begins an account anew: cancels what is live, at no cost, and brings back the initial balance, a status
+/// that may trade and, unless it is funded, the first phase.
+void startAnew(TradeDesk& desk, LiveAccount& account, const IdSource& newId);
+
 } // namespace practice

@@ -209,6 +209,14 @@ ChangeSet Broker::closeEverything(TimeMs now)
     return m_ledger.take();
 }
 
+ChangeSet Broker::reset(std::string_view accountId, TimeMs now)
+{
+    TradeDesk desk(m_ledger, m_prices, now);
+    if (LiveAccount* account = m_ledger.findAccount(accountId))
+        startAnew(desk, *account, [this] { return newId(); });
+    return m_ledger.take();
+}
+
 ChangeSet Broker::onPrices(std::span<const SymbolQuote> quotes, TimeMs now)
 {
     std::vector<std::size_t> affected = m_prices.update(quotes);
@@ -232,6 +240,7 @@ ChangeSet Broker::onPrices(std::span<const SymbolQuote> quotes, TimeMs now)
     for (const auto& account : m_ledger.accounts()) {
         enforceLossLimits(desk, *account);
         enforceStopOut(desk, *account);
+        clearDebt(desk, *account, [this] { return newId(); });
         advancePhase(desk, *account);
     }
     return m_ledger.take();

@@ -31,6 +31,7 @@ struct AccountFigures {
 ///   reach the balance with it, when the position closes.
 /// - Margin = units x price in USD / leverage, fixed when the position opens. When equity falls to 50 % of
 ///   the held margin or below, the largest loser is closed, then the next, until it is above.
+/// - An account that a gap takes below zero is set to zero once it has no position left.
 /// - Plan accounts fail when equity has fallen by 5 % since the UTC day began or to 90 % of the initial
 ///   balance: everything is closed at once. A plan account that is not funded passes a phase when its
 ///   balance reaches 110 % of the initial balance and no position is open.
@@ -56,6 +57,10 @@ public:
     /// Closes every position and cancels every order, as their traders would. A position without a price
     /// stays.
     [[nodiscard]] ChangeSet closeEverything(TimeMs now);
+
+    /// Begins an account anew: its live trades are cancelled at no cost, the initial balance is back, and so
+    /// are status and phase. Needs no prices. Empty when the account is unknown.
+    [[nodiscard]] ChangeSet reset(std::string_view accountId, TimeMs now);
 
     /// Takes new prices (some or all symbols) and does everything they cause. Quotes for unknown positions
     /// and unusable ones (not finite, not above 0, ask below bid) are ignored.

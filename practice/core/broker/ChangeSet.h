@@ -8,13 +8,15 @@
 
 namespace practice {
 
-/// An account's orders or positions changed. `filled`: a pending order became a position. `closeReason` is
-/// None unless a position was closed; a cancelled order has neither.
+/// An account's orders or positions changed. `filled`: a pending order became a position. `closeReason` says
+/// why a position was closed or, with `cancelled`, why the broker gave an order up; an order that its trader
+/// cancelled has neither.
 struct OrdersChanged {
     std::string accountId;
     std::string tradeId;
     bool filled = false;
     CloseReason closeReason = CloseReason::None;
+    bool cancelled = false;
     friend bool operator==(const OrdersChanged&, const OrdersChanged&) = default;
 };
 

@@ -10,6 +10,12 @@ UuidSource::UuidSource(std::uint64_t seed)
 {
 }
 
+UuidSource UuidSource::fresh()
+{
+    std::random_device device;
+    return UuidSource(std::uint64_t{device()} << 32 | device());
+}
+
 std::string UuidSource::operator()()
 {
     // y is the variant digit (8..b), 4 the version; every x is random.

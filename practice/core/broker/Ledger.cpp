@@ -124,6 +124,12 @@ void Ledger::finish(LiveTrade& trade, Trade record)
     m_finished.insert_or_assign(record.id, std::move(record));
 }
 
+void Ledger::addFinished(Trade record)
+{
+    remember(record, true);
+    m_finished.insert_or_assign(record.id, std::move(record));
+}
+
 void Ledger::revalue(LiveTrade& trade, Cents pnl)
 {
     trade.owner->openProfit += pnl - trade.record.pnl;

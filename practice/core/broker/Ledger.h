@@ -59,6 +59,8 @@ public:
     void replace(LiveTrade& trade, Trade record);
     /// Puts `record`, which is Closed or Cancelled, on the list of changes; the live trade is gone then.
     void finish(LiveTrade& trade, Trade record);
+    /// Puts `record`, which is Closed and was never live, on the list of changes.
+    void addFinished(Trade record);
     /// A new value at a new price: not a change worth storing.
     void revalue(LiveTrade& trade, Cents pnl);
     void emit(BrokerEvent event) { m_events.push_back(std::move(event)); }

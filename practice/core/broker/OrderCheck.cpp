@@ -104,7 +104,7 @@ Refusal notFound(std::string message)
 Checked<OrderShape> checkShape(std::string_view orderKind, std::string_view type)
 {
     const std::optional<OrderKind> kind = orderKindFromText(orderKind);
-    if (!kind) {
+    if (!kind || *kind == OrderKind::Balance) {
         return {
             {}, badRequest("The order kind must be MARKET, BUY_LIMIT, SELL_LIMIT, BUY_STOP or SELL_STOP.")};
     }

@@ -11,10 +11,11 @@ using namespace std::string_view_literals;
 constexpr std::array accountKinds{"WALLET"sv, "DEMO"sv, "PLAN"sv};
 constexpr std::array accountStatuses{"ACTIVE"sv, "FAILED"sv, "PASSED"sv};
 constexpr std::array sides{"BUY"sv, "SELL"sv};
-constexpr std::array orderKinds{"MARKET"sv, "BUY_LIMIT"sv, "SELL_LIMIT"sv, "BUY_STOP"sv, "SELL_STOP"sv};
+constexpr std::array orderKinds{
+    "MARKET"sv, "BUY_LIMIT"sv, "SELL_LIMIT"sv, "BUY_STOP"sv, "SELL_STOP"sv, "BALANCE"sv};
 constexpr std::array tradeStatuses{"PENDING"sv, "OPEN"sv, "CLOSED"sv, "CANCELLED"sv};
 constexpr std::array closeReasons{
-    ""sv, "MANUAL"sv, "SL"sv, "TP"sv, "STOP_OUT"sv, "RISK"sv, "NO_MARGIN"sv, "PHASE"sv};
+    ""sv, "MANUAL"sv, "SL"sv, "TP"sv, "STOP_OUT"sv, "RISK"sv, "NO_MARGIN"sv, "PHASE"sv, "RESET"sv};
 
 template <typename Enum, std::size_t Size>
 std::optional<Enum> find(const std::array<std::string_view, Size>& words, std::string_view text)

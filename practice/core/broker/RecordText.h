@@ -8,8 +8,9 @@
 namespace practice {
 
 /// The words used on the wire and in storage: "WALLET" "DEMO" "PLAN"; "ACTIVE" "FAILED" "PASSED";
-/// "BUY" "SELL"; "MARKET" "BUY_LIMIT" "SELL_LIMIT" "BUY_STOP" "SELL_STOP";
-/// "PENDING" "OPEN" "CLOSED" "CANCELLED"; "" "MANUAL" "SL" "TP" "STOP_OUT" "RISK" "NO_MARGIN" "PHASE".
+/// "BUY" "SELL"; "MARKET" "BUY_LIMIT" "SELL_LIMIT" "BUY_STOP" "SELL_STOP" "BALANCE";
+/// "PENDING" "OPEN" "CLOSED" "CANCELLED"; "" "MANUAL" "SL" "TP" "STOP_OUT" "RISK" "NO_MARGIN" "PHASE"
+/// "RESET".
 [[nodiscard]] std::string_view toText(AccountKind kind);
 [[nodiscard]] std::string_view toText(AccountStatus status);
 [[nodiscard]] std::string_view toText(Side side);

@@ -17,16 +17,18 @@ enum class AccountStatus { Active, Failed, Passed };
 /// Which way a position goes, or would go.
 enum class Side { Buy, Sell };
 
-/// Market is filled at once; the others wait for their price.
-enum class OrderKind { Market, BuyLimit, SellLimit, BuyStop, SellStop };
+/// Market is filled at once, the next four wait for their price. Balance was never an order: its trade is a
+/// line of the history, without symbol and volume, whose pnl changed the balance.
+enum class OrderKind { Market, BuyLimit, SellLimit, BuyStop, SellStop, Balance };
 
 /// Pending is a waiting order, Open a position, Closed a former position, Cancelled a former order.
 enum class TradeStatus { Pending, Open, Closed, Cancelled };
 
 /// Why a trade left the live lists. Manual, StopLoss ("SL"), TakeProfit ("TP"), StopOut ("STOP_OUT": the
 /// margin level fell to 50 %) and Risk ("RISK": a challenge rule was broken) end positions or, for Manual,
-/// Risk, NoMargin (a trigger found too little free margin) and Phase (a challenge phase ended), orders.
-enum class CloseReason { None, Manual, StopLoss, TakeProfit, StopOut, Risk, NoMargin, Phase };
+/// Risk, NoMargin (a trigger found too little free margin) and Phase (a challenge phase ended), orders. Reset
+/// ("RESET": the account began anew) cancels both.
+enum class CloseReason { None, Manual, StopLoss, TakeProfit, StopOut, Risk, NoMargin, Phase, Reset };
 
 /// What an account of kind Plan was bought as.
 struct Plan {
@@ -35,8 +37,8 @@ struct Plan {
     friend bool operator==(const Plan&, const Plan&) = default;
 };
 
-/// A trading account. Its balance changes only when a position is closed, by that position's pnl, and when a
-/// challenge moves to its next phase, which starts again from the initial balance.
+/// A trading account. Its balance changes only when a position is closed, by that position's pnl, by a
+/// Balance line, and when a challenge moves to its next phase, which starts again from the initial balance.
 struct Account {
     std::string id;
     AccountKind kind = AccountKind::Demo;

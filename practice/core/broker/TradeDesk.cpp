@@ -2,6 +2,8 @@
 
 #include "practice/core/broker/Valuation.h"
 
+#include <utility>
+
 namespace practice {
 
 TradeDesk::TradeDesk(Ledger& ledger, const PriceBoard& prices, TimeMs now)
@@ -66,8 +68,39 @@ void TradeDesk::cancelOrder(LiveTrade& order, CloseReason reason)
     cancelled.status = TradeStatus::Cancelled;
     cancelled.updatedAt = cancelled.closedAt = m_now;
     cancelled.closeReason = reason;
-    m_ledger.emit(OrdersChanged{cancelled.accountId, cancelled.id, false, CloseReason::None});
+    if (reason == CloseReason::Manual)
+        m_ledger.emit(OrdersChanged{cancelled.accountId, cancelled.id});
+    else
+        m_ledger.emit(OrdersChanged{cancelled.accountId, cancelled.id, false, reason, true});
     m_ledger.finish(order, std::move(cancelled));
+}
+
+void TradeDesk::voidTrade(LiveTrade& trade, CloseReason reason)
+{
+    Trade cancelled = trade.record;
+    cancelled.status = TradeStatus::Cancelled;
+    cancelled.pnl = cancelled.swap = cancelled.commission = 0;
+    cancelled.updatedAt = cancelled.closedAt = m_now;
+    cancelled.closeReason = reason;
+    m_ledger.emit(OrdersChanged{cancelled.accountId, cancelled.id, false, reason, true});
+    m_ledger.finish(trade, std::move(cancelled));
+}
+
+void TradeDesk::setBalance(LiveAccount& account, Cents balance, const IdSource& newId, std::string comment)
+{
+    Trade line;
+    line.pnl = balance - account.record.balance;
+    if (line.pnl == 0)
+        return;
+    line.id = newId();
+    line.accountId = account.record.id;
+    line.orderKind = OrderKind::Balance;
+    line.status = TradeStatus::Closed;
+    line.createdAt = line.updatedAt = line.closedAt = m_now;
+    line.comment = std::move(comment);
+    m_ledger.change(account).balance = balance;
+    m_ledger.emit(OrdersChanged{line.accountId, line.id});
+    m_ledger.addFinished(std::move(line));
 }
 
 void TradeDesk::closeEverything(LiveAccount& account, CloseReason reason)

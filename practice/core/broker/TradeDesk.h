@@ -1,7 +1,10 @@
 #pragma once
 
+#include "practice/core/broker/IdSource.h"
 #include "practice/core/broker/Ledger.h"
 #include "practice/core/broker/PriceBoard.h"
+
+#include <string>
 
 namespace practice {
 
@@ -26,6 +29,13 @@ public:
 
     /// Closes what can be closed and cancels all orders of the account.
     void closeEverything(LiveAccount& account, CloseReason reason);
+
+    /// Cancels an order or a position as if it had never been: nothing is paid for it.
+    void voidTrade(LiveTrade& trade, CloseReason reason);
+
+    /// Sets the balance, with a line for the history whose id is given; nothing happens when it is that
+    /// already.
+    void setBalance(LiveAccount& account, Cents balance, const IdSource& newId, std::string comment);
 
     void setStatus(LiveAccount& account, AccountStatus status);
 

@@ -54,6 +54,7 @@ bool triggerReached(const Trade& order, const Quote& quote)
     case OrderKind::SellStop:
         return quote.bid <= order.pendingPrice;
     case OrderKind::Market:
+    case OrderKind::Balance:
         break;
     }
     return false;

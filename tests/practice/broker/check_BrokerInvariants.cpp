@@ -46,7 +46,12 @@ public:
                 checkFill(trade.symbol, trade.entryPrice, trade.side == Side::Buy);
             if (wasOpen)
                 CHECK_EQ(trade.entryPrice, known->second.entryPrice);
-            if (trade.status == TradeStatus::Closed) {
+            if (trade.orderKind == OrderKind::Balance) {
+                CHECK(known == m_live.end() && trade.status == TradeStatus::Closed);
+                CHECK_EQ(m_expected[trade.accountId] + trade.pnl, 0);
+                m_expected[trade.accountId] = 0;
+                ++writtenOff;
+            } else if (trade.status == TradeStatus::Closed) {
                 checkFill(trade.symbol, trade.exitPrice, trade.side == Side::Sell);
                 CHECK(trade.closeReason != CloseReason::None);
                 m_expected[trade.accountId] += trade.pnl;
@@ -106,6 +111,7 @@ public:
 
     std::map<CloseReason, int> closes;
     int phases = 0;
+    int writtenOff = 0;
     bool settled = false; ///< the last step was a price, so that nothing may be left to stop out
 
 private:

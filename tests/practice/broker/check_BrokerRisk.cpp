@@ -1,5 +1,6 @@
 #include "BrokerFixture.h"
 
+#include "practice/core/broker/RecordText.h"
 #include "practice/core/broker/RiskRules.h"
 
 using namespace practice;
@@ -39,6 +40,8 @@ TEST_CASE("a daily loss of five percent fails the challenge, closes and cancels 
     CHECK_EQ(tradeIn(changes, id).pnl, -123'000 - 2'100);
     CHECK_EQ(tradeIn(changes, other).closeReason, CloseReason::Risk);
     CHECK(tradeIn(changes, order).status == TradeStatus::Cancelled);
+    for (const OrdersChanged& event : eventsOf<OrdersChanged>(changes))
+        CHECK_EQ(event.closeReason, CloseReason::Risk);
     CHECK_EQ(desk.account("challenge").balance, 2'500'000 - 125'100 - 19);
     CHECK(desk.account("challenge").status == AccountStatus::Failed);
     const auto updates = eventsOf<AccountUpdated>(changes);
@@ -99,6 +102,10 @@ TEST_CASE("the target counts once the positions are closed, and the next phase s
     CHECK_EQ(account.dayStartEquity, 2'500'000);
     CHECK_EQ(tradeIn(result.changes, id).pnl, 292'500);
     CHECK_EQ(tradeIn(result.changes, order).closeReason, CloseReason::Phase);
+    const auto told = eventsOf<OrdersChanged>(result.changes);
+    REQUIRE(told.size() == 2);
+    CHECK_EQ(told[1].tradeId, order);
+    CHECK_EQ(told[1].closeReason, CloseReason::Phase);
     const auto updates = eventsOf<AccountUpdated>(result.changes);
     REQUIRE(updates.size() == 1);
     CHECK(updates[0].account == account);
@@ -163,10 +170,76 @@ TEST_CASE("a stop-out goes on until nothing is left when it must")
     Desk desk;
     desk.buy("demo", "EURUSD", 45);
     desk.buy("demo", "EURUSD", 46);
-    const ChangeSet changes = desk.price(EurUsd, 1.07400, 1.07408);
+    const ChangeSet changes = desk.price(EurUsd, 1.07500, 1.07508);
     CHECK_EQ(changes.trades.size(), std::size_t{2});
     CHECK_EQ(desk.broker.figures("demo").margin, 0);
     CHECK(desk.account("demo").status == AccountStatus::Active);
+}
+
+TEST_CASE("an account that a gap takes below zero is set to zero, with a line of its own")
+{
+    Desk desk;
+    const std::string id = desk.buy("tight", "EURUSD", 1);
+    const BrokerState before = desk.broker.state();
+    const ChangeSet changes = desk.price(EurUsd, 1.05, 1.0501); // 3 500 of 2 000 USD
+    const Trade lost = tradeIn(changes, id);
+    CHECK_EQ(lost.closeReason, CloseReason::StopOut);
+    CHECK_EQ(lost.pnl, -351'500);
+    CHECK_EQ(desk.account("tight").balance, 0);
+    REQUIRE(changes.trades.size() == 2);
+    const Trade& line = changes.trades.back();
+    CHECK(line.id != id && !line.id.empty());
+    CHECK_EQ(line.accountId, std::string("tight"));
+    CHECK_EQ(line.pnl, 151'500);
+    CHECK(line.status == TradeStatus::Closed);
+    CHECK_EQ(toText(line.orderKind), std::string_view("BALANCE"));
+    CHECK_EQ(line.closedAt, desk.now);
+    CHECK(!line.comment.empty());
+    CHECK(!eventsOf<OrdersChanged>(changes).empty()
+        && eventsOf<OrdersChanged>(changes).back() == OrdersChanged{"tight", line.id});
+
+    // What could not be stored happens again, once.
+    desk.broker.undo(changes);
+    CHECK(desk.broker.state().accounts == before.accounts);
+    CHECK_EQ(desk.price(EurUsd, 1.05, 1.0501).trades.size(), std::size_t{2});
+    CHECK_EQ(desk.account("tight").balance, 0);
+    CHECK(desk.price(EurUsd, 1.04, 1.0401).empty());
+}
+
+TEST_CASE("a balance below zero waits for the positions that may make up for it")
+{
+    Desk desk;
+    const std::string loser = desk.buy("tight", "EURUSD", 1);
+    const std::string winner = desk.buy("tight", "GBPUSD", 0.5);
+    desk.prices({{1.05, 1.0501}, {1.33, 1.3301}}); // -3 500 and +3 247 USD
+    CHECK(desk.broker.close(loser, desk.now).accepted());
+    CHECK(desk.account("tight").balance < 0);
+    CHECK_EQ(desk.broker.close(winner, desk.now).changes.trades.size(), std::size_t{1});
+    CHECK(desk.account("tight").balance > 0);
+}
+
+TEST_CASE("a gap that takes several positions leaves one line")
+{
+    Desk desk;
+    const std::string small = desk.buy("tight", "EURUSD", 0.01);
+    const std::string big = desk.buy("tight", "GBPUSD", 1);
+    const ChangeSet gap = desk.prices({{1.0, 1.0001}, {1.2, 1.2001}});
+    CHECK(tradeIn(gap, small).status == TradeStatus::Closed);
+    CHECK(tradeIn(gap, big).status == TradeStatus::Closed);
+    REQUIRE(gap.trades.size() == 3);
+    CHECK_EQ(200'000 + tradeIn(gap, small).pnl + tradeIn(gap, big).pnl + gap.trades.back().pnl, 0);
+    CHECK_EQ(desk.account("tight").balance, 0);
+}
+
+TEST_CASE("nobody places an order that only changes a balance")
+{
+    Desk desk;
+    PlaceRequest request = Desk::market("demo", "EURUSD", "BUY", 1);
+    request.orderKind = "BALANCE";
+    CHECK(!desk.place(request).accepted());
+    request.type = "";
+    request.pendingPrice = 1.0;
+    CHECK(!desk.place(request).accepted());
 }
 
 CHECK_MAIN()

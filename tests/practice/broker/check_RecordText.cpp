@@ -16,14 +16,14 @@ TEST_CASE("every value has a word of its own and the word leads back to it")
     for (const auto side : {Side::Buy, Side::Sell})
         CHECK(sideFromText(toText(side)) == side);
     for (const auto kind : {OrderKind::Market, OrderKind::BuyLimit, OrderKind::SellLimit, OrderKind::BuyStop,
-             OrderKind::SellStop})
+             OrderKind::SellStop, OrderKind::Balance})
         CHECK(orderKindFromText(toText(kind)) == kind);
     for (const auto status :
         {TradeStatus::Pending, TradeStatus::Open, TradeStatus::Closed, TradeStatus::Cancelled})
         CHECK(tradeStatusFromText(toText(status)) == status);
-    for (const auto reason :
-        {CloseReason::None, CloseReason::Manual, CloseReason::StopLoss, CloseReason::TakeProfit,
-            CloseReason::StopOut, CloseReason::Risk, CloseReason::NoMargin, CloseReason::Phase})
+    for (const auto reason : {CloseReason::None, CloseReason::Manual, CloseReason::StopLoss,
+             CloseReason::TakeProfit, CloseReason::StopOut, CloseReason::Risk, CloseReason::NoMargin,
+             CloseReason::Phase, CloseReason::Reset})
         CHECK(closeReasonFromText(toText(reason)) == reason);
 }
 

@@ -74,6 +74,54 @@ TEST_CASE("a pending order that is reached is announced as filled")
         trader.client.get("/api/trades/open?accountId=" + account).json().at(0).at("entryPrice"), "1.08510");
 }
 
+TEST_CASE("an order that cannot be filled is announced with its reason and stands in the history")
+{
+    InProcess place;
+    Trader trader(place);
+    const std::string account = trader.account("DEMO");
+    FeedClient feed(place.server->port(), trader.client.token());
+    const std::string id = trader.place(buyLimit(account, 50, 1.09));
+    trader.place(order(account, 50));
+    place.market.setBid(1.0895); // 50 lots need 54 500 of some 47 000 USD
+    const json event = feed.readUntil("orders_changed", closing);
+    CHECK_EQ(event.at("tradeId"), id);
+    CHECK_EQ(event.at("closeReason"), "CANCELLED_NO_MARGIN");
+    CHECK(!event.contains("filled"));
+    const json history = trader.client.get("/api/trades/history?accountId=" + account).json();
+    REQUIRE(history.size() == 1);
+    CHECK_EQ(history.at(0).at("id"), id);
+    CHECK_EQ(history.at(0).at("status"), "CANCELLED");
+    CHECK_EQ(history.at(0).at("closeReason"), "NO_MARGIN");
+    CHECK_EQ(history.at(0).at("pnl"), "0.00");
+    CHECK(history.at(0).at("closedAt").is_string());
+}
+
+TEST_CASE("a loss beyond the balance is written off in the history")
+{
+    InProcess place;
+    Trader trader(place);
+    const std::string account = trader.account("DEMO");
+    FeedClient feed(place.server->port(), trader.client.token());
+    const std::string id = trader.place(order(account, 50));
+    place.market.setBid(1.0);
+    CHECK_EQ(feed.readUntil("orders_changed", closing).at("closeReason"), "STOP_OUT");
+    const json event = feed.readUntil("orders_changed");
+    CHECK(!closing(event));
+    const json history = trader.client.get("/api/trades/history?accountId=" + account).json();
+    REQUIRE(history.size() == 2);
+    double sum = 100'000;
+    for (const json& row : history) {
+        CHECK_EQ(row.at("status"), "CLOSED");
+        CHECK_EQ(row.at("orderKind"), row.at("id") == id ? "MARKET" : "BALANCE");
+        sum += std::stod(row.at("pnl").get<std::string>());
+    }
+    CHECK_NEAR(sum, 0, 0.001);
+    for (const json& row : trader.client.get("/api/accounts").json()) {
+        if (row.at("id") == account)
+            CHECK_EQ(row.at("balance"), "0.00");
+    }
+}
+
 TEST_CASE("a challenge that breaks its limit fails with an account update")
 {
     InProcess place;

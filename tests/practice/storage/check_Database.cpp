@@ -5,6 +5,7 @@
 #include "practice/storage/MetaStore.h"
 #include "practice/storage/Schema.h"
 #include "practice/storage/StorageError.h"
+#include "practice/storage/TradeStore.h"
 
 #include <sqlite3.h>
 
@@ -153,6 +154,40 @@ TEST_CASE("a second owner of the same file is refused until the first has gone")
         CHECK(error.find("in use") != std::string::npos);
     }
     CHECK_EQ(errorOf(file), std::string());
+}
+
+TEST_CASE("a file of the first format is brought up to date and keeps what it holds")
+{
+    const TemporaryFolder folder;
+    const auto file = folder / "old.db";
+    runSql(file,
+        (schemaMigrations().front()
+            + "INSERT INTO users VALUES('u', 'u@example.test', 'U', 'x');"
+              "INSERT INTO accounts VALUES('a', 'u', 1, 'DEMO', '', 1, 1, 0, 'ACTIVE', 7, 7, 100, 7, 0);"
+              "INSERT INTO trades VALUES('t', 'a', 'EURUSD', 'BUY', 'BUY_LIMIT', 'CANCELLED', 1, 0, 0, 1, 0, "
+              "0,"
+              " 0, 0, 0, 0, 5, 6, 6, 'NO_MARGIN', '');"
+              "PRAGMA application_id=1414942802; PRAGMA user_version=1")
+            .c_str());
+    Database database(file);
+    CHECK_EQ(database.schemaVersion(), static_cast<int>(schemaMigrations().size()));
+    TradeStore trades(database);
+    const auto history = trades.history("a", 10);
+    REQUIRE(history.size() == 1);
+    CHECK_EQ(history.front().id, std::string("t"));
+}
+
+TEST_CASE("the history is read through its index")
+{
+    const TemporaryFolder folder;
+    Database database(folder / "x.db");
+    Statement& query = database.statement("EXPLAIN QUERY PLAN " + TradeStore::historyQuery());
+    query.bind(1, "a").bind(2, 10);
+    std::string plan;
+    while (query.step())
+        plan += query.text(3) + '\n';
+    CHECK(plan.find("trades_finished") != std::string::npos);
+    CHECK(plan.find("TEMP B-TREE FOR ORDER BY") == std::string::npos);
 }
 
 TEST_CASE("folders and unreachable places are refused")

@@ -130,22 +130,27 @@ TEST_CASE("a stored account takes over everything that can change")
     CHECK_EQ(f.trades.accountOwners().at("b1"), std::string("u2"));
 }
 
-TEST_CASE("history is the closed trades of the account, the last closed first, up to the limit")
+TEST_CASE("history is what ended in the account, the last first, but no order that its trader cancelled")
 {
     Fixture f;
     Trade foreign = Fixture::trade("t9", TradeStatus::Closed, 99);
     foreign.accountId = "a2";
+    const auto cancelled = [](const char* id, TimeMs time, CloseReason reason) {
+        Trade trade = Fixture::trade(id, TradeStatus::Cancelled, time);
+        trade.closeReason = reason;
+        return trade;
+    };
     f.store({Fixture::trade("t1", TradeStatus::Closed, 10), Fixture::trade("t2", TradeStatus::Closed, 30),
-        Fixture::trade("t3", TradeStatus::Closed, 20), Fixture::trade("t4", TradeStatus::Cancelled, 40),
-        foreign});
+        Fixture::trade("t3", TradeStatus::Closed, 20), cancelled("t4", 40, CloseReason::Manual),
+        cancelled("t5", 25, CloseReason::NoMargin), foreign});
     const auto ids = [&](int limit) {
         std::string text;
         for (const Trade& trade : f.trades.history("a1", limit))
             text += trade.id + ' ';
         return text;
     };
-    CHECK_EQ(ids(10), std::string("t2 t3 t1 "));
-    CHECK_EQ(ids(2), std::string("t2 t3 "));
+    CHECK_EQ(ids(10), std::string("t2 t5 t3 t1 "));
+    CHECK_EQ(ids(2), std::string("t2 t5 "));
 }
 
 TEST_CASE("a trade of an account that does not exist is refused")
