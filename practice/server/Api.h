@@ -13,6 +13,7 @@ struct ApiRequest {
     Target target;
     std::string parameter; ///< what stands for {id} in the route; empty when the route has none
     std::string body;
+    std::string client; ///< who asks, as SignInBrake::clientOf() names it
     std::string userId; ///< empty on routes that everybody may use
 };
 

@@ -3,8 +3,10 @@
 #include "practice/server/Api.h"
 #include "practice/server/FeedSession.h"
 #include "practice/server/Limits.h"
+#include "practice/server/RequestGuard.h"
 #include "practice/server/Router.h"
 #include "practice/server/Sessions.h"
+#include "practice/server/SignInBrake.h"
 
 #include <boost/asio/redirect_error.hpp>
 #include <boost/asio/steady_timer.hpp>
@@ -51,6 +53,10 @@ public:
         , m_ticket(std::move(ticket))
         , m_buffer(longestHeader + longestBody)
     {
+        error_code error;
+        const auto peer = m_stream.socket().remote_endpoint(error);
+        if (!error)
+            m_client = SignInBrake::clientOf(peer.address());
     }
 
     net::awaitable<void> serve();
@@ -68,6 +74,7 @@ private:
     ServerParts m_parts;
     std::shared_ptr<void> m_ticket;
     beast::flat_buffer m_buffer;
+    std::string m_client; ///< empty when it has gone already
 };
 
 bool isFeed(const Request& request)
@@ -75,6 +82,13 @@ bool isFeed(const Request& request)
     const std::string_view target = view(request.target());
     return boost::beast::websocket::is_upgrade(request)
         && target.substr(0, target.find('?')) == "/ws/terminal";
+}
+
+RequestFacts factsOf(const Request& request)
+{
+    return {request.count(http::field::host), view(request[http::field::host]),
+        request.count(http::field::origin), view(request[http::field::origin]), !request.body().empty(),
+        view(request[http::field::content_type])};
 }
 
 net::awaitable<void> Connection::serve()
@@ -87,8 +101,9 @@ net::awaitable<void> Connection::serve()
             co_return;
         }
         Request request = parser.release();
+        const auto objection = m_parts.guard.objection(factsOf(request));
         if (isFeed(request)) {
-            auto user = feedUser(request);
+            auto user = objection ? std::nullopt : feedUser(request);
             if (user) {
                 std::make_shared<FeedSession>(
                     std::move(m_stream), m_parts.hub, std::move(*user), std::move(m_ticket))
@@ -96,7 +111,9 @@ net::awaitable<void> Connection::serve()
                 co_return;
             }
             // Some clients wait for ever on a refused handshake whose connection stays open.
-            ApiReply refusal = errorReply(401, "The feed needs a valid token. Please sign in again.");
+            ApiReply refusal = objection
+                ? errorReply(objection->status, objection->message)
+                : errorReply(401, "The feed needs a valid token. Please sign in again.");
             co_await write(std::move(refusal), request.version(), false, true);
             co_await linger();
             co_return;
@@ -104,7 +121,11 @@ net::awaitable<void> Connection::serve()
         const unsigned version = request.version();
         const bool keepAlive = request.keep_alive();
         const bool withBody = request.method() != http::verb::head;
-        ApiReply reply = co_await handle(request);
+        ApiReply reply;
+        if (objection)
+            reply = errorReply(objection->status, objection->message);
+        else
+            reply = co_await handle(request);
         const bool goOn = co_await write(std::move(reply), version, keepAlive, withBody);
         if (!goOn)
             break;
@@ -157,7 +178,7 @@ net::awaitable<ApiReply> Connection::handle(Request& request)
     const std::string method(view(request.method_string()));
     const std::string target(view(request.target()));
     const std::string authorization(view(request[http::field::authorization]));
-    m_parts.router.handle(method, target, authorization, std::move(request.body()), respond);
+    m_parts.router.handle(method, target, {authorization, m_client}, std::move(request.body()), respond);
     if (!waiting->reply) {
         error_code cancelled;
         co_await waiting->timer.async_wait(net::redirect_error(net::use_awaitable, cancelled));

@@ -10,6 +10,7 @@
 namespace practice {
 
 class FeedHub;
+class RequestGuard;
 class Router;
 class Sessions;
 struct Limits;
@@ -19,6 +20,7 @@ struct ServerParts {
     const Router& router;
     Sessions& sessions;
     FeedHub& hub;
+    const RequestGuard& guard;
     const Limits& limits;
 };
 

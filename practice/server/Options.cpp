@@ -2,6 +2,7 @@
 
 #include <boost/asio/ip/address.hpp>
 
+#include <algorithm>
 #include <charconv>
 #include <cmath>
 #include <cstdlib>
@@ -57,6 +58,18 @@ std::string addressOf(const std::string& text, bool remoteAllowed)
               " is public; add --allow-remote if that is what you want");
     }
     return address.to_string();
+}
+
+std::string hostNameOf(const std::string& text)
+{
+    const bool usable = !text.empty() && text.size() <= 253 && std::ranges::all_of(text, [](char c) {
+        return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '.'
+            || c == '-';
+    });
+    if (!usable)
+        throw UsageError(
+            "--host-name takes a name such as desk.example, without a port, not \"" + text + '"');
+    return text;
 }
 
 std::filesystem::path directoryOf(const std::string& text)
@@ -133,6 +146,8 @@ Options parseOptions(const std::vector<std::string>& arguments)
             options.port = portOf(value());
         else if (name == "--address")
             options.address = value();
+        else if (name == "--host-name")
+            options.hostName = hostNameOf(value());
         else if (name == "--db")
             options.database = fileOf(value());
         else if (name == "--account")
@@ -183,6 +198,7 @@ std::string helpText()
            "  --port N         port to listen on (default 5001; 0 chooses a free one)\n"
            "  --address IP     address to listen on (default 127.0.0.1)\n"
            "  --allow-remote   let --address be one that other machines can reach\n"
+           "  --host-name NAME another name by which this platform is called\n"
            "  --db FILE        where accounts and trades are kept\n"
            "                   (default $XDG_DATA_HOME/tavoran-practice/practice.db)\n"
            "  --seed N         which market to simulate; remembered in the database\n"

@@ -12,6 +12,7 @@ namespace practice {
 /// What the command line asked for.
 struct Options {
     std::string address = "127.0.0.1";
+    std::string hostName;           ///< another name by which the platform is called; empty: none
     std::uint16_t port = 5001;      ///< 0 lets the system choose a free one
     std::filesystem::path database; ///< never empty after parsing
     // Of these, what is absent is as the database remembers it.

@@ -66,8 +66,8 @@ void Router::addLater(std::string_view method, std::string_view pattern, Access 
     m_routes.push_back({std::string(method), std::move(parsed.segments), access, std::move(handler)});
 }
 
-void Router::handle(std::string_view method, std::string_view target, std::string_view authorization,
-    std::string body, const Respond& respond) const
+void Router::handle(std::string_view method, std::string_view target, const Caller& caller, std::string body,
+    const Respond& respond) const
 {
     auto parsed = Target::parse(target);
     if (!parsed)
@@ -78,8 +78,9 @@ void Router::handle(std::string_view method, std::string_view target, std::strin
         if (!parameter)
             continue;
         if (route.method == method) {
-            ApiRequest request{std::move(*parsed), std::move(*parameter), std::move(body), {}};
-            return dispatch(route, std::move(request), authorization, respond);
+            ApiRequest request{
+                std::move(*parsed), std::move(*parameter), std::move(body), std::string(caller.client), {}};
+            return dispatch(route, std::move(request), caller.authorization, respond);
         }
         allowed += (allowed.empty() ? "" : ", ") + route.method;
     }

@@ -28,10 +28,16 @@ public:
     void add(std::string_view method, std::string_view pattern, Access access, Handler handler);
     void addLater(std::string_view method, std::string_view pattern, Access access, LaterHandler handler);
 
+    /// Who sends a request.
+    struct Caller {
+        std::string_view authorization; ///< the header of that name
+        std::string_view client;
+    };
+
     /// Answers a request: 400 for an address that cannot be read, 404 for one that leads nowhere, 405 for a
     /// method that does not go with it, 401 without a session, else what the handler says.
-    void handle(std::string_view method, std::string_view target, std::string_view authorization,
-        std::string body, const Respond& respond) const;
+    void handle(std::string_view method, std::string_view target, const Caller& caller, std::string body,
+        const Respond& respond) const;
 
 private:
     struct Route {

@@ -59,13 +59,14 @@ Server::Server(net::io_context& context, Database& database, PriceSource& market
     , m_sessions(database)
     , m_platform(database, market, clock)
     , m_hub(m_platform, m_settings.limits)
+    , m_guard(settings.address, settings.hostName)
     , m_passwords(context)
     , m_router([this](std::string_view header) { return m_sessions.userOfHeader(header); })
     , m_acceptor(context)
     , m_goodbye(context)
 {
     addAccountsRoutes(m_router, m_platform);
-    addAuthRoutes(m_router, m_sessions, m_passwords, clock);
+    addAuthRoutes(m_router, m_sessions, m_passwords, m_brake, clock);
     addCandlesRoutes(m_router, m_platform);
     addDrawingsRoutes(m_router, m_platform);
     addFeedRoutes(m_router);
@@ -106,7 +107,7 @@ void Server::take(tcp::socket socket)
 {
     error_code ignored;
     socket.set_option(tcp::no_delay(true), ignored);
-    const ServerParts parts{m_router, m_sessions, m_hub, m_settings.limits};
+    const ServerParts parts{m_router, m_sessions, m_hub, m_guard, m_settings.limits};
     if (copiesOf(m_served) < m_settings.limits.connections)
         net::co_spawn(m_context, serveConnection(std::move(socket), parts, m_served), reportFault);
     else if (copiesOf(m_turnedAway) < mostTurnedAway)

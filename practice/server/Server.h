@@ -7,8 +7,10 @@
 #include "practice/server/Limits.h"
 #include "practice/server/PasswordWorker.h"
 #include "practice/server/Platform.h"
+#include "practice/server/RequestGuard.h"
 #include "practice/server/Router.h"
 #include "practice/server/Sessions.h"
+#include "practice/server/SignInBrake.h"
 
 #include <boost/asio/io_context.hpp>
 #include <boost/asio/ip/tcp.hpp>
@@ -24,6 +26,7 @@ namespace practice {
 /// Where and how the server runs.
 struct ServerSettings {
     std::string address = "127.0.0.1";
+    std::string hostName;   ///< another name by which the server is called; empty: none
     std::uint16_t port = 0; ///< 0 chooses a free one
     std::uint64_t newsSeed = 1;
     std::chrono::milliseconds priceInterval{250};
@@ -53,6 +56,8 @@ private:
     Sessions m_sessions;
     Platform m_platform;
     FeedHub m_hub;
+    RequestGuard m_guard;
+    SignInBrake m_brake;
     PasswordWorker m_passwords;
     Router m_router;
     boost::asio::ip::tcp::acceptor m_acceptor;

@@ -35,7 +35,8 @@ void run(const Options& options)
     boost::asio::io_context context(1);
     boost::asio::signal_set signals(context, SIGINT, SIGTERM);
     Server server(context, database, *market.prices, clock,
-        {options.address, options.port, market.setup.seed, priceInterval(market.setup.speed), {}});
+        {options.address, options.hostName, options.port, market.setup.seed,
+            priceInterval(market.setup.speed), {}});
     signals.async_wait([&server](boost::system::error_code error, int) {
         if (!error)
             server.stop();

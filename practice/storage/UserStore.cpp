@@ -39,11 +39,13 @@ void UserStore::addToken(std::string_view tokenHash, std::string_view userId, Ti
         .bind(3, now)
         .run();
     m_database
-        .statement("DELETE FROM tokens WHERE user_id = ?1 AND hash NOT IN (SELECT hash FROM tokens"
+        .statement("DELETE FROM tokens WHERE user_id = ?1 AND created_at < ?4 AND hash NOT IN (SELECT hash "
+                   "FROM tokens"
                    " WHERE user_id = ?1 ORDER BY hash = ?3 DESC, created_at DESC LIMIT ?2)")
         .bind(1, userId)
         .bind(2, sessionsPerUser)
         .bind(3, tokenHash)
+        .bind(4, now - oldAge)
         .run();
     transaction.commit();
 }

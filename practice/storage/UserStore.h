@@ -28,12 +28,14 @@ public:
     /// E-mail addresses are compared without regard to the case of ASCII letters.
     [[nodiscard]] std::optional<User> byEmail(std::string_view email);
 
-    /// Remembers a session; the oldest ones of the same user beyond `sessionsPerUser` end.
+    /// Remembers a session. Those of the same user that are old and beyond the newest `sessionsPerUser` end;
+    /// no number of sign-ins ends one that is not old.
     void addToken(std::string_view tokenHash, std::string_view userId, TimeMs now);
     /// The user whose session it is.
     [[nodiscard]] std::optional<std::string> userOfToken(std::string_view tokenHash);
 
     static constexpr int sessionsPerUser = 200;
+    static constexpr TimeMs oldAge = 30 * dayMs;
 
 private:
     Database& m_database;

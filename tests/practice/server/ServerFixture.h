@@ -86,7 +86,7 @@ struct InProcess {
         prepareFirstUse(database, clock.now());
         UserStore(database).add({"second", "second@example.test", "Second", hashPassword("other")});
         server = std::make_unique<Server>(context, database, market, clock,
-            ServerSettings{"127.0.0.1", 0, 1, std::chrono::milliseconds(10), limits});
+            ServerSettings{"127.0.0.1", {}, 0, 1, std::chrono::milliseconds(10), limits});
         thread = std::thread([this] { context.run(); });
     }
     ~InProcess()

@@ -55,7 +55,7 @@ TEST_CASE("a bad token is refused with 401 before the upgrade and the connection
         CHECK(handshakeError(desk.server.port(), token).find("HTTP/1.1 401") == 0);
     HttpClient client(desk.server.port());
     client.socket().send(
-        "GET /ws/terminal HTTP/1.1\r\nHost: x\r\nUpgrade: websocket\r\nConnection: Upgrade\r\n"
+        "GET /ws/terminal HTTP/1.1\r\nHost: 127.0.0.1\r\nUpgrade: websocket\r\nConnection: Upgrade\r\n"
         "Sec-WebSocket-Key: dGhlIHNhbXBsZSBub25jZQ==\r\nSec-WebSocket-Version: 13\r\n\r\n");
     const HttpReply reply = client.read();
     CHECK_EQ(reply.status, 401);
@@ -71,7 +71,7 @@ TEST_CASE("the feed's address says what it is to those who come without a WebSoc
     CHECK(reply.message().find("WebSocket") != std::string::npos);
     HttpClient client(desk.server.port());
     client.socket().send("GET /ws/other?token=" + desk.client.token()
-        + " HTTP/1.1\r\nHost: x\r\nUpgrade: websocket\r\nConnection: Upgrade\r\n"
+        + " HTTP/1.1\r\nHost: 127.0.0.1\r\nUpgrade: websocket\r\nConnection: Upgrade\r\n"
           "Sec-WebSocket-Key: dGhlIHNhbXBsZSBub25jZQ==\r\nSec-WebSocket-Version: 13\r\n\r\n");
     CHECK_EQ(client.read().status, 404);
 }

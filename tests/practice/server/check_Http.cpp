@@ -36,10 +36,11 @@ TEST_CASE("one connection serves many requests")
 TEST_CASE("requests sent at once are answered in their order")
 {
     HttpClient client(server().port());
-    client.socket().send(
-        "GET /api/settings/public HTTP/1.1\r\nHost: x\r\n\r\nGET /nowhere HTTP/1.1\r\nHost: x\r\n\r\n"
-        "POST /api/auth/login HTTP/1.1\r\nHost: x\r\nContent-Length: 2\r\n\r\n{}"
-        "GET /api/accounts HTTP/1.1\r\nHost: x\r\n\r\n");
+    client.socket().send("GET /api/settings/public HTTP/1.1\r\nHost: 127.0.0.1\r\n\r\nGET /nowhere "
+                         "HTTP/1.1\r\nHost: 127.0.0.1\r\n\r\n"
+                         "POST /api/auth/login HTTP/1.1\r\nHost: 127.0.0.1\r\nContent-Type: "
+                         "application/json\r\nContent-Length: 2\r\n\r\n{}"
+                         "GET /api/accounts HTTP/1.1\r\nHost: 127.0.0.1\r\n\r\n");
     CHECK_EQ(client.read().status, 200);
     CHECK_EQ(client.read().status, 404);
     CHECK_EQ(client.read().status, 400);
@@ -49,11 +50,11 @@ TEST_CASE("requests sent at once are answered in their order")
 TEST_CASE("a request that asks to close is answered and then closed")
 {
     HttpClient client(server().port());
-    client.socket().send("GET /api/settings/public HTTP/1.1\r\nHost: x\r\nConnection: close\r\n\r\n");
+    client.socket().send("GET /api/settings/public HTTP/1.1\r\nHost: 127.0.0.1\r\nConnection: close\r\n\r\n");
     CHECK_EQ(client.read().status, 200);
     CHECK(client.socket().readAll().empty());
     HttpClient old(server().port());
-    old.socket().send("GET /api/settings/public HTTP/1.0\r\n\r\n");
+    old.socket().send("GET /api/settings/public HTTP/1.0\r\nHost: 127.0.0.1\r\n\r\n");
     CHECK_EQ(old.read().status, 200);
     CHECK(old.socket().readAll().empty());
 }
@@ -94,16 +95,18 @@ TEST_CASE("a HEAD request gets no body and the connection goes on")
 
 TEST_CASE("a body above the limit is refused with a reason, announced or not")
 {
-    const HttpReply announced
-        = raw("POST /api/auth/login HTTP/1.1\r\nHost: x\r\nContent-Length: 10000000\r\n\r\n"
-            + std::string(300'000, ' '));
+    const HttpReply announced = raw("POST /api/auth/login HTTP/1.1\r\nHost: 127.0.0.1\r\nContent-Type: "
+                                    "application/json\r\nContent-Length: 10000000\r\n\r\n"
+        + std::string(300'000, ' '));
     CHECK_EQ(announced.status, 413);
     CHECK(!announced.message().empty());
-    std::string chunked = "POST /api/auth/login HTTP/1.1\r\nHost: x\r\nTransfer-Encoding: chunked\r\n\r\n";
+    std::string chunked = "POST /api/auth/login HTTP/1.1\r\nHost: 127.0.0.1\r\nContent-Type: "
+                          "application/json\r\nTransfer-Encoding: chunked\r\n\r\n";
     for (int i = 0; i < 80; ++i)
         chunked += "400\r\n" + std::string(1024, ' ') + "\r\n";
     CHECK_EQ(raw(chunked + "0\r\n\r\n").status, 413);
-    CHECK_EQ(raw("POST /api/auth/login HTTP/1.1\r\nHost: x\r\nContent-Length: 99999999999999999999\r\n\r\n")
+    CHECK_EQ(raw("POST /api/auth/login HTTP/1.1\r\nHost: 127.0.0.1\r\nContent-Type: "
+                 "application/json\r\nContent-Length: 99999999999999999999\r\n\r\n")
                  .status,
         400);
 }
@@ -119,7 +122,8 @@ TEST_CASE("a body of exactly 64 KiB is read")
 
 TEST_CASE("chunked bodies and bodies that wait for permission are read")
 {
-    const std::string start = "POST /api/auth/login HTTP/1.1\r\nHost: x\r\n";
+    const std::string start
+        = "POST /api/auth/login HTTP/1.1\r\nHost: 127.0.0.1\r\nContent-Type: application/json\r\n";
     CHECK_EQ(raw(start + "Transfer-Encoding: chunked\r\n\r\n1\r\n{\r\n1\r\n}\r\n0\r\n\r\n").message(),
         std::string("\"email\" is missing."));
     HttpClient client(server().port());
@@ -132,7 +136,7 @@ TEST_CASE("chunked bodies and bodies that wait for permission are read")
 TEST_CASE("a header above the limit is refused with a reason")
 {
     const HttpReply reply
-        = raw("GET /api/accounts HTTP/1.1\r\nHost: x\r\nX: " + std::string(40'000, 'y') + "\r\n\r\n");
+        = raw("GET /api/accounts HTTP/1.1\r\nHost: 127.0.0.1\r\nX: " + std::string(40'000, 'y') + "\r\n\r\n");
     CHECK_EQ(reply.status, 431);
     CHECK(!reply.message().empty());
 }
@@ -172,13 +176,14 @@ TEST_CASE("a client that goes away in the middle of a request harms nobody")
 {
     for (int i = 0; i < 30; ++i) {
         HttpClient client(server().port());
-        client.socket().send(
-            "POST /api/auth/login HTTP/1.1\r\nHost: x\r\nContent-Length: 60\r\n\r\n{\"email");
+        client.socket().send("POST /api/auth/login HTTP/1.1\r\nHost: 127.0.0.1\r\nContent-Type: "
+                             "application/json\r\nContent-Length: 60\r\n\r\n{\"email");
     }
     for (int i = 0; i < 5; ++i) {
         // Gone while the password is being checked.
         HttpClient client(server().port());
-        client.socket().send("POST /api/auth/login HTTP/1.1\r\nHost: x\r\nContent-Length: 33\r\n\r\n"
+        client.socket().send("POST /api/auth/login HTTP/1.1\r\nHost: 127.0.0.1\r\nContent-Type: "
+                             "application/json\r\nContent-Length: 33\r\n\r\n"
                              "{\"email\":\"nobody\",\"password\":\"x\"}");
     }
     HttpClient client(server().port());
@@ -190,7 +195,8 @@ TEST_CASE("a client that goes away in the middle of a request harms nobody")
 TEST_CASE("sign-ins beyond what can be checked are turned away, not queued without end")
 {
     const std::string body = R"({"email":"nobody","password":"x"})";
-    const std::string request = "POST /api/auth/login HTTP/1.1\r\nHost: x\r\nContent-Length: "
+    const std::string request = "POST /api/auth/login HTTP/1.1\r\nHost: 127.0.0.1\r\nContent-Type: "
+                                "application/json\r\nContent-Length: "
         + std::to_string(body.size()) + "\r\n\r\n" + body;
     std::vector<std::unique_ptr<HttpClient>> clients;
     for (int i = 0; i < 150; ++i) {

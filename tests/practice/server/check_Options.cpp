@@ -75,6 +75,8 @@ TEST_CASE("every option is understood in both spellings and the last of a kind c
     CHECK(options.speed == 2.5);
     CHECK(options.replay == folder.path());
     CHECK(options.quiet);
+    CHECK(options.hostName.empty());
+    CHECK_EQ(parseOptions({"--db=x", "--host-name", "Desk.example"}).hostName, std::string("Desk.example"));
     CHECK_EQ(options.address, std::string("::1"));
     CHECK_EQ(parseOptions({"--db", "x", "--address", "localhost"}).address, std::string("127.0.0.1"));
 }
@@ -105,7 +107,8 @@ TEST_CASE("values that make no sense are refused in one line that names the opti
     const std::vector<std::vector<std::string>> bad{{"--port", "65536"}, {"--port", "-1"}, {"--port", "80x"},
         {"--port", ""}, {"--port"}, {"--seed", "-1"}, {"--seed", "1.5"}, {"--seed", "18446744073709551616"},
         {"--speed", "0"}, {"--speed", "nan"}, {"--speed", "inf"}, {"--speed", "1001"}, {"--speed", "1,5"},
-        {"--replay", "/none/at/all"}, {"--address", "example.org"}, {"--address", "127.0.0.1:80"}};
+        {"--host-name", ""}, {"--host-name", "desk:80"}, {"--host-name", "a b"}, {"--replay", "/none/at/all"},
+        {"--address", "example.org"}, {"--address", "127.0.0.1:80"}};
     for (auto arguments : bad) {
         const std::string name = arguments.front();
         arguments.insert(arguments.begin(), "--db=x");
@@ -126,8 +129,8 @@ TEST_CASE("help and version need nothing else")
     const Environment nothing(nullptr, nullptr);
     CHECK(parseOptions({"--help"}).showHelp);
     CHECK(parseOptions({"--version"}).showVersion);
-    for (const char* option : {"--port", "--address", "--allow-remote", "--db", "--seed", "--speed",
-             "--replay", "--no-replay", "--close-open-trades", "--quiet", "--help", "--version"})
+    for (const char* option : {"--port", "--address", "--allow-remote", "--host-name", "--db", "--seed",
+             "--speed", "--replay", "--no-replay", "--close-open-trades", "--quiet", "--help", "--version"})
         CHECK(helpText().find(option) != std::string::npos);
 }
 

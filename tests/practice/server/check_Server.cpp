@@ -261,7 +261,7 @@ TEST_CASE("a port that is taken is a matter of listening, a fault while running 
     prepareFirstUse(database, place.clock.now());
     const auto serveOn = [&](std::uint16_t port) {
         return Server(context, database, place.market, place.clock,
-            ServerSettings{"127.0.0.1", port, 1, std::chrono::milliseconds(1), {}});
+            ServerSettings{"127.0.0.1", {}, port, 1, std::chrono::milliseconds(1), {}});
     };
     std::string reason;
     try {
@@ -273,7 +273,7 @@ TEST_CASE("a port that is taken is a matter of listening, a fault while running 
 
     ManualMarket broken(0);
     Server server(context, database, broken, place.clock,
-        ServerSettings{"127.0.0.1", 0, 1, std::chrono::milliseconds(1), {}});
+        ServerSettings{"127.0.0.1", {}, 0, 1, std::chrono::milliseconds(1), {}});
     broken.failQuotes();
     CHECK_THROWS(context.run(), boost::system::system_error);
 }

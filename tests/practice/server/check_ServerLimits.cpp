@@ -141,13 +141,14 @@ TEST_CASE("a connection that sends nothing, half a request, or never takes its a
     limits.connections = 1;
     InProcess place(0, limits);
     HttpClient half(place.server->port());
-    half.socket().send("POST /api/auth/login HTTP/1.1\r\nHost: x\r\nContent-Length: 60\r\n\r\n{\"email");
+    half.socket().send("POST /api/auth/login HTTP/1.1\r\nHost: 127.0.0.1\r\nContent-Type: "
+                       "application/json\r\nContent-Length: 60\r\n\r\n{\"email");
     CHECK(half.socket().readAll().empty());
 
     Trader greedy(place, 4096);
     std::string requests;
     for (int i = 0; i < 1000; ++i)
-        requests += "GET /api/news/upcoming HTTP/1.1\r\nHost: x\r\nAuthorization: Bearer "
+        requests += "GET /api/news/upcoming HTTP/1.1\r\nHost: 127.0.0.1\r\nAuthorization: Bearer "
             + greedy.client.token() + "\r\n\r\n";
     greedy.client.socket().send(requests);
     CHECK(getsRoom(place, 20000));

@@ -179,15 +179,18 @@ TEST_CASE("users are found by their address in any case")
     CHECK_THROWS(f.users.add({"u3", "trader@EXAMPLE.test", "", ""}), StorageError);
 }
 
-TEST_CASE("the oldest sessions end when there are too many, and only those of that user")
+TEST_CASE("old sessions end when there are too many, only those of that user, and no others")
 {
     Fixture f;
     f.users.addToken("other", "u2", 0);
     for (int i = 0; i < UserStore::sessionsPerUser + 5; ++i)
         f.users.addToken("token" + std::to_string(i), "u1", 100 + i);
-    CHECK(!f.users.userOfToken("token4"));
-    CHECK(f.users.userOfToken("token5") == "u1");
+    CHECK(f.users.userOfToken("token0") == "u1");
+    f.users.addToken("late", "u1", UserStore::oldAge + 1000);
+    CHECK(!f.users.userOfToken("token5"));
+    CHECK(f.users.userOfToken("token6") == "u1");
     CHECK(f.users.userOfToken("token" + std::to_string(UserStore::sessionsPerUser + 4)) == "u1");
+    CHECK(f.users.userOfToken("late") == "u1");
     CHECK(f.users.userOfToken("other") == "u2");
     // A clock that was set back must not make the newest session the oldest.
     f.users.addToken("fromThePast", "u1", 1);
