@@ -20,10 +20,16 @@ namespace {
 
 constexpr std::string_view plainHeader = "time,open,high,low,close,volume";
 constexpr std::string_view askHeader = "time,open,high,low,close,volume,ask_open,ask_high,ask_low,ask_close";
+constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
 constexpr std::size_t plainColumns = 6;
 constexpr std::size_t askColumns = 10;
 constexpr int maxDecimals = 8; // prices are first read in units of 10^-8
 constexpr std::size_t maxRows = 2'000'000;
+
+bool isBlank(std::string_view line)
+{
+    return line.find_first_not_of(" \t") == std::string_view::npos;
+}
 
 template <typename T> std::optional<T> wholeNumber(std::string_view text)
 {
@@ -96,10 +102,17 @@ public:
     MinuteFile read()
     {
         std::string line;
-        if (!nextLine(line) || (line != plainHeader && line != askHeader))
+        const bool any = nextLine(line);
+        if (line.starts_with(byteOrderMark))
+            line.erase(0, byteOrderMark.size());
+        if (!any || (line != plainHeader && line != askHeader))
             fail("the header is not \"" + std::string(plainHeader) + "\" with or without the ask columns");
         m_hasAsk = line == askHeader;
         while (nextLine(line)) {
+            if (isBlank(line)) {
+                requireOnlyBlankLines();
+                break;
+            }
             if (m_file.minutes.size() == maxRows)
                 fail("more rows than can be replayed");
             readRow(line);
@@ -127,6 +140,19 @@ private:
         if (!line.empty() && line.back() == '\r')
             line.pop_back();
         return true;
+    }
+
+    // Blank lines end many files; one between two rows is a sign of damage.
+    void requireOnlyBlankLines()
+    {
+        const std::size_t first = m_line;
+        std::string line;
+        while (nextLine(line)) {
+            if (!isBlank(line)) {
+                m_line = first;
+                fail("the line is empty");
+            }
+        }
     }
 
     void readRow(std::string_view line)

@@ -75,6 +75,21 @@ TEST_CASE("lines may end as on other systems and times may lie before 1970")
     CHECK_EQ(file.minutes[1].time, -minuteMs);
 }
 
+TEST_CASE("a byte order mark before the header and blank lines at the end are nothing to complain about")
+{
+    const std::string row = "2014-05-01T00:02:00Z,1.25,1.255,1.2,1.21,2.6\n";
+    const MinuteFile plain = parsed(header + firstRow + row);
+    for (const std::string& text : {"\xEF\xBB\xBF" + header + firstRow + row, header + firstRow + row + "\n",
+             header + firstRow + row + "\r\n \t\r\n\n", "\xEF\xBB\xBF" + header + firstRow + row + "\n\n"}) {
+        CHECK_EQ(complaint(text), std::string("accepted"));
+        CHECK_EQ(parsed(text).minutes.size(), plain.minutes.size());
+        CHECK(parsed(text).minutes.back().bar == plain.minutes.back().bar);
+    }
+    CHECK_EQ(complaint(header + firstRow + "\n\n" + row), std::string("X-1m.csv:3: the line is empty"));
+    CHECK(complaint("\n" + header + firstRow + row).starts_with("X-1m.csv:1: "));
+    CHECK(complaint("\xEF\xBB\xBF\xEF\xBB\xBF" + header + firstRow + row).starts_with("X-1m.csv:1: "));
+}
+
 TEST_CASE("a locale with a decimal comma and grouped digits changes neither prices nor complaints")
 {
     const std::locale before = std::locale::global(std::locale(std::locale::classic(), new CommaNumbers));
@@ -102,7 +117,7 @@ TEST_CASE("a complaint is one line with the file and the line to blame")
         std::string("X-1m.csv:3: the time is not a whole minute"));
     CHECK_EQ(complaintAboutRow("2014-05-01T00:01:00Z,1,1,1,1"),
         std::string("X-1m.csv:3: expected 6 columns, found 5"));
-    CHECK_EQ(complaintAboutRow(""), std::string("X-1m.csv:3: expected 6 columns, found 1"));
+    CHECK_EQ(complaintAboutRow("one"), std::string("X-1m.csv:3: expected 6 columns, found 1"));
     CHECK_EQ(complaint(header + firstRow), std::string("X-1m.csv:2: fewer than two minutes"));
 }
 
