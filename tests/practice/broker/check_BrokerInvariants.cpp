@@ -348,6 +348,7 @@ private:
 TEST_CASE("the books agree after every step of random sessions")
 {
     std::map<CloseReason, int> closes;
+    int writtenOff = 0;
     for (unsigned seed = 1; seed <= 3; ++seed) {
         Session session(seed);
         session.run();
@@ -355,11 +356,14 @@ TEST_CASE("the books agree after every step of random sessions")
         CHECK(session.accepted > 500);
         CHECK(session.refusals > 200);
         CHECK(session.undone > 50);
+        writtenOff += session.auditor().writtenOff;
         for (const auto& [reason, count] : session.auditor().closes)
             closes[reason] += count;
     }
     for (const auto& [reason, count] : closes)
         std::cout << "  closed " << toText(reason) << ": " << count << '\n';
+    std::cout << "  debts written off: " << writtenOff << '\n';
+    CHECK(writtenOff > 0);
     for (const auto reason : {CloseReason::Manual, CloseReason::StopLoss, CloseReason::TakeProfit,
              CloseReason::StopOut, CloseReason::Risk})
         CHECK(closes[reason] > 0);

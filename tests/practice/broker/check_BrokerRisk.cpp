@@ -231,6 +231,53 @@ TEST_CASE("a gap that takes several positions leaves one line")
     CHECK_EQ(desk.account("tight").balance, 0);
 }
 
+TEST_CASE("a challenge that failed begins anew, with nothing left of what it had open")
+{
+    Desk desk;
+    BrokerState state = desk.broker.state();
+    state.accounts[2].phase = 2;
+    Desk failed(state);
+    failed.buy("challenge", "EURUSD", 3);
+    failed.price(EurUsd, 1.08, 1.08008);
+    REQUIRE(failed.account("challenge").status == AccountStatus::Failed);
+    const Cents left = failed.account("challenge").balance;
+    const Account other = failed.account("demo");
+    failed.now += dayMs;
+    const ChangeSet changes = failed.broker.reset("challenge", failed.now);
+    const Account account = failed.account("challenge");
+    CHECK(account.status == AccountStatus::Active);
+    CHECK_EQ(account.phase, 1);
+    CHECK_EQ(account.balance, 2'500'000);
+    CHECK_EQ(account.dayStartEquity, 2'500'000);
+    CHECK_EQ(account.dayIndex, fixtureDay + 1);
+    REQUIRE(changes.trades.size() == 1);
+    CHECK_EQ(changes.trades[0].pnl, 2'500'000 - left);
+    CHECK(failed.account("demo") == other);
+    failed.broker.undo(changes);
+    CHECK_EQ(failed.account("challenge").balance, left);
+    CHECK(failed.broker.reset("nobody", failed.now).empty());
+}
+
+TEST_CASE("a reset cancels positions and orders at no cost, and needs no price")
+{
+    Desk desk;
+    const std::string position = desk.buy("funded", "EURUSD", 1);
+    const std::string order = desk.id(Desk::pending("funded", "EURUSD", "BUY_LIMIT", 1, 1.05));
+    Desk unpriced(desk.broker.state(), false);
+    const ChangeSet changes = unpriced.broker.reset("funded", unpriced.now);
+    for (const std::string& id : {position, order}) {
+        CHECK(tradeIn(changes, id).status == TradeStatus::Cancelled);
+        CHECK_EQ(tradeIn(changes, id).closeReason, CloseReason::Reset);
+        CHECK_EQ(tradeIn(changes, id).pnl, 0);
+        CHECK_EQ(tradeIn(changes, id).commission, 0);
+    }
+    CHECK_EQ(changes.trades.size(), std::size_t{2}); // the balance was never another
+    CHECK(unpriced.account("funded").isFunded);
+    CHECK_EQ(unpriced.account("funded").phase, 2);
+    CHECK_EQ(unpriced.broker.figures("funded").margin, 0);
+    CHECK_EQ(unpriced.broker.figures("funded").equity, 5'000'000);
+}
+
 TEST_CASE("nobody places an order that only changes a balance")
 {
     Desk desk;
