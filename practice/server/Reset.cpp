@@ -30,7 +30,7 @@ bool isMeant(const Account& account, const std::string& id)
 
 std::vector<Account> chosen(const Broker& broker, const std::optional<std::string>& id)
 {
-    const std::vector<Account> all = broker.accounts();
+    std::vector<Account> all = broker.accounts();
     if (!id)
         return all;
     std::vector<Account> meant;
