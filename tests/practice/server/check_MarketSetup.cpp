@@ -91,7 +91,7 @@ TimeMs timeOf(const std::string& iso)
         = [&](std::size_t from, std::size_t length) { return std::stoi(iso.substr(from, length)); };
     const std::chrono::sys_days day{std::chrono::year(part(0, 4)) / part(5, 2) / part(8, 2)};
     return day.time_since_epoch().count() * dayMs + part(11, 2) * hourMs + part(14, 2) * minuteMs
-        + part(17, 2) * 1000 + part(20, 3);
+        + part(17, 2) * TimeMs(1000) + part(20, 3);
 }
 
 } // namespace
