@@ -34,6 +34,7 @@ TradeActions::TradeActions(ApiClient& api, const AccountBook& book, QObject* par
     : QObject(parent)
     , m_api(api)
     , m_book(book)
+    , m_expertRequests(api)
 {
 }
 
@@ -44,6 +45,12 @@ void TradeActions::setAlgoTrading(bool on)
     m_algoTrading = on;
     Q_EMIT expertLine(
         tr("Expert"), on ? tr("Algo Trading enabled") : tr("Algo Trading disabled"), LineKind::Ordinary);
+    if (on)
+        return;
+    if (const int dropped = m_expertRequests.dropWaiting(); dropped > 0) {
+        Q_EMIT expertLine(tr("Expert"),
+            tr("Algo Trading is OFF — %1 waiting request(s) not sent.").arg(dropped), LineKind::Failure);
+    }
 }
 
 void TradeActions::closePosition(const QJsonObject& trade)
@@ -66,7 +73,7 @@ void TradeActions::cancelOrder(const QJsonObject& trade)
     whenAnswered(m_api.post(*path, {}), [this](const ReplyOutcome& outcome) {
         tellTrade(outcome.ok, SoundKind::Close,
             outcome.ok ? tr("Pending order cancelled") : tr("Cancel failed: %1").arg(outcome.error));
-        Q_EMIT tradesRefreshWanted();
+        refreshAfter(outcome, &TradeActions::tradesRefreshWanted);
     });
 }
 
@@ -85,7 +92,7 @@ void TradeActions::moveLevel(const QString& tradeId, const QString& kind, double
             tellTrade(outcome.ok, SoundKind::Open,
                 outcome.ok ? tr("%1 moved to %2").arg(kind, shown)
                            : tr("Modify failed: %1").arg(outcome.error));
-            Q_EMIT tradesRefreshWanted();
+            refreshAfter(outcome, &TradeActions::tradesRefreshWanted);
         });
 }
 
@@ -102,7 +109,7 @@ void TradeActions::quickTrade(const QString& symbol, const QString& side, double
         tellTrade(outcome.ok, SoundKind::Open,
             outcome.ok ? tr("One-click %1 %2 executed").arg(side, oneLine(symbol))
                        : tr("One-click order failed: %1").arg(outcome.error));
-        refreshAccountsAndTrades();
+        refreshAfter(outcome, &TradeActions::refreshAccountsAndTrades);
     });
 }
 
@@ -117,7 +124,7 @@ void TradeActions::expertOrder(const QJsonObject& body)
         return;
     QJsonObject order = body;
     order.insert("accountId"_L1, m_book.currentAccountId());
-    whenAnswered(m_api.post(placePath, order), [this, order](const ReplyOutcome& outcome) {
+    m_expertRequests.order(placePath, order, [this, order](const ReplyOutcome& outcome) {
         Q_EMIT soundWanted(outcome.ok ? SoundKind::Open : SoundKind::Error);
         Q_EMIT expertLine(tr("Expert"),
             outcome.ok ? tr("%1 %2 %3 executed")
@@ -126,7 +133,7 @@ void TradeActions::expertOrder(const QJsonObject& body)
                                  oneLine(order.value("symbol"_L1).toString()))
                        : tr("Order failed: %1").arg(outcome.error),
             outcome.ok ? LineKind::Ordinary : LineKind::Failure);
-        refreshAccountsAndTrades();
+        refreshAfter(outcome, &TradeActions::refreshAccountsAndTrades);
     });
 }
 
@@ -145,7 +152,7 @@ void TradeActions::expertCloseAll(const QString& symbol)
         if (!path)
             continue;
         ++closing;
-        whenAnswered(m_api.post(*path, {}), [this](const ReplyOutcome&) { refreshEverything(); });
+        m_expertRequests.close(*path, [this](const ReplyOutcome&) { refreshEverything(); });
     }
     if (closing == 0)
         return;
@@ -184,6 +191,14 @@ void TradeActions::tellTrade(bool ok, SoundKind success, const QString& message)
 {
     Q_EMIT soundWanted(ok ? success : SoundKind::Error);
     Q_EMIT journalLine(tr("Trade"), message);
+}
+
+void TradeActions::refreshAfter(const ReplyOutcome& outcome, void (TradeActions::*usual)())
+{
+    if (outcome.isUnanswered())
+        refreshEverything();
+    else
+        (this->*usual)();
 }
 
 void TradeActions::refreshEverything()

@@ -2,6 +2,7 @@
 
 #include "app/LineKind.h"
 #include "app/SoundPlayer.h"
+#include "mainwindow/ExpertRequests.h"
 
 #include <QJsonObject>
 #include <QObject>
@@ -16,8 +17,9 @@ class QNetworkReply;
 struct ReplyOutcome;
 
 /// Turns what a trader or a script wants done with a trade into one request each, and reports what became of
-/// it: a line, a sound, and the lists read again, whatever the outcome was. Requests are neither repeated nor
-/// queued. Scripts trade only while algo trading is on.
+/// it: a line, a sound, and the lists read again, whatever the outcome was; all lists, where no answer came.
+/// No request is repeated, and a trader's own leaves at once. Scripts trade only while algo trading is on;
+/// what of theirs still waits when it goes off is dropped.
 class TradeActions final : public QObject {
     Q_OBJECT
     Q_DISABLE_COPY_MOVE(TradeActions)
@@ -28,6 +30,8 @@ public:
 
     /// Off at start; never saved.
     [[nodiscard]] bool isAlgoTradingOn() const { return m_algoTrading; }
+
+    [[nodiscard]] ExpertRequests& expertRequests() { return m_expertRequests; }
 
 public Q_SLOTS:
     void setAlgoTrading(bool on);
@@ -63,8 +67,11 @@ private:
     void tellTrade(bool ok, SoundKind success, const QString& message);
     void refreshEverything();
     void refreshAccountsAndTrades();
+    /// What an ended request may have changed: these lists, or all of them where no answer tells.
+    void refreshAfter(const ReplyOutcome& outcome, void (TradeActions::*usual)());
 
     ApiClient& m_api;
     const AccountBook& m_book;
+    ExpertRequests m_expertRequests;
     bool m_algoTrading = false;
 };

@@ -5,6 +5,7 @@
 #include "net/OneShotBody.h"
 #include "net/RefusedReply.h"
 #include "net/ReplyOutcome.h"
+#include "net/ReplyWatch.h"
 #include "net/SafeText.h"
 #include "net/UrlParts.h"
 
@@ -13,20 +14,16 @@
 #include <QNetworkRequest>
 #include <QPointer>
 #include <algorithm>
+#include <utility>
 
 using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr int transferTimeoutMs = 15000;
 constexpr int statusUnauthorized = 401;
 
-/// What a reply is the answer to, as unansweredChanges() tells it.
-constexpr auto changeProperty = "change";
-
-// Far above any real answer; a server that sends more would only fill the memory.
-constexpr qint64 largestReply = 16LL * 1024 * 1024;
-constexpr auto tooLarge = "tooLarge";
+// The toolkit opens this many to one host; what comes on top waits unsent.
+constexpr int connectionsPerManager = 6;
 
 // Line breaks in a header value are sent as they are and would add headers of their own.
 bool isSendable(const QString& token)
@@ -44,18 +41,11 @@ bool isSafe(const QUrl& url, const QString& path)
         && !url.hasFragment() && (url.scheme() == "https"_L1 || url.scheme() == "http"_L1);
 }
 
-void capSize(QNetworkReply* reply)
+ReplyWatch::Kind kindOf(const QString& path, bool authorised)
 {
-    const auto abortWhenOver = [reply](qint64 size) {
-        if (size <= largestReply || reply->property(tooLarge).toBool())
-            return;
-        reply->setProperty(tooLarge, true); // first: the reply finishes within abort()
-        reply->abort();
-    };
-    QObject::connect(reply, &QNetworkReply::downloadProgress, reply, abortWhenOver);
-    // Progress is reported a few times a second only, too late on a fast connection.
-    QObject::connect(reply, &QNetworkReply::readyRead, reply,
-        [reply, abortWhenOver] { abortWhenOver(reply->bytesAvailable()); });
+    if (!authorised) // a sign-in: nothing is lost with its answer
+        return ReplyWatch::Kind::Read;
+    return path.startsWith("/api/trades/"_L1) ? ReplyWatch::Kind::Order : ReplyWatch::Kind::Change;
 }
 
 } // namespace
@@ -64,10 +54,38 @@ ApiClient::ApiClient(QObject* parent)
     : QObject(parent)
     , m_manager(this)
 {
-    m_manager.setTransferTimeout(transferTimeoutMs);
+    m_manager.setTransferTimeout(m_limits.silence);
 }
 
 ApiClient::~ApiClient() = default;
+
+void ApiClient::setLimits(const RequestLimits& limits)
+{
+    m_limits = limits;
+    m_manager.setTransferTimeout(limits.silence);
+    for (QNetworkAccessManager* manager : std::as_const(m_changeManagers))
+        manager->setTransferTimeout(limits.silence);
+}
+
+QNetworkAccessManager& ApiClient::addManager()
+{
+    auto* manager = new QNetworkAccessManager(this);
+    manager->setTransferTimeout(m_limits.silence);
+    m_changeManagers.append(manager);
+    return *manager;
+}
+
+QNetworkAccessManager& ApiClient::freeManager()
+{
+    m_changes.removeIf([](const Change& change) { return !change.reply || change.reply->isFinished(); });
+    for (QNetworkAccessManager* manager : std::as_const(m_changeManagers)) {
+        const auto busy = std::count_if(m_changes.cbegin(), m_changes.cend(),
+            [manager](const Change& change) { return change.reply->manager() == manager; });
+        if (busy < connectionsPerManager)
+            return *manager;
+    }
+    return addManager();
+}
 
 QNetworkRequest ApiClient::buildRequest(const QString& path, bool authorise) const
 {
@@ -79,46 +97,36 @@ QNetworkRequest ApiClient::buildRequest(const QString& path, bool authorise) con
     return request;
 }
 
-QNetworkReply* ApiClient::read(const QString& path)
-{
-    const QNetworkRequest request = buildRequest(path, true);
-    if (!isSafe(request.url(), path))
-        return new RefusedReply(request, tr("The request address is not valid"), &m_manager);
-    QNetworkReply* reply = m_manager.get(request);
-    capSize(reply);
-    return reply;
-}
-
 QNetworkReply* ApiClient::change(
     const QByteArray& verb, const QString& path, const QByteArray& body, bool authorise)
 {
     QNetworkRequest request = buildRequest(path, authorise);
-    if (!isSafe(request.url(), path))
-        return new RefusedReply(request, tr("The request address is not valid"), &m_manager);
-    // Before the reads that wait for one of the few connections to a host.
-    request.setPriority(QNetworkRequest::HighPriority);
+    const ReplyWatch::Kind kind = kindOf(path, authorise);
+    if (!isSafe(request.url(), path)) {
+        auto* refused = new RefusedReply(request, tr("The request address is not valid"), &m_manager);
+        new ReplyWatch(*refused, kind, m_limits.change);
+        return refused;
+    }
     request.setAttribute(QNetworkRequest::DoNotBufferUploadDataAttribute, true);
     request.setHeader(QNetworkRequest::ContentLengthHeader, body.size());
     auto* const upload = new OneShotBody(body);
-    QNetworkReply* reply = m_manager.sendCustomRequest(request, verb, upload);
+    QNetworkReply* reply = freeManager().sendCustomRequest(request, verb, upload);
     upload->setParent(reply);
-    capSize(reply);
-    if (authorise)
-        reply->setProperty(changeProperty,
-            QString(QLatin1StringView(verb) + u' ' + path + u' ' + QString::fromUtf8(body)).trimmed());
+    new ReplyWatch(*reply, kind, m_limits.change, upload);
+    m_changes.append({reply,
+        authorise ? QString(QLatin1StringView(verb) + u' ' + path + u' ' + QString::fromUtf8(body)).trimmed()
+                  : QString()});
     return reply;
 }
 
 QStringList ApiClient::unansweredChanges() const
 {
-    QStringList changes;
-    const auto replies = m_manager.findChildren<QNetworkReply*>(Qt::FindDirectChildrenOnly);
-    for (const QNetworkReply* reply : replies) {
-        const QString change = reply->property(changeProperty).toString();
-        if (!change.isEmpty() && !reply->isFinished())
-            changes.append(change);
+    QStringList texts;
+    for (const Change& change : m_changes) {
+        if (change.reply && !change.reply->isFinished() && !change.text.isEmpty())
+            texts.append(change.text);
     }
-    return changes;
+    return texts;
 }
 
 void ApiClient::get(const QString& path, ReplyCallback callback)
@@ -133,13 +141,18 @@ void ApiClient::get(const QString& path, QObject* context, ReplyCallback callbac
     });
 }
 
-void ApiClient::getBody(const QString& path, QObject* context, BodyCallback callback)
+ReplyWatch* ApiClient::getBody(const QString& path, QObject* context, BodyCallback callback)
 {
-    QNetworkReply* const reply = read(path);
+    const QNetworkRequest request = buildRequest(path, true);
+    QNetworkReply* const reply = isSafe(request.url(), path)
+        ? m_manager.get(request)
+        : new RefusedReply(request, tr("The request address is not valid"), &m_manager);
+    auto* watch = new ReplyWatch(*reply, ReplyWatch::Kind::Read, m_limits.read);
     connect(reply, &QNetworkReply::finished, this,
         [this, reply, path, guard = QPointer<QObject>(context), callback = std::move(callback)] {
             finishGet(reply, path, guard, callback);
         });
+    return watch;
 }
 
 void ApiClient::finishGet(
@@ -147,7 +160,8 @@ void ApiClient::finishGet(
 {
     reply->deleteLater();
     const ReplyOutcome outcome = ReplyOutcome::readUnparsed(reply);
-    const bool wasTooLarge = reply->property(tooLarge).toBool();
+    const ReplyWatch* const watch = ReplyWatch::of(*reply);
+    const bool wasTooLarge = watch && watch->wasTooLarge();
     const QPointer<ApiClient> alive(this);
     if (!outcome.ok && outcome.status == statusUnauthorized)
         Q_EMIT unauthorized();

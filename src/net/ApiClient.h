@@ -1,6 +1,9 @@
 #pragma once
 
+#include "net/RequestLimits.h"
+
 #include <QJsonObject>
+#include <QList>
 #include <QNetworkAccessManager>
 #include <QObject>
 #include <QPointer>
@@ -10,6 +13,7 @@
 class QJsonDocument;
 class QNetworkReply;
 class QNetworkRequest;
+class ReplyWatch;
 
 /// Completion of a read: the parsed body and an empty error, or a null document and a text for a
 /// person. A success whose body is not JSON arrives as a null document without an error.
@@ -20,9 +24,10 @@ using BodyCallback = std::function<void(const QByteArray& body, const QString& e
 
 /// Talks HTTP(S) to the platform server. Address and token are taken from the settings at each
 /// call; a token that is empty or holds a control character is left out. Each call is one request,
-/// given up after 15 seconds without progress. Paths begin with "/", and ids in them are encoded by
-/// the caller (net/UrlParts.h); a path that could reach another host or resource is answered with an
-/// error and never sent.
+/// given up after 15 seconds without progress, a minute as a whole, and half a minute where it changes
+/// state. State-changing calls never wait behind reads, nor for each other. Paths begin with "/", and ids in
+/// them are encoded by the caller (net/UrlParts.h); a path that could reach another host or resource is
+/// answered with an error and never sent.
 class ApiClient final : public QObject {
     Q_OBJECT
     Q_DISABLE_COPY_MOVE(ApiClient)
@@ -31,12 +36,15 @@ public:
     explicit ApiClient(QObject* parent = nullptr);
     ~ApiClient() override;
 
+    /// Other limits than the usual ones, for requests from now on.
+    void setLimits(const RequestLimits& limits);
+
     /// Reads a path; the callback runs once, unless this client is gone by then.
     void get(const QString& path, ReplyCallback callback);
     /// The same, and the callback is dropped as well once the context is gone.
     void get(const QString& path, QObject* context, ReplyCallback callback);
-    /// The same with the body as it came.
-    void getBody(const QString& path, QObject* context, BodyCallback callback);
+    /// The same with the body as it came. What is returned tells of the read while it runs, and can end it.
+    ReplyWatch* getBody(const QString& path, QObject* context, BodyCallback callback);
 
     /// State-changing calls. They reach the server at most once, whatever happens to the
     /// connection. The caller connects to the reply's finished signal, reads it with
@@ -63,13 +71,26 @@ Q_SIGNALS:
     void replyTooLarge(const QString& path);
 
 private:
+    /// A state-changing call that may have no answer yet.
+    struct Change {
+        QPointer<QNetworkReply> reply;
+        QString text; ///< see unansweredChanges()
+    };
+
     [[nodiscard]] QNetworkRequest buildRequest(const QString& path, bool authorise) const;
-    [[nodiscard]] QNetworkReply* read(const QString& path);
+    [[nodiscard]] QNetworkAccessManager& addManager();
+    /// A manager with a connection to spare.
+    [[nodiscard]] QNetworkAccessManager& freeManager();
     [[nodiscard]] QNetworkReply* change(
         const QByteArray& verb, const QString& path, const QByteArray& body, bool authorise = true);
     void finishGet(QNetworkReply* reply, const QString& path, const QPointer<QObject>& context,
         const BodyCallback& callback);
     void finishLogin(QNetworkReply* reply, const QString& email);
 
-    QNetworkAccessManager m_manager;
+    RequestLimits m_limits;
+    QNetworkAccessManager m_manager; ///< reads
+    /// State-changing calls; children of this client. More than one only while more calls are unanswered
+    /// than the toolkit opens connections.
+    QList<QNetworkAccessManager*> m_changeManagers;
+    QList<Change> m_changes; ///< oldest first
 };

@@ -1,5 +1,6 @@
 #include "net/ReplyOutcome.h"
 
+#include "net/ReplyWatch.h"
 #include "net/SafeText.h"
 
 #include <QCoreApplication>
@@ -14,6 +15,44 @@ bool isRedirect(int status)
     return status >= 300 && status < 400;
 }
 
+bool isRefusal(int status)
+{
+    return status >= 400 && status < 500;
+}
+
+bool ranOutOfTime(const QNetworkReply& reply, const ReplyWatch& watch)
+{
+    return !watch.wasTooLarge()
+        && (reply.error() == QNetworkReply::OperationCanceledError
+            || reply.error() == QNetworkReply::TimeoutError);
+}
+
+/// False when the connection failed first. The answers that say no have the higher numbers, as has the one
+/// error of these that is no answer.
+bool isWhole(QNetworkReply::NetworkError error)
+{
+    return error == QNetworkReply::NoError
+        || (error > QNetworkReply::UnknownProxyError && error != QNetworkReply::ContentReSendError);
+}
+
+/// The toolkit's words would not say the one thing that counts: whether it may have been carried out.
+QString timeText(const ReplyWatch& watch, int status)
+{
+    if (!watch.wasSent())
+        return QCoreApplication::translate("ReplyOutcome", "not sent: no connection to the server");
+    if (isRefusal(status))
+        return QCoreApplication::translate("ReplyOutcome", "refused; the reason did not arrive");
+    switch (watch.kind()) {
+    case ReplyWatch::Kind::Order:
+        return QCoreApplication::translate("ReplyOutcome", "no answer; the order may have been carried out");
+    case ReplyWatch::Kind::Change:
+        return QCoreApplication::translate("ReplyOutcome", "no answer; it may have been carried out");
+    case ReplyWatch::Kind::Read:
+        break;
+    }
+    return {};
+}
+
 QString networkText(const QNetworkReply& reply, int status)
 {
     // Told first: a redirect that asks for the body again fails with the error below.
@@ -22,7 +61,9 @@ QString networkText(const QNetworkReply& reply, int status)
     // The request may have been sent; the toolkit words this case "Unknown error".
     if (reply.error() == QNetworkReply::ContentReSendError)
         return QCoreApplication::translate("ReplyOutcome", "Connection closed");
-    return reply.errorString();
+    const ReplyWatch* watch = ReplyWatch::of(reply);
+    const QString text = watch && ranOutOfTime(reply, *watch) ? timeText(*watch, status) : QString();
+    return text.isEmpty() ? reply.errorString() : text;
 }
 
 void parse(ReplyOutcome& outcome)
@@ -46,6 +87,9 @@ ReplyOutcome ReplyOutcome::readUnparsed(QNetworkReply* reply)
     ReplyOutcome outcome;
     outcome.status = reply->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
     outcome.ok = reply->error() == QNetworkReply::NoError && !isRedirect(outcome.status);
+    outcome.whole = isWhole(reply->error());
+    const ReplyWatch* watch = ReplyWatch::of(*reply);
+    outcome.sent = !watch || watch->wasSent();
     if (reply->isOpen())
         outcome.content = reply->readAll();
     if (!outcome.ok) {

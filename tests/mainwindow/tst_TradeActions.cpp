@@ -27,7 +27,8 @@ const QByteArray openTrades = R"([
 const QByteArray pendingOrders
     = R"([{"id":"p1","symbol":"EURUSD","status":"PENDING","stopLoss":1.0,"pendingPrice":"1.1"},{"id":"..","symbol":"X"}])";
 
-const auto timedOut = u"Operation canceled"_s;
+const auto timedOut = u"no answer; the order may have been carried out"_s;
+const QStringList everything{u"accounts"_s, u"trades"_s, u"history"_s};
 
 /// The actions over a scripted server, with all that they say.
 struct Desk {
@@ -94,20 +95,23 @@ struct Desk {
     [[nodiscard]] static QString sound(SoundKind kind) { return u"sound %1"_s.arg(int(kind)); }
 };
 
-/// Every way an answer can come that is no success, and the words for it.
+/// Every way an answer can come that is no success, the words for it, and whether it is one to go by.
 void addFailures()
 {
     QTest::addColumn<StubAnswer>("answer");
     QTest::addColumn<QString>("reason");
-    QTest::newRow("refused with a message") << StubAnswer::message(u"No %1 <b>"_s, 400) << u"No %1 <b>"_s;
-    QTest::newRow("cut after it was sent") << StubAnswer::closed() << u"Connection closed"_s;
-    QTest::newRow("no answer in time") << StubAnswer::held() << timedOut;
+    QTest::addColumn<bool>("answered");
+    QTest::newRow("refused with a message")
+        << StubAnswer::message(u"No %1 <b>"_s, 400) << u"No %1 <b>"_s << true;
+    QTest::newRow("cut after it was sent") << StubAnswer::closed() << u"Connection closed"_s << false;
+    QTest::newRow("no answer in time") << StubAnswer::held() << timedOut << false;
     QTest::newRow("cut within the answer")
-        << StubAnswer::raw("HTTP/1.1 200 OK\r\nContent-Length: 90\r\n\r\n{") << u"Connection closed"_s;
+        << StubAnswer::raw("HTTP/1.1 200 OK\r\nContent-Length: 90\r\n\r\n{") << u"Connection closed"_s
+        << false;
     QTest::newRow("an error page") << StubAnswer::html("<h1>Bad</h1>", 502)
-                                   << u"Error transferring http://127.0.0.1:*"_s;
+                                   << u"Error transferring http://127.0.0.1:*"_s << true;
     QTest::newRow("a redirect") << StubAnswer::redirect(u"http://127.0.0.1:1/"_s)
-                                << u"The server answered with a redirect"_s;
+                                << u"The server answered with a redirect"_s << true;
 }
 
 } // namespace
@@ -150,6 +154,14 @@ private Q_SLOTS:
     void expertOrdersFail_data() { addFailures(); }
     void expertOrdersFail();
     void expertOrdersNeedAnAccount();
+    void ordersOfExpertsInFlightAreFewAndGoOutInTheirOrder();
+    void whatWaitsIsDroppedWhenTheSwitchGoesOff();
+    void nothingIsSaidOfADropWhereNothingWaits();
+    void aTradersOrderDoesNotWaitBehindThoseOfExperts();
+    void anExpertsOrderThatWaitedTooLongIsNotSent();
+    void anExpertsCloseIsNeverTooLate();
+    void anOrderThatNeverLeftIsToldApart();
+    void aDrippingAnswerEndsAndEverythingIsRead();
     void closeAllClosesEveryPositionOfTheSymbolAndSaysSoOnce();
     void closeAllReadsEverythingAfterEachReplyAndTellsNoFailure();
     void closeAllWithoutPositionsIsSilent();
@@ -217,13 +229,15 @@ void TestTradeActions::cancellingFails()
 {
     QFETCH(StubAnswer, answer);
     QFETCH(QString, reason);
+    QFETCH(bool, answered);
     Desk desk;
     desk.server.on("POST", "/api/trades/cancel/p1", answer);
     desk.actions.cancelOrder(parse(R"({"id":"p1"})"));
     desk.waitFor(reason);
-    QTRY_COMPARE(desk.said.size(), 3);
+    const QStringList lists = answered ? QStringList({u"trades"_s}) : everything;
+    QTRY_COMPARE(desk.said.size(), 2 + lists.size());
     desk.checkFailure(u"J Trade: Cancel failed: "_s, reason);
-    QCOMPARE(desk.said.at(2), u"trades"_s);
+    QCOMPARE(desk.said.mid(2), lists);
 }
 
 void TestTradeActions::movingALevelSendsTheWholeSet_data()
@@ -275,13 +289,15 @@ void TestTradeActions::movingFails()
 {
     QFETCH(StubAnswer, answer);
     QFETCH(QString, reason);
+    QFETCH(bool, answered);
     Desk desk;
     desk.server.on("PUT", "/api/trades/modify/t1", answer);
     desk.actions.moveLevel(u"t1"_s, u"SL"_s, 1.06);
     desk.waitFor(reason);
-    QTRY_COMPARE(desk.said.size(), 3);
+    const QStringList lists = answered ? QStringList({u"trades"_s}) : everything;
+    QTRY_COMPARE(desk.said.size(), 2 + lists.size());
     desk.checkFailure(u"J Trade: Modify failed: "_s, reason);
-    QCOMPARE(desk.said.at(2), u"trades"_s);
+    QCOMPARE(desk.said.mid(2), lists);
 }
 
 void TestTradeActions::movingAnUnknownTradeSendsNothing()
@@ -381,13 +397,15 @@ void TestTradeActions::quickTradeFails()
 {
     QFETCH(StubAnswer, answer);
     QFETCH(QString, reason);
+    QFETCH(bool, answered);
     Desk desk;
     desk.server.on("POST", place, answer);
     desk.actions.quickTrade(u"EURUSD"_s, u"BUY"_s, 0.25);
     desk.waitFor(reason);
-    QTRY_COMPARE(desk.said.size(), 4);
+    const QStringList lists = answered ? QStringList({u"accounts"_s, u"trades"_s}) : everything;
+    QTRY_COMPARE(desk.said.size(), 2 + lists.size());
     desk.checkFailure(u"J Trade: One-click order failed: "_s, reason);
-    QCOMPARE(desk.said.mid(2), QStringList({u"accounts"_s, u"trades"_s}));
+    QCOMPARE(desk.said.mid(2), lists);
 }
 
 void TestTradeActions::quickTradeIgnoresTheAlgoSwitch()
@@ -462,15 +480,17 @@ void TestTradeActions::expertOrdersFail()
 {
     QFETCH(StubAnswer, answer);
     QFETCH(QString, reason);
+    QFETCH(bool, answered);
     Desk desk;
     desk.server.on("POST", place, answer);
     desk.actions.setAlgoTrading(true);
     desk.said.clear();
     desk.actions.expertOrder(parse(R"({"symbol":"EURUSD"})"));
     desk.waitFor(reason);
-    QTRY_COMPARE(desk.said.size(), 4);
+    const QStringList lists = answered ? QStringList({u"accounts"_s, u"trades"_s}) : everything;
+    QTRY_COMPARE(desk.said.size(), 2 + lists.size());
     desk.checkFailure(u"E Expert: Order failed: "_s, reason);
-    QCOMPARE(desk.said.mid(2), QStringList({u"accounts"_s, u"trades"_s}));
+    QCOMPARE(desk.said.mid(2), lists);
 }
 
 void TestTradeActions::expertOrdersNeedAnAccount()
@@ -487,6 +507,132 @@ void TestTradeActions::expertOrdersNeedAnAccount()
     QCOMPARE(desk.server.last("POST", place).json()["symbol"_L1].toString(), u"GOLD"_s);
 }
 
+void TestTradeActions::ordersOfExpertsInFlightAreFewAndGoOutInTheirOrder()
+{
+    Desk desk;
+    desk.server.on("POST", place, StubAnswer::held());
+    desk.actions.setAlgoTrading(true);
+    for (int i = 0; i < 5; ++i)
+        desk.actions.expertOrder({{u"lotSize"_s, i}});
+    QTRY_COMPARE(desk.server.heldCount(), 2);
+    desk.settle();
+    QCOMPARE(desk.server.count("POST", place), 2);
+    for (int sent = 3; sent <= 5; ++sent) {
+        desk.server.release(StubAnswer::json("{}"));
+        QTRY_COMPARE(desk.server.count("POST", place), sent);
+        QCOMPARE(desk.server.last("POST", place).json()["lotSize"_L1].toInt(), sent - 1);
+    }
+}
+
+void TestTradeActions::whatWaitsIsDroppedWhenTheSwitchGoesOff()
+{
+    Desk desk;
+    desk.server.on("POST", place, StubAnswer::held());
+    desk.actions.setAlgoTrading(true);
+    for (int i = 0; i < 400; ++i)
+        desk.actions.expertOrder(parse(R"({"symbol":"EURUSD","type":"BUY","lotSize":1})"));
+    QTRY_COMPARE(desk.server.heldCount(), 2);
+    desk.said.clear();
+    desk.actions.setAlgoTrading(false);
+    QCOMPARE(desk.said,
+        QStringList({u"E Expert: Algo Trading disabled"_s,
+            u"E Expert: Algo Trading is OFF — 398 waiting request(s) not sent."_s}));
+    desk.said.clear();
+    while (desk.server.release(StubAnswer::json("{}"))) { }
+    QTRY_COMPARE(desk.said.count(u"E Expert: BUY 1.00 EURUSD executed"_s), 2);
+    desk.settle();
+    QCOMPARE(desk.server.count("POST", place), 2);
+    desk.actions.setAlgoTrading(true);
+    desk.actions.expertOrder(parse(R"({"symbol":"GOLD"})"));
+    QTRY_COMPARE(desk.server.count("POST", place), 3);
+    QCOMPARE(desk.server.last("POST", place).json()["symbol"_L1].toString(), u"GOLD"_s);
+}
+
+void TestTradeActions::nothingIsSaidOfADropWhereNothingWaits()
+{
+    Desk desk;
+    desk.server.on("POST", place, StubAnswer::held());
+    desk.actions.setAlgoTrading(true);
+    desk.actions.expertOrder(parse(R"({"symbol":"EURUSD"})"));
+    desk.said.clear();
+    desk.actions.setAlgoTrading(false);
+    QCOMPARE(desk.said, QStringList({u"E Expert: Algo Trading disabled"_s}));
+}
+
+void TestTradeActions::aTradersOrderDoesNotWaitBehindThoseOfExperts()
+{
+    Desk desk;
+    desk.server.on("POST", place, StubAnswer::held());
+    desk.server.on("POST", "/api/trades/close/t1", StubAnswer::json("{}"));
+    desk.actions.setAlgoTrading(true);
+    for (int i = 0; i < 400; ++i)
+        desk.actions.expertOrder(parse(R"({"symbol":"EURUSD"})"));
+    desk.said.clear();
+    desk.actions.closePosition(parse(R"({"id":"t1"})"));
+    QTRY_COMPARE(desk.said.value(1), u"J Trade: Position closed"_s);
+    QVERIFY(desk.server.count("POST", place) <= 2);
+}
+
+void TestTradeActions::anExpertsOrderThatWaitedTooLongIsNotSent()
+{
+    Desk desk;
+    desk.server.on("POST", place, StubAnswer::held());
+    desk.actions.setAlgoTrading(true);
+    desk.actions.expertOrder(parse(R"({"symbol":"EURUSD"})"));
+    desk.actions.expertOrder(parse(R"({"symbol":"EURUSD"})"));
+    QTRY_COMPARE(desk.server.heldCount(), 2);
+    desk.actions.expertRequests().setLongestWait(0);
+    desk.actions.expertOrder(parse(R"({"symbol":"EURUSD"})"));
+    desk.said.clear();
+    desk.server.release(StubAnswer::message(u"No"_s, 400));
+    QTRY_COMPARE(desk.said,
+        QStringList({Desk::sound(SoundKind::Error), u"E Expert: Order failed: No"_s, u"accounts"_s,
+            u"trades"_s, Desk::sound(SoundKind::Error),
+            u"E Expert: Order failed: not sent: too many orders before it"_s, u"accounts"_s, u"trades"_s}));
+    desk.settle();
+    QCOMPARE(desk.server.count("POST", place), 2);
+}
+
+void TestTradeActions::anExpertsCloseIsNeverTooLate()
+{
+    Desk desk;
+    desk.server.on("POST", place, StubAnswer::held());
+    desk.actions.setAlgoTrading(true);
+    desk.actions.expertOrder(parse(R"({"symbol":"EURUSD"})"));
+    desk.actions.expertOrder(parse(R"({"symbol":"EURUSD"})"));
+    QTRY_COMPARE(desk.server.heldCount(), 2);
+    desk.actions.expertRequests().setLongestWait(0);
+    desk.actions.expertCloseAll(u"GOLD"_s);
+    desk.server.release(StubAnswer::json("{}"));
+    QTRY_COMPARE(desk.server.count("POST", "/api/trades/close/t2"), 1);
+}
+
+void TestTradeActions::anOrderThatNeverLeftIsToldApart()
+{
+    Desk desk;
+    // Accepts, and never says a word of the handshake.
+    QTcpServer silent;
+    QVERIFY(silent.listen(QHostAddress::LocalHost));
+    TerminalSettings::instance().setServerUrl(u"https://127.0.0.1:%1"_s.arg(silent.serverPort()));
+    desk.api.setLimits({.silence = 100});
+    desk.actions.cancelOrder(parse(R"({"id":"p1"})"));
+    QTRY_COMPARE(desk.said,
+        QStringList({Desk::sound(SoundKind::Error),
+            u"J Trade: Cancel failed: not sent: no connection to the server"_s, u"trades"_s}));
+}
+
+void TestTradeActions::aDrippingAnswerEndsAndEverythingIsRead()
+{
+    Desk desk;
+    desk.api.setLimits({.change = 100});
+    desk.server.on("POST", place, StubAnswer::dripping(QByteArray(1'000'000, ' ')));
+    desk.actions.quickTrade(u"EURUSD"_s, u"BUY"_s, 0.25);
+    QTRY_VERIFY((desk.server.drip(), !desk.said.isEmpty()));
+    QCOMPARE(desk.said,
+        QStringList({Desk::sound(SoundKind::Error), u"J Trade: One-click order failed: "_s + timedOut})
+            + everything);
+}
+
 void TestTradeActions::closeAllClosesEveryPositionOfTheSymbolAndSaysSoOnce()
 {
     Desk desk;
@@ -498,7 +644,12 @@ void TestTradeActions::closeAllClosesEveryPositionOfTheSymbolAndSaysSoOnce()
     desk.actions.expertCloseAll(u"EURUSD"_s);
     QCOMPARE(desk.said,
         QStringList({Desk::sound(SoundKind::Close), u"E Expert: Closing 3 position(s) on EURUSD"_s}));
-    QTRY_COMPARE(desk.server.heldCount(), 3);
+    QTRY_COMPARE(desk.server.heldCount(), 2);
+    desk.server.release(StubAnswer::json("{}"));
+    QTRY_COMPARE(desk.server.requests().size(), 3);
+    QTRY_COMPARE(desk.server.heldCount(), 2);
+    for (const char* id : {"t1", "t3", "t4"})
+        QCOMPARE(desk.server.count("POST", "/api/trades/close/"_ba + id), 1);
 }
 
 void TestTradeActions::closeAllReadsEverythingAfterEachReplyAndTellsNoFailure()

@@ -40,7 +40,7 @@ private Q_SLOTS:
     void state_changing_calls_send_compact_json();
     void a_delete_has_no_body_and_says_so();
     void the_query_goes_out_as_encoded_by_the_caller();
-    void http_2_is_off_and_changes_go_first();
+    void http_2_is_off();
     void requests_are_given_up_after_fifteen_seconds_without_progress();
 
     void a_failed_read_passes_the_servers_message();
@@ -221,12 +221,11 @@ void TestApiClient::the_query_goes_out_as_encoded_by_the_caller()
     QCOMPARE(m_server->requests().at(0).target, "/api/candles?symbol=A%2BB%26C%20D&timeframe=1m"_ba);
 }
 
-void TestApiClient::http_2_is_off_and_changes_go_first()
+void TestApiClient::http_2_is_off()
 {
     m_server->on("POST", "/x", StubAnswer::json("{}"));
     QNetworkReply* reply = m_api->post(u"/x"_s, {});
     QCOMPARE(reply->request().attribute(QNetworkRequest::Http2AllowedAttribute), QVariant(false));
-    QCOMPARE(reply->request().priority(), QNetworkRequest::HighPriority);
     QVERIFY(finish(reply).ok);
 }
 

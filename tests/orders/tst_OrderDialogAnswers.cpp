@@ -21,6 +21,7 @@ private Q_SLOTS:
     void everyRefusalStandsInTheLog();
     void aRefusalCanBeCorrectedAndSentAgain();
     void aRefusalWithoutMessageShowsTheNetworksText();
+    void aDrippingAnswerEndsAndTheOutcomeIsUnknown();
     void anUncertainOutcomeIsNeverReportedAsDone_data();
     void anUncertainOutcomeIsNeverReportedAsDone();
     void aRedirectIsNoSuccess();
@@ -128,6 +129,21 @@ void TestOrderDialogAnswers::aRefusalWithoutMessageShowsTheNetworksText()
     QTRY_VERIFY(desk.error()->isVisible());
     QVERIFY(!desk.error()->text().isEmpty());
     QVERIFY(!desk.error()->text().contains(u"<h1>"_s));
+}
+
+void TestOrderDialogAnswers::aDrippingAnswerEndsAndTheOutcomeIsUnknown()
+{
+    Desk desk;
+    desk.api.setLimits({.change = 100});
+    desk.server.on("POST", placePath, StubAnswer::dripping(QByteArray(1'000'000, ' ')));
+    QSignalSpy placed(desk.dialog, &OrderDialog::orderPlaced);
+    QSignalSpy unknown(desk.dialog, &OrderDialog::outcomeUnknown);
+    QTest::mouseClick(desk.buy(), Qt::LeftButton);
+    QTRY_VERIFY((desk.server.drip(), unknown.size() == 1));
+    QCOMPARE(desk.error()->text(), u"no answer; the order may have been carried out"_s);
+    QVERIFY(desk.buy()->isEnabled());
+    QCOMPARE(placed.size(), 0);
+    QCOMPARE(desk.server.count("POST", placePath), 1);
 }
 
 void TestOrderDialogAnswers::anUncertainOutcomeIsNeverReportedAsDone_data()
