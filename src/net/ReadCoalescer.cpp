@@ -1,7 +1,11 @@
 #include "net/ReadCoalescer.h"
 
+#include "net/ReplyWatch.h"
+
 #include <QJsonDocument>
-#include <QPointer>
+#include <QTimer>
+
+#include <utility>
 
 ReadCoalescer::ReadCoalescer(ApiClient& api, QObject* parent)
     : QObject(parent)
@@ -19,27 +23,54 @@ void ReadCoalescer::refresh(const QString& path, ReplyCallback callback)
 void ReadCoalescer::refreshBody(const QString& path, BodyCallback callback)
 {
     const auto running = m_inFlight.find(path);
-    if (running != m_inFlight.end())
-        *running = std::move(callback);
-    else
-        send(path, callback);
+    if (running == m_inFlight.end()) {
+        send(path, callback, m_patience);
+        return;
+    }
+    if (!std::exchange(running->next, std::move(callback)))
+        endWhenSilent(path, running->number);
 }
 
-void ReadCoalescer::send(const QString& path, const BodyCallback& callback)
+void ReadCoalescer::send(
+    const QString& path, const BodyCallback& callback, std::chrono::milliseconds patience)
 {
-    m_inFlight.insert(path, {});
-    m_api.getBody(path, this, [this, path, callback](const QByteArray& body, const QString& error) {
-        // The callback may end the session and with it this object.
-        const QPointer<ReadCoalescer> alive(this);
-        callback(body, error);
-        if (alive)
-            sendWaiting(path);
-    });
+    const quint64 number = ++m_reads;
+    ReplyWatch* watch = m_api.getBody(
+        path, this, [this, path, callback, number](const QByteArray& body, const QString& error) {
+            if (m_inFlight.value(path).number != number)
+                return;
+            // The callback may end the session and with it this object.
+            const QPointer<ReadCoalescer> alive(this);
+            callback(body, error);
+            if (alive)
+                sendWaiting(path);
+        });
+    m_inFlight.insert(path, {watch, number, patience, {}});
 }
 
 void ReadCoalescer::sendWaiting(const QString& path)
 {
-    const BodyCallback next = m_inFlight.take(path);
+    const BodyCallback next = m_inFlight.take(path).next;
     if (next)
-        send(path, next);
+        send(path, next, m_patience);
+}
+
+void ReadCoalescer::endWhenSilent(const QString& path, quint64 number)
+{
+    const auto running = m_inFlight.find(path);
+    if (running == m_inFlight.end() || running->number != number || !running->watch)
+        return;
+    const std::chrono::milliseconds silent(running->watch->silentFor());
+    if (silent < running->patience) {
+        QTimer::singleShot(
+            running->patience - silent, this, [this, path, number] { endWhenSilent(path, number); });
+        return;
+    }
+    const Running ended = *running;
+    running->number = ++m_reads; // the old read ends within giveUp(), and finds that it no longer counts
+    running->next = {};
+    const QPointer<ReadCoalescer> alive(this);
+    ended.watch->giveUp();
+    if (alive)
+        send(path, ended.next, 2 * ended.patience);
 }

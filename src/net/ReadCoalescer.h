@@ -4,11 +4,16 @@
 
 #include <QHash>
 #include <QObject>
+#include <QPointer>
+
+#include <chrono>
 
 /// Keeps bursts of equal reads from piling up in front of a slow server. While a read of a path is
 /// in flight, asking for it again sends nothing; once the answer is in, one further read follows,
 /// so that whoever asked meanwhile sees data read after they asked. Reads of different paths do
-/// not wait for each other. Owned by whoever refreshes.
+/// not wait for each other. A read that has brought nothing for two seconds is ended for the wish that
+/// waits behind it; its successor gets twice the time, so that a slow server is heard out in the end. Owned
+/// by whoever refreshes.
 class ReadCoalescer final : public QObject {
     Q_OBJECT
     Q_DISABLE_COPY_MOVE(ReadCoalescer)
@@ -16,6 +21,9 @@ class ReadCoalescer final : public QObject {
 public:
     /// The client must outlive the coalescer.
     explicit ReadCoalescer(ApiClient& api, QObject* parent = nullptr);
+
+    /// How long a read may bring nothing while another wish waits; for reads from now on.
+    void setPatience(std::chrono::milliseconds patience) { m_patience = patience; }
 
     /// Reads a path; see ApiClient::get for what the callback gets. Of several calls waiting for
     /// the same read to end only the last one's callback is kept: the callers of one path want one
@@ -25,10 +33,20 @@ public:
     void refreshBody(const QString& path, BodyCallback callback);
 
 private:
-    void send(const QString& path, const BodyCallback& callback);
+    struct Running {
+        QPointer<ReplyWatch> watch;
+        quint64 number = 0;
+        std::chrono::milliseconds patience{0};
+        BodyCallback next; ///< when set, for the refresh that follows
+    };
+
+    void send(const QString& path, const BodyCallback& callback, std::chrono::milliseconds patience);
     void sendWaiting(const QString& path);
+    /// Ends the read of this number for the wish behind it, as soon as it has been silent for long enough.
+    void endWhenSilent(const QString& path, quint64 number);
 
     ApiClient& m_api;
-    // A key stands for a read in flight; its value, when set, for the refresh that follows it.
-    QHash<QString, BodyCallback> m_inFlight;
+    std::chrono::milliseconds m_patience{2000};
+    quint64 m_reads = 0;
+    QHash<QString, Running> m_inFlight;
 };

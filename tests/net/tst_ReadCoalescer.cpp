@@ -9,6 +9,7 @@
 #include <optional>
 
 using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
 
 class TestReadCoalescer final : public QObject {
     Q_OBJECT
@@ -19,6 +20,11 @@ private Q_SLOTS:
     void of_those_waiting_only_the_last_one_is_called();
     void reads_of_different_paths_do_not_wait_for_each_other();
     void a_failed_read_lets_the_next_one_through();
+    void a_newer_wish_ends_a_read_that_brings_nothing();
+    void ended_reads_make_room_for_others();
+    void a_wish_that_came_early_ends_the_read_once_it_is_silent();
+    void a_silent_read_without_a_newer_wish_goes_on();
+    void each_successor_of_an_ended_read_gets_twice_the_time();
     void a_refresh_from_inside_the_callback_waits_its_turn();
     void callbacks_die_with_the_coalescer();
     void the_coalescer_may_be_deleted_inside_a_callback();
@@ -96,6 +102,79 @@ void TestReadCoalescer::a_failed_read_lets_the_next_one_through()
     QTRY_VERIFY(m_server->heldCount() > 0);
     m_server->release(StubAnswer::json("[2]"));
     QTRY_COMPARE(m_calls, QStringList({u"a:down"_s, u"b:2"_s}));
+}
+
+void TestReadCoalescer::a_newer_wish_ends_a_read_that_brings_nothing()
+{
+    ReadCoalescer reads(*m_api);
+    reads.setPatience(0ms);
+    m_server->once("GET", "/x", StubAnswer::dripping("[1]"));
+    reads.refresh(u"/x"_s, note(u"a"_s));
+    QTRY_COMPARE(m_server->count("GET", "/x"), 1);
+    reads.refresh(u"/x"_s, note(u"b"_s));
+    QTRY_COMPARE(m_server->heldCount(), 1);
+    QCOMPARE(m_calls, QStringList());
+    m_server->release(StubAnswer::json("[2]"));
+    QTRY_COMPARE(m_calls, QStringList({u"b:2"_s}));
+    QCOMPARE(m_server->count("GET", "/x"), 2);
+}
+
+void TestReadCoalescer::ended_reads_make_room_for_others()
+{
+    ReadCoalescer reads(*m_api);
+    reads.setPatience(0ms);
+    const auto refreshAll = [&](const StubAnswer& answer) {
+        for (int i = 0; i < 8; ++i) {
+            m_server->on("GET", "/" + QByteArray::number(i), answer);
+            reads.refresh(u"/%1"_s.arg(i), note(u"read"_s));
+        }
+    };
+    refreshAll(StubAnswer::dripping("[1]"));
+    QTRY_COMPARE(m_server->requests().size(), 6);
+    refreshAll(StubAnswer::json("[2]"));
+    QTRY_COMPARE(m_calls.size(), 8);
+    QCOMPARE(m_calls.count(u"read:2"_s), 8);
+}
+
+void TestReadCoalescer::a_wish_that_came_early_ends_the_read_once_it_is_silent()
+{
+    ReadCoalescer reads(*m_api);
+    reads.setPatience(100ms);
+    reads.refresh(u"/x"_s, note(u"a"_s));
+    reads.refresh(u"/x"_s, note(u"b"_s));
+    reads.refresh(u"/x"_s, note(u"c"_s));
+    QTRY_COMPARE(m_server->count("GET", "/x"), 2);
+    QTRY_COMPARE(m_server->heldCount(), 1);
+    m_server->release(StubAnswer::json("[2]"));
+    QTRY_COMPARE(m_calls, QStringList({u"c:2"_s}));
+}
+
+void TestReadCoalescer::a_silent_read_without_a_newer_wish_goes_on()
+{
+    ReadCoalescer reads(*m_api);
+    reads.setPatience(0ms);
+    reads.refresh(u"/x"_s, note(u"a"_s));
+    QTRY_COMPARE(m_server->heldCount(), 1);
+    reads.refresh(u"/y"_s, note(u"y"_s));
+    QTRY_COMPARE(m_server->heldCount(), 2);
+    m_server->release(StubAnswer::json("[1]"), "/y");
+    QTRY_COMPARE(m_calls, QStringList({u"y:1"_s}));
+    m_server->release(StubAnswer::json("[2]"), "/x");
+    QTRY_COMPARE(m_calls, QStringList({u"y:1"_s, u"a:2"_s}));
+}
+
+void TestReadCoalescer::each_successor_of_an_ended_read_gets_twice_the_time()
+{
+    ReadCoalescer reads(*m_api);
+    reads.setPatience(20ms);
+    connect(&*m_server, &StubHttpServer::requestReceived, &reads,
+        [&] { reads.refresh(u"/x"_s, note(u"again"_s)); });
+    QElapsedTimer clock;
+    clock.start();
+    reads.refresh(u"/x"_s, note(u"first"_s));
+    QTRY_COMPARE(m_server->count("GET", "/x"), 5);
+    QVERIFY2(clock.elapsed() >= 20 + 40 + 80 + 160, qPrintable(QString::number(clock.elapsed())));
+    QCOMPARE(m_calls, QStringList());
 }
 
 void TestReadCoalescer::a_refresh_from_inside_the_callback_waits_its_turn()
