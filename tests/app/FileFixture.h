@@ -24,11 +24,17 @@ inline QByteArray contentOf(const QString& path)
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("unreadable");
 }
 
+/// Writes a file as somebody else would who comes later: the settings take one of the same size and time for
+/// unchanged, and the system's clock for files stands still for some milliseconds.
 inline void writeFile(const QString& path, const QByteArray& bytes)
 {
+    static int later = 0;
     QFile file(path);
     QVERIFY(file.open(QIODevice::WriteOnly));
     QCOMPARE(file.write(bytes), bytes.size());
+    QVERIFY(file.flush());
+    QVERIFY(
+        file.setFileTime(QDateTime::currentDateTime().addSecs(++later), QFileDevice::FileModificationTime));
 }
 
 /// While it lives, a write stops half-way when a file reaches so many bytes, as on a full disk.

@@ -1,3 +1,4 @@
+#include "FileFixture.h"
 #include "app/Log.h"
 #include "app/TerminalSettings.h"
 #include "support/TestMain.h"
@@ -7,12 +8,7 @@ using namespace Qt::StringLiterals;
 class TestTerminalSettings : public QObject {
     Q_OBJECT
 
-    void writeFile(const QByteArray& content) const
-    {
-        QFile file(m_path);
-        QVERIFY(file.open(QIODevice::WriteOnly));
-        file.write(content);
-    }
+    void writeFile(const QByteArray& content) const { fixtures::writeFile(m_path, content); }
 
     [[nodiscard]] QByteArray fileContent(const QString& suffix = {}) const
     {
