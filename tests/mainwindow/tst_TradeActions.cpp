@@ -624,7 +624,7 @@ void TestTradeActions::anOrderThatNeverLeftIsToldApart()
 void TestTradeActions::aDrippingAnswerEndsAndEverythingIsRead()
 {
     Desk desk;
-    desk.api.setLimits({.change = 100});
+    desk.api.setLimits({.change = 500});
     desk.server.on("POST", place, StubAnswer::dripping(QByteArray(1'000'000, ' ')));
     desk.actions.quickTrade(u"EURUSD"_s, u"BUY"_s, 0.25);
     QTRY_VERIFY((desk.server.drip(), !desk.said.isEmpty()));

@@ -17,6 +17,9 @@ namespace {
 const auto orderPath = u"/api/trades/place"_s;
 const QByteArray longBody(1'000'000, ' ');
 
+// Long enough for a busy machine to send the request, or to bring a reply's head, in the time.
+constexpr int soon = 500;
+
 } // namespace
 
 /// When a request has taken long enough, and what is said of it then.
@@ -101,14 +104,14 @@ void TestApiClientLimits::the_usual_limits_hold_for_reads_and_changes()
 
 void TestApiClientLimits::a_dripping_read_ends_at_its_limit()
 {
-    limit({.read = 100});
+    limit({.read = soon});
     m_server->on("GET", "/x", StubAnswer::dripping(longBody));
     QCOMPARE(readError(u"/x"_s), u"Operation canceled"_s);
 }
 
 void TestApiClientLimits::a_dripping_change_ends_at_its_limit_with_an_unknown_outcome()
 {
-    limit({.change = 100});
+    limit({.change = soon});
     m_server->on("POST", orderPath.toUtf8(), StubAnswer::dripping(longBody));
     const ReplyOutcome outcome = finishDripping(m_api->post(orderPath, {}));
     QCOMPARE(outcome.status, 200);
@@ -121,7 +124,7 @@ void TestApiClientLimits::a_dripping_change_ends_at_its_limit_with_an_unknown_ou
 
 void TestApiClientLimits::a_dripping_refusal_is_a_refusal()
 {
-    limit({.change = 100});
+    limit({.change = soon});
     StubAnswer refusal = StubAnswer::dripping(longBody);
     refusal.status = 400;
     m_server->on("POST", orderPath.toUtf8(), refusal);
@@ -143,7 +146,7 @@ void TestApiClientLimits::an_order_that_nobody_answers_may_have_been_carried_out
 {
     QFETCH(const QString, path);
     QFETCH(const QString, text);
-    limit({.silence = 100});
+    limit({.silence = soon});
     m_server->on("POST", path.toUtf8(), StubAnswer::held());
     const ReplyOutcome outcome = finish(m_api->post(path, {}));
     QCOMPARE(outcome.error, text);
@@ -157,7 +160,7 @@ void TestApiClientLimits::an_order_that_never_left_says_so()
     QTcpServer silent;
     QVERIFY(silent.listen(QHostAddress::LocalHost));
     TerminalSettings::instance().setServerUrl(u"https://127.0.0.1:%1"_s.arg(silent.serverPort()));
-    limit({.silence = 100});
+    limit({.silence = soon});
     const ReplyOutcome outcome = finish(m_api->post(orderPath, {}));
     QCOMPARE(outcome.error, u"not sent: no connection to the server"_s);
     QVERIFY(!outcome.ok);
@@ -166,7 +169,7 @@ void TestApiClientLimits::an_order_that_never_left_says_so()
 
 void TestApiClientLimits::a_change_with_an_empty_body_is_never_called_unsent()
 {
-    limit({.silence = 100});
+    limit({.silence = soon});
     m_server->on("DELETE", "/api/drawings/1", StubAnswer::held());
     const ReplyOutcome outcome = finish(m_api->del(u"/api/drawings/1"_s));
     QCOMPARE(outcome.error, u"no answer; it may have been carried out"_s);
@@ -175,14 +178,14 @@ void TestApiClientLimits::a_change_with_an_empty_body_is_never_called_unsent()
 
 void TestApiClientLimits::a_dripping_change_with_an_empty_body_ends_at_its_limit()
 {
-    limit({.change = 100});
+    limit({.change = soon});
     m_server->on("DELETE", "/api/drawings/1", StubAnswer::dripping(longBody));
     QVERIFY(finishDripping(m_api->del(u"/api/drawings/1"_s)).isUnanswered());
 }
 
 void TestApiClientLimits::a_read_that_waited_in_vain_for_a_connection_says_so()
 {
-    limit({.silence = 500});
+    limit({.silence = soon});
     m_server->on("GET", "/stuck", StubAnswer::held());
     QStringList errors;
     for (int i = 0; i < 7; ++i)

@@ -134,7 +134,7 @@ void TestOrderDialogAnswers::aRefusalWithoutMessageShowsTheNetworksText()
 void TestOrderDialogAnswers::aDrippingAnswerEndsAndTheOutcomeIsUnknown()
 {
     Desk desk;
-    desk.api.setLimits({.change = 100});
+    desk.api.setLimits({.change = 500});
     desk.server.on("POST", placePath, StubAnswer::dripping(QByteArray(1'000'000, ' ')));
     QSignalSpy placed(desk.dialog, &OrderDialog::orderPlaced);
     QSignalSpy unknown(desk.dialog, &OrderDialog::outcomeUnknown);
