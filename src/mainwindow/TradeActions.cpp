@@ -174,7 +174,7 @@ QJsonObject TradeActions::findTrade(const QString& tradeId) const
 {
     for (const QJsonArray& list : {m_book.openTrades(), m_book.pendingOrders()}) {
         for (const auto& value : list) {
-            const QJsonObject trade = value.toObject();
+            QJsonObject trade = value.toObject();
             if (trade.value("id"_L1).toString() == tradeId)
                 return trade;
         }
