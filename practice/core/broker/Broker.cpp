@@ -71,6 +71,11 @@ std::optional<Refusal> Broker::checkAccount(const std::string& accountId) const
         return badRequest("This account cannot trade any more, its status is "
             + std::string(toText(account->record.status)) + ". Choose an active account.");
     }
+    if (account->trades.size() >= mostLiveTrades) {
+        return badRequest("This account has " + std::to_string(account->trades.size())
+            + " open positions and pending orders; " + std::to_string(mostLiveTrades)
+            + " are the most it may have. Close a position or cancel an order first.");
+    }
     return std::nullopt;
 }
 

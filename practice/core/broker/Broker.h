@@ -6,6 +6,7 @@
 #include "practice/core/broker/PriceBoard.h"
 #include "practice/core/broker/Requests.h"
 
+#include <cstddef>
 #include <span>
 #include <string_view>
 #include <vector>
@@ -32,6 +33,8 @@ struct AccountFigures {
 /// - Margin = units x price in USD / leverage, fixed when the position opens. When equity falls to 50 % of
 ///   the held margin or below, the largest loser is closed, then the next, until it is above.
 /// - An account that a gap takes below zero is set to zero once it has no position left.
+/// - An account holds at most mostLiveTrades positions and pending orders together, so that an order that was
+///   taken always finds its place when it fills.
 /// - Plan accounts fail when equity has fallen by 5 % since the UTC day began or to 90 % of the initial
 ///   balance: everything is closed at once. A plan account that is not funded passes a phase when its
 ///   balance reaches 110 % of the initial balance and no position is open.
@@ -41,6 +44,8 @@ struct AccountFigures {
 /// is not entered again.
 class Broker {
 public:
+    static constexpr std::size_t mostLiveTrades = 500; ///< an account's
+
     /// `symbols` fixes the positions that SymbolQuote uses. Throws std::invalid_argument for a state that
     /// contradicts itself: an id twice, a trade of an unknown account, a finished trade among the live ones.
     Broker(std::vector<SymbolSpec> symbols, IdSource ids, BrokerState state);
@@ -84,6 +89,7 @@ public:
     [[nodiscard]] const std::vector<SymbolSpec>& symbols() const { return m_symbols; }
 
 private:
+    /// Whether the account may have one more trade.
     [[nodiscard]] std::optional<Refusal> checkAccount(const std::string& accountId) const;
     /// Completes a market order at this quote, unless the margin does not suffice.
     [[nodiscard]] std::optional<Refusal> open(Trade& trade, std::size_t symbol, const Quote& quote) const;

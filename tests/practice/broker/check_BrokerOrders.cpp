@@ -293,6 +293,58 @@ TEST_CASE("close and cancel find only what is live, and each its own kind")
     CHECK(desk.broker.state().liveTrades.empty());
 }
 
+TEST_CASE("an account holds five hundred positions and orders and takes another when one has gone")
+{
+    Desk desk;
+    std::string position;
+    std::string order;
+    for (int i = 0; i < 250; ++i) {
+        position = desk.buy("demo", "EURUSD", 0.01);
+        order = desk.id(Desk::pending("demo", "EURUSD", "BUY_LIMIT", 0.01, 1.08));
+    }
+    const std::string full
+        = "This account has 500 open positions and pending orders; 500 are the most it may "
+          "have. Close a position or cancel an order first.";
+    const PlaceRequest market = Desk::market("demo", "EURUSD", "BUY", 0.01);
+    const PlaceRequest waiting = Desk::pending("demo", "EURUSD", "SELL_STOP", 0.01, 1.08);
+    CHECK_EQ(refusedPlace(desk, market), full);
+    CHECK_EQ(refusedPlace(desk, waiting), full);
+    desk.buy("tight", "EURUSD", 0.01); // another account has a limit of its own
+    CHECK(desk.broker.cancel(order, desk.now).accepted());
+    CHECK(desk.place(market).accepted());
+    CHECK_EQ(refusedPlace(desk, waiting), full);
+    CHECK(desk.broker.close(position, desk.now).accepted());
+    CHECK(desk.place(waiting).accepted());
+    CHECK_EQ(refusedPlace(desk, market), full);
+
+    desk.price(EurUsd, 1.07990, 1.07998); // every order fills: a limit and a stop at this price
+    CHECK_EQ(desk.broker.openTrades("demo").size(), std::size_t{500});
+    CHECK_EQ(refusedPlace(desk, market), full);
+}
+
+TEST_CASE("an account that has more from earlier days keeps them and takes no more")
+{
+    BrokerState state{fixtureAccounts(), {}};
+    for (int i = 0; i < 501; ++i) {
+        Trade order;
+        order.id = "old " + std::to_string(i);
+        order.accountId = "demo";
+        order.symbol = "EURUSD";
+        order.orderKind = OrderKind::BuyLimit;
+        order.status = TradeStatus::Pending;
+        order.lots = 1;
+        order.pendingPrice = 1.0;
+        state.liveTrades.push_back(order);
+    }
+    Desk desk(state);
+    CHECK_EQ(desk.broker.pendingOrders("demo").size(), std::size_t{501});
+    CHECK(contains(refusedPlace(desk, Desk::market("demo", "EURUSD", "BUY", 0.01)), "has 501 open"));
+    CHECK(desk.broker.cancel("old 0", desk.now).accepted());
+    CHECK(contains(refusedPlace(desk, Desk::market("demo", "EURUSD", "BUY", 0.01)), "has 500 open"));
+    CHECK(desk.broker.cancel("old 1", desk.now).accepted());
+    CHECK(desk.place(Desk::market("demo", "EURUSD", "BUY", 0.01)).accepted());
+}
+
 TEST_CASE("nothing is traded while there is no price")
 {
     Desk desk({fixtureAccounts(), {}}, false);
