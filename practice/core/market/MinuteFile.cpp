@@ -14,6 +14,7 @@
 #include <string_view>
 #include <system_error>
 #include <utility>
+#include <vector>
 
 namespace practice {
 namespace {
@@ -169,23 +170,40 @@ private:
         if (count != wanted)
             fail("expected " + std::to_string(wanted) + " columns, found " + std::to_string(count));
 
-        MinuteRecord record;
-        record.time = rowTime(cells[0]);
+        const TimeMs time = rowTime(cells[0]);
         const auto volume = wholeNumber<double>(cells[5]);
         if (!volume || !(*volume >= 0) || *volume > 1e12)
             fail("the volume is not a number from 0");
-        record.bar = rowBar(cells.data() + 1);
-        if (m_hasAsk) {
-            const GridBar ask = rowBar(cells.data() + 6);
-            const GridBar bid = record.bar;
-            if (ask.open < bid.open || ask.high < bid.high || ask.low < bid.low || ask.close < bid.close)
-                fail("an ask is below its bid");
-            record.bar = {bid.open + (ask.open - bid.open) / 2, bid.high + (ask.high - bid.high) / 2,
-                bid.low + (ask.low - bid.low) / 2, bid.close + (ask.close - bid.close) / 2, 0};
-            record.halfSpread = (ask.close - bid.close) / 2;
-        }
-        record.bar.volume = std::llround(*volume);
-        m_file.minutes.push_back(record);
+        const GridBar bid = rowBar(cells.data() + 1);
+        const GridBar ask = m_hasAsk ? rowBar(cells.data() + 6) : bid;
+        if (ask.open < bid.open || ask.high < bid.high || ask.low < bid.low || ask.close < bid.close)
+            fail("an ask is below its bid");
+        keepRow(time, bid, ask, std::llround(*volume));
+    }
+
+    // Prices are kept in half points of the most digits so far, in which every mid is whole.
+    void keepRow(TimeMs time, const GridBar& bid, const GridBar& ask, std::int64_t volume)
+    {
+        if (m_digits > m_file.digits)
+            addDigits();
+        const auto unitsPerPoint = static_cast<std::int64_t>(pointsPerUnit(maxDecimals - m_file.digits));
+        const auto twice
+            = [&](std::int64_t left, std::int64_t right) { return (left + right) / unitsPerPoint; };
+        m_file.minutes.append({{twice(bid.open, ask.open), twice(bid.high, ask.high), twice(bid.low, ask.low),
+                                   twice(bid.close, ask.close), volume},
+            (ask.close - bid.close) / unitsPerPoint});
+        m_times.push_back(time);
+    }
+
+    void addDigits()
+    {
+        const auto factor = static_cast<std::int64_t>(pointsPerUnit(m_digits - m_file.digits));
+        m_file.minutes.changeEach([factor](std::size_t, MinuteRecord& record) {
+            GridBar& bar = record.bar;
+            for (std::int64_t* price : {&bar.open, &bar.high, &bar.low, &bar.close, &record.halfSpread})
+                *price *= factor;
+        });
+        m_file.digits = m_digits;
     }
 
     TimeMs rowTime(std::string_view text) const
@@ -195,7 +213,7 @@ private:
             fail("the time is not like 2014-05-01T00:00:00Z");
         if (*time % minuteMs != 0)
             fail("the time is not a whole minute");
-        if (!m_file.minutes.empty() && *time <= m_file.minutes.back().time)
+        if (!m_times.empty() && *time <= m_times.back())
             fail("the time is not after the line before");
         return *time;
     }
@@ -208,7 +226,7 @@ private:
             if (!price)
                 fail("a price is not a plain decimal above 0");
             units[i] = price->units;
-            m_file.digits = std::max(m_file.digits, price->decimals);
+            m_digits = std::max(m_digits, price->decimals);
         }
         const GridBar bar{units[0], units[1], units[2], units[3], 0};
         if (bar.high < std::max(bar.open, bar.close))
@@ -218,34 +236,38 @@ private:
         return bar;
     }
 
-    // From units of 10^-8 to points, once it is known how many digits the file has.
+    // From half points to points, and volumes where there are none.
     void settle()
     {
-        const auto unitsPerPoint = static_cast<std::int64_t>(pointsPerUnit(maxDecimals - m_file.digits));
         double ranges = 0;
-        for (MinuteRecord& record : m_file.minutes) {
+        m_file.minutes.changeEach([&](std::size_t, MinuteRecord& record) {
             GridBar& bar = record.bar;
             for (std::int64_t* price : {&bar.open, &bar.high, &bar.low, &bar.close})
-                *price = std::max<std::int64_t>(2, *price / unitsPerPoint);
+                *price = std::max<std::int64_t>(2, *price / 2);
             if (m_hasAsk)
-                record.halfSpread = std::max<std::int64_t>(1, record.halfSpread / unitsPerPoint);
+                record.halfSpread = std::max<std::int64_t>(1, record.halfSpread / 2);
             ranges += static_cast<double>(bar.high - bar.low);
-        }
+        });
         const double usualRange = std::max(1.0, ranges / static_cast<double>(m_file.minutes.size()));
-        for (MinuteRecord& record : m_file.minutes) {
+        m_file.minutes.changeEach([&](std::size_t number, MinuteRecord& record) {
             if (record.bar.volume > 0)
-                continue;
-            HashRandom random(hashKey({static_cast<std::uint64_t>(record.time)}));
+                return;
+            HashRandom random(hashKey({static_cast<std::uint64_t>(m_times[number])}));
             const double range = static_cast<double>(record.bar.high - record.bar.low) / usualRange;
             record.bar.volume = std::llround((0.6 + 0.8 * random.uniform()) * (15 + 60 * std::sqrt(range)));
-        }
+        });
+        m_file.minutes.trim();
+        m_file.firstTime = m_times.front();
+        m_file.lastTime = m_times.back();
     }
 
     std::istream& m_input;
     const std::string& m_name;
     std::size_t m_line = 0;
     bool m_hasAsk = false;
-    MinuteFile m_file;
+    int m_digits = 0; // the most decimals of the lines so far
+    std::vector<TimeMs> m_times;
+    MinuteFile m_file; // its digits follow m_digits when a line is complete
 };
 
 } // namespace

@@ -1,26 +1,20 @@
 #pragma once
 
-#include "practice/core/market/GridBar.h"
+#include "practice/core/market/MinuteTable.h"
 
 #include <filesystem>
 #include <iosfwd>
 #include <stdexcept>
 #include <string>
-#include <vector>
 
 namespace practice {
 
-/// One recorded minute of mid prices in points.
-struct MinuteRecord {
-    TimeMs time = 0;
-    GridBar bar;                 ///< volume is at least 1
-    std::int64_t halfSpread = 0; ///< at the close; 0 when the file has no ask columns
-};
-
 /// Recorded minutes of one instrument, ascending in time, with holes where nothing was recorded.
 struct MinuteFile {
-    int digits = 0;                    ///< the most decimals that any price of the file is written with
-    std::vector<MinuteRecord> minutes; ///< at least two
+    int digits = 0;       ///< the most decimals that any price of the file is written with
+    TimeMs firstTime = 0; ///< of the first minute
+    TimeMs lastTime = 0;  ///< of the last one
+    MinuteTable minutes;  ///< at least two; volumes are at least 1, half spreads too where there are any
 };
 
 /// A market data file that cannot be used; what() is one line that names the file and, where one is to

@@ -5,35 +5,52 @@
 
 namespace practice {
 
-ReplayLoop::ReplayLoop(std::vector<MinuteRecord> minutes)
+namespace {
+
+// A range is looked up by whole blocks and, at both its ends, minute by minute: a table of single minutes
+// would take many times the room of the record.
+constexpr std::size_t blockMinutes = 16;
+
+PriceRange joined(const PriceRange& left, const PriceRange& right)
+{
+    return {std::max(left.high, right.high), std::min(left.low, right.low)};
+}
+
+} // namespace
+
+ReplayLoop::ReplayLoop(MinuteTable minutes)
     : m_count(static_cast<std::int64_t>(minutes.size()))
     , m_minutes(std::move(minutes))
-    , m_volumes(1, 0)
     , m_ranges(1)
 {
-    for (const MinuteRecord& record : m_minutes) {
-        m_volumes.push_back(m_volumes.back() + record.bar.volume);
-        m_ranges[0].push_back({record.bar.high, record.bar.low});
-    }
-    for (std::size_t width = 2; width <= m_minutes.size(); width *= 2) {
-        const std::vector<Range>& halves = m_ranges.back();
-        std::vector<Range> wholes;
-        wholes.reserve(m_minutes.size() - width + 1);
-        for (std::size_t i = 0; i + width <= m_minutes.size(); ++i) {
-            const Range& left = halves[i];
-            const Range& right = halves[i + width / 2];
-            wholes.push_back({std::max(left.high, right.high), std::min(left.low, right.low)});
-        }
+    const std::size_t blocks = m_minutes.size() / blockMinutes;
+    m_ranges[0].reserve(blocks);
+    for (std::size_t block = 0; block < blocks; ++block)
+        m_ranges[0].push_back(m_minutes.range(block * blockMinutes, (block + 1) * blockMinutes - 1));
+    for (std::size_t width = 2; width <= blocks; width *= 2) {
+        const std::vector<PriceRange>& halves = m_ranges.back();
+        std::vector<PriceRange> wholes;
+        wholes.reserve(blocks - width + 1);
+        for (std::size_t i = 0; i + width <= blocks; ++i)
+            wholes.push_back(joined(halves[i], halves[i + width / 2]));
         m_ranges.push_back(std::move(wholes));
     }
+}
+
+std::size_t ReplayLoop::bytes() const
+{
+    std::size_t sum = m_minutes.bytes();
+    for (const std::vector<PriceRange>& level : m_ranges)
+        sum += level.capacity() * sizeof(PriceRange);
+    return sum;
 }
 
 MinuteRecord ReplayLoop::minute(std::int64_t number) const
 {
     const std::int64_t place = number % (2 * m_count);
     if (place < m_count)
-        return m_minutes[static_cast<std::size_t>(place)];
-    MinuteRecord record = m_minutes[static_cast<std::size_t>(2 * m_count - 1 - place)];
+        return m_minutes.at(static_cast<std::size_t>(place));
+    MinuteRecord record = m_minutes.at(static_cast<std::size_t>(2 * m_count - 1 - place));
     std::swap(record.bar.open, record.bar.close);
     return record;
 }
@@ -41,32 +58,37 @@ MinuteRecord ReplayLoop::minute(std::int64_t number) const
 std::int64_t ReplayLoop::volumeBefore(std::int64_t number) const
 {
     const std::int64_t place = number % (2 * m_count);
-    const std::int64_t total = m_volumes.back();
+    const std::int64_t total = m_minutes.volumeBefore(m_minutes.size());
     const std::int64_t sinceLoop = place <= m_count
-        ? m_volumes[static_cast<std::size_t>(place)]
-        : 2 * total - m_volumes[static_cast<std::size_t>(2 * m_count - place)];
+        ? m_minutes.volumeBefore(static_cast<std::size_t>(place))
+        : 2 * total - m_minutes.volumeBefore(static_cast<std::size_t>(2 * m_count - place));
     return number / (2 * m_count) * 2 * total + sinceLoop;
 }
 
-ReplayLoop::Range ReplayLoop::recorded(std::size_t first, std::size_t last) const
+PriceRange ReplayLoop::recorded(std::size_t first, std::size_t last) const
 {
-    const std::size_t bars = last - first + 1;
-    const std::size_t level = std::bit_width(bars | 1U) - 1U; // at least one bar
-    const Range& left = m_ranges[level][first];
-    const Range& right = m_ranges[level][last + 1 - (std::size_t(1) << level)];
-    return {std::max(left.high, right.high), std::min(left.low, right.low)};
+    const std::size_t firstBlock = (first + blockMinutes - 1) / blockMinutes;
+    const std::size_t endBlock = (last + 1) / blockMinutes;
+    if (firstBlock >= endBlock)
+        return m_minutes.range(first, last);
+    const std::size_t level = std::bit_width((endBlock - firstBlock) | 1U) - 1U; // at least one block
+    PriceRange range
+        = joined(m_ranges[level][firstBlock], m_ranges[level][endBlock - (std::size_t(1) << level)]);
+    if (first < firstBlock * blockMinutes)
+        range = joined(range, m_minutes.range(first, firstBlock * blockMinutes - 1));
+    if (last + 1 > endBlock * blockMinutes)
+        range = joined(range, m_minutes.range(endBlock * blockMinutes, last));
+    return range;
 }
 
-ReplayLoop::Range ReplayLoop::looped(std::int64_t first, std::int64_t last) const
+PriceRange ReplayLoop::looped(std::int64_t first, std::int64_t last) const
 {
     const std::int64_t run = first / m_count; // even runs go forwards, odd ones backwards
     if (last - first + 1 >= 2 * m_count)
         return recorded(0, static_cast<std::size_t>(m_count - 1));
     if (last / m_count != run) {
         const std::int64_t border = (run + 1) * m_count;
-        const Range left = looped(first, border - 1);
-        const Range right = looped(border, last);
-        return {std::max(left.high, right.high), std::min(left.low, right.low)};
+        return joined(looped(first, border - 1), looped(border, last));
     }
     const std::int64_t from = first - run * m_count;
     const std::int64_t to = last - run * m_count;
@@ -77,7 +99,7 @@ ReplayLoop::Range ReplayLoop::looped(std::int64_t first, std::int64_t last) cons
 
 GridBar ReplayLoop::fold(std::int64_t first, std::int64_t last) const
 {
-    const Range range = looped(first, last);
+    const PriceRange range = looped(first, last);
     return {minute(first).bar.open, range.high, range.low, minute(last).bar.close,
         volumeBefore(last + 1) - volumeBefore(first)};
 }

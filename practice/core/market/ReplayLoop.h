@@ -1,7 +1,8 @@
 #pragma once
 
-#include "practice/core/market/MinuteFile.h"
+#include "practice/core/market/MinuteTable.h"
 
+#include <cstddef>
 #include <cstdint>
 #include <vector>
 
@@ -12,7 +13,7 @@ namespace practice {
 /// record does not hold. Minutes are numbered from 0; any later number is valid.
 class ReplayLoop final {
 public:
-    explicit ReplayLoop(std::vector<MinuteRecord> minutes);
+    explicit ReplayLoop(MinuteTable minutes);
 
     /// The minute with this number; played backwards, open and close have changed places.
     [[nodiscard]] MinuteRecord minute(std::int64_t number) const;
@@ -23,19 +24,16 @@ public:
     /// Volume of all minutes before this number.
     [[nodiscard]] std::int64_t volumeBefore(std::int64_t number) const;
 
-private:
-    struct Range {
-        std::int64_t high;
-        std::int64_t low;
-    };
+    /// Memory taken by the record and by what makes fold() quick.
+    [[nodiscard]] std::size_t bytes() const;
 
-    [[nodiscard]] Range recorded(std::size_t first, std::size_t last) const;
-    [[nodiscard]] Range looped(std::int64_t first, std::int64_t last) const;
+private:
+    [[nodiscard]] PriceRange recorded(std::size_t first, std::size_t last) const;
+    [[nodiscard]] PriceRange looped(std::int64_t first, std::int64_t last) const;
 
     std::int64_t m_count;
-    std::vector<MinuteRecord> m_minutes;
-    std::vector<std::int64_t> m_volumes;      // sum of the minutes before each, and of all
-    std::vector<std::vector<Range>> m_ranges; // [level][i]: the 2^level minutes from i
+    MinuteTable m_minutes;
+    std::vector<std::vector<PriceRange>> m_ranges; // [level][i]: the 2^level blocks of minutes from i
 };
 
 } // namespace practice

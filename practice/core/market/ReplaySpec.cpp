@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <vector>
 
 namespace practice {
 namespace {
@@ -33,9 +34,9 @@ SymbolSpec specFromName(const std::string& name, const MinuteFile& file, const s
 int usualSpread(const MinuteFile& file, double usualMovePoints)
 {
     std::vector<std::int64_t> halves;
-    for (const MinuteRecord& record : file.minutes) {
-        if (record.halfSpread > 0)
-            halves.push_back(record.halfSpread);
+    for (std::size_t i = 0; i < file.minutes.size(); ++i) {
+        if (const std::int64_t half = file.minutes.at(i).halfSpread; half > 0)
+            halves.push_back(half);
     }
     if (halves.empty())
         return 2 * std::max(1, static_cast<int>(std::min(1e6, usualMovePoints / 20)));
@@ -57,9 +58,10 @@ SymbolSpec replaySpec(const std::string& name, const MinuteFile& file, const std
 
     double level = 0;
     double squares = 0;
-    for (const MinuteRecord& record : file.minutes) {
-        const double open = static_cast<double>(record.bar.open);
-        const double move = std::log(static_cast<double>(record.bar.close) / open);
+    for (std::size_t i = 0; i < file.minutes.size(); ++i) {
+        const GridBar bar = file.minutes.at(i).bar;
+        const double open = static_cast<double>(bar.open);
+        const double move = std::log(static_cast<double>(bar.close) / open);
         level += open;
         squares += move * move;
     }

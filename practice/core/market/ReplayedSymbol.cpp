@@ -19,8 +19,8 @@ std::size_t stepsFor(double speed)
 
 } // namespace
 
-ReplayedSymbol::ReplayedSymbol(const SymbolSpec& spec, std::vector<MinuteRecord> minutes, TimeMs playFrom,
-    double speed, std::uint64_t seed)
+ReplayedSymbol::ReplayedSymbol(
+    const SymbolSpec& spec, MinuteTable minutes, TimeMs playFrom, double speed, std::uint64_t seed)
     : m_past(spec, seed, speed)
     , m_loop(std::move(minutes))
     , m_playFrom(

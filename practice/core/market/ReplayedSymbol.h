@@ -16,8 +16,8 @@ class ReplayedSymbol final : public SymbolPrices {
 public:
     /// The record begins to play at `playFrom` (moved back to a whole minute), `speed` recorded minutes in
     /// each minute. `spec` describes the simulated past.
-    ReplayedSymbol(const SymbolSpec& spec, std::vector<MinuteRecord> minutes, TimeMs playFrom, double speed,
-        std::uint64_t seed);
+    ReplayedSymbol(
+        const SymbolSpec& spec, MinuteTable minutes, TimeMs playFrom, double speed, std::uint64_t seed);
 
     [[nodiscard]] std::int64_t mid(TimeMs now) override;
     [[nodiscard]] std::int64_t halfSpread(TimeMs now) override;

@@ -47,10 +47,11 @@ TEST_CASE("minutes are read exactly, in points of the most decimals used")
     const MinuteFile file = parsed(header + firstRow + "2014-05-01T00:02:00Z,1.25,1.255,1.2,1.21,2.6");
     CHECK_EQ(file.digits, 3);
     REQUIRE(file.minutes.size() == 2);
-    CHECK_EQ(file.minutes[0].time, TimeMs(1'398'902'400'000));
-    CHECK(file.minutes[0].bar == (GridBar{1100, 1300, 1000, 1200, 5}));
-    CHECK(file.minutes[1].bar == (GridBar{1250, 1255, 1200, 1210, 3}));
-    CHECK_EQ(file.minutes[0].halfSpread, std::int64_t(0));
+    CHECK_EQ(file.firstTime, TimeMs(1'398'902'400'000));
+    CHECK_EQ(file.lastTime, file.firstTime + 2 * minuteMs);
+    CHECK(file.minutes.at(0).bar == (GridBar{1100, 1300, 1000, 1200, 5}));
+    CHECK(file.minutes.at(1).bar == (GridBar{1250, 1255, 1200, 1210, 3}));
+    CHECK_EQ(file.minutes.at(0).halfSpread, std::int64_t(0));
 }
 
 TEST_CASE("with ask columns the mid lies between both sides and the spread is the close's")
@@ -58,13 +59,13 @@ TEST_CASE("with ask columns the mid lies between both sides and the spread is th
     const MinuteFile file
         = parsed(askHeader + "2014-05-01T00:00:00Z,1.10,1.30,1.00,1.20,0,1.14,1.34,1.04,1.26\n"
             + "2014-05-01T00:01:00Z,1.20,1.20,1.20,1.20,0,1.20,1.20,1.20,1.20\n");
-    CHECK_EQ(file.minutes[0].bar.open, std::int64_t(112));
-    CHECK_EQ(file.minutes[0].bar.high, std::int64_t(132));
-    CHECK_EQ(file.minutes[0].bar.low, std::int64_t(102));
-    CHECK_EQ(file.minutes[0].bar.close, std::int64_t(123));
-    CHECK_EQ(file.minutes[0].halfSpread, std::int64_t(3));
-    CHECK_EQ(file.minutes[1].halfSpread, std::int64_t(1));
-    CHECK(file.minutes[0].bar.volume >= 1 && file.minutes[1].bar.volume >= 1);
+    CHECK_EQ(file.minutes.at(0).bar.open, std::int64_t(112));
+    CHECK_EQ(file.minutes.at(0).bar.high, std::int64_t(132));
+    CHECK_EQ(file.minutes.at(0).bar.low, std::int64_t(102));
+    CHECK_EQ(file.minutes.at(0).bar.close, std::int64_t(123));
+    CHECK_EQ(file.minutes.at(0).halfSpread, std::int64_t(3));
+    CHECK_EQ(file.minutes.at(1).halfSpread, std::int64_t(1));
+    CHECK(file.minutes.at(0).bar.volume >= 1 && file.minutes.at(1).bar.volume >= 1);
 }
 
 TEST_CASE("lines may end as on other systems and times may lie before 1970")
@@ -72,7 +73,8 @@ TEST_CASE("lines may end as on other systems and times may lie before 1970")
     const MinuteFile file = parsed("time,open,high,low,close,volume\r\n1969-12-31T23:58:00Z,1,1,1,1,1\r\n"
                                    "1969-12-31T23:59:00Z,1,2,1,2,1\r\n");
     CHECK_EQ(file.digits, 0);
-    CHECK_EQ(file.minutes[1].time, -minuteMs);
+    CHECK_EQ(file.firstTime, -2 * minuteMs);
+    CHECK_EQ(file.lastTime, -minuteMs);
 }
 
 TEST_CASE("a byte order mark before the header and blank lines at the end are nothing to complain about")
@@ -83,7 +85,7 @@ TEST_CASE("a byte order mark before the header and blank lines at the end are no
              header + firstRow + row + "\r\n \t\r\n\n", "\xEF\xBB\xBF" + header + firstRow + row + "\n\n"}) {
         CHECK_EQ(complaint(text), std::string("accepted"));
         CHECK_EQ(parsed(text).minutes.size(), plain.minutes.size());
-        CHECK(parsed(text).minutes.back().bar == plain.minutes.back().bar);
+        CHECK(parsed(text).minutes.at(1).bar == plain.minutes.at(1).bar);
     }
     CHECK_EQ(complaint(header + firstRow + "\n\n" + row), std::string("X-1m.csv:3: the line is empty"));
     CHECK(complaint("\n" + header + firstRow + row).starts_with("X-1m.csv:1: "));
@@ -100,8 +102,8 @@ TEST_CASE("a locale with a decimal comma and grouped digits changes neither pric
             + std::to_string(100 + minute % 60).substr(1) + ":00Z,1,1,1,1,1\n";
     const std::string text = complaint(rows + "x,1,1,1,1,1\n");
     std::locale::global(before);
-    CHECK_EQ(file.minutes[1].bar.open, std::int64_t(12345));
-    CHECK_EQ(file.minutes[1].bar.volume, std::int64_t(2));
+    CHECK_EQ(file.minutes.at(1).bar.open, std::int64_t(12345));
+    CHECK_EQ(file.minutes.at(1).bar.volume, std::int64_t(2));
     CHECK_EQ(text, std::string("X-1m.csv:1202: the time is not like 2014-05-01T00:00:00Z"));
 }
 

@@ -1,0 +1,89 @@
+#pragma once
+
+#include "practice/core/market/GridBar.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+namespace practice {
+
+/// One recorded minute of mid prices in points.
+struct MinuteRecord {
+    GridBar bar;
+    std::int64_t halfSpread = 0; ///< at the close; 0 when it was not recorded
+};
+
+/// The highest and the lowest price of some minutes, in points.
+struct PriceRange {
+    std::int64_t high = 0;
+    std::int64_t low = 0;
+};
+
+/// Recorded minutes by their number. A record may have millions, so each takes 28 bytes, or 48 where a price
+/// of the table does not fit into 32 bits.
+class MinuteTable final {
+public:
+    /// Prices and half spread are at least 0.
+    void append(const MinuteRecord& record);
+
+    [[nodiscard]] std::size_t size() const { return m_volumes.size(); }
+    [[nodiscard]] bool empty() const { return m_volumes.empty(); }
+
+    /// The record with this number, which is below size().
+    [[nodiscard]] MinuteRecord at(std::size_t number) const;
+
+    /// Over the minutes first..last, both included.
+    [[nodiscard]] PriceRange range(std::size_t first, std::size_t last) const;
+
+    /// Volume of all minutes before this number, which is at most size().
+    [[nodiscard]] std::int64_t volumeBefore(std::size_t number) const
+    {
+        return number == 0 ? 0 : m_volumes[number - 1];
+    }
+
+    /// Calls change(number, record) for each record in turn and keeps what that makes of it.
+    template <typename Change> void changeEach(Change change)
+    {
+        std::int64_t before = 0; // volume as it was
+        std::int64_t total = 0;  // and as it becomes
+        for (std::size_t number = 0; number < size(); ++number) {
+            MinuteRecord record = pricesAt(number);
+            record.bar.volume = m_volumes[number] - before;
+            before = m_volumes[number];
+            change(number, record);
+            keepPrices(number, record);
+            total += record.bar.volume;
+            m_volumes[number] = total;
+        }
+    }
+
+    /// Gives back the room kept for further records.
+    void trim();
+
+    /// Memory taken by the records.
+    [[nodiscard]] std::size_t bytes() const;
+
+private:
+    template <typename Point> struct Prices {
+        Point open;
+        Point high;
+        Point low;
+        Point close;
+        Point halfSpread;
+    };
+    using Narrow = Prices<std::uint32_t>;
+    using Wide = Prices<std::int64_t>;
+    static_assert(sizeof(Narrow) == 20 && sizeof(Wide) == 40);
+
+    [[nodiscard]] MinuteRecord pricesAt(std::size_t number) const;
+    void keepPrices(std::size_t number, const MinuteRecord& record);
+    void widen();
+
+    bool m_isWide = false;
+    std::vector<Narrow> m_narrow;        ///< all records, or none
+    std::vector<Wide> m_wide;            ///< the same, once one does not fit above
+    std::vector<std::int64_t> m_volumes; ///< sum up to each minute, itself included
+};
+
+} // namespace practice
