@@ -37,6 +37,7 @@ QString feedAddress()
 WsClient::WsClient(QObject* parent)
     : QObject(parent)
     , m_socket(QString(), QWebSocketProtocol::Version13, this)
+    , m_backlog(this)
     , m_pingTimer(this)
     , m_retryDelayMs(firstRetryDelayMs)
     , m_retryTimer(this)
@@ -54,7 +55,12 @@ WsClient::WsClient(QObject* parent)
 
     connect(&m_socket, &QWebSocket::connected, this, &WsClient::onConnected);
     connect(&m_socket, &QWebSocket::disconnected, this, &WsClient::finishAttempt);
-    connect(&m_socket, &QWebSocket::textMessageReceived, this, &WsClient::onTextMessage);
+    connect(&m_socket, &QWebSocket::textMessageReceived, &m_backlog, &FeedBacklog::add);
+    connect(&m_backlog, &FeedBacklog::due, this, &WsClient::onTextMessage);
+    connect(&m_backlog, &FeedBacklog::drained, this, [this] {
+        if (m_endUntold)
+            finishAttempt();
+    });
     connect(&m_socket, socketError, this, &WsClient::reportError);
     connect(&m_pingTimer, &QTimer::timeout, this, &WsClient::sendPing);
     connect(&m_retryTimer, &QTimer::timeout, this, &WsClient::reopen);
@@ -91,6 +97,8 @@ void WsClient::open()
     m_retryTimer.stop();
     m_pingTimer.stop();
     m_socket.abort();
+    m_backlog.clear();
+    m_endUntold = false;
 
     const QString address = feedAddress();
     log(tr("Connecting to %1...").arg(address));
@@ -112,6 +120,9 @@ void WsClient::reopen()
 void WsClient::finishAttempt()
 {
     if (!m_attemptRunning)
+        return;
+    m_endUntold = !m_backlog.isEmpty();
+    if (m_endUntold)
         return;
     m_attemptRunning = false;
     m_attemptTimer.stop();

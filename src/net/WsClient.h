@@ -1,5 +1,7 @@
 #pragma once
 
+#include "net/FeedBacklog.h"
+
 #include <QElapsedTimer>
 #include <QJsonArray>
 #include <QJsonObject>
@@ -11,6 +13,9 @@
 /// Keeps one WebSocket connection to the platform's live feed and turns its messages into signals.
 /// Every end of a connection, a connection that never came up included, is followed by one retry
 /// after 1, 2, 4, 8, 16, then 30 seconds, for ever. Apart from its ping it sends nothing.
+///
+/// Messages pass through a FeedBacklog, one by one and all of them. The end of a connection is told when all
+/// that came before it has been; a new start() forgets what the old connection left unread.
 class WsClient final : public QObject {
     Q_OBJECT
     Q_DISABLE_COPY_MOVE(WsClient)
@@ -57,6 +62,7 @@ private:
     void log(const QString& message);
 
     QWebSocket m_socket;
+    FeedBacklog m_backlog;
     QTimer m_pingTimer;
     QElapsedTimer m_pingClock;
     bool m_pingPending = false;
@@ -68,6 +74,7 @@ private:
     QTimer m_retryTimer;
     QTimer m_attemptTimer;
     bool m_attemptRunning = false;
+    bool m_endUntold = false;           ///< the connection has ended, but what it brought has not been read
     std::optional<QString> m_lastError; // of this attempt: the toolkit may report the same error twice
     int m_retrySecondMs = 1000;
 };

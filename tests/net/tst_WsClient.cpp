@@ -40,11 +40,16 @@ private Q_SLOTS:
     void before_start_nothing_is_wanted();
     void starting_again_keeps_one_connection();
     void a_flood_arrives_complete_and_in_order();
+    void a_burst_leaves_the_event_loop_its_turns();
+    void what_came_before_the_end_of_a_connection_is_told_before_it();
+    void starting_again_forgets_what_the_old_connection_left_unread();
     void a_message_of_five_megabytes_is_taken();
     void it_may_be_deleted_while_connected();
 
 private:
     void connectFeed();
+    /// Makes every message take as long as a slice of them.
+    void readOneMessageATurn();
     QTimer* pingTimer() { return m_client->findChild<QTimer*>(u"pingTimer"_s); }
 
     std::optional<StubFeedServer> m_feed;
@@ -78,6 +83,13 @@ void TestWsClient::connectFeed()
     m_client->start();
     QTRY_COMPARE(connected.size(), 1);
     QTRY_COMPARE(m_feed->clientCount(), 1);
+}
+
+void TestWsClient::readOneMessageATurn()
+{
+    auto* const backlog = m_client->findChild<FeedBacklog*>();
+    QVERIFY(backlog);
+    backlog->setClock([now = qint64{0}]() mutable { return now += FeedBacklog::sliceNs; });
 }
 
 void TestWsClient::it_connects_with_the_token_percent_encoded_in_the_query()
@@ -380,6 +392,79 @@ void TestWsClient::a_flood_arrives_complete_and_in_order()
     QTRY_COMPARE_WITH_TIMEOUT(seen.size(), messages, 30000);
     for (int i = 0; i < messages; ++i)
         QCOMPARE(seen.at(i), i);
+}
+
+void TestWsClient::a_burst_leaves_the_event_loop_its_turns()
+{
+    QStringList told;
+    const auto takeTime = [&](const QString& what) {
+        told.append(what);
+        QElapsedTimer clock;
+        clock.start();
+        while (clock.elapsed() < 4)
+            continue;
+    };
+    connect(&*m_client, &WsClient::helloReceived, this, [&] { takeTime(u"hello"_s); });
+    connect(&*m_client, &WsClient::pricesUpdated, this, [&] { takeTime(u"prices"_s); });
+    connect(&*m_client, &WsClient::tradesUpdated, this, [&] { takeTime(u"trades"_s); });
+    connect(&*m_client, &WsClient::ordersChanged, this, [&] { takeTime(u"orders"_s); });
+    connect(&*m_client, &WsClient::accountUpdated, this, [&] { takeTime(u"account"_s); });
+    connectFeed();
+    QTimer other;
+    QList<qsizetype> toldAtTurn;
+    connect(&other, &QTimer::timeout, this, [&] { toldAtTurn.append(told.size()); });
+    other.start(0);
+    QStringList sent;
+    for (int i = 0; i < 5; ++i) {
+        m_feed->send(R"({"type":"hello"})");
+        m_feed->send(R"({"type":"price_update","data":{}})");
+        m_feed->send(R"({"type":"orders_changed"})");
+        m_feed->send(R"({"type":"price_update","data":{}})");
+        m_feed->send(R"({"type":"trades_update","data":[]})");
+        m_feed->send(R"({"type":"account_update"})");
+        sent.append({u"hello"_s, u"prices"_s, u"orders"_s, u"prices"_s, u"trades"_s, u"account"_s});
+    }
+    QTRY_COMPARE(told.size(), sent.size());
+    QCOMPARE(told, sent);
+    // Two of them fill a slice.
+    for (qsizetype i = 1; i < toldAtTurn.size(); ++i)
+        QVERIFY2(toldAtTurn[i] <= toldAtTurn[i - 1] + 2, qPrintable(QString::number(i)));
+}
+
+void TestWsClient::what_came_before_the_end_of_a_connection_is_told_before_it()
+{
+    QStringList told;
+    connect(&*m_client, &WsClient::ordersChanged, this,
+        [&](const QJsonObject& event) { told.append(event.value(u"n"_s).toString()); });
+    connect(&*m_client, &WsClient::disconnected, this, [&] { told.append(u"end"_s); });
+    connect(&*m_client, &WsClient::helloReceived, this, [&] { told.append(u"hello"_s); });
+    readOneMessageATurn();
+    connectFeed();
+    for (const char* number : {"1", "2", "3", "4", "5"})
+        m_feed->send("{\"type\":\"orders_changed\",\"n\":\"" + QByteArray(number) + "\"}");
+    m_feed->setGreeting(R"({"type":"hello"})");
+    m_feed->closeAll();
+    QTRY_VERIFY(told.contains(u"hello"_s));
+    QCOMPARE(told, QStringList({u"1"_s, u"2"_s, u"3"_s, u"4"_s, u"5"_s, u"end"_s, u"hello"_s}));
+    QCOMPARE(m_log.filter(u"Feed disconnected"_s).size(), 1);
+}
+
+void TestWsClient::starting_again_forgets_what_the_old_connection_left_unread()
+{
+    QStringList told;
+    connect(&*m_client, &WsClient::ordersChanged, this, [&](const QJsonObject& event) {
+        told.append(event.value(u"n"_s).toString());
+        m_feed->setGreeting(R"({"type":"hello"})");
+        m_client->start();
+    });
+    connect(&*m_client, &WsClient::disconnected, this, [&] { told.append(u"end"_s); });
+    connect(&*m_client, &WsClient::helloReceived, this, [&] { told.append(u"hello"_s); });
+    readOneMessageATurn();
+    connectFeed();
+    for (const char* number : {"1", "2", "3"})
+        m_feed->send("{\"type\":\"orders_changed\",\"n\":\"" + QByteArray(number) + "\"}");
+    QTRY_VERIFY(told.contains(u"hello"_s));
+    QCOMPARE(told, QStringList({u"1"_s, u"hello"_s}));
 }
 
 void TestWsClient::a_message_of_five_megabytes_is_taken()

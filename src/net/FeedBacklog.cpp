@@ -1,0 +1,91 @@
+#include "net/FeedBacklog.h"
+
+#include <QPointer>
+
+#include <utility>
+
+namespace {
+
+FeedBacklog::Clock machineClock()
+{
+    QElapsedTimer timer;
+    timer.start();
+    return [timer] { return timer.nsecsElapsed(); };
+}
+
+} // namespace
+
+FeedBacklog::FeedBacklog(QObject* parent)
+    : QObject(parent)
+    , m_clock(machineClock())
+{
+}
+
+void FeedBacklog::setClock(Clock clock)
+{
+    m_clock = std::move(clock);
+}
+
+void FeedBacklog::setLimit(qsizetype characters)
+{
+    m_limit = characters;
+}
+
+void FeedBacklog::add(const QString& text)
+{
+    m_texts.push_back(text);
+    m_characters += text.size();
+    scheduleSlice();
+    const QPointer<FeedBacklog> self(this);
+    while (self && m_characters > m_limit && m_texts.size() > 1)
+        handOnOldest();
+}
+
+void FeedBacklog::clear()
+{
+    m_texts.clear();
+    m_characters = 0;
+}
+
+void FeedBacklog::scheduleSlice()
+{
+    // An event that is posted has its turn beside sockets, timers and painting; a timer of no time would
+    // have to wait, on some event loops, until nothing else is left to do.
+    if (!std::exchange(m_sliceScheduled, true))
+        QMetaObject::invokeMethod(this, &FeedBacklog::readSlice, Qt::QueuedConnection);
+}
+
+void FeedBacklog::scheduleNextSlice()
+{
+    // What a slice has changed is painted in the next turn. The slice after it is for the turn behind that
+    // one, so that no turn has both to do.
+    m_sliceScheduled = true;
+    QMetaObject::invokeMethod(
+        this, [this] { QMetaObject::invokeMethod(this, &FeedBacklog::readSlice, Qt::QueuedConnection); },
+        Qt::QueuedConnection);
+}
+
+void FeedBacklog::readSlice()
+{
+    m_sliceScheduled = false;
+    if (m_texts.empty())
+        return;
+    // At once: whoever hears of a message may begin an event loop of its own.
+    if (m_texts.size() > 1)
+        scheduleNextSlice();
+    const QPointer<FeedBacklog> self(this);
+    const qint64 end = m_clock() + sliceNs;
+    do {
+        handOnOldest();
+    } while (self && !m_texts.empty() && m_clock() < end);
+    if (self && m_texts.empty())
+        Q_EMIT drained();
+}
+
+void FeedBacklog::handOnOldest()
+{
+    const QString text = std::move(m_texts.front());
+    m_texts.pop_front();
+    m_characters -= text.size();
+    Q_EMIT due(text);
+}

@@ -1,0 +1,57 @@
+#pragma once
+
+#include <QElapsedTimer>
+#include <QObject>
+#include <QString>
+
+#include <deque>
+#include <functional>
+
+/// The messages that have come and wait to be read. However many come at once, they are read in slices of a
+/// few milliseconds, and between two slices the event loop turns: keys, timers and painting wait for one
+/// slice at most. Every message is handed on, in the order in which they came.
+class FeedBacklog final : public QObject {
+    Q_OBJECT
+    Q_DISABLE_COPY_MOVE(FeedBacklog)
+
+public:
+    /// Nanoseconds since any fixed moment, never going back.
+    using Clock = std::function<qint64()>;
+
+    /// A slice ends with the first message after this time.
+    static constexpr qint64 sliceNs = 8'000'000;
+    /// Characters that may wait: a flood of some hundred thousand prices, yet no more than a second or two
+    /// of work, since old prices are of no use to anybody.
+    static constexpr qsizetype mostCharacters = 8 * 1024 * 1024;
+
+    explicit FeedBacklog(QObject* parent = nullptr);
+
+    /// Another clock than the machine's, and another limit than `mostCharacters`; for tests.
+    void setClock(Clock clock);
+    void setLimit(qsizetype characters);
+
+    [[nodiscard]] bool isEmpty() const { return m_texts.empty(); }
+
+    /// Takes a message, to be read in a later turn of the event loop. Where too much waits, the oldest are
+    /// read at once: that holds up the loop, and with it whoever sends faster than can be read.
+    void add(const QString& text);
+    /// Forgets what waits, without a signal.
+    void clear();
+
+Q_SIGNALS:
+    void due(const QString& text);
+    /// The last of the messages has been read.
+    void drained();
+
+private:
+    void scheduleSlice();
+    void scheduleNextSlice();
+    void readSlice();
+    void handOnOldest();
+
+    Clock m_clock;
+    qsizetype m_limit = mostCharacters;
+    std::deque<QString> m_texts;
+    qsizetype m_characters = 0;
+    bool m_sliceScheduled = false;
+};
