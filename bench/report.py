@@ -42,6 +42,11 @@ SHARES = [
     ("100 snapshots a second, painted: one core", "snapshot/500_moved_100_painted", 100, 40),
     ("20 experts, 50 ticks a second each: one core", "snapshot/20_charts_with_experts", 50, 10),
 ]
+GAPS = [
+    # figure, benchmark, the longest time between two turns of the event loop in ms
+    ("longest gap, 50 000 messages at once", "feed/burst_50000", 50),
+    ("longest gap, 5 000 messages a second, 20 charts", "feed/steady_5000_a_second", 30),
+]
 SNAPSHOTS_A_SECOND = ("snapshots of 2 000 a second, all moved", "snapshot/2000_moved_all", 30)
 
 PLATFORM = [
@@ -96,6 +101,16 @@ def disagreement(folder):
     """The largest relative difference between indicators and plain loops, if it was measured."""
     found = [float(entry["disagreement"]) for _, entry in median_entries(folder) if "disagreement" in entry]
     return max(found, default=None)
+
+
+def gap_lines(folder):
+    """Of each gap the time on the clock, and what this thread itself ran of it: the rest was taken by others."""
+    found = {entry["run_name"].split("/iterations")[0]: entry for _, entry in median_entries(folder)
+             if "gap_ms" in entry}
+    for figure, name, most in GAPS:
+        entry = found.get(name, {})
+        limited(figure, entry.get("gap_ms"), "{:.0f} ms", most, " ms")
+        limited("the same, processor time alone", entry.get("gap_cpu_ms"), "{:.0f} ms", None)
 
 
 def line(figure, value, target, short):
@@ -159,6 +174,7 @@ def main():
     for figure, name, a_second, most in SHARES:
         share = times[name] * a_second / 1e9 * 100 if name in times else None
         limited(figure, share, "{:.2f} %", most, " %")
+    gap_lines(folder)
     for experts, with_experts, without in EXPERTS:
         known = with_experts in times and without in times
         added = (times[with_experts] - times[without]) / 1000 if known else None

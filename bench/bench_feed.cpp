@@ -1,0 +1,166 @@
+#include "app/TerminalSettings.h"
+#include "chart/ChartWidget.h"
+#include "chart/ChartWindow.h"
+#include "mainwindow/ChartArea.h"
+#include "mainwindow/MainWindow.h"
+#include "mainwindow/StatusPanel.h"
+#include "net/WsClient.h"
+#include "scenes/FeedSource.h"
+#include "scenes/Series.h"
+
+#include <QCoreApplication>
+#include <QElapsedTimer>
+#include <QEventLoop>
+#include <QJsonArray>
+#include <QJsonObject>
+#include <QTimer>
+
+#include <benchmark/benchmark.h>
+
+#include <algorithm>
+#include <ctime>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr int symbols = 20;
+
+QByteArray symbolName(int index)
+{
+    return "SYM" + QByteArray::number(1000 + index);
+}
+
+/// Messages of one symbol each, by turns, and an event behind them.
+std::vector<QByteArray> priceMessages(int count)
+{
+    std::vector<QByteArray> texts;
+    for (int i = 0; i < count; ++i) {
+        const double bid = 1.1 + (i / symbols % 100) * 0.00001;
+        texts.push_back("{\"type\":\"price_update\",\"data\":{\"" + symbolName(i % symbols)
+            + "\":{\"bid\":" + QByteArray::number(bid, 'f', 5)
+            + ",\"ask\":" + QByteArray::number(bid + 0.0001, 'f', 5) + "}}}");
+    }
+    texts.push_back(R"({"type":"orders_changed"})");
+    return texts;
+}
+
+/// The time for which this thread really ran, in ns: what others took from it is not in it.
+qint64 threadTimeNs()
+{
+    timespec time{};
+    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
+    return qint64{time.tv_sec} * 1'000'000'000 + time.tv_nsec;
+}
+
+/// The longest time for which the event loop did not turn.
+class TurnWatch final {
+public:
+    TurnWatch()
+    {
+        m_timer.setTimerType(Qt::PreciseTimer);
+        QObject::connect(&m_timer, &QTimer::timeout, &m_timer, [this] { note(); });
+    }
+
+    void start()
+    {
+        m_longestNs = 0;
+        m_longestRunNs = 0;
+        m_sinceLast.start();
+        m_ranAtLast = threadTimeNs();
+        m_timer.start(1);
+    }
+
+    void stop(benchmark::State& state)
+    {
+        m_timer.stop();
+        note();
+        state.counters["gap_ms"] = static_cast<double>(m_longestNs) / 1e6;
+        state.counters["gap_cpu_ms"] = static_cast<double>(m_longestRunNs) / 1e6;
+    }
+
+private:
+    void note()
+    {
+        m_longestNs = std::max(m_longestNs, m_sinceLast.nsecsElapsed());
+        m_longestRunNs = std::max(m_longestRunNs, threadTimeNs() - m_ranAtLast);
+        m_sinceLast.start();
+        m_ranAtLast = threadTimeNs();
+    }
+
+    QTimer m_timer;
+    QElapsedTimer m_sinceLast;
+    qint64 m_longestNs = 0;
+    qint64 m_ranAtLast = 0;
+    qint64 m_longestRunNs = 0;
+};
+
+/// Nobody answers there: the charts get no history but what they are given here.
+void leaveRequestsUnanswered()
+{
+    TerminalSettings::instance().setServerUrl(u"http://127.0.0.1:9"_s);
+}
+
+/// The main window with twenty charts side by side, fed through a socket.
+class Desk final {
+public:
+    Desk()
+        : m_window((leaveRequestsUnanswered(), nullptr))
+    {
+        QJsonArray records;
+        for (int i = 0; i < symbols; ++i)
+            records.append(QJsonObject{
+                {u"name"_s, QString::fromLatin1(symbolName(i))}, {u"digits"_s, 5}, {u"dailyOpen"_s, 1.0}});
+        m_window.onHello({{u"symbols"_s, records}});
+        for (int i = 0; i < symbols; ++i)
+            m_window.openChart(QString::fromLatin1(symbolName(i)));
+        for (const ChartWindow* chart : m_window.findChildren<ChartWindow*>())
+            chart->chart().setCandles(walk(1000));
+        m_window.resize(1600, 900);
+        m_window.show();
+        m_window.findChild<ChartArea*>()->tileSubWindows();
+        m_window.findChild<StatusPanel*>()->follow(m_feed);
+        QObject::connect(&m_feed, &WsClient::pricesUpdated, &m_window, &MainWindow::onPrices);
+        QObject::connect(&m_feed, &WsClient::connected, &m_turn, &QEventLoop::quit);
+        QObject::connect(&m_feed, &WsClient::ordersChanged, &m_turn, &QEventLoop::quit);
+        TerminalSettings::instance().setServerUrl(m_source.url());
+        m_feed.start();
+        m_turn.exec();
+        QCoreApplication::processEvents();
+    }
+
+    /// The longest gap until the last of the messages is handled, and that time itself.
+    void receive(benchmark::State& state, const std::vector<QByteArray>& texts, int batch)
+    {
+        QElapsedTimer clock;
+        clock.start();
+        m_watch.start();
+        m_source.send(texts, batch);
+        m_turn.exec();
+        m_watch.stop(state);
+        state.counters["whole_ms"] = static_cast<double>(clock.elapsed());
+    }
+
+private:
+    FeedSource m_source;
+    MainWindow m_window;
+    WsClient m_feed;
+    QEventLoop m_turn;
+    TurnWatch m_watch;
+};
+
+void receive(benchmark::State& state, int messages, int aMillisecond)
+{
+    const std::vector<QByteArray> texts = priceMessages(messages);
+    Desk desk;
+    for ([[maybe_unused]] auto _ : state)
+        desk.receive(state, texts, aMillisecond);
+}
+
+BENCHMARK_CAPTURE(receive, burst, 50'000, 0)->Name("feed/burst_50000")->Iterations(1)->UseRealTime();
+BENCHMARK_CAPTURE(receive, steady, 15'000, 5)
+    ->Name("feed/steady_5000_a_second")
+    ->Iterations(1)
+    ->UseRealTime();
+
+} // namespace
