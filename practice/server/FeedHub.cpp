@@ -6,6 +6,7 @@
 
 #include <nlohmann/json.hpp>
 
+#include <algorithm>
 #include <map>
 #include <utility>
 
@@ -29,6 +30,19 @@ FeedHub::FeedHub(Platform& platform, const Limits& limits)
     : m_platform(platform)
     , m_limits(limits)
 {
+}
+
+std::shared_ptr<void> FeedHub::admit()
+{
+    if (static_cast<std::size_t>(m_place.use_count()) <= m_limits.feeds)
+        return m_place;
+    const auto silent
+        = std::ranges::find_if(m_sessions, [](const auto& session) { return !session->hasSpoken(); });
+    if (silent == m_sessions.end())
+        return nullptr;
+    const auto leaving = *silent;
+    leaving->drop();
+    return m_place;
 }
 
 void FeedHub::join(std::shared_ptr<FeedSession> session)

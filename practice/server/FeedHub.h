@@ -18,6 +18,9 @@ class FeedHub final : public PlatformListener {
 public:
     FeedHub(Platform& platform, const Limits& limits);
 
+    /// A place on the feed, taken while the result or a copy of it lives; nothing when all are taken. The
+    /// feed that has been silent for longest since it was opened goes for the newcomer.
+    [[nodiscard]] std::shared_ptr<void> admit();
     void join(std::shared_ptr<FeedSession> session);
     void leave(const FeedSession& session);
 
@@ -41,7 +44,8 @@ private:
 
     Platform& m_platform;
     const Limits& m_limits;
-    std::vector<std::shared_ptr<FeedSession>> m_sessions;
+    std::shared_ptr<void> m_place = std::make_shared<int>(); ///< every feed holds a copy
+    std::vector<std::shared_ptr<FeedSession>> m_sessions;    ///< in the order in which they joined
 };
 
 } // namespace practice

@@ -56,6 +56,7 @@ void FeedSession::onAccepted(boost::system::error_code error)
     if (error)
         return;
     m_stream.text(true);
+    m_stream.control_callback([this](websocket::frame_type, beast::string_view) { m_hasSpoken = true; });
     m_open = true;
     m_changed.assign(m_hub.symbolCount(), false);
     m_hub.join(shared_from_this());
@@ -75,6 +76,7 @@ void FeedSession::onRead(boost::system::error_code error)
         return leave();
     const std::string text = beast::buffers_to_string(m_incoming.data());
     m_incoming.consume(m_incoming.size());
+    m_hasSpoken = true;
     // Several pings that came while the line was busy get one answer: nothing a client sends piles up here.
     if (m_stream.got_text() && isPing(text)) {
         m_pongDue = true;
@@ -172,6 +174,7 @@ void FeedSession::leave()
     m_events.clear();
     m_trades = nullptr;
     m_prices = nullptr;
+    m_ticket = nullptr;
     beast::get_lowest_layer(m_stream).close();
     m_hub.leave(*this);
 }

@@ -28,7 +28,7 @@ public:
     using Stream = boost::beast::websocket::stream<boost::beast::tcp_stream>;
     using Upgrade = boost::beast::http::request<boost::beast::http::string_body>;
 
-    /// `ticket` is kept until the connection ends.
+    /// `ticket` is given back when the connection ends.
     FeedSession(
         boost::beast::tcp_stream stream, FeedHub& hub, std::string userId, std::shared_ptr<void> ticket);
 
@@ -44,8 +44,13 @@ public:
 
     /// Disconnects a client that has not taken a message for too long.
     void dropIfStalled();
+    /// Ends the connection at once.
+    void drop() { leave(); }
     /// Says good-bye and ends the connection.
     void close();
+
+    /// Whether the client has sent anything since it was let in, be it the answer to a ping.
+    [[nodiscard]] bool hasSpoken() const { return m_hasSpoken; }
 
     [[nodiscard]] const std::string& userId() const { return m_userId; }
 
@@ -72,6 +77,7 @@ private:
     bool m_pongDue = false;
     FeedMessage m_writing;
     std::chrono::steady_clock::time_point m_writingSince;
+    bool m_hasSpoken = false;
     bool m_open = false;
     bool m_closing = false;
 };

@@ -1,12 +1,12 @@
 #include "practice/server/HttpSession.h"
 
 #include "practice/server/Api.h"
+#include "practice/server/FeedHub.h"
 #include "practice/server/FeedSession.h"
 #include "practice/server/Limits.h"
 #include "practice/server/RequestGuard.h"
 #include "practice/server/Router.h"
 #include "practice/server/Sessions.h"
-#include "practice/server/SignInBrake.h"
 
 #include <boost/asio/redirect_error.hpp>
 #include <boost/asio/steady_timer.hpp>
@@ -47,22 +47,20 @@ std::string_view view(beast::string_view text)
 /// One connection. Lives in the coroutine that serves it.
 class Connection final {
 public:
-    Connection(net::ip::tcp::socket socket, ServerParts parts, std::shared_ptr<void> ticket)
+    Connection(net::ip::tcp::socket socket, ServerParts parts, std::shared_ptr<Connections::Place> place)
         : m_stream(std::move(socket))
         , m_parts(parts)
-        , m_ticket(std::move(ticket))
+        , m_place(std::move(place))
         , m_buffer(longestHeader + longestBody)
     {
-        error_code error;
-        const auto peer = m_stream.socket().remote_endpoint(error);
-        if (!error)
-            m_client = SignInBrake::clientOf(peer.address());
+        m_place->setEnd([this] { m_stream.close(); });
     }
 
     net::awaitable<void> serve();
     net::awaitable<void> turnAway();
 
 private:
+    net::awaitable<error_code> awaitFirstByte();
     net::awaitable<error_code> readRequest(RequestParser& parser);
     net::awaitable<ApiReply> handle(Request& request);
     net::awaitable<bool> write(ApiReply reply, unsigned version, bool keepAlive, bool withBody);
@@ -72,9 +70,8 @@ private:
 
     beast::tcp_stream m_stream;
     ServerParts m_parts;
-    std::shared_ptr<void> m_ticket;
+    std::shared_ptr<Connections::Place> m_place;
     beast::flat_buffer m_buffer;
-    std::string m_client; ///< empty when it has gone already
 };
 
 bool isFeed(const Request& request)
@@ -104,16 +101,17 @@ net::awaitable<void> Connection::serve()
         const auto objection = m_parts.guard.objection(factsOf(request));
         if (isFeed(request)) {
             auto user = objection ? std::nullopt : feedUser(request);
-            if (user) {
+            auto ticket = user ? m_parts.hub.admit() : nullptr;
+            if (ticket) {
                 std::make_shared<FeedSession>(
-                    std::move(m_stream), m_parts.hub, std::move(*user), std::move(m_ticket))
+                    std::move(m_stream), m_parts.hub, std::move(*user), std::move(ticket))
                     ->start(std::move(request));
                 co_return;
             }
             // Some clients wait for ever on a refused handshake whose connection stays open.
-            ApiReply refusal = objection
-                ? errorReply(objection->status, objection->message)
-                : errorReply(401, "The feed needs a valid token. Please sign in again.");
+            ApiReply refusal = objection ? errorReply(objection->status, objection->message)
+                : user ? errorReply(503, "Too many feeds at the moment. Close one, or try again in a moment.")
+                       : errorReply(401, "The feed needs a valid token. Please sign in again.");
             co_await write(std::move(refusal), request.version(), false, true);
             co_await linger();
             co_return;
@@ -121,6 +119,7 @@ net::awaitable<void> Connection::serve()
         const unsigned version = request.version();
         const bool keepAlive = request.keep_alive();
         const bool withBody = request.method() != http::verb::head;
+        m_place->enter(Connections::Phase::Answering);
         ApiReply reply;
         if (objection)
             reply = errorReply(objection->status, objection->message);
@@ -129,6 +128,7 @@ net::awaitable<void> Connection::serve()
         const bool goOn = co_await write(std::move(reply), version, keepAlive, withBody);
         if (!goOn)
             break;
+        m_place->enter(Connections::Phase::Asking);
     }
     co_await linger();
 }
@@ -141,12 +141,26 @@ net::awaitable<void> Connection::turnAway()
     co_await linger();
 }
 
+net::awaitable<error_code> Connection::awaitFirstByte()
+{
+    constexpr std::size_t usualRequest = 1024;
+    error_code error;
+    m_stream.expires_after(m_place->hasAsked() ? m_parts.limits.idle : m_parts.limits.opening);
+    m_buffer.commit(co_await m_stream.async_read_some(
+        m_buffer.prepare(usualRequest), net::redirect_error(net::use_awaitable, error)));
+    co_return error;
+}
+
 net::awaitable<error_code> Connection::readRequest(RequestParser& parser)
 {
     parser.header_limit(longestHeader);
     parser.body_limit(longestBody);
     error_code error;
-    m_stream.expires_after(m_parts.limits.idle);
+    if (m_buffer.size() == 0)
+        error = co_await awaitFirstByte();
+    if (error)
+        co_return error;
+    m_stream.expires_after(m_parts.limits.header);
     co_await http::async_read_header(
         m_stream, m_buffer, parser, net::redirect_error(net::use_awaitable, error));
     if (error || parser.is_done())
@@ -178,7 +192,8 @@ net::awaitable<ApiReply> Connection::handle(Request& request)
     const std::string method(view(request.method_string()));
     const std::string target(view(request.target()));
     const std::string authorization(view(request[http::field::authorization]));
-    m_parts.router.handle(method, target, {authorization, m_client}, std::move(request.body()), respond);
+    m_parts.router.handle(
+        method, target, {authorization, m_place->client()}, std::move(request.body()), respond);
     if (!waiting->reply) {
         error_code cancelled;
         co_await waiting->timer.async_wait(net::redirect_error(net::use_awaitable, cancelled));
@@ -201,6 +216,7 @@ net::awaitable<bool> Connection::write(ApiReply reply, unsigned version, bool ke
     if (withBody)
         response.body() = std::move(reply.body);
     response.content_length(length);
+    m_place->enter(Connections::Phase::Replying);
     m_stream.expires_after(m_parts.limits.transfer);
     error_code error;
     co_await http::async_write(m_stream, response, net::redirect_error(net::use_awaitable, error));
@@ -247,15 +263,16 @@ std::optional<std::string> Connection::feedUser(const Request& request) const
 } // namespace
 
 net::awaitable<void> serveConnection(
-    net::ip::tcp::socket socket, ServerParts parts, std::shared_ptr<void> ticket)
+    net::ip::tcp::socket socket, ServerParts parts, std::shared_ptr<Connections::Place> place)
 {
-    Connection connection(std::move(socket), parts, std::move(ticket));
+    Connection connection(std::move(socket), parts, std::move(place));
     co_await connection.serve();
 }
 
-net::awaitable<void> turnAway(net::ip::tcp::socket socket, ServerParts parts, std::shared_ptr<void> ticket)
+net::awaitable<void> turnAway(
+    net::ip::tcp::socket socket, ServerParts parts, [[maybe_unused]] std::shared_ptr<void> ticket)
 {
-    Connection connection(std::move(socket), parts, std::move(ticket));
+    Connection connection(std::move(socket), parts, std::make_shared<Connections::Place>(std::string()));
     co_await connection.turnAway();
 }
 

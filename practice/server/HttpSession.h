@@ -1,5 +1,7 @@
 #pragma once
 
+#include "practice/server/Connections.h"
+
 #include <utility> // awaitable.hpp of Boost 1.74 needs it before its own includes
 
 #include <boost/asio/awaitable.hpp>
@@ -25,12 +27,11 @@ struct ServerParts {
 };
 
 /// Serves one connection: one HTTP request after the other, until the peer closes, asks to close, breaks the
-/// rules or is silent for too long, or until it turns into a feed. `ticket` is kept until the connection
-/// ends, that of a feed included.
+/// rules or is silent for too long, until it turns into a feed, or until its place is cleared.
 [[nodiscard]] boost::asio::awaitable<void> serveConnection(
-    boost::asio::ip::tcp::socket socket, ServerParts parts, std::shared_ptr<void> ticket);
+    boost::asio::ip::tcp::socket socket, ServerParts parts, std::shared_ptr<Connections::Place> place);
 
-/// Tells a connection that there are too many, and ends it.
+/// Tells a connection that there are too many, and ends it. `ticket` is kept until then.
 [[nodiscard]] boost::asio::awaitable<void> turnAway(
     boost::asio::ip::tcp::socket socket, ServerParts parts, std::shared_ptr<void> ticket);
 

@@ -31,7 +31,7 @@ constexpr auto tradesInterval = 1000ms;
 constexpr auto complaintInterval = 10s;
 constexpr auto goodbyeTime = 300ms;
 constexpr auto acceptPause = 100ms;
-constexpr std::size_t mostTurnedAway = 64; // being told so at once
+constexpr long mostTurnedAway = 64; // being told so at once
 
 // A fault in one connection must not take the others down with it.
 void reportFault(const std::exception_ptr& fault)
@@ -45,9 +45,12 @@ void reportFault(const std::exception_ptr& fault)
     }
 }
 
-std::size_t copiesOf(const std::shared_ptr<void>& ticket)
+// Empty when it has gone already.
+std::string clientOf(const tcp::socket& socket)
 {
-    return static_cast<std::size_t>(ticket.use_count()) - 1;
+    error_code error;
+    const auto peer = socket.remote_endpoint(error);
+    return error ? std::string() : SignInBrake::clientOf(peer.address());
 }
 
 } // namespace
@@ -64,6 +67,7 @@ Server::Server(net::io_context& context, Database& database, PriceSource& market
     , m_router([this](std::string_view header) { return m_sessions.userOfHeader(header); })
     , m_acceptor(context)
     , m_goodbye(context)
+    , m_connections(m_settings.limits.connections)
 {
     addAccountsRoutes(m_router, m_platform);
     addAuthRoutes(m_router, m_sessions, m_passwords, m_brake, clock);
@@ -108,9 +112,9 @@ void Server::take(tcp::socket socket)
     error_code ignored;
     socket.set_option(tcp::no_delay(true), ignored);
     const ServerParts parts{m_router, m_sessions, m_hub, m_guard, m_settings.limits};
-    if (copiesOf(m_served) < m_settings.limits.connections)
-        net::co_spawn(m_context, serveConnection(std::move(socket), parts, m_served), reportFault);
-    else if (copiesOf(m_turnedAway) < mostTurnedAway)
+    if (auto place = m_connections.admit(clientOf(socket)))
+        net::co_spawn(m_context, serveConnection(std::move(socket), parts, std::move(place)), reportFault);
+    else if (m_turnedAway.use_count() <= mostTurnedAway)
         net::co_spawn(m_context, turnAway(std::move(socket), parts, m_turnedAway), reportFault);
 }
 

@@ -2,6 +2,7 @@
 
 #include "practice/core/market/PriceSource.h"
 #include "practice/server/Clock.h"
+#include "practice/server/Connections.h"
 #include "practice/server/FeedHub.h"
 #include "practice/server/HttpSession.h"
 #include "practice/server/Limits.h"
@@ -63,8 +64,8 @@ private:
     boost::asio::ip::tcp::acceptor m_acceptor;
     boost::asio::steady_timer m_goodbye;
     std::uint16_t m_port = 0;
-    // Every connection holds a copy; the copies are the count.
-    std::shared_ptr<void> m_served = std::make_shared<int>();
+    Connections m_connections;
+    // Every connection that is turned away holds a copy; the copies are the count.
     std::shared_ptr<void> m_turnedAway = std::make_shared<int>();
 };
 

@@ -80,6 +80,14 @@ std::string WireSocket::readAll()
     return std::move(m_buffer);
 }
 
+void WireSocket::awaitReset()
+{
+    constexpr int patienceMs = 10'000;
+    pollfd waiting{m_socket, 0, 0};
+    if (::poll(&waiting, 1, patienceMs) != 1 || (waiting.revents & POLLERR) == 0)
+        throw std::runtime_error("no reset");
+}
+
 bool WireSocket::isSilentFor(std::chrono::milliseconds time)
 {
     pollfd waiting{m_socket, POLLIN, 0};

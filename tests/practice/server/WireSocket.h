@@ -20,6 +20,8 @@ public:
     [[nodiscard]] std::string read(std::size_t count);
     /// Everything until the peer closes. A reset counts as closed.
     [[nodiscard]] std::string readAll();
+    /// Returns once the peer has broken the connection off; what it sent before stays unread.
+    void awaitReset();
     /// True when no byte is waiting and none comes within the time.
     [[nodiscard]] bool isSilentFor(std::chrono::milliseconds time);
 

@@ -1,4 +1,5 @@
 #include "practice/Check.h"
+#include "practice/server/FeedClient.h"
 #include "practice/server/HttpClient.h"
 #include "practice/server/ServerProcess.h"
 #include "practice/storage/TemporaryFolder.h"
@@ -8,6 +9,7 @@
 #include <csignal>
 #include <fstream>
 #include <map>
+#include <memory>
 #include <random>
 #include <set>
 #include <thread>
@@ -170,6 +172,45 @@ TEST_CASE("two platforms with the same seed and speed have the same market, othe
     CHECK(same(minutes("b.db", {"--seed", "5", "--speed", "60"})) >= 95);
     CHECK(same(minutes("c.db", {"--seed", "6", "--speed", "60"})) < 5);
     CHECK(same(minutes("d.db", {"--seed", "5", "--speed", "30"})) < 5);
+}
+
+TEST_CASE("hundreds of silent connections keep no newcomer out")
+{
+    const TemporaryFolder folder;
+    const ServerProcess server((folder / "x.db").string());
+    HttpClient early(server.port());
+    early.signIn();
+    const std::string token = early.token();
+    const std::string head = "Host: 127.0.0.1\r\nContent-Type: application/json\r\n";
+    const std::vector<std::string> beginnings{"", "GET /api/acc", "GET /api/accounts HTTP/1.1\r\n" + head,
+        "POST /api/auth/login HTTP/1.1\r\n" + head + "Content-Length: 60\r\n\r\n{\"email",
+        "GET /ws/terminal HTTP/1.1\r\n" + head
+            + "Upgrade: websocket\r\nConnection: Upgrade\r\nSec-WebSocket-Key: "
+              "dGhlIHNhbXBsZSBub25jZQ==\r\nSec-WebSocket-Version: 13\r\n\r\n"};
+    std::vector<std::unique_ptr<WireSocket>> silent;
+    std::vector<std::unique_ptr<FeedClient>> feeds;
+    for (std::size_t i = 0; i < 550; ++i) {
+        silent.push_back(std::make_unique<WireSocket>(server.port()));
+        silent.back()->send(beginnings[i % beginnings.size()]);
+    }
+    for (int i = 0; i < 300; ++i)
+        feeds.push_back(std::make_unique<FeedClient>(server.port(), token));
+
+    for (int newcomer = 0; newcomer < 3; ++newcomer) {
+        HttpClient client(server.port());
+        client.signIn();
+        const std::string account = demoAccount(client);
+        FeedClient feed(server.port(), client.token());
+        CHECK_EQ(feed.read().at("type"), "hello");
+        const HttpReply placed = client.post("/api/trades/place",
+            {{"accountId", account}, {"symbol", "EURUSD"}, {"lotSize", 0.01}, {"orderKind", "MARKET"},
+                {"type", "BUY"}});
+        CHECK_EQ(placed.status, 200);
+        const std::string id = placed.json().at("id").get<std::string>();
+        CHECK_EQ(feed.readUntil("orders_changed").at("tradeId"), id);
+        CHECK_EQ(client.post("/api/trades/close/" + id, json::object()).status, 200);
+        CHECK_EQ(feed.readUntil("orders_changed").at("tradeId"), id);
+    }
 }
 
 TEST_CASE("killed at any moment it loses no acknowledged order and has none twice")

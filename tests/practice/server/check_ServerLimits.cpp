@@ -10,20 +10,33 @@ using nlohmann::json;
 
 namespace {
 
-/// Whether the server takes one more connection than those that are there.
-bool hasRoom(const InProcess& place)
+/// Whether the server takes one more feed than those that are there.
+bool hasRoom(const InProcess& place, const std::string& token)
 {
-    return HttpClient(place.server->port()).get("/api/settings/public").status == 200;
+    try {
+        const FeedClient feed(place.server->port(), token);
+        return true;
+    } catch (const std::runtime_error& refused) {
+        CHECK_EQ(std::string(refused.what()), std::string("HTTP/1.1 503 Service Unavailable"));
+        return false;
+    }
 }
 
-/// Whether it does within so many attempts, while connections that end are being cleared away.
-bool getsRoom(const InProcess& place, int mostAttempts)
+/// Whether it does within so many attempts, while feeds that end are being cleared away.
+bool getsRoom(const InProcess& place, const std::string& token, int mostAttempts)
 {
     for (int i = 0; i < mostAttempts; ++i) {
-        if (hasRoom(place))
+        if (hasRoom(place, token))
             return true;
     }
     return false;
+}
+
+/// Lets the server know that there is somebody.
+void speak(FeedClient& feed)
+{
+    feed.send(R"({"type":"ping"})");
+    static_cast<void>(feed.readUntil("pong"));
 }
 
 /// A feed whose client does not read, with so much on its way that the next message will wait.
@@ -38,6 +51,8 @@ struct BlockedFeed {
     {
         CHECK_EQ(keen.read().at("type"), "hello");
         CHECK_EQ(lazy.read().at("type"), "hello");
+        speak(keen);
+        speak(lazy);
         for (int i = 0; i < 150; ++i)
             update(place);
     }
@@ -53,38 +68,90 @@ struct BlockedFeed {
 
 } // namespace
 
-TEST_CASE("one connection too many is told so and let in once there is room, feeds being counted")
+TEST_CASE("one feed too many is told so and let in once there is room, requests having places of their own")
 {
     Limits limits;
+    limits.feeds = 1;
     limits.connections = 2;
     InProcess place(0, limits);
     Trader trader(place);
+    const std::string token = trader.client.token();
     {
-        FeedClient feed(place.server->port(), trader.client.token());
+        FeedClient feed(place.server->port(), token);
         CHECK_EQ(feed.read().at("type"), "hello");
+        speak(feed);
         for (int i = 0; i < 100; ++i) {
-            HttpClient third(place.server->port());
-            const HttpReply reply = i % 2 == 0 ? third.read() : third.get("/api/settings/public");
-            CHECK_EQ(reply.status, 503);
-            CHECK(reply.message().find("Too many connections") != std::string::npos);
-            CHECK_EQ(reply.headers.at("connection"), std::string("close"));
-            CHECK(third.socket().readAll().empty());
+            CHECK(!hasRoom(place, token));
+            CHECK_EQ(trader.client.get("/api/accounts").status, 200);
         }
-        CHECK_EQ(trader.client.get("/api/accounts").status, 200);
+        place.market.setBid(1.2);
+        CHECK_EQ(feed.read().at("type"), "price_update");
     }
-    CHECK(getsRoom(place, 1000));
+    CHECK(getsRoom(place, token, 1000));
+}
+
+TEST_CASE("a feed that has never said anything goes for one that comes")
+{
+    Limits limits;
+    limits.feeds = 2;
+    InProcess place(0, limits);
+    const Trader trader(place);
+    FeedClient alive(place.server->port(), trader.client.token());
+    CHECK_EQ(alive.read().at("type"), "hello");
+    speak(alive);
+    FeedClient silent(place.server->port(), trader.client.token());
+    CHECK_EQ(silent.read().at("type"), "hello");
+    FeedClient newcomer(place.server->port(), trader.client.token());
+    CHECK_EQ(newcomer.read().at("type"), "hello");
+    static_cast<void>(silent.socket().readAll()); // ends
+    speak(newcomer);
+    speak(alive);
+    CHECK(!hasRoom(place, trader.client.token()));
+}
+
+TEST_CASE("who comes while all connections are at work is told so")
+{
+    Limits limits;
+    limits.connections = 0;
+    const InProcess place(0, limits);
+    for (int i = 0; i < 100; ++i) {
+        HttpClient client(place.server->port());
+        const HttpReply reply = i % 2 == 0 ? client.read() : client.get("/api/settings/public");
+        CHECK_EQ(reply.status, 503);
+        CHECK(reply.message().find("Too many connections") != std::string::npos);
+        CHECK_EQ(reply.headers.at("connection"), std::string("close"));
+        CHECK(client.socket().readAll().empty());
+    }
+}
+
+TEST_CASE("a connection that only waits goes for one that comes, the silent before the idle")
+{
+    Limits limits;
+    limits.connections = 2;
+    const InProcess place(0, limits);
+    HttpClient idle(place.server->port());
+    CHECK_EQ(idle.get("/api/settings/public").status, 200);
+    HttpClient silent(place.server->port());
+    HttpClient first(place.server->port());
+    CHECK_EQ(first.get("/api/settings/public").status, 200);
+    CHECK(silent.socket().readAll().empty());
+    CHECK_EQ(idle.get("/api/settings/public").status, 200); // now first has been idle for longer
+    HttpClient second(place.server->port());
+    CHECK_EQ(second.get("/api/settings/public").status, 200);
+    CHECK(first.socket().readAll().empty());
+    CHECK_EQ(idle.get("/api/settings/public").status, 200);
 }
 
 TEST_CASE("who takes no message for too long is disconnected")
 {
     Limits limits;
-    limits.connections = 3;
+    limits.feeds = 2;
     limits.feedStall = std::chrono::milliseconds(200);
     InProcess place(2000, limits);
     Trader trader(place);
     BlockedFeed feeds(place, trader.client.token());
     int updates = 0;
-    for (; !hasRoom(place) && updates < 2000; ++updates)
+    for (; !hasRoom(place, trader.client.token()) && updates < 2000; ++updates)
         feeds.update(place);
     CHECK(updates < 2000);
     static_cast<void>(feeds.lazy.socket().readAll()); // ends
@@ -93,7 +160,7 @@ TEST_CASE("who takes no message for too long is disconnected")
 TEST_CASE("who lets events pile up is disconnected")
 {
     Limits limits;
-    limits.connections = 3;
+    limits.feeds = 2;
     limits.feedEvents = 20;
     InProcess place(2000, limits);
     Trader trader(place);
@@ -102,9 +169,9 @@ TEST_CASE("who lets events pile up is disconnected")
     const json pending = buyLimit(account, 0.01, 0.5);
     for (int i = 0; i < 20; ++i)
         CHECK_EQ(trader.client.post("/api/trades/place", pending).status, 200);
-    CHECK(!hasRoom(place));
+    CHECK(!hasRoom(place, trader.client.token()));
     CHECK_EQ(trader.client.post("/api/trades/place", pending).status, 200);
-    CHECK(getsRoom(place, 1000));
+    CHECK(getsRoom(place, trader.client.token(), 1000));
     static_cast<void>(feeds.lazy.socket().readAll()); // ends
     for (int i = 0; i < 21; ++i)
         CHECK(feeds.keen.readUntil("orders_changed").contains("tradeId"));
@@ -131,14 +198,27 @@ TEST_CASE("a feed without a sign of life ends; one that answers pings goes on")
 TEST_CASE("a connection that sends nothing, half a request, or never takes its answers ends")
 {
     Limits limits;
-    limits.idle = std::chrono::milliseconds(100);
-    InProcess idle(0, limits);
-    HttpClient silent(idle.server->port());
+    limits.opening = std::chrono::milliseconds(100);
+    InProcess opening(0, limits);
+    HttpClient silent(opening.server->port());
     CHECK(silent.socket().readAll().empty());
 
     limits = {};
+    limits.idle = std::chrono::milliseconds(100);
+    InProcess idle(0, limits);
+    HttpClient paused(idle.server->port());
+    CHECK_EQ(paused.get("/api/settings/public").status, 200);
+    CHECK(paused.socket().readAll().empty());
+
+    limits = {};
+    limits.header = std::chrono::milliseconds(100);
+    InProcess header(0, limits);
+    HttpClient begun(header.server->port());
+    begun.socket().send("GET /api/settings/public HTTP/1.1\r\nHost: ");
+    CHECK(begun.socket().readAll().empty());
+
+    limits = {};
     limits.transfer = std::chrono::milliseconds(100);
-    limits.connections = 1;
     InProcess place(0, limits);
     HttpClient half(place.server->port());
     half.socket().send("POST /api/auth/login HTTP/1.1\r\nHost: 127.0.0.1\r\nContent-Type: "
@@ -151,7 +231,7 @@ TEST_CASE("a connection that sends nothing, half a request, or never takes its a
         requests += "GET /api/news/upcoming HTTP/1.1\r\nHost: 127.0.0.1\r\nAuthorization: Bearer "
             + greedy.client.token() + "\r\n\r\n";
     greedy.client.socket().send(requests);
-    CHECK(getsRoom(place, 20000));
+    greedy.client.socket().awaitReset();
 }
 
 TEST_CASE("a market that stands still sends no prices")

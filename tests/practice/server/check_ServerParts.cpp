@@ -2,6 +2,7 @@
 
 #include "practice/server/Api.h"
 #include "practice/server/BodyReader.h"
+#include "practice/server/Connections.h"
 #include "practice/server/Failure.h"
 #include "practice/server/JsonText.h"
 #include "practice/server/NewsCalendar.h"
@@ -218,6 +219,64 @@ TEST_CASE("an event names its reason only when there is one")
     const auto filled
         = nlohmann::json::parse(eventMessage(OrdersChanged{"acc", "t", true, CloseReason::None}));
     CHECK_EQ(filled["filled"], true);
+}
+
+TEST_CASE("places are cleared for newcomers: the largest crowd's, the silent first, those at work never")
+{
+    using Phase = Connections::Phase;
+    Connections connections(5);
+    std::string cleared;
+    std::map<char, std::shared_ptr<Connections::Place>> places;
+    const auto now = std::chrono::steady_clock::now();
+    int moment = 0;
+    const auto admit = [&](char name, const std::string& client) {
+        auto place = connections.admit(client);
+        if (place) {
+            place->setEnd([&cleared, name] { cleared += name; });
+            place->enter(Phase::Asking, now + std::chrono::seconds(moment++));
+            places[name] = place;
+        }
+        return place != nullptr;
+    };
+    const auto enter
+        = [&](char name, Phase phase) { places[name]->enter(phase, now + std::chrono::seconds(moment++)); };
+    for (const char name : {'a', 'b', 'c', 'd'})
+        CHECK(admit(name, "crowd"));
+    CHECK(admit('x', "other")); // silent for less long, but alone
+    enter('a', Phase::Answering);
+    enter('b', Phase::Answering);
+    enter('b', Phase::Replying);
+    enter('c', Phase::Answering);
+    enter('c', Phase::Replying);
+    enter('c', Phase::Asking);
+    CHECK_EQ(cleared, std::string());
+    CHECK(admit('e', "crowd")); // the silent one
+    CHECK_EQ(cleared, std::string("d"));
+    enter('e', Phase::Answering);
+    enter('e', Phase::Replying);
+    CHECK(admit('f', "crowd")); // the idle one
+    enter('f', Phase::Answering);
+    CHECK_EQ(cleared, std::string("dc"));
+    CHECK(admit('g', "crowd")); // the reply that takes longest
+    enter('g', Phase::Answering);
+    CHECK(admit('h', "crowd"));
+    enter('h', Phase::Answering);
+    CHECK_EQ(cleared, std::string("dcbe"));
+    CHECK(admit('y', "third")); // the crowd is at work, so the lonely one has to go
+    CHECK_EQ(cleared, std::string("dcbex"));
+    enter('y', Phase::Answering);
+    CHECK(!admit('z', "third"));
+    places.erase('g');
+    CHECK(admit('z', "third"));
+    CHECK_EQ(cleared, std::string("dcbex"));
+}
+
+TEST_CASE("a place that cannot be cleared yet is left alone")
+{
+    Connections connections(1);
+    const auto first = connections.admit("one");
+    CHECK(first != nullptr);
+    CHECK(connections.admit("one") == nullptr);
 }
 
 CHECK_MAIN()

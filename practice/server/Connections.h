@@ -1,0 +1,62 @@
+#pragma once
+
+#include <chrono>
+#include <cstddef>
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace practice {
+
+/// The places of those who ask by HTTP. Silence costs its sender nothing, so it must keep nobody out: when
+/// all places are taken, one that has no request at work is cleared for the newcomer.
+class Connections final {
+public:
+    enum class Phase {
+        Asking,    ///< silent, or a request is on its way
+        Answering, ///< a request is being carried out; such a place is never cleared
+        Replying,  ///< a reply is on its way, or a good-bye
+    };
+
+    /// One place, taken while this lives.
+    class Place final {
+    public:
+        using Time = std::chrono::steady_clock::time_point;
+
+        /// `client` is a name as SignInBrake::clientOf() gives it.
+        explicit Place(std::string client);
+
+        void enter(Phase phase, Time now = std::chrono::steady_clock::now());
+        /// How the connection is ended at once; without it the place is not cleared.
+        void setEnd(std::function<void()> end) { m_end = std::move(end); }
+
+        [[nodiscard]] const std::string& client() const { return m_client; }
+        /// Whether it has ever brought a whole request.
+        [[nodiscard]] bool hasAsked() const { return m_hasAsked; }
+
+    private:
+        friend class Connections;
+        std::string m_client;
+        std::function<void()> m_end;
+        Phase m_phase = Phase::Asking;
+        Time m_since;
+        bool m_hasAsked = false;
+        bool m_cleared = false;
+    };
+
+    explicit Connections(std::size_t most);
+
+    /// A place for a newcomer; nothing while all are at work. Cleared for it is, if need be, a place of the
+    /// client who has most of them: first one that never asked, then one that asks nothing now, then one that
+    /// takes its reply; of several the one that has been so for longest.
+    [[nodiscard]] std::shared_ptr<Place> admit(const std::string& client);
+
+private:
+    [[nodiscard]] bool clearOne();
+
+    std::size_t m_most;
+    std::vector<std::weak_ptr<Place>> m_places; ///< oldest first
+};
+
+} // namespace practice
