@@ -4,27 +4,11 @@
 #include "app/ServerText.h"
 
 #include <QDir>
-#include <QMutex>
 #include <QTime>
-#include <QUrl>
 
 using namespace Qt::StringLiterals;
 
 namespace {
-
-constexpr qsizetype shortestSecret = 6;
-
-struct Secrets {
-    QMutex mutex;
-    QStringList texts;
-};
-
-Secrets& secrets()
-{
-    // Never destroyed: the toolkit may still speak while the process winds down.
-    static Secrets& instance = *new Secrets;
-    return instance;
-}
 
 void logToolkitMessage(QtMsgType type, const QMessageLogContext& /*context*/, const QString& message)
 {
@@ -47,7 +31,7 @@ void appLog(const QString& message)
         return;
     const QString time = QTime::currentTime().toString(u"HH:mm:ss.zzz"_s);
     // One write an entry: a second terminal appends to the same file.
-    file.write(u"%1  %2\n"_s.arg(time, maskSecrets(oneLine(message))).toUtf8());
+    file.write(u"%1  %2\n"_s.arg(time, shownEntry(message)).toUtf8());
 }
 
 void logReport(const QString& source, const QString& message)
@@ -63,27 +47,4 @@ QString logFilePath()
 void installMessageHandler()
 {
     qInstallMessageHandler(logToolkitMessage);
-}
-
-void hideFromLog(const QString& secret)
-{
-    if (secret.size() < shortestSecret)
-        return;
-    Secrets& known = secrets();
-    const QMutexLocker lock(&known.mutex);
-    const QStringList forms = {secret, oneLine(secret), QString::fromLatin1(QUrl::toPercentEncoding(secret))};
-    for (const QString& form : forms) {
-        if (!known.texts.contains(form))
-            known.texts.append(form);
-    }
-}
-
-QString maskSecrets(const QString& text)
-{
-    QString result = text;
-    Secrets& known = secrets();
-    const QMutexLocker lock(&known.mutex);
-    for (const QString& secret : std::as_const(known.texts))
-        result.replace(secret, u"[hidden]"_s, Qt::CaseInsensitive);
-    return result;
 }

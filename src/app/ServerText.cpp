@@ -1,11 +1,22 @@
 #include "app/ServerText.h"
 
+#include "app/Secrets.h"
+
 #include <QLabel>
+#include <QTextBoundaryFinder>
 #include <QTextDocument>
+
+#include <algorithm>
 
 using namespace Qt::StringLiterals;
 
 namespace {
+
+constexpr qsizetype longestName = 64;
+constexpr qsizetype longestSentence = 300;
+constexpr qsizetype longestEntry = 8192;
+constexpr int mostLines = 4;
+constexpr QChar zeroWidthSpace(0x200b);
 
 bool breaksLine(QChar c)
 {
@@ -19,7 +30,95 @@ bool looksLikeTag(QChar c, QChar next)
     return c == u'<' && (next == u'/' || next.isLetter());
 }
 
+QString withEllipsis(QString text)
+{
+    if (!text.isEmpty() && text.back().isHighSurrogate())
+        text.chop(1);
+    return text + u'…';
+}
+
+/// Hides what is secret in the first `longest` characters and drops the rest, without a look at all of it.
+QString head(const QString& text, qsizetype longest, QString (*form)(const QString&))
+{
+    const qsizetype reach = longestSecret();
+    if (text.size() <= longest + reach)
+        return shortened(maskSecrets(form(text)), longest);
+    QString start = maskSecrets(form(text.first(longest + reach)));
+    // Its end may be the first part of a secret, and what was hidden before may have moved it forward.
+    start.chop(std::max<qsizetype>(reach - 1, 0));
+    return withEllipsis(start.left(longest));
+}
+
+QString asItIs(const QString& text)
+{
+    return text;
+}
+
+/// The text with places to break in each word that has none for too long.
+QString breakable(const QString& text)
+{
+    constexpr qsizetype longestWord = 24;
+    QString result;
+    QTextBoundaryFinder places(QTextBoundaryFinder::Line, text);
+    for (qsizetype from = 0; from < text.size();) {
+        const qsizetype next = places.toNextBoundary();
+        const qsizetype end = next > from ? next : text.size();
+        while (end - from > longestWord) {
+            const qsizetype taken = longestWord - (text.at(from + longestWord).isLowSurrogate() ? 1 : 0);
+            result += text.sliced(from, taken) + zeroWidthSpace;
+            from += taken;
+        }
+        result += text.sliced(from, end - from);
+        from = end;
+    }
+    return result;
+}
+
 } // namespace
+
+QString shownName(const QString& text)
+{
+    return head(text, longestName, &oneLine);
+}
+
+QString shownSentence(const QString& text)
+{
+    return head(text, longestSentence, &oneLine);
+}
+
+QString shownReason(const QString& text)
+{
+    const QString start = head(text.trimmed(), longestSentence, &asItIs);
+    QStringList lines;
+    QString line;
+    for (const QChar c : start) {
+        if (!breaksLine(c) || c == u'\t') {
+            line += c;
+            continue;
+        }
+        if (!line.trimmed().isEmpty())
+            lines.append(line);
+        line.clear();
+    }
+    if (!line.trimmed().isEmpty())
+        lines.append(line);
+    if (lines.size() > mostLines) {
+        lines = lines.first(mostLines);
+        lines.last() = withEllipsis(lines.last());
+    }
+    const QString shown = lines.join(u'\n');
+    return shown.isEmpty() && !text.isEmpty() ? withEllipsis({}) : shown;
+}
+
+QString shownEntry(const QString& text)
+{
+    return head(text, longestEntry, &oneLine);
+}
+
+QString shortened(const QString& text, qsizetype longest)
+{
+    return text.size() <= longest ? text : withEllipsis(text.first(longest));
+}
 
 QString oneLine(const QString& text)
 {
@@ -32,15 +131,15 @@ QString oneLine(const QString& text)
 
 QString plainToolTip(const QString& text)
 {
-    if (!Qt::mightBeRichText(text))
-        return text;
-    return "<span style=\"white-space:pre-wrap\">"_L1 + text.toHtmlEscaped() + "</span>"_L1;
+    const QString shown = shownSentence(text);
+    if (!Qt::mightBeRichText(shown))
+        return shown;
+    return "<span style=\"white-space:pre-wrap\">"_L1 + shown.toHtmlEscaped() + "</span>"_L1;
 }
 
 QString balloonText(const QString& text)
 {
-    constexpr QChar zeroWidthSpace(0x200b);
-    QString shown = text;
+    QString shown = shownReason(text);
     for (qsizetype i = shown.size() - 2; i >= 0; --i) {
         if (looksLikeTag(shown.at(i), shown.at(i + 1)))
             shown.insert(i + 1, zeroWidthSpace);
@@ -56,6 +155,11 @@ QString menuText(const QString& text)
 void makePlain(QLabel* label)
 {
     label->setTextFormat(Qt::PlainText);
+}
+
+void showReason(QLabel& label, const QString& text)
+{
+    label.setText(breakable(shownReason(text)));
 }
 
 QLabel* plainLabel(const QString& text, QWidget* parent)

@@ -7,14 +7,38 @@ class QWidget;
 
 /// Every text that came from the server, a script or a file is data: these helpers keep it from
 /// acting as markup, as a mnemonic or as a second line wherever it is shown.
+///
+/// The gate for whatever the server sends is the shown... functions: they hide known secrets and cut what is
+/// endless, with an ellipsis. Only what is shown goes through them; what a request, a look-up or a comparison
+/// names stays whole.
+
+/// A name, kind, state or id: one line of at most 64 characters.
+[[nodiscard]] QString shownName(const QString& text);
+
+/// A description, reason or title: one line of at most 300 characters.
+[[nodiscard]] QString shownSentence(const QString& text);
+
+/// Why something failed: at most 300 characters on at most four lines, blank ones left out. Not empty unless
+/// the text is.
+[[nodiscard]] QString shownReason(const QString& text);
+
+/// A line of the log, the Journal or the Experts tab: one line of at most 8192 characters, which leaves room
+/// for what a script may print.
+[[nodiscard]] QString shownEntry(const QString& text);
+
+/// The text, cut with an ellipsis when it is longer than `longest` (at least 1); a character of two
+/// code units is never cut in half.
+[[nodiscard]] QString shortened(const QString& text, qsizetype longest);
 
 /// The text with each control character and line separator replaced by one blank.
 [[nodiscard]] QString oneLine(const QString& text);
 
-/// The text as a tool tip that shows exactly these characters, markup included. Empty stays empty.
+/// The text, as shownSentence() has it, as a tool tip that shows exactly these characters, markup included.
+/// Empty stays empty.
 [[nodiscard]] QString plainToolTip(const QString& text);
 
-/// The text as a desktop notification, as given but for what looks like a tag, a "<" before a letter or
+/// The text as a desktop notification, as shownReason() has it but for what looks like a tag, a "<" before a
+/// letter or
 /// "/": a space without width stands between them. Some desktops read markup there, and others show
 /// escapes as they are.
 [[nodiscard]] QString balloonText(const QString& text);
@@ -24,6 +48,10 @@ class QWidget;
 
 /// Makes the label show its text as plain text, whatever it holds.
 void makePlain(QLabel* label);
+
+/// Shows why something failed, as shownReason() has it, on a label that wraps. A word without an end gets
+/// places to wrap at, so that it does not make the label, and with it the window, as wide as itself.
+void showReason(QLabel& label, const QString& text);
 
 /// A new plain-text label, owned by `parent`.
 [[nodiscard]] QLabel* plainLabel(const QString& text, QWidget* parent = nullptr);

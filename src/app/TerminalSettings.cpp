@@ -1,6 +1,7 @@
 #include "app/TerminalSettings.h"
 
 #include "app/Log.h"
+#include "app/Secrets.h"
 
 #include <QCryptographicHash>
 
@@ -44,7 +45,7 @@ TerminalSettings::TerminalSettings(const QString& filePath)
     : m_store(filePath)
     , m_token(text(Key::token))
 {
-    hideFromLog(m_token);
+    keepSecret(m_token);
 }
 
 QString TerminalSettings::serverUrl() const
@@ -69,7 +70,7 @@ void TerminalSettings::setServerUrl(const QString& url)
 
 void TerminalSettings::setToken(const QString& token)
 {
-    hideFromLog(token);
+    keepSecret(token);
     m_token = token;
     if (remember())
         m_store.setValue(Key::token, token);

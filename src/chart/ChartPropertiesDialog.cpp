@@ -32,7 +32,7 @@ ChartPropertiesDialog::ChartPropertiesDialog(
     const QString& symbol, const ChartColors& colors, QWidget* parent)
     : QDialog(parent)
 {
-    setWindowTitle(tr("Chart Properties — %1").arg(oneLine(symbol)));
+    setWindowTitle(tr("Chart Properties — %1").arg(shownName(symbol)));
     auto* form = new QFormLayout;
     std::size_t index = 0;
     for (const ChartColorRole& role : chartColorRoles()) {

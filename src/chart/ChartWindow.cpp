@@ -1,5 +1,6 @@
 #include "chart/ChartWindow.h"
 
+#include "app/ServerText.h"
 #include "chart/AverageDialog.h"
 #include "chart/AveragePalette.h"
 #include "chart/ChartComment.h"
@@ -108,7 +109,7 @@ QSize ChartWindow::sizeHint() const
 
 QString ChartWindow::title() const
 {
-    const QString chart = u"%1,%2"_s.arg(m_symbol, timeframeLabel(m_timeframe));
+    const QString chart = u"%1,%2"_s.arg(shownName(m_symbol), timeframeLabel(m_timeframe));
     return expertName().isEmpty() ? chart : chart + u"  •  %1"_s.arg(expertName());
 }
 
@@ -169,14 +170,14 @@ void ChartWindow::onHistory(const QByteArray& body, const QString& error)
 {
     const bool toEnd = std::exchange(m_endWanted, false);
     if (!error.isEmpty()) {
-        Q_EMIT logMessage(tr("Chart"), tr("%1: failed to load candles: %2").arg(m_symbol, error));
+        Q_EMIT logMessage(tr("Chart"), tr("%1: failed to load candles: %2").arg(shownName(m_symbol), error));
         return;
     }
     HistoryReply history = HistoryReply::read(body);
     takeHistory(std::move(history.candles), toEnd);
     Q_EMIT logMessage(tr("Chart"),
         tr("%1,%2: %3 candles loaded")
-            .arg(m_symbol, timeframeLabel(m_timeframe), QString::number(history.received)));
+            .arg(shownName(m_symbol), timeframeLabel(m_timeframe), QString::number(history.received)));
 }
 
 void ChartWindow::takeHistory(std::vector<Candle> candles, bool toEnd)
@@ -369,6 +370,6 @@ void ChartWindow::contextMenuEvent(QContextMenuEvent* event)
 void ChartWindow::labelChart()
 {
     m_chart->setTimeframeMs(timeframeMs(m_timeframe));
-    m_chart->setSymbolInfo(m_symbol, timeframeLabel(m_timeframe), m_description);
+    m_chart->setSymbolInfo(shownName(m_symbol), timeframeLabel(m_timeframe), m_description);
     m_chart->setAccessibleName(tr("Chart %1").arg(title()));
 }

@@ -62,7 +62,7 @@ QString DataWindow::text(const Shown& shown) const
     const Candle& bar = *shown.bar;
     const QDateTime time = utcTime(bar.time);
     return tr("<b>%1</b><br>Date: %2<br>Open: %3<br>High: %4<br>Low: %5<br>Close: %6<br>Volume: %7")
-        .arg(oneLine(m_symbol).toHtmlEscaped(), time.toString(u"yyyy.MM.dd HH:mm"_s),
+        .arg(shownName(m_symbol).toHtmlEscaped(), time.toString(u"yyyy.MM.dd HH:mm"_s),
             formatPrice(bar.open, shown.digits), formatPrice(bar.high, shown.digits),
             formatPrice(bar.low, shown.digits), formatPrice(bar.close, shown.digits),
             QString::number(bar.volume));

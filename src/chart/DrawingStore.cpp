@@ -97,7 +97,7 @@ void DrawingStore::readWhenQuiet()
 void DrawingStore::take(const QJsonDocument& document, const QString& error)
 {
     if (!error.isEmpty()) {
-        Q_EMIT failed(tr("%1: failed to load drawings: %2").arg(oneLine(m_symbol), oneLine(error)));
+        Q_EMIT failed(tr("%1: failed to load drawings: %2").arg(shownName(m_symbol), shownSentence(error)));
         return;
     }
     m_chart.setDrawings(
@@ -149,7 +149,7 @@ void DrawingStore::track(QNetworkReply* reply, const QString& what, Ended ended)
             Scope& changed = m_scopes[account];
             --changed.changing;
             if (!outcome.ok)
-                Q_EMIT failed(u"%1: %2: %3"_s.arg(oneLine(m_symbol), what, oneLine(outcome.error)));
+                Q_EMIT failed(u"%1: %2: %3"_s.arg(shownName(m_symbol), what, shownSentence(outcome.error)));
             if (ended)
                 ended(outcome, changed);
             readWhenQuiet();

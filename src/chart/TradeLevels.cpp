@@ -28,7 +28,7 @@ TradeLevel protectiveLevel(
     level.tradeId = trade.value("id"_L1).toString();
     level.kind = kind;
     level.price = price;
-    level.label = label.arg(oneLine(shortId(level.tradeId)));
+    level.label = label.arg(shownName(shortId(level.tradeId)));
     level.color = color;
     level.penStyle = Qt::DashLine;
     level.draggable = true;
@@ -46,7 +46,7 @@ void appendOpenTrade(const QJsonObject& trade, QList<TradeLevel>& levels)
         entry.price = price;
         entry.label = Label::tr("%1 %2 #%3")
                           .arg(buy ? Label::tr("buy") : Label::tr("sell"),
-                              formatVolume(jsonNumber(trade.value("lotSize"_L1))), oneLine(shortId(id)));
+                              formatVolume(jsonNumber(trade.value("lotSize"_L1))), shownName(shortId(id)));
         entry.color = buy ? buyColor : sellColor;
         entry.penStyle = Qt::SolidLine;
         levels.append(entry);
@@ -68,8 +68,8 @@ void appendPendingOrder(const QJsonObject& order, QList<TradeLevel>& levels)
     level.price = price;
     level.label
         = Label::tr("%1 %2 #%3")
-              .arg(oneLine(order.value("orderKind"_L1).toString()),
-                  formatVolume(jsonNumber(order.value("lotSize"_L1))), oneLine(shortId(level.tradeId)));
+              .arg(shownName(order.value("orderKind"_L1).toString()),
+                  formatVolume(jsonNumber(order.value("lotSize"_L1))), shownName(shortId(level.tradeId)));
     level.color = pendingColor;
     level.penStyle = Qt::DashLine;
     level.draggable = true;

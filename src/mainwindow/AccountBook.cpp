@@ -35,7 +35,7 @@ QJsonObject recordOf(const Quote& quote)
 
 QString AccountBook::selectorText(const QJsonObject& account)
 {
-    return u"%1  [%2]  %3"_s.arg(oneLine(accountLabel(account)), oneLine(account["status"_L1].toString()),
+    return u"%1  [%2]  %3"_s.arg(accountLabel(account), shownName(account["status"_L1].toString()),
         formatMoney(jsonNumber(account["balance"_L1])));
 }
 

@@ -36,7 +36,7 @@ DepthOfMarket::DepthOfMarket(const QString& symbol, int digits, QWidget* parent)
     , m_spread(plainLabel({}))
 {
     setAttribute(Qt::WA_DeleteOnClose);
-    setWindowTitle(tr("Depth of Market — %1").arg(oneLine(symbol)));
+    setWindowTitle(tr("Depth of Market — %1").arg(shownName(symbol)));
     resize(InitialSize);
     buildRows();
 

@@ -221,9 +221,11 @@ void MainWindow::setUpExperts()
 void MainWindow::setUser(const QJsonObject& user)
 {
     m_user = user;
-    const QString email = oneLine(user["email"_L1].toString());
+    const QString email = user["email"_L1].toString();
     m_status->setUser(email);
-    journal(tr("Auth"), tr("Logged in as %1 on %2").arg(email, TerminalSettings::instance().serverUrl()));
+    journal(tr("Auth"),
+        tr("Logged in as %1 on %2")
+            .arg(shownSentence(email), shownSentence(TerminalSettings::instance().serverUrl())));
     m_accounts->refreshAccounts();
     m_feed.start();
 }

@@ -23,7 +23,7 @@ QString tr(const char* text)
 OrderReaction reactionToOrders(const QJsonObject& event)
 {
     const QString reason = event["closeReason"_L1].toString();
-    const QString shown = oneLine(reason);
+    const QString shown = shownSentence(reason);
     const bool filled = jsonBool(event["filled"_L1], false);
 
     OrderReaction reaction;
@@ -33,7 +33,7 @@ OrderReaction reactionToOrders(const QJsonObject& event)
         reaction.expert = tr("Pending order filled");
         reaction.sound = SoundKind::Fill;
         // The event carries no symbol, so the account is named.
-        const QString account = oneLine(shortId(event["accountId"_L1].toString()));
+        const QString account = shownName(shortId(event["accountId"_L1].toString()));
         reaction.balloon = Balloon{tr("Order Filled"), tr("A pending order on %1 was filled.").arg(account),
             Balloon::Kind::Information, OrderBalloonMs};
     } else if (reason.isEmpty()) {
@@ -55,7 +55,7 @@ OrderReaction reactionToAccount(const QJsonObject& event, bool hasTray)
     const QString status = event["status"_L1].toString();
     OrderReaction reaction;
     reaction.journal = tr("Account %1 status changed to %2")
-                           .arg(oneLine(event["accountId"_L1].toString()), oneLine(status));
+                           .arg(shownName(event["accountId"_L1].toString()), shownName(status));
     if (!hasTray)
         return reaction;
     if (status == "FAILED"_L1) {

@@ -30,7 +30,7 @@ QLabel* addLabel(QStatusBar& bar, const QString& name, Qt::TextFormat format)
 
 StatusPanel::StatusPanel(QStatusBar& bar, const QString& server, QObject* parent)
     : QObject(parent)
-    , m_server(oneLine(server).toHtmlEscaped())
+    , m_server(shownName(server).toHtmlEscaped())
     , m_accountSelector(new QComboBox(&bar))
 {
     m_accountSelector->setObjectName(u"accountSelector"_s);
@@ -78,7 +78,7 @@ QString StatusPanel::hostOf(const QString& address)
 void StatusPanel::setUser(const QString& email)
 {
     m_user->setStyleSheet({});
-    m_user->setText(oneLine(email));
+    m_user->setText(shownName(email));
 }
 
 void StatusPanel::setConnected(bool connected)

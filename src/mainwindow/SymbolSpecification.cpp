@@ -53,7 +53,7 @@ void SymbolSpecification::setSymbol(const QString& symbol, const QJsonObject& re
     m_symbol = symbol;
     m_record = record;
     m_quote = {};
-    setWindowTitle(tr("Specification: %1").arg(oneLine(symbol)));
+    setWindowTitle(tr("Specification: %1").arg(shownName(symbol)));
     m_rows->setAccessibleName(windowTitle());
     m_unlisted->setVisible(record.isEmpty());
     m_rows->clear();

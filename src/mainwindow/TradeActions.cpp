@@ -107,7 +107,7 @@ void TradeActions::quickTrade(const QString& symbol, const QString& side, double
     ticket.side = side == "SELL"_L1 ? OrderSide::Sell : OrderSide::Buy;
     whenAnswered(m_api.post(placePath, placeBody(ticket)), [this, symbol, side](const ReplyOutcome& outcome) {
         tellTrade(outcome.ok, SoundKind::Open,
-            outcome.ok ? tr("One-click %1 %2 executed").arg(side, oneLine(symbol))
+            outcome.ok ? tr("One-click %1 %2 executed").arg(side, shownName(symbol))
                        : tr("One-click order failed: %1").arg(outcome.error));
         refreshAfter(outcome, &TradeActions::refreshAccountsAndTrades);
     });
@@ -130,7 +130,7 @@ void TradeActions::expertOrder(const QJsonObject& body)
             outcome.ok ? tr("%1 %2 %3 executed")
                              .arg(order.value("type"_L1).toString(),
                                  formatVolume(jsonNumber(order.value("lotSize"_L1))),
-                                 oneLine(order.value("symbol"_L1).toString()))
+                                 shownName(order.value("symbol"_L1).toString()))
                        : tr("Order failed: %1").arg(outcome.error),
             outcome.ok ? LineKind::Ordinary : LineKind::Failure);
         refreshAfter(outcome, &TradeActions::refreshAccountsAndTrades);
@@ -158,7 +158,7 @@ void TradeActions::expertCloseAll(const QString& symbol)
         return;
     Q_EMIT soundWanted(SoundKind::Close);
     Q_EMIT expertLine(tr("Expert"),
-        tr("Closing %1 position(s) on %2").arg(QString::number(closing), oneLine(symbol)),
+        tr("Closing %1 position(s) on %2").arg(QString::number(closing), shownName(symbol)),
         LineKind::Ordinary);
 }
 

@@ -38,11 +38,11 @@ void TradeMenu::popUp(const QPoint& globalPos, const QJsonObject& trade)
 void TradeMenu::askToClose(const QJsonObject& trade)
 {
     const QString description = tr("%1 %2 %3")
-                                    .arg(oneLine(trade.value("type"_L1).toString().toLower()),
+                                    .arg(shownName(trade.value("type"_L1).toString().toLower()),
                                         formatVolume(jsonNumber(trade.value("lotSize"_L1))),
-                                        oneLine(trade.value("symbol"_L1).toString()));
+                                        shownName(trade.value("symbol"_L1).toString()));
     auto* question = new QMessageBox(QMessageBox::Question, tr("Close Position"),
-        tr("Close position %1 (#%2)?").arg(description, oneLine(shortId(trade.value("id"_L1).toString()))),
+        tr("Close position %1 (#%2)?").arg(description, shownName(shortId(trade.value("id"_L1).toString()))),
         QMessageBox::Yes | QMessageBox::No, &m_window);
     question->setTextFormat(Qt::PlainText);
     question->setDefaultButton(QMessageBox::Yes);

@@ -1,12 +1,12 @@
 #include "net/ApiClient.h"
 
 #include "app/SafeRequest.h"
+#include "app/ServerText.h"
 #include "app/TerminalSettings.h"
 #include "net/OneShotBody.h"
 #include "net/RefusedReply.h"
 #include "net/ReplyOutcome.h"
 #include "net/ReplyWatch.h"
-#include "net/SafeText.h"
 #include "net/UrlParts.h"
 
 #include <QJsonDocument>
@@ -208,6 +208,6 @@ void ApiClient::finishLogin(QNetworkReply* reply, const QString& email)
     }
     QString message = outcome.error;
     if (outcome.ok)
-        message = safeText(outcome.body.value("message"_L1).toString());
+        message = shownReason(outcome.body.value("message"_L1).toString());
     Q_EMIT loginFailed(message.isEmpty() ? tr("Unexpected server response") : message);
 }

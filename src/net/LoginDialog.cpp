@@ -7,7 +7,6 @@
 #include "app/ServerText.h"
 #include "app/TerminalSettings.h"
 #include "app/Theme.h"
-#include "net/SafeText.h"
 
 #include <QCheckBox>
 #include <QFormLayout>
@@ -23,9 +22,6 @@ namespace {
 
 constexpr int dialogWidth = 400;
 constexpr int bannerHeight = 96;
-
-// A longer text from the server would push the buttons off the screen.
-constexpr qsizetype longestError = 600;
 constexpr QMargins outerMargins(0, 0, 0, 16);
 constexpr QMargins rowMargins(24, 4, 24, 0);
 
@@ -159,7 +155,7 @@ void LoginDialog::setBusy(bool on)
 void LoginDialog::showError(const QString& text)
 {
     logReport(tr("Auth"), text);
-    m_errorLabel->setText(shortened(text, longestError));
+    showReason(*m_errorLabel, text);
     m_errorLabel->show();
     fitHeight();
 }

@@ -1,7 +1,7 @@
 #include "net/ReplyOutcome.h"
 
+#include "app/ServerText.h"
 #include "net/ReplyWatch.h"
-#include "net/SafeText.h"
 
 #include <QCoreApplication>
 #include <QNetworkReply>
@@ -94,8 +94,8 @@ ReplyOutcome ReplyOutcome::readUnparsed(QNetworkReply* reply)
         outcome.content = reply->readAll();
     if (!outcome.ok) {
         parse(outcome);
-        const QString message = outcome.body.value("message"_L1).toString();
-        outcome.error = safeText(message.isEmpty() ? networkText(*reply, outcome.status) : message);
+        const QString message = outcome.body.value("message"_L1).toString().trimmed();
+        outcome.error = shownReason(message.isEmpty() ? networkText(*reply, outcome.status) : message);
     }
     return outcome;
 }

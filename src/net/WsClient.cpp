@@ -1,7 +1,7 @@
 #include "net/WsClient.h"
 
+#include "app/ServerText.h"
 #include "app/TerminalSettings.h"
-#include "net/SafeText.h"
 #include "net/SocketError.h"
 #include "net/UrlParts.h"
 
@@ -101,7 +101,7 @@ void WsClient::open()
     m_endUntold = false;
 
     const QString address = feedAddress();
-    log(tr("Connecting to %1...").arg(address));
+    log(tr("Connecting to %1...").arg(shownSentence(address)));
     QUrl url(address);
     // Encoded by hand, since a query item would leave "+" as it is and servers read that as a blank.
     url.setQuery("token="_L1 + encodeQueryValue(TerminalSettings::instance().token()));
@@ -141,7 +141,7 @@ void WsClient::giveUpAttempt()
 
 void WsClient::reportError()
 {
-    const QString text = safeText(m_socket.errorString());
+    const QString text = shownReason(m_socket.errorString());
     if (text == m_lastError)
         return;
     m_lastError = text;

@@ -59,8 +59,8 @@ ModifyDialog::ModifyDialog(ApiClient& api, const QJsonObject& trade, int digits,
 
     auto* column = new QVBoxLayout(this);
     QLabel* header = plainLabel(tr("%1 %2 %3")
-                                    .arg(oneLine(trade.value("symbol"_L1).toString()),
-                                        oneLine(trade.value("type"_L1).toString().toLower()),
+                                    .arg(shownName(trade.value("symbol"_L1).toString()),
+                                        shownName(trade.value("type"_L1).toString().toLower()),
                                         textOfPositive(jsonNumber(trade.value("lotSize"_L1)), lotDecimals)),
         this);
     header->setObjectName("modifyHeader"_L1);
@@ -160,7 +160,7 @@ void ModifyDialog::onReply(QNetworkReply* reply)
 
 void ModifyDialog::showError(const QString& text)
 {
-    m_error->setText(text);
+    showReason(*m_error, text);
     m_error->show();
 }
 

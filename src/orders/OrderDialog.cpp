@@ -77,13 +77,14 @@ void OrderDialog::setOrderType(OrderType type)
 {
     m_orderType = type;
     m_form->setOrderType(type);
-    setWindowTitle(tr("Order: %1 - %2")
-                       .arg(oneLine(m_form->symbol()), oneLine(m_record.value("description"_L1).toString())));
+    setWindowTitle(
+        tr("Order: %1 - %2").arg(m_shownSymbol, shownSentence(m_record.value("description"_L1).toString())));
 }
 
 void OrderDialog::onSymbolChanged()
 {
     m_record = {};
+    m_shownSymbol = shownName(m_form->symbol());
     for (const auto& value : std::as_const(m_symbols)) {
         if (value.toObject().value("name"_L1).toString() == m_form->symbol())
             m_record = value.toObject();
@@ -111,7 +112,7 @@ void OrderDialog::onPrices(const QJsonObject& prices)
     m_tickChart->update();
     const double contractSize = jsonNumber(m_record.value("contractSize"_L1));
     const double units = m_form->lots() * (contractSize > 0.0 ? contractSize : 1.0);
-    m_form->showUnits(tr("%1 %2").arg(QString::number(units, 'f', 0), oneLine(symbol)));
+    m_form->showUnits(tr("%1 %2").arg(QString::number(units, 'f', 0), m_shownSymbol));
 }
 
 void OrderDialog::place(OrderSide side)

@@ -53,6 +53,7 @@ private:
     QString m_accountId;
     QJsonArray m_symbols;
     QJsonObject m_record; ///< of the selected symbol
+    QString m_shownSymbol;
     OrderType m_orderType = OrderType::Market;
     std::optional<Quote> m_quote; ///< the selected symbol's; none until a price comes
 

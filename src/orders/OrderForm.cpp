@@ -161,7 +161,8 @@ void OrderForm::fillSymbols(const QJsonArray& symbols, const QString& initialSym
         const QString name = record.value("name"_L1).toString();
         if (!name.isEmpty())
             m_symbolCombo->addItem(
-                tr("%1, %2").arg(oneLine(name), oneLine(record.value("description"_L1).toString())), name);
+                tr("%1, %2").arg(shownName(name), shownSentence(record.value("description"_L1).toString())),
+                name);
     }
     const int initial = initialSymbol.isEmpty() ? -1 : m_symbolCombo->findData(initialSymbol);
     if (initial >= 0)
@@ -211,7 +212,7 @@ void OrderForm::showUnits(const QString& text)
 
 void OrderForm::showError(const QString& text)
 {
-    m_error->setText(text);
+    showReason(*m_error, text);
     m_error->setVisible(!text.isEmpty());
 }
 

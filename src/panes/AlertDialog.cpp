@@ -2,6 +2,7 @@
 
 #include "app/DecimalSpinBox.h"
 #include "app/FocusOrder.h"
+#include "app/ServerText.h"
 #include "app/WheelFocus.h"
 
 #include <QComboBox>
@@ -20,7 +21,8 @@ AlertDialog::AlertDialog(const QStringList& symbols, QWidget* parent)
     setModal(true);
     setWindowTitle(tr("New Alert"));
     m_symbol->setObjectName("alertSymbol"_L1);
-    m_symbol->addItems(symbols);
+    for (const QString& symbol : symbols)
+        m_symbol->addItem(shownName(symbol), symbol);
     m_condition->setObjectName("alertCondition"_L1);
     m_condition->addItem(tr("Bid ≥"), true);
     m_condition->addItem(tr("Bid ≤"), false);
@@ -45,5 +47,5 @@ AlertDialog::AlertDialog(const QStringList& symbols, QWidget* parent)
 
 PriceAlert AlertDialog::alert() const
 {
-    return {m_symbol->currentText(), m_condition->currentData().toBool(), m_price->value(), false};
+    return {m_symbol->currentData().toString(), m_condition->currentData().toBool(), m_price->value(), false};
 }

@@ -68,9 +68,9 @@ void AlertsPane::checkQuotes(const PriceSnapshot& prices)
     for (const AlertBook::Fired& hit : fired) {
         const PriceAlert& alert = m_book.alerts().at(hit.index);
         Q_EMIT soundWanted(SoundKind::Fill);
-        Q_EMIT balloonWanted({tr("Price Alert — %1").arg(oneLine(alert.symbol)),
+        Q_EMIT balloonWanted({tr("Price Alert — %1").arg(shownName(alert.symbol)),
             tr("%1 %2 %3 (now %4)")
-                .arg(oneLine(alert.symbol), alert.above ? u"≥"_s : u"≤"_s,
+                .arg(shownName(alert.symbol), alert.above ? u"≥"_s : u"≤"_s,
                     formatPrice(alert.price, priceDecimals), formatPrice(hit.bid, priceDecimals)),
             Balloon::Kind::Information, balloonMs});
     }
@@ -116,7 +116,7 @@ void AlertsPane::fill()
     QList<QTreeWidgetItem*> rows;
     rows.reserve(m_book.alerts().size());
     for (const PriceAlert& alert : m_book.alerts()) {
-        auto* row = new QTreeWidgetItem({oneLine(alert.symbol), alert.above ? tr("Bid ≥") : tr("Bid ≤"),
+        auto* row = new QTreeWidgetItem({shownName(alert.symbol), alert.above ? tr("Bid ≥") : tr("Bid ≤"),
             formatPrice(alert.price, priceDecimals), alert.triggered ? tr("Triggered") : tr("Active")});
         row->setForeground(3, alert.triggered ? FixedColors::grey : activeColor);
         rows.append(row);

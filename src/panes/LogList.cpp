@@ -78,12 +78,12 @@ LogList::LogList(Clock clock, QWidget* parent)
 
 void LogList::append(const QString& source, const QString& message)
 {
-    QString shared = oneLine(source);
+    QString shared = shownName(source);
     if (const auto known = m_sources.constFind(shared); known != m_sources.cend())
         shared = *known;
     else if (m_sources.size() < mostSources)
         m_sources.insert(shared);
-    QString line = oneLine(message);
+    QString line = shownEntry(message);
     line.squeeze();
     addTopLevelItem(new LogItem(m_clock, shared, line));
 }

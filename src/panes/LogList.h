@@ -19,7 +19,8 @@ public:
     explicit LogList(Clock clock, QWidget* parent = nullptr);
     ~LogList() override = default;
 
-    /// Adds a row at the bottom with the present local time. Line breaks become blanks.
+    /// Adds a row at the bottom with the present local time. Both are shortened, on one line
+    /// and without known secrets.
     void append(const QString& source, const QString& message);
 
 protected:

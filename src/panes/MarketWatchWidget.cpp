@@ -49,6 +49,11 @@ void stretchLastColumn(QTreeWidget* list)
     list->header()->setStretchLastSection(true);
 }
 
+QString symbolOf(const QTreeWidgetItem* item)
+{
+    return item ? static_cast<const QuoteItem*>(item)->symbol() : QString();
+}
+
 } // namespace
 
 MarketWatchWidget::MarketWatchWidget(QWidget* parent)
@@ -79,9 +84,8 @@ MarketWatchWidget::MarketWatchWidget(QWidget* parent)
 
     connect(m_list, &QTreeWidget::itemDoubleClicked, this, &MarketWatchWidget::activate);
     connect(m_list, &QTreeWidget::itemActivated, this, &MarketWatchWidget::activate);
-    connect(m_list, &QTreeWidget::currentItemChanged, this, [this](const QTreeWidgetItem* current) {
-        showDetails(current ? current->text(QuoteItem::Symbol) : QString());
-    });
+    connect(m_list, &QTreeWidget::currentItemChanged, this,
+        [this](const QTreeWidgetItem* current) { showDetails(symbolOf(current)); });
     connect(m_tabs, &QTabBar::currentChanged, this, &MarketWatchWidget::showPage);
 }
 
@@ -115,7 +119,7 @@ QString MarketWatchWidget::currentSymbol() const
     const QTreeWidgetItem* item = m_list->currentItem();
     if (!item)
         item = m_list->topLevelItem(0);
-    return item ? item->text(QuoteItem::Symbol) : QString();
+    return symbolOf(item);
 }
 
 QAbstractItemModel& MarketWatchWidget::quotes() const
@@ -140,14 +144,14 @@ void MarketWatchWidget::activate(const QTreeWidgetItem* item)
     if (item == m_reportedItem)
         return;
     m_reportedItem = item;
-    Q_EMIT symbolActivated(item->text(QuoteItem::Symbol));
+    Q_EMIT symbolActivated(symbolOf(item));
 }
 
 void MarketWatchWidget::setSymbols(const QJsonArray& symbols)
 {
     // A reconnect sends the list again: the trader's place in it stays.
     const QTreeWidgetItem* current = m_list->currentItem();
-    const QString currentName = current ? current->text(QuoteItem::Symbol) : QString();
+    const QString currentName = symbolOf(current);
     const int scrolled = m_list->verticalScrollBar()->value();
 
     m_reportedItem = nullptr;

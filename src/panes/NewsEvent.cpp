@@ -47,9 +47,9 @@ NewsReply NewsReply::read(const QJsonDocument& document)
         event.id = value["id"_L1].toString();
         event.time = clockText(value["eventTime"_L1].toString());
         event.minutesUntil = jsonInt(value["minutesUntil"_L1], 0);
-        event.impact = oneLine(value["impact"_L1].toString());
-        event.currency = oneLine(value["currency"_L1].toString());
-        event.title = oneLine(value["title"_L1].toString());
+        event.impact = shownName(value["impact"_L1].toString());
+        event.currency = shownName(value["currency"_L1].toString());
+        event.title = shownSentence(value["title"_L1].toString());
         reply.events.append(event);
     }
     return reply;

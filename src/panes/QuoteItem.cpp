@@ -19,8 +19,9 @@ QuoteLook QuoteLook::forCurrentTheme()
 
 QuoteItem::QuoteItem(
     std::shared_ptr<const QuoteLook> look, const QString& name, const QString& description, int digits)
-    : QTreeWidgetItem({name, QString(), QString(), QString()})
+    : QTreeWidgetItem({shownName(name), QString(), QString(), QString()})
     , m_look(std::move(look))
+    , m_name(name)
     , m_digits(clampDigits(digits))
 {
     if (!description.isEmpty())

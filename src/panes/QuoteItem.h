@@ -34,6 +34,8 @@ public:
     QuoteItem(
         std::shared_ptr<const QuoteLook> look, const QString& name, const QString& description, int digits);
 
+    /// The symbol whole, of which the row shows the beginning.
+    [[nodiscard]] QString symbol() const { return m_name; }
     /// A new price. Tick::None keeps the direction shown before.
     void setBid(double bid, Tick tick);
     void setAsk(double ask, Tick tick);
@@ -48,6 +50,7 @@ private:
     [[nodiscard]] const QBrush& brushOf(Tick tick) const;
 
     std::shared_ptr<const QuoteLook> m_look;
+    QString m_name;
     double m_bid = 0.0; ///< 0: no price yet
     double m_ask = 0.0;
     double m_daily = 0.0;

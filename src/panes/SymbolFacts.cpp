@@ -24,8 +24,8 @@ QList<SymbolFact> symbolFacts(const QString& symbol, const QJsonObject& record)
     const auto general
         = [&record](QLatin1StringView key) { return formatGeneral(jsonNumber(record.value(key))); };
     return {
-        {FactTexts::tr("Symbol"), symbol},
-        {FactTexts::tr("Description"), oneLine(record.value("description"_L1).toString())},
+        {FactTexts::tr("Symbol"), shownName(symbol)},
+        {FactTexts::tr("Description"), shownSentence(record.value("description"_L1).toString())},
         {FactTexts::tr("Digits"), QString::number(jsonInt(record.value("digits"_L1), 5))},
         {FactTexts::tr("Contract size"), general("contractSize"_L1)},
         {FactTexts::tr("Commission (per lot)"), general("commission"_L1)},

@@ -19,7 +19,7 @@ double number(const QJsonObject& trade, QLatin1StringView key)
 
 QString text(const QJsonObject& trade, QLatin1StringView key)
 {
-    return oneLine(trade.value(key).toString());
+    return shownName(trade.value(key).toString());
 }
 
 QString price(const QJsonObject& trade, QLatin1StringView key, int digits)

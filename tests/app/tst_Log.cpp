@@ -1,4 +1,5 @@
 #include "app/Log.h"
+#include "app/Secrets.h"
 #include "support/TestMain.h"
 
 #include <QRegularExpression>
@@ -108,22 +109,28 @@ private Q_SLOTS:
 
     void aSecretNeverReachesTheLog()
     {
-        hideFromLog(u"se+cret/token"_s);
+        keepSecret(u"se+cret/token"_s);
         appLog(u"GET https://x/ws?token=se%2Bcret%2Ftoken failed for se+cret/token."_s);
         QCOMPARE(lastMessage(), u"GET https://x/ws?token=[hidden] failed for [hidden]."_s);
     }
 
     void aSecretWithALineBreakIsHiddenToo()
     {
-        hideFromLog(u"broken\nsecret"_s);
+        keepSecret(u"broken\nsecret"_s);
         appLog(u"value broken\nsecret here"_s);
         QCOMPARE(lastMessage(), u"value [hidden] here"_s);
     }
 
+    void anEndlessMessageIsCut()
+    {
+        appLog(QString(1'000'000, u'x'));
+        QCOMPARE(lastMessage(), QString(8192, u'x') + u'…');
+    }
+
     void wordsThatAreTooShortForASecretAreNotMasked()
     {
-        hideFromLog(u"a"_s);
-        hideFromLog(QString());
+        keepSecret(u"a"_s);
+        keepSecret(QString());
         appLog(u"a plain message"_s);
         QCOMPARE(lastMessage(), u"a plain message"_s);
     }

@@ -15,7 +15,7 @@
 #include <QtTest>
 
 /// A whole main window against scripted servers on one loopback port: two accounts, two symbols.
-struct MainWindowFixture final {
+struct MainWindowFixture {
     StubHttpServer http;
     StubFeedServer feed{http};
     std::unique_ptr<MainWindow> window;

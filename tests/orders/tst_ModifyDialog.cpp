@@ -110,6 +110,8 @@ private Q_SLOTS:
     void aRefusalIsShownAndCanBeCorrected();
     void everyRefusalStandsInTheLog();
     void aRefusalWithMarkupIsShownAsText();
+    void noRefusalPushesTheButtonsOffTheScreen_data();
+    void noRefusalPushesTheButtonsOffTheScreen();
     void aRefusalWithoutAMessageIsShownInTheNetworksWords_data();
     void aRefusalWithoutAMessageIsShownInTheNetworksWords();
     void twoPressesSendOnce();
@@ -483,6 +485,32 @@ void TestModifyDialog::aRefusalWithMarkupIsShownAsText()
     desk.press();
     QTRY_VERIFY(desk.error()->isVisible());
     QCOMPARE(desk.error()->textFormat(), Qt::PlainText);
+}
+
+void TestModifyDialog::noRefusalPushesTheButtonsOffTheScreen_data()
+{
+    QTest::addColumn<QString>("reason");
+    QTest::newRow("many lines") << u"no\n"_s.repeated(5000);
+    QTest::newRow("many words") << u"no way "_s.repeated(50'000);
+    QTest::newRow("one long word") << QString(100'000, u'x');
+    QTest::newRow("blank lines") << QString(100'000, u'\n') + u"no"_s;
+}
+
+void TestModifyDialog::noRefusalPushesTheButtonsOffTheScreen()
+{
+    QFETCH(QString, reason);
+    Desk desk;
+    const QSize before = desk.dialog->size();
+    desk.server.on("PUT", path, StubAnswer::message(reason, 400));
+    desk.press();
+    QTRY_VERIFY(desk.error()->isVisible());
+    QVERIFY(desk.error()->text().size() <= 400);
+    // The layout asks for its room in a later turn.
+    QTRY_VERIFY(desk.dialog->height() >= desk.dialog->minimumSizeHint().height());
+    QVERIFY2(
+        desk.dialog->height() <= before.height() + 200, qPrintable(QString::number(desk.dialog->height())));
+    QVERIFY2(desk.dialog->width() <= before.width() + 100, qPrintable(QString::number(desk.dialog->width())));
+    QVERIFY(desk.dialog->rect().contains(desk.modify()->geometry()));
 }
 
 void TestModifyDialog::aRefusalWithoutAMessageIsShownInTheNetworksWords_data()

@@ -21,6 +21,8 @@ private Q_SLOTS:
     void everyRefusalStandsInTheLog();
     void aRefusalCanBeCorrectedAndSentAgain();
     void aRefusalWithoutMessageShowsTheNetworksText();
+    void noRefusalPushesTheButtonsOffTheScreen_data();
+    void noRefusalPushesTheButtonsOffTheScreen();
     void aDrippingAnswerEndsAndTheOutcomeIsUnknown();
     void anUncertainOutcomeIsNeverReportedAsDone_data();
     void anUncertainOutcomeIsNeverReportedAsDone();
@@ -119,6 +121,30 @@ void TestOrderDialogAnswers::aRefusalCanBeCorrectedAndSentAgain()
     desk.server.release(StubAnswer::json("{}"));
     QTRY_COMPARE(placed.size(), 1);
     QTRY_VERIFY(!desk.dialog);
+}
+
+void TestOrderDialogAnswers::noRefusalPushesTheButtonsOffTheScreen_data()
+{
+    QTest::addColumn<QString>("reason");
+    QTest::newRow("many lines") << u"no\n"_s.repeated(5000);
+    QTest::newRow("many words") << u"no way "_s.repeated(50'000);
+    QTest::newRow("one long word") << QString(100'000, u'x');
+}
+
+void TestOrderDialogAnswers::noRefusalPushesTheButtonsOffTheScreen()
+{
+    QFETCH(QString, reason);
+    Desk desk;
+    const QSize before = desk.dialog->size();
+    desk.server.on("POST", placePath, StubAnswer::message(reason, 400));
+    QTest::mouseClick(desk.buy(), Qt::LeftButton);
+    QTRY_VERIFY(desk.error()->isVisible());
+    QVERIFY(desk.error()->text().size() <= 400);
+    // The layout asks for its room in a later turn.
+    QTRY_VERIFY(desk.dialog->height() >= desk.dialog->minimumSizeHint().height());
+    QVERIFY2(
+        desk.dialog->height() <= before.height() + 200, qPrintable(QString::number(desk.dialog->height())));
+    QVERIFY2(desk.dialog->width() <= before.width() + 100, qPrintable(QString::number(desk.dialog->width())));
 }
 
 void TestOrderDialogAnswers::aRefusalWithoutMessageShowsTheNetworksText()
