@@ -5,7 +5,9 @@
 #include <QCoreApplication>
 #include <QDir>
 #include <QFileInfo>
-#include <QTemporaryFile>
+
+#include <algorithm>
+#include <utility>
 
 using namespace Qt::StringLiterals;
 
@@ -28,56 +30,6 @@ std::optional<QByteArray> contentOf(const QString& path)
     return file.readAll();
 }
 
-/// Whether the last value's quotes are still open, as in a file that was cut off half-way. The
-/// toolkit takes all that follows an open quote as part of the value and reports nothing.
-bool endsInsideQuotes(const QByteArray& content)
-{
-    bool quoted = false;
-    bool comment = false;
-    for (qsizetype i = 0; i < content.size(); ++i) {
-        const char c = content[i];
-        if (c == '\n' || c == '\r')
-            comment = false;
-        else if (comment)
-            continue;
-        else if (c == '\\')
-            ++i;
-        else if (c == '"')
-            quoted = !quoted;
-        else if (c == ';' && !quoted)
-            comment = true;
-    }
-    return quoted;
-}
-
-/// The toolkit's parser takes nearly anything. What it writes itself holds no control characters,
-/// closes its quotes, and a store that is not empty holds at least one "key=value".
-bool looksWritten(const QByteArray& content)
-{
-    const auto isForeign = [](char c) {
-        const auto code = static_cast<unsigned char>(c);
-        return (code < 0x20 && c != '\n' && c != '\r' && c != '\t') || code == 0x7f;
-    };
-    return content.contains('=') && std::none_of(content.cbegin(), content.cend(), isForeign)
-        && !endsInsideQuotes(content);
-}
-
-/// Parses `content` as the toolkit would and hands the result to `look`; false when it is damaged.
-/// The toolkit parses files only, hence the short-lived private one in `folder`.
-template <typename Look> bool parsed(const QByteArray& content, const QString& folder, Look look)
-{
-    QTemporaryFile file(folder + "/Terminal.check.XXXXXX"_L1);
-    if (!file.open() || file.write(content) != content.size() || !file.flush())
-        return false;
-    const QSettings settings(file.fileName(), QSettings::IniFormat);
-    return settings.status() == QSettings::NoError && look(settings);
-}
-
-bool isSound(const QByteArray& content, const QString& folder)
-{
-    return looksWritten(content) && parsed(content, folder, [](const QSettings&) { return true; });
-}
-
 QString notice(const char* text)
 {
     return QCoreApplication::translate("SettingsStore", text);
@@ -87,12 +39,21 @@ QString notice(const char* text)
 
 SettingsStore::SettingsStore(const QString& filePath)
     : m_filePath(filePath)
+    , m_backup(filePath)
+    , m_check(folder())
 {
     if (isFile(m_filePath)) {
         makePrivate();
+        m_check.removeLeftOvers();
         repair();
     }
     m_settings = std::make_unique<QSettings>(m_filePath, QSettings::NativeFormat);
+}
+
+SettingsStore::~SettingsStore()
+{
+    if (!m_changes.isEmpty())
+        static_cast<void>(sync());
 }
 
 QString SettingsStore::userFilePath()
@@ -102,44 +63,45 @@ QString SettingsStore::userFilePath()
 
 QVariant SettingsStore::value(QLatin1StringView key) const
 {
-    return m_settings->value(QString(key));
+    const auto change = m_changes.constFind(QString(key));
+    return change == m_changes.cend() ? m_settings->value(QString(key)) : change->value_or(QVariant());
 }
 
+// Changes wait here, not in the toolkit's object: that would write them by itself at any time, whatever
+// stands beside the file.
 void SettingsStore::setValue(QLatin1StringView key, const QVariant& value)
 {
-    m_settings->setValue(QString(key), value);
+    m_changes.insert(QString(key), value);
 }
 
 void SettingsStore::remove(QLatin1StringView key)
 {
-    m_settings->remove(QString(key));
+    m_changes.insert(QString(key), std::nullopt);
 }
 
 bool SettingsStore::sync()
 {
-    m_settings->sync();
-    if (!isFile(m_filePath))
+    if (!isFile(m_filePath)) {
+        writeChanges();
         return m_settings->status() == QSettings::NoError;
+    }
+    if (!m_changes.isEmpty() && !mayWrite())
+        return false;
+    writeChanges();
     // Made anew under the usual umask when somebody deleted it meanwhile.
     QFile::setPermissions(m_filePath, ownerFile);
     // The toolkit's status is no help here: good on a full disk, and bad for ever after one failure.
     const std::optional<QByteArray> content = contentOf(m_filePath);
-    if (!content)
-        return false;
-    if (!matchesMemory(*content)) {
-        // A full disk leaves a short file and no error. Mark every value as changed, so that the next
-        // sync writes them again; until then the copy holds the last good state.
+    m_fileIsSuspect = !content || !matchesMemory(*content);
+    if (m_fileIsSuspect) {
+        // A full disk leaves a short file and no error. The next sync writes every value again; until then
+        // the copy holds the last good state.
         const QStringList keys = m_settings->allKeys();
         for (const QString& key : keys)
-            m_settings->setValue(key, m_settings->value(key));
+            m_changes.insert(key, m_settings->value(key));
         return false;
     }
-    return contentOf(copyPath()) == content || replacePrivateFile(copyPath(), *content);
-}
-
-QString SettingsStore::copyPath() const
-{
-    return m_filePath + ".copy"_L1;
+    return m_backup.confirm(*content);
 }
 
 QString SettingsStore::damagedPath() const
@@ -154,16 +116,15 @@ QStringList SettingsStore::takeNotices()
 
 void SettingsStore::makePrivate()
 {
-    const QString folder = QFileInfo(m_filePath).path();
-    QDir().mkpath(QFileInfo(folder).path());
-    if (!QDir(folder).exists())
-        QDir().mkdir(folder, ownerFolder);
-    QFile::setPermissions(folder, ownerFolder);
+    QDir().mkpath(QFileInfo(folder()).path());
+    if (!QDir(folder()).exists())
+        QDir().mkdir(folder(), ownerFolder);
+    QFile::setPermissions(folder(), ownerFolder);
     if (QFileInfo::exists(m_filePath)) {
         QFile::setPermissions(m_filePath, ownerFile);
         return;
     }
-    QFile::remove(copyPath());
+    m_backup.forget();
     QFile file;
     // A failure shows at the first sync.
     static_cast<void>(openPrivateFile(file, m_filePath, QIODevice::WriteOnly | QIODevice::Append));
@@ -171,31 +132,43 @@ void SettingsStore::makePrivate()
 
 void SettingsStore::repair()
 {
+    using State = SettingsBackup::State;
     const std::optional<QByteArray> content = contentOf(m_filePath);
-    const QString folder = QFileInfo(m_filePath).path();
     // In a folder that cannot be written nothing can be checked or repaired.
-    if (!content || !QFileInfo(folder).isWritable() || isSound(*content, folder))
+    if (!content || !QFileInfo(folder()).isWritable())
         return;
-    const QByteArray copy = contentOf(copyPath()).value_or(QByteArray());
-    const bool copyIsSound = isSound(copy, folder);
-    if (content->isEmpty() && !copyIsSound)
+    const State state = m_backup.stateOf(*content);
+    if (state == State::Saved)
+        return;
+    const QByteArray copy = m_backup.copy();
+    const bool copyIsGood = !copy.isEmpty() && (m_backup.vouchesFor(copy) || !m_check.isDamaged(copy));
+    // An edit by hand is no damage. What only looks like one is kept beside the file, and told.
+    const bool lacksSomething = copyIsGood && (state == State::Unconfirmed || state == State::Cut);
+    if (!lacksSomething && !m_check.isDamaged(*content))
+        return;
+    if (content->isEmpty() && !copyIsGood)
         return; // The first start.
-    if (!content->isEmpty())
-        setAside(*content);
-    if (!replacePrivateFile(m_filePath, copyIsSound ? copy : QByteArray()))
-        return;
-    m_notices.append(copyIsSound
-            ? notice(QT_TRANSLATE_NOOP(
-                "SettingsStore", "The settings file was damaged; its last good copy has been put back."))
-            : notice(QT_TRANSLATE_NOOP("SettingsStore",
-                "The settings file was damaged and there was no good copy; default settings are used.")));
-    if (!content->isEmpty())
+    if (copyIsGood) {
+        if (!m_backup.putBack())
+            return;
+        m_notices.append(notice(QT_TRANSLATE_NOOP(
+            "SettingsStore", "The settings file was damaged; its last good copy has been put back.")));
+    }
+    const bool isKept = !content->isEmpty() && setAside(*content);
+    if (!copyIsGood) {
+        // Nothing is thrown away that is not kept elsewhere.
+        if (!isKept || !replacePrivateFile(m_filePath, {}))
+            return;
+        m_notices.append(notice(QT_TRANSLATE_NOOP("SettingsStore",
+            "The settings file was damaged and there was no good copy; default settings are used.")));
+    }
+    if (isKept)
         m_notices.append(
             notice(QT_TRANSLATE_NOOP("SettingsStore", "The damaged settings file is kept as %1."))
                 .arg(damagedPath()));
 }
 
-void SettingsStore::setAside(const QByteArray& damaged) const
+bool SettingsStore::setAside(const QByteArray& damaged) const
 {
     // Kept for a look by hand, without the session token: signing out could not remove it there.
     QByteArray kept;
@@ -204,15 +177,41 @@ void SettingsStore::setAside(const QByteArray& damaged) const
             kept += line + '\n';
     }
     kept.chop(1);
-    static_cast<void>(replacePrivateFile(damagedPath(), kept));
+    return replacePrivateFile(damagedPath(), kept);
+}
+
+/// Whether what is in the file now would survive a write that fails half-way.
+bool SettingsStore::mayWrite()
+{
+    const std::optional<QByteArray> content = contentOf(m_filePath);
+    const bool isWorthACopy = content && !content->isEmpty() && !m_fileIsSuspect;
+    return (!isWorthACopy || m_backup.copyFrom(*content)) && m_backup.beginSave();
+}
+
+void SettingsStore::writeChanges()
+{
+    const auto changes = std::exchange(m_changes, {});
+    for (auto change = changes.cbegin(); change != changes.cend(); ++change) {
+        if (change->has_value())
+            m_settings->setValue(change.key(), **change);
+        else
+            m_settings->remove(change.key());
+    }
+    m_settings->sync();
 }
 
 bool SettingsStore::matchesMemory(const QByteArray& content) const
 {
-    return parsed(content, QFileInfo(m_filePath).path(), [this](const QSettings& onDisk) {
+    const auto isTheSame = [this](const QSettings& onDisk) {
         const QStringList keys = m_settings->allKeys();
         return onDisk.allKeys() == keys && std::all_of(keys.cbegin(), keys.cend(), [&](const QString& key) {
             return onDisk.value(key).toString() == m_settings->value(key).toString();
         });
-    });
+    };
+    return m_check.parsed(content, isTheSame).value_or(false);
+}
+
+QString SettingsStore::folder() const
+{
+    return QFileInfo(m_filePath).path();
 }

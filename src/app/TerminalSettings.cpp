@@ -3,7 +3,10 @@
 #include "app/Log.h"
 #include "app/Secrets.h"
 
+#include <QCoreApplication>
 #include <QCryptographicHash>
+
+#include <utility>
 
 using namespace Qt::StringLiterals;
 
@@ -66,6 +69,7 @@ QString TerminalSettings::rawServerUrl() const
 void TerminalSettings::setServerUrl(const QString& url)
 {
     m_store.setValue(Key::serverUrl, url);
+    sync();
 }
 
 void TerminalSettings::setToken(const QString& token)
@@ -87,6 +91,7 @@ QString TerminalSettings::email() const
 void TerminalSettings::setEmail(const QString& email)
 {
     m_store.setValue(Key::email, email);
+    sync();
 }
 
 bool TerminalSettings::remember() const
@@ -97,6 +102,7 @@ bool TerminalSettings::remember() const
 void TerminalSettings::setRemember(bool remember)
 {
     m_store.setValue(Key::remember, remember);
+    sync();
 }
 
 bool TerminalSettings::darkTheme() const
@@ -107,6 +113,7 @@ bool TerminalSettings::darkTheme() const
 void TerminalSettings::setDarkTheme(bool isDark)
 {
     m_store.setValue(Key::theme, QString(isDark ? dark : light));
+    sync();
 }
 
 QByteArray TerminalSettings::windowGeometry() const
@@ -162,14 +169,33 @@ void TerminalSettings::setRestoringLayout(bool restoring)
 bool TerminalSettings::sync()
 {
     const bool saved = m_store.sync();
-    if (!saved)
+    if (!saved) {
         appLog(u"settings could not be saved to %1"_s.arg(m_store.filePath()));
+        if (!m_failureTold)
+            tell(QCoreApplication::translate(
+                "TerminalSettings", "The settings could not be saved to %1. What was saved before is kept.")
+                     .arg(m_store.filePath()));
+    }
+    m_failureTold = !saved;
     return saved;
 }
 
-QStringList TerminalSettings::takeStartupNotices()
+void TerminalSettings::setTeller(const Teller& teller)
 {
-    return m_store.takeNotices();
+    m_teller = teller;
+}
+
+void TerminalSettings::tell(const QString& notice)
+{
+    if (m_teller)
+        m_teller(notice);
+    else
+        m_untold.append(notice);
+}
+
+QStringList TerminalSettings::takeNotices()
+{
+    return m_store.takeNotices() + std::exchange(m_untold, {});
 }
 
 QString TerminalSettings::text(QLatin1StringView key, const QString& fallback) const

@@ -6,6 +6,8 @@
 #include <QString>
 #include <QStringList>
 
+#include <functional>
+
 /// The process-wide settings: what the terminal remembers between runs, with one typed accessor for
 /// each value. A value of the wrong type, as a hand-edited file may hold, reads as its default.
 class TerminalSettings final {
@@ -22,12 +24,12 @@ public:
     [[nodiscard]] QString serverUrl() const;
     /// The address as it is stored, or the default one.
     [[nodiscard]] QString rawServerUrl() const;
+    /// Saved at once, as every value is but the layout.
     void setServerUrl(const QString& url);
 
     /// The bearer token of this session.
     [[nodiscard]] QString token() const { return m_token; }
-    /// Keeps the token for this session and, only while remember() is true, for later ones. Saved
-    /// at once.
+    /// Keeps the token for this session and, only while remember() is true, for later ones.
     void setToken(const QString& token);
 
     [[nodiscard]] QString email() const;
@@ -49,30 +51,37 @@ public:
 
     /// The open charts as JSON text, empty when there are none.
     [[nodiscard]] QString chartsLayout() const;
+    /// Call sync() when all of the layout is stored.
     void setChartsLayout(const QString& json);
 
     /// The price alerts as JSON text, empty when there are none.
     [[nodiscard]] QString alerts() const;
-    /// Saved at once.
     void setAlerts(const QString& json);
 
     /// True at start when an earlier run ended while it restored its layout; then use the default
-    /// layout. Set before restoring and clear after; saved at once.
+    /// layout. Set before restoring and clear after.
     [[nodiscard]] bool restoringLayout() const;
     void setRestoringLayout(bool restoring);
 
     /// Writes everything to disk now and renews the verified copy. False, with a log line, when the
-    /// store could not be written as it should be.
+    /// store could not be written as it should be. The first failure after a save that went well is told.
     bool sync();
 
-    /// What a person should be told about the settings of this start, each text once.
-    [[nodiscard]] QStringList takeStartupNotices();
+    /// Takes whatever a person should be told, as it comes up; an empty one ends that.
+    using Teller = std::function<void(const QString& notice)>;
+    void setTeller(const Teller& teller);
+    /// What a person should be told and there was nobody to tell it, each text once.
+    [[nodiscard]] QStringList takeNotices();
 
 private:
+    void tell(const QString& notice);
     [[nodiscard]] QString text(QLatin1StringView key, const QString& fallback = {}) const;
     [[nodiscard]] QByteArray bytes(QLatin1StringView key) const;
     [[nodiscard]] bool flag(QLatin1StringView key, bool fallback) const;
 
     SettingsStore m_store;
     QString m_token;
+    Teller m_teller;
+    QStringList m_untold;
+    bool m_failureTold = false;
 };

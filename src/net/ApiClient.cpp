@@ -202,7 +202,7 @@ void ApiClient::finishLogin(QNetworkReply* reply, const QString& email)
     if (outcome.ok && token != outcome.body.constEnd()) {
         TerminalSettings& settings = TerminalSettings::instance();
         settings.setEmail(email);
-        settings.setToken(token->toString()); // writes both to the disk
+        settings.setToken(token->toString());
         Q_EMIT loginSucceeded(outcome.body);
         return;
     }

@@ -2,6 +2,7 @@
 #include "app/SettingsStore.h"
 #include "support/TestMain.h"
 
+#include <sys/file.h>
 #include <sys/stat.h>
 
 using namespace Qt::StringLiterals;
@@ -17,7 +18,11 @@ private Q_SLOTS:
     void init()
     {
         ::umask(022);
-        m_root = std::make_unique<QTemporaryDir>();
+        // In memory where there is such a folder: a disk takes its time to confirm thousands of small files.
+        const QString memory = u"/dev/shm"_s;
+        const QString root = QFileInfo(memory).isWritable() ? memory : QDir::tempPath();
+        m_root = std::make_unique<QTemporaryDir>(root + u"/tavoran-store-XXXXXX"_s);
+        QVERIFY(m_root->isValid());
         m_path = m_root->filePath(u"config/Tavoran/Terminal.conf"_s);
     }
 
@@ -228,6 +233,220 @@ private Q_SLOTS:
         QCOMPARE(contentOf(store.copyPath()), contentOf(m_path));
     }
 
+    void noSizeOfAFullDiskLosesWhatWasSaved_data()
+    {
+        QTest::addColumn<int>("room");
+        for (int room = 0; room <= 8192; room += 64)
+            QTest::addRow("%d bytes left", room) << room;
+    }
+    void noSizeOfAFullDiskLosesWhatWasSaved()
+    {
+        QFETCH(int, room);
+        const QString before = layoutOf(40);
+        const QString after = layoutOf(70);
+        {
+            SettingsStore store(m_path);
+            saveEverything(store, before);
+            QVERIFY(store.sync());
+        }
+        bool saved = false;
+        {
+            const FullDisk full(static_cast<rlim_t>(room));
+            {
+                SettingsStore store(m_path);
+                QVERIFY(holdsEverything(store, {before}));
+                store.setValue("charts/layout"_L1, after);
+                saved = store.sync();
+                store.setValue("ui/theme"_L1, u"light"_s);
+                static_cast<void>(store.sync());
+            }
+            SettingsStore store(m_path);
+            QVERIFY(holdsEverything(store, saved ? QStringList{after} : QStringList{before, after}));
+            store.setValue("auth/email"_L1, u"new@b.example"_s);
+            static_cast<void>(store.sync());
+        }
+        {
+            SettingsStore store(m_path);
+            QVERIFY(holdsEverything(store, saved ? QStringList{after} : QStringList{before, after}));
+            store.setValue("charts/layout"_L1, after);
+            QVERIFY(store.sync());
+            QCOMPARE(contentOf(store.copyPath()), contentOf(m_path));
+        }
+        // As another process reads it, which shares nothing with this one.
+        const QString elsewhere = m_root->filePath(u"elsewhere/Terminal.conf"_s);
+        QVERIFY(QDir().mkpath(QFileInfo(elsewhere).path()));
+        writeFile(elsewhere, contentOf(m_path));
+        const SettingsStore store(elsewhere);
+        QVERIFY(holdsEverything(store, {after}));
+    }
+
+    void aStoreCutAnywhereIsReplacedByTheCopy()
+    {
+        const QString layout = layoutOf(2);
+        QByteArray whole;
+        {
+            SettingsStore store(m_path);
+            saveEverything(store, layout);
+            QVERIFY(store.sync());
+            whole = contentOf(m_path);
+        }
+        for (qsizetype length = 0; length < whole.size(); ++length) {
+            writeFile(m_path, whole.first(length));
+            SettingsStore store(m_path);
+            QVERIFY2(holdsEverything(store, {layout}), qPrintable(QString::number(length)));
+            QCOMPARE(contentOf(m_path), whole);
+            QCOMPARE(store.takeNotices().size(), length > 0 ? 2 : 1);
+        }
+    }
+
+    void aSaveThatNeverEndedIsUndone()
+    {
+        {
+            SettingsStore store(m_path);
+            saveEverything(store, layoutOf(2));
+            QVERIFY(store.sync());
+        }
+        // As a terminal leaves it that ends between writing and looking at what it wrote.
+        QVERIFY(QFile::rename(m_path + u".digest"_s, m_path + u".saving"_s));
+        writeFile(m_path, "[auth]\nemail=a@b.example\n");
+        SettingsStore store(m_path);
+        QVERIFY(holdsEverything(store, {layoutOf(2)}));
+        QCOMPARE(store.takeNotices().size(), 2);
+        QCOMPARE(contentOf(store.damagedPath()), "[auth]\nemail=a@b.example\n");
+        store.setValue("ui/theme"_L1, u"light"_s);
+        QVERIFY(store.sync());
+        // What is edited from now on is an edit again.
+        writeFile(m_path, "[ui]\ntheme=dark\n");
+        SettingsStore again(m_path);
+        QCOMPARE(again.takeNotices(), QStringList());
+        QCOMPARE(again.value("ui/theme"_L1).toString(), u"dark"_s);
+    }
+
+    void aSaveThatNeverBeganIsNoReasonToUndo()
+    {
+        {
+            SettingsStore store(m_path);
+            saveEverything(store, layoutOf(2));
+            QVERIFY(store.sync());
+        }
+        QVERIFY(QFile::rename(m_path + u".digest"_s, m_path + u".saving"_s));
+        SettingsStore store(m_path);
+        QVERIFY(holdsEverything(store, {layoutOf(2)}));
+        QCOMPARE(store.takeNotices(), QStringList());
+    }
+
+    void aDigestWithoutACopyTellsThatTheFileIsWhole()
+    {
+        {
+            SettingsStore store(m_path);
+            saveEverything(store, layoutOf(2));
+            QVERIFY(store.sync());
+        }
+        writeFile(m_path + u".copy"_s, contentOf(m_path).first(100));
+        SettingsStore store(m_path);
+        QVERIFY(holdsEverything(store, {layoutOf(2)}));
+        QCOMPARE(store.takeNotices(), QStringList());
+        store.setValue("ui/theme"_L1, u"light"_s);
+        QVERIFY(store.sync());
+        QCOMPARE(contentOf(store.copyPath()), contentOf(m_path));
+    }
+
+    void aStoreFromBeforeThereWereDigestsIsTakenAsItIs()
+    {
+        QVERIFY(QDir().mkpath(QFileInfo(m_path).path()));
+        writeFile(m_path, "[auth]\nemail=new@b.example\n\n[ui]\ntheme=dark\n");
+        writeFile(m_path + u".copy"_s, "[auth]\nemail=old@b.example\n\n[ui]\ntheme=dark\n");
+        SettingsStore store(m_path);
+        QCOMPARE(store.value("auth/email"_L1).toString(), u"new@b.example"_s);
+        QCOMPARE(store.takeNotices(), QStringList());
+        QVERIFY(store.sync());
+        QVERIFY(QFile::exists(m_path + u".digest"_s));
+        QCOMPARE(modeOf(m_path + u".digest"_s), 0600);
+    }
+
+    void linesTakenFromTheEndByHandAreToldAndKept()
+    {
+        {
+            SettingsStore store(m_path);
+            store.setValue("auth/email"_L1, u"a@b.example"_s);
+            store.setValue("ui/theme"_L1, u"dark"_s);
+            QVERIFY(store.sync());
+        }
+        writeFile(m_path, "[auth]\nemail=a@b.example\n");
+        SettingsStore store(m_path);
+        QCOMPARE(store.value("ui/theme"_L1).toString(), u"dark"_s);
+        QCOMPARE(store.takeNotices().size(), 2);
+        QCOMPARE(contentOf(store.damagedPath()), "[auth]\nemail=a@b.example\n");
+    }
+
+    void nothingIsWrittenBeforeSync()
+    {
+        SettingsStore store(m_path);
+        store.setValue("ui/theme"_L1, u"dark"_s);
+        QCoreApplication::sendPostedEvents();
+        QCOMPARE(contentOf(m_path), "");
+        QCOMPARE(store.value("ui/theme"_L1).toString(), u"dark"_s);
+        store.remove("ui/theme"_L1);
+        QVERIFY(!store.value("ui/theme"_L1).isValid());
+    }
+
+    void whatIsNotSavedIsSavedInTheEnd()
+    {
+        {
+            SettingsStore store(m_path);
+            store.setValue("ui/theme"_L1, u"dark"_s);
+        }
+        QCOMPARE(contentOf(m_path), "[ui]\ntheme=dark\n");
+        QCOMPARE(contentOf(m_path + u".copy"_s), contentOf(m_path));
+    }
+
+    void whatAKilledTerminalLeftIsRemoved()
+    {
+        {
+            const SettingsStore store(m_path);
+        }
+        const QString leftOver = QFileInfo(m_path).path() + u"/Terminal.check.abcdef"_s;
+        writeFile(leftOver, "[auth]\ntoken=top-secret\n");
+        const QString other = QFileInfo(m_path).path() + u"/Terminal.checklist"_s;
+        writeFile(other, "a person's own");
+        const SettingsStore store(m_path);
+        QVERIFY(!QFile::exists(leftOver));
+        QVERIFY(QFile::exists(other));
+    }
+
+    void whatAnotherTerminalChecksJustNowStays()
+    {
+        {
+            const SettingsStore store(m_path);
+        }
+        const QString used = QFileInfo(m_path).path() + u"/Terminal.check.abcdef"_s;
+        writeFile(used, "[ui]\ntheme=dark\n");
+        QFile file(used);
+        QVERIFY(file.open(QIODevice::ReadWrite));
+        QCOMPARE(::flock(file.handle(), LOCK_EX | LOCK_NB), 0);
+        {
+            const SettingsStore store(m_path);
+            QVERIFY(QFile::exists(used));
+        }
+        file.close(); // as the end of its process does
+        const SettingsStore store(m_path);
+        QVERIFY(!QFile::exists(used));
+    }
+
+    void aLinkInPlaceOfALeftOverIsNotFollowed()
+    {
+        {
+            const SettingsStore store(m_path);
+        }
+        const QString target = m_root->filePath(u"target"_s);
+        writeFile(target, "a person's own");
+        const QString link = QFileInfo(m_path).path() + u"/Terminal.check.abcdef"_s;
+        QVERIFY(QFile::link(target, link));
+        const SettingsStore store(m_path);
+        QCOMPARE(contentOf(target), "a person's own");
+        QVERIFY(!QFileInfo(link).isSymLink());
+    }
+
     void aFolderThatComesBackIsWrittenAgain()
     {
         SettingsStore store(m_path);
@@ -265,7 +484,8 @@ private Q_SLOTS:
         store.setValue("ui/theme"_L1, u"dark"_s);
         QVERIFY(store.sync());
         const QStringList files = QFileInfo(m_path).dir().entryList(QDir::Files | QDir::Hidden, QDir::Name);
-        QCOMPARE(files, (QStringList{u"Terminal.conf"_s, u"Terminal.conf.copy"_s}));
+        QCOMPARE(
+            files, (QStringList{u"Terminal.conf"_s, u"Terminal.conf.copy"_s, u"Terminal.conf.digest"_s}));
     }
 
     void aFolderThatCannotBeMadeIsSurvived()
@@ -278,6 +498,31 @@ private Q_SLOTS:
     }
 
 private:
+    static QString layoutOf(int charts)
+    {
+        return u"[{\"symbol\": \"EURUSD\", \"timeframe\": \"15m\"}, x]\n"_s.repeated(charts);
+    }
+    static void saveEverything(SettingsStore& store, const QString& layout)
+    {
+        store.setValue("alerts"_L1, u"[{\"symbol\":\"EURUSD\",\"price\":1.1}]"_s);
+        store.setValue("auth/email"_L1, u"a@b.example"_s);
+        store.setValue("auth/token"_L1, u"token-one"_s);
+        store.setValue("charts/layout"_L1, layout);
+        store.setValue("ui/theme"_L1, u"dark"_s);
+        store.setValue("window/state"_L1, QByteArray::fromHex("00ff01ab"));
+    }
+    static bool holdsEverything(const SettingsStore& store, const QStringList& layouts)
+    {
+        const QString email = store.value("auth/email"_L1).toString();
+        const QString theme = store.value("ui/theme"_L1).toString();
+        return store.value("alerts"_L1).toString() == u"[{\"symbol\":\"EURUSD\",\"price\":1.1}]"_s
+            && (email == u"a@b.example"_s || email == u"new@b.example"_s)
+            && store.value("auth/token"_L1).toString() == u"token-one"_s
+            && layouts.contains(store.value("charts/layout"_L1).toString())
+            && (theme == u"dark"_s || theme == u"light"_s)
+            && store.value("window/state"_L1).toByteArray() == QByteArray::fromHex("00ff01ab");
+    }
+
     std::unique_ptr<QTemporaryDir> m_root;
     QString m_path;
 };

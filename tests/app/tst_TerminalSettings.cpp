@@ -53,7 +53,7 @@ private Q_SLOTS:
         QVERIFY(settings->chartsLayout().isEmpty());
         QVERIFY(settings->alerts().isEmpty());
         QVERIFY(!settings->restoringLayout());
-        QVERIFY(settings->takeStartupNotices().isEmpty());
+        QVERIFY(settings->takeNotices().isEmpty());
     }
 
     void theServerAddressIsNormalised_data()
@@ -279,6 +279,56 @@ private Q_SLOTS:
         QVERIFY(fileContent().contains("alerts=[]"));
     }
 
+    void everyValueButTheLayoutIsOnDiskAtOnce()
+    {
+        const auto settings = open();
+        settings->setServerUrl(u"https://terminal.example"_s);
+        QVERIFY(fileContent().contains("serverUrl=https://terminal.example"));
+        settings->setEmail(u"trader@example.test"_s);
+        QVERIFY(fileContent().contains("email=trader@example.test"));
+        settings->setRemember(false);
+        QVERIFY(fileContent().contains("remember=false"));
+        settings->setDarkTheme(true);
+        QVERIFY(fileContent().contains("theme=dark"));
+    }
+
+    void aFailedSaveIsToldOnceUntilOneGoesWell()
+    {
+        QStringList told;
+        const auto settings = open();
+        settings->setAlerts(u"[]"_s);
+        settings->setTeller([&told](const QString& notice) { told.append(notice); });
+        {
+            const fixtures::FullDisk full(0);
+            settings->setAlerts(u"[1]"_s);
+            settings->setAlerts(u"[1,2]"_s);
+            QVERIFY(!settings->sync());
+        }
+        QCOMPARE(told,
+            QStringList(
+                u"The settings could not be saved to %1. What was saved before is kept."_s.arg(m_path)));
+        QVERIFY(settings->sync());
+        QVERIFY(fileContent().contains("[1,2]"));
+        QCOMPARE(told.size(), 1);
+        {
+            const fixtures::FullDisk full(0);
+            settings->setAlerts(u"[]"_s);
+        }
+        QCOMPARE(told.size(), 2);
+        QVERIFY(settings->takeNotices().isEmpty());
+    }
+
+    void aFailedSaveThatNobodyHearsOfWaitsToBeTold()
+    {
+        const auto settings = open();
+        {
+            const fixtures::FullDisk full(0);
+            settings->setAlerts(u"[1]"_s);
+        }
+        QCOMPARE(settings->takeNotices().size(), 1);
+        QVERIFY(settings->takeNotices().isEmpty());
+    }
+
     void aRepairIsToldOnce()
     {
         {
@@ -288,8 +338,8 @@ private Q_SLOTS:
         writeFile({});
         const auto settings = open();
         QCOMPARE(settings->token(), u"token-one"_s);
-        QCOMPARE(settings->takeStartupNotices().size(), 1);
-        QVERIFY(settings->takeStartupNotices().isEmpty());
+        QCOMPARE(settings->takeNotices().size(), 1);
+        QVERIFY(settings->takeNotices().isEmpty());
     }
 
 private:
