@@ -99,6 +99,7 @@ MainWindow::~MainWindow()
 {
     // Whatever talks through the clients, or reports to this window, goes before them.
     m_feed.disconnect();
+    TerminalSettings::instance().setTeller({});
     delete m_tradeDesk;
     delete m_tradeActions;
     m_charts->disconnect(this);
@@ -374,7 +375,8 @@ void MainWindow::bringToFront()
 void MainWindow::restoreLayout()
 {
     TerminalSettings& settings = TerminalSettings::instance();
-    QStringList notices = settings.takeStartupNotices();
+    settings.setTeller([this](const QString& notice) { journal(tr("Terminal"), notice); });
+    QStringList notices = settings.takeNotices();
     notices.append(m_docks->restoreFromSettings());
     for (const QString& notice : std::as_const(notices)) {
         if (!notice.isEmpty())

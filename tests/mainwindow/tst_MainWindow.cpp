@@ -1,4 +1,5 @@
 #include "MainWindowFixture.h"
+#include "app/FileFixture.h"
 #include "app/Theme.h"
 #include "mainwindow/PopupPrices.h"
 #include "mainwindow/TrayIcon.h"
@@ -27,6 +28,7 @@ private Q_SLOTS:
     void slotsAreKnownByName();
     void exampleScriptsStandInTheNavigator();
     void startIsWrittenToTheJournal();
+    void aFailedSaveIsToldInTheJournalOnce();
     void themeSwitchAppliesAtOnce();
     void dockKeysShowAndHide();
     void minimizedWindowIsRepaired();
@@ -108,6 +110,29 @@ void tst_MainWindow::startIsWrittenToTheJournal()
     MainWindowFixture f;
     f.open();
     QCOMPARE(f.journal().value(0), u"Terminal: Tavoran Terminal 9.8.7 started"_s);
+}
+
+void tst_MainWindow::aFailedSaveIsToldInTheJournalOnce()
+{
+    MainWindowFixture f;
+    f.open();
+    TerminalSettings& settings = TerminalSettings::instance();
+    const QString line
+        = u"Terminal: The settings could not be saved to %1. What was saved before is kept."_s.arg(
+            SettingsStore::userFilePath());
+    const auto saveInVain = [&settings] {
+        const fixtures::FullDisk full(0);
+        settings.setAlerts(u"[1]"_s);
+        settings.setAlerts(u"[]"_s);
+    };
+    saveInVain();
+    QCOMPARE(f.journalCount(line), 1);
+    saveInVain();
+    QCOMPARE(f.journalCount(line), 1);
+    QVERIFY(settings.sync());
+    saveInVain();
+    QCOMPARE(f.journalCount(line), 2);
+    QVERIFY(settings.sync());
 }
 
 void tst_MainWindow::themeSwitchAppliesAtOnce()
