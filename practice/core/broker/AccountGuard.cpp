@@ -15,7 +15,7 @@ bool isOpen(const LiveTrade* trade)
 
 void chargeSwap(TradeDesk& desk, LiveTrade& position, std::int64_t lastDay, std::int64_t today)
 {
-    const std::optional<double> rate = desk.prices().usdRate(position.symbol);
+    const std::optional<Rate> rate = desk.prices().usdRate(position.symbol);
     const std::int64_t nights = today - std::max(lastDay, floorDivide(position.record.createdAt, dayMs));
     if (!rate || nights <= 0)
         return;

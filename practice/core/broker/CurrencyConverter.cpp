@@ -1,29 +1,33 @@
 #include "practice/core/broker/CurrencyConverter.h"
 
+#include "practice/core/PointScale.h"
+
 namespace practice {
 
 CurrencyConverter::CurrencyConverter(const std::vector<SymbolSpec>& symbols)
 {
     for (std::size_t i = 0; i < symbols.size(); ++i) {
         const SymbolSpec& spec = symbols[i];
+        const auto twoUnits = 2 * static_cast<std::int64_t>(pointsPerUnit(spec.digits));
         if (spec.profitCurrency == "USD" && spec.baseCurrency != "USD")
-            m_routes.emplace(spec.baseCurrency, Route{i, false});
+            m_routes.emplace(spec.baseCurrency, Route{i, false, twoUnits});
         else if (spec.baseCurrency == "USD" && spec.profitCurrency != "USD")
-            m_routes.emplace(spec.profitCurrency, Route{i, true});
+            m_routes.emplace(spec.profitCurrency, Route{i, true, twoUnits});
     }
 }
 
-std::optional<double> CurrencyConverter::usdPerUnit(std::string_view currency, const MidPrice& mid) const
+std::optional<Rate> CurrencyConverter::usdPerUnit(std::string_view currency, const BothSides& sides) const
 {
     if (currency == "USD")
-        return 1.0;
+        return Rate{};
     const auto route = m_routes.find(std::string(currency));
     if (route == m_routes.end())
         return std::nullopt;
-    const std::optional<double> price = mid(route->second.symbol);
-    if (!price)
+    const auto& [symbol, divide, twoUnits] = route->second;
+    const std::optional<std::int64_t> both = sides(symbol);
+    if (!both)
         return std::nullopt;
-    return route->second.divide ? 1.0 / *price : *price;
+    return divide ? Rate{twoUnits, *both} : Rate{*both, twoUnits};
 }
 
 std::optional<std::size_t> CurrencyConverter::pairFor(std::string_view currency) const

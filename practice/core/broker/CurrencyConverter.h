@@ -1,8 +1,10 @@
 #pragma once
 
 #include "practice/core/SymbolCatalog.h"
+#include "practice/core/broker/Money.h"
 
 #include <cstddef>
+#include <cstdint>
 #include <functional>
 #include <optional>
 #include <string>
@@ -16,13 +18,13 @@ namespace practice {
 /// mid price: "XXXUSD" multiplies, "USDXXX" divides.
 class CurrencyConverter {
 public:
-    /// The mid price of the symbol at a position; nothing while it has no price.
-    using MidPrice = std::function<std::optional<double>(std::size_t symbol)>;
+    /// Bid and ask of the symbol at a position together, in points; nothing while it has no price.
+    using BothSides = std::function<std::optional<std::int64_t>(std::size_t symbol)>;
 
     explicit CurrencyConverter(const std::vector<SymbolSpec>& symbols);
 
     /// USD for one unit of the currency; 1 for USD itself, nothing without a pair or without its price.
-    [[nodiscard]] std::optional<double> usdPerUnit(std::string_view currency, const MidPrice& mid) const;
+    [[nodiscard]] std::optional<Rate> usdPerUnit(std::string_view currency, const BothSides& sides) const;
 
     /// Position of the pair that converts this currency; nothing for USD and for unknown currencies.
     [[nodiscard]] std::optional<std::size_t> pairFor(std::string_view currency) const;
@@ -31,6 +33,7 @@ private:
     struct Route {
         std::size_t symbol;
         bool divide;
+        std::int64_t twoUnits; // in points
     };
     std::unordered_map<std::string, Route> m_routes;
 };

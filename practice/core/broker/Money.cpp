@@ -2,9 +2,33 @@
 
 #include <algorithm>
 #include <cmath>
+#include <optional>
 
 namespace practice {
 namespace {
+
+__extension__ using Wide = __int128;
+using Factors = std::initializer_list<std::int64_t>;
+
+constexpr double mostCents = 1e15;
+
+std::optional<Wide> product(Factors factors)
+{
+    Wide result = 1;
+    for (const std::int64_t factor : factors) {
+        if (__builtin_mul_overflow(result, factor, &result))
+            return std::nullopt;
+    }
+    return result;
+}
+
+double roughProduct(Factors factors)
+{
+    double result = 1;
+    for (const std::int64_t factor : factors)
+        result *= static_cast<double>(factor);
+    return result;
+}
 
 std::string wholePart(std::uint64_t dollars, bool grouped)
 {
@@ -32,10 +56,22 @@ std::string text(Cents amount, bool grouped)
 
 Cents roundToCents(double cents)
 {
-    constexpr double limit = 1e15;
     if (std::isnan(cents))
         return 0;
-    return std::llround(std::clamp(cents, -limit, limit));
+    return std::llround(std::clamp(cents, -mostCents, mostCents));
+}
+
+Cents roundQuotient(Factors factors, Factors divisors)
+{
+    const double rough = roughProduct(factors) / roughProduct(divisors);
+    const std::optional<Wide> over = product(factors);
+    const std::optional<Wide> under = product(divisors);
+    if (!over || !under || std::abs(rough) >= mostCents)
+        return roundToCents(rough);
+    const Wide size = *over < 0 ? -*over : *over;
+    const Wide rest = size % *under;
+    const auto cents = static_cast<Cents>(size / *under) + (rest >= *under - rest ? 1 : 0);
+    return *over < 0 ? -cents : cents;
 }
 
 std::string decimalText(Cents amount)

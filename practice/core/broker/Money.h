@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <initializer_list>
 #include <string>
 
 namespace practice {
@@ -11,10 +12,23 @@ using Cents = std::int64_t;
 /// A volume in hundredths of a lot: 10 means 0.10 lots.
 using LotHundredths = std::int64_t;
 
+/// How many units of one currency another one is worth. A quotient of whole numbers, since a decimal number
+/// would miss half a cent by a hair, and the cent would be another one. Neither of the two is below 1.
+struct Rate {
+    std::int64_t over = 1;
+    std::int64_t under = 1;
+    friend bool operator==(const Rate&, const Rate&) = default;
+};
+
 /// The one rounding rule for money: to the nearest cent, halves away from zero. It is applied once to each
 /// gross profit, commission, night of swap and margin; everything else is whole-cent arithmetic.
 /// NaN gives 0; amounts beyond 1e15 cents are limited to that.
 [[nodiscard]] Cents roundToCents(double cents);
+
+/// The product of the factors divided by that of the divisors, which are above 0, rounded by that rule.
+/// Exact, unless a product has more than 38 digits.
+[[nodiscard]] Cents roundQuotient(
+    std::initializer_list<std::int64_t> factors, std::initializer_list<std::int64_t> divisors);
 
 /// "-1234.50": exact, a point, no groups; for the wire and for storage.
 [[nodiscard]] std::string decimalText(Cents amount);

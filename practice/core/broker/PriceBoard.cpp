@@ -60,25 +60,26 @@ std::optional<Quote> PriceBoard::quote(std::size_t symbol) const
     return symbol < m_quotes.size() ? m_quotes[symbol] : std::nullopt;
 }
 
-std::optional<double> PriceBoard::usdRate(std::size_t symbol) const
+std::optional<Rate> PriceBoard::usdRate(std::size_t symbol) const
 {
     return symbol < m_usdRates.size() ? m_usdRates[symbol] : std::nullopt;
 }
 
-std::optional<double> PriceBoard::convert(std::size_t symbol) const
+std::optional<Rate> PriceBoard::convert(std::size_t symbol) const
 {
     return m_converter.usdPerUnit(
-        m_symbols[symbol].profitCurrency, [this](std::size_t pair) -> std::optional<double> {
+        m_symbols[symbol].profitCurrency, [this](std::size_t pair) -> std::optional<std::int64_t> {
             if (!m_quotes[pair])
                 return std::nullopt;
-            return (m_quotes[pair]->bid + m_quotes[pair]->ask) / 2;
+            const int digits = m_symbols[pair].digits;
+            return toPoints(m_quotes[pair]->bid, digits) + toPoints(m_quotes[pair]->ask, digits);
         });
 }
 
 std::optional<Cents> PriceBoard::netProfit(const Trade& position, std::size_t symbol) const
 {
     const std::optional<Quote> now = quote(symbol);
-    const std::optional<double> rate = usdRate(symbol);
+    const std::optional<Rate> rate = usdRate(symbol);
     if (!now || !rate)
         return std::nullopt;
     const double exit = closingPrice(position.side, *now);

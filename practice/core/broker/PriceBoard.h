@@ -24,19 +24,19 @@ public:
     /// Nothing while the symbol has no price, and for a position that does not exist.
     [[nodiscard]] std::optional<Quote> quote(std::size_t symbol) const;
     /// USD for one unit of the symbol's profit currency.
-    [[nodiscard]] std::optional<double> usdRate(std::size_t symbol) const;
+    [[nodiscard]] std::optional<Rate> usdRate(std::size_t symbol) const;
     /// Net result of the position if it were closed at the price at which it would close now.
     [[nodiscard]] std::optional<Cents> netProfit(const Trade& position, std::size_t symbol) const;
 
     [[nodiscard]] const std::vector<SymbolSpec>& symbols() const { return m_symbols; }
 
 private:
-    [[nodiscard]] std::optional<double> convert(std::size_t symbol) const;
+    [[nodiscard]] std::optional<Rate> convert(std::size_t symbol) const;
 
     const std::vector<SymbolSpec>& m_symbols;
     CurrencyConverter m_converter;
     std::vector<std::optional<Quote>> m_quotes;
-    std::vector<std::optional<double>>
+    std::vector<std::optional<Rate>>
         m_usdRates; ///< by symbol, so that thousands of trades look it up cheaply
     std::vector<std::vector<std::size_t>> m_dependants; ///< by pair: symbols whose profit it converts
 };

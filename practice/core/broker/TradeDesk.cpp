@@ -23,7 +23,7 @@ LiveTrade& TradeDesk::accept(Trade trade)
 bool TradeDesk::fillOrder(LiveTrade& order)
 {
     const std::optional<Quote> quote = m_prices.quote(order.symbol);
-    const std::optional<double> rate = m_prices.usdRate(order.symbol);
+    const std::optional<Rate> rate = m_prices.usdRate(order.symbol);
     if (!quote || !rate)
         return false;
     const SymbolSpec& spec = m_prices.symbols()[order.symbol];

@@ -4,42 +4,59 @@
 #include "practice/core/broker/PriceGrid.h"
 
 #include <algorithm>
+#include <cmath>
+#include <cstdint>
 
 namespace practice {
 namespace {
 
-// Hundredths of a lot times units per lot are hundredths of a unit, and a hundredth of a USD is a cent:
-// both factors of 100 cancel, and for symbols quoted in USD the value is exact before it is rounded.
-double centsForPoints(const SymbolSpec& spec, LotHundredths lots, double points, double usdRate)
+// What a symbol's description gives as a decimal number is taken in millionths.
+constexpr std::int64_t millionth = 1'000'000;
+
+std::int64_t millionths(double number)
 {
-    return points * static_cast<double>(lots) * spec.contractSize / pointsPerUnit(spec.digits) * usdRate;
+    return std::llround(number * static_cast<double>(millionth));
+}
+
+std::int64_t wholePointsPerUnit(const SymbolSpec& spec)
+{
+    return static_cast<std::int64_t>(pointsPerUnit(spec.digits));
 }
 
 } // namespace
 
+// Hundredths of a lot times units per lot are hundredths of a unit, and a hundredth of a USD is a cent: both
+// factors of 100 cancel.
 Cents grossProfit(
-    const SymbolSpec& spec, Side side, LotHundredths lots, double entry, double exit, double usdRate)
+    const SymbolSpec& spec, Side side, LotHundredths lots, double entry, double exit, const Rate& usdRate)
 {
-    const auto risen = static_cast<double>(toPoints(exit, spec.digits) - toPoints(entry, spec.digits));
-    return roundToCents(centsForPoints(spec, lots, side == Side::Buy ? risen : -risen, usdRate));
+    const std::int64_t risen = toPoints(exit, spec.digits) - toPoints(entry, spec.digits);
+    return roundQuotient(
+        {side == Side::Buy ? risen : -risen, lots, millionths(spec.contractSize), usdRate.over},
+        {wholePointsPerUnit(spec), millionth, usdRate.under});
 }
 
-Cents swapPerNight(const SymbolSpec& spec, Side side, LotHundredths lots, double usdRate)
+Cents swapPerNight(const SymbolSpec& spec, Side side, LotHundredths lots, const Rate& usdRate)
 {
-    return roundToCents(
-        centsForPoints(spec, lots, side == Side::Buy ? spec.swapLong : spec.swapShort, usdRate));
+    const double points = side == Side::Buy ? spec.swapLong : spec.swapShort;
+    return roundQuotient({millionths(points), lots, millionths(spec.contractSize), usdRate.over},
+        {wholePointsPerUnit(spec), millionth, millionth, usdRate.under});
 }
 
 Cents commissionFor(const SymbolSpec& spec, LotHundredths lots)
 {
-    return std::max<Cents>(0, roundToCents(static_cast<double>(lots) * spec.commissionPerLot));
+    return std::max<Cents>(0, roundQuotient({lots, millionths(spec.commissionPerLot)}, {millionth}));
 }
 
-Cents marginFor(const SymbolSpec& spec, LotHundredths lots, double price, double usdRate, int accountLeverage)
+Cents marginFor(
+    const SymbolSpec& spec, LotHundredths lots, double price, const Rate& usdRate, int accountLeverage)
 {
-    const double usdPerBaseUnit = spec.baseCurrency == "USD" ? 1.0 : price * usdRate;
-    const double leverage = std::max(1.0, std::min<double>(accountLeverage, spec.maxLeverage));
-    return roundToCents(static_cast<double>(lots) * spec.contractSize * usdPerBaseUnit / leverage);
+    const std::int64_t leverage
+        = millionths(std::max(1.0, std::min<double>(accountLeverage, spec.maxLeverage)));
+    if (spec.baseCurrency == "USD")
+        return roundQuotient({lots, millionths(spec.contractSize)}, {leverage});
+    return roundQuotient({lots, millionths(spec.contractSize), toPoints(price, spec.digits), usdRate.over},
+        {wholePointsPerUnit(spec), leverage, usdRate.under});
 }
 
 } // namespace practice

@@ -6,12 +6,12 @@
 namespace practice {
 
 /// What a move from `entry` to `exit` earns in USD, before swap and commission. `usdRate` is USD for one
-/// unit of the symbol's profit currency.
+/// unit of the symbol's profit currency. Exact up to the one rounding, as all of these are.
 [[nodiscard]] Cents grossProfit(
-    const SymbolSpec& spec, Side side, LotHundredths lots, double entry, double exit, double usdRate);
+    const SymbolSpec& spec, Side side, LotHundredths lots, double entry, double exit, const Rate& usdRate);
 
 /// What one night costs (negative) or brings.
-[[nodiscard]] Cents swapPerNight(const SymbolSpec& spec, Side side, LotHundredths lots, double usdRate);
+[[nodiscard]] Cents swapPerNight(const SymbolSpec& spec, Side side, LotHundredths lots, const Rate& usdRate);
 
 /// Charged once when a position opens; >= 0.
 [[nodiscard]] Cents commissionFor(const SymbolSpec& spec, LotHundredths lots);
@@ -19,6 +19,6 @@ namespace practice {
 /// Held while the position is open: its size in USD by the lower of the two leverages. A position in
 /// units of USD (USDJPY) has that size whatever the price.
 [[nodiscard]] Cents marginFor(
-    const SymbolSpec& spec, LotHundredths lots, double price, double usdRate, int accountLeverage);
+    const SymbolSpec& spec, LotHundredths lots, double price, const Rate& usdRate, int accountLeverage);
 
 } // namespace practice

@@ -22,6 +22,26 @@ TEST_CASE("amounts that are no numbers or absurd stay within limits")
     CHECK_EQ(roundToCents(-1e300), -1'000'000'000'000'000);
 }
 
+TEST_CASE("a quotient is rounded as it is, not as the nearest number in binary")
+{
+    CHECK_EQ(
+        roundQuotient({100, 12'650}, {10'000}), 127); // 100 x 1.2650 = 126.5, but 1.265 is less in binary
+    CHECK_EQ(roundQuotient({-100, 12'650}, {10'000}), -127);
+    CHECK_EQ(roundQuotient({100, 12'649}, {10'000}), 126);
+    CHECK_EQ(roundQuotient({1, 1}, {3}), 0);
+    CHECK_EQ(roundQuotient({2, 1}, {3}), 1);
+    CHECK_EQ(roundQuotient({0}, {7}), 0);
+    CHECK_EQ(roundQuotient({7, 1'000'000'007}, {1'000'000'007}), 7);
+}
+
+TEST_CASE("quotients beyond every sum of money are limited, and products too long for exactness still near")
+{
+    constexpr std::int64_t huge = 9'000'000'000'000'000'000;
+    CHECK_EQ(roundQuotient({huge, huge, huge}, {1}), 1'000'000'000'000'000);
+    CHECK_EQ(roundQuotient({-huge, huge}, {1}), -1'000'000'000'000'000);
+    CHECK_EQ(roundQuotient({huge, huge, huge}, {huge, huge, huge / 1000}), 1000);
+}
+
 TEST_CASE("amounts print with two decimals, and with groups for people")
 {
     CHECK_EQ(decimalText(0), std::string("0.00"));

@@ -52,6 +52,15 @@ TEST_CASE("a cross pair's margin and profit go through the pound's rate and foll
     CHECK_EQ(desk.broker.figures("demo").openProfit, 21'550);
 }
 
+TEST_CASE("half a cent of a converted amount counts as a whole one")
+{
+    Desk desk;
+    desk.price(GbpUsd, 1.00499, 1.00501); // mid 1.005, which is less in binary
+    const std::string id = desk.buy("demo", "EURGBP", 0.1);
+    desk.price(EurGbp, 0.85720, 0.85730);
+    CHECK_EQ(desk.trade(id).pnl, 101 - 70); // 0.00010 x 10 000 = 1 GBP x 1.005 = 1.005
+}
+
 TEST_CASE("gold uses its own, lower leverage")
 {
     Desk desk;
