@@ -28,7 +28,8 @@ public:
     ~ExpertEngine() override;
 
     /// Reads the script, runs the runtime prelude and the script, and calls OnInit. True when the expert is
-    /// running; else the reason is in `error`. A failure of OnInit has then been told by message() too.
+    /// running; else the reason is in `error`. A failure of OnInit, or of reading any hook, has then been
+    /// told by message() too.
     bool load(const QString& path, QString* error = nullptr);
     /// Calls OnTick; nothing unless running. An error in it ends the expert.
     void tick();

@@ -94,17 +94,26 @@ bool ExpertRun::start(const QString& path, QString& error)
             : tr("%1: %2").arg(failure->name, failure->message);
         return false;
     }
-    m_onTick = m_script.function(u"OnTick"_s);
-    m_onTimer = m_script.function(u"OnTimer"_s);
-    m_onDeinit = m_script.function(u"OnDeinit"_s);
+    QJSValue onInit;
+    if (!find(u"OnInit"_s, onInit, error) || !find(u"OnTick"_s, m_onTick, error)
+        || !find(u"OnDeinit"_s, m_onDeinit, error) || !find(u"OnTimer"_s, m_onTimer, error))
+        return false;
     // Code at the top of the file may have led to the end already.
     if (m_state != State::Starting)
         return true;
-    if (const auto failure = call(m_script.function(u"OnInit"_s), u"OnInit"_s)) {
+    if (const auto failure = call(onInit, u"OnInit"_s)) {
         error = *failure;
         return false;
     }
     return true;
+}
+
+bool ExpertRun::find(const QString& hookName, QJSValue& hook, QString& error)
+{
+    const std::optional<ScriptError> failure = m_script.function(hookName, hook);
+    if (failure)
+        error = reportOf(hookName, *failure);
+    return !failure;
 }
 
 std::optional<QString> ExpertRun::call(const QJSValue& hook, const QString& hookName)
@@ -113,11 +122,14 @@ std::optional<QString> ExpertRun::call(const QJSValue& hook, const QString& hook
         return std::nullopt;
     const HookScope scope(*this);
     const std::optional<ScriptError> failure = m_script.call(hook);
-    if (!failure)
-        return std::nullopt;
-    const QString text = failure->line > 0
-        ? tr("%1: %2 (line %3)").arg(hookName, failure->message, QString::number(failure->line))
-        : tr("%1: %2").arg(hookName, failure->message);
+    return failure ? std::optional(reportOf(hookName, *failure)) : std::nullopt;
+}
+
+QString ExpertRun::reportOf(const QString& hookName, const ScriptError& failure) const
+{
+    const QString text = failure.line > 0
+        ? tr("%1: %2 (line %3)").arg(hookName, failure.message, QString::number(failure.line))
+        : tr("%1: %2").arg(hookName, failure.message);
     report(text, LineKind::Failure);
     return text;
 }

@@ -39,8 +39,13 @@ private:
     class HookScope;
 
     [[nodiscard]] bool start(const QString& path, QString& error);
+    /// Fetches a hook. False, with the composed text of the failure, which has been reported, when reading
+    /// its name throws.
+    [[nodiscard]] bool find(const QString& hookName, QJSValue& hook, QString& error);
     /// The composed text of a failure, which has been reported; absent when all went well.
     std::optional<QString> call(const QJSValue& hook, const QString& hookName);
+    /// Reports a hook's failure; the text that was reported.
+    QString reportOf(const QString& hookName, const ScriptError& failure) const;
     void onTimer();
     void startTimer(int seconds);
     void report(const QString& text, LineKind kind) const;

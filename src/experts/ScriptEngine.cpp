@@ -35,11 +35,13 @@ constexpr QStringView arrayGuard = uR"((function() {
     guard("toLocaleString", "");
 }))";
 
-constexpr QStringView facadeMaker = uR"((function(object, names) {
+/// Texts about the facade, such as the engine's own messages, call it by its name.
+constexpr QStringView facadeMaker = uR"((function(object, names, ownName) {
     "use strict";
     const facade = Object.create(null);
     for (let i = 0; i < names.length; ++i)
         facade[names[i]] = object[names[i]];
+    Object.defineProperty(facade, "toString", { value: function() { return ownName; } });
     return Object.freeze(facade);
 }))";
 
@@ -54,6 +56,17 @@ constexpr QStringView catcher = uR"((function(hook) {
             return [thrown];
         }
     };
+}))";
+
+/// An array with the value of a property, or with nothing and what reading it threw: the toolkit's own way of
+/// reading swallows that.
+constexpr QStringView reader = uR"((function(object, key) {
+    "use strict";
+    try {
+        return [object[key]];
+    } catch (thrown) {
+        return [undefined, thrown];
+    }
 }))";
 
 /// Name, message, text, file, line and stack of whatever was thrown, as texts. Each may be missing, be
@@ -84,6 +97,21 @@ QString cut(const QString& text)
     return text.size() <= ScriptError::longest ? text : text.first(ScriptError::longest) + u'…';
 }
 
+/// What the engine says in its own shorthand, as a sentence.
+QString sentence(const QString& message)
+{
+    if (message == "Insufficient arguments"_L1)
+        return u"Too few arguments for a method of the terminal"_s;
+    if (message == "Type error"_L1)
+        return u"A value or an object does not allow what was tried with it"_s;
+    // How it speaks of a call without an object.
+    constexpr auto start = "Property '"_L1;
+    constexpr auto end = "' of object [null] is not a function"_L1;
+    if (message.startsWith(start) && message.endsWith(end))
+        return message.sliced(start.size()).chopped(end.size()) + u" is not a function"_s;
+    return message;
+}
+
 } // namespace
 
 ScriptEngine::ScriptEngine()
@@ -92,6 +120,7 @@ ScriptEngine::ScriptEngine()
     m_engine.evaluate(arrayGuard.toString()).call();
     m_facade = m_engine.evaluate(facadeMaker.toString());
     m_catcher = m_engine.evaluate(catcher.toString());
+    m_reader = m_engine.evaluate(reader.toString());
     m_describer = m_engine.evaluate(describer.toString()).call();
 }
 
@@ -107,7 +136,8 @@ void ScriptEngine::expose(const QString& globalName, QObject& object)
     }
     // Otherwise the engine would delete it together with the last value that mentions it.
     QJSEngine::setObjectOwnership(&object, QJSEngine::CppOwnership);
-    const QJSValue facade = m_facade.call({m_engine.newQObject(&object), m_engine.toScriptValue(names)});
+    const QJSValue facade
+        = m_facade.call({m_engine.newQObject(&object), m_engine.toScriptValue(names), globalName});
     m_engine.globalObject().setProperty(globalName, facade);
 }
 
@@ -123,12 +153,14 @@ std::optional<ScriptError> ScriptEngine::run(const QString& text, const QString&
     return std::nullopt;
 }
 
-QJSValue ScriptEngine::function(const QString& globalName)
+std::optional<ScriptError> ScriptEngine::function(const QString& globalName, QJSValue& function)
 {
-    const QJSValue function = m_engine.globalObject().property(globalName);
-    if (m_engine.hasError())
-        m_engine.catchError();
-    return function.isCallable() ? m_catcher.call({function}) : QJSValue();
+    const QJSValue found = m_reader.call({m_engine.globalObject(), globalName});
+    if (found.property(u"length"_s).toInt() > 1)
+        return describe(found.property(1), {});
+    const QJSValue value = found.property(0);
+    function = value.isCallable() ? m_catcher.call({value}) : QJSValue();
+    return std::nullopt;
 }
 
 std::optional<ScriptError> ScriptEngine::call(const QJSValue& function)
@@ -148,7 +180,7 @@ ScriptError ScriptEngine::describe(const QJSValue& thrown, const QStringList& tr
 
     ScriptError error;
     error.name = thrown.isError() && !part(0).isEmpty() ? cut(part(0)) : u"Error"_s;
-    error.message = thrown.isError() || speaks ? cut(part(1)) : cut(part(2));
+    error.message = thrown.isError() ? cut(sentence(part(1))) : cut(part(speaks ? 1 : 2));
 
     // When the stack is full, the functions on top have not reached any of their lines yet, and are put down
     // to line 1: their callers count.

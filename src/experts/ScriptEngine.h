@@ -22,9 +22,9 @@ public:
     ScriptEngine();
     ~ScriptEngine();
 
-    /// Gives scripts a global object with the invokable methods of `object` and nothing else: no
-    /// properties, signals or slots, no prototype, nothing to assign. `object` stays the caller's and must
-    /// live as long as the engine is used.
+    /// Gives scripts a global object with the invokable methods of `object` and nothing else but a text of
+    /// its own, which is its name: no properties, signals or slots, no prototype, nothing to assign. `object`
+    /// stays the caller's and must live as long as the engine is used.
     void expose(const QString& globalName, QObject& object);
 
     /// Runs a text whose first line is line 1. Errors that come later are put down to lines of the text
@@ -32,8 +32,9 @@ public:
     [[nodiscard]] std::optional<ScriptError> run(
         const QString& text, const QString& fileName, QJSValue* result = nullptr);
 
-    /// The global function of this name, made ready for call(); undefined when it is none.
-    [[nodiscard]] QJSValue function(const QString& globalName);
+    /// The global function of this name, made ready for call(); undefined when it is none. Fails when the
+    /// name is a property that throws when it is read.
+    [[nodiscard]] std::optional<ScriptError> function(const QString& globalName, QJSValue& function);
     /// Calls what function() gave, without arguments.
     [[nodiscard]] std::optional<ScriptError> call(const QJSValue& function);
 
@@ -46,5 +47,6 @@ private:
     // Made before any script ran, and reachable by none.
     QJSValue m_facade;
     QJSValue m_catcher;
+    QJSValue m_reader;
     QJSValue m_describer;
 };

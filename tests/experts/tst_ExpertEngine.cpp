@@ -202,7 +202,7 @@ private Q_SLOTS:
         QTest::newRow("throw 5") << QByteArray("5") << u"OnTick: 5"_s;
         QTest::newRow("throw null") << QByteArray("null") << u"OnTick: null"_s;
         QTest::newRow("throw a text") << QByteArray("'%1 %2'") << u"OnTick: %1 %2"_s;
-        QTest::newRow("throw a host method") << QByteArray("__host") << u"OnTick: "_s;
+        QTest::newRow("throw the host") << QByteArray("__host") << u"OnTick: __host"_s;
     }
     void valuesThatAreNoErrorsEndTheExpertToo()
     {

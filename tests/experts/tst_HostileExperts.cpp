@@ -31,9 +31,13 @@ private Q_SLOTS:
     /// What a script can reach through __host is the listed methods and nothing else.
     void whatAScriptCanReachThroughTheHostIsTheListedMethodsAndNothingElse()
     {
-        QCOMPARE(chart().printed("Print(Reflect.ownKeys(__host).sort().join(' '))"),
+        QCOMPARE(chart().printed("Print(Object.keys(__host).sort().join(' '))"),
             u"alert ask balance bars bid buy close closeAll comment digits equity high killTimer low ma open "
             "point positionsCount print rsi sell setTimer symbol"_s);
+        // Its name is for messages about it.
+        QCOMPARE(
+            chart().printed("Print(Reflect.ownKeys(__host).length - Object.keys(__host).length, __host)"),
+            u"1 __host"_s);
         QCOMPARE(
             chart().printed("Print(Object.getPrototypeOf(__host), Object.isFrozen(__host))"), u"null true"_s);
         QCOMPARE(chart().printed("for (var k in __host) if (typeof __host[k] !== 'function') Print(k)"),
@@ -46,10 +50,10 @@ private Q_SLOTS:
         for (const char* attempt : {"__host.destroy()", "__host.deleteLater()", "__host.parent()",
                  "__host.objectName.length", "__host.timerRequested(1)", "__host.timerKilled()",
                  "__host.destroyed()", "__host.objectNameChanged('x')",
-                 "__host.timerRequested.connect(Print)", "__host.toString()", "__host.findChild('x')",
+                 "__host.timerRequested.connect(Print)", "__host.toString.destroy()", "__host.findChild('x')",
                  "__host.constructor.name", "__host.__proto__.x", "__host.close.destroy()",
                  "__host.close.object.x", "new __host.close(0)", "__host.holdActions(false)",
-                 "__host.disconnectChart()", "__host.setDigits(1)", "String(__host)"})
+                 "__host.disconnectChart()", "__host.setDigits(1)"})
             QTest::newRow(attempt) << QByteArray(attempt);
     }
     void theHostCannotBeDeletedOrTurnedInsideOut()
@@ -175,10 +179,62 @@ private Q_SLOTS:
         QCOMPARE(chart().printed("__host.print({toString: function() { throw 'no' }})"), u"no"_s);
     }
 
-    void tooFewArgumentsAreAnErrorWithItsLine()
+    void errorsOnTheHostReadAsSentences_data()
     {
-        QCOMPARE(chart().printed("\n__host.buy(1)"), u"!Error at line 2: Insufficient arguments"_s);
-        QCOMPARE(chart().printed("\n__host.close()"), u"!Error at line 2: Insufficient arguments"_s);
+        QTest::addColumn<QByteArray>("mistake");
+        QTest::addColumn<QString>("text");
+        const auto row = [](const char* mistake, const char* text) {
+            QTest::newRow(mistake) << QByteArray(mistake) << QString::fromLatin1(text);
+        };
+        row("__host.buy(1)", "Error at line 2: Too few arguments for a method of the terminal");
+        row("__host.close()", "Error at line 2: Too few arguments for a method of the terminal");
+        row("__host.sel(1)", "TypeError at line 2: Property 'sel' of object __host is not a function");
+        row("__host.destroy()", "TypeError at line 2: Property 'destroy' of object __host is not a function");
+        row("__host()", "TypeError at line 2: __host is not a function");
+        row("Trade()", "TypeError at line 2: Trade is not a function");
+        const char* refused
+            = "TypeError at line 2: A value or an object does not allow what was tried with it";
+        for (const char* mistake :
+            {"(function() { 'use strict'; __host.buy = 1 })()", "(function() { 'use strict'; Bid = 1 })()",
+                "(function() { 'use strict'; delete __host.buy })()",
+                "(function() { 'use strict'; Account.balance = 1 })()",
+                "Object.defineProperty(__host, 'x', {value: 1})", "__host.close(Symbol.iterator)",
+                "for (var x of __host) Print(x)", "new Trade()", "Print(Object.create(null))"})
+            row(mistake, refused);
+    }
+    void errorsOnTheHostReadAsSentences()
+    {
+        QFETCH(QByteArray, mistake);
+        QFETCH(QString, text);
+        QCOMPARE(chart().printed("\n" + mistake), u'!' + text);
+    }
+
+    void aHookThatCannotBeReadIsReportedAsItsError_data()
+    {
+        QTest::addColumn<QByteArray>("hook");
+        for (const char* hook : {"OnInit", "OnTick", "OnDeinit", "OnTimer"})
+            QTest::newRow(hook) << QByteArray(hook);
+    }
+    void aHookThatCannotBeReadIsReportedAsItsError()
+    {
+        QFETCH(QByteArray, hook);
+        QVERIFY(!chart().load("OnInit = OnDeinit = function() { Print('ran') };\n"
+                              "Object.defineProperty(this, '"
+            + hook + "', {get: function() {\n throw new Error('locked') }});"));
+        const QString text = QString::fromLatin1(hook) + u": locked (line 3)"_s;
+        QCOMPARE(chart().error, text);
+        QCOMPARE(chart().messages, QStringList(text));
+        // It never ran.
+        QCOMPARE(chart().done, QStringList());
+        chart().engine->tick();
+        chart().engine->stop();
+        QCOMPARE(chart().messages.size(), 1);
+    }
+
+    void aHookThatThrowsNoErrorWhenReadIsReportedWithoutALine()
+    {
+        QVERIFY(!chart().load("Object.defineProperty(this, 'OnTick', {get: function() { throw 'shut' }});"));
+        QCOMPARE(chart().messages, QStringList(u"OnTick: shut"_s));
     }
 
     void argumentsThatAreNoNumbersFindNoBar()
