@@ -3,6 +3,7 @@
 #include "practice/core/Types.h"
 
 #include <chrono>
+#include <ctime>
 
 namespace practice {
 
@@ -15,6 +16,10 @@ public:
     virtual ~Clock() = default;
 
     [[nodiscard]] virtual TimeMs now() const = 0;
+
+    /// Milliseconds since some moment. Whoever sets the clock leaves this alone, and it counts while the
+    /// machine sleeps.
+    [[nodiscard]] virtual TimeMs elapsed() const { return now(); }
 };
 
 /// The machine's time.
@@ -24,6 +29,13 @@ public:
     {
         using namespace std::chrono;
         return duration_cast<milliseconds>(system_clock::now().time_since_epoch()).count();
+    }
+
+    [[nodiscard]] TimeMs elapsed() const override
+    {
+        timespec time{};
+        ::clock_gettime(CLOCK_BOOTTIME, &time);
+        return TimeMs(time.tv_sec) * 1000 + time.tv_nsec / 1'000'000;
     }
 };
 

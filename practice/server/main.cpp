@@ -2,6 +2,7 @@
 #include "practice/server/FirstUse.h"
 #include "practice/server/MarketSetup.h"
 #include "practice/server/Options.h"
+#include "practice/server/PlatformTime.h"
 #include "practice/server/Reset.h"
 #include "practice/server/Server.h"
 #include "practice/storage/Database.h"
@@ -27,8 +28,9 @@ std::chrono::milliseconds priceInterval(double speed)
 
 void run(const Options& options)
 {
-    const SystemClock clock;
+    const SystemClock machine;
     Database database(options.database);
+    const PlatformTime clock(machine, earliestMoment(database, machine.now()));
     prepareFirstUse(database, clock.now());
     const ChosenMarket market = chooseMarket(database, options, clock);
 
@@ -58,7 +60,9 @@ void reset(const Options& options)
     if (!std::filesystem::exists(options.database, error))
         throw UsageError(options.database.string() + ": there is no such database");
     Database database(options.database);
-    const std::vector<Account> accounts = resetAccounts(database, options.account, SystemClock().now());
+    const SystemClock machine;
+    const PlatformTime clock(machine, earliestMoment(database, machine.now()));
+    const std::vector<Account> accounts = resetAccounts(database, options.account, clock.now());
     if (options.quiet)
         return;
     for (const Account& account : accounts) {

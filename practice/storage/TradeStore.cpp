@@ -4,6 +4,7 @@
 #include "practice/storage/Database.h"
 #include "practice/storage/StorageError.h"
 
+#include <algorithm>
 #include <optional>
 
 namespace practice {
@@ -169,6 +170,18 @@ BrokerState TradeStore::load()
     while (trades.step())
         state.liveTrades.push_back(readTrade(trades));
     return state;
+}
+
+TimeMs TradeStore::latestMoment()
+{
+    TimeMs latest = 0;
+    Statement& trades = m_database.statement("SELECT coalesce(max(updated_at), 0) FROM trades");
+    while (trades.step())
+        latest = trades.integer(0);
+    Statement& days = m_database.statement("SELECT coalesce(max(day_index), 0) FROM accounts");
+    while (days.step())
+        latest = std::max(latest, days.integer(0) * dayMs);
+    return latest;
 }
 
 std::map<std::string, std::string, std::less<>> TradeStore::accountOwners()

@@ -26,6 +26,8 @@ public:
 
     /// What the broker starts from. Throws StorageError for a row that cannot be read.
     [[nodiscard]] BrokerState load();
+    /// The last moment that a trade or the day of an account tells of; 0 without any.
+    [[nodiscard]] TimeMs latestMoment();
     /// The user of every account.
     [[nodiscard]] std::map<std::string, std::string, std::less<>> accountOwners();
 

@@ -46,6 +46,11 @@ void rollDay(TradeDesk& desk, LiveAccount& account)
 {
     const std::int64_t today = floorDivide(desk.now(), dayMs);
     const std::int64_t lastDay = account.record.dayIndex;
+    if (today < lastDay && std::none_of(account.trades.begin(), account.trades.end(), isOpen)) {
+        Account& record = desk.ledger().change(account);
+        record.dayIndex = today;
+        record.dayStartEquity = account.equity();
+    }
     if (today <= lastDay)
         return;
     for (LiveTrade* trade : account.trades) {

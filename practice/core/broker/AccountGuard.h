@@ -6,7 +6,8 @@ namespace practice {
 
 /// Charges swap for every UTC midnight passed since the account was last looked at, to each position held
 /// over it, and takes the equity after that as the new day's start. A position whose symbol has no price
-/// is not charged.
+/// is not charged. An account without a position also enters a day that lies behind: its day would otherwise
+/// never end where a clock was wrong by years.
 void rollDay(TradeDesk& desk, LiveAccount& account);
 
 /// Fails a plan account that has lost too much and closes everything it has. What could not be closed for

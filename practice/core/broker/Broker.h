@@ -40,8 +40,8 @@ struct AccountFigures {
 ///   balance reaches 110 % of the initial balance and no position is open.
 ///
 /// No clock, no randomness, no threads: time and prices are arguments, ids come from the given source.
-/// Commands use the prices last given to onPrices(); `now` never has to increase, but a day that was left
-/// is not entered again.
+/// Commands use the prices last given to onPrices(); `now` never has to increase, but while an account
+/// has a position, a day that was left is not entered again.
 class Broker {
 public:
     static constexpr std::size_t mostLiveTrades = 500; ///< an account's

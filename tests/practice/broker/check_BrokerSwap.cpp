@@ -74,13 +74,33 @@ TEST_CASE("a clock that goes back neither charges nor refunds")
     const std::string id = desk.buy("demo", "EURUSD", 1);
     desk.now += 2 * dayMs;
     desk.prices(fixtureQuotes());
-    const BrokerState before = desk.broker.state();
+    const Trade trade = desk.trade(id);
+    const Account account = desk.account("demo");
     desk.now -= 2 * dayMs;
-    CHECK(desk.prices(fixtureQuotes()).empty());
+    CHECK(desk.prices(fixtureQuotes()).trades.empty());
     desk.now += 2 * dayMs;
-    CHECK(desk.prices(fixtureQuotes()).empty());
-    CHECK(desk.broker.state() == before);
-    CHECK_EQ(desk.trade(id).swap, -1'440);
+    CHECK(desk.prices(fixtureQuotes()).trades.empty());
+    CHECK(desk.trade(id) == trade);
+    CHECK(desk.account("demo") == account);
+    CHECK_EQ(trade.swap, -1'440);
+}
+
+TEST_CASE("the day of an account without a position follows a clock that was years ahead")
+{
+    Desk desk;
+    const std::int64_t day = desk.account("challenge").dayIndex;
+    desk.now += 1000 * dayMs;
+    desk.prices(fixtureQuotes());
+    desk.now -= 1000 * dayMs;
+    desk.prices(fixtureQuotes());
+    CHECK_EQ(desk.account("challenge").dayIndex, day);
+    const std::string id = desk.buy("challenge", "EURUSD", 1);
+    desk.price(EurUsd, 1.07508, 1.07516); // 1 000 down
+    desk.now += dayMs;
+    desk.price(EurUsd, 1.07509, 1.07517);
+    CHECK_EQ(desk.account("challenge").dayIndex, day + 1);
+    CHECK_EQ(desk.account("challenge").dayStartEquity, desk.broker.figures("challenge").equity);
+    CHECK_EQ(desk.trade(id).swap, -720);
 }
 
 CHECK_MAIN()

@@ -299,6 +299,10 @@ void SecondBooks::closeLevels(std::size_t symbol, TimeMs now)
 void SecondBooks::turnDay(std::size_t account, TimeMs now)
 {
     Book& book = m_books[account];
+    if (dayOf(now) < book.day && !hasOpen(account)) {
+        book.day = dayOf(now);
+        book.dayStart = book.balance;
+    }
     if (dayOf(now) <= book.day)
         return;
     for (Line& line : m_live) {

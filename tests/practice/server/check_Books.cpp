@@ -5,6 +5,7 @@
 #include "practice/core/broker/RecordText.h"
 #include "practice/server/Api.h"
 #include "practice/server/Platform.h"
+#include "practice/server/PlatformTime.h"
 #include "practice/server/Reset.h"
 
 #include <algorithm>
@@ -21,10 +22,13 @@ namespace {
 
 constexpr TimeMs firstMoment = 1'750'000'000'000;
 
+/// A machine whose clock is set by hand.
 class HandClock final : public Clock {
 public:
-    [[nodiscard]] TimeMs now() const override { return time; }
-    TimeMs time = firstMoment;
+    [[nodiscard]] TimeMs now() const override { return shown; }
+    [[nodiscard]] TimeMs elapsed() const override { return passed; }
+    TimeMs shown = firstMoment;
+    TimeMs passed = 0;
 };
 
 /// Prices that a test writes down; each set counts from its moment until the next one.
@@ -43,7 +47,12 @@ public:
     [[nodiscard]] double dailyOpen(std::size_t symbol, TimeMs now) override { return quote(symbol, now).bid; }
     [[nodiscard]] std::vector<Bar> bars(std::size_t, Timeframe, std::size_t, TimeMs) override { return {}; }
 
-    void write(TimeMs from, const std::vector<SecondBooks::Prices>& prices) { m_sheets[from] = prices; }
+    /// From this moment on, whatever was written for a later one.
+    void write(TimeMs from, const std::vector<SecondBooks::Prices>& prices)
+    {
+        m_sheets.erase(m_sheets.lower_bound(from), m_sheets.end());
+        m_sheets[from] = prices;
+    }
 
 private:
     std::map<TimeMs, std::vector<SecondBooks::Prices>> m_sheets;
@@ -76,6 +85,7 @@ struct Seen {
     int accepted = 0;
     int refused = 0;
     int restarts = 0;
+    int clocksSet = 0;
     int phases = 0;
     int debts = 0;
     int nights = 0;
@@ -95,7 +105,7 @@ public:
             const auto bid = std::llround(symbol.basePrice * std::pow(10.0, symbol.digits));
             m_prices.push_back({bid, bid + symbol.spreadPoints});
         }
-        m_market.write(m_clock.time, m_prices);
+        m_market.write(m_now, m_prices);
         open();
         UserStore(*m_database).add({"user", "user@example.test", "User", "none"});
         TradeStore(*m_database).addAccounts("user", someAccounts());
@@ -112,6 +122,8 @@ public:
                 command();
             else if (dice < 98)
                 takeGains();
+            else if (dice < 99)
+                setClock();
             else
                 restart();
             compare();
@@ -133,22 +145,51 @@ private:
         return std::uniform_real_distribution<double>(low, high)(m_random);
     }
 
+    /// Lets time pass.
+    void pass(TimeMs time)
+    {
+        m_machine.shown += time;
+        m_machine.passed += time;
+        const TimeMs before = m_now;
+        m_now = m_clock->now();
+        must(m_now >= before && m_now - before <= time + dayMs, "time has run backwards or away");
+    }
+
+    TimeMs someStep()
+    {
+        constexpr TimeMs steps[] = {1100 * dayMs, 30 * dayMs, 20 * hourMs, 3 * hourMs, 700};
+        return (pick(2) == 0 ? 1 : -1) * steps[pick(5)];
+    }
+
+    // As a person or a time server does; half of the time it was set before, and is put right now.
+    void setClock()
+    {
+        ++seen.clocksSet;
+        m_machine.shown = m_machine.shown == firstMoment + m_machine.passed || pick(2) == 0
+            ? m_machine.shown + someStep()
+            : firstMoment + m_machine.passed;
+        pass(0);
+        advance();
+    }
+
     void open()
     {
         m_database = std::make_unique<Database>(m_folder / "x.db");
         m_database->execute("PRAGMA synchronous=OFF"); // no power will fail here
+        m_clock = std::make_unique<PlatformTime>(m_machine, earliestMoment(*m_database, m_machine.shown));
+        m_now = m_clock->now();
     }
 
     void start()
     {
-        m_platform = std::make_unique<Platform>(*m_database, m_market, m_clock);
+        m_platform = std::make_unique<Platform>(*m_database, m_market, *m_clock);
         advance();
     }
 
     void advance()
     {
         m_platform->advance();
-        m_books.tick(m_prices, m_clock.time);
+        m_books.tick(m_prices, m_now);
     }
 
     void movePrices()
@@ -165,12 +206,12 @@ private:
                 std::llround(bid * std::exp(pull + scale * std::normal_distribution<double>()(m_random))));
             m_prices[i].ask = m_prices[i].bid + 1 + pick(2 * symbol.spreadPoints);
         }
-        m_market.write(m_clock.time, m_prices);
+        m_market.write(m_now, m_prices);
     }
 
     void tick()
     {
-        m_clock.time += pick(60) == 0 ? 9 * hourMs : pick(300) == 0 ? 3 * dayMs + hourMs : 250;
+        pass(pick(60) == 0 ? 9 * hourMs : pick(300) == 0 ? 3 * dayMs + hourMs : 250);
         movePrices();
         advance();
     }
@@ -182,23 +223,36 @@ private:
         compareHistory();
         m_platform.reset();
         m_database.reset();
+        constexpr TimeMs pauses[] = {1, minuteMs, 11 * hourMs, 5 * dayMs};
+        const TimeMs pause = pauses[pick(4)];
+        m_machine.passed += pause;
+        m_machine.shown += pause + (pick(8) == 0 ? someStep() : 0);
+        const TimeMs before = m_now;
         open();
+        must(m_now >= before || m_books.live().empty() || m_now >= lastEvent(), "time has run backwards");
         const auto account = static_cast<std::size_t>(pick(static_cast<int>(m_books.books().size())));
         const SecondBooks::Book& book = m_books.books()[account];
         if (book.status != AccountStatus::Active || book.balance * 2 < book.terms.initialBalance
             || pick(4) == 0) {
-            static_cast<void>(resetAccounts(*m_database, book.terms.id, m_clock.time));
-            m_books.reset(account, m_clock.time);
+            static_cast<void>(resetAccounts(*m_database, book.terms.id, m_now));
+            m_books.reset(account, m_now);
         }
-        const TimeMs pauses[] = {1, minuteMs, 11 * hourMs, 5 * dayMs};
-        m_clock.time += pauses[pick(4)];
         movePrices();
         start();
     }
 
+    /// The last moment that a trade which is still there tells of.
+    [[nodiscard]] TimeMs lastEvent() const
+    {
+        TimeMs last = 0;
+        for (const Line& line : m_books.live())
+            last = std::max(last, line.begun);
+        return last;
+    }
+
     void command()
     {
-        m_clock.time += 1 + pick(20);
+        pass(1 + pick(20));
         const int dice = pick(10);
         const Line* line = m_books.live().empty()
             ? nullptr
@@ -275,7 +329,7 @@ private:
         const auto trade = execute([&](Broker& broker, TimeMs now) { return broker.place(request, now); });
         must(trade.has_value() == expected, "place " + request.accountId + ' ' + request.symbol);
         if (trade)
-            m_books.place(std::move(order), trade->id, m_clock.time);
+            m_books.place(std::move(order), trade->id, m_now);
     }
 
     // What makes a challenge pass its phase.
@@ -300,7 +354,7 @@ private:
         });
         must(trade.has_value(), "end " + line.id);
         if (open)
-            m_books.close(line.id, m_clock.time);
+            m_books.close(line.id, m_now);
         else
             m_books.cancel(line.id);
     }
@@ -362,6 +416,7 @@ private:
             same(figures.margin, m_books.margin(i), id + " margin");
             same(account.phase, book.phase, id + " phase");
             same(toText(account.status), toText(book.status), id + " status");
+            same(account.dayIndex, book.day, id + " day");
             same(account.dayStartEquity, book.dayStart, id + " equity at the day's start");
             live += broker.openTrades(id).size() + broker.pendingOrders(id).size();
         }
@@ -429,17 +484,20 @@ private:
     unsigned m_seed;
     int m_step = 0;
     TemporaryFolder m_folder;
-    HandClock m_clock;
+    HandClock m_machine;
+    TimeMs m_now = firstMoment; ///< the platform's
     WrittenMarket m_market;
     std::vector<SecondBooks::Prices> m_prices;
     std::unique_ptr<Database> m_database;
+    std::unique_ptr<PlatformTime> m_clock;
     std::unique_ptr<Platform> m_platform;
     SecondBooks m_books;
 };
 
 } // namespace
 
-TEST_CASE("a second set of books agrees to the cent with random sessions, restarts included")
+TEST_CASE(
+    "a second set of books agrees to the cent with random sessions, restarts and clocks that jump included")
 {
     std::map<CloseReason, int> ends;
     Seen all;
@@ -451,6 +509,7 @@ TEST_CASE("a second set of books agrees to the cent with random sessions, restar
         all.accepted += session.seen.accepted;
         all.refused += session.seen.refused;
         all.restarts += session.seen.restarts;
+        all.clocksSet += session.seen.clocksSet;
         all.phases += session.seen.phases;
         all.debts += session.seen.debts;
         all.nights += session.seen.nights;
@@ -459,11 +518,12 @@ TEST_CASE("a second set of books agrees to the cent with random sessions, restar
     for (const auto& [reason, count] : all.ends)
         std::cout << "  ended " << toText(reason) << ": " << count << '\n';
     std::cout << "  accepted " << all.accepted << ", refused " << all.refused << ", restarts " << all.restarts
-              << ", phases " << all.phases << ", debts " << all.debts << ", nights " << all.nights
-              << ", lines of history compared " << all.lines << '\n';
+              << ", clocks set " << all.clocksSet << ", phases " << all.phases << ", debts " << all.debts
+              << ", nights " << all.nights << ", lines of history compared " << all.lines << '\n';
     CHECK(all.accepted > 2'000);
     CHECK(all.refused > 200);
     CHECK(all.restarts > 30);
+    CHECK(all.clocksSet > 30);
     CHECK(all.nights > 500);
     for (const CloseReason reason : {CloseReason::Manual, CloseReason::StopLoss, CloseReason::TakeProfit,
              CloseReason::StopOut, CloseReason::Risk, CloseReason::NoMargin, CloseReason::Reset})
