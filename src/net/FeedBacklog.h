@@ -22,7 +22,7 @@ public:
     static constexpr qint64 sliceNs = 8'000'000;
     /// Characters that may wait: a flood of some hundred thousand prices, yet no more than a second or two
     /// of work, since old prices are of no use to anybody.
-    static constexpr qsizetype mostCharacters = 8 * 1024 * 1024;
+    static constexpr qsizetype mostCharacters = qsizetype{8} * 1024 * 1024;
 
     explicit FeedBacklog(QObject* parent = nullptr);
 
