@@ -48,7 +48,7 @@ void bytesToPainted(benchmark::State& state)
     chart.resize(1600, 900);
     chart.show();
     for ([[maybe_unused]] auto _ : state) {
-        HistoryReply reply = HistoryReply::read(bytes);
+        HistoryReply reply = HistoryReply::read(bytes, {5, QDateTime::currentMSecsSinceEpoch()});
         chart.setCandles(std::move(reply.candles));
         chart.repaint();
     }

@@ -173,7 +173,7 @@ void ChartWindow::onHistory(const QByteArray& body, const QString& error)
         Q_EMIT logMessage(tr("Chart"), tr("%1: failed to load candles: %2").arg(shownName(m_symbol), error));
         return;
     }
-    HistoryReply history = HistoryReply::read(body);
+    HistoryReply history = HistoryReply::read(body, {m_digits, QDateTime::currentMSecsSinceEpoch()});
     takeHistory(std::move(history.candles), toEnd);
     Q_EMIT logMessage(tr("Chart"),
         tr("%1,%2: %3 candles loaded")
@@ -194,7 +194,7 @@ void ChartWindow::takeHistory(std::vector<Candle> candles, bool toEnd)
 
 void ChartWindow::onPrices(const QJsonObject& prices)
 {
-    const std::optional<Quote> quote = findQuote(prices, m_symbol);
+    const std::optional<Quote> quote = findQuote(prices, m_symbol, m_digits);
     if (!quote)
         return;
     m_quoted = true;

@@ -1,7 +1,7 @@
 #include "chart/HistoryReply.h"
 
+#include "app/PriceRule.h"
 #include "app/UtcTime.h"
-#include "chart/JsonPrice.h"
 #include "chart/PlainHistory.h"
 #include "net/JsonNumber.h"
 
@@ -12,7 +12,6 @@
 #include <QTimeZone>
 
 #include <algorithm>
-#include <cmath>
 #include <limits>
 #include <utility>
 
@@ -78,12 +77,6 @@ qint32 tickVolume(const QJsonValue& value)
     return static_cast<qint32>(std::clamp(jsonNumber(value), 0.0, most));
 }
 
-/// A price that cannot be read is no number: shown as 0 it would stretch the whole chart.
-double priceOrNone(const QJsonValue& value)
-{
-    return jsonPrice(value).value_or(std::numeric_limits<double>::quiet_NaN());
-}
-
 } // namespace
 
 qint64 isoTimeMs(QLatin1StringView text)
@@ -92,10 +85,11 @@ qint64 isoTimeMs(QLatin1StringView text)
     return fast >= 0 ? fast : isoTimeMs(QString(text));
 }
 
-bool isComplete(const Candle& candle)
+bool isSound(const Candle& candle, const CandleRule& rule)
 {
-    return candle.time > 0 && !std::isnan(candle.open) && !std::isnan(candle.high) && !std::isnan(candle.low)
-        && !std::isnan(candle.close);
+    return candle.time > 0 && candle.time <= rule.nowMs + msPerSecond * secondsPerDay
+        && isPrice(candle.open, rule.digits) && isPrice(candle.high, rule.digits)
+        && isPrice(candle.low, rule.digits) && isPrice(candle.close, rule.digits);
 }
 
 qint64 isoTimeMs(const QString& text)
@@ -111,7 +105,7 @@ qint64 isoTimeMs(const QString& text)
     return std::max<qint64>(time.toMSecsSinceEpoch(), 0);
 }
 
-HistoryReply HistoryReply::read(const QJsonDocument& document)
+HistoryReply HistoryReply::read(const QJsonDocument& document, const CandleRule& rule)
 {
     const QJsonArray rows = document.array();
     HistoryReply reply;
@@ -122,20 +116,20 @@ HistoryReply HistoryReply::read(const QJsonDocument& document)
         const qint64 time = isoTimeMs(fields.value("timestamp"_L1).toString());
         Candle candle;
         candle.time = time;
-        candle.open = priceOrNone(fields.value("open"_L1));
-        candle.high = priceOrNone(fields.value("high"_L1));
-        candle.low = priceOrNone(fields.value("low"_L1));
-        candle.close = priceOrNone(fields.value("close"_L1));
+        candle.open = jsonNumber(fields.value("open"_L1));
+        candle.high = jsonNumber(fields.value("high"_L1));
+        candle.low = jsonNumber(fields.value("low"_L1));
+        candle.close = jsonNumber(fields.value("close"_L1));
         candle.volume = tickVolume(fields.value("volume"_L1));
-        if (isComplete(candle))
+        if (isSound(candle, rule))
             reply.candles.push_back(candle);
     }
     return reply;
 }
 
-HistoryReply HistoryReply::read(const QByteArray& json)
+HistoryReply HistoryReply::read(const QByteArray& json, const CandleRule& rule)
 {
-    if (std::optional<HistoryReply> plain = readPlainHistory(json))
+    if (std::optional<HistoryReply> plain = readPlainHistory(json, rule))
         return std::move(*plain);
-    return read(QJsonDocument::fromJson(json));
+    return read(QJsonDocument::fromJson(json), rule);
 }

@@ -7,17 +7,22 @@
 
 #include <vector>
 
+/// What is needed to tell candles from damage.
+struct CandleRule {
+    int digits;   ///< of the symbol's prices
+    qint64 nowMs; ///< the time, in ms since the epoch
+};
+
 /// The server's candle history, read from one reply.
 struct HistoryReply {
-    std::vector<Candle> candles; ///< in the server's order; incomplete elements are left out
+    std::vector<Candle> candles; ///< in the server's order; unsound elements are left out
     qsizetype received = 0;      ///< elements of the reply array, readable or not
 
     /// Reads an array of {"timestamp", "open", "high", "low", "close", "volume"}. An element that is no
-    /// object, or whose timestamp is not a time after the epoch, is skipped. Anything but an array is an
-    /// empty history.
-    [[nodiscard]] static HistoryReply read(const QJsonDocument& document);
+    /// object, or not sound by the rule, is skipped. Anything but an array is an empty history.
+    [[nodiscard]] static HistoryReply read(const QJsonDocument& document, const CandleRule& rule);
     /// The same from the reply's text.
-    [[nodiscard]] static HistoryReply read(const QByteArray& json);
+    [[nodiscard]] static HistoryReply read(const QByteArray& json, const CandleRule& rule);
 };
 
 /// ISO 8601 date and time, milliseconds optional, as ms since the epoch; without a zone it means UTC.
@@ -25,6 +30,7 @@ struct HistoryReply {
 [[nodiscard]] qint64 isoTimeMs(const QString& text);
 [[nodiscard]] qint64 isoTimeMs(QLatin1StringView text);
 
-/// Whether a candle read from a reply has a time and all four prices; one that could not be read is no
-/// number.
-[[nodiscard]] bool isComplete(const Candle& candle);
+/// Whether a candle read from a reply, where 0 stands for what could not be read, has a time after the epoch
+/// and no more than a day ahead of now, and four prices. A later one would be the newest bar for ever, before
+/// which no tick counts.
+[[nodiscard]] bool isSound(const Candle& candle, const CandleRule& rule);

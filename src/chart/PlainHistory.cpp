@@ -12,7 +12,6 @@ namespace {
 
 // What lies beyond is damage; the general reader knows what to make of it.
 constexpr double largestMagnitude = 1e15;
-constexpr double noPrice = std::numeric_limits<double>::quiet_NaN();
 
 /// Walks through JSON text. Each "take" moves behind what it found and any blanks in front, or is false.
 class Scanner final {
@@ -169,7 +168,7 @@ bool takeCandle(Scanner& scanner, Candle& candle)
 
 } // namespace
 
-std::optional<HistoryReply> readPlainHistory(QByteArrayView json)
+std::optional<HistoryReply> readPlainHistory(QByteArrayView json, const CandleRule& rule)
 {
     Scanner scanner(json);
     if (!scanner.take('['))
@@ -179,11 +178,11 @@ std::optional<HistoryReply> readPlainHistory(QByteArrayView json)
     if (scanner.take(']'))
         return scanner.atEnd() ? std::optional(reply) : std::nullopt;
     do {
-        Candle candle{0, noPrice, noPrice, noPrice, noPrice, 0};
+        Candle candle;
         if (!takeCandle(scanner, candle))
             return std::nullopt;
         ++reply.received;
-        if (isComplete(candle))
+        if (isSound(candle, rule))
             reply.candles.push_back(candle);
     } while (scanner.take(','));
     if (!scanner.take(']') || !scanner.atEnd())

@@ -1,6 +1,7 @@
 #include "mainwindow/MainWindow.h"
 
 #include "app/Log.h"
+#include "app/PriceRule.h"
 #include "app/ServerText.h"
 #include "app/TerminalSettings.h"
 #include "app/Theme.h"
@@ -46,6 +47,12 @@ using namespace Qt::StringLiterals;
 namespace {
 
 constexpr QSize InitialSize(1280, 800);
+
+PriceSnapshot readPrices(const QJsonObject& prices, const AccountBook& book)
+{
+    return PriceSnapshot(
+        prices, [&book](const QString& symbol) { return book.digits().value(symbol, usualPriceDigits); });
+}
 
 } // namespace
 
@@ -239,7 +246,7 @@ void MainWindow::onHello(const QJsonObject& hello)
     m_charts->catchUp();
     m_smallWindows->onSymbols();
     // No ticks: to whoever was connected before they may be old news, on which nothing is to act.
-    const PriceSnapshot prices(hello["prices"_L1].toObject());
+    const PriceSnapshot prices = readPrices(hello["prices"_L1].toObject(), m_book);
     m_book.noteHelloPrices(prices);
     m_marketWatch->showQuotes(prices);
     m_smallWindows->onPrices();
@@ -251,7 +258,7 @@ void MainWindow::onHello(const QJsonObject& hello)
 
 void MainWindow::onPrices(const QJsonObject& prices)
 {
-    const PriceSnapshot snapshot(prices);
+    const PriceSnapshot snapshot = readPrices(prices, m_book);
     m_book.notePrices(snapshot);
     m_marketWatch->showQuotes(snapshot);
     m_toolbox->showQuotes(snapshot);

@@ -1,5 +1,7 @@
 #include "net/PriceSnapshot.h"
 
+#include "app/PriceRule.h"
+
 #include <QJsonObject>
 
 #include <algorithm>
@@ -11,13 +13,24 @@ bool isEarlier(const PriceSnapshot::Entry& a, const PriceSnapshot::Entry& b)
     return a.symbol < b.symbol;
 }
 
+/// Most prices are some whatever their symbol's decimals are, so that nobody has to be asked for these.
+Quote judged(const Quote& quote, const QString& symbol, const PriceSnapshot::DigitsOf& digitsOf)
+{
+    if (isPriceAnyway(quote.bid) && isPriceAnyway(quote.ask))
+        return quote;
+    const int digits = digitsOf ? digitsOf(symbol) : usualPriceDigits;
+    return {priceOrNone(quote.bid, digits), priceOrNone(quote.ask, digits)};
+}
+
 } // namespace
 
-PriceSnapshot::PriceSnapshot(const QJsonObject& prices)
+PriceSnapshot::PriceSnapshot(const QJsonObject& prices, const DigitsOf& digitsOf)
 {
     m_entries.reserve(static_cast<std::size_t>(prices.size()));
-    for (auto it = prices.constBegin(), end = prices.constEnd(); it != end; ++it)
-        m_entries.push_back({it.key(), readQuote(it.value())});
+    for (auto it = prices.constBegin(), end = prices.constEnd(); it != end; ++it) {
+        const QString symbol = it.key();
+        m_entries.push_back({symbol, judged(readQuote(it.value(), mostPriceDigits), symbol, digitsOf)});
+    }
     // The map has an order of its own, which differs for rare letters only.
     if (!std::is_sorted(m_entries.begin(), m_entries.end(), isEarlier))
         std::sort(m_entries.begin(), m_entries.end(), isEarlier);

@@ -4,6 +4,7 @@
 
 #include <QString>
 
+#include <functional>
 #include <vector>
 
 class QJsonObject;
@@ -17,7 +18,11 @@ public:
         Quote quote; ///< as readQuote() reads it
     };
 
-    explicit PriceSnapshot(const QJsonObject& prices);
+    /// The decimals of a symbol's prices.
+    using DigitsOf = std::function<int(const QString& symbol)>;
+
+    /// Of the usual decimals are those symbols of which nobody tells.
+    explicit PriceSnapshot(const QJsonObject& prices, const DigitsOf& digitsOf = {});
 
     /// Every symbol of the map once, in the order of QString's operator<.
     [[nodiscard]] const std::vector<Entry>& entries() const { return m_entries; }

@@ -1,21 +1,23 @@
 #include "net/Quote.h"
 
+#include "app/PriceRule.h"
 #include "net/JsonNumber.h"
 
 #include <QJsonObject>
 
 using namespace Qt::StringLiterals;
 
-Quote readQuote(const QJsonValue& value)
+Quote readQuote(const QJsonValue& value, int digits)
 {
     const QJsonObject record = value.toObject();
-    return {jsonNumber(record.value("bid"_L1)), jsonNumber(record.value("ask"_L1))};
+    return {priceOrNone(jsonNumber(record.value("bid"_L1)), digits),
+        priceOrNone(jsonNumber(record.value("ask"_L1)), digits)};
 }
 
-std::optional<Quote> findQuote(const QJsonObject& snapshot, const QString& symbol)
+std::optional<Quote> findQuote(const QJsonObject& snapshot, const QString& symbol, int digits)
 {
     const auto found = snapshot.constFind(symbol);
     if (found == snapshot.constEnd())
         return std::nullopt;
-    return readQuote(found.value());
+    return readQuote(found.value(), digits);
 }

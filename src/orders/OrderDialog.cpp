@@ -100,7 +100,7 @@ void OrderDialog::onSymbolChanged()
 void OrderDialog::onPrices(const QJsonObject& prices)
 {
     const QString symbol = m_form->symbol();
-    const std::optional<Quote> quote = findQuote(prices, symbol);
+    const std::optional<Quote> quote = findQuote(prices, symbol, digits());
     if (!quote)
         return;
     const auto [bid, ask] = *quote;

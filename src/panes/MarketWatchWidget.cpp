@@ -175,16 +175,20 @@ void MarketWatchWidget::setSymbols(const QJsonArray& symbols)
 void MarketWatchWidget::appendSymbol(const QJsonObject& record)
 {
     const QString name = record.value("name"_L1).toString();
-    const int digits = jsonInt(record.value("digits"_L1), 5);
+    const int digits = jsonInt(record.value("digits"_L1), usualPriceDigits);
     auto* item = new QuoteItem(m_look, name, record.value("description"_L1).toString(), digits);
     m_list->addTopLevelItem(item);
-    m_symbolRows.insert(name, {item, digits, 0.0, 0.0, jsonNumber(record.value("dailyOpen"_L1))});
+    const double dailyOpen = priceOrNone(jsonNumber(record.value("dailyOpen"_L1)), digits);
+    m_symbolRows.insert(name, {item, digits, 0.0, 0.0, dailyOpen});
     m_symbolSpecs.insert(name, record);
 }
 
 void MarketWatchWidget::updatePrices(const QJsonObject& prices)
 {
-    showQuotes(PriceSnapshot(prices));
+    showQuotes(PriceSnapshot(prices, [this](const QString& symbol) {
+        const auto row = m_symbolRows.constFind(symbol);
+        return row == m_symbolRows.cend() ? usualPriceDigits : row->digits;
+    }));
 }
 
 void MarketWatchWidget::showQuotes(const PriceSnapshot& prices)

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "app/PriceRule.h"
 #include "panes/QuoteItem.h"
 
 #include <QHash>
@@ -41,7 +42,7 @@ public Q_SLOTS:
     /// Replaces the list; prices, colours and arrows start from nothing. Entries without a "name" are
     /// left out. Of records with the same name each gets a row, and the last one gets the prices.
     void setSymbols(const QJsonArray& symbols);
-    /// A price map keyed by symbol. Unknown symbols, and a bid or ask that is no positive number, change
+    /// A price map keyed by symbol. Unknown symbols, and a bid or ask that is no price above 0, change
     /// nothing.
     void updatePrices(const QJsonObject& prices);
 
@@ -56,7 +57,7 @@ protected:
 private:
     struct SymbolRow {
         QuoteItem* item = nullptr; ///< owned by the list
-        int digits = 5;
+        int digits = usualPriceDigits;
         double lastBid = 0.0; ///< 0 until the first price
         double lastAsk = 0.0;
         double dailyOpen = 0.0; ///< 0 when unknown: no daily change is shown

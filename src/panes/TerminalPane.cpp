@@ -219,7 +219,8 @@ void TerminalPane::updateTradePnl(const QString& tradeId, double profit)
 
 void TerminalPane::updateCurrentPrices(const QJsonObject& prices)
 {
-    showQuotes(PriceSnapshot(prices));
+    showQuotes(PriceSnapshot(
+        prices, [this](const QString& symbol) { return m_digits.value(symbol, defaultDigits); }));
 }
 
 void TerminalPane::showQuotes(const PriceSnapshot& prices)

@@ -47,6 +47,8 @@ private Q_SLOTS:
     void aQuoteThatLacksAPriceIsShownAndBuildsNoBar();
     void theCaptionsWaitForTheFirstPrice();
     void pricesBelowZeroBuildBars();
+    void theSymbolsDecimalsSayHowSmallItsPricesAre();
+    void aCandleOfTheFarFutureStopsNoTick();
     void tradesBecomeLevelLines();
     void aTradeWithoutAStopGetsNoStopLine();
     void theDigitsAndTheDescriptionMayArriveLater();
@@ -424,6 +426,9 @@ void tst_ChartWindow::aQuoteThatLacksAPriceIsShownAndBuildsNoBar_data()
     row("zero", {{u"bid"_s, 0}, {u"ask"_s, 0}}, 0.0, 0.0);
     row("not a number", {{u"bid"_s, u"nan"_s}, {u"ask"_s, 1}}, 0.0, 1.0);
     row("absurd", {{u"bid"_s, 1.0}, {u"ask"_s, 1e308}}, 1.0, 0.0);
+    row("far below a point", {{u"bid"_s, 1e-9}, {u"ask"_s, 1.5}}, 0.0, 1.5);
+    row("tiny", {{u"bid"_s, u"1e-300"_s}, {u"ask"_s, -1e-300}}, 0.0, 0.0);
+    row("a trillion", {{u"bid"_s, 1.5}, {u"ask"_s, 1e12}}, 1.5, 0.0);
     row("below zero beside none", {{u"bid"_s, -1.0}, {u"ask"_s, 0}}, -1.0, 0.0);
     row("no prices", {}, 0.0, 0.0);
     QTest::newRow("no record") << QJsonValue(u"1.5"_s) << 0.0 << 0.0;
@@ -466,6 +471,33 @@ void tst_ChartWindow::pricesBelowZeroBuildBars()
     QCOMPARE(window.chart().candles().size(), std::size_t(1));
     QCOMPARE(window.chart().candles().front().close, -37.5);
     QCOMPARE(captions(window), QStringList({u"SELL\n-37.75"_s, u"BUY\n-37.25"_s}));
+}
+
+void tst_ChartWindow::theSymbolsDecimalsSayHowSmallItsPricesAre()
+{
+    ChartWindow window(*m_api, u"SHIB"_s, u"1mn"_s, {}, 9);
+    window.onPrices(snapshot(u"SHIB"_s, 2e-9, 4e-9));
+    QCOMPARE(window.chart().candles().size(), std::size_t(1));
+    QCOMPARE(window.chart().candles().front().close, 3e-9);
+    window.setSymbolInfo(5, {});
+    window.onPrices(snapshot(u"SHIB"_s, 2e-9, 4e-9));
+    QCOMPARE(window.chart().bid(), 0.0);
+}
+
+void tst_ChartWindow::aCandleOfTheFarFutureStopsNoTick()
+{
+    QJsonArray rows = QJsonDocument::fromJson(bars(2, 1.25)).array();
+    rows.append(QJsonObject{{u"timestamp"_s, u"9999-12-31T00:00:00.000Z"_s}, {u"open"_s, 1.25},
+        {u"high"_s, 1.25}, {u"low"_s, 1.25}, {u"close"_s, 1.25}, {u"volume"_s, 1}});
+    m_server->on("GET", candlesPath, StubAnswer::json(QJsonDocument(rows).toJson()));
+    ChartWindow window(*m_api, u"EURUSD"_s, u"15m"_s, {}, 5);
+    const QSignalSpy log(&window, &ChartWindow::logMessage);
+    window.load();
+    QTRY_COMPARE(log.size(), 1);
+    QCOMPARE(log.first().at(1), u"EURUSD,M15: 3 candles loaded"_s);
+    window.onPrices(snapshot(u"EURUSD"_s, 1.5, 1.7));
+    QCOMPARE(window.chart().candles().size(), std::size_t(3));
+    QCOMPARE(window.chart().candles().back().close, 1.6);
 }
 
 void tst_ChartWindow::tradesBecomeLevelLines()

@@ -1,6 +1,7 @@
 #include "app/UtcTime.h"
 #include "chart/CandleSeries.h"
 #include "chart/HistoryReply.h"
+#include "chart/PlainHistory.h"
 #include "support/TestMain.h"
 #include "support/TimeZone.h"
 
@@ -25,6 +26,9 @@ private Q_SLOTS:
     void readsNumbersAndNumericStrings();
     void leavesOutBarsWithAPriceThatCannotBeRead_data();
     void leavesOutBarsWithAPriceThatCannotBeRead();
+    void leavesOutBarsWithWhatIsNoPriceOfTheSymbol_data();
+    void leavesOutBarsWithWhatIsNoPriceOfTheSymbol();
+    void leavesOutBarsMoreThanADayAheadOfTheClock();
     void truncatesTheVolume_data();
     void truncatesTheVolume();
     void unorderedAndDuplicateTimesMakeAnOrderedSeries();
@@ -43,9 +47,22 @@ QJsonObject row(const QString& time, const QJsonValue& close = 1.5)
         {u"volume"_s, 7}};
 }
 
+constexpr qint64 msPerDay = 86'400'000;
+constexpr qint64 now = 1'800'000'000'000;
+constexpr CandleRule rule{5, now};
+
 HistoryReply readRows(const QJsonArray& rows)
 {
-    return HistoryReply::read(QJsonDocument(rows));
+    return HistoryReply::read(QJsonDocument(rows), rule);
+}
+
+/// What either reader makes of the same rows.
+QList<HistoryReply> readBothWays(const QJsonArray& rows, const CandleRule& by)
+{
+    const QJsonDocument document(rows);
+    const QByteArray text = document.toJson();
+    return {HistoryReply::read(document, by), HistoryReply::read(text, by),
+        readPlainHistory(text, by).value_or(HistoryReply())};
 }
 
 } // namespace
@@ -137,10 +154,52 @@ void tst_HistoryReply::leavesOutBarsWithAPriceThatCannotBeRead()
     }
     const QByteArray good
         = R"({"timestamp":"2014-05-01T00:15:00Z","open":1,"high":2,"low":"0.5","close":1.5,"volume":1})";
-    const HistoryReply reply = HistoryReply::read("[" + bad + "}," + good + "]");
+    const HistoryReply reply = HistoryReply::read("[" + bad + "}," + good + "]", rule);
     QCOMPARE(reply.received, 2);
     QCOMPARE(reply.candles.size(), std::size_t(1));
     QCOMPARE(reply.candles.front().low, 0.5);
+}
+
+void tst_HistoryReply::leavesOutBarsWithWhatIsNoPriceOfTheSymbol_data()
+{
+    QTest::addColumn<double>("price");
+    QTest::addColumn<int>("digits");
+    QTest::addColumn<bool>("kept");
+    QTest::newRow("half a point") << 0.000005 << 5 << true;
+    QTest::newRow("less") << 0.0000049 << 5 << false;
+    QTest::newRow("far less") << 1e-9 << 5 << false;
+    QTest::newRow("small, with decimals for it") << 1e-9 << 9 << true;
+    QTest::newRow("zero") << 0.0 << 5 << false;
+    QTest::newRow("below zero") << -37.5 << 2 << true;
+    QTest::newRow("just below a trillion") << 999'999'999'999.0 << 2 << true;
+    QTest::newRow("a trillion") << 1e12 << 2 << false;
+}
+
+void tst_HistoryReply::leavesOutBarsWithWhatIsNoPriceOfTheSymbol()
+{
+    QFETCH(double, price);
+    QFETCH(int, digits);
+    QFETCH(bool, kept);
+    for (const QString& key : {u"open"_s, u"high"_s, u"low"_s, u"close"_s}) {
+        QJsonObject fields = row(u"2014-05-01T00:00:00.000Z"_s);
+        fields.insert(key, price);
+        for (const HistoryReply& reply : readBothWays({fields}, {digits, now})) {
+            QCOMPARE(reply.received, 1);
+            QCOMPARE(reply.candles.size(), std::size_t(kept ? 1 : 0));
+        }
+    }
+}
+
+void tst_HistoryReply::leavesOutBarsMoreThanADayAheadOfTheClock()
+{
+    const auto at = [](qint64 ms) { return row(utcTime(ms).toString(Qt::ISODateWithMs)); };
+    const QJsonArray rows{at(now), at(now + msPerDay), at(now + msPerDay + 1), at(now + 30 * msPerDay),
+        row(u"9999-12-31T23:59:59.999Z"_s)};
+    for (const HistoryReply& reply : readBothWays(rows, rule)) {
+        QCOMPARE(reply.received, 5);
+        QCOMPARE(reply.candles.size(), std::size_t(2));
+        QCOMPARE(reply.candles.back().time, now + msPerDay);
+    }
 }
 
 void tst_HistoryReply::truncatesTheVolume_data()
@@ -188,7 +247,7 @@ void tst_HistoryReply::readsAsManyRowsAsAReplyMayHold()
         body += (i > 0 ? "," : "") + head + first.addSecs(60LL * i).toString(Qt::ISODateWithMs).toLatin1()
             + tail;
     body += "]";
-    const HistoryReply reply = HistoryReply::read(QJsonDocument::fromJson(body));
+    const HistoryReply reply = HistoryReply::read(QJsonDocument::fromJson(body), rule);
     QCOMPARE(reply.received, count);
     CandleSeries series;
     series.setCandles(reply.candles);
@@ -225,7 +284,7 @@ void tst_HistoryReply::anythingButAnArrayIsAnEmptyHistory()
 {
     QFETCH(QByteArray, body);
     for (const HistoryReply& reply :
-        {HistoryReply::read(QJsonDocument::fromJson(body)), HistoryReply::read(body)}) {
+        {HistoryReply::read(QJsonDocument::fromJson(body), rule), HistoryReply::read(body, rule)}) {
         QCOMPARE(reply.received, 0);
         QVERIFY(reply.candles.empty());
     }

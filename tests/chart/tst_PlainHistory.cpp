@@ -11,14 +11,17 @@ const QByteArray usual
       "\n "
       R"({ "timestamp" : "2014-05-01T00:15:00Z", "open":-0.5, "high":2, "low":-1, "close":1, "volume":1e3 } ])";
 
+/// By a clock that shows 17:46:40 on 17 March 2030.
+constexpr CandleRule rule{5, 1'900'000'000'000};
+
 /// Whether both readers say the same about a text, in so far as the fast one says anything.
 bool agree(const QByteArray& json)
 {
-    const std::optional<HistoryReply> plain = readPlainHistory(json);
+    const std::optional<HistoryReply> plain = readPlainHistory(json, rule);
     if (!plain)
         return true;
     const QJsonDocument document = QJsonDocument::fromJson(json);
-    const HistoryReply general = HistoryReply::read(document);
+    const HistoryReply general = HistoryReply::read(document, rule);
     return document.isArray() && general.received == plain->received && general.candles == plain->candles;
 }
 
@@ -30,7 +33,7 @@ class tst_PlainHistory final : public QObject {
 private Q_SLOTS:
     void theUsualFormIsRead()
     {
-        const std::optional<HistoryReply> history = readPlainHistory(usual);
+        const std::optional<HistoryReply> history = readPlainHistory(usual, rule);
         QVERIFY(history);
         QCOMPARE(history->received, 2);
         QCOMPARE(history->candles.size(), std::size_t(2));
@@ -60,13 +63,22 @@ private Q_SLOTS:
             << R"([{"timestamp":"2014-05-01T00:00:00Z","volume":-3,"open":1,"high":9,"low":1,"close":2}])"_ba;
         QTest::newRow("a price is missing")
             << R"([{"timestamp":"2014-05-01T00:00:00Z","open":1,"high":9,"low":1}])"_ba;
-        QTest::newRow("small number")
-            << R"([{"timestamp":"2014-05-01T00:00:00Z","open":1.25e-7,"high":9,"low":1e-9,"close":2}])"_ba;
+        const auto low = [](const char* value) {
+            return R"([{"timestamp":"2014-05-01T00:00:00Z","open":1,"high":9,"close":2,"low":)"_ba + value
+                + "}]";
+        };
+        for (const char* number : {"1.25e-7", "0.000005", "0.0000049", "-0.000005", "0", "-0", "1e-300",
+                 "999999999999", "1e12", "\"1e12\"", "\"1e-9\"", "-1e12"})
+            QTest::newRow(number) << low(number);
+        for (const char* year : {"2014", "2030", "2031", "9999"}) {
+            QByteArray json = R"([{"timestamp":"YEAR-03-18T17:46:40Z","open":1,"high":9,"low":1,"close":2}])";
+            QTest::newRow(year) << json.replace("YEAR", year);
+        }
     }
     void whatItReadsIsWhatTheGeneralParserReads()
     {
         QFETCH(const QByteArray, json);
-        QVERIFY(readPlainHistory(json));
+        QVERIFY(readPlainHistory(json, rule));
         QVERIFY(agree(json));
     }
 
@@ -103,7 +115,7 @@ private Q_SLOTS:
     void anythingElseIsLeftToTheGeneralParser()
     {
         QFETCH(const QByteArray, json);
-        QVERIFY(!readPlainHistory(json));
+        QVERIFY(!readPlainHistory(json, rule));
     }
 
     void aDamagedByteNeverMakesAnotherHistory()
@@ -120,18 +132,18 @@ private Q_SLOTS:
     void aCutTextIsNoHistory()
     {
         for (qsizetype length = 0; length < usual.size(); ++length)
-            QVERIFY(!readPlainHistory(usual.first(length)));
+            QVERIFY(!readPlainHistory(usual.first(length), rule));
     }
 
     void theReplyIsReadEitherWay()
     {
         const QByteArray escaped
             = R"([{"\u0074imestamp":"2014-05-01T00:00:00Z","open":1,"high":9,"low":1,"close":2}])"_ba;
-        QVERIFY(!readPlainHistory(escaped));
-        QCOMPARE(HistoryReply::read(escaped).candles.size(), std::size_t(1));
-        QCOMPARE(HistoryReply::read(usual).candles.size(), std::size_t(2));
-        QVERIFY(HistoryReply::read("{}"_ba).candles.empty());
-        QVERIFY(HistoryReply::read(usual.chopped(1)).candles.empty());
+        QVERIFY(!readPlainHistory(escaped, rule));
+        QCOMPARE(HistoryReply::read(escaped, rule).candles.size(), std::size_t(1));
+        QCOMPARE(HistoryReply::read(usual, rule).candles.size(), std::size_t(2));
+        QVERIFY(HistoryReply::read("{}"_ba, rule).candles.empty());
+        QVERIFY(HistoryReply::read(usual.chopped(1), rule).candles.empty());
     }
 };
 

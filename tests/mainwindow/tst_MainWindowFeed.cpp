@@ -21,6 +21,7 @@ private Q_SLOTS:
     void actionsThatNeedSymbolsWaitForThem();
     void pricesReachMarketWatchAndTrades();
     void aHelloFiresNoAlert();
+    void whatIsNoPriceOfItsSymbolReachesNobody();
     void aHelloTicksNoOpenChart();
     void aHelloLeavesTheTradesPricesAlone();
     void theHellosPricesAreKnownToChartsOpenedLater();
@@ -98,6 +99,33 @@ void tst_MainWindowFeed::aHelloFiresNoAlert()
     f.feed.send(R"({"type":"price_update","data":{"EURUSD":{"bid":1.3,"ask":1.4}}})");
     QTRY_COMPARE(f.list("alertsList").topLevelItem(0)->text(3), u"Triggered"_s);
     QCOMPARE(f.list("alertsList").topLevelItem(1)->text(3), u"Active"_s);
+    TerminalSettings::instance().setAlerts({});
+}
+
+void tst_MainWindowFeed::whatIsNoPriceOfItsSymbolReachesNobody()
+{
+    TerminalSettings::instance().setAlerts(
+        uR"([{"symbol":"EURUSD","price":0.5},{"symbol":"SHIB","price":0.5}])"_s);
+    MainWindowFixture f;
+    f.signInAndSettle();
+    f.feed.send(R"({"type":"hello","symbols":[{"name":"EURUSD","digits":5,"sortOrder":1},
+        {"name":"SHIB","digits":9,"sortOrder":2}],"prices":{"EURUSD":{"bid":1.3,"ask":1.4}}})");
+    auto* watch = &f.list("marketWatchSymbols");
+    QTRY_COMPARE(watch->topLevelItem(1)->text(0), u"SHIB"_s);
+    f.settle();
+    f.window->openChart(u"EURUSD"_s);
+    f.window->openChart(u"SHIB"_s);
+    f.feed.send(R"({"type":"price_update","data":{"EURUSD":{"bid":1e-300,"ask":1e12},
+        "SHIB":{"bid":"0.000000004","ask":6e-9}}})");
+    const auto* alerts = &f.list("alertsList");
+    QTRY_COMPARE(alerts->topLevelItem(1)->text(3), u"Triggered"_s);
+    QCOMPARE(watch->topLevelItem(1)->text(1), u"0.000000004"_s);
+    QCOMPARE(f.charts().last()->chart().bid(), 4e-9);
+    QCOMPARE(alerts->topLevelItem(0)->text(3), u"Active"_s);
+    QCOMPARE(watch->topLevelItem(0)->text(1), u"1.30000"_s);
+    QCOMPARE(watch->topLevelItem(0)->text(2), u"1.40000"_s);
+    f.window->openChart(u"EURUSD"_s);
+    QCOMPARE(f.charts().last()->chart().bid(), 0.0);
     TerminalSettings::instance().setAlerts({});
 }
 

@@ -16,6 +16,8 @@ private Q_SLOTS:
     void a_symbol_that_is_not_named_is_not_found();
     void symbols_of_any_script_come_in_the_order_of_texts();
     void an_empty_map_has_no_entries();
+    void each_symbols_own_decimals_say_what_is_a_price();
+    void nobody_is_asked_for_decimals_that_do_not_matter();
 };
 
 void TestPriceSnapshot::every_record_is_read_by_the_rule_for_quotes()
@@ -25,7 +27,7 @@ void TestPriceSnapshot::every_record_is_read_by_the_rule_for_quotes()
     const PriceSnapshot snapshot(prices);
     QCOMPARE(snapshot.entries().size(), 5U);
     for (const PriceSnapshot::Entry& entry : snapshot.entries()) {
-        QVERIFY(entry.quote == readQuote(prices.value(entry.symbol)));
+        QVERIFY(entry.quote == readQuote(prices.value(entry.symbol), 5));
         const Quote* found = snapshot.find(entry.symbol);
         QVERIFY(found && *found == entry.quote);
     }
@@ -65,6 +67,35 @@ void TestPriceSnapshot::an_empty_map_has_no_entries()
     const PriceSnapshot snapshot{QJsonObject()};
     QVERIFY(snapshot.entries().empty());
     QVERIFY(!snapshot.find(u"A"_s));
+}
+
+void TestPriceSnapshot::each_symbols_own_decimals_say_what_is_a_price()
+{
+    const QJsonObject prices = parse(R"({"A":{"bid":1e-8,"ask":1e-8},"B":{"bid":1e-8,"ask":"0.00002"},
+        "C":{"bid":0.4,"ask":1e12},"D":{"bid":1e-300,"ask":1.5}})");
+    const PriceSnapshot snapshot(prices, [](const QString& symbol) {
+        return symbol == "A"_L1 ? 8 : symbol == "C"_L1 ? 0 : 5;
+    });
+    QVERIFY((*snapshot.find(u"A"_s) == Quote{1e-8, 1e-8}));
+    QVERIFY((*snapshot.find(u"B"_s) == Quote{0.0, 0.00002}));
+    QVERIFY((*snapshot.find(u"C"_s) == Quote{0.0, 0.0}));
+    QVERIFY((*snapshot.find(u"D"_s) == Quote{0.0, 1.5}));
+    const PriceSnapshot usual(prices);
+    for (const PriceSnapshot::Entry& entry : usual.entries())
+        QVERIFY(entry.quote == readQuote(prices.value(entry.symbol), 5));
+}
+
+void TestPriceSnapshot::nobody_is_asked_for_decimals_that_do_not_matter()
+{
+    QStringList asked;
+    const PriceSnapshot snapshot(
+        parse(R"({"A":{"bid":0.5,"ask":0.6},"B":{"bid":-37.5,"ask":-37},"C":{"bid":0.3,"ask":0.6}})"),
+        [&](const QString& symbol) {
+            asked.append(symbol);
+            return 5;
+        });
+    QCOMPARE(asked, QStringList(u"C"_s));
+    QVERIFY((*snapshot.find(u"C"_s) == Quote{0.3, 0.6}));
 }
 
 TAVORAN_TEST_MAIN(TestPriceSnapshot)

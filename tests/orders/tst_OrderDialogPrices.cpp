@@ -103,6 +103,7 @@ void TestOrderDialogPrices::aPriceThatIsMissingIsShownAsZero_data()
     row(R"({"bid":"x","ask":1})", 0, 1);
     row(R"({"bid":1e308,"ask":1})", 0, 1);
     row(R"({"bid":0,"ask":0})", 0, 0);
+    row(R"({"bid":1e-9,"ask":1e12})", 0, 0);
     row(R"({"bid":-1,"ask":1})", -1, 1);
     row(R"({"bid":"nan","ask":1})", 0, 1);
 }

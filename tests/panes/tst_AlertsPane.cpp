@@ -116,6 +116,7 @@ private Q_SLOTS:
     void aTriggeredAlertStaysQuietAfterARestart();
     void corruptSettingsGiveNoAlertsAndAreReplaced();
     void pricesOfOthersLeaveTheSettingsAlone();
+    void whatIsNoPriceFiresNothing();
     void symbolTextIsOneLine();
     void oneOfTenThousandFires();
 };
@@ -487,6 +488,20 @@ void TestAlertsPane::pricesOfOthersLeaveTheSettingsAlone()
     desk.pane.onPrices(parse(R"({"GOLD":{"bid":1900},"EURUSD":{"bid":0}})"));
     QCOMPARE(stored(), uR"([ {"symbol":"EURUSD","price":1,"above":true} ])"_s);
     QCOMPARE(desk.sounds.size(), 0);
+}
+
+void TestAlertsPane::whatIsNoPriceFiresNothing()
+{
+    TerminalSettings::instance().setAlerts(
+        uR"([{"symbol":"EURUSD","price":1},{"symbol":"EURUSD","price":2,"above":true}])"_s);
+    Desk desk;
+    for (const QByteArray bid : {"1e-300", "\"1e-9\"", "0.0000049", "1e12", "1e300", "-1e-300", "-5"})
+        desk.pane.onPrices(parse("{\"EURUSD\":{\"bid\":" + bid + "}}"));
+    QCOMPARE(desk.sounds.size(), 0);
+    desk.pane.onPrices(parse(R"({"EURUSD":{"bid":0.00001}})"));
+    QCOMPARE(desk.sounds.size(), 1);
+    desk.pane.onPrices(parse(R"({"EURUSD":{"bid":999999999999}})"));
+    QCOMPARE(desk.sounds.size(), 2);
 }
 
 void TestAlertsPane::symbolTextIsOneLine()

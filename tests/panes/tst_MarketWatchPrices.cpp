@@ -140,7 +140,7 @@ void TestMarketWatchPrices::malformedPricesLeaveTheCells_data()
 {
     QTest::addColumn<QByteArray>("price");
     for (const char* price : {"0", "-1.5", "\"\"", "\"abc\"", "\"1,5\"", "null", "[]", "{}", "true", "1e308",
-             "\"nan\"", "\"inf\"", "\"1e400\""})
+             "\"nan\"", "\"inf\"", "\"1e400\"", "1e-300", "0.0000049", "1e12", "\"1e-9\""})
         QTest::newRow(price) << QByteArray(price);
 }
 
@@ -191,14 +191,15 @@ void TestMarketWatchPrices::dailyChangeHasItsSignAndColour()
 void TestMarketWatchPrices::aSymbolWithoutOpeningPriceShowsNoChange()
 {
     Watch watch(R"([{"name":"A","dailyOpen":null},{"name":"B","dailyOpen":0},{"name":"C"},
-        {"name":"D","dailyOpen":-1},{"name":"E","dailyOpen":"x"},{"name":"F","dailyOpen":1e-300}])");
+        {"name":"D","dailyOpen":-1},{"name":"E","dailyOpen":"x"},{"name":"F","dailyOpen":1e-300},
+        {"name":"G","dailyOpen":1e-15,"digits":15}])");
     watch.widget.updatePrices(parse(R"({"A":{"bid":1},"B":{"bid":1},"C":{"bid":1},"D":{"bid":1},
-        "E":{"bid":1},"F":{"bid":1}})"));
-    for (const QString& name : {u"A"_s, u"B"_s, u"C"_s, u"D"_s, u"E"_s}) {
+        "E":{"bid":1},"F":{"bid":1},"G":{"bid":1}})"));
+    for (const QString& name : {u"A"_s, u"B"_s, u"C"_s, u"D"_s, u"E"_s, u"F"_s}) {
         QCOMPARE(watch.row(name)->text(1), u"1.00000"_s);
         QCOMPARE(watch.row(name)->text(3), QString());
     }
-    QVERIFY(watch.row(u"F"_s)->text(3).size() < 24);
+    QVERIFY(watch.row(u"G"_s)->text(3).size() < 24);
 }
 
 void TestMarketWatchPrices::digitsAreClampedAndDefaultToFive()

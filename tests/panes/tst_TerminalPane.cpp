@@ -238,7 +238,8 @@ void TestTerminalPane::missingOrUnreadablePricesLeaveTheCell()
     toolbox.pane.updateCurrentPrices(parse(R"({"EURUSD":{"bid":1.071,"ask":1.072}})"));
     toolbox.pane.updateCurrentPrices({});
     toolbox.pane.updateCurrentPrices(parse(R"({"GOLD":{"bid":1,"ask":2}})"));
-    for (const QByteArray bad : {"{}", "5", "null", R"({"bid":"x"})", R"({"bid":1e308})", R"({"bid":"nan"})"})
+    for (const QByteArray bad : {"{}", "5", "null", R"({"bid":"x"})", R"({"bid":1e308})", R"({"bid":"nan"})",
+             R"({"bid":1e-300})", R"({"bid":0.0000049})", R"({"bid":1e12})"})
         toolbox.pane.updateCurrentPrices(parse("{\"EURUSD\":" + bad + "}"));
     QCOMPARE(toolbox.cell(0, TradeCurrentPrice), u"1.07100"_s);
     toolbox.pane.updateCurrentPrices(parse(R"({"GOLD":{"bid":1,"ask":-37.5}})"));
