@@ -57,6 +57,8 @@ public:
 
     /// New prices of every symbol.
     void tick(const std::vector<Prices>& prices, TimeMs now);
+    /// What the order would hold if it were filled now.
+    [[nodiscard]] Cents marginNeeded(const Line& order) const { return marginOf(order, opening(order)); }
     /// Whether such an order is to be taken.
     [[nodiscard]] bool mayPlace(const Line& order) const;
     /// Takes it; the id is the platform's.

@@ -4,6 +4,9 @@
 #include "practice/server/ServerProcess.h"
 #include "practice/storage/TemporaryFolder.h"
 
+#include "practice/core/Types.h"
+#include "practice/storage/Database.h"
+
 #include <atomic>
 #include <chrono>
 #include <csignal>
@@ -172,6 +175,58 @@ TEST_CASE("two platforms with the same seed and speed have the same market, othe
     CHECK(same(minutes("b.db", {"--seed", "5", "--speed", "60"})) >= 95);
     CHECK(same(minutes("c.db", {"--seed", "6", "--speed", "60"})) < 5);
     CHECK(same(minutes("d.db", {"--seed", "5", "--speed", "30"})) < 5);
+}
+
+TEST_CASE("a start whose clock is behind the open trades goes on from their time")
+{
+    const TemporaryFolder folder;
+    const std::string file = (folder / "x.db").string();
+    std::string token;
+    std::string account;
+    const auto lastBar = [&token](const ServerProcess& server) {
+        HttpClient client(server.port());
+        client.setToken(token);
+        const json rows = client.get("/api/candles?symbol=EURUSD&timeframe=1m&limit=1").json();
+        return rows.back().at("timestamp").get<std::string>();
+    };
+    std::string today;
+    {
+        const ServerProcess server(file);
+        HttpClient client(server.port());
+        client.signIn();
+        token = client.token();
+        account = demoAccount(client);
+        today = lastBar(server);
+        CHECK_EQ(client
+                     .post("/api/trades/place",
+                         {{"accountId", account}, {"symbol", "EURUSD"}, {"lotSize", 0.01},
+                             {"orderKind", "BUY_LIMIT"}, {"pendingPrice", 0.2}})
+                     .status,
+            200);
+    }
+    const auto moveTrades = [&file](practice::TimeMs days) {
+        practice::Database database(file);
+        const std::string time = std::to_string(days * practice::dayMs);
+        database.execute(
+            "UPDATE trades SET created_at = created_at + " + time + ", updated_at = updated_at + " + time);
+    };
+    moveTrades(1000);
+    std::string later;
+    {
+        const ServerProcess server(file);
+        later = lastBar(server);
+        CHECK(later.substr(0, 4) > today.substr(0, 4));
+        HttpClient client(server.port());
+        client.setToken(token); // the session is none the worse for it
+        const json orders = client.get("/api/trades/pending?accountId=" + account).json();
+        REQUIRE(orders.size() == 1);
+        CHECK_EQ(client.request("POST", "/api/trades/cancel/" + orders[0].at("id").get<std::string>(), "{}")
+                     .status,
+            200);
+    }
+    const ServerProcess server(file); // with nothing open the clock is believed again
+    CHECK(lastBar(server) < later);
+    CHECK(lastBar(server) >= today);
 }
 
 TEST_CASE("hundreds of silent connections keep no newcomer out")
