@@ -1,6 +1,7 @@
 #include "practice/core/SymbolCatalog.h"
 
 #include <algorithm>
+#include <map>
 
 namespace practice {
 namespace {
@@ -66,9 +67,17 @@ std::vector<SymbolSpec> buildCatalog()
     catalog[8].baseCurrency = "XAU";
     catalog[11].baseCurrency = "BTC";
     catalog[12].baseCurrency = "ETH";
+    const std::map<std::string_view, FactorShares> shared{{"EURUSD", {-0.85, 0.10, 0}},
+        {"GBPUSD", {-0.76, 0.25, 0}}, {"USDJPY", {0.55, 0.35, 0}}, {"AUDUSD", {-0.60, 0.50, 0}},
+        {"USDCHF", {0.85, 0.10, 0}}, {"USDCAD", {0.60, -0.45, 0}}, {"XAUUSD", {-0.40, -0.10, 0}},
+        {"US500", {-0.10, 0.80, 0}}, {"USOIL", {-0.20, 0.45, 0}}, {"BTCUSD", {-0.10, 0.25, 0.85}},
+        {"ETHUSD", {-0.10, 0.25, 0.80}}};
     int order = 0;
-    for (SymbolSpec& spec : catalog)
+    for (SymbolSpec& spec : catalog) {
         spec.sortOrder = ++order;
+        if (const auto found = shared.find(spec.name); found != shared.end())
+            spec.shared = found->second;
+    }
     return catalog;
 }
 

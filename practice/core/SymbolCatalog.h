@@ -8,6 +8,14 @@
 
 namespace practice {
 
+/// How much of a symbol's movement it shares with others, each as a correlation with what moves them: the
+/// dollar's strength, the appetite for risk, the fashion for coins. Their squares add up to 1 at most.
+struct FactorShares {
+    double dollar = 0;
+    double risk = 0;
+    double crypto = 0;
+};
+
 /// One tradable instrument: what a trader sees of it, what the broker charges for it, how it moves.
 struct SymbolSpec {
     std::string name;
@@ -28,6 +36,7 @@ struct SymbolSpec {
     double basePrice = 1;           ///< the level the simulated price keeps returning to
     double dailyVolatility = 0.006; ///< typical standard deviation of one day's log return
     int spreadPoints = 10;          ///< typical spread in points; even and >= 2
+    FactorShares shared;            ///< of cross rates none: they have it from their legs
 };
 
 /// The built-in instruments in list order. Every profit currency that is not USD has a pair against USD

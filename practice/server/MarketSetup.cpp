@@ -5,6 +5,7 @@
 #include "practice/server/Clock.h"
 #include "practice/server/Options.h"
 #include "practice/server/Platform.h"
+#include "practice/server/Reset.h"
 #include "practice/storage/MetaStore.h"
 #include "practice/storage/TradeStore.h"
 
@@ -23,12 +24,17 @@ namespace fs = std::filesystem;
 constexpr const char* seedKey = "seed";
 constexpr const char* speedKey = "speed";
 constexpr const char* replayKey = "replay";
+constexpr const char* generatorKey = "generator";
+
+// To be raised with every change of the prices that a seed and a moment give.
+constexpr int generator = 2;
 
 /// What the database knows of its market; nothing of what an older program did not write down.
 struct Remembered {
     std::optional<std::uint64_t> seed;
     std::optional<double> speed;
     std::optional<fs::path> replay;
+    std::optional<int> generator;
 };
 
 template <typename T> std::string textOf(T number)
@@ -49,7 +55,7 @@ Remembered recall(Database& database)
 {
     MetaStore meta(database);
     return {numberIn<std::uint64_t>(meta.value(seedKey)), numberIn<double>(meta.value(speedKey)),
-        meta.value(replayKey)};
+        meta.value(replayKey), numberIn<int>(meta.value(generatorKey))};
 }
 
 void remember(Database& database, const MarketSetup& setup)
@@ -59,6 +65,7 @@ void remember(Database& database, const MarketSetup& setup)
     meta.setValue(seedKey, textOf(setup.seed));
     meta.setValue(speedKey, textOf(setup.speed));
     meta.setValue(replayKey, setup.replay.string());
+    meta.setValue(generatorKey, textOf(generator));
     transaction.commit();
 }
 
@@ -120,6 +127,19 @@ std::string openTradesText(std::size_t count)
     return std::to_string(count) + (count == 1 ? " open trade" : " open trades");
 }
 
+// What was opened in the market of another version of this program has no prices any more, not even old ones.
+void requireNothingOpen(Database& database, const Options& options, const Clock& clock)
+{
+    const std::size_t open = TradeStore(database).load().liveTrades.size();
+    if (open > 0 && !options.closeOpenTrades) {
+        throw UsageError(openTradesText(open) + " in " + options.database.string()
+            + " (positions and orders) belong to the market of another version of this program, whose prices"
+              " are gone; add --close-open-trades to cancel them at no cost");
+    }
+    if (open > 0)
+        cancelOpenTrades(database, clock.now());
+}
+
 void closeAtOldPrices(Database& database, const MarketSetup& old, const Options& options, const Clock& clock)
 {
     requireFolder(old, options);
@@ -146,6 +166,11 @@ ChosenMarket chooseMarket(Database& database, const Options& options, const Cloc
     requireFolder(wanted, options);
     ChosenMarket chosen{wanted, makeMarket(database, wanted, clock.now())};
 
+    if (known.generator.value_or(1) != generator) {
+        requireNothingOpen(database, options, clock);
+        remember(database, wanted);
+        return chosen;
+    }
     const bool moves = wanted.seed != old.seed || wanted.speed != old.speed || wanted.replay != old.replay;
     const std::size_t open = moves ? TradeStore(database).load().liveTrades.size() : 0;
     if (open > 0 && !options.closeOpenTrades) {

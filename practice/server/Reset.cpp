@@ -63,6 +63,15 @@ std::vector<Account> resetAccounts(Database& database, const std::optional<std::
     return accounts;
 }
 
+void cancelOpenTrades(Database& database, TimeMs now)
+{
+    TradeStore store(database);
+    Broker broker = loadBroker(store);
+    Transaction transaction(database);
+    store.store(broker.cancelEverything(now));
+    transaction.commit();
+}
+
 std::string accountName(const Account& account)
 {
     switch (account.kind) {

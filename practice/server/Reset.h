@@ -16,6 +16,9 @@ class Database;
 [[nodiscard]] std::vector<Account> resetAccounts(
     Database& database, const std::optional<std::string>& id, TimeMs now);
 
+/// Cancels everything that is open in any account, at no cost. Throws StorageError.
+void cancelOpenTrades(Database& database, TimeMs now);
+
 /// What a person calls the account: "Wallet", "Demo" or the name of its plan.
 [[nodiscard]] std::string accountName(const Account& account);
 

@@ -214,6 +214,17 @@ ChangeSet Broker::closeEverything(TimeMs now)
     return m_ledger.take();
 }
 
+ChangeSet Broker::cancelEverything(TimeMs now)
+{
+    TradeDesk desk(m_ledger, m_prices, now);
+    for (const auto& account : m_ledger.accounts()) {
+        const std::vector<LiveTrade*> trades = account->trades; // cancelling takes them out of the list
+        for (LiveTrade* trade : trades)
+            desk.voidTrade(*trade, CloseReason::Reset);
+    }
+    return m_ledger.take();
+}
+
 ChangeSet Broker::reset(std::string_view accountId, TimeMs now)
 {
     TradeDesk desk(m_ledger, m_prices, now);

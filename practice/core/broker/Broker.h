@@ -63,6 +63,9 @@ public:
     /// stays.
     [[nodiscard]] ChangeSet closeEverything(TimeMs now);
 
+    /// Cancels every position and every order as if it had never been: nothing is paid. Needs no prices.
+    [[nodiscard]] ChangeSet cancelEverything(TimeMs now);
+
     /// Begins an account anew: its live trades are cancelled at no cost, the initial balance is back, and so
     /// are status and phase. Needs no prices. Empty when the account is unknown.
     [[nodiscard]] ChangeSet reset(std::string_view accountId, TimeMs now);

@@ -32,7 +32,8 @@ struct Frame {
     [[nodiscard]] double lower() const { return std::min(open, close); }
 };
 
-Walk drawWalk(const Frame& frame, std::span<const double> variances, HashRandom& random)
+Walk drawWalk(
+    const Frame& frame, std::span<const double> variances, const SharedSteps& shared, HashRandom& random)
 {
     const std::size_t count = variances.size();
     double remaining = 0;
@@ -44,8 +45,9 @@ Walk drawWalk(const Frame& frame, std::span<const double> variances, HashRandom&
     walk.ends[count] = frame.close;
     for (std::size_t i = 0; i + 1 < count; ++i) {
         const double share = variances[i] / remaining;
+        const double step = shared.steps[i] + shared.ownWeight * random.gaussian();
         const double drift = (frame.close - walk.ends[i]) * share;
-        const double noise = std::sqrt(variances[i] * (1 - share)) * random.gaussian();
+        const double noise = std::sqrt(variances[i] * (1 - share)) * step;
         walk.ends[i + 1] = reflectInto(walk.ends[i] + drift + noise, frame.low, frame.high);
         remaining -= variances[i];
     }
@@ -115,8 +117,8 @@ double walkVariance(const BarNode& node)
     return std::max({node.variance * open * open, range * range / 4, 1e-6});
 }
 
-BarParts splitBar(
-    const BarNode& parent, std::span<const double> shares, std::int64_t minutesPerPart, std::uint64_t key)
+BarParts splitBar(const BarNode& parent, std::span<const double> shares, std::int64_t minutesPerPart,
+    std::uint64_t key, const SharedSteps& shared)
 {
     const std::size_t count = shares.size();
     HashRandom random(key);
@@ -140,10 +142,10 @@ BarParts splitBar(
     const Frame frame{static_cast<double>(bar.open), static_cast<double>(bar.close),
         static_cast<double>(bar.high), static_cast<double>(bar.low)};
     const double slack = 0.1 * std::sqrt(walked);
-    Walk best = drawWalk(frame, variances, random);
+    Walk best = drawWalk(frame, variances, shared, random);
     double bestMisfit = misfit(best, frame, slack);
     for (int draw = 1; draw < maxDraws && bestMisfit > goodFit; ++draw) {
-        const Walk walk = drawWalk(frame, variances, random);
+        const Walk walk = drawWalk(frame, variances, shared, random);
         const double fit = misfit(walk, frame, slack);
         if (fit < bestMisfit) {
             best = walk;

@@ -29,9 +29,10 @@ const std::array<Level, 5> splitLevels{{
 
 } // namespace
 
-BarTree::BarTree(std::shared_ptr<DayWalk> days, std::uint64_t key)
+BarTree::BarTree(std::shared_ptr<DayWalk> days, std::uint64_t key, const CommonFactors& common)
     : m_days(std::move(days))
     , m_key(key)
+    , m_common(common)
 {
     for (auto& entries : m_cache)
         entries.resize(cacheSlots);
@@ -52,9 +53,12 @@ const BarParts& BarTree::partsOf(std::size_t level, std::int64_t parent)
     CacheEntry& entry = m_cache[level][static_cast<std::uint64_t>(parent) % cacheSlots];
     if (entry.parent != parent) {
         const Level& split = splitLevels[level];
+        SharedSteps shared;
+        m_common.draw(level, parent, shared.steps);
+        shared.ownWeight = m_common.ownWeight();
         entry.parts
             = splitBar(node(split.parent, parent), split.shares, timeframeLength(split.part) / minuteMs,
-                hashKey({m_key, level, static_cast<std::uint64_t>(parent)}));
+                hashKey({m_key, level, static_cast<std::uint64_t>(parent)}), shared);
         entry.parent = parent;
     }
     return entry.parts;

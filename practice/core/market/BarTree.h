@@ -15,7 +15,7 @@ namespace practice {
 /// steps from its day and nothing is stored but a bounded cache of recent splits.
 class BarTree final {
 public:
-    BarTree(std::shared_ptr<DayWalk> days, std::uint64_t key);
+    BarTree(std::shared_ptr<DayWalk> days, std::uint64_t key, const CommonFactors& common);
 
     /// The bar of this timeframe (M1 to D1) with this number, counted in bar lengths from 1970-01-01.
     [[nodiscard]] BarNode node(Timeframe timeframe, std::int64_t number);
@@ -33,6 +33,7 @@ private:
 
     std::shared_ptr<DayWalk> m_days;
     std::uint64_t m_key;
+    CommonFactors m_common;
     std::array<std::vector<CacheEntry>, levels> m_cache;
 };
 

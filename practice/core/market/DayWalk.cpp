@@ -4,7 +4,6 @@
 #include "practice/core/market/HashRandom.h"
 
 #include <cmath>
-#include <utility>
 
 namespace practice {
 namespace {
@@ -13,12 +12,19 @@ constexpr double pullPerDay = 1.0 / 250; // a deviation from the base price halv
 constexpr double moodDecayPerDay = 1.0 / 30;
 constexpr double moodDeviation = 0.40;
 
+// Calm and lively weeks are for the most part those of the whole market. Were they not, what symbols have in
+// common would drown in the livelier one's own moves.
+constexpr double commonMood = 0.8;
+
+enum CommonKind : std::uint64_t { FirstDay = 100, EveryDay, FirstMood, EveryMood };
+
 } // namespace
 
-DayWalk::DayWalk(
-    const SymbolSpec& spec, std::uint64_t key, double speed, double ticksPerMinute, CloseRule rule)
+DayWalk::DayWalk(const SymbolSpec& spec, std::uint64_t key, double speed, double ticksPerMinute,
+    const CommonFactors& common)
     : m_key(key)
-    , m_rule(std::move(rule))
+    , m_common(common)
+    , m_commonMood(common.sharedAlike(commonMood))
     , m_pointsPerUnit(pointsPerUnit(spec.digits))
     , m_basePoints(spec.basePrice * m_pointsPerUnit)
     , m_leastPoints(10.0 * spec.spreadPoints)
@@ -30,15 +36,9 @@ DayWalk::DayWalk(
     const double usualDeviation = spec.dailyVolatility / std::sqrt(-std::expm1(-2 * pullPerDay));
     m_stepDeviation = usualDeviation * std::sqrt(-std::expm1(-2 * pullPerDay * speed));
     HashRandom random(hashKey({key, 0}));
-    const double chance = usualDeviation * random.gaussian();
-    m_level = m_rule ? ruledLevel(firstDay - 1) : chance;
-    m_mood = moodDeviation * random.gaussian();
+    m_level = usualDeviation * (m_common.draw(FirstDay, 0) + m_common.ownWeight() * random.gaussian());
+    m_mood = moodDeviation * (m_commonMood.draw(FirstMood, 0) + m_commonMood.ownWeight() * random.gaussian());
     m_firstOpen = pointsAt(m_level);
-}
-
-double DayWalk::ruledLevel(std::int64_t number) const
-{
-    return std::log(m_rule(number) * m_pointsPerUnit / m_basePoints);
 }
 
 std::int64_t DayWalk::pointsAt(double logLevel) const
@@ -49,15 +49,18 @@ std::int64_t DayWalk::pointsAt(double logLevel) const
 void DayWalk::drawNextDay()
 {
     HashRandom random(hashKey({m_key, 1, m_days.size()}));
+    const auto number = static_cast<std::int64_t>(m_days.size());
+    const double moodStep
+        = m_commonMood.draw(EveryMood, number) + m_commonMood.ownWeight() * random.gaussian();
     m_mood = m_moodPersistence * m_mood
-        + moodDeviation * std::sqrt(1 - m_moodPersistence * m_moodPersistence) * random.gaussian();
+        + moodDeviation * std::sqrt(1 - m_moodPersistence * m_moodPersistence) * moodStep;
     // The second term keeps the mean square of the restlessness at 1.
     const double restlessness = std::exp(m_mood - moodDeviation * moodDeviation);
     const double deviation = m_stepDeviation * restlessness;
 
     const double from = m_level;
-    const double chance = m_pull * m_level + deviation * random.gaussian();
-    m_level = m_rule ? ruledLevel(firstDay + static_cast<std::int64_t>(m_days.size())) : chance;
+    m_level = m_pull * m_level
+        + deviation * (m_common.draw(EveryDay, number) + m_common.ownWeight() * random.gaussian());
     const double variance = deviation * deviation;
     const double high = bridgeMaximum(from, m_level, variance, random.uniform());
     const double low = -bridgeMaximum(-from, -m_level, variance, random.uniform());

@@ -1,10 +1,10 @@
 #pragma once
 
 #include "practice/core/SymbolCatalog.h"
+#include "practice/core/market/CommonFactors.h"
 #include "practice/core/market/GridBar.h"
 
 #include <cstdint>
-#include <functional>
 #include <vector>
 
 namespace practice {
@@ -22,13 +22,9 @@ public:
     static constexpr std::int64_t firstDay = -210LL * 57; ///< in 1937: starts a week and a 30-day bar too
     static constexpr std::int64_t lastDay = 84'000;       ///< in 2199; the price stands still after it
 
-    /// Price at the end of a day, where something else than chance decides it.
-    using CloseRule = std::function<double(std::int64_t day)>;
-
-    /// `ticksPerMinute` sets the level of the volumes. With a `rule` the days close where it says, and
-    /// only what happens within them is this walk's own.
-    DayWalk(
-        const SymbolSpec& spec, std::uint64_t key, double speed, double ticksPerMinute, CloseRule rule = {});
+    /// `ticksPerMinute` sets the level of the volumes.
+    DayWalk(const SymbolSpec& spec, std::uint64_t key, double speed, double ticksPerMinute,
+        const CommonFactors& common);
 
     /// The day with this number, from firstDay to lastDay.
     [[nodiscard]] BarNode day(std::int64_t number);
@@ -43,11 +39,11 @@ private:
     };
 
     void drawNextDay();
-    [[nodiscard]] double ruledLevel(std::int64_t number) const;
     [[nodiscard]] std::int64_t pointsAt(double logLevel) const;
 
     std::uint64_t m_key;
-    CloseRule m_rule;
+    CommonFactors m_common;
+    CommonFactors m_commonMood;
     double m_pointsPerUnit;
     double m_basePoints;
     double m_leastPoints;

@@ -1,5 +1,6 @@
 #include "practice/core/market/ReplayMarket.h"
 
+#include "practice/core/market/MarketFill.h"
 #include "practice/core/market/ReplaySpec.h"
 #include "practice/core/market/ReplayedSymbol.h"
 
@@ -50,9 +51,7 @@ ReplayMarket::ReplayMarket(
     speed = boundedSpeed(speed);
     const std::vector<SymbolSpec>& known = symbolCatalog();
     std::vector<SymbolSpec> specs = known;
-    auto simulated = simulateSymbols(known, seed, speed);
-    std::vector<std::unique_ptr<SymbolPrices>> prices(
-        std::make_move_iterator(simulated.begin()), std::make_move_iterator(simulated.end()));
+    std::vector<std::unique_ptr<SymbolPrices>> prices(specs.size());
 
     for (const auto& [name, path] : recordsIn(folder)) {
         MinuteFile file = readMinuteFile(path);
@@ -69,6 +68,7 @@ ReplayMarket::ReplayMarket(
             prices.push_back(std::move(replayed));
         }
     }
+    fillMarket(specs, prices, seed, speed);
     for (std::size_t i = 0; i < specs.size(); ++i)
         addSymbol(std::move(specs[i]), std::move(prices[i]));
 }

@@ -17,7 +17,8 @@ namespace practice {
 /// lie before `startedAt`, the rest plays on from there, then the record runs backwards, forwards and so
 /// on without end. Older bars are simulated in the record's own volatility and end where it begins.
 /// Symbols missing from the built-in list are quoted and settled in the currency their name ends with, if
-/// that can be turned into USD. Simulated cross rates follow the simulated, not the replayed pairs.
+/// that can be turned into USD. Cross rates without a record follow their legs, recorded or not; where a
+/// cross rate is recorded, the leg that is not, or the latter of two in the list, follows from it.
 class ReplayMarket final : public SymbolMarket {
 public:
     /// `startedAt` is the moment of the very first start: keep it and pass it again, and a restart finds

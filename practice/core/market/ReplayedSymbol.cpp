@@ -17,18 +17,34 @@ std::size_t stepsFor(double speed)
     return static_cast<std::size_t>(std::clamp(std::round(steps), 4.0, 600.0));
 }
 
+// A part of a step. Small enough to leave the last step of a minute wide enough for a moment to fall into it:
+// no price of the record is in a bar without having been a tick.
+double phaseFor(std::uint64_t key, std::size_t steps, double speed)
+{
+    return HashRandom(key).uniform()
+        * std::max(0.0, 1 - (speed + 1) * static_cast<double>(steps) / static_cast<double>(minuteMs));
+}
+
+std::int64_t widest(const MinuteTable& minutes, std::int64_t simulated)
+{
+    for (std::size_t minute = 0; minute < minutes.size(); ++minute)
+        simulated = std::max(simulated, minutes.at(minute).halfSpread);
+    return simulated;
+}
+
 } // namespace
 
 ReplayedSymbol::ReplayedSymbol(
     const SymbolSpec& spec, MinuteTable minutes, TimeMs playFrom, double speed, std::uint64_t seed)
     : m_past(spec, seed, speed)
+    , m_widestHalfSpread(widest(minutes, m_past.widestHalfSpread()))
     , m_loop(std::move(minutes))
     , m_playFrom(
           barStart(std::clamp(playFrom, m_past.firstMoment() + dayMs, m_past.lastMoment()), Timeframe::M1))
     , m_speed(speed)
     , m_key(hashKey({seed, hashText(spec.name), hashText("replay")}))
     , m_steps(stepsFor(speed))
-    , m_phase(HashRandom(m_key).uniform())
+    , m_phase(phaseFor(m_key, m_steps, speed))
 {
     m_scale
         = static_cast<double>(m_loop.minute(0).bar.open) / static_cast<double>(m_past.mid(m_playFrom - 1));
@@ -79,6 +95,49 @@ std::int64_t ReplayedSymbol::halfSpread(TimeMs now)
             return recorded;
     }
     return m_past.halfSpread(now);
+}
+
+TimeMs ReplayedSymbol::nextChange(TimeMs now)
+{
+    if (now < m_playFrom - 1)
+        return std::min(m_past.nextChange(now), m_playFrom);
+    if (now < m_playFrom)
+        return m_playFrom;
+    const Place here = placeOf(positionAt(now));
+    // Where the next step begins, less what rounding may have added; then forwards to the very moment.
+    const double steps = static_cast<double>(here.step) + 1 + m_phase;
+    const double end = here.step + 1 == m_steps ? 1.0 : std::min(1.0, steps / static_cast<double>(m_steps));
+    const double position = (static_cast<double>(here.minute) + end) * static_cast<double>(minuteMs);
+    TimeMs next = std::max(now + 1, m_playFrom + static_cast<TimeMs>(position / m_speed) - 2);
+    while (placeOf(positionAt(next)) == here)
+        ++next;
+    // Where the record has no spread, the simulated one has ticks of its own.
+    return m_loop.minute(here.minute).halfSpread > 0 ? next : std::min(next, m_past.nextChange(now));
+}
+
+void ReplayedSymbol::appendTicks(TimeMs from, TimeMs to, std::vector<Tick>& ticks)
+{
+    for (TimeMs now = from; now <= to; now = nextChange(now))
+        ticks.push_back({now, mid(now)});
+}
+
+GridBar ReplayedSymbol::between(TimeMs from, TimeMs to)
+{
+    GridBar bar;
+    if (from < m_playFrom) {
+        bar = m_past.between(from, std::min(to, m_playFrom - 1));
+        for (std::int64_t* price : {&bar.open, &bar.high, &bar.low, &bar.close})
+            *price = scaled(*price);
+        if (to < m_playFrom)
+            return bar;
+    }
+    const GridBar rest = played(positionAt(std::max(from, m_playFrom)), positionAt(to));
+    if (from >= m_playFrom)
+        bar = rest;
+    else
+        bar.append(rest);
+    bar.volume = 0;
+    return bar;
 }
 
 // Rounded up within a minute, so that its first tick counts at once.

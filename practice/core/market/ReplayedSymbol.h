@@ -21,6 +21,10 @@ public:
 
     [[nodiscard]] std::int64_t mid(TimeMs now) override;
     [[nodiscard]] std::int64_t halfSpread(TimeMs now) override;
+    [[nodiscard]] std::int64_t widestHalfSpread() const override { return m_widestHalfSpread; }
+    [[nodiscard]] TimeMs nextChange(TimeMs now) override;
+    [[nodiscard]] GridBar between(TimeMs from, TimeMs to) override;
+    void appendTicks(TimeMs from, TimeMs to, std::vector<Tick>& ticks) override;
     [[nodiscard]] GridBar barUntil(Timeframe timeframe, TimeMs start, TimeMs now) override;
     [[nodiscard]] TimeMs firstMoment() const override { return m_past.firstMoment(); }
     [[nodiscard]] TimeMs lastMoment() const override { return m_past.lastMoment(); }
@@ -30,6 +34,7 @@ private:
     struct Place {
         std::int64_t minute;
         std::size_t step;
+        friend bool operator==(const Place&, const Place&) = default;
     };
 
     [[nodiscard]] std::int64_t positionAt(TimeMs now) const;
@@ -41,6 +46,7 @@ private:
     [[nodiscard]] const TickPath& pathOf(std::int64_t minute);
 
     SimulatedSymbol m_past;
+    std::int64_t m_widestHalfSpread;
     ReplayLoop m_loop;
     TimeMs m_playFrom;
     double m_speed;

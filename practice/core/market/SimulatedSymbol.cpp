@@ -11,10 +11,15 @@ namespace {
 enum KeyPart : std::uint64_t { DaysKey = 1, TreeKey, PathKey, SpreadKey, PhaseKey };
 
 constexpr TimeMs spreadKnotMs = 15'000;
+constexpr double moodWeight = 0.2;
+constexpr double widestMood = 3;
+constexpr double mostRestless = 6;
 
 double knot(std::uint64_t key, std::int64_t number)
 {
-    return HashRandom(hashKey({key, SpreadKey, static_cast<std::uint64_t>(number)})).gaussian();
+    const double chance
+        = HashRandom(hashKey({key, SpreadKey, static_cast<std::uint64_t>(number)})).gaussian();
+    return std::clamp(chance, -widestMood, widestMood);
 }
 
 } // namespace
@@ -28,16 +33,15 @@ TimeMs SimulatedSymbol::tickLength(double speed)
     return speed <= 12 ? 100 : 50;
 }
 
-SimulatedSymbol::SimulatedSymbol(
-    const SymbolSpec& spec, std::uint64_t seed, double speed, DayWalk::CloseRule rule)
+SimulatedSymbol::SimulatedSymbol(const SymbolSpec& spec, std::uint64_t seed, double speed)
     : m_key(hashKey({seed, hashText(spec.name)}))
     , m_tickLength(tickLength(speed))
     , m_phase(static_cast<TimeMs>(hashKey({m_key, PhaseKey}) % static_cast<std::uint64_t>(m_tickLength)))
     , m_usualHalfSpread(spec.spreadPoints / 2.0)
     , m_usualMinuteDeviation(spec.dailyVolatility * std::sqrt(speed / 1440))
-    , m_days(std::make_shared<DayWalk>(spec, hashKey({m_key, DaysKey}), speed,
-          0.5 * minuteMs / static_cast<double>(m_tickLength), std::move(rule)))
-    , m_tree(m_days, hashKey({m_key, TreeKey}))
+    , m_tree(std::make_shared<DayWalk>(spec, hashKey({m_key, DaysKey}), speed,
+                 0.5 * minuteMs / static_cast<double>(m_tickLength), CommonFactors(seed, spec.shared)),
+          hashKey({m_key, TreeKey}), CommonFactors(seed, spec.shared))
 {
 }
 
@@ -58,6 +62,12 @@ std::size_t SimulatedSymbol::stepAt(TimeMs now) const
     return offset < 0 ? 0 : static_cast<std::size_t>(offset / m_tickLength);
 }
 
+TimeMs SimulatedSymbol::stepStart(std::size_t step) const
+{
+    const TimeMs start = m_minute * minuteMs;
+    return step == 0 ? start : start + m_phase + static_cast<TimeMs>(step) * m_tickLength;
+}
+
 std::int64_t SimulatedSymbol::mid(TimeMs now)
 {
     enterMinute(floorDivide(now, minuteMs));
@@ -67,12 +77,64 @@ std::int64_t SimulatedSymbol::mid(TimeMs now)
 std::int64_t SimulatedSymbol::halfSpread(TimeMs now)
 {
     enterMinute(floorDivide(now, minuteMs));
+    now = stepStart(stepAt(now)); // it changes with the ticks, not between them
     const std::int64_t number = floorDivide(now, spreadKnotMs);
     const double way = static_cast<double>(now - number * spreadKnotMs) / static_cast<double>(spreadKnotMs);
     const double mood = (1 - way) * knot(m_key, number) + way * knot(m_key, number + 1);
-    const double half
-        = m_usualHalfSpread * std::exp(0.2 * mood) * std::sqrt(std::clamp(m_restlessness, 0.5, 6.0));
+    const double half = m_usualHalfSpread * std::exp(moodWeight * mood)
+        * std::sqrt(std::clamp(m_restlessness, 0.5, mostRestless));
     return std::max<std::int64_t>(1, std::llround(half));
+}
+
+std::int64_t SimulatedSymbol::widestHalfSpread() const
+{
+    return 1
+        + static_cast<std::int64_t>(
+            m_usualHalfSpread * std::exp(moodWeight * widestMood) * std::sqrt(mostRestless));
+}
+
+TimeMs SimulatedSymbol::nextChange(TimeMs now)
+{
+    const TimeMs minute = floorDivide(now, minuteMs) * minuteMs;
+    const TimeMs offset = std::max<TimeMs>(0, now - minute - m_phase);
+    return std::min(minute + m_phase + (offset / m_tickLength + 1) * m_tickLength, minute + minuteMs);
+}
+
+void SimulatedSymbol::appendTicks(TimeMs from, TimeMs to, std::vector<Tick>& ticks)
+{
+    for (TimeMs now = from; now <= to;) {
+        enterMinute(floorDivide(now, minuteMs));
+        const std::size_t last = stepAt(std::min(to, (m_minute + 1) * minuteMs - 1));
+        std::size_t step = stepAt(now);
+        ticks.push_back({now, m_path.mid(step)});
+        while (++step <= last)
+            ticks.push_back({stepStart(step), m_path.mid(step)});
+        now = (m_minute + 1) * minuteMs;
+    }
+}
+
+GridBar SimulatedSymbol::between(TimeMs from, TimeMs to)
+{
+    // The longest bar that begins here and ends in time, then the rest.
+    const auto partAt = [&](TimeMs start, TimeMs& end) {
+        for (const Timeframe timeframe :
+            {Timeframe::D1, Timeframe::H4, Timeframe::H1, Timeframe::M15, Timeframe::M5, Timeframe::M1}) {
+            const TimeMs length = timeframeLength(timeframe);
+            if (start % length != 0 || start + length - 1 > to)
+                continue;
+            end = start + length;
+            return m_tree.node(timeframe, floorDivide(start, length)).bar;
+        }
+        enterMinute(floorDivide(start, minuteMs));
+        end = std::min(to + 1, (m_minute + 1) * minuteMs);
+        return m_path.between(stepAt(start), stepAt(end - 1));
+    };
+    TimeMs end = from;
+    GridBar bar = partAt(from, end);
+    while (end <= to)
+        bar.append(partAt(end, end));
+    bar.volume = 0;
+    return bar;
 }
 
 GridBar SimulatedSymbol::barUntil(Timeframe timeframe, TimeMs start, TimeMs now)

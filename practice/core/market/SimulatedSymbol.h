@@ -13,13 +13,14 @@ namespace practice {
 /// One symbol whose prices are a pure function of seed, speed, the symbol's name and time.
 class SimulatedSymbol final : public SymbolPrices {
 public:
-    SimulatedSymbol(const SymbolSpec& spec, std::uint64_t seed, double speed, DayWalk::CloseRule rule = {});
-
-    /// The symbol's days, for symbols whose days follow from them.
-    [[nodiscard]] std::shared_ptr<DayWalk> days() const { return m_days; }
+    SimulatedSymbol(const SymbolSpec& spec, std::uint64_t seed, double speed);
 
     [[nodiscard]] std::int64_t mid(TimeMs now) override;
     [[nodiscard]] std::int64_t halfSpread(TimeMs now) override;
+    [[nodiscard]] std::int64_t widestHalfSpread() const override;
+    [[nodiscard]] TimeMs nextChange(TimeMs now) override;
+    [[nodiscard]] GridBar between(TimeMs from, TimeMs to) override;
+    void appendTicks(TimeMs from, TimeMs to, std::vector<Tick>& ticks) override;
     [[nodiscard]] GridBar barUntil(Timeframe timeframe, TimeMs start, TimeMs now) override;
     [[nodiscard]] TimeMs firstMoment() const override { return DayWalk::firstDay * dayMs; }
     [[nodiscard]] TimeMs lastMoment() const override { return (DayWalk::lastDay + 1) * dayMs - 1; }
@@ -30,13 +31,13 @@ public:
 private:
     void enterMinute(std::int64_t minute);
     [[nodiscard]] std::size_t stepAt(TimeMs now) const;
+    [[nodiscard]] TimeMs stepStart(std::size_t step) const;
 
     std::uint64_t m_key;
     TimeMs m_tickLength;
     TimeMs m_phase; // keeps the symbols from all moving in the same instant
     double m_usualHalfSpread;
     double m_usualMinuteDeviation;
-    std::shared_ptr<DayWalk> m_days;
     BarTree m_tree;
 
     std::int64_t m_minute = INT64_MIN; // the minute that m_path describes

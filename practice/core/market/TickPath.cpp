@@ -10,10 +10,32 @@
 namespace practice {
 namespace {
 
+constexpr std::size_t mostSteps = 1200;
+
 struct Corner {
     std::size_t step = 0;
     std::int64_t mid = 0;
 };
+
+// What one of so many remaining steps takes of the way, and how much of its noise is free. From a table, for
+// whole days are made of such steps when it comes to cross rates.
+struct Remaining {
+    double share;
+    double noise;
+};
+
+const Remaining& remaining(std::size_t steps)
+{
+    static const std::vector<Remaining> table = [] {
+        std::vector<Remaining> rows;
+        for (std::size_t left = 0; left <= mostSteps; ++left) {
+            const double share = 1 / static_cast<double>(std::max<std::size_t>(left, 1));
+            rows.push_back({share, std::sqrt(1 - share)});
+        }
+        return rows;
+    }();
+    return table[std::min(steps, mostSteps)];
+}
 
 // The prices the path must touch, in the order in which it touches them.
 class Route final {
@@ -73,7 +95,7 @@ TickPath::TickPath(const BarNode& minute, std::size_t steps, std::uint64_t key)
 {
     HashRandom random(key);
     const Route route(minute.bar, steps, random);
-    const double stepVariance = walkVariance(minute) / static_cast<double>(steps);
+    const double stepDeviation = std::sqrt(walkVariance(minute) / static_cast<double>(steps));
     const double low = static_cast<double>(minute.bar.low);
     const double high = static_cast<double>(minute.bar.high);
     for (std::size_t leg = 0; leg + 1 < route.size(); ++leg) {
@@ -81,11 +103,10 @@ TickPath::TickPath(const BarNode& minute, std::size_t steps, std::uint64_t key)
         const Corner to = route[leg + 1];
         double mid = static_cast<double>(from.mid);
         for (std::size_t step = from.step + 1; step < to.step; ++step) {
-            const double left = static_cast<double>(to.step - step + 1);
-            const double drift = (static_cast<double>(to.mid) - mid) / left;
-            const double noise = std::sqrt(stepVariance * (left - 1) / left) * random.bell();
-            mid = reflectInto(mid + drift + noise, low, high);
-            m_mids[step] = std::llround(mid);
+            const Remaining& left = remaining(to.step - step + 1);
+            const double drift = (static_cast<double>(to.mid) - mid) * left.share;
+            mid = reflectInto(mid + drift + stepDeviation * left.noise * random.bell(), low, high);
+            m_mids[step] = static_cast<std::int64_t>(mid + 0.5); // never below 0
         }
         m_mids[to.step] = to.mid;
     }

@@ -14,7 +14,7 @@ class TickPath final {
 public:
     TickPath() = default;
 
-    /// `steps` >= 4; `key` decides everything random.
+    /// `steps` from 4 to 1200; `key` decides everything random.
     TickPath(const BarNode& minute, std::size_t steps, std::uint64_t key);
 
     [[nodiscard]] std::size_t steps() const { return m_mids.size(); }

@@ -1,54 +1,14 @@
 #include "MarketChecks.h"
+#include "RecordFolder.h"
 
 #include "practice/core/market/ReplayMarket.h"
 
-#include <cstdio>
 #include <cstdlib>
-#include <filesystem>
-#include <fstream>
-#include <random>
 
 using namespace practice;
 using namespace practice::checks;
 
 namespace {
-
-// A folder of records that disappears with it.
-class RecordFolder final {
-public:
-    RecordFolder()
-    {
-        std::random_device device;
-        m_path = std::filesystem::temp_directory_path() / ("practice-records-" + std::to_string(device()));
-        std::filesystem::create_directory(m_path);
-    }
-    RecordFolder(const RecordFolder&) = delete;
-    RecordFolder& operator=(const RecordFolder&) = delete;
-    ~RecordFolder()
-    {
-        std::error_code ignored;
-        std::filesystem::remove_all(m_path, ignored);
-    }
-
-    [[nodiscard]] const std::filesystem::path& path() const { return m_path; }
-
-    void write(const std::string& name, const std::string& text) const
-    {
-        std::ofstream(m_path / name, std::ios::binary) << text;
-    }
-
-private:
-    std::filesystem::path m_path;
-};
-
-std::string timeText(TimeMs time)
-{
-    const auto minutes = time / minuteMs;
-    char text[32];
-    std::snprintf(text, sizeof text, "2020-01-%02dT%02d:%02d:00Z", static_cast<int>(minutes / 1440 + 1),
-        static_cast<int>(minutes / 60 % 24), static_cast<int>(minutes % 60));
-    return text;
-}
 
 // A wandering price with a hole of five minutes in the middle. One decimal; always above 900.
 std::vector<GridBar> someRecord(int count)
@@ -77,7 +37,7 @@ std::string asCsv(const std::vector<GridBar>& record)
         = [](std::int64_t points) { return std::to_string(points / 10) + '.' + std::to_string(points % 10); };
     for (std::size_t i = 0; i < record.size(); ++i) {
         const auto hole = i >= record.size() / 2 ? 5 : 0;
-        text += timeText(static_cast<TimeMs>(i + static_cast<std::size_t>(hole)) * minuteMs) + ','
+        text += minuteText(static_cast<TimeMs>(i + static_cast<std::size_t>(hole))) + ','
             + price(record[i].open) + ',' + price(record[i].high) + ',' + price(record[i].low) + ','
             + price(record[i].close) + ',' + std::to_string(record[i].volume) + '\n';
     }

@@ -4,6 +4,8 @@
 #include "practice/storage/TemporaryFolder.h"
 
 #include "practice/core/market/SimulatedMarket.h"
+#include "practice/storage/Database.h"
+#include "practice/storage/MetaStore.h"
 
 #include <chrono>
 #include <cstdlib>
@@ -245,6 +247,44 @@ TEST_CASE("a record that cannot be used is not remembered")
     const ServerProcess server(database);
     Desk(server).buy();
     CHECK_EQ(Desk(server).list("open").size(), std::size_t(1));
+}
+
+TEST_CASE("trades of another version's market are refused, or cancelled at no cost")
+{
+    const TemporaryFolder folder;
+    const std::string database = (folder / "x.db").string();
+    {
+        const ServerProcess server(database, {"--seed", "77"});
+        Desk desk(server);
+        desk.buy();
+        desk.orderFarBelow();
+    }
+    {
+        Database stored(database);
+        Transaction transaction(stored);
+        MetaStore(stored).setValue("generator", "1");
+        transaction.commit();
+    }
+    const std::string reason = refusalOf(database, {});
+    CHECK(has(reason, "2 open trades"));
+    CHECK(has(reason, "another version"));
+    CHECK(has(reason, "--close-open-trades"));
+    CHECK(reason.empty() || exitCodeOf(database, {}) == 2);
+    {
+        const ServerProcess server(database, {"--close-open-trades"});
+        Desk desk(server);
+        CHECK(desk.list("open").empty());
+        CHECK(desk.list("pending").empty());
+        CHECK_EQ(desk.account().at("balance"), "100000.00");
+        const json history = desk.list("history");
+        REQUIRE(history.size() == 2);
+        for (const json& row : history) {
+            CHECK_EQ(row.at("status"), "CANCELLED");
+            CHECK_EQ(row.at("pnl"), "0.00");
+        }
+        desk.buy();
+    }
+    CHECK_EQ(refusalOf(database, {}), std::string());
 }
 
 CHECK_MAIN()
