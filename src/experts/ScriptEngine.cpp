@@ -1,39 +1,13 @@
 #include "experts/ScriptEngine.h"
 
+#include "experts/ScriptLimits.h"
+
+#include <QFile>
 #include <QMetaMethod>
 
 using namespace Qt::StringLiterals;
 
 namespace {
-
-/// An array that holds itself, turned into a text, would run off the end of the stack and take the terminal
-/// along. Here it becomes an empty text inside itself, and too deep nesting an error.
-constexpr QStringView arrayGuard = uR"((function() {
-    "use strict";
-    const apply = Reflect.apply;
-    const define = Object.defineProperty;
-    const underWay = [];
-    let depth = 0;
-    function guard(name, inside) {
-        const own = Array.prototype[name];
-        define(Array.prototype, name, { configurable: true, enumerable: false, writable: true,
-            value: function() {
-                for (let i = 0; i < depth; ++i) {
-                    if (underWay[i] === this)
-                        return inside;
-                }
-                define(underWay, depth, { configurable: true, writable: true, value: this });
-                ++depth;
-                try {
-                    return apply(own, this, arguments);
-                } finally {
-                    underWay[--depth] = null;
-                }
-            } });
-    }
-    guard("join", "");
-    guard("toLocaleString", "");
-}))";
 
 /// Texts about the facade, such as the engine's own messages, call it by its name.
 constexpr QStringView facadeMaker = uR"((function(object, names, ownName) {
@@ -114,10 +88,16 @@ QString sentence(const QString& message)
 
 } // namespace
 
+ScriptEngine::Limits::Limits()
+{
+    raiseScriptLimits();
+}
+
 ScriptEngine::ScriptEngine()
 {
     m_engine.installExtensions(QJSEngine::ConsoleExtension);
-    m_engine.evaluate(arrayGuard.toString()).call();
+    if (QFile guards(u":/script_guards.js"_s); guards.open(QIODevice::ReadOnly))
+        m_engine.evaluate(QString::fromUtf8(guards.readAll()), u"script_guards.js"_s);
     m_facade = m_engine.evaluate(facadeMaker.toString());
     m_catcher = m_engine.evaluate(catcher.toString());
     m_reader = m_engine.evaluate(reader.toString());

@@ -14,7 +14,8 @@ struct ScriptError {
 };
 
 /// A JavaScript engine for code that nobody has looked at. Tells a thrown value from a returned one, whatever
-/// it is, and puts errors down to lines of the script even when they arise in functions it was given.
+/// it is, and puts errors down to lines of the script even when they arise in functions it was given. What
+/// would end the whole program becomes an error of the script, as far as that can be had (script_guards.js).
 class ScriptEngine final {
     Q_DISABLE_COPY_MOVE(ScriptEngine)
 
@@ -42,6 +43,12 @@ private:
     [[nodiscard]] ScriptError describe(const QJSValue& thrown, const QStringList& trace);
     [[nodiscard]] int lineOf(const QString& place) const;
 
+    /// What the process must have before there is an engine.
+    struct Limits {
+        Limits();
+    };
+
+    Limits m_limits;
     QJSEngine m_engine;
     QString m_source; ///< how the engine names the file of the text that was run last
     // Made before any script ran, and reachable by none.

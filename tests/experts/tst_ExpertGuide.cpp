@@ -123,7 +123,10 @@ private Q_SLOTS:
                 "A buy measures its stop from the bid and its target from the ask",
                 "both give the simple average", "No compiled experts and no native library imports",
                 "No custom graphical indicators", "no access to files, the network or the user interface",
-                "One expert per chart", "No pending orders, partial closes or trading several symbols"})
+                "One expert per chart", "a regular expression that tries endless combinations",
+                "uses up the memory, for which there is no limit",
+                "has at most 20000 characters, or 250 when it repeats a group",
+                "No pending orders, partial closes or trading several symbols"})
             QTest::newRow(sentence) << QString::fromUtf8(sentence);
     }
     void whatAnAuthorMustKnowIsSaid()
@@ -170,6 +173,7 @@ private Q_SLOTS:
         row("matchAll", "'a'.matchAll(/a/g);");
         row("Object.fromEntries", "Object.fromEntries([]);");
         row("Intl", "Intl.NumberFormat;");
+        row("Proxy", "new Proxy({}, {});");
         row("named groups", "/(?<n>a)/.exec('a').groups.n;");
         row("lookbehind", "if (!/(?<=a)b/.test('ab')) throw new Error('no match');");
     }

@@ -149,7 +149,10 @@ private Q_SLOTS:
                               "{get: function() { throw e }}); throw e }"_s)
                      .section(u'|', 0, 1),
             u"Error|"_s);
-        QCOMPARE(thrownByCall(u"function f() { throw new Proxy({}, {get: function() { throw 2 }}) }"_s),
+        QCOMPARE(
+            thrownByCall(u"function f() { var o = {}; for (const key of ['name', 'message', 'stack', "
+                         "'fileName', 'lineNumber', 'toString', 'valueOf']) Object.defineProperty(o, key, "
+                         "{get: function() { throw 2 }}); throw o }"_s),
             u"Error||0"_s);
     }
 
