@@ -6,9 +6,9 @@
 #include "mainwindow/AccountBook.h"
 #include "mainwindow/ChartSubWindow.h"
 #include "mainwindow/ChartsLayout.h"
+#include "mainwindow/SavedGeometry.h"
 #include "mainwindow/WindowPlacement.h"
 
-#include <QDataStream>
 #include <QEvent>
 #include <QMdiSubWindow>
 #include <QTabBar>
@@ -28,27 +28,12 @@ ChartWindow* chartIn(const QMdiSubWindow* subWindow)
     return subWindow ? qobject_cast<ChartWindow*>(subWindow->widget()) : nullptr;
 }
 
-/// The rectangle of an unmaximized window in what QWidget::saveGeometry() wrote; invalid when it cannot be
-/// read. Restoring moves a window down to make room for a title bar above it, but a sub-window has its own
-/// inside.
+/// Where an unmaximized sub-window was; invalid when that cannot be read. Restoring moves a window down to
+/// make room for a title bar above it, but a sub-window has its own inside.
 QRect savedRectangle(const QByteArray& geometry)
 {
-    constexpr quint16 firstVersionWithRectangle = 3;
-    QDataStream stream(geometry);
-    stream.setVersion(QDataStream::Qt_4_0);
-    quint32 magic = 0;
-    quint16 version = 0;
-    quint16 minorVersion = 0;
-    QRect frame;
-    QRect normal;
-    qint32 screen = 0;
-    quint8 maximized = 0;
-    quint8 fullScreen = 0;
-    qint32 screenWidth = 0;
-    QRect rectangle;
-    stream >> magic >> version >> minorVersion >> frame >> normal >> screen >> maximized >> fullScreen
-        >> screenWidth >> rectangle;
-    return stream.status() == QDataStream::Ok && version >= firstVersionWithRectangle ? rectangle : QRect();
+    const std::optional<SavedGeometry> saved = SavedGeometry::read(geometry);
+    return saved ? saved->rectangle : QRect();
 }
 
 } // namespace

@@ -1,6 +1,7 @@
 #include "mainwindow/DockKeeper.h"
 
 #include "app/TerminalSettings.h"
+#include "mainwindow/SavedGeometry.h"
 #include "mainwindow/ToolBars.h"
 #include "mainwindow/WindowPlacement.h"
 
@@ -154,17 +155,18 @@ QString DockKeeper::restoreFromSettings()
 void DockKeeper::restoreGeometry(const QByteArray& geometry)
 {
     const QRect before = m_window.geometry();
-    if (geometry.isEmpty() || !m_window.restoreGeometry(geometry))
+    const QList<QRect> screens = availableScreens();
+    // The toolkit accepts any rectangle, and what becomes of one that no screen could ever show depends on
+    // the desktop.
+    if (geometry.isEmpty() || !m_window.restoreGeometry(geometryOnScreen(geometry, screens, before)))
         return;
     m_geometryRestored = true;
-    // The toolkit accepts any rectangle, even one that no screen could ever show.
     const Qt::WindowStates state = m_window.windowState() & ~Qt::WindowMinimized;
     const bool filling = state & (Qt::WindowMaximized | Qt::WindowFullScreen);
-    QRect wanted = filling ? m_window.normalGeometry() : m_window.geometry();
-    if (!wanted.isValid())
-        wanted = before;
-    const QRect placed = placedOnScreen(wanted, availableScreens());
-    if (placed == wanted && state == m_window.windowState())
+    const QRect restored = filling ? m_window.normalGeometry() : m_window.geometry();
+    const QRect placed = placedOnScreen(restored.isValid() ? restored : before, screens);
+    // What the window has become counts: where it was before may be a good place, and not where it is.
+    if (placed == restored && state == m_window.windowState())
         return;
     m_window.setWindowState(Qt::WindowNoState);
     m_window.setGeometry(placed);

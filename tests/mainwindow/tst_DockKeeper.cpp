@@ -8,7 +8,9 @@
 #include <QTreeWidget>
 #include <QWidget>
 
+#include <array>
 #include <functional>
+#include <limits>
 
 using namespace Qt::StringLiterals;
 
@@ -102,6 +104,8 @@ private Q_SLOTS:
     void restoringMarkStaysUntilTheWindowWasShown();
     void geometryOffEveryScreenIsMovedOntoOne_data();
     void geometryOffEveryScreenIsMovedOntoOne();
+    void oneDamagedNumberLeavesTheWindowOnAScreen_data();
+    void oneDamagedNumberLeavesTheWindowOnAScreen();
     void maximizedStateSurvives();
 };
 
@@ -471,6 +475,61 @@ void tst_DockKeeper::geometryOffEveryScreenIsMovedOntoOne()
     QVERIFY(w.window.width() <= screen.width());
     QVERIFY(w.window.height() <= screen.height());
     QVERIFY(screen.contains(w.window.geometry().center()));
+}
+
+void tst_DockKeeper::oneDamagedNumberLeavesTheWindowOnAScreen_data()
+{
+    QTest::addColumn<int>("field");
+    QTest::addColumn<int>("value");
+    QTest::addColumn<int>("state");
+    constexpr std::array fields{"frame", "normal", "rectangle"};
+    constexpr std::array sides{"left", "top", "right", "bottom"};
+    constexpr std::array states{"plain", "maximized", "full screen"};
+    for (int field = 0; field < 12; ++field) {
+        for (const int value :
+            {1358954496, std::numeric_limits<int>::max(), std::numeric_limits<int>::min()}) {
+            for (int state = 0; state < 3; ++state) {
+                QTest::addRow("%s %s %d, %s", fields.at(std::size_t(field / 4)),
+                    sides.at(std::size_t(field % 4)), value, states.at(std::size_t(state)))
+                    << field << value << state;
+            }
+        }
+    }
+}
+
+void tst_DockKeeper::oneDamagedNumberLeavesTheWindowOnAScreen()
+{
+    QFETCH(int, field);
+    QFETCH(int, value);
+    QFETCH(int, state);
+    // The toolkit's own format, with one wrong number in it.
+    QByteArray saved;
+    QDataStream stream(&saved, QIODevice::WriteOnly);
+    int written = 0;
+    const auto writeRectangle = [&] {
+        for (const int side : {50, 60, 649, 509})
+            stream << qint32(written++ == field ? value : side);
+    };
+    stream << quint32(0x1D9D0CB) << quint16(3) << quint16(0);
+    writeRectangle();
+    writeRectangle();
+    stream << qint32(0) << quint8(state == 1) << quint8(state == 2) << qint32(800);
+    writeRectangle();
+    TerminalSettings::instance().setWindowLayout(saved, {});
+
+    Window w;
+    w.window.resize(700, 500); // has room where it is, which is no reason to leave it where it was put
+    QCOMPARE(w.keeper.restoreFromSettings(), QString());
+    w.show();
+    if (state != 0)
+        w.window.showNormal();
+    const QRect screen = QGuiApplication::primaryScreen()->availableGeometry();
+    const auto isWithinReach = [&] {
+        const QRect visible = screen & w.window.geometry();
+        return visible.width() >= 120 && visible.height() >= 40 && w.window.y() >= screen.top() - 40;
+    };
+    QTRY_VERIFY(isWithinReach());
+    QVERIFY(w.window.width() <= screen.width() && w.window.height() <= screen.height());
 }
 
 void tst_DockKeeper::maximizedStateSurvives()
