@@ -14,12 +14,13 @@ bool isEarlier(const PriceSnapshot::Entry& a, const PriceSnapshot::Entry& b)
 }
 
 /// Most prices are some whatever their symbol's decimals are, so that nobody has to be asked for these.
-Quote judged(const Quote& quote, const QString& symbol, const PriceSnapshot::DigitsOf& digitsOf)
+void dropWhatIsNoPrice(PriceSnapshot::Entry& entry, const PriceSnapshot::DigitsOf& digitsOf)
 {
+    Quote& quote = entry.quote;
     if (isPriceAnyway(quote.bid) && isPriceAnyway(quote.ask))
-        return quote;
-    const int digits = digitsOf ? digitsOf(symbol) : usualPriceDigits;
-    return {priceOrNone(quote.bid, digits), priceOrNone(quote.ask, digits)};
+        return;
+    const int digits = digitsOf ? digitsOf(entry.symbol) : usualPriceDigits;
+    quote = {priceOrNone(quote.bid, digits), priceOrNone(quote.ask, digits)};
 }
 
 } // namespace
@@ -28,8 +29,8 @@ PriceSnapshot::PriceSnapshot(const QJsonObject& prices, const DigitsOf& digitsOf
 {
     m_entries.reserve(static_cast<std::size_t>(prices.size()));
     for (auto it = prices.constBegin(), end = prices.constEnd(); it != end; ++it) {
-        const QString symbol = it.key();
-        m_entries.push_back({symbol, judged(readQuote(it.value(), mostPriceDigits), symbol, digitsOf)});
+        m_entries.push_back({it.key(), readQuote(it.value(), mostPriceDigits)});
+        dropWhatIsNoPrice(m_entries.back(), digitsOf);
     }
     // The map has an order of its own, which differs for rare letters only.
     if (!std::is_sorted(m_entries.begin(), m_entries.end(), isEarlier))

@@ -214,7 +214,7 @@ void TestFeedBacklog::a_message_above_the_limit_waits_like_any_other()
 
 void TestFeedBacklog::eight_million_characters_may_wait()
 {
-    const QString megabyte(1024 * 1024, u'x'); // shared, not copied
+    const QString megabyte(qsizetype{1024} * 1024, u'x'); // shared, not copied
     for (int i = 0; i < 8; ++i)
         m_backlog->add(megabyte);
     QVERIFY(m_seen.isEmpty());
