@@ -131,7 +131,7 @@ QString oneLine(const QString& text)
 
 QString plainToolTip(const QString& text)
 {
-    const QString shown = shownSentence(text);
+    QString shown = shownSentence(text);
     if (!Qt::mightBeRichText(shown))
         return shown;
     return "<span style=\"white-space:pre-wrap\">"_L1 + shown.toHtmlEscaped() + "</span>"_L1;

@@ -29,7 +29,7 @@ public:
 
     /// Empty when there is none.
     [[nodiscard]] QByteArray copy() const;
-    /// Whether the digest says that the copy is whole.
+    /// Whether the digest is that of the content.
     [[nodiscard]] bool vouchesFor(const QByteArray& content) const;
     /// Puts the copy in the place of the settings file, at need the copy itself: that takes no room.
     [[nodiscard]] bool putBack();
