@@ -43,12 +43,17 @@
     guardList("join");
     guardList("toLocaleString");
 
-    // Errors whose message is an error, and generators that run generators.
+    // Errors whose message is an error, what turns itself into a text by itself, and generators that run
+    // generators.
     function guardDepth(prototype, name) {
         const own = prototype[name];
         put(prototype, name, function(value) { return apply(own, this, arguments); });
     }
     guardDepth(Error.prototype, "toString");
+    guardDepth(Array.prototype, "toString");
+    guardDepth(RegExp.prototype, "toString");
+    guardDepth(Date.prototype, "toJSON");
+    guardDepth(Promise.prototype, "catch");
     const generators = prototypeOf(prototypeOf((function*() {})()));
     guardDepth(generators, "next");
     guardDepth(generators, "return");

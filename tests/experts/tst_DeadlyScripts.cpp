@@ -91,6 +91,16 @@ private Q_SLOTS:
         row("throwing such an error", chain + "function OnTick() { throw e }", u"OnTick: "_s);
         row("an error that is its own name", "var e = new Error('x'); e.name = e.message = e; '' + e", full);
 
+        row("a list's text that is made of itself",
+            "var o = {}; o.join = o.toString = Array.prototype.toString; '' + o", full);
+        row("an expression's text that is made of itself",
+            "var o = {flags: ''}; Object.defineProperty(o, 'source', {get: RegExp.prototype.toString}); "
+            "o.source",
+            full);
+        row("a date that is its own text",
+            "var o = {}; o.toISOString = Date.prototype.toJSON; o.toISOString()", full);
+        row("a promise that catches itself", "var o = {}; o.then = Promise.prototype.catch; o.then()", full);
+
         row("endless yield*", "function* g() { yield* g() } g().next()", full);
         row("endless yield* in a loop", "function* g() { yield* g() } for (var x of g()) Print(x)", full);
         row("a long chain of yield*",

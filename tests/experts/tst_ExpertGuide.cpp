@@ -125,6 +125,7 @@ private Q_SLOTS:
                 "No custom graphical indicators", "no access to files, the network or the user interface",
                 "One expert per chart", "a regular expression that tries endless combinations",
                 "uses up the memory, for which there is no limit",
+                "put to convert the very object that it works on",
                 "has at most 20000 characters, or 250 when it repeats a group",
                 "No pending orders, partial closes or trading several symbols"})
             QTest::newRow(sentence) << QString::fromUtf8(sentence);
