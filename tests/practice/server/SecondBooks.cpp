@@ -165,6 +165,7 @@ std::vector<std::string> SecondBooks::idsOf(std::optional<std::size_t> account,
         return std::tie(left->begun, left->id) < std::tie(right->begun, right->id);
     });
     std::vector<std::string> ids;
+    ids.reserve(lines.size());
     for (const Line* line : lines)
         ids.push_back(line->id);
     return ids;
