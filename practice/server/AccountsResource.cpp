@@ -12,6 +12,7 @@ namespace practice {
 void addAccountsRoutes(Router& router, Platform& platform)
 {
     router.add("GET", "/api/accounts", Router::Access::SignedIn, [&platform](const ApiRequest& request) {
+        platform.catchUp();
         auto records = nlohmann::json::array();
         for (const Account& account : platform.accountsOf(request.userId))
             records.push_back(accountRecord(account, platform.broker().figures(account.id)));

@@ -1,17 +1,25 @@
 #include "practice/server/Platform.h"
 
 #include "practice/server/Api.h"
+#include "practice/server/PathPlayer.h"
 #include "practice/server/WireRecords.h"
+#include "practice/storage/MetaStore.h"
 #include "practice/storage/StorageError.h"
 
 #include <algorithm>
+#include <charconv>
+#include <optional>
 #include <stdexcept>
+#include <system_error>
 #include <utility>
 #include <variant>
 
 namespace practice {
 
 namespace {
+
+constexpr const char* playedToKey = "playedTo";
+constexpr TimeMs noticedStall = 1000;
 
 Broker loadBroker(const std::vector<SymbolSpec>& symbols, TradeStore& trades)
 {
@@ -20,6 +28,22 @@ Broker loadBroker(const std::vector<SymbolSpec>& symbols, TradeStore& trades)
     } catch (const std::invalid_argument& error) {
         throw StorageError(std::string("the stored accounts contradict themselves: ") + error.what());
     }
+}
+
+// What happened is known up to the last change: whoever stored it had seen all prices until then, and what
+// came after it changed nothing as long as somebody watched.
+TimeMs lastMoment(Database& database, const BrokerState& state, TimeMs now)
+{
+    TimeMs moment = now;
+    if (state.liveTrades.empty())
+        return moment;
+    const std::optional<std::string> text = MetaStore(database).value(playedToKey);
+    if (text && std::from_chars(text->data(), text->data() + text->size(), moment).ec == std::errc())
+        return moment;
+    moment = 0;
+    for (const Trade& trade : state.liveTrades)
+        moment = std::max(moment, trade.updatedAt);
+    return moment;
 }
 
 } // namespace
@@ -32,6 +56,7 @@ Platform::Platform(Database& database, PriceSource& market, const Clock& clock)
     , m_drawings(database)
     , m_owners(m_trades.accountOwners())
     , m_broker(loadBroker(market.symbols(), m_trades))
+    , m_playedTo(lastMoment(database, m_broker.state(), clock.now()))
 {
     for (std::size_t symbol = 0; symbol < market.symbols().size(); ++symbol)
         m_quotes.push_back({symbol, {}});
@@ -47,8 +72,20 @@ void Platform::closeEverything()
     const TimeMs now = m_clock.now();
     moveTo(now);
     const ChangeSet changes = m_broker.closeEverything(now);
-    store(changes);
+    store(changes, now);
     announce(changes);
+}
+
+void Platform::catchUp()
+{
+    const TimeMs now = m_clock.now();
+    if (now - m_playedTo < noticedStall)
+        return;
+    try {
+        moveTo(now);
+    } catch (const StorageError&) {
+        // Told by advance(), which tries again.
+    }
 }
 
 void Platform::moveTo(TimeMs now)
@@ -63,17 +100,32 @@ void Platform::moveTo(TimeMs now)
     }
     if (m_listener && !changed.empty())
         m_listener->pricesMoved(changed);
-    const ChangeSet changes = m_broker.onPrices(changed, now);
-    store(changes);
+    if (m_playedTo < now - 1) {
+        PathPlayer player(m_market, m_broker,
+            [this](std::span<const SymbolQuote> quotes, TimeMs moment) { return show(quotes, moment); });
+        player.play(m_playedTo, now - 1);
+    }
+    show(m_quotes, now);
+}
+
+bool Platform::show(std::span<const SymbolQuote> quotes, TimeMs now)
+{
+    m_playedTo = now - 1; // to begin here again, should it fail
+    const ChangeSet changes = m_broker.onPrices(quotes, now);
+    store(changes, now);
     announce(changes);
+    m_playedTo = now;
+    return !changes.empty();
 }
 
 Trade Platform::execute(const Command& command)
 {
-    const CommandResult result = command(m_broker, m_clock.now());
+    const TimeMs now = m_clock.now();
+    moveTo(now);
+    const CommandResult result = command(m_broker, now);
     if (!result.accepted())
         throw ApiError{result.refusal->httpStatus, result.refusal->message};
-    store(result.changes);
+    store(result.changes, now);
     announce(result.changes);
     return tradeAfter(result);
 }
@@ -86,13 +138,14 @@ Trade Platform::tradeAfter(const CommandResult& result) const
     return *std::ranges::find(result.changes.trades, result.tradeId, &Trade::id);
 }
 
-void Platform::store(const ChangeSet& changes)
+void Platform::store(const ChangeSet& changes, TimeMs now)
 {
     if (changes.empty())
         return;
     try {
         Transaction transaction(m_database);
         m_trades.store(changes);
+        MetaStore(m_database).setValue(playedToKey, std::to_string(now));
         transaction.commit();
     } catch (const StorageError&) {
         m_broker.undo(changes);

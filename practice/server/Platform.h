@@ -40,9 +40,14 @@ public:
 
     void setListener(PlatformListener* listener) { m_listener = listener; }
 
-    /// Moves to the present: new prices and everything they cause. Throws StorageError when that could not
-    /// be stored; prices have moved then, and the rest happens with the next call.
+    /// Moves to the present: new prices and everything that they and those since the last time cause, each in
+    /// its turn and at its price. Throws StorageError when that could not be stored; the prices that are
+    /// announced have moved then, and the rest happens with the next call.
     void advance();
+
+    /// The same for those who only look, when the last time is a while ago (a machine was suspended). What
+    /// cannot be stored is left to advance().
+    void catchUp();
 
     /// Moves to the present, then closes every position and cancels every order that has a price. Throws
     /// StorageError when that cannot be stored.
@@ -69,8 +74,9 @@ public:
 
 private:
     void moveTo(TimeMs now);
+    bool show(std::span<const SymbolQuote> quotes, TimeMs now);
     [[nodiscard]] Trade tradeAfter(const CommandResult& result) const;
-    void store(const ChangeSet& changes);
+    void store(const ChangeSet& changes, TimeMs now);
     void announce(const ChangeSet& changes);
 
     Database& m_database;
@@ -81,6 +87,7 @@ private:
     std::map<std::string, std::string, std::less<>> m_owners;
     std::vector<SymbolQuote> m_quotes;
     Broker m_broker;
+    TimeMs m_playedTo; ///< everything up to here has happened
     PlatformListener* m_listener = nullptr;
 };
 

@@ -23,8 +23,10 @@ ApiReply tradeList(const Platform& platform, const std::vector<Trade>& trades)
     return {200, jsonText(records), {}};
 }
 
-std::string accountOf(const Platform& platform, const ApiRequest& request)
+/// Of the account that a list is asked for. Lists are shown as of now.
+std::string accountOf(Platform& platform, const ApiRequest& request)
 {
+    platform.catchUp();
     std::string accountId = requiredItem(request.target, "accountId");
     if (!platform.owns(request.userId, accountId))
         throw ApiError{404, "You have no account with this accountId."};

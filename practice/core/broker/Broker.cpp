@@ -2,6 +2,7 @@
 
 #include "practice/core/broker/AccountGuard.h"
 #include "practice/core/broker/OrderCheck.h"
+#include "practice/core/broker/QuietCheck.h"
 #include "practice/core/broker/RecordText.h"
 #include "practice/core/broker/TradeDesk.h"
 #include "practice/core/broker/Triggers.h"
@@ -260,6 +261,30 @@ ChangeSet Broker::onPrices(std::span<const SymbolQuote> quotes, TimeMs now)
         advancePhase(desk, *account);
     }
     return m_ledger.take();
+}
+
+std::vector<std::size_t> Broker::watchedSymbols() const
+{
+    std::vector<char> marks(m_symbols.size(), 0);
+    for (std::size_t symbol = 0; symbol < m_symbols.size(); ++symbol) {
+        if (m_ledger.openOf(symbol).empty() && m_ledger.pendingOf(symbol).empty())
+            continue;
+        marks[symbol] = 1;
+        if (const auto pair = m_prices.ratePair(symbol))
+            marks[*pair] = 1;
+    }
+    std::vector<std::size_t> watched;
+    for (std::size_t symbol = 0; symbol < marks.size(); ++symbol) {
+        if (marks[symbol])
+            watched.push_back(symbol);
+    }
+    return watched;
+}
+
+bool Broker::staysQuiet(std::span<const std::optional<PriceSpan>> spans) const
+{
+    // What was taken back happens again with the next prices, whichever they are.
+    return !m_checkAll && practice::staysQuiet(m_ledger, m_prices, spans);
 }
 
 void Broker::undo(const ChangeSet& changes)

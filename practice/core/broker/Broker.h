@@ -5,8 +5,10 @@
 #include "practice/core/broker/Ledger.h"
 #include "practice/core/broker/PriceBoard.h"
 #include "practice/core/broker/Requests.h"
+#include "practice/core/market/PriceSource.h"
 
 #include <cstddef>
+#include <optional>
 #include <span>
 #include <string_view>
 #include <vector>
@@ -73,6 +75,14 @@ public:
     /// Takes new prices (some or all symbols) and does everything they cause. Quotes for unknown positions
     /// and unusable ones (not finite, not above 0, ask below bid) are ignored.
     [[nodiscard]] ChangeSet onPrices(std::span<const SymbolQuote> quotes, TimeMs now);
+
+    /// The symbols, ascending, whose prices can cause anything: those of live trades, and the pairs that turn
+    /// their results into USD.
+    [[nodiscard]] std::vector<std::size_t> watchedSymbols() const;
+
+    /// Whether nothing can happen while prices stay within these spans, given by position of the symbol.
+    /// Holds within a UTC day: a midnight charges swap.
+    [[nodiscard]] bool staysQuiet(std::span<const std::optional<PriceSpan>> spans) const;
 
     /// Takes back the last result, because it could not be stored. Prices stay; what they caused happens
     /// again with the next onPrices().

@@ -25,6 +25,17 @@ public:
     [[nodiscard]] std::optional<Quote> quote(std::size_t symbol) const;
     /// USD for one unit of the symbol's profit currency.
     [[nodiscard]] std::optional<Rate> usdRate(std::size_t symbol) const;
+    /// The same at other prices than the last.
+    [[nodiscard]] std::optional<Rate> usdRate(
+        std::size_t symbol, const CurrencyConverter::BothSides& sides) const
+    {
+        return m_converter.usdPerUnit(m_symbols[symbol].profitCurrency, sides);
+    }
+    /// The pair that gives this rate; nothing where none is needed.
+    [[nodiscard]] std::optional<std::size_t> ratePair(std::size_t symbol) const
+    {
+        return m_converter.pairFor(m_symbols[symbol].profitCurrency);
+    }
     /// Net result of the position if it were closed at the price at which it would close now.
     [[nodiscard]] std::optional<Cents> netProfit(const Trade& position, std::size_t symbol) const;
 

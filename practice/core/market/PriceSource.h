@@ -8,6 +8,13 @@
 
 namespace practice {
 
+/// Between which mids prices stay, and how far bid and ask may be away from the mid at most.
+struct PriceSpan {
+    double low = 0;
+    double high = 0;
+    double halfSpread = 0;
+};
+
 /// Where prices come from. The same source and the same time always give the same answer: nothing is
 /// recorded, so any moment of the past or the future may be asked for, in any order.
 ///
@@ -30,6 +37,12 @@ public:
 
     /// Bid and ask at `now`; always bid < ask.
     [[nodiscard]] virtual Quote quote(std::size_t symbol, TimeMs now) = 0;
+
+    /// The first moment after `now` at which the quote may be another; no change is passed over.
+    [[nodiscard]] virtual TimeMs nextTick(std::size_t symbol, TimeMs now) = 0;
+
+    /// The mids of all moments from..to, both included, with their exact low and high.
+    [[nodiscard]] virtual PriceSpan span(std::size_t symbol, TimeMs from, TimeMs to) = 0;
 
     /// Opening mid price of the UTC day that holds `now`: the open of the last D1 bar.
     [[nodiscard]] virtual double dailyOpen(std::size_t symbol, TimeMs now) = 0;

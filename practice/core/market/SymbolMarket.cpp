@@ -3,6 +3,7 @@
 #include "practice/core/PointScale.h"
 
 #include <algorithm>
+#include <limits>
 #include <utility>
 
 namespace practice {
@@ -29,6 +30,24 @@ Quote SymbolMarket::quote(std::size_t symbol, TimeMs now)
     const std::int64_t mid = prices.mid(now);
     const std::int64_t half = std::min(prices.halfSpread(now), std::max<std::int64_t>(1, mid - 1));
     return {static_cast<double>(mid - half) / unit, static_cast<double>(mid + half) / unit};
+}
+
+TimeMs SymbolMarket::nextTick(std::size_t symbol, TimeMs now)
+{
+    SymbolPrices& prices = *m_prices.at(symbol);
+    if (now < prices.firstMoment())
+        return prices.firstMoment();
+    return now < prices.lastMoment() ? prices.nextChange(now) : std::numeric_limits<TimeMs>::max();
+}
+
+PriceSpan SymbolMarket::span(std::size_t symbol, TimeMs from, TimeMs to)
+{
+    SymbolPrices& prices = *m_prices.at(symbol);
+    const double unit = pointsPerUnit(m_symbols[symbol].digits);
+    const GridBar bar
+        = prices.between(withinHistory(prices, from), withinHistory(prices, std::max(from, to)));
+    return {static_cast<double>(bar.low) / unit, static_cast<double>(bar.high) / unit,
+        static_cast<double>(prices.widestHalfSpread()) / unit};
 }
 
 double SymbolMarket::dailyOpen(std::size_t symbol, TimeMs now)

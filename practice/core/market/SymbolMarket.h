@@ -13,6 +13,8 @@ class SymbolMarket : public PriceSource {
 public:
     [[nodiscard]] const std::vector<SymbolSpec>& symbols() const override { return m_symbols; }
     [[nodiscard]] Quote quote(std::size_t symbol, TimeMs now) override;
+    [[nodiscard]] TimeMs nextTick(std::size_t symbol, TimeMs now) override;
+    [[nodiscard]] PriceSpan span(std::size_t symbol, TimeMs from, TimeMs to) override;
     [[nodiscard]] double dailyOpen(std::size_t symbol, TimeMs now) override;
     [[nodiscard]] std::vector<Bar> bars(
         std::size_t symbol, Timeframe timeframe, std::size_t count, TimeMs now) override;

@@ -14,6 +14,7 @@
 #include <atomic>
 #include <functional>
 #include <future>
+#include <limits>
 #include <memory>
 #include <thread>
 
@@ -49,6 +50,12 @@ public:
             throw boost::system::system_error(boost::asio::error::no_descriptors);
         const double bid = symbol == 0 ? m_bid : m_others;
         return {bid, bid + 0.0001};
+    }
+    [[nodiscard]] TimeMs nextTick(std::size_t, TimeMs) override { return std::numeric_limits<TimeMs>::max(); }
+    [[nodiscard]] PriceSpan span(std::size_t symbol, TimeMs, TimeMs) override
+    {
+        const double mid = (symbol == 0 ? m_bid : m_others) + 0.00005;
+        return {mid, mid, 0.00005};
     }
     [[nodiscard]] double dailyOpen(std::size_t, TimeMs) override { return 1.1; }
     [[nodiscard]] std::vector<Bar> bars(std::size_t, Timeframe, std::size_t, TimeMs) override
