@@ -8,7 +8,9 @@ from datetime import datetime, timedelta
 WAVERING, FALLING = "EURUSD", "GBPUSD"
 # Averages of 10 and 30 closes cross in the one family, RSI of 14 leaves 30 in the other, both every third minute.
 CROSSING, REVERSING = ("AUDUSD", "USDCHF", "USDCAD"), ("EURGBP", "EURJPY", "USDJPY")
-PIP = 0.0001
+# Where each price begins, as anyone would expect it. A pip of a price in yen is a hundred times another one.
+LEVELS = {"EURUSD": 1.085, "GBPUSD": 1.265, "AUDUSD": 0.658, "USDCHF": 0.882, "USDCAD": 1.36,
+          "EURGBP": 0.857, "EURJPY": 162.2, "USDJPY": 149.5}
 # The platform plays two fifths of a record as the past. The chart of quarters of an hour shows 30 hours.
 PAST = 1800
 MINUTES = PAST * 5 // 2
@@ -50,16 +52,18 @@ def reversing(phase):
     return pips
 
 
-def write_symbol(folder, name, start, pips):
+def write_symbol(folder, name, pips):
+    start, digits = LEVELS[name], 3 if name.endswith("JPY") else 5
+    pip = 10.0 ** (1 - digits)
     chance, time = random.Random(name), datetime(2026, 1, 5)
     lines = ["time,open,high,low,close,volume,ask_open,ask_high,ask_low,ask_close"]
     for before, after in zip(pips, pips[1:]):
         steep = abs(after - before) > 10 or name in CROSSING + REVERSING
         wicks = (0, 0) if steep else (3 * chance.random(), 3 * chance.random())
-        prices = [start + PIP * value for value in
+        prices = [start + pip * value for value in
                   (before, max(before, after) + wicks[0], min(before, after) - wicks[1], after)]
-        bids = ",".join(f"{price:.5f}" for price in prices)
-        asks = ",".join(f"{price + PIP:.5f}" for price in prices)
+        bids = ",".join(f"{price:.{digits}f}" for price in prices)
+        asks = ",".join(f"{price + pip:.{digits}f}" for price in prices)
         lines.append(f"{time:%Y-%m-%dT%H:%M:%SZ},{bids},{chance.randrange(20, 120)},{asks}")
         time += timedelta(minutes=1)
     (folder / f"{name}-1m.csv").write_text("\n".join(lines) + "\n", encoding="utf-8")
@@ -68,9 +72,9 @@ def write_symbol(folder, name, start, pips):
 def write_market(folder):
     folder.mkdir(parents=True, exist_ok=True)
     walk = wavering()
-    write_symbol(folder, WAVERING, 1.085, walk)
-    write_symbol(folder, FALLING, 1.95, falling(walk))
+    write_symbol(folder, WAVERING, walk)
+    write_symbol(folder, FALLING, falling(walk))
     for phase, (first, second) in enumerate(zip(CROSSING, REVERSING)):
-        write_symbol(folder, first, 0.9, crossing(phase))
-        write_symbol(folder, second, 0.95, reversing(phase))
+        write_symbol(folder, first, crossing(phase))
+        write_symbol(folder, second, reversing(phase))
     return folder
