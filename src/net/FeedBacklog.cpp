@@ -34,7 +34,7 @@ void FeedBacklog::setLimit(qsizetype characters)
 void FeedBacklog::add(const QString& text)
 {
     m_texts.push_back(text);
-    m_characters += text.size();
+    m_characters += text.size() + charactersBeside;
     scheduleSlice();
     const QPointer<FeedBacklog> self(this);
     while (self && m_characters > m_limit && m_texts.size() > 1)
@@ -86,6 +86,6 @@ void FeedBacklog::handOnOldest()
 {
     const QString text = std::move(m_texts.front());
     m_texts.pop_front();
-    m_characters -= text.size();
+    m_characters -= text.size() + charactersBeside;
     Q_EMIT due(text);
 }

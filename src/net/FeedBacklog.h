@@ -24,6 +24,9 @@ public:
     /// of work, since old prices are of no use to anybody.
     static constexpr qsizetype mostCharacters = qsizetype{8} * 1024 * 1024;
 
+    /// What a message takes beside its own characters, counted in these: one without text takes room as well.
+    static constexpr qsizetype charactersBeside = 32;
+
     explicit FeedBacklog(QObject* parent = nullptr);
 
     /// Another clock than the machine's, and another limit than `mostCharacters`; for tests.

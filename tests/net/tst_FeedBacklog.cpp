@@ -26,6 +26,7 @@ private Q_SLOTS:
     void where_too_much_waits_the_oldest_are_read_at_once();
     void a_message_above_the_limit_waits_like_any_other();
     void eight_million_characters_may_wait();
+    void messages_without_text_take_room_too();
     void an_event_loop_within_a_message_reads_on();
     void it_may_be_deleted_by_whoever_hears_of_a_message();
 
@@ -196,11 +197,11 @@ void TestFeedBacklog::what_comes_during_a_slice_is_handed_on_too()
 
 void TestFeedBacklog::where_too_much_waits_the_oldest_are_read_at_once()
 {
-    m_backlog->setLimit(6);
+    m_backlog->setLimit(6 + 3 * FeedBacklog::charactersBeside);
     const QStringList texts{u"aaa"_s, u"bb"_s, u"c"_s, u"dddd"_s, u"e"_s};
     for (const QString& text : texts)
         m_backlog->add(text);
-    QCOMPARE(m_seen, texts.first(2)); // what is left has six characters
+    QCOMPARE(m_seen, texts.first(2)); // what is left are three messages of six characters
     QTRY_COMPARE(m_seen, texts);
 }
 
@@ -214,12 +215,24 @@ void TestFeedBacklog::a_message_above_the_limit_waits_like_any_other()
 
 void TestFeedBacklog::eight_million_characters_may_wait()
 {
-    const QString megabyte(qsizetype{1024} * 1024, u'x'); // shared, not copied
+    const QString megabyte(
+        qsizetype{1024} * 1024 - FeedBacklog::charactersBeside, u'x'); // shared, not copied
     for (int i = 0; i < 8; ++i)
         m_backlog->add(megabyte);
     QVERIFY(m_seen.isEmpty());
     m_backlog->add(u"y"_s);
     QCOMPARE(m_seen.size(), 1);
+}
+
+void TestFeedBacklog::messages_without_text_take_room_too()
+{
+    m_backlog->setLimit(10 * FeedBacklog::charactersBeside);
+    for (int i = 0; i < 10; ++i)
+        m_backlog->add({});
+    QVERIFY(m_seen.isEmpty());
+    m_backlog->add({});
+    QCOMPARE(m_seen.size(), 1);
+    QTRY_COMPARE(m_seen.size(), 11);
 }
 
 void TestFeedBacklog::an_event_loop_within_a_message_reads_on()
