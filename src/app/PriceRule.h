@@ -4,8 +4,8 @@
 #include <array>
 #include <cmath>
 
-/// The one rule for what counts as a price, for whatever comes from the feed, from a history or from
-/// settings. Prices below 0 exist.
+/// The one rule for what counts as a price of the market, whether the feed or a history brings it. Prices
+/// below 0 exist.
 
 /// Decimals of a symbol that does not tell its own, or of which nothing is known.
 constexpr int usualPriceDigits = 5;

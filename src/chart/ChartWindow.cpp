@@ -1,5 +1,6 @@
 #include "chart/ChartWindow.h"
 
+#include "app/PriceRule.h"
 #include "app/ServerText.h"
 #include "chart/AverageDialog.h"
 #include "chart/AveragePalette.h"
@@ -173,7 +174,9 @@ void ChartWindow::onHistory(const QByteArray& body, const QString& error)
         Q_EMIT logMessage(tr("Chart"), tr("%1: failed to load candles: %2").arg(shownName(m_symbol), error));
         return;
     }
-    HistoryReply history = HistoryReply::read(body, {m_digits, QDateTime::currentMSecsSinceEpoch()});
+    // A restored chart may have its history before the server has said how small the symbol's prices are.
+    const int digits = m_listed ? m_digits : mostPriceDigits;
+    HistoryReply history = HistoryReply::read(body, {digits, QDateTime::currentMSecsSinceEpoch()});
     takeHistory(std::move(history.candles), toEnd);
     Q_EMIT logMessage(tr("Chart"),
         tr("%1,%2: %3 candles loaded")
@@ -240,12 +243,26 @@ void ChartWindow::setTimeframe(const QString& key)
 
 void ChartWindow::setSymbolInfo(int digits, const QString& description)
 {
+    const bool newDecimals = !std::exchange(m_listed, true) || digits != m_digits;
     m_digits = digits;
     m_description = description;
     m_chart->setDigits(digits);
     m_expert->setDigits(digits);
+    if (newDecimals)
+        dropBarsWithoutPrices();
     labelChart();
     showQuote();
+}
+
+void ChartWindow::dropBarsWithoutPrices()
+{
+    const auto lacksPrices = [this](const Candle& candle) { return !hasPrices(candle, m_digits); };
+    const std::vector<Candle>& bars = m_chart->candles();
+    if (std::none_of(bars.begin(), bars.end(), lacksPrices))
+        return;
+    std::vector<Candle> kept = bars;
+    std::erase_if(kept, lacksPrices);
+    m_chart->renewCandles(std::move(kept));
 }
 
 void ChartWindow::showQuote()

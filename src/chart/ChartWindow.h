@@ -141,6 +141,8 @@ private:
     void requestHistory();
     void onHistory(const QByteArray& body, const QString& error);
     void takeHistory(std::vector<Candle> candles, bool toEnd);
+    /// Bars that were read when the symbol's decimals were not known, or others.
+    void dropBarsWithoutPrices();
     void connectExpert();
     void labelChart();
     /// Names the averages beside the panel while it covers their corner.
@@ -164,6 +166,7 @@ private:
     bool m_endWanted = false; ///< the history that is on its way brings the view to its end
     bool m_restored = false;  ///< a saved state was applied, and no history has arrived since
     bool m_quoted = false;    ///< a price has come
+    bool m_listed = false;    ///< the server has told the symbol's decimals
     double m_balance = 0.0;
     double m_equity = 0.0;
 };

@@ -85,11 +85,16 @@ qint64 isoTimeMs(QLatin1StringView text)
     return fast >= 0 ? fast : isoTimeMs(QString(text));
 }
 
+bool hasPrices(const Candle& candle, int digits)
+{
+    return isPrice(candle.open, digits) && isPrice(candle.high, digits) && isPrice(candle.low, digits)
+        && isPrice(candle.close, digits);
+}
+
 bool isSound(const Candle& candle, const CandleRule& rule)
 {
     return candle.time > 0 && candle.time <= rule.nowMs + msPerSecond * secondsPerDay
-        && isPrice(candle.open, rule.digits) && isPrice(candle.high, rule.digits)
-        && isPrice(candle.low, rule.digits) && isPrice(candle.close, rule.digits);
+        && hasPrices(candle, rule.digits);
 }
 
 qint64 isoTimeMs(const QString& text)

@@ -30,6 +30,9 @@ struct HistoryReply {
 [[nodiscard]] qint64 isoTimeMs(const QString& text);
 [[nodiscard]] qint64 isoTimeMs(QLatin1StringView text);
 
+/// Whether all four prices of a candle can be prices of a symbol with so many decimals.
+[[nodiscard]] bool hasPrices(const Candle& candle, int digits);
+
 /// Whether a candle read from a reply, where 0 stands for what could not be read, has a time after the epoch
 /// and no more than a day ahead of now, and four prices. A later one would be the newest bar for ever, before
 /// which no tick counts.

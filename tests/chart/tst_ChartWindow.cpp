@@ -48,6 +48,8 @@ private Q_SLOTS:
     void theCaptionsWaitForTheFirstPrice();
     void pricesBelowZeroBuildBars();
     void theSymbolsDecimalsSayHowSmallItsPricesAre();
+    void decimalsThatComeAfterTheHistoryJudgeItsPrices_data();
+    void decimalsThatComeAfterTheHistoryJudgeItsPrices();
     void aCandleOfTheFarFutureStopsNoTick();
     void tradesBecomeLevelLines();
     void aTradeWithoutAStopGetsNoStopLine();
@@ -482,6 +484,41 @@ void tst_ChartWindow::theSymbolsDecimalsSayHowSmallItsPricesAre()
     window.setSymbolInfo(5, {});
     window.onPrices(snapshot(u"SHIB"_s, 2e-9, 4e-9));
     QCOMPARE(window.chart().bid(), 0.0);
+}
+
+void tst_ChartWindow::decimalsThatComeAfterTheHistoryJudgeItsPrices_data()
+{
+    QTest::addColumn<int>("digits");
+    QTest::addColumn<QList<double>>("lows");
+    QTest::newRow("more than usual") << 9 << QList<double>{2e-6, 3e-6, 4e-9};
+    QTest::newRow("less than those") << 6 << QList<double>{2e-6, 3e-6};
+    QTest::newRow("usual") << 5 << QList<double>();
+}
+
+void tst_ChartWindow::decimalsThatComeAfterTheHistoryJudgeItsPrices()
+{
+    QFETCH(const int, digits);
+    QFETCH(const QList<double>, lows);
+    QJsonArray rows = QJsonDocument::fromJson(bars(4, 5e-6)).array();
+    const QList<double> all{2e-6, 3e-6, 4e-9, 1e-300};
+    for (qsizetype i = 0; i < all.size(); ++i) {
+        QJsonObject row = rows[i].toObject();
+        row.insert(u"low"_s, all[i]);
+        rows[i] = row;
+    }
+    m_server->on("GET", candlesPath, StubAnswer::json(QJsonDocument(rows).toJson()));
+    ChartWindow window(*m_api, u"SHIB"_s, u"15m"_s, {}, 5);
+    const QSignalSpy log(&window, &ChartWindow::logMessage);
+    window.load();
+    QTRY_COMPARE(log.size(), 1);
+    window.setSymbolInfo(digits, {});
+    QList<double> shown;
+    for (const Candle& candle : window.chart().candles())
+        shown.append(candle.low);
+    QCOMPARE(shown, lows);
+    window.reload();
+    QTRY_COMPARE(log.size(), 2);
+    QCOMPARE(window.chart().candles().size(), static_cast<std::size_t>(lows.size()));
 }
 
 void tst_ChartWindow::aCandleOfTheFarFutureStopsNoTick()
