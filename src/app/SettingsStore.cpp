@@ -1,6 +1,7 @@
 #include "app/SettingsStore.h"
 
 #include "app/PrivateFile.h"
+#include "app/SettingsLock.h"
 
 #include <QCoreApplication>
 #include <QDir>
@@ -44,8 +45,10 @@ SettingsStore::SettingsStore(const QString& filePath)
 {
     if (isFile(m_filePath)) {
         makePrivate();
+        const SettingsLock lock(folder());
         m_check.removeLeftOvers();
         repair();
+        m_seen = contentOf(m_filePath);
     }
     m_settings = std::make_unique<QSettings>(m_filePath, QSettings::NativeFormat);
 }
@@ -85,6 +88,10 @@ bool SettingsStore::sync()
         writeChanges();
         return m_settings->status() == QSettings::NoError;
     }
+    const SettingsLock lock(folder());
+    // Another terminal may have left there what it could not save as a whole.
+    if (!m_fileIsSuspect && contentOf(m_filePath) != m_seen)
+        repair();
     if (!m_changes.isEmpty() && !mayWrite())
         return false;
     writeChanges();
@@ -101,6 +108,7 @@ bool SettingsStore::sync()
             m_changes.insert(key, m_settings->value(key));
         return false;
     }
+    m_seen = content;
     return m_backup.confirm(*content);
 }
 

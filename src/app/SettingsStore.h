@@ -30,7 +30,8 @@ public:
     void remove(QLatin1StringView key);
 
     /// Writes to disk, reads back, and renews the copy from what was read. False when what is on
-    /// disk is not what is in memory; the older copy then stays.
+    /// disk is not what is in memory; the older copy then stays. A file that somebody else changed is
+    /// repaired before, as at the start.
     [[nodiscard]] bool sync();
 
     [[nodiscard]] QString filePath() const { return m_filePath; }
@@ -53,5 +54,6 @@ private:
     QStringList m_notices;
     std::unique_ptr<QSettings> m_settings;
     QMap<QString, std::optional<QVariant>> m_changes; ///< since the last good sync; nothing: removed
+    std::optional<QByteArray> m_seen;                 ///< the file as it was read or saved last
     bool m_fileIsSuspect = false;                     ///< the last save did not end well
 };

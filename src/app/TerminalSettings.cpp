@@ -169,6 +169,9 @@ void TerminalSettings::setRestoringLayout(bool restoring)
 bool TerminalSettings::sync()
 {
     const bool saved = m_store.sync();
+    const QStringList notices = m_store.takeNotices();
+    for (const QString& notice : notices)
+        tell(notice);
     if (!saved) {
         appLog(u"settings could not be saved to %1"_s.arg(m_store.filePath()));
         if (!m_failureTold)

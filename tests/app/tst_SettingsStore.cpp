@@ -1,6 +1,9 @@
 #include "FileFixture.h"
+#include "app/SettingsLock.h"
 #include "app/SettingsStore.h"
 #include "support/TestMain.h"
+
+#include <QElapsedTimer>
 
 #include <sys/file.h>
 #include <sys/stat.h>
@@ -320,6 +323,120 @@ private Q_SLOTS:
         SettingsStore again(m_path);
         QCOMPARE(again.takeNotices(), QStringList());
         QCOMPARE(again.value("ui/theme"_L1).toString(), u"dark"_s);
+    }
+
+    void whatAnotherTerminalCouldNotEndIsNotSavedOn_data()
+    {
+        QTest::addColumn<QByteArray>("left");
+        QTest::newRow("cut") << QByteArray("[%General]\nalerts=1\n\n[auth]\nemail=a@b.example\n");
+        QTest::newRow("empty") << QByteArray();
+    }
+    void whatAnotherTerminalCouldNotEndIsNotSavedOn()
+    {
+        QFETCH(QByteArray, left);
+        {
+            SettingsStore store(m_path);
+            saveEverything(store, layoutOf(2));
+            QVERIFY(store.sync());
+        }
+        {
+            SettingsStore store(m_path);
+            // As another terminal leaves it that ends while the disk is full.
+            QVERIFY(QFile::rename(m_path + u".digest"_s, m_path + u".saving"_s));
+            writeFile(m_path, left);
+            store.setValue("ui/theme"_L1, u"light"_s);
+            QVERIFY(store.sync());
+            QCOMPARE(store.value("ui/theme"_L1).toString(), u"light"_s);
+            QVERIFY(holdsEverything(store, {layoutOf(2)}));
+            QCOMPARE(store.takeNotices().size(), left.isEmpty() ? 1 : 2);
+        }
+        const SettingsStore store(m_path);
+        QVERIFY(holdsEverything(store, {layoutOf(2)}));
+    }
+
+    void whatAnotherTerminalSavedIsNoDamage()
+    {
+        SettingsStore store(m_path);
+        saveEverything(store, layoutOf(2));
+        QVERIFY(store.sync());
+        // Two objects of the toolkit share what they know; a saved file that comes from elsewhere does not.
+        const QByteArray other = QByteArray(contentOf(m_path)).replace("theme=dark", "theme=light");
+        writeFile(m_path, other);
+        writeFile(store.copyPath(), other);
+        store.setValue("auth/email"_L1, u"new@b.example"_s);
+        QVERIFY(store.sync());
+        QCOMPARE(store.takeNotices(), QStringList());
+        QCOMPARE(store.value("ui/theme"_L1).toString(), u"light"_s);
+        QVERIFY(holdsEverything(store, {layoutOf(2)}));
+    }
+
+    void anEditByHandWhileTheTerminalRunsCounts()
+    {
+        SettingsStore store(m_path);
+        saveEverything(store, layoutOf(2));
+        QVERIFY(store.sync());
+        writeFile(m_path, QByteArray(contentOf(m_path)).replace("theme=dark", "theme=light"));
+        store.setValue("auth/email"_L1, u"new@b.example"_s);
+        QVERIFY(store.sync());
+        QCOMPARE(store.takeNotices(), QStringList());
+        QCOMPARE(store.value("ui/theme"_L1).toString(), u"light"_s);
+        QCOMPARE(contentOf(store.copyPath()), contentOf(m_path));
+    }
+
+    void aSaveWaitsForThatOfAnotherTerminal()
+    {
+        SettingsStore store(m_path);
+        store.setValue("ui/theme"_L1, u"dark"_s);
+        const SettingsLock others(QFileInfo(m_path).path());
+        QVERIFY(others.isHeld());
+        QElapsedTimer waited;
+        waited.start();
+        // Not for ever: the other one may have been stopped.
+        QVERIFY(store.sync());
+        QVERIFY(waited.elapsed() >= SettingsLock::patienceMs);
+    }
+
+    void aStartWaitsForTheSaveOfAnotherTerminal()
+    {
+        {
+            const SettingsStore store(m_path);
+        }
+        const SettingsLock others(QFileInfo(m_path).path());
+        QElapsedTimer waited;
+        waited.start();
+        const SettingsStore store(m_path);
+        QVERIFY(waited.elapsed() >= SettingsLock::patienceMs);
+    }
+
+    void theLockIsFreeWhenItsHolderIsGone()
+    {
+        const SettingsStore store(m_path);
+        const QString folder = QFileInfo(m_path).path();
+        {
+            const SettingsLock first(folder);
+            QVERIFY(first.isHeld());
+            QVERIFY(!SettingsLock(folder).isHeld());
+        }
+        QVERIFY(SettingsLock(folder).isHeld());
+        QVERIFY(!SettingsLock(folder + u"/not there"_s).isHeld());
+    }
+
+    void aSaveWithoutRoomForItsCopyIsSavedOn()
+    {
+        SettingsStore store(m_path);
+        saveEverything(store, layoutOf(2));
+        QVERIFY(store.sync());
+        const QString copy = store.copyPath();
+        QVERIFY(QFile::remove(copy));
+        QVERIFY(QDir().mkpath(copy + u"/in the way"_s));
+        store.setValue("ui/theme"_L1, u"light"_s);
+        QVERIFY(!store.sync());
+        QVERIFY(QDir(copy).removeRecursively());
+        store.setValue("auth/email"_L1, u"new@b.example"_s);
+        QVERIFY(store.sync());
+        QCOMPARE(store.value("ui/theme"_L1).toString(), u"light"_s);
+        QVERIFY(holdsEverything(store, {layoutOf(2)}));
+        QCOMPARE(contentOf(copy), contentOf(m_path));
     }
 
     void aSaveThatNeverBeganIsNoReasonToUndo()

@@ -329,6 +329,21 @@ private Q_SLOTS:
         QVERIFY(settings->takeNotices().isEmpty());
     }
 
+    void aRepairWhileTheTerminalRunsIsToldAtOnce()
+    {
+        QStringList told;
+        const auto settings = open();
+        settings->setToken(u"token-one"_s);
+        settings->setTeller([&told](const QString& notice) { told.append(notice); });
+        writeFile({});
+        settings->setDarkTheme(true);
+        QCOMPARE(
+            told, QStringList(u"The settings file was damaged; its last good copy has been put back."_s));
+        QVERIFY(fileContent().contains("token-one"));
+        QVERIFY(fileContent().contains("theme=dark"));
+        QVERIFY(settings->takeNotices().isEmpty());
+    }
+
     void aRepairIsToldOnce()
     {
         {
