@@ -54,17 +54,19 @@ QString asItIs(const QString& text)
     return text;
 }
 
-/// The text with places to break in each word that has none for too long.
-QString breakable(const QString& text)
+/// The text with places to break in each word that is too wide without.
+QString breakable(const QString& text, const QFontMetrics& metrics)
 {
-    constexpr qsizetype longestWord = 24;
+    constexpr int widestWord = 300; // what the narrowest dialog has room for
+    constexpr qsizetype longestPart = 24;
     QString result;
     QTextBoundaryFinder places(QTextBoundaryFinder::Line, text);
     for (qsizetype from = 0; from < text.size();) {
         const qsizetype next = places.toNextBoundary();
         const qsizetype end = next > from ? next : text.size();
-        while (end - from > longestWord) {
-            const qsizetype taken = longestWord - (text.at(from + longestWord).isLowSurrogate() ? 1 : 0);
+        const bool fits = metrics.horizontalAdvance(text.sliced(from, end - from)) <= widestWord;
+        while (!fits && end - from > longestPart) {
+            const qsizetype taken = longestPart - (text.at(from + longestPart).isLowSurrogate() ? 1 : 0);
             result += text.sliced(from, taken) + zeroWidthSpace;
             from += taken;
         }
@@ -159,7 +161,7 @@ void makePlain(QLabel* label)
 
 void showReason(QLabel& label, const QString& text)
 {
-    label.setText(breakable(shownReason(text)));
+    label.setText(breakable(shownReason(text), label.fontMetrics()));
 }
 
 QLabel* plainLabel(const QString& text, QWidget* parent)

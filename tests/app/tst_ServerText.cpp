@@ -81,9 +81,17 @@ private Q_SLOTS:
         QCOMPARE(label.text().remove(QChar(0x200b)), QString(300, u'W') + u'…');
     }
 
+    void aLabelShowsAnOrdinaryReasonAsGiven_data()
+    {
+        QTest::addColumn<QString>("reason");
+        QTest::newRow("address")
+            << u"Error transferring https://terminal.tavoran.example:5001/api/trades - refused"_s;
+        QTest::newRow("code") << u"POSITION_SIZE_EXCEEDS_LIMIT_OF_PLAN"_s;
+        QTest::newRow("mail") << u"No account of first.second-name@trading.example"_s;
+    }
     void aLabelShowsAnOrdinaryReasonAsGiven()
     {
-        const QString reason = u"Error transferring https://terminal.example:5001/api/trades - refused"_s;
+        QFETCH(QString, reason);
         QLabel label;
         showReason(label, reason);
         QCOMPARE(label.text(), reason);
