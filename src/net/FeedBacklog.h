@@ -20,9 +20,8 @@ public:
 
     /// A slice ends with the first message after this time.
     static constexpr qint64 sliceNs = 8'000'000;
-    /// Characters that may wait: a flood of some hundred thousand prices, yet no more than a second or two
-    /// of work, since old prices are of no use to anybody.
-    static constexpr qsizetype mostCharacters = qsizetype{8} * 1024 * 1024;
+    /// Characters that may wait: room for fifty thousand messages of several prices each, in 64 MiB.
+    static constexpr qsizetype mostCharacters = qsizetype{32} * 1024 * 1024;
 
     /// What a message takes beside its own characters, counted in these: one without text takes room as well.
     static constexpr qsizetype charactersBeside = 32;

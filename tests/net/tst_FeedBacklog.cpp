@@ -25,7 +25,8 @@ private Q_SLOTS:
     void what_comes_during_a_slice_is_handed_on_too();
     void where_too_much_waits_the_oldest_are_read_at_once();
     void a_message_above_the_limit_waits_like_any_other();
-    void eight_million_characters_may_wait();
+    void fifty_thousand_messages_of_several_prices_each_may_wait();
+    void thirty_two_million_characters_may_wait();
     void messages_without_text_take_room_too();
     void an_event_loop_within_a_message_reads_on();
     void it_may_be_deleted_by_whoever_hears_of_a_message();
@@ -213,11 +214,19 @@ void TestFeedBacklog::a_message_above_the_limit_waits_like_any_other()
     QTRY_COMPARE(m_seen, QStringList(u"longer"_s));
 }
 
-void TestFeedBacklog::eight_million_characters_may_wait()
+void TestFeedBacklog::fifty_thousand_messages_of_several_prices_each_may_wait()
+{
+    const QString message(300, u'x');
+    for (int i = 0; i < 50'000; ++i)
+        m_backlog->add(message);
+    QVERIFY(m_seen.isEmpty());
+}
+
+void TestFeedBacklog::thirty_two_million_characters_may_wait()
 {
     const QString megabyte(
         qsizetype{1024} * 1024 - FeedBacklog::charactersBeside, u'x'); // shared, not copied
-    for (int i = 0; i < 8; ++i)
+    for (int i = 0; i < 32; ++i)
         m_backlog->add(megabyte);
     QVERIFY(m_seen.isEmpty());
     m_backlog->add(u"y"_s);

@@ -43,6 +43,7 @@ private Q_SLOTS:
     void a_burst_leaves_the_event_loop_its_turns();
     void what_came_before_the_end_of_a_connection_is_told_before_it();
     void starting_again_forgets_what_the_old_connection_left_unread();
+    void starting_again_forgets_an_end_that_was_not_told_yet();
     void a_message_of_five_megabytes_is_taken();
     void it_may_be_deleted_while_connected();
 
@@ -465,6 +466,32 @@ void TestWsClient::starting_again_forgets_what_the_old_connection_left_unread()
         m_feed->send("{\"type\":\"orders_changed\",\"n\":\"" + QByteArray(number) + "\"}");
     QTRY_VERIFY(told.contains(u"hello"_s));
     QCOMPARE(told, QStringList({u"1"_s, u"hello"_s}));
+}
+
+void TestWsClient::starting_again_forgets_an_end_that_was_not_told_yet()
+{
+    constexpr int messages = 200;
+    QStringList told;
+    int afterTheEnd = 0;
+    int unread = messages;
+    connect(&*m_client, &WsClient::ordersChanged, this, [&] {
+        --unread;
+        if (m_feed->clientCount() == 0 && ++afterTheEnd == 10)
+            m_client->start();
+    });
+    connect(&*m_client, &WsClient::disconnected, this, [&] { told.append(u"end"_s); });
+    connect(&*m_client, &WsClient::helloReceived, this, [&] { told.append(u"hello"_s); });
+    readOneMessageATurn();
+    connectFeed();
+    m_feed->setGreeting(R"({"type":"hello"})");
+    for (int i = 0; i < messages; ++i)
+        m_feed->send(R"({"type":"orders_changed"})");
+    m_feed->closeAll();
+    QTRY_VERIFY(!told.isEmpty());
+    QCOMPARE(told, QStringList(u"hello"_s));
+    QVERIFY(unread > 0);
+    QCOMPARE(m_feed->attempts(), 2);
+    QCOMPARE(m_log.filter(u"Feed disconnected"_s).size(), 0);
 }
 
 void TestWsClient::a_message_of_five_megabytes_is_taken()
