@@ -62,7 +62,6 @@ std::size_t FeedHub::symbolCount() const
 
 FeedMessage FeedHub::hello() const
 {
-    m_platform.catchUp();
     auto symbols = nlohmann::json::array();
     const TimeMs now = m_platform.now();
     for (std::size_t i = 0; i < m_platform.symbols().size(); ++i)

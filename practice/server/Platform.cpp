@@ -19,7 +19,6 @@ namespace practice {
 namespace {
 
 constexpr const char* playedToKey = "playedTo";
-constexpr TimeMs noticedStall = 1000;
 
 Broker loadBroker(const std::vector<SymbolSpec>& symbols, TradeStore& trades)
 {
@@ -64,32 +63,7 @@ Platform::Platform(Database& database, PriceSource& market, const Clock& clock)
 
 void Platform::advance()
 {
-    moveTo(m_clock.now());
-}
-
-void Platform::closeEverything()
-{
     const TimeMs now = m_clock.now();
-    moveTo(now);
-    const ChangeSet changes = m_broker.closeEverything(now);
-    store(changes, now);
-    announce(changes);
-}
-
-void Platform::catchUp()
-{
-    const TimeMs now = m_clock.now();
-    if (now - m_playedTo < noticedStall)
-        return;
-    try {
-        moveTo(now);
-    } catch (const StorageError&) {
-        // Told by advance(), which tries again.
-    }
-}
-
-void Platform::moveTo(TimeMs now)
-{
     std::vector<SymbolQuote> changed;
     for (SymbolQuote& last : m_quotes) {
         const Quote quote = m_market.quote(last.symbol, now);
@@ -100,12 +74,43 @@ void Platform::moveTo(TimeMs now)
     }
     if (m_listener && !changed.empty())
         m_listener->pricesMoved(changed);
+    playTo(now, m_quotes);
+}
+
+void Platform::closeEverything()
+{
+    const TimeMs now = m_clock.now();
+    playTo(now);
+    const ChangeSet changes = m_broker.closeEverything(now);
+    store(changes, now);
+    announce(changes);
+}
+
+void Platform::catchUp()
+{
+    try {
+        playTo(m_clock.now());
+    } catch (const StorageError&) {
+        // Told by advance(), which tries again.
+    }
+}
+
+void Platform::playTo(TimeMs now)
+{
+    std::vector<SymbolQuote> quotes;
+    for (const SymbolQuote& last : m_quotes)
+        quotes.push_back({last.symbol, m_market.quote(last.symbol, now)});
+    playTo(now, quotes);
+}
+
+void Platform::playTo(TimeMs now, std::span<const SymbolQuote> present)
+{
     if (m_playedTo < now - 1) {
         PathPlayer player(m_market, m_broker,
             [this](std::span<const SymbolQuote> quotes, TimeMs moment) { return show(quotes, moment); });
         player.play(m_playedTo, now - 1);
     }
-    show(m_quotes, now);
+    show(present, now);
 }
 
 bool Platform::show(std::span<const SymbolQuote> quotes, TimeMs now)
@@ -121,7 +126,7 @@ bool Platform::show(std::span<const SymbolQuote> quotes, TimeMs now)
 Trade Platform::execute(const Command& command)
 {
     const TimeMs now = m_clock.now();
-    moveTo(now);
+    playTo(now);
     const CommandResult result = command(m_broker, now);
     if (!result.accepted())
         throw ApiError{result.refusal->httpStatus, result.refusal->message};

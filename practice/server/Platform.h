@@ -45,8 +45,8 @@ public:
     /// announced have moved then, and the rest happens with the next call.
     void advance();
 
-    /// The same for those who only look, when the last time is a while ago (a machine was suspended). What
-    /// cannot be stored is left to advance().
+    /// The same for those who only look, without telling anybody of the prices. What cannot be stored is left
+    /// to advance().
     void catchUp();
 
     /// Moves to the present, then closes every position and cancels every order that has a price. Throws
@@ -73,7 +73,8 @@ public:
     [[nodiscard]] std::vector<Account> accountsOf(std::string_view userId) const;
 
 private:
-    void moveTo(TimeMs now);
+    void playTo(TimeMs now);
+    void playTo(TimeMs now, std::span<const SymbolQuote> present);
     bool show(std::span<const SymbolQuote> quotes, TimeMs now);
     [[nodiscard]] Trade tradeAfter(const CommandResult& result) const;
     void store(const ChangeSet& changes, TimeMs now);
