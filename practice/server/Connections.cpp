@@ -46,7 +46,11 @@ bool Connections::clearOne()
         ++crowd[places.back()->m_client];
     }
     const auto rank = [&](const Place& place) {
-        const int hurry = place.m_phase == Phase::Replying ? 2 : place.m_hasAsked ? 1 : 0;
+        int hurry = place.m_hasAsked ? 1 : 0;
+        if (place.m_phase == Phase::Bringing)
+            hurry = 2;
+        else if (place.m_phase == Phase::Replying)
+            hurry = 3;
         return std::tuple(-crowd[place.m_client], hurry, place.m_since);
     };
     std::shared_ptr<Place> chosen;

@@ -14,7 +14,8 @@ namespace practice {
 class Connections final {
 public:
     enum class Phase {
-        Asking,    ///< silent, or a request is on its way
+        Asking,    ///< silent, or a request's header is on its way
+        Bringing,  ///< the body of a request is on its way
         Answering, ///< a request is being carried out; such a place is never cleared
         Replying,  ///< a reply is on its way, or a good-bye
     };
@@ -49,7 +50,7 @@ public:
 
     /// A place for a newcomer; nothing while all are at work. Cleared for it is, if need be, a place of the
     /// client who has most of them: first one that never asked, then one that asks nothing now, then one that
-    /// takes its reply; of several the one that has been so for longest.
+    /// brings a body, then one that takes its reply; of several the one that has been so for longest.
     [[nodiscard]] std::shared_ptr<Place> admit(const std::string& client);
 
 private:

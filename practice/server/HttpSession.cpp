@@ -165,6 +165,7 @@ net::awaitable<error_code> Connection::readRequest(RequestParser& parser)
         m_stream, m_buffer, parser, net::redirect_error(net::use_awaitable, error));
     if (error || parser.is_done())
         co_return error;
+    m_place->enter(Connections::Phase::Bringing);
     m_stream.expires_after(m_parts.limits.transfer);
     if (beast::iequals(parser.get()[http::field::expect], "100-continue")) {
         http::response<http::empty_body> goOn{http::status::continue_, parser.get().version()};

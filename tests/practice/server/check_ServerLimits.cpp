@@ -142,6 +142,29 @@ TEST_CASE("a connection that only waits goes for one that comes, the silent befo
     CHECK_EQ(idle.get("/api/settings/public").status, 200);
 }
 
+TEST_CASE("who is sending a request's body on a slow line is not taken for silent")
+{
+    Limits limits;
+    limits.connections = 2;
+    InProcess place(0, limits);
+    const Trader trader(place);
+    HttpClient slow(place.server->port());
+    slow.socket().send("POST /api/trades/place HTTP/1.1\r\nHost: 127.0.0.1\r\nAuthorization: Bearer "
+        + trader.client.token()
+        + "\r\nContent-Type: application/json\r\nExpect: 100-continue\r\nContent-Length: 2\r\n\r\n");
+    CHECK(slow.socket().readUntil("\r\n\r\n").starts_with("HTTP/1.1 100"));
+    slow.socket().send("{");
+    HttpClient silent(place.server->port());
+    HttpClient newcomer(place.server->port());
+    CHECK_EQ(newcomer.get("/api/settings/public").status, 200);
+    CHECK(silent.socket().readAll().empty());
+    HttpClient another(place.server->port());
+    CHECK_EQ(another.get("/api/settings/public").status, 200);
+    CHECK(newcomer.socket().readAll().empty());
+    slow.socket().send("}");
+    CHECK_EQ(slow.read().status, 400); // an order that says nothing
+}
+
 TEST_CASE("who takes no message for too long is disconnected")
 {
     Limits limits;

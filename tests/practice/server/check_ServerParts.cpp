@@ -257,18 +257,22 @@ TEST_CASE("places are cleared for newcomers: the largest crowd's, the silent fir
     CHECK(admit('f', "crowd")); // the idle one
     enter('f', Phase::Answering);
     CHECK_EQ(cleared, std::string("dc"));
+    enter('a', Phase::Bringing);
+    CHECK(admit('i', "crowd")); // the body that is on its way
+    enter('i', Phase::Answering);
+    CHECK_EQ(cleared, std::string("dca"));
     CHECK(admit('g', "crowd")); // the reply that takes longest
     enter('g', Phase::Answering);
     CHECK(admit('h', "crowd"));
     enter('h', Phase::Answering);
-    CHECK_EQ(cleared, std::string("dcbe"));
+    CHECK_EQ(cleared, std::string("dcabe"));
     CHECK(admit('y', "third")); // the crowd is at work, so the lonely one has to go
-    CHECK_EQ(cleared, std::string("dcbex"));
+    CHECK_EQ(cleared, std::string("dcabex"));
     enter('y', Phase::Answering);
     CHECK(!admit('z', "third"));
     places.erase('g');
     CHECK(admit('z', "third"));
-    CHECK_EQ(cleared, std::string("dcbex"));
+    CHECK_EQ(cleared, std::string("dcabex"));
 }
 
 TEST_CASE("a place that cannot be cleared yet is left alone")
