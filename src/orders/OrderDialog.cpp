@@ -108,11 +108,8 @@ void OrderDialog::onPrices(const QJsonObject& prices)
         m_quote = quote;
         m_form->showPrices(tr("%1 / %2").arg(formatPrice(bid, digits()), formatPrice(ask, digits())));
     }
-    // 0 is no price, and would press all the others into one line.
-    if (bid != 0.0 && ask != 0.0) {
-        m_tickChart->append(bid, ask);
-        m_tickChart->update();
-    }
+    m_tickChart->append(bid, ask);
+    m_tickChart->update();
     const double contractSize = jsonNumber(m_record.value("contractSize"_L1));
     const double units = m_form->lots() * (contractSize > 0.0 ? contractSize : 1.0);
     m_form->showUnits(tr("%1 %2").arg(QString::number(units, 'f', 0), m_shownSymbol));
