@@ -21,6 +21,10 @@
     // A chain of them has no end that anything watches.
     delete global.Proxy;
 
+    // Their upkeep goes astray in memory once enough of the keys have gone.
+    delete global.WeakMap;
+    delete global.WeakSet;
+
     // Lists: inside itself one is an empty text.
     const underWay = [];
     let depth = 0;

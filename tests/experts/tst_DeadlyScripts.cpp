@@ -118,6 +118,13 @@ private Q_SLOTS:
         row("a proxy above itself", "var o = {}; Object.setPrototypeOf(o, new Proxy(o, {})); 'x' in o",
             u"Proxy is not defined"_s);
 
+        row("a weak map whose keys go",
+            "var w = new WeakMap(); for (var i = 0; i < 100000; ++i) w.set({}, {}); Print('on')",
+            u"WeakMap is not defined"_s);
+        row("a weak set whose members go",
+            "var w = new WeakSet(); for (var i = 0; i < 100000; ++i) w.add({}); Print('on')",
+            u"WeakSet is not defined"_s);
+
         const QByteArray deep = "var n = 300000, r = ";
         const QString tooLong = u"SyntaxError at line 1: The regular expression is too long"_s;
         row("a deep expression from a text", deep + "new RegExp('('.repeat(n) + ')'.repeat(n))", tooLong);

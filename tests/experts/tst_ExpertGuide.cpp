@@ -125,7 +125,9 @@ private Q_SLOTS:
                 "No custom graphical indicators", "no access to files, the network or the user interface",
                 "One expert per chart", "a regular expression that tries endless combinations",
                 "uses up the memory, for which there is no limit",
-                "put to convert the very object that it works on",
+                "put to convert the very object that it works on", "or to call itself, can end the terminal",
+                "stands in the file with more than 500000 elements",
+                "more than 30000 variables or bound arguments",
                 "has at most 20000 characters, or 250 when it repeats a group",
                 "No pending orders, partial closes or trading several symbols"})
             QTest::newRow(sentence) << QString::fromUtf8(sentence);
@@ -175,6 +177,8 @@ private Q_SLOTS:
         row("Object.fromEntries", "Object.fromEntries([]);");
         row("Intl", "Intl.NumberFormat;");
         row("Proxy", "new Proxy({}, {});");
+        row("WeakMap", "new WeakMap();");
+        row("WeakSet", "new WeakSet();");
         row("named groups", "/(?<n>a)/.exec('a').groups.n;");
         row("lookbehind", "if (!/(?<=a)b/.test('ab')) throw new Error('no match');");
     }
