@@ -24,7 +24,7 @@ std::optional<SavedGeometry> SavedGeometry::read(const QByteArray& bytes)
     SavedGeometry saved;
     stream >> magic >> version >> minorVersion >> saved.frame >> saved.normal >> saved.screen >> isMaximized
         >> isFullScreen >> saved.screenWidth >> saved.rectangle;
-    if (stream.status() != QDataStream::Ok || magic != theMagic || version < theVersion)
+    if (stream.status() != QDataStream::Ok || magic != theMagic || version != theVersion)
         return std::nullopt;
     saved.maximized = isMaximized != 0;
     saved.fullScreen = isFullScreen != 0;

@@ -32,6 +32,8 @@ private Q_SLOTS:
     void otherBytesAreNotUnderstood_data();
     void otherBytesAreNotUnderstood();
     void aGeometryOnAScreenStaysAsItIs();
+    void aGeometryOnAScreenToTheLeftStaysAsItIs_data();
+    void aGeometryOnAScreenToTheLeftStaysAsItIs();
     void eachRectangleIsBroughtOntoAScreen_data();
     void eachRectangleIsBroughtOntoAScreen();
 };
@@ -66,6 +68,9 @@ void tst_SavedGeometry::otherBytesAreNotUnderstood_data()
     QByteArray old = good;
     old[5] = '\2';
     QTest::newRow("without a rectangle") << old;
+    QByteArray later = good;
+    later[5] = '\4';
+    QTest::newRow("of a later version") << later;
 }
 
 void tst_SavedGeometry::otherBytesAreNotUnderstood()
@@ -80,6 +85,26 @@ void tst_SavedGeometry::aGeometryOnAScreenStaysAsItIs()
     const QByteArray bytes = someGeometry().bytes();
     QCOMPARE(geometryOnScreen(bytes, screens, before), bytes);
     QCOMPARE(geometryOnScreen(bytes, {}, before), bytes);
+}
+
+void tst_SavedGeometry::aGeometryOnAScreenToTheLeftStaysAsItIs_data()
+{
+    QTest::addColumn<QRect>("rectangle");
+    QTest::newRow("within it") << QRect(-1800, -900, 900, 600);
+    QTest::newRow("across the border") << QRect(-500, 100, 900, 600);
+    QTest::newRow("all over it") << QRect(-1920, -1080, 1920, 1080);
+    QTest::newRow("above and below") << QRect(-700, -500, 600, 1400);
+}
+
+void tst_SavedGeometry::aGeometryOnAScreenToTheLeftStaysAsItIs()
+{
+    QFETCH(QRect, rectangle);
+    const QList<QRect> leftAndMain{QRect(0, 0, 1920, 1080), QRect(-1920, -1080, 1920, 1080)};
+    SavedGeometry saved = someGeometry();
+    saved.frame = rectangle.adjusted(-1, -30, 1, 1);
+    saved.normal = rectangle;
+    saved.rectangle = rectangle;
+    QCOMPARE(geometryOnScreen(saved.bytes(), leftAndMain, before), saved.bytes());
 }
 
 void tst_SavedGeometry::eachRectangleIsBroughtOntoAScreen_data()
