@@ -12,10 +12,11 @@ class QWidget;
 /// endless, with an ellipsis. Only what is shown goes through them; what a request, a look-up or a comparison
 /// names stays whole.
 
-/// A name, kind, state or id: one line of at most 64 characters.
+/// A symbol, kind, state or id: one line of at most 64 characters.
 [[nodiscard]] QString shownName(const QString& text);
 
-/// A description, reason or title: one line of at most 300 characters.
+/// A description, reason or title, and a name that a person chose (an e-mail address, a host, a plan, a
+/// script): one line of at most 300 characters.
 [[nodiscard]] QString shownSentence(const QString& text);
 
 /// Why something failed: at most 300 characters on at most four lines, blank ones left out. Not empty unless

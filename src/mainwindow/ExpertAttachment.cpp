@@ -1,5 +1,6 @@
 #include "mainwindow/ExpertAttachment.h"
 
+#include "app/ServerText.h"
 #include "chart/ChartWindow.h"
 #include "chart/Timeframe.h"
 #include "mainwindow/ChartArea.h"
@@ -27,7 +28,8 @@ void ExpertAttachment::attach(const QString& path)
     const QString name = chart ? chart->expertName() : QString();
     if (name.isEmpty())
         return;
-    Q_EMIT expertLine(name, tr("Attached to %1 %2").arg(chart->symbol(), timeframeLabel(chart->timeframe())),
+    Q_EMIT expertLine(name,
+        tr("Attached to %1 %2").arg(shownName(chart->symbol()), timeframeLabel(chart->timeframe())),
         LineKind::Ordinary);
     if (!m_actions.isAlgoTradingOn()) {
         Q_EMIT expertLine(name,

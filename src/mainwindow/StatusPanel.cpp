@@ -9,6 +9,8 @@
 #include <QStatusBar>
 #include <QUrl>
 
+#include <algorithm>
+
 using namespace Qt::StringLiterals;
 
 namespace {
@@ -26,11 +28,18 @@ QLabel* addLabel(QStatusBar& bar, const QString& name, Qt::TextFormat format)
     return label;
 }
 
+/// A long text is cut off where there is no room, rather than make the window wider than the screen.
+void letShrink(QLabel& label)
+{
+    constexpr int widest = 400;
+    label.setMinimumWidth(std::min(label.minimumSizeHint().width(), widest));
+}
+
 } // namespace
 
 StatusPanel::StatusPanel(QStatusBar& bar, const QString& server, QObject* parent)
     : QObject(parent)
-    , m_server(shownName(server).toHtmlEscaped())
+    , m_server(shownSentence(server).toHtmlEscaped())
     , m_accountSelector(new QComboBox(&bar))
 {
     m_accountSelector->setObjectName(u"accountSelector"_s);
@@ -78,7 +87,8 @@ QString StatusPanel::hostOf(const QString& address)
 void StatusPanel::setUser(const QString& email)
 {
     m_user->setStyleSheet({});
-    m_user->setText(shownName(email));
+    m_user->setText(shownSentence(email));
+    letShrink(*m_user);
 }
 
 void StatusPanel::setConnected(bool connected)
@@ -86,6 +96,7 @@ void StatusPanel::setConnected(bool connected)
     m_connection->setText(connected
             ? tr("<span style='color:#26d367'>●</span> %1 — %2").arg(tr("Connected"), m_server)
             : tr("<span style='color:#ff6b6b'>●</span> %1 — %2").arg(tr("Disconnected"), m_server));
+    letShrink(*m_connection);
 }
 
 void StatusPanel::setLatency(int milliseconds)

@@ -31,7 +31,7 @@ QString accountLabel(const QJsonObject& account)
     if (account.value("type"_L1).toString() == "DEMO"_L1)
         return Texts::tr("Demo");
     const QJsonObject plan = account.value("Plan"_L1).toObject();
-    QString name = shownName(plan.value("name"_L1).toString());
+    QString name = shownSentence(plan.value("name"_L1).toString());
     if (name.isEmpty())
         name = Texts::tr("Account");
     if (jsonBool(account.value("isFunded"_L1), false))

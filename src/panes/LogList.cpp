@@ -78,7 +78,7 @@ LogList::LogList(Clock clock, QWidget* parent)
 
 void LogList::append(const QString& source, const QString& message)
 {
-    QString shared = shownName(source);
+    QString shared = shownSentence(source);
     if (const auto known = m_sources.constFind(shared); known != m_sources.cend())
         shared = *known;
     else if (m_sources.size() < mostSources)

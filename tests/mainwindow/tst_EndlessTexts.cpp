@@ -1,5 +1,6 @@
 #include "MainWindowFixture.h"
 #include "chart/ChartWindow.h"
+#include "panes/NavigatorWidget.h"
 #include "support/LogMessages.h"
 #include "support/TestMain.h"
 
@@ -197,6 +198,12 @@ void TestEndlessTexts::a_charts_windows_show_no_endless_text()
         QVERIFY2(action, name);
         action->trigger();
     }
+    QTemporaryDir folder;
+    QFile script(folder.filePath(u"Robot.js"_s));
+    QVERIFY(script.open(QIODevice::WriteOnly));
+    script.close();
+    Q_EMIT f.window->findChild<NavigatorWidget*>()->expertActivated(script.fileName());
+    QVERIFY(f.log("expertsList").filter(u"Robot: Attached to SYMxxx"_s).size() == 1);
     QVERIFY(f.charts().constFirst()->windowTitle().startsWith(u"SYMxxx"_s));
     QCOMPARE(ShownTexts::longest(), QString());
 }

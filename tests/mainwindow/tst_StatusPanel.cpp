@@ -18,6 +18,8 @@ private Q_SLOTS:
     void connectionNamesStateAndServer();
     void serverTextCannotActAsMarkup();
     void userIsPlainText();
+    void aLongNameIsShownWhole();
+    void anEndlessNameKeepsTheWindowOnTheScreen();
     void latencyIsInParentheses();
     void trafficIsShownInKilobytes();
     void floodOfTrafficIsShownNowAndThenAndEndsRight();
@@ -57,6 +59,28 @@ void tst_StatusPanel::connectionNamesStateAndServer()
     panel.setConnected(false);
     QCOMPARE(text(window, u"connectionLabel"_s),
         u"<span style='color:#ff6b6b'>●</span> Disconnected — example.test"_s);
+}
+
+void tst_StatusPanel::aLongNameIsShownWhole()
+{
+    QMainWindow window;
+    const QString host = u"a1b2c3d4e5f6a7b8c9d0e1f2a3b4c5d6-1234567890.eu-central-1.trading.example"_s;
+    StatusPanel panel(*window.statusBar(), host);
+    const QString email = u"first.second.third-fourth+trading@a-long-name-of-a-department.company.example"_s;
+    panel.setUser(email);
+    QCOMPARE(text(window, u"userLabel"_s), email);
+    QVERIFY(text(window, u"connectionLabel"_s).endsWith(host));
+}
+
+void tst_StatusPanel::anEndlessNameKeepsTheWindowOnTheScreen()
+{
+    QMainWindow window;
+    StatusPanel panel(*window.statusBar(), QString(100'000, u'w'));
+    panel.setUser(QString(100'000, u'w'));
+    panel.setConnected(true);
+    window.show();
+    QVERIFY2(window.minimumSizeHint().width() < 1600,
+        qPrintable(QString::number(window.minimumSizeHint().width())));
 }
 
 void tst_StatusPanel::theHostOfAnAddressIsShownOrElseAllOfIt()

@@ -41,6 +41,9 @@ void TestAccountLabel::labels_data()
     row("a plan that is no object", R"({"Plan":"Gold"})", u"Account — Challenge"_s);
     row("a name with place markers stays as it is", R"({"Plan":{"name":"A%1B%2","steps":2}})",
         u"A%1B%2 — Challenge 1/2"_s);
+    row("a long name is shown whole",
+        R"({"Plan":{"name":"Two-Step Swing Challenge with Weekend Holding, News Trading and Scaling"},"isFunded":true})",
+        u"Two-Step Swing Challenge with Weekend Holding, News Trading and Scaling — Funded"_s);
     row("a name with a line break is one line", R"({"Plan":{"name":"A\nB"},"isFunded":true})",
         u"A B — Funded"_s);
 }

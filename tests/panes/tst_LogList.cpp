@@ -17,6 +17,7 @@ private Q_SLOTS:
     void showsTimeSourceAndMessage();
     void coarseClockShowsNoMilliseconds();
     void messagesStayOnOneLine();
+    void aLongSourceIsShownWhole();
     void lettersAreSetNarrowerOnlyAsFarAsNeeded();
     void aWideFontCutsNoTime();
     void newestRowIsInSightAfterTheTurn();
@@ -114,6 +115,14 @@ void TestLogList::messagesStayOnOneLine()
     list.append(u"So\nurce"_s, u"one\r\ntwo\u2028<b>three</b>"_s);
     QCOMPARE(list.topLevelItem(0)->text(1), u"So urce"_s);
     QCOMPARE(list.topLevelItem(0)->text(2), u"one  two <b>three</b>"_s);
+}
+
+void TestLogList::aLongSourceIsShownWhole()
+{
+    LogList list(LogList::Clock::Seconds);
+    const QString expert = u"MovingAverageCrossover_with_TrailingStop_and_NewsFilter_EURUSD_v2.3 (final)"_s;
+    list.append(expert, u"loaded"_s);
+    QCOMPARE(list.topLevelItem(0)->text(1), expert);
 }
 
 void TestLogList::lettersAreSetNarrowerOnlyAsFarAsNeeded()
