@@ -9,8 +9,6 @@
 #include <QStatusBar>
 #include <QUrl>
 
-#include <algorithm>
-
 using namespace Qt::StringLiterals;
 
 namespace {
@@ -26,13 +24,6 @@ QLabel* addLabel(QStatusBar& bar, const QString& name, Qt::TextFormat format)
     label->setTextFormat(format);
     bar.addPermanentWidget(label);
     return label;
-}
-
-/// A long text is cut off where there is no room, rather than make the window wider than the screen.
-void letShrink(QLabel& label)
-{
-    constexpr int widest = 400;
-    label.setMinimumWidth(std::min(label.minimumSizeHint().width(), widest));
 }
 
 } // namespace
@@ -88,7 +79,6 @@ void StatusPanel::setUser(const QString& email)
 {
     m_user->setStyleSheet({});
     m_user->setText(shownSentence(email));
-    letShrink(*m_user);
 }
 
 void StatusPanel::setConnected(bool connected)
@@ -96,7 +86,6 @@ void StatusPanel::setConnected(bool connected)
     m_connection->setText(connected
             ? tr("<span style='color:#26d367'>●</span> %1 — %2").arg(tr("Connected"), m_server)
             : tr("<span style='color:#ff6b6b'>●</span> %1 — %2").arg(tr("Disconnected"), m_server));
-    letShrink(*m_connection);
 }
 
 void StatusPanel::setLatency(int milliseconds)

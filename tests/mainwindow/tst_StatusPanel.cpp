@@ -19,7 +19,6 @@ private Q_SLOTS:
     void serverTextCannotActAsMarkup();
     void userIsPlainText();
     void aLongNameIsShownWhole();
-    void anEndlessNameKeepsTheWindowOnTheScreen();
     void latencyIsInParentheses();
     void trafficIsShownInKilobytes();
     void floodOfTrafficIsShownNowAndThenAndEndsRight();
@@ -70,17 +69,6 @@ void tst_StatusPanel::aLongNameIsShownWhole()
     panel.setUser(email);
     QCOMPARE(text(window, u"userLabel"_s), email);
     QVERIFY(text(window, u"connectionLabel"_s).endsWith(host));
-}
-
-void tst_StatusPanel::anEndlessNameKeepsTheWindowOnTheScreen()
-{
-    QMainWindow window;
-    StatusPanel panel(*window.statusBar(), QString(100'000, u'w'));
-    panel.setUser(QString(100'000, u'w'));
-    panel.setConnected(true);
-    window.show();
-    QVERIFY2(window.minimumSizeHint().width() < 1600,
-        qPrintable(QString::number(window.minimumSizeHint().width())));
 }
 
 void tst_StatusPanel::theHostOfAnAddressIsShownOrElseAllOfIt()
