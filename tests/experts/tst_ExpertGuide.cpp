@@ -179,6 +179,7 @@ private Q_SLOTS:
         row("Proxy", "new Proxy({}, {});");
         row("WeakMap", "new WeakMap();");
         row("WeakSet", "new WeakSet();");
+        row("compile", "/a/.compile('b');");
         row("named groups", "/(?<n>a)/.exec('a').groups.n;");
         row("lookbehind", "if (!/(?<=a)b/.test('ab')) throw new Error('no match');");
     }
