@@ -1,3 +1,4 @@
+# shellcheck shell=bash disable=SC2034  # the lists of packages are read where this is sourced
 # Shared by ./run, ./test and ./bench/run: packages, presets, settings files. Sourced, never run.
 
 say() { printf '== %s\n' "$*"; }
@@ -11,6 +12,12 @@ BUILD_PACKAGES="g++ cmake ninja-build ccache qt6-base-dev qt6-websockets-dev qt6
 RUNTIME_PACKAGES="ca-certificates fonts-dejavu-core"
 TOUR_PACKAGES="xvfb xdotool openbox trayer dbus dbus-daemon at-spi2-core
     python3 python3-gi gir1.2-atspi-2.0"
+
+CLANG_FORMAT_VERSION=14 # what the sources are laid out with; Debian 12 has it, later ones have not
+LINT_PACKAGES="shellcheck codespell python3 python3-editorconfig"
+if grep -qs '^VERSION_CODENAME=bookworm' /etc/os-release; then
+    LINT_PACKAGES+=" clang-format-$CLANG_FORMAT_VERSION"
+fi
 
 # install_packages NAME...: installs with apt what is missing, and says so; does nothing otherwise.
 install_packages() {

@@ -34,7 +34,7 @@ class Stage:
     # --- telling what happened -------------------------------------------------------------------
 
     def seen(self, name, outcome, what):
-        """Ends a step: a screenshot and a line; a falsy outcome ends the tour."""
+        """Ends a step: a screenshot and a line; an outcome that is false or nothing ends the tour."""
         self._count += 1
         picture = self.out / f"{self._count:03d}-{name}.png"
         self.desktop.screenshot(picture)

@@ -295,7 +295,8 @@ TEST_CASE("time and prices that go by leave nothing in the database")
     Trader trader(place);
     FeedClient feed(place.server->port(), trader.client.token());
     CHECK_EQ(feed.read().at("type"), "hello");
-    // The first day that turns leaves word of how far time was played; from then on that is brought up to date.
+    // The first day that turns leaves word of how far time was played; from then on that is kept up to
+    // date.
     place.clock.set(1'750'000'000'000 + dayMs);
     place.market.setBid(1.09);
     CHECK_EQ(feed.read().at("type"), "price_update");
