@@ -35,10 +35,12 @@ void run(const Options& options)
     const ChosenMarket market = chooseMarket(database, options, clock);
 
     boost::asio::io_context context(1);
-    boost::asio::signal_set signals(context, SIGINT, SIGTERM);
     Server server(context, database, *market.prices, clock,
         {options.address, options.hostName, options.port, market.setup.seed,
             priceInterval(market.setup.speed), {}});
+    // Not before: until the missed time is played nobody would listen to them, and a signal may end us at any
+    // moment, for each change is stored whole.
+    boost::asio::signal_set signals(context, SIGINT, SIGTERM);
     signals.async_wait([&server](boost::system::error_code error, int) {
         if (!error)
             server.stop();

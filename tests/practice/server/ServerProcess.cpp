@@ -1,10 +1,12 @@
 #include "practice/server/ServerProcess.h"
 
+#include <chrono>
 #include <csignal>
 #include <fcntl.h>
 #include <spawn.h>
 #include <stdexcept>
 #include <sys/wait.h>
+#include <thread>
 #include <unistd.h>
 
 namespace {
@@ -60,6 +62,16 @@ int exitCodeOf(pid_t pid)
     return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
 }
 
+// Neither text is long enough to fill a pipe.
+ServerProcess::Result resultOf(const Child& child)
+{
+    ServerProcess::Result result;
+    result.output = readAll(child.output);
+    result.errors = readAll(child.errors);
+    result.exitCode = exitCodeOf(child.pid);
+    return result;
+}
+
 } // namespace
 
 ServerProcess::ServerProcess(const std::string& database, std::vector<std::string> arguments)
@@ -108,11 +120,20 @@ int ServerProcess::terminate(int signal)
 
 ServerProcess::Result ServerProcess::run(const std::vector<std::string>& arguments)
 {
+    return resultOf(start(arguments));
+}
+
+ServerProcess::Result ServerProcess::interrupt(
+    const std::vector<std::string>& arguments, int signal, const std::function<bool()>& isTime)
+{
     const Child child = start(arguments);
-    // Neither text is long enough to fill a pipe.
-    Result result;
-    result.output = readAll(child.output);
-    result.errors = readAll(child.errors);
-    result.exitCode = exitCodeOf(child.pid);
-    return result;
+    const auto hasEnded = [&] {
+        siginfo_t info{};
+        ::waitid(P_PID, static_cast<id_t>(child.pid), &info, WEXITED | WNOHANG | WNOWAIT);
+        return info.si_pid != 0;
+    };
+    while (!isTime() && !hasEnded())
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    ::kill(child.pid, signal);
+    return resultOf(child);
 }

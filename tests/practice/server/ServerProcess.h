@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <sys/types.h>
 #include <vector>
@@ -30,6 +31,9 @@ public:
 
     /// Runs the executable with exactly these arguments until it ends by itself.
     [[nodiscard]] static Result run(const std::vector<std::string>& arguments);
+    /// Runs it like this and sends it a signal as soon as it is time, however far it is.
+    [[nodiscard]] static Result interrupt(
+        const std::vector<std::string>& arguments, int signal, const std::function<bool()>& isTime);
 
 private:
     pid_t m_pid = -1;

@@ -6,10 +6,12 @@
 
 #include "practice/core/Types.h"
 #include "practice/storage/Database.h"
+#include "practice/storage/Statement.h"
 
 #include <atomic>
 #include <chrono>
 #include <csignal>
+#include <filesystem>
 #include <fstream>
 #include <map>
 #include <memory>
@@ -114,6 +116,59 @@ TEST_CASE("asked to end it ends with 0 and frees database and port")
     }
     const ServerProcess again(database);
     CHECK(again.port() != 0);
+}
+
+TEST_CASE("asked to end while it goes through missed time it ends at once, and the next start goes on")
+{
+    const TemporaryFolder folder;
+    const std::string file = (folder / "x.db").string();
+    {
+        ServerProcess server(file);
+        HttpClient client(server.port());
+        client.signIn();
+        CHECK_EQ(client
+                     .post("/api/trades/place",
+                         {{"accountId", demoAccount(client)}, {"symbol", "EURUSD"}, {"orderKind", "MARKET"},
+                             {"type", "BUY"}, {"lotSize", 1}})
+                     .status,
+            200);
+        server.kill();
+    }
+    constexpr std::int64_t days = 800;
+    const std::string time = std::to_string(days * practice::dayMs);
+    const auto lastDay = [&](practice::Database& database) {
+        practice::Statement& query = database.statement("SELECT min(day_index) FROM accounts");
+        std::int64_t day = 0;
+        while (query.step())
+            day = query.integer(0);
+        return day;
+    };
+    std::int64_t today = 0;
+    {
+        practice::Database database(file);
+        today = lastDay(database);
+        database.execute(
+            "UPDATE trades SET created_at = created_at - " + time + ", updated_at = updated_at - " + time);
+        database.execute("UPDATE accounts SET day_index = day_index - " + std::to_string(days));
+        database.execute("UPDATE meta SET value = CAST(value - " + time + " AS TEXT) WHERE key = 'playedTo'");
+    }
+    const auto hasBegun = [&] {
+        std::error_code error;
+        const auto size = std::filesystem::file_size(file + "-wal", error);
+        return !error && size > 200'000;
+    };
+    const auto begun = ServerProcess::interrupt({"--quiet", "--port", "0", "--db", file}, SIGTERM, hasBegun);
+    CHECK(begun.output.empty());
+    {
+        practice::Database database(file);
+        CHECK(lastDay(database) > today - days);
+        CHECK(lastDay(database) < today);
+    }
+    ServerProcess(file).kill();
+    practice::Database database(file);
+    practice::Statement& query = database.statement("SELECT swap FROM trades WHERE status = 'OPEN'");
+    REQUIRE(query.step());
+    CHECK_EQ(query.integer(0), -720 * (lastDay(database) - (today - days))); // 7.2 points of 1 USD a night
 }
 
 TEST_CASE("sessions and the market survive a restart")
