@@ -12,6 +12,7 @@ BUILD_PACKAGES="g++ cmake ninja-build ccache qt6-base-dev qt6-websockets-dev qt6
 RUNTIME_PACKAGES="ca-certificates fonts-dejavu-core"
 TOUR_PACKAGES="xvfb xdotool openbox trayer dbus dbus-daemon at-spi2-core
     python3 python3-gi gir1.2-atspi-2.0"
+WIRE_PACKAGES="python3 python3-jsonschema python3-yaml"
 
 CLANG_FORMAT_VERSION=14 # what the sources are laid out with; Debian 12 has it, later ones have not
 LINT_PACKAGES="shellcheck codespell python3 python3-editorconfig"
