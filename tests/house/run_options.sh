@@ -10,7 +10,7 @@ trap 'rm -rf "$place"' EXIT
 mkdir -p "$place/clone/scripts" "$place/clone/build/release/bin" "$place/elsewhere/record"
 cp "$root/run" "$place/clone/run"
 cat >"$place/clone/scripts/common.sh" <<'END'
-BUILD_PACKAGES= RUNTIME_PACKAGES= TOUR_PACKAGES=
+BUILD_PACKAGES= RUNTIME_PACKAGES= TOUR_PACKAGES= WIRE_PACKAGES=
 say() { :; }
 fail() { printf 'error: %s\n' "$*" >&2; exit 1; }
 install_packages() { :; }

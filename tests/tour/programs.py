@@ -5,22 +5,32 @@ import os
 import re
 import signal
 import subprocess
+import sys
 import time
 import urllib.error
 import urllib.request
+from pathlib import Path
+
+sys.path.append(str(Path(__file__).parent.parent / "wire"))
+
+from wire_schema import WireDescription  # noqa: E402
+from wire_tap import WireTap  # noqa: E402
 
 EMAIL = "trader@practice.local"
 PASSWORD = "practice"
+DOCS = Path(__file__).parent.parent.parent / "docs"
 
 
 class Platform:
-    """The practice platform, and a plain client of our own that asks it for its records."""
+    """The practice platform, and a plain client of our own that asks it for its records. All that goes to it
+    and comes from it passes a tap."""
 
     def __init__(self, binary, folder, options=()):
-        self._binary, self._folder, self._port = binary, folder, 0
+        self._binary, self._folder = binary, folder
         self._options = list(options)
         self._process = None
         self._token = None
+        self._tap = WireTap()
         self.address = None
 
     @property
@@ -31,26 +41,37 @@ class Platform:
         log = self._folder / "platform.log"
         with open(log, "w", encoding="utf-8") as output:
             self._process = subprocess.Popen(
-                [self._binary, "--port", str(self._port), "--db", str(self.database), "--seed", "7", *self._options],
+                [self._binary, "--port", "0", "--db", str(self.database), "--seed", "7", *self._options],
                 stdout=output, stderr=subprocess.STDOUT)
         deadline = time.monotonic() + 15
         while time.monotonic() < deadline and self._process.poll() is None:
-            found = re.search(r"Listening on (http://\S+:(\d+))", log.read_text(encoding="utf-8"))
+            found = re.search(r"Listening on http://\S+:(\d+)", log.read_text(encoding="utf-8"))
             if found:
-                self.address, self._port = found.group(1), int(found.group(2))
+                self._tap.open(int(found.group(1)))
+                self.address = f"http://127.0.0.1:{self._tap.port}"
                 return
             time.sleep(0.05)
         raise RuntimeError(f"the practice platform did not start: {log.read_text(encoding='utf-8')}")
 
     def kill(self):
         """Ends it the hard way, as a power cut would."""
+        self._tap.close()
         self._process.send_signal(signal.SIGKILL)
         self._process.wait()
 
     def stop(self):
         if self._process and self._process.poll() is None:
+            self._tap.close()
             self._process.terminate()
             self._process.wait(10)
+
+    def offences(self):
+        """What of all that has passed is not as the wire is described."""
+        description = WireDescription(DOCS)
+        offences = self._tap.judge(description)
+        unmet = description.unmet()
+        return offences + [f"nothing has passed of {entry}" for entry in (
+            "send hello", "receive ping", "POST /api/auth/login 200", "POST /api/trades/place 200") if entry in unmet]
 
     def get(self, path):
         if self._token is None:

@@ -94,6 +94,11 @@ def main():
         return 1
     finally:
         stage.close()
+    offences = stage.platform.offences()
+    for offence in offences:
+        print(f"FAIL      the wire is described otherwise: {offence}", file=sys.stderr)
+    if offences:
+        return 1
     shutil.rmtree(profile)
     print(f"Every step was seen in {time.monotonic() - started:.0f} s; the screenshots are in {options.out}")
     return 0

@@ -19,6 +19,7 @@ sys.path[:0] = [str(Path(__file__).parent), str(Path(__file__).parent.parent / "
 from played_market import FALLING, WAVERING, falling, wavering, write_symbol  # noqa: E402
 from wire_client import PATIENCE, Feed, ask  # noqa: E402
 from wire_schema import WireDescription, parse  # noqa: E402
+from wire_tap import WireTap  # noqa: E402
 
 CREDENTIALS = {"email": "trader@practice.local", "password": "practice"}
 # A fault of the platform, and hundreds of connections at once: not to be had here.
@@ -257,11 +258,16 @@ def main():
             found = re.search(r"Listening on http://\S+:(\d+)", platform.stdout.readline())
             if not found:
                 sys.exit("the practice platform did not start")
-            wire = Wire(int(found.group(1)), description)
-            offences = play_through(wire)
+            tap = WireTap()
+            tap.open(int(found.group(1)))
+            offences = play_through(Wire(tap.port, description))
         finally:
             platform.terminate()
             platform.communicate(timeout=15)
+    tapped = WireDescription(options.docs)
+    offences += [f"tapped: {offence}" for offence in tap.judge(tapped)]
+    if tapped.unmet() != description.unmet():
+        offences.append("tapped: not everything that travelled was seen on its way")
     for offence in offences:
         print("FAIL", offence)
     print(f"{len(offences)} offences against the description")
