@@ -7,10 +7,12 @@ from datetime import datetime, timedelta
 
 WAVERING, FALLING = "EURUSD", "GBPUSD"
 # Averages of 10 and 30 closes cross in the one family, RSI of 14 leaves 30 in the other, both every third minute.
-CROSSING, REVERSING = ("AUDUSD", "USDCHF", "USDCAD"), ("EURGBP", "EURJPY", "USDJPY")
-# Where each price begins, as anyone would expect it. A pip of a price in yen is a hundred times another one.
+CROSSING, REVERSING = ("AUDUSD", "USDCHF", "USDCAD"), ("XAUUSD", "ETHUSD", "USDJPY")
+# Where each price begins, as anyone would expect it. No cross is among them: it would not follow its legs. A
+# pip is ten points of the symbol.
 LEVELS = {"EURUSD": 1.085, "GBPUSD": 1.265, "AUDUSD": 0.658, "USDCHF": 0.882, "USDCAD": 1.36,
-          "EURGBP": 0.857, "EURJPY": 162.2, "USDJPY": 149.5}
+          "USDJPY": 149.5, "XAUUSD": 2350.0, "ETHUSD": 3200.0}
+DIGITS = {"USDJPY": 3, "XAUUSD": 2, "ETHUSD": 2}
 # The platform plays two fifths of a record as the past. The chart of quarters of an hour shows 30 hours.
 PAST = 1800
 MINUTES = PAST * 5 // 2
@@ -53,7 +55,7 @@ def reversing(phase):
 
 
 def write_symbol(folder, name, pips):
-    start, digits = LEVELS[name], 3 if name.endswith("JPY") else 5
+    start, digits = LEVELS[name], DIGITS.get(name, 5)
     pip = 10.0 ** (1 - digits)
     chance, time = random.Random(name), datetime(2026, 1, 5)
     lines = ["time,open,high,low,close,volume,ask_open,ask_high,ask_low,ask_close"]
