@@ -415,7 +415,8 @@ int main(int argc, char** argv)
     const QTemporaryDir folders;
     for (const char* variable : {"HOME", "XDG_CONFIG_HOME", "XDG_DATA_HOME", "XDG_CACHE_HOME", "TMPDIR"})
         qputenv(variable, folders.path().toLocal8Bit());
-    qputenv("QT_QPA_PLATFORM", "offscreen");
+    // Both programs get a screen that is as large as their windows want to be.
+    qputenv("QT_QPA_PLATFORM", "offscreen:configfile=" SCREEN_FILE);
     const QApplication application(argc, argv);
     // The program's own names, since its settings lie in a folder called so.
     QCoreApplication::setOrganizationName(u"Tavoran"_s);
