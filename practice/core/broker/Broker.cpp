@@ -209,7 +209,7 @@ ChangeSet Broker::closeEverything(TimeMs now)
 {
     TradeDesk desk(m_ledger, m_prices, now);
     for (const auto& account : m_ledger.accounts()) {
-        desk.closeEverything(*account, CloseReason::Manual);
+        desk.closeEverything(*account, CloseReason::Reset);
         advancePhase(desk, *account);
     }
     return m_ledger.take();
