@@ -5,6 +5,7 @@
 #include <QJsonDocument>
 #include <QTimer>
 
+#include <algorithm>
 #include <utility>
 
 ReadCoalescer::ReadCoalescer(ApiClient& api, QObject* parent)
@@ -60,10 +61,13 @@ void ReadCoalescer::endWhenSilent(const QString& path, quint64 number)
     const auto running = m_inFlight.find(path);
     if (running == m_inFlight.end() || running->number != number || !running->watch)
         return;
+    const bool hasNews = running->watch->hasNews();
+    const std::chrono::milliseconds patience = hasNews ? m_patience : running->patience;
     const std::chrono::milliseconds silent(running->watch->silentFor());
-    if (silent < running->patience) {
-        QTimer::singleShot(
-            running->patience - silent, this, [this, path, number] { endWhenSilent(path, number); });
+    if (silent < patience) {
+        // Never later than this: the first news shortens the patience.
+        QTimer::singleShot(std::min(patience - silent, m_patience), this,
+            [this, path, number] { endWhenSilent(path, number); });
         return;
     }
     const Running ended = *running;
@@ -72,5 +76,5 @@ void ReadCoalescer::endWhenSilent(const QString& path, quint64 number)
     const QPointer<ReadCoalescer> alive(this);
     ended.watch->giveUp();
     if (alive)
-        send(path, ended.next, 2 * ended.patience);
+        send(path, ended.next, hasNews ? m_patience : 2 * patience);
 }

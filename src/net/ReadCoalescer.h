@@ -12,7 +12,8 @@
 /// in flight, asking for it again sends nothing; once the answer is in, one further read follows,
 /// so that whoever asked meanwhile sees data read after they asked. Reads of different paths do
 /// not wait for each other. A read that has brought nothing for two seconds is ended for the wish that
-/// waits behind it; its successor gets twice the time, so that a slow server is heard out in the end. Owned
+/// waits behind it. After one that brought nothing at all, the successor's answer may take twice the time to
+/// begin, so that a slow server is heard in the end; an answer that has begun wins no time by dripping. Owned
 /// by whoever refreshes.
 class ReadCoalescer final : public QObject {
     Q_OBJECT
@@ -22,7 +23,7 @@ public:
     /// The client must outlive the coalescer.
     explicit ReadCoalescer(ApiClient& api, QObject* parent = nullptr);
 
-    /// How long a read may bring nothing while another wish waits; for reads from now on.
+    /// How long a read may bring nothing while another wish waits.
     void setPatience(std::chrono::milliseconds patience) { m_patience = patience; }
 
     /// Reads a path; see ApiClient::get for what the callback gets. Of several calls waiting for
@@ -36,8 +37,8 @@ private:
     struct Running {
         QPointer<ReplyWatch> watch;
         quint64 number = 0;
-        std::chrono::milliseconds patience{0};
-        BodyCallback next; ///< when set, for the refresh that follows
+        std::chrono::milliseconds patience{0}; ///< until the answer begins
+        BodyCallback next;                     ///< when set, for the refresh that follows
     };
 
     void send(const QString& path, const BodyCallback& callback, std::chrono::milliseconds patience);

@@ -25,11 +25,11 @@ ReplyWatch::ReplyWatch(QNetworkReply& reply, Kind kind, int longestMs, const One
     connect(&m_deadline, &QTimer::timeout, this, &ReplyWatch::giveUp);
     connect(&reply, &QNetworkReply::finished, &m_deadline, &QTimer::stop);
     connect(&reply, &QNetworkReply::requestSent, this, &ReplyWatch::onSent);
-    connect(&reply, &QNetworkReply::metaDataChanged, this, [this] { m_sinceNews.start(); });
+    connect(&reply, &QNetworkReply::metaDataChanged, this, &ReplyWatch::onNews);
     connect(&reply, &QNetworkReply::downloadProgress, this, &ReplyWatch::capSize);
     // Progress is reported a few times a second only, too late on a fast connection.
     connect(&reply, &QNetworkReply::readyRead, this, [this] {
-        m_sinceNews.start();
+        onNews();
         capSize(m_reply.bytesAvailable());
     });
 }
@@ -59,6 +59,12 @@ void ReplyWatch::onSent()
     m_sent = true;
     m_sinceNews.start();
     m_deadline.start();
+}
+
+void ReplyWatch::onNews()
+{
+    m_hasNews = true;
+    m_sinceNews.start();
 }
 
 void ReplyWatch::capSize(qint64 size)

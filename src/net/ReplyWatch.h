@@ -32,6 +32,8 @@ public:
     [[nodiscard]] bool wasSent() const;
     /// The reply was given up for its size.
     [[nodiscard]] bool wasTooLarge() const { return m_tooLarge; }
+    /// The reply has brought something, if only the head of an answer.
+    [[nodiscard]] bool hasNews() const { return m_hasNews; }
     /// Milliseconds since the reply last brought something, or else since it was sent or, before, asked for.
     [[nodiscard]] qint64 silentFor() const { return m_sinceNews.elapsed(); }
 
@@ -40,12 +42,14 @@ public:
 
 private:
     void onSent();
+    void onNews();
     void capSize(qint64 size);
 
     QNetworkReply& m_reply;
     const OneShotBody* const m_body;
     const Kind m_kind;
     bool m_sent = false;
+    bool m_hasNews = false;
     bool m_tooLarge = false;
     QElapsedTimer m_sinceNews;
     QTimer m_deadline;

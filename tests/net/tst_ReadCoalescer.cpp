@@ -25,6 +25,8 @@ private Q_SLOTS:
     void a_wish_that_came_early_ends_the_read_once_it_is_silent();
     void a_silent_read_without_a_newer_wish_goes_on();
     void each_successor_of_an_ended_read_gets_twice_the_time();
+    void an_answer_that_drips_wins_its_successors_no_time();
+    void an_answer_that_begins_late_has_the_usual_time_from_then_on();
     void a_refresh_from_inside_the_callback_waits_its_turn();
     void callbacks_die_with_the_coalescer();
     void the_coalescer_may_be_deleted_inside_a_callback();
@@ -175,6 +177,32 @@ void TestReadCoalescer::each_successor_of_an_ended_read_gets_twice_the_time()
     QTRY_COMPARE(m_server->count("GET", "/x"), 5);
     QVERIFY2(clock.elapsed() >= 20 + 40 + 80 + 160, qPrintable(QString::number(clock.elapsed())));
     QCOMPARE(m_calls, QStringList());
+}
+
+void TestReadCoalescer::an_answer_that_drips_wins_its_successors_no_time()
+{
+    ReadCoalescer reads(*m_api);
+    reads.setPatience(20ms);
+    m_server->on("GET", "/x", StubAnswer::dripping("[1]"));
+    connect(&*m_server, &StubHttpServer::requestReceived, &reads,
+        [&] { reads.refresh(u"/x"_s, note(u"again"_s)); });
+    reads.refresh(u"/x"_s, note(u"first"_s));
+    // With twice the time for each it would be minutes.
+    QTRY_VERIFY(m_server->count("GET", "/x") >= 14);
+    QCOMPARE(m_calls, QStringList());
+}
+
+void TestReadCoalescer::an_answer_that_begins_late_has_the_usual_time_from_then_on()
+{
+    ReadCoalescer reads(*m_api);
+    m_server->once("GET", "/x", StubAnswer::dripping("[1]"));
+    reads.setPatience(1h); // as after many that brought nothing
+    reads.refresh(u"/x"_s, note(u"a"_s));
+    reads.setPatience(20ms);
+    reads.refresh(u"/x"_s, note(u"b"_s));
+    QTRY_COMPARE(m_server->heldCount(), 1);
+    m_server->release(StubAnswer::json("[2]"));
+    QTRY_COMPARE(m_calls, QStringList({u"b:2"_s}));
 }
 
 void TestReadCoalescer::a_refresh_from_inside_the_callback_waits_its_turn()
