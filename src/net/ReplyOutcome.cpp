@@ -20,11 +20,10 @@ bool isRefusal(int status)
     return status >= 400 && status < 500;
 }
 
-bool ranOutOfTime(const QNetworkReply& reply, const ReplyWatch& watch)
+bool wasGivenUp(const QNetworkReply& reply)
 {
-    return !watch.wasTooLarge()
-        && (reply.error() == QNetworkReply::OperationCanceledError
-            || reply.error() == QNetworkReply::TimeoutError);
+    return reply.error() == QNetworkReply::OperationCanceledError
+        || reply.error() == QNetworkReply::TimeoutError;
 }
 
 /// False when the connection failed first. The answers that say no have the higher numbers, as has the one
@@ -36,7 +35,7 @@ bool isWhole(QNetworkReply::NetworkError error)
 }
 
 /// The toolkit's words would not say the one thing that counts: whether it may have been carried out.
-QString timeText(const ReplyWatch& watch, int status)
+QString givenUpText(const ReplyWatch& watch, int status)
 {
     if (!watch.wasSent())
         return QCoreApplication::translate("ReplyOutcome", "not sent: no connection to the server");
@@ -62,7 +61,7 @@ QString networkText(const QNetworkReply& reply, int status)
     if (reply.error() == QNetworkReply::ContentReSendError)
         return QCoreApplication::translate("ReplyOutcome", "Connection closed");
     const ReplyWatch* watch = ReplyWatch::of(reply);
-    const QString text = watch && ranOutOfTime(reply, *watch) ? timeText(*watch, status) : QString();
+    const QString text = watch && wasGivenUp(reply) ? givenUpText(*watch, status) : QString();
     return text.isEmpty() ? reply.errorString() : text;
 }
 

@@ -11,6 +11,17 @@
 using namespace Qt::StringLiterals;
 using fixtures::finish;
 
+namespace {
+
+/// Far more than the client reads of any answer.
+QByteArray endless(const QByteArray& status)
+{
+    return "HTTP/1.1 "_ba + status + "\r\nContent-Type: application/json\r\n\r\n"
+        + QByteArray(qsizetype{40} * 1024 * 1024, ' ') + "[]";
+}
+
+} // namespace
+
 /// What the toolkit's network stack does behind our back, and what broken servers send.
 class TestApiClientFaults final : public QObject {
     Q_OBJECT
@@ -29,6 +40,7 @@ private Q_SLOTS:
     void a_change_leaves_while_stuck_reads_hold_every_connection();
     void a_change_leaves_however_many_have_no_answer();
     void an_endless_reply_is_given_up();
+    void an_endless_refusal_is_a_refusal();
     void a_large_reply_of_five_megabytes_is_read();
     void a_body_cut_short_is_an_error();
     void a_body_cut_short_without_a_length_never_passes_for_data();
@@ -183,8 +195,7 @@ void TestApiClientFaults::a_change_leaves_however_many_have_no_answer()
 
 void TestApiClientFaults::an_endless_reply_is_given_up()
 {
-    const QByteArray tooMuch = "HTTP/1.1 200 OK\r\nContent-Type: application/json\r\n\r\n"_ba
-        + QByteArray(qsizetype{40} * 1024 * 1024, ' ') + "[]";
+    const QByteArray tooMuch = endless("200 OK"_ba);
     m_server->on("GET", "/x", StubAnswer::raw(tooMuch));
     m_server->on("POST", "/x", StubAnswer::raw(tooMuch));
     QSignalSpy tooLarge(&*m_api, &ApiClient::replyTooLarge);
@@ -192,9 +203,20 @@ void TestApiClientFaults::an_endless_reply_is_given_up()
     QCOMPARE(tooLarge.size(), 1);
     QCOMPARE(tooLarge.takeFirst().at(0).toString(), u"/x"_s);
     const ReplyOutcome outcome = change("POST", u"/x"_s);
-    QVERIFY(!outcome.ok);
-    QCOMPARE(outcome.error, u"Operation canceled"_s);
+    QVERIFY(outcome.isUnanswered());
+    QCOMPARE(outcome.error, u"no answer; it may have been carried out"_s);
     QCOMPARE(tooLarge.size(), 0);
+}
+
+void TestApiClientFaults::an_endless_refusal_is_a_refusal()
+{
+    const QByteArray tooMuch = endless("403 Forbidden"_ba);
+    m_server->on("GET", "/x", StubAnswer::raw(tooMuch));
+    m_server->on("POST", "/x", StubAnswer::raw(tooMuch));
+    QCOMPARE(readError(u"/x"_s), u"refused; the reason did not arrive"_s);
+    const ReplyOutcome outcome = change("POST", u"/x"_s);
+    QVERIFY(!outcome.isUncertain());
+    QCOMPARE(outcome.error, u"refused; the reason did not arrive"_s);
 }
 
 void TestApiClientFaults::a_large_reply_of_five_megabytes_is_read()
