@@ -408,6 +408,8 @@ void MainWindow::quit()
         const QStringList unanswered = m_api.unansweredChanges();
         for (const QString& change : unanswered)
             logReport(tr("Network"), tr("Left without an answer to %1").arg(change));
+        if (const int unsent = m_tradeActions->expertRequests().dropWaiting(); unsent > 0)
+            logReport(tr("Expert"), tr("Left with %1 request(s) not sent").arg(unsent));
     }
     QCoreApplication::exit();
 }

@@ -58,6 +58,7 @@ private Q_SLOTS:
     void aSendingWindowDoesNotHoldTheTerminalBack_data();
     void aSendingWindowDoesNotHoldTheTerminalBack();
     void whatHadNoAnswerStandsInTheLog();
+    void whatExpertsWaitedForIsCountedInTheLog();
     void whatWasAnsweredIsNotTold();
     void anOpenQuestionDoesNotHoldTheTerminalBack();
 
@@ -220,6 +221,25 @@ void tst_Leaving::whatHadNoAnswerStandsInTheLog()
              R"({"accountId":"a1","lotSize":0.25,"orderKind":"MARKET","symbol":"EURUSD","type":"BUY"})"_s,
                 uR"([Network] Left without an answer to POST /api/trades/place )"
                 R"({"accountId":"a1","lotSize":0.5,"orderKind":"MARKET","symbol":"USDJPY","type":"SELL"})"_s}));
+}
+
+void tst_Leaving::whatExpertsWaitedForIsCountedInTheLog()
+{
+    MainWindowFixture f;
+    f.signInAndSettle();
+    f.http.on("POST", "/api/trades/place", StubAnswer::held());
+    f.action("Algo Trading")->setChecked(true);
+    for (int i = 0; i < 5; ++i)
+        f.window->onExpertOrder({{u"symbol"_s, u"EURUSD"_s}});
+    QTRY_COMPARE(f.http.heldCount(), 2);
+    const QStringList journal = f.journal();
+    QFile::remove(logFilePath());
+
+    QCOMPARE(runAnd(*f.window, [&] { f.action("E&xit")->trigger(); }), 0);
+    const QStringList told = logMessages();
+    QCOMPARE(told.filter(u"Left without an answer"_s).size(), 2);
+    QCOMPARE(told.filter(u"[Expert]"_s), QStringList({u"[Expert] Left with 3 request(s) not sent"_s}));
+    QCOMPARE(f.journal(), journal);
 }
 
 void tst_Leaving::whatWasAnsweredIsNotTold()
