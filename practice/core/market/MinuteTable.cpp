@@ -1,5 +1,7 @@
 #include "practice/core/market/MinuteTable.h"
 
+#include "practice/core/market/HashRandom.h"
+
 #include <algorithm>
 #include <limits>
 #include <utility>
@@ -85,6 +87,18 @@ void MinuteTable::widen()
         m_wide.push_back(packed<Wide>(unpacked(prices)));
     m_narrow = {};
     m_isWide = true;
+}
+
+std::uint64_t MinuteTable::digest() const
+{
+    const auto bits = [](std::int64_t number) { return static_cast<std::uint64_t>(number); };
+    std::uint64_t digest = size();
+    for (std::size_t number = 0; number < size(); ++number) {
+        const MinuteRecord record = pricesAt(number);
+        digest = hashKey({digest, bits(record.bar.open), bits(record.bar.high), bits(record.bar.low),
+            bits(record.bar.close), bits(record.halfSpread), bits(m_volumes[number])});
+    }
+    return digest;
 }
 
 void MinuteTable::trim()

@@ -1,5 +1,6 @@
 #include "practice/core/market/ReplayMarket.h"
 
+#include "practice/core/market/HashRandom.h"
 #include "practice/core/market/MarketFill.h"
 #include "practice/core/market/ReplaySpec.h"
 #include "practice/core/market/ReplayedSymbol.h"
@@ -55,6 +56,8 @@ ReplayMarket::ReplayMarket(
 
     for (const auto& [name, path] : recordsIn(folder)) {
         MinuteFile file = readMinuteFile(path);
+        m_digest = hashKey(
+            {m_digest, hashText(name), static_cast<std::uint64_t>(file.digits), file.minutes.digest()});
         SymbolSpec spec = replaySpec(name, file, known);
         const double lead = shareBeforeStart * static_cast<double>(file.minutes.size() * minuteMs) / speed;
         auto replayed = std::make_unique<ReplayedSymbol>(

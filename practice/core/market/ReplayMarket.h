@@ -25,6 +25,13 @@ public:
     /// the same past and future. `speed` is clamped to 0.1 .. 1000. Throws MarketDataError.
     ReplayMarket(
         const std::filesystem::path& folder, TimeMs startedAt, double speed = 1, std::uint64_t seed = 1);
+
+    /// Tells what was recorded from anything else: every symbol's name, decimals, prices, spreads and
+    /// volumes. Line ends, marks and blank lines of a file do not count.
+    [[nodiscard]] std::uint64_t digest() const { return m_digest; }
+
+private:
+    std::uint64_t m_digest = 0;
 };
 
 } // namespace practice

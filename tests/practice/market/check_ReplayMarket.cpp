@@ -224,6 +224,43 @@ TEST_CASE("a replayed symbol takes digits, level and spread from the record and 
     CHECK_EQ(index.sortOrder, static_cast<int>(market.symbols().size()));
 }
 
+TEST_CASE("a digest tells each recorded number, and nothing but what was recorded")
+{
+    const std::string header = "time,open,high,low,close,volume,ask_open,ask_high,ask_low,ask_close\n";
+    const std::string first = "2014-05-01T00:00:00Z,1.31,1.34,1.30,1.32,7,1.35,1.38,1.34,1.36\n";
+    const std::string second = "2014-05-01T00:01:00Z,";
+    const std::string row = "1.32,1.35,1.31,1.33,9,1.36,1.39,1.35,1.37\n";
+    RecordFolder folder;
+    const auto digestOf = [&](const std::string& text) {
+        folder.write("XTEST-1m.csv", text);
+        return ReplayMarket(folder.path(), startedAt).digest();
+    };
+    const std::string text = header + first + second + row;
+    const std::uint64_t digest = digestOf(text);
+    CHECK_EQ(digestOf(text), digest);
+    CHECK_EQ(digestOf("\xEF\xBB\xBF" + text + "\n\n"), digest);
+    for (const char* other : {
+             "1.31,1.35,1.31,1.33,9,1.36,1.39,1.35,1.37\n", // another open
+             "1.32,1.37,1.31,1.33,9,1.36,1.39,1.35,1.37\n", // high
+             "1.32,1.35,1.30,1.33,9,1.36,1.39,1.35,1.37\n", // low
+             "1.32,1.35,1.31,1.32,9,1.36,1.39,1.35,1.36\n", // close
+             "1.32,1.35,1.31,1.32,9,1.36,1.39,1.35,1.38\n", // spread
+             "1.32,1.35,1.31,1.33,8,1.36,1.39,1.35,1.37\n"  // volume
+         })
+        CHECK(digestOf(header + first + second + other) != digest);
+    CHECK(digestOf(text + "2014-05-01T00:02:00Z," + row) != digest);
+    CHECK(digestOf(header + "2014-05-01T00:00:00Z,13.1,13.4,13.0,13.2,7,13.5,13.8,13.4,13.6\n" + second
+              + "13.2,13.5,13.1,13.3,9,13.6,13.9,13.5,13.7\n")
+        != digest);
+    folder.write("YTEST-1m.csv", text);
+    CHECK(digestOf(text) != digest);
+    std::filesystem::remove(folder.path() / "YTEST-1m.csv");
+    CHECK_EQ(digestOf(text), digest);
+    RecordFolder renamed;
+    renamed.write("YTEST-1m.csv", text);
+    CHECK(ReplayMarket(renamed.path(), startedAt).digest() != digest);
+}
+
 TEST_CASE("a folder that cannot be replayed is refused with one line that names it")
 {
     RecordFolder folder;
