@@ -14,6 +14,7 @@
 #include <optional>
 #include <string>
 #include <system_error>
+#include <utility>
 
 namespace practice {
 
@@ -29,12 +30,23 @@ constexpr const char* generatorKey = "generator";
 // To be raised with every change of the prices that a seed and a moment give.
 constexpr int generator = 2;
 
+// Of each folder ever played: when that began, and a digest of what was recorded there.
+constexpr const char* replayStartKey = "replayStart:";
+constexpr const char* replayDigestKey = "replayDigest:";
+
 /// What the database knows of its market; nothing of what an older program did not write down.
 struct Remembered {
     std::optional<std::uint64_t> seed;
     std::optional<double> speed;
     std::optional<fs::path> replay;
     std::optional<int> generator;
+};
+
+/// A market, and what has to be remembered to make it again.
+struct MadeMarket {
+    std::unique_ptr<PriceSource> prices;
+    TimeMs replayStart = 0;
+    std::string replayDigest; ///< empty where everything is simulated
 };
 
 template <typename T> std::string textOf(T number)
@@ -58,7 +70,7 @@ Remembered recall(Database& database)
         meta.value(replayKey), numberIn<int>(meta.value(generatorKey))};
 }
 
-void remember(Database& database, const MarketSetup& setup)
+void remember(Database& database, const MarketSetup& setup, const MadeMarket& made)
 {
     Transaction transaction(database);
     MetaStore meta(database);
@@ -66,6 +78,10 @@ void remember(Database& database, const MarketSetup& setup)
     meta.setValue(speedKey, textOf(setup.speed));
     meta.setValue(replayKey, setup.replay.string());
     meta.setValue(generatorKey, textOf(generator));
+    if (!setup.replay.empty()) {
+        meta.setValue(replayStartKey + setup.replay.string(), textOf(made.replayStart));
+        meta.setValue(replayDigestKey + setup.replay.string(), made.replayDigest);
+    }
     transaction.commit();
 }
 
@@ -87,10 +103,15 @@ fs::path replayOf(const Options& options, const Remembered& known)
     return fs::weakly_canonical(*options.replay);
 }
 
-void requireFolder(const MarketSetup& setup, const Options& options)
+bool isGone(const fs::path& replay)
 {
     std::error_code error;
-    if (setup.replay.empty() || fs::is_directory(setup.replay, error))
+    return !replay.empty() && !fs::is_directory(replay, error);
+}
+
+void requireFolder(const MarketSetup& setup, const Options& options)
+{
+    if (!isGone(setup.replay))
         return;
     throw UsageError("the folder " + setup.replay.string() + ", whose prices " + options.database.string()
         + " plays, is gone; put it back, name another with --replay DIR, or simulate prices with"
@@ -98,22 +119,23 @@ void requireFolder(const MarketSetup& setup, const Options& options)
 }
 
 // A record plays on from where it began the first time this database saw its folder.
-TimeMs replayStart(Database& database, const fs::path& folder, TimeMs now)
-{
-    const std::string key = "replayStart:" + folder.string();
-    MetaStore meta(database);
-    if (const auto stored = numberIn<TimeMs>(meta.value(key)))
-        return *stored;
-    meta.setValue(key, textOf(now));
-    return now;
-}
-
-std::unique_ptr<PriceSource> makeMarket(Database& database, const MarketSetup& setup, TimeMs now)
+MadeMarket makeMarket(Database& database, const MarketSetup& setup, TimeMs now)
 {
     if (setup.replay.empty())
-        return std::make_unique<SimulatedMarket>(setup.seed, setup.speed);
-    return std::make_unique<ReplayMarket>(
-        setup.replay, replayStart(database, setup.replay, now), setup.speed, setup.seed);
+        return {std::make_unique<SimulatedMarket>(setup.seed, setup.speed), 0, {}};
+    const TimeMs start
+        = numberIn<TimeMs>(MetaStore(database).value(replayStartKey + setup.replay.string())).value_or(now);
+    auto replay = std::make_unique<ReplayMarket>(setup.replay, start, setup.speed, setup.seed);
+    std::string digest = textOf(replay->digest());
+    return {std::move(replay), start, std::move(digest)};
+}
+
+// An older program remembered the folder alone; what lies there is taken for what it played.
+bool isAsRemembered(Database& database, const MarketSetup& setup, const MadeMarket& made)
+{
+    return setup.replay.empty()
+        || MetaStore(database).value(replayDigestKey + setup.replay.string()).value_or(made.replayDigest)
+        == made.replayDigest;
 }
 
 std::string textOf(const MarketSetup& setup)
@@ -127,31 +149,53 @@ std::string openTradesText(std::size_t count)
     return std::to_string(count) + (count == 1 ? " open trade" : " open trades");
 }
 
-// What was opened in the market of another version of this program has no prices any more, not even old ones.
-void requireNothingOpen(Database& database, const Options& options, const Clock& clock)
+std::size_t countOpen(Database& database)
 {
-    const std::size_t open = TradeStore(database).load().liveTrades.size();
+    return TradeStore(database).load().liveTrades.size();
+}
+
+// What has no prices any more, not even old ones, can only be cancelled.
+void cancelWithoutPrices(
+    Database& database, const Options& options, const Clock& clock, const std::string& reason)
+{
+    const std::size_t open = countOpen(database);
     if (open > 0 && !options.closeOpenTrades) {
         throw UsageError(openTradesText(open) + " in " + options.database.string()
-            + " (positions and orders) belong to the market of another version of this program, whose prices"
-              " are gone; add --close-open-trades to cancel them at no cost");
+            + " (positions and orders) belong to " + reason
+            + ", or add --close-open-trades to cancel them at no cost");
     }
     if (open > 0)
         cancelOpenTrades(database, clock.now());
 }
 
+[[noreturn]] void refuseToClose(Database& database, const Options& options, const std::string& reason)
+{
+    throw UsageError(openTradesText(countOpen(database)) + " in " + options.database.string()
+        + " cannot be closed at the old prices: " + reason
+        + "; put the record back as it was, or begin the accounts anew with tavoran-practice reset --db "
+        + options.database.string());
+}
+
+MadeMarket makeOldMarket(Database& database, const MarketSetup& old, const Options& options, TimeMs now)
+{
+    if (isGone(old.replay))
+        refuseToClose(database, options, "the folder " + old.replay.string() + " is gone");
+    try {
+        MadeMarket made = makeMarket(database, old, now);
+        if (isAsRemembered(database, old, made))
+            return made;
+    } catch (const MarketDataError& error) {
+        refuseToClose(database, options, error.what());
+    }
+    refuseToClose(database, options, "the files in " + old.replay.string() + " have changed");
+}
+
 void closeAtOldPrices(Database& database, const MarketSetup& old, const Options& options, const Clock& clock)
 {
-    requireFolder(old, options);
-    const auto market = makeMarket(database, old, clock.now());
-    Platform platform(database, *market, clock);
-    platform.closeEverything();
-    const std::size_t left = platform.broker().state().liveTrades.size();
-    if (left > 0) {
-        throw UsageError(openTradesText(left) + " in " + options.database.string()
-            + " cannot be closed, for the old market has no price for them either; start with "
-            + textOf(old));
-    }
+    const MadeMarket market = makeOldMarket(database, old, options, clock.now());
+    Platform platform(database, *market.prices, clock);
+    if (!platform.closeEverything())
+        refuseToClose(database, options, "the market has no price for a position");
 }
 
 } // namespace
@@ -164,24 +208,26 @@ ChosenMarket chooseMarket(Database& database, const Options& options, const Cloc
     const MarketSetup old{known.seed.value_or(wanted.seed), known.speed.value_or(wanted.speed),
         known.replay.value_or(wanted.replay)};
     requireFolder(wanted, options);
-    ChosenMarket chosen{wanted, makeMarket(database, wanted, clock.now())};
+    MadeMarket made = makeMarket(database, wanted, clock.now());
 
-    if (known.generator.value_or(1) != generator) {
-        requireNothingOpen(database, options, clock);
-        remember(database, wanted);
-        return chosen;
-    }
     const bool moves = wanted.seed != old.seed || wanted.speed != old.speed || wanted.replay != old.replay;
-    const std::size_t open = moves ? TradeStore(database).load().liveTrades.size() : 0;
-    if (open > 0 && !options.closeOpenTrades) {
-        throw UsageError(openTradesText(open) + " in " + options.database.string()
-            + " (positions and orders) would jump to other prices; start with " + textOf(old)
-            + ", or add --close-open-trades to close them at the old prices first");
-    }
-    if (open > 0)
+    if (known.generator.value_or(1) != generator) {
+        cancelWithoutPrices(database, options, clock,
+            "the market of another version of this program, whose prices are gone; start with that version");
+    } else if (wanted.replay == old.replay && !isAsRemembered(database, wanted, made)) {
+        cancelWithoutPrices(database, options, clock,
+            "what was recorded in " + wanted.replay.string()
+                + ", where the files have changed; put the old ones back");
+    } else if (const std::size_t open = moves ? countOpen(database) : 0; open > 0) {
+        if (!options.closeOpenTrades) {
+            throw UsageError(openTradesText(open) + " in " + options.database.string()
+                + " (positions and orders) would jump to other prices; start with " + textOf(old)
+                + ", or add --close-open-trades to close them at the old prices first");
+        }
         closeAtOldPrices(database, old, options, clock);
-    remember(database, wanted);
-    return chosen;
+    }
+    remember(database, wanted, made);
+    return {wanted, std::move(made.prices)};
 }
 
 } // namespace practice

@@ -28,9 +28,10 @@ struct ChosenMarket {
 /// is remembered: the market of yesterday is still there today.
 ///
 /// Another market would put other prices to trades that are open. It is refused while there are any, or, if
-/// the options say so, they are closed at the prices of the old one first. Where another version of the
-/// program made the old market, it has no prices any more, and they are cancelled instead. Throws UsageError
-/// when it is refused, MarketDataError when a record cannot be used, StorageError.
+/// the options say so, they are closed at the prices of the old one first, all of them or none. Where another
+/// version of the program made the old market, or the files of its record have changed, it has no prices any
+/// more, and they are cancelled instead. Throws UsageError when it is refused, MarketDataError when a record
+/// cannot be used, StorageError; nothing is remembered then.
 [[nodiscard]] ChosenMarket chooseMarket(Database& database, const Options& options, const Clock& clock);
 
 } // namespace practice

@@ -77,13 +77,18 @@ void Platform::advance()
     playTo(now, m_quotes);
 }
 
-void Platform::closeEverything()
+bool Platform::closeEverything()
 {
     const TimeMs now = m_clock.now();
     playTo(now);
     const ChangeSet changes = m_broker.closeEverything(now);
+    if (!m_broker.state().liveTrades.empty()) {
+        m_broker.undo(changes);
+        return false;
+    }
     store(changes, now);
     announce(changes);
+    return true;
 }
 
 void Platform::catchUp()

@@ -49,9 +49,9 @@ public:
     /// to advance().
     void catchUp();
 
-    /// Moves to the present, then closes every position and cancels every order that has a price. Throws
-    /// StorageError when that cannot be stored.
-    void closeEverything();
+    /// Moves to the present, then closes every position and cancels every order. False, and none of them
+    /// touched, when a position has no price. Throws StorageError when that cannot be stored.
+    [[nodiscard]] bool closeEverything();
 
     /// Carries out a command, stores what it changed and announces it. Throws ApiError with the broker's
     /// reason when it is refused, StorageError when it cannot be stored; nothing has changed then.

@@ -36,14 +36,17 @@ public:
         return m_client.get("/api/trades/" + kind + "?accountId=" + m_account.at("id").get<std::string>())
             .json();
     }
-    void place(json order)
+    void place(json order, const std::string& symbol = "EURUSD")
     {
         order["accountId"] = m_account.at("id");
-        order["symbol"] = "EURUSD";
+        order["symbol"] = symbol;
         order["lotSize"] = 1;
         REQUIRE(m_client.post("/api/trades/place", order).status == 200);
     }
-    void buy() { place({{"orderKind", "MARKET"}, {"type", "BUY"}}); }
+    void buy(const std::string& symbol = "EURUSD")
+    {
+        place({{"orderKind", "MARKET"}, {"type", "BUY"}}, symbol);
+    }
     void orderFarBelow() { place({{"orderKind", "BUY_LIMIT"}, {"pendingPrice", 0.5}}); }
     /// The day before yesterday, which no longer changes.
     [[nodiscard]] json bar()
@@ -78,13 +81,41 @@ bool has(const std::string& text, std::string_view part)
     return text.find(part) != std::string::npos;
 }
 
-std::string recordIn(const std::filesystem::path& folder)
+std::string minuteRows(const std::string& level)
+{
+    const std::string prices = level + "000," + level + "020," + level + "000," + level + "010,5\n";
+    return "time,open,high,low,close,volume\n2024-01-02T00:00:00Z," + prices + "2024-01-02T00:01:00Z,"
+        + prices;
+}
+
+void writeMinutes(
+    const std::filesystem::path& folder, const std::string& text, const std::string& symbol = "EURUSD")
+{
+    std::ofstream(folder / (symbol + "-1m.csv"), std::ios::binary) << text;
+}
+
+std::string recordIn(const std::filesystem::path& folder, const std::string& level = "1.10")
 {
     std::filesystem::create_directories(folder);
-    std::ofstream(folder / "EURUSD-1m.csv") << "time,open,high,low,close,volume\n"
-                                               "2024-01-02T00:00:00Z,1.10000,1.10020,1.09990,1.10010,5\n"
-                                               "2024-01-02T00:01:00Z,1.10000,1.10020,1.09990,1.10010,5\n";
+    writeMinutes(folder, minuteRows(level));
     return folder.string();
+}
+
+/// All that the database remembers besides accounts and trades.
+std::string factsIn(const std::string& database)
+{
+    Database stored(database);
+    std::string facts;
+    Statement& query = stored.statement("SELECT key, value FROM meta ORDER BY key");
+    while (query.step())
+        facts += query.text(0) + '=' + query.text(1) + '\n';
+    return facts;
+}
+
+/// As the database would be, had a version written it that knew nothing of a record but its folder.
+void forgetDigests(const std::string& database)
+{
+    Database(database).execute("DELETE FROM meta WHERE key LIKE 'replayDigest%'");
 }
 
 TimeMs timeOf(const std::string& iso)
@@ -250,6 +281,193 @@ TEST_CASE("a record that cannot be used is not remembered")
     const ServerProcess server(database);
     Desk(server).buy();
     CHECK_EQ(Desk(server).list("open").size(), std::size_t(1));
+}
+
+TEST_CASE("a refused start leaves nothing behind")
+{
+    const TemporaryFolder folder;
+    const std::string database = (folder / "x.db").string();
+    const std::string record = recordIn(folder / "record");
+    const std::string rubbish = recordIn(folder / "rubbish");
+    writeMinutes(rubbish, "rubbish\n");
+    {
+        const ServerProcess server(database);
+        Desk(server).buy();
+    }
+    const std::string before = factsIn(database);
+    CHECK(has(refusalOf(database, {"--replay", record}), "--close-open-trades"));
+    CHECK_EQ(factsIn(database), before);
+    CHECK(has(refusalOf(database, {"--replay", rubbish, "--close-open-trades"}), "EURUSD-1m.csv"));
+    CHECK_EQ(factsIn(database), before);
+}
+
+TEST_CASE("files exchanged under open trades are refused as another record is")
+{
+    const TemporaryFolder folder;
+    const std::string database = (folder / "x.db").string();
+    const std::string record = recordIn(folder / "record");
+    json opened;
+    {
+        const ServerProcess server(database, {"--replay", record});
+        Desk desk(server);
+        desk.buy();
+        opened = desk.list("open").at(0);
+    }
+    const std::string before = factsIn(database);
+    recordIn(record, "1.20");
+    for (const std::vector<std::string>& arguments :
+        std::vector<std::vector<std::string>>{{}, {"--replay", record}, {"--speed", "60"}}) {
+        const std::string reason = refusalOf(database, arguments);
+        CHECK(has(reason, "1 open trade "));
+        CHECK(has(reason, record));
+        CHECK(has(reason, "changed"));
+        CHECK(has(reason, "--close-open-trades"));
+        CHECK(reason.empty() || exitCodeOf(database, arguments) == 2);
+    }
+    CHECK_EQ(factsIn(database), before);
+    recordIn(record);
+    {
+        const ServerProcess server(database);
+        const json still = Desk(server).list("open");
+        REQUIRE(still.size() == 1);
+        CHECK_EQ(still.at(0).at("entryPrice"), opened.at("entryPrice"));
+    }
+    recordIn(record, "1.20");
+    {
+        const ServerProcess server(database, {"--close-open-trades"});
+        Desk desk(server);
+        CHECK(desk.list("open").empty());
+        CHECK_EQ(desk.account().at("balance"), "100000.00");
+        const json history = desk.list("history");
+        REQUIRE(history.size() == 1);
+        CHECK_EQ(history.at(0).at("status"), "CANCELLED");
+        CHECK_EQ(history.at(0).at("pnl"), "0.00");
+        desk.buy();
+    }
+    CHECK_EQ(refusalOf(database, {}), std::string());
+}
+
+TEST_CASE("a record that has grown is another one, for its minutes move")
+{
+    const TemporaryFolder folder;
+    const std::string database = (folder / "x.db").string();
+    const std::string record = recordIn(folder / "record");
+    {
+        const ServerProcess server(database, {"--replay", record});
+        Desk(server).buy();
+    }
+    std::ofstream(folder / "record" / "EURUSD-1m.csv", std::ios::app)
+        << "2024-01-02T00:02:00Z,1.10000,1.10020,1.10000,1.10010,5\n";
+    CHECK(has(refusalOf(database, {}), "changed"));
+    recordIn(record);
+    writeMinutes(record, minuteRows("60.00"), "BTCUSD");
+    CHECK(has(refusalOf(database, {}), "changed"));
+}
+
+TEST_CASE("a record written in another way is the same one while its prices are")
+{
+    const TemporaryFolder folder;
+    const std::string database = (folder / "x.db").string();
+    const std::string record = recordIn(folder / "record");
+    {
+        const ServerProcess server(database, {"--replay", record});
+        Desk(server).buy();
+    }
+    writeMinutes(record, "\xEF\xBB\xBF" + minuteRows("1.10") + "\n\n");
+    CHECK_EQ(refusalOf(database, {}), std::string());
+}
+
+TEST_CASE("with nothing open the files of a record may change, and the change is remembered")
+{
+    const TemporaryFolder folder;
+    const std::string database = (folder / "x.db").string();
+    const std::string record = recordIn(folder / "record");
+    CHECK_EQ(refusalOf(database, {"--replay", record}), std::string());
+    recordIn(record, "1.20");
+    {
+        const ServerProcess server(database);
+        Desk(server).buy();
+    }
+    CHECK_EQ(refusalOf(database, {}), std::string());
+    recordIn(record);
+    CHECK(has(refusalOf(database, {}), "changed"));
+}
+
+TEST_CASE("a database that knows only the folder takes its files as they are, and remembers them then")
+{
+    const TemporaryFolder folder;
+    const std::string database = (folder / "x.db").string();
+    const std::string record = recordIn(folder / "record");
+    {
+        const ServerProcess server(database, {"--replay", record});
+        Desk(server).buy();
+    }
+    forgetDigests(database);
+    recordIn(record, "1.20");
+    CHECK_EQ(refusalOf(database, {}), std::string());
+    recordIn(record);
+    CHECK(has(refusalOf(database, {}), "changed"));
+}
+
+TEST_CASE("trades without old prices hold the market until the accounts begin anew")
+{
+    const TemporaryFolder folder;
+    const std::string database = (folder / "x.db").string();
+    const std::string record = recordIn(folder / "record");
+    {
+        const ServerProcess server(database, {"--replay", record});
+        Desk(server).buy();
+    }
+    const std::string before = factsIn(database);
+    const std::vector<std::string> away{"--no-replay", "--close-open-trades"};
+    const auto checkRefusal = [&](const std::string& part) {
+        const std::string reason = refusalOf(database, away);
+        CHECK(has(reason, "1 open trade "));
+        CHECK(has(reason, part));
+        CHECK(has(reason, "tavoran-practice reset --db " + database));
+        CHECK(reason.empty() || exitCodeOf(database, away) == 2);
+        CHECK_EQ(factsIn(database), before);
+    };
+    recordIn(record, "1.20");
+    checkRefusal("changed");
+    writeMinutes(record, "rubbish\n");
+    checkRefusal("EURUSD-1m.csv:1");
+    std::filesystem::remove_all(record);
+    checkRefusal("gone");
+    CHECK_EQ(ServerProcess::run({"reset", "--db", database}).exitCode, 0);
+    CHECK_EQ(refusalOf(database, {"--no-replay"}), std::string());
+}
+
+TEST_CASE("either everything is closed at the old prices or nothing")
+{
+    const TemporaryFolder folder;
+    const std::string database = (folder / "x.db").string();
+    const std::string record = recordIn(folder / "record");
+    writeMinutes(record, minuteRows("5.00"), "XTEST");
+    {
+        const ServerProcess server(database, {"--replay", record});
+        Desk desk(server);
+        desk.buy();
+        desk.orderFarBelow();
+        desk.buy("XTEST");
+    }
+    forgetDigests(database);
+    std::filesystem::remove(folder / "record" / "XTEST-1m.csv");
+    const std::string reason = refusalOf(database, {"--no-replay", "--close-open-trades"});
+    CHECK(has(reason, "3 open trades"));
+    CHECK(has(reason, "tavoran-practice reset --db " + database));
+    writeMinutes(record, minuteRows("5.00"), "XTEST");
+    {
+        const ServerProcess server(database);
+        Desk desk(server);
+        CHECK_EQ(desk.list("open").size(), std::size_t(2));
+        CHECK_EQ(desk.list("pending").size(), std::size_t(1));
+        CHECK(desk.list("history").empty());
+    }
+    const ServerProcess server(database, {"--no-replay", "--close-open-trades"});
+    Desk desk(server);
+    CHECK(desk.list("open").empty());
+    CHECK(desk.list("pending").empty());
 }
 
 TEST_CASE("trades of another version's market are refused, or cancelled at no cost")
