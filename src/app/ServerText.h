@@ -39,9 +39,8 @@ class QWidget;
 [[nodiscard]] QString plainToolTip(const QString& text);
 
 /// The text as a desktop notification, as shownReason() has it but for what looks like a tag, a "<" before a
-/// letter or
-/// "/": a space without width stands between them. Some desktops read markup there, and others show
-/// escapes as they are.
+/// letter or "/": a space without width stands between them. Some desktops read markup there, and others
+/// show escapes as they are.
 [[nodiscard]] QString balloonText(const QString& text);
 
 /// The text for menus, tabs and buttons: one line, each "&" doubled.

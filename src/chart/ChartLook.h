@@ -1,5 +1,6 @@
 #pragma once
 
+#include "app/PriceRule.h"
 #include "chart/ChartColors.h"
 #include "chart/ChartType.h"
 #include "chart/MovingAverageSpec.h"
@@ -12,7 +13,7 @@ struct ChartLook {
     QString symbol;
     QString timeframeLabel;
     QString description;
-    int digits = 5;
+    int digits = usualPriceDigits;
 
     ChartColors colors;
     ChartType type = ChartType::Candles;

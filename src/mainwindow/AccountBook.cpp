@@ -1,6 +1,7 @@
 #include "mainwindow/AccountBook.h"
 
 #include "app/NumberFormat.h"
+#include "app/PriceRule.h"
 #include "app/ServerText.h"
 #include "net/JsonNumber.h"
 #include "net/PriceSnapshot.h"
@@ -13,8 +14,6 @@
 using namespace Qt::StringLiterals;
 
 namespace {
-
-constexpr int DefaultDigits = 5;
 
 bool isTradable(const QJsonObject& account)
 {
@@ -106,7 +105,7 @@ void AccountBook::setSymbols(const QJsonArray& symbols)
         if (name.isEmpty())
             continue;
         m_symbolsByName.insert(name, record);
-        m_digits.insert(name, clampDigits(jsonInt(record["digits"_L1], DefaultDigits)));
+        m_digits.insert(name, clampDigits(jsonInt(record["digits"_L1], usualPriceDigits)));
     }
 }
 

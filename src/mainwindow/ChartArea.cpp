@@ -1,5 +1,6 @@
 #include "mainwindow/ChartArea.h"
 
+#include "app/PriceRule.h"
 #include "app/ServerText.h"
 #include "app/Theme.h"
 #include "chart/ChartWindow.h"
@@ -20,7 +21,6 @@ using namespace Qt::StringLiterals;
 namespace {
 
 constexpr auto DefaultTimeframe = "15m"_L1;
-constexpr int DefaultDigits = 5;
 constexpr QSize LeastSize(160, 120);
 
 ChartWindow* chartIn(const QMdiSubWindow* subWindow)
@@ -73,7 +73,7 @@ ChartWindow* ChartArea::openChart(const QString& symbol)
 
 QMdiSubWindow* ChartArea::addChart(const QString& symbol, const QString& timeframe, const QJsonObject& state)
 {
-    const int digits = m_book.digits().value(symbol, DefaultDigits);
+    const int digits = m_book.digits().value(symbol, usualPriceDigits);
     auto* chart = new ChartWindow(m_api, symbol, timeframe, m_book.currentAccountId(), digits);
     connect(chart, &ChartWindow::logMessage, this, &ChartArea::logMessage);
     connect(chart, &ChartWindow::specificationRequested, this, &ChartArea::specificationRequested);

@@ -1,5 +1,6 @@
 #include "mainwindow/SmallWindows.h"
 
+#include "app/PriceRule.h"
 #include "mainwindow/AboutBox.h"
 #include "mainwindow/AccountBook.h"
 #include "mainwindow/DepthOfMarket.h"
@@ -10,8 +11,6 @@
 using namespace Qt::StringLiterals;
 
 namespace {
-
-constexpr int DefaultDigits = 5;
 
 /// A closed window deletes itself a little later; until then it is as good as gone.
 bool isOpen(const QWidget* window)
@@ -53,7 +52,7 @@ void SmallWindows::toggleDepthOfMarket(const QString& symbol)
     }
     if (symbol.isEmpty())
         return;
-    m_depth = new DepthOfMarket(symbol, m_book.digits().value(symbol, DefaultDigits), &m_window);
+    m_depth = new DepthOfMarket(symbol, m_book.digits().value(symbol, usualPriceDigits), &m_window);
     quoteDepth();
     bringUp(*m_depth);
 }
@@ -87,7 +86,7 @@ void SmallWindows::onPrices()
 void SmallWindows::onSymbols()
 {
     if (m_depth)
-        m_depth->setDigits(m_book.digits().value(m_depth->symbol(), DefaultDigits));
+        m_depth->setDigits(m_book.digits().value(m_depth->symbol(), usualPriceDigits));
     if (m_specification) {
         const QString symbol = m_specification->symbol();
         m_specification->setSymbol(symbol, m_book.symbolsByName().value(symbol));

@@ -1,6 +1,7 @@
 #include "mainwindow/SymbolSpecification.h"
 
 #include "app/NumberFormat.h"
+#include "app/PriceRule.h"
 #include "app/ServerText.h"
 #include "net/JsonNumber.h"
 #include "panes/SymbolFacts.h"
@@ -18,8 +19,6 @@ namespace {
 
 constexpr QSize InitialSize(340, 400);
 constexpr int PropertyWidth = 150;
-constexpr int DefaultDigits = 5;
-
 } // namespace
 
 SymbolSpecification::SymbolSpecification(QWidget* parent)
@@ -74,7 +73,7 @@ void SymbolSpecification::setQuote(const Quote& quote)
 
 void SymbolSpecification::fillQuote()
 {
-    const int digits = clampDigits(jsonInt(m_record["digits"_L1], DefaultDigits));
+    const int digits = clampDigits(jsonInt(m_record["digits"_L1], usualPriceDigits));
     const int firstLive = m_rows->topLevelItemCount() - 3;
     if (firstLive < 0)
         return;

@@ -1,5 +1,6 @@
 #include "mainwindow/TradeDesk.h"
 
+#include "app/PriceRule.h"
 #include "mainwindow/AccountBook.h"
 #include "mainwindow/TradeActions.h"
 #include "mainwindow/TradeMenu.h"
@@ -7,12 +8,6 @@
 #include "orders/OrderDialog.h"
 
 using namespace Qt::StringLiterals;
-
-namespace {
-
-constexpr int usualDigits = 5;
-
-} // namespace
 
 TradeDesk::TradeDesk(
     ApiClient& api, WsClient& feed, const AccountBook& book, TradeActions& actions, QWidget& window)
@@ -67,7 +62,7 @@ void TradeDesk::openModifyDialog(const QJsonObject& trade)
 {
     if (trade.isEmpty())
         return;
-    const int digits = m_book.digits().value(trade.value("symbol"_L1).toString(), usualDigits);
+    const int digits = m_book.digits().value(trade.value("symbol"_L1).toString(), usualPriceDigits);
     auto* dialog = new ModifyDialog(m_api, trade, digits, &m_window);
     dialog->setModal(true);
     connect(dialog, &ModifyDialog::modified, this, &TradeDesk::onModified);

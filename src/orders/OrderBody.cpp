@@ -6,7 +6,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-bool isPrice(double value)
+bool isLevel(double value)
 {
     return value > 0.0 && std::isfinite(value);
 }
@@ -34,7 +34,7 @@ QString orderKind(OrderType type, OrderSide side)
 
 bool lacksTriggerPrice(const OrderTicket& ticket)
 {
-    return ticket.type != OrderType::Market && !isPrice(ticket.triggerPrice);
+    return ticket.type != OrderType::Market && !isLevel(ticket.triggerPrice);
 }
 
 QJsonObject placeBody(const OrderTicket& ticket)
@@ -49,9 +49,9 @@ QJsonObject placeBody(const OrderTicket& ticket)
         body.insert("type"_L1, sideText(ticket.side));
     else
         body.insert("pendingPrice"_L1, ticket.triggerPrice);
-    if (isPrice(ticket.stopLoss))
+    if (isLevel(ticket.stopLoss))
         body.insert("stopLoss"_L1, ticket.stopLoss);
-    if (isPrice(ticket.takeProfit))
+    if (isLevel(ticket.takeProfit))
         body.insert("takeProfit"_L1, ticket.takeProfit);
     if (const QString comment = ticket.comment.trimmed(); !comment.isEmpty())
         body.insert("comment"_L1, comment);

@@ -2,6 +2,7 @@
 
 #include "app/FocusOrder.h"
 #include "app/NumberFormat.h"
+#include "app/PriceRule.h"
 #include "app/ServerText.h"
 #include "app/Theme.h"
 #include "net/ApiClient.h"
@@ -70,7 +71,7 @@ OrderDialog::OrderDialog(ApiClient& api, WsClient& feed, const QJsonArray& symbo
 
 int OrderDialog::digits() const
 {
-    return jsonInt(m_record.value("digits"_L1), 5);
+    return jsonInt(m_record.value("digits"_L1), usualPriceDigits);
 }
 
 void OrderDialog::setOrderType(OrderType type)

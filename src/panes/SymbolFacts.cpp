@@ -1,6 +1,7 @@
 #include "panes/SymbolFacts.h"
 
 #include "app/NumberFormat.h"
+#include "app/PriceRule.h"
 #include "app/ServerText.h"
 #include "net/JsonNumber.h"
 
@@ -26,7 +27,7 @@ QList<SymbolFact> symbolFacts(const QString& symbol, const QJsonObject& record)
     return {
         {FactTexts::tr("Symbol"), shownName(symbol)},
         {FactTexts::tr("Description"), shownSentence(record.value("description"_L1).toString())},
-        {FactTexts::tr("Digits"), QString::number(jsonInt(record.value("digits"_L1), 5))},
+        {FactTexts::tr("Digits"), QString::number(jsonInt(record.value("digits"_L1), usualPriceDigits))},
         {FactTexts::tr("Contract size"), general("contractSize"_L1)},
         {FactTexts::tr("Commission (per lot)"), general("commission"_L1)},
         {FactTexts::tr("Swap long"), general("swapLong"_L1)},

@@ -19,8 +19,6 @@ using namespace TradeCells;
 
 namespace {
 
-constexpr int defaultDigits = 5;
-
 // Wide enough for a time to the second.
 constexpr int timeWidth = 140;
 
@@ -170,7 +168,7 @@ void TerminalPane::setOpenRows(
         for (const auto& value : rows) {
             const QJsonObject trade = value.toObject();
             auto* item
-                = new TradeItem(trade, digits.value(trade.value("symbol"_L1).toString(), defaultDigits));
+                = new TradeItem(trade, digits.value(trade.value("symbol"_L1).toString(), usualPriceDigits));
             items.append(item);
             m_rowById.insert(trade.value("id"_L1).toString(), item);
         }
@@ -188,7 +186,7 @@ void TerminalPane::indexRowsBySymbol()
     for (TradeItem* item : std::as_const(m_rowById)) {
         const QString symbol = recordOf(item).value("symbol"_L1).toString();
         SymbolTrades& trades = m_rowsBySymbol[symbol];
-        trades.digits = m_digits.value(symbol, defaultDigits);
+        trades.digits = m_digits.value(symbol, usualPriceDigits);
         trades.rows.append(item);
     }
 }
@@ -201,7 +199,7 @@ void TerminalPane::setHistoryRows(const QJsonArray& rows, const QHash<QString, i
     items.reserve(rows.size());
     for (const auto& value : rows) {
         const QJsonObject trade = value.toObject();
-        const int d = digits.value(trade.value("symbol"_L1).toString(), defaultDigits);
+        const int d = digits.value(trade.value("symbol"_L1).toString(), usualPriceDigits);
         auto* item = new QTreeWidgetItem(historyTexts(trade, d));
         alignRight(item, HistoryNumbers);
         item->setForeground(HistoryProfit, profitColor(jsonNumber(trade.value("pnl"_L1))));
@@ -220,7 +218,7 @@ void TerminalPane::updateTradePnl(const QString& tradeId, double profit)
 void TerminalPane::updateCurrentPrices(const QJsonObject& prices)
 {
     showQuotes(PriceSnapshot(
-        prices, [this](const QString& symbol) { return m_digits.value(symbol, defaultDigits); }));
+        prices, [this](const QString& symbol) { return m_digits.value(symbol, usualPriceDigits); }));
 }
 
 void TerminalPane::showQuotes(const PriceSnapshot& prices)

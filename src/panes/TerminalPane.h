@@ -1,5 +1,7 @@
 #pragma once
 
+#include "app/PriceRule.h"
+
 #include <QHash>
 #include <QJsonArray>
 #include <QJsonObject>
@@ -54,7 +56,7 @@ Q_SIGNALS:
 
 private:
     struct SymbolTrades {
-        int digits = 5;
+        int digits = usualPriceDigits;
         QList<TradeItem*> rows;
     };
 
