@@ -40,6 +40,7 @@ private Q_SLOTS:
     void a_change_with_an_empty_body_is_never_called_unsent();
     void a_dripping_change_with_an_empty_body_ends_at_its_limit();
     void a_read_that_waited_in_vain_for_a_connection_says_so();
+    void the_longest_time_counts_from_when_a_request_is_sent();
     void a_refused_connection_leaves_no_doubt();
     void an_answer_that_breaks_off_leaves_doubt();
     void an_error_of_the_server_leaves_doubt_but_is_an_answer();
@@ -193,6 +194,23 @@ void TestApiClientLimits::a_read_that_waited_in_vain_for_a_connection_says_so()
     QTRY_COMPARE(errors.size(), 7);
     QCOMPARE(errors.count(u"Operation canceled"_s), 6);
     QCOMPARE(errors.count(u"not sent: no connection to the server"_s), 1);
+}
+
+void TestApiClientLimits::the_longest_time_counts_from_when_a_request_is_sent()
+{
+    m_server->on("GET", "/stuck", StubAnswer::held());
+    QList<qint64> ends;
+    QElapsedTimer clock;
+    clock.start();
+    for (int i = 0; i < 7; ++i) {
+        limit({.read = i < 6 ? soon : 2 * soon});
+        m_api->get(u"/stuck"_s, [&](const QJsonDocument&, const QString&) { ends.append(clock.elapsed()); });
+    }
+    QTRY_COMPARE(ends.size(), 7);
+    QCOMPARE(m_server->count("GET", "/stuck"), 7);
+    // The last one had no connection before the first had ended. The toolkit's timers may be early by 5 %.
+    const qint64 last = ends.last() - ends.first();
+    QVERIFY2(last >= 2 * soon * 9 / 10, qPrintable(QString::number(last)));
 }
 
 void TestApiClientLimits::a_refused_connection_leaves_no_doubt()
