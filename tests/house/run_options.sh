@@ -29,15 +29,22 @@ chmod +x "$place/clone/build/release/bin/"*
 export DISPLAY=:9 CALLED=$place/called
 failures=0
 
-# expect WORDS ARGUMENT...: ./run with these arguments hands on these words, behind those of its own.
+# expect ARGUMENT... -- WORD...: ./run with these arguments hands on these words, behind those of its own, each
+# as one word.
 expect() {
-    local wanted=$1 got
+    local arguments=() wanted got
+    while [ "$1" != -- ]; do
+        arguments+=("$1")
+        shift
+    done
     shift
+    wanted=$(printf '%s\n' "$@")
     : >"$CALLED"
-    (cd "$place/elsewhere" && "$place/clone/run" "$@") >"$place/output" 2>&1 || true
-    got=$(sed 1,4d "$CALLED" | tr '\n' ' ')
-    if [ "${got% }" != "$wanted" ]; then
-        echo "FAIL ./run $*: handed on \"${got% }\", not \"$wanted\"; it said: $(tail -n 1 "$place/output")"
+    (cd "$place/elsewhere" && "$place/clone/run" "${arguments[@]}") >"$place/output" 2>&1 || true
+    got=$(sed 1,4d "$CALLED")
+    if [ "$got" != "$wanted" ]; then
+        printf 'FAIL ./run %s: handed on\n%s\nand not\n%s\nit said: %s\n' "${arguments[*]}" "$got" "$wanted" \
+            "$(tail -n 1 "$place/output")"
         failures=1
     fi
 }
@@ -54,13 +61,16 @@ refuse() {
     fi
 }
 
-expect ""
-expect "--seed 7" --seed 7
-expect "--seed 7 --speed 60" --seed=7 --speed 60
-expect "--replay $place/elsewhere/record" --replay record
-expect "--replay $place/elsewhere/record" "--replay=record"
-expect "--replay /nowhere/at/all" --replay /nowhere/at/all
-expect "--no-replay --close-open-trades" --no-replay --close-open-trades
+expect --
+expect --seed 7 -- --seed 7
+expect --seed=7 --speed 60 -- --seed 7 --speed 60
+expect --replay record -- --replay "$place/elsewhere/record"
+expect --replay=record -- --replay "$place/elsewhere/record"
+expect --replay "my  record" -- --replay "$place/elsewhere/my  record"
+expect "--replay=my record" -- --replay "$place/elsewhere/my record"
+expect --replay /nowhere/at/all -- --replay /nowhere/at/all
+expect --replay "/nowhere/at *" -- --replay "/nowhere/at *"
+expect --no-replay --close-open-trades -- --no-replay --close-open-trades
 refuse "needs a value" --seed
 refuse "unknown argument" --sped 5
 refuse "--speed" --server http://127.0.0.1:1 --speed 5
