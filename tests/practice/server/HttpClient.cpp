@@ -13,8 +13,8 @@ std::string HttpReply::message() const
         : std::string();
 }
 
-HttpClient::HttpClient(std::uint16_t port, int receiveBuffer)
-    : m_socket(port, receiveBuffer)
+HttpClient::HttpClient(std::uint16_t port, int receiveBuffer, const std::string& from)
+    : m_socket(port, receiveBuffer, from)
 {
 }
 

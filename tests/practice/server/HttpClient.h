@@ -22,7 +22,7 @@ struct HttpReply {
 /// HTTP/1.1 over one connection that is kept.
 class HttpClient final {
 public:
-    explicit HttpClient(std::uint16_t port, int receiveBuffer = 0);
+    explicit HttpClient(std::uint16_t port, int receiveBuffer = 0, const std::string& from = {});
 
     HttpReply request(std::string_view method, std::string_view target, std::string_view body = {});
     HttpReply get(std::string_view target) { return request("GET", target); }

@@ -8,7 +8,7 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
-WireSocket::WireSocket(std::uint16_t port, int receiveBuffer)
+WireSocket::WireSocket(std::uint16_t port, int receiveBuffer, const std::string& from)
     : m_socket(::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0))
 {
     if (receiveBuffer > 0)
@@ -16,11 +16,16 @@ WireSocket::WireSocket(std::uint16_t port, int receiveBuffer)
     const timeval limit{10, 0};
     ::setsockopt(m_socket, SOL_SOCKET, SO_RCVTIMEO, &limit, sizeof limit);
     ::setsockopt(m_socket, SOL_SOCKET, SO_SNDTIMEO, &limit, sizeof limit);
+    sockaddr_in source{};
+    source.sin_family = AF_INET;
+    const bool placed = from.empty()
+        || (::inet_pton(AF_INET, from.c_str(), &source.sin_addr) == 1
+            && ::bind(m_socket, reinterpret_cast<const sockaddr*>(&source), sizeof source) == 0);
     sockaddr_in address{};
     address.sin_family = AF_INET;
     address.sin_port = htons(port);
     address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    if (::connect(m_socket, reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0) {
+    if (!placed || ::connect(m_socket, reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0) {
         ::close(m_socket);
         throw std::runtime_error("cannot connect");
     }

@@ -6,10 +6,11 @@
 #include <string>
 #include <string_view>
 
-/// A plain TCP connection to the loopback. Reading gives up, with an exception, after ten seconds of silence.
+/// A plain TCP connection to the loopback, from an address of it unless that is empty. Reading gives up, with
+/// an exception, after ten seconds of silence.
 class WireSocket final {
 public:
-    explicit WireSocket(std::uint16_t port, int receiveBuffer = 0);
+    explicit WireSocket(std::uint16_t port, int receiveBuffer = 0, const std::string& from = {});
     ~WireSocket();
     WireSocket(const WireSocket&) = delete;
     WireSocket& operator=(const WireSocket&) = delete;

@@ -3,6 +3,8 @@
 #include "practice/server/ServerFixture.h"
 #include "practice/server/ServerProcess.h"
 
+#include "practice/server/RequestGuard.h"
+
 /// Who is kept out: web pages that a browser on this machine shows, and who guesses passwords.
 using namespace practice;
 using nlohmann::json;
@@ -13,9 +15,10 @@ constexpr const char* signIn = R"({"email":"trader@practice.local","password":"p
 constexpr const char* guess = R"({"email":"trader@practice.local","password":"guess"})";
 
 /// A sign-in with these headers instead of the usual ones.
-HttpReply post(std::uint16_t port, const std::string& headers, const std::string& body = signIn)
+HttpReply post(std::uint16_t port, const std::string& headers, const std::string& body = signIn,
+    const std::string& from = {})
 {
-    HttpClient client(port);
+    HttpClient client(port, 0, from);
     client.socket().send("POST /api/auth/login HTTP/1.1\r\n" + headers
         + "Content-Length: " + std::to_string(body.size()) + "\r\n\r\n" + body);
     return client.read();
@@ -33,6 +36,14 @@ std::string feedAnswer(std::uint16_t port, const std::string& token, const std::
         + "Upgrade: websocket\r\nConnection: Upgrade\r\nSec-WebSocket-Key: dGhlIHNhbXBsZSBub25jZQ==\r\n"
           "Sec-WebSocket-Version: 13\r\n\r\n");
     return client.socket().readUntil("\r\n").substr(0, 12);
+}
+
+/// What a platform that listens on this address answers to a request for this host.
+int answerFor(const char* address, std::string_view host, std::string_view origin = {})
+{
+    const auto objection
+        = RequestGuard(address, "").objection({1, host, origin.empty() ? 0U : 1U, origin, false, {}});
+    return objection ? objection->status : 200;
 }
 
 } // namespace
@@ -55,6 +66,33 @@ TEST_CASE("only who calls the platform by its own address is served")
     }
     CHECK_EQ(post(port, "Host: 127.0.0.1\r\n" + host("127.0.0.1")).status, 421);
     CHECK_EQ(post(port, "Content-Type: application/json\r\n").status, 421);
+}
+
+TEST_CASE("an IPv6 address is called in brackets, however it is written")
+{
+    for (const char* own : {"[::1]:5001", "[::1]", "[0:0:0:0:0:0:0:1]:5001", "localhost:5001"})
+        CHECK_EQ(answerFor("::1", own), 200);
+    CHECK_EQ(answerFor("::1", "[::1]:5001", "http://[::1]:5001"), 200);
+    CHECK_EQ(answerFor("::1", "[::1]:5001", "http://[::1]:8080"), 403);
+    for (const char* foreign : {"::1", "[::1", "[::1]5001", "[::1]:evil", "[::1].evil.example", "[::2]:5001",
+             "[]", "127.0.0.1:5001"})
+        CHECK_EQ(answerFor("::1", foreign), 421);
+}
+
+TEST_CASE("where every address is listened on, any number is ours and no name but localhost")
+{
+    for (const char* everywhere : {"0.0.0.0", "::"}) {
+        for (const char* own : {"192.0.2.7:5001", "192.0.2.7", "[2001:db8::1]:5001", "127.0.0.1:5001",
+                 "[::1]:5001", "localhost:5001"})
+            CHECK_EQ(answerFor(everywhere, own), 200);
+        CHECK_EQ(answerFor(everywhere, "192.0.2.7:5001", "http://192.0.2.7:5001"), 200);
+        CHECK_EQ(answerFor(everywhere, "192.0.2.7:5001", "http://192.0.2.8:5001"), 403);
+        for (const char* foreign : {"evil.example:5001", "192.0.2.7.evil.example", "192.0.2.7:evil",
+                 "192.0.2", "[evil.example]:5001", ""})
+            CHECK_EQ(answerFor(everywhere, foreign), 421);
+    }
+    CHECK_EQ(answerFor("192.0.2.7", "192.0.2.8:5001"), 421);
+    CHECK_EQ(answerFor("192.0.2.7", "localhost:5001"), 421);
 }
 
 TEST_CASE("a page of another site is not served")
@@ -127,6 +165,18 @@ TEST_CASE("who guesses passwords has to wait, longer each time, and is told how 
     CHECK(last.message().find("second") != std::string::npos);
     // The right password has to wait as well, or guessing would only look slower.
     CHECK_EQ(post(port, host("127.0.0.1")).status, 429);
+}
+
+TEST_CASE("who guesses passwords holds up nobody at another address")
+{
+    InProcess place;
+    const std::uint16_t port = place.server->port();
+    int status = 0;
+    for (int i = 0; i < 30 && status != 429; ++i)
+        status = post(port, host("127.0.0.1"), guess, "127.0.0.1").status;
+    CHECK_EQ(status, 429);
+    CHECK_EQ(post(port, host("127.0.0.1"), signIn, "127.0.0.2").status, 200);
+    CHECK_EQ(post(port, host("127.0.0.1"), signIn, "127.0.0.1").status, 429);
 }
 
 TEST_CASE("who signs in meanwhile is forgiven, and a few slips cost nothing")
