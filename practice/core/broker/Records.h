@@ -57,7 +57,8 @@ struct Account {
 /// A position or an order, live or finished.
 ///
 /// pnl is the net result: price profit + swap - commission, so that balance + the pnl of the open positions
-/// is the equity, and the sum over the history is the change of the balance, both to the cent.
+/// is the equity, and the sum over the history is the change of the balance, both to the cent. A challenge's
+/// next phase is the exception: it starts from the initial balance without a line of its own.
 struct Trade {
     std::string id;
     std::string accountId;
