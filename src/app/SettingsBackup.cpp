@@ -57,11 +57,10 @@ bool SettingsBackup::confirm(const QByteArray& content)
 {
     if (!copyFrom(content))
         return false;
+    // Where there is no room for the digest, file and copy agree, which says the same.
     if (contentOf(digestPath()) != digestOf(content))
         writeDigest(content);
-    // Without room for the digest the mark stays: file and copy agree, which says the same.
-    if (contentOf(digestPath()) == digestOf(content))
-        QFile::remove(savingPath());
+    QFile::remove(savingPath());
     return true;
 }
 

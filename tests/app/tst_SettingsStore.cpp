@@ -180,6 +180,15 @@ private Q_SLOTS:
             u"The settings file was damaged and there was no good copy; default settings are used."_s);
     }
 
+    void aDamagedFileThatCannotBeKeptElsewhereStays()
+    {
+        QVERIFY(QDir().mkpath(m_path + u".damaged/in the way"_s));
+        writeFile(m_path, "no settings at all");
+        SettingsStore store(m_path);
+        QCOMPARE(contentOf(m_path), "no settings at all");
+        QCOMPARE(store.takeNotices(), QStringList());
+    }
+
     void aDamagedCopyIsNotPutBack()
     {
         QVERIFY(QDir().mkpath(QFileInfo(m_path).path()));
@@ -439,6 +448,30 @@ private Q_SLOTS:
         QCOMPARE(contentOf(copy), contentOf(m_path));
     }
 
+    void anEditAfterASaveWithoutRoomForItsDigestCounts()
+    {
+        const QString digest = m_path + u".digest"_s;
+        {
+            SettingsStore store(m_path);
+            store.setValue("ui/theme"_L1, u"light"_s);
+            QVERIFY(store.sync());
+            QVERIFY(QFile::rename(digest, m_path + u".saving"_s));
+            QVERIFY(QDir().mkpath(digest + u"/in the way"_s));
+            store.setValue("ui/theme"_L1, u"dark"_s);
+            QVERIFY(store.sync());
+        }
+        QVERIFY(QDir(digest).removeRecursively());
+        {
+            SettingsStore store(m_path);
+            QCOMPARE(store.value("ui/theme"_L1).toString(), u"dark"_s);
+            QCOMPARE(store.takeNotices(), QStringList());
+        }
+        writeFile(m_path, "[ui]\ntheme=blue\n");
+        SettingsStore store(m_path);
+        QCOMPARE(store.value("ui/theme"_L1).toString(), u"blue"_s);
+        QCOMPARE(store.takeNotices(), QStringList());
+    }
+
     void aSaveThatNeverBeganIsNoReasonToUndo()
     {
         {
@@ -557,6 +590,10 @@ private Q_SLOTS:
         }
         const QString target = m_root->filePath(u"target"_s);
         writeFile(target, "a person's own");
+        // Who follows it finds a file in use, and lets it be.
+        QFile used(target);
+        QVERIFY(used.open(QIODevice::ReadOnly));
+        QCOMPARE(::flock(used.handle(), LOCK_EX | LOCK_NB), 0);
         const QString link = QFileInfo(m_path).path() + u"/Terminal.check.abcdef"_s;
         QVERIFY(QFile::link(target, link));
         const SettingsStore store(m_path);
