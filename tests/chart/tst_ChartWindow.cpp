@@ -481,7 +481,10 @@ void tst_ChartWindow::theSymbolsDecimalsSayHowSmallItsPricesAre()
     window.onPrices(snapshot(u"SHIB"_s, 2e-9, 4e-9));
     QCOMPARE(window.chart().candles().size(), std::size_t(1));
     QCOMPARE(window.chart().candles().front().close, 3e-9);
+    window.setSymbolInfo(9, {});
+    QCOMPARE(window.chart().candles().size(), std::size_t(1));
     window.setSymbolInfo(5, {});
+    QCOMPARE(window.chart().candles().size(), std::size_t(0));
     window.onPrices(snapshot(u"SHIB"_s, 2e-9, 4e-9));
     QCOMPARE(window.chart().bid(), 0.0);
 }

@@ -47,6 +47,7 @@ private Q_SLOTS:
     void staysLiveAfterAnotherTimeframe();
     void followsTheDigits();
     void serverTextIsNoMarkup();
+    void anEndlessSymbolIsShortened();
     void asksTheChartOnlyWhileItCanBeSeen();
     void closesWithItsChart();
 
@@ -188,6 +189,17 @@ void tst_DataWindow::serverTextIsNoMarkup()
     QTextDocument document;
     document.setHtml(label(window).text());
     QVERIFY(document.toPlainText().startsWith(u"<img src='/etc/passwd'> %2 &amp;\nDate: 2026.06.02 00:00"_s));
+}
+
+void tst_DataWindow::anEndlessSymbolIsShortened()
+{
+    const ServedChart served(QString(100'000, u'x'));
+    served.chart().setCandles(fixtures::wave(1));
+    served.show();
+    const DataWindow& window = open(served);
+    fixtures::hover(served.chart(), QPoint(served.chart().view().plot().right(), 150));
+    QTRY_VERIFY(label(window).text().startsWith(u"<b>"_s));
+    QVERIFY(label(window).text().startsWith(u"<b>"_s + QString(64, u'x') + u"…</b>"_s));
 }
 
 void tst_DataWindow::asksTheChartOnlyWhileItCanBeSeen()

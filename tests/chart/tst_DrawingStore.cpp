@@ -32,6 +32,7 @@ private Q_SLOTS:
     void anObjectDeletedBeforeItHasAnIdIsNotSentAndComesBackOnPurpose();
     void aChangedObjectIsPutWithPointsAndStyle();
     void aFailedChangeIsReported();
+    void anEndlessSymbolIsShortenedInReports();
     void aChangedObjectWithoutAnIdIsNotSent();
     void whatAHandPlacesAndDeletesIsSent();
     void aToolGivenUpSendsNothing();
@@ -304,6 +305,18 @@ void tst_DrawingStore::aFailedChangeIsReported()
     f.open();
     Q_EMIT f.chart->drawingUpdated({u"a"_s, u"hline"_s, {{5, 2.5}}});
     QTRY_COMPARE(f.failures, QStringList{u"EURUSD: failed to save the drawing: Locked"_s});
+}
+
+void tst_DrawingStore::anEndlessSymbolIsShortenedInReports()
+{
+    const QString shown = QString(64, u'x') + u'…';
+    StoredDrawings f;
+    f.server.on("GET", path, StubAnswer::message(u"No"_s, 400));
+    f.server.on("PUT", "/api/drawings/a", StubAnswer::message(u"Locked"_s, 409));
+    f.open(u"one"_s, QString(100'000, u'x')).load();
+    QTRY_COMPARE(f.failures, QStringList{shown + u": failed to load drawings: No"_s});
+    Q_EMIT f.chart->drawingUpdated({u"a"_s, u"hline"_s, {{5, 2.5}}});
+    QTRY_VERIFY(f.failures.contains(shown + u": failed to save the drawing: Locked"_s));
 }
 
 void tst_DrawingStore::aChangedObjectWithoutAnIdIsNotSent()

@@ -1,4 +1,6 @@
 #include "MainWindowFixture.h"
+#include "chart/ChartFrame.h"
+#include "chart/ChartWidget.h"
 #include "chart/ChartWindow.h"
 #include "panes/NavigatorWidget.h"
 #include "support/LogMessages.h"
@@ -30,7 +32,7 @@ QByteArray jsonOf(const QJsonArray& array)
     return QJsonDocument(array).toJson();
 }
 
-/// Every text that a widget holds ready for the eye or the screen reader.
+/// Every text that a widget holds ready for the eye or the screen reader, and what a chart paints.
 class ShownTexts final {
 public:
     /// The longest of them all, with the widget that shows it.
@@ -71,6 +73,12 @@ private:
         }
         for (const QAction* action : widget.actions())
             note(widget, action->text() + action->toolTip());
+        if (const auto* chart = qobject_cast<const ChartWidget*>(&widget)) {
+            const ChartFrame frame = chart->frame();
+            note(widget, frame.symbol + frame.description);
+            for (const TradeLevel& level : frame.levels)
+                note(widget, level.label);
+        }
     }
     void look(const QWidget& widget, const QAbstractItemModel& model, const QModelIndex& parent)
     {
@@ -205,6 +213,8 @@ void TestEndlessTexts::a_charts_windows_show_no_endless_text()
     Q_EMIT f.window->findChild<NavigatorWidget*>()->expertActivated(script.fileName());
     QVERIFY(f.log("expertsList").filter(u"Robot: Attached to SYMxxx"_s).size() == 1);
     QVERIFY(f.charts().constFirst()->windowTitle().startsWith(u"SYMxxx"_s));
+    QCOMPARE(f.charts().constFirst()->chart().tradeLevels().size(), 3);
+    QVERIFY(f.charts().constFirst()->chart().frame().description.startsWith(u"dxxx"_s));
     QCOMPARE(ShownTexts::longest(), QString());
 }
 

@@ -29,6 +29,7 @@ private Q_SLOTS:
     void exampleScriptsStandInTheNavigator();
     void startIsWrittenToTheJournal();
     void aFailedSaveIsToldInTheJournalOnce();
+    void aFailedSaveAfterTheWindowIsGoneIsToldToTheNextOne();
     void themeSwitchAppliesAtOnce();
     void dockKeysShowAndHide();
     void minimizedWindowIsRepaired();
@@ -133,6 +134,21 @@ void tst_MainWindow::aFailedSaveIsToldInTheJournalOnce()
     saveInVain();
     QCOMPARE(f.journalCount(line), 2);
     QVERIFY(settings.sync());
+}
+
+void tst_MainWindow::aFailedSaveAfterTheWindowIsGoneIsToldToTheNextOne()
+{
+    MainWindowFixture f;
+    f.open();
+    f.window.reset();
+    TerminalSettings& settings = TerminalSettings::instance();
+    {
+        const fixtures::FullDisk full(0);
+        settings.setAlerts(u"[1]"_s);
+    }
+    settings.setAlerts(u"[]"_s);
+    f.open();
+    QCOMPARE(f.journal().filter(u"The settings could not be saved"_s).size(), 1);
 }
 
 void tst_MainWindow::themeSwitchAppliesAtOnce()

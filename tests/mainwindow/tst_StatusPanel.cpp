@@ -19,6 +19,7 @@ private Q_SLOTS:
     void serverTextCannotActAsMarkup();
     void userIsPlainText();
     void aLongNameIsShownWhole();
+    void anEndlessNameIsShortened();
     void latencyIsInParentheses();
     void trafficIsShownInKilobytes();
     void floodOfTrafficIsShownNowAndThenAndEndsRight();
@@ -69,6 +70,17 @@ void tst_StatusPanel::aLongNameIsShownWhole()
     panel.setUser(email);
     QCOMPARE(text(window, u"userLabel"_s), email);
     QVERIFY(text(window, u"connectionLabel"_s).endsWith(host));
+}
+
+void tst_StatusPanel::anEndlessNameIsShortened()
+{
+    QMainWindow window;
+    const QString endless(100'000, u'x');
+    const QString shown = QString(300, u'x') + u'…';
+    StatusPanel panel(*window.statusBar(), endless);
+    panel.setUser(endless);
+    QCOMPARE(text(window, u"userLabel"_s), shown);
+    QVERIFY(text(window, u"connectionLabel"_s).endsWith(u" — "_s + shown));
 }
 
 void tst_StatusPanel::theHostOfAnAddressIsShownOrElseAllOfIt()

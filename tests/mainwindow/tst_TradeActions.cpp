@@ -155,6 +155,7 @@ private Q_SLOTS:
     void expertOrdersFail();
     void expertOrdersNeedAnAccount();
     void ordersOfExpertsInFlightAreFewAndGoOutInTheirOrder();
+    void anEndlessSymbolIsShortenedInTheLinesAlone();
     void whatWaitsIsDroppedWhenTheSwitchGoesOff();
     void nothingIsSaidOfADropWhereNothingWaits();
     void aTradersOrderDoesNotWaitBehindThoseOfExperts();
@@ -522,6 +523,25 @@ void TestTradeActions::ordersOfExpertsInFlightAreFewAndGoOutInTheirOrder()
         QTRY_COMPARE(desk.server.count("POST", place), sent);
         QCOMPARE(desk.server.last("POST", place).json()["lotSize"_L1].toInt(), sent - 1);
     }
+}
+
+void TestTradeActions::anEndlessSymbolIsShortenedInTheLinesAlone()
+{
+    const QString symbol(100'000, u'x');
+    const QString shown = QString(64, u'x') + u'…';
+    Desk desk;
+    desk.server.on("POST", place, StubAnswer::json("{}"));
+    desk.server.on("POST", "/api/trades/close/t1", StubAnswer::json("{}"));
+    desk.book.setTrades({QJsonObject{{u"id"_s, u"t1"_s}, {u"symbol"_s, symbol}}}, {});
+    desk.actions.setAlgoTrading(true);
+    desk.actions.quickTrade(symbol, u"BUY"_s, 1.0);
+    QTRY_VERIFY(desk.said.contains(u"J Trade: One-click BUY "_s + shown + u" executed"_s));
+    QCOMPARE(desk.server.last("POST", place).json()["symbol"_L1].toString(), symbol);
+    desk.actions.expertOrder({{u"symbol"_s, symbol}, {u"type"_s, u"SELL"_s}, {u"lotSize"_s, 1}});
+    QTRY_VERIFY(desk.said.contains(u"E Expert: SELL 1.00 "_s + shown + u" executed"_s));
+    QCOMPARE(desk.server.last("POST", place).json()["symbol"_L1].toString(), symbol);
+    desk.actions.expertCloseAll(symbol);
+    QVERIFY(desk.said.contains(u"E Expert: Closing 1 position(s) on "_s + shown));
 }
 
 void TestTradeActions::whatWaitsIsDroppedWhenTheSwitchGoesOff()

@@ -18,6 +18,7 @@ private Q_SLOTS:
     void otherSymbolsPricesAreLeftAlone();
     void aPriceThatIsMissingIsShownAsZero_data();
     void aPriceThatIsMissingIsShownAsZero();
+    void theSymbolsDecimalsSayHowSmallItsPricesAre();
     void changingTheSymbolStartsAgain();
     void unitsFollowPricesNotTheSpinBox();
     void anUnusableContractSizeCountsAsOne_data();
@@ -124,6 +125,17 @@ void TestOrderDialogPrices::aPriceThatIsMissingIsShownAsZero()
     QCOMPARE(desk.prices()->text(), shown);
     QCOMPARE(desk.ticks()->bids(), (QList<double>{1.1, bid}));
     QCOMPARE(desk.ticks()->asks(), (QList<double>{1.2, ask}));
+}
+
+void TestOrderDialogPrices::theSymbolsDecimalsSayHowSmallItsPricesAre()
+{
+    Desk desk({}, fixtures::parseArray(R"([{"name":"SHIB","digits":9},{"name":"OIL"}])"));
+    desk.quote(R"({"SHIB":{"bid":4e-9,"ask":"0.000000006"}})");
+    QCOMPARE(desk.prices()->text(), u"0.000000004 / 0.000000006"_s);
+    desk.combo(u"orderSymbol"_s)->setCurrentIndex(1);
+    desk.quote(R"({"OIL":{"bid":4e-9,"ask":6e-9}})");
+    QCOMPARE(desk.prices()->text(), u"0.00000 / 0.00000"_s);
+    QCOMPARE(desk.ticks()->bids(), QList<double>{0.0});
 }
 
 void TestOrderDialogPrices::changingTheSymbolStartsAgain()

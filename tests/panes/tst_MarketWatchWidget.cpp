@@ -41,6 +41,7 @@ private Q_SLOTS:
     void aNewListStartsFromNothing();
     void aNewListKeepsTheTradersPlace();
     void aNewListStaysScrolledWhereItWas();
+    void aNewListKeepsALongSymbolSelected();
     void ofEqualNamesTheLastRowGetsThePrices();
     void oddListsDoNoHarm();
     void aDoubleClickIsReportedOnce_data();
@@ -91,6 +92,17 @@ void TestMarketWatchWidget::aNewListKeepsTheTradersPlace()
     QCOMPARE(watch.widget.currentSymbol(), u"OIL"_s);
     watch.widget.setSymbols(parseArray(R"([{"name":"A"},{"name":"B"}])"));
     QCOMPARE(watch.widget.currentSymbol(), u"A"_s);
+}
+
+void TestMarketWatchWidget::aNewListKeepsALongSymbolSelected()
+{
+    const QByteArray start(80, 'x');
+    const QByteArray symbols = R"([{"name":")" + start + R"(A"},{"name":")" + start + R"(B"}])";
+    Watch watch(symbols);
+    watch.list->setCurrentItem(watch.list->topLevelItem(1));
+    QCOMPARE(watch.widget.currentSymbol(), QString::fromLatin1(start) + u'B');
+    watch.widget.setSymbols(parseArray(symbols));
+    QCOMPARE(watch.widget.currentSymbol(), QString::fromLatin1(start) + u'B');
 }
 
 void TestMarketWatchWidget::aNewListStaysScrolledWhereItWas()

@@ -86,6 +86,7 @@ private Q_SLOTS:
     void profitColoursAreFixed();
     void currentPricesAreThoseAtWhichATradeCloses();
     void missingOrUnreadablePricesLeaveTheCell();
+    void theSymbolsDecimalsSayHowSmallItsPricesAre();
     void unchangedPricesAndProfitsTellNoView();
     void aSecondFillLeavesNothingStale();
     void aRefillKeepsTheTradersPlace();
@@ -244,6 +245,17 @@ void TestTerminalPane::missingOrUnreadablePricesLeaveTheCell()
     QCOMPARE(toolbox.cell(0, TradeCurrentPrice), u"1.07100"_s);
     toolbox.pane.updateCurrentPrices(parse(R"({"GOLD":{"bid":1,"ask":-37.5}})"));
     QCOMPARE(toolbox.cell(1, TradeCurrentPrice), u"-37.50"_s);
+}
+
+void TestTerminalPane::theSymbolsDecimalsSayHowSmallItsPricesAre()
+{
+    Toolbox toolbox;
+    toolbox.pane.setOpenRows(
+        parseArray(R"([{"id":"a","symbol":"SHIB","type":"BUY"},{"id":"b","symbol":"OIL","type":"BUY"}])"), {},
+        {{u"SHIB"_s, 9}});
+    toolbox.pane.updateCurrentPrices(parse(R"({"SHIB":{"bid":4e-9},"OIL":{"bid":4e-9}})"));
+    QCOMPARE(toolbox.cell(0, TradeCurrentPrice), u"0.000000004"_s);
+    QCOMPARE(toolbox.cell(1, TradeCurrentPrice), QString());
 }
 
 void TestTerminalPane::unchangedPricesAndProfitsTellNoView()
