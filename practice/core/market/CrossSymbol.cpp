@@ -96,15 +96,14 @@ TimeMs CrossSymbol::nextChange(TimeMs now)
 
 CrossSymbol::Stretch CrossSymbol::stretch(TimeMs from, TimeMs to)
 {
-    std::array<GridBar, 8> bars{};
+    m_bars.clear();
     std::size_t moving = 0;
-    const std::size_t count = std::min(m_legs.size(), bars.size());
-    for (std::size_t i = 0; i < count; ++i) {
-        bars[i] = m_legs[i].prices->between(from, to);
-        moving += bars[i].high != bars[i].low ? 1 : 0;
+    for (const Source& leg : m_legs) {
+        m_bars.push_back(leg.prices->between(from, to));
+        moving += m_bars.back().high != m_bars.back().low ? 1 : 0;
     }
     const auto barOf = [&](const Source& leg) -> const GridBar& {
-        return bars[static_cast<std::size_t>(&leg - m_legs.data())];
+        return m_bars[static_cast<std::size_t>(&leg - m_legs.data())];
     };
     return {from, to, combine([&](const Source& leg) { return barOf(leg).open; }),
         combine([&](const Source& leg) { return barOf(leg).close; }),

@@ -69,6 +69,7 @@ private:
     double m_usualHalfSpread;
     TimeMs m_first;
     TimeMs m_last;
+    std::vector<GridBar> m_bars;            // of each leg, while a stretch is looked at
     std::vector<std::vector<Tick>> m_ticks; // while they are searched: of each leg, and how far it is
     std::vector<std::size_t> m_nextTick;
     std::vector<std::vector<Known>> m_known; // [timeframe]: finished bars, by their number

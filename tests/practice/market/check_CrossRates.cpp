@@ -238,6 +238,26 @@ TEST_CASE("where a cross rate is recorded, a leg that is not follows from it")
     CHECK(foldsFrom(market, symbolNamed(market, "USDJPY"), Timeframe::H4, Timeframe::M1, startedAt + dayMs));
 }
 
+TEST_CASE("a cross rate follows however many legs lead from one currency to the other")
+{
+    // EUR and USD are tied by way of five that nothing else knows.
+    const std::vector<std::pair<std::string, double>> chain{{"AAAEUR", 1.3}, {"AAAGBP", 1.1}, {"BBBGBP", 1.2},
+        {"BBBAUD", 1.4}, {"CCCAUD", 1.2}, {"CCCCHF", 1.1}, {"DDDCHF", 1.3}, {"DDDCAD", 1.2}, {"EEECAD", 1.4},
+        {"EEEUSD", 1.3}};
+    Played played(chain);
+    PriceSource& market = *played.market;
+    for (const TimeMs now : someMoments(16, 50)) {
+        double wanted = 1;
+        for (std::size_t i = 0; i < chain.size(); ++i) {
+            const double leg = middle(market.quote(symbolNamed(market, chain[i].first.c_str()), now));
+            wanted = i % 2 == 0 ? wanted / leg : wanted * leg;
+        }
+        REQUIRE(std::abs(middle(market.quote(symbolNamed(market, "EURUSD"), now)) - wanted) <= 0.00000501);
+    }
+    checkMinuteIsItsTicks(market, "EURUSD", startedAt + 2 * hourMs);
+    CHECK(foldsFrom(market, symbolNamed(market, "EURUSD"), Timeframe::M5, Timeframe::M1, startedAt + hourMs));
+}
+
 TEST_CASE("a triangle of records is played as it was recorded")
 {
     Played played({{"EURUSD", 1.3}, {"USDJPY", 98}, {"EURJPY", 150}});
