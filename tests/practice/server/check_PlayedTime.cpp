@@ -160,6 +160,25 @@ Trade placeAny(Place& place, const std::string& account, HashRandom& random)
     return place.place(request);
 }
 
+PlaceRequest euroBuy(const std::string& account, double lots)
+{
+    PlaceRequest request;
+    request.accountId = account;
+    request.symbol = "EURUSD";
+    request.orderKind = "MARKET";
+    request.type = "BUY";
+    request.lots = lots;
+    return request;
+}
+
+/// The stop lies so far below the bid.
+Trade buyWithStop(Place& place, const std::string& account, double lots, double distance)
+{
+    PlaceRequest request = euroBuy(account, lots);
+    request.stopLoss = std::round((place.market.quote(0, place.clock.now()).bid - distance) * 1e5) / 1e5;
+    return place.place(request);
+}
+
 void checkIs(const Trade& found, const Trade& wanted)
 {
     CHECK_EQ(static_cast<int>(found.status), static_cast<int>(wanted.status));
@@ -231,13 +250,7 @@ TEST_CASE("a challenge that fell to its limit while nobody watched has failed at
 {
     Place place(3, 200);
     const Account before = place.account(AccountKind::Plan);
-    PlaceRequest request;
-    request.accountId = before.id;
-    request.symbol = "EURUSD";
-    request.orderKind = "MARKET";
-    request.type = "BUY";
-    request.lots = 15;
-    const Trade trade = place.place(request);
+    const Trade trade = place.place(euroBuy(before.id, 15));
     TimeMs now = trade.createdAt;
     const auto equityAt = [&](TimeMs moment) {
         const double risen = place.market.quote(0, moment).bid - trade.entryPrice;
@@ -260,15 +273,7 @@ TEST_CASE("swap is charged for the nights that a position was held, not for thos
 {
     Place place(4, 1);
     const std::string account = place.account(AccountKind::Demo).id;
-    PlaceRequest request;
-    request.accountId = account;
-    request.symbol = "EURUSD";
-    request.orderKind = "MARKET";
-    request.type = "BUY";
-    request.lots = 1;
-    const Quote quote = place.market.quote(0, place.clock.now());
-    request.stopLoss = std::round((quote.bid - 0.006) * 1e5) / 1e5;
-    const Trade trade = place.place(request);
+    const Trade trade = buyWithStop(place, account, 1, 0.006);
     const TimeMs end = place.clock.now() + 60 * dayMs;
     const Trade wanted = expected(place.market, trade, end);
     REQUIRE(wanted.status == TradeStatus::Closed);
@@ -284,15 +289,7 @@ TEST_CASE("a command after a stall finds what happened before it")
 {
     Place place(5, 200);
     const std::string account = place.account(AccountKind::Demo).id;
-    PlaceRequest request;
-    request.accountId = account;
-    request.symbol = "EURUSD";
-    request.orderKind = "MARKET";
-    request.type = "BUY";
-    request.lots = 0.1;
-    const Quote quote = place.market.quote(0, place.clock.now());
-    request.stopLoss = std::round((quote.bid - 0.0005) * 1e5) / 1e5;
-    const Trade trade = place.place(request);
+    const Trade trade = buyWithStop(place, account, 0.1, 0.0005);
     const Trade wanted = expected(place.market, trade, place.clock.now() + dayMs / 2);
     REQUIRE(wanted.status == TradeStatus::Closed);
     place.clock.pass(wanted.closedAt - place.clock.now() + 5000);
