@@ -38,8 +38,10 @@ void ReadCoalescer::send(
     const quint64 number = ++m_reads;
     ReplyWatch* watch = m_api.getBody(
         path, this, [this, path, callback, number](const QByteArray& body, const QString& error) {
-            if (m_inFlight.value(path).number != number)
+            const auto running = m_inFlight.find(path);
+            if (running == m_inFlight.end() || running->number != number)
                 return;
+            running->watch.clear(); // a wish of the callback's must not end what has ended
             // The callback may end the session and with it this object.
             const QPointer<ReadCoalescer> alive(this);
             callback(body, error);

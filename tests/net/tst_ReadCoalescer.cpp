@@ -28,6 +28,7 @@ private Q_SLOTS:
     void an_answer_that_drips_wins_its_successors_no_time();
     void an_answer_that_begins_late_has_the_usual_time_from_then_on();
     void a_refresh_from_inside_the_callback_waits_its_turn();
+    void a_refresh_from_inside_the_callback_of_a_silent_read_is_answered();
     void callbacks_die_with_the_coalescer();
     void the_coalescer_may_be_deleted_inside_a_callback();
 
@@ -216,6 +217,18 @@ void TestReadCoalescer::a_refresh_from_inside_the_callback_waits_its_turn()
     m_server->release(StubAnswer::json("[2]"));
     QTRY_COMPARE(m_calls, QStringList({u"b:2"_s}));
     QCOMPARE(m_server->count("GET", "/x"), 2);
+}
+
+void TestReadCoalescer::a_refresh_from_inside_the_callback_of_a_silent_read_is_answered()
+{
+    ReadCoalescer reads(*m_api);
+    reads.setPatience(0ms);
+    m_server->once("GET", "/x", StubAnswer::message(u"down"_s, 503));
+    reads.refresh(
+        u"/x"_s, [&](const QJsonDocument&, const QString&) { reads.refresh(u"/x"_s, note(u"b"_s)); });
+    QTRY_COMPARE(m_server->heldCount(), 1);
+    m_server->release(StubAnswer::json("[2]"));
+    QTRY_COMPARE(m_calls, QStringList({u"b:2"_s}));
 }
 
 void TestReadCoalescer::callbacks_die_with_the_coalescer()
