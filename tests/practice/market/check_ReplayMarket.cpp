@@ -261,6 +261,18 @@ TEST_CASE("a digest tells each recorded number, and nothing but what was recorde
     CHECK(ReplayMarket(renamed.path(), startedAt).digest() != digest);
 }
 
+TEST_CASE("prices and digest of a record are pinned, for open trades outlive an upgrade")
+{
+    // If this fails on purpose, raise the generator's number in MarketSetup.
+    Played played(2.5);
+    CHECK_EQ(played.market.digest(), std::uint64_t(16895451326068871406U));
+    const Quote quote = played.market.quote(played.symbol, startedAt + 12'345);
+    CHECK_EQ(quote.bid, 1007.5);
+    CHECK_EQ(quote.ask, 1007.7);
+    CHECK_EQ(played.market.quote(played.symbol, startedAt + dayMs).bid, 999.9);
+    CHECK_EQ(played.market.quote(played.symbol, startedAt - dayMs).bid, 965.9);
+}
+
 TEST_CASE("a folder that cannot be replayed is refused with one line that names it")
 {
     RecordFolder folder;

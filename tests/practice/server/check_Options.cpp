@@ -129,8 +129,9 @@ TEST_CASE("help and version need nothing else")
     const Environment nothing(nullptr, nullptr);
     CHECK(parseOptions({"--help"}).showHelp);
     CHECK(parseOptions({"--version"}).showVersion);
-    for (const char* option : {"--port", "--address", "--allow-remote", "--host-name", "--db", "--seed",
-             "--speed", "--replay", "--no-replay", "--close-open-trades", "--quiet", "--help", "--version"})
+    for (const char* option :
+        {"--port", "--address", "--allow-remote", "--host-name", "--db", "--seed", "--speed", "--replay",
+            "--no-replay", "--close-open-trades", "reset", "--account", "--quiet", "--help", "--version"})
         CHECK(helpText().find(option) != std::string::npos);
 }
 
