@@ -292,6 +292,27 @@ private Q_SLOTS:
         QVERIFY(holdsEverything(store, {after}));
     }
 
+    void aSaveThatFailedIsNotWhatTheNextOneGoesBackTo()
+    {
+        const QString before = layoutOf(40);
+        auto store = std::make_unique<SettingsStore>(m_path);
+        saveEverything(*store, before);
+        QVERIFY(store->sync());
+        store->setValue("charts/layout"_L1, layoutOf(300));
+        // More and more room comes back, enough for what the save before has left, never for all.
+        for (const rlim_t room : {1000, 2000, 3000}) {
+            const FullDisk full(room);
+            QVERIFY(!store->sync());
+            QCOMPARE(contentOf(m_path).size(), static_cast<qsizetype>(room));
+        }
+        {
+            const FullDisk full(4000);
+            store.reset();
+        }
+        store = std::make_unique<SettingsStore>(m_path);
+        QVERIFY(holdsEverything(*store, {before}));
+    }
+
     void aStoreCutAnywhereIsReplacedByTheCopy()
     {
         const QString layout = layoutOf(2);
