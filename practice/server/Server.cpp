@@ -4,7 +4,6 @@
 #include "practice/server/AuthResource.h"
 #include "practice/server/CandlesResource.h"
 #include "practice/server/DrawingsResource.h"
-#include "practice/server/Failure.h"
 #include "practice/server/FeedResource.h"
 #include "practice/server/NewsResource.h"
 #include "practice/server/SettingsResource.h"
@@ -17,6 +16,7 @@
 
 #include <exception>
 #include <iostream>
+#include <utility>
 
 namespace practice {
 
@@ -55,8 +55,8 @@ std::string clientOf(const tcp::socket& socket)
 
 } // namespace
 
-Server::Server(net::io_context& context, Database& database, PriceSource& market, const Clock& clock,
-    const ServerSettings& settings)
+Server::Server(net::io_context& context, tcp::acceptor acceptor, Database& database, PriceSource& market,
+    const Clock& clock, const ServerSettings& settings)
     : m_context(context)
     , m_settings(settings)
     , m_sessions(database)
@@ -65,8 +65,9 @@ Server::Server(net::io_context& context, Database& database, PriceSource& market
     , m_guard(settings.address, settings.hostName)
     , m_passwords(context)
     , m_router([this](std::string_view header) { return m_sessions.userOfHeader(header); })
-    , m_acceptor(context)
+    , m_acceptor(std::move(acceptor))
     , m_goodbye(context)
+    , m_port(m_acceptor.local_endpoint().port())
     , m_connections(m_settings.limits.connections)
 {
     addAccountsRoutes(m_router, m_platform);
@@ -78,8 +79,6 @@ Server::Server(net::io_context& context, Database& database, PriceSource& market
     addSettingsRoutes(m_router);
     addTradesRoutes(m_router, m_platform);
 
-    open();
-
     // The first prices are there before the first client is.
     m_platform.advance();
     m_platform.setListener(&m_hub);
@@ -90,21 +89,6 @@ Server::Server(net::io_context& context, Database& database, PriceSource& market
     };
     net::co_spawn(m_context, listen(), rethrow);
     net::co_spawn(m_context, movePrices(), rethrow);
-}
-
-void Server::open()
-{
-    try {
-        const tcp::endpoint endpoint(net::ip::make_address(m_settings.address), m_settings.port);
-        m_acceptor.open(endpoint.protocol());
-        m_acceptor.set_option(net::socket_base::reuse_address(true));
-        m_acceptor.bind(endpoint);
-        m_acceptor.listen();
-        m_port = m_acceptor.local_endpoint().port();
-    } catch (const boost::system::system_error& error) {
-        throw ListenError("cannot listen on " + m_settings.address + " port "
-            + std::to_string(m_settings.port) + ": " + error.code().message());
-    }
 }
 
 void Server::take(tcp::socket socket)

@@ -24,22 +24,22 @@
 
 namespace practice {
 
-/// Where and how the server runs.
+/// How the server runs.
 struct ServerSettings {
-    std::string address = "127.0.0.1";
-    std::string hostName;   ///< another name by which the server is called; empty: none
-    std::uint16_t port = 0; ///< 0 chooses a free one
+    std::string address = "127.0.0.1"; ///< by which it is called, since it listens there
+    std::string hostName;              ///< another name by which it is called; empty: none
     std::uint64_t newsSeed = 1;
     std::chrono::milliseconds priceInterval{250};
     Limits limits;
 };
 
 /// The practice platform on the wire: the REST interface and the feed on one port, everything on the thread
-/// that runs `context`. Throws ListenError when it cannot listen.
+/// that runs `context`.
 class Server final {
 public:
-    Server(boost::asio::io_context& context, Database& database, PriceSource& market, const Clock& clock,
-        const ServerSettings& settings);
+    /// `acceptor` listens already.
+    Server(boost::asio::io_context& context, boost::asio::ip::tcp::acceptor acceptor, Database& database,
+        PriceSource& market, const Clock& clock, const ServerSettings& settings);
 
     [[nodiscard]] std::uint16_t port() const { return m_port; }
 
@@ -47,7 +47,6 @@ public:
     void stop();
 
 private:
-    void open();
     void take(boost::asio::ip::tcp::socket socket);
     boost::asio::awaitable<void> listen();
     boost::asio::awaitable<void> movePrices();
@@ -63,7 +62,7 @@ private:
     Router m_router;
     boost::asio::ip::tcp::acceptor m_acceptor;
     boost::asio::steady_timer m_goodbye;
-    std::uint16_t m_port = 0;
+    std::uint16_t m_port;
     Connections m_connections;
     // Every connection that is turned away holds a copy; the copies are the count.
     std::shared_ptr<void> m_turnedAway = std::make_shared<int>();

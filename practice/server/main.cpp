@@ -1,5 +1,6 @@
 #include "practice/server/Failure.h"
 #include "practice/server/FirstUse.h"
+#include "practice/server/ListeningPort.h"
 #include "practice/server/MarketSetup.h"
 #include "practice/server/Options.h"
 #include "practice/server/PlatformTime.h"
@@ -13,6 +14,7 @@
 #include <csignal>
 #include <iostream>
 #include <memory>
+#include <utility>
 
 namespace practice {
 
@@ -32,12 +34,13 @@ void run(const Options& options)
     Database database(options.database);
     const PlatformTime clock(machine, earliestMoment(database, machine.now()));
     prepareFirstUse(database, clock.now());
+    // Before the market may change: where nobody can listen nothing is closed for it.
+    boost::asio::io_context context(1);
+    auto acceptor = listenOn(context, options.address, options.port);
     const ChosenMarket market = chooseMarket(database, options, clock);
 
-    boost::asio::io_context context(1);
-    Server server(context, database, *market.prices, clock,
-        {options.address, options.hostName, options.port, market.setup.seed,
-            priceInterval(market.setup.speed), {}});
+    Server server(context, std::move(acceptor), database, *market.prices, clock,
+        {options.address, options.hostName, market.setup.seed, priceInterval(market.setup.speed), {}});
     // Not before: until the missed time is played nobody would listen to them, and a signal may end us at any
     // moment, for each change is stored whole.
     boost::asio::signal_set signals(context, SIGINT, SIGTERM);

@@ -6,6 +6,7 @@
 
 #include "practice/core/market/PriceSource.h"
 #include "practice/server/FirstUse.h"
+#include "practice/server/ListeningPort.h"
 #include "practice/server/Secrets.h"
 #include "practice/server/Server.h"
 
@@ -92,8 +93,8 @@ struct InProcess {
     {
         prepareFirstUse(database, clock.now());
         UserStore(database).add({"second", "second@example.test", "Second", hashPassword("other")});
-        server = std::make_unique<Server>(context, database, market, clock,
-            ServerSettings{"127.0.0.1", {}, 0, 1, std::chrono::milliseconds(10), limits});
+        server = std::make_unique<Server>(context, listenOn(context, "127.0.0.1", 0), database, market, clock,
+            ServerSettings{"127.0.0.1", {}, 1, std::chrono::milliseconds(10), limits});
         thread = std::thread([this] { context.run(); });
     }
     ~InProcess()

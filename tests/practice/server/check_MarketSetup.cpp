@@ -301,6 +301,27 @@ TEST_CASE("a refused start leaves nothing behind")
     CHECK_EQ(factsIn(database), before);
 }
 
+TEST_CASE("a start whose port is taken leaves market and trades as they were")
+{
+    const TemporaryFolder folder;
+    const std::string database = (folder / "x.db").string();
+    {
+        const ServerProcess server(database);
+        Desk(server).buy();
+    }
+    const std::string before = factsIn(database);
+    {
+        const ServerProcess other((folder / "other.db").string());
+        const auto result = ServerProcess::run({"--port", std::to_string(other.port()), "--db", database,
+            "--speed", "60", "--close-open-trades"});
+        CHECK_EQ(result.exitCode, 2);
+        CHECK(has(result.errors, "cannot listen"));
+    }
+    CHECK_EQ(factsIn(database), before);
+    const ServerProcess server(database);
+    CHECK_EQ(Desk(server).list("open").size(), std::size_t(1));
+}
+
 TEST_CASE("files exchanged under open trades are refused as another record is")
 {
     const TemporaryFolder folder;

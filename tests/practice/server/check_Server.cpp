@@ -259,21 +259,17 @@ TEST_CASE("a port that is taken is a matter of listening, a fault while running 
     boost::asio::io_context context{1};
     Database database(place.folder / "second.db");
     prepareFirstUse(database, place.clock.now());
-    const auto serveOn = [&](std::uint16_t port) {
-        return Server(context, database, place.market, place.clock,
-            ServerSettings{"127.0.0.1", {}, port, 1, std::chrono::milliseconds(1), {}});
-    };
     std::string reason;
     try {
-        serveOn(place.server->port());
+        static_cast<void>(listenOn(context, "127.0.0.1", place.server->port()));
     } catch (const ListenError& error) {
         reason = error.what();
     }
     CHECK(reason.find("cannot listen on 127.0.0.1 port " + std::to_string(place.server->port())) == 0);
 
     ManualMarket broken(0);
-    Server server(context, database, broken, place.clock,
-        ServerSettings{"127.0.0.1", {}, 0, 1, std::chrono::milliseconds(1), {}});
+    Server server(context, listenOn(context, "127.0.0.1", 0), database, broken, place.clock,
+        ServerSettings{"127.0.0.1", {}, 1, std::chrono::milliseconds(1), {}});
     broken.failQuotes();
     CHECK_THROWS(context.run(), boost::system::system_error);
 }
