@@ -235,7 +235,8 @@ TEST_CASE("a digest tells each recorded number, and nothing but what was recorde
         folder.write("XTEST-1m.csv", text);
         return ReplayMarket(folder.path(), startedAt).digest();
     };
-    const std::string text = header + first + second + row;
+    const std::string begun = header + first + second;
+    const std::string text = begun + row;
     const std::uint64_t digest = digestOf(text);
     CHECK_EQ(digestOf(text), digest);
     CHECK_EQ(digestOf("\xEF\xBB\xBF" + text + "\n\n"), digest);
@@ -247,7 +248,7 @@ TEST_CASE("a digest tells each recorded number, and nothing but what was recorde
              "1.32,1.35,1.31,1.32,9,1.36,1.39,1.35,1.38\n", // spread
              "1.32,1.35,1.31,1.33,8,1.36,1.39,1.35,1.37\n"  // volume
          })
-        CHECK(digestOf(header + first + second + other) != digest);
+        CHECK(digestOf(begun + other) != digest);
     CHECK(digestOf(text + "2014-05-01T00:02:00Z," + row) != digest);
     CHECK(digestOf(header + "2014-05-01T00:00:00Z,13.1,13.4,13.0,13.2,7,13.5,13.8,13.4,13.6\n" + second
               + "13.2,13.5,13.1,13.3,9,13.6,13.9,13.5,13.7\n")
