@@ -14,6 +14,7 @@ private Q_SLOTS:
     void a_secret_that_the_cut_would_split_is_hidden();
     void no_part_of_a_secret_shows_where_others_are_hidden_before_it();
     void every_shown_text_hides_secrets();
+    void a_long_text_without_a_secret_keeps_its_length();
     void words_shorter_than_six_characters_are_no_secrets();
 };
 
@@ -50,6 +51,12 @@ void TestSecrets::every_shown_text_hides_secrets()
     for (const QString& shown : {shownName(text), shownSentence(text), shownReason(text), shownEntry(text),
              balloonText(text), plainToolTip(text)})
         QCOMPARE(shown, u"a [hidden]"_s);
+    QCOMPARE(shownName(u"se+cret/token"_s), u"[hidden]"_s);
+}
+
+void TestSecrets::a_long_text_without_a_secret_keeps_its_length()
+{
+    QCOMPARE(shownName(QString(1000, u'-')), QString(64, u'-') + u'…');
 }
 
 void TestSecrets::words_shorter_than_six_characters_are_no_secrets()

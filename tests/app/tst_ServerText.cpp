@@ -81,6 +81,16 @@ private Q_SLOTS:
         QCOMPARE(label.text().remove(QChar(0x200b)), QString(300, u'W') + u'…');
     }
 
+    void noCharacterOfALongWordIsWrappedInHalf()
+    {
+        QLabel label;
+        showReason(label, u'a' + u"𝐖"_s.repeated(100));
+        QStringList parts = label.text().split(QChar(0x200b));
+        QVERIFY(parts.size() > 2);
+        for (const QString& part : std::as_const(parts))
+            QVERIFY(!part.front().isLowSurrogate() && !part.back().isHighSurrogate());
+    }
+
     void aLabelShowsAnOrdinaryReasonAsGiven_data()
     {
         QTest::addColumn<QString>("reason");

@@ -313,6 +313,29 @@ private Q_SLOTS:
         QVERIFY(holdsEverything(*store, {before}));
     }
 
+    void aSaveCutBetweenTwoLinesIsUndone()
+    {
+        const auto wide = [](char letter) { return QString(500, QLatin1Char(letter)); };
+        {
+            SettingsStore store(m_path);
+            store.setValue("a/first"_L1, wide('x'));
+            store.setValue("b/last"_L1, wide('y'));
+            QVERIFY(store.sync());
+        }
+        const QByteArray cut = "[a]\nfirst=" + wide('z').toLatin1() + '\n';
+        const FullDisk full(static_cast<rlim_t>(cut.size()));
+        {
+            SettingsStore store(m_path);
+            store.setValue("a/first"_L1, wide('z'));
+            QVERIFY(!store.sync());
+        }
+        // Nothing in it shows that there should be more.
+        QCOMPARE(contentOf(m_path), cut);
+        const SettingsStore store(m_path);
+        QCOMPARE(store.value("a/first"_L1).toString(), wide('x'));
+        QCOMPARE(store.value("b/last"_L1).toString(), wide('y'));
+    }
+
     void aStoreCutAnywhereIsReplacedByTheCopy()
     {
         const QString layout = layoutOf(2);
