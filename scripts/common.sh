@@ -1,5 +1,5 @@
 # shellcheck shell=bash disable=SC2034  # the lists of packages are read where this is sourced
-# Shared by ./run, ./test and ./bench/run: packages, presets, settings files. Sourced, never run.
+# Shared by ./run, ./test, ./bench/run and the other scripts: packages, presets, settings files. Sourced, never run.
 
 say() { printf '== %s\n' "$*"; }
 fail() {
