@@ -1,6 +1,6 @@
-#include "app/UtcTime.h"
-#include "chart/ChartWidget.h"
-#include "chart/HistoryReply.h"
+#include "app/base/UtcTime.h"
+#include "chart/series/HistoryReply.h"
+#include "chart/window/ChartWidget.h"
 #include "scenes/Series.h"
 
 #include <QDateTime>

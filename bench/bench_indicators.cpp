@@ -1,4 +1,4 @@
-#include "chart/Indicators.h"
+#include "chart/data/Indicators.h"
 #include "scenes/PlainIndicators.h"
 #include "scenes/Series.h"
 

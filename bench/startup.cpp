@@ -7,7 +7,7 @@
 //                                        BYTES
 // Prints "name value" lines.
 
-#include "app/TerminalSettings.h"
+#include "app/base/TerminalSettings.h"
 #include "mainwindow/ChartsLayout.h"
 #include "support/StubHttpServer.h"
 

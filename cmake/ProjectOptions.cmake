@@ -33,37 +33,73 @@ target_compile_definitions(tavoran_qt_flags INTERFACE
   QT_NO_KEYWORDS QT_NO_NARROWING_CONVERSIONS_IN_CONNECT QT_NO_FOREACH QT_DISABLE_DEPRECATED_BEFORE=0x060400)
 target_link_libraries(tavoran_qt_flags INTERFACE tavoran_flags)
 
-# tavoran_library(NAME services SOURCES a.cpp a.h ... LINKS Qt6::Core net ...)
-# A Qt static library below src/; its public include root is src/ itself.
+# tavoran_library(NAME net_records [WINDOWLESS] SOURCES a.cpp a.h ... LINKS Qt6::Core app_base ...)
+# One room below src/: a Qt static library named after its path. Its public include root is src/ itself.
+# WINDOWLESS rooms see no widget, not even in the precompiled header.
 function(tavoran_library)
-  cmake_parse_arguments(ARG "" "NAME" "SOURCES;LINKS" ${ARGN})
+  cmake_parse_arguments(ARG "WINDOWLESS" "NAME" "SOURCES;LINKS" ${ARGN})
   add_library(${ARG_NAME} STATIC ${ARG_SOURCES})
   set_target_properties(${ARG_NAME} PROPERTIES AUTOMOC ON)
   target_include_directories(${ARG_NAME} PUBLIC "${PROJECT_SOURCE_DIR}/src")
   target_link_libraries(${ARG_NAME} PUBLIC ${ARG_LINKS} tavoran_qt_flags)
-  target_precompile_headers(${ARG_NAME} REUSE_FROM tavoran_pch)
+  if(ARG_WINDOWLESS)
+    target_precompile_headers(${ARG_NAME} REUSE_FROM tavoran_pch_core)
+  else()
+    target_precompile_headers(${ARG_NAME} REUSE_FROM tavoran_pch)
+  endif()
 endfunction()
 
-# tavoran_test(NAME tst_Thing SOURCES tst_Thing.cpp ... LINKS net ...)
-# One Qt Test executable, registered with CTest, run offscreen. Each source includes its own moc output,
-# made by moc alone: AUTOMOC would start two more programs and compile an empty file for every test.
-function(tavoran_test)
-  cmake_parse_arguments(ARG "" "NAME" "SOURCES;LINKS" ${ARGN})
-  add_executable(${ARG_NAME} ${ARG_SOURCES})
-  set_target_properties(${ARG_NAME} PROPERTIES RUNTIME_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/tests")
-  target_include_directories(${ARG_NAME} PRIVATE "${CMAKE_CURRENT_BINARY_DIR}")
-  target_link_libraries(${ARG_NAME} PRIVATE ${ARG_LINKS} test_support Qt6::Test tavoran_qt_flags)
-  target_precompile_headers(${ARG_NAME} REUSE_FROM tavoran_pch)
-  list(FILTER ARG_SOURCES INCLUDE REGEX "\\.cpp$")
+# tavoran_moc(target a.cpp ...)
+# Each source includes its own moc output, made by moc alone: AUTOMOC would start two more programs and compile
+# an empty file for every test.
+function(tavoran_moc target)
   if(Qt6_VERSION VERSION_GREATER_EQUAL 6.7)
     # QTRY_... itself narrows there; options of a source come after those of its target.
-    set_source_files_properties(${ARG_SOURCES} PROPERTIES COMPILE_OPTIONS -Wno-conversion)
+    set_source_files_properties(${ARGN} PROPERTIES COMPILE_OPTIONS -Wno-conversion)
   endif()
-  foreach(source ${ARG_SOURCES})
+  target_include_directories(${target} PRIVATE "${CMAKE_CURRENT_BINARY_DIR}")
+  foreach(source ${ARGN})
     string(REGEX REPLACE "cpp$" "moc" moc "${CMAKE_CURRENT_BINARY_DIR}/${source}")
     qt_generate_moc(${source} ${moc})
-    target_sources(${ARG_NAME} PRIVATE ${moc})
+    target_sources(${target} PRIVATE ${moc})
   endforeach()
+endfunction()
+
+# tavoran_tests(ROOM net_records [WINDOWLESS] TESTS JsonNumber ... LINKS net_records ...)
+# The Qt Test classes of one room, tst_JsonNumber.cpp and so on: one program, test_net_records, which takes the
+# name of a class, and one CTest case for each class, run offscreen. WINDOWLESS ones have no window system at all.
+function(tavoran_tests)
+  cmake_parse_arguments(ARG "WINDOWLESS" "ROOM" "TESTS;LINKS" ${ARGN})
+  set(program test_${ARG_ROOM})
+  list(TRANSFORM ARG_TESTS PREPEND "tst_" OUTPUT_VARIABLE names)
+  list(TRANSFORM names APPEND ".cpp" OUTPUT_VARIABLE sources)
+  if(ARG_WINDOWLESS)
+    add_executable(${program} "${PROJECT_SOURCE_DIR}/tests/support/main_windowless.cpp" ${sources})
+    target_link_libraries(${program} PRIVATE ${ARG_LINKS} test_support)
+    target_precompile_headers(${program} REUSE_FROM tavoran_pch_core)
+  else()
+    add_executable(${program} "${PROJECT_SOURCE_DIR}/tests/support/main.cpp" ${sources})
+    target_link_libraries(${program} PRIVATE ${ARG_LINKS} test_support_ui)
+    target_precompile_headers(${program} REUSE_FROM tavoran_pch)
+  endif()
+  set_target_properties(${program} PROPERTIES RUNTIME_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/tests")
+  tavoran_moc(${program} ${sources})
+  foreach(name ${names})
+    add_test(NAME ${name} COMMAND ${program} ${name})
+  endforeach()
+  set_tests_properties(${names} PROPERTIES
+    ENVIRONMENT "QT_QPA_PLATFORM=offscreen;LC_ALL=C.UTF-8" TIMEOUT 120)
+endfunction()
+
+# tavoran_test(NAME tst_Thing LINKS net ...)
+# One test class with a main() of its own.
+function(tavoran_test)
+  cmake_parse_arguments(ARG "" "NAME" "LINKS" ${ARGN})
+  add_executable(${ARG_NAME} ${ARG_NAME}.cpp)
+  set_target_properties(${ARG_NAME} PROPERTIES RUNTIME_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/tests")
+  target_link_libraries(${ARG_NAME} PRIVATE ${ARG_LINKS} test_support_ui)
+  target_precompile_headers(${ARG_NAME} REUSE_FROM tavoran_pch)
+  tavoran_moc(${ARG_NAME} ${ARG_NAME}.cpp)
   add_test(NAME ${ARG_NAME} COMMAND ${ARG_NAME})
   set_tests_properties(${ARG_NAME} PROPERTIES
     ENVIRONMENT "QT_QPA_PLATFORM=offscreen;LC_ALL=C.UTF-8" TIMEOUT 120)

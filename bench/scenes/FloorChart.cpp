@@ -1,6 +1,6 @@
 #include "scenes/FloorChart.h"
 
-#include "app/UtcTime.h"
+#include "app/base/UtcTime.h"
 #include "scenes/PlainIndicators.h"
 
 #include <QDateTime>

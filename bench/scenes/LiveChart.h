@@ -1,6 +1,6 @@
 #pragma once
 
-#include "chart/ChartWidget.h"
+#include "chart/window/ChartWidget.h"
 
 #include <QEvent>
 

@@ -1,8 +1,8 @@
 #include "app/PublicSettings.h"
 
-#include "app/Log.h"
-#include "app/SafeRequest.h"
-#include "app/TerminalSettings.h"
+#include "app/base/Log.h"
+#include "app/base/TerminalSettings.h"
+#include "net/SafeRequest.h"
 
 #include <QEventLoop>
 #include <QJsonDocument>

@@ -1,10 +1,10 @@
 #include "app/StartUp.h"
 
-#include "app/Banner.h"
-#include "app/Log.h"
 #include "app/PublicSettings.h"
-#include "app/TerminalSettings.h"
-#include "app/Theme.h"
+#include "app/base/Log.h"
+#include "app/base/TerminalSettings.h"
+#include "app/ui/Banner.h"
+#include "app/ui/Theme.h"
 
 #include <QApplication>
 #include <QDialog>

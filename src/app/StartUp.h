@@ -1,6 +1,6 @@
 #pragma once
 
-#include "app/UpdateFramework.h"
+#include "app/base/UpdateFramework.h"
 
 #include <QJsonObject>
 

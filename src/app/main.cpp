@@ -1,7 +1,7 @@
-#include "app/Log.h"
 #include "app/StartUp.h"
+#include "app/base/Log.h"
 #include "mainwindow/MainWindow.h"
-#include "net/LoginDialog.h"
+#include "net/signin/LoginDialog.h"
 
 #include <QApplication>
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "app/LineKind.h"
+#include "app/base/LineKind.h"
 #include "experts/ExpertHost.h"
 
 #include <QObject>

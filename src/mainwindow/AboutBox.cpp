@@ -1,7 +1,7 @@
 #include "mainwindow/AboutBox.h"
 
-#include "app/Banner.h"
-#include "app/ServerText.h"
+#include "app/ui/Banner.h"
+#include "app/ui/PlainText.h"
 
 #include <QCoreApplication>
 #include <QDialogButtonBox>

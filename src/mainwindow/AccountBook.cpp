@@ -1,10 +1,10 @@
 #include "mainwindow/AccountBook.h"
 
-#include "app/NumberFormat.h"
-#include "app/PriceRule.h"
-#include "app/ServerText.h"
-#include "net/JsonNumber.h"
-#include "net/PriceSnapshot.h"
+#include "app/base/NumberFormat.h"
+#include "app/base/PriceRule.h"
+#include "app/base/ServerText.h"
+#include "net/records/JsonNumber.h"
+#include "net/records/PriceSnapshot.h"
 #include "panes/AccountLabel.h"
 #include "panes/SymbolOrder.h"
 

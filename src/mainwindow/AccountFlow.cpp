@@ -1,10 +1,10 @@
 #include "mainwindow/AccountFlow.h"
 
-#include "chart/ChartWindow.h"
+#include "chart/window/ChartWindow.h"
 #include "mainwindow/AccountBook.h"
 #include "mainwindow/ChartArea.h"
-#include "net/JsonNumber.h"
 #include "net/UrlParts.h"
+#include "net/records/JsonNumber.h"
 #include "panes/NavigatorWidget.h"
 #include "panes/TerminalPane.h"
 

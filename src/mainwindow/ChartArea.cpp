@@ -1,9 +1,9 @@
 #include "mainwindow/ChartArea.h"
 
-#include "app/PriceRule.h"
-#include "app/ServerText.h"
-#include "app/Theme.h"
-#include "chart/ChartWindow.h"
+#include "app/base/PriceRule.h"
+#include "app/base/ServerText.h"
+#include "app/ui/Theme.h"
+#include "chart/window/ChartWindow.h"
 #include "mainwindow/AccountBook.h"
 #include "mainwindow/ChartSubWindow.h"
 #include "mainwindow/ChartsLayout.h"

@@ -1,7 +1,7 @@
 #include "mainwindow/ChartCommands.h"
 
-#include "chart/ChartWidget.h"
-#include "chart/ChartWindow.h"
+#include "chart/window/ChartWidget.h"
+#include "chart/window/ChartWindow.h"
 #include "mainwindow/ChartArea.h"
 #include "mainwindow/TerminalActions.h"
 

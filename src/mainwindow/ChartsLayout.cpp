@@ -1,6 +1,6 @@
 #include "mainwindow/ChartsLayout.h"
 
-#include "net/JsonNumber.h"
+#include "net/records/JsonNumber.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>

@@ -1,7 +1,8 @@
 #include "mainwindow/DepthOfMarket.h"
 
-#include "app/NumberFormat.h"
-#include "app/ServerText.h"
+#include "app/base/NumberFormat.h"
+#include "app/base/ServerText.h"
+#include "app/ui/PlainText.h"
 
 #include <QHeaderView>
 #include <QLabel>

@@ -1,6 +1,6 @@
 #include "mainwindow/DockKeeper.h"
 
-#include "app/TerminalSettings.h"
+#include "app/base/TerminalSettings.h"
 #include "mainwindow/SavedGeometry.h"
 #include "mainwindow/ToolBars.h"
 #include "mainwindow/WindowPlacement.h"

@@ -1,8 +1,8 @@
 #include "mainwindow/ExpertAttachment.h"
 
-#include "app/ServerText.h"
-#include "chart/ChartWindow.h"
-#include "chart/Timeframe.h"
+#include "app/base/ServerText.h"
+#include "chart/series/Timeframe.h"
+#include "chart/window/ChartWindow.h"
 #include "mainwindow/ChartArea.h"
 #include "mainwindow/TradeActions.h"
 

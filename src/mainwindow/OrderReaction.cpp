@@ -1,8 +1,8 @@
 #include "mainwindow/OrderReaction.h"
 
-#include "app/NumberFormat.h"
-#include "app/ServerText.h"
-#include "net/JsonNumber.h"
+#include "app/base/NumberFormat.h"
+#include "app/base/ServerText.h"
+#include "net/records/JsonNumber.h"
 
 #include <QCoreApplication>
 

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "app/Balloon.h"
-#include "app/SoundPlayer.h"
+#include "app/base/Balloon.h"
+#include "app/base/SoundKind.h"
 
 #include <QJsonObject>
 #include <QString>

@@ -1,6 +1,6 @@
 #include "mainwindow/Pictograms.h"
 
-#include "app/Theme.h"
+#include "app/ui/Theme.h"
 
 #include <QPainter>
 

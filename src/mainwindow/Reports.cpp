@@ -1,6 +1,6 @@
 #include "mainwindow/Reports.h"
 
-#include "app/Log.h"
+#include "app/base/Log.h"
 
 Reports::Reports(TerminalPane& toolbox, AccountFlow& accounts, TrayIcon* tray, QObject* parent)
     : QObject(parent)

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "app/LineKind.h"
-#include "app/SoundPlayer.h"
+#include "app/base/LineKind.h"
+#include "app/ui/SoundPlayer.h"
 #include "mainwindow/AccountFlow.h"
 #include "mainwindow/TrayIcon.h"
 #include "panes/TerminalPane.h"

@@ -1,6 +1,6 @@
 #include "mainwindow/SmallWindows.h"
 
-#include "app/PriceRule.h"
+#include "app/base/PriceRule.h"
 #include "mainwindow/AboutBox.h"
 #include "mainwindow/AccountBook.h"
 #include "mainwindow/DepthOfMarket.h"

@@ -1,7 +1,7 @@
 #include "mainwindow/StatusPanel.h"
 
-#include "app/ServerText.h"
-#include "app/WheelFocus.h"
+#include "app/base/ServerText.h"
+#include "app/ui/WheelFocus.h"
 #include "net/WsClient.h"
 
 #include <QComboBox>

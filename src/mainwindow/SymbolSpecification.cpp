@@ -1,9 +1,10 @@
 #include "mainwindow/SymbolSpecification.h"
 
-#include "app/NumberFormat.h"
-#include "app/PriceRule.h"
-#include "app/ServerText.h"
-#include "net/JsonNumber.h"
+#include "app/base/NumberFormat.h"
+#include "app/base/PriceRule.h"
+#include "app/base/ServerText.h"
+#include "app/ui/PlainText.h"
+#include "net/records/JsonNumber.h"
 #include "panes/SymbolFacts.h"
 
 #include <QDialogButtonBox>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "net/Quote.h"
+#include "net/records/Quote.h"
 
 #include <QDialog>
 #include <QJsonObject>

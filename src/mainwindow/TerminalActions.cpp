@@ -1,8 +1,8 @@
 #include "mainwindow/TerminalActions.h"
 
-#include "app/Theme.h"
-#include "app/UpdateFramework.h"
-#include "chart/Timeframe.h"
+#include "app/base/UpdateFramework.h"
+#include "app/ui/Theme.h"
+#include "chart/series/Timeframe.h"
 #include "mainwindow/ActionIcons.h"
 
 #include <QAction>

@@ -1,12 +1,12 @@
 #include "mainwindow/TradeActions.h"
 
-#include "app/NumberFormat.h"
-#include "app/ServerText.h"
+#include "app/base/NumberFormat.h"
+#include "app/base/ServerText.h"
 #include "mainwindow/AccountBook.h"
 #include "net/ApiClient.h"
-#include "net/JsonNumber.h"
 #include "net/ReplyOutcome.h"
 #include "net/UrlParts.h"
+#include "net/records/JsonNumber.h"
 #include "orders/LevelsBody.h"
 #include "orders/OrderBody.h"
 

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "app/LineKind.h"
-#include "app/SoundPlayer.h"
+#include "app/base/LineKind.h"
+#include "app/base/SoundKind.h"
 #include "mainwindow/ExpertRequests.h"
 
 #include <QJsonObject>

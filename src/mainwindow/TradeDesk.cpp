@@ -1,6 +1,6 @@
 #include "mainwindow/TradeDesk.h"
 
-#include "app/PriceRule.h"
+#include "app/base/PriceRule.h"
 #include "mainwindow/AccountBook.h"
 #include "mainwindow/TradeActions.h"
 #include "mainwindow/TradeMenu.h"

@@ -1,9 +1,9 @@
 #include "mainwindow/TradeMenu.h"
 
-#include "app/HeldEnter.h"
-#include "app/NumberFormat.h"
-#include "app/ServerText.h"
-#include "net/JsonNumber.h"
+#include "app/base/NumberFormat.h"
+#include "app/base/ServerText.h"
+#include "app/ui/HeldEnter.h"
+#include "net/records/JsonNumber.h"
 #include "orders/LevelsBody.h"
 
 #include <QMenu>

@@ -1,7 +1,7 @@
 #include "mainwindow/TrayIcon.h"
 
-#include "app/ServerText.h"
-#include "app/Theme.h"
+#include "app/base/ServerText.h"
+#include "app/ui/Theme.h"
 
 namespace {
 

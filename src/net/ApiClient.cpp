@@ -1,12 +1,12 @@
 #include "net/ApiClient.h"
 
-#include "app/SafeRequest.h"
-#include "app/ServerText.h"
-#include "app/TerminalSettings.h"
+#include "app/base/ServerText.h"
+#include "app/base/TerminalSettings.h"
 #include "net/OneShotBody.h"
 #include "net/RefusedReply.h"
 #include "net/ReplyOutcome.h"
 #include "net/ReplyWatch.h"
+#include "net/SafeRequest.h"
 #include "net/UrlParts.h"
 
 #include <QJsonDocument>

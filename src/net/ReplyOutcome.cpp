@@ -1,6 +1,6 @@
 #include "net/ReplyOutcome.h"
 
-#include "app/ServerText.h"
+#include "app/base/ServerText.h"
 #include "net/ReplyWatch.h"
 
 #include <QCoreApplication>

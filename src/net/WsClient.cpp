@@ -1,7 +1,7 @@
 #include "net/WsClient.h"
 
-#include "app/ServerText.h"
-#include "app/TerminalSettings.h"
+#include "app/base/ServerText.h"
+#include "app/base/TerminalSettings.h"
 #include "net/SocketError.h"
 #include "net/UrlParts.h"
 

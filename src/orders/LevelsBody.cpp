@@ -1,6 +1,6 @@
 #include "orders/LevelsBody.h"
 
-#include "net/JsonNumber.h"
+#include "net/records/JsonNumber.h"
 
 using namespace Qt::StringLiterals;
 

@@ -1,16 +1,17 @@
 #include "orders/ModifyDialog.h"
 
-#include "app/DecimalEdit.h"
-#include "app/DecimalText.h"
-#include "app/FocusOrder.h"
-#include "app/HeldEnter.h"
-#include "app/NumberFormat.h"
-#include "app/ServerText.h"
-#include "app/Theme.h"
+#include "app/base/NumberFormat.h"
+#include "app/base/ServerText.h"
+#include "app/ui/DecimalEdit.h"
+#include "app/ui/DecimalText.h"
+#include "app/ui/FocusOrder.h"
+#include "app/ui/HeldEnter.h"
+#include "app/ui/PlainText.h"
+#include "app/ui/Theme.h"
 #include "net/ApiClient.h"
-#include "net/JsonNumber.h"
 #include "net/ReplyOutcome.h"
 #include "net/UrlParts.h"
+#include "net/records/JsonNumber.h"
 
 #include <QFormLayout>
 #include <QHBoxLayout>

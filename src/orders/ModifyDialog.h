@@ -1,6 +1,6 @@
 #pragma once
 
-#include "app/SoundPlayer.h"
+#include "app/ui/SoundPlayer.h"
 #include "orders/LevelsBody.h"
 #include "orders/SendingDialog.h"
 

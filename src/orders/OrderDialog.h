@@ -1,7 +1,7 @@
 #pragma once
 
-#include "app/SoundPlayer.h"
-#include "net/Quote.h"
+#include "app/ui/SoundPlayer.h"
+#include "net/records/Quote.h"
 #include "orders/OrderBody.h"
 #include "orders/SendingDialog.h"
 

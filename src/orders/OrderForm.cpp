@@ -1,9 +1,10 @@
 #include "orders/OrderForm.h"
 
-#include "app/DecimalEdit.h"
-#include "app/DecimalSpinBox.h"
-#include "app/ServerText.h"
-#include "app/WheelFocus.h"
+#include "app/base/ServerText.h"
+#include "app/ui/DecimalEdit.h"
+#include "app/ui/DecimalSpinBox.h"
+#include "app/ui/PlainText.h"
+#include "app/ui/WheelFocus.h"
 
 #include <QAbstractItemView>
 #include <QComboBox>

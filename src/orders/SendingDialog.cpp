@@ -1,6 +1,6 @@
 #include "orders/SendingDialog.h"
 
-#include "app/Log.h"
+#include "app/base/Log.h"
 #include "net/ReplyOutcome.h"
 
 #include <QCloseEvent>

@@ -1,6 +1,6 @@
 #include "orders/TickChartWidget.h"
 
-#include "app/NumberFormat.h"
+#include "app/base/NumberFormat.h"
 #include "orders/TickChartGeometry.h"
 
 #include <QPainter>

@@ -1,7 +1,7 @@
 #include "panes/AccountLabel.h"
 
-#include "app/ServerText.h"
-#include "net/JsonNumber.h"
+#include "app/base/ServerText.h"
+#include "net/records/JsonNumber.h"
 
 #include <QCoreApplication>
 #include <QJsonObject>

@@ -1,7 +1,7 @@
 #include "panes/AlertBook.h"
 
-#include "net/JsonNumber.h"
-#include "net/PriceSnapshot.h"
+#include "net/records/JsonNumber.h"
+#include "net/records/PriceSnapshot.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>

@@ -1,9 +1,9 @@
 #include "panes/AlertDialog.h"
 
-#include "app/DecimalSpinBox.h"
-#include "app/FocusOrder.h"
-#include "app/ServerText.h"
-#include "app/WheelFocus.h"
+#include "app/base/ServerText.h"
+#include "app/ui/DecimalSpinBox.h"
+#include "app/ui/FocusOrder.h"
+#include "app/ui/WheelFocus.h"
 
 #include <QComboBox>
 #include <QDialogButtonBox>

@@ -1,10 +1,10 @@
 #include "panes/AlertsPane.h"
 
-#include "app/NumberFormat.h"
-#include "app/ServerText.h"
-#include "app/TerminalSettings.h"
-#include "app/Theme.h"
-#include "net/PriceSnapshot.h"
+#include "app/base/NumberFormat.h"
+#include "app/base/ServerText.h"
+#include "app/base/TerminalSettings.h"
+#include "app/ui/Theme.h"
+#include "net/records/PriceSnapshot.h"
 #include "panes/AlertDialog.h"
 
 #include <QHBoxLayout>

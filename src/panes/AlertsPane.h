@@ -1,7 +1,7 @@
 #pragma once
 
-#include "app/Balloon.h"
-#include "app/SoundPlayer.h"
+#include "app/base/Balloon.h"
+#include "app/ui/SoundPlayer.h"
 #include "panes/AlertBook.h"
 
 #include <QStringList>

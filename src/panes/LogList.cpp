@@ -1,6 +1,6 @@
 #include "panes/LogList.h"
 
-#include "app/ServerText.h"
+#include "app/base/ServerText.h"
 #include "panes/FittingDelegate.h"
 
 #include <QDateTime>

@@ -1,10 +1,10 @@
 #include "panes/MarketWatchWidget.h"
 
-#include "app/NumberFormat.h"
-#include "app/ServerText.h"
-#include "app/Theme.h"
-#include "net/JsonNumber.h"
-#include "net/PriceSnapshot.h"
+#include "app/base/NumberFormat.h"
+#include "app/base/ServerText.h"
+#include "app/ui/Theme.h"
+#include "net/records/JsonNumber.h"
+#include "net/records/PriceSnapshot.h"
 #include "panes/SymbolFacts.h"
 #include "panes/SymbolOrder.h"
 

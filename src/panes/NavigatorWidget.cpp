@@ -1,8 +1,8 @@
 #include "panes/NavigatorWidget.h"
 
-#include "app/ServerText.h"
-#include "app/Theme.h"
-#include "net/JsonNumber.h"
+#include "app/base/ServerText.h"
+#include "app/ui/Theme.h"
+#include "net/records/JsonNumber.h"
 #include "panes/AccountLabel.h"
 #include "panes/PaneIcons.h"
 

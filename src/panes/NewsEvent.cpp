@@ -1,9 +1,9 @@
 #include "panes/NewsEvent.h"
 
-#include "app/ServerText.h"
-#include "app/Theme.h"
-#include "app/UtcTime.h"
-#include "net/JsonNumber.h"
+#include "app/base/ServerText.h"
+#include "app/base/UtcTime.h"
+#include "app/ui/Theme.h"
+#include "net/records/JsonNumber.h"
 
 #include <QCoreApplication>
 #include <QDateTime>

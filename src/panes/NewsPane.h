@@ -1,6 +1,6 @@
 #pragma once
 
-#include "app/Balloon.h"
+#include "app/base/Balloon.h"
 #include "net/ReadCoalescer.h"
 
 #include <QSet>

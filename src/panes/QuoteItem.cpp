@@ -1,8 +1,9 @@
 #include "panes/QuoteItem.h"
 
-#include "app/NumberFormat.h"
-#include "app/ServerText.h"
-#include "app/Theme.h"
+#include "app/base/NumberFormat.h"
+#include "app/base/ServerText.h"
+#include "app/ui/PlainText.h"
+#include "app/ui/Theme.h"
 #include "panes/PaneIcons.h"
 
 #include <QCoreApplication>

@@ -1,9 +1,9 @@
 #include "panes/SymbolFacts.h"
 
-#include "app/NumberFormat.h"
-#include "app/PriceRule.h"
-#include "app/ServerText.h"
-#include "net/JsonNumber.h"
+#include "app/base/NumberFormat.h"
+#include "app/base/PriceRule.h"
+#include "app/base/ServerText.h"
+#include "net/records/JsonNumber.h"
 
 #include <QCoreApplication>
 #include <QJsonObject>

@@ -1,6 +1,6 @@
 #include "panes/SymbolOrder.h"
 
-#include "net/JsonNumber.h"
+#include "net/records/JsonNumber.h"
 
 #include <QJsonArray>
 

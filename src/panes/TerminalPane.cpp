@@ -1,9 +1,9 @@
 #include "panes/TerminalPane.h"
 
-#include "app/NumberFormat.h"
-#include "app/Theme.h"
-#include "net/JsonNumber.h"
-#include "net/PriceSnapshot.h"
+#include "app/base/NumberFormat.h"
+#include "app/ui/Theme.h"
+#include "net/records/JsonNumber.h"
+#include "net/records/PriceSnapshot.h"
 #include "panes/LogList.h"
 #include "panes/TradeCells.h"
 #include "panes/TradeItem.h"

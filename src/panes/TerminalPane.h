@@ -1,6 +1,6 @@
 #pragma once
 
-#include "app/PriceRule.h"
+#include "app/base/PriceRule.h"
 
 #include <QHash>
 #include <QJsonArray>

@@ -1,9 +1,9 @@
 #include "panes/TradeCells.h"
 
-#include "app/NumberFormat.h"
-#include "app/ServerText.h"
-#include "app/Theme.h"
-#include "net/JsonNumber.h"
+#include "app/base/NumberFormat.h"
+#include "app/base/ServerText.h"
+#include "app/ui/Theme.h"
+#include "net/records/JsonNumber.h"
 
 #include <QDateTime>
 #include <QJsonObject>

@@ -1,8 +1,8 @@
 #include "panes/TradeItem.h"
 
-#include "app/NumberFormat.h"
-#include "app/Theme.h"
-#include "net/JsonNumber.h"
+#include "app/base/NumberFormat.h"
+#include "app/ui/Theme.h"
+#include "net/records/JsonNumber.h"
 #include "panes/TradeCells.h"
 
 #include <QJsonObject>

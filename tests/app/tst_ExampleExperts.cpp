@@ -168,5 +168,5 @@ private:
     std::unique_ptr<QJSEngine> m_engine;
 };
 
-TAVORAN_TEST_MAIN(TestExampleExperts)
+TAVORAN_TEST(TestExampleExperts)
 #include "tst_ExampleExperts.moc"

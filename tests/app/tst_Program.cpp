@@ -50,5 +50,5 @@ private:
     }
 };
 
-TAVORAN_TEST_MAIN(TestProgram)
+TAVORAN_TEST(TestProgram)
 #include "tst_Program.moc"

@@ -1,6 +1,6 @@
-#include "app/Log.h"
 #include "app/PublicSettings.h"
-#include "app/TerminalSettings.h"
+#include "app/base/Log.h"
+#include "app/base/TerminalSettings.h"
 #include "support/TestMain.h"
 
 #include <QTcpServer>
@@ -221,5 +221,5 @@ private Q_SLOTS:
     }
 };
 
-TAVORAN_TEST_MAIN(TestPublicSettings)
+TAVORAN_TEST(TestPublicSettings)
 #include "tst_PublicSettings.moc"

@@ -1,6 +1,6 @@
 #include "app/StartUp.h"
-#include "app/TerminalSettings.h"
-#include "app/Theme.h"
+#include "app/base/TerminalSettings.h"
+#include "app/ui/Theme.h"
 #include "support/LogMessages.h"
 #include "support/TestMain.h"
 
@@ -304,5 +304,5 @@ private:
     bool m_quitAtSetUp = false;
 };
 
-TAVORAN_TEST_MAIN(TestStartUp)
+TAVORAN_TEST(TestStartUp)
 #include "tst_StartUp.moc"

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "chart/Candle.h"
+#include "chart/series/Candle.h"
 
 #include <QColor>
 #include <QImage>

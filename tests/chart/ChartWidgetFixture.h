@@ -1,7 +1,7 @@
 #pragma once
 
-#include "ChartFixtures.h"
-#include "chart/ChartWidget.h"
+#include "chart/ChartFixtures.h"
+#include "chart/window/ChartWidget.h"
 
 #include <QtTest>
 

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "app/TerminalSettings.h"
-#include "chart/ChartWidget.h"
-#include "chart/DrawingStore.h"
+#include "app/base/TerminalSettings.h"
+#include "chart/window/ChartWidget.h"
+#include "chart/window/DrawingStore.h"
 #include "net/ApiClient.h"
 #include "support/StubHttpServer.h"
 

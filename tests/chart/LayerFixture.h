@@ -1,7 +1,7 @@
 #pragma once
 
-#include "ChartFixtures.h"
-#include "chart/ChartFrame.h"
+#include "chart/ChartFixtures.h"
+#include "chart/layers/ChartFrame.h"
 
 #include <QImage>
 #include <QPainter>

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "DrawingFixtures.h"
-#include "chart/ChartFrame.h"
-#include "chart/ChartWidget.h"
+#include "chart/DrawingFixtures.h"
+#include "chart/layers/ChartFrame.h"
+#include "chart/window/ChartWidget.h"
 
 #include <QImage>
 #include <QPainter>

@@ -1,6 +1,8 @@
 #include "experts/ExpertFixture.h"
 #include "support/TestMain.h"
 
+#include <QApplication>
+
 #include <QProcess>
 
 #include <cstdio>

@@ -492,5 +492,5 @@ private Q_SLOTS:
     }
 };
 
-TAVORAN_TEST_MAIN(tst_ExpertEngine)
+TAVORAN_TEST(tst_ExpertEngine)
 #include "tst_ExpertEngine.moc"

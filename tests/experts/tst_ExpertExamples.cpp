@@ -81,5 +81,5 @@ private Q_SLOTS:
     }
 };
 
-TAVORAN_TEST_MAIN(tst_ExpertExamples)
+TAVORAN_TEST(tst_ExpertExamples)
 #include "tst_ExpertExamples.moc"

@@ -261,5 +261,5 @@ private Q_SLOTS:
     }
 };
 
-TAVORAN_TEST_MAIN(tst_ExpertGuide)
+TAVORAN_TEST(tst_ExpertGuide)
 #include "tst_ExpertGuide.moc"

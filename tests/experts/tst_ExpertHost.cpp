@@ -299,5 +299,5 @@ private Q_SLOTS:
     }
 };
 
-TAVORAN_TEST_MAIN(tst_ExpertHost)
+TAVORAN_TEST(tst_ExpertHost)
 #include "tst_ExpertHost.moc"

@@ -166,5 +166,5 @@ private Q_SLOTS:
     }
 };
 
-TAVORAN_TEST_MAIN(tst_ExpertPrelude)
+TAVORAN_TEST(tst_ExpertPrelude)
 #include "tst_ExpertPrelude.moc"

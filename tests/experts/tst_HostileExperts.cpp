@@ -384,5 +384,5 @@ private Q_SLOTS:
     }
 };
 
-TAVORAN_TEST_MAIN(tst_HostileExperts)
+TAVORAN_TEST(tst_HostileExperts)
 #include "tst_HostileExperts.moc"

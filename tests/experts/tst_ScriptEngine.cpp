@@ -226,5 +226,5 @@ private Q_SLOTS:
     }
 };
 
-TAVORAN_TEST_MAIN(tst_ScriptEngine)
+TAVORAN_TEST(tst_ScriptEngine)
 #include "tst_ScriptEngine.moc"

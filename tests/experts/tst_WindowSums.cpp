@@ -111,5 +111,5 @@ private Q_SLOTS:
     }
 };
 
-TAVORAN_TEST_MAIN(tst_WindowSums)
+TAVORAN_TEST(tst_WindowSums)
 #include "tst_WindowSums.moc"

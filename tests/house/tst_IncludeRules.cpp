@@ -2,39 +2,84 @@
 
 #include <QDirIterator>
 #include <QHash>
+#include <QLibraryInfo>
 #include <QRegularExpression>
 #include <QSet>
 
 using namespace Qt::StringLiterals;
 
-/// Holds the house together: which folder may include which. A new dependency is a decision, made here.
+/// Holds the house together: which room may know which. A new dependency is a decision, made here.
 class tst_IncludeRules final : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void everyFolderIncludesOnlyWhatItMay();
-    void theChartsDataKnowsNoWidgets();
+    void everyRoomIncludesOnlyWhatItMay();
+    void everyRoomLinksWhatTheRulesSay();
+    void everyFolderWithSourcesIsARoom();
+    void roomsWithoutWindowsIncludeNoWidget();
+    void roomsOfTheCoreIncludeTheCoreOnly();
     void thePracticePlatformIsIndependent();
-    void scriptsSeeTheChartsDataOnly();
     void nobodyNamesTheMainWindow();
     void theRulesSeeTheSources();
 };
 
 namespace {
 
-const QHash<QString, QSet<QString>>& allowed()
+const QString& root()
 {
-    static const QHash<QString, QSet<QString>> rules{
-        {u"app"_s, {u"app"_s}},
-        {u"net"_s, {u"app"_s, u"net"_s}},
-        {u"experts"_s, {u"app"_s, u"net"_s, u"chart"_s, u"experts"_s}},
-        {u"chart"_s, {u"app"_s, u"net"_s, u"chart"_s, u"experts"_s}},
-        {u"orders"_s, {u"app"_s, u"net"_s, u"orders"_s}},
-        {u"panes"_s, {u"app"_s, u"net"_s, u"panes"_s}},
-        {u"mainwindow"_s,
-            {u"app"_s, u"net"_s, u"chart"_s, u"experts"_s, u"orders"_s, u"panes"_s, u"mainwindow"_s}},
+    static const QString path = QStringLiteral(PROJECT_ROOT);
+    return path;
+}
+
+/// What each room below src/ is built on. It may include those, what they are built on, and itself.
+const QHash<QString, QSet<QString>>& rules()
+{
+    static const QHash<QString, QSet<QString>> table{
+        {u"app/base"_s, {}},
+        {u"app/ui"_s, {u"app/base"_s}},
+        {u"net/records"_s, {u"app/base"_s}},
+        {u"net"_s, {u"net/records"_s}},
+        {u"net/signin"_s, {u"net"_s, u"app/ui"_s}},
+        {u"app"_s, {u"net"_s, u"app/ui"_s}},
+        {u"chart/series"_s, {u"net/records"_s}},
+        {u"chart/data"_s, {u"chart/series"_s}},
+        {u"chart/gestures"_s, {u"chart/data"_s}},
+        {u"chart/layers"_s, {u"chart/gestures"_s}},
+        {u"experts"_s, {u"chart/series"_s}},
+        {u"chart/window"_s, {u"chart/layers"_s, u"experts"_s, u"net"_s, u"app/ui"_s}},
+        {u"orders"_s, {u"net"_s, u"app/ui"_s}},
+        {u"panes"_s, {u"net"_s, u"app/ui"_s}},
+        {u"mainwindow"_s, {u"chart/window"_s, u"orders"_s, u"panes"_s}},
     };
-    return rules;
+    return table;
+}
+
+/// Qt's core alone, so that they can be used where there is no display.
+const QSet<QString>& coreRooms()
+{
+    static const QSet<QString> rooms{u"app/base"_s, u"net/records"_s, u"chart/series"_s};
+    return rooms;
+}
+
+/// No widget, so that they can be tested without a window.
+const QSet<QString>& windowlessRooms()
+{
+    static const QSet<QString> rooms
+        = coreRooms() + QSet<QString>{u"net"_s, u"experts"_s, u"chart/data"_s, u"chart/gestures"_s};
+    return rooms;
+}
+
+QSet<QString> mayInclude(const QString& room)
+{
+    QSet<QString> all{room};
+    for (const QString& below : rules().value(room))
+        all.unite(mayInclude(below));
+    return all;
+}
+
+QString folderOf(const QString& path)
+{
+    return path.section(u'/', 0, -2);
 }
 
 /// The executable's own file, which stands above every library.
@@ -53,10 +98,9 @@ QList<Include> includesBelow(const QString& folder)
 {
     static const QRegularExpression directive(
         uR"(^\s*#\s*include\s*([<"])([^>"]+)[>"])"_s, QRegularExpression::MultilineOption);
-    const QString root = QStringLiteral(PROJECT_ROOT);
     QList<Include> includes;
     QDirIterator files(
-        root + u'/' + folder, {u"*.h"_s, u"*.cpp"_s}, QDir::Files, QDirIterator::Subdirectories);
+        root() + u'/' + folder, {u"*.h"_s, u"*.cpp"_s}, QDir::Files, QDirIterator::Subdirectories);
     while (files.hasNext()) {
         const QString path = files.next();
         QFile file(path);
@@ -66,21 +110,27 @@ QList<Include> includesBelow(const QString& folder)
         auto match = directive.globalMatch(text);
         while (match.hasNext()) {
             const QRegularExpressionMatch found = match.next();
-            includes.append({path.mid(root.size() + 1), found.captured(2), found.captured(1) == u"\""_s});
+            includes.append({path.mid(root().size() + 1), found.captured(2), found.captured(1) == u"\""_s});
         }
     }
     return includes;
 }
 
-/// The headers of the library `chart_data`, and the two files of the window that need no widget either.
-const QStringList& dataFiles()
+/// The rooms of a CMake list's library that are linked as they are named: by path.
+QSet<QString> linkedRooms(const QString& room)
 {
-    static const QStringList names{u"Candle"_s, u"CandleSeries"_s, u"ChartColors"_s, u"ChartGestures"_s,
-        u"ChartLook"_s, u"ChartScene"_s, u"ChartTexts"_s, u"ChartType"_s, u"ChartView"_s, u"Drawing"_s,
-        u"DrawingGeometry"_s, u"DrawingKind"_s, u"DrawingList"_s, u"DrawingTool"_s, u"GridSteps"_s,
-        u"HistoryReply"_s, u"IndicatorCache"_s, u"Indicators"_s, u"LevelDrag"_s, u"MovingAverageSpec"_s,
-        u"PanZoom"_s, u"Timeframe"_s, u"TradeLevel"_s, u"TradeLevels"_s, u"ViewState"_s};
-    return names;
+    static const QRegularExpression links(uR"(\bLINKS\s+([^)]*)\))"_s);
+    QFile list(root() + "/src/"_L1 + room + "/CMakeLists.txt"_L1);
+    if (!list.open(QIODevice::ReadOnly))
+        return {u"(no list)"_s};
+    const QString names = links.match(QString::fromUtf8(list.readAll())).captured(1);
+    QSet<QString> rooms;
+    for (const QString& known : rules().keys()) {
+        const QString library = QString(known).replace(u'/', u'_');
+        if (names.split(QRegularExpression(u"\\s+"_s)).contains(library))
+            rooms.insert(known);
+    }
+    return rooms;
 }
 
 void reportAll(const QStringList& offences)
@@ -90,38 +140,54 @@ void reportAll(const QStringList& offences)
 
 } // namespace
 
-void tst_IncludeRules::everyFolderIncludesOnlyWhatItMay()
+void tst_IncludeRules::everyRoomIncludesOnlyWhatItMay()
 {
     QStringList offences;
     for (const Include& include : includesBelow(u"src"_s)) {
-        const QString from = include.file.section(u'/', 1, 1);
-        const QString to = include.target.section(u'/', 0, 0);
         if (!include.quoted || !include.target.contains(u'/') || isExecutableSource(include.file))
             continue;
-        if (!allowed().value(from).contains(to))
+        const QString room = folderOf(include.file).section(u'/', 1);
+        if (!mayInclude(room).contains(folderOf(include.target)))
             offences.append(include.file + u" must not include "_s + include.target);
     }
     reportAll(offences);
 }
 
-void tst_IncludeRules::theChartsDataKnowsNoWidgets()
+void tst_IncludeRules::everyRoomLinksWhatTheRulesSay()
 {
+    for (auto rule = rules().cbegin(); rule != rules().cend(); ++rule)
+        QVERIFY2(linkedRooms(rule.key()) == rule.value(), qPrintable(rule.key()));
+}
+
+void tst_IncludeRules::everyFolderWithSourcesIsARoom()
+{
+    for (const Include& include : includesBelow(u"src"_s)) {
+        const QString folder = folderOf(include.file).section(u'/', 1);
+        QVERIFY2(folder.isEmpty() || rules().contains(folder), qPrintable(include.file));
+    }
+}
+
+void tst_IncludeRules::roomsWithoutWindowsIncludeNoWidget()
+{
+    const QDir widgets(QLibraryInfo::path(QLibraryInfo::HeadersPath) + "/QtWidgets"_L1);
+    QVERIFY(widgets.exists(u"QWidget"_s));
     QStringList offences;
-    for (const Include& include : includesBelow(u"src/chart"_s)) {
-        const QString name = include.file.section(u'/', -1).section(u'.', 0, 0);
-        if (dataFiles().contains(name)
-            && (include.target.contains("Widget"_L1) || include.target == "QPainter"_L1))
+    for (const Include& include : includesBelow(u"src"_s)) {
+        if (windowlessRooms().contains(folderOf(include.file).section(u'/', 1)) && !include.quoted
+            && widgets.exists(include.target))
             offences.append(include.file + u" must not include "_s + include.target);
     }
     reportAll(offences);
 }
 
-void tst_IncludeRules::scriptsSeeTheChartsDataOnly()
+void tst_IncludeRules::roomsOfTheCoreIncludeTheCoreOnly()
 {
+    const QDir core(QLibraryInfo::path(QLibraryInfo::HeadersPath) + "/QtCore"_L1);
+    QVERIFY(core.exists(u"QObject"_s));
     QStringList offences;
-    for (const Include& include : includesBelow(u"src/experts"_s)) {
-        const QString name = include.target.section(u'/', -1).section(u'.', 0, 0);
-        if (include.target.startsWith("chart/"_L1) && !dataFiles().contains(name))
+    for (const Include& include : includesBelow(u"src"_s)) {
+        if (coreRooms().contains(folderOf(include.file).section(u'/', 1)) && include.target.startsWith(u'Q')
+            && !core.exists(include.target))
             offences.append(include.file + u" must not include "_s + include.target);
     }
     reportAll(offences);
@@ -161,5 +227,5 @@ void tst_IncludeRules::theRulesSeeTheSources()
     QVERIFY(includesBelow(u"practice"_s).size() > 50);
 }
 
-TAVORAN_TEST_MAIN(tst_IncludeRules)
+TAVORAN_TEST(tst_IncludeRules)
 #include "tst_IncludeRules.moc"

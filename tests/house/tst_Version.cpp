@@ -52,5 +52,5 @@ private Q_SLOTS:
     }
 };
 
-TAVORAN_TEST_MAIN(tst_Version)
+TAVORAN_TEST(tst_Version)
 #include "tst_Version.moc"

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "MainWindowFixture.h"
-#include "chart/ChartWidget.h"
-#include "chart/ChartWindow.h"
+#include "chart/window/ChartWidget.h"
+#include "chart/window/ChartWindow.h"
 #include "mainwindow/TerminalActions.h"
 #include "support/Hands.h"
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "app/TerminalSettings.h"
+#include "app/base/TerminalSettings.h"
 #include "mainwindow/ChartArea.h"
 #include "mainwindow/MainWindow.h"
 #include "net/ApiClient.h"

@@ -1,5 +1,5 @@
 #include "mainwindow/AccountBook.h"
-#include "net/PriceSnapshot.h"
+#include "net/records/PriceSnapshot.h"
 #include "support/TestMain.h"
 
 #include <QJsonDocument>
@@ -268,5 +268,5 @@ void tst_AccountBook::knownTradePricesNameOnlyTradedSymbols()
     QCOMPARE(book.knownTradePrices(), object(R"({"A":{"bid":1},"C":{"bid":3}})"));
 }
 
-TAVORAN_TEST_MAIN(tst_AccountBook)
+TAVORAN_TEST(tst_AccountBook)
 #include "tst_AccountBook.moc"

@@ -484,5 +484,5 @@ void tst_AccountFlow::navigatorListsTheAccountsAndSwitchesThem()
     QCOMPARE(f.selector().currentData().toString(), u"a2"_s);
 }
 
-TAVORAN_TEST_MAIN(tst_AccountFlow)
+TAVORAN_TEST(tst_AccountFlow)
 #include "tst_AccountFlow.moc"

@@ -1,4 +1,4 @@
-#include "app/Theme.h"
+#include "app/ui/Theme.h"
 #include "mainwindow/ActionIcons.h"
 #include "mainwindow/Pictograms.h"
 #include "support/TestMain.h"
@@ -267,5 +267,5 @@ void tst_ActionIcons::contactSheet()
     QVERIFY(sheet.save(file));
 }
 
-TAVORAN_TEST_MAIN(tst_ActionIcons)
+TAVORAN_TEST(tst_ActionIcons)
 #include "tst_ActionIcons.moc"

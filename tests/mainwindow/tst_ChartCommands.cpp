@@ -1,7 +1,7 @@
 #include "CommandDriver.h"
-#include "app/Theme.h"
-#include "chart/ChartWidget.h"
-#include "chart/ChartWindow.h"
+#include "app/ui/Theme.h"
+#include "chart/window/ChartWidget.h"
+#include "chart/window/ChartWindow.h"
 #include "mainwindow/ChartCommands.h"
 #include "support/TestMain.h"
 
@@ -380,5 +380,5 @@ void tst_ChartCommands::aReplyAfterTheLastChartHasGoneChangesNothing()
     QCOMPARE(marks(a), QStringList{u"Cursor"_s});
 }
 
-TAVORAN_TEST_MAIN(tst_ChartCommands)
+TAVORAN_TEST(tst_ChartCommands)
 #include "tst_ChartCommands.moc"

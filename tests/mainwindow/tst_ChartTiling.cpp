@@ -1,5 +1,5 @@
 #include "CommandDriver.h"
-#include "app/Theme.h"
+#include "app/ui/Theme.h"
 #include "support/TestMain.h"
 
 #include <QMdiSubWindow>
@@ -196,5 +196,5 @@ void tst_ChartTiling::closeEndsTheActiveChartOnly()
     QCOMPARE(d.f.charts().at(1)->symbol(), u"GBPUSD"_s);
 }
 
-TAVORAN_TEST_MAIN(tst_ChartTiling)
+TAVORAN_TEST(tst_ChartTiling)
 #include "tst_ChartTiling.moc"

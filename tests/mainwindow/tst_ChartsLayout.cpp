@@ -97,5 +97,5 @@ void tst_ChartsLayout::thousandsOfEntriesAreCut()
     QCOMPARE(read.constFirst().symbol, u"0"_s);
 }
 
-TAVORAN_TEST_MAIN(tst_ChartsLayout)
+TAVORAN_TEST(tst_ChartsLayout)
 #include "tst_ChartsLayout.moc"

@@ -115,5 +115,5 @@ void tst_DesktopLinks::theGuideNeedsNothingButItself()
         QVERIFY2(page.contains(u"<code>"_s + name), qPrintable(name));
 }
 
-TAVORAN_TEST_MAIN(tst_DesktopLinks)
+TAVORAN_TEST(tst_DesktopLinks)
 #include "tst_DesktopLinks.moc"

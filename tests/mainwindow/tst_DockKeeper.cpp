@@ -1,4 +1,4 @@
-#include "app/TerminalSettings.h"
+#include "app/base/TerminalSettings.h"
 #include "mainwindow/DockKeeper.h"
 #include "support/TestMain.h"
 
@@ -546,5 +546,5 @@ void tst_DockKeeper::maximizedStateSurvives()
     QVERIFY(w.window.isMaximized());
 }
 
-TAVORAN_TEST_MAIN(tst_DockKeeper)
+TAVORAN_TEST(tst_DockKeeper)
 #include "tst_DockKeeper.moc"

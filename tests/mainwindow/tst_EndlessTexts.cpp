@@ -1,7 +1,7 @@
 #include "MainWindowFixture.h"
-#include "chart/ChartFrame.h"
-#include "chart/ChartWidget.h"
-#include "chart/ChartWindow.h"
+#include "chart/layers/ChartFrame.h"
+#include "chart/window/ChartWidget.h"
+#include "chart/window/ChartWindow.h"
 #include "panes/NavigatorWidget.h"
 #include "support/LogMessages.h"
 #include "support/TestMain.h"
@@ -304,5 +304,5 @@ void TestEndlessTexts::the_journal_hides_a_token_that_the_server_echoes()
     QVERIFY(fixtures::logMessages().contains(u"[Trade] Orders changed (for [hidden]) — refreshing"_s));
 }
 
-TAVORAN_TEST_MAIN(TestEndlessTexts)
+TAVORAN_TEST(TestEndlessTexts)
 #include "tst_EndlessTexts.moc"

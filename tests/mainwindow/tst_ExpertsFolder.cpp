@@ -144,5 +144,5 @@ void tst_ExpertsFolder::defaultPathIsBelowTheDataFolder()
     QCOMPARE(ExpertsFolder().path(), data + u"/Experts"_s);
 }
 
-TAVORAN_TEST_MAIN(tst_ExpertsFolder)
+TAVORAN_TEST(tst_ExpertsFolder)
 #include "tst_ExpertsFolder.moc"

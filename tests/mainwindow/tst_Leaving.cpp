@@ -266,5 +266,5 @@ void tst_Leaving::anOpenQuestionDoesNotHoldTheTerminalBack()
     QCOMPARE(runAnd(*f.window, [&] { f.action("E&xit")->trigger(); }), 0);
 }
 
-TAVORAN_TEST_MAIN(tst_Leaving)
+TAVORAN_TEST(tst_Leaving)
 #include "tst_Leaving.moc"

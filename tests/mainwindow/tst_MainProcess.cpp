@@ -1,4 +1,4 @@
-#include "app/TerminalSettings.h"
+#include "app/base/TerminalSettings.h"
 #include "support/LogMessages.h"
 #include "support/StubFeedServer.h"
 #include "support/StubHttpServer.h"
@@ -179,5 +179,5 @@ void tst_MainProcess::theFirstWindowIsMadeForItsScreen()
     QCOMPARE(inner.size().expandedTo(largest - roomForAnyFrame), inner.size());
 }
 
-TAVORAN_TEST_MAIN(tst_MainProcess)
+TAVORAN_TEST(tst_MainProcess)
 #include "tst_MainProcess.moc"

@@ -1,6 +1,6 @@
 #include "MainWindowFixture.h"
 #include "app/FileFixture.h"
-#include "app/Theme.h"
+#include "app/ui/Theme.h"
 #include "mainwindow/PopupPrices.h"
 #include "mainwindow/TrayIcon.h"
 #include "panes/AlertsPane.h"
@@ -284,5 +284,5 @@ void tst_MainWindow::trayMenuOffersShowAndExit()
     QCOMPARE(exit.count(), 1);
 }
 
-TAVORAN_TEST_MAIN(tst_MainWindow)
+TAVORAN_TEST(tst_MainWindow)
 #include "tst_MainWindow.moc"

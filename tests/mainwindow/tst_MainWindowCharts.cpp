@@ -1,7 +1,7 @@
 #include "MainWindowFixture.h"
-#include "chart/ChartFrame.h"
-#include "chart/ChartWidget.h"
-#include "chart/ChartWindow.h"
+#include "chart/layers/ChartFrame.h"
+#include "chart/window/ChartWidget.h"
+#include "chart/window/ChartWindow.h"
 #include "support/TestMain.h"
 
 #include <QDoubleSpinBox>
@@ -506,5 +506,5 @@ void tst_MainWindowCharts::theKeyForExitQuitsAndSavesTheCharts()
     QVERIFY(!TerminalSettings::instance().windowState().isEmpty());
 }
 
-TAVORAN_TEST_MAIN(tst_MainWindowCharts)
+TAVORAN_TEST(tst_MainWindowCharts)
 #include "tst_MainWindowCharts.moc"

@@ -1,4 +1,4 @@
-#include "chart/ChartWindow.h"
+#include "chart/window/ChartWindow.h"
 #include "mainwindow/ExpertsFolder.h"
 #include "mainwindow/MainWindowFixture.h"
 #include "panes/NavigatorWidget.h"
@@ -290,5 +290,5 @@ private Q_SLOTS:
     }
 };
 
-TAVORAN_TEST_MAIN(tst_MainWindowExperts)
+TAVORAN_TEST(tst_MainWindowExperts)
 #include "tst_MainWindowExperts.moc"

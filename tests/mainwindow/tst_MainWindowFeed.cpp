@@ -1,7 +1,7 @@
 #include "MainWindowFixture.h"
-#include "app/Log.h"
-#include "chart/ChartWidget.h"
-#include "chart/ChartWindow.h"
+#include "app/base/Log.h"
+#include "chart/window/ChartWidget.h"
+#include "chart/window/ChartWindow.h"
 #include "mainwindow/PopupPrices.h"
 #include "support/PaintCounter.h"
 #include "support/TestMain.h"
@@ -288,5 +288,5 @@ void tst_MainWindowFeed::floodOfMessagesIsSurvived()
     QTRY_COMPARE_WITH_TIMEOUT(f.list("tradeList").topLevelItem(0)->text(8), u"2000.00000"_s, 30'000);
 }
 
-TAVORAN_TEST_MAIN(tst_MainWindowFeed)
+TAVORAN_TEST(tst_MainWindowFeed)
 #include "tst_MainWindowFeed.moc"

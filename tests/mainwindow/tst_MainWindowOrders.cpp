@@ -371,5 +371,5 @@ void tst_MainWindowOrders::orderEventsAreHeardAndShown()
         QSystemTrayIcon::isSystemTrayAvailable());
 }
 
-TAVORAN_TEST_MAIN(tst_MainWindowOrders)
+TAVORAN_TEST(tst_MainWindowOrders)
 #include "tst_MainWindowOrders.moc"

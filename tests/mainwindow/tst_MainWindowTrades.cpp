@@ -1,9 +1,9 @@
 #include "MainWindowFixture.h"
 
-#include "app/DecimalEdit.h"
-#include "chart/ChartWidget.h"
-#include "chart/ChartWindow.h"
-#include "chart/OneClickPanel.h"
+#include "app/ui/DecimalEdit.h"
+#include "chart/window/ChartWidget.h"
+#include "chart/window/ChartWindow.h"
+#include "chart/window/OneClickPanel.h"
 #include "orders/ModifyDialog.h"
 #include "orders/OrderDialog.h"
 #include "panes/AlertsPane.h"
@@ -414,5 +414,5 @@ void tst_MainWindowTrades::theCalendarIsReadAfterEachHello()
     QTRY_COMPARE(f.http.count("GET", "/api/news/upcoming"), 2);
 }
 
-TAVORAN_TEST_MAIN(tst_MainWindowTrades)
+TAVORAN_TEST(tst_MainWindowTrades)
 #include "tst_MainWindowTrades.moc"

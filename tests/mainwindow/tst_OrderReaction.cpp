@@ -222,5 +222,5 @@ void tst_OrderReaction::accountEventRefreshesAccountsOnly()
     QCOMPARE(balloon.count(), balloons);
 }
 
-TAVORAN_TEST_MAIN(tst_OrderReaction)
+TAVORAN_TEST(tst_OrderReaction)
 #include "tst_OrderReaction.moc"

@@ -143,5 +143,5 @@ void tst_SavedGeometry::eachRectangleIsBroughtOntoAScreen()
     }
 }
 
-TAVORAN_TEST_MAIN(tst_SavedGeometry)
+TAVORAN_TEST(tst_SavedGeometry)
 #include "tst_SavedGeometry.moc"

@@ -168,5 +168,5 @@ void tst_ScreenFit::aFloatingToolBarIsLeftAlone()
     QCOMPARE(bar->geometry(), overTheEdge);
 }
 
-TAVORAN_TEST_MAIN(tst_ScreenFit)
+TAVORAN_TEST(tst_ScreenFit)
 #include "tst_ScreenFit.moc"

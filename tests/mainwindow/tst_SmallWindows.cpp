@@ -1,5 +1,5 @@
 #include "CommandDriver.h"
-#include "app/Theme.h"
+#include "app/ui/Theme.h"
 #include "mainwindow/AboutBox.h"
 #include "mainwindow/DepthOfMarket.h"
 #include "mainwindow/SymbolSpecification.h"
@@ -351,5 +351,5 @@ void tst_SmallWindows::keysOfTheMainWindowWorkInSmallWindows()
     QTRY_VERIFY(!shown<DepthOfMarket>(d));
 }
 
-TAVORAN_TEST_MAIN(tst_SmallWindows)
+TAVORAN_TEST(tst_SmallWindows)
 #include "tst_SmallWindows.moc"

@@ -171,5 +171,5 @@ void tst_StatusPanel::kilobytesKeepOneDecimal()
     QCOMPARE(StatusPanel::kilobytes(std::numeric_limits<quint64>::max()), u"18014398509481984.0"_s);
 }
 
-TAVORAN_TEST_MAIN(tst_StatusPanel)
+TAVORAN_TEST(tst_StatusPanel)
 #include "tst_StatusPanel.moc"

@@ -1,7 +1,7 @@
 #include "CommandDriver.h"
 
-#include "app/UpdateFramework.h"
-#include "chart/OneClickPanel.h"
+#include "app/base/UpdateFramework.h"
+#include "chart/window/OneClickPanel.h"
 #include "mainwindow/ActionIcons.h"
 #include "orders/OrderDialog.h"
 #include "support/TestMain.h"
@@ -501,5 +501,5 @@ void tst_TerminalActions::f1OpensTheGuide()
     QVERIFY(catcher.urls.constFirst().path().endsWith("/Tavoran-EA-Guide.html"_L1));
 }
 
-TAVORAN_TEST_MAIN(tst_TerminalActions)
+TAVORAN_TEST(tst_TerminalActions)
 #include "tst_TerminalActions.moc"

@@ -1,5 +1,5 @@
 #include "CommandDriver.h"
-#include "app/Theme.h"
+#include "app/ui/Theme.h"
 #include "support/TestMain.h"
 
 #include <QDockWidget>
@@ -133,5 +133,5 @@ void tst_ToolBars::whatHasNoRoomIsBehindAnArrow()
     QVERIFY2(strongest > easilySeen, qPrintable(QString::number(strongest)));
 }
 
-TAVORAN_TEST_MAIN(tst_ToolBars)
+TAVORAN_TEST(tst_ToolBars)
 #include "tst_ToolBars.moc"

@@ -1,4 +1,4 @@
-#include "app/TerminalSettings.h"
+#include "app/base/TerminalSettings.h"
 #include "mainwindow/AccountBook.h"
 #include "mainwindow/TradeActions.h"
 #include "net/ApiClient.h"
@@ -775,5 +775,5 @@ void TestTradeActions::repliesAfterTheEndDoNoHarm()
     QCOMPARE(lines.size(), 0);
 }
 
-TAVORAN_TEST_MAIN(TestTradeActions)
+TAVORAN_TEST(TestTradeActions)
 #include "tst_TradeActions.moc"

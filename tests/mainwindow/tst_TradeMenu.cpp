@@ -202,5 +202,5 @@ void TestTradeMenu::serverTextInTheQuestionIsText()
     QCOMPARE(desk.question()->text(), u"Close position b uy 0.00 <table>%2 X (#<b> 1)?"_s);
 }
 
-TAVORAN_TEST_MAIN(TestTradeMenu)
+TAVORAN_TEST(TestTradeMenu)
 #include "tst_TradeMenu.moc"

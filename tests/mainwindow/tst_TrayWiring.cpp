@@ -1,7 +1,7 @@
 #include "MainWindowFixture.h"
 
-#include "app/SoundPlayer.h"
-#include "app/Theme.h"
+#include "app/ui/SoundPlayer.h"
+#include "app/ui/Theme.h"
 #include "mainwindow/TrayIcon.h"
 #include "support/TestMain.h"
 
@@ -380,5 +380,5 @@ void tst_TrayWiring::aBalloonHoldsNoMarkup()
     QCOMPARE(balloons[0].text, u"<\u200bimg src='file:///x'> %2"_s);
 }
 
-TAVORAN_TEST_MAIN(tst_TrayWiring)
+TAVORAN_TEST(tst_TrayWiring)
 #include "tst_TrayWiring.moc"

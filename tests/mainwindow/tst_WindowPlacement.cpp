@@ -132,5 +132,5 @@ void tst_WindowPlacement::withoutAScreenNothingIsFitted()
     QCOMPARE(fittedToScreen(wanted, {1, 28, 1, 1}, {500, 300}, {}), wanted);
 }
 
-TAVORAN_TEST_MAIN(tst_WindowPlacement)
+TAVORAN_TEST(tst_WindowPlacement)
 #include "tst_WindowPlacement.moc"

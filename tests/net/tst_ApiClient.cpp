@@ -1,7 +1,7 @@
 #include "net/ApiClient.h"
 
-#include "FinishReply.h"
-#include "app/TerminalSettings.h"
+#include "app/base/TerminalSettings.h"
+#include "net/FinishReply.h"
 #include "support/StubHttpServer.h"
 #include "support/TestMain.h"
 
@@ -491,5 +491,5 @@ void TestApiClient::the_client_may_be_deleted_on_unauthorized()
     QVERIFY(!called);
 }
 
-TAVORAN_TEST_MAIN(TestApiClient)
+TAVORAN_TEST(TestApiClient)
 #include "tst_ApiClient.moc"

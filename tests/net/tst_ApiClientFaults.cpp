@@ -1,6 +1,6 @@
-#include "FinishReply.h"
-#include "app/TerminalSettings.h"
+#include "app/base/TerminalSettings.h"
 #include "net/ApiClient.h"
+#include "net/FinishReply.h"
 #include "support/StubHttpServer.h"
 #include "support/TestMain.h"
 
@@ -299,5 +299,5 @@ void TestApiClientFaults::a_huge_message_is_cut()
     QCOMPARE(readError(u"/x"_s).size(), 301);
 }
 
-TAVORAN_TEST_MAIN(TestApiClientFaults)
+TAVORAN_TEST(TestApiClientFaults)
 #include "tst_ApiClientFaults.moc"

@@ -1,6 +1,6 @@
-#include "FinishReply.h"
-#include "app/TerminalSettings.h"
+#include "app/base/TerminalSettings.h"
 #include "net/ApiClient.h"
+#include "net/FinishReply.h"
 #include "support/StubHttpServer.h"
 #include "support/TestMain.h"
 
@@ -238,5 +238,5 @@ void TestApiClientLimits::an_error_of_the_server_leaves_doubt_but_is_an_answer()
     QVERIFY(!outcome.isUnanswered());
 }
 
-TAVORAN_TEST_MAIN(TestApiClientLimits)
+TAVORAN_TEST(TestApiClientLimits)
 #include "tst_ApiClientLimits.moc"

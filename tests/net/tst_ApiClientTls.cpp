@@ -1,4 +1,4 @@
-#include "app/TerminalSettings.h"
+#include "app/base/TerminalSettings.h"
 #include "net/ApiClient.h"
 #include "net/ReplyOutcome.h"
 #include "support/StubHttpServer.h"
@@ -175,5 +175,5 @@ void TestApiClientTls::nothing_is_sent_to_a_server_whose_certificate_is_not_trus
     QCOMPARE(m_server->requests().size(), 0);
 }
 
-TAVORAN_TEST_MAIN(TestApiClientTls)
+TAVORAN_TEST(TestApiClientTls)
 #include "tst_ApiClientTls.moc"

@@ -266,5 +266,5 @@ void TestFeedBacklog::it_may_be_deleted_by_whoever_hears_of_a_message()
     QCOMPARE(m_seen, numbers(1));
 }
 
-TAVORAN_TEST_MAIN(TestFeedBacklog)
+TAVORAN_TEST(TestFeedBacklog)
 #include "tst_FeedBacklog.moc"

@@ -1,6 +1,6 @@
 #include "net/ReadCoalescer.h"
 
-#include "app/TerminalSettings.h"
+#include "app/base/TerminalSettings.h"
 #include "support/StubHttpServer.h"
 #include "support/TestMain.h"
 
@@ -259,5 +259,5 @@ void TestReadCoalescer::the_coalescer_may_be_deleted_inside_a_callback()
     QCOMPARE(m_calls, QStringList());
 }
 
-TAVORAN_TEST_MAIN(TestReadCoalescer)
+TAVORAN_TEST(TestReadCoalescer)
 #include "tst_ReadCoalescer.moc"

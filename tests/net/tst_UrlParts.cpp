@@ -59,5 +59,5 @@ void TestUrlParts::finds_dot_segments_however_they_are_written()
     QCOMPARE(hasDotSegment(path), expected);
 }
 
-TAVORAN_TEST_MAIN(TestUrlParts)
+TAVORAN_TEST(TestUrlParts)
 #include "tst_UrlParts.moc"

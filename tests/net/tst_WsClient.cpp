@@ -1,6 +1,6 @@
 #include "net/WsClient.h"
 
-#include "app/TerminalSettings.h"
+#include "app/base/TerminalSettings.h"
 #include "support/StubFeedServer.h"
 #include "support/TestMain.h"
 
@@ -512,5 +512,5 @@ void TestWsClient::it_may_be_deleted_while_connected()
     QCOMPARE(m_feed->attempts(), 1);
 }
 
-TAVORAN_TEST_MAIN(TestWsClient)
+TAVORAN_TEST(TestWsClient)
 #include "tst_WsClient.moc"

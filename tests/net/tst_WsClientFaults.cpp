@@ -1,4 +1,4 @@
-#include "app/TerminalSettings.h"
+#include "app/base/TerminalSettings.h"
 #include "net/SocketError.h"
 #include "net/WsClient.h"
 #include "support/StubFeedServer.h"
@@ -326,5 +326,5 @@ void TestWsClientFaults::it_may_be_deleted_in_any_state()
     QCOMPARE(m_log.size(), entries);
 }
 
-TAVORAN_TEST_MAIN(TestWsClientFaults)
+TAVORAN_TEST(TestWsClientFaults)
 #include "tst_WsClientFaults.moc"

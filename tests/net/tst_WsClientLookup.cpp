@@ -1,4 +1,4 @@
-#include "app/TerminalSettings.h"
+#include "app/base/TerminalSettings.h"
 #include "net/WsClient.h"
 #include "support/StubFeedServer.h"
 #include "support/TestMain.h"
@@ -104,5 +104,5 @@ void TestWsClientLookup::a_name_that_becomes_known_ends_the_retries()
     QCOMPARE(lookups, m_retries.size() + 1);
 }
 
-TAVORAN_TEST_MAIN(TestWsClientLookup)
+TAVORAN_TEST(TestWsClientLookup)
 #include "tst_WsClientLookup.moc"

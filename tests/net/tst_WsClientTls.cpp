@@ -1,4 +1,4 @@
-#include "app/TerminalSettings.h"
+#include "app/base/TerminalSettings.h"
 #include "net/WsClient.h"
 #include "support/StubFeedServer.h"
 #include "support/StubHttpServer.h"
@@ -122,5 +122,5 @@ void TestWsClientTls::a_failure_of_tls_is_overcome()
     QCOMPARE(m_feed->attempts(), 1);
 }
 
-TAVORAN_TEST_MAIN(TestWsClientTls)
+TAVORAN_TEST(TestWsClientTls)
 #include "tst_WsClientTls.moc"

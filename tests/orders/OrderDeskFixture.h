@@ -1,7 +1,7 @@
 #pragma once
 
-#include "app/DecimalEdit.h"
-#include "app/TerminalSettings.h"
+#include "app/base/TerminalSettings.h"
+#include "app/ui/DecimalEdit.h"
 #include "net/ApiClient.h"
 #include "net/WsClient.h"
 #include "orders/OrderDialog.h"

@@ -82,5 +82,5 @@ void TestLevelsBody::onlyTheExactStatusIsPending()
     QVERIFY(!isPending({}));
 }
 
-TAVORAN_TEST_MAIN(TestLevelsBody)
+TAVORAN_TEST(TestLevelsBody)
 #include "tst_LevelsBody.moc"

@@ -1,5 +1,5 @@
-#include "app/DecimalEdit.h"
-#include "app/TerminalSettings.h"
+#include "app/base/TerminalSettings.h"
+#include "app/ui/DecimalEdit.h"
 #include "net/ApiClient.h"
 #include "orders/ModifyDialog.h"
 #include "support/Hands.h"
@@ -726,5 +726,5 @@ void TestModifyDialog::destroyedWhileSendingItDoesNoHarm()
     QTRY_COMPARE(desk.api.findChildren<QNetworkReply*>().size(), 0);
 }
 
-TAVORAN_TEST_MAIN(TestModifyDialog)
+TAVORAN_TEST(TestModifyDialog)
 #include "tst_ModifyDialog.moc"

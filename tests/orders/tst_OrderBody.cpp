@@ -153,5 +153,5 @@ void TestOrderBody::numbersAreSentAsNumbersAndIdsAsTheyAre()
     QCOMPARE(QJsonDocument::fromJson(wire).object().value("symbol"_L1).toString(), ticket.symbol);
 }
 
-TAVORAN_TEST_MAIN(TestOrderBody)
+TAVORAN_TEST(TestOrderBody)
 #include "tst_OrderBody.moc"

@@ -1,6 +1,6 @@
 #include "OrderDeskFixture.h"
-#include "app/DecimalSpinBox.h"
-#include "app/Theme.h"
+#include "app/ui/DecimalSpinBox.h"
+#include "app/ui/Theme.h"
 #include "support/TestMain.h"
 
 using namespace Qt::StringLiterals;
@@ -249,5 +249,5 @@ void TestOrderDialog::escapeAndMinimizePlaceNothing()
     }
 }
 
-TAVORAN_TEST_MAIN(TestOrderDialog)
+TAVORAN_TEST(TestOrderDialog)
 #include "tst_OrderDialog.moc"

@@ -1,6 +1,6 @@
 #include "OrderDeskFixture.h"
-#include "app/DecimalSpinBox.h"
-#include "app/Theme.h"
+#include "app/ui/DecimalSpinBox.h"
+#include "app/ui/Theme.h"
 #include "support/Hands.h"
 #include "support/LogMessages.h"
 #include "support/TestMain.h"
@@ -491,5 +491,5 @@ void TestOrderDialogAnswers::aWindowDestroyedWhileSendingDoesNoHarm()
     QTRY_VERIFY(!reply);
 }
 
-TAVORAN_TEST_MAIN(TestOrderDialogAnswers)
+TAVORAN_TEST(TestOrderDialogAnswers)
 #include "tst_OrderDialogAnswers.moc"

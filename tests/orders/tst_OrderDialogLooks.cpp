@@ -1,6 +1,6 @@
 #include "OrderDeskFixture.h"
-#include "app/DecimalSpinBox.h"
-#include "app/Theme.h"
+#include "app/ui/DecimalSpinBox.h"
+#include "app/ui/Theme.h"
 #include "support/TestMain.h"
 
 #include <QAbstractItemView>
@@ -249,5 +249,5 @@ void TestOrderDialogLooks::aLongSymbolListScrolls()
     symbols->hidePopup();
 }
 
-TAVORAN_TEST_MAIN(TestOrderDialogLooks)
+TAVORAN_TEST(TestOrderDialogLooks)
 #include "tst_OrderDialogLooks.moc"

@@ -1,6 +1,6 @@
 #include "OrderDeskFixture.h"
-#include "app/DecimalSpinBox.h"
-#include "app/Theme.h"
+#include "app/ui/DecimalSpinBox.h"
+#include "app/ui/Theme.h"
 #include "support/TestMain.h"
 
 using namespace Qt::StringLiterals;
@@ -202,5 +202,5 @@ void TestOrderDialogPrices::oddSymbolListsDoNoHarm()
     QTRY_COMPARE(empty.error()->text(), u"Unknown symbol"_s);
 }
 
-TAVORAN_TEST_MAIN(TestOrderDialogPrices)
+TAVORAN_TEST(TestOrderDialogPrices)
 #include "tst_OrderDialogPrices.moc"

@@ -1,6 +1,6 @@
 #include "OrderDeskFixture.h"
-#include "app/DecimalSpinBox.h"
-#include "app/Theme.h"
+#include "app/ui/DecimalSpinBox.h"
+#include "app/ui/Theme.h"
 #include "support/Hands.h"
 #include "support/TestMain.h"
 
@@ -204,5 +204,5 @@ void TestOrderDialogTyping::theWheelTurnsWhatHasTheFocus()
     QCOMPARE(desk.combo(u"orderSymbol"_s)->currentIndex(), 1);
 }
 
-TAVORAN_TEST_MAIN(TestOrderDialogTyping)
+TAVORAN_TEST(TestOrderDialogTyping)
 #include "tst_OrderDialogTyping.moc"

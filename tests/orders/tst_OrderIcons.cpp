@@ -17,5 +17,5 @@ void tst_OrderIcons::anIconIsDrawnOnceAndThenShared()
     QVERIFY(orderIcon(OrderIcon::Market).cacheKey() != orderIcon(OrderIcon::Limit).cacheKey());
 }
 
-TAVORAN_TEST_MAIN(tst_OrderIcons)
+TAVORAN_TEST(tst_OrderIcons)
 #include "tst_OrderIcons.moc"

@@ -265,5 +265,5 @@ void TestTickChart::hasItsSizeAndDigits()
     QVERIFY(chart.testAttribute(Qt::WA_StyledBackground));
 }
 
-TAVORAN_TEST_MAIN(TestTickChart)
+TAVORAN_TEST(TestTickChart)
 #include "tst_TickChart.moc"

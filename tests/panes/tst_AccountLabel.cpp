@@ -57,5 +57,5 @@ void TestAccountLabel::labels()
     QCOMPARE(accountLabel(document.object()), label);
 }
 
-TAVORAN_TEST_MAIN(TestAccountLabel)
+TAVORAN_TEST(TestAccountLabel)
 #include "tst_AccountLabel.moc"

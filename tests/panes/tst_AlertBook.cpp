@@ -1,4 +1,4 @@
-#include "net/PriceSnapshot.h"
+#include "net/records/PriceSnapshot.h"
 #include "panes/AlertBook.h"
 #include "support/ParseJson.h"
 #include "support/TestMain.h"
@@ -183,5 +183,5 @@ void TestAlertBook::agreesWithLookingAtEveryAlert()
     }
 }
 
-TAVORAN_TEST_MAIN(TestAlertBook)
+TAVORAN_TEST(TestAlertBook)
 #include "tst_AlertBook.moc"

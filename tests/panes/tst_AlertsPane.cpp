@@ -1,5 +1,5 @@
-#include "app/DecimalSpinBox.h"
-#include "app/TerminalSettings.h"
+#include "app/base/TerminalSettings.h"
+#include "app/ui/DecimalSpinBox.h"
 #include "panes/AlertDialog.h"
 #include "panes/AlertsPane.h"
 #include "support/Hands.h"
@@ -530,5 +530,5 @@ void TestAlertsPane::oneOfTenThousandFires()
     QCOMPARE(AlertBook::fromJson(stored()).alerts().size(), count);
 }
 
-TAVORAN_TEST_MAIN(TestAlertsPane)
+TAVORAN_TEST(TestAlertsPane)
 #include "tst_AlertsPane.moc"

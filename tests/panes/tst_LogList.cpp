@@ -240,5 +240,5 @@ void TestLogList::aRowTakesLittleMemory()
     QVERIFY(each > 100);
 }
 
-TAVORAN_TEST_MAIN(TestLogList)
+TAVORAN_TEST(TestLogList)
 #include "tst_LogList.moc"

@@ -1,5 +1,5 @@
 #include "MarketWatchFixture.h"
-#include "app/Theme.h"
+#include "app/ui/Theme.h"
 #include "panes/PaneIcons.h"
 #include "support/TestMain.h"
 
@@ -172,5 +172,5 @@ void TestMarketWatchLooks::ticksCannotBeSelected()
     QCOMPARE(watch.pages->currentIndex(), 0);
 }
 
-TAVORAN_TEST_MAIN(TestMarketWatchLooks)
+TAVORAN_TEST(TestMarketWatchLooks)
 #include "tst_MarketWatchLooks.moc"

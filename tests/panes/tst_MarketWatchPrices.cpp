@@ -1,5 +1,5 @@
 #include "MarketWatchFixture.h"
-#include "app/Theme.h"
+#include "app/ui/Theme.h"
 #include "panes/PaneIcons.h"
 #include "support/PaintCounter.h"
 #include "support/TestMain.h"
@@ -244,5 +244,5 @@ void TestMarketWatchPrices::aChangedSnapshotPaintsOnce()
     QTRY_COMPARE(paints.count(), 1);
 }
 
-TAVORAN_TEST_MAIN(TestMarketWatchPrices)
+TAVORAN_TEST(TestMarketWatchPrices)
 #include "tst_MarketWatchPrices.moc"

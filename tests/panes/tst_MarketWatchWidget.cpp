@@ -1,5 +1,5 @@
 #include "MarketWatchFixture.h"
-#include "app/Theme.h"
+#include "app/ui/Theme.h"
 #include "support/TestMain.h"
 
 #include <QProxyStyle>
@@ -221,5 +221,5 @@ void TestMarketWatchWidget::currentSymbolFallsBackToTheFirstRow()
     QCOMPARE(watch.widget.currentSymbol(), QString());
 }
 
-TAVORAN_TEST_MAIN(TestMarketWatchWidget)
+TAVORAN_TEST(TestMarketWatchWidget)
 #include "tst_MarketWatchWidget.moc"

@@ -1,4 +1,4 @@
-#include "app/Theme.h"
+#include "app/ui/Theme.h"
 #include "panes/NavigatorWidget.h"
 #include "support/ParseJson.h"
 #include "support/TestMain.h"
@@ -294,5 +294,5 @@ void TestNavigatorWidget::iconsShowDetailAtAHighRatio()
     }
 }
 
-TAVORAN_TEST_MAIN(TestNavigatorWidget)
+TAVORAN_TEST(TestNavigatorWidget)
 #include "tst_NavigatorWidget.moc"

@@ -1,4 +1,4 @@
-#include "app/TerminalSettings.h"
+#include "app/base/TerminalSettings.h"
 #include "net/ApiClient.h"
 #include "panes/NewsEvent.h"
 #include "panes/NewsPane.h"
@@ -371,5 +371,5 @@ void TestNewsPane::aRefreshKeepsThePlaceInTheList()
     QVERIFY(bar->maximum() > 10);
 }
 
-TAVORAN_TEST_MAIN(TestNewsPane)
+TAVORAN_TEST(TestNewsPane)
 #include "tst_NewsPane.moc"

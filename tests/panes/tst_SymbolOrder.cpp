@@ -42,5 +42,5 @@ void TestSymbolOrder::order()
     QCOMPARE(sorted, names);
 }
 
-TAVORAN_TEST_MAIN(TestSymbolOrder)
+TAVORAN_TEST(TestSymbolOrder)
 #include "tst_SymbolOrder.moc"

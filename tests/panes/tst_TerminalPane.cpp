@@ -541,5 +541,5 @@ void TestTerminalPane::historyHasNeitherMenuNorDoubleClick()
     QCOMPARE(clicks.size() + menus.size(), 0);
 }
 
-TAVORAN_TEST_MAIN(TestTerminalPane)
+TAVORAN_TEST(TestTerminalPane)
 #include "tst_TerminalPane.moc"

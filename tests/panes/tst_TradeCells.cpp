@@ -155,5 +155,5 @@ void TestTradeCells::serverTextsStayOnOneLine()
     QCOMPARE(cells.at(TradeType), u"x y"_s);
 }
 
-TAVORAN_TEST_MAIN(TestTradeCells)
+TAVORAN_TEST(TestTradeCells)
 #include "tst_TradeCells.moc"

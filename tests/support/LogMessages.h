@@ -1,6 +1,6 @@
 #pragma once
 
-#include "app/Log.h"
+#include "app/base/Log.h"
 
 #include <QFile>
 #include <QStringList>

@@ -1,7 +1,41 @@
 #include "support/TestMain.h"
 
 #include <QDir>
+#include <QFileInfo>
+#include <QMap>
 #include <QTemporaryDir>
+
+#include <cstdio>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+QMap<QString, TestRegistry::Run>& classes()
+{
+    static QMap<QString, TestRegistry::Run> known;
+    return known;
+}
+
+} // namespace
+
+TestRegistry::TestRegistry(const char* path, Run run)
+{
+    classes().insert(QFileInfo(QString::fromUtf8(path)).completeBaseName(), run);
+}
+
+int TestRegistry::runNamed(int argc, char** argv)
+{
+    const QString name = argc > 1 ? QString::fromLocal8Bit(argv[1]) : QString();
+    const Run run = classes().value(name);
+    if (!run) {
+        std::fprintf(stderr, "Say which, and what else Qt Test is to know: %s\n",
+            qPrintable(classes().keys().join(u' ')));
+        return 2;
+    }
+    argv[1] = argv[0];
+    return run(argc - 1, argv + 1);
+}
 
 void usePrivateFolders()
 {

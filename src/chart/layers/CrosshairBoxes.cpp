@@ -1,6 +1,6 @@
 #include "chart/layers/CrosshairBoxes.h"
 
-#include "chart/ChartView.h"
+#include "chart/data/ChartView.h"
 #include "chart/layers/PriceTag.h"
 
 #include <array>

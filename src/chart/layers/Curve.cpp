@@ -1,6 +1,6 @@
 #include "chart/layers/Curve.h"
 
-#include "chart/ChartView.h"
+#include "chart/data/ChartView.h"
 
 #include <QPainter>
 #include <QRect>

@@ -1,5 +1,5 @@
-#include "chart/ChartFrame.h"
-#include "chart/DrawingGeometry.h"
+#include "chart/data/DrawingGeometry.h"
+#include "chart/layers/ChartFrame.h"
 #include "chart/layers/Layers.h"
 #include "chart/layers/LineStrokes.h"
 #include "chart/layers/OverlayAreas.h"

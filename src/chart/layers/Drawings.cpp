@@ -1,6 +1,6 @@
-#include "app/NumberFormat.h"
-#include "chart/ChartFrame.h"
-#include "chart/DrawingGeometry.h"
+#include "app/base/NumberFormat.h"
+#include "chart/data/DrawingGeometry.h"
+#include "chart/layers/ChartFrame.h"
 #include "chart/layers/Layers.h"
 #include "chart/layers/LineStrokes.h"
 

@@ -1,4 +1,4 @@
-#include "chart/ChartFrame.h"
+#include "chart/layers/ChartFrame.h"
 #include "chart/layers/Layers.h"
 
 #include <QCoreApplication>

@@ -1,5 +1,5 @@
-#include "chart/ChartFrame.h"
-#include "chart/ChartTexts.h"
+#include "chart/data/ChartTexts.h"
+#include "chart/layers/ChartFrame.h"
 #include "chart/layers/Layers.h"
 
 #include <QColor>

@@ -1,10 +1,10 @@
 #include "chart/layers/OverlayAreas.h"
 
-#include "chart/ChartView.h"
-#include "chart/DrawingGeometry.h"
-#include "chart/TextPainter.h"
+#include "chart/data/ChartView.h"
+#include "chart/data/DrawingGeometry.h"
 #include "chart/layers/CrosshairBoxes.h"
 #include "chart/layers/PriceTag.h"
+#include "chart/layers/TextPainter.h"
 
 #include <algorithm>
 

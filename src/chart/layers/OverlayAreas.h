@@ -1,7 +1,7 @@
 #pragma once
 
-#include "chart/ChartGestures.h"
-#include "chart/DrawingKind.h"
+#include "chart/data/DrawingKind.h"
+#include "chart/gestures/ChartGestures.h"
 
 #include <QRegion>
 

@@ -1,6 +1,6 @@
 #include "chart/layers/PenLines.h"
 
-#include "chart/ChartFrame.h"
+#include "chart/layers/ChartFrame.h"
 #include "chart/layers/DeviceScale.h"
 
 #include <QPainter>

@@ -1,6 +1,6 @@
-#include "app/NumberFormat.h"
-#include "chart/ChartFrame.h"
-#include "chart/GridSteps.h"
+#include "app/base/NumberFormat.h"
+#include "chart/data/GridSteps.h"
+#include "chart/layers/ChartFrame.h"
 #include "chart/layers/Layers.h"
 #include "chart/layers/Strokes.h"
 

@@ -1,6 +1,6 @@
 #include "chart/layers/PriceTag.h"
 
-#include "chart/ChartView.h"
+#include "chart/data/ChartView.h"
 
 QRect priceTagBox(const ChartView& view, int y)
 {

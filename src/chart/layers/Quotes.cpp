@@ -1,5 +1,5 @@
-#include "app/NumberFormat.h"
-#include "chart/ChartFrame.h"
+#include "app/base/NumberFormat.h"
+#include "chart/layers/ChartFrame.h"
 #include "chart/layers/Layers.h"
 #include "chart/layers/PriceTag.h"
 #include "chart/layers/Strokes.h"

@@ -1,6 +1,6 @@
-#include "chart/Ruler.h"
+#include "chart/gestures/Ruler.h"
 
-#include "chart/ChartFrame.h"
+#include "chart/layers/ChartFrame.h"
 #include "chart/layers/Layers.h"
 #include "chart/layers/LineStrokes.h"
 #include "chart/layers/Strokes.h"

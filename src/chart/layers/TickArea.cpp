@@ -1,6 +1,6 @@
 #include "chart/layers/TickArea.h"
 
-#include "chart/ChartScene.h"
+#include "chart/data/ChartScene.h"
 
 #include <algorithm>
 

@@ -1,6 +1,6 @@
-#include "chart/ChartFrame.h"
-#include "chart/ChartTexts.h"
-#include "chart/GridSteps.h"
+#include "chart/data/ChartTexts.h"
+#include "chart/data/GridSteps.h"
+#include "chart/layers/ChartFrame.h"
 #include "chart/layers/Layers.h"
 #include "chart/layers/Strokes.h"
 

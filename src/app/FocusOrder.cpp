@@ -1,9 +1,0 @@
-#include "app/FocusOrder.h"
-
-#include <QWidget>
-
-void setFocusOrder(const QList<QWidget*>& widgets)
-{
-    for (qsizetype i = 1; i < widgets.size(); ++i)
-        QWidget::setTabOrder(widgets.at(i - 1), widgets.at(i));
-}

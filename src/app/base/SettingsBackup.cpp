@@ -1,0 +1,114 @@
+#include "app/base/SettingsBackup.h"
+
+#include "app/base/PrivateFile.h"
+
+#include <QCryptographicHash>
+
+#include <cstdio>
+#include <utility>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+QByteArray contentOf(const QString& path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+QByteArray digestOf(const QByteArray& content)
+{
+    return QCryptographicHash::hash(content, QCryptographicHash::Sha256).toHex();
+}
+
+/// In one step, also over a file that is there.
+bool moveFile(const QString& from, const QString& to)
+{
+    return std::rename(QFile::encodeName(from).constData(), QFile::encodeName(to).constData()) == 0;
+}
+
+} // namespace
+
+SettingsBackup::SettingsBackup(QString filePath)
+    : m_filePath(std::move(filePath))
+{
+}
+
+SettingsBackup::State SettingsBackup::stateOf(const QByteArray& content) const
+{
+    const QByteArray saved = copy();
+    if ((!content.isEmpty() && content == saved) || vouchesFor(content))
+        return State::Saved;
+    if (QFile::exists(savingPath()))
+        return State::Unconfirmed;
+    return content.size() < saved.size() && saved.startsWith(content) ? State::Cut : State::Other;
+}
+
+bool SettingsBackup::beginSave()
+{
+    if (QFile::exists(savingPath()) || moveFile(digestPath(), savingPath()))
+        return true;
+    QFile mark;
+    return openPrivateFile(mark, savingPath(), QIODevice::WriteOnly | QIODevice::Truncate);
+}
+
+bool SettingsBackup::confirm(const QByteArray& content)
+{
+    if (!copyFrom(content))
+        return false;
+    // Where there is no room for the digest, file and copy agree, which says the same.
+    if (contentOf(digestPath()) != digestOf(content))
+        writeDigest(content);
+    QFile::remove(savingPath());
+    return true;
+}
+
+bool SettingsBackup::copyFrom(const QByteArray& content) const
+{
+    return copy() == content || replacePrivateFile(copyPath(), content);
+}
+
+QByteArray SettingsBackup::copy() const
+{
+    return contentOf(copyPath());
+}
+
+bool SettingsBackup::vouchesFor(const QByteArray& content) const
+{
+    const QByteArray digest = digestOf(content);
+    return contentOf(digestPath()) == digest || contentOf(savingPath()) == digest;
+}
+
+bool SettingsBackup::putBack()
+{
+    return replacePrivateFile(m_filePath, copy()) || moveFile(copyPath(), m_filePath);
+}
+
+void SettingsBackup::forget()
+{
+    for (const QString& path : {copyPath(), digestPath(), savingPath()})
+        QFile::remove(path);
+}
+
+QString SettingsBackup::copyPath() const
+{
+    return m_filePath + ".copy"_L1;
+}
+
+QString SettingsBackup::digestPath() const
+{
+    return m_filePath + ".digest"_L1;
+}
+
+QString SettingsBackup::savingPath() const
+{
+    return m_filePath + ".saving"_L1;
+}
+
+void SettingsBackup::writeDigest(const QByteArray& content)
+{
+    QFile file;
+    if (openPrivateFile(file, digestPath(), QIODevice::WriteOnly | QIODevice::Truncate))
+        file.write(digestOf(content));
+}

@@ -1,0 +1,100 @@
+#include "app/base/SettingsCheck.h"
+
+#include <QDir>
+#include <QSettings>
+#include <QTemporaryFile>
+
+#include <algorithm>
+#include <utility>
+
+#ifdef Q_OS_UNIX
+#include <sys/file.h>
+#endif
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr auto prefix = "Terminal.check."_L1;
+
+/// Whether the last value's quotes are still open, as in a file that was cut off half-way. The
+/// toolkit takes all that follows an open quote as part of the value and reports nothing.
+bool endsInsideQuotes(const QByteArray& content)
+{
+    bool quoted = false;
+    bool comment = false;
+    for (qsizetype i = 0; i < content.size(); ++i) {
+        const char c = content[i];
+        if (c == '\n' || c == '\r')
+            comment = false;
+        else if (comment)
+            continue;
+        else if (c == '\\')
+            ++i;
+        else if (c == '"')
+            quoted = !quoted;
+        else if (c == ';' && !quoted)
+            comment = true;
+    }
+    return quoted;
+}
+
+/// The toolkit's parser takes nearly anything. What it writes itself holds no control characters,
+/// closes its quotes, and a store that is not empty holds at least one "key=value".
+bool looksWritten(const QByteArray& content)
+{
+    const auto isForeign = [](char c) {
+        const auto code = static_cast<unsigned char>(c);
+        return (code < 0x20 && c != '\n' && c != '\r' && c != '\t') || code == 0x7f;
+    };
+    return content.contains('=') && std::none_of(content.cbegin(), content.cend(), isForeign)
+        && !endsInsideQuotes(content);
+}
+
+/// Tells other terminals that the file is in use, until it is closed or this process ends in any way. True
+/// when nobody else said so before.
+bool claim([[maybe_unused]] const QFile& file)
+{
+#ifdef Q_OS_UNIX
+    return ::flock(file.handle(), LOCK_EX | LOCK_NB) == 0;
+#else
+    return true; // files in use cannot be removed there
+#endif
+}
+
+} // namespace
+
+SettingsCheck::SettingsCheck(QString folder)
+    : m_folder(std::move(folder))
+{
+}
+
+std::optional<bool> SettingsCheck::parsed(
+    const QByteArray& content, const std::function<bool(const QSettings&)>& look) const
+{
+    QTemporaryFile file(m_folder + u'/' + prefix + "XXXXXX"_L1);
+    if (!file.open())
+        return std::nullopt;
+    claim(file);
+    if (file.write(content) != content.size() || !file.flush())
+        return std::nullopt;
+    const QSettings settings(file.fileName(), QSettings::IniFormat);
+    return settings.status() == QSettings::NoError && look(settings);
+}
+
+bool SettingsCheck::isDamaged(const QByteArray& content) const
+{
+    return !looksWritten(content) || !parsed(content, [](const QSettings&) { return true; }).value_or(true);
+}
+
+void SettingsCheck::removeLeftOvers() const
+{
+    const QDir folder(m_folder);
+    const QStringList names = folder.entryList({prefix + "*"_L1}, QDir::Files | QDir::Hidden | QDir::System);
+    for (const QString& name : names) {
+        QFile file(folder.filePath(name));
+        // A link is none of ours, and what it points to is none of our business.
+        if (QFileInfo(file).isSymLink() || !file.open(QIODevice::ReadOnly) || claim(file))
+            file.remove();
+    }
+}

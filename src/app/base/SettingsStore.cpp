@@ -1,0 +1,225 @@
+#include "app/base/SettingsStore.h"
+
+#include "app/base/PrivateFile.h"
+#include "app/base/SettingsLock.h"
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QFileInfo>
+
+#include <algorithm>
+#include <utility>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr QFile::Permissions ownerFile = QFile::ReadOwner | QFile::WriteOwner;
+constexpr QFile::Permissions ownerFolder = ownerFile | QFile::ExeOwner;
+
+/// False where the desktop keeps settings in a registry instead of a file.
+bool isFile(const QString& path)
+{
+    return !path.startsWith(u'\\');
+}
+
+std::optional<QByteArray> contentOf(const QString& path)
+{
+    QFile file(path);
+    if (!QFileInfo(path).isFile() || !file.open(QIODevice::ReadOnly))
+        return std::nullopt;
+    return file.readAll();
+}
+
+QString notice(const char* text)
+{
+    return QCoreApplication::translate("SettingsStore", text);
+}
+
+} // namespace
+
+SettingsStore::SettingsStore(const QString& filePath)
+    : m_filePath(filePath)
+    , m_backup(filePath)
+    , m_check(folder())
+{
+    if (isFile(m_filePath)) {
+        makePrivate();
+        const SettingsLock lock(folder());
+        m_check.removeLeftOvers();
+        repair();
+        m_seen = contentOf(m_filePath);
+    }
+    m_settings = std::make_unique<QSettings>(m_filePath, QSettings::NativeFormat);
+}
+
+SettingsStore::~SettingsStore()
+{
+    if (!m_changes.isEmpty())
+        static_cast<void>(sync());
+}
+
+QString SettingsStore::userFilePath()
+{
+    return QSettings(QSettings::NativeFormat, QSettings::UserScope, u"Tavoran"_s, u"Terminal"_s).fileName();
+}
+
+QVariant SettingsStore::value(QLatin1StringView key) const
+{
+    const auto change = m_changes.constFind(QString(key));
+    return change == m_changes.cend() ? m_settings->value(QString(key)) : change->value_or(QVariant());
+}
+
+// Changes wait here, not in the toolkit's object: that would write them by itself at any time, whatever
+// stands beside the file.
+void SettingsStore::setValue(QLatin1StringView key, const QVariant& value)
+{
+    m_changes.insert(QString(key), value);
+}
+
+void SettingsStore::remove(QLatin1StringView key)
+{
+    m_changes.insert(QString(key), std::nullopt);
+}
+
+bool SettingsStore::sync()
+{
+    if (!isFile(m_filePath)) {
+        writeChanges();
+        return m_settings->status() == QSettings::NoError;
+    }
+    const SettingsLock lock(folder());
+    // Another terminal may have left there what it could not save as a whole.
+    if (!m_fileIsSuspect && contentOf(m_filePath) != m_seen)
+        repair();
+    if (!m_changes.isEmpty() && !mayWrite())
+        return false;
+    writeChanges();
+    // Made anew under the usual umask when somebody deleted it meanwhile.
+    QFile::setPermissions(m_filePath, ownerFile);
+    // The toolkit's status is no help here: good on a full disk, and bad for ever after one failure.
+    const std::optional<QByteArray> content = contentOf(m_filePath);
+    m_fileIsSuspect = !content || !matchesMemory(*content);
+    if (m_fileIsSuspect) {
+        // A full disk leaves a short file and no error. The next sync writes every value again; until then
+        // the copy holds the last good state.
+        const QStringList keys = m_settings->allKeys();
+        for (const QString& key : keys)
+            m_changes.insert(key, m_settings->value(key));
+        return false;
+    }
+    m_seen = content;
+    return m_backup.confirm(*content);
+}
+
+QString SettingsStore::damagedPath() const
+{
+    return m_filePath + ".damaged"_L1;
+}
+
+QStringList SettingsStore::takeNotices()
+{
+    return std::exchange(m_notices, {});
+}
+
+void SettingsStore::makePrivate()
+{
+    QDir().mkpath(QFileInfo(folder()).path());
+    if (!QDir(folder()).exists())
+        QDir().mkdir(folder(), ownerFolder);
+    QFile::setPermissions(folder(), ownerFolder);
+    if (QFileInfo::exists(m_filePath)) {
+        QFile::setPermissions(m_filePath, ownerFile);
+        return;
+    }
+    m_backup.forget();
+    QFile file;
+    // A failure shows at the first sync.
+    static_cast<void>(openPrivateFile(file, m_filePath, QIODevice::WriteOnly | QIODevice::Append));
+}
+
+void SettingsStore::repair()
+{
+    using State = SettingsBackup::State;
+    const std::optional<QByteArray> content = contentOf(m_filePath);
+    // In a folder that cannot be written nothing can be checked or repaired.
+    if (!content || !QFileInfo(folder()).isWritable())
+        return;
+    const State state = m_backup.stateOf(*content);
+    if (state == State::Saved)
+        return;
+    const QByteArray copy = m_backup.copy();
+    const bool copyIsGood = !copy.isEmpty() && (m_backup.vouchesFor(copy) || !m_check.isDamaged(copy));
+    // An edit by hand is no damage. What only looks like one is kept beside the file, and told.
+    const bool lacksSomething = copyIsGood && (state == State::Unconfirmed || state == State::Cut);
+    if (!lacksSomething && !m_check.isDamaged(*content))
+        return;
+    if (content->isEmpty() && !copyIsGood)
+        return; // The first start.
+    if (copyIsGood) {
+        if (!m_backup.putBack())
+            return;
+        m_notices.append(notice(QT_TRANSLATE_NOOP(
+            "SettingsStore", "The settings file was damaged; its last good copy has been put back.")));
+    }
+    const bool isKept = !content->isEmpty() && setAside(*content);
+    if (!copyIsGood) {
+        // Nothing is thrown away that is not kept elsewhere.
+        if (!isKept || !replacePrivateFile(m_filePath, {}))
+            return;
+        m_notices.append(notice(QT_TRANSLATE_NOOP("SettingsStore",
+            "The settings file was damaged and there was no good copy; default settings are used.")));
+    }
+    if (isKept)
+        m_notices.append(
+            notice(QT_TRANSLATE_NOOP("SettingsStore", "The damaged settings file is kept as %1."))
+                .arg(damagedPath()));
+}
+
+bool SettingsStore::setAside(const QByteArray& damaged) const
+{
+    // Kept for a look by hand, without the session token: signing out could not remove it there.
+    QByteArray kept;
+    for (const QByteArray& line : damaged.split('\n')) {
+        if (!line.contains("token"))
+            kept += line + '\n';
+    }
+    kept.chop(1);
+    return replacePrivateFile(damagedPath(), kept);
+}
+
+/// Whether what is in the file now would survive a write that fails half-way.
+bool SettingsStore::mayWrite()
+{
+    const std::optional<QByteArray> content = contentOf(m_filePath);
+    const bool isWorthACopy = content && !content->isEmpty() && !m_fileIsSuspect;
+    return (!isWorthACopy || m_backup.copyFrom(*content)) && m_backup.beginSave();
+}
+
+void SettingsStore::writeChanges()
+{
+    const auto changes = std::exchange(m_changes, {});
+    for (auto change = changes.cbegin(); change != changes.cend(); ++change) {
+        if (change->has_value())
+            m_settings->setValue(change.key(), **change);
+        else
+            m_settings->remove(change.key());
+    }
+    m_settings->sync();
+}
+
+bool SettingsStore::matchesMemory(const QByteArray& content) const
+{
+    const auto isTheSame = [this](const QSettings& onDisk) {
+        const QStringList keys = m_settings->allKeys();
+        return onDisk.allKeys() == keys && std::all_of(keys.cbegin(), keys.cend(), [&](const QString& key) {
+            return onDisk.value(key).toString() == m_settings->value(key).toString();
+        });
+    };
+    return m_check.parsed(content, isTheSame).value_or(false);
+}
+
+QString SettingsStore::folder() const
+{
+    return QFileInfo(m_filePath).path();
+}

@@ -1,0 +1,59 @@
+#pragma once
+
+#include "app/base/SettingsBackup.h"
+#include "app/base/SettingsCheck.h"
+
+#include <QMap>
+#include <QSettings>
+#include <QStringList>
+
+#include <memory>
+#include <optional>
+
+/// The settings file and its safety: the user's alone (0600 in a 0700 folder) before the first
+/// write, a verified copy beside it, and the copy put back when the file turns out damaged, cut or empty.
+/// Nothing is written but by sync(), and only while the copy holds what was saved before.
+class SettingsStore final {
+public:
+    /// Opens the store, repairing it first when needed. A file that is missing altogether starts
+    /// afresh: deleting it is how a person resets the terminal and signs out.
+    explicit SettingsStore(const QString& filePath);
+    /// Saves what is not saved yet.
+    ~SettingsStore();
+    Q_DISABLE_COPY_MOVE(SettingsStore)
+
+    /// Where the desktop keeps this user's store.
+    [[nodiscard]] static QString userFilePath();
+
+    [[nodiscard]] QVariant value(QLatin1StringView key) const;
+    void setValue(QLatin1StringView key, const QVariant& value);
+    void remove(QLatin1StringView key);
+
+    /// Writes to disk, reads back, and renews the copy from what was read. False when what is on
+    /// disk is not what is in memory; the older copy then stays. A file that somebody else changed is
+    /// repaired before, as at the start.
+    [[nodiscard]] bool sync();
+
+    [[nodiscard]] QString filePath() const { return m_filePath; }
+    [[nodiscard]] QString copyPath() const { return m_backup.copyPath(); }
+    [[nodiscard]] QString damagedPath() const;
+    [[nodiscard]] QStringList takeNotices();
+
+private:
+    void makePrivate();
+    void repair();
+    [[nodiscard]] bool setAside(const QByteArray& damaged) const;
+    [[nodiscard]] bool mayWrite();
+    void writeChanges();
+    [[nodiscard]] bool matchesMemory(const QByteArray& content) const;
+    [[nodiscard]] QString folder() const;
+
+    QString m_filePath;
+    SettingsBackup m_backup;
+    SettingsCheck m_check;
+    QStringList m_notices;
+    std::unique_ptr<QSettings> m_settings;
+    QMap<QString, std::optional<QVariant>> m_changes; ///< since the last good sync; nothing: removed
+    std::optional<QByteArray> m_seen;                 ///< the file as it was read or saved last
+    bool m_fileIsSuspect = false;                     ///< the last save did not end well
+};

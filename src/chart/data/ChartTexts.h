@@ -1,0 +1,24 @@
+#pragma once
+
+#include "chart/series/Candle.h"
+
+#include <QString>
+
+struct MovingAverageSpec;
+
+/// A bar's time in UTC. Bars below a day: "HH:mm", with date "dd MMM HH:mm"; longer bars: "dd MMM yyyy"
+/// always. Month names are English. Empty for times that no calendar holds.
+[[nodiscard]] QString barTimeText(qint64 timeMs, qint64 timeframeMs, bool withDate);
+
+/// The line at the top of a chart that nobody points at; server texts are shown on one line.
+[[nodiscard]] QString headerText(const QString& symbol, const QString& timeframeLabel,
+    const QString& description, const Candle& last, int digits);
+
+/// Prices of the bar under the crosshair, as drawn in the plot.
+[[nodiscard]] QString crosshairText(const Candle& bar, int digits);
+
+/// Prices and volume of the bar under the pointer, as sent to the status bar.
+[[nodiscard]] QString hoverText(const Candle& bar, int digits);
+
+/// An average in the legend of a chart, such as "EMA(21)".
+[[nodiscard]] QString averageText(const MovingAverageSpec& average);

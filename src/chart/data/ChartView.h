@@ -1,0 +1,93 @@
+#pragma once
+
+#include "chart/data/ViewState.h"
+#include "chart/series/Candle.h"
+
+#include <QRect>
+#include <QSize>
+
+#include <span>
+
+/// Indices of neighbouring bars, both ends included.
+struct BarRange {
+    qsizetype first = 0;
+    qsizetype last = -1;
+
+    [[nodiscard]] bool isEmpty() const { return first > last; }
+    [[nodiscard]] bool contains(qsizetype index) const { return index >= first && index <= last; }
+    bool operator==(const BarRange&) const = default;
+};
+
+/// Prices at the bottom and the top of the plot.
+struct PriceRange {
+    double min = 0.0;
+    double max = 1.0;
+
+    [[nodiscard]] bool contains(double price) const { return price >= min && price <= max; }
+    bool operator==(const PriceRange&) const = default;
+};
+
+/// The range that holds all `bars` and a margin below and above. While the view follows the market
+/// (`followBid` above 0) it holds bid and ask as well, so that the live price lines stay in view. Without
+/// bars and prices it is 0..1 and the margin.
+[[nodiscard]] PriceRange paddedPriceRange(std::span<const Candle> bars, double followBid, double followAsk);
+
+/// The geometry of one chart picture: rectangles, and both directions of every mapping between bars,
+/// prices and pixels. An immutable value; any size, an empty series included, has a defined answer.
+/// Right and bottom edges are the last pixel inside, as with QRect.
+class ChartView final {
+public:
+    static constexpr int priceAxisWidth = 68;
+    static constexpr int timeAxisHeight = 22;
+    static constexpr int minPlotSide = 10;
+
+    ChartView()
+        : ChartView(QSize(), ViewState(), 0, false)
+    {
+    }
+    /// `size` of the widget in pixels; `count` bars in the series; `rsi` reserves the lower pane.
+    ChartView(QSize size, const ViewState& state, qsizetype count, bool rsi);
+
+    /// The same view with another vertical scale.
+    [[nodiscard]] ChartView withPrices(const PriceRange& prices) const;
+
+    [[nodiscard]] QSize size() const { return m_size; }
+    [[nodiscard]] const QRect& plot() const { return m_plot; }
+    /// The lower pane; empty when it is off.
+    [[nodiscard]] const QRect& rsi() const { return m_rsi; }
+    /// The pixel row that the time axis lies under: the last of the plot, or of the lower pane when it is on.
+    [[nodiscard]] int timeAxisEdge() const { return (m_rsi.isEmpty() ? m_plot : m_rsi).bottom(); }
+    [[nodiscard]] QRect scrollToEndButton() const;
+    /// Empty pixels kept right of the anchor bar.
+    [[nodiscard]] int shift() const { return m_shift; }
+    [[nodiscard]] double barWidth() const { return m_barWidth; }
+    [[nodiscard]] double rightBarIndex() const { return m_rightBarIndex; }
+    [[nodiscard]] qsizetype count() const { return m_count; }
+    [[nodiscard]] const BarRange& visible() const { return m_visible; }
+    [[nodiscard]] const PriceRange& prices() const { return m_prices; }
+
+    /// Centre of a bar, in pixels; any index, also outside the series.
+    [[nodiscard]] double barX(double index) const;
+    /// The pixel column of a bar's centre.
+    [[nodiscard]] int barPixel(qsizetype index) const;
+    /// The nearest bar to a pixel column; may lie outside the series.
+    [[nodiscard]] qsizetype barAt(double x) const;
+
+    [[nodiscard]] double priceY(double price) const;
+    /// The pixel row of a price, cut to an integer.
+    [[nodiscard]] int pricePixel(double price) const;
+    [[nodiscard]] double priceAt(double y) const;
+
+    bool operator==(const ChartView&) const = default;
+
+private:
+    QSize m_size;
+    QRect m_plot;
+    QRect m_rsi;
+    int m_shift = 0;
+    double m_barWidth;
+    double m_rightBarIndex;
+    qsizetype m_count;
+    BarRange m_visible;
+    PriceRange m_prices;
+};

@@ -1,0 +1,12 @@
+#include "chart/data/ColorText.h"
+
+#include <QJsonValue>
+
+QColor readColor(const QJsonValue& value, const QColor& fallback)
+{
+    const QString name = value.toString();
+    // Asked first: the toolkit would write every unknown name to the log.
+    if (!QColor::isValidColorName(name))
+        return fallback;
+    return QColor(name).rgb();
+}

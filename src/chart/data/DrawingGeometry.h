@@ -1,0 +1,70 @@
+#pragma once
+
+#include "chart/data/ChartView.h"
+#include "chart/data/Drawing.h"
+#include "chart/data/DrawingKind.h"
+
+#include <QPoint>
+#include <QRect>
+
+#include <array>
+#include <optional>
+#include <span>
+
+/// Where the objects of one chart picture lie, for painting and for hit tests alike. Valid as long as the
+/// bars are. Objects of an unknown kind, with too few points or with a price that cannot be drawn lie
+/// nowhere, and so does everything while there are no bars.
+class DrawingGeometry final {
+public:
+    /// How far from a line, in pixels, a press still means it.
+    static constexpr int reach = 6;
+    static constexpr std::array fibonacciRatios{0.0, 0.236, 0.382, 0.5, 0.618, 0.786, 1.0};
+
+    /// An object that can be drawn; both points are equal where the kind needs only one.
+    struct Shape {
+        DrawingKind kind = DrawingKind::HorizontalLine;
+        DrawingPoint first;
+        DrawingPoint second;
+        QPoint from; ///< pixel of the first point; may lie far outside the plot
+        QPoint to;   ///< pixel of the second point; may lie far outside the plot
+    };
+
+    /// `timeframeMs` is the length of a bar.
+    DrawingGeometry(const ChartView& view, std::span<const Candle> candles, qint64 timeframeMs);
+
+    /// The pixel of a point: on the grid of the bars, also where no bar is loaded.
+    [[nodiscard]] std::optional<QPoint> pixel(const DrawingPoint& point) const;
+
+    /// The point under a pixel, on the nearest loaded bar. Nothing without bars.
+    [[nodiscard]] std::optional<DrawingPoint> anchor(const QPoint& pixel) const;
+
+    [[nodiscard]] std::optional<Shape> shape(const Drawing& drawing) const;
+
+    /// Whether a price lies within the height of the plot; levels that do not are not drawn.
+    [[nodiscard]] bool isShown(double price) const { return m_view.prices().contains(price); }
+    /// The pixel row of a shown price.
+    [[nodiscard]] int row(double price) const { return m_view.pricePixel(price); }
+
+    /// Whether a press at a pixel means the object. Only horizontal lines and trend lines can be meant: the
+    /// other kinds would take presses that are for the bars below them.
+    [[nodiscard]] bool isHit(const Drawing& drawing, const QPoint& pixel) const;
+    /// The topmost object that a press means, or -1.
+    [[nodiscard]] qsizetype topmostHit(std::span<const Drawing> drawings, const QPoint& pixel) const;
+
+    /// The square that marks a selected object's point.
+    [[nodiscard]] static QRect handle(const QPoint& point);
+    /// The square that marks a selected horizontal line.
+    [[nodiscard]] QRect horizontalLineHandle(int row) const;
+    /// The square that marks a selected vertical line: at its point, kept within the height of the plot.
+    [[nodiscard]] QRect verticalLineHandle(const QPoint& point) const;
+
+    /// The price of a level between the first point's price (ratio 0) and the second's (ratio 1).
+    [[nodiscard]] static double fibonacciPrice(const Shape& shape, double ratio);
+    /// "61.8  1.23456": the ratio in percent and the level's price.
+    [[nodiscard]] static QString fibonacciText(double ratio, double price, int digits);
+
+private:
+    ChartView m_view;
+    std::span<const Candle> m_candles;
+    qint64 m_timeframeMs;
+};

@@ -1,0 +1,22 @@
+#pragma once
+
+#include "chart/data/Drawing.h"
+
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+
+/// The objects of a chart as the server sends and takes them.
+
+/// Reads an array of {"id", "toolType", "points", "style"}. An object of an unknown kind is left out, and
+/// nothing else: a time or price that is missing or cannot be read is 0, an object with too few points keeps
+/// those that it has and lies nowhere (see DrawingGeometry), and a colour that does not parse is the usual
+/// one. Anything but an array is an empty one.
+[[nodiscard]] QList<Drawing> readDrawings(const QJsonDocument& document);
+
+/// What creates the object for a symbol and, unless it is empty, an account.
+[[nodiscard]] QJsonObject createDrawingBody(
+    const Drawing& drawing, const QString& symbol, const QString& accountId);
+
+/// What moves and recolours a stored object.
+[[nodiscard]] QJsonObject updateDrawingBody(const Drawing& drawing);

@@ -1,0 +1,70 @@
+#pragma once
+
+#include "chart/data/ChartLook.h"
+#include "chart/data/ChartView.h"
+#include "chart/data/Drawing.h"
+#include "chart/data/DrawingKind.h"
+#include "chart/data/TradeLevel.h"
+#include "chart/gestures/Ruler.h"
+#include "chart/layers/TextPainter.h"
+#include "chart/series/Candle.h"
+
+#include <QList>
+#include <QPoint>
+#include <QRegion>
+#include <QString>
+
+#include <optional>
+#include <span>
+
+/// Everything that one picture of a chart shows, taken once a frame; layers read nothing else. Valid as
+/// long as the widget that took it does not change.
+struct ChartFrame : ChartLook {
+    ChartView view;
+    std::span<const Candle> candles; ///< the whole series; layers walk `bars` only
+    BarRange bars;                   ///< the bars to paint, within the visible ones
+    qsizetype liveBar = -1;          ///< the newest bar when it is visible, else -1
+    quint64 seriesRevision = 0;      ///< differs when a bar other than the newest has changed
+    qint32 largestVolume = 1;        ///< of the visible bars, at least 1
+
+    qint64 timeframeMs = 0;
+
+    std::span<const std::span<const double>> averageValues; ///< see IndicatorCache::averages()
+    std::span<const double> rsiValues;                      ///< see IndicatorCache::strength()
+
+    std::span<const Drawing> drawings; ///< later ones on top
+    double bid = 0.0;                  ///< 0 means none
+    double ask = 0.0;                  ///< 0 means none
+    std::span<const TradeLevel> levels;
+    qsizetype draggedLevel = -1; ///< index of the level being dragged, or -1
+    double draggedPrice = 0.0;
+
+    /// An object that waits for its second point.
+    struct Preview {
+        DrawingKind kind = DrawingKind::TrendLine;
+        DrawingPoint placed;
+    };
+    std::optional<Preview> preview;
+    std::optional<Ruler::Span> ruler;
+
+    bool autoScroll = true;
+    bool chartShift = false;
+    QPoint pointer = {-1, -1};
+    bool pointerInPlot = false;
+
+    QRegion exposed;              ///< what of the picture is asked for
+    TextPainter* texts = nullptr; ///< never null while painting
+
+    [[nodiscard]] const Candle& bar(qsizetype index) const
+    {
+        return candles[static_cast<std::size_t>(index)];
+    }
+};
+
+class ChartGestures;
+class ChartScene;
+
+/// A frame of this size of what the bars, the settings and the gestures say. Indicator values, objects,
+/// levels and the pointer are not in it yet.
+[[nodiscard]] ChartFrame frameOf(
+    const ChartScene& scene, const QSize& size, const ChartLook& look, const ChartGestures& gestures);

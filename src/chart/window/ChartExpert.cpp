@@ -1,0 +1,142 @@
+#include "chart/window/ChartExpert.h"
+
+#include "chart/window/ChartWidget.h"
+#include "experts/ExpertEngine.h"
+#include "experts/ExpertScript.h"
+
+#include <QPointer>
+
+#include <cmath>
+
+using namespace Qt::StringLiterals;
+
+ChartExpert::ChartExpert(const ChartWidget& chart, const QString& symbol, QObject* parent)
+    : QObject(parent)
+    , m_chart(chart)
+    , m_symbol(symbol)
+    , m_digits(chart.digits())
+{
+}
+
+ChartExpert::~ChartExpert() = default;
+
+void ChartExpert::attach(const QString& path)
+{
+    const QPointer<ChartExpert> self(this);
+    detach();
+    // What the old expert did in the end may have brought another one here, which came later.
+    if (!self || m_engine)
+        return;
+
+    const QString source = ExpertScript::nameOf(path);
+    ExpertHost::Callbacks callbacks;
+    callbacks.bid = [this] { return m_chart.bid(); };
+    callbacks.ask = [this] { return m_chart.ask(); };
+    callbacks.balance = [this] { return m_balance; };
+    callbacks.equity = [this] { return m_equity; };
+    callbacks.positionsCount = [this] { return m_positions; };
+    callbacks.seriesRevision = [this] { return m_chart.seriesRevision(); };
+    callbacks.order = [this, source](const QString& side, double lots, double sl, double tp) {
+        order(source, side, lots, sl, tp);
+    };
+    callbacks.closeAll = [this] { Q_EMIT closeAllRequested(m_symbol); };
+    callbacks.print = [this, source](const QString& text) { Q_EMIT log(source, text, LineKind::Ordinary); };
+    callbacks.alert = [this, source](const QString& text) {
+        Q_EMIT log(source, tr("ALERT: %1").arg(text), LineKind::Ordinary);
+    };
+    callbacks.comment = [this](const QString& text) { Q_EMIT commentChanged(text); };
+
+    m_lastMessage.clear();
+    m_engine = std::make_unique<ExpertEngine>(m_symbol, m_digits, m_chart.candles(), std::move(callbacks));
+    // A later engine may come to lie where this one was: only the pointer that knows of its end tells.
+    const QPointer<ExpertEngine> engine(m_engine.get());
+    connect(engine, &ExpertEngine::message, this, [this, source](const QString& text, LineKind kind) {
+        m_lastMessage = text;
+        Q_EMIT log(source, text, kind);
+    });
+
+    QString error;
+    const bool running = engine->load(path, &error);
+    if (!self || !engine)
+        return;
+    if (running) {
+        Q_EMIT nameChanged();
+        return;
+    }
+    m_engine.reset();
+    Q_EMIT commentChanged({});
+    // What OnInit threw has been told already.
+    if (self && error != m_lastMessage)
+        Q_EMIT log(source, error, LineKind::Failure);
+}
+
+void ChartExpert::detach()
+{
+    if (!m_engine)
+        return;
+    const QPointer<ChartExpert> self(this);
+    const QPointer<ExpertEngine> engine(m_engine.get());
+    engine->stop();
+    if (!self || !engine)
+        return;
+    m_engine.reset();
+    ended();
+}
+
+void ChartExpert::ended()
+{
+    const QPointer<ChartExpert> self(this);
+    Q_EMIT commentChanged({});
+    if (self)
+        Q_EMIT nameChanged();
+}
+
+void ChartExpert::tick()
+{
+    if (!m_engine || !m_engine->isRunning())
+        return;
+    const QPointer<ChartExpert> self(this);
+    const QPointer<ExpertEngine> engine(m_engine.get());
+    engine->tick();
+    if (self && engine && !engine->isRunning())
+        ended();
+}
+
+QString ChartExpert::name() const
+{
+    return m_engine && m_engine->isRunning() ? m_engine->name() : QString();
+}
+
+void ChartExpert::setAccountFigures(double balance, double equity)
+{
+    m_balance = balance;
+    m_equity = equity;
+}
+
+void ChartExpert::setDigits(int digits)
+{
+    m_digits = digits;
+    if (m_engine)
+        m_engine->setDigits(digits);
+}
+
+void ChartExpert::order(const QString& source, const QString& side, double lots, double sl, double tp)
+{
+    // No number has no place in a request, and without its stop an order is not the one that was meant.
+    if (!std::isfinite(lots) || lots <= 0.0) {
+        Q_EMIT log(source, tr("Order ignored: the lots must be a number above 0, not %1").arg(lots),
+            LineKind::Failure);
+        return;
+    }
+    if (!std::isfinite(sl) || !std::isfinite(tp)) {
+        Q_EMIT log(source, tr("Order ignored: stop loss or take profit is not a number"), LineKind::Failure);
+        return;
+    }
+    QJsonObject body{
+        {u"symbol"_s, m_symbol}, {u"type"_s, side}, {u"orderKind"_s, u"MARKET"_s}, {u"lotSize"_s, lots}};
+    if (sl > 0.0)
+        body.insert("stopLoss"_L1, sl);
+    if (tp > 0.0)
+        body.insert("takeProfit"_L1, tp);
+    Q_EMIT orderRequested(body);
+}

@@ -1,0 +1,425 @@
+#include "chart/window/ChartWidget.h"
+
+#include "chart/data/ChartTexts.h"
+#include "chart/layers/ChartFrame.h"
+#include "chart/layers/OverlayAreas.h"
+#include "chart/layers/TickArea.h"
+
+#include <QKeyEvent>
+#include <QMouseEvent>
+#include <QPaintEvent>
+#include <QPainter>
+#include <QWheelEvent>
+
+#include <algorithm>
+#include <cmath>
+#include <utility>
+
+namespace {
+
+constexpr QPoint nowhere(-1, -1);
+constexpr int shortestRsiPeriod = 2;
+
+/// Tells whether that changed anything.
+template <typename Value> bool assign(Value& current, const Value& wanted)
+{
+    if (current == wanted)
+        return false;
+    current = wanted;
+    return true;
+}
+
+} // namespace
+
+ChartWidget::ChartWidget(QWidget* parent)
+    : QWidget(parent)
+{
+    setMouseTracking(true);
+    setFocusPolicy(Qt::StrongFocus);
+    setMinimumSize(240, 160);
+    setAttribute(Qt::WA_OpaquePaintEvent);
+}
+
+ChartWidget::~ChartWidget() = default;
+
+void ChartWidget::setCandles(std::vector<Candle> candles)
+{
+    // A refresh moves the prices away from below the pointer.
+    m_gestures.cancelLevel();
+    updateCursor();
+    replaceBars(std::move(candles));
+    scrollToEnd();
+}
+
+void ChartWidget::renewCandles(std::vector<Candle> candles)
+{
+    if (candles.empty())
+        return setCandles({});
+    const std::optional<ChartScene::Place> place = m_scene.place();
+    const double before = rightBarIndex();
+    replaceBars(std::move(candles));
+    applyView(place ? m_scene.at(*place) : m_scene.atEnd());
+    m_gestures.renumberBars(rightBarIndex() - before);
+}
+
+void ChartWidget::replaceBars(std::vector<Candle> candles)
+{
+    m_scene.setCandles(std::move(candles));
+    m_indicators.forgetBars();
+    update();
+}
+
+void ChartWidget::onTick(double bid, double ask, qint64 timeMs)
+{
+    // A hidden chart, and one whose view is to be worked out anew, is painted whole.
+    const std::optional<QuotedView> before
+        = isVisible() && paintsWholePixels() ? m_scene.lastView() : std::nullopt;
+    const std::optional<TickEffect> effect = m_scene.tick(bid, ask, timeMs);
+    if (!effect)
+        return;
+    std::optional<QRegion> changed;
+    if (before && *effect != TickEffect::Appended)
+        changed = tickarea::changed(*before, m_scene.quotedView(size()));
+    if (changed)
+        update(*changed);
+    else
+        update();
+}
+
+void ChartWidget::setTimeframeMs(qint64 ms)
+{
+    if (m_scene.setTimeframeMs(ms))
+        update();
+}
+
+void ChartWidget::setSymbolInfo(
+    const QString& symbol, const QString& timeframeLabel, const QString& description)
+{
+    bool changed = assign(m_look.symbol, symbol);
+    changed |= assign(m_look.timeframeLabel, timeframeLabel);
+    changed |= assign(m_look.description, description);
+    if (changed)
+        update();
+}
+
+void ChartWidget::setDigits(int digits)
+{
+    if (assign(m_look.digits, digits))
+        update();
+}
+
+void ChartWidget::setAutoScroll(bool on)
+{
+    applyView(m_scene.withAutoScroll(on));
+}
+
+void ChartWidget::scrollToEnd()
+{
+    applyView(m_scene.atEnd());
+}
+
+void ChartWidget::setChartShift(bool on)
+{
+    applyView(m_scene.withShift(on));
+}
+
+void ChartWidget::zoomIn()
+{
+    applyView(m_scene.withBarWidth(PanZoom::wider(barWidth())));
+}
+
+void ChartWidget::zoomOut()
+{
+    applyView(m_scene.withBarWidth(PanZoom::narrower(barWidth())));
+}
+
+void ChartWidget::setChartType(int type)
+{
+    if (!assign(m_look.type, chartTypeOf(type)))
+        return;
+    update();
+    Q_EMIT settingsChanged();
+}
+
+void ChartWidget::setColors(const ChartColors& colors)
+{
+    if (assign(m_look.colors, solidColors(colors, m_look.colors)))
+        update();
+}
+
+void ChartWidget::setMovingAverages(const QList<MovingAverageSpec>& averages)
+{
+    if (!assign(m_look.averages, solidAverages(averages)))
+        return;
+    m_indicators.setAverages(m_look.averages);
+    update();
+    Q_EMIT settingsChanged();
+}
+
+void ChartWidget::setRsi(bool enabled, int period)
+{
+    const int usable = std::max(period, shortestRsiPeriod);
+    if (enabled == rsiEnabled() && usable == m_look.rsiPeriod)
+        return;
+    m_look.rsiPeriod = usable;
+    m_scene.setRsiPane(enabled);
+    m_indicators.setStrength(enabled ? std::optional(usable) : std::nullopt);
+    update();
+    Q_EMIT settingsChanged();
+}
+
+void ChartWidget::setDrawings(const QList<Drawing>& drawings)
+{
+    if (m_drawings.replace(drawings))
+        update();
+}
+
+bool ChartWidget::deleteSelectedDrawing()
+{
+    const std::optional<Drawing> removed = m_drawings.takeSelected();
+    if (!removed)
+        return false;
+    update();
+    if (!removed->id.isEmpty())
+        Q_EMIT drawingDeleted(removed->id);
+    return true;
+}
+
+void ChartWidget::setTool(const QString& key)
+{
+    const QString before = tool();
+    m_gestures.chooseTool(key);
+    updateCursor();
+    update();
+    if (tool() != before)
+        Q_EMIT settingsChanged();
+}
+
+void ChartWidget::setMeasureMode(bool on)
+{
+    const bool changed = on != measureMode();
+    if (!changed && !m_gestures.ruler().span())
+        return;
+    m_gestures.armRuler(on);
+    updateCursor();
+    update();
+    if (changed)
+        Q_EMIT settingsChanged();
+}
+
+void ChartWidget::setLegendIndent(int columns)
+{
+    if (assign(m_look.legendIndent, columns))
+        update();
+}
+
+void ChartWidget::setTradeLevels(const QList<TradeLevel>& levels)
+{
+    if (!assign(m_levels, levels))
+        return;
+    m_gestures.followLevels(m_levels);
+    updateCursor();
+    update();
+}
+
+std::optional<Candle> ChartWidget::hoveredBar() const
+{
+    return m_scene.barAt(view(), m_pointer);
+}
+
+ChartFrame ChartWidget::frame() const
+{
+    ChartFrame frame = frameOf(m_scene, size(), m_look, m_gestures);
+    m_indicators.update(candles());
+    frame.averageValues = m_indicators.averages();
+    frame.rsiValues = m_indicators.strength();
+    frame.drawings = m_drawings.drawings();
+    frame.levels = m_levels;
+    frame.pointer = m_pointer;
+    frame.pointerInPlot = pointerInPlot();
+    frame.texts = &m_texts;
+    return frame;
+}
+
+void ChartWidget::applyView(const ViewState& state)
+{
+    const ViewState before = m_scene.state();
+    if (state == before)
+        return;
+    m_scene.setState(state);
+    update();
+    if (state.autoScroll != before.autoScroll)
+        Q_EMIT autoScrollChanged(state.autoScroll);
+    if (state.autoScroll != before.autoScroll || state.chartShift != before.chartShift)
+        Q_EMIT settingsChanged();
+}
+
+void ChartWidget::paintEvent(QPaintEvent* event)
+{
+    QPainter painter(this);
+    m_bands.paint(painter, frame(), event->region());
+}
+
+void ChartWidget::mousePressEvent(QMouseEvent* event)
+{
+    if (event->button() != Qt::LeftButton) {
+        event->ignore();
+        return;
+    }
+    const QPoint position = event->position().toPoint();
+    if (!autoScroll() && view().scrollToEndButton().contains(position)) {
+        scrollToEnd();
+        return;
+    }
+    letGo(); // a release may have been lost
+    const QRegion shownBefore = gestureArea();
+    take(m_gestures.press(ground(), position), shownBefore);
+}
+
+void ChartWidget::take(const ChartGestures::Press& press, const QRegion& shownBefore)
+{
+    updateCursor();
+    if (press.selected && m_drawings.select(*press.selected))
+        update();
+    if (press.taker == ChartGestures::Taker::Tool)
+        update();
+    else if (m_gestures.isDragging())
+        updateOverlay(shownBefore + gestureArea());
+    if (!press.created)
+        return;
+    m_drawings.append(*press.created);
+    Q_EMIT drawingCreated(*press.created);
+    finishTool();
+}
+
+void ChartWidget::mouseMoveEvent(QMouseEvent* event)
+{
+    // The release may have gone to another window.
+    if (!event->buttons().testFlag(Qt::LeftButton))
+        letGo();
+    const QPoint position = event->position().toPoint();
+    applyView(m_gestures.panned(position.x(), m_scene.state(), m_scene.series().count()));
+    dragGesture(position);
+    movePointer(position);
+    if (const std::optional<Candle> bar = hoveredBar())
+        Q_EMIT crosshairMoved(hoverText(*bar, digits()));
+}
+
+void ChartWidget::mouseReleaseEvent(QMouseEvent* event)
+{
+    if (event->button() != Qt::LeftButton) {
+        event->ignore();
+        return;
+    }
+    if (m_gestures.level().isActive())
+        update();
+    const std::optional<LevelDrag::Drop> drop = m_gestures.release(digits());
+    updateCursor();
+    if (drop)
+        Q_EMIT levelDragged(drop->tradeId, drop->kind, drop->price);
+}
+
+void ChartWidget::wheelEvent(QWheelEvent* event)
+{
+    applyView(m_scene.withBarWidth(PanZoom::wheeled(barWidth(), event->angleDelta().y())));
+    event->accept();
+}
+
+void ChartWidget::leaveEvent(QEvent* event)
+{
+    movePointer(nowhere);
+    Q_EMIT crosshairMoved(QString());
+    QWidget::leaveEvent(event);
+}
+
+void ChartWidget::movePointer(const QPoint& position)
+{
+    if (position == m_pointer)
+        return;
+    const bool wasInPlot = pointerInPlot();
+    const QPoint before = std::exchange(m_pointer, position);
+    if (wasInPlot && pointerInPlot() && !candles().empty())
+        updateOverlay(overlays::pointer(ground(), m_gestures.tool(), before)
+            + overlays::pointer(ground(), m_gestures.tool(), position));
+    else if (wasInPlot || pointerInPlot())
+        update();
+}
+
+void ChartWidget::keyPressEvent(QKeyEvent* event)
+{
+    const bool deletes = event->key() == Qt::Key_Delete || event->key() == Qt::Key_Backspace;
+    if ((event->key() == Qt::Key_Escape && cancelGesture()) || (deletes && deleteSelectedDrawing()))
+        return;
+    QWidget::keyPressEvent(event);
+}
+
+void ChartWidget::hideEvent(QHideEvent* event)
+{
+    letGo();
+    QWidget::hideEvent(event);
+}
+
+void ChartWidget::dragGesture(const QPoint& position)
+{
+    if (!m_gestures.isDragging())
+        return;
+    const QRegion before = gestureArea();
+    m_gestures.drag(view(), position);
+    updateOverlay(before + gestureArea());
+}
+
+bool ChartWidget::cancelGesture()
+{
+    const std::optional<ChartGestures::Taker> cancelled = m_gestures.cancel();
+    if (!cancelled)
+        return false;
+    updateCursor();
+    update();
+    if (*cancelled == ChartGestures::Taker::Tool) {
+        Q_EMIT settingsChanged();
+        Q_EMIT toolFinished();
+    }
+    return true;
+}
+
+void ChartWidget::letGo()
+{
+    if (m_gestures.letGo())
+        update();
+    updateCursor();
+}
+
+void ChartWidget::finishTool()
+{
+    setTool(QString());
+    Q_EMIT toolFinished();
+}
+
+void ChartWidget::updateCursor()
+{
+    if (const Qt::CursorShape shape = m_gestures.cursor(); shape != cursor().shape())
+        setCursor(shape);
+}
+
+ChartGestures::Ground ChartWidget::ground() const
+{
+    return {view(), m_scene.state(), candles(), timeframeMs(), m_levels, m_drawings.drawings()};
+}
+
+QRegion ChartWidget::gestureArea() const
+{
+    return overlays::inHand(view(), m_gestures, digits(), m_texts);
+}
+
+bool ChartWidget::paintsWholePixels() const
+{
+    return devicePixelRatioF() == std::floor(devicePixelRatioF());
+}
+
+void ChartWidget::updateOverlay(const QRegion& area)
+{
+    if (paintsWholePixels())
+        update(area);
+    else
+        update();
+}

@@ -1,0 +1,173 @@
+#pragma once
+
+#include "chart/data/ChartLook.h"
+#include "chart/data/ChartScene.h"
+#include "chart/data/DrawingList.h"
+#include "chart/data/IndicatorCache.h"
+#include "chart/data/TradeLevel.h"
+#include "chart/gestures/ChartGestures.h"
+#include "chart/layers/BandCache.h"
+#include "chart/layers/TextPainter.h"
+
+#include <QPoint>
+#include <QWidget>
+
+#include <optional>
+#include <vector>
+
+struct ChartFrame;
+
+/// The chart canvas: holds a series, folds ticks into it, keeps the view and paints the layers.
+/// Setters that change nothing repaint nothing; several changes within one turn of the event loop make one
+/// paint.
+class ChartWidget final : public QWidget {
+    Q_OBJECT
+    Q_DISABLE_COPY_MOVE(ChartWidget)
+
+public:
+    using Drawing = ::Drawing;
+
+    explicit ChartWidget(QWidget* parent = nullptr);
+    ~ChartWidget() override;
+
+    /// Replaces the series (see CandleSeries for bad bars), goes to its end and follows it.
+    void setCandles(std::vector<Candle> candles);
+    /// Replaces the series by a later reading of the same one. A view that follows the market goes to the
+    /// end; any other keeps its bars in their places, and whatever is in the hand stays there. No bars at all
+    /// are as with setCandles().
+    void renewCandles(std::vector<Candle> candles);
+    [[nodiscard]] const std::vector<Candle>& candles() const { return m_scene.series().candles(); }
+    /// Changes whenever a bar other than the newest does, and when bars come or go.
+    [[nodiscard]] quint64 seriesRevision() const { return m_scene.seriesRevision(); }
+
+    /// A price update at `timeMs` (ms since the epoch); see ChartScene::tick() for prices that are missing.
+    void onTick(double bid, double ask, qint64 timeMs);
+    [[nodiscard]] double bid() const { return m_scene.bid(); } ///< 0 where there is none
+    [[nodiscard]] double ask() const { return m_scene.ask(); } ///< 0 where there is none
+
+    /// Length in ms of the bars that ticks build; below 1 means 15 minutes.
+    void setTimeframeMs(qint64 ms);
+    [[nodiscard]] qint64 timeframeMs() const { return m_scene.series().timeframeMs(); }
+
+    /// Header texts; shown as plain text on one line.
+    void setSymbolInfo(const QString& symbol, const QString& timeframeLabel, const QString& description);
+    /// Decimals of every price text; shown clamped to 0..8.
+    void setDigits(int digits);
+    [[nodiscard]] int digits() const { return m_look.digits; }
+
+    void setAutoScroll(bool on);
+    [[nodiscard]] bool autoScroll() const { return m_scene.state().autoScroll; }
+    void scrollToEnd();
+    void setChartShift(bool on);
+    [[nodiscard]] bool chartShift() const { return m_scene.state().chartShift; }
+    [[nodiscard]] double barWidth() const { return m_scene.state().barWidth; }
+    [[nodiscard]] double rightBarIndex() const { return m_scene.state().rightBarIndex; }
+    /// One step wider or narrower, within 1 to 40 pixels a bar, about the right edge.
+    void zoomIn();
+    void zoomOut();
+
+    /// 0 candles, 1 bars, 2 line; any other value means candles.
+    void setChartType(int type);
+    [[nodiscard]] int chartType() const { return static_cast<int>(m_look.type); }
+    /// An invalid colour keeps the one in use.
+    void setColors(const ChartColors& colors);
+    [[nodiscard]] const ChartColors& colors() const { return m_look.colors; }
+
+    /// The averages drawn over the prices, in the order of their legend. A colour that is none becomes
+    /// the first one of the palette, and no colour is see-through.
+    void setMovingAverages(const QList<MovingAverageSpec>& averages);
+    [[nodiscard]] const QList<MovingAverageSpec>& movingAverages() const { return m_look.averages; }
+
+    /// The relative-strength pane; a period below 2 becomes 2.
+    void setRsi(bool enabled, int period);
+    [[nodiscard]] bool rsiEnabled() const { return m_scene.hasRsiPane(); }
+    [[nodiscard]] int rsiPeriod() const { return m_look.rsiPeriod; }
+
+    /// The objects on the chart, later ones on top; replaces those shown. The selected object stays selected
+    /// when its server id is among them. An object being placed is not touched.
+    void setDrawings(const QList<Drawing>& drawings);
+    [[nodiscard]] const QList<Drawing>& drawings() const { return m_drawings.drawings(); }
+    /// Removes the selected object and tells its server id; false when none is selected.
+    bool deleteSelectedDrawing();
+    /// The kind of object that the next clicks place (see Drawing::type); empty or unknown ends placing.
+    /// Points placed so far are dropped.
+    void setTool(const QString& key);
+    [[nodiscard]] QString tool() const { return m_gestures.tool().key(); }
+
+    /// Arms or disarms the ruler (see Ruler); a shown ruler goes. While armed, presses in the plot measure
+    /// instead of panning, selecting or taking levels; placing an object goes first.
+    void setMeasureMode(bool on);
+    [[nodiscard]] bool measureMode() const { return m_gestures.ruler().isArmed(); }
+
+    /// Names the averages further right by as many columns, beside whatever covers the corner.
+    void setLegendIndent(int columns);
+
+    /// A level being dragged stays in the hand while its line is among them at the same price; otherwise the
+    /// drag ends without asking for anything.
+    void setTradeLevels(const QList<TradeLevel>& levels);
+    [[nodiscard]] const QList<TradeLevel>& tradeLevels() const { return m_levels; }
+
+    /// The bar under the pointer; nothing while the pointer is outside the plot or beside the bars.
+    [[nodiscard]] std::optional<Candle> hoveredBar() const;
+
+    /// The geometry that the next paint uses.
+    [[nodiscard]] const ChartView& view() const { return m_scene.view(size()); }
+    /// The snapshot that the next paint shows; valid until the widget changes.
+    [[nodiscard]] ChartFrame frame() const;
+    /// How often bars other than the newest were painted so far.
+    [[nodiscard]] quint64 seriesPaints() const { return m_bands.seriesPaints(); }
+    /// How many indicator values were computed so far.
+    [[nodiscard]] quint64 indicatorValues() const { return m_indicators.computed(); }
+
+Q_SIGNALS:
+    void autoScrollChanged(bool on);
+    /// Prices of the bar under the pointer as text; empty when the pointer has left.
+    void crosshairMoved(const QString& ohlc);
+    /// Chart type, shift, scrolling, indicators, tool or ruler have changed: what menus show of a chart.
+    void settingsChanged();
+    void drawingCreated(const Drawing& drawing);
+    void drawingUpdated(const Drawing& drawing);
+    void drawingDeleted(const QString& id);
+    void toolFinished();
+    /// A level line was dropped at a new price.
+    void levelDragged(const QString& tradeId, const QString& kind, double price);
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override;
+    void mouseMoveEvent(QMouseEvent* event) override;
+    void mouseReleaseEvent(QMouseEvent* event) override;
+    void wheelEvent(QWheelEvent* event) override;
+    void leaveEvent(QEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+    void hideEvent(QHideEvent* event) override;
+
+private:
+    void replaceBars(std::vector<Candle> candles);
+    void applyView(const ViewState& state);
+    void movePointer(const QPoint& position);
+    void take(const ChartGestures::Press& press, const QRegion& shownBefore);
+    void dragGesture(const QPoint& position);
+    [[nodiscard]] bool cancelGesture();
+    /// Ends what only lives while the button is held; a level goes back to its place.
+    void letGo();
+    void finishTool();
+    void updateCursor();
+    [[nodiscard]] ChartGestures::Ground ground() const;
+    [[nodiscard]] QRegion gestureArea() const;
+    /// Between device pixels an area may be rounded to less than what is painted into it.
+    [[nodiscard]] bool paintsWholePixels() const;
+    void updateOverlay(const QRegion& area);
+    [[nodiscard]] bool pointerInPlot() const { return view().plot().contains(m_pointer); }
+
+    ChartScene m_scene;
+    ChartLook m_look;
+    ChartGestures m_gestures;
+    DrawingList m_drawings;
+    QList<TradeLevel> m_levels;
+    QPoint m_pointer = {-1, -1};
+
+    mutable IndicatorCache m_indicators;
+    mutable TextPainter m_texts;
+    BandCache m_bands;
+};

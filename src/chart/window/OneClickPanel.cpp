@@ -1,0 +1,175 @@
+#include "chart/window/OneClickPanel.h"
+
+#include "app/base/NumberFormat.h"
+#include "app/ui/DecimalSpinBox.h"
+#include "chart/window/CompactButton.h"
+#include "chart/window/SpinArrows.h"
+
+#include <QCoreApplication>
+#include <QHBoxLayout>
+#include <QKeyEvent>
+#include <QMouseEvent>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr QSize buttonSize(62, 30);
+constexpr QSize volumeSize(66, 30);
+
+/// One rule for an arrow; none without its file, or with a path that cannot stand between quotes, which
+/// leaves the arrow of the theme.
+QString arrowRule(const QString& part, const QString& path)
+{
+    if (path.isEmpty() || path.contains(u'"') || path.contains(u'\\'))
+        return {};
+    return u"QDoubleSpinBox::%1{image:url(\"%2\");width:9px;height:6px;}"_s.arg(part, path);
+}
+
+QString volumeStyle()
+{
+    return u"QDoubleSpinBox{background:#ffffff;color:#000000;border:1px solid #666666;font-size:9pt;"
+           "padding:1px 2px 1px 4px;}"
+           "QDoubleSpinBox::up-button{subcontrol-origin:border;subcontrol-position:top right;width:16px;"
+           "background:#dcdcdc;border-left:1px solid #8f8f8f;border-bottom:1px solid #b5b5b5;}"
+           "QDoubleSpinBox::down-button{subcontrol-origin:border;subcontrol-position:bottom right;"
+           "width:16px;background:#dcdcdc;border-left:1px solid #8f8f8f;}"
+           "QDoubleSpinBox::up-button:hover,QDoubleSpinBox::down-button:hover{background:#bcd8f0;}"_s
+        + arrowRule(u"up-arrow"_s, writeSpinArrow(SpinArrow::Up))
+        + arrowRule(u"down-arrow"_s, writeSpinArrow(SpinArrow::Down));
+}
+
+/// A price with its ends cut off reads as another price: a long one is written narrower.
+void showCaption(QPushButton& button, const QString& caption)
+{
+    constexpr int room = buttonSize.width() - 4;
+    // All digits are equally wide, so that most prices need no new measure.
+    const bool isAsLong = caption.size() == button.text().size();
+    button.setText(caption);
+    if (isAsLong)
+        return;
+    button.ensurePolished();
+    QFont font = button.font();
+    font.setStretch(QFont::AnyStretch);
+    const int width = QFontMetrics(font).size(0, caption).width();
+    if (width > room)
+        font.setStretch(QFont::Unstretched * room / width);
+    if (font.stretch() != button.font().stretch())
+        button.setFont(font);
+}
+
+QPushButton* tradeButton(const QString& caption, const QString& style, QWidget* parent)
+{
+    auto* button = new CompactButton(buttonSize, parent);
+    button->setText(caption);
+    button->setCursor(Qt::PointingHandCursor);
+    button->setStyleSheet(style);
+    // Neither a click nor the toolkit, which moves the focus when another chart becomes active, may leave it
+    // here, where the next press of the space bar would trade.
+    button->setFocusPolicy(Qt::NoFocus);
+    return button;
+}
+
+} // namespace
+
+OneClickPanel::OneClickPanel(const QString& symbol, QWidget* parent)
+    : QWidget(parent)
+    , m_symbol(symbol)
+{
+    constexpr int margin = 3;
+    setObjectName(u"oneClickPanel"_s);
+    setAttribute(Qt::WA_StyledBackground);
+    setCursor(Qt::ArrowCursor);
+    setStyleSheet(
+        u"#oneClickPanel{background:rgba(28,28,28,205);border:1px solid #3a3a3a;border-radius:2px;}"_s);
+
+    m_sell = tradeButton(tr("SELL\n—"),
+        u"QPushButton{background:#c0392b;border:none;color:#ffffff;font-weight:bold;font-size:7.5pt;"
+        "border-radius:2px;}QPushButton:hover{background:#d64535;}"_s,
+        this);
+    m_volume = new DecimalSpinBox(this);
+    m_volume->setDecimals(2);
+    m_volume->setRange(0.01, 1000.0);
+    m_volume->setSingleStep(0.01);
+    m_volume->setValue(0.01);
+    m_volume->setFixedSize(volumeSize);
+    m_volume->setStyleSheet(volumeStyle());
+    m_volume->setAccessibleName(tr("Volume in lots"));
+    m_buy = tradeButton(tr("BUY\n—"),
+        u"QPushButton{background:#1f6fb2;border:none;color:#ffffff;font-weight:bold;font-size:7.5pt;"
+        "border-radius:2px;}QPushButton:hover{background:#2a80c8;}"_s,
+        this);
+
+    auto* layout = new QHBoxLayout(this);
+    layout->setContentsMargins(margin, margin, margin, margin);
+    layout->setSizeConstraint(QLayout::SetFixedSize);
+    layout->addWidget(m_sell);
+    layout->addWidget(m_volume);
+    layout->addWidget(m_buy);
+    move(6, 20);
+
+    connect(m_sell, &QPushButton::clicked, this, [this] { request(u"SELL"_s); });
+    connect(m_buy, &QPushButton::clicked, this, [this] { request(u"BUY"_s); });
+}
+
+OneClickPanel::~OneClickPanel() = default;
+
+void OneClickPanel::setQuote(double bid, double ask, int digits)
+{
+    if (bid != m_bid || digits != m_digits)
+        showCaption(*m_sell, tr("SELL\n%1").arg(formatPrice(bid, digits)));
+    if (ask != m_ask || digits != m_digits)
+        showCaption(*m_buy, tr("BUY\n%1").arg(formatPrice(ask, digits)));
+    m_bid = bid;
+    m_ask = ask;
+    m_digits = digits;
+}
+
+double OneClickPanel::lots() const
+{
+    return m_volume->value();
+}
+
+void OneClickPanel::request(const QString& side)
+{
+    // A half-typed number becomes the last whole one, so that the box shows what is traded.
+    m_volume->interpretText();
+    Q_EMIT quickTradeRequested(m_symbol, side, lots());
+}
+
+void OneClickPanel::mousePressEvent(QMouseEvent* event)
+{
+    event->accept();
+}
+
+void OneClickPanel::mouseReleaseEvent(QMouseEvent* event)
+{
+    event->accept();
+}
+
+void OneClickPanel::mouseDoubleClickEvent(QMouseEvent* event)
+{
+    event->accept();
+}
+
+void OneClickPanel::mouseMoveEvent(QMouseEvent* event)
+{
+    event->accept();
+}
+
+void OneClickPanel::keyPressEvent(QKeyEvent* event)
+{
+    // At the end of its text the box passes these on, and the chart would delete an object.
+    if (event->key() == Qt::Key_Delete || event->key() == Qt::Key_Backspace)
+        event->accept();
+    else
+        QWidget::keyPressEvent(event);
+}
+
+void OneClickPanel::enterEvent(QEnterEvent* event)
+{
+    // A child's rectangle still counts as inside the chart: without this its crosshair would stay behind.
+    QEvent left(QEvent::Leave);
+    QCoreApplication::sendEvent(parentWidget(), &left);
+    QWidget::enterEvent(event);
+}

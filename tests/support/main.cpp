@@ -1,0 +1,10 @@
+#include "support/TestMain.h"
+
+#include <QApplication>
+
+int main(int argc, char** argv)
+{
+    usePrivateFolders();
+    const QApplication application(argc, argv);
+    return TestRegistry::runNamed(argc, argv);
+}
