@@ -3,6 +3,7 @@
 #include "app/base/Log.h"
 #include "app/base/TerminalSettings.h"
 #include "net/SafeRequest.h"
+#include "net/records/ServerReply.h"
 
 #include <QEventLoop>
 #include <QJsonDocument>
@@ -68,6 +69,5 @@ PublicSettings fetchPublicSettings(const QUrl& url, int milliseconds)
 
 QString terminalServerUrlIn(const QByteArray& body)
 {
-    const QJsonObject top = QJsonDocument::fromJson(body).object();
-    return top.value("settings"_L1).toObject().value("terminalServerUrl"_L1).toString().trimmed();
+    return reply::serverUrl(QJsonDocument::fromJson(body).object()).trimmed();
 }

@@ -4,7 +4,8 @@
 #include "mainwindow/AccountBook.h"
 #include "mainwindow/ChartArea.h"
 #include "net/UrlParts.h"
-#include "net/records/JsonNumber.h"
+#include "net/records/AccountRecord.h"
+#include "net/records/TradeRecord.h"
 #include "panes/NavigatorWidget.h"
 #include "panes/TerminalPane.h"
 
@@ -27,7 +28,7 @@ bool listsAccounts(const QComboBox& selector, const QJsonArray& accounts)
     if (selector.count() != accounts.size())
         return false;
     for (int i = 0; i < selector.count(); ++i) {
-        if (selector.itemData(i).toString() != accounts.at(i)["id"_L1].toString())
+        if (selector.itemData(i).toString() != account::id(accounts.at(i).toObject()))
             return false;
     }
     return true;
@@ -110,7 +111,7 @@ void AccountFlow::fillSelector()
     if (!listsAccounts(selector, accounts)) {
         selector.clear();
         for (const QJsonValue account : accounts)
-            selector.addItem(QString(), account["id"_L1].toString());
+            selector.addItem(QString(), account::id(account.toObject()));
     }
     for (int i = 0; i < selector.count(); ++i) {
         const QString text = AccountBook::selectorText(accounts.at(i).toObject());
@@ -176,9 +177,9 @@ void AccountFlow::showTrades()
     // The feed may have brought newer profits while the pending orders were on their way.
     for (const QJsonValue value : m_book.openTrades()) {
         const QJsonObject trade = value.toObject();
-        const QString id = trade["id"_L1].toString();
+        const QString id = trade::id(trade);
         const auto newer = m_book.tradePnl().constFind(id);
-        if (newer != m_book.tradePnl().cend() && *newer != jsonNumber(trade["pnl"_L1]))
+        if (newer != m_book.tradePnl().cend() && *newer != trade::profit(trade))
             toolbox.updateTradePnl(id, *newer);
     }
     m_views.charts.applyTrades();
@@ -207,11 +208,11 @@ void AccountFlow::onTradesUpdated(const QJsonArray& rows)
     bool matched = false;
     for (const QJsonValue value : rows) {
         const QJsonObject row = value.toObject();
-        if (current.isEmpty() || row["accountId"_L1].toString() != current)
+        if (current.isEmpty() || trade::accountId(row) != current)
             continue;
         matched = true;
-        const QString id = row["id"_L1].toString();
-        const double profit = jsonNumber(row["pnl"_L1]);
+        const QString id = trade::id(row);
+        const double profit = trade::profit(row);
         m_book.setTradePnl(id, profit);
         m_views.toolbox.updateTradePnl(id, profit);
     }

@@ -9,6 +9,7 @@
 #include "mainwindow/ChartsLayout.h"
 #include "mainwindow/SavedGeometry.h"
 #include "mainwindow/WindowPlacement.h"
+#include "net/records/SymbolRecord.h"
 
 #include <QEvent>
 #include <QMdiSubWindow>
@@ -114,8 +115,7 @@ void ChartArea::describe(ChartWindow& chart)
     const QString symbol = chart.symbol();
     const auto record = m_book.symbolsByName().constFind(symbol);
     if (record != m_book.symbolsByName().cend()) {
-        chart.setSymbolInfo(
-            m_book.digits().value(symbol), shownSentence((*record)["description"_L1].toString()));
+        chart.setSymbolInfo(m_book.digits().value(symbol), shownSentence(symbol::description(*record)));
     } else if (!m_book.symbolsByName().isEmpty() && !m_reportedUnlisted.contains(symbol)) {
         m_reportedUnlisted.insert(symbol);
         Q_EMIT logMessage(tr("Chart"), tr("%1: the server does not list this symbol").arg(shownName(symbol)));

@@ -25,7 +25,9 @@
 #include "mainwindow/TradeActions.h"
 #include "mainwindow/TradeDesk.h"
 #include "mainwindow/TrayIcon.h"
+#include "net/records/FeedMessage.h"
 #include "net/records/PriceSnapshot.h"
+#include "net/records/ServerReply.h"
 #include "panes/AlertsPane.h"
 #include "panes/MarketWatchWidget.h"
 #include "panes/NavigatorWidget.h"
@@ -229,7 +231,7 @@ void MainWindow::setUpExperts()
 void MainWindow::setUser(const QJsonObject& user)
 {
     m_user = user;
-    const QString email = user["email"_L1].toString();
+    const QString email = reply::email(user);
     m_status->setUser(email);
     journal(tr("Auth"),
         tr("Logged in as %1 on %2")
@@ -240,13 +242,13 @@ void MainWindow::setUser(const QJsonObject& user)
 
 void MainWindow::onHello(const QJsonObject& hello)
 {
-    m_book.setSymbols(hello["symbols"_L1].toArray());
+    m_book.setSymbols(feed::symbols(hello));
     m_marketWatch->setSymbols(m_book.symbols());
     m_charts->applySymbols();
     m_charts->catchUp();
     m_smallWindows->onSymbols();
     // No ticks: to whoever was connected before they may be old news, on which nothing is to act.
-    const PriceSnapshot prices = readPrices(hello["prices"_L1].toObject(), m_book);
+    const PriceSnapshot prices = readPrices(feed::helloPrices(hello), m_book);
     m_book.noteHelloPrices(prices);
     m_marketWatch->showQuotes(prices);
     m_smallWindows->onPrices();

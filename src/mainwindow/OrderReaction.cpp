@@ -2,7 +2,7 @@
 
 #include "app/base/NumberFormat.h"
 #include "app/base/ServerText.h"
-#include "net/records/JsonNumber.h"
+#include "net/records/EventRecord.h"
 
 #include <QCoreApplication>
 
@@ -22,9 +22,9 @@ QString tr(const char* text)
 
 OrderReaction reactionToOrders(const QJsonObject& event)
 {
-    const QString reason = event["closeReason"_L1].toString();
+    const QString reason = event::closeReason(event);
     const QString shown = shownSentence(reason);
-    const bool filled = jsonBool(event["filled"_L1], false);
+    const bool filled = event::isFilled(event);
 
     OrderReaction reaction;
     reaction.journal = reason.isEmpty() ? tr("Orders changed — refreshing")
@@ -33,7 +33,7 @@ OrderReaction reactionToOrders(const QJsonObject& event)
         reaction.expert = tr("Pending order filled");
         reaction.sound = SoundKind::Fill;
         // The event carries no symbol, so the account is named.
-        const QString account = shownName(shortId(event["accountId"_L1].toString()));
+        const QString account = shownName(shortId(event::accountId(event)));
         reaction.balloon = Balloon{tr("Order Filled"), tr("A pending order on %1 was filled.").arg(account),
             Balloon::Kind::Information, OrderBalloonMs};
     } else if (reason.isEmpty()) {
@@ -52,10 +52,10 @@ OrderReaction reactionToOrders(const QJsonObject& event)
 
 OrderReaction reactionToAccount(const QJsonObject& event, bool hasTray)
 {
-    const QString status = event["status"_L1].toString();
+    const QString status = event::status(event);
     OrderReaction reaction;
-    reaction.journal = tr("Account %1 status changed to %2")
-                           .arg(shownName(event["accountId"_L1].toString()), shownName(status));
+    reaction.journal
+        = tr("Account %1 status changed to %2").arg(shownName(event::accountId(event)), shownName(status));
     if (!hasTray)
         return reaction;
     if (status == "FAILED"_L1) {

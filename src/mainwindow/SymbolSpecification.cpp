@@ -1,10 +1,9 @@
 #include "mainwindow/SymbolSpecification.h"
 
 #include "app/base/NumberFormat.h"
-#include "app/base/PriceRule.h"
 #include "app/base/ServerText.h"
 #include "app/ui/PlainText.h"
-#include "net/records/JsonNumber.h"
+#include "net/records/SymbolRecord.h"
 #include "panes/SymbolFacts.h"
 
 #include <QDialogButtonBox>
@@ -20,6 +19,7 @@ namespace {
 
 constexpr QSize InitialSize(340, 400);
 constexpr int PropertyWidth = 150;
+
 } // namespace
 
 SymbolSpecification::SymbolSpecification(QWidget* parent)
@@ -74,7 +74,7 @@ void SymbolSpecification::setQuote(const Quote& quote)
 
 void SymbolSpecification::fillQuote()
 {
-    const int digits = clampDigits(jsonInt(m_record["digits"_L1], usualPriceDigits));
+    const int digits = clampDigits(symbol::digits(m_record));
     const int firstLive = m_rows->topLevelItemCount() - 3;
     if (firstLive < 0)
         return;

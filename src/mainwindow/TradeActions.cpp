@@ -6,9 +6,9 @@
 #include "net/ApiClient.h"
 #include "net/ReplyOutcome.h"
 #include "net/UrlParts.h"
-#include "net/records/JsonNumber.h"
-#include "orders/LevelsBody.h"
-#include "orders/OrderBody.h"
+#include "net/records/LevelsBody.h"
+#include "net/records/OrderBody.h"
+#include "net/records/TradeRecord.h"
 
 #include <QLocale>
 #include <QNetworkReply>
@@ -24,7 +24,7 @@ const auto placePath = u"/api/trades/place"_s;
 /// The path that acts on one trade; nothing for an id that could name another resource.
 std::optional<QString> tradePath(QLatin1StringView action, const QJsonObject& trade)
 {
-    const std::optional<QString> id = encodePathSegment(trade.value("id"_L1).toString());
+    const std::optional<QString> id = encodePathSegment(trade::id(trade));
     return id ? std::optional(u"/api/trades/"_s + action + u'/' + *id) : std::nullopt;
 }
 
@@ -85,7 +85,7 @@ void TradeActions::moveLevel(const QString& tradeId, const QString& kind, double
     const std::optional<QString> path = tradePath("modify"_L1, trade);
     if (!path)
         return refuse(tr("Modify failed: %1"));
-    whenAnswered(m_api.put(*path, movedLevelBody(trade, kind, price)),
+    whenAnswered(m_api.put(*path, movedLevelBody(trade, levelKind(kind), price)),
         [this, kind, price](const ReplyOutcome& outcome) {
             // Not 'g', which takes 1e+05 for shorter than 100000.
             const QString shown = QString::number(price, 'f', QLocale::FloatingPointShortest);
@@ -104,7 +104,7 @@ void TradeActions::quickTrade(const QString& symbol, const QString& side, double
     ticket.symbol = symbol;
     ticket.lots = lots;
     ticket.accountId = m_book.currentAccountId();
-    ticket.side = side == "SELL"_L1 ? OrderSide::Sell : OrderSide::Buy;
+    ticket.side = side == "SELL"_L1 ? Side::Sell : Side::Buy;
     whenAnswered(m_api.post(placePath, placeBody(ticket)), [this, symbol, side](const ReplyOutcome& outcome) {
         tellTrade(outcome.ok, SoundKind::Open,
             outcome.ok ? tr("One-click %1 %2 executed").arg(side, shownName(symbol))
@@ -123,14 +123,13 @@ void TradeActions::expertOrder(const QJsonObject& body)
     if (m_book.currentAccountId().isEmpty())
         return;
     QJsonObject order = body;
-    order.insert("accountId"_L1, m_book.currentAccountId());
+    setOrderAccount(order, m_book.currentAccountId());
     m_expertRequests.order(placePath, order, [this, order](const ReplyOutcome& outcome) {
         Q_EMIT soundWanted(outcome.ok ? SoundKind::Open : SoundKind::Error);
         Q_EMIT expertLine(tr("Expert"),
             outcome.ok ? tr("%1 %2 %3 executed")
-                             .arg(order.value("type"_L1).toString(),
-                                 formatVolume(jsonNumber(order.value("lotSize"_L1))),
-                                 shownName(order.value("symbol"_L1).toString()))
+                             .arg(trade::typeText(order), formatVolume(trade::lots(order)),
+                                 shownName(trade::symbol(order)))
                        : tr("Order failed: %1").arg(outcome.error),
             outcome.ok ? LineKind::Ordinary : LineKind::Failure);
         refreshAfter(outcome, &TradeActions::refreshAccountsAndTrades);
@@ -146,7 +145,7 @@ void TradeActions::expertCloseAll(const QString& symbol)
     int closing = 0;
     for (const auto& value : m_book.openTrades()) {
         const QJsonObject trade = value.toObject();
-        if (trade.value("symbol"_L1).toString() != symbol)
+        if (trade::symbol(trade) != symbol)
             continue;
         const std::optional<QString> path = tradePath("close"_L1, trade);
         if (!path)
@@ -175,7 +174,7 @@ QJsonObject TradeActions::findTrade(const QString& tradeId) const
     for (const QJsonArray& list : {m_book.openTrades(), m_book.pendingOrders()}) {
         for (const auto& value : list) {
             QJsonObject trade = value.toObject();
-            if (trade.value("id"_L1).toString() == tradeId)
+            if (trade::id(trade) == tradeId)
                 return trade;
         }
     }

@@ -4,6 +4,7 @@
 #include "mainwindow/AccountBook.h"
 #include "mainwindow/TradeActions.h"
 #include "mainwindow/TradeMenu.h"
+#include "net/records/TradeRecord.h"
 #include "orders/ModifyDialog.h"
 #include "orders/OrderDialog.h"
 
@@ -62,7 +63,7 @@ void TradeDesk::openModifyDialog(const QJsonObject& trade)
 {
     if (trade.isEmpty())
         return;
-    const int digits = m_book.digits().value(trade.value("symbol"_L1).toString(), usualPriceDigits);
+    const int digits = m_book.digits().value(trade::symbol(trade), usualPriceDigits);
     auto* dialog = new ModifyDialog(m_api, trade, digits, &m_window);
     dialog->setModal(true);
     connect(dialog, &ModifyDialog::modified, this, &TradeDesk::onModified);

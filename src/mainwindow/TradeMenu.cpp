@@ -3,8 +3,7 @@
 #include "app/base/NumberFormat.h"
 #include "app/base/ServerText.h"
 #include "app/ui/HeldEnter.h"
-#include "net/records/JsonNumber.h"
-#include "orders/LevelsBody.h"
+#include "net/records/TradeRecord.h"
 
 #include <QMenu>
 #include <QMessageBox>
@@ -25,7 +24,7 @@ void TradeMenu::popUp(const QPoint& globalPos, const QJsonObject& trade)
     auto* menu = new QMenu(&m_window);
     menu->setObjectName("tradeMenu"_L1);
     menu->setAttribute(Qt::WA_DeleteOnClose);
-    if (isPending(trade))
+    if (trade::isPending(trade))
         menu->addAction(tr("Cancel Order"), this, [this, trade] { Q_EMIT cancelRequested(trade); });
     else
         menu->addAction(tr("Close Position"), this, [this, trade] { askToClose(trade); });
@@ -38,11 +37,10 @@ void TradeMenu::popUp(const QPoint& globalPos, const QJsonObject& trade)
 void TradeMenu::askToClose(const QJsonObject& trade)
 {
     const QString description = tr("%1 %2 %3")
-                                    .arg(shownName(trade.value("type"_L1).toString().toLower()),
-                                        formatVolume(jsonNumber(trade.value("lotSize"_L1))),
-                                        shownName(trade.value("symbol"_L1).toString()));
+                                    .arg(shownName(trade::typeText(trade).toLower()),
+                                        formatVolume(trade::lots(trade)), shownName(trade::symbol(trade)));
     auto* question = new QMessageBox(QMessageBox::Question, tr("Close Position"),
-        tr("Close position %1 (#%2)?").arg(description, shownName(shortId(trade.value("id"_L1).toString()))),
+        tr("Close position %1 (#%2)?").arg(description, shownName(shortId(trade::id(trade)))),
         QMessageBox::Yes | QMessageBox::No, &m_window);
     question->setTextFormat(Qt::PlainText);
     question->setDefaultButton(QMessageBox::Yes);

@@ -8,6 +8,7 @@
 #include "net/ReplyWatch.h"
 #include "net/SafeRequest.h"
 #include "net/UrlParts.h"
+#include "net/records/ServerReply.h"
 
 #include <QJsonDocument>
 #include <QNetworkReply>
@@ -188,9 +189,8 @@ QNetworkReply* ApiClient::del(const QString& path)
 
 void ApiClient::login(const QString& email, const QString& password)
 {
-    const QJsonObject credentials{{u"email"_s, email}, {u"password"_s, password}};
-    QNetworkReply* const reply = change(
-        "POST"_ba, u"/api/auth/login"_s, QJsonDocument(credentials).toJson(QJsonDocument::Compact), false);
+    QNetworkReply* const reply = change("POST"_ba, u"/api/auth/login"_s,
+        QJsonDocument(reply::credentialsBody(email, password)).toJson(QJsonDocument::Compact), false);
     connect(reply, &QNetworkReply::finished, this, [this, reply, email] { finishLogin(reply, email); });
 }
 
@@ -198,16 +198,16 @@ void ApiClient::finishLogin(QNetworkReply* reply, const QString& email)
 {
     reply->deleteLater();
     const ReplyOutcome outcome = ReplyOutcome::read(reply);
-    const auto token = outcome.body.constFind("token"_L1);
-    if (outcome.ok && token != outcome.body.constEnd()) {
+    const std::optional<QString> token = reply::token(outcome.body);
+    if (outcome.ok && token) {
         TerminalSettings& settings = TerminalSettings::instance();
         settings.setEmail(email);
-        settings.setToken(token->toString());
+        settings.setToken(*token);
         Q_EMIT loginSucceeded(outcome.body);
         return;
     }
     QString message = outcome.error;
     if (outcome.ok)
-        message = shownReason(outcome.body.value("message"_L1).toString());
+        message = shownReason(reply::message(outcome.body));
     Q_EMIT loginFailed(message.isEmpty() ? tr("Unexpected server response") : message);
 }

@@ -2,6 +2,7 @@
 
 #include "app/base/ServerText.h"
 #include "net/ReplyWatch.h"
+#include "net/records/ServerReply.h"
 
 #include <QCoreApplication>
 #include <QNetworkReply>
@@ -93,7 +94,7 @@ ReplyOutcome ReplyOutcome::readUnparsed(QNetworkReply* reply)
         outcome.content = reply->readAll();
     if (!outcome.ok) {
         parse(outcome);
-        const QString message = outcome.body.value("message"_L1).toString().trimmed();
+        const QString message = reply::message(outcome.body).trimmed();
         outcome.error = shownReason(message.isEmpty() ? networkText(*reply, outcome.status) : message);
     }
     return outcome;

@@ -4,6 +4,7 @@
 #include "app/base/TerminalSettings.h"
 #include "net/SocketError.h"
 #include "net/UrlParts.h"
+#include "net/records/FeedMessage.h"
 
 #include <QJsonDocument>
 #include <QUrl>
@@ -184,23 +185,36 @@ void WsClient::onTextMessage(const QString& text)
     Q_EMIT trafficChanged(m_rxBytes, m_txBytes);
 
     const QJsonObject message = QJsonDocument::fromJson(utf8).object();
-    const QString type = message.value("type"_L1).toString();
-    if (type == "price_update"_L1) {
-        Q_EMIT pricesUpdated(message.value("data"_L1).toObject());
-    } else if (type == "trades_update"_L1) {
-        Q_EMIT tradesUpdated(message.value("data"_L1).toArray());
-    } else if (type == "hello"_L1) {
-        log(tr("Feed ready — %1 symbols").arg(message.value("symbols"_L1).toArray().size()));
+    switch (feed::kind(message)) {
+    case feed::Kind::Prices:
+        Q_EMIT pricesUpdated(feed::prices(message));
+        break;
+    case feed::Kind::Trades:
+        Q_EMIT tradesUpdated(feed::trades(message));
+        break;
+    case feed::Kind::Hello:
+        log(tr("Feed ready — %1 symbols").arg(feed::symbols(message).size()));
         Q_EMIT helloReceived(message);
-    } else if (type == "orders_changed"_L1) {
+        break;
+    case feed::Kind::OrdersChanged:
         Q_EMIT ordersChanged(message);
-    } else if (type == "account_update"_L1) {
+        break;
+    case feed::Kind::AccountUpdate:
         Q_EMIT accountUpdated(message);
-    } else if (type == "pong"_L1) {
-        m_pingPending = false;
-        const qint64 elapsed = m_pingClock.isValid() ? m_pingClock.elapsed() : 0;
-        Q_EMIT latencyChanged(static_cast<int>(std::min<qint64>(elapsed, std::numeric_limits<int>::max())));
+        break;
+    case feed::Kind::Pong:
+        takePong();
+        break;
+    case feed::Kind::Unknown:
+        break;
     }
+}
+
+void WsClient::takePong()
+{
+    m_pingPending = false;
+    const qint64 elapsed = m_pingClock.isValid() ? m_pingClock.elapsed() : 0;
+    Q_EMIT latencyChanged(static_cast<int>(std::min<qint64>(elapsed, std::numeric_limits<int>::max())));
 }
 
 void WsClient::sendPing()
@@ -209,8 +223,7 @@ void WsClient::sendPing()
         return;
     m_pingPending = true;
     m_pingClock.start();
-    const QString ping = u"{\"type\":\"ping\"}"_s;
-    m_socket.sendTextMessage(ping);
-    m_txBytes += static_cast<quint64>(ping.size());
+    m_socket.sendTextMessage(feed::ping);
+    m_txBytes += static_cast<quint64>(feed::ping.size());
     Q_EMIT trafficChanged(m_rxBytes, m_txBytes);
 }

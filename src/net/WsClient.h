@@ -52,6 +52,7 @@ public Q_SLOTS:
     void onDisconnected();
     void onTextMessage(const QString& text);
     void sendPing();
+    void takePong();
 
 private:
     void open();

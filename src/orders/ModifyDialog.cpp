@@ -11,7 +11,7 @@
 #include "net/ApiClient.h"
 #include "net/ReplyOutcome.h"
 #include "net/UrlParts.h"
-#include "net/records/JsonNumber.h"
+#include "net/records/TradeRecord.h"
 
 #include <QFormLayout>
 #include <QHBoxLayout>
@@ -59,20 +59,22 @@ ModifyDialog::ModifyDialog(ApiClient& api, const QJsonObject& trade, int digits,
     setMinimumWidth(340);
 
     auto* column = new QVBoxLayout(this);
-    QLabel* header = plainLabel(tr("%1 %2 %3")
-                                    .arg(shownName(trade.value("symbol"_L1).toString()),
-                                        shownName(trade.value("type"_L1).toString().toLower()),
-                                        textOfPositive(jsonNumber(trade.value("lotSize"_L1)), lotDecimals)),
-        this);
+    QLabel* header
+        = plainLabel(tr("%1 %2 %3")
+                         .arg(shownName(trade::symbol(trade)), shownName(trade::typeText(trade).toLower()),
+                             textOfPositive(trade::lots(trade), lotDecimals)),
+            this);
     header->setObjectName("modifyHeader"_L1);
     header->setStyleSheet("font-weight:bold;"_L1);
     column->addWidget(header);
 
     auto* form = new QFormLayout;
-    if (isPending(trade))
-        m_price = addLevel(*form, tr("Price:"), u"modifyPrice"_s, u"pendingPrice"_s, digits);
-    m_stopLoss = addLevel(*form, tr("Stop Loss:"), u"modifyStopLoss"_s, u"stopLoss"_s, digits);
-    m_takeProfit = addLevel(*form, tr("Take Profit:"), u"modifyTakeProfit"_s, u"takeProfit"_s, digits);
+    if (trade::isPending(trade))
+        m_price = addLevel(*form, tr("Price:"), u"modifyPrice"_s, trade::pendingPrice(trade), digits);
+    m_stopLoss = addLevel(
+        *form, tr("Stop Loss:"), u"modifyStopLoss"_s, trade::stopLoss(trade).value_or(0.0), digits);
+    m_takeProfit = addLevel(
+        *form, tr("Take Profit:"), u"modifyTakeProfit"_s, trade::takeProfit(trade).value_or(0.0), digits);
     column->addLayout(form);
 
     m_error->setObjectName("modifyError"_L1);
@@ -105,12 +107,12 @@ ModifyDialog::ModifyDialog(ApiClient& api, const QJsonObject& trade, int digits,
 }
 
 DecimalEdit* ModifyDialog::addLevel(
-    QFormLayout& form, const QString& caption, const QString& name, const QString& key, int digits)
+    QFormLayout& form, const QString& caption, const QString& name, double level, int digits)
 {
     auto* field = new DecimalEdit(this);
     field->setObjectName(name);
     field->setPlaceholderText(tr("none"));
-    field->setText(textOfPositive(jsonNumber(m_trade.value(key)), digits));
+    field->setText(textOfPositive(level, digits));
     form.addRow(caption, field);
     return field;
 }
@@ -128,7 +130,7 @@ void ModifyDialog::send()
         tellFailure(tr("Please enter a valid price."));
         return;
     }
-    const std::optional<QString> id = encodePathSegment(m_trade.value("id"_L1).toString());
+    const std::optional<QString> id = encodePathSegment(trade::id(m_trade));
     if (!id) {
         Q_EMIT soundDue(SoundKind::Error);
         tellFailure(tr("This trade has no usable id."));

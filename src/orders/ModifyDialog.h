@@ -1,7 +1,7 @@
 #pragma once
 
 #include "app/ui/SoundPlayer.h"
-#include "orders/LevelsBody.h"
+#include "net/records/LevelsBody.h"
 #include "orders/SendingDialog.h"
 
 #include <QJsonObject>
@@ -35,7 +35,7 @@ protected:
 
 private:
     [[nodiscard]] DecimalEdit* addLevel(
-        QFormLayout& form, const QString& caption, const QString& name, const QString& key, int digits);
+        QFormLayout& form, const QString& caption, const QString& name, double level, int digits);
     [[nodiscard]] TypedLevels typed() const;
     void send();
     void onReply(QNetworkReply* reply);

@@ -1,15 +1,14 @@
 #include "orders/OrderDialog.h"
 
 #include "app/base/NumberFormat.h"
-#include "app/base/PriceRule.h"
 #include "app/base/ServerText.h"
 #include "app/ui/FocusOrder.h"
 #include "app/ui/Theme.h"
 #include "net/ApiClient.h"
 #include "net/ReplyOutcome.h"
 #include "net/WsClient.h"
-#include "net/records/JsonNumber.h"
 #include "net/records/Quote.h"
+#include "net/records/SymbolRecord.h"
 #include "orders/OrderForm.h"
 #include "orders/OrderTypePanel.h"
 #include "orders/TickChartWidget.h"
@@ -71,15 +70,14 @@ OrderDialog::OrderDialog(ApiClient& api, WsClient& feed, const QJsonArray& symbo
 
 int OrderDialog::digits() const
 {
-    return jsonInt(m_record.value("digits"_L1), usualPriceDigits);
+    return symbol::digits(m_record);
 }
 
 void OrderDialog::setOrderType(OrderType type)
 {
     m_orderType = type;
     m_form->setOrderType(type);
-    setWindowTitle(
-        tr("Order: %1 - %2").arg(m_shownSymbol, shownSentence(m_record.value("description"_L1).toString())));
+    setWindowTitle(tr("Order: %1 - %2").arg(m_shownSymbol, shownSentence(symbol::description(m_record))));
 }
 
 void OrderDialog::onSymbolChanged()
@@ -87,7 +85,7 @@ void OrderDialog::onSymbolChanged()
     m_record = {};
     m_shownSymbol = shownName(m_form->symbol());
     for (const auto& value : std::as_const(m_symbols)) {
-        if (value.toObject().value("name"_L1).toString() == m_form->symbol())
+        if (symbol::name(value.toObject()) == m_form->symbol())
             m_record = value.toObject();
     }
     m_quote.reset();
@@ -111,12 +109,12 @@ void OrderDialog::onPrices(const QJsonObject& prices)
     }
     m_tickChart->append(bid, ask);
     m_tickChart->update();
-    const double contractSize = jsonNumber(m_record.value("contractSize"_L1));
+    const double contractSize = symbol::contractSize(m_record);
     const double units = m_form->lots() * (contractSize > 0.0 ? contractSize : 1.0);
     m_form->showUnits(tr("%1 %2").arg(QString::number(units, 'f', 0), m_shownSymbol));
 }
 
-void OrderDialog::place(OrderSide side)
+void OrderDialog::place(Side side)
 {
     if (isSending())
         return;

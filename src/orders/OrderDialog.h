@@ -1,8 +1,8 @@
 #pragma once
 
 #include "app/ui/SoundPlayer.h"
+#include "net/records/OrderBody.h"
 #include "net/records/Quote.h"
-#include "orders/OrderBody.h"
 #include "orders/SendingDialog.h"
 
 #include <QJsonArray>
@@ -44,7 +44,7 @@ protected:
 private:
     void setOrderType(OrderType type);
     void onSymbolChanged();
-    void place(OrderSide side);
+    void place(Side side);
     void onReply(QNetworkReply* reply);
     void showSending(bool sending);
     [[nodiscard]] int digits() const;

@@ -5,6 +5,7 @@
 #include "app/ui/DecimalSpinBox.h"
 #include "app/ui/PlainText.h"
 #include "app/ui/WheelFocus.h"
+#include "net/records/SymbolRecord.h"
 
 #include <QAbstractItemView>
 #include <QComboBox>
@@ -78,8 +79,8 @@ OrderForm::OrderForm(const QJsonArray& symbols, const QString& initialSymbol, QW
     setOrderType(OrderType::Market);
     showPrices({});
     connect(m_symbolCombo, &QComboBox::currentIndexChanged, this, &OrderForm::symbolChanged);
-    connect(m_sell, &QPushButton::clicked, this, [this] { Q_EMIT placeRequested(OrderSide::Sell); });
-    connect(m_buy, &QPushButton::clicked, this, [this] { Q_EMIT placeRequested(OrderSide::Buy); });
+    connect(m_sell, &QPushButton::clicked, this, [this] { Q_EMIT placeRequested(Side::Sell); });
+    connect(m_buy, &QPushButton::clicked, this, [this] { Q_EMIT placeRequested(Side::Buy); });
 }
 
 QFormLayout* OrderForm::buildFields()
@@ -159,11 +160,10 @@ void OrderForm::fillSymbols(const QJsonArray& symbols, const QString& initialSym
 {
     for (const auto& value : symbols) {
         const QJsonObject record = value.toObject();
-        const QString name = record.value("name"_L1).toString();
+        const QString name = symbol::name(record);
         if (!name.isEmpty())
             m_symbolCombo->addItem(
-                tr("%1, %2").arg(shownName(name), shownSentence(record.value("description"_L1).toString())),
-                name);
+                tr("%1, %2").arg(shownName(name), shownSentence(symbol::description(record))), name);
     }
     const int initial = initialSymbol.isEmpty() ? -1 : m_symbolCombo->findData(initialSymbol);
     if (initial >= 0)

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "orders/OrderBody.h"
+#include "net/records/OrderBody.h"
 
 #include <QPointer>
 #include <QWidget>
@@ -47,7 +47,7 @@ public:
 
 Q_SIGNALS:
     void symbolChanged();
-    void placeRequested(OrderSide side);
+    void placeRequested(Side side);
 
 private:
     [[nodiscard]] QFormLayout* buildFields();

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "orders/OrderBody.h"
+#include "net/records/OrderBody.h"
 
 #include <QList>
 #include <QWidget>

@@ -3,10 +3,9 @@
 #include "app/base/NumberFormat.h"
 #include "app/base/ServerText.h"
 #include "app/ui/Theme.h"
-#include "net/records/JsonNumber.h"
 #include "net/records/PriceSnapshot.h"
+#include "net/records/SymbolRecord.h"
 #include "panes/SymbolFacts.h"
-#include "panes/SymbolOrder.h"
 
 #include <QEvent>
 #include <QHeaderView>
@@ -159,7 +158,7 @@ void MarketWatchWidget::setSymbols(const QJsonArray& symbols)
     m_symbolRows.clear();
     m_symbolSpecs.clear();
     refreshLook();
-    const QList<QJsonObject> records = symbolsInListOrder(symbols);
+    const QList<QJsonObject> records = symbol::inListOrder(symbols);
     m_symbolRows.reserve(records.size());
     m_symbolSpecs.reserve(records.size());
     for (const QJsonObject& record : records)
@@ -174,11 +173,11 @@ void MarketWatchWidget::setSymbols(const QJsonArray& symbols)
 
 void MarketWatchWidget::appendSymbol(const QJsonObject& record)
 {
-    const QString name = record.value("name"_L1).toString();
-    const int digits = jsonInt(record.value("digits"_L1), usualPriceDigits);
-    auto* item = new QuoteItem(m_look, name, record.value("description"_L1).toString(), digits);
+    const QString name = symbol::name(record);
+    const int digits = symbol::digits(record);
+    auto* item = new QuoteItem(m_look, name, symbol::description(record), digits);
     m_list->addTopLevelItem(item);
-    const double dailyOpen = priceOrNone(jsonNumber(record.value("dailyOpen"_L1)), digits);
+    const double dailyOpen = priceOrNone(symbol::dailyOpen(record), digits);
     m_symbolRows.insert(name, {item, digits, 0.0, 0.0, dailyOpen});
     m_symbolSpecs.insert(name, record);
 }

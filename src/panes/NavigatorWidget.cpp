@@ -2,8 +2,7 @@
 
 #include "app/base/ServerText.h"
 #include "app/ui/Theme.h"
-#include "net/records/JsonNumber.h"
-#include "panes/AccountLabel.h"
+#include "net/records/AccountRecord.h"
 #include "panes/PaneIcons.h"
 
 #include <QEvent>
@@ -105,10 +104,10 @@ void NavigatorWidget::setAccounts(const QJsonArray& accounts)
     const QIcon icon = accountIcon(themeMutedColor());
     for (const auto& value : accounts) {
         const QJsonObject account = value.toObject();
-        const QString balance = QString::number(jsonNumber(account.value("balance"_L1)), 'f', 0);
-        const QString id = account.value("id"_L1).toString();
+        const QString balance = QString::number(account::balance(account), 'f', 0);
+        const QString id = account::id(account);
         QTreeWidgetItem* item
-            = addEntry(m_accounts, tr("%1  (%2)").arg(accountLabel(account), balance), accountPrefix + id);
+            = addEntry(m_accounts, tr("%1  (%2)").arg(account::label(account), balance), accountPrefix + id);
         item->setIcon(0, icon);
         if (id == m_activeAccountId)
             setWeight(item, QFont::Bold);

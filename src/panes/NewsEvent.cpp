@@ -3,12 +3,10 @@
 #include "app/base/ServerText.h"
 #include "app/base/UtcTime.h"
 #include "app/ui/Theme.h"
-#include "net/records/JsonNumber.h"
+#include "net/records/NewsRecord.h"
 
 #include <QCoreApplication>
 #include <QDateTime>
-#include <QJsonArray>
-#include <QJsonObject>
 #include <QLocale>
 
 using namespace Qt::StringLiterals;
@@ -36,20 +34,20 @@ QString clockText(const QString& iso)
 NewsReply NewsReply::read(const QJsonDocument& document)
 {
     const QJsonObject body = document.object();
-    const QJsonArray events = body.value("events"_L1).toArray();
+    const QJsonArray events = news::events(body);
     NewsReply reply;
-    reply.notifyMinutes
-        = jsonInt(body.value("settings"_L1).toObject().value("notifyMin"_L1), usualNotifyMinutes);
-    for (const auto& value : events) {
+    reply.notifyMinutes = news::notifyMinutes(body, usualNotifyMinutes);
+    for (const QJsonValue value : events) {
         if (!value.isObject())
             continue;
+        const QJsonObject record = value.toObject();
         NewsEvent event;
-        event.id = value["id"_L1].toString();
-        event.time = clockText(value["eventTime"_L1].toString());
-        event.minutesUntil = jsonInt(value["minutesUntil"_L1], 0);
-        event.impact = shownName(value["impact"_L1].toString());
-        event.currency = shownName(value["currency"_L1].toString());
-        event.title = shownSentence(value["title"_L1].toString());
+        event.id = news::id(record);
+        event.time = clockText(news::time(record));
+        event.minutesUntil = news::minutesUntil(record);
+        event.impact = shownName(news::impact(record));
+        event.currency = shownName(news::currency(record));
+        event.title = shownSentence(news::title(record));
         reply.events.append(event);
     }
     return reply;

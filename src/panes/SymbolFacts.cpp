@@ -1,9 +1,8 @@
 #include "panes/SymbolFacts.h"
 
 #include "app/base/NumberFormat.h"
-#include "app/base/PriceRule.h"
 #include "app/base/ServerText.h"
-#include "net/records/JsonNumber.h"
+#include "net/records/SymbolRecord.h"
 
 #include <QCoreApplication>
 #include <QJsonObject>
@@ -18,20 +17,18 @@ struct FactTexts {
 
 } // namespace
 
-QList<SymbolFact> symbolFacts(const QString& symbol, const QJsonObject& record)
+QList<SymbolFact> symbolFacts(const QString& name, const QJsonObject& record)
 {
     if (record.isEmpty())
         return {};
-    const auto general
-        = [&record](QLatin1StringView key) { return formatGeneral(jsonNumber(record.value(key))); };
     return {
-        {FactTexts::tr("Symbol"), shownName(symbol)},
-        {FactTexts::tr("Description"), shownSentence(record.value("description"_L1).toString())},
-        {FactTexts::tr("Digits"), QString::number(jsonInt(record.value("digits"_L1), usualPriceDigits))},
-        {FactTexts::tr("Contract size"), general("contractSize"_L1)},
-        {FactTexts::tr("Commission (per lot)"), general("commission"_L1)},
-        {FactTexts::tr("Swap long"), general("swapLong"_L1)},
-        {FactTexts::tr("Swap short"), general("swapShort"_L1)},
+        {FactTexts::tr("Symbol"), shownName(name)},
+        {FactTexts::tr("Description"), shownSentence(symbol::description(record))},
+        {FactTexts::tr("Digits"), QString::number(symbol::digits(record))},
+        {FactTexts::tr("Contract size"), formatGeneral(symbol::contractSize(record))},
+        {FactTexts::tr("Commission (per lot)"), formatGeneral(symbol::commission(record))},
+        {FactTexts::tr("Swap long"), formatGeneral(symbol::swapLong(record))},
+        {FactTexts::tr("Swap short"), formatGeneral(symbol::swapShort(record))},
         {FactTexts::tr("Minimum volume"), u"0.01"_s},
     };
 }

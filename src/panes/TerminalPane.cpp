@@ -2,8 +2,8 @@
 
 #include "app/base/NumberFormat.h"
 #include "app/ui/Theme.h"
-#include "net/records/JsonNumber.h"
 #include "net/records/PriceSnapshot.h"
+#include "net/records/TradeRecord.h"
 #include "panes/LogList.h"
 #include "panes/TradeCells.h"
 #include "panes/TradeItem.h"
@@ -156,7 +156,7 @@ void TerminalPane::setOpenRows(
 {
     // Refreshes come often: the trader's place in the list stays.
     const QTreeWidgetItem* current = m_trades->currentItem();
-    const QString currentId = current ? recordOf(current).value("id"_L1).toString() : QString();
+    const QString currentId = current ? trade::id(recordOf(current)) : QString();
     const ScrollKeeper scroll(m_trades);
 
     m_digits = digits;
@@ -167,10 +167,9 @@ void TerminalPane::setOpenRows(
     for (const QJsonArray& rows : {open, pending}) {
         for (const auto& value : rows) {
             const QJsonObject trade = value.toObject();
-            auto* item
-                = new TradeItem(trade, digits.value(trade.value("symbol"_L1).toString(), usualPriceDigits));
+            auto* item = new TradeItem(trade, digits.value(trade::symbol(trade), usualPriceDigits));
             items.append(item);
-            m_rowById.insert(trade.value("id"_L1).toString(), item);
+            m_rowById.insert(trade::id(trade), item);
         }
     }
     m_trades->addTopLevelItems(items);
@@ -184,7 +183,7 @@ void TerminalPane::indexRowsBySymbol()
 {
     m_rowsBySymbol.clear();
     for (TradeItem* item : std::as_const(m_rowById)) {
-        const QString symbol = recordOf(item).value("symbol"_L1).toString();
+        const QString symbol = trade::symbol(recordOf(item));
         SymbolTrades& trades = m_rowsBySymbol[symbol];
         trades.digits = m_digits.value(symbol, usualPriceDigits);
         trades.rows.append(item);
@@ -199,10 +198,10 @@ void TerminalPane::setHistoryRows(const QJsonArray& rows, const QHash<QString, i
     items.reserve(rows.size());
     for (const auto& value : rows) {
         const QJsonObject trade = value.toObject();
-        const int d = digits.value(trade.value("symbol"_L1).toString(), usualPriceDigits);
+        const int d = digits.value(trade::symbol(trade), usualPriceDigits);
         auto* item = new QTreeWidgetItem(historyTexts(trade, d));
         alignRight(item, HistoryNumbers);
-        item->setForeground(HistoryProfit, profitColor(jsonNumber(trade.value("pnl"_L1))));
+        item->setForeground(HistoryProfit, profitColor(trade::profit(trade)));
         item->setForeground(HistoryType, typeColor(trade));
         items.append(item);
     }

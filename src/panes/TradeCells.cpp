@@ -3,60 +3,32 @@
 #include "app/base/NumberFormat.h"
 #include "app/base/ServerText.h"
 #include "app/ui/Theme.h"
-#include "net/records/JsonNumber.h"
+#include "net/records/TradeRecord.h"
 
 #include <QDateTime>
-#include <QJsonObject>
 
 using namespace Qt::StringLiterals;
 
 namespace {
 
-double number(const QJsonObject& trade, QLatin1StringView key)
+QString levelText(const std::optional<double>& level, int digits)
 {
-    return jsonNumber(trade.value(key));
-}
-
-QString text(const QJsonObject& trade, QLatin1StringView key)
-{
-    return shownName(trade.value(key).toString());
-}
-
-QString price(const QJsonObject& trade, QLatin1StringView key, int digits)
-{
-    return formatPrice(number(trade, key), digits);
-}
-
-QString level(const QJsonObject& trade, QLatin1StringView key, int digits)
-{
-    const double value = number(trade, key);
-    return value > 0.0 ? formatPrice(value, digits) : QString();
-}
-
-QString money(const QJsonObject& trade, QLatin1StringView key)
-{
-    return formatMoney(number(trade, key));
+    return level.value_or(0.0) > 0.0 ? formatPrice(*level, digits) : QString();
 }
 
 } // namespace
 
-bool TradeCells::isPending(const QJsonObject& trade)
-{
-    return trade.value("status"_L1).toString() == "PENDING"_L1;
-}
-
 QString TradeCells::typeLabel(const QJsonObject& trade)
 {
-    const QString kind = text(trade, "orderKind"_L1);
+    const QString kind = shownName(trade::orderKind(trade));
     if (kind.isEmpty() || kind == "MARKET"_L1)
-        return text(trade, "type"_L1).toLower();
+        return shownName(trade::typeText(trade)).toLower();
     return kind.toLower().replace(u'_', u' ');
 }
 
 QColor TradeCells::typeColor(const QJsonObject& trade)
 {
-    const bool buy = trade.value("type"_L1).toString() == "BUY"_L1;
-    return buy ? FixedColors::profitBlue : FixedColors::lossRed;
+    return trade::side(trade) == Side::Buy ? FixedColors::profitBlue : FixedColors::lossRed;
 }
 
 QString TradeCells::timeText(const QString& iso)
@@ -81,39 +53,38 @@ QColor TradeCells::profitColor(double profit)
 
 QStringList TradeCells::tradeTexts(const QJsonObject& trade, int digits)
 {
-    const bool pending = isPending(trade);
+    const bool pending = trade::isPending(trade);
     return {
-        text(trade, "symbol"_L1),
-        shortId(text(trade, "id"_L1)),
-        timeText(trade.value("createdAt"_L1).toString()),
+        shownName(trade::symbol(trade)),
+        shortId(shownName(trade::id(trade))),
+        timeText(trade::createdAt(trade)),
         typeLabel(trade),
-        formatVolume(number(trade, "lotSize"_L1)),
-        price(trade, pending ? "pendingPrice"_L1 : "entryPrice"_L1, digits),
-        level(trade, "stopLoss"_L1, digits),
-        level(trade, "takeProfit"_L1, digits),
+        formatVolume(trade::lots(trade)),
+        formatPrice(pending ? trade::pendingPrice(trade) : trade::entryPrice(trade), digits),
+        levelText(trade::stopLoss(trade), digits),
+        levelText(trade::takeProfit(trade), digits),
         QString(),
-        money(trade, "commission"_L1),
-        money(trade, "swap"_L1),
-        pending ? QString() : money(trade, "pnl"_L1),
+        formatMoney(trade::commission(trade)),
+        formatMoney(trade::swap(trade)),
+        pending ? QString() : formatMoney(trade::profit(trade)),
     };
 }
 
 QStringList TradeCells::historyTexts(const QJsonObject& trade, int digits)
 {
-    const bool unclosed = trade.value("closedAt"_L1).isNull();
     return {
-        text(trade, "symbol"_L1),
-        shortId(text(trade, "id"_L1)),
-        timeText(trade.value("createdAt"_L1).toString()),
+        shownName(trade::symbol(trade)),
+        shortId(shownName(trade::id(trade))),
+        timeText(trade::createdAt(trade)),
         typeLabel(trade),
-        formatVolume(number(trade, "lotSize"_L1)),
-        price(trade, "entryPrice"_L1, digits),
-        level(trade, "stopLoss"_L1, digits),
-        level(trade, "takeProfit"_L1, digits),
-        timeText(trade.value(unclosed ? "updatedAt"_L1 : "closedAt"_L1).toString()),
-        price(trade, "exitPrice"_L1, digits),
-        money(trade, "commission"_L1),
-        money(trade, "swap"_L1),
-        money(trade, "pnl"_L1),
+        formatVolume(trade::lots(trade)),
+        formatPrice(trade::entryPrice(trade), digits),
+        levelText(trade::stopLoss(trade), digits),
+        levelText(trade::takeProfit(trade), digits),
+        timeText(trade::closedAt(trade)),
+        formatPrice(trade::exitPrice(trade), digits),
+        formatMoney(trade::commission(trade)),
+        formatMoney(trade::swap(trade)),
+        formatMoney(trade::profit(trade)),
     };
 }

@@ -50,9 +50,6 @@ inline constexpr std::initializer_list<int> TradeNumbers{TradeVolume, TradePrice
 inline constexpr std::initializer_list<int> HistoryNumbers{HistoryVolume, HistoryOpenPrice, HistoryStopLoss,
     HistoryTakeProfit, HistoryClosePrice, HistoryCommission, HistorySwap, HistoryProfit};
 
-/// A pending order that is not yet a position.
-[[nodiscard]] bool isPending(const QJsonObject& trade);
-
 /// "buy limit" for a pending kind, else the side: "buy", "sell".
 [[nodiscard]] QString typeLabel(const QJsonObject& trade);
 

@@ -2,26 +2,25 @@
 
 #include "app/base/NumberFormat.h"
 #include "app/ui/Theme.h"
-#include "net/records/JsonNumber.h"
+#include "net/records/TradeRecord.h"
 #include "panes/TradeCells.h"
 
 #include <QJsonObject>
 
-using namespace Qt::StringLiterals;
 using namespace TradeCells;
 
 TradeItem::TradeItem(const QJsonObject& trade, int digits)
     : QTreeWidgetItem(tradeTexts(trade, digits))
-    , m_closesAtBid(trade.value("type"_L1).toString() == "BUY"_L1)
+    , m_closesAtBid(trade::side(trade) == Side::Buy)
 {
     setData(TradeSymbol, Qt::UserRole, trade);
     alignRight(this, TradeNumbers);
-    if (isPending(trade)) {
+    if (trade::isPending(trade)) {
         const QBrush grey(FixedColors::grey);
         for (int column = 0; column < TradeColumnCount; ++column)
             setForeground(column, grey);
     } else {
-        setProfit(jsonNumber(trade.value("pnl"_L1)));
+        setProfit(trade::profit(trade));
     }
     setForeground(TradeType, typeColor(trade));
 }

@@ -104,7 +104,6 @@ void TestTradeCells::aPendingOrderShowsItsTriggerPriceAndNoProfit()
     QCOMPARE(tradeTexts(order, 2),
         (QStringList{u"X"_s, u"short"_s, QString(), u"sell limit"_s, u"1.00"_s, u"2.50"_s, QString(),
             QString(), QString(), u"0.00"_s, u"0.00"_s, QString()}));
-    QVERIFY(!isPending(parse(R"({"status":"pending"})")));
 }
 
 void TestTradeCells::anEmptyRecordReadsAsZerosAndEmptyTexts()

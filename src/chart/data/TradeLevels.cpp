@@ -2,12 +2,11 @@
 
 #include "app/base/NumberFormat.h"
 #include "app/base/ServerText.h"
-#include "net/records/JsonNumber.h"
+#include "net/records/LevelsBody.h"
+#include "net/records/TradeRecord.h"
 
 #include <QCoreApplication>
 #include <QJsonObject>
-
-using namespace Qt::StringLiterals;
 
 namespace {
 
@@ -22,11 +21,11 @@ struct Label {
 };
 
 TradeLevel protectiveLevel(
-    const QJsonObject& trade, const QString& kind, double price, const QString& label, const QColor& color)
+    const QJsonObject& trade, LevelKind kind, double price, const QString& label, const QColor& color)
 {
     TradeLevel level;
-    level.tradeId = trade.value("id"_L1).toString();
-    level.kind = kind;
+    level.tradeId = trade::id(trade);
+    level.kind = levelText(kind);
     level.price = price;
     level.label = label.arg(shownName(shortId(level.tradeId)));
     level.color = color;
@@ -37,39 +36,40 @@ TradeLevel protectiveLevel(
 
 void appendOpenTrade(const QJsonObject& trade, QList<TradeLevel>& levels)
 {
-    const QString id = trade.value("id"_L1).toString();
-    const bool buy = trade.value("type"_L1).toString() == "BUY"_L1;
-    if (const double price = jsonNumber(trade.value("entryPrice"_L1)); price != 0.0) {
+    const QString id = trade::id(trade);
+    const bool buy = trade::side(trade) == Side::Buy;
+    if (const double price = trade::entryPrice(trade); price != 0.0) {
         TradeLevel entry;
         entry.tradeId = id;
-        entry.kind = u"ENTRY"_s;
+        entry.kind = levelText(LevelKind::Entry);
         entry.price = price;
         entry.label = Label::tr("%1 %2 #%3")
-                          .arg(buy ? Label::tr("buy") : Label::tr("sell"),
-                              formatVolume(jsonNumber(trade.value("lotSize"_L1))), shownName(shortId(id)));
+                          .arg(buy ? Label::tr("buy") : Label::tr("sell"), formatVolume(trade::lots(trade)),
+                              shownName(shortId(id)));
         entry.color = buy ? buyColor : sellColor;
         entry.penStyle = Qt::SolidLine;
         levels.append(entry);
     }
-    if (const double price = jsonNumber(trade.value("stopLoss"_L1)); price != 0.0)
-        levels.append(protectiveLevel(trade, u"SL"_s, price, Label::tr("sl #%1"), stopLossColor));
-    if (const double price = jsonNumber(trade.value("takeProfit"_L1)); price != 0.0)
-        levels.append(protectiveLevel(trade, u"TP"_s, price, Label::tr("tp #%1"), takeProfitColor));
+    if (const auto price = trade::stopLoss(trade))
+        levels.append(
+            protectiveLevel(trade, LevelKind::StopLoss, *price, Label::tr("sl #%1"), stopLossColor));
+    if (const auto price = trade::takeProfit(trade))
+        levels.append(
+            protectiveLevel(trade, LevelKind::TakeProfit, *price, Label::tr("tp #%1"), takeProfitColor));
 }
 
 void appendPendingOrder(const QJsonObject& order, QList<TradeLevel>& levels)
 {
-    const double price = jsonNumber(order.value("pendingPrice"_L1));
+    const double price = trade::pendingPrice(order);
     if (price == 0.0)
         return;
     TradeLevel level;
-    level.tradeId = order.value("id"_L1).toString();
-    level.kind = u"PRICE"_s;
+    level.tradeId = trade::id(order);
+    level.kind = levelText(LevelKind::Price);
     level.price = price;
-    level.label
-        = Label::tr("%1 %2 #%3")
-              .arg(shownName(order.value("orderKind"_L1).toString()),
-                  formatVolume(jsonNumber(order.value("lotSize"_L1))), shownName(shortId(level.tradeId)));
+    level.label = Label::tr("%1 %2 #%3")
+                      .arg(shownName(trade::orderKind(order)), formatVolume(trade::lots(order)),
+                          shownName(shortId(level.tradeId)));
     level.color = pendingColor;
     level.penStyle = Qt::DashLine;
     level.draggable = true;
@@ -83,12 +83,12 @@ QList<TradeLevel> buildTradeLevels(const QString& symbol, const QJsonArray& open
     QList<TradeLevel> levels;
     for (const QJsonValue value : open) {
         const QJsonObject trade = value.toObject();
-        if (trade.value("symbol"_L1).toString() == symbol)
+        if (trade::symbol(trade) == symbol)
             appendOpenTrade(trade, levels);
     }
     for (const QJsonValue value : pending) {
         const QJsonObject order = value.toObject();
-        if (order.value("symbol"_L1).toString() == symbol)
+        if (trade::symbol(order) == symbol)
             appendPendingOrder(order, levels);
     }
     return levels;

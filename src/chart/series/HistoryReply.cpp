@@ -3,7 +3,7 @@
 #include "app/base/PriceRule.h"
 #include "app/base/UtcTime.h"
 #include "chart/series/PlainHistory.h"
-#include "net/records/JsonNumber.h"
+#include "net/records/CandleRecord.h"
 
 #include <QDate>
 #include <QDateTime>
@@ -71,10 +71,10 @@ template <typename View> qint64 utcTimeMs(View text)
     return seconds * msPerSecond + millis;
 }
 
-qint32 tickVolume(const QJsonValue& value)
+qint32 tickVolume(double ticks)
 {
     constexpr double most = std::numeric_limits<qint32>::max();
-    return static_cast<qint32>(std::clamp(jsonNumber(value), 0.0, most));
+    return static_cast<qint32>(std::clamp(ticks, 0.0, most));
 }
 
 } // namespace
@@ -118,16 +118,16 @@ HistoryReply HistoryReply::read(const QJsonDocument& document, const CandleRule&
     reply.candles.reserve(static_cast<std::size_t>(rows.size()));
     for (const QJsonValue row : rows) {
         const QJsonObject fields = row.toObject();
-        const qint64 time = isoTimeMs(fields.value("timestamp"_L1).toString());
-        Candle candle;
-        candle.time = time;
-        candle.open = jsonNumber(fields.value("open"_L1));
-        candle.high = jsonNumber(fields.value("high"_L1));
-        candle.low = jsonNumber(fields.value("low"_L1));
-        candle.close = jsonNumber(fields.value("close"_L1));
-        candle.volume = tickVolume(fields.value("volume"_L1));
-        if (isSound(candle, rule))
-            reply.candles.push_back(candle);
+        const qint64 time = isoTimeMs(candle::time(fields));
+        Candle bar;
+        bar.time = time;
+        bar.open = candle::open(fields);
+        bar.high = candle::high(fields);
+        bar.low = candle::low(fields);
+        bar.close = candle::close(fields);
+        bar.volume = tickVolume(candle::volume(fields));
+        if (isSound(bar, rule))
+            reply.candles.push_back(bar);
     }
     return reply;
 }

@@ -1,4 +1,5 @@
 #include "chart/series/PlainHistory.h"
+#include "net/records/CandleRecord.h"
 
 #include <algorithm>
 #include <charconv>
@@ -112,15 +113,15 @@ private:
 void setNumber(Candle& candle, QLatin1StringView key, double number)
 {
     constexpr double most = std::numeric_limits<qint32>::max();
-    if (key == "open"_L1)
+    if (key == candle::openField)
         candle.open = number;
-    else if (key == "high"_L1)
+    else if (key == candle::highField)
         candle.high = number;
-    else if (key == "low"_L1)
+    else if (key == candle::lowField)
         candle.low = number;
-    else if (key == "close"_L1)
+    else if (key == candle::closeField)
         candle.close = number;
-    else if (key == "volume"_L1)
+    else if (key == candle::volumeField)
         candle.volume = static_cast<qint32>(std::clamp(number, 0.0, most));
 }
 
@@ -129,7 +130,7 @@ bool takeField(Scanner& scanner, Candle& candle)
     QLatin1StringView key;
     if (!scanner.takeText(key) || !scanner.take(':'))
         return false;
-    const bool isTime = key == "timestamp"_L1;
+    const bool isTime = key == candle::timeField;
     double number = 0.0;
     if (!scanner.nextIs('"')) {
         if (!scanner.takeNumber(number))

@@ -3,6 +3,7 @@
 #include "chart/window/ChartWidget.h"
 #include "experts/ExpertEngine.h"
 #include "experts/ExpertScript.h"
+#include "net/records/OrderBody.h"
 
 #include <QPointer>
 
@@ -132,11 +133,9 @@ void ChartExpert::order(const QString& source, const QString& side, double lots,
         Q_EMIT log(source, tr("Order ignored: stop loss or take profit is not a number"), LineKind::Failure);
         return;
     }
-    QJsonObject body{
-        {u"symbol"_s, m_symbol}, {u"type"_s, side}, {u"orderKind"_s, u"MARKET"_s}, {u"lotSize"_s, lots}};
-    if (sl > 0.0)
-        body.insert("stopLoss"_L1, sl);
-    if (tp > 0.0)
-        body.insert("takeProfit"_L1, tp);
-    Q_EMIT orderRequested(body);
+    Q_EMIT orderRequested(orderBody({.symbol = m_symbol,
+        .lots = lots,
+        .side = side == sideText(Side::Sell) ? Side::Sell : Side::Buy,
+        .stopLoss = sl,
+        .takeProfit = tp}));
 }

@@ -20,6 +20,7 @@
 #include "net/ReadCoalescer.h"
 #include "net/UrlParts.h"
 #include "net/records/Quote.h"
+#include "net/records/TradeRecord.h"
 
 #include <QContextMenuEvent>
 #include <QDateTime>
@@ -210,7 +211,7 @@ void ChartWindow::setTrades(const QJsonArray& open, const QJsonArray& pending)
 {
     m_chart->setTradeLevels(buildTradeLevels(m_symbol, open, pending));
     m_expert->setPositionsCount(static_cast<int>(std::count_if(open.begin(), open.end(),
-        [this](const QJsonValue& trade) { return trade["symbol"_L1].toString() == m_symbol; })));
+        [this](const QJsonValue& trade) { return trade::symbol(trade.toObject()) == m_symbol; })));
 }
 
 void ChartWindow::setAccountId(const QString& accountId)

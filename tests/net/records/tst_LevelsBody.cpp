@@ -1,4 +1,4 @@
-#include "orders/LevelsBody.h"
+#include "net/records/LevelsBody.h"
 #include "support/ParseJson.h"
 #include "support/TestMain.h"
 
@@ -15,7 +15,7 @@ private Q_SLOTS:
     void aTypedZeroIsSentOnPurpose();
     void movingALevelKeepsTheOthers_data();
     void movingALevelKeepsTheOthers();
-    void onlyTheExactStatusIsPending();
+    void a_level_is_known_by_its_text();
 };
 
 void TestLevelsBody::typedLevelsLeaveEmptyFieldsOut()
@@ -72,14 +72,14 @@ void TestLevelsBody::movingALevelKeepsTheOthers()
     QFETCH(QByteArray, trade);
     QFETCH(QString, kind);
     QFETCH(QByteArray, body);
-    QCOMPARE(movedLevelBody(parse(trade), kind, 1.5), parse(body));
+    QCOMPARE(movedLevelBody(parse(trade), levelKind(kind), 1.5), parse(body));
 }
 
-void TestLevelsBody::onlyTheExactStatusIsPending()
+void TestLevelsBody::a_level_is_known_by_its_text()
 {
-    QVERIFY(isPending(parse(R"({"status":"PENDING"})")));
-    QVERIFY(!isPending(parse(R"({"status":"pending"})")));
-    QVERIFY(!isPending({}));
+    for (const QString& text : {u"ENTRY"_s, u"SL"_s, u"TP"_s, u"PRICE"_s})
+        QCOMPARE(levelText(levelKind(text)), text);
+    QCOMPARE(levelKind(u"anything"_s), LevelKind::Price);
 }
 
 TAVORAN_TEST(TestLevelsBody)

@@ -1,4 +1,4 @@
-#include "orders/OrderBody.h"
+#include "net/records/OrderBody.h"
 #include "support/TestMain.h"
 
 #include <QJsonDocument>
@@ -36,7 +36,7 @@ void TestOrderBody::aMarketOrderSendsItsSideAsType()
     QCOMPARE(placeBody(ticket),
         (QJsonObject{{"symbol"_L1, "EURUSD"_L1}, {"lotSize"_L1, 0.1}, {"accountId"_L1, "acc-1"_L1},
             {"orderKind"_L1, "MARKET"_L1}, {"type"_L1, "BUY"_L1}}));
-    ticket.side = OrderSide::Sell;
+    ticket.side = Side::Sell;
     ticket.stopLoss = 1.075;
     ticket.comment = u"note"_s;
     QCOMPARE(placeBody(ticket),
@@ -64,7 +64,7 @@ void TestOrderBody::aPendingOrderHasNoTypeKey()
     QFETCH(QString, kind);
     OrderTicket ticket = marketBuy();
     ticket.type = OrderType(type);
-    ticket.side = buy ? OrderSide::Buy : OrderSide::Sell;
+    ticket.side = buy ? Side::Buy : Side::Sell;
     ticket.triggerPrice = 1.07;
     ticket.takeProfit = 1.1;
     QCOMPARE(placeBody(ticket),

@@ -1,4 +1,4 @@
-#include "panes/AccountLabel.h"
+#include "net/records/AccountRecord.h"
 #include "support/TestMain.h"
 
 #include <QJsonDocument>
@@ -6,7 +6,7 @@
 
 using namespace Qt::StringLiterals;
 
-class TestAccountLabel final : public QObject {
+class TestAccountRecord final : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
@@ -14,7 +14,7 @@ private Q_SLOTS:
     void labels();
 };
 
-void TestAccountLabel::labels_data()
+void TestAccountRecord::labels_data()
 {
     QTest::addColumn<QByteArray>("json");
     QTest::addColumn<QString>("label");
@@ -48,14 +48,14 @@ void TestAccountLabel::labels_data()
         u"A B — Funded"_s);
 }
 
-void TestAccountLabel::labels()
+void TestAccountRecord::labels()
 {
     QFETCH(QByteArray, json);
     QFETCH(QString, label);
     const QJsonDocument document = QJsonDocument::fromJson(json);
     QVERIFY(document.isObject());
-    QCOMPARE(accountLabel(document.object()), label);
+    QCOMPARE(account::label(document.object()), label);
 }
 
-TAVORAN_TEST(TestAccountLabel)
-#include "tst_AccountLabel.moc"
+TAVORAN_TEST(TestAccountRecord)
+#include "tst_AccountRecord.moc"

@@ -1,4 +1,4 @@
-#include "orders/OrderBody.h"
+#include "net/records/OrderBody.h"
 
 #include <cmath>
 
@@ -13,12 +13,7 @@ bool isLevel(double value)
 
 } // namespace
 
-QString sideText(OrderSide side)
-{
-    return side == OrderSide::Sell ? u"SELL"_s : u"BUY"_s;
-}
-
-QString orderKind(OrderType type, OrderSide side)
+QString orderKind(OrderType type, Side side)
 {
     switch (type) {
     case OrderType::Market:
@@ -37,12 +32,11 @@ bool lacksTriggerPrice(const OrderTicket& ticket)
     return ticket.type != OrderType::Market && !isLevel(ticket.triggerPrice);
 }
 
-QJsonObject placeBody(const OrderTicket& ticket)
+QJsonObject orderBody(const OrderTicket& ticket)
 {
     QJsonObject body{
         {"symbol"_L1, ticket.symbol},
         {"lotSize"_L1, ticket.lots},
-        {"accountId"_L1, ticket.accountId},
         {"orderKind"_L1, orderKind(ticket.type, ticket.side)},
     };
     if (ticket.type == OrderType::Market)
@@ -55,5 +49,17 @@ QJsonObject placeBody(const OrderTicket& ticket)
         body.insert("takeProfit"_L1, ticket.takeProfit);
     if (const QString comment = ticket.comment.trimmed(); !comment.isEmpty())
         body.insert("comment"_L1, comment);
+    return body;
+}
+
+void setOrderAccount(QJsonObject& body, const QString& accountId)
+{
+    body.insert("accountId"_L1, accountId);
+}
+
+QJsonObject placeBody(const OrderTicket& ticket)
+{
+    QJsonObject body = orderBody(ticket);
+    setOrderAccount(body, ticket.accountId);
     return body;
 }
