@@ -1,6 +1,7 @@
 #include "mainwindow/AccountBook.h"
 
 #include "app/base/NumberFormat.h"
+#include "app/base/PriceRule.h"
 #include "app/base/ServerText.h"
 #include "net/records/AccountRecord.h"
 #include "net/records/PriceSnapshot.h"
@@ -11,6 +12,15 @@
 #include <numeric>
 
 using namespace Qt::StringLiterals;
+
+namespace {
+
+Quote pricesOf(const Quote& quote, int digits)
+{
+    return {priceOrNone(quote.bid, digits), priceOrNone(quote.ask, digits)};
+}
+
+} // namespace
 
 QString AccountBook::selectorText(const QJsonObject& account)
 {
@@ -87,6 +97,7 @@ void AccountBook::setSymbols(const QJsonArray& symbols)
         m_symbolsByName.insert(name, record);
         m_digits.insert(name, clampDigits(symbol::digits(record)));
     }
+    judgeQuotesAgain();
 }
 
 QJsonArray AccountBook::sortedSymbols() const
@@ -117,27 +128,24 @@ void AccountBook::noteHelloPrices(const PriceSnapshot& prices)
         m_quotes[entry.symbol].latest = entry.quote;
 }
 
-QJsonObject AccountBook::knownPrice(const QString& symbol) const
+std::optional<Quote> AccountBook::quote(const QString& symbol) const
 {
     const auto found = m_quotes.constFind(symbol);
-    return found == m_quotes.cend() ? QJsonObject() : QJsonObject{{symbol, quoteRecord(found->latest)}};
+    return found == m_quotes.cend() ? std::nullopt : std::optional(found->latest);
 }
 
-Quote AccountBook::knownQuote(const QString& symbol) const
+std::optional<Quote> AccountBook::tickedQuote(const QString& symbol) const
 {
-    return m_quotes.value(symbol).latest;
+    const auto found = m_quotes.constFind(symbol);
+    return found == m_quotes.cend() ? std::nullopt : found->ticked;
 }
 
-QJsonObject AccountBook::knownTradePrices() const
+void AccountBook::judgeQuotesAgain()
 {
-    QJsonObject known;
-    for (const QJsonArray* list : {&m_openTrades, &m_pendingOrders}) {
-        for (const QJsonValue trade : *list) {
-            const QString symbol = trade::symbol(trade.toObject());
-            const auto found = m_quotes.constFind(symbol);
-            if (found != m_quotes.cend() && found->ticked)
-                known.insert(symbol, quoteRecord(*found->ticked));
-        }
+    for (auto known = m_quotes.begin(); known != m_quotes.end(); ++known) {
+        const int digits = m_digits.value(known.key(), usualPriceDigits);
+        known->latest = pricesOf(known->latest, digits);
+        if (known->ticked)
+            known->ticked = pricesOf(*known->ticked, digits);
     }
-    return known;
 }

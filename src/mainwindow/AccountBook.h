@@ -55,7 +55,8 @@ public:
     [[nodiscard]] const QJsonArray& openTrades() const { return m_openTrades; }
     [[nodiscard]] const QJsonArray& pendingOrders() const { return m_pendingOrders; }
 
-    /// Replaces the symbol list. Records without a name are kept in the list but cannot be looked up.
+    /// Replaces the symbol list. Records without a name are kept in the list but cannot be looked up. What
+    /// the new decimals say is no price is forgotten.
     void setSymbols(const QJsonArray& symbols);
     [[nodiscard]] const QJsonArray& symbols() const { return m_symbols; }
     /// The symbols in the order of every list, those without a name left out.
@@ -70,16 +71,14 @@ public:
     void notePrices(const PriceSnapshot& prices);
     /// The same for the prices of a hello, which are no ticks: they count until the symbol's next snapshot.
     void noteHelloPrices(const PriceSnapshot& prices);
-    /// The latest quote of one symbol as a price map of its own, without a price that was unreadable; empty
-    /// when there is none.
-    [[nodiscard]] QJsonObject knownPrice(const QString& symbol) const;
-    /// The same as two prices.
-    [[nodiscard]] Quote knownQuote(const QString& symbol) const;
-    /// The latest quotes of the symbols that the current trades are in, as one price map; those of a hello
-    /// left out.
-    [[nodiscard]] QJsonObject knownTradePrices() const;
+    /// The latest quote of one symbol; nothing when none has come.
+    [[nodiscard]] std::optional<Quote> quote(const QString& symbol) const;
+    /// The same, those of a hello left out.
+    [[nodiscard]] std::optional<Quote> tickedQuote(const QString& symbol) const;
 
 private:
+    void judgeQuotesAgain();
+
     struct KnownQuote final {
         Quote latest;                ///< of a snapshot or a hello
         std::optional<Quote> ticked; ///< of the latest snapshot; absent before the first

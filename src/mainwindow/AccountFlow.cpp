@@ -173,7 +173,10 @@ void AccountFlow::showTrades()
 {
     TerminalPane& toolbox = m_views.toolbox;
     toolbox.setOpenRows(m_book.openTrades(), m_book.pendingOrders(), m_book.digits());
-    toolbox.updateCurrentPrices(m_book.knownTradePrices());
+    for (const QString& symbol : toolbox.tradedSymbols()) {
+        if (const auto quote = m_book.tickedQuote(symbol))
+            toolbox.showQuote(symbol, *quote);
+    }
     // The feed may have brought newer profits while the pending orders were on their way.
     for (const QJsonValue value : m_book.openTrades()) {
         const QJsonObject trade = value.toObject();

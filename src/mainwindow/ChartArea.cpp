@@ -9,6 +9,7 @@
 #include "mainwindow/ChartsLayout.h"
 #include "mainwindow/SavedGeometry.h"
 #include "mainwindow/WindowPlacement.h"
+#include "net/records/PriceSnapshot.h"
 #include "net/records/SymbolRecord.h"
 
 #include <QEvent>
@@ -105,9 +106,8 @@ void ChartArea::handOverEverything(ChartWindow& chart)
     chart.setTrades(m_book.openTrades(), m_book.pendingOrders());
     if (const auto summary = m_book.summary())
         chart.setAccountFigures(summary->balance, summary->equity);
-    const QJsonObject price = m_book.knownPrice(chart.symbol());
-    if (!price.isEmpty())
-        chart.onPrices(price);
+    if (const auto quote = m_book.quote(chart.symbol()))
+        chart.onQuote(*quote);
 }
 
 void ChartArea::describe(ChartWindow& chart)
@@ -222,14 +222,15 @@ void ChartArea::restoreGeometry(QMdiSubWindow* subWindow, const QByteArray& geom
     subWindow->setGeometry(QRect(placed.topLeft(), placed.size().expandedTo(LeastSize)));
 }
 
-void ChartArea::onPrices(const QJsonObject& prices)
+void ChartArea::showQuotes(const PriceSnapshot& prices)
 {
     const QList<ChartWindow*> present = charts();
     // An expert that hears of a price may bring about the end of any chart.
     const QList<QPointer<ChartWindow>> guarded(present.begin(), present.end());
     for (const QPointer<ChartWindow>& chart : guarded) {
-        if (chart)
-            chart->onPrices(prices);
+        const Quote* quote = chart ? prices.find(chart->symbol()) : nullptr;
+        if (quote)
+            chart->onQuote(*quote);
     }
 }
 

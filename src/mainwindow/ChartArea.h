@@ -11,6 +11,7 @@
 class AccountBook;
 class ApiClient;
 class ChartWindow;
+class PriceSnapshot;
 class QTabBar;
 
 /// The document area: opens chart windows, hands them prices, trades and account figures, and keeps
@@ -36,7 +37,7 @@ public:
     void restoreLayout(const QString& text);
 
     // Hand-over to every chart.
-    void onPrices(const QJsonObject& prices);
+    void showQuotes(const PriceSnapshot& prices);
     void applyTrades();
     void applyAccount();
     void applySummary();

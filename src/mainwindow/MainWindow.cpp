@@ -264,7 +264,7 @@ void MainWindow::onPrices(const QJsonObject& prices)
     m_book.notePrices(snapshot);
     m_marketWatch->showQuotes(snapshot);
     m_toolbox->showQuotes(snapshot);
-    m_charts->onPrices(prices);
+    m_charts->showQuotes(snapshot);
     m_alerts->checkQuotes(snapshot);
     m_smallWindows->onPrices();
 }

@@ -96,11 +96,11 @@ void SmallWindows::onSymbols()
 void SmallWindows::quoteDepth()
 {
     if (m_depth)
-        m_depth->setQuote(m_book.knownQuote(m_depth->symbol()));
+        m_depth->setQuote(m_book.quote(m_depth->symbol()).value_or(Quote()));
 }
 
 void SmallWindows::quoteSpecification()
 {
     if (m_specification)
-        m_specification->setQuote(m_book.knownQuote(m_specification->symbol()));
+        m_specification->setQuote(m_book.quote(m_specification->symbol()).value_or(Quote()));
 }

@@ -223,14 +223,23 @@ void TerminalPane::updateCurrentPrices(const QJsonObject& prices)
 void TerminalPane::showQuotes(const PriceSnapshot& prices)
 {
     for (auto it = m_rowsBySymbol.cbegin(), end = m_rowsBySymbol.cend(); it != end; ++it) {
-        const Quote* quote = prices.find(it.key());
-        if (!quote)
-            continue;
-        for (TradeItem* item : it->rows) {
-            const double price = item->closesAtBid() ? quote->bid : quote->ask;
-            if (price != 0.0)
-                item->setCurrentPrice(price, it->digits);
-        }
+        if (const Quote* quote = prices.find(it.key()))
+            showQuote(*it, *quote);
+    }
+}
+
+void TerminalPane::showQuote(const QString& symbol, const Quote& quote)
+{
+    if (const auto trades = m_rowsBySymbol.constFind(symbol); trades != m_rowsBySymbol.cend())
+        showQuote(*trades, quote);
+}
+
+void TerminalPane::showQuote(const SymbolTrades& trades, const Quote& quote)
+{
+    for (TradeItem* item : trades.rows) {
+        const double price = item->closesAtBid() ? quote.bid : quote.ask;
+        if (price != 0.0)
+            item->setCurrentPrice(price, trades.digits);
     }
 }
 

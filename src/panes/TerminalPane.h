@@ -13,6 +13,7 @@ class QLabel;
 class QPoint;
 class QTreeWidget;
 class TradeItem;
+struct Quote;
 
 /// The Toolbox at the bottom of the window: open trades with the account line under them, history, and
 /// the two logs. Shows what it is handed and computes no profit of its own.
@@ -30,6 +31,10 @@ public:
 
     /// The same as updateCurrentPrices() with a price map that has been read already.
     void showQuotes(const PriceSnapshot& prices);
+    /// The same for one symbol.
+    void showQuote(const QString& symbol, const Quote& quote);
+    /// The symbols of the trades on show, in no order.
+    [[nodiscard]] QStringList tradedSymbols() const { return m_rowsBySymbol.keys(); }
 
 public Q_SLOTS:
     /// Appends a line to the Journal tab. Kept for the life of the window.
@@ -65,6 +70,7 @@ private:
     void buildLogPages();
     void requestContextMenu(const QPoint& viewportPos);
     void indexRowsBySymbol();
+    static void showQuote(const SymbolTrades& trades, const Quote& quote);
 
     QTreeWidget* m_trades;
     QTreeWidget* m_history;

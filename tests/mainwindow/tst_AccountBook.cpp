@@ -30,7 +30,7 @@ private Q_SLOTS:
     void symbolNamesAreAlphabetical();
     void latestQuoteOfASymbolIsKnown();
     void aHellosPricesCountUntilTheNextSnapshot();
-    void knownTradePricesNameOnlyTradedSymbols();
+    void a_known_quote_is_judged_by_new_decimals();
 };
 
 namespace {
@@ -239,9 +239,10 @@ void tst_AccountBook::latestQuoteOfASymbolIsKnown()
     AccountBook book;
     book.notePrices(PriceSnapshot(object(R"({"A":{"bid":1},"B":{"bid":2}})")));
     book.notePrices(PriceSnapshot(object(R"({"A":{"bid":3}})")));
-    QCOMPARE(book.knownPrice(u"A"_s), object(R"({"A":{"bid":3}})"));
-    QCOMPARE(book.knownPrice(u"B"_s), object(R"({"B":{"bid":2}})"));
-    QVERIFY(book.knownPrice(u"C"_s).isEmpty());
+    QVERIFY((book.quote(u"A"_s) == Quote{3.0, 0.0}));
+    QVERIFY((book.quote(u"B"_s) == Quote{2.0, 0.0}));
+    QVERIFY(!book.quote(u"C"_s));
+    QVERIFY(!book.tickedQuote(u"C"_s));
 }
 
 void tst_AccountBook::aHellosPricesCountUntilTheNextSnapshot()
@@ -249,23 +250,26 @@ void tst_AccountBook::aHellosPricesCountUntilTheNextSnapshot()
     AccountBook book;
     book.notePrices(PriceSnapshot(object(R"({"A":{"bid":1},"B":{"bid":2}})")));
     book.noteHelloPrices(PriceSnapshot(object(R"({"A":{"bid":3},"C":{"ask":4}})")));
-    book.setTrades(accounts(R"([{"symbol":"A"},{"symbol":"C"}])"), {});
-    QCOMPARE(book.knownPrice(u"A"_s), object(R"({"A":{"bid":3}})"));
-    QCOMPARE(book.knownPrice(u"B"_s), object(R"({"B":{"bid":2}})"));
-    QCOMPARE(book.knownPrice(u"C"_s), object(R"({"C":{"ask":4}})"));
-    QCOMPARE(book.knownTradePrices(), object(R"({"A":{"bid":1}})"));
+    QVERIFY((book.quote(u"A"_s) == Quote{3.0, 0.0}));
+    QVERIFY((book.quote(u"B"_s) == Quote{2.0, 0.0}));
+    QVERIFY((book.quote(u"C"_s) == Quote{0.0, 4.0}));
+    QVERIFY((book.tickedQuote(u"A"_s) == Quote{1.0, 0.0}));
+    QVERIFY(!book.tickedQuote(u"C"_s));
     book.notePrices(PriceSnapshot(object(R"({"A":{"bid":5}})")));
-    QCOMPARE(book.knownPrice(u"A"_s), object(R"({"A":{"bid":5}})"));
-    QCOMPARE(book.knownTradePrices(), object(R"({"A":{"bid":5}})"));
-    QCOMPARE(book.knownQuote(u"C"_s).ask, 4.0);
+    QVERIFY((book.quote(u"A"_s) == Quote{5.0, 0.0}));
+    QVERIFY((book.tickedQuote(u"A"_s) == Quote{5.0, 0.0}));
 }
 
-void tst_AccountBook::knownTradePricesNameOnlyTradedSymbols()
+void tst_AccountBook::a_known_quote_is_judged_by_new_decimals()
 {
+    const auto tiny = [](const QString&) { return 9; };
     AccountBook book;
-    book.notePrices(PriceSnapshot(object(R"({"A":{"bid":1},"B":{"bid":2},"C":{"bid":3}})")));
-    book.setTrades(accounts(R"([{"symbol":"A"},{"symbol":"Q"}])"), accounts(R"([{"symbol":"C"}])"));
-    QCOMPARE(book.knownTradePrices(), object(R"({"A":{"bid":1},"C":{"bid":3}})"));
+    book.notePrices(PriceSnapshot(object(R"({"A":{"bid":2e-9,"ask":1},"B":{"bid":2e-9}})"), tiny));
+    book.noteHelloPrices(PriceSnapshot(object(R"({"A":{"bid":4e-9,"ask":2}})"), tiny));
+    book.setSymbols(accounts(R"([{"name":"A","digits":2},{"name":"B","digits":9}])"));
+    QVERIFY((book.quote(u"A"_s) == Quote{0.0, 2.0}));
+    QVERIFY((book.tickedQuote(u"A"_s) == Quote{0.0, 1.0}));
+    QVERIFY((book.quote(u"B"_s) == Quote{2e-9, 0.0}));
 }
 
 TAVORAN_TEST(tst_AccountBook)

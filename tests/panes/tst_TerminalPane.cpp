@@ -1,3 +1,4 @@
+#include "net/records/Quote.h"
 #include "panes/TerminalPane.h"
 #include "panes/TradeCells.h"
 #include "support/ParseJson.h"
@@ -85,6 +86,7 @@ private Q_SLOTS:
     void profitUpdatesChangeOneRow();
     void profitColoursAreFixed();
     void currentPricesAreThoseAtWhichATradeCloses();
+    void a_quote_is_shown_in_the_rows_of_its_symbol();
     void missingOrUnreadablePricesLeaveTheCell();
     void theSymbolsDecimalsSayHowSmallItsPricesAre();
     void unchangedPricesAndProfitsTellNoView();
@@ -230,6 +232,23 @@ void TestTerminalPane::currentPricesAreThoseAtWhichATradeCloses()
     QCOMPARE(toolbox.cell(1, TradeCurrentPrice), u"1901.50"_s);
     QCOMPARE(toolbox.cell(2, TradeCurrentPrice), u"1.07100"_s);
     QCOMPARE(toolbox.color(2, TradeCurrentPrice), QColor(u"#8a8a8a"_s));
+}
+
+void TestTerminalPane::a_quote_is_shown_in_the_rows_of_its_symbol()
+{
+    Toolbox toolbox;
+    QVERIFY(toolbox.pane.tradedSymbols().isEmpty());
+    toolbox.fill();
+    QStringList symbols = toolbox.pane.tradedSymbols();
+    symbols.sort();
+    QCOMPARE(symbols, QStringList({u"EURUSD"_s, u"GOLD"_s}));
+    toolbox.pane.showQuote(u"EURUSD"_s, {1.071, 1.072});
+    toolbox.pane.showQuote(u"OIL"_s, {1.0, 2.0});
+    QCOMPARE(toolbox.cell(0, TradeCurrentPrice), u"1.07100"_s);
+    QCOMPARE(toolbox.cell(1, TradeCurrentPrice), QString());
+    QCOMPARE(toolbox.cell(2, TradeCurrentPrice), u"1.07100"_s);
+    toolbox.pane.showQuote(u"EURUSD"_s, {});
+    QCOMPARE(toolbox.cell(0, TradeCurrentPrice), u"1.07100"_s);
 }
 
 void TestTerminalPane::missingOrUnreadablePricesLeaveTheCell()

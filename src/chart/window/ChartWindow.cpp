@@ -198,11 +198,14 @@ void ChartWindow::takeHistory(std::vector<Candle> candles, bool toEnd)
 
 void ChartWindow::onPrices(const QJsonObject& prices)
 {
-    const std::optional<Quote> quote = findQuote(prices, m_symbol, m_digits);
-    if (!quote)
-        return;
+    if (const std::optional<Quote> quote = findQuote(prices, m_symbol, m_digits))
+        onQuote(*quote);
+}
+
+void ChartWindow::onQuote(const Quote& quote)
+{
     m_quoted = true;
-    m_chart->onTick(quote->bid, quote->ask, QDateTime::currentMSecsSinceEpoch());
+    m_chart->onTick(quote.bid, quote.ask, QDateTime::currentMSecsSinceEpoch());
     showQuote();
     m_expert->tick();
 }

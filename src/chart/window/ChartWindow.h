@@ -20,6 +20,7 @@ class DrawingStore;
 class OneClickPanel;
 class ReadCoalescer;
 struct Candle;
+struct Quote;
 
 /// One chart of the document area: owns the canvas, knows its symbol, timeframe and account, loads its
 /// candle history and objects, and turns live prices and the account's trades into ticks and level lines.
@@ -59,6 +60,10 @@ public:
     /// Applies a saved state; ChartState::fromJson() tells what becomes of missing and unreadable values.
     void restoreState(const QJsonObject& state);
 
+    /// A live quote of this chart's symbol. Times are local ones: the feed carries none. A price that is 0 is
+    /// shown, but goes into no bar.
+    void onQuote(const Quote& quote);
+
     /// What a window of its own is given, such as one of a cascade.
     [[nodiscard]] QSize sizeHint() const override;
 
@@ -73,9 +78,8 @@ public Q_SLOTS:
     void catchUp();
     /// Reads history and objects again that could not be had before; the view stays as with catchUp().
     void loadAgain();
-    /// A price snapshot keyed by symbol; only this chart's symbol is read. Times are local ones: the feed
-    /// carries none. A price that is missing or cannot be read counts as 0: it is shown, but goes into no
-    /// bar.
+    /// The same as onQuote() with a price map, of which only this chart's symbol is read. A price that is
+    /// missing or cannot be read counts as 0.
     void onPrices(const QJsonObject& prices);
     /// Replaces the level lines by those of this symbol's trades.
     void setTrades(const QJsonArray& open, const QJsonArray& pending);

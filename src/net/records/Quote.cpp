@@ -21,13 +21,3 @@ std::optional<Quote> findQuote(const QJsonObject& snapshot, const QString& symbo
         return std::nullopt;
     return readQuote(found.value(), digits);
 }
-
-QJsonObject quoteRecord(const Quote& quote)
-{
-    QJsonObject record;
-    if (quote.bid != 0.0)
-        record.insert("bid"_L1, quote.bid);
-    if (quote.ask != 0.0)
-        record.insert("ask"_L1, quote.ask);
-    return record;
-}

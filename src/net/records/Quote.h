@@ -24,6 +24,3 @@ struct Quote final {
 
 /// A symbol's quote in a snapshot; absent when the snapshot does not name the symbol.
 [[nodiscard]] std::optional<Quote> findQuote(const QJsonObject& snapshot, const QString& symbol, int digits);
-
-/// A quote as a member of a snapshot; a price that is not known is left out.
-[[nodiscard]] QJsonObject quoteRecord(const Quote& quote);
