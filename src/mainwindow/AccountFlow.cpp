@@ -1,8 +1,8 @@
 #include "mainwindow/AccountFlow.h"
 
 #include "chart/window/ChartWindow.h"
-#include "mainwindow/AccountBook.h"
 #include "mainwindow/ChartArea.h"
+#include "mainwindow/account/AccountBook.h"
 #include "net/UrlParts.h"
 #include "net/records/AccountRecord.h"
 #include "net/records/TradeRecord.h"

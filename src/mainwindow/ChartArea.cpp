@@ -4,11 +4,11 @@
 #include "app/base/ServerText.h"
 #include "app/ui/Theme.h"
 #include "chart/window/ChartWindow.h"
-#include "mainwindow/AccountBook.h"
 #include "mainwindow/ChartSubWindow.h"
 #include "mainwindow/ChartsLayout.h"
 #include "mainwindow/SavedGeometry.h"
 #include "mainwindow/WindowPlacement.h"
+#include "mainwindow/account/AccountBook.h"
 #include "net/records/PriceSnapshot.h"
 #include "net/records/SymbolRecord.h"
 

@@ -4,7 +4,7 @@
 #include "chart/series/Timeframe.h"
 #include "chart/window/ChartWindow.h"
 #include "mainwindow/ChartArea.h"
-#include "mainwindow/TradeActions.h"
+#include "mainwindow/account/TradeActions.h"
 
 #include <QPointer>
 

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "mainwindow/AccountBook.h"
 #include "mainwindow/StatusPanel.h"
+#include "mainwindow/account/AccountBook.h"
 #include "net/ApiClient.h"
 #include "net/WsClient.h"
 

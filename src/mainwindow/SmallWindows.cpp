@@ -2,10 +2,10 @@
 
 #include "app/base/PriceRule.h"
 #include "mainwindow/AboutBox.h"
-#include "mainwindow/AccountBook.h"
 #include "mainwindow/DepthOfMarket.h"
 #include "mainwindow/PopupPrices.h"
 #include "mainwindow/SymbolSpecification.h"
+#include "mainwindow/account/AccountBook.h"
 #include "panes/MarketWatchWidget.h"
 
 using namespace Qt::StringLiterals;

@@ -1,9 +1,9 @@
 #include "mainwindow/TradeDesk.h"
 
 #include "app/base/PriceRule.h"
-#include "mainwindow/AccountBook.h"
-#include "mainwindow/TradeActions.h"
 #include "mainwindow/TradeMenu.h"
+#include "mainwindow/account/AccountBook.h"
+#include "mainwindow/account/TradeActions.h"
 #include "net/records/TradeRecord.h"
 #include "orders/ModifyDialog.h"
 #include "orders/OrderDialog.h"

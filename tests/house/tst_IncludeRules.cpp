@@ -49,7 +49,8 @@ const QHash<QString, QSet<QString>>& rules()
         {u"chart/window"_s, {u"chart/layers"_s, u"experts"_s, u"net"_s, u"app/ui"_s}},
         {u"orders"_s, {u"net"_s, u"app/ui"_s}},
         {u"panes"_s, {u"net"_s, u"app/ui"_s}},
-        {u"mainwindow"_s, {u"chart/window"_s, u"orders"_s, u"panes"_s}},
+        {u"mainwindow/account"_s, {u"net"_s}},
+        {u"mainwindow"_s, {u"mainwindow/account"_s, u"chart/window"_s, u"orders"_s, u"panes"_s}},
     };
     return table;
 }
@@ -64,8 +65,9 @@ const QSet<QString>& coreRooms()
 /// No widget, so that they can be tested without a window.
 const QSet<QString>& windowlessRooms()
 {
-    static const QSet<QString> rooms
-        = coreRooms() + QSet<QString>{u"net"_s, u"experts"_s, u"chart/data"_s, u"chart/gestures"_s};
+    static const QSet<QString> rooms = coreRooms()
+        + QSet<QString>{
+            u"net"_s, u"experts"_s, u"chart/data"_s, u"chart/gestures"_s, u"mainwindow/account"_s};
     return rooms;
 }
 

@@ -1,5 +1,5 @@
 #include "MainWindowFixture.h"
-#include "mainwindow/OrderEvents.h"
+#include "mainwindow/account/OrderEvents.h"
 #include "orders/OrderDialog.h"
 #include "support/TestMain.h"
 

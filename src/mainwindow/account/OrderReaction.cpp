@@ -1,4 +1,4 @@
-#include "mainwindow/OrderReaction.h"
+#include "mainwindow/account/OrderReaction.h"
 
 #include "app/base/NumberFormat.h"
 #include "app/base/ServerText.h"

@@ -1,8 +1,8 @@
-#include "mainwindow/TradeActions.h"
+#include "mainwindow/account/TradeActions.h"
 
 #include "app/base/NumberFormat.h"
 #include "app/base/ServerText.h"
-#include "mainwindow/AccountBook.h"
+#include "mainwindow/account/AccountBook.h"
 #include "net/ApiClient.h"
 #include "net/ReplyOutcome.h"
 #include "net/UrlParts.h"

@@ -1,4 +1,4 @@
-#include "mainwindow/OrderEvents.h"
+#include "mainwindow/account/OrderEvents.h"
 
 OrderEvents::OrderEvents(bool hasTray, QObject* parent)
     : QObject(parent)

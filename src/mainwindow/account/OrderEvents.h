@@ -1,7 +1,7 @@
 #pragma once
 
 #include "app/base/LineKind.h"
-#include "mainwindow/OrderReaction.h"
+#include "mainwindow/account/OrderReaction.h"
 
 #include <QJsonObject>
 #include <QObject>

@@ -1,6 +1,6 @@
 #include "app/base/TerminalSettings.h"
-#include "mainwindow/AccountBook.h"
-#include "mainwindow/TradeActions.h"
+#include "mainwindow/account/AccountBook.h"
+#include "mainwindow/account/TradeActions.h"
 #include "net/ApiClient.h"
 #include "support/ParseJson.h"
 #include "support/StubHttpServer.h"

@@ -1,4 +1,4 @@
-#include "mainwindow/ExpertRequests.h"
+#include "mainwindow/account/ExpertRequests.h"
 
 #include "net/ApiClient.h"
 #include "net/ReplyOutcome.h"

@@ -2,7 +2,7 @@
 
 #include "app/base/LineKind.h"
 #include "app/base/SoundKind.h"
-#include "mainwindow/ExpertRequests.h"
+#include "mainwindow/account/ExpertRequests.h"
 
 #include <QJsonObject>
 #include <QObject>

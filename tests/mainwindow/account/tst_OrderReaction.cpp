@@ -1,4 +1,4 @@
-#include "mainwindow/OrderEvents.h"
+#include "mainwindow/account/OrderEvents.h"
 #include "support/TestMain.h"
 
 #include <QJsonDocument>

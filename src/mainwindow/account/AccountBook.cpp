@@ -1,4 +1,4 @@
-#include "mainwindow/AccountBook.h"
+#include "mainwindow/account/AccountBook.h"
 
 #include "app/base/NumberFormat.h"
 #include "app/base/PriceRule.h"

@@ -1,4 +1,4 @@
-#include "mainwindow/AccountBook.h"
+#include "mainwindow/account/AccountBook.h"
 #include "net/records/PriceSnapshot.h"
 #include "support/TestMain.h"
 
