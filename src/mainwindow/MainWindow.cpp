@@ -1,13 +1,12 @@
 #include "mainwindow/MainWindow.h"
 
 #include "app/base/Log.h"
-#include "app/base/PriceRule.h"
 #include "app/base/ServerText.h"
 #include "app/base/TerminalSettings.h"
 #include "app/base/UpdateFramework.h"
 #include "app/ui/Theme.h"
 #include "chart/window/ChartWindow.h"
-#include "mainwindow/AccountFlow.h"
+#include "mainwindow/AccountSelector.h"
 #include "mainwindow/ChartArea.h"
 #include "mainwindow/ChartCommands.h"
 #include "mainwindow/DesktopLinks.h"
@@ -21,12 +20,13 @@
 #include "mainwindow/SmallWindows.h"
 #include "mainwindow/TerminalActions.h"
 #include "mainwindow/ToolBars.h"
+#include "mainwindow/ToolboxFiller.h"
 #include "mainwindow/TradeDesk.h"
 #include "mainwindow/TrayIcon.h"
+#include "mainwindow/account/AccountLoader.h"
 #include "mainwindow/account/OrderEvents.h"
 #include "mainwindow/account/TradeActions.h"
 #include "net/records/FeedMessage.h"
-#include "net/records/PriceSnapshot.h"
 #include "net/records/ServerReply.h"
 #include "panes/AlertsPane.h"
 #include "panes/MarketWatchWidget.h"
@@ -50,12 +50,6 @@ namespace {
 
 constexpr QSize InitialSize(1280, 800);
 
-PriceSnapshot readPrices(const QJsonObject& prices, const AccountBook& book)
-{
-    return PriceSnapshot(
-        prices, [&book](const QString& symbol) { return book.digits().value(symbol, usualPriceDigits); });
-}
-
 } // namespace
 
 MainWindow::MainWindow(QWidget* parent)
@@ -75,8 +69,9 @@ MainWindow::MainWindow(QWidget* parent)
     setCentralWidget(m_charts);
     buildToolbox();
     m_docks->setPanes(*m_marketWatch, *m_navigator, *m_toolbox);
-    m_accounts = new AccountFlow(
-        m_api, m_book, {m_status->accountSelector(), *m_navigator, *m_toolbox, *m_charts}, this);
+    m_loader = new AccountLoader(m_api, m_book, this);
+    m_accountSelector = new AccountSelector(m_status->accountSelector(), m_book, this);
+    m_toolboxFiller = new ToolboxFiller(*m_toolbox, m_book, this);
     m_actions = new TerminalActions(*this,
         {m_docks->marketWatchDock().toggleViewAction(), m_docks->navigatorDock().toggleViewAction(),
             m_docks->toolboxDock().toggleViewAction()});
@@ -88,9 +83,11 @@ MainWindow::MainWindow(QWidget* parent)
     m_expertAttachment = new ExpertAttachment(*m_charts, *m_tradeActions, this);
     buildTray();
     m_orderEvents = new OrderEvents(m_tray != nullptr, this);
-    m_reports = new Reports(*m_toolbox, *m_accounts, m_tray, this);
+    m_reports = new Reports(*m_toolbox, *m_loader, m_tray, this);
 
     connectFeed();
+    connectAccount();
+    connectQuotes();
     connectPanes();
     connectTrades();
     connectExperts();
@@ -115,7 +112,7 @@ MainWindow::~MainWindow()
     delete m_chartCommands;
     delete m_charts;
     delete m_reports; // experts may still fail while their charts go
-    delete m_accounts;
+    delete m_loader;
     delete m_docks;
 }
 
@@ -160,11 +157,40 @@ void MainWindow::connectFeed()
     });
 }
 
+void MainWindow::connectAccount()
+{
+    connect(&m_book, &AccountBook::accountsChanged, m_navigator,
+        [this] { m_navigator->setAccounts(m_book.accounts()); });
+    connect(&m_book, &AccountBook::currentAccountChanged, m_navigator,
+        [this] { m_navigator->setActiveAccount(m_book.currentAccountId()); });
+    connect(&m_book, &AccountBook::currentAccountChanged, m_charts, &ChartArea::applyAccount);
+    connect(&m_book, &AccountBook::tradesChanged, m_charts, &ChartArea::applyTrades);
+    connect(&m_book, &AccountBook::summaryChanged, m_charts, &ChartArea::applySummary);
+    connect(m_loader, &AccountLoader::historyRead, m_toolboxFiller, &ToolboxFiller::showHistory);
+    connect(m_accountSelector, &AccountSelector::accountChosen, m_loader, &AccountLoader::selectAccount);
+    connect(m_navigator, &NavigatorWidget::accountActivated, m_accountSelector, &AccountSelector::choose);
+}
+
+void MainWindow::connectQuotes()
+{
+    connect(&m_book, &AccountBook::symbolsChanged, m_marketWatch,
+        [this] { m_marketWatch->setSymbols(m_book.symbols()); });
+    connect(&m_book, &AccountBook::symbolsChanged, m_charts, &ChartArea::applySymbols);
+    connect(&m_book, &AccountBook::symbolsChanged, m_smallWindows, &SmallWindows::onSymbols);
+    connect(&m_book, &AccountBook::symbolsChanged, m_actions,
+        [this] { m_actions->setSymbolsKnown(!m_book.symbolsByName().isEmpty()); });
+    connect(&m_book, &AccountBook::symbolsChanged, m_alerts,
+        [this] { m_alerts->setSymbols(m_book.symbolNames()); });
+    connect(&m_book, &AccountBook::quotesChanged, m_marketWatch, &MarketWatchWidget::showQuotes);
+    connect(&m_book, &AccountBook::quotesChanged, m_smallWindows, &SmallWindows::onPrices);
+    connect(&m_book, &AccountBook::ticked, m_charts, &ChartArea::showQuotes);
+    connect(&m_book, &AccountBook::ticked, m_alerts, &AlertsPane::checkQuotes);
+}
+
 void MainWindow::connectPanes()
 {
     connect(m_charts, &QMdiArea::subWindowActivated, this, &MainWindow::onSubWindowActivated);
     connect(m_marketWatch, &MarketWatchWidget::symbolActivated, this, &MainWindow::openChart);
-    connect(m_navigator, &NavigatorWidget::accountActivated, m_accounts, &AccountFlow::activateAccount);
     connect(m_navigator, &NavigatorWidget::indicatorActivated, m_chartCommands, &ChartCommands::addIndicator);
 }
 
@@ -188,7 +214,7 @@ void MainWindow::connectExperts()
 void MainWindow::connectReports()
 {
     m_reports->follow(m_feed);
-    m_reports->follow(*m_accounts);
+    m_reports->follow(*m_loader);
     m_reports->follow(*m_charts);
     m_reports->follow(*m_chartCommands);
     m_reports->follow(*m_links);
@@ -236,42 +262,28 @@ void MainWindow::setUser(const QJsonObject& user)
     journal(tr("Auth"),
         tr("Logged in as %1 on %2")
             .arg(shownSentence(email), shownSentence(TerminalSettings::instance().serverUrl())));
-    m_accounts->refreshAccounts();
+    m_loader->refreshAccounts();
     m_feed.start();
 }
 
 void MainWindow::onHello(const QJsonObject& hello)
 {
     m_book.setSymbols(feed::symbols(hello));
-    m_marketWatch->setSymbols(m_book.symbols());
-    m_charts->applySymbols();
     m_charts->catchUp();
-    m_smallWindows->onSymbols();
     // No ticks: to whoever was connected before they may be old news, on which nothing is to act.
-    const PriceSnapshot prices = readPrices(feed::helloPrices(hello), m_book);
-    m_book.noteHelloPrices(prices);
-    m_marketWatch->showQuotes(prices);
-    m_smallWindows->onPrices();
-    m_actions->setSymbolsKnown(!m_book.symbolsByName().isEmpty());
-    m_alerts->setSymbols(m_book.symbolNames());
-    m_accounts->refreshAccounts();
+    m_book.noteHelloPrices(feed::helloPrices(hello));
+    m_loader->refreshAccounts();
     m_news->refresh();
 }
 
 void MainWindow::onPrices(const QJsonObject& prices)
 {
-    const PriceSnapshot snapshot = readPrices(prices, m_book);
-    m_book.notePrices(snapshot);
-    m_marketWatch->showQuotes(snapshot);
-    m_toolbox->showQuotes(snapshot);
-    m_charts->showQuotes(snapshot);
-    m_alerts->checkQuotes(snapshot);
-    m_smallWindows->onPrices();
+    m_book.notePrices(prices);
 }
 
 void MainWindow::onTradesUpdated(const QJsonArray& rows)
 {
-    m_accounts->onTradesUpdated(rows);
+    m_book.noteProfits(rows);
 }
 
 void MainWindow::onOrdersChanged(const QJsonObject& event)
@@ -286,7 +298,7 @@ void MainWindow::onAccountUpdated(const QJsonObject& event)
 
 void MainWindow::onAccountSelected(int index)
 {
-    m_accounts->onAccountSelected(index);
+    m_accountSelector->onAccountSelected(index);
 }
 
 void MainWindow::openChart(const QString& symbol)

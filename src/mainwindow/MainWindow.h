@@ -8,7 +8,8 @@
 #include <QJsonObject>
 #include <QMainWindow>
 
-class AccountFlow;
+class AccountLoader;
+class AccountSelector;
 class AlertsPane;
 class ChartArea;
 class ChartCommands;
@@ -26,6 +27,7 @@ class ScreenFit;
 class SmallWindows;
 class TerminalActions;
 class TerminalPane;
+class ToolboxFiller;
 class TradeActions;
 class TradeDesk;
 class TrayIcon;
@@ -82,6 +84,8 @@ private:
     void buildMenus();
     void buildToolbar();
     void connectFeed();
+    void connectAccount();
+    void connectQuotes();
     void connectPanes();
     void connectTrades();
     void connectExperts();
@@ -109,10 +113,12 @@ private:
     MarketWatchWidget* m_marketWatch;
     NavigatorWidget* m_navigator;
     TerminalPane* m_toolbox;
+    ToolboxFiller* m_toolboxFiller;
     StatusPanel* m_status;
     TrayIcon* m_tray = nullptr; ///< none on a desktop without a tray
     OrderEvents* m_orderEvents = nullptr;
-    AccountFlow* m_accounts;
+    AccountLoader* m_loader;
+    AccountSelector* m_accountSelector;
     TerminalActions* m_actions;
     ChartCommands* m_chartCommands;
     DesktopLinks* m_links;

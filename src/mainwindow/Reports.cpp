@@ -2,7 +2,7 @@
 
 #include "app/base/Log.h"
 
-Reports::Reports(TerminalPane& toolbox, AccountFlow& accounts, TrayIcon* tray, QObject* parent)
+Reports::Reports(TerminalPane& toolbox, AccountLoader& accounts, TrayIcon* tray, QObject* parent)
     : QObject(parent)
     , m_toolbox(toolbox)
     , m_accounts(accounts)

@@ -2,8 +2,8 @@
 
 #include "app/base/LineKind.h"
 #include "app/ui/SoundPlayer.h"
-#include "mainwindow/AccountFlow.h"
 #include "mainwindow/TrayIcon.h"
+#include "mainwindow/account/AccountLoader.h"
 #include "panes/TerminalPane.h"
 
 #include <QObject>
@@ -16,7 +16,7 @@ class Reports final : public QObject {
 
 public:
     /// All must outlive it. Without a tray balloons are dropped.
-    Reports(TerminalPane& toolbox, AccountFlow& accounts, TrayIcon* tray, QObject* parent);
+    Reports(TerminalPane& toolbox, AccountLoader& accounts, TrayIcon* tray, QObject* parent);
     ~Reports() override = default;
 
     /// Listens to whichever of the reports a collaborator has signals for.
@@ -32,7 +32,7 @@ private:
     template <typename Reporter> void followRefreshes(const Reporter& reporter);
 
     TerminalPane& m_toolbox;
-    AccountFlow& m_accounts;
+    AccountLoader& m_accounts;
     TrayIcon* m_tray;
 };
 
@@ -58,11 +58,11 @@ template <typename Reporter> void Reports::follow(const Reporter& reporter)
 template <typename Reporter> void Reports::followRefreshes(const Reporter& reporter)
 {
     if constexpr (requires { &Reporter::accountsRefreshWanted; })
-        connect(&reporter, &Reporter::accountsRefreshWanted, &m_accounts, &AccountFlow::refreshAccounts);
+        connect(&reporter, &Reporter::accountsRefreshWanted, &m_accounts, &AccountLoader::refreshAccounts);
     if constexpr (requires { &Reporter::tradesRefreshWanted; })
-        connect(&reporter, &Reporter::tradesRefreshWanted, &m_accounts, &AccountFlow::refreshOpenTrades);
+        connect(&reporter, &Reporter::tradesRefreshWanted, &m_accounts, &AccountLoader::refreshOpenTrades);
     if constexpr (requires { &Reporter::historyRefreshWanted; })
-        connect(&reporter, &Reporter::historyRefreshWanted, &m_accounts, &AccountFlow::refreshHistory);
+        connect(&reporter, &Reporter::historyRefreshWanted, &m_accounts, &AccountLoader::refreshHistory);
     if constexpr (requires { &Reporter::everythingRefreshWanted; })
-        connect(&reporter, &Reporter::everythingRefreshWanted, &m_accounts, &AccountFlow::refreshAll);
+        connect(&reporter, &Reporter::everythingRefreshWanted, &m_accounts, &AccountLoader::refreshAll);
 }

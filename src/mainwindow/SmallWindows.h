@@ -20,12 +20,12 @@ public:
     SmallWindows(const AccountBook& book, const MarketWatchWidget& marketWatch, QWidget& window);
     ~SmallWindows() override;
 
-    /// Call after the book and Market Watch have taken new prices.
+public Q_SLOTS:
+    /// The book has new quotes.
     void onPrices();
-    /// Call after the book has taken a new symbol list.
+    /// The book has a new symbol list.
     void onSymbols();
 
-public Q_SLOTS:
     void togglePopupPrices();
     /// Closes the open one, else opens one for the symbol; nothing for an empty name.
     void toggleDepthOfMarket(const QString& symbol);

@@ -2,7 +2,6 @@
 
 #include "app/base/NumberFormat.h"
 #include "app/base/PriceRule.h"
-#include "app/base/ServerText.h"
 #include "net/records/AccountRecord.h"
 #include "net/records/PriceSnapshot.h"
 #include "net/records/SymbolRecord.h"
@@ -22,10 +21,11 @@ Quote pricesOf(const Quote& quote, int digits)
 
 } // namespace
 
-QString AccountBook::selectorText(const QJsonObject& account)
+void AccountBook::setAccounts(const QJsonArray& accounts)
 {
-    return u"%1  [%2]  %3"_s.arg(
-        account::label(account), shownName(account::status(account)), formatMoney(account::balance(account)));
+    m_accounts = accounts;
+    Q_EMIT accountsChanged();
+    updateAccountSummary();
 }
 
 int AccountBook::preferredIndex() const
@@ -42,12 +42,21 @@ int AccountBook::preferredIndex() const
     return current.value_or(tradable.value_or(0));
 }
 
+QString AccountBook::preferredAccountId() const
+{
+    return account::id(m_accounts.at(preferredIndex()).toObject());
+}
+
 void AccountBook::selectAccount(const QString& id)
 {
-    if (id != m_currentAccountId)
+    const bool another = id != m_currentAccountId;
+    if (another)
         m_usedMargin = 0.0; // another account's margin is never shown as this one's
     m_currentAccountId = id;
     m_tradePnl.clear();
+    if (another)
+        Q_EMIT currentAccountChanged();
+    updateAccountSummary();
 }
 
 void AccountBook::readFigures(const QJsonArray& openTrades)
@@ -59,9 +68,36 @@ void AccountBook::readFigures(const QJsonArray& openTrades)
         m_tradePnl.insert(trade::id(trade), trade::profit(trade));
         m_usedMargin += trade::margin(trade);
     }
+    updateAccountSummary();
 }
 
-std::optional<AccountSummary> AccountBook::summary() const
+void AccountBook::noteProfits(const QJsonArray& rows)
+{
+    bool matched = false;
+    for (const QJsonValue value : rows) {
+        const QJsonObject row = value.toObject();
+        if (m_currentAccountId.isEmpty() || trade::accountId(row) != m_currentAccountId)
+            continue;
+        matched = true;
+        const QString id = trade::id(row);
+        const double profit = trade::profit(row);
+        m_tradePnl.insert(id, profit);
+        Q_EMIT profitChanged(id, profit);
+    }
+    if (matched)
+        updateAccountSummary();
+}
+
+void AccountBook::updateAccountSummary()
+{
+    const std::optional<AccountSummary> now = summaryOfNow();
+    if (now == m_summary)
+        return;
+    m_summary = now;
+    Q_EMIT summaryChanged();
+}
+
+std::optional<AccountSummary> AccountBook::summaryOfNow() const
 {
     const auto found = std::find_if(m_accounts.begin(), m_accounts.end(), [this](const QJsonValue& value) {
         return value.isObject() && account::id(value.toObject()) == m_currentAccountId;
@@ -82,6 +118,7 @@ void AccountBook::setTrades(const QJsonArray& open, const QJsonArray& pending)
 {
     m_openTrades = open;
     m_pendingOrders = pending;
+    Q_EMIT tradesChanged();
 }
 
 void AccountBook::setSymbols(const QJsonArray& symbols)
@@ -98,6 +135,7 @@ void AccountBook::setSymbols(const QJsonArray& symbols)
         m_digits.insert(name, clampDigits(symbol::digits(record)));
     }
     judgeQuotesAgain();
+    Q_EMIT symbolsChanged();
 }
 
 QJsonArray AccountBook::sortedSymbols() const
@@ -116,16 +154,27 @@ QStringList AccountBook::symbolNames() const
     return names;
 }
 
-void AccountBook::notePrices(const PriceSnapshot& prices)
+PriceSnapshot AccountBook::readPrices(const QJsonObject& prices) const
 {
-    for (const PriceSnapshot::Entry& entry : prices.entries())
-        m_quotes.insert(entry.symbol, {entry.quote, entry.quote});
+    return PriceSnapshot(
+        prices, [this](const QString& symbol) { return m_digits.value(symbol, usualPriceDigits); });
 }
 
-void AccountBook::noteHelloPrices(const PriceSnapshot& prices)
+void AccountBook::notePrices(const QJsonObject& prices)
 {
-    for (const PriceSnapshot::Entry& entry : prices.entries())
+    const PriceSnapshot snapshot = readPrices(prices);
+    for (const PriceSnapshot::Entry& entry : snapshot.entries())
+        m_quotes.insert(entry.symbol, {entry.quote, entry.quote});
+    Q_EMIT quotesChanged(snapshot);
+    Q_EMIT ticked(snapshot);
+}
+
+void AccountBook::noteHelloPrices(const QJsonObject& prices)
+{
+    const PriceSnapshot snapshot = readPrices(prices);
+    for (const PriceSnapshot::Entry& entry : snapshot.entries())
         m_quotes[entry.symbol].latest = entry.quote;
+    Q_EMIT quotesChanged(snapshot);
 }
 
 std::optional<Quote> AccountBook::quote(const QString& symbol) const

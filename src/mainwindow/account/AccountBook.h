@@ -6,6 +6,7 @@
 #include <QJsonArray>
 #include <QJsonObject>
 #include <QMap>
+#include <QObject>
 #include <QString>
 #include <QStringList>
 
@@ -24,18 +25,25 @@ struct AccountSummary final {
     friend bool operator==(const AccountSummary&, const AccountSummary&) = default;
 };
 
-/// What the terminal knows about the user's accounts, the current account's trades and the tradable
-/// symbols. Plain state with the rules that belong to it: no widget, no network.
-class AccountBook final {
+/// What the terminal knows about the user's accounts, the current account's trades and the tradable symbols:
+/// the records as they came, and the rules on them. Tells what has changed; whoever shows or uses it asks for
+/// the rest.
+class AccountBook final : public QObject {
+    Q_OBJECT
+    Q_DISABLE_COPY_MOVE(AccountBook)
+
 public:
+    using QObject::QObject;
+    ~AccountBook() override = default;
+
     /// Replaces the account list; the current account stays, listed or not.
-    void setAccounts(const QJsonArray& accounts) { m_accounts = accounts; }
+    void setAccounts(const QJsonArray& accounts);
     [[nodiscard]] const QJsonArray& accounts() const { return m_accounts; }
-    /// One line of the account selector: label, status, balance. Server text in it is one line.
-    [[nodiscard]] static QString selectorText(const QJsonObject& account);
     /// Which account to select: the current one if listed (of equal ids the last), else the first
     /// active one that is no wallet, else the first. 0 for an empty list.
     [[nodiscard]] int preferredIndex() const;
+    /// The same by its id; empty for an empty list.
+    [[nodiscard]] QString preferredAccountId() const;
 
     [[nodiscard]] const QString& currentAccountId() const { return m_currentAccountId; }
     /// Makes an account current ("" for none) and forgets the profits until its trades are read again.
@@ -43,12 +51,12 @@ public:
 
     /// Takes profit and margin of every trade from a fresh list of open trades.
     void readFigures(const QJsonArray& openTrades);
-    /// A newer profit of one trade of the current account.
-    void setTradePnl(const QString& tradeId, double profit) { m_tradePnl.insert(tradeId, profit); }
+    /// Takes newer profits from trade records; those of other accounts are left out.
+    void noteProfits(const QJsonArray& rows);
     [[nodiscard]] const QMap<QString, double>& tradePnl() const { return m_tradePnl; }
     [[nodiscard]] double usedMargin() const { return m_usedMargin; }
     /// Nothing while the current account is not in the list.
-    [[nodiscard]] std::optional<AccountSummary> summary() const;
+    [[nodiscard]] const std::optional<AccountSummary>& summary() const { return m_summary; }
 
     /// The lists on show, as the server sent them.
     void setTrades(const QJsonArray& open, const QJsonArray& pending);
@@ -67,27 +75,47 @@ public:
     /// Price decimals by symbol name, as the records state them (5 where they do not).
     [[nodiscard]] const QHash<QString, int>& digits() const { return m_digits; }
 
-    /// Remembers the latest quote of every symbol in a snapshot.
-    void notePrices(const PriceSnapshot& prices);
+    /// Looks through a price map, once for all, and remembers the latest quote of every symbol in it.
+    void notePrices(const QJsonObject& prices);
     /// The same for the prices of a hello, which are no ticks: they count until the symbol's next snapshot.
-    void noteHelloPrices(const PriceSnapshot& prices);
+    void noteHelloPrices(const QJsonObject& prices);
     /// The latest quote of one symbol; nothing when none has come.
     [[nodiscard]] std::optional<Quote> quote(const QString& symbol) const;
     /// The same, those of a hello left out.
     [[nodiscard]] std::optional<Quote> tickedQuote(const QString& symbol) const;
 
-private:
-    void judgeQuotesAgain();
+Q_SIGNALS:
+    // A list that was read anew counts as a change, whatever it holds: what is shown starts from it again.
+    void accountsChanged();
+    void currentAccountChanged();
+    /// Open trades and pending orders.
+    void tradesChanged();
+    void symbolsChanged();
 
+    /// A newer profit of one of the current account's trades, known or not.
+    void profitChanged(const QString& tradeId, double profit);
+    void summaryChanged();
+    /// There are newer quotes, of a snapshot or a hello.
+    void quotesChanged(const PriceSnapshot& quotes);
+    /// A snapshot of live prices has come; after quotesChanged().
+    void ticked(const PriceSnapshot& quotes);
+
+private:
     struct KnownQuote final {
         Quote latest;                ///< of a snapshot or a hello
         std::optional<Quote> ticked; ///< of the latest snapshot; absent before the first
     };
 
+    [[nodiscard]] PriceSnapshot readPrices(const QJsonObject& prices) const;
+    void judgeQuotesAgain();
+    [[nodiscard]] std::optional<AccountSummary> summaryOfNow() const;
+    void updateAccountSummary();
+
     QJsonArray m_accounts;
     QString m_currentAccountId;
     QMap<QString, double> m_tradePnl;
     double m_usedMargin = 0.0;
+    std::optional<AccountSummary> m_summary;
     QJsonArray m_openTrades;
     QJsonArray m_pendingOrders;
     QJsonArray m_symbols;

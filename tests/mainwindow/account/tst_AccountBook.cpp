@@ -4,15 +4,14 @@
 
 #include <QJsonDocument>
 
+#include <utility>
+
 using namespace Qt::StringLiterals;
 
 class tst_AccountBook final : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void selectorTextNamesLabelStatusAndBalance_data();
-    void selectorTextNamesLabelStatusAndBalance();
-    void statusWithALineBreakStaysOneLine();
     void emptyListPrefersIndexZero();
     void currentAccountIsPreferredWhereverItMoved();
     void firstActiveAccountThatIsNoWalletIsPreferred();
@@ -31,6 +30,11 @@ private Q_SLOTS:
     void latestQuoteOfASymbolIsKnown();
     void aHellosPricesCountUntilTheNextSnapshot();
     void a_known_quote_is_judged_by_new_decimals();
+    void each_symbols_decimals_say_what_is_a_price();
+    void whoever_hears_of_a_change_finds_it_in_the_book();
+    void what_has_not_changed_is_not_told();
+    void without_an_account_no_profit_is_anyones();
+    void the_preferred_account_is_known_by_its_id();
 };
 
 namespace {
@@ -45,42 +49,52 @@ QJsonObject object(const char* text)
     return QJsonDocument::fromJson(text).object();
 }
 
+QString bidOf(const PriceSnapshot& quotes)
+{
+    const PriceSnapshot::Entry& entry = quotes.entries().front();
+    return u"%1=%2"_s.arg(entry.symbol).arg(entry.quote.bid);
+}
+
+/// Writes down what the book tells, and what the book holds at that moment.
+struct Listener {
+    AccountBook book;
+    QStringList told;
+
+    Listener()
+    {
+        const auto listen = [this](auto signal, auto text) {
+            QObject::connect(&book, signal, &book, [this, text] { told.append(text()); });
+        };
+        listen(
+            &AccountBook::accountsChanged, [this] { return u"accounts %1"_s.arg(book.accounts().size()); });
+        listen(&AccountBook::currentAccountChanged,
+            [this] { return u"current %1"_s.arg(book.currentAccountId()); });
+        listen(&AccountBook::tradesChanged, [this] {
+            return u"trades %1+%2"_s.arg(book.openTrades().size()).arg(book.pendingOrders().size());
+        });
+        listen(&AccountBook::symbolsChanged,
+            [this] { return u"symbols %1"_s.arg(book.symbolsByName().size()); });
+        listen(&AccountBook::summaryChanged,
+            [this] { return book.summary() ? u"equity %1"_s.arg(book.summary()->equity) : u"no equity"_s; });
+        QObject::connect(&book, &AccountBook::profitChanged, &book, [this](const QString& id, double profit) {
+            QCOMPARE(book.tradePnl().value(id), profit);
+            told.append(u"profit %1 %2"_s.arg(id).arg(profit));
+        });
+        QObject::connect(&book, &AccountBook::quotesChanged, &book, [this](const PriceSnapshot& quotes) {
+            QCOMPARE(book.quote(u"A"_s)->bid, quotes.find(u"A"_s)->bid);
+            told.append(u"quotes "_s + bidOf(quotes));
+        });
+        QObject::connect(&book, &AccountBook::ticked, &book, [this](const PriceSnapshot& quotes) {
+            QCOMPARE(book.tickedQuote(u"A"_s)->bid, quotes.find(u"A"_s)->bid);
+            told.append(u"ticked "_s + bidOf(quotes));
+        });
+    }
+    Q_DISABLE_COPY_MOVE(Listener)
+
+    [[nodiscard]] QStringList take() { return std::exchange(told, {}); }
+};
+
 } // namespace
-
-void tst_AccountBook::selectorTextNamesLabelStatusAndBalance_data()
-{
-    QTest::addColumn<QByteArray>("account");
-    QTest::addColumn<QString>("text");
-    const auto row = [](const char* name, const char* account, const QString& text) {
-        QTest::newRow(name) << QByteArray(account) << text;
-    };
-    row("wallet", R"({"isWallet":true,"type":"DEMO","status":"ACTIVE","balance":"1234567.891"})",
-        u"Real  [ACTIVE]  1,234,567.89"_s);
-    row("demo", R"({"type":"DEMO","status":"ACTIVE","balance":100000})", u"Demo  [ACTIVE]  100,000.00"_s);
-    row("phase beyond the steps",
-        R"({"Plan":{"name":"Pro","steps":2},"phase":3,"status":"ACTIVE","balance":1})",
-        u"Pro — Challenge 2/2  [ACTIVE]  1.00"_s);
-    row("one step", R"({"Plan":{"name":"Pro","steps":1},"status":"FAILED","balance":0})",
-        u"Pro — Challenge  [FAILED]  0.00"_s);
-    row("funded", R"({"Plan":{"name":"Pro","steps":2},"isFunded":true,"status":"ACTIVE","balance":-5.005})",
-        u"Pro — Funded  [ACTIVE]  -5.00"_s);
-    row("nothing known", "{}", u"Account — Challenge  []  0.00"_s);
-    row("percent signs", R"({"Plan":{"name":"%2 %1"},"status":"%3","balance":7})",
-        u"%2 %1 — Challenge  [%3]  7.00"_s);
-}
-
-void tst_AccountBook::selectorTextNamesLabelStatusAndBalance()
-{
-    QFETCH(QByteArray, account);
-    QFETCH(QString, text);
-    QCOMPARE(AccountBook::selectorText(object(account.constData())), text);
-}
-
-void tst_AccountBook::statusWithALineBreakStaysOneLine()
-{
-    QCOMPARE(AccountBook::selectorText(object(R"({"isWallet":true,"status":"A\nB","balance":1})")),
-        u"Real  [A B]  1.00"_s);
-}
 
 void tst_AccountBook::emptyListPrefersIndexZero()
 {
@@ -160,8 +174,7 @@ void tst_AccountBook::summaryFollowsNewProfits()
     book.setAccounts(accounts(R"([{"id":"a","balance":100}])"));
     book.selectAccount(u"a"_s);
     book.readFigures(accounts(R"([{"id":"1","pnl":1,"margin":10}])"));
-    book.setTradePnl(u"1"_s, -4.0);
-    book.setTradePnl(u"2"_s, 1.0);
+    book.noteProfits(accounts(R"([{"id":"1","accountId":"a","pnl":-4},{"id":"2","accountId":"a","pnl":1}])"));
     const AccountSummary expected{100.0, 97.0, 10.0, 87.0, -3.0};
     QVERIFY(book.summary() == expected);
 }
@@ -237,8 +250,8 @@ void tst_AccountBook::symbolNamesAreAlphabetical()
 void tst_AccountBook::latestQuoteOfASymbolIsKnown()
 {
     AccountBook book;
-    book.notePrices(PriceSnapshot(object(R"({"A":{"bid":1},"B":{"bid":2}})")));
-    book.notePrices(PriceSnapshot(object(R"({"A":{"bid":3}})")));
+    book.notePrices(object(R"({"A":{"bid":1},"B":{"bid":2}})"));
+    book.notePrices(object(R"({"A":{"bid":3}})"));
     QVERIFY((book.quote(u"A"_s) == Quote{3.0, 0.0}));
     QVERIFY((book.quote(u"B"_s) == Quote{2.0, 0.0}));
     QVERIFY(!book.quote(u"C"_s));
@@ -248,28 +261,100 @@ void tst_AccountBook::latestQuoteOfASymbolIsKnown()
 void tst_AccountBook::aHellosPricesCountUntilTheNextSnapshot()
 {
     AccountBook book;
-    book.notePrices(PriceSnapshot(object(R"({"A":{"bid":1},"B":{"bid":2}})")));
-    book.noteHelloPrices(PriceSnapshot(object(R"({"A":{"bid":3},"C":{"ask":4}})")));
+    book.notePrices(object(R"({"A":{"bid":1},"B":{"bid":2}})"));
+    book.noteHelloPrices(object(R"({"A":{"bid":3},"C":{"ask":4}})"));
     QVERIFY((book.quote(u"A"_s) == Quote{3.0, 0.0}));
     QVERIFY((book.quote(u"B"_s) == Quote{2.0, 0.0}));
     QVERIFY((book.quote(u"C"_s) == Quote{0.0, 4.0}));
     QVERIFY((book.tickedQuote(u"A"_s) == Quote{1.0, 0.0}));
     QVERIFY(!book.tickedQuote(u"C"_s));
-    book.notePrices(PriceSnapshot(object(R"({"A":{"bid":5}})")));
+    book.notePrices(object(R"({"A":{"bid":5}})"));
     QVERIFY((book.quote(u"A"_s) == Quote{5.0, 0.0}));
     QVERIFY((book.tickedQuote(u"A"_s) == Quote{5.0, 0.0}));
 }
 
 void tst_AccountBook::a_known_quote_is_judged_by_new_decimals()
 {
-    const auto tiny = [](const QString&) { return 9; };
     AccountBook book;
-    book.notePrices(PriceSnapshot(object(R"({"A":{"bid":2e-9,"ask":1},"B":{"bid":2e-9}})"), tiny));
-    book.noteHelloPrices(PriceSnapshot(object(R"({"A":{"bid":4e-9,"ask":2}})"), tiny));
+    book.setSymbols(accounts(R"([{"name":"A","digits":9},{"name":"B","digits":9}])"));
+    book.notePrices(object(R"({"A":{"bid":2e-9,"ask":1},"B":{"bid":2e-9}})"));
+    book.noteHelloPrices(object(R"({"A":{"bid":4e-9,"ask":2}})"));
     book.setSymbols(accounts(R"([{"name":"A","digits":2},{"name":"B","digits":9}])"));
     QVERIFY((book.quote(u"A"_s) == Quote{0.0, 2.0}));
     QVERIFY((book.tickedQuote(u"A"_s) == Quote{0.0, 1.0}));
     QVERIFY((book.quote(u"B"_s) == Quote{2e-9, 0.0}));
+}
+
+void tst_AccountBook::each_symbols_decimals_say_what_is_a_price()
+{
+    AccountBook book;
+    book.setSymbols(accounts(R"([{"name":"A","digits":9}])"));
+    book.notePrices(object(R"({"A":{"bid":2e-9},"B":{"bid":2e-9}})"));
+    QVERIFY((book.quote(u"A"_s) == Quote{2e-9, 0.0}));
+    QVERIFY((book.quote(u"B"_s) == Quote{}));
+}
+
+void tst_AccountBook::whoever_hears_of_a_change_finds_it_in_the_book()
+{
+    Listener listener;
+    AccountBook& book = listener.book;
+    book.setAccounts(accounts(R"([{"id":"a","balance":100},{"id":"b","balance":7}])"));
+    QCOMPARE(listener.take(), QStringList{u"accounts 2"_s});
+    book.selectAccount(u"a"_s);
+    QCOMPARE(listener.take(), QStringList({u"current a"_s, u"equity 100"_s}));
+    book.readFigures(accounts(R"([{"id":"1","pnl":5,"margin":10}])"));
+    QCOMPARE(listener.take(), QStringList{u"equity 105"_s});
+    book.setTrades(accounts(R"([{"id":"1"}])"), accounts(R"([{"id":"2"},{"id":"3"}])"));
+    QCOMPARE(listener.take(), QStringList{u"trades 1+2"_s});
+    book.noteProfits(
+        accounts(R"([{"id":"1","accountId":"a","pnl":"6"},{"id":"9","accountId":"a","pnl":1}])"));
+    QCOMPARE(listener.take(), QStringList({u"profit 1 6"_s, u"profit 9 1"_s, u"equity 107"_s}));
+    book.setSymbols(accounts(R"([{"name":"A"}])"));
+    QCOMPARE(listener.take(), QStringList{u"symbols 1"_s});
+    book.noteHelloPrices(object(R"({"A":{"bid":1}})"));
+    QCOMPARE(listener.take(), QStringList{u"quotes A=1"_s});
+    book.notePrices(object(R"({"A":{"bid":2}})"));
+    QCOMPARE(listener.take(), QStringList({u"quotes A=2"_s, u"ticked A=2"_s}));
+    book.selectAccount(u"b"_s);
+    QCOMPARE(listener.take(), QStringList({u"current b"_s, u"equity 7"_s}));
+    book.setAccounts({});
+    QCOMPARE(listener.take(), QStringList({u"accounts 0"_s, u"no equity"_s}));
+}
+
+void tst_AccountBook::what_has_not_changed_is_not_told()
+{
+    Listener listener;
+    AccountBook& book = listener.book;
+    book.setAccounts(accounts(R"([{"id":"a","balance":100}])"));
+    book.selectAccount(u"a"_s);
+    book.readFigures(accounts(R"([{"id":"1","pnl":0,"margin":0}])"));
+    listener.told.clear();
+    book.selectAccount(u"a"_s);
+    book.readFigures(accounts(R"([{"id":"1","pnl":0,"margin":0}])"));
+    book.noteProfits(accounts(R"([{"id":"1","accountId":"b","pnl":6},{"id":"1","pnl":6},5,null])"));
+    QCOMPARE(listener.take(), QStringList());
+    // A list that was read again is told, whatever it holds: what is shown starts from it anew.
+    book.setAccounts(accounts(R"([{"id":"a","balance":100}])"));
+    book.setTrades({}, {});
+    book.setSymbols({});
+    QCOMPARE(listener.take(), QStringList({u"accounts 1"_s, u"trades 0+0"_s, u"symbols 0"_s}));
+}
+
+void tst_AccountBook::without_an_account_no_profit_is_anyones()
+{
+    Listener listener;
+    listener.book.noteProfits(accounts(R"([{"id":"1","accountId":"","pnl":6},{"id":"2","pnl":6}])"));
+    QCOMPARE(listener.take(), QStringList());
+    QVERIFY(listener.book.tradePnl().isEmpty());
+}
+
+void tst_AccountBook::the_preferred_account_is_known_by_its_id()
+{
+    AccountBook book;
+    QCOMPARE(book.preferredAccountId(), QString());
+    book.setAccounts(
+        accounts(R"([{"id":"w","isWallet":true,"status":"ACTIVE"},{"id":"x","status":"ACTIVE"}])"));
+    QCOMPARE(book.preferredAccountId(), u"x"_s);
 }
 
 TAVORAN_TEST(tst_AccountBook)

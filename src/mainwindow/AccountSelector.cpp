@@ -1,0 +1,80 @@
+#include "mainwindow/AccountSelector.h"
+
+#include "app/base/NumberFormat.h"
+#include "app/base/ServerText.h"
+#include "mainwindow/account/AccountBook.h"
+#include "net/records/AccountRecord.h"
+
+#include <QComboBox>
+#include <QScopedValueRollback>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+bool listsAccounts(const QComboBox& list, const QJsonArray& accounts)
+{
+    if (list.count() != accounts.size())
+        return false;
+    for (int i = 0; i < list.count(); ++i) {
+        if (list.itemData(i).toString() != account::id(accounts.at(i).toObject()))
+            return false;
+    }
+    return true;
+}
+
+} // namespace
+
+AccountSelector::AccountSelector(QComboBox& list, const AccountBook& book, QObject* parent)
+    : QObject(parent)
+    , m_list(list)
+    , m_book(book)
+{
+    connect(&m_list, &QComboBox::currentIndexChanged, this, &AccountSelector::onAccountSelected);
+    connect(&m_book, &AccountBook::accountsChanged, this, &AccountSelector::fill);
+    connect(&m_book, &AccountBook::currentAccountChanged, this, &AccountSelector::showCurrent);
+}
+
+QString AccountSelector::lineOf(const QJsonObject& account)
+{
+    return u"%1  [%2]  %3"_s.arg(
+        account::label(account), shownName(account::status(account)), formatMoney(account::balance(account)));
+}
+
+void AccountSelector::onAccountSelected(int index)
+{
+    if (!m_fillingAccounts && index >= 0)
+        Q_EMIT accountChosen(m_list.itemData(index).toString());
+}
+
+void AccountSelector::choose(const QString& accountId)
+{
+    const int index = m_list.findData(accountId);
+    if (index >= 0)
+        m_list.setCurrentIndex(index);
+}
+
+void AccountSelector::fill()
+{
+    const QScopedValueRollback filling(m_fillingAccounts, true);
+    const QJsonArray& accounts = m_book.accounts();
+    // Lines that stand for the same accounts as before stay: the drop-down may be open.
+    if (!listsAccounts(m_list, accounts)) {
+        m_list.clear();
+        for (const QJsonValue account : accounts)
+            m_list.addItem(QString(), account::id(account.toObject()));
+    }
+    for (int i = 0; i < m_list.count(); ++i) {
+        const QString text = lineOf(accounts.at(i).toObject());
+        if (m_list.itemText(i) != text)
+            m_list.setItemText(i, text);
+    }
+    m_list.setCurrentIndex(m_book.preferredIndex());
+}
+
+void AccountSelector::showCurrent()
+{
+    const QScopedValueRollback filling(m_fillingAccounts, true);
+    if (m_list.currentData().toString() != m_book.currentAccountId())
+        m_list.setCurrentIndex(m_list.findData(m_book.currentAccountId()));
+}

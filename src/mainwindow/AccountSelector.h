@@ -1,0 +1,39 @@
+#pragma once
+
+#include <QObject>
+#include <QString>
+
+class AccountBook;
+class QComboBox;
+
+/// The combo box in which the trader chooses an account: shows the book's list and its current account, and
+/// tells of another choice.
+class AccountSelector final : public QObject {
+    Q_OBJECT
+    Q_DISABLE_COPY_MOVE(AccountSelector)
+
+public:
+    /// Both must outlive it.
+    AccountSelector(QComboBox& list, const AccountBook& book, QObject* parent = nullptr);
+    ~AccountSelector() override = default;
+
+    /// One line of the list: label, status, balance. Server text in it is one line.
+    [[nodiscard]] static QString lineOf(const QJsonObject& account);
+
+public Q_SLOTS:
+    /// Tells of the account in this line; nothing while the list is being filled, and for a negative index.
+    void onAccountSelected(int index);
+    /// Chooses an account by its id; one that is not listed, or is chosen already, changes nothing.
+    void choose(const QString& accountId);
+
+Q_SIGNALS:
+    void accountChosen(const QString& accountId);
+
+private:
+    void fill();
+    void showCurrent();
+
+    QComboBox& m_list;
+    const AccountBook& m_book;
+    bool m_fillingAccounts = false;
+};
