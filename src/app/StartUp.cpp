@@ -57,7 +57,7 @@ void nameApplication()
 {
     QCoreApplication::setOrganizationName(u"Tavoran"_s);
     QCoreApplication::setApplicationName(u"Tavoran Terminal"_s);
-    QCoreApplication::setApplicationVersion(u"1.0.1"_s);
+    QCoreApplication::setApplicationVersion(QStringLiteral(TAVORAN_VERSION));
     QGuiApplication::setDesktopFileName(u"tavoran-terminal"_s);
     QApplication::setWindowIcon(appIcon());
     QApplication::setLayoutDirection(Qt::LeftToRight);

@@ -12,7 +12,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr QSize BannerSize(400, 125);
+constexpr QSize bannerSize(400, 125);
 
 } // namespace
 
@@ -23,7 +23,7 @@ AboutBox::AboutBox(QWidget* parent)
     setWindowTitle(tr("About Tavoran Terminal"));
 
     auto* banner = new QLabel;
-    banner->setPixmap(renderBanner(BannerSize.width(), BannerSize.height()));
+    banner->setPixmap(renderBanner(bannerSize.width(), bannerSize.height()));
     banner->setAccessibleName(tr("Tavoran"));
     auto* version = plainLabel(tr("Tavoran Terminal, version %1\nBuilt with Qt %2, running with Qt %3")
                                    .arg(QCoreApplication::applicationVersion(),

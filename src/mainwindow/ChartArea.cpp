@@ -22,8 +22,8 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr auto DefaultTimeframe = "15m"_L1;
-constexpr QSize LeastSize(160, 120);
+constexpr auto defaultTimeframe = "15m"_L1;
+constexpr QSize leastSize(160, 120);
 
 ChartWindow* chartIn(const QMdiSubWindow* subWindow)
 {
@@ -64,7 +64,7 @@ ChartWindow* ChartArea::openChart(const QString& symbol)
 {
     const QMdiSubWindow* current = currentSubWindow();
     const bool maximized = !current || current->isMaximized();
-    QMdiSubWindow* subWindow = addChart(symbol, DefaultTimeframe, {});
+    QMdiSubWindow* subWindow = addChart(symbol, defaultTimeframe, {});
     if (maximized)
         subWindow->showMaximized();
     else
@@ -219,7 +219,7 @@ void ChartArea::restoreGeometry(QMdiSubWindow* subWindow, const QByteArray& geom
     if (!wanted.isValid())
         wanted = before;
     const QRect placed = placedOnScreen(wanted, {QRect(QPoint(), window()->size())});
-    subWindow->setGeometry(QRect(placed.topLeft(), placed.size().expandedTo(LeastSize)));
+    subWindow->setGeometry(QRect(placed.topLeft(), placed.size().expandedTo(leastSize)));
 }
 
 void ChartArea::showQuotes(const PriceSnapshot& prices)

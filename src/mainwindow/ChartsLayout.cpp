@@ -10,7 +10,7 @@ using namespace Qt::StringLiterals;
 namespace {
 
 // Each chart asks the server for its history; a damaged text must not ask for thousands.
-constexpr qsizetype MaxCharts = 100;
+constexpr qsizetype maxCharts = 100;
 
 } // namespace
 
@@ -44,7 +44,7 @@ QList<SavedChart> readChartsLayout(const QString& text)
         chart.maximized = jsonBool(entry["maximized"_L1], false);
         chart.state = entry["indicators"_L1].toObject();
         charts.append(chart);
-        if (charts.size() == MaxCharts)
+        if (charts.size() == maxCharts)
             break;
     }
     return charts;

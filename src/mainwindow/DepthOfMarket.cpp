@@ -15,10 +15,10 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr QSize InitialSize(320, 480);
-constexpr int RowsPerSide = 8;
-constexpr QRgb AskColor = 0xffff4a4a;
-constexpr QRgb BidColor = 0xff3ba7ff;
+constexpr QSize initialSize(320, 480);
+constexpr int rowsPerSide = 8;
+constexpr QRgb askColor = 0xffff4a4a;
+constexpr QRgb bidColor = 0xff3ba7ff;
 
 enum Column { SideColumn, PriceColumn, DistanceColumn };
 
@@ -38,7 +38,7 @@ DepthOfMarket::DepthOfMarket(const QString& symbol, int digits, QWidget* parent)
 {
     setAttribute(Qt::WA_DeleteOnClose);
     setWindowTitle(tr("Depth of Market — %1").arg(shownName(symbol)));
-    resize(InitialSize);
+    resize(initialSize);
     buildRows();
 
     auto* note = plainLabel(tr("The feed carries no order book, so no sizes are shown. "
@@ -66,13 +66,13 @@ void DepthOfMarket::buildRows()
     m_rows->setSelectionMode(QAbstractItemView::NoSelection);
     m_rows->header()->setStretchLastSection(false);
     m_rows->header()->setSectionResizeMode(QHeaderView::Stretch);
-    for (int row = 0; row < 2 * RowsPerSide; ++row) {
-        const bool isAsk = row < RowsPerSide;
-        const int distance = isAsk ? RowsPerSide - 1 - row : row - RowsPerSide;
+    for (int row = 0; row < 2 * rowsPerSide; ++row) {
+        const bool isAsk = row < rowsPerSide;
+        const int distance = isAsk ? rowsPerSide - 1 - row : row - rowsPerSide;
         auto* item = new QTreeWidgetItem(
             m_rows, {isAsk ? tr("Ask") : tr("Bid"), QString(), QString::number(distance)});
         for (int column = SideColumn; column <= DistanceColumn; ++column)
-            item->setForeground(column, QColor::fromRgb(isAsk ? AskColor : BidColor));
+            item->setForeground(column, QColor::fromRgb(isAsk ? askColor : bidColor));
         for (const int column : {PriceColumn, DistanceColumn})
             item->setTextAlignment(column, Qt::AlignRight | Qt::AlignVCenter);
     }
@@ -97,10 +97,10 @@ void DepthOfMarket::setQuote(const Quote& quote)
 void DepthOfMarket::fillRows()
 {
     const double point = pointOf(m_digits);
-    for (int row = 0; row < 2 * RowsPerSide; ++row) {
-        const bool isAsk = row < RowsPerSide;
+    for (int row = 0; row < 2 * rowsPerSide; ++row) {
+        const bool isAsk = row < rowsPerSide;
         const double best = isAsk ? m_quote.ask : m_quote.bid;
-        const int steps = isAsk ? RowsPerSide - 1 - row : RowsPerSide - row;
+        const int steps = isAsk ? rowsPerSide - 1 - row : rowsPerSide - row;
         const double price = best + steps * point;
         // Less than half a point above nothing is no price.
         const bool known = best > 0.0 && price > point / 2.0;

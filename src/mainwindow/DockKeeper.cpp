@@ -14,13 +14,13 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr int SnapshotIntervalMs = 1000;
-constexpr int RepairDelaysMs[] = {0, 80, 200};
-constexpr int SideMinimumWidth = 150;
-constexpr int ToolboxMinimumHeight = 80;
-constexpr int CollapsedSize = 20;
-constexpr int DefaultSideWidth = 352;
-constexpr int DefaultToolboxHeight = 210;
+constexpr int snapshotIntervalMs = 1000;
+constexpr int repairDelaysMs[] = {0, 80, 200};
+constexpr int sideMinimumWidth = 150;
+constexpr int toolboxMinimumHeight = 80;
+constexpr int collapsedSize = 20;
+constexpr int defaultSideWidth = 352;
+constexpr int defaultToolboxHeight = 210;
 
 QList<QRect> availableScreens()
 {
@@ -40,11 +40,11 @@ DockKeeper::DockKeeper(QMainWindow& window)
     , m_navigator(addDock(tr("Navigator"), u"dockNavigator"_s, Qt::LeftDockWidgetArea))
     , m_toolbox(addDock(tr("Toolbox"), u"dockTerminal"_s, Qt::BottomDockWidgetArea))
 {
-    m_marketWatch->setMinimumWidth(SideMinimumWidth);
-    m_navigator->setMinimumWidth(SideMinimumWidth);
+    m_marketWatch->setMinimumWidth(sideMinimumWidth);
+    m_navigator->setMinimumWidth(sideMinimumWidth);
 
     m_snapshotTimer.setObjectName(u"dockSnapshotTimer"_s);
-    m_snapshotTimer.setInterval(SnapshotIntervalMs);
+    m_snapshotTimer.setInterval(snapshotIntervalMs);
     connect(&m_snapshotTimer, &QTimer::timeout, this, &DockKeeper::takeSnapshot);
 }
 
@@ -58,7 +58,7 @@ void DockKeeper::setPanes(QWidget& marketWatch, QWidget& navigator, QWidget& too
     m_marketWatch->setWidget(&marketWatch);
     m_navigator->setWidget(&navigator);
     m_toolbox->setWidget(&toolbox);
-    toolbox.setMinimumHeight(ToolboxMinimumHeight);
+    toolbox.setMinimumHeight(toolboxMinimumHeight);
     restoreDefault();
 }
 
@@ -81,8 +81,8 @@ void DockKeeper::restoreDefault()
     place(m_marketWatch, Qt::LeftDockWidgetArea);
     place(m_navigator, Qt::LeftDockWidgetArea);
     place(m_toolbox, Qt::BottomDockWidgetArea);
-    m_window.resizeDocks({m_marketWatch}, {DefaultSideWidth}, Qt::Horizontal);
-    m_window.resizeDocks({m_toolbox}, {DefaultToolboxHeight}, Qt::Vertical);
+    m_window.resizeDocks({m_marketWatch}, {defaultSideWidth}, Qt::Horizontal);
+    m_window.resizeDocks({m_toolbox}, {defaultToolboxHeight}, Qt::Vertical);
     placeToolBars(m_window);
 }
 
@@ -111,7 +111,7 @@ void DockKeeper::takeSnapshot()
 
 void DockKeeper::scheduleRepair()
 {
-    for (const int delay : RepairDelaysMs)
+    for (const int delay : repairDelaysMs)
         QTimer::singleShot(delay, this, &DockKeeper::repair);
 }
 
@@ -123,9 +123,9 @@ void DockKeeper::repair()
         if (dock->isHidden())
             dock->show();
     }
-    if (!m_marketWatch->isFloating() && m_marketWatch->width() < CollapsedSize && m_lastGoodWidth > 0)
+    if (!m_marketWatch->isFloating() && m_marketWatch->width() < collapsedSize && m_lastGoodWidth > 0)
         m_window.resizeDocks({m_marketWatch}, {m_lastGoodWidth}, Qt::Horizontal);
-    if (!m_toolbox->isFloating() && m_toolbox->height() < CollapsedSize && m_lastGoodHeight > 0)
+    if (!m_toolbox->isFloating() && m_toolbox->height() < collapsedSize && m_lastGoodHeight > 0)
         m_window.resizeDocks({m_toolbox}, {m_lastGoodHeight}, Qt::Vertical);
 }
 

@@ -48,7 +48,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr QSize InitialSize(1280, 800);
+constexpr QSize initialSize(1280, 800);
 
 } // namespace
 
@@ -65,7 +65,7 @@ MainWindow::MainWindow(QWidget* parent)
     , m_screenFit(new ScreenFit(*this))
 {
     setWindowTitle(tr("Tavoran Terminal"));
-    resize(InitialSize);
+    resize(initialSize);
     setCentralWidget(m_charts);
     buildToolbox();
     m_docks->setPanes(*m_marketWatch, *m_navigator, *m_toolbox);

@@ -11,7 +11,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr QSize InitialSize(270, 340);
+constexpr QSize initialSize(270, 340);
 
 } // namespace
 
@@ -21,7 +21,7 @@ PopupPrices::PopupPrices(QAbstractItemModel& quotes, QWidget* parent)
 {
     setWindowTitle(tr("Popup Prices"));
     setAttribute(Qt::WA_ShowWithoutActivating);
-    resize(InitialSize);
+    resize(initialSize);
 
     m_list->setObjectName(u"popupPriceList"_s);
     m_list->setAccessibleName(tr("Popup Prices"));

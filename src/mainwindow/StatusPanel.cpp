@@ -13,9 +13,9 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr int TrafficPauseMs = 250;
-constexpr int SelectorCharacters = 36;
-constexpr auto ConnectedColor = "#26d367"_L1;
+constexpr int trafficPauseMs = 250;
+constexpr int selectorCharacters = 36;
+constexpr auto connectedColor = "#26d367"_L1;
 
 QLabel* addLabel(QStatusBar& bar, const QString& name, Qt::TextFormat format)
 {
@@ -36,7 +36,7 @@ StatusPanel::StatusPanel(QStatusBar& bar, const QString& server, QObject* parent
     m_accountSelector->setObjectName(u"accountSelector"_s);
     m_accountSelector->setToolTip(tr("Trading account"));
     m_accountSelector->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
-    m_accountSelector->setMinimumContentsLength(SelectorCharacters);
+    m_accountSelector->setMinimumContentsLength(selectorCharacters);
     takeWheelOnlyFocused(*m_accountSelector);
     bar.addPermanentWidget(m_accountSelector);
     m_connection = addLabel(bar, u"connectionLabel"_s, Qt::RichText);
@@ -49,7 +49,7 @@ StatusPanel::StatusPanel(QStatusBar& bar, const QString& server, QObject* parent
     showTraffic();
 
     m_trafficPause.setSingleShot(true);
-    m_trafficPause.setInterval(TrafficPauseMs);
+    m_trafficPause.setInterval(trafficPauseMs);
     connect(&m_trafficPause, &QTimer::timeout, this, &StatusPanel::showTraffic);
 
     // Tips of menu entries clear the message behind them; the idle text comes back.
@@ -111,7 +111,7 @@ QString StatusPanel::kilobytes(quint64 bytes)
 void StatusPanel::showTraffic()
 {
     const QString text = tr("<span style='color:%1'>●</span> %2 / %3 Kb")
-                             .arg(QString(ConnectedColor), kilobytes(m_received), kilobytes(m_sent));
+                             .arg(QString(connectedColor), kilobytes(m_received), kilobytes(m_sent));
     if (text != m_traffic->text())
         m_traffic->setText(text);
 }

@@ -17,8 +17,8 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr QSize InitialSize(340, 400);
-constexpr int PropertyWidth = 150;
+constexpr QSize initialSize(340, 400);
+constexpr int propertyWidth = 150;
 
 } // namespace
 
@@ -28,13 +28,13 @@ SymbolSpecification::SymbolSpecification(QWidget* parent)
     , m_unlisted(plainLabel(tr("The server does not list this symbol.")))
 {
     setAttribute(Qt::WA_DeleteOnClose);
-    resize(InitialSize);
+    resize(initialSize);
 
     m_rows->setObjectName(u"specificationRows"_s);
     m_rows->setHeaderLabels({tr("Property"), tr("Value")});
     m_rows->setRootIsDecorated(false);
     m_rows->setUniformRowHeights(true);
-    m_rows->setColumnWidth(0, PropertyWidth);
+    m_rows->setColumnWidth(0, propertyWidth);
     m_unlisted->setObjectName(u"specificationUnlisted"_s);
 
     auto* buttons = new QDialogButtonBox(QDialogButtonBox::Close);

@@ -13,7 +13,7 @@ using namespace Qt::StringLiterals;
 namespace {
 
 // The icons are drawn on a field of this size.
-constexpr QSize IconSize(16, 16);
+constexpr QSize iconSize(16, 16);
 
 struct ToolBarTexts {
     Q_DECLARE_TR_FUNCTIONS(ToolBars)
@@ -29,7 +29,7 @@ QToolBar* addToolBar(QMainWindow& window, const QString& title, const QString& n
 {
     auto* bar = new QToolBar(title, &window);
     bar->setObjectName(name);
-    bar->setIconSize(IconSize);
+    bar->setIconSize(iconSize);
     window.addToolBar(Qt::TopToolBarArea, bar);
     return bar;
 }

@@ -4,12 +4,12 @@
 
 namespace {
 
-constexpr int CollapsedWidth = 60;
-constexpr int LeastHeight = 41;
+constexpr int collapsedWidth = 60;
+constexpr int leastHeight = 41;
 
 // Enough of the title bar to grab the window with the pointer.
-constexpr int VisibleWidth = 120;
-constexpr int VisibleHeight = 40;
+constexpr int visibleWidth = 120;
+constexpr int visibleHeight = 40;
 
 // Sums of int coordinates overflow for absurd rectangles, so overlaps are measured in 64 bits.
 qint64 overlap(qint64 fromA, qint64 lengthA, qint64 fromB, qint64 lengthB)
@@ -36,9 +36,9 @@ qint64 heightOf(const QRect& r)
 
 bool isUsableOn(const QRect& rect, const QRect& screen)
 {
-    return overlap(left(rect), widthOf(rect), left(screen), widthOf(screen)) >= VisibleWidth
-        && overlap(top(rect), heightOf(rect), top(screen), heightOf(screen)) >= VisibleHeight
-        && rect.top() >= screen.top() - VisibleHeight;
+    return overlap(left(rect), widthOf(rect), left(screen), widthOf(screen)) >= visibleWidth
+        && overlap(top(rect), heightOf(rect), top(screen), heightOf(screen)) >= visibleHeight
+        && rect.top() >= screen.top() - visibleHeight;
 }
 
 } // namespace
@@ -46,8 +46,8 @@ bool isUsableOn(const QRect& rect, const QRect& screen)
 bool docksLookSane(const DockFacts& facts)
 {
     return !facts.windowMinimized && !facts.windowHidden                                //
-        && !facts.leftHidden && !facts.leftFloating && facts.leftWidth > CollapsedWidth //
-        && !facts.bottomHidden && !facts.bottomFloating && facts.bottomHeight >= LeastHeight;
+        && !facts.leftHidden && !facts.leftFloating && facts.leftWidth > collapsedWidth //
+        && !facts.bottomHidden && !facts.bottomFloating && facts.bottomHeight >= leastHeight;
 }
 
 QRect placedOnScreen(const QRect& wanted, const QList<QRect>& screens)

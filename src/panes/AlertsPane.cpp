@@ -118,7 +118,7 @@ void AlertsPane::fill()
     for (const PriceAlert& alert : m_book.alerts()) {
         auto* row = new QTreeWidgetItem({shownName(alert.symbol), alert.above ? tr("Bid ≥") : tr("Bid ≤"),
             formatPrice(alert.price, priceDecimals), alert.triggered ? tr("Triggered") : tr("Active")});
-        row->setForeground(3, alert.triggered ? FixedColors::grey : activeColor);
+        row->setForeground(3, alert.triggered ? fixedColors::grey : activeColor);
         rows.append(row);
     }
     m_list->clear();

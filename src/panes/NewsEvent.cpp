@@ -67,8 +67,8 @@ QString countdownText(int minutes)
 QColor impactColor(const QString& impact)
 {
     if (impact == "HIGH"_L1)
-        return FixedColors::lossRed;
-    return impact == "MEDIUM"_L1 ? mediumColor : FixedColors::grey;
+        return fixedColors::lossRed;
+    return impact == "MEDIUM"_L1 ? mediumColor : fixedColors::grey;
 }
 
 bool callsForWarning(const NewsEvent& event, int notifyMinutes)

@@ -15,7 +15,7 @@
 #include <QVBoxLayout>
 
 using namespace Qt::StringLiterals;
-using namespace TradeCells;
+using namespace tradeCells;
 
 namespace {
 
@@ -82,7 +82,7 @@ void TerminalPane::buildTradePage()
 {
     auto* page = new QWidget(this);
     // The line is dark in both themes, so the light theme's dark text would not be legible on it.
-    page->setStyleSheet("QLabel{color:%1;}"_L1.arg(FixedColors::neutral.name()));
+    page->setStyleSheet("QLabel{color:%1;}"_L1.arg(fixedColors::neutral.name()));
     addTab(page, tr("Trade"));
 
     m_trades = makeList(u"tradeList"_s,
@@ -90,7 +90,7 @@ void TerminalPane::buildTradePage()
             tr("T / P"), tr("Price"), tr("Commission"), tr("Swap"), tr("Profit")},
         page);
     m_trades->setAccessibleName(tr("Trade"));
-    alignRight(m_trades->headerItem(), TradeNumbers);
+    alignRight(m_trades->headerItem(), tradeNumbers);
     setWidths(m_trades, {80, 76, timeWidth, 76, 60, 80, 76, 76, 80, 92, 64});
     m_trades->setContextMenuPolicy(Qt::CustomContextMenu);
     connect(m_trades, &QTreeWidget::customContextMenuRequested, this, &TerminalPane::requestContextMenu);
@@ -118,7 +118,7 @@ void TerminalPane::buildHistoryPage()
             tr("T / P"), tr("Close Time"), tr("Price"), tr("Commission"), tr("Swap"), tr("Profit")},
         pageParent());
     m_history->setAccessibleName(tr("History"));
-    alignRight(m_history->headerItem(), HistoryNumbers);
+    alignRight(m_history->headerItem(), historyNumbers);
     setWidths(m_history, {80, 76, timeWidth, 76, 60, 80, 76, 76, timeWidth, 80, 92, 64});
     addTab(m_history, tr("History"));
 }
@@ -200,7 +200,7 @@ void TerminalPane::setHistoryRows(const QJsonArray& rows, const QHash<QString, i
         const QJsonObject trade = value.toObject();
         const int d = digits.value(trade::symbol(trade), usualPriceDigits);
         auto* item = new QTreeWidgetItem(historyTexts(trade, d));
-        alignRight(item, HistoryNumbers);
+        alignRight(item, historyNumbers);
         item->setForeground(HistoryProfit, profitColor(trade::profit(trade)));
         item->setForeground(HistoryType, typeColor(trade));
         items.append(item);

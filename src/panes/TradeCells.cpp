@@ -18,7 +18,7 @@ QString levelText(const std::optional<double>& level, int digits)
 
 } // namespace
 
-QString TradeCells::typeLabel(const QJsonObject& trade)
+QString tradeCells::typeLabel(const QJsonObject& trade)
 {
     const QString kind = shownName(trade::orderKind(trade));
     if (kind.isEmpty() || kind == "MARKET"_L1)
@@ -26,12 +26,12 @@ QString TradeCells::typeLabel(const QJsonObject& trade)
     return kind.toLower().replace(u'_', u' ');
 }
 
-QColor TradeCells::typeColor(const QJsonObject& trade)
+QColor tradeCells::typeColor(const QJsonObject& trade)
 {
-    return trade::side(trade) == Side::Buy ? FixedColors::profitBlue : FixedColors::lossRed;
+    return trade::side(trade) == Side::Buy ? fixedColors::profitBlue : fixedColors::lossRed;
 }
 
-QString TradeCells::timeText(const QString& iso)
+QString tradeCells::timeText(const QString& iso)
 {
     QDateTime time = QDateTime::fromString(iso, Qt::ISODateWithMs);
     // A time without a zone would count as local and could fall into the hour that a change to
@@ -44,14 +44,14 @@ QString TradeCells::timeText(const QString& iso)
     return time.isValid() ? time.toString(u"yyyy.MM.dd HH:mm:ss") : QString();
 }
 
-QColor TradeCells::profitColor(double profit)
+QColor tradeCells::profitColor(double profit)
 {
     if (profit > 0.0)
-        return FixedColors::profitBlue;
-    return profit < 0.0 ? FixedColors::lossRed : FixedColors::neutral;
+        return fixedColors::profitBlue;
+    return profit < 0.0 ? fixedColors::lossRed : fixedColors::neutral;
 }
 
-QStringList TradeCells::tradeTexts(const QJsonObject& trade, int digits)
+QStringList tradeCells::tradeTexts(const QJsonObject& trade, int digits)
 {
     const bool pending = trade::isPending(trade);
     return {
@@ -70,7 +70,7 @@ QStringList TradeCells::tradeTexts(const QJsonObject& trade, int digits)
     };
 }
 
-QStringList TradeCells::historyTexts(const QJsonObject& trade, int digits)
+QStringList tradeCells::historyTexts(const QJsonObject& trade, int digits)
 {
     return {
         shownName(trade::symbol(trade)),

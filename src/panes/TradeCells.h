@@ -9,7 +9,7 @@
 class QJsonObject;
 
 /// The texts and colours of trade records in lists. Pure: no list, no window.
-namespace TradeCells {
+namespace tradeCells {
 
 enum TradeColumn {
     TradeSymbol,
@@ -45,9 +45,9 @@ enum HistoryColumn {
 };
 
 /// The columns of the Trade and the History list that hold numbers; these stand at the right.
-inline constexpr std::initializer_list<int> TradeNumbers{TradeVolume, TradePrice, TradeStopLoss,
+inline constexpr std::initializer_list<int> tradeNumbers{TradeVolume, TradePrice, TradeStopLoss,
     TradeTakeProfit, TradeCurrentPrice, TradeCommission, TradeSwap, TradeProfit};
-inline constexpr std::initializer_list<int> HistoryNumbers{HistoryVolume, HistoryOpenPrice, HistoryStopLoss,
+inline constexpr std::initializer_list<int> historyNumbers{HistoryVolume, HistoryOpenPrice, HistoryStopLoss,
     HistoryTakeProfit, HistoryClosePrice, HistoryCommission, HistorySwap, HistoryProfit};
 
 /// "buy limit" for a pending kind, else the side: "buy", "sell".
@@ -68,4 +68,4 @@ inline constexpr std::initializer_list<int> HistoryNumbers{HistoryVolume, Histor
 /// The cells of a closed trade.
 [[nodiscard]] QStringList historyTexts(const QJsonObject& trade, int digits);
 
-} // namespace TradeCells
+} // namespace tradeCells

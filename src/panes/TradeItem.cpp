@@ -7,16 +7,16 @@
 
 #include <QJsonObject>
 
-using namespace TradeCells;
+using namespace tradeCells;
 
 TradeItem::TradeItem(const QJsonObject& trade, int digits)
     : QTreeWidgetItem(tradeTexts(trade, digits))
     , m_closesAtBid(trade::side(trade) == Side::Buy)
 {
     setData(TradeSymbol, Qt::UserRole, trade);
-    alignRight(this, TradeNumbers);
+    alignRight(this, tradeNumbers);
     if (trade::isPending(trade)) {
-        const QBrush grey(FixedColors::grey);
+        const QBrush grey(fixedColors::grey);
         for (int column = 0; column < TradeColumnCount; ++column)
             setForeground(column, grey);
     } else {

@@ -24,7 +24,8 @@ QString firstFound(const QString& path, const QString& pattern)
 
 } // namespace
 
-/// The version stands in several places that no build step fills in; a release changes them together.
+/// The version stands in the project's CMake list, from which programs and manual pages have it. A release is
+/// also written down where its changes are told and what it understands on the wire.
 class tst_Version final : public QObject {
     Q_OBJECT
 
@@ -35,20 +36,30 @@ private Q_SLOTS:
         QCOMPARE(QCoreApplication::applicationVersion(), versionOfTheBuild());
     }
 
-    void theManualPagesNameIt()
+    void theManualPagesHaveItFromTheBuild()
     {
         for (const QString& page : {u"tavoran-terminal"_s, u"tavoran-practice"_s}) {
             QCOMPARE(
-                firstFound(u"packaging/"_s + page + u".1"_s, u"^\\.TH .*\"Tavoran Terminal ([^\"]+)\""_s),
-                versionOfTheBuild());
+                firstFound(u"packaging/"_s + page + u".1.in"_s, u"^\\.TH .*\"Tavoran Terminal ([^\"]+)\""_s),
+                u"@PROJECT_VERSION@"_s);
         }
     }
 
-    void theNewestReleaseOfTheSoftwareCentreIsIt()
+    void itIsTheNewestReleaseThatIsWrittenDown_data()
     {
-        QCOMPARE(
-            firstFound(u"packaging/com.tavoran.Terminal.metainfo.xml"_s, u"<release version=\"([^\"]+)\""_s),
-            versionOfTheBuild());
+        QTest::addColumn<QString>("path");
+        QTest::addColumn<QString>("pattern");
+        QTest::newRow("for software centres")
+            << u"packaging/com.tavoran.Terminal.metainfo.xml"_s << u"<release version=\"([^\"]+)\""_s;
+        QTest::newRow("change log") << u"CHANGELOG.md"_s << u"^## \\[([0-9.]+)\\]"_s;
+        QTest::newRow("requests") << u"docs/openapi.yaml"_s << u"^  version: (.+)$"_s;
+        QTest::newRow("feed") << u"docs/asyncapi.yaml"_s << u"^  version: (.+)$"_s;
+    }
+    void itIsTheNewestReleaseThatIsWrittenDown()
+    {
+        QFETCH(QString, path);
+        QFETCH(QString, pattern);
+        QCOMPARE(firstFound(path, pattern), versionOfTheBuild());
     }
 };
 

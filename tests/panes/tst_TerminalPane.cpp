@@ -11,7 +11,7 @@
 #include <QTreeWidget>
 
 using namespace Qt::StringLiterals;
-using namespace TradeCells;
+using namespace tradeCells;
 using fixtures::parse;
 using fixtures::parseArray;
 

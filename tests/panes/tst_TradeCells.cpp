@@ -3,7 +3,7 @@
 #include "support/TestMain.h"
 
 using namespace Qt::StringLiterals;
-using namespace TradeCells;
+using namespace tradeCells;
 using fixtures::parse;
 
 class TestTradeCells final : public QObject {

@@ -6,12 +6,12 @@ namespace practice {
 
 /// The limits that end things on their own. All comparisons are exact, in whole cents; a limit that is
 /// reached counts as broken.
-namespace RiskLimits {
+namespace riskLimits {
 inline constexpr Cents dailyLossPercent = 5;  ///< of the equity at the start of the UTC day
 inline constexpr Cents totalLossPercent = 10; ///< of the phase's initial balance
 inline constexpr Cents targetPercent = 10;    ///< of the phase's initial balance
 inline constexpr Cents stopOutPercent = 50;   ///< margin level: equity / margin
-} // namespace RiskLimits
+} // namespace riskLimits
 
 /// Plan accounts fail by these two; wallets and demo accounts never do.
 [[nodiscard]] bool dailyLossReached(const Account& account, Cents equity);

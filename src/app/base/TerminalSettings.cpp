@@ -14,7 +14,7 @@ namespace {
 
 constexpr auto defaultServer = "https://terminal.tavoran.example:5001"_L1;
 
-namespace Key {
+namespace key {
 constexpr auto serverUrl = "auth/serverUrl"_L1;
 constexpr auto token = "auth/token"_L1;
 constexpr auto email = "auth/email"_L1;
@@ -26,7 +26,7 @@ constexpr auto stateDigest = "window/stateDigest"_L1;
 constexpr auto restoring = "window/restoring"_L1;
 constexpr auto charts = "charts/layout"_L1;
 constexpr auto alerts = "alerts"_L1;
-} // namespace Key
+} // namespace key
 
 constexpr auto dark = "dark"_L1;
 constexpr auto light = "light"_L1;
@@ -46,7 +46,7 @@ TerminalSettings& TerminalSettings::instance()
 
 TerminalSettings::TerminalSettings(const QString& filePath)
     : m_store(filePath)
-    , m_token(text(Key::token))
+    , m_token(text(key::token))
 {
     keepSecret(m_token);
 }
@@ -63,12 +63,12 @@ QString TerminalSettings::serverUrl() const
 
 QString TerminalSettings::rawServerUrl() const
 {
-    return text(Key::serverUrl, defaultServer);
+    return text(key::serverUrl, defaultServer);
 }
 
 void TerminalSettings::setServerUrl(const QString& url)
 {
-    m_store.setValue(Key::serverUrl, url);
+    m_store.setValue(key::serverUrl, url);
     sync();
 }
 
@@ -77,92 +77,92 @@ void TerminalSettings::setToken(const QString& token)
     keepSecret(token);
     m_token = token;
     if (remember())
-        m_store.setValue(Key::token, token);
+        m_store.setValue(key::token, token);
     else
-        m_store.remove(Key::token);
+        m_store.remove(key::token);
     sync();
 }
 
 QString TerminalSettings::email() const
 {
-    return text(Key::email);
+    return text(key::email);
 }
 
 void TerminalSettings::setEmail(const QString& email)
 {
-    m_store.setValue(Key::email, email);
+    m_store.setValue(key::email, email);
     sync();
 }
 
 bool TerminalSettings::remember() const
 {
-    return flag(Key::remember, true);
+    return flag(key::remember, true);
 }
 
 void TerminalSettings::setRemember(bool remember)
 {
-    m_store.setValue(Key::remember, remember);
+    m_store.setValue(key::remember, remember);
     sync();
 }
 
 bool TerminalSettings::darkTheme() const
 {
-    return text(Key::theme) == dark;
+    return text(key::theme) == dark;
 }
 
 void TerminalSettings::setDarkTheme(bool isDark)
 {
-    m_store.setValue(Key::theme, QString(isDark ? dark : light));
+    m_store.setValue(key::theme, QString(isDark ? dark : light));
     sync();
 }
 
 QByteArray TerminalSettings::windowGeometry() const
 {
-    return bytes(Key::geometry);
+    return bytes(key::geometry);
 }
 
 QByteArray TerminalSettings::windowState() const
 {
-    const QByteArray state = bytes(Key::state);
-    return !state.isEmpty() && text(Key::stateDigest) == digestOf(state) ? state : QByteArray();
+    const QByteArray state = bytes(key::state);
+    return !state.isEmpty() && text(key::stateDigest) == digestOf(state) ? state : QByteArray();
 }
 
 void TerminalSettings::setWindowLayout(const QByteArray& geometry, const QByteArray& state)
 {
-    m_store.setValue(Key::geometry, geometry);
-    m_store.setValue(Key::state, state);
-    m_store.setValue(Key::stateDigest, digestOf(state));
+    m_store.setValue(key::geometry, geometry);
+    m_store.setValue(key::state, state);
+    m_store.setValue(key::stateDigest, digestOf(state));
 }
 
 QString TerminalSettings::chartsLayout() const
 {
-    return text(Key::charts);
+    return text(key::charts);
 }
 
 void TerminalSettings::setChartsLayout(const QString& json)
 {
-    m_store.setValue(Key::charts, json);
+    m_store.setValue(key::charts, json);
 }
 
 QString TerminalSettings::alerts() const
 {
-    return text(Key::alerts);
+    return text(key::alerts);
 }
 
 void TerminalSettings::setAlerts(const QString& json)
 {
-    m_store.setValue(Key::alerts, json);
+    m_store.setValue(key::alerts, json);
     sync();
 }
 
 bool TerminalSettings::restoringLayout() const
 {
-    return flag(Key::restoring, false);
+    return flag(key::restoring, false);
 }
 
 void TerminalSettings::setRestoringLayout(bool restoring)
 {
-    m_store.setValue(Key::restoring, restoring);
+    m_store.setValue(key::restoring, restoring);
     sync();
 }
 

@@ -5,19 +5,19 @@
 namespace {
 
 #if QT_VERSION >= QT_VERSION_CHECK(6, 5, 0)
-constexpr auto Utc = QTimeZone::UTC;
+constexpr auto utc = QTimeZone::UTC;
 #else
-constexpr auto Utc = Qt::UTC;
+constexpr auto utc = Qt::UTC;
 #endif
 
 } // namespace
 
 QDateTime utcTime(qint64 ms)
 {
-    return QDateTime::fromMSecsSinceEpoch(ms, Utc);
+    return QDateTime::fromMSecsSinceEpoch(ms, utc);
 }
 
 QDateTime utcTime(const QDate& date, const QTime& time)
 {
-    return {date, time, Utc};
+    return {date, time, utc};
 }

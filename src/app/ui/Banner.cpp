@@ -29,7 +29,7 @@ QFont bannerFont(int pixelSize, QFont::Weight weight)
 QPixmap renderBanner(int width, int height)
 {
     QPixmap banner(width, height);
-    banner.fill(FixedColors::splashBackground);
+    banner.fill(fixedColors::splashBackground);
     QPainter painter(&banner);
     painter.setRenderHints(QPainter::Antialiasing | QPainter::SmoothPixmapTransform);
 
@@ -41,8 +41,8 @@ QPixmap renderBanner(int width, int height)
 
     const double left = logo.right() + height * 0.16;
     QLinearGradient gradient(left, 0.0, width * 0.95, 0.0);
-    gradient.setColorAt(0.0, FixedColors::wordmarkStart);
-    gradient.setColorAt(1.0, FixedColors::wordmarkEnd);
+    gradient.setColorAt(0.0, fixedColors::wordmarkStart);
+    gradient.setColorAt(1.0, fixedColors::wordmarkEnd);
     painter.setFont(bannerFont(static_cast<int>(height * 0.34), QFont::Bold));
     painter.setPen(QPen(QBrush(gradient), 1.0));
     painter.drawText(QRectF(left, 0.0, width - left, static_cast<int>(height * 0.62)),
@@ -51,7 +51,7 @@ QPixmap renderBanner(int width, int height)
     QFont subtitle = bannerFont(static_cast<int>(height * 0.16), QFont::Normal);
     subtitle.setLetterSpacing(QFont::AbsoluteSpacing, 2.5);
     painter.setFont(subtitle);
-    painter.setPen(FixedColors::subtitle);
+    painter.setPen(fixedColors::subtitle);
     painter.drawText(QRectF(left + 2.0, height * 0.62, width - left, static_cast<int>(height * 0.38)),
         Qt::AlignLeft | Qt::AlignTop, u"DESKTOP TERMINAL"_s);
     return banner;
@@ -60,15 +60,15 @@ QPixmap renderBanner(int width, int height)
 QPixmap renderSplash()
 {
     QPixmap splash(splashWidth, splashHeight);
-    splash.fill(FixedColors::splashBackground);
+    splash.fill(fixedColors::splashBackground);
     QPainter painter(&splash);
     painter.drawPixmap(0, bannerTop, renderBanner(splashWidth, bannerHeight));
     painter.setFont(bannerFont(12, QFont::Normal));
-    painter.setPen(FixedColors::subtitle);
+    painter.setPen(fixedColors::subtitle);
     painter.drawText(QRect(0, 234, splashWidth, 20), Qt::AlignCenter,
         QCoreApplication::translate("Banner", "Version %1 — loading...")
             .arg(QCoreApplication::applicationVersion()));
-    painter.setPen(FixedColors::splashBorder);
+    painter.setPen(fixedColors::splashBorder);
     painter.drawRect(0, 0, splashWidth - 1, splashHeight - 1);
     return splash;
 }

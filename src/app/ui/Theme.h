@@ -28,7 +28,7 @@ void setTheme(bool dark);
 [[nodiscard]] QIcon appIcon();
 
 /// Colours that are the same in both themes.
-namespace FixedColors {
+namespace fixedColors {
 inline constexpr QColor profitBlue(0x3b, 0xa7, 0xff);
 inline constexpr QColor lossRed(0xff, 0x4a, 0x4a);
 inline constexpr QColor grey(0x8a, 0x8a, 0x8a);
@@ -38,4 +38,4 @@ inline constexpr QColor splashBorder(0x45, 0x45, 0x45);
 inline constexpr QColor subtitle(0x8a, 0x94, 0xa6);
 inline constexpr QColor wordmarkStart(0x2d, 0xd4, 0xbf);
 inline constexpr QColor wordmarkEnd(0x25, 0x63, 0xeb);
-} // namespace FixedColors
+} // namespace fixedColors

@@ -10,8 +10,8 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr int OrderBalloonMs = 8000;
-constexpr int AccountBalloonMs = 12000;
+constexpr int orderBalloonMs = 8000;
+constexpr int accountBalloonMs = 12000;
 
 QString tr(const char* text)
 {
@@ -35,7 +35,7 @@ OrderReaction reactionToOrders(const QJsonObject& event)
         // The event carries no symbol, so the account is named.
         const QString account = shownName(shortId(event::accountId(event)));
         reaction.balloon = Balloon{tr("Order Filled"), tr("A pending order on %1 was filled.").arg(account),
-            Balloon::Kind::Information, OrderBalloonMs};
+            Balloon::Kind::Information, orderBalloonMs};
     } else if (reason.isEmpty()) {
         reaction.expert = tr("Order state changed");
     } else {
@@ -44,7 +44,7 @@ OrderReaction reactionToOrders(const QJsonObject& event)
         reaction.sound = levelHit ? SoundKind::Fill : SoundKind::Close;
         if (levelHit) {
             reaction.balloon = Balloon{tr("Position Closed (%1)").arg(reason),
-                tr("A position hit its %1.").arg(reason), Balloon::Kind::Information, OrderBalloonMs};
+                tr("A position hit its %1.").arg(reason), Balloon::Kind::Information, orderBalloonMs};
         }
     }
     return reaction;
@@ -61,12 +61,12 @@ OrderReaction reactionToAccount(const QJsonObject& event, bool hasTray)
     if (status == "FAILED"_L1) {
         reaction.balloon
             = Balloon{tr("Account Failed"), tr("An account breached its risk limit and was closed."),
-                Balloon::Kind::Critical, AccountBalloonMs};
+                Balloon::Kind::Critical, accountBalloonMs};
         reaction.sound = SoundKind::Error;
     } else if (status == "PASSED"_L1) {
         reaction.balloon
             = Balloon{tr("Challenge Passed"), tr("An account passed its target — pending review."),
-                Balloon::Kind::Information, AccountBalloonMs};
+                Balloon::Kind::Information, accountBalloonMs};
     }
     return reaction;
 }

@@ -11,7 +11,7 @@ bool isPaintedOn(const QImage& image, const QRect& area)
 {
     for (int y = area.top(); y <= area.bottom(); ++y) {
         for (int x = area.left(); x <= area.right(); ++x) {
-            if (image.pixelColor(x, y) != FixedColors::splashBackground)
+            if (image.pixelColor(x, y) != fixedColors::splashBackground)
                 return true;
         }
     }
@@ -80,7 +80,7 @@ private Q_SLOTS:
         for (const QPoint corner :
             {QPoint(0, 0), QPoint(479, 0), QPoint(0, 279), QPoint(479, 279), QPoint(240, 0), QPoint(0, 140)})
             QCOMPARE(splash.pixelColor(corner), border);
-        QCOMPARE(splash.pixelColor(1, 1), FixedColors::splashBackground);
+        QCOMPARE(splash.pixelColor(1, 1), fixedColors::splashBackground);
         QCOMPARE(splash.copy(1, 45, 478, 150), renderBanner(480, 150).toImage().copy(1, 0, 478, 150));
     }
 

@@ -103,13 +103,13 @@ private Q_SLOTS:
 
     void fixedColoursAreTheSameInBothThemes()
     {
-        QCOMPARE(FixedColors::profitBlue.name(), u"#3ba7ff"_s);
-        QCOMPARE(FixedColors::lossRed.name(), u"#ff4a4a"_s);
-        QCOMPARE(FixedColors::grey.name(), u"#8a8a8a"_s);
-        QCOMPARE(FixedColors::neutral.name(), u"#dcdcdc"_s);
-        QCOMPARE(FixedColors::splashBackground.name(), u"#0b1220"_s);
-        QCOMPARE(FixedColors::wordmarkStart.name(), u"#2dd4bf"_s);
-        QCOMPARE(FixedColors::wordmarkEnd.name(), u"#2563eb"_s);
+        QCOMPARE(fixedColors::profitBlue.name(), u"#3ba7ff"_s);
+        QCOMPARE(fixedColors::lossRed.name(), u"#ff4a4a"_s);
+        QCOMPARE(fixedColors::grey.name(), u"#8a8a8a"_s);
+        QCOMPARE(fixedColors::neutral.name(), u"#dcdcdc"_s);
+        QCOMPARE(fixedColors::splashBackground.name(), u"#0b1220"_s);
+        QCOMPARE(fixedColors::wordmarkStart.name(), u"#2dd4bf"_s);
+        QCOMPARE(fixedColors::wordmarkEnd.name(), u"#2563eb"_s);
     }
 
     void eachPaletteRoleHasItsColour_data()
