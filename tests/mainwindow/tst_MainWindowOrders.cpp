@@ -312,7 +312,7 @@ void tst_MainWindowOrders::aWindowClosedTwiceTellsItsOutcomeInTheJournal()
     QVERIFY(next->isVisible());
     f.settle();
     const bool isRefusal = line.contains(u"Too big"_s);
-    QCOMPARE(f.http.count("GET", "/api/trades/open?accountId=a1") > 0, !isRefusal);
+    QTRY_COMPARE(f.http.count("GET", "/api/trades/open?accountId=a1") > 0, !isRefusal);
     QCOMPARE(f.http.count("POST", "/api/trades/place"), 0);
 }
 
