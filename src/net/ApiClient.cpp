@@ -149,24 +149,19 @@ ReplyWatch* ApiClient::getBody(const QString& path, QObject* context, BodyCallba
         ? m_manager.get(request)
         : new RefusedReply(request, tr("The request address is not valid"), &m_manager);
     auto* watch = new ReplyWatch(*reply, ReplyWatch::Kind::Read, m_limits.read);
-    connect(reply, &QNetworkReply::finished, this,
-        [this, reply, path, guard = QPointer<QObject>(context), callback = std::move(callback)] {
-            finishGet(reply, path, guard, callback);
-        });
+    ReplyOutcome::whenFinished(reply, this,
+        [this, path, guard = QPointer<QObject>(context), callback = std::move(callback)](
+            const ReplyOutcome& outcome) { finishGet(outcome, path, guard, callback); });
     return watch;
 }
 
-void ApiClient::finishGet(
-    QNetworkReply* reply, const QString& path, const QPointer<QObject>& context, const BodyCallback& callback)
+void ApiClient::finishGet(const ReplyOutcome& outcome, const QString& path, const QPointer<QObject>& context,
+    const BodyCallback& callback)
 {
-    reply->deleteLater();
-    const ReplyOutcome outcome = ReplyOutcome::readUnparsed(reply);
-    const ReplyWatch* const watch = ReplyWatch::of(*reply);
-    const bool wasTooLarge = watch && watch->wasTooLarge();
     const QPointer<ApiClient> alive(this);
     if (!outcome.ok && outcome.status == statusUnauthorized)
         Q_EMIT unauthorized();
-    if (alive && wasTooLarge)
+    if (alive && outcome.tooLarge)
         Q_EMIT replyTooLarge(path);
     if (alive && context)
         callback(outcome.ok ? outcome.content : QByteArray(), outcome.error);
@@ -191,23 +186,23 @@ void ApiClient::login(const QString& email, const QString& password)
 {
     QNetworkReply* const reply = change("POST"_ba, u"/api/auth/login"_s,
         QJsonDocument(reply::credentialsBody(email, password)).toJson(QJsonDocument::Compact), false);
-    connect(reply, &QNetworkReply::finished, this, [this, reply, email] { finishLogin(reply, email); });
+    ReplyOutcome::whenFinished(
+        reply, this, [this, email](const ReplyOutcome& outcome) { finishLogin(outcome, email); });
 }
 
-void ApiClient::finishLogin(QNetworkReply* reply, const QString& email)
+void ApiClient::finishLogin(const ReplyOutcome& outcome, const QString& email)
 {
-    reply->deleteLater();
-    const ReplyOutcome outcome = ReplyOutcome::read(reply);
-    const std::optional<QString> token = reply::token(outcome.body);
+    const QJsonObject answer = QJsonDocument::fromJson(outcome.content).object();
+    const std::optional<QString> token = reply::token(answer);
     if (outcome.ok && token) {
         TerminalSettings& settings = TerminalSettings::instance();
         settings.setEmail(email);
         settings.setToken(*token);
-        Q_EMIT loginSucceeded(outcome.body);
+        Q_EMIT loginSucceeded(answer);
         return;
     }
     QString message = outcome.error;
     if (outcome.ok)
-        message = shownReason(reply::message(outcome.body));
+        message = shownReason(reply::message(answer));
     Q_EMIT loginFailed(message.isEmpty() ? tr("Unexpected server response") : message);
 }

@@ -14,6 +14,7 @@ class QJsonDocument;
 class QNetworkReply;
 class QNetworkRequest;
 class ReplyWatch;
+struct ReplyOutcome;
 
 /// Completion of a read: the parsed body and an empty error, or a null document and a text for a
 /// person. A success whose body is not JSON arrives as a null document without an error.
@@ -47,9 +48,8 @@ public:
     ReplyWatch* getBody(const QString& path, QObject* context, BodyCallback callback);
 
     /// State-changing calls. They reach the server at most once, whatever happens to the
-    /// connection. The caller connects to the reply's finished signal, reads it with
-    /// ReplyOutcome::read and deletes it with deleteLater(); the reply never finishes before this
-    /// call has returned. Replies die with the client, without a finished signal.
+    /// connection. The caller hands the reply to ReplyOutcome::whenFinished at once; it never finishes
+    /// before this call has returned. Replies die with the client, without a finished signal.
     [[nodiscard]] QNetworkReply* post(const QString& path, const QJsonObject& body);
     [[nodiscard]] QNetworkReply* put(const QString& path, const QJsonObject& body);
     [[nodiscard]] QNetworkReply* del(const QString& path);
@@ -83,9 +83,9 @@ private:
     [[nodiscard]] QNetworkAccessManager& freeManager();
     [[nodiscard]] QNetworkReply* change(
         const QByteArray& verb, const QString& path, const QByteArray& body, bool authorise = true);
-    void finishGet(QNetworkReply* reply, const QString& path, const QPointer<QObject>& context,
+    void finishGet(const ReplyOutcome& outcome, const QString& path, const QPointer<QObject>& context,
         const BodyCallback& callback);
-    void finishLogin(QNetworkReply* reply, const QString& email);
+    void finishLogin(const ReplyOutcome& outcome, const QString& email);
 
     RequestLimits m_limits;
     QNetworkAccessManager m_manager; ///< reads

@@ -5,7 +5,9 @@
 #include "net/records/ServerReply.h"
 
 #include <QCoreApplication>
+#include <QJsonDocument>
 #include <QNetworkReply>
+#include <utility>
 
 using namespace Qt::StringLiterals;
 
@@ -66,23 +68,16 @@ QString networkText(const QNetworkReply& reply, int status)
     return text.isEmpty() ? reply.errorString() : text;
 }
 
-void parse(ReplyOutcome& outcome)
-{
-    outcome.document = QJsonDocument::fromJson(outcome.content);
-    outcome.body = outcome.document.object();
-}
-
 } // namespace
 
-ReplyOutcome ReplyOutcome::read(QNetworkReply* reply)
+void ReplyOutcome::whenFinished(QNetworkReply* reply, const QObject* waiter, Callback callback)
 {
-    ReplyOutcome outcome = readUnparsed(reply);
-    if (outcome.ok)
-        parse(outcome);
-    return outcome;
+    QObject::connect(reply, &QNetworkReply::finished, reply, &QObject::deleteLater);
+    QObject::connect(reply, &QNetworkReply::finished, waiter,
+        [reply, callback = std::move(callback)] { callback(read(reply)); });
 }
 
-ReplyOutcome ReplyOutcome::readUnparsed(QNetworkReply* reply)
+ReplyOutcome ReplyOutcome::read(QNetworkReply* reply)
 {
     ReplyOutcome outcome;
     outcome.status = reply->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
@@ -90,11 +85,11 @@ ReplyOutcome ReplyOutcome::readUnparsed(QNetworkReply* reply)
     outcome.whole = isWhole(reply->error());
     const ReplyWatch* watch = ReplyWatch::of(*reply);
     outcome.sent = !watch || watch->wasSent();
+    outcome.tooLarge = watch && watch->wasTooLarge();
     if (reply->isOpen())
         outcome.content = reply->readAll();
     if (!outcome.ok) {
-        parse(outcome);
-        const QString message = reply::message(outcome.body).trimmed();
+        const QString message = reply::message(QJsonDocument::fromJson(outcome.content).object()).trimmed();
         outcome.error = shownReason(message.isEmpty() ? networkText(*reply, outcome.status) : message);
     }
     return outcome;

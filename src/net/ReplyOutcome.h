@@ -1,21 +1,23 @@
 #pragma once
 
-#include <QJsonDocument>
-#include <QJsonObject>
+#include <QByteArray>
 #include <QString>
+#include <functional>
 
 class QNetworkReply;
+class QObject;
 
 /// What a finished reply means to its caller. Reading takes the body out of the reply.
 struct ReplyOutcome final {
-    bool ok = false;        ///< no network error, no HTTP error status, no redirect
-    bool sent = false;      ///< the request has left this machine, or may have
-    bool whole = false;     ///< the answer came to its end, whatever it says
-    int status = 0;         ///< HTTP status, 0 when no answer came
-    QByteArray content;     ///< the body as it came
-    QJsonDocument document; ///< the parsed body, null when it is not JSON
-    QJsonObject body;       ///< the document's object, empty when it is not an object
-    QString error; ///< for a person; empty when ok: the body's "message", else the network's own text
+    bool ok = false;       ///< no network error, no HTTP error status, no redirect
+    bool sent = false;     ///< the request has left this machine, or may have
+    bool whole = false;    ///< the answer came to its end, whatever it says
+    bool tooLarge = false; ///< given up for the size of the answer
+    int status = 0;        ///< HTTP status, 0 when no answer came
+    QByteArray content;    ///< the body as it came
+    /// For a person; empty when ok: the body's "message", else the network's own text. Free of the session
+    /// token and bounded in length, but a server chose it: show it as plain text.
+    QString error;
 
     /// True when the server may have carried the request out all the same: it failed on its way, never
     /// answered, its answer broke off, or it had an error of its own.
@@ -23,9 +25,10 @@ struct ReplyOutcome final {
     /// The same, and there is no answer to go by.
     [[nodiscard]] bool isUnanswered() const { return isUncertain() && !whole; }
 
-    /// Reads a finished reply. The error is free of the session token and bounded in length, but
-    /// it is text chosen by a server: show it as plain text.
+    using Callback = std::function<void(const ReplyOutcome& outcome)>;
+    /// Waits for a running reply, tells the waiter once what became of it, and lets the reply go. A waiter
+    /// that is gone by then hears nothing; the reply goes all the same.
+    static void whenFinished(QNetworkReply* reply, const QObject* waiter, Callback callback);
+    /// Reads a reply that has finished.
     [[nodiscard]] static ReplyOutcome read(QNetworkReply* reply);
-    /// The same, but leaves the body of a success unparsed: document and body stay empty.
-    [[nodiscard]] static ReplyOutcome readUnparsed(QNetworkReply* reply);
 };

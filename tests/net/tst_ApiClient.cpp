@@ -193,7 +193,7 @@ void TestApiClient::state_changing_calls_send_compact_json()
     const ReplyOutcome placed = finish(m_api->post(u"/api/trades/place"_s, body));
     QVERIFY(placed.ok);
     QCOMPARE(placed.status, 200);
-    QCOMPARE(placed.body.value(u"id"_s).toString(), u"t1"_s);
+    QCOMPARE(QJsonDocument::fromJson(placed.content).object().value(u"id"_s).toString(), u"t1"_s);
     QVERIFY(finish(m_api->put(u"/api/trades/modify/t1"_s, body)).ok);
     for (const StubRequest& request : m_server->requests()) {
         QCOMPARE(request.body, R"({"lotSize":0.1,"symbol":"EURUSD"})"_ba);

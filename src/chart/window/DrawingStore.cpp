@@ -9,8 +9,6 @@
 #include "net/ReplyOutcome.h"
 #include "net/UrlParts.h"
 
-#include <QNetworkReply>
-
 #include <utility>
 
 using namespace Qt::StringLiterals;
@@ -142,10 +140,8 @@ void DrawingStore::track(QNetworkReply* reply, const QString& what, Ended ended)
 {
     ++scope().changing;
     ++scope().changes;
-    connect(reply, &QNetworkReply::finished, reply, &QObject::deleteLater);
-    connect(reply, &QNetworkReply::finished, this,
-        [this, reply, what, ended = std::move(ended), account = m_accountId] {
-            const ReplyOutcome outcome = ReplyOutcome::read(reply);
+    ReplyOutcome::whenFinished(reply, this,
+        [this, what, ended = std::move(ended), account = m_accountId](const ReplyOutcome& outcome) {
             Scope& changed = m_scopes[account];
             --changed.changing;
             if (!outcome.ok)
