@@ -8,19 +8,18 @@
 #include "app/ui/HeldEnter.h"
 #include "app/ui/PlainText.h"
 #include "app/ui/Theme.h"
-#include "net/ApiClient.h"
-#include "net/ReplyOutcome.h"
-#include "net/UrlParts.h"
+#include "net/TradeRequest.h"
 #include "net/records/TradeRecord.h"
 
 #include <QFormLayout>
 #include <QHBoxLayout>
 #include <QKeyEvent>
 #include <QLabel>
-#include <QNetworkReply>
 #include <QPointer>
 #include <QPushButton>
 #include <QVBoxLayout>
+
+#include <utility>
 
 using namespace Qt::StringLiterals;
 
@@ -130,8 +129,8 @@ void ModifyDialog::send()
         tellFailure(tr("Please enter a valid price."));
         return;
     }
-    const std::optional<QString> id = encodePathSegment(trade::id(m_trade));
-    if (!id) {
+    std::optional<TradeRequest> request = TradeRequest::modify(m_trade, typed());
+    if (!request) {
         Q_EMIT soundDue(SoundKind::Error);
         tellFailure(tr("This trade has no usable id."));
         return;
@@ -139,17 +138,13 @@ void ModifyDialog::send()
     setSending(true);
     m_modify->setEnabled(false);
     m_error->hide();
-    QNetworkReply* reply = m_api.put(u"/api/trades/modify/"_s + *id, typedLevelsBody(typed()));
-    // The reply goes even if this window is gone by then.
-    connect(reply, &QNetworkReply::finished, reply, &QObject::deleteLater);
-    connect(reply, &QNetworkReply::finished, this, [this, reply] { onReply(reply); });
+    std::move(*request).send(m_api, this, [this](const ReplyOutcome& outcome) { onReply(outcome); });
 }
 
-void ModifyDialog::onReply(QNetworkReply* reply)
+void ModifyDialog::onReply(const ReplyOutcome& outcome)
 {
     setSending(false);
     m_modify->setEnabled(true);
-    const ReplyOutcome outcome = ReplyOutcome::read(reply);
     if (!outcome.ok) {
         Q_EMIT soundDue(SoundKind::Error);
         return endInFailure(outcome);

@@ -10,7 +10,6 @@ class ApiClient;
 class DecimalEdit;
 class QFormLayout;
 class QLabel;
-class QNetworkReply;
 class QPushButton;
 
 /// Edits the levels of one trade: stop loss and take profit, and the entry price of a pending order.
@@ -38,7 +37,7 @@ private:
         QFormLayout& form, const QString& caption, const QString& name, double level, int digits);
     [[nodiscard]] TypedLevels typed() const;
     void send();
-    void onReply(QNetworkReply* reply);
+    void onReply(const ReplyOutcome& outcome);
 
     ApiClient& m_api;
     QJsonObject m_trade;

@@ -4,8 +4,7 @@
 #include "app/base/ServerText.h"
 #include "app/ui/FocusOrder.h"
 #include "app/ui/Theme.h"
-#include "net/ApiClient.h"
-#include "net/ReplyOutcome.h"
+#include "net/TradeRequest.h"
 #include "net/WsClient.h"
 #include "net/records/Quote.h"
 #include "net/records/SymbolRecord.h"
@@ -14,7 +13,6 @@
 #include "orders/TickChartWidget.h"
 
 #include <QHBoxLayout>
-#include <QNetworkReply>
 #include <QPointer>
 
 using namespace Qt::StringLiterals;
@@ -119,7 +117,6 @@ void OrderDialog::place(Side side)
     if (isSending())
         return;
     OrderTicket ticket = m_form->ticket();
-    ticket.accountId = m_accountId;
     ticket.side = side;
     ticket.type = m_orderType;
     if (lacksTriggerPrice(ticket)) {
@@ -128,16 +125,13 @@ void OrderDialog::place(Side side)
     }
     m_form->showError({});
     showSending(true);
-    QNetworkReply* reply = m_api.post(u"/api/trades/place"_s, placeBody(ticket));
-    // The reply goes even if this window is gone by then.
-    connect(reply, &QNetworkReply::finished, reply, &QObject::deleteLater);
-    connect(reply, &QNetworkReply::finished, this, [this, reply] { onReply(reply); });
+    TradeRequest::place(orderBody(ticket), m_accountId)
+        .send(m_api, this, [this](const ReplyOutcome& outcome) { onReply(outcome); });
 }
 
-void OrderDialog::onReply(QNetworkReply* reply)
+void OrderDialog::onReply(const ReplyOutcome& outcome)
 {
     showSending(false);
-    const ReplyOutcome outcome = ReplyOutcome::read(reply);
     if (!outcome.ok) {
         Q_EMIT soundDue(SoundKind::Error);
         return endInFailure(outcome);

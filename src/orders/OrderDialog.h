@@ -12,7 +12,6 @@
 
 class ApiClient;
 class OrderForm;
-class QNetworkReply;
 class TickChartWidget;
 class WsClient;
 
@@ -45,7 +44,7 @@ private:
     void setOrderType(OrderType type);
     void onSymbolChanged();
     void place(Side side);
-    void onReply(QNetworkReply* reply);
+    void onReply(const ReplyOutcome& outcome);
     void showSending(bool sending);
     [[nodiscard]] int digits() const;
 

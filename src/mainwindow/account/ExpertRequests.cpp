@@ -1,9 +1,5 @@
 #include "mainwindow/account/ExpertRequests.h"
 
-#include "net/ApiClient.h"
-#include "net/ReplyOutcome.h"
-
-#include <QNetworkReply>
 #include <QPointer>
 
 #include <utility>
@@ -20,15 +16,15 @@ ExpertRequests::ExpertRequests(ApiClient& api, QObject* parent)
 {
 }
 
-void ExpertRequests::order(const QString& path, const QJsonObject& body, Report report)
+void ExpertRequests::order(TradeRequest request, Report report)
 {
-    m_waiting.push_back({path, body, std::move(report), QDeadlineTimer(m_longestWait)});
+    m_waiting.push_back({std::move(request), std::move(report), QDeadlineTimer(m_longestWait)});
     sendWaiting();
 }
 
-void ExpertRequests::close(const QString& path, Report report)
+void ExpertRequests::close(TradeRequest request, Report report)
 {
-    m_waiting.push_back({path, {}, std::move(report), QDeadlineTimer(QDeadlineTimer::Forever)});
+    m_waiting.push_back({std::move(request), std::move(report), QDeadlineTimer(QDeadlineTimer::Forever)});
     sendWaiting();
 }
 
@@ -43,29 +39,27 @@ void ExpertRequests::sendWaiting()
 {
     const QPointer<ExpertRequests> alive(this);
     while (alive && m_inFlight < mostInFlight && !m_waiting.empty()) {
-        const Request request = std::move(m_waiting.front());
+        Waiting next = std::move(m_waiting.front());
         m_waiting.pop_front();
-        if (!request.leaveBy.hasExpired()) {
-            send(request);
+        if (!next.leaveBy.hasExpired()) {
+            send(std::move(next));
             continue;
         }
         ReplyOutcome late;
         late.error = tr("not sent: too many orders before it");
-        request.report(late);
+        next.report(late);
     }
 }
 
-void ExpertRequests::send(const Request& request)
+void ExpertRequests::send(Waiting next)
 {
     ++m_inFlight;
-    QNetworkReply* reply = m_api.post(request.path, request.body);
-    // The reply goes even if this object is gone by then.
-    connect(reply, &QNetworkReply::finished, reply, &QObject::deleteLater);
-    connect(reply, &QNetworkReply::finished, this, [this, reply, report = request.report] {
-        --m_inFlight;
-        const QPointer<ExpertRequests> alive(this);
-        report(ReplyOutcome::read(reply));
-        if (alive)
-            sendWaiting();
-    });
+    std::move(next.request)
+        .send(m_api, this, [this, report = std::move(next.report)](const ReplyOutcome& outcome) {
+            --m_inFlight;
+            const QPointer<ExpertRequests> alive(this);
+            report(outcome);
+            if (alive)
+                sendWaiting();
+        });
 }

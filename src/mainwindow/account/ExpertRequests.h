@@ -1,15 +1,13 @@
 #pragma once
 
+#include "net/TradeRequest.h"
+
 #include <QDeadlineTimer>
-#include <QJsonObject>
 #include <QObject>
-#include <QString>
 
 #include <deque>
-#include <functional>
 
 class ApiClient;
-struct ReplyOutcome;
 
 /// Sends what experts want, in its order and a few at a time, so that a script in a loop floods neither the
 /// server nor the line. What waits can still be taken back.
@@ -19,15 +17,15 @@ class ExpertRequests final : public QObject {
 
 public:
     /// Hears once of each request that is not dropped.
-    using Report = std::function<void(const ReplyOutcome&)>;
+    using Report = ReplyOutcome::Callback;
 
     /// The client must outlive the requests.
     explicit ExpertRequests(ApiClient& api, QObject* parent = nullptr);
 
     /// An order at prices of now: one that could not be sent in time is reported as not sent.
-    void order(const QString& path, const QJsonObject& body, Report report);
+    void order(TradeRequest request, Report report);
     /// A close, which is never too late.
-    void close(const QString& path, Report report);
+    void close(TradeRequest request, Report report);
     /// Forgets what is not sent yet. How many those were.
     int dropWaiting();
 
@@ -35,18 +33,17 @@ public:
     void setLongestWait(int ms) { m_longestWait = ms; }
 
 private:
-    struct Request {
-        QString path;
-        QJsonObject body;
+    struct Waiting {
+        TradeRequest request;
         Report report;
         QDeadlineTimer leaveBy;
     };
 
     void sendWaiting();
-    void send(const Request& request);
+    void send(Waiting next);
 
     ApiClient& m_api;
-    std::deque<Request> m_waiting;
+    std::deque<Waiting> m_waiting;
     int m_inFlight = 0;
     int m_longestWait = 15'000;
 };

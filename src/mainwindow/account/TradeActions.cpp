@@ -3,32 +3,16 @@
 #include "app/base/NumberFormat.h"
 #include "app/base/ServerText.h"
 #include "mainwindow/account/AccountBook.h"
-#include "net/ApiClient.h"
-#include "net/ReplyOutcome.h"
-#include "net/UrlParts.h"
+#include "net/TradeRequest.h"
 #include "net/records/LevelsBody.h"
 #include "net/records/OrderBody.h"
 #include "net/records/TradeRecord.h"
 
 #include <QLocale>
-#include <QNetworkReply>
 
 #include <utility>
 
 using namespace Qt::StringLiterals;
-
-namespace {
-
-const auto placePath = u"/api/trades/place"_s;
-
-/// The path that acts on one trade; nothing for an id that could name another resource.
-std::optional<QString> tradePath(QLatin1StringView action, const QJsonObject& trade)
-{
-    const std::optional<QString> id = encodePathSegment(trade::id(trade));
-    return id ? std::optional(u"/api/trades/"_s + action + u'/' + *id) : std::nullopt;
-}
-
-} // namespace
 
 TradeActions::TradeActions(ApiClient& api, const AccountBook& book, QObject* parent)
     : QObject(parent)
@@ -55,10 +39,10 @@ void TradeActions::setAlgoTrading(bool on)
 
 void TradeActions::closePosition(const QJsonObject& trade)
 {
-    const std::optional<QString> path = tradePath("close"_L1, trade);
-    if (!path)
+    std::optional<TradeRequest> request = TradeRequest::close(trade);
+    if (!request)
         return refuse(tr("Close failed: %1"));
-    whenAnswered(m_api.post(*path, {}), [this](const ReplyOutcome& outcome) {
+    std::move(*request).send(m_api, this, [this](const ReplyOutcome& outcome) {
         tellTrade(outcome.ok, SoundKind::Close,
             outcome.ok ? tr("Position closed") : tr("Close failed: %1").arg(outcome.error));
         refreshEverything();
@@ -67,10 +51,10 @@ void TradeActions::closePosition(const QJsonObject& trade)
 
 void TradeActions::cancelOrder(const QJsonObject& trade)
 {
-    const std::optional<QString> path = tradePath("cancel"_L1, trade);
-    if (!path)
+    std::optional<TradeRequest> request = TradeRequest::cancel(trade);
+    if (!request)
         return refuse(tr("Cancel failed: %1"));
-    whenAnswered(m_api.post(*path, {}), [this](const ReplyOutcome& outcome) {
+    std::move(*request).send(m_api, this, [this](const ReplyOutcome& outcome) {
         tellTrade(outcome.ok, SoundKind::Close,
             outcome.ok ? tr("Pending order cancelled") : tr("Cancel failed: %1").arg(outcome.error));
         refreshAfter(outcome, &TradeActions::tradesRefreshWanted);
@@ -82,18 +66,16 @@ void TradeActions::moveLevel(const QString& tradeId, const QString& kind, double
     const QJsonObject trade = findTrade(tradeId);
     if (trade.isEmpty())
         return;
-    const std::optional<QString> path = tradePath("modify"_L1, trade);
-    if (!path)
+    std::optional<TradeRequest> request = TradeRequest::moveLevel(trade, levelKind(kind), price);
+    if (!request)
         return refuse(tr("Modify failed: %1"));
-    whenAnswered(m_api.put(*path, movedLevelBody(trade, levelKind(kind), price)),
-        [this, kind, price](const ReplyOutcome& outcome) {
-            // Not 'g', which takes 1e+05 for shorter than 100000.
-            const QString shown = QString::number(price, 'f', QLocale::FloatingPointShortest);
-            tellTrade(outcome.ok, SoundKind::Open,
-                outcome.ok ? tr("%1 moved to %2").arg(kind, shown)
-                           : tr("Modify failed: %1").arg(outcome.error));
-            refreshAfter(outcome, &TradeActions::tradesRefreshWanted);
-        });
+    std::move(*request).send(m_api, this, [this, kind, price](const ReplyOutcome& outcome) {
+        // Not 'g', which takes 1e+05 for shorter than 100000.
+        const QString shown = QString::number(price, 'f', QLocale::FloatingPointShortest);
+        tellTrade(outcome.ok, SoundKind::Open,
+            outcome.ok ? tr("%1 moved to %2").arg(kind, shown) : tr("Modify failed: %1").arg(outcome.error));
+        refreshAfter(outcome, &TradeActions::tradesRefreshWanted);
+    });
 }
 
 void TradeActions::quickTrade(const QString& symbol, const QString& side, double lots)
@@ -103,14 +85,14 @@ void TradeActions::quickTrade(const QString& symbol, const QString& side, double
     OrderTicket ticket;
     ticket.symbol = symbol;
     ticket.lots = lots;
-    ticket.accountId = m_book.currentAccountId();
     ticket.side = side == "SELL"_L1 ? Side::Sell : Side::Buy;
-    whenAnswered(m_api.post(placePath, placeBody(ticket)), [this, symbol, side](const ReplyOutcome& outcome) {
-        tellTrade(outcome.ok, SoundKind::Open,
-            outcome.ok ? tr("One-click %1 %2 executed").arg(side, shownName(symbol))
-                       : tr("One-click order failed: %1").arg(outcome.error));
-        refreshAfter(outcome, &TradeActions::refreshAccountsAndTrades);
-    });
+    TradeRequest::place(orderBody(ticket), m_book.currentAccountId())
+        .send(m_api, this, [this, symbol, side](const ReplyOutcome& outcome) {
+            tellTrade(outcome.ok, SoundKind::Open,
+                outcome.ok ? tr("One-click %1 %2 executed").arg(side, shownName(symbol))
+                           : tr("One-click order failed: %1").arg(outcome.error));
+            refreshAfter(outcome, &TradeActions::refreshAccountsAndTrades);
+        });
 }
 
 void TradeActions::expertOrder(const QJsonObject& body)
@@ -122,9 +104,8 @@ void TradeActions::expertOrder(const QJsonObject& body)
     }
     if (m_book.currentAccountId().isEmpty())
         return;
-    QJsonObject order = body;
-    setOrderAccount(order, m_book.currentAccountId());
-    m_expertRequests.order(placePath, order, [this, order](const ReplyOutcome& outcome) {
+    TradeRequest request = TradeRequest::place(body, m_book.currentAccountId());
+    m_expertRequests.order(std::move(request), [this, order = body](const ReplyOutcome& outcome) {
         Q_EMIT soundWanted(outcome.ok ? SoundKind::Open : SoundKind::Error);
         Q_EMIT expertLine(tr("Expert"),
             outcome.ok ? tr("%1 %2 %3 executed")
@@ -147,11 +128,11 @@ void TradeActions::expertCloseAll(const QString& symbol)
         const QJsonObject trade = value.toObject();
         if (trade::symbol(trade) != symbol)
             continue;
-        const std::optional<QString> path = tradePath("close"_L1, trade);
-        if (!path)
+        std::optional<TradeRequest> request = TradeRequest::close(trade);
+        if (!request)
             continue;
         ++closing;
-        m_expertRequests.close(*path, [this](const ReplyOutcome&) { refreshEverything(); });
+        m_expertRequests.close(std::move(*request), [this](const ReplyOutcome&) { refreshEverything(); });
     }
     if (closing == 0)
         return;
@@ -159,14 +140,6 @@ void TradeActions::expertCloseAll(const QString& symbol)
     Q_EMIT expertLine(tr("Expert"),
         tr("Closing %1 position(s) on %2").arg(QString::number(closing), shownName(symbol)),
         LineKind::Ordinary);
-}
-
-void TradeActions::whenAnswered(QNetworkReply* reply, Report report)
-{
-    // The reply goes even if this object is gone by then.
-    connect(reply, &QNetworkReply::finished, reply, &QObject::deleteLater);
-    connect(reply, &QNetworkReply::finished, this,
-        [reply, report = std::move(report)] { report(ReplyOutcome::read(reply)); });
 }
 
 QJsonObject TradeActions::findTrade(const QString& tradeId) const

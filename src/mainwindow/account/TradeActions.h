@@ -8,13 +8,8 @@
 #include <QObject>
 #include <QString>
 
-#include <functional>
-#include <optional>
-
 class AccountBook;
 class ApiClient;
-class QNetworkReply;
-struct ReplyOutcome;
 
 /// Turns what a trader or a script wants done with a trade into one request each, and reports what became of
 /// it: a line, a sound, and the lists read again, whatever the outcome was; all lists, where no answer came.
@@ -58,10 +53,6 @@ Q_SIGNALS:
     void historyRefreshWanted();
 
 private:
-    using Report = std::function<void(const ReplyOutcome&)>;
-
-    /// Reads the reply once it has come, unless this object is gone by then.
-    void whenAnswered(QNetworkReply* reply, Report report);
     [[nodiscard]] QJsonObject findTrade(const QString& tradeId) const;
     void refuse(const QString& message);
     void tellTrade(bool ok, SoundKind success, const QString& message);

@@ -56,10 +56,3 @@ void setOrderAccount(QJsonObject& body, const QString& accountId)
 {
     body.insert("accountId"_L1, accountId);
 }
-
-QJsonObject placeBody(const OrderTicket& ticket)
-{
-    QJsonObject body = orderBody(ticket);
-    setOrderAccount(body, ticket.accountId);
-    return body;
-}

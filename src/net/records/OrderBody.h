@@ -12,7 +12,6 @@ enum class OrderType : int { Market = 0, Limit = 1, Stop = 2, StopLimit = 3 };
 struct OrderTicket final {
     QString symbol = {};
     double lots = 0.0;
-    QString accountId = {};
     Side side = Side::Buy;
     OrderType type = OrderType::Market;
     double triggerPrice = 0.0; ///< pending orders only
@@ -34,6 +33,3 @@ struct OrderTicket final {
 
 /// Says for which account an order is.
 void setOrderAccount(QJsonObject& body, const QString& accountId);
-
-/// The whole body, account included.
-[[nodiscard]] QJsonObject placeBody(const OrderTicket& ticket);

@@ -9,7 +9,7 @@ namespace {
 
 OrderTicket marketBuy()
 {
-    return {.symbol = u"EURUSD"_s, .lots = 0.1, .accountId = u"acc-1"_s};
+    return {.symbol = u"EURUSD"_s, .lots = 0.1};
 }
 
 } // namespace
@@ -27,22 +27,21 @@ private Q_SLOTS:
     void theCommentIsTrimmedAndNeverEmpty();
     void pendingOrdersNeedATriggerPrice_data();
     void pendingOrdersNeedATriggerPrice();
-    void numbersAreSentAsNumbersAndIdsAsTheyAre();
+    void numbersAreSentAsNumbersAndNamesAsTheyAre();
 };
 
 void TestOrderBody::aMarketOrderSendsItsSideAsType()
 {
     OrderTicket ticket = marketBuy();
-    QCOMPARE(placeBody(ticket),
-        (QJsonObject{{"symbol"_L1, "EURUSD"_L1}, {"lotSize"_L1, 0.1}, {"accountId"_L1, "acc-1"_L1},
-            {"orderKind"_L1, "MARKET"_L1}, {"type"_L1, "BUY"_L1}}));
+    QCOMPARE(orderBody(ticket),
+        (QJsonObject{{"symbol"_L1, "EURUSD"_L1}, {"lotSize"_L1, 0.1}, {"orderKind"_L1, "MARKET"_L1},
+            {"type"_L1, "BUY"_L1}}));
     ticket.side = Side::Sell;
     ticket.stopLoss = 1.075;
     ticket.comment = u"note"_s;
-    QCOMPARE(placeBody(ticket),
-        (QJsonObject{{"symbol"_L1, "EURUSD"_L1}, {"lotSize"_L1, 0.1}, {"accountId"_L1, "acc-1"_L1},
-            {"orderKind"_L1, "MARKET"_L1}, {"type"_L1, "SELL"_L1}, {"stopLoss"_L1, 1.075},
-            {"comment"_L1, "note"_L1}}));
+    QCOMPARE(orderBody(ticket),
+        (QJsonObject{{"symbol"_L1, "EURUSD"_L1}, {"lotSize"_L1, 0.1}, {"orderKind"_L1, "MARKET"_L1},
+            {"type"_L1, "SELL"_L1}, {"stopLoss"_L1, 1.075}, {"comment"_L1, "note"_L1}}));
 }
 
 void TestOrderBody::aPendingOrderHasNoTypeKey_data()
@@ -67,16 +66,16 @@ void TestOrderBody::aPendingOrderHasNoTypeKey()
     ticket.side = buy ? Side::Buy : Side::Sell;
     ticket.triggerPrice = 1.07;
     ticket.takeProfit = 1.1;
-    QCOMPARE(placeBody(ticket),
-        (QJsonObject{{"symbol"_L1, "EURUSD"_L1}, {"lotSize"_L1, 0.1}, {"accountId"_L1, "acc-1"_L1},
-            {"orderKind"_L1, kind}, {"pendingPrice"_L1, 1.07}, {"takeProfit"_L1, 1.1}}));
+    QCOMPARE(orderBody(ticket),
+        (QJsonObject{{"symbol"_L1, "EURUSD"_L1}, {"lotSize"_L1, 0.1}, {"orderKind"_L1, kind},
+            {"pendingPrice"_L1, 1.07}, {"takeProfit"_L1, 1.1}}));
 }
 
 void TestOrderBody::aMarketOrderNeverSendsATriggerPrice()
 {
     OrderTicket ticket = marketBuy();
     ticket.triggerPrice = 1.07;
-    QVERIFY(!placeBody(ticket).contains("pendingPrice"_L1));
+    QVERIFY(!orderBody(ticket).contains("pendingPrice"_L1));
 }
 
 void TestOrderBody::levelsAreSentOnlyAboveZero_data()
@@ -97,22 +96,22 @@ void TestOrderBody::levelsAreSentOnlyAboveZero()
     QFETCH(bool, sent);
     OrderTicket ticket = marketBuy();
     ticket.stopLoss = level;
-    QCOMPARE(placeBody(ticket).contains("stopLoss"_L1), sent);
-    QVERIFY(!placeBody(ticket).contains("takeProfit"_L1));
+    QCOMPARE(orderBody(ticket).contains("stopLoss"_L1), sent);
+    QVERIFY(!orderBody(ticket).contains("takeProfit"_L1));
     ticket = marketBuy();
     ticket.takeProfit = level;
-    QCOMPARE(placeBody(ticket).contains("takeProfit"_L1), sent);
-    QVERIFY(!placeBody(ticket).contains("stopLoss"_L1));
+    QCOMPARE(orderBody(ticket).contains("takeProfit"_L1), sent);
+    QVERIFY(!orderBody(ticket).contains("stopLoss"_L1));
 }
 
 void TestOrderBody::theCommentIsTrimmedAndNeverEmpty()
 {
     OrderTicket ticket = marketBuy();
-    QVERIFY(!placeBody(ticket).contains("comment"_L1));
+    QVERIFY(!orderBody(ticket).contains("comment"_L1));
     ticket.comment = u" \t "_s;
-    QVERIFY(!placeBody(ticket).contains("comment"_L1));
+    QVERIFY(!orderBody(ticket).contains("comment"_L1));
     ticket.comment = u"  two words "_s;
-    QCOMPARE(placeBody(ticket).value("comment"_L1).toString(), u"two words"_s);
+    QCOMPARE(orderBody(ticket).value("comment"_L1).toString(), u"two words"_s);
 }
 
 void TestOrderBody::pendingOrdersNeedATriggerPrice_data()
@@ -139,17 +138,14 @@ void TestOrderBody::pendingOrdersNeedATriggerPrice()
     QCOMPARE(lacksTriggerPrice(ticket), lacks);
 }
 
-void TestOrderBody::numbersAreSentAsNumbersAndIdsAsTheyAre()
+void TestOrderBody::numbersAreSentAsNumbersAndNamesAsTheyAre()
 {
     OrderTicket ticket = marketBuy();
     ticket.symbol = u"US\"30 %1"_s;
-    ticket.accountId = u"42"_s;
     ticket.lots = 0.01;
-    const QByteArray wire = QJsonDocument(placeBody(ticket)).toJson(QJsonDocument::Compact);
+    const QByteArray wire = QJsonDocument(orderBody(ticket)).toJson(QJsonDocument::Compact);
     const QByteArray lots = "\"lotSize\":0.01";
-    const QByteArray account = "\"accountId\":\"42\"";
     QVERIFY(wire.contains(lots));
-    QVERIFY(wire.contains(account));
     QCOMPARE(QJsonDocument::fromJson(wire).object().value("symbol"_L1).toString(), ticket.symbol);
 }
 
