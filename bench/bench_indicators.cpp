@@ -20,17 +20,17 @@ const std::vector<Candle>& million()
 
 Values simple(const std::vector<Candle>& candles)
 {
-    return indicators::movingAverage(candles, {AverageKind::Simple, 20, {}});
+    return indicators::movingAverage(candles, {IndicatorKind::Sma, 20, {}});
 }
 
 Values exponential(const std::vector<Candle>& candles)
 {
-    return indicators::movingAverage(candles, {AverageKind::Exponential, 50, {}});
+    return indicators::movingAverage(candles, {IndicatorKind::Ema, 50, {}});
 }
 
 Values strength(const std::vector<Candle>& candles)
 {
-    return indicators::relativeStrength(candles, 14);
+    return indicators::rsi(candles, 14);
 }
 
 Values plainSimple(const std::vector<Candle>& candles)

@@ -19,10 +19,10 @@ LiveChart::LiveChart(QSize size, std::size_t loaded, double barWidth)
 {
     m_chart.resize(size);
     m_chart.setSymbolInfo(u"EURUSD"_s, u"M15"_s, u"Euro / US Dollar"_s);
-    m_chart.setMovingAverages({{AverageKind::Simple, 20, QColor(0xff, 0xd5, 0x4f)},
-        {AverageKind::Exponential, 50, QColor(0x4f, 0xc3, 0xf7)},
-        {AverageKind::Simple, 100, QColor(0xba, 0x68, 0xc8)}});
-    m_chart.setRsi(true, 14);
+    m_chart.setMovingAverages({{IndicatorKind::Sma, 20, QColor(0xff, 0xd5, 0x4f)},
+        {IndicatorKind::Ema, 50, QColor(0x4f, 0xc3, 0xf7)},
+        {IndicatorKind::Sma, 100, QColor(0xba, 0x68, 0xc8)}});
+    m_chart.setPane(IndicatorKind::Rsi, true, 14);
     m_chart.setCandles(newestOf(loaded));
     while (m_chart.barWidth() > barWidth)
         m_chart.zoomOut();

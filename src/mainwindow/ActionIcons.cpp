@@ -12,8 +12,8 @@ constexpr double disabledOpacity = 0.35;
 
 class PictogramEngine final : public QIconEngine {
 public:
-    explicit PictogramEngine(Pictogram pictogram)
-        : m_pictogram(pictogram)
+    explicit PictogramEngine(QLatin1StringView drawing)
+        : m_drawing(drawing)
     {
     }
 
@@ -26,7 +26,7 @@ public:
         painter->setRenderHint(QPainter::Antialiasing);
         if (mode == QIcon::Disabled)
             painter->setOpacity(painter->opacity() * disabledOpacity);
-        paintDrawing(*painter, pictogramDrawing(m_pictogram));
+        paintDrawing(*painter, m_drawing);
         painter->restore();
     }
 
@@ -39,15 +39,20 @@ public:
         return pixmap;
     }
 
-    [[nodiscard]] QIconEngine* clone() const override { return new PictogramEngine(m_pictogram); }
+    [[nodiscard]] QIconEngine* clone() const override { return new PictogramEngine(m_drawing); }
 
 private:
-    Pictogram m_pictogram;
+    QLatin1StringView m_drawing;
 };
 
 } // namespace
 
 QIcon actionIcon(Pictogram pictogram)
 {
-    return QIcon(new PictogramEngine(pictogram));
+    return actionIcon(pictogramDrawing(pictogram));
+}
+
+QIcon actionIcon(QLatin1StringView drawing)
+{
+    return QIcon(new PictogramEngine(drawing));
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QIcon>
+#include <QLatin1StringView>
 
 /// What a small picture stands for; each command has one of its own.
 enum class Pictogram {
@@ -15,9 +16,6 @@ enum class Pictogram {
     LightTheme,
     DarkTheme,
     AlgoTrading,
-    SimpleAverage,
-    ExponentialAverage,
-    StrengthIndex,
     Cursor,
     Crosshair,
     HorizontalLine,
@@ -58,3 +56,5 @@ enum class Pictogram {
 /// An icon that is drawn when it is shown: at the size and pixel ratio asked for, in the colours of the
 /// theme in force. After a theme switch a repaint is all it takes. Making one costs next to nothing.
 [[nodiscard]] QIcon actionIcon(Pictogram pictogram);
+/// The same of a drawing as Pictograms.h describes it, which must last.
+[[nodiscard]] QIcon actionIcon(QLatin1StringView drawing);

@@ -1,5 +1,6 @@
 #include "mainwindow/ChartCommands.h"
 
+#include "chart/data/IndicatorTable.h"
 #include "chart/window/ChartWidget.h"
 #include "chart/window/ChartWindow.h"
 #include "mainwindow/ChartArea.h"
@@ -47,24 +48,21 @@ template <typename Command> void ChartCommands::onTriggered(const QAction* actio
 
 void ChartCommands::connectIndicators()
 {
-    connect(m_actions.addSimpleAverage, &QAction::triggered, this, [this] { addIndicator(u"sma"_s); });
-    connect(m_actions.addExponentialAverage, &QAction::triggered, this, [this] { addIndicator(u"ema"_s); });
-    connect(m_actions.addStrengthIndex, &QAction::triggered, this, [this] { addIndicator(u"rsi"_s); });
+    for (const QAction* action : m_actions.indicators) {
+        connect(action, &QAction::triggered, this,
+            [this, key = action->data().toString()] { addIndicator(key); });
+    }
 }
 
-void ChartCommands::addIndicator(const QString& kind)
+void ChartCommands::addIndicator(const QString& key)
 {
     ChartWindow* chart = m_charts.activeChart();
     if (!chart) {
         Q_EMIT logMessage(tr("Chart"), tr("Open a chart first, then add the indicator."));
         return;
     }
-    if (kind == "sma"_L1)
-        chart->addMovingAverage(AverageKind::Simple);
-    else if (kind == "ema"_L1)
-        chart->addMovingAverage(AverageKind::Exponential);
-    else if (kind == "rsi"_L1)
-        chart->toggleRsi(true);
+    if (const IndicatorRow* row = findIndicator(key))
+        chart->addIndicator(row->kind);
 }
 
 void ChartCommands::connectPointers()

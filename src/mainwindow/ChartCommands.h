@@ -19,8 +19,8 @@ public:
     ~ChartCommands() override;
 
 public Q_SLOTS:
-    /// "sma" and "ema" ask for a period, "rsi" shows the strength index; on the active chart.
-    void addIndicator(const QString& kind);
+    /// Adds an indicator, by its key, to the active chart; see ChartWindow::addIndicator().
+    void addIndicator(const QString& key);
     /// Call when another chart, or none, has become the active one.
     void followActiveChart();
 

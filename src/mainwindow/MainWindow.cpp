@@ -5,6 +5,7 @@
 #include "app/base/TerminalSettings.h"
 #include "app/base/UpdateFramework.h"
 #include "app/ui/Theme.h"
+#include "chart/data/IndicatorTable.h"
 #include "chart/window/ChartWindow.h"
 #include "mainwindow/AccountSelector.h"
 #include "mainwindow/ChartArea.h"
@@ -50,6 +51,15 @@ namespace {
 
 constexpr QSize initialSize(1280, 800);
 
+/// The Navigator knows no chart, so it is told.
+QList<NavigatorWidget::Indicator> offeredIndicators()
+{
+    QList<NavigatorWidget::Indicator> offered;
+    for (const IndicatorRow& row : indicatorTable())
+        offered.append({row.key, indicatorText(row.name)});
+    return offered;
+}
+
 } // namespace
 
 MainWindow::MainWindow(QWidget* parent)
@@ -57,7 +67,7 @@ MainWindow::MainWindow(QWidget* parent)
     , m_charts(new ChartArea(m_api, m_book, this))
     , m_docks(new DockKeeper(*this))
     , m_marketWatch(new MarketWatchWidget(&m_docks->marketWatchDock()))
-    , m_navigator(new NavigatorWidget(&m_docks->navigatorDock()))
+    , m_navigator(new NavigatorWidget(offeredIndicators(), &m_docks->navigatorDock()))
     , m_toolbox(new TerminalPane(&m_docks->toolboxDock()))
     , m_status(
           new StatusPanel(*statusBar(), StatusPanel::hostOf(TerminalSettings::instance().serverUrl()), this))

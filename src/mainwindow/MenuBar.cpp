@@ -34,8 +34,7 @@ void fillViewMenu(QMenu& menu, const TerminalActions& actions)
 
 void fillInsertMenu(QMenu& menu, const TerminalActions& actions)
 {
-    menu.addMenu(MenuTexts::tr("Indicators"))
-        ->addActions({actions.addSimpleAverage, actions.addExponentialAverage, actions.addStrengthIndex});
+    menu.addMenu(MenuTexts::tr("Indicators"))->addActions(actions.indicators);
     menu.addMenu(MenuTexts::tr("Objects"))->addActions(actions.drawingTools());
 }
 

@@ -2,6 +2,7 @@
 
 #include "app/base/UpdateFramework.h"
 #include "app/ui/Theme.h"
+#include "chart/data/IndicatorTable.h"
 #include "chart/series/Timeframe.h"
 #include "mainwindow/ActionIcons.h"
 
@@ -16,17 +17,14 @@ TerminalActions::TerminalActions(QMainWindow& window, const DockToggles& docks)
     , newChart(command(tr("New Chart"), Pictogram::NewChart))
     , newOrder(command(tr("New Order"), Pictogram::NewOrder))
     , exit(command(tr("E&xit"), Pictogram::Exit))
-    , toggleMarketWatch(withIcon(docks.marketWatch, Pictogram::MarketWatch))
-    , toggleNavigator(withIcon(docks.navigator, Pictogram::Navigator))
-    , toggleToolbox(withIcon(docks.toolbox, Pictogram::Toolbox))
+    , toggleMarketWatch(withIcon(docks.marketWatch, actionIcon(Pictogram::MarketWatch)))
+    , toggleNavigator(withIcon(docks.navigator, actionIcon(Pictogram::Navigator)))
+    , toggleToolbox(withIcon(docks.toolbox, actionIcon(Pictogram::Toolbox)))
     , popupPrices(command(tr("Popup Prices"), Pictogram::PopupPrices))
     , restoreLayout(command(tr("Restore Default Layout"), Pictogram::RestoreLayout))
     , lightTheme(command(tr("Light"), Pictogram::LightTheme))
     , darkTheme(command(tr("Dark"), Pictogram::DarkTheme))
     , algoTrading(command(tr("Algo Trading"), Pictogram::AlgoTrading))
-    , addSimpleAverage(command(tr("Moving Average (SMA)"), Pictogram::SimpleAverage))
-    , addExponentialAverage(command(tr("Moving Average (EMA)"), Pictogram::ExponentialAverage))
-    , addStrengthIndex(command(tr("Relative Strength Index"), Pictogram::StrengthIndex))
     , cursor(command(tr("Cursor"), Pictogram::Cursor))
     , crosshair(command(tr("Crosshair"), Pictogram::Crosshair))
     , horizontalLine(command(tr("Horizontal Line"), Pictogram::HorizontalLine))
@@ -55,6 +53,7 @@ TerminalActions::TerminalActions(QMainWindow& window, const DockToggles& docks)
     , about(command(tr("About Tavoran Terminal"), Pictogram::About))
     , timeframes(new QActionGroup(this))
     , chartTypes(new QActionGroup(this))
+    , indicators(indicatorCommands())
 {
     giveKeys(window);
     makeTimeframes();
@@ -67,15 +66,26 @@ TerminalActions::TerminalActions(QMainWindow& window, const DockToggles& docks)
 
 QAction* TerminalActions::command(const QString& text, Pictogram icon)
 {
-    return withIcon(new QAction(text, this), icon);
+    return withIcon(new QAction(text, this), actionIcon(icon));
 }
 
-QAction* TerminalActions::withIcon(QAction* action, Pictogram icon)
+QAction* TerminalActions::withIcon(QAction* action, const QIcon& icon)
 {
-    action->setIcon(actionIcon(icon));
+    action->setIcon(icon);
     // In a menu the icon would take the place of the check mark.
     action->setIconVisibleInMenu(!action->isCheckable());
     return action;
+}
+
+QList<QAction*> TerminalActions::indicatorCommands()
+{
+    QList<QAction*> commands;
+    for (const IndicatorRow& row : indicatorTable()) {
+        QAction* action = withIcon(new QAction(indicatorText(row.command), this), actionIcon(row.icon));
+        action->setData(QString(row.key));
+        commands.append(action);
+    }
+    return commands;
 }
 
 void TerminalActions::giveKeys(QMainWindow& window)
@@ -170,10 +180,11 @@ void TerminalActions::setSymbolsKnown(bool known)
 
 void TerminalActions::setChartActive(bool active)
 {
-    for (QAction* action :
-        {addSimpleAverage, addExponentialAverage, addStrengthIndex, cursor, crosshair, horizontalLine,
-            verticalLine, trendLine, rectangle, fibonacci, candlesticks, bars, line, autoScroll, chartShift,
-            zoomIn, zoomOut, refresh, dataWindow, properties, specification, tile, cascade, closeChart})
+    for (QAction* action : indicators)
+        action->setEnabled(active);
+    for (QAction* action : {cursor, crosshair, horizontalLine, verticalLine, trendLine, rectangle, fibonacci,
+             candlesticks, bars, line, autoScroll, chartShift, zoomIn, zoomOut, refresh, dataWindow,
+             properties, specification, tile, cascade, closeChart})
         action->setEnabled(active);
     timeframes->setEnabled(active);
 }

@@ -5,6 +5,7 @@
 
 class QAction;
 class QActionGroup;
+class QIcon;
 class QMainWindow;
 enum class Pictogram;
 
@@ -39,10 +40,6 @@ public:
     QAction* const darkTheme;
 
     QAction* const algoTrading;
-
-    QAction* const addSimpleAverage;
-    QAction* const addExponentialAverage;
-    QAction* const addStrengthIndex;
 
     QAction* const cursor;
     QAction* const crosshair;
@@ -79,6 +76,8 @@ public:
     QActionGroup* const timeframes;
     /// One checked at most; an action's data is the chart type, 0 to 2.
     QActionGroup* const chartTypes;
+    /// One for each row of the table of indicators; an action's data is the row's key.
+    QList<QAction*> const indicators;
     /// The kinds of chart object, in the order of menu and toolbar; an action's data is the tool's key.
     [[nodiscard]] QList<QAction*> drawingTools() const;
 
@@ -89,7 +88,8 @@ public:
 
 private:
     [[nodiscard]] QAction* command(const QString& text, Pictogram icon);
-    [[nodiscard]] QAction* withIcon(QAction* action, Pictogram icon);
+    [[nodiscard]] QAction* withIcon(QAction* action, const QIcon& icon);
+    [[nodiscard]] QList<QAction*> indicatorCommands();
     void giveKeys(QMainWindow& window);
     void makeTimeframes();
     void groupChoices();

@@ -43,11 +43,11 @@ void setWeight(QTreeWidgetItem* item, QFont::Weight weight)
 
 } // namespace
 
-NavigatorWidget::NavigatorWidget(QWidget* parent)
+NavigatorWidget::NavigatorWidget(const QList<Indicator>& indicators, QWidget* parent)
     : QWidget(parent)
     , m_tree(new QTreeWidget(this))
 {
-    buildTree();
+    buildTree(indicators);
 
     auto* tabs = new QTabBar(this);
     tabs->setShape(QTabBar::RoundedSouth);
@@ -64,7 +64,7 @@ NavigatorWidget::NavigatorWidget(QWidget* parent)
     connect(m_tree, &QTreeWidget::itemDoubleClicked, this, &NavigatorWidget::activate);
 }
 
-void NavigatorWidget::buildTree()
+void NavigatorWidget::buildTree(const QList<Indicator>& indicators)
 {
     m_tree->setObjectName("navigatorTree"_L1);
     m_tree->setAccessibleName(tr("Navigator"));
@@ -75,14 +75,13 @@ void NavigatorWidget::buildTree()
     auto* root = new QTreeWidgetItem(m_tree, {tr("Tavoran Terminal")});
     root->setIcon(0, appIcon());
     m_accounts = addEntry(root, tr("Accounts"));
-    QTreeWidgetItem* indicators = addEntry(root, tr("Indicators"));
-    addEntry(indicators, tr("Moving Average"), indicatorPrefix + "sma"_L1);
-    addEntry(indicators, tr("Exponential MA"), indicatorPrefix + "ema"_L1);
-    addEntry(indicators, tr("Relative Strength Index"), indicatorPrefix + "rsi"_L1);
+    QTreeWidgetItem* indicatorFolder = addEntry(root, tr("Indicators"));
+    for (const Indicator& indicator : indicators)
+        addEntry(indicatorFolder, indicator.name, indicatorPrefix + indicator.key);
     m_experts = addEntry(root, tr("Expert Advisors"));
     setExperts({});
 
-    for (QTreeWidgetItem* item : {root, m_accounts, indicators, m_experts})
+    for (QTreeWidgetItem* item : {root, m_accounts, indicatorFolder, m_experts})
         item->setExpanded(true);
     drawIcons();
 }

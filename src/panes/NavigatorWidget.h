@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QList>
 #include <QString>
 #include <QStringList>
 #include <QWidget>
@@ -8,14 +9,20 @@ class QJsonArray;
 class QTreeWidget;
 class QTreeWidgetItem;
 
-/// The docked tree of accounts, built-in indicators and installed scripts. A double-click says what the
+/// The docked tree of accounts, indicators and installed scripts. A double-click says what the
 /// user wants; someone else does it.
 class NavigatorWidget final : public QWidget {
     Q_OBJECT
     Q_DISABLE_COPY_MOVE(NavigatorWidget)
 
 public:
-    explicit NavigatorWidget(QWidget* parent = nullptr);
+    /// An indicator as the tree shows it.
+    struct Indicator {
+        QString key; ///< for indicatorActivated()
+        QString name;
+    };
+
+    explicit NavigatorWidget(const QList<Indicator>& indicators, QWidget* parent = nullptr);
     ~NavigatorWidget() override = default;
 
 public Q_SLOTS:
@@ -28,8 +35,7 @@ public Q_SLOTS:
 
 Q_SIGNALS:
     void accountActivated(const QString& accountId);
-    /// "sma", "ema" or "rsi".
-    void indicatorActivated(const QString& kind);
+    void indicatorActivated(const QString& key);
     /// The script's full path.
     void expertActivated(const QString& path);
 
@@ -37,7 +43,7 @@ protected:
     void changeEvent(QEvent* event) override;
 
 private:
-    void buildTree();
+    void buildTree(const QList<Indicator>& indicators);
     void activate(const QTreeWidgetItem* item);
     void drawIcons();
 

@@ -7,6 +7,7 @@
 #include <QPainter>
 #include <QSize>
 
+#include <functional>
 #include <vector>
 
 /// What the tests of single layers share: frames made by hand, of a widget of 400 by 300 pixels, and what a
@@ -41,7 +42,7 @@ inline double priceAtRow(int y)
 }
 
 /// What a layer paints on a ground of one colour.
-inline QImage paint(void (*layer)(QPainter&, const ChartFrame&), const ChartFrame& frame,
+inline QImage paint(const std::function<void(QPainter&, const ChartFrame&)>& layer, const ChartFrame& frame,
     const QColor& ground = QColor(Qt::black))
 {
     QImage image(frame.view.size(), QImage::Format_RGB32);

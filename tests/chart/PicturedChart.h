@@ -29,9 +29,9 @@ public:
         m_chart.setCandles(fixtures::wave(count));
         m_chart.setSymbolInfo(u"EURUSD"_s, u"M15"_s, u"Euro vs US Dollar"_s);
         m_chart.setChartShift(true);
-        m_chart.setMovingAverages({{AverageKind::Simple, 5, QColor(0xff, 0xd5, 0x4f)},
-            {AverageKind::Exponential, 12, QColor(0x4f, 0xc3, 0xf7)}});
-        m_chart.setRsi(true, 14);
+        m_chart.setMovingAverages({{IndicatorKind::Sma, 5, QColor(0xff, 0xd5, 0x4f)},
+            {IndicatorKind::Ema, 12, QColor(0x4f, 0xc3, 0xf7)}});
+        m_chart.setPane(IndicatorKind::Rsi, true, 14);
         if (count > 0)
             m_chart.onTick(1.1012, 1.1033, m_chart.candles().back().time);
         m_chart.setTradeLevels({{u"7"_s, u"ENTRY"_s, 1.0975, u"buy 0.10 #7"_s, QColor(0x3b, 0xa7, 0xff),

@@ -1,4 +1,5 @@
 #include "app/ui/Theme.h"
+#include "chart/data/IndicatorTable.h"
 #include "mainwindow/ActionIcons.h"
 #include "mainwindow/Pictograms.h"
 #include "support/TestMain.h"
@@ -13,11 +14,28 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr int pictogramCount = static_cast<int>(Pictogram::Count);
+/// Every drawing there is: those of commands, and those in the table of indicators.
+const QList<QLatin1StringView>& drawings()
+{
+    static const QList<QLatin1StringView> all = [] {
+        QList<QLatin1StringView> found;
+        for (int i = 0; i < static_cast<int>(Pictogram::Count); ++i)
+            found.append(pictogramDrawing(static_cast<Pictogram>(i)));
+        for (const IndicatorRow& row : indicatorTable())
+            found.append(row.icon);
+        return found;
+    }();
+    return all;
+}
+
+int indexOf(Pictogram pictogram)
+{
+    return static_cast<int>(pictogram);
+}
 
 QImage picture(int index, int side = 16, double ratio = 1.0, QIcon::Mode mode = QIcon::Normal)
 {
-    QImage image = actionIcon(static_cast<Pictogram>(index)).pixmap(QSize(side, side), ratio, mode).toImage();
+    QImage image = actionIcon(drawings().at(index)).pixmap(QSize(side, side), ratio, mode).toImage();
     image.setDevicePixelRatio(1.0);
     return image.convertToFormat(QImage::Format_ARGB32_Premultiplied);
 }
@@ -72,10 +90,10 @@ private Q_SLOTS:
 void tst_ActionIcons::everyDrawingCanBeRead()
 {
     QImage image(16, 16, QImage::Format_ARGB32_Premultiplied);
-    for (int i = 0; i < pictogramCount; ++i) {
+    for (int i = 0; i < std::ssize(drawings()); ++i) {
         image.fill(Qt::transparent);
         QPainter painter(&image);
-        const QLatin1StringView drawing = pictogramDrawing(static_cast<Pictogram>(i));
+        const QLatin1StringView drawing = drawings().at(i);
         QVERIFY2(!drawing.isEmpty(), QByteArray::number(i).constData());
         QVERIFY2(paintDrawing(painter, drawing), drawing.data());
     }
@@ -108,8 +126,8 @@ void tst_ActionIcons::everyIconShowsSomethingOfItsOwn()
     for (const bool dark : {false, true}) {
         useTheme(dark);
         QList<QImage> seen;
-        for (int i = 0; i < pictogramCount; ++i) {
-            QVERIFY(!actionIcon(static_cast<Pictogram>(i)).isNull());
+        for (int i = 0; i < std::ssize(drawings()); ++i) {
+            QVERIFY(!actionIcon(drawings().at(i)).isNull());
             const QImage image = picture(i);
             QCOMPARE(image.size(), QSize(16, 16));
             QVERIFY2(inkedPixels(image) >= 12, QByteArray::number(i).constData());
@@ -121,9 +139,9 @@ void tst_ActionIcons::everyIconShowsSomethingOfItsOwn()
 
 void tst_ActionIcons::iconsChangeWithTheThemeWithoutBeingMadeAnew()
 {
-    for (int i = 0; i < pictogramCount; ++i) {
+    for (int i = 0; i < std::ssize(drawings()); ++i) {
         useTheme(false);
-        const QIcon icon = actionIcon(static_cast<Pictogram>(i));
+        const QIcon icon = actionIcon(drawings().at(i));
         const QImage light = icon.pixmap(16, 16).toImage();
         useTheme(true);
         const QImage dark = icon.pixmap(16, 16).toImage();
@@ -136,8 +154,8 @@ void tst_ActionIcons::iconsChangeWithTheThemeWithoutBeingMadeAnew()
 void tst_ActionIcons::aHighRatioShowsRealDetail()
 {
     int detailedOnes = 0;
-    for (int i = 0; i < pictogramCount; ++i) {
-        const QPixmap sharp = actionIcon(static_cast<Pictogram>(i)).pixmap(QSize(16, 16), 2.0);
+    for (int i = 0; i < std::ssize(drawings()); ++i) {
+        const QPixmap sharp = actionIcon(drawings().at(i)).pixmap(QSize(16, 16), 2.0);
         QCOMPARE(sharp.size(), QSize(32, 32));
         QCOMPARE(sharp.devicePixelRatio(), 2.0);
         const QImage detailed = picture(i, 16, 2.0);
@@ -152,13 +170,13 @@ void tst_ActionIcons::aHighRatioShowsRealDetail()
                 detailed != enlarged.convertToFormat(detailed.format()), QByteArray::number(i).constData());
         }
     }
-    QVERIFY(detailedOnes > pictogramCount / 2);
+    QVERIFY(detailedOnes > drawings().size() / 2);
 }
 
 void tst_ActionIcons::straightLinesAreCrispAtBothRatios()
 {
     for (const int side : {16, 32}) {
-        const QImage image = picture(static_cast<int>(Pictogram::VerticalLine), side);
+        const QImage image = picture(indexOf(Pictogram::VerticalLine), side);
         const int row = side / 8;
         QList<int> alphas;
         for (int x = 0; x < side; ++x) {
@@ -192,8 +210,8 @@ void tst_ActionIcons::everyUprightAndLevelLineCoversWholePixels()
         return true;
     };
     int lines = 0;
-    for (int i = 0; i < pictogramCount; ++i) {
-        const QString drawing = pictogramDrawing(static_cast<Pictogram>(i));
+    for (int i = 0; i < std::ssize(drawings()); ++i) {
+        const QString drawing = drawings().at(i);
         QChar shape;
         QList<double> numbers;
         const QStringList words = drawing.split(u' ');
@@ -212,12 +230,12 @@ void tst_ActionIcons::everyUprightAndLevelLineCoversWholePixels()
             numbers.clear();
         }
     }
-    QVERIFY(lines > 2 * pictogramCount);
+    QVERIFY(lines > 2 * drawings().size());
 }
 
 void tst_ActionIcons::disabledIconsAreFainter()
 {
-    for (int i = 0; i < pictogramCount; ++i) {
+    for (int i = 0; i < std::ssize(drawings()); ++i) {
         const QImage normal = picture(i);
         const QImage disabled = picture(i, 16, 1.0, QIcon::Disabled);
         for (int y = 0; y < normal.height(); ++y) {
@@ -240,7 +258,7 @@ void tst_ActionIcons::anOddRectangleGetsASquarePictureInItsMiddle()
     }
     QCOMPARE(inkedPixels(wide.copy(0, 0, 16, 16)), 0);
     QCOMPARE(inkedPixels(wide.copy(32, 0, 16, 16)), 0);
-    QCOMPARE(wide.copy(16, 0, 16, 16), picture(static_cast<int>(Pictogram::About)));
+    QCOMPARE(wide.copy(16, 0, 16, 16), picture(indexOf(Pictogram::About)));
     QVERIFY(picture(0, 1).size() == QSize(1, 1)); // any size is survived
 }
 
@@ -250,14 +268,14 @@ void tst_ActionIcons::contactSheet()
     const QString file = qEnvironmentVariable("ICON_SHEET", QDir::tempPath() + u"/icons.png"_s);
     constexpr int cell = 72;
     constexpr int columns = 16;
-    constexpr int rows = (pictogramCount + columns - 1) / columns;
+    const int rows = (static_cast<int>(drawings().size()) + columns - 1) / columns;
     QImage sheet(columns * cell, 2 * rows * cell, QImage::Format_RGB32);
     QPainter painter(&sheet);
     for (const bool dark : {false, true}) {
         useTheme(dark);
         painter.fillRect(0, dark ? rows * cell : 0, sheet.width(), rows * cell,
             QApplication::palette().color(QPalette::Window));
-        for (int i = 0; i < pictogramCount; ++i) {
+        for (int i = 0; i < std::ssize(drawings()); ++i) {
             const QPoint at((i % columns) * cell, (i / columns + (dark ? rows : 0)) * cell);
             painter.drawImage(at + QPoint(4, 20), picture(i));
             painter.drawImage(at + QPoint(24, 12), picture(i, 16, 2.0));

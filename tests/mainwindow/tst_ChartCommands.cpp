@@ -1,5 +1,6 @@
 #include "CommandDriver.h"
 #include "app/ui/Theme.h"
+#include "chart/data/IndicatorTable.h"
 #include "chart/window/ChartWidget.h"
 #include "chart/window/ChartWindow.h"
 #include "mainwindow/ChartCommands.h"
@@ -22,6 +23,8 @@ QStringList checkedTexts(const QList<QAction*>& actions)
     }
     return texts;
 }
+
+constexpr qint64 minuteMs = 60'000;
 
 /// Everything that the check marks tell of the active chart.
 QStringList marks(const TerminalActions& a)
@@ -50,6 +53,7 @@ private Q_SLOTS:
     void averagesAskForTheirPeriod();
     void aCancelledPeriodAddsNothing();
     void theNavigatorAddsIndicators();
+    void everyIndicatorOfTheTableIsOfferedShownAndSaved();
     void theNavigatorSaysThatAChartIsNeeded();
     void refreshReadsTheHistoryAgain();
     void dataWindowAndPropertiesOpenByKeyAndMenu();
@@ -243,8 +247,8 @@ void tst_ChartCommands::averagesAskForTheirPeriod()
     const CommandDriver d;
     ChartWindow* chart = d.openChart(u"EURUSD"_s);
     int known = 0;
-    for (const auto& [entry, kind] : {std::pair(u"Moving Average (SMA)"_s, AverageKind::Simple),
-             std::pair(u"Moving Average (EMA)"_s, AverageKind::Exponential)}) {
+    for (const auto& [entry, kind] : {std::pair(u"Moving Average (SMA)"_s, IndicatorKind::Sma),
+             std::pair(u"Moving Average (EMA)"_s, IndicatorKind::Ema)}) {
         d.choose({u"&Insert"_s, u"Indicators"_s, entry});
         QDialog* dialog = nullptr;
         QTRY_VERIFY((dialog = chart->findChild<QDialog*>()));
@@ -258,18 +262,18 @@ void tst_ChartCommands::averagesAskForTheirPeriod()
         QTRY_VERIFY(!chart->findChild<QDialog*>());
         ++known;
     }
-    QVERIFY(!chart->chart().rsiEnabled());
+    QVERIFY(!chart->chart().pane(IndicatorKind::Rsi).shown);
     d.choose({u"&Insert"_s, u"Indicators"_s, u"Relative Strength Index"_s});
-    QVERIFY(chart->chart().rsiEnabled());
+    QVERIFY(chart->chart().pane(IndicatorKind::Rsi).shown);
     d.choose({u"&Insert"_s, u"Indicators"_s, u"Relative Strength Index"_s});
-    QVERIFY(chart->chart().rsiEnabled()); // adds, and never takes away
+    QVERIFY(chart->chart().pane(IndicatorKind::Rsi).shown); // adds, and never takes away
 }
 
 void tst_ChartCommands::aCancelledPeriodAddsNothing()
 {
     const CommandDriver d;
     ChartWindow* chart = d.openChart(u"EURUSD"_s);
-    d.actions().addSimpleAverage->trigger();
+    d.actions().indicators.first()->trigger();
     QDialog* dialog = nullptr;
     QTRY_VERIFY((dialog = chart->findChild<QDialog*>()));
     QTest::keyClick(dialog, Qt::Key_Escape);
@@ -290,13 +294,55 @@ void tst_ChartCommands::theNavigatorAddsIndicators()
         QTest::mouseDClick(tree.viewport(), Qt::LeftButton, {}, spot);
     };
     doubleClick(u"Relative Strength Index"_s);
-    QVERIFY(chart->chart().rsiEnabled());
+    QVERIFY(chart->chart().pane(IndicatorKind::Rsi).shown);
     doubleClick(u"Exponential MA"_s);
     QDialog* dialog = nullptr;
     QTRY_VERIFY((dialog = chart->findChild<QDialog*>()));
     QTest::keyClick(dialog, Qt::Key_Return);
     QTRY_COMPARE(chart->chart().movingAverages().size(), 1);
-    QCOMPARE(chart->chart().movingAverages().constFirst().kind, AverageKind::Exponential);
+    QCOMPARE(chart->chart().movingAverages().constFirst().kind, IndicatorKind::Ema);
+}
+
+void tst_ChartCommands::everyIndicatorOfTheTableIsOfferedShownAndSaved()
+{
+    const CommandDriver d;
+    ChartWindow* chart = d.openChart(u"EURUSD"_s);
+    QTRY_VERIFY(d.f.journalCount(u"Chart: EURUSD,M15: 0 candles loaded"_s) > 0);
+    std::vector<Candle> candles;
+    for (int i = 0; i < 100; ++i)
+        candles.push_back({i * minuteMs, 1.1, 1.3, 1.0, i % 3 == 0 ? 1.1 : 1.2, 1});
+    chart->chart().setCandles(candles);
+    chart->setOneClickTrading(false);
+    const QTreeWidgetItem* folder = d.f.list("navigatorTree").topLevelItem(0)->child(1);
+    int known = 0;
+    for (const IndicatorRow& row : indicatorTable()) {
+        QCOMPARE(folder->child(known)->text(0), indicatorText(row.name));
+        QCOMPARE(folder->child(known++)->data(0, Qt::UserRole), QVariant(u"indicator:"_s + row.key));
+
+        const QImage before = chart->chart().grab().toImage();
+        const qsizetype averages = chart->chart().movingAverages().size();
+        d.choose({u"&Insert"_s, u"Indicators"_s, indicatorText(row.command)});
+        if (row.pane) {
+            QVERIFY(chart->chart().pane(row.kind).shown);
+            QCOMPARE(chart->chart().pane(row.kind).period, row.usualPeriod);
+        } else {
+            QDialog* dialog = nullptr;
+            QTRY_VERIFY((dialog = chart->findChild<QDialog*>()));
+            QTest::keyClick(dialog, Qt::Key_Return);
+            QTRY_COMPARE(chart->chart().movingAverages().size(), averages + 1);
+            QCOMPARE(chart->chart().movingAverages().last().kind, row.kind);
+            QCOMPARE(chart->chart().movingAverages().last().period, row.usualPeriod);
+            QTRY_VERIFY(!chart->findChild<QDialog*>());
+        }
+        QVERIFY2(chart->chart().grab().toImage() != before, row.key.data());
+    }
+    QCOMPARE(folder->childCount(), known);
+
+    ChartWindow* other = d.openChart(u"GBPUSD"_s);
+    QVERIFY(other && other != chart);
+    other->restoreState(chart->saveState());
+    QCOMPARE(other->chart().movingAverages(), chart->chart().movingAverages());
+    QCOMPARE(other->chart().panes(), chart->chart().panes());
 }
 
 void tst_ChartCommands::theNavigatorSaysThatAChartIsNeeded()
@@ -307,7 +353,7 @@ void tst_ChartCommands::theNavigatorSaysThatAChartIsNeeded()
     const ChartWindow* chart = d.openChart(u"EURUSD"_s);
     d.f.window->findChild<ChartCommands*>()->addIndicator(u"no such thing"_s);
     QVERIFY(!chart->findChild<QDialog*>());
-    QVERIFY(!chart->chart().rsiEnabled());
+    QVERIFY(!chart->chart().pane(IndicatorKind::Rsi).shown);
 }
 
 void tst_ChartCommands::refreshReadsTheHistoryAgain()

@@ -421,9 +421,9 @@ void tst_MainWindowCharts::everythingOfAChartComesBackAfterARestart()
     chart->setTimeframe(u"1d"_s);
     ChartWidget& canvas = chart->chart();
     QTRY_VERIFY(showsHistory(*chart));
-    canvas.setMovingAverages({{AverageKind::Exponential, 7, QColor(u"#112233"_s)},
-        {AverageKind::Simple, 400, QColor(u"#fedcba"_s)}});
-    canvas.setRsi(true, 21);
+    canvas.setMovingAverages(
+        {{IndicatorKind::Ema, 7, QColor(u"#112233"_s)}, {IndicatorKind::Sma, 400, QColor(u"#fedcba"_s)}});
+    canvas.setPane(IndicatorKind::Rsi, true, 21);
     chart->setChartType(1);
     chart->setChartShift(!canvas.chartShift());
     chart->setAutoScroll(false);
@@ -445,7 +445,7 @@ void tst_MainWindowCharts::everythingOfAChartComesBackAfterARestart()
     QCOMPARE(chart->saveState(), before);
     QCOMPARE(chart->chart().colors(), colors);
     QCOMPARE(chart->chart().movingAverages().size(), 2);
-    QCOMPARE(chart->chart().rsiPeriod(), 21);
+    QCOMPARE(chart->chart().pane(IndicatorKind::Rsi).period, 21);
     QVERIFY(!chart->chart().autoScroll());
 }
 

@@ -1,6 +1,7 @@
 #include "CommandDriver.h"
 
 #include "app/base/UpdateFramework.h"
+#include "chart/data/IndicatorTable.h"
 #include "chart/window/OneClickPanel.h"
 #include "mainwindow/ActionIcons.h"
 #include "orders/OrderDialog.h"
@@ -100,8 +101,10 @@ void tst_TerminalActions::menusHoldTheirEntriesInOrder_data()
             u"Restore Default Layout"_s, u"-"_s, u"Theme"_s});
     row("&View/Theme", {u"Light"_s, u"Dark"_s});
     row("&Insert", {u"Indicators"_s, u"Objects"_s});
-    row("&Insert/Indicators",
-        {u"Moving Average (SMA)"_s, u"Moving Average (EMA)"_s, u"Relative Strength Index"_s});
+    QStringList indicators;
+    for (const IndicatorRow& indicator : indicatorTable())
+        indicators.append(indicatorText(indicator.command));
+    row("&Insert/Indicators", indicators);
     row("&Insert/Objects",
         {u"Horizontal Line"_s, u"Vertical Line"_s, u"Trend Line"_s, u"Rectangle"_s,
             u"Fibonacci Retracement"_s});
@@ -261,9 +264,10 @@ void tst_TerminalActions::whatNeedsAChartWaitsForOne()
 {
     const CommandDriver d;
     TerminalActions& a = d.actions();
-    QList<QAction*> needChart{a.addSimpleAverage, a.addExponentialAverage, a.addStrengthIndex, a.cursor,
-        a.crosshair, a.candlesticks, a.bars, a.line, a.autoScroll, a.chartShift, a.zoomIn, a.zoomOut,
-        a.refresh, a.dataWindow, a.properties, a.specification, a.tile, a.cascade, a.closeChart};
+    QList<QAction*> needChart{a.cursor, a.crosshair, a.candlesticks, a.bars, a.line, a.autoScroll,
+        a.chartShift, a.zoomIn, a.zoomOut, a.refresh, a.dataWindow, a.properties, a.specification, a.tile,
+        a.cascade, a.closeChart};
+    needChart.append(a.indicators);
     needChart.append(a.drawingTools());
     needChart.append(a.timeframes->actions());
     const auto state = [&needChart] {
@@ -409,7 +413,7 @@ void tst_TerminalActions::zoomKeysDoNotStealTypingFromAnyField()
 
     // The dialog that asks for a period.
     d.activate();
-    d.actions().addSimpleAverage->trigger();
+    d.actions().indicators.first()->trigger();
     QDialog* period = nullptr;
     QTRY_VERIFY((period = chart->findChild<QDialog*>()));
     type(period->findChild<QSpinBox*>());

@@ -12,7 +12,8 @@ using fixtures::parseArray;
 namespace {
 
 struct Navigator {
-    NavigatorWidget widget;
+    NavigatorWidget widget{{{u"sma"_s, u"Moving Average"_s}, {u"ema"_s, u"Exponential MA"_s},
+        {u"rsi"_s, u"Relative Strength Index"_s}}};
     QTreeWidget* tree = widget.findChild<QTreeWidget*>();
 
     Navigator()

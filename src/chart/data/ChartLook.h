@@ -3,6 +3,7 @@
 #include "app/base/PriceRule.h"
 #include "chart/data/ChartColors.h"
 #include "chart/data/ChartType.h"
+#include "chart/data/IndicatorPane.h"
 #include "chart/data/MovingAverageSpec.h"
 
 #include <QList>
@@ -19,7 +20,7 @@ struct ChartLook {
     ChartType type = ChartType::Candles;
     QList<MovingAverageSpec> averages;
     int legendIndent = 0; ///< columns at the left of the averages' names that something covers
-    int rsiPeriod = 14;
+    QList<IndicatorPane> panes = hiddenPanes(); ///< the first that is shown is the lowest
 };
 
 /// The wanted colours without transparency; one that is none keeps the current one.

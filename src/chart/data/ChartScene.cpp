@@ -56,9 +56,9 @@ void ChartScene::setState(const ViewState& state)
     m_viewStale = true;
 }
 
-void ChartScene::setRsiPane(bool on)
+void ChartScene::setPanes(int count)
 {
-    m_rsiPane = on;
+    m_panes = count;
     m_viewStale = true;
 }
 
@@ -116,7 +116,7 @@ const ChartView& ChartScene::view(const QSize& size) const
 {
     if (!m_viewStale && m_view.size() == size)
         return m_view;
-    const ChartView bars(size, m_state, m_series.count(), m_rsiPane);
+    const ChartView bars(size, m_state, m_series.count(), m_panes);
     const std::span<const Candle> visible = barsOf(m_series.candles(), bars.visible());
     const double followBid = m_state.autoScroll ? m_bid : 0.0;
     m_view = bars.withPrices(paddedPriceRange(visible, followBid, m_ask));

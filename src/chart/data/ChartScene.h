@@ -34,8 +34,8 @@ public:
     /// See CandleSeries::setTimeframeMs(). Tells whether it has changed.
     bool setTimeframeMs(qint64 ms);
     void setState(const ViewState& state);
-    /// Reserves the lower pane or gives it back.
-    void setRsiPane(bool on);
+    /// Reserves room for as many panes below the prices.
+    void setPanes(int count);
 
     [[nodiscard]] const CandleSeries& series() const { return m_series; }
     /// Counts changes other than ticks into the newest bar.
@@ -43,7 +43,6 @@ public:
     [[nodiscard]] double bid() const { return m_bid; } ///< 0 where there is none
     [[nodiscard]] double ask() const { return m_ask; } ///< 0 where there is none
     [[nodiscard]] const ViewState& state() const { return m_state; }
-    [[nodiscard]] bool hasRsiPane() const { return m_rsiPane; }
 
     /// The state that shows the newest bar and follows it.
     [[nodiscard]] ViewState atEnd() const;
@@ -67,7 +66,7 @@ private:
     CandleSeries m_series;
     quint64 m_seriesRevision = 0;
     ViewState m_state;
-    bool m_rsiPane = false;
+    int m_panes = 0;
     double m_bid = 0.0;
     double m_ask = 0.0;
 

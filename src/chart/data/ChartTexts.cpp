@@ -3,7 +3,6 @@
 #include "app/base/NumberFormat.h"
 #include "app/base/ServerText.h"
 #include "app/base/UtcTime.h"
-#include "chart/data/MovingAverageSpec.h"
 #include "chart/series/Timeframe.h"
 
 #include <QCoreApplication>
@@ -63,10 +62,4 @@ QString hoverText(const Candle& bar, int digits)
     return Texts::tr("O: %1  H: %2  L: %3  C: %4  V: %5")
         .arg(formatPrice(bar.open, digits), formatPrice(bar.high, digits), formatPrice(bar.low, digits),
             formatPrice(bar.close, digits), QString::number(bar.volume));
-}
-
-QString averageText(const MovingAverageSpec& average)
-{
-    const QString kind = average.kind == AverageKind::Exponential ? u"EMA"_s : u"SMA"_s;
-    return Texts::tr("%1(%2)", "moving average: kind and period").arg(kind, QString::number(average.period));
 }

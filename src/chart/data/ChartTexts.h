@@ -4,8 +4,6 @@
 
 #include <QString>
 
-struct MovingAverageSpec;
-
 /// A bar's time in UTC. Bars below a day: "HH:mm", with date "dd MMM HH:mm"; longer bars: "dd MMM yyyy"
 /// always. Month names are English. Empty for times that no calendar holds.
 [[nodiscard]] QString barTimeText(qint64 timeMs, qint64 timeframeMs, bool withDate);
@@ -19,6 +17,3 @@ struct MovingAverageSpec;
 
 /// Prices and volume of the bar under the pointer, as sent to the status bar.
 [[nodiscard]] QString hoverText(const Candle& bar, int digits);
-
-/// An average in the legend of a chart, such as "EMA(21)".
-[[nodiscard]] QString averageText(const MovingAverageSpec& average);

@@ -6,8 +6,8 @@
 
 namespace {
 
-constexpr int rsiMinHeight = 60;
-constexpr int rsiMaxHeight = 130;
+constexpr int paneMinHeight = 60;
+constexpr int paneMaxHeight = 130;
 constexpr int minShift = 24;
 constexpr double shiftShare = 0.16;
 constexpr double marginShare = 0.06;
@@ -69,8 +69,9 @@ PriceRange paddedPriceRange(std::span<const Candle> bars, double followBid, doub
     return range;
 }
 
-ChartView::ChartView(QSize size, const ViewState& state, qsizetype count, bool rsi)
+ChartView::ChartView(QSize size, const ViewState& state, qsizetype count, int panes)
     : m_size(size.expandedTo(QSize(0, 0)))
+    , m_panes(std::max(panes, 0))
     , m_barWidth(std::clamp(
           finiteOr(state.barWidth, ViewState().barWidth), ViewState::minBarWidth, ViewState::maxBarWidth))
     , m_rightBarIndex(std::clamp(finiteOr(state.rightBarIndex, 0.0), -farIndex, farIndex))
@@ -78,10 +79,10 @@ ChartView::ChartView(QSize size, const ViewState& state, qsizetype count, bool r
 {
     const int width = std::max(m_size.width() - priceAxisWidth, minPlotSide);
     int height = m_size.height() - timeAxisHeight;
-    if (rsi) {
-        const int rsiHeight = std::clamp(m_size.height() / 5, rsiMinHeight, rsiMaxHeight);
-        m_rsi = QRect(0, height - rsiHeight, width, rsiHeight);
-        height -= rsiHeight + 1;
+    if (m_panes > 0) {
+        const int paneHeight = std::clamp(m_size.height() / 5, paneMinHeight, paneMaxHeight);
+        m_lowestPane = QRect(0, height - paneHeight, width, paneHeight);
+        height -= m_panes * (paneHeight + 1);
     }
     m_plot = QRect(0, 0, width, std::max(height, minPlotSide));
     if (state.chartShift)
@@ -95,6 +96,13 @@ ChartView ChartView::withPrices(const PriceRange& prices) const
     ChartView view = *this;
     view.m_prices = prices;
     return view;
+}
+
+QRect ChartView::pane(int number) const
+{
+    if (number < 0 || number >= m_panes)
+        return {};
+    return m_lowestPane.translated(0, -number * (m_lowestPane.height() + 1));
 }
 
 QRect ChartView::scrollToEndButton() const

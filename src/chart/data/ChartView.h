@@ -42,21 +42,22 @@ public:
     static constexpr int minPlotSide = 10;
 
     ChartView()
-        : ChartView(QSize(), ViewState(), 0, false)
+        : ChartView(QSize(), ViewState(), 0, 0)
     {
     }
-    /// `size` of the widget in pixels; `count` bars in the series; `rsi` reserves the lower pane.
-    ChartView(QSize size, const ViewState& state, qsizetype count, bool rsi);
+    /// `size` of the widget in pixels; `count` bars in the series; `panes` lie below the plot.
+    ChartView(QSize size, const ViewState& state, qsizetype count, int panes);
 
     /// The same view with another vertical scale.
     [[nodiscard]] ChartView withPrices(const PriceRange& prices) const;
 
     [[nodiscard]] QSize size() const { return m_size; }
     [[nodiscard]] const QRect& plot() const { return m_plot; }
-    /// The lower pane; empty when it is off.
-    [[nodiscard]] const QRect& rsi() const { return m_rsi; }
-    /// The pixel row that the time axis lies under: the last of the plot, or of the lower pane when it is on.
-    [[nodiscard]] int timeAxisEdge() const { return (m_rsi.isEmpty() ? m_plot : m_rsi).bottom(); }
+    [[nodiscard]] int panes() const { return m_panes; }
+    /// A pane by its number, 0 the lowest; empty where there is none.
+    [[nodiscard]] QRect pane(int number) const;
+    /// The pixel row that the time axis lies under: the last of the plot, or of the lowest pane.
+    [[nodiscard]] int timeAxisEdge() const { return m_panes > 0 ? m_lowestPane.bottom() : m_plot.bottom(); }
     [[nodiscard]] QRect scrollToEndButton() const;
     /// Empty pixels kept right of the anchor bar.
     [[nodiscard]] int shift() const { return m_shift; }
@@ -83,7 +84,8 @@ public:
 private:
     QSize m_size;
     QRect m_plot;
-    QRect m_rsi;
+    int m_panes;
+    QRect m_lowestPane;
     int m_shift = 0;
     double m_barWidth;
     double m_rightBarIndex;

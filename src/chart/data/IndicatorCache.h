@@ -1,11 +1,11 @@
 #pragma once
 
+#include "chart/data/IndicatorPane.h"
 #include "chart/data/Indicators.h"
 
 #include <QList>
 
 #include <list>
-#include <optional>
 
 /// The indicator values of one growing series. Settled bars are computed once; the newest bar, which ticks
 /// change, is computed anew from what was carried up to it. The values equal a computation of the whole
@@ -16,8 +16,8 @@ public:
 
     /// Values of averages that stay are kept. Averages that differ in colour only share their values.
     void setAverages(const QList<MovingAverageSpec>& averages);
-    /// Nothing turns it off.
-    void setStrength(std::optional<qint32> period);
+    /// Only the panes on show are computed.
+    void setPanes(const QList<IndicatorPane>& panes);
     /// Call after bars other than the newest have changed.
     void forgetBars();
 
@@ -27,8 +27,9 @@ public:
 
     /// One for each average, in their order: a value a bar, NaN where there is none; empty when no bar has
     /// one.
-    [[nodiscard]] std::span<const Values> averages() const { return m_averages; }
-    [[nodiscard]] Values strength() const { return m_strength; }
+    [[nodiscard]] std::span<const Values> averages() const { return m_averages.values; }
+    /// The same for each pane on show.
+    [[nodiscard]] std::span<const Values> panes() const { return m_panes.values; }
 
     /// How many values were computed so far; what the cost depends on.
     [[nodiscard]] quint64 computed() const { return m_computed; }
@@ -41,20 +42,21 @@ private:
         }
 
         indicators::Recipe recipe;
-        indicators::Progress settled; ///< without the newest bar
+        IndicatorProgress settled; ///< without the newest bar
         std::vector<double> values;
     };
+    /// What was asked for together, in its order.
+    struct Group {
+        std::vector<indicators::Recipe> wanted;
+        std::vector<const Line*> lines;
+        std::vector<Values> values;
+    };
 
-    [[nodiscard]] std::list<Line>::iterator lineFor(const indicators::Recipe& recipe);
     void rebuild();
     void update(Line& line, std::span<const Candle> candles);
 
-    std::vector<indicators::Recipe> m_wanted; ///< of the averages, in their order
-    std::optional<indicators::Recipe> m_wantedStrength;
     std::list<Line> m_lines; ///< one for each different recipe
-    std::vector<const Line*> m_averageLines;
-    const Line* m_strengthLine = nullptr;
-    std::vector<Values> m_averages;
-    Values m_strength;
+    Group m_averages;
+    Group m_panes;
     quint64 m_computed = 0;
 };

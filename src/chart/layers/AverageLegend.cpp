@@ -1,4 +1,4 @@
-#include "chart/data/ChartTexts.h"
+#include "chart/data/IndicatorTable.h"
 #include "chart/layers/ChartFrame.h"
 #include "chart/layers/Layers.h"
 
@@ -10,7 +10,7 @@ void layers::paintAverageLegend(QPainter& painter, const ChartFrame& frame)
     for (const MovingAverageSpec& average : frame.averages) {
         if (baseline.x() > plot.right())
             return;
-        const QString text = averageText(average);
+        const QString text = indicatorLabel(average.kind, average.period);
         frame.texts->drawAt(painter, baseline, text, average.color);
         baseline.rx() += frame.texts->advance(text) + gap;
     }

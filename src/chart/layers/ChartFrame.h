@@ -30,7 +30,7 @@ struct ChartFrame : ChartLook {
     qint64 timeframeMs = 0;
 
     std::span<const std::span<const double>> averageValues; ///< see IndicatorCache::averages()
-    std::span<const double> rsiValues;                      ///< see IndicatorCache::strength()
+    std::span<const std::span<const double>> paneValues;    ///< see IndicatorCache::panes()
 
     std::span<const Drawing> drawings; ///< later ones on top
     double bid = 0.0;                  ///< 0 means none

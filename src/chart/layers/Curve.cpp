@@ -102,8 +102,7 @@ void curve::slope(
 }
 
 void curve::join(QPainter& painter, const ChartView& view, std::span<const double> values,
-    const BarRange& bars, int (*row)(const ChartView&, double), const QRect& within, const QRegion& exposed,
-    const QColor& color)
+    const BarRange& bars, const Row& row, const QRect& within, const QRegion& exposed, const QColor& color)
 {
     const qsizetype last = std::min(bars.last, static_cast<qsizetype>(values.size()) - 1);
     Runs line(painter, within, color);
@@ -112,7 +111,7 @@ void curve::join(QPainter& painter, const ChartView& view, std::span<const doubl
     for (qsizetype i = bars.first; i <= last; ++i) {
         const double value = values[static_cast<std::size_t>(i)];
         const bool present = !std::isnan(value);
-        const QPoint to = present ? QPoint(view.barPixel(i), row(view, value)) : QPoint();
+        const QPoint to = present ? QPoint(view.barPixel(i), row(value)) : QPoint();
         if (joined && present) {
             // One pixel more on each side, since a part may end between two pixels of the screen.
             const QPoint top(from.x() - 1, std::min(from.y(), to.y()) - 1);

@@ -2,6 +2,7 @@
 
 #include <QColor>
 
+#include <functional>
 #include <span>
 
 class ChartView;
@@ -19,9 +20,12 @@ namespace curve {
 /// painted.
 void slope(QPainter& painter, const QPoint& from, const QPoint& to, const QRect& within, const QColor& color);
 
-/// Joins the values of neighbouring `bars`; a bar whose value is no number breaks the line. `row` is where
-/// a value lies; no values at all are as many gaps. What lies outside `exposed` may be left out.
+/// Where a value lies, as a row of pixels.
+using Row = std::function<int(double)>;
+
+/// Joins the values of neighbouring `bars`; a bar whose value is no number breaks the line. No values at all
+/// are as many gaps. What lies outside `exposed` may be left out.
 void join(QPainter& painter, const ChartView& view, std::span<const double> values, const BarRange& bars,
-    int (*row)(const ChartView&, double), const QRect& within, const QRegion& exposed, const QColor& color);
+    const Row& row, const QRect& within, const QRegion& exposed, const QColor& color);
 
 } // namespace curve

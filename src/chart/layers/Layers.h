@@ -21,7 +21,7 @@ void paintAverageLegend(QPainter& painter, const ChartFrame& frame);
 void paintTradeLevels(QPainter& painter, const ChartFrame& frame);
 void paintQuotes(QPainter& painter, const ChartFrame& frame);
 void paintCrosshair(QPainter& painter, const ChartFrame& frame);
-void paintRsiPane(QPainter& painter, const ChartFrame& frame);
+void paintIndicatorPanes(QPainter& painter, const ChartFrame& frame);
 void paintRuler(QPainter& painter, const ChartFrame& frame);
 void paintDrawingPreview(QPainter& painter, const ChartFrame& frame);
 void paintScrollButton(QPainter& painter, const ChartFrame& frame);

@@ -7,10 +7,10 @@
 void layers::paintMovingAverages(QPainter& painter, const ChartFrame& frame)
 {
     const ChartView& view = frame.view;
+    const auto row = [&view](double price) { return view.pricePixel(price); };
     BarRange bars = frame.bars;
     for (std::size_t i = 0; i < frame.averageValues.size(); ++i) {
         const QColor& color = frame.averages.at(static_cast<qsizetype>(i)).color;
-        const auto row = [](const ChartView& scale, double price) { return scale.pricePixel(price); };
         // An average may be far from the prices of the bars in view; the axes stay readable.
         curve::join(painter, view, frame.averageValues[i], bars, row, view.plot(), frame.exposed, color);
         // Where only the newest bars are painted, each average begins one bar before the one that it

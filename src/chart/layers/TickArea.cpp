@@ -38,6 +38,12 @@ QRect tickarea::volumes(const ChartView& view)
     return plot.adjusted(0, plot.height() - plot.height() / volumeShare, 0, 0);
 }
 
+QRect tickarea::pane(const ChartView& view, int number)
+{
+    // The row below belongs to the lowest value.
+    return view.pane(number).adjusted(0, 0, 0, 1);
+}
+
 std::optional<QRegion> tickarea::changed(const QuotedView& before, const QuotedView& after)
 {
     if (!(before.view == after.view))

@@ -18,8 +18,11 @@ namespace tickarea {
 [[nodiscard]] QRect barTexts(const ChartView& view);
 /// The bars of the volume histogram, which change together when its scale does.
 [[nodiscard]] QRect volumes(const ChartView& view);
+/// A pane by its number, for those whose scale follows their values.
+[[nodiscard]] QRect pane(const ChartView& view, int number);
 
-/// All of it, from one picture to the next. Nothing when the scales do not stay: everything changes.
+/// All of it but such panes, from one picture to the next. Nothing when the scales do not stay: everything
+/// changes.
 [[nodiscard]] std::optional<QRegion> changed(const QuotedView& before, const QuotedView& after);
 
 } // namespace tickarea

@@ -7,18 +7,17 @@
 #include <QPushButton>
 #include <QSpinBox>
 
-AverageDialog::AverageDialog(QWidget* parent)
+AverageDialog::AverageDialog(int usualPeriod, QWidget* parent)
     : QInputDialog(parent)
 {
     constexpr int shortest = 2;
     constexpr int longest = 400;
-    constexpr int usual = 20;
     setWindowTitle(tr("Moving Average"));
     setLabelText(tr("Period:"));
     setInputMode(IntInput);
     setIntRange(shortest, longest);
     setIntStep(1);
-    setIntValue(usual);
+    setIntValue(usualPeriod);
 
     adjustSize(); // the dialog makes its widgets only when their size is asked for
     auto* period = findChild<QSpinBox*>();

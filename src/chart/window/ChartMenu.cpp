@@ -1,5 +1,6 @@
 #include "chart/window/ChartMenu.h"
 
+#include "chart/data/IndicatorTable.h"
 #include "chart/series/Timeframe.h"
 #include "chart/window/ChartWidget.h"
 #include "chart/window/ChartWindow.h"
@@ -47,12 +48,17 @@ void ChartMenu::addTimeframes()
 void ChartMenu::addIndicators()
 {
     QMenu& menu = *addMenu(tr("Indicators"));
-    connect(menu.addAction(tr("Moving Average (SMA)...")), &QAction::triggered, this,
-        [this] { m_window.addMovingAverage(AverageKind::Simple); });
-    connect(menu.addAction(tr("Moving Average (EMA)...")), &QAction::triggered, this,
-        [this] { m_window.addMovingAverage(AverageKind::Exponential); });
-    connect(addCheckable(menu, tr("RSI (14)"), m_window.chart().rsiEnabled()), &QAction::triggered, &m_window,
-        &ChartWindow::toggleRsi);
+    for (const IndicatorRow& row : indicatorTable()) {
+        if (row.pane) {
+            const QString text = tr("%1 (%2)", "indicator: name and period")
+                                     .arg(row.label, QString::number(row.usualPeriod));
+            connect(addCheckable(menu, text, m_window.chart().pane(row.kind).shown), &QAction::triggered,
+                this, [this, kind = row.kind](bool on) { m_window.showPane(kind, on); });
+        } else {
+            connect(menu.addAction(tr("%1...").arg(indicatorText(row.command))), &QAction::triggered, this,
+                [this, kind = row.kind] { m_window.addIndicator(kind); });
+        }
+    }
     menu.addSeparator();
     if (!m_window.chart().movingAverages().isEmpty()) {
         connect(menu.addAction(tr("Remove All Moving Averages")), &QAction::triggered, &m_window,

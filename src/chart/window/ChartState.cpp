@@ -3,6 +3,7 @@
 #include "chart/data/AveragePalette.h"
 #include "chart/data/ChartColorRoles.h"
 #include "chart/data/ColorText.h"
+#include "chart/data/IndicatorTable.h"
 #include "chart/window/ChartWidget.h"
 #include "net/records/JsonNumber.h"
 
@@ -21,18 +22,28 @@ std::optional<bool> flag(const QJsonValue& value)
 
 QJsonObject averageToJson(const MovingAverageSpec& average)
 {
-    return {{u"type"_s, average.kind == AverageKind::Exponential ? u"ema"_s : u"sma"_s},
-        {u"period"_s, average.period}, {u"color"_s, average.color.name()}};
+    return {{u"type"_s, QString(indicatorRow(average.kind).key)}, {u"period"_s, average.period},
+        {u"color"_s, average.color.name()}};
 }
 
 MovingAverageSpec averageFromJson(const QJsonObject& json)
 {
     MovingAverageSpec average;
-    if (json.value("type"_L1) == "ema"_L1)
-        average.kind = AverageKind::Exponential;
+    if (const IndicatorRow* row = findIndicator(json.value("type"_L1).toString()); row && !row->pane)
+        average.kind = row->kind;
     average.period = std::max(jsonInt(json.value("period"_L1), average.period), 1);
     average.color = readColor(json.value("color"_L1), averageColor(0));
     return average;
+}
+
+QString shownKey(const IndicatorPane& pane)
+{
+    return indicatorRow(pane.kind).key;
+}
+
+QString periodKey(const IndicatorPane& pane)
+{
+    return shownKey(pane) + "Period"_L1;
 }
 
 QList<MovingAverageSpec> averagesFromJson(const QJsonArray& array)
@@ -53,8 +64,7 @@ ChartState ChartState::of(const ChartWidget& chart)
 {
     ChartState state;
     state.averages = chart.movingAverages();
-    state.rsi = chart.rsiEnabled();
-    state.rsiPeriod = chart.rsiPeriod();
+    state.panes = chart.panes();
     state.chartType = chart.chartType();
     state.chartShift = chart.chartShift();
     state.autoScroll = chart.autoScroll();
@@ -65,7 +75,8 @@ ChartState ChartState::of(const ChartWidget& chart)
 void ChartState::applyTo(ChartWidget& chart) const
 {
     chart.setMovingAverages(averages);
-    chart.setRsi(rsi, rsiPeriod);
+    for (const IndicatorPane& pane : panes)
+        chart.setPane(pane.kind, pane.shown, pane.period);
     if (chartType)
         chart.setChartType(*chartType);
     if (chartShift)
@@ -83,8 +94,11 @@ QJsonObject ChartState::toJson() const
     QJsonArray averageList;
     for (const MovingAverageSpec& average : averages)
         averageList.append(averageToJson(average));
-    QJsonObject json{
-        {u"mas"_s, averageList}, {u"rsi"_s, rsi}, {u"rsiPeriod"_s, rsiPeriod}, {u"colors"_s, colorNames}};
+    QJsonObject json{{u"mas"_s, averageList}, {u"colors"_s, colorNames}};
+    for (const IndicatorPane& pane : panes) {
+        json.insert(shownKey(pane), pane.shown);
+        json.insert(periodKey(pane), pane.period);
+    }
     if (chartType)
         json.insert(u"chartType"_s, *chartType);
     if (chartShift)
@@ -98,8 +112,10 @@ ChartState ChartState::fromJson(const QJsonObject& json)
 {
     ChartState state;
     state.averages = averagesFromJson(json.value("mas"_L1).toArray());
-    state.rsi = jsonBool(json.value("rsi"_L1), false);
-    state.rsiPeriod = jsonInt(json.value("rsiPeriod"_L1), state.rsiPeriod);
+    for (IndicatorPane& pane : state.panes) {
+        pane.shown = jsonBool(json.value(shownKey(pane)), false);
+        pane.period = jsonInt(json.value(periodKey(pane)), pane.period);
+    }
     if (const int type = jsonInt(json.value("chartType"_L1), -1); type >= 0 && type <= 2)
         state.chartType = type;
     state.chartShift = flag(json.value("chartShift"_L1));

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "chart/data/ChartColors.h"
+#include "chart/data/IndicatorPane.h"
 #include "chart/data/MovingAverageSpec.h"
 
 #include <QJsonObject>
@@ -16,8 +17,7 @@ struct ChartState {
     static constexpr qsizetype mostAverages = 64;
 
     QList<MovingAverageSpec> averages;
-    bool rsi = false;
-    int rsiPeriod = 14;
+    QList<IndicatorPane> panes = hiddenPanes();
     std::optional<int> chartType; ///< 0 candles, 1 bars, 2 line
     std::optional<bool> chartShift;
     std::optional<bool> autoScroll;
@@ -30,8 +30,9 @@ struct ChartState {
     /// Reads what toJson() wrote. Unknown keys are passed over; a type, shift or scroll state that is
     /// missing or of a wrong type stays absent, so that applying it keeps the chart's own; a colour that
     /// is missing or does not parse is the default one. Of the averages, what is no object is left out, and
-    /// so is all beyond the first `mostAverages`; a period that is missing or no whole number is 20, one
-    /// below 1 is 1; a colour that is missing or does not parse is the first one of the palette.
+    /// so is all beyond the first `mostAverages`; a type that is missing or unknown is "sma"; a period that
+    /// is missing or no whole number is 20, one below 1 is 1; a colour that is missing or does not parse is
+    /// the first one of the palette.
     [[nodiscard]] static ChartState fromJson(const QJsonObject& json);
 
     bool operator==(const ChartState&) const = default;

@@ -18,7 +18,7 @@
 namespace {
 
 constexpr QPoint nowhere(-1, -1);
-constexpr int shortestRsiPeriod = 2;
+constexpr int shortestPanePeriod = 2;
 
 /// Tells whether that changed anything.
 template <typename Value> bool assign(Value& current, const Value& wanted)
@@ -81,9 +81,23 @@ void ChartWidget::onTick(double bid, double ask, qint64 timeMs)
     if (before && *effect != TickEffect::Appended)
         changed = tickarea::changed(*before, m_scene.quotedView(size()));
     if (changed)
-        update(*changed);
+        update(*changed + panesOfTick());
     else
         update();
+}
+
+QRegion ChartWidget::panesOfTick() const
+{
+    QRegion area;
+    int number = 0;
+    for (const IndicatorPane& pane : m_look.panes) {
+        if (!pane.shown)
+            continue;
+        if (!indicatorRow(pane.kind).pane->scale)
+            area += tickarea::pane(view(), number);
+        ++number;
+    }
+    return area;
 }
 
 void ChartWidget::setTimeframeMs(qint64 ms)
@@ -156,16 +170,27 @@ void ChartWidget::setMovingAverages(const QList<MovingAverageSpec>& averages)
     Q_EMIT settingsChanged();
 }
 
-void ChartWidget::setRsi(bool enabled, int period)
+void ChartWidget::setPane(IndicatorKind kind, bool shown, int period)
 {
-    const int usable = std::max(period, shortestRsiPeriod);
-    if (enabled == rsiEnabled() && usable == m_look.rsiPeriod)
+    QList<IndicatorPane> panes = m_look.panes;
+    for (IndicatorPane& pane : panes) {
+        if (pane.kind == kind)
+            pane = {kind, std::max(period, shortestPanePeriod), shown};
+    }
+    if (!assign(m_look.panes, panes))
         return;
-    m_look.rsiPeriod = usable;
-    m_scene.setRsiPane(enabled);
-    m_indicators.setStrength(enabled ? std::optional(usable) : std::nullopt);
+    m_scene.setPanes(static_cast<int>(
+        std::count_if(panes.cbegin(), panes.cend(), [](const IndicatorPane& pane) { return pane.shown; })));
+    m_indicators.setPanes(panes);
     update();
     Q_EMIT settingsChanged();
+}
+
+IndicatorPane ChartWidget::pane(IndicatorKind kind) const
+{
+    const auto found = std::find_if(m_look.panes.cbegin(), m_look.panes.cend(),
+        [kind](const IndicatorPane& pane) { return pane.kind == kind; });
+    return found != m_look.panes.cend() ? *found : IndicatorPane{kind, 0, false};
 }
 
 void ChartWidget::setDrawings(const QList<Drawing>& drawings)
@@ -232,7 +257,7 @@ ChartFrame ChartWidget::frame() const
     ChartFrame frame = frameOf(m_scene, size(), m_look, m_gestures);
     m_indicators.update(candles());
     frame.averageValues = m_indicators.averages();
-    frame.rsiValues = m_indicators.strength();
+    frame.paneValues = m_indicators.panes();
     frame.drawings = m_drawings.drawings();
     frame.levels = m_levels;
     frame.pointer = m_pointer;

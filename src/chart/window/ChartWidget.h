@@ -78,10 +78,12 @@ public:
     void setMovingAverages(const QList<MovingAverageSpec>& averages);
     [[nodiscard]] const QList<MovingAverageSpec>& movingAverages() const { return m_look.averages; }
 
-    /// The relative-strength pane; a period below 2 becomes 2.
-    void setRsi(bool enabled, int period);
-    [[nodiscard]] bool rsiEnabled() const { return m_scene.hasRsiPane(); }
-    [[nodiscard]] int rsiPeriod() const { return m_look.rsiPeriod; }
+    /// Shows or hides an indicator that has a pane of its own; a period below 2 becomes 2.
+    void setPane(IndicatorKind kind, bool shown, int period);
+    /// Hidden for an indicator without a pane of its own.
+    [[nodiscard]] IndicatorPane pane(IndicatorKind kind) const;
+    /// Every pane there is, shown or hidden.
+    [[nodiscard]] const QList<IndicatorPane>& panes() const { return m_look.panes; }
 
     /// The objects on the chart, later ones on top; replaces those shown. The selected object stays selected
     /// when its server id is among them. An object being placed is not touched.
@@ -143,6 +145,8 @@ protected:
     void hideEvent(QHideEvent* event) override;
 
 private:
+    /// What of the panes a tick changes besides the newest bar.
+    [[nodiscard]] QRegion panesOfTick() const;
     void replaceBars(std::vector<Candle> candles);
     void applyView(const ViewState& state);
     void movePointer(const QPoint& position);

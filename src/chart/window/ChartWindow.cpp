@@ -3,6 +3,7 @@
 #include "app/base/PriceRule.h"
 #include "app/base/ServerText.h"
 #include "chart/data/AveragePalette.h"
+#include "chart/data/IndicatorTable.h"
 #include "chart/data/TradeLevels.h"
 #include "chart/series/HistoryReply.h"
 #include "chart/series/Timeframe.h"
@@ -27,16 +28,9 @@
 #include <QVBoxLayout>
 
 #include <algorithm>
-
 #include <utility>
 
 using namespace Qt::StringLiterals;
-
-namespace {
-
-constexpr int usualRsiPeriod = 14;
-
-} // namespace
 
 ChartWindow::ChartWindow(ApiClient& api, const QString& symbol, const QString& timeframe,
     const QString& accountId, int digits, QWidget* parent)
@@ -286,9 +280,12 @@ void ChartWindow::zoomOut()
     m_chart->zoomOut();
 }
 
-void ChartWindow::addMovingAverage(AverageKind kind)
+void ChartWindow::addIndicator(IndicatorKind kind)
 {
-    auto* dialog = new AverageDialog(this);
+    const IndicatorRow& row = indicatorRow(kind);
+    if (row.pane)
+        return showPane(kind, true);
+    auto* dialog = new AverageDialog(row.usualPeriod, this);
     dialog->setAttribute(Qt::WA_DeleteOnClose);
     connect(dialog, &QInputDialog::intValueSelected, this, [this, kind](int period) {
         QList<MovingAverageSpec> averages = m_chart->movingAverages();
@@ -303,9 +300,9 @@ void ChartWindow::removeMovingAverages()
     m_chart->setMovingAverages({});
 }
 
-void ChartWindow::toggleRsi(bool on)
+void ChartWindow::showPane(IndicatorKind kind, bool on)
 {
-    m_chart->setRsi(on, usualRsiPeriod);
+    m_chart->setPane(kind, on, indicatorRow(kind).usualPeriod);
 }
 
 void ChartWindow::setTool(const QString& key)

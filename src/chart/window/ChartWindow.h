@@ -1,7 +1,7 @@
 #pragma once
 
 #include "app/base/LineKind.h"
-#include "chart/data/MovingAverageSpec.h"
+#include "chart/data/IndicatorKind.h"
 
 #include <QJsonArray>
 #include <QJsonObject>
@@ -99,11 +99,12 @@ public Q_SLOTS:
     /// Ends the attached expert, if there is one.
     void detachExpert();
 
-    /// Asks for a period and adds an average in the next colour of the palette.
-    void addMovingAverage(AverageKind kind);
+    /// An indicator over the prices asks for its period and takes the next colour of the palette; one with a
+    /// pane of its own is shown over its usual period.
+    void addIndicator(IndicatorKind kind);
     void removeMovingAverages();
-    /// The relative-strength pane over 14 bars.
-    void toggleRsi(bool on);
+    /// Shows or hides the pane of an indicator that has one, over its usual period.
+    void showPane(IndicatorKind kind, bool on);
     /// The object that the next clicks on the chart place; see ChartWidget::setTool().
     void setTool(const QString& key);
     void deleteSelectedDrawing();

@@ -33,6 +33,7 @@ private Q_SLOTS:
     void leaves_room_for_the_axes();
     void leaves_room_for_the_lower_pane_data();
     void leaves_room_for_the_lower_pane();
+    void panes_lie_one_above_the_other();
     void keeps_a_plot_at_any_size_data();
     void keeps_a_plot_at_any_size();
     void shifts_the_anchor_by_a_share_of_the_plot();
@@ -56,7 +57,7 @@ void TestChartView::leaves_room_for_the_axes()
 {
     const ChartView view(QSize(400, 300), stateAt(0), 1, false);
     QCOMPARE(view.plot(), QRect(0, 0, 332, 278));
-    QVERIFY(view.rsi().isEmpty());
+    QVERIFY(view.pane(0).isEmpty());
     QCOMPARE(view.size(), QSize(400, 300));
 }
 
@@ -76,8 +77,20 @@ void TestChartView::leaves_room_for_the_lower_pane()
     QFETCH(int, height);
     QFETCH(int, paneHeight);
     const ChartView view(QSize(500, height), stateAt(0), 1, true);
-    QCOMPARE(view.rsi(), QRect(0, height - 22 - paneHeight, 432, paneHeight));
+    QCOMPARE(view.pane(0), QRect(0, height - 22 - paneHeight, 432, paneHeight));
     QCOMPARE(view.plot(), QRect(0, 0, 432, height - 22 - paneHeight - 1));
+}
+
+void TestChartView::panes_lie_one_above_the_other()
+{
+    const ChartView view(QSize(500, 500), stateAt(0), 1, 2);
+    QCOMPARE(view.pane(0), QRect(0, 378, 432, 100));
+    QCOMPARE(view.pane(1), QRect(0, 277, 432, 100));
+    QCOMPARE(view.plot(), QRect(0, 0, 432, 276));
+    QCOMPARE(view.timeAxisEdge(), 477);
+    QVERIFY(view.pane(2).isEmpty() && view.pane(-1).isEmpty());
+    QCOMPARE(ChartView(QSize(500, 500), stateAt(0), 1, 40).plot().size(), QSize(432, 10));
+    QCOMPARE(ChartView(QSize(500, 500), stateAt(0), 1, -1), ChartView(QSize(500, 500), stateAt(0), 1, 0));
 }
 
 void TestChartView::keeps_a_plot_at_any_size_data()

@@ -137,15 +137,15 @@ void TestChartViewProperties::the_panes_stand_one_above_the_other()
     for (int round = 0; round < rounds; ++round) {
         const Sample sample = sampleAtRandom(random);
         const ChartView& view = sample.view;
-        QCOMPARE(view.rsi().isEmpty(), !sample.rsi);
+        QCOMPARE(view.pane(0).isEmpty(), !sample.rsi);
         QVERIFY(view.plot().width() >= ChartView::minPlotSide);
         QVERIFY(view.plot().height() >= ChartView::minPlotSide);
         if (!sample.rsi || view.size().height() < 160)
             continue;
-        QCOMPARE(view.rsi().top(), view.plot().bottom() + 2);
-        QCOMPARE(view.rsi().bottom() + 1, view.size().height() - ChartView::timeAxisHeight);
-        QCOMPARE(view.rsi().width(), view.plot().width());
-        QVERIFY(view.rsi().height() >= 60 && view.rsi().height() <= 130);
+        QCOMPARE(view.pane(0).top(), view.plot().bottom() + 2);
+        QCOMPARE(view.pane(0).bottom() + 1, view.size().height() - ChartView::timeAxisHeight);
+        QCOMPARE(view.pane(0).width(), view.plot().width());
+        QVERIFY(view.pane(0).height() >= 60 && view.pane(0).height() <= 130);
     }
 }
 

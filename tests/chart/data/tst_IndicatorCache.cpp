@@ -31,9 +31,19 @@ std::vector<Candle> walk(QRandomGenerator& random, int count)
 MovingAverageSpec averageAtRandom(QRandomGenerator& random)
 {
     static constexpr std::array periods{-3, 0, 1, 2, 3, 7, 20, 50, 400, 1'000'000'000};
-    return {random.bounded(2) == 0 ? AverageKind::Simple : AverageKind::Exponential,
+    QList<IndicatorKind> kinds;
+    for (const IndicatorRow& row : indicatorTable()) {
+        if (!row.pane)
+            kinds.append(row.kind);
+    }
+    return {kinds.at(random.bounded(static_cast<int>(kinds.size()))),
         periods.at(static_cast<std::size_t>(random.bounded(static_cast<int>(periods.size())))),
         QColor::fromRgb(random.generate())};
+}
+
+QList<IndicatorPane> rsiOver(qint32 period)
+{
+    return {{IndicatorKind::Rsi, period, true}};
 }
 
 /// Bit for bit; no values at all stand for a gap at every bar.
@@ -77,7 +87,7 @@ void TestIndicatorCache::values_equal_the_whole_computation_after_any_mix_of_cha
     CandleSeries series;
     series.setTimeframeMs(minute);
     QList<MovingAverageSpec> averages;
-    std::optional<qint32> period;
+    QList<IndicatorPane> panes;
     IndicatorCache cache;
     qint64 now = 0;
     double price = 1.5;
@@ -99,8 +109,10 @@ void TestIndicatorCache::values_equal_the_whole_computation_after_any_mix_of_cha
             cache.setAverages(averages);
             break;
         case 3:
-            period = random.bounded(3) == 0 ? std::nullopt : std::optional(random.bounded(-1, 30));
-            cache.setStrength(period);
+            panes = hiddenPanes();
+            for (IndicatorPane& pane : panes)
+                pane = {pane.kind, random.bounded(-1, 30), random.bounded(3) > 0};
+            cache.setPanes(panes);
             break;
         default: // ticks, a third of which begin a new bar or skip some
             now += random.bounded(3) == 0 ? minute * random.bounded(1, 4) : 0;
@@ -116,11 +128,14 @@ void TestIndicatorCache::values_equal_the_whole_computation_after_any_mix_of_cha
             QVERIFY2(areSame(cache.averages()[static_cast<std::size_t>(i)],
                          indicators::movingAverage(series.candles(), averages.at(i))),
                 qPrintable(u"step %1, average %2"_s.arg(step).arg(i)));
-        if (period)
-            QVERIFY2(areSame(cache.strength(), indicators::relativeStrength(series.candles(), *period)),
-                qPrintable(u"step %1"_s.arg(step)));
-        else
-            QVERIFY(cache.strength().empty());
+        std::size_t shown = 0;
+        for (const IndicatorPane& pane : panes) {
+            if (pane.shown)
+                QVERIFY2(areSame(cache.panes()[shown++],
+                             indicators::movingAverage(series.candles(), {pane.kind, pane.period, {}})),
+                    qPrintable(u"step %1"_s.arg(step)));
+        }
+        QCOMPARE(cache.panes().size(), shown);
     }
 }
 
@@ -139,8 +154,8 @@ void TestIndicatorCache::a_tick_costs_one_value_however_long_the_series_is()
     series.setTimeframeMs(minute);
     series.setCandles(walk(random, count));
     IndicatorCache cache;
-    cache.setAverages({{AverageKind::Simple, 20, {}}, {AverageKind::Exponential, 50, {}}});
-    cache.setStrength(14);
+    cache.setAverages({{IndicatorKind::Sma, 20, {}}, {IndicatorKind::Ema, 50, {}}});
+    cache.setPanes(rsiOver(14));
     cache.update(series.candles());
     const quint64 whole = cache.computed();
     QCOMPARE(whole, static_cast<quint64>(count) * 3);
@@ -159,13 +174,13 @@ void TestIndicatorCache::nothing_is_computed_before_it_is_asked_for()
 {
     QRandomGenerator random(6);
     IndicatorCache cache;
-    cache.setAverages({{AverageKind::Simple, 20, {}}});
-    cache.setStrength(14);
-    cache.setStrength(21);
-    cache.setStrength({});
+    cache.setAverages({{IndicatorKind::Sma, 20, {}}});
+    cache.setPanes(rsiOver(14));
+    cache.setPanes(rsiOver(21));
+    cache.setPanes(hiddenPanes());
     cache.update(walk(random, 100));
     QCOMPARE(cache.computed(), quint64{100});
-    QVERIFY(cache.strength().empty());
+    QVERIFY(cache.panes().empty());
 }
 
 void TestIndicatorCache::averages_of_two_colours_share_their_values()
@@ -175,7 +190,7 @@ void TestIndicatorCache::averages_of_two_colours_share_their_values()
     IndicatorCache cache;
     QList<MovingAverageSpec> averages;
     for (int i = 0; i < 1000; ++i)
-        averages.append({AverageKind::Simple, i % 2 == 0 ? 1 : -i, QColor(Qt::red)});
+        averages.append({IndicatorKind::Sma, i % 2 == 0 ? 1 : -i, QColor(Qt::red)});
     cache.setAverages(averages);
     cache.update(candles);
     QCOMPARE(cache.computed(), quint64{100});
@@ -187,8 +202,8 @@ void TestIndicatorCache::averages_that_stay_are_not_computed_again()
 {
     QRandomGenerator random(8);
     const std::vector<Candle> candles = walk(random, 100);
-    const MovingAverageSpec first{AverageKind::Simple, 20, {}};
-    const MovingAverageSpec second{AverageKind::Exponential, 20, {}};
+    const MovingAverageSpec first{IndicatorKind::Sma, 20, {}};
+    const MovingAverageSpec second{IndicatorKind::Ema, 20, {}};
     IndicatorCache cache;
     cache.setAverages({first});
     cache.update(candles);
@@ -207,12 +222,12 @@ void TestIndicatorCache::absurd_periods_cost_nothing()
     IndicatorCache cache;
     QList<MovingAverageSpec> averages;
     for (int i = 0; i < 5000; ++i)
-        averages.append({AverageKind::Exponential, 1'000'000'000 + i, {}});
+        averages.append({IndicatorKind::Ema, 1'000'000'000 + i, {}});
     cache.setAverages(averages);
-    cache.setStrength(std::numeric_limits<qint32>::max());
+    cache.setPanes(rsiOver(std::numeric_limits<qint32>::max()));
     cache.update(candles);
     QCOMPARE(cache.computed(), quint64{0});
-    QVERIFY(cache.strength().empty());
+    QVERIFY(cache.panes().front().empty());
     for (const IndicatorCache::Values& values : cache.averages())
         QVERIFY(values.empty());
 }
@@ -222,23 +237,23 @@ void TestIndicatorCache::a_shorter_series_begins_anew()
     QRandomGenerator random(10);
     const std::vector<Candle> candles = walk(random, 100);
     IndicatorCache cache;
-    cache.setAverages({{AverageKind::Simple, 3, {}}});
+    cache.setAverages({{IndicatorKind::Sma, 3, {}}});
     for (const std::size_t count : {std::size_t{100}, std::size_t{99}, std::size_t{40}, std::size_t{2}}) {
         const std::span<const Candle> part = std::span(candles).first(count);
         cache.update(part);
         QVERIFY(
-            areSame(cache.averages().front(), indicators::movingAverage(part, {AverageKind::Simple, 3, {}})));
+            areSame(cache.averages().front(), indicators::movingAverage(part, {IndicatorKind::Sma, 3, {}})));
     }
 }
 
 void TestIndicatorCache::without_bars_there_are_no_values()
 {
     IndicatorCache cache;
-    cache.setAverages({{AverageKind::Simple, 1, {}}});
-    cache.setStrength(2);
+    cache.setAverages({{IndicatorKind::Sma, 1, {}}});
+    cache.setPanes(rsiOver(2));
     cache.update({});
     QVERIFY(cache.averages().front().empty());
-    QVERIFY(cache.strength().empty());
+    QVERIFY(cache.panes().front().empty());
 }
 
 TAVORAN_TEST(TestIndicatorCache)

@@ -15,8 +15,8 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr AverageKind simple = AverageKind::Simple;
-constexpr AverageKind exponential = AverageKind::Exponential;
+constexpr IndicatorKind simple = IndicatorKind::Sma;
+constexpr IndicatorKind exponential = IndicatorKind::Ema;
 
 std::vector<Candle> barsWith(const std::vector<double>& closes)
 {
@@ -27,14 +27,14 @@ std::vector<Candle> barsWith(const std::vector<double>& closes)
     return candles;
 }
 
-std::vector<double> average(const std::vector<double>& closes, AverageKind kind, qint32 period)
+std::vector<double> average(const std::vector<double>& closes, IndicatorKind kind, qint32 period)
 {
     return indicators::movingAverage(barsWith(closes), {kind, period, QColor()});
 }
 
 std::vector<double> strength(const std::vector<double>& closes, int period)
 {
-    return indicators::relativeStrength(barsWith(closes), period);
+    return indicators::rsi(barsWith(closes), period);
 }
 
 bool isAllNaN(const std::vector<double>& values)
@@ -232,7 +232,7 @@ void TestIndicators::periods_below_one_count_as_one()
 
 void TestIndicators::a_series_shorter_than_the_period_has_no_average()
 {
-    for (const AverageKind kind : {simple, exponential}) {
+    for (const IndicatorKind kind : {simple, exponential}) {
         const std::vector<double> values = average(rising(19), kind, 20);
         QCOMPARE(values.size(), std::size_t{19});
         QVERIFY(isAllNaN(values));
@@ -241,7 +241,7 @@ void TestIndicators::a_series_shorter_than_the_period_has_no_average()
 
 void TestIndicators::a_period_as_long_as_the_series_has_one_average()
 {
-    for (const AverageKind kind : {simple, exponential}) {
+    for (const IndicatorKind kind : {simple, exponential}) {
         std::vector<double> values = average(rising(20), kind, 20);
         QCOMPARE(values.back(), 10.5);
         values.pop_back();
@@ -306,11 +306,11 @@ void TestIndicators::only_closes_count()
 {
     std::vector<Candle> candles = barsWith({1, 2, 3, 5, 4});
     const std::vector<double> before = indicators::movingAverage(candles, {simple, 1, QColor()});
-    const std::vector<double> strengthBefore = indicators::relativeStrength(candles, 1);
+    const std::vector<double> strengthBefore = indicators::rsi(candles, 1);
     for (Candle& candle : candles)
         candle = {candle.time, 77.0, 99.0, -99.0, candle.close, 12345};
     QCOMPARE(indicators::movingAverage(candles, {simple, 1, QColor()}), before);
-    QCOMPARE(indicators::relativeStrength(candles, 1).back(), strengthBefore.back());
+    QCOMPARE(indicators::rsi(candles, 1).back(), strengthBefore.back());
 }
 
 void TestIndicators::random_walks_agree_with_another_computation_data()

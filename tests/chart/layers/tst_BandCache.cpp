@@ -46,11 +46,10 @@ QImage kept(BandCache& cache, const ChartWidget& chart, qreal ratio)
 /// Averages that cross each other and the prices, and the lower pane.
 void addIndicators(ChartWidget& chart)
 {
-    chart.setMovingAverages({{AverageKind::Simple, 3, QColor(0xff, 0xd5, 0x4f)},
-        {AverageKind::Exponential, 4, QColor(0x4f, 0xc3, 0xf7)},
-        {AverageKind::Simple, 1, QColor(0xba, 0x68, 0xc8)},
-        {AverageKind::Exponential, 2, QColor(0xff, 0x8a, 0x65)}});
-    chart.setRsi(true, 5);
+    chart.setMovingAverages({{IndicatorKind::Sma, 3, QColor(0xff, 0xd5, 0x4f)},
+        {IndicatorKind::Ema, 4, QColor(0x4f, 0xc3, 0xf7)}, {IndicatorKind::Sma, 1, QColor(0xba, 0x68, 0xc8)},
+        {IndicatorKind::Ema, 2, QColor(0xff, 0x8a, 0x65)}});
+    chart.setPane(IndicatorKind::Rsi, true, 5);
 }
 
 void changeIndicatorsAtRandom(ChartWidget& chart, QRandomGenerator& random)
@@ -59,8 +58,8 @@ void changeIndicatorsAtRandom(ChartWidget& chart, QRandomGenerator& random)
     if (random.bounded(5) == 0)
         averages.clear();
     else if (random.bounded(5) == 0)
-        return chart.setRsi(random.bounded(3) > 0, random.bounded(1, 20));
-    averages.append({random.bounded(2) == 0 ? AverageKind::Simple : AverageKind::Exponential,
+        return chart.setPane(IndicatorKind::Rsi, random.bounded(3) > 0, random.bounded(1, 20));
+    averages.append({random.bounded(2) == 0 ? IndicatorKind::Sma : IndicatorKind::Ema,
         static_cast<qint32>(random.bounded(1, 40)), QColor::fromRgb(random.generate() | 0x404040U)});
     chart.setMovingAverages(averages);
 }

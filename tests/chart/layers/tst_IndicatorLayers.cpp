@@ -48,7 +48,7 @@ ChartFrame frameOf(const std::vector<Candle>& candles, bool rsi, TextPainter& te
     frame.candles = candles;
     frame.bars = frame.view.visible();
     frame.timeframeMs = fixtures::quarterHour;
-    frame.rsiPeriod = 14;
+    frame.panes = {{IndicatorKind::Rsi, 14, rsi}};
     frame.exposed = QRect(QPoint(0, 0), size);
     frame.texts = &texts;
     return frame;
@@ -174,7 +174,7 @@ void TestIndicatorLayers::an_average_joins_the_values_of_neighbours()
     const std::vector<double> values{
         priceAtRow(100), priceAtRow(100), priceAtRow(140), priceAtRow(120), priceAtRow(120), priceAtRow(20)};
     const std::array<std::span<const double>, 1> lines{values};
-    frame.averages = {{AverageKind::Simple, 3, yellow}};
+    frame.averages = {{IndicatorKind::Sma, 3, yellow}};
     frame.averageValues = lines;
     const QImage image = paint(&layers::paintMovingAverages, frame);
     // Columns 131, 171 ... 331; one pixel a column while a segment is flat or rises as far as it runs.
@@ -195,7 +195,7 @@ void TestIndicatorLayers::a_missing_value_breaks_the_average()
     const std::vector<double> values{
         gap, priceAtRow(50), priceAtRow(50), gap, priceAtRow(70), priceAtRow(70)};
     const std::array<std::span<const double>, 1> lines{values};
-    frame.averages = {{AverageKind::Simple, 3, yellow}};
+    frame.averages = {{IndicatorKind::Sma, 3, yellow}};
     frame.averageValues = lines;
     const QImage image = paint(&layers::paintMovingAverages, frame);
     QCOMPARE(pixelsOf(image, QRect(171, 50, 41, 1), yellow), 41);
@@ -207,7 +207,7 @@ void TestIndicatorLayers::an_average_without_values_has_no_line()
 {
     ChartFrame frame = frameOf(m_candles, false, m_texts);
     const std::array<std::span<const double>, 1> lines{};
-    frame.averages = {{AverageKind::Simple, 400, yellow}};
+    frame.averages = {{IndicatorKind::Sma, 400, yellow}};
     frame.averageValues = lines;
     QCOMPARE(pixelsOtherThan(paint(&layers::paintMovingAverages, frame), QRect(QPoint(), size), black), 0);
 }
@@ -217,7 +217,7 @@ void TestIndicatorLayers::later_averages_cover_earlier_ones()
     ChartFrame frame = frameOf(m_candles, false, m_texts);
     const std::vector<double> values(6, priceAtRow(80));
     const std::array<std::span<const double>, 2> lines{values, values};
-    frame.averages = {{AverageKind::Simple, 3, yellow}, {AverageKind::Exponential, 3, blue}};
+    frame.averages = {{IndicatorKind::Sma, 3, yellow}, {IndicatorKind::Ema, 3, blue}};
     frame.averageValues = lines;
     const QImage image = paint(&layers::paintMovingAverages, frame);
     QCOMPARE(pixelsOf(image, image.rect(), yellow), 0);
@@ -230,7 +230,7 @@ void TestIndicatorLayers::an_average_far_from_the_prices_leaves_the_axes_alone()
     const std::vector<double> values{
         priceAtRow(100), priceAtRow(100'000'000), 1e15, -1e15, priceAtRow(290), priceAtRow(200)};
     const std::array<std::span<const double>, 1> lines{values};
-    frame.averages = {{AverageKind::Simple, 3, yellow}};
+    frame.averages = {{IndicatorKind::Sma, 3, yellow}};
     frame.averageValues = lines;
     const QImage image = paint(&layers::paintMovingAverages, frame);
     QVERIFY(pixelsOf(image, frame.view.plot(), yellow) > 100);
@@ -240,8 +240,8 @@ void TestIndicatorLayers::an_average_far_from_the_prices_leaves_the_axes_alone()
 void TestIndicatorLayers::the_legend_names_kind_and_period_in_their_colours()
 {
     ChartFrame frame = frameOf(m_candles, false, m_texts);
-    frame.averages = {{AverageKind::Exponential, 21, yellow}, {AverageKind::Simple, 200, blue},
-        {AverageKind::Simple, 5, lilac}};
+    frame.averages
+        = {{IndicatorKind::Ema, 21, yellow}, {IndicatorKind::Sma, 200, blue}, {IndicatorKind::Sma, 5, lilac}};
     const QFontMetrics metrics(QFont(u"Segoe UI"_s, 8));
     const int second = 6 + metrics.horizontalAdvance(u"EMA(21)"_s) + 12;
     const int third = second + metrics.horizontalAdvance(u"SMA(200)"_s) + 12;
@@ -256,7 +256,7 @@ void TestIndicatorLayers::the_legend_ends_at_the_edge_of_the_plot()
 {
     ChartFrame frame = frameOf(m_candles, false, m_texts);
     for (int i = 0; i < 5000; ++i)
-        frame.averages.append({AverageKind::Simple, 1000 + i, yellow});
+        frame.averages.append({IndicatorKind::Sma, 1000 + i, yellow});
     const QImage image = paint(&layers::paintAverageLegend, frame);
     QVERIFY(pixelsOtherThan(image, QRect(200, 15, 132, 16), black) > 40);
     QCOMPARE(pixelsOtherThan(image, QRect(0, 40, 400, 260), black), 0);
@@ -271,8 +271,8 @@ void TestIndicatorLayers::without_averages_there_is_no_legend()
 void TestIndicatorLayers::the_pane_is_dark_with_a_border_on_top()
 {
     const ChartFrame frame = frameOf(m_candles, true, m_texts);
-    QCOMPARE(frame.view.rsi(), pane);
-    const QImage image = paint(&layers::paintRsiPane, frame);
+    QCOMPARE(frame.view.pane(0), pane);
+    const QImage image = paint(&layers::paintIndicatorPanes, frame);
     QCOMPARE(pixelsOf(image, QRect(0, 218, 332, 1), colors.grid), 332);
     QCOMPARE(pixelsOtherThan(image, QRect(0, 0, 400, 218), black), 0);
     QCOMPARE(pixelsOtherThan(image, QRect(0, 278, 400, 22), black), 0);
@@ -281,7 +281,7 @@ void TestIndicatorLayers::the_pane_is_dark_with_a_border_on_top()
 
 void TestIndicatorLayers::the_pane_has_dotted_lines_at_30_and_70_with_labels()
 {
-    const QImage image = paint(&layers::paintRsiPane, frameOf(m_candles, true, m_texts));
+    const QImage image = paint(&layers::paintIndicatorPanes, frameOf(m_candles, true, m_texts));
     const QColor bound(0x44, 0x44, 0x44);
     QList<Text> labels;
     const QFontMetrics metrics(QFont(u"Segoe UI"_s, 8));
@@ -300,8 +300,8 @@ void TestIndicatorLayers::the_pane_has_dotted_lines_at_30_and_70_with_labels()
 void TestIndicatorLayers::the_pane_has_a_title()
 {
     ChartFrame frame = frameOf(m_candles, true, m_texts);
-    frame.rsiPeriod = 21;
-    const QImage image = paint(&layers::paintRsiPane, frame);
+    frame.panes.first().period = 21;
+    const QImage image = paint(&layers::paintIndicatorPanes, frame);
     const QImage title = picture({{QPoint(6, 218 + 14), u"RSI(21)"_s, colors.axis}}, groundOfPane);
     const QRect belowBorder(0, 219, 120, 17); // and above the line at 70
     QCOMPARE(image.copy(belowBorder), title.copy(belowBorder));
@@ -313,8 +313,9 @@ void TestIndicatorLayers::the_line_of_the_pane_joins_neighbours_and_breaks()
     ChartFrame frame = frameOf(m_candles, true, m_texts);
     const std::vector<double> values{
         gap, strengthAtRow(10), strengthAtRow(50), gap, strengthAtRow(25), strengthAtRow(25)};
-    frame.rsiValues = values;
-    const QImage image = paint(&layers::paintRsiPane, frame);
+    const std::array<std::span<const double>, 1> lines{values};
+    frame.paneValues = lines;
+    const QImage image = paint(&layers::paintIndicatorPanes, frame);
     QCOMPARE(image.pixelColor(171, 218 + 10), lilac);
     QCOMPARE(image.pixelColor(191, 218 + 30), lilac);
     QCOMPARE(image.pixelColor(211, 218 + 50), lilac);
@@ -326,18 +327,20 @@ void TestIndicatorLayers::strengths_of_0_and_100_lie_at_the_edges_of_the_pane()
 {
     ChartFrame frame = frameOf(m_candles, true, m_texts);
     std::vector<double> values(6, 100.0);
-    frame.rsiValues = values;
-    QCOMPARE(pixelsOf(paint(&layers::paintRsiPane, frame), QRect(131, 218, 201, 1), lilac), 201);
+    const std::array<std::span<const double>, 1> lines{values};
+    frame.paneValues = lines;
+    QCOMPARE(pixelsOf(paint(&layers::paintIndicatorPanes, frame), QRect(131, 218, 201, 1), lilac), 201);
     values.assign(6, 0.0);
-    QCOMPARE(pixelsOf(paint(&layers::paintRsiPane, frame), QRect(131, 278, 201, 1), lilac), 201);
+    QCOMPARE(pixelsOf(paint(&layers::paintIndicatorPanes, frame), QRect(131, 278, 201, 1), lilac), 201);
 }
 
 void TestIndicatorLayers::without_the_pane_nothing_is_painted()
 {
     ChartFrame frame = frameOf(m_candles, false, m_texts);
     const std::vector<double> values(6, 50.0);
-    frame.rsiValues = values;
-    const QImage image = paint(&layers::paintRsiPane, frame);
+    const std::array<std::span<const double>, 1> lines{values};
+    frame.paneValues = lines;
+    const QImage image = paint(&layers::paintIndicatorPanes, frame);
     QCOMPARE(pixelsOtherThan(image, image.rect(), black), 0);
 }
 
@@ -345,15 +348,16 @@ void TestIndicatorLayers::the_pane_painted_in_parts_is_the_same()
 {
     for (const double barWidth : {1.0, 2.4, 7.0, 40.0}) {
         const std::vector<Candle> candles = fixtures::wave(400);
-        const std::vector<double> values = indicators::relativeStrength(candles, 3);
+        const std::vector<double> values = indicators::rsi(candles, 3);
         ViewState state;
         state.barWidth = barWidth;
         state.rightBarIndex = 350.4;
         ChartFrame frame = frameOf(candles, true, m_texts);
         frame.view = ChartView(size, state, 400, true);
         frame.bars = frame.view.visible();
-        frame.rsiValues = values;
-        const QImage whole = paint(&layers::paintRsiPane, frame);
+        const std::array<std::span<const double>, 1> lines{values};
+        frame.paneValues = lines;
+        const QImage whole = paint(&layers::paintIndicatorPanes, frame);
         QImage parts(size, QImage::Format_RGB32);
         parts.fill(Qt::black);
         QPainter painter(&parts);
@@ -361,7 +365,7 @@ void TestIndicatorLayers::the_pane_painted_in_parts_is_the_same()
             for (int y = 0; y < size.height(); y += 31) {
                 frame.exposed = QRect(x, y, 23, 31);
                 painter.setClipRegion(frame.exposed);
-                layers::paintRsiPane(painter, frame);
+                layers::paintIndicatorPanes(painter, frame);
             }
         }
         painter.end();
@@ -375,7 +379,7 @@ void TestIndicatorLayers::time_labels_and_time_tag_stand_under_the_pane()
     chart.resize(size);
     chart.setCandles(fixtures::wave(100));
     const QImage without = chart.grab().toImage();
-    chart.setRsi(true, 400);
+    chart.setPane(IndicatorKind::Rsi, true, 400);
     const int axisTop = size.height() - ChartView::timeAxisHeight;
     QCOMPARE(chart.view().timeAxisEdge(), axisTop - 1);
     const QRect labels(0, axisTop, chart.view().plot().width(), ChartView::timeAxisHeight);
@@ -395,7 +399,7 @@ void TestIndicatorLayers::a_chart_shows_the_values_of_its_closes()
     chart.setCandles(fixtures::wave(100));
     const QImage before = chart.grab().toImage();
     QCOMPARE(pixelsOf(before, before.rect(), yellow), 0);
-    chart.setMovingAverages({{AverageKind::Simple, 20, yellow}});
+    chart.setMovingAverages({{IndicatorKind::Sma, 20, yellow}});
     const QImage image = chart.grab().toImage();
     const ChartView& view = chart.view();
     const std::vector<double> values
@@ -415,16 +419,16 @@ void TestIndicatorLayers::values_follow_ticks_new_bars_and_reloads()
 {
     ChartWidget chart;
     chart.resize(size);
-    const MovingAverageSpec average{AverageKind::Exponential, 9, yellow};
+    const MovingAverageSpec average{IndicatorKind::Ema, 9, yellow};
     chart.setMovingAverages({average});
-    chart.setRsi(true, 7);
+    chart.setPane(IndicatorKind::Rsi, true, 7);
     const auto areRight = [&chart, &average] {
         const ChartFrame frame = chart.frame();
         const std::vector<double> values = indicators::movingAverage(chart.candles(), average);
-        const std::vector<double> strengths = indicators::relativeStrength(chart.candles(), 7);
+        const std::vector<double> strengths = indicators::rsi(chart.candles(), 7);
         return frame.averageValues.front().size() == values.size()
             && frame.averageValues.front().back() == values.back()
-            && frame.rsiValues.back() == strengths.back() && frame.rsiPeriod == 7;
+            && frame.paneValues.front().back() == strengths.back() && frame.panes.first().period == 7;
     };
     chart.setCandles(fixtures::wave(100));
     QVERIFY(areRight());

@@ -23,7 +23,7 @@ void TestLayerOrder::layers_are_painted_in_this_order()
     const std::array expected{Layer::Background, Layer::EmptySeries, Layer::PriceGrid, Layer::TimeGrid,
         Layer::Volume, Layer::Prices, Layer::MovingAverages, Layer::Drawings, Layer::Header,
         Layer::AverageLegend, Layer::TradeLevels, Layer::Quotes, Layer::Crosshair, Layer::Ruler,
-        Layer::DrawingPreview, Layer::RsiPane, Layer::ScrollButton, Layer::ShiftMarker, Layer::Border};
+        Layer::DrawingPreview, Layer::IndicatorPanes, Layer::ScrollButton, Layer::ShiftMarker, Layer::Border};
     QCOMPARE(layerOrder.size(), std::size_t{19});
     QCOMPARE(layerOrder.size(), expected.size());
     for (std::size_t i = 0; i < expected.size(); ++i) {

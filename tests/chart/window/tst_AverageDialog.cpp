@@ -25,7 +25,7 @@ private Q_SLOTS:
 
 void tst_AverageDialog::asksForAPeriod()
 {
-    AverageDialog dialog;
+    AverageDialog dialog(20);
     dialog.show();
     QCOMPARE(dialog.windowTitle(), u"Moving Average"_s);
     QCOMPARE(dialog.labelText(), u"Period:"_s);
@@ -39,7 +39,7 @@ void tst_AverageDialog::asksForAPeriod()
 
 void tst_AverageDialog::staysBetweenItsLimits()
 {
-    AverageDialog dialog;
+    AverageDialog dialog(20);
     dialog.show();
     auto* box = dialog.findChild<QSpinBox*>();
     box->setValue(2);
@@ -52,7 +52,7 @@ void tst_AverageDialog::staysBetweenItsLimits()
 
 void tst_AverageDialog::takesATypedPeriod()
 {
-    AverageDialog dialog;
+    AverageDialog dialog(20);
     dialog.open();
     QSignalSpy chosen(&dialog, &QInputDialog::intValueSelected);
     auto* box = dialog.findChild<QSpinBox*>();
@@ -64,7 +64,7 @@ void tst_AverageDialog::takesATypedPeriod()
 
 void tst_AverageDialog::whatIsTypedAtOnceIsThePeriod()
 {
-    AverageDialog dialog;
+    AverageDialog dialog(20);
     dialog.open();
     QSignalSpy chosen(&dialog, &QInputDialog::intValueSelected);
     QVERIFY(hands::arriveAt(&dialog));
@@ -75,7 +75,7 @@ void tst_AverageDialog::whatIsTypedAtOnceIsThePeriod()
 
 void tst_AverageDialog::tabGoesFromThePeriodToTheButtons()
 {
-    AverageDialog dialog;
+    AverageDialog dialog(20);
     dialog.open();
     QVERIFY(hands::arriveAt(&dialog));
     const auto* buttons = dialog.findChild<QDialogButtonBox*>();
@@ -87,7 +87,7 @@ void tst_AverageDialog::tabGoesFromThePeriodToTheButtons()
 
 void tst_AverageDialog::theWheelTurnsThePeriodOnlyWhileItHasTheFocus()
 {
-    AverageDialog dialog;
+    AverageDialog dialog(20);
     dialog.open();
     QVERIFY(hands::arriveAt(&dialog));
     auto* box = dialog.findChild<QSpinBox*>();

@@ -71,9 +71,9 @@ void switchEverythingOn(ChartWidget& chart)
     chart.setMinimumSize(0, 0);
     chart.setSymbolInfo(u"%1"_s, u"%2\n"_s, u"<b>%3"_s);
     chart.setMovingAverages(
-        {{AverageKind::Simple, 3, QColor(Qt::red)}, {AverageKind::Exponential, 5, QColor(Qt::blue)},
-            {AverageKind::Simple, std::numeric_limits<int>::min(), QColor(Qt::green)}});
-    chart.setRsi(true, 3);
+        {{IndicatorKind::Sma, 3, QColor(Qt::red)}, {IndicatorKind::Ema, 5, QColor(Qt::blue)},
+            {IndicatorKind::Sma, std::numeric_limits<int>::min(), QColor(Qt::green)}});
+    chart.setPane(IndicatorKind::Rsi, true, 3);
     chart.setTradeLevels({{u"1"_s, u"SL"_s, 1.0, u"%1 %2"_s, QColor(Qt::red), Qt::DashLine, true},
         {u"2"_s, u"TP"_s, std::numeric_limits<double>::quiet_NaN(), QString(), QColor(), Qt::NoPen, true}});
 }
@@ -151,8 +151,8 @@ void TestChartBadInput::indicators_of_a_flat_series_are_lines_too()
     ChartWidget chart;
     chart.resize(400, 300);
     const QColor red(Qt::red);
-    chart.setMovingAverages({{AverageKind::Exponential, 10, red}});
-    chart.setRsi(true, 14);
+    chart.setMovingAverages({{IndicatorKind::Ema, 10, red}});
+    chart.setPane(IndicatorKind::Rsi, true, 14);
     std::vector<Candle> bars(100, Candle{0, 1.1, 1.1, 1.1, 1.1, 0});
     for (std::size_t i = 0; i < bars.size(); ++i)
         bars[i].time = midnight + static_cast<qint64>(i) * quarterHour;
@@ -161,7 +161,7 @@ void TestChartBadInput::indicators_of_a_flat_series_are_lines_too()
     const int y = chart.view().pricePixel(1.1);
     QVERIFY(fixtures::pixelsOf(image, QRect(0, y - 1, 332, 3), red) > 300);
     // Nothing was lost, so the strength is 100, at the top of the pane.
-    const QRect pane = chart.view().rsi();
+    const QRect pane = chart.view().pane(0);
     QVERIFY(fixtures::pixelsOf(image, QRect(0, pane.top(), 332, 1), QColor(0xc7, 0x92, 0xea)) > 300);
 }
 
@@ -192,8 +192,8 @@ void TestChartBadInput::indicators_of_a_million_bars_are_those_of_their_end()
         colors.grid = colors.background; // the grid of times stands on other bars
         chart.setColors(colors);
         chart.setMovingAverages(
-            {{AverageKind::Simple, 20, QColor(Qt::red)}, {AverageKind::Exponential, 50, QColor(Qt::blue)}});
-        chart.setRsi(true, 14);
+            {{IndicatorKind::Sma, 20, QColor(Qt::red)}, {IndicatorKind::Ema, 50, QColor(Qt::blue)}});
+        chart.setPane(IndicatorKind::Rsi, true, 14);
         chart.setCandles({starts[i], all.end()});
         pictures[i] = allLayers(chart).copy(0, 0, 332, 278);
     }
@@ -207,8 +207,8 @@ void TestChartBadInput::series_changed_ten_times_a_turn_end_as_the_last_one()
     ChartWidget calm;
     for (ChartWidget* chart : {&busy, &calm}) {
         chart->resize(400, 300);
-        chart->setMovingAverages({{AverageKind::Simple, 5, QColor(Qt::red)}});
-        chart->setRsi(true, 14);
+        chart->setMovingAverages({{IndicatorKind::Sma, 5, QColor(Qt::red)}});
+        chart->setPane(IndicatorKind::Rsi, true, 14);
     }
     for (int i = 0; i < 10; ++i) {
         busy.setTimeframeMs(i % 2 == 0 ? 60'000 : quarterHour);

@@ -116,7 +116,7 @@ void TestChartGesturePictures::whatever_a_hand_does_the_window_shows_all_layers_
     chart->setSymbolInfo(u"EURUSD"_s, u"M15"_s, u"Euro"_s);
     chart->setCandles(fixtures::wave(150));
     chart->setDrawings(fixtures::oneOfEachKind(150));
-    chart->setRsi(seed % 2 == 0, 5);
+    chart->setPane(IndicatorKind::Rsi, seed % 2 == 0, 5);
     Hand hand(*chart, seed);
     hand.setLevels();
     window.show();

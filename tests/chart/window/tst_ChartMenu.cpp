@@ -1,5 +1,6 @@
 #include "chart/ChartFixtures.h"
 #include "chart/ChartWindowFixture.h"
+#include "chart/data/IndicatorTable.h"
 #include "chart/window/AverageDialog.h"
 #include "chart/window/ChartMenu.h"
 #include "chart/window/ChartPropertiesDialog.h"
@@ -32,7 +33,7 @@ private Q_SLOTS:
     void theSixthAverageHasTheFirstColour();
     void aCancelledAverageChangesNothing();
     void allAveragesAreRemoved();
-    void relativeStrengthIsSwitchedOverFourteenBars();
+    void rsiIsSwitchedOverFourteenBars();
     void aToolIsChosen_data();
     void aToolIsChosen();
     void theSelectedObjectIsDeleted();
@@ -108,7 +109,7 @@ QMenu* tst_ChartMenu::subMenu(const QMenu& menu, const QString& title)
 void tst_ChartMenu::listsItsEntriesInOrder()
 {
     const ServedChart served;
-    served.chart().setMovingAverages({{AverageKind::Simple, 5, Qt::red}});
+    served.chart().setMovingAverages({{IndicatorKind::Sma, 5, Qt::red}});
     const ChartMenu menu(*served.window);
     QCOMPARE(entries(menu),
         QStringList({u"One Click Trading"_s, u"Timeframes"_s, u"Indicators"_s, u"Objects"_s, u"Chart Type"_s,
@@ -116,9 +117,12 @@ void tst_ChartMenu::listsItsEntriesInOrder()
             u"Refresh"_s, u"Data Window\tCtrl+D"_s, u"-"_s, u"Properties...\tF8"_s, u"Specification..."_s}));
     QCOMPARE(entries(*subMenu(menu, u"Timeframes"_s)),
         QStringList({u"M1"_s, u"M5"_s, u"M15"_s, u"H1"_s, u"H4"_s, u"D1"_s, u"W1"_s, u"MN"_s}));
-    QCOMPARE(entries(*subMenu(menu, u"Indicators"_s)),
-        QStringList({u"Moving Average (SMA)..."_s, u"Moving Average (EMA)..."_s, u"RSI (14)"_s, u"-"_s,
-            u"Remove All Moving Averages"_s}));
+    QStringList indicators;
+    for (const IndicatorRow& row : indicatorTable())
+        indicators.append(row.pane ? u"%1 (%2)"_s.arg(row.label, QString::number(row.usualPeriod))
+                                   : indicatorText(row.command) + u"..."_s);
+    indicators.append({u"-"_s, u"Remove All Moving Averages"_s});
+    QCOMPARE(entries(*subMenu(menu, u"Indicators"_s)), indicators);
     QCOMPARE(entries(*subMenu(menu, u"Objects"_s)),
         QStringList({u"Horizontal Line"_s, u"Vertical Line"_s, u"Trend Line"_s, u"Rectangle"_s,
             u"Fibonacci Retracement"_s, u"-"_s, u"Delete Selected"_s}));
@@ -148,7 +152,7 @@ void tst_ChartMenu::checkMarksShowTheChartAsItIs()
     served.window->setTimeframe(u"1mn"_s);
     served.window->setAutoScroll(false);
     served.window->setChartType(2);
-    served.window->toggleRsi(true);
+    served.window->showPane(IndicatorKind::Rsi, true);
     const ChartMenu menu(*served.window);
     QCOMPARE(checked(menu), QStringList{u"Chart Shift"_s});
     QCOMPARE(checked(*subMenu(menu, u"Timeframes"_s)), QStringList{u"MN"_s});
@@ -233,18 +237,18 @@ void tst_ChartMenu::aTimeframeIsChosen()
 void tst_ChartMenu::anAverageIsAddedInTheNextColour_data()
 {
     QTest::addColumn<QString>("entry");
-    QTest::addColumn<AverageKind>("kind");
-    QTest::newRow("simple") << u"Moving Average (SMA)..."_s << AverageKind::Simple;
-    QTest::newRow("exponential") << u"Moving Average (EMA)..."_s << AverageKind::Exponential;
+    QTest::addColumn<IndicatorKind>("kind");
+    QTest::newRow("simple") << u"Moving Average (SMA)..."_s << IndicatorKind::Sma;
+    QTest::newRow("exponential") << u"Moving Average (EMA)..."_s << IndicatorKind::Ema;
 }
 
 void tst_ChartMenu::anAverageIsAddedInTheNextColour()
 {
     QFETCH(QString, entry);
-    QFETCH(AverageKind, kind);
+    QFETCH(IndicatorKind, kind);
     const ServedChart served;
     served.show();
-    QList<MovingAverageSpec> averages{{AverageKind::Simple, 9, Qt::red}};
+    QList<MovingAverageSpec> averages{{IndicatorKind::Sma, 9, Qt::red}};
     served.chart().setMovingAverages(averages);
     choose(openMenu(served), {u"Indicators"_s, entry});
     auto* dialog = served.window->findChild<AverageDialog*>();
@@ -260,12 +264,12 @@ void tst_ChartMenu::theSixthAverageHasTheFirstColour()
 {
     const ServedChart served;
     served.show();
-    served.chart().setMovingAverages(QList<MovingAverageSpec>(5, {AverageKind::Simple, 9, Qt::red}));
+    served.chart().setMovingAverages(QList<MovingAverageSpec>(5, {IndicatorKind::Sma, 9, Qt::red}));
     choose(openMenu(served), {u"Indicators"_s, u"Moving Average (SMA)..."_s});
     QTest::keyClick(served.window->findChild<AverageDialog*>(), Qt::Key_Return);
     QCOMPARE(served.chart().movingAverages().size(), 6);
     QCOMPARE(served.chart().movingAverages().last(),
-        (MovingAverageSpec{AverageKind::Simple, 20, QColor(0xff, 0xd5, 0x4f)}));
+        (MovingAverageSpec{IndicatorKind::Sma, 20, QColor(0xff, 0xd5, 0x4f)}));
 }
 
 void tst_ChartMenu::aCancelledAverageChangesNothing()
@@ -284,21 +288,21 @@ void tst_ChartMenu::allAveragesAreRemoved()
 {
     const ServedChart served;
     served.show();
-    served.chart().setMovingAverages({{AverageKind::Simple, 9, Qt::red}, {AverageKind::Simple, 5, Qt::red}});
+    served.chart().setMovingAverages({{IndicatorKind::Sma, 9, Qt::red}, {IndicatorKind::Sma, 5, Qt::red}});
     choose(openMenu(served), {u"Indicators"_s, u"Remove All Moving Averages"_s});
     QVERIFY(served.chart().movingAverages().isEmpty());
 }
 
-void tst_ChartMenu::relativeStrengthIsSwitchedOverFourteenBars()
+void tst_ChartMenu::rsiIsSwitchedOverFourteenBars()
 {
     const ServedChart served;
     served.show();
-    served.chart().setRsi(false, 21);
+    served.chart().setPane(IndicatorKind::Rsi, false, 21);
     choose(openMenu(served), {u"Indicators"_s, u"RSI (14)"_s});
-    QVERIFY(served.chart().rsiEnabled());
-    QCOMPARE(served.chart().rsiPeriod(), 14);
+    QVERIFY(served.chart().pane(IndicatorKind::Rsi).shown);
+    QCOMPARE(served.chart().pane(IndicatorKind::Rsi).period, 14);
     choose(openMenu(served), {u"Indicators"_s, u"RSI (14)"_s});
-    QVERIFY(!served.chart().rsiEnabled());
+    QVERIFY(!served.chart().pane(IndicatorKind::Rsi).shown);
 }
 
 void tst_ChartMenu::aToolIsChosen_data()

@@ -116,7 +116,7 @@ const std::vector<Scene> scenes{
     {"ruler-at-the-corner", Layer::Ruler, many, inUse, &rulerAtTheCorner},
     {"preview-line", Layer::DrawingPreview, many, inUse, &keep},
     {"preview-box", Layer::DrawingPreview, many, inUse, &previewBox},
-    {"rsi-pane", Layer::RsiPane, many, atRest, &keep},
+    {"rsi-pane", Layer::IndicatorPanes, many, atRest, &keep},
     {"scroll-button", Layer::ScrollButton, many, inUse, &keep},
     {"shift-marker", Layer::ShiftMarker, many, atRest, &keep},
     {"border", Layer::Border, many, atRest, &keep},

@@ -186,7 +186,7 @@ void TestChartRenewal::indicators_are_those_of_the_new_bars()
 {
     ReadChart c;
     c.scrollBack();
-    c.chart.setMovingAverages({{AverageKind::Simple, 5, QColor(Qt::red)}});
+    c.chart.setMovingAverages({{IndicatorKind::Sma, 5, QColor(Qt::red)}});
     QCOMPARE(c.chart.frame().averageValues[0].size(), firstReading().size());
     c.renew();
     ChartWidget fresh;

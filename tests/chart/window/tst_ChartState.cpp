@@ -1,3 +1,4 @@
+#include "chart/data/IndicatorTable.h"
 #include "chart/window/ChartState.h"
 #include "chart/window/ChartWidget.h"
 #include "support/PaintCounter.h"
@@ -37,16 +38,24 @@ void tst_ChartState::aNewChartSavesTheDefaults()
             QJsonObject{{u"bg"_s, u"#000000"_s}, {u"grid"_s, u"#232323"_s}, {u"axis"_s, u"#c0c0c0"_s},
                 {u"up"_s, u"#00e600"_s}, {u"down"_s, u"#ffffff"_s}, {u"line"_s, u"#4fc3f7"_s},
                 {u"vol"_s, u"#2f6b3f"_s}}}};
-    QCOMPARE(ChartState::of(chart).toJson(), expected);
+    QJsonObject saved = ChartState::of(chart).toJson();
+    for (const IndicatorPane& pane : hiddenPanes()) {
+        if (pane.kind == IndicatorKind::Rsi)
+            continue;
+        const QString key = indicatorRow(pane.kind).key;
+        QCOMPARE(saved.take(key), QJsonValue(false));
+        QCOMPARE(saved.take(key + u"Period"_s), QJsonValue(pane.period));
+    }
+    QCOMPARE(saved, expected);
 }
 
 void tst_ChartState::everythingSavedComesBack()
 {
     ChartState state;
-    state.averages = {{AverageKind::Exponential, 21, QColor(u"#4fc3f7"_s)},
-        {AverageKind::Simple, 400, QColor(u"#010203"_s)}, {AverageKind::Simple, 2, QColor(u"#010203"_s)}};
-    state.rsi = true;
-    state.rsiPeriod = 21;
+    state.averages = {{IndicatorKind::Ema, 21, QColor(u"#4fc3f7"_s)},
+        {IndicatorKind::Sma, 400, QColor(u"#010203"_s)}, {IndicatorKind::Sma, 2, QColor(u"#010203"_s)}};
+    for (IndicatorPane& pane : state.panes)
+        pane = {pane.kind, 21, true};
     state.chartType = 2;
     state.chartShift = true;
     state.autoScroll = false;
@@ -73,12 +82,12 @@ void tst_ChartState::anEmptyObjectKeepsTypeShiftAndScroll()
 void tst_ChartState::anEmptyObjectTakesAveragesAndStrengthAway()
 {
     ChartWidget chart;
-    chart.setMovingAverages({{AverageKind::Simple, 5, Qt::red}});
-    chart.setRsi(true, 21);
+    chart.setMovingAverages({{IndicatorKind::Sma, 5, Qt::red}});
+    chart.setPane(IndicatorKind::Rsi, true, 21);
     ChartState::fromJson({}).applyTo(chart);
     QVERIFY(chart.movingAverages().isEmpty());
-    QVERIFY(!chart.rsiEnabled());
-    QCOMPARE(chart.rsiPeriod(), 14);
+    QVERIFY(!chart.pane(IndicatorKind::Rsi).shown);
+    QCOMPARE(chart.pane(IndicatorKind::Rsi).period, 14);
 }
 
 void tst_ChartState::typesThatAreNoneKeepTheChartsOwn()
@@ -140,7 +149,7 @@ void tst_ChartState::anRsiPeriodBelowTwoBecomesTwo()
 {
     ChartWidget chart;
     ChartState::fromJson({{u"rsi"_s, true}, {u"rsiPeriod"_s, -3}}).applyTo(chart);
-    QCOMPARE(chart.rsiPeriod(), 2);
+    QCOMPARE(chart.pane(IndicatorKind::Rsi).period, 2);
 }
 
 void tst_ChartState::aFullStateIsTheSameAgain()

@@ -19,7 +19,7 @@ QList<MovingAverageSpec> read(const QJsonArray& averages)
 MovingAverageSpec readOne(const QJsonObject& average)
 {
     const QList<MovingAverageSpec> averages = read({average});
-    return averages.size() == 1 ? averages.first() : MovingAverageSpec{AverageKind::Simple, -77, {}};
+    return averages.size() == 1 ? averages.first() : MovingAverageSpec{IndicatorKind::Sma, -77, {}};
 }
 
 } // namespace
@@ -46,9 +46,9 @@ private Q_SLOTS:
 void TestChartStateAverages::averages_are_saved_with_type_period_and_colour()
 {
     ChartWidget chart;
-    chart.setMovingAverages({{AverageKind::Exponential, 21, QColor(0x4f, 0xc3, 0xf7)},
-        {AverageKind::Simple, 50, QColor(Qt::red)}});
-    chart.setRsi(true, 9);
+    chart.setMovingAverages(
+        {{IndicatorKind::Ema, 21, QColor(0x4f, 0xc3, 0xf7)}, {IndicatorKind::Sma, 50, QColor(Qt::red)}});
+    chart.setPane(IndicatorKind::Rsi, true, 9);
     const QJsonObject json = ChartState::of(chart).toJson();
     const QJsonArray expected{
         QJsonObject{{u"type"_s, u"ema"_s}, {u"period"_s, 21}, {u"color"_s, u"#4fc3f7"_s}},
@@ -65,7 +65,8 @@ void TestChartStateAverages::an_average_is_exponential_only_when_its_type_says_s
     QTest::newRow("ema") << QJsonValue(u"ema"_s) << true;
     QTest::newRow("sma") << QJsonValue(u"sma"_s) << false;
     QTest::newRow("capitals") << QJsonValue(u"EMA"_s) << false;
-    QTest::newRow("unknown") << QJsonValue(u"wma"_s) << false;
+    QTest::newRow("unknown") << QJsonValue(u"no such kind"_s) << false;
+    QTest::newRow("one with a pane") << QJsonValue(u"rsi"_s) << false;
     QTest::newRow("number") << QJsonValue(1) << false;
     QTest::newRow("missing") << QJsonValue(QJsonValue::Undefined) << false;
 }
@@ -77,7 +78,7 @@ void TestChartStateAverages::an_average_is_exponential_only_when_its_type_says_s
     QJsonObject json{{u"period"_s, 30}};
     json.insert(u"type"_s, type);
     QCOMPARE(readOne(json),
-        (MovingAverageSpec{exponential ? AverageKind::Exponential : AverageKind::Simple, 30, firstColor}));
+        (MovingAverageSpec{exponential ? IndicatorKind::Ema : IndicatorKind::Sma, 30, firstColor}));
 }
 
 void TestChartStateAverages::a_colour_that_is_none_is_the_first_of_the_palette_data()
@@ -96,15 +97,14 @@ void TestChartStateAverages::a_colour_that_is_none_is_the_first_of_the_palette()
     QFETCH(QJsonValue, color);
     QJsonObject json{{u"type"_s, u"sma"_s}, {u"period"_s, 50}};
     json.insert(u"color"_s, color);
-    QCOMPARE(readOne(json), (MovingAverageSpec{AverageKind::Simple, 50, firstColor}));
+    QCOMPARE(readOne(json), (MovingAverageSpec{IndicatorKind::Sma, 50, firstColor}));
 }
 
 void TestChartStateAverages::a_see_through_colour_is_made_solid()
 {
     QCOMPARE(readOne({{u"color"_s, u"#80010203"_s}}).color, QColor(1, 2, 3));
     ChartWidget chart;
-    chart.setMovingAverages(
-        {{AverageKind::Simple, 5, QColor(1, 2, 3, 4)}, {AverageKind::Simple, 5, QColor()}});
+    chart.setMovingAverages({{IndicatorKind::Sma, 5, QColor(1, 2, 3, 4)}, {IndicatorKind::Sma, 5, QColor()}});
     QCOMPARE(chart.movingAverages().at(0).color, QColor(1, 2, 3));
     QCOMPARE(chart.movingAverages().at(1).color, firstColor);
 }
@@ -130,7 +130,7 @@ void TestChartStateAverages::periods_have_a_defined_outcome()
     QFETCH(int, expected);
     QJsonObject json{{u"type"_s, u"ema"_s}};
     json.insert(u"period"_s, period);
-    QCOMPARE(readOne(json), (MovingAverageSpec{AverageKind::Exponential, expected, firstColor}));
+    QCOMPARE(readOne(json), (MovingAverageSpec{IndicatorKind::Ema, expected, firstColor}));
 }
 
 void TestChartStateAverages::what_is_no_object_is_left_out_and_the_rest_is_kept()
@@ -145,7 +145,7 @@ void TestChartStateAverages::what_is_no_object_is_left_out_and_the_rest_is_kept(
 void TestChartStateAverages::unknown_keys_are_passed_over()
 {
     QCOMPARE(readOne({{u"period"_s, 7}, {u"width"_s, 3}, {u"kind"_s, u"ema"_s}}),
-        (MovingAverageSpec{AverageKind::Simple, 7, firstColor}));
+        (MovingAverageSpec{IndicatorKind::Sma, 7, firstColor}));
 }
 
 void TestChartStateAverages::of_thousands_of_averages_the_first_64_are_kept()
@@ -162,7 +162,7 @@ void TestChartStateAverages::of_thousands_of_averages_the_first_64_are_kept()
 void TestChartStateAverages::a_state_without_averages_removes_those_of_the_chart()
 {
     ChartWidget chart;
-    chart.setMovingAverages({{AverageKind::Simple, 5, Qt::red}});
+    chart.setMovingAverages({{IndicatorKind::Sma, 5, Qt::red}});
     ChartState::fromJson({{u"mas"_s, u"none"_s}}).applyTo(chart);
     QVERIFY(chart.movingAverages().isEmpty());
 }
@@ -175,11 +175,11 @@ void TestChartStateAverages::absurd_periods_are_shown_without_a_line()
     ChartState::fromJson({{u"mas"_s, QJsonArray{QJsonObject{{u"period"_s, 1'000'000'000}}}}, {u"rsi"_s, true},
                              {u"rsiPeriod"_s, 1'000'000'000}})
         .applyTo(chart);
-    QCOMPARE(chart.rsiPeriod(), 1'000'000'000);
+    QCOMPARE(chart.pane(IndicatorKind::Rsi).period, 1'000'000'000);
     const ChartFrame frame = chart.frame();
     QCOMPARE(frame.averages.size(), 1);
     QVERIFY(frame.averageValues.front().empty());
-    QVERIFY(frame.rsiValues.empty());
+    QVERIFY(frame.paneValues.front().empty());
     QVERIFY(!chart.grab().isNull());
 }
 

@@ -49,8 +49,8 @@ void TestChartWidget::starts_empty_and_following()
     QVERIFY(chart.autoScroll());
     QVERIFY(!chart.chartShift());
     QVERIFY(!chart.measureMode());
-    QVERIFY(!chart.rsiEnabled());
-    QCOMPARE(chart.rsiPeriod(), 14);
+    QVERIFY(!chart.pane(IndicatorKind::Rsi).shown);
+    QCOMPARE(chart.pane(IndicatorKind::Rsi).period, 14);
     QCOMPARE(chart.chartType(), 0);
     QCOMPARE(chart.minimumSize(), QSize(240, 160));
     QCOMPARE(chart.focusPolicy(), Qt::StrongFocus);
@@ -207,13 +207,13 @@ void TestChartWidget::the_lower_pane_takes_its_room()
 {
     ChartWidget chart;
     chart.resize(400, 500);
-    chart.setRsi(true, 1);
-    QCOMPARE(chart.rsiPeriod(), 2);
-    QCOMPARE(chart.view().rsi(), QRect(0, 378, 332, 100));
+    chart.setPane(IndicatorKind::Rsi, true, 1);
+    QCOMPARE(chart.pane(IndicatorKind::Rsi).period, 2);
+    QCOMPARE(chart.view().pane(0), QRect(0, 378, 332, 100));
     QCOMPARE(chart.view().plot(), QRect(0, 0, 332, 377));
-    chart.setRsi(false, -9);
-    QVERIFY(chart.view().rsi().isEmpty());
-    QCOMPARE(chart.rsiPeriod(), 2);
+    chart.setPane(IndicatorKind::Rsi, false, -9);
+    QVERIFY(chart.view().pane(0).isEmpty());
+    QCOMPARE(chart.pane(IndicatorKind::Rsi).period, 2);
 }
 
 void TestChartWidget::the_ruler_can_be_armed()

@@ -50,7 +50,7 @@ void TestChartWidgetPaint::setters_that_change_nothing_paint_nothing()
     chart.setChartShift(false);
     chart.setChartType(0);
     chart.setColors(ChartColors());
-    chart.setRsi(false, 14);
+    chart.setPane(IndicatorKind::Rsi, false, 14);
     chart.setMeasureMode(false);
     chart.onTick(1.1, 1.2, midnight); // late, same prices
     fixtures::leave(chart);
@@ -84,9 +84,9 @@ void TestChartWidgetPaint::every_change_paints_data()
         chart.setColors(colors);
     });
     row("averages", [](ChartWidget& chart) {
-        chart.setMovingAverages({{AverageKind::Simple, 5, QColor(Qt::red)}});
+        chart.setMovingAverages({{IndicatorKind::Sma, 5, QColor(Qt::red)}});
     });
-    row("lower pane", [](ChartWidget& chart) { chart.setRsi(true, 14); });
+    row("lower pane", [](ChartWidget& chart) { chart.setPane(IndicatorKind::Rsi, true, 14); });
     row("objects", [](ChartWidget& chart) {
         Drawing drawing;
         drawing.type = u"vline"_s;
@@ -155,8 +155,8 @@ void TestChartWidgetPaint::frames_compute_no_older_indicator_value()
 {
     ChartWidget chart;
     chart.setMovingAverages(
-        {{AverageKind::Simple, 5, QColor(Qt::red)}, {AverageKind::Exponential, 9, QColor(Qt::blue)}});
-    chart.setRsi(true, 14);
+        {{IndicatorKind::Sma, 5, QColor(Qt::red)}, {IndicatorKind::Ema, 9, QColor(Qt::blue)}});
+    chart.setPane(IndicatorKind::Rsi, true, 14);
     showChart(chart, 1000);
     const Candle last = chart.candles().back();
     PaintCounter paints(chart);
@@ -267,7 +267,7 @@ void TestChartWidgetPaint::any_size_can_be_painted()
             chart.resize(size);
             chart.setChartType(type);
             chart.setChartShift(bars == 1);
-            chart.setRsi(bars == 1, 14);
+            chart.setPane(IndicatorKind::Rsi, bars == 1, 14);
             chart.setCandles(wave(bars));
             chart.setAutoScroll(bars != 1);
             fixtures::hover(chart, QPoint(0, 0));

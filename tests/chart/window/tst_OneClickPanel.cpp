@@ -117,7 +117,7 @@ void tst_OneClickPanel::doesNotHideTheNamesOfTheAverages()
 {
     const ServedChart served;
     served.chart().setCandles(fixtures::wave(3));
-    served.chart().setMovingAverages({{AverageKind::Simple, 20, QColor(u"#ff00ff"_s)}});
+    served.chart().setMovingAverages({{IndicatorKind::Sma, 20, QColor(u"#ff00ff"_s)}});
     served.show();
     const QRect panel = panelOf(served).geometry();
     const auto named = [&served](int from, int to) {
