@@ -1,11 +1,11 @@
 #include "practice/server/DrawingsResource.h"
 
 #include "practice/server/BodyReader.h"
+#include "practice/server/Credentials.h"
 #include "practice/server/JsonText.h"
 #include "practice/server/Platform.h"
 #include "practice/server/QueryReader.h"
 #include "practice/server/Router.h"
-#include "practice/server/Secrets.h"
 
 #include <algorithm>
 #include <cctype>

@@ -14,12 +14,12 @@ namespace practice {
 
 namespace {
 
-FeedMessage shared(std::string text)
+SharedMessage shared(std::string text)
 {
     return std::make_shared<const std::string>(std::move(text));
 }
 
-FeedMessage priceUpdate(const std::vector<SymbolSpec>& symbols, std::span<const SymbolQuote> quotes)
+SharedMessage priceUpdate(const std::vector<SymbolSpec>& symbols, std::span<const SymbolQuote> quotes)
 {
     return shared(R"({"type":"price_update","data":)" + priceMap(symbols, quotes) + '}');
 }
@@ -60,7 +60,7 @@ std::size_t FeedHub::symbolCount() const
     return m_platform.symbols().size();
 }
 
-FeedMessage FeedHub::hello() const
+SharedMessage FeedHub::hello() const
 {
     auto symbols = nlohmann::json::array();
     const TimeMs now = m_platform.now();
@@ -70,7 +70,7 @@ FeedMessage FeedHub::hello() const
         + priceMap(m_platform.symbols(), m_platform.quotes()) + '}');
 }
 
-FeedMessage FeedHub::prices(const std::vector<bool>& symbols) const
+SharedMessage FeedHub::prices(const std::vector<bool>& symbols) const
 {
     std::vector<SymbolQuote> quotes;
     for (const SymbolQuote& quote : m_platform.quotes()) {
@@ -87,7 +87,7 @@ void FeedHub::pricesMoved(std::span<const SymbolQuote> changed)
     std::vector<bool> marks(symbolCount(), false);
     for (const SymbolQuote& quote : changed)
         marks[quote.symbol] = true;
-    const FeedMessage message = priceUpdate(m_platform.symbols(), changed);
+    const SharedMessage message = priceUpdate(m_platform.symbols(), changed);
     const auto sessions = m_sessions; // a session may leave while it is written to
     for (const auto& session : sessions)
         session->sendPrices(message, marks);
@@ -95,7 +95,7 @@ void FeedHub::pricesMoved(std::span<const SymbolQuote> changed)
 
 void FeedHub::accountEvent(const std::string& userId, const std::string& message)
 {
-    const FeedMessage event = shared(message);
+    const SharedMessage event = shared(message);
     const auto sessions = m_sessions;
     for (const auto& session : sessions) {
         if (session->userId() == userId)
@@ -103,7 +103,7 @@ void FeedHub::accountEvent(const std::string& userId, const std::string& message
     }
 }
 
-FeedMessage FeedHub::tradesOf(const std::string& userId) const
+SharedMessage FeedHub::tradesOf(const std::string& userId) const
 {
     auto rows = nlohmann::json::array();
     for (const Account& account : m_platform.accountsOf(userId)) {
@@ -118,7 +118,7 @@ FeedMessage FeedHub::tradesOf(const std::string& userId) const
 
 void FeedHub::sendTrades()
 {
-    std::map<std::string, FeedMessage> messages;
+    std::map<std::string, SharedMessage> messages;
     const auto sessions = m_sessions;
     for (const auto& session : sessions) {
         auto [entry, isNew] = messages.try_emplace(session->userId());

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "practice/server/FeedMessage.h"
 #include "practice/server/Limits.h"
 #include "practice/server/Platform.h"
+#include "practice/server/SharedMessage.h"
 
 #include <memory>
 #include <span>
@@ -27,9 +27,9 @@ public:
     [[nodiscard]] const Limits& limits() const { return m_limits; }
     [[nodiscard]] std::size_t symbolCount() const;
     /// The first message to a client: the symbols and their current prices.
-    [[nodiscard]] FeedMessage hello() const;
+    [[nodiscard]] SharedMessage hello() const;
     /// The current prices of the marked symbols.
-    [[nodiscard]] FeedMessage prices(const std::vector<bool>& symbols) const;
+    [[nodiscard]] SharedMessage prices(const std::vector<bool>& symbols) const;
 
     void pricesMoved(std::span<const SymbolQuote> changed) override;
     void accountEvent(const std::string& userId, const std::string& message) override;
@@ -40,7 +40,7 @@ public:
     void closeAll();
 
 private:
-    [[nodiscard]] FeedMessage tradesOf(const std::string& userId) const;
+    [[nodiscard]] SharedMessage tradesOf(const std::string& userId) const;
 
     Platform& m_platform;
     const Limits& m_limits;

@@ -85,7 +85,7 @@ void FeedSession::onRead(boost::system::error_code error)
     read();
 }
 
-void FeedSession::sendEvent(FeedMessage message)
+void FeedSession::sendEvent(SharedMessage message)
 {
     if (m_events.size() >= m_hub.limits().feedEvents)
         return leave();
@@ -93,13 +93,13 @@ void FeedSession::sendEvent(FeedMessage message)
     pump();
 }
 
-void FeedSession::sendTrades(FeedMessage message)
+void FeedSession::sendTrades(SharedMessage message)
 {
     m_trades = std::move(message);
     pump();
 }
 
-void FeedSession::sendPrices(const FeedMessage& message, const std::vector<bool>& changed)
+void FeedSession::sendPrices(const SharedMessage& message, const std::vector<bool>& changed)
 {
     m_merged = m_prices != nullptr;
     m_prices = message;
@@ -121,15 +121,15 @@ void FeedSession::pump()
             boost::system::error_code error, std::size_t) { self->onWritten(error); });
 }
 
-FeedMessage FeedSession::next()
+SharedMessage FeedSession::next()
 {
     if (!m_events.empty()) {
-        FeedMessage message = std::move(m_events.front());
+        SharedMessage message = std::move(m_events.front());
         m_events.pop_front();
         return message;
     }
     if (m_pongDue) {
-        static const FeedMessage pong = std::make_shared<const std::string>(R"({"type":"pong"})");
+        static const SharedMessage pong = std::make_shared<const std::string>(R"({"type":"pong"})");
         m_pongDue = false;
         return pong;
     }
@@ -137,7 +137,7 @@ FeedMessage FeedSession::next()
         return std::exchange(m_trades, nullptr);
     if (!m_prices)
         return nullptr;
-    FeedMessage message = m_merged ? m_hub.prices(m_changed) : m_prices;
+    SharedMessage message = m_merged ? m_hub.prices(m_changed) : m_prices;
     m_prices = nullptr;
     m_merged = false;
     m_changed.assign(m_changed.size(), false);

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "practice/server/FeedMessage.h"
+#include "practice/server/SharedMessage.h"
 
 #include <boost/beast/core/flat_buffer.hpp>
 #include <boost/beast/core/tcp_stream.hpp>
@@ -36,11 +36,11 @@ public:
     void start(Upgrade upgrade);
 
     /// Something that happened once; never merged and never left out.
-    void sendEvent(FeedMessage message);
+    void sendEvent(SharedMessage message);
     /// The state of the trades; replaces one that was not sent yet.
-    void sendTrades(FeedMessage message);
+    void sendTrades(SharedMessage message);
     /// New prices; `changed` marks the symbols in `message`.
-    void sendPrices(const FeedMessage& message, const std::vector<bool>& changed);
+    void sendPrices(const SharedMessage& message, const std::vector<bool>& changed);
 
     /// Disconnects a client that has not taken a message for too long.
     void dropIfStalled();
@@ -59,7 +59,7 @@ private:
     void read();
     void onRead(boost::system::error_code error);
     void pump();
-    [[nodiscard]] FeedMessage next();
+    [[nodiscard]] SharedMessage next();
     void onWritten(boost::system::error_code error);
     void leave();
 
@@ -69,13 +69,13 @@ private:
     std::shared_ptr<void> m_ticket;
     boost::beast::flat_buffer m_incoming;
 
-    std::deque<FeedMessage> m_events;
-    FeedMessage m_trades;
-    FeedMessage m_prices;        ///< waiting, complete for m_changed unless m_merged
+    std::deque<SharedMessage> m_events;
+    SharedMessage m_trades;
+    SharedMessage m_prices;      ///< waiting, complete for m_changed unless m_merged
     std::vector<bool> m_changed; ///< symbols with prices that were not sent yet
     bool m_merged = false;       ///< several updates wait; one is made when its turn comes
     bool m_pongDue = false;
-    FeedMessage m_writing;
+    SharedMessage m_writing;
     std::chrono::steady_clock::time_point m_writingSince;
     bool m_hasSpoken = false;
     bool m_open = false;

@@ -1,7 +1,7 @@
 #include "practice/server/FirstUse.h"
 
 #include "practice/core/broker/DefaultAccounts.h"
-#include "practice/server/Secrets.h"
+#include "practice/server/Credentials.h"
 #include "practice/storage/Database.h"
 #include "practice/storage/TradeStore.h"
 #include "practice/storage/UserStore.h"

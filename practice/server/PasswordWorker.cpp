@@ -1,6 +1,6 @@
 #include "practice/server/PasswordWorker.h"
 
-#include "practice/server/Secrets.h"
+#include "practice/server/Credentials.h"
 
 #include <boost/asio/post.hpp>
 

@@ -1,6 +1,6 @@
 #include "practice/server/Sessions.h"
 
-#include "practice/server/Secrets.h"
+#include "practice/server/Credentials.h"
 
 #include <boost/beast/core/string.hpp>
 

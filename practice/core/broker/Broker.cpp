@@ -4,7 +4,7 @@
 #include "practice/core/broker/OrderCheck.h"
 #include "practice/core/broker/QuietCheck.h"
 #include "practice/core/broker/RecordText.h"
-#include "practice/core/broker/TradeDesk.h"
+#include "practice/core/broker/TradeSteps.h"
 #include "practice/core/broker/Triggers.h"
 #include "practice/core/broker/Valuation.h"
 
@@ -132,8 +132,8 @@ CommandResult Broker::place(const PlaceRequest& request, TimeMs now)
     }
 
     trade.id = newId();
-    TradeDesk desk(m_ledger, m_prices, now);
-    return finish(desk.accept(std::move(trade)).record.id);
+    TradeSteps steps(m_ledger, m_prices, now);
+    return finish(steps.accept(std::move(trade)).record.id);
 }
 
 std::optional<Refusal> Broker::open(Trade& trade, std::size_t symbol, const Quote& quote) const
@@ -162,10 +162,10 @@ CommandResult Broker::close(std::string_view tradeId, TimeMs now)
     if (trade->record.status == TradeStatus::Pending)
         return refused(badRequest("This order is still pending. Cancel it instead of closing it."));
     LiveAccount& account = *trade->owner;
-    TradeDesk desk(m_ledger, m_prices, now);
-    if (!desk.closePosition(*trade, CloseReason::Manual))
+    TradeSteps steps(m_ledger, m_prices, now);
+    if (!steps.closePosition(*trade, CloseReason::Manual))
         return refused(noPrice(trade->record.symbol));
-    advancePhase(desk, account);
+    advancePhase(steps, account);
     return finish(std::string(tradeId));
 }
 
@@ -176,7 +176,7 @@ CommandResult Broker::cancel(std::string_view tradeId, TimeMs now)
         return refused(noSuchTrade());
     if (trade->record.status == TradeStatus::Open)
         return refused(badRequest("This order has been filled. Close the position instead of cancelling."));
-    TradeDesk(m_ledger, m_prices, now).cancelOrder(*trade, CloseReason::Manual);
+    TradeSteps(m_ledger, m_prices, now).cancelOrder(*trade, CloseReason::Manual);
     return finish(std::string(tradeId));
 }
 
@@ -207,30 +207,30 @@ CommandResult Broker::finish(std::string tradeId)
 
 ChangeSet Broker::closeEverything(TimeMs now)
 {
-    TradeDesk desk(m_ledger, m_prices, now);
+    TradeSteps steps(m_ledger, m_prices, now);
     for (const auto& account : m_ledger.accounts()) {
-        desk.closeEverything(*account, CloseReason::Reset);
-        advancePhase(desk, *account);
+        steps.closeEverything(*account, CloseReason::Reset);
+        advancePhase(steps, *account);
     }
     return m_ledger.take();
 }
 
 ChangeSet Broker::cancelEverything(TimeMs now)
 {
-    TradeDesk desk(m_ledger, m_prices, now);
+    TradeSteps steps(m_ledger, m_prices, now);
     for (const auto& account : m_ledger.accounts()) {
         const std::vector<LiveTrade*> trades = account->trades; // cancelling takes them out of the list
         for (LiveTrade* trade : trades)
-            desk.voidTrade(*trade, CloseReason::Reset);
+            steps.voidTrade(*trade, CloseReason::Reset);
     }
     return m_ledger.take();
 }
 
 ChangeSet Broker::reset(std::string_view accountId, TimeMs now)
 {
-    TradeDesk desk(m_ledger, m_prices, now);
+    TradeSteps steps(m_ledger, m_prices, now);
     if (LiveAccount* account = m_ledger.findAccount(accountId))
-        startAnew(desk, *account, [this] { return newId(); });
+        startAnew(steps, *account, [this] { return newId(); });
     return m_ledger.take();
 }
 
@@ -248,17 +248,17 @@ ChangeSet Broker::onPrices(std::span<const SymbolQuote> quotes, TimeMs now)
                 m_ledger.revalue(*position, *pnl);
         }
     }
-    TradeDesk desk(m_ledger, m_prices, now);
+    TradeSteps steps(m_ledger, m_prices, now);
     // The day turns before anything is closed, so that no night held is forgotten.
     for (const auto& account : m_ledger.accounts())
-        rollDay(desk, *account);
+        rollDay(steps, *account);
     for (const std::size_t symbol : affected)
-        runTriggers(desk, symbol);
+        runTriggers(steps, symbol);
     for (const auto& account : m_ledger.accounts()) {
-        enforceLossLimits(desk, *account);
-        enforceStopOut(desk, *account);
-        clearDebt(desk, *account, [this] { return newId(); });
-        advancePhase(desk, *account);
+        enforceLossLimits(steps, *account);
+        enforceStopOut(steps, *account);
+        clearDebt(steps, *account, [this] { return newId(); });
+        advancePhase(steps, *account);
     }
     return m_ledger.take();
 }

@@ -5,27 +5,27 @@
 namespace practice {
 namespace {
 
-void closeReached(TradeDesk& desk, std::size_t symbol, const Quote& quote)
+void closeReached(TradeSteps& steps, std::size_t symbol, const Quote& quote)
 {
     std::vector<std::pair<LiveTrade*, CloseReason>> reached;
-    for (LiveTrade* position : desk.ledger().openOf(symbol)) {
+    for (LiveTrade* position : steps.ledger().openOf(symbol)) {
         const CloseReason reason = reachedLevel(position->record, quote);
         if (reason != CloseReason::None)
             reached.emplace_back(position, reason);
     }
     for (const auto& [position, reason] : reached)
-        desk.closePosition(*position, reason);
+        steps.closePosition(*position, reason);
 }
 
-bool fillReached(TradeDesk& desk, std::size_t symbol, const Quote& quote)
+bool fillReached(TradeSteps& steps, std::size_t symbol, const Quote& quote)
 {
     std::vector<LiveTrade*> reached;
-    for (LiveTrade* order : desk.ledger().pendingOf(symbol)) {
+    for (LiveTrade* order : steps.ledger().pendingOf(symbol)) {
         if (triggerReached(order->record, quote))
             reached.push_back(order);
     }
     for (LiveTrade* order : reached)
-        desk.fillOrder(*order);
+        steps.fillOrder(*order);
     return !reached.empty();
 }
 
@@ -60,14 +60,14 @@ bool triggerReached(const Trade& order, const Quote& quote)
     return false;
 }
 
-void runTriggers(TradeDesk& desk, std::size_t symbol)
+void runTriggers(TradeSteps& steps, std::size_t symbol)
 {
-    const std::optional<Quote> quote = desk.prices().quote(symbol);
+    const std::optional<Quote> quote = steps.prices().quote(symbol);
     if (!quote)
         return;
-    closeReached(desk, symbol, *quote);
-    if (fillReached(desk, symbol, *quote))
-        closeReached(desk, symbol, *quote);
+    closeReached(steps, symbol, *quote);
+    if (fillReached(steps, symbol, *quote))
+        closeReached(steps, symbol, *quote);
 }
 
 } // namespace practice

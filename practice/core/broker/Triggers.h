@@ -1,6 +1,6 @@
 #pragma once
 
-#include "practice/core/broker/TradeDesk.h"
+#include "practice/core/broker/TradeSteps.h"
 
 namespace practice {
 
@@ -14,6 +14,6 @@ namespace practice {
 /// Closes the symbol's positions whose levels are reached, then fills its orders whose triggers are reached
 /// (with the margin that the closed ones freed), then closes those of the new positions whose own level the
 /// same price has reached already.
-void runTriggers(TradeDesk& desk, std::size_t symbol);
+void runTriggers(TradeSteps& steps, std::size_t symbol);
 
 } // namespace practice

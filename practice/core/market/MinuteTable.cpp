@@ -30,7 +30,7 @@ template <typename Prices> Prices packed(const MinuteRecord& record)
 }
 
 template <typename Prices>
-PriceRange rangeOf(const std::vector<Prices>& minutes, std::size_t first, std::size_t last)
+PointRange rangeOf(const std::vector<Prices>& minutes, std::size_t first, std::size_t last)
 {
     auto high = minutes[first].high;
     auto low = minutes[first].low;
@@ -60,7 +60,7 @@ MinuteRecord MinuteTable::at(std::size_t number) const
     return record;
 }
 
-PriceRange MinuteTable::range(std::size_t first, std::size_t last) const
+PointRange MinuteTable::range(std::size_t first, std::size_t last) const
 {
     return m_isWide ? rangeOf(m_wide, first, last) : rangeOf(m_narrow, first, last);
 }

@@ -15,7 +15,7 @@ struct MinuteRecord {
 };
 
 /// The highest and the lowest price of some minutes, in points.
-struct PriceRange {
+struct PointRange {
     std::int64_t high = 0;
     std::int64_t low = 0;
 };
@@ -34,7 +34,7 @@ public:
     [[nodiscard]] MinuteRecord at(std::size_t number) const;
 
     /// Over the minutes first..last, both included.
-    [[nodiscard]] PriceRange range(std::size_t first, std::size_t last) const;
+    [[nodiscard]] PointRange range(std::size_t first, std::size_t last) const;
 
     /// Volume of all minutes before this number, which is at most size().
     [[nodiscard]] std::int64_t volumeBefore(std::size_t number) const

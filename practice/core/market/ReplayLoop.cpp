@@ -11,7 +11,7 @@ namespace {
 // would take many times the room of the record.
 constexpr std::size_t blockMinutes = 16;
 
-PriceRange joined(const PriceRange& left, const PriceRange& right)
+PointRange joined(const PointRange& left, const PointRange& right)
 {
     return {std::max(left.high, right.high), std::min(left.low, right.low)};
 }
@@ -28,8 +28,8 @@ ReplayLoop::ReplayLoop(MinuteTable minutes)
     for (std::size_t block = 0; block < blocks; ++block)
         m_ranges[0].push_back(m_minutes.range(block * blockMinutes, (block + 1) * blockMinutes - 1));
     for (std::size_t width = 2; width <= blocks; width *= 2) {
-        const std::vector<PriceRange>& halves = m_ranges.back();
-        std::vector<PriceRange> wholes;
+        const std::vector<PointRange>& halves = m_ranges.back();
+        std::vector<PointRange> wholes;
         wholes.reserve(blocks - width + 1);
         for (std::size_t i = 0; i + width <= blocks; ++i)
             wholes.push_back(joined(halves[i], halves[i + width / 2]));
@@ -40,8 +40,8 @@ ReplayLoop::ReplayLoop(MinuteTable minutes)
 std::size_t ReplayLoop::bytes() const
 {
     std::size_t sum = m_minutes.bytes();
-    for (const std::vector<PriceRange>& level : m_ranges)
-        sum += level.capacity() * sizeof(PriceRange);
+    for (const std::vector<PointRange>& level : m_ranges)
+        sum += level.capacity() * sizeof(PointRange);
     return sum;
 }
 
@@ -65,14 +65,14 @@ std::int64_t ReplayLoop::volumeBefore(std::int64_t number) const
     return number / (2 * m_count) * 2 * total + sinceLoop;
 }
 
-PriceRange ReplayLoop::recorded(std::size_t first, std::size_t last) const
+PointRange ReplayLoop::recorded(std::size_t first, std::size_t last) const
 {
     const std::size_t firstBlock = (first + blockMinutes - 1) / blockMinutes;
     const std::size_t endBlock = (last + 1) / blockMinutes;
     if (firstBlock >= endBlock)
         return m_minutes.range(first, last);
     const std::size_t level = std::bit_width((endBlock - firstBlock) | 1U) - 1U; // at least one block
-    PriceRange range
+    PointRange range
         = joined(m_ranges[level][firstBlock], m_ranges[level][endBlock - (std::size_t(1) << level)]);
     if (first < firstBlock * blockMinutes)
         range = joined(range, m_minutes.range(first, firstBlock * blockMinutes - 1));
@@ -81,7 +81,7 @@ PriceRange ReplayLoop::recorded(std::size_t first, std::size_t last) const
     return range;
 }
 
-PriceRange ReplayLoop::looped(std::int64_t first, std::int64_t last) const
+PointRange ReplayLoop::looped(std::int64_t first, std::int64_t last) const
 {
     const std::int64_t run = first / m_count; // even runs go forwards, odd ones backwards
     if (last - first + 1 >= 2 * m_count)
@@ -99,7 +99,7 @@ PriceRange ReplayLoop::looped(std::int64_t first, std::int64_t last) const
 
 GridBar ReplayLoop::fold(std::int64_t first, std::int64_t last) const
 {
-    const PriceRange range = looped(first, last);
+    const PointRange range = looped(first, last);
     return {minute(first).bar.open, range.high, range.low, minute(last).bar.close,
         volumeBefore(last + 1) - volumeBefore(first)};
 }

@@ -28,12 +28,12 @@ public:
     [[nodiscard]] std::size_t bytes() const;
 
 private:
-    [[nodiscard]] PriceRange recorded(std::size_t first, std::size_t last) const;
-    [[nodiscard]] PriceRange looped(std::int64_t first, std::int64_t last) const;
+    [[nodiscard]] PointRange recorded(std::size_t first, std::size_t last) const;
+    [[nodiscard]] PointRange looped(std::int64_t first, std::int64_t last) const;
 
     std::int64_t m_count;
     MinuteTable m_minutes;
-    std::vector<std::vector<PriceRange>> m_ranges; // [level][i]: the 2^level blocks of minutes from i
+    std::vector<std::vector<PointRange>> m_ranges; // [level][i]: the 2^level blocks of minutes from i
 };
 
 } // namespace practice

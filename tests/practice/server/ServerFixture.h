@@ -5,9 +5,9 @@
 #include "practice/storage/TemporaryFolder.h"
 
 #include "practice/core/market/PriceSource.h"
+#include "practice/server/Credentials.h"
 #include "practice/server/FirstUse.h"
 #include "practice/server/ListeningPort.h"
-#include "practice/server/Secrets.h"
 #include "practice/server/Server.h"
 
 #include <boost/asio/post.hpp>

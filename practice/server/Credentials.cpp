@@ -1,4 +1,4 @@
-#include "practice/server/Secrets.h"
+#include "practice/server/Credentials.h"
 
 #include "practice/server/Sha256.h"
 

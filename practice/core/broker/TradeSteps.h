@@ -10,10 +10,10 @@ namespace practice {
 
 /// The steps that every road to a fill or a close shares, at one moment and its prices. Each writes its
 /// record, moves the money and emits its event.
-class TradeDesk {
+class TradeSteps {
 public:
     /// Keeps references; meant to live for one command or one set of prices.
-    TradeDesk(Ledger& ledger, const PriceBoard& prices, TimeMs now);
+    TradeSteps(Ledger& ledger, const PriceBoard& prices, TimeMs now);
 
     /// Takes a new position or order into the books.
     LiveTrade& accept(Trade trade);

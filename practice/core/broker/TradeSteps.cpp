@@ -1,4 +1,4 @@
-#include "practice/core/broker/TradeDesk.h"
+#include "practice/core/broker/TradeSteps.h"
 
 #include "practice/core/broker/Valuation.h"
 
@@ -6,21 +6,21 @@
 
 namespace practice {
 
-TradeDesk::TradeDesk(Ledger& ledger, const PriceBoard& prices, TimeMs now)
+TradeSteps::TradeSteps(Ledger& ledger, const PriceBoard& prices, TimeMs now)
     : m_ledger(ledger)
     , m_prices(prices)
     , m_now(now)
 {
 }
 
-LiveTrade& TradeDesk::accept(Trade trade)
+LiveTrade& TradeSteps::accept(Trade trade)
 {
     LiveTrade& live = m_ledger.add(std::move(trade));
     m_ledger.emit(OrdersChanged{live.record.accountId, live.record.id, false, CloseReason::None});
     return live;
 }
 
-bool TradeDesk::fillOrder(LiveTrade& order)
+bool TradeSteps::fillOrder(LiveTrade& order)
 {
     const std::optional<Quote> quote = m_prices.quote(order.symbol);
     const std::optional<Rate> rate = m_prices.usdRate(order.symbol);
@@ -44,7 +44,7 @@ bool TradeDesk::fillOrder(LiveTrade& order)
     return true;
 }
 
-bool TradeDesk::closePosition(LiveTrade& position, CloseReason reason)
+bool TradeSteps::closePosition(LiveTrade& position, CloseReason reason)
 {
     const std::optional<Quote> quote = m_prices.quote(position.symbol);
     const std::optional<Cents> result = m_prices.netProfit(position.record, position.symbol);
@@ -62,7 +62,7 @@ bool TradeDesk::closePosition(LiveTrade& position, CloseReason reason)
     return true;
 }
 
-void TradeDesk::cancelOrder(LiveTrade& order, CloseReason reason)
+void TradeSteps::cancelOrder(LiveTrade& order, CloseReason reason)
 {
     Trade cancelled = order.record;
     cancelled.status = TradeStatus::Cancelled;
@@ -75,7 +75,7 @@ void TradeDesk::cancelOrder(LiveTrade& order, CloseReason reason)
     m_ledger.finish(order, std::move(cancelled));
 }
 
-void TradeDesk::voidTrade(LiveTrade& trade, CloseReason reason)
+void TradeSteps::voidTrade(LiveTrade& trade, CloseReason reason)
 {
     Trade cancelled = trade.record;
     cancelled.status = TradeStatus::Cancelled;
@@ -86,7 +86,7 @@ void TradeDesk::voidTrade(LiveTrade& trade, CloseReason reason)
     m_ledger.finish(trade, std::move(cancelled));
 }
 
-void TradeDesk::setBalance(LiveAccount& account, Cents balance, const IdSource& newId, std::string comment)
+void TradeSteps::setBalance(LiveAccount& account, Cents balance, const IdSource& newId, std::string comment)
 {
     Trade line;
     line.pnl = balance - account.record.balance;
@@ -103,7 +103,7 @@ void TradeDesk::setBalance(LiveAccount& account, Cents balance, const IdSource& 
     m_ledger.addFinished(std::move(line));
 }
 
-void TradeDesk::closeEverything(LiveAccount& account, CloseReason reason)
+void TradeSteps::closeEverything(LiveAccount& account, CloseReason reason)
 {
     const std::vector<LiveTrade*> trades = account.trades; // closing takes them out of the list
     for (LiveTrade* trade : trades) {
@@ -114,7 +114,7 @@ void TradeDesk::closeEverything(LiveAccount& account, CloseReason reason)
     }
 }
 
-void TradeDesk::setStatus(LiveAccount& account, AccountStatus status)
+void TradeSteps::setStatus(LiveAccount& account, AccountStatus status)
 {
     m_ledger.change(account).status = status;
     m_ledger.emit(AccountUpdated{account.record});

@@ -6,6 +6,6 @@
 namespace practice {
 
 /// A message made once and shared by every client it goes to.
-using FeedMessage = std::shared_ptr<const std::string>;
+using SharedMessage = std::shared_ptr<const std::string>;
 
 } // namespace practice
