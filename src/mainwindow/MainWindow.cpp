@@ -64,36 +64,36 @@ QList<NavigatorWidget::Indicator> offeredIndicators()
 
 MainWindow::MainWindow(QWidget* parent)
     : QMainWindow(parent)
-    , m_charts(new ChartArea(m_api, m_book, this))
-    , m_docks(new DockKeeper(*this))
-    , m_marketWatch(new MarketWatchWidget(&m_docks->marketWatchDock()))
-    , m_navigator(new NavigatorWidget(offeredIndicators(), &m_docks->navigatorDock()))
-    , m_toolbox(new TerminalPane(&m_docks->toolboxDock()))
-    , m_status(
-          new StatusPanel(*statusBar(), StatusPanel::hostOf(TerminalSettings::instance().serverUrl()), this))
-    , m_quitWatch(new QuitWatch(this))
-    , m_screenFit(new ScreenFit(*this))
 {
     setWindowTitle(tr("Tavoran Terminal"));
     resize(initialSize);
-    setCentralWidget(m_charts);
+    m_charts = std::make_unique<ChartArea>(m_api, m_book, this);
+    m_docks = std::make_unique<DockKeeper>(*this);
+    m_marketWatch = new MarketWatchWidget(&m_docks->marketWatchDock());
+    m_navigator = new NavigatorWidget(offeredIndicators(), &m_docks->navigatorDock());
+    m_toolbox = new TerminalPane(&m_docks->toolboxDock());
+    m_status
+        = new StatusPanel(*statusBar(), StatusPanel::hostOf(TerminalSettings::instance().serverUrl()), this);
+    m_quitWatch = new QuitWatch(this);
+    m_screenFit = new ScreenFit(*this);
+    setCentralWidget(m_charts.get());
     buildToolbox();
     m_docks->setPanes(*m_marketWatch, *m_navigator, *m_toolbox);
-    m_loader = new AccountLoader(m_api, m_book, this);
+    m_loader = std::make_unique<AccountLoader>(m_api, m_book, this);
     m_accountSelector = new AccountSelector(m_status->accountSelector(), m_book, this);
     m_toolboxFiller = new ToolboxFiller(*m_toolbox, m_book, this);
     m_actions = new TerminalActions(*this,
         {m_docks->marketWatchDock().toggleViewAction(), m_docks->navigatorDock().toggleViewAction(),
             m_docks->toolboxDock().toggleViewAction()});
-    m_chartCommands = new ChartCommands(*m_actions, *m_charts, this);
+    m_chartCommands = std::make_unique<ChartCommands>(*m_actions, *m_charts, this);
     m_links = new DesktopLinks(this);
     m_smallWindows = new SmallWindows(m_book, *m_marketWatch, *this);
-    m_tradeActions = new TradeActions(m_api, m_book, this);
-    m_tradeDesk = new TradeDesk(m_api, m_feed, m_book, *m_tradeActions, *this);
+    m_tradeActions = std::make_unique<TradeActions>(m_api, m_book, this);
+    m_tradeDesk = std::make_unique<TradeDesk>(m_api, m_feed, m_book, *m_tradeActions, *this);
     m_expertAttachment = new ExpertAttachment(*m_charts, *m_tradeActions, this);
     buildTray();
     m_orderEvents = new OrderEvents(m_tray != nullptr, this);
-    m_reports = new Reports(*m_toolbox, *m_loader, m_tray, this);
+    m_reports = std::make_unique<Reports>(*m_toolbox, m_tray, this);
 
     connectFeed();
     connectAccount();
@@ -103,6 +103,7 @@ MainWindow::MainWindow(QWidget* parent)
     connectExperts();
     connectActions();
     connectReports();
+    connectRefreshes();
     buildMenus();
     buildToolbar();
     setUpExperts();
@@ -113,24 +114,16 @@ MainWindow::MainWindow(QWidget* parent)
 
 MainWindow::~MainWindow()
 {
-    // Whatever talks through the clients, or reports to this window, goes before them.
+    // Nothing acts through this window any more. What goes before what, the order of its members says.
     m_feed.disconnect();
-    TerminalSettings::instance().setTeller({});
-    delete m_tradeDesk;
-    delete m_tradeActions;
     m_charts->disconnect(this);
-    delete m_chartCommands;
-    delete m_charts;
-    delete m_reports; // experts may still fail while their charts go
-    delete m_loader;
-    delete m_docks;
 }
 
 void MainWindow::buildToolbox()
 {
-    m_news = new NewsPane(m_api, m_toolbox->pageParent());
+    m_news = std::make_unique<NewsPane>(m_api, m_toolbox->pageParent());
     m_alerts = new AlertsPane(m_toolbox->pageParent());
-    m_toolbox->addTab(m_news, tr("Calendar"));
+    m_toolbox->addTab(m_news.get(), tr("Calendar"));
     m_toolbox->addTab(m_alerts, tr("Alerts"));
 }
 
@@ -160,7 +153,7 @@ void MainWindow::connectFeed()
     connect(&m_feed, &WsClient::tradesUpdated, this, &MainWindow::onTradesUpdated);
     connect(&m_feed, &WsClient::ordersChanged, this, &MainWindow::onOrdersChanged);
     connect(&m_feed, &WsClient::accountUpdated, this, &MainWindow::onAccountUpdated);
-    connect(&m_feed, &WsClient::disconnected, m_charts, &ChartArea::noteInterruption);
+    connect(&m_feed, &WsClient::disconnected, m_charts.get(), &ChartArea::noteInterruption);
     m_status->follow(m_feed);
     connect(&m_api, &ApiClient::unauthorized, this, [this] {
         journal(tr("Auth"), tr("Session expired — please restart the terminal and log in again."));
@@ -173,11 +166,12 @@ void MainWindow::connectAccount()
         [this] { m_navigator->setAccounts(m_book.accounts()); });
     connect(&m_book, &AccountBook::currentAccountChanged, m_navigator,
         [this] { m_navigator->setActiveAccount(m_book.currentAccountId()); });
-    connect(&m_book, &AccountBook::currentAccountChanged, m_charts, &ChartArea::applyAccount);
-    connect(&m_book, &AccountBook::tradesChanged, m_charts, &ChartArea::applyTrades);
-    connect(&m_book, &AccountBook::summaryChanged, m_charts, &ChartArea::applySummary);
-    connect(m_loader, &AccountLoader::historyRead, m_toolboxFiller, &ToolboxFiller::showHistory);
-    connect(m_accountSelector, &AccountSelector::accountChosen, m_loader, &AccountLoader::selectAccount);
+    connect(&m_book, &AccountBook::currentAccountChanged, m_charts.get(), &ChartArea::applyAccount);
+    connect(&m_book, &AccountBook::tradesChanged, m_charts.get(), &ChartArea::applyTrades);
+    connect(&m_book, &AccountBook::summaryChanged, m_charts.get(), &ChartArea::applySummary);
+    connect(m_loader.get(), &AccountLoader::historyRead, m_toolboxFiller, &ToolboxFiller::showHistory);
+    connect(
+        m_accountSelector, &AccountSelector::accountChosen, m_loader.get(), &AccountLoader::selectAccount);
     connect(m_navigator, &NavigatorWidget::accountActivated, m_accountSelector, &AccountSelector::choose);
 }
 
@@ -185,7 +179,7 @@ void MainWindow::connectQuotes()
 {
     connect(&m_book, &AccountBook::symbolsChanged, m_marketWatch,
         [this] { m_marketWatch->setSymbols(m_book.symbols()); });
-    connect(&m_book, &AccountBook::symbolsChanged, m_charts, &ChartArea::applySymbols);
+    connect(&m_book, &AccountBook::symbolsChanged, m_charts.get(), &ChartArea::applySymbols);
     connect(&m_book, &AccountBook::symbolsChanged, m_smallWindows, &SmallWindows::onSymbols);
     connect(&m_book, &AccountBook::symbolsChanged, m_actions,
         [this] { m_actions->setSymbolsKnown(!m_book.symbolsByName().isEmpty()); });
@@ -193,47 +187,67 @@ void MainWindow::connectQuotes()
         [this] { m_alerts->setSymbols(m_book.symbolNames()); });
     connect(&m_book, &AccountBook::quotesChanged, m_marketWatch, &MarketWatchWidget::showQuotes);
     connect(&m_book, &AccountBook::quotesChanged, m_smallWindows, &SmallWindows::onPrices);
-    connect(&m_book, &AccountBook::ticked, m_charts, &ChartArea::showQuotes);
+    connect(&m_book, &AccountBook::ticked, m_charts.get(), &ChartArea::showQuotes);
     connect(&m_book, &AccountBook::ticked, m_alerts, &AlertsPane::checkQuotes);
 }
 
 void MainWindow::connectPanes()
 {
-    connect(m_charts, &QMdiArea::subWindowActivated, this, &MainWindow::onSubWindowActivated);
+    connect(m_charts.get(), &QMdiArea::subWindowActivated, this, &MainWindow::onSubWindowActivated);
     connect(m_marketWatch, &MarketWatchWidget::symbolActivated, this, &MainWindow::openChart);
-    connect(m_navigator, &NavigatorWidget::indicatorActivated, m_chartCommands, &ChartCommands::addIndicator);
+    connect(m_navigator, &NavigatorWidget::indicatorActivated, m_chartCommands.get(),
+        &ChartCommands::addIndicator);
 }
 
 void MainWindow::connectTrades()
 {
     connect(m_toolbox, &TerminalPane::tradeContextMenu, this, &MainWindow::onTradeContextMenu);
     connect(m_toolbox, &TerminalPane::tradeDoubleClicked, this, &MainWindow::onTradeDoubleClicked);
-    connect(m_charts, &ChartArea::modifyLevelRequested, this, &MainWindow::onChartModifyLevel);
-    connect(m_charts, &ChartArea::quickTradeRequested, this, &MainWindow::onQuickTrade);
-    connect(m_actions->algoTrading, &QAction::toggled, m_tradeActions, &TradeActions::setAlgoTrading);
-    connect(m_tradeDesk, &TradeDesk::newOrderRequested, this, &MainWindow::openOrderDialog);
+    connect(m_charts.get(), &ChartArea::modifyLevelRequested, this, &MainWindow::onChartModifyLevel);
+    connect(m_charts.get(), &ChartArea::quickTradeRequested, this, &MainWindow::onQuickTrade);
+    connect(m_actions->algoTrading, &QAction::toggled, m_tradeActions.get(), &TradeActions::setAlgoTrading);
+    connect(m_tradeDesk.get(), &TradeDesk::newOrderRequested, this, &MainWindow::openOrderDialog);
 }
 
 void MainWindow::connectExperts()
 {
     connect(m_navigator, &NavigatorWidget::expertActivated, m_expertAttachment, &ExpertAttachment::attach);
-    connect(m_charts, &ChartArea::expertOrderRequested, this, &MainWindow::onExpertOrder);
-    connect(m_charts, &ChartArea::expertCloseAllRequested, this, &MainWindow::onExpertCloseAll);
+    connect(m_charts.get(), &ChartArea::expertOrderRequested, this, &MainWindow::onExpertOrder);
+    connect(m_charts.get(), &ChartArea::expertCloseAllRequested, this, &MainWindow::onExpertCloseAll);
 }
 
 void MainWindow::connectReports()
 {
-    m_reports->follow(m_feed);
-    m_reports->follow(*m_loader);
-    m_reports->follow(*m_charts);
-    m_reports->follow(*m_chartCommands);
-    m_reports->follow(*m_links);
-    m_reports->follow(*m_tradeDesk);
-    m_reports->follow(*m_tradeActions);
-    m_reports->follow(*m_expertAttachment);
-    m_reports->follow(*m_orderEvents);
-    m_reports->follow(*m_alerts);
-    m_reports->follow(*m_news);
+    m_reports->follow(m_feed, &WsClient::logMessage);
+    m_reports->follow(*m_loader, &AccountLoader::journalLine);
+    m_reports->follow(*m_charts, &ChartArea::logMessage, &ChartArea::expertLog);
+    m_reports->follow(*m_chartCommands, &ChartCommands::logMessage);
+    m_reports->follow(*m_links, &DesktopLinks::logMessage);
+    m_reports->follow(*m_tradeDesk, &TradeDesk::journalLine, &TradeDesk::expertLine);
+    m_reports->follow(
+        *m_tradeActions, &TradeActions::journalLine, &TradeActions::expertLine, &TradeActions::soundWanted);
+    m_reports->follow(*m_expertAttachment, &ExpertAttachment::expertLine);
+    m_reports->follow(*m_orderEvents, &OrderEvents::journalLine, &OrderEvents::expertLine,
+        &OrderEvents::soundWanted, &OrderEvents::balloonWanted);
+    m_reports->follow(*m_alerts, &AlertsPane::soundWanted, &AlertsPane::balloonWanted);
+    m_reports->follow(*m_news, &NewsPane::balloonWanted);
+}
+
+void MainWindow::connectRefreshes()
+{
+    AccountLoader* loader = m_loader.get();
+    connect(
+        m_tradeActions.get(), &TradeActions::accountsRefreshWanted, loader, &AccountLoader::refreshAccounts);
+    connect(
+        m_tradeActions.get(), &TradeActions::tradesRefreshWanted, loader, &AccountLoader::refreshOpenTrades);
+    connect(
+        m_tradeActions.get(), &TradeActions::historyRefreshWanted, loader, &AccountLoader::refreshHistory);
+    connect(m_tradeDesk.get(), &TradeDesk::accountsRefreshWanted, loader, &AccountLoader::refreshAccounts);
+    connect(m_tradeDesk.get(), &TradeDesk::tradesRefreshWanted, loader, &AccountLoader::refreshOpenTrades);
+    connect(m_tradeDesk.get(), &TradeDesk::everythingRefreshWanted, loader, &AccountLoader::refreshAll);
+    connect(m_orderEvents, &OrderEvents::accountsRefreshWanted, loader, &AccountLoader::refreshAccounts);
+    connect(m_orderEvents, &OrderEvents::tradesRefreshWanted, loader, &AccountLoader::refreshOpenTrades);
+    connect(m_orderEvents, &OrderEvents::historyRefreshWanted, loader, &AccountLoader::refreshHistory);
 }
 
 void MainWindow::connectActions()
@@ -242,7 +256,7 @@ void MainWindow::connectActions()
     connect(m_actions->newOrder, &QAction::triggered, this, &MainWindow::openOrderDialog);
     connect(m_actions->exit, &QAction::triggered, this, &MainWindow::quit);
     connect(m_actions->popupPrices, &QAction::triggered, this, &MainWindow::togglePopupPrices);
-    connect(m_actions->restoreLayout, &QAction::triggered, m_docks, &DockKeeper::restoreDefault);
+    connect(m_actions->restoreLayout, &QAction::triggered, m_docks.get(), &DockKeeper::restoreDefault);
     connect(m_actions->lightTheme, &QAction::triggered, this, [this] { chooseTheme(false); });
     connect(m_actions->darkTheme, &QAction::triggered, this, [this] { chooseTheme(true); });
     connect(m_actions->timeframes, &QActionGroup::triggered, this, &MainWindow::onTimeframeAction);
@@ -250,7 +264,8 @@ void MainWindow::connectActions()
     connect(m_actions->about, &QAction::triggered, m_smallWindows, &SmallWindows::showAbout);
     connect(m_actions->checkForUpdates, &QAction::triggered, this,
         [] { UpdateFramework::instance().checkWithUi(); });
-    connect(m_chartCommands, &ChartCommands::specificationRequested, this, &MainWindow::showSpecification);
+    connect(
+        m_chartCommands.get(), &ChartCommands::specificationRequested, this, &MainWindow::showSpecification);
     m_links->serve(*m_actions, *this);
     connect(m_quitWatch, &QuitWatch::quitRequested, this, &MainWindow::quit);
     // The session's manager may end the process without another word; or the session goes on.
@@ -406,7 +421,7 @@ void MainWindow::bringToFront()
 void MainWindow::restoreLayout()
 {
     TerminalSettings& settings = TerminalSettings::instance();
-    settings.setTeller([this](const QString& notice) { journal(tr("Terminal"), notice); });
+    m_reports->followSettings();
     QStringList notices = settings.takeNotices();
     notices.append(m_docks->restoreFromSettings());
     for (const QString& notice : std::as_const(notices)) {
@@ -462,5 +477,5 @@ void MainWindow::showEvent(QShowEvent* event)
     m_leaving = false;
     if (!std::exchange(m_wasShown, true) && !m_docks->hasRestoredGeometry())
         ScreenFit::fit(*this);
-    QTimer::singleShot(0, m_docks, &DockKeeper::confirmRestored);
+    QTimer::singleShot(0, m_docks.get(), &DockKeeper::confirmRestored);
 }

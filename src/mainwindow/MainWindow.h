@@ -8,6 +8,8 @@
 #include <QJsonObject>
 #include <QMainWindow>
 
+#include <memory>
+
 class AccountLoader;
 class AccountSelector;
 class AlertsPane;
@@ -91,6 +93,7 @@ private:
     void connectExperts();
     void connectActions();
     void connectReports();
+    void connectRefreshes();
     void setUpExperts();
     void restoreLayout();
     /// Writes the layout to the settings, whatever has been written before.
@@ -102,35 +105,38 @@ private:
     /// The active chart's symbol, else the one selected in Market Watch.
     [[nodiscard]] QString currentSymbol() const;
 
+    // The order is that of life: what is declared later goes earlier, and may use what stands before it.
     ApiClient m_api;
     WsClient m_feed;
     AccountBook m_book;
     QJsonObject m_user;
 
-    // Owned by this window as its children.
-    ChartArea* m_charts;
-    DockKeeper* m_docks;
-    MarketWatchWidget* m_marketWatch;
-    NavigatorWidget* m_navigator;
-    TerminalPane* m_toolbox;
-    ToolboxFiller* m_toolboxFiller;
-    StatusPanel* m_status;
+    // Children that know neither client. This window ends them after all its members.
+    MarketWatchWidget* m_marketWatch = nullptr;
+    NavigatorWidget* m_navigator = nullptr;
+    TerminalPane* m_toolbox = nullptr;
+    AlertsPane* m_alerts = nullptr;
+    ToolboxFiller* m_toolboxFiller = nullptr;
+    StatusPanel* m_status = nullptr;
+    AccountSelector* m_accountSelector = nullptr;
     TrayIcon* m_tray = nullptr; ///< none on a desktop without a tray
     OrderEvents* m_orderEvents = nullptr;
-    AccountLoader* m_loader;
-    AccountSelector* m_accountSelector;
-    TerminalActions* m_actions;
-    ChartCommands* m_chartCommands;
-    DesktopLinks* m_links;
-    SmallWindows* m_smallWindows;
-    TradeActions* m_tradeActions;
-    TradeDesk* m_tradeDesk;
-    ExpertAttachment* m_expertAttachment;
-    Reports* m_reports;
-    AlertsPane* m_alerts = nullptr;
-    NewsPane* m_news = nullptr;
-    QuitWatch* m_quitWatch;
-    ScreenFit* m_screenFit;
+    TerminalActions* m_actions = nullptr;
+    DesktopLinks* m_links = nullptr;
+    SmallWindows* m_smallWindows = nullptr;
+    ExpertAttachment* m_expertAttachment = nullptr;
+    QuitWatch* m_quitWatch = nullptr;
+    ScreenFit* m_screenFit = nullptr;
+
+    // What talks through the clients, what reports to the children, and who acts on these.
+    std::unique_ptr<DockKeeper> m_docks;
+    std::unique_ptr<AccountLoader> m_loader;
+    std::unique_ptr<NewsPane> m_news;
+    std::unique_ptr<Reports> m_reports; ///< experts may still fail while their charts go
+    std::unique_ptr<ChartArea> m_charts;
+    std::unique_ptr<ChartCommands> m_chartCommands;
+    std::unique_ptr<TradeActions> m_tradeActions; ///< what experts want while their charts go is not sent
+    std::unique_ptr<TradeDesk> m_tradeDesk;
 
     bool m_layoutStored = false; ///< since the window was last shown; what closes after it changes nothing
     bool m_leaving = false;

@@ -1,13 +1,25 @@
 #include "mainwindow/Reports.h"
 
 #include "app/base/Log.h"
+#include "app/base/TerminalSettings.h"
+#include "panes/TerminalPane.h"
 
-Reports::Reports(TerminalPane& toolbox, AccountLoader& accounts, TrayIcon* tray, QObject* parent)
+Reports::Reports(TerminalPane& toolbox, TrayIcon* tray, QObject* parent)
     : QObject(parent)
     , m_toolbox(toolbox)
-    , m_accounts(accounts)
     , m_tray(tray)
 {
+}
+
+Reports::~Reports()
+{
+    TerminalSettings::instance().setTeller({});
+}
+
+void Reports::followSettings()
+{
+    TerminalSettings::instance().setTeller(
+        [this](const QString& notice) { journal(tr("Terminal"), notice); });
 }
 
 void Reports::journal(const QString& source, const QString& message)

@@ -3,24 +3,30 @@
 #include "app/base/LineKind.h"
 #include "app/ui/SoundPlayer.h"
 #include "mainwindow/TrayIcon.h"
-#include "mainwindow/account/AccountLoader.h"
-#include "panes/TerminalPane.h"
 
 #include <QObject>
 
+class TerminalPane;
+
 /// Takes what the collaborators report to where it belongs: lines to the Journal and the Experts tab, sounds,
-/// balloons, and wishes to read a list again.
+/// and balloons.
 class Reports final : public QObject {
     Q_OBJECT
     Q_DISABLE_COPY_MOVE(Reports)
 
 public:
-    /// All must outlive it. Without a tray balloons are dropped.
-    Reports(TerminalPane& toolbox, AccountLoader& accounts, TrayIcon* tray, QObject* parent);
-    ~Reports() override = default;
+    /// Both must outlive it. Without a tray balloons are dropped.
+    Reports(TerminalPane& toolbox, TrayIcon* tray, QObject* parent = nullptr);
+    ~Reports() override;
 
-    /// Listens to whichever of the reports a collaborator has signals for.
-    template <typename Reporter> void follow(const Reporter& reporter);
+    /// Listens to the signals named here, each of them a report of the kind that its arguments tell.
+    template <typename Reporter, typename... Signals>
+    void follow(const Reporter& reporter, Signals... signalsOfIt)
+    {
+        (listen(reporter, signalsOfIt), ...);
+    }
+    /// Makes what the settings tell of themselves a line of the Journal.
+    void followSettings();
 
 public Q_SLOTS:
     /// A line for the Journal tab and the log file.
@@ -29,40 +35,27 @@ public Q_SLOTS:
     void expert(const QString& source, const QString& message, LineKind kind);
 
 private:
-    template <typename Reporter> void followRefreshes(const Reporter& reporter);
+    template <typename Reporter>
+    void listen(const Reporter& reporter, void (Reporter::*line)(const QString&, const QString&))
+    {
+        connect(&reporter, line, this, &Reports::journal);
+    }
+    template <typename Reporter>
+    void listen(const Reporter& reporter, void (Reporter::*line)(const QString&, const QString&, LineKind))
+    {
+        connect(&reporter, line, this, &Reports::expert);
+    }
+    template <typename Reporter> void listen(const Reporter& reporter, void (Reporter::*sound)(SoundKind))
+    {
+        connect(&reporter, sound, this, &play);
+    }
+    template <typename Reporter>
+    void listen(const Reporter& reporter, void (Reporter::*balloon)(const Balloon&))
+    {
+        if (m_tray)
+            connect(&reporter, balloon, m_tray, &TrayIcon::showBalloon);
+    }
 
     TerminalPane& m_toolbox;
-    AccountLoader& m_accounts;
     TrayIcon* m_tray;
 };
-
-template <typename Reporter> void Reports::follow(const Reporter& reporter)
-{
-    if constexpr (requires { &Reporter::journalLine; })
-        connect(&reporter, &Reporter::journalLine, this, &Reports::journal);
-    if constexpr (requires { &Reporter::logMessage; })
-        connect(&reporter, &Reporter::logMessage, this, &Reports::journal);
-    if constexpr (requires { &Reporter::expertLine; })
-        connect(&reporter, &Reporter::expertLine, this, &Reports::expert);
-    if constexpr (requires { &Reporter::expertLog; })
-        connect(&reporter, &Reporter::expertLog, this, &Reports::expert);
-    if constexpr (requires { &Reporter::soundWanted; })
-        connect(&reporter, &Reporter::soundWanted, this, &play);
-    if constexpr (requires { &Reporter::balloonWanted; }) {
-        if (m_tray)
-            connect(&reporter, &Reporter::balloonWanted, m_tray, &TrayIcon::showBalloon);
-    }
-    followRefreshes(reporter);
-}
-
-template <typename Reporter> void Reports::followRefreshes(const Reporter& reporter)
-{
-    if constexpr (requires { &Reporter::accountsRefreshWanted; })
-        connect(&reporter, &Reporter::accountsRefreshWanted, &m_accounts, &AccountLoader::refreshAccounts);
-    if constexpr (requires { &Reporter::tradesRefreshWanted; })
-        connect(&reporter, &Reporter::tradesRefreshWanted, &m_accounts, &AccountLoader::refreshOpenTrades);
-    if constexpr (requires { &Reporter::historyRefreshWanted; })
-        connect(&reporter, &Reporter::historyRefreshWanted, &m_accounts, &AccountLoader::refreshHistory);
-    if constexpr (requires { &Reporter::everythingRefreshWanted; })
-        connect(&reporter, &Reporter::everythingRefreshWanted, &m_accounts, &AccountLoader::refreshAll);
-}

@@ -30,6 +30,7 @@ private Q_SLOTS:
     void startIsWrittenToTheJournal();
     void aFailedSaveIsToldInTheJournalOnce();
     void aFailedSaveAfterTheWindowIsGoneIsToldToTheNextOne();
+    void what_asks_the_server_goes_while_the_window_has_its_clients();
     void themeSwitchAppliesAtOnce();
     void dockKeysShowAndHide();
     void minimizedWindowIsRepaired();
@@ -149,6 +150,31 @@ void tst_MainWindow::aFailedSaveAfterTheWindowIsGoneIsToldToTheNextOne()
     settings.setAlerts(u"[]"_s);
     f.open();
     QCOMPARE(f.journal().filter(u"The settings could not be saved"_s).size(), 1);
+}
+
+void tst_MainWindow::what_asks_the_server_goes_while_the_window_has_its_clients()
+{
+    MainWindowFixture f;
+    f.signInAndSettle();
+    f.window->openChart(u"EURUSD"_s);
+    f.window->openOrderDialog();
+    f.settle();
+    QStringList left{u"NewsPane"_s, u"ChartArea"_s, u"ChartWindow"_s, u"OrderDialog"_s, u"AccountLoader"_s,
+        u"TradeActions"_s, u"TradeDesk"_s};
+    // The clients are members: once they are gone, what is left of the window is a bare one of Qt's.
+    const QObject* window = f.window.get();
+    const QList<QObject*> parts = f.window->findChildren<QObject*>();
+    for (const QObject* part : parts) {
+        const QString name = QString::fromLatin1(part->metaObject()->className());
+        if (!left.contains(name))
+            continue;
+        connect(part, &QObject::destroyed, this, [&left, name, window] {
+            if (window->metaObject() == &MainWindow::staticMetaObject)
+                left.removeOne(name);
+        });
+    }
+    f.window.reset();
+    QCOMPARE(left, QStringList());
 }
 
 void tst_MainWindow::themeSwitchAppliesAtOnce()

@@ -7,7 +7,7 @@
 using namespace Qt::StringLiterals;
 
 /// The road from the server's accounts and trades to what a trader sees, through a whole window.
-class tst_AccountFlow final : public QObject {
+class tst_MainWindowAccounts final : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
@@ -47,7 +47,7 @@ QByteArray trade(const char* id, const char* account, const char* pnl)
 
 } // namespace
 
-void tst_AccountFlow::signInLoadsAccountsTradesAndSummary()
+void tst_MainWindowAccounts::signInLoadsAccountsTradesAndSummary()
 {
     MainWindowFixture f;
     f.signInAndSettle();
@@ -62,7 +62,7 @@ void tst_AccountFlow::signInLoadsAccountsTradesAndSummary()
     QVERIFY(f.http.count("GET", "/api/trades/history?accountId=a1") >= 1);
 }
 
-void tst_AccountFlow::helloReadsTheAccountsAgain()
+void tst_MainWindowAccounts::helloReadsTheAccountsAgain()
 {
     MainWindowFixture f;
     f.signInAndSettle();
@@ -71,7 +71,7 @@ void tst_AccountFlow::helloReadsTheAccountsAgain()
     QCOMPARE(f.selector().currentData().toString(), u"a1"_s);
 }
 
-void tst_AccountFlow::switchingLoadsTheOtherAccountsLists()
+void tst_MainWindowAccounts::switchingLoadsTheOtherAccountsLists()
 {
     MainWindowFixture f;
     f.signInAndSettle();
@@ -87,7 +87,7 @@ void tst_AccountFlow::switchingLoadsTheOtherAccountsLists()
     QTRY_COMPARE(f.list("tradeList").topLevelItemCount(), 1);
 }
 
-void tst_AccountFlow::lateRepliesForAnotherAccountChangeNothing()
+void tst_MainWindowAccounts::lateRepliesForAnotherAccountChangeNothing()
 {
     MainWindowFixture f;
     f.signInAndSettle();
@@ -109,7 +109,7 @@ void tst_AccountFlow::lateRepliesForAnotherAccountChangeNothing()
     QCOMPARE(f.http.count("GET", "/api/trades/pending?accountId=a2"), 0);
 }
 
-void tst_AccountFlow::latePendingReplyForAnotherAccountChangesNothing()
+void tst_MainWindowAccounts::latePendingReplyForAnotherAccountChangesNothing()
 {
     MainWindowFixture f;
     f.signInAndSettle();
@@ -124,7 +124,7 @@ void tst_AccountFlow::latePendingReplyForAnotherAccountChangesNothing()
     QCOMPARE(f.list("tradeList").topLevelItem(0)->text(1), u"t1"_s);
 }
 
-void tst_AccountFlow::selectedAccountStaysSelectedWhenTheListChanges()
+void tst_MainWindowAccounts::selectedAccountStaysSelectedWhenTheListChanges()
 {
     MainWindowFixture f;
     f.signInAndSettle();
@@ -136,7 +136,7 @@ void tst_AccountFlow::selectedAccountStaysSelectedWhenTheListChanges()
     QCOMPARE(f.selector().currentData().toString(), u"a1"_s);
 }
 
-void tst_AccountFlow::vanishedAccountGivesWayToTheFirstActiveOne()
+void tst_MainWindowAccounts::vanishedAccountGivesWayToTheFirstActiveOne()
 {
     MainWindowFixture f;
     f.signInAndSettle();
@@ -149,7 +149,7 @@ void tst_AccountFlow::vanishedAccountGivesWayToTheFirstActiveOne()
     QVERIFY(f.summary().contains(u"Balance: 3.00"_s));
 }
 
-void tst_AccountFlow::failedAccountsKeepEverythingAndAreReported()
+void tst_MainWindowAccounts::failedAccountsKeepEverythingAndAreReported()
 {
     MainWindowFixture f;
     f.signInAndSettle();
@@ -162,7 +162,7 @@ void tst_AccountFlow::failedAccountsKeepEverythingAndAreReported()
     QCOMPARE(f.list("tradeList").topLevelItemCount(), 1);
 }
 
-void tst_AccountFlow::failedTradesKeepTheListAndAreReported()
+void tst_MainWindowAccounts::failedTradesKeepTheListAndAreReported()
 {
     MainWindowFixture f;
     f.signInAndSettle();
@@ -172,7 +172,7 @@ void tst_AccountFlow::failedTradesKeepTheListAndAreReported()
     QCOMPARE(f.list("tradeList").topLevelItemCount(), 1);
 }
 
-void tst_AccountFlow::failedPendingOrdersCountAsNoneAndAreNotReportedOnPurpose()
+void tst_MainWindowAccounts::failedPendingOrdersCountAsNoneAndAreNotReportedOnPurpose()
 {
     MainWindowFixture f;
     f.http.on("GET", "/api/trades/pending?accountId=a1",
@@ -185,7 +185,7 @@ void tst_AccountFlow::failedPendingOrdersCountAsNoneAndAreNotReportedOnPurpose()
     QVERIFY(f.journal().filter(u"No pending"_s).isEmpty());
 }
 
-void tst_AccountFlow::failedHistoryKeepsTheListAndIsNotReported()
+void tst_MainWindowAccounts::failedHistoryKeepsTheListAndIsNotReported()
 {
     MainWindowFixture f;
     f.http.on("GET", "/api/trades/history?accountId=a1", StubAnswer::json(trade("h", "a1", "1")));
@@ -200,7 +200,7 @@ void tst_AccountFlow::failedHistoryKeepsTheListAndIsNotReported()
     QVERIFY(f.journal().filter(u"No history"_s).isEmpty());
 }
 
-void tst_AccountFlow::anAnswerThatIsNoListCountsAsAnEmptyOne_data()
+void tst_MainWindowAccounts::anAnswerThatIsNoListCountsAsAnEmptyOne_data()
 {
     QTest::addColumn<QByteArray>("body");
     QTest::newRow("nothing") << ""_ba;
@@ -210,7 +210,7 @@ void tst_AccountFlow::anAnswerThatIsNoListCountsAsAnEmptyOne_data()
     QTest::newRow("an object") << R"({"rows":[]})"_ba;
 }
 
-void tst_AccountFlow::anAnswerThatIsNoListCountsAsAnEmptyOne()
+void tst_MainWindowAccounts::anAnswerThatIsNoListCountsAsAnEmptyOne()
 {
     QFETCH(QByteArray, body);
     MainWindowFixture f;
@@ -256,7 +256,7 @@ void tst_AccountFlow::anAnswerThatIsNoListCountsAsAnEmptyOne()
     QCOMPARE(f.journal().mid(lines), QStringList(4, u"Trade: Orders changed — refreshing"_s));
 }
 
-void tst_AccountFlow::aHistoryTooLargeToBeReadIsToldOnce()
+void tst_MainWindowAccounts::aHistoryTooLargeToBeReadIsToldOnce()
 {
     const auto line = u"Network: Failed to load history: the reply is larger than 16 MiB"_s;
     const QByteArray tooLarge = '[' + QByteArray(qsizetype{17} * 1024 * 1024, ' ') + ']';
@@ -296,7 +296,7 @@ void tst_AccountFlow::aHistoryTooLargeToBeReadIsToldOnce()
     QTRY_COMPARE(f.journalCount(line), 3);
 }
 
-void tst_AccountFlow::aHistoryTooLargeOfAnotherAccountIsNotTold()
+void tst_MainWindowAccounts::aHistoryTooLargeOfAnotherAccountIsNotTold()
 {
     const QByteArray tooLarge = '[' + QByteArray(qsizetype{17} * 1024 * 1024, ' ') + ']';
     MainWindowFixture f;
@@ -317,7 +317,7 @@ void tst_AccountFlow::aHistoryTooLargeOfAnotherAccountIsNotTold()
     QCOMPARE(f.journal(), journal);
 }
 
-void tst_AccountFlow::openDropDownStaysAsItIsDuringARefresh()
+void tst_MainWindowAccounts::openDropDownStaysAsItIsDuringARefresh()
 {
     MainWindowFixture f;
     f.signInAndSettle();
@@ -339,7 +339,7 @@ void tst_AccountFlow::openDropDownStaysAsItIsDuringARefresh()
     f.selector().hidePopup();
 }
 
-void tst_AccountFlow::emptyAccountListClearsTheSummary()
+void tst_MainWindowAccounts::emptyAccountListClearsTheSummary()
 {
     MainWindowFixture f;
     f.signInAndSettle();
@@ -355,7 +355,7 @@ void tst_AccountFlow::emptyAccountListClearsTheSummary()
     QCOMPARE(f.http.count("GET", "/api/trades/history"), 0);
 }
 
-void tst_AccountFlow::expiredSessionIsReportedEachTime()
+void tst_MainWindowAccounts::expiredSessionIsReportedEachTime()
 {
     const QString line = u"Auth: Session expired — please restart the terminal and log in again."_s;
     MainWindowFixture f;
@@ -370,7 +370,7 @@ void tst_AccountFlow::expiredSessionIsReportedEachTime()
     QCOMPARE(f.list("tradeList").topLevelItemCount(), 1);
 }
 
-void tst_AccountFlow::idsArePercentEncoded()
+void tst_MainWindowAccounts::idsArePercentEncoded()
 {
     MainWindowFixture f;
     f.http.on(
@@ -381,7 +381,7 @@ void tst_AccountFlow::idsArePercentEncoded()
     QVERIFY(f.http.count("GET", "/api/trades/history?accountId=a%26b%3Dc%2Bd%2F..%23%3F") >= 1);
 }
 
-void tst_AccountFlow::liveProfitsChangeRowAndSummary()
+void tst_MainWindowAccounts::liveProfitsChangeRowAndSummary()
 {
     MainWindowFixture f;
     f.signInAndSettle();
@@ -399,7 +399,7 @@ void tst_AccountFlow::liveProfitsChangeRowAndSummary()
     QCOMPARE(f.log("expertsList"), QStringList());
 }
 
-void tst_AccountFlow::liveProfitsOfAnotherAccountChangeNothing()
+void tst_MainWindowAccounts::liveProfitsOfAnotherAccountChangeNothing()
 {
     MainWindowFixture f;
     f.signInAndSettle();
@@ -413,7 +413,7 @@ void tst_AccountFlow::liveProfitsOfAnotherAccountChangeNothing()
     QCOMPARE(f.summary(), summary);
 }
 
-void tst_AccountFlow::profitNewerThanTheReplyIsKept()
+void tst_MainWindowAccounts::profitNewerThanTheReplyIsKept()
 {
     MainWindowFixture f;
     f.signInAndSettle();
@@ -430,7 +430,7 @@ void tst_AccountFlow::profitNewerThanTheReplyIsKept()
     QCOMPARE(f.list("tradeList").topLevelItem(0)->text(11), u"55.00"_s);
 }
 
-void tst_AccountFlow::manyEventsDoNotPileUpReads()
+void tst_MainWindowAccounts::manyEventsDoNotPileUpReads()
 {
     MainWindowFixture f;
     f.signInAndSettle();
@@ -450,7 +450,7 @@ void tst_AccountFlow::manyEventsDoNotPileUpReads()
     QCOMPARE(f.http.count("GET", "/api/accounts"), 2);
 }
 
-void tst_AccountFlow::navigatorListsTheAccountsAndSwitchesThem()
+void tst_MainWindowAccounts::navigatorListsTheAccountsAndSwitchesThem()
 {
     MainWindowFixture f;
     f.signInAndSettle();
@@ -484,5 +484,5 @@ void tst_AccountFlow::navigatorListsTheAccountsAndSwitchesThem()
     QCOMPARE(f.selector().currentData().toString(), u"a2"_s);
 }
 
-TAVORAN_TEST(tst_AccountFlow)
-#include "tst_AccountFlow.moc"
+TAVORAN_TEST(tst_MainWindowAccounts)
+#include "tst_MainWindowAccounts.moc"
