@@ -9,6 +9,25 @@
 
 using namespace Qt::StringLiterals;
 
+namespace {
+
+/// Leaves out panes other than the RSI's that are as they are on a new chart.
+QJsonObject withoutUntouchedPanes(QJsonObject saved)
+{
+    for (const IndicatorPane& pane : hiddenPanes()) {
+        const QString key = indicatorRow(pane.kind).key;
+        const bool untouched = saved.value(key) == QJsonValue(false)
+            && saved.value(key + u"Period"_s) == QJsonValue(pane.period);
+        if (pane.kind != IndicatorKind::Rsi && untouched) {
+            saved.remove(key);
+            saved.remove(key + u"Period"_s);
+        }
+    }
+    return saved;
+}
+
+} // namespace
+
 class tst_ChartState final : public QObject {
     Q_OBJECT
 
@@ -38,15 +57,7 @@ void tst_ChartState::aNewChartSavesTheDefaults()
             QJsonObject{{u"bg"_s, u"#000000"_s}, {u"grid"_s, u"#232323"_s}, {u"axis"_s, u"#c0c0c0"_s},
                 {u"up"_s, u"#00e600"_s}, {u"down"_s, u"#ffffff"_s}, {u"line"_s, u"#4fc3f7"_s},
                 {u"vol"_s, u"#2f6b3f"_s}}}};
-    QJsonObject saved = ChartState::of(chart).toJson();
-    for (const IndicatorPane& pane : hiddenPanes()) {
-        if (pane.kind == IndicatorKind::Rsi)
-            continue;
-        const QString key = indicatorRow(pane.kind).key;
-        QCOMPARE(saved.take(key), QJsonValue(false));
-        QCOMPARE(saved.take(key + u"Period"_s), QJsonValue(pane.period));
-    }
-    QCOMPARE(saved, expected);
+    QCOMPARE(withoutUntouchedPanes(ChartState::of(chart).toJson()), expected);
 }
 
 void tst_ChartState::everythingSavedComesBack()
@@ -166,7 +177,7 @@ void tst_ChartState::aFullStateIsTheSameAgain()
                 {u"vol"_s, u"#070707"_s}}}};
     ChartWidget chart;
     ChartState::fromJson(json).applyTo(chart);
-    QCOMPARE(ChartState::of(chart).toJson(), json);
+    QCOMPARE(withoutUntouchedPanes(ChartState::of(chart).toJson()), json);
 }
 
 void tst_ChartState::aColourThatDoesNotParseIsTheDefaultOne_data()
