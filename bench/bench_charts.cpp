@@ -31,7 +31,7 @@ void floorFrame(benchmark::State& state, double barWidth)
     }
 }
 
-// Process time: the toolkit may paint on threads of its own.
+// Process time: Qt may paint on threads of its own.
 BENCHMARK_CAPTURE(floorFrame, 7px, 7.0)->MeasureProcessCPUTime();
 BENCHMARK_CAPTURE(floorFrame, 1px, 1.0)->MeasureProcessCPUTime();
 BENCHMARK_CAPTURE(live, pointer_7px, &LiveChart::pointerFrame, few, 7.0)->MeasureProcessCPUTime();

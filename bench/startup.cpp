@@ -1,5 +1,5 @@
 // Start-up and memory of the real program, offscreen, against scripted servers in this process. A plugin
-// of the toolkit tells from inside when something is painted; the program itself is the unchanged one.
+// of Qt tells from inside when something is painted; the program itself is the unchanged one.
 //   tavoran-bench-startup start ROUNDS   times of the terminal and of the bare program, alternating
 //   tavoran-bench-startup memory ROWS    memory with four charts, and what rows of the Journal take
 //   tavoran-bench-startup growth snapshots|timeframes|dialogs|reconnects TIMES BYTES
@@ -295,7 +295,7 @@ void measureStart(int rounds)
     std::vector<double> signIns;
     std::vector<double> windows;
     std::vector<double> charts;
-    // The first round only fills the caches of the system and of the toolkit.
+    // The first round only fills the caches of the system and of Qt.
     for (int round = 0; round <= rounds; ++round) {
         double bareMs = 0.0;
         {

@@ -1,4 +1,4 @@
-// A toolkit plugin that an unchanged program loads while it is measured: a watcher who also has hands.
+// A Qt plugin that an unchanged program loads while it is measured: a watcher who also has hands.
 // Writes one line to standard output for each thing seen and reads its errands, one line each, from
 // standard input:
 //   painted CLASS NS      the first paint of a top-level window of this class is done

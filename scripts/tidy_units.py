@@ -1,6 +1,6 @@
 """Runs clang-tidy over many sources at the price of few.
 
-Nearly all the time goes into the headers of the toolkit, so the sources of a folder are read together, as
+Nearly all the time goes into the headers of Qt, so the sources of a folder are read together, as
 one translation unit that includes them. Sources that cannot share one (two helpers of the same name, say)
 are put into further units.
 

@@ -48,7 +48,7 @@ void ExpertHost::disconnectChart()
 
 void ExpertHost::act(Action action)
 {
-    // The toolkit calls a method even when converting its arguments has thrown.
+    // Qt calls a method even when converting its arguments has thrown.
     if (const QJSEngine* engine = qjsEngine(this); engine && engine->hasError())
         return;
     if (m_held) {

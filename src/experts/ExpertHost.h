@@ -14,7 +14,7 @@
 /// leaves the chart goes through callbacks. Every invokable method here can be called by any script with
 /// any arguments, so nothing else may be one, and there are no properties.
 ///
-/// Numbers from scripts arrive as doubles and are checked here: left to the toolkit, NaN would become bar 0
+/// Numbers from scripts arrive as doubles and are checked here: left to Qt, NaN would become bar 0
 /// and 4294967297 bar 1.
 class ExpertHost final : public QObject {
     Q_OBJECT

@@ -19,7 +19,7 @@ constexpr QStringView facadeMaker = uR"((function(object, names, ownName) {
     return Object.freeze(facade);
 }))";
 
-/// A thrown value arrives in an array; whatever is returned is dropped. The toolkit itself cannot tell a
+/// A thrown value arrives in an array; whatever is returned is dropped. Qt itself cannot tell a
 /// thrown number from a returned one, nor a returned error from a thrown one.
 constexpr QStringView catcher = uR"((function(hook) {
     "use strict";
@@ -32,7 +32,7 @@ constexpr QStringView catcher = uR"((function(hook) {
     };
 }))";
 
-/// An array with the value of a property, or with nothing and what reading it threw: the toolkit's own way of
+/// An array with the value of a property, or with nothing and what reading it threw: Qt's own way of
 /// reading swallows that.
 constexpr QStringView reader = uR"((function(object, key) {
     "use strict";

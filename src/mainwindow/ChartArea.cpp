@@ -93,7 +93,7 @@ QMdiSubWindow* ChartArea::addChart(const QString& symbol, const QString& timefra
         nameTab(subWindow);
     };
     connect(chart, &ChartWindow::titleChanged, subWindow, name);
-    // The toolkit copies the title to the tab, where an ampersand would mark a letter.
+    // Qt copies the title to the tab, where an ampersand would mark a letter.
     connect(subWindow, &QWidget::windowTitleChanged, this, [this, subWindow] { nameTab(subWindow); });
     name();
     chart->load();
@@ -139,7 +139,7 @@ QMdiSubWindow* ChartArea::frontSubWindow() const
 {
     if (QMdiSubWindow* current = currentSubWindow())
         return current;
-    // The toolkit knows of none while charts are restored before the area is shown; the one that was
+    // Qt knows of none while charts are restored before the area is shown; the one that was
     // activated last is on top all the same.
     const QList<QMdiSubWindow*> history = subWindowList(QMdiArea::ActivationHistoryOrder);
     return history.isEmpty() ? nullptr : history.constLast();

@@ -79,7 +79,7 @@ private:
     QMdiSubWindow* addChart(const QString& symbol, const QString& timeframe, const QJsonObject& state);
     void handOverEverything(ChartWindow& chart);
     void describe(ChartWindow& chart);
-    /// The toolkit's own; it exists since the tabbed mode was chosen.
+    /// Qt's own; it exists since the tabbed mode was chosen.
     [[nodiscard]] QTabBar* tabBar() const;
     [[nodiscard]] QMdiSubWindow* frontSubWindow() const;
     void nameTab(QMdiSubWindow* subWindow);

@@ -8,7 +8,7 @@ ChartSubWindow::ChartSubWindow(QWidget& chart)
 
 bool ChartSubWindow::focusNextPrevChild(bool next)
 {
-    // The toolkit hides the window for a moment when it becomes large or small, and takes the focus from what
+    // Qt hides the window for a moment when it becomes large or small, and takes the focus from what
     // it hides to what comes next. That would be the volume of the next one-click order.
     return isVisible() && QMdiSubWindow::focusNextPrevChild(next);
 }

@@ -156,7 +156,7 @@ void DockKeeper::restoreGeometry(const QByteArray& geometry)
 {
     const QRect before = m_window.geometry();
     const QList<QRect> screens = availableScreens();
-    // The toolkit accepts any rectangle, and what becomes of one that no screen could ever show depends on
+    // Qt accepts any rectangle, and what becomes of one that no screen could ever show depends on
     // the desktop.
     if (geometry.isEmpty() || !m_window.restoreGeometry(geometryOnScreen(geometry, screens, before)))
         return;

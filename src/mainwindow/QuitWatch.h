@@ -2,7 +2,7 @@
 
 #include <QObject>
 
-/// Hears of the application's end before any window does. Left to itself the toolkit asks every window to
+/// Hears of the application's end before any window does. Left to itself Qt asks every window to
 /// close, in an order that varies, and gives up when one of them refuses.
 class QuitWatch final : public QObject {
     Q_OBJECT

@@ -5,7 +5,7 @@
 
 #include <optional>
 
-/// What QWidget::saveGeometry() wrote, taken apart: the toolkit restores any rectangle, even one that no
+/// What QWidget::saveGeometry() wrote, taken apart: Qt restores any rectangle, even one that no
 /// screen could ever show.
 struct SavedGeometry final {
     QRect frame;
@@ -16,7 +16,7 @@ struct SavedGeometry final {
     qint32 screenWidth = 0;
     QRect rectangle; ///< without the frame
 
-    /// Nothing for bytes that are not in the toolkit's present format.
+    /// Nothing for bytes that are not in Qt's present format.
     [[nodiscard]] static std::optional<SavedGeometry> read(const QByteArray& bytes);
     [[nodiscard]] QByteArray bytes() const;
 };

@@ -90,7 +90,7 @@ private:
     RequestLimits m_limits;
     QNetworkAccessManager m_manager; ///< reads
     /// State-changing calls; children of this client. More than one only while more calls are unanswered
-    /// than the toolkit opens connections.
+    /// than Qt opens connections.
     QList<QNetworkAccessManager*> m_changeManagers;
     QList<Change> m_changes; ///< oldest first
 };

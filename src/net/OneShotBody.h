@@ -2,7 +2,7 @@
 
 #include <QIODevice>
 
-/// A request body that can be read once. The toolkit repeats a request by itself when the
+/// A request body that can be read once. Qt repeats a request by itself when the
 /// connection closes after it was sent, but only if it can rewind the body; an order must never
 /// be placed twice, so this device refuses to rewind.
 class OneShotBody final : public QIODevice {

@@ -37,7 +37,7 @@ bool isWhole(QNetworkReply::NetworkError error)
         || (error > QNetworkReply::UnknownProxyError && error != QNetworkReply::ContentReSendError);
 }
 
-/// The toolkit's words would not say the one thing that counts: whether it may have been carried out.
+/// Qt's words would not say the one thing that counts: whether it may have been carried out.
 QString givenUpText(const ReplyWatch& watch, int status)
 {
     if (!watch.wasSent())
@@ -60,7 +60,7 @@ QString networkText(const QNetworkReply& reply, int status)
     // Told first: a redirect that asks for the body again fails with the error below.
     if (isRedirect(status))
         return QCoreApplication::translate("ReplyOutcome", "The server answered with a redirect");
-    // The request may have been sent; the toolkit words this case "Unknown error".
+    // The request may have been sent; Qt words this case "Unknown error".
     if (reply.error() == QNetworkReply::ContentReSendError)
         return QCoreApplication::translate("ReplyOutcome", "Connection closed");
     const ReplyWatch* watch = ReplyWatch::of(reply);

@@ -41,7 +41,7 @@ const ReplyWatch* ReplyWatch::of(const QNetworkReply& reply)
 
 bool ReplyWatch::wasSent() const
 {
-    // The toolkit says nothing of a request that uploads nothing; such a body is at its end from the start.
+    // Qt says nothing of a request that uploads nothing; such a body is at its end from the start.
     return m_sent || (m_body && m_body->atEnd())
         || m_reply.attribute(QNetworkRequest::HttpStatusCodeAttribute).isValid();
 }
@@ -54,7 +54,7 @@ void ReplyWatch::giveUp()
 
 void ReplyWatch::onSent()
 {
-    if (m_sent) // the toolkit has sent it once more
+    if (m_sent) // Qt has sent it once more
         return;
     m_sent = true;
     m_sinceNews.start();

@@ -11,6 +11,6 @@
 /// a path holding those names another resource, so the request must not be sent.
 [[nodiscard]] std::optional<QString> encodePathSegment(const QString& id);
 
-/// True when a segment of the path, once decoded, is "." or "..", which the toolkit would
+/// True when a segment of the path, once decoded, is "." or "..", which Qt would
 /// resolve away before sending. The query string is not looked at.
 [[nodiscard]] bool hasDotSegment(const QString& path);

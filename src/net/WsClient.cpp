@@ -20,7 +20,7 @@ constexpr int attemptTimeoutMs = 10000;
 constexpr qint32 firstRetryDelayMs = 1000;
 constexpr qint32 longestRetryDelayMs = 30000;
 
-// The toolkit would take 2 GiB. A larger message makes the socket close itself.
+// Qt would take 2 GiB. A larger message makes the socket close itself.
 constexpr quint64 largestMessage = 32ULL * 1024 * 1024;
 
 QString feedAddress()

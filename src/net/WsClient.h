@@ -76,6 +76,6 @@ private:
     QTimer m_attemptTimer;
     bool m_attemptRunning = false;
     bool m_endUntold = false;           ///< the connection has ended, but what it brought has not been read
-    std::optional<QString> m_lastError; // of this attempt: the toolkit may report the same error twice
+    std::optional<QString> m_lastError; // of this attempt: Qt may report the same error twice
     int m_retrySecondMs = 1000;
 };

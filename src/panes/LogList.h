@@ -5,7 +5,7 @@
 #include <QTreeWidget>
 
 /// A log that only grows: time, source, message, newest at the bottom and in sight. Adding a row costs
-/// the same with a million rows as with ten: the toolkit would lay out the whole list again after each
+/// the same with a million rows as with ten: Qt would lay out the whole list again after each
 /// row, so here the layout waits, longer the longer the list is, and takes a few per cent of the time
 /// at most. A list that nobody sees is laid out when it is shown.
 class LogList final : public QTreeWidget {

@@ -126,7 +126,7 @@ QAbstractItemModel& MarketWatchWidget::quotes() const
     return *m_list->model();
 }
 
-// The toolkit reports one double-click as a double-click and, depending on the style, as one or two
+// Qt reports one double-click as a double-click and, depending on the style, as one or two
 // activations. A gesture begins with a fresh press of a button or key and is reported once.
 bool MarketWatchWidget::eventFilter(QObject* watched, QEvent* event)
 {

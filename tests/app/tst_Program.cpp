@@ -15,12 +15,12 @@ class TestProgram : public QObject {
 private Q_SLOTS:
     void initTestCase()
     {
-        // The toolkit gives up with an abort; nobody wants its core file.
+        // Qt gives up with an abort; nobody wants its core file.
         const struct rlimit none = {};
         QCOMPARE(::setrlimit(RLIMIT_CORE, &none), 0);
     }
 
-    void theLogHearsTheToolkitBeforeTheApplicationExistsAndTheConsoleHearsNothing()
+    void theLogHearsQtBeforeTheApplicationExistsAndTheConsoleHearsNothing()
     {
         QCOMPARE(outputOfOneRun(), QByteArray());
         QCOMPARE(logMessages().constFirst(), u"=== start ==="_s);

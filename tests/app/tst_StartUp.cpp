@@ -199,7 +199,7 @@ private Q_SLOTS:
         std::optional<int> level;
         bool visible = false;
         int outerLevel = 0;
-        // Inside a running event loop, since outside of one the toolkit handles events itself when it
+        // Inside a running event loop, since outside of one Qt handles events itself when it
         // shows a splash screen. Waiting for the server then runs a loop of its own, one level deeper.
         QTimer::singleShot(0, this, [&] {
             outerLevel = QThread::currentThread()->loopLevel();

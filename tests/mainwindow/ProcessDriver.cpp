@@ -1,4 +1,4 @@
-// A toolkit plugin that the real program loads in its test: the hands of the person in front of it.
+// A Qt plugin that the real program loads in its test: the hands of the person in front of it.
 
 #include <QApplication>
 #include <QGenericPlugin>

@@ -453,7 +453,7 @@ void tst_DockKeeper::geometryOffEveryScreenIsMovedOntoOne_data()
 void tst_DockKeeper::geometryOffEveryScreenIsMovedOntoOne()
 {
     QFETCH(QRect, geometry);
-    // The toolkit's own format, with the rectangles that a damaged or foreign one may hold.
+    // Qt's own format, with the rectangles that a damaged or foreign one may hold.
     QByteArray saved;
     {
         Window w;
@@ -502,7 +502,7 @@ void tst_DockKeeper::oneDamagedNumberLeavesTheWindowOnAScreen()
     QFETCH(int, field);
     QFETCH(int, value);
     QFETCH(int, state);
-    // The toolkit's own format, with one wrong number in it.
+    // Qt's own format, with one wrong number in it.
     QByteArray saved;
     QDataStream stream(&saved, QIODevice::WriteOnly);
     int written = 0;

@@ -96,7 +96,7 @@ void tst_Leaving::floatingPanesAreThereAgainAfterEveryWayOut()
 {
     QFETCH(const std::function<void(MainWindowFixture&)>, leave);
     const QStringList floating{u"dockMarketWatch"_s, u"dockNavigator"_s, u"dockTerminal"_s};
-    // The toolkit walks through its windows in the order of their addresses.
+    // Qt walks through its windows in the order of their addresses.
     for (int time = 0; time < 6; ++time) {
         MainWindowFixture f;
         f.open();

@@ -160,7 +160,7 @@ void tst_MainProcess::theFirstWindowIsMadeForItsScreen()
     screens.close();
     QCOMPARE(run(u"signin"_s, u"offscreen:configfile="_s + screens.fileName()), 0);
 
-    // What the toolkit writes: two numbers of its own, and the window with its frame and without.
+    // What Qt writes: two numbers of its own, and the window with its frame and without.
     const TerminalSettings kept(SettingsStore::userFilePath());
     QDataStream geometry(kept.windowGeometry());
     quint32 magic = 0;

@@ -283,7 +283,7 @@ void tst_MainWindow::popupPricesDoNotKeepTheTerminalOpen()
     f.open();
     f.window->togglePopupPrices();
     QVERIFY(f.window->findChild<PopupPrices*>()->isVisible());
-    // The toolkit counts windows only inside the application's own loop.
+    // Qt counts windows only inside the application's own loop.
     QVERIFY(QGuiApplication::quitOnLastWindowClosed());
     constexpr int stillOpen = 7;
     QTimer::singleShot(5000, f.window.get(), [] { QCoreApplication::exit(stillOpen); });

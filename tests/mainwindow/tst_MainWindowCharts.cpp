@@ -292,7 +292,7 @@ void tst_MainWindowCharts::chartGeometrySurvivesARestart()
     f.open();
     for (const auto& symbol : {u"EURUSD"_s, u"USDJPY"_s})
         f.window->openChart(symbol);
-    const QRect places[] = {{5, 26, 300, 200}, {40, 30, 250, 210}}; // the toolkit keeps 20 pixels free above
+    const QRect places[] = {{5, 26, 300, 200}, {40, 30, 250, 210}}; // Qt keeps 20 pixels free above
     for (int i = 0; i < 2; ++i) {
         QMdiSubWindow* subWindow = f.chartArea()->subWindowList().at(i);
         subWindow->showNormal();
@@ -483,7 +483,7 @@ void tst_MainWindowCharts::closingWritesTheLayoutToTheDiskAtOnce()
     MainWindowFixture f;
     f.open();
     f.window->openChart(u"ONDISK"_s);
-    QFile file(SettingsStore::userFilePath()); // the toolkit writes when it is asked for the name
+    QFile file(SettingsStore::userFilePath()); // Qt writes when it is asked for the name
     QVERIFY(f.window->close());
     QVERIFY(file.open(QIODevice::ReadOnly));
     QVERIFY(file.readAll().contains("ONDISK"));

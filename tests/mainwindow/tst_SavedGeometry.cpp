@@ -28,7 +28,7 @@ class tst_SavedGeometry final : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void whatTheToolkitWroteIsUnderstood();
+    void whatQtWroteIsUnderstood();
     void otherBytesAreNotUnderstood_data();
     void otherBytesAreNotUnderstood();
     void aGeometryOnAScreenStaysAsItIs();
@@ -38,7 +38,7 @@ private Q_SLOTS:
     void eachRectangleIsBroughtOntoAScreen();
 };
 
-void tst_SavedGeometry::whatTheToolkitWroteIsUnderstood()
+void tst_SavedGeometry::whatQtWroteIsUnderstood()
 {
     QWidget window;
     window.setGeometry(100, 110, 300, 200);

@@ -159,7 +159,7 @@ void tst_ScreenFit::aFloatingToolBarIsLeftAlone()
     MainWindowFixture f;
     f.open();
     auto* bar = f.window->findChild<QToolBar*>(u"toolbarStandard"_s);
-    // As the toolkit makes a bar float that is dragged off, or restored.
+    // As Qt makes a bar float that is dragged off, or restored.
     bar->hide();
     bar->setWindowFlags(Qt::Tool | Qt::FramelessWindowHint);
     const QRect overTheEdge(QPoint(available().right() - 60, 100), bar->sizeHint());

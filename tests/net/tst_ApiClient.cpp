@@ -44,8 +44,8 @@ private Q_SLOTS:
     void requests_are_given_up_after_fifteen_seconds_without_progress();
 
     void a_failed_read_passes_the_servers_message();
-    void a_failed_read_with_another_body_passes_the_toolkits_text_data();
-    void a_failed_read_with_another_body_passes_the_toolkits_text();
+    void a_failed_read_with_another_body_passes_the_text_of_qt_data();
+    void a_failed_read_with_another_body_passes_the_text_of_qt();
     void a_body_is_handed_over_as_it_came();
     void a_success_that_is_not_json_is_a_null_document_without_error_data();
     void a_success_that_is_not_json_is_a_null_document_without_error();
@@ -249,7 +249,7 @@ void TestApiClient::a_failed_read_passes_the_servers_message()
     QCOMPARE(answer.error, u"<b>No</b> %1 such"_s);
 }
 
-void TestApiClient::a_failed_read_with_another_body_passes_the_toolkits_text_data()
+void TestApiClient::a_failed_read_with_another_body_passes_the_text_of_qt_data()
 {
     QTest::addColumn<QByteArray>("body");
     QTest::newRow("html") << "<html><body>Bad gateway</body></html>"_ba;
@@ -260,7 +260,7 @@ void TestApiClient::a_failed_read_with_another_body_passes_the_toolkits_text_dat
     QTest::newRow("number out of range") << R"({"message":"x","n":1e999})"_ba;
 }
 
-void TestApiClient::a_failed_read_with_another_body_passes_the_toolkits_text()
+void TestApiClient::a_failed_read_with_another_body_passes_the_text_of_qt()
 {
     QFETCH(const QByteArray, body);
     m_server->on("GET", "/x", StubAnswer::html(body, 502));

@@ -22,7 +22,7 @@ QByteArray endless(const QByteArray& status)
 
 } // namespace
 
-/// What the toolkit's network stack does behind our back, and what broken servers send.
+/// What Qt's network stack does behind our back, and what broken servers send.
 class TestApiClientFaults final : public QObject {
     Q_OBJECT
 
@@ -238,7 +238,7 @@ void TestApiClientFaults::a_body_cut_short_is_an_error()
 void TestApiClientFaults::a_body_cut_short_without_a_length_never_passes_for_data()
 {
     m_server->on("GET", "/x", StubAnswer::raw("HTTP/1.1 200 OK\r\n\r\n[1,2"));
-    QCOMPARE(readError(u"/x"_s), QString()); // a success, as far as the toolkit can tell
+    QCOMPARE(readError(u"/x"_s), QString()); // a success, as far as Qt can tell
 }
 
 void TestApiClientFaults::a_bad_chunk_never_passes_for_data()

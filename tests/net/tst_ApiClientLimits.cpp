@@ -208,7 +208,7 @@ void TestApiClientLimits::the_longest_time_counts_from_when_a_request_is_sent()
     }
     QTRY_COMPARE(ends.size(), 7);
     QCOMPARE(m_server->count("GET", "/stuck"), 7);
-    // The last one had no connection before the first had ended. The toolkit's timers may be early by 5 %.
+    // The last one had no connection before the first had ended. Qt's timers may be early by 5 %.
     const qint64 last = ends.last() - ends.first();
     QVERIFY2(last >= 2 * soon * 9 / 10, qPrintable(QString::number(last)));
 }

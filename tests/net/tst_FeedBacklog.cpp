@@ -144,7 +144,7 @@ void TestFeedBacklog::whoever_is_waiting_has_a_turn_between_two_slices()
 
 void TestFeedBacklog::painting_has_a_turn_without_a_slice()
 {
-    // As the toolkit asks for a repaint: by an event of low priority, in the turn that changed something.
+    // As Qt asks for a repaint: by an event of low priority, in the turn that changed something.
     bool asked = false;
     connect(m_backlog.get(), &FeedBacklog::due, this, [&] {
         if (!std::exchange(asked, true))

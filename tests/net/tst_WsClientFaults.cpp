@@ -276,7 +276,7 @@ void TestWsClientFaults::errors_never_carry_token_or_query()
 {
     using Mode = StubFeedServer::Mode;
     m_client->setAttemptTimeout(30);
-    // Whether the toolkit repeats the server's own words, which hold the token here, depends on its version.
+    // Whether Qt repeats the server's own words, which hold the token here, depends on its version.
     const auto* const socket = m_client->findChild<QWebSocket*>();
     bool tempted = false;
     connect(

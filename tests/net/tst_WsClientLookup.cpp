@@ -20,7 +20,7 @@ std::atomic<bool> hostIsKnown = false;
 
 } // namespace
 
-/// Stands in front of the C library's function of this name, for the toolkit too: whether a name is
+/// Stands in front of the C library's function of this name, for Qt too: whether a name is
 /// known must not depend on the machine's resolver, and no question may leave the machine.
 extern "C" int getaddrinfo(
     const char* name, const char* service, const struct addrinfo* hints, struct addrinfo** result)

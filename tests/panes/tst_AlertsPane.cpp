@@ -438,7 +438,7 @@ void TestAlertsPane::howeverManyFireTheListIsSavedAndFilledOnce()
 
 void TestAlertsPane::firingIsSavedBeforeTheNextSnapshot()
 {
-    // Asked for beforehand: the toolkit writes what is waiting when another settings object goes.
+    // Asked for beforehand: Qt writes what is waiting when another settings object goes.
     QFile onDisk(SettingsStore::userFilePath());
     TerminalSettings::instance().setAlerts(uR"([{"symbol":"EURUSD","price":1,"above":true}])"_s);
     Desk desk;

@@ -161,7 +161,7 @@ void TestMarketWatchWidget::aDoubleClickIsReportedOnce()
         watch.list->setStyle(style);
     }
     QSignalSpy reported(&watch.widget, &MarketWatchWidget::symbolActivated);
-    // The toolkit does report it twice or more.
+    // Qt does report it twice or more.
     QSignalSpy doubleClicks(watch.list, &QTreeWidget::itemDoubleClicked);
     QSignalSpy activations(watch.list, &QTreeWidget::itemActivated);
     watch.doubleClick(watch.row(u"EURUSD"_s));

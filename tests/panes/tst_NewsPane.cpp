@@ -61,7 +61,7 @@ struct Desk {
         server.on("GET", path, StubAnswer::held());
         pane.refresh();
         QTRY_COMPARE(server.heldCount(), 1);
-        server.on("GET", path, answer); // the toolkit asks again where a connection closes without an answer
+        server.on("GET", path, answer); // Qt asks again where a connection closes without an answer
         server.release(answer);
         QTRY_VERIFY(api.findChildren<QNetworkReply*>().isEmpty());
     }

@@ -22,7 +22,7 @@ QSslConfiguration testServerTls()
     tls.setLocalCertificate(QSslCertificate(contentOf("localhost.pem")));
     tls.setPrivateKey(QSslKey(contentOf("localhost.key"), QSsl::Ec));
     if (tls.localCertificate().isNull() || tls.privateKey().isNull())
-        qFatal("The toolkit cannot read the certificate of the tests");
+        qFatal("Qt cannot read the certificate of the tests");
     return tls;
 }
 

@@ -7,7 +7,7 @@
 [[nodiscard]] QSslConfiguration testServerTls();
 
 /// While it lives, connections made in this process trust the tests' authority beside the system's
-/// own. Client code stays as it is: only the toolkit's default configuration changes.
+/// own. Client code stays as it is: only Qt's default configuration changes.
 class TrustedTestAuthority final {
     Q_DISABLE_COPY_MOVE(TrustedTestAuthority)
 

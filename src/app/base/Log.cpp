@@ -10,9 +10,9 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-void logToolkitMessage(QtMsgType type, const QMessageLogContext& /*context*/, const QString& message)
+void logQtMessage(QtMsgType type, const QMessageLogContext& /*context*/, const QString& message)
 {
-    // Writing the log may itself make the toolkit complain.
+    // Writing the log may itself make Qt complain.
     thread_local bool busy = false;
     if (busy)
         return;
@@ -46,5 +46,5 @@ QString logFilePath()
 
 void installMessageHandler()
 {
-    qInstallMessageHandler(logToolkitMessage);
+    qInstallMessageHandler(logQtMessage);
 }

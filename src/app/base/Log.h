@@ -13,5 +13,5 @@ void logReport(const QString& source, const QString& message);
 /// The log file: "/tavoran-terminal.log" in the user's temporary folder.
 [[nodiscard]] QString logFilePath();
 
-/// Sends every toolkit message to the log as "[qt:TYPE] TEXT" and nothing to the console.
+/// Sends every message of Qt to the log as "[qt:TYPE] TEXT" and nothing to the console.
 void installMessageHandler();

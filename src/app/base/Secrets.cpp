@@ -22,7 +22,7 @@ struct Secrets {
 
 Secrets& secrets()
 {
-    // Never destroyed: the toolkit may still speak while the process winds down.
+    // Never destroyed: Qt may still speak while the process winds down.
     static Secrets& instance = *new Secrets;
     return instance;
 }

@@ -17,8 +17,8 @@ namespace {
 
 constexpr auto prefix = "Terminal.check."_L1;
 
-/// Whether the last value's quotes are still open, as in a file that was cut off half-way. The
-/// toolkit takes all that follows an open quote as part of the value and reports nothing.
+/// Whether the last value's quotes are still open, as in a file that was cut off half-way.
+/// Qt takes all that follows an open quote as part of the value and reports nothing.
 bool endsInsideQuotes(const QByteArray& content)
 {
     bool quoted = false;
@@ -39,7 +39,7 @@ bool endsInsideQuotes(const QByteArray& content)
     return quoted;
 }
 
-/// The toolkit's parser takes nearly anything. What it writes itself holds no control characters,
+/// Qt's parser takes nearly anything. What it writes itself holds no control characters,
 /// closes its quotes, and a store that is not empty holds at least one "key=value".
 bool looksWritten(const QByteArray& content)
 {

@@ -8,7 +8,7 @@
 
 class QSettings;
 
-/// Looks at the bytes of a settings file as the toolkit would read them. The toolkit parses files only, so
+/// Looks at the bytes of a settings file as Qt would read them. Qt parses files only, so
 /// the bytes go into a private file for a moment, "Terminal.check." and six letters, in the folder of the
 /// settings.
 class SettingsCheck final {

@@ -70,7 +70,7 @@ QVariant SettingsStore::value(QLatin1StringView key) const
     return change == m_changes.cend() ? m_settings->value(QString(key)) : change->value_or(QVariant());
 }
 
-// Changes wait here, not in the toolkit's object: that would write them by itself at any time, whatever
+// Changes wait here, not in Qt's object: that would write them by itself at any time, whatever
 // stands beside the file.
 void SettingsStore::setValue(QLatin1StringView key, const QVariant& value)
 {
@@ -97,7 +97,7 @@ bool SettingsStore::sync()
     writeChanges();
     // Made anew under the usual umask when somebody deleted it meanwhile.
     QFile::setPermissions(m_filePath, ownerFile);
-    // The toolkit's status is no help here: good on a full disk, and bad for ever after one failure.
+    // Qt's status is no help here: good on a full disk, and bad for ever after one failure.
     const std::optional<QByteArray> content = contentOf(m_filePath);
     m_fileIsSuspect = !content || !matchesMemory(*content);
     if (m_fileIsSuspect) {

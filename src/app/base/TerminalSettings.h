@@ -43,7 +43,7 @@ public:
     void setDarkTheme(bool dark);
 
     [[nodiscard]] QByteArray windowGeometry() const;
-    /// The stored dock state, or nothing when it is not byte for byte what was saved: the toolkit
+    /// The stored dock state, or nothing when it is not byte for byte what was saved: Qt
     /// can crash on a damaged one.
     [[nodiscard]] QByteArray windowState() const;
     /// Stores both with the digest of the state; call sync() when all of the layout is stored.

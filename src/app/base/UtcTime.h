@@ -2,7 +2,7 @@
 
 #include <QDateTime>
 
-/// Times of the platform are UTC. These build them the way that every supported version of the toolkit takes.
+/// Times of the platform are UTC. These build them the way that every supported version of Qt takes.
 
 /// Milliseconds since the epoch as a UTC time.
 [[nodiscard]] QDateTime utcTime(qint64 ms);

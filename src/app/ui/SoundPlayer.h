@@ -10,7 +10,7 @@ class QSoundEffect;
 
 /// Plays the sound once the event loop is reached again, so that no caller ever waits for an audio
 /// server. That turn itself may take long, once a kind: loading waits for an audio server that does
-/// not answer, and the toolkit loads on the thread that plays. The file is written in any case; silent when
+/// not answer, and Qt loads on the thread that plays. The file is written in any case; silent when
 /// there is no output device, no writable temporary folder or no such kind.
 void play(SoundKind kind);
 

@@ -5,7 +5,7 @@
 QColor readColor(const QJsonValue& value, const QColor& fallback)
 {
     const QString name = value.toString();
-    // Asked first: the toolkit would write every unknown name to the log.
+    // Asked first: Qt would write every unknown name to the log.
     if (!QColor::isValidColorName(name))
         return fallback;
     return QColor(name).rgb();

@@ -47,7 +47,7 @@ qint64 daysSinceEpoch(int year, int month, int day)
 }
 
 /// The one form servers really send, "2014-05-01T00:00:00.000Z" (fraction optional); -1 for any other.
-/// The toolkit's general parser costs more than the whole JSON parse on a long history.
+/// Qt's general parser costs more than the whole JSON parse on a long history.
 template <typename View> qint64 utcTimeMs(View text)
 {
     const qsizetype length = text.size();

@@ -64,7 +64,7 @@ QPushButton* tradeButton(const QString& caption, const QString& style, QWidget* 
     button->setText(caption);
     button->setCursor(Qt::PointingHandCursor);
     button->setStyleSheet(style);
-    // Neither a click nor the toolkit, which moves the focus when another chart becomes active, may leave it
+    // Neither a click nor Qt, which moves the focus when another chart becomes active, may leave it
     // here, where the next press of the space bar would trade.
     button->setFocusPolicy(Qt::NoFocus);
     return button;

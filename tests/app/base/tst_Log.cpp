@@ -93,7 +93,7 @@ private Q_SLOTS:
         QCOMPARE(lastMessage(), u"y"_s);
     }
 
-    void toolkitMessagesAreLoggedWithTheirType()
+    void qtMessagesAreLoggedWithTheirType()
     {
         installMessageHandler();
         qWarning("careful\nnow %s", "%1");

@@ -412,7 +412,7 @@ private Q_SLOTS:
         SettingsStore store(m_path);
         saveEverything(store, layoutOf(2));
         QVERIFY(store.sync());
-        // Two objects of the toolkit share what they know; a saved file that comes from elsewhere does not.
+        // Two objects of Qt share what they know; a saved file that comes from elsewhere does not.
         const QByteArray other = QByteArray(contentOf(m_path)).replace("theme=dark", "theme=light");
         writeFile(m_path, other);
         writeFile(store.copyPath(), other);

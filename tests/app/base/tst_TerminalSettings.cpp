@@ -222,7 +222,7 @@ private Q_SLOTS:
     {
         const auto settings = open();
         QVERIFY(!settings->darkTheme());
-        // The toolkit shares one content among all that open the same file in this process.
+        // Qt shares one content among all that open the same file in this process.
         QSettings(m_path, QSettings::NativeFormat).setValue("ui/theme", u"dark"_s);
         QVERIFY(settings->darkTheme());
     }

@@ -101,7 +101,7 @@ private Q_SLOTS:
     {
         QFETCH(QString, text);
         const QString tip = plainToolTip(text);
-        // Either the toolkit takes it as plain text, or all of the text's own markup is escaped.
+        // Either Qt takes it as plain text, or all of the text's own markup is escaped.
         if (Qt::mightBeRichText(tip))
             QCOMPARE(tip.count(u'<'), 2);
         else

@@ -11,7 +11,7 @@
 
 using namespace Qt::StringLiterals;
 
-/// Has the class name of the toolkit's own balloon, which only a tray can show; style sheets go by that name.
+/// Has the class name of Qt's own balloon, which only a tray can show; style sheets go by that name.
 class QBalloonTip final : public QWidget {
     Q_OBJECT
 };

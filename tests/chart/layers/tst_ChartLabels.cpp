@@ -116,15 +116,15 @@ void TestChartLabels::texts_are_eight_points_of_the_chart_font()
     QImage image = expected;
     expected.fill(Qt::black);
     image.fill(Qt::black);
-    QPainter toolkit(&expected);
-    toolkit.setFont(font);
-    toolkit.setPen(Qt::white);
-    toolkit.drawText(box, Qt::AlignLeft | Qt::AlignVCenter, u"1.09876 Mg"_s);
-    toolkit.end();
+    QPainter plain(&expected);
+    plain.setFont(font);
+    plain.setPen(Qt::white);
+    plain.drawText(box, Qt::AlignLeft | Qt::AlignVCenter, u"1.09876 Mg"_s);
+    plain.end();
     QPainter painter(&image);
     m_texts.draw(painter, box, Qt::AlignLeft, u"1.09876 Mg"_s, QColor(Qt::white), face);
     painter.end();
-    // The toolkit may round the middle of the box the other way.
+    // Qt may round the middle of the box the other way.
     QCOMPARE(image.copy(inkArea(image)), expected.copy(inkArea(expected)));
     QCOMPARE(inkArea(image).left(), inkArea(expected).left());
     QVERIFY(std::abs(inkArea(image).top() - inkArea(expected).top()) <= 1);

@@ -18,9 +18,9 @@ class tst_HistoryReply final : public QObject {
 private Q_SLOTS:
     void initTestCase() { useForeignTimeZone(); }
 
-    void readsTimesLikeTheToolkitDoes_data();
-    void readsTimesLikeTheToolkitDoes();
-    void readsEveryDayOfFourCenturiesLikeTheToolkit();
+    void readsTimesLikeQtDoes_data();
+    void readsTimesLikeQtDoes();
+    void readsEveryDayOfFourCenturiesLikeQt();
     void refusesWhatIsNoTimeAfterTheEpoch_data();
     void refusesWhatIsNoTimeAfterTheEpoch();
     void readsNumbersAndNumericStrings();
@@ -67,7 +67,7 @@ QList<HistoryReply> readBothWays(const QJsonArray& rows, const CandleRule& by)
 
 } // namespace
 
-void tst_HistoryReply::readsTimesLikeTheToolkitDoes_data()
+void tst_HistoryReply::readsTimesLikeQtDoes_data()
 {
     QTest::addColumn<QString>("text");
     QTest::addColumn<qint64>("expected");
@@ -79,14 +79,14 @@ void tst_HistoryReply::readsTimesLikeTheToolkitDoes_data()
     QTest::newRow("a date alone") << u"2014-05-01"_s << Q_INT64_C(1398902400000);
 }
 
-void tst_HistoryReply::readsTimesLikeTheToolkitDoes()
+void tst_HistoryReply::readsTimesLikeQtDoes()
 {
     QFETCH(QString, text);
     QFETCH(qint64, expected);
     QCOMPARE(isoTimeMs(text), expected);
 }
 
-void tst_HistoryReply::readsEveryDayOfFourCenturiesLikeTheToolkit()
+void tst_HistoryReply::readsEveryDayOfFourCenturiesLikeQt()
 {
     for (QDate day(1970, 1, 2); day.year() < 2370; day = day.addDays(1)) {
         const QDateTime time = utcTime(day, QTime(13, 14, 15, 16));

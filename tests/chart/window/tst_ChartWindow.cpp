@@ -252,7 +252,7 @@ void tst_ChartWindow::anAnswerThatIsNoHistoryCountsAsAnEmptyOne_data()
     QTest::newRow("a page") << QByteArray("<html>Maintenance</html>");
     QTest::newRow("an object") << QByteArray("{}");
     QTest::newRow("a cut array") << bars(3, 1.25).chopped(1);
-    // The toolkit gives up on the whole text for one number that is too large or too small.
+    // Qt gives up on the whole text for one number that is too large or too small.
     QTest::newRow("an endless number") << "[{\"open\":1e999}]"_ba;
     QTest::newRow("a vanishing number") << "[{\"open\":1e-400}]"_ba;
     QTest::newRow("nested too deeply") << QByteArray(2000, '[') + QByteArray(2000, ']');

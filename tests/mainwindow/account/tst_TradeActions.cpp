@@ -79,7 +79,7 @@ struct Desk {
         QCOMPARE(server.requests().last().path(), "/marker"_ba);
     }
     /// Checks what is said of a failure, and that it was asked for once. A reason that ends with a star is
-    /// the beginning of the toolkit's own words.
+    /// the beginning of Qt's own words.
     void checkFailure(const QString& words, QString reason) const
     {
         QCOMPARE(said.at(0), sound(SoundKind::Error));

@@ -24,8 +24,8 @@ private Q_SLOTS:
     void the_presence_of_a_token_is_a_success_data();
     void the_presence_of_a_token_is_a_success();
     void a_failed_sign_in_shows_the_servers_message();
-    void a_failed_sign_in_without_a_message_shows_the_toolkits_text_data();
-    void a_failed_sign_in_without_a_message_shows_the_toolkits_text();
+    void a_failed_sign_in_without_a_message_shows_the_text_of_qt_data();
+    void a_failed_sign_in_without_a_message_shows_the_text_of_qt();
     void an_error_status_with_a_token_is_no_success();
     void a_redirect_does_not_carry_the_password_away_data();
     void a_redirect_does_not_carry_the_password_away();
@@ -165,14 +165,14 @@ void TestSignIn::a_failed_sign_in_shows_the_servers_message()
     QCOMPARE(unauthorized.size(), 0);
 }
 
-void TestSignIn::a_failed_sign_in_without_a_message_shows_the_toolkits_text_data()
+void TestSignIn::a_failed_sign_in_without_a_message_shows_the_text_of_qt_data()
 {
     QTest::addColumn<int>("status");
     for (const int status : {400, 401, 404, 500, 502})
         QTest::addRow("%d", status) << status;
 }
 
-void TestSignIn::a_failed_sign_in_without_a_message_shows_the_toolkits_text()
+void TestSignIn::a_failed_sign_in_without_a_message_shows_the_text_of_qt()
 {
     QFETCH(const int, status);
     m_server->on("POST", "/api/auth/login", StubAnswer::html("<h1>Sorry</h1>", status));
