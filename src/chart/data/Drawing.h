@@ -5,7 +5,7 @@
 #include <QMetaType>
 #include <QString>
 
-/// An anchor of a chart object.
+/// An anchor of a drawing.
 struct DrawingPoint {
     qint64 time = 0; ///< bar open time, ms since the epoch, UTC
     double price = 0.0;
@@ -13,9 +13,9 @@ struct DrawingPoint {
     bool operator==(const DrawingPoint&) const = default;
 };
 
-/// An object that the user placed on the chart.
+/// A drawing that the user placed on the chart.
 struct Drawing {
-    QString id;                 ///< server id; empty until the server has stored the object
+    QString id;                 ///< server id; empty until the server has stored the drawing
     QString type;               ///< "hline", "vline", "trendline", "rectangle" or "fibonacci"
     QList<DrawingPoint> points; ///< 1 for the two plain lines, 2 for the others; fewer: it lies nowhere
     QColor color = QColor(0xe0, 0xe0, 0xe0);

@@ -11,8 +11,8 @@
 #include <optional>
 #include <span>
 
-/// Where the objects of one chart picture lie, for painting and for hit tests alike. Valid as long as the
-/// bars are. Objects of an unknown kind, with too few points or with a price that cannot be drawn lie
+/// Where the drawings of one chart picture lie, for painting and for hit tests alike. Valid as long as the
+/// bars are. Drawings of an unknown kind, with too few points or with a price that cannot be drawn lie
 /// nowhere, and so does everything while there are no bars.
 class DrawingGeometry final {
 public:
@@ -20,7 +20,7 @@ public:
     static constexpr int reach = 6;
     static constexpr std::array fibonacciRatios{0.0, 0.236, 0.382, 0.5, 0.618, 0.786, 1.0};
 
-    /// An object that can be drawn; both points are equal where the kind needs only one.
+    /// A drawing that can be drawn; both points are equal where the kind needs only one.
     struct Shape {
         DrawingKind kind = DrawingKind::HorizontalLine;
         DrawingPoint first;
@@ -45,13 +45,13 @@ public:
     /// The pixel row of a shown price.
     [[nodiscard]] int row(double price) const { return m_view.pricePixel(price); }
 
-    /// Whether a press at a pixel means the object. Only horizontal lines and trend lines can be meant: the
+    /// Whether a press at a pixel means the drawing. Only horizontal lines and trend lines can be meant: the
     /// other kinds would take presses that are for the bars below them.
     [[nodiscard]] bool isHit(const Drawing& drawing, const QPoint& pixel) const;
-    /// The topmost object that a press means, or -1.
+    /// The topmost drawing that a press means, or -1.
     [[nodiscard]] qsizetype topmostHit(std::span<const Drawing> drawings, const QPoint& pixel) const;
 
-    /// The square that marks a selected object's point.
+    /// The square that marks a selected drawing's point.
     [[nodiscard]] static QRect handle(const QPoint& point);
     /// The square that marks a selected horizontal line.
     [[nodiscard]] QRect horizontalLineHandle(int row) const;

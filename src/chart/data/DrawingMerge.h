@@ -2,13 +2,13 @@
 
 #include "chart/data/Drawing.h"
 
-/// What a chart shows after the server's objects were read again: those of the server, then those on the
+/// What a chart shows after the server's drawings were read again: those of the server, then those on the
 /// chart that it does not have.
 /// - `stored`: as the server lists them.
 /// - `shown`: on the chart now; those without an id have never come from the server.
 /// - `confirmed`: created ones that the server had taken before it was asked for the list.
-/// An object of `shown` without an id is kept unless it was confirmed, or the list holds its like under an
-/// id that was not on the chart: then its creation was reported as failed, and yet it arrived. An object
+/// A drawing of `shown` without an id is kept unless it was confirmed, or the list holds its like under an
+/// id that was not on the chart: then its creation was reported as failed, and yet it arrived. A drawing
 /// that was selected stays so.
 [[nodiscard]] QList<Drawing> mergeDrawings(
     QList<Drawing> stored, const QList<Drawing>& shown, QList<Drawing> confirmed);

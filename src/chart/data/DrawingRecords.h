@@ -6,17 +6,17 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 
-/// The objects of a chart as the server sends and takes them.
+/// The drawings of a chart as the server sends and takes them.
 
-/// Reads an array of {"id", "toolType", "points", "style"}. An object of an unknown kind is left out, and
-/// nothing else: a time or price that is missing or cannot be read is 0, an object with too few points keeps
+/// Reads an array of {"id", "toolType", "points", "style"}. A drawing of an unknown kind is left out, and
+/// nothing else: a time or price that is missing or cannot be read is 0, a drawing with too few points keeps
 /// those that it has and lies nowhere (see DrawingGeometry), and a colour that does not parse is the usual
 /// one. Anything but an array is an empty one.
 [[nodiscard]] QList<Drawing> readDrawings(const QJsonDocument& document);
 
-/// What creates the object for a symbol and, unless it is empty, an account.
+/// What creates the drawing for a symbol and, unless it is empty, an account.
 [[nodiscard]] QJsonObject createDrawingBody(
     const Drawing& drawing, const QString& symbol, const QString& accountId);
 
-/// What moves and recolours a stored object.
+/// What moves and recolours a stored drawing.
 [[nodiscard]] QJsonObject updateDrawingBody(const Drawing& drawing);

@@ -33,8 +33,8 @@ public:
 
     struct Press {
         Taker taker = Taker::Chart;
-        std::optional<Drawing> created;    ///< the tool's object is complete
-        std::optional<qsizetype> selected; ///< the object to select, or -1 for none; absent: as it is
+        std::optional<Drawing> created;    ///< the tool's drawing is complete
+        std::optional<qsizetype> selected; ///< the drawing to select, or -1 for none; absent: as it is
     };
 
     /// Whatever was in the hand must have been let go.
@@ -49,7 +49,7 @@ public:
     [[nodiscard]] std::optional<LevelDrag::Drop> release(int digits);
     /// Ends what only lives while the button is held. True when a level goes back to its place.
     bool letGo();
-    /// Ends the foremost of what can be given up: a level in the hand, a tool, a shown ruler. Tells which, if
+    /// Ends the foremost of what can be given up: a dragged level, a tool, a shown ruler. Tells which, if
     /// any; without the tool its points are gone as well.
     [[nodiscard]] std::optional<Taker> cancel();
 

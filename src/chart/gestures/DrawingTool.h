@@ -7,10 +7,10 @@
 
 #include <optional>
 
-/// Placing one object by one or two clicks. The points are anchors (see DrawingGeometry::anchor()).
+/// Placing one drawing by one or two clicks. The points are anchors (see DrawingGeometry::anchor()).
 class DrawingTool final {
 public:
-    /// Chooses the kind of the object to place by its key; points placed so far are dropped. An empty or
+    /// Chooses the kind of the drawing to place by its key; points placed so far are dropped. An empty or
     /// unknown key ends placing.
     void choose(const QString& key);
     void cancel() { choose(QString()); }
@@ -22,8 +22,8 @@ public:
     /// The point that waits for its second one.
     [[nodiscard]] const std::optional<DrawingPoint>& placed() const { return m_placed; }
 
-    /// A click at a point. Gives the object when it is complete; the tool stays chosen until it is cancelled,
-    /// without points. Gives nothing while no tool is active.
+    /// A click at a point. Gives the drawing when it is complete; the tool stays chosen until it is
+    /// cancelled, without points. Gives nothing while no tool is active.
     [[nodiscard]] std::optional<Drawing> click(const DrawingPoint& point);
 
 private:

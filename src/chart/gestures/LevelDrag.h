@@ -46,9 +46,9 @@ public:
     [[nodiscard]] std::optional<Drop> drop(int digits);
 
     [[nodiscard]] bool isActive() const { return m_active; }
-    /// Of the level being dragged in the latest list; -1 while none is.
+    /// Of the dragged level in the latest list; -1 while none is.
     [[nodiscard]] qsizetype index() const { return m_active ? m_index : -1; }
-    /// Where the level being dragged is shown.
+    /// Where the dragged level is shown.
     [[nodiscard]] double price() const { return m_price; }
 
 private:

@@ -36,10 +36,10 @@ struct ChartFrame : ChartLook {
     double bid = 0.0;                  ///< 0 means none
     double ask = 0.0;                  ///< 0 means none
     std::span<const TradeLevel> levels;
-    qsizetype draggedLevel = -1; ///< index of the level being dragged, or -1
+    qsizetype draggedLevel = -1; ///< index of the dragged level, or -1
     double draggedPrice = 0.0;
 
-    /// An object that waits for its second point.
+    /// A drawing that waits for its second point.
     struct Preview {
         DrawingKind kind = DrawingKind::TrendLine;
         DrawingPoint placed;
@@ -64,7 +64,7 @@ struct ChartFrame : ChartLook {
 class ChartGestures;
 class ChartScene;
 
-/// A frame of this size of what the bars, the settings and the gestures say. Indicator values, objects,
+/// A frame of this size of what the bars, the settings and the gestures say. Indicator values, drawings,
 /// levels and the pointer are not in it yet.
 [[nodiscard]] ChartFrame frameOf(
     const ChartScene& scene, const QSize& size, const ChartLook& look, const ChartGestures& gestures);

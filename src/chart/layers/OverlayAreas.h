@@ -11,7 +11,7 @@ class TextPainter;
 /// What the layers that follow a gesture cover: what a step of the gesture must paint anew.
 namespace overlays {
 
-/// Whether the preview of an object is the box between its points rather than a line.
+/// Whether the preview of a drawing is the box between its points rather than a line.
 [[nodiscard]] constexpr bool isBox(DrawingKind kind)
 {
     return kind == DrawingKind::Rectangle || kind == DrawingKind::Fibonacci;
@@ -27,11 +27,11 @@ namespace overlays {
 /// A level line at a price with its label and its price tag; also valid for one that is not dragged.
 [[nodiscard]] QRegion level(const ChartView& view, double price);
 
-/// The ruler that is shown and the level in the hand.
+/// The ruler that is shown and the dragged level.
 [[nodiscard]] QRegion inHand(
     const ChartView& view, const ChartGestures& gestures, int digits, TextPainter& texts);
 
-/// What a pointer in the plot takes along: the crosshair, and the preview of the object being placed.
+/// What a pointer in the plot takes along: the crosshair, and the preview of the drawing being placed.
 [[nodiscard]] QRegion pointer(
     const ChartGestures::Ground& ground, const DrawingTool& tool, const QPoint& position);
 

@@ -85,26 +85,26 @@ public:
     /// Every pane there is, shown or hidden.
     [[nodiscard]] const QList<IndicatorPane>& panes() const { return m_look.panes; }
 
-    /// The objects on the chart, later ones on top; replaces those shown. The selected object stays selected
-    /// when its server id is among them. An object being placed is not touched.
+    /// The drawings on the chart, later ones on top; replaces those shown. The selected drawing stays
+    /// selected when its server id is among them. A drawing being placed is not touched.
     void setDrawings(const QList<Drawing>& drawings);
     [[nodiscard]] const QList<Drawing>& drawings() const { return m_drawings.drawings(); }
-    /// Removes the selected object and tells its server id; false when none is selected.
+    /// Removes the selected drawing and tells its server id; false when none is selected.
     bool deleteSelectedDrawing();
-    /// The kind of object that the next clicks place (see Drawing::type); empty or unknown ends placing.
+    /// The kind of drawing that the next clicks place (see Drawing::type); empty or unknown ends placing.
     /// Points placed so far are dropped.
     void setTool(const QString& key);
     [[nodiscard]] QString tool() const { return m_gestures.tool().key(); }
 
     /// Arms or disarms the ruler (see Ruler); a shown ruler goes. While armed, presses in the plot measure
-    /// instead of panning, selecting or taking levels; placing an object goes first.
+    /// instead of panning, selecting or taking levels; placing a drawing goes first.
     void setMeasureMode(bool on);
     [[nodiscard]] bool measureMode() const { return m_gestures.ruler().isArmed(); }
 
     /// Names the averages further right by as many columns, beside whatever covers the corner.
     void setLegendIndent(int columns);
 
-    /// A level being dragged stays in the hand while its line is among them at the same price; otherwise the
+    /// A dragged level stays in the hand while its line is among them at the same price; otherwise the
     /// drag ends without asking for anything.
     void setTradeLevels(const QList<TradeLevel>& levels);
     [[nodiscard]] const QList<TradeLevel>& tradeLevels() const { return m_levels; }

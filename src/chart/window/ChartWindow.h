@@ -23,7 +23,7 @@ struct Candle;
 struct Quote;
 
 /// One chart of the document area: owns the canvas, knows its symbol, timeframe and account, loads its
-/// candle history and objects, and turns live prices and the account's trades into ticks and level lines.
+/// candle history and drawings, and turns live prices and the account's trades into ticks and level lines.
 /// Asks the server only through the REST client that it is given.
 class ChartWindow final : public QWidget {
     Q_OBJECT
@@ -38,7 +38,7 @@ public:
 
     [[nodiscard]] QString symbol() const { return m_symbol; }
     [[nodiscard]] QString timeframe() const { return m_timeframe; }
-    /// The account whose objects the chart shows; may be empty.
+    /// The account whose drawings the chart shows; may be empty.
     [[nodiscard]] QString accountId() const;
     [[nodiscard]] int digits() const { return m_digits; }
     [[nodiscard]] ChartWidget& chart() const { return *m_chart; }
@@ -68,7 +68,7 @@ public:
     [[nodiscard]] QSize sizeHint() const override;
 
 public Q_SLOTS:
-    /// The first requests of a new window: its history and its objects.
+    /// The first requests of a new window: its history and its drawings.
     void load();
     /// Asks for the candle history again, which brings the view to its end. A reply to an earlier request no
     /// longer counts.
@@ -76,14 +76,14 @@ public Q_SLOTS:
     /// The same when prices may have been missed, which the trader did not ask for: a view that was scrolled
     /// back stays where it is, and the hand keeps what it holds.
     void catchUp();
-    /// Reads history and objects again that could not be had before; the view stays as with catchUp().
+    /// Reads history and drawings again that could not be had before; the view stays as with catchUp().
     void loadAgain();
     /// The same as onQuote() with a price map, of which only this chart's symbol is read. A price that is
     /// missing or cannot be read counts as 0.
     void onPrices(const QJsonObject& prices);
     /// Replaces the level lines by those of this symbol's trades.
     void setTrades(const QJsonArray& open, const QJsonArray& pending);
-    /// The account whose objects the chart shows from now on; an equal id does nothing.
+    /// The account whose drawings the chart shows from now on; an equal id does nothing.
     void setAccountId(const QString& accountId);
     /// Balance and equity of the current account, in account currency.
     void setAccountFigures(double balance, double equity);
@@ -105,7 +105,7 @@ public Q_SLOTS:
     void removeMovingAverages();
     /// Shows or hides the pane of an indicator that has one, over its usual period.
     void showPane(IndicatorKind kind, bool on);
-    /// The object that the next clicks on the chart place; see ChartWidget::setTool().
+    /// The drawing that the next clicks on the chart place; see ChartWidget::setTool().
     void setTool(const QString& key);
     void deleteSelectedDrawing();
     /// Shows or hides the panel of one-click trading, which keeps its volume.

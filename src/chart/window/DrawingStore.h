@@ -14,8 +14,8 @@ class QNetworkReply;
 class ReadCoalescer;
 struct ReplyOutcome;
 
-/// Keeps the objects of one chart on the server, for its symbol and account. The list is never read while a
-/// change is under way, and an answer that a change has overtaken is asked for again: so no object is lost
+/// Keeps the drawings of one chart on the server, for its symbol and account. The list is never read while a
+/// change is under way, and an answer that a change has overtaken is asked for again: so no drawing is lost
 /// or shown twice, whatever the order of the replies.
 class DrawingStore final : public QObject {
     Q_OBJECT
@@ -28,10 +28,10 @@ public:
     ~DrawingStore() override;
 
     [[nodiscard]] const QString& accountId() const { return m_accountId; }
-    /// Shows the objects of another account and reads them anew; an equal id does nothing. Objects of the
+    /// Shows the drawings of another account and reads them anew; an equal id does nothing. Drawings of the
     /// account left behind that the server does not have come back with it.
     void setAccountId(const QString& accountId);
-    /// Reads the objects of the chart. What the chart has and the server has not stays.
+    /// Reads the drawings of the chart. What the chart has and the server has not stays.
     void load();
 
 Q_SIGNALS:
@@ -39,7 +39,7 @@ Q_SIGNALS:
     void failed(const QString& message);
 
 private:
-    /// What is known about the objects of one account.
+    /// What is known about the drawings of one account.
     struct Scope {
         int changing = 0;         ///< changes that the server has not answered
         quint64 changes = 0;      ///< changes begun so far

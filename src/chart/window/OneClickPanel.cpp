@@ -159,7 +159,7 @@ void OneClickPanel::mouseMoveEvent(QMouseEvent* event)
 
 void OneClickPanel::keyPressEvent(QKeyEvent* event)
 {
-    // At the end of its text the box passes these on, and the chart would delete an object.
+    // At the end of its text the box passes these on, and the chart would delete a drawing.
     if (event->key() == Qt::Key_Delete || event->key() == Qt::Key_Backspace)
         event->accept();
     else
