@@ -98,7 +98,7 @@ void average(benchmark::State& state, int period)
 void charts(benchmark::State& state, int count, bool experts)
 {
     TerminalSettings::instance().setServerUrl(u"http://127.0.0.1:9"_s);
-    ApiClient api;
+    ApiClient api{TerminalSettings::instance()};
     std::vector<std::unique_ptr<ChartWindow>> windows;
     for (int i = 0; i < count; ++i) {
         windows.push_back(std::make_unique<ChartWindow>(api, u"EURUSD"_s, u"15m"_s, QString(), 5));

@@ -144,7 +144,7 @@ public:
 private:
     FeedSource m_source;
     MainWindow m_window;
-    WsClient m_feed;
+    WsClient m_feed{TerminalSettings::instance()};
     QEventLoop m_turn;
     TurnWatch m_watch;
 };

@@ -90,7 +90,7 @@ public:
     void receive(const QString& text) { m_feed.onTextMessage(text); }
 
 private:
-    WsClient m_feed;
+    WsClient m_feed{TerminalSettings::instance()};
     MainWindow m_window;
 };
 

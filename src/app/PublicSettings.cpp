@@ -36,9 +36,8 @@ void waitFor(QNetworkReply& reply, int milliseconds)
 
 } // namespace
 
-void adoptPublicSettings()
+void adoptPublicSettings(TerminalSettings& settings)
 {
-    TerminalSettings& settings = TerminalSettings::instance();
     const QUrl url(settings.serverUrl() + "/api/settings/public"_L1);
     const PublicSettings fetched = fetchPublicSettings(url, waitMilliseconds);
     if (!fetched.error.isEmpty()) {

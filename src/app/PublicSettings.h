@@ -3,10 +3,12 @@
 #include <QString>
 #include <QUrl>
 
+class TerminalSettings;
+
 /// Asks the platform for its public settings before sign-in and adopts the server address that they
 /// name. Blocks for at most three seconds in all, also when the reply only drips; user input waits
 /// meanwhile. Failures are logged and change nothing.
-void adoptPublicSettings();
+void adoptPublicSettings(TerminalSettings& settings);
 
 /// The outcome of one fetch of public settings.
 struct PublicSettings {

@@ -76,7 +76,8 @@ int runTerminal(QApplication& application, const StartUpWindows& windows, Update
         QSplashScreen splash(renderSplash());
         splash.show();
         QCoreApplication::processEvents();
-        adoptPublicSettings();
+        TerminalSettings& settings = TerminalSettings::instance();
+        adoptPublicSettings(settings);
 
         QJsonObject user;
         const std::unique_ptr<QDialog> dialog = windows.makeSignIn ? windows.makeSignIn() : nullptr;
@@ -84,7 +85,7 @@ int runTerminal(QApplication& application, const StartUpWindows& windows, Update
             if (!signIn(splash, *dialog))
                 return 0;
             // The e-mail address and the choice must last even if this run ends badly.
-            TerminalSettings::instance().sync();
+            settings.sync();
             user = windows.userOf(*dialog);
         }
         mainWindow = openMainWindow(windows, user);

@@ -33,9 +33,10 @@ QList<QRect> availableScreens()
 
 } // namespace
 
-DockKeeper::DockKeeper(QMainWindow& window)
+DockKeeper::DockKeeper(QMainWindow& window, TerminalSettings& settings)
     : QObject(&window)
     , m_window(window)
+    , m_settings(settings)
     , m_marketWatch(addDock(tr("Market Watch"), u"dockMarketWatch"_s, Qt::LeftDockWidgetArea))
     , m_navigator(addDock(tr("Navigator"), u"dockNavigator"_s, Qt::LeftDockWidgetArea))
     , m_toolbox(addDock(tr("Toolbox"), u"dockTerminal"_s, Qt::BottomDockWidgetArea))
@@ -131,18 +132,17 @@ void DockKeeper::repair()
 
 QString DockKeeper::restoreFromSettings()
 {
-    TerminalSettings& settings = TerminalSettings::instance();
-    if (settings.restoringLayout()) {
-        settings.setRestoringLayout(false);
+    if (m_settings.restoringLayout()) {
+        m_settings.setRestoringLayout(false);
         return tr("The last start ended while the window layout was being restored; "
                   "the default layout is used.");
     }
-    const QByteArray geometry = settings.windowGeometry();
-    const QByteArray state = settings.windowState();
+    const QByteArray geometry = m_settings.windowGeometry();
+    const QByteArray state = m_settings.windowState();
     if (geometry.isEmpty() && state.isEmpty())
         return {};
 
-    settings.setRestoringLayout(true);
+    m_settings.setRestoringLayout(true);
     m_restoring = true;
     restoreGeometry(geometry);
     if (!state.isEmpty() && !m_window.restoreState(state)) {
@@ -178,10 +178,10 @@ void DockKeeper::confirmRestored()
     if (!m_restoring)
         return;
     m_restoring = false;
-    TerminalSettings::instance().setRestoringLayout(false);
+    m_settings.setRestoringLayout(false);
 }
 
 void DockKeeper::storeInSettings() const
 {
-    TerminalSettings::instance().setWindowLayout(m_window.saveGeometry(), m_window.saveState());
+    m_settings.setWindowLayout(m_window.saveGeometry(), m_window.saveState());
 }

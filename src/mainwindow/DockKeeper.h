@@ -6,6 +6,7 @@
 
 class QDockWidget;
 class QMainWindow;
+class TerminalSettings;
 class QWidget;
 
 /// Owns the arrangement of the main window's docks: builds the default one, remembers the last one
@@ -18,8 +19,8 @@ class DockKeeper final : public QObject {
 public:
     /// Adds three empty docks to the window, which is also the keeper's parent. They come before the
     /// panes, which are best made as their children: under a style sheet a change of parent styles
-    /// everything in a widget anew.
-    explicit DockKeeper(QMainWindow& window);
+    /// everything in a widget anew. The settings must outlive the keeper.
+    DockKeeper(QMainWindow& window, TerminalSettings& settings);
     ~DockKeeper() override;
 
     [[nodiscard]] QDockWidget& marketWatchDock() const { return *m_marketWatch; }
@@ -54,6 +55,7 @@ private:
     void restoreGeometry(const QByteArray& geometry);
 
     QMainWindow& m_window;
+    TerminalSettings& m_settings;
     QDockWidget* m_marketWatch;
     QDockWidget* m_navigator;
     QDockWidget* m_toolbox;

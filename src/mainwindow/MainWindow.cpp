@@ -64,16 +64,18 @@ QList<NavigatorWidget::Indicator> offeredIndicators()
 
 MainWindow::MainWindow(QWidget* parent)
     : QMainWindow(parent)
+    , m_settings(TerminalSettings::instance())
+    , m_api(m_settings)
+    , m_feed(m_settings)
 {
     setWindowTitle(tr("Tavoran Terminal"));
     resize(initialSize);
     m_charts = std::make_unique<ChartArea>(m_api, m_book, this);
-    m_docks = std::make_unique<DockKeeper>(*this);
+    m_docks = std::make_unique<DockKeeper>(*this, m_settings);
     m_marketWatch = new MarketWatchWidget(&m_docks->marketWatchDock());
     m_navigator = new NavigatorWidget(offeredIndicators(), &m_docks->navigatorDock());
     m_toolbox = new TerminalPane(&m_docks->toolboxDock());
-    m_status
-        = new StatusPanel(*statusBar(), StatusPanel::hostOf(TerminalSettings::instance().serverUrl()), this);
+    m_status = new StatusPanel(*statusBar(), StatusPanel::hostOf(m_settings.serverUrl()), this);
     m_quitWatch = new QuitWatch(this);
     m_screenFit = new ScreenFit(*this);
     setCentralWidget(m_charts.get());
@@ -93,7 +95,7 @@ MainWindow::MainWindow(QWidget* parent)
     m_expertAttachment = new ExpertAttachment(*m_charts, *m_tradeActions, this);
     buildTray();
     m_orderEvents = new OrderEvents(m_tray != nullptr, this);
-    m_reports = std::make_unique<Reports>(*m_toolbox, m_tray, this);
+    m_reports = std::make_unique<Reports>(*m_toolbox, m_settings, m_tray, this);
 
     connectFeed();
     connectAccount();
@@ -122,7 +124,7 @@ MainWindow::~MainWindow()
 void MainWindow::buildToolbox()
 {
     m_news = std::make_unique<NewsPane>(m_api, m_toolbox->pageParent());
-    m_alerts = new AlertsPane(m_toolbox->pageParent());
+    m_alerts = new AlertsPane(m_settings, m_toolbox->pageParent());
     m_toolbox->addTab(m_news.get(), tr("Calendar"));
     m_toolbox->addTab(m_alerts, tr("Alerts"));
 }
@@ -285,8 +287,7 @@ void MainWindow::setUser(const QJsonObject& user)
     const QString email = reply::email(user);
     m_status->setUser(email);
     journal(tr("Auth"),
-        tr("Logged in as %1 on %2")
-            .arg(shownSentence(email), shownSentence(TerminalSettings::instance().serverUrl())));
+        tr("Logged in as %1 on %2").arg(shownSentence(email), shownSentence(m_settings.serverUrl())));
     m_loader->refreshAccounts();
     m_feed.start();
 }
@@ -420,23 +421,22 @@ void MainWindow::bringToFront()
 
 void MainWindow::restoreLayout()
 {
-    TerminalSettings& settings = TerminalSettings::instance();
     m_reports->followSettings();
-    QStringList notices = settings.takeNotices();
+    QStringList notices = m_settings.takeNotices();
     notices.append(m_docks->restoreFromSettings());
     for (const QString& notice : std::as_const(notices)) {
         if (!notice.isEmpty())
             journal(tr("Terminal"), notice);
     }
-    m_charts->restoreLayout(settings.chartsLayout());
+    m_charts->restoreLayout(m_settings.chartsLayout());
     m_chartCommands->followActiveChart();
 }
 
 void MainWindow::storeLayout()
 {
     m_docks->storeInSettings();
-    TerminalSettings::instance().setChartsLayout(m_charts->saveLayout());
-    TerminalSettings::instance().sync();
+    m_settings.setChartsLayout(m_charts->saveLayout());
+    m_settings.sync();
 }
 
 void MainWindow::quit()

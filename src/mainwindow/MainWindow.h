@@ -29,6 +29,7 @@ class ScreenFit;
 class SmallWindows;
 class TerminalActions;
 class TerminalPane;
+class TerminalSettings;
 class ToolboxFiller;
 class TradeActions;
 class TradeDesk;
@@ -106,6 +107,7 @@ private:
     [[nodiscard]] QString currentSymbol() const;
 
     // The order is that of life: what is declared later goes earlier, and may use what stands before it.
+    TerminalSettings& m_settings;
     ApiClient m_api;
     WsClient m_feed;
     AccountBook m_book;

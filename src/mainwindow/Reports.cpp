@@ -4,22 +4,22 @@
 #include "app/base/TerminalSettings.h"
 #include "panes/TerminalPane.h"
 
-Reports::Reports(TerminalPane& toolbox, TrayIcon* tray, QObject* parent)
+Reports::Reports(TerminalPane& toolbox, TerminalSettings& settings, TrayIcon* tray, QObject* parent)
     : QObject(parent)
     , m_toolbox(toolbox)
+    , m_settings(settings)
     , m_tray(tray)
 {
 }
 
 Reports::~Reports()
 {
-    TerminalSettings::instance().setTeller({});
+    m_settings.setTeller({});
 }
 
 void Reports::followSettings()
 {
-    TerminalSettings::instance().setTeller(
-        [this](const QString& notice) { journal(tr("Terminal"), notice); });
+    m_settings.setTeller([this](const QString& notice) { journal(tr("Terminal"), notice); });
 }
 
 void Reports::journal(const QString& source, const QString& message)

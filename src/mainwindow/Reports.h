@@ -7,6 +7,7 @@
 #include <QObject>
 
 class TerminalPane;
+class TerminalSettings;
 
 /// Takes what the collaborators report to where it belongs: lines to the Journal and the Experts tab, sounds,
 /// and balloons.
@@ -15,8 +16,8 @@ class Reports final : public QObject {
     Q_DISABLE_COPY_MOVE(Reports)
 
 public:
-    /// Both must outlive it. Without a tray balloons are dropped.
-    Reports(TerminalPane& toolbox, TrayIcon* tray, QObject* parent = nullptr);
+    /// All must outlive it. Without a tray balloons are dropped.
+    Reports(TerminalPane& toolbox, TerminalSettings& settings, TrayIcon* tray, QObject* parent = nullptr);
     ~Reports() override;
 
     /// Listens to the signals named here, each of them a report of the kind that its arguments tell.
@@ -57,5 +58,6 @@ private:
     }
 
     TerminalPane& m_toolbox;
+    TerminalSettings& m_settings;
     TrayIcon* m_tray;
 };

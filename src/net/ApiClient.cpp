@@ -51,8 +51,9 @@ ReplyWatch::Kind kindOf(const QString& path, bool authorised)
 
 } // namespace
 
-ApiClient::ApiClient(QObject* parent)
+ApiClient::ApiClient(TerminalSettings& settings, QObject* parent)
     : QObject(parent)
+    , m_settings(settings)
     , m_manager(this)
 {
     m_manager.setTransferTimeout(m_limits.silence);
@@ -90,10 +91,9 @@ QNetworkAccessManager& ApiClient::freeManager()
 
 QNetworkRequest ApiClient::buildRequest(const QString& path, bool authorise) const
 {
-    const TerminalSettings& settings = TerminalSettings::instance();
-    QNetworkRequest request = safeRequest(QUrl(settings.serverUrl() + path));
+    QNetworkRequest request = safeRequest(QUrl(m_settings.serverUrl() + path));
     request.setHeader(QNetworkRequest::ContentTypeHeader, "application/json"_L1);
-    if (const QString token = settings.token(); authorise && isSendable(token))
+    if (const QString token = m_settings.token(); authorise && isSendable(token))
         request.setRawHeader("Authorization", "Bearer " + token.toUtf8());
     return request;
 }
@@ -195,9 +195,8 @@ void ApiClient::finishLogin(const ReplyOutcome& outcome, const QString& email)
     const QJsonObject answer = QJsonDocument::fromJson(outcome.content).object();
     const std::optional<QString> token = reply::token(answer);
     if (outcome.ok && token) {
-        TerminalSettings& settings = TerminalSettings::instance();
-        settings.setEmail(email);
-        settings.setToken(*token);
+        m_settings.setEmail(email);
+        m_settings.setToken(*token);
         Q_EMIT loginSucceeded(answer);
         return;
     }

@@ -14,6 +14,7 @@ class QJsonDocument;
 class QNetworkReply;
 class QNetworkRequest;
 class ReplyWatch;
+class TerminalSettings;
 struct ReplyOutcome;
 
 /// Completion of a read: the parsed body and an empty error, or a null document and a text for a
@@ -34,7 +35,8 @@ class ApiClient final : public QObject {
     Q_DISABLE_COPY_MOVE(ApiClient)
 
 public:
-    explicit ApiClient(QObject* parent = nullptr);
+    /// The settings must outlive the client.
+    explicit ApiClient(TerminalSettings& settings, QObject* parent = nullptr);
     ~ApiClient() override;
 
     /// Other limits than the usual ones, for requests from now on.
@@ -87,6 +89,7 @@ private:
         const BodyCallback& callback);
     void finishLogin(const ReplyOutcome& outcome, const QString& email);
 
+    TerminalSettings& m_settings;
     RequestLimits m_limits;
     QNetworkAccessManager m_manager; ///< reads
     /// State-changing calls; children of this client. More than one only while more calls are unanswered

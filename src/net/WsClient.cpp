@@ -23,9 +23,9 @@ constexpr qint32 longestRetryDelayMs = 30000;
 // Qt would take 2 GiB. A larger message makes the socket close itself.
 constexpr quint64 largestMessage = 32ULL * 1024 * 1024;
 
-QString feedAddress()
+QString feedAddress(const QString& serverUrl)
 {
-    QString address = TerminalSettings::instance().serverUrl();
+    QString address = serverUrl;
     if (address.startsWith("https://"_L1))
         address.replace(0, 8, "wss://"_L1);
     else if (address.startsWith("http://"_L1))
@@ -35,8 +35,9 @@ QString feedAddress()
 
 } // namespace
 
-WsClient::WsClient(QObject* parent)
+WsClient::WsClient(const TerminalSettings& settings, QObject* parent)
     : QObject(parent)
+    , m_settings(settings)
     , m_socket(QString(), QWebSocketProtocol::Version13, this)
     , m_backlog(this)
     , m_pingTimer(this)
@@ -101,11 +102,11 @@ void WsClient::open()
     m_backlog.clear();
     m_endUntold = false;
 
-    const QString address = feedAddress();
+    const QString address = feedAddress(m_settings.serverUrl());
     log(tr("Connecting to %1...").arg(shownSentence(address)));
     QUrl url(address);
     // Encoded by hand, since a query item would leave "+" as it is and servers read that as a blank.
-    url.setQuery("token="_L1 + encodeQueryValue(TerminalSettings::instance().token()));
+    url.setQuery("token="_L1 + encodeQueryValue(m_settings.token()));
     m_lastError.reset();
     m_attemptRunning = true;
     m_attemptTimer.start();

@@ -10,6 +10,8 @@
 #include <QWebSocket>
 #include <optional>
 
+class TerminalSettings;
+
 /// Keeps one WebSocket connection to the platform's live feed and turns its messages into signals.
 /// Every end of a connection, a connection that never came up included, is followed by one retry
 /// after 1, 2, 4, 8, 16, then 30 seconds, for ever. Apart from its ping it sends nothing.
@@ -21,7 +23,8 @@ class WsClient final : public QObject {
     Q_DISABLE_COPY_MOVE(WsClient)
 
 public:
-    explicit WsClient(QObject* parent = nullptr);
+    /// The settings must outlive the client.
+    explicit WsClient(const TerminalSettings& settings, QObject* parent = nullptr);
     ~WsClient() override;
 
     /// Connects, and keeps connecting for the rest of this object's life.
@@ -62,6 +65,7 @@ private:
     void reportError();
     void log(const QString& message);
 
+    const TerminalSettings& m_settings;
     QWebSocket m_socket;
     FeedBacklog m_backlog;
     QTimer m_pingTimer;

@@ -24,9 +24,10 @@ constexpr QColor activeColor(0x26, 0xd3, 0x67);
 
 } // namespace
 
-AlertsPane::AlertsPane(QWidget* parent)
+AlertsPane::AlertsPane(TerminalSettings& settings, QWidget* parent)
     : QWidget(parent)
-    , m_book(AlertBook::fromJson(TerminalSettings::instance().alerts()))
+    , m_settings(settings)
+    , m_book(AlertBook::fromJson(settings.alerts()))
     , m_list(new QTreeWidget(this))
 {
     m_list->setObjectName("alertsList"_L1);
@@ -106,7 +107,7 @@ void AlertsPane::deleteCurrent()
 
 void AlertsPane::saveAndFill()
 {
-    TerminalSettings::instance().setAlerts(m_book.toJson());
+    m_settings.setAlerts(m_book.toJson());
     fill();
 }
 

@@ -9,6 +9,7 @@
 
 class PriceSnapshot;
 class QTreeWidget;
+class TerminalSettings;
 
 /// The trader's price alerts: a list kept in the settings, checked against every price snapshot. Sounds and
 /// balloons are asked for by signals, so that the pane knows neither a tray nor an audio device.
@@ -17,8 +18,8 @@ class AlertsPane final : public QWidget {
     Q_DISABLE_COPY_MOVE(AlertsPane)
 
 public:
-    /// Starts with the alerts in the settings.
-    explicit AlertsPane(QWidget* parent = nullptr);
+    /// Starts with the alerts in the settings, and keeps them there; they must outlive the pane.
+    explicit AlertsPane(TerminalSettings& settings, QWidget* parent = nullptr);
     ~AlertsPane() override = default;
 
     /// The names that a new alert can be made for.
@@ -43,6 +44,7 @@ private:
     void saveAndFill();
     void fill();
 
+    TerminalSettings& m_settings;
     QStringList m_symbols;
     AlertBook m_book;
     QTreeWidget* m_list;

@@ -125,7 +125,7 @@ private Q_SLOTS:
     {
         const RawServer server(ok("{\"settings\":{\"terminalServerUrl\":\" https://new.example:5001/ \"}}"));
         TerminalSettings::instance().setServerUrl(server.base() + u'/');
-        adoptPublicSettings();
+        adoptPublicSettings(TerminalSettings::instance());
         QCOMPARE(TerminalSettings::instance().rawServerUrl(), u"https://new.example:5001/"_s);
         QVERIFY(logContent().endsWith("  adopted admin server url: https://new.example:5001/\n"_L1));
     }
@@ -134,13 +134,13 @@ private Q_SLOTS:
     {
         const RawServer blank(ok("{\"settings\":{\"terminalServerUrl\":\"  \"}}"));
         TerminalSettings::instance().setServerUrl(blank.base());
-        adoptPublicSettings();
+        adoptPublicSettings(TerminalSettings::instance());
         QCOMPARE(TerminalSettings::instance().rawServerUrl(), blank.base());
 
         RawServer equal({});
         equal.setAnswer(ok("{\"settings\":{\"terminalServerUrl\":\" " + equal.base().toLatin1() + "\"}}"));
         TerminalSettings::instance().setServerUrl(equal.base());
-        adoptPublicSettings();
+        adoptPublicSettings(TerminalSettings::instance());
         QCOMPARE(TerminalSettings::instance().rawServerUrl(), equal.base());
         QVERIFY(!equal.request().isEmpty());
         QCOMPARE(logContent(), QString());
@@ -150,7 +150,7 @@ private Q_SLOTS:
     {
         const RawServer server(ok("<html>hello</html>"));
         TerminalSettings::instance().setServerUrl(server.base());
-        adoptPublicSettings();
+        adoptPublicSettings(TerminalSettings::instance());
         QCOMPARE(TerminalSettings::instance().rawServerUrl(), server.base());
         QCOMPARE(logContent(), QString());
     }
@@ -160,7 +160,7 @@ private Q_SLOTS:
         RawServer server({});
         server.close();
         TerminalSettings::instance().setServerUrl(server.base());
-        adoptPublicSettings();
+        adoptPublicSettings(TerminalSettings::instance());
         QVERIFY2(logContent().contains("  public config fetch failed: Connection refused"_L1),
             qPrintable(logContent()));
         QCOMPARE(TerminalSettings::instance().rawServerUrl(), server.base());
@@ -171,7 +171,7 @@ private Q_SLOTS:
         const RawServer server("HTTP/1.1 503 Busy\r\nContent-Length: 56\r\n\r\n"
                                "{\"settings\":{\"terminalServerUrl\":\"https://evil.example\"}}");
         TerminalSettings::instance().setServerUrl(server.base());
-        adoptPublicSettings();
+        adoptPublicSettings(TerminalSettings::instance());
         QVERIFY(logContent().contains("public config fetch failed: "_L1));
         QCOMPARE(TerminalSettings::instance().rawServerUrl(), server.base());
     }

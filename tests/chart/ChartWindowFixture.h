@@ -22,7 +22,7 @@ struct ServedChart {
         server.on("GET", "/api/candles", StubAnswer::json("[]"));
         server.on("GET", "/api/drawings", StubAnswer::json("[]"));
         server.on("GET", "/api/accounts", StubAnswer::json("[]"));
-        api = std::make_unique<ApiClient>();
+        api = std::make_unique<ApiClient>(TerminalSettings::instance());
         window = std::make_unique<ChartWindow>(*api, symbol, QStringLiteral("15m"), QString(), digits);
         window->resize(500, 360);
     }

@@ -37,7 +37,7 @@ struct StoredDrawings {
     {
         TerminalSettings::instance().setServerUrl(server.url());
         server.on("GET", "/api/accounts", StubAnswer::json("[]"));
-        api = std::make_unique<ApiClient>();
+        api = std::make_unique<ApiClient>(TerminalSettings::instance());
         chart = std::make_unique<ChartWidget>();
     }
 

@@ -20,6 +20,7 @@ private Q_SLOTS:
     void roomsOfTheCoreIncludeTheCoreOnly();
     void thePracticePlatformIsIndependent();
     void nobodyNamesTheMainWindow();
+    void onlyTheRootsAskForTheSettings();
     void theRulesSeeTheSources();
 };
 
@@ -221,6 +222,23 @@ void tst_IncludeRules::nobodyNamesTheMainWindow()
             offences.append(include.file + u" must not include "_s + include.target);
     }
     reportAll(offences);
+}
+
+void tst_IncludeRules::onlyTheRootsAskForTheSettings()
+{
+    // The theme's functions are asked by whatever paints; nobody could hand them anything.
+    const QStringList roots{u"src/app/StartUp.cpp"_s, u"src/app/base/TerminalSettings.cpp"_s,
+        u"src/app/main.cpp"_s, u"src/app/ui/Theme.cpp"_s, u"src/mainwindow/MainWindow.cpp"_s};
+    QStringList asking;
+    QDirIterator files(root() + "/src"_L1, {u"*.h"_s, u"*.cpp"_s}, QDir::Files, QDirIterator::Subdirectories);
+    while (files.hasNext()) {
+        QFile file(files.next());
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        if (file.readAll().contains("TerminalSettings::instance()"))
+            asking.append(file.fileName().mid(root().size() + 1));
+    }
+    asking.sort();
+    QCOMPARE(asking.join(u' '), roots.join(u' '));
 }
 
 void tst_IncludeRules::theRulesSeeTheSources()

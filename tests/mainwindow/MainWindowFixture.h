@@ -130,5 +130,5 @@ struct MainWindowFixture {
     [[nodiscard]] int journalCount(const QString& line) const { return int(journal().count(line)); }
 
 private:
-    ApiClient m_marker;
+    ApiClient m_marker{TerminalSettings::instance()};
 };

@@ -22,7 +22,7 @@ struct Window final {
     DockKeeper keeper;
 
     Window()
-        : keeper(window)
+        : keeper(window, TerminalSettings::instance())
     {
         keeper.setPanes(*new QTreeWidget, *new QTreeWidget, *new QTreeWidget);
         window.setCentralWidget(new QWidget);

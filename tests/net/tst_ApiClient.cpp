@@ -8,6 +8,8 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QNetworkReply>
+#include <QSignalSpy>
+#include <QTemporaryDir>
 #include <optional>
 
 using namespace Qt::StringLiterals;
@@ -64,6 +66,7 @@ private Q_SLOTS:
     void a_callback_is_dropped_with_the_client();
     void the_client_may_be_deleted_inside_its_callback();
     void the_client_may_be_deleted_on_unauthorized();
+    void a_client_knows_only_the_settings_it_was_given();
 
 private:
     Answer read(const QString& path);
@@ -75,7 +78,7 @@ private:
 void TestApiClient::init()
 {
     m_server.emplace();
-    m_api.emplace();
+    m_api.emplace(TerminalSettings::instance());
     TerminalSettings::instance().setServerUrl(m_server->url());
     TerminalSettings::instance().setToken(u"token-1234"_s);
 }
@@ -466,7 +469,7 @@ void TestApiClient::a_callback_is_dropped_with_the_client()
 void TestApiClient::the_client_may_be_deleted_inside_its_callback()
 {
     m_server->on("GET", "/x", StubAnswer::json("[]"));
-    auto* client = new ApiClient;
+    auto* client = new ApiClient(TerminalSettings::instance());
     bool called = false;
     client->get(u"/x"_s, [&called, client](const QJsonDocument&, const QString&) {
         delete client;
@@ -479,7 +482,7 @@ void TestApiClient::the_client_may_be_deleted_inside_its_callback()
 void TestApiClient::the_client_may_be_deleted_on_unauthorized()
 {
     m_server->on("GET", "/x", StubAnswer::message(u"no"_s, 401));
-    auto* client = new ApiClient;
+    auto* client = new ApiClient(TerminalSettings::instance());
     bool called = false;
     bool unauthorized = false;
     connect(client, &ApiClient::unauthorized, this, [&] {
@@ -489,6 +492,31 @@ void TestApiClient::the_client_may_be_deleted_on_unauthorized()
     client->get(u"/x"_s, [&](const QJsonDocument&, const QString&) { called = true; });
     QTRY_VERIFY(unauthorized);
     QVERIFY(!called);
+}
+
+void TestApiClient::a_client_knows_only_the_settings_it_was_given()
+{
+    const QTemporaryDir folder;
+    TerminalSettings own(folder.filePath(u"own.conf"_s));
+    own.setServerUrl(m_server->url());
+    own.setToken(u"own-token"_s);
+    TerminalSettings::instance().setServerUrl(u"http://127.0.0.1:1"_s);
+    TerminalSettings::instance().setEmail(u"other@b.c"_s);
+    m_api.emplace(own);
+
+    m_server->on("GET", "/x", StubAnswer::json("[]"));
+    QCOMPARE(read(u"/x"_s).error, QString());
+    QCOMPARE(m_server->last("GET", "/x").header("Authorization"), "Bearer own-token"_ba);
+
+    m_server->on("POST", "/api/auth/login", StubAnswer::json(R"({"token":"new-token"})"));
+    QSignalSpy succeeded(&*m_api, &ApiClient::loginSucceeded);
+    m_api->login(u"own@b.c"_s, u"pw"_s);
+    QVERIFY(succeeded.wait());
+    QCOMPARE(own.email(), u"own@b.c"_s);
+    QCOMPARE(own.token(), u"new-token"_s);
+    QCOMPARE(TerminalSettings::instance().email(), u"other@b.c"_s);
+    QCOMPARE(TerminalSettings::instance().token(), u"token-1234"_s);
+    m_api.reset(); // before its settings
 }
 
 TAVORAN_TEST(TestApiClient)

@@ -62,7 +62,7 @@ private:
 void TestApiClientFaults::init()
 {
     m_server.emplace();
-    m_api.emplace();
+    m_api.emplace(TerminalSettings::instance());
     TerminalSettings::instance().setServerUrl(m_server->url());
     TerminalSettings::instance().setToken(u"token-1234"_s);
 }

@@ -58,7 +58,7 @@ private:
 void TestApiClientLimits::init()
 {
     m_server.emplace();
-    m_api.emplace();
+    m_api.emplace(TerminalSettings::instance());
     TerminalSettings::instance().setServerUrl(m_server->url());
 }
 

@@ -42,7 +42,7 @@ void TestApiClientTls::init()
 {
     m_trust.emplace();
     m_server.emplace(StubHttpServer::Transport::Tls);
-    m_api.emplace();
+    m_api.emplace(TerminalSettings::instance());
     QVERIFY(m_server->url().startsWith(u"https://127.0.0.1:"_s));
     TerminalSettings::instance().setServerUrl(m_server->url());
     TerminalSettings::instance().setToken(u"token-1234"_s);

@@ -50,7 +50,7 @@ void TestReadCoalescer::init()
 {
     m_api.reset();
     m_server.emplace();
-    m_api.emplace();
+    m_api.emplace(TerminalSettings::instance());
     m_calls.clear();
     TerminalSettings::instance().setServerUrl(m_server->url());
     m_server->on("GET", "/x", StubAnswer::held());

@@ -82,7 +82,7 @@ private:
 void TestTradeRequest::init()
 {
     m_server.emplace();
-    m_api.emplace();
+    m_api.emplace(TerminalSettings::instance());
     TerminalSettings::instance().setServerUrl(m_server->url());
 }
 

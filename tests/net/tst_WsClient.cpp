@@ -46,6 +46,7 @@ private Q_SLOTS:
     void starting_again_forgets_an_end_that_was_not_told_yet();
     void a_message_of_five_megabytes_is_taken();
     void it_may_be_deleted_while_connected();
+    void it_knows_only_the_settings_it_was_given();
 
 private:
     void connectFeed();
@@ -61,7 +62,7 @@ private:
 void TestWsClient::init()
 {
     m_feed.emplace();
-    m_client.emplace();
+    m_client.emplace(TerminalSettings::instance());
     m_client->setRetrySecond(1);
     m_log.clear();
     connect(&*m_client, &WsClient::logMessage, this, [this](const QString& source, const QString& message) {
@@ -512,5 +513,20 @@ void TestWsClient::it_may_be_deleted_while_connected()
     QCOMPARE(m_feed->attempts(), 1);
 }
 
+void TestWsClient::it_knows_only_the_settings_it_was_given()
+{
+    const QTemporaryDir folder;
+    TerminalSettings own(folder.filePath(u"own.conf"_s));
+    own.setServerUrl(m_feed->url());
+    own.setToken(u"own-token"_s);
+    TerminalSettings::instance().setServerUrl(u"http://127.0.0.1:1"_s);
+    m_client.emplace(own);
+    connectFeed();
+    QCOMPARE(m_feed->targets(), QList<QByteArray>({"/ws/terminal?token=own-token"_ba}));
+    m_client.reset(); // before its settings
+}
+
 TAVORAN_TEST(TestWsClient)
 #include "tst_WsClient.moc"
+
+#include <QTemporaryDir>

@@ -46,7 +46,7 @@ private:
 void TestWsClientFaults::init()
 {
     m_feed.emplace();
-    m_client.emplace();
+    m_client.emplace(TerminalSettings::instance());
     m_client->setRetrySecond(1);
     m_log.clear();
     m_retries.clear();
@@ -93,7 +93,7 @@ void TestWsClientFaults::a_success_starts_the_delays_anew()
 void TestWsClientFaults::a_second_of_delay_lasts_a_second()
 {
     m_feed->shutDown();
-    WsClient client;
+    WsClient client{TerminalSettings::instance()};
     QTimer* const timer = client.findChild<QTimer*>(u"retryTimer"_s);
     QVERIFY(timer);
     client.start();

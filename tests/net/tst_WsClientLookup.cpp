@@ -55,7 +55,7 @@ void TestWsClientLookup::init()
     lookups = 0;
     hostIsKnown = false;
     m_feed.emplace();
-    m_client.emplace();
+    m_client.emplace(TerminalSettings::instance());
     m_client->setRetrySecond(1);
     m_log.clear();
     m_retries.clear();

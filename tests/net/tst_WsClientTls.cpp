@@ -46,7 +46,7 @@ void TestWsClientTls::startClient()
 {
     m_log.clear();
     m_retries.clear();
-    m_client.emplace();
+    m_client.emplace(TerminalSettings::instance());
     m_client->setRetrySecond(1);
     connect(&*m_client, &WsClient::logMessage, this,
         [this](const QString&, const QString& message) { m_log.append(message); });

@@ -32,8 +32,8 @@ inline QJsonArray someSymbols()
 /// The order window on show, against a scripted server and a feed that is driven by hand.
 struct Desk {
     StubHttpServer server;
-    ApiClient api;
-    WsClient feed;
+    ApiClient api{TerminalSettings::instance()};
+    WsClient feed{TerminalSettings::instance()};
     QPointer<OrderDialog> dialog;
 
     explicit Desk(const QString& initialSymbol = {}, const QJsonArray& symbols = someSymbols())

@@ -32,7 +32,7 @@ const QByteArray pending = R"({"id":"t-1","symbol":"EURUSD","type":"SELL","lotSi
 /// The dialog on show over a scripted server.
 struct Desk {
     StubHttpServer server;
-    ApiClient api;
+    ApiClient api{TerminalSettings::instance()};
     QPointer<ModifyDialog> dialog;
 
     explicit Desk(const QByteArray& trade = position, int digits = 5)

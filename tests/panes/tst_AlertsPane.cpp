@@ -26,7 +26,7 @@ namespace {
 
 /// The pane on show with the alerts that the settings hold.
 struct Desk {
-    AlertsPane pane;
+    AlertsPane pane{TerminalSettings::instance()};
     QSignalSpy sounds{&pane, &AlertsPane::soundWanted};
     QSignalSpy balloons{&pane, &AlertsPane::balloonWanted};
 

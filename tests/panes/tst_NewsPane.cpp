@@ -37,7 +37,7 @@ QByteArray body(const QByteArrayList& events, const QByteArray& settings = "{}")
 /// The pane on show over a scripted server.
 struct Desk {
     StubHttpServer server;
-    ApiClient api;
+    ApiClient api{TerminalSettings::instance()};
     NewsPane pane{api};
     QSignalSpy balloons{&pane, &NewsPane::balloonWanted};
 
@@ -261,7 +261,7 @@ void TestNewsPane::anEventPassedUnseenIsNotAnnouncedLater()
 {
     StubHttpServer server;
     TerminalSettings::instance().setServerUrl(server.url());
-    ApiClient api;
+    ApiClient api{TerminalSettings::instance()};
     NewsPane pane(api); // nobody listens: a desktop without a tray
     server.on("GET", path, StubAnswer::json(body({eventJson("a", 5)})));
     pane.refresh();

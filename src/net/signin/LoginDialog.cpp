@@ -27,8 +27,9 @@ constexpr QMargins rowMargins(24, 4, 24, 0);
 
 } // namespace
 
-LoginDialog::LoginDialog(QWidget* parent)
+LoginDialog::LoginDialog(TerminalSettings& settings, QWidget* parent)
     : QDialog(parent)
+    , m_settings(settings)
     , m_email(new QLineEdit(this))
     , m_password(new QLineEdit(this))
     , m_remember(new QCheckBox(tr("Keep me signed in"), this))
@@ -74,7 +75,7 @@ LoginDialog::LoginDialog(QWidget* parent)
 
 void LoginDialog::renewClient()
 {
-    m_api.emplace();
+    m_api.emplace(m_settings);
     connect(&*m_api, &ApiClient::loginSucceeded, this, &LoginDialog::onLoginSucceeded);
     connect(&*m_api, &ApiClient::loginFailed, this, &LoginDialog::onLoginFailed);
     setBusy(false);
@@ -82,11 +83,10 @@ void LoginDialog::renewClient()
 
 QLayout* LoginDialog::buildForm()
 {
-    const TerminalSettings& settings = TerminalSettings::instance();
-    m_email->setText(settings.email());
+    m_email->setText(m_settings.email());
     m_email->setPlaceholderText(u"trader@example.com"_s);
     m_password->setEchoMode(QLineEdit::Password);
-    m_remember->setChecked(settings.remember());
+    m_remember->setChecked(m_settings.remember());
 
     auto* const form = new QFormLayout;
     form->setContentsMargins(rowMargins);
@@ -124,7 +124,7 @@ void LoginDialog::attemptLogin()
         return;
     }
     // The sign-in answer decides by this choice whether the token outlives the session.
-    TerminalSettings::instance().setRemember(m_remember->isChecked());
+    m_settings.setRemember(m_remember->isChecked());
     m_errorLabel->hide();
     fitHeight();
     setBusy(true);

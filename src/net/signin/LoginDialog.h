@@ -11,6 +11,7 @@ class QLabel;
 class QLayout;
 class QLineEdit;
 class QPushButton;
+class TerminalSettings;
 
 /// The modal sign-in window that runs before the main window exists. Ends accepted after a
 /// successful sign-in, rejected when the user leaves it, a request in flight or not.
@@ -19,7 +20,8 @@ class LoginDialog final : public QDialog {
     Q_DISABLE_COPY_MOVE(LoginDialog)
 
 public:
-    explicit LoginDialog(QWidget* parent = nullptr);
+    /// The settings must outlive the dialog.
+    explicit LoginDialog(TerminalSettings& settings, QWidget* parent = nullptr);
 
     /// The server's sign-in answer; empty until accepted.
     [[nodiscard]] QJsonObject user() const { return m_user; }
@@ -38,6 +40,7 @@ private:
     void fitHeight();
     void askForPassword();
 
+    TerminalSettings& m_settings;
     std::optional<ApiClient> m_api;
     QLineEdit* m_email;
     QLineEdit* m_password;

@@ -117,7 +117,7 @@ void tst_ChartWindow::init()
 {
     m_server = std::make_unique<StubHttpServer>();
     TerminalSettings::instance().setServerUrl(m_server->url());
-    m_api = std::make_unique<ApiClient>();
+    m_api = std::make_unique<ApiClient>(TerminalSettings::instance());
     m_server->on("GET", drawingsPath, StubAnswer::json("[]"));
 }
 

@@ -41,7 +41,7 @@ QByteArray trades(const char* id, int profit)
 
 struct Desk {
     StubHttpServer server;
-    ApiClient api;
+    ApiClient api{TerminalSettings::instance()};
     AccountBook book;
     AccountLoader loader{api, book};
     QSignalSpy tradesRead{&book, &AccountBook::tradesChanged};

@@ -33,7 +33,7 @@ const QStringList everything{u"accounts"_s, u"trades"_s, u"history"_s};
 /// The actions over a scripted server, with all that they say.
 struct Desk {
     StubHttpServer server;
-    ApiClient api;
+    ApiClient api{TerminalSettings::instance()};
     AccountBook book;
     TradeActions actions{api, book};
     QStringList said; ///< Journal and Experts lines, sounds and refreshes in their order
@@ -760,7 +760,7 @@ void TestTradeActions::repliesInTheOtherOrderKeepTheirOwnWords()
 void TestTradeActions::repliesAfterTheEndDoNoHarm()
 {
     StubHttpServer server;
-    ApiClient api;
+    ApiClient api{TerminalSettings::instance()};
     AccountBook book;
     TerminalSettings::instance().setServerUrl(server.url());
     book.selectAccount(u"acc-1"_s);

@@ -91,7 +91,7 @@ void TestLoginDialog::cleanup()
 
 void TestLoginDialog::open()
 {
-    m_dialog.emplace();
+    m_dialog.emplace(TerminalSettings::instance());
     m_dialog->show();
 }
 

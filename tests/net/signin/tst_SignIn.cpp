@@ -43,7 +43,7 @@ void TestSignIn::init()
 {
     m_api.reset();
     m_server.emplace();
-    m_api.emplace();
+    m_api.emplace(TerminalSettings::instance());
     TerminalSettings& settings = TerminalSettings::instance();
     settings.setServerUrl(m_server->url());
     settings.setRemember(true);
