@@ -7,8 +7,7 @@
 ExpertEngine::ExpertEngine(const QString& symbol, int digits, const std::vector<Candle>& candles,
     ExpertHost::Callbacks callbacks, QObject* parent)
     : QObject(parent)
-    , m_run(std::make_shared<ExpertRun>(symbol, digits, candles, std::move(callbacks),
-          [this](const QString& text, LineKind kind) { Q_EMIT message(text, kind); }))
+    , m_run(std::make_shared<ExpertRun>(*this, symbol, digits, candles, std::move(callbacks)))
 {
 }
 

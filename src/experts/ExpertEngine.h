@@ -14,8 +14,9 @@ class ExpertRun;
 ///
 /// Everything happens on the GUI thread, and a script that never returns blocks it. Hooks never nest: a
 /// tick or a time-out that comes while one is running is dropped. The engine may be stopped and deleted at
-/// any time, from within its own hooks too: the script engine then stays until the hook has returned, but
-/// what the hook still asks for has no effect.
+/// any time, from within its own hooks and signals too: the script engine then stays until the hook has
+/// returned, but what the hook still asks for has no effect. Whoever acts upon the signals rather than upon
+/// what a call has come to need not ask whether anything is left after the call.
 class ExpertEngine final : public QObject {
     Q_OBJECT
     Q_DISABLE_COPY_MOVE(ExpertEngine)
@@ -28,8 +29,8 @@ public:
     ~ExpertEngine() override;
 
     /// Reads the script, runs the runtime prelude and the script, and calls OnInit. True when the expert is
-    /// running; else the reason is in `error`. A failure of OnInit, or of reading any hook, has then been
-    /// told by message() too.
+    /// running; else the reason is in `error`, and has been told: a failure of OnInit, or of reading any
+    /// hook, by message(), any other by failed().
     bool load(const QString& path, QString* error = nullptr);
     /// Calls OnTick; nothing unless running. An error in it ends the expert.
     void tick();
@@ -44,6 +45,13 @@ public:
 
 Q_SIGNALS:
     void message(const QString& text, LineKind kind);
+    /// It runs, and has said so.
+    void started();
+    /// The script could not be made ready to start.
+    void failed(const QString& reason);
+    /// It was stopped, has stopped itself, or was never started: the last that is heard, unless the hook in
+    /// which it was stopped still fails.
+    void ended();
 
 private:
     std::shared_ptr<ExpertRun> m_run;

@@ -1,5 +1,6 @@
 #include "experts/ExpertRun.h"
 
+#include "experts/ExpertEngine.h"
 #include "experts/ExpertScript.h"
 
 #include <QFile>
@@ -38,10 +39,10 @@ private:
     bool m_wasInHook;
 };
 
-ExpertRun::ExpertRun(const QString& symbol, int digits, const std::vector<Candle>& candles,
-    ExpertHost::Callbacks callbacks, Report report)
-    : m_host(symbol, digits, candles, std::move(callbacks))
-    , m_report(std::move(report))
+ExpertRun::ExpertRun(ExpertEngine& engine, const QString& symbol, int digits,
+    const std::vector<Candle>& candles, ExpertHost::Callbacks callbacks)
+    : m_engine(&engine)
+    , m_host(symbol, digits, candles, std::move(callbacks))
 {
     m_host.holdActions(true);
     QObject::connect(&m_timer, &QTimer::timeout, &m_timer, [this] { onTimer(); });
@@ -60,7 +61,10 @@ bool ExpertRun::load(const QString& path, QString& error)
     const auto alive = shared_from_this();
     m_state = State::Starting;
     m_name = ExpertScript::nameOf(path);
-    if (!start(path, error)) {
+    const bool evaluated = evaluate(path, error);
+    if (!evaluated && m_engine)
+        Q_EMIT m_engine->failed(error);
+    if (!evaluated || !initialize(error)) {
         stop();
         return false;
     }
@@ -71,10 +75,12 @@ bool ExpertRun::load(const QString& path, QString& error)
     m_state = State::Running;
     report(tr("%1 loaded").arg(m_name), LineKind::Ordinary);
     // Whoever heard that may have ended it.
+    if (isRunning())
+        Q_EMIT m_engine->started();
     return isRunning();
 }
 
-bool ExpertRun::start(const QString& path, QString& error)
+bool ExpertRun::evaluate(const QString& path, QString& error)
 {
     const std::optional<ExpertScript> script = ExpertScript::read(path, error);
     if (!script)
@@ -94,6 +100,12 @@ bool ExpertRun::start(const QString& path, QString& error)
             : tr("%1: %2").arg(failure->name, failure->message);
         return false;
     }
+    return true;
+}
+
+bool ExpertRun::initialize(QString& error)
+{
+    const HookScope scope(*this);
     QJSValue onInit;
     if (!find(u"OnInit"_s, onInit, error) || !find(u"OnTick"_s, m_onTick, error)
         || !find(u"OnDeinit"_s, m_onDeinit, error) || !find(u"OnTimer"_s, m_onTimer, error))
@@ -165,17 +177,23 @@ void ExpertRun::onTimer()
 void ExpertRun::startTimer(int seconds)
 {
     constexpr int most = std::numeric_limits<int>::max() / 1000;
-    if (seconds > 0 && m_state != State::Stopped)
+    if (seconds > 0 && m_state < State::Stopping)
         m_timer.start(std::min(seconds, most) * 1000);
 }
 
 void ExpertRun::stop()
 {
+    if (m_state == State::Stopped)
+        return;
     const auto alive = shared_from_this();
     m_timer.stop();
-    if (std::exchange(m_state, State::Stopped) == State::Running)
+    if (std::exchange(m_state, State::Stopping) == State::Running)
         call(m_onDeinit, u"OnDeinit"_s);
+    // OnDeinit may have led here again.
+    if (std::exchange(m_state, State::Stopped) == State::Stopped)
+        return;
     m_host.disconnectChart();
+    Q_EMIT m_engine->ended();
 }
 
 void ExpertRun::abandon()
@@ -183,12 +201,11 @@ void ExpertRun::abandon()
     m_timer.stop();
     m_state = State::Stopped;
     m_host.disconnectChart();
-    m_report = {};
+    m_engine = nullptr;
 }
 
 void ExpertRun::report(const QString& text, LineKind kind) const
 {
-    // The listener may end this expert, and its own registration with it.
-    if (const Report listener = m_report)
-        listener(text, kind);
+    if (m_engine)
+        Q_EMIT m_engine->message(text, kind);
 }

@@ -7,20 +7,21 @@
 #include <QCoreApplication>
 #include <QTimer>
 
-#include <functional>
 #include <memory>
 
+class ExpertEngine;
+
 /// One expert from loading to its end: script engine, host, timer and hooks. Kept by its ExpertEngine and,
-/// while one of its hooks is running, by that call, so that it can be ended from within.
+/// while one of its hooks is running, by that call, so that it can be ended from within. Whatever is told in
+/// a row is told from here: it goes on to the end of the row, or until nobody is interested any more.
 class ExpertRun final : public std::enable_shared_from_this<ExpertRun> {
     Q_DECLARE_TR_FUNCTIONS(ExpertEngine)
     Q_DISABLE_COPY_MOVE(ExpertRun)
 
 public:
-    using Report = std::function<void(const QString& text, LineKind kind)>;
-
-    ExpertRun(const QString& symbol, int digits, const std::vector<Candle>& candles,
-        ExpertHost::Callbacks callbacks, Report report);
+    /// `engine` tells what happens here, until abandon().
+    ExpertRun(ExpertEngine& engine, const QString& symbol, int digits, const std::vector<Candle>& candles,
+        ExpertHost::Callbacks callbacks);
     ~ExpertRun();
 
     [[nodiscard]] bool load(const QString& path, QString& error);
@@ -35,10 +36,13 @@ public:
     void setDigits(int digits);
 
 private:
-    enum class State { Created, Starting, Running, Stopped };
+    enum class State { Created, Starting, Running, Stopping, Stopped };
     class HookScope;
 
-    [[nodiscard]] bool start(const QString& path, QString& error);
+    /// Runs the prelude and the script. The reason why not has been told nobody yet.
+    [[nodiscard]] bool evaluate(const QString& path, QString& error);
+    /// Fetches the hooks and calls OnInit. The reason why not has been reported.
+    [[nodiscard]] bool initialize(QString& error);
     /// Fetches a hook. False, with the composed text of the failure, which has been reported, when reading
     /// its name throws.
     [[nodiscard]] bool find(const QString& hookName, QJSValue& hook, QString& error);
@@ -50,10 +54,10 @@ private:
     void startTimer(int seconds);
     void report(const QString& text, LineKind kind) const;
 
+    ExpertEngine* m_engine; ///< none once nobody is interested any more
     ScriptEngine m_script;
     ExpertHost m_host; ///< after the engine, so that it goes first
     QTimer m_timer;
-    Report m_report;
     QString m_name;
     QJSValue m_digitsChanged; ///< the prelude's own
     QJSValue m_onTick;

@@ -403,6 +403,59 @@ private Q_SLOTS:
         QCOMPARE(chart().done, QStringList());
     }
 
+    void startFailureAndEndAreTold_data()
+    {
+        QTest::addColumn<QByteArray>("script");
+        QTest::addColumn<QString>("told");
+        QTest::newRow("until it is stopped") << QByteArray("function OnDeinit() { throw 'bye' }")
+                                             << u"Probe loaded;started;OnDeinit: bye;ended"_s;
+        QTest::newRow("stopped once more by its last words")
+            << QByteArray("function OnDeinit() { Trade.closeAll(); Print('not heard') }")
+            << u"Probe loaded;started;closeAll;ended"_s;
+        QTest::newRow("OnTick throws")
+            << QByteArray("function OnTick() { throw 5 } function OnDeinit() { Print('deinit') }")
+            << u"Probe loaded;started;OnTick: 5;Stopped after error in OnTick: OnTick: 5;print deinit;ended"_s;
+        QTest::newRow("OnInit throws") << QByteArray("function OnInit() { throw 5 }") << u"OnInit: 5;ended"_s;
+        QTest::newRow("OnInit stops it")
+            << QByteArray("function OnInit() { Trade.closeAll() }") << u"closeAll;ended"_s;
+        QTest::newRow("the file throws") << QByteArray("throw 5") << u"failed: Error at line 1: 5;ended"_s;
+    }
+    void startFailureAndEndAreTold()
+    {
+        QFETCH(QByteArray, script);
+        QFETCH(QString, told);
+        QStringList& heard = chart().done;
+        ExpertHost::Callbacks calls = chart().callbacks();
+        calls.closeAll = [this, &heard] {
+            heard.append(u"closeAll"_s);
+            chart().engine->stop();
+        };
+        chart().create(calls);
+        ExpertEngine* const engine = chart().engine.get();
+        connect(engine, &ExpertEngine::message, this, [&heard](const QString& text) { heard.append(text); });
+        connect(engine, &ExpertEngine::started, this, [&heard] { heard.append(u"started"_s); });
+        connect(engine, &ExpertEngine::failed, this,
+            [&heard](const QString& reason) { heard.append(u"failed: "_s + reason); });
+        connect(engine, &ExpertEngine::ended, this, [&heard] { heard.append(u"ended"_s); });
+        engine->load(chart().file(script));
+        engine->tick();
+        engine->stop();
+        engine->stop();
+        QCOMPARE(heard.join(u';'), told);
+    }
+
+    void theEngineMayBeDeletedByWhoHearsOfItsEnd()
+    {
+        for (const char* script : {"", "throw 5", "function OnInit() { throw 5 }"}) {
+            chart().create();
+            ExpertEngine* const engine = chart().engine.get();
+            connect(engine, &ExpertEngine::ended, this, [this] { chart().engine.reset(); });
+            if (engine->load(chart().file(script)))
+                engine->stop();
+            QVERIFY(!chart().engine);
+        }
+    }
+
     void deletingWithoutStoppingRunsNoScript()
     {
         QVERIFY(chart().load("function OnDeinit() { Print('deinit') }"));

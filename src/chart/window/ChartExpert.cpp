@@ -25,7 +25,8 @@ void ChartExpert::attach(const QString& path)
 {
     const QPointer<ChartExpert> self(this);
     detach();
-    // What the old expert did in the end may have brought another one here, which came later.
+    // What the old expert did in the end may have ended this seat, or brought another one here, which came
+    // later.
     if (!self || m_engine)
         return;
 
@@ -47,60 +48,29 @@ void ChartExpert::attach(const QString& path)
     };
     callbacks.comment = [this](const QString& text) { Q_EMIT commentChanged(text); };
 
-    m_lastMessage.clear();
     m_engine = std::make_unique<ExpertEngine>(m_symbol, m_digits, m_chart.candles(), std::move(callbacks));
-    // A later engine may come to lie where this one was: only the pointer that knows of its end tells.
-    const QPointer<ExpertEngine> engine(m_engine.get());
-    connect(engine, &ExpertEngine::message, this, [this, source](const QString& text, LineKind kind) {
-        m_lastMessage = text;
-        Q_EMIT log(source, text, kind);
-    });
-
-    QString error;
-    const bool running = engine->load(path, &error);
-    if (!self || !engine)
-        return;
-    if (running) {
+    connect(m_engine.get(), &ExpertEngine::message, this,
+        [this, source](const QString& text, LineKind kind) { Q_EMIT log(source, text, kind); });
+    connect(m_engine.get(), &ExpertEngine::failed, this,
+        [this, source](const QString& reason) { Q_EMIT log(source, reason, LineKind::Failure); });
+    connect(m_engine.get(), &ExpertEngine::started, this, &ChartExpert::nameChanged);
+    connect(m_engine.get(), &ExpertEngine::ended, this, [this] {
+        m_engine.reset();
         Q_EMIT nameChanged();
-        return;
-    }
-    m_engine.reset();
-    Q_EMIT commentChanged({});
-    // What OnInit threw has been told already.
-    if (self && error != m_lastMessage)
-        Q_EMIT log(source, error, LineKind::Failure);
+    });
+    m_engine->load(path);
 }
 
 void ChartExpert::detach()
 {
-    if (!m_engine)
-        return;
-    const QPointer<ChartExpert> self(this);
-    const QPointer<ExpertEngine> engine(m_engine.get());
-    engine->stop();
-    if (!self || !engine)
-        return;
-    m_engine.reset();
-    ended();
-}
-
-void ChartExpert::ended()
-{
-    const QPointer<ChartExpert> self(this);
-    Q_EMIT commentChanged({});
-    if (self)
-        Q_EMIT nameChanged();
+    if (m_engine)
+        m_engine->stop();
 }
 
 void ChartExpert::tick()
 {
-    if (!m_engine || !m_engine->isRunning())
-        return;
-    const QPointer<ChartExpert> self(this);
-    const QPointer<ExpertEngine> engine(m_engine.get());
-    engine->tick();
-    if (self && engine && !engine->isRunning())
-        ended();
+    if (m_engine)
+        m_engine->tick();
 }
 
 QString ChartExpert::name() const

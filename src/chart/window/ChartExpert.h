@@ -11,7 +11,8 @@ class ChartWidget;
 class ExpertEngine;
 
 /// The seat of an Expert Advisor on a chart: attaches one script at a time, hands it the chart's data and
-/// turns what it asks for into signals. Any of them may lead to this object's end.
+/// turns what it asks for into signals. Any of them may lead to this object's end, so each is the last thing
+/// that is done on its way: what has to follow, the engine tells.
 class ChartExpert final : public QObject {
     Q_OBJECT
     Q_DISABLE_COPY_MOVE(ChartExpert)
@@ -45,13 +46,13 @@ Q_SIGNALS:
     /// A market order, complete but for the account.
     void orderRequested(const QJsonObject& body);
     void closeAllRequested(const QString& symbol);
-    /// Empty: no comment.
+    /// Empty: no comment. The end of an expert is the end of its comment, and is told by nameChanged() alone.
     void commentChanged(const QString& text);
+    /// An expert has started, or has ended, be it before it started.
     void nameChanged();
 
 private:
     void order(const QString& source, const QString& side, double lots, double sl, double tp);
-    void ended();
 
     const ChartWidget& m_chart;
     QString m_symbol;
@@ -59,6 +60,5 @@ private:
     double m_balance = 0.0;
     double m_equity = 0.0;
     int m_positions = 0;
-    QString m_lastMessage; ///< of the engine
     std::unique_ptr<ExpertEngine> m_engine;
 };

@@ -80,6 +80,10 @@ void ChartWindow::connectExpert()
     connect(m_expert, &ChartExpert::orderRequested, this, &ChartWindow::expertOrderRequested);
     connect(m_expert, &ChartExpert::closeAllRequested, this, &ChartWindow::expertCloseAllRequested);
     connect(m_expert, &ChartExpert::commentChanged, m_comment, &ChartComment::setComment);
+    connect(m_expert, &ChartExpert::nameChanged, m_comment, [this] {
+        if (expertName().isEmpty())
+            m_comment->setComment({});
+    });
     connect(m_expert, &ChartExpert::nameChanged, this, &ChartWindow::nameWindow);
 }
 
