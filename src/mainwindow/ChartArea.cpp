@@ -30,6 +30,12 @@ ChartWindow* chartIn(const QMdiSubWindow* subWindow)
     return subWindow ? qobject_cast<ChartWindow*>(subWindow->widget()) : nullptr;
 }
 
+/// For going through them while an expert may bring about the end of any chart.
+QList<QPointer<ChartWindow>> guarded(const QList<ChartWindow*>& charts)
+{
+    return {charts.begin(), charts.end()};
+}
+
 /// Where an unmaximized sub-window was; invalid when that cannot be read. Restoring moves a window down to
 /// make room for a title bar above it, but a sub-window has its own inside.
 QRect savedRectangle(const QByteArray& geometry)
@@ -56,8 +62,10 @@ ChartArea::ChartArea(ApiClient& api, const AccountBook& book, QWidget* parent)
 ChartArea::~ChartArea()
 {
     // The charts go later, when there is nobody left to pass on what their experts say in the end.
-    for (ChartWindow* chart : charts())
-        chart->detachExpert();
+    for (const QPointer<ChartWindow>& chart : guarded(charts())) {
+        if (chart)
+            chart->detachExpert();
+    }
 }
 
 ChartWindow* ChartArea::openChart(const QString& symbol)
@@ -224,10 +232,7 @@ void ChartArea::restoreGeometry(QMdiSubWindow* subWindow, const QByteArray& geom
 
 void ChartArea::showQuotes(const PriceSnapshot& prices)
 {
-    const QList<ChartWindow*> present = charts();
-    // An expert that hears of a price may bring about the end of any chart.
-    const QList<QPointer<ChartWindow>> guarded(present.begin(), present.end());
-    for (const QPointer<ChartWindow>& chart : guarded) {
+    for (const QPointer<ChartWindow>& chart : guarded(charts())) {
         const Quote* quote = chart ? prices.find(chart->symbol()) : nullptr;
         if (quote)
             chart->onQuote(*quote);

@@ -249,6 +249,41 @@ private Q_SLOTS:
         tick();
     }
 
+    /// Who is told later than the one that closes the chart still reads what it was about.
+    void whatAnExpertAskedForIsReadableAfterItsChartWasClosed()
+    {
+        desk().window->openChart(u"EURUSD"_s);
+        ChartArea* const area = desk().chartArea();
+        connect(
+            area, &ChartArea::expertCloseAllRequested, this, [area] { qDeleteAll(area->subWindowList()); });
+        QString named;
+        connect(area, &ChartArea::expertCloseAllRequested, this,
+            [&named](const QString& symbol) { named = QString(symbol.constData(), symbol.size()); });
+        activate("function OnTick() { Trade.closeAll() }");
+        tick();
+        QVERIFY(desk().charts().isEmpty());
+        QCOMPARE(named, u"EURUSD"_s);
+    }
+
+    void theLastWordsOfOneExpertMayCloseAllCharts()
+    {
+        for (int i = 0; i < 3; ++i) {
+            desk().window->openChart(u"EURUSD"_s);
+            activate("function OnDeinit() { Trade.closeAll() }");
+        }
+        int closings = 0;
+        ChartArea* const area = desk().chartArea();
+        connect(area, &ChartArea::expertCloseAllRequested, this, [area, &closings] {
+            // The others have last words too.
+            if (++closings > 1)
+                return;
+            const QList<QMdiSubWindow*> others = area->subWindowList().mid(1);
+            qDeleteAll(others);
+        });
+        desk().window.reset();
+        QCOMPARE(closings, 3);
+    }
+
     void closingTheChartTellsTheExpertWhoseWordsAreRead()
     {
         desk().window->openChart(u"EURUSD"_s);

@@ -41,7 +41,8 @@ void ChartExpert::attach(const QString& path)
     callbacks.order = [this, source](const QString& side, double lots, double sl, double tp) {
         order(source, side, lots, sl, tp);
     };
-    callbacks.closeAll = [this] { Q_EMIT closeAllRequested(m_symbol); };
+    // The symbol must outlast a seat that goes while it is being told.
+    callbacks.closeAll = [this, symbol = m_symbol] { Q_EMIT closeAllRequested(symbol); };
     callbacks.print = [this, source](const QString& text) { Q_EMIT log(source, text, LineKind::Ordinary); };
     callbacks.alert = [this, source](const QString& text) {
         Q_EMIT log(source, tr("ALERT: %1").arg(text), LineKind::Ordinary);
