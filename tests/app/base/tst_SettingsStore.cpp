@@ -14,6 +14,13 @@ using fixtures::FullDisk;
 using fixtures::modeOf;
 using fixtures::writeFile;
 
+namespace {
+
+/// Qt 6.8 leaves a file as it was where it finds no room for the new one.
+constexpr bool fullDiskCutsFiles = QT_VERSION < QT_VERSION_CHECK(6, 8, 0);
+
+} // namespace
+
 class TestSettingsStore : public QObject {
     Q_OBJECT
 
@@ -303,7 +310,8 @@ private Q_SLOTS:
         for (const rlim_t room : {1000, 2000, 3000}) {
             const FullDisk full(room);
             QVERIFY(!store->sync());
-            QCOMPARE(contentOf(m_path).size(), static_cast<qsizetype>(room));
+            if (fullDiskCutsFiles)
+                QCOMPARE(contentOf(m_path).size(), static_cast<qsizetype>(room));
         }
         {
             const FullDisk full(4000);
@@ -330,7 +338,8 @@ private Q_SLOTS:
             QVERIFY(!store.sync());
         }
         // Nothing in it shows that there should be more.
-        QCOMPARE(contentOf(m_path), cut);
+        if (fullDiskCutsFiles)
+            QCOMPARE(contentOf(m_path), cut);
         const SettingsStore store(m_path);
         QCOMPARE(store.value("a/first"_L1).toString(), wide('x'));
         QCOMPARE(store.value("b/last"_L1).toString(), wide('y'));
