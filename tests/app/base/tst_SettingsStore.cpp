@@ -301,6 +301,8 @@ private Q_SLOTS:
 
     void aSaveThatFailedIsNotWhatTheNextOneGoesBackTo()
     {
+        if (!fullDiskCutsFiles)
+            QSKIP("this Qt leaves the file as it was, so none is cut");
         const QString before = layoutOf(40);
         auto store = std::make_unique<SettingsStore>(m_path);
         saveEverything(*store, before);
@@ -310,8 +312,7 @@ private Q_SLOTS:
         for (const rlim_t room : {1000, 2000, 3000}) {
             const FullDisk full(room);
             QVERIFY(!store->sync());
-            if (fullDiskCutsFiles)
-                QCOMPARE(contentOf(m_path).size(), static_cast<qsizetype>(room));
+            QCOMPARE(contentOf(m_path).size(), static_cast<qsizetype>(room));
         }
         {
             const FullDisk full(4000);
@@ -323,6 +324,8 @@ private Q_SLOTS:
 
     void aSaveCutBetweenTwoLinesIsUndone()
     {
+        if (!fullDiskCutsFiles)
+            QSKIP("this Qt leaves the file as it was, so none is cut");
         const auto wide = [](char letter) { return QString(500, QLatin1Char(letter)); };
         {
             SettingsStore store(m_path);
@@ -338,8 +341,7 @@ private Q_SLOTS:
             QVERIFY(!store.sync());
         }
         // Nothing in it shows that there should be more.
-        if (fullDiskCutsFiles)
-            QCOMPARE(contentOf(m_path), cut);
+        QCOMPARE(contentOf(m_path), cut);
         const SettingsStore store(m_path);
         QCOMPARE(store.value("a/first"_L1).toString(), wide('x'));
         QCOMPARE(store.value("b/last"_L1).toString(), wide('y'));
