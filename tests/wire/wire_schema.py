@@ -129,8 +129,8 @@ class WireDescription:
                 return template
         return None
 
-    def exchange(self, exchange):
-        """The offences of a request and its answer, none when they are as described."""
+    def exchange(self, exchange, asked=True):
+        """The offences of an answer, and of its request where what was asked is judged too."""
         path, _, query = exchange.target.partition("?")
         template = self._template(path)
         if template is None:
@@ -148,13 +148,19 @@ class WireDescription:
         if response is None:
             return self._named(exchange, ["status: it is not described"])
         offences = self._judge_reply(exchange, response.get("content"))
-        if exchange.status < 400:
+        if asked and exchange.status < 400:
             offences += self._judge_request(exchange, item, operation, query)
-        if exchange.status == 101:
+        if asked and exchange.status == 101:
             offences += self._judge_value(dict(parse_qsl(query)), self._handshakes[template])
         if not offences:
             self._met.add((exchange.method, template, exchange.status))
         return self._named(exchange, offences)
+
+    def refusal(self, exchange):
+        """The offences of the answer to what is no HTTP."""
+        if not 400 <= exchange.status < 500:
+            return [f"{exchange}: what is no HTTP was answered"]
+        return self._named(exchange, self._judge_reply(exchange, {"application/json": {"schema": self._error}}))
 
     @staticmethod
     def _named(exchange, offences):

@@ -1,58 +1,9 @@
 """Lies between a terminal and its platform and hands everything on as it comes, with a copy to judge later."""
 
-import http.client
-import io
 import socket
-import struct
 import threading
 
-from wire_client import TEXT
-from wire_schema import Exchange
-
-
-class Incomplete(Exception):
-    """The connection ended in the middle; nobody has read the rest."""
-
-
-class Copy:
-    """What went one way over a connection, to be read from its beginning."""
-
-    def __init__(self):
-        self.data = bytearray()
-        self._at = 0
-
-    def rest(self):
-        return len(self.data) - self._at
-
-    def take(self, count):
-        if self.rest() < count:
-            raise Incomplete
-        self._at += count
-        return bytes(self.data[self._at - count:self._at])
-
-    def head(self):
-        """The first line of a request or a reply as three words, and its headers in lower case."""
-        end = self.data.find(b"\r\n\r\n", self._at)
-        if end < 0:
-            raise Incomplete
-        line, _, fields = self.take(end + 4 - self._at).partition(b"\r\n")
-        headers = http.client.parse_headers(io.BytesIO(fields))
-        return line.decode().split(" ", 2), {name.lower(): value for name, value in headers.items()}
-
-    def body(self, headers):
-        return self.take(int(headers.get("content-length", 0))).decode()
-
-    def frame(self):
-        """A WebSocket frame: its first byte and what it holds."""
-        first, second = self.take(2)
-        length = second & 0x7F
-        if length == 126:
-            length = struct.unpack(">H", self.take(2))[0]
-        elif length == 127:
-            length = struct.unpack(">Q", self.take(8))[0]
-        mask = self.take(4) if second & 0x80 else bytes(4)
-        return first, bytes(byte ^ mask[i % 4] for i, byte in enumerate(self.take(length))) \
-            if second & 0x80 else self.take(length)
+from wire_copy import Copy, judge_connection
 
 
 class WireTap:
@@ -109,38 +60,7 @@ class WireTap:
         left.wait()
         source.close()
 
-    # --- judging ---------------------------------------------------------------------------------
-
     def judge(self, description):
         """The offences of everything that went through."""
-        offences = []
-        for sent, received in self._copies:
-            try:
-                self._judge(sent, received, description, offences)
-            except Incomplete:
-                pass
-        return offences
-
-    @staticmethod
-    def _judge(sent, received, description, offences):
-        while sent.rest():
-            (method, target, _), asked = sent.head()
-            body = sent.body(asked)
-            (_, status, _), answered = received.head()
-            reply = received.body(answered)
-            offences += description.exchange(Exchange(method, target, int(status), body, asked, reply, answered))
-            if status == "101":
-                WireTap._judge_frames(received, "send", description, offences)
-                WireTap._judge_frames(sent, "receive", description, offences)
-
-    @staticmethod
-    def _judge_frames(copy, action, description, offences):
-        try:
-            while copy.rest():
-                first, payload = copy.frame()
-                if first & 0x80 == 0:
-                    offences.append("feed: a part of a frame")
-                elif first & 0x0F == TEXT:
-                    offences += description.message(action, payload.decode())
-        except Incomplete:
-            pass
+        return [offence for sent, received in self._copies
+                for offence in judge_connection(sent, received, description)]

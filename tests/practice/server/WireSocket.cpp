@@ -2,11 +2,32 @@
 
 #include <arpa/inet.h>
 #include <cerrno>
+#include <cstdlib>
+#include <filesystem>
 #include <netinet/in.h>
 #include <poll.h>
 #include <stdexcept>
 #include <sys/socket.h>
 #include <unistd.h>
+
+namespace {
+
+/// Where the next connection keeps its copies, without an ending; empty when none are wanted.
+std::string nextCopy()
+{
+    static const std::string folder = [] {
+        const char* wanted = std::getenv("TAVORAN_WIRE_COPIES");
+        if (wanted == nullptr || *wanted == '\0')
+            return std::string();
+        std::filesystem::remove_all(wanted);
+        std::filesystem::create_directories(wanted);
+        return std::string(wanted);
+    }();
+    static int count = 0;
+    return folder.empty() ? folder : folder + '/' + std::to_string(++count);
+}
+
+} // namespace
 
 WireSocket::WireSocket(std::uint16_t port, int receiveBuffer, const std::string& from)
     : m_socket(::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0))
@@ -29,6 +50,10 @@ WireSocket::WireSocket(std::uint16_t port, int receiveBuffer, const std::string&
         ::close(m_socket);
         throw std::runtime_error("cannot connect");
     }
+    if (const std::string copy = nextCopy(); !copy.empty()) {
+        m_sentCopy.open(copy + ".sent", std::ios::binary);
+        m_receivedCopy.open(copy + ".received", std::ios::binary);
+    }
 }
 
 WireSocket::~WireSocket()
@@ -42,6 +67,7 @@ void WireSocket::send(std::string_view bytes)
         const ssize_t sent = ::send(m_socket, bytes.data(), bytes.size(), MSG_NOSIGNAL);
         if (sent <= 0)
             throw std::runtime_error("cannot send");
+        m_sentCopy.write(bytes.data(), sent);
         bytes.remove_prefix(static_cast<std::size_t>(sent));
     }
 }
@@ -55,6 +81,7 @@ bool WireSocket::fill()
     if (got <= 0)
         return false;
     m_buffer.append(chunk, static_cast<std::size_t>(got));
+    m_receivedCopy.write(chunk, got);
     return true;
 }
 

@@ -3,11 +3,15 @@
 #include <chrono>
 #include <cstddef>
 #include <cstdint>
+#include <fstream>
 #include <string>
 #include <string_view>
 
 /// A plain TCP connection to the loopback, from an address of it unless that is empty. Reading gives up, with
 /// an exception, after ten seconds of silence.
+/// Where the environment names a folder in TAVORAN_WIRE_COPIES, both ways of each connection are kept in it,
+/// so that they can be held to the description of the wire when the check is over. What lay there before is
+/// removed.
 class WireSocket final {
 public:
     explicit WireSocket(std::uint16_t port, int receiveBuffer = 0, const std::string& from = {});
@@ -32,4 +36,6 @@ private:
 
     int m_socket = -1;
     std::string m_buffer;
+    std::ofstream m_sentCopy;
+    std::ofstream m_receivedCopy;
 };
