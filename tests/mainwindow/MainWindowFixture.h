@@ -1,57 +1,50 @@
 #pragma once
 
-#include "app/base/TerminalSettings.h"
 #include "mainwindow/ChartArea.h"
 #include "mainwindow/MainWindow.h"
-#include "net/ApiClient.h"
+#include "support/Records.h"
+#include "support/ServedClient.h"
 #include "support/StubFeedServer.h"
-#include "support/StubHttpServer.h"
 
 #include <QAbstractItemView>
 #include <QComboBox>
-#include <QJsonDocument>
 #include <QLabel>
 #include <QTreeWidget>
 #include <QtTest>
 
 /// A whole main window against scripted servers on one loopback port: two accounts, two symbols.
-struct MainWindowFixture {
-    StubHttpServer http;
-    StubFeedServer feed{http};
+struct MainWindowFixture : fixtures::ServedClient {
+    StubFeedServer feed{server};
     std::unique_ptr<MainWindow> window;
 
     MainWindowFixture()
     {
         TerminalSettings& settings = TerminalSettings::instance();
-        settings.setServerUrl(http.url());
         settings.setToken(QStringLiteral("secret-token-123"));
         settings.setWindowLayout({}, {});
         settings.setRestoringLayout(false);
         settings.setChartsLayout({});
-        feed.setGreeting(R"({"type":"hello",
-            "symbols":[{"name":"EURUSD","digits":5,"sortOrder":1,"description":"Euro"},
-                       {"name":"USDJPY","digits":3,"sortOrder":2,"description":"Yen"}],
-            "prices":{"EURUSD":{"bid":1.1,"ask":1.2},"USDJPY":{"bid":"150.5","ask":"150.6"}}})");
-        http.on("GET", "/api/accounts", StubAnswer::json(accounts()));
-        http.on("GET", "/api/trades/open", StubAnswer::json("[]"));
-        http.on("GET", "/api/trades/open?accountId=a1", StubAnswer::json(openTrades()));
-        http.on("GET", "/api/trades/pending", StubAnswer::json("[]"));
-        http.on("GET", "/api/trades/history", StubAnswer::json("[]"));
-        http.on("GET", "/api/candles", StubAnswer::json("[]"));
-        http.on("GET", "/api/drawings", StubAnswer::json("[]"));
-        http.on("GET", "/api/news/upcoming", StubAnswer::json(R"({"events":[]})"));
+        feed.setGreeting(records::hello({records::symbol("EURUSD").rank(1).described("Euro"),
+                                            records::symbol("USDJPY").rank(2).digits(3).described("Yen")},
+            records::prices({{"EURUSD", 1.1, 1.2}, {"USDJPY", "150.5", "150.6"}})));
+        server.on("GET", "/api/accounts", StubAnswer::list(accounts()));
+        server.on("GET", "/api/trades/open", StubAnswer::list({}));
+        server.on("GET", "/api/trades/open?accountId=a1", StubAnswer::list({openTrade()}));
+        server.on("GET", "/api/trades/pending", StubAnswer::list({}));
+        server.on("GET", "/api/trades/history", StubAnswer::list({}));
+        server.on("GET", "/api/candles", StubAnswer::list({}));
+        server.on("GET", "/api/drawings", StubAnswer::list({}));
+        server.on("GET", "/api/news/upcoming", StubAnswer::json(records::news({})));
     }
 
-    [[nodiscard]] static QByteArray accounts()
+    [[nodiscard]] static QJsonArray accounts(double balanceOfTheLast = 2000)
     {
-        return R"([{"id":"w","isWallet":true,"status":"ACTIVE","balance":"5"},
-                   {"id":"a1","type":"DEMO","status":"ACTIVE","balance":"1000"},
-                   {"id":"a2","Plan":{"name":"Pro","steps":2},"phase":3,"status":"ACTIVE","balance":2000}])";
+        return {records::account("w").wallet().balance("5"), records::account("a1").balance("1000"),
+            records::account("a2").plan("Pro", 2, 3).balance(balanceOfTheLast)};
     }
-    [[nodiscard]] static QByteArray openTrades()
+    [[nodiscard]] static records::Trade openTrade()
     {
-        return R"([{"id":"t1","accountId":"a1","symbol":"EURUSD","type":"BUY","lotSize":0.1,"entryPrice":1.1,
-                    "pnl":"12.5","margin":"100"}])";
+        return records::position("t1").buy(0.1).at(1.1).profit("12.5").margin("100");
     }
 
     void open()
@@ -71,25 +64,10 @@ struct MainWindowFixture {
     {
         signIn();
         QTRY_VERIFY(action("New Order")->isEnabled());
-        QTRY_COMPARE(http.count("GET", "/api/accounts"), 2);
-        QTRY_VERIFY(http.count("GET", "/api/trades/pending") >= 1);
+        QTRY_COMPARE(server.count("GET", "/api/accounts"), 2);
+        QTRY_VERIFY(server.count("GET", "/api/trades/pending") >= 1);
         QTRY_COMPARE(list("tradeList").topLevelItemCount(), 1);
         settle();
-    }
-    /// Waits until the window asks for nothing more: several round trips to the same server, one after
-    /// the other, pass without another request. Each takes at least the turns of the loop in which the
-    /// window would have sent what follows from an answer or a message already on its way.
-    void settle()
-    {
-        constexpr int quietRoundTrips = 4;
-        for (int quiet = 0; quiet < quietRoundTrips;) {
-            const qsizetype before = http.requests().size();
-            bool answered = false;
-            m_marker.get(QStringLiteral("/marker"), &http,
-                [&answered](const QJsonDocument&, const QString&) { answered = true; });
-            QTRY_VERIFY(answered);
-            quiet = http.requests().size() == before + 1 ? quiet + 1 : 0;
-        }
     }
 
     [[nodiscard]] ChartArea* chartArea() const { return window->findChild<ChartArea*>(); }
@@ -128,7 +106,4 @@ struct MainWindowFixture {
     }
     [[nodiscard]] QStringList journal() const { return log("journalList"); }
     [[nodiscard]] int journalCount(const QString& line) const { return int(journal().count(line)); }
-
-private:
-    ApiClient m_marker{TerminalSettings::instance()};
 };

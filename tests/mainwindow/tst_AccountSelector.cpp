@@ -1,5 +1,6 @@
 #include "mainwindow/AccountSelector.h"
 #include "mainwindow/account/AccountBook.h"
+#include "support/Records.h"
 #include "support/TestMain.h"
 
 #include <QComboBox>
@@ -123,7 +124,8 @@ void tst_AccountSelector::of_equal_ids_the_last_line_stays()
 {
     Selector s;
     s.book.selectAccount(u"a"_s);
-    s.book.setAccounts(accounts(R"([{"id":"a"},{"id":"a"},{"id":"b","status":"ACTIVE"}])"));
+    s.book.setAccounts({records::account("a").status("CLOSED"), records::account("a").status("CLOSED"),
+        records::account("b")});
     QCOMPARE(s.list.currentIndex(), 1);
     s.book.selectAccount(u"a"_s);
     QCOMPARE(s.list.currentIndex(), 1);
@@ -135,8 +137,7 @@ void tst_AccountSelector::lines_of_the_same_accounts_stay()
     s.book.setAccounts(accounts(two));
     QSignalSpy removed(s.list.model(), &QAbstractItemModel::rowsRemoved);
     QSignalSpy reset(s.list.model(), &QAbstractItemModel::modelReset);
-    s.book.setAccounts(accounts(
-        R"([{"id":"w","isWallet":true,"status":"ACTIVE","balance":5},{"id":"a","status":"ACTIVE"}])"));
+    s.book.setAccounts({records::account("w").wallet().balance(5), records::account("a")});
     QCOMPARE(s.list.itemText(0), u"Real  [ACTIVE]  5.00"_s);
     QCOMPARE(removed.count() + reset.count(), 0);
     QCOMPARE(s.list.currentData().toString(), u"a"_s);

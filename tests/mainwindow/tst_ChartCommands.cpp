@@ -75,10 +75,10 @@ void tst_ChartCommands::timeframesAreChosenInMenuAndToolbar()
     }
     // The chosen one again: nothing is read anew.
     d.f.settle();
-    const int reads = d.f.http.count("GET", "/api/candles");
+    const int reads = d.f.server.count("GET", "/api/candles");
     d.press("toolbarTimeframes", d.actions().timeframes->actions().constLast());
     QCOMPARE(checkedTexts(d.actions().timeframes->actions()), QStringList{u"MN"_s});
-    QCOMPARE(d.f.http.count("GET", "/api/candles"), reads);
+    QCOMPARE(d.f.server.count("GET", "/api/candles"), reads);
 }
 
 void tst_ChartCommands::chartTypesAreChosenInMenuAndToolbar()
@@ -361,9 +361,9 @@ void tst_ChartCommands::refreshReadsTheHistoryAgain()
     CommandDriver d;
     QVERIFY(d.openChart(u"EURUSD"_s));
     d.f.settle();
-    const int reads = d.f.http.count("GET", "/api/candles");
+    const int reads = d.f.server.count("GET", "/api/candles");
     d.choose({u"&Charts"_s, u"Refresh"_s});
-    QTRY_COMPARE(d.f.http.count("GET", "/api/candles"), reads + 1);
+    QTRY_COMPARE(d.f.server.count("GET", "/api/candles"), reads + 1);
 }
 
 void tst_ChartCommands::dataWindowAndPropertiesOpenByKeyAndMenu()

@@ -27,11 +27,6 @@ QString endlessText(const QString& start)
     return start + QString(endless, u'x');
 }
 
-QByteArray jsonOf(const QJsonArray& array)
-{
-    return QJsonDocument(array).toJson();
-}
-
 /// Every text that a widget holds ready for the eye or the screen reader, and what a chart paints.
 class ShownTexts final {
 public:
@@ -102,37 +97,35 @@ struct EndlessServer final : MainWindowFixture {
 
     EndlessServer()
     {
-        const QJsonObject trade{{u"id"_s, endlessText(u"t"_s)}, {u"accountId"_s, u"a1"_s},
-            {u"symbol"_s, symbol}, {u"type"_s, endlessText(u"BUY"_s)},
-            {u"orderKind"_s, endlessText(u"KIND"_s)}, {u"lotSize"_s, 0.1}, {u"entryPrice"_s, 1.1},
-            {u"stopLoss"_s, 1.05}, {u"createdAt"_s, endlessText(u"2"_s)},
-            {u"closedAt"_s, endlessText(u"2"_s)}, {u"status"_s, endlessText(u"OPEN"_s)}};
-        QJsonObject order = trade;
-        order[u"status"_s] = u"PENDING"_s;
-        order[u"pendingPrice"_s] = 1.2;
-        http.on("GET", "/api/accounts",
-            StubAnswer::json(jsonOf({QJsonObject{{u"id"_s, u"a1"_s}, {u"status"_s, u"ACTIVE"_s},
-                                         {u"Plan"_s, QJsonObject{{u"name"_s, endlessText(u"Plan"_s)}}}},
-                QJsonObject{{u"id"_s, endlessText(u"a"_s)}, {u"status"_s, endlessText(u"S"_s)},
-                    {u"type"_s, u"DEMO"_s}}})));
-        http.on("GET", "/api/trades/open?accountId=a1", StubAnswer::json(jsonOf({trade})));
-        http.on("GET", "/api/trades/pending", StubAnswer::json(jsonOf({order})));
-        http.on("GET", "/api/trades/history", StubAnswer::json(jsonOf({trade})));
-        http.on("GET", "/api/candles", StubAnswer::message(endlessText(u"candles"_s), 500));
-        http.on("GET", "/api/drawings", StubAnswer::message(endlessText(u"drawings"_s), 500));
-        const QJsonObject news{{u"id"_s, endlessText(u"n"_s)}, {u"title"_s, endlessText(u"title"_s)},
-            {u"impact"_s, endlessText(u"HIGH"_s)}, {u"currency"_s, endlessText(u"EUR"_s)},
-            {u"eventTime"_s, endlessText(u"2"_s)}};
-        http.on("GET", "/api/news/upcoming",
-            StubAnswer::json(QJsonDocument(QJsonObject{{u"events"_s, QJsonArray{news}}}).toJson()));
-        const QJsonObject record{{u"name"_s, symbol}, {u"description"_s, endlessText(u"d"_s)}};
+        const auto trade = records::position(endlessText(u"t"_s))
+                               .symbol(symbol)
+                               .at(1.1)
+                               .stopLoss(1.05)
+                               .with("type", endlessText(u"BUY"_s))
+                               .with("orderKind", endlessText(u"KIND"_s))
+                               .with("createdAt", endlessText(u"2"_s))
+                               .with("closedAt", endlessText(u"2"_s))
+                               .with("status", endlessText(u"OPEN"_s));
+        const auto order = records::Trade(trade).with("status", "PENDING").awaits(1.2);
+        server.on("GET", "/api/accounts",
+            StubAnswer::list({records::account("a1").plan(endlessText(u"Plan"_s), 1),
+                records::account(endlessText(u"a"_s)).status(endlessText(u"S"_s))}));
+        server.on("GET", "/api/trades/open?accountId=a1", StubAnswer::list({trade}));
+        server.on("GET", "/api/trades/pending", StubAnswer::list({order}));
+        server.on("GET", "/api/trades/history", StubAnswer::list({trade}));
+        server.on("GET", "/api/candles", StubAnswer::message(endlessText(u"candles"_s), 500));
+        server.on("GET", "/api/drawings", StubAnswer::message(endlessText(u"drawings"_s), 500));
+        server.on("GET", "/api/news/upcoming",
+            StubAnswer::json(records::news({records::newsEvent(endlessText(u"n"_s))
+                                                .title(endlessText(u"title"_s))
+                                                .impact(endlessText(u"HIGH"_s))
+                                                .with("currency", endlessText(u"EUR"_s))
+                                                .with("eventTime", endlessText(u"2"_s))})));
         feed.setGreeting(
-            QJsonDocument(QJsonObject{{u"type"_s, u"hello"_s}, {u"symbols"_s, QJsonArray{record}},
-                              {u"prices"_s, QJsonObject{{symbol, quote()}}}})
-                .toJson());
+            records::hello({records::symbol(symbol).described(endlessText(u"d"_s))}, {{symbol, quote()}}));
     }
 
-    [[nodiscard]] static QJsonObject quote() { return {{u"bid"_s, 1.1}, {u"ask"_s, 1.2}}; }
+    [[nodiscard]] static QJsonObject quote() { return records::quote(1.1, 1.2); }
 
     void signInAndWait()
     {
@@ -182,7 +175,7 @@ void TestEndlessTexts::lists_and_log_lines_show_no_endless_text()
         {u"type"_s, u"orders_changed"_s}, {u"filled"_s, true}, {u"accountId"_s, endlessText(u"a"_s)}});
     f.feed.send(QJsonObject{{u"type"_s, u"account_update"_s}, {u"accountId"_s, endlessText(u"a"_s)},
         {u"status"_s, endlessText(u"status"_s)}});
-    f.http.on("GET", "/api/accounts", StubAnswer::message(endlessText(u"accounts"_s), 500));
+    f.server.on("GET", "/api/accounts", StubAnswer::message(endlessText(u"accounts"_s), 500));
     f.feed.send(QJsonObject{{u"type"_s, u"account_update"_s}, {u"accountId"_s, u"a1"_s}});
     QTRY_VERIFY(f.journal().filter(u"Failed to load accounts: accountsxx"_s).size() > 0);
     QVERIFY(f.journal().filter(u"Orders changed (reasonxxx"_s).size() == 1);
@@ -256,15 +249,15 @@ void TestEndlessTexts::requests_name_an_endless_symbol_whole()
     // As a person opens a chart: from the list, whose row shows only the beginning.
     QTreeWidget& symbols = f.list("marketWatchSymbols");
     Q_EMIT symbols.itemActivated(symbols.topLevelItem(0), 0);
-    QTRY_COMPARE(f.http.count("GET", "/api/candles"), 1);
-    QVERIFY(f.http.last("GET", "/api/candles").target.contains(f.symbol.toLatin1() + '&'));
+    QTRY_COMPARE(f.server.count("GET", "/api/candles"), 1);
+    QVERIFY(f.server.last("GET", "/api/candles").target.contains(f.symbol.toLatin1() + '&'));
     QCOMPARE(f.charts().constFirst()->symbol(), f.symbol);
 
-    f.http.on("POST", "/api/trades/place", StubAnswer::json("{}"));
+    f.server.on("POST", "/api/trades/place", StubAnswer::json("{}"));
     f.action("New Order")->trigger();
     QTest::mouseClick(f.window->findChild<QPushButton*>(u"orderBuy"_s), Qt::LeftButton);
-    QTRY_COMPARE(f.http.count("POST", "/api/trades/place"), 1);
-    QCOMPARE(f.http.last("POST", "/api/trades/place").json()["symbol"_L1].toString(), f.symbol);
+    QTRY_COMPARE(f.server.count("POST", "/api/trades/place"), 1);
+    QCOMPARE(f.server.last("POST", "/api/trades/place").json()["symbol"_L1].toString(), f.symbol);
 }
 
 void TestEndlessTexts::an_alert_keeps_an_endless_symbol_whole()

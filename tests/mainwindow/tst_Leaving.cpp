@@ -177,8 +177,8 @@ void tst_Leaving::aSendingWindowDoesNotHoldTheTerminalBack()
     QFETCH(const bool, fromOutside);
     MainWindowFixture f;
     f.signInAndSettle();
-    f.http.on("POST", "/api/trades/place", StubAnswer::held());
-    f.http.on("PUT", "/api/trades/modify/t1", StubAnswer::held());
+    f.server.on("POST", "/api/trades/place", StubAnswer::held());
+    f.server.on("PUT", "/api/trades/modify/t1", StubAnswer::held());
     if (modifies)
         f.window->onTradeDoubleClicked({{u"id"_s, u"t1"_s}, {u"symbol"_s, u"EURUSD"_s}});
     else
@@ -186,7 +186,7 @@ void tst_Leaving::aSendingWindowDoesNotHoldTheTerminalBack()
     const QWidget* dialog = QApplication::activeModalWidget();
     QVERIFY(dialog);
     press(*dialog, modifies ? u"Modify"_s : u"Buy by Market"_s);
-    QTRY_COMPARE(f.http.heldCount(), 1);
+    QTRY_COMPARE(f.server.heldCount(), 1);
     QVERIFY(dialog->isVisible());
 
     const int code = runAnd(*f.window, [&] {
@@ -206,12 +206,12 @@ void tst_Leaving::whatHadNoAnswerStandsInTheLog()
 {
     MainWindowFixture f;
     f.signInAndSettle();
-    f.http.on("POST", "/api/trades/place", StubAnswer::held());
-    f.http.on("GET", "/api/candles", StubAnswer::held());
+    f.server.on("POST", "/api/trades/place", StubAnswer::held());
+    f.server.on("GET", "/api/candles", StubAnswer::held());
     f.window->openChart(u"EURUSD"_s);
     f.window->onQuickTrade(u"EURUSD"_s, u"BUY"_s, 0.25);
     f.window->onQuickTrade(u"USDJPY"_s, u"SELL"_s, 0.5);
-    QTRY_COMPARE(f.http.heldCount(), 3);
+    QTRY_COMPARE(f.server.heldCount(), 3);
     QFile::remove(logFilePath());
 
     QCOMPARE(runAnd(*f.window, [&] { f.action("E&xit")->trigger(); }), 0);
@@ -227,11 +227,11 @@ void tst_Leaving::whatExpertsWaitedForIsCountedInTheLog()
 {
     MainWindowFixture f;
     f.signInAndSettle();
-    f.http.on("POST", "/api/trades/place", StubAnswer::held());
+    f.server.on("POST", "/api/trades/place", StubAnswer::held());
     f.action("Algo Trading")->setChecked(true);
     for (int i = 0; i < 5; ++i)
         f.window->onExpertOrder({{u"symbol"_s, u"EURUSD"_s}});
-    QTRY_COMPARE(f.http.heldCount(), 2);
+    QTRY_COMPARE(f.server.heldCount(), 2);
     const QStringList journal = f.journal();
     QFile::remove(logFilePath());
 
@@ -246,8 +246,8 @@ void tst_Leaving::whatWasAnsweredIsNotTold()
 {
     MainWindowFixture f;
     f.signInAndSettle();
-    f.http.once("POST", "/api/trades/place", StubAnswer::json("{}"));
-    f.http.once("POST", "/api/trades/place", StubAnswer::message(u"No"_s, 400));
+    f.server.once("POST", "/api/trades/place", StubAnswer::json("{}"));
+    f.server.once("POST", "/api/trades/place", StubAnswer::message(u"No"_s, 400));
     f.window->onQuickTrade(u"EURUSD"_s, u"BUY"_s, 0.25);
     f.window->onQuickTrade(u"EURUSD"_s, u"BUY"_s, 0.25);
     QTRY_COMPARE(f.journalCount(u"Trade: One-click BUY EURUSD executed"_s), 1);

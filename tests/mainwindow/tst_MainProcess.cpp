@@ -1,5 +1,6 @@
 #include "app/base/TerminalSettings.h"
 #include "support/LogMessages.h"
+#include "support/Records.h"
 #include "support/StubFeedServer.h"
 #include "support/StubHttpServer.h"
 #include "support/TestMain.h"
@@ -63,7 +64,7 @@ void tst_MainProcess::init()
     m_feed.reset();
     m_http = std::make_unique<StubHttpServer>();
     m_feed = std::make_unique<StubFeedServer>(*m_http);
-    m_feed->setGreeting(R"({"type":"hello","symbols":[{"name":"EURUSD"}],"prices":{}})");
+    m_feed->setGreeting(records::hello({records::symbol("EURUSD")}));
     m_http->on("GET", "/api/settings/public", StubAnswer::json(R"({"settings":{}})"));
     m_http->on("POST", "/api/auth/login",
         StubAnswer::json(R"({"token":"secret-token-123","email":"trader@example.test"})"));

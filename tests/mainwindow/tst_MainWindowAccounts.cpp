@@ -37,16 +37,6 @@ private Q_SLOTS:
     void navigatorListsTheAccountsAndSwitchesThem();
 };
 
-namespace {
-
-QByteArray trade(const char* id, const char* account, const char* pnl)
-{
-    return QByteArray(R"([{"id":")") + id + R"(","accountId":")" + account
-        + R"(","symbol":"EURUSD","type":"BUY","lotSize":1,"margin":50,"pnl":)" + pnl + "}]";
-}
-
-} // namespace
-
 void tst_MainWindowAccounts::signInLoadsAccountsTradesAndSummary()
 {
     MainWindowFixture f;
@@ -59,15 +49,15 @@ void tst_MainWindowAccounts::signInLoadsAccountsTradesAndSummary()
     QVERIFY(f.summary().contains(u"Margin: 100.00"_s));
     QVERIFY(f.summary().contains(u"Free Margin: 912.50"_s));
     QCOMPARE(f.list("tradeList").topLevelItem(0)->text(1), u"t1"_s);
-    QVERIFY(f.http.count("GET", "/api/trades/history?accountId=a1") >= 1);
+    QVERIFY(f.server.count("GET", "/api/trades/history?accountId=a1") >= 1);
 }
 
 void tst_MainWindowAccounts::helloReadsTheAccountsAgain()
 {
     MainWindowFixture f;
     f.signInAndSettle();
-    f.feed.send(R"({"type":"hello","symbols":[{"name":"EURUSD"}],"prices":{}})");
-    QTRY_COMPARE(f.http.count("GET", "/api/accounts"), 3);
+    f.feed.send(records::hello({records::symbol("EURUSD")}));
+    QTRY_COMPARE(f.server.count("GET", "/api/accounts"), 3);
     QCOMPARE(f.selector().currentData().toString(), u"a1"_s);
 }
 
@@ -76,9 +66,9 @@ void tst_MainWindowAccounts::switchingLoadsTheOtherAccountsLists()
     MainWindowFixture f;
     f.signInAndSettle();
     f.selector().setCurrentIndex(2);
-    QTRY_COMPARE(f.http.count("GET", "/api/trades/pending?accountId=a2"), 1);
-    QCOMPARE(f.http.count("GET", "/api/trades/open?accountId=a2"), 1);
-    QCOMPARE(f.http.count("GET", "/api/trades/history?accountId=a2"), 1);
+    QTRY_COMPARE(f.server.count("GET", "/api/trades/pending?accountId=a2"), 1);
+    QCOMPARE(f.server.count("GET", "/api/trades/open?accountId=a2"), 1);
+    QCOMPARE(f.server.count("GET", "/api/trades/history?accountId=a2"), 1);
     QTRY_COMPARE(f.list("tradeList").topLevelItemCount(), 0);
     QVERIFY(f.summary().contains(u"Balance: 2,000.00"_s));
     QVERIFY(f.summary().contains(u"Margin: 0.00"_s));
@@ -91,35 +81,38 @@ void tst_MainWindowAccounts::lateRepliesForAnotherAccountChangeNothing()
 {
     MainWindowFixture f;
     f.signInAndSettle();
-    f.http.on("GET", "/api/trades/open?accountId=a2", StubAnswer::held());
-    f.http.on("GET", "/api/trades/history?accountId=a2", StubAnswer::held());
+    f.server.on("GET", "/api/trades/open?accountId=a2", StubAnswer::held());
+    f.server.on("GET", "/api/trades/history?accountId=a2", StubAnswer::held());
     f.selector().setCurrentIndex(2);
-    QTRY_COMPARE(f.http.heldCount(), 2);
+    QTRY_COMPARE(f.server.heldCount(), 2);
     f.selector().setCurrentIndex(1);
     f.settle();
     const QString summary = f.summary();
     const QStringList journal = f.journal();
-    QVERIFY(f.http.release(StubAnswer::json(trade("late", "a2", "999")), "/api/trades/open?accountId=a2"));
-    QVERIFY(f.http.release(StubAnswer::json(trade("late", "a2", "999")), "/api/trades/history?accountId=a2"));
+    QVERIFY(f.server.release(StubAnswer::list({records::position("late").account("a2").profit(999)}),
+        "/api/trades/open?accountId=a2"));
+    QVERIFY(f.server.release(StubAnswer::list({records::closedTrade("late").account("a2").profit(999)}),
+        "/api/trades/history?accountId=a2"));
     f.settle();
     QCOMPARE(f.list("tradeList").topLevelItem(0)->text(1), u"t1"_s);
     QCOMPARE(f.list("historyList").topLevelItemCount(), 0);
     QCOMPARE(f.summary(), summary);
     QCOMPARE(f.journal(), journal);
-    QCOMPARE(f.http.count("GET", "/api/trades/pending?accountId=a2"), 0);
+    QCOMPARE(f.server.count("GET", "/api/trades/pending?accountId=a2"), 0);
 }
 
 void tst_MainWindowAccounts::latePendingReplyForAnotherAccountChangesNothing()
 {
     MainWindowFixture f;
     f.signInAndSettle();
-    f.http.on("GET", "/api/trades/open?accountId=a2", StubAnswer::json(trade("two", "a2", "1")));
-    f.http.on("GET", "/api/trades/pending?accountId=a2", StubAnswer::held());
+    f.server.on("GET", "/api/trades/open?accountId=a2",
+        StubAnswer::list({records::position("two").account("a2").profit(1)}));
+    f.server.on("GET", "/api/trades/pending?accountId=a2", StubAnswer::held());
     f.selector().setCurrentIndex(2);
-    QTRY_COMPARE(f.http.heldCount(), 1);
+    QTRY_COMPARE(f.server.heldCount(), 1);
     f.selector().setCurrentIndex(1);
     f.settle();
-    QVERIFY(f.http.release(StubAnswer::json("[]")));
+    QVERIFY(f.server.release(StubAnswer::json("[]")));
     f.settle();
     QCOMPARE(f.list("tradeList").topLevelItem(0)->text(1), u"t1"_s);
 }
@@ -128,10 +121,10 @@ void tst_MainWindowAccounts::selectedAccountStaysSelectedWhenTheListChanges()
 {
     MainWindowFixture f;
     f.signInAndSettle();
-    f.http.on("GET", "/api/accounts",
-        StubAnswer::json(R"([{"id":"a2","status":"ACTIVE"},{"id":"n","status":"ACTIVE"},
-        {"id":"a1","type":"DEMO","status":"FAILED","balance":7}])"));
-    f.feed.send(R"({"type":"account_update","accountId":"a1","status":"FAILED"})");
+    f.server.on("GET", "/api/accounts",
+        StubAnswer::list({records::account("a2"), records::account("n"),
+            records::account("a1").status("FAILED").balance(7)}));
+    f.feed.send(records::accountUpdate("a1", "FAILED"));
     QTRY_COMPARE(f.selector().itemText(2), u"Demo  [FAILED]  7.00"_s);
     QCOMPARE(f.selector().currentData().toString(), u"a1"_s);
 }
@@ -140,10 +133,10 @@ void tst_MainWindowAccounts::vanishedAccountGivesWayToTheFirstActiveOne()
 {
     MainWindowFixture f;
     f.signInAndSettle();
-    f.http.on("GET", "/api/accounts",
-        StubAnswer::json(R"([{"id":"w","isWallet":true,"status":"ACTIVE"},{"id":"f","status":"FAILED"},
-                             {"id":"a2","status":"ACTIVE","balance":3}])"));
-    f.feed.send(R"({"type":"account_update","accountId":"a1","status":"GONE"})");
+    f.server.on("GET", "/api/accounts",
+        StubAnswer::list({records::account("w").wallet(), records::account("f").status("FAILED"),
+            records::account("a2").balance(3)}));
+    f.feed.send(records::accountUpdate("a1", "GONE"));
     QTRY_COMPARE(f.selector().currentData().toString(), u"a2"_s);
     QTRY_COMPARE(f.list("tradeList").topLevelItemCount(), 0);
     QVERIFY(f.summary().contains(u"Balance: 3.00"_s));
@@ -154,8 +147,8 @@ void tst_MainWindowAccounts::failedAccountsKeepEverythingAndAreReported()
     MainWindowFixture f;
     f.signInAndSettle();
     const QString summary = f.summary();
-    f.http.on("GET", "/api/accounts", StubAnswer::message(u"Out of order %1"_s, 500));
-    f.feed.send(R"({"type":"account_update","accountId":"a1","status":"ACTIVE"})");
+    f.server.on("GET", "/api/accounts", StubAnswer::message(u"Out of order %1"_s, 500));
+    f.feed.send(records::accountUpdate("a1", "ACTIVE"));
     QTRY_COMPARE(f.journalCount(u"Network: Failed to load accounts: Out of order %1"_s), 1);
     QCOMPARE(f.selector().count(), 3);
     QCOMPARE(f.summary(), summary);
@@ -166,8 +159,8 @@ void tst_MainWindowAccounts::failedTradesKeepTheListAndAreReported()
 {
     MainWindowFixture f;
     f.signInAndSettle();
-    f.http.on("GET", "/api/trades/open?accountId=a1", StubAnswer::message(u"Busy"_s, 503));
-    f.feed.send(R"({"type":"orders_changed"})");
+    f.server.on("GET", "/api/trades/open?accountId=a1", StubAnswer::message(u"Busy"_s, 503));
+    f.feed.send(records::ordersChanged());
     QTRY_VERIFY(f.journalCount(u"Network: Failed to load trades: Busy"_s) >= 1);
     QCOMPARE(f.list("tradeList").topLevelItemCount(), 1);
 }
@@ -175,12 +168,11 @@ void tst_MainWindowAccounts::failedTradesKeepTheListAndAreReported()
 void tst_MainWindowAccounts::failedPendingOrdersCountAsNoneAndAreNotReportedOnPurpose()
 {
     MainWindowFixture f;
-    f.http.on("GET", "/api/trades/pending?accountId=a1",
-        StubAnswer::json(R"([{"id":"p1","symbol":"EURUSD","status":"PENDING"}])"));
+    f.server.on("GET", "/api/trades/pending?accountId=a1", StubAnswer::list({records::pendingOrder("p1")}));
     f.signIn();
     QTRY_COMPARE(f.list("tradeList").topLevelItemCount(), 2);
-    f.http.on("GET", "/api/trades/pending?accountId=a1", StubAnswer::message(u"No pending"_s, 500));
-    f.feed.send(R"({"type":"orders_changed"})");
+    f.server.on("GET", "/api/trades/pending?accountId=a1", StubAnswer::message(u"No pending"_s, 500));
+    f.feed.send(records::ordersChanged());
     QTRY_COMPARE(f.list("tradeList").topLevelItemCount(), 1);
     QVERIFY(f.journal().filter(u"No pending"_s).isEmpty());
 }
@@ -188,13 +180,14 @@ void tst_MainWindowAccounts::failedPendingOrdersCountAsNoneAndAreNotReportedOnPu
 void tst_MainWindowAccounts::failedHistoryKeepsTheListAndIsNotReported()
 {
     MainWindowFixture f;
-    f.http.on("GET", "/api/trades/history?accountId=a1", StubAnswer::json(trade("h", "a1", "1")));
+    f.server.on(
+        "GET", "/api/trades/history?accountId=a1", StubAnswer::list({records::closedTrade("h").profit(1)}));
     f.signInAndSettle();
     QTRY_COMPARE(f.list("historyList").topLevelItemCount(), 1);
-    f.http.on("GET", "/api/trades/history?accountId=a1", StubAnswer::message(u"No history"_s, 500));
-    const int before = f.http.count("GET", "/api/trades/history");
-    f.feed.send(R"({"type":"orders_changed"})");
-    QTRY_VERIFY(f.http.count("GET", "/api/trades/history") > before);
+    f.server.on("GET", "/api/trades/history?accountId=a1", StubAnswer::message(u"No history"_s, 500));
+    const int before = f.server.count("GET", "/api/trades/history");
+    f.feed.send(records::ordersChanged());
+    QTRY_VERIFY(f.server.count("GET", "/api/trades/history") > before);
     f.settle();
     QCOMPARE(f.list("historyList").topLevelItemCount(), 1);
     QVERIFY(f.journal().filter(u"No history"_s).isEmpty());
@@ -214,44 +207,44 @@ void tst_MainWindowAccounts::anAnswerThatIsNoListCountsAsAnEmptyOne()
 {
     QFETCH(QByteArray, body);
     MainWindowFixture f;
-    f.http.on("GET", "/api/trades/history?accountId=a1", StubAnswer::json(trade("h", "a1", "1")));
-    f.http.on("GET", "/api/trades/pending?accountId=a1",
-        StubAnswer::json(R"([{"id":"p1","symbol":"EURUSD","status":"PENDING"}])"));
+    f.server.on(
+        "GET", "/api/trades/history?accountId=a1", StubAnswer::list({records::closedTrade("h").profit(1)}));
+    f.server.on("GET", "/api/trades/pending?accountId=a1", StubAnswer::list({records::pendingOrder("p1")}));
     f.signIn();
     QTRY_COMPARE(f.list("tradeList").topLevelItemCount(), 2);
     QTRY_COMPARE(f.list("historyList").topLevelItemCount(), 1);
     f.settle();
     const qsizetype lines = f.journal().size();
 
-    f.http.on("GET", "/api/trades/history?accountId=a1", StubAnswer::json(body));
-    f.http.on("GET", "/api/trades/pending?accountId=a1", StubAnswer::json(body));
-    f.feed.send(R"({"type":"orders_changed"})");
+    f.server.on("GET", "/api/trades/history?accountId=a1", StubAnswer::json(body));
+    f.server.on("GET", "/api/trades/pending?accountId=a1", StubAnswer::json(body));
+    f.feed.send(records::ordersChanged());
     QTRY_COMPARE(f.list("tradeList").topLevelItemCount(), 1);
     QCOMPARE(f.list("tradeList").topLevelItem(0)->text(1), u"t1"_s);
     QTRY_COMPARE(f.list("historyList").topLevelItemCount(), 0);
     f.settle();
 
-    f.http.on("GET", "/api/trades/open?accountId=a1", StubAnswer::json(body));
-    f.feed.send(R"({"type":"orders_changed"})");
+    f.server.on("GET", "/api/trades/open?accountId=a1", StubAnswer::json(body));
+    f.feed.send(records::ordersChanged());
     QTRY_COMPARE(f.list("tradeList").topLevelItemCount(), 0);
     QVERIFY2(f.summary().contains(u"Equity: 1,000.00"_s), qPrintable(f.summary()));
     QVERIFY(f.summary().contains(u"Margin: 0.00"_s));
     QCOMPARE(f.selector().count(), 3);
     f.settle();
 
-    f.http.on("GET", "/api/accounts", StubAnswer::json(body));
-    f.feed.send(R"({"type":"orders_changed"})");
+    f.server.on("GET", "/api/accounts", StubAnswer::json(body));
+    f.feed.send(records::ordersChanged());
     QTRY_COMPARE(f.selector().count(), 0);
     QCOMPARE(f.summary(), u"Balance: —"_s);
     QCOMPARE(f.list("navigatorTree").topLevelItem(0)->child(0)->childCount(), 0);
     f.settle();
     // There is no account now, so nothing more is asked for it.
-    f.http.clearRequests();
-    f.feed.send(R"({"type":"orders_changed"})");
-    QTRY_COMPARE(f.http.count("GET", "/api/accounts"), 1);
+    f.server.clearRequests();
+    f.feed.send(records::ordersChanged());
+    QTRY_COMPARE(f.server.count("GET", "/api/accounts"), 1);
     f.settle();
-    QCOMPARE(f.http.count("GET", "/api/trades/open"), 0);
-    QCOMPARE(f.http.count("GET", "/api/trades/history"), 0);
+    QCOMPARE(f.server.count("GET", "/api/trades/open"), 0);
+    QCOMPARE(f.server.count("GET", "/api/trades/history"), 0);
     // And only the events themselves are in the Journal.
     QCOMPARE(f.journal().mid(lines), QStringList(4, u"Trade: Orders changed — refreshing"_s));
 }
@@ -262,31 +255,31 @@ void tst_MainWindowAccounts::aHistoryTooLargeToBeReadIsToldOnce()
     const QByteArray tooLarge = '[' + QByteArray(qsizetype{17} * 1024 * 1024, ' ') + ']';
     const QByteArray path = "/api/trades/history?accountId=a1";
     MainWindowFixture f;
-    f.http.on("GET", path, StubAnswer::json(trade("h", "a1", "1")));
+    f.server.on("GET", path, StubAnswer::list({records::closedTrade("h").profit(1)}));
     f.signInAndSettle();
     QTRY_COMPARE(f.list("historyList").topLevelItemCount(), 1);
     const auto readAgain = [&f, &path] {
-        f.http.clearRequests();
-        f.feed.send(R"({"type":"orders_changed"})");
-        QTRY_VERIFY(f.http.count("GET", path) >= 1);
+        f.server.clearRequests();
+        f.feed.send(records::ordersChanged());
+        QTRY_VERIFY(f.server.count("GET", path) >= 1);
         f.settle();
     };
 
-    f.http.on("GET", path, StubAnswer::json(tooLarge));
+    f.server.on("GET", path, StubAnswer::json(tooLarge));
     readAgain();
     QTRY_COMPARE(f.journalCount(line), 1);
     QCOMPARE(f.list("historyList").topLevelItemCount(), 1);
     readAgain();
-    f.http.on("GET", path, StubAnswer::message(u"No history"_s, 500));
+    f.server.on("GET", path, StubAnswer::message(u"No history"_s, 500));
     readAgain();
-    f.http.on("GET", path, StubAnswer::json(tooLarge));
+    f.server.on("GET", path, StubAnswer::json(tooLarge));
     readAgain();
     QCOMPARE(f.journalCount(line), 1);
 
-    f.http.on("GET", path, StubAnswer::json("[]"));
+    f.server.on("GET", path, StubAnswer::json("[]"));
     readAgain();
     QCOMPARE(f.list("historyList").topLevelItemCount(), 0);
-    f.http.on("GET", path, StubAnswer::json(tooLarge));
+    f.server.on("GET", path, StubAnswer::json(tooLarge));
     readAgain();
     QTRY_COMPARE(f.journalCount(line), 2);
 
@@ -302,17 +295,17 @@ void tst_MainWindowAccounts::aHistoryTooLargeOfAnotherAccountIsNotTold()
     MainWindowFixture f;
     f.signInAndSettle();
     const QByteArray path = "/api/trades/history?accountId=a2";
-    f.http.once("GET", path, StubAnswer::held());
+    f.server.once("GET", path, StubAnswer::held());
     f.selector().setCurrentIndex(2);
-    QTRY_COMPARE(f.http.heldCount(), 1);
+    QTRY_COMPARE(f.server.heldCount(), 1);
     // Asked for once more, it is read once more as soon as the first read has been given up.
     f.selector().setCurrentIndex(1);
     f.selector().setCurrentIndex(2);
     f.selector().setCurrentIndex(1);
     f.settle();
     const QStringList journal = f.journal();
-    QVERIFY(f.http.release(StubAnswer::json(tooLarge)));
-    QTRY_COMPARE(f.http.count("GET", path), 2);
+    QVERIFY(f.server.release(StubAnswer::json(tooLarge)));
+    QTRY_COMPARE(f.server.count("GET", path), 2);
     f.settle();
     QCOMPARE(f.journal(), journal);
 }
@@ -327,9 +320,8 @@ void tst_MainWindowAccounts::openDropDownStaysAsItIsDuringARefresh()
     lines->setCurrentIndex(f.selector().model()->index(2, 0));
     QSignalSpy removed(f.selector().model(), &QAbstractItemModel::rowsRemoved);
     QSignalSpy reset(f.selector().model(), &QAbstractItemModel::modelReset);
-    f.http.on(
-        "GET", "/api/accounts", StubAnswer::json(MainWindowFixture::accounts().replace("2000", "3000")));
-    f.feed.send(R"({"type":"orders_changed"})");
+    f.server.on("GET", "/api/accounts", StubAnswer::list(MainWindowFixture::accounts(3000)));
+    f.feed.send(records::ordersChanged());
     QTRY_COMPARE(f.selector().itemText(2), u"Pro — Challenge 2/2  [ACTIVE]  3,000.00"_s);
     f.settle();
     QVERIFY(lines->isVisible());
@@ -343,16 +335,16 @@ void tst_MainWindowAccounts::emptyAccountListClearsTheSummary()
 {
     MainWindowFixture f;
     f.signInAndSettle();
-    f.http.on("GET", "/api/accounts", StubAnswer::json("[]"));
-    f.feed.send(R"({"type":"account_update","accountId":"a1","status":"GONE"})");
+    f.server.on("GET", "/api/accounts", StubAnswer::json("[]"));
+    f.feed.send(records::accountUpdate("a1", "GONE"));
     QTRY_COMPARE(f.summary(), u"Balance: —"_s);
     QCOMPARE(f.selector().count(), 0);
-    f.http.clearRequests();
-    f.feed.send(R"({"type":"orders_changed"})");
-    QTRY_COMPARE(f.http.count("GET", "/api/accounts"), 1);
+    f.server.clearRequests();
+    f.feed.send(records::ordersChanged());
+    QTRY_COMPARE(f.server.count("GET", "/api/accounts"), 1);
     f.settle();
-    QCOMPARE(f.http.count("GET", "/api/trades/open"), 0);
-    QCOMPARE(f.http.count("GET", "/api/trades/history"), 0);
+    QCOMPARE(f.server.count("GET", "/api/trades/open"), 0);
+    QCOMPARE(f.server.count("GET", "/api/trades/history"), 0);
 }
 
 void tst_MainWindowAccounts::expiredSessionIsReportedEachTime()
@@ -361,11 +353,11 @@ void tst_MainWindowAccounts::expiredSessionIsReportedEachTime()
     MainWindowFixture f;
     f.signInAndSettle();
     QCOMPARE(f.journalCount(line), 0);
-    f.http.on("GET", "/api/accounts", StubAnswer::message(u"Token expired"_s, 401));
-    f.feed.send(R"({"type":"account_update","accountId":"a1","status":"ACTIVE"})");
+    f.server.on("GET", "/api/accounts", StubAnswer::message(u"Token expired"_s, 401));
+    f.feed.send(records::accountUpdate("a1", "ACTIVE"));
     QTRY_COMPARE(f.journalCount(line), 1);
     QTRY_COMPARE(f.journalCount(u"Network: Failed to load accounts: Token expired"_s), 1);
-    f.feed.send(R"({"type":"account_update","accountId":"a1","status":"ACTIVE"})");
+    f.feed.send(records::accountUpdate("a1", "ACTIVE"));
     QTRY_COMPARE(f.journalCount(line), 2);
     QCOMPARE(f.list("tradeList").topLevelItemCount(), 1);
 }
@@ -373,12 +365,11 @@ void tst_MainWindowAccounts::expiredSessionIsReportedEachTime()
 void tst_MainWindowAccounts::idsArePercentEncoded()
 {
     MainWindowFixture f;
-    f.http.on(
-        "GET", "/api/accounts", StubAnswer::json(R"([{"id":"a&b=c+d/..#?","status":"ACTIVE","balance":1}])"));
+    f.server.on("GET", "/api/accounts", StubAnswer::list({records::account("a&b=c+d/..#?").balance(1)}));
     f.signIn();
-    QTRY_VERIFY(f.http.count("GET", "/api/trades/pending?accountId=a%26b%3Dc%2Bd%2F..%23%3F") >= 1);
-    QVERIFY(f.http.count("GET", "/api/trades/open?accountId=a%26b%3Dc%2Bd%2F..%23%3F") >= 1);
-    QVERIFY(f.http.count("GET", "/api/trades/history?accountId=a%26b%3Dc%2Bd%2F..%23%3F") >= 1);
+    QTRY_VERIFY(f.server.count("GET", "/api/trades/pending?accountId=a%26b%3Dc%2Bd%2F..%23%3F") >= 1);
+    QVERIFY(f.server.count("GET", "/api/trades/open?accountId=a%26b%3Dc%2Bd%2F..%23%3F") >= 1);
+    QVERIFY(f.server.count("GET", "/api/trades/history?accountId=a%26b%3Dc%2Bd%2F..%23%3F") >= 1);
 }
 
 void tst_MainWindowAccounts::liveProfitsChangeRowAndSummary()
@@ -386,15 +377,14 @@ void tst_MainWindowAccounts::liveProfitsChangeRowAndSummary()
     MainWindowFixture f;
     f.signInAndSettle();
     const QStringList journal = f.journal();
-    f.http.clearRequests();
-    f.feed.send(
-        R"({"type":"trades_update","data":[{"accountId":"a1","id":"t1","pnl":"-20.25","margin":"9999"}]})");
+    f.server.clearRequests();
+    f.feed.send(records::tradesUpdate({records::position("t1").profit("-20.25").margin("9999")}));
     QTRY_COMPARE(f.list("tradeList").topLevelItem(0)->text(11), u"-20.25"_s);
     QVERIFY(f.summary().contains(u"Equity: 979.75"_s));
     QVERIFY(f.summary().contains(u"Margin: 100.00"_s));
     // That is all: nothing is said, and nothing read again.
     f.settle();
-    QCOMPARE(f.http.requests().size(), f.http.count("GET", "/marker"));
+    QCOMPARE(f.server.requests().size(), f.server.count("GET", "/marker"));
     QCOMPARE(f.journal(), journal);
     QCOMPARE(f.log("expertsList"), QStringList());
 }
@@ -406,7 +396,7 @@ void tst_MainWindowAccounts::liveProfitsOfAnotherAccountChangeNothing()
     const QString summary = f.summary();
     f.feed.send(
         R"({"type":"trades_update","data":[{"accountId":"a2","id":"t1","pnl":77},{"id":"t1","pnl":1},5,null]})");
-    f.feed.send(R"({"type":"account_update","accountId":"mark","status":"X"})");
+    f.feed.send(records::accountUpdate("mark", "X"));
     QTRY_COMPARE(f.journalCount(u"Account: Account mark status changed to X"_s), 1);
     QCOMPARE(f.list("tradeList").topLevelItem(0)->text(11), u"12.50"_s);
     f.settle();
@@ -417,15 +407,14 @@ void tst_MainWindowAccounts::profitNewerThanTheReplyIsKept()
 {
     MainWindowFixture f;
     f.signInAndSettle();
-    f.http.on("GET", "/api/trades/pending?accountId=a1", StubAnswer::held());
-    f.feed.send(R"({"type":"orders_changed"})");
-    QTRY_COMPARE(f.http.heldCount(), 1);
+    f.server.on("GET", "/api/trades/pending?accountId=a1", StubAnswer::held());
+    f.feed.send(records::ordersChanged());
+    QTRY_COMPARE(f.server.heldCount(), 1);
     f.settle();
-    f.feed.send(R"({"type":"trades_update","data":[{"accountId":"a1","id":"t1","pnl":55}]})");
+    f.feed.send(records::tradesUpdate({records::position("t1").profit(55)}));
     QTRY_COMPARE(f.list("tradeList").topLevelItem(0)->text(11), u"55.00"_s);
-    f.http.on("GET", "/api/trades/pending?accountId=a1",
-        StubAnswer::json(R"([{"id":"p1","symbol":"EURUSD","status":"PENDING"}])"));
-    QVERIFY(f.http.release(StubAnswer::json(R"([{"id":"p1","symbol":"EURUSD","status":"PENDING"}])")));
+    f.server.on("GET", "/api/trades/pending?accountId=a1", StubAnswer::list({records::pendingOrder("p1")}));
+    QVERIFY(f.server.release(StubAnswer::list({records::pendingOrder("p1")})));
     QTRY_COMPARE(f.list("tradeList").topLevelItemCount(), 2);
     QCOMPARE(f.list("tradeList").topLevelItem(0)->text(11), u"55.00"_s);
 }
@@ -434,20 +423,19 @@ void tst_MainWindowAccounts::manyEventsDoNotPileUpReads()
 {
     MainWindowFixture f;
     f.signInAndSettle();
-    f.http.on("GET", "/api/accounts", StubAnswer::held());
-    f.http.clearRequests();
+    f.server.on("GET", "/api/accounts", StubAnswer::held());
+    f.server.clearRequests();
     for (int i = 0; i < 200; ++i)
-        f.feed.send(R"({"type":"account_update","accountId":"a1","status":"ACTIVE"})");
+        f.feed.send(records::accountUpdate("a1", "ACTIVE"));
     QTRY_COMPARE(f.journalCount(u"Account: Account a1 status changed to ACTIVE"_s), 200);
-    QTRY_COMPARE(f.http.heldCount(), 1);
+    QTRY_COMPARE(f.server.heldCount(), 1);
     f.settle();
-    QCOMPARE(f.http.count("GET", "/api/accounts"), 1);
-    f.http.on("GET", "/api/accounts",
-        StubAnswer::json(R"([{"id":"a1","status":"NEW","type":"DEMO","balance":1}])"));
-    QVERIFY(f.http.release(StubAnswer::json(MainWindowFixture::accounts())));
+    QCOMPARE(f.server.count("GET", "/api/accounts"), 1);
+    f.server.on("GET", "/api/accounts", StubAnswer::list({records::account("a1").status("NEW").balance(1)}));
+    QVERIFY(f.server.release(StubAnswer::list(MainWindowFixture::accounts())));
     QTRY_COMPARE(f.selector().itemText(0), u"Demo  [NEW]  1.00"_s);
     f.settle();
-    QCOMPARE(f.http.count("GET", "/api/accounts"), 2);
+    QCOMPARE(f.server.count("GET", "/api/accounts"), 2);
 }
 
 void tst_MainWindowAccounts::navigatorListsTheAccountsAndSwitchesThem()
@@ -472,11 +460,10 @@ void tst_MainWindowAccounts::navigatorListsTheAccountsAndSwitchesThem()
     QTest::mouseDClick(tree.viewport(), Qt::LeftButton, {}, spot);
     QCOMPARE(f.selector().currentData().toString(), u"a2"_s);
     QCOMPARE(bold(), QStringList{u"Pro — Challenge 2/2  (2000)"_s});
-    QTRY_COMPARE(f.http.count("GET", "/api/trades/open?accountId=a2"), 1);
+    QTRY_COMPARE(f.server.count("GET", "/api/trades/open?accountId=a2"), 1);
 
-    f.http.on(
-        "GET", "/api/accounts", StubAnswer::json(MainWindowFixture::accounts().replace("2000", "3000")));
-    f.feed.send(R"({"type":"orders_changed"})");
+    f.server.on("GET", "/api/accounts", StubAnswer::list(MainWindowFixture::accounts(3000)));
+    f.feed.send(records::ordersChanged());
     QTRY_COMPARE(bold(), QStringList{u"Pro — Challenge 2/2  (3000)"_s});
 
     auto* navigator = f.window->findChild<QDockWidget*>(u"dockNavigator"_s)->widget();

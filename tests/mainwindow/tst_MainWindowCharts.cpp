@@ -24,16 +24,16 @@ bool showsHistory(const ChartWindow& chart)
 }
 
 /// `count` quarter-hour bars from so many after 2 June 2026, 00:00 UTC.
-QByteArray historyOf(int first, int count)
+QJsonArray historyOf(int first, int count)
 {
     QJsonArray rows;
     for (int i = first; i < first + count; ++i) {
         const QDateTime time = QDateTime::fromMSecsSinceEpoch(1'780'358'400'000 + i * 900'000LL).toUTC();
         const double price = 1.3 + 0.01 * std::sin(i * 0.3);
-        rows.append(QJsonObject{{u"timestamp"_s, time.toString(Qt::ISODateWithMs)}, {u"open"_s, price},
-            {u"high"_s, price + 0.001}, {u"low"_s, price - 0.001}, {u"close"_s, price}, {u"volume"_s, 1}});
+        rows.append(
+            records::candle(time.toString(Qt::ISODateWithMs), price, price + 0.001, price - 0.001, price, 1));
     }
-    return QJsonDocument(rows).toJson(QJsonDocument::Compact);
+    return rows;
 }
 
 } // namespace
@@ -75,7 +75,7 @@ void tst_MainWindowCharts::doubleClickInMarketWatchOpensOneChart()
     QCOMPARE(f.charts().size(), 1);
     QCOMPARE(f.charts().constFirst()->symbol(), u"USDJPY"_s);
     QCOMPARE(f.charts().constFirst()->timeframe(), u"15m"_s);
-    QTRY_COMPARE(f.http.count("GET", "/api/candles?symbol=USDJPY&timeframe=15m"), 1);
+    QTRY_COMPARE(f.server.count("GET", "/api/candles?symbol=USDJPY&timeframe=15m"), 1);
 }
 
 void tst_MainWindowCharts::newChartStartsWithWhatIsKnown()
@@ -109,8 +109,8 @@ void tst_MainWindowCharts::chartsFollowTradesFiguresAndPrices()
     }
     QCOMPARE(f.charts().first()->chart().bid(), 0.0); // the hello brought no tick
     QCOMPARE(f.charts().last()->chart().bid(), 1.1);
-    f.feed.send(R"({"type":"trades_update","data":[{"accountId":"a1","id":"t1","pnl":-20}]})");
-    f.feed.send(R"({"type":"price_update","data":{"EURUSD":{"bid":1.25,"ask":1.26}}})");
+    f.feed.send(records::tradesUpdate({records::position("t1").profit(-20)}));
+    f.feed.send(records::priceUpdate({{"EURUSD", 1.25, 1.26}}));
     for (const ChartWindow* chart : f.charts()) {
         QTRY_COMPARE(chart->equity(), 980.0);
         QTRY_COMPARE(chart->chart().bid(), 1.25);
@@ -129,27 +129,26 @@ void tst_MainWindowCharts::chartsReadTheirHistoryAgainOnlyAfterTheFeedWasGone()
     f.signInAndSettle();
     f.window->openChart(u"EURUSD"_s);
     f.settle();
-    const QByteArray hello = R"({"type":"hello","symbols":[{"name":"EURUSD"}],"prices":{}})";
+    const QJsonObject hello = records::hello({records::symbol("EURUSD")});
     f.feed.send(hello);
-    QTRY_COMPARE(f.http.count("GET", "/api/accounts"), 3);
+    QTRY_COMPARE(f.server.count("GET", "/api/accounts"), 3);
     f.settle();
-    QCOMPARE(f.http.count("GET", "/api/candles"), 1);
+    QCOMPARE(f.server.count("GET", "/api/candles"), 1);
     f.feed.cut();
-    QTRY_COMPARE(f.http.count("GET", "/api/candles"), 2);
+    QTRY_COMPARE(f.server.count("GET", "/api/candles"), 2);
     f.feed.send(hello);
-    QTRY_COMPARE(f.http.count("GET", "/api/accounts"), 5);
+    QTRY_COMPARE(f.server.count("GET", "/api/accounts"), 5);
     f.settle();
-    QCOMPARE(f.http.count("GET", "/api/candles"), 2);
+    QCOMPARE(f.server.count("GET", "/api/candles"), 2);
 }
 
 void tst_MainWindowCharts::aReconnectionLeavesViewAndHandAlone()
 {
     const QByteArray path = "/api/candles?symbol=GBPUSD&timeframe=15m"; // no price of now builds bars of it
     MainWindowFixture f;
-    f.http.on("GET", path, StubAnswer::json(historyOf(0, 300)));
-    f.http.on("GET", "/api/trades/open?accountId=a1",
-        StubAnswer::json(R"([{"id":"t1","accountId":"a1","symbol":"GBPUSD","lotSize":0.1,"entryPrice":1.2,
-                              "stopLoss":1.3}])"));
+    f.server.on("GET", path, StubAnswer::list(historyOf(0, 300)));
+    f.server.on("GET", "/api/trades/open?accountId=a1",
+        StubAnswer::list({records::position("t1").symbol("GBPUSD").at(1.2).stopLoss(1.3)}));
     f.signInAndSettle();
     f.window->openChart(u"GBPUSD"_s);
     ChartWindow* window = f.charts().constFirst();
@@ -176,7 +175,7 @@ void tst_MainWindowCharts::aReconnectionLeavesViewAndHandAlone()
     QCOMPARE(chart.frame().draggedLevel, 1);
     const double price = chart.frame().draggedPrice;
 
-    f.http.on("GET", path, StubAnswer::json(historyOf(-20, 340)));
+    f.server.on("GET", path, StubAnswer::list(historyOf(-20, 340)));
     f.feed.cut();
     QTRY_COMPARE(chart.candles().size(), std::size_t(340));
     f.settle();
@@ -343,7 +342,7 @@ void tst_MainWindowCharts::aChartOfAnUnknownTimeframeComesBack()
         QCOMPARE(chart->timeframe(), u"2h"_s);
         QCOMPARE(chart->title(), u"EURUSD,2H"_s);
         QCOMPARE(chart->chart().timeframeMs(), 900'000);
-        QTRY_COMPARE(f.http.count("GET", "/api/candles?symbol=EURUSD&timeframe=2h"), start + 1);
+        QTRY_COMPARE(f.server.count("GET", "/api/candles?symbol=EURUSD&timeframe=2h"), start + 1);
         f.settle();
         for (const char* name : {"M1", "M15", "H1"})
             QVERIFY(!f.action(name)->isChecked());
@@ -360,8 +359,8 @@ void tst_MainWindowCharts::unlistedSymbolOpensAndIsReportedOnce()
     f.signIn();
     const QString line = u"Chart: GONE<b>: the server does not list this symbol"_s;
     QTRY_COMPARE(f.journalCount(line), 1);
-    f.feed.send(R"({"type":"hello","symbols":[{"name":"EURUSD"}],"prices":{}})");
-    QTRY_COMPARE(f.http.count("GET", "/api/accounts"), 3);
+    f.feed.send(records::hello({records::symbol("EURUSD")}));
+    QTRY_COMPARE(f.server.count("GET", "/api/accounts"), 3);
     QCOMPARE(f.journalCount(line), 1);
     QCOMPARE(f.charts().size(), 2);
 }
@@ -373,26 +372,26 @@ void tst_MainWindowCharts::chartsWorkAgainWhenTheirSymbolReturns()
         uR"([{"symbol":"GONE","tf":"1h"},{"symbol":"GONE","tf":"1d"},{"symbol":"EURUSD","tf":"1h"}])"_s);
     const StubAnswer refusal = StubAnswer::json(R"({"error":"unknown symbol"})", 404);
     for (const char* frame : {"1h", "1d"})
-        f.http.on("GET", QByteArray("/api/candles?symbol=GONE&timeframe=") + frame, refusal);
+        f.server.on("GET", QByteArray("/api/candles?symbol=GONE&timeframe=") + frame, refusal);
     f.signInAndSettle();
     QCOMPARE(f.journalCount(u"Chart: GONE: the server does not list this symbol"_s), 1);
-    const int readsOfOthers = f.http.count("GET", "/api/candles?symbol=EURUSD&timeframe=1h");
+    const int readsOfOthers = f.server.count("GET", "/api/candles?symbol=EURUSD&timeframe=1h");
     for (int i = 0; i < 2; ++i)
         QVERIFY(!showsHistory(*f.charts().at(i)));
 
-    const QByteArray bar
-        = R"([{"timestamp":"2026-06-02T00:00:00.000Z","open":1,"high":2,"low":1,"close":2,"volume":5}])";
+    const QJsonObject bar = records::candle("2026-06-02T00:00:00.000Z", 1, 2, 1, 2, 5);
     for (const char* frame : {"1h", "1d"})
-        f.http.on("GET", QByteArray("/api/candles?symbol=GONE&timeframe=") + frame, StubAnswer::json(bar));
-    f.feed.send(R"({"type":"hello","symbols":[{"name":"GONE","digits":2},{"name":"EURUSD"}],"prices":{}})");
+        f.server.on(
+            "GET", QByteArray("/api/candles?symbol=GONE&timeframe=") + frame, StubAnswer::list({bar}));
+    f.feed.send(records::hello({records::symbol("GONE").digits(2), records::symbol("EURUSD")}));
     for (int i = 0; i < 2; ++i) {
         QTRY_VERIFY(showsHistory(*f.charts().at(i)));
         QCOMPARE(f.charts().at(i)->digits(), 2);
     }
     f.settle();
-    QCOMPARE(f.http.count("GET", "/api/candles?symbol=EURUSD&timeframe=1h"), readsOfOthers);
+    QCOMPARE(f.server.count("GET", "/api/candles?symbol=EURUSD&timeframe=1h"), readsOfOthers);
     // Gone once more, it is told once more.
-    f.feed.send(R"({"type":"hello","symbols":[{"name":"EURUSD"}],"prices":{}})");
+    f.feed.send(records::hello({records::symbol("EURUSD")}));
     QTRY_COMPARE(f.journalCount(u"Chart: GONE: the server does not list this symbol"_s), 2);
 }
 
@@ -409,10 +408,10 @@ void tst_MainWindowCharts::reopenedChartGetsItsDigitsFromTheHello()
 void tst_MainWindowCharts::everythingOfAChartComesBackAfterARestart()
 {
     MainWindowFixture f;
-    f.http.on("GET", "/api/candles",
-        StubAnswer::json(R"([{"timestamp":"2026-06-02T00:00:00.000Z","open":1,"high":2,"low":1,"close":2},
-            {"timestamp":"2026-06-03T00:00:00.000Z","open":2,"high":3,"low":2,"close":3}])"));
-    f.http.on("GET", "/api/drawings",
+    f.server.on("GET", "/api/candles",
+        StubAnswer::list({records::candle("2026-06-02T00:00:00.000Z", 1, 2, 1, 2),
+            records::candle("2026-06-03T00:00:00.000Z", 2, 3, 2, 3)}));
+    f.server.on("GET", "/api/drawings",
         StubAnswer::json(
             R"([{"id":"d1","toolType":"hline","points":[{"time":"1780358400000","price":2}]}])"));
     f.signInAndSettle();

@@ -82,12 +82,12 @@ private Q_SLOTS:
         QJsonObject order;
         connect(desk().chartArea(), &ChartArea::expertOrderRequested, this,
             [&order](const QJsonObject& body) { order = body; });
-        desk().feed.setGreeting(R"({"type":"hello",
-            "symbols":[{"name":"EURUSD","digits":2,"sortOrder":1,"description":"Euro"}],
-            "prices":{"EURUSD":{"bid":1.1,"ask":1.2}}})");
-        const int read = desk().http.count("GET", "/api/accounts");
+        desk().feed.setGreeting(
+            records::hello({records::symbol("EURUSD").digits(2).described("Euro").rank(1)},
+                records::prices({{"EURUSD", 1.1, 1.2}})));
+        const int read = desk().server.count("GET", "/api/accounts");
         desk().feed.cut();
-        QTRY_VERIFY_WITH_TIMEOUT(desk().http.count("GET", "/api/accounts") > read, 20000);
+        QTRY_VERIFY_WITH_TIMEOUT(desk().server.count("GET", "/api/accounts") > read, 20000);
         QCOMPARE(experts().size(), before);
         tick();
         QCOMPARE(experts().size(), before + 2);
@@ -122,26 +122,26 @@ private Q_SLOTS:
         QCOMPARE(experts().count(refusal), 2);
         QCOMPARE(experts().count(u"Expert: Algo Trading is OFF — close ignored."_s), 2);
         desk().settle();
-        QCOMPARE(desk().http.count("POST", "/api/trades/place"), 0);
+        QCOMPARE(desk().server.count("POST", "/api/trades/place"), 0);
     }
 
     void anOrderReachesTheServer()
     {
-        desk().http.on("POST", "/api/trades/place", StubAnswer::json("{}"));
+        desk().server.on("POST", "/api/trades/place", StubAnswer::json("{}"));
         desk().window->openChart(u"EURUSD"_s);
         desk().action("Algo Trading")->setChecked(true);
         activate("var n = 0; function OnTick() { if (!n++) Trade.buy(0.1, {sl: 1.05}) }");
         tick();
         QTRY_COMPARE(experts().last(), u"Expert: BUY 0.10 EURUSD executed"_s);
-        QCOMPARE(desk().http.count("POST", "/api/trades/place"), 1);
-        QCOMPARE(desk().http.last("POST", "/api/trades/place").json(),
+        QCOMPARE(desk().server.count("POST", "/api/trades/place"), 1);
+        QCOMPARE(desk().server.last("POST", "/api/trades/place").json(),
             QJsonObject({{u"symbol"_s, u"EURUSD"_s}, {u"type"_s, u"BUY"_s}, {u"orderKind"_s, u"MARKET"_s},
                 {u"lotSize"_s, 0.1}, {u"stopLoss"_s, 1.05}, {u"accountId"_s, u"a1"_s}}));
     }
 
     void closingAllReachesTheServer()
     {
-        desk().http.on("POST", "/api/trades/close/t1", StubAnswer::json("{}"));
+        desk().server.on("POST", "/api/trades/close/t1", StubAnswer::json("{}"));
         desk().window->openChart(u"EURUSD"_s);
         desk().action("Algo Trading")->setChecked(true);
         activate("var n = 0; function OnTick() { Print(Positions.count(), Account.balance); if (!n++) "
@@ -149,7 +149,7 @@ private Q_SLOTS:
         tick();
         QVERIFY(experts().contains(u"Robot: 1 1000"_s));
         QVERIFY(experts().contains(u"Expert: Closing 1 position(s) on EURUSD"_s));
-        QTRY_COMPARE(desk().http.count("POST", "/api/trades/close/t1"), 1);
+        QTRY_COMPARE(desk().server.count("POST", "/api/trades/close/t1"), 1);
     }
 
     void whatRefusesAnExpertStandsInTheLog_data()
@@ -208,7 +208,7 @@ private Q_SLOTS:
 
     void itsRefusedOrdersStandInTheLog()
     {
-        desk().http.on("POST", "/api/trades/place", StubAnswer::message(u"Not enough money"_s, 400));
+        desk().server.on("POST", "/api/trades/place", StubAnswer::message(u"Not enough money"_s, 400));
         desk().window->openChart(u"EURUSD"_s);
         activate(
             "var n = 0; function OnTick() { if (++n == 3) { Trade.buy(-1); Trade.buy(0.1, { sl: 'x' }) } "
@@ -228,7 +228,7 @@ private Q_SLOTS:
 
     void whatAnExpertMerelySaysStaysOutOfTheLog()
     {
-        desk().http.on("POST", "/api/trades/place", StubAnswer::json("{}"));
+        desk().server.on("POST", "/api/trades/place", StubAnswer::json("{}"));
         desk().window->openChart(u"EURUSD"_s);
         activate("function OnTick() { Print('failed: error'); Alert('failed'); Trade.buy(0.1) }");
         desk().action("Algo Trading")->setChecked(true);
@@ -321,7 +321,7 @@ private Q_SLOTS:
             [&said](const QString& source, const QString& text) { said.append(source + u": "_s + text); });
         desk().window.reset();
         QCOMPARE(said, QStringList(u"Robot: bye"_s));
-        QCOMPARE(desk().http.count("POST", "/api/trades/place"), 0);
+        QCOMPARE(desk().server.count("POST", "/api/trades/place"), 0);
     }
 };
 

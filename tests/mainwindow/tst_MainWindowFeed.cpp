@@ -37,7 +37,7 @@ void tst_MainWindowFeed::signInIsShownAndWrittenToTheJournal()
     f.signIn(u"<b>eve</b>%1@example.test"_s);
     QCOMPARE(f.window->findChild<QLabel*>(u"userLabel"_s)->text(), u"<b>eve</b>%1@example.test"_s);
     QCOMPARE(f.window->user()["token"_L1].toString(), u"x"_s);
-    QCOMPARE(f.journalCount(u"Auth: Logged in as <b>eve</b>%1@example.test on "_s + f.http.url()), 1);
+    QCOMPARE(f.journalCount(u"Auth: Logged in as <b>eve</b>%1@example.test on "_s + f.server.url()), 1);
 }
 
 void tst_MainWindowFeed::connectionStateFollowsTheFeed()
@@ -69,7 +69,7 @@ void tst_MainWindowFeed::actionsThatNeedSymbolsWaitForThem()
     QVERIFY(!f.action("New Chart")->isEnabled());
     f.window->onHello({});
     QVERIFY(!f.action("New Order")->isEnabled());
-    f.window->onHello({{u"symbols"_s, QJsonArray{QJsonObject{{u"name"_s, u"X"_s}}}}});
+    f.window->onHello(records::hello({records::symbol("X")}));
     QVERIFY(f.action("New Order")->isEnabled());
     QVERIFY(f.action("New Chart")->isEnabled());
 }
@@ -78,7 +78,7 @@ void tst_MainWindowFeed::pricesReachMarketWatchAndTrades()
 {
     MainWindowFixture f;
     f.signInAndSettle();
-    f.feed.send(R"({"type":"price_update","data":{"EURUSD":{"bid":"1.30001","ask":1.4}}})");
+    f.feed.send(records::priceUpdate({{"EURUSD", "1.30001", 1.4}}));
     QTRY_COMPARE(f.list("tradeList").topLevelItem(0)->text(8), u"1.30001"_s);
     auto* watch = &f.list("marketWatchSymbols");
     QCOMPARE(watch->topLevelItem(0)->text(1), u"1.30001"_s);
@@ -90,13 +90,11 @@ void tst_MainWindowFeed::aHelloFiresNoAlert()
         uR"([{"symbol":"EURUSD","above":true,"price":1},{"symbol":"USDJPY","price":1000}])"_s);
     MainWindowFixture f;
     f.signInAndSettle();
-    const QByteArray again
-        = R"({"type":"hello","symbols":[{"name":"EURUSD"}],"prices":{"EURUSD":{"bid":1.3,"ask":1.4}}})";
-    f.feed.send(again);
+    f.feed.send(records::hello({records::symbol("EURUSD")}, records::prices({{"EURUSD", 1.3, 1.4}})));
     QTRY_COMPARE(f.list("marketWatchSymbols").topLevelItem(0)->text(1), u"1.30000"_s);
     for (int row = 0; row < 2; ++row)
         QCOMPARE(f.list("alertsList").topLevelItem(row)->text(3), u"Active"_s);
-    f.feed.send(R"({"type":"price_update","data":{"EURUSD":{"bid":1.3,"ask":1.4}}})");
+    f.feed.send(records::priceUpdate({{"EURUSD", 1.3, 1.4}}));
     QTRY_COMPARE(f.list("alertsList").topLevelItem(0)->text(3), u"Triggered"_s);
     QCOMPARE(f.list("alertsList").topLevelItem(1)->text(3), u"Active"_s);
     TerminalSettings::instance().setAlerts({});
@@ -108,15 +106,14 @@ void tst_MainWindowFeed::whatIsNoPriceOfItsSymbolReachesNobody()
         uR"([{"symbol":"EURUSD","price":0.5},{"symbol":"SHIB","price":0.5}])"_s);
     MainWindowFixture f;
     f.signInAndSettle();
-    f.feed.send(R"({"type":"hello","symbols":[{"name":"EURUSD","digits":5,"sortOrder":1},
-        {"name":"SHIB","digits":9,"sortOrder":2}],"prices":{"EURUSD":{"bid":1.3,"ask":1.4}}})");
+    f.feed.send(records::hello({records::symbol("EURUSD").rank(1), records::symbol("SHIB").digits(9).rank(2)},
+        records::prices({{"EURUSD", 1.3, 1.4}})));
     auto* watch = &f.list("marketWatchSymbols");
     QTRY_COMPARE(watch->topLevelItem(1)->text(0), u"SHIB"_s);
     f.settle();
     f.window->openChart(u"EURUSD"_s);
     f.window->openChart(u"SHIB"_s);
-    f.feed.send(R"({"type":"price_update","data":{"EURUSD":{"bid":1e-300,"ask":1e12},
-        "SHIB":{"bid":"0.000000004","ask":6e-9}}})");
+    f.feed.send(records::priceUpdate({{"EURUSD", 1e-300, 1e12}, {"SHIB", "0.000000004", 6e-9}}));
     const auto* alerts = &f.list("alertsList");
     QTRY_COMPARE(alerts->topLevelItem(1)->text(3), u"Triggered"_s);
     QCOMPARE(watch->topLevelItem(1)->text(1), u"0.000000004"_s);
@@ -142,18 +139,17 @@ void tst_MainWindowFeed::aHelloTicksNoOpenChart()
     script.write("function OnTick() { Print('tick ' + Bid) }");
     script.close();
     chart->attachExpert(script.fileName());
-    f.feed.send(R"({"type":"price_update","data":{"EURUSD":{"bid":1.3,"ask":1.4}}})");
+    f.feed.send(records::priceUpdate({{"EURUSD", 1.3, 1.4}}));
     QTRY_COMPARE(f.log("expertsList").count(u"Ticker: tick 1.3"_s), 1);
     const qsizetype bars = chart->chart().candles().size();
 
-    f.feed.send(
-        R"({"type":"hello","symbols":[{"name":"EURUSD"}],"prices":{"EURUSD":{"bid":1.5,"ask":1.6}}})");
+    f.feed.send(records::hello({records::symbol("EURUSD")}, records::prices({{"EURUSD", 1.5, 1.6}})));
     QTRY_COMPARE(f.list("marketWatchSymbols").topLevelItem(0)->text(1), u"1.50000"_s);
     QCOMPARE(chart->chart().bid(), 1.3);
     QCOMPARE(chart->chart().candles().size(), bars);
     f.settle();
     QCOMPARE(f.log("expertsList").filter(u"tick"_s).size(), 1);
-    f.feed.send(R"({"type":"price_update","data":{"EURUSD":{"bid":1.7,"ask":1.8}}})");
+    f.feed.send(records::priceUpdate({{"EURUSD", 1.7, 1.8}}));
     QTRY_COMPARE(f.log("expertsList").count(u"Ticker: tick 1.7"_s), 1);
 }
 
@@ -163,16 +159,15 @@ void tst_MainWindowFeed::aHelloLeavesTheTradesPricesAlone()
     f.signInAndSettle();
     const auto price = [&f] { return f.list("tradeList").topLevelItem(0)->text(8); };
     QCOMPARE(price(), QString());
-    f.feed.send(R"({"type":"price_update","data":{"EURUSD":{"bid":1.3,"ask":1.4}}})");
+    f.feed.send(records::priceUpdate({{"EURUSD", 1.3, 1.4}}));
     QTRY_COMPARE(price(), u"1.30000"_s);
-    f.http.once("GET", "/api/trades/open?accountId=a1", StubAnswer::held());
-    f.feed.send(
-        R"({"type":"hello","symbols":[{"name":"EURUSD"}],"prices":{"EURUSD":{"bid":1.5,"ask":1.6}}})");
-    QTRY_COMPARE(f.http.heldCount(), 1);
+    f.server.once("GET", "/api/trades/open?accountId=a1", StubAnswer::held());
+    f.feed.send(records::hello({records::symbol("EURUSD")}, records::prices({{"EURUSD", 1.5, 1.6}})));
+    QTRY_COMPARE(f.server.heldCount(), 1);
     QCOMPARE(f.list("marketWatchSymbols").topLevelItem(0)->text(1), u"1.50000"_s);
     QCOMPARE(price(), u"1.30000"_s);
     // The hello has the trades read again; their rows show the last price that was ticked.
-    QVERIFY(f.http.release(StubAnswer::json(MainWindowFixture::openTrades().replace("12.5", "13.5"))));
+    QVERIFY(f.server.release(StubAnswer::list({MainWindowFixture::openTrade().profit("13.5")})));
     QTRY_COMPARE(f.list("tradeList").topLevelItem(0)->text(11), u"13.50"_s);
     QCOMPARE(price(), u"1.30000"_s);
 }
@@ -183,9 +178,8 @@ void tst_MainWindowFeed::theHellosPricesAreKnownToChartsOpenedLater()
     f.signInAndSettle();
     f.window->openChart(u"USDJPY"_s);
     QCOMPARE(f.charts().first()->chart().bid(), 150.5);
-    f.feed.send(R"({"type":"price_update","data":{"EURUSD":{"bid":1.3,"ask":1.4}}})");
-    f.feed.send(
-        R"({"type":"hello","symbols":[{"name":"EURUSD"}],"prices":{"EURUSD":{"bid":1.5,"ask":1.6}}})");
+    f.feed.send(records::priceUpdate({{"EURUSD", 1.3, 1.4}}));
+    f.feed.send(records::hello({records::symbol("EURUSD")}, records::prices({{"EURUSD", 1.5, 1.6}})));
     QTRY_COMPARE(f.list("marketWatchSymbols").topLevelItem(0)->text(1), u"1.50000"_s);
     f.window->openChart(u"EURUSD"_s);
     QCOMPARE(f.charts().last()->chart().bid(), 1.5);
@@ -217,18 +211,18 @@ void tst_MainWindowFeed::popupPricesFollowHelloAndSnapshots()
     f.settle();
     const auto picture = [list] { return list->viewport()->grab().toImage(); };
     const QImage before = picture();
-    f.feed.send(R"({"type":"price_update","data":{"USDJPY":{"bid":151,"ask":"151.25"},"X":{"bid":1}}})");
+    f.feed.send(records::priceUpdate({{"USDJPY", 151, "151.25"}, {"X", 1, 0}}));
     QTRY_COMPARE(rows().value(1), u"USDJPY 151.000 151.250"_s);
     QVERIFY(picture() != before);
 
     // What is painted anew is what a person sees: a snapshot alone asks for one repaint.
     QTRY_VERIFY(QTest::qWaitForWindowExposed(list->window()));
     const PaintCounter repaints(*list->viewport());
-    f.window->onPrices({{u"EURUSD"_s, QJsonObject{{u"bid"_s, 1.3}, {u"ask"_s, 1.4}}}});
+    f.window->onPrices(records::prices({{"EURUSD", 1.3, 1.4}}));
     QTRY_VERIFY(repaints.count() > 0);
 
-    f.window->onHello({{u"symbols"_s, QJsonArray{QJsonObject{{u"name"_s, u"GOLD"_s}, {u"digits"_s, 2}}}},
-        {u"prices"_s, QJsonObject{{u"GOLD"_s, QJsonObject{{u"bid"_s, 2000}, {u"ask"_s, 2001}}}}}});
+    f.window->onHello(
+        records::hello({records::symbol("GOLD").digits(2)}, records::prices({{"GOLD", 2000, 2001}})));
     QCOMPARE(rows(), QStringList({u"GOLD 2000.00 2001.00"_s}));
     const QImage light = picture();
     f.action("Dark")->trigger();
@@ -242,8 +236,7 @@ void tst_MainWindowFeed::serverTextNeverBreaksALogLine()
 {
     MainWindowFixture f;
     f.signInAndSettle();
-    f.feed.send(
-        R"({"type":"account_update","accountId":"x\n00:00:00.000  forged","status":"secret-token-123"})");
+    f.feed.send(records::accountUpdate("x\n00:00:00.000  forged", "secret-token-123"));
     QTRY_VERIFY(!f.journal().filter(u"forged"_s).isEmpty());
     QFile file(logFilePath());
     QVERIFY(file.open(QIODevice::ReadOnly));
@@ -255,12 +248,12 @@ void tst_MainWindowFeed::serverTextNeverBreaksALogLine()
 void tst_MainWindowFeed::hostileRecordsAreSurvived()
 {
     MainWindowFixture f;
-    f.http.on("GET", "/api/accounts", StubAnswer::json(R"([5,null,[],{"id":7,"Plan":[],"balance":{}},
+    f.server.on("GET", "/api/accounts", StubAnswer::json(R"([5,null,[],{"id":7,"Plan":[],"balance":{}},
         {"id":"<img src='x'>\n%1","Plan":{"name":"<table>","steps":"two"},"status":["x"],"balance":"1e400"},
         {"id":"dup","status":"ACTIVE"},{"id":"dup","status":"ACTIVE"}])"));
-    f.http.on(
+    f.server.on(
         "GET", "/api/trades/open", StubAnswer::json(R"([{"id":"t"},{"id":"t"},{"symbol":5},null,"x"])"));
-    f.http.on("GET", "/api/trades/history", StubAnswer::json(R"({"an":"object"})"));
+    f.server.on("GET", "/api/trades/history", StubAnswer::json(R"({"an":"object"})"));
     f.signIn();
     QTRY_COMPARE(f.selector().count(), 7);
     f.window->openChart(u"NOPE"_s);
@@ -281,10 +274,8 @@ void tst_MainWindowFeed::floodOfMessagesIsSurvived()
     MainWindowFixture f;
     f.signInAndSettle();
     f.window->openChart(u"EURUSD"_s);
-    for (int i = 1; i <= 2000; ++i) {
-        f.feed.send(QByteArray(R"({"type":"price_update","data":{"EURUSD":{"bid":)") + QByteArray::number(i)
-            + R"(,"ask":)" + QByteArray::number(i + 1) + "}}}");
-    }
+    for (int i = 1; i <= 2000; ++i)
+        f.feed.send(records::priceUpdate({{"EURUSD", i, i + 1}}));
     QTRY_COMPARE_WITH_TIMEOUT(f.list("tradeList").topLevelItem(0)->text(8), u"2000.00000"_s, 30'000);
 }
 

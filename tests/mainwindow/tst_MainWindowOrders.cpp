@@ -41,11 +41,11 @@ QPushButton* buyButton(const OrderDialog* dialog)
 /// Sends an order that the server keeps waiting, and closes its window.
 QPointer<OrderDialog> leaveWhileSending(MainWindowFixture& f)
 {
-    f.http.once("POST", "/api/trades/place", StubAnswer::held());
+    f.server.once("POST", "/api/trades/place", StubAnswer::held());
     const QPointer<OrderDialog> dialog = openDialog(f);
-    const int before = f.http.heldCount();
+    const int before = f.server.heldCount();
     buyButton(dialog)->click();
-    if (!QTest::qWaitFor([&] { return f.http.heldCount() == before + 1; }))
+    if (!QTest::qWaitFor([&] { return f.server.heldCount() == before + 1; }))
         return nullptr;
     dialog->close();
     return dialog;
@@ -58,7 +58,7 @@ void chooseAccount(const MainWindowFixture& f, const QString& id)
 
 QString sentFor(const MainWindowFixture& f)
 {
-    return f.http.last("POST", "/api/trades/place").json()["accountId"_L1].toString();
+    return f.server.last("POST", "/api/trades/place").json()["accountId"_L1].toString();
 }
 
 } // namespace
@@ -107,20 +107,20 @@ void tst_MainWindowOrders::placedOrderIsWrittenDownAndListsAreRead()
 {
     MainWindowFixture f;
     f.signInAndSettle();
-    f.http.on("POST", "/api/trades/place", StubAnswer::json("{}"));
+    f.server.on("POST", "/api/trades/place", StubAnswer::json("{}"));
     f.action("New Order")->trigger();
     auto* dialog = f.window->findChild<OrderDialog*>();
     QVERIFY(dialog);
-    f.http.clearRequests();
+    f.server.clearRequests();
     for (QPushButton* button : dialog->findChildren<QPushButton*>()) {
         if (button->text() == "Buy by Market"_L1)
             button->click();
     }
     QTRY_COMPARE(f.journalCount(u"Trade: Order placed"_s), 1);
     QCOMPARE(f.log("expertsList").count(u"Execution: Order placed"_s), 1);
-    QCOMPARE(f.http.last("POST", "/api/trades/place").json()["accountId"_L1].toString(), u"a1"_s);
-    QTRY_VERIFY(f.http.count("GET", "/api/accounts") >= 1);
-    QTRY_VERIFY(f.http.count("GET", "/api/trades/open?accountId=a1") >= 1);
+    QCOMPARE(f.server.last("POST", "/api/trades/place").json()["accountId"_L1].toString(), u"a1"_s);
+    QTRY_VERIFY(f.server.count("GET", "/api/accounts") >= 1);
+    QTRY_VERIFY(f.server.count("GET", "/api/trades/open?accountId=a1") >= 1);
     QTRY_COMPARE(f.window->findChildren<OrderDialog*>().size(), 0);
 }
 
@@ -128,20 +128,20 @@ void tst_MainWindowOrders::aDialogClosedWhileItsOrderIsOnItsWayComesBackOnReques
 {
     MainWindowFixture f;
     f.signInAndSettle();
-    f.http.on("POST", "/api/trades/place", StubAnswer::held());
+    f.server.on("POST", "/api/trades/place", StubAnswer::held());
     f.window->openOrderDialog();
     auto* dialog = f.window->findChild<OrderDialog*>();
     auto* buy = dialog->findChild<QPushButton*>(u"orderBuy"_s);
     QVERIFY(buy);
     buy->click();
-    QTRY_COMPARE(f.http.heldCount(), 1);
+    QTRY_COMPARE(f.server.heldCount(), 1);
     dialog->close();
     QVERIFY(!dialog->isVisible());
     f.window->openOrderDialog();
     QCOMPARE(f.window->findChildren<OrderDialog*>().size(), 1);
     QVERIFY(dialog->isVisible());
     QVERIFY(!buy->isEnabled());
-    QVERIFY(f.http.release(StubAnswer::json("{}")));
+    QVERIFY(f.server.release(StubAnswer::json("{}")));
     QTRY_COMPARE(f.journalCount(u"Trade: Order placed"_s), 1);
     QTRY_COMPARE(f.window->findChildren<OrderDialog*>().size(), 0);
 }
@@ -168,15 +168,15 @@ void tst_MainWindowOrders::aWindowOfAFormerAccountNeverComesBack()
     QSignalSpy sounds(former, &OrderDialog::soundDue);
     bool wasSeen = false;
     connect(qApp, &QGuiApplication::focusWindowChanged, former, [&] { wasSeen |= former->isVisible(); });
-    QVERIFY(f.http.release(answer));
+    QVERIFY(f.server.release(answer));
     QTRY_COMPARE(f.journalCount(line), 1);
     QCOMPARE(sounds.size(), 1);
     QCOMPARE(sounds.at(0).at(0).value<SoundKind>(), SoundKind::Error);
     QTRY_VERIFY(!former);
     QVERIFY(!wasSeen);
-    QCOMPARE(f.http.count("POST", "/api/trades/place"), 1);
+    QCOMPARE(f.server.count("POST", "/api/trades/place"), 1);
 
-    f.http.once("POST", "/api/trades/place", StubAnswer::json("{}"));
+    f.server.once("POST", "/api/trades/place", StubAnswer::json("{}"));
     const OrderDialog* dialog = openDialog(f);
     QVERIFY(dialog);
     buyButton(dialog)->click();
@@ -192,7 +192,7 @@ void tst_MainWindowOrders::aWindowOfAFormerAccountTellsItsSuccess()
     QVERIFY(former);
     chooseAccount(f, u"a2"_s);
     QSignalSpy sounds(former, &OrderDialog::soundDue);
-    QVERIFY(f.http.release(StubAnswer::json("{}")));
+    QVERIFY(f.server.release(StubAnswer::json("{}")));
     QTRY_COMPARE(f.journalCount(u"Trade: Order placed"_s), 1);
     QCOMPARE(f.log("expertsList").count(u"Execution: Order placed"_s), 1);
     QCOMPARE(sounds.size(), 1);
@@ -213,7 +213,7 @@ void tst_MainWindowOrders::theKeyOpensAWindowForTheCurrentAccount()
     QVERIFY(dialog && dialog != former);
     QCOMPARE(dialogs(f).size(), 2);
     QVERIFY(buyButton(dialog)->isEnabled());
-    f.http.once("POST", "/api/trades/place", StubAnswer::json("{}"));
+    f.server.once("POST", "/api/trades/place", StubAnswer::json("{}"));
     buyButton(dialog)->click();
     QTRY_COMPARE(f.journalCount(u"Trade: Order placed"_s), 1);
     QCOMPARE(sentFor(f), u"a2"_s);
@@ -221,10 +221,10 @@ void tst_MainWindowOrders::theKeyOpensAWindowForTheCurrentAccount()
 
     // Back on its account, the former window has still left: the key has opened another in the meantime.
     chooseAccount(f, u"a1"_s);
-    QVERIFY(f.http.release(StubAnswer::message(u"No"_s, 400)));
+    QVERIFY(f.server.release(StubAnswer::message(u"No"_s, 400)));
     QTRY_COMPARE(f.journalCount(u"Trade: Order failed: No"_s), 1);
     QTRY_VERIFY(!former);
-    QCOMPARE(f.http.count("POST", "/api/trades/place"), 2);
+    QCOMPARE(f.server.count("POST", "/api/trades/place"), 2);
 }
 
 void tst_MainWindowOrders::anIdleWindowOfAFormerAccountMakesRoom()
@@ -236,7 +236,7 @@ void tst_MainWindowOrders::anIdleWindowOfAFormerAccountMakesRoom()
     f.window->openOrderDialog();
     QTRY_VERIFY(!former);
     QCOMPARE(dialogs(f).size(), 1);
-    f.http.once("POST", "/api/trades/place", StubAnswer::json("{}"));
+    f.server.once("POST", "/api/trades/place", StubAnswer::json("{}"));
     buyButton(dialogs(f).constFirst())->click();
     QTRY_COMPARE(f.journalCount(u"Trade: Order placed"_s), 1);
     QCOMPARE(sentFor(f), u"a2"_s);
@@ -250,7 +250,7 @@ void tst_MainWindowOrders::aWindowComesBackForTheAccountThatIsCurrentAgain()
     QVERIFY(dialog);
     chooseAccount(f, u"a2"_s);
     chooseAccount(f, u"a1"_s);
-    QVERIFY(f.http.release(StubAnswer::message(u"No"_s, 400)));
+    QVERIFY(f.server.release(StubAnswer::message(u"No"_s, 400)));
     QTRY_VERIFY(dialog->isVisible());
     QCOMPARE(f.journalCount(u"Trade: Order failed: No"_s), 0);
 }
@@ -270,14 +270,14 @@ void tst_MainWindowOrders::aWindowOfAnAccountThatIsNoLongerListedNeverComesBack(
     f.signInAndSettle();
     const QPointer<OrderDialog> former = leaveWhileSending(f);
     QVERIFY(former);
-    f.http.on("GET", "/api/accounts", StubAnswer::json(accounts));
-    f.feed.send(R"({"type":"hello","symbols":[{"name":"EURUSD"}],"prices":{}})");
+    f.server.on("GET", "/api/accounts", StubAnswer::json(accounts));
+    f.feed.send(records::hello({records::symbol("EURUSD")}));
     QTRY_VERIFY(f.selector().findData(u"a1"_s) < 0);
-    QVERIFY(f.http.release(StubAnswer::message(u"No such account"_s, 404)));
+    QVERIFY(f.server.release(StubAnswer::message(u"No such account"_s, 404)));
     QTRY_COMPARE(f.journalCount(u"Trade: Order failed: No such account"_s), 1);
     QTRY_VERIFY(!former);
     QVERIFY(!shownDialog(f));
-    QCOMPARE(f.http.count("POST", "/api/trades/place"), 1);
+    QCOMPARE(f.server.count("POST", "/api/trades/place"), 1);
 }
 
 void tst_MainWindowOrders::aWindowClosedTwiceTellsItsOutcomeInTheJournal_data()
@@ -305,15 +305,15 @@ void tst_MainWindowOrders::aWindowClosedTwiceTellsItsOutcomeInTheJournal()
     QVERIFY(next && next != waiting);
     QVERIFY(buyButton(next)->isEnabled());
     f.settle();
-    f.http.clearRequests();
-    QVERIFY(f.http.release(answer));
+    f.server.clearRequests();
+    QVERIFY(f.server.release(answer));
     QTRY_COMPARE(f.journalCount(line), 1);
     QTRY_VERIFY(!waiting);
     QVERIFY(next->isVisible());
     f.settle();
     const bool isRefusal = line.contains(u"Too big"_s);
-    QTRY_COMPARE(f.http.count("GET", "/api/trades/open?accountId=a1") > 0, !isRefusal);
-    QCOMPARE(f.http.count("POST", "/api/trades/place"), 0);
+    QTRY_COMPARE(f.server.count("GET", "/api/trades/open?accountId=a1") > 0, !isRefusal);
+    QCOMPARE(f.server.count("POST", "/api/trades/place"), 0);
 }
 
 void tst_MainWindowOrders::theTerminalMayEndWhileOrdersAreOnTheirWay()
@@ -325,7 +325,7 @@ void tst_MainWindowOrders::theTerminalMayEndWhileOrdersAreOnTheirWay()
     QVERIFY(leaveWhileSending(f));
     QCOMPARE(dialogs(f).size(), 2);
     f.window.reset();
-    QTRY_COMPARE(f.http.heldCount(), 0);
+    QTRY_COMPARE(f.server.heldCount(), 0);
 }
 
 void tst_MainWindowOrders::unknownOutcomeReadsTheLists()
@@ -334,11 +334,11 @@ void tst_MainWindowOrders::unknownOutcomeReadsTheLists()
     f.signInAndSettle();
     f.window->openOrderDialog();
     auto* dialog = f.window->findChild<OrderDialog*>();
-    f.http.clearRequests();
+    f.server.clearRequests();
     QVERIFY(QMetaObject::invokeMethod(dialog, "outcomeUnknown"));
-    QTRY_VERIFY(f.http.count("GET", "/api/accounts") >= 1);
-    QTRY_VERIFY(f.http.count("GET", "/api/trades/open?accountId=a1") >= 1);
-    QTRY_VERIFY(f.http.count("GET", "/api/trades/history?accountId=a1") >= 1);
+    QTRY_VERIFY(f.server.count("GET", "/api/accounts") >= 1);
+    QTRY_VERIFY(f.server.count("GET", "/api/trades/open?accountId=a1") >= 1);
+    QTRY_VERIFY(f.server.count("GET", "/api/trades/history?accountId=a1") >= 1);
     QCOMPARE(f.journalCount(u"Trade: Order placed"_s), 0);
 }
 
@@ -346,13 +346,13 @@ void tst_MainWindowOrders::orderEventIsWrittenDown()
 {
     MainWindowFixture f;
     f.signInAndSettle();
-    f.http.clearRequests();
-    f.feed.send(R"({"type":"orders_changed","closeReason":"TP"})");
+    f.server.clearRequests();
+    f.feed.send(records::ordersChanged().closed("TP"));
     QTRY_COMPARE(f.journalCount(u"Trade: Orders changed (TP) — refreshing"_s), 1);
     QCOMPARE(f.log("expertsList").count(u"Execution: Position closed (TP)"_s), 1);
-    QTRY_VERIFY(f.http.count("GET", "/api/accounts") >= 1);
-    QTRY_VERIFY(f.http.count("GET", "/api/trades/open?accountId=a1") >= 1);
-    QTRY_VERIFY(f.http.count("GET", "/api/trades/history?accountId=a1") >= 1);
+    QTRY_VERIFY(f.server.count("GET", "/api/accounts") >= 1);
+    QTRY_VERIFY(f.server.count("GET", "/api/trades/open?accountId=a1") >= 1);
+    QTRY_VERIFY(f.server.count("GET", "/api/trades/history?accountId=a1") >= 1);
 }
 
 void tst_MainWindowOrders::orderEventsAreHeardAndShown()

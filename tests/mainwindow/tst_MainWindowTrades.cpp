@@ -85,34 +85,33 @@ void tst_MainWindowTrades::aRowsMenuClosesThePosition()
 {
     MainWindowFixture f;
     f.signInAndSettle();
-    f.http.on("POST", "/api/trades/close/t1", StubAnswer::json("{}"));
-    f.http.clearRequests();
+    f.server.on("POST", "/api/trades/close/t1", StubAnswer::json("{}"));
+    f.server.clearRequests();
     choose(menuOn(f), u"Close Position"_s);
     auto* question = f.window->findChild<QMessageBox*>();
     QVERIFY(question);
     QTest::mouseClick(question->button(QMessageBox::Yes), Qt::LeftButton);
     QTRY_COMPARE(f.journalCount(u"Trade: Position closed"_s), 1);
-    QTRY_COMPARE(f.http.count("GET", "/api/accounts"), 1);
-    QTRY_VERIFY(f.http.count("GET", "/api/trades/open") >= 1);
-    QTRY_VERIFY(f.http.count("GET", "/api/trades/history") >= 1);
+    QTRY_COMPARE(f.server.count("GET", "/api/accounts"), 1);
+    QTRY_VERIFY(f.server.count("GET", "/api/trades/open") >= 1);
+    QTRY_VERIFY(f.server.count("GET", "/api/trades/history") >= 1);
 }
 
 void tst_MainWindowTrades::aRowsMenuCancelsThePendingOrder()
 {
     MainWindowFixture f;
-    f.http.on("GET", "/api/trades/open?accountId=a1", StubAnswer::json("[]"));
-    f.http.on("GET", "/api/trades/pending?accountId=a1",
-        StubAnswer::json(R"([{"id":"p1","accountId":"a1","symbol":"EURUSD","orderKind":"BUY_LIMIT",)"
-                         R"("lotSize":1,"pendingPrice":1.05,"status":"PENDING"}])"));
+    f.server.on("GET", "/api/trades/open?accountId=a1", StubAnswer::json("[]"));
+    f.server.on(
+        "GET", "/api/trades/pending?accountId=a1", StubAnswer::list({records::pendingOrder("p1").buy(1)}));
     f.signInAndSettle();
-    f.http.on("POST", "/api/trades/cancel/p1", StubAnswer::json("{}"));
-    f.http.clearRequests();
+    f.server.on("POST", "/api/trades/cancel/p1", StubAnswer::json("{}"));
+    f.server.clearRequests();
     choose(menuOn(f), u"Cancel Order"_s);
     QTRY_COMPARE(f.journalCount(u"Trade: Pending order cancelled"_s), 1);
-    QTRY_VERIFY(f.http.count("GET", "/api/trades/open") >= 1);
+    QTRY_VERIFY(f.server.count("GET", "/api/trades/open") >= 1);
     f.settle();
-    QCOMPARE(f.http.count("GET", "/api/accounts"), 0);
-    QCOMPARE(f.http.count("GET", "/api/trades/history"), 0);
+    QCOMPARE(f.server.count("GET", "/api/accounts"), 0);
+    QCOMPARE(f.server.count("GET", "/api/trades/history"), 0);
 }
 
 void tst_MainWindowTrades::aRowsMenuModifiesTheTrade()
@@ -127,17 +126,17 @@ void tst_MainWindowTrades::aChangeThatNobodyKnowsOfReadsTheLists()
 {
     MainWindowFixture f;
     f.signInAndSettle();
-    f.http.on("PUT", "/api/trades/modify/t1", StubAnswer::closed());
+    f.server.on("PUT", "/api/trades/modify/t1", StubAnswer::closed());
     doubleClickRow(f);
     auto* dialog = f.window->findChild<ModifyDialog*>();
     QVERIFY(dialog);
-    f.http.clearRequests();
+    f.server.clearRequests();
     QTest::keyClick(dialog, Qt::Key_Return);
-    QTRY_VERIFY(f.http.count("GET", "/api/accounts") >= 1);
-    QTRY_VERIFY(f.http.count("GET", "/api/trades/open?accountId=a1") >= 1);
-    QTRY_VERIFY(f.http.count("GET", "/api/trades/history?accountId=a1") >= 1);
+    QTRY_VERIFY(f.server.count("GET", "/api/accounts") >= 1);
+    QTRY_VERIFY(f.server.count("GET", "/api/trades/open?accountId=a1") >= 1);
+    QTRY_VERIFY(f.server.count("GET", "/api/trades/history?accountId=a1") >= 1);
     QCOMPARE(f.journalCount(u"Trade: Order modified"_s), 0);
-    QCOMPARE(f.http.count("PUT", "/api/trades/modify/t1"), 1);
+    QCOMPARE(f.server.count("PUT", "/api/trades/modify/t1"), 1);
 }
 
 void tst_MainWindowTrades::aRowsMenuOpensTheOrderDialog()
@@ -152,16 +151,16 @@ void tst_MainWindowTrades::aDoubleClickModifiesTheTrade()
 {
     MainWindowFixture f;
     f.signInAndSettle();
-    f.http.on("PUT", "/api/trades/modify/t1", StubAnswer::json("{}"));
+    f.server.on("PUT", "/api/trades/modify/t1", StubAnswer::json("{}"));
     doubleClickRow(f);
     const QPointer<ModifyDialog> dialog = f.window->findChild<ModifyDialog*>();
     QVERIFY(dialog && dialog->isVisible() && dialog->isModal());
     QTest::keyClicks(dialog->findChild<DecimalEdit*>(u"modifyStopLoss"_s), u"1.05"_s);
-    f.http.clearRequests();
+    f.server.clearRequests();
     QTest::keyClick(dialog, Qt::Key_Return);
     QTRY_COMPARE(f.journalCount(u"Trade: Order modified"_s), 1);
-    QCOMPARE(f.http.last("PUT", "/api/trades/modify/t1").json(), QJsonObject({{u"stopLoss"_s, 1.05}}));
-    QTRY_COMPARE(f.http.count("GET", "/api/trades/open?accountId=a1"), 1);
+    QCOMPARE(f.server.last("PUT", "/api/trades/modify/t1").json(), QJsonObject({{u"stopLoss"_s, 1.05}}));
+    QTRY_COMPARE(f.server.count("GET", "/api/trades/open?accountId=a1"), 1);
     QTRY_VERIFY(!dialog);
 }
 
@@ -169,13 +168,13 @@ void tst_MainWindowTrades::aStopLossTypedAtOnceIsSent()
 {
     MainWindowFixture f;
     f.signInAndSettle();
-    f.http.on("PUT", "/api/trades/modify/t1", StubAnswer::json("{}"));
+    f.server.on("PUT", "/api/trades/modify/t1", StubAnswer::json("{}"));
     doubleClickRow(f);
     QVERIFY(hands::arriveAt(f.window->findChild<ModifyDialog*>()));
     hands::type(u"1.05000"_s);
     hands::press(Qt::Key_Return);
     QTRY_COMPARE(f.journalCount(u"Trade: Order modified"_s), 1);
-    QCOMPARE(f.http.last("PUT", "/api/trades/modify/t1").json(), QJsonObject({{u"stopLoss"_s, 1.05}}));
+    QCOMPARE(f.server.last("PUT", "/api/trades/modify/t1").json(), QJsonObject({{u"stopLoss"_s, 1.05}}));
 }
 
 void tst_MainWindowTrades::aChangeWhoseWindowWasClosedTwiceIsTold_data()
@@ -193,34 +192,34 @@ void tst_MainWindowTrades::aChangeWhoseWindowWasClosedTwiceIsTold()
     QFETCH(QString, line);
     MainWindowFixture f;
     f.signInAndSettle();
-    f.http.on("PUT", "/api/trades/modify/t1", StubAnswer::held());
+    f.server.on("PUT", "/api/trades/modify/t1", StubAnswer::held());
     doubleClickRow(f);
     const QPointer<ModifyDialog> dialog = f.window->findChild<ModifyDialog*>();
     QTest::keyClick(dialog, Qt::Key_Return);
-    QTRY_COMPARE(f.http.heldCount(), 1);
+    QTRY_COMPARE(f.server.heldCount(), 1);
     QTest::keyClick(dialog, Qt::Key_Escape);
     dialog->show();
     QTest::keyClick(dialog, Qt::Key_Escape);
     QVERIFY(!dialog->isVisible());
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-    QVERIFY(f.http.release(answer));
+    QVERIFY(f.server.release(answer));
     QTRY_COMPARE(f.journalCount(line), 1);
     QTRY_VERIFY(!dialog);
-    QCOMPARE(f.http.count("PUT", "/api/trades/modify/t1"), 1);
+    QCOMPARE(f.server.count("PUT", "/api/trades/modify/t1"), 1);
 }
 
 void tst_MainWindowTrades::aChangeOnAFormerAccountIsToldInTheJournal()
 {
     MainWindowFixture f;
     f.signInAndSettle();
-    f.http.on("PUT", "/api/trades/modify/t1", StubAnswer::held());
+    f.server.on("PUT", "/api/trades/modify/t1", StubAnswer::held());
     doubleClickRow(f);
     const QPointer<ModifyDialog> dialog = f.window->findChild<ModifyDialog*>();
     QTest::keyClick(dialog, Qt::Key_Return);
-    QTRY_COMPARE(f.http.heldCount(), 1);
+    QTRY_COMPARE(f.server.heldCount(), 1);
     dialog->close();
     f.selector().setCurrentIndex(f.selector().findData(u"a2"_s));
-    QVERIFY(f.http.release(StubAnswer::message(u"Too close"_s, 400)));
+    QVERIFY(f.server.release(StubAnswer::message(u"Too close"_s, 400)));
     QTRY_COMPARE(f.journalCount(u"Trade: Modify failed: Too close"_s), 1);
     QTRY_VERIFY(!dialog);
 }
@@ -237,20 +236,19 @@ void tst_MainWindowTrades::withoutATradeThereIsNothingToModify()
 
 void tst_MainWindowTrades::theModifyDialogKnowsTheSymbolsDigits_data()
 {
-    QTest::addColumn<QByteArray>("symbol");
+    QTest::addColumn<QString>("symbol");
     QTest::addColumn<QString>("stopLoss");
-    QTest::newRow("three") << QByteArray("USDJPY") << u"150.000"_s;
-    QTest::newRow("five where they are unknown") << QByteArray("XAUUSD") << u"150.00000"_s;
+    QTest::newRow("three") << u"USDJPY"_s << u"150.000"_s;
+    QTest::newRow("five where they are unknown") << u"XAUUSD"_s << u"150.00000"_s;
 }
 
 void tst_MainWindowTrades::theModifyDialogKnowsTheSymbolsDigits()
 {
-    QFETCH(QByteArray, symbol);
+    QFETCH(QString, symbol);
     QFETCH(QString, stopLoss);
     MainWindowFixture f;
-    f.http.on("GET", "/api/trades/open?accountId=a1",
-        StubAnswer::json(
-            R"([{"id":"t2","symbol":")" + symbol + R"(","type":"BUY","lotSize":1,"stopLoss":150}])"));
+    f.server.on("GET", "/api/trades/open?accountId=a1",
+        StubAnswer::list({records::position("t2").symbol(symbol).stopLoss(150)}));
     f.signInAndSettle();
     doubleClickRow(f);
     const auto* dialog = f.window->findChild<ModifyDialog*>();
@@ -263,15 +261,15 @@ void tst_MainWindowTrades::aDroppedLevelIsSent()
     MainWindowFixture f;
     f.signInAndSettle();
     f.window->openChart(u"EURUSD"_s);
-    f.http.on("PUT", "/api/trades/modify/t1", StubAnswer::json("{}"));
+    f.server.on("PUT", "/api/trades/modify/t1", StubAnswer::json("{}"));
     f.settle();
-    f.http.clearRequests();
+    f.server.clearRequests();
     Q_EMIT f.charts().first()->chart().levelDragged(u"t1"_s, u"SL"_s, 1.07505);
     QTRY_COMPARE(f.journalCount(u"Trade: SL moved to 1.07505"_s), 1);
-    QCOMPARE(f.http.last("PUT", "/api/trades/modify/t1").json(), QJsonObject({{u"stopLoss"_s, 1.07505}}));
-    QTRY_COMPARE(f.http.count("GET", "/api/trades/open?accountId=a1"), 1);
+    QCOMPARE(f.server.last("PUT", "/api/trades/modify/t1").json(), QJsonObject({{u"stopLoss"_s, 1.07505}}));
+    QTRY_COMPARE(f.server.count("GET", "/api/trades/open?accountId=a1"), 1);
     f.settle();
-    QCOMPARE(f.http.count("GET", "/api/accounts"), 0);
+    QCOMPARE(f.server.count("GET", "/api/accounts"), 0);
 }
 
 void tst_MainWindowTrades::theOneClickPanelTrades()
@@ -279,9 +277,9 @@ void tst_MainWindowTrades::theOneClickPanelTrades()
     MainWindowFixture f;
     f.signInAndSettle();
     f.window->openChart(u"EURUSD"_s);
-    f.http.on("POST", "/api/trades/place", StubAnswer::json("{}"));
+    f.server.on("POST", "/api/trades/place", StubAnswer::json("{}"));
     f.settle();
-    f.http.clearRequests();
+    f.server.clearRequests();
     const auto* panel = f.window->findChild<OneClickPanel*>();
     QVERIFY(panel && panel->isVisible());
     for (QPushButton* button : panel->findChildren<QPushButton*>()) {
@@ -289,11 +287,11 @@ void tst_MainWindowTrades::theOneClickPanelTrades()
             QTest::mouseClick(button, Qt::LeftButton);
     }
     QTRY_COMPARE(f.journalCount(u"Trade: One-click BUY EURUSD executed"_s), 1);
-    QCOMPARE(f.http.last("POST", "/api/trades/place").json(),
+    QCOMPARE(f.server.last("POST", "/api/trades/place").json(),
         QJsonObject({{u"symbol"_s, u"EURUSD"_s}, {u"type"_s, u"BUY"_s}, {u"orderKind"_s, u"MARKET"_s},
             {u"lotSize"_s, 0.01}, {u"accountId"_s, u"a1"_s}}));
-    QTRY_COMPARE(f.http.count("GET", "/api/accounts"), 1);
-    QTRY_VERIFY(f.http.count("GET", "/api/trades/open?accountId=a1") >= 1);
+    QTRY_COMPARE(f.server.count("GET", "/api/accounts"), 1);
+    QTRY_VERIFY(f.server.count("GET", "/api/trades/open?accountId=a1") >= 1);
 }
 
 void tst_MainWindowTrades::keysGoToTheChartThatBecomesActive_data()
@@ -332,11 +330,11 @@ void tst_MainWindowTrades::keysGoToTheChartThatBecomesActive()
     QCoreApplication::processEvents();
     QVERIFY(qobject_cast<ChartWidget*>(QApplication::focusWidget()));
     QVERIFY(other->isAncestorOf(QApplication::focusWidget()));
-    f.http.clearRequests();
+    f.server.clearRequests();
     hands::type(u"5 "_s);
     hands::press(Qt::Key_Return);
     f.settle();
-    QCOMPARE(f.http.count("POST", "/api/trades/place"), 0);
+    QCOMPARE(f.server.count("POST", "/api/trades/place"), 0);
     QCOMPARE(other->findChild<OneClickPanel*>()->lots(), 0.01);
     // By the keyboard the volume is still reached, and nothing that trades.
     hands::press(Qt::Key_Tab);
@@ -349,21 +347,21 @@ void tst_MainWindowTrades::answersAfterTheWindowIsGoneDoNoHarm()
 {
     MainWindowFixture f;
     f.signInAndSettle();
-    f.http.on("POST", "/api/trades/place", StubAnswer::held());
-    f.http.on("POST", "/api/trades/close/t1", StubAnswer::held());
-    f.http.on("PUT", "/api/trades/modify/t1", StubAnswer::held());
+    f.server.on("POST", "/api/trades/place", StubAnswer::held());
+    f.server.on("POST", "/api/trades/close/t1", StubAnswer::held());
+    f.server.on("PUT", "/api/trades/modify/t1", StubAnswer::held());
     f.window->onQuickTrade(u"EURUSD"_s, u"BUY"_s, 1.0);
     f.window->onChartModifyLevel(u"t1"_s, u"SL"_s, 1.0);
     f.action("Algo Trading")->trigger();
     f.window->onExpertCloseAll(u"EURUSD"_s);
-    QTRY_COMPARE(f.http.heldCount(), 3);
+    QTRY_COMPARE(f.server.heldCount(), 3);
     f.window.reset();
-    f.http.release(StubAnswer::json("{}"));
-    QTRY_COMPARE(f.http.heldCount(), 0);
+    f.server.release(StubAnswer::json("{}"));
+    QTRY_COMPARE(f.server.heldCount(), 0);
     f.settle();
-    QCOMPARE(f.http.count("POST", "/api/trades/place"), 1);
-    QCOMPARE(f.http.count("POST", "/api/trades/close/t1"), 1);
-    QCOMPARE(f.http.count("PUT", "/api/trades/modify/t1"), 1);
+    QCOMPARE(f.server.count("POST", "/api/trades/place"), 1);
+    QCOMPARE(f.server.count("POST", "/api/trades/close/t1"), 1);
+    QCOMPARE(f.server.count("PUT", "/api/trades/modify/t1"), 1);
 }
 
 void tst_MainWindowTrades::theAlgoSwitchIsToldInTheExpertsTab()
@@ -381,7 +379,7 @@ void tst_MainWindowTrades::theAlgoSwitchIsToldInTheExpertsTab()
 void tst_MainWindowTrades::alertsKnowTheSymbolsInAlphabeticalOrder()
 {
     MainWindowFixture f;
-    f.feed.setGreeting(R"({"type":"hello","symbols":[{"name":"b"},{"name":"C"},{"name":"A"}],"prices":{}})");
+    f.feed.setGreeting(records::hello({records::symbol("b"), records::symbol("C"), records::symbol("A")}));
     f.signIn();
     const auto* alerts = f.window->findChild<AlertsPane*>();
     QTRY_COMPARE(alerts->symbols(), QStringList({u"A"_s, u"C"_s, u"b"_s}));
@@ -393,10 +391,10 @@ void tst_MainWindowTrades::pricesReachTheAlerts()
         uR"([{"symbol":"EURUSD","above":true,"price":1.5},{"symbol":"USDJPY","price":151}])"_s);
     MainWindowFixture f;
     f.signInAndSettle();
-    f.feed.send(R"({"type":"price_update","data":{"EURUSD":{"bid":"1.5","ask":"1.6"}}})");
+    f.feed.send(records::priceUpdate({{"EURUSD", "1.5", "1.6"}}));
     QTRY_COMPARE(f.list("alertsList").topLevelItem(0)->text(3), u"Triggered"_s);
     QCOMPARE(f.list("alertsList").topLevelItem(1)->text(3), u"Active"_s);
-    f.feed.send(R"({"type":"price_update","data":{"USDJPY":{"bid":150.5}}})");
+    f.feed.send(records::priceUpdate({{"USDJPY", 150.5, 0}}));
     QTRY_COMPARE(f.list("alertsList").topLevelItem(1)->text(3), u"Triggered"_s);
     TerminalSettings::instance().setAlerts({});
 }
@@ -404,14 +402,14 @@ void tst_MainWindowTrades::pricesReachTheAlerts()
 void tst_MainWindowTrades::theCalendarIsReadAfterEachHello()
 {
     MainWindowFixture f;
-    f.http.on("GET", "/api/news/upcoming",
-        StubAnswer::json(R"({"events":[{"id":"e","title":"Rates","impact":"LOW","minutesUntil":75}]})"));
+    f.server.on("GET", "/api/news/upcoming",
+        StubAnswer::json(records::news({records::newsEvent("e").impact("LOW").in(75)})));
     f.signInAndSettle();
     QTRY_COMPARE(f.list("newsList").topLevelItemCount(), 1);
     QCOMPARE(f.list("newsList").topLevelItem(0)->text(4), u"1h 15m"_s);
-    QCOMPARE(f.http.count("GET", "/api/news/upcoming"), 1); // none before the hello
-    f.feed.send(R"({"type":"hello","symbols":[{"name":"EURUSD"}],"prices":{}})");
-    QTRY_COMPARE(f.http.count("GET", "/api/news/upcoming"), 2);
+    QCOMPARE(f.server.count("GET", "/api/news/upcoming"), 1); // none before the hello
+    f.feed.send(records::hello({records::symbol("EURUSD")}));
+    QTRY_COMPARE(f.server.count("GET", "/api/news/upcoming"), 2);
 }
 
 TAVORAN_TEST(tst_MainWindowTrades)

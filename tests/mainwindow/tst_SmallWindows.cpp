@@ -99,11 +99,10 @@ void tst_SmallWindows::depthFollowsLivePricesAndDigits()
     QVERIFY(depth);
     QCOMPARE(rowsOf(depth).topLevelItem(7)->text(1), u"150.600"_s);
     QCOMPARE(rowsOf(depth).topLevelItem(8)->text(1), u"150.500"_s);
-    d.f.feed.send(R"({"type":"price_update","data":{"USDJPY":{"bid":"151.001","ask":151.004},
-        "EURUSD":{"bid":3,"ask":4}}})");
+    d.f.feed.send(records::priceUpdate({{"USDJPY", "151.001", 151.004}, {"EURUSD", 3, 4}}));
     QTRY_COMPARE(rowsOf(depth).topLevelItem(7)->text(1), u"151.004"_s);
     QCOMPARE(rowsOf(depth).topLevelItem(15)->text(1), u"150.994"_s);
-    d.f.feed.send(R"({"type":"hello","symbols":[{"name":"USDJPY","digits":2}],"prices":{}})");
+    d.f.feed.send(records::hello({records::symbol("USDJPY").digits(2)}));
     QTRY_COMPARE(rowsOf(depth).topLevelItem(7)->text(1), u"151.00"_s);
     QCOMPARE(rowsOf(depth).topLevelItem(15)->text(1), u"150.93"_s);
 }
@@ -200,10 +199,9 @@ void tst_SmallWindows::specificationFollowsPricesAndTheSymbolList()
     d.f.window->showSpecification(u"EURUSD"_s);
     const auto* window = shown<SymbolSpecification>(d);
     QCOMPARE(column(rowsOf(window), 1).mid(8), QStringList({u"1.10000"_s, u"1.20000"_s, u"10000"_s}));
-    d.f.feed.send(R"({"type":"price_update","data":{"EURUSD":{"bid":1.3,"ask":1.30007}}})");
+    d.f.feed.send(records::priceUpdate({{"EURUSD", 1.3, 1.30007}}));
     QTRY_COMPARE(column(rowsOf(window), 1).mid(8), QStringList({u"1.30000"_s, u"1.30007"_s, u"7"_s}));
-    d.f.feed.send(
-        R"({"type":"hello","symbols":[{"name":"EURUSD","digits":4,"description":"New"}],"prices":{}})");
+    d.f.feed.send(records::hello({records::symbol("EURUSD").digits(4).described("New")}));
     QTRY_COMPARE(rowsOf(window).topLevelItem(1)->text(1), u"New"_s);
     QTRY_COMPARE(column(rowsOf(window), 1).mid(8), QStringList({u"1.3000"_s, u"1.3001"_s, u"1"_s}));
 }
@@ -229,8 +227,7 @@ void tst_SmallWindows::specificationOfAnUnlistedSymbolSaysSo()
     const auto* window = shown<SymbolSpecification>(d);
     QVERIFY(window->findChild<QLabel*>(u"specificationUnlisted"_s)->isVisible());
     QCOMPARE(column(rowsOf(window), 1), QStringList(3, QString()));
-    d.f.feed.send(R"({"type":"hello","symbols":[{"name":"GONE","digits":1}],
-        "prices":{"GONE":{"bid":1,"ask":2}}})");
+    d.f.feed.send(records::hello({records::symbol("GONE").digits(1)}, records::prices({{"GONE", 1, 2}})));
     QTRY_VERIFY(!window->findChild<QLabel*>(u"specificationUnlisted"_s)->isVisible());
     QTRY_COMPARE(column(rowsOf(window), 1).mid(8), QStringList({u"1.0"_s, u"2.0"_s, u"10"_s}));
     d.f.window->showSpecification({});
@@ -303,7 +300,7 @@ void tst_SmallWindows::escapeClosesAndNothingIsLeftBehind()
     }
     QCOMPARE(d.f.window->findChildren<QObject*>().size(), objects);
     // Prices go on after all have gone.
-    d.f.feed.send(R"({"type":"price_update","data":{"EURUSD":{"bid":1.7,"ask":1.8}}})");
+    d.f.feed.send(records::priceUpdate({{"EURUSD", 1.7, 1.8}}));
     QTRY_COMPARE(d.f.list("marketWatchSymbols").topLevelItem(0)->text(1), u"1.70000"_s);
 }
 

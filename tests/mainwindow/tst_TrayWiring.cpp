@@ -132,10 +132,10 @@ void tst_TrayWiring::withoutATrayThereIsNoIconAndNoBalloon()
     MainWindowFixture f;
     f.signInAndSettle();
     QVERIFY(!trayOf(f));
-    f.feed.send(R"({"type":"orders_changed","filled":true,"accountId":"a1"})");
-    f.feed.send(R"({"type":"orders_changed","closeReason":"MANUAL"})");
-    f.feed.send(R"({"type":"account_update","status":"FAILED","accountId":"a1"})");
-    f.feed.send(R"({"type":"account_update","status":"PASSED","accountId":"a1"})");
+    f.feed.send(records::ordersChanged().filled());
+    f.feed.send(records::ordersChanged().closed("MANUAL"));
+    f.feed.send(records::accountUpdate("a1", "FAILED"));
+    f.feed.send(records::accountUpdate("a1", "PASSED"));
     QTRY_VERIFY(f.journal().contains(u"Account: Account a1 status changed to PASSED"_s));
     QCOMPARE(f.journalCount(u"Account: Account a1 status changed to FAILED"_s), 1);
     QCOMPARE(f.journalCount(u"Trade: Orders changed — refreshing"_s), 1);
@@ -237,32 +237,32 @@ void tst_TrayWiring::exitSavesTheLayoutAndQuits()
 
 void tst_TrayWiring::orderAndAccountEventsShowBalloons_data()
 {
-    QTest::addColumn<QByteArray>("event");
+    QTest::addColumn<QJsonObject>("event");
     QTest::addColumn<QString>("title");
     QTest::addColumn<QString>("text");
     QTest::addColumn<bool>("critical");
     QTest::addColumn<int>("milliseconds");
     QTest::addColumn<QList<SoundKind>>("heard");
-    QTest::newRow("filled") << R"({"type":"orders_changed","filled":true,"accountId":"123456789012"})"_ba
+    QTest::newRow("filled") << QJsonObject(records::ordersChanged("123456789012").filled())
                             << u"Order Filled"_s << u"A pending order on 12345678 was filled."_s << false
                             << 8000 << QList<SoundKind>({SoundKind::Fill});
-    QTest::newRow("stop loss") << R"({"type":"orders_changed","closeReason":"SL"})"_ba
+    QTest::newRow("stop loss") << QJsonObject(records::ordersChanged().closed("SL"))
                                << u"Position Closed (SL)"_s << u"A position hit its SL."_s << false << 8000
                                << QList<SoundKind>({SoundKind::Fill});
-    QTest::newRow("take profit") << R"({"type":"orders_changed","closeReason":"TP"})"_ba
+    QTest::newRow("take profit") << QJsonObject(records::ordersChanged().closed("TP"))
                                  << u"Position Closed (TP)"_s << u"A position hit its TP."_s << false << 8000
                                  << QList<SoundKind>({SoundKind::Fill});
-    QTest::newRow("failed") << R"({"type":"account_update","accountId":"a1","status":"FAILED"})"_ba
-                            << u"Account Failed"_s << u"An account breached its risk limit and was closed."_s
-                            << true << 12000 << QList<SoundKind>({SoundKind::Error});
-    QTest::newRow("passed") << R"({"type":"account_update","accountId":"a1","status":"PASSED"})"_ba
-                            << u"Challenge Passed"_s << u"An account passed its target — pending review."_s
-                            << false << 12000 << QList<SoundKind>();
+    QTest::newRow("failed") << QJsonObject(records::accountUpdate("a1", "FAILED")) << u"Account Failed"_s
+                            << u"An account breached its risk limit and was closed."_s << true << 12000
+                            << QList<SoundKind>({SoundKind::Error});
+    QTest::newRow("passed") << QJsonObject(records::accountUpdate("a1", "PASSED")) << u"Challenge Passed"_s
+                            << u"An account passed its target — pending review."_s << false << 12000
+                            << QList<SoundKind>();
 }
 
 void tst_TrayWiring::orderAndAccountEventsShowBalloons()
 {
-    QFETCH(const QByteArray, event);
+    QFETCH(const QJsonObject, event);
     QFETCH(const QString, title);
     QFETCH(const QString, text);
     QFETCH(const bool, critical);
@@ -283,10 +283,10 @@ void tst_TrayWiring::otherEventsShowNone()
 {
     MainWindowFixture f;
     f.signInAndSettle();
-    f.feed.send(R"({"type":"orders_changed"})");
-    f.feed.send(R"({"type":"orders_changed","closeReason":"MANUAL"})");
-    f.feed.send(R"({"type":"trades_update","data":[{"accountId":"a1","id":"t1","pnl":-99}]})");
-    f.feed.send(R"({"type":"account_update","accountId":"a1","status":"ACTIVE"})");
+    f.feed.send(records::ordersChanged());
+    f.feed.send(records::ordersChanged().closed("MANUAL"));
+    f.feed.send(records::tradesUpdate({records::position("t1").profit(-99)}));
+    f.feed.send(records::accountUpdate("a1", "ACTIVE"));
     QTRY_VERIFY(f.journal().contains(u"Account: Account a1 status changed to ACTIVE"_s));
     QCOMPARE(balloons.size(), 0);
     QCOMPARE(sounds, QList<SoundKind>({SoundKind::Close}));
@@ -296,16 +296,15 @@ void tst_TrayWiring::alertsAndNewsShowBalloons()
 {
     TerminalSettings::instance().setAlerts(uR"([{"symbol":"EURUSD","above":true,"price":1.2}])"_s);
     MainWindowFixture f;
-    f.http.on("GET", "/api/news/upcoming",
-        StubAnswer::json(R"({"events":[{"id":"e","impact":"HIGH","minutesUntil":5,"currency":"USD",)"
-                         R"("title":"Rates"}]})"));
+    f.server.on("GET", "/api/news/upcoming",
+        StubAnswer::json(records::news({records::newsEvent("e").title("Rates")})));
     f.signInAndSettle();
     QTRY_COMPARE(balloons.size(), 1);
     QCOMPARE(balloons[0].title, u"Upcoming News — USD"_s);
     QCOMPARE(balloons[0].text, u"Rates in 5 minutes"_s);
     QCOMPARE(balloons[0].icon, QSystemTrayIcon::Warning);
     QCOMPARE(balloons[0].milliseconds, 15000);
-    f.feed.send(R"({"type":"price_update","data":{"EURUSD":{"bid":1.25,"ask":1.2501}}})");
+    f.feed.send(records::priceUpdate({{"EURUSD", 1.25, 1.2501}}));
     QTRY_COMPARE(balloons.size(), 2);
     QCOMPARE(balloons[1].title, u"Price Alert — EURUSD"_s);
     QCOMPARE(balloons[1].text, u"EURUSD ≥ 1.20000 (now 1.25000)"_s);
@@ -320,7 +319,7 @@ void tst_TrayWiring::withoutATrayAnAlertStillFires()
     TerminalSettings::instance().setAlerts(uR"([{"symbol":"EURUSD","above":true,"price":1.2}])"_s);
     MainWindowFixture f;
     f.signInAndSettle();
-    f.feed.send(R"({"type":"price_update","data":{"EURUSD":{"bid":1.25,"ask":1.2501}}})");
+    f.feed.send(records::priceUpdate({{"EURUSD", 1.25, 1.2501}}));
     QTRY_COMPARE(sounds, QList<SoundKind>({SoundKind::Fill}));
     QVERIFY(TerminalSettings::instance().alerts().contains(u"\"triggered\":true"_s));
     QCOMPARE(balloons.size(), 0);
@@ -330,8 +329,8 @@ void tst_TrayWiring::whatBecameOfATradeIsHeard()
 {
     MainWindowFixture f;
     f.signInAndSettle();
-    f.http.once("POST", "/api/trades/place", StubAnswer::json("{}"));
-    f.http.once("POST", "/api/trades/place", StubAnswer::message(u"No"_s, 400));
+    f.server.once("POST", "/api/trades/place", StubAnswer::json("{}"));
+    f.server.once("POST", "/api/trades/place", StubAnswer::message(u"No"_s, 400));
     f.window->onQuickTrade(u"EURUSD"_s, u"BUY"_s, 0.1);
     QTRY_COMPARE(sounds, QList<SoundKind>({SoundKind::Open}));
     f.window->onQuickTrade(u"EURUSD"_s, u"BUY"_s, 0.1);
@@ -359,9 +358,8 @@ void tst_TrayWiring::severalAlertsOfOneSnapshotEachShowTheirBalloon()
                                            uR"({"symbol":"EURUSD","above":true,"price":1.21}])"_s);
     MainWindowFixture f;
     f.signInAndSettle();
-    f.feed.send(R"({"type":"price_update","data":{"EURUSD":{"bid":1.25,"ask":1.2501},)"
-                R"("USDJPY":{"bid":149,"ask":149.1}}})");
-    f.feed.send(R"({"type":"orders_changed","filled":true,"accountId":"a1"})");
+    f.feed.send(records::priceUpdate({{"EURUSD", 1.25, 1.2501}, {"USDJPY", 149, 149.1}}));
+    f.feed.send(records::ordersChanged().filled());
     QTRY_COMPARE(sounds.size(), 4);
     QStringList titles;
     for (const ShownBalloon& balloon : balloons)

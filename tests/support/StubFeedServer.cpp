@@ -50,6 +50,11 @@ int StubFeedServer::halfOpenCount() const
         m_halfOpen.begin(), m_halfOpen.end(), [](const QPointer<QTcpSocket>& s) { return !s.isNull(); }));
 }
 
+void StubFeedServer::setGreeting(const QJsonObject& message)
+{
+    setGreeting(QJsonDocument(message).toJson(QJsonDocument::Compact));
+}
+
 void StubFeedServer::send(const QByteArray& text)
 {
     for (QWebSocket* client : m_clients)

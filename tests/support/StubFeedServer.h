@@ -52,6 +52,7 @@ public:
     void setMode(Mode mode) { m_mode = mode; }
     /// A message that each client gets as soon as it is connected; none by default.
     void setGreeting(const QByteArray& text) { m_greeting = text; }
+    void setGreeting(const QJsonObject& message);
 
     /// Connections opened so far, whatever became of them.
     [[nodiscard]] int attempts() const { return m_attempts; }

@@ -58,6 +58,16 @@ StubAnswer StubAnswer::json(const QByteArray& body, int status)
     return typed("application/json", body, status);
 }
 
+StubAnswer StubAnswer::json(const QJsonObject& body)
+{
+    return json(QJsonDocument(body).toJson(QJsonDocument::Compact));
+}
+
+StubAnswer StubAnswer::list(const QJsonArray& records)
+{
+    return json(QJsonDocument(records).toJson(QJsonDocument::Compact));
+}
+
 StubAnswer StubAnswer::message(const QString& text, int status)
 {
     return json(QJsonDocument(QJsonObject{{u"message"_s, text}}).toJson(QJsonDocument::Compact), status);

@@ -2,6 +2,7 @@
 
 #include <QByteArray>
 #include <QHash>
+#include <QJsonArray>
 #include <QJsonObject>
 #include <QList>
 #include <QPair>
@@ -27,6 +28,9 @@ struct StubAnswer final {
     QList<QPair<QByteArray, QByteArray>> headers;
 
     [[nodiscard]] static StubAnswer json(const QByteArray& body, int status = 200);
+    [[nodiscard]] static StubAnswer json(const QJsonObject& body);
+    /// A reply that is a list of such records.
+    [[nodiscard]] static StubAnswer list(const QJsonArray& records);
     [[nodiscard]] static StubAnswer message(const QString& text, int status);
     [[nodiscard]] static StubAnswer html(const QByteArray& body, int status);
     [[nodiscard]] static StubAnswer redirect(const QString& location, int status = 302);

@@ -1,5 +1,6 @@
 #include "mainwindow/account/AccountBook.h"
 #include "net/records/PriceSnapshot.h"
+#include "support/Records.h"
 #include "support/TestMain.h"
 
 #include <QJsonDocument>
@@ -106,7 +107,7 @@ void tst_AccountBook::currentAccountIsPreferredWhereverItMoved()
 {
     AccountBook book;
     book.selectAccount(u"b"_s);
-    book.setAccounts(accounts(R"([{"id":"a","status":"ACTIVE"},{"id":"c","status":"ACTIVE"},{"id":"b"}])"));
+    book.setAccounts({records::account("a"), records::account("c"), records::account("b").status("CLOSED")});
     QCOMPARE(book.preferredIndex(), 2);
 }
 
@@ -114,16 +115,15 @@ void tst_AccountBook::firstActiveAccountThatIsNoWalletIsPreferred()
 {
     AccountBook book;
     book.selectAccount(u"gone"_s);
-    book.setAccounts(accounts(R"([{"id":"w","isWallet":true,"status":"ACTIVE"},{"id":"f","status":"active"},
-                                  {"id":"x","status":"ACTIVE"},{"id":"y","status":"ACTIVE"}])"));
+    book.setAccounts({records::account("w").wallet(), records::account("f").status("active"),
+        records::account("x"), records::account("y")});
     QCOMPARE(book.preferredIndex(), 2);
 }
 
 void tst_AccountBook::withoutAnActiveAccountTheFirstIsPreferred()
 {
     AccountBook book;
-    book.setAccounts(
-        accounts(R"([{"id":"w","isWallet":true,"status":"ACTIVE"},{"id":"f","status":"FAILED"}])"));
+    book.setAccounts({records::account("w").wallet(), records::account("f").status("FAILED")});
     QCOMPARE(book.preferredIndex(), 0);
 }
 
@@ -131,17 +131,18 @@ void tst_AccountBook::ofEqualIdsTheLastIsSelected()
 {
     AccountBook book;
     book.selectAccount(u"a"_s);
-    book.setAccounts(accounts(R"([{"id":"a"},{"id":"a"},{"id":"b","status":"ACTIVE"}])"));
+    book.setAccounts({records::account("a").status("CLOSED"), records::account("a").status("CLOSED"),
+        records::account("b")});
     QCOMPARE(book.preferredIndex(), 1);
 }
 
 void tst_AccountBook::figuresAreSumsOverTheOpenTrades()
 {
     AccountBook book;
-    book.setAccounts(accounts(R"([{"id":"a","balance":"1000.50"}])"));
+    book.setAccounts({records::account("a").balance("1000.50")});
     book.selectAccount(u"a"_s);
-    book.readFigures(
-        accounts(R"([{"id":"1","pnl":"10.25","margin":100},{"id":"2","pnl":-5,"margin":"50.5"}])"));
+    book.readFigures({records::position("1").profit("10.25").margin(100),
+        records::position("2").profit(-5).margin("50.5")});
     const AccountSummary expected{1000.5, 1005.75, 150.5, 855.25, 5.25};
     QVERIFY(book.summary() == expected);
 }
@@ -149,9 +150,10 @@ void tst_AccountBook::figuresAreSumsOverTheOpenTrades()
 void tst_AccountBook::duplicateTradeCountsOneProfitButBothMargins()
 {
     AccountBook book;
-    book.setAccounts(accounts(R"([{"id":"a","balance":100}])"));
+    book.setAccounts({records::account("a").balance(100)});
     book.selectAccount(u"a"_s);
-    book.readFigures(accounts(R"([{"id":"1","pnl":1,"margin":10},{"id":"1","pnl":2,"margin":10}])"));
+    book.readFigures(
+        {records::position("1").profit(1).margin(10), records::position("1").profit(2).margin(10)});
     QCOMPARE(book.summary()->profit, 2.0);
     QCOMPARE(book.summary()->margin, 20.0);
 }
@@ -171,10 +173,11 @@ void tst_AccountBook::summaryNeedsAListedAccount()
 void tst_AccountBook::summaryFollowsNewProfits()
 {
     AccountBook book;
-    book.setAccounts(accounts(R"([{"id":"a","balance":100}])"));
+    book.setAccounts({records::account("a").balance(100)});
     book.selectAccount(u"a"_s);
-    book.readFigures(accounts(R"([{"id":"1","pnl":1,"margin":10}])"));
-    book.noteProfits(accounts(R"([{"id":"1","accountId":"a","pnl":-4},{"id":"2","accountId":"a","pnl":1}])"));
+    book.readFigures({records::position("1").profit(1).margin(10)});
+    book.noteProfits(
+        {records::position("1").account("a").profit(-4), records::position("2").account("a").profit(1)});
     const AccountSummary expected{100.0, 97.0, 10.0, 87.0, -3.0};
     QVERIFY(book.summary() == expected);
 }
@@ -182,9 +185,9 @@ void tst_AccountBook::summaryFollowsNewProfits()
 void tst_AccountBook::selectingForgetsProfitsAtOnce()
 {
     AccountBook book;
-    book.setAccounts(accounts(R"([{"id":"a","balance":100}])"));
+    book.setAccounts({records::account("a").balance(100)});
     book.selectAccount(u"a"_s);
-    book.readFigures(accounts(R"([{"id":"1","pnl":1,"margin":10}])"));
+    book.readFigures({records::position("1").profit(1).margin(10)});
     book.selectAccount(u"a"_s);
     QCOMPARE(book.summary()->profit, 0.0);
     QCOMPARE(book.summary()->margin, 10.0);
@@ -193,9 +196,10 @@ void tst_AccountBook::selectingForgetsProfitsAtOnce()
 void tst_AccountBook::anotherAccountsMarginIsNotKept()
 {
     AccountBook book;
-    book.setAccounts(accounts(R"([{"id":"a","balance":100},{"id":"b","balance":200}])"));
+    book.setAccounts({records::account("a").balance(100),
+        records::account("b").balance(200)});
     book.selectAccount(u"a"_s);
-    book.readFigures(accounts(R"([{"id":"1","pnl":1,"margin":10}])"));
+    book.readFigures({records::position("1").profit(1).margin(10)});
     book.selectAccount(u"b"_s);
     QCOMPARE(book.summary()->margin, 0.0);
 }
@@ -203,7 +207,7 @@ void tst_AccountBook::anotherAccountsMarginIsNotKept()
 void tst_AccountBook::unreadableNumbersCountAsNothing()
 {
     AccountBook book;
-    book.setAccounts(accounts(R"([{"id":"a","balance":"nan"}])"));
+    book.setAccounts({records::account("a").balance("nan")});
     book.selectAccount(u"a"_s);
     book.readFigures(
         accounts(R"([{"id":"1","pnl":"inf","margin":1e308},{"id":"2","pnl":{},"margin":true},5,null])"));
@@ -230,8 +234,8 @@ void tst_AccountBook::symbolsAreFoundByName()
 void tst_AccountBook::symbolsAreSortedByOrderThenName()
 {
     AccountBook book;
-    book.setSymbols(accounts(R"([{"name":"b","sortOrder":1},{"name":"Z"},{"name":"B","sortOrder":1},
-                                 {"name":"x","sortOrder":-1}])"));
+    book.setSymbols({records::symbol("b").rank(1), records::symbol("Z"), records::symbol("B").rank(1),
+        records::symbol("x").rank(-1)});
     QStringList names;
     const QJsonArray sorted = book.sortedSymbols();
     for (const QJsonValue record : sorted)
@@ -276,10 +280,10 @@ void tst_AccountBook::aHellosPricesCountUntilTheNextSnapshot()
 void tst_AccountBook::a_known_quote_is_judged_by_new_decimals()
 {
     AccountBook book;
-    book.setSymbols(accounts(R"([{"name":"A","digits":9},{"name":"B","digits":9}])"));
+    book.setSymbols({records::symbol("A").digits(9), records::symbol("B").digits(9)});
     book.notePrices(object(R"({"A":{"bid":2e-9,"ask":1},"B":{"bid":2e-9}})"));
-    book.noteHelloPrices(object(R"({"A":{"bid":4e-9,"ask":2}})"));
-    book.setSymbols(accounts(R"([{"name":"A","digits":2},{"name":"B","digits":9}])"));
+    book.noteHelloPrices(records::prices({{"A", 4e-9, 2}}));
+    book.setSymbols({records::symbol("A").digits(2), records::symbol("B").digits(9)});
     QVERIFY((book.quote(u"A"_s) == Quote{0.0, 2.0}));
     QVERIFY((book.tickedQuote(u"A"_s) == Quote{0.0, 1.0}));
     QVERIFY((book.quote(u"B"_s) == Quote{2e-9, 0.0}));
@@ -288,7 +292,7 @@ void tst_AccountBook::a_known_quote_is_judged_by_new_decimals()
 void tst_AccountBook::each_symbols_decimals_say_what_is_a_price()
 {
     AccountBook book;
-    book.setSymbols(accounts(R"([{"name":"A","digits":9}])"));
+    book.setSymbols({records::symbol("A").digits(9)});
     book.notePrices(object(R"({"A":{"bid":2e-9},"B":{"bid":2e-9}})"));
     QVERIFY((book.quote(u"A"_s) == Quote{2e-9, 0.0}));
     QVERIFY((book.quote(u"B"_s) == Quote{}));
@@ -298,18 +302,19 @@ void tst_AccountBook::whoever_hears_of_a_change_finds_it_in_the_book()
 {
     Listener listener;
     AccountBook& book = listener.book;
-    book.setAccounts(accounts(R"([{"id":"a","balance":100},{"id":"b","balance":7}])"));
+    book.setAccounts({records::account("a").balance(100),
+        records::account("b").balance(7)});
     QCOMPARE(listener.take(), QStringList{u"accounts 2"_s});
     book.selectAccount(u"a"_s);
     QCOMPARE(listener.take(), QStringList({u"current a"_s, u"equity 100"_s}));
-    book.readFigures(accounts(R"([{"id":"1","pnl":5,"margin":10}])"));
+    book.readFigures({records::position("1").profit(5).margin(10)});
     QCOMPARE(listener.take(), QStringList{u"equity 105"_s});
-    book.setTrades(accounts(R"([{"id":"1"}])"), accounts(R"([{"id":"2"},{"id":"3"}])"));
+    book.setTrades({records::position("1")}, {records::position("2"), records::position("3")});
     QCOMPARE(listener.take(), QStringList{u"trades 1+2"_s});
     book.noteProfits(
-        accounts(R"([{"id":"1","accountId":"a","pnl":"6"},{"id":"9","accountId":"a","pnl":1}])"));
+        {records::position("1").account("a").profit("6"), records::position("9").account("a").profit(1)});
     QCOMPARE(listener.take(), QStringList({u"profit 1 6"_s, u"profit 9 1"_s, u"equity 107"_s}));
-    book.setSymbols(accounts(R"([{"name":"A"}])"));
+    book.setSymbols({records::symbol("A")});
     QCOMPARE(listener.take(), QStringList{u"symbols 1"_s});
     book.noteHelloPrices(object(R"({"A":{"bid":1}})"));
     QCOMPARE(listener.take(), QStringList{u"quotes A=1"_s});
@@ -325,16 +330,16 @@ void tst_AccountBook::what_has_not_changed_is_not_told()
 {
     Listener listener;
     AccountBook& book = listener.book;
-    book.setAccounts(accounts(R"([{"id":"a","balance":100}])"));
+    book.setAccounts({records::account("a").balance(100)});
     book.selectAccount(u"a"_s);
-    book.readFigures(accounts(R"([{"id":"1","pnl":0,"margin":0}])"));
+    book.readFigures({records::position("1").profit(0).margin(0)});
     listener.told.clear();
     book.selectAccount(u"a"_s);
-    book.readFigures(accounts(R"([{"id":"1","pnl":0,"margin":0}])"));
+    book.readFigures({records::position("1").profit(0).margin(0)});
     book.noteProfits(accounts(R"([{"id":"1","accountId":"b","pnl":6},{"id":"1","pnl":6},5,null])"));
     QCOMPARE(listener.take(), QStringList());
     // A list that was read again is told, whatever it holds: what is shown starts from it anew.
-    book.setAccounts(accounts(R"([{"id":"a","balance":100}])"));
+    book.setAccounts({records::account("a").balance(100)});
     book.setTrades({}, {});
     book.setSymbols({});
     QCOMPARE(listener.take(), QStringList({u"accounts 1"_s, u"trades 0+0"_s, u"symbols 0"_s}));
@@ -343,7 +348,8 @@ void tst_AccountBook::what_has_not_changed_is_not_told()
 void tst_AccountBook::without_an_account_no_profit_is_anyones()
 {
     Listener listener;
-    listener.book.noteProfits(accounts(R"([{"id":"1","accountId":"","pnl":6},{"id":"2","pnl":6}])"));
+    listener.book.noteProfits(
+        {records::position("1").account("").profit(6), records::position("2").without("accountId").profit(6)});
     QCOMPARE(listener.take(), QStringList());
     QVERIFY(listener.book.tradePnl().isEmpty());
 }
@@ -352,8 +358,7 @@ void tst_AccountBook::the_preferred_account_is_known_by_its_id()
 {
     AccountBook book;
     QCOMPARE(book.preferredAccountId(), QString());
-    book.setAccounts(
-        accounts(R"([{"id":"w","isWallet":true,"status":"ACTIVE"},{"id":"x","status":"ACTIVE"}])"));
+    book.setAccounts({records::account("w").wallet(), records::account("x")});
     QCOMPARE(book.preferredAccountId(), u"x"_s);
 }
 

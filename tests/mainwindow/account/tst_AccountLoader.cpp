@@ -4,6 +4,7 @@
 #include "net/ApiClient.h"
 #include "net/records/TradeRecord.h"
 #include "support/ParseJson.h"
+#include "support/Records.h"
 #include "support/StubHttpServer.h"
 #include "support/TestMain.h"
 
@@ -57,8 +58,8 @@ struct Desk {
             });
         server.on("GET", "/api/accounts", StubAnswer::json(accounts));
         server.on("GET", "/api/trades/open?accountId=a", StubAnswer::json(trades("t1", 5)));
-        server.on("GET", "/api/trades/pending?accountId=a", StubAnswer::json(R"([{"id":"p1"}])"));
-        server.on("GET", "/api/trades/history?accountId=a", StubAnswer::json(R"([{"id":"h1"}])"));
+        server.on("GET", "/api/trades/pending?accountId=a", StubAnswer::list({records::pendingOrder("p1")}));
+        server.on("GET", "/api/trades/history?accountId=a", StubAnswer::list({records::closedTrade("h1")}));
         server.on("GET", "/api/trades/open?accountId=b", StubAnswer::json("[]"));
         server.on("GET", "/api/trades/pending?accountId=b", StubAnswer::json("[]"));
         server.on("GET", "/api/trades/history?accountId=b", StubAnswer::json("[]"));
@@ -95,7 +96,7 @@ void tst_AccountLoader::reading_the_accounts_loads_the_preferred_ones_trades()
     QCOMPARE(desk.book.currentAccountId(), u"a"_s);
     QCOMPARE(desk.openTrade(), u"t1"_s);
     QCOMPARE(desk.book.pendingOrders().size(), 1);
-    QCOMPARE(desk.historyRead.at(0).at(0).toJsonArray(), parseArray(R"([{"id":"h1"}])"));
+    QCOMPARE(desk.historyRead.at(0).at(0).toJsonArray(), QJsonArray{records::closedTrade("h1")});
     const AccountSummary expected{100.0, 105.0, 10.0, 95.0, 5.0};
     QVERIFY(desk.book.summary() == expected);
     QCOMPARE(desk.journal, QStringList());
@@ -201,7 +202,7 @@ void tst_AccountLoader::a_profit_newer_than_the_reply_stays_known()
     desk.server.on("GET", "/api/trades/pending?accountId=a", StubAnswer::held());
     desk.loader.refreshOpenTrades();
     QTRY_COMPARE(desk.server.heldCount(), 1);
-    desk.book.noteProfits(parseArray(R"([{"id":"t1","accountId":"a","pnl":55}])"));
+    desk.book.noteProfits({records::position("t1").account("a").profit(55)});
     QVERIFY(desk.server.release(StubAnswer::json("[]")));
     QTRY_COMPARE(desk.tradesRead.count(), 2);
     QCOMPARE(desk.book.tradePnl().value(u"t1"_s), 55.0);

@@ -3,6 +3,7 @@
 #include "mainwindow/account/TradeActions.h"
 #include "net/ApiClient.h"
 #include "support/ParseJson.h"
+#include "support/Records.h"
 #include "support/StubHttpServer.h"
 #include "support/TestMain.h"
 
@@ -177,7 +178,7 @@ void TestTradeActions::closingReportsAndReadsEverything()
 {
     Desk desk;
     desk.server.on("POST", "/api/trades/close/t1", StubAnswer::json("{}"));
-    desk.actions.closePosition(parse(R"({"id":"t1"})"));
+    desk.actions.closePosition(records::position("t1"));
     QTRY_COMPARE(desk.said,
         QStringList({Desk::sound(SoundKind::Close), u"J Trade: Position closed"_s, u"accounts"_s, u"trades"_s,
             u"history"_s}));
@@ -190,7 +191,7 @@ void TestTradeActions::closingFails()
     QFETCH(QString, reason);
     Desk desk;
     desk.server.on("POST", "/api/trades/close/t1", answer);
-    desk.actions.closePosition(parse(R"({"id":"t1"})"));
+    desk.actions.closePosition(records::position("t1"));
     desk.waitFor(reason);
     QTRY_COMPARE(desk.said.size(), 5);
     desk.checkFailure(u"J Trade: Close failed: "_s, reason);
@@ -212,7 +213,7 @@ void TestTradeActions::whatComesWithASuccessIsIgnoredOnPurpose()
     QFETCH(StubAnswer, answer);
     Desk desk;
     desk.server.on("POST", "/api/trades/close/t1", answer);
-    desk.actions.closePosition(parse(R"({"id":"t1"})"));
+    desk.actions.closePosition(records::position("t1"));
     QTRY_COMPARE(desk.said.value(1), u"J Trade: Position closed"_s);
 }
 
@@ -220,7 +221,7 @@ void TestTradeActions::cancellingReportsAndReadsTheTrades()
 {
     Desk desk;
     desk.server.on("POST", "/api/trades/cancel/p1", StubAnswer::json("{}"));
-    desk.actions.cancelOrder(parse(R"({"id":"p1"})"));
+    desk.actions.cancelOrder(records::pendingOrder("p1"));
     QTRY_COMPARE(desk.said,
         QStringList({Desk::sound(SoundKind::Close), u"J Trade: Pending order cancelled"_s, u"trades"_s}));
     QCOMPARE(desk.server.last("POST", "/api/trades/cancel/p1").body, QByteArray("{}"));
@@ -233,7 +234,7 @@ void TestTradeActions::cancellingFails()
     QFETCH(bool, answered);
     Desk desk;
     desk.server.on("POST", "/api/trades/cancel/p1", answer);
-    desk.actions.cancelOrder(parse(R"({"id":"p1"})"));
+    desk.actions.cancelOrder(records::pendingOrder("p1"));
     desk.waitFor(reason);
     const QStringList lists = answered ? QStringList({u"trades"_s}) : everything;
     QTRY_COMPARE(desk.said.size(), 2 + lists.size());
@@ -313,8 +314,7 @@ void TestTradeActions::movingAnUnknownTradeSendsNothing()
 void TestTradeActions::anIdInBothListsMeansThePosition()
 {
     Desk desk;
-    desk.book.setTrades(parseArray(R"([{"id":"x","takeProfit":2}])"),
-        parseArray(R"([{"id":"x","status":"PENDING","pendingPrice":1.5}])"));
+    desk.book.setTrades({records::position("x").takeProfit(2)}, {records::pendingOrder("x").awaits(1.5)});
     desk.actions.moveLevel(u"x"_s, u"SL"_s, 1.0);
     QTRY_COMPARE(desk.server.count("PUT", "/api/trades/modify/x"), 1);
     QCOMPARE(
@@ -588,7 +588,7 @@ void TestTradeActions::aTradersOrderDoesNotWaitBehindThoseOfExperts()
     for (int i = 0; i < 400; ++i)
         desk.actions.expertOrder(parse(R"({"symbol":"EURUSD"})"));
     desk.said.clear();
-    desk.actions.closePosition(parse(R"({"id":"t1"})"));
+    desk.actions.closePosition(records::position("t1"));
     QTRY_COMPARE(desk.said.value(1), u"J Trade: Position closed"_s);
     QVERIFY(desk.server.count("POST", place) <= 2);
 }
@@ -635,7 +635,7 @@ void TestTradeActions::anOrderThatNeverLeftIsToldApart()
     QVERIFY(silent.listen(QHostAddress::LocalHost));
     TerminalSettings::instance().setServerUrl(u"https://127.0.0.1:%1"_s.arg(silent.serverPort()));
     desk.api.setLimits({.silence = 100});
-    desk.actions.cancelOrder(parse(R"({"id":"p1"})"));
+    desk.actions.cancelOrder(records::pendingOrder("p1"));
     QTRY_COMPARE(desk.said,
         QStringList({Desk::sound(SoundKind::Error),
             u"J Trade: Cancel failed: not sent: no connection to the server"_s, u"trades"_s}));

@@ -1,0 +1,54 @@
+#pragma once
+
+#include "app/base/TerminalSettings.h"
+#include "net/ApiClient.h"
+#include "support/StubHttpServer.h"
+
+#include <QJsonDocument>
+#include <QNetworkReply>
+#include <QtTest>
+
+namespace fixtures {
+
+/// A scripted server and a client that asks it: what whoever asks a server is tested with.
+struct ServedClient {
+    StubHttpServer server;
+    ApiClient api{TerminalSettings::instance()};
+
+    ServedClient() { TerminalSettings::instance().setServerUrl(server.url()); }
+    Q_DISABLE_COPY_MOVE(ServedClient)
+
+    /// Waits until the server is asked for nothing more: several round trips, one after the other, pass
+    /// without another request. Each takes at least the turns of the loop in which what follows from an
+    /// answer or a message already on its way would have been sent.
+    void settle()
+    {
+        constexpr int quietRoundTrips = 4;
+        for (int quiet = 0; quiet < quietRoundTrips;) {
+            const qsizetype before = server.requests().size();
+            bool answered = false;
+            api.get(QStringLiteral("/marker"), &server,
+                [&answered](const QJsonDocument&, const QString&) { answered = true; });
+            QTRY_VERIFY(answered);
+            quiet = server.requests().size() == before + 1 ? quiet + 1 : 0;
+        }
+    }
+    /// Requests so far, but for those of settle().
+    [[nodiscard]] qsizetype asked() const
+    {
+        return server.requests().size() - server.count("GET", "/marker");
+    }
+    /// Gives the request that the server does not answer up, as the time-out does.
+    void giveUp()
+    {
+        QTRY_COMPARE(server.heldCount(), 1);
+        api.findChild<QNetworkReply*>()->abort();
+    }
+    /// Whether the client still waits for an answer.
+    [[nodiscard]] bool isWaiting() const { return api.findChild<QNetworkReply*>() != nullptr; }
+
+protected:
+    ~ServedClient() = default;
+};
+
+} // namespace fixtures
