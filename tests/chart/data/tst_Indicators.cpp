@@ -170,182 +170,162 @@ class TestIndicators final : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void a_simple_average_begins_at_its_period();
-    void an_exponential_average_begins_with_the_mean();
-    void periods_below_one_count_as_one_data();
-    void periods_below_one_count_as_one();
-    void a_series_shorter_than_the_period_has_no_average();
-    void a_period_as_long_as_the_series_has_one_average();
-    void an_empty_series_has_no_values();
-    void absurd_periods_have_no_values();
-    void strength_needs_one_bar_more_than_its_period();
-    void strength_of_rising_closes_is_100();
-    void strength_of_falling_closes_is_0();
-    void strength_of_closes_that_stand_still_is_100();
-    void strength_weighs_as_wilder_does();
-    void only_closes_count();
-    void random_walks_agree_with_another_computation_data();
-    void random_walks_agree_with_another_computation();
-    void recorded_history_agrees_with_another_computation();
-};
-
-void TestIndicators::a_simple_average_begins_at_its_period()
-{
-    const std::vector<double> values = average({1, 2, 3, 4}, simple, 3);
-    QCOMPARE(values.size(), std::size_t{4});
-    QVERIFY(std::isnan(values[0]));
-    QVERIFY(std::isnan(values[1]));
-    QCOMPARE(values[2], 2.0);
-    QCOMPARE(values[3], 3.0);
-}
-
-void TestIndicators::an_exponential_average_begins_with_the_mean()
-{
-    const std::vector<double> values = average({1, 2, 3, 4}, exponential, 3);
-    QCOMPARE(values.size(), std::size_t{4});
-    QVERIFY(std::isnan(values[0]));
-    QVERIFY(std::isnan(values[1]));
-    QCOMPARE(values[2], 2.0);
-    QCOMPARE(values[3], 3.0);
-    QCOMPARE(average({1, 2, 6, 4}, exponential, 3).back(), 3.5);
-}
-
-void TestIndicators::periods_below_one_count_as_one_data()
-{
-    QTest::addColumn<int>("period");
-    for (const int period : {1, 0, -1, std::numeric_limits<int>::min()})
-        QTest::addRow("%d", period) << period;
-}
-
-void TestIndicators::periods_below_one_count_as_one()
-{
-    QFETCH(int, period);
-    const std::vector<double> closes{1, 5, 2, 8};
-    QCOMPARE(average(closes, simple, period), closes);
-    QCOMPARE(average(closes, exponential, period), closes);
-    const std::vector<double> values = strength(closes, period);
-    QVERIFY(std::isnan(values[0]));
-    QCOMPARE(values[1], 100.0);
-    QCOMPARE(values[2], 0.0);
-    QCOMPARE(values[3], 100.0);
-}
-
-void TestIndicators::a_series_shorter_than_the_period_has_no_average()
-{
-    for (const IndicatorKind kind : {simple, exponential}) {
-        const std::vector<double> values = average(rising(19), kind, 20);
-        QCOMPARE(values.size(), std::size_t{19});
-        QVERIFY(isAllNaN(values));
+    void a_simple_average_begins_at_its_period()
+    {
+        const std::vector<double> values = average({1, 2, 3, 4}, simple, 3);
+        QCOMPARE(values.size(), std::size_t{4});
+        QVERIFY(std::isnan(values[0]));
+        QVERIFY(std::isnan(values[1]));
+        QCOMPARE(values[2], 2.0);
+        QCOMPARE(values[3], 3.0);
     }
-}
 
-void TestIndicators::a_period_as_long_as_the_series_has_one_average()
-{
-    for (const IndicatorKind kind : {simple, exponential}) {
-        std::vector<double> values = average(rising(20), kind, 20);
-        QCOMPARE(values.back(), 10.5);
+    void an_exponential_average_begins_with_the_mean()
+    {
+        const std::vector<double> values = average({1, 2, 3, 4}, exponential, 3);
+        QCOMPARE(values.size(), std::size_t{4});
+        QVERIFY(std::isnan(values[0]));
+        QVERIFY(std::isnan(values[1]));
+        QCOMPARE(values[2], 2.0);
+        QCOMPARE(values[3], 3.0);
+        QCOMPARE(average({1, 2, 6, 4}, exponential, 3).back(), 3.5);
+    }
+
+    void periods_below_one_count_as_one_data()
+    {
+        QTest::addColumn<int>("period");
+        for (const int period : {1, 0, -1, std::numeric_limits<int>::min()})
+            QTest::addRow("%d", period) << period;
+    }
+    void periods_below_one_count_as_one()
+    {
+        QFETCH(int, period);
+        const std::vector<double> closes{1, 5, 2, 8};
+        QCOMPARE(average(closes, simple, period), closes);
+        QCOMPARE(average(closes, exponential, period), closes);
+        const std::vector<double> values = strength(closes, period);
+        QVERIFY(std::isnan(values[0]));
+        QCOMPARE(values[1], 100.0);
+        QCOMPARE(values[2], 0.0);
+        QCOMPARE(values[3], 100.0);
+    }
+
+    void a_series_shorter_than_the_period_has_no_average()
+    {
+        for (const IndicatorKind kind : {simple, exponential}) {
+            const std::vector<double> values = average(rising(19), kind, 20);
+            QCOMPARE(values.size(), std::size_t{19});
+            QVERIFY(isAllNaN(values));
+        }
+    }
+
+    void a_period_as_long_as_the_series_has_one_average()
+    {
+        for (const IndicatorKind kind : {simple, exponential}) {
+            std::vector<double> values = average(rising(20), kind, 20);
+            QCOMPARE(values.back(), 10.5);
+            values.pop_back();
+            QVERIFY(isAllNaN(values));
+        }
+    }
+
+    void an_empty_series_has_no_values()
+    {
+        QVERIFY(average({}, simple, 1).empty());
+        QVERIFY(average({}, exponential, 20).empty());
+        QVERIFY(strength({}, 14).empty());
+    }
+
+    void absurd_periods_have_no_values()
+    {
+        for (const int period : {1'000'000'000, std::numeric_limits<int>::max()}) {
+            QVERIFY(isAllNaN(average(rising(100), simple, period)));
+            QVERIFY(isAllNaN(average(rising(100), exponential, period)));
+            QVERIFY(isAllNaN(strength(rising(100), period)));
+        }
+    }
+
+    void strength_needs_one_bar_more_than_its_period()
+    {
+        QVERIFY(isAllNaN(strength(rising(14), 14)));
+        std::vector<double> values = strength(rising(15), 14);
+        QVERIFY(!std::isnan(values.back()));
         values.pop_back();
         QVERIFY(isAllNaN(values));
     }
-}
 
-void TestIndicators::an_empty_series_has_no_values()
-{
-    QVERIFY(average({}, simple, 1).empty());
-    QVERIFY(average({}, exponential, 20).empty());
-    QVERIFY(strength({}, 14).empty());
-}
-
-void TestIndicators::absurd_periods_have_no_values()
-{
-    for (const int period : {1'000'000'000, std::numeric_limits<int>::max()}) {
-        QVERIFY(isAllNaN(average(rising(100), simple, period)));
-        QVERIFY(isAllNaN(average(rising(100), exponential, period)));
-        QVERIFY(isAllNaN(strength(rising(100), period)));
+    void strength_of_rising_closes_is_100()
+    {
+        QCOMPARE(strength(rising(15), 14)[14], 100.0);
+        QCOMPARE(strength(rising(40), 14).back(), 100.0);
     }
-}
 
-void TestIndicators::strength_needs_one_bar_more_than_its_period()
-{
-    QVERIFY(isAllNaN(strength(rising(14), 14)));
-    std::vector<double> values = strength(rising(15), 14);
-    QVERIFY(!std::isnan(values.back()));
-    values.pop_back();
-    QVERIFY(isAllNaN(values));
-}
-
-void TestIndicators::strength_of_rising_closes_is_100()
-{
-    QCOMPARE(strength(rising(15), 14)[14], 100.0);
-    QCOMPARE(strength(rising(40), 14).back(), 100.0);
-}
-
-void TestIndicators::strength_of_falling_closes_is_0()
-{
-    std::vector<double> closes = rising(40);
-    std::reverse(closes.begin(), closes.end());
-    QCOMPARE(strength(closes, 14)[14], 0.0);
-    QCOMPARE(strength(closes, 14).back(), 0.0);
-}
-
-void TestIndicators::strength_of_closes_that_stand_still_is_100()
-{
-    // A close that does not move is a gain of nothing, and there is no loss.
-    QCOMPARE(strength({5, 5, 5, 5}, 2).back(), 100.0);
-}
-
-void TestIndicators::strength_weighs_as_wilder_does()
-{
-    // Moves +2, -1: average gain 1, loss 0.5. Then +3: gain (1 + 3) / 2, loss 0.5 / 2.
-    const std::vector<double> values = strength({10, 12, 11, 14}, 2);
-    QCOMPARE(values[2], 100.0 - 100.0 / (1.0 / 0.5 + 1.0));
-    QCOMPARE(values[3], 100.0 - 100.0 / (2.0 / 0.25 + 1.0));
-}
-
-void TestIndicators::only_closes_count()
-{
-    std::vector<Candle> candles = barsWith({1, 2, 3, 5, 4});
-    const std::vector<double> before = indicators::movingAverage(candles, {simple, 1, QColor()});
-    const std::vector<double> strengthBefore = indicators::rsi(candles, 1);
-    for (Candle& candle : candles)
-        candle = {candle.time, 77.0, 99.0, -99.0, candle.close, 12345};
-    QCOMPARE(indicators::movingAverage(candles, {simple, 1, QColor()}), before);
-    QCOMPARE(indicators::rsi(candles, 1).back(), strengthBefore.back());
-}
-
-void TestIndicators::random_walks_agree_with_another_computation_data()
-{
-    QTest::addColumn<double>("start");
-    QTest::addColumn<double>("step");
-    QTest::newRow("currency") << 1.1 << 0.0004;
-    QTest::newRow("index") << 11'313.5 << 9.0;
-    QTest::newRow("coin") << 60'000.0 << 250.0;
-    QTest::newRow("penny") << 0.00004 << 0.000001;
-}
-
-void TestIndicators::random_walks_agree_with_another_computation()
-{
-    QFETCH(double, start);
-    QFETCH(double, step);
-    for (const quint32 seed : {1U, 2U, 3U})
-        compareWithOtherComputations(walk(seed, 3'000, start, step));
-}
-
-void TestIndicators::recorded_history_agrees_with_another_computation()
-{
-    const QString folder = qEnvironmentVariable("TAVORAN_HISTORY_DIR");
-    if (folder.isEmpty())
-        QSKIP("TAVORAN_HISTORY_DIR is not set");
-    const QFileInfoList files = QDir(folder).entryInfoList({u"*.csv"_s}, QDir::Files);
-    QVERIFY(!files.isEmpty());
-    for (const QFileInfo& file : files) {
-        const std::vector<double> closes = recordedCloses(file.filePath());
-        QVERIFY2(closes.size() > 500, qPrintable(file.filePath()));
-        compareWithOtherComputations(closes);
-        if (QTest::currentTestFailed())
-            return qWarning("in %s", qPrintable(file.fileName()));
+    void strength_of_falling_closes_is_0()
+    {
+        std::vector<double> closes = rising(40);
+        std::reverse(closes.begin(), closes.end());
+        QCOMPARE(strength(closes, 14)[14], 0.0);
+        QCOMPARE(strength(closes, 14).back(), 0.0);
     }
-}
+
+    void strength_of_closes_that_stand_still_is_100()
+    {
+        // A close that does not move is a gain of nothing, and there is no loss.
+        QCOMPARE(strength({5, 5, 5, 5}, 2).back(), 100.0);
+    }
+
+    void strength_weighs_as_wilder_does()
+    {
+        // Moves +2, -1: average gain 1, loss 0.5. Then +3: gain (1 + 3) / 2, loss 0.5 / 2.
+        const std::vector<double> values = strength({10, 12, 11, 14}, 2);
+        QCOMPARE(values[2], 100.0 - 100.0 / (1.0 / 0.5 + 1.0));
+        QCOMPARE(values[3], 100.0 - 100.0 / (2.0 / 0.25 + 1.0));
+    }
+
+    void only_closes_count()
+    {
+        std::vector<Candle> candles = barsWith({1, 2, 3, 5, 4});
+        const std::vector<double> before = indicators::movingAverage(candles, {simple, 1, QColor()});
+        const std::vector<double> strengthBefore = indicators::rsi(candles, 1);
+        for (Candle& candle : candles)
+            candle = {candle.time, 77.0, 99.0, -99.0, candle.close, 12345};
+        QCOMPARE(indicators::movingAverage(candles, {simple, 1, QColor()}), before);
+        QCOMPARE(indicators::rsi(candles, 1).back(), strengthBefore.back());
+    }
+
+    void random_walks_agree_with_another_computation_data()
+    {
+        QTest::addColumn<double>("start");
+        QTest::addColumn<double>("step");
+        QTest::newRow("currency") << 1.1 << 0.0004;
+        QTest::newRow("index") << 11'313.5 << 9.0;
+        QTest::newRow("coin") << 60'000.0 << 250.0;
+        QTest::newRow("penny") << 0.00004 << 0.000001;
+    }
+    void random_walks_agree_with_another_computation()
+    {
+        QFETCH(double, start);
+        QFETCH(double, step);
+        for (const quint32 seed : {1U, 2U, 3U})
+            compareWithOtherComputations(walk(seed, 3'000, start, step));
+    }
+
+    void recorded_history_agrees_with_another_computation()
+    {
+        const QString folder = qEnvironmentVariable("TAVORAN_HISTORY_DIR");
+        if (folder.isEmpty())
+            QSKIP("TAVORAN_HISTORY_DIR is not set");
+        const QFileInfoList files = QDir(folder).entryInfoList({u"*.csv"_s}, QDir::Files);
+        QVERIFY(!files.isEmpty());
+        for (const QFileInfo& file : files) {
+            const std::vector<double> closes = recordedCloses(file.filePath());
+            QVERIFY2(closes.size() > 500, qPrintable(file.filePath()));
+            compareWithOtherComputations(closes);
+            if (QTest::currentTestFailed())
+                return qWarning("in %s", qPrintable(file.fileName()));
+        }
+    }
+};
 
 TAVORAN_TEST(TestIndicators)
 #include "tst_Indicators.moc"

@@ -37,140 +37,129 @@ class TestDrawingTool final : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void plain_lines_take_one_click();
-    void the_others_take_two_clicks();
-    void choosing_again_drops_the_placed_point();
-    void an_unknown_tool_is_no_tool();
-    void new_objects_are_grey_not_selected_and_without_id();
-
-    void at_most_one_object_is_selected();
-    void a_replaced_list_keeps_the_selected_id();
-    void a_replaced_list_tells_whether_it_changed();
-    void the_selected_object_is_taken_out();
-};
-
-void TestDrawingTool::plain_lines_take_one_click()
-{
-    for (const QString& key : {u"hline"_s, u"vline"_s}) {
-        DrawingTool tool;
-        tool.choose(key);
-        QVERIFY(tool.isActive());
-        QCOMPARE(tool.key(), key);
-        const std::optional<Drawing> drawing = tool.click(first);
-        QVERIFY(drawing);
-        QCOMPARE(drawing->type, key);
-        QCOMPARE(drawing->points, QList<DrawingPoint>{first});
+    void plain_lines_take_one_click()
+    {
+        for (const QString& key : {u"hline"_s, u"vline"_s}) {
+            DrawingTool tool;
+            tool.choose(key);
+            QVERIFY(tool.isActive());
+            QCOMPARE(tool.key(), key);
+            const std::optional<Drawing> drawing = tool.click(first);
+            QVERIFY(drawing);
+            QCOMPARE(drawing->type, key);
+            QCOMPARE(drawing->points, QList<DrawingPoint>{first});
+        }
     }
-}
 
-void TestDrawingTool::the_others_take_two_clicks()
-{
-    for (const QString& key : {u"trendline"_s, u"rectangle"_s, u"fibonacci"_s}) {
+    void the_others_take_two_clicks()
+    {
+        for (const QString& key : {u"trendline"_s, u"rectangle"_s, u"fibonacci"_s}) {
+            DrawingTool tool;
+            tool.choose(key);
+            QVERIFY(!tool.placed());
+            QVERIFY(!tool.click(first));
+            QVERIFY(tool.placed() == first);
+            const std::optional<Drawing> drawing = tool.click(second);
+            QVERIFY(drawing);
+            QCOMPARE(drawing->type, key);
+            QCOMPARE(drawing->points, (QList<DrawingPoint>{first, second}));
+            QVERIFY(!tool.placed());
+        }
+    }
+
+    void choosing_again_drops_the_placed_point()
+    {
         DrawingTool tool;
-        tool.choose(key);
+        tool.choose(u"trendline"_s);
+        QVERIFY(!tool.click(first));
+        tool.choose(u"trendline"_s);
+        QVERIFY(!tool.placed());
+        QVERIFY(!tool.click(second));
+        tool.cancel();
+        QVERIFY(!tool.isActive());
         QVERIFY(!tool.placed());
         QVERIFY(!tool.click(first));
-        QVERIFY(tool.placed() == first);
-        const std::optional<Drawing> drawing = tool.click(second);
-        QVERIFY(drawing);
-        QCOMPARE(drawing->type, key);
-        QCOMPARE(drawing->points, (QList<DrawingPoint>{first, second}));
-        QVERIFY(!tool.placed());
     }
-}
 
-void TestDrawingTool::choosing_again_drops_the_placed_point()
-{
-    DrawingTool tool;
-    tool.choose(u"trendline"_s);
-    QVERIFY(!tool.click(first));
-    tool.choose(u"trendline"_s);
-    QVERIFY(!tool.placed());
-    QVERIFY(!tool.click(second));
-    tool.cancel();
-    QVERIFY(!tool.isActive());
-    QVERIFY(!tool.placed());
-    QVERIFY(!tool.click(first));
-}
-
-void TestDrawingTool::an_unknown_tool_is_no_tool()
-{
-    DrawingTool tool;
-    tool.choose(u"ellipse"_s);
-    QVERIFY(!tool.isActive());
-    QCOMPARE(tool.key(), QString());
-    QVERIFY(!tool.click(first));
-}
-
-void TestDrawingTool::new_objects_are_grey_not_selected_and_without_id()
-{
-    for (const QString& key : {u"hline"_s, u"vline"_s, u"trendline"_s, u"rectangle"_s, u"fibonacci"_s}) {
+    void an_unknown_tool_is_no_tool()
+    {
         DrawingTool tool;
-        tool.choose(key);
-        std::optional<Drawing> drawing = tool.click(first);
-        if (!drawing)
-            drawing = tool.click(second);
-        QVERIFY(drawing);
-        QCOMPARE(drawing->type, key);
-        QCOMPARE(drawing->color, QColor(u"#e0e0e0"_s));
-        QVERIFY(!drawing->selected);
-        QCOMPARE(drawing->id, QString());
+        tool.choose(u"ellipse"_s);
+        QVERIFY(!tool.isActive());
+        QCOMPARE(tool.key(), QString());
+        QVERIFY(!tool.click(first));
     }
-}
 
-void TestDrawingTool::at_most_one_object_is_selected()
-{
-    DrawingList list;
-    QVERIFY(list.replace({lineOf(u"a"_s), lineOf(u"b"_s, true), lineOf(u"c"_s, true)}));
-    QCOMPARE(selectedIds(list), u"b"_s);
-    QVERIFY(list.select(0));
-    QCOMPARE(selectedIds(list), u"a"_s);
-    QVERIFY(!list.select(0));
-    QVERIFY(list.select(-1));
-    QCOMPARE(selectedIds(list), QString());
-    QVERIFY(!list.select(-1));
-}
+    void new_objects_are_grey_not_selected_and_without_id()
+    {
+        for (const QString& key : {u"hline"_s, u"vline"_s, u"trendline"_s, u"rectangle"_s, u"fibonacci"_s}) {
+            DrawingTool tool;
+            tool.choose(key);
+            std::optional<Drawing> drawing = tool.click(first);
+            if (!drawing)
+                drawing = tool.click(second);
+            QVERIFY(drawing);
+            QCOMPARE(drawing->type, key);
+            QCOMPARE(drawing->color, QColor(u"#e0e0e0"_s));
+            QVERIFY(!drawing->selected);
+            QCOMPARE(drawing->id, QString());
+        }
+    }
 
-void TestDrawingTool::a_replaced_list_keeps_the_selected_id()
-{
-    DrawingList list;
-    list.replace({lineOf(u"a"_s), lineOf(u"b"_s)});
-    list.select(1);
-    list.replace({lineOf(u"b"_s), lineOf(u"c"_s), lineOf(u"a"_s)});
-    QCOMPARE(selectedIds(list), u"b"_s);
-    list.replace({lineOf(u"b"_s), lineOf(u"c"_s, true)}); // who replaces may select
-    QCOMPARE(selectedIds(list), u"c"_s);
-    list.replace({lineOf(u"a"_s)});
-    QCOMPARE(selectedIds(list), QString());
-    list.replace({lineOf(QString()), lineOf(QString())}); // objects that the server does not know yet
-    list.select(0);
-    QCOMPARE(selectedIds(list), u"-"_s);
-    list.replace({lineOf(u"z"_s), lineOf(QString())});
-    QCOMPARE(selectedIds(list), QString());
-}
+    void at_most_one_object_is_selected()
+    {
+        DrawingList list;
+        QVERIFY(list.replace({lineOf(u"a"_s), lineOf(u"b"_s, true), lineOf(u"c"_s, true)}));
+        QCOMPARE(selectedIds(list), u"b"_s);
+        QVERIFY(list.select(0));
+        QCOMPARE(selectedIds(list), u"a"_s);
+        QVERIFY(!list.select(0));
+        QVERIFY(list.select(-1));
+        QCOMPARE(selectedIds(list), QString());
+        QVERIFY(!list.select(-1));
+    }
 
-void TestDrawingTool::a_replaced_list_tells_whether_it_changed()
-{
-    DrawingList list;
-    QVERIFY(!list.replace({}));
-    QVERIFY(list.replace({lineOf(u"a"_s)}));
-    QVERIFY(!list.replace({lineOf(u"a"_s)}));
-    list.select(0);
-    QVERIFY(!list.replace({lineOf(u"a"_s)}));
-    QCOMPARE(selectedIds(list), u"a"_s);
-}
+    void a_replaced_list_keeps_the_selected_id()
+    {
+        DrawingList list;
+        list.replace({lineOf(u"a"_s), lineOf(u"b"_s)});
+        list.select(1);
+        list.replace({lineOf(u"b"_s), lineOf(u"c"_s), lineOf(u"a"_s)});
+        QCOMPARE(selectedIds(list), u"b"_s);
+        list.replace({lineOf(u"b"_s), lineOf(u"c"_s, true)}); // who replaces may select
+        QCOMPARE(selectedIds(list), u"c"_s);
+        list.replace({lineOf(u"a"_s)});
+        QCOMPARE(selectedIds(list), QString());
+        list.replace({lineOf(QString()), lineOf(QString())}); // objects that the server does not know yet
+        list.select(0);
+        QCOMPARE(selectedIds(list), u"-"_s);
+        list.replace({lineOf(u"z"_s), lineOf(QString())});
+        QCOMPARE(selectedIds(list), QString());
+    }
 
-void TestDrawingTool::the_selected_object_is_taken_out()
-{
-    DrawingList list;
-    QVERIFY(!list.takeSelected());
-    list.replace({lineOf(u"a"_s), lineOf(u"b"_s, true), lineOf(u"c"_s)});
-    const std::optional<Drawing> taken = list.takeSelected();
-    QVERIFY(taken);
-    QCOMPARE(taken->id, u"b"_s);
-    QCOMPARE(list.drawings().size(), 2);
-    QVERIFY(!list.takeSelected());
-}
+    void a_replaced_list_tells_whether_it_changed()
+    {
+        DrawingList list;
+        QVERIFY(!list.replace({}));
+        QVERIFY(list.replace({lineOf(u"a"_s)}));
+        QVERIFY(!list.replace({lineOf(u"a"_s)}));
+        list.select(0);
+        QVERIFY(!list.replace({lineOf(u"a"_s)}));
+        QCOMPARE(selectedIds(list), u"a"_s);
+    }
+
+    void the_selected_object_is_taken_out()
+    {
+        DrawingList list;
+        QVERIFY(!list.takeSelected());
+        list.replace({lineOf(u"a"_s), lineOf(u"b"_s, true), lineOf(u"c"_s)});
+        const std::optional<Drawing> taken = list.takeSelected();
+        QVERIFY(taken);
+        QCOMPARE(taken->id, u"b"_s);
+        QCOMPARE(list.drawings().size(), 2);
+        QVERIFY(!list.takeSelected());
+    }
+};
 
 TAVORAN_TEST(TestDrawingTool)
 #include "tst_DrawingTool.moc"

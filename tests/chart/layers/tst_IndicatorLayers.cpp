@@ -83,367 +83,346 @@ QImage picture(const QList<Text>& texts, const QColor& ground = Qt::black)
 class TestIndicatorLayers final : public QObject {
     Q_OBJECT
 
-private Q_SLOTS:
-    void a_slope_holds_the_nearest_pixels();
-    void a_slope_painted_in_parts_is_the_same();
-    void an_average_joins_the_values_of_neighbours();
-    void a_missing_value_breaks_the_average();
-    void an_average_without_values_has_no_line();
-    void later_averages_cover_earlier_ones();
-    void an_average_far_from_the_prices_leaves_the_axes_alone();
-    void the_legend_names_kind_and_period_in_their_colours();
-    void the_legend_ends_at_the_edge_of_the_plot();
-    void without_averages_there_is_no_legend();
-    void the_pane_is_dark_with_a_border_on_top();
-    void the_pane_has_dotted_lines_at_30_and_70_with_labels();
-    void the_pane_has_a_title();
-    void the_line_of_the_pane_joins_neighbours_and_breaks();
-    void strengths_of_0_and_100_lie_at_the_edges_of_the_pane();
-    void without_the_pane_nothing_is_painted();
-    void the_pane_painted_in_parts_is_the_same();
-    void time_labels_and_time_tag_stand_under_the_pane();
-    void a_chart_shows_the_values_of_its_closes();
-    void values_follow_ticks_new_bars_and_reloads();
-
-private:
     std::vector<Candle> m_candles = fixtures::wave(6);
     TextPainter m_texts;
-};
 
-void TestIndicatorLayers::a_slope_holds_the_nearest_pixels()
-{
-    QRandomGenerator random(1);
-    const QRect whole(QPoint(0, 0), size);
-    for (int round = 0; round < 300; ++round) {
-        const QPoint from(random.bounded(300), random.bounded(300));
-        const QPoint to = from + QPoint(random.bounded(41), random.bounded(81) - 40);
-        QImage image(size, QImage::Format_RGB32);
-        image.fill(Qt::black);
-        QPainter painter(&image);
-        curve::slope(painter, from, to, whole, yellow);
-        painter.end();
-        const int width = to.x() - from.x();
-        const int height = to.y() - from.y();
-        const int longer = std::max(width, std::abs(height));
-        int inside = 0;
-        for (int step = 0; step <= longer; ++step) {
-            // One pixel a step along the longer side; halfway, either one will do.
-            const double share = longer == 0 ? 0.0 : static_cast<double>(step) / longer;
-            const QPointF exact(from.x() + width * share, from.y() + height * share);
-            int found = 0;
-            for (const double nudge : {-0.001, 0.001}) {
-                const QPoint pixel = (exact + QPointF(nudge, nudge)).toPoint();
-                const QPoint mixed = (exact + QPointF(nudge, -nudge)).toPoint();
-                found += whole.contains(pixel) && image.pixelColor(pixel) == yellow ? 1 : 0;
-                found += whole.contains(mixed) && image.pixelColor(mixed) == yellow ? 1 : 0;
+private Q_SLOTS:
+    void a_slope_holds_the_nearest_pixels()
+    {
+        QRandomGenerator random(1);
+        const QRect whole(QPoint(0, 0), size);
+        for (int round = 0; round < 300; ++round) {
+            const QPoint from(random.bounded(300), random.bounded(300));
+            const QPoint to = from + QPoint(random.bounded(41), random.bounded(81) - 40);
+            QImage image(size, QImage::Format_RGB32);
+            image.fill(Qt::black);
+            QPainter painter(&image);
+            curve::slope(painter, from, to, whole, yellow);
+            painter.end();
+            const int width = to.x() - from.x();
+            const int height = to.y() - from.y();
+            const int longer = std::max(width, std::abs(height));
+            int inside = 0;
+            for (int step = 0; step <= longer; ++step) {
+                // One pixel a step along the longer side; halfway, either one will do.
+                const double share = longer == 0 ? 0.0 : static_cast<double>(step) / longer;
+                const QPointF exact(from.x() + width * share, from.y() + height * share);
+                int found = 0;
+                for (const double nudge : {-0.001, 0.001}) {
+                    const QPoint pixel = (exact + QPointF(nudge, nudge)).toPoint();
+                    const QPoint mixed = (exact + QPointF(nudge, -nudge)).toPoint();
+                    found += whole.contains(pixel) && image.pixelColor(pixel) == yellow ? 1 : 0;
+                    found += whole.contains(mixed) && image.pixelColor(mixed) == yellow ? 1 : 0;
+                }
+                const bool offScreen = !whole.adjusted(1, 1, -1, -1).contains(exact.toPoint());
+                QVERIFY(found > 0 || offScreen);
+                inside += whole.contains(exact.toPoint()) ? 1 : 0;
             }
-            const bool offScreen = !whole.adjusted(1, 1, -1, -1).contains(exact.toPoint());
-            QVERIFY(found > 0 || offScreen);
-            inside += whole.contains(exact.toPoint()) ? 1 : 0;
+            if (whole.contains(from) && whole.contains(to))
+                QCOMPARE(pixelsOf(image, whole, yellow), inside);
         }
-        if (whole.contains(from) && whole.contains(to))
-            QCOMPARE(pixelsOf(image, whole, yellow), inside);
     }
-}
 
-void TestIndicatorLayers::a_slope_painted_in_parts_is_the_same()
-{
-    QRandomGenerator random(2);
-    for (int round = 0; round < 100; ++round) {
-        const QPoint from(random.bounded(100), random.bounded(300));
-        const QPoint to(from.x() + random.bounded(41), random.bounded(300));
-        QImage whole(size, QImage::Format_RGB32);
-        whole.fill(Qt::black);
-        QImage parts = whole;
-        QPainter painter(&whole);
-        curve::slope(painter, from, to, whole.rect(), yellow);
-        QPainter partPainter(&parts);
-        for (int y = 0; y < size.height(); y += 13) {
-            curve::slope(partPainter, from, to, QRect(0, y, 50, 13), yellow);
-            curve::slope(partPainter, from, to, QRect(50, y, 350, 13), yellow);
+    void a_slope_painted_in_parts_is_the_same()
+    {
+        QRandomGenerator random(2);
+        for (int round = 0; round < 100; ++round) {
+            const QPoint from(random.bounded(100), random.bounded(300));
+            const QPoint to(from.x() + random.bounded(41), random.bounded(300));
+            QImage whole(size, QImage::Format_RGB32);
+            whole.fill(Qt::black);
+            QImage parts = whole;
+            QPainter painter(&whole);
+            curve::slope(painter, from, to, whole.rect(), yellow);
+            QPainter partPainter(&parts);
+            for (int y = 0; y < size.height(); y += 13) {
+                curve::slope(partPainter, from, to, QRect(0, y, 50, 13), yellow);
+                curve::slope(partPainter, from, to, QRect(50, y, 350, 13), yellow);
+            }
+            painter.end();
+            partPainter.end();
+            QCOMPARE(parts, whole);
         }
-        painter.end();
-        partPainter.end();
-        QCOMPARE(parts, whole);
     }
-}
 
-void TestIndicatorLayers::an_average_joins_the_values_of_neighbours()
-{
-    ChartFrame frame = frameOf(m_candles, false, m_texts);
-    const std::vector<double> values{
-        priceAtRow(100), priceAtRow(100), priceAtRow(140), priceAtRow(120), priceAtRow(120), priceAtRow(20)};
-    const std::array<std::span<const double>, 1> lines{values};
-    frame.averages = {{IndicatorKind::Sma, 3, yellow}};
-    frame.averageValues = lines;
-    const QImage image = paint(&layers::paintMovingAverages, frame);
-    // Columns 131, 171 ... 331; one pixel a column while a segment is flat or rises as far as it runs.
-    QCOMPARE(pixelsOf(image, QRect(131, 100, 41, 1), yellow), 41);
-    QCOMPARE(image.pixelColor(191, 120), yellow); // halfway down to row 140
-    QCOMPARE(image.pixelColor(211, 140), yellow);
-    QCOMPARE(image.pixelColor(231, 130), yellow);
-    QCOMPARE(pixelsOf(image, QRect(251, 120, 41, 1), yellow), 41);
-    QCOMPARE(image.pixelColor(331, 20), yellow);
-    QCOMPARE(pixelsOf(image, QRect(291, 20, 41, 100), yellow), 100); // steep: a pixel in every row
-    QCOMPARE(pixelsOtherThan(image, QRect(0, 0, 131, 300), black), 0);
-    QCOMPARE(pixelsOf(image, image.rect(), black) + pixelsOf(image, image.rect(), yellow), 400 * 300);
-}
-
-void TestIndicatorLayers::a_missing_value_breaks_the_average()
-{
-    ChartFrame frame = frameOf(m_candles, false, m_texts);
-    const std::vector<double> values{
-        gap, priceAtRow(50), priceAtRow(50), gap, priceAtRow(70), priceAtRow(70)};
-    const std::array<std::span<const double>, 1> lines{values};
-    frame.averages = {{IndicatorKind::Sma, 3, yellow}};
-    frame.averageValues = lines;
-    const QImage image = paint(&layers::paintMovingAverages, frame);
-    QCOMPARE(pixelsOf(image, QRect(171, 50, 41, 1), yellow), 41);
-    QCOMPARE(pixelsOf(image, QRect(291, 70, 41, 1), yellow), 41);
-    QCOMPARE(pixelsOtherThan(image, image.rect(), black), 82);
-}
-
-void TestIndicatorLayers::an_average_without_values_has_no_line()
-{
-    ChartFrame frame = frameOf(m_candles, false, m_texts);
-    const std::array<std::span<const double>, 1> lines{};
-    frame.averages = {{IndicatorKind::Sma, 400, yellow}};
-    frame.averageValues = lines;
-    QCOMPARE(pixelsOtherThan(paint(&layers::paintMovingAverages, frame), QRect(QPoint(), size), black), 0);
-}
-
-void TestIndicatorLayers::later_averages_cover_earlier_ones()
-{
-    ChartFrame frame = frameOf(m_candles, false, m_texts);
-    const std::vector<double> values(6, priceAtRow(80));
-    const std::array<std::span<const double>, 2> lines{values, values};
-    frame.averages = {{IndicatorKind::Sma, 3, yellow}, {IndicatorKind::Ema, 3, blue}};
-    frame.averageValues = lines;
-    const QImage image = paint(&layers::paintMovingAverages, frame);
-    QCOMPARE(pixelsOf(image, image.rect(), yellow), 0);
-    QCOMPARE(pixelsOf(image, QRect(131, 80, 201, 1), blue), 201);
-}
-
-void TestIndicatorLayers::an_average_far_from_the_prices_leaves_the_axes_alone()
-{
-    ChartFrame frame = frameOf(m_candles, false, m_texts);
-    const std::vector<double> values{
-        priceAtRow(100), priceAtRow(100'000'000), 1e15, -1e15, priceAtRow(290), priceAtRow(200)};
-    const std::array<std::span<const double>, 1> lines{values};
-    frame.averages = {{IndicatorKind::Sma, 3, yellow}};
-    frame.averageValues = lines;
-    const QImage image = paint(&layers::paintMovingAverages, frame);
-    QVERIFY(pixelsOf(image, frame.view.plot(), yellow) > 100);
-    QCOMPARE(pixelsOf(image, frame.view.plot(), yellow), pixelsOf(image, image.rect(), yellow));
-}
-
-void TestIndicatorLayers::the_legend_names_kind_and_period_in_their_colours()
-{
-    ChartFrame frame = frameOf(m_candles, false, m_texts);
-    frame.averages
-        = {{IndicatorKind::Ema, 21, yellow}, {IndicatorKind::Sma, 200, blue}, {IndicatorKind::Sma, 5, lilac}};
-    const QFontMetrics metrics(QFont(u"Segoe UI"_s, 8));
-    const int second = 6 + metrics.horizontalAdvance(u"EMA(21)"_s) + 12;
-    const int third = second + metrics.horizontalAdvance(u"SMA(200)"_s) + 12;
-    const QImage image = paint(&layers::paintAverageLegend, frame);
-    QCOMPARE(image,
-        picture({{QPoint(6, 28), u"EMA(21)"_s, yellow}, {QPoint(second, 28), u"SMA(200)"_s, blue},
-            {QPoint(third, 28), u"SMA(5)"_s, lilac}}));
-    QVERIFY(pixelsOtherThan(image, QRect(6, 15, second - 18, 16), black) > 40);
-}
-
-void TestIndicatorLayers::the_legend_ends_at_the_edge_of_the_plot()
-{
-    ChartFrame frame = frameOf(m_candles, false, m_texts);
-    for (int i = 0; i < 5000; ++i)
-        frame.averages.append({IndicatorKind::Sma, 1000 + i, yellow});
-    const QImage image = paint(&layers::paintAverageLegend, frame);
-    QVERIFY(pixelsOtherThan(image, QRect(200, 15, 132, 16), black) > 40);
-    QCOMPARE(pixelsOtherThan(image, QRect(0, 40, 400, 260), black), 0);
-}
-
-void TestIndicatorLayers::without_averages_there_is_no_legend()
-{
-    const QImage image = paint(&layers::paintAverageLegend, frameOf(m_candles, false, m_texts));
-    QCOMPARE(pixelsOtherThan(image, image.rect(), black), 0);
-}
-
-void TestIndicatorLayers::the_pane_is_dark_with_a_border_on_top()
-{
-    const ChartFrame frame = frameOf(m_candles, true, m_texts);
-    QCOMPARE(frame.view.pane(0), pane);
-    const QImage image = paint(&layers::paintIndicatorPanes, frame);
-    QCOMPARE(pixelsOf(image, QRect(0, 218, 332, 1), colors.grid), 332);
-    QCOMPARE(pixelsOtherThan(image, QRect(0, 0, 400, 218), black), 0);
-    QCOMPARE(pixelsOtherThan(image, QRect(0, 278, 400, 22), black), 0);
-    QCOMPARE(pixelsOtherThan(image, QRect(150, 262, 182, 16), QColor(0x0a, 0x0a, 0x0a)), 0);
-}
-
-void TestIndicatorLayers::the_pane_has_dotted_lines_at_30_and_70_with_labels()
-{
-    const QImage image = paint(&layers::paintIndicatorPanes, frameOf(m_candles, true, m_texts));
-    const QColor bound(0x44, 0x44, 0x44);
-    QList<Text> labels;
-    const QFontMetrics metrics(QFont(u"Segoe UI"_s, 8));
-    for (const auto& [y, text] : {std::pair(218 + 42, u"30"_s), std::pair(218 + 18, u"70"_s)}) {
-        QCOMPARE(pixelsOf(image, QRect(150, y, 180, 1), bound), 60);
-        QCOMPARE(pixelsOf(image, QRect(150, y - 1, 182, 1), bound), 0);
-        QCOMPARE(pixelsOf(image, QRect(150, y + 1, 182, 1), bound), 0);
-        labels.append(
-            {QPoint(331 + 4, y - 8 + (16 - metrics.height()) / 2 + metrics.ascent()), text, colors.axis});
+    void an_average_joins_the_values_of_neighbours()
+    {
+        ChartFrame frame = frameOf(m_candles, false, m_texts);
+        const std::vector<double> values{priceAtRow(100), priceAtRow(100), priceAtRow(140), priceAtRow(120),
+            priceAtRow(120), priceAtRow(20)};
+        const std::array<std::span<const double>, 1> lines{values};
+        frame.averages = {{IndicatorKind::Sma, 3, yellow}};
+        frame.averageValues = lines;
+        const QImage image = paint(&layers::paintMovingAverages, frame);
+        // Columns 131, 171 ... 331; one pixel a column while a segment is flat or rises as far as it runs.
+        QCOMPARE(pixelsOf(image, QRect(131, 100, 41, 1), yellow), 41);
+        QCOMPARE(image.pixelColor(191, 120), yellow); // halfway down to row 140
+        QCOMPARE(image.pixelColor(211, 140), yellow);
+        QCOMPARE(image.pixelColor(231, 130), yellow);
+        QCOMPARE(pixelsOf(image, QRect(251, 120, 41, 1), yellow), 41);
+        QCOMPARE(image.pixelColor(331, 20), yellow);
+        QCOMPARE(pixelsOf(image, QRect(291, 20, 41, 100), yellow), 100); // steep: a pixel in every row
+        QCOMPARE(pixelsOtherThan(image, QRect(0, 0, 131, 300), black), 0);
+        QCOMPARE(pixelsOf(image, image.rect(), black) + pixelsOf(image, image.rect(), yellow), 400 * 300);
     }
-    const QRect axis(332, 0, 68, 300);
-    QCOMPARE(image.copy(axis), picture(labels).copy(axis));
-    QVERIFY(pixelsOtherThan(image, QRect(332, 252, 68, 16), black) > 10);
-}
 
-void TestIndicatorLayers::the_pane_has_a_title()
-{
-    ChartFrame frame = frameOf(m_candles, true, m_texts);
-    frame.panes.first().period = 21;
-    const QImage image = paint(&layers::paintIndicatorPanes, frame);
-    const QImage title = picture({{QPoint(6, 218 + 14), u"RSI(21)"_s, colors.axis}}, groundOfPane);
-    const QRect belowBorder(0, 219, 120, 17); // and above the line at 70
-    QCOMPARE(image.copy(belowBorder), title.copy(belowBorder));
-    QVERIFY(pixelsOtherThan(title, belowBorder, groundOfPane) > 40);
-}
+    void a_missing_value_breaks_the_average()
+    {
+        ChartFrame frame = frameOf(m_candles, false, m_texts);
+        const std::vector<double> values{
+            gap, priceAtRow(50), priceAtRow(50), gap, priceAtRow(70), priceAtRow(70)};
+        const std::array<std::span<const double>, 1> lines{values};
+        frame.averages = {{IndicatorKind::Sma, 3, yellow}};
+        frame.averageValues = lines;
+        const QImage image = paint(&layers::paintMovingAverages, frame);
+        QCOMPARE(pixelsOf(image, QRect(171, 50, 41, 1), yellow), 41);
+        QCOMPARE(pixelsOf(image, QRect(291, 70, 41, 1), yellow), 41);
+        QCOMPARE(pixelsOtherThan(image, image.rect(), black), 82);
+    }
 
-void TestIndicatorLayers::the_line_of_the_pane_joins_neighbours_and_breaks()
-{
-    ChartFrame frame = frameOf(m_candles, true, m_texts);
-    const std::vector<double> values{
-        gap, strengthAtRow(10), strengthAtRow(50), gap, strengthAtRow(25), strengthAtRow(25)};
-    const std::array<std::span<const double>, 1> lines{values};
-    frame.paneValues = lines;
-    const QImage image = paint(&layers::paintIndicatorPanes, frame);
-    QCOMPARE(image.pixelColor(171, 218 + 10), lilac);
-    QCOMPARE(image.pixelColor(191, 218 + 30), lilac);
-    QCOMPARE(image.pixelColor(211, 218 + 50), lilac);
-    QCOMPARE(pixelsOf(image, QRect(291, 218 + 25, 41, 1), lilac), 41);
-    QCOMPARE(pixelsOf(image, image.rect(), lilac), 82);
-}
+    void an_average_without_values_has_no_line()
+    {
+        ChartFrame frame = frameOf(m_candles, false, m_texts);
+        const std::array<std::span<const double>, 1> lines{};
+        frame.averages = {{IndicatorKind::Sma, 400, yellow}};
+        frame.averageValues = lines;
+        QCOMPARE(
+            pixelsOtherThan(paint(&layers::paintMovingAverages, frame), QRect(QPoint(), size), black), 0);
+    }
 
-void TestIndicatorLayers::strengths_of_0_and_100_lie_at_the_edges_of_the_pane()
-{
-    ChartFrame frame = frameOf(m_candles, true, m_texts);
-    std::vector<double> values(6, 100.0);
-    const std::array<std::span<const double>, 1> lines{values};
-    frame.paneValues = lines;
-    QCOMPARE(pixelsOf(paint(&layers::paintIndicatorPanes, frame), QRect(131, 218, 201, 1), lilac), 201);
-    values.assign(6, 0.0);
-    QCOMPARE(pixelsOf(paint(&layers::paintIndicatorPanes, frame), QRect(131, 278, 201, 1), lilac), 201);
-}
+    void later_averages_cover_earlier_ones()
+    {
+        ChartFrame frame = frameOf(m_candles, false, m_texts);
+        const std::vector<double> values(6, priceAtRow(80));
+        const std::array<std::span<const double>, 2> lines{values, values};
+        frame.averages = {{IndicatorKind::Sma, 3, yellow}, {IndicatorKind::Ema, 3, blue}};
+        frame.averageValues = lines;
+        const QImage image = paint(&layers::paintMovingAverages, frame);
+        QCOMPARE(pixelsOf(image, image.rect(), yellow), 0);
+        QCOMPARE(pixelsOf(image, QRect(131, 80, 201, 1), blue), 201);
+    }
 
-void TestIndicatorLayers::without_the_pane_nothing_is_painted()
-{
-    ChartFrame frame = frameOf(m_candles, false, m_texts);
-    const std::vector<double> values(6, 50.0);
-    const std::array<std::span<const double>, 1> lines{values};
-    frame.paneValues = lines;
-    const QImage image = paint(&layers::paintIndicatorPanes, frame);
-    QCOMPARE(pixelsOtherThan(image, image.rect(), black), 0);
-}
+    void an_average_far_from_the_prices_leaves_the_axes_alone()
+    {
+        ChartFrame frame = frameOf(m_candles, false, m_texts);
+        const std::vector<double> values{
+            priceAtRow(100), priceAtRow(100'000'000), 1e15, -1e15, priceAtRow(290), priceAtRow(200)};
+        const std::array<std::span<const double>, 1> lines{values};
+        frame.averages = {{IndicatorKind::Sma, 3, yellow}};
+        frame.averageValues = lines;
+        const QImage image = paint(&layers::paintMovingAverages, frame);
+        QVERIFY(pixelsOf(image, frame.view.plot(), yellow) > 100);
+        QCOMPARE(pixelsOf(image, frame.view.plot(), yellow), pixelsOf(image, image.rect(), yellow));
+    }
 
-void TestIndicatorLayers::the_pane_painted_in_parts_is_the_same()
-{
-    for (const double barWidth : {1.0, 2.4, 7.0, 40.0}) {
-        const std::vector<Candle> candles = fixtures::wave(400);
-        const std::vector<double> values = indicators::rsi(candles, 3);
-        ViewState state;
-        state.barWidth = barWidth;
-        state.rightBarIndex = 350.4;
-        ChartFrame frame = frameOf(candles, true, m_texts);
-        frame.view = ChartView(size, state, 400, true);
-        frame.bars = frame.view.visible();
+    void the_legend_names_kind_and_period_in_their_colours()
+    {
+        ChartFrame frame = frameOf(m_candles, false, m_texts);
+        frame.averages = {{IndicatorKind::Ema, 21, yellow}, {IndicatorKind::Sma, 200, blue},
+            {IndicatorKind::Sma, 5, lilac}};
+        const QFontMetrics metrics(QFont(u"Segoe UI"_s, 8));
+        const int second = 6 + metrics.horizontalAdvance(u"EMA(21)"_s) + 12;
+        const int third = second + metrics.horizontalAdvance(u"SMA(200)"_s) + 12;
+        const QImage image = paint(&layers::paintAverageLegend, frame);
+        QCOMPARE(image,
+            picture({{QPoint(6, 28), u"EMA(21)"_s, yellow}, {QPoint(second, 28), u"SMA(200)"_s, blue},
+                {QPoint(third, 28), u"SMA(5)"_s, lilac}}));
+        QVERIFY(pixelsOtherThan(image, QRect(6, 15, second - 18, 16), black) > 40);
+    }
+
+    void the_legend_ends_at_the_edge_of_the_plot()
+    {
+        ChartFrame frame = frameOf(m_candles, false, m_texts);
+        for (int i = 0; i < 5000; ++i)
+            frame.averages.append({IndicatorKind::Sma, 1000 + i, yellow});
+        const QImage image = paint(&layers::paintAverageLegend, frame);
+        QVERIFY(pixelsOtherThan(image, QRect(200, 15, 132, 16), black) > 40);
+        QCOMPARE(pixelsOtherThan(image, QRect(0, 40, 400, 260), black), 0);
+    }
+
+    void without_averages_there_is_no_legend()
+    {
+        const QImage image = paint(&layers::paintAverageLegend, frameOf(m_candles, false, m_texts));
+        QCOMPARE(pixelsOtherThan(image, image.rect(), black), 0);
+    }
+
+    void the_pane_is_dark_with_a_border_on_top()
+    {
+        const ChartFrame frame = frameOf(m_candles, true, m_texts);
+        QCOMPARE(frame.view.pane(0), pane);
+        const QImage image = paint(&layers::paintIndicatorPanes, frame);
+        QCOMPARE(pixelsOf(image, QRect(0, 218, 332, 1), colors.grid), 332);
+        QCOMPARE(pixelsOtherThan(image, QRect(0, 0, 400, 218), black), 0);
+        QCOMPARE(pixelsOtherThan(image, QRect(0, 278, 400, 22), black), 0);
+        QCOMPARE(pixelsOtherThan(image, QRect(150, 262, 182, 16), QColor(0x0a, 0x0a, 0x0a)), 0);
+    }
+
+    void the_pane_has_dotted_lines_at_30_and_70_with_labels()
+    {
+        const QImage image = paint(&layers::paintIndicatorPanes, frameOf(m_candles, true, m_texts));
+        const QColor bound(0x44, 0x44, 0x44);
+        QList<Text> labels;
+        const QFontMetrics metrics(QFont(u"Segoe UI"_s, 8));
+        for (const auto& [y, text] : {std::pair(218 + 42, u"30"_s), std::pair(218 + 18, u"70"_s)}) {
+            QCOMPARE(pixelsOf(image, QRect(150, y, 180, 1), bound), 60);
+            QCOMPARE(pixelsOf(image, QRect(150, y - 1, 182, 1), bound), 0);
+            QCOMPARE(pixelsOf(image, QRect(150, y + 1, 182, 1), bound), 0);
+            labels.append(
+                {QPoint(331 + 4, y - 8 + (16 - metrics.height()) / 2 + metrics.ascent()), text, colors.axis});
+        }
+        const QRect axis(332, 0, 68, 300);
+        QCOMPARE(image.copy(axis), picture(labels).copy(axis));
+        QVERIFY(pixelsOtherThan(image, QRect(332, 252, 68, 16), black) > 10);
+    }
+
+    void the_pane_has_a_title()
+    {
+        ChartFrame frame = frameOf(m_candles, true, m_texts);
+        frame.panes.first().period = 21;
+        const QImage image = paint(&layers::paintIndicatorPanes, frame);
+        const QImage title = picture({{QPoint(6, 218 + 14), u"RSI(21)"_s, colors.axis}}, groundOfPane);
+        const QRect belowBorder(0, 219, 120, 17); // and above the line at 70
+        QCOMPARE(image.copy(belowBorder), title.copy(belowBorder));
+        QVERIFY(pixelsOtherThan(title, belowBorder, groundOfPane) > 40);
+    }
+
+    void the_line_of_the_pane_joins_neighbours_and_breaks()
+    {
+        ChartFrame frame = frameOf(m_candles, true, m_texts);
+        const std::vector<double> values{
+            gap, strengthAtRow(10), strengthAtRow(50), gap, strengthAtRow(25), strengthAtRow(25)};
         const std::array<std::span<const double>, 1> lines{values};
         frame.paneValues = lines;
-        const QImage whole = paint(&layers::paintIndicatorPanes, frame);
-        QImage parts(size, QImage::Format_RGB32);
-        parts.fill(Qt::black);
-        QPainter painter(&parts);
-        for (int x = 0; x < size.width(); x += 23) {
-            for (int y = 0; y < size.height(); y += 31) {
-                frame.exposed = QRect(x, y, 23, 31);
-                painter.setClipRegion(frame.exposed);
-                layers::paintIndicatorPanes(painter, frame);
+        const QImage image = paint(&layers::paintIndicatorPanes, frame);
+        QCOMPARE(image.pixelColor(171, 218 + 10), lilac);
+        QCOMPARE(image.pixelColor(191, 218 + 30), lilac);
+        QCOMPARE(image.pixelColor(211, 218 + 50), lilac);
+        QCOMPARE(pixelsOf(image, QRect(291, 218 + 25, 41, 1), lilac), 41);
+        QCOMPARE(pixelsOf(image, image.rect(), lilac), 82);
+    }
+
+    void strengths_of_0_and_100_lie_at_the_edges_of_the_pane()
+    {
+        ChartFrame frame = frameOf(m_candles, true, m_texts);
+        std::vector<double> values(6, 100.0);
+        const std::array<std::span<const double>, 1> lines{values};
+        frame.paneValues = lines;
+        QCOMPARE(pixelsOf(paint(&layers::paintIndicatorPanes, frame), QRect(131, 218, 201, 1), lilac), 201);
+        values.assign(6, 0.0);
+        QCOMPARE(pixelsOf(paint(&layers::paintIndicatorPanes, frame), QRect(131, 278, 201, 1), lilac), 201);
+    }
+
+    void without_the_pane_nothing_is_painted()
+    {
+        ChartFrame frame = frameOf(m_candles, false, m_texts);
+        const std::vector<double> values(6, 50.0);
+        const std::array<std::span<const double>, 1> lines{values};
+        frame.paneValues = lines;
+        const QImage image = paint(&layers::paintIndicatorPanes, frame);
+        QCOMPARE(pixelsOtherThan(image, image.rect(), black), 0);
+    }
+
+    void the_pane_painted_in_parts_is_the_same()
+    {
+        for (const double barWidth : {1.0, 2.4, 7.0, 40.0}) {
+            const std::vector<Candle> candles = fixtures::wave(400);
+            const std::vector<double> values = indicators::rsi(candles, 3);
+            ViewState state;
+            state.barWidth = barWidth;
+            state.rightBarIndex = 350.4;
+            ChartFrame frame = frameOf(candles, true, m_texts);
+            frame.view = ChartView(size, state, 400, true);
+            frame.bars = frame.view.visible();
+            const std::array<std::span<const double>, 1> lines{values};
+            frame.paneValues = lines;
+            const QImage whole = paint(&layers::paintIndicatorPanes, frame);
+            QImage parts(size, QImage::Format_RGB32);
+            parts.fill(Qt::black);
+            QPainter painter(&parts);
+            for (int x = 0; x < size.width(); x += 23) {
+                for (int y = 0; y < size.height(); y += 31) {
+                    frame.exposed = QRect(x, y, 23, 31);
+                    painter.setClipRegion(frame.exposed);
+                    layers::paintIndicatorPanes(painter, frame);
+                }
             }
+            painter.end();
+            QCOMPARE(parts, whole);
         }
-        painter.end();
-        QCOMPARE(parts, whole);
     }
-}
 
-void TestIndicatorLayers::time_labels_and_time_tag_stand_under_the_pane()
-{
-    ChartWidget chart;
-    chart.resize(size);
-    chart.setCandles(fixtures::wave(100));
-    const QImage without = chart.grab().toImage();
-    chart.setPane(IndicatorKind::Rsi, true, 400);
-    const int axisTop = size.height() - ChartView::timeAxisHeight;
-    QCOMPARE(chart.view().timeAxisEdge(), axisTop - 1);
-    const QRect labels(0, axisTop, chart.view().plot().width(), ChartView::timeAxisHeight);
-    QVERIFY(pixelsOtherThan(without, labels, black) > 100);
-    QCOMPARE(chart.grab().toImage().copy(labels), without.copy(labels));
-    fixtures::hover(chart, QPoint(150, 100));
-    const QImage hovered = chart.grab().toImage();
-    QCOMPARE(hovered.pixelColor(101, axisTop + 3), QColor(0x33, 0x33, 0x33));
-    const QRect pane(100, 220, 150, 14); // right of the title, above the line at 70
-    QCOMPARE(pixelsOtherThan(hovered, pane, QColor(0x0a, 0x0a, 0x0a)), 0);
-}
-
-void TestIndicatorLayers::a_chart_shows_the_values_of_its_closes()
-{
-    ChartWidget chart;
-    chart.resize(size);
-    chart.setCandles(fixtures::wave(100));
-    const QImage before = chart.grab().toImage();
-    QCOMPARE(pixelsOf(before, before.rect(), yellow), 0);
-    chart.setMovingAverages({{IndicatorKind::Sma, 20, yellow}});
-    const QImage image = chart.grab().toImage();
-    const ChartView& view = chart.view();
-    const std::vector<double> values
-        = indicators::movingAverage(chart.candles(), chart.movingAverages().first());
-    for (qsizetype i = view.visible().first; i < view.visible().last; ++i) {
-        const QPoint pixel(view.barPixel(i), view.pricePixel(values[static_cast<std::size_t>(i)]));
-        if (pixel.x() >= 0)
-            QCOMPARE(image.pixelColor(pixel), yellow);
+    void time_labels_and_time_tag_stand_under_the_pane()
+    {
+        ChartWidget chart;
+        chart.resize(size);
+        chart.setCandles(fixtures::wave(100));
+        const QImage without = chart.grab().toImage();
+        chart.setPane(IndicatorKind::Rsi, true, 400);
+        const int axisTop = size.height() - ChartView::timeAxisHeight;
+        QCOMPARE(chart.view().timeAxisEdge(), axisTop - 1);
+        const QRect labels(0, axisTop, chart.view().plot().width(), ChartView::timeAxisHeight);
+        QVERIFY(pixelsOtherThan(without, labels, black) > 100);
+        QCOMPARE(chart.grab().toImage().copy(labels), without.copy(labels));
+        fixtures::hover(chart, QPoint(150, 100));
+        const QImage hovered = chart.grab().toImage();
+        QCOMPARE(hovered.pixelColor(101, axisTop + 3), QColor(0x33, 0x33, 0x33));
+        const QRect pane(100, 220, 150, 14); // right of the title, above the line at 70
+        QCOMPARE(pixelsOtherThan(hovered, pane, QColor(0x0a, 0x0a, 0x0a)), 0);
     }
-    const QRect legend(6, 15, 60, 16);
-    QVERIFY(image.copy(legend) != before.copy(legend));
-    chart.setMovingAverages({});
-    QCOMPARE(chart.grab().toImage(), before);
-}
 
-void TestIndicatorLayers::values_follow_ticks_new_bars_and_reloads()
-{
-    ChartWidget chart;
-    chart.resize(size);
-    const MovingAverageSpec average{IndicatorKind::Ema, 9, yellow};
-    chart.setMovingAverages({average});
-    chart.setPane(IndicatorKind::Rsi, true, 7);
-    const auto areRight = [&chart, &average] {
-        const ChartFrame frame = chart.frame();
-        const std::vector<double> values = indicators::movingAverage(chart.candles(), average);
-        const std::vector<double> strengths = indicators::rsi(chart.candles(), 7);
-        return frame.averageValues.front().size() == values.size()
-            && frame.averageValues.front().back() == values.back()
-            && frame.paneValues.front().back() == strengths.back() && frame.panes.first().period == 7;
-    };
-    chart.setCandles(fixtures::wave(100));
-    QVERIFY(areRight());
-    const qint64 last = chart.candles().back().time;
-    chart.onTick(1.13, 1.14, last);
-    QVERIFY(areRight());
-    chart.onTick(1.12, 1.13, last + fixtures::quarterHour);
-    chart.onTick(1.11, 1.12, last + 2 * fixtures::quarterHour);
-    QVERIFY(areRight());
-    std::vector<Candle> other = fixtures::wave(102);
-    for (Candle& candle : other)
-        candle.close = candle.low;
-    chart.setCandles(other);
-    QVERIFY(areRight());
-}
+    void a_chart_shows_the_values_of_its_closes()
+    {
+        ChartWidget chart;
+        chart.resize(size);
+        chart.setCandles(fixtures::wave(100));
+        const QImage before = chart.grab().toImage();
+        QCOMPARE(pixelsOf(before, before.rect(), yellow), 0);
+        chart.setMovingAverages({{IndicatorKind::Sma, 20, yellow}});
+        const QImage image = chart.grab().toImage();
+        const ChartView& view = chart.view();
+        const std::vector<double> values
+            = indicators::movingAverage(chart.candles(), chart.movingAverages().first());
+        for (qsizetype i = view.visible().first; i < view.visible().last; ++i) {
+            const QPoint pixel(view.barPixel(i), view.pricePixel(values[static_cast<std::size_t>(i)]));
+            if (pixel.x() >= 0)
+                QCOMPARE(image.pixelColor(pixel), yellow);
+        }
+        const QRect legend(6, 15, 60, 16);
+        QVERIFY(image.copy(legend) != before.copy(legend));
+        chart.setMovingAverages({});
+        QCOMPARE(chart.grab().toImage(), before);
+    }
+
+    void values_follow_ticks_new_bars_and_reloads()
+    {
+        ChartWidget chart;
+        chart.resize(size);
+        const MovingAverageSpec average{IndicatorKind::Ema, 9, yellow};
+        chart.setMovingAverages({average});
+        chart.setPane(IndicatorKind::Rsi, true, 7);
+        const auto areRight = [&chart, &average] {
+            const ChartFrame frame = chart.frame();
+            const std::vector<double> values = indicators::movingAverage(chart.candles(), average);
+            const std::vector<double> strengths = indicators::rsi(chart.candles(), 7);
+            return frame.averageValues.front().size() == values.size()
+                && frame.averageValues.front().back() == values.back()
+                && frame.paneValues.front().back() == strengths.back() && frame.panes.first().period == 7;
+        };
+        chart.setCandles(fixtures::wave(100));
+        QVERIFY(areRight());
+        const qint64 last = chart.candles().back().time;
+        chart.onTick(1.13, 1.14, last);
+        QVERIFY(areRight());
+        chart.onTick(1.12, 1.13, last + fixtures::quarterHour);
+        chart.onTick(1.11, 1.12, last + 2 * fixtures::quarterHour);
+        QVERIFY(areRight());
+        std::vector<Candle> other = fixtures::wave(102);
+        for (Candle& candle : other)
+            candle.close = candle.low;
+        chart.setCandles(other);
+        QVERIFY(areRight());
+    }
+};
 
 TAVORAN_TEST(TestIndicatorLayers)
 #include "tst_IndicatorLayers.moc"

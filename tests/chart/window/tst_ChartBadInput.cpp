@@ -85,140 +85,131 @@ class TestChartBadInput final : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void any_bars_at_any_size_can_be_painted();
-    void a_flat_series_is_a_line_in_the_middle_data();
-    void a_flat_series_is_a_line_in_the_middle();
-    void indicators_of_a_flat_series_are_lines_too();
-    void a_spike_leaves_the_other_bars_at_the_edge();
-    void indicators_of_a_million_bars_are_those_of_their_end();
-    void series_changed_ten_times_a_turn_end_as_the_last_one();
-};
-
-void TestChartBadInput::any_bars_at_any_size_can_be_painted()
-{
-    QRandomGenerator random(20261121);
-    ChartWidget chart;
-    switchEverythingOn(chart);
-    for (int round = 0; round < 400; ++round) {
-        chart.resize(sizeAtRandom(random));
-        chart.setCandles(barsAtRandom(random));
-        chart.setTimeframeMs(static_cast<qint64>(random.generate64()) >> random.bounded(63));
-        chart.setChartType(random.bounded(3));
-        chart.setChartShift(random.bounded(2) == 0);
-        chart.setDrawings(fixtures::oneOfEachKind(random.bounded(80)));
-        chart.onTick(
-            priceAtRandom(random), priceAtRandom(random), midnight + random.bounded(200) * quarterHour);
-        fixtures::turnWheel(chart, QPoint(0, random.bounded(3) - 1));
-        fixtures::hover(chart, QPoint(random.bounded(300), random.bounded(200)));
-        const QImage image = allLayers(chart);
-        QCOMPARE(fixtures::pixelsOf(image, chart.rect(), untouched), 0);
-        QVERIFY(std::is_sorted(chart.candles().begin(), chart.candles().end(),
-            [](const Candle& a, const Candle& b) { return a.time < b.time; }));
-    }
-}
-
-void TestChartBadInput::a_flat_series_is_a_line_in_the_middle_data()
-{
-    QTest::addColumn<int>("type");
-    QTest::addColumn<QColor>("color");
-    QTest::newRow("candles") << 0 << ChartColors().up;
-    QTest::newRow("bars") << 1 << ChartColors().up;
-    QTest::newRow("line") << 2 << ChartColors().line;
-}
-
-void TestChartBadInput::a_flat_series_is_a_line_in_the_middle()
-{
-    QFETCH(const int, type);
-    QFETCH(const QColor, color);
-    for (const double price : {1.1, 0.0, -37.0, 8e6}) {
+    void any_bars_at_any_size_can_be_painted()
+    {
+        QRandomGenerator random(20261121);
         ChartWidget chart;
-        chart.resize(400, 300); // 278 rows of plot
-        chart.setChartType(type);
-        std::vector<Candle> bars(60, Candle{0, price, price, price, price, 0});
+        switchEverythingOn(chart);
+        for (int round = 0; round < 400; ++round) {
+            chart.resize(sizeAtRandom(random));
+            chart.setCandles(barsAtRandom(random));
+            chart.setTimeframeMs(static_cast<qint64>(random.generate64()) >> random.bounded(63));
+            chart.setChartType(random.bounded(3));
+            chart.setChartShift(random.bounded(2) == 0);
+            chart.setDrawings(fixtures::oneOfEachKind(random.bounded(80)));
+            chart.onTick(
+                priceAtRandom(random), priceAtRandom(random), midnight + random.bounded(200) * quarterHour);
+            fixtures::turnWheel(chart, QPoint(0, random.bounded(3) - 1));
+            fixtures::hover(chart, QPoint(random.bounded(300), random.bounded(200)));
+            const QImage image = allLayers(chart);
+            QCOMPARE(fixtures::pixelsOf(image, chart.rect(), untouched), 0);
+            QVERIFY(std::is_sorted(chart.candles().begin(), chart.candles().end(),
+                [](const Candle& a, const Candle& b) { return a.time < b.time; }));
+        }
+    }
+
+    void a_flat_series_is_a_line_in_the_middle_data()
+    {
+        QTest::addColumn<int>("type");
+        QTest::addColumn<QColor>("color");
+        QTest::newRow("candles") << 0 << ChartColors().up;
+        QTest::newRow("bars") << 1 << ChartColors().up;
+        QTest::newRow("line") << 2 << ChartColors().line;
+    }
+    void a_flat_series_is_a_line_in_the_middle()
+    {
+        QFETCH(const int, type);
+        QFETCH(const QColor, color);
+        for (const double price : {1.1, 0.0, -37.0, 8e6}) {
+            ChartWidget chart;
+            chart.resize(400, 300); // 278 rows of plot
+            chart.setChartType(type);
+            std::vector<Candle> bars(60, Candle{0, price, price, price, price, 0});
+            for (std::size_t i = 0; i < bars.size(); ++i)
+                bars[i].time = midnight + static_cast<qint64>(i) * quarterHour;
+            chart.setCandles(bars);
+            QVERIFY(chart.view().prices().max > chart.view().prices().min);
+            const QImage image = allLayers(chart);
+            const int inTheMiddle = fixtures::pixelsOf(image, QRect(0, 137, 332, 4), color);
+            QVERIFY2(inTheMiddle > 150, qPrintable(QString::number(inTheMiddle)));
+            QCOMPARE(fixtures::pixelsOf(image, chart.view().plot(), color), inTheMiddle);
+        }
+    }
+
+    void indicators_of_a_flat_series_are_lines_too()
+    {
+        ChartWidget chart;
+        chart.resize(400, 300);
+        const QColor red(Qt::red);
+        chart.setMovingAverages({{IndicatorKind::Ema, 10, red}});
+        chart.setPane(IndicatorKind::Rsi, true, 14);
+        std::vector<Candle> bars(100, Candle{0, 1.1, 1.1, 1.1, 1.1, 0});
         for (std::size_t i = 0; i < bars.size(); ++i)
             bars[i].time = midnight + static_cast<qint64>(i) * quarterHour;
         chart.setCandles(bars);
-        QVERIFY(chart.view().prices().max > chart.view().prices().min);
         const QImage image = allLayers(chart);
-        const int inTheMiddle = fixtures::pixelsOf(image, QRect(0, 137, 332, 4), color);
-        QVERIFY2(inTheMiddle > 150, qPrintable(QString::number(inTheMiddle)));
-        QCOMPARE(fixtures::pixelsOf(image, chart.view().plot(), color), inTheMiddle);
+        const int y = chart.view().pricePixel(1.1);
+        QVERIFY(fixtures::pixelsOf(image, QRect(0, y - 1, 332, 3), red) > 300);
+        // Nothing was lost, so the strength is 100, at the top of the pane.
+        const QRect pane = chart.view().pane(0);
+        QVERIFY(fixtures::pixelsOf(image, QRect(0, pane.top(), 332, 1), QColor(0xc7, 0x92, 0xea)) > 300);
     }
-}
 
-void TestChartBadInput::indicators_of_a_flat_series_are_lines_too()
-{
-    ChartWidget chart;
-    chart.resize(400, 300);
-    const QColor red(Qt::red);
-    chart.setMovingAverages({{IndicatorKind::Ema, 10, red}});
-    chart.setPane(IndicatorKind::Rsi, true, 14);
-    std::vector<Candle> bars(100, Candle{0, 1.1, 1.1, 1.1, 1.1, 0});
-    for (std::size_t i = 0; i < bars.size(); ++i)
-        bars[i].time = midnight + static_cast<qint64>(i) * quarterHour;
-    chart.setCandles(bars);
-    const QImage image = allLayers(chart);
-    const int y = chart.view().pricePixel(1.1);
-    QVERIFY(fixtures::pixelsOf(image, QRect(0, y - 1, 332, 3), red) > 300);
-    // Nothing was lost, so the strength is 100, at the top of the pane.
-    const QRect pane = chart.view().pane(0);
-    QVERIFY(fixtures::pixelsOf(image, QRect(0, pane.top(), 332, 1), QColor(0xc7, 0x92, 0xea)) > 300);
-}
-
-void TestChartBadInput::a_spike_leaves_the_other_bars_at_the_edge()
-{
-    ChartWidget chart;
-    chart.resize(400, 300);
-    std::vector<Candle> bars = fixtures::wave(100);
-    bars[90].high = 1e14;
-    chart.setCandles(bars);
-    const QImage image = allLayers(chart);
-    const ChartView& view = chart.view();
-    QVERIFY(view.prices().contains(1e14));
-    const QColor color = bars[90].close >= bars[90].open ? chart.colors().up : chart.colors().down;
-    QVERIFY(fixtures::pixelsOf(image, QRect(view.barPixel(90), 20, 1, 200), color) > 190);
-    QCOMPARE(fixtures::pixelsOf(image, QRect(0, 40, view.barPixel(90) - 3, 180), chart.colors().up), 0);
-}
-
-void TestChartBadInput::indicators_of_a_million_bars_are_those_of_their_end()
-{
-    const std::vector<Candle> all = fixtures::wave(1'000'000);
-    QImage pictures[2];
-    const std::array starts{all.begin(), all.end() - 5000};
-    for (std::size_t i = 0; i < starts.size(); ++i) {
+    void a_spike_leaves_the_other_bars_at_the_edge()
+    {
         ChartWidget chart;
         chart.resize(400, 300);
-        ChartColors colors;
-        colors.grid = colors.background; // the grid of times stands on other bars
-        chart.setColors(colors);
-        chart.setMovingAverages(
-            {{IndicatorKind::Sma, 20, QColor(Qt::red)}, {IndicatorKind::Ema, 50, QColor(Qt::blue)}});
-        chart.setPane(IndicatorKind::Rsi, true, 14);
-        chart.setCandles({starts[i], all.end()});
-        pictures[i] = allLayers(chart).copy(0, 0, 332, 278);
+        std::vector<Candle> bars = fixtures::wave(100);
+        bars[90].high = 1e14;
+        chart.setCandles(bars);
+        const QImage image = allLayers(chart);
+        const ChartView& view = chart.view();
+        QVERIFY(view.prices().contains(1e14));
+        const QColor color = bars[90].close >= bars[90].open ? chart.colors().up : chart.colors().down;
+        QVERIFY(fixtures::pixelsOf(image, QRect(view.barPixel(90), 20, 1, 200), color) > 190);
+        QCOMPARE(fixtures::pixelsOf(image, QRect(0, 40, view.barPixel(90) - 3, 180), chart.colors().up), 0);
     }
-    QCOMPARE(pictures[0], pictures[1]);
-    QVERIFY(fixtures::pixelsOf(pictures[0], pictures[0].rect(), QColor(Qt::red)) > 200);
-}
 
-void TestChartBadInput::series_changed_ten_times_a_turn_end_as_the_last_one()
-{
-    ChartWidget busy;
-    ChartWidget calm;
-    for (ChartWidget* chart : {&busy, &calm}) {
-        chart->resize(400, 300);
-        chart->setMovingAverages({{IndicatorKind::Sma, 5, QColor(Qt::red)}});
-        chart->setPane(IndicatorKind::Rsi, true, 14);
+    void indicators_of_a_million_bars_are_those_of_their_end()
+    {
+        const std::vector<Candle> all = fixtures::wave(1'000'000);
+        QImage pictures[2];
+        const std::array starts{all.begin(), all.end() - 5000};
+        for (std::size_t i = 0; i < starts.size(); ++i) {
+            ChartWidget chart;
+            chart.resize(400, 300);
+            ChartColors colors;
+            colors.grid = colors.background; // the grid of times stands on other bars
+            chart.setColors(colors);
+            chart.setMovingAverages(
+                {{IndicatorKind::Sma, 20, QColor(Qt::red)}, {IndicatorKind::Ema, 50, QColor(Qt::blue)}});
+            chart.setPane(IndicatorKind::Rsi, true, 14);
+            chart.setCandles({starts[i], all.end()});
+            pictures[i] = allLayers(chart).copy(0, 0, 332, 278);
+        }
+        QCOMPARE(pictures[0], pictures[1]);
+        QVERIFY(fixtures::pixelsOf(pictures[0], pictures[0].rect(), QColor(Qt::red)) > 200);
     }
-    for (int i = 0; i < 10; ++i) {
-        busy.setTimeframeMs(i % 2 == 0 ? 60'000 : quarterHour);
-        busy.setCandles(fixtures::wave(300 - i * 20));
-        if (i % 3 == 0)
-            QVERIFY(!busy.grab().isNull());
+
+    void series_changed_ten_times_a_turn_end_as_the_last_one()
+    {
+        ChartWidget busy;
+        ChartWidget calm;
+        for (ChartWidget* chart : {&busy, &calm}) {
+            chart->resize(400, 300);
+            chart->setMovingAverages({{IndicatorKind::Sma, 5, QColor(Qt::red)}});
+            chart->setPane(IndicatorKind::Rsi, true, 14);
+        }
+        for (int i = 0; i < 10; ++i) {
+            busy.setTimeframeMs(i % 2 == 0 ? 60'000 : quarterHour);
+            busy.setCandles(fixtures::wave(300 - i * 20));
+            if (i % 3 == 0)
+                QVERIFY(!busy.grab().isNull());
+        }
+        calm.setCandles(fixtures::wave(120));
+        QCOMPARE(busy.grab().toImage(), calm.grab().toImage());
     }
-    calm.setCandles(fixtures::wave(120));
-    QCOMPARE(busy.grab().toImage(), calm.grab().toImage());
-}
+};
 
 TAVORAN_TEST(TestChartBadInput)
 #include "tst_ChartBadInput.moc"

@@ -93,69 +93,64 @@ class TestChartGesturePictures final : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void whatever_a_hand_does_the_window_shows_all_layers_in_order_data();
-    void whatever_a_hand_does_the_window_shows_all_layers_in_order();
-    void pointer_moves_over_objects_paint_no_older_candle();
+    void whatever_a_hand_does_the_window_shows_all_layers_in_order_data()
+    {
+        QTest::addColumn<quint32>("seed");
+        for (quint32 seed = 1; seed <= 6; ++seed)
+            QTest::addRow("seed %u", seed) << seed;
+    }
+    void whatever_a_hand_does_the_window_shows_all_layers_in_order()
+    {
+        // Gestures paint only a part; the rest of the window is what earlier frames left there.
+        QFETCH(quint32, seed);
+        QWidget window;
+        window.resize(340, 220);
+        auto* chart = new ChartWidget(&window);
+        chart->resize(300, 200);
+        chart->setSymbolInfo(u"EURUSD"_s, u"M15"_s, u"Euro"_s);
+        chart->setCandles(fixtures::wave(150));
+        chart->setDrawings(fixtures::oneOfEachKind(150));
+        chart->setPane(IndicatorKind::Rsi, seed % 2 == 0, 5);
+        Hand hand(*chart, seed);
+        hand.setLevels();
+        window.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&window));
+        QScreen* screen = window.screen();
+        int previews = 0;
+        int rulers = 0;
+        int drags = 0;
+        for (int step = 0; step < 400; ++step) {
+            hand.act();
+            previews += chart->frame().preview ? 1 : 0;
+            rulers += chart->frame().ruler ? 1 : 0;
+            drags += chart->frame().draggedLevel >= 0 ? 1 : 0;
+            QCoreApplication::processEvents();
+            const QImage shown = screen->grabWindow(window.winId(), 0, 0, 300, 200)
+                                     .toImage()
+                                     .convertToFormat(QImage::Format_RGB32);
+            QCOMPARE(shown.size(), QSize(300, 200));
+            QVERIFY2(shown == allLayers(*chart), qPrintable(u"step %1"_s.arg(step)));
+        }
+        QVERIFY(previews > 0 && rulers > 0 && drags > 0);
+    }
+
+    void pointer_moves_over_objects_paint_no_older_candle()
+    {
+        ChartWidget chart;
+        fixtures::showChart(chart, 150);
+        fixtures::addObjects(chart);
+        fixtures::hover(chart, QPoint(100, 100));
+        QCoreApplication::processEvents();
+        fixtures::hover(chart, QPoint(101, 100));
+        QCoreApplication::processEvents();
+        const quint64 before = chart.seriesPaints();
+        for (int i = 0; i < 20; ++i) {
+            fixtures::hover(chart, QPoint(20 + i * 5, 50 + i));
+            QCoreApplication::processEvents();
+        }
+        QCOMPARE(chart.seriesPaints(), before);
+    }
 };
-
-void TestChartGesturePictures::whatever_a_hand_does_the_window_shows_all_layers_in_order_data()
-{
-    QTest::addColumn<quint32>("seed");
-    for (quint32 seed = 1; seed <= 6; ++seed)
-        QTest::addRow("seed %u", seed) << seed;
-}
-
-void TestChartGesturePictures::whatever_a_hand_does_the_window_shows_all_layers_in_order()
-{
-    // Gestures paint only a part; the rest of the window is what earlier frames left there.
-    QFETCH(quint32, seed);
-    QWidget window;
-    window.resize(340, 220);
-    auto* chart = new ChartWidget(&window);
-    chart->resize(300, 200);
-    chart->setSymbolInfo(u"EURUSD"_s, u"M15"_s, u"Euro"_s);
-    chart->setCandles(fixtures::wave(150));
-    chart->setDrawings(fixtures::oneOfEachKind(150));
-    chart->setPane(IndicatorKind::Rsi, seed % 2 == 0, 5);
-    Hand hand(*chart, seed);
-    hand.setLevels();
-    window.show();
-    QVERIFY(QTest::qWaitForWindowExposed(&window));
-    QScreen* screen = window.screen();
-    int previews = 0;
-    int rulers = 0;
-    int drags = 0;
-    for (int step = 0; step < 400; ++step) {
-        hand.act();
-        previews += chart->frame().preview ? 1 : 0;
-        rulers += chart->frame().ruler ? 1 : 0;
-        drags += chart->frame().draggedLevel >= 0 ? 1 : 0;
-        QCoreApplication::processEvents();
-        const QImage shown = screen->grabWindow(window.winId(), 0, 0, 300, 200)
-                                 .toImage()
-                                 .convertToFormat(QImage::Format_RGB32);
-        QCOMPARE(shown.size(), QSize(300, 200));
-        QVERIFY2(shown == allLayers(*chart), qPrintable(u"step %1"_s.arg(step)));
-    }
-    QVERIFY(previews > 0 && rulers > 0 && drags > 0);
-}
-
-void TestChartGesturePictures::pointer_moves_over_objects_paint_no_older_candle()
-{
-    ChartWidget chart;
-    fixtures::showChart(chart, 150);
-    fixtures::addObjects(chart);
-    fixtures::hover(chart, QPoint(100, 100));
-    QCoreApplication::processEvents();
-    fixtures::hover(chart, QPoint(101, 100));
-    QCoreApplication::processEvents();
-    const quint64 before = chart.seriesPaints();
-    for (int i = 0; i < 20; ++i) {
-        fixtures::hover(chart, QPoint(20 + i * 5, 50 + i));
-        QCoreApplication::processEvents();
-    }
-    QCOMPARE(chart.seriesPaints(), before);
-}
 
 TAVORAN_TEST(TestChartGesturePictures)
 #include "tst_ChartGesturePictures.moc"

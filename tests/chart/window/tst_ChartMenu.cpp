@@ -16,401 +16,365 @@ using fixtures::ServedChart;
 class tst_ChartMenu final : public QObject {
     Q_OBJECT
 
-private Q_SLOTS:
-    void listsItsEntriesInOrder();
-    void offersToRemoveAveragesOnlyWhenThereAreSome();
-    void checkMarksShowTheChartAsItIs();
-    void noKeyBecomesASecondShortcut();
-    void aRightClickOpensIt_data();
-    void aRightClickOpensIt();
-    void aClosedMenuIsGone();
-    void anOpenMenuGoesWithItsChart();
-
-    void oneClickTradingShowsAndHidesThePanel();
-    void aTimeframeIsChosen();
-    void anAverageIsAddedInTheNextColour_data();
-    void anAverageIsAddedInTheNextColour();
-    void theSixthAverageHasTheFirstColour();
-    void aCancelledAverageChangesNothing();
-    void allAveragesAreRemoved();
-    void rsiIsSwitchedOverFourteenBars();
-    void aToolIsChosen_data();
-    void aToolIsChosen();
-    void theSelectedObjectIsDeleted();
-    void aChartTypeIsChosen();
-    void scrollingAndShiftAreSwitched();
-    void zooming();
-    void refreshReadsTheHistoryAgain();
-    void theDataWindowIsShown();
-    void thePropertiesAreShown();
-    void theSpecificationIsAskedFor();
-
-private:
-    static ChartMenu* openMenu(const ServedChart& served);
-    static void choose(QMenu* menu, const QStringList& path);
-    static QStringList entries(const QMenu& menu);
-    static QStringList checked(const QMenu& menu);
-    static QMenu* subMenu(const QMenu& menu, const QString& title);
-};
-
-/// Opens the menu as a person does, with the right button beside the panel.
-ChartMenu* tst_ChartMenu::openMenu(const ServedChart& served)
-{
-    fixtures::pressAt(served.chart(), QPoint(300, 150), Qt::RightButton);
-    fixtures::releaseAt(served.chart(), QPoint(300, 150), Qt::RightButton);
-    return qobject_cast<ChartMenu*>(QApplication::activePopupWidget());
-}
-
-/// Walks to an entry by keyboard and takes it.
-void tst_ChartMenu::choose(QMenu* menu, const QStringList& path)
-{
-    QVERIFY(menu);
-    for (const QString& text : path) {
-        QAction* wanted = nullptr;
-        for (QAction* action : menu->actions()) {
-            if (action->text() == text)
-                wanted = action;
-        }
-        QVERIFY2(wanted, qPrintable(text));
-        menu->setActiveAction(wanted);
-        QTest::keyClick(menu, Qt::Key_Return);
-        if (wanted->menu())
-            menu = wanted->menu();
-    }
-}
-
-QStringList tst_ChartMenu::entries(const QMenu& menu)
-{
-    QStringList texts;
-    for (const QAction* action : menu.actions())
-        texts << (action->isSeparator() ? u"-"_s : action->text());
-    return texts;
-}
-
-QStringList tst_ChartMenu::checked(const QMenu& menu)
-{
-    QStringList texts;
-    for (const QAction* action : menu.actions()) {
-        if (action->isChecked())
-            texts << action->text();
-    }
-    return texts;
-}
-
-QMenu* tst_ChartMenu::subMenu(const QMenu& menu, const QString& title)
-{
-    for (QAction* action : menu.actions()) {
-        if (action->menu() && action->text() == title)
-            return action->menu();
-    }
-    return nullptr;
-}
-
-void tst_ChartMenu::listsItsEntriesInOrder()
-{
-    const ServedChart served;
-    served.chart().setMovingAverages({{IndicatorKind::Sma, 5, Qt::red}});
-    const ChartMenu menu(*served.window);
-    QCOMPARE(entries(menu),
-        QStringList({u"One Click Trading"_s, u"Timeframes"_s, u"Indicators"_s, u"Objects"_s, u"Chart Type"_s,
-            u"-"_s, u"Auto Scroll"_s, u"Chart Shift"_s, u"-"_s, u"Zoom In\t+"_s, u"Zoom Out\t-"_s,
-            u"Refresh"_s, u"Data Window\tCtrl+D"_s, u"-"_s, u"Properties...\tF8"_s, u"Specification..."_s}));
-    QCOMPARE(entries(*subMenu(menu, u"Timeframes"_s)),
-        QStringList({u"M1"_s, u"M5"_s, u"M15"_s, u"H1"_s, u"H4"_s, u"D1"_s, u"W1"_s, u"MN"_s}));
-    QStringList indicators;
-    for (const IndicatorRow& row : indicatorTable())
-        indicators.append(row.pane ? u"%1 (%2)"_s.arg(row.label, QString::number(row.usualPeriod))
-                                   : indicatorText(row.command) + u"..."_s);
-    indicators.append({u"-"_s, u"Remove All Moving Averages"_s});
-    QCOMPARE(entries(*subMenu(menu, u"Indicators"_s)), indicators);
-    QCOMPARE(entries(*subMenu(menu, u"Objects"_s)),
-        QStringList({u"Horizontal Line"_s, u"Vertical Line"_s, u"Trend Line"_s, u"Rectangle"_s,
-            u"Fibonacci Retracement"_s, u"-"_s, u"Delete Selected"_s}));
-    QCOMPARE(
-        entries(*subMenu(menu, u"Chart Type"_s)), QStringList({u"Candlesticks"_s, u"Bars"_s, u"Line"_s}));
-}
-
-void tst_ChartMenu::offersToRemoveAveragesOnlyWhenThereAreSome()
-{
-    const ServedChart served;
-    const ChartMenu menu(*served.window);
-    QVERIFY(!entries(*subMenu(menu, u"Indicators"_s)).contains(u"Remove All Moving Averages"_s));
-}
-
-void tst_ChartMenu::checkMarksShowTheChartAsItIs()
-{
-    const ServedChart served;
+    /// Opens the menu as a person does, with the right button beside the panel.
+    static ChartMenu* openMenu(const ServedChart& served)
     {
-        const ChartMenu menu(*served.window);
-        QCOMPARE(checked(menu), QStringList({u"One Click Trading"_s, u"Auto Scroll"_s}));
-        QCOMPARE(checked(*subMenu(menu, u"Timeframes"_s)), QStringList{u"M15"_s});
-        QCOMPARE(checked(*subMenu(menu, u"Indicators"_s)), QStringList());
-        QCOMPARE(checked(*subMenu(menu, u"Chart Type"_s)), QStringList{u"Candlesticks"_s});
+        fixtures::pressAt(served.chart(), QPoint(300, 150), Qt::RightButton);
+        fixtures::releaseAt(served.chart(), QPoint(300, 150), Qt::RightButton);
+        return qobject_cast<ChartMenu*>(QApplication::activePopupWidget());
     }
-    served.window->setOneClickTrading(false);
-    served.window->setChartShift(true);
-    served.window->setTimeframe(u"1mn"_s);
-    served.window->setAutoScroll(false);
-    served.window->setChartType(2);
-    served.window->showPane(IndicatorKind::Rsi, true);
-    const ChartMenu menu(*served.window);
-    QCOMPARE(checked(menu), QStringList{u"Chart Shift"_s});
-    QCOMPARE(checked(*subMenu(menu, u"Timeframes"_s)), QStringList{u"MN"_s});
-    QCOMPARE(checked(*subMenu(menu, u"Indicators"_s)), QStringList{u"RSI (14)"_s});
-    QCOMPARE(checked(*subMenu(menu, u"Chart Type"_s)), QStringList{u"Line"_s});
-}
 
-void tst_ChartMenu::noKeyBecomesASecondShortcut()
-{
-    const ServedChart served;
-    const ChartMenu menu(*served.window);
-    for (const QAction* action : menu.actions())
-        QVERIFY(action->shortcuts().isEmpty());
-}
+    /// Walks to an entry by keyboard and takes it.
+    static void choose(QMenu* menu, const QStringList& path)
+    {
+        QVERIFY(menu);
+        for (const QString& text : path) {
+            QAction* wanted = nullptr;
+            for (QAction* action : menu->actions()) {
+                if (action->text() == text)
+                    wanted = action;
+            }
+            QVERIFY2(wanted, qPrintable(text));
+            menu->setActiveAction(wanted);
+            QTest::keyClick(menu, Qt::Key_Return);
+            if (wanted->menu())
+                menu = wanted->menu();
+        }
+    }
 
-void tst_ChartMenu::aRightClickOpensIt_data()
-{
-    QTest::addColumn<QPoint>("place");
-    QTest::newRow("plot") << QPoint(300, 150);
-    QTest::newRow("price axis") << QPoint(490, 150);
-    QTest::newRow("time axis") << QPoint(100, 355);
-    QTest::newRow("one-click panel") << QPoint(7, 21);
-    QTest::newRow("sell button") << QPoint(20, 35);
-}
+    static QStringList entries(const QMenu& menu)
+    {
+        QStringList texts;
+        for (const QAction* action : menu.actions())
+            texts << (action->isSeparator() ? u"-"_s : action->text());
+        return texts;
+    }
 
-void tst_ChartMenu::aRightClickOpensIt()
-{
-    QFETCH(QPoint, place);
-    const ServedChart served;
-    served.show();
-    fixtures::pressAt(served.chart(), place, Qt::RightButton);
-    QVERIFY(qobject_cast<ChartMenu*>(QApplication::activePopupWidget()));
-    QApplication::activePopupWidget()->close();
-    fixtures::releaseAt(served.chart(), place, Qt::RightButton);
-    QVERIFY(served.chart().autoScroll());
-}
+    static QStringList checked(const QMenu& menu)
+    {
+        QStringList texts;
+        for (const QAction* action : menu.actions()) {
+            if (action->isChecked())
+                texts << action->text();
+        }
+        return texts;
+    }
 
-void tst_ChartMenu::aClosedMenuIsGone()
-{
-    const ServedChart served;
-    served.show();
-    const QPointer<ChartMenu> menu = openMenu(served);
-    QVERIFY(menu);
-    QTest::keyClick(menu, Qt::Key_Escape);
-    QTRY_VERIFY(!menu);
-}
+    static QMenu* subMenu(const QMenu& menu, const QString& title)
+    {
+        for (QAction* action : menu.actions()) {
+            if (action->menu() && action->text() == title)
+                return action->menu();
+        }
+        return nullptr;
+    }
 
-void tst_ChartMenu::anOpenMenuGoesWithItsChart()
-{
-    ServedChart served;
-    served.show();
-    const QPointer<ChartMenu> menu = openMenu(served);
-    QVERIFY(menu);
-    served.window.reset();
-    QVERIFY(!menu);
-    QVERIFY(!QApplication::activePopupWidget());
-}
+private Q_SLOTS:
+    void listsItsEntriesInOrder()
+    {
+        const ServedChart served;
+        served.chart().setMovingAverages({{IndicatorKind::Sma, 5, Qt::red}});
+        const ChartMenu menu(*served.window);
+        QCOMPARE(entries(menu),
+            QStringList({u"One Click Trading"_s, u"Timeframes"_s, u"Indicators"_s, u"Objects"_s,
+                u"Chart Type"_s, u"-"_s, u"Auto Scroll"_s, u"Chart Shift"_s, u"-"_s, u"Zoom In\t+"_s,
+                u"Zoom Out\t-"_s, u"Refresh"_s, u"Data Window\tCtrl+D"_s, u"-"_s, u"Properties...\tF8"_s,
+                u"Specification..."_s}));
+        QCOMPARE(entries(*subMenu(menu, u"Timeframes"_s)),
+            QStringList({u"M1"_s, u"M5"_s, u"M15"_s, u"H1"_s, u"H4"_s, u"D1"_s, u"W1"_s, u"MN"_s}));
+        QStringList indicators;
+        for (const IndicatorRow& row : indicatorTable())
+            indicators.append(row.pane ? u"%1 (%2)"_s.arg(row.label, QString::number(row.usualPeriod))
+                                       : indicatorText(row.command) + u"..."_s);
+        indicators.append({u"-"_s, u"Remove All Moving Averages"_s});
+        QCOMPARE(entries(*subMenu(menu, u"Indicators"_s)), indicators);
+        QCOMPARE(entries(*subMenu(menu, u"Objects"_s)),
+            QStringList({u"Horizontal Line"_s, u"Vertical Line"_s, u"Trend Line"_s, u"Rectangle"_s,
+                u"Fibonacci Retracement"_s, u"-"_s, u"Delete Selected"_s}));
+        QCOMPARE(
+            entries(*subMenu(menu, u"Chart Type"_s)), QStringList({u"Candlesticks"_s, u"Bars"_s, u"Line"_s}));
+    }
 
-void tst_ChartMenu::oneClickTradingShowsAndHidesThePanel()
-{
-    const ServedChart served;
-    served.show();
-    const auto* panel = served.chart().findChild<OneClickPanel*>();
-    choose(openMenu(served), {u"One Click Trading"_s});
-    QVERIFY(!panel->isVisible());
-    choose(openMenu(served), {u"One Click Trading"_s});
-    QVERIFY(panel->isVisible());
-}
+    void offersToRemoveAveragesOnlyWhenThereAreSome()
+    {
+        const ServedChart served;
+        const ChartMenu menu(*served.window);
+        QVERIFY(!entries(*subMenu(menu, u"Indicators"_s)).contains(u"Remove All Moving Averages"_s));
+    }
 
-void tst_ChartMenu::aTimeframeIsChosen()
-{
-    const ServedChart served;
-    served.show();
-    QSignalSpy timeframe(served.window.get(), &ChartWindow::timeframeChanged);
-    choose(openMenu(served), {u"Timeframes"_s, u"H4"_s});
-    QCOMPARE(timeframe, QList<QVariantList>{{u"4h"_s}});
-    choose(openMenu(served), {u"Timeframes"_s, u"H4"_s});
-    QCOMPARE(timeframe.size(), 1);
-    QCOMPARE(served.window->timeframe(), u"4h"_s);
-}
+    void checkMarksShowTheChartAsItIs()
+    {
+        const ServedChart served;
+        {
+            const ChartMenu menu(*served.window);
+            QCOMPARE(checked(menu), QStringList({u"One Click Trading"_s, u"Auto Scroll"_s}));
+            QCOMPARE(checked(*subMenu(menu, u"Timeframes"_s)), QStringList{u"M15"_s});
+            QCOMPARE(checked(*subMenu(menu, u"Indicators"_s)), QStringList());
+            QCOMPARE(checked(*subMenu(menu, u"Chart Type"_s)), QStringList{u"Candlesticks"_s});
+        }
+        served.window->setOneClickTrading(false);
+        served.window->setChartShift(true);
+        served.window->setTimeframe(u"1mn"_s);
+        served.window->setAutoScroll(false);
+        served.window->setChartType(2);
+        served.window->showPane(IndicatorKind::Rsi, true);
+        const ChartMenu menu(*served.window);
+        QCOMPARE(checked(menu), QStringList{u"Chart Shift"_s});
+        QCOMPARE(checked(*subMenu(menu, u"Timeframes"_s)), QStringList{u"MN"_s});
+        QCOMPARE(checked(*subMenu(menu, u"Indicators"_s)), QStringList{u"RSI (14)"_s});
+        QCOMPARE(checked(*subMenu(menu, u"Chart Type"_s)), QStringList{u"Line"_s});
+    }
 
-void tst_ChartMenu::anAverageIsAddedInTheNextColour_data()
-{
-    QTest::addColumn<QString>("entry");
-    QTest::addColumn<IndicatorKind>("kind");
-    QTest::newRow("simple") << u"Moving Average (SMA)..."_s << IndicatorKind::Sma;
-    QTest::newRow("exponential") << u"Moving Average (EMA)..."_s << IndicatorKind::Ema;
-}
+    void noKeyBecomesASecondShortcut()
+    {
+        const ServedChart served;
+        const ChartMenu menu(*served.window);
+        for (const QAction* action : menu.actions())
+            QVERIFY(action->shortcuts().isEmpty());
+    }
 
-void tst_ChartMenu::anAverageIsAddedInTheNextColour()
-{
-    QFETCH(QString, entry);
-    QFETCH(IndicatorKind, kind);
-    const ServedChart served;
-    served.show();
-    QList<MovingAverageSpec> averages{{IndicatorKind::Sma, 9, Qt::red}};
-    served.chart().setMovingAverages(averages);
-    choose(openMenu(served), {u"Indicators"_s, entry});
-    auto* dialog = served.window->findChild<AverageDialog*>();
-    QVERIFY(dialog && dialog->isVisible());
-    QTest::keyClicks(dialog->findChild<QSpinBox*>(), u"21"_s);
-    QTest::keyClick(dialog, Qt::Key_Return);
-    averages.append({kind, 21, QColor(0x4f, 0xc3, 0xf7)});
-    QCOMPARE(served.chart().movingAverages(), averages);
-    QTRY_VERIFY(!served.window->findChild<AverageDialog*>());
-}
+    void aRightClickOpensIt_data()
+    {
+        QTest::addColumn<QPoint>("place");
+        QTest::newRow("plot") << QPoint(300, 150);
+        QTest::newRow("price axis") << QPoint(490, 150);
+        QTest::newRow("time axis") << QPoint(100, 355);
+        QTest::newRow("one-click panel") << QPoint(7, 21);
+        QTest::newRow("sell button") << QPoint(20, 35);
+    }
+    void aRightClickOpensIt()
+    {
+        QFETCH(QPoint, place);
+        const ServedChart served;
+        served.show();
+        fixtures::pressAt(served.chart(), place, Qt::RightButton);
+        QVERIFY(qobject_cast<ChartMenu*>(QApplication::activePopupWidget()));
+        QApplication::activePopupWidget()->close();
+        fixtures::releaseAt(served.chart(), place, Qt::RightButton);
+        QVERIFY(served.chart().autoScroll());
+    }
 
-void tst_ChartMenu::theSixthAverageHasTheFirstColour()
-{
-    const ServedChart served;
-    served.show();
-    served.chart().setMovingAverages(QList<MovingAverageSpec>(5, {IndicatorKind::Sma, 9, Qt::red}));
-    choose(openMenu(served), {u"Indicators"_s, u"Moving Average (SMA)..."_s});
-    QTest::keyClick(served.window->findChild<AverageDialog*>(), Qt::Key_Return);
-    QCOMPARE(served.chart().movingAverages().size(), 6);
-    QCOMPARE(served.chart().movingAverages().last(),
-        (MovingAverageSpec{IndicatorKind::Sma, 20, QColor(0xff, 0xd5, 0x4f)}));
-}
+    void aClosedMenuIsGone()
+    {
+        const ServedChart served;
+        served.show();
+        const QPointer<ChartMenu> menu = openMenu(served);
+        QVERIFY(menu);
+        QTest::keyClick(menu, Qt::Key_Escape);
+        QTRY_VERIFY(!menu);
+    }
 
-void tst_ChartMenu::aCancelledAverageChangesNothing()
-{
-    const ServedChart served;
-    served.show();
-    choose(openMenu(served), {u"Indicators"_s, u"Moving Average (SMA)..."_s});
-    auto* dialog = served.window->findChild<AverageDialog*>();
-    QVERIFY(dialog);
-    QTest::keyClick(dialog, Qt::Key_Escape);
-    QVERIFY(served.chart().movingAverages().isEmpty());
-    QTRY_VERIFY(!served.window->findChild<AverageDialog*>());
-}
+    void anOpenMenuGoesWithItsChart()
+    {
+        ServedChart served;
+        served.show();
+        const QPointer<ChartMenu> menu = openMenu(served);
+        QVERIFY(menu);
+        served.window.reset();
+        QVERIFY(!menu);
+        QVERIFY(!QApplication::activePopupWidget());
+    }
 
-void tst_ChartMenu::allAveragesAreRemoved()
-{
-    const ServedChart served;
-    served.show();
-    served.chart().setMovingAverages({{IndicatorKind::Sma, 9, Qt::red}, {IndicatorKind::Sma, 5, Qt::red}});
-    choose(openMenu(served), {u"Indicators"_s, u"Remove All Moving Averages"_s});
-    QVERIFY(served.chart().movingAverages().isEmpty());
-}
+    void oneClickTradingShowsAndHidesThePanel()
+    {
+        const ServedChart served;
+        served.show();
+        const auto* panel = served.chart().findChild<OneClickPanel*>();
+        choose(openMenu(served), {u"One Click Trading"_s});
+        QVERIFY(!panel->isVisible());
+        choose(openMenu(served), {u"One Click Trading"_s});
+        QVERIFY(panel->isVisible());
+    }
 
-void tst_ChartMenu::rsiIsSwitchedOverFourteenBars()
-{
-    const ServedChart served;
-    served.show();
-    served.chart().setPane(IndicatorKind::Rsi, false, 21);
-    choose(openMenu(served), {u"Indicators"_s, u"RSI (14)"_s});
-    QVERIFY(served.chart().pane(IndicatorKind::Rsi).shown);
-    QCOMPARE(served.chart().pane(IndicatorKind::Rsi).period, 14);
-    choose(openMenu(served), {u"Indicators"_s, u"RSI (14)"_s});
-    QVERIFY(!served.chart().pane(IndicatorKind::Rsi).shown);
-}
+    void aTimeframeIsChosen()
+    {
+        const ServedChart served;
+        served.show();
+        QSignalSpy timeframe(served.window.get(), &ChartWindow::timeframeChanged);
+        choose(openMenu(served), {u"Timeframes"_s, u"H4"_s});
+        QCOMPARE(timeframe, QList<QVariantList>{{u"4h"_s}});
+        choose(openMenu(served), {u"Timeframes"_s, u"H4"_s});
+        QCOMPARE(timeframe.size(), 1);
+        QCOMPARE(served.window->timeframe(), u"4h"_s);
+    }
 
-void tst_ChartMenu::aToolIsChosen_data()
-{
-    QTest::addColumn<QString>("entry");
-    QTest::addColumn<QString>("key");
-    QTest::newRow("hline") << u"Horizontal Line"_s << u"hline"_s;
-    QTest::newRow("vline") << u"Vertical Line"_s << u"vline"_s;
-    QTest::newRow("trendline") << u"Trend Line"_s << u"trendline"_s;
-    QTest::newRow("rectangle") << u"Rectangle"_s << u"rectangle"_s;
-    QTest::newRow("fibonacci") << u"Fibonacci Retracement"_s << u"fibonacci"_s;
-}
+    void anAverageIsAddedInTheNextColour_data()
+    {
+        QTest::addColumn<QString>("entry");
+        QTest::addColumn<IndicatorKind>("kind");
+        QTest::newRow("simple") << u"Moving Average (SMA)..."_s << IndicatorKind::Sma;
+        QTest::newRow("exponential") << u"Moving Average (EMA)..."_s << IndicatorKind::Ema;
+    }
+    void anAverageIsAddedInTheNextColour()
+    {
+        QFETCH(QString, entry);
+        QFETCH(IndicatorKind, kind);
+        const ServedChart served;
+        served.show();
+        QList<MovingAverageSpec> averages{{IndicatorKind::Sma, 9, Qt::red}};
+        served.chart().setMovingAverages(averages);
+        choose(openMenu(served), {u"Indicators"_s, entry});
+        auto* dialog = served.window->findChild<AverageDialog*>();
+        QVERIFY(dialog && dialog->isVisible());
+        QTest::keyClicks(dialog->findChild<QSpinBox*>(), u"21"_s);
+        QTest::keyClick(dialog, Qt::Key_Return);
+        averages.append({kind, 21, QColor(0x4f, 0xc3, 0xf7)});
+        QCOMPARE(served.chart().movingAverages(), averages);
+        QTRY_VERIFY(!served.window->findChild<AverageDialog*>());
+    }
 
-void tst_ChartMenu::aToolIsChosen()
-{
-    QFETCH(QString, entry);
-    QFETCH(QString, key);
-    const ServedChart served;
-    served.show();
-    choose(openMenu(served), {u"Objects"_s, entry});
-    QCOMPARE(served.chart().tool(), key);
-}
+    void theSixthAverageHasTheFirstColour()
+    {
+        const ServedChart served;
+        served.show();
+        served.chart().setMovingAverages(QList<MovingAverageSpec>(5, {IndicatorKind::Sma, 9, Qt::red}));
+        choose(openMenu(served), {u"Indicators"_s, u"Moving Average (SMA)..."_s});
+        QTest::keyClick(served.window->findChild<AverageDialog*>(), Qt::Key_Return);
+        QCOMPARE(served.chart().movingAverages().size(), 6);
+        QCOMPARE(served.chart().movingAverages().last(),
+            (MovingAverageSpec{IndicatorKind::Sma, 20, QColor(0xff, 0xd5, 0x4f)}));
+    }
 
-void tst_ChartMenu::theSelectedObjectIsDeleted()
-{
-    const ServedChart served;
-    served.show();
-    const Drawing kept{u"a"_s, u"vline"_s, {{fixtures::midnight, 1.1}}, Qt::red, false};
-    const Drawing selected{u"b"_s, u"hline"_s, {{fixtures::midnight, 1.1}}, Qt::red, true};
-    served.chart().setDrawings({kept, selected});
-    QSignalSpy deleted(&served.chart(), &ChartWidget::drawingDeleted);
-    choose(openMenu(served), {u"Objects"_s, u"Delete Selected"_s});
-    QCOMPARE(served.chart().drawings(), QList{kept});
-    QCOMPARE(deleted, QList<QVariantList>{{u"b"_s}});
-    choose(openMenu(served), {u"Objects"_s, u"Delete Selected"_s});
-    QCOMPARE(served.chart().drawings(), QList{kept});
-}
+    void aCancelledAverageChangesNothing()
+    {
+        const ServedChart served;
+        served.show();
+        choose(openMenu(served), {u"Indicators"_s, u"Moving Average (SMA)..."_s});
+        auto* dialog = served.window->findChild<AverageDialog*>();
+        QVERIFY(dialog);
+        QTest::keyClick(dialog, Qt::Key_Escape);
+        QVERIFY(served.chart().movingAverages().isEmpty());
+        QTRY_VERIFY(!served.window->findChild<AverageDialog*>());
+    }
 
-void tst_ChartMenu::aChartTypeIsChosen()
-{
-    const ServedChart served;
-    served.show();
-    choose(openMenu(served), {u"Chart Type"_s, u"Line"_s});
-    QCOMPARE(served.chart().chartType(), 2);
-    choose(openMenu(served), {u"Chart Type"_s, u"Bars"_s});
-    QCOMPARE(served.chart().chartType(), 1);
-    choose(openMenu(served), {u"Chart Type"_s, u"Candlesticks"_s});
-    QCOMPARE(served.chart().chartType(), 0);
-}
+    void allAveragesAreRemoved()
+    {
+        const ServedChart served;
+        served.show();
+        served.chart().setMovingAverages(
+            {{IndicatorKind::Sma, 9, Qt::red}, {IndicatorKind::Sma, 5, Qt::red}});
+        choose(openMenu(served), {u"Indicators"_s, u"Remove All Moving Averages"_s});
+        QVERIFY(served.chart().movingAverages().isEmpty());
+    }
 
-void tst_ChartMenu::scrollingAndShiftAreSwitched()
-{
-    const ServedChart served;
-    served.show();
-    choose(openMenu(served), {u"Auto Scroll"_s});
-    QVERIFY(!served.chart().autoScroll());
-    choose(openMenu(served), {u"Auto Scroll"_s});
-    QVERIFY(served.chart().autoScroll());
-    choose(openMenu(served), {u"Chart Shift"_s});
-    QVERIFY(served.chart().chartShift());
-    choose(openMenu(served), {u"Chart Shift"_s});
-    QVERIFY(!served.chart().chartShift());
-}
+    void rsiIsSwitchedOverFourteenBars()
+    {
+        const ServedChart served;
+        served.show();
+        served.chart().setPane(IndicatorKind::Rsi, false, 21);
+        choose(openMenu(served), {u"Indicators"_s, u"RSI (14)"_s});
+        QVERIFY(served.chart().pane(IndicatorKind::Rsi).shown);
+        QCOMPARE(served.chart().pane(IndicatorKind::Rsi).period, 14);
+        choose(openMenu(served), {u"Indicators"_s, u"RSI (14)"_s});
+        QVERIFY(!served.chart().pane(IndicatorKind::Rsi).shown);
+    }
 
-void tst_ChartMenu::zooming()
-{
-    const ServedChart served;
-    served.show();
-    choose(openMenu(served), {u"Zoom In\t+"_s});
-    QCOMPARE(served.chart().barWidth(), 7.0 * 1.2);
-    choose(openMenu(served), {u"Zoom Out\t-"_s});
-    QCOMPARE(served.chart().barWidth(), 7.0);
-}
+    void aToolIsChosen_data()
+    {
+        QTest::addColumn<QString>("entry");
+        QTest::addColumn<QString>("key");
+        QTest::newRow("hline") << u"Horizontal Line"_s << u"hline"_s;
+        QTest::newRow("vline") << u"Vertical Line"_s << u"vline"_s;
+        QTest::newRow("trendline") << u"Trend Line"_s << u"trendline"_s;
+        QTest::newRow("rectangle") << u"Rectangle"_s << u"rectangle"_s;
+        QTest::newRow("fibonacci") << u"Fibonacci Retracement"_s << u"fibonacci"_s;
+    }
+    void aToolIsChosen()
+    {
+        QFETCH(QString, entry);
+        QFETCH(QString, key);
+        const ServedChart served;
+        served.show();
+        choose(openMenu(served), {u"Objects"_s, entry});
+        QCOMPARE(served.chart().tool(), key);
+    }
 
-void tst_ChartMenu::refreshReadsTheHistoryAgain()
-{
-    ServedChart served;
-    served.show();
-    choose(openMenu(served), {u"Refresh"_s});
-    QTRY_COMPARE(served.server.count("GET", "/api/candles"), 1);
-    served.settle();
-    QCOMPARE(served.server.count("GET", "/api/drawings"), 0);
-}
+    void theSelectedObjectIsDeleted()
+    {
+        const ServedChart served;
+        served.show();
+        const Drawing kept{u"a"_s, u"vline"_s, {{fixtures::midnight, 1.1}}, Qt::red, false};
+        const Drawing selected{u"b"_s, u"hline"_s, {{fixtures::midnight, 1.1}}, Qt::red, true};
+        served.chart().setDrawings({kept, selected});
+        QSignalSpy deleted(&served.chart(), &ChartWidget::drawingDeleted);
+        choose(openMenu(served), {u"Objects"_s, u"Delete Selected"_s});
+        QCOMPARE(served.chart().drawings(), QList{kept});
+        QCOMPARE(deleted, QList<QVariantList>{{u"b"_s}});
+        choose(openMenu(served), {u"Objects"_s, u"Delete Selected"_s});
+        QCOMPARE(served.chart().drawings(), QList{kept});
+    }
 
-void tst_ChartMenu::theDataWindowIsShown()
-{
-    const ServedChart served;
-    served.show();
-    choose(openMenu(served), {u"Data Window\tCtrl+D"_s});
-    QVERIFY(served.window->findChild<DataWindow*>()->isVisible());
-}
+    void aChartTypeIsChosen()
+    {
+        const ServedChart served;
+        served.show();
+        choose(openMenu(served), {u"Chart Type"_s, u"Line"_s});
+        QCOMPARE(served.chart().chartType(), 2);
+        choose(openMenu(served), {u"Chart Type"_s, u"Bars"_s});
+        QCOMPARE(served.chart().chartType(), 1);
+        choose(openMenu(served), {u"Chart Type"_s, u"Candlesticks"_s});
+        QCOMPARE(served.chart().chartType(), 0);
+    }
 
-void tst_ChartMenu::thePropertiesAreShown()
-{
-    const ServedChart served;
-    served.show();
-    choose(openMenu(served), {u"Properties...\tF8"_s});
-    QVERIFY(served.window->findChild<ChartPropertiesDialog*>()->isVisible());
-}
+    void scrollingAndShiftAreSwitched()
+    {
+        const ServedChart served;
+        served.show();
+        choose(openMenu(served), {u"Auto Scroll"_s});
+        QVERIFY(!served.chart().autoScroll());
+        choose(openMenu(served), {u"Auto Scroll"_s});
+        QVERIFY(served.chart().autoScroll());
+        choose(openMenu(served), {u"Chart Shift"_s});
+        QVERIFY(served.chart().chartShift());
+        choose(openMenu(served), {u"Chart Shift"_s});
+        QVERIFY(!served.chart().chartShift());
+    }
 
-void tst_ChartMenu::theSpecificationIsAskedFor()
-{
-    const ServedChart served;
-    served.show();
-    QSignalSpy specification(served.window.get(), &ChartWindow::specificationRequested);
-    choose(openMenu(served), {u"Specification..."_s});
-    QCOMPARE(specification, QList<QVariantList>{{u"EURUSD"_s}});
-}
+    void zooming()
+    {
+        const ServedChart served;
+        served.show();
+        choose(openMenu(served), {u"Zoom In\t+"_s});
+        QCOMPARE(served.chart().barWidth(), 7.0 * 1.2);
+        choose(openMenu(served), {u"Zoom Out\t-"_s});
+        QCOMPARE(served.chart().barWidth(), 7.0);
+    }
+
+    void refreshReadsTheHistoryAgain()
+    {
+        ServedChart served;
+        served.show();
+        choose(openMenu(served), {u"Refresh"_s});
+        QTRY_COMPARE(served.server.count("GET", "/api/candles"), 1);
+        served.settle();
+        QCOMPARE(served.server.count("GET", "/api/drawings"), 0);
+    }
+
+    void theDataWindowIsShown()
+    {
+        const ServedChart served;
+        served.show();
+        choose(openMenu(served), {u"Data Window\tCtrl+D"_s});
+        QVERIFY(served.window->findChild<DataWindow*>()->isVisible());
+    }
+
+    void thePropertiesAreShown()
+    {
+        const ServedChart served;
+        served.show();
+        choose(openMenu(served), {u"Properties...\tF8"_s});
+        QVERIFY(served.window->findChild<ChartPropertiesDialog*>()->isVisible());
+    }
+
+    void theSpecificationIsAskedFor()
+    {
+        const ServedChart served;
+        served.show();
+        QSignalSpy specification(served.window.get(), &ChartWindow::specificationRequested);
+        choose(openMenu(served), {u"Specification..."_s});
+        QCOMPARE(specification, QList<QVariantList>{{u"EURUSD"_s}});
+    }
+};
 
 TAVORAN_TEST(tst_ChartMenu)
 #include "tst_ChartMenu.moc"

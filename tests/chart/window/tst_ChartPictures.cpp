@@ -178,164 +178,147 @@ class TestChartPictures final : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase();
-    void layers_and_charts_look_as_stored_data();
-    void layers_and_charts_look_as_stored();
-    void every_layer_and_chart_type_has_a_picture();
-    void every_stored_picture_belongs_to_a_scene();
-    void a_picture_of_a_layer_shows_the_layer_data();
-    void a_picture_of_a_layer_shows_the_layer();
-    void a_small_change_is_noticed_and_shown_data();
-    void a_small_change_is_noticed_and_shown();
-    void a_missing_picture_is_told();
-    void a_picture_of_another_size_is_told();
-    void pictures_are_stored_on_request();
-};
+    void initTestCase()
+    {
+        QVERIFY2(
+            pictures::useBundledFont(u"Segoe UI"_s), "the bundled font does not stand for the chart's font");
+    }
 
-void TestChartPictures::initTestCase()
-{
-    QVERIFY2(pictures::useBundledFont(u"Segoe UI"_s), "the bundled font does not stand for the chart's font");
-}
-
-void TestChartPictures::layers_and_charts_look_as_stored_data()
-{
-    QTest::addColumn<qsizetype>("scene");
-    QTest::addColumn<int>("ratio");
-    for (std::size_t i = 0; i < scenes.size(); ++i) {
-        for (const int ratio : {1, 2}) {
-            QTest::newRow(qUtf8Printable(fileName(scenes[i], ratio))) << static_cast<qsizetype>(i) << ratio;
+    void layers_and_charts_look_as_stored_data()
+    {
+        QTest::addColumn<qsizetype>("scene");
+        QTest::addColumn<int>("ratio");
+        for (std::size_t i = 0; i < scenes.size(); ++i) {
+            for (const int ratio : {1, 2}) {
+                QTest::newRow(qUtf8Printable(fileName(scenes[i], ratio)))
+                    << static_cast<qsizetype>(i) << ratio;
+            }
         }
     }
-}
-
-void TestChartPictures::layers_and_charts_look_as_stored()
-{
-    QFETCH(const qsizetype, scene);
-    QFETCH(const int, ratio);
-    const Scene& shown = scenes[static_cast<std::size_t>(scene)];
-    const QString wrong = folder().check(fileName(shown, ratio), pictureOf(shown, ratio));
-    QVERIFY2(wrong.isEmpty(), qUtf8Printable(wrong));
-}
-
-void TestChartPictures::every_layer_and_chart_type_has_a_picture()
-{
-    for (const LayerEntry& entry : layerOrder) {
-        QVERIFY2(std::any_of(scenes.begin(), scenes.end(),
-                     [&](const Scene& scene) { return scene.layer == entry.layer; }),
-            qUtf8Printable(QString::number(static_cast<int>(entry.layer))));
+    void layers_and_charts_look_as_stored()
+    {
+        QFETCH(const qsizetype, scene);
+        QFETCH(const int, ratio);
+        const Scene& shown = scenes[static_cast<std::size_t>(scene)];
+        const QString wrong = folder().check(fileName(shown, ratio), pictureOf(shown, ratio));
+        QVERIFY2(wrong.isEmpty(), qUtf8Printable(wrong));
     }
-    for (const ChartType type : {ChartType::Candles, ChartType::Bars, ChartType::Line}) {
-        QVERIFY(std::any_of(scenes.begin(), scenes.end(), [&](const Scene& scene) {
-            ChartFrame frame;
-            frame.preview = ChartFrame::Preview();
-            scene.change(frame);
-            return !scene.layer && frame.type == type;
-        }));
+
+    void every_layer_and_chart_type_has_a_picture()
+    {
+        for (const LayerEntry& entry : layerOrder) {
+            QVERIFY2(std::any_of(scenes.begin(), scenes.end(),
+                         [&](const Scene& scene) { return scene.layer == entry.layer; }),
+                qUtf8Printable(QString::number(static_cast<int>(entry.layer))));
+        }
+        for (const ChartType type : {ChartType::Candles, ChartType::Bars, ChartType::Line}) {
+            QVERIFY(std::any_of(scenes.begin(), scenes.end(), [&](const Scene& scene) {
+                ChartFrame frame;
+                frame.preview = ChartFrame::Preview();
+                scene.change(frame);
+                return !scene.layer && frame.type == type;
+            }));
+        }
     }
-}
 
-void TestChartPictures::every_stored_picture_belongs_to_a_scene()
-{
-    QStringList expected;
-    for (const Scene& scene : scenes)
-        expected << fileName(scene, 1) + u".png"_s << fileName(scene, 2) + u".png"_s;
-    expected.sort();
-    QStringList stored = QDir(QStringLiteral(PICTURE_FOLDER)).entryList({u"*.png"_s}, QDir::Files);
-    stored.sort();
-    QCOMPARE(stored, expected);
-}
+    void every_stored_picture_belongs_to_a_scene()
+    {
+        QStringList expected;
+        for (const Scene& scene : scenes)
+            expected << fileName(scene, 1) + u".png"_s << fileName(scene, 2) + u".png"_s;
+        expected.sort();
+        QStringList stored = QDir(QStringLiteral(PICTURE_FOLDER)).entryList({u"*.png"_s}, QDir::Files);
+        stored.sort();
+        QCOMPARE(stored, expected);
+    }
 
-void TestChartPictures::a_picture_of_a_layer_shows_the_layer_data()
-{
-    layers_and_charts_look_as_stored_data();
-}
+    void a_picture_of_a_layer_shows_the_layer_data() { layers_and_charts_look_as_stored_data(); }
+    void a_picture_of_a_layer_shows_the_layer()
+    {
+        QFETCH(const qsizetype, scene);
+        QFETCH(const int, ratio);
+        const Scene& shown = scenes[static_cast<std::size_t>(scene)];
+        const QImage stored = folder().stored(fileName(shown, ratio));
+        QCOMPARE(stored.size(), QSize(360, 240) * ratio);
+        QImage without(stored.size(), QImage::Format_RGB32);
+        without.fill(shown.layer == Layer::Background ? QColor(Qt::magenta) : QColor(Qt::black));
+        // Far more than what may differ unnoticed.
+        QVERIFY(differenceOf(stored, without).pixels >= 20 * ratio * ratio);
+    }
 
-void TestChartPictures::a_picture_of_a_layer_shows_the_layer()
-{
-    QFETCH(const qsizetype, scene);
-    QFETCH(const int, ratio);
-    const Scene& shown = scenes[static_cast<std::size_t>(scene)];
-    const QImage stored = folder().stored(fileName(shown, ratio));
-    QCOMPARE(stored.size(), QSize(360, 240) * ratio);
-    QImage without(stored.size(), QImage::Format_RGB32);
-    without.fill(shown.layer == Layer::Background ? QColor(Qt::magenta) : QColor(Qt::black));
-    // Far more than what may differ unnoticed.
-    QVERIFY(differenceOf(stored, without).pixels >= 20 * ratio * ratio);
-}
+    void a_small_change_is_noticed_and_shown_data()
+    {
+        QTest::addColumn<QRect>("mark");
+        QTest::addColumn<QColor>("color");
+        QTest::newRow("handle of an object") << QRect(20, 20, 6, 6) << QColor(0xe0, 0xe0, 0xe0);
+        QTest::newRow("part of a line") << QRect(40, 100, 12, 1) << QColor(0x23, 0x23, 0x23);
+        QTest::newRow("other shade of a ground") << QRect(0, 0, 360, 200) << QColor(3, 3, 3);
+    }
+    void a_small_change_is_noticed_and_shown()
+    {
+        QFETCH(const QRect, mark);
+        QFETCH(const QColor, color);
+        const Updating updating(false);
+        QTemporaryDir place;
+        const QString stored = place.path();
+        const QString failed = place.filePath(u"failed"_s);
+        QImage picture(360, 240, QImage::Format_RGB32);
+        picture.fill(Qt::black);
+        QVERIFY(picture.save(place.filePath(u"a.png"_s)));
+        const pictures::PictureFolder folder(stored, failed);
+        QCOMPARE(folder.check(u"a"_s, picture), QString());
+        QVERIFY(!QDir(failed).exists());
 
-void TestChartPictures::a_small_change_is_noticed_and_shown_data()
-{
-    QTest::addColumn<QRect>("mark");
-    QTest::addColumn<QColor>("color");
-    QTest::newRow("handle of an object") << QRect(20, 20, 6, 6) << QColor(0xe0, 0xe0, 0xe0);
-    QTest::newRow("part of a line") << QRect(40, 100, 12, 1) << QColor(0x23, 0x23, 0x23);
-    QTest::newRow("other shade of a ground") << QRect(0, 0, 360, 200) << QColor(3, 3, 3);
-}
+        QPainter(&picture).fillRect(mark, color);
+        const QString wrong = folder.check(u"a"_s, picture);
+        QVERIFY(wrong.contains(QString::number(mark.width() * mark.height())));
+        QVERIFY(wrong.contains(failed + u"/a-difference.png"_s));
+        QCOMPARE(QImage(failed + u"/a-actual.png"_s).convertToFormat(QImage::Format_RGB32), picture);
+        QVERIFY(!QImage(failed + u"/a-expected.png"_s).isNull());
+        const QImage difference(failed + u"/a-difference.png"_s);
+        QCOMPARE(difference.size(), picture.size());
+        QCOMPARE(fixtures::pixelsOf(difference, mark, QColor(Qt::magenta)), mark.width() * mark.height());
+        QCOMPARE(fixtures::pixelsOf(difference, difference.rect(), QColor(Qt::magenta)),
+            mark.width() * mark.height());
+    }
 
-void TestChartPictures::a_small_change_is_noticed_and_shown()
-{
-    QFETCH(const QRect, mark);
-    QFETCH(const QColor, color);
-    const Updating updating(false);
-    QTemporaryDir place;
-    const QString stored = place.path();
-    const QString failed = place.filePath(u"failed"_s);
-    QImage picture(360, 240, QImage::Format_RGB32);
-    picture.fill(Qt::black);
-    QVERIFY(picture.save(place.filePath(u"a.png"_s)));
-    const pictures::PictureFolder folder(stored, failed);
-    QCOMPARE(folder.check(u"a"_s, picture), QString());
-    QVERIFY(!QDir(failed).exists());
+    void a_missing_picture_is_told()
+    {
+        const Updating updating(false);
+        QTemporaryDir place;
+        QImage picture(20, 20, QImage::Format_RGB32);
+        picture.fill(Qt::red);
+        const QString wrong
+            = pictures::PictureFolder(place.path(), place.filePath(u"failed"_s)).check(u"new"_s, picture);
+        QVERIFY(wrong.contains(u"no picture is stored"_s));
+        QVERIFY(!QImage(place.filePath(u"failed/new-actual.png"_s)).isNull());
+        QVERIFY(!QFile::exists(place.filePath(u"new.png"_s)));
+    }
 
-    QPainter(&picture).fillRect(mark, color);
-    const QString wrong = folder.check(u"a"_s, picture);
-    QVERIFY(wrong.contains(QString::number(mark.width() * mark.height())));
-    QVERIFY(wrong.contains(failed + u"/a-difference.png"_s));
-    QCOMPARE(QImage(failed + u"/a-actual.png"_s).convertToFormat(QImage::Format_RGB32), picture);
-    QVERIFY(!QImage(failed + u"/a-expected.png"_s).isNull());
-    const QImage difference(failed + u"/a-difference.png"_s);
-    QCOMPARE(difference.size(), picture.size());
-    QCOMPARE(fixtures::pixelsOf(difference, mark, QColor(Qt::magenta)), mark.width() * mark.height());
-    QCOMPARE(
-        fixtures::pixelsOf(difference, difference.rect(), QColor(Qt::magenta)), mark.width() * mark.height());
-}
+    void a_picture_of_another_size_is_told()
+    {
+        const Updating updating(false);
+        QTemporaryDir place;
+        QImage picture(20, 20, QImage::Format_RGB32);
+        picture.fill(Qt::red);
+        QVERIFY(picture.save(place.filePath(u"a.png"_s)));
+        const pictures::PictureFolder folder(place.path(), place.filePath(u"failed"_s));
+        const QString wrong = folder.check(u"a"_s, picture.copy(0, 0, 20, 19));
+        QVERIFY(wrong.startsWith(u"20 pixels"_s));
+    }
 
-void TestChartPictures::a_missing_picture_is_told()
-{
-    const Updating updating(false);
-    QTemporaryDir place;
-    QImage picture(20, 20, QImage::Format_RGB32);
-    picture.fill(Qt::red);
-    const QString wrong
-        = pictures::PictureFolder(place.path(), place.filePath(u"failed"_s)).check(u"new"_s, picture);
-    QVERIFY(wrong.contains(u"no picture is stored"_s));
-    QVERIFY(!QImage(place.filePath(u"failed/new-actual.png"_s)).isNull());
-    QVERIFY(!QFile::exists(place.filePath(u"new.png"_s)));
-}
-
-void TestChartPictures::a_picture_of_another_size_is_told()
-{
-    const Updating updating(false);
-    QTemporaryDir place;
-    QImage picture(20, 20, QImage::Format_RGB32);
-    picture.fill(Qt::red);
-    QVERIFY(picture.save(place.filePath(u"a.png"_s)));
-    const pictures::PictureFolder folder(place.path(), place.filePath(u"failed"_s));
-    const QString wrong = folder.check(u"a"_s, picture.copy(0, 0, 20, 19));
-    QVERIFY(wrong.startsWith(u"20 pixels"_s));
-}
-
-void TestChartPictures::pictures_are_stored_on_request()
-{
-    QTemporaryDir place;
-    QImage picture(20, 20, QImage::Format_RGB32);
-    picture.fill(Qt::red);
-    const pictures::PictureFolder folder(place.path(), place.filePath(u"failed"_s));
-    const Updating updating(true);
-    QCOMPARE(folder.check(u"a"_s, picture), QString());
-    QCOMPARE(folder.stored(u"a"_s).convertToFormat(QImage::Format_RGB32), picture);
-    QVERIFY(!QFile::exists(place.filePath(u"failed"_s)));
-}
+    void pictures_are_stored_on_request()
+    {
+        QTemporaryDir place;
+        QImage picture(20, 20, QImage::Format_RGB32);
+        picture.fill(Qt::red);
+        const pictures::PictureFolder folder(place.path(), place.filePath(u"failed"_s));
+        const Updating updating(true);
+        QCOMPARE(folder.check(u"a"_s, picture), QString());
+        QCOMPARE(folder.stored(u"a"_s).convertToFormat(QImage::Format_RGB32), picture);
+        QVERIFY(!QFile::exists(place.filePath(u"failed"_s)));
+    }
+};
 
 int main(int argc, char** argv)
 {
