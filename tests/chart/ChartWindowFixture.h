@@ -1,29 +1,52 @@
 #pragma once
 
 #include "app/base/TerminalSettings.h"
+#include "app/base/UtcTime.h"
+#include "chart/ChartFixtures.h"
 #include "chart/window/ChartWidget.h"
 #include "chart/window/ChartWindow.h"
 #include "net/ApiClient.h"
+#include "net/records/CandleRecord.h"
 #include "support/StubHttpServer.h"
 
+#include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QtTest>
 
 #include <memory>
 
-/// A chart window before a server that knows no candles and no objects.
+/// Chart windows before a server, and what it sends them.
 namespace fixtures {
 
-struct ServedChart {
-    explicit ServedChart(const QString& symbol = QStringLiteral("EURUSD"), int digits = 5)
+/// A server that knows no objects and no candles: asked for those, it says so.
+struct ChartServer {
+    ChartServer()
     {
         TerminalSettings::instance().setServerUrl(server.url());
-        server.on("GET", "/api/candles", StubAnswer::json("[]"));
         server.on("GET", "/api/drawings", StubAnswer::json("[]"));
         server.on("GET", "/api/accounts", StubAnswer::json("[]"));
-        api = std::make_unique<ApiClient>(TerminalSettings::instance());
-        window = std::make_unique<ChartWindow>(*api, symbol, QStringLiteral("15m"), QString(), digits);
+    }
+
+    /// A further exchange, after which whatever was answered or sent before has arrived.
+    void settle()
+    {
+        bool answered = false;
+        api.get(QStringLiteral("/api/accounts"), &server,
+            [&answered](const QJsonDocument&, const QString&) { answered = true; });
+        QTRY_VERIFY(answered);
+    }
+
+    StubHttpServer server;
+    ApiClient api{TerminalSettings::instance()};
+};
+
+/// A chart window of a symbol whose history is empty.
+struct ServedChart final : ChartServer {
+    explicit ServedChart(const QString& symbol = QStringLiteral("EURUSD"), int digits = 5)
+    {
+        server.on("GET", "/api/candles", StubAnswer::json("[]"));
+        window = std::make_unique<ChartWindow>(api, symbol, QStringLiteral("15m"), QString(), digits);
         window->resize(500, 360);
     }
 
@@ -36,21 +59,34 @@ struct ServedChart {
         QVERIFY(QTest::qWaitForWindowExposed(window.get()));
     }
 
-    /// A further exchange, after which whatever was answered or sent before has arrived.
-    void settle()
-    {
-        bool answered = false;
-        api->get(QStringLiteral("/api/accounts"), window.get(),
-            [&answered](const QJsonDocument&, const QString&) { answered = true; });
-        QTRY_VERIFY(answered);
-    }
-
-    StubHttpServer server;
-    std::unique_ptr<ApiClient> api;
     std::unique_ptr<ChartWindow> window;
 };
 
-inline QJsonObject quote(const QString& symbol, double bid, double ask)
+/// A history of flat quarter-hour candles with these closes, long ago.
+inline QJsonArray candleRows(const QList<double>& closes)
+{
+    QJsonArray rows;
+    qint64 time = 1'600'000'200'000;
+    for (const double close : closes) {
+        rows.append(QJsonObject{{candle::timeField, utcTime(time).toString(Qt::ISODateWithMs)},
+            {candle::openField, close}, {candle::highField, close}, {candle::lowField, close},
+            {candle::closeField, close}, {candle::volumeField, 1}});
+        time += quarterHour;
+    }
+    return rows;
+}
+
+/// The body of a reply with such a history.
+inline QByteArray candleBody(const QJsonArray& rows)
+{
+    return QJsonDocument(rows).toJson(QJsonDocument::Compact);
+}
+inline QByteArray candleBody(int count, double close)
+{
+    return candleBody(candleRows(QList<double>(count, close)));
+}
+
+inline QJsonObject quote(const QString& symbol, const QJsonValue& bid, const QJsonValue& ask)
 {
     return {{symbol, QJsonObject{{QStringLiteral("bid"), bid}, {QStringLiteral("ask"), ask}}}};
 }

@@ -1,4 +1,3 @@
-#include "app/base/UtcTime.h"
 #include "chart/window/ChartExpert.h"
 
 #include "chart/ChartWindowFixture.h"
@@ -7,8 +6,6 @@
 #include "experts/ExpertEngine.h"
 #include "support/TestMain.h"
 
-#include <QDateTime>
-#include <QJsonArray>
 #include <QPushButton>
 #include <QSignalSpy>
 #include <QTemporaryDir>
@@ -46,14 +43,8 @@ class tst_ChartExpert final : public QObject {
     /// Has the chart load old bars with these closes.
     void loadBars(const QList<double>& closes)
     {
-        QJsonArray bars;
-        QDateTime time = utcTime(QDate(2024, 5, 1), QTime(0, 0));
-        for (double close : closes) {
-            bars.append(QJsonObject{{u"timestamp"_s, time.toString(Qt::ISODateWithMs)}, {u"open"_s, close},
-                {u"high"_s, close}, {u"low"_s, close}, {u"close"_s, close}, {u"volume"_s, 1}});
-            time = time.addSecs(900);
-        }
-        m_served->server.on("GET", "/api/candles", StubAnswer::json(QJsonDocument(bars).toJson()));
+        m_served->server.on(
+            "GET", "/api/candles", StubAnswer::json(fixtures::candleBody(fixtures::candleRows(closes))));
         window().reload();
         QTRY_COMPARE(static_cast<qsizetype>(window().chart().candles().size()), closes.size());
     }

@@ -264,7 +264,7 @@ private Q_SLOTS:
             = [](ChartWindow& window) { window.onPrices(fixtures::quote(u"EURUSD"_s, 1.1, 1.2)); };
         fixtures::ServedChart served;
         const auto open = [&served] {
-            served.window = std::make_unique<ChartWindow>(*served.api, u"EURUSD"_s, u"15m"_s, QString(), 5);
+            served.window = std::make_unique<ChartWindow>(served.api, u"EURUSD"_s, u"15m"_s, QString(), 5);
         };
         qsizetype effects = 0;
         for (bool ended = true; ended; ++effects) {
