@@ -5,9 +5,10 @@
 #include <utility>
 
 ExpertEngine::ExpertEngine(const QString& symbol, int digits, const std::vector<Candle>& candles,
-    ExpertHost::Callbacks callbacks, QObject* parent)
+    ExpertHost::Callbacks callbacks, std::unique_ptr<QTimer> timer, QObject* parent)
     : QObject(parent)
-    , m_run(std::make_shared<ExpertRun>(*this, symbol, digits, candles, std::move(callbacks)))
+    , m_run(
+          std::make_shared<ExpertRun>(*this, symbol, digits, candles, std::move(callbacks), std::move(timer)))
 {
 }
 

@@ -4,6 +4,7 @@
 #include "experts/ExpertHost.h"
 
 #include <QObject>
+#include <QTimer>
 
 #include <memory>
 
@@ -22,9 +23,10 @@ class ExpertEngine final : public QObject {
     Q_DISABLE_COPY_MOVE(ExpertEngine)
 
 public:
-    /// `candles` is the chart's own list, which must outlive the engine.
+    /// `candles` is the chart's own list, which must outlive the engine. `timer` calls OnTimer.
     ExpertEngine(const QString& symbol, int digits, const std::vector<Candle>& candles,
-        ExpertHost::Callbacks callbacks, QObject* parent = nullptr);
+        ExpertHost::Callbacks callbacks, std::unique_ptr<QTimer> timer = std::make_unique<QTimer>(),
+        QObject* parent = nullptr);
     /// Runs no script code; stop() does.
     ~ExpertEngine() override;
 

@@ -40,14 +40,15 @@ private:
 };
 
 ExpertRun::ExpertRun(ExpertEngine& engine, const QString& symbol, int digits,
-    const std::vector<Candle>& candles, ExpertHost::Callbacks callbacks)
+    const std::vector<Candle>& candles, ExpertHost::Callbacks callbacks, std::unique_ptr<QTimer> timer)
     : m_engine(&engine)
     , m_host(symbol, digits, candles, std::move(callbacks))
+    , m_timer(std::move(timer))
 {
     m_host.holdActions(true);
-    QObject::connect(&m_timer, &QTimer::timeout, &m_timer, [this] { onTimer(); });
-    QObject::connect(&m_host, &ExpertHost::timerRequested, &m_timer, [this](int s) { startTimer(s); });
-    QObject::connect(&m_host, &ExpertHost::timerKilled, &m_timer, &QTimer::stop);
+    QObject::connect(m_timer.get(), &QTimer::timeout, m_timer.get(), [this] { onTimer(); });
+    QObject::connect(&m_host, &ExpertHost::timerRequested, m_timer.get(), [this](int s) { startTimer(s); });
+    QObject::connect(&m_host, &ExpertHost::timerKilled, m_timer.get(), &QTimer::stop);
 }
 
 ExpertRun::~ExpertRun() = default;
@@ -178,7 +179,7 @@ void ExpertRun::startTimer(int seconds)
 {
     constexpr int most = std::numeric_limits<int>::max() / 1000;
     if (seconds > 0 && m_state < State::Stopping)
-        m_timer.start(std::min(seconds, most) * 1000);
+        m_timer->start(std::min(seconds, most) * 1000);
 }
 
 void ExpertRun::stop()
@@ -186,7 +187,7 @@ void ExpertRun::stop()
     if (m_state == State::Stopped)
         return;
     const auto alive = shared_from_this();
-    m_timer.stop();
+    m_timer->stop();
     if (std::exchange(m_state, State::Stopping) == State::Running)
         call(m_onDeinit, u"OnDeinit"_s);
     // OnDeinit may have led here again.
@@ -198,7 +199,7 @@ void ExpertRun::stop()
 
 void ExpertRun::abandon()
 {
-    m_timer.stop();
+    m_timer->stop();
     m_state = State::Stopped;
     m_host.disconnectChart();
     m_engine = nullptr;

@@ -21,7 +21,7 @@ class ExpertRun final : public std::enable_shared_from_this<ExpertRun> {
 public:
     /// `engine` tells what happens here, until abandon().
     ExpertRun(ExpertEngine& engine, const QString& symbol, int digits, const std::vector<Candle>& candles,
-        ExpertHost::Callbacks callbacks);
+        ExpertHost::Callbacks callbacks, std::unique_ptr<QTimer> timer);
     ~ExpertRun();
 
     [[nodiscard]] bool load(const QString& path, QString& error);
@@ -57,7 +57,7 @@ private:
     ExpertEngine* m_engine; ///< none once nobody is interested any more
     ScriptEngine m_script;
     ExpertHost m_host; ///< after the engine, so that it goes first
-    QTimer m_timer;
+    std::unique_ptr<QTimer> m_timer;
     QString m_name;
     QJSValue m_digitsChanged; ///< the prelude's own
     QJSValue m_onTick;

@@ -2,7 +2,9 @@
 
 #include "experts/ExpertEngine.h"
 
+#include <QPointer>
 #include <QTemporaryDir>
+#include <QTimer>
 #include <QtTest>
 
 #include <memory>
@@ -23,6 +25,7 @@ struct ExpertFixture final {
     QStringList messages; ///< of the engine
     QString error;        ///< of the last load
     std::unique_ptr<ExpertEngine> engine;
+    QPointer<QTimer> timer; ///< of the engine
 
     [[nodiscard]] ExpertHost::Callbacks callbacks()
     {
@@ -57,7 +60,10 @@ struct ExpertFixture final {
     void create() { create(callbacks()); }
     void create(ExpertHost::Callbacks calls)
     {
-        engine = std::make_unique<ExpertEngine>(QStringLiteral("EURUSD"), digits, candles, std::move(calls));
+        auto ownTimer = std::make_unique<QTimer>();
+        timer = ownTimer.get();
+        engine = std::make_unique<ExpertEngine>(
+            QStringLiteral("EURUSD"), digits, candles, std::move(calls), std::move(ownTimer));
         QObject::connect(engine.get(), &ExpertEngine::message, engine.get(),
             [this](const QString& text) { messages.append(text); });
     }

@@ -21,7 +21,7 @@ ChartExpert::ChartExpert(const ChartWidget& chart, const QString& symbol, QObjec
 
 ChartExpert::~ChartExpert() = default;
 
-void ChartExpert::attach(const QString& path)
+void ChartExpert::attach(const QString& path, std::unique_ptr<QTimer> timer)
 {
     const QPointer<ChartExpert> self(this);
     detach();
@@ -49,7 +49,8 @@ void ChartExpert::attach(const QString& path)
     };
     callbacks.comment = [this](const QString& text) { Q_EMIT commentChanged(text); };
 
-    m_engine = std::make_unique<ExpertEngine>(m_symbol, m_digits, m_chart.candles(), std::move(callbacks));
+    m_engine = std::make_unique<ExpertEngine>(
+        m_symbol, m_digits, m_chart.candles(), std::move(callbacks), std::move(timer));
     connect(m_engine.get(), &ExpertEngine::message, this,
         [this, source](const QString& text, LineKind kind) { Q_EMIT log(source, text, kind); });
     connect(m_engine.get(), &ExpertEngine::failed, this,

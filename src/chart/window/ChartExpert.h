@@ -4,6 +4,7 @@
 
 #include <QJsonObject>
 #include <QObject>
+#include <QTimer>
 
 #include <memory>
 
@@ -24,8 +25,8 @@ public:
     ~ChartExpert() override;
 
     /// Detaches what is attached, and loads and starts this script. A failure is told by log(), and leaves
-    /// no expert.
-    void attach(const QString& path);
+    /// no expert. `timer` becomes the script's own.
+    void attach(const QString& path, std::unique_ptr<QTimer> timer = std::make_unique<QTimer>());
     /// Ends the expert, which is told so.
     void detach();
     /// Lets the expert know of a price that the chart has taken in.

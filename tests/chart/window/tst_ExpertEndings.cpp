@@ -1,6 +1,7 @@
 #include "chart/ChartWindowFixture.h"
 #include "chart/window/ChartExpert.h"
 #include "support/TestMain.h"
+#include "support/Timers.h"
 
 #include <QTemporaryDir>
 
@@ -221,26 +222,31 @@ private Q_SLOTS:
         }
     }
 
-    /// All at once, since each of them waits for a second.
     void theStoryMayEndAtAnyEffectOfOnTimer()
     {
         const QString first = busy(
             "EventSetTimer(1); function OnTimer() { act('OnTimer'); EventSetTimer(1); throw 'thrown' }");
+        const auto attach = [&first](const Seat& seat) -> QTimer& {
+            auto timer = std::make_unique<QTimer>();
+            QTimer& running = *timer;
+            seat.expert->attach(first, std::move(timer));
+            return running;
+        };
         Seat plain(Deed::Detach, -1, {});
-        plain.expert->attach(first);
+        QTimer& timer = attach(plain);
         const qsizetype start = plain.effects.said.size();
-        std::vector<std::pair<Deed, std::unique_ptr<Seat>>> seats;
+        timeOut(timer);
+        QCOMPARE(plain.effects.said.last(), u"First: OnTimer: thrown"_s);
+        const qsizetype effects = plain.effects.said.size() - start;
+        QCOMPARE(effects, 7);
         for (const Deed deed : deeds) {
-            for (qsizetype i = 0; i < 7; ++i) {
-                seats.emplace_back(deed, std::make_unique<Seat>(deed, start + i, m_second));
-                seats.back().second->expert->attach(first);
+            for (qsizetype i = 0; i < effects; ++i) {
+                Seat seat(deed, start + i, m_second);
+                timeOut(attach(seat));
+                QVERIFY(seat.effects.done);
+                checkTheEnd(seat, deed);
             }
         }
-        for (const auto& [deed, seat] : seats) {
-            QTRY_VERIFY_WITH_TIMEOUT(seat->effects.done, 20000);
-            checkTheEnd(*seat, deed);
-        }
-        QTRY_VERIFY(plain.effects.said.contains(u"First: OnTimer: thrown"_s));
     }
 
     void theChartMayBeClosedAtAnyEffect_data()
