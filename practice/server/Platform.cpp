@@ -167,15 +167,19 @@ void Platform::announce(const ChangeSet& changes)
 {
     if (!m_listener)
         return;
-    for (const BrokerEvent& event : changes.events) {
-        if (const auto* orders = std::get_if<OrdersChanged>(&event)) {
-            m_listener->accountEvent(m_owners.at(orders->accountId), eventMessage(*orders));
-        } else {
-            const Account& account = std::get<AccountUpdated>(event).account;
-            m_listener->accountEvent(
-                m_owners.at(account.id), eventMessage(account, m_broker.figures(account.id)));
-        }
-    }
+    for (const BrokerEvent& event : changes.events)
+        std::visit([this](const auto& happened) { tell(happened); }, event);
+}
+
+void Platform::tell(const OrdersChanged& orders)
+{
+    m_listener->accountEvent(m_owners.at(orders.accountId), eventMessage(orders));
+}
+
+void Platform::tell(const AccountUpdated& update)
+{
+    const Account& account = update.account;
+    m_listener->accountEvent(m_owners.at(account.id), eventMessage(account, m_broker.figures(account.id)));
 }
 
 int Platform::digits(std::string_view symbol) const

@@ -79,6 +79,8 @@ private:
     [[nodiscard]] Trade tradeAfter(const CommandResult& result) const;
     void store(const ChangeSet& changes, TimeMs now);
     void announce(const ChangeSet& changes);
+    void tell(const OrdersChanged& orders);
+    void tell(const AccountUpdated& update);
 
     Database& m_database;
     PriceSource& m_market;

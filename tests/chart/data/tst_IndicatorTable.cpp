@@ -23,7 +23,7 @@ struct Published {
     QString command;
     QString label; ///< over the usual period
     bool pane;
-    QList<double> values; ///< of the closes 4, 2, 6, 5, 9
+    QList<double> values; ///< over two bars, of the candles of handMade()
 };
 
 const QList<Published>& published()
@@ -37,6 +37,13 @@ const QList<Published>& published()
             u"RSI(14)"_s, true, {none, none, 200.0 / 3.0, 50.0, 250.0 / 3.0}},
     };
     return rows;
+}
+
+/// No two figures of a candle are alike, so that a formula that takes the wrong one is found.
+std::vector<Candle> handMade()
+{
+    return {{0, 3.0, 5.0, 2.0, 4.0, 10}, {1, 4.0, 4.5, 1.0, 2.0, 20}, {2, 2.0, 7.0, 1.5, 6.0, 30},
+        {3, 6.0, 8.0, 4.0, 5.0, 40}, {4, 5.0, 10.0, 4.5, 9.0, 50}};
 }
 
 } // namespace
@@ -62,9 +69,7 @@ private Q_SLOTS:
 
     void each_formula_gives_the_values_worked_out_by_hand()
     {
-        std::vector<Candle> candles;
-        for (const double close : {4.0, 2.0, 6.0, 5.0, 9.0})
-            candles.push_back({static_cast<qint64>(candles.size()), close, close, close, close, 1});
+        const std::vector<Candle> candles = handMade();
         for (const Published& expected : published()) {
             const std::vector<double> values = indicators::movingAverage(candles, {expected.kind, 2, {}});
             QCOMPARE(values.size(), candles.size());
