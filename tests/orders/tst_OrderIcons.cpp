@@ -5,17 +5,15 @@ class tst_OrderIcons final : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void anIconIsDrawnOnceAndThenShared();
-};
-
-void tst_OrderIcons::anIconIsDrawnOnceAndThenShared()
-{
-    for (const OrderIcon icon : {OrderIcon::Market, OrderIcon::StopLimit, OrderIcon::Minimize}) {
-        QVERIFY(!orderIcon(icon).isNull());
-        QCOMPARE(orderIcon(icon).cacheKey(), orderIcon(icon).cacheKey());
+    void anIconIsDrawnOnceAndThenShared()
+    {
+        for (const OrderIcon icon : {OrderIcon::Market, OrderIcon::StopLimit, OrderIcon::Minimize}) {
+            QVERIFY(!orderIcon(icon).isNull());
+            QCOMPARE(orderIcon(icon).cacheKey(), orderIcon(icon).cacheKey());
+        }
+        QVERIFY(orderIcon(OrderIcon::Market).cacheKey() != orderIcon(OrderIcon::Limit).cacheKey());
     }
-    QVERIFY(orderIcon(OrderIcon::Market).cacheKey() != orderIcon(OrderIcon::Limit).cacheKey());
-}
+};
 
 TAVORAN_TEST(tst_OrderIcons)
 #include "tst_OrderIcons.moc"

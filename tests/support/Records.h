@@ -19,6 +19,10 @@ namespace records {
 class Value final : public QJsonValue {
 public:
     using QJsonValue::QJsonValue;
+    Value(const QJsonValue& any)
+        : QJsonValue(any)
+    {
+    }
     Value(const char* text)
         : QJsonValue(QString::fromUtf8(text))
     {
@@ -97,6 +101,12 @@ public:
     return position(id).with("orderKind", "BUY_LIMIT").with("status", "PENDING").awaits(1.05);
 }
 
+/// The body that buys at the market, but for the account.
+[[nodiscard]] inline Trade marketOrder(const Value& symbol)
+{
+    return Trade().symbol(symbol).with("orderKind", "MARKET").buy(0.1);
+}
+
 /// A row of the history.
 [[nodiscard]] inline Trade closedTrade(const Value& id)
 {
@@ -116,7 +126,8 @@ public:
     return Symbol().with("name", name).digits(5);
 }
 
-[[nodiscard]] inline QJsonObject quote(const Value& bid, const Value& ask)
+/// Without an ask, only the bid.
+[[nodiscard]] inline QJsonObject quote(const Value& bid, const Value& ask = QJsonValue::Undefined)
 {
     return {{QStringLiteral("bid"), bid}, {QStringLiteral("ask"), ask}};
 }
@@ -125,7 +136,7 @@ public:
 struct Quoted final {
     const char* symbol;
     Value bid;
-    Value ask;
+    Value ask = QJsonValue::Undefined; ///< left out
 };
 
 /// A map of prices, as hello and price_update carry one.
