@@ -2,6 +2,7 @@
 
 #include "panes/MarketWatchWidget.h"
 #include "support/ParseJson.h"
+#include "support/Records.h"
 
 #include <QStackedWidget>
 #include <QTabBar>
@@ -27,11 +28,11 @@ struct Watch {
     QTreeWidget* details = qobject_cast<QTreeWidget*>(pages->widget(1));
     QTabBar* tabs = widget.findChild<QTabBar*>();
 
-    explicit Watch(const QByteArray& symbols = threeSymbols)
+    explicit Watch(const QJsonArray& symbols = parseArray(threeSymbols))
     {
         widget.resize(400, 300);
         widget.show();
-        widget.setSymbols(parseArray(symbols));
+        widget.setSymbols(symbols);
     }
     [[nodiscard]] QTreeWidgetItem* row(const QString& name) const
     {
@@ -44,9 +45,9 @@ struct Watch {
             all.append(list->topLevelItem(i)->text(0));
         return all;
     }
-    void quote(const QByteArray& bid, const QByteArray& ask)
+    void quote(const records::Value& bid, const records::Value& ask)
     {
-        widget.updatePrices(parse("{\"EURUSD\":{\"bid\":" + bid + ",\"ask\":" + ask + "}}"));
+        widget.updatePrices(records::prices({{"EURUSD", bid, ask}}));
     }
     void doubleClick(QTreeWidgetItem* item) const
     {

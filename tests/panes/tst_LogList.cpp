@@ -10,23 +10,6 @@
 
 using namespace Qt::StringLiterals;
 
-class TestLogList final : public QObject {
-    Q_OBJECT
-
-private Q_SLOTS:
-    void showsTimeSourceAndMessage();
-    void coarseClockShowsNoMilliseconds();
-    void messagesStayOnOneLine();
-    void aLongSourceIsShownWhole();
-    void lettersAreSetNarrowerOnlyAsFarAsNeeded();
-    void aWideFontCutsNoTime();
-    void newestRowIsInSightAfterTheTurn();
-    void scrollsBackToTheNewestRow();
-    void rowsAddedWhileHiddenAreInSightWhenShown();
-    void manyRowsInOneTurnAreLaidOutOnce();
-    void aRowTakesLittleMemory();
-};
-
 namespace {
 
 QString newestText(const LogList& list)
@@ -85,160 +68,167 @@ private:
 
 } // namespace
 
-void TestLogList::showsTimeSourceAndMessage()
-{
-    LogList list(LogList::Clock::Milliseconds);
-    const QDateTime before = QDateTime::currentDateTime();
-    list.append(u"Trade"_s, u"Order placed"_s);
-    const QDateTime after = QDateTime::currentDateTime();
-    QCOMPARE(list.topLevelItemCount(), 1);
-    const QTreeWidgetItem* row = list.topLevelItem(0);
-    const QDateTime shown = QDateTime::fromString(row->text(0), u"yyyy.MM.dd HH:mm:ss.zzz"_s);
-    QVERIFY(shown.isValid());
-    QVERIFY(shown >= before && shown <= after);
-    QCOMPARE(row->text(1), u"Trade"_s);
-    QCOMPARE(row->text(2), u"Order placed"_s);
-    QCOMPARE(list.columnWidth(0), 140);
-    QCOMPARE(list.columnWidth(1), 110);
-}
+class TestLogList final : public QObject {
+    Q_OBJECT
 
-void TestLogList::coarseClockShowsNoMilliseconds()
-{
-    LogList list(LogList::Clock::Seconds);
-    list.append(u"a"_s, u"b"_s);
-    QVERIFY(QDateTime::fromString(list.topLevelItem(0)->text(0), u"yyyy.MM.dd HH:mm:ss"_s).isValid());
-}
+private Q_SLOTS:
+    void showsTimeSourceAndMessage()
+    {
+        LogList list(LogList::Clock::Milliseconds);
+        const QDateTime before = QDateTime::currentDateTime();
+        list.append(u"Trade"_s, u"Order placed"_s);
+        const QDateTime after = QDateTime::currentDateTime();
+        QCOMPARE(list.topLevelItemCount(), 1);
+        const QTreeWidgetItem* row = list.topLevelItem(0);
+        const QDateTime shown = QDateTime::fromString(row->text(0), u"yyyy.MM.dd HH:mm:ss.zzz"_s);
+        QVERIFY(shown.isValid());
+        QVERIFY(shown >= before && shown <= after);
+        QCOMPARE(row->text(1), u"Trade"_s);
+        QCOMPARE(row->text(2), u"Order placed"_s);
+        QCOMPARE(list.columnWidth(0), 140);
+        QCOMPARE(list.columnWidth(1), 110);
+    }
 
-void TestLogList::messagesStayOnOneLine()
-{
-    LogList list(LogList::Clock::Seconds);
-    list.append(u"So\nurce"_s, u"one\r\ntwo\u2028<b>three</b>"_s);
-    QCOMPARE(list.topLevelItem(0)->text(1), u"So urce"_s);
-    QCOMPARE(list.topLevelItem(0)->text(2), u"one  two <b>three</b>"_s);
-}
+    void coarseClockShowsNoMilliseconds()
+    {
+        LogList list(LogList::Clock::Seconds);
+        list.append(u"a"_s, u"b"_s);
+        QVERIFY(QDateTime::fromString(list.topLevelItem(0)->text(0), u"yyyy.MM.dd HH:mm:ss"_s).isValid());
+    }
 
-void TestLogList::aLongSourceIsShownWhole()
-{
-    LogList list(LogList::Clock::Seconds);
-    const QString expert = u"MovingAverageCrossover_with_TrailingStop_and_NewsFilter_EURUSD_v2.3 (final)"_s;
-    list.append(expert, u"loaded"_s);
-    QCOMPARE(list.topLevelItem(0)->text(1), expert);
-}
+    void messagesStayOnOneLine()
+    {
+        LogList list(LogList::Clock::Seconds);
+        list.append(u"So\nurce"_s, u"one\r\ntwo\u2028<b>three</b>"_s);
+        QCOMPARE(list.topLevelItem(0)->text(1), u"So urce"_s);
+        QCOMPARE(list.topLevelItem(0)->text(2), u"one  two <b>three</b>"_s);
+    }
 
-void TestLogList::lettersAreSetNarrowerOnlyAsFarAsNeeded()
-{
-    const QString text = u"2026.11.21 16:14:35.123"_s;
-    QFont font;
-    font.setPixelSize(12);
-    const int natural = QFontMetrics(font).horizontalAdvance(text);
-    QCOMPARE(FittingDelegate::fitted(font, text, natural), font);
+    void aLongSourceIsShownWhole()
+    {
+        LogList list(LogList::Clock::Seconds);
+        const QString expert
+            = u"MovingAverageCrossover_with_TrailingStop_and_NewsFilter_EURUSD_v2.3 (final)"_s;
+        list.append(expert, u"loaded"_s);
+        QCOMPARE(list.topLevelItem(0)->text(1), expert);
+    }
 
-    const QFont narrowed = FittingDelegate::fitted(font, text, natural * 8 / 10);
-    QCOMPARE(narrowed.pixelSize(), 12);
-    const int width = QFontMetrics(narrowed).horizontalAdvance(text);
-    QVERIFY2(width <= natural * 8 / 10 && width > natural * 6 / 10, QByteArray::number(width).constData());
+    void lettersAreSetNarrowerOnlyAsFarAsNeeded()
+    {
+        const QString text = u"2026.11.21 16:14:35.123"_s;
+        QFont font;
+        font.setPixelSize(12);
+        const int natural = QFontMetrics(font).horizontalAdvance(text);
+        QCOMPARE(FittingDelegate::fitted(font, text, natural), font);
 
-    QVERIFY(QFontMetrics(FittingDelegate::fitted(font, text, 1)).horizontalAdvance(text) > natural / 2);
-}
+        const QFont narrowed = FittingDelegate::fitted(font, text, natural * 8 / 10);
+        QCOMPARE(narrowed.pixelSize(), 12);
+        const int width = QFontMetrics(narrowed).horizontalAdvance(text);
+        QVERIFY2(
+            width <= natural * 8 / 10 && width > natural * 6 / 10, QByteArray::number(width).constData());
 
-void TestLogList::aWideFontCutsNoTime()
-{
-    const QString example = u"2026.11.21 16:14:35.123"_s;
-    LogList list(LogList::Clock::Milliseconds);
-    WatchingStyle style(example.size());
-    list.setStyle(&style);
-    QFont font = list.font();
-    for (int size = 8; QFontMetrics(font).horizontalAdvance(example) < 150; ++size)
-        font.setPixelSize(size);
-    list.setFont(font);
-    list.resize(400, 120);
-    list.show();
-    list.append(u"Trade"_s, u"Order placed"_s);
-    QTRY_COMPARE(style.painted.text.size(), example.size());
+        QVERIFY(QFontMetrics(FittingDelegate::fitted(font, text, 1)).horizontalAdvance(text) > natural / 2);
+    }
 
-    const QRect room = style.subElementRect(QStyle::SE_ItemViewItemText, &style.painted, &list);
-    const int margins = 2 * (style.pixelMetric(QStyle::PM_FocusFrameHMargin, &style.painted, &list) + 1);
-    QCOMPARE(style.painted.rect.width(), 140);
-    const int width = QFontMetrics(style.painted.font).horizontalAdvance(style.painted.text);
-    QVERIFY2(width <= room.width() - margins, QByteArray::number(width).constData());
-}
+    void aWideFontCutsNoTime()
+    {
+        const QString example = u"2026.11.21 16:14:35.123"_s;
+        LogList list(LogList::Clock::Milliseconds);
+        WatchingStyle style(example.size());
+        list.setStyle(&style);
+        QFont font = list.font();
+        for (int size = 8; QFontMetrics(font).horizontalAdvance(example) < 150; ++size)
+            font.setPixelSize(size);
+        list.setFont(font);
+        list.resize(400, 120);
+        list.show();
+        list.append(u"Trade"_s, u"Order placed"_s);
+        QTRY_COMPARE(style.painted.text.size(), example.size());
 
-void TestLogList::newestRowIsInSightAfterTheTurn()
-{
-    LogList list(LogList::Clock::Seconds);
-    showWithManyRows(list);
-    list.append(u"s"_s, u"one more"_s);
-    QTRY_VERIFY(newestIsInSight(list));
-    QCOMPARE(newestText(list), u"one more"_s);
-}
+        const QRect room = style.subElementRect(QStyle::SE_ItemViewItemText, &style.painted, &list);
+        const int margins = 2 * (style.pixelMetric(QStyle::PM_FocusFrameHMargin, &style.painted, &list) + 1);
+        QCOMPARE(style.painted.rect.width(), 140);
+        const int width = QFontMetrics(style.painted.font).horizontalAdvance(style.painted.text);
+        QVERIFY2(width <= room.width() - margins, QByteArray::number(width).constData());
+    }
 
-void TestLogList::scrollsBackToTheNewestRow()
-{
-    LogList list(LogList::Clock::Seconds);
-    showWithManyRows(list);
-    list.scrollToTop();
-    QVERIFY(!newestIsInSight(list));
-    list.append(u"s"_s, u"news"_s);
-    QTRY_VERIFY(newestIsInSight(list));
-}
+    void newestRowIsInSightAfterTheTurn()
+    {
+        LogList list(LogList::Clock::Seconds);
+        showWithManyRows(list);
+        list.append(u"s"_s, u"one more"_s);
+        QTRY_VERIFY(newestIsInSight(list));
+        QCOMPARE(newestText(list), u"one more"_s);
+    }
 
-void TestLogList::rowsAddedWhileHiddenAreInSightWhenShown()
-{
-    LogList list(LogList::Clock::Seconds);
-    list.resize(400, 120);
-    for (int i = 0; i < 200; ++i)
-        list.append(u"s"_s, QString::number(i));
-    list.show();
-    QTRY_VERIFY(newestIsInSight(list));
-    list.hide();
-    for (int i = 0; i < 200; ++i)
-        list.append(u"s"_s, QString::number(i));
-    list.show();
-    QTRY_VERIFY(newestIsInSight(list));
-    QCOMPARE(list.topLevelItemCount(), 400);
-}
+    void scrollsBackToTheNewestRow()
+    {
+        LogList list(LogList::Clock::Seconds);
+        showWithManyRows(list);
+        list.scrollToTop();
+        QVERIFY(!newestIsInSight(list));
+        list.append(u"s"_s, u"news"_s);
+        QTRY_VERIFY(newestIsInSight(list));
+    }
 
-void TestLogList::manyRowsInOneTurnAreLaidOutOnce()
-{
-    LogList list(LogList::Clock::Seconds);
-    auto* delegate = new CountingDelegate(&list);
-    list.setItemDelegate(delegate);
-    list.resize(400, 120);
-    list.show();
-    list.append(u"s"_s, u"first"_s);
-    QTRY_VERIFY(newestIsInSight(list));
-    delegate->m_asked = 0;
-    list.append(u"s"_s, u"second"_s);
-    QTRY_VERIFY(newestIsInSight(list));
-    const int once = delegate->m_asked;
-    QVERIFY(once > 0);
-    delegate->m_asked = 0;
-    for (int i = 0; i < 1000; ++i)
-        list.append(u"s"_s, u"more"_s);
-    QTRY_VERIFY(newestIsInSight(list));
-    QVERIFY2(delegate->m_asked < 50 * once, QByteArray::number(delegate->m_asked).constData());
-}
+    void rowsAddedWhileHiddenAreInSightWhenShown()
+    {
+        LogList list(LogList::Clock::Seconds);
+        list.resize(400, 120);
+        for (int i = 0; i < 200; ++i)
+            list.append(u"s"_s, QString::number(i));
+        list.show();
+        QTRY_VERIFY(newestIsInSight(list));
+        list.hide();
+        for (int i = 0; i < 200; ++i)
+            list.append(u"s"_s, QString::number(i));
+        list.show();
+        QTRY_VERIFY(newestIsInSight(list));
+        QCOMPARE(list.topLevelItemCount(), 400);
+    }
 
-void TestLogList::aRowTakesLittleMemory()
-{
+    void manyRowsInOneTurnAreLaidOutOnce()
+    {
+        LogList list(LogList::Clock::Seconds);
+        auto* delegate = new CountingDelegate(&list);
+        list.setItemDelegate(delegate);
+        list.resize(400, 120);
+        list.show();
+        list.append(u"s"_s, u"first"_s);
+        QTRY_VERIFY(newestIsInSight(list));
+        delegate->m_asked = 0;
+        list.append(u"s"_s, u"second"_s);
+        QTRY_VERIFY(newestIsInSight(list));
+        const int once = delegate->m_asked;
+        QVERIFY(once > 0);
+        delegate->m_asked = 0;
+        for (int i = 0; i < 1000; ++i)
+            list.append(u"s"_s, u"more"_s);
+        QTRY_VERIFY(newestIsInSight(list));
+        QVERIFY2(delegate->m_asked < 50 * once, QByteArray::number(delegate->m_asked).constData());
+    }
+
+    void aRowTakesLittleMemory()
+    {
 #ifdef __SANITIZE_ADDRESS__
-    QSKIP("the sanitizer replaces the allocator that is measured here");
+        QSKIP("the sanitizer replaces the allocator that is measured here");
 #endif
-    constexpr int rows = 20000;
-    LogList list(LogList::Clock::Milliseconds);
-    list.resize(400, 120);
-    list.show();
-    list.append(u"Trade"_s, u"warm up"_s);
-    QTRY_VERIFY(newestIsInSight(list));
-    const size_t before = mallinfo2().uordblks;
-    for (int i = 0; i < rows; ++i)
-        list.append(u"Trade"_s, u"Order placed: buy 0.10 EURUSD at 1.07123, number %1"_s.arg(i));
-    QTRY_VERIFY(newestIsInSight(list));
-    QCOMPARE(list.topLevelItemCount(), rows + 1); // nothing is ever dropped
-    const size_t each = (mallinfo2().uordblks - before) / rows;
-    QVERIFY2(each <= 700, QByteArray::number(qulonglong(each)).constData());
-    QVERIFY(each > 100);
-}
+        constexpr int rows = 20000;
+        LogList list(LogList::Clock::Milliseconds);
+        list.resize(400, 120);
+        list.show();
+        list.append(u"Trade"_s, u"warm up"_s);
+        QTRY_VERIFY(newestIsInSight(list));
+        const size_t before = mallinfo2().uordblks;
+        for (int i = 0; i < rows; ++i)
+            list.append(u"Trade"_s, u"Order placed: buy 0.10 EURUSD at 1.07123, number %1"_s.arg(i));
+        QTRY_VERIFY(newestIsInSight(list));
+        QCOMPARE(list.topLevelItemCount(), rows + 1); // nothing is ever dropped
+        const size_t each = (mallinfo2().uordblks - before) / rows;
+        QVERIFY2(each <= 700, QByteArray::number(qulonglong(each)).constData());
+        QVERIFY(each > 100);
+    }
+};
 
 TAVORAN_TEST(TestLogList)
 #include "tst_LogList.moc"

@@ -1,5 +1,6 @@
 #include "MarketWatchFixture.h"
 #include "app/ui/Theme.h"
+#include "support/Records.h"
 #include "support/TestMain.h"
 
 #include <QProxyStyle>
@@ -7,7 +8,6 @@
 
 using namespace Qt::StringLiterals;
 using fixtures::colorOf;
-using fixtures::parse;
 using fixtures::parseArray;
 using fixtures::threeSymbols;
 using fixtures::Watch;
@@ -36,190 +36,175 @@ class TestMarketWatchWidget final : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init();
-    void listsSymbolsInOrderWithoutPrices();
-    void aNewListStartsFromNothing();
-    void aNewListKeepsTheTradersPlace();
-    void aNewListStaysScrolledWhereItWas();
-    void aNewListKeepsALongSymbolSelected();
-    void ofEqualNamesTheLastRowGetsThePrices();
-    void oddListsDoNoHarm();
-    void aDoubleClickIsReportedOnce_data();
-    void aDoubleClickIsReportedOnce();
-    void eachDoubleClickIsReported();
-    void enterIsReportedOnce();
-    void aHeldEnterKeyIsReportedOnce();
-    void currentSymbolFallsBackToTheFirstRow();
-};
-
-void TestMarketWatchWidget::init()
-{
-    setTheme(false);
-    applyTheme(*qApp);
-}
-
-void TestMarketWatchWidget::listsSymbolsInOrderWithoutPrices()
-{
-    const Watch watch;
-    QCOMPARE(watch.names(), (QStringList{u"GOLD"_s, u"EURUSD"_s, u"OIL"_s}));
-    for (int column = 1; column < 4; ++column) {
-        QCOMPARE(watch.row(u"GOLD"_s)->text(column), QString());
-        QCOMPARE(watch.row(u"GOLD"_s)->textAlignment(column), int(Qt::AlignRight | Qt::AlignVCenter));
+    void init()
+    {
+        setTheme(false);
+        applyTheme(*qApp);
     }
-    QCOMPARE(colorOf(watch.row(u"GOLD"_s), 1), QColor(u"#1e1e1e"_s));
-    QCOMPARE(colorOf(watch.row(u"GOLD"_s), 2), QColor(u"#1e1e1e"_s));
-}
 
-void TestMarketWatchWidget::aNewListStartsFromNothing()
-{
-    Watch watch;
-    watch.quote("1.1", "1.2");
-    watch.quote("1.2", "1.3");
-    watch.widget.setSymbols(parseArray(threeSymbols));
-    const QTreeWidgetItem* row = watch.row(u"EURUSD"_s);
-    QCOMPARE(watch.list->topLevelItemCount(), 3);
-    QCOMPARE(row->text(1) + row->text(2) + row->text(3), QString());
-    QVERIFY(row->icon(0).isNull());
-    watch.quote("1.1", "1.2");
-    QCOMPARE(colorOf(row, 1), QColor(u"#1e1e1e"_s));
-}
+    void listsSymbolsInOrderWithoutPrices()
+    {
+        const Watch watch;
+        QCOMPARE(watch.names(), (QStringList{u"GOLD"_s, u"EURUSD"_s, u"OIL"_s}));
+        for (int column = 1; column < 4; ++column) {
+            QCOMPARE(watch.row(u"GOLD"_s)->text(column), QString());
+            QCOMPARE(watch.row(u"GOLD"_s)->textAlignment(column), int(Qt::AlignRight | Qt::AlignVCenter));
+        }
+        QCOMPARE(colorOf(watch.row(u"GOLD"_s), 1), QColor(u"#1e1e1e"_s));
+        QCOMPARE(colorOf(watch.row(u"GOLD"_s), 2), QColor(u"#1e1e1e"_s));
+    }
 
-void TestMarketWatchWidget::aNewListKeepsTheTradersPlace()
-{
-    Watch watch;
-    watch.list->setCurrentItem(watch.row(u"OIL"_s));
-    watch.widget.setSymbols(parseArray(threeSymbols));
-    QCOMPARE(watch.widget.currentSymbol(), u"OIL"_s);
-    watch.widget.setSymbols(parseArray(R"([{"name":"A"},{"name":"B"}])"));
-    QCOMPARE(watch.widget.currentSymbol(), u"A"_s);
-}
-
-void TestMarketWatchWidget::aNewListKeepsALongSymbolSelected()
-{
-    const QByteArray start(80, 'x');
-    const QByteArray symbols = R"([{"name":")" + start + R"(A"},{"name":")" + start + R"(B"}])";
-    Watch watch(symbols);
-    watch.list->setCurrentItem(watch.list->topLevelItem(1));
-    QCOMPARE(watch.widget.currentSymbol(), QString::fromLatin1(start) + u'B');
-    watch.widget.setSymbols(parseArray(symbols));
-    QCOMPARE(watch.widget.currentSymbol(), QString::fromLatin1(start) + u'B');
-}
-
-void TestMarketWatchWidget::aNewListStaysScrolledWhereItWas()
-{
-    QJsonArray many;
-    for (int i = 0; i < 200; ++i)
-        many.append(QJsonObject{{"name"_L1, u"S%1"_s.arg(i)}, {"sortOrder"_L1, i}});
-    for (const bool withCurrentRow : {false, true}) {
+    void aNewListStartsFromNothing()
+    {
         Watch watch;
-        watch.widget.setSymbols(many);
-        if (withCurrentRow)
-            watch.list->setCurrentItem(watch.list->topLevelItem(7));
-        watch.list->scrollToItem(watch.list->topLevelItem(120), QAbstractItemView::PositionAtTop);
-        const int scrolled = watch.list->verticalScrollBar()->value();
-        QVERIFY(scrolled > 0);
-        watch.widget.setSymbols(many);
-        QCoreApplication::processEvents();
-        QCOMPARE(watch.list->verticalScrollBar()->value(), scrolled);
+        watch.quote(1.1, 1.2);
+        watch.quote(1.2, 1.3);
+        watch.widget.setSymbols(parseArray(threeSymbols));
+        const QTreeWidgetItem* row = watch.row(u"EURUSD"_s);
+        QCOMPARE(watch.list->topLevelItemCount(), 3);
+        QCOMPARE(row->text(1) + row->text(2) + row->text(3), QString());
+        QVERIFY(row->icon(0).isNull());
+        watch.quote(1.1, 1.2);
+        QCOMPARE(colorOf(row, 1), QColor(u"#1e1e1e"_s));
     }
-}
 
-void TestMarketWatchWidget::ofEqualNamesTheLastRowGetsThePrices()
-{
-    Watch watch(R"([{"name":"A","digits":1},{"name":"A","digits":3}])");
-    QCOMPARE(watch.list->topLevelItemCount(), 2);
-    watch.widget.updatePrices(parse(R"({"A":{"bid":7}})"));
-    QCOMPARE(watch.list->topLevelItem(0)->text(1), QString());
-    QCOMPARE(watch.list->topLevelItem(1)->text(1), u"7.000"_s);
-}
-
-void TestMarketWatchWidget::oddListsDoNoHarm()
-{
-    Watch watch(R"([1,null,"x",[],{},{"name":7},{"name":"A","description":5,"sortOrder":"z"}])");
-    QCOMPARE(watch.names(), QStringList{u"A"_s});
-    watch.widget.setSymbols({});
-    QCOMPARE(watch.list->topLevelItemCount(), 0);
-    watch.widget.updatePrices(parse(R"({"A":{"bid":7}})"));
-    QCOMPARE(watch.widget.currentSymbol(), QString());
-}
-
-void TestMarketWatchWidget::aDoubleClickIsReportedOnce_data()
-{
-    QTest::addColumn<bool>("singleClickStyle");
-    QTest::newRow("style that activates on a double-click") << false;
-    QTest::newRow("style that activates on a single click") << true;
-}
-
-void TestMarketWatchWidget::aDoubleClickIsReportedOnce()
-{
-    QFETCH(bool, singleClickStyle);
-    Watch watch;
-    if (singleClickStyle) {
-        auto* style = new SingleClickStyle;
-        style->setParent(watch.list);
-        qApp->setStyleSheet({});
-        watch.list->setStyle(style);
+    void aNewListKeepsTheTradersPlace()
+    {
+        Watch watch;
+        watch.list->setCurrentItem(watch.row(u"OIL"_s));
+        watch.widget.setSymbols(parseArray(threeSymbols));
+        QCOMPARE(watch.widget.currentSymbol(), u"OIL"_s);
+        watch.widget.setSymbols({records::symbol("A"), records::symbol("B")});
+        QCOMPARE(watch.widget.currentSymbol(), u"A"_s);
     }
-    QSignalSpy reported(&watch.widget, &MarketWatchWidget::symbolActivated);
-    // Qt does report it twice or more.
-    QSignalSpy doubleClicks(watch.list, &QTreeWidget::itemDoubleClicked);
-    QSignalSpy activations(watch.list, &QTreeWidget::itemActivated);
-    watch.doubleClick(watch.row(u"EURUSD"_s));
-    QCOMPARE(doubleClicks.size(), 1);
-    QCOMPARE_GE(activations.size(), 1);
-    QCOMPARE(reported.size(), 1);
-    QCOMPARE(reported.at(0).at(0).toString(), u"EURUSD"_s);
-}
 
-void TestMarketWatchWidget::eachDoubleClickIsReported()
-{
-    Watch watch;
-    QSignalSpy reported(&watch.widget, &MarketWatchWidget::symbolActivated);
-    watch.doubleClick(watch.row(u"EURUSD"_s));
-    watch.doubleClick(watch.row(u"EURUSD"_s));
-    watch.doubleClick(watch.row(u"OIL"_s));
-    QCOMPARE(reported.size(), 3);
-    QCOMPARE(reported.at(2).at(0).toString(), u"OIL"_s);
-}
-
-void TestMarketWatchWidget::enterIsReportedOnce()
-{
-    Watch watch;
-    watch.list->setCurrentItem(watch.row(u"OIL"_s));
-    QSignalSpy reported(&watch.widget, &MarketWatchWidget::symbolActivated);
-    QTest::keyClick(watch.list, Qt::Key_Return);
-    QCOMPARE(reported.size(), 1);
-    QCOMPARE(reported.at(0).at(0).toString(), u"OIL"_s);
-    QTest::keyClick(watch.list, Qt::Key_Enter);
-    QCOMPARE(reported.size(), 2);
-    watch.doubleClick(watch.row(u"OIL"_s));
-    QCOMPARE(reported.size(), 3);
-}
-
-void TestMarketWatchWidget::aHeldEnterKeyIsReportedOnce()
-{
-    Watch watch;
-    watch.list->setCurrentItem(watch.row(u"OIL"_s));
-    QSignalSpy reported(&watch.widget, &MarketWatchWidget::symbolActivated);
-    QTest::keyPress(watch.list, Qt::Key_Return);
-    for (int i = 0; i < 5; ++i) {
-        QKeyEvent repeat(QEvent::KeyPress, Qt::Key_Return, Qt::NoModifier, u"\r"_s, true);
-        QApplication::sendEvent(watch.list, &repeat);
+    void aNewListStaysScrolledWhereItWas()
+    {
+        QJsonArray many;
+        for (int i = 0; i < 200; ++i)
+            many.append(records::symbol(u"S%1"_s.arg(i)).rank(i));
+        for (const bool withCurrentRow : {false, true}) {
+            Watch watch;
+            watch.widget.setSymbols(many);
+            if (withCurrentRow)
+                watch.list->setCurrentItem(watch.list->topLevelItem(7));
+            watch.list->scrollToItem(watch.list->topLevelItem(120), QAbstractItemView::PositionAtTop);
+            const int scrolled = watch.list->verticalScrollBar()->value();
+            QVERIFY(scrolled > 0);
+            watch.widget.setSymbols(many);
+            QCoreApplication::processEvents();
+            QCOMPARE(watch.list->verticalScrollBar()->value(), scrolled);
+        }
     }
-    QTest::keyRelease(watch.list, Qt::Key_Return);
-    QCOMPARE(reported.size(), 1);
-}
 
-void TestMarketWatchWidget::currentSymbolFallsBackToTheFirstRow()
-{
-    Watch watch;
-    watch.list->setCurrentItem(nullptr);
-    QCOMPARE(watch.widget.currentSymbol(), u"GOLD"_s);
-    watch.list->setCurrentItem(watch.row(u"OIL"_s));
-    QCOMPARE(watch.widget.currentSymbol(), u"OIL"_s);
-    watch.widget.setSymbols({});
-    QCOMPARE(watch.widget.currentSymbol(), QString());
-}
+    void aNewListKeepsALongSymbolSelected()
+    {
+        const QString start(80, u'x');
+        const QJsonArray symbols{records::symbol(start + u'A'), records::symbol(start + u'B')};
+        Watch watch(symbols);
+        watch.list->setCurrentItem(watch.list->topLevelItem(1));
+        QCOMPARE(watch.widget.currentSymbol(), start + u'B');
+        watch.widget.setSymbols(symbols);
+        QCOMPARE(watch.widget.currentSymbol(), start + u'B');
+    }
+
+    void ofEqualNamesTheLastRowGetsThePrices()
+    {
+        Watch watch(parseArray(R"([{"name":"A","digits":1},{"name":"A","digits":3}])"));
+        QCOMPARE(watch.list->topLevelItemCount(), 2);
+        watch.widget.updatePrices(records::prices({{"A", 7}}));
+        QCOMPARE(watch.list->topLevelItem(0)->text(1), QString());
+        QCOMPARE(watch.list->topLevelItem(1)->text(1), u"7.000"_s);
+    }
+
+    void oddListsDoNoHarm()
+    {
+        Watch watch(
+            parseArray(R"([1,null,"x",[],{},{"name":7},{"name":"A","description":5,"sortOrder":"z"}])"));
+        QCOMPARE(watch.names(), QStringList{u"A"_s});
+        watch.widget.setSymbols({});
+        QCOMPARE(watch.list->topLevelItemCount(), 0);
+        watch.widget.updatePrices(records::prices({{"A", 7}}));
+        QCOMPARE(watch.widget.currentSymbol(), QString());
+    }
+
+    void aDoubleClickIsReportedOnce_data()
+    {
+        QTest::addColumn<bool>("singleClickStyle");
+        QTest::newRow("style that activates on a double-click") << false;
+        QTest::newRow("style that activates on a single click") << true;
+    }
+    void aDoubleClickIsReportedOnce()
+    {
+        QFETCH(bool, singleClickStyle);
+        Watch watch;
+        if (singleClickStyle) {
+            auto* style = new SingleClickStyle;
+            style->setParent(watch.list);
+            qApp->setStyleSheet({});
+            watch.list->setStyle(style);
+        }
+        QSignalSpy reported(&watch.widget, &MarketWatchWidget::symbolActivated);
+        // Qt does report it twice or more.
+        QSignalSpy doubleClicks(watch.list, &QTreeWidget::itemDoubleClicked);
+        QSignalSpy activations(watch.list, &QTreeWidget::itemActivated);
+        watch.doubleClick(watch.row(u"EURUSD"_s));
+        QCOMPARE(doubleClicks.size(), 1);
+        QCOMPARE_GE(activations.size(), 1);
+        QCOMPARE(reported.size(), 1);
+        QCOMPARE(reported.at(0).at(0).toString(), u"EURUSD"_s);
+    }
+
+    void eachDoubleClickIsReported()
+    {
+        Watch watch;
+        QSignalSpy reported(&watch.widget, &MarketWatchWidget::symbolActivated);
+        watch.doubleClick(watch.row(u"EURUSD"_s));
+        watch.doubleClick(watch.row(u"EURUSD"_s));
+        watch.doubleClick(watch.row(u"OIL"_s));
+        QCOMPARE(reported.size(), 3);
+        QCOMPARE(reported.at(2).at(0).toString(), u"OIL"_s);
+    }
+
+    void enterIsReportedOnce()
+    {
+        Watch watch;
+        watch.list->setCurrentItem(watch.row(u"OIL"_s));
+        QSignalSpy reported(&watch.widget, &MarketWatchWidget::symbolActivated);
+        QTest::keyClick(watch.list, Qt::Key_Return);
+        QCOMPARE(reported.size(), 1);
+        QCOMPARE(reported.at(0).at(0).toString(), u"OIL"_s);
+        QTest::keyClick(watch.list, Qt::Key_Enter);
+        QCOMPARE(reported.size(), 2);
+        watch.doubleClick(watch.row(u"OIL"_s));
+        QCOMPARE(reported.size(), 3);
+    }
+
+    void aHeldEnterKeyIsReportedOnce()
+    {
+        Watch watch;
+        watch.list->setCurrentItem(watch.row(u"OIL"_s));
+        QSignalSpy reported(&watch.widget, &MarketWatchWidget::symbolActivated);
+        QTest::keyPress(watch.list, Qt::Key_Return);
+        for (int i = 0; i < 5; ++i) {
+            QKeyEvent repeat(QEvent::KeyPress, Qt::Key_Return, Qt::NoModifier, u"\r"_s, true);
+            QApplication::sendEvent(watch.list, &repeat);
+        }
+        QTest::keyRelease(watch.list, Qt::Key_Return);
+        QCOMPARE(reported.size(), 1);
+    }
+
+    void currentSymbolFallsBackToTheFirstRow()
+    {
+        Watch watch;
+        watch.list->setCurrentItem(nullptr);
+        QCOMPARE(watch.widget.currentSymbol(), u"GOLD"_s);
+        watch.list->setCurrentItem(watch.row(u"OIL"_s));
+        QCOMPARE(watch.widget.currentSymbol(), u"OIL"_s);
+        watch.widget.setSymbols({});
+        QCOMPARE(watch.widget.currentSymbol(), QString());
+    }
+};
 
 TAVORAN_TEST(TestMarketWatchWidget)
 #include "tst_MarketWatchWidget.moc"

@@ -16,4 +16,10 @@ inline QJsonObject parse(const QByteArray& json)
     return QJsonDocument::fromJson(json).object();
 }
 
+/// What stands alone in a text, such as "1.5", "null" or "\"x\"".
+inline QJsonValue parseValue(const QByteArray& json)
+{
+    return parseArray('[' + json + ']').at(0);
+}
+
 } // namespace fixtures
