@@ -1,12 +1,7 @@
-#include "app/base/TerminalSettings.h"
-#include "net/ApiClient.h"
-#include "net/FinishReply.h"
-#include "support/StubHttpServer.h"
+#include "net/ApiFixture.h"
 #include "support/TestMain.h"
 
-#include <QJsonDocument>
 #include <QNetworkReply>
-#include <optional>
 
 using namespace Qt::StringLiterals;
 using fixtures::finish;
@@ -23,281 +18,220 @@ QByteArray endless(const QByteArray& status)
 } // namespace
 
 /// What Qt's network stack does behind our back, and what broken servers send.
-class TestApiClientFaults final : public QObject {
+class TestApiClientFaults final : public fixtures::ApiTest {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init();
-    void cleanup();
+    void init() { serve(); }
 
-    void a_change_arrives_once_when_the_server_closes_after_reading_it_data();
-    void a_change_arrives_once_when_the_server_closes_after_reading_it();
-    void a_change_arrives_once_when_a_kept_connection_closes_data();
-    void a_change_arrives_once_when_a_kept_connection_closes();
-    void a_sign_in_arrives_once_when_the_server_closes_after_reading_it();
-    void a_redirect_is_an_error_and_does_not_carry_the_token_data();
-    void a_redirect_is_an_error_and_does_not_carry_the_token();
-    void a_change_leaves_while_stuck_reads_hold_every_connection();
-    void a_change_leaves_however_many_have_no_answer();
-    void an_endless_reply_is_given_up();
-    void an_endless_refusal_is_a_refusal();
-    void a_large_reply_of_five_megabytes_is_read();
-    void a_body_cut_short_is_an_error();
-    void a_body_cut_short_without_a_length_never_passes_for_data();
-    void a_bad_chunk_never_passes_for_data();
-    void a_dripping_reply_is_read_to_its_end();
-    void a_refused_connection_is_an_error_with_a_text();
-    void a_reset_in_mid_request_is_an_error_with_a_text();
-    void error_texts_never_carry_the_token();
-    void a_huge_message_is_cut();
+    void cleanup() { end(); }
 
-private:
-    ReplyOutcome change(const QByteArray& verb, const QString& path);
-    QString readError(const QString& path);
-
-    std::optional<StubHttpServer> m_server;
-    std::optional<ApiClient> m_api;
-};
-
-void TestApiClientFaults::init()
-{
-    m_server.emplace();
-    m_api.emplace(TerminalSettings::instance());
-    TerminalSettings::instance().setServerUrl(m_server->url());
-    TerminalSettings::instance().setToken(u"token-1234"_s);
-}
-
-void TestApiClientFaults::cleanup()
-{
-    m_api.reset();
-    m_server.reset();
-}
-
-ReplyOutcome TestApiClientFaults::change(const QByteArray& verb, const QString& path)
-{
-    const QJsonObject body{{u"lotSize"_s, 1}};
-    if (verb == "POST")
-        return finish(m_api->post(path, body));
-    return finish(verb == "PUT" ? m_api->put(path, body) : m_api->del(path));
-}
-
-QString TestApiClientFaults::readError(const QString& path)
-{
-    std::optional<QString> result;
-    m_api->get(path, [&](const QJsonDocument& document, const QString& error) {
-        result = document.isNull() ? error : u"(a document)"_s;
-    });
-    return QTest::qWaitFor([&] { return result.has_value(); }, 10000) ? *result : u"(no answer)"_s;
-}
-
-void TestApiClientFaults::a_change_arrives_once_when_the_server_closes_after_reading_it_data()
-{
-    QTest::addColumn<QByteArray>("verb");
-    QTest::newRow("POST") << "POST"_ba;
-    QTest::newRow("PUT") << "PUT"_ba;
-    QTest::newRow("DELETE") << "DELETE"_ba;
-}
-
-void TestApiClientFaults::a_change_arrives_once_when_the_server_closes_after_reading_it()
-{
-    QFETCH(const QByteArray, verb);
-    m_server->on(verb, "/api/order", StubAnswer::closed());
-    const ReplyOutcome outcome = change(verb, u"/api/order"_s);
-    QVERIFY(!outcome.ok);
-    QCOMPARE(outcome.status, 0);
-    QCOMPARE(outcome.error, u"Connection closed"_s);
-    // A second copy would come on a new connection; this read shows that none is on its way.
-    QVERIFY(readError(u"/later"_s).contains(u"stub has no"_s));
-    QCOMPARE(m_server->count(verb, "/api/order"), 1);
-}
-
-void TestApiClientFaults::a_change_arrives_once_when_a_kept_connection_closes_data()
-{
-    a_change_arrives_once_when_the_server_closes_after_reading_it_data();
-}
-
-void TestApiClientFaults::a_change_arrives_once_when_a_kept_connection_closes()
-{
-    QFETCH(const QByteArray, verb);
-    m_server->on("GET", "/warm", StubAnswer::json("[]"));
-    QCOMPARE(readError(u"/warm"_s), u"(a document)"_s);
-    m_server->on(verb, "/api/order", StubAnswer::closed());
-    const ReplyOutcome outcome = change(verb, u"/api/order"_s);
-    QCOMPARE(outcome.error, u"Connection closed"_s);
-    QCOMPARE(readError(u"/warm"_s), u"(a document)"_s);
-    QCOMPARE(m_server->count(verb, "/api/order"), 1);
-}
-
-void TestApiClientFaults::a_sign_in_arrives_once_when_the_server_closes_after_reading_it()
-{
-    m_server->on("POST", "/api/auth/login", StubAnswer::closed());
-    QSignalSpy failed(&*m_api, &ApiClient::loginFailed);
-    m_api->login(u"a@b.c"_s, u"pw"_s);
-    QTRY_COMPARE(failed.size(), 1);
-    QCOMPARE(failed.at(0).at(0).toString(), u"Connection closed"_s);
-    QCOMPARE(m_server->count("POST", "/api/auth/login"), 1);
-}
-
-void TestApiClientFaults::a_redirect_is_an_error_and_does_not_carry_the_token_data()
-{
-    QTest::addColumn<int>("status");
-    for (const int status : {301, 302, 303, 307, 308})
-        QTest::addRow("%d", status) << status;
-}
-
-void TestApiClientFaults::a_redirect_is_an_error_and_does_not_carry_the_token()
-{
-    QFETCH(const int, status);
-    StubHttpServer other;
-    other.on("GET", "/stolen", StubAnswer::json("[]"));
-    const StubAnswer away = StubAnswer::redirect(other.url() + u"/stolen"_s, status);
-    for (const char* verb : {"GET", "POST", "PUT", "DELETE"})
-        m_server->on(verb, "/x", away);
-    QCOMPARE(readError(u"/x"_s), u"The server answered with a redirect"_s);
-    for (const char* verb : {"POST", "PUT", "DELETE"}) {
-        const ReplyOutcome outcome = change(verb, u"/x"_s);
+    void a_change_arrives_once_when_the_server_closes_after_reading_it_data()
+    {
+        QTest::addColumn<QByteArray>("verb");
+        QTest::newRow("POST") << "POST"_ba;
+        QTest::newRow("PUT") << "PUT"_ba;
+        QTest::newRow("DELETE") << "DELETE"_ba;
+    }
+    void a_change_arrives_once_when_the_server_closes_after_reading_it()
+    {
+        QFETCH(const QByteArray, verb);
+        m_server->on(verb, "/api/order", StubAnswer::closed());
+        const ReplyOutcome outcome = change(verb, u"/api/order"_s);
         QVERIFY(!outcome.ok);
-        QCOMPARE(outcome.status, status);
-        QCOMPARE(outcome.error, u"The server answered with a redirect"_s);
+        QCOMPARE(outcome.status, 0);
+        QCOMPARE(outcome.error, u"Connection closed"_s);
+        // A second copy would come on a new connection; this read shows that none is on its way.
+        QVERIFY(readError(u"/later"_s).contains(u"stub has no"_s));
+        QCOMPARE(m_server->count(verb, "/api/order"), 1);
     }
-    QCOMPARE(other.requests().size(), 0);
-    QCOMPARE(m_server->requests().size(), 4);
-}
 
-void TestApiClientFaults::a_change_leaves_while_stuck_reads_hold_every_connection()
-{
-    m_server->on("GET", "/stuck", StubAnswer::held());
-    m_server->on("POST", "/order", StubAnswer::json("{}"));
-    for (int i = 0; i < 9; ++i)
-        m_api->get(u"/stuck"_s, [](const QJsonDocument&, const QString&) {});
-    QTRY_COMPARE(m_server->heldCount(), 6);
-    QVERIFY(finish(m_api->post(u"/order"_s, {})).ok);
-    QCOMPARE(m_server->count("GET", "/stuck"), 6);
-}
-
-void TestApiClientFaults::a_change_leaves_however_many_have_no_answer()
-{
-    m_server->on("POST", "/order", StubAnswer::held());
-    QStringList unanswered;
-    for (int i = 0; i < 14; ++i) {
-        const QNetworkReply* reply = m_api->post(u"/order"_s, {{u"n"_s, i}});
-        QVERIFY(reply->isRunning());
-        unanswered.append(uR"(POST /order {"n":%1})"_s.arg(i));
+    void a_change_arrives_once_when_a_kept_connection_closes_data()
+    {
+        a_change_arrives_once_when_the_server_closes_after_reading_it_data();
     }
-    QTRY_COMPARE(m_server->heldCount(), 14);
-    QCOMPARE(m_api->unansweredChanges(), unanswered);
-    while (m_server->release(StubAnswer::json("{}"))) { }
-    QTRY_COMPARE(m_api->unansweredChanges(), QStringList());
-    // What is free again is used again.
-    QVERIFY(finish(m_api->put(u"/order"_s, {})).status == 404);
-    QVERIFY(m_server->connectionCount() <= 14);
-}
-
-void TestApiClientFaults::an_endless_reply_is_given_up()
-{
-    const QByteArray tooMuch = endless("200 OK"_ba);
-    m_server->on("GET", "/x", StubAnswer::raw(tooMuch));
-    m_server->on("POST", "/x", StubAnswer::raw(tooMuch));
-    QSignalSpy tooLarge(&*m_api, &ApiClient::replyTooLarge);
-    QCOMPARE(readError(u"/x"_s), u"Operation canceled"_s);
-    QCOMPARE(tooLarge.size(), 1);
-    QCOMPARE(tooLarge.takeFirst().at(0).toString(), u"/x"_s);
-    const ReplyOutcome outcome = change("POST", u"/x"_s);
-    QVERIFY(outcome.isUnanswered());
-    QCOMPARE(outcome.error, u"no answer; it may have been carried out"_s);
-    QCOMPARE(tooLarge.size(), 0);
-}
-
-void TestApiClientFaults::an_endless_refusal_is_a_refusal()
-{
-    const QByteArray tooMuch = endless("403 Forbidden"_ba);
-    m_server->on("GET", "/x", StubAnswer::raw(tooMuch));
-    m_server->on("POST", "/x", StubAnswer::raw(tooMuch));
-    QCOMPARE(readError(u"/x"_s), u"refused; the reason did not arrive"_s);
-    const ReplyOutcome outcome = change("POST", u"/x"_s);
-    QVERIFY(!outcome.isUncertain());
-    QCOMPARE(outcome.error, u"refused; the reason did not arrive"_s);
-}
-
-void TestApiClientFaults::a_large_reply_of_five_megabytes_is_read()
-{
-    m_server->on("GET", "/x", StubAnswer::json("[\"" + QByteArray(5'000'000, 'x') + "\"]"));
-    const QSignalSpy tooLarge(&*m_api, &ApiClient::replyTooLarge);
-    QCOMPARE(readError(u"/x"_s), u"(a document)"_s);
-    QCOMPARE(tooLarge.size(), 0);
-}
-
-void TestApiClientFaults::a_body_cut_short_is_an_error()
-{
-    m_server->on("GET", "/x", StubAnswer::raw("HTTP/1.1 200 OK\r\nContent-Length: 100\r\n\r\n[1,2"));
-    const QString error = readError(u"/x"_s);
-    QVERIFY(!error.isEmpty());
-    QVERIFY(error != u"(a document)"_s);
-}
-
-void TestApiClientFaults::a_body_cut_short_without_a_length_never_passes_for_data()
-{
-    m_server->on("GET", "/x", StubAnswer::raw("HTTP/1.1 200 OK\r\n\r\n[1,2"));
-    QCOMPARE(readError(u"/x"_s), QString()); // a success, as far as Qt can tell
-}
-
-void TestApiClientFaults::a_bad_chunk_never_passes_for_data()
-{
-    m_server->on("GET", "/x",
-        StubAnswer::raw("HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n5\r\n[1,2,\r\nzz\r\n"));
-    QVERIFY(readError(u"/x"_s) != u"(a document)"_s);
-}
-
-void TestApiClientFaults::a_dripping_reply_is_read_to_its_end()
-{
-    const QByteArray body = R"([1,2,3])";
-    m_server->on("GET", "/x", StubAnswer::dripping(body));
-    std::optional<QJsonDocument> result;
-    m_api->get(u"/x"_s, [&](const QJsonDocument& document, const QString&) { result = document; });
-    QTRY_COMPARE(m_server->count("GET", "/x"), 1);
-    for (qsizetype i = 0; i < body.size(); ++i) {
-        QVERIFY(!result);
-        m_server->drip();
-        QCoreApplication::processEvents();
+    void a_change_arrives_once_when_a_kept_connection_closes()
+    {
+        QFETCH(const QByteArray, verb);
+        m_server->on("GET", "/warm", StubAnswer::json("[]"));
+        QCOMPARE(readError(u"/warm"_s), u"(a document)"_s);
+        m_server->on(verb, "/api/order", StubAnswer::closed());
+        const ReplyOutcome outcome = change(verb, u"/api/order"_s);
+        QCOMPARE(outcome.error, u"Connection closed"_s);
+        QCOMPARE(readError(u"/warm"_s), u"(a document)"_s);
+        QCOMPARE(m_server->count(verb, "/api/order"), 1);
     }
-    QTRY_VERIFY(result);
-    QCOMPARE(result->toJson(QJsonDocument::Compact), body);
-}
 
-void TestApiClientFaults::a_refused_connection_is_an_error_with_a_text()
-{
-    m_server->shutDown();
-    QCOMPARE(readError(u"/x"_s), u"Connection refused"_s);
-    QCOMPARE(change("POST", u"/x"_s).error, u"Connection refused"_s);
-}
+    void a_sign_in_arrives_once_when_the_server_closes_after_reading_it()
+    {
+        m_server->on("POST", "/api/auth/login", StubAnswer::closed());
+        QSignalSpy failed(&*m_api, &ApiClient::loginFailed);
+        m_api->login(u"a@b.c"_s, u"pw"_s);
+        QTRY_COMPARE(failed.size(), 1);
+        QCOMPARE(failed.at(0).at(0).toString(), u"Connection closed"_s);
+        QCOMPARE(m_server->count("POST", "/api/auth/login"), 1);
+    }
 
-void TestApiClientFaults::a_reset_in_mid_request_is_an_error_with_a_text()
-{
-    m_server->on("POST", "/x", StubAnswer::held());
-    QNetworkReply* reply = m_api->post(u"/x"_s, {});
-    QTRY_COMPARE(m_server->heldCount(), 1);
-    m_server->cutAll();
-    const ReplyOutcome outcome = finish(reply);
-    QVERIFY(!outcome.ok);
-    QVERIFY(!outcome.error.isEmpty());
-    QCOMPARE(m_server->count("POST", "/x"), 1);
-}
+    void a_redirect_is_an_error_and_does_not_carry_the_token_data()
+    {
+        QTest::addColumn<int>("status");
+        for (const int status : {301, 302, 303, 307, 308})
+            QTest::addRow("%d", status) << status;
+    }
+    void a_redirect_is_an_error_and_does_not_carry_the_token()
+    {
+        QFETCH(const int, status);
+        StubHttpServer other;
+        other.on("GET", "/stolen", StubAnswer::json("[]"));
+        const StubAnswer away = StubAnswer::redirect(other.url() + u"/stolen"_s, status);
+        for (const char* verb : {"GET", "POST", "PUT", "DELETE"})
+            m_server->on(verb, "/x", away);
+        QCOMPARE(readError(u"/x"_s), u"The server answered with a redirect"_s);
+        for (const char* verb : {"POST", "PUT", "DELETE"}) {
+            const ReplyOutcome outcome = change(verb, u"/x"_s);
+            QVERIFY(!outcome.ok);
+            QCOMPARE(outcome.status, status);
+            QCOMPARE(outcome.error, u"The server answered with a redirect"_s);
+        }
+        QCOMPARE(other.requests().size(), 0);
+        QCOMPARE(m_server->requests().size(), 4);
+    }
 
-void TestApiClientFaults::error_texts_never_carry_the_token()
-{
-    m_server->on("GET", "/message", StubAnswer::message(u"Bad token token-1234!"_s, 401));
-    m_server->on(
-        "GET", "/reason", StubAnswer::raw("HTTP/1.1 500 No token-1234\r\nContent-Length: 0\r\n\r\n"));
-    QCOMPARE(readError(u"/message"_s), u"Bad token [hidden]!"_s);
-    const QString error = readError(u"/reason"_s);
-    QVERIFY2(error.contains(u"No [hidden]"_s), qPrintable(error));
-}
+    void a_change_leaves_while_stuck_reads_hold_every_connection()
+    {
+        m_server->on("GET", "/stuck", StubAnswer::held());
+        m_server->on("POST", "/order", StubAnswer::json("{}"));
+        for (int i = 0; i < 9; ++i)
+            m_api->get(u"/stuck"_s, [](const QJsonDocument&, const QString&) {});
+        QTRY_COMPARE(m_server->heldCount(), 6);
+        QVERIFY(finish(m_api->post(u"/order"_s, {})).ok);
+        QCOMPARE(m_server->count("GET", "/stuck"), 6);
+    }
 
-void TestApiClientFaults::a_huge_message_is_cut()
-{
-    m_server->on("GET", "/x", StubAnswer::message(QString(5'000'000, u'x'), 500));
-    QCOMPARE(readError(u"/x"_s).size(), 301);
-}
+    void a_change_leaves_however_many_have_no_answer()
+    {
+        m_server->on("POST", "/order", StubAnswer::held());
+        QStringList unanswered;
+        for (int i = 0; i < 14; ++i) {
+            const QNetworkReply* reply = m_api->post(u"/order"_s, {{u"n"_s, i}});
+            QVERIFY(reply->isRunning());
+            unanswered.append(uR"(POST /order {"n":%1})"_s.arg(i));
+        }
+        QTRY_COMPARE(m_server->heldCount(), 14);
+        QCOMPARE(m_api->unansweredChanges(), unanswered);
+        while (m_server->release(StubAnswer::json("{}"))) { }
+        QTRY_COMPARE(m_api->unansweredChanges(), QStringList());
+        // What is free again is used again.
+        QVERIFY(finish(m_api->put(u"/order"_s, {})).status == 404);
+        QVERIFY(m_server->connectionCount() <= 14);
+    }
+
+    void an_endless_reply_is_given_up()
+    {
+        const QByteArray tooMuch = endless("200 OK"_ba);
+        m_server->on("GET", "/x", StubAnswer::raw(tooMuch));
+        m_server->on("POST", "/x", StubAnswer::raw(tooMuch));
+        QSignalSpy tooLarge(&*m_api, &ApiClient::replyTooLarge);
+        QCOMPARE(readError(u"/x"_s), u"Operation canceled"_s);
+        QCOMPARE(tooLarge.size(), 1);
+        QCOMPARE(tooLarge.takeFirst().at(0).toString(), u"/x"_s);
+        const ReplyOutcome outcome = change("POST", u"/x"_s);
+        QVERIFY(outcome.isUnanswered());
+        QCOMPARE(outcome.error, u"no answer; it may have been carried out"_s);
+        QCOMPARE(tooLarge.size(), 0);
+    }
+
+    void an_endless_refusal_is_a_refusal()
+    {
+        const QByteArray tooMuch = endless("403 Forbidden"_ba);
+        m_server->on("GET", "/x", StubAnswer::raw(tooMuch));
+        m_server->on("POST", "/x", StubAnswer::raw(tooMuch));
+        QCOMPARE(readError(u"/x"_s), u"refused; the reason did not arrive"_s);
+        const ReplyOutcome outcome = change("POST", u"/x"_s);
+        QVERIFY(!outcome.isUncertain());
+        QCOMPARE(outcome.error, u"refused; the reason did not arrive"_s);
+    }
+
+    void a_large_reply_of_five_megabytes_is_read()
+    {
+        m_server->on("GET", "/x", StubAnswer::json("[\"" + QByteArray(5'000'000, 'x') + "\"]"));
+        const QSignalSpy tooLarge(&*m_api, &ApiClient::replyTooLarge);
+        QCOMPARE(readError(u"/x"_s), u"(a document)"_s);
+        QCOMPARE(tooLarge.size(), 0);
+    }
+
+    void a_body_cut_short_is_an_error()
+    {
+        m_server->on("GET", "/x", StubAnswer::raw("HTTP/1.1 200 OK\r\nContent-Length: 100\r\n\r\n[1,2"));
+        const QString error = readError(u"/x"_s);
+        QVERIFY(!error.isEmpty());
+        QVERIFY(error != u"(a document)"_s);
+    }
+
+    void a_body_cut_short_without_a_length_never_passes_for_data()
+    {
+        m_server->on("GET", "/x", StubAnswer::raw("HTTP/1.1 200 OK\r\n\r\n[1,2"));
+        QCOMPARE(readError(u"/x"_s), QString()); // a success, as far as Qt can tell
+    }
+
+    void a_bad_chunk_never_passes_for_data()
+    {
+        m_server->on("GET", "/x",
+            StubAnswer::raw("HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n5\r\n[1,2,\r\nzz\r\n"));
+        QVERIFY(readError(u"/x"_s) != u"(a document)"_s);
+    }
+
+    void a_dripping_reply_is_read_to_its_end()
+    {
+        const QByteArray body = R"([1,2,3])";
+        m_server->on("GET", "/x", StubAnswer::dripping(body));
+        std::optional<QJsonDocument> result;
+        m_api->get(u"/x"_s, [&](const QJsonDocument& document, const QString&) { result = document; });
+        QTRY_COMPARE(m_server->count("GET", "/x"), 1);
+        for (qsizetype i = 0; i < body.size(); ++i) {
+            QVERIFY(!result);
+            m_server->drip();
+            QCoreApplication::processEvents();
+        }
+        QTRY_VERIFY(result);
+        QCOMPARE(result->toJson(QJsonDocument::Compact), body);
+    }
+
+    void a_refused_connection_is_an_error_with_a_text()
+    {
+        m_server->shutDown();
+        QCOMPARE(readError(u"/x"_s), u"Connection refused"_s);
+        QCOMPARE(change("POST", u"/x"_s).error, u"Connection refused"_s);
+    }
+
+    void a_reset_in_mid_request_is_an_error_with_a_text()
+    {
+        m_server->on("POST", "/x", StubAnswer::held());
+        QNetworkReply* reply = m_api->post(u"/x"_s, {});
+        QTRY_COMPARE(m_server->heldCount(), 1);
+        m_server->cutAll();
+        const ReplyOutcome outcome = finish(reply);
+        QVERIFY(!outcome.ok);
+        QVERIFY(!outcome.error.isEmpty());
+        QCOMPARE(m_server->count("POST", "/x"), 1);
+    }
+
+    void error_texts_never_carry_the_token()
+    {
+        m_server->on("GET", "/message", StubAnswer::message(u"Bad token token-1234!"_s, 401));
+        m_server->on(
+            "GET", "/reason", StubAnswer::raw("HTTP/1.1 500 No token-1234\r\nContent-Length: 0\r\n\r\n"));
+        QCOMPARE(readError(u"/message"_s), u"Bad token [hidden]!"_s);
+        const QString error = readError(u"/reason"_s);
+        QVERIFY2(error.contains(u"No [hidden]"_s), qPrintable(error));
+    }
+
+    void a_huge_message_is_cut()
+    {
+        m_server->on("GET", "/x", StubAnswer::message(QString(5'000'000, u'x'), 500));
+        QCOMPARE(readError(u"/x"_s).size(), 301);
+    }
+};
 
 TAVORAN_TEST(TestApiClientFaults)
 #include "tst_ApiClientFaults.moc"

@@ -1,38 +1,15 @@
+#include "net/ApiFixture.h"
 #include "net/ReadCoalescer.h"
-
-#include "app/base/TerminalSettings.h"
-#include "support/StubHttpServer.h"
 #include "support/TestMain.h"
 
 #include <QJsonArray>
-#include <QJsonDocument>
-#include <optional>
 
 using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
 
-class TestReadCoalescer final : public QObject {
+class TestReadCoalescer final : public fixtures::ApiTest {
     Q_OBJECT
 
-private Q_SLOTS:
-    void init();
-    void the_same_read_in_flight_is_not_sent_twice_and_fresh_data_follows();
-    void of_those_waiting_only_the_last_one_is_called();
-    void reads_of_different_paths_do_not_wait_for_each_other();
-    void a_failed_read_lets_the_next_one_through();
-    void a_newer_wish_ends_a_read_that_brings_nothing();
-    void ended_reads_make_room_for_others();
-    void a_wish_that_came_early_ends_the_read_once_it_is_silent();
-    void a_silent_read_without_a_newer_wish_goes_on();
-    void each_successor_of_an_ended_read_gets_twice_the_time();
-    void an_answer_that_drips_wins_its_successors_no_time();
-    void an_answer_that_begins_late_has_the_usual_time_from_then_on();
-    void a_refresh_from_inside_the_callback_waits_its_turn();
-    void a_refresh_from_inside_the_callback_of_a_silent_read_is_answered();
-    void callbacks_die_with_the_coalescer();
-    void the_coalescer_may_be_deleted_inside_a_callback();
-
-private:
     ReplyCallback note(const QString& name)
     {
         return [this, name](const QJsonDocument& document, const QString& error) {
@@ -41,223 +18,221 @@ private:
         };
     }
 
-    std::optional<StubHttpServer> m_server;
-    std::optional<ApiClient> m_api;
     QStringList m_calls;
+
+private Q_SLOTS:
+    void init()
+    {
+        serve();
+        m_calls.clear();
+        m_server->on("GET", "/x", StubAnswer::held());
+        m_server->on("GET", "/y", StubAnswer::held());
+    }
+
+    void cleanup() { end(); }
+
+    void the_same_read_in_flight_is_not_sent_twice_and_fresh_data_follows()
+    {
+        ReadCoalescer reads(*m_api);
+        reads.refresh(u"/x"_s, note(u"a"_s));
+        QTRY_COMPARE(m_server->heldCount(), 1);
+        reads.refresh(u"/x"_s, note(u"b"_s));
+        m_server->release(StubAnswer::json("[1]"));
+        QTRY_COMPARE(m_calls, QStringList({u"a:1"_s}));
+        QTRY_COMPARE(m_server->heldCount(), 1);
+        QCOMPARE(m_server->count("GET", "/x"), 2);
+        m_server->release(StubAnswer::json("[2]"));
+        QTRY_COMPARE(m_calls, QStringList({u"a:1"_s, u"b:2"_s}));
+        QCOMPARE(m_server->count("GET", "/x"), 2);
+    }
+
+    void of_those_waiting_only_the_last_one_is_called()
+    {
+        ReadCoalescer reads(*m_api);
+        for (const QChar name : u"abcd"_s)
+            reads.refresh(u"/x"_s, note(QString(name)));
+        QTRY_VERIFY(m_server->heldCount() > 0);
+        m_server->release(StubAnswer::json("[1]"));
+        QTRY_VERIFY(m_server->heldCount() > 0);
+        m_server->release(StubAnswer::json("[2]"));
+        QTRY_COMPARE(m_calls, QStringList({u"a:1"_s, u"d:2"_s}));
+        QCOMPARE(m_server->count("GET", "/x"), 2);
+    }
+
+    void reads_of_different_paths_do_not_wait_for_each_other()
+    {
+        ReadCoalescer reads(*m_api);
+        reads.refresh(u"/x"_s, note(u"x"_s));
+        reads.refresh(u"/y"_s, note(u"y"_s));
+        QTRY_COMPARE(m_server->heldCount(), 2);
+        m_server->release(StubAnswer::json("[1]"), "/y");
+        QTRY_COMPARE(m_calls, QStringList({u"y:1"_s}));
+    }
+
+    void a_failed_read_lets_the_next_one_through()
+    {
+        ReadCoalescer reads(*m_api);
+        reads.refresh(u"/x"_s, note(u"a"_s));
+        reads.refresh(u"/x"_s, note(u"b"_s));
+        QTRY_VERIFY(m_server->heldCount() > 0);
+        m_server->release(StubAnswer::message(u"down"_s, 503));
+        QTRY_VERIFY(m_server->heldCount() > 0);
+        m_server->release(StubAnswer::json("[2]"));
+        QTRY_COMPARE(m_calls, QStringList({u"a:down"_s, u"b:2"_s}));
+    }
+
+    void a_newer_wish_ends_a_read_that_brings_nothing()
+    {
+        ReadCoalescer reads(*m_api);
+        reads.setPatience(0ms);
+        m_server->once("GET", "/x", StubAnswer::dripping("[1]"));
+        reads.refresh(u"/x"_s, note(u"a"_s));
+        QTRY_COMPARE(m_server->count("GET", "/x"), 1);
+        reads.refresh(u"/x"_s, note(u"b"_s));
+        QTRY_COMPARE(m_server->heldCount(), 1);
+        QCOMPARE(m_calls, QStringList());
+        m_server->release(StubAnswer::json("[2]"));
+        QTRY_COMPARE(m_calls, QStringList({u"b:2"_s}));
+        QCOMPARE(m_server->count("GET", "/x"), 2);
+    }
+
+    void ended_reads_make_room_for_others()
+    {
+        ReadCoalescer reads(*m_api);
+        reads.setPatience(0ms);
+        const auto refreshAll = [&](const StubAnswer& answer) {
+            for (int i = 0; i < 8; ++i) {
+                m_server->on("GET", "/" + QByteArray::number(i), answer);
+                reads.refresh(u"/%1"_s.arg(i), note(u"read"_s));
+            }
+        };
+        refreshAll(StubAnswer::dripping("[1]"));
+        QTRY_COMPARE(m_server->requests().size(), 6);
+        refreshAll(StubAnswer::json("[2]"));
+        QTRY_COMPARE(m_calls.size(), 8);
+        QCOMPARE(m_calls.count(u"read:2"_s), 8);
+    }
+
+    void a_wish_that_came_early_ends_the_read_once_it_is_silent()
+    {
+        ReadCoalescer reads(*m_api);
+        reads.setPatience(100ms);
+        reads.refresh(u"/x"_s, note(u"a"_s));
+        reads.refresh(u"/x"_s, note(u"b"_s));
+        reads.refresh(u"/x"_s, note(u"c"_s));
+        QTRY_COMPARE(m_server->count("GET", "/x"), 2);
+        QTRY_COMPARE(m_server->heldCount(), 1);
+        m_server->release(StubAnswer::json("[2]"));
+        QTRY_COMPARE(m_calls, QStringList({u"c:2"_s}));
+    }
+
+    void a_silent_read_without_a_newer_wish_goes_on()
+    {
+        ReadCoalescer reads(*m_api);
+        reads.setPatience(0ms);
+        reads.refresh(u"/x"_s, note(u"a"_s));
+        QTRY_COMPARE(m_server->heldCount(), 1);
+        reads.refresh(u"/y"_s, note(u"y"_s));
+        QTRY_COMPARE(m_server->heldCount(), 2);
+        m_server->release(StubAnswer::json("[1]"), "/y");
+        QTRY_COMPARE(m_calls, QStringList({u"y:1"_s}));
+        m_server->release(StubAnswer::json("[2]"), "/x");
+        QTRY_COMPARE(m_calls, QStringList({u"y:1"_s, u"a:2"_s}));
+    }
+
+    void each_successor_of_an_ended_read_gets_twice_the_time()
+    {
+        ReadCoalescer reads(*m_api);
+        reads.setPatience(20ms);
+        connect(&*m_server, &StubHttpServer::requestReceived, &reads,
+            [&] { reads.refresh(u"/x"_s, note(u"again"_s)); });
+        QElapsedTimer clock;
+        clock.start();
+        reads.refresh(u"/x"_s, note(u"first"_s));
+        QTRY_COMPARE(m_server->count("GET", "/x"), 5);
+        QVERIFY2(clock.elapsed() >= 20 + 40 + 80 + 160, qPrintable(QString::number(clock.elapsed())));
+        QCOMPARE(m_calls, QStringList());
+    }
+
+    void an_answer_that_drips_wins_its_successors_no_time()
+    {
+        ReadCoalescer reads(*m_api);
+        reads.setPatience(20ms);
+        m_server->on("GET", "/x", StubAnswer::dripping("[1]"));
+        connect(&*m_server, &StubHttpServer::requestReceived, &reads,
+            [&] { reads.refresh(u"/x"_s, note(u"again"_s)); });
+        reads.refresh(u"/x"_s, note(u"first"_s));
+        // With twice the time for each it would be minutes.
+        QTRY_VERIFY(m_server->count("GET", "/x") >= 14);
+        QCOMPARE(m_calls, QStringList());
+    }
+
+    void an_answer_that_begins_late_has_the_usual_time_from_then_on()
+    {
+        ReadCoalescer reads(*m_api);
+        m_server->once("GET", "/x", StubAnswer::dripping("[1]"));
+        reads.setPatience(1h); // as after many that brought nothing
+        reads.refresh(u"/x"_s, note(u"a"_s));
+        reads.setPatience(20ms);
+        reads.refresh(u"/x"_s, note(u"b"_s));
+        QTRY_COMPARE(m_server->heldCount(), 1);
+        m_server->release(StubAnswer::json("[2]"));
+        QTRY_COMPARE(m_calls, QStringList({u"b:2"_s}));
+    }
+
+    void a_refresh_from_inside_the_callback_waits_its_turn()
+    {
+        ReadCoalescer reads(*m_api);
+        reads.refresh(
+            u"/x"_s, [&](const QJsonDocument&, const QString&) { reads.refresh(u"/x"_s, note(u"b"_s)); });
+        QTRY_VERIFY(m_server->heldCount() > 0);
+        m_server->release(StubAnswer::json("[1]"));
+        QTRY_VERIFY(m_server->heldCount() > 0);
+        m_server->release(StubAnswer::json("[2]"));
+        QTRY_COMPARE(m_calls, QStringList({u"b:2"_s}));
+        QCOMPARE(m_server->count("GET", "/x"), 2);
+    }
+
+    void a_refresh_from_inside_the_callback_of_a_silent_read_is_answered()
+    {
+        ReadCoalescer reads(*m_api);
+        reads.setPatience(0ms);
+        m_server->once("GET", "/x", StubAnswer::message(u"down"_s, 503));
+        reads.refresh(
+            u"/x"_s, [&](const QJsonDocument&, const QString&) { reads.refresh(u"/x"_s, note(u"b"_s)); });
+        QTRY_COMPARE(m_server->heldCount(), 1);
+        m_server->release(StubAnswer::json("[2]"));
+        QTRY_COMPARE(m_calls, QStringList({u"b:2"_s}));
+    }
+
+    void callbacks_die_with_the_coalescer()
+    {
+        auto reads = std::make_unique<ReadCoalescer>(*m_api);
+        reads->refresh(u"/x"_s, note(u"a"_s));
+        reads->refresh(u"/x"_s, note(u"b"_s));
+        QTRY_COMPARE(m_server->heldCount(), 1);
+        reads.reset();
+        m_server->release(StubAnswer::message(u"no"_s, 401));
+        QSignalSpy unauthorized(&*m_api, &ApiClient::unauthorized);
+        QVERIFY(unauthorized.wait());
+        QCOMPARE(m_calls, QStringList());
+    }
+
+    void the_coalescer_may_be_deleted_inside_a_callback()
+    {
+        auto* reads = new ReadCoalescer(*m_api);
+        bool called = false;
+        reads->refresh(u"/x"_s, [&](const QJsonDocument&, const QString&) {
+            delete reads;
+            called = true;
+        });
+        reads->refresh(u"/x"_s, note(u"b"_s));
+        QTRY_VERIFY(m_server->heldCount() > 0);
+        m_server->release(StubAnswer::json("[1]"));
+        QTRY_VERIFY(called);
+        QCOMPARE(m_calls, QStringList());
+    }
 };
-
-void TestReadCoalescer::init()
-{
-    m_api.reset();
-    m_server.emplace();
-    m_api.emplace(TerminalSettings::instance());
-    m_calls.clear();
-    TerminalSettings::instance().setServerUrl(m_server->url());
-    m_server->on("GET", "/x", StubAnswer::held());
-    m_server->on("GET", "/y", StubAnswer::held());
-}
-
-void TestReadCoalescer::the_same_read_in_flight_is_not_sent_twice_and_fresh_data_follows()
-{
-    ReadCoalescer reads(*m_api);
-    reads.refresh(u"/x"_s, note(u"a"_s));
-    QTRY_COMPARE(m_server->heldCount(), 1);
-    reads.refresh(u"/x"_s, note(u"b"_s));
-    m_server->release(StubAnswer::json("[1]"));
-    QTRY_COMPARE(m_calls, QStringList({u"a:1"_s}));
-    QTRY_COMPARE(m_server->heldCount(), 1);
-    QCOMPARE(m_server->count("GET", "/x"), 2);
-    m_server->release(StubAnswer::json("[2]"));
-    QTRY_COMPARE(m_calls, QStringList({u"a:1"_s, u"b:2"_s}));
-    QCOMPARE(m_server->count("GET", "/x"), 2);
-}
-
-void TestReadCoalescer::of_those_waiting_only_the_last_one_is_called()
-{
-    ReadCoalescer reads(*m_api);
-    for (const QChar name : u"abcd"_s)
-        reads.refresh(u"/x"_s, note(QString(name)));
-    QTRY_VERIFY(m_server->heldCount() > 0);
-    m_server->release(StubAnswer::json("[1]"));
-    QTRY_VERIFY(m_server->heldCount() > 0);
-    m_server->release(StubAnswer::json("[2]"));
-    QTRY_COMPARE(m_calls, QStringList({u"a:1"_s, u"d:2"_s}));
-    QCOMPARE(m_server->count("GET", "/x"), 2);
-}
-
-void TestReadCoalescer::reads_of_different_paths_do_not_wait_for_each_other()
-{
-    ReadCoalescer reads(*m_api);
-    reads.refresh(u"/x"_s, note(u"x"_s));
-    reads.refresh(u"/y"_s, note(u"y"_s));
-    QTRY_COMPARE(m_server->heldCount(), 2);
-    m_server->release(StubAnswer::json("[1]"), "/y");
-    QTRY_COMPARE(m_calls, QStringList({u"y:1"_s}));
-}
-
-void TestReadCoalescer::a_failed_read_lets_the_next_one_through()
-{
-    ReadCoalescer reads(*m_api);
-    reads.refresh(u"/x"_s, note(u"a"_s));
-    reads.refresh(u"/x"_s, note(u"b"_s));
-    QTRY_VERIFY(m_server->heldCount() > 0);
-    m_server->release(StubAnswer::message(u"down"_s, 503));
-    QTRY_VERIFY(m_server->heldCount() > 0);
-    m_server->release(StubAnswer::json("[2]"));
-    QTRY_COMPARE(m_calls, QStringList({u"a:down"_s, u"b:2"_s}));
-}
-
-void TestReadCoalescer::a_newer_wish_ends_a_read_that_brings_nothing()
-{
-    ReadCoalescer reads(*m_api);
-    reads.setPatience(0ms);
-    m_server->once("GET", "/x", StubAnswer::dripping("[1]"));
-    reads.refresh(u"/x"_s, note(u"a"_s));
-    QTRY_COMPARE(m_server->count("GET", "/x"), 1);
-    reads.refresh(u"/x"_s, note(u"b"_s));
-    QTRY_COMPARE(m_server->heldCount(), 1);
-    QCOMPARE(m_calls, QStringList());
-    m_server->release(StubAnswer::json("[2]"));
-    QTRY_COMPARE(m_calls, QStringList({u"b:2"_s}));
-    QCOMPARE(m_server->count("GET", "/x"), 2);
-}
-
-void TestReadCoalescer::ended_reads_make_room_for_others()
-{
-    ReadCoalescer reads(*m_api);
-    reads.setPatience(0ms);
-    const auto refreshAll = [&](const StubAnswer& answer) {
-        for (int i = 0; i < 8; ++i) {
-            m_server->on("GET", "/" + QByteArray::number(i), answer);
-            reads.refresh(u"/%1"_s.arg(i), note(u"read"_s));
-        }
-    };
-    refreshAll(StubAnswer::dripping("[1]"));
-    QTRY_COMPARE(m_server->requests().size(), 6);
-    refreshAll(StubAnswer::json("[2]"));
-    QTRY_COMPARE(m_calls.size(), 8);
-    QCOMPARE(m_calls.count(u"read:2"_s), 8);
-}
-
-void TestReadCoalescer::a_wish_that_came_early_ends_the_read_once_it_is_silent()
-{
-    ReadCoalescer reads(*m_api);
-    reads.setPatience(100ms);
-    reads.refresh(u"/x"_s, note(u"a"_s));
-    reads.refresh(u"/x"_s, note(u"b"_s));
-    reads.refresh(u"/x"_s, note(u"c"_s));
-    QTRY_COMPARE(m_server->count("GET", "/x"), 2);
-    QTRY_COMPARE(m_server->heldCount(), 1);
-    m_server->release(StubAnswer::json("[2]"));
-    QTRY_COMPARE(m_calls, QStringList({u"c:2"_s}));
-}
-
-void TestReadCoalescer::a_silent_read_without_a_newer_wish_goes_on()
-{
-    ReadCoalescer reads(*m_api);
-    reads.setPatience(0ms);
-    reads.refresh(u"/x"_s, note(u"a"_s));
-    QTRY_COMPARE(m_server->heldCount(), 1);
-    reads.refresh(u"/y"_s, note(u"y"_s));
-    QTRY_COMPARE(m_server->heldCount(), 2);
-    m_server->release(StubAnswer::json("[1]"), "/y");
-    QTRY_COMPARE(m_calls, QStringList({u"y:1"_s}));
-    m_server->release(StubAnswer::json("[2]"), "/x");
-    QTRY_COMPARE(m_calls, QStringList({u"y:1"_s, u"a:2"_s}));
-}
-
-void TestReadCoalescer::each_successor_of_an_ended_read_gets_twice_the_time()
-{
-    ReadCoalescer reads(*m_api);
-    reads.setPatience(20ms);
-    connect(&*m_server, &StubHttpServer::requestReceived, &reads,
-        [&] { reads.refresh(u"/x"_s, note(u"again"_s)); });
-    QElapsedTimer clock;
-    clock.start();
-    reads.refresh(u"/x"_s, note(u"first"_s));
-    QTRY_COMPARE(m_server->count("GET", "/x"), 5);
-    QVERIFY2(clock.elapsed() >= 20 + 40 + 80 + 160, qPrintable(QString::number(clock.elapsed())));
-    QCOMPARE(m_calls, QStringList());
-}
-
-void TestReadCoalescer::an_answer_that_drips_wins_its_successors_no_time()
-{
-    ReadCoalescer reads(*m_api);
-    reads.setPatience(20ms);
-    m_server->on("GET", "/x", StubAnswer::dripping("[1]"));
-    connect(&*m_server, &StubHttpServer::requestReceived, &reads,
-        [&] { reads.refresh(u"/x"_s, note(u"again"_s)); });
-    reads.refresh(u"/x"_s, note(u"first"_s));
-    // With twice the time for each it would be minutes.
-    QTRY_VERIFY(m_server->count("GET", "/x") >= 14);
-    QCOMPARE(m_calls, QStringList());
-}
-
-void TestReadCoalescer::an_answer_that_begins_late_has_the_usual_time_from_then_on()
-{
-    ReadCoalescer reads(*m_api);
-    m_server->once("GET", "/x", StubAnswer::dripping("[1]"));
-    reads.setPatience(1h); // as after many that brought nothing
-    reads.refresh(u"/x"_s, note(u"a"_s));
-    reads.setPatience(20ms);
-    reads.refresh(u"/x"_s, note(u"b"_s));
-    QTRY_COMPARE(m_server->heldCount(), 1);
-    m_server->release(StubAnswer::json("[2]"));
-    QTRY_COMPARE(m_calls, QStringList({u"b:2"_s}));
-}
-
-void TestReadCoalescer::a_refresh_from_inside_the_callback_waits_its_turn()
-{
-    ReadCoalescer reads(*m_api);
-    reads.refresh(
-        u"/x"_s, [&](const QJsonDocument&, const QString&) { reads.refresh(u"/x"_s, note(u"b"_s)); });
-    QTRY_VERIFY(m_server->heldCount() > 0);
-    m_server->release(StubAnswer::json("[1]"));
-    QTRY_VERIFY(m_server->heldCount() > 0);
-    m_server->release(StubAnswer::json("[2]"));
-    QTRY_COMPARE(m_calls, QStringList({u"b:2"_s}));
-    QCOMPARE(m_server->count("GET", "/x"), 2);
-}
-
-void TestReadCoalescer::a_refresh_from_inside_the_callback_of_a_silent_read_is_answered()
-{
-    ReadCoalescer reads(*m_api);
-    reads.setPatience(0ms);
-    m_server->once("GET", "/x", StubAnswer::message(u"down"_s, 503));
-    reads.refresh(
-        u"/x"_s, [&](const QJsonDocument&, const QString&) { reads.refresh(u"/x"_s, note(u"b"_s)); });
-    QTRY_COMPARE(m_server->heldCount(), 1);
-    m_server->release(StubAnswer::json("[2]"));
-    QTRY_COMPARE(m_calls, QStringList({u"b:2"_s}));
-}
-
-void TestReadCoalescer::callbacks_die_with_the_coalescer()
-{
-    auto reads = std::make_unique<ReadCoalescer>(*m_api);
-    reads->refresh(u"/x"_s, note(u"a"_s));
-    reads->refresh(u"/x"_s, note(u"b"_s));
-    QTRY_COMPARE(m_server->heldCount(), 1);
-    reads.reset();
-    m_server->release(StubAnswer::message(u"no"_s, 401));
-    QSignalSpy unauthorized(&*m_api, &ApiClient::unauthorized);
-    QVERIFY(unauthorized.wait());
-    QCOMPARE(m_calls, QStringList());
-}
-
-void TestReadCoalescer::the_coalescer_may_be_deleted_inside_a_callback()
-{
-    auto* reads = new ReadCoalescer(*m_api);
-    bool called = false;
-    reads->refresh(u"/x"_s, [&](const QJsonDocument&, const QString&) {
-        delete reads;
-        called = true;
-    });
-    reads->refresh(u"/x"_s, note(u"b"_s));
-    QTRY_VERIFY(m_server->heldCount() > 0);
-    m_server->release(StubAnswer::json("[1]"));
-    QTRY_VERIFY(called);
-    QCOMPARE(m_calls, QStringList());
-}
 
 TAVORAN_TEST(TestReadCoalescer)
 #include "tst_ReadCoalescer.moc"

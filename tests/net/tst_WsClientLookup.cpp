@@ -1,11 +1,8 @@
-#include "app/base/TerminalSettings.h"
-#include "net/WsClient.h"
-#include "support/StubFeedServer.h"
+#include "net/FeedFixture.h"
 #include "support/TestMain.h"
 
 #include <atomic>
 #include <cstring>
-#include <optional>
 
 #include <dlfcn.h>
 #include <netdb.h>
@@ -33,76 +30,52 @@ extern "C" int getaddrinfo(
 }
 
 /// The feed client and a server whose name nobody knows.
-class TestWsClientLookup final : public QObject {
+class TestWsClientLookup final : public fixtures::FeedTest {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init();
-    void cleanup();
-
-    void each_failed_look_up_is_one_error_and_one_retry();
-    void a_name_that_becomes_known_ends_the_retries();
-
-private:
-    std::optional<StubFeedServer> m_feed;
-    std::optional<WsClient> m_client;
-    QStringList m_log;
-    QList<int> m_retries;
-};
-
-void TestWsClientLookup::init()
-{
-    lookups = 0;
-    hostIsKnown = false;
-    m_feed.emplace();
-    m_client.emplace(TerminalSettings::instance());
-    m_client->setRetrySecond(1);
-    m_log.clear();
-    m_retries.clear();
-    connect(&*m_client, &WsClient::logMessage, this,
-        [this](const QString&, const QString& message) { m_log.append(message); });
-    connect(&*m_client, &WsClient::disconnected, this, [this](int seconds) { m_retries.append(seconds); });
-    TerminalSettings::instance().setServerUrl(
-        m_feed->url().replace(u"127.0.0.1"_s, QString::fromLatin1(unknownHost)));
-    TerminalSettings::instance().setToken(u"token-1234"_s);
-}
-
-void TestWsClientLookup::cleanup()
-{
-    m_client.reset();
-    m_feed.reset();
-}
-
-void TestWsClientLookup::each_failed_look_up_is_one_error_and_one_retry()
-{
-    const QString address = TerminalSettings::instance().serverUrl().replace(u"http:"_s, u"ws:"_s);
-    QStringList expected;
-    for (const int seconds : {1, 2, 4, 8, 16, 30}) {
-        expected.append({u"Connecting to %1/ws/terminal..."_s.arg(address), u"Feed error: Host not found"_s,
-            u"Feed disconnected — retrying in %1s"_s.arg(seconds)});
+    void init()
+    {
+        lookups = 0;
+        hostIsKnown = false;
+        serve();
+        TerminalSettings::instance().setServerUrl(
+            m_feed->url().replace(u"127.0.0.1"_s, QString::fromLatin1(unknownHost)));
     }
-    connect(&*m_client, &WsClient::disconnected, this, [this] {
-        if (m_retries.size() == 6)
-            m_client->findChild<QTimer*>(u"retryTimer"_s)->stop();
-    });
-    m_client->start();
-    QTRY_COMPARE(m_retries.size(), 6);
-    QCoreApplication::processEvents();
-    QCOMPARE(m_log, expected);
-    QCOMPARE(m_retries, QList<int>({1, 2, 4, 8, 16, 30}));
-    QCOMPARE(lookups, 6);
-    QCOMPARE(m_feed->attempts(), 0);
-}
 
-void TestWsClientLookup::a_name_that_becomes_known_ends_the_retries()
-{
-    m_client->start();
-    QTRY_VERIFY(m_retries.size() >= 2);
-    hostIsKnown = true;
-    QTRY_COMPARE(m_log.last(), u"Feed connected"_s);
-    QCOMPARE(m_feed->attempts(), 1);
-    QCOMPARE(lookups, m_retries.size() + 1);
-}
+    void cleanup() { end(); }
+
+    void each_failed_look_up_is_one_error_and_one_retry()
+    {
+        const QString address = TerminalSettings::instance().serverUrl().replace(u"http:"_s, u"ws:"_s);
+        QStringList expected;
+        for (const int seconds : {1, 2, 4, 8, 16, 30}) {
+            expected.append({u"Connecting to %1/ws/terminal..."_s.arg(address),
+                u"Feed error: Host not found"_s, u"Feed disconnected — retrying in %1s"_s.arg(seconds)});
+        }
+        connect(&*m_client, &WsClient::disconnected, this, [this] {
+            if (m_retries.size() == 6)
+                m_client->findChild<QTimer*>(u"retryTimer"_s)->stop();
+        });
+        m_client->start();
+        QTRY_COMPARE(m_retries.size(), 6);
+        QCoreApplication::processEvents();
+        QCOMPARE(m_log, expected);
+        QCOMPARE(m_retries, QList<int>({1, 2, 4, 8, 16, 30}));
+        QCOMPARE(lookups, 6);
+        QCOMPARE(m_feed->attempts(), 0);
+    }
+
+    void a_name_that_becomes_known_ends_the_retries()
+    {
+        m_client->start();
+        QTRY_VERIFY(m_retries.size() >= 2);
+        hostIsKnown = true;
+        QTRY_COMPARE(m_log.last(), u"Feed connected"_s);
+        QCOMPARE(m_feed->attempts(), 1);
+        QCOMPARE(lookups, m_retries.size() + 1);
+    }
+};
 
 TAVORAN_TEST(TestWsClientLookup)
 #include "tst_WsClientLookup.moc"

@@ -9,25 +9,23 @@ class TestNewsRecord final : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void its_fields_are_read();
-};
-
-void TestNewsRecord::its_fields_are_read()
-{
-    const QJsonObject reply = parse(R"({"events":[{"id":"n1"}],"settings":{"notifyMin":30}})");
-    QCOMPARE(news::events(reply), QJsonArray{parse(R"({"id":"n1"})")});
-    QCOMPARE(news::notifyMinutes(reply, 15), 30);
-    QCOMPARE(news::notifyMinutes({}, 15), 15);
-    const QJsonObject event = parse(R"({"id":"n1","eventTime":"soon","minutesUntil":-2,"impact":"HIGH",
+    void its_fields_are_read()
+    {
+        const QJsonObject reply = parse(R"({"events":[{"id":"n1"}],"settings":{"notifyMin":30}})");
+        QCOMPARE(news::events(reply), QJsonArray{parse(R"({"id":"n1"})")});
+        QCOMPARE(news::notifyMinutes(reply, 15), 30);
+        QCOMPARE(news::notifyMinutes({}, 15), 15);
+        const QJsonObject event = parse(R"({"id":"n1","eventTime":"soon","minutesUntil":-2,"impact":"HIGH",
         "currency":"EUR","title":"Rates"})");
-    QCOMPARE(news::id(event), u"n1"_s);
-    QCOMPARE(news::time(event), u"soon"_s);
-    QCOMPARE(news::minutesUntil(event), -2);
-    QCOMPARE(news::minutesUntil({}), 0);
-    QCOMPARE(news::impact(event), u"HIGH"_s);
-    QCOMPARE(news::currency(event), u"EUR"_s);
-    QCOMPARE(news::title(event), u"Rates"_s);
-}
+        QCOMPARE(news::id(event), u"n1"_s);
+        QCOMPARE(news::time(event), u"soon"_s);
+        QCOMPARE(news::minutesUntil(event), -2);
+        QCOMPARE(news::minutesUntil({}), 0);
+        QCOMPARE(news::impact(event), u"HIGH"_s);
+        QCOMPARE(news::currency(event), u"EUR"_s);
+        QCOMPARE(news::title(event), u"Rates"_s);
+    }
+};
 
 TAVORAN_TEST(TestNewsRecord)
 #include "tst_NewsRecord.moc"
