@@ -20,26 +20,23 @@ class tst_UtcTime final : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void millisecondsAreReadWhateverTheLocalZone();
-    void aClockReadingStaysThatOfUtc();
+    void millisecondsAreReadWhateverTheLocalZone()
+    {
+        liveInNewYork();
+        QCOMPARE(utcTime(0).toString(Qt::ISODateWithMs), u"1970-01-01T00:00:00.000Z"_s);
+        QCOMPARE(utcTime(-1).toString(Qt::ISODateWithMs), u"1969-12-31T23:59:59.999Z"_s);
+        QCOMPARE(utcTime(1'710'054'000'000).toString(Qt::ISODateWithMs), u"2024-03-10T07:00:00.000Z"_s);
+    }
+
+    void aClockReadingStaysThatOfUtc()
+    {
+        liveInNewYork();
+        QCOMPARE(QDateTime(QDate(2024, 3, 10), QTime(12, 0)).offsetFromUtc(), -4 * 3600);
+        const QDateTime time = utcTime(QDate(2024, 3, 10), QTime(2, 30));
+        QCOMPARE(time.toString(Qt::ISODateWithMs), u"2024-03-10T02:30:00.000Z"_s);
+        QCOMPARE(time.toMSecsSinceEpoch(), 1'710'037'800'000);
+    }
 };
-
-void tst_UtcTime::millisecondsAreReadWhateverTheLocalZone()
-{
-    liveInNewYork();
-    QCOMPARE(utcTime(0).toString(Qt::ISODateWithMs), u"1970-01-01T00:00:00.000Z"_s);
-    QCOMPARE(utcTime(-1).toString(Qt::ISODateWithMs), u"1969-12-31T23:59:59.999Z"_s);
-    QCOMPARE(utcTime(1'710'054'000'000).toString(Qt::ISODateWithMs), u"2024-03-10T07:00:00.000Z"_s);
-}
-
-void tst_UtcTime::aClockReadingStaysThatOfUtc()
-{
-    liveInNewYork();
-    QCOMPARE(QDateTime(QDate(2024, 3, 10), QTime(12, 0)).offsetFromUtc(), -4 * 3600);
-    const QDateTime time = utcTime(QDate(2024, 3, 10), QTime(2, 30));
-    QCOMPARE(time.toString(Qt::ISODateWithMs), u"2024-03-10T02:30:00.000Z"_s);
-    QCOMPARE(time.toMSecsSinceEpoch(), 1'710'037'800'000);
-}
 
 TAVORAN_TEST(tst_UtcTime)
 #include "tst_UtcTime.moc"

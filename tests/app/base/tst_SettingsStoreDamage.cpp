@@ -1,0 +1,207 @@
+#include "StoreFixture.h"
+#include "support/TestMain.h"
+
+using namespace Qt::StringLiterals;
+using fixtures::contentOf;
+using fixtures::holdsEverything;
+using fixtures::layoutOf;
+using fixtures::modeOf;
+using fixtures::saveEverything;
+using fixtures::StoreTest;
+using fixtures::writeFile;
+
+class TestSettingsStoreDamage final : public StoreTest {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init() { makePlace(); }
+
+    void aDamagedFileIsReplacedByTheCopy_data()
+    {
+        QTest::addColumn<QByteArray>("damage");
+        QTest::addColumn<bool>("isKept");
+        QTest::newRow("emptied by a full disk") << QByteArray() << false;
+        QTest::newRow("filled with zeros by a crash") << QByteArray(300, '\0') << true;
+        QTest::newRow("not a settings file") << QByteArray("\x7f"
+                                                           "ELF\x02\x01 garbage\n\xff\xfe\n")
+                                             << true;
+        QTest::newRow("cut inside a section") << QByteArray("[ui]\ntheme=light\n[window") << true;
+        QTest::newRow("cut inside a quoted value")
+            << QByteArray("[ui]\ntheme=light\n[charts]\nlayout=\"[{\\\"symbol\\\": \\\"EURU") << true;
+    }
+    void aDamagedFileIsReplacedByTheCopy()
+    {
+        QFETCH(QByteArray, damage);
+        QFETCH(bool, isKept);
+        saveAndEnd();
+        writeFile(m_path, damage);
+        SettingsStore store(m_path);
+        QCOMPARE(store.value("ui/theme"_L1).toString(), u"dark"_s);
+        QCOMPARE(contentOf(m_path), contentOf(store.copyPath()));
+        QCOMPARE(modeOf(m_path), 0600);
+        const QStringList notices = store.takeNotices();
+        QCOMPARE(notices.size(), isKept ? 2 : 1);
+        QCOMPARE(
+            notices.constFirst(), u"The settings file was damaged; its last good copy has been put back."_s);
+        QCOMPARE(QFile::exists(store.damagedPath()), isKept);
+        if (isKept) {
+            QCOMPARE(contentOf(store.damagedPath()), damage);
+            QCOMPARE(modeOf(store.damagedPath()), 0600);
+            QVERIFY(notices.constLast().contains(store.damagedPath()));
+        }
+        QCOMPARE(store.takeNotices(), QStringList());
+        // The repaired store works on.
+        store.setValue("ui/theme"_L1, u"light"_s);
+        QVERIFY(store.sync());
+    }
+
+    void whatAPersonWritesByHandIsNotDamage_data()
+    {
+        QTest::addColumn<QByteArray>("content");
+        QTest::newRow("no line end at the end") << QByteArray("[ui]\ntheme=light");
+        QTest::newRow("a quote in a comment") << QByteArray("; 5\" tube\n[ui]\ntheme=light\n");
+        QTest::newRow("a comment after a value") << QByteArray("[ui]\ntheme=light ; my \"choice\n");
+        QTest::newRow("quoted") << QByteArray("[ui]\ntheme=\"light\"\n[charts]\nlayout=\"[\\\"a;b\\\"]\"");
+        QTest::newRow("line ends of another system") << QByteArray("[ui]\r\ntheme=light\r\n");
+        QTest::newRow("letters of the world") << QByteArray("[ui]\ntheme=light\n[auth]\nemail=zo\xc3\xab@x");
+    }
+    void whatAPersonWritesByHandIsNotDamage()
+    {
+        QFETCH(QByteArray, content);
+        saveAndEnd();
+        writeFile(m_path, content);
+        SettingsStore store(m_path);
+        QCOMPARE(store.takeNotices(), QStringList());
+        QCOMPARE(store.value("ui/theme"_L1).toString(), u"light"_s);
+    }
+
+    void aDamagedFileWithoutACopyGivesDefaultsAndIsKept()
+    {
+        QVERIFY(QDir().mkpath(QFileInfo(m_path).path()));
+        writeFile(m_path, "no settings at all");
+        SettingsStore store(m_path);
+        QVERIFY(!store.value("ui/theme"_L1).isValid());
+        QCOMPARE(contentOf(store.damagedPath()), "no settings at all");
+        QCOMPARE(store.takeNotices().constFirst(),
+            u"The settings file was damaged and there was no good copy; default settings are used."_s);
+    }
+
+    void aDamagedFileThatCannotBeKeptElsewhereStays()
+    {
+        QVERIFY(QDir().mkpath(m_path + u".damaged/in the way"_s));
+        writeFile(m_path, "no settings at all");
+        SettingsStore store(m_path);
+        QCOMPARE(contentOf(m_path), "no settings at all");
+        QCOMPARE(store.takeNotices(), QStringList());
+    }
+
+    void aDamagedCopyIsNotPutBack()
+    {
+        QVERIFY(QDir().mkpath(QFileInfo(m_path).path()));
+        writeFile(m_path, "no settings at all");
+        writeFile(m_path + u".copy"_s, "neither is this");
+        SettingsStore store(m_path);
+        QCOMPARE(contentOf(m_path), "");
+        QCOMPARE(store.takeNotices().size(), 2);
+    }
+
+    void theDamagedFileSetAsideHoldsNoToken()
+    {
+        QVERIFY(QDir().mkpath(QFileInfo(m_path).path()));
+        writeFile(m_path,
+            QByteArrayLiteral("[auth]\nemail=a@b.example\ntoken=top-secret\n\0\0token=top-secret\n[broken"));
+        SettingsStore store(m_path);
+        QVERIFY(contentOf(store.damagedPath()).contains("a@b.example"));
+        QVERIFY(!contentOf(store.damagedPath()).contains("top-secret"));
+    }
+
+    void aStoreCutAnywhereIsReplacedByTheCopy()
+    {
+        const QString layout = layoutOf(2);
+        QByteArray whole;
+        {
+            SettingsStore store(m_path);
+            saveEverything(store, layout);
+            QVERIFY(store.sync());
+            whole = contentOf(m_path);
+        }
+        for (qsizetype length = 0; length < whole.size(); ++length) {
+            writeFile(m_path, whole.first(length));
+            SettingsStore store(m_path);
+            QVERIFY2(holdsEverything(store, {layout}), qPrintable(QString::number(length)));
+            QCOMPARE(contentOf(m_path), whole);
+            QCOMPARE(store.takeNotices().size(), length > 0 ? 2 : 1);
+        }
+    }
+
+    void aSaveThatNeverEndedIsUndone()
+    {
+        saveAndEnd();
+        // As a terminal leaves it that ends between writing and looking at what it wrote.
+        QVERIFY(QFile::rename(m_path + u".digest"_s, m_path + u".saving"_s));
+        writeFile(m_path, "[auth]\nemail=a@b.example\n");
+        SettingsStore store(m_path);
+        QVERIFY(holdsEverything(store, {layoutOf(2)}));
+        QCOMPARE(store.takeNotices().size(), 2);
+        QCOMPARE(contentOf(store.damagedPath()), "[auth]\nemail=a@b.example\n");
+        store.setValue("ui/theme"_L1, u"light"_s);
+        QVERIFY(store.sync());
+        // What is edited from now on is an edit again.
+        writeFile(m_path, "[ui]\ntheme=dark\n");
+        SettingsStore again(m_path);
+        QCOMPARE(again.takeNotices(), QStringList());
+        QCOMPARE(again.value("ui/theme"_L1).toString(), u"dark"_s);
+    }
+
+    void aSaveThatNeverBeganIsNoReasonToUndo()
+    {
+        saveAndEnd();
+        QVERIFY(QFile::rename(m_path + u".digest"_s, m_path + u".saving"_s));
+        SettingsStore store(m_path);
+        QVERIFY(holdsEverything(store, {layoutOf(2)}));
+        QCOMPARE(store.takeNotices(), QStringList());
+    }
+
+    void aDigestWithoutACopyTellsThatTheFileIsWhole()
+    {
+        saveAndEnd();
+        writeFile(m_path + u".copy"_s, contentOf(m_path).first(100));
+        SettingsStore store(m_path);
+        QVERIFY(holdsEverything(store, {layoutOf(2)}));
+        QCOMPARE(store.takeNotices(), QStringList());
+        store.setValue("ui/theme"_L1, u"light"_s);
+        QVERIFY(store.sync());
+        QCOMPARE(contentOf(store.copyPath()), contentOf(m_path));
+    }
+
+    void aStoreFromBeforeThereWereDigestsIsTakenAsItIs()
+    {
+        QVERIFY(QDir().mkpath(QFileInfo(m_path).path()));
+        writeFile(m_path, "[auth]\nemail=new@b.example\n\n[ui]\ntheme=dark\n");
+        writeFile(m_path + u".copy"_s, "[auth]\nemail=old@b.example\n\n[ui]\ntheme=dark\n");
+        SettingsStore store(m_path);
+        QCOMPARE(store.value("auth/email"_L1).toString(), u"new@b.example"_s);
+        QCOMPARE(store.takeNotices(), QStringList());
+        QVERIFY(store.sync());
+        QVERIFY(QFile::exists(m_path + u".digest"_s));
+        QCOMPARE(modeOf(m_path + u".digest"_s), 0600);
+    }
+
+    void linesTakenFromTheEndByHandAreToldAndKept()
+    {
+        {
+            SettingsStore store(m_path);
+            store.setValue("auth/email"_L1, u"a@b.example"_s);
+            store.setValue("ui/theme"_L1, u"dark"_s);
+            QVERIFY(store.sync());
+        }
+        writeFile(m_path, "[auth]\nemail=a@b.example\n");
+        SettingsStore store(m_path);
+        QCOMPARE(store.value("ui/theme"_L1).toString(), u"dark"_s);
+        QCOMPARE(store.takeNotices().size(), 2);
+        QCOMPARE(contentOf(store.damagedPath()), "[auth]\nemail=a@b.example\n");
+    }
+};
+
+TAVORAN_TEST(TestSettingsStoreDamage)
+#include "tst_SettingsStoreDamage.moc"
