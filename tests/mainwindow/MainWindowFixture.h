@@ -70,6 +70,14 @@ struct MainWindowFixture : fixtures::ServedClient {
         settle();
     }
 
+    /// Waits until all lists of the first account have been asked for since the requests were last cleared.
+    void awaitAllLists()
+    {
+        QTRY_VERIFY(server.count("GET", "/api/accounts") >= 1);
+        QTRY_VERIFY(server.count("GET", "/api/trades/open?accountId=a1") >= 1);
+        QTRY_VERIFY(server.count("GET", "/api/trades/history?accountId=a1") >= 1);
+    }
+
     [[nodiscard]] ChartArea* chartArea() const { return window->findChild<ChartArea*>(); }
     [[nodiscard]] QList<ChartWindow*> charts() const { return chartArea()->charts(); }
     [[nodiscard]] QComboBox& selector() const

@@ -4,38 +4,13 @@
 #include "support/TestMain.h"
 
 #include <QComboBox>
-#include <QJsonDocument>
 #include <QSignalSpy>
 
 using namespace Qt::StringLiterals;
 
-class tst_AccountSelector final : public QObject {
-    Q_OBJECT
-
-private Q_SLOTS:
-    void aLineNamesLabelStatusAndBalance_data();
-    void aLineNamesLabelStatusAndBalance();
-    void statusWithALineBreakStaysOneLine();
-    void a_new_list_shows_the_preferred_account_and_chooses_none();
-    void a_trader_chooses_by_line_and_by_id();
-    void the_account_that_has_become_current_is_shown();
-    void of_equal_ids_the_last_line_stays();
-    void lines_of_the_same_accounts_stay();
-};
-
 namespace {
 
-QJsonArray accounts(const char* text)
-{
-    return QJsonDocument::fromJson(text).array();
-}
-
-QJsonObject object(const char* text)
-{
-    return QJsonDocument::fromJson(text).object();
-}
-
-constexpr auto two = R"([{"id":"w","isWallet":true,"status":"ACTIVE"},{"id":"a","status":"ACTIVE"}])";
+const QJsonArray two{records::account("w").wallet().balance(0), records::account("a")};
 
 struct Selector {
     AccountBook book;
@@ -46,102 +21,105 @@ struct Selector {
 
 } // namespace
 
-void tst_AccountSelector::aLineNamesLabelStatusAndBalance_data()
-{
-    QTest::addColumn<QByteArray>("account");
-    QTest::addColumn<QString>("text");
-    const auto row = [](const char* name, const char* account, const QString& text) {
-        QTest::newRow(name) << QByteArray(account) << text;
-    };
-    row("wallet", R"({"isWallet":true,"type":"DEMO","status":"ACTIVE","balance":"1234567.891"})",
-        u"Real  [ACTIVE]  1,234,567.89"_s);
-    row("demo", R"({"type":"DEMO","status":"ACTIVE","balance":100000})", u"Demo  [ACTIVE]  100,000.00"_s);
-    row("phase beyond the steps",
-        R"({"Plan":{"name":"Pro","steps":2},"phase":3,"status":"ACTIVE","balance":1})",
-        u"Pro — Challenge 2/2  [ACTIVE]  1.00"_s);
-    row("one step", R"({"Plan":{"name":"Pro","steps":1},"status":"FAILED","balance":0})",
-        u"Pro — Challenge  [FAILED]  0.00"_s);
-    row("funded", R"({"Plan":{"name":"Pro","steps":2},"isFunded":true,"status":"ACTIVE","balance":-5.005})",
-        u"Pro — Funded  [ACTIVE]  -5.00"_s);
-    row("nothing known", "{}", u"Account — Challenge  []  0.00"_s);
-    row("percent signs", R"({"Plan":{"name":"%2 %1"},"status":"%3","balance":7})",
-        u"%2 %1 — Challenge  [%3]  7.00"_s);
-}
+class tst_AccountSelector final : public QObject {
+    Q_OBJECT
 
-void tst_AccountSelector::aLineNamesLabelStatusAndBalance()
-{
-    QFETCH(QByteArray, account);
-    QFETCH(QString, text);
-    QCOMPARE(AccountSelector::lineOf(object(account.constData())), text);
-}
+private Q_SLOTS:
+    void aLineNamesLabelStatusAndBalance_data()
+    {
+        QTest::addColumn<QJsonObject>("account");
+        QTest::addColumn<QString>("text");
+        const auto row = [](const char* name, const QJsonObject& account, const QString& text) {
+            QTest::newRow(name) << account << text;
+        };
+        using records::account;
+        row("wallet", account("w").wallet().balance("1234567.891"), u"Real  [ACTIVE]  1,234,567.89"_s);
+        row("demo", account("a").balance(100000), u"Demo  [ACTIVE]  100,000.00"_s);
+        row("phase beyond the steps", account("a").plan("Pro", 2, 3).balance(1),
+            u"Pro — Challenge 2/2  [ACTIVE]  1.00"_s);
+        row("one step", account("a").plan("Pro", 1).status("FAILED").balance(0),
+            u"Pro — Challenge  [FAILED]  0.00"_s);
+        row("funded", account("a").plan("Pro", 2).funded().balance(-5.005),
+            u"Pro — Funded  [ACTIVE]  -5.00"_s);
+        row("nothing known", {}, u"Account — Challenge  []  0.00"_s);
+        row("percent signs", account("a").plan("%2 %1", 1).status("%3").balance(7),
+            u"%2 %1 — Challenge  [%3]  7.00"_s);
+    }
+    void aLineNamesLabelStatusAndBalance()
+    {
+        QFETCH(QJsonObject, account);
+        QFETCH(QString, text);
+        QCOMPARE(AccountSelector::lineOf(account), text);
+    }
 
-void tst_AccountSelector::statusWithALineBreakStaysOneLine()
-{
-    QCOMPARE(AccountSelector::lineOf(object(R"({"isWallet":true,"status":"A\nB","balance":1})")),
-        u"Real  [A B]  1.00"_s);
-}
+    void statusWithALineBreakStaysOneLine()
+    {
+        QCOMPARE(AccountSelector::lineOf(records::account("w").wallet().status("A\nB").balance(1)),
+            u"Real  [A B]  1.00"_s);
+    }
 
-void tst_AccountSelector::a_new_list_shows_the_preferred_account_and_chooses_none()
-{
-    Selector s;
-    s.book.setAccounts(accounts(two));
-    QCOMPARE(s.list.count(), 2);
-    QCOMPARE(s.list.currentData().toString(), u"a"_s);
-    QCOMPARE(s.list.itemText(0), u"Real  [ACTIVE]  0.00"_s);
-    s.book.setAccounts({});
-    QCOMPARE(s.list.count(), 0);
-    QCOMPARE(s.chosen.count(), 0);
-}
+    void a_new_list_shows_the_preferred_account_and_chooses_none()
+    {
+        Selector s;
+        s.book.setAccounts(two);
+        QCOMPARE(s.list.count(), 2);
+        QCOMPARE(s.list.currentData().toString(), u"a"_s);
+        QCOMPARE(s.list.itemText(0), u"Real  [ACTIVE]  0.00"_s);
+        s.book.setAccounts({});
+        QCOMPARE(s.list.count(), 0);
+        QCOMPARE(s.chosen.count(), 0);
+    }
 
-void tst_AccountSelector::a_trader_chooses_by_line_and_by_id()
-{
-    Selector s;
-    s.book.setAccounts(accounts(two));
-    s.list.setCurrentIndex(0);
-    QCOMPARE(s.chosen.takeFirst(), QVariantList{u"w"_s});
-    s.selector.choose(u"a"_s);
-    QCOMPARE(s.chosen.takeFirst(), QVariantList{u"a"_s});
-    s.selector.choose(u"a"_s);
-    s.selector.choose(u"unknown"_s);
-    s.selector.onAccountSelected(-1);
-    QCOMPARE(s.chosen.count(), 0);
-    QCOMPARE(s.list.currentIndex(), 1);
-    // Said explicitly, it counts for the line that is current too.
-    s.selector.onAccountSelected(1);
-    QCOMPARE(s.chosen.takeFirst(), QVariantList{u"a"_s});
-}
+    void a_trader_chooses_by_line_and_by_id()
+    {
+        Selector s;
+        s.book.setAccounts(two);
+        s.list.setCurrentIndex(0);
+        QCOMPARE(s.chosen.takeFirst(), QVariantList{u"w"_s});
+        s.selector.choose(u"a"_s);
+        QCOMPARE(s.chosen.takeFirst(), QVariantList{u"a"_s});
+        s.selector.choose(u"a"_s);
+        s.selector.choose(u"unknown"_s);
+        s.selector.onAccountSelected(-1);
+        QCOMPARE(s.chosen.count(), 0);
+        QCOMPARE(s.list.currentIndex(), 1);
+        // Said explicitly, it counts for the line that is current too.
+        s.selector.onAccountSelected(1);
+        QCOMPARE(s.chosen.takeFirst(), QVariantList{u"a"_s});
+    }
 
-void tst_AccountSelector::the_account_that_has_become_current_is_shown()
-{
-    Selector s;
-    s.book.setAccounts(accounts(two));
-    s.book.selectAccount(u"w"_s);
-    QCOMPARE(s.list.currentIndex(), 0);
-    QCOMPARE(s.chosen.count(), 0);
-}
+    void the_account_that_has_become_current_is_shown()
+    {
+        Selector s;
+        s.book.setAccounts(two);
+        s.book.selectAccount(u"w"_s);
+        QCOMPARE(s.list.currentIndex(), 0);
+        QCOMPARE(s.chosen.count(), 0);
+    }
 
-void tst_AccountSelector::of_equal_ids_the_last_line_stays()
-{
-    Selector s;
-    s.book.selectAccount(u"a"_s);
-    s.book.setAccounts({records::account("a").status("CLOSED"), records::account("a").status("CLOSED"),
-        records::account("b")});
-    QCOMPARE(s.list.currentIndex(), 1);
-    s.book.selectAccount(u"a"_s);
-    QCOMPARE(s.list.currentIndex(), 1);
-}
+    void of_equal_ids_the_last_line_stays()
+    {
+        Selector s;
+        s.book.selectAccount(u"a"_s);
+        s.book.setAccounts({records::account("a").status("CLOSED"), records::account("a").status("CLOSED"),
+            records::account("b")});
+        QCOMPARE(s.list.currentIndex(), 1);
+        s.book.selectAccount(u"a"_s);
+        QCOMPARE(s.list.currentIndex(), 1);
+    }
 
-void tst_AccountSelector::lines_of_the_same_accounts_stay()
-{
-    Selector s;
-    s.book.setAccounts(accounts(two));
-    QSignalSpy removed(s.list.model(), &QAbstractItemModel::rowsRemoved);
-    QSignalSpy reset(s.list.model(), &QAbstractItemModel::modelReset);
-    s.book.setAccounts({records::account("w").wallet().balance(5), records::account("a")});
-    QCOMPARE(s.list.itemText(0), u"Real  [ACTIVE]  5.00"_s);
-    QCOMPARE(removed.count() + reset.count(), 0);
-    QCOMPARE(s.list.currentData().toString(), u"a"_s);
-}
+    void lines_of_the_same_accounts_stay()
+    {
+        Selector s;
+        s.book.setAccounts(two);
+        QSignalSpy removed(s.list.model(), &QAbstractItemModel::rowsRemoved);
+        QSignalSpy reset(s.list.model(), &QAbstractItemModel::modelReset);
+        s.book.setAccounts({records::account("w").wallet().balance(5), records::account("a")});
+        QCOMPARE(s.list.itemText(0), u"Real  [ACTIVE]  5.00"_s);
+        QCOMPARE(removed.count() + reset.count(), 0);
+        QCOMPARE(s.list.currentData().toString(), u"a"_s);
+    }
+};
 
 TAVORAN_TEST(tst_AccountSelector)
 #include "tst_AccountSelector.moc"

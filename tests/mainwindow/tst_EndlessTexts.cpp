@@ -121,11 +121,9 @@ struct EndlessServer final : MainWindowFixture {
                                                 .impact(endlessText(u"HIGH"_s))
                                                 .with("currency", endlessText(u"EUR"_s))
                                                 .with("eventTime", endlessText(u"2"_s))})));
-        feed.setGreeting(
-            records::hello({records::symbol(symbol).described(endlessText(u"d"_s))}, {{symbol, quote()}}));
+        feed.setGreeting(records::hello(
+            {records::symbol(symbol).described(endlessText(u"d"_s))}, records::prices({{symbol, 1.1, 1.2}})));
     }
-
-    [[nodiscard]] static QJsonObject quote() { return records::quote(1.1, 1.2); }
 
     void signInAndWait()
     {
@@ -157,145 +155,135 @@ class TestEndlessTexts final : public QObject {
 
 private Q_SLOTS:
     void init() { QFile::remove(logFilePath()); }
-    void lists_and_log_lines_show_no_endless_text();
-    void a_charts_windows_show_no_endless_text();
-    void the_close_question_shows_no_endless_text();
-    void the_dialogs_show_no_endless_text();
-    void requests_name_an_endless_symbol_whole();
-    void an_alert_keeps_an_endless_symbol_whole();
-    void the_journal_hides_a_token_that_the_server_echoes();
-};
 
-void TestEndlessTexts::lists_and_log_lines_show_no_endless_text()
-{
-    EndlessServer f;
-    f.signInAndWait();
-    f.feed.send(QJsonObject{{u"type"_s, u"orders_changed"_s}, {u"closeReason"_s, endlessText(u"reason"_s)}});
-    f.feed.send(QJsonObject{
-        {u"type"_s, u"orders_changed"_s}, {u"filled"_s, true}, {u"accountId"_s, endlessText(u"a"_s)}});
-    f.feed.send(QJsonObject{{u"type"_s, u"account_update"_s}, {u"accountId"_s, endlessText(u"a"_s)},
-        {u"status"_s, endlessText(u"status"_s)}});
-    f.server.on("GET", "/api/accounts", StubAnswer::message(endlessText(u"accounts"_s), 500));
-    f.feed.send(QJsonObject{{u"type"_s, u"account_update"_s}, {u"accountId"_s, u"a1"_s}});
-    QTRY_VERIFY(f.journal().filter(u"Failed to load accounts: accountsxx"_s).size() > 0);
-    QVERIFY(f.journal().filter(u"Orders changed (reasonxxx"_s).size() == 1);
-    QVERIFY(f.journal().filter(u"status changed to statusxxx"_s).size() == 1);
+    void lists_and_log_lines_show_no_endless_text()
+    {
+        EndlessServer f;
+        f.signInAndWait();
+        f.feed.send(records::ordersChanged().closed(endlessText(u"reason"_s)));
+        f.feed.send(records::ordersChanged(endlessText(u"a"_s)).filled());
+        f.feed.send(records::accountUpdate(endlessText(u"a"_s), endlessText(u"status"_s)));
+        f.server.on("GET", "/api/accounts", StubAnswer::message(endlessText(u"accounts"_s), 500));
+        f.feed.send(records::accountUpdate("a1", "ACTIVE"));
+        QTRY_VERIFY(f.journal().filter(u"Failed to load accounts: accountsxx"_s).size() > 0);
+        QTRY_COMPARE(f.journal().filter(u"Orders changed (reasonxxx"_s).size(), 1);
+        QTRY_COMPARE(f.journal().filter(u"status changed to statusxxx"_s).size(), 1);
 
-    QCOMPARE(ShownTexts::longest(), QString());
-    for (const QString& line : fixtures::logMessages())
-        QVERIFY2(line.size() <= mostShown, qPrintable(line.left(100)));
-}
-
-void TestEndlessTexts::a_charts_windows_show_no_endless_text()
-{
-    EndlessServer f;
-    f.signInAndWait();
-    f.window->openChart(f.symbol);
-    QTRY_VERIFY(f.journal().filter(u"failed to load candles: candlesxxx"_s).size() > 0);
-    QTRY_VERIFY(f.journal().filter(u"failed to load drawings: drawingsxxx"_s).size() > 0);
-    for (const char* name :
-        {"Popup Prices", "Depth of Market", "Data Window", "Properties...", "Symbol Specification..."}) {
-        QAction* action = f.action(name);
-        QVERIFY2(action, name);
-        action->trigger();
+        QCOMPARE(ShownTexts::longest(), QString());
+        for (const QString& line : fixtures::logMessages())
+            QVERIFY2(line.size() <= mostShown, qPrintable(line.left(100)));
     }
-    QTemporaryDir folder;
-    QFile script(folder.filePath(u"Robot.js"_s));
-    QVERIFY(script.open(QIODevice::WriteOnly));
-    script.close();
-    Q_EMIT f.window->findChild<NavigatorWidget*>()->expertActivated(script.fileName());
-    QVERIFY(f.log("expertsList").filter(u"Robot: Attached to SYMxxx"_s).size() == 1);
-    QVERIFY(f.charts().constFirst()->windowTitle().startsWith(u"SYMxxx"_s));
-    QCOMPARE(f.charts().constFirst()->chart().tradeLevels().size(), 3);
-    QVERIFY(f.charts().constFirst()->chart().frame().description.startsWith(u"dxxx"_s));
-    QCOMPARE(ShownTexts::longest(), QString());
-}
 
-void TestEndlessTexts::the_close_question_shows_no_endless_text()
-{
-    EndlessServer f;
-    f.signInAndWait();
-    const QJsonObject trade = f.list("tradeList").topLevelItem(0)->data(0, Qt::UserRole).toJsonObject();
-    f.window->onTradeContextMenu(f.firstTrade(), trade);
-    auto* menu = f.window->findChild<QMenu*>(u"tradeMenu"_s);
-    QVERIFY(menu);
-    menu->actions().constFirst()->trigger();
-    auto* question = shownChild<QMessageBox>(*f.window);
-    QVERIFY(question);
-    QVERIFY(question->text().contains(u"SYMxxx"_s));
-    QCOMPARE(ShownTexts::longest(), QString());
-    question->reject();
-}
+    void a_charts_windows_show_no_endless_text()
+    {
+        EndlessServer f;
+        f.signInAndWait();
+        f.window->openChart(f.symbol);
+        QTRY_VERIFY(f.journal().filter(u"failed to load candles: candlesxxx"_s).size() > 0);
+        QTRY_VERIFY(f.journal().filter(u"failed to load drawings: drawingsxxx"_s).size() > 0);
+        for (const char* name :
+            {"Popup Prices", "Depth of Market", "Data Window", "Properties...", "Symbol Specification..."}) {
+            QAction* action = f.action(name);
+            QVERIFY2(action, name);
+            action->trigger();
+        }
+        QTemporaryDir folder;
+        QFile script(folder.filePath(u"Robot.js"_s));
+        QVERIFY(script.open(QIODevice::WriteOnly));
+        script.close();
+        Q_EMIT f.window->findChild<NavigatorWidget*>()->expertActivated(script.fileName());
+        QVERIFY(f.log("expertsList").filter(u"Robot: Attached to SYMxxx"_s).size() == 1);
+        QVERIFY(f.charts().constFirst()->windowTitle().startsWith(u"SYMxxx"_s));
+        QCOMPARE(f.charts().constFirst()->chart().tradeLevels().size(), 3);
+        QVERIFY(f.charts().constFirst()->chart().frame().description.startsWith(u"dxxx"_s));
+        QCOMPARE(ShownTexts::longest(), QString());
+    }
 
-void TestEndlessTexts::the_dialogs_show_no_endless_text()
-{
-    EndlessServer f;
-    f.signInAndWait();
-    f.action("New Order")->trigger();
-    f.feed.send(QJsonObject{{u"type"_s, u"price_update"_s}, {u"data"_s, QJsonObject{{f.symbol, f.quote()}}}});
-    QTRY_VERIFY(f.window->findChild<QLabel*>(u"orderUnits"_s)->text().contains(u"SYM"_s));
-    QCOMPARE(ShownTexts::longest(), QString());
-    shownChild<QDialog>(*f.window)->reject();
+    void the_close_question_shows_no_endless_text()
+    {
+        EndlessServer f;
+        f.signInAndWait();
+        const QJsonObject trade = f.list("tradeList").topLevelItem(0)->data(0, Qt::UserRole).toJsonObject();
+        f.window->onTradeContextMenu(f.firstTrade(), trade);
+        auto* menu = f.window->findChild<QMenu*>(u"tradeMenu"_s);
+        QVERIFY(menu);
+        menu->actions().constFirst()->trigger();
+        auto* question = shownChild<QMessageBox>(*f.window);
+        QVERIFY(question);
+        QVERIFY(question->text().contains(u"SYMxxx"_s));
+        QCOMPARE(ShownTexts::longest(), QString());
+        question->reject();
+    }
 
-    f.window->onTradeDoubleClicked(f.list("tradeList").topLevelItem(0)->data(0, Qt::UserRole).toJsonObject());
-    QVERIFY(f.window->findChild<QLabel*>(u"modifyHeader"_s));
-    QCOMPARE(ShownTexts::longest(), QString());
-}
+    void the_dialogs_show_no_endless_text()
+    {
+        EndlessServer f;
+        f.signInAndWait();
+        f.action("New Order")->trigger();
+        f.feed.send(records::priceUpdate({{f.symbol, 1.1, 1.2}}));
+        QTRY_VERIFY(f.window->findChild<QLabel*>(u"orderUnits"_s)->text().contains(u"SYM"_s));
+        QCOMPARE(ShownTexts::longest(), QString());
+        shownChild<QDialog>(*f.window)->reject();
 
-void TestEndlessTexts::requests_name_an_endless_symbol_whole()
-{
-    EndlessServer f;
-    f.signInAndWait();
-    // As a person opens a chart: from the list, whose row shows only the beginning.
-    QTreeWidget& symbols = f.list("marketWatchSymbols");
-    Q_EMIT symbols.itemActivated(symbols.topLevelItem(0), 0);
-    QTRY_COMPARE(f.server.count("GET", "/api/candles"), 1);
-    QVERIFY(f.server.last("GET", "/api/candles").target.contains(f.symbol.toLatin1() + '&'));
-    QCOMPARE(f.charts().constFirst()->symbol(), f.symbol);
+        f.window->onTradeDoubleClicked(
+            f.list("tradeList").topLevelItem(0)->data(0, Qt::UserRole).toJsonObject());
+        QVERIFY(f.window->findChild<QLabel*>(u"modifyHeader"_s));
+        QCOMPARE(ShownTexts::longest(), QString());
+    }
 
-    f.server.on("POST", "/api/trades/place", StubAnswer::json("{}"));
-    f.action("New Order")->trigger();
-    QTest::mouseClick(f.window->findChild<QPushButton*>(u"orderBuy"_s), Qt::LeftButton);
-    QTRY_COMPARE(f.server.count("POST", "/api/trades/place"), 1);
-    QCOMPARE(f.server.last("POST", "/api/trades/place").json()["symbol"_L1].toString(), f.symbol);
-}
+    void requests_name_an_endless_symbol_whole()
+    {
+        EndlessServer f;
+        f.signInAndWait();
+        // As a person opens a chart: from the list, whose row shows only the beginning.
+        QTreeWidget& symbols = f.list("marketWatchSymbols");
+        Q_EMIT symbols.itemActivated(symbols.topLevelItem(0), 0);
+        QTRY_COMPARE(f.server.count("GET", "/api/candles"), 1);
+        QVERIFY(f.server.last("GET", "/api/candles").target.contains(f.symbol.toLatin1() + '&'));
+        QCOMPARE(f.charts().constFirst()->symbol(), f.symbol);
 
-void TestEndlessTexts::an_alert_keeps_an_endless_symbol_whole()
-{
-    EndlessServer f;
-    f.signInAndWait();
-    const QList<QPushButton*> buttons = f.window->findChildren<QPushButton*>();
-    const auto add = std::find_if(buttons.begin(), buttons.end(),
-        [](const QPushButton* button) { return button->text() == u"Add Alert"_s; });
-    QVERIFY(add != buttons.end());
-    (*add)->click();
-    auto* dialog = shownChild<QDialog>(*f.window);
-    QVERIFY(dialog);
-    dialog->findChild<QDoubleSpinBox*>(u"alertPrice"_s)->setValue(1.15);
-    QCOMPARE(ShownTexts::longest(), QString());
-    dialog->accept();
+        f.server.on("POST", "/api/trades/place", StubAnswer::json("{}"));
+        f.action("New Order")->trigger();
+        QTest::mouseClick(f.window->findChild<QPushButton*>(u"orderBuy"_s), Qt::LeftButton);
+        QTRY_COMPARE(f.server.count("POST", "/api/trades/place"), 1);
+        QCOMPARE(f.server.last("POST", "/api/trades/place").json()["symbol"_L1].toString(), f.symbol);
+    }
 
-    QTreeWidget& alerts = f.list("alertsList");
-    QCOMPARE(alerts.topLevelItemCount(), 1);
-    QCOMPARE(ShownTexts::longest(), QString());
-    f.feed.send(QJsonObject{{u"type"_s, u"price_update"_s},
-        {u"data"_s, QJsonObject{{f.symbol, QJsonObject{{u"bid"_s, 1.16}, {u"ask"_s, 1.2}}}}}});
-    QTRY_COMPARE(alerts.topLevelItem(0)->text(3), u"Triggered"_s);
-    TerminalSettings::instance().setAlerts({});
-}
+    void an_alert_keeps_an_endless_symbol_whole()
+    {
+        EndlessServer f;
+        f.signInAndWait();
+        const QList<QPushButton*> buttons = f.window->findChildren<QPushButton*>();
+        const auto add = std::find_if(buttons.begin(), buttons.end(),
+            [](const QPushButton* button) { return button->text() == u"Add Alert"_s; });
+        QVERIFY(add != buttons.end());
+        (*add)->click();
+        auto* dialog = shownChild<QDialog>(*f.window);
+        QVERIFY(dialog);
+        dialog->findChild<QDoubleSpinBox*>(u"alertPrice"_s)->setValue(1.15);
+        QCOMPARE(ShownTexts::longest(), QString());
+        dialog->accept();
 
-void TestEndlessTexts::the_journal_hides_a_token_that_the_server_echoes()
-{
-    MainWindowFixture f;
-    f.signInAndSettle();
-    f.feed.send(QJsonObject{{u"type"_s, u"orders_changed"_s}, {u"closeReason"_s, u"for secret-token-123"_s}});
-    f.feed.send(QJsonObject{
-        {u"type"_s, u"account_update"_s}, {u"accountId"_s, u"Secret-Token-123"_s}, {u"status"_s, u"seen"_s}});
-    QTRY_VERIFY(f.journal().contains(u"Account: Account [hidden] status changed to seen"_s));
-    QVERIFY(f.journal().contains(u"Trade: Orders changed (for [hidden]) — refreshing"_s));
-    QVERIFY(f.log("expertsList").contains(u"Execution: Position closed (for [hidden])"_s));
-    QVERIFY(fixtures::logMessages().contains(u"[Trade] Orders changed (for [hidden]) — refreshing"_s));
-}
+        QTreeWidget& alerts = f.list("alertsList");
+        QCOMPARE(alerts.topLevelItemCount(), 1);
+        QCOMPARE(ShownTexts::longest(), QString());
+        f.feed.send(records::priceUpdate({{f.symbol, 1.16, 1.2}}));
+        QTRY_COMPARE(alerts.topLevelItem(0)->text(3), u"Triggered"_s);
+        TerminalSettings::instance().setAlerts({});
+    }
+
+    void the_journal_hides_a_token_that_the_server_echoes()
+    {
+        MainWindowFixture f;
+        f.signInAndSettle();
+        f.feed.send(records::ordersChanged().closed("for secret-token-123"));
+        f.feed.send(records::accountUpdate("Secret-Token-123", "seen"));
+        QTRY_VERIFY(f.journal().contains(u"Account: Account [hidden] status changed to seen"_s));
+        QVERIFY(f.journal().contains(u"Trade: Orders changed (for [hidden]) — refreshing"_s));
+        QVERIFY(f.log("expertsList").contains(u"Execution: Position closed (for [hidden])"_s));
+        QVERIFY(fixtures::logMessages().contains(u"[Trade] Orders changed (for [hidden]) — refreshing"_s));
+    }
+};
 
 TAVORAN_TEST(TestEndlessTexts)
 #include "tst_EndlessTexts.moc"

@@ -23,292 +23,276 @@ class tst_MainWindow final : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void windowIsBuiltAsPromised();
-    void docksAndPagesHoldTheirPanes();
-    void slotsAreKnownByName();
-    void exampleScriptsStandInTheNavigator();
-    void startIsWrittenToTheJournal();
-    void aFailedSaveIsToldInTheJournalOnce();
-    void aFailedSaveAfterTheWindowIsGoneIsToldToTheNextOne();
-    void what_asks_the_server_goes_while_the_window_has_its_clients();
-    void themeSwitchAppliesAtOnce();
-    void dockKeysShowAndHide();
-    void minimizedWindowIsRepaired();
-    void otherChangesOfTheWindowRepairNothing();
-    void windowComesToTheFront();
-    void popupPricesShowAndHideWithTheirKey();
-    void popupPricesDoNotKeepTheTerminalOpen();
-    void trayMenuOffersShowAndExit();
-};
-
-void tst_MainWindow::windowIsBuiltAsPromised()
-{
-    MainWindowFixture f;
-    f.open();
-    QCOMPARE(f.window->windowTitle(), u"Tavoran Terminal"_s);
-    QCOMPARE(MainWindow().size(), QSize(1280, 800));
-    const auto* area = qobject_cast<QMdiArea*>(f.window->centralWidget());
-    QVERIFY(area);
-    QCOMPARE(area->viewMode(), QMdiArea::TabbedView);
-    QCOMPARE(area->tabPosition(), QTabWidget::South);
-    QVERIFY(area->tabsClosable());
-    QVERIFY(area->tabsMovable());
-    QCOMPARE(area->background(), QBrush(themeBackdropColor(), Qt::SolidPattern));
-    QVERIFY(f.window->findChild<QTimer*>(u"dockSnapshotTimer"_s)->isActive());
-    const auto* toolbox
-        = qobject_cast<QTabWidget*>(f.window->findChild<QDockWidget*>(u"dockTerminal"_s)->widget());
-    QStringList tabs;
-    for (int i = 0; i < toolbox->count(); ++i)
-        tabs.append(toolbox->tabText(i));
-    QCOMPARE(tabs,
-        QStringList({u"Trade"_s, u"History"_s, u"Experts"_s, u"Journal"_s, u"Calendar"_s, u"Alerts"_s}));
-    QCOMPARE(f.window->menuBar()->actions().value(0)->text(), u"&File"_s);
-    QCOMPARE(f.action("New Order")->shortcut(), QKeySequence(Qt::Key_F9));
-    QVERIFY(f.window->findChild<TrayIcon*>() == nullptr || QSystemTrayIcon::isSystemTrayAvailable());
-}
-
-void tst_MainWindow::docksAndPagesHoldTheirPanes()
-{
-    MainWindowFixture f;
-    f.open();
-    const auto paneOf
-        = [&f](const QString& dock) { return f.window->findChild<QDockWidget*>(dock)->widget(); };
-    QVERIFY(qobject_cast<MarketWatchWidget*>(paneOf(u"dockMarketWatch"_s)));
-    QVERIFY(qobject_cast<NavigatorWidget*>(paneOf(u"dockNavigator"_s)));
-    const auto* toolbox = qobject_cast<TerminalPane*>(paneOf(u"dockTerminal"_s));
-    QVERIFY(toolbox);
-    QVERIFY(qobject_cast<NewsPane*>(toolbox->widget(4)));
-    QVERIFY(qobject_cast<AlertsPane*>(toolbox->widget(5)));
-}
-
-void tst_MainWindow::slotsAreKnownByName()
-{
-    QSet<QByteArray> known;
-    for (int i = 0; i < MainWindow::staticMetaObject.methodCount(); ++i) {
-        const QMetaMethod method = MainWindow::staticMetaObject.method(i);
-        if (method.methodType() == QMetaMethod::Slot)
-            known.insert(method.name());
-    }
-    for (const char* slot :
-        {"onHello", "onTradesUpdated", "onOrdersChanged", "onAccountUpdated", "onAccountSelected",
-            "openChart", "onTimeframeAction", "onSubWindowActivated", "openOrderDialog", "onTradeContextMenu",
-            "onTradeDoubleClicked", "onChartModifyLevel", "onQuickTrade", "showSpecification",
-            "togglePopupPrices", "toggleDepthOfMarket", "onExpertOrder", "onExpertCloseAll"})
-        QVERIFY2(known.contains(slot), slot);
-}
-
-void tst_MainWindow::exampleScriptsStandInTheNavigator()
-{
-    MainWindowFixture f;
-    f.open();
-    const auto* navigator = f.window->findChild<QDockWidget*>(u"dockNavigator"_s)->findChild<QTreeWidget*>();
-    for (const auto& script : {u"MA_Cross"_s, u"RSI_Reversal"_s})
-        QCOMPARE(navigator->findItems(script, Qt::MatchExactly | Qt::MatchRecursive).size(), 1);
-}
-
-void tst_MainWindow::startIsWrittenToTheJournal()
-{
-    QCoreApplication::setApplicationVersion(u"9.8.7"_s);
-    MainWindowFixture f;
-    f.open();
-    QCOMPARE(f.journal().value(0), u"Terminal: Tavoran Terminal 9.8.7 started"_s);
-}
-
-void tst_MainWindow::aFailedSaveIsToldInTheJournalOnce()
-{
-    MainWindowFixture f;
-    f.open();
-    TerminalSettings& settings = TerminalSettings::instance();
-    const QString line
-        = u"Terminal: The settings could not be saved to %1. What was saved before is kept."_s.arg(
-            SettingsStore::userFilePath());
-    const auto saveInVain = [&settings] {
-        const fixtures::FullDisk full(0);
-        settings.setAlerts(u"[1]"_s);
-        settings.setAlerts(u"[]"_s);
-    };
-    saveInVain();
-    QCOMPARE(f.journalCount(line), 1);
-    saveInVain();
-    QCOMPARE(f.journalCount(line), 1);
-    QVERIFY(settings.sync());
-    saveInVain();
-    QCOMPARE(f.journalCount(line), 2);
-    QVERIFY(settings.sync());
-}
-
-void tst_MainWindow::aFailedSaveAfterTheWindowIsGoneIsToldToTheNextOne()
-{
-    MainWindowFixture f;
-    f.open();
-    f.window.reset();
-    TerminalSettings& settings = TerminalSettings::instance();
+    void windowIsBuiltAsPromised()
     {
-        const fixtures::FullDisk full(0);
-        settings.setAlerts(u"[1]"_s);
+        MainWindowFixture f;
+        f.open();
+        QCOMPARE(f.window->windowTitle(), u"Tavoran Terminal"_s);
+        QCOMPARE(MainWindow().size(), QSize(1280, 800));
+        const auto* area = qobject_cast<QMdiArea*>(f.window->centralWidget());
+        QVERIFY(area);
+        QCOMPARE(area->viewMode(), QMdiArea::TabbedView);
+        QCOMPARE(area->tabPosition(), QTabWidget::South);
+        QVERIFY(area->tabsClosable());
+        QVERIFY(area->tabsMovable());
+        QCOMPARE(area->background(), QBrush(themeBackdropColor(), Qt::SolidPattern));
+        QVERIFY(f.window->findChild<QTimer*>(u"dockSnapshotTimer"_s)->isActive());
+        const auto* toolbox
+            = qobject_cast<QTabWidget*>(f.window->findChild<QDockWidget*>(u"dockTerminal"_s)->widget());
+        QStringList tabs;
+        for (int i = 0; i < toolbox->count(); ++i)
+            tabs.append(toolbox->tabText(i));
+        QCOMPARE(tabs,
+            QStringList({u"Trade"_s, u"History"_s, u"Experts"_s, u"Journal"_s, u"Calendar"_s, u"Alerts"_s}));
+        QCOMPARE(f.window->menuBar()->actions().value(0)->text(), u"&File"_s);
+        QCOMPARE(f.action("New Order")->shortcut(), QKeySequence(Qt::Key_F9));
+        QVERIFY(f.window->findChild<TrayIcon*>() == nullptr || QSystemTrayIcon::isSystemTrayAvailable());
     }
-    settings.setAlerts(u"[]"_s);
-    f.open();
-    QCOMPARE(f.journal().filter(u"The settings could not be saved"_s).size(), 1);
-}
 
-void tst_MainWindow::what_asks_the_server_goes_while_the_window_has_its_clients()
-{
-    MainWindowFixture f;
-    f.signInAndSettle();
-    f.window->openChart(u"EURUSD"_s);
-    f.window->openOrderDialog();
-    f.settle();
-    QStringList left{u"NewsPane"_s, u"ChartArea"_s, u"ChartWindow"_s, u"OrderDialog"_s, u"AccountLoader"_s,
-        u"TradeActions"_s, u"TradeDesk"_s};
-    // The clients are members: once they are gone, what is left of the window is a bare one of Qt's.
-    const QObject* window = f.window.get();
-    const QList<QObject*> parts = f.window->findChildren<QObject*>();
-    for (const QObject* part : parts) {
-        const QString name = QString::fromLatin1(part->metaObject()->className());
-        if (!left.contains(name))
-            continue;
-        connect(part, &QObject::destroyed, this, [&left, name, window] {
-            if (window->metaObject() == &MainWindow::staticMetaObject)
-                left.removeOne(name);
-        });
+    void docksAndPagesHoldTheirPanes()
+    {
+        MainWindowFixture f;
+        f.open();
+        const auto paneOf
+            = [&f](const QString& dock) { return f.window->findChild<QDockWidget*>(dock)->widget(); };
+        QVERIFY(qobject_cast<MarketWatchWidget*>(paneOf(u"dockMarketWatch"_s)));
+        QVERIFY(qobject_cast<NavigatorWidget*>(paneOf(u"dockNavigator"_s)));
+        const auto* toolbox = qobject_cast<TerminalPane*>(paneOf(u"dockTerminal"_s));
+        QVERIFY(toolbox);
+        QVERIFY(qobject_cast<NewsPane*>(toolbox->widget(4)));
+        QVERIFY(qobject_cast<AlertsPane*>(toolbox->widget(5)));
     }
-    f.window.reset();
-    QCOMPARE(left, QStringList());
-}
 
-void tst_MainWindow::themeSwitchAppliesAtOnce()
-{
-    MainWindowFixture f;
-    f.open();
-    f.action("Dark")->trigger();
-    QVERIFY(isDarkTheme());
-    QVERIFY(f.action("Dark")->isChecked());
-    QVERIFY(!f.action("Light")->isChecked());
-    QCOMPARE(QApplication::palette().color(QPalette::Window), QColor(0x2b, 0x2b, 0x2b));
-    f.open();
-    QVERIFY(f.action("Dark")->isChecked());
-    f.action("Light")->trigger();
-    QVERIFY(!isDarkTheme());
-    QVERIFY(f.action("Light")->isChecked());
-    QCOMPARE(QApplication::palette().color(QPalette::Window), QColor(0xf0, 0xf0, 0xf0));
-}
+    void slotsAreKnownByName()
+    {
+        QSet<QByteArray> known;
+        for (int i = 0; i < MainWindow::staticMetaObject.methodCount(); ++i) {
+            const QMetaMethod method = MainWindow::staticMetaObject.method(i);
+            if (method.methodType() == QMetaMethod::Slot)
+                known.insert(method.name());
+        }
+        for (const char* slot : {"onHello", "onTradesUpdated", "onOrdersChanged", "onAccountUpdated",
+                 "onAccountSelected", "openChart", "onTimeframeAction", "onSubWindowActivated",
+                 "openOrderDialog", "onTradeContextMenu", "onTradeDoubleClicked", "onChartModifyLevel",
+                 "onQuickTrade", "showSpecification", "togglePopupPrices", "toggleDepthOfMarket",
+                 "onExpertOrder", "onExpertCloseAll"})
+            QVERIFY2(known.contains(slot), slot);
+    }
 
-void tst_MainWindow::dockKeysShowAndHide()
-{
-    MainWindowFixture f;
-    f.open();
-    f.window->activateWindow();
-    QVERIFY(QTest::qWaitForWindowActive(f.window.get()));
-    auto* watch = f.window->findChild<QDockWidget*>(u"dockMarketWatch"_s);
-    auto* toolbox = f.window->findChild<QDockWidget*>(u"dockTerminal"_s);
-    QTest::keyClick(f.window.get(), Qt::Key_M, Qt::ControlModifier);
-    QVERIFY(watch->isHidden());
-    QTest::keyClick(f.window.get(), Qt::Key_M, Qt::ControlModifier);
-    QVERIFY(!watch->isHidden());
-    QTest::keyClick(f.window.get(), Qt::Key_T, Qt::ControlModifier);
-    QVERIFY(toolbox->isHidden());
-}
+    void exampleScriptsStandInTheNavigator()
+    {
+        MainWindowFixture f;
+        f.open();
+        const auto* navigator
+            = f.window->findChild<QDockWidget*>(u"dockNavigator"_s)->findChild<QTreeWidget*>();
+        for (const auto& script : {u"MA_Cross"_s, u"RSI_Reversal"_s})
+            QCOMPARE(navigator->findItems(script, Qt::MatchExactly | Qt::MatchRecursive).size(), 1);
+    }
 
-void tst_MainWindow::minimizedWindowIsRepaired()
-{
-    MainWindowFixture f;
-    f.open();
-    auto* watch = f.window->findChild<QDockWidget*>(u"dockMarketWatch"_s);
-    f.window->showMinimized();
-    QTRY_VERIFY(f.window->isMinimized());
-    watch->hide();
-    f.window->showNormal();
-    QTRY_VERIFY(!watch->isHidden());
-}
+    void startIsWrittenToTheJournal()
+    {
+        QCoreApplication::setApplicationVersion(u"9.8.7"_s);
+        MainWindowFixture f;
+        f.open();
+        QCOMPARE(f.journal().value(0), u"Terminal: Tavoran Terminal 9.8.7 started"_s);
+    }
 
-void tst_MainWindow::otherChangesOfTheWindowRepairNothing()
-{
-    MainWindowFixture f;
-    f.open();
-    auto* watch = f.window->findChild<QDockWidget*>(u"dockMarketWatch"_s);
-    watch->hide();
-    for (const Qt::WindowState state : {Qt::WindowMaximized, Qt::WindowNoState, Qt::WindowMinimized}) {
-        f.window->setWindowState(state);
-        QTRY_COMPARE(f.window->windowState(), Qt::WindowStates(state));
-        QCoreApplication::processEvents(); // the first repair would come at once
+    void aFailedSaveIsToldInTheJournalOnce()
+    {
+        MainWindowFixture f;
+        f.open();
+        TerminalSettings& settings = TerminalSettings::instance();
+        const QString line
+            = u"Terminal: The settings could not be saved to %1. What was saved before is kept."_s.arg(
+                SettingsStore::userFilePath());
+        const auto saveInVain = [&settings] {
+            const fixtures::FullDisk full(0);
+            settings.setAlerts(u"[1]"_s);
+            settings.setAlerts(u"[]"_s);
+        };
+        saveInVain();
+        QCOMPARE(f.journalCount(line), 1);
+        saveInVain();
+        QCOMPARE(f.journalCount(line), 1);
+        QVERIFY(settings.sync());
+        saveInVain();
+        QCOMPARE(f.journalCount(line), 2);
+        QVERIFY(settings.sync());
+    }
+
+    void aFailedSaveAfterTheWindowIsGoneIsToldToTheNextOne()
+    {
+        MainWindowFixture f;
+        f.open();
+        f.window.reset();
+        TerminalSettings& settings = TerminalSettings::instance();
+        {
+            const fixtures::FullDisk full(0);
+            settings.setAlerts(u"[1]"_s);
+        }
+        settings.setAlerts(u"[]"_s);
+        f.open();
+        QCOMPARE(f.journal().filter(u"The settings could not be saved"_s).size(), 1);
+    }
+
+    void what_asks_the_server_goes_while_the_window_has_its_clients()
+    {
+        MainWindowFixture f;
+        f.signInAndSettle();
+        f.window->openChart(u"EURUSD"_s);
+        f.window->openOrderDialog();
+        f.settle();
+        QStringList left{u"NewsPane"_s, u"ChartArea"_s, u"ChartWindow"_s, u"OrderDialog"_s,
+            u"AccountLoader"_s, u"TradeActions"_s, u"TradeDesk"_s};
+        // The clients are members: once they are gone, what is left of the window is a bare one of Qt's.
+        const QObject* window = f.window.get();
+        const QList<QObject*> parts = f.window->findChildren<QObject*>();
+        for (const QObject* part : parts) {
+            const QString name = QString::fromLatin1(part->metaObject()->className());
+            if (!left.contains(name))
+                continue;
+            connect(part, &QObject::destroyed, this, [&left, name, window] {
+                if (window->metaObject() == &MainWindow::staticMetaObject)
+                    left.removeOne(name);
+            });
+        }
+        f.window.reset();
+        QCOMPARE(left, QStringList());
+    }
+
+    void themeSwitchAppliesAtOnce()
+    {
+        MainWindowFixture f;
+        f.open();
+        f.action("Dark")->trigger();
+        QVERIFY(isDarkTheme());
+        QVERIFY(f.action("Dark")->isChecked());
+        QVERIFY(!f.action("Light")->isChecked());
+        QCOMPARE(QApplication::palette().color(QPalette::Window), QColor(0x2b, 0x2b, 0x2b));
+        f.open();
+        QVERIFY(f.action("Dark")->isChecked());
+        f.action("Light")->trigger();
+        QVERIFY(!isDarkTheme());
+        QVERIFY(f.action("Light")->isChecked());
+        QCOMPARE(QApplication::palette().color(QPalette::Window), QColor(0xf0, 0xf0, 0xf0));
+    }
+
+    void dockKeysShowAndHide()
+    {
+        MainWindowFixture f;
+        f.open();
+        f.window->activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(f.window.get()));
+        auto* watch = f.window->findChild<QDockWidget*>(u"dockMarketWatch"_s);
+        auto* toolbox = f.window->findChild<QDockWidget*>(u"dockTerminal"_s);
+        QTest::keyClick(f.window.get(), Qt::Key_M, Qt::ControlModifier);
         QVERIFY(watch->isHidden());
+        QTest::keyClick(f.window.get(), Qt::Key_M, Qt::ControlModifier);
+        QVERIFY(!watch->isHidden());
+        QTest::keyClick(f.window.get(), Qt::Key_T, Qt::ControlModifier);
+        QVERIFY(toolbox->isHidden());
     }
-}
 
-void tst_MainWindow::windowComesToTheFront()
-{
-    MainWindowFixture f;
-    f.open();
-    f.window->showMinimized();
-    QTRY_VERIFY(f.window->isMinimized());
-    f.window->bringToFront();
-    QTRY_VERIFY(!f.window->isMinimized());
-    QTRY_VERIFY(f.window->isActiveWindow());
-    f.window->hide();
-    f.window->bringToFront();
-    QVERIFY(f.window->isVisible());
-}
+    void minimizedWindowIsRepaired()
+    {
+        MainWindowFixture f;
+        f.open();
+        auto* watch = f.window->findChild<QDockWidget*>(u"dockMarketWatch"_s);
+        f.window->showMinimized();
+        QTRY_VERIFY(f.window->isMinimized());
+        watch->hide();
+        f.window->showNormal();
+        QTRY_VERIFY(!watch->isHidden());
+    }
 
-void tst_MainWindow::popupPricesShowAndHideWithTheirKey()
-{
-    MainWindowFixture f;
-    f.open();
-    f.window->activateWindow();
-    QVERIFY(QTest::qWaitForWindowActive(f.window.get()));
-    QVERIFY(!f.window->findChild<PopupPrices*>());
-    for (int i = 0; i < 5; ++i) {
-        QTest::keyClick(f.window.get(), Qt::Key_F10);
-        QCOMPARE(f.window->findChildren<PopupPrices*>().size(), 1);
-        const auto* popup = f.window->findChild<PopupPrices*>();
+    void otherChangesOfTheWindowRepairNothing()
+    {
+        MainWindowFixture f;
+        f.open();
+        auto* watch = f.window->findChild<QDockWidget*>(u"dockMarketWatch"_s);
+        watch->hide();
+        for (const Qt::WindowState state : {Qt::WindowMaximized, Qt::WindowNoState, Qt::WindowMinimized}) {
+            f.window->setWindowState(state);
+            QTRY_COMPARE(f.window->windowState(), Qt::WindowStates(state));
+            QCoreApplication::processEvents(); // the first repair would come at once
+            QVERIFY(watch->isHidden());
+        }
+    }
+
+    void windowComesToTheFront()
+    {
+        MainWindowFixture f;
+        f.open();
+        f.window->showMinimized();
+        QTRY_VERIFY(f.window->isMinimized());
+        f.window->bringToFront();
+        QTRY_VERIFY(!f.window->isMinimized());
+        QTRY_VERIFY(f.window->isActiveWindow());
+        f.window->hide();
+        f.window->bringToFront();
+        QVERIFY(f.window->isVisible());
+    }
+
+    void popupPricesShowAndHideWithTheirKey()
+    {
+        MainWindowFixture f;
+        f.open();
+        f.window->activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(f.window.get()));
+        QVERIFY(!f.window->findChild<PopupPrices*>());
+        for (int i = 0; i < 5; ++i) {
+            QTest::keyClick(f.window.get(), Qt::Key_F10);
+            QCOMPARE(f.window->findChildren<PopupPrices*>().size(), 1);
+            const auto* popup = f.window->findChild<PopupPrices*>();
+            QVERIFY(popup->isVisible());
+            QVERIFY(popup->isWindow());
+            QVERIFY(popup->windowFlags() & Qt::WindowStaysOnTopHint);
+            QCOMPARE(popup->windowTitle(), u"Popup Prices"_s);
+            // The keyboard stays where it was; the offscreen platform takes no notice of the wish.
+            QVERIFY(popup->testAttribute(Qt::WA_ShowWithoutActivating));
+            QTest::keyClick(f.window.get(), Qt::Key_F10);
+            QVERIFY(!popup->isVisible());
+        }
+        f.window->togglePopupPrices();
+        auto* popup = f.window->findChild<PopupPrices*>();
         QVERIFY(popup->isVisible());
-        QVERIFY(popup->isWindow());
-        QVERIFY(popup->windowFlags() & Qt::WindowStaysOnTopHint);
-        QCOMPARE(popup->windowTitle(), u"Popup Prices"_s);
-        // The keyboard stays where it was; the offscreen platform takes no notice of the wish.
-        QVERIFY(popup->testAttribute(Qt::WA_ShowWithoutActivating));
-        QTest::keyClick(f.window.get(), Qt::Key_F10);
+        QTest::keyClick(popup, Qt::Key_Escape);
         QVERIFY(!popup->isVisible());
     }
-    f.window->togglePopupPrices();
-    auto* popup = f.window->findChild<PopupPrices*>();
-    QVERIFY(popup->isVisible());
-    QTest::keyClick(popup, Qt::Key_Escape);
-    QVERIFY(!popup->isVisible());
-}
 
-void tst_MainWindow::popupPricesDoNotKeepTheTerminalOpen()
-{
-    MainWindowFixture f;
-    f.open();
-    f.window->togglePopupPrices();
-    QVERIFY(f.window->findChild<PopupPrices*>()->isVisible());
-    // Qt counts windows only inside the application's own loop.
-    QVERIFY(QGuiApplication::quitOnLastWindowClosed());
-    constexpr int stillOpen = 7;
-    QTimer::singleShot(5000, f.window.get(), [] { QCoreApplication::exit(stillOpen); });
-    QTimer::singleShot(0, f.window.get(), &QWidget::close);
-    QCOMPARE(QCoreApplication::exec(), 0);
-}
+    void popupPricesDoNotKeepTheTerminalOpen()
+    {
+        MainWindowFixture f;
+        f.open();
+        f.window->togglePopupPrices();
+        QVERIFY(f.window->findChild<PopupPrices*>()->isVisible());
+        // Qt counts windows only inside the application's own loop.
+        QVERIFY(QGuiApplication::quitOnLastWindowClosed());
+        constexpr int stillOpen = 7;
+        QTimer::singleShot(5000, f.window.get(), [] { QCoreApplication::exit(stillOpen); });
+        QTimer::singleShot(0, f.window.get(), &QWidget::close);
+        QCOMPARE(QCoreApplication::exec(), 0);
+    }
 
-void tst_MainWindow::trayMenuOffersShowAndExit()
-{
-    TrayIcon tray;
-    QCOMPARE(tray.icon().icon().cacheKey(), appIcon().cacheKey());
-    QCOMPARE(tray.icon().toolTip(), u"Tavoran Terminal"_s);
-    const QList<QAction*> entries = tray.icon().contextMenu()->actions();
-    QCOMPARE(entries.size(), 2);
-    QCOMPARE(entries[0]->text(), u"Show"_s);
-    QCOMPARE(entries[1]->text(), u"Exit"_s);
-    QSignalSpy show(&tray, &TrayIcon::showRequested);
-    QSignalSpy exit(&tray, &TrayIcon::exitRequested);
-    entries[0]->trigger();
-    entries[1]->trigger();
-    Q_EMIT tray.icon().activated(QSystemTrayIcon::Trigger);
-    Q_EMIT tray.icon().activated(QSystemTrayIcon::Context);
-    QCOMPARE(show.count(), 2);
-    QCOMPARE(exit.count(), 1);
-}
+    void trayMenuOffersShowAndExit()
+    {
+        TrayIcon tray;
+        QCOMPARE(tray.icon().icon().cacheKey(), appIcon().cacheKey());
+        QCOMPARE(tray.icon().toolTip(), u"Tavoran Terminal"_s);
+        const QList<QAction*> entries = tray.icon().contextMenu()->actions();
+        QCOMPARE(entries.size(), 2);
+        QCOMPARE(entries[0]->text(), u"Show"_s);
+        QCOMPARE(entries[1]->text(), u"Exit"_s);
+        QSignalSpy show(&tray, &TrayIcon::showRequested);
+        QSignalSpy exit(&tray, &TrayIcon::exitRequested);
+        entries[0]->trigger();
+        entries[1]->trigger();
+        Q_EMIT tray.icon().activated(QSystemTrayIcon::Trigger);
+        Q_EMIT tray.icon().activated(QSystemTrayIcon::Context);
+        QCOMPARE(show.count(), 2);
+        QCOMPARE(exit.count(), 1);
+    }
+};
 
 TAVORAN_TEST(tst_MainWindow)
 #include "tst_MainWindow.moc"

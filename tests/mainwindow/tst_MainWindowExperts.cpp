@@ -32,7 +32,7 @@ class tst_MainWindowExperts final : public QObject {
         return fixtures::logMessages().filter(QRegularExpression(u"^\\[(Robot|Expert|Execution)\\]"_s));
     }
 
-    void tick() { desk().window->onPrices({{u"EURUSD"_s, QJsonObject{{u"bid"_s, 1.1}, {u"ask"_s, 1.2}}}}); }
+    void tick() { desk().window->onPrices(records::prices({{"EURUSD", 1.1, 1.2}})); }
 
 private Q_SLOTS:
     void init()
@@ -70,7 +70,7 @@ private Q_SLOTS:
             experts().mid(0, 2), QStringList({u"Robot: Robot loaded"_s, u"Robot: Attached to USDJPY H1"_s}));
         tick();
         QCOMPARE(experts().size(), 3);
-        desk().window->onPrices({{u"USDJPY"_s, QJsonObject{{u"bid"_s, 150.1}, {u"ask"_s, 150.2}}}});
+        desk().window->onPrices(records::prices({{"USDJPY", 150.1, 150.2}}));
         QCOMPARE(experts().mid(3), QStringList(u"Robot: ticks"_s));
     }
 

@@ -26,31 +26,6 @@ Q_DECLARE_METATYPE(StubAnswer)
 class tst_MainWindowTrades final : public QObject {
     Q_OBJECT
 
-private Q_SLOTS:
-    void aRowsMenuClosesThePosition();
-    void aRowsMenuCancelsThePendingOrder();
-    void aRowsMenuModifiesTheTrade();
-    void aChangeThatNobodyKnowsOfReadsTheLists();
-    void aRowsMenuOpensTheOrderDialog();
-    void aDoubleClickModifiesTheTrade();
-    void aStopLossTypedAtOnceIsSent();
-    void aChangeWhoseWindowWasClosedTwiceIsTold_data();
-    void aChangeWhoseWindowWasClosedTwiceIsTold();
-    void aChangeOnAFormerAccountIsToldInTheJournal();
-    void withoutATradeThereIsNothingToModify();
-    void theModifyDialogKnowsTheSymbolsDigits_data();
-    void theModifyDialogKnowsTheSymbolsDigits();
-    void aDroppedLevelIsSent();
-    void theOneClickPanelTrades();
-    void keysGoToTheChartThatBecomesActive_data();
-    void keysGoToTheChartThatBecomesActive();
-    void answersAfterTheWindowIsGoneDoNoHarm();
-    void theAlgoSwitchIsToldInTheExpertsTab();
-    void alertsKnowTheSymbolsInAlphabeticalOrder();
-    void pricesReachTheAlerts();
-    void theCalendarIsReadAfterEachHello();
-
-private:
     static QRect rowOf(const MainWindowFixture& f)
     {
         QTreeWidget& trades = f.list("tradeList");
@@ -64,353 +39,314 @@ private:
         QApplication::sendEvent(trades.viewport(), &event);
         return f.window->findChild<QMenu*>(u"tradeMenu"_s);
     }
-    static void choose(QMenu* menu, const QString& text)
-    {
-        QVERIFY(menu);
-        for (QAction* action : menu->actions()) {
-            if (action->text() == text)
-                return hands::choose(*menu, action);
-        }
-        QFAIL(qPrintable(text));
-    }
     static void doubleClickRow(const MainWindowFixture& f)
     {
         QTreeWidget& trades = f.list("tradeList");
         QTest::mouseClick(trades.viewport(), Qt::LeftButton, {}, rowOf(f).center());
         QTest::mouseDClick(trades.viewport(), Qt::LeftButton, {}, rowOf(f).center());
     }
+
+private Q_SLOTS:
+    void aRowsMenuClosesThePosition()
+    {
+        MainWindowFixture f;
+        f.signInAndSettle();
+        f.server.on("POST", "/api/trades/close/t1", StubAnswer::json("{}"));
+        f.server.clearRequests();
+        hands::choose(*menuOn(f), u"Close Position"_s);
+        auto* question = f.window->findChild<QMessageBox*>();
+        QVERIFY(question);
+        QTest::mouseClick(question->button(QMessageBox::Yes), Qt::LeftButton);
+        QTRY_COMPARE(f.journalCount(u"Trade: Position closed"_s), 1);
+        f.awaitAllLists();
+    }
+
+    void aRowsMenuCancelsThePendingOrder()
+    {
+        MainWindowFixture f;
+        f.server.on("GET", "/api/trades/open?accountId=a1", StubAnswer::json("[]"));
+        f.server.on("GET", "/api/trades/pending?accountId=a1",
+            StubAnswer::list({records::pendingOrder("p1").buy(1)}));
+        f.signInAndSettle();
+        f.server.on("POST", "/api/trades/cancel/p1", StubAnswer::json("{}"));
+        f.server.clearRequests();
+        hands::choose(*menuOn(f), u"Cancel Order"_s);
+        QTRY_COMPARE(f.journalCount(u"Trade: Pending order cancelled"_s), 1);
+        QTRY_VERIFY(f.server.count("GET", "/api/trades/open") >= 1);
+        f.settle();
+        QCOMPARE(f.server.count("GET", "/api/accounts"), 0);
+        QCOMPARE(f.server.count("GET", "/api/trades/history"), 0);
+    }
+
+    void aRowsMenuModifiesTheTrade()
+    {
+        MainWindowFixture f;
+        f.signInAndSettle();
+        hands::choose(*menuOn(f), u"Modify..."_s);
+        QVERIFY(f.window->findChild<ModifyDialog*>());
+    }
+
+    void aChangeThatNobodyKnowsOfReadsTheLists()
+    {
+        MainWindowFixture f;
+        f.signInAndSettle();
+        f.server.on("PUT", "/api/trades/modify/t1", StubAnswer::closed());
+        doubleClickRow(f);
+        auto* dialog = f.window->findChild<ModifyDialog*>();
+        QVERIFY(dialog);
+        f.server.clearRequests();
+        QTest::keyClick(dialog, Qt::Key_Return);
+        f.awaitAllLists();
+        QCOMPARE(f.journalCount(u"Trade: Order modified"_s), 0);
+        QCOMPARE(f.server.count("PUT", "/api/trades/modify/t1"), 1);
+    }
+
+    void aRowsMenuOpensTheOrderDialog()
+    {
+        MainWindowFixture f;
+        f.signInAndSettle();
+        hands::choose(*menuOn(f), u"New Order..."_s);
+        QVERIFY(f.window->findChild<OrderDialog*>());
+    }
+
+    void aDoubleClickModifiesTheTrade()
+    {
+        MainWindowFixture f;
+        f.signInAndSettle();
+        f.server.on("PUT", "/api/trades/modify/t1", StubAnswer::json("{}"));
+        doubleClickRow(f);
+        const QPointer<ModifyDialog> dialog = f.window->findChild<ModifyDialog*>();
+        QVERIFY(dialog && dialog->isVisible() && dialog->isModal());
+        QTest::keyClicks(dialog->findChild<DecimalEdit*>(u"modifyStopLoss"_s), u"1.05"_s);
+        f.server.clearRequests();
+        QTest::keyClick(dialog, Qt::Key_Return);
+        QTRY_COMPARE(f.journalCount(u"Trade: Order modified"_s), 1);
+        QCOMPARE(f.server.last("PUT", "/api/trades/modify/t1").json(), QJsonObject({{u"stopLoss"_s, 1.05}}));
+        QTRY_COMPARE(f.server.count("GET", "/api/trades/open?accountId=a1"), 1);
+        QTRY_VERIFY(!dialog);
+    }
+
+    void aStopLossTypedAtOnceIsSent()
+    {
+        MainWindowFixture f;
+        f.signInAndSettle();
+        f.server.on("PUT", "/api/trades/modify/t1", StubAnswer::json("{}"));
+        doubleClickRow(f);
+        QVERIFY(hands::arriveAt(f.window->findChild<ModifyDialog*>()));
+        hands::type(u"1.05000"_s);
+        hands::press(Qt::Key_Return);
+        QTRY_COMPARE(f.journalCount(u"Trade: Order modified"_s), 1);
+        QCOMPARE(f.server.last("PUT", "/api/trades/modify/t1").json(), QJsonObject({{u"stopLoss"_s, 1.05}}));
+    }
+
+    void aChangeWhoseWindowWasClosedTwiceIsTold_data()
+    {
+        QTest::addColumn<StubAnswer>("answer");
+        QTest::addColumn<QString>("line");
+        QTest::newRow("modified") << StubAnswer::json("{}") << u"Trade: Order modified"_s;
+        QTest::newRow("refused") << StubAnswer::message(u"Too close %1"_s, 400)
+                                 << u"Trade: Modify failed: Too close %1"_s;
+    }
+    void aChangeWhoseWindowWasClosedTwiceIsTold()
+    {
+        QFETCH(StubAnswer, answer);
+        QFETCH(QString, line);
+        MainWindowFixture f;
+        f.signInAndSettle();
+        f.server.on("PUT", "/api/trades/modify/t1", StubAnswer::held());
+        doubleClickRow(f);
+        const QPointer<ModifyDialog> dialog = f.window->findChild<ModifyDialog*>();
+        QTest::keyClick(dialog, Qt::Key_Return);
+        QTRY_COMPARE(f.server.heldCount(), 1);
+        QTest::keyClick(dialog, Qt::Key_Escape);
+        dialog->show();
+        QTest::keyClick(dialog, Qt::Key_Escape);
+        QVERIFY(!dialog->isVisible());
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        QVERIFY(f.server.release(answer));
+        QTRY_COMPARE(f.journalCount(line), 1);
+        QTRY_VERIFY(!dialog);
+        QCOMPARE(f.server.count("PUT", "/api/trades/modify/t1"), 1);
+    }
+
+    void aChangeOnAFormerAccountIsToldInTheJournal()
+    {
+        MainWindowFixture f;
+        f.signInAndSettle();
+        f.server.on("PUT", "/api/trades/modify/t1", StubAnswer::held());
+        doubleClickRow(f);
+        const QPointer<ModifyDialog> dialog = f.window->findChild<ModifyDialog*>();
+        QTest::keyClick(dialog, Qt::Key_Return);
+        QTRY_COMPARE(f.server.heldCount(), 1);
+        dialog->close();
+        f.selector().setCurrentIndex(f.selector().findData(u"a2"_s));
+        QVERIFY(f.server.release(StubAnswer::message(u"Too close"_s, 400)));
+        QTRY_COMPARE(f.journalCount(u"Trade: Modify failed: Too close"_s), 1);
+        QTRY_VERIFY(!dialog);
+    }
+
+    void withoutATradeThereIsNothingToModify()
+    {
+        MainWindowFixture f;
+        f.signInAndSettle();
+        f.window->onTradeDoubleClicked({});
+        QVERIFY(!f.window->findChild<ModifyDialog*>());
+        f.window->onTradeContextMenu(f.window->mapToGlobal(QPoint(9, 9)), {});
+        QVERIFY(!f.window->findChild<QMenu*>(u"tradeMenu"_s));
+    }
+
+    void theModifyDialogKnowsTheSymbolsDigits_data()
+    {
+        QTest::addColumn<QString>("symbol");
+        QTest::addColumn<QString>("stopLoss");
+        QTest::newRow("three") << u"USDJPY"_s << u"150.000"_s;
+        QTest::newRow("five where they are unknown") << u"XAUUSD"_s << u"150.00000"_s;
+    }
+    void theModifyDialogKnowsTheSymbolsDigits()
+    {
+        QFETCH(QString, symbol);
+        QFETCH(QString, stopLoss);
+        MainWindowFixture f;
+        f.server.on("GET", "/api/trades/open?accountId=a1",
+            StubAnswer::list({records::position("t2").symbol(symbol).stopLoss(150)}));
+        f.signInAndSettle();
+        doubleClickRow(f);
+        const auto* dialog = f.window->findChild<ModifyDialog*>();
+        QVERIFY(dialog);
+        QCOMPARE(dialog->findChild<DecimalEdit*>(u"modifyStopLoss"_s)->text(), stopLoss);
+    }
+
+    void aDroppedLevelIsSent()
+    {
+        MainWindowFixture f;
+        f.signInAndSettle();
+        f.window->openChart(u"EURUSD"_s);
+        f.server.on("PUT", "/api/trades/modify/t1", StubAnswer::json("{}"));
+        f.settle();
+        f.server.clearRequests();
+        Q_EMIT f.charts().first()->chart().levelDragged(u"t1"_s, u"SL"_s, 1.07505);
+        QTRY_COMPARE(f.journalCount(u"Trade: SL moved to 1.07505"_s), 1);
+        QCOMPARE(
+            f.server.last("PUT", "/api/trades/modify/t1").json(), QJsonObject({{u"stopLoss"_s, 1.07505}}));
+        QTRY_COMPARE(f.server.count("GET", "/api/trades/open?accountId=a1"), 1);
+        f.settle();
+        QCOMPARE(f.server.count("GET", "/api/accounts"), 0);
+    }
+
+    void theOneClickPanelTrades()
+    {
+        MainWindowFixture f;
+        f.signInAndSettle();
+        f.window->openChart(u"EURUSD"_s);
+        f.server.on("POST", "/api/trades/place", StubAnswer::json("{}"));
+        f.settle();
+        f.server.clearRequests();
+        const auto* panel = f.window->findChild<OneClickPanel*>();
+        QVERIFY(panel && panel->isVisible());
+        for (QPushButton* button : panel->findChildren<QPushButton*>()) {
+            if (button->text().startsWith(u"BUY"_s))
+                QTest::mouseClick(button, Qt::LeftButton);
+        }
+        QTRY_COMPARE(f.journalCount(u"Trade: One-click BUY EURUSD executed"_s), 1);
+        QCOMPARE(f.server.last("POST", "/api/trades/place").json(),
+            QJsonObject({{u"symbol"_s, u"EURUSD"_s}, {u"type"_s, u"BUY"_s}, {u"orderKind"_s, u"MARKET"_s},
+                {u"lotSize"_s, 0.01}, {u"accountId"_s, u"a1"_s}}));
+        QTRY_COMPARE(f.server.count("GET", "/api/accounts"), 1);
+        QTRY_VERIFY(f.server.count("GET", "/api/trades/open?accountId=a1") >= 1);
+    }
+
+    void keysGoToTheChartThatBecomesActive_data()
+    {
+        QTest::addColumn<QString>("way");
+        QTest::addColumn<bool>("maximized");
+        for (const char* way : {"close", "next", "tab", "window"}) {
+            QTest::addRow("%s", way) << QString::fromLatin1(way) << true;
+            QTest::addRow("%s of two beside each other", way) << QString::fromLatin1(way) << false;
+        }
+    }
+    // A button that sells had the focus, and the space bar sold at market.
+    void keysGoToTheChartThatBecomesActive()
+    {
+        QFETCH(const QString, way);
+        QFETCH(const bool, maximized);
+        MainWindowFixture f;
+        f.signInAndSettle();
+        QVERIFY(hands::arriveAt(f.window.get()));
+        f.window->openChart(u"EURUSD"_s);
+        f.window->openChart(u"USDJPY"_s);
+        ChartArea& area = *f.chartArea();
+        if (!maximized)
+            area.tileSubWindows();
+        QMdiSubWindow* other = area.subWindowList().constFirst();
+        if (way == u"close"_s)
+            QTest::keyClick(f.window.get(), Qt::Key_F4, Qt::ControlModifier);
+        else if (way == u"next"_s)
+            area.activateNextSubWindow();
+        else if (way == u"tab"_s)
+            area.findChild<QTabBar*>()->setCurrentIndex(0);
+        else
+            area.setActiveSubWindow(other);
+        QTRY_COMPARE(area.activeSubWindow(), other);
+        QCoreApplication::processEvents();
+        QVERIFY(qobject_cast<ChartWidget*>(QApplication::focusWidget()));
+        QVERIFY(other->isAncestorOf(QApplication::focusWidget()));
+        f.server.clearRequests();
+        hands::type(u"5 "_s);
+        hands::press(Qt::Key_Return);
+        f.settle();
+        QCOMPARE(f.server.count("POST", "/api/trades/place"), 0);
+        QCOMPARE(other->findChild<OneClickPanel*>()->lots(), 0.01);
+        // By the keyboard the volume is still reached, and nothing that trades.
+        hands::press(Qt::Key_Tab);
+        QVERIFY(qobject_cast<QAbstractSpinBox*>(QApplication::focusWidget()));
+        hands::press(Qt::Key_Tab);
+        QVERIFY(qobject_cast<ChartWidget*>(QApplication::focusWidget()));
+    }
+
+    void answersAfterTheWindowIsGoneDoNoHarm()
+    {
+        MainWindowFixture f;
+        f.signInAndSettle();
+        f.server.on("POST", "/api/trades/place", StubAnswer::held());
+        f.server.on("POST", "/api/trades/close/t1", StubAnswer::held());
+        f.server.on("PUT", "/api/trades/modify/t1", StubAnswer::held());
+        f.window->onQuickTrade(u"EURUSD"_s, u"BUY"_s, 1.0);
+        f.window->onChartModifyLevel(u"t1"_s, u"SL"_s, 1.0);
+        f.action("Algo Trading")->trigger();
+        f.window->onExpertCloseAll(u"EURUSD"_s);
+        QTRY_COMPARE(f.server.heldCount(), 3);
+        f.window.reset();
+        f.server.release(StubAnswer::json("{}"));
+        QTRY_COMPARE(f.server.heldCount(), 0);
+        f.settle();
+        QCOMPARE(f.server.count("POST", "/api/trades/place"), 1);
+        QCOMPARE(f.server.count("POST", "/api/trades/close/t1"), 1);
+        QCOMPARE(f.server.count("PUT", "/api/trades/modify/t1"), 1);
+    }
+
+    void alertsKnowTheSymbolsInAlphabeticalOrder()
+    {
+        MainWindowFixture f;
+        f.feed.setGreeting(
+            records::hello({records::symbol("b"), records::symbol("C"), records::symbol("A")}));
+        f.signIn();
+        const auto* alerts = f.window->findChild<AlertsPane*>();
+        QTRY_COMPARE(alerts->symbols(), QStringList({u"A"_s, u"C"_s, u"b"_s}));
+    }
+
+    void theCalendarIsReadAfterEachHello()
+    {
+        MainWindowFixture f;
+        f.server.on("GET", "/api/news/upcoming",
+            StubAnswer::json(records::news({records::newsEvent("e").impact("LOW").in(75)})));
+        f.signInAndSettle();
+        QTRY_COMPARE(f.list("newsList").topLevelItemCount(), 1);
+        QCOMPARE(f.list("newsList").topLevelItem(0)->text(4), u"1h 15m"_s);
+        QCOMPARE(f.server.count("GET", "/api/news/upcoming"), 1); // none before the hello
+        f.feed.send(records::hello({records::symbol("EURUSD")}));
+        QTRY_COMPARE(f.server.count("GET", "/api/news/upcoming"), 2);
+    }
 };
-
-void tst_MainWindowTrades::aRowsMenuClosesThePosition()
-{
-    MainWindowFixture f;
-    f.signInAndSettle();
-    f.server.on("POST", "/api/trades/close/t1", StubAnswer::json("{}"));
-    f.server.clearRequests();
-    choose(menuOn(f), u"Close Position"_s);
-    auto* question = f.window->findChild<QMessageBox*>();
-    QVERIFY(question);
-    QTest::mouseClick(question->button(QMessageBox::Yes), Qt::LeftButton);
-    QTRY_COMPARE(f.journalCount(u"Trade: Position closed"_s), 1);
-    QTRY_COMPARE(f.server.count("GET", "/api/accounts"), 1);
-    QTRY_VERIFY(f.server.count("GET", "/api/trades/open") >= 1);
-    QTRY_VERIFY(f.server.count("GET", "/api/trades/history") >= 1);
-}
-
-void tst_MainWindowTrades::aRowsMenuCancelsThePendingOrder()
-{
-    MainWindowFixture f;
-    f.server.on("GET", "/api/trades/open?accountId=a1", StubAnswer::json("[]"));
-    f.server.on(
-        "GET", "/api/trades/pending?accountId=a1", StubAnswer::list({records::pendingOrder("p1").buy(1)}));
-    f.signInAndSettle();
-    f.server.on("POST", "/api/trades/cancel/p1", StubAnswer::json("{}"));
-    f.server.clearRequests();
-    choose(menuOn(f), u"Cancel Order"_s);
-    QTRY_COMPARE(f.journalCount(u"Trade: Pending order cancelled"_s), 1);
-    QTRY_VERIFY(f.server.count("GET", "/api/trades/open") >= 1);
-    f.settle();
-    QCOMPARE(f.server.count("GET", "/api/accounts"), 0);
-    QCOMPARE(f.server.count("GET", "/api/trades/history"), 0);
-}
-
-void tst_MainWindowTrades::aRowsMenuModifiesTheTrade()
-{
-    MainWindowFixture f;
-    f.signInAndSettle();
-    choose(menuOn(f), u"Modify..."_s);
-    QVERIFY(f.window->findChild<ModifyDialog*>());
-}
-
-void tst_MainWindowTrades::aChangeThatNobodyKnowsOfReadsTheLists()
-{
-    MainWindowFixture f;
-    f.signInAndSettle();
-    f.server.on("PUT", "/api/trades/modify/t1", StubAnswer::closed());
-    doubleClickRow(f);
-    auto* dialog = f.window->findChild<ModifyDialog*>();
-    QVERIFY(dialog);
-    f.server.clearRequests();
-    QTest::keyClick(dialog, Qt::Key_Return);
-    QTRY_VERIFY(f.server.count("GET", "/api/accounts") >= 1);
-    QTRY_VERIFY(f.server.count("GET", "/api/trades/open?accountId=a1") >= 1);
-    QTRY_VERIFY(f.server.count("GET", "/api/trades/history?accountId=a1") >= 1);
-    QCOMPARE(f.journalCount(u"Trade: Order modified"_s), 0);
-    QCOMPARE(f.server.count("PUT", "/api/trades/modify/t1"), 1);
-}
-
-void tst_MainWindowTrades::aRowsMenuOpensTheOrderDialog()
-{
-    MainWindowFixture f;
-    f.signInAndSettle();
-    choose(menuOn(f), u"New Order..."_s);
-    QVERIFY(f.window->findChild<OrderDialog*>());
-}
-
-void tst_MainWindowTrades::aDoubleClickModifiesTheTrade()
-{
-    MainWindowFixture f;
-    f.signInAndSettle();
-    f.server.on("PUT", "/api/trades/modify/t1", StubAnswer::json("{}"));
-    doubleClickRow(f);
-    const QPointer<ModifyDialog> dialog = f.window->findChild<ModifyDialog*>();
-    QVERIFY(dialog && dialog->isVisible() && dialog->isModal());
-    QTest::keyClicks(dialog->findChild<DecimalEdit*>(u"modifyStopLoss"_s), u"1.05"_s);
-    f.server.clearRequests();
-    QTest::keyClick(dialog, Qt::Key_Return);
-    QTRY_COMPARE(f.journalCount(u"Trade: Order modified"_s), 1);
-    QCOMPARE(f.server.last("PUT", "/api/trades/modify/t1").json(), QJsonObject({{u"stopLoss"_s, 1.05}}));
-    QTRY_COMPARE(f.server.count("GET", "/api/trades/open?accountId=a1"), 1);
-    QTRY_VERIFY(!dialog);
-}
-
-void tst_MainWindowTrades::aStopLossTypedAtOnceIsSent()
-{
-    MainWindowFixture f;
-    f.signInAndSettle();
-    f.server.on("PUT", "/api/trades/modify/t1", StubAnswer::json("{}"));
-    doubleClickRow(f);
-    QVERIFY(hands::arriveAt(f.window->findChild<ModifyDialog*>()));
-    hands::type(u"1.05000"_s);
-    hands::press(Qt::Key_Return);
-    QTRY_COMPARE(f.journalCount(u"Trade: Order modified"_s), 1);
-    QCOMPARE(f.server.last("PUT", "/api/trades/modify/t1").json(), QJsonObject({{u"stopLoss"_s, 1.05}}));
-}
-
-void tst_MainWindowTrades::aChangeWhoseWindowWasClosedTwiceIsTold_data()
-{
-    QTest::addColumn<StubAnswer>("answer");
-    QTest::addColumn<QString>("line");
-    QTest::newRow("modified") << StubAnswer::json("{}") << u"Trade: Order modified"_s;
-    QTest::newRow("refused") << StubAnswer::message(u"Too close %1"_s, 400)
-                             << u"Trade: Modify failed: Too close %1"_s;
-}
-
-void tst_MainWindowTrades::aChangeWhoseWindowWasClosedTwiceIsTold()
-{
-    QFETCH(StubAnswer, answer);
-    QFETCH(QString, line);
-    MainWindowFixture f;
-    f.signInAndSettle();
-    f.server.on("PUT", "/api/trades/modify/t1", StubAnswer::held());
-    doubleClickRow(f);
-    const QPointer<ModifyDialog> dialog = f.window->findChild<ModifyDialog*>();
-    QTest::keyClick(dialog, Qt::Key_Return);
-    QTRY_COMPARE(f.server.heldCount(), 1);
-    QTest::keyClick(dialog, Qt::Key_Escape);
-    dialog->show();
-    QTest::keyClick(dialog, Qt::Key_Escape);
-    QVERIFY(!dialog->isVisible());
-    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-    QVERIFY(f.server.release(answer));
-    QTRY_COMPARE(f.journalCount(line), 1);
-    QTRY_VERIFY(!dialog);
-    QCOMPARE(f.server.count("PUT", "/api/trades/modify/t1"), 1);
-}
-
-void tst_MainWindowTrades::aChangeOnAFormerAccountIsToldInTheJournal()
-{
-    MainWindowFixture f;
-    f.signInAndSettle();
-    f.server.on("PUT", "/api/trades/modify/t1", StubAnswer::held());
-    doubleClickRow(f);
-    const QPointer<ModifyDialog> dialog = f.window->findChild<ModifyDialog*>();
-    QTest::keyClick(dialog, Qt::Key_Return);
-    QTRY_COMPARE(f.server.heldCount(), 1);
-    dialog->close();
-    f.selector().setCurrentIndex(f.selector().findData(u"a2"_s));
-    QVERIFY(f.server.release(StubAnswer::message(u"Too close"_s, 400)));
-    QTRY_COMPARE(f.journalCount(u"Trade: Modify failed: Too close"_s), 1);
-    QTRY_VERIFY(!dialog);
-}
-
-void tst_MainWindowTrades::withoutATradeThereIsNothingToModify()
-{
-    MainWindowFixture f;
-    f.signInAndSettle();
-    f.window->onTradeDoubleClicked({});
-    QVERIFY(!f.window->findChild<ModifyDialog*>());
-    f.window->onTradeContextMenu(f.window->mapToGlobal(QPoint(9, 9)), {});
-    QVERIFY(!f.window->findChild<QMenu*>(u"tradeMenu"_s));
-}
-
-void tst_MainWindowTrades::theModifyDialogKnowsTheSymbolsDigits_data()
-{
-    QTest::addColumn<QString>("symbol");
-    QTest::addColumn<QString>("stopLoss");
-    QTest::newRow("three") << u"USDJPY"_s << u"150.000"_s;
-    QTest::newRow("five where they are unknown") << u"XAUUSD"_s << u"150.00000"_s;
-}
-
-void tst_MainWindowTrades::theModifyDialogKnowsTheSymbolsDigits()
-{
-    QFETCH(QString, symbol);
-    QFETCH(QString, stopLoss);
-    MainWindowFixture f;
-    f.server.on("GET", "/api/trades/open?accountId=a1",
-        StubAnswer::list({records::position("t2").symbol(symbol).stopLoss(150)}));
-    f.signInAndSettle();
-    doubleClickRow(f);
-    const auto* dialog = f.window->findChild<ModifyDialog*>();
-    QVERIFY(dialog);
-    QCOMPARE(dialog->findChild<DecimalEdit*>(u"modifyStopLoss"_s)->text(), stopLoss);
-}
-
-void tst_MainWindowTrades::aDroppedLevelIsSent()
-{
-    MainWindowFixture f;
-    f.signInAndSettle();
-    f.window->openChart(u"EURUSD"_s);
-    f.server.on("PUT", "/api/trades/modify/t1", StubAnswer::json("{}"));
-    f.settle();
-    f.server.clearRequests();
-    Q_EMIT f.charts().first()->chart().levelDragged(u"t1"_s, u"SL"_s, 1.07505);
-    QTRY_COMPARE(f.journalCount(u"Trade: SL moved to 1.07505"_s), 1);
-    QCOMPARE(f.server.last("PUT", "/api/trades/modify/t1").json(), QJsonObject({{u"stopLoss"_s, 1.07505}}));
-    QTRY_COMPARE(f.server.count("GET", "/api/trades/open?accountId=a1"), 1);
-    f.settle();
-    QCOMPARE(f.server.count("GET", "/api/accounts"), 0);
-}
-
-void tst_MainWindowTrades::theOneClickPanelTrades()
-{
-    MainWindowFixture f;
-    f.signInAndSettle();
-    f.window->openChart(u"EURUSD"_s);
-    f.server.on("POST", "/api/trades/place", StubAnswer::json("{}"));
-    f.settle();
-    f.server.clearRequests();
-    const auto* panel = f.window->findChild<OneClickPanel*>();
-    QVERIFY(panel && panel->isVisible());
-    for (QPushButton* button : panel->findChildren<QPushButton*>()) {
-        if (button->text().startsWith(u"BUY"_s))
-            QTest::mouseClick(button, Qt::LeftButton);
-    }
-    QTRY_COMPARE(f.journalCount(u"Trade: One-click BUY EURUSD executed"_s), 1);
-    QCOMPARE(f.server.last("POST", "/api/trades/place").json(),
-        QJsonObject({{u"symbol"_s, u"EURUSD"_s}, {u"type"_s, u"BUY"_s}, {u"orderKind"_s, u"MARKET"_s},
-            {u"lotSize"_s, 0.01}, {u"accountId"_s, u"a1"_s}}));
-    QTRY_COMPARE(f.server.count("GET", "/api/accounts"), 1);
-    QTRY_VERIFY(f.server.count("GET", "/api/trades/open?accountId=a1") >= 1);
-}
-
-void tst_MainWindowTrades::keysGoToTheChartThatBecomesActive_data()
-{
-    QTest::addColumn<QString>("way");
-    QTest::addColumn<bool>("maximized");
-    for (const char* way : {"close", "next", "tab", "window"}) {
-        QTest::addRow("%s", way) << QString::fromLatin1(way) << true;
-        QTest::addRow("%s of two beside each other", way) << QString::fromLatin1(way) << false;
-    }
-}
-
-// A button that sells had the focus, and the space bar sold at market.
-void tst_MainWindowTrades::keysGoToTheChartThatBecomesActive()
-{
-    QFETCH(const QString, way);
-    QFETCH(const bool, maximized);
-    MainWindowFixture f;
-    f.signInAndSettle();
-    QVERIFY(hands::arriveAt(f.window.get()));
-    f.window->openChart(u"EURUSD"_s);
-    f.window->openChart(u"USDJPY"_s);
-    ChartArea& area = *f.chartArea();
-    if (!maximized)
-        area.tileSubWindows();
-    QMdiSubWindow* other = area.subWindowList().constFirst();
-    if (way == u"close"_s)
-        QTest::keyClick(f.window.get(), Qt::Key_F4, Qt::ControlModifier);
-    else if (way == u"next"_s)
-        area.activateNextSubWindow();
-    else if (way == u"tab"_s)
-        area.findChild<QTabBar*>()->setCurrentIndex(0);
-    else
-        area.setActiveSubWindow(other);
-    QTRY_COMPARE(area.activeSubWindow(), other);
-    QCoreApplication::processEvents();
-    QVERIFY(qobject_cast<ChartWidget*>(QApplication::focusWidget()));
-    QVERIFY(other->isAncestorOf(QApplication::focusWidget()));
-    f.server.clearRequests();
-    hands::type(u"5 "_s);
-    hands::press(Qt::Key_Return);
-    f.settle();
-    QCOMPARE(f.server.count("POST", "/api/trades/place"), 0);
-    QCOMPARE(other->findChild<OneClickPanel*>()->lots(), 0.01);
-    // By the keyboard the volume is still reached, and nothing that trades.
-    hands::press(Qt::Key_Tab);
-    QVERIFY(qobject_cast<QAbstractSpinBox*>(QApplication::focusWidget()));
-    hands::press(Qt::Key_Tab);
-    QVERIFY(qobject_cast<ChartWidget*>(QApplication::focusWidget()));
-}
-
-void tst_MainWindowTrades::answersAfterTheWindowIsGoneDoNoHarm()
-{
-    MainWindowFixture f;
-    f.signInAndSettle();
-    f.server.on("POST", "/api/trades/place", StubAnswer::held());
-    f.server.on("POST", "/api/trades/close/t1", StubAnswer::held());
-    f.server.on("PUT", "/api/trades/modify/t1", StubAnswer::held());
-    f.window->onQuickTrade(u"EURUSD"_s, u"BUY"_s, 1.0);
-    f.window->onChartModifyLevel(u"t1"_s, u"SL"_s, 1.0);
-    f.action("Algo Trading")->trigger();
-    f.window->onExpertCloseAll(u"EURUSD"_s);
-    QTRY_COMPARE(f.server.heldCount(), 3);
-    f.window.reset();
-    f.server.release(StubAnswer::json("{}"));
-    QTRY_COMPARE(f.server.heldCount(), 0);
-    f.settle();
-    QCOMPARE(f.server.count("POST", "/api/trades/place"), 1);
-    QCOMPARE(f.server.count("POST", "/api/trades/close/t1"), 1);
-    QCOMPARE(f.server.count("PUT", "/api/trades/modify/t1"), 1);
-}
-
-void tst_MainWindowTrades::theAlgoSwitchIsToldInTheExpertsTab()
-{
-    MainWindowFixture f;
-    f.signInAndSettle();
-    QAction* algo = f.action("Algo Trading");
-    QVERIFY(!algo->isChecked());
-    algo->trigger();
-    algo->trigger();
-    QCOMPARE(f.log("expertsList"),
-        QStringList({u"Expert: Algo Trading enabled"_s, u"Expert: Algo Trading disabled"_s}));
-}
-
-void tst_MainWindowTrades::alertsKnowTheSymbolsInAlphabeticalOrder()
-{
-    MainWindowFixture f;
-    f.feed.setGreeting(records::hello({records::symbol("b"), records::symbol("C"), records::symbol("A")}));
-    f.signIn();
-    const auto* alerts = f.window->findChild<AlertsPane*>();
-    QTRY_COMPARE(alerts->symbols(), QStringList({u"A"_s, u"C"_s, u"b"_s}));
-}
-
-void tst_MainWindowTrades::pricesReachTheAlerts()
-{
-    TerminalSettings::instance().setAlerts(
-        uR"([{"symbol":"EURUSD","above":true,"price":1.5},{"symbol":"USDJPY","price":151}])"_s);
-    MainWindowFixture f;
-    f.signInAndSettle();
-    f.feed.send(records::priceUpdate({{"EURUSD", "1.5", "1.6"}}));
-    QTRY_COMPARE(f.list("alertsList").topLevelItem(0)->text(3), u"Triggered"_s);
-    QCOMPARE(f.list("alertsList").topLevelItem(1)->text(3), u"Active"_s);
-    f.feed.send(records::priceUpdate({{"USDJPY", 150.5, 0}}));
-    QTRY_COMPARE(f.list("alertsList").topLevelItem(1)->text(3), u"Triggered"_s);
-    TerminalSettings::instance().setAlerts({});
-}
-
-void tst_MainWindowTrades::theCalendarIsReadAfterEachHello()
-{
-    MainWindowFixture f;
-    f.server.on("GET", "/api/news/upcoming",
-        StubAnswer::json(records::news({records::newsEvent("e").impact("LOW").in(75)})));
-    f.signInAndSettle();
-    QTRY_COMPARE(f.list("newsList").topLevelItemCount(), 1);
-    QCOMPARE(f.list("newsList").topLevelItem(0)->text(4), u"1h 15m"_s);
-    QCOMPARE(f.server.count("GET", "/api/news/upcoming"), 1); // none before the hello
-    f.feed.send(records::hello({records::symbol("EURUSD")}));
-    QTRY_COMPARE(f.server.count("GET", "/api/news/upcoming"), 2);
-}
 
 TAVORAN_TEST(tst_MainWindowTrades)
 #include "tst_MainWindowTrades.moc"

@@ -13,163 +13,149 @@ using namespace Qt::StringLiterals;
 class tst_StatusPanel final : public QObject {
     Q_OBJECT
 
-private Q_SLOTS:
-    void beforeSignInNobodyIsLoggedInAndNothingConnected();
-    void connectionNamesStateAndServer();
-    void serverTextCannotActAsMarkup();
-    void userIsPlainText();
-    void aLongNameIsShownWhole();
-    void anEndlessNameIsShortened();
-    void latencyIsInParentheses();
-    void trafficIsShownInKilobytes();
-    void floodOfTrafficIsShownNowAndThenAndEndsRight();
-    void idleMessageComesBack();
-    void kilobytesKeepOneDecimal();
-    void theHostOfAnAddressIsShownOrElseAllOfIt();
-    void theWheelChoosesNoAccountOnItsWay();
-
-private:
     static QString text(const QMainWindow& window, const QString& label)
     {
         return window.findChild<QLabel*>(label)->text();
     }
+
+private Q_SLOTS:
+    void beforeSignInNobodyIsLoggedInAndNothingConnected()
+    {
+        QMainWindow window;
+        const StatusPanel panel(*window.statusBar(), u"example.test"_s);
+        QCOMPARE(text(window, u"userLabel"_s), u"Not logged in"_s);
+        QCOMPARE(window.findChild<QLabel*>(u"userLabel"_s)->styleSheet(), u"color:#8a94a6;"_s);
+        QCOMPARE(text(window, u"connectionLabel"_s),
+            u"<span style='color:#ff6b6b'>●</span> Disconnected — example.test"_s);
+        QCOMPARE(text(window, u"latencyLabel"_s), QString());
+        QCOMPARE(window.statusBar()->currentMessage(), u"For Help, press F1"_s);
+        QCOMPARE(panel.accountSelector().objectName(), u"accountSelector"_s);
+        QCOMPARE(window.findChild<QComboBox*>(u"accountSelector"_s), &panel.accountSelector());
+    }
+
+    void connectionNamesStateAndServer()
+    {
+        QMainWindow window;
+        StatusPanel panel(*window.statusBar(), u"example.test"_s);
+        panel.setConnected(true);
+        QCOMPARE(text(window, u"connectionLabel"_s),
+            u"<span style='color:#26d367'>●</span> Connected — example.test"_s);
+        panel.setConnected(false);
+        QCOMPARE(text(window, u"connectionLabel"_s),
+            u"<span style='color:#ff6b6b'>●</span> Disconnected — example.test"_s);
+    }
+
+    void serverTextCannotActAsMarkup()
+    {
+        QMainWindow window;
+        StatusPanel panel(*window.statusBar(), u"<img src=x>%1"_s);
+        QVERIFY(text(window, u"connectionLabel"_s).endsWith(u"Disconnected — &lt;img src=x&gt;%1"_s));
+    }
+
+    void userIsPlainText()
+    {
+        QMainWindow window;
+        StatusPanel panel(*window.statusBar(), u"s"_s);
+        panel.setUser(u"<b>eve</b>\nroot"_s);
+        const auto* label = window.findChild<QLabel*>(u"userLabel"_s);
+        QCOMPARE(label->text(), u"<b>eve</b> root"_s);
+        QCOMPARE(label->textFormat(), Qt::PlainText);
+        QCOMPARE(label->styleSheet(), QString());
+    }
+
+    void aLongNameIsShownWhole()
+    {
+        QMainWindow window;
+        const QString host = u"a1b2c3d4e5f6a7b8c9d0e1f2a3b4c5d6-1234567890.eu-central-1.trading.example"_s;
+        StatusPanel panel(*window.statusBar(), host);
+        const QString email
+            = u"first.second.third-fourth+trading@a-long-name-of-a-department.company.example"_s;
+        panel.setUser(email);
+        QCOMPARE(text(window, u"userLabel"_s), email);
+        QVERIFY(text(window, u"connectionLabel"_s).endsWith(host));
+    }
+
+    void anEndlessNameIsShortened()
+    {
+        QMainWindow window;
+        const QString endless(100'000, u'x');
+        const QString shown = QString(300, u'x') + u'…';
+        StatusPanel panel(*window.statusBar(), endless);
+        panel.setUser(endless);
+        QCOMPARE(text(window, u"userLabel"_s), shown);
+        QVERIFY(text(window, u"connectionLabel"_s).endsWith(u" — "_s + shown));
+    }
+
+    void latencyIsInParentheses()
+    {
+        QMainWindow window;
+        StatusPanel panel(*window.statusBar(), u"s"_s);
+        panel.setLatency(42);
+        QCOMPARE(text(window, u"latencyLabel"_s), u"(42 ms)"_s);
+    }
+
+    void trafficIsShownInKilobytes()
+    {
+        QMainWindow window;
+        StatusPanel panel(*window.statusBar(), u"s"_s);
+        QCOMPARE(text(window, u"trafficLabel"_s), u"<span style='color:#26d367'>●</span> 0.0 / 0.0 Kb"_s);
+        panel.setTraffic(2048, 512);
+        QCOMPARE(text(window, u"trafficLabel"_s), u"<span style='color:#26d367'>●</span> 2.0 / 0.5 Kb"_s);
+    }
+
+    void floodOfTrafficIsShownNowAndThenAndEndsRight()
+    {
+        QMainWindow window;
+        StatusPanel panel(*window.statusBar(), u"s"_s);
+        for (quint64 i = 1; i <= 10'000; ++i)
+            panel.setTraffic(i * 1024, 0);
+        QVERIFY(text(window, u"trafficLabel"_s).contains(u"> 1.0 / "_s));
+        QTRY_VERIFY(text(window, u"trafficLabel"_s).contains(u"> 10000.0 / "_s));
+    }
+
+    void idleMessageComesBack()
+    {
+        QMainWindow window;
+        const StatusPanel panel(*window.statusBar(), u"s"_s);
+        window.statusBar()->showMessage(u"Opens a chart"_s);
+        QCOMPARE(window.statusBar()->currentMessage(), u"Opens a chart"_s);
+        window.statusBar()->clearMessage();
+        QCOMPARE(window.statusBar()->currentMessage(), u"For Help, press F1"_s);
+    }
+
+    void kilobytesKeepOneDecimal()
+    {
+        QCOMPARE(StatusPanel::kilobytes(0), u"0.0"_s);
+        QCOMPARE(StatusPanel::kilobytes(1536), u"1.5"_s);
+        QCOMPARE(StatusPanel::kilobytes(std::numeric_limits<quint64>::max()), u"18014398509481984.0"_s);
+    }
+
+    void theHostOfAnAddressIsShownOrElseAllOfIt()
+    {
+        QCOMPARE(StatusPanel::hostOf(u"https://example.test:8443/api"_s), u"example.test"_s);
+        QCOMPARE(StatusPanel::hostOf(u"nonsense"_s), u"nonsense"_s);
+        QCOMPARE(StatusPanel::hostOf(QString()), QString());
+    }
+
+    void theWheelChoosesNoAccountOnItsWay()
+    {
+        QMainWindow window;
+        const StatusPanel panel(*window.statusBar(), u"s"_s);
+        QComboBox& selector = panel.accountSelector();
+        selector.addItems({u"Demo"_s, u"Wallet"_s});
+        auto* centre = new QLineEdit;
+        window.setCentralWidget(centre);
+        window.show();
+        QVERIFY(hands::arriveAt(&window));
+        centre->setFocus();
+        hands::turnWheel(selector, -120);
+        QCOMPARE(selector.currentIndex(), 0);
+        QVERIFY(centre->hasFocus());
+        selector.setFocus();
+        hands::turnWheel(selector, -120);
+        QCOMPARE(selector.currentIndex(), 1);
+    }
 };
-
-void tst_StatusPanel::beforeSignInNobodyIsLoggedInAndNothingConnected()
-{
-    QMainWindow window;
-    const StatusPanel panel(*window.statusBar(), u"example.test"_s);
-    QCOMPARE(text(window, u"userLabel"_s), u"Not logged in"_s);
-    QCOMPARE(window.findChild<QLabel*>(u"userLabel"_s)->styleSheet(), u"color:#8a94a6;"_s);
-    QCOMPARE(text(window, u"connectionLabel"_s),
-        u"<span style='color:#ff6b6b'>●</span> Disconnected — example.test"_s);
-    QCOMPARE(text(window, u"latencyLabel"_s), QString());
-    QCOMPARE(window.statusBar()->currentMessage(), u"For Help, press F1"_s);
-    QCOMPARE(panel.accountSelector().objectName(), u"accountSelector"_s);
-    QCOMPARE(window.findChild<QComboBox*>(u"accountSelector"_s), &panel.accountSelector());
-}
-
-void tst_StatusPanel::connectionNamesStateAndServer()
-{
-    QMainWindow window;
-    StatusPanel panel(*window.statusBar(), u"example.test"_s);
-    panel.setConnected(true);
-    QCOMPARE(text(window, u"connectionLabel"_s),
-        u"<span style='color:#26d367'>●</span> Connected — example.test"_s);
-    panel.setConnected(false);
-    QCOMPARE(text(window, u"connectionLabel"_s),
-        u"<span style='color:#ff6b6b'>●</span> Disconnected — example.test"_s);
-}
-
-void tst_StatusPanel::aLongNameIsShownWhole()
-{
-    QMainWindow window;
-    const QString host = u"a1b2c3d4e5f6a7b8c9d0e1f2a3b4c5d6-1234567890.eu-central-1.trading.example"_s;
-    StatusPanel panel(*window.statusBar(), host);
-    const QString email = u"first.second.third-fourth+trading@a-long-name-of-a-department.company.example"_s;
-    panel.setUser(email);
-    QCOMPARE(text(window, u"userLabel"_s), email);
-    QVERIFY(text(window, u"connectionLabel"_s).endsWith(host));
-}
-
-void tst_StatusPanel::anEndlessNameIsShortened()
-{
-    QMainWindow window;
-    const QString endless(100'000, u'x');
-    const QString shown = QString(300, u'x') + u'…';
-    StatusPanel panel(*window.statusBar(), endless);
-    panel.setUser(endless);
-    QCOMPARE(text(window, u"userLabel"_s), shown);
-    QVERIFY(text(window, u"connectionLabel"_s).endsWith(u" — "_s + shown));
-}
-
-void tst_StatusPanel::theHostOfAnAddressIsShownOrElseAllOfIt()
-{
-    QCOMPARE(StatusPanel::hostOf(u"https://example.test:8443/api"_s), u"example.test"_s);
-    QCOMPARE(StatusPanel::hostOf(u"nonsense"_s), u"nonsense"_s);
-    QCOMPARE(StatusPanel::hostOf(QString()), QString());
-}
-
-void tst_StatusPanel::theWheelChoosesNoAccountOnItsWay()
-{
-    QMainWindow window;
-    const StatusPanel panel(*window.statusBar(), u"s"_s);
-    QComboBox& selector = panel.accountSelector();
-    selector.addItems({u"Demo"_s, u"Wallet"_s});
-    auto* centre = new QLineEdit;
-    window.setCentralWidget(centre);
-    window.show();
-    QVERIFY(hands::arriveAt(&window));
-    centre->setFocus();
-    hands::turnWheel(selector, -120);
-    QCOMPARE(selector.currentIndex(), 0);
-    QVERIFY(centre->hasFocus());
-    selector.setFocus();
-    hands::turnWheel(selector, -120);
-    QCOMPARE(selector.currentIndex(), 1);
-}
-
-void tst_StatusPanel::serverTextCannotActAsMarkup()
-{
-    QMainWindow window;
-    StatusPanel panel(*window.statusBar(), u"<img src=x>%1"_s);
-    QVERIFY(text(window, u"connectionLabel"_s).endsWith(u"Disconnected — &lt;img src=x&gt;%1"_s));
-}
-
-void tst_StatusPanel::userIsPlainText()
-{
-    QMainWindow window;
-    StatusPanel panel(*window.statusBar(), u"s"_s);
-    panel.setUser(u"<b>eve</b>\nroot"_s);
-    const auto* label = window.findChild<QLabel*>(u"userLabel"_s);
-    QCOMPARE(label->text(), u"<b>eve</b> root"_s);
-    QCOMPARE(label->textFormat(), Qt::PlainText);
-    QCOMPARE(label->styleSheet(), QString());
-}
-
-void tst_StatusPanel::latencyIsInParentheses()
-{
-    QMainWindow window;
-    StatusPanel panel(*window.statusBar(), u"s"_s);
-    panel.setLatency(42);
-    QCOMPARE(text(window, u"latencyLabel"_s), u"(42 ms)"_s);
-}
-
-void tst_StatusPanel::trafficIsShownInKilobytes()
-{
-    QMainWindow window;
-    StatusPanel panel(*window.statusBar(), u"s"_s);
-    QCOMPARE(text(window, u"trafficLabel"_s), u"<span style='color:#26d367'>●</span> 0.0 / 0.0 Kb"_s);
-    panel.setTraffic(2048, 512);
-    QCOMPARE(text(window, u"trafficLabel"_s), u"<span style='color:#26d367'>●</span> 2.0 / 0.5 Kb"_s);
-}
-
-void tst_StatusPanel::floodOfTrafficIsShownNowAndThenAndEndsRight()
-{
-    QMainWindow window;
-    StatusPanel panel(*window.statusBar(), u"s"_s);
-    for (quint64 i = 1; i <= 10'000; ++i)
-        panel.setTraffic(i * 1024, 0);
-    QVERIFY(text(window, u"trafficLabel"_s).contains(u"> 1.0 / "_s));
-    QTRY_VERIFY(text(window, u"trafficLabel"_s).contains(u"> 10000.0 / "_s));
-}
-
-void tst_StatusPanel::idleMessageComesBack()
-{
-    QMainWindow window;
-    const StatusPanel panel(*window.statusBar(), u"s"_s);
-    window.statusBar()->showMessage(u"Opens a chart"_s);
-    QCOMPARE(window.statusBar()->currentMessage(), u"Opens a chart"_s);
-    window.statusBar()->clearMessage();
-    QCOMPARE(window.statusBar()->currentMessage(), u"For Help, press F1"_s);
-}
-
-void tst_StatusPanel::kilobytesKeepOneDecimal()
-{
-    QCOMPARE(StatusPanel::kilobytes(0), u"0.0"_s);
-    QCOMPARE(StatusPanel::kilobytes(1536), u"1.5"_s);
-    QCOMPARE(StatusPanel::kilobytes(std::numeric_limits<quint64>::max()), u"18014398509481984.0"_s);
-}
 
 TAVORAN_TEST(tst_StatusPanel)
 #include "tst_StatusPanel.moc"

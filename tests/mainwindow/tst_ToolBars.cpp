@@ -10,15 +10,6 @@ using namespace Qt::StringLiterals;
 class tst_ToolBars final : public QObject {
     Q_OBJECT
 
-private Q_SLOTS:
-    void movedToolBarsStayWhereTheyWerePut();
-    void defaultLayoutBringsMovedToolBarsBack();
-    void aLayoutSavedWithoutToolBarsShowsThemAll();
-    void switchesFollowTheirDocks();
-    void whatHasNoRoomIsBehindAnArrow_data();
-    void whatHasNoRoomIsBehindAnArrow();
-
-private:
     static constexpr const char* names[] = {"toolbarStandard", "toolbarTimeframes", "toolbarStudies"};
 
     static void scatter(const CommandDriver& d)
@@ -28,110 +19,110 @@ private:
             d.f.window->insertToolBarBreak(&d.bar(name));
         d.bar("toolbarTimeframes").hide();
     }
-};
 
-void tst_ToolBars::movedToolBarsStayWhereTheyWerePut()
-{
-    CommandDriver d;
-    scatter(d);
-    QVERIFY(d.f.window->close());
-    d.f.open();
-    QCOMPARE(d.f.window->toolBarArea(&d.bar("toolbarStandard")), Qt::BottomToolBarArea);
-    QCOMPARE(d.f.window->toolBarArea(&d.bar("toolbarStudies")), Qt::TopToolBarArea);
-    QVERIFY(d.f.window->toolBarBreak(&d.bar("toolbarStudies")));
-    QVERIFY(d.bar("toolbarTimeframes").isHidden());
-    QVERIFY(d.bar("toolbarStandard").isVisible() && d.bar("toolbarStudies").isVisible());
-}
-
-void tst_ToolBars::defaultLayoutBringsMovedToolBarsBack()
-{
-    const CommandDriver d;
-    QList<QRect> places;
-    for (const char* name : names)
-        places.append(d.bar(name).geometry());
-    scatter(d);
-    d.choose({u"&View"_s, u"Restore Default Layout"_s});
-    for (const char* name : names) {
-        QCOMPARE(d.f.window->toolBarArea(&d.bar(name)), Qt::TopToolBarArea);
-        QVERIFY(!d.f.window->toolBarBreak(&d.bar(name)));
-        QVERIFY(d.bar(name).isVisible());
-    }
-    for (qsizetype i = 0; i < places.size(); ++i)
-        QTRY_COMPARE(d.bar(names[i]).geometry(), places.at(i));
-}
-
-void tst_ToolBars::aLayoutSavedWithoutToolBarsShowsThemAll()
-{
-    QByteArray geometry;
-    QByteArray state;
+private Q_SLOTS:
+    void movedToolBarsStayWhereTheyWerePut()
     {
-        QMainWindow earlier; // as an earlier version of the terminal saved it
-        earlier.setCentralWidget(new QWidget);
-        for (const auto& name : {u"dockMarketWatch"_s, u"dockNavigator"_s, u"dockTerminal"_s}) {
-            auto* dock = new QDockWidget(&earlier);
-            dock->setObjectName(name);
-            earlier.addDockWidget(Qt::RightDockWidgetArea, dock);
+        CommandDriver d;
+        scatter(d);
+        QVERIFY(d.f.window->close());
+        d.f.open();
+        QCOMPARE(d.f.window->toolBarArea(&d.bar("toolbarStandard")), Qt::BottomToolBarArea);
+        QCOMPARE(d.f.window->toolBarArea(&d.bar("toolbarStudies")), Qt::TopToolBarArea);
+        QVERIFY(d.f.window->toolBarBreak(&d.bar("toolbarStudies")));
+        QVERIFY(d.bar("toolbarTimeframes").isHidden());
+        QVERIFY(d.bar("toolbarStandard").isVisible() && d.bar("toolbarStudies").isVisible());
+    }
+
+    void defaultLayoutBringsMovedToolBarsBack()
+    {
+        const CommandDriver d;
+        QList<QRect> places;
+        for (const char* name : names)
+            places.append(d.bar(name).geometry());
+        scatter(d);
+        d.choose({u"&View"_s, u"Restore Default Layout"_s});
+        for (const char* name : names) {
+            QCOMPARE(d.f.window->toolBarArea(&d.bar(name)), Qt::TopToolBarArea);
+            QVERIFY(!d.f.window->toolBarBreak(&d.bar(name)));
+            QVERIFY(d.bar(name).isVisible());
         }
-        geometry = earlier.saveGeometry();
-        state = earlier.saveState();
+        for (qsizetype i = 0; i < places.size(); ++i)
+            QTRY_COMPARE(d.bar(names[i]).geometry(), places.at(i));
     }
-    MainWindowFixture f;
-    TerminalSettings::instance().setWindowLayout(geometry, state);
-    f.open();
-    QCOMPARE(f.window->dockWidgetArea(f.window->findChild<QDockWidget*>(u"dockMarketWatch"_s)),
-        Qt::RightDockWidgetArea);
-    for (const char* name : names) {
-        auto* bar = f.window->findChild<QToolBar*>(QString::fromLatin1(name));
-        QVERIFY2(bar->isVisible(), name);
-        QCOMPARE(f.window->toolBarArea(bar), Qt::TopToolBarArea);
-    }
-}
 
-void tst_ToolBars::switchesFollowTheirDocks()
-{
-    const CommandDriver d;
-    const TerminalActions& a = d.actions();
-    for (const auto& [action, name] : {std::pair(a.toggleMarketWatch, u"dockMarketWatch"_s),
-             std::pair(a.toggleNavigator, u"dockNavigator"_s),
-             std::pair(a.toggleToolbox, u"dockTerminal"_s)}) {
-        auto* dock = d.f.window->findChild<QDockWidget*>(name);
-        QVERIFY(action->isChecked() && dock->isVisible());
-        d.press("toolbarStandard", action);
-        QVERIFY(!action->isChecked() && !dock->isVisible());
-        d.press("toolbarStandard", action);
-        QVERIFY(action->isChecked() && dock->isVisible());
-        dock->close();
-        QVERIFY(!action->isChecked());
+    void aLayoutSavedWithoutToolBarsShowsThemAll()
+    {
+        QByteArray geometry;
+        QByteArray state;
+        {
+            QMainWindow earlier; // as an earlier version of the terminal saved it
+            earlier.setCentralWidget(new QWidget);
+            for (const auto& name : {u"dockMarketWatch"_s, u"dockNavigator"_s, u"dockTerminal"_s}) {
+                auto* dock = new QDockWidget(&earlier);
+                dock->setObjectName(name);
+                earlier.addDockWidget(Qt::RightDockWidgetArea, dock);
+            }
+            geometry = earlier.saveGeometry();
+            state = earlier.saveState();
+        }
+        MainWindowFixture f;
+        TerminalSettings::instance().setWindowLayout(geometry, state);
+        f.open();
+        QCOMPARE(f.window->dockWidgetArea(f.window->findChild<QDockWidget*>(u"dockMarketWatch"_s)),
+            Qt::RightDockWidgetArea);
+        for (const char* name : names) {
+            auto* bar = f.window->findChild<QToolBar*>(QString::fromLatin1(name));
+            QVERIFY2(bar->isVisible(), name);
+            QCOMPARE(f.window->toolBarArea(bar), Qt::TopToolBarArea);
+        }
     }
-}
 
-void tst_ToolBars::whatHasNoRoomIsBehindAnArrow_data()
-{
-    QTest::addColumn<bool>("dark");
-    QTest::newRow("dark") << true;
-    QTest::newRow("light") << false;
-}
-
-void tst_ToolBars::whatHasNoRoomIsBehindAnArrow()
-{
-    QFETCH(const bool, dark);
-    setTheme(dark);
-    applyTheme(*qApp);
-    const CommandDriver d;
-    d.f.window->resize(1024, 560);
-    auto* more = d.bar("toolbarStudies").findChild<QToolButton*>(u"qt_toolbar_ext_button"_s);
-    QVERIFY(more);
-    QTRY_VERIFY(more->isVisible());
-    const QImage shown = d.bar("toolbarStudies").grab(more->geometry()).toImage();
-    const auto grayAt = [&shown](int x, int y) { return qGray(shown.pixel(x, y)); };
-    int strongest = 0;
-    for (int y = 2; y < shown.height() - 2; ++y) {
-        for (int x = 2; x < shown.width() - 2; ++x)
-            strongest = qMax(strongest, qAbs(grayAt(x, y) - grayAt(2, 2)));
+    void switchesFollowTheirDocks()
+    {
+        const CommandDriver d;
+        const TerminalActions& a = d.actions();
+        for (const auto& [action, name] : {std::pair(a.toggleMarketWatch, u"dockMarketWatch"_s),
+                 std::pair(a.toggleNavigator, u"dockNavigator"_s),
+                 std::pair(a.toggleToolbox, u"dockTerminal"_s)}) {
+            auto* dock = d.f.window->findChild<QDockWidget*>(name);
+            QVERIFY(action->isChecked() && dock->isVisible());
+            d.press("toolbarStandard", action);
+            QVERIFY(!action->isChecked() && !dock->isVisible());
+            d.press("toolbarStandard", action);
+            QVERIFY(action->isChecked() && dock->isVisible());
+            dock->close();
+            QVERIFY(!action->isChecked());
+        }
     }
-    constexpr int easilySeen = 40;
-    QVERIFY2(strongest > easilySeen, qPrintable(QString::number(strongest)));
-}
+
+    void whatHasNoRoomIsBehindAnArrow_data()
+    {
+        QTest::addColumn<bool>("dark");
+        QTest::newRow("dark") << true;
+        QTest::newRow("light") << false;
+    }
+    void whatHasNoRoomIsBehindAnArrow()
+    {
+        QFETCH(const bool, dark);
+        setTheme(dark);
+        applyTheme(*qApp);
+        const CommandDriver d;
+        d.f.window->resize(1024, 560);
+        auto* more = d.bar("toolbarStudies").findChild<QToolButton*>(u"qt_toolbar_ext_button"_s);
+        QVERIFY(more);
+        QTRY_VERIFY(more->isVisible());
+        const QImage shown = d.bar("toolbarStudies").grab(more->geometry()).toImage();
+        const auto grayAt = [&shown](int x, int y) { return qGray(shown.pixel(x, y)); };
+        int strongest = 0;
+        for (int y = 2; y < shown.height() - 2; ++y) {
+            for (int x = 2; x < shown.width() - 2; ++x)
+                strongest = qMax(strongest, qAbs(grayAt(x, y) - grayAt(2, 2)));
+        }
+        constexpr int easilySeen = 40;
+        QVERIFY2(strongest > easilySeen, qPrintable(QString::number(strongest)));
+    }
+};
 
 TAVORAN_TEST(tst_ToolBars)
 #include "tst_ToolBars.moc"

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "app/base/SoundKind.h"
 #include "app/ui/DecimalEdit.h"
 #include "support/ServedClient.h"
 
@@ -12,6 +13,7 @@ namespace fixtures {
 /// A dialog that trades, on show over a scripted server, and its parts by their names.
 template <typename Dialog> struct DialogDesk : ServedClient {
     QPointer<Dialog> dialog;
+    QList<SoundKind> sounds; ///< in their order
 
     template <typename T> [[nodiscard]] T* part(QAnyStringView name) const
     {
@@ -41,6 +43,7 @@ protected:
     {
         dialog = shown;
         dialog->setAttribute(Qt::WA_DeleteOnClose);
+        QObject::connect(shown, &Dialog::soundDue, shown, [this](SoundKind kind) { sounds.append(kind); });
         dialog->show();
     }
 };

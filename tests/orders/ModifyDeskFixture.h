@@ -35,6 +35,13 @@ struct ModifyDesk final : DialogDesk<ModifyDialog> {
     [[nodiscard]] QLabel* header() const { return part<QLabel>("modifyHeader"); }
     [[nodiscard]] QLabel* error() const { return part<QLabel>("modifyError"); }
     void press() const { QTest::mouseClick(modify(), Qt::LeftButton); }
+    /// Sends what is typed to a server that does not answer.
+    void pressAndWait()
+    {
+        server.on("PUT", modifyPath, StubAnswer::held());
+        press();
+        QTRY_COMPARE(server.heldCount(), 1);
+    }
     [[nodiscard]] QJsonObject sent() const { return server.last("PUT", modifyPath).json(); }
 };
 

@@ -44,6 +44,13 @@ struct Desk final : DialogDesk<OrderDialog> {
     {
         quote(records::prices({{symbol, bid, ask}}));
     }
+    /// Sends an order to a server that does not answer.
+    void buyAndWait()
+    {
+        server.on("POST", placePath, StubAnswer::held());
+        QTest::mouseClick(buy(), Qt::LeftButton);
+        QTRY_COMPARE(server.heldCount(), 1);
+    }
     [[nodiscard]] QJsonObject sent() const { return server.last("POST", placePath).json(); }
 };
 

@@ -81,22 +81,19 @@ private Q_SLOTS:
 
     void unsetLevelsOpenEmpty_data()
     {
-        QTest::addColumn<QByteArray>("level");
+        QTest::addColumn<QJsonValue>("level");
         for (const char* level : {"0", "-1.5", "\"-1.5\"", "\"0\"", "null", "true", "[1.5]", "\"\"",
                  "\"NaN\"", "\"inf\"", "\"1e400\"", "\"1,5\"", "\"none\""})
-            QTest::newRow(level) << QByteArray(level);
+            QTest::newRow(level) << fixtures::parseValue(level);
     }
     void unsetLevelsOpenEmpty()
     {
-        QFETCH(QByteArray, level);
-        const QJsonValue read = fixtures::parseArray('[' + level + ']').at(0);
-        ModifyDesk desk(records::pendingOrder("t-1").stopLoss(read).takeProfit(read).awaits(read));
+        QFETCH(QJsonValue, level);
+        ModifyDesk desk(records::pendingOrder("t-1").stopLoss(level).takeProfit(level).awaits(level));
         QCOMPARE(desk.edit("modifyStopLoss")->text(), QString());
         QCOMPARE(desk.edit("modifyTakeProfit")->text(), QString());
         QCOMPARE(desk.edit("modifyPrice")->text(), QString());
-        desk.server.on("PUT", modifyPath, StubAnswer::held());
-        desk.press();
-        QTRY_COMPARE(desk.server.heldCount(), 1);
+        desk.pressAndWait();
         QCOMPARE(desk.server.last("PUT", modifyPath).body, "{}"_ba);
     }
 

@@ -23,13 +23,11 @@ private Q_SLOTS:
         desk.server.on("PUT", modifyPath, StubAnswer::json("{}"));
         QSignalSpy modified(desk.dialog, &ModifyDialog::modified);
         QSignalSpy accepted(desk.dialog, &QDialog::accepted);
-        QSignalSpy sounds(desk.dialog, &ModifyDialog::soundDue);
         desk.press();
         QTRY_VERIFY(!desk.dialog);
         QCOMPARE(modified.size(), 1);
         QCOMPARE(accepted.size(), 1);
-        QCOMPARE(sounds.size(), 1);
-        QCOMPARE(sounds.at(0).at(0).value<SoundKind>(), SoundKind::Open);
+        QCOMPARE(desk.sounds, QList{SoundKind::Open});
     }
 
     void successIsReportedBeforeTheWindowCloses()
@@ -54,12 +52,10 @@ private Q_SLOTS:
         desk.server.once("PUT", modifyPath, StubAnswer::held());
         QSignalSpy modified(desk.dialog, &ModifyDialog::modified);
         QSignalSpy unknown(desk.dialog, &ModifyDialog::outcomeUnknown);
-        QSignalSpy sounds(desk.dialog, &ModifyDialog::soundDue);
         desk.press();
         QTRY_VERIFY(desk.error()->isVisible());
         QCOMPARE(desk.error()->text(), u"Too close"_s);
-        QCOMPARE(sounds.size(), 1);
-        QCOMPARE(sounds.at(0).at(0).value<SoundKind>(), SoundKind::Error);
+        QCOMPARE(desk.sounds, QList{SoundKind::Error});
         QCOMPARE(modified.size(), 0);
         QVERIFY(desk.dialog->isVisible());
         QVERIFY(desk.modify()->isEnabled());
@@ -138,13 +134,11 @@ private Q_SLOTS:
         QFETCH(StubAnswer, answer);
         ModifyDesk desk;
         desk.server.on("PUT", modifyPath, answer);
-        QSignalSpy sounds(desk.dialog, &ModifyDialog::soundDue);
         desk.press();
         QTRY_VERIFY(desk.error()->isVisible());
         QVERIFY2(desk.error()->text().startsWith(u"Error transferring "_s), qPrintable(desk.error()->text()));
         QVERIFY(!desk.error()->text().contains(u"<h1>"_s));
-        QCOMPARE(sounds.size(), 1);
-        QCOMPARE(sounds.at(0).at(0).value<SoundKind>(), SoundKind::Error);
+        QCOMPARE(desk.sounds, QList{SoundKind::Error});
     }
 
     void anUncertainOutcomeIsAskedFor_data()
@@ -163,7 +157,6 @@ private Q_SLOTS:
         desk.server.on("PUT", modifyPath, answer);
         QSignalSpy modified(desk.dialog, &ModifyDialog::modified);
         QSignalSpy unknown(desk.dialog, &ModifyDialog::outcomeUnknown);
-        QSignalSpy sounds(desk.dialog, &ModifyDialog::soundDue);
         desk.press();
         if (answer.how == StubAnswer::How::Hold)
             desk.giveUp();
@@ -171,8 +164,7 @@ private Q_SLOTS:
         QVERIFY(desk.error()->isVisible());
         QVERIFY(!desk.error()->text().isEmpty());
         QVERIFY(desk.modify()->isEnabled());
-        QCOMPARE(sounds.size(), 1);
-        QCOMPARE(sounds.at(0).at(0).value<SoundKind>(), SoundKind::Error);
+        QCOMPARE(desk.sounds, QList{SoundKind::Error});
         QCOMPARE(modified.size(), 0);
         QCOMPARE(desk.server.count("PUT", modifyPath), 1);
     }
@@ -180,9 +172,7 @@ private Q_SLOTS:
     void closedWhileSendingItComesBackWithARefusal()
     {
         ModifyDesk desk;
-        desk.server.on("PUT", modifyPath, StubAnswer::held());
-        desk.press();
-        QTRY_COMPARE(desk.server.heldCount(), 1);
+        desk.pressAndWait();
         desk.dialog->close();
         QVERIFY(!desk.dialog->isVisible());
         QLineEdit elsewhere;
@@ -209,10 +199,8 @@ private Q_SLOTS:
     void closedWhileSendingItReportsTheSuccess()
     {
         ModifyDesk desk;
-        desk.server.on("PUT", modifyPath, StubAnswer::held());
         QSignalSpy modified(desk.dialog, &ModifyDialog::modified);
-        desk.press();
-        QTRY_COMPARE(desk.server.heldCount(), 1);
+        desk.pressAndWait();
         QTest::keyClick(desk.dialog, Qt::Key_Escape);
         QVERIFY(desk.dialog && !desk.dialog->isVisible());
         desk.server.release(StubAnswer::json("{}"));
@@ -223,12 +211,9 @@ private Q_SLOTS:
     void closedTwiceWhileSendingItStillTellsTheSuccess()
     {
         ModifyDesk desk;
-        desk.server.on("PUT", modifyPath, StubAnswer::held());
         QSignalSpy modified(desk.dialog, &ModifyDialog::modified);
-        QSignalSpy sounds(desk.dialog, &ModifyDialog::soundDue);
         QSignalSpy unknown(desk.dialog, &ModifyDialog::outcomeUnknown);
-        desk.press();
-        QTRY_COMPARE(desk.server.heldCount(), 1);
+        desk.pressAndWait();
         QTest::keyClick(desk.dialog, Qt::Key_Escape);
         desk.dialog->show(); // whoever asks for it again sees it waiting
         QVERIFY(!desk.modify()->isEnabled());
@@ -238,37 +223,30 @@ private Q_SLOTS:
         desk.server.release(StubAnswer::json("{}"));
         QTRY_VERIFY(!desk.dialog);
         QCOMPARE(modified.size(), 1);
-        QCOMPARE(sounds.size(), 1);
-        QCOMPARE(sounds.at(0).at(0).value<SoundKind>(), SoundKind::Open);
+        QCOMPARE(desk.sounds, QList{SoundKind::Open});
         QCOMPARE(unknown.size(), 0);
     }
 
     void closedTwiceWhileSendingItStillTellsTheFailure()
     {
         ModifyDesk desk;
-        desk.server.on("PUT", modifyPath, StubAnswer::held());
-        QSignalSpy sounds(desk.dialog, &ModifyDialog::soundDue);
         QSignalSpy unseen(desk.dialog, &ModifyDialog::failedUnseen);
         QSignalSpy unknown(desk.dialog, &ModifyDialog::outcomeUnknown);
-        desk.press();
-        QTRY_COMPARE(desk.server.heldCount(), 1);
+        desk.pressAndWait();
         desk.dialog->close();
         desk.dialog->show();
         desk.dialog->close();
         desk.server.release(StubAnswer::message(u"Too close"_s, 400));
         QTRY_VERIFY(!desk.dialog);
         QCOMPARE(unseen, QList<QVariantList>{{u"Too close"_s}});
-        QCOMPARE(sounds.size(), 1);
-        QCOMPARE(sounds.at(0).at(0).value<SoundKind>(), SoundKind::Error);
+        QCOMPARE(desk.sounds, QList{SoundKind::Error});
         QCOMPARE(unknown.size(), 0);
     }
 
     void destroyedWhileSendingItDoesNoHarm()
     {
         ModifyDesk desk;
-        desk.server.on("PUT", modifyPath, StubAnswer::held());
-        desk.press();
-        QTRY_COMPARE(desk.server.heldCount(), 1);
+        desk.pressAndWait();
         delete desk.dialog;
         desk.server.release(StubAnswer::json("{}"));
         QTRY_VERIFY(!desk.isWaiting());

@@ -25,11 +25,9 @@ private Q_SLOTS:
     void fieldsAreDisabledWhileSending()
     {
         Desk desk;
-        desk.server.on("POST", placePath, StubAnswer::held());
         desk.click(u"Limit Order"_s);
         desk.type(u"orderPrice"_s, u"1.07"_s);
-        QTest::mouseClick(desk.buy(), Qt::LeftButton);
-        QTRY_COMPARE(desk.server.heldCount(), 1);
+        desk.buyAndWait();
         const QList<QWidget*> fields{desk.sell(), desk.buy(), desk.combo(u"orderSymbol"_s),
             desk.part<DecimalSpinBox>(u"orderVolume"_s), desk.edit(u"orderStopLoss"_s),
             desk.edit(u"orderTakeProfit"_s), desk.edit(u"orderPrice"_s), desk.combo(u"orderComment"_s)};
@@ -51,7 +49,6 @@ private Q_SLOTS:
         Desk desk;
         desk.server.on("POST", placePath, StubAnswer::message(u"Not enough money"_s, 400));
         QSignalSpy placed(desk.dialog, &OrderDialog::orderPlaced);
-        QSignalSpy sounds(desk.dialog, &OrderDialog::soundDue);
         QSignalSpy unknown(desk.dialog, &OrderDialog::outcomeUnknown);
         desk.type(u"orderStopLoss"_s, u"1.05"_s);
         QTest::mouseClick(desk.buy(), Qt::LeftButton);
@@ -59,8 +56,7 @@ private Q_SLOTS:
         QCOMPARE(desk.error()->text(), u"Not enough money"_s);
         QVERIFY(desk.dialog->isVisible());
         QCOMPARE(desk.edit(u"orderStopLoss"_s)->text(), u"1.05"_s);
-        QCOMPARE(sounds.size(), 1);
-        QCOMPARE(sounds.at(0).at(0).value<SoundKind>(), SoundKind::Error);
+        QCOMPARE(desk.sounds, QList{SoundKind::Error});
         QCOMPARE(placed.size(), 0);
         QCOMPARE(unknown.size(), 0);
     }
@@ -225,13 +221,10 @@ private Q_SLOTS:
     {
         QFETCH(int, way);
         Desk desk;
-        desk.server.on("POST", placePath, StubAnswer::held());
         QSignalSpy placed(desk.dialog, &OrderDialog::orderPlaced);
-        QSignalSpy sounds(desk.dialog, &OrderDialog::soundDue);
         QSignalSpy unknown(desk.dialog, &OrderDialog::outcomeUnknown);
         QSignalSpy finished(desk.dialog, &QDialog::finished);
-        QTest::mouseClick(desk.buy(), Qt::LeftButton);
-        QTRY_COMPARE(desk.server.heldCount(), 1);
+        desk.buyAndWait();
         if (way == 0)
             QTest::keyClick(desk.dialog, Qt::Key_Escape);
         else if (way == 1)
@@ -246,20 +239,16 @@ private Q_SLOTS:
         desk.server.release(StubAnswer::json("{}"));
         QTRY_VERIFY(!desk.dialog);
         QCOMPARE(placed.size(), 1);
-        QCOMPARE(sounds.size(), 1);
-        QCOMPARE(sounds.at(0).at(0).value<SoundKind>(), SoundKind::Open);
+        QCOMPARE(desk.sounds, QList{SoundKind::Open});
         QCOMPARE(unknown.size(), 0);
     }
 
     void closedWhileSendingItComesBackWithARefusal()
     {
         Desk desk;
-        desk.server.on("POST", placePath, StubAnswer::held());
-        QSignalSpy sounds(desk.dialog, &OrderDialog::soundDue);
         desk.type(u"orderStopLoss"_s, u"1.05"_s);
         desk.buy()->setFocus();
-        QTest::mouseClick(desk.buy(), Qt::LeftButton);
-        QTRY_COMPARE(desk.server.heldCount(), 1);
+        desk.buyAndWait();
         desk.dialog->close();
         QVERIFY(!desk.dialog->isVisible());
         QLineEdit elsewhere;
@@ -271,8 +260,7 @@ private Q_SLOTS:
         QCOMPARE(desk.error()->text(), u"Not enough money"_s);
         QCOMPARE(desk.edit(u"orderStopLoss"_s)->text(), u"1.05"_s);
         QVERIFY(desk.buy()->isEnabled());
-        QCOMPARE(sounds.size(), 1);
-        QCOMPARE(sounds.at(0).at(0).value<SoundKind>(), SoundKind::Error);
+        QCOMPARE(desk.sounds, QList{SoundKind::Error});
         // Keys meant for another window must neither place the order again nor change it.
         QVERIFY(hands::arriveAt(desk.dialog));
         hands::type(u"5 "_s);
@@ -297,11 +285,9 @@ private Q_SLOTS:
     void closedWhileSendingItComesBackWhenNobodyKnows()
     {
         Desk desk;
-        desk.server.on("POST", placePath, StubAnswer::held());
         QSignalSpy placed(desk.dialog, &OrderDialog::orderPlaced);
         QSignalSpy unknown(desk.dialog, &OrderDialog::outcomeUnknown);
-        QTest::mouseClick(desk.buy(), Qt::LeftButton);
-        QTRY_COMPARE(desk.server.heldCount(), 1);
+        desk.buyAndWait();
         desk.dialog->close();
         desk.server.release(StubAnswer::html("<h1>Gateway</h1>", 504));
         QTRY_COMPARE(unknown.size(), 1);
@@ -313,13 +299,10 @@ private Q_SLOTS:
     void closedTwiceWhileSendingItStillTellsTheSuccess()
     {
         Desk desk;
-        desk.server.on("POST", placePath, StubAnswer::held());
         QSignalSpy placed(desk.dialog, &OrderDialog::orderPlaced);
-        QSignalSpy sounds(desk.dialog, &OrderDialog::soundDue);
         QSignalSpy unknown(desk.dialog, &OrderDialog::outcomeUnknown);
         QSignalSpy unseen(desk.dialog, &OrderDialog::failedUnseen);
-        QTest::mouseClick(desk.buy(), Qt::LeftButton);
-        QTRY_COMPARE(desk.server.heldCount(), 1);
+        desk.buyAndWait();
         desk.dialog->close();
         QVERIFY(desk.dialog->mayReturn());
         desk.dialog->show();
@@ -332,8 +315,7 @@ private Q_SLOTS:
         desk.server.release(StubAnswer::json("{}"));
         QTRY_VERIFY(!desk.dialog);
         QCOMPARE(placed.size(), 1);
-        QCOMPARE(sounds.size(), 1);
-        QCOMPARE(sounds.at(0).at(0).value<SoundKind>(), SoundKind::Open);
+        QCOMPARE(desk.sounds, QList{SoundKind::Open});
         QCOMPARE(unknown.size(), 0);
         QCOMPARE(unseen.size(), 0);
         QCOMPARE(desk.server.count("POST", placePath), 1);
@@ -349,13 +331,10 @@ private Q_SLOTS:
     {
         QFETCH(int, status);
         Desk desk;
-        desk.server.on("POST", placePath, StubAnswer::held());
         QSignalSpy placed(desk.dialog, &OrderDialog::orderPlaced);
-        QSignalSpy sounds(desk.dialog, &OrderDialog::soundDue);
         QSignalSpy unknown(desk.dialog, &OrderDialog::outcomeUnknown);
         QSignalSpy unseen(desk.dialog, &OrderDialog::failedUnseen);
-        QTest::mouseClick(desk.buy(), Qt::LeftButton);
-        QTRY_COMPARE(desk.server.heldCount(), 1);
+        desk.buyAndWait();
         desk.dialog->close();
         desk.dialog->show();
         desk.dialog->close();
@@ -367,8 +346,7 @@ private Q_SLOTS:
         QTRY_VERIFY(!desk.dialog);
         QVERIFY(!wasSeen);
         QCOMPARE(unseen, QList<QVariantList>{{u"Not enough money"_s}});
-        QCOMPARE(sounds.size(), 1);
-        QCOMPARE(sounds.at(0).at(0).value<SoundKind>(), SoundKind::Error);
+        QCOMPARE(desk.sounds, QList{SoundKind::Error});
         QCOMPARE(unknown.size(), status == 504 ? 1 : 0);
         QCOMPARE(placed.size(), 0);
         QCOMPARE(desk.server.count("POST", placePath), 1);
@@ -379,10 +357,8 @@ private Q_SLOTS:
         Desk desk;
         bool may = true;
         desk.dialog->setReturnRule([&may] { return may; });
-        desk.server.on("POST", placePath, StubAnswer::held());
         QSignalSpy unseen(desk.dialog, &OrderDialog::failedUnseen);
-        QTest::mouseClick(desk.buy(), Qt::LeftButton);
-        QTRY_COMPARE(desk.server.heldCount(), 1);
+        desk.buyAndWait();
         desk.dialog->close();
         QVERIFY(desk.dialog->mayReturn());
         may = false;
@@ -449,9 +425,7 @@ private Q_SLOTS:
     void aWindowDestroyedWhileSendingDoesNoHarm()
     {
         Desk desk;
-        desk.server.on("POST", placePath, StubAnswer::held());
-        QTest::mouseClick(desk.buy(), Qt::LeftButton);
-        QTRY_COMPARE(desk.server.heldCount(), 1);
+        desk.buyAndWait();
         const QPointer<QNetworkReply> reply = desk.api.findChild<QNetworkReply*>();
         QVERIFY(reply);
         delete desk.dialog;

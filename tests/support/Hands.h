@@ -85,6 +85,16 @@ inline void choose(QMenu& menu, QAction* entry)
     QTest::mouseClick(&menu, Qt::LeftButton, {}, place);
 }
 
+/// The same by its text.
+inline void choose(QMenu& menu, const QString& text)
+{
+    for (QAction* entry : menu.actions()) {
+        if (entry->text() == text)
+            return choose(menu, entry);
+    }
+    QFAIL(qPrintable(text));
+}
+
 /// Turns the wheel over the middle of a widget as the desktop does: only then is it offered to what lies
 /// below.
 inline void turnWheel(QWidget& widget, int angle)

@@ -134,7 +134,7 @@ public:
 
 /// What a symbol is bought and sold at.
 struct Quoted final {
-    const char* symbol;
+    Value symbol;
     Value bid;
     Value ask = QJsonValue::Undefined; ///< left out
 };
@@ -144,7 +144,7 @@ struct Quoted final {
 {
     QJsonObject map;
     for (const Quoted& each : quotes)
-        map.insert(QString::fromUtf8(each.symbol), quote(each.bid, each.ask));
+        map.insert(each.symbol.toString(), quote(each.bid, each.ask));
     return map;
 }
 
@@ -191,7 +191,7 @@ public:
     /// Of orders_changed: a pending order became a position.
     Message& filled() { return with("filled", true); }
     /// Of orders_changed: why a position ended.
-    Message& closed(const char* reason) { return with("closeReason", reason); }
+    Message& closed(const Value& reason) { return with("closeReason", reason); }
 };
 
 [[nodiscard]] inline Message hello(const QJsonArray& symbols, const QJsonObject& prices = {})

@@ -136,6 +136,22 @@ private Q_SLOTS:
         QCOMPARE(desk.book.summary()->profit, 5.0);
         QCOMPARE(desk.historyRead.count(), 2);
         QCOMPARE(desk.server.count("GET", "/api/trades/pending?accountId=b"), 0);
+        QCOMPARE(desk.journal, QStringList());
+    }
+
+    void a_late_list_of_another_accounts_orders_changes_nothing()
+    {
+        LoadingDesk desk;
+        desk.load();
+        desk.server.on("GET", "/api/trades/pending?accountId=b", StubAnswer::held());
+        desk.loader.selectAccount(u"b"_s);
+        QTRY_COMPARE(desk.server.heldCount(), 1);
+        desk.loader.selectAccount(u"a"_s);
+        QTRY_COMPARE(desk.tradesRead.count(), 2);
+        QVERIFY(desk.server.release(StubAnswer::list({})));
+        desk.settle();
+        QCOMPARE(desk.tradesRead.count(), 2);
+        QCOMPARE(desk.openTrade(), u"t1"_s);
     }
 
     void a_failed_read_keeps_what_is_known()
