@@ -22,6 +22,19 @@ inline constexpr qint64 quarterHour = 900'000;
 /// 2 June 2026, 00:00 UTC.
 inline constexpr qint64 midnight = 1'780'358'400'000;
 
+/// When the bar of that number begins.
+inline constexpr qint64 barTime(int index)
+{
+    return midnight + index * quarterHour;
+}
+
+/// Price of a pixel row of a plot of 278 rows in which one unit of price is one pixel, in the middle of the
+/// row so that rounding cannot matter.
+inline constexpr double priceAtRow(int y)
+{
+    return 278.0 - y - 0.5;
+}
+
 /// `count` quarter-hour bars that wander around 1.1, the first one at midnight.
 inline std::vector<Candle> wave(int count)
 {
@@ -31,7 +44,7 @@ inline std::vector<Candle> wave(int count)
     for (int i = 0; i < count; ++i) {
         const double close = 1.1 + 0.01 * std::sin(i * 0.37) + 0.002 * std::cos(i * 1.9);
         Candle candle;
-        candle.time = midnight + i * quarterHour;
+        candle.time = barTime(i);
         candle.open = open;
         candle.close = close;
         candle.high = std::max(open, close) + 0.0005 * (1 + i % 4);
@@ -40,6 +53,23 @@ inline std::vector<Candle> wave(int count)
         candles.push_back(candle);
         open = close;
     }
+    return candles;
+}
+
+/// `count` quarter-hour bars without a movement.
+inline std::vector<Candle> flatBars(int count, double price)
+{
+    std::vector<Candle> candles;
+    for (int i = 0; i < count; ++i)
+        candles.push_back({barTime(i), price, price, price, price, 0});
+    return candles;
+}
+
+/// Four times longer ones, which begin at the same time.
+inline std::vector<Candle> hours(std::vector<Candle> candles)
+{
+    for (Candle& candle : candles)
+        candle.time = midnight + 4 * (candle.time - midnight);
     return candles;
 }
 

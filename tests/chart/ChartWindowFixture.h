@@ -1,13 +1,11 @@
 #pragma once
 
-#include "app/base/TerminalSettings.h"
 #include "app/base/UtcTime.h"
 #include "chart/ChartFixtures.h"
 #include "chart/window/ChartWidget.h"
 #include "chart/window/ChartWindow.h"
-#include "net/ApiClient.h"
-#include "net/records/CandleRecord.h"
-#include "support/StubHttpServer.h"
+#include "support/Records.h"
+#include "support/ServedClient.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -20,25 +18,8 @@
 namespace fixtures {
 
 /// A server that knows no objects and no candles: asked for those, it says so.
-struct ChartServer {
-    ChartServer()
-    {
-        TerminalSettings::instance().setServerUrl(server.url());
-        server.on("GET", "/api/drawings", StubAnswer::json("[]"));
-        server.on("GET", "/api/accounts", StubAnswer::json("[]"));
-    }
-
-    /// A further exchange, after which whatever was answered or sent before has arrived.
-    void settle()
-    {
-        bool answered = false;
-        api.get(QStringLiteral("/api/accounts"), &server,
-            [&answered](const QJsonDocument&, const QString&) { answered = true; });
-        QTRY_VERIFY(answered);
-    }
-
-    StubHttpServer server;
-    ApiClient api{TerminalSettings::instance()};
+struct ChartServer : ServedClient {
+    ChartServer() { server.on("GET", "/api/drawings", StubAnswer::json("[]")); }
 };
 
 /// A chart window of a symbol whose history is empty.
@@ -68,9 +49,8 @@ inline QJsonArray candleRows(const QList<double>& closes)
     QJsonArray rows;
     qint64 time = 1'600'000'200'000;
     for (const double close : closes) {
-        rows.append(QJsonObject{{candle::timeField, utcTime(time).toString(Qt::ISODateWithMs)},
-            {candle::openField, close}, {candle::highField, close}, {candle::lowField, close},
-            {candle::closeField, close}, {candle::volumeField, 1}});
+        rows.append(
+            records::candle(utcTime(time).toString(Qt::ISODateWithMs), close, close, close, close, 1));
         time += quarterHour;
     }
     return rows;

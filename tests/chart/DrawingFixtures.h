@@ -1,6 +1,7 @@
 #pragma once
 
 #include "chart/ChartFixtures.h"
+#include "chart/DrawingBuilders.h"
 #include "chart/window/ChartWidget.h"
 
 #include <QList>
@@ -25,11 +26,7 @@ inline void release(QWidget& widget, const QPoint& position)
 /// A horizontal line through the middle of a row.
 inline Drawing lineAt(const ChartWidget& chart, int row, const QString& id)
 {
-    Drawing drawing;
-    drawing.id = id;
-    drawing.type = QStringLiteral("hline");
-    drawing.points = {{midnight, (chart.view().priceAt(row) + chart.view().priceAt(row + 1)) / 2}};
-    return drawing;
+    return horizontalLine(id, (chart.view().priceAt(row) + chart.view().priceAt(row + 1)) / 2);
 }
 
 /// An object of each kind about the bars of wave(), some of them crossing, one of them selected.
@@ -39,12 +36,8 @@ inline QList<Drawing> oneOfEachKind(int bars)
         return DrawingPoint{midnight + (bars - back) * quarterHour, price};
     };
     const auto object = [](const char16_t* type, const QList<DrawingPoint>& points, const QColor& color) {
-        Drawing drawing;
-        drawing.type = QString::fromUtf16(type);
-        drawing.id = drawing.type;
-        drawing.points = points;
-        drawing.color = color;
-        return drawing;
+        const QString name = QString::fromUtf16(type);
+        return Drawing{name, name, points, color};
     };
     QList<Drawing> drawings{object(u"rectangle", {at(20, 1.108), at(6, 1.095)}, QColor(0xff, 0xd5, 0x4f)),
         object(u"rectangle", {at(12, 1.102), at(-4, 1.09)}, QColor(0x4f, 0xc3, 0xf7)),

@@ -1,14 +1,12 @@
 #pragma once
 
-#include "app/base/TerminalSettings.h"
+#include "chart/DrawingBuilders.h"
 #include "chart/window/ChartWidget.h"
 #include "chart/window/DrawingStore.h"
-#include "net/ApiClient.h"
-#include "support/StubHttpServer.h"
+#include "support/ServedClient.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>
-#include <QtTest>
 
 #include <memory>
 
@@ -32,19 +30,11 @@ inline StubAnswer listOf(const QList<QPair<QString, double>>& lines)
     return StubAnswer::json(QJsonDocument(records).toJson());
 }
 
-struct StoredDrawings {
-    StoredDrawings()
-    {
-        TerminalSettings::instance().setServerUrl(server.url());
-        server.on("GET", "/api/accounts", StubAnswer::json("[]"));
-        api = std::make_unique<ApiClient>(TerminalSettings::instance());
-        chart = std::make_unique<ChartWidget>();
-    }
-
+struct StoredDrawings final : ServedClient {
     DrawingStore& open(
         const QString& account = QStringLiteral("one"), const QString& symbol = QStringLiteral("EURUSD"))
     {
-        store = std::make_unique<DrawingStore>(*api, *chart, symbol, account);
+        store = std::make_unique<DrawingStore>(api, *chart, symbol, account);
         QObject::connect(store.get(), &DrawingStore::failed, store.get(),
             [this](const QString& message) { failures.append(message); });
         return *store;
@@ -53,7 +43,7 @@ struct StoredDrawings {
     /// What the chart does when a person has placed a line.
     void draw(double price) const
     {
-        const Drawing drawing{{}, QStringLiteral("hline"), {{1000, price}}};
+        const Drawing drawing = horizontalLine({}, price);
         chart->setDrawings(chart->drawings() + QList{drawing});
         Q_EMIT chart->drawingCreated(drawing);
     }
@@ -68,15 +58,6 @@ struct StoredDrawings {
             Q_EMIT chart->drawingDeleted(id);
     }
 
-    /// A further exchange, after which whatever was answered or sent before has arrived.
-    void settle() const
-    {
-        bool answered = false;
-        api->get(QStringLiteral("/api/accounts"), api.get(),
-            [&answered](const QJsonDocument&, const QString&) { answered = true; });
-        QTRY_VERIFY(answered);
-    }
-
     /// The objects as "id@price", without an id "@price".
     [[nodiscard]] QStringList shown() const
     {
@@ -86,10 +67,8 @@ struct StoredDrawings {
         return texts;
     }
 
-    StubHttpServer server;
     QStringList failures;
-    std::unique_ptr<ApiClient> api;
-    std::unique_ptr<ChartWidget> chart;
+    std::unique_ptr<ChartWidget> chart = std::make_unique<ChartWidget>();
     std::unique_ptr<DrawingStore> store;
 };
 

@@ -35,12 +35,6 @@ inline ChartFrame frameOfBars(const std::vector<Candle>& candles, double barWidt
     return frame;
 }
 
-/// Price of a pixel row of such a frame, in the middle of the row so that rounding cannot matter.
-inline double priceAtRow(int y)
-{
-    return 278.0 - y - 0.5;
-}
-
 /// What a layer paints on a ground of one colour.
 inline QImage paint(const std::function<void(QPainter&, const ChartFrame&)>& layer, const ChartFrame& frame,
     const QColor& ground = QColor(Qt::black))

@@ -23,8 +23,8 @@ public:
     {
         using namespace Qt::StringLiterals;
         m_drawings.last().selected = false;
-        m_drawings.last().points = {{fixtures::midnight + 36 * fixtures::quarterHour, 1.0905},
-            {fixtures::midnight + 62 * fixtures::quarterHour, 1.1065}}; // both ends within the picture
+        m_drawings.last().points = {
+            {fixtures::barTime(36), 1.0905}, {fixtures::barTime(62), 1.1065}}; // both ends within the picture
         m_chart.resize(360, 240);
         m_chart.setCandles(fixtures::wave(count));
         m_chart.setSymbolInfo(u"EURUSD"_s, u"M15"_s, u"Euro vs US Dollar"_s);
@@ -63,8 +63,7 @@ public:
         frame.draggedLevel = 1;
         frame.draggedPrice = 1.0888;
         frame.ruler = Ruler::Span{{40, 130}, {90, 60}};
-        frame.preview = ChartFrame::Preview{
-            DrawingKind::TrendLine, {fixtures::midnight + 40 * fixtures::quarterHour, 1.0935}};
+        frame.preview = ChartFrame::Preview{DrawingKind::TrendLine, {fixtures::barTime(40), 1.0935}};
         frame.autoScroll = false;
         return frame;
     }

@@ -18,22 +18,27 @@ struct ServedClient {
     ServedClient() { TerminalSettings::instance().setServerUrl(server.url()); }
     Q_DISABLE_COPY_MOVE(ServedClient)
 
-    /// Waits until the server is asked for nothing more: several round trips, one after the other, pass
+    /// A further exchange, after which whatever was answered or sent before has arrived.
+    void exchange()
+    {
+        bool answered = false;
+        api.get(QStringLiteral("/marker"), &server,
+            [&answered](const QJsonDocument&, const QString&) { answered = true; });
+        QTRY_VERIFY(answered);
+    }
+    /// Waits until the server is asked for nothing more: several exchanges, one after the other, pass
     /// without another request. Each takes at least the turns of the loop in which what follows from an
     /// answer or a message already on its way would have been sent.
     void settle()
     {
-        constexpr int quietRoundTrips = 4;
-        for (int quiet = 0; quiet < quietRoundTrips;) {
+        constexpr int quietExchanges = 4;
+        for (int quiet = 0; quiet < quietExchanges;) {
             const qsizetype before = server.requests().size();
-            bool answered = false;
-            api.get(QStringLiteral("/marker"), &server,
-                [&answered](const QJsonDocument&, const QString&) { answered = true; });
-            QTRY_VERIFY(answered);
+            exchange();
             quiet = server.requests().size() == before + 1 ? quiet + 1 : 0;
         }
     }
-    /// Requests so far, but for those of settle().
+    /// Requests so far, but for those of exchange() and settle().
     [[nodiscard]] qsizetype asked() const
     {
         return server.requests().size() - server.count("GET", "/marker");

@@ -19,11 +19,6 @@ ChartScene sceneOf(int count)
     return scene;
 }
 
-qint64 timeOfBar(int index)
-{
-    return midnight + index * quarterHour;
-}
-
 } // namespace
 
 class TestChartScene final : public QObject {
@@ -33,15 +28,15 @@ private Q_SLOTS:
     void a_tick_that_repeats_itself_changes_nothing()
     {
         ChartScene scene = sceneOf(30);
-        QCOMPARE(scene.tick(1.1, 1.2, timeOfBar(29) + 1), std::optional(TickEffect::LastBar));
-        QCOMPARE(scene.tick(1.1, 1.2, timeOfBar(3)), std::nullopt);
+        QCOMPARE(scene.tick(1.1, 1.2, barTime(29) + 1), std::optional(TickEffect::LastBar));
+        QCOMPARE(scene.tick(1.1, 1.2, barTime(3)), std::nullopt);
     }
 
     void unusable_prices_change_nothing()
     {
         ChartScene scene = sceneOf(30);
-        QCOMPARE(scene.tick(std::numeric_limits<double>::quiet_NaN(), 1.2, timeOfBar(30)), std::nullopt);
-        QCOMPARE(scene.tick(1.1, 1e300, timeOfBar(30)), std::nullopt);
+        QCOMPARE(scene.tick(std::numeric_limits<double>::quiet_NaN(), 1.2, barTime(30)), std::nullopt);
+        QCOMPARE(scene.tick(1.1, 1e300, barTime(30)), std::nullopt);
         QCOMPARE(scene.bid(), 0.0);
         QCOMPARE(scene.ask(), 0.0);
         QCOMPARE(scene.series().count(), 30);
@@ -50,7 +45,7 @@ private Q_SLOTS:
     void a_late_tick_still_moves_the_quote()
     {
         ChartScene scene = sceneOf(30);
-        QCOMPARE(scene.tick(1.1, 1.2, timeOfBar(3)), std::optional(TickEffect::Nothing));
+        QCOMPARE(scene.tick(1.1, 1.2, barTime(3)), std::optional(TickEffect::Nothing));
         QCOMPARE(scene.bid(), 1.1);
         QCOMPARE(scene.ask(), 1.2);
     }
@@ -58,30 +53,30 @@ private Q_SLOTS:
     void a_missing_price_moves_the_quote_but_builds_no_bar()
     {
         ChartScene scene = sceneOf(30);
-        QCOMPARE(scene.tick(5.0, 6.0, timeOfBar(29)), std::optional(TickEffect::LastBar));
+        QCOMPARE(scene.tick(5.0, 6.0, barTime(29)), std::optional(TickEffect::LastBar));
         const double top = scene.view(size).prices().max;
         const std::vector<Candle> bars = scene.series().candles();
-        QCOMPARE(scene.tick(7.0, 0.0, timeOfBar(30)), std::optional(TickEffect::Nothing));
+        QCOMPARE(scene.tick(7.0, 0.0, barTime(30)), std::optional(TickEffect::Nothing));
         QCOMPARE(scene.bid(), 7.0);
         QCOMPARE(scene.ask(), 0.0);
         QVERIFY(scene.series().candles() == bars);
         QVERIFY(scene.view(size).prices().contains(7.0));
         QVERIFY(scene.view(size).prices().max > top);
-        QCOMPARE(scene.tick(0.0, 0.0, timeOfBar(30)), std::optional(TickEffect::Nothing));
+        QCOMPARE(scene.tick(0.0, 0.0, barTime(30)), std::optional(TickEffect::Nothing));
         QCOMPARE(scene.bid(), 0.0);
         QVERIFY(!scene.view(size).prices().contains(7.0));
-        QCOMPARE(scene.tick(0.0, 0.0, timeOfBar(30)), std::nullopt);
+        QCOMPARE(scene.tick(0.0, 0.0, barTime(30)), std::nullopt);
     }
 
     void a_new_bar_is_followed_only_while_scrolling()
     {
         ChartScene scene = sceneOf(30);
         const quint64 revision = scene.seriesRevision();
-        QCOMPARE(scene.tick(1.1, 1.1, timeOfBar(30)), std::optional(TickEffect::Appended));
+        QCOMPARE(scene.tick(1.1, 1.1, barTime(30)), std::optional(TickEffect::Appended));
         QCOMPARE(scene.state().rightBarIndex, 30.0);
         QVERIFY(scene.seriesRevision() != revision);
         scene.setState(scene.withAutoScroll(false));
-        QCOMPARE(scene.tick(1.1, 1.1, timeOfBar(31)), std::optional(TickEffect::Appended));
+        QCOMPARE(scene.tick(1.1, 1.1, barTime(31)), std::optional(TickEffect::Appended));
         QCOMPARE(scene.state().rightBarIndex, 30.0);
     }
 
@@ -178,7 +173,7 @@ private Q_SLOTS:
         const ChartScene scene = sceneOf(30);
         const ChartView view = scene.view(size);
         const QPoint onLastBar(view.barPixel(29), 100);
-        QCOMPARE(scene.barAt(view, onLastBar)->time, timeOfBar(29));
+        QCOMPARE(scene.barAt(view, onLastBar)->time, barTime(29));
         QVERIFY(!scene.barAt(view, QPoint(onLastBar.x(), view.plot().bottom() + 5)));
         QVERIFY(!scene.barAt(view, QPoint(view.barPixel(0) - 20, 100)));
     }

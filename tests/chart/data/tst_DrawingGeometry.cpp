@@ -6,7 +6,9 @@
 #include <limits>
 
 using namespace Qt::StringLiterals;
+using fixtures::barTime;
 using fixtures::midnight;
+using fixtures::priceAtRow;
 using fixtures::quarterHour;
 
 namespace {
@@ -24,22 +26,9 @@ ChartView viewOf(qsizetype count = 20, double rightBarIndex = 19.0)
     return ChartView(QSize(400, 300), state, count, false).withPrices({0.0, 278.0});
 }
 
-double priceAtRow(int y)
-{
-    return 278.0 - y - 0.5;
-}
-
-qint64 barTime(int index)
-{
-    return midnight + index * quarterHour;
-}
-
 Drawing drawing(const QString& type, const QList<DrawingPoint>& points)
 {
-    Drawing drawing;
-    drawing.type = type;
-    drawing.points = points;
-    return drawing;
+    return {{}, type, points};
 }
 
 } // namespace
@@ -111,11 +100,9 @@ private Q_SLOTS:
 
     void after_a_change_of_timeframe_points_lie_on_the_new_grid()
     {
-        std::vector<Candle> candles = fixtures::wave(20);
-        for (std::size_t i = 0; i < candles.size(); ++i)
-            candles[i].time = midnight + static_cast<qint64>(i) * 4 * quarterHour;
+        const std::vector<Candle> candles = fixtures::hours(fixtures::wave(20));
         const DrawingGeometry geometry(viewOf(), candles, 4 * quarterHour);
-        QCOMPARE(geometry.pixel({midnight + 40 * quarterHour, priceAtRow(50)}), QPoint(331 - 9 * 7, 50));
+        QCOMPARE(geometry.pixel({barTime(40), priceAtRow(50)}), QPoint(331 - 9 * 7, 50));
     }
 
     void absurd_times_lie_far_away_and_overflow_nothing()

@@ -1,4 +1,5 @@
 #include "chart/data/TradeLevels.h"
+#include "support/Records.h"
 #include "support/TestMain.h"
 
 #include <QJsonObject>
@@ -7,13 +8,9 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-QJsonObject buy(const QJsonObject& more = {})
+records::Trade buy()
 {
-    QJsonObject trade{{u"id"_s, u"0123456789abcdef"_s}, {u"symbol"_s, u"EURUSD"_s}, {u"type"_s, u"BUY"_s},
-        {u"lotSize"_s, 0.1}, {u"entryPrice"_s, 1.1}, {u"stopLoss"_s, 1.05}, {u"takeProfit"_s, 1.2}};
-    for (auto it = more.begin(); it != more.end(); ++it)
-        trade.insert(it.key(), it.value());
-    return trade;
+    return records::position("0123456789abcdef").at(1.1).stopLoss(1.05).takeProfit(1.2);
 }
 
 } // namespace
@@ -60,7 +57,7 @@ private Q_SLOTS:
     void aSellIsRedAndAnythingThatIsNotBuyCountsAsSell()
     {
         for (const QString& type : {u"SELL"_s, u"buy"_s, QString()}) {
-            const QList<TradeLevel> levels = buildTradeLevels(u"EURUSD"_s, {buy({{u"type"_s, type}})}, {});
+            const QList<TradeLevel> levels = buildTradeLevels(u"EURUSD"_s, {buy().with("type", type)}, {});
             QCOMPARE(levels[0].label, u"sell 0.10 #01234567"_s);
             QCOMPARE(levels[0].color.name(), u"#ff4a4a"_s);
         }
@@ -80,19 +77,18 @@ private Q_SLOTS:
     void levelsOfZeroOrWithoutANumberAreLeftOut()
     {
         QFETCH(QJsonValue, level);
-        const QJsonObject trade = buy({{u"stopLoss"_s, level}, {u"takeProfit"_s, level}});
+        const QJsonObject trade = buy().stopLoss(level).takeProfit(level);
         const QList<TradeLevel> levels = buildTradeLevels(u"EURUSD"_s, {trade}, {});
         QCOMPARE(levels.size(), 1);
         QCOMPARE(levels[0].kind, u"ENTRY"_s);
-        QVERIFY(buildTradeLevels(u"EURUSD"_s,
-            {buy({{u"entryPrice"_s, level}, {u"stopLoss"_s, level}, {u"takeProfit"_s, level}})},
-            {buy({{u"pendingPrice"_s, level}})})
+        QVERIFY(buildTradeLevels(
+            u"EURUSD"_s, {buy().at(level).stopLoss(level).takeProfit(level)}, {buy().awaits(level)})
                     .isEmpty());
     }
 
     void aPendingOrderIsOneDraggablePriceLine()
     {
-        const QJsonObject order = buy({{u"orderKind"_s, u"BUY_LIMIT"_s}, {u"pendingPrice"_s, 1.07}});
+        const QJsonObject order = buy().with("orderKind", "BUY_LIMIT").awaits(1.07);
         const QList<TradeLevel> levels = buildTradeLevels(u"EURUSD"_s, {}, {order});
         QCOMPARE(levels.size(), 1);
         QCOMPARE(levels[0].kind, u"PRICE"_s);
@@ -105,9 +101,9 @@ private Q_SLOTS:
 
     void numbersMayArriveAsStrings()
     {
-        const QJsonObject trade = buy({{u"lotSize"_s, u"1.5"_s}, {u"entryPrice"_s, u"1.11"_s},
-            {u"stopLoss"_s, u"1.0750"_s}, {u"takeProfit"_s, u"1.25"_s}});
-        const QJsonObject order = buy({{u"lotSize"_s, u"0.2"_s}, {u"pendingPrice"_s, u"1.0625"_s}});
+        const QJsonObject trade
+            = buy().with("lotSize", "1.5").at("1.11").stopLoss("1.0750").takeProfit("1.25");
+        const QJsonObject order = buy().with("lotSize", "0.2").awaits("1.0625");
         const QList<TradeLevel> levels = buildTradeLevels(u"EURUSD"_s, {trade}, {order});
         QCOMPARE(levels.size(), 4);
         QCOMPARE(levels[0].label, u"buy 1.50 #01234567"_s);
@@ -120,19 +116,18 @@ private Q_SLOTS:
 
     void otherSymbolsAreLeftOut()
     {
-        const QJsonObject other = buy({{u"symbol"_s, u"eurusd"_s}, {u"pendingPrice"_s, 1.0}});
+        const QJsonObject other = buy().symbol("eurusd").awaits(1.0);
         QVERIFY(buildTradeLevels(u"EURUSD"_s, {other}, {other}).isEmpty());
     }
 
     void shortIdsHaveAtMostEightCharacters()
     {
-        QCOMPARE(buildTradeLevels(u"EURUSD"_s, {buy({{u"id"_s, u"42"_s}})}, {})[0].label, u"buy 0.10 #42"_s);
+        QCOMPARE(buildTradeLevels(u"EURUSD"_s, {buy().with("id", "42")}, {})[0].label, u"buy 0.10 #42"_s);
     }
 
     void everyLevelCarriesTheWholeId()
     {
-        const QList<TradeLevel> levels
-            = buildTradeLevels(u"EURUSD"_s, {buy()}, {buy({{u"pendingPrice"_s, 1.07}})});
+        const QList<TradeLevel> levels = buildTradeLevels(u"EURUSD"_s, {buy()}, {buy().awaits(1.07)});
         QCOMPARE(levels.size(), 4);
         for (const TradeLevel& level : levels)
             QCOMPARE(level.tradeId, u"0123456789abcdef"_s);
@@ -140,8 +135,7 @@ private Q_SLOTS:
 
     void serverTextIsNeverSubstitutedAgain()
     {
-        const QJsonObject order
-            = buy({{u"id"_s, u"%1%2\n%3"_s}, {u"orderKind"_s, u"%2 %3"_s}, {u"pendingPrice"_s, 1.0}});
+        const QJsonObject order = buy().with("id", "%1%2\n%3").with("orderKind", "%2 %3").awaits(1.0);
         QCOMPARE(buildTradeLevels(u"EURUSD"_s, {}, {order})[0].label, u"%2 %3 0.10 #%1%2 %3"_s);
     }
 

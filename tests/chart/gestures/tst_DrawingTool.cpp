@@ -1,9 +1,11 @@
 #include "chart/gestures/DrawingTool.h"
 
+#include "chart/DrawingBuilders.h"
 #include "chart/data/DrawingList.h"
 #include "support/TestMain.h"
 
 using namespace Qt::StringLiterals;
+using fixtures::selectedIds;
 
 namespace {
 
@@ -12,23 +14,7 @@ constexpr DrawingPoint second{2000, 1.5};
 
 Drawing lineOf(const QString& id, bool selected = false)
 {
-    Drawing drawing;
-    drawing.id = id;
-    drawing.type = u"hline"_s;
-    drawing.points = {first};
-    drawing.selected = selected;
-    return drawing;
-}
-
-/// A selected object without an id is a dash.
-QString selectedIds(const DrawingList& list)
-{
-    QStringList ids;
-    for (const Drawing& drawing : list.drawings()) {
-        if (drawing.selected)
-            ids.append(drawing.id.isEmpty() ? u"-"_s : drawing.id);
-    }
-    return ids.join(u',');
+    return fixtures::horizontalLine(id, first.price, selected);
 }
 
 } // namespace
@@ -110,12 +96,12 @@ private Q_SLOTS:
     {
         DrawingList list;
         QVERIFY(list.replace({lineOf(u"a"_s), lineOf(u"b"_s, true), lineOf(u"c"_s, true)}));
-        QCOMPARE(selectedIds(list), u"b"_s);
+        QCOMPARE(selectedIds(list.drawings()), u"b"_s);
         QVERIFY(list.select(0));
-        QCOMPARE(selectedIds(list), u"a"_s);
+        QCOMPARE(selectedIds(list.drawings()), u"a"_s);
         QVERIFY(!list.select(0));
         QVERIFY(list.select(-1));
-        QCOMPARE(selectedIds(list), QString());
+        QCOMPARE(selectedIds(list.drawings()), QString());
         QVERIFY(!list.select(-1));
     }
 
@@ -125,16 +111,16 @@ private Q_SLOTS:
         list.replace({lineOf(u"a"_s), lineOf(u"b"_s)});
         list.select(1);
         list.replace({lineOf(u"b"_s), lineOf(u"c"_s), lineOf(u"a"_s)});
-        QCOMPARE(selectedIds(list), u"b"_s);
+        QCOMPARE(selectedIds(list.drawings()), u"b"_s);
         list.replace({lineOf(u"b"_s), lineOf(u"c"_s, true)}); // who replaces may select
-        QCOMPARE(selectedIds(list), u"c"_s);
+        QCOMPARE(selectedIds(list.drawings()), u"c"_s);
         list.replace({lineOf(u"a"_s)});
-        QCOMPARE(selectedIds(list), QString());
+        QCOMPARE(selectedIds(list.drawings()), QString());
         list.replace({lineOf(QString()), lineOf(QString())}); // objects that the server does not know yet
         list.select(0);
-        QCOMPARE(selectedIds(list), u"-"_s);
+        QCOMPARE(selectedIds(list.drawings()), u"-"_s);
         list.replace({lineOf(u"z"_s), lineOf(QString())});
-        QCOMPARE(selectedIds(list), QString());
+        QCOMPARE(selectedIds(list.drawings()), QString());
     }
 
     void a_replaced_list_tells_whether_it_changed()
@@ -145,7 +131,7 @@ private Q_SLOTS:
         QVERIFY(!list.replace({lineOf(u"a"_s)}));
         list.select(0);
         QVERIFY(!list.replace({lineOf(u"a"_s)}));
-        QCOMPARE(selectedIds(list), u"a"_s);
+        QCOMPARE(selectedIds(list.drawings()), u"a"_s);
     }
 
     void the_selected_object_is_taken_out()

@@ -24,17 +24,12 @@ constexpr QRect plot(0, 0, 332, 278);
 
 DrawingPoint at(int bar, int row)
 {
-    return {fixtures::midnight + bar * fixtures::quarterHour, fixtures::priceAtRow(row)};
+    return {fixtures::barTime(bar), fixtures::priceAtRow(row)};
 }
 
 Drawing object(const QString& type, const QList<DrawingPoint>& points, bool selected = false)
 {
-    Drawing drawing;
-    drawing.type = type;
-    drawing.points = points;
-    drawing.color = red;
-    drawing.selected = selected;
-    return drawing;
+    return {{}, type, points, red, selected};
 }
 
 } // namespace

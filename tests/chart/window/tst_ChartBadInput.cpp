@@ -124,10 +124,7 @@ private Q_SLOTS:
             ChartWidget chart;
             chart.resize(400, 300); // 278 rows of plot
             chart.setChartType(type);
-            std::vector<Candle> bars(60, Candle{0, price, price, price, price, 0});
-            for (std::size_t i = 0; i < bars.size(); ++i)
-                bars[i].time = midnight + static_cast<qint64>(i) * quarterHour;
-            chart.setCandles(bars);
+            chart.setCandles(fixtures::flatBars(60, price));
             QVERIFY(chart.view().prices().max > chart.view().prices().min);
             const QImage image = allLayers(chart);
             const int inTheMiddle = fixtures::pixelsOf(image, QRect(0, 137, 332, 4), color);
@@ -143,10 +140,7 @@ private Q_SLOTS:
         const QColor red(Qt::red);
         chart.setMovingAverages({{IndicatorKind::Ema, 10, red}});
         chart.setPane(IndicatorKind::Rsi, true, 14);
-        std::vector<Candle> bars(100, Candle{0, 1.1, 1.1, 1.1, 1.1, 0});
-        for (std::size_t i = 0; i < bars.size(); ++i)
-            bars[i].time = midnight + static_cast<qint64>(i) * quarterHour;
-        chart.setCandles(bars);
+        chart.setCandles(fixtures::flatBars(100, 1.1));
         const QImage image = allLayers(chart);
         const int y = chart.view().pricePixel(1.1);
         QVERIFY(fixtures::pixelsOf(image, QRect(0, y - 1, 332, 3), red) > 300);

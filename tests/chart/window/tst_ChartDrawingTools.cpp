@@ -7,10 +7,10 @@
 #include <QSignalSpy>
 
 using namespace Qt::StringLiterals;
+using fixtures::barTime;
 using fixtures::click;
 using fixtures::lineAt;
 using fixtures::midnight;
-using fixtures::quarterHour;
 using fixtures::showChart;
 
 /// Placing objects with the tools.
@@ -45,8 +45,7 @@ private Q_SLOTS:
         QCOMPARE(chart.drawings().size(), 1);
         const Drawing& drawing = chart.drawings().first();
         QCOMPARE(drawing.type, tool);
-        QCOMPARE(
-            drawing.points, (QList<DrawingPoint>{{midnight + 89 * quarterHour, chart.view().priceAt(100)}}));
+        QCOMPARE(drawing.points, (QList<DrawingPoint>{{barTime(89), chart.view().priceAt(100)}}));
         QCOMPARE(drawing.color, QColor(u"#e0e0e0"_s));
         QCOMPARE(drawing.id, QString());
         QVERIFY(!drawing.selected);
@@ -81,8 +80,7 @@ private Q_SLOTS:
         QCOMPARE(finished.count(), 1);
         QCOMPARE(chart.drawings().size(), 1);
         const Drawing expected{{}, tool,
-            {{midnight + 99 * quarterHour, chart.view().priceAt(100)},
-                {midnight + 89 * quarterHour, chart.view().priceAt(200)}},
+            {{barTime(99), chart.view().priceAt(100)}, {barTime(89), chart.view().priceAt(200)}},
             QColor(u"#e0e0e0"_s), false};
         QCOMPARE(chart.drawings().first(), expected);
         QCOMPARE(created.first().first().value<ChartWidget::Drawing>(), expected);
@@ -100,7 +98,7 @@ private Q_SLOTS:
         click(chart, QPoint(331, 100));
         QCOMPARE(chart.drawings().size(), 1);
         QCOMPARE(chart.drawings().first().points.first().time, midnight);
-        QCOMPARE(chart.drawings().first().points.last().time, midnight + 9 * quarterHour);
+        QCOMPARE(chart.drawings().first().points.last().time, barTime(9));
     }
 
     void the_button_comes_before_the_tool()
@@ -144,7 +142,7 @@ private Q_SLOTS:
         click(chart, QPoint(331, 200));
         QCOMPARE(chart.drawings().size(), 1);
         QCOMPARE(chart.drawings().first().type, u"rectangle"_s);
-        QCOMPARE(chart.drawings().first().points.first().time, midnight + 89 * quarterHour);
+        QCOMPARE(chart.drawings().first().points.first().time, barTime(89));
     }
 
     void the_right_button_places_nothing()
@@ -282,8 +280,7 @@ private Q_SLOTS:
         click(chart, QPoint(261, 100));
         QVERIFY(chart.frame().preview);
         QVERIFY(chart.frame().preview->kind == DrawingKind::TrendLine);
-        QCOMPARE(chart.frame().preview->placed,
-            (DrawingPoint{midnight + 89 * quarterHour, chart.view().priceAt(100)}));
+        QCOMPARE(chart.frame().preview->placed, (DrawingPoint{barTime(89), chart.view().priceAt(100)}));
         const QColor color(u"#e0e0e0"_s);
         const auto ink = [&chart, &color](const QPoint& pointer) {
             fixtures::hover(chart, pointer);
@@ -323,7 +320,7 @@ private Q_SLOTS:
         click(chart, QPoint(200, 100));
         QCOMPARE(chart.drawings().size(), 2);
         QCOMPARE(chart.drawings().last().points.size(), 2);
-        QCOMPARE(chart.drawings().last().points.first().time, midnight + 89 * quarterHour);
+        QCOMPARE(chart.drawings().last().points.first().time, barTime(89));
     }
 };
 

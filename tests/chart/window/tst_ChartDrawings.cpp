@@ -1,4 +1,5 @@
 #include "chart/ChartWidgetFixture.h"
+#include "chart/DrawingBuilders.h"
 #include "chart/DrawingFixtures.h"
 #include "chart/layers/ChartFrame.h"
 #include "support/PaintCounter.h"
@@ -19,23 +20,12 @@ namespace {
 
 Drawing objectOf(const QString& type, const QList<DrawingPoint>& points)
 {
-    Drawing drawing;
-    drawing.id = u"id"_s;
-    drawing.type = type;
-    drawing.points = points;
-    drawing.selected = true;
-    return drawing;
+    return {u"id"_s, type, points, Drawing().color, true};
 }
 
-/// A selected object without an id is a dash.
 QString selectedIds(const ChartWidget& chart)
 {
-    QStringList ids;
-    for (const Drawing& drawing : chart.drawings()) {
-        if (drawing.selected)
-            ids.append(drawing.id.isEmpty() ? u"-"_s : drawing.id);
-    }
-    return ids.join(u',');
+    return fixtures::selectedIds(chart.drawings());
 }
 
 } // namespace
@@ -241,10 +231,7 @@ private Q_SLOTS:
         chart.setCandles({});
         chart.setTimeframeMs(4 * quarterHour);
         QCOMPARE(chart.drawings().size(), 1);
-        std::vector<Candle> hours = fixtures::wave(25);
-        for (std::size_t i = 0; i < hours.size(); ++i)
-            hours[i].time = midnight + static_cast<qint64>(i) * 4 * quarterHour;
-        chart.setCandles(hours);
+        chart.setCandles(fixtures::hours(fixtures::wave(25)));
         // The newest bar began at quarter 96; the ends lie at quarters 99 and 79, 0 and 4 whole bars from it.
         click(chart, QPoint(331, chart.view().pricePixel(high)));
         QVERIFY(chart.drawings().first().selected);
@@ -271,7 +258,7 @@ private Q_SLOTS:
         chart.setCandles(fixtures::wave(3000));
         QList<Drawing> drawings;
         for (const QString& type : {u"hline"_s, u"vline"_s, u"trendline"_s, u"rectangle"_s, u"fibonacci"_s}) {
-            drawings.append(objectOf(type, {{midnight + 2990 * quarterHour, 1.1}, {midnight, 1.095}}));
+            drawings.append(objectOf(type, {{fixtures::barTime(2990), 1.1}, {midnight, 1.095}}));
             drawings.append(objectOf(type, {{-4'000'000'000'000'000, -1e15}, {4'000'000'000'000'000, 1e15}}));
             for (Drawing& drawing : drawings)
                 drawing.selected = true;

@@ -167,9 +167,7 @@ private Q_SLOTS:
 
     void onlyOpenPositionsOfTheSymbolAreCounted()
     {
-        const auto trade = [](const char* symbol) {
-            return QJsonObject{{u"id"_s, u"x"_s}, {u"symbol"_s, QString::fromLatin1(symbol)}};
-        };
+        const auto trade = [](const char* symbol) { return records::position("x").symbol(symbol); };
         window().setTrades({trade("EURUSD"), trade("USDJPY"), trade("EURUSD"), 5}, {trade("EURUSD")});
         window().attachExpert(script("function OnTick() { Print(Positions.count()) }"));
         m_log.clear();

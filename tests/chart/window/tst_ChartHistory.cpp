@@ -35,7 +35,7 @@ private Q_SLOTS:
     void asksForNothingBeforeItIsLoaded()
     {
         ChartWindow window(m_served->api, u"EURUSD"_s, u"15m"_s, {}, 5);
-        m_served->settle(); // a request of the window would have gone out before
+        m_served->exchange(); // a request of the window would have gone out before
         QCOMPARE(m_served->server.requests().size(), 1);
         window.load();
         QTRY_COMPARE(m_served->server.requests().size(), 3);
@@ -160,7 +160,7 @@ private Q_SLOTS:
             StubAnswer::json(candleBody(1, 1.0)), "/api/candles?symbol=EURUSD&timeframe=15m"));
         QVERIFY(m_served->server.release(
             StubAnswer::message(u"late"_s, 500), "/api/candles?symbol=EURUSD&timeframe=1h"));
-        m_served->settle();
+        m_served->exchange();
         QCOMPARE(log.size(), 1);
         QCOMPARE(log.first().at(1), u"EURUSD,D1: 4 candles loaded"_s);
         QCOMPARE(window.chart().candles().back().close, 4.0);
@@ -281,7 +281,7 @@ private Q_SLOTS:
         QTRY_COMPARE(m_served->server.heldCount(), 1);
         window.reset();
         QVERIFY(m_served->server.release(StubAnswer::json(candleBody(1, 1.0))));
-        m_served->settle();
+        m_served->exchange();
     }
 };
 

@@ -346,7 +346,7 @@ private Q_SLOTS:
         served.show();
         choose(openMenu(served), {u"Refresh"_s});
         QTRY_COMPARE(served.server.count("GET", "/api/candles"), 1);
-        served.settle();
+        served.exchange();
         QCOMPARE(served.server.count("GET", "/api/drawings"), 0);
     }
 

@@ -164,8 +164,7 @@ private Q_SLOTS:
     void aCandleOfTheFarFutureStopsNoTick()
     {
         QJsonArray rows = fixtures::candleRows({1.25, 1.25});
-        rows.append(QJsonObject{{u"timestamp"_s, u"9999-12-31T00:00:00.000Z"_s}, {u"open"_s, 1.25},
-            {u"high"_s, 1.25}, {u"low"_s, 1.25}, {u"close"_s, 1.25}, {u"volume"_s, 1}});
+        rows.append(records::candle("9999-12-31T00:00:00.000Z", 1.25, 1.25, 1.25, 1.25, 1));
         m_served->server.on("GET", "/api/candles", StubAnswer::json(candleBody(rows)));
         ChartWindow window(m_served->api, u"EURUSD"_s, u"15m"_s, {}, 5);
         const QSignalSpy log(&window, &ChartWindow::logMessage);

@@ -71,12 +71,7 @@ private Q_SLOTS:
             chart.setMovingAverages({{IndicatorKind::Sma, 5, QColor(Qt::red)}});
         });
         row("lower pane", [](ChartWidget& chart) { chart.setPane(IndicatorKind::Rsi, true, 14); });
-        row("objects", [](ChartWidget& chart) {
-            Drawing drawing;
-            drawing.type = u"vline"_s;
-            drawing.points = {{midnight, 1.0}};
-            chart.setDrawings({drawing});
-        });
+        row("objects", [](ChartWidget& chart) { chart.setDrawings({{{}, u"vline"_s, {{midnight, 1.0}}}}); });
         row("tool", [](ChartWidget& chart) { chart.setTool(u"vline"_s); });
         row("ruler", [](ChartWidget& chart) { chart.setMeasureMode(true); });
         row("levels", [](ChartWidget& chart) {

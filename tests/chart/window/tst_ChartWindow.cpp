@@ -1,5 +1,6 @@
 #include "chart/ChartWindowFixture.h"
 #include "chart/layers/ChartFrame.h"
+#include "support/Records.h"
 #include "support/TestMain.h"
 
 #include <QDoubleSpinBox>
@@ -88,7 +89,7 @@ private Q_SLOTS:
         window.setTimeframe(u"15m"_s);
         QVERIFY(title.isEmpty());
         QVERIFY(timeframe.isEmpty());
-        m_served->settle();
+        m_served->exchange();
         QCOMPARE(m_served->server.count("GET", "/api/candles"), 0);
         QCOMPARE(window.chart().candles().size(), std::size_t(1));
     }
@@ -96,12 +97,8 @@ private Q_SLOTS:
     void tradesBecomeLevelLines()
     {
         ChartWindow window(m_served->api, u"EURUSD"_s, u"1m"_s, {}, 5);
-        const QJsonObject open{{u"id"_s, u"aaaaaaaabbbb"_s}, {u"symbol"_s, u"EURUSD"_s},
-            {u"type"_s, u"BUY"_s}, {u"lotSize"_s, u"0.10"_s}, {u"entryPrice"_s, u"1.1"_s},
-            {u"stopLoss"_s, 1.05}};
-        const QJsonObject pending{{u"id"_s, u"c"_s}, {u"symbol"_s, u"EURUSD"_s},
-            {u"orderKind"_s, u"SELL_STOP"_s}, {u"lotSize"_s, 1}, {u"pendingPrice"_s, 1.0}};
-        window.setTrades({open}, {pending});
+        window.setTrades({records::position("aaaaaaaabbbb").buy("0.10").at("1.1").stopLoss(1.05)},
+            {records::pendingOrder("c").sell(1).with("orderKind", "SELL_STOP").awaits(1.0)});
         QStringList labels;
         for (const TradeLevel& level : window.chart().tradeLevels())
             labels << level.label;
@@ -113,9 +110,7 @@ private Q_SLOTS:
     void aTradeWithoutAStopGetsNoStopLine()
     {
         ChartWindow window(m_served->api, u"EURUSD"_s, u"1m"_s, {}, 5);
-        window.setTrades({QJsonObject{{u"id"_s, u"a"_s}, {u"symbol"_s, u"EURUSD"_s}, {u"entryPrice"_s, 1.1},
-                             {u"stopLoss"_s, 0}}},
-            {});
+        window.setTrades({records::position("a").at(1.1).stopLoss(0)}, {});
         QCOMPARE(window.chart().tradeLevels().size(), 1);
         QCOMPARE(window.chart().tradeLevels().first().kind, u"ENTRY"_s);
     }

@@ -91,7 +91,7 @@ private Q_SLOTS:
     {
         const ServedChart served;
         Candle bar;
-        bar.time = fixtures::midnight + 2 * fixtures::quarterHour;
+        bar.time = fixtures::barTime(2);
         bar.open = 1.1;
         bar.high = 1.25;
         bar.low = 1.05;

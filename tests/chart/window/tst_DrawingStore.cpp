@@ -115,7 +115,7 @@ private Q_SLOTS:
         f.draw(1.5);
         QTRY_COMPARE(f.failures, QStringList{u"A%3 B: failed to save the drawing: The %1 chart is full"_s});
         QCOMPARE(f.shown(), QStringList{u"@1.5"_s});
-        f.settle();
+        f.exchange();
         QCOMPARE(f.server.count("GET", path), 0);
     }
 
@@ -132,7 +132,7 @@ private Q_SLOTS:
         QTRY_COMPARE(f.shown(), QStringList({u"b@2"_s, u"@1"_s}));
         f.store->load();
         QTRY_COMPARE(f.server.count("GET", path), 2);
-        f.settle();
+        f.exchange();
         QCOMPARE(f.shown(), QStringList({u"b@2"_s, u"@1"_s}));
     }
 
@@ -165,7 +165,7 @@ private Q_SLOTS:
         QTRY_COMPARE(f.failures.size(), 1);
         f.store->load();
         QTRY_COMPARE(f.server.count("GET", path), 2);
-        f.settle();
+        f.exchange();
         QCOMPARE(f.shown(), QStringList{u"@1"_s});
     }
 
@@ -190,7 +190,7 @@ private Q_SLOTS:
         QTRY_COMPARE(f.shown().size(), 1);
         f.deleteAt(0);
         QTRY_COMPARE(f.server.count("DELETE", "/api/drawings/a%2F..%2Fb%20c"), 1);
-        f.settle();
+        f.exchange();
         QCOMPARE(f.failures, QStringList());
         QCOMPARE(f.server.count("GET", path), 1);
     }
@@ -208,8 +208,8 @@ private Q_SLOTS:
         StoredDrawings f;
         f.open();
         Q_EMIT f.chart->drawingDeleted(id);
-        f.settle();
-        QCOMPARE(f.server.requests().size(), 1); // the one that settles
+        f.exchange();
+        QCOMPARE(f.server.requests().size(), 1); // the further exchange
     }
 
     void anObjectThatTheServerWouldNotDeleteIsShownAgain()
@@ -233,7 +233,7 @@ private Q_SLOTS:
         QTRY_COMPARE(f.shown().size(), 1);
         f.deleteAt(0);
         QTRY_COMPARE(f.failures, QStringList{u"EURUSD: failed to delete the drawing: Connection closed"_s});
-        f.settle();
+        f.exchange();
         QCOMPARE(f.server.count("GET", path), 1);
         QCOMPARE(f.shown(), QStringList());
     }
@@ -250,7 +250,7 @@ private Q_SLOTS:
         QVERIFY(f.server.release(created));
         // The server has it by now: it must be seen to be deleted.
         QTRY_COMPARE(f.shown(), QStringList{u"a@1"_s});
-        f.settle();
+        f.exchange();
         for (const StubRequest& request : f.server.requests())
             QVERIFY(request.method != "DELETE");
     }
@@ -293,7 +293,7 @@ private Q_SLOTS:
         StoredDrawings f;
         f.open();
         Q_EMIT f.chart->drawingUpdated({{}, u"hline"_s, {{5, 2.5}}});
-        f.settle();
+        f.exchange();
         QCOMPARE(f.server.requests().size(), 1);
     }
 
@@ -334,8 +334,8 @@ private Q_SLOTS:
             QTest::keyClick(f.chart.get(), Qt::Key_Escape);
             QCOMPARE(f.chart->tool(), QString());
         }
-        f.settle();
-        QCOMPARE(f.server.requests().size(), 1); // the one that settles
+        f.exchange();
+        QCOMPARE(f.server.requests().size(), 1); // the further exchange
         QVERIFY(f.chart->drawings().isEmpty());
     }
 };

@@ -29,12 +29,12 @@ private Q_SLOTS:
         QTRY_COMPARE(f.server.heldCount(), 2);
         const StubAnswer both = listOf({{u"a"_s, 1}, {u"b"_s, 2}});
         QVERIFY(f.server.release(listedAlready ? both : listOf({{u"a"_s, 1}}), listOne));
-        f.settle();
+        f.exchange();
         QCOMPARE(f.shown(), QStringList({u"@1"_s, u"@2"_s}));
         f.server.on("GET", listOne, both);
         QVERIFY(f.server.release(created, path));
         QTRY_COMPARE(f.shown(), QStringList({u"a@1"_s, u"b@2"_s}));
-        f.settle();
+        f.exchange();
         QCOMPARE(f.server.count("GET", path), 2);
     }
 
@@ -49,7 +49,7 @@ private Q_SLOTS:
         f.store->load();
         QTRY_COMPARE(f.server.heldCount(), 2);
         QVERIFY(f.server.release(created));
-        f.settle();
+        f.exchange();
         QCOMPARE(f.server.count("GET", path), 0);
         QVERIFY(f.server.release(created));
         QTRY_COMPARE(f.shown(), QStringList({u"a@1"_s, u"b@2"_s}));
@@ -87,7 +87,7 @@ private Q_SLOTS:
         QTRY_COMPARE(f.server.heldCount(), 1);
         f.deleteAt(0);
         QTRY_COMPARE(f.server.count("DELETE", "/api/drawings/a"), 1);
-        f.settle();
+        f.exchange();
         f.server.on("GET", listOne, listOf({{u"b"_s, 2}, {u"c"_s, 3}}));
         QVERIFY(f.server.release(listOf({{u"a"_s, 1}, {u"b"_s, 2}})));
         QTRY_COMPARE(f.shown(), QStringList({u"b@2"_s, u"c@3"_s}));
@@ -110,7 +110,7 @@ private Q_SLOTS:
     {
         StoredDrawings f;
         f.open().setAccountId(u"one"_s);
-        f.settle();
+        f.exchange();
         QCOMPARE(f.server.requests().size(), 1);
     }
 
@@ -124,7 +124,7 @@ private Q_SLOTS:
         f.store->setAccountId(u"two"_s);
         QTRY_COMPARE(f.shown(), QStringList{u"b@2"_s});
         QVERIFY(f.server.release(listOf({{u"a"_s, 1}})));
-        f.settle();
+        f.exchange();
         QCOMPARE(f.shown(), QStringList{u"b@2"_s});
         QCOMPARE(f.failures, QStringList());
     }
@@ -157,7 +157,7 @@ private Q_SLOTS:
         f.store->setAccountId(u"two"_s);
         QTRY_COMPARE(f.server.count("GET", listTwo), 1);
         QVERIFY(f.server.release(created));
-        f.settle();
+        f.exchange();
         QCOMPARE(f.server.count("GET", listOne), 0);
         QCOMPARE(f.server.count("GET", listTwo), 1); // nothing of this account has changed
         QCOMPARE(f.shown(), QStringList());
@@ -190,8 +190,8 @@ private Q_SLOTS:
         f.chart.reset();
         QVERIFY(f.server.release(created));
         QVERIFY(f.server.release(listOf({})));
-        f.settle();
-        QCOMPARE(f.server.requests().size(), 3); // the two, and the one that settles
+        f.exchange();
+        QCOMPARE(f.server.requests().size(), 3); // the two, and the further exchange
     }
 };
 
