@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <numeric>
+#include <utility>
 
 using namespace Qt::StringLiterals;
 
@@ -24,8 +25,10 @@ Quote pricesOf(const Quote& quote, int digits)
 void AccountBook::setAccounts(const QJsonArray& accounts)
 {
     m_accounts = accounts;
+    const bool summed = renewSummary();
     Q_EMIT accountsChanged();
-    updateAccountSummary();
+    if (summed)
+        Q_EMIT summaryChanged();
 }
 
 int AccountBook::preferredIndex() const
@@ -54,9 +57,11 @@ void AccountBook::selectAccount(const QString& id)
         m_usedMargin = 0.0; // another account's margin is never shown as this one's
     m_currentAccountId = id;
     m_tradePnl.clear();
+    const bool summed = renewSummary();
     if (another)
         Q_EMIT currentAccountChanged();
-    updateAccountSummary();
+    if (summed)
+        Q_EMIT summaryChanged();
 }
 
 void AccountBook::readFigures(const QJsonArray& openTrades)
@@ -90,11 +95,14 @@ void AccountBook::noteProfits(const QJsonArray& rows)
 
 void AccountBook::updateAccountSummary()
 {
-    const std::optional<AccountSummary> now = summaryOfNow();
-    if (now == m_summary)
-        return;
-    m_summary = now;
-    Q_EMIT summaryChanged();
+    if (renewSummary())
+        Q_EMIT summaryChanged();
+}
+
+bool AccountBook::renewSummary()
+{
+    const std::optional<AccountSummary> before = std::exchange(m_summary, summaryOfNow());
+    return m_summary != before;
 }
 
 std::optional<AccountSummary> AccountBook::summaryOfNow() const

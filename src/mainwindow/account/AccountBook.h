@@ -110,6 +110,8 @@ private:
     void judgeQuotesAgain();
     [[nodiscard]] std::optional<AccountSummary> summaryOfNow() const;
     void updateAccountSummary();
+    /// True when it has changed. Due before any signal: who hears of another account finds its figures.
+    [[nodiscard]] bool renewSummary();
 
     QJsonArray m_accounts;
     QString m_currentAccountId;

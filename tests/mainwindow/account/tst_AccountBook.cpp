@@ -291,6 +291,20 @@ private Q_SLOTS:
         QCOMPARE(listener.take(), QStringList({u"accounts 0"_s, u"no equity"_s}));
     }
 
+    void whoever_hears_of_an_account_finds_its_summary()
+    {
+        AccountBook book;
+        QList<double> balances;
+        const auto noteBalance = [&] { balances.append(book.summary().value_or(AccountSummary()).balance); };
+        connect(&book, &AccountBook::accountsChanged, this, noteBalance);
+        connect(&book, &AccountBook::currentAccountChanged, this, noteBalance);
+        book.setAccounts({records::account("a").balance(100), records::account("b").balance(7)});
+        book.selectAccount(u"a"_s);
+        book.selectAccount(u"b"_s);
+        book.setAccounts({records::account("b").balance(8)});
+        QCOMPARE(balances, QList<double>({0.0, 100.0, 7.0, 8.0}));
+    }
+
     void what_has_not_changed_is_not_told()
     {
         Listener listener;

@@ -172,6 +172,23 @@ private Q_SLOTS:
         QCOMPARE(desk.historyRead.count(), 1);
     }
 
+    void a_history_too_large_to_be_read_is_told_once()
+    {
+        const QByteArray path = "/api/trades/history?accountId=a";
+        const QByteArray tooLarge = '[' + QByteArray(qsizetype{17} * 1024 * 1024, ' ') + ']';
+        LoadingDesk desk;
+        const QSignalSpy givenUp(&desk.api, &ApiClient::replyTooLarge);
+        desk.load();
+        desk.server.on("GET", path, StubAnswer::json(tooLarge));
+        for (int readings = 1; readings <= 2; ++readings) {
+            desk.loader.refreshHistory();
+            QTRY_COMPARE(givenUp.count(), readings);
+            QCOMPARE(desk.journal,
+                QStringList{u"Network: Failed to load history: the reply is larger than 16 MiB"_s});
+        }
+        QCOMPARE(desk.historyRead.count(), 1);
+    }
+
     void pending_orders_that_cannot_be_read_count_as_none()
     {
         LoadingDesk desk;
