@@ -16,8 +16,9 @@ private Q_SLOTS:
     void everyRoomIncludesOnlyWhatItMay();
     void everyRoomLinksWhatTheRulesSay();
     void everyFolderWithSourcesIsARoom();
-    void roomsWithoutWindowsIncludeNoWidget();
-    void roomsOfTheCoreIncludeTheCoreOnly();
+    void everyRoomIncludesOnlyTheQtThatItMay();
+    void everyRoomIncludesWhatItLinksOfQt();
+    void roomsThatMayNotUseWidgetsArePrecompiledWithoutThem();
     void thePracticePlatformIsIndependent();
     void nobodyNamesTheMainWindow();
     void onlyTheRootsAskForTheSettings();
@@ -32,21 +33,22 @@ const QString& root()
     return path;
 }
 
-/// What each room below src/ is built on. It may include those, what they are built on, and itself.
+/// What each room below src/ is built on: rooms, and modules of Qt. It may include those, what they are built
+/// on, and itself.
 const QHash<QString, QSet<QString>>& rules()
 {
     static const QHash<QString, QSet<QString>> table{
-        {u"app/base"_s, {}},
-        {u"app/ui"_s, {u"app/base"_s}},
+        {u"app/base"_s, {u"Qt6::Core"_s}},
+        {u"app/ui"_s, {u"app/base"_s, u"Qt6::Gui"_s, u"Qt6::Widgets"_s, u"Qt6::Multimedia"_s}},
         {u"net/records"_s, {u"app/base"_s}},
-        {u"net"_s, {u"net/records"_s}},
+        {u"net"_s, {u"net/records"_s, u"Qt6::Network"_s, u"Qt6::WebSockets"_s}},
         {u"net/signin"_s, {u"net"_s, u"app/ui"_s}},
         {u"app"_s, {u"net"_s, u"app/ui"_s}},
         {u"chart/series"_s, {u"net/records"_s}},
-        {u"chart/data"_s, {u"chart/series"_s}},
+        {u"chart/data"_s, {u"chart/series"_s, u"Qt6::Gui"_s}},
         {u"chart/gestures"_s, {u"chart/data"_s}},
         {u"chart/layers"_s, {u"chart/gestures"_s}},
-        {u"experts"_s, {u"chart/series"_s}},
+        {u"experts"_s, {u"chart/series"_s, u"Qt6::Qml"_s}},
         {u"chart/window"_s, {u"chart/layers"_s, u"experts"_s, u"net"_s, u"app/ui"_s}},
         {u"orders"_s, {u"net"_s, u"app/ui"_s}},
         {u"panes"_s, {u"net"_s, u"app/ui"_s}},
@@ -54,22 +56,6 @@ const QHash<QString, QSet<QString>>& rules()
         {u"mainwindow"_s, {u"mainwindow/account"_s, u"chart/window"_s, u"orders"_s, u"panes"_s}},
     };
     return table;
-}
-
-/// Qt's core alone, so that they can be used where there is no display.
-const QSet<QString>& coreRooms()
-{
-    static const QSet<QString> rooms{u"app/base"_s, u"net/records"_s, u"chart/series"_s};
-    return rooms;
-}
-
-/// No widget, so that they can be tested without a window.
-const QSet<QString>& windowlessRooms()
-{
-    static const QSet<QString> rooms = coreRooms()
-        + QSet<QString>{
-            u"net"_s, u"experts"_s, u"chart/data"_s, u"chart/gestures"_s, u"mainwindow/account"_s};
-    return rooms;
 }
 
 QSet<QString> mayInclude(const QString& room)
@@ -119,21 +105,46 @@ QList<Include> includesBelow(const QString& folder)
     return includes;
 }
 
-/// The rooms of a CMake list's library that are linked as they are named: by path.
-QSet<QString> linkedRooms(const QString& room)
+QString cmakeListOf(const QString& room)
+{
+    QFile list(root() + "/src/"_L1 + room + "/CMakeLists.txt"_L1);
+    return list.open(QIODevice::ReadOnly) ? QString::fromUtf8(list.readAll()) : QString();
+}
+
+/// What a room's CMake list links, rooms by their path and everything else as it is named.
+QSet<QString> linked(const QString& room)
 {
     static const QRegularExpression links(uR"(\bLINKS\s+([^)]*)\))"_s);
-    QFile list(root() + "/src/"_L1 + room + "/CMakeLists.txt"_L1);
-    if (!list.open(QIODevice::ReadOnly))
-        return {u"(no list)"_s};
-    const QString names = links.match(QString::fromUtf8(list.readAll())).captured(1);
-    QSet<QString> rooms;
-    for (const QString& known : rules().keys()) {
-        const QString library = QString(known).replace(u'/', u'_');
-        if (names.split(QRegularExpression(u"\\s+"_s)).contains(library))
-            rooms.insert(known);
+    static const QRegularExpression blanks(u"\\s+"_s);
+    QHash<QString, QString> pathOf;
+    for (const QString& known : rules().keys())
+        pathOf.insert(QString(known).replace(u'/', u'_'), known);
+    QSet<QString> all;
+    for (const QString& name : links.match(cmakeListOf(room)).captured(1).split(blanks, Qt::SkipEmptyParts))
+        all.insert(pathOf.value(name, name));
+    return all;
+}
+
+/// The module that a header of Qt belongs to; empty for other headers.
+QString moduleOf(const Include& include)
+{
+    static const QDir headers(QLibraryInfo::path(QLibraryInfo::HeadersPath));
+    static const QStringList folders = headers.entryList({u"Qt*"_s}, QDir::Dirs);
+    if (include.quoted || !include.target.startsWith(u'Q'))
+        return {};
+    if (include.target.contains(u'/')) // <QtGui/QColor>
+        return u"Qt6::"_s + folderOf(include.target).mid(2);
+    for (const QString& folder : folders) {
+        if (headers.exists(folder + u'/' + include.target))
+            return u"Qt6::"_s + folder.mid(2);
     }
-    return rooms;
+    return {};
+}
+
+/// The room that a file lies in, which the file of the executable does not.
+QString roomOf(const QString& path)
+{
+    return isExecutableSource(path) ? QString() : folderOf(path).section(u'/', 1);
 }
 
 void reportAll(const QStringList& offences)
@@ -147,9 +158,9 @@ void tst_IncludeRules::everyRoomIncludesOnlyWhatItMay()
 {
     QStringList offences;
     for (const Include& include : includesBelow(u"src"_s)) {
-        if (!include.quoted || !include.target.contains(u'/') || isExecutableSource(include.file))
+        const QString room = roomOf(include.file);
+        if (room.isEmpty() || !include.quoted || !include.target.contains(u'/'))
             continue;
-        const QString room = folderOf(include.file).section(u'/', 1);
         if (!mayInclude(room).contains(folderOf(include.target)))
             offences.append(include.file + u" must not include "_s + include.target);
     }
@@ -159,7 +170,7 @@ void tst_IncludeRules::everyRoomIncludesOnlyWhatItMay()
 void tst_IncludeRules::everyRoomLinksWhatTheRulesSay()
 {
     for (auto rule = rules().cbegin(); rule != rules().cend(); ++rule)
-        QVERIFY2(linkedRooms(rule.key()) == rule.value(), qPrintable(rule.key()));
+        QVERIFY2(linked(rule.key()) == rule.value(), qPrintable(rule.key()));
 }
 
 void tst_IncludeRules::everyFolderWithSourcesIsARoom()
@@ -170,30 +181,39 @@ void tst_IncludeRules::everyFolderWithSourcesIsARoom()
     }
 }
 
-void tst_IncludeRules::roomsWithoutWindowsIncludeNoWidget()
+void tst_IncludeRules::everyRoomIncludesOnlyTheQtThatItMay()
 {
-    const QDir widgets(QLibraryInfo::path(QLibraryInfo::HeadersPath) + "/QtWidgets"_L1);
-    QVERIFY(widgets.exists(u"QWidget"_s));
     QStringList offences;
     for (const Include& include : includesBelow(u"src"_s)) {
-        if (windowlessRooms().contains(folderOf(include.file).section(u'/', 1)) && !include.quoted
-            && widgets.exists(include.target))
+        const QString room = roomOf(include.file);
+        const QString module = moduleOf(include);
+        if (!room.isEmpty() && !module.isEmpty() && !mayInclude(room).contains(module))
             offences.append(include.file + u" must not include "_s + include.target);
     }
     reportAll(offences);
 }
 
-void tst_IncludeRules::roomsOfTheCoreIncludeTheCoreOnly()
+void tst_IncludeRules::everyRoomIncludesWhatItLinksOfQt()
 {
-    const QDir core(QLibraryInfo::path(QLibraryInfo::HeadersPath) + "/QtCore"_L1);
-    QVERIFY(core.exists(u"QObject"_s));
+    QHash<QString, QSet<QString>> used;
+    for (const Include& include : includesBelow(u"src"_s))
+        used[roomOf(include.file)].insert(moduleOf(include));
     QStringList offences;
-    for (const Include& include : includesBelow(u"src"_s)) {
-        if (coreRooms().contains(folderOf(include.file).section(u'/', 1)) && include.target.startsWith(u'Q')
-            && !core.exists(include.target))
-            offences.append(include.file + u" must not include "_s + include.target);
+    for (const QString& room : rules().keys()) {
+        for (const QString& name : linked(room)) {
+            if (name.startsWith("Qt6::"_L1) && !used[room].contains(name))
+                offences.append(room + u" links "_s + name + u" for nothing"_s);
+        }
     }
     reportAll(offences);
+}
+
+void tst_IncludeRules::roomsThatMayNotUseWidgetsArePrecompiledWithoutThem()
+{
+    for (const QString& room : rules().keys()) {
+        const bool windowless = cmakeListOf(room).contains(" WINDOWLESS"_L1);
+        QVERIFY2(windowless != mayInclude(room).contains(u"Qt6::Widgets"_s), qPrintable(room));
+    }
 }
 
 void tst_IncludeRules::thePracticePlatformIsIndependent()
@@ -245,6 +265,9 @@ void tst_IncludeRules::theRulesSeeTheSources()
 {
     QVERIFY(includesBelow(u"src"_s).size() > 100);
     QVERIFY(includesBelow(u"practice"_s).size() > 50);
+    QCOMPARE(moduleOf({{}, u"QWidget"_s}), u"Qt6::Widgets"_s);
+    QCOMPARE(moduleOf({{}, u"QtGlobal"_s}), u"Qt6::Core"_s);
+    QCOMPARE(moduleOf({{}, u"QtGui/QColor"_s}), u"Qt6::Gui"_s);
 }
 
 TAVORAN_TEST(tst_IncludeRules)
