@@ -3,11 +3,9 @@
 #include "chart/LayerFixture.h"
 #include "chart/data/Indicators.h"
 #include "chart/layers/Curve.h"
-#include "chart/layers/LayerStack.h"
 #include "chart/window/ChartWidget.h"
 #include "support/TestMain.h"
 
-#include <QFontMetrics>
 #include <QPainter>
 #include <QRandomGenerator>
 
@@ -15,7 +13,6 @@
 #include <cmath>
 #include <limits>
 
-using namespace Qt::StringLiterals;
 using fixtures::paint;
 using fixtures::pixelsOf;
 using fixtures::pixelsOtherThan;
@@ -28,8 +25,6 @@ const QColor black(Qt::black);
 const QColor yellow(0xff, 0xd5, 0x4f);
 const QColor blue(0x4f, 0xc3, 0xf7);
 const QColor lilac(0xc7, 0x92, 0xea);
-const QColor groundOfPane(0x0a, 0x0a, 0x0a);
-const ChartColors colors;
 
 constexpr QSize size = fixtures::frameSize;
 /// With the pane: plot (0, 0, 332, 217), pane (0, 218, 332, 60).
@@ -58,24 +53,6 @@ ChartFrame frameOf(const std::vector<Candle>& candles, bool rsi, TextPainter& te
 double strengthAtRow(int y)
 {
     return 100.0 - (y + 0.5) * 100.0 / pane.height();
-}
-
-/// A picture of texts alone, drawn at their baselines.
-struct Text {
-    QPoint baseline;
-    QString text;
-    QColor color;
-};
-
-QImage picture(const QList<Text>& texts, const QColor& ground = Qt::black)
-{
-    TextPainter writer;
-    QImage image(size, QImage::Format_RGB32);
-    image.fill(ground);
-    QPainter painter(&image);
-    for (const Text& text : texts)
-        writer.drawAt(painter, text.baseline, text.text, text.color);
-    return image;
 }
 
 } // namespace
@@ -145,27 +122,6 @@ private Q_SLOTS:
         }
     }
 
-    void an_average_joins_the_values_of_neighbours()
-    {
-        ChartFrame frame = frameOf(m_candles, false, m_texts);
-        const std::vector<double> values{priceAtRow(100), priceAtRow(100), priceAtRow(140), priceAtRow(120),
-            priceAtRow(120), priceAtRow(20)};
-        const std::array<std::span<const double>, 1> lines{values};
-        frame.averages = {{IndicatorKind::Sma, 3, yellow}};
-        frame.averageValues = lines;
-        const QImage image = paint(&layers::paintMovingAverages, frame);
-        // Columns 131, 171 ... 331; one pixel a column while a segment is flat or rises as far as it runs.
-        QCOMPARE(pixelsOf(image, QRect(131, 100, 41, 1), yellow), 41);
-        QCOMPARE(image.pixelColor(191, 120), yellow); // halfway down to row 140
-        QCOMPARE(image.pixelColor(211, 140), yellow);
-        QCOMPARE(image.pixelColor(231, 130), yellow);
-        QCOMPARE(pixelsOf(image, QRect(251, 120, 41, 1), yellow), 41);
-        QCOMPARE(image.pixelColor(331, 20), yellow);
-        QCOMPARE(pixelsOf(image, QRect(291, 20, 41, 100), yellow), 100); // steep: a pixel in every row
-        QCOMPARE(pixelsOtherThan(image, QRect(0, 0, 131, 300), black), 0);
-        QCOMPARE(pixelsOf(image, image.rect(), black) + pixelsOf(image, image.rect(), yellow), 400 * 300);
-    }
-
     void a_missing_value_breaks_the_average()
     {
         ChartFrame frame = frameOf(m_candles, false, m_texts);
@@ -215,21 +171,6 @@ private Q_SLOTS:
         QCOMPARE(pixelsOf(image, frame.view.plot(), yellow), pixelsOf(image, image.rect(), yellow));
     }
 
-    void the_legend_names_kind_and_period_in_their_colours()
-    {
-        ChartFrame frame = frameOf(m_candles, false, m_texts);
-        frame.averages = {{IndicatorKind::Ema, 21, yellow}, {IndicatorKind::Sma, 200, blue},
-            {IndicatorKind::Sma, 5, lilac}};
-        const QFontMetrics metrics(QFont(u"Segoe UI"_s, 8));
-        const int second = 6 + metrics.horizontalAdvance(u"EMA(21)"_s) + 12;
-        const int third = second + metrics.horizontalAdvance(u"SMA(200)"_s) + 12;
-        const QImage image = paint(&layers::paintAverageLegend, frame);
-        QCOMPARE(image,
-            picture({{QPoint(6, 28), u"EMA(21)"_s, yellow}, {QPoint(second, 28), u"SMA(200)"_s, blue},
-                {QPoint(third, 28), u"SMA(5)"_s, lilac}}));
-        QVERIFY(pixelsOtherThan(image, QRect(6, 15, second - 18, 16), black) > 40);
-    }
-
     void the_legend_ends_at_the_edge_of_the_plot()
     {
         ChartFrame frame = frameOf(m_candles, false, m_texts);
@@ -244,46 +185,6 @@ private Q_SLOTS:
     {
         const QImage image = paint(&layers::paintAverageLegend, frameOf(m_candles, false, m_texts));
         QCOMPARE(pixelsOtherThan(image, image.rect(), black), 0);
-    }
-
-    void the_pane_is_dark_with_a_border_on_top()
-    {
-        const ChartFrame frame = frameOf(m_candles, true, m_texts);
-        QCOMPARE(frame.view.pane(0), pane);
-        const QImage image = paint(&layers::paintIndicatorPanes, frame);
-        QCOMPARE(pixelsOf(image, QRect(0, 218, 332, 1), colors.grid), 332);
-        QCOMPARE(pixelsOtherThan(image, QRect(0, 0, 400, 218), black), 0);
-        QCOMPARE(pixelsOtherThan(image, QRect(0, 278, 400, 22), black), 0);
-        QCOMPARE(pixelsOtherThan(image, QRect(150, 262, 182, 16), QColor(0x0a, 0x0a, 0x0a)), 0);
-    }
-
-    void the_pane_has_dotted_lines_at_30_and_70_with_labels()
-    {
-        const QImage image = paint(&layers::paintIndicatorPanes, frameOf(m_candles, true, m_texts));
-        const QColor bound(0x44, 0x44, 0x44);
-        QList<Text> labels;
-        const QFontMetrics metrics(QFont(u"Segoe UI"_s, 8));
-        for (const auto& [y, text] : {std::pair(218 + 42, u"30"_s), std::pair(218 + 18, u"70"_s)}) {
-            QCOMPARE(pixelsOf(image, QRect(150, y, 180, 1), bound), 60);
-            QCOMPARE(pixelsOf(image, QRect(150, y - 1, 182, 1), bound), 0);
-            QCOMPARE(pixelsOf(image, QRect(150, y + 1, 182, 1), bound), 0);
-            labels.append(
-                {QPoint(331 + 4, y - 8 + (16 - metrics.height()) / 2 + metrics.ascent()), text, colors.axis});
-        }
-        const QRect axis(332, 0, 68, 300);
-        QCOMPARE(image.copy(axis), picture(labels).copy(axis));
-        QVERIFY(pixelsOtherThan(image, QRect(332, 252, 68, 16), black) > 10);
-    }
-
-    void the_pane_has_a_title()
-    {
-        ChartFrame frame = frameOf(m_candles, true, m_texts);
-        frame.panes.first().period = 21;
-        const QImage image = paint(&layers::paintIndicatorPanes, frame);
-        const QImage title = picture({{QPoint(6, 218 + 14), u"RSI(21)"_s, colors.axis}}, groundOfPane);
-        const QRect belowBorder(0, 219, 120, 17); // and above the line at 70
-        QCOMPARE(image.copy(belowBorder), title.copy(belowBorder));
-        QVERIFY(pixelsOtherThan(title, belowBorder, groundOfPane) > 40);
     }
 
     void the_line_of_the_pane_joins_neighbours_and_breaks()

@@ -33,20 +33,6 @@ private Q_SLOTS:
             QVERIFY(entry.paint != nullptr);
     }
 
-    void without_bars_only_background_and_notice_are_painted()
-    {
-        ChartWidget chart;
-        chart.resize(400, 300);
-        chart.setAutoScroll(false);
-        fixtures::hover(chart, QPoint(100, 100));
-        const QImage picture = chart.grab().toImage();
-        const QColor black(Qt::black);
-        const QRect notice(120, 130, 160, 40);
-        QVERIFY(fixtures::pixelsOtherThan(picture, notice, black) > 50);
-        QCOMPARE(fixtures::pixelsOtherThan(picture, picture.rect(), black),
-            fixtures::pixelsOtherThan(picture, notice, black));
-    }
-
     void the_kept_picture_holds_none_of_the_newest_bar()
     {
         ChartWidget chart;
