@@ -10,6 +10,24 @@ class TestAccountRecord final : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
+    void its_fields_are_read()
+    {
+        const QJsonObject record{{u"id"_s, u"a1"_s}, {u"status"_s, u"FAILED"_s}, {u"balance"_s, u"10.50"_s}};
+        QCOMPARE(account::id(record), u"a1"_s);
+        QCOMPARE(account::status(record), u"FAILED"_s);
+        QCOMPARE(account::balance(record), 10.5);
+        QCOMPARE(account::id({{u"id"_s, 5}}), QString());
+    }
+
+    void only_an_active_account_that_is_no_wallet_is_tradable()
+    {
+        QVERIFY(account::isTradable({{u"status"_s, u"ACTIVE"_s}}));
+        QVERIFY(account::isTradable({{u"status"_s, u"ACTIVE"_s}, {u"isWallet"_s, u"true"_s}}));
+        QVERIFY(!account::isTradable({{u"status"_s, u"ACTIVE"_s}, {u"isWallet"_s, true}}));
+        QVERIFY(!account::isTradable({{u"status"_s, u"active"_s}}));
+        QVERIFY(!account::isTradable({}));
+    }
+
     void labels_data()
     {
         QTest::addColumn<QByteArray>("json");
