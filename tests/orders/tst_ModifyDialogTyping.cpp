@@ -34,6 +34,7 @@ private Q_SLOTS:
         desk.server.on("PUT", modifyPath, StubAnswer::held());
         QVERIFY(hands::arriveAt(desk.dialog));
         hands::type(u"1,2"_s);
+        QCOMPARE(desk.edit("modifyStopLoss")->text(), u"1.2"_s);
         hands::press(Qt::Key_Return);
         QTRY_COMPARE(desk.server.heldCount(), 1);
         QCOMPARE(desk.sent(), parse(R"({"stopLoss":1.2})"));
