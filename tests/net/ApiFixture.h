@@ -3,6 +3,7 @@
 #include "app/base/TerminalSettings.h"
 #include "net/ApiClient.h"
 #include "net/FinishReply.h"
+#include "support/ShortSteps.h"
 #include "support/StubHttpServer.h"
 
 #include <QJsonDocument>

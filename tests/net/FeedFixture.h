@@ -2,6 +2,7 @@
 
 #include "app/base/TerminalSettings.h"
 #include "net/WsClient.h"
+#include "support/ShortSteps.h"
 #include "support/StubFeedServer.h"
 
 #include <QtTest>

@@ -2,6 +2,7 @@
 
 #include "app/base/TerminalSettings.h"
 #include "net/ApiClient.h"
+#include "support/ShortSteps.h"
 #include "support/StubHttpServer.h"
 
 #include <QJsonDocument>

@@ -2,6 +2,7 @@
 #include "net/signin/LoginDialog.h"
 #include "support/Hands.h"
 #include "support/LogMessages.h"
+#include "support/ShortSteps.h"
 #include "support/StubHttpServer.h"
 #include "support/TestMain.h"
 
