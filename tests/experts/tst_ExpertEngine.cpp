@@ -228,59 +228,6 @@ private Q_SLOTS:
         QVERIFY(chart().engine->isRunning());
     }
 
-    void theTimerFiresInWholeSecondsAndSurvivesErrors()
-    {
-        QVERIFY(chart().load(
-            "var n = 0; function OnInit() { EventSetTimer(1); EventSetTimer(0); EventSetTimer(-4) }\n"
-            "function OnTimer() { Print('timer'); if (++n == 2) EventKillTimer(); throw 5 }"));
-        chart().messages.clear();
-        QCOMPARE(chart().timer->interval(), 1000);
-        timeOut(*chart().timer);
-        QCOMPARE(chart().done.size(), 1);
-        timeOut(*chart().timer);
-        QCOMPARE(chart().messages, QStringList({u"OnTimer: 5"_s, u"OnTimer: 5"_s}));
-        QVERIFY(chart().engine->isRunning());
-        QVERIFY(!chart().timer->isActive());
-        QCOMPARE(chart().done.size(), 2);
-    }
-
-    void theTimerNeedsNobodyToFire()
-    {
-        QVERIFY(chart().load("EventSetTimer(3); function OnTimer() { Print('timer') }"));
-        QCOMPARE(chart().timer->interval(), 3000);
-        chart().timer->setInterval(0); // nobody waits for three seconds
-        QTRY_VERIFY(chart().done.size() > 1);
-    }
-
-    void theTimersSecondsAreMadeAnIntegerOfThirtyTwoBits()
-    {
-        QVERIFY(chart().load(
-            "function OnInit() { EventSetTimer(4294967297); EventSetTimer(); EventSetTimer(0.9) }"
-            "\nfunction OnTimer() {\n Print('timer'); EventKillTimer(); no() }"));
-        chart().messages.clear();
-        QCOMPARE(chart().timer->interval(), 1000);
-        timeOut(*chart().timer);
-        QCOMPARE(chart().done.size(), 1);
-        QCOMPARE(chart().messages, QStringList(u"OnTimer: no is not defined (line 3)"_s));
-    }
-
-    void aTimerOfManyDaysDoesNotFireSoon()
-    {
-        // In milliseconds it is 704 more than an integer of 32 bits has values.
-        QVERIFY(chart().load("EventSetTimer(4294968); function OnTimer() { Print('timer') }"));
-        QVERIFY(chart().timer->isActive());
-        QCOMPARE(chart().timer->interval(), 2'147'483'000);
-    }
-
-    void stoppingEndsTheTimerAndOnDeinitCannotStartIt()
-    {
-        QVERIFY(chart().load("function OnInit() { EventSetTimer(1) } function OnTimer() { Print('timer') }"
-                             "function OnDeinit() { EventSetTimer(1) }"));
-        QVERIFY(chart().timer->isActive());
-        chart().engine->stop();
-        QVERIFY(!chart().timer->isActive());
-    }
-
     void aByteOrderMarkAndOtherAlphabetsAreRead()
     {
         QVERIFY(chart().load("\xEF\xBB\xBF// Überschrift\nvar größe = 'Привет → 💶';\nPrint(größe)"));
@@ -339,24 +286,6 @@ private Q_SLOTS:
         chart().engine->setDigits(2);
         QVERIFY(chart().engine->load(chart().file("Print(Digits(), Point())")));
         QCOMPARE(chart().done, QStringList(u"print 2 0.01"_s));
-    }
-
-    void aTickDuringAHookIsDropped()
-    {
-        ExpertHost::Callbacks calls = chart().callbacks();
-        calls.closeAll = [this] {
-            chart().done.append(chart().timer->isActive() ? u"box"_s : u"box without timer"_s);
-            chart().engine->tick();
-            timeOut(*chart().timer);
-        };
-        chart().create(calls);
-        QVERIFY(chart().engine->load(chart().file(
-            "function OnInit() { EventSetTimer(1) } function OnTimer() { Print('timer') }"
-            "function OnTick() { Print('in'); Trade.closeAll(); Print('out'); EventKillTimer() }")));
-        chart().engine->tick();
-        QCOMPARE(chart().done.join(u';'), u"print in;box;print out"_s);
-        chart().engine->tick();
-        QCOMPARE(chart().done.mid(3).join(u';'), u"print in;box without timer;print out"_s);
     }
 
     void stoppingInMidTickLeavesTheRestWithoutEffect()
