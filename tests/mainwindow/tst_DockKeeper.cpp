@@ -1,5 +1,6 @@
 #include "app/base/TerminalSettings.h"
 #include "mainwindow/DockKeeper.h"
+#include "support/ShortSteps.h"
 #include "support/TestMain.h"
 
 #include <QDockWidget>

@@ -248,8 +248,8 @@ private Q_SLOTS:
         f.server.on("GET", "/api/accounts", StubAnswer::list({records::account("a&b=c+d/..#?").balance(1)}));
         f.signIn();
         QTRY_VERIFY(f.server.count("GET", "/api/trades/pending?accountId=a%26b%3Dc%2Bd%2F..%23%3F") >= 1);
-        QVERIFY(f.server.count("GET", "/api/trades/open?accountId=a%26b%3Dc%2Bd%2F..%23%3F") >= 1);
-        QVERIFY(f.server.count("GET", "/api/trades/history?accountId=a%26b%3Dc%2Bd%2F..%23%3F") >= 1);
+        QTRY_VERIFY(f.server.count("GET", "/api/trades/open?accountId=a%26b%3Dc%2Bd%2F..%23%3F") >= 1);
+        QTRY_VERIFY(f.server.count("GET", "/api/trades/history?accountId=a%26b%3Dc%2Bd%2F..%23%3F") >= 1);
     }
 
     void liveProfitsChangeRowAndSummary()

@@ -57,6 +57,7 @@ private Q_SLOTS:
     void a_cut_feed_comes_back()
     {
         startClient();
+        QTRY_COMPARE(m_log.count(u"Feed connected"_s), 1);
         QTRY_COMPARE(m_feed->clientCount(), 1);
         m_feed->cut();
         QTRY_COMPARE(m_retries, QList<int>({1}));
