@@ -172,21 +172,44 @@ private Q_SLOTS:
         QCOMPARE(desk.historyRead.count(), 1);
     }
 
-    void a_history_too_large_to_be_read_is_told_once()
+    void a_history_too_large_to_be_read_is_told_until_it_is_read_or_another_account_chosen()
     {
+        const auto line = u"Network: Failed to load history: the reply is larger than 16 MiB"_s;
         const QByteArray path = "/api/trades/history?accountId=a";
-        const QByteArray tooLarge = '[' + QByteArray(qsizetype{17} * 1024 * 1024, ' ') + ']';
+        const StubAnswer tooLarge
+            = StubAnswer::json('[' + QByteArray(qsizetype{17} * 1024 * 1024, ' ') + ']');
         LoadingDesk desk;
         const QSignalSpy givenUp(&desk.api, &ApiClient::replyTooLarge);
-        desk.load();
-        desk.server.on("GET", path, StubAnswer::json(tooLarge));
-        for (int readings = 1; readings <= 2; ++readings) {
+        int readings = 0;
+        const auto readInVain = [&] {
             desk.loader.refreshHistory();
+            ++readings;
             QTRY_COMPARE(givenUp.count(), readings);
-            QCOMPARE(desk.journal,
-                QStringList{u"Network: Failed to load history: the reply is larger than 16 MiB"_s});
-        }
+        };
+        desk.load();
+        desk.server.on("GET", path, tooLarge);
+        readInVain();
+        QCOMPARE(desk.journal, QStringList{line});
+        readInVain();
+        desk.server.on("GET", path, StubAnswer::message(u"No history"_s, 500));
+        desk.loader.refreshHistory();
+        desk.settle();
+        desk.server.on("GET", path, tooLarge);
+        readInVain();
+        QCOMPARE(desk.journal.count(line), 1);
         QCOMPARE(desk.historyRead.count(), 1);
+
+        desk.server.on("GET", path, StubAnswer::list({}));
+        desk.loader.refreshHistory();
+        QTRY_COMPARE(desk.historyRead.count(), 2);
+        desk.server.on("GET", path, tooLarge);
+        readInVain();
+        QCOMPARE(desk.journal.count(line), 2);
+
+        desk.loader.selectAccount(u"b"_s);
+        desk.loader.selectAccount(u"a"_s);
+        QTRY_COMPARE(givenUp.count(), readings + 1);
+        QCOMPARE(desk.journal, QStringList(3, line));
     }
 
     void pending_orders_that_cannot_be_read_count_as_none()
