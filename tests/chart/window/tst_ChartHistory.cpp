@@ -12,6 +12,18 @@ using fixtures::ChartServer;
 class tst_ChartHistory final : public QObject {
     Q_OBJECT
 
+    /// Shows three candles in the window, and then what the server answers to the next request.
+    void loadAndReload(ChartWindow& window, QSignalSpy& log, const StubAnswer& answer)
+    {
+        m_served->server.once("GET", "/api/candles", StubAnswer::json(candleBody(3, 1.25)));
+        m_served->server.once("GET", "/api/candles", answer);
+        window.load();
+        QVERIFY(log.wait());
+        QCOMPARE(window.chart().candles().size(), std::size_t(3));
+        window.reload();
+        QVERIFY(log.wait());
+    }
+
     std::unique_ptr<ChartServer> m_served;
 
 private Q_SLOTS:
@@ -19,16 +31,11 @@ private Q_SLOTS:
 
     void theSymbolIsNeverSubstitutedAgain()
     {
-        m_served->server.once("GET", "/api/candles", StubAnswer::json(candleBody(3, 1.25)));
-        m_served->server.once("GET", "/api/candles", StubAnswer::message(u"Gone %1"_s, 404));
         ChartWindow window(m_served->api, u"%3%2"_s, u"1h"_s, {}, 5);
         QCOMPARE(window.title(), u"%3%2,H1"_s);
         QSignalSpy log(&window, &ChartWindow::logMessage);
-        window.load();
-        QVERIFY(log.wait());
-        QCOMPARE(log.last().at(1), u"%3%2,H1: 3 candles loaded"_s);
-        window.reload();
-        QVERIFY(log.wait());
+        loadAndReload(window, log, StubAnswer::message(u"Gone %1"_s, 404));
+        QCOMPARE(log.first().at(1), u"%3%2,H1: 3 candles loaded"_s);
         QCOMPARE(log.last().at(1), u"%3%2: failed to load candles: Gone %1"_s);
     }
 
@@ -91,14 +98,9 @@ private Q_SLOTS:
 
     void aFailedLoadIsJournalledAndKeepsWhatIsShown()
     {
-        m_served->server.once("GET", "/api/candles", StubAnswer::json(candleBody(3, 1.25)));
-        m_served->server.once("GET", "/api/candles", StubAnswer::message(u"No %1 <b>history</b>"_s, 404));
         ChartWindow window(m_served->api, u"EURUSD"_s, u"15m"_s, {}, 5);
         QSignalSpy log(&window, &ChartWindow::logMessage);
-        window.load();
-        QVERIFY(log.wait());
-        window.reload();
-        QVERIFY(log.wait());
+        loadAndReload(window, log, StubAnswer::message(u"No %1 <b>history</b>"_s, 404));
         QCOMPARE(log.last(),
             QVariantList({u"Chart"_s, u"EURUSD: failed to load candles: No %1 <b>history</b>"_s}));
         QCOMPARE(window.chart().candles().size(), std::size_t(3));
@@ -132,14 +134,9 @@ private Q_SLOTS:
     void anAnswerThatIsNoHistoryCountsAsAnEmptyOne()
     {
         QFETCH(QByteArray, body);
-        m_served->server.once("GET", "/api/candles", StubAnswer::json(candleBody(3, 1.25)));
-        m_served->server.once("GET", "/api/candles", StubAnswer::json(body));
         ChartWindow window(m_served->api, u"EURUSD"_s, u"15m"_s, {}, 5);
         QSignalSpy log(&window, &ChartWindow::logMessage);
-        window.load();
-        QVERIFY(log.wait());
-        window.reload();
-        QVERIFY(log.wait());
+        loadAndReload(window, log, StubAnswer::json(body));
         QCOMPARE(log.last().at(1), u"EURUSD,M15: 0 candles loaded"_s);
         QVERIFY(window.chart().candles().empty());
     }
@@ -261,14 +258,9 @@ private Q_SLOTS:
             = R"({"timestamp":"2014-05-01T00:00:00.000Z","open":1,"high":1,"low":1,"close":1,"volume":1})";
         QByteArray body = "[" + (row + ",").repeated(200'000);
         body.back() = ']';
-        m_served->server.once("GET", "/api/candles", StubAnswer::json(candleBody(3, 1.25)));
-        m_served->server.once("GET", "/api/candles", StubAnswer::json(body));
         ChartWindow window(m_served->api, u"EURUSD"_s, u"15m"_s, {}, 5);
         QSignalSpy log(&window, &ChartWindow::logMessage);
-        window.load();
-        QTRY_COMPARE(log.size(), 1);
-        window.reload();
-        QTRY_COMPARE(log.size(), 2);
+        loadAndReload(window, log, StubAnswer::json(body));
         QVERIFY(log.last().at(1).toString().startsWith(u"EURUSD: failed to load candles: "_s));
         QCOMPARE(window.chart().candles().size(), std::size_t(3));
     }
