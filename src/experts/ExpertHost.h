@@ -34,7 +34,7 @@ public:
         std::function<void(const QString& text)> print;
         std::function<void(const QString& text)> comment;
         std::function<void(const QString& text)> alert;
-        /// Changes whenever a bar other than the newest does. Unset: nothing is remembered between calls.
+        /// Changes whenever a candle other than the newest does. Unset: nothing is remembered between calls.
         std::function<quint64()> seriesRevision;
     };
 
@@ -48,7 +48,7 @@ public:
     /// The symbol's price decimals, known late when the server lists the symbol late.
     void setDigits(int digits) { m_digits = digits; }
 
-    /// From now on there are no bars, no prices, and nothing that is asked for happens.
+    /// From now on there are no candles, no prices, and nothing that is asked for happens.
     void disconnectChart();
 
     /// While held, what a script does happens in a later turn of the event loop: outside its hooks a script
@@ -67,18 +67,18 @@ public:
     [[nodiscard]] Q_INVOKABLE double ask() const;
 
     [[nodiscard]] Q_INVOKABLE int bars() const;
-    // Shift 0 is the forming bar; 0 for a bar that is not there.
+    // Shift 0 is the forming bar. 0 for a bar that is not there.
     [[nodiscard]] Q_INVOKABLE double close(double shift) const;
     [[nodiscard]] Q_INVOKABLE double open(double shift) const;
     [[nodiscard]] Q_INVOKABLE double high(double shift) const;
     [[nodiscard]] Q_INVOKABLE double low(double shift) const;
 
-    /// Average of `period` closes up to the bar at `shift`; 0 with too few bars. The exponential method (1)
-    /// starts from the simple average of its window and has no bar left to smooth over: every method gives
-    /// the simple average, and scripts rely on it.
+    /// Average of `period` closes up to the bar at `shift`; 0 with too few candles. The exponential method
+    /// (1) starts from the simple average of its window and has no bar left to smooth over: every method
+    /// gives the simple average, and scripts rely on it.
     [[nodiscard]] Q_INVOKABLE double ma(double period, double method, double shift);
-    /// Relative strength over `period` differences up to the bar at `shift`, 0 to 100, plain averages; 0
-    /// with too few bars.
+    /// RSI over `period` differences up to the bar at `shift`, 0 to 100, plain averages; 0
+    /// with too few candles.
     [[nodiscard]] Q_INVOKABLE double rsi(double period, double shift);
 
     [[nodiscard]] Q_INVOKABLE double balance() const;

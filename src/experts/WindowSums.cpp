@@ -46,7 +46,7 @@ WindowSums::Moves WindowSums::sum(Kind kind, Summation add, const std::vector<Ca
     if (std::exchange(m_revision, *revision) != *revision)
         m_entries.fill({});
 
-    // The newest bar moves with every tick.
+    // The newest candle moves with every tick.
     const bool newest = last + 1 == candles.size();
     const std::size_t end = newest ? last : last + 1;
     for (const Entry& entry : m_entries) {

@@ -8,20 +8,20 @@
 #include <optional>
 #include <vector>
 
-/// Sums over the closing prices of a run of bars. Scripts ask for the same runs at every tick, so the sums
-/// are remembered, without the newest bar, for as long as no other bar changes: a tick then costs the same
+/// Sums over the closing prices of a run of candles. Scripts ask for the same runs at every tick, so the sums
+/// are remembered, without the newest candle, for as long as no other changes: a tick then costs the same
 /// for a long run as for a short one. The additions go from old to new in either case, and the result is
 /// the same to the last bit.
 class WindowSums final {
 public:
-    /// Of the differences from each bar to the next, those upwards and those downwards, both positive.
+    /// Of the differences from each close to the next, those upwards and those downwards, both positive.
     struct Moves {
         double gains = 0.0;
         double losses = 0.0;
     };
 
-    /// `revision` changes whenever a bar other than the newest does; without one nothing is remembered.
-    /// `first` and `last` are indices of bars, and so is `first - 1` for the moves.
+    /// `revision` changes whenever a candle other than the newest does; without one nothing is remembered.
+    /// `first` and `last` are indices of candles, and so is `first - 1` for the moves.
     [[nodiscard]] double closes(const std::vector<Candle>& candles, std::optional<quint64> revision,
         std::size_t first, std::size_t last);
     [[nodiscard]] Moves moves(const std::vector<Candle>& candles, std::optional<quint64> revision,
@@ -33,7 +33,7 @@ private:
     struct Entry {
         Kind kind = Kind::None;
         std::size_t first = 0;
-        std::size_t end = 0; ///< after the last bar that was added
+        std::size_t end = 0; ///< after the last candle that was added
         Moves sums;          ///< gains alone for closes
     };
 

@@ -25,7 +25,7 @@ public:
     ChartArea(ApiClient& api, const AccountBook& book, QWidget* parent = nullptr);
     ~ChartArea() override;
 
-    /// Opens and activates a chart of 15-minute bars.
+    /// Opens and activates a chart of 15-minute candles.
     ChartWindow* openChart(const QString& symbol);
     /// The chart that the trader last worked with; none without charts.
     [[nodiscard]] ChartWindow* activeChart() const;

@@ -9,7 +9,7 @@
 #include <QList>
 #include <QString>
 
-/// What a chart is told to show besides its bars, as the layers use it.
+/// What a chart is told to show besides its candles, as the layers use it.
 struct ChartLook {
     QString symbol;
     QString timeframeLabel;

@@ -7,7 +7,7 @@
 
 namespace {
 
-std::span<const Candle> barsOf(const std::vector<Candle>& candles, const BarRange& range)
+std::span<const Candle> candlesIn(const std::vector<Candle>& candles, const BarRange& range)
 {
     if (range.isEmpty())
         return {};
@@ -83,7 +83,7 @@ ViewState ChartScene::at(const Place& place) const
 {
     const std::vector<Candle>& candles = m_series.candles();
     const auto later = std::upper_bound(candles.begin(), candles.end(), place.time,
-        [](qint64 time, const Candle& bar) { return time < bar.time; });
+        [](qint64 time, const Candle& candle) { return time < candle.time; });
     const double index = static_cast<double>(later - candles.begin()) - 1.0 + place.beyond;
     ViewState state = m_state;
     state.rightBarIndex
@@ -116,13 +116,13 @@ const ChartView& ChartScene::view(const QSize& size) const
 {
     if (!m_viewStale && m_view.size() == size)
         return m_view;
-    const ChartView bars(size, m_state, m_series.count(), m_panes);
-    const std::span<const Candle> visible = barsOf(m_series.candles(), bars.visible());
+    const ChartView unscaled(size, m_state, m_series.count(), m_panes);
+    const std::span<const Candle> visible = candlesIn(m_series.candles(), unscaled.visible());
     const double followBid = m_state.autoScroll ? m_bid : 0.0;
-    m_view = bars.withPrices(paddedPriceRange(visible, followBid, m_ask));
+    m_view = unscaled.withPrices(paddedPriceRange(visible, followBid, m_ask));
     m_largestVolume = 1;
-    for (const Candle& bar : visible)
-        m_largestVolume = std::max(m_largestVolume, bar.volume);
+    for (const Candle& candle : visible)
+        m_largestVolume = std::max(m_largestVolume, candle.volume);
     m_viewStale = false;
     return m_view;
 }

@@ -10,13 +10,13 @@
 /// A view and what a tick may change in its picture.
 struct QuotedView {
     ChartView view;
-    qint32 largestVolume = 1; ///< of the visible bars, at least 1
+    qint32 largestVolume = 1; ///< of the visible candles, at least 1
     double bid = 0.0;         ///< 0 where there is none
     double ask = 0.0;         ///< 0 where there is none
 };
 
-/// The bars of a chart, the quote on them and the part of them that is shown. Works the view out when it is
-/// asked for, not when something changes.
+/// The candles of a chart, the quote on them and the part of them that is shown. Works the view out when it
+/// is asked for, not when something changes.
 class ChartScene final {
 public:
     /// What stands at the right edge of a view.
@@ -25,11 +25,11 @@ public:
         double beyond = 0; ///< bars from there to the edge
     };
 
-    /// Replaces the series (see CandleSeries for bad bars); the view stays where it is.
+    /// Replaces the series (see CandleSeries for bad candles); the view stays where it is.
     void setCandles(std::vector<Candle> candles);
-    /// Takes a quote at `timeMs` (ms since the epoch) and follows the market to a new bar. A price of 0 means
-    /// that there is none: it takes the place of the last one, and the quote goes into no bar. Gives nothing
-    /// when no picture changes; prices that are no number or absurd are ignored.
+    /// Takes a quote at `timeMs` (ms since the epoch) and follows the market to a new candle. A price of 0
+    /// means that there is none: it takes the place of the last one, and the quote goes into no candle. Gives
+    /// nothing when no picture changes; prices that are no number or absurd are ignored.
     [[nodiscard]] std::optional<TickEffect> tick(double bid, double ask, qint64 timeMs);
     /// See CandleSeries::setTimeframeMs(). Tells whether it has changed.
     bool setTimeframeMs(qint64 ms);
@@ -38,7 +38,7 @@ public:
     void setPanes(int count);
 
     [[nodiscard]] const CandleSeries& series() const { return m_series; }
-    /// Counts changes other than ticks into the newest bar.
+    /// Counts changes other than ticks into the newest candle.
     [[nodiscard]] quint64 seriesRevision() const { return m_seriesRevision; }
     [[nodiscard]] double bid() const { return m_bid; } ///< 0 where there is none
     [[nodiscard]] double ask() const { return m_ask; } ///< 0 where there is none
@@ -46,10 +46,10 @@ public:
 
     /// The state that shows the newest bar and follows it.
     [[nodiscard]] ViewState atEnd() const;
-    /// Where the view stands; nothing while it follows the newest bar, or without bars.
+    /// Where the view stands; nothing while it follows the newest bar, or without candles.
     [[nodiscard]] std::optional<Place> place() const;
     /// The state that stands at a place of another reading of the same series: at the bar that its time lies
-    /// in, or at the end of the bars that is nearest.
+    /// in, or at the nearer end of the series.
     [[nodiscard]] ViewState at(const Place& place) const;
     [[nodiscard]] ViewState withAutoScroll(bool on) const;
     [[nodiscard]] ViewState withShift(bool on) const;
@@ -59,7 +59,7 @@ public:
     [[nodiscard]] QuotedView quotedView(const QSize& size) const;
     /// The view as it was last asked for; nothing when it is to be worked out anew.
     [[nodiscard]] std::optional<QuotedView> lastView() const;
-    /// The bar at a position in the plot of a view; nothing beside the plot or the bars.
+    /// The candle at a position in the plot of a view; nothing beside the plot or the candles.
     [[nodiscard]] std::optional<Candle> barAt(const ChartView& view, const QPoint& position) const;
 
 private:

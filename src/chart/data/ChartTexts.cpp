@@ -50,16 +50,17 @@ QString headerText(const QString& symbol, const QString& timeframeLabel, const Q
             formatPrice(last.high, digits), formatPrice(last.low, digits), formatPrice(last.close, digits));
 }
 
-QString crosshairText(const Candle& bar, int digits)
+QString crosshairText(const Candle& candle, int digits)
 {
     return Texts::tr("O: %1   H: %2   L: %3   C: %4")
-        .arg(formatPrice(bar.open, digits), formatPrice(bar.high, digits), formatPrice(bar.low, digits),
-            formatPrice(bar.close, digits));
+        .arg(formatPrice(candle.open, digits), formatPrice(candle.high, digits),
+            formatPrice(candle.low, digits), formatPrice(candle.close, digits));
 }
 
-QString hoverText(const Candle& bar, int digits)
+QString hoverText(const Candle& candle, int digits)
 {
     return Texts::tr("O: %1  H: %2  L: %3  C: %4  V: %5")
-        .arg(formatPrice(bar.open, digits), formatPrice(bar.high, digits), formatPrice(bar.low, digits),
-            formatPrice(bar.close, digits), QString::number(bar.volume));
+        .arg(formatPrice(candle.open, digits), formatPrice(candle.high, digits),
+            formatPrice(candle.low, digits), formatPrice(candle.close, digits),
+            QString::number(candle.volume));
 }

@@ -4,7 +4,7 @@
 
 #include <QString>
 
-/// A bar's time in UTC. Bars below a day: "HH:mm", with date "dd MMM HH:mm"; longer bars: "dd MMM yyyy"
+/// A bar's time in UTC. Timeframes below a day: "HH:mm", with date "dd MMM HH:mm"; longer ones: "dd MMM yyyy"
 /// always. Month names are English. Empty for times that no calendar holds.
 [[nodiscard]] QString barTimeText(qint64 timeMs, qint64 timeframeMs, bool withDate);
 
@@ -12,8 +12,8 @@
 [[nodiscard]] QString headerText(const QString& symbol, const QString& timeframeLabel,
     const QString& description, const Candle& last, int digits);
 
-/// Prices of the bar under the crosshair, as drawn in the plot.
-[[nodiscard]] QString crosshairText(const Candle& bar, int digits);
+/// Prices of the candle under the crosshair, as drawn in the plot.
+[[nodiscard]] QString crosshairText(const Candle& candle, int digits);
 
-/// Prices and volume of the bar under the pointer, as sent to the status bar.
-[[nodiscard]] QString hoverText(const Candle& bar, int digits);
+/// Prices and volume of the candle under the pointer, as sent to the status bar.
+[[nodiscard]] QString hoverText(const Candle& candle, int digits);

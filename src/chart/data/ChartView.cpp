@@ -44,13 +44,13 @@ BarRange visibleBars(double rightBarIndex, qsizetype count, int plotWidth, doubl
 
 } // namespace
 
-PriceRange paddedPriceRange(std::span<const Candle> bars, double followBid, double followAsk)
+PriceRange paddedPriceRange(std::span<const Candle> candles, double followBid, double followAsk)
 {
     double min = std::numeric_limits<double>::infinity();
     double max = -min;
-    for (const Candle& bar : bars) {
-        min = std::min(min, bar.low);
-        max = std::max(max, bar.high);
+    for (const Candle& candle : candles) {
+        min = std::min(min, candle.low);
+        max = std::max(max, candle.high);
     }
     if (followBid > 0.0) {
         min = std::min(min, followBid);

@@ -27,10 +27,11 @@ struct PriceRange {
     bool operator==(const PriceRange&) const = default;
 };
 
-/// The range that holds all `bars` and a margin below and above. While the view follows the market
+/// The range that holds all `candles` and a margin below and above. While the view follows the market
 /// (`followBid` above 0) it holds bid and ask as well, so that the live price lines stay in view. Without
-/// bars and prices it is 0..1 and the margin.
-[[nodiscard]] PriceRange paddedPriceRange(std::span<const Candle> bars, double followBid, double followAsk);
+/// candles and prices it is 0..1 and the margin.
+[[nodiscard]] PriceRange paddedPriceRange(
+    std::span<const Candle> candles, double followBid, double followAsk);
 
 /// The geometry of one chart picture: rectangles, and both directions of every mapping between bars,
 /// prices and pixels. An immutable value; any size, an empty series included, has a defined answer.
@@ -45,7 +46,7 @@ public:
         : ChartView(QSize(), ViewState(), 0, 0)
     {
     }
-    /// `size` of the widget in pixels; `count` bars in the series; `panes` lie below the plot.
+    /// `size` of the widget in pixels; `count` candles in the series; `panes` lie below the plot.
     ChartView(QSize size, const ViewState& state, qsizetype count, int panes);
 
     /// The same view with another vertical scale.

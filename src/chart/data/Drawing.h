@@ -7,7 +7,7 @@
 
 /// An anchor of a drawing.
 struct DrawingPoint {
-    qint64 time = 0; ///< bar open time, ms since the epoch, UTC
+    qint64 time = 0; ///< the first moment of a bar, ms since the epoch, UTC
     double price = 0.0;
 
     bool operator==(const DrawingPoint&) const = default;

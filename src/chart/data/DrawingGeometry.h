@@ -12,8 +12,8 @@
 #include <span>
 
 /// Where the drawings of one chart picture lie, for painting and for hit tests alike. Valid as long as the
-/// bars are. Drawings of an unknown kind, with too few points or with a price that cannot be drawn lie
-/// nowhere, and so does everything while there are no bars.
+/// candles are. Drawings of an unknown kind, with too few points or with a price that cannot be drawn lie
+/// nowhere, and so does everything while there are no candles.
 class DrawingGeometry final {
 public:
     /// How far from a line, in pixels, a press still means it.
@@ -32,10 +32,10 @@ public:
     /// `timeframeMs` is the length of a bar.
     DrawingGeometry(const ChartView& view, std::span<const Candle> candles, qint64 timeframeMs);
 
-    /// The pixel of a point: on the grid of the bars, also where no bar is loaded.
+    /// The pixel of a point: on the grid of the bars, also where no candle is loaded.
     [[nodiscard]] std::optional<QPoint> pixel(const DrawingPoint& point) const;
 
-    /// The point under a pixel, on the nearest loaded bar. Nothing without bars.
+    /// The point under a pixel, on the bar of the nearest loaded candle. Nothing without candles.
     [[nodiscard]] std::optional<DrawingPoint> anchor(const QPoint& pixel) const;
 
     [[nodiscard]] std::optional<Shape> shape(const Drawing& drawing) const;
@@ -46,7 +46,7 @@ public:
     [[nodiscard]] int row(double price) const { return m_view.pricePixel(price); }
 
     /// Whether a press at a pixel means the drawing. Only horizontal lines and trend lines can be meant: the
-    /// other kinds would take presses that are for the bars below them.
+    /// other kinds would take presses that are for the chart below them.
     [[nodiscard]] bool isHit(const Drawing& drawing, const QPoint& pixel) const;
     /// The topmost drawing that a press means, or -1.
     [[nodiscard]] qsizetype topmostHit(std::span<const Drawing> drawings, const QPoint& pixel) const;

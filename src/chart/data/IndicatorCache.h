@@ -7,9 +7,9 @@
 
 #include <list>
 
-/// The indicator values of one growing series. Settled bars are computed once; the newest bar, which ticks
-/// change, is computed anew from what was carried up to it. The values equal a computation of the whole
-/// series to the bit.
+/// The indicator values of one growing series. The values of settled candles are computed once; that of the
+/// newest, which ticks change, anew from what was carried up to it. The values equal a computation of the
+/// whole series to the bit.
 class IndicatorCache final {
 public:
     using Values = std::span<const double>;
@@ -18,11 +18,11 @@ public:
     void setAverages(const QList<MovingAverageSpec>& averages);
     /// Only the panes on show are computed.
     void setPanes(const QList<IndicatorPane>& panes);
-    /// Call after bars other than the newest have changed.
+    /// Call after candles other than the newest have changed.
     void forgetBars();
 
-    /// Brings all values up to the series, which may have grown and whose newest bar may have changed since
-    /// the last call. Spans that were handed out before end here.
+    /// Brings all values up to the series, which may have grown and whose newest candle may have changed
+    /// since the last call. Spans that were handed out before end here.
     void update(std::span<const Candle> candles);
 
     /// One for each average, in their order: a value a bar, NaN where there is none; empty when no bar has
@@ -42,7 +42,7 @@ private:
         }
 
         indicators::Recipe recipe;
-        IndicatorProgress settled; ///< without the newest bar
+        IndicatorProgress settled; ///< without the newest candle
         std::vector<double> values;
     };
     /// What was asked for together, in its order.

@@ -18,17 +18,17 @@ void extendSma(
 {
     const auto length = static_cast<double>(period);
     const auto count = static_cast<qsizetype>(candles.size());
-    const Candle* bar = candles.data();
+    const Candle* candle = candles.data();
     double* value = values.data();
     double sum = progress.first;
     qsizetype i = progress.bars;
     for (; i < std::min(period, count); ++i) {
-        sum += bar[i].close;
+        sum += candle[i].close;
         value[i] = i == period - 1 ? sum / length : none;
     }
     for (; i < count; ++i) {
-        sum += bar[i].close;
-        sum -= bar[i - period].close;
+        sum += candle[i].close;
+        sum -= candle[i - period].close;
         value[i] = sum / length;
     }
     progress = {i, sum, 0.0};
@@ -40,20 +40,20 @@ void extendEma(
 {
     const auto length = static_cast<double>(period);
     const auto count = static_cast<qsizetype>(candles.size());
-    const Candle* bar = candles.data();
+    const Candle* candle = candles.data();
     double* value = values.data();
     const double share = 2.0 / (length + 1.0);
     const double rest = 1.0 - share;
     double average = progress.first; // a sum until there are enough closes for a mean
     qsizetype i = progress.bars;
     for (; i < std::min(period, count); ++i) {
-        average += bar[i].close;
+        average += candle[i].close;
         if (i == period - 1)
             average /= length;
         value[i] = i == period - 1 ? average : none;
     }
     for (; i < count; ++i) {
-        average = share * bar[i].close + rest * average;
+        average = share * candle[i].close + rest * average;
         value[i] = average;
     }
     progress = {i, average, 0.0};
@@ -70,7 +70,7 @@ void extendRsi(
 {
     const auto length = static_cast<double>(period);
     const auto count = static_cast<qsizetype>(candles.size());
-    const Candle* bar = candles.data();
+    const Candle* candle = candles.data();
     double* value = values.data();
     double gains = progress.first;
     double losses = progress.second;
@@ -78,7 +78,7 @@ void extendRsi(
     if (i == 0 && count > 0)
         value[i++] = none; // nothing to compare with
     for (; i < std::min(period + 1, count); ++i) {
-        const double change = bar[i].close - bar[i - 1].close;
+        const double change = candle[i].close - candle[i - 1].close;
         if (change >= 0.0)
             gains += change;
         else
@@ -91,7 +91,7 @@ void extendRsi(
         }
     }
     for (; i < count; ++i) {
-        const double change = bar[i].close - bar[i - 1].close;
+        const double change = candle[i].close - candle[i - 1].close;
         gains = (gains * (length - 1.0) + std::max(change, 0.0)) / length;
         losses = (losses * (length - 1.0) + std::max(-change, 0.0)) / length;
         value[i] = rsi(gains, losses);

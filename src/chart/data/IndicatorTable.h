@@ -10,9 +10,9 @@
 #include <optional>
 #include <span>
 
-/// What a computation carries from one bar to the next.
+/// What a computation carries from one candle to the next.
 struct IndicatorProgress {
-    qsizetype bars = 0; ///< bars taken in so far
+    qsizetype bars = 0; ///< how many have their final values so far
     double first = 0.0; ///< the rest is the formula's own
     double second = 0.0;
 };
@@ -32,7 +32,7 @@ struct PaneStyle {
 
 /// All that the program knows about a kind of indicator.
 struct IndicatorRow {
-    /// Takes in the bars from `progress.bars` on and writes their values, NaN where there is none, to the
+    /// Takes in the candles from `progress.bars` on and writes their values, NaN where there is none, to the
     /// places of the same index. `values` is as long as `candles` at least, `period` at least 1.
     using Formula = void (*)(IndicatorProgress& progress, qsizetype period, std::span<const Candle> candles,
         std::span<double> values);
@@ -44,7 +44,7 @@ struct IndicatorRow {
     QLatin1StringView label; ///< on the chart, before the period
     QLatin1StringView icon;  ///< a drawing as mainwindow/Pictograms.h describes it
     qint32 usualPeriod;
-    qint32 barsBefore; ///< how many bars a value needs besides those of its period
+    qint32 barsBefore; ///< how many candles a value needs besides those of its period
     Formula formula;
     std::optional<PaneStyle> pane; ///< without one, it is drawn over the prices
 };

@@ -23,8 +23,8 @@ struct Recipe {
 /// Whether any of `count` bars has a value.
 [[nodiscard]] bool hasValues(const Recipe& recipe, qsizetype count);
 
-/// Takes in the bars from `progress.bars` on and writes their values to the places of the same index in
-/// `values`, which is at least as long as `candles`. However many bars each call takes in, the values are
+/// Takes in the candles from `progress.bars` on and writes their values to the places of the same index in
+/// `values`, which is at least as long as `candles`. However many candles each call takes in, the values are
 /// the same to the bit: all computations come through here.
 void extend(IndicatorProgress& progress, const Recipe& recipe, std::span<const Candle> candles,
     std::span<double> values);

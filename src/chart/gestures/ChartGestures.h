@@ -23,7 +23,7 @@ public:
         const ChartView& view;
         const ViewState& state;
         std::span<const Candle> candles;
-        qint64 timeframeMs; ///< length of a bar
+        qint64 timeframeMs; ///< length of a candle
         const QList<TradeLevel>& levels;
         std::span<const Drawing> drawings;
     };
@@ -43,7 +43,8 @@ public:
     [[nodiscard]] bool isDragging() const { return m_level.isActive() || m_ruler.isStretching(); }
     /// Level or ruler follow the pointer.
     void drag(const ChartView& view, const QPoint& position);
-    /// The view over `count` bars with the pointer at column `x`: the same unless the chart is in the hand.
+    /// The view over `count` candles with the pointer at column `x`: the same unless the chart is in the
+    /// hand.
     [[nodiscard]] ViewState panned(int x, const ViewState& state, qsizetype count) const;
     /// The button goes up. Gives what a dropped level asks for (see LevelDrag::drop()).
     [[nodiscard]] std::optional<LevelDrag::Drop> release(int digits);

@@ -16,8 +16,8 @@ public:
     /// The bars below the drag have other numbers now, so many higher.
     void renumber(double bars) { m_startIndex += bars; }
 
-    /// The view with the pointer dragged to column `x` over a series of `count` bars: stays between the
-    /// first and the last bar, and follows the market from the last bar on.
+    /// The view with the pointer dragged to column `x` over a series of `count` candles: stays between
+    /// the first and the last bar, and follows the market from the last bar on.
     [[nodiscard]] ViewState dragged(int x, ViewState state, qsizetype count) const;
 
     /// Bar width after one turn of the wheel; anything but an upward turn makes bars narrower.

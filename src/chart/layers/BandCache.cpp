@@ -106,7 +106,7 @@ void BandCache::paintKept(
             layerstack::paintGround(painter, frame);
         else
             copyPicture(painter, m_ground, content.scale, exposed);
-        return layerstack::paintBars(painter, frame);
+        return layerstack::paintSeries(painter, frame);
     }
     if ((same || !isWhole(frame, exposed)) && m_picture.isNull()) {
         m_picture = pictureOf(frame, content.scale, &layerstack::paintKept);

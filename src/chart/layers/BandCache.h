@@ -17,9 +17,9 @@ struct ChartFrame;
 /// Paints frames, keeping the layers that change rarely as a picture in device pixels. The picture is used
 /// while everything that it shows stays equal, so nobody has to announce a change. A frame that differs from
 /// the one before is painted straight (panning changes every frame, and a picture would only be copied once);
-/// the picture is made when the same content is asked for again. While ticks make the newest bar the largest
-/// volume, the scale of all volumes changes with each of them: then the bars are painted over a picture of
-/// what lies below them.
+/// the picture is made when the same content is asked for again. While ticks make the newest candle the
+/// largest volume, the scale of all volumes changes with each of them: then the series is painted over a
+/// picture of what lies below them.
 class BandCache final {
 public:
     /// Paints what of the frame lies in `exposed`, in the frame's coordinates; the painter must be clipped to
@@ -27,7 +27,7 @@ public:
     /// begin anew at a clip edge.
     void paint(QPainter& painter, const ChartFrame& frame, const QRegion& exposed);
 
-    /// How often bars other than the newest were painted; what the speed of a chart depends on.
+    /// How often candles other than the newest were painted; what the speed of a chart depends on.
     [[nodiscard]] quint64 seriesPaints() const { return m_seriesPaints; }
 
 private:
@@ -52,7 +52,7 @@ private:
         QPainter& painter, const ChartFrame& frame, const Content& content, const QRegion& exposed);
 
     std::optional<Content> m_content; ///< of the last frame, and of the pictures when there are any
-    QPixmap m_picture;                ///< the kept layers without the newest bar
-    QPixmap m_ground;                 ///< the kept layers without any bar
+    QPixmap m_picture;                ///< the kept layers without the newest candle
+    QPixmap m_ground;                 ///< the kept layers without any candle
     quint64 m_seriesPaints = 0;
 };

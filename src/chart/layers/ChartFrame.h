@@ -24,8 +24,8 @@ struct ChartFrame : ChartLook {
     std::span<const Candle> candles; ///< the whole series; layers walk `bars` only
     BarRange bars;                   ///< the bars to paint, within the visible ones
     qsizetype liveBar = -1;          ///< the newest bar when it is visible, else -1
-    quint64 seriesRevision = 0;      ///< differs when a bar other than the newest has changed
-    qint32 largestVolume = 1;        ///< of the visible bars, at least 1
+    quint64 seriesRevision = 0;      ///< differs when a candle other than the newest has changed
+    qint32 largestVolume = 1;        ///< of the visible candles, at least 1
 
     qint64 timeframeMs = 0;
 
@@ -55,7 +55,7 @@ struct ChartFrame : ChartLook {
     QRegion exposed;              ///< what of the picture is asked for
     TextPainter* texts = nullptr; ///< never null while painting
 
-    [[nodiscard]] const Candle& bar(qsizetype index) const
+    [[nodiscard]] const Candle& candle(qsizetype index) const
     {
         return candles[static_cast<std::size_t>(index)];
     }
@@ -64,7 +64,7 @@ struct ChartFrame : ChartLook {
 class ChartGestures;
 class ChartScene;
 
-/// A frame of this size of what the bars, the settings and the gestures say. Indicator values, drawings,
+/// A frame of this size of what the candles, the settings and the gestures say. Indicator values, drawings,
 /// levels and the pointer are not in it yet.
 [[nodiscard]] ChartFrame frameOf(
     const ChartScene& scene, const QSize& size, const ChartLook& look, const ChartGestures& gestures);

@@ -34,8 +34,8 @@ void layers::paintCrosshair(QPainter& painter, const ChartFrame& frame)
     const qsizetype index = view.barAt(x);
     if (index < 0 || index >= view.count())
         return;
-    const Candle& bar = frame.bar(index);
-    paintTag(painter, frame, crosshair::timeTag(view, x), barTimeText(bar.time, frame.timeframeMs, true));
-    frame.texts->draw(painter, crosshair::priceLine(view), Qt::AlignLeft, crosshairText(bar, frame.digits),
+    const Candle& candle = frame.candle(index);
+    paintTag(painter, frame, crosshair::timeTag(view, x), barTimeText(candle.time, frame.timeframeMs, true));
+    frame.texts->draw(painter, crosshair::priceLine(view), Qt::AlignLeft, crosshairText(candle, frame.digits),
         frame.colors.axis);
 }

@@ -10,7 +10,7 @@ namespace crosshair {
 
 /// The time tag below the pointer.
 [[nodiscard]] QRect timeTag(const ChartView& view, int x);
-/// The line with the prices of the bar under the pointer.
+/// The line with the prices of the candle under the pointer.
 [[nodiscard]] QRect priceLine(const ChartView& view);
 
 /// All that the crosshair of a pointer in the plot covers: what a move of the pointer changes.

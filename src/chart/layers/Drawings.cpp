@@ -17,7 +17,7 @@ constexpr int selectedWidth = 2;
 constexpr int textReach = 1000;
 
 /// Everything stays within the plot, except the texts beside a retracement: they would be lost with an
-/// drawing that ends at the newest bar.
+/// drawing that ends at the newest candle.
 class Artist {
 public:
     Artist(QPainter& painter, const ChartFrame& frame)

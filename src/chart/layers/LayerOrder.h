@@ -37,9 +37,9 @@ enum class Band {
 struct LayerEntry {
     Layer layer;
     Band band;
-    /// For a kept layer that shows the newest bar: how many of the newest bars are painted anew over the
-    /// kept picture, which holds none of the newest bar. More than one where a neighbour could have been
-    /// covered by the same bar of an earlier layer.
+    /// For a kept layer that shows the series: at how many of the newest bars it is painted anew over the
+    /// kept picture, which holds nothing of the newest candle. More than one where an earlier layer, painted
+    /// anew, may cover what this one shows at neighbouring bars.
     int liveBars;
     void (*paint)(QPainter&, const ChartFrame&);
 };

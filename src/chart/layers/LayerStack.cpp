@@ -61,7 +61,7 @@ void layerstack::paintGround(QPainter& painter, const ChartFrame& frame)
     }
 }
 
-void layerstack::paintBars(QPainter& painter, const ChartFrame& frame)
+void layerstack::paintSeries(QPainter& painter, const ChartFrame& frame)
 {
     for (const LayerEntry& entry : layerOrder) {
         if (entry.liveBars > 0 && isPainted(entry, frame))

@@ -4,7 +4,7 @@ class QPainter;
 struct ChartFrame;
 
 /// One function per layer of the chart, each in its own file. A layer reads the frame only and leaves pen,
-/// brush and font as it likes; those that walk bars paint those of ChartFrame::bars. What lies outside
+/// brush and font as it likes; those that show the series show it at ChartFrame::bars. What lies outside
 /// ChartFrame::exposed may be left out.
 namespace layers {
 

@@ -11,7 +11,7 @@ void layers::paintMovingAverages(QPainter& painter, const ChartFrame& frame)
     BarRange bars = frame.bars;
     for (std::size_t i = 0; i < frame.averageValues.size(); ++i) {
         const QColor& color = frame.averages.at(static_cast<qsizetype>(i)).color;
-        // An average may be far from the prices of the bars in view; the axes stay readable.
+        // An average may be far from the prices in view; the axes stay readable.
         curve::join(painter, view, frame.averageValues[i], bars, row, view.plot(), frame.exposed, color);
         // Where only the newest bars are painted, each average begins one bar before the one that it
         // covers, whose first pixels would else lie over its older part.

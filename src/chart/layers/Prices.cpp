@@ -18,7 +18,7 @@ void paintLine(QPainter& painter, const ChartFrame& frame)
     QVarLengthArray<QLineF, 512> segments;
     QPointF from;
     for (qsizetype i = frame.bars.first; i <= frame.bars.last; ++i) {
-        const QPointF to(frame.view.barPixel(i), frame.view.pricePixel(frame.bar(i).close));
+        const QPointF to(frame.view.barPixel(i), frame.view.pricePixel(frame.candle(i).close));
         if (i > frame.bars.first)
             segments.append(QLineF(from, to));
         from = to;
@@ -35,11 +35,11 @@ void paintBars(QPainter& painter, const ChartFrame& frame)
         const int x = view.barPixel(i);
         if (x + tick < view.plot().left())
             continue;
-        const Candle& bar = frame.bar(i);
-        const QColor& color = bar.close < bar.open ? frame.colors.down : frame.colors.up;
-        strokes::down(painter, x, view.pricePixel(bar.high), view.pricePixel(bar.low), color);
-        strokes::across(painter, x - tick, x, view.pricePixel(bar.open), color);
-        strokes::across(painter, x, x + tick, view.pricePixel(bar.close), color);
+        const Candle& candle = frame.candle(i);
+        const QColor& color = candle.close < candle.open ? frame.colors.down : frame.colors.up;
+        strokes::down(painter, x, view.pricePixel(candle.high), view.pricePixel(candle.low), color);
+        strokes::across(painter, x - tick, x, view.pricePixel(candle.open), color);
+        strokes::across(painter, x, x + tick, view.pricePixel(candle.close), color);
     }
 }
 
@@ -53,12 +53,12 @@ void paintCandles(QPainter& painter, const ChartFrame& frame)
         const int x = view.barPixel(i);
         if (x + half < view.plot().left())
             continue;
-        const Candle& bar = frame.bar(i);
-        const bool rising = bar.close >= bar.open;
+        const Candle& candle = frame.candle(i);
+        const bool rising = candle.close >= candle.open;
         const QColor& color = rising ? frame.colors.up : frame.colors.down;
-        strokes::down(painter, x, view.pricePixel(bar.high), view.pricePixel(bar.low), color);
-        const int open = view.pricePixel(bar.open);
-        const int close = view.pricePixel(bar.close);
+        strokes::down(painter, x, view.pricePixel(candle.high), view.pricePixel(candle.low), color);
+        const int open = view.pricePixel(candle.open);
+        const int close = view.pricePixel(candle.close);
         if (!hasBody) {
             painter.fillRect(x - half, close, width, 1, color);
             continue;

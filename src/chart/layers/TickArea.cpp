@@ -13,7 +13,7 @@ constexpr int volumeShare = 5;
 
 } // namespace
 
-QRect tickarea::newestBar(const ChartView& view)
+QRect tickarea::newestCandle(const ChartView& view)
 {
     const QRect& plot = view.plot();
     // From the bar before, where the line of closes begins, and its whole width.
@@ -27,7 +27,7 @@ QRect tickarea::quoteLine(const ChartView& view, double price)
     return {view.plot().left(), view.pricePixel(price), view.plot().width(), 1};
 }
 
-QRect tickarea::barTexts(const ChartView& view)
+QRect tickarea::candleTexts(const ChartView& view)
 {
     return {view.plot().left(), view.plot().top(), view.plot().width(), textRows};
 }
@@ -48,8 +48,8 @@ std::optional<QRegion> tickarea::changed(const QuotedView& before, const QuotedV
 {
     if (!(before.view == after.view))
         return std::nullopt;
-    QRegion area = newestBar(after.view);
-    area += barTexts(after.view);
+    QRegion area = newestCandle(after.view);
+    area += candleTexts(after.view);
     for (const double price : {before.bid, before.ask, after.bid, after.ask})
         area += quoteLine(after.view, price);
     if (before.largestVolume != after.largestVolume)

@@ -7,16 +7,16 @@
 class ChartView;
 struct QuotedView;
 
-/// What a tick into the newest bar changes while the scales stay as they are.
+/// What a tick into the newest candle changes while the scales stay as they are.
 namespace tickarea {
 
-/// The newest bar and the price axis beside it, with all tags.
-[[nodiscard]] QRect newestBar(const ChartView& view);
+/// The newest candle and the price axis beside it, with all tags.
+[[nodiscard]] QRect newestCandle(const ChartView& view);
 /// The line of a bid or ask at `price`.
 [[nodiscard]] QRect quoteLine(const ChartView& view, double price);
-/// The texts at the top that tell the newest bar's prices.
-[[nodiscard]] QRect barTexts(const ChartView& view);
-/// The bars of the volume histogram, which change together when its scale does.
+/// The texts at the top that tell the newest candle's prices.
+[[nodiscard]] QRect candleTexts(const ChartView& view);
+/// The columns of the volume histogram, which change together when its scale does.
 [[nodiscard]] QRect volumes(const ChartView& view);
 /// A pane by its number, for those whose scale follows their values.
 [[nodiscard]] QRect pane(const ChartView& view, int number);

@@ -21,6 +21,6 @@ void layers::paintTimeGrid(QPainter& painter, const ChartFrame& frame)
         painter.setPen(pen);
         painter.drawLine(x, plot.top(), x, plot.bottom());
         frame.texts->draw(painter, QRect(x - 44, view.timeAxisEdge() + 3, 88, 18), Qt::AlignHCenter,
-            barTimeText(frame.bar(i).time, frame.timeframeMs, false), frame.colors.axis);
+            barTimeText(frame.candle(i).time, frame.timeframeMs, false), frame.colors.axis);
     }
 }

@@ -15,7 +15,7 @@ void layers::paintVolume(QPainter& painter, const ChartFrame& frame)
         const int x = view.barPixel(i);
         if (x + width < plot.left())
             continue;
-        const double share = static_cast<double>(frame.bar(i).volume) / frame.largestVolume;
+        const double share = static_cast<double>(frame.candle(i).volume) / frame.largestVolume;
         const auto height = static_cast<int>(share * tallest);
         if (height > 0)
             painter.fillRect(x - width / 2, plot.bottom() - height, width, height, frame.colors.volume);

@@ -8,24 +8,25 @@
 /// What folding a tick changed.
 enum class TickEffect {
     Nothing,  ///< late or unusable tick, or one that lacks a price
-    LastBar,  ///< the newest bar took the tick in
-    Appended, ///< a new bar was begun
+    LastBar,  ///< the newest candle took the tick in
+    Appended, ///< a new candle was begun
 };
 
-/// One symbol's bars of one length, oldest first, with strictly ascending times.
+/// One symbol's candles of one timeframe, oldest first, with strictly ascending times.
 class CandleSeries final {
 public:
-    /// Replaces all bars. Bars with a price that is no number or beyond 1e15 are left out, negative volumes
-    /// count as 0, bars out of order are sorted by time, and of bars with equal time the last given stays.
+    /// Replaces all candles. Those with a price that is no number or beyond 1e15 are left out, negative
+    /// volumes count as 0, candles out of order are sorted by time, and of several with equal time the last
+    /// stays.
     void setCandles(std::vector<Candle> candles);
 
-    /// Length of the bars that ticks build, in ms; anything below 1 becomes `defaultTimeframeMs`.
+    /// Length in ms of the candles that ticks build; anything below 1 becomes `defaultTimeframeMs`.
     void setTimeframeMs(qint64 ms);
     [[nodiscard]] qint64 timeframeMs() const { return m_timeframeMs; }
 
-    /// Takes a tick at `timeMs` (ms since the epoch) into the bar of its time, at the middle of bid and ask.
-    /// A tick for an older bar, or with a price that is 0 (there is none), no number or beyond 1e15, changes
-    /// nothing.
+    /// Takes a tick at `timeMs` (ms since the epoch) into the candle of its time, at the middle of bid
+    /// and ask. A tick for an older candle, or with a price that is 0 (there is none), no number or beyond
+    /// 1e15, changes nothing.
     TickEffect foldTick(double bid, double ask, qint64 timeMs);
 
     [[nodiscard]] const std::vector<Candle>& candles() const { return m_candles; }

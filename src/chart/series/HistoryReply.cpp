@@ -118,16 +118,10 @@ HistoryReply HistoryReply::read(const QJsonDocument& document, const CandleRule&
     reply.candles.reserve(static_cast<std::size_t>(rows.size()));
     for (const QJsonValue row : rows) {
         const QJsonObject fields = row.toObject();
-        const qint64 time = isoTimeMs(candle::time(fields));
-        Candle bar;
-        bar.time = time;
-        bar.open = candle::open(fields);
-        bar.high = candle::high(fields);
-        bar.low = candle::low(fields);
-        bar.close = candle::close(fields);
-        bar.volume = tickVolume(candle::volume(fields));
-        if (isSound(bar, rule))
-            reply.candles.push_back(bar);
+        const Candle reading{isoTimeMs(candle::time(fields)), candle::open(fields), candle::high(fields),
+            candle::low(fields), candle::close(fields), tickVolume(candle::volume(fields))};
+        if (isSound(reading, rule))
+            reply.candles.push_back(reading);
     }
     return reply;
 }

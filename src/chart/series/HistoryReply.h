@@ -34,6 +34,6 @@ struct HistoryReply {
 [[nodiscard]] bool hasPrices(const Candle& candle, int digits);
 
 /// Whether a candle read from a reply, where 0 stands for what could not be read, has a time after the epoch
-/// and no more than a day ahead of now, and four prices. A later one would be the newest bar for ever, before
-/// which no tick counts.
+/// and no more than a day ahead of now, and four prices. A later one would be the newest candle for
+/// ever, and no tick of an earlier time counts.
 [[nodiscard]] bool isSound(const Candle& candle, const CandleRule& rule);

@@ -3,13 +3,13 @@
 #include <QString>
 #include <QStringList>
 
-/// Bar length of an unknown timeframe key and of a chart that was told none: 15 minutes, in ms.
+/// The length of an unknown timeframe key and of a chart that was told none: 15 minutes, in ms.
 inline constexpr qint64 defaultTimeframeMs = 900'000;
 
-/// Bars of a day and longer show their date instead of a time of day.
+/// Candles of a day and longer show their date instead of a time of day.
 inline constexpr qint64 dayMs = 86'400'000;
 
-/// Bar length in ms of a key such as "15m"; an unknown key gives `defaultTimeframeMs`. A month is a plain
+/// The length in ms of a key such as "15m"; an unknown key gives `defaultTimeframeMs`. A month is a plain
 /// bucket of 30 days, not a calendar month.
 [[nodiscard]] qint64 timeframeMs(const QString& key);
 

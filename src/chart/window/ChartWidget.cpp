@@ -47,7 +47,7 @@ void ChartWidget::setCandles(std::vector<Candle> candles)
     // A refresh moves the prices away from below the pointer.
     m_gestures.cancelLevel();
     updateCursor();
-    replaceBars(std::move(candles));
+    replaceCandles(std::move(candles));
     scrollToEnd();
 }
 
@@ -57,12 +57,12 @@ void ChartWidget::renewCandles(std::vector<Candle> candles)
         return setCandles({});
     const std::optional<ChartScene::Place> place = m_scene.place();
     const double before = rightBarIndex();
-    replaceBars(std::move(candles));
+    replaceCandles(std::move(candles));
     applyView(place ? m_scene.at(*place) : m_scene.atEnd());
     m_gestures.renumberBars(rightBarIndex() - before);
 }
 
-void ChartWidget::replaceBars(std::vector<Candle> candles)
+void ChartWidget::replaceCandles(std::vector<Candle> candles)
 {
     m_scene.setCandles(std::move(candles));
     m_indicators.forgetBars();
@@ -326,8 +326,8 @@ void ChartWidget::mouseMoveEvent(QMouseEvent* event)
     applyView(m_gestures.panned(position.x(), m_scene.state(), m_scene.series().count()));
     dragGesture(position);
     movePointer(position);
-    if (const std::optional<Candle> bar = hoveredBar())
-        Q_EMIT crosshairMoved(hoverText(*bar, digits()));
+    if (const std::optional<Candle> candle = hoveredBar())
+        Q_EMIT crosshairMoved(hoverText(*candle, digits()));
 }
 
 void ChartWidget::mouseReleaseEvent(QMouseEvent* event)

@@ -30,14 +30,14 @@ public:
     explicit ChartWidget(QWidget* parent = nullptr);
     ~ChartWidget() override;
 
-    /// Replaces the series (see CandleSeries for bad bars), goes to its end and follows it.
+    /// Replaces the series (see CandleSeries for bad candles), goes to its end and follows it.
     void setCandles(std::vector<Candle> candles);
     /// Replaces the series by a later reading of the same one. A view that follows the market goes to the
-    /// end; any other keeps its bars in their places, and whatever is in the hand stays there. No bars at all
-    /// are as with setCandles().
+    /// end; any other keeps its candles in their places, and whatever is in the hand stays there. No candles
+    /// at all are as with setCandles().
     void renewCandles(std::vector<Candle> candles);
     [[nodiscard]] const std::vector<Candle>& candles() const { return m_scene.series().candles(); }
-    /// Changes whenever a bar other than the newest does, and when bars come or go.
+    /// Changes whenever a candle other than the newest does, and when candles come or go.
     [[nodiscard]] quint64 seriesRevision() const { return m_scene.seriesRevision(); }
 
     /// A price update at `timeMs` (ms since the epoch); see ChartScene::tick() for prices that are missing.
@@ -45,7 +45,7 @@ public:
     [[nodiscard]] double bid() const { return m_scene.bid(); } ///< 0 where there is none
     [[nodiscard]] double ask() const { return m_scene.ask(); } ///< 0 where there is none
 
-    /// Length in ms of the bars that ticks build; below 1 means 15 minutes.
+    /// Length in ms of the candles that ticks build; below 1 means 15 minutes.
     void setTimeframeMs(qint64 ms);
     [[nodiscard]] qint64 timeframeMs() const { return m_scene.series().timeframeMs(); }
 
@@ -109,21 +109,21 @@ public:
     void setTradeLevels(const QList<TradeLevel>& levels);
     [[nodiscard]] const QList<TradeLevel>& tradeLevels() const { return m_levels; }
 
-    /// The bar under the pointer; nothing while the pointer is outside the plot or beside the bars.
+    /// The candle under the pointer; nothing while the pointer is outside the plot or beside the candles.
     [[nodiscard]] std::optional<Candle> hoveredBar() const;
 
     /// The geometry that the next paint uses.
     [[nodiscard]] const ChartView& view() const { return m_scene.view(size()); }
     /// The snapshot that the next paint shows; valid until the widget changes.
     [[nodiscard]] ChartFrame frame() const;
-    /// How often bars other than the newest were painted so far.
+    /// How often candles other than the newest were painted so far.
     [[nodiscard]] quint64 seriesPaints() const { return m_bands.seriesPaints(); }
     /// How many indicator values were computed so far.
     [[nodiscard]] quint64 indicatorValues() const { return m_indicators.computed(); }
 
 Q_SIGNALS:
     void autoScrollChanged(bool on);
-    /// Prices of the bar under the pointer as text; empty when the pointer has left.
+    /// Prices of the candle under the pointer as text; empty when the pointer has left.
     void crosshairMoved(const QString& ohlc);
     /// Chart type, shift, scrolling, indicators, tool or ruler have changed: what menus show of a chart.
     void settingsChanged();
@@ -145,9 +145,9 @@ protected:
     void hideEvent(QHideEvent* event) override;
 
 private:
-    /// What of the panes a tick changes besides the newest bar.
+    /// What of the panes a tick changes besides the newest candle.
     [[nodiscard]] QRegion panesOfTick() const;
-    void replaceBars(std::vector<Candle> candles);
+    void replaceCandles(std::vector<Candle> candles);
     void applyView(const ViewState& state);
     void movePointer(const QPoint& position);
     void take(const ChartGestures::Press& press, const QRegion& shownBefore);

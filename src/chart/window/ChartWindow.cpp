@@ -251,18 +251,18 @@ void ChartWindow::setSymbolInfo(int digits, const QString& description)
     m_chart->setDigits(digits);
     m_expert->setDigits(digits);
     if (newDecimals)
-        dropBarsWithoutPrices();
+        dropCandlesWithoutPrices();
     labelChart();
     showQuote();
 }
 
-void ChartWindow::dropBarsWithoutPrices()
+void ChartWindow::dropCandlesWithoutPrices()
 {
     const auto lacksPrices = [this](const Candle& candle) { return !hasPrices(candle, m_digits); };
-    const std::vector<Candle>& bars = m_chart->candles();
-    if (std::none_of(bars.begin(), bars.end(), lacksPrices))
+    const std::vector<Candle>& candles = m_chart->candles();
+    if (std::none_of(candles.begin(), candles.end(), lacksPrices))
         return;
-    std::vector<Candle> kept = bars;
+    std::vector<Candle> kept = candles;
     std::erase_if(kept, lacksPrices);
     m_chart->renewCandles(std::move(kept));
 }

@@ -61,7 +61,7 @@ public:
     void restoreState(const QJsonObject& state);
 
     /// A live quote of this chart's symbol. Times are local ones: the feed carries none. A price that is 0 is
-    /// shown, but goes into no bar.
+    /// shown, but goes into no candle.
     void onQuote(const Quote& quote);
 
     /// What a window of its own is given, such as one of a cascade.
@@ -115,7 +115,7 @@ public Q_SLOTS:
     void setChartType(int type);
     void setAutoScroll(bool on);
     void setChartShift(bool on);
-    /// The window with the prices of the bar under the pointer; one for each chart.
+    /// The window with the prices of the candle under the pointer; one for each chart.
     void showDataWindow();
     /// The dialog for the chart's colours; they change when it is accepted.
     void showProperties();
@@ -146,8 +146,8 @@ private:
     void requestHistory();
     void onHistory(const QByteArray& body, const QString& error);
     void takeHistory(std::vector<Candle> candles, bool toEnd);
-    /// Bars that were read when the symbol's decimals were not known, or others.
-    void dropBarsWithoutPrices();
+    /// They were read before the symbol's decimals were known, or with others.
+    void dropCandlesWithoutPrices();
     void connectExpert();
     void labelChart();
     /// Names the averages beside the panel while it covers their corner.

@@ -57,13 +57,13 @@ void DataWindow::follow()
 
 QString DataWindow::text(const Shown& shown) const
 {
-    if (!shown.bar)
+    if (!shown.candle)
         return tr("Hover over the chart...");
-    const Candle& bar = *shown.bar;
-    const QDateTime time = utcTime(bar.time);
+    const Candle& candle = *shown.candle;
+    const QDateTime time = utcTime(candle.time);
     return tr("<b>%1</b><br>Date: %2<br>Open: %3<br>High: %4<br>Low: %5<br>Close: %6<br>Volume: %7")
         .arg(shownName(m_symbol).toHtmlEscaped(), time.toString(u"yyyy.MM.dd HH:mm"_s),
-            formatPrice(bar.open, shown.digits), formatPrice(bar.high, shown.digits),
-            formatPrice(bar.low, shown.digits), formatPrice(bar.close, shown.digits),
-            QString::number(bar.volume));
+            formatPrice(candle.open, shown.digits), formatPrice(candle.high, shown.digits),
+            formatPrice(candle.low, shown.digits), formatPrice(candle.close, shown.digits),
+            QString::number(candle.volume));
 }

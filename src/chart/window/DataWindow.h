@@ -10,7 +10,7 @@
 class ChartWidget;
 class QLabel;
 
-/// A small window on top of the others that shows the bar under the pointer of one chart. It follows the
+/// A small window on top of the others that shows the candle under the pointer of one chart. It follows the
 /// chart only while it can be seen.
 class DataWindow final : public QWidget {
     Q_OBJECT
@@ -27,7 +27,7 @@ protected:
 
 private:
     struct Shown {
-        std::optional<Candle> bar;
+        std::optional<Candle> candle;
         int digits = 0;
 
         bool operator==(const Shown&) const = default;
