@@ -28,7 +28,7 @@ Values exponential(const std::vector<Candle>& candles)
     return indicators::movingAverage(candles, {IndicatorKind::Ema, 50, {}});
 }
 
-Values strength(const std::vector<Candle>& candles)
+Values rsi(const std::vector<Candle>& candles)
 {
     return indicators::rsi(candles, 14);
 }
@@ -43,9 +43,9 @@ Values plainExponential(const std::vector<Candle>& candles)
     return plain::exponential(candles, 50);
 }
 
-Values plainStrength(const std::vector<Candle>& candles)
+Values plainRsi(const std::vector<Candle>& candles)
 {
-    return plain::strength(candles, 14);
+    return plain::rsi(candles, 14);
 }
 
 /// The largest relative difference; infinite where only one of both has a value.
@@ -74,7 +74,7 @@ BENCHMARK_CAPTURE(overAMillion, plain_simple, plainSimple, simple)->Name("indica
 BENCHMARK_CAPTURE(overAMillion, exponential, exponential, plainExponential)->Name("indicators/exponential");
 BENCHMARK_CAPTURE(overAMillion, plain_exponential, plainExponential, exponential)
     ->Name("indicators/plain_exponential");
-BENCHMARK_CAPTURE(overAMillion, strength, strength, plainStrength)->Name("indicators/strength");
-BENCHMARK_CAPTURE(overAMillion, plain_strength, plainStrength, strength)->Name("indicators/plain_strength");
+BENCHMARK_CAPTURE(overAMillion, rsi, rsi, plainRsi)->Name("indicators/rsi");
+BENCHMARK_CAPTURE(overAMillion, plain_rsi, plainRsi, rsi)->Name("indicators/plain_rsi");
 
 } // namespace

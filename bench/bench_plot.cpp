@@ -44,7 +44,7 @@ public:
         m_plot.plotLayout()->addElement(1, 0, m_pane);
         m_plot.plotLayout()->setRowStretchFactor(1, 0.17);
         m_pane->axis(QCPAxis::atLeft)->setRange(0, 100);
-        addLine(m_pane->axis(QCPAxis::atBottom), m_pane->axis(QCPAxis::atLeft), plain::strength(m_series, 14),
+        addLine(m_pane->axis(QCPAxis::atBottom), m_pane->axis(QCPAxis::atLeft), plain::rsi(m_series, 14),
             QColor(0xc7, 0x92, 0xea));
         m_plot.addLayer(QStringLiteral("crosshair"), nullptr, QCustomPlot::limAbove);
         QCPLayer* layer = m_plot.layer(QStringLiteral("crosshair"));

@@ -23,7 +23,7 @@ ROWS = [
     ("pan frame, pixel ratio 2 / 1", "ratio2:live/pan_7px", "ratio1:live/pan_7px", 4.0),
     ("SMA over 1 000 000 closes / plain loop", "indicators/simple", "indicators/plain_simple", 1.3),
     ("EMA over 1 000 000 closes / plain loop", "indicators/exponential", "indicators/plain_exponential", 1.3),
-    ("RSI over 1 000 000 closes / plain loop", "indicators/strength", "indicators/plain_strength", 1.3),
+    ("RSI over 1 000 000 closes / plain loop", "indicators/rsi", "indicators/plain_rsi", 1.3),
     ("1 000 000 candles, bytes to painted / PARSE", "history/painted", "history/parse", 1.6),
     ("snapshot of 500, 20 % moved / PARSE", "snapshot/500_moved_100", "snapshot/parse_500", 2.5),
     ("snapshot of 500, prices as strings / PARSE", "snapshot/500_strings_moved_100",

@@ -54,7 +54,7 @@ FloorChart::FloorChart(QSize size, std::vector<Candle> candles, double barWidth)
     , m_pane(0, size.height() - 22 - paneHeight, size.width() - 68, paneHeight)
     , m_averages{plain::simple(m_candles, 20), plain::exponential(m_candles, 50),
           plain::simple(m_candles, 100)}
-    , m_strength(plain::strength(m_candles, 14))
+    , m_rsi(plain::rsi(m_candles, 14))
 {
 }
 
@@ -95,7 +95,7 @@ void FloorChart::paint()
     paintBars(painter);
     paintAverages(painter);
     paintOverlays(painter);
-    paintStrength(painter);
+    paintRsi(painter);
 }
 
 void FloorChart::paintGrid(QPainter& painter)
@@ -164,7 +164,7 @@ void FloorChart::paintAverages(QPainter& painter)
     }
 }
 
-void FloorChart::paintStrength(QPainter& painter)
+void FloorChart::paintRsi(QPainter& painter)
 {
     painter.fillRect(m_pane, QColor(0x0a, 0x0a, 0x0a));
     painter.setPen(grid);
@@ -181,7 +181,7 @@ void FloorChart::paintStrength(QPainter& painter)
     }
     QPolygon line;
     for (qsizetype bar = m_first; bar <= m_last; ++bar) {
-        const double value = m_strength[static_cast<std::size_t>(bar)];
+        const double value = m_rsi[static_cast<std::size_t>(bar)];
         if (!std::isnan(value))
             line.append(QPoint(x(bar), row(value)));
     }

@@ -27,7 +27,7 @@ private:
     void paintGrid(QPainter& painter);
     void paintBars(QPainter& painter);
     void paintAverages(QPainter& painter);
-    void paintStrength(QPainter& painter);
+    void paintRsi(QPainter& painter);
     void paintOverlays(QPainter& painter);
     [[nodiscard]] int x(qsizetype index) const;
     [[nodiscard]] int y(double price) const;
@@ -40,7 +40,7 @@ private:
     QRect m_plot;
     QRect m_pane;
     std::array<std::vector<double>, 3> m_averages;
-    std::vector<double> m_strength;
+    std::vector<double> m_rsi;
     qsizetype m_first = 0;
     qsizetype m_last = 0;
     double m_min = 0.0;

@@ -41,7 +41,7 @@ std::vector<double> plain::exponential(const std::vector<Candle>& candles, std::
     return values;
 }
 
-std::vector<double> plain::strength(const std::vector<Candle>& candles, std::size_t period)
+std::vector<double> plain::rsi(const std::vector<Candle>& candles, std::size_t period)
 {
     std::vector<double> values(candles.size(), none);
     if (candles.size() <= period)

@@ -10,6 +10,6 @@ namespace plain {
 
 [[nodiscard]] std::vector<double> simple(const std::vector<Candle>& candles, std::size_t period);
 [[nodiscard]] std::vector<double> exponential(const std::vector<Candle>& candles, std::size_t period);
-[[nodiscard]] std::vector<double> strength(const std::vector<Candle>& candles, std::size_t period);
+[[nodiscard]] std::vector<double> rsi(const std::vector<Candle>& candles, std::size_t period);
 
 } // namespace plain

@@ -57,7 +57,7 @@ private Q_SLOTS:
         QCOMPARE(said[4], u"closeAll"_s);
     }
 
-    void theReversalOfStrengthTradesBackAndForth()
+    void theRsiReversalTradesBackAndForth()
     {
         trade(u"RSI_Reversal.js"_s);
         const QStringList said = lines();

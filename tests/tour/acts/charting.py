@@ -144,11 +144,11 @@ def add_indicators(stage):
     both = stage.wait(lambda: chart.count(paint.FIRST_AVERAGE) > 50 and chart.count(paint.SECOND_AVERAGE) > 50)
     stage.seen("two-averages", both, "two averages, the second by a double-click in the Navigator")
     stage.choose("Insert", "Indicators", "Relative Strength Index")
-    stage.seen("strength", stage.wait(lambda: chart.count(paint.STRENGTH) > 50), "RSI has a pane of its own")
+    stage.seen("rsi", stage.wait(lambda: chart.count(paint.RSI) > 50), "RSI has a pane of its own")
     stage.context_menu(*chart.at(0.5, 0.6), *["Down"] * 3, "Right", "Down", "Down", "Return")
-    stage.seen("strength-removed", stage.wait(lambda: not chart.count(paint.STRENGTH)), "the chart's menu removes it")
+    stage.seen("rsi-removed", stage.wait(lambda: not chart.count(paint.RSI)), "the chart's menu removes it")
     stage.click(stage.wait(lambda: stage.list_named("Navigator").find(name="Relative Strength Index")), times=2)
-    stage.seen("strength-again", stage.wait(lambda: chart.count(paint.STRENGTH) > 50),
+    stage.seen("rsi-again", stage.wait(lambda: chart.count(paint.RSI) > 50),
                "a double-click in the Navigator brings it back")
 
 

@@ -9,7 +9,7 @@ from played_market import CROSSING, REVERSING
 from stage import SYMBOL
 
 NOTE = "Note: Algo Trading is OFF — the EA runs but cannot trade. Enable it from the toolbar."
-AVERAGES, STRENGTH = "MA_Cross", "RSI_Reversal"
+AVERAGES, RSI = "MA_Cross", "RSI_Reversal"
 # A signal that comes later leaves the time to attach three experts.
 PREPARATION = 20
 # When the machine was too slow for that, the signal comes once more three minutes later.
@@ -34,13 +34,13 @@ def crossed_down(closes):
 
 
 def left_oversold(closes):
-    def strength(end):
+    def rsi(end):
         moves = [b - a for a, b in zip(closes[end - 15:end - 1], closes[end - 14:end])]
         gains = sum(max(0.0, move) for move in moves)
         return 100 * gains / sum(map(abs, moves))
 
     end = len(closes)
-    return strength(end - 1) <= 30 < strength(end)
+    return rsi(end - 1) <= 30 < rsi(end)
 
 
 def about_to(stage, symbols, signal):
@@ -99,7 +99,7 @@ def let_loose(stage):
     stage.seen("signals-ahead", rising and falling and reversing,
                f"the averages of {rising} will cross, those of {falling} cross back, RSI of {reversing} rise")
     show_chart(stage, reversing)
-    attach(stage, STRENGTH, reversing)
+    attach(stage, RSI, reversing)
     show_chart(stage, falling)
     held = trading.buy_with_one_click(stage, falling, "0.20")
     attach(stage, AVERAGES, falling)
@@ -139,12 +139,12 @@ def bought(stage, name, symbol, why):
 def see_them_trade(stage, plan):
     """Sees what each expert did, detaches them, and returns the tickets of what they traded."""
     bought(stage, AVERAGES, plan.rising, "Fast crossed above slow → BUY")
-    bought(stage, STRENGTH, plan.reversing, "RSI left oversold (")
+    bought(stage, RSI, plan.reversing, "RSI left oversold (")
     closing = told(stage, "Expert", f"position(s) on {plan.falling}", SIGNAL)
     stage.seen("expert-close", closing, f"where the averages crossed back, the Experts tab says: {closing}")
     gone = stage.wait(lambda: not trading.record(stage, plan.held))
     stage.seen("expert-closed", gone, "and the platform has closed what was bought by hand")
-    for name, symbol in ((STRENGTH, plan.reversing), (AVERAGES, plan.falling), (AVERAGES, plan.rising)):
+    for name, symbol in ((RSI, plan.reversing), (AVERAGES, plan.falling), (AVERAGES, plan.rising)):
         bring_forward(stage, second=True)
         detach(stage, name, symbol)
     stage.seen("detached-all", stage.has_chart(SYMBOL), f"the chart of {SYMBOL} is left")

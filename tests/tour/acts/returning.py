@@ -41,7 +41,7 @@ def restart(stage, ticket, theme):
     stage.seen("type-back", stage.wait(lambda: is_line(chart) and charting.is_pressed(stage, "Line")),
                "as a line, and the toolbar knows")
     stage.seen("colours-back", stage.wait(lambda: chart.corner() == charting.OTHER_BACKGROUND), "its colours")
-    stage.seen("strength-back", stage.wait(lambda: chart.count(paint.STRENGTH) > 50), "its RSI")
+    stage.seen("rsi-back", stage.wait(lambda: chart.count(paint.RSI) > 50), "its RSI")
     stage.seen("objects-back", stage.wait(lambda: charting.kept_objects(stage) == charting.FIVE_OBJECTS
                                           and chart.lines(paint.DRAWING, 0.8)), "and its objects")
     stage.press("M15")
