@@ -19,7 +19,7 @@ namespace {
 constexpr int waitMilliseconds = 3000;
 constexpr qint64 mostBytes = 1024LL * 1024;
 
-/// Waits until the reply is finished, which the time limit and the size limit bring about as well.
+/// Waits until the reply is finished, or aborted because it takes too long or is too large.
 void waitFor(QNetworkReply& reply, int milliseconds)
 {
     QEventLoop loop;

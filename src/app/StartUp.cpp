@@ -33,7 +33,7 @@ bool signIn(QSplashScreen& splash, QDialog& dialog)
         loadEncryptionMeanwhile();
     });
     const int result = dialog.exec();
-    // Whoever leaves at once would take the application from under the library while it is being loaded.
+    // A trader who leaves at once must not end the application while the library is still being loaded.
     QThreadPool::globalInstance()->waitForDone();
     appLog(u"login.exec() returned %1"_s.arg(result));
     return result == QDialog::Accepted;

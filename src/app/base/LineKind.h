@@ -1,5 +1,5 @@
 #pragma once
 
-/// What a line about an Expert Advisor is: failures also go to the log file, where they are still found when
-/// the terminal has closed.
+/// What a line of the Experts tab tells. A failure is written to the log file as well, so that it can be read
+/// after the terminal has closed.
 enum class LineKind { Ordinary, Failure };

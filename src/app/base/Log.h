@@ -2,12 +2,12 @@
 
 #include <QString>
 
-/// Appends one line, "HH:mm:ss.zzz", two blanks and the message as shownEntry() has it, to the log file. A
-/// file that cannot be opened drops the entry silently.
+/// Appends one line, "HH:mm:ss.zzz", two blanks and the message as shownEntry() has it, to the log file. The
+/// entry is dropped silently when the file cannot be opened.
 void appLog(const QString& message);
 
-/// The same for what is shown to a person as well: "[SOURCE] MESSAGE". Every failure that is shown goes
-/// through here.
+/// Appends "[SOURCE] MESSAGE". For what a person is shown as well: every failure that is shown goes through
+/// here.
 void logReport(const QString& source, const QString& message);
 
 /// The log file: "/tavoran-terminal.log" in the user's temporary folder.

@@ -4,7 +4,7 @@
 
 /// How every number is shown, whatever the user's locale. NaN and infinity are shown as 0.
 
-/// Decimals of a symbol kept within 0 to 15, more than which a price does not hold.
+/// Decimals of a symbol kept within 0 to 15: a price holds no more.
 [[nodiscard]] int clampDigits(int digits);
 
 /// A price in fixed notation with `digits` decimals (clamped), decimal point, no groups.

@@ -9,7 +9,7 @@
 
 /// Decimals of a symbol that does not tell its own, or of which nothing is known.
 constexpr int usualPriceDigits = 5;
-/// More than these a price does not hold.
+/// The most decimals that a price holds.
 constexpr int mostPriceDigits = 15;
 
 /// Half a point of a symbol with so many decimals (0 to 15; others count as the nearest of these): anything
@@ -29,7 +29,8 @@ constexpr int mostPriceDigits = 15;
     return size >= halfPoint(digits) && size < 1e12;
 }
 
-/// Whether it is a price whatever the decimals of its symbol are, which spares most of them a look-up.
+/// Whether a number is a price whatever its symbol's decimals. Most prices are, which spares a look-up of the
+/// decimals.
 [[nodiscard]] inline bool isPriceAnyway(double number)
 {
     return isPrice(number, 0);

@@ -9,6 +9,6 @@ void keepSecret(const QString& secret);
 /// The text with "[hidden]" in place of every known secret.
 [[nodiscard]] QString maskSecrets(const QString& text);
 
-/// The most characters that one known secret takes; 0 when there is none. Whoever cuts a text first leaves
-/// so many more, or a part of a secret could stay.
+/// The most characters that one known secret takes; 0 when there is none. A text that is cut before it is
+/// masked must keep so many characters more than wanted, or a part of a secret could stay.
 [[nodiscard]] qsizetype longestSecret();

@@ -40,7 +40,7 @@ QString head(const QString& text, qsizetype longest, QString (*form)(const QStri
     if (text.size() <= longest + reach)
         return shortened(maskSecrets(form(text)), longest);
     QString start = maskSecrets(form(text.first(longest + reach)));
-    // Its end may be the first part of a secret, and what was hidden before may have moved it forward.
+    // The end of the start may be the beginning of a secret, moved forward by what was hidden before it.
     start.chop(std::max<qsizetype>(reach - 1, 0));
     return withEllipsis(start.left(longest));
 }

@@ -16,8 +16,8 @@
 /// script): one line of at most 300 characters.
 [[nodiscard]] QString shownSentence(const QString& text);
 
-/// Why something failed: at most 300 characters on at most four lines, blank ones left out. Not empty unless
-/// the text is.
+/// Why something failed: at most 300 characters on at most four lines, blank ones left out. Empty for an
+/// empty text only.
 [[nodiscard]] QString shownReason(const QString& text);
 
 /// A line of the log, the Journal or the Experts tab: one line of at most 8192 characters, which leaves room
@@ -31,9 +31,9 @@
 /// The text with each control character and line separator replaced by one blank.
 [[nodiscard]] QString oneLine(const QString& text);
 
-/// The text as a desktop notification, as shownReason() has it but for what looks like a tag, a "<" before a
-/// letter or "/": a space without width stands between them. Some desktops read markup there, and others
-/// show escapes as they are.
+/// The text for a desktop notification: as shownReason() has it, with a space of no width between a "<" and a
+/// letter or "/" after it. Some desktops would read these as a tag, and others show an escaped "<" as it is
+/// written.
 [[nodiscard]] QString balloonText(const QString& text);
 
 /// The text for menus, tabs and buttons: one line, each "&" doubled.

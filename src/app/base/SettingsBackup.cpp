@@ -57,7 +57,7 @@ bool SettingsBackup::confirm(const QByteArray& content)
 {
     if (!copyFrom(content))
         return false;
-    // Where there is no room for the digest, file and copy agree, which says the same.
+    // Without room for the digest nothing is lost: file and copy are equal, which proves as much.
     if (contentOf(digestPath()) != digestOf(content))
         writeDigest(content);
     QFile::remove(savingPath());

@@ -12,14 +12,15 @@ public:
 
     enum class State {
         Saved,       ///< just what was saved last
-        Unconfirmed, ///< a save began and was never seen to end well
+        Unconfirmed, ///< a save began, and nothing says that it ended well
         Cut,         ///< the beginning of what was saved last, and no more
         Other,       ///< anything else: edited by hand, or from before there were digests
     };
     /// What the content of the settings file is.
     [[nodiscard]] State stateOf(const QByteArray& content) const;
 
-    /// Says that the file is about to be written. False when that cannot be said: then do not write.
+    /// Leaves a mark that the file is about to be written. False when the mark cannot be left: then do not
+    /// write.
     [[nodiscard]] bool beginSave();
     /// Makes `content`, which was read back from the settings file and found right, the copy. False when the
     /// copy could not be renewed.
@@ -31,7 +32,8 @@ public:
     [[nodiscard]] QByteArray copy() const;
     /// Whether the digest is that of the content.
     [[nodiscard]] bool vouchesFor(const QByteArray& content) const;
-    /// Puts the copy in the place of the settings file, at need the copy itself: that takes no room.
+    /// Puts the copy in the place of the settings file. Where there is no room for a second one, the copy
+    /// itself moves there.
     [[nodiscard]] bool putBack();
     /// Removes all of it.
     void forget();

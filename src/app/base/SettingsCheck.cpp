@@ -52,7 +52,7 @@ bool looksWritten(const QByteArray& content)
 }
 
 /// Tells other terminals that the file is in use, until it is closed or this process ends in any way. True
-/// when nobody else said so before.
+/// when no other terminal is using it.
 bool claim([[maybe_unused]] const QFile& file)
 {
 #ifdef Q_OS_UNIX
@@ -93,7 +93,7 @@ void SettingsCheck::removeLeftOvers() const
     const QStringList names = folder.entryList({prefix + "*"_L1}, QDir::Files | QDir::Hidden | QDir::System);
     for (const QString& name : names) {
         QFile file(folder.filePath(name));
-        // A link is none of ours, and what it points to is none of our business.
+        // No terminal makes links, so a link is removed without a look at what it points to.
         if (QFileInfo(file).isSymLink() || !file.open(QIODevice::ReadOnly) || claim(file))
             file.remove();
     }

@@ -20,11 +20,11 @@ public:
     [[nodiscard]] std::optional<bool> parsed(
         const QByteArray& content, const std::function<bool(const QSettings&)>& look) const;
 
-    /// True for content that is no settings file or was cut in a way that shows. A file that an editor wrote
-    /// is none, and neither is one that there is no room to check.
+    /// True for content that is no settings file, or that was visibly cut. An edit by hand is no damage.
+    /// Content that there is no room to check counts as sound.
     [[nodiscard]] bool isDamaged(const QByteArray& content) const;
 
-    /// Removes what a terminal that was killed has left. A file that another one uses just now stays.
+    /// Removes the files that killed terminals have left; one that another terminal is using stays.
     void removeLeftOvers() const;
 
 private:

@@ -89,13 +89,13 @@ bool SettingsStore::sync()
         return m_settings->status() == QSettings::NoError;
     }
     const SettingsLock lock(folder());
-    // Another terminal may have left there what it could not save as a whole.
+    // Another terminal may have left half a save there.
     if (!m_fileIsSuspect && contentOf(m_filePath) != m_seen)
         repair();
     if (!m_changes.isEmpty() && !mayWrite())
         return false;
     writeChanges();
-    // Made anew under the usual umask when somebody deleted it meanwhile.
+    // If somebody has deleted the file meanwhile, Qt has made a new one under the usual umask.
     QFile::setPermissions(m_filePath, ownerFile);
     // Qt's status is no help here: good on a full disk, and bad for ever after one failure.
     const std::optional<QByteArray> content = contentOf(m_filePath);
@@ -150,7 +150,8 @@ void SettingsStore::repair()
         return;
     const QByteArray copy = m_backup.copy();
     const bool copyIsGood = !copy.isEmpty() && (m_backup.vouchesFor(copy) || !m_check.isDamaged(copy));
-    // An edit by hand is no damage. What only looks like one is kept beside the file, and told.
+    // An edit by hand counts, unless it looks like a save that was cut: then the copy is put back, the edit
+    // is kept aside, and the trader is told.
     const bool lacksSomething = copyIsGood && (state == State::Unconfirmed || state == State::Cut);
     if (!lacksSomething && !m_check.isDamaged(*content))
         return;
@@ -164,7 +165,7 @@ void SettingsStore::repair()
     }
     const bool isKept = !content->isEmpty() && setAside(*content);
     if (!copyIsGood) {
-        // Nothing is thrown away that is not kept elsewhere.
+        // The file is emptied only once its content is kept aside.
         if (!isKept || !replacePrivateFile(m_filePath, {}))
             return;
         m_notices.append(notice(QT_TRANSLATE_NOOP("SettingsStore",

@@ -29,9 +29,9 @@ public:
     void setValue(QLatin1StringView key, const QVariant& value);
     void remove(QLatin1StringView key);
 
-    /// Writes to disk, reads back, and renews the copy from what was read. False when what is on
-    /// disk is not what is in memory; the older copy then stays. A file that somebody else changed is
-    /// repaired before, as at the start.
+    /// Writes to disk, reads back, and renews the copy from what was read. False when disk and memory then
+    /// differ; the older copy stays. If somebody else has changed the file, it is first checked and repaired
+    /// as at the start.
     [[nodiscard]] bool sync();
 
     [[nodiscard]] QString filePath() const { return m_filePath; }

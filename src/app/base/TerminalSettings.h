@@ -67,10 +67,10 @@ public:
     /// store could not be written as it should be. The first failure after a save that went well is told.
     bool sync();
 
-    /// Takes whatever a person should be told, as it comes up; an empty one ends that.
+    /// Is called with each notice for the trader as it comes up. An empty function ends that.
     using Teller = std::function<void(const QString& notice)>;
     void setTeller(const Teller& teller);
-    /// What a person should be told and there was nobody to tell it, each text once.
+    /// The notices that came up while there was no teller, each text once.
     [[nodiscard]] QStringList takeNotices();
 
 private:

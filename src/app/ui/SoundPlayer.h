@@ -8,10 +8,10 @@
 
 class QSoundEffect;
 
-/// Plays the sound once the event loop is reached again, so that no caller ever waits for an audio
-/// server. That turn itself may take long, once a kind: loading waits for an audio server that does
-/// not answer, and Qt loads on the thread that plays. The file is written in any case; silent when
-/// there is no output device, no writable temporary folder or no such kind.
+/// Plays the sound once the event loop is reached again, so that no caller ever waits for an audio server.
+/// That turn may itself take long, the first time that a kind is played: Qt loads the file on the thread that
+/// plays it, and waits there for an audio server that does not answer. The file is written in any case. No
+/// sound without an output device or a writable temporary folder, or for an unknown kind.
 void play(SoundKind kind);
 
 /// Writes the sound's file on first use and returns its path, also when it could not be written;

@@ -7,8 +7,8 @@
 #include <functional>
 #include <map>
 
-/// Keeps one voice a sound kind and starts it from the event loop. What a voice is comes from
-/// outside, so that the rules hold without an audio device.
+/// Keeps a voice for each kind of sound and starts it from the event loop. The output that makes voices is
+/// handed in, so that tests need no audio device.
 class SoundVoices final : public QObject {
     Q_OBJECT
     Q_DISABLE_COPY_MOVE(SoundVoices)
