@@ -23,7 +23,7 @@ namespace {
 
 constexpr int statusUnauthorized = 401;
 
-// Qt opens this many to one host; what comes on top waits unsent.
+// Qt opens this many connections to one host; further requests wait unsent.
 constexpr int connectionsPerManager = 6;
 
 // Line breaks in a header value are sent as they are and would add headers of their own.

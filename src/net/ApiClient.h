@@ -24,12 +24,12 @@ using ReplyCallback = std::function<void(const QJsonDocument& document, const QS
 /// The same for callers that parse the body themselves; it is empty after an error.
 using BodyCallback = std::function<void(const QByteArray& body, const QString& error)>;
 
-/// Talks HTTP(S) to the platform server. Address and token are taken from the settings at each
-/// call; a token that is empty or holds a control character is left out. Each call is one request,
-/// given up after 15 seconds without progress, a minute as a whole, and half a minute where it changes
-/// state. State-changing calls never wait behind reads, nor for each other. Paths begin with "/", and ids in
-/// them are encoded by the caller (net/UrlParts.h); a path that could reach another host or resource is
-/// answered with an error and never sent.
+/// Talks HTTP(S) to the platform server. Address and token are taken from the settings at each call; a token
+/// that is empty or holds a control character is left out. Each call is one request, given up after 15
+/// seconds without progress, and in any case after a minute, or after half a minute when it changes state.
+/// State-changing calls never wait behind reads, nor for each other. Paths begin with "/", and ids in them
+/// are encoded by the caller (net/UrlParts.h); a path that could reach another host or resource is answered
+/// with an error and never sent.
 class ApiClient final : public QObject {
     Q_OBJECT
     Q_DISABLE_COPY_MOVE(ApiClient)
@@ -44,9 +44,10 @@ public:
 
     /// Reads a path; the callback runs once, unless this client is gone by then.
     void get(const QString& path, ReplyCallback callback);
-    /// The same, and the callback is dropped as well once the context is gone.
+    /// The same; the callback is also dropped when the context is gone.
     void get(const QString& path, QObject* context, ReplyCallback callback);
-    /// The same with the body as it came. What is returned tells of the read while it runs, and can end it.
+    /// The same with the body as it came. The watch that is returned knows how the read is going, and can end
+    /// it.
     ReplyWatch* getBody(const QString& path, QObject* context, BodyCallback callback);
 
     /// State-changing calls. They reach the server at most once, whatever happens to the
@@ -92,8 +93,8 @@ private:
     TerminalSettings& m_settings;
     RequestLimits m_limits;
     QNetworkAccessManager m_manager; ///< reads
-    /// State-changing calls; children of this client. More than one only while more calls are unanswered
-    /// than Qt opens connections.
+    /// State-changing calls; children of this client. A further one is added when more calls are
+    /// unanswered than Qt opens connections for the others.
     QList<QNetworkAccessManager*> m_changeManagers;
     QList<Change> m_changes; ///< oldest first
 };

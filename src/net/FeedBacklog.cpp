@@ -49,16 +49,16 @@ void FeedBacklog::clear()
 
 void FeedBacklog::scheduleSlice()
 {
-    // An event that is posted has its turn beside sockets, timers and painting; a timer of no time would
-    // have to wait, on some event loops, until nothing else is left to do.
+    // A posted event takes its turn with sockets, timers and painting. A timer of 0 ms would wait, on some
+    // event loops, until nothing else is left to do.
     if (!std::exchange(m_sliceScheduled, true))
         QMetaObject::invokeMethod(this, &FeedBacklog::readSlice, Qt::QueuedConnection);
 }
 
 void FeedBacklog::scheduleNextSlice()
 {
-    // What a slice has changed is painted in the next turn. The slice after it is for the turn behind that
-    // one, so that no turn has both to do.
+    // The next turn paints what this slice has changed, and the next slice comes in the turn after that, so
+    // that no turn does both.
     m_sliceScheduled = true;
     QMetaObject::invokeMethod(
         this, [this] { QMetaObject::invokeMethod(this, &FeedBacklog::readSlice, Qt::QueuedConnection); },
@@ -70,7 +70,7 @@ void FeedBacklog::readSlice()
     m_sliceScheduled = false;
     if (m_texts.empty())
         return;
-    // At once: whoever hears of a message may begin an event loop of its own.
+    // Before any message is handed on: whoever hears of one may run an event loop of its own.
     if (m_texts.size() > 1)
         scheduleNextSlice();
     const QPointer<FeedBacklog> self(this);

@@ -23,7 +23,8 @@ public:
     /// Characters that may wait: room for fifty thousand messages of several prices each, in 64 MiB.
     static constexpr qsizetype mostCharacters = qsizetype{32} * 1024 * 1024;
 
-    /// What a message takes beside its own characters, counted in these: one without text takes room as well.
+    /// What a message takes up besides its text, counted in characters, so that a message without text counts
+    /// too.
     static constexpr qsizetype charactersBeside = 32;
 
     explicit FeedBacklog(QObject* parent = nullptr);
@@ -35,7 +36,7 @@ public:
     [[nodiscard]] bool isEmpty() const { return m_texts.empty(); }
 
     /// Takes a message, to be read in a later turn of the event loop. Where too much waits, the oldest are
-    /// read at once: that holds up the loop, and with it whoever sends faster than can be read.
+    /// read at once: that holds up the loop, and so slows down a server that sends faster than can be read.
     void add(const QString& text);
     /// Forgets what waits, without a signal.
     void clear();

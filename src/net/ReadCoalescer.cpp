@@ -41,7 +41,7 @@ void ReadCoalescer::send(
             const auto running = m_inFlight.find(path);
             if (running == m_inFlight.end() || running->number != number)
                 return;
-            running->watch.clear(); // a wish of the callback's must not end what has ended
+            running->watch.clear(); // the callback may ask again, which must not end this read: it has ended
             // The callback may end the session and with it this object.
             const QPointer<ReadCoalescer> alive(this);
             callback(body, error);
@@ -67,7 +67,7 @@ void ReadCoalescer::endWhenSilent(const QString& path, quint64 number)
     const std::chrono::milliseconds patience = hasNews ? m_patience : running->patience;
     const std::chrono::milliseconds silent(running->watch->silentFor());
     if (silent < patience) {
-        // Never later than this: the first news shortens the patience.
+        // After `m_patience` at the latest, since the patience falls to that once the answer begins.
         QTimer::singleShot(std::min(patience - silent, m_patience), this,
             [this, path, number] { endWhenSilent(path, number); });
         return;

@@ -8,13 +8,12 @@
 
 #include <chrono>
 
-/// Keeps bursts of equal reads from piling up in front of a slow server. While a read of a path is
-/// in flight, asking for it again sends nothing; once the answer is in, one further read follows,
-/// so that whoever asked meanwhile sees data read after they asked. Reads of different paths do
-/// not wait for each other. A read that has brought nothing for two seconds is ended for the wish that
-/// waits behind it. After one that brought nothing at all, the successor's answer may take twice the time to
-/// begin, so that a slow server is heard in the end; an answer that has begun wins no time by dripping. Owned
-/// by whoever refreshes.
+/// Keeps bursts of equal reads from piling up in front of a slow server. While a read of a path is in flight,
+/// asking for it again sends nothing; once the answer is in, one further read follows, so that whoever asked
+/// meanwhile sees data read after they asked. Reads of different paths do not wait for each other. A read
+/// that has brought nothing for two seconds is ended when another one waits behind it. If its answer had not
+/// even begun, the next read is given twice the time to begin, so that a slow server is heard in the end. An
+/// answer that has begun is given no more than those two seconds. Owned by whoever refreshes.
 class ReadCoalescer final : public QObject {
     Q_OBJECT
     Q_DISABLE_COPY_MOVE(ReadCoalescer)

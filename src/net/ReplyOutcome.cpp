@@ -29,15 +29,16 @@ bool wasGivenUp(const QNetworkReply& reply)
         || reply.error() == QNetworkReply::TimeoutError;
 }
 
-/// False when the connection failed first. The answers that say no have the higher numbers, as has the one
-/// error of these that is no answer.
+/// False when the connection failed before the answer had come to its end. Qt gives errors that an answer
+/// brings higher numbers than errors of the connection; only ContentReSendError stands among them without an
+/// answer.
 bool isWhole(QNetworkReply::NetworkError error)
 {
     return error == QNetworkReply::NoError
         || (error > QNetworkReply::UnknownProxyError && error != QNetworkReply::ContentReSendError);
 }
 
-/// Qt's words would not say the one thing that counts: whether it may have been carried out.
+/// Qt's words would not say the one thing that counts: whether the request may have been carried out.
 QString givenUpText(const ReplyWatch& watch, int status)
 {
     if (!watch.wasSent())
@@ -57,7 +58,7 @@ QString givenUpText(const ReplyWatch& watch, int status)
 
 QString networkText(const QNetworkReply& reply, int status)
 {
-    // Told first: a redirect that asks for the body again fails with the error below.
+    // Before the next check, since a redirect that asks for the body again fails with that error.
     if (isRedirect(status))
         return QCoreApplication::translate("ReplyOutcome", "The server answered with a redirect");
     // The request may have been sent; Qt words this case "Unknown error".

@@ -19,10 +19,10 @@ struct ReplyOutcome final {
     /// token and bounded in length, but a server chose it: show it as plain text.
     QString error;
 
-    /// True when the server may have carried the request out all the same: it failed on its way, never
-    /// answered, its answer broke off, or it had an error of its own.
+    /// True when the request failed and yet the server may have carried it out: the connection failed, no
+    /// answer came, the answer broke off, or the server had an error of its own.
     [[nodiscard]] bool isUncertain() const { return !ok && sent && (status < 300 || status >= 500); }
-    /// The same, and there is no answer to go by.
+    /// True when it is uncertain, and no whole answer came that could tell more.
     [[nodiscard]] bool isUnanswered() const { return isUncertain() && !whole; }
 
     using Callback = std::function<void(const ReplyOutcome& outcome)>;

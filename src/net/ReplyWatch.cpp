@@ -41,7 +41,7 @@ const ReplyWatch* ReplyWatch::of(const QNetworkReply& reply)
 
 bool ReplyWatch::wasSent() const
 {
-    // Qt says nothing of a request that uploads nothing; such a body is at its end from the start.
+    // Qt does not tell when it sends an empty body. That is at its end from the start, so it counts as sent.
     return m_sent || (m_body && m_body->atEnd())
         || m_reply.attribute(QNetworkRequest::HttpStatusCodeAttribute).isValid();
 }

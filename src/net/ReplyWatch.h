@@ -20,11 +20,11 @@ public:
         Order,  ///< changes a trade
     };
 
-    /// The longest time, in milliseconds, counts anew from when the request is really sent. `body` is what is
-    /// uploaded, if anything; it lives as long as the reply.
+    /// `longestMs` counts from now, and anew from the moment when the request is really sent. `body` is what
+    /// is uploaded, if anything; it lives as long as the reply.
     ReplyWatch(QNetworkReply& reply, Kind kind, int longestMs, const OneShotBody* body = nullptr);
 
-    /// The watch of a reply; null for one without.
+    /// The watch of a reply; null when it has none.
     [[nodiscard]] static const ReplyWatch* of(const QNetworkReply& reply);
 
     [[nodiscard]] Kind kind() const { return m_kind; }
@@ -34,7 +34,8 @@ public:
     [[nodiscard]] bool wasTooLarge() const { return m_tooLarge; }
     /// The reply has brought something, if only the head of an answer.
     [[nodiscard]] bool hasNews() const { return m_hasNews; }
-    /// Milliseconds since the reply last brought something, or else since it was sent or, before, asked for.
+    /// Milliseconds since the reply last brought something. Before it has brought anything: since the request
+    /// was sent, or else asked for.
     [[nodiscard]] qint64 silentFor() const { return m_sinceNews.elapsed(); }
 
     /// Ends the request, if it still runs. Its reply finishes before this returns.

@@ -2,8 +2,7 @@
 
 #include <QWebSocket>
 
-/// The signal by which a web socket tells of an error, by the name that it has in this version of
-/// Qt.
+/// The error signal of a web socket, whose name differs between versions of Qt.
 #if QT_VERSION >= QT_VERSION_CHECK(6, 5, 0)
 inline constexpr auto socketError = &QWebSocket::errorOccurred;
 #else

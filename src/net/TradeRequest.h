@@ -13,15 +13,15 @@ class ApiClient;
 ///
 /// A request is money, so it reaches the server at most once. It can be moved but not copied, and sending
 /// uses it up. ApiClient sends it in a way that keeps Qt from repeating it on a broken connection
-/// (OneShotBody). Nobody sends it anew: where an outcome is uncertain, the lists are read again, and what
-/// then is to be done a person decides.
+/// (OneShotBody). Nobody sends it anew: where an outcome is uncertain, the lists are read again, and a person
+/// decides what to do.
 class TradeRequest final {
 public:
-    /// Places an order. Whatever account its body names (orderBody()), it is for this one.
+    /// Places an order for this account, which replaces any that the body names (see orderBody()).
     [[nodiscard]] static TradeRequest place(QJsonObject order, const QString& accountId);
 
-    /// These act on the trade of a record, by its id; there is none for an id that could name another
-    /// resource.
+    /// The following are about the trade of a record, by its id. Nothing for an id with which the path would
+    /// name another resource.
     [[nodiscard]] static std::optional<TradeRequest> close(const QJsonObject& trade);
     [[nodiscard]] static std::optional<TradeRequest> cancel(const QJsonObject& trade);
     /// Sets the levels that were typed.

@@ -94,7 +94,7 @@ void WsClient::start()
 
 void WsClient::open()
 {
-    // What is left of an earlier attempt ends silently here: it has no retry to ask for any more.
+    // What is left of an earlier attempt ends here without a signal: this attempt is its retry.
     m_attemptRunning = false;
     m_retryTimer.stop();
     m_pingTimer.stop();

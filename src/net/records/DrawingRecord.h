@@ -21,7 +21,7 @@ namespace drawing {
 
 /// The body that changes a drawing: its points, and its colour as "#rrggbb".
 [[nodiscard]] QJsonObject updateBody(const QJsonArray& points, const QString& color);
-/// Makes it the body that creates one on a symbol, for one account ("" for none).
+/// Makes an updateBody() the body that creates a drawing on a symbol, for one account ("" for none).
 void addOrigin(QJsonObject& body, const QString& tool, const QString& symbol, const QString& accountId);
 
 } // namespace drawing

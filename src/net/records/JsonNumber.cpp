@@ -11,8 +11,8 @@ namespace {
 // No price, volume or balance comes near this; what does is damage, and would spoil sums and columns.
 constexpr double largestMagnitude = 1e15;
 
-// QString::toDouble goes through the locale machinery, letter by letter: the prices of one snapshot
-// would cost more than twice the parsing of the whole message. It is left with what is unusual.
+// QString::toDouble goes through the locale machinery, letter by letter: the prices of one snapshot would
+// cost more than twice the parsing of the whole message. It reads only what is unusual.
 double numberIn(const QString& text)
 {
     std::array<char, 32> digits{};

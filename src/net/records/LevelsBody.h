@@ -10,7 +10,7 @@ enum class LevelKind { Entry, StopLoss, TakeProfit, Price };
 
 /// "ENTRY", "SL", "TP", or "PRICE" for the trigger price of a pending order.
 [[nodiscard]] QString levelText(LevelKind kind);
-/// The kind by its text; any that is none of the others is a trigger price.
+/// The kind that a text names; any other text means a trigger price.
 [[nodiscard]] LevelKind levelKind(const QString& text);
 
 /// Levels typed for one trade. What is absent was left empty.

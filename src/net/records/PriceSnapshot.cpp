@@ -13,7 +13,7 @@ bool isEarlier(const PriceSnapshot::Entry& a, const PriceSnapshot::Entry& b)
     return a.symbol < b.symbol;
 }
 
-/// Most prices are some whatever their symbol's decimals are, so that nobody has to be asked for these.
+/// Most prices are prices whatever their symbol's decimals, so the decimals are rarely asked for.
 void dropWhatIsNoPrice(PriceSnapshot::Entry& entry, const PriceSnapshot::DigitsOf& digitsOf)
 {
     Quote& quote = entry.quote;

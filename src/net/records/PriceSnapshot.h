@@ -9,8 +9,8 @@
 
 class QJsonObject;
 
-/// The quotes of one price map, read once for all who look through the whole of it: for each of them to read
-/// the records again would cost about as much as parsing the message did.
+/// The quotes of one price map, read once for everybody: reading the map again costs about as much as parsing
+/// the message did.
 class PriceSnapshot final {
 public:
     struct Entry final {
@@ -21,7 +21,7 @@ public:
     /// The decimals of a symbol's prices.
     using DigitsOf = std::function<int(const QString& symbol)>;
 
-    /// Of the usual decimals are those symbols of which nobody tells.
+    /// Without `digitsOf`, every symbol counts as one of the usual decimals.
     explicit PriceSnapshot(const QJsonObject& prices, const DigitsOf& digitsOf = {});
 
     /// Every symbol of the map once, in the order of QString's operator<.

@@ -11,7 +11,7 @@ namespace symbol {
 /// The key that every other record refers to.
 [[nodiscard]] QString name(const QJsonObject& record);
 [[nodiscard]] QString description(const QJsonObject& record);
-/// Decimals of its prices as the record states them, in no bounds; usualPriceDigits where it does not.
+/// Decimals of its prices as the record states them, unchecked; usualPriceDigits where it states none.
 [[nodiscard]] int digits(const QJsonObject& record);
 /// The day's opening price; 0 where none is known.
 [[nodiscard]] double dailyOpen(const QJsonObject& record);

@@ -21,11 +21,11 @@ namespace trade {
 
 /// The side as the server words it.
 [[nodiscard]] QString typeText(const QJsonObject& record);
-/// A buy is what says "BUY"; whatever else it says is closed, and coloured, as a sell.
+/// Buy for a record that says "BUY". Any other text counts as a sell: it is closed and coloured as one.
 [[nodiscard]] Side side(const QJsonObject& record);
 /// "MARKET", or the kind of a pending order, such as "BUY_LIMIT"; as the server words it.
 [[nodiscard]] QString orderKind(const QJsonObject& record);
-/// Waits to be filled; anything else is a position or was one.
+/// True for an order that waits to be filled; any other record is a position, or was one.
 [[nodiscard]] bool isPending(const QJsonObject& record);
 
 /// In lots.
@@ -48,7 +48,7 @@ namespace trade {
 
 /// Times as the server wrote them.
 [[nodiscard]] QString createdAt(const QJsonObject& record);
-/// When the trade was closed; when it last changed where that is null.
+/// When the trade was closed; where that is null, when it last changed.
 [[nodiscard]] QString closedAt(const QJsonObject& record);
 
 } // namespace trade

@@ -162,7 +162,7 @@ void LoginDialog::showError(const QString& text)
 
 void LoginDialog::fitHeight()
 {
-    // By itself a wrapped label makes its window no taller when it comes, and no lower when it goes.
+    // A wrapped label does not by itself make its window taller when it appears, nor lower when it goes.
     layout()->activate();
     resize(dialogWidth, layout()->totalHeightForWidth(dialogWidth));
 }
