@@ -17,7 +17,7 @@ public:
     AccountSelector(QComboBox& list, const AccountBook& book, QObject* parent = nullptr);
     ~AccountSelector() override = default;
 
-    /// One line of the list: label, status, balance. Server text in it is one line.
+    /// One line of the list: label, status, balance. Line breaks in server text become blanks.
     [[nodiscard]] static QString lineOf(const QJsonObject& account);
 
 public Q_SLOTS:

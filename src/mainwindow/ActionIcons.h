@@ -53,8 +53,8 @@ enum class Pictogram {
     Count ///< how many there are; no picture
 };
 
-/// An icon that is drawn when it is shown: at the size and pixel ratio asked for, in the colours of the
-/// theme in force. After a theme switch a repaint is all it takes. Making one costs next to nothing.
+/// An icon that is drawn when it is shown: at the size and pixel ratio asked for, in the colours of the theme
+/// in force. After a theme switch it needs a repaint and no more. Making an icon costs next to nothing.
 [[nodiscard]] QIcon actionIcon(Pictogram pictogram);
-/// The same of a drawing as Pictograms.h describes it, which must last.
+/// The icon of a drawing (see Pictograms.h); the text of the drawing must outlive the icon.
 [[nodiscard]] QIcon actionIcon(QLatin1StringView drawing);

@@ -30,14 +30,14 @@ ChartWindow* chartIn(const QMdiSubWindow* subWindow)
     return subWindow ? qobject_cast<ChartWindow*>(subWindow->widget()) : nullptr;
 }
 
-/// For going through them while an expert may bring about the end of any chart.
+/// For loops in which an expert may end any of the charts.
 QList<QPointer<ChartWindow>> guarded(const QList<ChartWindow*>& charts)
 {
     return {charts.begin(), charts.end()};
 }
 
-/// Where an unmaximized sub-window was; invalid when that cannot be read. Restoring moves a window down to
-/// make room for a title bar above it, but a sub-window has its own inside.
+/// Where an unmaximized sub-window was; invalid when that cannot be read. QWidget::restoreGeometry() would
+/// move the window down to make room for a title bar above it, but a sub-window has its title bar inside.
 QRect savedRectangle(const QByteArray& geometry)
 {
     const std::optional<SavedGeometry> saved = SavedGeometry::read(geometry);
@@ -61,7 +61,7 @@ ChartArea::ChartArea(ApiClient& api, const AccountBook& book, QWidget* parent)
 
 ChartArea::~ChartArea()
 {
-    // The charts go later, when there is nobody left to pass on what their experts say in the end.
+    // The experts end here, since their last words could not be passed on when Qt deletes the charts later.
     for (const QPointer<ChartWindow>& chart : guarded(charts())) {
         if (chart)
             chart->detachExpert();
@@ -147,8 +147,8 @@ QMdiSubWindow* ChartArea::frontSubWindow() const
 {
     if (QMdiSubWindow* current = currentSubWindow())
         return current;
-    // Qt knows of none while charts are restored before the area is shown; the one that was
-    // activated last is on top all the same.
+    // Before the area is shown Qt names no active chart; the one that was activated last is in front all the
+    // same.
     const QList<QMdiSubWindow*> history = subWindowList(QMdiArea::ActivationHistoryOrder);
     return history.isEmpty() ? nullptr : history.constLast();
 }
@@ -266,7 +266,7 @@ void ChartArea::applySymbols()
     const QList<ChartWindow*> charts = this->charts();
     for (ChartWindow* chart : charts) {
         describe(*chart);
-        // What the chart asked for while its symbol was away, the server refused.
+        // The server has refused what the chart asked for while its symbol was not listed.
         if (m_reportedUnlisted.contains(chart->symbol()) && isListed(chart->symbol()))
             chart->loadAgain();
     }

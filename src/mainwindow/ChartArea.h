@@ -79,7 +79,7 @@ private:
     QMdiSubWindow* addChart(const QString& symbol, const QString& timeframe, const QJsonObject& state);
     void handOverEverything(ChartWindow& chart);
     void describe(ChartWindow& chart);
-    /// Qt's own; it exists since the tabbed mode was chosen.
+    /// The bar that Qt has made for the tabbed mode.
     [[nodiscard]] QTabBar* tabBar() const;
     [[nodiscard]] QMdiSubWindow* frontSubWindow() const;
     void nameTab(QMdiSubWindow* subWindow);
@@ -90,5 +90,5 @@ private:
     const AccountBook& m_book;
     bool m_interrupted = false;
     QSet<QString> m_reportedUnlisted;
-    QList<Placement> m_placements; ///< restored before the first show, which would place the charts anew
+    QList<Placement> m_placements; ///< until the area is shown, since that places the charts anew
 };

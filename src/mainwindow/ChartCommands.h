@@ -33,7 +33,8 @@ private:
     void connectPointers();
     void connectView();
     void connectWindows();
-    /// What a command does to the active chart; whatever came of it, the check marks tell afterwards.
+    /// Runs `command` on the active chart whenever the action is triggered. The check marks then show what
+    /// the chart has become, whatever came of the command.
     template <typename Command> void onTriggered(const class QAction* action, Command command);
     void choosePointer(ChartWindow& chart, const QString& tool, bool ruler);
     void showTruth();

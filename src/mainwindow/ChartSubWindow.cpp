@@ -8,7 +8,7 @@ ChartSubWindow::ChartSubWindow(QWidget& chart)
 
 bool ChartSubWindow::focusNextPrevChild(bool next)
 {
-    // Qt hides the window for a moment when it becomes large or small, and takes the focus from what
-    // it hides to what comes next. That would be the volume of the next one-click order.
+    // Qt hides the window for a moment when it becomes large or small, and moves the focus from what it hides
+    // to the next widget, which would be the volume of the one-click panel.
     return isVisible() && QMdiSubWindow::focusNextPrevChild(next);
 }

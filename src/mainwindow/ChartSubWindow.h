@@ -2,8 +2,8 @@
 
 #include <QMdiSubWindow>
 
-/// One chart in the chart area; deleted when it is closed. The keys stay with the chart while the window
-/// changes its size or another comes to the front.
+/// One chart in the chart area; deleted when it is closed. The keyboard stays with the chart while the window
+/// changes its size or another window comes to the front.
 class ChartSubWindow final : public QMdiSubWindow {
     Q_OBJECT
     Q_DISABLE_COPY_MOVE(ChartSubWindow)

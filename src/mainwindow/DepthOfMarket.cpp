@@ -102,7 +102,7 @@ void DepthOfMarket::fillRows()
         const double best = isAsk ? m_quote.ask : m_quote.bid;
         const int steps = isAsk ? rowsPerSide - 1 - row : rowsPerSide - row;
         const double price = best + steps * point;
-        // Less than half a point above nothing is no price.
+        // A price must be at least half a point above 0.
         const bool known = best > 0.0 && price > point / 2.0;
         m_rows->topLevelItem(row)->setText(PriceColumn, known ? formatPrice(price, m_digits) : QString());
     }

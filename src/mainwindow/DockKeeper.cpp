@@ -156,8 +156,8 @@ void DockKeeper::restoreGeometry(const QByteArray& geometry)
 {
     const QRect before = m_window.geometry();
     const QList<QRect> screens = availableScreens();
-    // Qt accepts any rectangle, and what becomes of one that no screen could ever show depends on
-    // the desktop.
+    // Qt accepts any rectangle, and what it makes of one that no screen could ever show depends on the
+    // desktop.
     if (geometry.isEmpty() || !m_window.restoreGeometry(geometryOnScreen(geometry, screens, before)))
         return;
     m_geometryRestored = true;
@@ -165,7 +165,7 @@ void DockKeeper::restoreGeometry(const QByteArray& geometry)
     const bool filling = state & (Qt::WindowMaximized | Qt::WindowFullScreen);
     const QRect restored = filling ? m_window.normalGeometry() : m_window.geometry();
     const QRect placed = placedOnScreen(restored.isValid() ? restored : before, screens);
-    // What the window has become counts: where it was before may be a good place, and not where it is.
+    // Compared with where the window is now: `before` may be a good place without being that.
     if (placed == restored && state == m_window.windowState())
         return;
     m_window.setWindowState(Qt::WindowNoState);

@@ -17,9 +17,9 @@ class DockKeeper final : public QObject {
     Q_DISABLE_COPY_MOVE(DockKeeper)
 
 public:
-    /// Adds three empty docks to the window, which is also the keeper's parent. They come before the
-    /// panes, which are best made as their children: under a style sheet a change of parent styles
-    /// everything in a widget anew. The settings must outlive the keeper.
+    /// Adds three empty docks to the window, which is also the keeper's parent. The docks are made before the
+    /// panes, so that panes can be made as children of their docks: under a style sheet, a change of parent
+    /// styles everything in a widget anew. The settings must outlive the keeper.
     DockKeeper(QMainWindow& window, TerminalSettings& settings);
     ~DockKeeper() override;
 

@@ -116,7 +116,8 @@ MainWindow::MainWindow(QWidget* parent)
 
 MainWindow::~MainWindow()
 {
-    // Nothing acts through this window any more. What goes before what, the order of its members says.
+    // From here on nothing acts through this window. The members end in the reverse order of their
+    // declaration.
     m_feed.disconnect();
     m_charts->disconnect(this);
 }
@@ -270,7 +271,7 @@ void MainWindow::connectActions()
         m_chartCommands.get(), &ChartCommands::specificationRequested, this, &MainWindow::showSpecification);
     m_links->serve(*m_actions, *this);
     connect(m_quitWatch, &QuitWatch::quitRequested, this, &MainWindow::quit);
-    // The session's manager may end the process without another word; or the session goes on.
+    // After this the session manager may end the process without another word, or let it go on.
     connect(qApp, &QGuiApplication::commitDataRequest, this, &MainWindow::storeLayout);
 }
 
@@ -296,7 +297,7 @@ void MainWindow::onHello(const QJsonObject& hello)
 {
     m_book.setSymbols(feed::symbols(hello));
     m_charts->catchUp();
-    // No ticks: to whoever was connected before they may be old news, on which nothing is to act.
+    // They are no ticks: after a reconnection they may be old, and nothing may act on an old price.
     m_book.noteHelloPrices(feed::helloPrices(hello));
     m_loader->refreshAccounts();
     m_news->refresh();
@@ -341,7 +342,7 @@ void MainWindow::onTimeframeAction(QAction* action)
 
 void MainWindow::onSubWindowActivated(QMdiSubWindow* /*subWindow*/)
 {
-    // None is active while another window has the focus; the chart is still the one to act on.
+    // Qt names no active chart while another window has the focus; commands still go to the last one.
     m_chartCommands->followActiveChart();
 }
 

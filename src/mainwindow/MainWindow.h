@@ -106,7 +106,7 @@ private:
     /// The active chart's symbol, else the one selected in Market Watch.
     [[nodiscard]] QString currentSymbol() const;
 
-    // The order is that of life: what is declared later goes earlier, and may use what stands before it.
+    // The order is that of life: what is declared later ends earlier, and may use what is declared before it.
     TerminalSettings& m_settings;
     ApiClient m_api;
     WsClient m_feed;
@@ -130,7 +130,7 @@ private:
     QuitWatch* m_quitWatch = nullptr;
     ScreenFit* m_screenFit = nullptr;
 
-    // What talks through the clients, what reports to the children, and who acts on these.
+    // Collaborators that use a client, report to a child above, or act on another one of these.
     std::unique_ptr<DockKeeper> m_docks;
     std::unique_ptr<AccountLoader> m_loader;
     std::unique_ptr<NewsPane> m_news;
@@ -140,7 +140,7 @@ private:
     std::unique_ptr<TradeActions> m_tradeActions; ///< what experts want while their charts go is not sent
     std::unique_ptr<TradeDesk> m_tradeDesk;
 
-    bool m_layoutStored = false; ///< since the window was last shown; what closes after it changes nothing
+    bool m_layoutStored = false; ///< since the window was last shown; what closes afterwards no longer counts
     bool m_leaving = false;
     bool m_wasShown = false;
 };

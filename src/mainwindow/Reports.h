@@ -20,13 +20,13 @@ public:
     Reports(TerminalPane& toolbox, TerminalSettings& settings, TrayIcon* tray, QObject* parent = nullptr);
     ~Reports() override;
 
-    /// Listens to the signals named here, each of them a report of the kind that its arguments tell.
+    /// Listens to these signals of a collaborator. The arguments of a signal tell which kind of report it is.
     template <typename Reporter, typename... Signals>
     void follow(const Reporter& reporter, Signals... signalsOfIt)
     {
         (listen(reporter, signalsOfIt), ...);
     }
-    /// Makes what the settings tell of themselves a line of the Journal.
+    /// Writes the notices of the settings to the Journal.
     void followSettings();
 
 public Q_SLOTS:

@@ -5,8 +5,8 @@
 
 #include <optional>
 
-/// What QWidget::saveGeometry() wrote, taken apart: Qt restores any rectangle, even one that no
-/// screen could ever show.
+/// What QWidget::saveGeometry() wrote, taken apart so that it can be corrected: Qt restores any rectangle,
+/// even one that no screen could ever show.
 struct SavedGeometry final {
     QRect frame;
     QRect normal; ///< without the frame, as it was before the window was maximized
@@ -21,7 +21,7 @@ struct SavedGeometry final {
     [[nodiscard]] QByteArray bytes() const;
 };
 
-/// The geometry with each rectangle on one of the screens, in place of one that makes no sense `otherwise`.
-/// Bytes in another format come back as they are.
+/// The geometry with each rectangle moved onto one of the screens; `otherwise` takes the place of a rectangle
+/// that makes no sense. Bytes in another format come back as they are.
 [[nodiscard]] QByteArray geometryOnScreen(
     const QByteArray& bytes, const QList<QRect>& screens, const QRect& otherwise);

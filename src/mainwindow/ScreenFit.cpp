@@ -14,10 +14,11 @@
 
 namespace {
 
-// Nobody tells when the frame has come, nor that none will.
+// No signal tells when the frame has come, or that none will.
 constexpr int turnsMs[] = {0, 80, 200};
 
-// Until the frame has come. A window of just the screen's size would be taken for one that wants none.
+// Assumed until the frame has come: a desktop may take a window of exactly the screen's size for one that
+// wants no frame.
 constexpr QMargins usualFrame(4, 36, 4, 4);
 
 QMargins frameOf(const QWidget& window)
@@ -55,7 +56,7 @@ bool isShownForTheFirstTime(QWidget& window)
     return !before;
 }
 
-/// Fits the window, as long as nobody else gives it a size, in this turn and those after it.
+/// Fits the window in this turn and those after it, until somebody else gives it a size.
 void fitLater(QWidget& window, QSize sizeBefore, std::size_t turn)
 {
     if (turn == std::size(turnsMs))
@@ -83,7 +84,7 @@ void ScreenFit::fit(QWidget& window)
 {
     if (fillsScreen(window))
         return;
-    // Before it appears its place is not known, only whether it is too large for any.
+    // Before the window appears its place is not known, but whether it is too large for any place is.
     const QMargins frame = frameOf(window);
     if (placeFor(window, frame).size() != window.size())
         window.setGeometry(placeFor(window, frame.isNull() ? usualFrame : frame));

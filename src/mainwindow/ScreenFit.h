@@ -5,8 +5,8 @@
 class QWidget;
 
 /// Keeps what the terminal opens within the screen: each dialog and small window over the main window, and
-/// the main window itself when it asks for it. Only the first moments of a window are looked after; where the
-/// trader puts it later is the trader's business.
+/// the main window itself when it asks for it. A window is watched in its first moments only; later it stays
+/// where the trader puts it.
 class ScreenFit final : public QObject {
     Q_OBJECT
     Q_DISABLE_COPY_MOVE(ScreenFit)

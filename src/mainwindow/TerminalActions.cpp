@@ -157,7 +157,7 @@ void TerminalActions::groupChoices()
 
 void TerminalActions::giveToolTips()
 {
-    // The toolbar is shorter of words than the menu.
+    // The toolbar has shorter texts than the menu.
     fibonacci->setIconText(tr("Fibonacci"));
     fibonacci->setToolTip(tr("Fibonacci"));
     algoTrading->setToolTip(tr("Algo Trading — allow Expert Advisors to place orders"));

@@ -78,7 +78,7 @@ public:
     QActionGroup* const chartTypes;
     /// One for each row of the table of indicators; an action's data is the row's key.
     QList<QAction*> const indicators;
-    /// The kinds of chart object, in the order of menu and toolbar; an action's data is the tool's key.
+    /// One for each kind of drawing, in the order of menu and toolbar; an action's data is the tool's key.
     [[nodiscard]] QList<QAction*> drawingTools() const;
 
     /// Enables what needs a symbol list.

@@ -68,7 +68,7 @@ void placeToolBars(QMainWindow& window)
         if (auto* bar = window.findChild<QToolBar*>(name, Qt::FindDirectChildrenOnly))
             bars.append(bar);
     }
-    // With the last bar of a row the row itself goes.
+    // Removing the last toolbar of a row removes the row.
     for (QToolBar* bar : bars)
         window.removeToolBar(bar);
     for (QToolBar* bar : bars) {

@@ -27,7 +27,7 @@ TradeDesk::TradeDesk(
 
 TradeDesk::~TradeDesk()
 {
-    // They talk through the client, those that wait unseen for an answer too.
+    // Dialogs use the client, also those that are hidden and wait for an answer.
     qDeleteAll(m_window.findChildren<SendingDialog*>(Qt::FindDirectChildrenOnly));
 }
 
@@ -50,7 +50,7 @@ void TradeDesk::openOrderDialog(const QString& symbol)
 void TradeDesk::open(SendingDialog& dialog, const QString& failure)
 {
     dialog.setAttribute(Qt::WA_DeleteOnClose);
-    // On the screen again for an account that is no longer the one on show, its next click would trade there.
+    // A dialog that comes back while another account is on show would trade on the wrong one.
     dialog.setReturnRule(
         [this, account = m_book.currentAccountId()] { return m_book.currentAccountId() == account; });
     connect(&dialog, &SendingDialog::outcomeUnknown, this, &TradeDesk::everythingRefreshWanted);

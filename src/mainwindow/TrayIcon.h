@@ -18,8 +18,8 @@ public:
     [[nodiscard]] QSystemTrayIcon& icon() { return m_icon; }
 
 public Q_SLOTS:
-    /// At once, whatever is still on show: how several are arranged is the tray's business, and news of money
-    /// must not wait.
+    /// Shows it at once, even if another one is on show: the tray arranges them, and news of money must not
+    /// wait.
     void showBalloon(const Balloon& balloon);
 
 Q_SIGNALS:

@@ -24,9 +24,9 @@ struct DockFacts final {
 /// without screens the rectangle comes back as it is.
 [[nodiscard]] QRect placedOnScreen(const QRect& wanted, const QList<QRect>& screens);
 
-/// The rectangle of a window without its frame, made small enough to lie with it inside the part of its
-/// screen that is `available`, but no smaller than `least`, and moved there. What fits as it is stays as it
-/// is; what cannot fit shows its title bar and its upper left corner. Without a screen the rectangle comes
-/// back as it is.
+/// A window's rectangle (without its frame), made small enough, but no smaller than `least`, to lie with its
+/// frame inside the `available` part of its screen, and moved there. A window that fits already stays as it
+/// is; one that cannot fit shows its title bar and its upper left corner. Without a screen the rectangle
+/// comes back as it is.
 [[nodiscard]] QRect fittedToScreen(
     const QRect& wanted, const QMargins& frame, const QSize& least, const QRect& available);

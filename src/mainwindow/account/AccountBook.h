@@ -26,8 +26,8 @@ struct AccountSummary final {
 };
 
 /// What the terminal knows about the user's accounts, the current account's trades and the tradable symbols:
-/// the records as they came, and the rules on them. Tells what has changed; whoever shows or uses it asks for
-/// the rest.
+/// the records as they came, and the rules on them. Its signals tell what has changed; receivers ask the book
+/// for the values.
 class AccountBook final : public QObject {
     Q_OBJECT
     Q_DISABLE_COPY_MOVE(AccountBook)
@@ -63,8 +63,8 @@ public:
     [[nodiscard]] const QJsonArray& openTrades() const { return m_openTrades; }
     [[nodiscard]] const QJsonArray& pendingOrders() const { return m_pendingOrders; }
 
-    /// Replaces the symbol list. Records without a name are kept in the list but cannot be looked up. What
-    /// the new decimals say is no price is forgotten.
+    /// Replaces the symbol list. Records without a name are kept in the list but cannot be looked up. A known
+    /// price that is none by the new decimals is forgotten.
     void setSymbols(const QJsonArray& symbols);
     [[nodiscard]] const QJsonArray& symbols() const { return m_symbols; }
     /// The symbols in the order of every list, those without a name left out.
@@ -77,7 +77,8 @@ public:
 
     /// Looks through a price map, once for all, and remembers the latest quote of every symbol in it.
     void notePrices(const QJsonObject& prices);
-    /// The same for the prices of a hello, which are no ticks: they count until the symbol's next snapshot.
+    /// The same for the prices of a hello, which are no ticks. They are the latest quotes until a snapshot
+    /// names the symbol.
     void noteHelloPrices(const QJsonObject& prices);
     /// The latest quote of one symbol; nothing when none has come.
     [[nodiscard]] std::optional<Quote> quote(const QString& symbol) const;
@@ -85,7 +86,7 @@ public:
     [[nodiscard]] std::optional<Quote> tickedQuote(const QString& symbol) const;
 
 Q_SIGNALS:
-    // A list that was read anew counts as a change, whatever it holds: what is shown starts from it again.
+    // A list that was read again counts as a change even if it is the same: views are filled from it anew.
     void accountsChanged();
     void currentAccountChanged();
     /// Open trades and pending orders.

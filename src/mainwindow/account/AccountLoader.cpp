@@ -74,7 +74,7 @@ void AccountLoader::onAccounts(const QJsonDocument& document, const QString& err
         return;
     }
     m_book.setAccounts(document.array());
-    // The same one as before too, so that its trades are loaded.
+    // Also when it is the current one already, so that its trades are loaded.
     selectAccount(m_book.preferredAccountId());
 }
 
@@ -112,7 +112,8 @@ void AccountLoader::onHistory(const QString& accountId, const QJsonDocument& doc
 
 void AccountLoader::onReplyTooLarge(const QString& path)
 {
-    // Other failures of this read pass, and are not told. This one would stay, and the list with it.
+    // Other failures of this read are not told, since a later read may go well. This one comes back every
+    // time.
     if (m_largeHistoryTold || path != tradesPath("history"_L1, m_book.currentAccountId()))
         return;
     m_largeHistoryTold = true;

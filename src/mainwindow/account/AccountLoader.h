@@ -23,7 +23,7 @@ public:
     ~AccountLoader() override = default;
 
 public Q_SLOTS:
-    /// The list of accounts, then the trades of the one that is to be current.
+    /// The list of accounts, then the trades of the account that becomes current.
     void refreshAccounts();
     /// Open trades, then pending orders. Nothing without an account.
     void refreshOpenTrades();
@@ -34,7 +34,7 @@ public Q_SLOTS:
     void selectAccount(const QString& id);
 
 Q_SIGNALS:
-    /// The current account's history. Nobody keeps it but who shows it: it may be large.
+    /// The current account's history. The book does not keep it, since it may be large.
     void historyRead(const QJsonArray& rows);
     void journalLine(const QString& source, const QString& message);
 

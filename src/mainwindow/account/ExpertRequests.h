@@ -9,24 +9,25 @@
 
 class ApiClient;
 
-/// Sends what experts want, in its order and a few at a time, so that a script in a loop floods neither the
-/// server nor the line. What waits can still be taken back.
+/// Sends the requests of experts in their order and a few at a time, so that a script in a loop floods
+/// neither the server nor the connection. Those that wait can still be dropped.
 class ExpertRequests final : public QObject {
     Q_OBJECT
     Q_DISABLE_COPY_MOVE(ExpertRequests)
 
 public:
-    /// Hears once of each request that is not dropped.
+    /// Called once for each request, unless that is dropped.
     using Report = ReplyOutcome::Callback;
 
     /// The client must outlive the requests.
     explicit ExpertRequests(ApiClient& api, QObject* parent = nullptr);
 
-    /// An order at prices of now: one that could not be sent in time is reported as not sent.
+    /// An order is meant for the prices of this moment: if it could not be sent in time it is reported as not
+    /// sent.
     void order(TradeRequest request, Report report);
     /// A close, which is never too late.
     void close(TradeRequest request, Report report);
-    /// Forgets what is not sent yet. How many those were.
+    /// Drops the requests that are not sent yet, and tells how many they were.
     int dropWaiting();
 
     /// How long an order may wait, in milliseconds; for orders from now on.

@@ -70,7 +70,7 @@ void TradeActions::moveLevel(const QString& tradeId, const QString& kind, double
     if (!request)
         return refuse(tr("Modify failed: %1"));
     std::move(*request).send(m_api, this, [this, kind, price](const ReplyOutcome& outcome) {
-        // Not 'g', which takes 1e+05 for shorter than 100000.
+        // Not 'g', which writes 100000 as 1e+05.
         const QString shown = QString::number(price, 'f', QLocale::FloatingPointShortest);
         tellTrade(outcome.ok, SoundKind::Open,
             outcome.ok ? tr("%1 moved to %2").arg(kind, shown) : tr("Modify failed: %1").arg(outcome.error));

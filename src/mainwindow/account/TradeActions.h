@@ -11,10 +11,10 @@
 class AccountBook;
 class ApiClient;
 
-/// Turns what a trader or a script wants done with a trade into one request each, and reports what became of
-/// it: a line, a sound, and the lists read again, whatever the outcome was; all lists, where no answer came.
-/// No request is repeated, and a trader's own leaves at once. Scripts trade only while algo trading is on;
-/// what of theirs still waits when it goes off is dropped.
+/// Sends one request for each thing that a trader or a script wants done with a trade, and reports what
+/// became of it: a line, a sound, and the wish to read lists again (all lists, where no answer came). No
+/// request is repeated, and a trader's request leaves at once. Scripts trade only while algo trading is on;
+/// their requests that still wait when it goes off are dropped.
 class TradeActions final : public QObject {
     Q_OBJECT
     Q_DISABLE_COPY_MOVE(TradeActions)
@@ -58,7 +58,8 @@ private:
     void tellTrade(bool ok, SoundKind success, const QString& message);
     void refreshEverything();
     void refreshAccountsAndTrades();
-    /// What an ended request may have changed: these lists, or all of them where no answer tells.
+    /// Asks for the lists that an ended request may have changed: the usual ones, or all of them where no
+    /// answer came.
     void refreshAfter(const ReplyOutcome& outcome, void (TradeActions::*usual)());
 
     ApiClient& m_api;
