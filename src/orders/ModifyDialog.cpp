@@ -27,7 +27,7 @@ namespace {
 
 constexpr int lotDecimals = 2;
 
-/// What the field shows, also a level with more decimals than can be typed.
+/// The number that the field shows, even one with more decimals than can be typed.
 std::optional<double> numberIn(const DecimalEdit* field)
 {
     return field ? parseDecimal(field->text()) : std::nullopt;
@@ -93,7 +93,7 @@ ModifyDialog::ModifyDialog(ApiClient& api, const QJsonObject& trade, int digits,
     buttons->addWidget(m_modify);
     column->addLayout(buttons);
 
-    // What is typed at once must reach the first level, in place of the one that is there.
+    // A number typed at once must replace the first level.
     DecimalEdit* first = m_price ? m_price : m_stopLoss;
     setFocusOrder({first, m_stopLoss, m_takeProfit, cancel, m_modify});
     first->setFocus();
@@ -164,7 +164,7 @@ void ModifyDialog::showError(const QString& text)
 
 void ModifyDialog::keyPressEvent(QKeyEvent* event)
 {
-    // Whoever has gone to Cancel does not mean the default button.
+    // Enter presses the button that has the focus, such as Cancel, rather than the default one.
     auto* button = qobject_cast<QPushButton*>(focusWidget());
     if (button && (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter))
         return button->click();

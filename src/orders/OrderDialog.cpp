@@ -19,8 +19,8 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-// The window is light in both themes; what pops up from it must not take half of its colours from a dark
-// one.
+// The window is light in both themes; tips and lists that pop up from it must not take some of their colours
+// from the dark theme.
 constexpr auto popupStyle
     = "QToolTip{background:#ffffe1;color:#222;border:1px solid #b0b0b0;}"
       "QComboBox QAbstractItemView{background:#ffffff;color:#222;"

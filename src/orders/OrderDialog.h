@@ -28,7 +28,7 @@ public:
     ~OrderDialog() override = default;
 
 public Q_SLOTS:
-    /// A price map keyed by symbol. Quotes without a positive bid and ask are no quotes.
+    /// A price map keyed by symbol. A quote that lacks a positive bid or ask is ignored.
     void onPrices(const QJsonObject& prices);
 
 Q_SIGNALS:

@@ -85,8 +85,8 @@ OrderForm::OrderForm(const QJsonArray& symbols, const QString& initialSymbol, QW
 
 QFormLayout* OrderForm::buildFields()
 {
-    // A list that drops down and scrolls; one that pops over the field would fill the screen. Said before
-    // the list exists, since it is built for one or the other.
+    // The list drops down and scrolls, since one that pops over the field would fill the screen. This must be
+    // set before view() builds the list.
     m_symbolCombo->setStyleSheet("QComboBox{combobox-popup:0;}"_L1);
     m_symbolCombo->view()->setVerticalScrollBarPolicy(Qt::ScrollBarAsNeeded);
     m_symbolCombo->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
@@ -220,7 +220,7 @@ void OrderForm::showError(const QString& text)
 void OrderForm::setSending(bool sending)
 {
     if (sending) {
-        // Taken here, the focus does not slip to the next button that is still enabled: a second press
+        // The form takes the focus, which would otherwise go to the next enabled button, and a second press
         // of the space bar would press that one.
         m_focusBefore = focusWidget();
         setFocus();

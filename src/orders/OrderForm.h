@@ -14,7 +14,7 @@ class QLabel;
 class QPushButton;
 
 /// The middle of the order window: the fields of an order, the large prices, the error line and the two
-/// buttons. Knows what was typed, not what becomes of it.
+/// buttons. Knows what was typed, but not how it is sent.
 class OrderForm final : public QWidget {
     Q_OBJECT
     Q_DISABLE_COPY_MOVE(OrderForm)
@@ -40,9 +40,9 @@ public:
     void showError(const QString& text);
     /// Nothing can be typed or pressed while an order is on its way.
     void setSending(bool sending);
-    /// Puts the cursor where a trader types first: a number typed at once replaces the volume.
+    /// Gives the volume the focus and selects it, so that a number typed at once replaces it.
     void focusVolume();
-    /// What Tab comes to here, from the top.
+    /// The widgets that Tab goes through here, from the top.
     [[nodiscard]] QList<QWidget*> focusOrder() const;
 
 Q_SIGNALS:

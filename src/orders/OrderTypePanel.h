@@ -16,7 +16,7 @@ public:
     explicit OrderTypePanel(QWidget* parent = nullptr);
     ~OrderTypePanel() override = default;
 
-    /// What Tab comes to here, from the top.
+    /// The widgets that Tab goes through here, from the top.
     [[nodiscard]] QList<QWidget*> focusOrder() const { return m_focusOrder; }
 
 Q_SIGNALS:

@@ -63,8 +63,8 @@ void SendingDialog::comeBack()
     m_left = false;
     if (!isHidden())
         return;
-    // It may come back under the hands of somebody who types elsewhere: their keys must change nothing. With
-    // no focus policy it would hand the focus on to its first field.
+    // It may come back while the trader types somewhere else, and those keys must change nothing here: the
+    // dialog itself takes the focus. Without a focus policy it would hand the focus on to its first field.
     setFocusPolicy(Qt::ClickFocus);
     setFocus();
     show();

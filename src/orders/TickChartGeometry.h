@@ -7,7 +7,7 @@
 
 #include <optional>
 
-/// Where the tick chart draws what: a value computed for one widget size and one set of quotes.
+/// Where the parts of the tick chart lie: a value computed for one widget size and one set of quotes.
 class TickChartGeometry final {
 public:
     static constexpr int scaleSteps = 5;
