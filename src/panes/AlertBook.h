@@ -10,7 +10,7 @@
 class PriceSnapshot;
 
 /// The price alerts in the order they were made, and which of them a price snapshot sets off. However many
-/// there are, of each symbol only the two nearest to its price are looked at.
+/// there are, a check compares each symbol's price with its two nearest alerts only.
 class AlertBook final {
 public:
     /// An alert that a snapshot has set off.
@@ -34,7 +34,7 @@ public:
     [[nodiscard]] QList<Fired> check(const PriceSnapshot& prices);
 
 private:
-    /// The nearest thresholds of one symbol's active alerts; a bid between them sets off none.
+    /// The nearest thresholds of one symbol's active alerts. A bid between the two sets off no alert.
     struct Watch {
         double lowestAbove = std::numeric_limits<double>::infinity();
         double highestBelow = -std::numeric_limits<double>::infinity();

@@ -17,7 +17,7 @@ public:
     explicit AlertDialog(const QStringList& symbols, QWidget* parent = nullptr);
     ~AlertDialog() override = default;
 
-    /// What was entered; without a symbol or with a price of 0 it is of no use.
+    /// What was entered; unusable without a symbol or with a price of 0.
     [[nodiscard]] PriceAlert alert() const;
 
 private:

@@ -99,7 +99,7 @@ void AlertsPane::deleteCurrent()
     const int row = m_list->indexOfTopLevelItem(m_list->currentItem());
     m_book.removeAt(row);
     saveAndFill();
-    // The next one, so that pressing the button again goes on down the list.
+    // Select the next one, so that pressing the button again goes on down the list.
     const int last = m_list->topLevelItemCount() - 1;
     if (row >= 0 && last >= 0)
         m_list->setCurrentItem(m_list->topLevelItem(std::min(row, last)));

@@ -11,8 +11,8 @@ class PriceSnapshot;
 class QTreeWidget;
 class TerminalSettings;
 
-/// The trader's price alerts: a list kept in the settings, checked against every price snapshot. Sounds and
-/// balloons are asked for by signals, so that the pane knows neither a tray nor an audio device.
+/// The trader's price alerts: a list kept in the settings, checked against every price snapshot. It asks for
+/// sounds and balloons by signals, and knows neither a tray nor an audio device.
 class AlertsPane final : public QWidget {
     Q_OBJECT
     Q_DISABLE_COPY_MOVE(AlertsPane)

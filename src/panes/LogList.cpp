@@ -16,7 +16,7 @@ namespace {
 // tenth of the time, and a list of ordinary length is up to date within the same turn.
 constexpr int rowsPerPauseMs = 2000;
 
-// Source names are a handful; beyond this many they are somebody's data and not worth sharing.
+// There are a handful of source names. Beyond this many they are somebody's data, and not worth sharing.
 constexpr int mostSources = 256;
 
 enum Column { Time, Source, Message };

@@ -19,8 +19,8 @@ public:
     explicit LogList(Clock clock, QWidget* parent = nullptr);
     ~LogList() override = default;
 
-    /// Adds a row at the bottom with the present local time. Both are shortened, on one line
-    /// and without known secrets.
+    /// Adds a row at the bottom with the present local time. Source and message are shortened, put on one
+    /// line and freed of known secrets.
     void append(const QString& source, const QString& message);
 
 protected:

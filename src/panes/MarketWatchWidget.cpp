@@ -38,8 +38,8 @@ Tick tickOf(double price, double last)
     return price > last ? Tick::Up : Tick::Down;
 }
 
-// Stretched, a column never gets narrower than it was before; an ordinary width would put its end out of
-// sight in a narrow dock.
+// A stretched section never becomes narrower than its width before, and an ordinary width would put its end
+// out of sight in a narrow dock: so it begins narrow.
 void stretchLastColumn(QTreeWidget* list)
 {
     constexpr int narrowest = 60;
@@ -58,7 +58,8 @@ QString symbolOf(const QTreeWidgetItem* item)
 MarketWatchWidget::MarketWatchWidget(QWidget* parent)
     : QWidget(parent)
     , m_look(std::make_shared<QuoteLook>(QuoteLook::forCurrentTheme()))
-    // Each child is made where it stays: under a style sheet a change of parent styles everything anew.
+    // Each child is made with its final parent: under a style sheet, a change of parent styles everything
+    // anew.
     , m_pages(new QStackedWidget(this))
     , m_list(new QTreeWidget(m_pages))
     , m_details(new QTreeWidget(m_pages))

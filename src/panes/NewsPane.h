@@ -10,7 +10,7 @@ class QTreeWidget;
 struct NewsReply;
 
 /// The economic calendar: upcoming events, read again every two minutes, and a balloon shortly before each
-/// one of high impact. Failed reads leave the list as it was, without a word.
+/// one of high impact. A failed read leaves the list as it was and is not reported.
 class NewsPane final : public QWidget {
     Q_OBJECT
     Q_DISABLE_COPY_MOVE(NewsPane)
@@ -24,7 +24,7 @@ public Q_SLOTS:
     void refresh();
 
 Q_SIGNALS:
-    /// At most once an event and run; also asked for when nobody shows it.
+    /// At most once for each event in a run, even where there is no tray to show it.
     void balloonWanted(const Balloon& balloon);
 
 private:

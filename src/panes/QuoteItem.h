@@ -19,7 +19,7 @@ struct QuoteLook final {
     [[nodiscard]] static QuoteLook forCurrentTheme();
 };
 
-/// Where a price went the last time it differed.
+/// Which way a price last moved.
 enum class Tick : quint8 { None, Up, Down };
 
 /// One symbol's row in Market Watch. Holds numbers and directions and turns them into text, colour and
@@ -34,7 +34,7 @@ public:
     QuoteItem(
         std::shared_ptr<const QuoteLook> look, const QString& name, const QString& description, int digits);
 
-    /// The symbol whole, of which the row shows the beginning.
+    /// The whole symbol; the row shows its beginning.
     [[nodiscard]] QString symbol() const { return m_name; }
     /// A new price. Tick::None keeps the direction shown before.
     void setBid(double bid, Tick tick);

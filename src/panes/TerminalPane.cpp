@@ -77,7 +77,8 @@ TerminalPane::TerminalPane(QWidget* parent)
     buildLogPages();
 }
 
-// Each widget is made where it stays: under a style sheet a change of parent styles everything in it anew.
+// Each widget is made with its final parent: under a style sheet, a change of parent styles everything in it
+// anew.
 void TerminalPane::buildTradePage()
 {
     auto* page = new QWidget(this);

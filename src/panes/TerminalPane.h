@@ -25,8 +25,8 @@ public:
     explicit TerminalPane(QWidget* parent = nullptr);
     ~TerminalPane() override = default;
 
-    /// The parent that further pages are best made with: adding them then moves nothing, which under a style
-    /// sheet would style everything in them anew.
+    /// The parent to make further pages with, so that adding them changes no parent: under a style sheet that
+    /// would style everything in them anew.
     [[nodiscard]] QWidget* pageParent() const;
 
     /// The same as updateCurrentPrices() with a price map that has been read already.
