@@ -17,7 +17,7 @@ ExpertEngine::~ExpertEngine()
     m_run->abandon();
 }
 
-// Script code may delete this object: after it nothing here is touched.
+// Script code may delete this object, so nothing here is touched after a call into the run.
 
 bool ExpertEngine::load(const QString& path, QString* error)
 {

@@ -13,11 +13,11 @@ class ExpertRun;
 /// Runs one Expert Advisor: a JavaScript file with some of the functions OnInit, OnTick, OnTimer and
 /// OnDeinit. Loads once; a stopped engine is not started again.
 ///
-/// Everything happens on the GUI thread, and a script that never returns blocks it. Hooks never nest: a
-/// tick or a time-out that comes while one is running is dropped. The engine may be stopped and deleted at
-/// any time, from within its own hooks and signals too: the script engine then stays until the hook has
-/// returned, but what the hook still asks for has no effect. Whoever acts upon the signals rather than upon
-/// what a call has come to need not ask whether anything is left after the call.
+/// Everything happens on the GUI thread, and a script that never returns blocks it. Hooks never nest: a tick
+/// or a time-out that comes while one is running is dropped. The engine may be stopped and deleted at any
+/// time, even from within its own hooks and signals: the script engine then lives until the hook has
+/// returned, but what the hook still asks for has no effect. So a caller had better act upon the signals:
+/// after a call it could not be sure that the engine still exists.
 class ExpertEngine final : public QObject {
     Q_OBJECT
     Q_DISABLE_COPY_MOVE(ExpertEngine)
@@ -31,8 +31,8 @@ public:
     ~ExpertEngine() override;
 
     /// Reads the script, runs the runtime prelude and the script, and calls OnInit. True when the expert is
-    /// running; else the reason is in `error`, and has been told: a failure of OnInit, or of reading any
-    /// hook, by message(), any other by failed().
+    /// running; else `error` holds the reason, which a signal has told already: message() for a failure in
+    /// OnInit or in reading a hook, failed() for any other.
     bool load(const QString& path, QString* error = nullptr);
     /// Calls OnTick; nothing unless running. An error in it ends the expert.
     void tick();
@@ -47,12 +47,12 @@ public:
 
 Q_SIGNALS:
     void message(const QString& text, LineKind kind);
-    /// It runs, and has said so.
+    /// The expert runs, and its line about that has been written.
     void started();
     /// The script could not be made ready to start.
     void failed(const QString& reason);
-    /// It was stopped, has stopped itself, or was never started: the last that is heard, unless the hook in
-    /// which it was stopped still fails.
+    /// The expert was stopped, has stopped itself, or was never started. The last signal, unless the hook in
+    /// which it was stopped fails afterwards.
     void ended();
 
 private:

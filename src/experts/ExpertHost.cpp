@@ -48,7 +48,7 @@ void ExpertHost::disconnectChart()
 
 void ExpertHost::act(Action action)
 {
-    // Qt calls a method even when converting its arguments has thrown.
+    // Qt calls a method even when the conversion of its arguments has thrown an error.
     if (const QJSEngine* engine = qjsEngine(this); engine && engine->hasError())
         return;
     if (m_held) {

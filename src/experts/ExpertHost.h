@@ -11,8 +11,8 @@
 #include <vector>
 
 /// What a script may ask and do: the native side of its trading interface. Holds no trading rules; whatever
-/// leaves the chart goes through callbacks. Every invokable method here can be called by any script with
-/// any arguments, so nothing else may be one, and there are no properties.
+/// leaves the chart goes through callbacks. Any script can call every invokable method with any arguments, so
+/// nothing that scripts must not do may be invokable, and there are no properties.
 ///
 /// Numbers from scripts arrive as doubles and are checked here: left to Qt, NaN would become bar 0
 /// and 4294967297 bar 1.
@@ -48,11 +48,11 @@ public:
     /// The symbol's price decimals, known late when the server lists the symbol late.
     void setDigits(int digits) { m_digits = digits; }
 
-    /// From now on there are no candles, no prices, and nothing that is asked for happens.
+    /// From now on scripts find no candles and no prices, and what they ask for does not happen.
     void disconnectChart();
 
-    /// While held, what a script does happens in a later turn of the event loop: outside its hooks a script
-    /// must not reach code that could end it on the spot.
+    /// While `hold` is set, what a script asks for happens in a later turn of the event loop: outside its
+    /// hooks a script must not reach code that could end it on the spot.
     void holdActions(bool hold) { m_held = hold; }
 
     Q_INVOKABLE void print(const QString& text);
@@ -110,7 +110,8 @@ private:
     QString m_symbol;
     int m_digits;
     const std::vector<Candle>* m_candles;
-    std::shared_ptr<const Callbacks> m_callbacks; ///< shared with calls under way, which may end this object
+    std::shared_ptr<const Callbacks>
+        m_callbacks; ///< shared with calls under way, since these may end this object
     WindowSums m_sums;
     bool m_held = false;
 };

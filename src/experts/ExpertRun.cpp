@@ -17,7 +17,7 @@ constexpr auto preludeName = "ea_prelude.js"_L1;
 
 } // namespace
 
-/// While script code runs that this class has called: what it asks for happens at once.
+/// Lives while this class is calling script code, whose wishes then happen at once.
 class ExpertRun::HookScope final {
     Q_DISABLE_COPY_MOVE(HookScope)
 
@@ -75,7 +75,7 @@ bool ExpertRun::load(const QString& path, QString& error)
     }
     m_state = State::Running;
     report(tr("%1 loaded").arg(m_name), LineKind::Ordinary);
-    // Whoever heard that may have ended it.
+    // A receiver of that line may have ended the expert.
     if (isRunning())
         Q_EMIT m_engine->started();
     return isRunning();
@@ -149,7 +149,7 @@ QString ExpertRun::reportOf(const QString& hookName, const ScriptError& failure)
 
 void ExpertRun::tick()
 {
-    // A box opened by something that a hook asked for lets prices in while the hook waits.
+    // What a hook asks for may open a message box, which lets prices in while the hook waits.
     if (m_state != State::Running || m_inHook || !m_onTick.isCallable())
         return;
     const auto alive = shared_from_this();

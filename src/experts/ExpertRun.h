@@ -11,9 +11,9 @@
 
 class ExpertEngine;
 
-/// One expert from loading to its end: script engine, host, timer and hooks. Kept by its ExpertEngine and,
-/// while one of its hooks is running, by that call, so that it can be ended from within. Whatever is told in
-/// a row is told from here: it goes on to the end of the row, or until nobody is interested any more.
+/// One expert from loading to its end: script engine, host, timer and hooks. Its ExpertEngine keeps it alive,
+/// and so does each hook that is running, so that it outlives an end from within a hook. Several signals in a
+/// row are emitted from here: all of them, or until abandon().
 class ExpertRun final : public std::enable_shared_from_this<ExpertRun> {
     Q_DECLARE_TR_FUNCTIONS(ExpertEngine)
     Q_DISABLE_COPY_MOVE(ExpertRun)
@@ -27,7 +27,7 @@ public:
     [[nodiscard]] bool load(const QString& path, QString& error);
     void tick();
     void stop();
-    /// Nobody is interested any more: no script code runs, apart from the rest of a hook under way.
+    /// The engine is gone: no script code runs any more, apart from the rest of a hook under way.
     void abandon();
 
     [[nodiscard]] const QString& name() const { return m_name; }
@@ -39,24 +39,24 @@ private:
     enum class State { Created, Starting, Running, Stopping, Stopped };
     class HookScope;
 
-    /// Runs the prelude and the script. The reason why not has been told nobody yet.
+    /// Runs the prelude and the script. On failure `error` holds the reason, which has not been reported.
     [[nodiscard]] bool evaluate(const QString& path, QString& error);
-    /// Fetches the hooks and calls OnInit. The reason why not has been reported.
+    /// Fetches the hooks and calls OnInit. On failure `error` holds the reason, which has been reported.
     [[nodiscard]] bool initialize(QString& error);
-    /// Fetches a hook. False, with the composed text of the failure, which has been reported, when reading
-    /// its name throws.
+    /// Fetches a hook. False when reading its name throws; `error` then holds the text that has been
+    /// reported.
     [[nodiscard]] bool find(const QString& hookName, QJSValue& hook, QString& error);
-    /// The composed text of a failure, which has been reported; absent when all went well.
+    /// Calls a hook. Gives the text of a failure, which has been reported; nothing when all went well.
     std::optional<QString> call(const QJSValue& hook, const QString& hookName);
-    /// Reports a hook's failure; the text that was reported.
+    /// Reports a hook's failure and gives the reported text.
     QString reportOf(const QString& hookName, const ScriptError& failure) const;
     void onTimer();
     void startTimer(int seconds);
     void report(const QString& text, LineKind kind) const;
 
-    ExpertEngine* m_engine; ///< none once nobody is interested any more
+    ExpertEngine* m_engine; ///< null after abandon()
     ScriptEngine m_script;
-    ExpertHost m_host; ///< after the engine, so that it goes first
+    ExpertHost m_host; ///< declared after the engine, so that it ends first
     std::unique_ptr<QTimer> m_timer;
     QString m_name;
     QJSValue m_digitsChanged; ///< the prelude's own

@@ -9,7 +9,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-/// Texts about the facade, such as the engine's own messages, call it by its name.
+/// The facade's text is its name, which the engine's own messages then show.
 constexpr QStringView facadeMaker = uR"((function(object, names, ownName) {
     "use strict";
     const facade = Object.create(null);
@@ -19,8 +19,8 @@ constexpr QStringView facadeMaker = uR"((function(object, names, ownName) {
     return Object.freeze(facade);
 }))";
 
-/// A thrown value arrives in an array; whatever is returned is dropped. Qt itself cannot tell a
-/// thrown number from a returned one, nor a returned error from a thrown one.
+/// Wraps a hook so that a thrown value comes back in an array, and a returned one is dropped. Qt itself
+/// cannot tell a thrown number from a returned one, nor a returned error from a thrown one.
 constexpr QStringView catcher = uR"((function(hook) {
     "use strict";
     return function() {
@@ -32,8 +32,8 @@ constexpr QStringView catcher = uR"((function(hook) {
     };
 }))";
 
-/// An array with the value of a property, or with nothing and what reading it threw: Qt's own way of
-/// reading swallows that.
+/// An array with the value of a property, or with nothing and what reading it threw: Qt's own way of reading
+/// swallows the error.
 constexpr QStringView reader = uR"((function(object, key) {
     "use strict";
     try {
@@ -71,14 +71,14 @@ QString cut(const QString& text)
     return text.size() <= ScriptError::longest ? text : text.first(ScriptError::longest) + u'…';
 }
 
-/// What the engine says in its own shorthand, as a sentence.
+/// The engine's terse messages as sentences.
 QString sentence(const QString& message)
 {
     if (message == "Insufficient arguments"_L1)
         return u"Too few arguments for a method of the terminal"_s;
     if (message == "Type error"_L1)
         return u"A value or an object does not allow what was tried with it"_s;
-    // How it speaks of a call without an object.
+    // The engine's message about a call without an object.
     constexpr auto start = "Property '"_L1;
     constexpr auto end = "' of object [null] is not a function"_L1;
     if (message.startsWith(start) && message.endsWith(end))
@@ -114,7 +114,7 @@ void ScriptEngine::expose(const QString& globalName, QObject& object)
         if (type->method(i).methodType() == QMetaMethod::Method)
             names.append(QString::fromLatin1(type->method(i).name()));
     }
-    // Otherwise the engine would delete it together with the last value that mentions it.
+    // Otherwise the engine would delete the object together with the last value that refers to it.
     QJSEngine::setObjectOwnership(&object, QJSEngine::CppOwnership);
     const QJSValue facade
         = m_facade.call({m_engine.newQObject(&object), m_engine.toScriptValue(names), globalName});
@@ -148,7 +148,7 @@ std::optional<ScriptError> ScriptEngine::call(const QJSValue& function)
     const QJSValue result = function.call();
     if (result.isUndefined())
         return std::nullopt;
-    // Nothing but an array with the thrown value comes out, unless the stack ran out on the very way.
+    // The catcher gives an array with the thrown value, unless the stack ran out inside the catcher itself.
     return describe(result.isArray() ? result.property(0) : result, {});
 }
 
@@ -162,8 +162,8 @@ ScriptError ScriptEngine::describe(const QJSValue& thrown, const QStringList& tr
     error.name = thrown.isError() && !part(0).isEmpty() ? cut(part(0)) : u"Error"_s;
     error.message = thrown.isError() ? cut(sentence(part(1))) : cut(part(speaks ? 1 : 2));
 
-    // When the stack is full, the functions on top have not reached any of their lines yet, and are put down
-    // to line 1: their callers count.
+    // When the stack is full, the topmost functions have not reached a line of their own yet, and Qt reports
+    // line 1 for them: take the line of their callers.
     const bool stackFull = thrown.isError() && part(1) == "Maximum call stack size exceeded."_L1;
     bool isNumber = false;
     const int named = part(4).toInt(&isNumber);
@@ -178,7 +178,7 @@ ScriptError ScriptEngine::describe(const QJSValue& thrown, const QStringList& tr
     }
     if (stackFull && error.line == 1)
         error.line = 0;
-    // Of what is no error object only the place is known, as "function:line:column:file".
+    // For a thrown value that is no error object only the trace is known, as "function:line:column:file".
     for (qsizetype i = 0; error.line == 0 && i < trace.size(); ++i) {
         if (trace[i].endsWith(u':' + m_source))
             error.line = trace[i].chopped(m_source.size() + 1).section(u':', -2, -2).toInt();
@@ -186,7 +186,7 @@ ScriptError ScriptEngine::describe(const QJSValue& thrown, const QStringList& tr
     return error;
 }
 
-/// From "file:line".
+/// The line in a text "file:line"; 0 for another file.
 int ScriptEngine::lineOf(const QString& place) const
 {
     return place.startsWith(m_source + u':') ? place.mid(m_source.size() + 1).toInt() : 0;

@@ -13,9 +13,9 @@ struct ScriptError {
     static constexpr qsizetype longest = 1000;
 };
 
-/// A JavaScript engine for code that nobody has looked at. Tells a thrown value from a returned one, whatever
-/// it is, and puts errors down to lines of the script even when they arise in functions it was given. What
-/// would end the whole program becomes an error of the script, as far as that can be had (script_guards.js).
+/// A JavaScript engine for code that nobody has checked. Tells any thrown value from a returned one, and
+/// traces errors to lines of the script even when they arise in functions that the script was given. As far
+/// as possible, what would end the whole program becomes an error of the script (script_guards.js).
 class ScriptEngine final {
     Q_DISABLE_COPY_MOVE(ScriptEngine)
 
@@ -23,13 +23,13 @@ public:
     ScriptEngine();
     ~ScriptEngine();
 
-    /// Gives scripts a global object with the invokable methods of `object` and nothing else but a text of
-    /// its own, which is its name: no properties, signals or slots, no prototype, nothing to assign. `object`
+    /// Gives scripts a global object with the invokable methods of `object` and a text, its name. It has
+    /// nothing else: no properties, signals or slots, no prototype, nothing that can be assigned. `object`
     /// stays the caller's and must live as long as the engine is used.
     void expose(const QString& globalName, QObject& object);
 
-    /// Runs a text whose first line is line 1. Errors that come later are put down to lines of the text
-    /// that was run last. `result` gets what the text evaluates to, unless it fails.
+    /// Runs a text whose first line is line 1. Later errors are traced to lines of the text that was run
+    /// last. `result` gets what the text evaluates to, unless it fails.
     [[nodiscard]] std::optional<ScriptError> run(
         const QString& text, const QString& fileName, QJSValue* result = nullptr);
 
@@ -43,7 +43,7 @@ private:
     [[nodiscard]] ScriptError describe(const QJSValue& thrown, const QStringList& trace);
     [[nodiscard]] int lineOf(const QString& place) const;
 
-    /// What the process must have before there is an engine.
+    /// Set before the engine is made; see raiseScriptLimits().
     struct Limits {
         Limits();
     };
@@ -51,7 +51,7 @@ private:
     Limits m_limits;
     QJSEngine m_engine;
     QString m_source; ///< how the engine names the file of the text that was run last
-    // Made before any script ran, and reachable by none.
+    // Made before any script ran, and out of reach for all of them.
     QJSValue m_facade;
     QJSValue m_catcher;
     QJSValue m_reader;

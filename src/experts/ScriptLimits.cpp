@@ -11,13 +11,13 @@ namespace {
 /// Reading the longest regular expression that the engine takes needs between 100 and 128 MiB.
 constexpr rlim_t stackSize = rlim_t{192} * 1024 * 1024;
 
-/// Address space, used as far as need be. The engine's own 2 MiB are full after a chain of half a million
-/// values, and a full one ends the program.
+/// Address space, of which only what is needed is used. The engine's default of 2 MiB is full after a chain
+/// of half a million values, which ends the program.
 constexpr const char* collectorStackSize = "268435456";
 
 void raise()
 {
-    // The main thread's stack grows up to the limit that is valid when it grows.
+    // The limit counts at the moment when the main thread's stack grows, so it can be raised now.
     rlimit limit{};
     if (getrlimit(RLIMIT_STACK, &limit) == 0 && limit.rlim_cur != RLIM_INFINITY
         && limit.rlim_cur < stackSize) {

@@ -14,7 +14,7 @@
 /// the same to the last bit.
 class WindowSums final {
 public:
-    /// Of the differences from each close to the next, those upwards and those downwards, both positive.
+    /// The differences from each close to the next, upwards and downwards ones apart, both as positive sums.
     struct Moves {
         double gains = 0.0;
         double losses = 0.0;
@@ -34,7 +34,7 @@ private:
         Kind kind = Kind::None;
         std::size_t first = 0;
         std::size_t end = 0; ///< after the last candle that was added
-        Moves sums;          ///< gains alone for closes
+        Moves sums;          ///< of closes: in `gains` alone
     };
 
     using Summation = void (*)(Moves& sums, const std::vector<Candle>& candles, std::size_t index);
