@@ -14,7 +14,8 @@
 /// the same to the last bit.
 class WindowSums final {
 public:
-    /// The differences from each close to the next, upwards and downwards ones apart, both as positive sums.
+    /// The sums of the differences from each close to the next: of those upwards and of those downwards, both
+    /// positive.
     struct Moves {
         double gains = 0.0;
         double losses = 0.0;

@@ -19,13 +19,13 @@ struct ChartLook {
     ChartColors colors;
     ChartType type = ChartType::Candles;
     QList<MovingAverageSpec> averages;
-    int legendIndent = 0; ///< columns at the left of the averages' names that something covers
+    int legendIndent = 0; ///< columns that something covers to the left of the averages' names
     QList<IndicatorPane> panes = hiddenPanes(); ///< the first that is shown is the lowest
 };
 
-/// The wanted colours without transparency; one that is none keeps the current one.
+/// The wanted colours without transparency. An invalid colour is replaced by the current one.
 [[nodiscard]] ChartColors solidColors(const ChartColors& wanted, const ChartColors& current);
-/// Averages without transparency; a colour that is none becomes the first one of the palette.
+/// Averages with colours without transparency. An invalid colour becomes the first one of the palette.
 [[nodiscard]] QList<MovingAverageSpec> solidAverages(QList<MovingAverageSpec> averages);
-/// The type a number means; candles for any that means none.
+/// The type that a number means; candles for an unknown number.
 [[nodiscard]] ChartType chartTypeOf(int number);

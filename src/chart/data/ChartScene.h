@@ -28,13 +28,13 @@ public:
     /// Replaces the series (see CandleSeries for bad candles); the view stays where it is.
     void setCandles(std::vector<Candle> candles);
     /// Takes a quote at `timeMs` (ms since the epoch) and follows the market to a new candle. A price of 0
-    /// means that there is none: it takes the place of the last one, and the quote goes into no candle. Gives
-    /// nothing when no picture changes; prices that are no number or absurd are ignored.
+    /// means that there is none now: the last one is forgotten, and the quote goes into no candle. Gives
+    /// nothing when the picture stays as it is. Quotes with a price that is no number or absurd are ignored.
     [[nodiscard]] std::optional<TickEffect> tick(double bid, double ask, qint64 timeMs);
     /// See CandleSeries::setTimeframeMs(). Tells whether it has changed.
     bool setTimeframeMs(qint64 ms);
     void setState(const ViewState& state);
-    /// Reserves room for as many panes below the prices.
+    /// Reserves room for so many panes below the prices.
     void setPanes(int count);
 
     [[nodiscard]] const CandleSeries& series() const { return m_series; }
@@ -48,8 +48,8 @@ public:
     [[nodiscard]] ViewState atEnd() const;
     /// Where the view stands; nothing while it follows the newest bar, or without candles.
     [[nodiscard]] std::optional<Place> place() const;
-    /// The state that stands at a place of another reading of the same series: at the bar that its time lies
-    /// in, or at the nearer end of the series.
+    /// The state that shows a place that was noted in another reading of the same series: the bar in which
+    /// the place's time lies, or the nearer end of the series.
     [[nodiscard]] ViewState at(const Place& place) const;
     [[nodiscard]] ViewState withAutoScroll(bool on) const;
     [[nodiscard]] ViewState withShift(bool on) const;

@@ -8,7 +8,7 @@
 /// always. Month names are English. Empty for times that no calendar holds.
 [[nodiscard]] QString barTimeText(qint64 timeMs, qint64 timeframeMs, bool withDate);
 
-/// The line at the top of a chart that nobody points at; server texts are shown on one line.
+/// The line at the top of a chart while the pointer is elsewhere. Server texts in it are one line.
 [[nodiscard]] QString headerText(const QString& symbol, const QString& timeframeLabel,
     const QString& description, const Candle& last, int digits);
 

@@ -17,7 +17,7 @@ struct DrawingPoint {
 struct Drawing {
     QString id;                 ///< server id; empty until the server has stored the drawing
     QString type;               ///< "hline", "vline", "trendline", "rectangle" or "fibonacci"
-    QList<DrawingPoint> points; ///< 1 for the two plain lines, 2 for the others; fewer: it lies nowhere
+    QList<DrawingPoint> points; ///< 1 for "hline" and "vline", else 2; with fewer it is not drawn
     QColor color = QColor(0xe0, 0xe0, 0xe0);
     bool selected = false;
 

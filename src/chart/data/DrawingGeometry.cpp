@@ -12,7 +12,7 @@
 namespace {
 
 constexpr int handleSide = 6;
-/// Times further from the epoch are no times; within it, no difference of two leaves 64 bits.
+/// Times further from the epoch are no times. Differences between times within fit 64 bits.
 constexpr qint64 farTime = 4'000'000'000'000'000'000;
 
 qint64 usableTime(qint64 time)
@@ -20,7 +20,7 @@ qint64 usableTime(qint64 time)
     return std::clamp(time, -farTime, farTime);
 }
 
-/// From a pixel to the segment between two; nothing when the segment is shorter than a pixel.
+/// From a pixel to the segment between two others; nothing when the segment is shorter than a pixel.
 std::optional<double> distance(const QPoint& pixel, const QPoint& from, const QPoint& to)
 {
     const double dx = static_cast<double>(to.x()) - from.x();

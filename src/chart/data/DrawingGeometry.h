@@ -12,11 +12,11 @@
 #include <span>
 
 /// Where the drawings of one chart picture lie, for painting and for hit tests alike. Valid as long as the
-/// candles are. Drawings of an unknown kind, with too few points or with a price that cannot be drawn lie
-/// nowhere, and so does everything while there are no candles.
+/// candles are. A drawing of an unknown kind, with too few points or with a price that cannot be drawn has no
+/// place, and no drawing has one while there are no candles.
 class DrawingGeometry final {
 public:
-    /// How far from a line, in pixels, a press still means it.
+    /// How far from a line, in pixels, a press still selects it.
     static constexpr int reach = 6;
     static constexpr std::array fibonacciRatios{0.0, 0.236, 0.382, 0.5, 0.618, 0.786, 1.0};
 
@@ -45,10 +45,10 @@ public:
     /// The pixel row of a shown price.
     [[nodiscard]] int row(double price) const { return m_view.pricePixel(price); }
 
-    /// Whether a press at a pixel means the drawing. Only horizontal lines and trend lines can be meant: the
-    /// other kinds would take presses that are for the chart below them.
+    /// Whether a press at a pixel selects the drawing. Only horizontal lines and trend lines can be selected
+    /// so: the other kinds would take presses that are meant for the chart below them.
     [[nodiscard]] bool isHit(const Drawing& drawing, const QPoint& pixel) const;
-    /// The topmost drawing that a press means, or -1.
+    /// The topmost drawing that a press selects, or -1.
     [[nodiscard]] qsizetype topmostHit(std::span<const Drawing> drawings, const QPoint& pixel) const;
 
     /// The square that marks a selected drawing's point.

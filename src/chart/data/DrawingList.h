@@ -11,8 +11,8 @@ class DrawingList final {
 public:
     [[nodiscard]] const QList<Drawing>& drawings() const { return m_drawings; }
 
-    /// Replaces the drawings. Of several selected ones the first stays so; when none is, the drawing that was
-    /// selected before stays selected, found by its server id. Tells whether anything changed.
+    /// Replaces the drawings. If several come selected, the first one stays selected; if none does, the one
+    /// that was selected before, found by its server id. Tells whether anything changed.
     bool replace(QList<Drawing> drawings);
 
     void append(const Drawing& drawing) { m_drawings.append(drawing); }

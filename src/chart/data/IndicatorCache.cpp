@@ -47,7 +47,7 @@ void IndicatorCache::rebuild()
         group->lines.clear();
         for (const indicators::Recipe& recipe : group->wanted)
             group->lines.push_back(lineOf(recipe));
-        // Values may have gone with their lines.
+        // The old spans may have pointed into lines that are gone.
         group->values.assign(group->lines.size(), Values());
     }
 }

@@ -8,13 +8,13 @@
 #include <list>
 
 /// The indicator values of one growing series. The values of settled candles are computed once; that of the
-/// newest, which ticks change, anew from what was carried up to it. The values equal a computation of the
-/// whole series to the bit.
+/// newest, which ticks change, anew from what was carried up to it. The values are equal to the bit to those
+/// of one computation over the whole series.
 class IndicatorCache final {
 public:
     using Values = std::span<const double>;
 
-    /// Values of averages that stay are kept. Averages that differ in colour only share their values.
+    /// Values of averages that stay are kept. Averages that differ only in colour share their values.
     void setAverages(const QList<MovingAverageSpec>& averages);
     /// Only the panes on show are computed.
     void setPanes(const QList<IndicatorPane>& panes);
@@ -45,7 +45,7 @@ private:
         IndicatorProgress settled; ///< without the newest candle
         std::vector<double> values;
     };
-    /// What was asked for together, in its order.
+    /// The lines of the averages, or those of the panes, in the order in which they were asked for.
     struct Group {
         std::vector<indicators::Recipe> wanted;
         std::vector<const Line*> lines;

@@ -2,8 +2,8 @@
 
 #include <QtGlobal>
 
-/// Every indicator that a chart can show. What one is, and all that is shown of it, says its row in
-/// IndicatorTable.cpp; the rows stand in this order.
+/// Every indicator that a chart can show. Its row in IndicatorTable.cpp says what it is and how it is shown.
+/// The rows are in this order.
 enum class IndicatorKind : qint32 {
     Sma,
     Ema,

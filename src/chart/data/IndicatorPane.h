@@ -7,7 +7,7 @@
 /// A pane below the prices. A chart has each kind of pane once, on show or hidden.
 struct IndicatorPane {
     IndicatorKind kind = IndicatorKind::Rsi;
-    qint32 period = 14; ///< bars; stays while the pane is hidden
+    qint32 period = 14; ///< bars; remembered while the pane is hidden
     bool shown = false;
 
     bool operator==(const IndicatorPane&) const = default;

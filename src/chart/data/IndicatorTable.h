@@ -23,7 +23,7 @@ struct ValueRange {
     double max = 1.0;
 };
 
-/// How an indicator looks that has a pane of its own.
+/// The look of an indicator that has a pane of its own.
 struct PaneStyle {
     QColor line;
     std::span<const int> bounds;     ///< values with a dotted line across the pane and a label
@@ -38,7 +38,7 @@ struct IndicatorRow {
         std::span<double> values);
 
     IndicatorKind kind;
-    QLatin1StringView key;   ///< in the Navigator's entries and in saved charts, so it stays for ever
+    QLatin1StringView key;   ///< in the Navigator's entries and in saved charts, so never change it
     const char* name;        ///< in the Navigator
     const char* command;     ///< in the menus
     QLatin1StringView label; ///< on the chart, before the period

@@ -17,7 +17,7 @@ struct Recipe {
     bool operator==(const Recipe&) const = default;
 };
 
-/// Periods below 1 and of 1 give the same values; the recipe returned says 1.
+/// The recipe for a period; one below 1 becomes 1, so that equal values have equal recipes.
 [[nodiscard]] Recipe recipeFor(IndicatorKind kind, qint32 period);
 
 /// Whether any of `count` bars has a value.

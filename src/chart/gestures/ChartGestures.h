@@ -14,8 +14,8 @@
 
 class QPoint;
 
-/// The hand on a chart: decides which behaviour a press goes to, and carries it on until it is let go. Knows
-/// no widget; what happens to the chart is told in the answers.
+/// The hand on a chart: decides which behaviour takes a press, and carries that behaviour on until the button
+/// is released. Knows no widget; the answers of its methods say what happens to the chart.
 class ChartGestures final {
 public:
     /// The chart that a press falls on. Valid as long as what it refers to.
@@ -28,16 +28,16 @@ public:
         std::span<const Drawing> drawings;
     };
 
-    /// Behaviours in the order in which they are asked whether they want a press.
+    /// The behaviours, in the order in which a press is offered to them.
     enum class Taker { Tool, Ruler, Level, Object, Chart };
 
     struct Press {
         Taker taker = Taker::Chart;
         std::optional<Drawing> created;    ///< the tool's drawing is complete
-        std::optional<qsizetype> selected; ///< the drawing to select, or -1 for none; absent: as it is
+        std::optional<qsizetype> selected; ///< the drawing to select, -1 for none; absent: no change
     };
 
-    /// Whatever was in the hand must have been let go.
+    /// Call letGo() before: nothing may be held any more.
     [[nodiscard]] Press press(const Ground& ground, const QPoint& position);
     /// Whether drag() moves anything.
     [[nodiscard]] bool isDragging() const { return m_level.isActive() || m_ruler.isStretching(); }
@@ -50,15 +50,15 @@ public:
     [[nodiscard]] std::optional<LevelDrag::Drop> release(int digits);
     /// Ends what only lives while the button is held. True when a level goes back to its place.
     bool letGo();
-    /// Ends the foremost of what can be given up: a dragged level, a tool, a shown ruler. Tells which, if
-    /// any; without the tool its points are gone as well.
+    /// Cancels one thing: a dragged level, else the tool with its points, else a shown ruler. Tells which;
+    /// nothing when there is none.
     [[nodiscard]] std::optional<Taker> cancel();
 
     void chooseTool(const QString& key) { m_tool.choose(key); }
     void armRuler(bool on) { m_ruler.setArmed(on); }
     void followLevels(const QList<TradeLevel>& levels) { m_level.follow(levels); }
     void cancelLevel() { m_level.cancel(); }
-    /// The bars in view have other numbers now, so many higher.
+    /// The numbers of the bars in view have become higher by so many.
     void renumberBars(double bars) { m_panZoom.renumber(bars); }
 
     [[nodiscard]] const DrawingTool& tool() const { return m_tool; }

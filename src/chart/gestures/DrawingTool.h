@@ -22,8 +22,8 @@ public:
     /// The point that waits for its second one.
     [[nodiscard]] const std::optional<DrawingPoint>& placed() const { return m_placed; }
 
-    /// A click at a point. Gives the drawing when it is complete; the tool stays chosen until it is
-    /// cancelled, without points. Gives nothing while no tool is active.
+    /// A click at a point. Gives the drawing when it is complete; the tool then stays chosen, without points,
+    /// until it is cancelled. Gives nothing while no tool is active.
     [[nodiscard]] std::optional<Drawing> click(const DrawingPoint& point);
 
 private:

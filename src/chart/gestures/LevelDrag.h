@@ -24,8 +24,8 @@ public:
         bool operator==(const Drop&) const = default;
     };
 
-    /// The draggable level nearest to pixel row `y` within reach, or -1; of equally near ones the one painted
-    /// last. Levels outside the plot's prices are not painted and cannot be taken.
+    /// The index of the draggable level nearest to pixel row `y` within reach, or -1; of equally near ones
+    /// that which is painted last. Levels outside the plot's prices are not painted and cannot be taken.
     [[nodiscard]] static qsizetype levelAt(const QList<TradeLevel>& levels, const ChartView& view, int y);
 
     /// Takes the level at pixel row `y`; false when there is none.
@@ -41,12 +41,12 @@ public:
 
     void cancel() { m_active = false; }
 
-    /// Ends the drag. Gives the level's new price rounded to `digits` decimals, or nothing when it is the old
-    /// one or not above zero, where it would mean to remove the level.
+    /// Ends the drag. Gives the level's new price rounded to `digits` decimals; nothing for the old price, or
+    /// for one that is not above 0, which would remove the level.
     [[nodiscard]] std::optional<Drop> drop(int digits);
 
     [[nodiscard]] bool isActive() const { return m_active; }
-    /// Of the dragged level in the latest list; -1 while none is.
+    /// The dragged level's index in the latest list; -1 while none is dragged.
     [[nodiscard]] qsizetype index() const { return m_active ? m_index : -1; }
     /// Where the dragged level is shown.
     [[nodiscard]] double price() const { return m_price; }

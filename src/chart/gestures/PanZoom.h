@@ -13,7 +13,7 @@ public:
     /// A drag begins at pixel column `x`.
     void begin(int x, const ViewState& state);
     void end() { m_panning = false; }
-    /// The bars below the drag have other numbers now, so many higher.
+    /// The numbers of the bars below the drag have become higher by so many.
     void renumber(double bars) { m_startIndex += bars; }
 
     /// The view with the pointer dragged to column `x` over a series of `count` candles: stays between

@@ -11,7 +11,7 @@
 namespace {
 
 constexpr int boxHeight = 18;
-/// More points than this are as good as endless, and fit an integer.
+/// Larger numbers of points are told as this one, which fits an integer.
 constexpr double mostPoints = 9e18;
 
 qint64 pointsBetween(double from, double to, int digits)

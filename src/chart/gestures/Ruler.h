@@ -10,7 +10,7 @@
 
 /// Measuring between two pixels of the plot: armed, a press sets the start, moving with the button held
 /// stretches it, and after the release it stays on show until the next press, until cleared, or until it is
-/// disarmed. It stands on pixels, not on prices: what it tells follows the chart that moves below it.
+/// disarmed. It is held by pixels, not by prices: when the chart moves below it, it measures something else.
 class Ruler final {
 public:
     struct Span {
@@ -27,7 +27,7 @@ public:
     void begin(const QPoint& position);
     /// The end follows a position, kept within the plot.
     void stretch(const ChartView& view, const QPoint& position);
-    /// The ruler stays as it is.
+    /// The button is released: the ruler stays on show as it is.
     void finish() { m_stretching = false; }
     /// Nothing is shown any more; stays armed.
     void clear();

@@ -15,7 +15,7 @@ namespace {
 /// Above this a picture would cost more memory than it saves time (256 MB).
 constexpr double mostPixels = 64.0 * 1024.0 * 1024.0;
 
-/// The layers as device pixels; nothing when there is no room for them.
+/// The layers as a picture in device pixels; null when there is no room for it.
 QPixmap pictureOf(const ChartFrame& frame, qreal scale, void (*paint)(QPainter&, const ChartFrame&))
 {
     // Rounded as the painter rounds the background.
@@ -27,7 +27,8 @@ QPixmap pictureOf(const ChartFrame& frame, qreal scale, void (*paint)(QPainter&,
         return {};
     ChartFrame whole = frame;
     whole.exposed = QRect(QPoint(0, 0), frame.view.size());
-    // Painted through a transform rather than a pixel ratio: copied later, its pixels are device pixels.
+    // Painted through a transform and without a pixel ratio of its own, so that it can be copied pixel by
+    // pixel.
     QPainter painter(&picture);
     painter.scale(scale, scale);
     paint(painter, whole);
@@ -53,13 +54,13 @@ bool isWhole(const ChartFrame& frame, const QRegion& exposed)
         && exposed.boundingRect().contains(QRect(QPoint(0, 0), frame.view.size()));
 }
 
-/// Copies what of a picture lies in `exposed`.
+/// Copies the part of a picture that lies in `exposed`.
 void copyPicture(QPainter& painter, const QPixmap& picture, qreal scale, const QRegion& exposed)
 {
-    // Between device pixels, only the painter's own clip knows how the rectangles of a region were rounded.
+    // At a fractional scale only the painter's own clip knows how the rectangles of the region were rounded.
     if (exposed.rectCount() <= 1 || scale != std::floor(scale))
         return copyWhole(painter, picture, scale);
-    // One rectangle at a time is copied row by row, a whole region pixel run by pixel run.
+    // Qt copies a single rectangle row by row, but a region run by run, which is slower.
     painter.save();
     for (const QRect& part : exposed) {
         painter.setClipRect(part);

@@ -16,18 +16,18 @@ struct ChartFrame;
 
 /// Paints frames, keeping the layers that change rarely as a picture in device pixels. The picture is used
 /// while everything that it shows stays equal, so nobody has to announce a change. A frame that differs from
-/// the one before is painted straight (panning changes every frame, and a picture would only be copied once);
-/// the picture is made when the same content is asked for again. While ticks make the newest candle the
+/// the one before is painted straight: while panning every frame differs, and a picture would be copied only
+/// once. The picture is made when the same content is asked for again. While ticks make the newest candle the
 /// largest volume, the scale of all volumes changes with each of them: then the series is painted over a
 /// picture of what lies below them.
 class BandCache final {
 public:
     /// Paints what of the frame lies in `exposed`, in the frame's coordinates; the painter must be clipped to
-    /// it, as in a paint event. A part of a frame always comes from the picture: the broken lines of the grid
-    /// begin anew at a clip edge.
+    /// it, as in a paint event. A part of a frame always comes from the picture, since painted straight the
+    /// broken lines of the grid would begin anew at the edge of the clip.
     void paint(QPainter& painter, const ChartFrame& frame, const QRegion& exposed);
 
-    /// How often candles other than the newest were painted; what the speed of a chart depends on.
+    /// How often candles other than the newest were painted, on which the speed of a chart depends.
     [[nodiscard]] quint64 seriesPaints() const { return m_seriesPaints; }
 
 private:

@@ -52,7 +52,7 @@ struct ChartFrame : ChartLook {
     QPoint pointer = {-1, -1};
     bool pointerInPlot = false;
 
-    QRegion exposed;              ///< what of the picture is asked for
+    QRegion exposed;              ///< the part of the picture that is to be painted
     TextPainter* texts = nullptr; ///< never null while painting
 
     [[nodiscard]] const Candle& candle(qsizetype index) const
@@ -64,7 +64,7 @@ struct ChartFrame : ChartLook {
 class ChartGestures;
 class ChartScene;
 
-/// A frame of this size of what the candles, the settings and the gestures say. Indicator values, drawings,
-/// levels and the pointer are not in it yet.
+/// A frame of this size from scene, look and gestures. The caller adds indicator values, drawings, levels and
+/// the pointer.
 [[nodiscard]] ChartFrame frameOf(
     const ChartScene& scene, const QSize& size, const ChartLook& look, const ChartGestures& gestures);

@@ -14,7 +14,7 @@
 
 namespace {
 
-/// Paints boxes of one row or one column, those that continue each other as one.
+/// Paints boxes of one row or one column, and joins those that continue each other.
 class Runs final {
 public:
     Runs(QPainter& painter, const QRect& within, const QColor& color)
@@ -41,7 +41,7 @@ public:
     void finish()
     {
         close();
-        // Many boxes at once cost half, but only where they need not be scaled.
+        // Painting many boxes at once costs half, but only where they need not be scaled.
         if (m_painter.deviceTransform().type() > QTransform::TxTranslate) {
             for (const QRect& box : m_boxes)
                 m_painter.fillRect(box, m_color);

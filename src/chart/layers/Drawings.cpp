@@ -12,12 +12,12 @@ namespace {
 
 constexpr int fillAlpha = 28;
 constexpr int selectedWidth = 2;
-/// No text beside a retracement is as long as this, in pixels: those that begin further left than that, or
-/// beyond the right edge, are not worth laying out.
+/// Longer than any text beside a retracement, in pixels: a text that begins further left of the plot than
+/// this, or beyond its right edge, cannot be seen.
 constexpr int textReach = 1000;
 
-/// Everything stays within the plot, except the texts beside a retracement: they would be lost with an
-/// drawing that ends at the newest candle.
+/// Paints within the plot, except for the texts beside a retracement: those of a drawing that ends at the
+/// newest candle would be cut off.
 class Artist {
 public:
     Artist(QPainter& painter, const ChartFrame& frame)

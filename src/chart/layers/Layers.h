@@ -3,9 +3,9 @@
 class QPainter;
 struct ChartFrame;
 
-/// One function per layer of the chart, each in its own file. A layer reads the frame only and leaves pen,
-/// brush and font as it likes; those that show the series show it at ChartFrame::bars. What lies outside
-/// ChartFrame::exposed may be left out.
+/// One function per layer of the chart, each in its own file. A layer reads nothing but the frame, and need
+/// not restore pen, brush and font. Layers that show the series paint the bars in ChartFrame::bars. What lies
+/// outside ChartFrame::exposed may be left out.
 namespace layers {
 
 void paintBackground(QPainter& painter, const ChartFrame& frame);

@@ -10,8 +10,8 @@ namespace {
 
 constexpr int largestScale = 8;
 
-/// Device pixels per pixel of an upright painter, so that slopes are as fine as the screen; 1 where pixels do
-/// not divide evenly.
+/// Device pixels per pixel, so that slopes are as fine as the screen; 1 where that is no whole number, or the
+/// painter does more than scale and move.
 int deviceScale(const QPainter& painter)
 {
     const QTransform transform = painter.deviceTransform();
@@ -41,8 +41,8 @@ struct Steps {
         rise = steep ? dx : dy;
     }
 
-    /// Position on the other axis at a distance from the start on the longer one, to the nearest pixel. The
-    /// last pixel of the line is as wide as the others, and the line ends with it on both axes.
+    /// The position on the other axis, to the nearest pixel, at a distance from the start along the longer
+    /// one. The last pixel of the line is as wide as the others, and the line ends with it on both axes.
     [[nodiscard]] qint64 at(qint64 distance) const
     {
         const qint64 whole = std::abs(length);
@@ -99,7 +99,7 @@ void strokes::between(QPainter& painter, const QPoint& from, const QPoint& to, c
     const qint64 direction = steps.length < 0 ? -1 : 1;
     const QRectF limits(bounds);
 
-    // The last step is as long as a pixel is in device pixels.
+    // The line covers its last pixel too, which is `scale` device pixels long.
     const qint64 count = std::abs(steps.length) + scale;
     const qint64 low = static_cast<qint64>(steps.steep ? bounds.top() : bounds.left()) * scale;
     const qint64 high = (static_cast<qint64>(steps.steep ? bounds.bottom() : bounds.right()) + 1) * scale - 1;

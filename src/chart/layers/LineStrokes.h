@@ -7,9 +7,9 @@ class QPainter;
 class QPoint;
 class QRect;
 
-/// Lines in any direction. Each pixel depends on the line alone: neither the clip of a frame that is painted
-/// in parts nor the bounds shift a step or a dash, which a pen would do. Ends may lie far away; only what is
-/// within the bounds costs time.
+/// Lines in any direction. Each pixel depends on the line alone: where a frame is painted in parts, neither
+/// the clip nor the bounds shift a step or a dash, as they would with a pen. Ends may lie far away; only what
+/// is within the bounds costs time.
 namespace strokes {
 
 struct LineStyle {

@@ -11,10 +11,11 @@ void layers::paintMovingAverages(QPainter& painter, const ChartFrame& frame)
     BarRange bars = frame.bars;
     for (std::size_t i = 0; i < frame.averageValues.size(); ++i) {
         const QColor& color = frame.averages.at(static_cast<qsizetype>(i)).color;
-        // An average may be far from the prices in view; the axes stay readable.
+        // An average may lie far from the prices in view, so it is clipped to the plot and leaves the axes
+        // readable.
         curve::join(painter, view, frame.averageValues[i], bars, row, view.plot(), frame.exposed, color);
-        // Where only the newest bars are painted, each average begins one bar before the one that it
-        // covers, whose first pixels would else lie over its older part.
+        // Where only the newest bars are painted, each average begins one bar earlier than the one below it,
+        // whose first pixels would otherwise lie over the older part of this one.
         bars.first = std::max(view.visible().first, bars.first - 1);
     }
 }

@@ -8,7 +8,7 @@
 class ChartView;
 class TextPainter;
 
-/// What the layers that follow a gesture cover: what a step of the gesture must paint anew.
+/// The areas that the layers of a gesture cover, which a step of the gesture must paint anew.
 namespace overlays {
 
 /// Whether the preview of a drawing is the box between its points rather than a line.
@@ -24,14 +24,14 @@ namespace overlays {
 /// The line and the box of a ruler.
 [[nodiscard]] QRegion ruler(const ChartView& view, const Ruler::Span& span, int digits, TextPainter& texts);
 
-/// A level line at a price with its label and its price tag; also valid for one that is not dragged.
+/// A level line at a price with its label and its price tag, whether or not it is dragged.
 [[nodiscard]] QRegion level(const ChartView& view, double price);
 
 /// The ruler that is shown and the dragged level.
 [[nodiscard]] QRegion inHand(
     const ChartView& view, const ChartGestures& gestures, int digits, TextPainter& texts);
 
-/// What a pointer in the plot takes along: the crosshair, and the preview of the drawing being placed.
+/// What moves with a pointer in the plot: the crosshair, and the preview of the drawing that is being placed.
 [[nodiscard]] QRegion pointer(
     const ChartGestures::Ground& ground, const DrawingTool& tool, const QPoint& position);
 

@@ -46,7 +46,7 @@ void paintLabel(
         frame.texts->draw(painter, label, Qt::AlignLeft, QString::number(value), frame.colors.axis);
 }
 
-/// The bars that have something of their line between two columns.
+/// The bars whose line reaches into the columns from `left` to `right`.
 BarRange barsBetween(const ChartFrame& frame, int left, int right)
 {
     return {std::max(frame.bars.first, frame.view.barAt(left) - 2),
@@ -82,7 +82,7 @@ void paintPane(QPainter& painter, const ChartFrame& frame, const PaneContent& co
 {
     const ChartView& view = frame.view;
     const QRect& area = content.area;
-    // Pointer and ticks change little of the pane, which then costs little. One pixel more on each side,
+    // Only the exposed part is painted, since pointer and ticks expose little. One pixel more on each side,
     // since a part may end between two pixels of the screen.
     const QRect rows(area.left(), area.top(), view.size().width(), area.height() + 1);
     const QRect exposed = (frame.exposed & rows).boundingRect();
@@ -102,7 +102,7 @@ void paintPane(QPainter& painter, const ChartFrame& frame, const PaneContent& co
         paintLabel(painter, frame, area, part, y, bound);
     }
     if (!style.scale) {
-        // Nothing else tells what the heights mean.
+        // Without a fixed scale only these labels tell what the heights mean.
         paintLabel(painter, frame, area, part, area.top() + 8, scale.max);
         paintLabel(painter, frame, area, part, area.bottom() - 8, scale.min);
     }

@@ -19,7 +19,7 @@ struct PaneContent {
     std::span<const double> values; ///< one a bar, NaN where there is none; may be empty
 };
 
-/// Ground, bounds, line and title of a pane; only what of it is exposed.
+/// Paints ground, bounds, line and title of a pane, as far as they are exposed.
 void paintPane(QPainter& painter, const ChartFrame& frame, const PaneContent& content);
 
 /// The scale of the style, or one that holds the values of the visible bars: 0 to 1 where there are none.

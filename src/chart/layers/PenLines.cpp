@@ -15,7 +15,7 @@ namespace {
 
 using Segments = QVarLengthArray<QLineF, 512>;
 
-/// Half the width of a pen, its square end and what rounding adds.
+/// How far a pen reaches beside its line: half its width, its square end, and rounding.
 constexpr double penReach = 2.0;
 
 QRect reachOf(const QLineF& segment)
@@ -33,7 +33,7 @@ void draw(QPainter& painter, const QPen& pen, const Segments& segments)
     painter.drawLines(segments.constData(), static_cast<int>(segments.size()));
 }
 
-/// Paints what of the segments lies in `area` as a picture, in whole device pixels.
+/// Paints the part of the segments that lies in `area`, by way of a picture in whole device pixels.
 void drawAsPicture(QPainter& painter, const QPen& pen, const Segments& segments, const QRect& area, int scale)
 {
     QPixmap picture(area.size() * scale);
@@ -69,7 +69,7 @@ void strokes::withPen(
     Segments crossing;
     QRect crossed;
     for (const QLineF& segment : segments) {
-        // What leaves the frame is cut there in every picture of it.
+        // Beyond the frame's own edge nothing is ever shown, so a segment may be cut there.
         const QRect reach = reachOf(segment) & all;
         if (exposed.contains(reach)) {
             within.append(segment);

@@ -64,7 +64,7 @@ void paintCandles(QPainter& painter, const ChartFrame& frame)
             continue;
         }
         const QRect body(x - half, std::min(open, close), width, std::max(std::abs(close - open), 1));
-        if (rising) // as by a pen along its edges, which covers one pixel more to the right and below
+        if (rising) // as a pen along its edges would, covering one pixel more to the right and below
             strokes::outlined(painter, body.adjusted(0, 0, 1, 1), frame.colors.background, color);
         else
             painter.fillRect(body, color);

@@ -82,8 +82,8 @@ inline void outlined(QPainter& painter, const QRect& box, const QColor& fill, co
         painter.fillRect(box.adjusted(1, 1, -1, -1), fill);
 }
 
-/// Pen for the many dots of the grid, which it draws faster than boxes; hair-thin at every device pixel
-/// ratio, since wider strokes cost many times more.
+/// A pen for the grid: it draws many dots faster than boxes would. Hair-thin at every device pixel ratio,
+/// since wider strokes cost many times more.
 inline QPen hairline(const QColor& color, Qt::PenStyle style)
 {
     QPen pen(color, 1.0, style);

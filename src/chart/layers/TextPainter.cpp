@@ -16,7 +16,7 @@ constexpr int smallPointSize = 7;
 constexpr int boldWeight = 700;
 /// Enough for every label of a large screen several times over.
 constexpr qsizetype mostLayouts = 1024;
-/// No widget is wide enough for more, and layouts of endless texts are slow.
+/// No widget is wide enough for more characters, and layouts of endless texts are slow.
 constexpr qsizetype longestText = 1024;
 
 } // namespace
@@ -92,7 +92,7 @@ void TextPainter::drawSqueezed(
     painter.scale(double(std::max(box.width() - 2 * margin, 1)) / line.width, 1.0);
     painter.setFont(face.font);
     painter.setPen(color);
-    // Not the kept layout: under another scale it would be worked out anew, and once more without it.
+    // Not the kept layout: Qt would work it out anew for this scale, and again when it is next drawn without.
     painter.drawText(0, face.ascent, line.text.text());
     painter.restore();
 }

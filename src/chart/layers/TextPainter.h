@@ -18,8 +18,8 @@ public:
 
     TextPainter();
 
-    /// One line within `box`, which also bounds it, vertically centred; `alignment` is the horizontal one.
-    /// What is centred and wider than the box is drawn narrower: a price with its ends cut off reads as
+    /// One line within `box`, which also bounds it, vertically centred; `alignment` is the horizontal one. A
+    /// centred text that is wider than the box is drawn narrower: a price with its ends cut off reads as
     /// another price.
     void draw(QPainter& painter, const QRect& box, Qt::Alignment alignment, const QString& text,
         const QColor& color, Weight weight = Weight::Normal);

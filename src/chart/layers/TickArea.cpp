@@ -6,9 +6,9 @@
 
 namespace {
 
-/// More than the baseline of the header and what hangs below it.
+/// More rows than the header's text takes.
 constexpr int textRows = 24;
-/// The histogram takes less than one part in this many of the plot.
+/// The histogram takes less than a fifth of the plot's height.
 constexpr int volumeShare = 5;
 
 } // namespace
@@ -16,7 +16,7 @@ constexpr int volumeShare = 5;
 QRect tickarea::newestCandle(const ChartView& view)
 {
     const QRect& plot = view.plot();
-    // From the bar before, where the line of closes begins, and its whole width.
+    // From a bar's width left of the bar before, where the line of closes begins.
     const int before = view.barPixel(view.count() - 2) - static_cast<int>(view.barWidth()) - 1;
     const QPoint corner(std::clamp(before, plot.left(), plot.right() + 1), plot.top());
     return {corner, QPoint(view.size().width() - 1, view.size().height() - 1)};

@@ -16,13 +16,13 @@ namespace tickarea {
 [[nodiscard]] QRect quoteLine(const ChartView& view, double price);
 /// The texts at the top that tell the newest candle's prices.
 [[nodiscard]] QRect candleTexts(const ChartView& view);
-/// The columns of the volume histogram, which change together when its scale does.
+/// The volume histogram, all of which changes when its scale does.
 [[nodiscard]] QRect volumes(const ChartView& view);
-/// A pane by its number, for those whose scale follows their values.
+/// The pane of this number, for panes whose scale follows their values.
 [[nodiscard]] QRect pane(const ChartView& view, int number);
 
-/// All of it but such panes, from one picture to the next. Nothing when the scales do not stay: everything
-/// changes.
+/// All of these but the panes, for a tick from one picture to the next. Nothing when the scales change: then
+/// everything does.
 [[nodiscard]] std::optional<QRegion> changed(const QuotedView& before, const QuotedView& after);
 
 } // namespace tickarea

@@ -13,7 +13,7 @@ void layers::paintTimeGrid(QPainter& painter, const ChartFrame& frame)
         return;
     const qsizetype step = timeGridStep(view.barWidth());
     const QPen pen = strokes::hairline(frame.colors.grid, Qt::DotLine);
-    // On multiples of the step, so that lines stay with their bars while new ones arrive.
+    // At multiples of the step, so that the lines keep their bars while new candles arrive.
     for (qsizetype i = bars.last - bars.last % step; i >= bars.first; i -= step) {
         const int x = view.barPixel(i);
         if (x < plot.left())

@@ -74,7 +74,7 @@ TickEffect CandleSeries::foldTick(double bid, double ask, qint64 timeMs)
 {
     if (!isPriceOfTick(bid) || !isPriceOfTick(ask))
         return TickEffect::Nothing;
-    // The remainder keeps the sign of the time: before the epoch a bucket is named by its later end.
+    // The remainder has the sign of the time, so before the epoch a bucket is named by its end.
     const qint64 bucket = timeMs - timeMs % m_timeframeMs;
     const double mid = (bid + ask) * 0.5;
     if (!m_candles.empty()) {

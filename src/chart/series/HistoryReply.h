@@ -33,7 +33,7 @@ struct HistoryReply {
 /// Whether all four prices of a candle can be prices of a symbol with so many decimals.
 [[nodiscard]] bool hasPrices(const Candle& candle, int digits);
 
-/// Whether a candle read from a reply, where 0 stands for what could not be read, has a time after the epoch
-/// and no more than a day ahead of now, and four prices. A later one would be the newest candle for
-/// ever, and no tick of an earlier time counts.
+/// Whether a candle that was read from a reply counts: it has four prices (what could not be read is 0, which
+/// is none) and a time after the epoch and at most a day ahead of now. A candle of a later time would be the
+/// newest for ever, and no tick would count.
 [[nodiscard]] bool isSound(const Candle& candle, const CandleRule& rule);

@@ -11,10 +11,11 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-// What lies beyond is damage; the general reader knows what to make of it.
+// A number beyond is damage, which is left to the general reader.
 constexpr double largestMagnitude = 1e15;
 
-/// Walks through JSON text. Each "take" moves behind what it found and any blanks in front, or is false.
+/// Walks through JSON text. Each take...() skips blanks and moves behind what it has found; false when it
+/// finds something else.
 class Scanner final {
 public:
     explicit Scanner(QByteArrayView text)
@@ -77,7 +78,7 @@ public:
         return isNumber(from, m_at, number);
     }
 
-    /// Whether all between the two is one number of a sensible size.
+    /// Whether the text from `from` to `end` is one number of a sensible size.
     [[nodiscard]] static bool isNumber(const char* from, const char* end, double& number)
     {
         const auto [rest, error] = std::from_chars(from, end, number);

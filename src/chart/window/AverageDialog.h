@@ -2,8 +2,8 @@
 
 #include <QInputDialog>
 
-/// Asks for the period of a new moving average: 2 to 400 bars, the usual ones at first. Read the answer
-/// from intValue() once the dialog was accepted.
+/// Asks for the period of a new moving average: 2 to 400 bars, `usualPeriod` at first. Read the answer from
+/// intValue() once the dialog was accepted.
 class AverageDialog final : public QInputDialog {
     Q_OBJECT
     Q_DISABLE_COPY_MOVE(AverageDialog)

@@ -25,8 +25,8 @@ void ChartExpert::attach(const QString& path, std::unique_ptr<QTimer> timer)
 {
     const QPointer<ChartExpert> self(this);
     detach();
-    // What the old expert did in the end may have ended this seat, or brought another one here, which came
-    // later.
+    // The last words of the old expert may have ended this seat, or attached another expert. That one was
+    // chosen later and stays.
     if (!self || m_engine)
         return;
 
@@ -41,7 +41,7 @@ void ChartExpert::attach(const QString& path, std::unique_ptr<QTimer> timer)
     callbacks.order = [this, source](const QString& side, double lots, double sl, double tp) {
         order(source, side, lots, sl, tp);
     };
-    // The symbol must outlast a seat that goes while it is being told.
+    // A copy of the symbol, since a receiver of the signal may end this seat.
     callbacks.closeAll = [this, symbol = m_symbol] { Q_EMIT closeAllRequested(symbol); };
     callbacks.print = [this, source](const QString& text) { Q_EMIT log(source, text, LineKind::Ordinary); };
     callbacks.alert = [this, source](const QString& text) {
@@ -95,7 +95,8 @@ void ChartExpert::setDigits(int digits)
 
 void ChartExpert::order(const QString& source, const QString& side, double lots, double sl, double tp)
 {
-    // No number has no place in a request, and without its stop an order is not the one that was meant.
+    // NaN cannot be sent, and an order without the stop that was meant is another order: such a one is
+    // refused.
     if (!std::isfinite(lots) || lots <= 0.0) {
         Q_EMIT log(source, tr("Order ignored: the lots must be a number above 0, not %1").arg(lots),
             LineKind::Failure);

@@ -12,8 +12,8 @@ class ChartWidget;
 class ExpertEngine;
 
 /// The seat of an Expert Advisor on a chart: attaches one script at a time, hands it the chart's data and
-/// turns what it asks for into signals. Any of them may lead to this object's end, so each is the last thing
-/// that is done on its way: what has to follow, the engine tells.
+/// turns what it asks for into signals. Any of these may lead to this object's end, so nothing is done here
+/// after one: what has to follow is a signal of the engine.
 class ChartExpert final : public QObject {
     Q_OBJECT
     Q_DISABLE_COPY_MOVE(ChartExpert)
@@ -32,7 +32,7 @@ public:
     /// Lets the expert know of a price that the chart has taken in.
     void tick();
 
-    /// The running expert's name; empty when none is running, be it that its last one ended with an error.
+    /// The running expert's name; empty when none is running, also after one that ended with an error.
     [[nodiscard]] QString name() const;
 
     /// Balance and equity, in account currency.
@@ -47,9 +47,10 @@ Q_SIGNALS:
     /// A market order, complete but for the account.
     void orderRequested(const QJsonObject& body);
     void closeAllRequested(const QString& symbol);
-    /// Empty: no comment. The end of an expert is the end of its comment, and is told by nameChanged() alone.
+    /// An empty text means no comment. When an expert ends its comment ends too, which nameChanged() alone
+    /// tells.
     void commentChanged(const QString& text);
-    /// An expert has started, or has ended, be it before it started.
+    /// An expert has started, or has ended, perhaps before it had started.
     void nameChanged();
 
 private:

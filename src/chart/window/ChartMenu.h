@@ -4,8 +4,8 @@
 
 class ChartWindow;
 
-/// The context menu of a chart, made anew for each opening: its check marks show the chart as it is now.
-/// Keys behind the names only remind of the main menu's; they do nothing here.
+/// The context menu of a chart, made anew for each opening: its check marks show the chart as it is now. The
+/// keys behind the names are those of the main menu, as a reminder; they do nothing here.
 class ChartMenu final : public QMenu {
     Q_OBJECT
     Q_DISABLE_COPY_MOVE(ChartMenu)

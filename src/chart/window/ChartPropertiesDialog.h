@@ -9,7 +9,7 @@
 class QPushButton;
 struct ChartColorRole;
 
-/// Edits the seven colours of one chart. Works on a copy: take colors() once the dialog was accepted.
+/// Edits the seven colours of one chart. Changes a copy: take colors() once the dialog was accepted.
 class ChartPropertiesDialog final : public QDialog {
     Q_OBJECT
     Q_DISABLE_COPY_MOVE(ChartPropertiesDialog)

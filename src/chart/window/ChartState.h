@@ -11,9 +11,9 @@
 
 class ChartWidget;
 
-/// What of a chart's look is saved with the window layout, and how it stands in JSON.
+/// The part of a chart's look that is saved with the window layout, and its form in JSON.
 struct ChartState {
-    /// More than anybody can tell apart; what a saved state holds beyond is left out.
+    /// More than anybody can tell apart; any further ones in a saved state are left out.
     static constexpr qsizetype mostAverages = 64;
 
     QList<MovingAverageSpec> averages;
@@ -27,12 +27,12 @@ struct ChartState {
     void applyTo(ChartWidget& chart) const;
 
     [[nodiscard]] QJsonObject toJson() const;
-    /// Reads what toJson() wrote. Unknown keys are passed over; a type, shift or scroll state that is
-    /// missing or of a wrong type stays absent, so that applying it keeps the chart's own; a colour that
-    /// is missing or does not parse is the default one. Of the averages, what is no object is left out, and
-    /// so is all beyond the first `mostAverages`; a type that is missing or unknown is "sma"; a period that
-    /// is missing or no whole number is 20, one below 1 is 1; a colour that is missing or does not parse is
-    /// the first one of the palette.
+    /// Reads what toJson() wrote. Unknown keys are passed over; a type, shift or scroll state that is missing
+    /// or of a wrong type stays absent, so that applying it keeps the chart's own; a colour that is missing
+    /// or does not parse is the default one. Averages that are no objects, and those after the first
+    /// `mostAverages`, are left out; a type that is missing or unknown is "sma"; a period that is missing or
+    /// no whole number is 20, one below 1 is 1; a colour that is missing or does not parse is the first one
+    /// of the palette.
     [[nodiscard]] static ChartState fromJson(const QJsonObject& json);
 
     bool operator==(const ChartState&) const = default;

@@ -20,7 +20,7 @@ namespace {
 constexpr QPoint nowhere(-1, -1);
 constexpr int shortestPanePeriod = 2;
 
-/// Tells whether that changed anything.
+/// True when the value has changed.
 template <typename Value> bool assign(Value& current, const Value& wanted)
 {
     if (current == wanted)
@@ -44,7 +44,7 @@ ChartWidget::~ChartWidget() = default;
 
 void ChartWidget::setCandles(std::vector<Candle> candles)
 {
-    // A refresh moves the prices away from below the pointer.
+    // The new candles move the prices away from below the pointer.
     m_gestures.cancelLevel();
     updateCursor();
     replaceCandles(std::move(candles));
@@ -71,7 +71,7 @@ void ChartWidget::replaceCandles(std::vector<Candle> candles)
 
 void ChartWidget::onTick(double bid, double ask, qint64 timeMs)
 {
-    // A hidden chart, and one whose view is to be worked out anew, is painted whole.
+    // Without `before` the chart is painted whole: when it is hidden, or its view must be worked out anew.
     const std::optional<QuotedView> before
         = isVisible() && paintsWholePixels() ? m_scene.lastView() : std::nullopt;
     const std::optional<TickEffect> effect = m_scene.tick(bid, ask, timeMs);

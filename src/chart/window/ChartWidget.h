@@ -33,8 +33,8 @@ public:
     /// Replaces the series (see CandleSeries for bad candles), goes to its end and follows it.
     void setCandles(std::vector<Candle> candles);
     /// Replaces the series by a later reading of the same one. A view that follows the market goes to the
-    /// end; any other keeps its candles in their places, and whatever is in the hand stays there. No candles
-    /// at all are as with setCandles().
+    /// end; any other keeps its candles in their places, and a gesture under way goes on. An empty list acts
+    /// as with setCandles().
     void renewCandles(std::vector<Candle> candles);
     [[nodiscard]] const std::vector<Candle>& candles() const { return m_scene.series().candles(); }
     /// Changes whenever a candle other than the newest does, and when candles come or go.
@@ -73,8 +73,8 @@ public:
     void setColors(const ChartColors& colors);
     [[nodiscard]] const ChartColors& colors() const { return m_look.colors; }
 
-    /// The averages drawn over the prices, in the order of their legend. A colour that is none becomes
-    /// the first one of the palette, and no colour is see-through.
+    /// The averages drawn over the prices, in the order of their legend. An invalid colour becomes the first
+    /// one of the palette; transparency is dropped.
     void setMovingAverages(const QList<MovingAverageSpec>& averages);
     [[nodiscard]] const QList<MovingAverageSpec>& movingAverages() const { return m_look.averages; }
 
@@ -101,11 +101,11 @@ public:
     void setMeasureMode(bool on);
     [[nodiscard]] bool measureMode() const { return m_gestures.ruler().isArmed(); }
 
-    /// Names the averages further right by as many columns, beside whatever covers the corner.
+    /// Moves the averages' names to the right by so many columns, beside what covers the corner.
     void setLegendIndent(int columns);
 
-    /// A dragged level stays in the hand while its line is among them at the same price; otherwise the
-    /// drag ends without asking for anything.
+    /// The drag of a level goes on while its line is among them at the same price; otherwise it ends without
+    /// asking for anything.
     void setTradeLevels(const QList<TradeLevel>& levels);
     [[nodiscard]] const QList<TradeLevel>& tradeLevels() const { return m_levels; }
 
@@ -145,7 +145,7 @@ protected:
     void hideEvent(QHideEvent* event) override;
 
 private:
-    /// What of the panes a tick changes besides the newest candle.
+    /// The panes that a tick may change as a whole, since their scales follow their values.
     [[nodiscard]] QRegion panesOfTick() const;
     void replaceCandles(std::vector<Candle> candles);
     void applyView(const ViewState& state);
@@ -153,7 +153,7 @@ private:
     void take(const ChartGestures::Press& press, const QRegion& shownBefore);
     void dragGesture(const QPoint& position);
     [[nodiscard]] bool cancelGesture();
-    /// Ends what only lives while the button is held; a level goes back to its place.
+    /// Ends what lasts only while the button is held; a dragged level goes back to its place.
     void letGo();
     void finishTool();
     void updateCursor();

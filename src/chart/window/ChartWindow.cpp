@@ -68,7 +68,7 @@ ChartWindow::ChartWindow(ApiClient& api, const QString& symbol, const QString& t
 
 ChartWindow::~ChartWindow()
 {
-    // Its last words are still heard, but no longer change this window.
+    // The expert's last words are still passed on, but no longer change this window.
     disconnect(m_expert, &ChartExpert::nameChanged, this, nullptr);
     m_expert->detach();
     delete m_expert;
@@ -173,7 +173,8 @@ void ChartWindow::onHistory(const QByteArray& body, const QString& error)
         Q_EMIT logMessage(tr("Chart"), tr("%1: failed to load candles: %2").arg(shownName(m_symbol), error));
         return;
     }
-    // A restored chart may have its history before the server has said how small the symbol's prices are.
+    // A restored chart may get its history before the server has told the symbol's decimals: then even the
+    // smallest prices count.
     const int digits = m_listed ? m_digits : mostPriceDigits;
     HistoryReply history = HistoryReply::read(body, {digits, QDateTime::currentMSecsSinceEpoch()});
     takeHistory(std::move(history.candles), toEnd);
@@ -312,7 +313,7 @@ void ChartWindow::showPane(IndicatorKind kind, bool on)
 void ChartWindow::setTool(const QString& key)
 {
     m_chart->setTool(key);
-    // Escape ends placing and must reach the chart whatever had the focus when the tool was chosen.
+    // Escape ends placing, so it must reach the chart, whatever had the focus when the tool was chosen.
     if (!key.isEmpty())
         m_chart->setFocus(Qt::OtherFocusReason);
 }

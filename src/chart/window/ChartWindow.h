@@ -22,9 +22,9 @@ class ReadCoalescer;
 struct Candle;
 struct Quote;
 
-/// One chart of the document area: owns the canvas, knows its symbol, timeframe and account, loads its
-/// candle history and drawings, and turns live prices and the account's trades into ticks and level lines.
-/// Asks the server only through the REST client that it is given.
+/// One chart of the document area: owns the canvas, knows its symbol, timeframe and account, loads its candle
+/// history and drawings, and turns live prices and the account's trades into ticks and level lines. Asks the
+/// server through the client that it is given, and in no other way.
 class ChartWindow final : public QWidget {
     Q_OBJECT
     Q_DISABLE_COPY_MOVE(ChartWindow)
@@ -60,11 +60,11 @@ public:
     /// Applies a saved state; ChartState::fromJson() tells what becomes of missing and unreadable values.
     void restoreState(const QJsonObject& state);
 
-    /// A live quote of this chart's symbol. Times are local ones: the feed carries none. A price that is 0 is
-    /// shown, but goes into no candle.
+    /// A live quote of this chart's symbol. It counts at the time of this machine, since the feed carries
+    /// none. A price of 0 is shown, but the quote goes into no candle.
     void onQuote(const Quote& quote);
 
-    /// What a window of its own is given, such as one of a cascade.
+    /// The size of a chart that is not maximized, such as one of a cascade.
     [[nodiscard]] QSize sizeHint() const override;
 
 public Q_SLOTS:
@@ -73,10 +73,10 @@ public Q_SLOTS:
     /// Asks for the candle history again, which brings the view to its end. A reply to an earlier request no
     /// longer counts.
     void reload();
-    /// The same when prices may have been missed, which the trader did not ask for: a view that was scrolled
-    /// back stays where it is, and the hand keeps what it holds.
+    /// The same after prices may have been missed. The trader did not ask for it, so a view that was scrolled
+    /// back stays where it is, and a gesture under way goes on.
     void catchUp();
-    /// Reads history and drawings again that could not be had before; the view stays as with catchUp().
+    /// Reads history and drawings again when they could not be read before; the view stays as with catchUp().
     void loadAgain();
     /// The same as onQuote() with a price map, of which only this chart's symbol is read. A price that is
     /// missing or cannot be read counts as 0.
@@ -146,7 +146,7 @@ private:
     void requestHistory();
     void onHistory(const QByteArray& body, const QString& error);
     void takeHistory(std::vector<Candle> candles, bool toEnd);
-    /// They were read before the symbol's decimals were known, or with others.
+    /// Leaves out candles with a price that is none by the symbol's present decimals.
     void dropCandlesWithoutPrices();
     void connectExpert();
     void labelChart();

@@ -2,8 +2,8 @@
 
 #include <QPushButton>
 
-/// A button of exactly one size, smaller than the style sheet of the application lets buttons be. The rule
-/// that lifts the sheet's least width leaves no least width at all, so that the size is also the hint.
+/// A button of exactly one size, smaller than the style sheet of the application lets buttons be. The style
+/// rule that lifts the sheet's least width leaves the button without any, so the hints give its size.
 class CompactButton final : public QPushButton {
     Q_OBJECT
     Q_DISABLE_COPY_MOVE(CompactButton)

@@ -130,7 +130,7 @@ void DrawingStore::remove(const QString& id)
         return;
     track(m_api.del("/api/drawings/"_L1 + *segment), tr("failed to delete the drawing"),
         [this, account = m_accountId](const ReplyOutcome& outcome, const Scope&) {
-            // A server that refused still has the drawing: show it again.
+            // A server that has refused to delete the drawing still has it: show it again.
             if (!outcome.ok && outcome.status != 0 && account == m_accountId)
                 requestRead();
         });

@@ -15,7 +15,7 @@ class ReadCoalescer;
 struct ReplyOutcome;
 
 /// Keeps the drawings of one chart on the server, for its symbol and account. The list is never read while a
-/// change is under way, and an answer that a change has overtaken is asked for again: so no drawing is lost
+/// change is under way, and is read again if a change was begun before the answer came: so no drawing is lost
 /// or shown twice, whatever the order of the replies.
 class DrawingStore final : public QObject {
     Q_OBJECT
@@ -28,10 +28,10 @@ public:
     ~DrawingStore() override;
 
     [[nodiscard]] const QString& accountId() const { return m_accountId; }
-    /// Shows the drawings of another account and reads them anew; an equal id does nothing. Drawings of the
-    /// account left behind that the server does not have come back with it.
+    /// Shows the drawings of another account and reads them anew; an equal id does nothing. The old account's
+    /// drawings that the server does not have are kept, and shown again with that account.
     void setAccountId(const QString& accountId);
-    /// Reads the drawings of the chart. What the chart has and the server has not stays.
+    /// Reads the drawings of the chart. Drawings that the server does not have stay on the chart.
     void load();
 
 Q_SIGNALS:
@@ -50,7 +50,8 @@ private:
     void create(const Drawing& drawing);
     void update(const Drawing& drawing);
     void remove(const QString& id);
-    /// Follows a change to its end: reports a failure as `what` and its reason, then hands the outcome on.
+    /// Waits for the end of a change: reports a failure as `what` with its reason, then calls `ended` with
+    /// the outcome.
     using Ended = std::function<void(const ReplyOutcome& outcome, Scope& changed)>;
     void track(QNetworkReply* reply, const QString& what, Ended ended);
     void requestRead();

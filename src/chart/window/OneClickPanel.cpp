@@ -17,8 +17,8 @@ namespace {
 constexpr QSize buttonSize(62, 30);
 constexpr QSize volumeSize(66, 30);
 
-/// One rule for an arrow; none without its file, or with a path that cannot stand between quotes, which
-/// leaves the arrow of the theme.
+/// The style rule for one arrow. Empty, which leaves the theme's own arrow, when there is no file or its path
+/// cannot stand between quotes.
 QString arrowRule(const QString& part, const QString& path)
 {
     if (path.isEmpty() || path.contains(u'"') || path.contains(u'\\'))
@@ -43,7 +43,7 @@ QString volumeStyle()
 void showCaption(QPushButton& button, const QString& caption)
 {
     constexpr int room = buttonSize.width() - 4;
-    // All digits are equally wide, so that most prices need no new measure.
+    // Digits are equally wide, so a price as long as the last one need not be measured.
     const bool isAsLong = caption.size() == button.text().size();
     button.setText(caption);
     if (isAsLong)
@@ -64,8 +64,8 @@ QPushButton* tradeButton(const QString& caption, const QString& style, QWidget* 
     button->setText(caption);
     button->setCursor(Qt::PointingHandCursor);
     button->setStyleSheet(style);
-    // Neither a click nor Qt, which moves the focus when another chart becomes active, may leave it
-    // here, where the next press of the space bar would trade.
+    // The focus must never rest on this button, where the next press of the space bar would trade: neither
+    // after a click, nor when Qt moves it because another chart becomes active.
     button->setFocusPolicy(Qt::NoFocus);
     return button;
 }
@@ -132,7 +132,7 @@ double OneClickPanel::lots() const
 
 void OneClickPanel::request(const QString& side)
 {
-    // A half-typed number becomes the last whole one, so that the box shows what is traded.
+    // A half-typed number is put back to the last whole one, so that the box shows what is traded.
     m_volume->interpretText();
     Q_EMIT quickTradeRequested(m_symbol, side, lots());
 }
@@ -159,7 +159,7 @@ void OneClickPanel::mouseMoveEvent(QMouseEvent* event)
 
 void OneClickPanel::keyPressEvent(QKeyEvent* event)
 {
-    // At the end of its text the box passes these on, and the chart would delete a drawing.
+    // At the end of its text the box passes these keys on, and the chart would delete a drawing.
     if (event->key() == Qt::Key_Delete || event->key() == Qt::Key_Backspace)
         event->accept();
     else
@@ -168,7 +168,7 @@ void OneClickPanel::keyPressEvent(QKeyEvent* event)
 
 void OneClickPanel::enterEvent(QEnterEvent* event)
 {
-    // A child's rectangle still counts as inside the chart: without this its crosshair would stay behind.
+    // For Qt a pointer over this child is still inside the chart, whose crosshair would stay on show.
     QEvent left(QEvent::Leave);
     QCoreApplication::sendEvent(parentWidget(), &left);
     QWidget::enterEvent(event);

@@ -6,8 +6,8 @@ class DecimalSpinBox;
 class QPushButton;
 
 /// The overlay in the corner of a chart that sells or buys its symbol at market with one click. It only
-/// reports the wish; no press or move on it reaches the chart below. The wheel does, unless the volume has
-/// the focus.
+/// reports the wish. Presses and moves on it do not reach the chart below; the wheel does, unless the volume
+/// has the focus.
 class OneClickPanel final : public QWidget {
     Q_OBJECT
     Q_DISABLE_COPY_MOVE(OneClickPanel)

@@ -19,7 +19,7 @@ QByteArray pngOf(SpinArrow arrow)
                                                                                            : QByteArray();
 }
 
-/// Of a file that is the user's own.
+/// Whether the file is the user's own and holds these bytes.
 bool isContent(const QString& path, const QByteArray& bytes)
 {
     QFile own;
@@ -64,6 +64,7 @@ QString writeSpinArrow(SpinArrow arrow)
     const QByteArray& bytes = arrow == SpinArrow::Up ? up : down;
     if (bytes.isEmpty())
         return {};
-    // Every chart asks. A file that is cut while the disk still writes it makes the caller wait for the disk.
+    // Every chart asks, so a file that is right stays: to cut and rewrite it would make each of them wait for
+    // the disk.
     return isContent(path, bytes) || writeContent(path, bytes) ? path : QString();
 }

@@ -3,7 +3,7 @@
 #include <QImage>
 #include <QString>
 
-/// The little arrows of a volume box. A style sheet can only name a file, so they are written to one.
+/// The little arrows of a volume box. A style sheet can name nothing but files, so they are written to files.
 enum class SpinArrow { Up, Down };
 
 /// 9 by 6 pixels, transparent around a filled triangle.
