@@ -8,8 +8,8 @@
 
 namespace practice {
 
-/// How much of a symbol's movement it shares with others, each as a correlation with what moves them: the
-/// dollar's strength, the appetite for risk, the fashion for coins. Their squares add up to 1 at most.
+/// How much of its movement a symbol shares with others: its correlation with the strength of the dollar,
+/// with the appetite for risk and with the fashion for coins. The squares add up to 1 at most.
 struct FactorShares {
     double dollar = 0;
     double risk = 0;
@@ -36,7 +36,7 @@ struct SymbolSpec {
     double basePrice = 1;           ///< the level the simulated price keeps returning to
     double dailyVolatility = 0.006; ///< typical standard deviation of one day's log return
     int spreadPoints = 10;          ///< typical spread in points; even and >= 2
-    FactorShares shared;            ///< of cross rates none: they have it from their legs
+    FactorShares shared;            ///< none for cross rates: these get it from their legs
 };
 
 /// The built-in instruments in list order. Every profit currency that is not USD has a pair against USD

@@ -17,8 +17,8 @@ struct Quote {
     friend bool operator==(const Quote&, const Quote&) = default;
 };
 
-/// One bar of MID prices. `time` is the bar's first millisecond; `volume` is how busy it was, in ticks: a
-/// longer bar's volume is the sum of its shorter ones'.
+/// One bar of MID prices. `time` is the bar's first millisecond; `volume` counts ticks; the volume of a
+/// longer bar is the sum of those of the shorter bars in it.
 struct Bar {
     TimeMs time = 0;
     double open = 0;

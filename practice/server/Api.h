@@ -24,7 +24,7 @@ struct ApiReply {
     std::string allow; ///< methods for the Allow header of a 405
 };
 
-/// Takes the answer of a request, once, at once or later, on the thread of the server.
+/// Takes the answer of a request: once, now or later, on the server's thread.
 using Respond = std::function<void(ApiReply)>;
 
 /// Thrown by a resource that does not carry out a request; nothing has changed then.

@@ -9,8 +9,8 @@
 
 namespace practice {
 
-/// Reads the fields of a request body that is a JSON object. What is missing or of the wrong type throws
-/// an ApiError 400 that names the field. Unknown fields are left alone.
+/// Reads the fields of a request body that is a JSON object. A field that is missing or of the wrong type
+/// throws an ApiError 400 that names it. Unknown fields are ignored.
 class BodyReader final {
 public:
     /// Throws ApiError 400 when the text is not a JSON object.

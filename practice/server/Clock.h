@@ -17,7 +17,7 @@ public:
 
     [[nodiscard]] virtual TimeMs now() const = 0;
 
-    /// Milliseconds since some moment. Whoever sets the clock leaves this alone, and it counts while the
+    /// Milliseconds since some moment. Setting the clock does not change this, and it goes on while the
     /// machine sleeps.
     [[nodiscard]] virtual TimeMs elapsed() const { return now(); }
 };

@@ -9,8 +9,9 @@
 
 namespace practice {
 
-/// The places of those who ask by HTTP. Silence costs its sender nothing, so it must keep nobody out: when
-/// all places are taken, one that has no request at work is cleared for the newcomer.
+/// The places for HTTP connections. Silent connections cost their sender nothing, so they must not keep
+/// others out: when all places are taken, one whose request is not being carried out is cleared for the
+/// newcomer.
 class Connections final {
 public:
     enum class Phase {
@@ -29,7 +30,7 @@ public:
         explicit Place(std::string client);
 
         void enter(Phase phase, Time now = std::chrono::steady_clock::now());
-        /// How the connection is ended at once; without it the place is not cleared.
+        /// `end` ends the connection at once; a place without it is not cleared.
         void setEnd(std::function<void()> end) { m_end = std::move(end); }
 
         [[nodiscard]] const std::string& client() const { return m_client; }
@@ -48,9 +49,10 @@ public:
 
     explicit Connections(std::size_t most);
 
-    /// A place for a newcomer; nothing while all are at work. Cleared for it is, if need be, a place of the
-    /// client who has most of them: first one that never asked, then one that asks nothing now, then one that
-    /// brings a body, then one that takes its reply; of several the one that has been so for longest.
+    /// A place for a newcomer; nothing while requests are being carried out in all of them. If need be, a
+    /// place of the client with the most places is cleared: one that has never asked, else one that asks
+    /// nothing now, else one that is bringing a body, else one that is taking its reply; of several, the one
+    /// that has been so for longest.
     [[nodiscard]] std::shared_ptr<Place> admit(const std::string& client);
 
 private:

@@ -8,7 +8,7 @@ namespace practice {
 /// A new session token: 256 random bits as 64 hexadecimal digits. It can stand in a URL as it is.
 [[nodiscard]] std::string newToken();
 
-/// What is stored of a token. A plain digest is enough: nobody guesses 256 random bits.
+/// The digest of a token, which is stored in its place. It needs no salt: nobody guesses 256 random bits.
 [[nodiscard]] std::string tokenDigest(std::string_view token);
 
 /// A salted, deliberately slow hash of a password (tens of milliseconds). Throws std::runtime_error when

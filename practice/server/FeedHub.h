@@ -18,8 +18,8 @@ class FeedHub final : public PlatformListener {
 public:
     FeedHub(Platform& platform, const Limits& limits);
 
-    /// A place on the feed, taken while the result or a copy of it lives; nothing when all are taken. The
-    /// feed that has been silent for longest since it was opened goes for the newcomer.
+    /// A place on the feed, taken while the result or a copy of it lives; nothing when all are taken. If need
+    /// be, a feed that has never said anything is dropped for the newcomer, the oldest of these.
     [[nodiscard]] std::shared_ptr<void> admit();
     void join(std::shared_ptr<FeedSession> session);
     void leave(const FeedSession& session);

@@ -4,7 +4,7 @@ namespace practice {
 
 class Router;
 
-/// /ws/terminal for those who come without a WebSocket: an answer that says what is missing.
+/// Answers plain HTTP requests for /ws/terminal, and says that a WebSocket is needed.
 void addFeedRoutes(Router& router);
 
 } // namespace practice

@@ -77,7 +77,7 @@ void FeedSession::onRead(boost::system::error_code error)
     const std::string text = beast::buffers_to_string(m_incoming.data());
     m_incoming.consume(m_incoming.size());
     m_hasSpoken = true;
-    // Several pings that came while the line was busy get one answer: nothing a client sends piles up here.
+    // Pings that come while a message is being sent get one answer together, so that nothing piles up here.
     if (m_stream.got_text() && isPing(text)) {
         m_pongDue = true;
         pump();

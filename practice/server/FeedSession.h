@@ -20,9 +20,9 @@ class FeedHub;
 
 /// One terminal on the live feed.
 ///
-/// A client that reads slowly costs a bounded amount: while a message is on its way, price updates and
-/// trade updates are merged into the next one of their kind, and who lets events pile up or does not read at
-/// all is disconnected.
+/// A client that reads slowly costs a bounded amount: while a message is on its way, price updates and trade
+/// updates are merged into the next one of their kind, and a client that lets events pile up or does not read
+/// at all is disconnected.
 class FeedSession final : public std::enable_shared_from_this<FeedSession> {
 public:
     using Stream = boost::beast::websocket::stream<boost::beast::tcp_stream>;
@@ -49,7 +49,7 @@ public:
     /// Says good-bye and ends the connection.
     void close();
 
-    /// Whether the client has sent anything since it was let in, be it the answer to a ping.
+    /// Whether the client has sent anything since it was let in, even an answer to a ping.
     [[nodiscard]] bool hasSpoken() const { return m_hasSpoken; }
 
     [[nodiscard]] const std::string& userId() const { return m_userId; }
@@ -73,7 +73,7 @@ private:
     SharedMessage m_trades;
     SharedMessage m_prices;      ///< waiting, complete for m_changed unless m_merged
     std::vector<bool> m_changed; ///< symbols with prices that were not sent yet
-    bool m_merged = false;       ///< several updates wait; one is made when its turn comes
+    bool m_merged = false;       ///< several updates wait; one message is made of them when its turn comes
     bool m_pongDue = false;
     SharedMessage m_writing;
     std::chrono::steady_clock::time_point m_writingSince;

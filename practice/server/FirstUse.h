@@ -9,7 +9,7 @@ class Database;
 inline constexpr const char* practiceEmail = "trader@practice.local";
 inline constexpr const char* practicePassword = "practice";
 
-/// Gives a database without users the practice trader with the default accounts; leaves any other alone.
+/// Adds the practice trader with the default accounts to a database without users; does nothing to any other.
 void prepareFirstUse(Database& database, TimeMs now);
 
 } // namespace practice

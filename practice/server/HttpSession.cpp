@@ -179,7 +179,7 @@ net::awaitable<error_code> Connection::readRequest(RequestParser& parser)
 
 net::awaitable<ApiReply> Connection::handle(Request& request)
 {
-    // The answer may come later; a timer that never runs out is what this coroutine waits on.
+    // The answer may come later: until then this coroutine waits on a timer that never runs out.
     struct Waiting {
         std::optional<ApiReply> reply;
         net::steady_timer timer;

@@ -8,8 +8,8 @@
 
 namespace practice {
 
-/// Takes the port that the platform answers on; 0 chooses a free one. Who connects waits until a Server runs
-/// on it. Throws ListenError when it cannot be had.
+/// Takes the port that the platform answers on; 0 chooses a free one. Clients that connect wait until a
+/// Server runs on it. Throws ListenError when the port cannot be had.
 [[nodiscard]] boost::asio::ip::tcp::acceptor listenOn(
     boost::asio::io_context& context, const std::string& address, std::uint16_t port);
 

@@ -27,14 +27,14 @@ constexpr const char* speedKey = "speed";
 constexpr const char* replayKey = "replay";
 constexpr const char* generatorKey = "generator";
 
-// To be raised with every change of the prices that a seed and a moment give.
+// Raise it with every change of the prices that a seed and a moment give, or that a record gives.
 constexpr int generator = 2;
 
-// Of each folder ever played: when that began, and a digest of what was recorded there.
+// Keys for each folder that was ever played: when that began, and the digest of its record.
 constexpr const char* replayStartKey = "replayStart:";
 constexpr const char* replayDigestKey = "replayDigest:";
 
-/// What the database knows of its market; nothing of what an older program did not write down.
+/// What the database remembers of its market. What an older program did not store is absent.
 struct Remembered {
     std::optional<std::uint64_t> seed;
     std::optional<double> speed;
@@ -97,7 +97,7 @@ fs::path replayOf(const Options& options, const Remembered& known)
         return {};
     if (!options.replay)
         return known.replay.value_or(fs::path());
-    // By the name it is known by, under which the place in the record is kept.
+    // The name that is remembered, under which the place in the record is stored.
     if (known.replay && isSameFolder(*options.replay, *known.replay))
         return *known.replay;
     return fs::weakly_canonical(*options.replay);
@@ -130,7 +130,7 @@ MadeMarket makeMarket(Database& database, const MarketSetup& setup, TimeMs now)
     return {std::move(replay), start, std::move(digest)};
 }
 
-// An older program remembered the folder alone; what lies there is taken for what it played.
+// An older program remembered the folder alone; then the files there are taken for those that it played.
 bool isAsRemembered(Database& database, const MarketSetup& setup, const MadeMarket& made)
 {
     return setup.replay.empty()
@@ -154,7 +154,7 @@ std::size_t countOpen(Database& database)
     return TradeStore(database).load().liveTrades.size();
 }
 
-// What has no prices any more, not even old ones, can only be cancelled.
+// Trades whose market is lost can only be cancelled.
 void cancelWithoutPrices(
     Database& database, const Options& options, const Clock& clock, const std::string& reason)
 {

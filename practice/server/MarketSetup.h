@@ -12,7 +12,7 @@ class Clock;
 class Database;
 struct Options;
 
-/// Which prices a database lives on.
+/// What determines the prices of a database.
 struct MarketSetup {
     std::uint64_t seed = 1;
     double speed = 1;
@@ -25,13 +25,13 @@ struct ChosenMarket {
 };
 
 /// The market that the options ask for. What they leave open is as the database remembers it, and the choice
-/// is remembered: the market of yesterday is still there today.
+/// is remembered, so that yesterday's market is still there today.
 ///
 /// Another market would put other prices to trades that are open. It is refused while there are any, or, if
-/// the options say so, they are closed at the prices of the old one first, all of them or none. Where another
-/// version of the program made the old market, or the files of its record have changed, it has no prices any
-/// more, and they are cancelled instead. Throws UsageError when it is refused, MarketDataError when a record
-/// cannot be used, StorageError; nothing is remembered then.
+/// the options say so, they are closed at the prices of the old one first, all of them or none. If the old
+/// market was made by another version of the program, or the files of its record have changed, its prices are
+/// lost, and the trades are cancelled instead. Throws UsageError when the market is refused, MarketDataError
+/// when a record cannot be used, and StorageError; nothing is remembered then.
 [[nodiscard]] ChosenMarket chooseMarket(Database& database, const Options& options, const Clock& clock);
 
 } // namespace practice

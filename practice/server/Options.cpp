@@ -87,7 +87,7 @@ std::string accountOf(const std::string& text)
     return text;
 }
 
-// What else was asked for would be ignored, which nobody who asks for it expects.
+// A reset would ignore other options, and nobody who gives them expects that: so they are refused.
 void checkReset(const Options& options, const std::string& servingOption)
 {
     if (options.account && !options.reset)
@@ -96,7 +96,7 @@ void checkReset(const Options& options, const std::string& servingOption)
         throw UsageError(servingOption + " does not go with reset");
 }
 
-// An empty name is an unset variable in somebody's script; it must not end at the default file.
+// An empty name may come from an unset variable in a script, and must not mean the default file.
 std::filesystem::path fileOf(const std::string& text)
 {
     if (text.empty())
@@ -127,7 +127,7 @@ Options parseOptions(const std::vector<std::string>& arguments)
 {
     Options options;
     bool remoteAllowed = false;
-    std::string servingOption; // the last one that says how to serve
+    std::string servingOption; // the last option that says how to serve
     for (std::size_t i = 0; i < arguments.size(); ++i) {
         const std::size_t equals = arguments[i].find('=');
         const std::string name = arguments[i].substr(0, equals);

@@ -10,12 +10,12 @@
 namespace practice {
 
 /// Shows a broker every price between two moments, in the order of time, as if somebody had watched each
-/// tick. What cannot matter is not looked at: a stretch whose prices reach no level and no limit is passed
-/// over whole, the others are looked at in ever shorter parts, and tick by tick at last. So a day is played
-/// in no time, and exactly. Midnights are always shown, for the day turns there.
+/// tick. A stretch whose prices reach no level and no limit is passed over whole; any other is looked at in
+/// ever shorter parts, and in the end tick by tick. So a day is played exactly, and in almost no time.
+/// Midnights are always shown, because the day turns there.
 class PathPlayer final {
 public:
-    /// Hands prices over; true when they caused anything. What it throws ends the playing.
+    /// Hands prices over; true when they caused anything. An exception ends the playing.
     using Step = std::function<bool(std::span<const SymbolQuote> quotes, TimeMs now)>;
 
     PathPlayer(PriceSource& market, const Broker& broker, Step step);

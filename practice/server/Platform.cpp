@@ -29,8 +29,8 @@ Broker loadBroker(const std::vector<SymbolSpec>& symbols, TradeStore& trades)
     }
 }
 
-// What happened is known up to the last change: whoever stored it had seen all prices until then, and what
-// came after it changed nothing as long as somebody watched.
+// The stored data is right up to the last change: the platform that stored it had seen all prices before it,
+// and as long as that ran, later prices changed nothing.
 TimeMs lastMoment(Database& database, const BrokerState& state, TimeMs now)
 {
     TimeMs moment = now;
@@ -96,7 +96,7 @@ void Platform::catchUp()
     try {
         playTo(m_clock.now());
     } catch (const StorageError&) {
-        // Told by advance(), which tries again.
+        // advance() tries again and reports it.
     }
 }
 
@@ -120,7 +120,7 @@ void Platform::playTo(TimeMs now, std::span<const SymbolQuote> present)
 
 bool Platform::show(std::span<const SymbolQuote> quotes, TimeMs now)
 {
-    m_playedTo = now - 1; // to begin here again, should it fail
+    m_playedTo = now - 1; // so that playing begins here again if it fails
     const ChangeSet changes = m_broker.onPrices(quotes, now);
     store(changes, now);
     announce(changes);
@@ -140,7 +140,7 @@ Trade Platform::execute(const Command& command)
     return tradeAfter(result);
 }
 
-// Not read back from the disk: a read that failed now would report a command that succeeded as failed.
+// Not read back from the disk: if that failed, a command that has succeeded would be reported as failed.
 Trade Platform::tradeAfter(const CommandResult& result) const
 {
     if (const Trade* live = m_broker.trade(result.tradeId))

@@ -29,8 +29,8 @@ public:
     virtual void accountEvent(const std::string& userId, const std::string& message) = 0;
 };
 
-/// Market, broker and storage as one: every change is on the disk before anybody hears of it, and what
-/// cannot be stored did not happen.
+/// Joins market, broker and storage: every change is on the disk before anybody hears of it, and a change
+/// that cannot be stored is undone.
 class Platform final {
 public:
     using Command = std::function<CommandResult(Broker&, TimeMs now)>;
@@ -40,13 +40,13 @@ public:
 
     void setListener(PlatformListener* listener) { m_listener = listener; }
 
-    /// Moves to the present: new prices and everything that they and those since the last time cause, each in
-    /// its turn and at its price. Throws StorageError when that could not be stored; the prices that are
-    /// announced have moved then, and the rest happens with the next call.
+    /// Moves to the present: takes the new prices, and does everything that all prices since the last time
+    /// cause, in order and each at its price. Throws StorageError when that could not be stored; the new
+    /// prices are announced all the same, and the rest happens with the next call.
     void advance();
 
-    /// The same for those who only look, without telling anybody of the prices. What cannot be stored is left
-    /// to advance().
+    /// The same for requests that only read, without announcing the prices. What cannot be stored is left to
+    /// advance().
     void catchUp();
 
     /// Moves to the present, then closes every position and cancels every order. False, and none of them

@@ -28,7 +28,7 @@ TimeMs PlatformTime::now() const
         m_now += passed - lead;
     } else if (lead > 0 && lead <= mostToFollow) {
         if (passed == 1)
-            return m_now; // half of it would be lost
+            return m_now; // half a millisecond would be lost in rounding
         m_now += std::max(passed - lead, passed / 2);
     } else {
         m_now += passed;

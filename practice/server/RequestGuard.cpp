@@ -16,7 +16,7 @@ bool isSame(std::string_view left, std::string_view right)
     return boost::beast::iequals({left.data(), left.size()}, {right.data(), right.size()});
 }
 
-// "name:5001" is "name", "[::1]:5001" is "::1". What has no such form gives an empty text, which is nobody.
+// "name:5001" is "name", "[::1]:5001" is "::1". Any other form gives an empty text, which is nobody's name.
 std::string_view withoutPort(std::string_view host)
 {
     const bool bracketed = host.starts_with('[');

@@ -19,13 +19,13 @@ struct RequestFacts {
     std::string_view contentType;
 };
 
-/// Keeps web pages out. A browser on this machine reaches the platform for any page that it shows, but it
-/// says by which name (a page may have its own name resolved to our address) and for whose page, and a page
-/// cannot send JSON on its own.
+/// Keeps foreign web pages out. A browser on this machine would reach the platform for any page that it
+/// shows, but its headers tell the name that was called (a page may have its own name resolved to our
+/// address) and the page's origin, and a page cannot send JSON without leave.
 class RequestGuard final {
 public:
-    /// Answers to the address that is listened on, to "localhost" where that means it, and to `hostName`
-    /// unless it is empty. Where every address is listened on, to each written as a number.
+    /// The names that count as ours: the address that is listened on, "localhost" where that means it, and
+    /// `hostName` unless it is empty. Where every address is listened on: any that is written in numbers.
     RequestGuard(std::string_view address, std::string hostName);
 
     struct Objection {

@@ -10,9 +10,10 @@ namespace practice {
 
 class Database;
 
-/// Begins the account with this id, or the only one whose id begins so (four characters at least), anew;
-/// without an id all of them. Needs no market: what is open is cancelled at no cost. Returns the accounts as
-/// they are then. Throws UsageError when no account fits or several do, StorageError.
+/// Begins an account anew: the one with this id, or the only one whose id begins with it (at least four
+/// characters); without an id, all of them. Needs no market, since open trades are cancelled at no cost.
+/// Returns the accounts as they are afterwards. Throws UsageError when no account fits or several do,
+/// StorageError.
 [[nodiscard]] std::vector<Account> resetAccounts(
     Database& database, const std::optional<std::string>& id, TimeMs now);
 

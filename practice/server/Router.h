@@ -34,8 +34,8 @@ public:
         std::string_view client;
     };
 
-    /// Answers a request: 400 for an address that cannot be read, 404 for one that leads nowhere, 405 for a
-    /// method that does not go with it, 401 without a session, else what the handler says.
+    /// Answers a request: 400 for an address that cannot be read, 404 for an unknown one, 405 for a method
+    /// that the address does not have, 401 without a session, else the handler's answer.
     void handle(std::string_view method, std::string_view target, const Caller& caller, std::string body,
         const Respond& respond) const;
 

@@ -31,7 +31,7 @@ constexpr auto tradesInterval = 1000ms;
 constexpr auto complaintInterval = 10s;
 constexpr auto goodbyeTime = 300ms;
 constexpr auto acceptPause = 100ms;
-constexpr long mostTurnedAway = 64; // being told so at once
+constexpr long mostTurnedAway = 64; // at once, while they are told why
 
 // A fault in one connection must not take the others down with it.
 void reportFault(const std::exception_ptr& fault)
@@ -45,7 +45,7 @@ void reportFault(const std::exception_ptr& fault)
     }
 }
 
-// Empty when it has gone already.
+// Empty when the client has gone already.
 std::string clientOf(const tcp::socket& socket)
 {
     error_code error;
@@ -79,10 +79,11 @@ Server::Server(net::io_context& context, tcp::acceptor acceptor, Database& datab
     addSettingsRoutes(m_router);
     addTradesRoutes(m_router, m_platform);
 
-    // The first prices are there before the first client is.
+    // So that there are prices before the first client comes.
     m_platform.advance();
     m_platform.setListener(&m_hub);
-    // Without one of these two the platform would only seem to work: a fault in them ends the context's run.
+    // Without either of these two the platform would only seem to work, so a fault in one ends the context's
+    // run.
     const auto rethrow = [](const std::exception_ptr& fault) {
         if (fault)
             std::rethrow_exception(fault);

@@ -26,7 +26,7 @@ namespace practice {
 
 /// How the server runs.
 struct ServerSettings {
-    std::string address = "127.0.0.1"; ///< by which it is called, since it listens there
+    std::string address = "127.0.0.1"; ///< that it listens on, and by which it is called
     std::string hostName;              ///< another name by which it is called; empty: none
     std::uint64_t newsSeed = 1;
     std::chrono::milliseconds priceInterval{250};

@@ -9,9 +9,9 @@ namespace practice {
 
 void addSettingsRoutes(Router& router)
 {
-    // A terminal stores any address it finds here and sends the next password there. Whoever asks has
-    // reached us already, so there is nothing to correct; an address guessed from the Host header could turn
-    // https into http behind a proxy. Blank leaves the terminal where it is.
+    // A terminal stores any address it finds here and sends the next password there. A terminal that asks has
+    // reached us already, so there is nothing to correct, and an address guessed from the Host header could
+    // turn https into http behind a proxy. An empty one leaves the terminal where it is.
     router.add("GET", "/api/settings/public", Router::Access::Everybody, [](const ApiRequest&) {
         return ApiReply{200, jsonText({{"settings", {{"terminalServerUrl", ""}}}}), {}};
     });

@@ -10,7 +10,7 @@ namespace {
 
 std::chrono::seconds waitAfter(int failures)
 {
-    constexpr int mostDoublings = 10; // beyond the longest wait
+    constexpr int mostDoublings = 10; // enough to exceed the longest wait
     const int doublings = std::min(failures - SignInBrake::freeFailures, mostDoublings);
     return doublings < 0 ? 0s
                          : std::min<std::chrono::seconds>(SignInBrake::longestWait, 1s * (1 << doublings));

@@ -9,9 +9,9 @@
 
 namespace practice {
 
-/// Slows down who guesses passwords: after some failed sign-ins from one address, each further one has to
-/// wait, twice as long every time, and goes alone. A sign-in that succeeds forgives the address, and so does
-/// a quarter of an hour without a failure.
+/// Slows down the guessing of passwords: after some failed sign-ins from one address, each further one has to
+/// wait twice as long as the one before, and only one is checked at a time. The failures are forgotten after
+/// a sign-in that succeeds, or a quarter of an hour without a failure.
 class SignInBrake final {
 public:
     using Time = std::chrono::steady_clock::time_point;
@@ -21,7 +21,8 @@ public:
     static constexpr std::chrono::minutes memory{15};
     static constexpr std::size_t mostClients = 4096; ///< remembered at once
 
-    /// The client behind an address: the address, of IPv6 the network, since one client has all of it.
+    /// The name of the client behind an address: the address itself, or its network for IPv6, all of which
+    /// one client may have.
     [[nodiscard]] static std::string clientOf(const boost::asio::ip::address& address);
 
     /// How long the client has to wait before it may sign in; zero when it may now.

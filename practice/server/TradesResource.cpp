@@ -23,7 +23,7 @@ ApiReply tradeList(const Platform& platform, const std::vector<Trade>& trades)
     return {200, jsonText(records), {}};
 }
 
-/// Of the account that a list is asked for. Lists are shown as of now.
+/// The id of the account whose list is asked for. Moves to the present first, so that the list is of now.
 std::string accountOf(Platform& platform, const ApiRequest& request)
 {
     platform.catchUp();

@@ -14,8 +14,8 @@
 namespace practice {
 
 // The records as they travel. Exact decimals (balances, prices of trades, volumes, results, the day's open)
-// go out as texts; quotes, candles, margins, contract data and counters as numbers; what a trade does not
-// have is null. Times are ISO 8601 in UTC.
+// go out as texts; quotes, candles, margins, contract data and counters as numbers; fields that a trade does
+// not have are null. Times are ISO 8601 in UTC.
 
 [[nodiscard]] nlohmann::json accountRecord(const Account& account, const AccountFigures& figures);
 

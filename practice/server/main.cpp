@@ -34,15 +34,15 @@ void run(const Options& options)
     Database database(options.database);
     const PlatformTime clock(machine, earliestMoment(database, machine.now()));
     prepareFirstUse(database, clock.now());
-    // Before the market may change: where nobody can listen nothing is closed for it.
+    // Before the market may change, so that nothing is closed for that by a program that cannot listen.
     boost::asio::io_context context(1);
     auto acceptor = listenOn(context, options.address, options.port);
     const ChosenMarket market = chooseMarket(database, options, clock);
 
     Server server(context, std::move(acceptor), database, *market.prices, clock,
         {options.address, options.hostName, market.setup.seed, priceInterval(market.setup.speed), {}});
-    // Not before: until the missed time is played nobody would listen to them, and a signal may end us at any
-    // moment, for each change is stored whole.
+    // Signals are handled from here on. While the missed time is played nobody would act on them, and a
+    // signal may then end the program at any moment, since each change is stored whole.
     boost::asio::signal_set signals(context, SIGINT, SIGTERM);
     signals.async_wait([&server](boost::system::error_code error, int) {
         if (!error)
@@ -102,7 +102,7 @@ int main(const std::vector<std::string>& arguments)
 
 int main(int argc, char** argv)
 {
-    // Whoever read our output may be gone; that is no reason to end.
+    // The reader of our output may be gone, which is no reason to end.
     std::signal(SIGPIPE, SIG_IGN);
     return practice::main({argv + 1, argv + argc});
 }

@@ -44,7 +44,7 @@ private:
     std::map<std::string, Statement, std::less<>> m_statements;
 };
 
-/// Everything written during its life becomes lasting at commit() or, without it, never happened.
+/// Everything written during its life becomes lasting at commit(); without that it is undone.
 class Transaction final {
 public:
     explicit Transaction(Database& database);

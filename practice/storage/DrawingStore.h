@@ -19,7 +19,7 @@ struct Drawing {
     std::string points; ///< JSON text, as it is given back
 };
 
-/// Drawings, kept per user, symbol and account. What another user placed does not exist for this one.
+/// Drawings, kept per user, symbol and account. A user finds none of another user's drawings.
 class DrawingStore final {
 public:
     explicit DrawingStore(Database& database);

@@ -72,7 +72,7 @@ void Statement::run()
 
 void Statement::reset()
 {
-    // The result repeats the error of the last step, which was reported there.
+    // Its result is ignored: it repeats the error of the last step, which was reported then.
     sqlite3_reset(m_statement);
     sqlite3_clear_bindings(m_statement);
 }

@@ -31,8 +31,8 @@ public:
     /// The user of every account.
     [[nodiscard]] std::map<std::string, std::string, std::less<>> accountOwners();
 
-    /// What came to an end, the last first: closed positions, changes of the balance, and what was cancelled,
-    /// but not by the trader's own hand.
+    /// What came to an end, the last first: closed positions, changes of the balance, and trades that were
+    /// cancelled, except by the trader.
     [[nodiscard]] std::vector<Trade> history(std::string_view accountId, int limit);
 
     /// The statement behind history().

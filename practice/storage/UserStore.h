@@ -28,8 +28,8 @@ public:
     /// E-mail addresses are compared without regard to the case of ASCII letters.
     [[nodiscard]] std::optional<User> byEmail(std::string_view email);
 
-    /// Remembers a session. Those of the same user that are old and beyond the newest `sessionsPerUser` end;
-    /// no number of sign-ins ends one that is not old.
+    /// Remembers a session. The user's sessions that are old, and not among the newest `sessionsPerUser`,
+    /// end. No number of sign-ins ends a session that is not old.
     void addToken(std::string_view tokenHash, std::string_view userId, TimeMs now);
     /// The user whose session it is.
     [[nodiscard]] std::optional<std::string> userOfToken(std::string_view tokenHash);

@@ -4,10 +4,10 @@
 
 namespace practice {
 
-/// Charges swap for every UTC midnight passed since the account was last looked at, to each position held
-/// over it, and takes the equity after that as the new day's start. A position whose symbol has no price
-/// is not charged. An account without a position also enters a day that lies behind: its day would otherwise
-/// never end where a clock was wrong by years.
+/// For every UTC midnight that has passed since the account was last looked at, charges swap to each position
+/// held over it, and takes the equity after that as the new day's start. A position whose symbol has no price
+/// is not charged. An account without a position may also go back to an earlier day: after a clock that was
+/// wrong by years its day would otherwise never end.
 void rollDay(TradeSteps& steps, LiveAccount& account);
 
 /// Fails a plan account that has lost too much and closes everything it has. What could not be closed for
@@ -17,12 +17,12 @@ void enforceLossLimits(TradeSteps& steps, LiveAccount& account);
 /// Closes the largest losers one by one until the margin level is above the limit.
 void enforceStopOut(TradeSteps& steps, LiveAccount& account);
 
-/// Moves a challenge that reached its target to the next phase, which starts afresh from the initial
-/// balance, or, after the last one, to Passed. Its pending orders are cancelled.
+/// Moves a challenge that has reached its target to its next phase, which starts again from the initial
+/// balance, or after the last phase to Passed. Its pending orders are cancelled.
 void advancePhase(TradeSteps& steps, LiveAccount& account);
 
-/// Sets an account to zero that has no position left and is below it: what a gap took beyond the balance is
-/// nobody's debt.
+/// Sets an account that has no position left and is below zero to zero: nobody owes what a gap took beyond
+/// the balance.
 void clearDebt(TradeSteps& steps, LiveAccount& account, const IdSource& newId);
 
 /// Begins an account anew: cancels what is live, at no cost, and brings back the initial balance, a status

@@ -283,7 +283,7 @@ std::vector<std::size_t> Broker::watchedSymbols() const
 
 bool Broker::staysQuiet(std::span<const std::optional<PriceSpan>> spans) const
 {
-    // What was taken back happens again with the next prices, whichever they are.
+    // After undo() the next prices cause something, whichever they are.
     return !m_checkAll && practice::staysQuiet(m_ledger, m_prices, spans);
 }
 

@@ -28,22 +28,22 @@ struct AccountFigures {
 /// The matching engine: accounts, positions and orders against a stream of quotes.
 ///
 /// - A buy opens at the ask and closes at the bid, a sell the other way round; nothing fills at any other
-///   price. A trigger that a price jumps over fills at the price after the jump, for better or worse.
-/// - Commission is charged once, when a position opens; swap for every UTC midnight a position is held
-///   over, also for those that passed while nobody ran. Both are part of the position's pnl at once and
-///   reach the balance with it, when the position closes.
+/// price. A trigger that a price jumps over fills at the price after the jump, for better or worse.
+/// - Commission is charged once, when a position opens; swap for every UTC midnight a position is held over,
+/// even while the platform was not running. Both are part of the position's pnl at once and reach the balance
+/// with it, when the position closes.
 /// - Margin = units x price in USD / leverage, fixed when the position opens. When equity falls to 50 % of
-///   the held margin or below, the largest loser is closed, then the next, until it is above.
+/// the held margin or below, the largest losers are closed one by one until it is above.
 /// - An account that a gap takes below zero is set to zero once it has no position left.
-/// - An account holds at most mostLiveTrades positions and pending orders together, so that an order that was
-///   taken always finds its place when it fills.
+/// - An account holds at most mostLiveTrades positions and pending orders together, so that there is always
+/// room for an accepted order when it fills.
 /// - Plan accounts fail when equity has fallen by 5 % since the UTC day began or to 90 % of the initial
-///   balance: everything is closed at once. A plan account that is not funded passes a phase when its
-///   balance reaches 110 % of the initial balance and no position is open.
+/// balance: everything is closed at once. A plan account that is not funded passes a phase when its balance
+/// reaches 110 % of the initial balance and no position is open.
 ///
 /// No clock, no randomness, no threads: time and prices are arguments, ids come from the given source.
-/// Commands use the prices last given to onPrices(); `now` never has to increase, but while an account
-/// has a position, a day that was left is not entered again.
+/// Commands use the prices last given to onPrices(); `now` may go back, but while an account has a position
+/// it does not go back to an earlier day.
 class Broker {
 public:
     static constexpr std::size_t mostLiveTrades = 500; ///< an account's
@@ -65,11 +65,12 @@ public:
     /// stays.
     [[nodiscard]] ChangeSet closeEverything(TimeMs now);
 
-    /// Cancels every position and every order as if it had never been: nothing is paid. Needs no prices.
+    /// Cancels every position and every order as if they had never been: nothing is gained, lost or charged.
+    /// Needs no prices.
     [[nodiscard]] ChangeSet cancelEverything(TimeMs now);
 
     /// Begins an account anew: its live trades are cancelled at no cost, the initial balance is back, and so
-    /// are status and phase. Needs no prices. Empty when the account is unknown.
+    /// are status and phase. Needs no prices. Nothing changes when the account is unknown.
     [[nodiscard]] ChangeSet reset(std::string_view accountId, TimeMs now);
 
     /// Takes new prices (some or all symbols) and does everything they cause. Quotes for unknown positions
@@ -84,8 +85,8 @@ public:
     /// Holds within a UTC day: a midnight charges swap.
     [[nodiscard]] bool staysQuiet(std::span<const std::optional<PriceSpan>> spans) const;
 
-    /// Takes back the last result, because it could not be stored. Prices stay; what they caused happens
-    /// again with the next onPrices().
+    /// Takes back the last result, which could not be stored. The prices stay, and what they cause happens
+    /// with the next onPrices().
     void undo(const ChangeSet& changes);
 
     [[nodiscard]] std::vector<Account> accounts() const;
@@ -113,7 +114,7 @@ private:
     IdSource m_ids;
     PriceBoard m_prices;
     Ledger m_ledger;
-    bool m_checkAll = true; ///< the next prices look at every symbol, changed or not
+    bool m_checkAll = true; ///< the next onPrices() checks every symbol, changed or not
 };
 
 } // namespace practice

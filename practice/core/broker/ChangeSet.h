@@ -37,7 +37,7 @@ struct ChangeSet {
     std::vector<BrokerEvent> events;
 
     std::vector<Account> accountsBefore; ///< for undo()
-    std::vector<Trade> tradesBefore;     ///< for undo(); new trades are missing here
+    std::vector<Trade> tradesBefore;     ///< for undo(); new trades are not among them
 
     /// Nothing to store and nothing to send.
     [[nodiscard]] bool empty() const { return accounts.empty() && trades.empty() && events.empty(); }

@@ -11,8 +11,8 @@ namespace practice {
 using IdSource = std::function<std::string()>;
 
 /// Random (version 4) UUIDs in lower case: "3f2b8c1e-....-4...-....-............". The same seed gives the
-/// same sequence, which is for tests only: a server that reuses a seed over a restart would hand out ids
-/// that its history already holds, so it uses fresh().
+/// same sequence; that is for tests only. A server uses fresh(), since with the same seed it would give out
+/// ids after a restart that its history already holds.
 class UuidSource {
 public:
     explicit UuidSource(std::uint64_t seed);

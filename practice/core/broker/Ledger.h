@@ -16,7 +16,7 @@ namespace practice {
 
 struct LiveTrade;
 
-/// An account with what its live trades add up to.
+/// An account with the sums over its live trades.
 struct LiveAccount {
     Account record;
     Cents openProfit = 0;           ///< sum of the open positions' pnl
@@ -27,7 +27,7 @@ struct LiveAccount {
     [[nodiscard]] Cents freeMargin() const { return equity() - margin; }
 };
 
-/// An open position or a pending order in its place: account, symbol, indexes.
+/// An open position or a pending order with its account and symbol.
 struct LiveTrade {
     Trade record;
     LiveAccount* owner = nullptr;
@@ -67,7 +67,7 @@ public:
 
     /// What changed since the last take().
     [[nodiscard]] ChangeSet take();
-    /// Back to the state before this change set, which is the last one taken.
+    /// Goes back to the state before `changes`, which must be the last set that take() gave.
     void undo(const ChangeSet& changes);
 
 private:

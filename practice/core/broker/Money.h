@@ -12,8 +12,8 @@ using Cents = std::int64_t;
 /// A volume in hundredths of a lot: 10 means 0.10 lots.
 using LotHundredths = std::int64_t;
 
-/// How many units of one currency another one is worth. A quotient of whole numbers, since a decimal number
-/// would miss half a cent by a hair, and the cent would be another one. Neither of the two is below 1.
+/// How many units of one currency another one is worth. A quotient of whole numbers: a floating-point number
+/// would miss half a cent by a hair, and the amount would be rounded to another cent. Both are at least 1.
 struct Rate {
     std::int64_t over = 1;
     std::int64_t under = 1;

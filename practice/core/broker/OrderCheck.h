@@ -29,7 +29,7 @@ struct Levels {
 
 /// A refusal with HTTP status 400: the request must change.
 [[nodiscard]] Refusal badRequest(std::string message);
-/// A refusal with HTTP status 404: what it names does not exist.
+/// A refusal with HTTP status 404: what the request names does not exist.
 [[nodiscard]] Refusal notFound(std::string message);
 
 /// Kind and side from the texts of a request. A pending order may repeat its side, but not contradict it.
@@ -48,8 +48,8 @@ struct Levels {
 [[nodiscard]] std::optional<Refusal> checkPrices(
     const SymbolSpec& spec, const Trade& order, const Quote& quote);
 
-/// The trade as the request would leave it. Levels that stay as they are, are not checked again: the
-/// market may stand on one of them at this moment.
+/// The trade as the request would leave it. Only levels that change are checked: at this moment the market
+/// may stand on another one.
 [[nodiscard]] Checked<Trade> checkModification(
     const SymbolSpec& spec, const Trade& trade, const ModifyRequest& request, const Quote& quote);
 

@@ -17,11 +17,11 @@ public:
     /// Keeps a reference: the symbols outlive the board.
     explicit PriceBoard(const std::vector<SymbolSpec>& symbols);
 
-    /// Takes the usable ones of these quotes. Result: the positions, ascending, whose trades are worth
-    /// something else now: those with a new quote and those whose profit is converted through one of them.
+    /// Takes the usable ones of these quotes. Returns the symbols, ascending, whose trades have another value
+    /// now: those with a new quote, and those whose profit is converted at one of these.
     std::vector<std::size_t> update(std::span<const SymbolQuote> quotes);
 
-    /// Nothing while the symbol has no price, and for a position that does not exist.
+    /// Nothing while the symbol has no price, or when there is no such symbol.
     [[nodiscard]] std::optional<Quote> quote(std::size_t symbol) const;
     /// USD for one unit of the symbol's profit currency.
     [[nodiscard]] std::optional<Rate> usdRate(std::size_t symbol) const;
@@ -48,7 +48,7 @@ private:
     CurrencyConverter m_converter;
     std::vector<std::optional<Quote>> m_quotes;
     std::vector<std::optional<Rate>>
-        m_usdRates; ///< by symbol, so that thousands of trades look it up cheaply
+        m_usdRates; ///< by symbol, so that a look-up is cheap for thousands of trades
     std::vector<std::vector<std::size_t>> m_dependants; ///< by pair: symbols whose profit it converts
 };
 

@@ -14,7 +14,7 @@ namespace {
 
 using Spans = std::span<const std::optional<PriceSpan>>;
 
-// A spread may be as narrow as nothing at one moment and as wide as can be at another.
+// Within a span the spread may be anything from nothing to the widest.
 std::array<Quote, 2> outermost(const PriceSpan& span)
 {
     return {Quote{span.low - span.halfSpread, span.low}, Quote{span.high, span.high + span.halfSpread}};
@@ -35,8 +35,8 @@ bool levelsAreFar(const Ledger& ledger, std::size_t symbol, const PriceSpan& spa
     });
 }
 
-// What an account's positions in one symbol come to at the two ends of its span, each with both ends of the
-// rate that turns them into USD: in between lies everything else.
+// The result of an account's positions in one symbol at both ends of the symbol's span, each at both ends of
+// the rate that turns it into USD. All possible results lie between these four.
 using Ends = std::array<Cents, 4>;
 
 void addEnds(Ends& ends, const SymbolSpec& spec, const Trade& position, const PriceSpan& span,
@@ -87,7 +87,7 @@ bool limitsAreFar(const LiveAccount& account, const PriceBoard& prices, Spans sp
         return true;
     const Account& record = account.record;
     if (record.kind == AccountKind::Plan && record.status != AccountStatus::Active)
-        return false; // something that it could not close is still to be closed
+        return false; // what could not be closed when the challenge ended is still to be closed
     const Cents equity = worstEquity(account, prices, spans);
     return !dailyLossReached(record, equity) && !totalLossReached(record, equity)
         && !stopOutReached(equity, account.margin);

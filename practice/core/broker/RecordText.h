@@ -18,7 +18,7 @@ namespace practice {
 [[nodiscard]] std::string_view toText(TradeStatus status);
 [[nodiscard]] std::string_view toText(CloseReason reason);
 
-/// The other direction, case-sensitive; nothing for any other text.
+/// The value of such a text, case-sensitive; nothing for any other text.
 [[nodiscard]] std::optional<AccountKind> accountKindFromText(std::string_view text);
 [[nodiscard]] std::optional<AccountStatus> accountStatusFromText(std::string_view text);
 [[nodiscard]] std::optional<Side> sideFromText(std::string_view text);

@@ -37,8 +37,8 @@ struct Plan {
     friend bool operator==(const Plan&, const Plan&) = default;
 };
 
-/// A trading account. Its balance changes only when a position is closed, by that position's pnl, by a
-/// Balance line, and when a challenge moves to its next phase, which starts again from the initial balance.
+/// A trading account. Its balance changes only by the pnl of a position that is closed, by a Balance line,
+/// and when a challenge moves to its next phase, which starts again from the initial balance.
 struct Account {
     std::string id;
     AccountKind kind = AccountKind::Demo;
@@ -76,7 +76,7 @@ struct Trade {
     Cents margin = 0;        ///< held while open; kept as it was once closed
     Cents swap = 0;          ///< accumulated; negative costs the trader
     Cents commission = 0;    ///< amount charged, >= 0
-    TimeMs createdAt = 0;    ///< placed, or, once it is a position, opened
+    TimeMs createdAt = 0;    ///< when it was placed; of a position, when it was opened
     TimeMs updatedAt = 0;
     TimeMs closedAt = 0; ///< 0 until closed or cancelled
     CloseReason closeReason = CloseReason::None;

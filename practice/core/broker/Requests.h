@@ -23,7 +23,7 @@ struct PlaceRequest {
 };
 
 /// New levels of a live trade: an absent one stays as it is, an explicit 0 removes a stop loss or a take
-/// profit. A request that changes nothing is accepted and changes nothing.
+/// profit. A request that would change nothing is accepted.
 struct ModifyRequest {
     std::optional<double> stopLoss;
     std::optional<double> takeProfit;

@@ -8,8 +8,8 @@
 
 namespace practice {
 
-/// The steps that every road to a fill or a close shares, at one moment and its prices. Each writes its
-/// record, moves the money and emits its event.
+/// The steps that commands, triggers and limits share in filling and closing, at one moment and its prices.
+/// Each writes its record, moves the money and emits its event.
 class TradeSteps {
 public:
     /// Keeps references; meant to live for one command or one set of prices.
@@ -30,10 +30,10 @@ public:
     /// Closes what can be closed and cancels all orders of the account.
     void closeEverything(LiveAccount& account, CloseReason reason);
 
-    /// Cancels an order or a position as if it had never been: nothing is paid for it.
+    /// Cancels an order or a position as if it had never been: nothing is gained, lost or charged.
     void voidTrade(LiveTrade& trade, CloseReason reason);
 
-    /// Sets the balance, with a line for the history whose id is given; nothing happens when it is that
+    /// Sets the balance and adds a line about that, with a new id, to the history; nothing when it is that
     /// already.
     void setBalance(LiveAccount& account, Cents balance, const IdSource& newId, std::string comment);
 

@@ -10,7 +10,7 @@
 namespace practice {
 namespace {
 
-// What a symbol's description gives as a decimal number is taken in millionths.
+// Decimal numbers of a symbol's specification are taken in millionths.
 constexpr std::int64_t millionth = 1'000'000;
 
 std::int64_t millionths(double number)

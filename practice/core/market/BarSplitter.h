@@ -13,23 +13,23 @@ namespace practice {
 inline constexpr std::size_t maxBarParts = 6;
 using BarParts = std::array<BarNode, maxBarParts>;
 
-/// The part of the steps between a bar's parts that other symbols make as well: one for each part, and what
-/// the bar's own steps, of variance 1, are multiplied with to make up the rest.
+/// The share of the steps between a bar's parts that comes from what moves all symbols: a step for each part,
+/// and the weight of the bar's own steps (of variance 1), which make up the rest.
 struct SharedSteps {
     std::array<double, maxBarParts> steps{};
     double ownWeight = 1;
 };
 
-/// Splits a bar into `shares.size()` consecutive shorter ones that fold back into exactly the same bar:
-/// the first opens where it opens, each next one where the one before closed, the highest high and the
-/// lowest low are its own, the volumes add up. `shares` says how restless each part is relative to the
-/// others, `minutesPerPart` how long it is (each minute has a volume of at least 1, provided that the
-/// bar's own volume allows it), `key` decides everything random.
+/// Splits a bar into `shares.size()` consecutive shorter ones that fold back into exactly the same bar: the
+/// first opens where it opens, each next one where the one before closed, the highest high and the lowest low
+/// are its own, the volumes add up. `shares` says how restless each part is relative to the others,
+/// `minutesPerPart` how long it is (each minute gets a volume of at least 1, as far as the bar's volume
+/// allows), `key` decides everything random.
 [[nodiscard]] BarParts splitBar(const BarNode& parent, std::span<const double> shares,
     std::int64_t minutesPerPart, std::uint64_t key, const SharedSteps& shared = {});
 
-/// Variance in squared points to walk with inside a bar: what is expected of it, or more where the bar's
-/// own range shows that it was wilder.
+/// The variance, in squared points, of a walk inside a bar: the expected one, or more where the bar's range
+/// shows that it was wilder.
 [[nodiscard]] double walkVariance(const BarNode& node);
 
 } // namespace practice

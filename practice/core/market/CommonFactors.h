@@ -9,8 +9,8 @@
 namespace practice {
 
 /// The part of a symbol's random steps that it shares with other symbols: what happens to the dollar, to the
-/// appetite for risk and to coins moves many prices at once. The same place gives all symbols the same
-/// events; each takes as much of them as its shares say, and its own chance adds the rest.
+/// appetite for risk and to coins moves many prices at once. At the same place in time all symbols get the
+/// same events; each takes as much of them as its shares say, and its own random numbers add the rest.
 class CommonFactors final {
 public:
     /// Nothing in common with anybody.
@@ -18,15 +18,14 @@ public:
 
     CommonFactors(std::uint64_t seed, const FactorShares& shares);
 
-    /// Fills `steps` with the common part of as many steps at this place; each has the variance
-    /// 1 - ownWeight()^2.
+    /// Fills `steps` with the common part of steps at this place, each of the variance 1 - ownWeight()^2.
     void draw(std::uint64_t kind, std::int64_t number, std::span<double> steps) const;
     [[nodiscard]] double draw(std::uint64_t kind, std::int64_t number) const;
 
     /// The same events, of which everybody takes this share.
     [[nodiscard]] CommonFactors sharedAlike(double share) const { return {m_seed, {share, 0, 0}}; }
 
-    /// What a standard normal number of the symbol's own is multiplied with to make up a step.
+    /// The factor of the symbol's own standard normal number in a step.
     [[nodiscard]] double ownWeight() const { return m_ownWeight; }
 
 private:

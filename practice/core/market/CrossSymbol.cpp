@@ -10,8 +10,8 @@
 namespace practice {
 namespace {
 
-// A stretch is searched by parts of the first of these lengths that is shorter than itself; below the last
-// one tick by tick. Each divides the one before.
+// A stretch is searched in parts of the first of these lengths that is shorter than the stretch; the shortest
+// are searched tick by tick. Each length divides the one before it.
 constexpr std::array<TimeMs, 7> partLengths{
     7 * dayMs, dayMs, 4 * hourMs, hourMs, 15 * minuteMs, 5 * minuteMs, minuteMs};
 
@@ -45,8 +45,8 @@ CrossSymbol::CrossSymbol(const SymbolSpec& spec, const std::vector<Leg>& legs)
     }
 }
 
-// Multiplying, dividing and rounding never turn the order of two numbers round, so what is true of the legs'
-// highs and lows is true of the result, to the last bit.
+// Multiplying, dividing and rounding keep the order of two numbers, so the legs' highs and lows give exact
+// bounds of the result, to the last bit.
 template <typename PointsOf> double CrossSymbol::price(const PointsOf& pointsOf) const
 {
     double price = m_pointsPerUnit;
@@ -112,7 +112,7 @@ CrossSymbol::Stretch CrossSymbol::stretch(TimeMs from, TimeMs to)
         moving <= 1};
 }
 
-// The stretch that may hold the most goes first; once it holds no more than what is found, none does.
+// The most promising stretch goes first: once even that cannot exceed what is found, no other one can.
 void CrossSymbol::search(const Stretch& whole, bool upwards, GridBar& found)
 {
     const auto offers = [&](const Stretch& stretch) {
@@ -150,7 +150,7 @@ void CrossSymbol::search(const Stretch& whole, bool upwards, GridBar& found)
     }
 }
 
-// All legs' ticks in the order of time; what is multiplied is rounded at the end only.
+// Goes through all legs' ticks in the order of time; the product is rounded at the end only.
 void CrossSymbol::searchTicks(const Stretch& within, GridBar& found)
 {
     m_ticks.resize(m_legs.size());

@@ -8,8 +8,8 @@
 
 namespace practice {
 
-/// A symbol without a path of its own: its mid is at every moment what its legs' mids give multiplied,
-/// rounded to a point. The spread is its own, and as tense as theirs.
+/// A symbol without a path of its own: at every moment its mid is the product of its legs' mids, rounded to a
+/// point. It has a spread of its own, which widens and narrows with theirs.
 ///
 /// A bar's high and low are looked for where the legs' bars leave room for them, from the longest bars down
 /// to single ticks. That is exact, and visits a few dozen bars however long the wanted one is.
@@ -50,7 +50,7 @@ private:
         std::int64_t close;
         std::int64_t highest; // no mid lies above it
         std::int64_t lowest;
-        bool exact; // these two are mids
+        bool exact; // `highest` and `lowest` are reached by a mid
     };
     struct Known {
         GridBar bar;
@@ -70,7 +70,7 @@ private:
     TimeMs m_first;
     TimeMs m_last;
     std::vector<GridBar> m_bars;            // of each leg, while a stretch is looked at
-    std::vector<std::vector<Tick>> m_ticks; // while they are searched: of each leg, and how far it is
+    std::vector<std::vector<Tick>> m_ticks; // of each leg, while they are searched
     std::vector<std::size_t> m_nextTick;
     std::vector<std::vector<Known>> m_known; // [timeframe]: finished bars, by their number
 };

@@ -13,11 +13,12 @@ struct CrossLeg {
     bool inverted = false;
 };
 
-/// For every symbol the legs whose prices, multiplied, are its own; none where it has a price of its own.
+/// For every symbol the legs whose prices multiply to its price; none for a symbol with prices of its own.
 ///
-/// The currency pairs that have one make up a tree, so that no two ways lead from one currency to another: a
-/// record comes first (it is the truth of its symbol), then pairs with USD, then the rest, in the order of
-/// the list. A record whose currencies others connect already keeps its own prices all the same.
+/// The currency pairs with prices of their own make up a tree, so that no two ways lead from one currency to
+/// another. Recorded pairs come first, since a record is the truth about its symbol, then pairs with USD,
+/// then the rest, in the order of the list. A recorded pair keeps its prices even if other pairs connect its
+/// currencies already.
 [[nodiscard]] std::vector<std::vector<CrossLeg>> crossLegs(
     const std::vector<SymbolSpec>& symbols, const std::vector<bool>& recorded);
 

@@ -12,8 +12,8 @@ constexpr double pullPerDay = 1.0 / 250; // a deviation from the base price halv
 constexpr double moodDecayPerDay = 1.0 / 30;
 constexpr double moodDeviation = 0.40;
 
-// Calm and lively weeks are for the most part those of the whole market. Were they not, what symbols have in
-// common would drown in the livelier one's own moves.
+// Calm and lively weeks are mostly those of the whole market. Otherwise the moves that two symbols share
+// would drown in the livelier symbol's own.
 constexpr double commonMood = 0.8;
 
 enum CommonKind : std::uint64_t { FirstDay = 100, EveryDay, FirstMood, EveryMood };

@@ -49,8 +49,8 @@ struct BarNode {
     return low + offset;
 }
 
-/// How far above the higher end a random walk of this variance gets between two ends; `uniform` in (0, 1)
-/// picks from the exact distribution of a Brownian bridge's maximum. Negate ends and result for the low.
+/// The highest point of a random walk of this variance between two ends; `uniform` in (0, 1) picks from the
+/// exact distribution of a Brownian bridge's maximum. Negate ends and result for the lowest.
 [[nodiscard]] inline double bridgeMaximum(double from, double to, double variance, double uniform)
 {
     return 0.5 * (from + to + std::sqrt((to - from) * (to - from) - 2 * variance * std::log(uniform)));

@@ -9,8 +9,8 @@
 
 namespace practice {
 
-/// Gives prices to the symbols that have none: cross rates follow from others, the rest is simulated. The
-/// two lists are of one length; what is there already is a record.
+/// Gives prices to the symbols that have none: cross rates follow from others, the rest is simulated. Both
+/// lists have the same length; prices that are there already are a record's.
 void fillMarket(const std::vector<SymbolSpec>& symbols, std::vector<std::unique_ptr<SymbolPrices>>& prices,
     std::uint64_t seed, double speed);
 

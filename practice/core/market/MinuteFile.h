@@ -17,8 +17,8 @@ struct MinuteFile {
     MinuteTable minutes;  ///< at least two; volumes are at least 1, half spreads too where there are any
 };
 
-/// A market data file that cannot be used; what() is one line that names the file and, where one is to
-/// blame, the line: "EURUSD-1m.csv:17: high is below open or close".
+/// A market data file that cannot be used; what() is one line that names the file and, if a line of it is
+/// wrong, that line: "EURUSD-1m.csv:17: high is below open or close".
 class MarketDataError final : public std::runtime_error {
 public:
     using std::runtime_error::runtime_error;

@@ -42,7 +42,7 @@ public:
         return number == 0 ? 0 : m_volumes[number - 1];
     }
 
-    /// Calls change(number, record) for each record in turn and keeps what that makes of it.
+    /// Calls change(number, record) for each record in turn and stores the record as changed.
     template <typename Change> void changeEach(Change change)
     {
         std::int64_t before = 0; // volume as it was
@@ -58,8 +58,8 @@ public:
         }
     }
 
-    /// Tells this table from any other: equal for equal records in the same order, and in all likelihood only
-    /// for those.
+    /// A digest of the records: equal for equal records in the same order, and almost certainly for no
+    /// others.
     [[nodiscard]] std::uint64_t digest() const;
 
     /// Gives back the room kept for further records.

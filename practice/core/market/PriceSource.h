@@ -8,7 +8,7 @@
 
 namespace practice {
 
-/// Between which mids prices stay, and how far bid and ask may be away from the mid at most.
+/// The lowest and the highest mid of some time, and the largest distance of bid and ask from the mid.
 struct PriceSpan {
     double low = 0;
     double high = 0;

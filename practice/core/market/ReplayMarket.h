@@ -12,13 +12,13 @@ namespace practice {
 /// digits, '.' and '_'; format: readMinuteFile) becomes a symbol; the built-in symbols without a file are
 /// simulated.
 ///
-/// The recorded minutes lie end to end: nights and weekends without a record are skipped, so the market
-/// never stands still, and a price may leap where the record leaps over such a hole. Two fifths of them
-/// lie before `startedAt`, the rest plays on from there, then the record runs backwards, forwards and so
-/// on without end. Older bars are simulated in the record's own volatility and end where it begins.
-/// Symbols missing from the built-in list are quoted and settled in the currency their name ends with, if
-/// that can be turned into USD. Cross rates without a record follow their legs, recorded or not; where a
-/// cross rate is recorded, the leg that is not, or the latter of two in the list, follows from it.
+/// The recorded minutes lie end to end: nights and weekends without a record are skipped, so the market never
+/// stands still, and a price may leap where the record leaps over such a hole. Two fifths of them lie before
+/// `startedAt`, the rest plays on from there, then the record runs backwards, forwards and so on without end.
+/// Older bars are simulated in the record's own volatility and end where it begins. Symbols missing from the
+/// built-in list are quoted and settled in the currency their name ends with, if that can be turned into USD.
+/// Cross rates without a record follow their legs, recorded or not. From a recorded cross rate follows that
+/// of its legs which has no record, or the later one in the list if neither has.
 class ReplayMarket final : public SymbolMarket {
 public:
     /// `startedAt` is the moment of the very first start: keep it and pass it again, and a restart finds
@@ -26,8 +26,8 @@ public:
     ReplayMarket(
         const std::filesystem::path& folder, TimeMs startedAt, double speed = 1, std::uint64_t seed = 1);
 
-    /// Tells what was recorded from anything else: every symbol's name, decimals, prices, spreads and
-    /// volumes. Line ends, marks and blank lines of a file do not count.
+    /// A digest of every recorded symbol's name, decimals, prices, spreads and volumes. Line ends, byte-order
+    /// marks and blank lines of a file make no difference.
     [[nodiscard]] std::uint64_t digest() const { return m_digest; }
 
 private:

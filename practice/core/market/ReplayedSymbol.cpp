@@ -8,8 +8,8 @@
 namespace practice {
 namespace {
 
-// As many price changes in a second as the simulator makes, but enough in a recorded minute to touch its
-// open, high, low and close.
+// As many price changes a second as the simulator makes, but at least as many as a recorded minute needs to
+// touch its open, high, low and close.
 std::size_t stepsFor(double speed)
 {
     const TimeMs wholeTicksAMinute = minuteMs / SimulatedSymbol::tickLength(speed);
@@ -17,8 +17,8 @@ std::size_t stepsFor(double speed)
     return static_cast<std::size_t>(std::clamp(std::round(steps), 4.0, 600.0));
 }
 
-// A part of a step. Small enough to leave the last step of a minute wide enough for a moment to fall into it:
-// no price of the record is in a bar without having been a tick.
+// A part of a step, small enough that at least one moment falls into the last step of a minute: so each price
+// of the record that is in a bar has been a tick.
 double phaseFor(std::uint64_t key, std::size_t steps, double speed)
 {
     return HashRandom(key).uniform()
@@ -104,7 +104,7 @@ TimeMs ReplayedSymbol::nextChange(TimeMs now)
     if (now < m_playFrom)
         return m_playFrom;
     const Place here = placeOf(positionAt(now));
-    // Where the next step begins, less what rounding may have added; then forwards to the very moment.
+    // Begins a little before the next step, in case of rounding, and goes forwards to its first moment.
     const double steps = static_cast<double>(here.step) + 1 + m_phase;
     const double end = here.step + 1 == m_steps ? 1.0 : std::min(1.0, steps / static_cast<double>(m_steps));
     const double position = (static_cast<double>(here.minute) + end) * static_cast<double>(minuteMs);

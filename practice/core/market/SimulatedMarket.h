@@ -13,9 +13,9 @@ inline constexpr double maxMarketSpeed = 1000;
 /// A market made of nothing but arithmetic: its prices follow from seed, speed, symbol name and time, so a
 /// restart finds the same past and the same future and no price is ever stored.
 ///
-/// `speed` (clamped to 0.1 .. 1000; not a number reads as 1) makes a minute move as far as that many
-/// minutes do at speed 1; bar times stay wall-clock times. Days are UTC days, and no day is a holiday.
-/// Symbols move together as far as they share in what moves the market; cross rates follow their legs.
+/// `speed` (clamped to 0.1 .. 1000; not a number reads as 1) makes a minute move as far as that many minutes
+/// do at speed 1; bar times stay wall-clock times. Days are UTC days, and no day is a holiday. Symbols move
+/// together as far as their FactorShares say; cross rates follow their legs.
 class SimulatedMarket final : public SymbolMarket {
 public:
     explicit SimulatedMarket(

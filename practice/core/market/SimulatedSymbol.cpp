@@ -77,7 +77,7 @@ std::int64_t SimulatedSymbol::mid(TimeMs now)
 std::int64_t SimulatedSymbol::halfSpread(TimeMs now)
 {
     enterMinute(floorDivide(now, minuteMs));
-    now = stepStart(stepAt(now)); // it changes with the ticks, not between them
+    now = stepStart(stepAt(now)); // the spread changes with the ticks, not between them
     const std::int64_t number = floorDivide(now, spreadKnotMs);
     const double way = static_cast<double>(now - number * spreadKnotMs) / static_cast<double>(spreadKnotMs);
     const double mood = (1 - way) * knot(m_key, number) + way * knot(m_key, number + 1);

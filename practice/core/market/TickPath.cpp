@@ -17,8 +17,8 @@ struct Corner {
     std::int64_t mid = 0;
 };
 
-// What one of so many remaining steps takes of the way, and how much of its noise is free. From a table, for
-// whole days are made of such steps when it comes to cross rates.
+// Of a step with so many steps remaining: the share of the way that it takes, and the weight of its noise. In
+// a table, because cross rates may need whole days of such steps.
 struct Remaining {
     double share;
     double noise;
