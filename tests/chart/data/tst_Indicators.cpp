@@ -32,7 +32,7 @@ std::vector<double> average(const std::vector<double>& closes, IndicatorKind kin
     return indicators::movingAverage(barsWith(closes), {kind, period, QColor()});
 }
 
-std::vector<double> strength(const std::vector<double>& closes, int period)
+std::vector<double> rsi(const std::vector<double>& closes, int period)
 {
     return indicators::rsi(barsWith(closes), period);
 }
@@ -94,7 +94,7 @@ std::vector<long double> exponentialByHand(const std::vector<double>& closes, st
 }
 
 /// As the share of gains in all moves, both weighed by how long ago they were.
-std::vector<long double> strengthByHand(const std::vector<double>& closes, std::size_t period)
+std::vector<long double> rsiByHand(const std::vector<double>& closes, std::size_t period)
 {
     std::vector<long double> values(closes.size(), std::numeric_limits<long double>::quiet_NaN());
     if (closes.size() <= period)
@@ -143,8 +143,8 @@ void compareWithOtherComputations(const std::vector<double>& closes)
         const QString exponentialFault
             = difference(average(closes, exponential, period), exponentialByHand(closes, length));
         QVERIFY2(exponentialFault.isEmpty(), qPrintable(u"EMA(%1): "_s.arg(period) + exponentialFault));
-        const QString strengthFault = difference(strength(closes, period), strengthByHand(closes, length));
-        QVERIFY2(strengthFault.isEmpty(), qPrintable(u"RSI(%1): "_s.arg(period) + strengthFault));
+        const QString rsiFault = difference(rsi(closes, period), rsiByHand(closes, length));
+        QVERIFY2(rsiFault.isEmpty(), qPrintable(u"RSI(%1): "_s.arg(period) + rsiFault));
     }
 }
 
@@ -203,7 +203,7 @@ private Q_SLOTS:
         const std::vector<double> closes{1, 5, 2, 8};
         QCOMPARE(average(closes, simple, period), closes);
         QCOMPARE(average(closes, exponential, period), closes);
-        const std::vector<double> values = strength(closes, period);
+        const std::vector<double> values = rsi(closes, period);
         QVERIFY(std::isnan(values[0]));
         QCOMPARE(values[1], 100.0);
         QCOMPARE(values[2], 0.0);
@@ -233,7 +233,7 @@ private Q_SLOTS:
     {
         QVERIFY(average({}, simple, 1).empty());
         QVERIFY(average({}, exponential, 20).empty());
-        QVERIFY(strength({}, 14).empty());
+        QVERIFY(rsi({}, 14).empty());
     }
 
     void absurd_periods_have_no_values()
@@ -241,43 +241,43 @@ private Q_SLOTS:
         for (const int period : {1'000'000'000, std::numeric_limits<int>::max()}) {
             QVERIFY(isAllNaN(average(rising(100), simple, period)));
             QVERIFY(isAllNaN(average(rising(100), exponential, period)));
-            QVERIFY(isAllNaN(strength(rising(100), period)));
+            QVERIFY(isAllNaN(rsi(rising(100), period)));
         }
     }
 
-    void strength_needs_one_bar_more_than_its_period()
+    void rsi_needs_one_bar_more_than_its_period()
     {
-        QVERIFY(isAllNaN(strength(rising(14), 14)));
-        std::vector<double> values = strength(rising(15), 14);
+        QVERIFY(isAllNaN(rsi(rising(14), 14)));
+        std::vector<double> values = rsi(rising(15), 14);
         QVERIFY(!std::isnan(values.back()));
         values.pop_back();
         QVERIFY(isAllNaN(values));
     }
 
-    void strength_of_rising_closes_is_100()
+    void rsi_of_rising_closes_is_100()
     {
-        QCOMPARE(strength(rising(15), 14)[14], 100.0);
-        QCOMPARE(strength(rising(40), 14).back(), 100.0);
+        QCOMPARE(rsi(rising(15), 14)[14], 100.0);
+        QCOMPARE(rsi(rising(40), 14).back(), 100.0);
     }
 
-    void strength_of_falling_closes_is_0()
+    void rsi_of_falling_closes_is_0()
     {
         std::vector<double> closes = rising(40);
         std::reverse(closes.begin(), closes.end());
-        QCOMPARE(strength(closes, 14)[14], 0.0);
-        QCOMPARE(strength(closes, 14).back(), 0.0);
+        QCOMPARE(rsi(closes, 14)[14], 0.0);
+        QCOMPARE(rsi(closes, 14).back(), 0.0);
     }
 
-    void strength_of_closes_that_stand_still_is_100()
+    void rsi_of_closes_that_stand_still_is_100()
     {
         // A close that does not move is a gain of nothing, and there is no loss.
-        QCOMPARE(strength({5, 5, 5, 5}, 2).back(), 100.0);
+        QCOMPARE(rsi({5, 5, 5, 5}, 2).back(), 100.0);
     }
 
-    void strength_weighs_as_wilder_does()
+    void rsi_weighs_as_wilder_does()
     {
         // Moves +2, -1: average gain 1, loss 0.5. Then +3: gain (1 + 3) / 2, loss 0.5 / 2.
-        const std::vector<double> values = strength({10, 12, 11, 14}, 2);
+        const std::vector<double> values = rsi({10, 12, 11, 14}, 2);
         QCOMPARE(values[2], 100.0 - 100.0 / (1.0 / 0.5 + 1.0));
         QCOMPARE(values[3], 100.0 - 100.0 / (2.0 / 0.25 + 1.0));
     }
@@ -286,11 +286,11 @@ private Q_SLOTS:
     {
         std::vector<Candle> candles = barsWith({1, 2, 3, 5, 4});
         const std::vector<double> before = indicators::movingAverage(candles, {simple, 1, QColor()});
-        const std::vector<double> strengthBefore = indicators::rsi(candles, 1);
+        const std::vector<double> rsiBefore = indicators::rsi(candles, 1);
         for (Candle& candle : candles)
             candle = {candle.time, 77.0, 99.0, -99.0, candle.close, 12345};
         QCOMPARE(indicators::movingAverage(candles, {simple, 1, QColor()}), before);
-        QCOMPARE(indicators::rsi(candles, 1).back(), strengthBefore.back());
+        QCOMPARE(indicators::rsi(candles, 1).back(), rsiBefore.back());
     }
 
     void random_walks_agree_with_another_computation_data()

@@ -49,8 +49,8 @@ ChartFrame frameOf(const std::vector<Candle>& candles, bool rsi, TextPainter& te
     return frame;
 }
 
-/// The strength that lies in a row of the pane.
-double strengthAtRow(int y)
+/// The RSI that lies in a row of the pane.
+double rsiAtRow(int y)
 {
     return 100.0 - (y + 0.5) * 100.0 / pane.height();
 }
@@ -190,8 +190,7 @@ private Q_SLOTS:
     void the_line_of_the_pane_joins_neighbours_and_breaks()
     {
         ChartFrame frame = frameOf(m_candles, true, m_texts);
-        const std::vector<double> values{
-            gap, strengthAtRow(10), strengthAtRow(50), gap, strengthAtRow(25), strengthAtRow(25)};
+        const std::vector<double> values{gap, rsiAtRow(10), rsiAtRow(50), gap, rsiAtRow(25), rsiAtRow(25)};
         const std::array<std::span<const double>, 1> lines{values};
         frame.paneValues = lines;
         const QImage image = paint(&layers::paintIndicatorPanes, frame);
@@ -202,7 +201,7 @@ private Q_SLOTS:
         QCOMPARE(pixelsOf(image, image.rect(), lilac), 82);
     }
 
-    void strengths_of_0_and_100_lie_at_the_edges_of_the_pane()
+    void rsi_values_of_0_and_100_lie_at_the_edges_of_the_pane()
     {
         ChartFrame frame = frameOf(m_candles, true, m_texts);
         std::vector<double> values(6, 100.0);
@@ -304,10 +303,10 @@ private Q_SLOTS:
         const auto areRight = [&chart, &average] {
             const ChartFrame frame = chart.frame();
             const std::vector<double> values = indicators::movingAverage(chart.candles(), average);
-            const std::vector<double> strengths = indicators::rsi(chart.candles(), 7);
+            const std::vector<double> rsiValues = indicators::rsi(chart.candles(), 7);
             return frame.averageValues.front().size() == values.size()
                 && frame.averageValues.front().back() == values.back()
-                && frame.paneValues.front().back() == strengths.back() && frame.panes.first().period == 7;
+                && frame.paneValues.front().back() == rsiValues.back() && frame.panes.first().period == 7;
         };
         chart.setCandles(fixtures::wave(100));
         QVERIFY(areRight());

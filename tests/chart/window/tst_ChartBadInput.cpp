@@ -144,7 +144,7 @@ private Q_SLOTS:
         const QImage image = allLayers(chart);
         const int y = chart.view().pricePixel(1.1);
         QVERIFY(fixtures::pixelsOf(image, QRect(0, y - 1, 332, 3), red) > 300);
-        // Nothing was lost, so the strength is 100, at the top of the pane.
+        // Nothing was lost, so RSI is 100, at the top of the pane.
         const QRect pane = chart.view().pane(0);
         QVERIFY(fixtures::pixelsOf(image, QRect(0, pane.top(), 332, 1), QColor(0xc7, 0x92, 0xea)) > 300);
     }

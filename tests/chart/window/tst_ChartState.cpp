@@ -86,7 +86,7 @@ private Q_SLOTS:
         QCOMPARE(chart.colors().down, QColor(1, 2, 3));
     }
 
-    void anEmptyObjectTakesAveragesAndStrengthAway()
+    void anEmptyObjectTakesAveragesAndRsiAway()
     {
         ChartWidget chart;
         chart.setMovingAverages({{IndicatorKind::Sma, 5, Qt::red}});
