@@ -140,7 +140,7 @@ QuotedView ChartScene::quotedView(const QSize& size) const
     return {now, m_largestVolume, m_bid, m_ask};
 }
 
-std::optional<Candle> ChartScene::barAt(const ChartView& view, const QPoint& position) const
+std::optional<Candle> ChartScene::candleAt(const ChartView& view, const QPoint& position) const
 {
     const qsizetype index = view.barAt(position.x());
     if (!view.plot().contains(position) || index < 0 || index >= m_series.count())

@@ -60,7 +60,7 @@ public:
     /// The view as it was last asked for; nothing when it is to be worked out anew.
     [[nodiscard]] std::optional<QuotedView> lastView() const;
     /// The candle at a position in the plot of a view; nothing beside the plot or the candles.
-    [[nodiscard]] std::optional<Candle> barAt(const ChartView& view, const QPoint& position) const;
+    [[nodiscard]] std::optional<Candle> candleAt(const ChartView& view, const QPoint& position) const;
 
 private:
     CandleSeries m_series;

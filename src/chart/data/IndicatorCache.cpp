@@ -21,7 +21,7 @@ void IndicatorCache::setPanes(const QList<IndicatorPane>& panes)
     rebuild();
 }
 
-void IndicatorCache::forgetBars()
+void IndicatorCache::forgetValues()
 {
     for (Line& line : m_lines)
         line = Line(line.recipe);

@@ -19,7 +19,7 @@ public:
     /// Only the panes on show are computed.
     void setPanes(const QList<IndicatorPane>& panes);
     /// Call after candles other than the newest have changed.
-    void forgetBars();
+    void forgetValues();
 
     /// Brings all values up to the series, which may have grown and whose newest candle may have changed
     /// since the last call. Spans that were handed out before end here.

@@ -85,7 +85,7 @@ TickEffect CandleSeries::foldTick(double bid, double ask, qint64 timeMs)
             if (last.volume < std::numeric_limits<qint32>::max())
                 ++last.volume;
             last.close = mid;
-            return TickEffect::LastBar;
+            return TickEffect::LastCandle;
         }
         if (bucket < last.time)
             return TickEffect::Nothing;

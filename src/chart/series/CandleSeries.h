@@ -7,9 +7,9 @@
 
 /// What folding a tick changed.
 enum class TickEffect {
-    Nothing,  ///< late or unusable tick, or one that lacks a price
-    LastBar,  ///< the newest candle took the tick in
-    Appended, ///< a new candle was begun
+    Nothing,    ///< late or unusable tick, or one that lacks a price
+    LastCandle, ///< the newest candle took the tick in
+    Appended,   ///< a new candle was begun
 };
 
 /// One symbol's candles of one timeframe, oldest first, with strictly ascending times.

@@ -65,7 +65,7 @@ void ChartWidget::renewCandles(std::vector<Candle> candles)
 void ChartWidget::replaceCandles(std::vector<Candle> candles)
 {
     m_scene.setCandles(std::move(candles));
-    m_indicators.forgetBars();
+    m_indicators.forgetValues();
     update();
 }
 
@@ -247,9 +247,9 @@ void ChartWidget::setTradeLevels(const QList<TradeLevel>& levels)
     update();
 }
 
-std::optional<Candle> ChartWidget::hoveredBar() const
+std::optional<Candle> ChartWidget::hoveredCandle() const
 {
-    return m_scene.barAt(view(), m_pointer);
+    return m_scene.candleAt(view(), m_pointer);
 }
 
 ChartFrame ChartWidget::frame() const
@@ -326,7 +326,7 @@ void ChartWidget::mouseMoveEvent(QMouseEvent* event)
     applyView(m_gestures.panned(position.x(), m_scene.state(), m_scene.series().count()));
     dragGesture(position);
     movePointer(position);
-    if (const std::optional<Candle> candle = hoveredBar())
+    if (const std::optional<Candle> candle = hoveredCandle())
         Q_EMIT crosshairMoved(hoverText(*candle, digits()));
 }
 

@@ -110,7 +110,7 @@ public:
     [[nodiscard]] const QList<TradeLevel>& tradeLevels() const { return m_levels; }
 
     /// The candle under the pointer; nothing while the pointer is outside the plot or beside the candles.
-    [[nodiscard]] std::optional<Candle> hoveredBar() const;
+    [[nodiscard]] std::optional<Candle> hoveredCandle() const;
 
     /// The geometry that the next paint uses.
     [[nodiscard]] const ChartView& view() const { return m_scene.view(size()); }

@@ -48,7 +48,7 @@ void DataWindow::hideEvent(QHideEvent* event)
 
 void DataWindow::follow()
 {
-    const Shown now{m_chart.hoveredBar(), m_chart.digits()};
+    const Shown now{m_chart.hoveredCandle(), m_chart.digits()};
     if (m_shown == now)
         return;
     m_shown = now;

@@ -28,7 +28,7 @@ private Q_SLOTS:
     void a_tick_that_repeats_itself_changes_nothing()
     {
         ChartScene scene = sceneOf(30);
-        QCOMPARE(scene.tick(1.1, 1.2, barTime(29) + 1), std::optional(TickEffect::LastBar));
+        QCOMPARE(scene.tick(1.1, 1.2, barTime(29) + 1), std::optional(TickEffect::LastCandle));
         QCOMPARE(scene.tick(1.1, 1.2, barTime(3)), std::nullopt);
     }
 
@@ -53,7 +53,7 @@ private Q_SLOTS:
     void a_missing_price_moves_the_quote_but_builds_no_bar()
     {
         ChartScene scene = sceneOf(30);
-        QCOMPARE(scene.tick(5.0, 6.0, barTime(29)), std::optional(TickEffect::LastBar));
+        QCOMPARE(scene.tick(5.0, 6.0, barTime(29)), std::optional(TickEffect::LastCandle));
         const double top = scene.view(size).prices().max;
         const std::vector<Candle> bars = scene.series().candles();
         QCOMPARE(scene.tick(7.0, 0.0, barTime(30)), std::optional(TickEffect::Nothing));
@@ -173,9 +173,9 @@ private Q_SLOTS:
         const ChartScene scene = sceneOf(30);
         const ChartView view = scene.view(size);
         const QPoint onLastBar(view.barPixel(29), 100);
-        QCOMPARE(scene.barAt(view, onLastBar)->time, barTime(29));
-        QVERIFY(!scene.barAt(view, QPoint(onLastBar.x(), view.plot().bottom() + 5)));
-        QVERIFY(!scene.barAt(view, QPoint(view.barPixel(0) - 20, 100)));
+        QCOMPARE(scene.candleAt(view, onLastBar)->time, barTime(29));
+        QVERIFY(!scene.candleAt(view, QPoint(onLastBar.x(), view.plot().bottom() + 5)));
+        QVERIFY(!scene.candleAt(view, QPoint(view.barPixel(0) - 20, 100)));
     }
 };
 

@@ -84,7 +84,7 @@ private Q_SLOTS:
                 series.setCandles(
                     walk(random, random.bounded(3) == 0 ? random.bounded(6) : random.bounded(600)));
                 now = static_cast<qint64>(series.count()) * minute;
-                cache.forgetBars();
+                cache.forgetValues();
                 break;
             case 1:
                 averages.clear();

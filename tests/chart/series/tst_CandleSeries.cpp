@@ -89,9 +89,9 @@ private Q_SLOTS:
     {
         CandleSeries series;
         series.foldTick(10.0, 10.0, tenOClock);
-        QCOMPARE(series.foldTick(12.0, 12.0, tenOClock + 1), TickEffect::LastBar);
-        QCOMPARE(series.foldTick(7.0, 9.0, tenOClock + 2), TickEffect::LastBar);
-        QCOMPARE(series.foldTick(11.0, 11.0, tenOClock + 899'999), TickEffect::LastBar);
+        QCOMPARE(series.foldTick(12.0, 12.0, tenOClock + 1), TickEffect::LastCandle);
+        QCOMPARE(series.foldTick(7.0, 9.0, tenOClock + 2), TickEffect::LastCandle);
+        QCOMPARE(series.foldTick(11.0, 11.0, tenOClock + 899'999), TickEffect::LastCandle);
         const Candle expected{tenOClock, 10.0, 12.0, 8.0, 11.0, 4};
         QCOMPARE(series.count(), 1);
         QVERIFY(series.candles().front() == expected);
@@ -123,7 +123,7 @@ private Q_SLOTS:
         QCOMPARE(series.candles().back().time, -900'000);
         series.foldTick(1.0, 1.0, -1);
         QCOMPARE(series.candles().back().time, 0);
-        QCOMPARE(series.foldTick(1.0, 1.0, 1), TickEffect::LastBar);
+        QCOMPARE(series.foldTick(1.0, 1.0, 1), TickEffect::LastCandle);
     }
 
     void ticks_at_the_ends_of_time_are_taken_in()
@@ -165,7 +165,7 @@ private Q_SLOTS:
     {
         CandleSeries series;
         QCOMPARE(series.foldTick(-40.0, -36.0, tenOClock), TickEffect::Appended);
-        QCOMPARE(series.foldTick(-1.0, 1.0, tenOClock + 1), TickEffect::LastBar);
+        QCOMPARE(series.foldTick(-1.0, 1.0, tenOClock + 1), TickEffect::LastCandle);
         const Candle expected{tenOClock, -38.0, 0.0, -38.0, 0.0, 2};
         QVERIFY(series.candles().front() == expected);
     }
@@ -175,7 +175,7 @@ private Q_SLOTS:
         constexpr qint32 most = std::numeric_limits<qint32>::max();
         CandleSeries series;
         series.setCandles({flat(tenOClock, 1, most)});
-        QCOMPARE(series.foldTick(1.0, 1.0, tenOClock + 1), TickEffect::LastBar);
+        QCOMPARE(series.foldTick(1.0, 1.0, tenOClock + 1), TickEffect::LastCandle);
         QCOMPARE(series.candles().front().volume, most);
     }
 

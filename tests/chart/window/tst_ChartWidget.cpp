@@ -37,7 +37,7 @@ private Q_SLOTS:
         QCOMPARE(chart.minimumSize(), QSize(240, 160));
         QCOMPARE(chart.focusPolicy(), Qt::StrongFocus);
         QVERIFY(chart.hasMouseTracking());
-        QVERIFY(!chart.hoveredBar());
+        QVERIFY(!chart.hoveredCandle());
         QCOMPARE(chart.frame().pointer, QPoint(-1, -1));
         QVERIFY(!chart.frame().ruler);
         QVERIFY(chart.tool().isEmpty());
@@ -269,13 +269,13 @@ private Q_SLOTS:
         ChartWidget chart;
         chart.resize(400, 300);
         fixtures::hover(chart, QPoint(20, 30));
-        QVERIFY(!chart.hoveredBar()); // no bars yet
+        QVERIFY(!chart.hoveredCandle()); // no bars yet
         chart.setCandles(wave(100));
-        QVERIFY(chart.hoveredBar());
+        QVERIFY(chart.hoveredCandle());
         QCOMPARE(chart.frame().pointer, QPoint(20, 30));
         fixtures::leave(chart);
         QCOMPARE(chart.frame().pointer, QPoint(-1, -1));
-        QVERIFY(!chart.hoveredBar());
+        QVERIFY(!chart.hoveredCandle());
     }
 };
 

@@ -143,14 +143,14 @@ private Q_SLOTS:
         ChartWidget chart;
         showChart(chart, 100);
         QTest::mouseMove(&chart, QPoint(331, 100));
-        QTRY_VERIFY(chart.hoveredBar());
-        QVERIFY(*chart.hoveredBar() == chart.candles().back());
+        QTRY_VERIFY(chart.hoveredCandle());
+        QVERIFY(*chart.hoveredCandle() == chart.candles().back());
         fixtures::hover(chart, QPoint(324, 0));
-        QVERIFY(*chart.hoveredBar() == chart.candles()[98]);
+        QVERIFY(*chart.hoveredCandle() == chart.candles()[98]);
         fixtures::hover(chart, QPoint(0, 277));
-        QVERIFY(*chart.hoveredBar() == chart.candles()[52]); // 331 / 7 = 47.3 bars back
+        QVERIFY(*chart.hoveredCandle() == chart.candles()[52]); // 331 / 7 = 47.3 bars back
         fixtures::leave(chart);
-        QVERIFY(!chart.hoveredBar());
+        QVERIFY(!chart.hoveredCandle());
     }
 
     void no_bar_is_under_a_pointer_beside_the_bars()
@@ -160,13 +160,13 @@ private Q_SLOTS:
         for (const QPoint& position :
             {QPoint(332, 100), QPoint(100, 278), QPoint(-1, 100), QPoint(200, 100)}) {
             fixtures::hover(chart, position);
-            QVERIFY(!chart.hoveredBar());
+            QVERIFY(!chart.hoveredCandle());
         }
         chart.setChartShift(true);
         fixtures::hover(chart, QPoint(320, 100)); // in the margin, six bars past the newest
-        QVERIFY(!chart.hoveredBar());
+        QVERIFY(!chart.hoveredCandle());
         fixtures::hover(chart, QPoint(278, 100));
-        QVERIFY(chart.hoveredBar());
+        QVERIFY(chart.hoveredCandle());
     }
 
     void hovering_reports_the_prices_and_leaving_clears_them()

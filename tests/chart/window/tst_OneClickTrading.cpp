@@ -166,7 +166,7 @@ private Q_SLOTS:
                     const QPoint start = panel.pos() + QPoint(x, y);
                     fixtures::pressAt(served.chart(), start, key);
                     fixtures::moveTo(served.chart(), start + QPoint(150, 60));
-                    QVERIFY(!served.chart().hoveredBar());
+                    QVERIFY(!served.chart().hoveredCandle());
                     fixtures::releaseAt(served.chart(), start + QPoint(150, 60), key);
                 }
             }
@@ -304,11 +304,11 @@ private Q_SLOTS:
         served.chart().setCandles(fixtures::wave(400));
         served.show();
         fixtures::moveTo(served.chart(), QPoint(300, 100));
-        QTRY_VERIFY(served.chart().hoveredBar());
+        QTRY_VERIFY(served.chart().hoveredCandle());
         fixtures::moveTo(served.chart(), panelOf(served).pos() + QPoint(1, 1));
-        QTRY_VERIFY(!served.chart().hoveredBar());
+        QTRY_VERIFY(!served.chart().hoveredCandle());
         fixtures::moveTo(served.chart(), QPoint(300, 100));
-        QTRY_VERIFY(served.chart().hoveredBar());
+        QTRY_VERIFY(served.chart().hoveredCandle());
     }
 };
 
