@@ -10,10 +10,10 @@ ChartGestures::Press ChartGestures::press(const Ground& ground, const QPoint& po
         return {Taker::Ruler, {}, {}};
     if (!ground.candles.empty() && m_level.begin(ground.levels, ground.view, position.y()))
         return {Taker::Level, {}, {}};
-    const Press object = pressObject(ground, position);
-    if (object.taker == Taker::Chart)
+    const Press pressed = pressDrawing(ground, position);
+    if (pressed.taker == Taker::Chart)
         m_panZoom.begin(position.x(), ground.state);
-    return object;
+    return pressed;
 }
 
 std::optional<ChartGestures::Press> ChartGestures::pressTool(const Ground& ground, const QPoint& position)
@@ -35,13 +35,13 @@ bool ChartGestures::pressRuler(const Ground& ground, const QPoint& position)
     return true;
 }
 
-ChartGestures::Press ChartGestures::pressObject(const Ground& ground, const QPoint& position)
+ChartGestures::Press ChartGestures::pressDrawing(const Ground& ground, const QPoint& position)
 {
     if (m_tool.isActive() || ground.candles.empty())
         return {};
     const DrawingGeometry geometry(ground.view, ground.candles, ground.timeframeMs);
     const qsizetype hit = geometry.topmostHit(ground.drawings, position);
-    return {hit >= 0 ? Taker::Object : Taker::Chart, {}, hit};
+    return {hit >= 0 ? Taker::Drawing : Taker::Chart, {}, hit};
 }
 
 void ChartGestures::drag(const ChartView& view, const QPoint& position)

@@ -29,7 +29,7 @@ public:
     };
 
     /// The behaviours, in the order in which a press is offered to them.
-    enum class Taker { Tool, Ruler, Level, Object, Chart };
+    enum class Taker { Tool, Ruler, Level, Drawing, Chart };
 
     struct Press {
         Taker taker = Taker::Chart;
@@ -69,7 +69,7 @@ public:
 private:
     [[nodiscard]] std::optional<Press> pressTool(const Ground& ground, const QPoint& position);
     [[nodiscard]] bool pressRuler(const Ground& ground, const QPoint& position);
-    [[nodiscard]] Press pressObject(const Ground& ground, const QPoint& position);
+    [[nodiscard]] Press pressDrawing(const Ground& ground, const QPoint& position);
 
     PanZoom m_panZoom;
     Ruler m_ruler;

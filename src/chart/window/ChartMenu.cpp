@@ -29,7 +29,7 @@ ChartMenu::ChartMenu(ChartWindow& window)
         &m_window, &ChartWindow::setOneClickTrading);
     addTimeframes();
     addIndicators();
-    addObjects();
+    addDrawingTools();
     addChartTypes();
     addView();
 }
@@ -66,7 +66,7 @@ void ChartMenu::addIndicators()
     }
 }
 
-void ChartMenu::addObjects()
+void ChartMenu::addDrawingTools()
 {
     struct Tool {
         QString text;

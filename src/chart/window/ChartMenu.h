@@ -18,7 +18,7 @@ public:
 private:
     void addTimeframes();
     void addIndicators();
-    void addObjects();
+    void addDrawingTools();
     void addChartTypes();
     void addView();
 

@@ -72,7 +72,7 @@ private Q_SLOTS:
         gestures.armRuler(false);
         QCOMPARE(takerOfPress(), Taker::Level);
         chart.levels.clear();
-        QCOMPARE(takerOfPress(), Taker::Object);
+        QCOMPARE(takerOfPress(), Taker::Drawing);
         chart.drawings.clear();
         QCOMPARE(takerOfPress(), Taker::Chart);
     }
