@@ -3,8 +3,8 @@
 #include <QString>
 
 /// Keeps the other terminals of this user from saving while it lives, so that nobody sees a save half done.
-/// The folder itself is locked: that takes no room on a full disk and ends with the process. Who does not get
-/// the lock in `patienceMs` goes on without it.
+/// The folder itself is locked: that takes no room on a full disk and ends with the process. A terminal that
+/// does not get the lock within `patienceMs` goes on without it.
 class SettingsLock final {
 public:
     static constexpr int patienceMs = 200;
