@@ -3,7 +3,6 @@
 #include "app/base/ServerText.h"
 #include "app/base/UtcTime.h"
 #include "app/ui/Theme.h"
-#include "net/records/NewsRecord.h"
 
 #include <QCoreApplication>
 #include <QDateTime>
@@ -45,7 +44,8 @@ NewsReply NewsReply::read(const QJsonDocument& document)
         event.id = news::id(record);
         event.time = clockText(news::time(record));
         event.minutesUntil = news::minutesUntil(record);
-        event.impact = shownName(news::impact(record));
+        event.impact = news::impact(record);
+        event.impactText = shownName(news::impactText(record));
         event.currency = shownName(news::currency(record));
         event.title = shownSentence(news::title(record));
         reply.events.append(event);
@@ -64,14 +64,20 @@ QString countdownText(int minutes)
         QString::number(minutes / minutesPerHour), QString::number(minutes % minutesPerHour));
 }
 
-QColor impactColor(const QString& impact)
+QColor impactColor(Impact impact)
 {
-    if (impact == "HIGH"_L1)
+    switch (impact) {
+    case Impact::High:
         return fixedColors::lossRed;
-    return impact == "MEDIUM"_L1 ? mediumColor : fixedColors::grey;
+    case Impact::Medium:
+        return mediumColor;
+    case Impact::Low:
+        break;
+    }
+    return fixedColors::grey;
 }
 
 bool callsForWarning(const NewsEvent& event, int notifyMinutes)
 {
-    return event.impact == "HIGH"_L1 && event.minutesUntil >= 0 && event.minutesUntil <= notifyMinutes;
+    return event.impact == Impact::High && event.minutesUntil >= 0 && event.minutesUntil <= notifyMinutes;
 }

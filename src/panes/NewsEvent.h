@@ -1,5 +1,7 @@
 #pragma once
 
+#include "net/records/NewsRecord.h"
+
 #include <QColor>
 #include <QJsonDocument>
 #include <QList>
@@ -10,7 +12,8 @@ struct NewsEvent final {
     QString id;
     QString time;         ///< "Fri 13:30", local time; empty when the server's time cannot be read
     int minutesUntil = 0; ///< negative once it has begun
-    QString impact;       ///< "HIGH", "MEDIUM" or anything else
+    Impact impact = Impact::Low;
+    QString impactText; ///< as the server words it
     QString currency;
     QString title;
 };
@@ -27,8 +30,8 @@ struct NewsReply final {
 /// "now", "59m" or "1h 15m".
 [[nodiscard]] QString countdownText(int minutes);
 
-/// Red for "HIGH", orange for "MEDIUM", grey for anything else.
-[[nodiscard]] QColor impactColor(const QString& impact);
+/// Red, orange or grey, from high to low.
+[[nodiscard]] QColor impactColor(Impact impact);
 
 /// Whether an event is to be announced, `notifyMinutes` before it at the earliest.
 [[nodiscard]] bool callsForWarning(const NewsEvent& event, int notifyMinutes);

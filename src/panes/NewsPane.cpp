@@ -62,7 +62,7 @@ void NewsPane::fill(const NewsReply& news)
     rows.reserve(news.events.size());
     for (const NewsEvent& event : news.events) {
         auto* row = new QTreeWidgetItem(
-            {event.time, event.currency, event.impact, event.title, countdownText(event.minutesUntil)});
+            {event.time, event.currency, event.impactText, event.title, countdownText(event.minutesUntil)});
         row->setForeground(ImpactColumn, impactColor(event.impact));
         rows.append(row);
     }

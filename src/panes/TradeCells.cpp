@@ -11,7 +11,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-QString levelText(const std::optional<double>& level, int digits)
+QString levelCell(const std::optional<double>& level, int digits)
 {
     return level.value_or(0.0) > 0.0 ? formatPrice(*level, digits) : QString();
 }
@@ -61,8 +61,8 @@ QStringList tradeCells::tradeTexts(const QJsonObject& trade, int digits)
         typeLabel(trade),
         formatVolume(trade::lots(trade)),
         formatPrice(pending ? trade::pendingPrice(trade) : trade::entryPrice(trade), digits),
-        levelText(trade::stopLoss(trade), digits),
-        levelText(trade::takeProfit(trade), digits),
+        levelCell(trade::stopLoss(trade), digits),
+        levelCell(trade::takeProfit(trade), digits),
         QString(),
         formatMoney(trade::commission(trade)),
         formatMoney(trade::swap(trade)),
@@ -79,8 +79,8 @@ QStringList tradeCells::historyTexts(const QJsonObject& trade, int digits)
         typeLabel(trade),
         formatVolume(trade::lots(trade)),
         formatPrice(trade::entryPrice(trade), digits),
-        levelText(trade::stopLoss(trade), digits),
-        levelText(trade::takeProfit(trade), digits),
+        levelCell(trade::stopLoss(trade), digits),
+        levelCell(trade::takeProfit(trade), digits),
         timeText(trade::closedAt(trade)),
         formatPrice(trade::exitPrice(trade), digits),
         formatMoney(trade::commission(trade)),

@@ -106,9 +106,6 @@ void ChartExpert::order(const QString& source, const QString& side, double lots,
         Q_EMIT log(source, tr("Order ignored: stop loss or take profit is not a number"), LineKind::Failure);
         return;
     }
-    Q_EMIT orderRequested(orderBody({.symbol = m_symbol,
-        .lots = lots,
-        .side = side == sideText(Side::Sell) ? Side::Sell : Side::Buy,
-        .stopLoss = sl,
-        .takeProfit = tp}));
+    Q_EMIT orderRequested(orderBody(
+        {.symbol = m_symbol, .lots = lots, .side = sideOf(side), .stopLoss = sl, .takeProfit = tp}));
 }

@@ -40,7 +40,7 @@ OrderReaction reactionToOrders(const QJsonObject& event)
         reaction.expert = tr("Order state changed");
     } else {
         reaction.expert = tr("Position closed (%1)").arg(shown);
-        const bool levelHit = reason == "SL"_L1 || reason == "TP"_L1;
+        const bool levelHit = event::isLevelHit(event);
         reaction.sound = levelHit ? SoundKind::Fill : SoundKind::Close;
         if (levelHit) {
             reaction.balloon = Balloon{tr("Position Closed (%1)").arg(reason),
@@ -52,18 +52,18 @@ OrderReaction reactionToOrders(const QJsonObject& event)
 
 OrderReaction reactionToAccount(const QJsonObject& event, bool hasTray)
 {
-    const QString status = event::status(event);
     OrderReaction reaction;
-    reaction.journal
-        = tr("Account %1 status changed to %2").arg(shownName(event::accountId(event)), shownName(status));
+    reaction.journal = tr("Account %1 status changed to %2")
+                           .arg(shownName(event::accountId(event)), shownName(event::status(event)));
     if (!hasTray)
         return reaction;
-    if (status == "FAILED"_L1) {
+    const AccountState state = event::state(event);
+    if (state == AccountState::Failed) {
         reaction.balloon
             = Balloon{tr("Account Failed"), tr("An account breached its risk limit and was closed."),
                 Balloon::Kind::Critical, accountBalloonMs};
         reaction.sound = SoundKind::Error;
-    } else if (status == "PASSED"_L1) {
+    } else if (state == AccountState::Passed) {
         reaction.balloon
             = Balloon{tr("Challenge Passed"), tr("An account passed its target — pending review."),
                 Balloon::Kind::Information, accountBalloonMs};

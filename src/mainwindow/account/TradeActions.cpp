@@ -85,7 +85,7 @@ void TradeActions::quickTrade(const QString& symbol, const QString& side, double
     OrderTicket ticket;
     ticket.symbol = symbol;
     ticket.lots = lots;
-    ticket.side = side == "SELL"_L1 ? Side::Sell : Side::Buy;
+    ticket.side = sideOf(side);
     TradeRequest::place(orderBody(ticket), m_book.currentAccountId())
         .send(m_api, this, [this, symbol, side](const ReplyOutcome& outcome) {
             tellTrade(outcome.ok, SoundKind::Open,

@@ -3,6 +3,9 @@
 #include <QJsonObject>
 #include <QString>
 
+/// What an account has come to. A state that is none of these asks for no word of its own.
+enum class AccountState { Other, Failed, Passed };
+
 /// What can be read of the feed's events about orders and accounts.
 namespace event {
 
@@ -12,7 +15,10 @@ namespace event {
 [[nodiscard]] bool isFilled(const QJsonObject& event);
 /// Why a position was closed, as the server words it; empty where it says nothing.
 [[nodiscard]] QString closeReason(const QJsonObject& event);
+/// It was closed at its stop loss or its take profit.
+[[nodiscard]] bool isLevelHit(const QJsonObject& event);
 /// An account's new state, as the server words it.
 [[nodiscard]] QString status(const QJsonObject& event);
+[[nodiscard]] AccountState state(const QJsonObject& event);
 
 } // namespace event

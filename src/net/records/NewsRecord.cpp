@@ -29,7 +29,15 @@ int news::minutesUntil(const QJsonObject& event)
     return jsonInt(event.value("minutesUntil"_L1), 0);
 }
 
-QString news::impact(const QJsonObject& event)
+Impact news::impact(const QJsonObject& event)
+{
+    const QString text = impactText(event);
+    if (text == "HIGH"_L1)
+        return Impact::High;
+    return text == "MEDIUM"_L1 ? Impact::Medium : Impact::Low;
+}
+
+QString news::impactText(const QJsonObject& event)
 {
     return event.value("impact"_L1).toString();
 }

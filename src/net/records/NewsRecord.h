@@ -4,6 +4,9 @@
 #include <QJsonObject>
 #include <QString>
 
+/// How strongly an event is expected to move prices; low is whatever is neither of the others.
+enum class Impact { Low, Medium, High };
+
 /// What can be read of the economic calendar: of the reply, and of each of its events.
 namespace news {
 
@@ -17,8 +20,9 @@ namespace news {
 [[nodiscard]] QString time(const QJsonObject& event);
 /// Negative once the event has begun; 0 where it cannot be read.
 [[nodiscard]] int minutesUntil(const QJsonObject& event);
-/// "HIGH", "MEDIUM" or anything else.
-[[nodiscard]] QString impact(const QJsonObject& event);
+[[nodiscard]] Impact impact(const QJsonObject& event);
+/// As the server words it.
+[[nodiscard]] QString impactText(const QJsonObject& event);
 [[nodiscard]] QString currency(const QJsonObject& event);
 [[nodiscard]] QString title(const QJsonObject& event);
 

@@ -19,6 +19,11 @@ QString sideText(Side side)
     return side == Side::Sell ? u"SELL"_s : u"BUY"_s;
 }
 
+Side sideOf(const QString& text)
+{
+    return text == sideText(Side::Sell) ? Side::Sell : Side::Buy;
+}
+
 QString trade::id(const QJsonObject& record)
 {
     return record.value("id"_L1).toString();

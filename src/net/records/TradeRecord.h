@@ -10,6 +10,8 @@ enum class Side { Sell, Buy };
 
 /// "SELL" or "BUY".
 [[nodiscard]] QString sideText(Side side);
+/// The side of a request in words: "SELL" sells, whatever else is said buys.
+[[nodiscard]] Side sideOf(const QString& text);
 
 /// What can be read of a trade: an open position, an order that waits to be filled, or a line of the history.
 /// Fields that are missing or of another type read as empty or 0.

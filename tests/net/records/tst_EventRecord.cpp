@@ -17,6 +17,7 @@ private Q_SLOTS:
         QVERIFY(event::isFilled(record));
         QCOMPARE(event::closeReason(record), u"SL"_s);
         QCOMPARE(event::status(record), u"FAILED"_s);
+        QCOMPARE(event::state(record), AccountState::Failed);
     }
 
     void fields_of_another_type_read_as_nothing()
@@ -26,6 +27,22 @@ private Q_SLOTS:
         QVERIFY(!event::isFilled(record));
         QCOMPARE(event::closeReason(record), QString());
         QCOMPARE(event::status(record), QString());
+        QCOMPARE(event::state(record), AccountState::Other);
+    }
+
+    void a_level_is_hit_where_the_reason_is_its_very_name()
+    {
+        for (const QString& reason : {u"SL"_s, u"TP"_s})
+            QVERIFY(event::isLevelHit({{u"closeReason"_s, reason}}));
+        for (const QString& reason : {u"sl"_s, u"MANUAL"_s, u"SL "_s, QString()})
+            QVERIFY(!event::isLevelHit({{u"closeReason"_s, reason}}));
+    }
+
+    void a_state_is_read_where_it_is_spelt_as_it_should_be()
+    {
+        QCOMPARE(event::state({{u"status"_s, u"PASSED"_s}}), AccountState::Passed);
+        for (const QString& status : {u"passed"_s, u"ACTIVE"_s, u"FAILED!"_s})
+            QCOMPARE(event::state({{u"status"_s, status}}), AccountState::Other);
     }
 };
 

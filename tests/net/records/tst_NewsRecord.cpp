@@ -21,9 +21,17 @@ private Q_SLOTS:
         QCOMPARE(news::time(event), u"soon"_s);
         QCOMPARE(news::minutesUntil(event), -2);
         QCOMPARE(news::minutesUntil({}), 0);
-        QCOMPARE(news::impact(event), u"HIGH"_s);
+        QCOMPARE(news::impact(event), Impact::High);
+        QCOMPARE(news::impactText(event), u"HIGH"_s);
         QCOMPARE(news::currency(event), u"EUR"_s);
         QCOMPARE(news::title(event), u"Rates"_s);
+    }
+
+    void an_impact_is_low_unless_it_is_spelt_as_it_should_be()
+    {
+        QCOMPARE(news::impact({{u"impact"_s, u"MEDIUM"_s}}), Impact::Medium);
+        for (const QString& text : {u"LOW"_s, u"high"_s, u" HIGH"_s, QString()})
+            QCOMPARE(news::impact({{u"impact"_s, text}}), Impact::Low);
     }
 };
 

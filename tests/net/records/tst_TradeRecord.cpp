@@ -34,6 +34,13 @@ private Q_SLOTS:
         QCOMPARE(trade::closedAt(record), u"last"_s);
     }
 
+    void words_that_are_no_sale_buy()
+    {
+        QCOMPARE(sideOf(sideText(Side::Sell)), Side::Sell);
+        for (const QString& text : {sideText(Side::Buy), u"sell"_s, u"SELL "_s, QString()})
+            QCOMPARE(sideOf(text), Side::Buy);
+    }
+
     void only_the_word_BUY_is_a_buy()
     {
         QCOMPARE(trade::side(parse(R"({"type":"BUY"})")), Side::Buy);
