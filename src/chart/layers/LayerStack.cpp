@@ -19,7 +19,7 @@ constexpr bool groundComesFirst()
     return std::is_partitioned(layerOrder.begin(), layerOrder.end(),
         [](const LayerEntry& entry) { return entry.band == Band::Kept && entry.liveBars == 0; });
 }
-static_assert(groundComesFirst(), "a picture of the ground lies below all bars");
+static_assert(groundComesFirst(), "a picture of the ground lies below all candles");
 
 bool isPainted(const LayerEntry& entry, const ChartFrame& frame)
 {
