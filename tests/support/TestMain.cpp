@@ -17,6 +17,13 @@ QMap<QString, TestRegistry::Run>& classes()
     return known;
 }
 
+/// In memory where there is such a folder: a disk takes its time to confirm each of thousands of small files.
+QString placeForFolders()
+{
+    const QString memory = u"/dev/shm"_s;
+    return QFileInfo(memory).isWritable() ? memory : QDir::tempPath();
+}
+
 } // namespace
 
 TestRegistry::TestRegistry(const char* path, Run run)
@@ -39,7 +46,7 @@ int TestRegistry::runNamed(int argc, char** argv)
 
 void usePrivateFolders()
 {
-    static const QTemporaryDir root(QDir::tempPath() + QStringLiteral("/tavoran-test-XXXXXX"));
+    static const QTemporaryDir root(placeForFolders() + QStringLiteral("/tavoran-test-XXXXXX"));
     const auto provide = [](const char* variable, const QString& name) {
         const QString path = root.filePath(name);
         QDir().mkpath(path);

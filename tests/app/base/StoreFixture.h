@@ -49,10 +49,7 @@ protected:
     void makePlace()
     {
         ::umask(022);
-        // In memory where there is such a folder: a disk takes its time to confirm thousands of small files.
-        const QString memory = u"/dev/shm"_s;
-        const QString root = QFileInfo(memory).isWritable() ? memory : QDir::tempPath();
-        m_root = std::make_unique<QTemporaryDir>(root + u"/tavoran-store-XXXXXX"_s);
+        m_root = std::make_unique<QTemporaryDir>();
         QVERIFY(m_root->isValid());
         m_path = m_root->filePath(u"config/Tavoran/Terminal.conf"_s);
     }
