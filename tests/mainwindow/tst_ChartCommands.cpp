@@ -6,6 +6,7 @@
 #include "mainwindow/ChartCommands.h"
 #include "support/TestMain.h"
 
+#include <QActionGroup>
 #include <QDialog>
 #include <QSpinBox>
 #include <QTreeWidget>

@@ -112,3 +112,5 @@ private Q_SLOTS:
 
 TAVORAN_TEST(tst_DesktopLinks)
 #include "tst_DesktopLinks.moc"
+
+#include <QDesktopServices>

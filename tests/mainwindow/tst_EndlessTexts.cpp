@@ -8,6 +8,7 @@
 
 #include <QDialog>
 #include <QDockWidget>
+#include <QDoubleSpinBox>
 #include <QJsonArray>
 #include <QMdiSubWindow>
 #include <QMenu>

@@ -9,6 +9,7 @@
 #include "support/UrlCatcher.h"
 
 #include <QAbstractSpinBox>
+#include <QActionGroup>
 #include <QKeySequence>
 #include <QLineEdit>
 #include <QShortcut>
