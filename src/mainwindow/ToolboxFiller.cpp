@@ -27,10 +27,9 @@ void ToolboxFiller::showTrades()
     // The feed may have brought newer profits while the pending orders were on their way.
     for (const QJsonValue value : m_book.openTrades()) {
         const QJsonObject trade = value.toObject();
-        const QString id = trade::id(trade);
-        const auto newer = m_book.tradePnl().constFind(id);
-        if (newer != m_book.tradePnl().cend() && *newer != trade::profit(trade))
-            m_toolbox.updateTradePnl(id, *newer);
+        const double profit = m_book.profitOf(trade);
+        if (profit != trade::profit(trade))
+            m_toolbox.updateTradePnl(trade::id(trade), profit);
     }
 }
 

@@ -93,6 +93,12 @@ void AccountBook::noteProfits(const QJsonArray& rows)
         updateAccountSummary();
 }
 
+double AccountBook::profitOf(const QJsonObject& trade) const
+{
+    const auto known = m_tradePnl.constFind(trade::id(trade));
+    return known == m_tradePnl.cend() ? trade::profit(trade) : *known;
+}
+
 void AccountBook::updateAccountSummary()
 {
     if (renewSummary())

@@ -53,7 +53,8 @@ public:
     void readFigures(const QJsonArray& openTrades);
     /// Takes newer profits from trade records; those of other accounts are left out.
     void noteProfits(const QJsonArray& rows);
-    [[nodiscard]] const QMap<QString, double>& tradePnl() const { return m_tradePnl; }
+    /// The newest profit of a trade: what was last read or noted under its id, else what the record says.
+    [[nodiscard]] double profitOf(const QJsonObject& trade) const;
     [[nodiscard]] double usedMargin() const { return m_usedMargin; }
     /// Nothing while the current account is not in the list.
     [[nodiscard]] const std::optional<AccountSummary>& summary() const { return m_summary; }

@@ -40,7 +40,7 @@ struct Listener {
         listen(&AccountBook::summaryChanged,
             [this] { return book.summary() ? u"equity %1"_s.arg(book.summary()->equity) : u"no equity"_s; });
         QObject::connect(&book, &AccountBook::profitChanged, &book, [this](const QString& id, double profit) {
-            QCOMPARE(book.tradePnl().value(id), profit);
+            QCOMPARE(book.profitOf(records::position(id)), profit);
             told.append(u"profit %1 %2"_s.arg(id).arg(profit));
         });
         QObject::connect(&book, &AccountBook::quotesChanged, &book, [this](const PriceSnapshot& quotes) {
@@ -147,6 +147,23 @@ private Q_SLOTS:
             {records::position("1").account("a").profit(-4), records::position("2").account("a").profit(1)});
         const AccountSummary expected{100.0, 97.0, 10.0, 87.0, -3.0};
         QVERIFY(book.summary() == expected);
+    }
+
+    void the_newest_profit_of_a_trade_is_the_one_that_was_noted_last()
+    {
+        AccountBook book;
+        book.setAccounts({records::account("a").balance(100)});
+        book.selectAccount(u"a"_s);
+        const QJsonObject trade = records::position("1").account("a").profit(10);
+        QCOMPARE(book.profitOf(trade), 10.0); // nothing is known of it yet
+        book.readFigures({trade});
+        QCOMPARE(book.profitOf(trade), 10.0);
+        book.noteProfits({records::position("1").account("a").profit(0)});
+        QCOMPARE(book.profitOf(trade), 0.0);
+        QCOMPARE(book.profitOf(records::position("2").profit(-5)), -5.0);
+        // A list that was read later is newer than what the feed has brought.
+        book.readFigures({trade});
+        QCOMPARE(book.profitOf(trade), 10.0);
     }
 
     void selectingForgetsProfitsAtOnce()
@@ -330,7 +347,8 @@ private Q_SLOTS:
         listener.book.noteProfits({records::position("1").account("").profit(6),
             records::position("2").without("accountId").profit(6)});
         QCOMPARE(listener.take(), QStringList());
-        QVERIFY(listener.book.tradePnl().isEmpty());
+        QCOMPARE(listener.book.profitOf(records::position("1").profit(5)), 5.0);
+        QCOMPARE(listener.book.profitOf(records::position("2").profit(5)), 5.0);
     }
 
     void the_preferred_account_is_known_by_its_id()

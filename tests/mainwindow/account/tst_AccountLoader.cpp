@@ -234,7 +234,7 @@ private Q_SLOTS:
         desk.book.noteProfits({tradeOf("t1", 55)});
         QVERIFY(desk.server.release(StubAnswer::list({})));
         QTRY_COMPARE(desk.tradesRead.count(), 2);
-        QCOMPARE(desk.book.tradePnl().value(u"t1"_s), 55.0);
+        QCOMPARE(desk.book.profitOf(tradeOf("t1", 20)), 55.0);
         QCOMPARE(desk.book.summary()->profit, 55.0);
     }
 };
