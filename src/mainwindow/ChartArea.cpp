@@ -13,6 +13,7 @@
 #include "net/records/SymbolRecord.h"
 
 #include <QEvent>
+#include <QJsonObject>
 #include <QMdiSubWindow>
 #include <QTabBar>
 
@@ -61,7 +62,7 @@ ChartArea::ChartArea(ApiClient& api, const AccountBook& book, QWidget* parent)
 
 ChartArea::~ChartArea()
 {
-    // The experts end here, since their last words could not be passed on when Qt deletes the charts later.
+    // The experts end here, while the area is whole, since their last words may close any chart.
     for (const QPointer<ChartWindow>& chart : guarded(charts())) {
         if (chart)
             chart->detachExpert();
@@ -85,13 +86,7 @@ QMdiSubWindow* ChartArea::addChart(const QString& symbol, const QString& timefra
 {
     const int digits = m_book.digits().value(symbol, usualPriceDigits);
     auto* chart = new ChartWindow(m_api, symbol, timeframe, m_book.currentAccountId(), digits);
-    connect(chart, &ChartWindow::logMessage, this, &ChartArea::logMessage);
-    connect(chart, &ChartWindow::specificationRequested, this, &ChartArea::specificationRequested);
-    connect(chart, &ChartWindow::modifyLevelRequested, this, &ChartArea::modifyLevelRequested);
-    connect(chart, &ChartWindow::quickTradeRequested, this, &ChartArea::quickTradeRequested);
-    connect(chart, &ChartWindow::expertLog, this, &ChartArea::expertLog);
-    connect(chart, &ChartWindow::expertOrderRequested, this, &ChartArea::expertOrderRequested);
-    connect(chart, &ChartWindow::expertCloseAllRequested, this, &ChartArea::expertCloseAllRequested);
+    Q_EMIT chartOpened(*chart);
     chart->restoreState(state);
     handOverEverything(*chart);
 

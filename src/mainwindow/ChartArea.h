@@ -1,8 +1,5 @@
 #pragma once
 
-#include "app/base/LineKind.h"
-
-#include <QJsonObject>
 #include <QMdiArea>
 #include <QPointer>
 #include <QSet>
@@ -12,6 +9,7 @@ class AccountBook;
 class ApiClient;
 class ChartWindow;
 class PriceSnapshot;
+class QJsonObject;
 class QTabBar;
 
 /// The document area: opens chart windows, hands them prices, trades and account figures, and keeps
@@ -54,16 +52,11 @@ public:
     void closeActiveChart();
 
 Q_SIGNALS:
-    void specificationRequested(const QString& symbol);
+    /// A chart was made, asked for or restored. It has emitted nothing yet, so whoever connects its signals
+    /// now misses none.
+    void chartOpened(ChartWindow& chart);
+    /// A line of the area itself; charts speak for themselves.
     void logMessage(const QString& source, const QString& message);
-    /// A level line was dropped at a new price.
-    void modifyLevelRequested(const QString& tradeId, const QString& kind, double price);
-    /// A market order from the panel on a chart; `side` is "SELL" or "BUY".
-    void quickTradeRequested(const QString& symbol, const QString& side, double lots);
-    // From the experts on the charts; see ChartWindow.
-    void expertLog(const QString& source, const QString& message, LineKind kind);
-    void expertOrderRequested(const QJsonObject& body);
-    void expertCloseAllRequested(const QString& symbol);
 
 protected:
     void changeEvent(QEvent* event) override;

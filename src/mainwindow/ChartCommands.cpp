@@ -92,9 +92,7 @@ void ChartCommands::connectView()
     onTriggered(m_actions.refresh, [](ChartWindow& chart, bool) { chart.reload(); });
     onTriggered(m_actions.dataWindow, [](ChartWindow& chart, bool) { chart.showDataWindow(); });
     onTriggered(m_actions.properties, [](ChartWindow& chart, bool) { chart.showProperties(); });
-    onTriggered(m_actions.specification,
-        [this](ChartWindow& chart, bool) { Q_EMIT specificationRequested(chart.symbol()); });
-    connect(&m_charts, &ChartArea::specificationRequested, this, &ChartCommands::specificationRequested);
+    onTriggered(m_actions.specification, [](ChartWindow& chart, bool) { chart.requestSpecification(); });
 }
 
 void ChartCommands::connectWindows()

@@ -25,7 +25,6 @@ public Q_SLOTS:
     void followActiveChart();
 
 Q_SIGNALS:
-    void specificationRequested(const QString& symbol);
     void logMessage(const QString& source, const QString& message);
 
 private:

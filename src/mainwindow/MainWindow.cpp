@@ -120,6 +120,10 @@ MainWindow::~MainWindow()
     // declaration.
     m_feed.disconnect();
     m_charts->disconnect(this);
+    // Those too that were closed a moment ago, and have left the area's list.
+    const QList<ChartWindow*> charts = m_charts->findChildren<ChartWindow*>();
+    for (ChartWindow* chart : charts)
+        chart->disconnect(this);
 }
 
 void MainWindow::buildToolbox()
@@ -196,18 +200,27 @@ void MainWindow::connectQuotes()
 
 void MainWindow::connectPanes()
 {
+    connect(m_charts.get(), &ChartArea::chartOpened, this, &MainWindow::connectChart);
     connect(m_charts.get(), &QMdiArea::subWindowActivated, this, &MainWindow::onSubWindowActivated);
     connect(m_marketWatch, &MarketWatchWidget::symbolActivated, this, &MainWindow::openChart);
     connect(m_navigator, &NavigatorWidget::indicatorActivated, m_chartCommands.get(),
         &ChartCommands::addIndicator);
 }
 
+void MainWindow::connectChart(ChartWindow& chart)
+{
+    connect(&chart, &ChartWindow::modifyLevelRequested, this, &MainWindow::onChartModifyLevel);
+    connect(&chart, &ChartWindow::quickTradeRequested, this, &MainWindow::onQuickTrade);
+    connect(&chart, &ChartWindow::expertOrderRequested, this, &MainWindow::onExpertOrder);
+    connect(&chart, &ChartWindow::expertCloseAllRequested, this, &MainWindow::onExpertCloseAll);
+    connect(&chart, &ChartWindow::specificationRequested, this, &MainWindow::showSpecification);
+    m_reports->follow(chart, &ChartWindow::logMessage, &ChartWindow::expertLog);
+}
+
 void MainWindow::connectTrades()
 {
     connect(m_toolbox, &TerminalPane::tradeContextMenu, this, &MainWindow::onTradeContextMenu);
     connect(m_toolbox, &TerminalPane::tradeDoubleClicked, this, &MainWindow::onTradeDoubleClicked);
-    connect(m_charts.get(), &ChartArea::modifyLevelRequested, this, &MainWindow::onChartModifyLevel);
-    connect(m_charts.get(), &ChartArea::quickTradeRequested, this, &MainWindow::onQuickTrade);
     connect(m_actions->algoTrading, &QAction::toggled, m_tradeActions.get(), &TradeActions::setAlgoTrading);
     connect(m_tradeDesk.get(), &TradeDesk::newOrderRequested, this, &MainWindow::openOrderDialog);
 }
@@ -215,15 +228,13 @@ void MainWindow::connectTrades()
 void MainWindow::connectExperts()
 {
     connect(m_navigator, &NavigatorWidget::expertActivated, m_expertAttachment, &ExpertAttachment::attach);
-    connect(m_charts.get(), &ChartArea::expertOrderRequested, this, &MainWindow::onExpertOrder);
-    connect(m_charts.get(), &ChartArea::expertCloseAllRequested, this, &MainWindow::onExpertCloseAll);
 }
 
 void MainWindow::connectReports()
 {
     m_reports->follow(m_feed, &WsClient::logMessage);
     m_reports->follow(*m_loader, &AccountLoader::journalLine);
-    m_reports->follow(*m_charts, &ChartArea::logMessage, &ChartArea::expertLog);
+    m_reports->follow(*m_charts, &ChartArea::logMessage);
     m_reports->follow(*m_chartCommands, &ChartCommands::logMessage);
     m_reports->follow(*m_links, &DesktopLinks::logMessage);
     m_reports->follow(*m_tradeDesk, &TradeDesk::journalLine, &TradeDesk::expertLine);
@@ -267,8 +278,6 @@ void MainWindow::connectActions()
     connect(m_actions->about, &QAction::triggered, m_smallWindows, &SmallWindows::showAbout);
     connect(m_actions->checkForUpdates, &QAction::triggered, this,
         [] { UpdateFramework::instance().checkWithUi(); });
-    connect(
-        m_chartCommands.get(), &ChartCommands::specificationRequested, this, &MainWindow::showSpecification);
     m_links->serve(*m_actions, *this);
     connect(m_quitWatch, &QuitWatch::quitRequested, this, &MainWindow::quit);
     // After this the session manager may end the process without another word, or let it go on.

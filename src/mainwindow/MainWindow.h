@@ -15,6 +15,7 @@ class AccountSelector;
 class AlertsPane;
 class ChartArea;
 class ChartCommands;
+class ChartWindow;
 class DesktopLinks;
 class DockKeeper;
 class ExpertAttachment;
@@ -90,6 +91,8 @@ private:
     void connectAccount();
     void connectQuotes();
     void connectPanes();
+    /// Of each new chart.
+    void connectChart(ChartWindow& chart);
     void connectTrades();
     void connectExperts();
     void connectActions();

@@ -80,7 +80,7 @@ private Q_SLOTS:
         activate("function OnTick() { Print(Symbol(), Digits(), Point()); Trade.buy(1, {slPoints: 5}) }");
         const qsizetype before = experts().size();
         QJsonObject order;
-        connect(desk().chartArea(), &ChartArea::expertOrderRequested, this,
+        connect(desk().charts().first(), &ChartWindow::expertOrderRequested, this,
             [&order](const QJsonObject& body) { order = body; });
         desk().feed.setGreeting(
             records::hello({records::symbol("EURUSD").digits(2).described("Euro").rank(1)},
@@ -249,16 +249,17 @@ private Q_SLOTS:
         tick();
     }
 
-    /// Who is told later than the one that closes the chart still reads what it was about.
+    /// Whoever closes the chart still reads afterwards what it was told.
     void whatAnExpertAskedForIsReadableAfterItsChartWasClosed()
     {
         desk().window->openChart(u"EURUSD"_s);
         ChartArea* const area = desk().chartArea();
-        connect(
-            area, &ChartArea::expertCloseAllRequested, this, [area] { qDeleteAll(area->subWindowList()); });
         QString named;
-        connect(area, &ChartArea::expertCloseAllRequested, this,
-            [&named](const QString& symbol) { named = QString(symbol.constData(), symbol.size()); });
+        connect(desk().charts().first(), &ChartWindow::expertCloseAllRequested, this,
+            [area, &named](const QString& symbol) {
+                qDeleteAll(area->subWindowList());
+                named = QString(symbol.constData(), symbol.size());
+            });
         activate("function OnTick() { Trade.closeAll() }");
         tick();
         QVERIFY(desk().charts().isEmpty());
@@ -267,19 +268,20 @@ private Q_SLOTS:
 
     void theLastWordsOfOneExpertMayCloseAllCharts()
     {
-        for (int i = 0; i < 3; ++i) {
-            desk().window->openChart(u"EURUSD"_s);
-            activate("function OnDeinit() { Trade.closeAll() }");
-        }
         int closings = 0;
         ChartArea* const area = desk().chartArea();
-        connect(area, &ChartArea::expertCloseAllRequested, this, [area, &closings] {
+        const auto closeAll = [area, &closings] {
             // The others have last words too.
             if (++closings > 1)
                 return;
             const QList<QMdiSubWindow*> others = area->subWindowList().mid(1);
             qDeleteAll(others);
-        });
+        };
+        for (int i = 0; i < 3; ++i) {
+            desk().window->openChart(u"EURUSD"_s);
+            activate("function OnDeinit() { Trade.closeAll() }");
+            connect(desk().charts().last(), &ChartWindow::expertCloseAllRequested, this, closeAll);
+        }
         desk().window.reset();
         QCOMPARE(closings, 3);
     }
@@ -317,10 +319,24 @@ private Q_SLOTS:
         desk().window->openChart(u"EURUSD"_s);
         activate("function OnDeinit() { Print('bye'); Trade.buy(1) }");
         QStringList said;
-        connect(desk().chartArea(), &ChartArea::expertLog, this,
+        connect(desk().charts().first(), &ChartWindow::expertLog, this,
             [&said](const QString& source, const QString& text) { said.append(source + u": "_s + text); });
         desk().window.reset();
         QCOMPARE(said, QStringList(u"Robot: bye"_s));
+        QCOMPARE(desk().server.count("POST", "/api/trades/place"), 0);
+    }
+
+    /// Its chart still waits for its end, but is in no list any more.
+    void closingTheTerminalRightAfterAChartTellsItsExpertToo()
+    {
+        desk().window->openChart(u"EURUSD"_s);
+        desk().action("Algo Trading")->setChecked(true);
+        activate("function OnDeinit() { Trade.buy(1); Trade.closeAll(); throw 'bye' }");
+        desk().chartArea()->currentSubWindow()->close();
+        QVERIFY(desk().charts().isEmpty());
+        desk().window.reset();
+        QCOMPARE(logged(), QStringList(u"[Robot] OnDeinit: bye"_s));
+        desk().settle();
         QCOMPARE(desk().server.count("POST", "/api/trades/place"), 0);
     }
 };

@@ -4,6 +4,7 @@
 #include "chart/window/ChartWidget.h"
 #include "chart/window/ChartWindow.h"
 #include "chart/window/OneClickPanel.h"
+#include "mainwindow/SymbolSpecification.h"
 #include "orders/ModifyDialog.h"
 #include "orders/OrderDialog.h"
 #include "panes/AlertsPane.h"
@@ -322,6 +323,47 @@ private Q_SLOTS:
         QCOMPARE(f.server.count("POST", "/api/trades/place"), 1);
         QCOMPARE(f.server.count("POST", "/api/trades/close/t1"), 1);
         QCOMPARE(f.server.count("PUT", "/api/trades/modify/t1"), 1);
+    }
+
+    void each_chart_hands_on_what_is_wanted_of_it_and_what_it_says_data()
+    {
+        QTest::addColumn<bool>("restored");
+        QTest::newRow("opened by the trader") << false;
+        QTest::newRow("restored with the layout") << true;
+    }
+    void each_chart_hands_on_what_is_wanted_of_it_and_what_it_says()
+    {
+        QFETCH(const bool, restored);
+        MainWindowFixture f;
+        if (restored)
+            TerminalSettings::instance().setChartsLayout(uR"([{"symbol":"EURUSD","tf":"15m"}])"_s);
+        f.signInAndSettle();
+        if (!restored)
+            f.window->openChart(u"EURUSD"_s);
+        f.action("Algo Trading")->setChecked(true);
+        f.server.on("POST", "/api/trades/place", StubAnswer::json("{}"));
+        f.server.on("PUT", "/api/trades/modify/t1", StubAnswer::json("{}"));
+        f.server.on("POST", "/api/trades/close/t1", StubAnswer::json("{}"));
+        QCOMPARE(f.charts().size(), 1);
+        ChartWindow* chart = f.charts().constFirst();
+
+        Q_EMIT chart->modifyLevelRequested(u"t1"_s, u"SL"_s, 1.05);
+        QTRY_COMPARE(f.server.count("PUT", "/api/trades/modify/t1"), 1);
+        Q_EMIT chart->quickTradeRequested(u"EURUSD"_s, u"SELL"_s, 0.25);
+        QTRY_COMPARE(f.server.count("POST", "/api/trades/place"), 1);
+        QCOMPARE(f.server.last("POST", "/api/trades/place").json()["type"_L1].toString(), u"SELL"_s);
+        Q_EMIT chart->expertOrderRequested({{u"symbol"_s, u"EURUSD"_s}, {u"type"_s, u"BUY"_s},
+            {u"orderKind"_s, u"MARKET"_s}, {u"lotSize"_s, 0.5}});
+        QTRY_COMPARE(f.server.count("POST", "/api/trades/place"), 2);
+        QCOMPARE(f.server.last("POST", "/api/trades/place").json()["type"_L1].toString(), u"BUY"_s);
+        Q_EMIT chart->expertCloseAllRequested(u"EURUSD"_s);
+        QTRY_COMPARE(f.server.count("POST", "/api/trades/close/t1"), 1);
+        Q_EMIT chart->logMessage(u"Chart"_s, u"says"_s);
+        QCOMPARE(f.journalCount(u"Chart: says"_s), 1);
+        Q_EMIT chart->expertLog(u"Robot"_s, u"beeps"_s, LineKind::Ordinary);
+        QCOMPARE(f.log("expertsList").count(u"Robot: beeps"_s), 1);
+        Q_EMIT chart->specificationRequested(u"USDJPY"_s);
+        QCOMPARE(f.window->findChildren<SymbolSpecification*>().size(), 1);
     }
 
     void alertsKnowTheSymbolsInAlphabeticalOrder()

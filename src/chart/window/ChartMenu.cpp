@@ -115,6 +115,6 @@ void ChartMenu::addView()
         addAction(tr("Data Window\tCtrl+D")), &QAction::triggered, &m_window, &ChartWindow::showDataWindow);
     addSeparator();
     connect(addAction(tr("Properties...\tF8")), &QAction::triggered, &m_window, &ChartWindow::showProperties);
-    connect(addAction(tr("Specification...")), &QAction::triggered, this,
-        [this] { Q_EMIT m_window.specificationRequested(m_window.symbol()); });
+    connect(addAction(tr("Specification...")), &QAction::triggered, &m_window,
+        &ChartWindow::requestSpecification);
 }

@@ -368,6 +368,11 @@ void ChartWindow::showDataWindow()
     m_dataWindow->raise();
 }
 
+void ChartWindow::requestSpecification()
+{
+    Q_EMIT specificationRequested(m_symbol);
+}
+
 void ChartWindow::showProperties()
 {
     if (m_properties) {

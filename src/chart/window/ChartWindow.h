@@ -119,11 +119,12 @@ public Q_SLOTS:
     void showDataWindow();
     /// The dialog for the chart's colours; they change when it is accepted.
     void showProperties();
+    /// Tells that the trader asks for the contract specification of this symbol.
+    void requestSpecification();
 
 Q_SIGNALS:
     /// What menus show of this chart has changed: see ChartWidget::settingsChanged().
     void settingsChanged();
-    /// The trader asks for the contract specification of this symbol.
     void specificationRequested(const QString& symbol);
     void titleChanged(const QString& title);
     void timeframeChanged(const QString& key);
