@@ -23,6 +23,7 @@
 #include "mainwindow/ToolBars.h"
 #include "mainwindow/ToolboxFiller.h"
 #include "mainwindow/TradeDesk.h"
+#include "mainwindow/TradeMenu.h"
 #include "mainwindow/TrayIcon.h"
 #include "mainwindow/account/AccountLoader.h"
 #include "mainwindow/account/OrderEvents.h"
@@ -91,7 +92,8 @@ MainWindow::MainWindow(QWidget* parent)
     m_links = new DesktopLinks(this);
     m_smallWindows = new SmallWindows(m_book, *m_marketWatch, *this);
     m_tradeActions = std::make_unique<TradeActions>(m_api, m_book, this);
-    m_tradeDesk = std::make_unique<TradeDesk>(m_api, m_feed, m_book, *m_tradeActions, *this);
+    m_tradeDesk = std::make_unique<TradeDesk>(m_api, m_feed, m_book, *this);
+    m_tradeMenu = new TradeMenu(*this);
     m_expertAttachment = new ExpertAttachment(*m_charts, *m_tradeActions, this);
     buildTray();
     m_orderEvents = new OrderEvents(m_tray != nullptr, this);
@@ -222,7 +224,10 @@ void MainWindow::connectTrades()
     connect(m_toolbox, &TerminalPane::tradeContextMenu, this, &MainWindow::onTradeContextMenu);
     connect(m_toolbox, &TerminalPane::tradeDoubleClicked, this, &MainWindow::onTradeDoubleClicked);
     connect(m_actions->algoTrading, &QAction::toggled, m_tradeActions.get(), &TradeActions::setAlgoTrading);
-    connect(m_tradeDesk.get(), &TradeDesk::newOrderRequested, this, &MainWindow::openOrderDialog);
+    connect(m_tradeMenu, &TradeMenu::closeConfirmed, m_tradeActions.get(), &TradeActions::closePosition);
+    connect(m_tradeMenu, &TradeMenu::cancelRequested, m_tradeActions.get(), &TradeActions::cancelOrder);
+    connect(m_tradeMenu, &TradeMenu::modifyRequested, m_tradeDesk.get(), &TradeDesk::openModifyDialog);
+    connect(m_tradeMenu, &TradeMenu::newOrderRequested, this, &MainWindow::openOrderDialog);
 }
 
 void MainWindow::connectExperts()
@@ -362,7 +367,7 @@ void MainWindow::openOrderDialog()
 
 void MainWindow::onTradeContextMenu(const QPoint& globalPos, const QJsonObject& trade)
 {
-    m_tradeDesk->showMenu(globalPos, trade);
+    m_tradeMenu->popUp(globalPos, trade);
 }
 
 void MainWindow::onTradeDoubleClicked(const QJsonObject& trade)

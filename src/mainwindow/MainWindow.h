@@ -34,6 +34,7 @@ class TerminalSettings;
 class ToolboxFiller;
 class TradeActions;
 class TradeDesk;
+class TradeMenu;
 class TrayIcon;
 
 /// The terminal's window after sign-in. Constructs its collaborators, connects them, and delegates:
@@ -129,6 +130,7 @@ private:
     TerminalActions* m_actions = nullptr;
     DesktopLinks* m_links = nullptr;
     SmallWindows* m_smallWindows = nullptr;
+    TradeMenu* m_tradeMenu = nullptr;
     ExpertAttachment* m_expertAttachment = nullptr;
     QuitWatch* m_quitWatch = nullptr;
     ScreenFit* m_screenFit = nullptr;

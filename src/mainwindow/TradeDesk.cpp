@@ -1,28 +1,20 @@
 #include "mainwindow/TradeDesk.h"
 
 #include "app/base/PriceRule.h"
-#include "mainwindow/TradeMenu.h"
 #include "mainwindow/account/AccountBook.h"
-#include "mainwindow/account/TradeActions.h"
 #include "net/records/TradeRecord.h"
 #include "orders/ModifyDialog.h"
 #include "orders/OrderDialog.h"
 
 using namespace Qt::StringLiterals;
 
-TradeDesk::TradeDesk(
-    ApiClient& api, WsClient& feed, const AccountBook& book, TradeActions& actions, QWidget& window)
+TradeDesk::TradeDesk(ApiClient& api, WsClient& feed, const AccountBook& book, QWidget& window)
     : QObject(&window)
     , m_api(api)
     , m_feed(feed)
     , m_book(book)
     , m_window(window)
-    , m_menu(new TradeMenu(window))
 {
-    connect(m_menu, &TradeMenu::closeConfirmed, &actions, &TradeActions::closePosition);
-    connect(m_menu, &TradeMenu::cancelRequested, &actions, &TradeActions::cancelOrder);
-    connect(m_menu, &TradeMenu::modifyRequested, this, &TradeDesk::openModifyDialog);
-    connect(m_menu, &TradeMenu::newOrderRequested, this, &TradeDesk::newOrderRequested);
 }
 
 TradeDesk::~TradeDesk()
@@ -68,11 +60,6 @@ void TradeDesk::openModifyDialog(const QJsonObject& trade)
     dialog->setModal(true);
     connect(dialog, &ModifyDialog::modified, this, &TradeDesk::onModified);
     open(*dialog, tr("Modify failed: %1"));
-}
-
-void TradeDesk::showMenu(const QPoint& globalPos, const QJsonObject& trade)
-{
-    m_menu->popUp(globalPos, trade);
 }
 
 void TradeDesk::onOrderPlaced()

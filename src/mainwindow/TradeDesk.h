@@ -9,23 +9,19 @@
 class AccountBook;
 class ApiClient;
 class OrderDialog;
-class QPoint;
 class QWidget;
 class SendingDialog;
-class TradeActions;
-class TradeMenu;
 class WsClient;
 
-/// Where a trader's hand meets the trades: the order dialog, the modify dialog and the menu of a trade row.
-/// Tells what has happened by lines, and what is to be read again.
+/// Where a trader places and modifies orders: the order dialog and the modify dialogs. Tells what has
+/// happened by lines, and what is to be read again.
 class TradeDesk final : public QObject {
     Q_OBJECT
     Q_DISABLE_COPY_MOVE(TradeDesk)
 
 public:
-    /// Clients, book and actions must outlive the desk; dialogs appear over `window`.
-    TradeDesk(
-        ApiClient& api, WsClient& feed, const AccountBook& book, TradeActions& actions, QWidget& window);
+    /// Clients and book must outlive the desk; dialogs appear over `window`.
+    TradeDesk(ApiClient& api, WsClient& feed, const AccountBook& book, QWidget& window);
     ~TradeDesk() override;
 
 public Q_SLOTS:
@@ -34,11 +30,8 @@ public Q_SLOTS:
     void openOrderDialog(const QString& symbol);
     /// Opens the modify dialog; an empty trade opens none.
     void openModifyDialog(const QJsonObject& trade);
-    void showMenu(const QPoint& globalPos, const QJsonObject& trade);
 
 Q_SIGNALS:
-    /// The menu asks for a new order on whatever symbol is at hand.
-    void newOrderRequested();
     void journalLine(const QString& source, const QString& message);
     void expertLine(const QString& source, const QString& message, LineKind kind);
     void accountsRefreshWanted();
@@ -56,6 +49,5 @@ private:
     WsClient& m_feed;
     const AccountBook& m_book;
     QWidget& m_window;
-    TradeMenu* m_menu;
     QPointer<OrderDialog> m_orderDialog;
 };
