@@ -67,7 +67,8 @@ class WireDescription:
         self._met = set()
         self._met_members = set()
         self._validator = jsonschema.validators.extend(
-            jsonschema.Draft202012Validator, {"properties": self._note_members})
+            jsonschema.Draft202012Validator,
+            {"properties": self._note_members, "additionalProperties": self._judge_others})
         self._noted = set()
 
     # --- reading the documents -------------------------------------------------------------------
@@ -103,6 +104,18 @@ class WireDescription:
         if isinstance(instance, dict):
             self._noted |= {(id(properties), name) for name in properties if name in instance}
         yield from jsonschema.Draft202012Validator.VALIDATORS["properties"](validator, properties, instance, schema)
+
+    @staticmethod
+    def _judge_others(validator, others, instance, schema):
+        """Each value once: the platform's checks send price maps in which a thousand are alike."""
+        if not isinstance(instance, dict) or not isinstance(others, dict) or "patternProperties" in schema:
+            yield from jsonschema.Draft202012Validator.VALIDATORS["additionalProperties"](
+                validator, others, instance, schema)
+            return
+        values = {json.dumps(value): (name, value) for name, value in instance.items()
+                  if name not in schema.get("properties", {})}
+        for name, value in values.values():
+            yield from validator.descend(value, others, path=name)
 
     def _judge(self, text, schema):
         try:
