@@ -1,4 +1,5 @@
 #include "practice/Check.h"
+#include "practice/server/HandClock.h"
 #include "practice/storage/TemporaryFolder.h"
 
 #include "practice/server/FirstUse.h"
@@ -10,27 +11,14 @@ using namespace practice;
 
 namespace {
 
-constexpr TimeMs start = 1'750'000'000'000;
+constexpr TimeMs start = HandClock::firstMoment;
 constexpr TimeMs years = 1100 * dayMs;
-
-class Machine final : public Clock {
-public:
-    [[nodiscard]] TimeMs now() const override { return shown; }
-    [[nodiscard]] TimeMs elapsed() const override { return passed; }
-    void pass(TimeMs time)
-    {
-        shown += time;
-        passed += time;
-    }
-    TimeMs shown = start;
-    TimeMs passed = 12'345;
-};
 
 } // namespace
 
 TEST_CASE("the platform's time is the machine's, through a stall and a sleep")
 {
-    Machine machine;
+    HandClock machine;
     const PlatformTime time(machine, 0);
     CHECK_EQ(time.now(), start);
     for (const TimeMs step : {TimeMs(1), TimeMs(250), 40 * minuteMs, 3 * dayMs, years}) {
@@ -43,7 +31,7 @@ TEST_CASE("the platform's time is the machine's, through a stall and a sleep")
 TEST_CASE(
     "a clock set forward by hours is followed, by years not, and nothing is left of it when it is put right")
 {
-    Machine machine;
+    HandClock machine;
     const PlatformTime time(machine, 0);
     machine.shown += 5 * hourMs;
     CHECK_EQ(time.now(), start + 5 * hourMs);
@@ -60,7 +48,7 @@ TEST_CASE(
 
 TEST_CASE("a clock set back by hours is waited for at half the pace")
 {
-    Machine machine;
+    HandClock machine;
     const PlatformTime time(machine, 0);
     machine.shown -= hourMs;
     CHECK_EQ(time.now(), start);
@@ -81,7 +69,7 @@ TEST_CASE("a clock set back by hours is waited for at half the pace")
 
 TEST_CASE("a clock set back by years is not waited for")
 {
-    Machine machine;
+    HandClock machine;
     const PlatformTime time(machine, 0);
     machine.shown -= years;
     CHECK_EQ(time.now(), start);
@@ -117,7 +105,7 @@ TEST_CASE("a platform whose trades are from later than the clock goes on from th
     changes.trades = {trade};
     store.store(changes);
     CHECK_EQ(earliestMoment(database, start), start + years);
-    Machine machine;
+    HandClock machine;
     const PlatformTime time(machine, earliestMoment(database, machine.shown));
     machine.pass(hourMs);
     CHECK_EQ(time.now(), start + years + hourMs);

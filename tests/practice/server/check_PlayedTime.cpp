@@ -1,4 +1,5 @@
 #include "practice/Check.h"
+#include "practice/server/HandClock.h"
 #include "practice/storage/TemporaryFolder.h"
 
 #include "practice/core/PointScale.h"
@@ -19,19 +20,10 @@ using namespace practice;
 
 namespace {
 
-class TestClock final : public Clock {
-public:
-    [[nodiscard]] TimeMs now() const override { return m_now; }
-    void pass(TimeMs span) { m_now += span; }
-
-private:
-    TimeMs m_now = 1'795'251'600'123;
-};
-
 /// A platform that can be ended and started again.
 struct Place {
     TemporaryFolder folder;
-    TestClock clock;
+    HandClock clock;
     SimulatedMarket market;
     Database database{folder / "x.db"};
     std::unique_ptr<Platform> platform;
@@ -39,6 +31,7 @@ struct Place {
     Place(std::uint64_t seed, double speed)
         : market(seed, speed)
     {
+        clock.shown = 1'795'251'600'123;
         prepareFirstUse(database, clock.now());
         restart();
     }
