@@ -126,7 +126,7 @@ private Q_SLOTS:
         chart->attachExpert(script.fileName());
         f.feed.send(records::priceUpdate({{"EURUSD", 1.3, 1.4}}));
         QTRY_COMPARE(f.log("expertsList").count(u"Ticker: tick 1.3"_s), 1);
-        const qsizetype bars = chart->chart().candles().size();
+        const std::size_t bars = chart->chart().candles().size();
 
         f.feed.send(records::hello({records::symbol("EURUSD")}, records::prices({{"EURUSD", 1.5, 1.6}})));
         QTRY_COMPARE(f.list("marketWatchSymbols").topLevelItem(0)->text(1), u"1.50000"_s);

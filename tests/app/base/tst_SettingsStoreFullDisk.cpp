@@ -96,7 +96,7 @@ private Q_SLOTS:
         QVERIFY(store->sync());
         store->setValue("charts/layout"_L1, layoutOf(300));
         // More and more room comes back, enough for what the save before has left, never for all.
-        for (const rlim_t room : {1000, 2000, 3000}) {
+        for (const rlim_t room : {rlim_t(1000), rlim_t(2000), rlim_t(3000)}) {
             const FullDisk full(room);
             QVERIFY(!store->sync());
             QCOMPARE(contentOf(m_path).size(), static_cast<qsizetype>(room));
