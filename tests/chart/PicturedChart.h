@@ -58,8 +58,7 @@ public:
         for (Drawing& drawing : m_drawings)
             drawing.selected = true;
         ChartFrame frame = atRest();
-        frame.pointer = pointer;
-        frame.pointerInPlot = true;
+        frame.pointAt(pointer);
         frame.draggedLevel = 1;
         frame.draggedPrice = 1.0888;
         frame.ruler = Ruler::Span{{40, 130}, {90, 60}};

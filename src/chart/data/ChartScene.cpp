@@ -140,10 +140,9 @@ QuotedView ChartScene::quotedView(const QSize& size) const
     return {now, m_largestVolume, m_bid, m_ask};
 }
 
-std::optional<Candle> ChartScene::candleAt(const ChartView& view, const QPoint& position) const
+std::optional<Candle> ChartScene::candleAt(qsizetype bar) const
 {
-    const qsizetype index = view.barAt(position.x());
-    if (!view.plot().contains(position) || index < 0 || index >= m_series.count())
+    if (bar < 0 || bar >= m_series.count())
         return std::nullopt;
-    return m_series.candles()[static_cast<std::size_t>(index)];
+    return m_series.candles()[static_cast<std::size_t>(bar)];
 }

@@ -59,8 +59,8 @@ public:
     [[nodiscard]] QuotedView quotedView(const QSize& size) const;
     /// The view as it was last asked for; nothing when it is to be worked out anew.
     [[nodiscard]] std::optional<QuotedView> lastView() const;
-    /// The candle at a position in the plot of a view; nothing beside the plot or the candles.
-    [[nodiscard]] std::optional<Candle> candleAt(const ChartView& view, const QPoint& position) const;
+    /// The candle of a bar; nothing outside the series.
+    [[nodiscard]] std::optional<Candle> candleAt(qsizetype bar) const;
 
 private:
     CandleSeries m_series;

@@ -140,3 +140,10 @@ double ChartView::priceAt(double y) const
 {
     return m_prices.max - (y - m_plot.top()) * (m_prices.max - m_prices.min) / std::max(m_plot.height(), 1);
 }
+
+std::optional<CrosshairPlace> ChartView::placeAt(const QPoint& pixel) const
+{
+    if (!m_plot.contains(pixel))
+        return std::nullopt;
+    return CrosshairPlace{barAt(pixel.x()), priceAt(pixel.y())};
+}

@@ -1,11 +1,14 @@
 #pragma once
 
+#include "chart/data/CrosshairPlace.h"
 #include "chart/data/ViewState.h"
 #include "chart/series/Candle.h"
 
+#include <QPoint>
 #include <QRect>
 #include <QSize>
 
+#include <optional>
 #include <span>
 
 /// Indices of neighbouring bars, both ends included.
@@ -79,6 +82,8 @@ public:
     /// The pixel row of a price, cut to an integer.
     [[nodiscard]] int pricePixel(double price) const;
     [[nodiscard]] double priceAt(double y) const;
+    /// What lies below a pixel of the plot; nothing for a pixel outside it.
+    [[nodiscard]] std::optional<CrosshairPlace> placeAt(const QPoint& pixel) const;
 
     bool operator==(const ChartView&) const = default;
 

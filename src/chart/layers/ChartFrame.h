@@ -2,6 +2,7 @@
 
 #include "chart/data/ChartLook.h"
 #include "chart/data/ChartView.h"
+#include "chart/data/CrosshairPlace.h"
 #include "chart/data/Drawing.h"
 #include "chart/data/DrawingKind.h"
 #include "chart/data/TradeLevel.h"
@@ -50,10 +51,16 @@ struct ChartFrame : ChartLook {
     bool autoScroll = true;
     bool chartShift = false;
     QPoint pointer = {-1, -1};
-    bool pointerInPlot = false;
+    std::optional<CrosshairPlace> crosshair; ///< what the pointer is on; absent while it is outside the plot
 
     QRegion exposed;              ///< the part of the picture that is to be painted
     TextPainter* texts = nullptr; ///< never null while painting
+
+    void pointAt(const QPoint& position)
+    {
+        pointer = position;
+        crosshair = view.placeAt(position);
+    }
 
     [[nodiscard]] const Candle& candle(qsizetype index) const
     {

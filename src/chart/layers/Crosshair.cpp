@@ -21,7 +21,7 @@ void paintTag(QPainter& painter, const ChartFrame& frame, const QRect& box, cons
 
 void layers::paintCrosshair(QPainter& painter, const ChartFrame& frame)
 {
-    if (!frame.pointerInPlot)
+    if (!frame.crosshair)
         return;
     const ChartView& view = frame.view;
     const QRect& plot = view.plot();
@@ -29,9 +29,9 @@ void layers::paintCrosshair(QPainter& painter, const ChartFrame& frame)
     const int y = frame.pointer.y();
     strokes::across(painter, plot.left(), plot.right(), y, lineColor, Qt::DashLine);
     strokes::down(painter, x, plot.top(), plot.bottom(), lineColor, Qt::DashLine);
-    paintTag(painter, frame, priceTagBox(view, y), formatPrice(view.priceAt(y), frame.digits));
+    paintTag(painter, frame, priceTagBox(view, y), formatPrice(frame.crosshair->price, frame.digits));
 
-    const qsizetype index = view.barAt(x);
+    const qsizetype index = frame.crosshair->bar;
     if (index < 0 || index >= view.count())
         return;
     const Candle& candle = frame.candle(index);

@@ -8,7 +8,7 @@
 
 void layers::paintDrawingPreview(QPainter& painter, const ChartFrame& frame)
 {
-    if (!frame.preview || !frame.pointerInPlot)
+    if (!frame.preview || !frame.crosshair)
         return;
     const DrawingGeometry geometry(frame.view, frame.candles, frame.timeframeMs);
     const std::optional<QPoint> placed = geometry.pixel(frame.preview->placed);

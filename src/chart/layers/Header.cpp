@@ -6,7 +6,7 @@
 
 void layers::paintHeader(QPainter& painter, const ChartFrame& frame)
 {
-    if (frame.symbol.isEmpty() || frame.candles.empty() || frame.pointerInPlot)
+    if (frame.symbol.isEmpty() || frame.candles.empty() || frame.crosshair)
         return;
     const QPoint corner = frame.view.plot().topLeft();
     frame.texts->drawAt(painter, corner + QPoint(6, 13),

@@ -249,7 +249,8 @@ void ChartWidget::setTradeLevels(const QList<TradeLevel>& levels)
 
 std::optional<Candle> ChartWidget::hoveredCandle() const
 {
-    return m_scene.candleAt(view(), m_pointer);
+    const std::optional<CrosshairPlace> place = crosshair();
+    return place ? m_scene.candleAt(place->bar) : std::nullopt;
 }
 
 ChartFrame ChartWidget::frame() const
@@ -261,7 +262,7 @@ ChartFrame ChartWidget::frame() const
     frame.drawings = m_drawings.drawings();
     frame.levels = m_levels;
     frame.pointer = m_pointer;
-    frame.pointerInPlot = pointerInPlot();
+    frame.crosshair = crosshair();
     frame.texts = &m_texts;
     return frame;
 }

@@ -2,6 +2,7 @@
 
 #include "chart/data/ChartLook.h"
 #include "chart/data/ChartScene.h"
+#include "chart/data/CrosshairPlace.h"
 #include "chart/data/DrawingList.h"
 #include "chart/data/IndicatorCache.h"
 #include "chart/data/TradeLevel.h"
@@ -109,7 +110,10 @@ public:
     void setTradeLevels(const QList<TradeLevel>& levels);
     [[nodiscard]] const QList<TradeLevel>& tradeLevels() const { return m_levels; }
 
-    /// The candle under the pointer; nothing while the pointer is outside the plot or beside the candles.
+    /// Where the crosshair stands, and with it all that tells of the candle there; nothing while the pointer
+    /// is outside the plot.
+    [[nodiscard]] std::optional<CrosshairPlace> crosshair() const { return view().placeAt(m_pointer); }
+    /// The candle under the crosshair; nothing while the pointer is outside the plot or beside the candles.
     [[nodiscard]] std::optional<Candle> hoveredCandle() const;
 
     /// The geometry that the next paint uses.

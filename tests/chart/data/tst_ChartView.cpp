@@ -269,6 +269,19 @@ private Q_SLOTS:
         const ChartView view(QSize(400, 300), stateAt(0), 1, false);
         QCOMPARE(view.scrollToEndButton(), QRect(331 - 30, 277 - 26, 24, 20));
     }
+
+    void a_place_is_told_within_the_plot_only()
+    {
+        ViewState state;
+        state.rightBarIndex = 9;
+        const ChartView view(QSize(400, 300), state, 10, 0);
+        const QPoint corner = view.plot().bottomRight();
+        QCOMPARE(view.placeAt(corner), (CrosshairPlace{9, view.priceAt(corner.y())}));
+        QCOMPARE(view.placeAt(QPoint(0, 0))->bar, qsizetype{-38}); // beside the candles
+        QVERIFY(!view.placeAt(corner + QPoint(1, 0)));
+        QVERIFY(!view.placeAt(corner + QPoint(0, 1)));
+        QVERIFY(!view.placeAt(QPoint(-1, -1)));
+    }
 };
 
 TAVORAN_TEST(TestChartView)

@@ -261,8 +261,7 @@ private Q_SLOTS:
     {
         const std::vector<Candle> candles = fixtures::wave(10); // bars reach back to column 268
         ChartFrame frame = frameOfBars(candles, 7.0, m_texts);
-        frame.pointer = QPoint(100, 120);
-        frame.pointerInPlot = true;
+        frame.pointAt(QPoint(100, 120));
         const QImage image = paint(&layers::paintCrosshair, frame);
         QCOMPARE(pixelsOtherThan(image, QRect(0, 278, 332, 22), black), 0);
         QCOMPARE(pixelsOtherThan(image, QRect(0, 0, 99, 119), black), 0);
@@ -273,7 +272,7 @@ private Q_SLOTS:
     {
         const std::vector<Candle> candles = fixtures::wave(10);
         ChartFrame frame = frameOfBars(candles, 7.0, m_texts);
-        frame.pointer = QPoint(350, 120);
+        frame.pointAt(QPoint(350, 120));
         const QImage image = paint(&layers::paintCrosshair, frame);
         QCOMPARE(pixelsOtherThan(image, image.rect(), black), 0);
     }

@@ -156,8 +156,7 @@ private Q_SLOTS:
     void a_preview_of_a_retracement_is_a_box()
     {
         ChartFrame frame = frameOfBars(m_candles, 7.0, m_texts);
-        frame.pointer = QPoint(320, 220);
-        frame.pointerInPlot = true;
+        frame.pointAt(QPoint(320, 220));
         frame.preview = ChartFrame::Preview{DrawingKind::Rectangle, at(9, 100)};
         const QImage box = paint(&layers::paintDrawingPreview, frame);
         frame.preview->kind = DrawingKind::TrendLine;
@@ -169,12 +168,11 @@ private Q_SLOTS:
     void a_preview_needs_the_pointer_in_the_plot()
     {
         ChartFrame frame = frameOfBars(m_candles, 7.0, m_texts);
-        frame.pointer = QPoint(350, 220);
+        frame.pointAt(QPoint(350, 220));
         frame.preview = ChartFrame::Preview{DrawingKind::TrendLine, at(9, 100)};
         QImage image = paint(&layers::paintDrawingPreview, frame);
         QCOMPARE(pixelsOtherThan(image, image.rect(), black), 0);
-        frame.pointer = QPoint(300, 220);
-        frame.pointerInPlot = true;
+        frame.pointAt(QPoint(300, 220));
         frame.preview.reset();
         image = paint(&layers::paintDrawingPreview, frame);
         QCOMPARE(pixelsOtherThan(image, image.rect(), black), 0);
@@ -183,8 +181,7 @@ private Q_SLOTS:
     void a_preview_from_far_away_costs_no_more()
     {
         ChartFrame frame = frameOfBars(m_candles, 7.0, m_texts);
-        frame.pointer = QPoint(300, 220);
-        frame.pointerInPlot = true;
+        frame.pointAt(QPoint(300, 220));
         for (const DrawingKind kind : {DrawingKind::TrendLine, DrawingKind::Rectangle}) {
             frame.preview = ChartFrame::Preview{kind, {-4'000'000'000'000'000'000, -1e15}};
             for (int i = 0; i < 100; ++i) { // walking along all of it would take minutes

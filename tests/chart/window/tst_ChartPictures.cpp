@@ -53,6 +53,7 @@ void withoutPane(ChartFrame& frame)
 {
     frame.view = viewOf(frame, frame.view.barWidth());
     frame.bars = frame.view.visible();
+    frame.pointAt(frame.pointer);
 }
 
 /// Bars of one pixel, where candles are no more than wicks.

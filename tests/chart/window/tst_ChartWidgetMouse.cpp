@@ -185,7 +185,7 @@ private Q_SLOTS:
         fixtures::leave(chart);
         QCOMPARE(texts.count(), 1);
         QCOMPARE(texts.first().first().toString(), QString());
-        QVERIFY(!chart.frame().pointerInPlot);
+        QVERIFY(!chart.crosshair());
     }
 };
 
