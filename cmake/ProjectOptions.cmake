@@ -88,7 +88,7 @@ function(tavoran_tests)
     add_test(NAME ${name} COMMAND ${program} ${name})
   endforeach()
   set_tests_properties(${names} PROPERTIES
-    ENVIRONMENT "QT_QPA_PLATFORM=offscreen;LC_ALL=C.UTF-8" TIMEOUT 120)
+    ENVIRONMENT "QT_QPA_PLATFORM=offscreen;LC_ALL=C.UTF-8;LANGUAGE=en" TIMEOUT 120)
 endfunction()
 
 # tavoran_test(NAME tst_Thing LINKS net ...)
@@ -102,7 +102,7 @@ function(tavoran_test)
   tavoran_moc(${ARG_NAME} ${ARG_NAME}.cpp)
   add_test(NAME ${ARG_NAME} COMMAND ${ARG_NAME})
   set_tests_properties(${ARG_NAME} PROPERTIES
-    ENVIRONMENT "QT_QPA_PLATFORM=offscreen;LC_ALL=C.UTF-8" TIMEOUT 120)
+    ENVIRONMENT "QT_QPA_PLATFORM=offscreen;LC_ALL=C.UTF-8;LANGUAGE=en" TIMEOUT 120)
 endfunction()
 
 # practice_library(NAME practice_market [CALCULATES] SOURCES ... LINKS ...)

@@ -8,8 +8,8 @@ fail() {
 }
 
 BUILD_PACKAGES="g++ cmake ninja-build ccache qt6-base-dev qt6-websockets-dev qt6-declarative-dev
-    qt6-multimedia-dev libboost-dev nlohmann-json3-dev libsqlite3-dev libcrypt-dev"
-RUNTIME_PACKAGES="ca-certificates fonts-dejavu-core"
+    qt6-multimedia-dev qt6-l10n-tools libboost-dev nlohmann-json3-dev libsqlite3-dev libcrypt-dev"
+RUNTIME_PACKAGES="ca-certificates fonts-dejavu-core qt6-translations-l10n"
 TOUR_PACKAGES="xvfb xdotool openbox trayer dbus dbus-daemon at-spi2-core
     python3 python3-gi gir1.2-atspi-2.0"
 WIRE_PACKAGES="python3 python3-jsonschema python3-yaml"

@@ -3,11 +3,13 @@
 #include "app/PublicSettings.h"
 #include "app/base/Log.h"
 #include "app/base/TerminalSettings.h"
+#include "app/base/Translations.h"
 #include "app/ui/Banner.h"
 #include "app/ui/Theme.h"
 
 #include <QApplication>
 #include <QDialog>
+#include <QLocale>
 #include <QSplashScreen>
 #include <QSslConfiguration>
 #include <QThreadPool>
@@ -66,6 +68,7 @@ void nameApplication()
 int runTerminal(QApplication& application, const StartUpWindows& windows, UpdateFramework& updates)
 {
     nameApplication();
+    const Translations translations(QLocale::system().uiLanguages());
     applyTheme(application);
     appLog(u"theme applied: %1"_s.arg(isDarkTheme() ? "dark"_L1 : "light"_L1));
 

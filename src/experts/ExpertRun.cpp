@@ -96,8 +96,10 @@ bool ExpertRun::evaluate(const QString& path, QString& error)
         }
     }
     if (const auto failure = m_script.run(script->text, script->fileName)) {
+        //: %1 the kind of error, %3 what it says
         error = failure->line > 0
             ? tr("%1 at line %2: %3").arg(failure->name, QString::number(failure->line), failure->message)
+            //: %1 the kind of error, %2 what it says
             : tr("%1: %2").arg(failure->name, failure->message);
         return false;
     }
@@ -141,7 +143,9 @@ std::optional<QString> ExpertRun::call(const QJSValue& hook, const QString& hook
 QString ExpertRun::reportOf(const QString& hookName, const ScriptError& failure) const
 {
     const QString text = failure.line > 0
+        //: %1 the function of the script, %2 what went wrong
         ? tr("%1: %2 (line %3)").arg(hookName, failure.message, QString::number(failure.line))
+        //: %1 the function of the script, %2 what went wrong
         : tr("%1: %2").arg(hookName, failure.message);
     report(text, LineKind::Failure);
     return text;

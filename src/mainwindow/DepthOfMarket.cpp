@@ -9,6 +9,7 @@
 #include <QTreeWidget>
 #include <QVBoxLayout>
 
+#include <algorithm>
 #include <cmath>
 
 using namespace Qt::StringLiterals;
@@ -58,6 +59,7 @@ void DepthOfMarket::buildRows()
 {
     m_rows->setObjectName(u"depthRows"_s);
     m_rows->setAccessibleName(windowTitle());
+    //: bid or ask; how far the row is from the price
     m_rows->setHeaderLabels({tr("Side"), tr("Price"), tr("Points away")});
     for (const int column : {PriceColumn, DistanceColumn})
         m_rows->headerItem()->setTextAlignment(column, Qt::AlignRight | Qt::AlignVCenter);
@@ -108,7 +110,8 @@ void DepthOfMarket::fillRows()
     }
     if (m_quote.isComplete()) {
         const double points = (m_quote.ask - m_quote.bid) / point;
-        m_spread->setText(tr("Spread: %1 points").arg(QString::number(points, 'f', 0)));
+        const int count = pluralCount(std::llround(std::min(points, 1e9)));
+        m_spread->setText(tr("Spread: %1 points", nullptr, count).arg(QString::number(points, 'f', 0)));
     } else {
         m_spread->setText(tr("Waiting for prices..."));
     }

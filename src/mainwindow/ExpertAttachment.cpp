@@ -29,6 +29,7 @@ void ExpertAttachment::attach(const QString& path)
     if (name.isEmpty())
         return;
     Q_EMIT expertLine(name,
+        //: %1 the symbol, %2 the timeframe
         tr("Attached to %1 %2").arg(shownName(chart->symbol()), timeframeLabel(chart->timeframe())),
         LineKind::Ordinary);
     if (!m_actions.isAlgoTradingOn()) {

@@ -461,9 +461,11 @@ void MainWindow::quit()
     if (!std::exchange(m_leaving, true)) {
         const QStringList unanswered = m_api.unansweredChanges();
         for (const QString& change : unanswered)
+            //: the program ends before the server answered the request %1
             logReport(tr("Network"), tr("Left without an answer to %1").arg(change));
         if (const int unsent = m_tradeActions->expertRequests().dropWaiting(); unsent > 0)
-            logReport(tr("Expert"), tr("Left with %1 request(s) not sent").arg(unsent));
+            //: the program ends with an expert's requests still waiting
+            logReport(tr("Expert"), tr("Left with %1 request(s) not sent", nullptr, unsent).arg(unsent));
     }
     QCoreApplication::exit();
 }

@@ -90,6 +90,7 @@ void StatusPanel::setConnected(bool connected)
 
 void StatusPanel::setLatency(int milliseconds)
 {
+    //: how long a message takes to the server and back
     m_latency->setText(tr("(%1 ms)").arg(milliseconds));
 }
 
@@ -110,6 +111,7 @@ QString StatusPanel::kilobytes(quint64 bytes)
 
 void StatusPanel::showTraffic()
 {
+    //: traffic: %1 a colour, %2 messages, %3 kilobytes
     const QString text = tr("<span style='color:%1'>●</span> %2 / %3 Kb")
                              .arg(QString(connectedColor), kilobytes(m_received), kilobytes(m_sent));
     if (text != m_traffic->text())

@@ -36,10 +36,12 @@ void TradeMenu::popUp(const QPoint& globalPos, const QJsonObject& trade)
 
 void TradeMenu::askToClose(const QJsonObject& trade)
 {
+    //: %1 the side, %2 lots, %3 the symbol
     const QString description = tr("%1 %2 %3")
                                     .arg(shownName(trade::typeText(trade).toLower()),
                                         formatVolume(trade::lots(trade)), shownName(trade::symbol(trade)));
     auto* question = new QMessageBox(QMessageBox::Question, tr("Close Position"),
+        //: %1 side, lots and symbol, %2 the ticket
         tr("Close position %1 (#%2)?").arg(description, shownName(shortId(trade::id(trade)))),
         QMessageBox::Yes | QMessageBox::No, &m_window);
     question->setTextFormat(Qt::PlainText);

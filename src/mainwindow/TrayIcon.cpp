@@ -25,6 +25,7 @@ TrayIcon::TrayIcon(QObject* parent)
     , m_icon(appIcon())
 {
     m_icon.setToolTip(tr("Tavoran Terminal"));
+    //: brings the main window to the front
     connect(m_menu.addAction(tr("Show")), &QAction::triggered, this, &TrayIcon::showRequested);
     connect(m_menu.addAction(tr("Exit")), &QAction::triggered, this, &TrayIcon::exitRequested);
     m_icon.setContextMenu(&m_menu);

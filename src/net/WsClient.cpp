@@ -1,5 +1,6 @@
 #include "net/WsClient.h"
 
+#include "app/base/NumberFormat.h"
 #include "app/base/ServerText.h"
 #include "app/base/TerminalSettings.h"
 #include "net/SocketError.h"
@@ -31,6 +32,11 @@ QString feedAddress(const QString& serverUrl)
     else if (address.startsWith("http://"_L1))
         address.replace(0, 7, "ws://"_L1);
     return address + "/ws/terminal"_L1;
+}
+
+QString readyText(qsizetype symbols)
+{
+    return WsClient::tr("Feed ready — %1 symbols", nullptr, pluralCount(symbols)).arg(symbols);
 }
 
 } // namespace
@@ -194,7 +200,7 @@ void WsClient::onTextMessage(const QString& text)
         Q_EMIT tradesUpdated(feed::trades(message));
         break;
     case feed::Kind::Hello:
-        log(tr("Feed ready — %1 symbols").arg(feed::symbols(message).size()));
+        log(readyText(feed::symbols(message).size()));
         Q_EMIT helloReceived(message);
         break;
     case feed::Kind::OrdersChanged:

@@ -58,6 +58,7 @@ ModifyDialog::ModifyDialog(ApiClient& api, const QJsonObject& trade, int digits,
     setMinimumWidth(340);
 
     auto* column = new QVBoxLayout(this);
+    //: %1 the symbol, %2 the side, %3 lots
     QLabel* header
         = plainLabel(tr("%1 %2 %3")
                          .arg(shownName(trade::symbol(trade)), shownName(trade::typeText(trade).toLower()),
@@ -110,6 +111,7 @@ DecimalEdit* ModifyDialog::addLevel(
 {
     auto* field = new DecimalEdit(this);
     field->setObjectName(name);
+    //: an empty field: no stop loss, no take profit
     field->setPlaceholderText(tr("none"));
     field->setText(textOfPositive(level, digits));
     form.addRow(caption, field);

@@ -75,6 +75,7 @@ void OrderDialog::setOrderType(OrderType type)
 {
     m_orderType = type;
     m_form->setOrderType(type);
+    //: %1 the symbol, %2 its description
     setWindowTitle(tr("Order: %1 - %2").arg(m_shownSymbol, shownSentence(symbol::description(m_record))));
 }
 
@@ -103,12 +104,14 @@ void OrderDialog::onPrices(const QJsonObject& prices)
     const auto [bid, ask] = *quote;
     if (quote != m_quote) {
         m_quote = quote;
+        //: %1 the bid, %2 the ask
         m_form->showPrices(tr("%1 / %2").arg(formatPrice(bid, digits()), formatPrice(ask, digits())));
     }
     m_tickChart->append(bid, ask);
     m_tickChart->update();
     const double contractSize = symbol::contractSize(m_record);
     const double units = m_form->lots() * (contractSize > 0.0 ? contractSize : 1.0);
+    //: %1 units, %2 the symbol: what the chosen lots are
     m_form->showUnits(tr("%1 %2").arg(QString::number(units, 'f', 0), m_shownSymbol));
 }
 

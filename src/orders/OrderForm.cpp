@@ -30,10 +30,13 @@ QString typeSuffix(OrderType type)
 {
     switch (type) {
     case OrderType::Market:
+        //: ends "Sell %1" and "Buy %1"
         return OrderForm::tr("by Market");
     case OrderType::Limit:
+        //: the type of order; ends "Sell %1" and "Buy %1"
         return OrderForm::tr("Limit");
     case OrderType::Stop:
+        //: the type of order; ends "Sell %1" and "Buy %1"
         return OrderForm::tr("Stop");
     case OrderType::StopLimit:
         break;
@@ -163,6 +166,7 @@ void OrderForm::fillSymbols(const QJsonArray& symbols, const QString& initialSym
         const QString name = symbol::name(record);
         if (!name.isEmpty())
             m_symbolCombo->addItem(
+                //: %1 the symbol, %2 its description
                 tr("%1, %2").arg(shownName(name), shownSentence(symbol::description(record))), name);
     }
     const int initial = initialSymbol.isEmpty() ? -1 : m_symbolCombo->findData(initialSymbol);
@@ -197,7 +201,9 @@ void OrderForm::setOrderType(OrderType type)
     const bool pending = type != OrderType::Market;
     m_priceLabel->setVisible(pending);
     m_price->setVisible(pending);
+    //: %1 the type of order, such as "Limit"
     m_sell->setText(tr("Sell %1").arg(typeSuffix(type)));
+    //: %1 the type of order, such as "Limit"
     m_buy->setText(tr("Buy %1").arg(typeSuffix(type)));
 }
 

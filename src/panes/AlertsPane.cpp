@@ -70,6 +70,7 @@ void AlertsPane::checkQuotes(const PriceSnapshot& prices)
         const PriceAlert& alert = m_book.alerts().at(hit.index);
         Q_EMIT soundWanted(SoundKind::Fill);
         Q_EMIT balloonWanted({tr("Price Alert — %1").arg(shownName(alert.symbol)),
+            //: %1 the symbol, %2 the condition, %3 its price, %4 the bid
             tr("%1 %2 %3 (now %4)")
                 .arg(shownName(alert.symbol), alert.above ? u"≥"_s : u"≤"_s,
                     formatPrice(alert.price, priceDecimals), formatPrice(hit.bid, priceDecimals)),

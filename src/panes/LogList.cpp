@@ -66,7 +66,9 @@ LogList::LogList(Clock clock, QWidget* parent)
     : QTreeWidget(parent)
     , m_clock(clock)
 {
-    setHeaderLabels({tr("Time"), tr("Source"), tr("Message")});
+    setHeaderLabels({tr("Time"),
+        //: the part of the program that a line comes from
+        tr("Source"), tr("Message")});
     setRootIsDecorated(false);
     setUniformRowHeights(true);
     setAllColumnsShowFocus(true);

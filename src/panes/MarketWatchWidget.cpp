@@ -73,6 +73,7 @@ MarketWatchWidget::MarketWatchWidget(QWidget* parent)
     m_tabs->setExpanding(false);
     m_tabs->addTab(tr("Symbols"));
     m_tabs->addTab(tr("Details"));
+    //: prices as they come
     m_tabs->addTab(tr("Ticks"));
     m_tabs->setTabEnabled(TicksPage, false);
 
@@ -93,7 +94,9 @@ void MarketWatchWidget::buildLists()
 {
     m_list->setObjectName("marketWatchSymbols"_L1);
     m_list->setAccessibleName(tr("Market Watch"));
-    m_list->setHeaderLabels({tr("Symbol"), tr("Bid"), tr("Ask"), tr("Daily")});
+    m_list->setHeaderLabels({tr("Symbol"), tr("Bid"), tr("Ask"),
+        //: the change of the day
+        tr("Daily")});
     for (int column = QuoteItem::Bid; column < m_list->columnCount(); ++column)
         m_list->headerItem()->setTextAlignment(column, Qt::AlignRight | Qt::AlignVCenter);
     m_list->setRootIsDecorated(false);

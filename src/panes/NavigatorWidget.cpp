@@ -52,6 +52,7 @@ NavigatorWidget::NavigatorWidget(const QList<Indicator>& indicators, QWidget* pa
     auto* tabs = new QTabBar(this);
     tabs->setShape(QTabBar::RoundedSouth);
     tabs->setExpanding(false);
+    //: all entries, as opposed to the favourites
     tabs->addTab(tr("Common"));
     tabs->addTab(tr("Favorites"));
 
@@ -105,6 +106,7 @@ void NavigatorWidget::setAccounts(const QJsonArray& accounts)
         const QJsonObject account = value.toObject();
         const QString balance = QString::number(account::balance(account), 'f', 0);
         const QString id = account::id(account);
+        //: %1 the account, %2 its balance
         QTreeWidgetItem* item
             = addEntry(m_accounts, tr("%1  (%2)").arg(account::label(account), balance), accountPrefix + id);
         item->setIcon(0, icon);

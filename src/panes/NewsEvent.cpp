@@ -15,10 +15,9 @@ namespace {
 constexpr int usualNotifyMinutes = 15;
 constexpr QColor mediumColor(0xff, 0xa7, 0x26);
 
-QString tr(const char* text)
-{
-    return QCoreApplication::translate("NewsPane", text);
-}
+struct Texts {
+    Q_DECLARE_TR_FUNCTIONS(NewsPane)
+};
 
 QString clockText(const QString& iso)
 {
@@ -57,10 +56,13 @@ QString countdownText(int minutes)
 {
     constexpr int minutesPerHour = 60;
     if (minutes < 0)
-        return tr("now");
+        //: in place of the time until an event
+        return Texts::tr("now");
     if (minutes < minutesPerHour)
-        return tr("%1m").arg(QString::number(minutes));
-    return tr("%1h %2m").arg(
+        //: minutes until an event
+        return Texts::tr("%1m").arg(QString::number(minutes));
+    //: hours and minutes until an event
+    return Texts::tr("%1h %2m").arg(
         QString::number(minutes / minutesPerHour), QString::number(minutes % minutesPerHour));
 }
 

@@ -26,7 +26,9 @@ NewsPane::NewsPane(ApiClient& api, QWidget* parent)
     m_list->setAccessibleName(tr("Calendar"));
     m_list->setRootIsDecorated(false);
     m_list->setUniformRowHeights(true);
-    m_list->setHeaderLabels({tr("Time"), tr("Currency"), tr("Impact"), tr("Event"), tr("In")});
+    m_list->setHeaderLabels({tr("Time"), tr("Currency"), tr("Impact"), tr("Event"),
+        //: how long until the event
+        tr("In")});
     m_list->setColumnWidth(TimeColumn, 130);
     m_list->setColumnWidth(CurrencyColumn, 70);
     m_list->setColumnWidth(ImpactColumn, 70);
@@ -77,7 +79,9 @@ void NewsPane::announce(const NewsReply& news)
             continue;
         m_notified.insert(event.id);
         Q_EMIT balloonWanted({tr("Upcoming News — %1").arg(event.currency),
-            tr("%1 in %2 minutes").arg(event.title, QString::number(event.minutesUntil)),
+            //: %1 the event
+            tr("%1 in %2 minutes", nullptr, event.minutesUntil)
+                .arg(event.title, QString::number(event.minutesUntil)),
             Balloon::Kind::Warning, balloonMs});
     }
 }

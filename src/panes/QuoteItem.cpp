@@ -81,6 +81,7 @@ QVariant QuoteItem::textOf(int column) const
     case Daily:
         if (m_hasDaily) {
             const QString sign = m_daily >= 0.0 ? u"+"_s : QString();
+            //: the change of the day: %1 a sign, %2 a number of per cent
             return QCoreApplication::translate("MarketWatchWidget", "%1%2%")
                 .arg(sign, QString::number(m_daily, 'f', 2));
         }

@@ -2,7 +2,7 @@
 """Start-up on a virtual desktop, against a server that takes its time to answer the first question.
 
 While the terminal waits, its splash screen is painted; what is typed or clicked meanwhile reaches
-nothing, neither at once nor later in the sign-in dialog. The exit code is 0 only when all was seen.
+nothing, neither at once nor later in the sign-in dialog. Then once more for a German. The exit code is 0 only when all was seen.
 """
 
 import argparse
@@ -104,9 +104,9 @@ class StartUp:
         version_line = any(pixel(x, y) != SPLASH_BACKGROUND for y in range(236, 252) for x in range(150, 330))
         return border and ground and version_line
 
-    def sign_in_dialog(self, process_id):
+    def sign_in_dialog(self, process_id, button="Login"):
         return wait_until(lambda: self.reader.window(
-            process_id, lambda item: item.shown and item.find("push button", "Login")))
+            process_id, lambda item: item.shown and item.find("push button", button)))
 
     def run(self):
         for attempt in range(ATTEMPTS):
@@ -115,6 +115,7 @@ class StartUp:
             terminal = Terminal(self.binary, profile, server.address)
             try:
                 if self.attempt(server, terminal):
+                    self.speak_german()
                     return self.failures == 0
                 print("     the splash screen was not seen in good time, or the machine was too slow to act; once more", flush=True)
             finally:
@@ -122,6 +123,19 @@ class StartUp:
                 server.close()
         print(f"FAIL nothing could be done while the terminal waited, {ATTEMPTS} times", flush=True)
         return False
+
+    def speak_german(self):
+        server = SlowServer()
+        server.answer.set()
+        terminal = Terminal(self.binary, self.folder / "de", server.address, language="de_AT:en")
+        try:
+            terminal.start()
+            dialog = self.sign_in_dialog(terminal.pid, "Anmelden")
+            self.desktop.screenshot(self.out / "dialog-german.png")
+            self.seen(dialog and dialog.find("push button", "Abbrechen"), "a German is asked in German")
+        finally:
+            terminal.stop()
+            server.close()
 
     def attempt(self, server, terminal):
         """One start. False when the terminal stopped waiting before everything was done."""

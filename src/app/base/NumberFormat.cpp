@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 
 namespace {
 
@@ -41,6 +42,11 @@ QString formatMoney(double amount)
 QString formatGeneral(double value)
 {
     return QString::number(shown(value), 'g', 6);
+}
+
+int pluralCount(qint64 count)
+{
+    return static_cast<int>(std::clamp<qint64>(count, 0, std::numeric_limits<int>::max()));
 }
 
 QString shortId(const QString& id)

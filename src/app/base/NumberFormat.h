@@ -19,5 +19,8 @@
 /// The shortest form with at most 6 significant digits.
 [[nodiscard]] QString formatGeneral(double value);
 
+/// The number that chooses the plural of a text: `count` within what QObject::tr() takes.
+[[nodiscard]] int pluralCount(qint64 count);
+
 /// The first eight characters of a record's id.
 [[nodiscard]] QString shortId(const QString& id);

@@ -10,7 +10,9 @@ const std::array<ChartColorRole, 7>& chartColorRoles()
         {QT_TRANSLATE_NOOP("ChartColorRoles", "Background"), "bg"_L1, &ChartColors::background},
         {QT_TRANSLATE_NOOP("ChartColorRoles", "Grid"), "grid"_L1, &ChartColors::grid},
         {QT_TRANSLATE_NOOP("ChartColorRoles", "Axis text"), "axis"_L1, &ChartColors::axis},
+        //: colour of a candle that closes higher
         {QT_TRANSLATE_NOOP("ChartColorRoles", "Up / bull"), "up"_L1, &ChartColors::up},
+        //: colour of a candle that closes lower
         {QT_TRANSLATE_NOOP("ChartColorRoles", "Down / bear"), "down"_L1, &ChartColors::down},
         {QT_TRANSLATE_NOOP("ChartColorRoles", "Line chart"), "line"_L1, &ChartColors::line},
         {QT_TRANSLATE_NOOP("ChartColorRoles", "Volume"), "vol"_L1, &ChartColors::volume},

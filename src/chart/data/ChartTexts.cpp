@@ -45,6 +45,7 @@ QString barTimeText(qint64 timeMs, qint64 timeframeMs, bool withDate)
 QString headerText(const QString& symbol, const QString& timeframeLabel, const QString& description,
     const Candle& last, int digits)
 {
+    //: symbol, timeframe and time, then open, high, low and close
     return Texts::tr("%1,%2: %3   O: %4  H: %5  L: %6  C: %7")
         .arg(oneLine(symbol), oneLine(timeframeLabel), oneLine(description), formatPrice(last.open, digits),
             formatPrice(last.high, digits), formatPrice(last.low, digits), formatPrice(last.close, digits));
@@ -52,6 +53,7 @@ QString headerText(const QString& symbol, const QString& timeframeLabel, const Q
 
 QString crosshairText(const Candle& candle, int digits)
 {
+    //: open, high, low and close
     return Texts::tr("O: %1   H: %2   L: %3   C: %4")
         .arg(formatPrice(candle.open, digits), formatPrice(candle.high, digits),
             formatPrice(candle.low, digits), formatPrice(candle.close, digits));
@@ -59,6 +61,7 @@ QString crosshairText(const Candle& candle, int digits)
 
 QString hoverText(const Candle& candle, int digits)
 {
+    //: open, high, low, close and volume
     return Texts::tr("O: %1  H: %2  L: %3  C: %4  V: %5")
         .arg(formatPrice(candle.open, digits), formatPrice(candle.high, digits),
             formatPrice(candle.low, digits), formatPrice(candle.close, digits),

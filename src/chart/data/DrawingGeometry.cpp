@@ -126,6 +126,7 @@ double DrawingGeometry::fibonacciPrice(const Shape& shape, double ratio)
 
 QString DrawingGeometry::fibonacciText(double ratio, double price, int digits)
 {
+    //: %1 a share in per cent, %2 its price
     return QCoreApplication::translate("ChartWidget", "%1  %2")
         .arg(QString::number(ratio * 100.0, 'f', 1), formatPrice(price, digits));
 }

@@ -43,6 +43,7 @@ void appendOpenTrade(const QJsonObject& trade, QList<TradeLevel>& levels)
         entry.tradeId = id;
         entry.kind = levelText(LevelKind::Entry);
         entry.price = price;
+        //: %1 the side, %2 lots, %3 the ticket
         entry.label = Label::tr("%1 %2 #%3")
                           .arg(buy ? Label::tr("buy") : Label::tr("sell"), formatVolume(trade::lots(trade)),
                               shownName(shortId(id)));
@@ -52,9 +53,11 @@ void appendOpenTrade(const QJsonObject& trade, QList<TradeLevel>& levels)
     }
     if (const auto price = trade::stopLoss(trade))
         levels.append(
+            //: stop loss of a ticket
             protectiveLevel(trade, LevelKind::StopLoss, *price, Label::tr("sl #%1"), stopLossColor));
     if (const auto price = trade::takeProfit(trade))
         levels.append(
+            //: take profit of a ticket
             protectiveLevel(trade, LevelKind::TakeProfit, *price, Label::tr("tp #%1"), takeProfitColor));
 }
 
@@ -67,6 +70,7 @@ void appendPendingOrder(const QJsonObject& order, QList<TradeLevel>& levels)
     level.tradeId = trade::id(order);
     level.kind = levelText(LevelKind::Price);
     level.price = price;
+    //: %1 the type of a pending order, %2 lots, %3 the ticket
     level.label = Label::tr("%1 %2 #%3")
                       .arg(shownName(trade::orderKind(order)), formatVolume(trade::lots(order)),
                           shownName(shortId(level.tradeId)));

@@ -55,9 +55,11 @@ QString Ruler::text(const ChartView& view, const Span& span, int digits)
     const double from = view.priceAt(span.start.y());
     const double to = view.priceAt(span.end.y());
     const double percent = from == 0.0 ? 0.0 : (to - from) / from * 100.0;
-    return QCoreApplication::translate("ChartWidget", "%1 bars,  %2 points  (%3%)")
-        .arg(
-            QString::number(bars), QString::number(pointsBetween(from, to, digits)), formatPrice(percent, 2));
+    const qint64 points = pointsBetween(from, to, digits);
+    //: the plural is that of the points
+    return QCoreApplication::translate(
+        "ChartWidget", "%1 bars,  %2 points  (%3%)", nullptr, pluralCount(points))
+        .arg(QString::number(bars), QString::number(points), formatPrice(percent, 2));
 }
 
 QRect Ruler::box(const ChartView& view, const QPoint& end, int advance)

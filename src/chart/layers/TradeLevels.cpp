@@ -23,6 +23,7 @@ void paintLevel(QPainter& painter, const ChartFrame& frame, const TradeLevel& le
         painter, plot.left(), plot.right(), y, level.color, dragged ? Qt::SolidLine : level.penStyle);
     QString label = oneLine(level.label);
     if (dragged)
+        //: %1 a level of a trade, %2 its price
         label = QCoreApplication::translate("ChartWidget", "%1  %2")
                     .arg(label, formatPrice(price, frame.digits));
     frame.texts->draw(

@@ -13,6 +13,7 @@ AverageDialog::AverageDialog(int usualPeriod, QWidget* parent)
     constexpr int shortest = 2;
     constexpr int longest = 400;
     setWindowTitle(tr("Moving Average"));
+    //: in bars
     setLabelText(tr("Period:"));
     setInputMode(IntInput);
     setIntRange(shortest, longest);

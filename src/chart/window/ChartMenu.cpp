@@ -55,6 +55,7 @@ void ChartMenu::addIndicators()
             connect(addCheckable(menu, text, m_window.chart().pane(row.kind).shown), &QAction::triggered,
                 this, [this, kind = row.kind](bool on) { m_window.showPane(kind, on); });
         } else {
+            //: %1 an indicator, whose period is asked for
             connect(menu.addAction(tr("%1...").arg(indicatorText(row.command))), &QAction::triggered, this,
                 [this, kind = row.kind] { m_window.addIndicator(kind); });
         }
@@ -93,7 +94,11 @@ void ChartMenu::addChartTypes()
 {
     QMenu& menu = *addMenu(tr("Chart Type"));
     int type = 0;
-    for (const QString& text : {tr("Candlesticks"), tr("Bars"), tr("Line")}) {
+    for (const QString& text : {tr("Candlesticks"),
+             //: a type of chart
+             tr("Bars"),
+             //: a type of chart
+             tr("Line")}) {
         connect(addCheckable(menu, text, type == m_window.chart().chartType()), &QAction::triggered, this,
             [this, type] { m_window.setChartType(type); });
         ++type;

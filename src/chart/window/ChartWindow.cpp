@@ -1,5 +1,6 @@
 #include "chart/window/ChartWindow.h"
 
+#include "app/base/NumberFormat.h"
 #include "app/base/PriceRule.h"
 #include "app/base/ServerText.h"
 #include "chart/data/AveragePalette.h"
@@ -179,7 +180,8 @@ void ChartWindow::onHistory(const QByteArray& body, const QString& error)
     HistoryReply history = HistoryReply::read(body, {digits, QDateTime::currentMSecsSinceEpoch()});
     takeHistory(std::move(history.candles), toEnd);
     Q_EMIT logMessage(tr("Chart"),
-        tr("%1,%2: %3 candles loaded")
+        //: %1 the symbol, %2 the timeframe
+        tr("%1,%2: %3 candles loaded", nullptr, pluralCount(history.received))
             .arg(shownName(m_symbol), timeframeLabel(m_timeframe), QString::number(history.received)));
 }
 

@@ -33,7 +33,8 @@ void TradeActions::setAlgoTrading(bool on)
         return;
     if (const int dropped = m_expertRequests.dropWaiting(); dropped > 0) {
         Q_EMIT expertLine(tr("Expert"),
-            tr("Algo Trading is OFF — %1 waiting request(s) not sent.").arg(dropped), LineKind::Failure);
+            tr("Algo Trading is OFF — %1 waiting request(s) not sent.", nullptr, dropped).arg(dropped),
+            LineKind::Failure);
     }
 }
 
@@ -73,6 +74,7 @@ void TradeActions::moveLevel(const QString& tradeId, const QString& kind, double
         // Not 'g', which writes 100000 as 1e+05.
         const QString shown = QString::number(price, 'f', QLocale::FloatingPointShortest);
         tellTrade(outcome.ok, SoundKind::Open,
+            //: %1 the level ("sl", "tp"), %2 its new price
             outcome.ok ? tr("%1 moved to %2").arg(kind, shown) : tr("Modify failed: %1").arg(outcome.error));
         refreshAfter(outcome, &TradeActions::tradesRefreshWanted);
     });
@@ -89,6 +91,7 @@ void TradeActions::quickTrade(const QString& symbol, const QString& side, double
     TradeRequest::place(orderBody(ticket), m_book.currentAccountId())
         .send(m_api, this, [this, symbol, side](const ReplyOutcome& outcome) {
             tellTrade(outcome.ok, SoundKind::Open,
+                //: %1 the side, %2 the symbol
                 outcome.ok ? tr("One-click %1 %2 executed").arg(side, shownName(symbol))
                            : tr("One-click order failed: %1").arg(outcome.error));
             refreshAfter(outcome, &TradeActions::refreshAccountsAndTrades);
@@ -108,6 +111,7 @@ void TradeActions::expertOrder(const QJsonObject& body)
     m_expertRequests.order(std::move(request), [this, order = body](const ReplyOutcome& outcome) {
         Q_EMIT soundWanted(outcome.ok ? SoundKind::Open : SoundKind::Error);
         Q_EMIT expertLine(tr("Expert"),
+            //: %1 the side, %2 lots, %3 the symbol
             outcome.ok ? tr("%1 %2 %3 executed")
                              .arg(trade::typeText(order), formatVolume(trade::lots(order)),
                                  shownName(trade::symbol(order)))
@@ -138,7 +142,8 @@ void TradeActions::expertCloseAll(const QString& symbol)
         return;
     Q_EMIT soundWanted(SoundKind::Close);
     Q_EMIT expertLine(tr("Expert"),
-        tr("Closing %1 position(s) on %2").arg(QString::number(closing), shownName(symbol)),
+        //: %2 the symbol
+        tr("Closing %1 position(s) on %2", nullptr, closing).arg(QString::number(closing), shownName(symbol)),
         LineKind::Ordinary);
 }
 

@@ -24,6 +24,7 @@ QString challengeSuffix(int phase, int steps)
 {
     if (steps < 2)
         return Texts::tr(" — Challenge");
+    //: %1 the phase of the challenge, %2 how many there are
     return Texts::tr(" — Challenge %1/%2")
         .arg(QString::number(std::min(phase, steps)), QString::number(steps));
 }
@@ -53,6 +54,7 @@ bool account::isTradable(const QJsonObject& record)
 QString account::label(const QJsonObject& record)
 {
     if (isWallet(record))
+        //: an account with real money
         return Texts::tr("Real");
     if (record.value("type"_L1).toString() == "DEMO"_L1)
         return Texts::tr("Demo");

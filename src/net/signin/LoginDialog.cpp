@@ -33,6 +33,7 @@ LoginDialog::LoginDialog(TerminalSettings& settings, QWidget* parent)
     , m_email(new QLineEdit(this))
     , m_password(new QLineEdit(this))
     , m_remember(new QCheckBox(tr("Keep me signed in"), this))
+    //: the button that signs in
     , m_loginButton(new QPushButton(tr("Login"), this))
     , m_errorLabel(new QLabel(this))
 {
@@ -90,6 +91,7 @@ QLayout* LoginDialog::buildForm()
 
     auto* const form = new QFormLayout;
     form->setContentsMargins(rowMargins);
+    //: the e-mail address that signs in
     form->addRow(tr("Login:"), m_email);
     form->addRow(tr("Password:"), m_password);
     form->addRow(QString(), m_remember);

@@ -44,6 +44,13 @@ private Q_SLOTS:
         QCOMPARE(formatMoney(0.5), u"0.50"_s);
     }
 
+    void aPluralIsChosenByWhatTrTakes()
+    {
+        QCOMPARE(pluralCount(1), 1);
+        QCOMPARE(pluralCount(-1), 0);
+        QCOMPARE(pluralCount(std::numeric_limits<qint64>::max()), std::numeric_limits<int>::max());
+    }
+
     void generalNumbersHaveSixSignificantDigits()
     {
         QCOMPARE(formatGeneral(0.01), u"0.01"_s);
