@@ -1604,7 +1604,7 @@ Gebaut mit Qt %2, läuft mit Qt %3</translation>
     </message>
     <message>
         <source>Volume</source>
-        <translation>Volumen</translation>
+        <translation>Lots</translation>
     </message>
     <message>
         <source>Price</source>
