@@ -60,7 +60,7 @@ void nameApplication()
     QCoreApplication::setOrganizationName(u"Tavoran"_s);
     QCoreApplication::setApplicationName(u"Tavoran Terminal"_s);
     QCoreApplication::setApplicationVersion(QStringLiteral(TAVORAN_VERSION));
-    QGuiApplication::setDesktopFileName(u"tavoran-terminal"_s);
+    QGuiApplication::setDesktopFileName(u"com.tavoran.Terminal"_s);
     QApplication::setWindowIcon(appIcon());
     QApplication::setLayoutDirection(Qt::LeftToRight);
 }
