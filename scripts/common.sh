@@ -15,7 +15,8 @@ TOUR_PACKAGES="xvfb xdotool openbox trayer dbus dbus-daemon at-spi2-core
 WIRE_PACKAGES="python3 python3-jsonschema python3-yaml"
 
 CLANG_FORMAT_VERSION=14 # what the sources are laid out with; Debian 12 has it, later ones have not
-LINT_PACKAGES="shellcheck codespell python3 python3-editorconfig"
+LINT_PACKAGES="shellcheck codespell appstream desktop-file-utils
+    python3 python3-editorconfig python3-jsonschema python3-yaml"
 if grep -qs '^VERSION_CODENAME=bookworm' /etc/os-release; then
     LINT_PACKAGES+=" clang-format-$CLANG_FORMAT_VERSION"
 fi

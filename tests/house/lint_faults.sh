@@ -6,7 +6,8 @@ root=$1
 place=$(mktemp -d)
 trap 'rm -rf "$place"' EXIT
 mkdir "$place/scripts" "$place/.hidden"
-cp "$root"/scripts/{lint,common.sh,editorconfig_check.py} "$place/scripts"
+cp "$root"/scripts/{lint,common.sh,editorconfig_check.py,flatpak_check.py,flatpak_manifest.schema.json} \
+    "$place/scripts"
 cp "$root"/{.clang-format,.editorconfig,.codespellrc,.shellcheckrc} "$place"
 cd "$place"
 failures=0
@@ -57,6 +58,34 @@ fault start.sh '#!/bin/sh\nls $1\n' '2:.*SC2086' shell
 fault .hidden/start '#!/usr/bin/env bash\nls $1\n' '2:.*SC2086' shell
 # Put together here, or this file would be at fault.
 fault notes.txt "one\nrec""ieve\n" '2: .*receive' spelling
+
+# fault_in NAME FROM TO PATTERN: a file of the project with one thing changed in it is a fault to the check "desktop".
+fault_in() {
+    sed "s|$2|$3|" "$packaging/$1" >"${1##*/}"
+    if cmp -s "$packaging/$1" "${1##*/}"; then
+        echo "FAIL there is no $2 in $1"
+        failures=1
+    fi
+    expect "${1##*/}:$4" desktop "${1##*/}"
+    rm "${1##*/}"
+}
+
+packaging=$root/packaging
+fault_in com.tavoran.Terminal.metainfo.xml '</summary>' '.</summary></summary>' ' E: '
+fault_in com.tavoran.Terminal.metainfo.xml '<summary>.*</summary>' '' '.*summary'
+fault_in com.tavoran.Terminal.metainfo.xml '<id>com.tavoran.Terminal' '<id>Terminal' '.*Terminal'
+fault_in com.tavoran.Terminal.desktop 'Office;Finance' 'Stockbroking' '.*Stockbroking'
+fault_in com.tavoran.Terminal.desktop '^Terminal=false' 'Terminal=perhaps' '.*perhaps'
+fault_in flatpak/com.tavoran.Terminal.yaml '--share=network' '--filesystem=home' ' finish-args/0: .*home'
+fault_in flatpak/com.tavoran.Terminal.yaml '^command: .*' '' " the manifest: 'command' is a required"
+fault_in flatpak/com.tavoran.Terminal.yaml 'buildsystem:' 'buildsytem:' " modules/0: .*buildsytem"
+fault_in flatpak/com.tavoran.Terminal.yaml '^id: .*' 'id: com.tavoran.Other' ' id: com.tavoran.Other is not'
+fault_in flatpak/com.tavoran.Terminal.yaml '^modules:' 'modules: [' '[0-9]+: no YAML'
+cp "$packaging"/com.* "$packaging"/flatpak/com.* .
+allow
+echo 'Terminal=perhaps' >>com.tavoran.Terminal.desktop
+expect 'com.tavoran.Terminal.desktop:.*perhaps'
+rm com.*
 
 printf 'two blanks  \nend a line there\n' >notes.md
 printf 'one\0 \n' >picture.bin
