@@ -27,6 +27,13 @@ if(TAVORAN_SANITIZE)
   target_link_options(tavoran_flags INTERFACE -fsanitize=${TAVORAN_SANITIZE})
 endif()
 
+# This form of resources has no place for the times of files, which differ from clone to clone.
+set(TAVORAN_RCC_OPTIONS --format-version 1)
+
+if(TAVORAN_PACKAGE)
+  include(DebianFlags)
+endif()
+
 add_library(tavoran_qt_flags INTERFACE)
 target_compile_definitions(tavoran_qt_flags INTERFACE
   QT_NO_CAST_FROM_ASCII QT_NO_CAST_TO_ASCII QT_NO_URL_CAST_FROM_STRING QT_NO_CONTEXTLESS_CONNECT

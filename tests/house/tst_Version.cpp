@@ -51,6 +51,7 @@ private Q_SLOTS:
         QTest::addColumn<QString>("pattern");
         QTest::newRow("for software centres")
             << u"packaging/com.tavoran.Terminal.metainfo.xml"_s << u"<release version=\"([^\"]+)\""_s;
+        QTest::newRow("packages") << u"packaging/debian/changelog"_s << u"^tavoran \\(([0-9.]+)-"_s;
         QTest::newRow("change log") << u"CHANGELOG.md"_s << u"^## \\[([0-9.]+)\\]"_s;
         QTest::newRow("requests") << u"docs/openapi.yaml"_s << u"^  version: (.+)$"_s;
         QTest::newRow("feed") << u"docs/asyncapi.yaml"_s << u"^  version: (.+)$"_s;
