@@ -384,6 +384,89 @@ Gebaut mit Qt %2, läuft mit Qt %3</translation>
     </message>
 </context>
 <context>
+    <name>ChartSpeech</name>
+    <message>
+        <source>open %1, high %2, low %3, close %4, volume %5</source>
+        <translation>Eröffnung %1, Hoch %2, Tief %3, Schluss %4, Volumen %5</translation>
+    </message>
+    <message>
+        <source>%1 none</source>
+        <extracomment>an indicator without a value</extracomment>
+        <translation>%1 ohne Wert</translation>
+    </message>
+    <message>
+        <source>%1 %2</source>
+        <extracomment>an indicator and its value</extracomment>
+        <translation>%1 %2</translation>
+    </message>
+    <message>
+        <source>%1 at %2</source>
+        <extracomment>a price and a time</extracomment>
+        <translation>%1 um %2</translation>
+    </message>
+    <message>
+        <source>Waiting for data...</source>
+        <translation>Warten auf Daten ...</translation>
+    </message>
+    <message>
+        <source>Crosshair at %1: %2</source>
+        <extracomment>%1 the time of a bar, %2 its prices</extracomment>
+        <translation>Fadenkreuz bei %1: %2</translation>
+    </message>
+    <message>
+        <source>Last bar %1: %2</source>
+        <extracomment>%1 the time of a bar, %2 its prices</extracomment>
+        <translation>Letzter Balken %1: %2</translation>
+    </message>
+    <message>
+        <source>Bid %1</source>
+        <translation>Bid %1</translation>
+    </message>
+    <message>
+        <source>Ask %1</source>
+        <translation>Ask %1</translation>
+    </message>
+    <message>
+        <source>Entry of %1 at %2</source>
+        <extracomment>%1 a trade, such as &quot;buy 0.10 #1a2b3c4d&quot;, %2 a price; likewise below</extracomment>
+        <translation>Einstieg von %1 bei %2</translation>
+    </message>
+    <message>
+        <source>Stop loss of %1 at %2</source>
+        <translation>Stop Loss von %1 bei %2</translation>
+    </message>
+    <message>
+        <source>Take profit of %1 at %2</source>
+        <translation>Take Profit von %1 bei %2</translation>
+    </message>
+    <message>
+        <source>Pending %1 at %2</source>
+        <extracomment>%1 an order, such as &quot;buy limit 0.10 #1a2b3c4d&quot;, %2 its trigger price</extracomment>
+        <translation>Wartend: %1 bei %2</translation>
+    </message>
+    <message>
+        <source>Horizontal line at %1</source>
+        <translation>Horizontale Linie bei %1</translation>
+    </message>
+    <message>
+        <source>Vertical line at %1</source>
+        <translation>Vertikale Linie bei %1</translation>
+    </message>
+    <message>
+        <source>Trend line from %1 to %2</source>
+        <extracomment>from a price at a time to another; likewise below</extracomment>
+        <translation>Trendlinie von %1 bis %2</translation>
+    </message>
+    <message>
+        <source>Rectangle from %1 to %2</source>
+        <translation>Rechteck von %1 bis %2</translation>
+    </message>
+    <message>
+        <source>Fibonacci retracement from %1 to %2</source>
+        <translation>Fibonacci-Retracement von %1 bis %2</translation>
+    </message>
+</context>
+<context>
     <name>ChartWidget</name>
     <message>
         <source>%1,%2: %3   O: %4  H: %5  L: %6  C: %7</source>
@@ -418,6 +501,10 @@ Gebaut mit Qt %2, läuft mit Qt %3</translation>
     <message>
         <source>Waiting for data...</source>
         <translation>Warten auf Daten ...</translation>
+    </message>
+    <message>
+        <source>Scroll to the newest bar</source>
+        <translation>Zum neuesten Balken</translation>
     </message>
 </context>
 <context>
@@ -1801,9 +1888,7 @@ Gebaut mit Qt %2, läuft mit Qt %3</translation>
     <name>TradeLevels</name>
     <message>
         <source>%1 %2 #%3</source>
-        <extracomment>%1 the side, %2 lots, %3 the ticket
-----------
-%1 the type of a pending order, %2 lots, %3 the ticket</extracomment>
+        <extracomment>%1 the side or the type of a pending order, %2 lots, %3 the ticket</extracomment>
         <translation>%1 %2 #%3</translation>
     </message>
     <message>

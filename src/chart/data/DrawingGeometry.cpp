@@ -12,6 +12,8 @@
 namespace {
 
 constexpr int handleSide = 6;
+/// Rows or columns of a line's area on either side of the line.
+constexpr int lineReach = 1;
 /// Times further from the epoch are no times. Differences between times within fit 64 bits.
 constexpr qint64 farTime = 4'000'000'000'000'000'000;
 
@@ -78,6 +80,30 @@ std::optional<DrawingGeometry::Shape> DrawingGeometry::shape(const Drawing& draw
     if (!from || !to)
         return std::nullopt;
     return Shape{*kind, first, second, *from, *to};
+}
+
+QRect DrawingGeometry::area(const Drawing& drawing) const
+{
+    const std::optional<Shape> shape = this->shape(drawing);
+    if (!shape)
+        return {};
+    const QRect& plot = m_view.plot();
+    if (shape->kind == DrawingKind::HorizontalLine)
+        return lineArea(shape->first.price);
+    if (shape->kind == DrawingKind::VerticalLine)
+        return plot & QRect(shape->from.x() - lineReach, plot.top(), 2 * lineReach + 1, plot.height());
+    const auto [left, right] = std::minmax(shape->from.x(), shape->to.x());
+    const auto [top, bottom] = std::minmax(shape->from.y(), shape->to.y());
+    return plot
+        & QRect(QPoint(left - lineReach, top - lineReach), QPoint(right + lineReach, bottom + lineReach));
+}
+
+QRect DrawingGeometry::lineArea(double price) const
+{
+    if (!isUsablePrice(price) || !isShown(price))
+        return {};
+    const QRect& plot = m_view.plot();
+    return plot & QRect(plot.left(), row(price) - lineReach, plot.width(), 2 * lineReach + 1);
 }
 
 bool DrawingGeometry::isHit(const Drawing& drawing, const QPoint& pixel) const

@@ -45,6 +45,11 @@ public:
     /// The pixel row of a shown price.
     [[nodiscard]] int row(double price) const { return m_view.pricePixel(price); }
 
+    /// The part of the plot that a drawing takes up, lines as wide as a hand can aim; empty out of view.
+    [[nodiscard]] QRect area(const Drawing& drawing) const;
+    /// The same for a line across the plot at a price.
+    [[nodiscard]] QRect lineArea(double price) const;
+
     /// Whether a press at a pixel selects the drawing. Only horizontal lines and trend lines can be selected
     /// so: the other kinds would take presses that are meant for the chart below them.
     [[nodiscard]] bool isHit(const Drawing& drawing, const QPoint& pixel) const;

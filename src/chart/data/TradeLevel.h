@@ -12,6 +12,7 @@ struct TradeLevel {
     QColor color;
     Qt::PenStyle penStyle = Qt::DashLine;
     bool draggable = false;
+    QString trade = {}; ///< its trade in words: "buy limit 0.10 #1a2b3c4d"
 
     bool operator==(const TradeLevel&) const = default;
 };

@@ -20,11 +20,24 @@ struct Label {
     Q_DECLARE_TR_FUNCTIONS(TradeLevels)
 };
 
+QString inWords(const QString& kind, const QJsonObject& trade)
+{
+    //: %1 the side or the type of a pending order, %2 lots, %3 the ticket
+    return Label::tr("%1 %2 #%3")
+        .arg(kind, formatVolume(trade::lots(trade)), shownName(shortId(trade::id(trade))));
+}
+
+QString positionInWords(const QJsonObject& trade)
+{
+    return inWords(trade::side(trade) == Side::Buy ? Label::tr("buy") : Label::tr("sell"), trade);
+}
+
 TradeLevel protectiveLevel(
     const QJsonObject& trade, LevelKind kind, double price, const QString& label, const QColor& color)
 {
     TradeLevel level;
     level.tradeId = trade::id(trade);
+    level.trade = positionInWords(trade);
     level.kind = levelText(kind);
     level.price = price;
     level.label = label.arg(shownName(shortId(level.tradeId)));
@@ -36,18 +49,14 @@ TradeLevel protectiveLevel(
 
 void appendOpenTrade(const QJsonObject& trade, QList<TradeLevel>& levels)
 {
-    const QString id = trade::id(trade);
-    const bool buy = trade::side(trade) == Side::Buy;
     if (const double price = trade::entryPrice(trade); price != 0.0) {
         TradeLevel entry;
-        entry.tradeId = id;
+        entry.tradeId = trade::id(trade);
         entry.kind = levelText(LevelKind::Entry);
         entry.price = price;
-        //: %1 the side, %2 lots, %3 the ticket
-        entry.label = Label::tr("%1 %2 #%3")
-                          .arg(buy ? Label::tr("buy") : Label::tr("sell"), formatVolume(trade::lots(trade)),
-                              shownName(shortId(id)));
-        entry.color = buy ? buyColor : sellColor;
+        entry.trade = positionInWords(trade);
+        entry.label = entry.trade;
+        entry.color = trade::side(trade) == Side::Buy ? buyColor : sellColor;
         entry.penStyle = Qt::SolidLine;
         levels.append(entry);
     }
@@ -70,10 +79,9 @@ void appendPendingOrder(const QJsonObject& order, QList<TradeLevel>& levels)
     level.tradeId = trade::id(order);
     level.kind = levelText(LevelKind::Price);
     level.price = price;
-    //: %1 the type of a pending order, %2 lots, %3 the ticket
-    level.label = Label::tr("%1 %2 #%3")
-                      .arg(shownName(trade::orderKind(order)), formatVolume(trade::lots(order)),
-                          shownName(shortId(level.tradeId)));
+    const QString kind = shownName(trade::orderKind(order));
+    level.label = inWords(kind, order);
+    level.trade = inWords(kind.toLower().replace(u'_', u' '), order);
     level.color = pendingColor;
     level.penStyle = Qt::DashLine;
     level.draggable = true;

@@ -4,6 +4,7 @@
 #include "chart/layers/ChartFrame.h"
 #include "chart/layers/OverlayAreas.h"
 #include "chart/layers/TickArea.h"
+#include "chart/window/ChartAccessible.h"
 
 #include <QKeyEvent>
 #include <QMouseEvent>
@@ -33,7 +34,9 @@ template <typename Value> bool assign(Value& current, const Value& wanted)
 
 ChartWidget::ChartWidget(QWidget* parent)
     : QWidget(parent)
+    , m_reader(*this)
 {
+    ChartAccessible::install();
     setMouseTracking(true);
     setFocusPolicy(Qt::StrongFocus);
     setMinimumSize(240, 160);
@@ -67,6 +70,7 @@ void ChartWidget::replaceCandles(std::vector<Candle> candles)
     m_scene.setCandles(std::move(candles));
     m_indicators.forgetValues();
     update();
+    m_reader.noteReading();
 }
 
 void ChartWidget::onTick(double bid, double ask, qint64 timeMs)
@@ -77,6 +81,7 @@ void ChartWidget::onTick(double bid, double ask, qint64 timeMs)
     const std::optional<TickEffect> effect = m_scene.tick(bid, ask, timeMs);
     if (!effect)
         return;
+    m_reader.noteReading();
     std::optional<QRegion> changed;
     if (before && *effect != TickEffect::Appended)
         changed = tickarea::changed(*before, m_scene.quotedView(size()));
@@ -118,8 +123,10 @@ void ChartWidget::setSymbolInfo(
 
 void ChartWidget::setDigits(int digits)
 {
-    if (assign(m_look.digits, digits))
-        update();
+    if (!assign(m_look.digits, digits))
+        return;
+    update();
+    m_reader.noteMarks();
 }
 
 void ChartWidget::setAutoScroll(bool on)
@@ -167,6 +174,7 @@ void ChartWidget::setMovingAverages(const QList<MovingAverageSpec>& averages)
         return;
     m_indicators.setAverages(m_look.averages);
     update();
+    m_reader.noteReading();
     Q_EMIT settingsChanged();
 }
 
@@ -183,6 +191,7 @@ void ChartWidget::setPane(IndicatorKind kind, bool shown, int period)
         std::count_if(panes.cbegin(), panes.cend(), [](const IndicatorPane& pane) { return pane.shown; })));
     m_indicators.setPanes(panes);
     update();
+    m_reader.noteReading();
     Q_EMIT settingsChanged();
 }
 
@@ -195,8 +204,10 @@ IndicatorPane ChartWidget::pane(IndicatorKind kind) const
 
 void ChartWidget::setDrawings(const QList<Drawing>& drawings)
 {
-    if (m_drawings.replace(drawings))
-        update();
+    if (!m_drawings.replace(drawings))
+        return;
+    update();
+    m_reader.noteMarks();
 }
 
 bool ChartWidget::deleteSelectedDrawing()
@@ -205,6 +216,7 @@ bool ChartWidget::deleteSelectedDrawing()
     if (!removed)
         return false;
     update();
+    m_reader.noteMarks();
     if (!removed->id.isEmpty())
         Q_EMIT drawingDeleted(removed->id);
     return true;
@@ -245,6 +257,7 @@ void ChartWidget::setTradeLevels(const QList<TradeLevel>& levels)
     m_gestures.followLevels(m_levels);
     updateCursor();
     update();
+    m_reader.noteMarks();
 }
 
 std::optional<Candle> ChartWidget::hoveredCandle() const
@@ -274,8 +287,11 @@ void ChartWidget::applyView(const ViewState& state)
         return;
     m_scene.setState(state);
     update();
-    if (state.autoScroll != before.autoScroll)
+    m_reader.noteReading(); // another bar may lie under the crosshair
+    if (state.autoScroll != before.autoScroll) {
+        m_reader.noteMarks();
         Q_EMIT autoScrollChanged(state.autoScroll);
+    }
     if (state.autoScroll != before.autoScroll || state.chartShift != before.chartShift)
         Q_EMIT settingsChanged();
 }
@@ -314,6 +330,7 @@ void ChartWidget::take(const ChartGestures::Press& press, const QRegion& shownBe
     if (!press.created)
         return;
     m_drawings.append(*press.created);
+    m_reader.noteMarks();
     Q_EMIT drawingCreated(*press.created);
     finishTool();
 }
@@ -340,6 +357,7 @@ void ChartWidget::mouseReleaseEvent(QMouseEvent* event)
     if (m_gestures.level().isActive())
         update();
     const std::optional<LevelDrag::Drop> drop = m_gestures.release(digits());
+    m_reader.noteReading();
     updateCursor();
     if (drop)
         Q_EMIT levelDragged(drop->tradeId, drop->kind, drop->price);
@@ -364,6 +382,7 @@ void ChartWidget::movePointer(const QPoint& position)
         return;
     const bool wasInPlot = pointerInPlot();
     const QPoint before = std::exchange(m_pointer, position);
+    m_reader.noteReading();
     if (wasInPlot && pointerInPlot() && !candles().empty())
         updateOverlay(overlays::pointer(ground(), m_gestures.tool(), before)
             + overlays::pointer(ground(), m_gestures.tool(), position));
@@ -391,6 +410,7 @@ void ChartWidget::dragGesture(const QPoint& position)
         return;
     const QRegion before = gestureArea();
     m_gestures.drag(view(), position);
+    m_reader.noteReading();
     updateOverlay(before + gestureArea());
 }
 
@@ -399,6 +419,7 @@ bool ChartWidget::cancelGesture()
     const std::optional<ChartGestures::Taker> cancelled = m_gestures.cancel();
     if (!cancelled)
         return false;
+    m_reader.noteReading();
     updateCursor();
     update();
     if (*cancelled == ChartGestures::Taker::Tool) {
@@ -410,8 +431,10 @@ bool ChartWidget::cancelGesture()
 
 void ChartWidget::letGo()
 {
-    if (m_gestures.letGo())
+    if (m_gestures.letGo()) {
+        m_reader.noteReading();
         update();
+    }
     updateCursor();
 }
 

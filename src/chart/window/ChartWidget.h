@@ -9,6 +9,7 @@
 #include "chart/gestures/ChartGestures.h"
 #include "chart/layers/BandCache.h"
 #include "chart/layers/TextPainter.h"
+#include "chart/window/ChartReader.h"
 
 #include <QPoint>
 #include <QWidget>
@@ -116,6 +117,9 @@ public:
     /// The candle under the crosshair; nothing while the pointer is outside the plot or beside the candles.
     [[nodiscard]] std::optional<Candle> hoveredCandle() const;
 
+    /// What screen readers hear of the chart.
+    [[nodiscard]] ChartReader& reader() { return m_reader; }
+
     /// The geometry that the next paint uses.
     [[nodiscard]] const ChartView& view() const { return m_scene.view(size()); }
     /// The snapshot that the next paint shows; valid until the widget changes.
@@ -178,4 +182,5 @@ private:
     mutable IndicatorCache m_indicators;
     mutable TextPainter m_texts;
     BandCache m_bands;
+    ChartReader m_reader;
 };

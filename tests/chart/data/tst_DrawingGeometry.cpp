@@ -202,6 +202,33 @@ private Q_SLOTS:
         QVERIFY(!geometry.shape(Drawing()));
     }
 
+    void a_drawing_takes_up_a_part_of_the_plot()
+    {
+        const std::vector<Candle> candles = fixtures::wave(20);
+        const DrawingGeometry geometry(viewOf(), candles, quarterHour);
+        const DrawingPoint high{barTime(9), priceAtRow(50)};
+        const DrawingPoint low{barTime(15), priceAtRow(100)};
+        QCOMPARE(geometry.area(drawing(u"hline"_s, {high})), QRect(0, 49, 332, 3));
+        QCOMPARE(geometry.area(drawing(u"vline"_s, {high})), QRect(260, 0, 3, 278));
+        for (const QString& type : {u"trendline"_s, u"rectangle"_s, u"fibonacci"_s}) {
+            QCOMPARE(geometry.area(drawing(type, {high, low})), QRect(QPoint(260, 49), QPoint(304, 101)));
+            QCOMPARE(geometry.area(drawing(type, {low, high})), QRect(QPoint(260, 49), QPoint(304, 101)));
+        }
+        QCOMPARE(geometry.area(drawing(u"rectangle"_s, {{-farthest, 1e14}, {farthest, -1e14}})),
+            QRect(0, 0, 332, 278));
+    }
+
+    void what_is_out_of_view_takes_up_nothing()
+    {
+        const std::vector<Candle> candles = fixtures::wave(20);
+        const DrawingGeometry geometry(viewOf(), candles, quarterHour);
+        QVERIFY(geometry.area(drawing(u"hline"_s, {{midnight, 279.0}})).isEmpty());
+        QVERIFY(geometry.area(drawing(u"vline"_s, {{farthest, 100.0}})).isEmpty());
+        QVERIFY(geometry.area(drawing(u"trendline"_s, {{barTime(3), 500.0}, {barTime(9), 400.0}})).isEmpty());
+        QVERIFY(geometry.area(drawing(u"trendline"_s, {{midnight, 1.0}})).isEmpty());
+        QVERIFY(geometry.lineArea(notANumber).isEmpty());
+    }
+
     void a_horizontal_line_is_hit_within_six_pixels()
     {
         const std::vector<Candle> candles = fixtures::wave(20);

@@ -1,0 +1,49 @@
+#pragma once
+
+#include "app/ui/PoliteNews.h"
+#include "chart/window/ChartMark.h"
+
+#include <QList>
+
+/// What a chart tells screen readers: what is to be read on it, and which marks come and go. Makes nothing
+/// until one asks or is there to be told.
+class ChartReader final {
+    Q_DISABLE_COPY_MOVE(ChartReader)
+
+public:
+    explicit ChartReader(ChartWidget& chart);
+    ~ChartReader();
+
+    /// The bars under the crosshair and at the end, prices and indicators; see speech::chartReading().
+    [[nodiscard]] QString reading() const;
+    /// Something that the reading holds has changed.
+    void noteReading() { m_news.note(); }
+    /// Levels, drawings or the button may have changed: those that are gone are taken away at once.
+    void noteMarks();
+
+    /// Every mark there is now: levels, drawings, the button.
+    [[nodiscard]] QList<ChartMarkKey> marks() const;
+    /// The accessible side of one of them.
+    [[nodiscard]] QAccessibleInterface* mark(const ChartMarkKey& key);
+    /// Kind, trade or points, and price; empty when it is gone.
+    [[nodiscard]] QString markName(const ChartMarkKey& key) const;
+    /// Which of the levels or drawings it is; -1 when it is gone.
+    [[nodiscard]] qsizetype markIndex(const ChartMarkKey& key) const;
+
+    [[nodiscard]] PoliteNews& news() { return m_news; }
+
+private:
+    struct Known {
+        ChartMarkKey key;
+        QAccessible::Id id = 0;
+        QString toldName;
+    };
+
+    bool tellNews();
+    Known& know(const ChartMarkKey& key);
+
+    ChartWidget& m_chart;
+    PoliteNews m_news;
+    QString m_toldReading;
+    QList<Known> m_known;
+};
