@@ -1131,11 +1131,6 @@ Built with Qt %2, running with Qt %3</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
-        <source>%1 / %2</source>
-        <extracomment>%1 the bid, %2 the ask</extracomment>
-        <translation type="unfinished"></translation>
-    </message>
-    <message>
         <source>%1 %2</source>
         <extracomment>%1 units, %2 the symbol: what the chosen lots are</extracomment>
         <translation type="unfinished"></translation>
@@ -1328,6 +1323,27 @@ Built with Qt %2, running with Qt %3</source>
     <name>PopupPrices</name>
     <message>
         <source>Popup Prices</source>
+        <translation type="unfinished"></translation>
+    </message>
+</context>
+<context>
+    <name>PriceDisplay</name>
+    <message>
+        <source>Prices of %1</source>
+        <extracomment>%1 a symbol</extracomment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>%1 / %2</source>
+        <extracomment>%1 bid, %2 ask</extracomment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>No prices yet</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Bid %1, ask %2</source>
         <translation type="unfinished"></translation>
     </message>
 </context>
@@ -1740,6 +1756,22 @@ Built with Qt %2, running with Qt %3</source>
     <name>TerminalSettings</name>
     <message>
         <source>The settings could not be saved to %1. What was saved before is kept.</source>
+        <translation type="unfinished"></translation>
+    </message>
+</context>
+<context>
+    <name>TickChartWidget</name>
+    <message>
+        <source>Tick chart %1</source>
+        <extracomment>%1 a symbol</extracomment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>No prices yet</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Bid %1, ask %2, lowest %3, highest %4</source>
         <translation type="unfinished"></translation>
     </message>
 </context>

@@ -1141,11 +1141,6 @@ Gebaut mit Qt %2, läuft mit Qt %3</translation>
         <translation>Order: %1 - %2</translation>
     </message>
     <message>
-        <source>%1 / %2</source>
-        <extracomment>%1 the bid, %2 the ask</extracomment>
-        <translation>%1 / %2</translation>
-    </message>
-    <message>
         <source>%1 %2</source>
         <extracomment>%1 units, %2 the symbol: what the chosen lots are</extracomment>
         <translation>%1 %2</translation>
@@ -1339,6 +1334,27 @@ Gebaut mit Qt %2, läuft mit Qt %3</translation>
     <message>
         <source>Popup Prices</source>
         <translation>Kursfenster</translation>
+    </message>
+</context>
+<context>
+    <name>PriceDisplay</name>
+    <message>
+        <source>Prices of %1</source>
+        <extracomment>%1 a symbol</extracomment>
+        <translation>Preise von %1</translation>
+    </message>
+    <message>
+        <source>%1 / %2</source>
+        <extracomment>%1 bid, %2 ask</extracomment>
+        <translation>%1 / %2</translation>
+    </message>
+    <message>
+        <source>No prices yet</source>
+        <translation>Noch keine Preise</translation>
+    </message>
+    <message>
+        <source>Bid %1, ask %2</source>
+        <translation>Bid %1, Ask %2</translation>
     </message>
 </context>
 <context>
@@ -1751,6 +1767,22 @@ Gebaut mit Qt %2, läuft mit Qt %3</translation>
     <message>
         <source>The settings could not be saved to %1. What was saved before is kept.</source>
         <translation>Die Einstellungen konnten nicht nach %1 gespeichert werden. Was vorher gespeichert war, bleibt erhalten.</translation>
+    </message>
+</context>
+<context>
+    <name>TickChartWidget</name>
+    <message>
+        <source>Tick chart %1</source>
+        <extracomment>%1 a symbol</extracomment>
+        <translation>Tick-Chart %1</translation>
+    </message>
+    <message>
+        <source>No prices yet</source>
+        <translation>Noch keine Preise</translation>
+    </message>
+    <message>
+        <source>Bid %1, ask %2, lowest %3, highest %4</source>
+        <translation>Bid %1, Ask %2, niedrigster Preis %3, höchster %4</translation>
     </message>
 </context>
 <context>

@@ -4,6 +4,7 @@
 #include "app/base/ServerText.h"
 #include "app/ui/DecimalEdit.h"
 #include "app/ui/DecimalText.h"
+#include "app/ui/ErrorLabel.h"
 #include "app/ui/FocusOrder.h"
 #include "app/ui/HeldEnter.h"
 #include "app/ui/PlainText.h"
@@ -51,7 +52,7 @@ ModifyDialog::ModifyDialog(ApiClient& api, const QJsonObject& trade, int digits,
     : SendingDialog(parent)
     , m_api(api)
     , m_trade(trade)
-    , m_error(plainLabel({}, this))
+    , m_error(new ErrorLabel(this))
 {
     setWindowTitle(tr("Modify Order"));
     setWindowIcon(appIcon());
@@ -78,9 +79,7 @@ ModifyDialog::ModifyDialog(ApiClient& api, const QJsonObject& trade, int digits,
     column->addLayout(form);
 
     m_error->setObjectName("modifyError"_L1);
-    m_error->setWordWrap(true);
     m_error->setStyleSheet("color:#ff6b6b;"_L1);
-    m_error->hide();
     column->addWidget(m_error);
 
     auto* cancel = new QPushButton(tr("Cancel"), this);
@@ -160,8 +159,7 @@ void ModifyDialog::onReply(const ReplyOutcome& outcome)
 
 void ModifyDialog::showError(const QString& text)
 {
-    showReason(*m_error, text);
-    m_error->show();
+    m_error->showError(text);
 }
 
 void ModifyDialog::keyPressEvent(QKeyEvent* event)

@@ -8,8 +8,8 @@
 
 class ApiClient;
 class DecimalEdit;
+class ErrorLabel;
 class QFormLayout;
-class QLabel;
 class QPushButton;
 
 /// Edits the levels of one trade: stop loss and take profit, and the entry price of a pending order.
@@ -45,5 +45,5 @@ private:
     DecimalEdit* m_stopLoss;
     DecimalEdit* m_takeProfit;
     QPushButton* m_modify;
-    QLabel* m_error;
+    ErrorLabel* m_error;
 };

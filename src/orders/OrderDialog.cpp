@@ -88,7 +88,9 @@ void OrderDialog::onSymbolChanged()
             m_record = value.toObject();
     }
     m_quote.reset();
-    m_form->showPrices({});
+    m_form->namePrices(m_shownSymbol);
+    m_form->showPrices({}, {});
+    m_tickChart->setSymbol(m_shownSymbol);
     m_tickChart->setDigits(digits());
     m_tickChart->clear();
     m_tickChart->update();
@@ -105,7 +107,6 @@ void OrderDialog::onPrices(const QJsonObject& prices)
     if (quote != m_quote) {
         m_quote = quote;
         //: %1 the bid, %2 the ask
-        m_form->showPrices(tr("%1 / %2").arg(formatPrice(bid, digits()), formatPrice(ask, digits())));
     }
     m_tickChart->append(bid, ask);
     m_tickChart->update();

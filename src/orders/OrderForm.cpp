@@ -3,9 +3,11 @@
 #include "app/base/ServerText.h"
 #include "app/ui/DecimalEdit.h"
 #include "app/ui/DecimalSpinBox.h"
+#include "app/ui/ErrorLabel.h"
 #include "app/ui/PlainText.h"
 #include "app/ui/WheelFocus.h"
 #include "net/records/SymbolRecord.h"
+#include "orders/PriceDisplay.h"
 
 #include <QAbstractItemView>
 #include <QComboBox>
@@ -55,8 +57,8 @@ OrderForm::OrderForm(const QJsonArray& symbols, const QString& initialSymbol, QW
     , m_takeProfit(new DecimalEdit)
     , m_price(new DecimalEdit)
     , m_comment(new QComboBox)
-    , m_priceDisplay(plainLabel({}))
-    , m_error(plainLabel({}))
+    , m_priceDisplay(new PriceDisplay)
+    , m_error(new ErrorLabel)
     , m_sell(new QPushButton)
     , m_buy(new QPushButton)
 {
@@ -65,22 +67,15 @@ OrderForm::OrderForm(const QJsonArray& symbols, const QString& initialSymbol, QW
     column->addLayout(buildFields());
     column->addStretch();
     m_priceDisplay->setObjectName("priceDisplay"_L1);
-    m_priceDisplay->setAlignment(Qt::AlignCenter);
-    // Beside each other where there is room, else one below the other: a cut price reads as another price.
-    m_priceDisplay->setWordWrap(true);
-    m_priceDisplay->setStyleSheet("font-size:26pt; font-weight:bold; color:#222;"_L1);
     column->addWidget(m_priceDisplay);
     column->addStretch();
     m_error->setObjectName("orderError"_L1);
-    m_error->setWordWrap(true);
     m_error->setStyleSheet("color:#c0392b;"_L1);
-    m_error->hide();
     column->addWidget(m_error);
     column->addLayout(buildButtons());
 
     fillSymbols(symbols, initialSymbol);
     setOrderType(OrderType::Market);
-    showPrices({});
     connect(m_symbolCombo, &QComboBox::currentIndexChanged, this, &OrderForm::symbolChanged);
     connect(m_sell, &QPushButton::clicked, this, [this] { Q_EMIT placeRequested(Side::Sell); });
     connect(m_buy, &QPushButton::clicked, this, [this] { Q_EMIT placeRequested(Side::Buy); });
@@ -207,9 +202,14 @@ void OrderForm::setOrderType(OrderType type)
     m_buy->setText(tr("Buy %1").arg(typeSuffix(type)));
 }
 
-void OrderForm::showPrices(const QString& text)
+void OrderForm::namePrices(const QString& symbol)
 {
-    m_priceDisplay->setText(text.isEmpty() ? u"— / —"_s : text);
+    m_priceDisplay->setSymbol(symbol);
+}
+
+void OrderForm::showPrices(const QString& bid, const QString& ask)
+{
+    m_priceDisplay->showPrices(bid, ask);
 }
 
 void OrderForm::showUnits(const QString& text)
@@ -219,8 +219,7 @@ void OrderForm::showUnits(const QString& text)
 
 void OrderForm::showError(const QString& text)
 {
-    showReason(*m_error, text);
-    m_error->setVisible(!text.isEmpty());
+    m_error->showError(text);
 }
 
 void OrderForm::setSending(bool sending)

@@ -7,6 +7,8 @@
 
 class DecimalEdit;
 class DecimalSpinBox;
+class ErrorLabel;
+class PriceDisplay;
 class QComboBox;
 class QFormLayout;
 class QJsonArray;
@@ -33,8 +35,10 @@ public:
 
     /// Names the buttons after the type; only pending orders have a price to type.
     void setOrderType(OrderType type);
-    /// Bid and ask in large type; empty shows that there is no price yet.
-    void showPrices(const QString& text);
+    /// The selected symbol as it is shown, for the prices' accessible name.
+    void namePrices(const QString& symbol);
+    /// Bid and ask in large type; empty ones show that there is no price yet.
+    void showPrices(const QString& bid, const QString& ask);
     void showUnits(const QString& text);
     /// Plain text under the fields; empty hides it.
     void showError(const QString& text);
@@ -64,8 +68,8 @@ private:
     QLabel* m_priceLabel = nullptr;
     DecimalEdit* m_price;
     QComboBox* m_comment;
-    QLabel* m_priceDisplay;
-    QLabel* m_error;
+    PriceDisplay* m_priceDisplay;
+    ErrorLabel* m_error;
     QPushButton* m_sell;
     QPushButton* m_buy;
     QPointer<QWidget> m_focusBefore;

@@ -5,6 +5,9 @@
 
 #include <QPainter>
 
+#include <algorithm>
+#include <cmath>
+
 using namespace Qt::StringLiterals;
 
 namespace {
@@ -47,7 +50,9 @@ void drawTag(
 
 TickChartWidget::TickChartWidget(QWidget* parent)
     : QWidget(parent)
+    , ReadAloud(static_cast<QWidget&>(*this), QAccessible::Chart)
 {
+    setSymbol({});
     setMinimumWidth(200);
     setAttribute(Qt::WA_StyledBackground);
     setStyleSheet("background:#ffffff;"_L1);
@@ -62,6 +67,7 @@ void TickChartWidget::clear()
 {
     m_bids.clear();
     m_asks.clear();
+    noteReading();
 }
 
 void TickChartWidget::append(double bid, double ask)
@@ -74,6 +80,26 @@ void TickChartWidget::append(double bid, double ask)
         m_bids.removeFirst();
         m_asks.removeFirst();
     }
+    noteReading();
+}
+
+void TickChartWidget::setSymbol(const QString& symbol)
+{
+    //: %1 a symbol
+    setAccessibleName(tr("Tick chart %1").arg(symbol));
+}
+
+QString TickChartWidget::reading() const
+{
+    if (m_bids.isEmpty())
+        return tr("No prices yet");
+    const double lowest = std::min(
+        *std::min_element(m_bids.begin(), m_bids.end()), *std::min_element(m_asks.begin(), m_asks.end()));
+    const double highest = std::max(
+        *std::max_element(m_bids.begin(), m_bids.end()), *std::max_element(m_asks.begin(), m_asks.end()));
+    return tr("Bid %1, ask %2, lowest %3, highest %4")
+        .arg(formatPrice(m_bids.last(), m_digits), formatPrice(m_asks.last(), m_digits),
+            formatPrice(lowest, m_digits), formatPrice(highest, m_digits));
 }
 
 void TickChartWidget::paintEvent(QPaintEvent*)

@@ -1,11 +1,13 @@
 #pragma once
 
+#include "app/ui/ReadAloud.h"
+
 #include <QList>
 #include <QWidget>
 
 /// A small live chart: the last few hundred bid and ask quotes as two lines, a price scale and a tag
 /// with the latest value of each.
-class TickChartWidget final : public QWidget {
+class TickChartWidget final : public QWidget, public ReadAloud {
     Q_OBJECT
     Q_DISABLE_COPY_MOVE(TickChartWidget)
 
@@ -23,9 +25,13 @@ public:
     /// ignored. The caller repaints.
     void append(double bid, double ask);
 
+    /// Whose quotes they are, for those who do not see the field beside it.
+    void setSymbol(const QString& symbol);
+
     [[nodiscard]] int digits() const { return m_digits; }
     [[nodiscard]] const QList<double>& bids() const { return m_bids; }
     [[nodiscard]] const QList<double>& asks() const { return m_asks; }
+    [[nodiscard]] QString reading() const override;
 
 protected:
     void paintEvent(QPaintEvent* event) override;

@@ -3,9 +3,9 @@
 #include "app/base/Log.h"
 #include "app/base/TerminalSettings.h"
 #include "app/ui/Banner.h"
+#include "app/ui/ErrorLabel.h"
 #include "app/ui/FocusOrder.h"
 #include "app/ui/HeldEnter.h"
-#include "app/ui/PlainText.h"
 #include "app/ui/Theme.h"
 
 #include <QCheckBox>
@@ -35,7 +35,7 @@ LoginDialog::LoginDialog(TerminalSettings& settings, QWidget* parent)
     , m_remember(new QCheckBox(tr("Keep me signed in"), this))
     //: the button that signs in
     , m_loginButton(new QPushButton(tr("Login"), this))
-    , m_errorLabel(new QLabel(this))
+    , m_errorLabel(new ErrorLabel(this))
 {
     m_email->setObjectName("email"_L1);
     m_password->setObjectName("password"_L1);
@@ -53,10 +53,7 @@ LoginDialog::LoginDialog(TerminalSettings& settings, QWidget* parent)
     banner->setPixmap(renderBanner(dialogWidth, bannerHeight));
     banner->setFixedSize(dialogWidth, bannerHeight);
 
-    m_errorLabel->setWordWrap(true);
     m_errorLabel->setStyleSheet(u"color:#ff6b6b; padding:0 24px;"_s);
-    makePlain(m_errorLabel);
-    m_errorLabel->hide();
 
     auto* const outer = new QVBoxLayout(this);
     outer->setContentsMargins(outerMargins);
@@ -157,8 +154,7 @@ void LoginDialog::setBusy(bool on)
 void LoginDialog::showError(const QString& text)
 {
     logReport(tr("Auth"), text);
-    showReason(*m_errorLabel, text);
-    m_errorLabel->show();
+    m_errorLabel->showError(text);
     fitHeight();
 }
 

@@ -6,8 +6,8 @@
 #include <QJsonObject>
 #include <optional>
 
+class ErrorLabel;
 class QCheckBox;
-class QLabel;
 class QLayout;
 class QLineEdit;
 class QPushButton;
@@ -46,6 +46,6 @@ private:
     QLineEdit* m_password;
     QCheckBox* m_remember;
     QPushButton* m_loginButton;
-    QLabel* m_errorLabel;
+    ErrorLabel* m_errorLabel;
     QJsonObject m_user;
 };

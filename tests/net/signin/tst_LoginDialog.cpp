@@ -2,6 +2,7 @@
 #include "net/signin/LoginDialog.h"
 #include "support/Hands.h"
 #include "support/LogMessages.h"
+#include "support/ReaderEars.h"
 #include "support/ShortSteps.h"
 #include "support/StubHttpServer.h"
 #include "support/TestMain.h"
@@ -464,6 +465,21 @@ private Q_SLOTS:
         QTRY_COMPARE(m_server->heldCount(), 1);
         m_server->release(StubAnswer::json(R"({"token":"second-token"})"));
         QTRY_COMPARE(m_dialog->result(), int(QDialog::Accepted));
+    }
+
+    void an_error_is_announced_each_time()
+    {
+        ReaderEars ears;
+        open();
+        QVERIFY(ears.names(QAccessible::Alert).isEmpty());
+        for (int tries = 1; tries <= 2; ++tries) {
+            QTest::mouseClick(loginButton(), Qt::LeftButton);
+            QCOMPARE(ears.names(QAccessible::Alert),
+                QStringList(tries, u"Please enter your login and password."_s));
+        }
+        m_server->on("POST", "/api/auth/login", StubAnswer::message(u"Wrong password"_s, 401));
+        fillAndPress();
+        QTRY_COMPARE(ears.names(QAccessible::Alert).mid(2), QStringList(u"Wrong password"_s));
     }
 };
 
