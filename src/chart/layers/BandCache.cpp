@@ -18,8 +18,9 @@ constexpr double mostPixels = 64.0 * 1024.0 * 1024.0;
 /// The layers as a picture in device pixels; null when there is no room for it.
 QPixmap pictureOf(const ChartFrame& frame, qreal scale, void (*paint)(QPainter&, const ChartFrame&))
 {
-    // Rounded as the painter rounds the background.
-    const QSizeF size = QSizeF(frame.view.size()) * scale;
+    // Where the size is no whole number of pixels, the widget's last one may be rounded either way.
+    const qreal more = scale == std::floor(scale) ? 0.0 : 1.0;
+    const QSizeF size = QSizeF(frame.view.size()) * scale + QSizeF(more, more);
     if (scale <= 0.0 || size.isEmpty() || size.width() * size.height() > mostPixels)
         return {};
     QPixmap picture(size.toSize());
@@ -69,6 +70,18 @@ void copyPicture(QPainter& painter, const QPixmap& picture, qreal scale, const Q
     painter.restore();
 }
 
+/// Within a window a chart may begin between two device pixels. It is shown as a picture is, from the nearest
+/// one on, so that all of it is rounded alike.
+void beginAtWholePixel(QPainter& painter)
+{
+    const qreal scale = evenDeviceScale(painter);
+    if (scale <= 0.0)
+        return;
+    const QTransform transform = painter.deviceTransform();
+    const QPointF corner(transform.dx(), transform.dy());
+    painter.translate((QPointF(corner.toPoint()) - corner) / scale);
+}
+
 } // namespace
 
 bool BandCache::sameGround(const Content& a, const Content& b)
@@ -80,6 +93,7 @@ bool BandCache::sameGround(const Content& a, const Content& b)
 
 void BandCache::paint(QPainter& painter, const ChartFrame& frame, const QRegion& exposed)
 {
+    beginAtWholePixel(painter);
     const Content content{frame.view, frame.seriesRevision, frame.largestVolume, frame.liveBar,
         frame.averages, frame.colors, frame.type, frame.digits, frame.timeframeMs, evenDeviceScale(painter)};
     ChartFrame part = frame;

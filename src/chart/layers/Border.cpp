@@ -5,6 +5,7 @@
 void layers::paintBorder(QPainter& painter, const ChartFrame& frame)
 {
     const QRect& plot = frame.view.plot();
-    strokes::down(painter, plot.right(), plot.top(), plot.bottom(), frame.colors.grid);
-    strokes::across(painter, plot.left(), plot.right(), plot.bottom(), frame.colors.grid);
+    const Strokes strokes(painter);
+    strokes.down(plot.right(), plot.top(), plot.bottom(), frame.colors.grid);
+    strokes.across(plot.left(), plot.right(), plot.bottom(), frame.colors.grid);
 }

@@ -13,7 +13,7 @@ constexpr QColor tagColor(0x33, 0x33, 0x33);
 
 void paintTag(QPainter& painter, const ChartFrame& frame, const QRect& box, const QString& text)
 {
-    painter.fillRect(box, tagColor);
+    Strokes(painter).box(box, tagColor);
     frame.texts->draw(painter, box, Qt::AlignHCenter, text, QColor(Qt::white));
 }
 
@@ -27,8 +27,9 @@ void layers::paintCrosshair(QPainter& painter, const ChartFrame& frame)
     const QRect& plot = view.plot();
     const int x = frame.pointer.x();
     const int y = frame.pointer.y();
-    strokes::across(painter, plot.left(), plot.right(), y, lineColor, Qt::DashLine);
-    strokes::down(painter, x, plot.top(), plot.bottom(), lineColor, Qt::DashLine);
+    const Strokes strokes(painter);
+    strokes.across(plot.left(), plot.right(), y, lineColor, Qt::DashLine);
+    strokes.down(x, plot.top(), plot.bottom(), lineColor, Qt::DashLine);
     paintTag(painter, frame, priceTagBox(view, y), formatPrice(frame.crosshair->price, frame.digits));
 
     const qsizetype index = frame.crosshair->bar;

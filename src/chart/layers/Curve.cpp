@@ -1,6 +1,7 @@
 #include "chart/layers/Curve.h"
 
 #include "chart/data/ChartView.h"
+#include "chart/layers/PixelGrid.h"
 
 #include <QPainter>
 #include <QRect>
@@ -19,17 +20,26 @@ class Runs final {
 public:
     Runs(QPainter& painter, const QRect& within, const QColor& color)
         : m_painter(painter)
-        , m_within(within)
+        , m_grid(painter)
+        , m_within(m_grid.isWhole() ? within : pixelsOf(within))
         , m_color(color)
     {
     }
 
+    /// Of the line, in what the boxes are counted.
+    [[nodiscard]] int width() const { return m_width; }
+
+    /// In what the boxes are counted: units where these are whole numbers of device pixels, else those.
+    [[nodiscard]] QPoint place(const QPoint& unit) const { return m_grid.isWhole() ? unit : pixel(unit); }
+
     void add(const QRect& run)
     {
-        const bool sameRow = run.height() == 1 && m_open.height() == 1 && run.top() == m_open.top()
-            && run.left() <= m_open.right() + 1 && run.right() >= m_open.left() - 1;
-        const bool sameColumn = run.width() == 1 && m_open.width() == 1 && run.left() == m_open.left()
-            && run.top() <= m_open.bottom() + 1 && run.bottom() >= m_open.top() - 1;
+        const bool sameRow = run.height() == m_width && m_open.height() == m_width
+            && run.top() == m_open.top() && run.left() <= m_open.right() + 1
+            && run.right() >= m_open.left() - 1;
+        const bool sameColumn = run.width() == m_width && m_open.width() == m_width
+            && run.left() == m_open.left() && run.top() <= m_open.bottom() + 1
+            && run.bottom() >= m_open.top() - 1;
         if (sameRow || sameColumn) {
             m_open = m_open.united(run);
             return;
@@ -41,6 +51,12 @@ public:
     void finish()
     {
         close();
+        if (!m_grid.isWhole()) {
+            for (const QRect& box : m_boxes)
+                m_grid.fill(m_painter, box.left(), box.top(), box.left() + box.width(),
+                    box.top() + box.height(), m_color);
+            return;
+        }
         // Painting many boxes at once costs half, but only where they need not be scaled.
         if (m_painter.deviceTransform().type() > QTransform::TxTranslate) {
             for (const QRect& box : m_boxes)
@@ -60,34 +76,48 @@ private:
             m_boxes.append(part);
     }
 
+    [[nodiscard]] QPoint pixel(const QPoint& unit) const
+    {
+        return {static_cast<int>(m_grid.at(unit.x())), static_cast<int>(m_grid.at(unit.y()))};
+    }
+
+    [[nodiscard]] QRect pixelsOf(const QRect& box) const
+    {
+        return {pixel(box.topLeft()), pixel(box.bottomRight() + QPoint(1, 1)) - QPoint(1, 1)};
+    }
+
     QPainter& m_painter;
-    const QRect& m_within;
+    PixelGrid m_grid;
+    QRect m_within;
+    int m_width = m_grid.isWhole() ? 1 : static_cast<int>(m_grid.width(1));
     const QColor& m_color;
     QVarLengthArray<QRect, 1024> m_boxes;
     QRect m_open; ///< may still grow
 };
 
-void addSlope(Runs& line, const QPoint& from, const QPoint& to)
+void addSlope(Runs& line, const QPoint& start, const QPoint& end)
 {
+    const QPoint from = line.place(start);
+    const QPoint to = line.place(end);
     const int width = to.x() - from.x();
     const int height = std::abs(to.y() - from.y());
     const int down = to.y() < from.y() ? -1 : 1;
     const bool flat = width >= height;
     const qint64 runs = std::min(width, height);
     const qint64 length = std::max(width, height);
-    qint64 start = 0;
+    qint64 begin = 0;
     for (qint64 run = 0; run <= runs; ++run) {
         // The next run begins where the line comes nearer to the next row (or column) than to this one.
         const qint64 next = run < runs ? (length * (2 * run + 1) + 2 * runs - 1) / (2 * runs) : length + 1;
-        const auto first = static_cast<int>(start);
+        const auto first = static_cast<int>(begin);
         const auto last = static_cast<int>(next - 1);
         const auto aside = static_cast<int>(run);
         if (flat)
-            line.add(QRect(from.x() + first, from.y() + down * aside, last - first + 1, 1));
+            line.add(QRect(from.x() + first, from.y() + down * aside, last - first + 1, line.width()));
         else
-            line.add(
-                QRect(from.x() + aside, from.y() + down * (down > 0 ? first : last), 1, last - first + 1));
-        start = next;
+            line.add(QRect(from.x() + aside, from.y() + down * (down > 0 ? first : last), line.width(),
+                last - first + 1));
+        begin = next;
     }
 }
 

@@ -3,6 +3,7 @@
 #include "chart/layers/ChartFrame.h"
 #include "chart/layers/Layers.h"
 #include "chart/layers/LineStrokes.h"
+#include "chart/layers/Strokes.h"
 
 #include <QPainter>
 
@@ -59,7 +60,7 @@ private:
     void handle(const QRect& square)
     {
         if (m_selected)
-            m_painter.fillRect(square.intersected(m_plot), m_color);
+            Strokes(m_painter).box(square.intersected(m_plot), m_color);
     }
 
     void paintHorizontalLine(const DrawingGeometry::Shape& shape)
@@ -92,7 +93,7 @@ private:
         const QPoint opposite(std::max(shape.from.x(), shape.to.x()), std::max(shape.from.y(), shape.to.y()));
         QColor fill = m_color;
         fill.setAlpha(fillAlpha);
-        m_painter.fillRect(QRect(corner, opposite).intersected(m_plot), fill);
+        Strokes(m_painter).area(QRect(corner, opposite).intersected(m_plot), fill);
         strokes::boxBetween(m_painter, corner, opposite, m_plot, m_color, m_style);
     }
 

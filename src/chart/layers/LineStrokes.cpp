@@ -8,20 +8,8 @@
 
 namespace {
 
-constexpr int largestScale = 8;
-
-/// Device pixels per pixel, so that slopes are as fine as the screen; 1 where that is no whole number, or the
-/// painter does more than scale and move.
-int deviceScale(const QPainter& painter)
-{
-    const QTransform transform = painter.deviceTransform();
-    const qreal scale = transform.m11();
-    const bool even = transform.type() <= QTransform::TxScale && transform.m22() == scale && scale >= 1.0
-        && scale <= largestScale && scale == std::floor(scale);
-    return even ? static_cast<int>(scale) : 1;
-}
-
-/// One line in steps along the axis on which it is longer, in device pixels.
+/// One line in steps along the axis on which it is longer, in device pixels, so that slopes are as fine as
+/// the screen.
 struct Steps {
     bool steep = false;
     qint64 start = 0;  ///< on the longer axis
@@ -29,15 +17,15 @@ struct Steps {
     qint64 length = 0; ///< signed, on the longer axis
     qint64 rise = 0;   ///< signed, on the other one
 
-    Steps(const QPoint& from, const QPoint& to, int scale)
+    Steps(const QPoint& from, const QPoint& to, const PixelGrid& grid)
     {
-        const qint64 dx = (static_cast<qint64>(to.x()) - from.x()) * scale;
-        const qint64 dy = (static_cast<qint64>(to.y()) - from.y()) * scale;
+        const qint64 dx = grid.at(to.x()) - grid.at(from.x());
+        const qint64 dy = grid.at(to.y()) - grid.at(from.y());
         steep = std::abs(dy) > std::abs(dx);
         length = steep ? dy : dx;
         // A line that runs backwards begins at the far side of its first pixel.
-        start = static_cast<qint64>(steep ? from.y() : from.x()) * scale + (length < 0 ? scale - 1 : 0);
-        across = static_cast<qint64>(steep ? from.x() : from.y()) * scale;
+        start = grid.at(steep ? from.y() : from.x()) + (length < 0 ? grid.width(1) - 1 : 0);
+        across = grid.at(steep ? from.x() : from.y());
         rise = steep ? dx : dy;
     }
 
@@ -57,15 +45,15 @@ struct Steps {
 /// Whether a pixel of a broken line is drawn.
 class Dashes {
 public:
-    Dashes(Qt::PenStyle pen, const Steps& steps, int scale)
+    Dashes(Qt::PenStyle pen, const Steps& steps, const PixelGrid& grid)
         : m_pattern(strokes::dashes(pen))
-        , m_scale(scale)
+        , m_grid(grid)
     {
         const auto length = static_cast<double>(std::abs(steps.length));
         if (length > 0.0)
             m_unit = std::hypot(length, static_cast<double>(steps.rise)) / length;
         for (const int piece : m_pattern)
-            m_period += piece * scale;
+            m_period += static_cast<double>(grid.length(piece));
     }
 
     [[nodiscard]] bool isDrawn(qint64 distance) const
@@ -74,7 +62,7 @@ public:
             return true;
         double along = std::fmod(static_cast<double>(distance) * m_unit, m_period);
         for (std::size_t i = 0; i < m_pattern.size(); ++i) {
-            along -= m_pattern[i] * m_scale;
+            along -= static_cast<double>(m_grid.length(m_pattern[i]));
             if (along < 0.0)
                 return i % 2 == 0;
         }
@@ -83,7 +71,7 @@ public:
 
 private:
     std::span<const int> m_pattern;
-    int m_scale;
+    const PixelGrid& m_grid;
     double m_unit = 1.0; ///< length along the line of one step
     double m_period = 0.0;
 };
@@ -93,30 +81,36 @@ private:
 void strokes::between(QPainter& painter, const QPoint& from, const QPoint& to, const QRect& bounds,
     const QColor& color, const LineStyle& style)
 {
-    const int scale = deviceScale(painter);
-    const Steps steps(from, to, scale);
-    const Dashes dashes(style.pen, steps, scale);
+    const PixelGrid grid(painter);
+    const Steps steps(from, to, grid);
+    const Dashes dashes(style.pen, steps, grid);
     const qint64 direction = steps.length < 0 ? -1 : 1;
-    const QRectF limits(bounds);
+    const qint64 width = grid.width(style.width);
+    const qint64 lean = grid.length(style.width / 2); // wide ones lean to the left
+    const qint64 left = grid.at(bounds.left());
+    const qint64 top = grid.at(bounds.top());
+    const qint64 right = grid.at(qint64{bounds.right()} + 1);
+    const qint64 bottom = grid.at(qint64{bounds.bottom()} + 1);
 
-    // The line covers its last pixel too, which is `scale` device pixels long.
-    const qint64 count = std::abs(steps.length) + scale;
-    const qint64 low = static_cast<qint64>(steps.steep ? bounds.top() : bounds.left()) * scale;
-    const qint64 high = (static_cast<qint64>(steps.steep ? bounds.bottom() : bounds.right()) + 1) * scale - 1;
+    // The line covers its last point too, which may be some device pixels long.
+    const qint64 count = std::abs(steps.length) + grid.width(1);
+    const qint64 low = steps.steep ? top : left;
+    const qint64 high = (steps.steep ? bottom : right) - 1;
     const qint64 begin = direction > 0 ? low - steps.start : steps.start - high;
     const qint64 end = direction > 0 ? high - steps.start : steps.start - low;
     const qint64 first = std::max<qint64>(begin, 0);
     const qint64 last = std::min(end, count - 1);
 
     const auto paintRun = [&](qint64 runFirst, qint64 runLast, qint64 across) {
-        const qint64 near = steps.start + direction * (direction > 0 ? runFirst : runLast);
-        const auto along = static_cast<double>(near) / scale;
-        const auto side = static_cast<double>(across) / scale - style.width / 2; // wide ones lean to the left
-        const auto length = static_cast<double>(runLast - runFirst + 1) / scale;
-        const QRectF run = steps.steep ? QRectF(side, along, style.width, length)
-                                       : QRectF(along, side, length, style.width);
-        if (const QRectF part = run.intersected(limits); !part.isEmpty())
-            painter.fillRect(part, color);
+        const qint64 along = steps.start + direction * (direction > 0 ? runFirst : runLast);
+        const qint64 side = across - lean;
+        const qint64 length = runLast - runFirst + 1;
+        const qint64 runLeft = std::max(steps.steep ? side : along, left);
+        const qint64 runTop = std::max(steps.steep ? along : side, top);
+        const qint64 runRight = std::min(steps.steep ? side + width : along + length, right);
+        const qint64 runBottom = std::min(steps.steep ? along + length : side + width, bottom);
+        if (runLeft < runRight && runTop < runBottom)
+            grid.fill(painter, runLeft, runTop, runRight, runBottom, color);
     };
 
     qint64 runFirst = first;

@@ -27,13 +27,17 @@ int rowOf(const QRect& area, const ValueRange& scale, double value)
 /// A dotted line, of which only the dots in `part` are painted. The dots depend on the pane alone.
 void paintBound(QPainter& painter, const QRect& area, const QRect& part, int y)
 {
-    constexpr int period = 3;
     if (y < part.top() || y > part.bottom())
         return;
-    const int skipped = (std::max(part.left() - area.left(), 0) + period - 1) / period * period;
-    QVarLengthArray<QPoint, 1024> dots;
-    for (int x = area.left() + skipped; x <= std::min(area.right(), part.right()); x += period)
-        dots.append(QPoint(x, y));
+    const PixelGrid grid(painter);
+    const qint64 period = grid.length(3);
+    const qint64 left = grid.at(area.left());
+    const qint64 skipped = (std::max<qint64>(grid.at(part.left()) - left, 0) + period - 1) / period * period;
+    const qint64 end = grid.at(std::min(area.right(), part.right()) + 1);
+    const double row = grid.snapped(0, y).y();
+    QVarLengthArray<QPointF, 1024> dots;
+    for (qint64 x = left + skipped; x < end; x += period)
+        dots.append(QPointF(static_cast<double>(x) / grid.scale(), row));
     painter.setPen(strokes::hairline(boundColor, Qt::SolidLine));
     painter.drawPoints(dots.constData(), static_cast<int>(dots.size()));
 }
@@ -93,7 +97,7 @@ void paintPane(QPainter& painter, const ChartFrame& frame, const PaneContent& co
     const ValueRange scale = paneScale(style, content.values, view.visible());
 
     painter.fillRect(area & part, groundColor);
-    strokes::across(painter, area.left(), area.right(), area.top(), frame.colors.grid);
+    Strokes(painter).across(area.left(), area.right(), area.top(), frame.colors.grid);
     for (const int bound : style.bounds) {
         const int y = rowOf(area, scale, bound);
         if (!area.contains(area.left(), y))

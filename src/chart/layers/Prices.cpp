@@ -15,10 +15,11 @@ constexpr double thinnestBody = 2.5;
 
 void paintLine(QPainter& painter, const ChartFrame& frame)
 {
+    const PixelGrid grid(painter);
     QVarLengthArray<QLineF, 512> segments;
     QPointF from;
     for (qsizetype i = frame.bars.first; i <= frame.bars.last; ++i) {
-        const QPointF to(frame.view.barPixel(i), frame.view.pricePixel(frame.candle(i).close));
+        const QPointF to = grid.snapped(frame.view.barPixel(i), frame.view.pricePixel(frame.candle(i).close));
         if (i > frame.bars.first)
             segments.append(QLineF(from, to));
         from = to;
@@ -31,15 +32,18 @@ void paintBars(QPainter& painter, const ChartFrame& frame)
 {
     const ChartView& view = frame.view;
     const int tick = std::max(static_cast<int>(view.barWidth() * 0.36), 1);
+    const Strokes strokes(painter);
     for (qsizetype i = frame.bars.first; i <= frame.bars.last; ++i) {
         const int x = view.barPixel(i);
         if (x + tick < view.plot().left())
             continue;
         const Candle& candle = frame.candle(i);
         const QColor& color = candle.close < candle.open ? frame.colors.down : frame.colors.up;
-        strokes::down(painter, x, view.pricePixel(candle.high), view.pricePixel(candle.low), color);
-        strokes::across(painter, x - tick, x, view.pricePixel(candle.open), color);
-        strokes::across(painter, x, x + tick, view.pricePixel(candle.close), color);
+        const int open = view.pricePixel(candle.open);
+        const int close = view.pricePixel(candle.close);
+        strokes.down(x, view.pricePixel(candle.high), view.pricePixel(candle.low), color);
+        strokes.columns({x, tick, 0}, open, open + 1, color);
+        strokes.columns({x, 0, tick}, close, close + 1, color);
     }
 }
 
@@ -49,6 +53,7 @@ void paintCandles(QPainter& painter, const ChartFrame& frame)
     const int width = std::max(static_cast<int>(view.barWidth() * 0.72), 1);
     const int half = width / 2;
     const bool hasBody = view.barWidth() >= thinnestBody;
+    const Strokes strokes(painter);
     for (qsizetype i = frame.bars.first; i <= frame.bars.last; ++i) {
         const int x = view.barPixel(i);
         if (x + half < view.plot().left())
@@ -56,18 +61,19 @@ void paintCandles(QPainter& painter, const ChartFrame& frame)
         const Candle& candle = frame.candle(i);
         const bool rising = candle.close >= candle.open;
         const QColor& color = rising ? frame.colors.up : frame.colors.down;
-        strokes::down(painter, x, view.pricePixel(candle.high), view.pricePixel(candle.low), color);
+        strokes.down(x, view.pricePixel(candle.high), view.pricePixel(candle.low), color);
         const int open = view.pricePixel(candle.open);
         const int close = view.pricePixel(candle.close);
         if (!hasBody) {
-            painter.fillRect(x - half, close, width, 1, color);
+            strokes.columns({x, half, width - 1 - half}, close, close + 1, color);
             continue;
         }
-        const QRect body(x - half, std::min(open, close), width, std::max(std::abs(close - open), 1));
+        const int top = std::min(open, close);
+        const int end = top + std::max(std::abs(close - open), 1);
         if (rising) // as a pen along its edges would, covering one pixel more to the right and below
-            strokes::outlined(painter, body.adjusted(0, 0, 1, 1), frame.colors.background, color);
+            strokes.outlinedColumns({x, half, width - half}, top, end, frame.colors.background, color);
         else
-            painter.fillRect(body, color);
+            strokes.columns({x, half, width - 1 - half}, top, end, color);
     }
 }
 

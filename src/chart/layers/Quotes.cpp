@@ -18,7 +18,7 @@ bool isShown(const ChartFrame& frame, double price)
 void paintLine(QPainter& painter, const ChartFrame& frame, int y, const QColor& color)
 {
     const QRect& plot = frame.view.plot();
-    strokes::across(painter, plot.left(), plot.right(), y, color, Qt::DashLine);
+    Strokes(painter).across(plot.left(), plot.right(), y, color, Qt::DashLine);
 }
 
 } // namespace
@@ -29,7 +29,7 @@ void layers::paintQuotes(QPainter& painter, const ChartFrame& frame)
         const int y = frame.view.pricePixel(frame.ask);
         const QRect tag = priceTagBox(frame.view, y);
         paintLine(painter, frame, y, askColor);
-        strokes::outlined(painter, tag, askColor.darker(askTagDarkening), askColor);
+        Strokes(painter).outlined(tag, askColor.darker(askTagDarkening), askColor);
         frame.texts->draw(
             painter, tag, Qt::AlignHCenter, formatPrice(frame.ask, frame.digits), QColor(Qt::white));
     }
@@ -37,7 +37,7 @@ void layers::paintQuotes(QPainter& painter, const ChartFrame& frame)
         const int y = frame.view.pricePixel(frame.bid);
         const QRect tag = priceTagBox(frame.view, y);
         paintLine(painter, frame, y, bidColor);
-        painter.fillRect(tag, bidColor);
+        Strokes(painter).box(tag, bidColor);
         frame.texts->draw(painter, tag, Qt::AlignHCenter, formatPrice(frame.bid, frame.digits),
             QColor(Qt::black), TextPainter::Weight::Bold);
     }

@@ -15,10 +15,8 @@ void layers::paintRuler(QPainter& painter, const ChartFrame& frame)
         painter, frame.ruler->start, frame.ruler->end, frame.view.plot(), color, {1, Qt::DashLine});
     const QString text = ::Ruler::text(frame.view, *frame.ruler, frame.digits);
     const QRect box = ::Ruler::box(frame.view, frame.ruler->end, frame.texts->advance(text));
-    painter.fillRect(box.adjusted(1, 1, -1, -1), fill);
-    strokes::across(painter, box.left(), box.right(), box.top(), color);
-    strokes::across(painter, box.left(), box.right(), box.bottom(), color);
-    strokes::down(painter, box.left(), box.top() + 1, box.bottom() - 1, color);
-    strokes::down(painter, box.right(), box.top() + 1, box.bottom() - 1, color);
+    const Strokes strokes(painter);
+    strokes.inside(box, fill);
+    strokes.frame(box, color);
     frame.texts->draw(painter, box, Qt::AlignHCenter, text, color);
 }

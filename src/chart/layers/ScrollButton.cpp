@@ -7,6 +7,6 @@ void layers::paintScrollButton(QPainter& painter, const ChartFrame& frame)
     if (frame.autoScroll)
         return;
     const QRect box = frame.view.scrollToEndButton();
-    strokes::outlined(painter, box, QColor(0x33, 0x33, 0x33), frame.colors.axis);
+    Strokes(painter).outlined(box, QColor(0x33, 0x33, 0x33), frame.colors.axis);
     frame.texts->draw(painter, box, Qt::AlignHCenter, QString(QChar(0x00bb)), frame.colors.axis);
 }

@@ -1,5 +1,6 @@
 #include "chart/layers/ChartFrame.h"
 #include "chart/layers/Layers.h"
+#include "chart/layers/PixelGrid.h"
 
 #include <QPainter>
 
@@ -13,8 +14,9 @@ void layers::paintShiftMarker(QPainter& painter, const ChartFrame& frame)
     const int x = frame.view.barPixel(frame.view.visible().last);
     if (x <= plot.left() || x >= plot.right())
         return;
-    const std::array corners{
-        QPoint(x - 4, plot.top() + 1), QPoint(x + 4, plot.top() + 1), QPoint(x, plot.top() + 6)};
+    const PixelGrid grid(painter);
+    const std::array corners{grid.snapped(x - 4, plot.top() + 1), grid.snapped(x + 4, plot.top() + 1),
+        grid.snapped(x, plot.top() + 6)};
     painter.setPen(Qt::NoPen);
     painter.setBrush(QColor(0x8a, 0x8a, 0x8a));
     painter.drawConvexPolygon(corners.data(), static_cast<int>(corners.size()));

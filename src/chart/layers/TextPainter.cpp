@@ -1,5 +1,7 @@
 #include "chart/layers/TextPainter.h"
 
+#include "chart/layers/PixelGrid.h"
+
 #include <QColor>
 #include <QFontMetrics>
 #include <QPainter>
@@ -18,6 +20,13 @@ constexpr int boldWeight = 700;
 constexpr qsizetype mostLayouts = 1024;
 /// No widget is wide enough for more characters, and layouts of endless texts are slow.
 constexpr qsizetype longestText = 1024;
+
+/// Where a text of that ascent begins, whose baseline lies on a device pixel: between two, the smallest error
+/// of rounding would move it.
+QPointF topLeft(const QPainter& painter, int x, int baseline, int ascent)
+{
+    return PixelGrid(painter).snapped(x, baseline) - QPointF(0, ascent);
+}
 
 } // namespace
 
@@ -77,7 +86,7 @@ void TextPainter::draw(QPainter& painter, const QRect& box, Qt::Alignment alignm
     }
     painter.setFont(used.font);
     painter.setPen(color);
-    painter.drawStaticText(x, y, line.text);
+    painter.drawStaticText(topLeft(painter, x, y + used.ascent, used.ascent), line.text);
     if (overflows)
         painter.restore();
 }
@@ -88,12 +97,13 @@ void TextPainter::drawSqueezed(
     constexpr int margin = 1;
     const Layout& line = layout(face, text);
     painter.save();
-    painter.translate(box.left() + margin, box.top() + (box.height() - face.height) / 2);
+    const int baseline = box.top() + (box.height() - face.height) / 2 + face.ascent;
+    painter.translate(PixelGrid(painter).snapped(box.left() + margin, baseline));
     painter.scale(double(std::max(box.width() - 2 * margin, 1)) / line.width, 1.0);
     painter.setFont(face.font);
     painter.setPen(color);
     // Not the kept layout: Qt would work it out anew for this scale, and again when it is next drawn without.
-    painter.drawText(0, face.ascent, line.text.text());
+    painter.drawText(0, 0, line.text.text());
     painter.restore();
 }
 
@@ -115,7 +125,8 @@ void TextPainter::drawAt(
         return;
     painter.setFont(face.font);
     painter.setPen(color);
-    painter.drawStaticText(baseline.x(), baseline.y() - face.ascent, layout(face, text).text);
+    painter.drawStaticText(
+        topLeft(painter, baseline.x(), baseline.y(), face.ascent), layout(face, text).text);
 }
 
 int TextPainter::advance(const QString& text)

@@ -12,6 +12,7 @@ void layers::paintTimeGrid(QPainter& painter, const ChartFrame& frame)
     if (bars.isEmpty())
         return;
     const qsizetype step = timeGridStep(view.barWidth());
+    const PixelGrid grid(painter);
     const QPen pen = strokes::hairline(frame.colors.grid, Qt::DotLine);
     // At multiples of the step, so that the lines keep their bars while new candles arrive.
     for (qsizetype i = bars.last - bars.last % step; i >= bars.first; i -= step) {
@@ -19,7 +20,7 @@ void layers::paintTimeGrid(QPainter& painter, const ChartFrame& frame)
         if (x < plot.left())
             break;
         painter.setPen(pen);
-        painter.drawLine(x, plot.top(), x, plot.bottom());
+        painter.drawLine(QLineF(grid.snapped(x, plot.top()), grid.snapped(x, plot.bottom())));
         frame.texts->draw(painter, QRect(x - 44, view.timeAxisEdge() + 3, 88, 18), Qt::AlignHCenter,
             barTimeText(frame.candle(i).time, frame.timeframeMs, false), frame.colors.axis);
     }

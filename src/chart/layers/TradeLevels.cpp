@@ -19,8 +19,8 @@ void paintLevel(QPainter& painter, const ChartFrame& frame, const TradeLevel& le
     if (!view.prices().contains(price))
         return;
     const int y = view.pricePixel(price);
-    strokes::across(
-        painter, plot.left(), plot.right(), y, level.color, dragged ? Qt::SolidLine : level.penStyle);
+    const Strokes strokes(painter);
+    strokes.across(plot.left(), plot.right(), y, level.color, dragged ? Qt::SolidLine : level.penStyle);
     QString label = oneLine(level.label);
     if (dragged)
         //: %1 a level of a trade, %2 its price
@@ -31,7 +31,7 @@ void paintLevel(QPainter& painter, const ChartFrame& frame, const TradeLevel& le
     if (!dragged)
         return;
     const QRect tag = priceTagBox(view, y);
-    painter.fillRect(tag, level.color.darker(tagDarkening));
+    strokes.box(tag, level.color.darker(tagDarkening));
     frame.texts->draw(painter, tag, Qt::AlignHCenter, formatPrice(price, frame.digits), QColor(Qt::white));
 }
 

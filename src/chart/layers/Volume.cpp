@@ -1,5 +1,6 @@
 #include "chart/layers/ChartFrame.h"
 #include "chart/layers/Layers.h"
+#include "chart/layers/Strokes.h"
 
 #include <QPainter>
 
@@ -11,6 +12,7 @@ void layers::paintVolume(QPainter& painter, const ChartFrame& frame)
     const QRect& plot = view.plot();
     const auto tallest = static_cast<int>(plot.height() * 0.14);
     const int width = std::max(static_cast<int>(view.barWidth() * 0.6), 1);
+    const Strokes strokes(painter);
     for (qsizetype i = frame.bars.first; i <= frame.bars.last; ++i) {
         const int x = view.barPixel(i);
         if (x + width < plot.left())
@@ -18,6 +20,7 @@ void layers::paintVolume(QPainter& painter, const ChartFrame& frame)
         const double share = static_cast<double>(frame.candle(i).volume) / frame.largestVolume;
         const auto height = static_cast<int>(share * tallest);
         if (height > 0)
-            painter.fillRect(x - width / 2, plot.bottom() - height, width, height, frame.colors.volume);
+            strokes.columns({x, width / 2, width - 1 - width / 2}, plot.bottom() - height, plot.bottom(),
+                frame.colors.volume);
     }
 }

@@ -280,11 +280,13 @@ private Q_SLOTS:
             for (int look = 0; look < 3; ++look)
                 QVERIFY(kept(cache, chart, 1.0) == plain(chart, 1.0));
         }
-        BandCache doubled;
-        for (const double price : {1.0, 1.02, 1.04}) {
-            chart.onTick(price, price, candles.back().time);
-            for (int look = 0; look < 3; ++look)
-                QVERIFY(kept(doubled, chart, 2.0) == plain(chart, 2.0));
+        for (const qreal ratio : {1.25, 1.5, 2.0}) {
+            BandCache finer;
+            for (const double price : {1.0, 1.02, 1.04}) {
+                chart.onTick(price, price, candles.back().time);
+                for (int look = 0; look < 3; ++look)
+                    QVERIFY(kept(finer, chart, ratio) == plain(chart, ratio));
+            }
         }
     }
 
