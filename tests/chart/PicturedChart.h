@@ -69,7 +69,7 @@ public:
 
     /// What `layers` paint of a frame, as a screen of that device pixel ratio shows it.
     [[nodiscard]] static QImage painted(
-        const ChartFrame& frame, int ratio, const std::function<void(QPainter&, const ChartFrame&)>& layers)
+        const ChartFrame& frame, qreal ratio, const std::function<void(QPainter&, const ChartFrame&)>& layers)
     {
         QImage image(frame.view.size() * ratio, QImage::Format_RGB32);
         image.setDevicePixelRatio(ratio);
