@@ -106,7 +106,7 @@ void OrderDialog::onPrices(const QJsonObject& prices)
     const auto [bid, ask] = *quote;
     if (quote != m_quote) {
         m_quote = quote;
-        //: %1 the bid, %2 the ask
+        m_form->showPrices(formatPrice(bid, digits()), formatPrice(ask, digits()));
     }
     m_tickChart->append(bid, ask);
     m_tickChart->update();
