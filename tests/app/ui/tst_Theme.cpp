@@ -2,12 +2,20 @@
 #include "app/ui/Theme.h"
 #include "support/TestMain.h"
 
+#include <QCheckBox>
 #include <QLabel>
 #include <QPalette>
 #include <QPushButton>
 #include <QRegularExpression>
 #include <QStyle>
+#include <QStyleOptionButton>
+#include <QTabBar>
+#include <QToolBar>
+#include <QToolButton>
 #include <QWidget>
+
+#include <algorithm>
+#include <cmath>
 
 using namespace Qt::StringLiterals;
 
@@ -60,6 +68,21 @@ QString sheetOf(const QString& name)
 {
     QFile file(u":/theme-%1.qss"_s.arg(name));
     return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString();
+}
+
+/// How well one colour can be told from another, from 1 to 21.
+double contrast(const QColor& a, const QColor& b)
+{
+    const auto luminance = [](const QColor& color) {
+        const auto linear = [](double part) {
+            return part <= 0.04045 ? part / 12.92 : std::pow((part + 0.055) / 1.055, 2.4);
+        };
+        return 0.2126 * linear(color.redF()) + 0.7152 * linear(color.greenF())
+            + 0.0722 * linear(color.blueF());
+    };
+    const double lighter = std::max(luminance(a), luminance(b));
+    const double darker = std::min(luminance(a), luminance(b));
+    return (lighter + 0.05) / (darker + 0.05);
 }
 
 } // namespace
@@ -310,6 +333,91 @@ private Q_SLOTS:
                     qPrintable(u"%1 is \"%2\", not \"%3\""_s.arg(one.key(), value, one.value())));
             }
         }
+    }
+
+    void aCheckedBoxIsMarked_data()
+    {
+        QTest::addColumn<bool>("dark");
+        QTest::addColumn<bool>("enabled");
+        for (const bool dark : {true, false}) {
+            for (const bool enabled : {true, false})
+                QTest::addRow("%s, %s", dark ? "dark" : "light", enabled ? "enabled" : "disabled")
+                    << dark << enabled;
+        }
+    }
+    void aCheckedBoxIsMarked()
+    {
+        QFETCH(const bool, dark);
+        QFETCH(const bool, enabled);
+        setTheme(dark);
+        applyTheme(*qApp);
+        QCheckBox box;
+        box.setEnabled(enabled);
+        box.resize(box.sizeHint());
+        box.setChecked(true);
+        QStyleOptionButton option;
+        option.initFrom(&box);
+        const QRect inside
+            = box.style()->subElementRect(QStyle::SE_CheckBoxIndicator, &option, &box).adjusted(2, 2, -2, -2);
+        const auto shown = [&] { return box.grab(inside).toImage().convertToFormat(QImage::Format_RGB32); };
+        const QImage checked = shown();
+        const QColor ground = checked.pixelColor(0, 0);
+        int marked = 0;
+        for (int y = 0; y < checked.height(); ++y) {
+            for (int x = 0; x < checked.width(); ++x)
+                marked += contrast(checked.pixelColor(x, y), ground) >= 3.0 ? 1 : 0;
+        }
+        QVERIFY2(marked >= 8, qPrintable(QString::number(marked)));
+        box.setChecked(false);
+        const QImage empty = shown();
+        QImage plain(empty.size(), QImage::Format_RGB32);
+        plain.fill(empty.pixelColor(0, 0));
+        QCOMPARE(empty, plain);
+    }
+
+    void whatIsDisabledLooksIt_data()
+    {
+        QTest::addColumn<bool>("dark");
+        QTest::newRow("dark") << true;
+        QTest::newRow("light") << false;
+    }
+    void whatIsDisabledLooksIt()
+    {
+        QFETCH(const bool, dark);
+        setTheme(dark);
+        applyTheme(*qApp);
+        const auto strongest = [](const QImage& image) {
+            double most = 1.0;
+            for (int y = 3; y < image.height() - 3; ++y) {
+                for (int x = 3; x < image.width() - 3; ++x)
+                    most = std::max(most, contrast(image.pixelColor(x, y), image.pixelColor(3, 3)));
+            }
+            return most;
+        };
+        QTabBar tabs;
+        tabs.addTab(u"Symbols"_s);
+        tabs.addTab(u"Details"_s);
+        tabs.addTab(u"Details"_s);
+        tabs.setTabEnabled(2, false);
+        tabs.resize(tabs.sizeHint());
+        const auto tab = [&](int index) { return strongest(tabs.grab(tabs.tabRect(index)).toImage()); };
+        QVERIFY2(tab(2) < 0.6 * tab(1), qPrintable(u"%1 and %2"_s.arg(tab(2)).arg(tab(1))));
+
+        QToolBar bar;
+        QToolButton button(&bar);
+        button.setText(u"M15"_s);
+        button.resize(button.sizeHint());
+        const auto shown = [&] { return bar.grab(button.geometry()).toImage(); };
+        const double enabled = strongest(shown());
+        button.setEnabled(false);
+        QVERIFY(strongest(shown()) < 0.6 * enabled);
+        button.setCheckable(true);
+        button.setChecked(true);
+        const QImage disabled = shown();
+        button.setEnabled(true);
+        const QImage checked = shown();
+        QVERIFY(strongest(disabled) < 0.6 * strongest(checked));
+        QVERIFY(disabled.pixelColor(4, 4) != checked.pixelColor(4, 4));
     }
 
     void subWindowsAreDarkOnPurposeInTheLightThemeToo()
