@@ -18,7 +18,8 @@ class ChartPicture:
     def __init__(self, desktop, item):
         self._desktop = desktop
         self.x, self.y = item.x, item.y
-        self.width, self.height = item.width - PRICE_AXIS, item.height - TIME_AXIS
+        self.width = item.width - round(PRICE_AXIS * desktop.scale)
+        self.height = item.height - round(TIME_AXIS * desktop.scale)
 
     def at(self, across, down):
         """A place in the plot (and the pane under it), both from 0 to 1, on the screen."""

@@ -10,10 +10,11 @@ from screen import Screen
 
 
 class Desktop:
-    """Starts Xvfb with a window manager; real key and mouse events go in, pictures come out."""
+    """Starts Xvfb with a window manager; real key and mouse events go in, pictures come out. Programs paint
+    `scale` pixels for each point; width, height and all places are in pixels."""
 
-    def __init__(self, width=1440, height=900):
-        self.width, self.height = width, height
+    def __init__(self, width=1440, height=900, scale=1):
+        self.width, self.height, self.scale = width, height, scale
         self._processes = []
         read_end, write_end = os.pipe()
         self._spawn(
@@ -29,6 +30,7 @@ class Desktop:
         self._screen = Screen(f":{number}")
         os.environ.pop("WAYLAND_DISPLAY", None)
         os.environ["QT_QPA_PLATFORM"] = "xcb"
+        os.environ["QT_SCALE_FACTOR"] = str(scale)
         os.environ["QT_LINUX_ACCESSIBILITY_ALWAYS_ON"] = "1"
         self._runtime = tempfile.TemporaryDirectory(prefix="tavoran-tour-")
         os.chmod(self._runtime.name, 0o700)
@@ -94,6 +96,9 @@ class Desktop:
 
     def click(self, x, y, times=1, button=1):
         self._xdotool("mousemove", x, y, "click", "--repeat", times, "--delay", 60, button)
+
+    def wheel_up(self, x, y, turns):
+        self._xdotool("mousemove", x, y, "click", "--repeat", turns, "--delay", 5, 4)
 
     def wheel_down(self, x, y, turns):
         self._xdotool("mousemove", x, y, "click", "--repeat", turns, "--delay", 5, 5)

@@ -14,7 +14,9 @@ OLDER_NAMES = {"button": "push button"}
 
 
 class Item:
-    """One thing on the screen. Each property is read once, when it is first asked for."""
+    """One thing on the screen. Each property is read once, when it is first asked for. Places are in pixels."""
+
+    scale = 1  # pixels for each point; Qt 6 tells places in points
 
     def __init__(self, node):
         self._node = node
@@ -30,12 +32,13 @@ class Item:
 
     @cached_property
     def _place(self):
-        return self._node.get_extents(Atspi.CoordType.SCREEN)
+        place = self._node.get_extents(Atspi.CoordType.SCREEN)
+        return [round(length * self.scale) for length in (place.x, place.y, place.width, place.height)]
 
-    x = property(lambda self: self._place.x)
-    y = property(lambda self: self._place.y)
-    width = property(lambda self: self._place.width)
-    height = property(lambda self: self._place.height)
+    x = property(lambda self: self._place[0])
+    y = property(lambda self: self._place[1])
+    width = property(lambda self: self._place[2])
+    height = property(lambda self: self._place[3])
 
     @property
     def center(self):
@@ -120,8 +123,9 @@ class Row(Sequence):
 class Reader:
     """Finds the windows of one process."""
 
-    def __init__(self):
+    def __init__(self, scale=1):
         Atspi.init()
+        Item.scale = scale
 
     def application(self, process_id):
         desktop = Atspi.get_desktop(0)

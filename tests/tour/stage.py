@@ -3,7 +3,7 @@
 from gi.repository import GLib
 
 from chart_picture import ChartPicture
-from desktop import Desktop, wait_until
+from desktop import wait_until
 from programs import Platform, Terminal
 from reader import Reader
 
@@ -15,11 +15,11 @@ class StepFailed(Exception):
 
 
 class Stage:
-    def __init__(self, binaries, out, profile, replay):
+    def __init__(self, desktop, binaries, out, profile, replay):
         self.out = out
-        self.desktop = Desktop()
+        self.desktop = desktop
         self.desktop.start_tray()
-        self.reader = Reader()
+        self.reader = Reader(desktop.scale)
         self.platform = Platform(str(binaries / "tavoran-practice"), profile, options=["--replay", str(replay)])
         self.platform.start()
         self.terminal = Terminal(str(binaries / "tavoran-terminal"), profile, self.platform.address)
@@ -164,6 +164,40 @@ class Stage:
     def click(self, item, times=1, button=1):
         self.desktop.click(*item.center, times=times, button=button)
 
+    def in_view(self, list_name, find, headed=True):
+        """What `find` finds in a list, once it is in view: the wheel brings it there, or an arrow key where the
+        list is so low that the wheel jumps over it. A list that is `headed` has column titles."""
+        moves = []
+
+        def seen():
+            view, item = self.list_named(list_name), find()
+            if not view or not item:
+                return None
+            too_high = item.y < view.y + (item.height if headed else 0)
+            if not too_high and item.y + item.height <= view.y + view.height:
+                return item
+            if moves and moves[-1] != too_high:
+                self.desktop.click(*view.center)
+            moves.append(too_high)
+            if len(set(moves)) > 1:
+                self.desktop.key("Up" if too_high else "Down")
+            else:
+                (self.desktop.wheel_up if too_high else self.desktop.wheel_down)(*view.center, 1)
+            return None
+        return self.wait(seen)
+
+    def cell_in_view(self, list_name, accept):
+        """The first cell of the first row that `accept` likes, brought into view."""
+        return self.in_view(list_name, lambda: self.row(list_name, accept)[0])
+
+    def symbol_in_view(self, symbol=SYMBOL):
+        return self.cell_in_view("Market Watch", lambda cells: cells[0].name == symbol)
+
+    def entry_in_view(self, name):
+        """The Navigator's entry that starts like this, brought into view."""
+        return self.in_view("Navigator", headed=False, find=lambda: self.list_named("Navigator").find(
+            accept=lambda item: item.name.startswith(name), shown=False))
+
     def tab_to(self, field):
         """Goes to a field by Tab alone, which selects what it holds."""
         for _ in range(60):
@@ -192,8 +226,18 @@ class Stage:
         return item.role.endswith("menu item")
 
     def press(self, button):
-        """Presses a button of a toolbar."""
-        self.click(self.wait(lambda: self.tool_button(button)))
+        """Presses a button of a toolbar, which may not have the room to show it."""
+        found = self.wait(lambda: self.tool_button(button), 0.5)
+        if not found:
+            self.unfold(button)
+            found = self.wait(lambda: self.tool_button(button))
+        self.click(found)
+
+    def unfold(self, button):
+        """Presses the arrow of the toolbar that has this button."""
+        bar = next(bar for bar in self.parts("tool bar") if bar.find(name=button, shown=False))
+        self.click(bar.find(accept=lambda item: item.role in ("push button", "check box")
+                            and item.x + item.width >= bar.x + bar.width - 2))
 
     def press_in(self, window, button):
         """Presses a button of a dialog as soon as it can be pressed."""
@@ -205,10 +249,13 @@ class Stage:
 
     def context_menu(self, x, y, *keys):
         """Opens a context menu and chooses with the keyboard: screen readers do not see such menus."""
-        beside = (x + 8, y + 8, 60, 60)
-        before = self.desktop.pixels(*beside)
+        def around():
+            """A menu without the room below opens above."""
+            return [self.desktop.pixels(x + 8, y + down, 60, 60) for down in (8, -68)]
+
+        before = around()
         self.desktop.click(x, y, button=3)
-        if not self.wait(lambda: self.desktop.pixels(*beside) != before, 10):
+        if not self.wait(lambda: any(now != then for now, then in zip(around(), before, strict=True)), 10):
             raise StepFailed(f"no context menu opened at {x}, {y}")
         self.desktop.key(*keys)
 

@@ -16,6 +16,7 @@ from pathlib import Path
 sys.path.insert(0, str(Path(__file__).parent))
 
 from acts import challenge, charting, experts, market, records, returning, sign_in, trading, tray, warnings  # noqa: E402
+from desktop import Desktop  # noqa: E402
 from played_market import FALLING, write_market  # noqa: E402
 from stage import Stage, StepFailed  # noqa: E402
 
@@ -55,6 +56,7 @@ def take(stage):
     sign_in.sign_in(stage, "start")
     warnings.see_the_news_warning(stage)
     market.watch_prices(stage)
+    market.make_room(stage)
     market.open_chart(stage)
     plan = experts.let_loose(stage)
     look_around(stage)
@@ -80,12 +82,16 @@ def main():
     arguments = argparse.ArgumentParser(description=__doc__)
     arguments.add_argument("--bin", type=Path, required=True, help="folder of the two programs")
     arguments.add_argument("--out", type=Path, required=True, help="folder for the screenshots")
+    arguments.add_argument("--screen", default="1440x900", help="size of the desktop in points")
+    arguments.add_argument("--scale", type=float, default=1, help="pixels for each point")
     options = arguments.parse_args()
     shutil.rmtree(options.out, ignore_errors=True)
     options.out.mkdir(parents=True)
     profile = Path(tempfile.mkdtemp(prefix="tavoran-tour-"))
     started = time.monotonic()
-    stage = Stage(options.bin.resolve(), options.out, profile, write_market(profile / "replay"))
+    width, height = (round(int(side) * options.scale) for side in options.screen.split("x"))
+    desktop = Desktop(width, height, options.scale)
+    stage = Stage(desktop, options.bin.resolve(), options.out, profile, write_market(profile / "replay"))
     try:
         take(stage)
     except StepFailed as failure:

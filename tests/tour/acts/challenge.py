@@ -7,8 +7,7 @@ from played_market import FALLING
 
 def choose_account(stage, label):
     """Switches the account by a double-click in the Navigator."""
-    entry = stage.wait(lambda: stage.list_named("Navigator").find(accept=lambda item: item.name.startswith(label)))
-    stage.click(entry, times=2)
+    stage.click(stage.entry_in_view(label), times=2)
     chosen = stage.wait(lambda: stage.part("combo box", accept=lambda item: label in item.name or label in item.text()))
     stage.seen("account", chosen, f"a double-click in the Navigator chose the account {label}")
 
@@ -18,7 +17,7 @@ def fail_the_challenge(stage):
         return stage.platform.account(lambda record: record["Plan"]["name"] == "Practice 25K")
 
     choose_account(stage, "Practice 25K — Challenge 1/2")
-    stage.click(stage.symbol_row("Market Watch", FALLING)[0], times=2)
+    stage.click(stage.symbol_in_view(FALLING), times=2)
     stage.seen("falling-chart", stage.has_chart(FALLING), f"{FALLING}, which falls without an end, has a chart")
     ticket = buy_with_one_click(stage, FALLING, "12.00")
     told = balloon(stage, "Account Failed", lambda text: "risk limit" in text, 90)

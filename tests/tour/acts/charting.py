@@ -33,7 +33,7 @@ def draw_the_five_objects(stage):
     place(stage, "rectangle", "rectangle", (0.66, 0.35), (0.80, 0.65))
     # The fourth entry of the chart's own menu holds the objects, the fifth of those is this one.
     stage.context_menu(*stage.chart().at(0.5, 0.9), *["Down"] * 4, "Right", *["Down"] * 4, "Return")
-    place(stage, "fibonacci", "fibonacci", (0.22, 0.92), (0.33, 0.20))
+    place(stage, "fibonacci", "fibonacci", (0.22, 0.92), (0.41, 0.30))
     stage.desktop.move(5, 5)
     chart = stage.chart()
     painted = stage.wait(lambda: painted_objects(chart))
@@ -58,7 +58,7 @@ def painted_objects(chart):
     # A bar that has closed since they were drawn has moved them all to the left by its width.
     vertical = max(range(across(0.60), across(0.63)), key=lambda x: len(column(x)))
     # The dashed line of a trade's level may lie on one of theirs: that shows through the gaps.
-    levels, edges = ([y for y in column(across(share), 6) if y not in horizontal] for share in (0.27, 0.73))
+    levels, edges = ([y for y in column(across(share), 6) if y not in horizontal] for share in (0.38, 0.73))
     trend = [y for y in column(across(0.54)) if y not in horizontal]
     if len(column(vertical)) < chart.height // 2 or len(levels) != 7 or len(trend) != 1 or len(edges) != 2:
         return None
@@ -78,16 +78,16 @@ def same_places(before, after):
 
 def delete_an_object(stage):
     stage.press("Horizontal Line")
-    place(stage, "second-horizontal", "hline", (0.5, 0.13))
+    place(stage, "second-horizontal", "hline", (0.5, 0.29))
     chart = stage.chart()
     stage.desktop.move(5, 5)
-    both = stage.wait(lambda: len(found := chart.lines(paint.DRAWING, 0.8)) == 2 and found)
-    stage.desktop.click(chart.at(0.9, 0)[0], both[0])
+    both = stage.wait(lambda: len(found := chart.lines(paint.DRAWING, 0.5)) == 2 and found)
+    stage.desktop.click(chart.at(0.9, 0)[0], both[1])
     stage.desktop.move(5, 5)
-    selected = stage.wait(lambda: len(chart.lines(paint.DRAWING, 0.8)) == 3)
+    selected = stage.wait(lambda: len(chart.lines(paint.DRAWING, 0.5)) == 3)
     stage.seen("selected", selected, "a click selects the line, which grows to two pixels")
     stage.desktop.key("Delete")
-    deleted = stage.wait(lambda: kept_objects(stage) == FIVE_OBJECTS and chart.lines(paint.DRAWING, 0.8) == both[1:])
+    deleted = stage.wait(lambda: kept_objects(stage) == FIVE_OBJECTS and chart.lines(paint.DRAWING, 0.5) == both[:1])
     stage.seen("deleted", deleted, "Delete removes it, here and on the platform; the five others stay")
 
 
@@ -138,8 +138,7 @@ def add_indicators(stage):
 
     stage.choose("Insert", "Indicators", "Moving Average (SMA)")
     answer_period(stage, "slow-average", 50)
-    entry = stage.wait(lambda: stage.list_named("Navigator").find(name="Exponential MA"))
-    stage.click(entry, times=2)
+    stage.click(stage.entry_in_view("Exponential MA"), times=2)
     answer_period(stage, "fast-average", 20)
     both = stage.wait(lambda: chart.count(paint.FIRST_AVERAGE) > 50 and chart.count(paint.SECOND_AVERAGE) > 50)
     stage.seen("two-averages", both, "two averages, the second by a double-click in the Navigator")
@@ -147,7 +146,7 @@ def add_indicators(stage):
     stage.seen("rsi", stage.wait(lambda: chart.count(paint.RSI) > 50), "RSI has a pane of its own")
     stage.context_menu(*chart.at(0.5, 0.6), *["Down"] * 3, "Right", "Down", "Down", "Return")
     stage.seen("rsi-removed", stage.wait(lambda: not chart.count(paint.RSI)), "the chart's menu removes it")
-    stage.click(stage.wait(lambda: stage.list_named("Navigator").find(name="Relative Strength Index")), times=2)
+    stage.click(stage.entry_in_view("Relative Strength Index"), times=2)
     stage.seen("rsi-again", stage.wait(lambda: chart.count(paint.RSI) > 50),
                "a double-click in the Navigator brings it back")
 

@@ -65,16 +65,14 @@ def told(stage, source, part, seconds=15):
 
 
 def show_chart(stage, symbol):
-    stage.click(stage.wait(lambda: stage.symbol_row("Market Watch", symbol))[0], times=2)
+    stage.click(stage.symbol_in_view(symbol), times=2)
     stage.seen("expert-chart", stage.has_chart(symbol), f"a chart of {symbol} is open")
     stage.press("M1")
     stage.seen("expert-minutes", stage.has_chart(symbol, "M1"), "with bars of a minute")
 
 
 def attach(stage, name, symbol):
-    navigator = stage.list_named("Navigator")
-    stage.desktop.wheel_down(*navigator.center, 20)  # the scripts stand at the end
-    stage.click(stage.wait(lambda: stage.list_named("Navigator").find(name=name)), times=2)
+    stage.click(stage.entry_in_view(name), times=2)
     attached = told(stage, name, f"Attached to {symbol} M1")
     stage.seen("attached", attached, f"a double-click attached {name} to {symbol}")
     stage.seen("attached-started", told(stage, name, f"{name} started on {symbol}"), "its OnInit ran")
@@ -85,10 +83,13 @@ def attach(stage, name, symbol):
 
 
 def bring_forward(stage, second=False):
-    """Clicks the first or the second tab. Screen readers do not see the tabs, which lie in a row under the
-    charts; the first has the short title of a chart without an expert."""
+    """Goes to the first or the second tab with the wheel, since not all may have room in the row under the
+    charts, which screen readers do not see."""
     area = stage.wait(stage.chart_area)
-    stage.desktop.click(area.x + (230 if second else 60), area.y + area.height - 14)
+    tabs = area.center[0], area.y + area.height - round(14 * stage.desktop.scale)
+    stage.desktop.wheel_up(*tabs, 9)
+    if second:
+        stage.desktop.wheel_down(*tabs, 1)
 
 
 def let_loose(stage):
@@ -109,7 +110,7 @@ def let_loose(stage):
     stage.seen("algo-on", told(stage, "Expert", "Algo Trading enabled"), "the switch in the toolbar is on")
     stage.portrait("terminal-experts.png")
     bring_forward(stage)
-    stage.seen("first-chart", stage.has_chart(SYMBOL), f"a click on its tab brings the chart of {SYMBOL} back")
+    stage.seen("first-chart", stage.has_chart(SYMBOL), f"the wheel over the tabs brings the chart of {SYMBOL} back")
     return Plan(rising, falling, reversing, held)
 
 
@@ -159,7 +160,7 @@ def see_them_trade(stage, plan):
 def detach(stage, name, symbol):
     """Closes the chart of the expert, which must be the active one."""
     before = len(lines(stage, name, f"{name} stopped"))
-    stage.seen("detach-front", stage.has_chart(symbol, "M1"), f"a click on its tab brings {symbol} forward")
+    stage.seen("detach-front", stage.has_chart(symbol, "M1"), f"the wheel over the tabs brings {symbol} forward")
     stage.choose("Window", "Close")
     stopped = stage.wait(lambda: len(lines(stage, name, f"{name} stopped")) == before + 1)
     stage.seen("detached", stopped, f"closing it ran {name}'s OnDeinit")

@@ -43,7 +43,7 @@ def restart(stage, ticket, theme):
     stage.seen("colours-back", stage.wait(lambda: chart.corner() == charting.OTHER_BACKGROUND), "its colours")
     stage.seen("rsi-back", stage.wait(lambda: chart.count(paint.RSI) > 50), "its RSI")
     stage.seen("objects-back", stage.wait(lambda: charting.kept_objects(stage) == charting.FIVE_OBJECTS
-                                          and chart.lines(paint.DRAWING, 0.8)), "and its objects")
+                                          and chart.lines(paint.DRAWING, 0.5)), "and its objects")
     stage.press("M15")
     stage.press("Candlesticks")
     stage.desktop.move(5, 5)

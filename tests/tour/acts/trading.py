@@ -14,7 +14,8 @@ def order_dialog(stage):
 
 def trade_row(stage, accept):
     stage.open_tab("Trade")
-    return stage.wait(lambda: stage.row("Trade", accept))
+    stage.cell_in_view("Trade", accept)
+    return stage.row("Trade", accept)
 
 
 def ticket_row(stage, ticket):
