@@ -30,6 +30,12 @@ class Item:
     def name(self):
         return self._node.get_name() or ""
 
+    @property
+    def description(self):
+        """What is read below its name, as it is now."""
+        self._node.clear_cache()
+        return self._node.get_description() or ""
+
     @cached_property
     def _place(self):
         place = self._node.get_extents(Atspi.CoordType.SCREEN)
@@ -118,6 +124,40 @@ class Row(Sequence):
     @property
     def texts(self):
         return [cell.name for cell in self]
+
+
+class Ears:
+    """Hears what programs tell of their own accord, from now on."""
+
+    class Heard:
+        def __init__(self, event):
+            self.kind, self.on = event.type, bool(event.detail1)
+            source = Item(event.source)
+            self.role, self.name = source.role, source.name
+
+    def __init__(self, *kinds):
+        self._heard = []
+        self._listener = Atspi.EventListener.new(self._hear)
+        self._kinds = kinds
+        for kind in kinds:
+            self._listener.register(kind)
+
+    def _hear(self, event, *_):
+        try:
+            self._heard.append(self.Heard(event))
+        except GLib.Error:
+            pass  # what it is about has gone already
+
+    def heard(self, role=None):
+        """All so far, or those about things of one role."""
+        context = GLib.MainContext.default()
+        while context.pending():
+            context.iteration(False)
+        return [each for each in self._heard if role in (None, each.role)]
+
+    def close(self):
+        for kind in self._kinds:
+            self._listener.deregister(kind)
 
 
 class Reader:

@@ -15,7 +15,7 @@ from pathlib import Path
 
 sys.path.insert(0, str(Path(__file__).parent))
 
-from acts import challenge, charting, experts, market, records, returning, sign_in, trading, tray, warnings  # noqa: E402
+from acts import challenge, charting, experts, market, reading, records, returning, sign_in, trading, tray, warnings  # noqa: E402
 from desktop import Desktop  # noqa: E402
 from played_market import FALLING, write_market  # noqa: E402
 from stage import Stage, StepFailed  # noqa: E402
@@ -62,6 +62,7 @@ def take(stage):
     look_around(stage)
     chart(stage)
     first, order = trading.set_up(stage)
+    reading.read_the_chart(stage, first, order)
     light = dress(stage)
     alerts = warnings.set_an_alert(stage)
     closed = experts.see_them_trade(stage, plan)

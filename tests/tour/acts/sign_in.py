@@ -12,9 +12,8 @@ def mistype_the_password(stage):
     stage.seen("first-dialog", dialog(stage), "the sign-in dialog is up for the first time")
     stage.desktop.type("practise")
     stage.desktop.key("Return")
-    refused = stage.wait(lambda: dialog(stage).find(
-        "label", accept=lambda item: "password" in item.text() and len(item.text()) > 12))
-    stage.seen("refused", refused, f"a wrong password is refused: {refused.text() if refused else ''}")
+    refused = stage.wait(lambda: dialog(stage).find("notification", accept=lambda item: "password" in item.name))
+    stage.seen("refused", refused, f"a wrong password is refused: {refused.name if refused else ''}")
     stage.desktop.key("Escape")
     stage.seen("cancelled", stage.terminal.exit_code() == 0, "Escape ends the terminal, exit code 0")
 

@@ -31,8 +31,8 @@ def buy(stage):
     """Buys with the order dialog and watches the position; its ticket."""
     dialog = order_dialog(stage)
     stage.seen("order-symbol", SYMBOL in dialog.name, "for the symbol of the chart")
-    quote = stage.wait(lambda: dialog.find(
-        "label", accept=lambda item: " / " in item.text() and item.text()[0].isdigit()).text())
+    prices = stage.wait(lambda: dialog.find("label", f"Prices of {SYMBOL}"))
+    quote = stage.wait(lambda: (now := prices.description).startswith("Bid ") and now)
     stage.seen("order-quote", quote, f"its quote is live: {quote}")
     stage.press_in(dialog, "Buy by Market")
     stage.seen("order-placed", stage.gone("Order: "), "the order was accepted and the dialog closed")
