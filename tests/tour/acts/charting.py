@@ -242,12 +242,23 @@ def show_data_window(stage):
 
 def arrange_charts(stage, other):
     """Tiles and cascades the chart and one of another symbol that is open."""
+    def frames():
+        """Both, at rest. One that does not fit into a small area counts as not shown."""
+        def now():
+            return {item.name.split(",")[0]: (item.x, item.y, item.width, item.height)
+                    for item in stage.chart_area().children() if item.role == "frame"}
+        before = now()
+        return (before[SYMBOL], before[other]) if before == now() else None
+
+    def apart():
+        (ax, ay, aw, ah), (bx, by, bw, bh) = frames()
+        return ax + aw <= bx or bx + bw <= ax or ay + ah <= by or by + bh <= ay
+
+    def one_over_the_other():
+        (ax, ay, aw, ah), (bx, by, *_) = frames()
+        return 0 < abs(ax - bx) < aw and 0 < abs(ay - by) < ah
+
     stage.choose("Window", "Tile")
-    tiled = stage.wait(lambda: (a := stage.chart(SYMBOL)) and (b := stage.chart(other))
-                       and (a.x + a.width <= b.x or b.x + b.width <= a.x or a.y + a.height <= b.y
-                            or b.y + b.height <= a.y))
-    stage.seen("tile", tiled, f"Tile puts the charts of {SYMBOL} and {other} side by side")
+    stage.seen("tile", stage.wait(apart), f"Tile puts the charts of {SYMBOL} and {other} side by side")
     stage.choose("Window", "Cascade")
-    cascaded = stage.wait(lambda: (a := stage.chart(SYMBOL)) and (b := stage.chart(other))
-                          and 0 < abs(a.x - b.x) < a.width and 0 < abs(a.y - b.y) < a.height)
-    stage.seen("cascade", cascaded, "Cascade puts one over the other")
+    stage.seen("cascade", stage.wait(one_over_the_other), "Cascade puts one over the other")
