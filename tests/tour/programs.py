@@ -111,7 +111,7 @@ class Terminal:
     """The terminal, with a profile of its own that lasts from run to run. Its texts are in `language`."""
 
     def __init__(self, binary, profile, address, language="en"):
-        self._binary, self._profile, self._language = binary, profile, language
+        self._binary, self._profile, self.language = binary, profile, language
         self._process = None
         for name in ("config", "data", "cache", "home", "tmp"):
             (profile / name).mkdir(parents=True, exist_ok=True)
@@ -137,7 +137,7 @@ class Terminal:
         environment.update(
             HOME=str(self._profile / "home"), XDG_CONFIG_HOME=str(self._profile / "config"),
             XDG_DATA_HOME=str(self._profile / "data"), XDG_CACHE_HOME=str(self._profile / "cache"),
-            TMPDIR=str(self._profile / "tmp"), LANGUAGE=self._language)
+            TMPDIR=str(self._profile / "tmp"), LANGUAGE=self.language)
         output = open(self._profile / "terminal.out", "ab")
         self._process = subprocess.Popen([self._binary], env=environment, stdout=output, stderr=output)
         output.close()

@@ -79,8 +79,9 @@ def take(stage):
     records.compare_database(stage, shown)
 
 
-def main():
-    arguments = argparse.ArgumentParser(description=__doc__)
+def perform(take, description):
+    """Plays `take` on a new stage; the exit code."""
+    arguments = argparse.ArgumentParser(description=description)
     arguments.add_argument("--bin", type=Path, required=True, help="folder of the two programs")
     arguments.add_argument("--out", type=Path, required=True, help="folder for the screenshots")
     arguments.add_argument("--screen", default="1440x900", help="size of the desktop in points")
@@ -112,4 +113,4 @@ def main():
 
 
 if __name__ == "__main__":
-    sys.exit(main())
+    sys.exit(perform(take, __doc__))

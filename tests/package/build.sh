@@ -1,0 +1,44 @@
+#!/usr/bin/env bash
+# Called by scripts/verify-package in a bare root: builds the packages, has lintian look them over, and leaves them
+# in /share. With --twice, another build in another folder, without ccache, has to give the same bytes.
+set -euo pipefail
+cd "$(dirname "$0")/../.."
+. scripts/common.sh
+
+# The scripts of packages that are installed here find no running system to act upon.
+printf '#!/bin/sh\nexit 101\n' >/usr/sbin/policy-rc.d
+chmod +x /usr/sbin/policy-rc.d
+# shellcheck disable=SC2086  # the lists are meant to be split
+install_packages $BUILD_PACKAGES $PACKAGE_PACKAGES lintian
+
+build_preset package package
+say "lintian"
+lintian --allow-root --display-info --fail-on error,warning build/package/*.deb
+
+say "Hardening"
+for package in build/package/*.deb; do dpkg-deb --extract "$package" build/unpacked; done
+for program in build/unpacked/usr/bin/*; do
+    readelf --wide --file-header --program-headers --dynamic --symbols --dyn-syms "$program" >build/elf.txt
+    for mark in 'Type: *DYN' GNU_RELRO 'Flags: NOW PIE' __stack_chk_fail '_chk@'; do
+        grep -q -- "$mark" build/elf.txt || fail "${program##*/} is not hardened: there is no $mark"
+    done
+    ! grep -q '\.symtab' build/elf.txt || fail "${program##*/} is not stripped"
+    echo "${program##*/} is stripped, position-independent, with read-only relocations, stack and buffer checks"
+done
+
+if [ "${1:-}" = --twice ]; then
+    say "Building once more, in another folder and without ccache"
+    elsewhere="/srv/another folder/tavoran"
+    git clone --quiet --no-local . "$elsewhere"
+    git -C "$elsewhere" checkout --quiet "$(git rev-parse HEAD)"
+    (
+        cd "$elsewhere"
+        export CCACHE_DISABLE=1
+        build_preset package package
+    )
+    for package in build/package/*.deb; do
+        cmp "$package" "$elsewhere/$package" || fail "${package##*/} depends on the folder or on the time"
+        echo "${package##*/} has the same bytes again: $(sha256sum <"$package")"
+    done
+fi
+cp build/package/*.deb /share
