@@ -196,6 +196,11 @@ Built with Qt %2, running with Qt %3</source>
         <source>%1: the server does not list this symbol</source>
         <translation type="unfinished"></translation>
     </message>
+    <message>
+        <source>Close %1</source>
+        <extracomment>%1 the title of a chart</extracomment>
+        <translation type="unfinished"></translation>
+    </message>
 </context>
 <context>
     <name>ChartColorRoles</name>
@@ -795,6 +800,10 @@ Built with Qt %2, running with Qt %3</source>
         <source>Auth</source>
         <translation type="unfinished"></translation>
     </message>
+    <message>
+        <source>Tavoran</source>
+        <translation type="unfinished"></translation>
+    </message>
 </context>
 <context>
     <name>MainWindow</name>
@@ -900,6 +909,15 @@ Built with Qt %2, running with Qt %3</source>
         <extracomment>the change of the day: %1 a sign, %2 a number of per cent</extracomment>
         <translation type="unfinished"></translation>
     </message>
+    <message>
+        <source>%1, rising</source>
+        <extracomment>what the triangle beside a symbol says</extracomment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>%1, falling</source>
+        <translation type="unfinished"></translation>
+    </message>
 </context>
 <context>
     <name>MenuBar</name>
@@ -949,6 +967,10 @@ Built with Qt %2, running with Qt %3</source>
     </message>
     <message>
         <source>&amp;Help</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>More menus</source>
         <translation type="unfinished"></translation>
     </message>
 </context>
@@ -1039,6 +1061,10 @@ Built with Qt %2, running with Qt %3</source>
     </message>
     <message>
         <source>Double-click to attach to the active chart</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Active account</source>
         <translation type="unfinished"></translation>
     </message>
 </context>
@@ -1787,6 +1813,10 @@ Built with Qt %2, running with Qt %3</source>
     </message>
     <message>
         <source>Line Studies</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>More buttons</source>
         <translation type="unfinished"></translation>
     </message>
 </context>

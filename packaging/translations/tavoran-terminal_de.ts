@@ -197,6 +197,11 @@ Gebaut mit Qt %2, läuft mit Qt %3</translation>
         <source>%1: the server does not list this symbol</source>
         <translation>%1: Der Server führt dieses Symbol nicht</translation>
     </message>
+    <message>
+        <source>Close %1</source>
+        <extracomment>%1 the title of a chart</extracomment>
+        <translation>%1 schließen</translation>
+    </message>
 </context>
 <context>
     <name>ChartColorRoles</name>
@@ -799,6 +804,10 @@ Gebaut mit Qt %2, läuft mit Qt %3</translation>
         <source>Auth</source>
         <translation>Anmeldung</translation>
     </message>
+    <message>
+        <source>Tavoran</source>
+        <translation>Tavoran</translation>
+    </message>
 </context>
 <context>
     <name>MainWindow</name>
@@ -905,6 +914,15 @@ Gebaut mit Qt %2, läuft mit Qt %3</translation>
         <extracomment>the change of the day: %1 a sign, %2 a number of per cent</extracomment>
         <translation>%1%2%</translation>
     </message>
+    <message>
+        <source>%1, rising</source>
+        <extracomment>what the triangle beside a symbol says</extracomment>
+        <translation>%1, steigt</translation>
+    </message>
+    <message>
+        <source>%1, falling</source>
+        <translation>%1, fällt</translation>
+    </message>
 </context>
 <context>
     <name>MenuBar</name>
@@ -955,6 +973,10 @@ Gebaut mit Qt %2, läuft mit Qt %3</translation>
     <message>
         <source>&amp;Help</source>
         <translation>&amp;Hilfe</translation>
+    </message>
+    <message>
+        <source>More menus</source>
+        <translation>Weitere Menüs</translation>
     </message>
 </context>
 <context>
@@ -1045,6 +1067,10 @@ Gebaut mit Qt %2, läuft mit Qt %3</translation>
     <message>
         <source>Double-click to attach to the active chart</source>
         <translation>Doppelklicken, um ihn auf dem aktiven Chart zu starten</translation>
+    </message>
+    <message>
+        <source>Active account</source>
+        <translation>Aktives Konto</translation>
     </message>
 </context>
 <context>
@@ -1798,6 +1824,10 @@ Gebaut mit Qt %2, läuft mit Qt %3</translation>
     <message>
         <source>Line Studies</source>
         <translation>Zeichenwerkzeuge</translation>
+    </message>
+    <message>
+        <source>More buttons</source>
+        <translation>Weitere Schaltflächen</translation>
     </message>
 </context>
 <context>

@@ -134,8 +134,15 @@ void ChartArea::nameTab(QMdiSubWindow* subWindow)
 {
     QTabBar* const bar = tabBar();
     const qsizetype index = subWindowList().indexOf(subWindow);
-    if (index >= 0 && index < bar->count())
-        bar->setTabText(static_cast<int>(index), menuText(subWindow->windowTitle()));
+    if (index < 0 || index >= bar->count())
+        return;
+    const auto tab = static_cast<int>(index);
+    bar->setTabText(tab, menuText(subWindow->windowTitle()));
+    for (const auto side : {QTabBar::LeftSide, QTabBar::RightSide}) {
+        if (QWidget* closeButton = bar->tabButton(tab, side))
+            //: %1 the title of a chart
+            closeButton->setAccessibleName(tr("Close %1").arg(subWindow->windowTitle()));
+    }
 }
 
 QMdiSubWindow* ChartArea::frontSubWindow() const

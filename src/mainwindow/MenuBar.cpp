@@ -6,6 +6,9 @@
 #include <QCoreApplication>
 #include <QMenu>
 #include <QMenuBar>
+#include <QToolButton>
+
+using namespace Qt::StringLiterals;
 
 namespace {
 
@@ -88,4 +91,7 @@ void fillMenuBar(QMenuBar& bar, const TerminalActions& actions)
     fillToolsMenu(*bar.addMenu(MenuTexts::tr("&Tools")), actions);
     fillWindowMenu(*bar.addMenu(MenuTexts::tr("&Window")), actions);
     fillHelpMenu(*bar.addMenu(MenuTexts::tr("&Help")), actions);
+    // Qt's arrow behind which the menus lie that have no room.
+    if (auto* more = bar.findChild<QToolButton*>(u"qt_menubar_ext_button"_s))
+        more->setAccessibleName(MenuTexts::tr("More menus"));
 }

@@ -31,6 +31,9 @@ QToolBar* addToolBar(QMainWindow& window, const QString& title, const QString& n
     bar->setObjectName(name);
     bar->setIconSize(iconSize);
     window.addToolBar(Qt::TopToolBarArea, bar);
+    // Qt's arrow behind which the buttons lie that have no room.
+    if (auto* more = bar->findChild<QToolButton*>(u"qt_toolbar_ext_button"_s))
+        more->setAccessibleName(ToolBarTexts::tr("More buttons"));
     return bar;
 }
 

@@ -34,11 +34,14 @@ QTreeWidgetItem* addEntry(QTreeWidgetItem* parent, const QString& text, const QS
     return item;
 }
 
-void setWeight(QTreeWidgetItem* item, QFont::Weight weight)
+/// Bold for the eye, in words for those who do not see it.
+void markActive(QTreeWidgetItem* item, bool active)
 {
     QFont font = item->font(0);
-    font.setWeight(weight);
+    font.setWeight(active ? QFont::Bold : QFont::Normal);
     item->setFont(0, font);
+    item->setData(
+        0, Qt::AccessibleDescriptionRole, active ? NavigatorWidget::tr("Active account") : QString());
 }
 
 } // namespace
@@ -111,7 +114,7 @@ void NavigatorWidget::setAccounts(const QJsonArray& accounts)
             = addEntry(m_accounts, tr("%1  (%2)").arg(account::label(account), balance), accountPrefix + id);
         item->setIcon(0, icon);
         if (id == m_activeAccountId)
-            setWeight(item, QFont::Bold);
+            markActive(item, true);
     }
     m_accounts->setExpanded(true);
 }
@@ -122,7 +125,7 @@ void NavigatorWidget::setActiveAccount(const QString& accountId)
     const QString key = accountPrefix + accountId;
     for (int i = 0; i < m_accounts->childCount(); ++i) {
         QTreeWidgetItem* item = m_accounts->child(i);
-        setWeight(item, keyOf(item) == key ? QFont::Bold : QFont::Normal);
+        markActive(item, keyOf(item) == key);
     }
 }
 

@@ -51,13 +51,8 @@ void QuoteItem::setDailyChange(double percent)
 
 QVariant QuoteItem::data(int column, int role) const
 {
-    if (column == Symbol) {
-        if (role != Qt::DecorationRole)
-            return QTreeWidgetItem::data(column, role);
-        if (m_bidTick == Tick::None)
-            return {};
-        return m_bidTick == Tick::Up ? m_look->up : m_look->down;
-    }
+    if (column == Symbol)
+        return symbolData(role);
     switch (role) {
     case Qt::DisplayRole:
     case Qt::EditRole:
@@ -69,6 +64,22 @@ QVariant QuoteItem::data(int column, int role) const
     default:
         return QTreeWidgetItem::data(column, role);
     }
+}
+
+QVariant QuoteItem::symbolData(int role) const
+{
+    const bool isUp = m_bidTick == Tick::Up;
+    if (role != Qt::DecorationRole && role != Qt::AccessibleTextRole)
+        return QTreeWidgetItem::data(Symbol, role);
+    if (m_bidTick == Tick::None)
+        return {};
+    if (role == Qt::DecorationRole)
+        return isUp ? m_look->up : m_look->down;
+    //: what the triangle beside a symbol says
+    const QString said = isUp ? QCoreApplication::translate("MarketWatchWidget", "%1, rising")
+                              //: what the triangle beside a symbol says
+                              : QCoreApplication::translate("MarketWatchWidget", "%1, falling");
+    return said.arg(text(Symbol));
 }
 
 QVariant QuoteItem::textOf(int column) const

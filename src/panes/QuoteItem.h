@@ -45,6 +45,8 @@ public:
     [[nodiscard]] QVariant data(int column, int role) const override;
 
 private:
+    /// The arrow, for the eye and in words.
+    [[nodiscard]] QVariant symbolData(int role) const;
     [[nodiscard]] QVariant textOf(int column) const;
     [[nodiscard]] QVariant brushOf(int column) const;
     [[nodiscard]] const QBrush& brushOf(Tick tick) const;

@@ -112,6 +112,11 @@ private Q_SLOTS:
         navigator.widget.setActiveAccount(u"a"_s);
         QCOMPARE(int(navigator.accounts()->child(0)->font(0).weight()), 700);
         QCOMPARE(int(navigator.accounts()->child(1)->font(0).weight()), 400);
+        const auto told = [&navigator](int place) {
+            return navigator.accounts()->child(place)->data(0, Qt::AccessibleDescriptionRole).toString();
+        };
+        QCOMPARE(told(0), u"Active account"_s);
+        QCOMPARE(told(1), QString());
     }
 
     void anUnknownActiveAccountMarksNone()

@@ -123,7 +123,12 @@ class Stage:
         return next((row for row in self.rows(list_name) if accept(row)), None)
 
     def symbol_row(self, list_name, symbol=SYMBOL):
-        return self.row(list_name, lambda cells: cells[0].name == symbol)
+        return self.row(list_name, lambda cells: self.is_symbol(cells, symbol))
+
+    @staticmethod
+    def is_symbol(cells, symbol=SYMBOL):
+        """Whether it is the row of this symbol. Its triangle is told after the name: \"EURUSD, rising\"."""
+        return cells[0].name.split(",")[0] == symbol
 
     def texts(self, list_name):
         """All rows of a list as texts."""
@@ -191,7 +196,7 @@ class Stage:
         return self.in_view(list_name, lambda: self.row(list_name, accept)[0])
 
     def symbol_in_view(self, symbol=SYMBOL):
-        return self.cell_in_view("Market Watch", lambda cells: cells[0].name == symbol)
+        return self.cell_in_view("Market Watch", lambda cells: self.is_symbol(cells, symbol))
 
     def entry_in_view(self, name):
         """The Navigator's entry that starts like this, brought into view."""

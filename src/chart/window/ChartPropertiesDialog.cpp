@@ -93,7 +93,9 @@ void ChartPropertiesDialog::useColors(const ChartColors& colors)
     m_colors = colors;
     std::size_t index = 0;
     for (const ChartColorRole& role : chartColorRoles()) {
-        m_swatches.at(index++)->setStyleSheet(
-            u"background:%1;border:1px solid #888;"_s.arg((m_colors.*role.member).name()));
+        QPushButton* swatch = m_swatches.at(index++);
+        const QString name = (m_colors.*role.member).name();
+        swatch->setStyleSheet(u"background:%1;border:1px solid #888;"_s.arg(name));
+        swatch->setAccessibleDescription(name);
     }
 }

@@ -52,6 +52,7 @@ LoginDialog::LoginDialog(TerminalSettings& settings, QWidget* parent)
     banner->setObjectName("banner"_L1);
     banner->setPixmap(renderBanner(dialogWidth, bannerHeight));
     banner->setFixedSize(dialogWidth, bannerHeight);
+    banner->setAccessibleName(tr("Tavoran"));
 
     m_errorLabel->setStyleSheet(u"color:#ff6b6b; padding:0 24px;"_s);
 

@@ -109,6 +109,8 @@ private Q_SLOTS:
         QCOMPARE(all.at(0)->styleSheet(), u"background:#000000;border:1px solid #888;"_s);
         QCOMPARE(all.at(1)->styleSheet(), u"background:#010203;border:1px solid #888;"_s);
         QCOMPARE(all.at(6)->styleSheet(), u"background:#2f6b3f;border:1px solid #888;"_s);
+        QCOMPARE(all.at(1)->accessibleName(), u"Grid"_s);
+        QCOMPARE(all.at(1)->accessibleDescription(), u"#010203"_s);
         QCOMPARE(all.at(1)->grab().toImage().pixelColor(30, 10), QColor(1, 2, 3));
     }
 

@@ -2,6 +2,7 @@
 #include "net/signin/LoginDialog.h"
 #include "support/Hands.h"
 #include "support/LogMessages.h"
+#include "support/NamelessParts.h"
 #include "support/ReaderEars.h"
 #include "support/ShortSteps.h"
 #include "support/StubHttpServer.h"
@@ -480,6 +481,14 @@ private Q_SLOTS:
         m_server->on("POST", "/api/auth/login", StubAnswer::message(u"Wrong password"_s, 401));
         fillAndPress();
         QTRY_COMPARE(ears.names(QAccessible::Alert).mid(2), QStringList(u"Wrong password"_s));
+    }
+
+    void every_part_has_a_name()
+    {
+        open();
+        const QStringList nameless = NamelessParts::find();
+        QVERIFY2(nameless.isEmpty(), qPrintable(nameless.join(u'\n')));
+        QVERIFY(!child<QLabel>(u"banner"_s)->accessibleName().isEmpty());
     }
 };
 

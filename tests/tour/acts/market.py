@@ -60,7 +60,7 @@ def toggle_docks(stage):
 def pop_prices_up(stage):
     def quote():
         popup = stage.window_now(lambda item: item.name == "Popup Prices")
-        cells = next((row for row in popup.find("tree").rows() if row[0].name == SYMBOL), None)
+        cells = next((row for row in popup.find("tree").rows() if stage.is_symbol(row)), None)
         return cells[1].name if cells else None
 
     stage.desktop.key("F10")
