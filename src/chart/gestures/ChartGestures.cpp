@@ -4,27 +4,45 @@
 
 ChartGestures::Press ChartGestures::press(const Ground& ground, const QPoint& position)
 {
-    if (const std::optional<Press> tool = pressTool(ground, position))
-        return *tool;
-    if (pressRuler(ground, position))
-        return {Taker::Ruler, {}, {}};
-    if (!ground.candles.empty() && m_level.begin(ground.levels, ground.view, position.y()))
-        return {Taker::Level, {}, {}};
-    const Press pressed = pressDrawing(ground, position);
+    m_byKeys = false;
+    const DrawingGeometry geometry(ground.view, ground.candles, ground.timeframeMs);
+    const Press pressed = pressAt(ground, {position, geometry.anchor(position)});
     if (pressed.taker == Taker::Chart)
         m_panZoom.begin(position.x(), ground.state);
     return pressed;
 }
 
-std::optional<ChartGestures::Press> ChartGestures::pressTool(const Ground& ground, const QPoint& position)
+ChartGestures::Press ChartGestures::enter(const Ground& ground)
 {
-    if (!m_tool.isActive() || !ground.view.plot().contains(position))
+    const std::optional<CrosshairPlace> place = m_crosshair.placeIn(ground.view, ground.candles);
+    const std::optional<QPoint> pixel = m_crosshair.pixel(ground.view, ground.candles);
+    if (!place || !pixel)
+        return {};
+    m_byKeys = true;
+    const qint64 time = ground.candles[static_cast<std::size_t>(place->bar)].time;
+    const Press pressed = pressAt(ground, {*pixel, DrawingPoint{time, place->price}});
+    if (pressed.taker == Taker::Level)
+        m_crosshair.setPrice(m_level.price()); // the level's own price, from which the keys go on
+    m_rulerStart = m_crosshair;
+    return pressed;
+}
+
+ChartGestures::Press ChartGestures::pressAt(const Ground& ground, const Spot& spot)
+{
+    if (const std::optional<Press> tool = pressTool(ground, spot))
+        return *tool;
+    if (pressRuler(ground, spot.pixel))
+        return {Taker::Ruler, {}, {}};
+    if (!ground.candles.empty() && m_level.begin(ground.levels, ground.view, spot.pixel.y()))
+        return {Taker::Level, {}, {}};
+    return pressDrawing(ground, spot.pixel);
+}
+
+std::optional<ChartGestures::Press> ChartGestures::pressTool(const Ground& ground, const Spot& spot)
+{
+    if (!m_tool.isActive() || !spot.point || !ground.view.plot().contains(spot.pixel))
         return std::nullopt;
-    const std::optional<DrawingPoint> point
-        = DrawingGeometry(ground.view, ground.candles, ground.timeframeMs).anchor(position);
-    if (!point)
-        return std::nullopt;
-    return Press{Taker::Tool, m_tool.click(*point), {}};
+    return Press{Taker::Tool, m_tool.click(*spot.point), {}};
 }
 
 bool ChartGestures::pressRuler(const Ground& ground, const QPoint& position)
@@ -56,6 +74,38 @@ ViewState ChartGestures::panned(int x, const ViewState& state, qsizetype count) 
     return m_panZoom.isPanning() ? m_panZoom.dragged(x, state, count) : state;
 }
 
+ViewState ChartGestures::walk(const Ground& ground, qsizetype bars, const std::optional<CrosshairPlace>& from)
+{
+    const qsizetype bar = m_crosshair.walk(ground.view, ground.candles, bars, from);
+    return KeyboardCrosshair::revealing(ground.view, ground.state, bar);
+}
+
+void ChartGestures::climb(const Ground& ground, int steps, int digits)
+{
+    m_crosshair.climb(ground.view, steps, digits);
+    // A level in the hand keeps its price while the scales change around it.
+    const bool holdsLevel = isHeldByKeys() && m_level.isActive();
+    if (!holdsLevel)
+        m_crosshair.returnToPlot(ground.view, digits);
+    const std::optional<CrosshairPlace> place = m_crosshair.place(ground.candles);
+    if (!place || !isHeldByKeys())
+        return;
+    if (holdsLevel)
+        m_level.moveTo(place->price);
+    else
+        measureByKeys(ground);
+}
+
+void ChartGestures::measureByKeys(const Ground& ground)
+{
+    const std::optional<QPoint> start = m_rulerStart.pixel(ground.view, ground.candles);
+    const std::optional<QPoint> end = m_crosshair.pixel(ground.view, ground.candles);
+    if (!start || !end)
+        return;
+    m_ruler.begin(*start);
+    m_ruler.stretch(ground.view, *end);
+}
+
 std::optional<LevelDrag::Drop> ChartGestures::release(int digits)
 {
     std::optional<LevelDrag::Drop> drop = m_level.drop(digits);
@@ -69,6 +119,7 @@ bool ChartGestures::letGo()
     m_level.cancel();
     m_ruler.finish();
     m_panZoom.end();
+    m_byKeys = false;
     return heldLevel;
 }
 

@@ -61,6 +61,14 @@ void LevelDrag::move(const ChartView& view, int y)
     m_price = view.priceAt(std::clamp(y, view.plot().top(), view.plot().bottom()));
 }
 
+void LevelDrag::moveTo(double price)
+{
+    if (!m_active || price == m_price)
+        return;
+    m_moved = true;
+    m_price = price;
+}
+
 bool LevelDrag::follow(const QList<TradeLevel>& levels)
 {
     if (!m_active)

@@ -35,6 +35,9 @@ public:
     /// the press moves nothing: a plain click must not ask for another price.
     void move(const ChartView& view, int y);
 
+    /// The level is to stand at a price, such as keys choose.
+    void moveTo(double price);
+
     /// The levels were replaced. Follows the one being dragged; false when it is gone, cannot be dragged any
     /// more or has another price by now, which ends the drag.
     bool follow(const QList<TradeLevel>& levels);

@@ -260,6 +260,20 @@ void ChartWidget::setTradeLevels(const QList<TradeLevel>& levels)
     m_reader.noteMarks();
 }
 
+std::optional<CrosshairPlace> ChartWidget::crosshair() const
+{
+    const KeyboardCrosshair& keyboard = m_gestures.crosshair();
+    return keyboard.isShown() ? keyboard.placeIn(view(), candles()) : view().placeAt(m_pointer);
+}
+
+std::optional<QPoint> ChartWidget::crosshairPixel() const
+{
+    if (!crosshair())
+        return std::nullopt;
+    const KeyboardCrosshair& keyboard = m_gestures.crosshair();
+    return keyboard.isShown() ? keyboard.pixel(view(), candles()) : m_pointer;
+}
+
 std::optional<Candle> ChartWidget::hoveredCandle() const
 {
     const std::optional<CrosshairPlace> place = crosshair();
@@ -274,7 +288,7 @@ ChartFrame ChartWidget::frame() const
     frame.paneValues = m_indicators.panes();
     frame.drawings = m_drawings.drawings();
     frame.levels = m_levels;
-    frame.pointer = m_pointer;
+    frame.pointer = crosshairPixel().value_or(nowhere);
     frame.crosshair = crosshair();
     frame.texts = &m_texts;
     return frame;
@@ -314,6 +328,10 @@ void ChartWidget::mousePressEvent(QMouseEvent* event)
         return;
     }
     letGo(); // a release may have been lost
+    if (m_gestures.crosshair().isShown()) {
+        movePointer(position);
+        tellCrosshair();
+    }
     const QRegion shownBefore = gestureArea();
     take(m_gestures.press(ground(), position), shownBefore);
 }
@@ -337,13 +355,21 @@ void ChartWidget::take(const ChartGestures::Press& press, const QRegion& shownBe
 
 void ChartWidget::mouseMoveEvent(QMouseEvent* event)
 {
+    const QPoint position = event->position().toPoint();
+    // A mouse that lies still takes nothing from the keyboard.
+    if (m_gestures.crosshair().isShown() && position == m_pointer)
+        return;
     // The release may have gone to another window.
     if (!event->buttons().testFlag(Qt::LeftButton))
         letGo();
-    const QPoint position = event->position().toPoint();
     applyView(m_gestures.panned(position.x(), m_scene.state(), m_scene.series().count()));
     dragGesture(position);
     movePointer(position);
+    tellCrosshair();
+}
+
+void ChartWidget::tellCrosshair()
+{
     if (const std::optional<Candle> candle = hoveredCandle())
         Q_EMIT crosshairMoved(hoverText(*candle, digits()));
 }
@@ -354,6 +380,12 @@ void ChartWidget::mouseReleaseEvent(QMouseEvent* event)
         event->ignore();
         return;
     }
+    if (!m_gestures.isHeldByKeys())
+        drop();
+}
+
+void ChartWidget::drop()
+{
     if (m_gestures.level().isActive())
         update();
     const std::optional<LevelDrag::Drop> drop = m_gestures.release(digits());
@@ -371,31 +403,114 @@ void ChartWidget::wheelEvent(QWheelEvent* event)
 
 void ChartWidget::leaveEvent(QEvent* event)
 {
-    movePointer(nowhere);
-    Q_EMIT crosshairMoved(QString());
+    if (m_gestures.crosshair().isShown()) {
+        m_pointer = nowhere;
+    } else {
+        movePointer(nowhere);
+        Q_EMIT crosshairMoved(QString());
+    }
     QWidget::leaveEvent(event);
 }
 
 void ChartWidget::movePointer(const QPoint& position)
 {
-    if (position == m_pointer)
+    if (position == m_pointer && !m_gestures.crosshair().isShown())
         return;
-    const bool wasInPlot = pointerInPlot();
-    const QPoint before = std::exchange(m_pointer, position);
+    const std::optional<QPoint> before = crosshairPixel();
+    m_gestures.hideCrosshair();
+    m_pointer = position;
+    repaintCrosshair(before);
+}
+
+void ChartWidget::repaintCrosshair(const std::optional<QPoint>& before)
+{
     m_reader.noteReading();
-    if (wasInPlot && pointerInPlot() && !candles().empty())
-        updateOverlay(overlays::pointer(ground(), m_gestures.tool(), before)
-            + overlays::pointer(ground(), m_gestures.tool(), position));
-    else if (wasInPlot || pointerInPlot())
+    const std::optional<QPoint> now = crosshairPixel();
+    if (before && now && !candles().empty())
+        updateOverlay(overlays::pointer(ground(), m_gestures.tool(), *before)
+            + overlays::pointer(ground(), m_gestures.tool(), *now));
+    else if (before || now)
         update();
+}
+
+bool ChartWidget::moveCrosshair(const KeyboardCrosshair::Move& move)
+{
+    if (candles().empty() || m_gestures.isHeldByMouse())
+        return false;
+    const std::optional<QPoint> before = crosshairPixel();
+    const QRegion heldBefore = gestureArea();
+    applyView(m_gestures.walk(ground(), move.bars, crosshair()));
+    m_gestures.climb(ground(), move.prices, digits());
+    repaintCrosshair(before);
+    if (m_gestures.isHeldByKeys())
+        updateOverlay(heldBefore + gestureArea());
+    tellCrosshair();
+    return true;
+}
+
+bool ChartWidget::enterAtCrosshair()
+{
+    if (candles().empty() || m_gestures.isHeldByMouse())
+        return false;
+    if (m_gestures.isHeldByKeys()) {
+        drop();
+        return true;
+    }
+    // What is out of view is shown first: nobody acts on what cannot be seen.
+    if (!crosshair())
+        return moveCrosshair({});
+    const std::optional<QPoint> before = crosshairPixel();
+    const QRegion heldBefore = gestureArea();
+    take(m_gestures.enter(ground()), heldBefore);
+    repaintCrosshair(before);
+    return true;
+}
+
+bool ChartWidget::hideKeyboardCrosshair()
+{
+    if (!m_gestures.crosshair().isShown())
+        return false;
+    const std::optional<QPoint> before = crosshairPixel();
+    m_gestures.hideCrosshair();
+    repaintCrosshair(before);
+    if (hoveredCandle())
+        tellCrosshair();
+    else
+        Q_EMIT crosshairMoved(QString());
+    return true;
 }
 
 void ChartWidget::keyPressEvent(QKeyEvent* event)
 {
-    const bool deletes = event->key() == Qt::Key_Delete || event->key() == Qt::Key_Backspace;
-    if ((event->key() == Qt::Key_Escape && cancelGesture()) || (deletes && deleteSelectedDrawing()))
-        return;
-    QWidget::keyPressEvent(event);
+    if (!takeKey(*event))
+        QWidget::keyPressEvent(event);
+}
+
+bool ChartWidget::takeKey(const QKeyEvent& event)
+{
+    const int key = event.key();
+    if (key == Qt::Key_Escape)
+        return cancelGesture() || hideKeyboardCrosshair();
+    if (key == Qt::Key_Delete || key == Qt::Key_Backspace)
+        return deleteSelectedDrawing();
+    // Widgets on the chart hand on what they have no use for.
+    if (!hasFocus())
+        return false;
+    if (key == Qt::Key_Return || key == Qt::Key_Enter) {
+        if (!m_gestures.crosshair().isShown() || (event.modifiers() & ~Qt::KeypadModifier))
+            return false;
+        // Held down, it must neither place nor send again.
+        return event.isAutoRepeat() || enterAtCrosshair();
+    }
+    const std::optional<KeyboardCrosshair::Move> move = KeyboardCrosshair::moveOf(key, event.modifiers());
+    return move && moveCrosshair(*move);
+}
+
+void ChartWidget::focusOutEvent(QFocusEvent* event)
+{
+    if (m_gestures.isHeldByKeys())
+        letGo();
+    QWidget::focusOutEvent(event);
 }
 
 void ChartWidget::hideEvent(QHideEvent* event)

@@ -111,9 +111,9 @@ public:
     void setTradeLevels(const QList<TradeLevel>& levels);
     [[nodiscard]] const QList<TradeLevel>& tradeLevels() const { return m_levels; }
 
-    /// Where the crosshair stands, and with it all that tells of the candle there; nothing while the pointer
-    /// is outside the plot.
-    [[nodiscard]] std::optional<CrosshairPlace> crosshair() const { return view().placeAt(m_pointer); }
+    /// Where the crosshair stands, and with it all that tells of the candle there: the keyboard's, or that of
+    /// the mouse. Nothing while it is out of view.
+    [[nodiscard]] std::optional<CrosshairPlace> crosshair() const;
     /// The candle under the crosshair; nothing while the pointer is outside the plot or beside the candles.
     [[nodiscard]] std::optional<Candle> hoveredCandle() const;
 
@@ -150,6 +150,7 @@ protected:
     void wheelEvent(QWheelEvent* event) override;
     void leaveEvent(QEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
+    void focusOutEvent(QFocusEvent* event) override;
     void hideEvent(QHideEvent* event) override;
 
 private:
@@ -158,6 +159,16 @@ private:
     void replaceCandles(std::vector<Candle> candles);
     void applyView(const ViewState& state);
     void movePointer(const QPoint& position);
+    /// A step of the keyboard's crosshair, which appears if it was hidden.
+    [[nodiscard]] bool moveCrosshair(const KeyboardCrosshair::Move& move);
+    /// What Enter does at the keyboard's crosshair, which is not hidden.
+    [[nodiscard]] bool enterAtCrosshair();
+    [[nodiscard]] bool hideKeyboardCrosshair();
+    [[nodiscard]] bool takeKey(const QKeyEvent& event);
+    void repaintCrosshair(const std::optional<QPoint>& before);
+    void tellCrosshair();
+    /// The button or the second Enter lets go of what is held.
+    void drop();
     void take(const ChartGestures::Press& press, const QRegion& shownBefore);
     void dragGesture(const QPoint& position);
     [[nodiscard]] bool cancelGesture();
@@ -170,14 +181,15 @@ private:
     /// Between device pixels an area may be rounded to less than what is painted into it.
     [[nodiscard]] bool paintsWholePixels() const;
     void updateOverlay(const QRegion& area);
-    [[nodiscard]] bool pointerInPlot() const { return view().plot().contains(m_pointer); }
+    /// The pixel of the crosshair; nothing while it is out of view.
+    [[nodiscard]] std::optional<QPoint> crosshairPixel() const;
 
     ChartScene m_scene;
     ChartLook m_look;
     ChartGestures m_gestures;
     DrawingList m_drawings;
     QList<TradeLevel> m_levels;
-    QPoint m_pointer = {-1, -1};
+    QPoint m_pointer = {-1, -1}; ///< of the mouse
 
     mutable IndicatorCache m_indicators;
     mutable TextPainter m_texts;

@@ -8,6 +8,8 @@
 #include <QRandomGenerator>
 #include <QScreen>
 
+#include <array>
+
 using namespace Qt::StringLiterals;
 
 namespace {
@@ -20,7 +22,7 @@ QImage allLayers(const ChartWidget& chart)
     return image;
 }
 
-/// A hand that does anything a hand can do, with the button held or not.
+/// A hand that does anything a hand can do with a mouse, its button held or not, and with keys.
 class Hand {
 public:
     Hand(ChartWidget& chart, quint32 seed)
@@ -37,7 +39,7 @@ public:
             position.setY(m_chart.view().pricePixel(m_chart.tradeLevels().first().price));
         const Candle last = m_chart.candles().back();
         const double price = last.low + (last.high - last.low) * m_random.bounded(1.0);
-        switch (m_random.bounded(16)) {
+        switch (m_random.bounded(20)) {
         case 0:
             return m_chart.setMeasureMode(m_random.bounded(2) > 0);
         case 1:
@@ -61,6 +63,13 @@ public:
         case 11:
             m_held = !m_held;
             return m_held ? fixtures::press(m_chart, position) : fixtures::release(m_chart, position);
+        case 12:
+        case 13:
+        case 14:
+            return QTest::keyClick(
+                &m_chart, aCrosshairKey(), m_random.bounded(3) == 0 ? Qt::ShiftModifier : Qt::NoModifier);
+        case 15:
+            return QTest::keyClick(&m_chart, Qt::Key_Return);
         default:
             return fixtures::hover(m_chart, position, m_held ? Qt::LeftButton : Qt::NoButton);
         }
@@ -80,6 +89,13 @@ private:
         const QStringList tools{QString(), QString(), QString(), u"hline"_s, u"vline"_s, u"trendline"_s,
             u"rectangle"_s, u"fibonacci"_s};
         return tools.at(m_random.bounded(static_cast<int>(tools.size())));
+    }
+
+    Qt::Key aCrosshairKey()
+    {
+        constexpr std::array keys{Qt::Key_Left, Qt::Key_Right, Qt::Key_Up, Qt::Key_Down, Qt::Key_Up,
+            Qt::Key_Down, Qt::Key_Home, Qt::Key_End};
+        return keys.at(m_random.bounded(static_cast<quint32>(keys.size())));
     }
 
     ChartWidget& m_chart;
@@ -114,7 +130,9 @@ private Q_SLOTS:
         Hand hand(*chart, seed);
         hand.setLevels();
         window.show();
-        QVERIFY(QTest::qWaitForWindowExposed(&window));
+        window.activateWindow();
+        chart->setFocus();
+        QVERIFY(QTest::qWaitForWindowActive(&window));
         QScreen* screen = window.screen();
         int previews = 0;
         int rulers = 0;
