@@ -15,6 +15,12 @@ from pathlib import Path
 KEPT = re.compile(r"%L?\d+|%L?n|<[^>]*>|&nbsp;|&(?=\w)|\n|\t.*$")
 
 
+def kept(text):
+    """What of a text its translation must have too, counted. On a German keyboard "Ctrl" reads "Strg", and so do
+    Qt's own texts of keys in the menus beside."""
+    return Counter(part.replace("\tStrg+", "\tCtrl+") for part in KEPT.findall(text))
+
+
 class Text:
     """One text of a .ts file, or an entry of the template."""
 
@@ -42,7 +48,7 @@ class Text:
         for form in self.forms:
             if not form.strip():
                 yield f"{self}: a translation is empty"
-            elif Counter(KEPT.findall(form)) != Counter(KEPT.findall(self.source)):
+            elif kept(form) != kept(self.source):
                 yield f"{self}: {form!r} does not keep what must stay"
             elif (form[:1] == " ") != (self.source[:1] == " ") or (form[-1:] == " ") != (self.source[-1:] == " "):
                 yield f"{self}: {form!r} begins or ends otherwise"

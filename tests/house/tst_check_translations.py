@@ -34,12 +34,16 @@ class Faults(unittest.TestCase):
             ("<b>%1</b>", "%1"),
             ("&File", "Datei"),
             ("File", "&Datei"),
-            ("Data Window\tCtrl+D", "Datenfenster\tStrg+D"),
+            ("Data Window\tCtrl+D", "Datenfenster\tStrg+E"),
+            ("Data Window\tCtrl+D", "Datenfenster"),
             ("one\ntwo", "eins zwei"),
             (" — Challenge", "— Challenge"),
         ):
             with self.subTest(source):
                 self.assertFaults(source, translation, 1)
+
+    def test_a_key_bears_the_name_that_is_on_it(self):
+        self.assertFaults("Data Window\tCtrl+D", "Datenfenster\tStrg+D", 0)
 
     def test_each_form_of_a_plural_is_looked_at(self):
         self.assertFaults("%1 bars", ["%1 Balken", "Balken"], 1)
