@@ -15,11 +15,11 @@
         <source>Tavoran Terminal, version %1
 Built with Qt %2, running with Qt %3</source>
         <translation>Tavoran Terminal, Version %1
-Gebaut mit Qt %2, läuft mit Qt %3</translation>
+Erstellt mit Qt %2, ausgeführt mit Qt %3</translation>
     </message>
     <message>
         <source>Live prices, charts, orders, price alerts, an economic calendar and Expert Advisors, for the accounts of one trading platform.</source>
-        <translation>Kurse in Echtzeit, Charts, Orders, Preisalarme, ein Wirtschaftskalender und Expert Advisors, für die Konten einer Handelsplattform.</translation>
+        <translation>Kurse in Echtzeit, Charts, Orders, Preisalarme, ein Wirtschaftskalender und Expert Advisors für die Konten einer Handelsplattform.</translation>
     </message>
 </context>
 <context>
@@ -48,7 +48,7 @@ Gebaut mit Qt %2, läuft mit Qt %3</translation>
     </message>
     <message>
         <source> — Funded</source>
-        <translation> — Finanziert</translation>
+        <translation> — Funded</translation>
     </message>
 </context>
 <context>
@@ -63,11 +63,11 @@ Gebaut mit Qt %2, läuft mit Qt %3</translation>
     </message>
     <message>
         <source>Failed to load history: %1</source>
-        <translation>Historie konnte nicht geladen werden: %1</translation>
+        <translation>Die Historie konnte nicht geladen werden: %1</translation>
     </message>
     <message>
         <source>the reply is larger than 16 MiB</source>
-        <translation>die Antwort ist größer als 16 MiB</translation>
+        <translation>Die Antwort ist größer als 16 MiB</translation>
     </message>
     <message>
         <source>Network</source>
@@ -172,7 +172,7 @@ Gebaut mit Qt %2, läuft mit Qt %3</translation>
     <name>AverageDialog</name>
     <message>
         <source>Moving Average</source>
-        <translation>Gleitender Durchschnitt</translation>
+        <translation>Durchschnitt</translation>
     </message>
     <message>
         <source>Period:</source>
@@ -255,7 +255,7 @@ Gebaut mit Qt %2, läuft mit Qt %3</translation>
     </message>
     <message>
         <source>Order ignored: the lots must be a number above 0, not %1</source>
-        <translation>Order ignoriert: Die Lots müssen eine Zahl über 0 sein, nicht %1</translation>
+        <translation>Order ignoriert: Das Volumen in Lots muss eine Zahl über 0 sein, nicht %1</translation>
     </message>
     <message>
         <source>Order ignored: stop loss or take profit is not a number</source>
@@ -338,11 +338,11 @@ Gebaut mit Qt %2, läuft mit Qt %3</translation>
     </message>
     <message>
         <source>Auto Scroll</source>
-        <translation>Automatisch mitlaufen</translation>
+        <translation>Automatischer Bildlauf</translation>
     </message>
     <message>
         <source>Chart Shift</source>
-        <translation>Abstand vom rechten Rand</translation>
+        <translation>Chart einrücken</translation>
     </message>
     <message>
         <source>Zoom In	+</source>
@@ -358,7 +358,7 @@ Gebaut mit Qt %2, läuft mit Qt %3</translation>
     </message>
     <message>
         <source>Data Window	Ctrl+D</source>
-        <translation>Datenfenster	Ctrl+D</translation>
+        <translation>Datenfenster	Strg+D</translation>
     </message>
     <message>
         <source>Properties...	F8</source>
@@ -407,7 +407,7 @@ Gebaut mit Qt %2, läuft mit Qt %3</translation>
     <message>
         <source>%1 at %2</source>
         <extracomment>a price and a time</extracomment>
-        <translation>%1 um %2</translation>
+        <translation>%1 am %2</translation>
     </message>
     <message>
         <source>Waiting for data...</source>
@@ -447,7 +447,7 @@ Gebaut mit Qt %2, läuft mit Qt %3</translation>
     <message>
         <source>Pending %1 at %2</source>
         <extracomment>%1 an order, such as &quot;buy limit 0.10 #1a2b3c4d&quot;, %2 its trigger price</extracomment>
-        <translation>Wartend: %1 bei %2</translation>
+        <translation>Pending Order %1 bei %2</translation>
     </message>
     <message>
         <source>Horizontal line at %1</source>
@@ -543,7 +543,7 @@ Gebaut mit Qt %2, läuft mit Qt %3</translation>
     </message>
     <message>
         <source>Hover over the chart...</source>
-        <translation>Bewegen Sie den Mauszeiger über den Chart ...</translation>
+        <translation>Zeigen Sie auf den Chart ...</translation>
     </message>
     <message>
         <source>&lt;b&gt;%1&lt;/b&gt;&lt;br&gt;Date: %2&lt;br&gt;Open: %3&lt;br&gt;High: %4&lt;br&gt;Low: %5&lt;br&gt;Close: %6&lt;br&gt;Volume: %7</source>
@@ -558,7 +558,7 @@ Gebaut mit Qt %2, läuft mit Qt %3</translation>
     </message>
     <message>
         <source>The feed carries no order book, so no sizes are shown. The rows are prices one point apart around the live bid and ask.</source>
-        <translation>Der Datenstrom enthält kein Orderbuch, daher werden keine Mengen gezeigt. Die Zeilen sind Preise im Abstand von einem Punkt um Bid und Ask.</translation>
+        <translation>Der Datenfeed enthält kein Orderbuch, daher werden keine Mengen gezeigt. Die Zeilen sind Preise im Abstand von je einem Punkt um Bid und Ask.</translation>
     </message>
     <message>
         <source>Side</source>
@@ -571,7 +571,7 @@ Gebaut mit Qt %2, läuft mit Qt %3</translation>
     </message>
     <message>
         <source>Points away</source>
-        <translation>Punkte entfernt</translation>
+        <translation>Abstand</translation>
     </message>
     <message>
         <source>Ask</source>
@@ -590,7 +590,7 @@ Gebaut mit Qt %2, läuft mit Qt %3</translation>
     </message>
     <message>
         <source>Waiting for prices...</source>
-        <translation>Warten auf Preise ...</translation>
+        <translation>Warten auf Kurse ...</translation>
     </message>
 </context>
 <context>
@@ -624,7 +624,7 @@ Gebaut mit Qt %2, läuft mit Qt %3</translation>
     </message>
     <message>
         <source>The last start ended while the window layout was being restored; the default layout is used.</source>
-        <translation>Der letzte Start endete, während die Fensteranordnung wiederhergestellt wurde; die Standardanordnung wird verwendet.</translation>
+        <translation>Der letzte Start brach ab, während die Fensteranordnung wiederhergestellt wurde; die Standardanordnung wird verwendet.</translation>
     </message>
     <message>
         <source>The saved window layout could not be read; the default layout is used.</source>
@@ -663,7 +663,7 @@ Gebaut mit Qt %2, läuft mit Qt %3</translation>
     </message>
     <message>
         <source>Note: Algo Trading is OFF — the EA runs but cannot trade. Enable it from the toolbar.</source>
-        <translation>Hinweis: Algo Trading ist AUS — der EA läuft, kann aber nicht handeln. Schalten Sie es in der Werkzeugleiste ein.</translation>
+        <translation>Hinweis: Algo-Trading ist AUS — der EA läuft, kann aber nicht handeln. Schalten Sie es in der Werkzeugleiste ein.</translation>
     </message>
 </context>
 <context>
@@ -674,7 +674,7 @@ Gebaut mit Qt %2, läuft mit Qt %3</translation>
     </message>
     <message>
         <source>%1 was detached while it was loading</source>
-        <translation>%1 wurde beim Laden vom Chart genommen</translation>
+        <translation>%1 wurde während des Ladens vom Chart entfernt</translation>
     </message>
     <message>
         <source>%1 loaded</source>
@@ -837,11 +837,11 @@ Gebaut mit Qt %2, läuft mit Qt %3</translation>
     </message>
     <message>
         <source>Session expired — please restart the terminal and log in again.</source>
-        <translation>Sitzung abgelaufen — bitte starten Sie das Terminal neu und melden Sie sich wieder an.</translation>
+        <translation>Die Sitzung ist abgelaufen — bitte starten Sie das Terminal neu und melden Sie sich erneut an.</translation>
     </message>
     <message>
         <source>Logged in as %1 on %2</source>
-        <translation>Angemeldet als %1 auf %2</translation>
+        <translation>Angemeldet als %1 bei %2</translation>
     </message>
     <message>
         <source>Network</source>
@@ -1021,7 +1021,7 @@ Gebaut mit Qt %2, läuft mit Qt %3</translation>
     </message>
     <message>
         <source>This trade has no usable id.</source>
-        <translation>Dieser Trade hat keine brauchbare ID.</translation>
+        <translation>Dieser Trade hat keine verwendbare ID.</translation>
     </message>
 </context>
 <context>
@@ -1104,7 +1104,7 @@ Gebaut mit Qt %2, läuft mit Qt %3</translation>
     </message>
     <message>
         <source>Impact</source>
-        <translation>Wirkung</translation>
+        <translation>Relevanz</translation>
     </message>
     <message>
         <source>Event</source>
@@ -1117,7 +1117,7 @@ Gebaut mit Qt %2, läuft mit Qt %3</translation>
     </message>
     <message>
         <source>Upcoming News — %1</source>
-        <translation>Bevorstehende Nachricht — %1</translation>
+        <translation>Anstehender Termin — %1</translation>
     </message>
     <message numerus="yes">
         <source>%1 in %2 minutes</source>
@@ -1248,23 +1248,23 @@ Gebaut mit Qt %2, läuft mit Qt %3</translation>
     <message>
         <source>Sell %1</source>
         <extracomment>%1 the type of order, such as &quot;Limit&quot;</extracomment>
-        <translation>Verkaufen %1</translation>
+        <translation>Verkauf %1</translation>
     </message>
     <message>
         <source>Buy %1</source>
         <extracomment>%1 the type of order, such as &quot;Limit&quot;</extracomment>
-        <translation>Kaufen %1</translation>
+        <translation>Kauf %1</translation>
     </message>
 </context>
 <context>
     <name>OrderReaction</name>
     <message>
         <source>Orders changed — refreshing</source>
-        <translation>Orders geändert — wird aktualisiert</translation>
+        <translation>Orders geändert — Daten werden aktualisiert</translation>
     </message>
     <message>
         <source>Orders changed (%1) — refreshing</source>
-        <translation>Orders geändert (%1) — wird aktualisiert</translation>
+        <translation>Orders geändert (%1) — Daten werden aktualisiert</translation>
     </message>
     <message>
         <source>Pending order filled</source>
@@ -1276,11 +1276,11 @@ Gebaut mit Qt %2, läuft mit Qt %3</translation>
     </message>
     <message>
         <source>A pending order on %1 was filled.</source>
-        <translation>Eine Pending Order auf %1 wurde ausgeführt.</translation>
+        <translation>Eine Pending Order auf Konto %1 wurde ausgeführt.</translation>
     </message>
     <message>
         <source>Order state changed</source>
-        <translation>Zustand einer Order geändert</translation>
+        <translation>Orderstatus geändert</translation>
     </message>
     <message>
         <source>Position closed (%1)</source>
@@ -1367,7 +1367,7 @@ Gebaut mit Qt %2, läuft mit Qt %3</translation>
     <message>
         <source>Prices of %1</source>
         <extracomment>%1 a symbol</extracomment>
-        <translation>Preise von %1</translation>
+        <translation>Kurse von %1</translation>
     </message>
     <message>
         <source>%1 / %2</source>
@@ -1376,7 +1376,7 @@ Gebaut mit Qt %2, läuft mit Qt %3</translation>
     </message>
     <message>
         <source>No prices yet</source>
-        <translation>Noch keine Preise</translation>
+        <translation>Noch keine Kurse</translation>
     </message>
     <message>
         <source>Bid %1, ask %2</source>
@@ -1395,11 +1395,11 @@ Gebaut mit Qt %2, läuft mit Qt %3</translation>
     </message>
     <message>
         <source>no answer; the order may have been carried out</source>
-        <translation>keine Antwort; die Order wurde vielleicht ausgeführt</translation>
+        <translation>keine Antwort; die Order wurde möglicherweise ausgeführt</translation>
     </message>
     <message>
         <source>no answer; it may have been carried out</source>
-        <translation>keine Antwort; es wurde vielleicht ausgeführt</translation>
+        <translation>keine Antwort; die Änderung wurde möglicherweise ausgeführt</translation>
     </message>
     <message>
         <source>The server answered with a redirect</source>
@@ -1428,7 +1428,7 @@ Gebaut mit Qt %2, läuft mit Qt %3</translation>
     <name>SettingsStore</name>
     <message>
         <source>The settings file was damaged; its last good copy has been put back.</source>
-        <translation>Die Einstellungsdatei war beschädigt; ihre letzte gute Kopie wurde zurückgeholt.</translation>
+        <translation>Die Einstellungsdatei war beschädigt; ihre letzte gute Kopie wurde wiederhergestellt.</translation>
     </message>
     <message>
         <source>The settings file was damaged and there was no good copy; default settings are used.</source>
@@ -1436,7 +1436,7 @@ Gebaut mit Qt %2, läuft mit Qt %3</translation>
     </message>
     <message>
         <source>The damaged settings file is kept as %1.</source>
-        <translation>Die beschädigte Einstellungsdatei ist als %1 aufbewahrt.</translation>
+        <translation>Die beschädigte Einstellungsdatei bleibt als %1 erhalten.</translation>
     </message>
 </context>
 <context>
@@ -1578,7 +1578,7 @@ Gebaut mit Qt %2, läuft mit Qt %3</translation>
     </message>
     <message>
         <source>Algo Trading</source>
-        <translation>Algo Trading</translation>
+        <translation>Algo-Trading</translation>
     </message>
     <message>
         <source>Cursor</source>
@@ -1625,11 +1625,11 @@ Gebaut mit Qt %2, läuft mit Qt %3</translation>
     </message>
     <message>
         <source>Auto Scroll</source>
-        <translation>Automatisch mitlaufen</translation>
+        <translation>Automatischer Bildlauf</translation>
     </message>
     <message>
         <source>Chart Shift</source>
-        <translation>Abstand vom rechten Rand</translation>
+        <translation>Chart einrücken</translation>
     </message>
     <message>
         <source>Zoom In</source>
@@ -1661,7 +1661,7 @@ Gebaut mit Qt %2, läuft mit Qt %3</translation>
     </message>
     <message>
         <source>Open Experts Folder</source>
-        <translation>Ordner der Experts öffnen</translation>
+        <translation>Experts-Ordner öffnen</translation>
     </message>
     <message>
         <source>Tile</source>
@@ -1694,15 +1694,15 @@ Gebaut mit Qt %2, läuft mit Qt %3</translation>
     </message>
     <message>
         <source>Algo Trading — allow Expert Advisors to place orders</source>
-        <translation>Algo Trading — Expert Advisors dürfen Orders aufgeben</translation>
+        <translation>Algo-Trading — Expert Advisors dürfen Orders aufgeben</translation>
     </message>
     <message>
         <source>Auto Scroll — keep the chart on the newest tick</source>
-        <translation>Automatisch mitlaufen — der Chart bleibt beim neuesten Tick</translation>
+        <translation>Automatischer Bildlauf — der Chart bleibt beim neuesten Tick</translation>
     </message>
     <message>
         <source>Chart Shift — shift the newest bar off the right border</source>
-        <translation>Abstand vom rechten Rand — der neueste Balken rückt vom rechten Rand ab</translation>
+        <translation>Chart einrücken — der neueste Balken rückt vom rechten Rand ab</translation>
     </message>
     <message>
         <source>This system&apos;s package manager keeps the terminal up to date</source>
@@ -1792,7 +1792,7 @@ Gebaut mit Qt %2, läuft mit Qt %3</translation>
     <name>TerminalSettings</name>
     <message>
         <source>The settings could not be saved to %1. What was saved before is kept.</source>
-        <translation>Die Einstellungen konnten nicht nach %1 gespeichert werden. Was vorher gespeichert war, bleibt erhalten.</translation>
+        <translation>Die Einstellungen konnten nicht in %1 gespeichert werden. Was vorher gespeichert war, bleibt erhalten.</translation>
     </message>
 </context>
 <context>
@@ -1804,11 +1804,11 @@ Gebaut mit Qt %2, läuft mit Qt %3</translation>
     </message>
     <message>
         <source>No prices yet</source>
-        <translation>Noch keine Preise</translation>
+        <translation>Noch keine Kurse</translation>
     </message>
     <message>
         <source>Bid %1, ask %2, lowest %3, highest %4</source>
-        <translation>Bid %1, Ask %2, niedrigster Preis %3, höchster %4</translation>
+        <translation>Bid %1, Ask %2, niedrigster Kurs %3, höchster %4</translation>
     </message>
 </context>
 <context>
@@ -1838,17 +1838,17 @@ Gebaut mit Qt %2, läuft mit Qt %3</translation>
     </message>
     <message>
         <source>Algo Trading enabled</source>
-        <translation>Algo Trading eingeschaltet</translation>
+        <translation>Algo-Trading eingeschaltet</translation>
     </message>
     <message>
         <source>Algo Trading disabled</source>
-        <translation>Algo Trading ausgeschaltet</translation>
+        <translation>Algo-Trading ausgeschaltet</translation>
     </message>
     <message numerus="yes">
         <source>Algo Trading is OFF — %1 waiting request(s) not sent.</source>
         <translation>
-            <numerusform>Algo Trading ist AUS — %1 wartende Anfrage nicht gesendet.</numerusform>
-            <numerusform>Algo Trading ist AUS — %1 wartende Anfragen nicht gesendet.</numerusform>
+            <numerusform>Algo-Trading ist AUS — %1 wartende Anfrage nicht gesendet.</numerusform>
+            <numerusform>Algo-Trading ist AUS — %1 wartende Anfragen nicht gesendet.</numerusform>
         </translation>
     </message>
     <message>
@@ -1861,11 +1861,11 @@ Gebaut mit Qt %2, läuft mit Qt %3</translation>
     </message>
     <message>
         <source>Cancel failed: %1</source>
-        <translation>Löschen der Order fehlgeschlagen: %1</translation>
+        <translation>Stornieren fehlgeschlagen: %1</translation>
     </message>
     <message>
         <source>Pending order cancelled</source>
-        <translation>Pending Order gelöscht</translation>
+        <translation>Pending Order storniert</translation>
     </message>
     <message>
         <source>Modify failed: %1</source>
@@ -1874,12 +1874,12 @@ Gebaut mit Qt %2, läuft mit Qt %3</translation>
     <message>
         <source>%1 moved to %2</source>
         <extracomment>%1 the level (&quot;sl&quot;, &quot;tp&quot;), %2 its new price</extracomment>
-        <translation>%1 verschoben auf %2</translation>
+        <translation>%1 auf %2 verschoben</translation>
     </message>
     <message>
         <source>One-click %1 %2 executed</source>
         <extracomment>%1 the side, %2 the symbol</extracomment>
-        <translation>Ein-Klick %1 %2 ausgeführt</translation>
+        <translation>Ein-Klick-Order %1 %2 ausgeführt</translation>
     </message>
     <message>
         <source>One-click order failed: %1</source>
@@ -1887,7 +1887,7 @@ Gebaut mit Qt %2, läuft mit Qt %3</translation>
     </message>
     <message>
         <source>Algo Trading is OFF — order ignored. Enable it in the toolbar.</source>
-        <translation>Algo Trading ist AUS — Order ignoriert. Schalten Sie es in der Werkzeugleiste ein.</translation>
+        <translation>Algo-Trading ist AUS — Order ignoriert. Schalten Sie es in der Werkzeugleiste ein.</translation>
     </message>
     <message>
         <source>%1 %2 %3 executed</source>
@@ -1900,7 +1900,7 @@ Gebaut mit Qt %2, läuft mit Qt %3</translation>
     </message>
     <message>
         <source>Algo Trading is OFF — close ignored.</source>
-        <translation>Algo Trading ist AUS — Schließen ignoriert.</translation>
+        <translation>Algo-Trading ist AUS — Schließen ignoriert.</translation>
     </message>
     <message numerus="yes">
         <source>Closing %1 position(s) on %2</source>
@@ -1912,7 +1912,7 @@ Gebaut mit Qt %2, läuft mit Qt %3</translation>
     </message>
     <message>
         <source>this trade has no usable id</source>
-        <translation>dieser Trade hat keine brauchbare ID</translation>
+        <translation>Dieser Trade hat keine verwendbare ID</translation>
     </message>
     <message>
         <source>Trade</source>
@@ -1955,11 +1955,11 @@ Gebaut mit Qt %2, läuft mit Qt %3</translation>
     </message>
     <message>
         <source>buy</source>
-        <translation>Kauf</translation>
+        <translation>buy</translation>
     </message>
     <message>
         <source>sell</source>
-        <translation>Verkauf</translation>
+        <translation>sell</translation>
     </message>
     <message>
         <source>sl #%1</source>
@@ -1976,7 +1976,7 @@ Gebaut mit Qt %2, läuft mit Qt %3</translation>
     <name>TradeMenu</name>
     <message>
         <source>Cancel Order</source>
-        <translation>Order löschen</translation>
+        <translation>Order stornieren</translation>
     </message>
     <message>
         <source>Close Position</source>
@@ -2022,8 +2022,8 @@ Gebaut mit Qt %2, läuft mit Qt %3</translation>
     <message numerus="yes">
         <source>Feed ready — %1 symbols</source>
         <translation>
-            <numerusform>Datenstrom bereit — %1 Symbol</numerusform>
-            <numerusform>Datenstrom bereit — %1 Symbole</numerusform>
+            <numerusform>Datenfeed bereit — %1 Symbol</numerusform>
+            <numerusform>Datenfeed bereit — %1 Symbole</numerusform>
         </translation>
     </message>
     <message>
@@ -2032,7 +2032,7 @@ Gebaut mit Qt %2, läuft mit Qt %3</translation>
     </message>
     <message>
         <source>Feed error: %1</source>
-        <translation>Fehler im Datenstrom: %1</translation>
+        <translation>Fehler im Datenfeed: %1</translation>
     </message>
     <message>
         <source>Network</source>
@@ -2040,11 +2040,11 @@ Gebaut mit Qt %2, läuft mit Qt %3</translation>
     </message>
     <message>
         <source>Feed connected</source>
-        <translation>Datenstrom verbunden</translation>
+        <translation>Datenfeed verbunden</translation>
     </message>
     <message>
         <source>Feed disconnected — retrying in %1s</source>
-        <translation>Datenstrom getrennt — neuer Versuch in %1 s</translation>
+        <translation>Datenfeed getrennt — neuer Versuch in %1 s</translation>
     </message>
 </context>
 </TS>
