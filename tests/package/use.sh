@@ -80,7 +80,8 @@ say "A trader's first trade"
 /usr/bin/python3 tests/tour/packaged.py --bin /usr/bin --out /share/pictures
 if [ -x scripts/wayland-picture ]; then
     say "Wayland"
-    scripts/wayland-picture --bin /usr/bin --out /share/pictures
+    install_packages weston qt6-wayland python3-pil
+    scripts/wayland-picture /usr/bin/tavoran-terminal /usr/bin/tavoran-practice /share/pictures/wayland.png
 fi
 
 say "Removing"
