@@ -29,6 +29,9 @@ public:
     [[nodiscard]] ChartWindow* activeChart() const;
     /// All charts in the order of their tabs.
     [[nodiscard]] QList<ChartWindow*> charts() const;
+    /// Moves the keyboard from a chart to the next or the previous widget of the whole window; false when
+    /// there is none.
+    bool moveFocusOn(bool next) { return focusNextPrevChild(next); }
 
     /// The open charts as text, and back. Unreadable parts of the text are left out.
     [[nodiscard]] QString saveLayout() const;

@@ -15,10 +15,12 @@
 #include "mainwindow/ExpertAttachment.h"
 #include "mainwindow/ExpertsFolder.h"
 #include "mainwindow/MenuBar.h"
+#include "mainwindow/PaneFocus.h"
 #include "mainwindow/QuitWatch.h"
 #include "mainwindow/Reports.h"
 #include "mainwindow/ScreenFit.h"
 #include "mainwindow/SmallWindows.h"
+#include "mainwindow/TabStops.h"
 #include "mainwindow/TerminalActions.h"
 #include "mainwindow/ToolBars.h"
 #include "mainwindow/ToolboxFiller.h"
@@ -43,6 +45,7 @@
 #include <QDockWidget>
 #include <QMdiSubWindow>
 #include <QStatusBar>
+#include <QToolBar>
 
 #include <utility>
 
@@ -110,6 +113,7 @@ MainWindow::MainWindow(QWidget* parent)
     connectRefreshes();
     buildMenus();
     buildToolbar();
+    buildPaneRing();
     setUpExperts();
     journal(tr("Terminal"), tr("Tavoran Terminal %1 started").arg(QCoreApplication::applicationVersion()));
     m_docks->startSnapshots();
@@ -153,6 +157,20 @@ void MainWindow::buildMenus()
 void MainWindow::buildToolbar()
 {
     addToolBars(*this, *m_actions);
+}
+
+void MainWindow::buildPaneRing()
+{
+    const QList<QToolBar*> bars = findChildren<QToolBar*>(QString(), Qt::FindDirectChildrenOnly);
+    new PaneFocus(*this, // the window's own child
+        {
+            {{m_charts.get()}, [this] { return m_charts->activeChart(); }},
+            {{m_marketWatch}, {}},
+            {{m_navigator}, {}},
+            {{m_toolbox}, {}},
+            {{statusBar()}, {}},
+            {{bars.begin(), bars.end()}, {}},
+        });
 }
 
 void MainWindow::connectFeed()
@@ -495,4 +513,12 @@ void MainWindow::showEvent(QShowEvent* event)
     if (!std::exchange(m_wasShown, true) && !m_docks->hasRestoredGeometry())
         ScreenFit::fit(*this);
     QTimer::singleShot(0, m_docks.get(), &DockKeeper::confirmRestored);
+}
+
+bool MainWindow::focusNextPrevChild(bool next)
+{
+    QWidget* stop = nextTabStop(*this, next);
+    if (stop)
+        stop->setFocus(next ? Qt::TabFocusReason : Qt::BacktabFocusReason);
+    return stop != nullptr;
 }

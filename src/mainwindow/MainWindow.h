@@ -82,12 +82,14 @@ protected:
     void closeEvent(QCloseEvent* event) override;
     void changeEvent(QEvent* event) override;
     void showEvent(QShowEvent* event) override;
+    bool focusNextPrevChild(bool next) override;
 
 private:
     void buildToolbox();
     void buildTray();
     void buildMenus();
     void buildToolbar();
+    void buildPaneRing();
     void connectFeed();
     void connectAccount();
     void connectQuotes();

@@ -1,5 +1,6 @@
 #include "mainwindow/ToolBars.h"
 
+#include "app/ui/EnterPress.h"
 #include "mainwindow/TerminalActions.h"
 
 #include <QActionGroup>
@@ -37,6 +38,15 @@ QToolBar* addToolBar(QMainWindow& window, const QString& title, const QString& n
     return bar;
 }
 
+/// Qt leaves tool buttons out of the way of Tab. A click on one still takes the keyboard from nobody.
+void letKeysReach(const QToolBar& bar)
+{
+    for (QToolButton* button : bar.findChildren<QToolButton*>()) {
+        button->setFocusPolicy(Qt::TabFocus);
+        pressWithEnter(*button);
+    }
+}
+
 } // namespace
 
 void addToolBars(QMainWindow& window, const TerminalActions& actions)
@@ -61,6 +71,9 @@ void addToolBars(QMainWindow& window, const TerminalActions& actions)
     studies->addActions({actions.cursor, actions.crosshair});
     studies->addActions(actions.drawingTools());
     studies->addActions({actions.zoomIn, actions.zoomOut});
+
+    for (const QToolBar* bar : {standard, timeframes, studies})
+        letKeysReach(*bar);
 }
 
 void placeToolBars(QMainWindow& window)

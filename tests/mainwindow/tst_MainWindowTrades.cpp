@@ -297,11 +297,61 @@ private Q_SLOTS:
         f.settle();
         QCOMPARE(f.server.count("POST", "/api/trades/place"), 0);
         QCOMPARE(other->findChild<OneClickPanel*>()->lots(), 0.01);
-        // By the keyboard the volume is still reached, and nothing that trades.
+    }
+
+    void keys_trade_only_after_tab_has_led_to_the_button_data()
+    {
+        QTest::addColumn<QString>("way");
+        for (const char* way :
+            {"chart and back", "chart and back, beside each other", "dialog", "window", "menu"})
+            QTest::newRow(way) << QString::fromLatin1(way);
+    }
+    void keys_trade_only_after_tab_has_led_to_the_button()
+    {
+        QFETCH(const QString, way);
+        MainWindowFixture f;
+        f.signInAndSettle();
+        QVERIFY(hands::arriveAt(f.window.get()));
+        f.window->openChart(u"EURUSD"_s);
+        f.window->openChart(u"USDJPY"_s);
+        ChartArea& area = *f.chartArea();
+        if (way.endsWith(u"beside each other"_s))
+            area.tileSubWindows();
+        QTRY_VERIFY(qobject_cast<ChartWidget*>(QApplication::focusWidget()));
+        QMdiSubWindow* front = area.activeSubWindow();
         hands::press(Qt::Key_Tab);
-        QVERIFY(qobject_cast<QAbstractSpinBox*>(QApplication::focusWidget()));
-        hands::press(Qt::Key_Tab);
-        QVERIFY(qobject_cast<ChartWidget*>(QApplication::focusWidget()));
+        QVERIFY(hands::focused().startsWith(u"SELL"_s));
+        if (way.startsWith(u"chart"_s)) {
+            area.activateNextSubWindow();
+            QTRY_VERIFY(area.activeSubWindow() != front);
+            area.setActiveSubWindow(front);
+            QTRY_COMPARE(area.activeSubWindow(), front);
+        } else if (way == u"dialog"_s) {
+            f.action("New Order")->trigger();
+            QTRY_VERIFY(QApplication::activeWindow() != f.window.get());
+            hands::press(Qt::Key_Escape);
+            f.window->activateWindow(); // as a desktop does
+        } else if (way == u"window"_s) {
+            QWidget other;
+            other.show();
+            other.activateWindow();
+            QVERIFY(QTest::qWaitForWindowActive(&other));
+            other.hide();
+            f.window->activateWindow();
+        } else {
+            QMenu menu(f.window.get());
+            menu.popup(f.window->mapToGlobal(QPoint(200, 200)));
+            QTRY_VERIFY(QApplication::activePopupWidget());
+            QTest::keyClick(&menu, Qt::Key_Escape);
+        }
+        QTRY_COMPARE(QApplication::activeWindow(), f.window.get());
+        QTRY_VERIFY(qobject_cast<ChartWidget*>(QApplication::focusWidget()));
+        QVERIFY(front->isAncestorOf(QApplication::focusWidget()));
+        f.server.clearRequests();
+        hands::press(Qt::Key_Space);
+        hands::press(Qt::Key_Return);
+        f.settle();
+        QCOMPARE(f.server.count("POST", "/api/trades/place"), 0);
     }
 
     void answersAfterTheWindowIsGoneDoNoHarm()

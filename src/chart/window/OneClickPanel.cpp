@@ -2,13 +2,15 @@
 
 #include "app/base/NumberFormat.h"
 #include "app/ui/DecimalSpinBox.h"
+#include "app/ui/EnterPress.h"
 #include "chart/window/CompactButton.h"
 #include "chart/window/SpinArrows.h"
 
-#include <QCoreApplication>
+#include <QApplication>
 #include <QHBoxLayout>
 #include <QKeyEvent>
 #include <QMouseEvent>
+#include <QPushButton>
 
 using namespace Qt::StringLiterals;
 
@@ -64,9 +66,9 @@ QPushButton* tradeButton(const QString& caption, const QString& style, QWidget* 
     button->setText(caption);
     button->setCursor(Qt::PointingHandCursor);
     button->setStyleSheet(style);
-    // The focus must never rest on this button, where the next press of the space bar would trade: neither
-    // after a click, nor when Qt moves it because another chart becomes active.
-    button->setFocusPolicy(Qt::NoFocus);
+    // A click must not leave the focus here, where the next press of the space bar would trade.
+    button->setFocusPolicy(Qt::TabFocus);
+    pressWithEnter(*button);
     return button;
 }
 
@@ -108,6 +110,8 @@ OneClickPanel::OneClickPanel(const QString& symbol, QWidget* parent)
     layout->addWidget(m_buy);
     move(6, 20);
 
+    for (QPushButton* button : {m_sell, m_buy})
+        button->installEventFilter(this);
     connect(m_sell, &QPushButton::clicked, this, [this] { request(u"SELL"_s); });
     connect(m_buy, &QPushButton::clicked, this, [this] { request(u"BUY"_s); });
 }
@@ -159,11 +163,30 @@ void OneClickPanel::mouseMoveEvent(QMouseEvent* event)
 
 void OneClickPanel::keyPressEvent(QKeyEvent* event)
 {
-    // At the end of its text the box passes these keys on, and the chart would delete a drawing.
-    if (event->key() == Qt::Key_Delete || event->key() == Qt::Key_Backspace)
-        event->accept();
-    else
-        QWidget::keyPressEvent(event);
+    // What the panel has no use for is not meant for the chart below, which would delete a drawing or place
+    // one. Only Escape is: it ends what is going on there.
+    event->setAccepted(event->key() != Qt::Key_Escape);
+}
+
+void OneClickPanel::hideEvent(QHideEvent* event)
+{
+    // Qt would move the focus on to whatever comes next.
+    if (isHidden() && isAncestorOf(QApplication::focusWidget()))
+        parentWidget()->setFocus(Qt::OtherFocusReason);
+    QWidget::hideEvent(event);
+}
+
+bool OneClickPanel::eventFilter(QObject* watched, QEvent* event)
+{
+    if (event->type() != QEvent::FocusIn)
+        return QWidget::eventFilter(watched, event);
+    // Only who went to a button by the Tab key knows that the next press trades. When a chart becomes active,
+    // a dialog closes or the trader comes back from another window, Qt would put the focus back here.
+    const Qt::FocusReason reason = static_cast<QFocusEvent*>(event)->reason();
+    if (reason == Qt::TabFocusReason || reason == Qt::BacktabFocusReason)
+        return QWidget::eventFilter(watched, event);
+    parentWidget()->setFocus(Qt::OtherFocusReason);
+    return true;
 }
 
 void OneClickPanel::enterEvent(QEnterEvent* event)

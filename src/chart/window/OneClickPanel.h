@@ -7,7 +7,7 @@ class QPushButton;
 
 /// The overlay in the corner of a chart that sells or buys its symbol at market with one click. It only
 /// reports the wish. Presses and moves on it do not reach the chart below; the wheel does, unless the volume
-/// has the focus.
+/// has the focus. Its buttons can be reached by Tab, and in no other way does the focus come to them.
 class OneClickPanel final : public QWidget {
     Q_OBJECT
     Q_DISABLE_COPY_MOVE(OneClickPanel)
@@ -32,6 +32,8 @@ protected:
     void mouseMoveEvent(QMouseEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
     void enterEvent(QEnterEvent* event) override;
+    void hideEvent(QHideEvent* event) override;
+    bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
     void request(const QString& side);

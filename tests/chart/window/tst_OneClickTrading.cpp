@@ -41,6 +41,22 @@ private:
     int m_count = 0;
 };
 
+/// Remembers the keys that come to a widget.
+class KeyRecord final : public QObject {
+public:
+    explicit KeyRecord(QWidget& widget) { widget.installEventFilter(this); }
+
+    QList<int> keys;
+
+protected:
+    bool eventFilter(QObject* /*widget*/, QEvent* event) override
+    {
+        if (event->type() == QEvent::KeyPress)
+            keys.append(static_cast<QKeyEvent*>(event)->key());
+        return false;
+    }
+};
+
 } // namespace
 
 /// Trading from the panel, and mouse and keys that are its own.
@@ -277,6 +293,72 @@ private Q_SLOTS:
         QTest::keyClick(served.window->windowHandle(), Qt::Key_Space);
         QCOMPARE(wish.size(), 1);
         QVERIFY(served.chart().hasFocus());
+    }
+
+    void space_and_enter_trade_once_on_the_button_that_tab_led_to_data()
+    {
+        QTest::addColumn<Qt::Key>("key");
+        QTest::addColumn<int>("tabs");
+        QTest::addColumn<QString>("side");
+        for (const auto& [name, key] : {std::pair("space", Qt::Key_Space),
+                 std::pair("return", Qt::Key_Return), std::pair("enter", Qt::Key_Enter)}) {
+            QTest::addRow("%s sells", name) << key << 1 << u"SELL"_s;
+            QTest::addRow("%s buys", name) << key << 3 << u"BUY"_s;
+        }
+    }
+    void space_and_enter_trade_once_on_the_button_that_tab_led_to()
+    {
+        QFETCH(const Qt::Key, key);
+        QFETCH(const int, tabs);
+        QFETCH(const QString, side);
+        const ServedChart served;
+        served.show();
+        QVERIFY(hands::arriveAt(served.window.get()));
+        served.chart().setFocus();
+        for (int tab = 0; tab < tabs; ++tab)
+            hands::press(Qt::Key_Tab);
+        QSignalSpy wish(served.window.get(), &ChartWindow::quickTradeRequested);
+        QTest::keyPress(QApplication::focusWidget(), key);
+        for (int again = 0; again < 3; ++again)
+            hands::hold(key);
+        QTest::keyRelease(QApplication::focusWidget(), key);
+        QCOMPARE(wish, QList<QVariantList>({{u"EURUSD"_s, side, 0.01}}));
+    }
+
+    void keys_in_the_panel_do_nothing_to_the_chart_but_escape()
+    {
+        const ServedChart served;
+        served.show();
+        QVERIFY(hands::arriveAt(served.window.get()));
+        KeyRecord record(served.chart());
+        for (int stop = 1; stop <= 3; ++stop) {
+            for (const Qt::Key key : {Qt::Key_Left, Qt::Key_Right, Qt::Key_Home, Qt::Key_End, Qt::Key_Delete,
+                     Qt::Key_Return, Qt::Key_Escape}) {
+                served.chart().setFocus();
+                for (int tab = 0; tab < stop; ++tab)
+                    hands::press(Qt::Key_Tab);
+                QVERIFY(!served.chart().hasFocus());
+                record.keys.clear();
+                hands::press(key);
+                QCOMPARE(record.keys, key == Qt::Key_Escape ? QList<int>{key} : QList<int>());
+            }
+        }
+    }
+
+    void a_panel_that_goes_leaves_the_keyboard_with_the_chart()
+    {
+        const ServedChart served;
+        served.show();
+        QVERIFY(hands::arriveAt(served.window.get()));
+        for (int stop = 1; stop <= 3; ++stop) {
+            served.chart().setFocus();
+            for (int tab = 0; tab < stop; ++tab)
+                hands::press(Qt::Key_Tab);
+            QVERIFY(!served.chart().hasFocus());
+            served.window->setOneClickTrading(false);
+            QVERIFY(served.chart().hasFocus());
+            served.window->setOneClickTrading(true);
+        }
     }
 
     void deletingDigitsDeletesNoObject()
