@@ -1,10 +1,12 @@
 #include "app/StartUp.h"
 #include "app/base/TerminalSettings.h"
+#include "app/ui/FocusRing.h"
 #include "app/ui/Theme.h"
 #include "support/LogMessages.h"
 #include "support/TestMain.h"
 
 #include <QDialog>
+#include <QPushButton>
 #include <QSplashScreen>
 #include <QTcpServer>
 #include <QThread>
@@ -158,6 +160,27 @@ private Q_SLOTS:
             (QStringList{u"theme applied: light"_s, u"public config fetch failed: Connection refused"_s,
                 u"login.exec() returned 1"_s, u"MainWindow constructed"_s, u"setUser done"_s,
                 u"entering app.exec()"_s, u"app.exec() returned 0"_s}));
+    }
+
+    void the_place_of_the_keyboard_is_marked_from_the_sign_in_on()
+    {
+        StartUpWindows all = windows(QDialog::Rejected);
+        bool marked = false;
+        all.makeSignIn = [&marked] {
+            auto dialog = std::make_unique<QDialog>();
+            for (int i = 0; i < 2; ++i)
+                new QPushButton(dialog.get());
+            QTimer::singleShot(50, dialog.get(), [&marked, shown = dialog.get()] {
+                QTest::keyClick(shown, Qt::Key_Tab);
+                QCoreApplication::processEvents();
+                const auto* ring = shown->findChild<FocusRing*>();
+                marked = ring && ring->isVisible();
+                shown->reject();
+            });
+            return dialog;
+        };
+        QCOMPARE(runTerminal(*qApp, all), 0);
+        QVERIFY(marked);
     }
 
     void theEncryptionLibraryIsLoadedWhileThePersonSignsIn()

@@ -1,4 +1,8 @@
+#include "app/ui/FocusMark.h"
+#include "app/ui/FocusRing.h"
 #include "chart/OneClickPanelFixture.h"
+#include "support/Hands.h"
+#include "support/RingContrast.h"
 #include "support/TestMain.h"
 
 #include <QLayout>
@@ -23,6 +27,35 @@ class tst_OneClickPanel final : public QObject {
 
 private Q_SLOTS:
     void init() { fixtures::useLightTheme(); }
+
+    void what_tab_leads_to_has_a_ring_that_stands_out_data() { addThemes(); }
+    void what_tab_leads_to_has_a_ring_that_stands_out()
+    {
+        QFETCH(const bool, dark);
+        setTheme(dark);
+        applyTheme(*qApp);
+        const FocusMark mark(*qApp);
+        const ServedChart served;
+        served.show();
+        QVERIFY(hands::arriveAt(served.window.get()));
+        QWidget& window = *served.window;
+        OneClickPanel& panel = panelOf(served);
+        // What shows the focus by itself, such as the volume's cursor, lies inside the ring.
+        const QImage before = window.grab().toImage();
+        served.chart().setFocus(Qt::OtherFocusReason);
+        for (const QWidget* stop : std::initializer_list<const QWidget*>{
+                 &button(panel, u"SELL"_s), &volume(panel), &button(panel, u"BUY"_s)}) {
+            hands::press(Qt::Key_Tab);
+            QVERIFY(stop->hasFocus());
+            QCoreApplication::processEvents();
+            const auto* ring = window.findChild<FocusRing*>();
+            QVERIFY(ring && ring->isVisible());
+            const QRect around(stop->mapTo(&window, QPoint(-2, -2)), stop->size() + QSize(4, 4));
+            QCOMPARE(ring->geometry(), around);
+            const double least = fixtures::leastContrast(before, window.grab().toImage(), around, 4);
+            QVERIFY2(least >= 3.0, qPrintable(QString::number(least)));
+        }
+    }
 
     void liesInTheCornerOfEveryChart()
     {

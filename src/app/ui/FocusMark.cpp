@@ -1,0 +1,197 @@
+#include "app/ui/FocusMark.h"
+
+#include "app/ui/FocusRing.h"
+
+#include <QAbstractButton>
+#include <QAbstractItemView>
+#include <QAbstractSpinBox>
+#include <QApplication>
+#include <QComboBox>
+#include <QDialog>
+#include <QFocusEvent>
+#include <QLineEdit>
+#include <QTabBar>
+
+namespace {
+
+/// Where a ring lies, in the coordinates of its widget's window.
+struct Place {
+    QRect edge;
+    FocusRing::Width width = FocusRing::Thin;
+};
+
+bool isControl(const QWidget& widget)
+{
+    return qobject_cast<const QAbstractButton*>(&widget) || qobject_cast<const QAbstractSpinBox*>(&widget)
+        || qobject_cast<const QComboBox*>(&widget) || qobject_cast<const QLineEdit*>(&widget);
+}
+
+/// The part of a list that has the keyboard: the current row, or all of it where there is none in sight.
+QRect rowOf(const QAbstractItemView& list)
+{
+    const QRect all = list.viewport()->rect();
+    const QRect cell = list.visualRect(list.currentIndex());
+    const QRect row = QRect(all.left(), cell.top(), all.width(), cell.height()) & all;
+    return cell.isEmpty() || row.isEmpty() ? all : row;
+}
+
+QRect inWindow(const QWidget& widget, const QRect& part)
+{
+    return {widget.mapTo(widget.window(), part.topLeft()), part.size()};
+}
+
+Place placeFor(const QWidget& widget)
+{
+    if (const auto* list = qobject_cast<const QAbstractItemView*>(&widget))
+        return {inWindow(*list->viewport(), rowOf(*list)), FocusRing::Thin};
+    if (const auto* tabs = qobject_cast<const QTabBar*>(&widget))
+        return {inWindow(widget, tabs->tabRect(tabs->currentIndex()) & widget.rect()), FocusRing::Thin};
+    if (isControl(widget)) {
+        // Half outside, so that it stands out from what the control lies on, and hides none of its text.
+        constexpr int outside = FocusRing::Thick / 2;
+        const QRect around = widget.rect().adjusted(-outside, -outside, outside, outside);
+        return {inWindow(widget, around) & widget.window()->rect(), FocusRing::Thick};
+    }
+    return {inWindow(widget, widget.rect()), FocusRing::Thin};
+}
+
+bool isMarkable(const QWidget& widget)
+{
+    // Menus and lists that pop up show their current entry anyway.
+    return !widget.isWindow() && widget.window()->windowType() != Qt::Popup;
+}
+
+} // namespace
+
+FocusMark::FocusMark(QApplication& application)
+{
+    application.installEventFilter(this);
+}
+
+FocusMark::~FocusMark()
+{
+    delete m_ring;
+}
+
+bool FocusMark::eventFilter(QObject* watched, QEvent* event)
+{
+    switch (event->type()) {
+    case QEvent::ShortcutOverride: // all that is seen of a key that is a shortcut
+    case QEvent::KeyPress:
+        m_byKey = true;
+        break;
+    case QEvent::MouseButtonPress:
+    case QEvent::TouchBegin:
+        m_byKey = false;
+        m_last = nullptr;
+        unmark();
+        break;
+    case QEvent::FocusIn:
+        if (watched->isWidgetType())
+            onFocusIn(*static_cast<QWidget*>(watched), *static_cast<QFocusEvent*>(event));
+        break;
+    case QEvent::FocusOut:
+        if (watched == m_marked)
+            unmark();
+        break;
+    case QEvent::Paint: // the current row or tab may be another one, or elsewhere
+        if (m_marked && isPaintedFor(watched))
+            follow();
+        break;
+    case QEvent::Move:
+    case QEvent::Resize:
+    case QEvent::Show:
+    case QEvent::Hide:
+        if (m_marked && carriesMarked(watched))
+            follow();
+        break;
+    default:
+        break;
+    }
+    return false;
+}
+
+bool FocusMark::isPaintedFor(const QObject* watched) const
+{
+    if (watched == m_marked)
+        return true;
+    const auto* list = qobject_cast<const QAbstractItemView*>(m_marked);
+    return list && watched == list->viewport();
+}
+
+bool FocusMark::carriesMarked(const QObject* watched) const
+{
+    return watched == m_marked
+        || (watched->isWidgetType() && static_cast<const QWidget*>(watched)->isAncestorOf(m_marked));
+}
+
+void FocusMark::onFocusIn(QWidget& widget, const QFocusEvent& event)
+{
+    bool led = false;
+    switch (event.reason()) {
+    case Qt::TabFocusReason:
+    case Qt::BacktabFocusReason:
+    case Qt::ShortcutFocusReason:
+        led = true;
+        break;
+    case Qt::ActiveWindowFocusReason: // a dialog that a key has opened, or the way back from one
+        led = &widget == m_last || qobject_cast<const QDialog*>(widget.window());
+        break;
+    case Qt::PopupFocusReason:
+    case Qt::MenuBarFocusReason:
+        led = &widget == m_last;
+        break;
+    default:
+        break;
+    }
+    // Qt says "Tab" too when it moves the focus away from what is closed or disabled.
+    if (m_byKey && led && isMarkable(widget))
+        mark(widget);
+    else
+        unmark();
+}
+
+void FocusMark::mark(QWidget& widget)
+{
+    m_marked = &widget;
+    m_last = &widget;
+    connect(&widget, &QObject::destroyed, this, &FocusMark::onDestroyed, Qt::UniqueConnection);
+    follow();
+}
+
+void FocusMark::unmark()
+{
+    m_marked = nullptr;
+    if (m_ring)
+        m_ring->hide();
+}
+
+void FocusMark::onDestroyed()
+{
+    if (!m_marked) // it was this one
+        unmark();
+}
+
+void FocusMark::follow()
+{
+    if (m_following)
+        return;
+    m_following = true;
+    QMetaObject::invokeMethod(this, &FocusMark::place, Qt::QueuedConnection);
+}
+
+void FocusMark::place()
+{
+    m_following = false;
+    if (!m_marked || !m_marked->isVisible()) {
+        unmark();
+        return;
+    }
+    QWidget* window = m_marked->window();
+    if (m_ring && m_ring->parentWidget() != window)
+        delete m_ring;
+    if (!m_ring)
+        m_ring = new FocusRing(*window);
+    const Place place = placeFor(*m_marked);
+    m_ring->showAlong(place.edge, place.width);
+}

@@ -1,0 +1,43 @@
+#pragma once
+
+#include <QObject>
+#include <QPointer>
+
+class FocusRing;
+class QApplication;
+class QFocusEvent;
+class QWidget;
+
+/// Shows where the keyboard is once it has got there by a key: a ring around the button or field, the current
+/// tab, or the current row. Whoever uses the mouse sees none. The style sheets draw no focus by themselves.
+class FocusMark final : public QObject {
+    Q_OBJECT
+    Q_DISABLE_COPY_MOVE(FocusMark)
+
+public:
+    /// Watches all windows of the application, as long as it lives.
+    explicit FocusMark(QApplication& application);
+    ~FocusMark() override;
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+private:
+    void onFocusIn(QWidget& widget, const QFocusEvent& event);
+    void mark(QWidget& widget);
+    void unmark();
+    void onDestroyed();
+    /// Soon, and once for everything that happens before: within a paint nothing may be moved.
+    void follow();
+    void place();
+    /// Whether this is what the marked widget shows itself on.
+    [[nodiscard]] bool isPaintedFor(const QObject* watched) const;
+    /// Whether the mark has to go where this goes.
+    [[nodiscard]] bool carriesMarked(const QObject* watched) const;
+
+    QPointer<QWidget> m_marked; ///< what has the focus and is marked
+    QPointer<QWidget> m_last;   ///< what was marked last, for its return from another window
+    QPointer<FocusRing> m_ring; ///< ends with its window
+    bool m_byKey = false;       ///< the last thing done was a key
+    bool m_following = false;
+};

@@ -1,0 +1,42 @@
+#include "app/ui/FocusRing.h"
+
+#include <QPainter>
+
+namespace {
+
+QRect within(const QRect& outer, int distance)
+{
+    return outer.adjusted(distance, distance, -distance, -distance);
+}
+
+} // namespace
+
+FocusRing::FocusRing(QWidget& parent)
+    : QWidget(&parent)
+{
+    setObjectName(QStringLiteral("focusRing"));
+    setAttribute(Qt::WA_TransparentForMouseEvents);
+    setFocusPolicy(Qt::NoFocus);
+    hide();
+}
+
+void FocusRing::showAlong(const QRect& edge, Width width)
+{
+    if (!isHidden() && geometry() == edge && m_width == width)
+        return;
+    m_width = width;
+    setGeometry(edge);
+    // What lies inside is painted as if there was no ring.
+    setMask(QRegion(rect()) - within(rect(), width));
+    raise();
+    show();
+    update();
+}
+
+void FocusRing::paintEvent(QPaintEvent* /*event*/)
+{
+    QPainter painter(this);
+    painter.fillRect(rect(), dark);
+    painter.fillRect(within(rect(), 1), light);
+    painter.fillRect(within(rect(), 3), dark); // within a thin ring the mask leaves none of it
+}
