@@ -413,11 +413,6 @@ Built with Qt %2, running with Qt %3</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
-        <source>Crosshair at %1: %2</source>
-        <extracomment>%1 the time of a bar, %2 its prices</extracomment>
-        <translation type="unfinished"></translation>
-    </message>
-    <message>
         <source>Last bar %1: %2</source>
         <extracomment>%1 the time of a bar, %2 its prices</extracomment>
         <translation type="unfinished"></translation>
@@ -467,6 +462,16 @@ Built with Qt %2, running with Qt %3</source>
     </message>
     <message>
         <source>Fibonacci retracement from %1 to %2</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Crosshair at %1</source>
+        <extracomment>%1 a price, beside the bars</extracomment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Crosshair at %1, %2: %3</source>
+        <extracomment>%1 a price, %2 the time of a bar, %3 its prices</extracomment>
         <translation type="unfinished"></translation>
     </message>
 </context>

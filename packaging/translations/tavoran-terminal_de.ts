@@ -414,11 +414,6 @@ Erstellt mit Qt %2, ausgeführt mit Qt %3</translation>
         <translation>Warten auf Daten ...</translation>
     </message>
     <message>
-        <source>Crosshair at %1: %2</source>
-        <extracomment>%1 the time of a bar, %2 its prices</extracomment>
-        <translation>Fadenkreuz bei %1: %2</translation>
-    </message>
-    <message>
         <source>Last bar %1: %2</source>
         <extracomment>%1 the time of a bar, %2 its prices</extracomment>
         <translation>Letzter Balken %1: %2</translation>
@@ -469,6 +464,16 @@ Erstellt mit Qt %2, ausgeführt mit Qt %3</translation>
     <message>
         <source>Fibonacci retracement from %1 to %2</source>
         <translation>Fibonacci-Retracement von %1 bis %2</translation>
+    </message>
+    <message>
+        <source>Crosshair at %1</source>
+        <extracomment>%1 a price, beside the bars</extracomment>
+        <translation>Fadenkreuz bei %1</translation>
+    </message>
+    <message>
+        <source>Crosshair at %1, %2: %3</source>
+        <extracomment>%1 a price, %2 the time of a bar, %3 its prices</extracomment>
+        <translation>Fadenkreuz bei %1, %2: %3</translation>
     </message>
 </context>
 <context>

@@ -10,7 +10,6 @@
 #include <QDateTime>
 #include <QStringList>
 
-#include <algorithm>
 #include <cmath>
 
 using namespace Qt::StringLiterals;
@@ -47,24 +46,21 @@ QString indicatorText(const QString& label, std::span<const double> values, std:
 }
 
 /// The values at a bar: those over the prices, then those of the panes.
-QStringList indicatorTexts(const speech::Reading& reading, const Candle& candle)
+QStringList indicatorTexts(const speech::Reading& reading, std::size_t bar)
 {
-    const auto place = std::lower_bound(reading.candles.begin(), reading.candles.end(), candle.time,
-        [](const Candle& each, qint64 time) { return each.time < time; });
-    const auto bar = static_cast<std::size_t>(place - reading.candles.begin());
-    const auto valuesAt = [](std::span<const std::span<const double>> all, std::size_t number) {
+    const auto valuesOf = [](std::span<const std::span<const double>> all, std::size_t number) {
         return number < all.size() ? all[number] : std::span<const double>();
     };
     QStringList texts;
     std::size_t number = 0;
     for (const MovingAverageSpec& average : reading.look.averages)
         texts.append(indicatorText(indicatorLabel(average.kind, average.period),
-            valuesAt(reading.averageValues, number++), bar, reading.look.digits));
+            valuesOf(reading.averageValues, number++), bar, reading.look.digits));
     number = 0;
     for (const IndicatorPane& pane : reading.look.panes) {
         if (pane.shown)
             texts.append(indicatorText(indicatorLabel(pane.kind, pane.period),
-                valuesAt(reading.paneValues, number++), bar, paneDecimals));
+                valuesOf(reading.paneValues, number++), bar, paneDecimals));
     }
     return texts;
 }
@@ -72,6 +68,23 @@ QStringList indicatorTexts(const speech::Reading& reading, const Candle& candle)
 QString withIndicators(const QString& text, const QStringList& indicators)
 {
     return indicators.isEmpty() ? text : text + u", "_s + indicators.join(u", "_s);
+}
+
+/// The price at the crosshair and, with the indicators, the candle under it if there is one.
+QString crosshairText(const speech::Reading& reading, const CrosshairPlace& place, bool onCandle)
+{
+    const int digits = reading.look.digits;
+    const QString price = formatPrice(place.price, digits);
+    if (!onCandle) {
+        //: %1 a price, beside the bars
+        return Speech::tr("Crosshair at %1").arg(price);
+    }
+    const auto bar = static_cast<std::size_t>(place.bar);
+    const Candle& candle = reading.candles[bar];
+    //: %1 a price, %2 the time of a bar, %3 its prices
+    const QString text
+        = Speech::tr("Crosshair at %1, %2: %3").arg(price, timeText(candle.time), candleText(candle, digits));
+    return withIndicators(text, indicatorTexts(reading, bar));
 }
 
 QString placeText(const DrawingPoint& point, int digits)
@@ -92,18 +105,16 @@ QString speech::chartReading(const Reading& reading)
     if (reading.candles.empty())
         return Speech::tr("Waiting for data...");
     const int digits = reading.look.digits;
-    const Candle& newest = reading.candles.back();
+    const auto count = static_cast<qsizetype>(reading.candles.size());
+    const bool onCandle = reading.crosshair && reading.crosshair->bar >= 0 && reading.crosshair->bar < count;
     QStringList sentences;
-    if (reading.crosshair) {
-        //: %1 the time of a bar, %2 its prices
-        const QString there
-            = Speech::tr("Crosshair at %1: %2")
-                  .arg(timeText(reading.crosshair->time), candleText(*reading.crosshair, digits));
-        sentences.append(withIndicators(there, indicatorTexts(reading, *reading.crosshair)));
-    }
+    if (reading.crosshair)
+        sentences.append(crosshairText(reading, *reading.crosshair, onCandle));
+    const Candle& newest = reading.candles.back();
     //: %1 the time of a bar, %2 its prices
     const QString last = Speech::tr("Last bar %1: %2").arg(timeText(newest.time), candleText(newest, digits));
-    sentences.append(reading.crosshair ? last : withIndicators(last, indicatorTexts(reading, newest)));
+    sentences.append(
+        onCandle ? last : withIndicators(last, indicatorTexts(reading, reading.candles.size() - 1)));
     if (reading.bid > 0.0)
         sentences.append(Speech::tr("Bid %1").arg(formatPrice(reading.bid, digits)));
     if (reading.ask > 0.0)

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "chart/data/ChartLook.h"
+#include "chart/data/CrosshairPlace.h"
 #include "chart/data/Drawing.h"
 #include "chart/data/TradeLevel.h"
 #include "chart/series/Candle.h"
@@ -23,11 +24,11 @@ struct Reading {
     std::span<const std::span<const double>> paneValues; ///< of the panes on show
     double bid = 0.0;                                    ///< 0 means none
     double ask = 0.0;                                    ///< 0 means none
-    std::optional<Candle> crosshair;                     ///< the candle under the crosshair
+    std::optional<CrosshairPlace> crosshair;             ///< nothing while it is hidden
 };
 
-/// The candle under the crosshair with the indicators there; the newest candle, with the indicators when
-/// there is no crosshair; bid and ask.
+/// The price at the crosshair, the candle under it and the indicators there; the newest candle, with the
+/// indicators when the crosshair is on no candle; bid and ask.
 [[nodiscard]] QString chartReading(const Reading& reading);
 
 /// Kind, trade and price: "Stop loss of buy 0.10 #1a2b3c4d at 1.07500". `price` is where the level lies now,

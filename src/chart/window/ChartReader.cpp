@@ -50,7 +50,7 @@ QString ChartReader::reading() const
 {
     const ChartFrame frame = m_chart.frame();
     return speech::chartReading({frame, frame.candles, frame.averageValues, frame.paneValues, frame.bid,
-        frame.ask, m_chart.hoveredCandle()});
+        frame.ask, m_chart.crosshair()});
 }
 
 QList<ChartMarkKey> ChartReader::marks() const

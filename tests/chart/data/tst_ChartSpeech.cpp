@@ -101,10 +101,22 @@ private Q_SLOTS:
         const std::array<double, 2> rsi{30.0, 71.2};
         const std::array<std::span<const double>, 2> averages{sma, ema};
         const std::array<std::span<const double>, 1> panes{rsi};
-        QCOMPARE(speech::chartReading({with, candles(), averages, panes, 1.25, 1.26, candles().front()}),
-            u"Crosshair at 2026.06.02 00:00: open 1.100, high 1.200, low 1.050, close 1.150, volume 7, "
+        QCOMPARE(
+            speech::chartReading({with, candles(), averages, panes, 1.25, 1.26, CrosshairPlace{0, 1.0731}}),
+            u"Crosshair at 1.073, 2026.06.02 00:00: open 1.100, high 1.200, low 1.050, close 1.150, volume "
+            u"7, "
             "SMA(20) 1.100, EMA(2) none, RSI(14) 30.00. "_s
                 + last + u". Bid 1.250. Ask 1.260."_s);
+    }
+
+    void beside_the_candles_the_crosshair_has_a_price_alone()
+    {
+        ChartLook with = lookWithIndicators();
+        with.averages.clear();
+        for (const qsizetype bar : {-1, 2}) {
+            QCOMPARE(speech::chartReading({with, candles(), {}, {}, 0.0, 0.0, CrosshairPlace{bar, 1.0731}}),
+                u"Crosshair at 1.073. "_s + last + u", RSI(14) none."_s);
+        }
     }
 
     void a_hidden_pane_is_not_read()

@@ -91,10 +91,13 @@ private Q_SLOTS:
     {
         ChartWidget chart;
         fixtures::showChart(chart, 60);
+        const QString price = QString::number(chart.view().priceAt(100), 'f', 5);
         fixtures::hover(chart, {331, 100});
-        QVERIFY2(reading(chart).startsWith(u"Crosshair at 2026.06.02 14:45: "_s), qPrintable(reading(chart)));
+        QVERIFY2(reading(chart).startsWith(u"Crosshair at %1, 2026.06.02 14:45: open "_s.arg(price)),
+            qPrintable(reading(chart)));
         fixtures::hover(chart, {324, 100});
-        QVERIFY2(reading(chart).startsWith(u"Crosshair at 2026.06.02 14:30: "_s), qPrintable(reading(chart)));
+        QVERIFY2(reading(chart).startsWith(u"Crosshair at %1, 2026.06.02 14:30: open "_s.arg(price)),
+            qPrintable(reading(chart)));
         fixtures::leave(chart);
         QVERIFY2(reading(chart).startsWith(u"Last bar "_s), qPrintable(reading(chart)));
     }

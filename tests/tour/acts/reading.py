@@ -10,7 +10,7 @@ from reader import Ears
 from stage import SYMBOL
 
 BAR = r"{} (\d{{4}}\.\d\d\.\d\d \d\d:\d\d): open (\S+), high (\S+), low (\S+), close (\S+), volume (\d+)"
-LAST, CROSSHAIR = BAR.format("Last bar"), BAR.format("Crosshair at")
+LAST, CROSSHAIR = BAR.format("Last bar"), BAR.format(r"Crosshair at [\d.]+,")
 QUOTE = r"\. Bid ([\d.]+)\. Ask ([\d.]+)\.$"
 INDICATORS = r", SMA\(50\) ([\d.]+), EMA\(20\) ([\d.]+), RSI\(14\) ([\d.]+)\."
 
