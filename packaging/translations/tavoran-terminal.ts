@@ -474,6 +474,11 @@ Built with Qt %2, running with Qt %3</source>
         <extracomment>%1 a price, %2 the time of a bar, %3 its prices</extracomment>
         <translation type="unfinished"></translation>
     </message>
+    <message>
+        <source>Moving: %1</source>
+        <extracomment>%1 a level of a trade and the price where it is held</extracomment>
+        <translation type="unfinished"></translation>
+    </message>
 </context>
 <context>
     <name>ChartWidget</name>

@@ -475,6 +475,11 @@ Erstellt mit Qt %2, ausgeführt mit Qt %3</translation>
         <extracomment>%1 a price, %2 the time of a bar, %3 its prices</extracomment>
         <translation>Fadenkreuz bei %1, %2: %3</translation>
     </message>
+    <message>
+        <source>Moving: %1</source>
+        <extracomment>%1 a level of a trade and the price where it is held</extracomment>
+        <translation>In der Hand: %1</translation>
+    </message>
 </context>
 <context>
     <name>ChartWidget</name>

@@ -108,6 +108,10 @@ QString speech::chartReading(const Reading& reading)
     const auto count = static_cast<qsizetype>(reading.candles.size());
     const bool onCandle = reading.crosshair && reading.crosshair->bar >= 0 && reading.crosshair->bar < count;
     QStringList sentences;
+    if (!reading.held.isEmpty()) {
+        //: %1 a level of a trade and the price where it is held
+        sentences.append(Speech::tr("Moving: %1").arg(reading.held));
+    }
     if (reading.crosshair)
         sentences.append(crosshairText(reading, *reading.crosshair, onCandle));
     const Candle& newest = reading.candles.back();

@@ -25,10 +25,11 @@ struct Reading {
     double bid = 0.0;                                    ///< 0 means none
     double ask = 0.0;                                    ///< 0 means none
     std::optional<CrosshairPlace> crosshair;             ///< nothing while it is hidden
+    QString held = {}; ///< the name of the level in the hand, if there is one
 };
 
-/// The price at the crosshair, the candle under it and the indicators there; the newest candle, with the
-/// indicators when the crosshair is on no candle; bid and ask.
+/// The level in the hand; the price at the crosshair, the candle under it and the indicators there; the
+/// newest candle, with the indicators when the crosshair is on no candle; bid and ask.
 [[nodiscard]] QString chartReading(const Reading& reading);
 
 /// Kind, trade and price: "Stop loss of buy 0.10 #1a2b3c4d at 1.07500". `price` is where the level lies now,

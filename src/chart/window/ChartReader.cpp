@@ -49,8 +49,16 @@ ChartReader::~ChartReader()
 QString ChartReader::reading() const
 {
     const ChartFrame frame = m_chart.frame();
+    const QString held = frame.draggedLevel < 0 ? QString() : levelName(frame, frame.draggedLevel);
     return speech::chartReading({frame, frame.candles, frame.averageValues, frame.paneValues, frame.bid,
-        frame.ask, m_chart.crosshair()});
+        frame.ask, frame.crosshair, held});
+}
+
+QString ChartReader::levelName(const ChartFrame& frame, qsizetype index) const
+{
+    const TradeLevel& level = frame.levels[static_cast<std::size_t>(index)];
+    return speech::levelName(
+        level, frame.draggedLevel == index ? frame.draggedPrice : level.price, m_chart.digits());
 }
 
 QList<ChartMarkKey> ChartReader::marks() const
@@ -96,10 +104,7 @@ QString ChartReader::markName(const ChartMarkKey& key) const
         return {};
     if (key.kind == Kind::Drawing)
         return speech::drawingName(m_chart.drawings().at(index), m_chart.digits());
-    const ChartFrame frame = m_chart.frame();
-    const TradeLevel& level = m_chart.tradeLevels().at(index);
-    return speech::levelName(
-        level, frame.draggedLevel == index ? frame.draggedPrice : level.price, m_chart.digits());
+    return levelName(m_chart.frame(), index);
 }
 
 QAccessibleInterface* ChartReader::mark(const ChartMarkKey& key)

@@ -5,6 +5,8 @@
 
 #include <QList>
 
+struct ChartFrame;
+
 /// What a chart tells screen readers: what is to be read on it, and which marks come and go. Makes nothing
 /// until one asks or is there to be told.
 class ChartReader final {
@@ -39,6 +41,8 @@ private:
         QString toldName;
     };
 
+    /// Of a level of the frame, at the price where it lies or is held.
+    [[nodiscard]] QString levelName(const ChartFrame& frame, qsizetype index) const;
     bool tellNews();
     Known& know(const ChartMarkKey& key);
 

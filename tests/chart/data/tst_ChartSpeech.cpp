@@ -119,6 +119,14 @@ private Q_SLOTS:
         }
     }
 
+    void a_level_in_the_hand_comes_first()
+    {
+        const ChartLook plain = look();
+        QCOMPARE(speech::chartReading(
+                     {plain, candles(), {}, {}, 0.0, 0.0, CrosshairPlace{5, 1.0731}, u"Entry at 1.073"_s}),
+            u"Moving: Entry at 1.073. Crosshair at 1.073. "_s + last + u'.');
+    }
+
     void a_hidden_pane_is_not_read()
     {
         ChartLook with = lookWithIndicators();

@@ -102,6 +102,23 @@ private Q_SLOTS:
         QVERIFY2(reading(chart).startsWith(u"Last bar "_s), qPrintable(reading(chart)));
     }
 
+    void the_keys_move_what_is_read_as_well()
+    {
+        ReaderEars ears;
+        ChartWidget chart;
+        fixtures::showChart(chart, 60);
+        breathe(chart);
+        ears.forget();
+        QTest::keyClick(&chart, Qt::Key_Left);
+        QVERIFY(chart.crosshair());
+        const QString before = reading(chart);
+        QVERIFY2(before.startsWith(u"Crosshair at "_s), qPrintable(before));
+        QTest::keyClick(&chart, Qt::Key_Left);
+        QVERIFY(reading(chart) != before);
+        breathe(chart);
+        QCOMPARE(ears.count(QAccessible::DescriptionChanged), 1);
+    }
+
     void levels_and_drawings_are_children_beside_the_widgets()
     {
         ChartWidget chart;
@@ -288,6 +305,8 @@ private Q_SLOTS:
         QCOMPARE(frame.draggedLevel, 0);
         QVERIFY(level->text(QAccessible::Name).endsWith(QString::number(frame.draggedPrice, 'f', 5)));
         QCOMPARE(level->rect().center().y(), chart.mapToGlobal(QPoint(0, row + 40)).y());
+        QVERIFY(
+            reading(chart).startsWith(u"Moving: "_s + level->text(QAccessible::Name) + u". Crosshair at "_s));
     }
 };
 
