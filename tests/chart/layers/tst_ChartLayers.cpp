@@ -268,6 +268,24 @@ private Q_SLOTS:
         QVERIFY(pixelsOf(image, QRect(332, 111, 66, 18), QColor(0x33, 0x33, 0x33)) > 600);
     }
 
+    void crosshair_tells_the_bar_and_the_price_that_it_is_given()
+    {
+        const std::vector<Candle> candles = fixtures::wave(10);
+        ChartFrame frame = frameOfBars(candles, 7.0, m_texts);
+        frame.pointAt(QPoint(300, 120));
+        const QRect priceTag(332, 111, 66, 18);
+        const QRect timeTag(250, 279, 100, 19);
+        const QImage mouse = paint(&layers::paintCrosshair, frame);
+        frame.crosshair->price += 1.0; // keys stand between the prices of two rows
+        const QImage otherPrice = paint(&layers::paintCrosshair, frame);
+        QVERIFY(otherPrice.copy(priceTag) != mouse.copy(priceTag));
+        QCOMPARE(otherPrice.copy(timeTag), mouse.copy(timeTag));
+        --frame.crosshair->bar; // and on one of two bars in a column
+        const QImage otherBar = paint(&layers::paintCrosshair, frame);
+        QCOMPARE(otherBar.copy(priceTag), otherPrice.copy(priceTag));
+        QVERIFY(otherBar.copy(timeTag) != otherPrice.copy(timeTag));
+    }
+
     void no_crosshair_outside_the_plot()
     {
         const std::vector<Candle> candles = fixtures::wave(10);
