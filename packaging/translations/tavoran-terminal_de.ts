@@ -1417,7 +1417,7 @@ Erstellt mit Qt %2, ausgeführt mit Qt %3</translation>
     </message>
     <message>
         <source>Connection closed</source>
-        <translation>Verbindung geschlossen</translation>
+        <translation>Verbindung beendet</translation>
     </message>
 </context>
 <context>
