@@ -478,7 +478,7 @@ Erstellt mit Qt %2, ausgeführt mit Qt %3</translation>
     <message>
         <source>Moving: %1</source>
         <extracomment>%1 a level of a trade and the price where it is held</extracomment>
-        <translation>In der Hand: %1</translation>
+        <translation>Wird verschoben: %1</translation>
     </message>
 </context>
 <context>
