@@ -1076,7 +1076,7 @@ Erstellt mit Qt %2, ausgeführt mit Qt %3</translation>
     </message>
     <message>
         <source>Double-click to attach to the active chart</source>
-        <translation>Doppelklicken, um ihn auf dem aktiven Chart zu starten</translation>
+        <translation>Doppelklick startet den Expert Advisor auf dem aktiven Chart</translation>
     </message>
     <message>
         <source>Active account</source>
