@@ -7,6 +7,7 @@
 #include "chart/data/MovingAverageSpec.h"
 
 #include <QList>
+#include <QRect>
 #include <QString>
 
 /// What a chart is told to show besides its candles, as the layers use it.
@@ -19,7 +20,7 @@ struct ChartLook {
     ChartColors colors;
     ChartType type = ChartType::Candles;
     QList<MovingAverageSpec> averages;
-    int legendIndent = 0; ///< columns that something covers to the left of the averages' names
+    QRect covered; ///< what a panel covers; texts at the left edge of the plot stand beside it
     QList<IndicatorPane> panes = hiddenPanes(); ///< the first that is shown is the lowest
 };
 

@@ -2,6 +2,7 @@
 #include "chart/data/DrawingGeometry.h"
 #include "chart/layers/ChartFrame.h"
 #include "chart/layers/Layers.h"
+#include "chart/layers/LeftTexts.h"
 #include "chart/layers/LineStrokes.h"
 #include "chart/layers/Strokes.h"
 
@@ -69,8 +70,10 @@ private:
             return;
         const int y = shape.from.y();
         line(QPoint(m_plot.left(), y), QPoint(m_plot.right(), y));
-        m_frame.texts->draw(m_painter, QRect(m_plot.left() + 6, y - 14, 120, 12), Qt::AlignLeft,
-            formatPrice(shape.first.price, m_frame.digits), m_color);
+        QRect room = lefttexts::aboveLine(m_frame, y, 12);
+        room.setWidth(120);
+        m_frame.texts->draw(
+            m_painter, room, Qt::AlignLeft, formatPrice(shape.first.price, m_frame.digits), m_color);
         handle(m_geometry.horizontalLineHandle(y));
     }
 

@@ -2,6 +2,7 @@
 #include "app/base/ServerText.h"
 #include "chart/layers/ChartFrame.h"
 #include "chart/layers/Layers.h"
+#include "chart/layers/LeftTexts.h"
 #include "chart/layers/PriceTag.h"
 #include "chart/layers/Strokes.h"
 
@@ -26,8 +27,7 @@ void paintLevel(QPainter& painter, const ChartFrame& frame, const TradeLevel& le
         //: %1 a level of a trade, %2 its price
         label = QCoreApplication::translate("ChartWidget", "%1  %2")
                     .arg(label, formatPrice(price, frame.digits));
-    frame.texts->draw(
-        painter, QRect(plot.left() + 6, y - 15, plot.width() - 12, 13), Qt::AlignLeft, label, level.color);
+    frame.texts->draw(painter, lefttexts::aboveLine(frame, y, 13), Qt::AlignLeft, label, level.color);
     if (!dragged)
         return;
     const QRect tag = priceTagBox(view, y);

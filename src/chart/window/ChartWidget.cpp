@@ -244,9 +244,9 @@ void ChartWidget::setMeasureMode(bool on)
         Q_EMIT settingsChanged();
 }
 
-void ChartWidget::setLegendIndent(int columns)
+void ChartWidget::setCovered(const QRect& part)
 {
-    if (assign(m_look.legendIndent, columns))
+    if (assign(m_look.covered, part))
         update();
 }
 

@@ -103,8 +103,8 @@ public:
     void setMeasureMode(bool on);
     [[nodiscard]] bool measureMode() const { return m_gestures.ruler().isArmed(); }
 
-    /// Moves the averages' names to the right by so many columns, beside what covers the corner.
-    void setLegendIndent(int columns);
+    /// Texts that would lie below what covers this part of the chart are shown beside it.
+    void setCovered(const QRect& part);
 
     /// The drag of a level goes on while its line is among them at the same price; otherwise it ends without
     /// asking for anything.

@@ -54,7 +54,7 @@ ChartWindow::ChartWindow(ApiClient& api, const QString& symbol, const QString& t
     m_chart->setDigits(m_digits);
     m_expert->setDigits(m_digits);
     labelChart();
-    placeLegend();
+    placeTexts();
     setWindowTitle(title());
 
     connect(m_chart, &ChartWidget::crosshairMoved, this, &ChartWindow::crosshairMoved);
@@ -333,13 +333,12 @@ bool ChartWindow::oneClickTrading() const
 void ChartWindow::setOneClickTrading(bool on)
 {
     m_oneClick->setVisible(on);
-    placeLegend();
+    placeTexts();
 }
 
-void ChartWindow::placeLegend()
+void ChartWindow::placeTexts()
 {
-    constexpr int gap = 6;
-    m_chart->setLegendIndent(oneClickTrading() ? m_oneClick->sizeHint().width() + gap : 0);
+    m_chart->setCovered(oneClickTrading() ? QRect(m_oneClick->pos(), m_oneClick->sizeHint()) : QRect());
 }
 
 void ChartWindow::setMeasureMode(bool on)

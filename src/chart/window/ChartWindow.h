@@ -152,7 +152,7 @@ private:
     void connectExpert();
     void labelChart();
     /// Names the averages beside the panel while it covers their corner.
-    void placeLegend();
+    void placeTexts();
     void nameWindow();
     void showQuote();
 

@@ -108,6 +108,54 @@ private Q_SLOTS:
         QVERIFY(named(panel.right() + 1, panel.right() + 80));
     }
 
+    void doesNotHideTheLabelsOfLevels_data()
+    {
+        QTest::addColumn<bool>("drawn");
+        QTest::newRow("of a trade") << false;
+        QTest::newRow("of a drawn line") << true;
+    }
+    void doesNotHideTheLabelsOfLevels()
+    {
+        QFETCH(const bool, drawn);
+        const ServedChart served;
+        ChartWidget& chart = served.chart();
+        std::vector<Candle> candles = fixtures::wave(2);
+        chart.setCandles(candles);
+        served.show();
+        const QRect panel = panelOf(served).geometry();
+        const QColor color(u"#ff00ff"_s);
+        const auto inkAbove = [&](int row, int from, int to) {
+            const QImage picture = chart.grab(QRect(from, row - 13, to - from, 12)).toImage();
+            int ink = 0;
+            for (int y = 0; y < picture.height(); ++y) {
+                for (int x = 0; x < picture.width(); ++x) {
+                    const QColor pixel = picture.pixelColor(x, y);
+                    ink += pixel.red() > 100 && pixel.blue() > 100 && pixel.green() < 60 ? 1 : 0;
+                }
+            }
+            return ink;
+        };
+        for (int wanted = 15; wanted < 90; wanted += 3) {
+            const double price = chart.view().priceAt(wanted + 0.5);
+            const int row = chart.view().pricePixel(price);
+            if (drawn)
+                chart.setDrawings({{u"1"_s, u"hline"_s, {{fixtures::barTime(0), price}}, color, false}});
+            else
+                chart.setTradeLevels({{u"7"_s, u"SL"_s, price, u"sl #77777"_s, color, Qt::SolidLine, false}});
+            const bool behind = row - 13 <= panel.bottom() && row - 2 >= panel.top();
+            const int left = inkAbove(row, 6, panel.right());
+            const int right = inkAbove(row, panel.right() + 1, panel.right() + 90);
+            served.window->setOneClickTrading(false);
+            const int whole = inkAbove(row, 6, panel.right());
+            served.window->setOneClickTrading(true);
+            QVERIFY2(whole > 10, qPrintable(QString::number(row)));
+            // Other texts of the chart may lie below a few of its pixels.
+            const auto isWhole = [whole](int ink) { return ink * 10 > whole * 7; };
+            QVERIFY2(isWhole(right) || (isWhole(left) && !behind),
+                qPrintable(u"row %1: %2 left, %3 right of %4"_s.arg(row).arg(left).arg(right).arg(whole)));
+        }
+    }
+
     void keepsItsSizesInEveryTheme_data() { addThemes(); }
     void keepsItsSizesInEveryTheme()
     {
