@@ -2,6 +2,7 @@
 
 #include "app/base/ServerText.h"
 #include "app/ui/WheelFocus.h"
+#include "mainwindow/FittingLabel.h"
 #include "net/WsClient.h"
 
 #include <QComboBox>
@@ -15,11 +16,13 @@ namespace {
 
 constexpr int trafficPauseMs = 250;
 constexpr int selectorCharacters = 36;
+constexpr int leastSelectorCharacters = 14;
+/// Beside a message, in pixels.
+constexpr int messageMargins = 16;
 constexpr auto connectedColor = "#26d367"_L1;
 
-QLabel* addLabel(QStatusBar& bar, const QString& name, Qt::TextFormat format)
+QLabel* addLabel(QStatusBar& bar, QLabel* label, const QString& name, Qt::TextFormat format)
 {
-    auto* label = new QLabel(&bar);
     label->setObjectName(name);
     label->setTextFormat(format);
     bar.addPermanentWidget(label);
@@ -30,6 +33,7 @@ QLabel* addLabel(QStatusBar& bar, const QString& name, Qt::TextFormat format)
 
 StatusPanel::StatusPanel(QStatusBar& bar, const QString& server, QObject* parent)
     : QObject(parent)
+    , m_bar(bar)
     , m_server(shownSentence(server).toHtmlEscaped())
     , m_accountSelector(new QComboBox(&bar))
 {
@@ -38,11 +42,14 @@ StatusPanel::StatusPanel(QStatusBar& bar, const QString& server, QObject* parent
     m_accountSelector->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
     m_accountSelector->setMinimumContentsLength(selectorCharacters);
     takeWheelOnlyFocused(*m_accountSelector);
+    m_accountSelector->ensurePolished();
+    m_accountSelector->setMinimumWidth(
+        m_accountSelector->fontMetrics().averageCharWidth() * leastSelectorCharacters);
     bar.addPermanentWidget(m_accountSelector);
-    m_connection = addLabel(bar, u"connectionLabel"_s, Qt::RichText);
-    m_latency = addLabel(bar, u"latencyLabel"_s, Qt::PlainText);
-    m_traffic = addLabel(bar, u"trafficLabel"_s, Qt::RichText);
-    m_user = addLabel(bar, u"userLabel"_s, Qt::PlainText);
+    m_connection = addLabel(bar, new FittingLabel(&bar), u"connectionLabel"_s, Qt::RichText);
+    m_latency = addLabel(bar, new QLabel(&bar), u"latencyLabel"_s, Qt::PlainText);
+    m_traffic = addLabel(bar, new QLabel(&bar), u"trafficLabel"_s, Qt::RichText);
+    m_user = addLabel(bar, new FittingLabel(&bar), u"userLabel"_s, Qt::PlainText);
     m_user->setText(tr("Not logged in"));
     m_user->setStyleSheet(u"color:#8a94a6;"_s);
     setConnected(false);
@@ -55,9 +62,12 @@ StatusPanel::StatusPanel(QStatusBar& bar, const QString& server, QObject* parent
     // Tips of menu entries clear the message behind them; the idle text comes back.
     const QString idle = tr("For Help, press F1");
     bar.showMessage(idle);
-    connect(&bar, &QStatusBar::messageChanged, this, [&bar, idle](const QString& message) {
+    keepRoomFor(idle);
+    connect(&bar, &QStatusBar::messageChanged, this, [this, &bar, idle](const QString& message) {
         if (message.isEmpty())
             bar.showMessage(idle);
+        else
+            keepRoomFor(message);
     });
 }
 
@@ -73,6 +83,22 @@ QString StatusPanel::hostOf(const QString& address)
 {
     const QString host = QUrl(address).host();
     return host.isEmpty() ? address : host;
+}
+
+/// The bar would give its widgets all that they ask for, and the message what is left.
+void StatusPanel::keepRoomFor(const QString& message)
+{
+    m_bar.ensurePolished();
+    const int wanted = m_bar.fontMetrics().horizontalAdvance(message) + messageMargins;
+    const QMargins before = m_bar.contentsMargins();
+    const int widgets = m_bar.minimumSizeHint().width() - before.left() - before.right();
+    // A longer message than there is room for must not make the window wider.
+    const int idle = m_bar.fontMetrics().horizontalAdvance(tr("For Help, press F1")) + messageMargins;
+    const int room = std::max(idle, std::min(wanted, m_bar.width() - widgets));
+    if (m_bar.layoutDirection() == Qt::RightToLeft)
+        m_bar.setContentsMargins(0, 0, room, 0);
+    else
+        m_bar.setContentsMargins(room, 0, 0, 0);
 }
 
 void StatusPanel::setUser(const QString& email)

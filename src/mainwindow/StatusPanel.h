@@ -42,7 +42,9 @@ public Q_SLOTS:
 
 private:
     void showTraffic();
+    void keepRoomFor(const QString& message);
 
+    QStatusBar& m_bar;
     QString m_server;
     QComboBox* m_accountSelector;
     QLabel* m_connection;

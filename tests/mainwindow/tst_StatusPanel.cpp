@@ -7,6 +7,9 @@
 #include <QLineEdit>
 #include <QMainWindow>
 #include <QStatusBar>
+#include <QToolTip>
+
+#include <algorithm>
 
 using namespace Qt::StringLiterals;
 
@@ -50,6 +53,72 @@ private Q_SLOTS:
         QMainWindow window;
         StatusPanel panel(*window.statusBar(), u"<img src=x>%1"_s);
         QVERIFY(text(window, u"connectionLabel"_s).endsWith(u"Disconnected — &lt;img src=x&gt;%1"_s));
+    }
+
+    void aNarrowWindowShowsMessageAndWidgetsSideBySide()
+    {
+        QMainWindow window;
+        StatusPanel panel(*window.statusBar(), u"terminal.a-platform-with-a-long-name.example"_s);
+        panel.setUser(u"first.name.and.last.name@a-long-name.example"_s);
+        panel.setLatency(123);
+        panel.setTraffic(123'456'789, 12'345'678);
+        window.show();
+        window.resize(700, 200);
+        QCoreApplication::processEvents();
+        QCOMPARE(window.width(), 700);
+        const QStatusBar& bar = *window.statusBar();
+        int first = bar.width();
+        int last = 0;
+        QList<QWidget*> shown;
+        for (const QString& name : {u"accountSelector"_s, u"connectionLabel"_s, u"latencyLabel"_s,
+                 u"trafficLabel"_s, u"userLabel"_s}) {
+            auto* widget = bar.findChild<QWidget*>(name);
+            for (const QWidget* other : shown)
+                QVERIFY(!other->geometry().intersects(widget->geometry()));
+            shown.append(widget);
+            first = std::min(first, widget->x());
+            last = std::max(last, widget->geometry().right());
+        }
+        QVERIFY(bar.fontMetrics().horizontalAdvance(bar.currentMessage()) + 8 <= first);
+        QVERIFY(last < bar.width());
+        // What has no room is told by a tip.
+        auto* user = bar.findChild<QLabel*>(u"userLabel"_s);
+        QVERIFY(user->width() < user->sizeHint().width());
+        QHelpEvent question(QEvent::ToolTip, QPoint(3, 3), user->mapToGlobal(QPoint(3, 3)));
+        QCoreApplication::sendEvent(user, &question);
+        QCOMPARE(QToolTip::text(), user->text());
+        QToolTip::hideText();
+        // Its beginning is painted, and ends before the edge.
+        const QImage picture = user->grab().toImage();
+        const auto inkIn = [&](int from, int to) {
+            int ink = 0;
+            for (int y = 0; y < picture.height(); ++y) {
+                for (int x = from; x < to; ++x)
+                    ink += picture.pixel(x, y) != picture.pixel(0, 0) ? 1 : 0;
+            }
+            return ink;
+        };
+        QVERIFY(inkIn(0, picture.width() / 2) > 20);
+        QCOMPARE(inkIn(picture.width() - 1, picture.width()), 0);
+    }
+
+    void aLongerMessageGetsRoomWithoutAWiderWindow()
+    {
+        QMainWindow window;
+        StatusPanel panel(*window.statusBar(), u"terminal.example"_s);
+        panel.setUser(u"trader@terminal.example"_s);
+        window.show();
+        window.resize(760, 200);
+        QStatusBar& bar = *window.statusBar();
+        bar.showMessage(u"Click the first point of the trend line"_s);
+        QCoreApplication::processEvents();
+        QVERIFY(bar.fontMetrics().horizontalAdvance(bar.currentMessage()) + 8
+            <= bar.findChild<QWidget*>(u"accountSelector"_s)->x());
+        bar.showMessage(QString(500, u'x'));
+        QCoreApplication::processEvents();
+        QCOMPARE(window.width(), 760);
+        bar.clearMessage();
+        QCOMPARE(bar.currentMessage(), u"For Help, press F1"_s);
     }
 
     void userIsPlainText()
