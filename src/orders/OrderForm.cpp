@@ -18,6 +18,8 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
+#include <algorithm>
+
 using namespace Qt::StringLiterals;
 
 namespace {
@@ -148,8 +150,8 @@ QLayout* OrderForm::buildButtons()
     for (QPushButton* button : {m_sell, m_buy}) {
         // Enter pressed in a field must not place an order.
         button->setAutoDefault(false);
-        button->setMinimumHeight(34);
         row->addWidget(button);
+        button->setMinimumHeight(std::max(34, button->minimumSizeHint().height()));
     }
     return row;
 }

@@ -6,6 +6,8 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
+#include <algorithm>
+
 using namespace Qt::StringLiterals;
 
 namespace {
@@ -14,6 +16,9 @@ constexpr auto typeStyle
     = "QPushButton{ text-align:left; padding:8px 10px; border:none;background:transparent; color:#222; }"
       "QPushButton:checked{ background:#ffffff; border-left:3px solid #0e639c;font-weight:bold; }"
       "QPushButton:hover{ background:#e8e8e8; }"_L1;
+
+/// Of the panel, unless its texts need more.
+constexpr int usualWidth = 200;
 
 constexpr auto toolStyle
     = "QPushButton{ text-align:left; padding:6px 10px; border:none;background:transparent; color:#444; } "
@@ -29,12 +34,26 @@ QPushButton* addButton(QVBoxLayout* layout, const QString& text, OrderIcon icon,
     return button;
 }
 
+/// By how much a chosen type is wider than the same one among the others.
+int roomForChoice(const QList<QAbstractButton*>& types)
+{
+    constexpr int mark = 3;
+    int most = 0;
+    for (const QAbstractButton* type : types) {
+        QFont bold = type->font();
+        bold.setBold(true);
+        most = std::max(most,
+            QFontMetrics(bold).horizontalAdvance(type->text())
+                - type->fontMetrics().horizontalAdvance(type->text()));
+    }
+    return most + mark;
+}
+
 } // namespace
 
 OrderTypePanel::OrderTypePanel(QWidget* parent)
     : QWidget(parent)
 {
-    setFixedWidth(200);
     setAttribute(Qt::WA_StyledBackground);
     setStyleSheet("background:#f3f3f3;"_L1);
     auto* layout = new QVBoxLayout(this);
@@ -63,6 +82,7 @@ OrderTypePanel::OrderTypePanel(QWidget* parent)
     addButton(layout, tr("Depth of Market"), OrderIcon::Depth, toolStyle)->setEnabled(false);
     QPushButton* leave = addButton(layout, tr("Minimize"), OrderIcon::Minimize, toolStyle);
     m_focusOrder.append(leave);
+    setFixedWidth(std::max(usualWidth, layout->sizeHint().width() + roomForChoice(types->buttons())));
 
     connect(types, &QButtonGroup::idClicked, this, [this](int id) { Q_EMIT typeChosen(OrderType(id)); });
     connect(leave, &QPushButton::clicked, this, &OrderTypePanel::leaveRequested);

@@ -9,6 +9,8 @@
 #include <QLabel>
 #include <QVBoxLayout>
 
+#include <algorithm>
+
 using namespace Qt::StringLiterals;
 
 DataWindow::DataWindow(const ChartWidget& chart, const QString& symbol, QWidget* parent)
@@ -53,6 +55,8 @@ void DataWindow::follow()
         return;
     m_shown = now;
     m_label->setText(text(now));
+    // Grows with its texts in large letters, and does not jump back.
+    m_label->setMinimumWidth(std::max(m_label->minimumWidth(), m_label->sizeHint().width()));
 }
 
 QString DataWindow::text(const Shown& shown) const

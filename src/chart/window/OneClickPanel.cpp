@@ -12,12 +12,21 @@
 #include <QMouseEvent>
 #include <QPushButton>
 
+#include <algorithm>
+
 using namespace Qt::StringLiterals;
 
 namespace {
 
 constexpr QSize buttonSize(62, 30);
 constexpr QSize volumeSize(66, 30);
+
+/// A size that goes with ordinary letters, larger where these are.
+QSize withLetters(const QSize& size, const QWidget& widget)
+{
+    constexpr double ordinary = 96.0;
+    return size * std::max(widget.logicalDpiY() / ordinary, 1.0);
+}
 
 /// The style rule for one arrow. Empty, which leaves the theme's own arrow, when there is no file or its path
 /// cannot stand between quotes.
@@ -44,7 +53,7 @@ QString volumeStyle()
 /// A price with its ends cut off reads as another price: a long one is written narrower.
 void showCaption(QPushButton& button, const QString& caption)
 {
-    constexpr int room = buttonSize.width() - 4;
+    const int room = button.width() - 4;
     // Digits are equally wide, so a price as long as the last one need not be measured.
     const bool isAsLong = caption.size() == button.text().size();
     button.setText(caption);
@@ -62,7 +71,7 @@ void showCaption(QPushButton& button, const QString& caption)
 
 QPushButton* tradeButton(const QString& caption, const QString& style, QWidget* parent)
 {
-    auto* button = new CompactButton(buttonSize, parent);
+    auto* button = new CompactButton(withLetters(buttonSize, *parent), parent);
     button->setText(caption);
     button->setCursor(Qt::PointingHandCursor);
     button->setStyleSheet(style);
@@ -94,7 +103,7 @@ OneClickPanel::OneClickPanel(const QString& symbol, QWidget* parent)
     m_volume->setRange(0.01, 1000.0);
     m_volume->setSingleStep(0.01);
     m_volume->setValue(0.01);
-    m_volume->setFixedSize(volumeSize);
+    m_volume->setFixedSize(withLetters(volumeSize, *this));
     m_volume->setStyleSheet(volumeStyle());
     m_volume->setAccessibleName(tr("Volume in lots"));
     m_buy = tradeButton(tr("BUY\n—"),

@@ -16,12 +16,17 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
+#include <algorithm>
+
 using namespace Qt::StringLiterals;
 
 namespace {
 
+/// Unless large letters need more.
 constexpr int dialogWidth = 400;
 constexpr int bannerHeight = 96;
+/// Beside the text of a field.
+constexpr int fieldMargins = 24;
 constexpr QMargins outerMargins(0, 0, 0, 16);
 constexpr QMargins rowMargins(24, 4, 24, 0);
 
@@ -46,12 +51,9 @@ LoginDialog::LoginDialog(TerminalSettings& settings, QWidget* parent)
     setWindowTitle(tr("Tavoran Terminal"));
     setWindowIcon(appIcon());
     setModal(true);
-    setFixedWidth(dialogWidth);
 
     auto* const banner = new QLabel(this);
     banner->setObjectName("banner"_L1);
-    banner->setPixmap(renderBanner(dialogWidth, bannerHeight));
-    banner->setFixedSize(dialogWidth, bannerHeight);
     banner->setAccessibleName(tr("Tavoran"));
 
     m_errorLabel->setStyleSheet(u"color:#ff6b6b; padding:0 24px;"_s);
@@ -59,9 +61,14 @@ LoginDialog::LoginDialog(TerminalSettings& settings, QWidget* parent)
     auto* const outer = new QVBoxLayout(this);
     outer->setContentsMargins(outerMargins);
     outer->addWidget(banner);
-    outer->addLayout(buildForm());
+    QLayout* const form = buildForm();
+    outer->addLayout(form);
     outer->addWidget(m_errorLabel);
     outer->addLayout(buildButtons());
+    const int width = std::max(dialogWidth, form->minimumSize().width());
+    setFixedWidth(width);
+    banner->setPixmap(renderBanner(width, bannerHeight));
+    banner->setFixedSize(width, bannerHeight);
     refuseHeldEnter(*this);
 
     (m_email->text().isEmpty() ? m_email : m_password)->setFocus();
@@ -84,6 +91,9 @@ QLayout* LoginDialog::buildForm()
 {
     m_email->setText(m_settings.email());
     m_email->setPlaceholderText(u"trader@example.com"_s);
+    m_email->ensurePolished();
+    m_email->setMinimumWidth(
+        m_email->fontMetrics().horizontalAdvance(m_email->placeholderText()) + fieldMargins);
     m_password->setEchoMode(QLineEdit::Password);
     m_remember->setChecked(m_settings.remember());
 
@@ -163,7 +173,7 @@ void LoginDialog::fitHeight()
 {
     // A wrapped label does not by itself make its window taller when it appears, nor lower when it goes.
     layout()->activate();
-    resize(dialogWidth, layout()->totalHeightForWidth(dialogWidth));
+    resize(width(), layout()->totalHeightForWidth(width()));
 }
 
 void LoginDialog::askForPassword()
