@@ -12,7 +12,7 @@ QRect within(const QRect& outer, int distance)
 } // namespace
 
 FocusRing::FocusRing(QWidget& parent)
-    : QWidget(&parent)
+    : QFocusFrame(&parent)
 {
     setObjectName(QStringLiteral("focusRing"));
     setAttribute(Qt::WA_TransparentForMouseEvents);

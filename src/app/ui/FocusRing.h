@@ -1,10 +1,12 @@
 #pragma once
 
-#include <QWidget>
+#include <QColor>
+#include <QFocusFrame>
 
 /// A ring of dark and light lines that is drawn over its parent: on any colours, in either theme, at least
-/// one of them stands out. It takes no mouse and no key, and covers nothing but its lines.
-class FocusRing final : public QWidget {
+/// one of them stands out. It takes no mouse and no key, covers nothing but its lines, and is nothing to a
+/// screen reader.
+class FocusRing final : public QFocusFrame {
     Q_OBJECT
     Q_DISABLE_COPY_MOVE(FocusRing)
 

@@ -5,6 +5,7 @@
 #include "support/RingContrast.h"
 #include "support/TestMain.h"
 
+#include <QAccessible>
 #include <QCheckBox>
 #include <QComboBox>
 #include <QDialog>
@@ -300,15 +301,17 @@ private Q_SLOTS:
         dialog.close();
     }
 
-    void a_ring_takes_no_mouse_and_no_key()
+    void a_ring_takes_no_mouse_and_no_key_and_is_nothing_to_a_screen_reader()
     {
         Desk desk;
         QVERIFY(hands::arriveAt(&desk));
+        const int parts = QAccessible::queryAccessibleInterface(&desk)->childCount();
         desk.tabTo(u"check box"_s);
         QVERIFY(ringSoon());
         const QPoint onRing = ring()->geometry().topLeft() + QPoint(2, 8);
         QVERIFY(ring()->testAttribute(Qt::WA_TransparentForMouseEvents));
         QCOMPARE(ring()->focusPolicy(), Qt::NoFocus);
+        QCOMPARE(QAccessible::queryAccessibleInterface(&desk)->childCount(), parts);
         QCOMPARE(desk.childAt(onRing), &desk.part<QWidget>(u"check box"_s));
     }
 };
