@@ -6,9 +6,12 @@
 #include "app/ui/Theme.h"
 #include "net/records/PriceSnapshot.h"
 #include "panes/AlertDialog.h"
+#include "panes/KeptRows.h"
+#include "panes/RowKeys.h"
 
 #include <QHBoxLayout>
 #include <QPushButton>
+#include <QShortcut>
 #include <QTreeWidget>
 #include <QVBoxLayout>
 
@@ -53,6 +56,9 @@ AlertsPane::AlertsPane(TerminalSettings& settings, QWidget* parent)
 
     connect(add, &QPushButton::clicked, this, &AlertsPane::ask);
     connect(remove, &QPushButton::clicked, this, &AlertsPane::deleteCurrent);
+    new RowKeys(*m_list); // the list's own child
+    auto* key = new QShortcut(Qt::Key_Delete, m_list, this, &AlertsPane::deleteSelected, Qt::WidgetShortcut);
+    key->setAutoRepeat(false); // what comes next is to be looked at first
     fill();
 }
 
@@ -98,12 +104,34 @@ void AlertsPane::addAlert(const PriceAlert& alert)
 void AlertsPane::deleteCurrent()
 {
     const int row = m_list->indexOfTopLevelItem(m_list->currentItem());
-    m_book.removeAt(row);
+    deleteRows(row < 0 ? QList<int>() : QList<int>{row});
+}
+
+void AlertsPane::deleteSelected()
+{
+    QList<int> rows;
+    const QModelIndexList selected = m_list->selectionModel()->selectedRows();
+    for (const QModelIndex& row : selected)
+        rows.append(row.row());
+    std::sort(rows.begin(), rows.end());
+    if (!rows.isEmpty())
+        deleteRows(rows);
+}
+
+void AlertsPane::deleteRows(const QList<int>& rows)
+{
+    for (auto row = rows.crbegin(); row != rows.crend(); ++row)
+        m_book.removeAt(*row);
+    if (!rows.isEmpty())
+        m_list->clear(); // nothing is kept: the next one is selected
     saveAndFill();
-    // Select the next one, so that pressing the button again goes on down the list.
+    // So that deleting again goes on down the list.
     const int last = m_list->topLevelItemCount() - 1;
-    if (row >= 0 && last >= 0)
-        m_list->setCurrentItem(m_list->topLevelItem(std::min(row, last)));
+    if (!rows.isEmpty() && last >= 0) {
+        m_list->selectionModel()->setCurrentIndex(
+            m_list->model()->index(std::min(rows.constFirst(), last), 0),
+            QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
+    }
 }
 
 void AlertsPane::saveAndFill()
@@ -114,7 +142,9 @@ void AlertsPane::saveAndFill()
 
 void AlertsPane::fill()
 {
-    const int current = m_list->indexOfTopLevelItem(m_list->currentItem());
+    // An alert that fires must not take the selection from under the trader's hand.
+    const auto placeOf = [](int row) { return QString::number(row); };
+    const KeptRows kept = KeptRows::of(*m_list, placeOf);
     QList<QTreeWidgetItem*> rows;
     rows.reserve(m_book.alerts().size());
     for (const PriceAlert& alert : m_book.alerts()) {
@@ -125,6 +155,5 @@ void AlertsPane::fill()
     }
     m_list->clear();
     m_list->addTopLevelItems(rows);
-    // An alert that fires must not take the selection from under the trader's hand.
-    m_list->setCurrentItem(m_list->topLevelItem(current));
+    kept.restore(*m_list, placeOf);
 }

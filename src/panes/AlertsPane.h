@@ -41,6 +41,9 @@ private:
     void ask();
     void addAlert(const PriceAlert& alert);
     void deleteCurrent();
+    void deleteSelected();
+    /// In ascending order; selects what comes after them.
+    void deleteRows(const QList<int>& rows);
     void saveAndFill();
     void fill();
 

@@ -2,6 +2,7 @@
 
 #include "app/base/ServerText.h"
 #include "panes/FittingDelegate.h"
+#include "panes/RowKeys.h"
 
 #include <QDateTime>
 #include <QHeaderView>
@@ -75,6 +76,7 @@ LogList::LogList(Clock clock, QWidget* parent)
     setColumnWidth(Time, 140);
     setItemDelegateForColumn(Time, new FittingDelegate(this)); // the end of a time tells most
     setColumnWidth(Source, 110);
+    new RowKeys(*this, Source); // the list's own child
     header()->setStretchLastSection(true);
 }
 

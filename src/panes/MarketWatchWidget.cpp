@@ -5,6 +5,8 @@
 #include "app/ui/Theme.h"
 #include "net/records/PriceSnapshot.h"
 #include "net/records/SymbolRecord.h"
+#include "panes/KeptRows.h"
+#include "panes/RowKeys.h"
 #include "panes/SymbolFacts.h"
 
 #include <QEvent>
@@ -106,6 +108,7 @@ void MarketWatchWidget::buildLists()
     m_list->setColumnWidth(QuoteItem::Symbol, 96);
     m_list->setColumnWidth(QuoteItem::Bid, 70);
     m_list->setColumnWidth(QuoteItem::Ask, 70);
+    new RowKeys(*m_list); // the list's own child
     m_list->installEventFilter(this);
     m_list->viewport()->installEventFilter(this);
 
@@ -153,8 +156,8 @@ void MarketWatchWidget::activate(const QTreeWidgetItem* item)
 void MarketWatchWidget::setSymbols(const QJsonArray& symbols)
 {
     // A reconnect sends the list again: the trader's place in it stays.
-    const QTreeWidgetItem* current = m_list->currentItem();
-    const QString currentName = symbolOf(current);
+    const auto nameOf = [this](int row) { return symbolOf(m_list->topLevelItem(row)); };
+    const KeptRows kept = KeptRows::of(*m_list, nameOf);
     const int scrolled = m_list->verticalScrollBar()->value();
 
     m_reportedItem = nullptr;
@@ -168,8 +171,7 @@ void MarketWatchWidget::setSymbols(const QJsonArray& symbols)
     for (const QJsonObject& record : records)
         appendSymbol(record);
 
-    if (const auto kept = m_symbolRows.constFind(currentName); kept != m_symbolRows.cend())
-        m_list->setCurrentItem(kept->item);
+    kept.restore(*m_list, nameOf);
     m_list->verticalScrollBar()->setValue(scrolled);
     if (m_pages->currentIndex() == DetailsPage)
         showDetails(currentSymbol());

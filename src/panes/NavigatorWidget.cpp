@@ -4,6 +4,7 @@
 #include "app/ui/Theme.h"
 #include "net/records/AccountRecord.h"
 #include "panes/PaneIcons.h"
+#include "panes/RowEntry.h"
 
 #include <QEvent>
 #include <QFileInfo>
@@ -66,6 +67,7 @@ NavigatorWidget::NavigatorWidget(const QList<Indicator>& indicators, QWidget* pa
     layout->addWidget(tabs, 0);
 
     connect(m_tree, &QTreeWidget::itemDoubleClicked, this, &NavigatorWidget::activate);
+    connect(new RowEntry(*m_tree), &RowEntry::entered, this, &NavigatorWidget::activate);
 }
 
 void NavigatorWidget::buildTree(const QList<Indicator>& indicators)

@@ -9,7 +9,7 @@ class QJsonArray;
 class QTreeWidget;
 class QTreeWidgetItem;
 
-/// The docked tree of accounts, indicators and installed scripts. A double-click says what the
+/// The docked tree of accounts, indicators and installed scripts. A double-click or Enter says what the
 /// user wants; someone else does it.
 class NavigatorWidget final : public QWidget {
     Q_OBJECT

@@ -1,6 +1,7 @@
 #include "panes/NewsPane.h"
 
 #include "panes/NewsEvent.h"
+#include "panes/RowKeys.h"
 
 #include <QHeaderView>
 #include <QTimer>
@@ -34,6 +35,7 @@ NewsPane::NewsPane(ApiClient& api, QWidget* parent)
     m_list->setColumnWidth(ImpactColumn, 70);
     m_list->header()->setStretchLastSection(false);
     m_list->header()->setSectionResizeMode(EventColumn, QHeaderView::Stretch);
+    new RowKeys(*m_list, EventColumn); // the list's own child
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->addWidget(m_list);

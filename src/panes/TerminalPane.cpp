@@ -4,7 +4,10 @@
 #include "app/ui/Theme.h"
 #include "net/records/PriceSnapshot.h"
 #include "net/records/TradeRecord.h"
+#include "panes/KeptRows.h"
 #include "panes/LogList.h"
+#include "panes/RowEntry.h"
+#include "panes/RowKeys.h"
 #include "panes/TradeCells.h"
 #include "panes/TradeItem.h"
 
@@ -57,6 +60,7 @@ QTreeWidget* makeList(const QString& name, const QStringList& headers, QWidget* 
     list->setUniformRowHeights(true);
     list->setAllColumnsShowFocus(true);
     list->header()->setStretchLastSection(true);
+    new RowKeys(*list); // the list's own child
     return list;
 }
 
@@ -95,8 +99,9 @@ void TerminalPane::buildTradePage()
     setWidths(m_trades, {80, 76, timeWidth, 76, 60, 80, 76, 76, 80, 92, 64});
     m_trades->setContextMenuPolicy(Qt::CustomContextMenu);
     connect(m_trades, &QTreeWidget::customContextMenuRequested, this, &TerminalPane::requestContextMenu);
-    connect(m_trades, &QTreeWidget::itemDoubleClicked, this,
-        [this](const QTreeWidgetItem* item) { Q_EMIT tradeDoubleClicked(recordOf(item)); });
+    const auto report = [this](const QTreeWidgetItem* item) { Q_EMIT tradeDoubleClicked(recordOf(item)); };
+    connect(m_trades, &QTreeWidget::itemDoubleClicked, this, report);
+    connect(new RowEntry(*m_trades), &RowEntry::entered, this, report);
 
     m_summary = new QLabel(page);
     m_summary->setObjectName("accountSummary"_L1);
@@ -156,8 +161,8 @@ void TerminalPane::setOpenRows(
     const QJsonArray& open, const QJsonArray& pending, const QHash<QString, int>& digits)
 {
     // Refreshes come often: the trader's place in the list stays.
-    const QTreeWidgetItem* current = m_trades->currentItem();
-    const QString currentId = current ? trade::id(recordOf(current)) : QString();
+    const auto idOf = [this](int row) { return trade::id(recordOf(m_trades->topLevelItem(row))); };
+    const KeptRows kept = KeptRows::of(*m_trades, idOf);
     const ScrollKeeper scroll(m_trades);
 
     m_digits = digits;
@@ -175,9 +180,7 @@ void TerminalPane::setOpenRows(
     }
     m_trades->addTopLevelItems(items);
     indexRowsBySymbol();
-
-    if (TradeItem* kept = currentId.isEmpty() ? nullptr : m_rowById.value(currentId))
-        m_trades->setCurrentItem(kept);
+    kept.restore(*m_trades, idOf);
 }
 
 void TerminalPane::indexRowsBySymbol()

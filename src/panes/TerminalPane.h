@@ -57,6 +57,7 @@ public Q_SLOTS:
 
 Q_SIGNALS:
     void tradeContextMenu(const QPoint& globalPos, const QJsonObject& trade);
+    /// By two clicks or by Enter.
     void tradeDoubleClicked(const QJsonObject& trade);
 
 private:

@@ -431,6 +431,63 @@ private Q_SLOTS:
         QCOMPARE(desk.list()->indexOfTopLevelItem(desk.list()->currentItem()), 1);
     }
 
+    void firing_keeps_all_that_is_selected()
+    {
+        TerminalSettings::instance().setAlerts(
+            uR"([{"symbol":"EURUSD","price":1,"above":true},{"symbol":"GOLD","price":2},{"symbol":"OIL","price":3}])"_s);
+        AlertsDesk desk;
+        desk.list()->selectAll();
+        desk.list()->topLevelItem(1)->setSelected(false);
+        desk.pane.onPrices(records::prices({{"EURUSD", 1.5}}));
+        QVERIFY(desk.list()->topLevelItem(0)->isSelected());
+        QVERIFY(!desk.list()->topLevelItem(1)->isSelected());
+        QVERIFY(desk.list()->topLevelItem(2)->isSelected());
+    }
+
+    void the_delete_key_deletes_what_is_selected()
+    {
+        TerminalSettings::instance().setAlerts(
+            uR"([{"symbol":"A","price":1},{"symbol":"B","price":2},{"symbol":"C","price":3},{"symbol":"D","price":4}])"_s);
+        const AlertsDesk desk;
+        desk.pane.window()->activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(desk.pane.window()));
+        desk.list()->setFocus();
+        const auto symbols = [&desk] {
+            QStringList all;
+            for (const QString& row : desk.rows())
+                all.append(row.section(u'|', 0, 0));
+            return all;
+        };
+        desk.list()->clearSelection();
+        hands::press(Qt::Key_Delete);
+        QCOMPARE(symbols(), QStringList({u"A"_s, u"B"_s, u"C"_s, u"D"_s}));
+        desk.list()->setCurrentItem(desk.list()->topLevelItem(0));
+        QTest::keyClick(desk.list(), Qt::Key_Down, Qt::ShiftModifier);
+        hands::press(Qt::Key_Delete);
+        QCOMPARE(symbols(), QStringList({u"C"_s, u"D"_s}));
+        QVERIFY(!stored().contains(u"\"A\""_s));
+        // The next one is selected, but goes only with another press.
+        QCOMPARE(desk.list()->selectedItems(), QList<QTreeWidgetItem*>{desk.list()->topLevelItem(0)});
+        hands::hold(Qt::Key_Delete);
+        QCOMPARE(symbols(), QStringList({u"C"_s, u"D"_s}));
+        hands::press(Qt::Key_Delete);
+        hands::press(Qt::Key_Delete);
+        hands::press(Qt::Key_Delete);
+        QCOMPARE(symbols(), QStringList());
+    }
+
+    void the_delete_button_deletes_the_current_alert_whatever_is_selected()
+    {
+        TerminalSettings::instance().setAlerts(
+            uR"([{"symbol":"A","price":1},{"symbol":"B","price":2},{"symbol":"C","price":3}])"_s);
+        const AlertsDesk desk;
+        desk.list()->setCurrentItem(desk.list()->topLevelItem(1));
+        desk.list()->selectAll();
+        desk.click(u"Delete"_s);
+        QCOMPARE(desk.rows().size(), 2);
+        QVERIFY(!stored().contains(u"\"B\""_s));
+    }
+
     void aTriggeredAlertStaysQuietAfterARestart()
     {
         TerminalSettings::instance().setAlerts(

@@ -36,6 +36,21 @@ class TestMarketWatchWidget final : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
+    void the_list_sent_again_keeps_all_that_is_selected()
+    {
+        Watch watch;
+        watch.list->selectAll();
+        watch.row(u"GOLD"_s)->setSelected(false);
+        watch.list->selectionModel()->setCurrentIndex(
+            watch.list->model()->index(0, 0), QItemSelectionModel::NoUpdate);
+        watch.widget.setSymbols(parseArray(threeSymbols));
+        QVERIFY(!watch.row(u"GOLD"_s)->isSelected());
+        QVERIFY(watch.row(u"EURUSD"_s)->isSelected());
+        QVERIFY(watch.row(u"OIL"_s)->isSelected());
+        QCOMPARE(watch.list->currentIndex().row(), 0);
+        QCOMPARE(watch.widget.currentSymbol(), u"GOLD"_s);
+    }
+
     void init()
     {
         setTheme(false);

@@ -1,5 +1,6 @@
 #include "app/ui/Theme.h"
 #include "panes/NavigatorWidget.h"
+#include "support/Hands.h"
 #include "support/ParseJson.h"
 #include "support/Records.h"
 #include "support/TestMain.h"
@@ -61,6 +62,30 @@ class TestNavigatorWidget final : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
+    void enter_does_what_a_double_click_does_once()
+    {
+        Navigator navigator;
+        navigator.widget.setAccounts({records::account("a1")});
+        navigator.widget.setExperts({u"/x/Cross.js"_s});
+        navigator.widget.activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(&navigator.widget));
+        QStringList told;
+        connect(&navigator.widget, &NavigatorWidget::accountActivated, this,
+            [&told](const QString& id) { told.append(u"account "_s + id); });
+        connect(&navigator.widget, &NavigatorWidget::indicatorActivated, this,
+            [&told](const QString& key) { told.append(u"indicator "_s + key); });
+        connect(&navigator.widget, &NavigatorWidget::expertActivated, this,
+            [&told](const QString& path) { told.append(u"expert "_s + path); });
+        navigator.tree->setFocus();
+        for (QTreeWidgetItem* item : {navigator.root(), navigator.accounts(), navigator.accounts()->child(0),
+                 navigator.indicators()->child(2), navigator.experts()->child(0)}) {
+            navigator.tree->setCurrentItem(item);
+            hands::press(Qt::Key_Return);
+            hands::hold(Qt::Key_Return);
+        }
+        QCOMPARE(told, QStringList({u"account a1"_s, u"indicator rsi"_s, u"expert /x/Cross.js"_s}));
+    }
+
     void hasItsFoldersAndIndicatorsFromTheStart()
     {
         const Navigator navigator;

@@ -1,6 +1,7 @@
 #include "net/records/Quote.h"
 #include "panes/TerminalPane.h"
 #include "panes/TradeCells.h"
+#include "support/Hands.h"
 #include "support/ParseJson.h"
 #include "support/Records.h"
 #include "support/TestMain.h"
@@ -75,6 +76,37 @@ class TestTerminalPane final : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
+    void enter_on_a_trade_does_what_a_double_click_does_once()
+    {
+        Toolbox toolbox;
+        toolbox.fill();
+        toolbox.pane.activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(&toolbox.pane));
+        QSignalSpy told(&toolbox.pane, &TerminalPane::tradeDoubleClicked);
+        toolbox.trades->setFocus();
+        toolbox.trades->selectAll();
+        toolbox.trades->selectionModel()->setCurrentIndex(
+            toolbox.trades->model()->index(1, 0), QItemSelectionModel::NoUpdate);
+        hands::press(Qt::Key_Return);
+        hands::hold(Qt::Key_Return);
+        QCOMPARE(told, QList<QVariantList>({{twoPositions.at(1).toObject()}}));
+    }
+
+    void a_refresh_keeps_all_that_is_selected()
+    {
+        Toolbox toolbox;
+        toolbox.fill();
+        toolbox.trades->selectAll();
+        toolbox.trades->topLevelItem(1)->setSelected(false);
+        toolbox.trades->selectionModel()->setCurrentIndex(
+            toolbox.trades->model()->index(1, 0), QItemSelectionModel::NoUpdate);
+        toolbox.fill();
+        QVERIFY(toolbox.trades->topLevelItem(0)->isSelected());
+        QVERIFY(!toolbox.trades->topLevelItem(1)->isSelected());
+        QVERIFY(toolbox.trades->topLevelItem(2)->isSelected());
+        QCOMPARE(toolbox.trades->currentIndex().row(), 1);
+    }
+
     void hasItsTabsAndColumns()
     {
         const Toolbox toolbox;

@@ -1,6 +1,7 @@
 #include "chart/window/AverageDialog.h"
 
 #include "app/ui/FocusOrder.h"
+#include "app/ui/HeldEnter.h"
 #include "app/ui/WheelFocus.h"
 
 #include <QDialogButtonBox>
@@ -25,6 +26,7 @@ AverageDialog::AverageDialog(int usualPeriod, QWidget* parent)
     const auto* buttons = findChild<QDialogButtonBox*>();
     takeWheelOnlyFocused(*period);
     setFocusOrder({period, buttons->button(QDialogButtonBox::Ok), buttons->button(QDialogButtonBox::Cancel)});
+    refuseHeldEnter(*this);
     period->setFocus();
     period->selectAll();
 }

@@ -53,6 +53,19 @@ private Q_SLOTS:
         QCOMPARE(chosen, QList<QVariantList>{{55}});
     }
 
+    void an_enter_that_is_still_held_from_the_list_chooses_nothing()
+    {
+        AverageDialog dialog(20);
+        dialog.open();
+        QSignalSpy chosen(&dialog, &QInputDialog::intValueSelected);
+        QVERIFY(hands::arriveAt(&dialog));
+        hands::hold(Qt::Key_Return);
+        hands::hold(Qt::Key_Return);
+        QVERIFY(dialog.isVisible());
+        hands::press(Qt::Key_Return);
+        QCOMPARE(chosen, QList<QVariantList>{{20}});
+    }
+
     void whatIsTypedAtOnceIsThePeriod()
     {
         AverageDialog dialog(20);

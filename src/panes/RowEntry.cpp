@@ -1,0 +1,24 @@
+#include "panes/RowEntry.h"
+
+#include <QKeyEvent>
+#include <QTreeWidget>
+
+RowEntry::RowEntry(QTreeWidget& list)
+    : QObject(&list)
+    , m_list(list)
+{
+    list.installEventFilter(this);
+}
+
+bool RowEntry::eventFilter(QObject* /*watched*/, QEvent* event)
+{
+    if (event->type() != QEvent::KeyPress)
+        return false;
+    const auto* press = static_cast<const QKeyEvent*>(event);
+    if (press->key() != Qt::Key_Return && press->key() != Qt::Key_Enter)
+        return false;
+    const QTreeWidgetItem* row = m_list.currentItem();
+    if (row && !press->isAutoRepeat())
+        Q_EMIT entered(row);
+    return true;
+}

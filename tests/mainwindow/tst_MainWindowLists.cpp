@@ -1,0 +1,87 @@
+#include "MainWindowFixture.h"
+#include "support/Hands.h"
+#include "support/TestMain.h"
+
+#include <QClipboard>
+#include <QTabWidget>
+
+using namespace Qt::StringLiterals;
+
+/// What keys do in the lists of the main window.
+class tst_MainWindowLists final : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void the_rows_of_each_list_can_be_copied_data()
+    {
+        QTest::addColumn<QString>("headers");
+        QTest::addColumn<QString>("end");
+        QTest::newRow("marketWatchSymbols")
+            << u"Symbol\tBid\tAsk\tDaily"_s << u"USDJPY\t150.500\t150.600\t"_s;
+        QTest::newRow("tradeList")
+            << u"Symbol\tTicket\tTime\tType\tVolume\tPrice\tS / L\tT / P\tPrice\tCommission\tSwap\tProfit"_s
+            << u"12.50"_s;
+        QTest::newRow("historyList") << u"Symbol\tTicket\tOpen Time\tType\tVolume\tPrice\tS / L\tT / P\t"
+                                        "Close Time\tPrice\tCommission\tSwap\tProfit"_s
+                                     << u"7.00"_s;
+        QTest::newRow("expertsList") << u"Time\tSource\tMessage"_s << QString();
+        QTest::newRow("journalList") << u"Time\tSource\tMessage"_s << QString();
+        QTest::newRow("newsList") << u"Time\tCurrency\tImpact\tEvent\tIn"_s << u"5m"_s;
+        QTest::newRow("alertsList") << u"Symbol\tCondition\tPrice\tStatus"_s
+                                    << u"EURUSD\tBid ≥\t9.00000\tActive"_s;
+    }
+    void the_rows_of_each_list_can_be_copied()
+    {
+        QFETCH(const QString, headers);
+        QFETCH(const QString, end);
+        TerminalSettings::instance().setAlerts(uR"([{"symbol":"EURUSD","price":9,"above":true}])"_s);
+        MainWindowFixture f;
+        f.server.on("GET", "/api/trades/history", StubAnswer::list({records::closedTrade("h1").profit(7)}));
+        f.server.on("GET", "/api/news/upcoming", StubAnswer::json(records::news({records::newsEvent("n1")})));
+        f.signInAndSettle();
+        TerminalSettings::instance().setAlerts({});
+        QTRY_COMPARE(f.list("historyList").topLevelItemCount(), 1);
+        QTRY_COMPARE(f.list("newsList").topLevelItemCount(), 1);
+        f.action("Algo Trading")->trigger(); // a line of the Experts tab
+        QVERIFY(hands::arriveAt(f.window.get()) || QApplication::activeWindow() == f.window.get());
+        QTreeWidget& list = f.list(QTest::currentDataTag());
+        for (QWidget* page = &list; page; page = page->parentWidget()) {
+            const auto toolboxes = f.window->findChildren<QTabWidget*>();
+            for (QTabWidget* tabs : toolboxes) {
+                if (tabs->indexOf(page) >= 0)
+                    tabs->setCurrentWidget(page);
+            }
+        }
+        QTRY_VERIFY(list.isVisible());
+        list.setFocus();
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_A, Qt::ControlModifier);
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_C, Qt::ControlModifier);
+        const QStringList lines = QGuiApplication::clipboard()->text().split(u'\n');
+        QCOMPARE(lines.constFirst(), headers);
+        QCOMPARE(lines.size(), list.topLevelItemCount() + 2); // headers, and nothing behind the last end
+        QVERIFY(list.topLevelItemCount() > 0);
+        QVERIFY2(lines.at(lines.size() - 2).endsWith(end), qPrintable(lines.at(lines.size() - 2)));
+    }
+
+    void enter_on_a_trade_opens_one_dialog()
+    {
+        MainWindowFixture f;
+        f.signInAndSettle();
+        QTreeWidget& trades = f.list("tradeList");
+        trades.setFocus();
+        hands::press(Qt::Key_Home);
+        const auto dialogs = [&f] {
+            const auto all = f.window->findChildren<QDialog*>();
+            return std::count_if(all.begin(), all.end(), [](const QDialog* d) { return d->isVisible(); });
+        };
+        QCOMPARE(dialogs(), 0);
+        hands::press(Qt::Key_Return);
+        QTRY_COMPARE(dialogs(), 1);
+        hands::hold(Qt::Key_Return);
+        hands::hold(Qt::Key_Return);
+        QCOMPARE(dialogs(), 1);
+    }
+};
+
+TAVORAN_TEST(tst_MainWindowLists)
+#include "tst_MainWindowLists.moc"
