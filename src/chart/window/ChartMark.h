@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QAccessible>
+#include <QHashFunctions>
 #include <QPointer>
 
 class ChartWidget;
@@ -17,6 +18,11 @@ struct ChartMarkKey {
 
     bool operator==(const ChartMarkKey&) const = default;
 };
+
+[[nodiscard]] inline std::size_t qHash(const ChartMarkKey& key, std::size_t seed = 0)
+{
+    return qHashMulti(seed, static_cast<int>(key.kind), key.id, key.number);
+}
 
 /// The accessible side of such a mark. ChartReader makes it and takes it away with what it stands for.
 class ChartMark final : public QAccessibleInterface, public QAccessibleActionInterface {

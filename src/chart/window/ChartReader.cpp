@@ -7,6 +7,8 @@
 
 #include <QCoreApplication>
 
+#include <utility>
+
 using namespace Qt::StringLiterals;
 
 namespace {
@@ -24,14 +26,6 @@ QString identity(const Drawing& drawing)
     return drawing.type + places;
 }
 
-/// Adds the key, under a number that no equal one has.
-void append(QList<ChartMarkKey>& keys, ChartMarkKey key)
-{
-    while (keys.contains(key))
-        ++key.number;
-    keys.append(key);
-}
-
 } // namespace
 
 ChartReader::ChartReader(ChartWidget& chart)
@@ -42,7 +36,7 @@ ChartReader::ChartReader(ChartWidget& chart)
 
 ChartReader::~ChartReader()
 {
-    for (const Known& known : m_known)
+    for (const Known& known : std::as_const(m_known))
         QAccessible::deleteAccessibleInterface(known.id);
 }
 
@@ -61,50 +55,46 @@ QString ChartReader::levelName(const ChartFrame& frame, qsizetype index) const
         level, frame.draggedLevel == index ? frame.draggedPrice : level.price, m_chart.digits());
 }
 
-QList<ChartMarkKey> ChartReader::marks() const
+void ChartReader::Places::add(ChartMarkKey key, qsizetype index)
 {
-    QList<ChartMarkKey> keys;
-    for (const TradeLevel& level : m_chart.tradeLevels())
-        append(keys, {Kind::Level, level.tradeId + u'/' + level.kind});
-    for (const Drawing& drawing : m_chart.drawings()) {
-        if (!speech::drawingName(drawing, m_chart.digits()).isEmpty())
-            append(keys, {Kind::Drawing, identity(drawing)});
-    }
-    if (!m_chart.autoScroll())
-        keys.append({Kind::EndButton, {}});
-    return keys;
+    while (indices.contains(key))
+        ++key.number;
+    keys.append(key);
+    indices.insert(key, index);
 }
 
-qsizetype ChartReader::markIndex(const ChartMarkKey& key) const
+const ChartReader::Places& ChartReader::places() const
 {
-    ChartMarkKey each = key;
-    each.number = 0;
-    if (key.kind == Kind::Level) {
-        const QList<TradeLevel>& levels = m_chart.tradeLevels();
-        for (qsizetype i = 0; i < levels.size(); ++i) {
-            if (levels.at(i).tradeId + u'/' + levels.at(i).kind == key.id && each.number++ == key.number)
-                return i;
-        }
-    } else if (key.kind == Kind::Drawing) {
-        const QList<Drawing>& drawings = m_chart.drawings();
-        for (qsizetype i = 0; i < drawings.size(); ++i) {
-            if (identity(drawings.at(i)) == key.id && each.number++ == key.number)
-                return i;
-        }
+    if (m_places)
+        return *m_places;
+    Places& now = m_places.emplace();
+    const QList<TradeLevel>& levels = m_chart.tradeLevels();
+    for (qsizetype i = 0; i < levels.size(); ++i)
+        now.add({Kind::Level, levels.at(i).tradeId + u'/' + levels.at(i).kind}, i);
+    const QList<Drawing>& drawings = m_chart.drawings();
+    for (qsizetype i = 0; i < drawings.size(); ++i) {
+        if (!speech::drawingName(drawings.at(i), m_chart.digits()).isEmpty())
+            now.add({Kind::Drawing, identity(drawings.at(i))}, i);
     }
-    return -1;
+    if (!m_chart.autoScroll())
+        now.add({Kind::EndButton, {}}, 0);
+    return now;
 }
 
 QString ChartReader::markName(const ChartMarkKey& key) const
+{
+    return markName(m_chart.frame(), key);
+}
+
+QString ChartReader::markName(const ChartFrame& frame, const ChartMarkKey& key) const
 {
     if (key.kind == Kind::EndButton)
         return QCoreApplication::translate("ChartWidget", "Scroll to the newest bar");
     const qsizetype index = markIndex(key);
     if (index < 0)
         return {};
-    if (key.kind == Kind::Drawing)
-        return speech::drawingName(m_chart.drawings().at(index), m_chart.digits());
-    return levelName(m_chart.frame(), index);
+    return key.kind == Kind::Level ? levelName(frame, index)
+                                   : speech::drawingName(m_chart.drawings().at(index), m_chart.digits());
 }
 
 QAccessibleInterface* ChartReader::mark(const ChartMarkKey& key)
@@ -114,59 +104,62 @@ QAccessibleInterface* ChartReader::mark(const ChartMarkKey& key)
 
 ChartReader::Known& ChartReader::know(const ChartMarkKey& key)
 {
-    for (Known& known : m_known) {
-        if (known.key == key)
-            return known;
-    }
-    m_known.append(
-        {key, QAccessible::registerAccessibleInterface(new ChartMark(m_chart, key)), markName(key)});
-    return m_known.last();
+    const auto known = m_known.find(key);
+    if (known != m_known.end())
+        return *known;
+    const QAccessible::Id id = QAccessible::registerAccessibleInterface(new ChartMark(m_chart, key));
+    return *m_known.insert(key, {id, markName(key)});
 }
 
 void ChartReader::noteMarks()
 {
+    m_places.reset();
     if (m_known.isEmpty() && !isReaderThere())
         return;
-    const QList<ChartMarkKey> now = marks();
     const auto tell = [](QAccessible::Id id, QAccessible::Event kind) {
         QAccessibleEvent event(QAccessible::accessibleInterface(id), kind);
         tellReader(event);
     };
-    for (qsizetype i = m_known.size(); i > 0; --i) {
-        const Known& known = m_known.at(i - 1);
-        if (now.contains(known.key))
+    // A reader may ask about other marks while it is told of one, so nothing is walked through meanwhile.
+    const QList<ChartMarkKey> before = m_known.keys();
+    for (const ChartMarkKey& key : before) {
+        if (places().indices.contains(key))
             continue;
-        tell(known.id, QAccessible::ObjectDestroyed);
-        QAccessible::deleteAccessibleInterface(known.id);
-        m_known.removeAt(i - 1);
+        const QAccessible::Id id = m_known.take(key).id;
+        tell(id, QAccessible::ObjectDestroyed);
+        QAccessible::deleteAccessibleInterface(id);
     }
     if (!isReaderThere())
         return;
+    const QList<ChartMarkKey> now = marks();
     for (const ChartMarkKey& key : now) {
-        const qsizetype before = m_known.size();
-        const QAccessible::Id id = know(key).id;
-        if (m_known.size() > before)
-            tell(id, QAccessible::ObjectCreated);
+        if (!m_known.contains(key))
+            tell(know(key).id, QAccessible::ObjectCreated);
     }
     m_news.note();
 }
 
 bool ChartReader::tellNews()
 {
-    bool told = false;
-    if (QString now = reading(); now != m_toldReading) {
-        m_toldReading = std::move(now);
-        tellReader(m_chart, QAccessible::DescriptionChanged);
-        told = true;
-    }
-    for (Known& known : m_known) {
-        QString name = markName(known.key);
-        if (name == known.toldName)
+    QList<QAccessible::Id> renamed;
+    const ChartFrame frame = m_chart.frame();
+    for (auto known = m_known.begin(); known != m_known.end(); ++known) {
+        QString name = markName(frame, known.key());
+        if (name == known->toldName)
             continue;
-        known.toldName = std::move(name);
-        QAccessibleEvent event(QAccessible::accessibleInterface(known.id), QAccessible::NameChanged);
-        tellReader(event);
-        told = true;
+        known->toldName = std::move(name);
+        renamed.append(known->id);
     }
-    return told;
+    QString now = reading();
+    const bool readsAnew = now != m_toldReading;
+    m_toldReading = std::move(now);
+    if (readsAnew)
+        tellReader(m_chart, QAccessible::DescriptionChanged);
+    for (const QAccessible::Id id : renamed) {
+        if (QAccessibleInterface* mark = QAccessible::accessibleInterface(id)) {
+            QAccessibleEvent event(mark, QAccessible::NameChanged);
+            tellReader(event);
+        }
+    }
+    return readsAnew || !renamed.isEmpty();
 }

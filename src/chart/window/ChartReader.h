@@ -3,7 +3,10 @@
 #include "app/ui/PoliteNews.h"
 #include "chart/window/ChartMark.h"
 
+#include <QHash>
 #include <QList>
+
+#include <optional>
 
 struct ChartFrame;
 
@@ -24,30 +27,43 @@ public:
     void noteMarks();
 
     /// Every mark there is now: levels, drawings, the button.
-    [[nodiscard]] QList<ChartMarkKey> marks() const;
+    [[nodiscard]] const QList<ChartMarkKey>& marks() const { return places().keys; }
     /// The accessible side of one of them.
     [[nodiscard]] QAccessibleInterface* mark(const ChartMarkKey& key);
     /// Kind, trade or points, and price; empty when it is gone.
     [[nodiscard]] QString markName(const ChartMarkKey& key) const;
     /// Which of the levels or drawings it is; -1 when it is gone.
-    [[nodiscard]] qsizetype markIndex(const ChartMarkKey& key) const;
+    [[nodiscard]] qsizetype markIndex(const ChartMarkKey& key) const
+    {
+        return places().indices.value(key, -1);
+    }
 
     [[nodiscard]] PoliteNews& news() { return m_news; }
 
 private:
     struct Known {
-        ChartMarkKey key;
         QAccessible::Id id = 0;
         QString toldName;
     };
+    /// The marks in their order, and where each is among the levels or the drawings. An account may have
+    /// hundreds of trades, and readers ask for one mark after the other.
+    struct Places {
+        QList<ChartMarkKey> keys;
+        QHash<ChartMarkKey, qsizetype> indices;
 
+        void add(ChartMarkKey key, qsizetype index);
+    };
+
+    [[nodiscard]] const Places& places() const;
     /// Of a level of the frame, at the price where it lies or is held.
     [[nodiscard]] QString levelName(const ChartFrame& frame, qsizetype index) const;
+    [[nodiscard]] QString markName(const ChartFrame& frame, const ChartMarkKey& key) const;
     bool tellNews();
     Known& know(const ChartMarkKey& key);
 
     ChartWidget& m_chart;
     PoliteNews m_news;
     QString m_toldReading;
-    QList<Known> m_known;
+    QHash<ChartMarkKey, Known> m_known;
+    mutable std::optional<Places> m_places; ///< nothing while it is to be worked out anew
 };

@@ -207,6 +207,22 @@ private Q_SLOTS:
         QVERIFY(!QAccessible::accessibleInterface(last));
     }
 
+    void the_marks_of_a_full_account_are_found_one_after_the_other()
+    {
+        ChartWidget chart;
+        fixtures::showChart(chart, 60);
+        QList<TradeLevel> levels;
+        for (int i = 0; i < 1500; ++i)
+            levels.append(stopLoss(QString::number(i % 1400), 1.0 + i * 0.001));
+        chart.setTradeLevels(levels);
+        const QList<QAccessibleInterface*> marks = childrenOf(chart);
+        QCOMPARE(marks.size(), 1500);
+        QCOMPARE(QSet<QAccessibleInterface*>(marks.begin(), marks.end()).size(), 1500);
+        QCOMPARE(marks.at(7)->text(QAccessible::Name), u"Stop loss of buy 0.10 #7 at 1.00700"_s);
+        QCOMPARE(marks.at(1407)->text(QAccessible::Name), u"Stop loss of buy 0.10 #7 at 2.40700"_s);
+        QCOMPARE(accessible(chart).indexOfChild(marks.at(1407)), 1407);
+    }
+
     void equal_drawings_that_are_not_stored_yet_are_told_apart()
     {
         ChartWidget chart;
