@@ -55,6 +55,13 @@ Place placeFor(const QWidget& widget)
     return {inWindow(widget, widget.rect()), FocusRing::Thin};
 }
 
+/// Whether the keyboard goes to another window, or comes back from there.
+bool isVisit(Qt::FocusReason reason)
+{
+    return reason == Qt::ActiveWindowFocusReason || reason == Qt::PopupFocusReason
+        || reason == Qt::MenuBarFocusReason;
+}
+
 bool isMarkable(const QWidget& widget)
 {
     // Menus and lists that pop up show their current entry anyway.
@@ -83,7 +90,7 @@ bool FocusMark::eventFilter(QObject* watched, QEvent* event)
     case QEvent::MouseButtonPress:
     case QEvent::TouchBegin:
         m_byKey = false;
-        m_last = nullptr;
+        m_left.clear();
         unmark();
         break;
     case QEvent::FocusIn:
@@ -91,8 +98,11 @@ bool FocusMark::eventFilter(QObject* watched, QEvent* event)
             onFocusIn(*static_cast<QWidget*>(watched), *static_cast<QFocusEvent*>(event));
         break;
     case QEvent::FocusOut:
-        if (watched == m_marked)
+        if (watched == m_marked) {
+            if (isVisit(static_cast<QFocusEvent*>(event)->reason()))
+                m_left.append(m_marked);
             unmark();
+        }
         break;
     case QEvent::Paint: // the current row or tab may be another one, or elsewhere
         if (m_marked && isPaintedFor(watched))
@@ -127,23 +137,19 @@ bool FocusMark::carriesMarked(const QObject* watched) const
 
 void FocusMark::onFocusIn(QWidget& widget, const QFocusEvent& event)
 {
-    bool led = false;
-    switch (event.reason()) {
-    case Qt::TabFocusReason:
-    case Qt::BacktabFocusReason:
-    case Qt::ShortcutFocusReason:
-        led = true;
-        break;
-    case Qt::ActiveWindowFocusReason: // a dialog that a key has opened, or the way back from one
-        led = &widget == m_last || qobject_cast<const QDialog*>(widget.window());
-        break;
-    case Qt::PopupFocusReason:
-    case Qt::MenuBarFocusReason:
-        led = &widget == m_last;
-        break;
-    default:
-        break;
+    // A dialog tells its first field of a focus that it only gets later.
+    if (&widget != QApplication::focusWidget())
+        return;
+    const Qt::FocusReason reason = event.reason();
+    bool led = reason == Qt::TabFocusReason || reason == Qt::BacktabFocusReason
+        || reason == Qt::ShortcutFocusReason;
+    if (isVisit(reason)) {
+        led = m_left.removeAll(&widget) > 0;
+        m_left.removeAll(nullptr);
     }
+    // A dialog that a key has opened.
+    if (reason == Qt::ActiveWindowFocusReason && qobject_cast<const QDialog*>(widget.window()))
+        led = true;
     // Qt says "Tab" too when it moves the focus away from what is closed or disabled.
     if (m_byKey && led && isMarkable(widget))
         mark(widget);
@@ -154,7 +160,6 @@ void FocusMark::onFocusIn(QWidget& widget, const QFocusEvent& event)
 void FocusMark::mark(QWidget& widget)
 {
     m_marked = &widget;
-    m_last = &widget;
     connect(&widget, &QObject::destroyed, this, &FocusMark::onDestroyed, Qt::UniqueConnection);
     follow();
 }

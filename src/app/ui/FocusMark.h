@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QList>
 #include <QObject>
 #include <QPointer>
 
@@ -35,9 +36,9 @@ private:
     /// Whether the mark has to go where this goes.
     [[nodiscard]] bool carriesMarked(const QObject* watched) const;
 
-    QPointer<QWidget> m_marked; ///< what has the focus and is marked
-    QPointer<QWidget> m_last;   ///< what was marked last, for its return from another window
-    QPointer<FocusRing> m_ring; ///< ends with its window
-    bool m_byKey = false;       ///< the last thing done was a key
+    QPointer<QWidget> m_marked;      ///< what has the focus and is marked
+    QList<QPointer<QWidget>> m_left; ///< marked when another window took the keyboard, to be marked on return
+    QPointer<FocusRing> m_ring;      ///< ends with its window
+    bool m_byKey = false;            ///< the last thing done was a key
     bool m_following = false;
 };

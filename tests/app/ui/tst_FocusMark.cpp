@@ -298,7 +298,11 @@ private Q_SLOTS:
         QCOMPARE(ringSoon() != nullptr, byKey);
         if (byKey)
             QCOMPARE(ring()->parentWidget(), &dialog);
-        dialog.close();
+        hands::press(Qt::Key_Escape);
+        desk.activateWindow(); // as a desktop does
+        QVERIFY(hands::arriveAt(&desk));
+        QVERIFY(button.hasFocus());
+        QCOMPARE(ringSoon() != nullptr, byKey);
     }
 
     void a_ring_takes_no_mouse_and_no_key_and_is_nothing_to_a_screen_reader()
