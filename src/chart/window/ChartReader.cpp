@@ -107,7 +107,8 @@ ChartReader::Known& ChartReader::know(const ChartMarkKey& key)
     const auto known = m_known.find(key);
     if (known != m_known.end())
         return *known;
-    const QAccessible::Id id = QAccessible::registerAccessibleInterface(new ChartMark(m_chart, key));
+    QAccessibleInterface* mark = new ChartMark(m_chart, key);
+    const QAccessible::Id id = QAccessible::registerAccessibleInterface(mark);
     return *m_known.insert(key, {id, markName(key)});
 }
 
