@@ -78,11 +78,9 @@ appstreamcli validate --pedantic --no-net /usr/share/metainfo/com.tavoran.Termin
 
 say "A trader's first trade"
 /usr/bin/python3 tests/tour/packaged.py --bin /usr/bin --out /share/pictures
-if [ -x scripts/wayland-picture ]; then
-    say "Wayland"
-    install_packages weston qt6-wayland python3-pil
-    scripts/wayland-picture /usr/bin/tavoran-terminal /usr/bin/tavoran-practice /share/pictures/wayland.png
-fi
+say "Wayland, with what is recommended for it"
+install_packages weston qt6-wayland python3-pil
+scripts/wayland-picture /usr/bin/tavoran-terminal /usr/bin/tavoran-practice /share/pictures/wayland.png
 
 say "Removing"
 data=$HOME/.local/share/tavoran-practice/practice.db
