@@ -29,4 +29,4 @@ def take(stage):
 
 
 if __name__ == "__main__":
-    sys.exit(perform(take, __doc__))
+    sys.exit(perform(take, __doc__, long=False))

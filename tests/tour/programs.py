@@ -65,11 +65,11 @@ class Platform:
             self._process.terminate()
             self._process.wait(10)
 
-    def offences(self):
-        """What of all that has passed is not as the wire is described."""
+    def offences(self, long):
+        """What of all that has passed is not as the wire is described. A `long` run has met every kind of message."""
         description = WireDescription(DOCS)
         offences = self._tap.judge(description)
-        unmet = description.unmet()
+        unmet = description.unmet() if long else ()
         return offences + [f"nothing has passed of {entry}" for entry in (
             "send hello", "receive ping", "POST /api/auth/login 200", "POST /api/trades/place 200") if entry in unmet]
 
