@@ -1,5 +1,6 @@
 #include "mainwindow/DesktopLinks.h"
 
+#include "app/base/ServerText.h"
 #include "mainwindow/ExpertsFolder.h"
 #include "mainwindow/TerminalActions.h"
 
@@ -8,6 +9,7 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QMessageBox>
 #include <QSaveFile>
 #include <QShortcut>
 #include <QStandardPaths>
@@ -31,12 +33,18 @@ bool copyGuide(const QString& path)
 
 } // namespace
 
-void DesktopLinks::serve(const TerminalActions& actions, QWidget& window)
+DesktopLinks::DesktopLinks(QWidget& window)
+    : QObject(&window)
+    , m_window(window)
+{
+}
+
+void DesktopLinks::serve(const TerminalActions& actions)
 {
     connect(actions.openExpertsFolder, &QAction::triggered, this, &DesktopLinks::openExpertsFolder);
     connect(actions.openGuide, &QAction::triggered, this, &DesktopLinks::openGuide);
     // The status bar promises help on this key.
-    const auto* help = new QShortcut(Qt::Key_F1, &window);
+    const auto* help = new QShortcut(Qt::Key_F1, &m_window);
     connect(help, &QShortcut::activated, this, &DesktopLinks::openGuide);
 }
 
@@ -58,11 +66,28 @@ void DesktopLinks::openGuide()
     if (copyGuide(path))
         open(path);
     else
-        Q_EMIT logMessage(tr("Terminal"), tr("The guide could not be written to %1").arg(path));
+        tellFailure(tr("The guide could not be written to %1").arg(path));
 }
 
 void DesktopLinks::open(const QString& path)
 {
     if (!QDesktopServices::openUrl(QUrl::fromLocalFile(path)))
-        Q_EMIT logMessage(tr("Terminal"), tr("The desktop could not open %1").arg(path));
+        tellFailure(tr("The desktop could not open %1").arg(path));
+}
+
+// Without a lock on the window: a trader who missed the guide must still reach an open position.
+void DesktopLinks::tellFailure(const QString& text)
+{
+    Q_EMIT logMessage(tr("Terminal"), text);
+    if (!m_notice) {
+        m_notice
+            = new QMessageBox(QMessageBox::Warning, tr("Tavoran Terminal"), {}, QMessageBox::Ok, &m_window);
+        m_notice->setAttribute(Qt::WA_DeleteOnClose);
+        m_notice->setTextFormat(Qt::PlainText);
+        m_notice->setModal(false);
+    }
+    m_notice->setText(shownSentence(text));
+    m_notice->show();
+    m_notice->raise();
+    m_notice->activateWindow();
 }

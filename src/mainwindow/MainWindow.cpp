@@ -92,7 +92,7 @@ MainWindow::MainWindow(QWidget* parent)
         {m_docks->marketWatchDock().toggleViewAction(), m_docks->navigatorDock().toggleViewAction(),
             m_docks->toolboxDock().toggleViewAction()});
     m_chartCommands = std::make_unique<ChartCommands>(*m_actions, *m_charts, this);
-    m_links = new DesktopLinks(this);
+    m_links = new DesktopLinks(*this);
     m_smallWindows = new SmallWindows(m_book, *m_marketWatch, *this);
     m_tradeActions = std::make_unique<TradeActions>(m_api, m_book, this);
     m_tradeDesk = std::make_unique<TradeDesk>(m_api, m_feed, m_book, *this);
@@ -301,7 +301,7 @@ void MainWindow::connectActions()
     connect(m_actions->about, &QAction::triggered, m_smallWindows, &SmallWindows::showAbout);
     connect(m_actions->checkForUpdates, &QAction::triggered, this,
         [] { UpdateFramework::instance().checkWithUi(); });
-    m_links->serve(*m_actions, *this);
+    m_links->serve(*m_actions);
     connect(m_quitWatch, &QuitWatch::quitRequested, this, &MainWindow::quit);
     // After this the session manager may end the process without another word, or let it go on.
     connect(qApp, &QGuiApplication::commitDataRequest, this, &MainWindow::storeLayout);

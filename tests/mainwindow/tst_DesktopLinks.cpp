@@ -1,9 +1,26 @@
+#include "CommandDriver.h"
 #include "mainwindow/DesktopLinks.h"
 #include "mainwindow/ExpertsFolder.h"
 #include "support/TestMain.h"
 #include "support/UrlCatcher.h"
 
+#include <QMessageBox>
+
 using namespace Qt::StringLiterals;
+
+namespace {
+
+QList<QMessageBox*> boxes(const CommandDriver& d)
+{
+    QList<QMessageBox*> shown;
+    for (QMessageBox* box : d.f.window->findChildren<QMessageBox*>()) {
+        if (box->isVisible())
+            shown.append(box);
+    }
+    return shown;
+}
+
+} // namespace
 
 class tst_DesktopLinks final : public QObject {
     Q_OBJECT
@@ -12,7 +29,8 @@ private Q_SLOTS:
     void theExpertsFolderIsMadeAndOpened()
     {
         UrlCatcher desktop;
-        DesktopLinks links;
+        QWidget window;
+        DesktopLinks links(window);
         QDir(ExpertsFolder::defaultPath()).removeRecursively();
         links.openExpertsFolder();
         QCOMPARE(desktop.urls, QList<QUrl>{QUrl::fromLocalFile(ExpertsFolder::defaultPath())});
@@ -23,7 +41,8 @@ private Q_SLOTS:
     void theGuideIsCopiedAndOpened()
     {
         UrlCatcher desktop;
-        DesktopLinks links;
+        QWidget window;
+        DesktopLinks links(window);
         const QSignalSpy complaints(&links, &DesktopLinks::logMessage);
         links.openGuide();
         QCOMPARE(desktop.urls, QList<QUrl>{QUrl::fromLocalFile(DesktopLinks::guidePath())});
@@ -38,7 +57,8 @@ private Q_SLOTS:
     void anOlderCopyIsReplaced()
     {
         UrlCatcher desktop;
-        DesktopLinks links;
+        QWidget window;
+        DesktopLinks links(window);
         links.openGuide();
         QFile copy(DesktopLinks::guidePath());
         QVERIFY(copy.open(QIODevice::WriteOnly));
@@ -54,7 +74,8 @@ private Q_SLOTS:
     void aGuideThatCannotBeWrittenIsTold()
     {
         UrlCatcher desktop;
-        DesktopLinks links;
+        QWidget window;
+        DesktopLinks links(window);
         QSignalSpy complaints(&links, &DesktopLinks::logMessage);
         QFile::remove(DesktopLinks::guidePath());
         QVERIFY(QDir().mkpath(DesktopLinks::guidePath())); // a folder is in the way
@@ -72,7 +93,8 @@ private Q_SLOTS:
         // A handler without the named slot fails, as a desktop without a program for the file does.
         QObject helpless;
         QDesktopServices::setUrlHandler(u"file"_s, &helpless, "noSuchSlot");
-        DesktopLinks links;
+        QWidget window;
+        DesktopLinks links(window);
         QSignalSpy complaints(&links, &DesktopLinks::logMessage);
         for (int i = 0; i < 2; ++i)
             QTest::ignoreMessage(QtWarningMsg, QRegularExpression(u"No such method QObject::noSuchSlot"_s));
@@ -85,6 +107,35 @@ private Q_SLOTS:
             u"The desktop could not open "_s + ExpertsFolder::defaultPath());
         QCOMPARE(
             complaints.at(1).at(1).toString(), u"The desktop could not open "_s + DesktopLinks::guidePath());
+    }
+
+    void what_could_not_be_opened_is_said_in_front_of_the_trader()
+    {
+        const UrlCatcher desktop;
+        CommandDriver d;
+        d.activate();
+        QFile::remove(DesktopLinks::guidePath());
+        QVERIFY(QDir().mkpath(DesktopLinks::guidePath())); // a folder is in the way
+        for (int i = 0; i < 3; ++i) {
+            QTest::keyClick(d.f.window.get(), Qt::Key_F1);
+            QTRY_COMPARE(boxes(d).size(), 1); // and no pile of them
+        }
+        QVERIFY(QDir().rmdir(DesktopLinks::guidePath()));
+        QMessageBox& box = *boxes(d).first();
+        QCOMPARE(box.text(), u"The guide could not be written to "_s + DesktopLinks::guidePath());
+        QCOMPARE(box.textFormat(), Qt::PlainText);
+        QCOMPARE(d.f.journalCount(u"Terminal: "_s + box.text()), 3);
+
+        // Trading goes on behind it.
+        QVERIFY(!box.isModal());
+        QVERIFY(!QApplication::activeModalWidget());
+        QTRY_COMPARE(QApplication::activeWindow(), &box);
+        QTest::keyClick(&box, Qt::Key_Escape);
+        QTRY_VERIFY(boxes(d).isEmpty());
+        d.activate();
+        QTest::keyClick(d.f.window.get(), Qt::Key_F1);
+        QTRY_COMPARE(desktop.urls.size(), 1);
+        QVERIFY(boxes(d).isEmpty());
     }
 
     void theGuideNeedsNothingButItself()
