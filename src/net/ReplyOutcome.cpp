@@ -7,6 +7,7 @@
 #include <QCoreApplication>
 #include <QJsonDocument>
 #include <QNetworkReply>
+#include <QUrl>
 #include <utility>
 
 using namespace Qt::StringLiterals;
@@ -38,11 +39,23 @@ bool isWhole(QNetworkReply::NetworkError error)
         || (error > QNetworkReply::UnknownProxyError && error != QNetworkReply::ContentReSendError);
 }
 
-/// Qt's words would not say the one thing that counts: whether the request may have been carried out.
-QString givenUpText(const ReplyWatch& watch, int status)
+/// Why there was no connection, and where to: a wrong address is the commonest reason.
+QString withServer(const QString& reason, const QNetworkReply& reply)
 {
-    if (!watch.wasSent())
-        return QCoreApplication::translate("ReplyOutcome", "not sent: no connection to the server");
+    constexpr auto serverOnly
+        = QUrl::RemoveUserInfo | QUrl::RemovePath | QUrl::RemoveQuery | QUrl::RemoveFragment;
+    //: %1 why there is no connection, %2 the address of the server
+    return QCoreApplication::translate("ReplyOutcome", "%1 (%2)")
+        .arg(reason, reply.request().url().toDisplayString(serverOnly));
+}
+
+/// Qt's words would not say the one thing that counts: whether the request may have been carried out.
+QString givenUpText(const QNetworkReply& reply, const ReplyWatch& watch, int status)
+{
+    if (!watch.wasSent()) {
+        return withServer(
+            QCoreApplication::translate("ReplyOutcome", "not sent: no connection to the server"), reply);
+    }
     if (isRefusal(status))
         return QCoreApplication::translate("ReplyOutcome", "refused; the reason did not arrive");
     switch (watch.kind()) {
@@ -63,10 +76,13 @@ QString networkText(const QNetworkReply& reply, int status)
         return QCoreApplication::translate("ReplyOutcome", "The server answered with a redirect");
     // The request may have been sent; Qt words this case "Unknown error".
     if (reply.error() == QNetworkReply::ContentReSendError)
-        return QCoreApplication::translate("ReplyOutcome", "Connection closed");
+        return withServer(QCoreApplication::translate("ReplyOutcome", "Connection closed"), reply);
     const ReplyWatch* watch = ReplyWatch::of(reply);
-    const QString text = watch && wasGivenUp(reply) ? givenUpText(*watch, status) : QString();
-    return text.isEmpty() ? reply.errorString() : text;
+    const QString text = watch && wasGivenUp(reply) ? givenUpText(reply, *watch, status) : QString();
+    if (!text.isEmpty())
+        return text;
+    const bool hadConnection = isWhole(reply.error()) || (watch && watch->wasTooLarge());
+    return hadConnection ? reply.errorString() : withServer(reply.errorString(), reply);
 }
 
 } // namespace

@@ -176,7 +176,7 @@ private Q_SLOTS:
         m_server->on("GET", "/slow", StubAnswer::held());
         const Answer answer = read(u"/slow"_s);
         QVERIFY(answer.document.isNull());
-        QCOMPARE(answer.error, u"Operation canceled"_s);
+        QCOMPARE(answer.error, u"Operation canceled (%1)"_s.arg(m_server->url()));
     }
 
     void a_failed_read_passes_the_servers_message()

@@ -68,7 +68,7 @@ private Q_SLOTS:
     {
         limit({.read = soon});
         m_server->on("GET", "/x", StubAnswer::dripping(longBody));
-        QCOMPARE(readError(u"/x"_s), u"Operation canceled"_s);
+        QCOMPARE(readError(u"/x"_s), u"Operation canceled (%1)"_s.arg(m_server->url()));
     }
 
     void a_dripping_change_ends_at_its_limit_with_an_unknown_outcome()
@@ -123,7 +123,8 @@ private Q_SLOTS:
         TerminalSettings::instance().setServerUrl(u"https://127.0.0.1:%1"_s.arg(silent.serverPort()));
         limit({.silence = soon});
         const ReplyOutcome outcome = finish(m_api->post(orderPath, {}));
-        QCOMPARE(outcome.error, u"not sent: no connection to the server"_s);
+        QCOMPARE(outcome.error,
+            u"not sent: no connection to the server (https://127.0.0.1:%1)"_s.arg(silent.serverPort()));
         QVERIFY(!outcome.ok);
         QVERIFY(!outcome.isUncertain());
     }
@@ -153,8 +154,8 @@ private Q_SLOTS:
             m_api->get(
                 u"/stuck"_s, [&](const QJsonDocument&, const QString& error) { errors.append(error); });
         QTRY_COMPARE(errors.size(), 7);
-        QCOMPARE(errors.count(u"Operation canceled"_s), 6);
-        QCOMPARE(errors.count(u"not sent: no connection to the server"_s), 1);
+        QCOMPARE(errors.count(u"Operation canceled (%1)"_s.arg(m_server->url())), 6);
+        QCOMPARE(errors.count(u"not sent: no connection to the server (%1)"_s.arg(m_server->url())), 1);
     }
 
     void the_longest_time_counts_from_when_a_request_is_sent()
@@ -177,9 +178,10 @@ private Q_SLOTS:
 
     void a_refused_connection_leaves_no_doubt()
     {
+        const QString server = m_server->url();
         m_server->shutDown();
         const ReplyOutcome outcome = finish(m_api->post(orderPath, {}));
-        QCOMPARE(outcome.error, u"Connection refused"_s);
+        QCOMPARE(outcome.error, u"Connection refused (%1)"_s.arg(server));
         QVERIFY(!outcome.isUncertain());
     }
 
@@ -187,7 +189,7 @@ private Q_SLOTS:
     {
         m_server->on("POST", orderPath.toUtf8(), StubAnswer::closed());
         const ReplyOutcome outcome = finish(m_api->post(orderPath, {}));
-        QCOMPARE(outcome.error, u"Connection closed"_s);
+        QCOMPARE(outcome.error, u"Connection closed (%1)"_s.arg(m_server->url()));
         QVERIFY(outcome.isUnanswered());
     }
 

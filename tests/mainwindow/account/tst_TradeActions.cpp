@@ -282,7 +282,9 @@ private Q_SLOTS:
         desk.actions.cancelOrder(records::pendingOrder("p1"));
         QTRY_COMPARE(desk.said,
             QStringList({sound(SoundKind::Error),
-                u"J Trade: Cancel failed: not sent: no connection to the server"_s, u"trades"_s}));
+                u"J Trade: Cancel failed: not sent: no connection to the server (https://127.0.0.1:%1)"_s.arg(
+                    silent.serverPort()),
+                u"trades"_s}));
     }
 
     void aDrippingAnswerEndsAndEverythingIsRead()

@@ -172,10 +172,11 @@ private Q_SLOTS:
         QCOMPARE(other.requests().size(), 0);
     }
 
-    void an_unreachable_server_fails_with_a_text()
+    void an_unreachable_server_fails_with_a_text_that_names_it()
     {
+        const QString server = m_server->url();
         m_server->shutDown();
-        QCOMPARE(loginError(), u"Connection refused"_s);
+        QCOMPARE(loginError(), u"Connection refused (%1)"_s.arg(server));
     }
 
     void a_message_echoing_the_old_token_hides_it()
