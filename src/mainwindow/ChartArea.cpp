@@ -6,6 +6,7 @@
 #include "chart/window/ChartWindow.h"
 #include "mainwindow/ChartSubWindow.h"
 #include "mainwindow/ChartsLayout.h"
+#include "mainwindow/EmptyAreaHint.h"
 #include "mainwindow/SavedGeometry.h"
 #include "mainwindow/WindowPlacement.h"
 #include "mainwindow/account/AccountBook.h"
@@ -15,6 +16,7 @@
 #include <QEvent>
 #include <QJsonObject>
 #include <QMdiSubWindow>
+#include <QPainter>
 #include <QTabBar>
 
 #include <utility>
@@ -58,6 +60,7 @@ ChartArea::ChartArea(ApiClient& api, const AccountBook& book, QWidget* parent)
     setTabsMovable(true);
     tabBar()->setExpanding(false);
     setBackground(QBrush(themeBackdropColor()));
+    showHint(true);
 }
 
 ChartArea::~ChartArea()
@@ -98,6 +101,7 @@ QMdiSubWindow* ChartArea::addChart(const QString& symbol, const QString& timefra
     connect(chart, &ChartWindow::titleChanged, subWindow, name);
     // Qt copies the title to the tab, where an ampersand would mark a letter.
     connect(subWindow, &QWidget::windowTitleChanged, this, [this, subWindow] { nameTab(subWindow); });
+    showHint(false);
     name();
     chart->load();
     return subWindow;
@@ -194,6 +198,34 @@ void ChartArea::restoreLayout(const QString& text)
         m_placements.append({subWindow, chart.geometry, chart.maximized});
     }
     applyPlacements();
+}
+
+// Painted, but for screen readers it is the area's description. A chart that is not maximized uncovers only a
+// part of the area, so all of it is painted anew.
+void ChartArea::showHint(bool shown)
+{
+    setAccessibleDescription(
+        shown ? tr(
+            "To open a chart, double-click a symbol in Market Watch, or select one there and press Enter.")
+              : QString());
+    viewport()->update();
+}
+
+bool ChartArea::viewportEvent(QEvent* event)
+{
+    const bool handled = QMdiArea::viewportEvent(event);
+    if (event->type() == QEvent::ChildRemoved)
+        showHint(subWindowList().isEmpty());
+    return handled;
+}
+
+void ChartArea::paintEvent(QPaintEvent* event)
+{
+    QMdiArea::paintEvent(event);
+    if (const QString hint = accessibleDescription(); !hint.isEmpty()) {
+        QPainter painter(viewport());
+        paintEmptyAreaHint(painter, viewport()->rect(), hint, themeTextColor());
+    }
 }
 
 void ChartArea::applyPlacements()

@@ -63,6 +63,8 @@ Q_SIGNALS:
 
 protected:
     void changeEvent(QEvent* event) override;
+    void paintEvent(QPaintEvent* event) override;
+    bool viewportEvent(QEvent* event) override;
     void showEvent(QShowEvent* event) override;
 
 private:
@@ -79,6 +81,8 @@ private:
     [[nodiscard]] QTabBar* tabBar() const;
     [[nodiscard]] QMdiSubWindow* frontSubWindow() const;
     void nameTab(QMdiSubWindow* subWindow);
+    /// An area without charts says how to open one.
+    void showHint(bool shown);
     void applyPlacements();
     void restoreGeometry(QMdiSubWindow* subWindow, const QByteArray& geometry);
 
