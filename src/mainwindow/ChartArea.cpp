@@ -115,6 +115,8 @@ void ChartArea::handOverEverything(ChartWindow& chart)
         chart.setAccountFigures(summary->balance, summary->equity);
     if (const auto quote = m_book.quote(chart.symbol()))
         chart.onQuote(*quote);
+    if (m_interrupted)
+        chart.noteInterruption();
 }
 
 void ChartArea::describe(ChartWindow& chart)
@@ -305,6 +307,13 @@ void ChartArea::applySymbols()
             chart->loadAgain();
     }
     erase_if(m_reportedUnlisted, isListed);
+}
+
+void ChartArea::noteInterruption()
+{
+    m_interrupted = true;
+    for (ChartWindow* chart : charts())
+        chart->noteInterruption();
 }
 
 void ChartArea::catchUp()

@@ -45,8 +45,8 @@ public:
     /// Digits and descriptions of a new symbol list. A chart whose symbol is no longer listed stays open
     /// and is reported once; when the symbol returns, the chart is loaded again.
     void applySymbols();
-    /// From now on prices may be missing, until catchUp() reads the histories again.
-    void noteInterruption() { m_interrupted = true; }
+    /// From now on prices may be missing, until catchUp() reads the histories again. Those on show look old.
+    void noteInterruption();
     /// Reads every chart's history again if prices have been missed; views that were scrolled back stay.
     void catchUp();
 

@@ -181,6 +181,8 @@ void MainWindow::connectFeed()
     connect(&m_feed, &WsClient::ordersChanged, this, &MainWindow::onOrdersChanged);
     connect(&m_feed, &WsClient::accountUpdated, this, &MainWindow::onAccountUpdated);
     connect(&m_feed, &WsClient::disconnected, m_charts.get(), &ChartArea::noteInterruption);
+    connect(&m_feed, &WsClient::disconnected, m_marketWatch, &MarketWatchWidget::markStale);
+    connect(&m_feed, &WsClient::disconnected, m_smallWindows, &SmallWindows::onPrices);
     m_status->follow(m_feed);
     connect(&m_api, &ApiClient::unauthorized, this, [this] {
         journal(tr("Auth"), tr("Session expired — please restart the terminal and log in again."));

@@ -15,6 +15,8 @@
 #include <QHBoxLayout>
 #include <QPointer>
 
+#include <utility>
+
 using namespace Qt::StringLiterals;
 
 namespace {
@@ -60,6 +62,7 @@ OrderDialog::OrderDialog(ApiClient& api, WsClient& feed, const QJsonArray& symbo
     connect(m_form, &OrderForm::symbolChanged, this, &OrderDialog::onSymbolChanged);
     connect(m_form, &OrderForm::placeRequested, this, &OrderDialog::place);
     connect(&feed, &WsClient::pricesUpdated, this, &OrderDialog::onPrices);
+    connect(&feed, &WsClient::disconnected, this, [this] { showStale(m_quote.has_value()); });
     connect(this, &OrderDialog::soundDue, this, &play);
     onSymbolChanged();
     setFocusOrder(types->focusOrder() + m_form->focusOrder());
@@ -88,6 +91,7 @@ void OrderDialog::onSymbolChanged()
             m_record = value.toObject();
     }
     m_quote.reset();
+    showStale(false);
     m_form->namePrices(m_shownSymbol);
     m_form->showPrices({}, {});
     m_tickChart->setSymbol(m_shownSymbol);
@@ -103,6 +107,7 @@ void OrderDialog::onPrices(const QJsonObject& prices)
     const std::optional<Quote> quote = findQuote(prices, symbol, digits());
     if (!quote)
         return;
+    showStale(false);
     const auto [bid, ask] = *quote;
     if (quote != m_quote) {
         m_quote = quote;
@@ -114,6 +119,14 @@ void OrderDialog::onPrices(const QJsonObject& prices)
     const double units = m_form->lots() * (contractSize > 0.0 ? contractSize : 1.0);
     //: %1 units, %2 the symbol: what the chosen lots are
     m_form->showUnits(tr("%1 %2").arg(QString::number(units, 'f', 0), m_shownSymbol));
+}
+
+void OrderDialog::showStale(bool stale)
+{
+    if (std::exchange(m_stale, stale) == stale)
+        return;
+    m_form->showStale(stale);
+    m_tickChart->setStale(stale);
 }
 
 void OrderDialog::place(Side side)

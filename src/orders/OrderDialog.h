@@ -46,6 +46,8 @@ private:
     void place(Side side);
     void onReply(const ReplyOutcome& outcome);
     void showSending(bool sending);
+    /// Whether the feed has gone since the price on show.
+    void showStale(bool stale);
     [[nodiscard]] int digits() const;
 
     ApiClient& m_api;
@@ -55,6 +57,7 @@ private:
     QString m_shownSymbol;
     OrderType m_orderType = OrderType::Market;
     std::optional<Quote> m_quote; ///< the selected symbol's; none until a price comes
+    bool m_stale = false;
 
     OrderForm* m_form;
     TickChartWidget* m_tickChart;

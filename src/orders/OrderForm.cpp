@@ -214,6 +214,11 @@ void OrderForm::showPrices(const QString& bid, const QString& ask)
     m_priceDisplay->showPrices(bid, ask);
 }
 
+void OrderForm::showStale(bool stale)
+{
+    m_priceDisplay->setStale(stale);
+}
+
 void OrderForm::showUnits(const QString& text)
 {
     m_units->setText(text);

@@ -39,6 +39,8 @@ public:
     void namePrices(const QString& symbol);
     /// Bid and ask in large type; empty ones show that there is no price yet.
     void showPrices(const QString& bid, const QString& ask);
+    /// Whether the prices may not hold any more.
+    void showStale(bool stale);
     void showUnits(const QString& text);
     /// Plain text under the fields; empty hides it.
     void showError(const QString& text);

@@ -12,7 +12,7 @@ PriceDisplay::PriceDisplay(QWidget* parent)
     setAlignment(Qt::AlignCenter);
     // Beside each other where there is room, else one below the other: a cut price reads as another price.
     setWordWrap(true);
-    setStyleSheet("font-size:26pt; font-weight:bold; color:#222;"_L1);
+    setStale(false);
     setSymbol({});
     showPrices({}, {});
 }
@@ -32,7 +32,17 @@ void PriceDisplay::showPrices(const QString& bid, const QString& ask)
     noteReading();
 }
 
+void PriceDisplay::setStale(bool stale)
+{
+    m_stale = stale;
+    setStyleSheet(stale ? "font-size:26pt; font-weight:bold; font-style:italic; color:#737373;"_L1
+                        : "font-size:26pt; font-weight:bold; color:#222;"_L1);
+    noteReading();
+}
+
 QString PriceDisplay::reading() const
 {
-    return m_bid.isEmpty() ? tr("No prices yet") : tr("Bid %1, ask %2").arg(m_bid, m_ask);
+    if (m_bid.isEmpty())
+        return tr("No prices yet");
+    return (m_stale ? tr("Disconnected; last bid %1, ask %2") : tr("Bid %1, ask %2")).arg(m_bid, m_ask);
 }

@@ -17,10 +17,13 @@ public:
     void setSymbol(const QString& symbol);
     /// Both as they are shown; empty ones show that there is no price yet.
     void showPrices(const QString& bid, const QString& ask);
+    /// Whether the prices may not hold any more: then they are pale and slanted.
+    void setStale(bool stale);
 
     [[nodiscard]] QString reading() const override;
 
 private:
     QString m_bid;
     QString m_ask;
+    bool m_stale = false;
 };

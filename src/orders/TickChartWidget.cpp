@@ -17,6 +17,8 @@ constexpr QColor gridColor(0xe6, 0xe6, 0xe6);
 constexpr QColor scaleColor(0x66, 0x66, 0x66);
 constexpr QColor askColor(0xdd, 0x33, 0x33);
 constexpr QColor bidColor(0x33, 0x66, 0xcc);
+constexpr QColor staleAskColor(0x73, 0x73, 0x73);
+constexpr QColor staleBidColor(0x55, 0x55, 0x55);
 
 void drawScale(QPainter& painter, const TickChartGeometry& geometry, int digits)
 {
@@ -102,6 +104,12 @@ QString TickChartWidget::reading() const
             formatPrice(lowest, m_digits), formatPrice(highest, m_digits));
 }
 
+void TickChartWidget::setStale(bool stale)
+{
+    m_stale = stale;
+    update();
+}
+
 void TickChartWidget::paintEvent(QPaintEvent*)
 {
     QPainter painter(this);
@@ -111,8 +119,10 @@ void TickChartWidget::paintEvent(QPaintEvent*)
         return;
     painter.setFont(QFont(u"Segoe UI"_s, 7));
     drawScale(painter, *geometry, m_digits);
-    drawSeries(painter, *geometry, m_asks, askColor);
-    drawSeries(painter, *geometry, m_bids, bidColor);
-    drawTag(painter, *geometry, m_asks.last(), askColor, m_digits);
-    drawTag(painter, *geometry, m_bids.last(), bidColor, m_digits);
+    const QColor ask = m_stale ? staleAskColor : askColor;
+    const QColor bid = m_stale ? staleBidColor : bidColor;
+    drawSeries(painter, *geometry, m_asks, ask);
+    drawSeries(painter, *geometry, m_bids, bid);
+    drawTag(painter, *geometry, m_asks.last(), ask, m_digits);
+    drawTag(painter, *geometry, m_bids.last(), bid, m_digits);
 }

@@ -24,6 +24,8 @@ public:
     /// Adds the newest quote and drops the oldest beyond mostQuotes. A quote that is not finite is
     /// ignored. The caller repaints.
     void append(double bid, double ask);
+    /// No quotes come any more, or do again: old ones are drawn without their colours.
+    void setStale(bool stale);
 
     /// Whose quotes they are, for those who do not see the field beside it.
     void setSymbol(const QString& symbol);
@@ -40,4 +42,5 @@ private:
     QList<double> m_bids; ///< oldest first
     QList<double> m_asks; ///< in step with the bids
     int m_digits = 2;
+    bool m_stale = false;
 };

@@ -211,10 +211,19 @@ void MarketWatchWidget::showQuotes(const PriceSnapshot& prices)
         m_list->viewport()->update();
 }
 
+void MarketWatchWidget::markStale()
+{
+    for (const SymbolRow& row : std::as_const(m_symbolRows))
+        row.item->setStale(true);
+    m_list->viewport()->update();
+}
+
 bool MarketWatchWidget::applyQuote(SymbolRow& row, const Quote& quote)
 {
     const auto [bid, ask] = quote;
-    bool changed = false;
+    bool changed = row.item->isStale() && (bid > 0.0 || ask > 0.0);
+    if (changed)
+        row.item->setStale(false);
     if (bid > 0.0 && bid != row.lastBid) {
         row.item->setBid(bid, tickOf(bid, row.lastBid));
         row.lastBid = bid;

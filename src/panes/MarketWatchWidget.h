@@ -45,6 +45,8 @@ public Q_SLOTS:
     /// A price map keyed by symbol. Unknown symbols, and a bid or ask that is no price above 0, change
     /// nothing.
     void updatePrices(const QJsonObject& prices);
+    /// No prices come any more: those on show look old until their symbol's next one.
+    void markStale();
 
 Q_SIGNALS:
     /// A row was double-clicked or activated with Enter; once for each such gesture.

@@ -7,6 +7,7 @@
 #include "panes/PaneIcons.h"
 
 #include <QCoreApplication>
+#include <QFont>
 
 #include <utility>
 
@@ -15,8 +16,21 @@ using namespace Qt::StringLiterals;
 QuoteLook QuoteLook::forCurrentTheme()
 {
     return {isDarkTheme(), themeTextColor(), themeUpColor(), themeDownColor(), themeGreenColor(),
-        upArrowIcon(themeUpColor()), downArrowIcon(themeDownColor())};
+        themeStaleColor(), upArrowIcon(themeUpColor()), downArrowIcon(themeDownColor()),
+        upArrowIcon(themeStaleColor()), downArrowIcon(themeStaleColor())};
 }
+
+namespace {
+
+/// A colour alone would not do: that of a selected row covers it.
+QVariant staleFont()
+{
+    QFont font; // says nothing but the slant; the list has the rest
+    font.setItalic(true);
+    return font;
+}
+
+} // namespace
 
 QuoteItem::QuoteItem(
     std::shared_ptr<const QuoteLook> look, const QString& name, const QString& description, int digits)
@@ -58,7 +72,9 @@ QVariant QuoteItem::data(int column, int role) const
     case Qt::EditRole:
         return textOf(column);
     case Qt::ForegroundRole:
-        return brushOf(column);
+        return m_stale ? QVariant(m_look->stale) : brushOf(column);
+    case Qt::FontRole:
+        return m_stale ? staleFont() : QVariant();
     case Qt::TextAlignmentRole:
         return QVariant::fromValue(int(Qt::AlignRight | Qt::AlignVCenter));
     default:
@@ -71,8 +87,14 @@ QVariant QuoteItem::symbolData(int role) const
     const bool isUp = m_bidTick == Tick::Up;
     if (role != Qt::DecorationRole && role != Qt::AccessibleTextRole)
         return QTreeWidgetItem::data(Symbol, role);
+    if (role == Qt::AccessibleTextRole && m_stale) {
+        //: said of a symbol while the feed is down
+        return QCoreApplication::translate("MarketWatchWidget", "%1, last known prices").arg(text(Symbol));
+    }
     if (m_bidTick == Tick::None)
         return {};
+    if (role == Qt::DecorationRole && m_stale)
+        return isUp ? m_look->staleUp : m_look->staleDown;
     if (role == Qt::DecorationRole)
         return isUp ? m_look->up : m_look->down;
     //: what the triangle beside a symbol says

@@ -12,9 +12,12 @@ struct QuoteLook final {
     QBrush text;
     QBrush rising;
     QBrush falling;
-    QBrush gain; ///< a daily change of 0 or more
+    QBrush gain;  ///< a daily change of 0 or more
+    QBrush stale; ///< numbers that may not hold any more
     QIcon up;
     QIcon down;
+    QIcon staleUp;
+    QIcon staleDown;
 
     [[nodiscard]] static QuoteLook forCurrentTheme();
 };
@@ -41,6 +44,9 @@ public:
     void setAsk(double ask, Tick tick);
     /// In percent.
     void setDailyChange(double percent);
+    /// No prices come any more, or do again: old ones are dimmed and slanted, the arrow is dimmed.
+    void setStale(bool stale) { m_stale = stale; }
+    [[nodiscard]] bool isStale() const { return m_stale; }
 
     [[nodiscard]] QVariant data(int column, int role) const override;
 
@@ -60,4 +66,5 @@ private:
     Tick m_bidTick = Tick::None;
     Tick m_askTick = Tick::None;
     bool m_hasDaily = false;
+    bool m_stale = false;
 };

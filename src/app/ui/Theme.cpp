@@ -133,6 +133,11 @@ QColor themeMutedColor()
     return themed(0xffc8c8c8, 0xff4a4a4a);
 }
 
+QColor themeStaleColor()
+{
+    return themed(0xff9a9a9a, 0xff666666);
+}
+
 QColor themeBackdropColor()
 {
     return themed(0xff1a1a1a, 0xff9fa6ad);

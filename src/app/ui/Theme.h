@@ -22,6 +22,8 @@ void setTheme(bool dark);
 [[nodiscard]] QColor themeDownColor();
 [[nodiscard]] QColor themeGreenColor();
 [[nodiscard]] QColor themeMutedColor();
+/// Of prices that may not hold any more; legible on the ground of a list.
+[[nodiscard]] QColor themeStaleColor();
 [[nodiscard]] QColor themeBackdropColor();
 
 /// The application icon, loaded once.

@@ -36,6 +36,7 @@ struct ChartFrame : ChartLook {
     std::span<const Drawing> drawings; ///< later ones on top
     double bid = 0.0;                  ///< 0 means none
     double ask = 0.0;                  ///< 0 means none
+    bool quoteStale = false;           ///< bid and ask may not hold any more
     std::span<const TradeLevel> levels;
     qsizetype draggedLevel = -1; ///< index of the dragged level, or -1
     double draggedPrice = 0.0;

@@ -75,6 +75,8 @@ void ChartWidget::replaceCandles(std::vector<Candle> candles)
 
 void ChartWidget::onTick(double bid, double ask, qint64 timeMs)
 {
+    if (std::exchange(m_quoteStale, false))
+        update();
     // Without `before` the chart is painted whole: when it is hidden, or its view must be worked out anew.
     const std::optional<QuotedView> before
         = isVisible() && paintsWholePixels() ? m_scene.lastView() : std::nullopt;
@@ -88,6 +90,12 @@ void ChartWidget::onTick(double bid, double ask, qint64 timeMs)
     if (changed)
         update(*changed + panesOfTick());
     else
+        update();
+}
+
+void ChartWidget::markQuoteStale()
+{
+    if (!std::exchange(m_quoteStale, true))
         update();
 }
 
@@ -289,6 +297,7 @@ ChartFrame ChartWidget::frame() const
     frame.drawings = m_drawings.drawings();
     frame.levels = m_levels;
     frame.pointer = crosshairPixel().value_or(nowhere);
+    frame.quoteStale = m_quoteStale;
     frame.crosshair = crosshair();
     frame.texts = &m_texts;
     return frame;

@@ -45,6 +45,8 @@ public:
     /// A price update at `timeMs` (ms since the epoch); see ChartScene::tick() for prices that are missing.
     void onTick(double bid, double ask, qint64 timeMs);
     [[nodiscard]] double bid() const { return m_scene.bid(); } ///< 0 where there is none
+    /// No prices come any more: bid and ask look old until the next tick.
+    void markQuoteStale();
     [[nodiscard]] double ask() const { return m_scene.ask(); } ///< 0 where there is none
 
     /// Length in ms of the candles that ticks build; below 1 means 15 minutes.
@@ -190,6 +192,7 @@ private:
     DrawingList m_drawings;
     QList<TradeLevel> m_levels;
     QPoint m_pointer = {-1, -1}; ///< of the mouse
+    bool m_quoteStale = false;
 
     mutable IndicatorCache m_indicators;
     mutable TextPainter m_texts;

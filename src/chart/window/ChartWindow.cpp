@@ -211,6 +211,11 @@ void ChartWindow::onQuote(const Quote& quote)
     m_expert->tick();
 }
 
+void ChartWindow::noteInterruption()
+{
+    m_chart->markQuoteStale();
+}
+
 void ChartWindow::setTrades(const QJsonArray& open, const QJsonArray& pending)
 {
     m_chart->setTradeLevels(buildTradeLevels(m_symbol, open, pending));

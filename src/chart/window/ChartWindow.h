@@ -63,6 +63,8 @@ public:
     /// A live quote of this chart's symbol. It counts at the time of this machine, since the feed carries
     /// none. A price of 0 is shown, but the quote goes into no candle.
     void onQuote(const Quote& quote);
+    /// The feed has gone: bid and ask look old until the next quote.
+    void noteInterruption();
 
     /// The size of a chart that is not maximized, such as one of a cascade.
     [[nodiscard]] QSize sizeHint() const override;

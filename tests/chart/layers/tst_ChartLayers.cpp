@@ -3,6 +3,7 @@
 #include "chart/LayerFixture.h"
 #include "chart/data/ChartColorRoles.h"
 #include "chart/window/ChartWidget.h"
+#include "support/Contrast.h"
 #include "support/TestMain.h"
 
 #include <QPainter>
@@ -255,6 +256,25 @@ private Q_SLOTS:
         frame.bid = priceAtRow(100);
         const QImage image = paint(&layers::paintQuotes, frame);
         QCOMPARE(pixelsOf(image, image.rect(), QColor(0xff, 0x4a, 0x4a)), 0);
+    }
+
+    void old_prices_have_no_color_and_stay_legible()
+    {
+        const std::vector<Candle> candles{candleOfRows(9, 9, 9, 9)};
+        ChartFrame frame = frameOfBars(candles, 7.0, m_texts);
+        frame.ask = priceAtRow(100);
+        frame.bid = priceAtRow(200);
+        frame.quoteStale = true;
+        const QImage image = paint(&layers::paintQuotes, frame);
+        bool isGrey = true;
+        for (int y = 0; y < image.height(); ++y) {
+            for (int x = 0; x < image.width(); ++x)
+                isGrey &= QColor(image.pixel(x, y)).saturation() == 0;
+        }
+        QVERIFY(isGrey);
+        QVERIFY(contrastRatio(Qt::white, image.pixelColor(334, 93)) >= 4.5);
+        QVERIFY(contrastRatio(Qt::black, image.pixelColor(334, 193)) >= 4.5);
+        QVERIFY(image.pixelColor(334, 93) != image.pixelColor(334, 193)); // still two tags
     }
 
     void crosshair_beside_the_bars_has_no_time()

@@ -1,0 +1,211 @@
+#include "CommandDriver.h"
+#include "app/ui/Theme.h"
+#include "orders/TickChartWidget.h"
+#include "support/Contrast.h"
+#include "support/TestMain.h"
+
+#include <QDialog>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr QColor askColor(0xff, 0x4a, 0x4a);
+constexpr QColor bidColor(0x3b, 0xa7, 0xff);
+
+bool shows(QWidget& widget, const QColor& color)
+{
+    const QImage picture = widget.grab().toImage();
+    for (int y = 0; y < picture.height(); ++y) {
+        for (int x = 0; x < picture.width(); ++x) {
+            if (picture.pixelColor(x, y).rgb() == color.rgb())
+                return true;
+        }
+    }
+    return false;
+}
+
+/// A terminal whose feed has brought a rising price of each symbol.
+struct Terminal final {
+    CommandDriver d;
+
+    Terminal()
+    {
+        setTheme(false);
+        applyTheme(*qApp);
+        quote(1.3, 150.7);
+        QTRY_COMPARE(row(0).text(1), u"1.30000"_s);
+    }
+    void quote(double euro, double yen)
+    {
+        d.f.feed.send(records::priceUpdate({{"EURUSD", euro, euro + 0.1}, {"USDJPY", yen, yen + 0.1}}));
+    }
+    void loseFeed()
+    {
+        d.f.feed.setMode(StubFeedServer::Mode::CloseAtOnce);
+        d.f.feed.cut();
+        QTRY_VERIFY(d.f.window->findChild<QLabel*>(u"connectionLabel"_s)->text().contains(u"Disconnected"_s));
+    }
+    /// The feed comes back, and says what `hello` says.
+    void findFeed(const QJsonObject& hello)
+    {
+        d.f.feed.setGreeting(hello);
+        d.f.feed.setMode(StubFeedServer::Mode::Serve);
+        QTRY_VERIFY_WITH_TIMEOUT(
+            d.f.window->findChild<QLabel*>(u"connectionLabel"_s)->text().contains(u">●</span> Connected"_s),
+            20000);
+    }
+    [[nodiscard]] QTreeWidgetItem& row(int index) const
+    {
+        return *d.f.list("marketWatchSymbols").topLevelItem(index);
+    }
+    [[nodiscard]] QColor color(int row_, int column) const { return row(row_).foreground(column).color(); }
+    [[nodiscard]] bool looksOld(int row_, int column) const { return row(row_).font(column).italic(); }
+};
+
+QJsonObject euroHello(const records::Value& bid, const records::Value& ask)
+{
+    return records::hello({records::symbol("EURUSD").rank(1).with("dailyOpen", 1.0),
+                              records::symbol("USDJPY").rank(2).digits(3)},
+        records::prices({{"EURUSD", bid, ask}}));
+}
+
+} // namespace
+
+class tst_StalePrices final : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void market_watch_tells_old_prices_from_live_ones_in_both_themes()
+    {
+        Terminal t;
+        const QColor rising = t.color(0, 1);
+        QCOMPARE(rising, themeUpColor());
+        QVERIFY(!t.looksOld(0, 1));
+        t.loseFeed();
+        for (const bool dark : {true, false}) {
+            setTheme(dark);
+            applyTheme(*qApp);
+            const QColor base = t.d.f.list("marketWatchSymbols").palette().color(QPalette::Base);
+            for (const int column : {1, 2}) {
+                QVERIFY(t.looksOld(0, column));
+                const QColor color = t.color(0, column);
+                for (const QColor& live : {themeUpColor(), themeDownColor(), themeTextColor()})
+                    QVERIFY(color != live);
+                QVERIFY2(contrastRatio(color, base) >= 4.5, qPrintable(color.name()));
+            }
+            // The arrow stays, for the names not to jump, but it is no news any more.
+            const QImage arrow = t.row(0).icon(0).pixmap(16, 16).toImage();
+            QVERIFY(!arrow.isNull());
+            QCOMPARE(arrow.pixelColor(8, 10).saturation(), 0);
+            QCOMPARE(t.row(0).text(1), u"1.30000"_s);
+        }
+    }
+
+    void a_symbol_is_live_again_with_its_first_price()
+    {
+        Terminal t;
+        t.loseFeed();
+        QVERIFY(t.looksOld(1, 1));
+        t.findFeed(euroHello(1.3, 1.4));
+        QTRY_COMPARE(t.row(0).text(1), u"1.30000"_s);
+        QVERIFY(!t.looksOld(0, 1));
+        QCOMPARE(t.row(1).text(1), QString());
+        t.quote(1.35, 150.9);
+        QTRY_COMPARE(t.row(1).text(1), u"150.900"_s);
+        QVERIFY(!t.looksOld(1, 1));
+        QCOMPARE(t.color(0, 1), themeUpColor());
+    }
+
+    void the_daily_change_of_an_old_price_looks_old_too()
+    {
+        Terminal t;
+        t.d.f.feed.send(euroHello(1.1, 1.2));
+        QTRY_COMPARE(t.row(0).text(3), u"+10.00%"_s);
+        QCOMPARE(t.color(0, 3), themeGreenColor());
+        t.loseFeed();
+        QVERIFY(t.looksOld(0, 3));
+        QVERIFY(t.color(0, 3) != themeGreenColor());
+    }
+
+    void a_chart_tells_old_bid_and_ask_from_live_ones()
+    {
+        Terminal t;
+        t.d.f.server.on("GET", "/api/candles",
+            StubAnswer::list({records::candle(u"2026-01-01T00:00:00.000Z"_s, 1.3, 1.5, 1.2, 1.35),
+                records::candle(u"2026-01-01T00:15:00.000Z"_s, 1.35, 1.5, 1.2, 1.3)}));
+        ChartWidget& chart = t.d.openChart(u"EURUSD"_s)->chart();
+        QTRY_COMPARE(chart.candles().size(), std::size_t(2));
+        t.quote(1.31, 150);
+        QTRY_COMPARE(chart.bid(), 1.31);
+        QVERIFY(shows(chart, askColor) && shows(chart, bidColor));
+
+        t.loseFeed();
+        QVERIFY(!shows(chart, askColor) && !shows(chart, bidColor));
+        QCOMPARE(chart.bid(), 1.31);
+        ChartWidget& opened = t.d.openChart(u"EURUSD"_s)->chart();
+        QTRY_COMPARE(opened.candles().size(), std::size_t(2));
+        QCOMPARE(opened.bid(), 1.31);
+        QVERIFY(!shows(opened, askColor) && !shows(opened, bidColor));
+
+        t.findFeed(euroHello(1.31, 1.41));
+        t.quote(1.31, 150); // the same price, but a new one
+        QTRY_VERIFY(shows(chart, askColor) && shows(chart, bidColor));
+        QVERIFY(shows(opened, askColor) && shows(opened, bidColor));
+    }
+
+    void the_order_window_tells_old_prices_from_live_ones()
+    {
+        Terminal t;
+        t.d.f.window->openOrderDialog();
+        auto* display = t.d.f.window->findChild<QLabel*>(u"priceDisplay"_s);
+        auto* ticks = t.d.f.window->findChild<TickChartWidget*>();
+        QTRY_VERIFY(display && display->isVisible());
+        const QString live = display->styleSheet();
+        QCOMPARE(live, u"font-size:26pt; font-weight:bold; color:#222;"_s);
+        t.quote(1.31, 150);
+        t.quote(1.32, 150);
+        QTRY_COMPARE(display->text(), u"1.32000 / 1.42000"_s);
+        constexpr QColor tickAsk(0xdd, 0x33, 0x33);
+        constexpr QColor tickBid(0x33, 0x66, 0xcc);
+        QVERIFY(shows(*ticks, tickAsk) && shows(*ticks, tickBid));
+
+        t.loseFeed();
+        QVERIFY(display->styleSheet() != live);
+        QCOMPARE(display->text(), u"1.32000 / 1.42000"_s);
+        const QColor color = display->palette().color(display->foregroundRole());
+        QVERIFY2(color != QColor(0x22, 0x22, 0x22) && contrastRatio(color, Qt::white) >= 4.5,
+            qPrintable(color.name()));
+        QVERIFY(!shows(*ticks, tickAsk) && !shows(*ticks, tickBid));
+
+        t.findFeed(euroHello(1.32, 1.42));
+        QVERIFY(display->styleSheet() != live);
+        t.quote(1.32, 150);
+        QTRY_COMPARE(display->styleSheet(), live);
+        QVERIFY(shows(*ticks, tickAsk) && shows(*ticks, tickBid));
+    }
+
+    void another_symbol_in_the_order_window_has_no_old_price()
+    {
+        Terminal t;
+        t.d.f.window->openOrderDialog();
+        auto* display = t.d.f.window->findChild<QLabel*>(u"priceDisplay"_s);
+        const QString live = display->styleSheet();
+        t.quote(1.31, 150);
+        QTRY_COMPARE(display->text(), u"1.31000 / 1.41000"_s);
+        t.loseFeed();
+        QVERIFY(display->styleSheet() != live);
+        t.d.f.window->findChild<QComboBox*>(u"orderSymbol"_s)->setCurrentIndex(1);
+        QCOMPARE(display->text(), u"— / —"_s);
+        QCOMPARE(display->styleSheet(), live);
+    }
+
+    void cleanup()
+    {
+        setTheme(false);
+        applyTheme(*qApp);
+    }
+};
+
+TAVORAN_TEST(tst_StalePrices)
+#include "tst_StalePrices.moc"
