@@ -2,13 +2,12 @@
 
 #include "app/base/TerminalSettings.h"
 #include "mainwindow/SavedGeometry.h"
+#include "mainwindow/ScreenFit.h"
 #include "mainwindow/ToolBars.h"
 #include "mainwindow/WindowPlacement.h"
 
 #include <QDockWidget>
-#include <QGuiApplication>
 #include <QMainWindow>
-#include <QScreen>
 
 using namespace Qt::StringLiterals;
 
@@ -21,15 +20,6 @@ constexpr int toolboxMinimumHeight = 80;
 constexpr int collapsedSize = 20;
 constexpr int defaultSideWidth = 352;
 constexpr int defaultToolboxHeight = 210;
-
-QList<QRect> availableScreens()
-{
-    QList<QRect> areas;
-    const QList<QScreen*> screens = QGuiApplication::screens();
-    for (const QScreen* screen : screens)
-        areas.append(screen->availableGeometry());
-    return areas;
-}
 
 } // namespace
 

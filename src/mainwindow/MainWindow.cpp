@@ -16,6 +16,7 @@
 #include "mainwindow/ExpertsFolder.h"
 #include "mainwindow/MenuBar.h"
 #include "mainwindow/PaneFocus.h"
+#include "mainwindow/PaneKeeper.h"
 #include "mainwindow/QuitWatch.h"
 #include "mainwindow/Reports.h"
 #include "mainwindow/ScreenFit.h"
@@ -94,6 +95,7 @@ MainWindow::MainWindow(QWidget* parent)
     m_chartCommands = std::make_unique<ChartCommands>(*m_actions, *m_charts, this);
     m_links = new DesktopLinks(*this);
     m_smallWindows = new SmallWindows(m_book, *m_marketWatch, *this);
+    m_paneKeeper = new PaneKeeper(*this, *m_toolbox, *m_smallWindows, m_settings);
     m_tradeActions = std::make_unique<TradeActions>(m_api, m_book, this);
     m_tradeDesk = std::make_unique<TradeDesk>(m_api, m_feed, m_book, *this);
     m_tradeMenu = new TradeMenu(*this);
@@ -136,6 +138,8 @@ void MainWindow::buildToolbox()
 {
     m_news = std::make_unique<NewsPane>(m_api, m_toolbox->pageParent());
     m_alerts = new AlertsPane(m_settings, m_toolbox->pageParent());
+    m_news->setObjectName(u"newsPage"_s);
+    m_alerts->setObjectName(u"alertsPage"_s);
     m_toolbox->addTab(m_news.get(), tr("Calendar"));
     m_toolbox->addTab(m_alerts, tr("Alerts"));
 }
@@ -463,6 +467,7 @@ void MainWindow::restoreLayout()
         if (!notice.isEmpty())
             journal(tr("Terminal"), notice);
     }
+    m_paneKeeper->restoreFromSettings();
     m_charts->restoreLayout(m_settings.chartsLayout());
     m_chartCommands->followActiveChart();
 }
@@ -470,6 +475,7 @@ void MainWindow::restoreLayout()
 void MainWindow::storeLayout()
 {
     m_docks->storeInSettings();
+    m_paneKeeper->storeInSettings();
     m_settings.setChartsLayout(m_charts->saveLayout());
     m_settings.sync();
 }

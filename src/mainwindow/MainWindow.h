@@ -23,6 +23,7 @@ class MarketWatchWidget;
 class NavigatorWidget;
 class NewsPane;
 class OrderEvents;
+class PaneKeeper;
 class QMdiSubWindow;
 class QuitWatch;
 class Reports;
@@ -132,6 +133,7 @@ private:
     TerminalActions* m_actions = nullptr;
     DesktopLinks* m_links = nullptr;
     SmallWindows* m_smallWindows = nullptr;
+    PaneKeeper* m_paneKeeper = nullptr;
     TradeMenu* m_tradeMenu = nullptr;
     ExpertAttachment* m_expertAttachment = nullptr;
     QuitWatch* m_quitWatch = nullptr;

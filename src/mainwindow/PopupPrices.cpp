@@ -2,6 +2,7 @@
 
 #include "panes/QuoteItem.h"
 
+#include <QCloseEvent>
 #include <QHeaderView>
 #include <QKeyEvent>
 #include <QTreeView>
@@ -51,6 +52,13 @@ void PopupPrices::toggle()
 void PopupPrices::refresh()
 {
     m_list->viewport()->update();
+}
+
+// A desktop gives a window that is opened again another place, unless the program has asked for one.
+void PopupPrices::closeEvent(QCloseEvent* event)
+{
+    setAttribute(Qt::WA_Moved);
+    QWidget::closeEvent(event);
 }
 
 void PopupPrices::keyPressEvent(QKeyEvent* event)

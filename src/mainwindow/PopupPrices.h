@@ -18,13 +18,14 @@ public:
     ~PopupPrices() override = default;
 
 public Q_SLOTS:
-    /// Opens the window, without taking the keyboard from where it is, or closes it.
+    /// Opens the window where it was, without taking the keyboard from where it is, or closes it.
     void toggle();
     /// Call after each price snapshot: the list announces new prices to nobody.
     void refresh();
 
 protected:
     void keyPressEvent(QKeyEvent* event) override;
+    void closeEvent(QCloseEvent* event) override;
 
 private:
     QTreeView* m_list;

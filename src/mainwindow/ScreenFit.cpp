@@ -5,6 +5,7 @@
 #include <QCoreApplication>
 #include <QDockWidget>
 #include <QEvent>
+#include <QGuiApplication>
 #include <QScreen>
 #include <QTimer>
 #include <QToolBar>
@@ -72,6 +73,15 @@ void fitLater(QWidget& window, QSize sizeBefore, std::size_t turn)
 }
 
 } // namespace
+
+QList<QRect> availableScreens()
+{
+    QList<QRect> areas;
+    const QList<QScreen*> screens = QGuiApplication::screens();
+    for (const QScreen* screen : screens)
+        areas.append(screen->availableGeometry());
+    return areas;
+}
 
 ScreenFit::ScreenFit(QWidget& mainWindow)
     : QObject(&mainWindow)

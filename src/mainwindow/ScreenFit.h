@@ -1,8 +1,13 @@
 #pragma once
 
+#include <QList>
 #include <QObject>
+#include <QRect>
 
 class QWidget;
+
+/// The part of each screen that windows may use, the first screen first.
+[[nodiscard]] QList<QRect> availableScreens();
 
 /// Keeps what the terminal opens within the screen: each dialog and small window over the main window, and
 /// the main window itself when it asks for it. A window is watched in its first moments only; later it stays

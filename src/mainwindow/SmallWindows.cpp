@@ -4,6 +4,8 @@
 #include "mainwindow/AboutBox.h"
 #include "mainwindow/DepthOfMarket.h"
 #include "mainwindow/PopupPrices.h"
+#include "mainwindow/SavedGeometry.h"
+#include "mainwindow/ScreenFit.h"
 #include "mainwindow/SymbolSpecification.h"
 #include "mainwindow/account/AccountBook.h"
 #include "panes/MarketWatchWidget.h"
@@ -39,9 +41,17 @@ SmallWindows::~SmallWindows() = default;
 
 void SmallWindows::togglePopupPrices()
 {
-    if (!m_popupPrices)
+    if (!m_popupPrices) {
         m_popupPrices = new PopupPrices(m_marketWatch.quotes(), &m_window);
+        m_popupPrices->restoreGeometry(
+            geometryOnScreen(m_popupPlace, availableScreens(), m_popupPrices->geometry()));
+    }
     m_popupPrices->toggle();
+}
+
+QByteArray SmallWindows::popupPlace() const
+{
+    return m_popupPrices ? m_popupPrices->saveGeometry() : m_popupPlace;
 }
 
 void SmallWindows::toggleDepthOfMarket(const QString& symbol)

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QByteArray>
 #include <QObject>
 #include <QPointer>
 
@@ -19,6 +20,13 @@ public:
     /// Book and Market Watch must outlive it; `window` becomes the parent of all.
     SmallWindows(const AccountBook& book, const MarketWatchWidget& marketWatch, QWidget& window);
     ~SmallWindows() override;
+
+    /// Where the popup prices are, or will open: what QWidget::saveGeometry() says, empty for the usual
+    /// place.
+    [[nodiscard]] QByteArray popupPlace() const;
+    /// For popup prices that have not been opened yet. A place that no screen shows is brought onto one;
+    /// bytes that cannot be read count as none.
+    void setPopupPlace(const QByteArray& geometry) { m_popupPlace = geometry; }
 
 public Q_SLOTS:
     /// The book has new quotes.
@@ -41,6 +49,7 @@ private:
     const MarketWatchWidget& m_marketWatch;
     QWidget& m_window;
     QPointer<PopupPrices> m_popupPrices; ///< kept when closed
+    QByteArray m_popupPlace;             ///< until there are popup prices
     QPointer<DepthOfMarket> m_depth;
     QPointer<SymbolSpecification> m_specification;
     QPointer<AboutBox> m_about;

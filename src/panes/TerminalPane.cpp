@@ -86,6 +86,7 @@ TerminalPane::TerminalPane(QWidget* parent)
 void TerminalPane::buildTradePage()
 {
     auto* page = new QWidget(this);
+    page->setObjectName(u"tradePage"_s);
     // The line is dark in both themes, so the light theme's dark text would not be legible on it.
     page->setStyleSheet("QLabel{color:%1;}"_L1.arg(fixedColors::neutral.name()));
     addTab(page, tr("Trade"));

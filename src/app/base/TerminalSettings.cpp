@@ -25,6 +25,7 @@ constexpr auto state = "window/state"_L1;
 constexpr auto stateDigest = "window/stateDigest"_L1;
 constexpr auto restoring = "window/restoring"_L1;
 constexpr auto charts = "charts/layout"_L1;
+constexpr auto panes = "window/panes"_L1;
 constexpr auto alerts = "alerts"_L1;
 } // namespace key
 
@@ -142,6 +143,16 @@ QString TerminalSettings::chartsLayout() const
 void TerminalSettings::setChartsLayout(const QString& json)
 {
     m_store.setValue(key::charts, json);
+}
+
+QString TerminalSettings::panesLayout() const
+{
+    return text(key::panes);
+}
+
+void TerminalSettings::setPanesLayout(const QString& json)
+{
+    m_store.setValue(key::panes, json);
 }
 
 QString TerminalSettings::alerts() const

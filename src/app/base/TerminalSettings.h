@@ -54,6 +54,11 @@ public:
     /// Call sync() when all of the layout is stored.
     void setChartsLayout(const QString& json);
 
+    /// What is arranged within the panes as JSON text, empty when nothing is.
+    [[nodiscard]] QString panesLayout() const;
+    /// Call sync() when all of the layout is stored.
+    void setPanesLayout(const QString& json);
+
     /// The price alerts as JSON text, empty when there are none.
     [[nodiscard]] QString alerts() const;
     void setAlerts(const QString& json);
