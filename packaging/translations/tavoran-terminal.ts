@@ -201,6 +201,10 @@ Built with Qt %2, running with Qt %3</source>
         <extracomment>%1 the title of a chart</extracomment>
         <translation type="unfinished"></translation>
     </message>
+    <message>
+        <source>To open a chart, double-click a symbol in Market Watch, or select one there and press Enter.</source>
+        <translation type="unfinished"></translation>
+    </message>
 </context>
 <context>
     <name>ChartColorRoles</name>
@@ -613,6 +617,10 @@ Built with Qt %2, running with Qt %3</source>
         <source>The desktop could not open %1</source>
         <translation type="unfinished"></translation>
     </message>
+    <message>
+        <source>Tavoran Terminal</source>
+        <translation type="unfinished"></translation>
+    </message>
 </context>
 <context>
     <name>DockKeeper</name>
@@ -926,6 +934,11 @@ Built with Qt %2, running with Qt %3</source>
     </message>
     <message>
         <source>%1, falling</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>%1, last known prices</source>
+        <extracomment>said of a symbol while the feed is down</extracomment>
         <translation type="unfinished"></translation>
     </message>
 </context>
@@ -1382,6 +1395,10 @@ Built with Qt %2, running with Qt %3</source>
         <source>Bid %1, ask %2</source>
         <translation type="unfinished"></translation>
     </message>
+    <message>
+        <source>Disconnected; last bid %1, ask %2</source>
+        <translation type="unfinished"></translation>
+    </message>
 </context>
 <context>
     <name>ReplyOutcome</name>
@@ -1407,6 +1424,11 @@ Built with Qt %2, running with Qt %3</source>
     </message>
     <message>
         <source>Connection closed</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>%1 (%2)</source>
+        <extracomment>%1 why there is no connection, %2 the address of the server</extracomment>
         <translation type="unfinished"></translation>
     </message>
 </context>
@@ -1827,6 +1849,45 @@ Built with Qt %2, running with Qt %3</source>
     </message>
     <message>
         <source>More buttons</source>
+        <translation type="unfinished"></translation>
+    </message>
+</context>
+<context>
+    <name>ToolHint</name>
+    <message>
+        <source>Horizontal Line: click or press Enter at its price</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Vertical Line: click or press Enter at its time</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Trend Line: click or press Enter at its second point</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Trend Line: click or press Enter at its first point</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Rectangle: click or press Enter at the opposite corner</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Rectangle: click or press Enter at its first corner</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Fibonacci: click or press Enter at the point of level 100.0</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Fibonacci: click or press Enter at the point of level 0.0</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Crosshair: drag, or press Enter at both ends, to measure</source>
         <translation type="unfinished"></translation>
     </message>
 </context>

@@ -202,6 +202,10 @@ Erstellt mit Qt %2, ausgeführt mit Qt %3</translation>
         <extracomment>%1 the title of a chart</extracomment>
         <translation>%1 schließen</translation>
     </message>
+    <message>
+        <source>To open a chart, double-click a symbol in Market Watch, or select one there and press Enter.</source>
+        <translation>Um einen Chart zu öffnen, doppelklicken Sie in der Marktübersicht auf ein Symbol, oder wählen Sie dort eines aus und drücken Sie die Eingabetaste.</translation>
+    </message>
 </context>
 <context>
     <name>ChartColorRoles</name>
@@ -617,6 +621,10 @@ Erstellt mit Qt %2, ausgeführt mit Qt %3</translation>
         <source>The desktop could not open %1</source>
         <translation>Der Desktop konnte %1 nicht öffnen</translation>
     </message>
+    <message>
+        <source>Tavoran Terminal</source>
+        <translation>Tavoran Terminal</translation>
+    </message>
 </context>
 <context>
     <name>DockKeeper</name>
@@ -932,6 +940,11 @@ Erstellt mit Qt %2, ausgeführt mit Qt %3</translation>
     <message>
         <source>%1, falling</source>
         <translation>%1, fällt</translation>
+    </message>
+    <message>
+        <source>%1, last known prices</source>
+        <extracomment>said of a symbol while the feed is down</extracomment>
+        <translation>%1, letzte bekannte Kurse</translation>
     </message>
 </context>
 <context>
@@ -1392,6 +1405,10 @@ Erstellt mit Qt %2, ausgeführt mit Qt %3</translation>
         <source>Bid %1, ask %2</source>
         <translation>Bid %1, Ask %2</translation>
     </message>
+    <message>
+        <source>Disconnected; last bid %1, ask %2</source>
+        <translation>Getrennt; zuletzt Bid %1, Ask %2</translation>
+    </message>
 </context>
 <context>
     <name>ReplyOutcome</name>
@@ -1418,6 +1435,11 @@ Erstellt mit Qt %2, ausgeführt mit Qt %3</translation>
     <message>
         <source>Connection closed</source>
         <translation>Verbindung beendet</translation>
+    </message>
+    <message>
+        <source>%1 (%2)</source>
+        <extracomment>%1 why there is no connection, %2 the address of the server</extracomment>
+        <translation>%1 (%2)</translation>
     </message>
 </context>
 <context>
@@ -1838,6 +1860,45 @@ Erstellt mit Qt %2, ausgeführt mit Qt %3</translation>
     <message>
         <source>More buttons</source>
         <translation>Weitere Schaltflächen</translation>
+    </message>
+</context>
+<context>
+    <name>ToolHint</name>
+    <message>
+        <source>Horizontal Line: click or press Enter at its price</source>
+        <translation>Horizontale Linie: Klick oder Eingabetaste beim Preis</translation>
+    </message>
+    <message>
+        <source>Vertical Line: click or press Enter at its time</source>
+        <translation>Vertikale Linie: Klick oder Eingabetaste bei der Zeit</translation>
+    </message>
+    <message>
+        <source>Trend Line: click or press Enter at its second point</source>
+        <translation>Trendlinie: Klick oder Eingabetaste beim zweiten Punkt</translation>
+    </message>
+    <message>
+        <source>Trend Line: click or press Enter at its first point</source>
+        <translation>Trendlinie: Klick oder Eingabetaste beim ersten Punkt</translation>
+    </message>
+    <message>
+        <source>Rectangle: click or press Enter at the opposite corner</source>
+        <translation>Rechteck: Klick oder Eingabetaste bei der Gegenecke</translation>
+    </message>
+    <message>
+        <source>Rectangle: click or press Enter at its first corner</source>
+        <translation>Rechteck: Klick oder Eingabetaste bei der ersten Ecke</translation>
+    </message>
+    <message>
+        <source>Fibonacci: click or press Enter at the point of level 100.0</source>
+        <translation>Fibonacci: Klick oder Eingabetaste beim Punkt für 100.0</translation>
+    </message>
+    <message>
+        <source>Fibonacci: click or press Enter at the point of level 0.0</source>
+        <translation>Fibonacci: Klick oder Eingabetaste beim Punkt für 0.0</translation>
+    </message>
+    <message>
+        <source>Crosshair: drag, or press Enter at both ends, to measure</source>
+        <translation>Fadenkreuz: zum Messen ziehen oder an beiden Enden Eingabetaste drücken</translation>
     </message>
 </context>
 <context>

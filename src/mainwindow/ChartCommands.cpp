@@ -131,4 +131,5 @@ void ChartCommands::showTruth()
             pointer = tool;
     }
     pointer->setChecked(true);
+    Q_EMIT hintChanged(chart ? chart->hint() : QString());
 }

@@ -8,7 +8,7 @@ class ChartWindow;
 class TerminalActions;
 
 /// Carries the commands that act on charts to the active chart, and shows its truth in their check marks:
-/// type, timeframe, scrolling, shift, tool and ruler.
+/// type, timeframe, scrolling, shift, tool and ruler. Tells what its tool waits for.
 class ChartCommands final : public QObject {
     Q_OBJECT
     Q_DISABLE_COPY_MOVE(ChartCommands)
@@ -26,6 +26,9 @@ public Q_SLOTS:
 
 Q_SIGNALS:
     void logMessage(const QString& source, const QString& message);
+    /// What the next click on the active chart does; empty when that is nothing special. Comes with each
+    /// change of what the check marks show, too.
+    void hintChanged(const QString& hint);
 
 private:
     void connectIndicators();

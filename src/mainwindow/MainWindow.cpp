@@ -228,6 +228,7 @@ void MainWindow::connectPanes()
 {
     connect(m_charts.get(), &ChartArea::chartOpened, this, &MainWindow::connectChart);
     connect(m_charts.get(), &QMdiArea::subWindowActivated, this, &MainWindow::onSubWindowActivated);
+    connect(m_chartCommands.get(), &ChartCommands::hintChanged, m_status, &StatusPanel::setHint);
     connect(m_marketWatch, &MarketWatchWidget::symbolActivated, this, &MainWindow::openChart);
     connect(m_navigator, &NavigatorWidget::indicatorActivated, m_chartCommands.get(),
         &ChartCommands::addIndicator);

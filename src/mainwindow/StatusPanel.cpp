@@ -10,6 +10,8 @@
 #include <QStatusBar>
 #include <QUrl>
 
+#include <utility>
+
 using namespace Qt::StringLiterals;
 
 namespace {
@@ -59,16 +61,25 @@ StatusPanel::StatusPanel(QStatusBar& bar, const QString& server, QObject* parent
     m_trafficPause.setInterval(trafficPauseMs);
     connect(&m_trafficPause, &QTimer::timeout, this, &StatusPanel::showTraffic);
 
-    // Tips of menu entries clear the message behind them; the idle text comes back.
-    const QString idle = tr("For Help, press F1");
-    bar.showMessage(idle);
-    keepRoomFor(idle);
-    connect(&bar, &QStatusBar::messageChanged, this, [this, &bar, idle](const QString& message) {
+    // Tips of menu entries clear the message behind them; what stood there comes back.
+    connect(&bar, &QStatusBar::messageChanged, this, [this](const QString& message) {
         if (message.isEmpty())
-            bar.showMessage(idle);
+            showMessage();
         else
             keepRoomFor(message);
     });
+    showMessage();
+}
+
+void StatusPanel::setHint(const QString& hint)
+{
+    if (std::exchange(m_hint, hint) != hint)
+        showMessage();
+}
+
+void StatusPanel::showMessage()
+{
+    m_bar.showMessage(m_hint.isEmpty() ? tr("For Help, press F1") : m_hint);
 }
 
 void StatusPanel::follow(const WsClient& feed)

@@ -9,7 +9,8 @@ class QLabel;
 class QStatusBar;
 class WsClient;
 
-/// The right side of the status bar: account selector, connection, latency, traffic, user.
+/// The status bar: on its right side account selector, connection, latency, traffic and user, on its left
+/// what a chart's tool waits for, or where help is.
 class StatusPanel final : public QObject {
     Q_OBJECT
     Q_DISABLE_COPY_MOVE(StatusPanel)
@@ -29,6 +30,8 @@ public:
     void setUser(const QString& email);
     /// Shows whether the feed is connected.
     void setConnected(bool connected);
+    /// What the next click on the chart does; empty where a click means nothing special.
+    void setHint(const QString& hint);
 
     /// The host of a server's address; the whole of an address without one.
     [[nodiscard]] static QString hostOf(const QString& address);
@@ -43,8 +46,10 @@ public Q_SLOTS:
 private:
     void showTraffic();
     void keepRoomFor(const QString& message);
+    void showMessage();
 
     QStatusBar& m_bar;
+    QString m_hint;
     QString m_server;
     QComboBox* m_accountSelector;
     QLabel* m_connection;

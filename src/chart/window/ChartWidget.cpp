@@ -233,10 +233,11 @@ bool ChartWidget::deleteSelectedDrawing()
 void ChartWidget::setTool(const QString& key)
 {
     const QString before = tool();
+    const bool hadPoint = m_gestures.tool().placed().has_value();
     m_gestures.chooseTool(key);
     updateCursor();
     update();
-    if (tool() != before)
+    if (tool() != before || hadPoint)
         Q_EMIT settingsChanged();
 }
 
@@ -296,8 +297,8 @@ ChartFrame ChartWidget::frame() const
     frame.paneValues = m_indicators.panes();
     frame.drawings = m_drawings.drawings();
     frame.levels = m_levels;
-    frame.pointer = crosshairPixel().value_or(nowhere);
     frame.quoteStale = m_quoteStale;
+    frame.pointer = crosshairPixel().value_or(nowhere);
     frame.crosshair = crosshair();
     frame.texts = &m_texts;
     return frame;
@@ -354,8 +355,11 @@ void ChartWidget::take(const ChartGestures::Press& press, const QRegion& shownBe
         update();
     else if (m_gestures.isDragging())
         updateOverlay(shownBefore + gestureArea());
-    if (!press.created)
+    if (!press.created) {
+        if (press.taker == ChartGestures::Taker::Tool)
+            Q_EMIT settingsChanged(); // a point is placed, and the next click means another
         return;
+    }
     m_drawings.append(*press.created);
     m_reader.noteMarks();
     Q_EMIT drawingCreated(*press.created);

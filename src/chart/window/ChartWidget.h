@@ -7,6 +7,7 @@
 #include "chart/data/IndicatorCache.h"
 #include "chart/data/TradeLevel.h"
 #include "chart/gestures/ChartGestures.h"
+#include "chart/gestures/ToolHint.h"
 #include "chart/layers/BandCache.h"
 #include "chart/layers/TextPainter.h"
 #include "chart/window/ChartReader.h"
@@ -44,9 +45,9 @@ public:
 
     /// A price update at `timeMs` (ms since the epoch); see ChartScene::tick() for prices that are missing.
     void onTick(double bid, double ask, qint64 timeMs);
-    [[nodiscard]] double bid() const { return m_scene.bid(); } ///< 0 where there is none
     /// No prices come any more: bid and ask look old until the next tick.
     void markQuoteStale();
+    [[nodiscard]] double bid() const { return m_scene.bid(); } ///< 0 where there is none
     [[nodiscard]] double ask() const { return m_scene.ask(); } ///< 0 where there is none
 
     /// Length in ms of the candles that ticks build; below 1 means 15 minutes.
@@ -99,6 +100,8 @@ public:
     /// Points placed so far are dropped.
     void setTool(const QString& key);
     [[nodiscard]] QString tool() const { return m_gestures.tool().key(); }
+    /// What the next click does; see toolHint().
+    [[nodiscard]] QString hint() const { return toolHint(m_gestures); }
 
     /// Arms or disarms the ruler (see Ruler); a shown ruler goes. While armed, presses in the plot measure
     /// instead of panning, selecting or taking levels; placing a drawing goes first.
@@ -135,7 +138,8 @@ Q_SIGNALS:
     void autoScrollChanged(bool on);
     /// Prices of the candle under the pointer as text; empty when the pointer has left.
     void crosshairMoved(const QString& ohlc);
-    /// Chart type, shift, scrolling, indicators, tool or ruler have changed: what menus show of a chart.
+    /// Chart type, shift, scrolling, indicators, tool (or what it has placed) or ruler have changed: what
+    /// menus and the status bar show of a chart.
     void settingsChanged();
     void drawingCreated(const Drawing& drawing);
     void drawingUpdated(const Drawing& drawing);

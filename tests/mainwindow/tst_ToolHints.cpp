@@ -1,0 +1,152 @@
+#include "CommandDriver.h"
+#include "support/TestMain.h"
+
+#include <QStatusBar>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+const QString idle = u"For Help, press F1"_s;
+
+/// A terminal with a chart of two candles in front.
+struct Terminal final {
+    CommandDriver d;
+    ChartWindow* window = nullptr;
+
+    Terminal()
+    {
+        d.f.server.on("GET", "/api/candles",
+            StubAnswer::list({records::candle(u"2026-01-01T00:00:00.000Z"_s, 1.3, 1.5, 1.2, 1.35),
+                records::candle(u"2026-01-01T00:15:00.000Z"_s, 1.35, 1.5, 1.2, 1.3)}));
+        window = open(u"EURUSD"_s);
+    }
+    [[nodiscard]] ChartWindow* open(const QString& symbol) const
+    {
+        ChartWindow* opened = d.openChart(symbol);
+        [opened] { QTRY_COMPARE(opened->chart().candles().size(), std::size_t(2)); }();
+        return opened;
+    }
+    [[nodiscard]] QString hint() const { return d.f.window->statusBar()->currentMessage(); }
+    void click(int x) const
+    {
+        ChartWidget& chart = window->chart();
+        QTest::mouseClick(&chart, Qt::LeftButton, {}, {x, chart.height() / 3});
+    }
+};
+
+} // namespace
+
+class tst_ToolHints final : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void each_tool_says_what_the_next_click_does_data()
+    {
+        QTest::addColumn<QString>("tool");
+        QTest::addColumn<QString>("first");
+        QTest::addColumn<QString>("second");
+        QTest::newRow("horizontal line")
+            << u"Horizontal Line"_s << u"Horizontal Line: click or press Enter at its price"_s << QString();
+        QTest::newRow("vertical line")
+            << u"Vertical Line"_s << u"Vertical Line: click or press Enter at its time"_s << QString();
+        QTest::newRow("trend line") << u"Trend Line"_s
+                                    << u"Trend Line: click or press Enter at its first point"_s
+                                    << u"Trend Line: click or press Enter at its second point"_s;
+        QTest::newRow("rectangle") << u"Rectangle"_s
+                                   << u"Rectangle: click or press Enter at its first corner"_s
+                                   << u"Rectangle: click or press Enter at the opposite corner"_s;
+        QTest::newRow("fibonacci") << u"Fibonacci"_s
+                                   << u"Fibonacci: click or press Enter at the point of level 0.0"_s
+                                   << u"Fibonacci: click or press Enter at the point of level 100.0"_s;
+    }
+    void each_tool_says_what_the_next_click_does()
+    {
+        QFETCH(const QString, tool);
+        QFETCH(const QString, first);
+        QFETCH(const QString, second);
+        const Terminal t;
+        QCOMPARE(t.hint(), idle);
+        QAction* action = nullptr;
+        for (QAction* offered : t.d.actions().drawingTools()) {
+            if (offered->text().startsWith(tool))
+                action = offered;
+        }
+        QVERIFY(action);
+        action->trigger();
+        QCOMPARE(t.hint(), first);
+        t.click(200);
+        if (!second.isEmpty()) {
+            QCOMPARE(t.hint(), second);
+            t.click(300);
+        }
+        QCOMPARE(t.hint(), idle);
+
+        // Chosen anew, a tool begins anew; Escape ends it.
+        action->trigger();
+        t.click(200);
+        action->trigger();
+        QCOMPARE(t.hint(), first);
+        QTest::keyClick(&t.window->chart(), Qt::Key_Escape);
+        QCOMPARE(t.hint(), idle);
+    }
+
+    void the_ruler_says_how_it_measures()
+    {
+        const Terminal t;
+        t.d.actions().crosshair->trigger();
+        QVERIFY(t.hint().startsWith(u"Crosshair: "_s));
+        const QString hint = t.hint();
+        ChartWidget& chart = t.window->chart();
+        QTest::mousePress(&chart, Qt::LeftButton, {}, {100, 100});
+        QTest::mouseMove(&chart, {200, 120});
+        QTest::mouseRelease(&chart, Qt::LeftButton, {}, {200, 120});
+        QCOMPARE(t.hint(), hint);
+        t.d.actions().cursor->trigger();
+        QCOMPARE(t.hint(), idle);
+    }
+
+    void the_hint_belongs_to_the_chart_in_front()
+    {
+        Terminal t;
+        t.d.actions().trendLine->trigger();
+        const QString hint = t.hint();
+        QVERIFY(hint != idle);
+        const ChartWindow* other = t.open(u"USDJPY"_s);
+        QCOMPARE(t.hint(), idle);
+        other->window()->activateWindow();
+        t.d.f.chartArea()->activatePreviousSubWindow();
+        QTRY_COMPARE(t.d.f.chartArea()->activeChart(), t.window);
+        QCOMPARE(t.hint(), hint);
+        t.d.f.chartArea()->closeAllSubWindows();
+        QTRY_VERIFY(t.d.f.charts().isEmpty());
+        QTRY_COMPARE(t.hint(), idle);
+    }
+
+    void the_tip_of_a_menu_entry_gives_the_hint_back()
+    {
+        const Terminal t;
+        t.d.actions().trendLine->trigger();
+        const QString hint = t.hint();
+        t.d.f.window->statusBar()->showMessage(u"something else"_s);
+        t.d.f.window->statusBar()->clearMessage();
+        QCOMPARE(t.hint(), hint);
+    }
+
+    void a_hint_fits_beside_the_rest_of_the_status_bar()
+    {
+        const Terminal t;
+        t.d.f.window->resize(1280, 800);
+        const QStatusBar& bar = *t.d.f.window->statusBar();
+        const int room = t.d.f.selector().x();
+        for (const QAction* tool : t.d.actions().drawingTools()) {
+            const_cast<QAction*>(tool)->trigger();
+            QVERIFY(t.hint() != idle);
+            const int width = bar.fontMetrics().horizontalAdvance(t.hint());
+            QVERIFY2(width < room, qPrintable(u"%1: %2 of %3"_s.arg(t.hint()).arg(width).arg(room)));
+        }
+    }
+};
+
+TAVORAN_TEST(tst_ToolHints)
+#include "tst_ToolHints.moc"
