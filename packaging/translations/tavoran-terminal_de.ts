@@ -944,7 +944,7 @@ Erstellt mit Qt %2, ausgeführt mit Qt %3</translation>
     <message>
         <source>%1, last known prices</source>
         <extracomment>said of a symbol while the feed is down</extracomment>
-        <translation>%1, letzte bekannte Kurse</translation>
+        <translation>%1, zuletzt bekannte Kurse</translation>
     </message>
 </context>
 <context>
@@ -1882,11 +1882,11 @@ Erstellt mit Qt %2, ausgeführt mit Qt %3</translation>
     </message>
     <message>
         <source>Rectangle: click or press Enter at the opposite corner</source>
-        <translation>Rechteck: Klick oder Eingabetaste bei der Gegenecke</translation>
+        <translation>Rechteck: Klick oder Eingabetaste an der Ecke gegenüber</translation>
     </message>
     <message>
         <source>Rectangle: click or press Enter at its first corner</source>
-        <translation>Rechteck: Klick oder Eingabetaste bei der ersten Ecke</translation>
+        <translation>Rechteck: Klick oder Eingabetaste an der ersten Ecke</translation>
     </message>
     <message>
         <source>Fibonacci: click or press Enter at the point of level 100.0</source>
@@ -1898,7 +1898,7 @@ Erstellt mit Qt %2, ausgeführt mit Qt %3</translation>
     </message>
     <message>
         <source>Crosshair: drag, or press Enter at both ends, to measure</source>
-        <translation>Fadenkreuz: zum Messen ziehen oder an beiden Enden Eingabetaste drücken</translation>
+        <translation>Fadenkreuz: zum Messen ziehen oder Eingabetaste an beiden Enden</translation>
     </message>
 </context>
 <context>
