@@ -123,10 +123,9 @@ bool FocusMark::eventFilter(QObject* watched, QEvent* event)
 
 bool FocusMark::isPaintedFor(const QObject* watched) const
 {
-    if (watched == m_marked)
-        return true;
-    const auto* list = qobject_cast<const QAbstractItemView*>(m_marked);
-    return list && watched == list->viewport();
+    if (const auto* list = qobject_cast<const QAbstractItemView*>(m_marked))
+        return watched == list->viewport();
+    return watched == m_marked && qobject_cast<const QTabBar*>(m_marked);
 }
 
 bool FocusMark::carriesMarked(const QObject* watched) const

@@ -31,7 +31,7 @@ private:
     /// Soon, and once for everything that happens before: within a paint nothing may be moved.
     void follow();
     void place();
-    /// Whether this is what the marked widget shows itself on.
+    /// Whether this is what the marked list or row of tabs shows itself on.
     [[nodiscard]] bool isPaintedFor(const QObject* watched) const;
     /// Whether the mark has to go where this goes.
     [[nodiscard]] bool carriesMarked(const QObject* watched) const;
