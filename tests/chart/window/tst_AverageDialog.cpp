@@ -60,6 +60,7 @@ private Q_SLOTS:
         QSignalSpy chosen(&dialog, &QInputDialog::intValueSelected);
         QVERIFY(hands::arriveAt(&dialog));
         hands::hold(Qt::Key_Return);
+        QVERIFY(dialog.isVisible());
         hands::hold(Qt::Key_Return);
         QVERIFY(dialog.isVisible());
         hands::press(Qt::Key_Return);
