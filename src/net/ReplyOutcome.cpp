@@ -76,12 +76,13 @@ QString networkText(const QNetworkReply& reply, int status)
         return QCoreApplication::translate("ReplyOutcome", "The server answered with a redirect");
     // The request may have been sent; Qt words this case "Unknown error".
     if (reply.error() == QNetworkReply::ContentReSendError)
-        return withServer(QCoreApplication::translate("ReplyOutcome", "Connection closed"), reply);
+        return QCoreApplication::translate("ReplyOutcome", "Connection closed");
     const ReplyWatch* watch = ReplyWatch::of(reply);
     const QString text = watch && wasGivenUp(reply) ? givenUpText(reply, *watch, status) : QString();
     if (!text.isEmpty())
         return text;
-    const bool hadConnection = isWhole(reply.error()) || (watch && watch->wasTooLarge());
+    const bool hadConnection = isWhole(reply.error()) || reply.error() == QNetworkReply::RemoteHostClosedError
+        || (watch && watch->wasTooLarge());
     return hadConnection ? reply.errorString() : withServer(reply.errorString(), reply);
 }
 

@@ -40,7 +40,7 @@ private Q_SLOTS:
         const ReplyOutcome outcome = change(verb, u"/api/order"_s);
         QVERIFY(!outcome.ok);
         QCOMPARE(outcome.status, 0);
-        QCOMPARE(outcome.error, u"Connection closed (%1)"_s.arg(m_server->url()));
+        QCOMPARE(outcome.error, u"Connection closed"_s);
         // A second copy would come on a new connection; this read shows that none is on its way.
         QVERIFY(readError(u"/later"_s).contains(u"stub has no"_s));
         QCOMPARE(m_server->count(verb, "/api/order"), 1);
@@ -57,7 +57,7 @@ private Q_SLOTS:
         QCOMPARE(readError(u"/warm"_s), u"(a document)"_s);
         m_server->on(verb, "/api/order", StubAnswer::closed());
         const ReplyOutcome outcome = change(verb, u"/api/order"_s);
-        QCOMPARE(outcome.error, u"Connection closed (%1)"_s.arg(m_server->url()));
+        QCOMPARE(outcome.error, u"Connection closed"_s);
         QCOMPARE(readError(u"/warm"_s), u"(a document)"_s);
         QCOMPARE(m_server->count(verb, "/api/order"), 1);
     }
@@ -68,7 +68,7 @@ private Q_SLOTS:
         QSignalSpy failed(&*m_api, &ApiClient::loginFailed);
         m_api->login(u"a@b.c"_s, u"pw"_s);
         QTRY_COMPARE(failed.size(), 1);
-        QCOMPARE(failed.at(0).at(0).toString(), u"Connection closed (%1)"_s.arg(m_server->url()));
+        QCOMPARE(failed.at(0).at(0).toString(), u"Connection closed"_s);
         QCOMPARE(m_server->count("POST", "/api/auth/login"), 1);
     }
 

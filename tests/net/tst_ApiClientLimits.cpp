@@ -189,7 +189,7 @@ private Q_SLOTS:
     {
         m_server->on("POST", orderPath.toUtf8(), StubAnswer::closed());
         const ReplyOutcome outcome = finish(m_api->post(orderPath, {}));
-        QCOMPARE(outcome.error, u"Connection closed (%1)"_s.arg(m_server->url()));
+        QCOMPARE(outcome.error, u"Connection closed"_s);
         QVERIFY(outcome.isUnanswered());
     }
 
