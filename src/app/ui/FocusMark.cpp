@@ -192,10 +192,10 @@ void FocusMark::place()
         return;
     }
     QWidget* window = m_marked->window();
-    if (m_ring && m_ring->parentWidget() != window)
+    if (!m_ring || m_ring->parentWidget() != window) {
         delete m_ring;
-    if (!m_ring)
         m_ring = new FocusRing(*window);
+    }
     const Place place = placeFor(*m_marked);
     m_ring->showAlong(place.edge, place.width);
 }
