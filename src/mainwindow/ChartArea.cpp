@@ -77,12 +77,29 @@ ChartWindow* ChartArea::openChart(const QString& symbol)
     const QMdiSubWindow* current = currentSubWindow();
     const bool maximized = !current || current->isMaximized();
     QMdiSubWindow* subWindow = addChart(symbol, defaultTimeframe, {});
-    if (maximized)
+    if (maximized) {
         subWindow->showMaximized();
-    else
+    } else {
         subWindow->show();
+        keepInside(*subWindow);
+    }
     setActiveSubWindow(subWindow);
     return chartIn(subWindow);
+}
+
+void ChartArea::cascade()
+{
+    cascadeSubWindows();
+    for (QMdiSubWindow* subWindow : subWindowList())
+        keepInside(*subWindow);
+}
+
+void ChartArea::keepInside(QMdiSubWindow& subWindow) const
+{
+    // Qt gives them the size that they would like, and the time scale lies at the lower edge.
+    const QRect place = subWindow.geometry();
+    const QSize room(viewport()->width() - place.x(), viewport()->height() - place.y());
+    subWindow.resize(place.size().boundedTo(room).expandedTo(subWindow.minimumSizeHint()));
 }
 
 QMdiSubWindow* ChartArea::addChart(const QString& symbol, const QString& timeframe, const QJsonObject& state)

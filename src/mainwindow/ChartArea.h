@@ -54,6 +54,9 @@ public:
     void setTimeframe(const QString& key);
     void closeActiveChart();
 
+    /// Lays the charts one over the other, each inside the area.
+    void cascade();
+
 Q_SIGNALS:
     /// A chart was made, asked for or restored. It has emitted nothing yet, so whoever connects its signals
     /// now misses none.
@@ -84,6 +87,7 @@ private:
     /// An area without charts says how to open one.
     void showHint(bool shown);
     void applyPlacements();
+    void keepInside(QMdiSubWindow& subWindow) const;
     void restoreGeometry(QMdiSubWindow* subWindow, const QByteArray& geometry);
 
     ApiClient& m_api;

@@ -98,7 +98,7 @@ void ChartCommands::connectView()
 void ChartCommands::connectWindows()
 {
     connect(m_actions.tile, &QAction::triggered, &m_charts, &QMdiArea::tileSubWindows);
-    connect(m_actions.cascade, &QAction::triggered, &m_charts, &QMdiArea::cascadeSubWindows);
+    connect(m_actions.cascade, &QAction::triggered, &m_charts, &ChartArea::cascade);
     connect(m_actions.closeChart, &QAction::triggered, &m_charts, &ChartArea::closeActiveChart);
 }
 

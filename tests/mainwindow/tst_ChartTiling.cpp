@@ -102,10 +102,25 @@ private Q_SLOTS:
         QSet<QPair<int, int>> corners;
         for (const QRect& rect : rects) {
             corners.insert({rect.x(), rect.y()});
-            QVERIFY(d.f.chartArea()->viewport()->rect().contains(rect.topLeft()));
+            QVERIFY(d.f.chartArea()->viewport()->rect().contains(rect));
             QVERIFY(rect.width() >= 500 && rect.height() >= 300); // a chart that can be read
         }
         QCOMPARE(corners.size(), rects.size());
+    }
+
+    void aChartBesideOthersOpensWithinALowArea()
+    {
+        const CommandDriver d;
+        openThree(d);
+        d.choose({u"&Window"_s, u"Cascade"_s});
+        d.f.window->resize(1024, 600);
+        const QRect area = d.f.chartArea()->viewport()->rect();
+        QVERIFY(area.height() < 400);
+        QVERIFY(d.openChart(u"AUDUSD"_s));
+        QVERIFY(area.contains(places(d).constLast()));
+        d.choose({u"&Window"_s, u"Cascade"_s});
+        for (const QRect& rect : places(d))
+            QVERIFY(area.contains(rect));
     }
 
     void titlesOfTiledChartsCanBeReadInEveryTheme()
