@@ -15,7 +15,7 @@ from pathlib import Path
 
 sys.path.insert(0, str(Path(__file__).parent))
 
-from acts import challenge, charting, experts, market, reading, records, returning, sign_in, trading, tray, warnings  # noqa: E402
+from acts import challenge, charting, experts, keyboard, market, reading, records, returning, sign_in, trading, tray, warnings  # noqa: E402
 from desktop import Desktop  # noqa: E402
 from played_market import FALLING, write_market  # noqa: E402
 from stage import Stage, StepFailed  # noqa: E402
@@ -77,6 +77,8 @@ def take(stage):
     charting.arrange_charts(stage, FALLING)
     tray.use_the_tray(stage)
     records.compare_database(stage, shown)
+    stage.platform.start()
+    keyboard.trade(stage)
 
 
 def perform(take, description, long=True):

@@ -1,6 +1,7 @@
 """The History tab against the platform's own records, to the cent, read over its API and from its database."""
 
 import sqlite3
+from contextlib import closing
 
 
 def cents(text):
@@ -31,7 +32,7 @@ def compare_history(stage, name, account, tickets):
 def compare_database(stage, shown):
     """Ends the platform, which keeps its file to itself, and reads what is on the disk."""
     stage.platform.stop()
-    with sqlite3.connect(f"file:{stage.platform.database}?mode=ro", uri=True) as database:
+    with closing(sqlite3.connect(f"file:{stage.platform.database}?mode=ro", uri=True)) as database:
         stored = {row[0][:8]: row[1:] for row in database.execute(
             "SELECT id, commission, swap, pnl FROM trades WHERE status = 'CLOSED' AND exit_price > 0")}
     stage.seen("database", stored == shown, f"the database holds the same trades to the cent: {stored}")
