@@ -164,7 +164,7 @@ class StartUp:
         self.desktop.type(self.LATE)
         self.desktop.key("Return")
         refused = wait_until(lambda: (now := self.sign_in_dialog(terminal.pid)) and now.find(
-            "label", accept=lambda item: item.text() == "Closed for today"))
+            "notification", "Closed for today"))
         self.desktop.screenshot(self.out / "dialog.png")
         self.seen(refused, "which signs in on the later Return")
         self.seen(server.sign_ins == [{"email": EMAIL, "password": self.LATE}],
