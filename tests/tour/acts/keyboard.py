@@ -9,13 +9,28 @@ SYMBOL = "USDJPY"
 PRICE = "{:.3f}"
 
 
-def go_to_list(stage, name):
-    """F6 until the list of this name has the keyboard."""
+TOOLBOX = ("Trade", "History", "Experts", "Journal", "Calendar", "Alerts")
+
+
+def go_to_list(stage, *names):
+    """F6 until one of the lists of these names has the keyboard."""
+    def there():
+        return next((name for name in names if (found := stage.list_named(name)) and found.again().has("FOCUSED")), None)
+
     for _ in range(12):
-        if stage.wait(lambda: stage.list_named(name).again().has("FOCUSED"), 0.3):
+        if name := stage.wait(there, 0.3):
             return stage.seen(f"keyboard-{name.split()[0].lower()}", True, f"F6 goes to the list {name}")
         stage.desktop.key("F6")
-    return stage.seen("keyboard-lost", False, f"F6 goes to the list {name}")
+    return stage.seen("keyboard-lost", False, f"F6 goes to a list of {', '.join(names)}")
+
+
+def go_to_trades(stage):
+    """The Toolbox opens with the tab that was in front last."""
+    if not stage.list_named("Trade"):
+        go_to_list(stage, *TOOLBOX)
+        stage.desktop.key("shift+Tab", *["Left"] * len(TOOLBOX))
+        stage.seen("keyboard-tab", stage.wait(lambda: stage.list_named("Trade")), "arrow keys bring the tab Trade forward")
+    go_to_list(stage, "Trade")
 
 
 def chart_has_the_keyboard(stage):
@@ -64,7 +79,7 @@ def buy(stage):
 
 def set_a_stop_loss(stage, ticket):
     price = PRICE.format(bid(stage, SYMBOL) - 0.5)
-    go_to_list(stage, "Trade")
+    go_to_trades(stage)
     stage.desktop.type(SYMBOL.lower())
     stage.desktop.key("Return")
     dialog = stage.titled("Modify Order")
@@ -77,7 +92,7 @@ def set_a_stop_loss(stage, ticket):
 
 
 def close(stage, ticket):
-    go_to_list(stage, "Trade")
+    go_to_trades(stage)
     stage.desktop.type(SYMBOL.lower())
     stage.desktop.key("Menu", "Down", "Return")
     stage.seen("keyboard-question", stage.titled("Close Position"), "the row's menu by the Menu key asks before it closes")
