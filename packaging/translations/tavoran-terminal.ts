@@ -483,6 +483,10 @@ Built with Qt %2, running with Qt %3</source>
         <extracomment>%1 a level of a trade and the price where it is held</extracomment>
         <translation type="unfinished"></translation>
     </message>
+    <message>
+        <source>Disconnected, last known prices</source>
+        <translation type="unfinished"></translation>
+    </message>
 </context>
 <context>
     <name>ChartWidget</name>
@@ -1830,6 +1834,10 @@ Built with Qt %2, running with Qt %3</source>
     </message>
     <message>
         <source>Bid %1, ask %2, lowest %3, highest %4</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Disconnected; last bid %1, ask %2, lowest %3, highest %4</source>
         <translation type="unfinished"></translation>
     </message>
 </context>

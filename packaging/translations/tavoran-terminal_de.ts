@@ -484,6 +484,10 @@ Erstellt mit Qt %2, ausgeführt mit Qt %3</translation>
         <extracomment>%1 a level of a trade and the price where it is held</extracomment>
         <translation>Wird verschoben: %1</translation>
     </message>
+    <message>
+        <source>Disconnected, last known prices</source>
+        <translation>Getrennt, zuletzt bekannte Kurse</translation>
+    </message>
 </context>
 <context>
     <name>ChartWidget</name>
@@ -1841,6 +1845,10 @@ Erstellt mit Qt %2, ausgeführt mit Qt %3</translation>
     <message>
         <source>Bid %1, ask %2, lowest %3, highest %4</source>
         <translation>Bid %1, Ask %2, niedrigster Kurs %3, höchster %4</translation>
+    </message>
+    <message>
+        <source>Disconnected; last bid %1, ask %2, lowest %3, highest %4</source>
+        <translation>Getrennt; zuletzt Bid %1, Ask %2, niedrigster Kurs %3, höchster %4</translation>
     </message>
 </context>
 <context>

@@ -99,15 +99,17 @@ QString TickChartWidget::reading() const
         *std::min_element(m_bids.begin(), m_bids.end()), *std::min_element(m_asks.begin(), m_asks.end()));
     const double highest = std::max(
         *std::max_element(m_bids.begin(), m_bids.end()), *std::max_element(m_asks.begin(), m_asks.end()));
-    return tr("Bid %1, ask %2, lowest %3, highest %4")
-        .arg(formatPrice(m_bids.last(), m_digits), formatPrice(m_asks.last(), m_digits),
-            formatPrice(lowest, m_digits), formatPrice(highest, m_digits));
+    const QString text = m_stale ? tr("Disconnected; last bid %1, ask %2, lowest %3, highest %4")
+                                 : tr("Bid %1, ask %2, lowest %3, highest %4");
+    return text.arg(formatPrice(m_bids.last(), m_digits), formatPrice(m_asks.last(), m_digits),
+        formatPrice(lowest, m_digits), formatPrice(highest, m_digits));
 }
 
 void TickChartWidget::setStale(bool stale)
 {
     m_stale = stale;
     update();
+    noteReading();
 }
 
 void TickChartWidget::paintEvent(QPaintEvent*)

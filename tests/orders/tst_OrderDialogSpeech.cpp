@@ -56,6 +56,18 @@ private Q_SLOTS:
         QCOMPARE(description(desk.ticks()), u"Bid 2000.00, ask 2001.00, lowest 2000.00, highest 2001.00"_s);
     }
 
+    void old_prices_are_read_as_such()
+    {
+        Desk desk;
+        desk.quote("EURUSD", 1.1, 1.2);
+        Q_EMIT desk.feed.disconnected(1);
+        QCOMPARE(description(desk.prices()), u"Disconnected; last bid 1.10000, ask 1.20000"_s);
+        QCOMPARE(description(desk.ticks()),
+            u"Disconnected; last bid 1.10000, ask 1.20000, lowest 1.10000, highest 1.20000"_s);
+        desk.quote("EURUSD", 1.1, 1.2);
+        QCOMPARE(description(desk.ticks()), u"Bid 1.10000, ask 1.20000, lowest 1.10000, highest 1.20000"_s);
+    }
+
     void quotes_are_told_together_and_then_a_second_passes()
     {
         Desk desk;

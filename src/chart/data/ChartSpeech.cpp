@@ -119,6 +119,8 @@ QString speech::chartReading(const Reading& reading)
     const QString last = Speech::tr("Last bar %1: %2").arg(timeText(newest.time), candleText(newest, digits));
     sentences.append(
         onCandle ? last : withIndicators(last, indicatorTexts(reading, reading.candles.size() - 1)));
+    if (reading.quoteStale)
+        sentences.append(Speech::tr("Disconnected, last known prices"));
     if (reading.bid > 0.0)
         sentences.append(Speech::tr("Bid %1").arg(formatPrice(reading.bid, digits)));
     if (reading.ask > 0.0)

@@ -25,7 +25,8 @@ struct Reading {
     double bid = 0.0;                                    ///< 0 means none
     double ask = 0.0;                                    ///< 0 means none
     std::optional<CrosshairPlace> crosshair;             ///< nothing while it is hidden
-    QString held = {}; ///< the name of the level in the hand, if there is one
+    QString held = {};       ///< the name of the level in the hand, if there is one
+    bool quoteStale = false; ///< bid and ask may not hold any more
 };
 
 /// The level in the hand; the price at the crosshair, the candle under it and the indicators there; the

@@ -45,7 +45,7 @@ QString ChartReader::reading() const
     const ChartFrame frame = m_chart.frame();
     const QString held = frame.draggedLevel < 0 ? QString() : levelName(frame, frame.draggedLevel);
     return speech::chartReading({frame, frame.candles, frame.averageValues, frame.paneValues, frame.bid,
-        frame.ask, frame.crosshair, held});
+        frame.ask, frame.crosshair, held, frame.quoteStale});
 }
 
 QString ChartReader::levelName(const ChartFrame& frame, qsizetype index) const

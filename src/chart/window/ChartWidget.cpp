@@ -75,8 +75,8 @@ void ChartWidget::replaceCandles(std::vector<Candle> candles)
 
 void ChartWidget::onTick(double bid, double ask, qint64 timeMs)
 {
-    if (std::exchange(m_quoteStale, false))
-        update();
+    if (m_quoteStale)
+        setQuoteStale(false);
     // Without `before` the chart is painted whole: when it is hidden, or its view must be worked out anew.
     const std::optional<QuotedView> before
         = isVisible() && paintsWholePixels() ? m_scene.lastView() : std::nullopt;
@@ -95,8 +95,15 @@ void ChartWidget::onTick(double bid, double ask, qint64 timeMs)
 
 void ChartWidget::markQuoteStale()
 {
-    if (!std::exchange(m_quoteStale, true))
-        update();
+    if (!m_quoteStale)
+        setQuoteStale(true);
+}
+
+void ChartWidget::setQuoteStale(bool stale)
+{
+    m_quoteStale = stale;
+    update();
+    m_reader.noteReading();
 }
 
 QRegion ChartWidget::panesOfTick() const

@@ -189,6 +189,7 @@ private:
     void updateOverlay(const QRegion& area);
     /// The pixel of the crosshair; nothing while it is out of view.
     [[nodiscard]] std::optional<QPoint> crosshairPixel() const;
+    void setQuoteStale(bool stale);
 
     ChartScene m_scene;
     ChartLook m_look;

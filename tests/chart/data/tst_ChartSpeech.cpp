@@ -61,6 +61,15 @@ private Q_SLOTS:
         useForeignTimeZone();
     }
 
+    void old_prices_are_read_as_such()
+    {
+        const ChartLook plain = look();
+        speech::Reading reading{plain, candles(), {}, {}, 1.25, 1.252, {}};
+        reading.quoteStale = true;
+        QVERIFY(speech::chartReading(reading).endsWith(
+            u". Disconnected, last known prices. Bid 1.250. Ask 1.252."));
+    }
+
     void without_a_crosshair_the_newest_bar_and_the_quote_are_read()
     {
         const ChartLook plain = look();

@@ -286,6 +286,25 @@ private Q_SLOTS:
         QCOMPARE(ears.count(QAccessible::DescriptionChanged), 2);
     }
 
+    void the_loss_and_the_return_of_live_prices_are_told()
+    {
+        const ReaderEars reader;
+        ChartWidget chart;
+        fixtures::showChart(chart, 60);
+        chart.onTick(1.1, 1.2, fixtures::barTime(60));
+        breathe(chart);
+        const QString live = reading(chart);
+        ReaderEars ears;
+        chart.markQuoteStale();
+        QTRY_COMPARE(ears.count(QAccessible::DescriptionChanged), 1);
+        QVERIFY(reading(chart).contains(u"Disconnected, last known prices. Bid 1.1"_s));
+        timeOut(chart.reader().news().pause());
+        chart.onTick(1.1, 1.2, fixtures::barTime(60));
+        QTRY_COMPARE(ears.count(QAccessible::DescriptionChanged), 2);
+        QVERIFY(!reading(chart).contains(u"Disconnected"_s));
+        QVERIFY(reading(chart).endsWith(live.last(u"Bid 1.10000. Ask 1.20000."_s.size())));
+    }
+
     void marks_are_told_when_they_come_move_and_go()
     {
         ReaderEars ears;
