@@ -2,6 +2,7 @@
 
 #include "app/base/NumberFormat.h"
 #include "app/base/ServerText.h"
+#include "app/ui/LetterSize.h"
 #include "app/ui/PlainText.h"
 
 #include <QHeaderView>
@@ -39,7 +40,6 @@ DepthOfMarket::DepthOfMarket(const QString& symbol, int digits, QWidget* parent)
 {
     setAttribute(Qt::WA_DeleteOnClose);
     setWindowTitle(tr("Depth of Market — %1").arg(shownName(symbol)));
-    resize(initialSize);
     buildRows();
 
     auto* note = plainLabel(tr("The feed carries no order book, so no sizes are shown. "
@@ -52,6 +52,8 @@ DepthOfMarket::DepthOfMarket(const QString& symbol, int digits, QWidget* parent)
     layout->addWidget(m_rows, 1);
     layout->addWidget(m_spread);
     layout->addWidget(note);
+    const int margins = layout->contentsMargins().left() + layout->contentsMargins().right();
+    resize(withLetters(initialSize, *this).expandedTo({widthOfEqualColumns(*m_rows) + margins, 0}));
     fillRows();
 }
 

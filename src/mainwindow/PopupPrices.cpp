@@ -1,5 +1,6 @@
 #include "mainwindow/PopupPrices.h"
 
+#include "app/ui/LetterSize.h"
 #include "panes/QuoteItem.h"
 
 #include <QCloseEvent>
@@ -22,7 +23,6 @@ PopupPrices::PopupPrices(QAbstractItemModel& quotes, QWidget* parent)
 {
     setWindowTitle(tr("Popup Prices"));
     setAttribute(Qt::WA_ShowWithoutActivating);
-    resize(initialSize);
 
     m_list->setObjectName(u"popupPriceList"_s);
     m_list->setAccessibleName(tr("Popup Prices"));
@@ -39,6 +39,7 @@ PopupPrices::PopupPrices(QAbstractItemModel& quotes, QWidget* parent)
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->addWidget(m_list);
+    resize(withLetters(initialSize, *this).expandedTo({widthOfEqualColumns(*m_list), 0}));
 }
 
 void PopupPrices::toggle()

@@ -2,6 +2,7 @@
 
 #include "app/base/NumberFormat.h"
 #include "app/base/ServerText.h"
+#include "app/ui/LetterSize.h"
 #include "app/ui/PlainText.h"
 #include "net/records/SymbolRecord.h"
 #include "panes/SymbolFacts.h"
@@ -11,6 +12,7 @@
 #include <QTreeWidget>
 #include <QVBoxLayout>
 
+#include <algorithm>
 #include <cmath>
 
 using namespace Qt::StringLiterals;
@@ -28,13 +30,13 @@ SymbolSpecification::SymbolSpecification(QWidget* parent)
     , m_unlisted(plainLabel(tr("The server does not list this symbol.")))
 {
     setAttribute(Qt::WA_DeleteOnClose);
-    resize(initialSize);
+    resize(withLetters(initialSize, *this));
 
     m_rows->setObjectName(u"specificationRows"_s);
     m_rows->setHeaderLabels({tr("Property"), tr("Value")});
     m_rows->setRootIsDecorated(false);
     m_rows->setUniformRowHeights(true);
-    m_rows->setColumnWidth(0, propertyWidth);
+    setColumnWidth(*m_rows, 0, propertyWidth);
     m_unlisted->setObjectName(u"specificationUnlisted"_s);
 
     auto* buttons = new QDialogButtonBox(QDialogButtonBox::Close);
@@ -61,6 +63,9 @@ void SymbolSpecification::setSymbol(const QString& symbol, const QJsonObject& re
     facts.append({{tr("Bid"), {}}, {tr("Ask"), {}}, {tr("Spread (points)"), {}}});
     for (const SymbolFact& fact : std::as_const(facts))
         new QTreeWidgetItem(m_rows, {fact.property, fact.value});
+    const int width = m_rows->columnWidth(0); // which a trader may have set
+    m_rows->resizeColumnToContents(0);
+    m_rows->setColumnWidth(0, std::max(width, m_rows->columnWidth(0)));
     fillQuote();
 }
 

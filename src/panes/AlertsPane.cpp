@@ -3,6 +3,7 @@
 #include "app/base/NumberFormat.h"
 #include "app/base/ServerText.h"
 #include "app/base/TerminalSettings.h"
+#include "app/ui/LetterSize.h"
 #include "app/ui/Theme.h"
 #include "net/records/PriceSnapshot.h"
 #include "panes/AlertDialog.h"
@@ -39,7 +40,7 @@ AlertsPane::AlertsPane(TerminalSettings& settings, QWidget* parent)
     m_list->setUniformRowHeights(true);
     m_list->setHeaderLabels({tr("Symbol"), tr("Condition"), tr("Price"), tr("Status")});
     for (int column = 0; column < 3; ++column)
-        m_list->setColumnWidth(column, 90);
+        setColumnWidth(*m_list, column, 90);
 
     auto* add = new QPushButton(tr("Add Alert"), this);
     auto* remove = new QPushButton(tr("Delete"), this);

@@ -1,6 +1,7 @@
 #include "panes/LogList.h"
 
 #include "app/base/ServerText.h"
+#include "app/ui/LetterSize.h"
 #include "panes/FittingDelegate.h"
 #include "panes/RowKeys.h"
 
@@ -73,9 +74,9 @@ LogList::LogList(Clock clock, QWidget* parent)
     setRootIsDecorated(false);
     setUniformRowHeights(true);
     setAllColumnsShowFocus(true);
-    setColumnWidth(Time, 140);
+    ::setColumnWidth(*this, Time, 140);
     setItemDelegateForColumn(Time, new FittingDelegate(this)); // the end of a time tells most
-    setColumnWidth(Source, 110);
+    ::setColumnWidth(*this, Source, 110);
     new RowKeys(*this, Source); // the list's own child
     header()->setStretchLastSection(true);
 }

@@ -2,6 +2,7 @@
 
 #include "app/base/NumberFormat.h"
 #include "app/base/ServerText.h"
+#include "app/ui/LetterSize.h"
 #include "app/ui/Theme.h"
 #include "net/records/PriceSnapshot.h"
 #include "net/records/SymbolRecord.h"
@@ -46,7 +47,7 @@ void stretchLastColumn(QTreeWidget* list)
 {
     constexpr int narrowest = 60;
     list->header()->setStretchLastSection(false);
-    list->setColumnWidth(list->columnCount() - 1, narrowest);
+    setColumnWidth(*list, list->columnCount() - 1, narrowest);
     list->header()->setStretchLastSection(true);
 }
 
@@ -105,9 +106,9 @@ void MarketWatchWidget::buildLists()
     m_list->setUniformRowHeights(true);
     m_list->setAllColumnsShowFocus(true);
     stretchLastColumn(m_list);
-    m_list->setColumnWidth(QuoteItem::Symbol, 96);
-    m_list->setColumnWidth(QuoteItem::Bid, 70);
-    m_list->setColumnWidth(QuoteItem::Ask, 70);
+    setColumnWidth(*m_list, QuoteItem::Symbol, 96);
+    setColumnWidth(*m_list, QuoteItem::Bid, 70);
+    setColumnWidth(*m_list, QuoteItem::Ask, 70);
     new RowKeys(*m_list); // the list's own child
     m_list->installEventFilter(this);
     m_list->viewport()->installEventFilter(this);
@@ -117,7 +118,7 @@ void MarketWatchWidget::buildLists()
     m_details->setHeaderLabels({tr("Property"), tr("Value")});
     m_details->setRootIsDecorated(false);
     stretchLastColumn(m_details);
-    m_details->setColumnWidth(0, 130);
+    setColumnWidth(*m_details, 0, 130);
 }
 
 QString MarketWatchWidget::currentSymbol() const

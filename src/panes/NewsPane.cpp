@@ -1,5 +1,6 @@
 #include "panes/NewsPane.h"
 
+#include "app/ui/LetterSize.h"
 #include "panes/NewsEvent.h"
 #include "panes/RowKeys.h"
 
@@ -30,9 +31,9 @@ NewsPane::NewsPane(ApiClient& api, QWidget* parent)
     m_list->setHeaderLabels({tr("Time"), tr("Currency"), tr("Impact"), tr("Event"),
         //: how long until the event
         tr("In")});
-    m_list->setColumnWidth(TimeColumn, 130);
-    m_list->setColumnWidth(CurrencyColumn, 70);
-    m_list->setColumnWidth(ImpactColumn, 70);
+    setColumnWidth(*m_list, TimeColumn, 130);
+    setColumnWidth(*m_list, CurrencyColumn, 70);
+    setColumnWidth(*m_list, ImpactColumn, 70);
     m_list->header()->setStretchLastSection(false);
     m_list->header()->setSectionResizeMode(EventColumn, QHeaderView::Stretch);
     new RowKeys(*m_list, EventColumn); // the list's own child

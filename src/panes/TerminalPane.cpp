@@ -1,6 +1,7 @@
 #include "panes/TerminalPane.h"
 
 #include "app/base/NumberFormat.h"
+#include "app/ui/LetterSize.h"
 #include "app/ui/Theme.h"
 #include "net/records/PriceSnapshot.h"
 #include "net/records/TradeRecord.h"
@@ -30,7 +31,7 @@ constexpr int timeWidth = 140;
 void setWidths(QTreeWidget* list, const QList<int>& widths)
 {
     for (int column = 0; column < widths.size(); ++column)
-        list->setColumnWidth(column, widths.at(column));
+        setColumnWidth(*list, column, widths.at(column));
 }
 
 /// Remembers where a list is scrolled to and goes back there when it has been filled anew.

@@ -1,10 +1,12 @@
 #include "MainWindowFixture.h"
+#include "app/base/Translations.h"
 #include "app/ui/Theme.h"
 #include "chart/window/ChartWindow.h"
 #include "mainwindow/FittingLabel.h"
 #include "mainwindow/TerminalActions.h"
 #include "net/signin/LoginDialog.h"
 #include "panes/AlertsPane.h"
+#include "panes/FittingDelegate.h"
 #include "support/PictureCheck.h"
 #include "support/TestMain.h"
 
@@ -12,6 +14,7 @@
 #include <QCheckBox>
 #include <QDialog>
 #include <QGroupBox>
+#include <QHeaderView>
 #include <QMenu>
 #include <QMessageBox>
 #include <QPushButton>
@@ -21,8 +24,10 @@
 #include <QTabWidget>
 #include <QToolButton>
 #include <QTranslator>
+#include <QTreeView>
 
 #include <algorithm>
+#include <optional>
 
 using namespace Qt::StringLiterals;
 
@@ -129,6 +134,35 @@ private:
             return measureCombo(*combo);
         if (const auto* edit = qobject_cast<const QLineEdit*>(&widget))
             return measureEdit(*edit);
+        if (const auto* list = qobject_cast<const QTreeView*>(&widget))
+            return measureList(*list);
+    }
+    void measureList(const QTreeView& list)
+    {
+        const QAbstractItemModel& model = *list.model();
+        for (int column = 0; column < model.columnCount(); ++column) {
+            if (list.isColumnHidden(column))
+                continue;
+            const QString title = model.headerData(column, Qt::Horizontal).toString();
+            const QSize room(list.columnWidth(column), list.header()->height());
+            if (!list.isHeaderHidden())
+                fit(list, title,
+                    QSize(list.header()->sectionSizeHint(column), list.header()->sizeHint().height()), room);
+            // What other people write may be of any length, and is cut with dots.
+            const bool isOthers = list.header()->stretchLastSection() && column == model.columnCount() - 1;
+            if (!isOthers && !list.isHeaderHidden())
+                measureCells(list, column);
+        }
+    }
+    void measureCells(const QTreeView& list, int column)
+    {
+        if (qobject_cast<FittingDelegate*>(list.itemDelegateForColumn(column)))
+            return; // sets letters narrower where they have no room
+        for (int row = 0; row < list.model()->rowCount(); ++row) {
+            const QModelIndex index = list.model()->index(row, column);
+            const QSize wanted(list.sizeHintForIndex(index).width(), list.fontMetrics().height());
+            fit(list, index.data().toString(), wanted, list.visualRect(index).size());
+        }
     }
     void measureLabel(const QLabel& label)
     {
@@ -190,15 +224,18 @@ class Language final {
     Q_DISABLE_COPY_MOVE(Language)
 
 public:
-    explicit Language(bool longTexts)
+    explicit Language(const QString& name)
     {
-        if (longTexts)
+        if (name == u"de"_s)
+            m_german.emplace(QStringList{name}, QStringLiteral(TRANSLATIONS_FOLDER));
+        else if (name == u"long"_s)
             QCoreApplication::installTranslator(&m_texts);
     }
     ~Language() { QCoreApplication::removeTranslator(&m_texts); }
 
 private:
     LongTexts m_texts;
+    std::optional<Translations> m_german;
 };
 
 /// A screen so large that nothing is made smaller to fit it, with letters of that size.
@@ -227,9 +264,10 @@ class TestRoomForTexts final : public QObject {
 
     static void addLanguages()
     {
-        QTest::addColumn<bool>("longTexts");
-        QTest::newRow("English") << false;
-        QTest::newRow("half as long again") << true;
+        QTest::addColumn<QString>("name");
+        QTest::newRow("English") << u"en"_s;
+        QTest::newRow("German") << u"de"_s;
+        QTest::newRow("half as long again") << u"long"_s;
     }
 
     void look(const QString& place)
@@ -299,12 +337,13 @@ private Q_SLOTS:
     void everything_in_the_main_window_has_room_data() { addLanguages(); }
     void everything_in_the_main_window_has_room()
     {
-        QFETCH(const bool, longTexts);
-        const Language language(longTexts);
+        QFETCH(const QString, name);
+        const Language language(name);
         MainWindowFixture f;
         signIn(f);
         const QString command = f.window->findChild<TerminalActions*>()->newOrder->text();
-        QVERIFY(longTexts ? command.size() * 2 >= u"New Order"_s.size() * 3 - 1 : command == u"New Order"_s);
+        QVERIFY(name == u"long"_s ? command.size() * 2 >= u"New Order"_s.size() * 3 - 1
+                                  : command == (name == u"de"_s ? u"Neue Order"_s : u"New Order"_s));
         f.window->openChart(u"EURUSD"_s);
         f.feed.send(records::priceUpdate({{"EURUSD", 1.1, 1.2}}));
         look(u"main window"_s);
@@ -320,8 +359,8 @@ private Q_SLOTS:
     void everything_in_the_dialogs_has_room_data() { addLanguages(); }
     void everything_in_the_dialogs_has_room()
     {
-        QFETCH(const bool, longTexts);
-        const Language language(longTexts);
+        QFETCH(const QString, name);
+        const Language language(name);
         MainWindowFixture f;
         signIn(f);
         f.window->openChart(u"EURUSD"_s);
@@ -361,8 +400,8 @@ private Q_SLOTS:
     void everything_in_the_sign_in_dialog_has_room_data() { addLanguages(); }
     void everything_in_the_sign_in_dialog_has_room()
     {
-        QFETCH(const bool, longTexts);
-        const Language language(longTexts);
+        QFETCH(const QString, name);
+        const Language language(name);
         LoginDialog dialog(TerminalSettings::instance());
         dialog.show();
         QVERIFY(QTest::qWaitForWindowExposed(&dialog));

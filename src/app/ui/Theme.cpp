@@ -5,6 +5,7 @@
 #include <QApplication>
 #include <QFile>
 #include <QPalette>
+#include <QScreen>
 #include <QStyle>
 #include <QStyleFactory>
 #include <QWidget>
@@ -80,6 +81,17 @@ QColor themed(QRgb dark, QRgb light)
     return QColor::fromRgb(isDarkTheme() ? dark : light);
 }
 
+/// The height of rows, which the sheet gives for ordinary letters, where these are larger.
+QString rowRule()
+{
+    constexpr double ordinaryHeight = 20.0;
+    constexpr double ordinaryDpi = 96.0;
+    const double dpi = QGuiApplication::primaryScreen()->logicalDotsPerInchY();
+    if (dpi <= ordinaryDpi)
+        return {};
+    return u"QAbstractItemView::item{height:%1px;}"_s.arg(qRound(ordinaryHeight * dpi / ordinaryDpi));
+}
+
 } // namespace
 
 void applyTheme(QApplication& application)
@@ -88,7 +100,7 @@ void applyTheme(QApplication& application)
     QApplication::setStyle(QStyleFactory::create(u"Fusion"_s));
     const QPalette palette = paletteFrom(dark ? darkColors : lightColors);
     QApplication::setPalette(palette);
-    application.setStyleSheet(styleSheet(dark));
+    application.setStyleSheet(styleSheet(dark) + rowRule());
     const QWidgetList windows = QApplication::topLevelWidgets();
     for (QWidget* window : windows) {
         window->setPalette(palette);

@@ -3,6 +3,7 @@
 #include "app/base/NumberFormat.h"
 #include "app/ui/DecimalSpinBox.h"
 #include "app/ui/EnterPress.h"
+#include "app/ui/LetterSize.h"
 #include "chart/window/CompactButton.h"
 #include "chart/window/SpinArrows.h"
 
@@ -20,13 +21,6 @@ namespace {
 
 constexpr QSize buttonSize(62, 30);
 constexpr QSize volumeSize(66, 30);
-
-/// A size that goes with ordinary letters, larger where these are.
-QSize withLetters(const QSize& size, const QWidget& widget)
-{
-    constexpr double ordinary = 96.0;
-    return size * std::max(widget.logicalDpiY() / ordinary, 1.0);
-}
 
 /// The style rule for one arrow. Empty, which leaves the theme's own arrow, when there is no file or its path
 /// cannot stand between quotes.
