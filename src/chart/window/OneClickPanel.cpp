@@ -167,8 +167,11 @@ void OneClickPanel::mouseMoveEvent(QMouseEvent* event)
 void OneClickPanel::keyPressEvent(QKeyEvent* event)
 {
     // What the panel has no use for is not meant for the chart below, which would delete a drawing or place
-    // one. Only Escape is: it ends what is going on there.
-    event->setAccepted(event->key() != Qt::Key_Escape);
+    // one. Only Escape is: it ends what is going on there, and leaves the buttons that trade at once.
+    const bool leaves = event->key() == Qt::Key_Escape;
+    event->setAccepted(!leaves);
+    if (leaves && parentWidget())
+        parentWidget()->setFocus(Qt::ShortcutFocusReason);
 }
 
 void OneClickPanel::hideEvent(QHideEvent* event)

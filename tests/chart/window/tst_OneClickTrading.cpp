@@ -295,6 +295,23 @@ private Q_SLOTS:
         QVERIFY(served.chart().hasFocus());
     }
 
+    void one_escape_leaves_the_panel_whatever_the_chart_does_with_it()
+    {
+        const ServedChart served;
+        served.show();
+        served.chart().setCandles(fixtures::wave(60));
+        QVERIFY(hands::arriveAt(served.window.get()));
+        for (int stop = 1; stop <= 3; ++stop) {
+            served.chart().setFocus();
+            hands::press(Qt::Key_Left);
+            QVERIFY(served.chart().crosshair());
+            for (int tab = 0; tab < stop; ++tab)
+                hands::press(Qt::Key_Tab);
+            QVERIFY(!served.chart().hasFocus());
+            hands::press(Qt::Key_Escape);
+            QVERIFY(served.chart().hasFocus());
+        }
+    }
     void space_and_enter_trade_once_on_the_button_that_tab_led_to_data()
     {
         QTest::addColumn<Qt::Key>("key");
