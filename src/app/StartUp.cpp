@@ -6,6 +6,7 @@
 #include "app/base/Translations.h"
 #include "app/ui/Banner.h"
 #include "app/ui/FocusMark.h"
+#include "app/ui/MenuKey.h"
 #include "app/ui/Theme.h"
 
 #include <QApplication>
@@ -72,6 +73,7 @@ int runTerminal(QApplication& application, const StartUpWindows& windows, Update
     const Translations translations(QLocale::system().uiLanguages());
     applyTheme(application);
     const FocusMark focusMark(application);
+    const MenuKey menuKey(application);
     appLog(u"theme applied: %1"_s.arg(isDarkTheme() ? "dark"_L1 : "light"_L1));
 
     // The splash screen and the sign-in dialog are no reason to end.

@@ -110,6 +110,8 @@ void AlertsPane::deleteCurrent()
 
 void AlertsPane::deleteSelected()
 {
+    if (m_list->selectedItems().isEmpty())
+        return deleteCurrent(); // the keyboard has come to a row and selected none
     QList<int> rows;
     const QModelIndexList selected = m_list->selectionModel()->selectedRows();
     for (const QModelIndex& row : selected)

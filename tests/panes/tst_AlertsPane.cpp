@@ -444,6 +444,19 @@ private Q_SLOTS:
         QVERIFY(desk.list()->topLevelItem(2)->isSelected());
     }
 
+    void the_delete_key_deletes_the_row_that_the_keyboard_has_come_to_where_none_is_selected()
+    {
+        TerminalSettings::instance().setAlerts(uR"([{"symbol":"A","price":1},{"symbol":"B","price":2}])"_s);
+        const AlertsDesk desk;
+        desk.pane.window()->activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(desk.pane.window()));
+        desk.list()->setFocus();
+        desk.list()->setCurrentItem(desk.list()->topLevelItem(1), 0, QItemSelectionModel::Clear);
+        hands::press(Qt::Key_Delete);
+        QCOMPARE(desk.rows().size(), 1);
+        QVERIFY(desk.rows().constFirst().startsWith(u'A'));
+    }
+
     void the_delete_key_deletes_what_is_selected()
     {
         TerminalSettings::instance().setAlerts(
@@ -458,7 +471,7 @@ private Q_SLOTS:
                 all.append(row.section(u'|', 0, 0));
             return all;
         };
-        desk.list()->clearSelection();
+        desk.list()->setCurrentItem(nullptr);
         hands::press(Qt::Key_Delete);
         QCOMPARE(symbols(), QStringList({u"A"_s, u"B"_s, u"C"_s, u"D"_s}));
         desk.list()->setCurrentItem(desk.list()->topLevelItem(0));

@@ -94,8 +94,8 @@ def set_a_stop_loss(stage, ticket):
 def close(stage, ticket):
     go_to_trades(stage)
     stage.desktop.type(SYMBOL.lower())
-    stage.desktop.key("Menu", "Down", "Return")
-    stage.seen("keyboard-question", stage.titled("Close Position"), "the row's menu by the Menu key asks before it closes")
+    stage.desktop.key("shift+F10", "Down", "Return")
+    stage.seen("keyboard-question", stage.titled("Close Position"), "the row's menu by Shift+F10 asks before it closes")
     stage.desktop.key("alt+y")
     stage.seen("keyboard-closed", stage.wait(lambda: not record(stage, ticket)), "Alt+Y closes it")
     stage.desktop.key("Escape")
