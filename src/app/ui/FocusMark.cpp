@@ -62,6 +62,13 @@ bool isVisit(Qt::FocusReason reason)
         || reason == Qt::MenuBarFocusReason;
 }
 
+/// Whether this is the widget or a part of it, such as the rows of a list.
+bool liesOn(const QWidget& widget, const QObject* part)
+{
+    return part == &widget
+        || (part->isWidgetType() && widget.isAncestorOf(static_cast<const QWidget*>(part)));
+}
+
 bool isMarkable(const QWidget& widget)
 {
     // Menus and lists that pop up show their current entry anyway.
@@ -90,8 +97,10 @@ bool FocusMark::eventFilter(QObject* watched, QEvent* event)
     case QEvent::MouseButtonPress:
     case QEvent::TouchBegin:
         m_byKey = false;
-        m_left.clear();
-        unmark();
+        // Elsewhere the keyboard may stay where it is, and then it has to be seen there.
+        m_left.removeIf([watched](const QPointer<QWidget>& left) { return !left || liesOn(*left, watched); });
+        if (m_marked && liesOn(*m_marked, watched))
+            unmark();
         break;
     case QEvent::FocusIn:
         if (watched->isWidgetType())
@@ -140,17 +149,14 @@ void FocusMark::onFocusIn(QWidget& widget, const QFocusEvent& event)
     if (&widget != QApplication::focusWidget())
         return;
     const Qt::FocusReason reason = event.reason();
-    bool led = reason == Qt::TabFocusReason || reason == Qt::BacktabFocusReason
+    const bool led = reason == Qt::TabFocusReason || reason == Qt::BacktabFocusReason
         || reason == Qt::ShortcutFocusReason;
-    if (isVisit(reason)) {
-        led = m_left.removeAll(&widget) > 0;
-        m_left.removeAll(nullptr);
-    }
+    const bool isBack = isVisit(reason) && m_left.removeAll(&widget) > 0;
     // A dialog that a key has opened.
-    if (reason == Qt::ActiveWindowFocusReason && qobject_cast<const QDialog*>(widget.window()))
-        led = true;
+    const bool isOpened
+        = reason == Qt::ActiveWindowFocusReason && qobject_cast<const QDialog*>(widget.window());
     // Qt says "Tab" too when it moves the focus away from what is closed or disabled.
-    if (m_byKey && led && isMarkable(widget))
+    if ((isBack || (m_byKey && (led || isOpened))) && isMarkable(widget))
         mark(widget);
     else
         unmark();

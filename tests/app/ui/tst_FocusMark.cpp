@@ -168,6 +168,31 @@ private Q_SLOTS:
         QVERIFY(ringSoon());
     }
 
+    void a_press_elsewhere_leaves_the_ring_while_the_keyboard_stays()
+    {
+        Desk desk;
+        QVERIFY(hands::arriveAt(&desk));
+        desk.tabTo(u"button"_s);
+        QTest::mouseClick(&desk.part<QWidget>(u"tool button"_s), Qt::LeftButton); // takes no focus
+        QTest::mouseClick(&desk, Qt::LeftButton, {}, {1, 1});
+        QCOMPARE(hands::focused(), u"button"_s);
+        QVERIFY(ringSoon());
+        QTest::mouseClick(&desk.part<QWidget>(u"line edit"_s), Qt::LeftButton);
+        QCOMPARE(hands::focused(), u"line edit"_s);
+        QVERIFY(!ringSoon());
+    }
+
+    void a_press_on_a_row_takes_the_ring_of_the_list_away()
+    {
+        Desk desk;
+        QVERIFY(hands::arriveAt(&desk));
+        desk.tabTo(u"list"_s);
+        QVERIFY(ringSoon());
+        QTest::mouseClick(desk.part<QTreeWidget>(u"list"_s).viewport(), Qt::LeftButton);
+        QCOMPARE(hands::focused(), u"list"_s);
+        QVERIFY(!ringSoon());
+    }
+
     void a_focus_that_only_the_program_has_moved_has_no_ring()
     {
         Desk desk;
@@ -270,6 +295,22 @@ private Q_SLOTS:
         QVERIFY(!ringSoon());
         desk.activateWindow();
         QVERIFY(QTest::qWaitForWindowActive(&desk));
+        QVERIFY(ringSoon());
+    }
+
+    void a_press_in_another_window_leaves_the_ring_to_come_back_to()
+    {
+        Desk desk;
+        QVERIFY(hands::arriveAt(&desk));
+        desk.tabTo(u"button"_s);
+        QWidget other;
+        other.show();
+        other.activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(&other));
+        QTest::mouseClick(&other, Qt::LeftButton);
+        desk.activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(&desk));
+        QCOMPARE(hands::focused(), u"button"_s);
         QVERIFY(ringSoon());
     }
 
