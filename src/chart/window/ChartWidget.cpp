@@ -339,12 +339,12 @@ void ChartWidget::mousePressEvent(QMouseEvent* event)
         event->ignore();
         return;
     }
+    letGo(); // a release may have been lost, or keys hold something
     const QPoint position = event->position().toPoint();
     if (!autoScroll() && view().scrollToEndButton().contains(position)) {
         scrollToEnd();
         return;
     }
-    letGo(); // a release may have been lost
     if (m_gestures.crosshair().isShown()) {
         movePointer(position);
         tellCrosshair();
@@ -472,18 +472,27 @@ bool ChartWidget::enterAtCrosshair()
 {
     if (candles().empty() || m_gestures.isHeldByMouse())
         return false;
+    // What is out of view is shown first: nobody acts on what cannot be seen.
+    if (!crosshair())
+        return revealCrosshair();
     if (m_gestures.isHeldByKeys()) {
         drop();
         return true;
     }
-    // What is out of view is shown first: nobody acts on what cannot be seen.
-    if (!crosshair())
-        return moveCrosshair({});
     const std::optional<QPoint> before = crosshairPixel();
     const QRegion heldBefore = gestureArea();
     take(m_gestures.enter(ground()), heldBefore);
     repaintCrosshair(before);
     return true;
+}
+
+bool ChartWidget::revealCrosshair()
+{
+    const bool moved = moveCrosshair({});
+    if (crosshair() || !m_gestures.isHeldByKeys())
+        return moved;
+    letGo(); // its price lies beyond those of the chart
+    return moveCrosshair({});
 }
 
 bool ChartWidget::hideKeyboardCrosshair()

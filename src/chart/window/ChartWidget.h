@@ -169,6 +169,8 @@ private:
     [[nodiscard]] bool moveCrosshair(const KeyboardCrosshair::Move& move);
     /// What Enter does at the keyboard's crosshair, which is not hidden.
     [[nodiscard]] bool enterAtCrosshair();
+    /// Brings the keyboard's crosshair into view. A held level that cannot be shown goes back to its place.
+    [[nodiscard]] bool revealCrosshair();
     [[nodiscard]] bool hideKeyboardCrosshair();
     [[nodiscard]] bool takeKey(const QKeyEvent& event);
     void repaintCrosshair(const std::optional<QPoint>& before);

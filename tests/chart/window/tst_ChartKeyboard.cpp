@@ -358,6 +358,11 @@ private Q_SLOTS:
         row("lost focus", [](KeyChart& c) { c.button.setFocus(); });
         row("moving mouse", [](KeyChart& c) { fixtures::hover(c.chart, QPoint(10, 200)); });
         row("click", [](KeyChart& c) { fixtures::click(c.chart, QPoint(10, 200)); });
+        row("click on the button to the newest bar", [](KeyChart& c) {
+            c.chart.setAutoScroll(false);
+            fixtures::click(c.chart, c.chart.view().scrollToEndButton().center());
+            QVERIFY(c.chart.autoScroll());
+        });
         row("closed trade", [](KeyChart& c) { c.chart.setTradeLevels({}); });
         row("new price of the trade", [](KeyChart& c) { c.addLevel(1.101); });
         row("hiding", [](KeyChart& c) { c.chart.hide(); });
@@ -376,6 +381,54 @@ private Q_SLOTS:
         c.chart.setTradeLevels({});
         c.press(Qt::Key_Return);
         QCOMPARE(c.dragged.count(), 0);
+    }
+
+    void a_mouse_that_has_taken_nothing_drops_nothing()
+    {
+        KeyChart c;
+        c.chart.setAutoScroll(false);
+        const QPoint onButton = c.chart.view().scrollToEndButton().center();
+        QTest::mousePress(&c.chart, Qt::LeftButton, {}, onButton);
+        c.take(1.1);
+        c.press(Qt::Key_Up, {}, 5);
+        QTest::mouseRelease(&c.chart, Qt::LeftButton, {}, onButton);
+        QCOMPARE(c.dragged.count(), 0);
+        QCOMPARE(c.chart.frame().draggedLevel, qsizetype{0});
+    }
+
+    void a_level_out_of_sight_is_put_back_by_enter()
+    {
+        KeyChart c;
+        c.take(1.1);
+        c.press(Qt::Key_Up, {}, 5);
+        std::vector<Candle> far = fixtures::wave(100);
+        for (Candle& candle : far)
+            candle = {candle.time, candle.open + 5, candle.high + 5, candle.low + 5, candle.close + 5,
+                candle.volume};
+        c.chart.renewCandles(far);
+        QCOMPARE(c.chart.frame().draggedLevel, qsizetype{0});
+        QVERIFY(!c.chart.crosshair());
+        c.press(Qt::Key_Return);
+        QCOMPARE(c.chart.frame().draggedLevel, qsizetype{-1});
+        QVERIFY(c.chart.crosshair());
+        c.press(Qt::Key_Return);
+        QCOMPARE(c.dragged.count(), 0);
+    }
+
+    void a_held_level_scrolled_out_of_sight_is_shown_before_it_is_dropped()
+    {
+        KeyChart c;
+        c.take(1.1);
+        c.press(Qt::Key_Up, {}, 5);
+        c.press(Qt::Key_Home);
+        c.chart.scrollToEnd();
+        QVERIFY(!c.chart.crosshair());
+        c.press(Qt::Key_Return);
+        QCOMPARE(c.dragged.count(), 0);
+        QCOMPARE(c.chart.frame().draggedLevel, qsizetype{0});
+        QCOMPARE(c.bar(), qsizetype{0});
+        c.press(Qt::Key_Return);
+        QCOMPARE(c.dragged.count(), 1);
     }
 
     void escape_keeps_the_crosshair_when_it_cancels_a_level()
