@@ -215,7 +215,7 @@ void MarketWatchWidget::showQuotes(const PriceSnapshot& prices)
 void MarketWatchWidget::markStale()
 {
     for (const SymbolRow& row : std::as_const(m_symbolRows))
-        row.item->setStale(true);
+        row.item->setStale(row.lastBid > 0.0 || row.lastAsk > 0.0);
     m_list->viewport()->update();
 }
 

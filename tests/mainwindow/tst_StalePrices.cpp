@@ -1,10 +1,13 @@
 #include "CommandDriver.h"
 #include "app/ui/Theme.h"
 #include "orders/TickChartWidget.h"
+#include "panes/MarketWatchWidget.h"
 #include "support/Contrast.h"
+#include "support/PaintCounter.h"
 #include "support/TestMain.h"
 
 #include <QDialog>
+#include <QTreeView>
 
 using namespace Qt::StringLiterals;
 
@@ -117,6 +120,18 @@ private Q_SLOTS:
         QCOMPARE(t.color(0, 1), themeUpColor());
     }
 
+    void a_symbol_without_a_price_has_no_old_one()
+    {
+        Terminal t;
+        t.d.f.feed.send(euroHello(1.3, 1.4));
+        QTRY_COMPARE(t.row(1).text(1), QString());
+        t.loseFeed();
+        QVERIFY(t.looksOld(0, 1));
+        QCOMPARE(t.row(0).data(0, Qt::AccessibleTextRole).toString(), u"EURUSD, last known prices"_s);
+        QVERIFY(!t.looksOld(1, 1));
+        QCOMPARE(t.row(1).data(0, Qt::AccessibleTextRole), QVariant());
+    }
+
     void the_daily_change_of_an_old_price_looks_old_too()
     {
         Terminal t;
@@ -198,6 +213,76 @@ private Q_SLOTS:
         t.d.f.window->findChild<QComboBox*>(u"orderSymbol"_s)->setCurrentIndex(1);
         QCOMPARE(display->text(), u"— / —"_s);
         QCOMPARE(display->styleSheet(), live);
+    }
+
+    void market_watch_paints_prices_that_grow_old_or_come_again()
+    {
+        Terminal t;
+        auto* marketWatch = t.d.f.window->findChild<MarketWatchWidget*>();
+        t.d.f.settle();
+        const PaintCounter paints(*t.d.f.list("marketWatchSymbols").viewport());
+        t.loseFeed();
+        QTRY_VERIFY(paints.count() > 0);
+
+        t.findFeed(euroHello(1.3, 1.4));
+        t.quote(1.3, 150.7);
+        QTRY_COMPARE(t.row(1).text(1), u"150.700"_s);
+        marketWatch->markStale();
+        t.d.f.settle();
+        const int before = paints.count();
+        t.quote(1.3, 150.7);
+        QTRY_VERIFY(!t.looksOld(0, 1));
+        QTRY_VERIFY(paints.count() > before);
+    }
+
+    void popup_prices_are_painted_when_they_grow_old()
+    {
+        Terminal t;
+        t.d.f.window->togglePopupPrices();
+        auto* list = t.d.f.window->findChild<QTreeView*>(u"popupPriceList"_s);
+        QVERIFY(QTest::qWaitForWindowExposed(list->window()));
+        t.d.f.settle();
+        const PaintCounter paints(*list->viewport());
+        t.loseFeed();
+        QTRY_VERIFY(paints.count() > 0);
+    }
+
+    void a_chart_is_painted_when_its_prices_grow_old_or_come_again()
+    {
+        Terminal t;
+        t.d.f.server.on("GET", "/api/candles",
+            StubAnswer::list({records::candle(u"2026-01-01T00:00:00.000Z"_s, 1.3, 1.5, 1.2, 1.35)}));
+        ChartWidget& chart = t.d.openChart(u"EURUSD"_s)->chart();
+        QTRY_COMPARE(chart.candles().size(), std::size_t(1));
+        t.quote(1.31, 150);
+        QTRY_COMPARE(chart.bid(), 1.31);
+        t.d.f.settle();
+        const PaintCounter paints(chart);
+        chart.markQuoteStale();
+        QTRY_VERIFY(paints.count() > 0);
+        t.d.f.settle();
+        const int before = paints.count();
+        chart.onTick(chart.bid(), chart.ask(), chart.candles().back().time);
+        QTRY_VERIFY(paints.count() > before);
+        QCOMPARE(paints.region(), QRegion(chart.rect())); // all of it, not what a tick changes
+    }
+
+    void the_ticks_of_the_order_window_are_painted_when_they_grow_old_or_come_again()
+    {
+        Terminal t;
+        t.d.f.window->openOrderDialog();
+        auto* ticks = t.d.f.window->findChild<TickChartWidget*>();
+        QTRY_VERIFY(ticks && ticks->isVisible());
+        t.quote(1.32, 150);
+        QTRY_COMPARE(ticks->bids().size(), 1);
+        t.d.f.settle();
+        const PaintCounter paints(*ticks);
+        t.loseFeed();
+        QTRY_VERIFY(paints.count() > 0);
+        t.d.f.settle();
+        const int before = paints.count();
+        ticks->setStale(false);
+        QTRY_VERIFY(paints.count() > before);
     }
 
     void cleanup()
