@@ -6,6 +6,7 @@
 #include "net/WsClient.h"
 
 #include <QComboBox>
+#include <QEvent>
 #include <QLabel>
 #include <QStatusBar>
 #include <QUrl>
@@ -68,7 +69,16 @@ StatusPanel::StatusPanel(QStatusBar& bar, const QString& server, QObject* parent
         else
             keepRoomFor(message);
     });
+    bar.installEventFilter(this);
     showMessage();
+}
+
+bool StatusPanel::eventFilter(QObject* watched, QEvent* event)
+{
+    // A message that had too little room has more of it in a wider window.
+    if (watched == &m_bar && event->type() == QEvent::Resize)
+        keepRoomFor(m_bar.currentMessage());
+    return QObject::eventFilter(watched, event);
 }
 
 void StatusPanel::setHint(const QString& hint)

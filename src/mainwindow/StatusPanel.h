@@ -43,6 +43,9 @@ public Q_SLOTS:
     /// Totals in bytes. Shown at once, then at most four times a second: the feed reports every message.
     void setTraffic(quint64 received, quint64 sent);
 
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
 private:
     void showTraffic();
     void keepRoomFor(const QString& message);

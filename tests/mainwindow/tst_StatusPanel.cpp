@@ -121,6 +121,28 @@ private Q_SLOTS:
         QCOMPARE(bar.currentMessage(), u"For Help, press F1"_s);
     }
 
+    void aMessageThatHadNoRoomGetsItInAWiderWindow()
+    {
+        QMainWindow window;
+        StatusPanel panel(*window.statusBar(), u"terminal.a-platform-with-a-long-name.example"_s);
+        panel.setUser(u"first.name.and.last.name@a-long-name.example"_s);
+        window.show();
+        window.resize(700, 200);
+        QCoreApplication::processEvents();
+        QStatusBar& bar = *window.statusBar();
+        const auto* selector = bar.findChild<QWidget*>(u"accountSelector"_s);
+        panel.setHint(u"Click the first point of the trend line, then the second point of the line"_s);
+        QCoreApplication::processEvents();
+        const int wanted = bar.fontMetrics().horizontalAdvance(bar.currentMessage()) + 8;
+        QVERIFY(selector->x() < wanted);
+        // So wide that the widgets alone would take nearly all of it.
+        const int wide = bar.sizeHint().width() - bar.contentsMargins().left() + 50;
+        window.resize(wide, 200);
+        QCoreApplication::processEvents();
+        QCOMPARE(window.width(), wide);
+        QVERIFY(selector->x() >= wanted);
+    }
+
     void userIsPlainText()
     {
         QMainWindow window;
