@@ -31,6 +31,18 @@ PanesLayout::Columns columnsOf(const QTreeView& list)
     return columns;
 }
 
+/// The columns of another width than usual, the others as 0; no widths when all are as usual.
+PanesLayout::Columns differing(PanesLayout::Columns columns, const PanesLayout::Columns& usual)
+{
+    for (int column = 0; column < int(columns.widths.size()); ++column) {
+        if (columns.widths.at(column) == usual.widths.value(column))
+            columns.widths[column] = 0;
+    }
+    while (!columns.widths.isEmpty() && columns.widths.constLast() == 0)
+        columns.widths.removeLast();
+    return columns;
+}
+
 void applyColumns(const QTreeView& list, const PanesLayout::Columns& columns)
 {
     QHeaderView& header = *list.header();
@@ -57,6 +69,7 @@ PaneKeeper::PaneKeeper(
 
 void PaneKeeper::restoreFromSettings()
 {
+    m_usualColumns = columnsOfLists();
     if (const auto layout = readPanesLayout(m_settings.panesLayout()))
         apply(*layout);
     m_found = present();
@@ -73,12 +86,24 @@ void PaneKeeper::storeInSettings() const
         m_settings.setPanesLayout(panesLayoutText(layout));
 }
 
+QMap<QString, PanesLayout::Columns> PaneKeeper::columnsOfLists() const
+{
+    QMap<QString, PanesLayout::Columns> columns;
+    for (const QLatin1StringView name : keptLists) {
+        if (const auto* list = m_window.findChild<QTreeView*>(name))
+            columns.insert(name, columnsOf(*list));
+    }
+    return columns;
+}
+
 PanesLayout PaneKeeper::present() const
 {
     PanesLayout layout;
-    for (const QLatin1StringView name : keptLists) {
-        if (const auto* list = m_window.findChild<QTreeView*>(name))
-            layout.columns.insert(name, columnsOf(*list));
+    const auto present = columnsOfLists();
+    for (auto it = present.cbegin(), end = present.cend(); it != end; ++it) {
+        const PanesLayout::Columns arranged = differing(*it, m_usualColumns.value(it.key()));
+        if (!arranged.widths.isEmpty())
+            layout.columns.insert(it.key(), arranged);
     }
     if (const QWidget* page = m_toolbox.currentWidget())
         layout.tab = page->objectName();

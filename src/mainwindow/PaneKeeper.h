@@ -9,8 +9,10 @@ class SmallWindows;
 class TerminalSettings;
 
 /// Remembers from one run to the next what a trader has arranged within the panes: the widths of the columns,
-/// the tab of the Toolbox in front, the place of the popup prices. What it cannot read stays in the settings
-/// as it is: that of a later version for good, anything else until something is arranged.
+/// the tab of the Toolbox in front, the place of the popup prices. Of the columns only those that have been
+/// given another width: the others follow the usual widths of a later version or of another language. What it
+/// cannot read stays in the settings as it is: that of a later version for good, anything else until
+/// something is arranged.
 class PaneKeeper final : public QObject {
     Q_OBJECT
     Q_DISABLE_COPY_MOVE(PaneKeeper)
@@ -26,6 +28,7 @@ public:
     void storeInSettings() const;
 
 private:
+    [[nodiscard]] QMap<QString, PanesLayout::Columns> columnsOfLists() const;
     [[nodiscard]] PanesLayout present() const;
     void apply(const PanesLayout& layout);
 
@@ -33,5 +36,6 @@ private:
     QTabWidget& m_toolbox;
     SmallWindows& m_smallWindows;
     TerminalSettings& m_settings;
+    QMap<QString, PanesLayout::Columns> m_usualColumns; ///< before the settings had been applied
     PanesLayout m_found; ///< how everything was after the settings had been applied
 };

@@ -76,6 +76,30 @@ private Q_SLOTS:
             QCOMPARE(list(f, name).header()->sectionSize(column == 0 ? 1 : 0), neighbour);
     }
 
+    void only_columns_of_another_width_than_usual_are_stored()
+    {
+        MainWindowFixture f;
+        f.open();
+        const int usual = list(f, u"tradeList"_s).header()->sectionSize(2);
+        const auto storedColumns = [] { return fixtures::parse(stored().toUtf8())["columns"_L1].toObject(); };
+        f.window->close();
+        QCOMPARE(storedColumns(), QJsonObject());
+        f.open();
+        list(f, u"tradeList"_s).header()->resizeSection(2, usual + 37);
+        f.window->close();
+        for (int start = 0; start < 2; ++start) { // a start later it is still another than usual
+            QCOMPARE(storedColumns().keys(), QStringList{u"tradeList"_s});
+            const QJsonArray widths = storedColumns()["tradeList"_L1].toObject()["widths"_L1].toArray();
+            QCOMPARE(widths, (QJsonArray{0, 0, usual + 37}));
+            f.open();
+            f.window->close();
+        }
+        f.open();
+        list(f, u"tradeList"_s).header()->resizeSection(2, usual);
+        f.window->close();
+        QCOMPARE(storedColumns(), QJsonObject());
+    }
+
     void the_tab_of_the_toolbox_comes_back()
     {
         MainWindowFixture f;
