@@ -39,7 +39,8 @@ bool isWhole(QNetworkReply::NetworkError error)
         || (error > QNetworkReply::UnknownProxyError && error != QNetworkReply::ContentReSendError);
 }
 
-/// Why there was no connection, and where to: a wrong address is the commonest reason.
+/// Why there was no connection, and where to: a wrong address is the commonest reason. A read that was given
+/// up in time names the server, too: what is silent or comes to no end may be another machine than meant.
 QString withServer(const QString& reason, const QNetworkReply& reply)
 {
     constexpr auto serverOnly
@@ -81,9 +82,9 @@ QString networkText(const QNetworkReply& reply, int status)
     const QString text = watch && wasGivenUp(reply) ? givenUpText(reply, *watch, status) : QString();
     if (!text.isEmpty())
         return text;
-    const bool hadConnection = isWhole(reply.error()) || reply.error() == QNetworkReply::RemoteHostClosedError
+    const bool serverEndedIt = isWhole(reply.error()) || reply.error() == QNetworkReply::RemoteHostClosedError
         || (watch && watch->wasTooLarge());
-    return hadConnection ? reply.errorString() : withServer(reply.errorString(), reply);
+    return serverEndedIt ? reply.errorString() : withServer(reply.errorString(), reply);
 }
 
 } // namespace
