@@ -6,6 +6,7 @@
 #include "net/records/AccountRecord.h"
 
 #include <QComboBox>
+#include <QKeyEvent>
 #include <QScopedValueRollback>
 
 using namespace Qt::StringLiterals;
@@ -23,6 +24,22 @@ bool listsAccounts(const QComboBox& list, const QJsonArray& accounts)
     return true;
 }
 
+/// Whether a closed list takes this key for another choice.
+bool choosesUnseen(const QKeyEvent& key)
+{
+    switch (key.key()) {
+    case Qt::Key_Up:
+    case Qt::Key_Down:
+    case Qt::Key_PageUp:
+    case Qt::Key_PageDown:
+    case Qt::Key_Home:
+    case Qt::Key_End:
+        return true;
+    default:
+        return !key.text().isEmpty() && key.text().front().isPrint();
+    }
+}
+
 } // namespace
 
 AccountSelector::AccountSelector(QComboBox& list, const AccountBook& book, QObject* parent)
@@ -30,6 +47,7 @@ AccountSelector::AccountSelector(QComboBox& list, const AccountBook& book, QObje
     , m_list(list)
     , m_book(book)
 {
+    m_list.installEventFilter(this);
     connect(&m_list, &QComboBox::currentIndexChanged, this, &AccountSelector::onAccountSelected);
     connect(&m_book, &AccountBook::accountsChanged, this, &AccountSelector::fill);
     connect(&m_book, &AccountBook::currentAccountChanged, this, &AccountSelector::showCurrent);
@@ -45,6 +63,16 @@ void AccountSelector::onAccountSelected(int index)
 {
     if (!m_fillingAccounts && index >= 0)
         Q_EMIT accountChosen(m_list.itemData(index).toString());
+}
+
+bool AccountSelector::eventFilter(QObject* watched, QEvent* event)
+{
+    if (watched == &m_list && event->type() == QEvent::KeyPress
+        && choosesUnseen(static_cast<const QKeyEvent&>(*event))) {
+        m_list.showPopup();
+        return true;
+    }
+    return QObject::eventFilter(watched, event);
 }
 
 void AccountSelector::choose(const QString& accountId)

@@ -29,6 +29,11 @@ public Q_SLOTS:
 Q_SIGNALS:
     void accountChosen(const QString& accountId);
 
+protected:
+    /// Keys that would choose another account at once open the list instead: a stray one must not send the
+    /// next order elsewhere.
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
 private:
     void fill();
     void showCurrent();

@@ -1,8 +1,10 @@
 #include "mainwindow/AccountSelector.h"
 #include "mainwindow/account/AccountBook.h"
+#include "support/Hands.h"
 #include "support/Records.h"
 #include "support/TestMain.h"
 
+#include <QAbstractItemView>
 #include <QComboBox>
 #include <QSignalSpy>
 
@@ -13,6 +15,17 @@ namespace {
 const QJsonArray two{records::account("w").wallet().balance(0), records::account("a")};
 
 struct Selector {
+    /// Shows three accounts, of which the second is current, and gives the list the keyboard.
+    void showFocused()
+    {
+        book.setAccounts({records::account("w").wallet().balance(0), records::account("a"),
+            records::account("p").plan("Pro", 2)});
+        list.show();
+        list.activateWindow();
+        list.setFocus();
+        QVERIFY(hands::arriveAt(&list));
+    }
+
     AccountBook book;
     QComboBox list;
     AccountSelector selector{list, book};
@@ -86,6 +99,50 @@ private Q_SLOTS:
         // Said explicitly, it counts for the line that is current too.
         s.selector.onAccountSelected(1);
         QCOMPARE(s.chosen.takeFirst(), QVariantList{u"a"_s});
+    }
+
+    void a_stray_key_opens_the_list_and_chooses_none_data()
+    {
+        QTest::addColumn<Qt::Key>("key");
+        for (const Qt::Key key : {Qt::Key_Up, Qt::Key_Down, Qt::Key_Home, Qt::Key_End, Qt::Key_PageUp,
+                 Qt::Key_PageDown, Qt::Key_R, Qt::Key_Space})
+            QTest::addRow("%s", QMetaEnum::fromType<Qt::Key>().valueToKey(key)) << key;
+    }
+    void a_stray_key_opens_the_list_and_chooses_none()
+    {
+        QFETCH(const Qt::Key, key);
+        Selector s;
+        s.showFocused();
+        hands::press(key);
+        QCOMPARE(s.chosen.count(), 0);
+        QVERIFY(s.list.view()->isVisible());
+        hands::press(Qt::Key_Down);
+        hands::press(Qt::Key_Escape);
+        QTRY_VERIFY(!s.list.view()->isVisible());
+        QCOMPARE(s.chosen.count(), 0);
+        QCOMPARE(s.list.currentData().toString(), u"a"_s);
+    }
+
+    void enter_chooses_in_the_open_list()
+    {
+        Selector s;
+        s.showFocused();
+        hands::press(Qt::Key_Down);
+        QVERIFY(s.list.view()->isVisible());
+        hands::press(Qt::Key_Down);
+        hands::press(Qt::Key_Return);
+        QCOMPARE(s.chosen, QList<QVariantList>{{u"p"_s}});
+        QTRY_VERIFY(!s.list.view()->isVisible());
+    }
+
+    void keys_that_choose_nothing_go_on()
+    {
+        Selector s;
+        s.showFocused();
+        for (const Qt::Key key : {Qt::Key_Return, Qt::Key_Escape, Qt::Key_F6})
+            hands::press(key);
+        QVERIFY(!s.list.view()->isVisible());
+        QCOMPARE(s.chosen.count(), 0);
     }
 
     void the_account_that_has_become_current_is_shown()
