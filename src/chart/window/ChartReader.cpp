@@ -140,8 +140,17 @@ void ChartReader::noteMarks()
     m_news.note();
 }
 
+void ChartReader::noteSeen()
+{
+    if (std::exchange(m_unheard, false))
+        m_news.note();
+}
+
 bool ChartReader::tellNews()
 {
+    m_unheard = m_chart.visibleRegion().isEmpty();
+    if (m_unheard)
+        return false;
     QList<QAccessible::Id> renamed;
     const ChartFrame frame = m_chart.frame();
     for (auto known = m_known.begin(); known != m_known.end(); ++known) {

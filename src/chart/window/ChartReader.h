@@ -11,7 +11,7 @@
 struct ChartFrame;
 
 /// What a chart tells screen readers: what is to be read on it, and which marks come and go. Makes nothing
-/// until one asks or is there to be told.
+/// until one asks or is there to be told. A chart out of sight, as behind another tab, reads out no news.
 class ChartReader final {
     Q_DISABLE_COPY_MOVE(ChartReader)
 
@@ -23,6 +23,8 @@ public:
     [[nodiscard]] QString reading() const;
     /// Something that the reading holds has changed.
     void noteReading() { m_news.note(); }
+    /// The chart is in sight, and may not have been so before; news that have waited for that are told.
+    void noteSeen();
     /// Levels, drawings or the button may have changed: those that are gone are taken away at once.
     void noteMarks();
 
@@ -64,6 +66,7 @@ private:
     ChartWidget& m_chart;
     PoliteNews m_news;
     QString m_toldReading;
+    bool m_unheard = false; ///< news wait until the chart is in sight
     QHash<ChartMarkKey, Known> m_known;
     mutable std::optional<Places> m_places; ///< nothing while it is to be worked out anew
 };

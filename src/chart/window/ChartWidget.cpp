@@ -75,7 +75,8 @@ void ChartWidget::replaceCandles(std::vector<Candle> candles)
 
 void ChartWidget::onTick(double bid, double ask, qint64 timeMs)
 {
-    if (m_quoteStale)
+    const bool hasPrice = bid > 0.0 || ask > 0.0;
+    if (m_quoteStale && hasPrice && isUsablePrice(bid) && isUsablePrice(ask))
         setQuoteStale(false);
     // Without `before` the chart is painted whole: when it is hidden, or its view must be worked out anew.
     const std::optional<QuotedView> before
@@ -331,6 +332,7 @@ void ChartWidget::paintEvent(QPaintEvent* event)
 {
     QPainter painter(this);
     m_bands.paint(painter, frame(), event->region());
+    m_reader.noteSeen();
 }
 
 void ChartWidget::mousePressEvent(QMouseEvent* event)

@@ -45,7 +45,7 @@ public:
 
     /// A price update at `timeMs` (ms since the epoch); see ChartScene::tick() for prices that are missing.
     void onTick(double bid, double ask, qint64 timeMs);
-    /// No prices come any more: bid and ask look old until the next tick.
+    /// No prices come any more: bid and ask look old until the next tick with a price.
     void markQuoteStale();
     [[nodiscard]] double bid() const { return m_scene.bid(); } ///< 0 where there is none
     [[nodiscard]] double ask() const { return m_scene.ask(); } ///< 0 where there is none

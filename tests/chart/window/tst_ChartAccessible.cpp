@@ -286,6 +286,52 @@ private Q_SLOTS:
         QCOMPARE(ears.count(QAccessible::DescriptionChanged), 2);
     }
 
+    void a_chart_out_of_sight_tells_its_news_once_it_is_seen()
+    {
+        const ReaderEars reader;
+        QWidget area;
+        area.resize(400, 300);
+        ChartWidget chart(&area);
+        QWidget other(&area);
+        other.resize(400, 300);
+        other.setAutoFillBackground(true);
+        area.show();
+        fixtures::showChart(chart, 60);
+        QVERIFY(chart.isVisible() && chart.visibleRegion().isEmpty());
+        breathe(chart);
+        ReaderEars ears;
+        for (int second = 0; second < 3; ++second) {
+            chart.onTick(1.1 + second * 0.001, 1.2, fixtures::barTime(60));
+            breathe(chart);
+        }
+        QCOMPARE(ears.count(QAccessible::DescriptionChanged), 0);
+        other.hide();
+        QTRY_COMPARE(ears.count(QAccessible::DescriptionChanged), 1);
+        breathe(chart);
+        chart.hide();
+        chart.onTick(1.11, 1.2, fixtures::barTime(60));
+        breathe(chart);
+        QCOMPARE(ears.count(QAccessible::DescriptionChanged), 1);
+        chart.show();
+        QTRY_COMPARE(ears.count(QAccessible::DescriptionChanged), 2);
+        breathe(chart);
+        QCOMPARE(ears.count(QAccessible::DescriptionChanged), 2);
+    }
+
+    void a_tick_without_a_price_brings_no_live_prices_back()
+    {
+        ChartWidget chart;
+        fixtures::showChart(chart, 60);
+        chart.onTick(1.1, 1.2, fixtures::barTime(60));
+        chart.markQuoteStale();
+        chart.onTick(qQNaN(), 1.2, fixtures::barTime(60));
+        QVERIFY(chart.frame().quoteStale);
+        chart.onTick(0.0, 0.0, fixtures::barTime(60));
+        QVERIFY(chart.frame().quoteStale);
+        chart.onTick(1.1, 0.0, fixtures::barTime(60));
+        QVERIFY(!chart.frame().quoteStale);
+    }
+
     void the_loss_and_the_return_of_live_prices_are_told()
     {
         const ReaderEars reader;
