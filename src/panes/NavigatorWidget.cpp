@@ -8,6 +8,7 @@
 
 #include <QEvent>
 #include <QFileInfo>
+#include <QItemSelectionModel>
 #include <QJsonArray>
 #include <QJsonObject>
 #include <QTabBar>
@@ -34,6 +35,32 @@ QTreeWidgetItem* addEntry(QTreeWidgetItem* parent, const QString& text, const QS
         item->setData(0, Qt::UserRole, key);
     return item;
 }
+
+/// Leads back to the current entry of a folder once its entries have been made anew.
+class CurrentKeeper final {
+    Q_DISABLE_COPY_MOVE(CurrentKeeper)
+
+public:
+    explicit CurrentKeeper(QTreeWidgetItem& folder)
+        : m_folder(folder)
+    {
+        const QTreeWidgetItem* current = folder.treeWidget()->currentItem();
+        if (current && current->parent() == &folder)
+            m_key = keyOf(current);
+    }
+    ~CurrentKeeper()
+    {
+        for (int i = 0; i < m_folder.childCount() && !m_key.isEmpty(); ++i) {
+            if (keyOf(m_folder.child(i)) == m_key)
+                m_folder.treeWidget()->setCurrentItem(
+                    m_folder.child(i), 0, QItemSelectionModel::ClearAndSelect);
+        }
+    }
+
+private:
+    QTreeWidgetItem& m_folder;
+    QString m_key;
+};
 
 /// Bold for the eye, in words for those who do not see it.
 void markActive(QTreeWidgetItem* item, bool active)
@@ -105,6 +132,7 @@ void NavigatorWidget::activate(const QTreeWidgetItem* item)
 
 void NavigatorWidget::setAccounts(const QJsonArray& accounts)
 {
+    const CurrentKeeper current(*m_accounts);
     qDeleteAll(m_accounts->takeChildren());
     const QIcon icon = accountIcon(themeMutedColor());
     for (const auto& value : accounts) {
@@ -135,6 +163,7 @@ void NavigatorWidget::setExperts(const QStringList& paths)
 {
     if (!m_experts)
         return;
+    const CurrentKeeper current(*m_experts);
     qDeleteAll(m_experts->takeChildren());
     if (paths.isEmpty())
         addEntry(m_experts, tr("(none installed)"))->setDisabled(true);

@@ -1,10 +1,12 @@
 #include "panes/NewsPane.h"
 
 #include "app/ui/LetterSize.h"
+#include "panes/KeptRows.h"
 #include "panes/NewsEvent.h"
 #include "panes/RowKeys.h"
 
 #include <QHeaderView>
+#include <QScrollBar>
 #include <QTimer>
 #include <QTreeWidget>
 #include <QVBoxLayout>
@@ -68,11 +70,18 @@ void NewsPane::fill(const NewsReply& news)
     for (const NewsEvent& event : news.events) {
         auto* row = new QTreeWidgetItem(
             {event.time, event.currency, event.impactText, event.title, countdownText(event.minutesUntil)});
+        row->setData(TimeColumn, Qt::UserRole, event.id);
         row->setForeground(ImpactColumn, impactColor(event.impact));
         rows.append(row);
     }
+    const auto idOf
+        = [this](int row) { return m_list->topLevelItem(row)->data(TimeColumn, Qt::UserRole).toString(); };
+    const KeptRows kept = KeptRows::of(*m_list, idOf);
+    const int place = m_list->verticalScrollBar()->value();
     m_list->clear();
     m_list->addTopLevelItems(rows);
+    kept.restore(*m_list, idOf);
+    m_list->verticalScrollBar()->setValue(place); // the current row may be out of sight
 }
 
 void NewsPane::announce(const NewsReply& news)

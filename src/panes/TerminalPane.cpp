@@ -198,6 +198,10 @@ void TerminalPane::indexRowsBySymbol()
 
 void TerminalPane::setHistoryRows(const QJsonArray& rows, const QHash<QString, int>& digits)
 {
+    const auto idOf = [this](int row) {
+        return m_history->topLevelItem(row)->data(HistoryTicket, Qt::UserRole).toString();
+    };
+    const KeptRows kept = KeptRows::of(*m_history, idOf);
     const ScrollKeeper scroll(m_history);
     m_history->clear();
     QList<QTreeWidgetItem*> items;
@@ -206,12 +210,14 @@ void TerminalPane::setHistoryRows(const QJsonArray& rows, const QHash<QString, i
         const QJsonObject trade = value.toObject();
         const int d = digits.value(trade::symbol(trade), usualPriceDigits);
         auto* item = new QTreeWidgetItem(historyTexts(trade, d));
+        item->setData(HistoryTicket, Qt::UserRole, trade::id(trade));
         alignRight(item, historyNumbers);
         item->setForeground(HistoryProfit, profitColor(trade::profit(trade)));
         item->setForeground(HistoryType, typeColor(trade));
         items.append(item);
     }
     m_history->addTopLevelItems(items);
+    kept.restore(*m_history, idOf);
 }
 
 void TerminalPane::updateTradePnl(const QString& tradeId, double profit)

@@ -86,6 +86,24 @@ private Q_SLOTS:
         QCOMPARE(told, QStringList({u"account a1"_s, u"indicator rsi"_s, u"expert /x/Cross.js"_s}));
     }
 
+    void entries_that_are_read_again_stay_current()
+    {
+        Navigator navigator;
+        const QJsonArray accounts{records::account("a1"), records::account("a2"), records::account("a3")};
+        navigator.widget.setAccounts(accounts);
+        navigator.widget.setExperts({u"/x/Cross.js"_s, u"/x/Grid.js"_s});
+        navigator.tree->setCurrentItem(navigator.accounts()->child(1));
+        navigator.widget.setAccounts(accounts);
+        navigator.widget.setExperts({u"/x/Cross.js"_s, u"/x/Grid.js"_s});
+        QCOMPARE(navigator.tree->currentItem(), navigator.accounts()->child(1));
+        QCOMPARE(navigator.tree->selectedItems(), {navigator.accounts()->child(1)});
+        navigator.tree->setCurrentItem(navigator.experts()->child(1));
+        navigator.widget.setExperts({u"/x/Average.js"_s, u"/x/Cross.js"_s, u"/x/Grid.js"_s});
+        navigator.widget.setAccounts(accounts);
+        QCOMPARE(navigator.tree->currentItem(), navigator.experts()->child(2));
+        QCOMPARE(navigator.tree->selectedItems(), {navigator.experts()->child(2)});
+    }
+
     void hasItsFoldersAndIndicatorsFromTheStart()
     {
         const Navigator navigator;

@@ -104,6 +104,18 @@ private Q_SLOTS:
         QTRY_VERIFY(desk.server.count("GET", path) >= 1);
     }
 
+    void a_refresh_keeps_the_selected_event()
+    {
+        NewsDesk desk;
+        desk.read({eventIn(1, "a"), eventIn(30, "b"), eventIn(90, "c")});
+        desk.list()->setCurrentItem(desk.list()->topLevelItem(1));
+        desk.read({eventIn(28, "b"), eventIn(88, "c")});
+        QCOMPARE(desk.list()->currentIndex().row(), 0);
+        QCOMPARE(desk.list()->selectedItems(), {desk.list()->topLevelItem(0)});
+        desk.read({eventIn(86, "c")});
+        QVERIFY(desk.list()->selectedItems().isEmpty());
+    }
+
     void showsEventsInTheServersOrder()
     {
         NewsDesk desk;

@@ -107,6 +107,21 @@ private Q_SLOTS:
         QCOMPARE(toolbox.trades->currentIndex().row(), 1);
     }
 
+    void the_history_keeps_its_selection_when_more_trades_close()
+    {
+        Toolbox toolbox;
+        toolbox.pane.setHistoryRows(twoPositions, goldDigits);
+        toolbox.history->setCurrentItem(toolbox.history->topLevelItem(1));
+        QJsonArray more = twoPositions;
+        more.prepend(oneOrder.first());
+        toolbox.pane.setHistoryRows(more, goldDigits);
+        QCOMPARE(toolbox.history->currentIndex().row(), 2);
+        QCOMPARE(toolbox.history->selectedItems(), {toolbox.history->topLevelItem(2)});
+        toolbox.pane.setHistoryRows(oneOrder, goldDigits);
+        QVERIFY(toolbox.history->selectedItems().isEmpty());
+        QVERIFY(!toolbox.history->currentItem());
+    }
+
     void hasItsTabsAndColumns()
     {
         const Toolbox toolbox;
