@@ -72,6 +72,10 @@ bool AccountSelector::eventFilter(QObject* watched, QEvent* event)
         m_list.showPopup();
         return true;
     }
+    if (watched == &m_list && event->type() == QEvent::Wheel) {
+        event->ignore(); // the open list has the wheel for itself
+        return true;
+    }
     return QObject::eventFilter(watched, event);
 }
 

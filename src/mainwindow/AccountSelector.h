@@ -30,8 +30,8 @@ Q_SIGNALS:
     void accountChosen(const QString& accountId);
 
 protected:
-    /// Keys that would choose another account at once open the list instead: a stray one must not send the
-    /// next order elsewhere.
+    /// Keys that would choose another account at once open the list instead, and the wheel chooses none: a
+    /// stray one must not send the next order elsewhere.
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:

@@ -123,6 +123,15 @@ private Q_SLOTS:
         QCOMPARE(s.list.currentData().toString(), u"a"_s);
     }
 
+    void the_wheel_over_the_closed_list_chooses_none()
+    {
+        Selector s;
+        s.showFocused();
+        hands::turnWheel(s.list, -120);
+        QCOMPARE(s.chosen.count(), 0);
+        QCOMPARE(s.list.currentData().toString(), u"a"_s);
+    }
+
     void enter_chooses_in_the_open_list()
     {
         Selector s;
