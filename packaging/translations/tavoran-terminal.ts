@@ -1898,6 +1898,10 @@ Built with Qt %2, running with Qt %3</source>
         <source>Crosshair: drag, or press Enter at both ends, to measure</source>
         <translation type="unfinished"></translation>
     </message>
+    <message>
+        <source>Level: arrow keys move it, Enter sends it, Escape puts it back</source>
+        <translation type="unfinished"></translation>
+    </message>
 </context>
 <context>
     <name>TradeActions</name>

@@ -1908,6 +1908,10 @@ Erstellt mit Qt %2, ausgeführt mit Qt %3</translation>
         <source>Crosshair: drag, or press Enter at both ends, to measure</source>
         <translation>Fadenkreuz: zum Messen ziehen oder Eingabetaste an beiden Enden</translation>
     </message>
+    <message>
+        <source>Level: arrow keys move it, Enter sends it, Escape puts it back</source>
+        <translation>Linie: Pfeiltasten bewegen, Eingabetaste sendet, Escape legt zurück</translation>
+    </message>
 </context>
 <context>
     <name>TradeActions</name>

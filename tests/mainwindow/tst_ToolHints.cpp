@@ -1,4 +1,5 @@
 #include "CommandDriver.h"
+#include "chart/layers/ChartFrame.h"
 #include "support/TestMain.h"
 
 #include <QStatusBar>
@@ -8,6 +9,8 @@ using namespace Qt::StringLiterals;
 namespace {
 
 const QString idle = u"For Help, press F1"_s;
+
+using Deed = void (*)(ChartWidget&);
 
 /// A terminal with a chart of two candles in front.
 struct Terminal final {
@@ -103,6 +106,53 @@ private Q_SLOTS:
         QTest::mouseRelease(&chart, Qt::LeftButton, {}, {200, 120});
         QCOMPARE(t.hint(), hint);
         t.d.actions().cursor->trigger();
+        QCOMPARE(t.hint(), idle);
+    }
+
+    void a_level_held_by_keys_says_what_they_do_until_it_is_let_go_data()
+    {
+        QTest::addColumn<Deed>("deed");
+        QTest::newRow("dropped") << Deed([](ChartWidget& chart) { QTest::keyClick(&chart, Qt::Key_Return); });
+        QTest::newRow("put back") << Deed(
+            [](ChartWidget& chart) { QTest::keyClick(&chart, Qt::Key_Escape); });
+        QTest::newRow("left by Tab") << Deed(
+            [](ChartWidget& chart) { QTest::keyClick(&chart, Qt::Key_Tab); });
+        QTest::newRow("taken by the mouse") << Deed([](ChartWidget& chart) {
+            QTest::mouseClick(&chart, Qt::LeftButton, {}, {100, 100});
+        });
+        QTest::newRow("gone") << Deed([](ChartWidget& chart) { chart.setTradeLevels({}); });
+        QTest::newRow("other candles") << Deed([](ChartWidget& chart) { chart.setCandles({}); });
+    }
+    void a_level_held_by_keys_says_what_they_do_until_it_is_let_go()
+    {
+        QFETCH(const Deed, deed);
+        const Terminal t;
+        ChartWidget& chart = t.window->chart();
+        t.d.f.window->activateWindow();
+        chart.setFocus();
+        QTRY_VERIFY(chart.hasFocus());
+        QTest::keyClick(&chart, Qt::Key_Left);
+        QVERIFY(chart.crosshair());
+        chart.setTradeLevels(
+            {{u"1"_s, u"SL"_s, chart.crosshair()->price, u"sl"_s, Qt::red, Qt::DashLine, true}});
+        QCOMPARE(t.hint(), idle);
+        QTest::keyClick(&chart, Qt::Key_Return);
+        QVERIFY(chart.frame().draggedLevel == 0);
+        const QString hint = u"Level: arrow keys move it, Enter sends it, Escape puts it back"_s;
+        QCOMPARE(t.hint(), hint);
+        QTest::keyClick(&chart, Qt::Key_Up);
+        QCOMPARE(t.hint(), hint);
+        deed(chart);
+        QCOMPARE(t.hint(), idle);
+    }
+
+    void the_mouse_needs_no_words_for_a_level_that_it_drags()
+    {
+        const Terminal t;
+        ChartWidget& chart = t.window->chart();
+        chart.setTradeLevels({{u"1"_s, u"SL"_s, 1.3, u"sl"_s, Qt::red, Qt::DashLine, true}});
+        QTest::mousePress(&chart, Qt::LeftButton, {}, {300, chart.view().pricePixel(1.3)});
+        QCOMPARE(chart.frame().draggedLevel, qsizetype(0));
         QCOMPARE(t.hint(), idle);
     }
 

@@ -33,6 +33,9 @@ const char* wordsOf(DrawingKind kind, bool isSecond)
 
 QString toolHint(const ChartGestures& gestures)
 {
+    if (gestures.level().isActive() && gestures.isHeldByKeys())
+        return QCoreApplication::translate(
+            "ToolHint", "Level: arrow keys move it, Enter sends it, Escape puts it back");
     if (const std::optional<DrawingKind> kind = gestures.tool().kind()) {
         return QCoreApplication::translate("ToolHint", wordsOf(*kind, gestures.tool().placed().has_value()));
     }

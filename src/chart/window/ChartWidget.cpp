@@ -1,8 +1,6 @@
 #include "chart/window/ChartWidget.h"
 
-#include "chart/data/ChartTexts.h"
 #include "chart/layers/ChartFrame.h"
-#include "chart/layers/OverlayAreas.h"
 #include "chart/layers/TickArea.h"
 #include "chart/window/ChartAccessible.h"
 
@@ -35,7 +33,13 @@ template <typename Value> bool assign(Value& current, const Value& wanted)
 ChartWidget::ChartWidget(QWidget* parent)
     : QWidget(parent)
     , m_reader(*this)
+    , m_hands(*this, m_drawings, m_texts)
 {
+    connect(&m_hands, &ChartHands::crosshairMoved, this, &ChartWidget::crosshairMoved);
+    connect(&m_hands, &ChartHands::settingsChanged, this, &ChartWidget::settingsChanged);
+    connect(&m_hands, &ChartHands::drawingCreated, this, &ChartWidget::drawingCreated);
+    connect(&m_hands, &ChartHands::toolFinished, this, &ChartWidget::toolFinished);
+    connect(&m_hands, &ChartHands::levelDragged, this, &ChartWidget::levelDragged);
     ChartAccessible::install();
     setMouseTracking(true);
     setFocusPolicy(Qt::StrongFocus);
@@ -47,9 +51,7 @@ ChartWidget::~ChartWidget() = default;
 
 void ChartWidget::setCandles(std::vector<Candle> candles)
 {
-    // The new candles move the prices away from below the pointer.
-    m_gestures.cancelLevel();
-    updateCursor();
+    m_hands.cancelLevel();
     replaceCandles(std::move(candles));
     scrollToEnd();
 }
@@ -61,8 +63,8 @@ void ChartWidget::renewCandles(std::vector<Candle> candles)
     const std::optional<ChartScene::Place> place = m_scene.place();
     const double before = rightBarIndex();
     replaceCandles(std::move(candles));
-    applyView(place ? m_scene.at(*place) : m_scene.atEnd());
-    m_gestures.renumberBars(rightBarIndex() - before);
+    setViewState(place ? m_scene.at(*place) : m_scene.atEnd());
+    m_hands.renumberBars(rightBarIndex() - before);
 }
 
 void ChartWidget::replaceCandles(std::vector<Candle> candles)
@@ -147,27 +149,27 @@ void ChartWidget::setDigits(int digits)
 
 void ChartWidget::setAutoScroll(bool on)
 {
-    applyView(m_scene.withAutoScroll(on));
+    setViewState(m_scene.withAutoScroll(on));
 }
 
 void ChartWidget::scrollToEnd()
 {
-    applyView(m_scene.atEnd());
+    setViewState(m_scene.atEnd());
 }
 
 void ChartWidget::setChartShift(bool on)
 {
-    applyView(m_scene.withShift(on));
+    setViewState(m_scene.withShift(on));
 }
 
 void ChartWidget::zoomIn()
 {
-    applyView(m_scene.withBarWidth(PanZoom::wider(barWidth())));
+    setViewState(m_scene.withBarWidth(PanZoom::wider(barWidth())));
 }
 
 void ChartWidget::zoomOut()
 {
-    applyView(m_scene.withBarWidth(PanZoom::narrower(barWidth())));
+    setViewState(m_scene.withBarWidth(PanZoom::narrower(barWidth())));
 }
 
 void ChartWidget::setChartType(int type)
@@ -238,29 +240,6 @@ bool ChartWidget::deleteSelectedDrawing()
     return true;
 }
 
-void ChartWidget::setTool(const QString& key)
-{
-    const QString before = tool();
-    const bool hadPoint = m_gestures.tool().placed().has_value();
-    m_gestures.chooseTool(key);
-    updateCursor();
-    update();
-    if (tool() != before || hadPoint)
-        Q_EMIT settingsChanged();
-}
-
-void ChartWidget::setMeasureMode(bool on)
-{
-    const bool changed = on != measureMode();
-    if (!changed && !m_gestures.ruler().span())
-        return;
-    m_gestures.armRuler(on);
-    updateCursor();
-    update();
-    if (changed)
-        Q_EMIT settingsChanged();
-}
-
 void ChartWidget::setCovered(const QRect& part)
 {
     if (assign(m_look.covered, part))
@@ -271,24 +250,9 @@ void ChartWidget::setTradeLevels(const QList<TradeLevel>& levels)
 {
     if (!assign(m_levels, levels))
         return;
-    m_gestures.followLevels(m_levels);
-    updateCursor();
+    m_hands.followLevels();
     update();
     m_reader.noteMarks();
-}
-
-std::optional<CrosshairPlace> ChartWidget::crosshair() const
-{
-    const KeyboardCrosshair& keyboard = m_gestures.crosshair();
-    return keyboard.isShown() ? keyboard.placeIn(view(), candles()) : view().placeAt(m_pointer);
-}
-
-std::optional<QPoint> ChartWidget::crosshairPixel() const
-{
-    if (!crosshair())
-        return std::nullopt;
-    const KeyboardCrosshair& keyboard = m_gestures.crosshair();
-    return keyboard.isShown() ? keyboard.pixel(view(), candles()) : m_pointer;
 }
 
 std::optional<Candle> ChartWidget::hoveredCandle() const
@@ -299,20 +263,20 @@ std::optional<Candle> ChartWidget::hoveredCandle() const
 
 ChartFrame ChartWidget::frame() const
 {
-    ChartFrame frame = frameOf(m_scene, size(), m_look, m_gestures);
+    ChartFrame frame = frameOf(m_scene, size(), m_look, m_hands.gestures());
     m_indicators.update(candles());
     frame.averageValues = m_indicators.averages();
     frame.paneValues = m_indicators.panes();
     frame.drawings = m_drawings.drawings();
     frame.levels = m_levels;
     frame.quoteStale = m_quoteStale;
-    frame.pointer = crosshairPixel().value_or(nowhere);
+    frame.pointer = m_hands.crosshairPixel().value_or(nowhere);
     frame.crosshair = crosshair();
     frame.texts = &m_texts;
     return frame;
 }
 
-void ChartWidget::applyView(const ViewState& state)
+void ChartWidget::setViewState(const ViewState& state)
 {
     const ViewState before = m_scene.state();
     if (state == before)
@@ -337,273 +301,47 @@ void ChartWidget::paintEvent(QPaintEvent* event)
 
 void ChartWidget::mousePressEvent(QMouseEvent* event)
 {
-    if (event->button() != Qt::LeftButton) {
-        event->ignore();
-        return;
-    }
-    letGo(); // a release may have been lost, or keys hold something
-    const QPoint position = event->position().toPoint();
-    if (!autoScroll() && view().scrollToEndButton().contains(position)) {
-        scrollToEnd();
-        return;
-    }
-    if (m_gestures.crosshair().isShown()) {
-        movePointer(position);
-        tellCrosshair();
-    }
-    const QRegion shownBefore = gestureArea();
-    take(m_gestures.press(ground(), position), shownBefore);
-}
-
-void ChartWidget::take(const ChartGestures::Press& press, const QRegion& shownBefore)
-{
-    updateCursor();
-    if (press.selected && m_drawings.select(*press.selected))
-        update();
-    if (press.taker == ChartGestures::Taker::Tool)
-        update();
-    else if (m_gestures.isDragging())
-        updateOverlay(shownBefore + gestureArea());
-    if (!press.created) {
-        if (press.taker == ChartGestures::Taker::Tool)
-            Q_EMIT settingsChanged(); // a point is placed, and the next click means another
-        return;
-    }
-    m_drawings.append(*press.created);
-    m_reader.noteMarks();
-    Q_EMIT drawingCreated(*press.created);
-    finishTool();
+    event->setAccepted(m_hands.press(*event));
 }
 
 void ChartWidget::mouseMoveEvent(QMouseEvent* event)
 {
-    const QPoint position = event->position().toPoint();
-    // A mouse that lies still takes nothing from the keyboard.
-    if (m_gestures.crosshair().isShown() && position == m_pointer)
-        return;
-    // The release may have gone to another window.
-    if (!event->buttons().testFlag(Qt::LeftButton))
-        letGo();
-    applyView(m_gestures.panned(position.x(), m_scene.state(), m_scene.series().count()));
-    dragGesture(position);
-    movePointer(position);
-    tellCrosshair();
-}
-
-void ChartWidget::tellCrosshair()
-{
-    if (const std::optional<Candle> candle = hoveredCandle())
-        Q_EMIT crosshairMoved(hoverText(*candle, digits()));
+    m_hands.move(*event);
 }
 
 void ChartWidget::mouseReleaseEvent(QMouseEvent* event)
 {
-    if (event->button() != Qt::LeftButton) {
-        event->ignore();
-        return;
-    }
-    if (!m_gestures.isHeldByKeys())
-        drop();
-}
-
-void ChartWidget::drop()
-{
-    if (m_gestures.level().isActive())
-        update();
-    const std::optional<LevelDrag::Drop> drop = m_gestures.release(digits());
-    m_reader.noteReading();
-    updateCursor();
-    if (drop)
-        Q_EMIT levelDragged(drop->tradeId, drop->kind, drop->price);
+    event->setAccepted(m_hands.release(*event));
 }
 
 void ChartWidget::wheelEvent(QWheelEvent* event)
 {
-    applyView(m_scene.withBarWidth(PanZoom::wheeled(barWidth(), event->angleDelta().y())));
+    setViewState(m_scene.withBarWidth(PanZoom::wheeled(barWidth(), event->angleDelta().y())));
     event->accept();
 }
 
 void ChartWidget::leaveEvent(QEvent* event)
 {
-    if (m_gestures.crosshair().isShown()) {
-        m_pointer = nowhere;
-    } else {
-        movePointer(nowhere);
-        Q_EMIT crosshairMoved(QString());
-    }
+    m_hands.leave();
     QWidget::leaveEvent(event);
-}
-
-void ChartWidget::movePointer(const QPoint& position)
-{
-    if (position == m_pointer && !m_gestures.crosshair().isShown())
-        return;
-    const std::optional<QPoint> before = crosshairPixel();
-    m_gestures.hideCrosshair();
-    m_pointer = position;
-    repaintCrosshair(before);
-}
-
-void ChartWidget::repaintCrosshair(const std::optional<QPoint>& before)
-{
-    m_reader.noteReading();
-    const std::optional<QPoint> now = crosshairPixel();
-    if (before && now && !candles().empty())
-        updateOverlay(overlays::pointer(ground(), m_gestures.tool(), *before)
-            + overlays::pointer(ground(), m_gestures.tool(), *now));
-    else if (before || now)
-        update();
-}
-
-bool ChartWidget::moveCrosshair(const KeyboardCrosshair::Move& move)
-{
-    if (candles().empty() || m_gestures.isHeldByMouse())
-        return false;
-    const std::optional<QPoint> before = crosshairPixel();
-    const QRegion heldBefore = gestureArea();
-    applyView(m_gestures.walk(ground(), move.bars, crosshair()));
-    m_gestures.climb(ground(), move.prices, digits());
-    repaintCrosshair(before);
-    if (m_gestures.isHeldByKeys())
-        updateOverlay(heldBefore + gestureArea());
-    tellCrosshair();
-    return true;
-}
-
-bool ChartWidget::enterAtCrosshair()
-{
-    if (candles().empty() || m_gestures.isHeldByMouse())
-        return false;
-    // What is out of view is shown first: nobody acts on what cannot be seen.
-    if (!crosshair())
-        return revealCrosshair();
-    if (m_gestures.isHeldByKeys()) {
-        drop();
-        return true;
-    }
-    const std::optional<QPoint> before = crosshairPixel();
-    const QRegion heldBefore = gestureArea();
-    take(m_gestures.enter(ground()), heldBefore);
-    repaintCrosshair(before);
-    return true;
-}
-
-bool ChartWidget::revealCrosshair()
-{
-    const bool moved = moveCrosshair({});
-    if (crosshair() || !m_gestures.isHeldByKeys())
-        return moved;
-    letGo(); // its price lies beyond those of the chart
-    return moveCrosshair({});
-}
-
-bool ChartWidget::hideKeyboardCrosshair()
-{
-    if (!m_gestures.crosshair().isShown())
-        return false;
-    const std::optional<QPoint> before = crosshairPixel();
-    m_gestures.hideCrosshair();
-    repaintCrosshair(before);
-    if (hoveredCandle())
-        tellCrosshair();
-    else
-        Q_EMIT crosshairMoved(QString());
-    return true;
 }
 
 void ChartWidget::keyPressEvent(QKeyEvent* event)
 {
-    if (!takeKey(*event))
+    if (!m_hands.takeKey(*event))
         QWidget::keyPressEvent(event);
-}
-
-bool ChartWidget::takeKey(const QKeyEvent& event)
-{
-    const int key = event.key();
-    if (key == Qt::Key_Escape)
-        return cancelGesture() || hideKeyboardCrosshair();
-    if (key == Qt::Key_Delete || key == Qt::Key_Backspace)
-        return deleteSelectedDrawing();
-    // Widgets on the chart hand on what they have no use for.
-    if (!hasFocus())
-        return false;
-    if (key == Qt::Key_Return || key == Qt::Key_Enter) {
-        if (!m_gestures.crosshair().isShown() || (event.modifiers() & ~Qt::KeypadModifier))
-            return false;
-        // Held down, it must neither place nor send again.
-        return event.isAutoRepeat() || enterAtCrosshair();
-    }
-    const std::optional<KeyboardCrosshair::Move> move = KeyboardCrosshair::moveOf(key, event.modifiers());
-    return move && moveCrosshair(*move);
 }
 
 void ChartWidget::focusOutEvent(QFocusEvent* event)
 {
-    if (m_gestures.isHeldByKeys())
-        letGo();
+    m_hands.loseFocus();
     QWidget::focusOutEvent(event);
 }
 
 void ChartWidget::hideEvent(QHideEvent* event)
 {
-    letGo();
+    m_hands.letGo();
     QWidget::hideEvent(event);
-}
-
-void ChartWidget::dragGesture(const QPoint& position)
-{
-    if (!m_gestures.isDragging())
-        return;
-    const QRegion before = gestureArea();
-    m_gestures.drag(view(), position);
-    m_reader.noteReading();
-    updateOverlay(before + gestureArea());
-}
-
-bool ChartWidget::cancelGesture()
-{
-    const std::optional<ChartGestures::Taker> cancelled = m_gestures.cancel();
-    if (!cancelled)
-        return false;
-    m_reader.noteReading();
-    updateCursor();
-    update();
-    if (*cancelled == ChartGestures::Taker::Tool) {
-        Q_EMIT settingsChanged();
-        Q_EMIT toolFinished();
-    }
-    return true;
-}
-
-void ChartWidget::letGo()
-{
-    if (m_gestures.letGo()) {
-        m_reader.noteReading();
-        update();
-    }
-    updateCursor();
-}
-
-void ChartWidget::finishTool()
-{
-    setTool(QString());
-    Q_EMIT toolFinished();
-}
-
-void ChartWidget::updateCursor()
-{
-    if (const Qt::CursorShape shape = m_gestures.cursor(); shape != cursor().shape())
-        setCursor(shape);
-}
-
-ChartGestures::Ground ChartWidget::ground() const
-{
-    return {view(), m_scene.state(), candles(), timeframeMs(), m_levels, m_drawings.drawings()};
-}
-
-QRegion ChartWidget::gestureArea() const
-{
-    return overlays::inHand(view(), m_gestures, digits(), m_texts);
 }
 
 bool ChartWidget::paintsWholePixels() const
@@ -611,7 +349,7 @@ bool ChartWidget::paintsWholePixels() const
     return devicePixelRatioF() == std::floor(devicePixelRatioF());
 }
 
-void ChartWidget::updateOverlay(const QRegion& area)
+void ChartWidget::updatePart(const QRegion& area)
 {
     if (paintsWholePixels())
         update(area);

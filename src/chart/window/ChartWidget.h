@@ -6,10 +6,10 @@
 #include "chart/data/DrawingList.h"
 #include "chart/data/IndicatorCache.h"
 #include "chart/data/TradeLevel.h"
-#include "chart/gestures/ChartGestures.h"
 #include "chart/gestures/ToolHint.h"
 #include "chart/layers/BandCache.h"
 #include "chart/layers/TextPainter.h"
+#include "chart/window/ChartHands.h"
 #include "chart/window/ChartReader.h"
 
 #include <QPoint>
@@ -67,6 +67,9 @@ public:
     [[nodiscard]] bool chartShift() const { return m_scene.state().chartShift; }
     [[nodiscard]] double barWidth() const { return m_scene.state().barWidth; }
     [[nodiscard]] double rightBarIndex() const { return m_scene.state().rightBarIndex; }
+    /// What is in view; a state comes from the scene or from a gesture on it.
+    [[nodiscard]] const ViewState& viewState() const { return m_scene.state(); }
+    void setViewState(const ViewState& state);
     /// One step wider or narrower, within 1 to 40 pixels a bar, about the right edge.
     void zoomIn();
     void zoomOut();
@@ -98,15 +101,15 @@ public:
     bool deleteSelectedDrawing();
     /// The kind of drawing that the next clicks place (see Drawing::type); empty or unknown ends placing.
     /// Points placed so far are dropped.
-    void setTool(const QString& key);
-    [[nodiscard]] QString tool() const { return m_gestures.tool().key(); }
+    void setTool(const QString& key) { m_hands.setTool(key); }
+    [[nodiscard]] QString tool() const { return m_hands.gestures().tool().key(); }
     /// What the next click does; see toolHint().
-    [[nodiscard]] QString hint() const { return toolHint(m_gestures); }
+    [[nodiscard]] QString hint() const { return toolHint(m_hands.gestures()); }
 
     /// Arms or disarms the ruler (see Ruler); a shown ruler goes. While armed, presses in the plot measure
     /// instead of panning, selecting or taking levels; placing a drawing goes first.
-    void setMeasureMode(bool on);
-    [[nodiscard]] bool measureMode() const { return m_gestures.ruler().isArmed(); }
+    void setMeasureMode(bool on) { m_hands.setMeasureMode(on); }
+    [[nodiscard]] bool measureMode() const { return m_hands.gestures().ruler().isArmed(); }
 
     /// Texts that would lie below what covers this part of the chart are shown beside it.
     void setCovered(const QRect& part);
@@ -118,9 +121,12 @@ public:
 
     /// Where the crosshair stands, and with it all that tells of the candle there: the keyboard's, or that of
     /// the mouse. Nothing while it is out of view.
-    [[nodiscard]] std::optional<CrosshairPlace> crosshair() const;
+    [[nodiscard]] std::optional<CrosshairPlace> crosshair() const { return m_hands.crosshair(); }
     /// The candle under the crosshair; nothing while the pointer is outside the plot or beside the candles.
     [[nodiscard]] std::optional<Candle> hoveredCandle() const;
+
+    /// Repaints what a step of a gesture has changed.
+    void updatePart(const QRegion& area);
 
     /// What screen readers hear of the chart.
     [[nodiscard]] ChartReader& reader() { return m_reader; }
@@ -163,46 +169,19 @@ private:
     /// The panes that a tick may change as a whole, since their scales follow their values.
     [[nodiscard]] QRegion panesOfTick() const;
     void replaceCandles(std::vector<Candle> candles);
-    void applyView(const ViewState& state);
-    void movePointer(const QPoint& position);
-    /// A step of the keyboard's crosshair, which appears if it was hidden.
-    [[nodiscard]] bool moveCrosshair(const KeyboardCrosshair::Move& move);
-    /// What Enter does at the keyboard's crosshair, which is not hidden.
-    [[nodiscard]] bool enterAtCrosshair();
-    /// Brings the keyboard's crosshair into view. A held level that cannot be shown goes back to its place.
-    [[nodiscard]] bool revealCrosshair();
-    [[nodiscard]] bool hideKeyboardCrosshair();
-    [[nodiscard]] bool takeKey(const QKeyEvent& event);
-    void repaintCrosshair(const std::optional<QPoint>& before);
-    void tellCrosshair();
-    /// The button or the second Enter lets go of what is held.
-    void drop();
-    void take(const ChartGestures::Press& press, const QRegion& shownBefore);
-    void dragGesture(const QPoint& position);
-    [[nodiscard]] bool cancelGesture();
-    /// Ends what lasts only while the button is held; a dragged level goes back to its place.
-    void letGo();
-    void finishTool();
-    void updateCursor();
-    [[nodiscard]] ChartGestures::Ground ground() const;
-    [[nodiscard]] QRegion gestureArea() const;
     /// Between device pixels an area may be rounded to less than what is painted into it.
     [[nodiscard]] bool paintsWholePixels() const;
-    void updateOverlay(const QRegion& area);
-    /// The pixel of the crosshair; nothing while it is out of view.
-    [[nodiscard]] std::optional<QPoint> crosshairPixel() const;
     void setQuoteStale(bool stale);
 
     ChartScene m_scene;
     ChartLook m_look;
-    ChartGestures m_gestures;
     DrawingList m_drawings;
     QList<TradeLevel> m_levels;
-    QPoint m_pointer = {-1, -1}; ///< of the mouse
     bool m_quoteStale = false;
 
     mutable IndicatorCache m_indicators;
     mutable TextPainter m_texts;
     BandCache m_bands;
     ChartReader m_reader;
+    ChartHands m_hands;
 };
