@@ -4,6 +4,7 @@
 #include "app/base/ServerText.h"
 #include "app/ui/DecimalEdit.h"
 #include "app/ui/DecimalText.h"
+#include "app/ui/EnterKey.h"
 #include "app/ui/ErrorLabel.h"
 #include "app/ui/FocusOrder.h"
 #include "app/ui/HeldEnter.h"
@@ -14,7 +15,6 @@
 
 #include <QFormLayout>
 #include <QHBoxLayout>
-#include <QKeyEvent>
 #include <QLabel>
 #include <QPointer>
 #include <QPushButton>
@@ -166,7 +166,7 @@ void ModifyDialog::keyPressEvent(QKeyEvent* event)
 {
     // Enter presses the button that has the focus, such as Cancel, rather than the default one.
     auto* button = qobject_cast<QPushButton*>(focusWidget());
-    if (button && (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter))
+    if (button && isEnter(*event))
         return button->click();
     SendingDialog::keyPressEvent(event);
 }

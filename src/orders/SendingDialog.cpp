@@ -1,10 +1,10 @@
 #include "orders/SendingDialog.h"
 
 #include "app/base/Log.h"
+#include "app/ui/EnterKey.h"
 #include "net/ReplyOutcome.h"
 
 #include <QCloseEvent>
-#include <QKeyEvent>
 #include <QPointer>
 
 #include <utility>
@@ -92,7 +92,7 @@ void SendingDialog::closeEvent(QCloseEvent* event)
 void SendingDialog::keyPressEvent(QKeyEvent* event)
 {
     // Enter presses the default button even while none of the fields has the focus, as after coming back.
-    if (hasFocus() && (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter))
+    if (hasFocus() && isEnter(*event))
         return;
     QDialog::keyPressEvent(event);
 }

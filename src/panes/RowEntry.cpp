@@ -1,6 +1,7 @@
 #include "panes/RowEntry.h"
 
-#include <QKeyEvent>
+#include "app/ui/EnterKey.h"
+
 #include <QTreeWidget>
 
 RowEntry::RowEntry(QTreeWidget& list)
@@ -15,7 +16,7 @@ bool RowEntry::eventFilter(QObject* /*watched*/, QEvent* event)
     if (event->type() != QEvent::KeyPress)
         return false;
     const auto* press = static_cast<const QKeyEvent*>(event);
-    if (press->key() != Qt::Key_Return && press->key() != Qt::Key_Enter)
+    if (!isEnter(*press))
         return false;
     const QTreeWidgetItem* row = m_list.currentItem();
     if (row && !press->isAutoRepeat())

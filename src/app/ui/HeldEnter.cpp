@@ -1,6 +1,7 @@
 #include "app/ui/HeldEnter.h"
 
-#include <QKeyEvent>
+#include "app/ui/EnterKey.h"
+
 #include <QPushButton>
 
 namespace {
@@ -22,7 +23,7 @@ protected:
         if (event->type() != QEvent::KeyPress)
             return false;
         const auto* press = static_cast<QKeyEvent*>(event);
-        return press->isAutoRepeat() && (press->key() == Qt::Key_Return || press->key() == Qt::Key_Enter);
+        return press->isAutoRepeat() && isEnter(*press);
     }
 };
 
