@@ -5,6 +5,7 @@
 #include "app/base/TerminalSettings.h"
 #include "app/base/Translations.h"
 #include "app/ui/Banner.h"
+#include "app/ui/EnterPress.h"
 #include "app/ui/FocusMark.h"
 #include "app/ui/MenuKey.h"
 #include "app/ui/Theme.h"
@@ -74,6 +75,7 @@ int runTerminal(QApplication& application, const StartUpWindows& windows, Update
     applyTheme(application);
     const FocusMark focusMark(application);
     const MenuKey menuKey(application);
+    const EnterPress enterPress(application);
     appLog(u"theme applied: %1"_s.arg(isDarkTheme() ? "dark"_L1 : "light"_L1));
 
     // The splash screen and the sign-in dialog are no reason to end.

@@ -1,6 +1,5 @@
 #include "mainwindow/ToolBars.h"
 
-#include "app/ui/EnterPress.h"
 #include "mainwindow/TerminalActions.h"
 
 #include <QActionGroup>
@@ -41,10 +40,8 @@ QToolBar* addToolBar(QMainWindow& window, const QString& title, const QString& n
 /// Qt leaves tool buttons out of the way of Tab. A click on one still takes the keyboard from nobody.
 void letKeysReach(const QToolBar& bar)
 {
-    for (QToolButton* button : bar.findChildren<QToolButton*>()) {
+    for (QToolButton* button : bar.findChildren<QToolButton*>())
         button->setFocusPolicy(Qt::TabFocus);
-        pressWithEnter(*button);
-    }
 }
 
 } // namespace

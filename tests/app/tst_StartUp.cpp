@@ -183,6 +183,26 @@ private Q_SLOTS:
         QVERIFY(marked);
     }
 
+    void enter_presses_the_buttons_of_the_main_window()
+    {
+        StartUpWindows all = windows(QDialog::Accepted);
+        int clicks = 0;
+        const auto make = all.makeMainWindow;
+        all.makeMainWindow = [make, &clicks] {
+            std::unique_ptr<QWidget> window = make();
+            auto* button = new QPushButton(window.get());
+            connect(button, &QPushButton::clicked, button, [&clicks] { ++clicks; });
+            QTimer::singleShot(50, button, [button] {
+                button->activateWindow();
+                button->setFocus();
+                QTest::keyClick(button, Qt::Key_Return);
+            });
+            return window;
+        };
+        QCOMPARE(runTerminal(*qApp, all), 0);
+        QCOMPARE(clicks, 1);
+    }
+
     void theEncryptionLibraryIsLoadedWhileThePersonSignsIn()
     {
         if (!QFile::exists(u"/proc/self/maps"_s))

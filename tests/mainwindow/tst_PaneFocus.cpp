@@ -1,4 +1,5 @@
 #include "CommandDriver.h"
+#include "app/ui/EnterPress.h"
 #include "app/ui/Theme.h"
 #include "chart/window/OneClickPanel.h"
 #include "support/TestMain.h"
@@ -294,6 +295,7 @@ private Q_SLOTS:
 
     void tool_buttons_are_pressed_by_space_and_by_enter_once()
     {
+        const EnterPress enter(*qApp);
         const CommandDriver d;
         d.activate();
         d.f.window->openChart(u"EURUSD"_s);
@@ -309,6 +311,26 @@ private Q_SLOTS:
         hands::hold(Qt::Key_Return);
         QVERIFY(!algo->isChecked());
         QCOMPARE(place(d), u"Algo Trading"_s);
+    }
+
+    void buttons_of_panes_are_pressed_by_enter_once()
+    {
+        const EnterPress enter(*qApp);
+        const CommandDriver d;
+        d.activate();
+        auto* toolbox = qobject_cast<QTabWidget*>(dock(d, "dockTerminal")->widget());
+        auto* alerts = d.f.window->findChild<QWidget*>(u"alertsPage"_s);
+        toolbox->setCurrentWidget(alerts);
+        auto* add = alerts->findChild<QPushButton*>();
+        add->setFocus(Qt::TabFocusReason);
+        hands::hold(Qt::Key_Return);
+        QVERIFY(!QApplication::activeModalWidget());
+        hands::press(Qt::Key_Return);
+        QVERIFY(QApplication::activeModalWidget());
+        QVERIFY(hands::arriveAt(QApplication::activeModalWidget()));
+        hands::press(Qt::Key_Escape);
+        d.activate(); // as a desktop does
+        QTRY_VERIFY(add->hasFocus());
     }
 
     void arrow_keys_go_from_tool_button_to_tool_button()
@@ -350,6 +372,7 @@ private Q_SLOTS:
         QVERIFY(walk(d, Qt::Key_Tab).contains(u"qt_toolbar_ext_button"_s));
         QVERIFY(!walk(d, Qt::Key_Tab).contains(u"Zoom Out"_s));
         more->setFocus(Qt::TabFocusReason);
+        const EnterPress enter(*qApp);
         hands::press(Qt::Key_Return);
         QTRY_VERIFY(d.bar("toolbarStudies").widgetForAction(d.actions().zoomOut)->isVisible());
         QVERIFY(walk(d, Qt::Key_Tab).contains(u"Zoom Out"_s));

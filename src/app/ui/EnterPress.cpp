@@ -1,39 +1,36 @@
 #include "app/ui/EnterPress.h"
 
-#include <QAbstractButton>
-#include <QKeyEvent>
+#include "app/ui/EnterKey.h"
+
+#include <QApplication>
+#include <QDialog>
+#include <QPushButton>
+#include <QToolButton>
 
 namespace {
 
-class EnterFilter final : public QObject {
-public:
-    explicit EnterFilter(QAbstractButton& button)
-        : QObject(&button)
-        , m_button(button)
-    {
-        button.installEventFilter(this);
-    }
-
-protected:
-    bool eventFilter(QObject* /*watched*/, QEvent* event) override
-    {
-        if (event->type() != QEvent::KeyPress)
-            return false;
-        const auto* press = static_cast<QKeyEvent*>(event);
-        if (press->key() != Qt::Key_Return && press->key() != Qt::Key_Enter)
-            return false;
-        if (!press->isAutoRepeat())
-            m_button.click();
-        return true;
-    }
-
-private:
-    QAbstractButton& m_button;
-};
+/// Check boxes are no buttons to press.
+bool isPressed(const QObject* widget)
+{
+    return qobject_cast<const QPushButton*>(widget) || qobject_cast<const QToolButton*>(widget);
+}
 
 } // namespace
 
-void pressWithEnter(QAbstractButton& button)
+EnterPress::EnterPress(QApplication& application)
 {
-    new EnterFilter(button); // the button's own child
+    application.installEventFilter(this);
+}
+
+bool EnterPress::eventFilter(QObject* watched, QEvent* event)
+{
+    if (event->type() != QEvent::KeyPress || watched != QApplication::focusWidget() || !isPressed(watched))
+        return false;
+    const auto& press = *static_cast<const QKeyEvent*>(event);
+    auto& button = *static_cast<QAbstractButton*>(watched);
+    if (!isEnter(press) || qobject_cast<const QDialog*>(button.window()))
+        return false;
+    if (isPlainEnter(press) && !press.isAutoRepeat())
+        button.click();
+    return true;
 }

@@ -1,7 +1,20 @@
 #pragma once
 
-class QAbstractButton;
+#include <QObject>
 
-/// Lets Enter press a button that has the focus, as the space bar does; an Enter that is held down presses it
-/// once. Outside of dialogs Qt leaves that to the space bar alone.
-void pressWithEnter(QAbstractButton& button);
+class QApplication;
+
+/// Lets Enter press the button that has the focus, as the space bar does; an Enter that is held down presses
+/// it once. Qt does that in dialogs alone, where it stays as Qt has it.
+class EnterPress final : public QObject {
+    Q_OBJECT
+    Q_DISABLE_COPY_MOVE(EnterPress)
+
+public:
+    /// Serves all windows of the application, as long as it lives.
+    explicit EnterPress(QApplication& application);
+    ~EnterPress() override = default;
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+};

@@ -2,7 +2,6 @@
 
 #include "app/base/NumberFormat.h"
 #include "app/ui/DecimalSpinBox.h"
-#include "app/ui/EnterPress.h"
 #include "app/ui/LetterSize.h"
 #include "chart/window/CompactButton.h"
 #include "chart/window/SpinArrows.h"
@@ -71,7 +70,6 @@ QPushButton* tradeButton(const QString& caption, const QString& style, QWidget* 
     button->setStyleSheet(style);
     // A click must not leave the focus here, where the next press of the space bar would trade.
     button->setFocusPolicy(Qt::TabFocus);
-    pressWithEnter(*button);
     return button;
 }
 

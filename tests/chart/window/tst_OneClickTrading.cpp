@@ -1,3 +1,4 @@
+#include "app/ui/EnterPress.h"
 #include "chart/OneClickPanelFixture.h"
 #include "support/Hands.h"
 #include "support/TestMain.h"
@@ -328,6 +329,7 @@ private Q_SLOTS:
         QFETCH(const Qt::Key, key);
         QFETCH(const int, tabs);
         QFETCH(const QString, side);
+        const EnterPress enter(*qApp);
         const ServedChart served;
         served.show();
         QVERIFY(hands::arriveAt(served.window.get()));
