@@ -31,6 +31,19 @@ struct Terminal final {
         return opened;
     }
     [[nodiscard]] QString hint() const { return d.f.window->statusBar()->currentMessage(); }
+    /// Enter takes a level that lies at the keyboard's crosshair.
+    void takeLevel() const
+    {
+        ChartWidget& chart = window->chart();
+        d.f.window->activateWindow();
+        chart.setFocus();
+        [&chart] { QTRY_VERIFY(chart.hasFocus()); }();
+        QTest::keyClick(&chart, Qt::Key_Left);
+        const double price = chart.crosshair() ? chart.crosshair()->price : 0.0;
+        chart.setTradeLevels({{u"1"_s, u"SL"_s, price, u"sl"_s, Qt::red, Qt::DashLine, true}});
+        QTest::keyClick(&chart, Qt::Key_Return);
+        QCOMPARE(chart.frame().draggedLevel, qsizetype(0));
+    }
     void click(int x) const
     {
         ChartWidget& chart = window->chart();
@@ -128,16 +141,8 @@ private Q_SLOTS:
         QFETCH(const Deed, deed);
         const Terminal t;
         ChartWidget& chart = t.window->chart();
-        t.d.f.window->activateWindow();
-        chart.setFocus();
-        QTRY_VERIFY(chart.hasFocus());
-        QTest::keyClick(&chart, Qt::Key_Left);
-        QVERIFY(chart.crosshair());
-        chart.setTradeLevels(
-            {{u"1"_s, u"SL"_s, chart.crosshair()->price, u"sl"_s, Qt::red, Qt::DashLine, true}});
         QCOMPARE(t.hint(), idle);
-        QTest::keyClick(&chart, Qt::Key_Return);
-        QVERIFY(chart.frame().draggedLevel == 0);
+        t.takeLevel();
         const QString hint = u"Level: arrow keys move it, Enter sends it, Escape puts it back"_s;
         QCOMPARE(t.hint(), hint);
         QTest::keyClick(&chart, Qt::Key_Up);
@@ -189,12 +194,20 @@ private Q_SLOTS:
         t.d.f.window->resize(1280, 800);
         const QStatusBar& bar = *t.d.f.window->statusBar();
         const int room = t.d.f.selector().x();
-        for (const QAction* tool : t.d.actions().drawingTools()) {
-            const_cast<QAction*>(tool)->trigger();
+        const auto verifyRoom = [&] {
             QVERIFY(t.hint() != idle);
             const int width = bar.fontMetrics().horizontalAdvance(t.hint());
             QVERIFY2(width < room, qPrintable(u"%1: %2 of %3"_s.arg(t.hint()).arg(width).arg(room)));
+        };
+        for (QAction* tool : t.d.actions().drawingTools()) {
+            tool->trigger();
+            verifyRoom();
         }
+        t.d.actions().crosshair->trigger();
+        verifyRoom();
+        t.d.actions().cursor->trigger();
+        t.takeLevel();
+        verifyRoom();
     }
 };
 
