@@ -7,18 +7,12 @@
 #include <QAbstractSpinBox>
 #include <QApplication>
 #include <QComboBox>
-#include <QDialog>
 #include <QFocusEvent>
 #include <QLineEdit>
+#include <QMenuBar>
 #include <QTabBar>
 
 namespace {
-
-/// Where a ring lies, in the coordinates of its widget's window.
-struct Place {
-    QRect edge;
-    FocusRing::Width width = FocusRing::Thin;
-};
 
 bool isControl(const QWidget& widget)
 {
@@ -40,7 +34,7 @@ QRect inWindow(const QWidget& widget, const QRect& part)
     return {widget.mapTo(widget.window(), part.topLeft()), part.size()};
 }
 
-Place placeFor(const QWidget& widget)
+FocusRing::Place placeFor(const QWidget& widget)
 {
     if (const auto* list = qobject_cast<const QAbstractItemView*>(&widget))
         return {inWindow(*list->viewport(), rowOf(*list)), FocusRing::Thin};
@@ -72,7 +66,15 @@ bool liesOn(const QWidget& widget, const QObject* part)
 bool isMarkable(const QWidget& widget)
 {
     // Menus and lists that pop up show their current entry anyway.
-    return !widget.isWindow() && widget.window()->windowType() != Qt::Popup;
+    return !widget.isWindow() && widget.window()->windowType() != Qt::Popup
+        && !qobject_cast<const QMenuBar*>(&widget);
+}
+
+/// Keys that do nothing by themselves; the mouse is used with them too.
+bool isModifier(int key)
+{
+    return (key >= Qt::Key_Shift && key <= Qt::Key_Alt) || key == Qt::Key_AltGr
+        || (key >= Qt::Key_Super_L && key <= Qt::Key_Hyper_R);
 }
 
 } // namespace
@@ -92,29 +94,22 @@ bool FocusMark::eventFilter(QObject* watched, QEvent* event)
     switch (event->type()) {
     case QEvent::ShortcutOverride: // all that is seen of a key that is a shortcut
     case QEvent::KeyPress:
-        m_byKey = true;
+        if (!isModifier(static_cast<QKeyEvent*>(event)->key()))
+            onKey();
         break;
     case QEvent::MouseButtonPress:
     case QEvent::TouchBegin:
-        m_byKey = false;
-        // Elsewhere the keyboard may stay where it is, and then it has to be seen there.
-        m_left.removeIf([watched](const QPointer<QWidget>& left) { return !left || liesOn(*left, watched); });
-        if (m_marked && liesOn(*m_marked, watched))
-            unmark();
+        onPress(*watched);
         break;
     case QEvent::FocusIn:
         if (watched->isWidgetType())
             onFocusIn(*static_cast<QWidget*>(watched), *static_cast<QFocusEvent*>(event));
         break;
     case QEvent::FocusOut:
-        if (watched == m_marked) {
-            if (isVisit(static_cast<QFocusEvent*>(event)->reason()))
-                m_left.append(m_marked);
-            unmark();
-        }
+        onFocusOut(*watched, isVisit(static_cast<QFocusEvent*>(event)->reason()));
         break;
     case QEvent::Paint: // the current row or tab may be another one, or elsewhere
-        if (m_marked && isPaintedFor(watched))
+        if (m_marked && isPaintedFor(watched) && placeFor(*m_marked) != m_place)
             follow();
         break;
     case QEvent::Move:
@@ -143,27 +138,59 @@ bool FocusMark::carriesMarked(const QObject* watched) const
         || (watched->isWidgetType() && static_cast<const QWidget*>(watched)->isAncestorOf(m_marked));
 }
 
+void FocusMark::onKey()
+{
+    m_byKey = true;
+    QWidget* focus = QApplication::focusWidget();
+    // Nobody has shown where the keyboard is, as after the start.
+    if (focus && !m_marked && focus != m_pressed && !QApplication::activePopupWidget())
+        mark(*focus);
+}
+
+void FocusMark::onPress(const QObject& target)
+{
+    m_byKey = false;
+    // Elsewhere the keyboard may stay where it is, and then it has to be seen there.
+    m_left.removeIf([&target](const QPointer<QWidget>& left) { return !left || liesOn(*left, &target); });
+    QWidget* focus = QApplication::focusWidget();
+    if (!focus || !liesOn(*focus, &target))
+        return;
+    m_pressed = focus;
+    unmark();
+}
+
 void FocusMark::onFocusIn(QWidget& widget, const QFocusEvent& event)
 {
     // A dialog tells its first field of a focus that it only gets later.
     if (&widget != QApplication::focusWidget())
         return;
     const Qt::FocusReason reason = event.reason();
-    const bool led = reason == Qt::TabFocusReason || reason == Qt::BacktabFocusReason
-        || reason == Qt::ShortcutFocusReason;
+    if (reason == Qt::MouseFocusReason)
+        m_pressed = &widget;
     const bool isBack = isVisit(reason) && m_left.removeAll(&widget) > 0;
-    // A dialog that a key has opened.
-    const bool isOpened
-        = reason == Qt::ActiveWindowFocusReason && qobject_cast<const QDialog*>(widget.window());
-    // Qt says "Tab" too when it moves the focus away from what is closed or disabled.
-    if ((isBack || (m_byKey && (led || isOpened))) && isMarkable(widget))
+    // The reason tells little: a chart that Enter opens has another one than one that Tab leads to, and Qt
+    // says "Tab" too when it moves the focus away from what the mouse has closed.
+    if (isBack || (m_byKey && &widget != m_pressed))
         mark(widget);
     else
         unmark();
 }
 
+void FocusMark::onFocusOut(const QObject& widget, bool isForVisit)
+{
+    if (&widget == m_pressed && !isForVisit)
+        m_pressed = nullptr;
+    if (&widget != m_marked)
+        return;
+    if (isForVisit)
+        m_left.append(m_marked);
+    unmark();
+}
+
 void FocusMark::mark(QWidget& widget)
 {
+    if (!isMarkable(widget))
+        return unmark();
     m_marked = &widget;
     connect(&widget, &QObject::destroyed, this, &FocusMark::onDestroyed, Qt::UniqueConnection);
     follow();
@@ -202,6 +229,6 @@ void FocusMark::place()
         delete m_ring;
         m_ring = new FocusRing(*window);
     }
-    const Place place = placeFor(*m_marked);
-    m_ring->showAlong(place.edge, place.width);
+    m_place = placeFor(*m_marked);
+    m_ring->showAlong(m_place);
 }

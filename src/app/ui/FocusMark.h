@@ -1,16 +1,18 @@
 #pragma once
 
+#include "app/ui/FocusRing.h"
+
 #include <QList>
 #include <QObject>
 #include <QPointer>
 
-class FocusRing;
 class QApplication;
 class QFocusEvent;
 class QWidget;
 
-/// Shows where the keyboard is once it has got there by a key: a ring around the button or field, the current
-/// tab, or the current row. Whoever uses the mouse sees none. The style sheets draw no focus by themselves.
+/// Shows where the keyboard is once it has got there because of a key, or a key is pressed there: a ring
+/// around the button or field, the current tab, or the current row. Whoever uses the mouse sees none, nor do
+/// keys that are pressed in what the mouse was pressed on. The style sheets draw no focus by themselves.
 class FocusMark final : public QObject {
     Q_OBJECT
     Q_DISABLE_COPY_MOVE(FocusMark)
@@ -24,7 +26,10 @@ protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
+    void onKey();
+    void onPress(const QObject& target);
     void onFocusIn(QWidget& widget, const QFocusEvent& event);
+    void onFocusOut(const QObject& widget, bool isForVisit);
     void mark(QWidget& widget);
     void unmark();
     void onDestroyed();
@@ -38,7 +43,9 @@ private:
 
     QPointer<QWidget> m_marked;      ///< what has the focus and is marked
     QList<QPointer<QWidget>> m_left; ///< marked when another window took the keyboard, to be marked on return
-    QPointer<FocusRing> m_ring;      ///< ends with its window
-    bool m_byKey = false;            ///< the last thing done was a key
+    QPointer<QWidget> m_pressed; ///< what has the focus, or will have it again, and was pressed by the mouse
+    QPointer<FocusRing> m_ring;  ///< ends with its window
+    FocusRing::Place m_place;    ///< where the ring was put last
+    bool m_byKey = false;        ///< the last thing done was a key
     bool m_following = false;
 };

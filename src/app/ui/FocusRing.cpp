@@ -20,14 +20,14 @@ FocusRing::FocusRing(QWidget& parent)
     hide();
 }
 
-void FocusRing::showAlong(const QRect& edge, Width width)
+void FocusRing::showAlong(const Place& place)
 {
-    if (!isHidden() && geometry() == edge && m_width == width)
+    if (!isHidden() && geometry() == place.edge && m_width == place.width)
         return;
-    m_width = width;
-    setGeometry(edge);
+    m_width = place.width;
+    setGeometry(place.edge);
     // What lies inside is painted as if there was no ring.
-    setMask(QRegion(rect()) - within(rect(), width));
+    setMask(QRegion(rect()) - within(rect(), place.width));
     raise();
     show();
     update();

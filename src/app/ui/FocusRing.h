@@ -19,11 +19,18 @@ public:
     /// within, for what may be dark outside and light inside. In pixels: how wide all lines are together.
     enum Width { Thin = 2, Thick = 4 };
 
+    struct Place {
+        QRect edge; ///< the ring lies along its inside; in the parent's coordinates
+        Width width = Thin;
+
+        [[nodiscard]] bool operator==(const Place&) const = default;
+    };
+
     explicit FocusRing(QWidget& parent);
     ~FocusRing() override = default;
 
-    /// Shows the ring along the inside of this rectangle of the parent, above everything else there.
-    void showAlong(const QRect& edge, Width width);
+    /// Shows the ring there, above everything else of the parent.
+    void showAlong(const Place& place);
 
 protected:
     void paintEvent(QPaintEvent* event) override;

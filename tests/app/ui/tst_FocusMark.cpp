@@ -102,6 +102,33 @@ private:
     QVBoxLayout* m_column = new QVBoxLayout(this);
 };
 
+/// Counts what an object puts off until the next turn of the event loop.
+class CallCount final : public QObject {
+public:
+    explicit CallCount(QObject& object) { object.installEventFilter(this); }
+
+    int count = 0;
+
+protected:
+    bool eventFilter(QObject* /*watched*/, QEvent* event) override
+    {
+        count += event->type() == QEvent::MetaCall ? 1 : 0;
+        return false;
+    }
+};
+
+/// Goes to another window, does something there, and comes back.
+template <typename Deed> void visitAnotherWindow(QWidget& from, const Deed& deed)
+{
+    QWidget other;
+    other.show();
+    other.activateWindow();
+    QVERIFY(QTest::qWaitForWindowActive(&other));
+    deed(other);
+    from.activateWindow();
+    QVERIFY(QTest::qWaitForWindowActive(&from));
+}
+
 void addEachInBothThemes()
 {
     QTest::addColumn<bool>("dark");
@@ -193,19 +220,52 @@ private Q_SLOTS:
         QVERIFY(!ringSoon());
     }
 
-    void a_focus_that_only_the_program_has_moved_has_no_ring()
+    void the_ring_goes_where_a_key_makes_the_program_put_the_keyboard_data()
+    {
+        QTest::addColumn<bool>("byKey");
+        QTest::newRow("key") << true;
+        QTest::newRow("mouse") << false;
+    }
+    void the_ring_goes_where_a_key_makes_the_program_put_the_keyboard()
+    {
+        QFETCH(const bool, byKey);
+        Desk desk;
+        QVERIFY(hands::arriveAt(&desk));
+        auto& button = desk.part<QPushButton>(u"button"_s);
+        auto& field = desk.part<QLineEdit>(u"line edit"_s);
+        connect(&button, &QPushButton::clicked, &field, qOverload<>(&QWidget::setFocus));
+        desk.tabTo(u"button"_s);
+        if (byKey)
+            hands::press(Qt::Key_Space);
+        else
+            QTest::mouseClick(&button, Qt::LeftButton);
+        QVERIFY(field.hasFocus());
+        QCOMPARE(ringSoon() != nullptr, byKey);
+    }
+
+    void what_the_mouse_closes_leaves_no_ring()
     {
         Desk desk;
         QVERIFY(hands::arriveAt(&desk));
         desk.tabTo(u"button"_s);
-        QVERIFY(ringSoon());
-        desk.part<QWidget>(u"line edit"_s).setFocus();
-        QVERIFY(!ringSoon());
-        // Qt says that it was Tab when it leaves what the mouse has closed.
+        // Qt says that it was Tab when it leaves what is closed.
         QTest::mouseClick(&desk.part<QWidget>(u"button"_s), Qt::LeftButton);
         desk.part<QWidget>(u"button"_s).hide();
         QVERIFY(desk.focusWidget() != &desk.part<QWidget>(u"button"_s));
         QVERIFY(!ringSoon());
+    }
+
+    void the_first_key_shows_where_the_keyboard_is()
+    {
+        Desk desk;
+        QVERIFY(hands::arriveAt(&desk));
+        desk.part<QWidget>(u"list"_s).setFocus();
+        QVERIFY(!ringSoon());
+        hands::press(Qt::Key_Control);
+        QVERIFY(!ringSoon());
+        hands::press(Qt::Key_Down);
+        QCOMPARE(hands::focused(), u"list"_s);
+        QVERIFY(ringSoon());
     }
 
     void the_ring_goes_where_its_widget_goes()
@@ -288,13 +348,7 @@ private Q_SLOTS:
         Desk desk;
         QVERIFY(hands::arriveAt(&desk));
         desk.tabTo(u"button"_s);
-        QWidget other;
-        other.show();
-        other.activateWindow();
-        QVERIFY(QTest::qWaitForWindowActive(&other));
-        QVERIFY(!ringSoon());
-        desk.activateWindow();
-        QVERIFY(QTest::qWaitForWindowActive(&desk));
+        visitAnotherWindow(desk, [](QWidget&) { QVERIFY(!ringSoon()); });
         QVERIFY(ringSoon());
     }
 
@@ -303,15 +357,37 @@ private Q_SLOTS:
         Desk desk;
         QVERIFY(hands::arriveAt(&desk));
         desk.tabTo(u"button"_s);
-        QWidget other;
-        other.show();
-        other.activateWindow();
-        QVERIFY(QTest::qWaitForWindowActive(&other));
-        QTest::mouseClick(&other, Qt::LeftButton);
-        desk.activateWindow();
-        QVERIFY(QTest::qWaitForWindowActive(&desk));
+        visitAnotherWindow(desk, [](QWidget& other) { QTest::mouseClick(&other, Qt::LeftButton); });
         QCOMPARE(hands::focused(), u"button"_s);
         QVERIFY(ringSoon());
+    }
+
+    void a_visit_brings_no_ring_to_what_the_mouse_was_pressed_on()
+    {
+        Desk desk;
+        QVERIFY(hands::arriveAt(&desk));
+        QTest::mouseClick(&desk.part<QWidget>(u"line edit"_s), Qt::LeftButton);
+        hands::type(u"text"_s);
+        visitAnotherWindow(desk, [](QWidget& other) { QTest::keyClick(&other, Qt::Key_Escape); });
+        QCOMPARE(hands::focused(), u"line edit"_s);
+        QVERIFY(!ringSoon());
+        hands::type(u"text"_s);
+        QVERIFY(!ringSoon());
+    }
+
+    void a_paint_that_moves_no_row_makes_no_work()
+    {
+        Desk desk;
+        QVERIFY(hands::arriveAt(&desk));
+        desk.tabTo(u"list"_s);
+        auto& list = desk.part<QTreeWidget>(u"list"_s);
+        QTRY_VERIFY(ringSoon() && ring()->height() < list.height() / 2);
+        CallCount calls(*m_mark);
+        list.viewport()->repaint();
+        QCoreApplication::processEvents();
+        QCOMPARE(calls.count, 0);
+        hands::press(Qt::Key_Down);
+        QTRY_COMPARE(calls.count, 1);
     }
 
     void a_dialog_that_a_key_opens_shows_its_focus_data()
