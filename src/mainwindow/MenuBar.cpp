@@ -1,5 +1,6 @@
 #include "mainwindow/MenuBar.h"
 
+#include "mainwindow/MenuBarFocus.h"
 #include "mainwindow/TerminalActions.h"
 
 #include <QActionGroup>
@@ -94,4 +95,5 @@ void fillMenuBar(QMenuBar& bar, const TerminalActions& actions)
     // Qt's arrow behind which the menus lie that have no room.
     if (auto* more = bar.findChild<QToolButton*>(u"qt_menubar_ext_button"_s))
         more->setAccessibleName(MenuTexts::tr("More menus"));
+    new MenuBarFocus(bar); // the bar's own child
 }
