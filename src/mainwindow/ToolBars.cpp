@@ -1,6 +1,7 @@
 #include "mainwindow/ToolBars.h"
 
 #include "mainwindow/TerminalActions.h"
+#include "mainwindow/ToolBarKeys.h"
 
 #include <QActionGroup>
 #include <QCoreApplication>
@@ -38,10 +39,11 @@ QToolBar* addToolBar(QMainWindow& window, const QString& title, const QString& n
 }
 
 /// Qt leaves tool buttons out of the way of Tab. A click on one still takes the keyboard from nobody.
-void letKeysReach(const QToolBar& bar)
+void letKeysReach(QToolBar& bar)
 {
     for (QToolButton* button : bar.findChildren<QToolButton*>())
         button->setFocusPolicy(Qt::TabFocus);
+    new ToolBarKeys(bar); // the toolbar's own child
 }
 
 } // namespace
@@ -69,7 +71,7 @@ void addToolBars(QMainWindow& window, const TerminalActions& actions)
     studies->addActions(actions.drawingTools());
     studies->addActions({actions.zoomIn, actions.zoomOut});
 
-    for (const QToolBar* bar : {standard, timeframes, studies})
+    for (QToolBar* bar : {standard, timeframes, studies})
         letKeysReach(*bar);
 }
 

@@ -2,8 +2,12 @@
 #include "app/ui/Theme.h"
 #include "support/TestMain.h"
 
+#include <QActionGroup>
 #include <QDockWidget>
+#include <QStatusBar>
 #include <QToolButton>
+
+#include <tuple>
 
 using namespace Qt::StringLiterals;
 
@@ -94,6 +98,103 @@ private Q_SLOTS:
             dock->close();
             QVERIFY(!action->isChecked());
         }
+    }
+
+    void arrow_keys_stay_in_the_toolbar()
+    {
+        const CommandDriver d;
+        d.activate();
+        const ChartWindow* chart = d.openChart(u"EURUSD"_s);
+        QTRY_VERIFY(chart->chart().hasFocus());
+        for (const auto& [name, first, last] :
+            {std::tuple("toolbarStandard", d.actions().newChart, d.actions().algoTrading),
+                std::tuple("toolbarTimeframes", d.actions().timeframes->actions().constFirst(),
+                    d.actions().chartShift)}) {
+            const QToolBar& bar = d.bar(name);
+            QWidget* begin = bar.widgetForAction(first);
+            const QWidget* end = bar.widgetForAction(last);
+            begin->setFocus(Qt::TabFocusReason);
+            for (const Qt::Key back : {Qt::Key_Left, Qt::Key_Up, Qt::Key_Home}) {
+                hands::press(back);
+                QVERIFY(begin->hasFocus());
+            }
+            hands::press(Qt::Key_Right);
+            QCOMPARE(QApplication::focusWidget(), bar.widgetForAction(bar.actions().at(1)));
+            for (const Qt::Key on : {Qt::Key_End, Qt::Key_Right, Qt::Key_Down}) {
+                hands::press(on);
+                QVERIFY(end->hasFocus());
+            }
+            hands::press(Qt::Key_Home);
+            QVERIFY(begin->hasFocus());
+            for (int step = 0; step < bar.actions().size() + 2; ++step)
+                hands::press(Qt::Key_Right);
+            QVERIFY(end->hasFocus());
+        }
+    }
+
+    void arrow_keys_pass_over_what_cannot_be_used()
+    {
+        const CommandDriver d;
+        d.activate();
+        d.actions().toggleMarketWatch->setEnabled(false);
+        const QToolBar& bar = d.bar("toolbarStandard");
+        bar.widgetForAction(d.actions().newChart)->setFocus(Qt::TabFocusReason);
+        hands::press(Qt::Key_Right);
+        QVERIFY(bar.widgetForAction(d.actions().toggleNavigator)->hasFocus());
+        hands::press(Qt::Key_Left);
+        QVERIFY(bar.widgetForAction(d.actions().newChart)->hasFocus());
+    }
+
+    void the_status_bar_tells_the_name_of_the_button_that_has_the_keyboard()
+    {
+        const CommandDriver d;
+        d.activate();
+        const ChartWindow* chart = d.openChart(u"EURUSD"_s);
+        QTRY_VERIFY(chart->chart().hasFocus());
+        const QString idle = u"For Help, press F1"_s;
+        const auto message = [&d] { return d.f.window->statusBar()->currentMessage(); };
+        QCOMPARE(message(), idle);
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_F6, Qt::ShiftModifier);
+        QCOMPARE(message(), u"New Chart"_s);
+        hands::press(Qt::Key_Right);
+        QCOMPARE(message(), u"Market Watch"_s);
+        hands::press(Qt::Key_End);
+        QCOMPARE(message(), u"Algo Trading — allow Expert Advisors to place orders"_s);
+        hands::press(Qt::Key_Escape);
+        QVERIFY(chart->chart().hasFocus());
+        QCOMPARE(message(), idle);
+    }
+
+    void the_name_of_a_button_gives_way_to_what_a_tool_waits_for()
+    {
+        const CommandDriver d;
+        d.activate();
+        const ChartWindow* chart = d.openChart(u"EURUSD"_s);
+        const auto message = [&d] { return d.f.window->statusBar()->currentMessage(); };
+        QTRY_VERIFY(chart->chart().hasFocus());
+        d.actions().horizontalLine->trigger();
+        const QString hint = message();
+        QVERIFY(hint != u"For Help, press F1"_s);
+        hands::press(Qt::Key_Escape);
+        QWidget* button = d.bar("toolbarStudies").widgetForAction(d.actions().horizontalLine);
+        button->setFocus(Qt::TabFocusReason);
+        QCOMPARE(message(), u"Horizontal Line"_s);
+        hands::press(Qt::Key_Space);
+        QVERIFY(chart->chart().hasFocus());
+        QCOMPARE(message(), hint);
+    }
+
+    void a_button_of_a_floating_toolbar_is_named_too()
+    {
+        const CommandDriver d;
+        d.activate();
+        QToolBar& bar = d.bar("toolbarStandard");
+        QWidget* button = bar.widgetForAction(d.actions().newChart);
+        QFocusEvent focus(QEvent::FocusIn, Qt::TabFocusReason);
+        bar.setWindowFlags(Qt::Tool | Qt::FramelessWindowHint); // as Qt does when it is torn off
+        bar.show();
+        QCoreApplication::sendEvent(button, &focus);
+        QCOMPARE(d.f.window->statusBar()->currentMessage(), u"New Chart"_s);
     }
 
     void whatHasNoRoomIsBehindAnArrow_data()
