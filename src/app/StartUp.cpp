@@ -8,6 +8,7 @@
 #include "app/ui/EnterPress.h"
 #include "app/ui/FocusMark.h"
 #include "app/ui/MenuKey.h"
+#include "app/ui/MenuLetters.h"
 #include "app/ui/Theme.h"
 
 #include <QApplication>
@@ -75,6 +76,7 @@ int runTerminal(QApplication& application, const StartUpWindows& windows, Update
     applyTheme(application);
     const FocusMark focusMark(application);
     const MenuKey menuKey(application);
+    const MenuLetters menuLetters(application);
     const EnterPress enterPress(application);
     appLog(u"theme applied: %1"_s.arg(isDarkTheme() ? "dark"_L1 : "light"_L1));
 
