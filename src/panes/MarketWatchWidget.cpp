@@ -2,6 +2,7 @@
 
 #include "app/base/NumberFormat.h"
 #include "app/base/ServerText.h"
+#include "app/ui/EnterKey.h"
 #include "app/ui/LetterSize.h"
 #include "app/ui/Theme.h"
 #include "net/records/PriceSnapshot.h"
@@ -138,11 +139,15 @@ QAbstractItemModel& MarketWatchWidget::quotes() const
 // activations. A gesture begins with a fresh press of a button or key and is reported once.
 bool MarketWatchWidget::eventFilter(QObject* watched, QEvent* event)
 {
+    const auto* press = watched == m_list && event->type() == QEvent::KeyPress
+        ? static_cast<const QKeyEvent*>(event)
+        : nullptr;
     const bool freshPress = watched == m_list->viewport() && event->type() == QEvent::MouseButtonPress;
-    const bool freshKey = watched == m_list && event->type() == QEvent::KeyPress
-        && !static_cast<QKeyEvent*>(event)->isAutoRepeat();
-    if (freshPress || freshKey)
+    if (freshPress || (press && !press->isAutoRepeat()))
         m_reportedItem = nullptr;
+    // While Enter is held down another row may take the place of the one that it was meant for.
+    if (press && isEnter(*press) && (press->isAutoRepeat() || !isPlainEnter(*press)))
+        return true;
     return QWidget::eventFilter(watched, event);
 }
 

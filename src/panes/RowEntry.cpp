@@ -16,7 +16,7 @@ bool RowEntry::eventFilter(QObject* /*watched*/, QEvent* event)
     if (event->type() != QEvent::KeyPress)
         return false;
     const auto* press = static_cast<const QKeyEvent*>(event);
-    if (!isEnter(*press))
+    if (!isPlainEnter(*press))
         return false;
     const QTreeWidgetItem* row = m_list.currentItem();
     if (row && !press->isAutoRepeat())

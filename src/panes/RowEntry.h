@@ -5,8 +5,8 @@
 class QTreeWidget;
 class QTreeWidgetItem;
 
-/// Enter on the current row of a list. Qt's own word for that, itemActivated(), is also said of clicks, of
-/// one or of two as the desktop has it, and again while the key is held down.
+/// Plain Enter on the current row of a list. Qt's own word for that, itemActivated(), is also said of clicks,
+/// of one or of two as the desktop has it, and again while the key is held down.
 class RowEntry final : public QObject {
     Q_OBJECT
     Q_DISABLE_COPY_MOVE(RowEntry)

@@ -209,6 +209,35 @@ private Q_SLOTS:
         QCOMPARE(reported.size(), 1);
     }
 
+    void an_enter_that_is_held_opens_nothing_of_the_row_that_takes_the_place_of_another()
+    {
+        Watch watch;
+        watch.list->setCurrentItem(watch.row(u"GOLD"_s));
+        QSignalSpy reported(&watch.widget, &MarketWatchWidget::symbolActivated);
+        QTest::keyPress(watch.list, Qt::Key_Return);
+        QCOMPARE(reported.size(), 1);
+        watch.widget.setSymbols({records::symbol("EURUSD").rank(1), records::symbol("OIL").rank(2)});
+        QCOMPARE(watch.list->currentItem(), watch.row(u"EURUSD"_s));
+        QKeyEvent repeat(QEvent::KeyPress, Qt::Key_Return, Qt::NoModifier, u"\r"_s, true);
+        QApplication::sendEvent(watch.list, &repeat);
+        QCOMPARE(reported.size(), 1);
+        QTest::keyClick(watch.list, Qt::Key_Return);
+        QCOMPARE(reported.size(), 2);
+        QCOMPARE(reported.at(1).at(0).toString(), u"EURUSD"_s);
+    }
+
+    void enter_with_another_key_held_opens_nothing()
+    {
+        Watch watch;
+        watch.list->setCurrentItem(watch.row(u"OIL"_s));
+        QSignalSpy reported(&watch.widget, &MarketWatchWidget::symbolActivated);
+        for (const Qt::KeyboardModifier modifier : {Qt::ControlModifier, Qt::AltModifier, Qt::ShiftModifier})
+            QTest::keyClick(watch.list, Qt::Key_Return, modifier);
+        QCOMPARE(reported.size(), 0);
+        QTest::keyClick(watch.list, Qt::Key_Enter, Qt::KeypadModifier);
+        QCOMPARE(reported.size(), 1);
+    }
+
     void currentSymbolFallsBackToTheFirstRow()
     {
         Watch watch;

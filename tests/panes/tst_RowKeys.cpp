@@ -188,6 +188,29 @@ private Q_SLOTS:
         QCOMPARE(entered.size(), 0);
     }
 
+    void enter_with_another_key_held_is_no_entry_data()
+    {
+        QTest::addColumn<int>("modifiers");
+        QTest::newRow("Ctrl") << int(Qt::ControlModifier);
+        QTest::newRow("Alt") << int(Qt::AltModifier);
+        QTest::newRow("Shift") << int(Qt::ShiftModifier);
+        QTest::newRow("Ctrl on the keypad") << int(Qt::ControlModifier | Qt::KeypadModifier);
+    }
+    void enter_with_another_key_held_is_no_entry()
+    {
+        QFETCH(const int, modifiers);
+        Sheet sheet;
+        const RowEntry entry(sheet.list);
+        QSignalSpy entered(&entry, &RowEntry::entered);
+        QVERIFY(hands::arriveAt(&sheet.list));
+        sheet.makeCurrent(1);
+        for (const Qt::Key key : {Qt::Key_Return, Qt::Key_Enter})
+            QTest::keyClick(&sheet.list, key, Qt::KeyboardModifiers(modifiers));
+        QCOMPARE(entered.size(), 0);
+        QTest::keyClick(&sheet.list, Qt::Key_Enter, Qt::KeypadModifier);
+        QCOMPARE(entered.size(), 1);
+    }
+
     void rows_are_found_again_by_their_keys()
     {
         Sheet sheet;
