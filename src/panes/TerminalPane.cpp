@@ -9,6 +9,7 @@
 #include "panes/LogList.h"
 #include "panes/RowEntry.h"
 #include "panes/RowKeys.h"
+#include "panes/RowMenu.h"
 #include "panes/TradeCells.h"
 #include "panes/TradeItem.h"
 
@@ -99,8 +100,7 @@ void TerminalPane::buildTradePage()
     m_trades->setAccessibleName(tr("Trade"));
     alignRight(m_trades->headerItem(), tradeNumbers);
     setWidths(m_trades, {80, 76, timeWidth, 76, 60, 80, 76, 76, 80, 92, 64});
-    m_trades->setContextMenuPolicy(Qt::CustomContextMenu);
-    connect(m_trades, &QTreeWidget::customContextMenuRequested, this, &TerminalPane::requestContextMenu);
+    connect(new RowMenu(*m_trades), &RowMenu::wanted, this, &TerminalPane::requestContextMenu);
     const auto report = [this](const QTreeWidgetItem* item) { Q_EMIT tradeDoubleClicked(recordOf(item)); };
     connect(m_trades, &QTreeWidget::itemDoubleClicked, this, report);
     connect(new RowEntry(*m_trades), &RowEntry::entered, this, report);
@@ -270,12 +270,9 @@ void TerminalPane::clearAccountSummary()
     m_summary->setText(tr("Balance: —"));
 }
 
-void TerminalPane::requestContextMenu(const QPoint& viewportPos)
+void TerminalPane::requestContextMenu(const QPoint& globalPos, const QTreeWidgetItem* row)
 {
-    const QTreeWidgetItem* item = m_trades->itemAt(viewportPos);
-    if (!item)
-        return;
-    const QJsonObject trade = recordOf(item);
+    const QJsonObject trade = recordOf(row);
     if (!trade.isEmpty())
-        Q_EMIT tradeContextMenu(m_trades->viewport()->mapToGlobal(viewportPos), trade);
+        Q_EMIT tradeContextMenu(globalPos, trade);
 }

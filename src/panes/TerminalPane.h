@@ -12,6 +12,7 @@ class PriceSnapshot;
 class QLabel;
 class QPoint;
 class QTreeWidget;
+class QTreeWidgetItem;
 class TradeItem;
 struct Quote;
 
@@ -69,7 +70,7 @@ private:
     void buildTradePage();
     void buildHistoryPage();
     void buildLogPages();
-    void requestContextMenu(const QPoint& viewportPos);
+    void requestContextMenu(const QPoint& globalPos, const QTreeWidgetItem* row);
     void indexRowsBySymbol();
     static void showQuote(const SymbolTrades& trades, const Quote& quote);
 

@@ -1,8 +1,13 @@
 #include "MainWindowFixture.h"
+
+#include "app/ui/MenuKey.h"
 #include "support/Hands.h"
 #include "support/TestMain.h"
 
 #include <QClipboard>
+#include <QMenu>
+#include <QMessageBox>
+#include <QPointer>
 #include <QTabWidget>
 
 using namespace Qt::StringLiterals;
@@ -80,6 +85,35 @@ private Q_SLOTS:
         hands::hold(Qt::Key_Return);
         hands::hold(Qt::Key_Return);
         QCOMPARE(dialogs(), 1);
+    }
+
+    void a_menu_over_many_selected_positions_closes_one()
+    {
+        MainWindowFixture f;
+        f.server.on("GET", "/api/trades/open?accountId=a1",
+            StubAnswer::list({records::position("t1").buy(1), records::position("t2").buy(2)}));
+        f.server.on("POST", "/api/trades/close/t1", StubAnswer::json("{}"));
+        f.server.on("POST", "/api/trades/close/t2", StubAnswer::json("{}"));
+        f.signIn();
+        QTreeWidget& trades = f.list("tradeList");
+        QTRY_COMPARE(trades.topLevelItemCount(), 2);
+        f.settle();
+        const MenuKey menuKey(*qApp);
+        QVERIFY(hands::arriveAt(f.window.get()) || QApplication::activeWindow() == f.window.get());
+        trades.setFocus();
+        hands::press(Qt::Key_End);
+        QTest::keyClick(&trades, Qt::Key_A, Qt::ControlModifier);
+        QCOMPARE(trades.selectedItems().size(), 2);
+        QTest::keyClick(&trades, Qt::Key_F10, Qt::ShiftModifier);
+        hands::choose(*f.window->findChild<QMenu*>(u"tradeMenu"_s), u"Close Position"_s);
+        const QPointer<QMessageBox> question = f.window->findChild<QMessageBox*>();
+        QVERIFY(question && question->text().contains(u"buy 2.00"_s));
+        QTest::keyClick(question, Qt::Key_Return);
+        QTRY_COMPARE(f.journalCount(u"Trade: Position closed"_s), 1);
+        QTRY_VERIFY(!question);
+        f.settle();
+        QCOMPARE(f.server.count("POST", "/api/trades/close/t2"), 1);
+        QCOMPARE(f.server.count("POST", "/api/trades/close/t1"), 0);
     }
 };
 

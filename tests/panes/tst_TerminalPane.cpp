@@ -70,6 +70,22 @@ void requestMenu(QTreeWidget* list, const QPoint& viewportPos)
     QApplication::sendEvent(list->viewport(), &event);
 }
 
+/// As Qt does it for the menu key, whatever the list shows.
+void requestMenuByKey(QTreeWidget* list)
+{
+    const QPoint place = list->inputMethodQuery(Qt::ImCursorRectangle).toRect().center();
+    QContextMenuEvent event(QContextMenuEvent::Keyboard, place, list->mapToGlobal(place));
+    QApplication::sendEvent(list, &event);
+}
+
+QJsonArray manyPositions(int count)
+{
+    QJsonArray trades;
+    for (int i = 0; i < count; ++i)
+        trades.append(records::position(u"many%1"_s.arg(i)).buy(1));
+    return trades;
+}
+
 } // namespace
 
 class TestTerminalPane final : public QObject {
@@ -90,6 +106,39 @@ private Q_SLOTS:
         hands::press(Qt::Key_Return);
         hands::hold(Qt::Key_Return);
         QCOMPARE(told, QList<QVariantList>({{twoPositions.at(1).toObject()}}));
+    }
+
+    void the_menu_key_belongs_to_the_current_trade_even_out_of_sight()
+    {
+        Toolbox toolbox;
+        const QJsonArray many = manyPositions(60);
+        toolbox.pane.setOpenRows(many, {}, {});
+        QSignalSpy menus(&toolbox.pane, &TerminalPane::tradeContextMenu);
+        requestMenuByKey(toolbox.trades);
+        QCOMPARE(menus.size(), 0); // no row is current, though there are rows in the middle
+        toolbox.trades->setCurrentItem(toolbox.trades->topLevelItem(0));
+        toolbox.trades->verticalScrollBar()->setValue(30);
+        requestMenuByKey(toolbox.trades);
+        QCOMPARE(menus.size(), 1);
+        QCOMPARE(menus.at(0).at(1).toJsonObject(), many.at(0).toObject());
+        const QWidget* viewport = toolbox.trades->viewport();
+        QVERIFY(viewport->rect().contains(viewport->mapFromGlobal(menus.at(0).at(0).toPoint())));
+    }
+
+    void a_menu_over_many_selected_trades_is_that_of_one()
+    {
+        Toolbox toolbox;
+        toolbox.fill();
+        QSignalSpy menus(&toolbox.pane, &TerminalPane::tradeContextMenu);
+        toolbox.trades->selectAll();
+        toolbox.trades->selectionModel()->setCurrentIndex(
+            toolbox.trades->model()->index(1, 0), QItemSelectionModel::NoUpdate);
+        requestMenuByKey(toolbox.trades);
+        QCOMPARE(menus.size(), 1);
+        QCOMPARE(menus.at(0).at(1).toJsonObject(), twoPositions.at(1).toObject());
+        requestMenu(toolbox.trades, toolbox.trades->visualItemRect(toolbox.trades->topLevelItem(0)).center());
+        QCOMPARE(menus.size(), 2);
+        QCOMPARE(menus.at(1).at(1).toJsonObject(), twoPositions.at(0).toObject());
     }
 
     void a_refresh_keeps_all_that_is_selected()
