@@ -3,6 +3,7 @@
 #include "app/base/ServerText.h"
 #include "app/ui/Theme.h"
 #include "net/records/AccountRecord.h"
+#include "panes/KeptRows.h"
 #include "panes/PaneIcons.h"
 #include "panes/RowEntry.h"
 
@@ -14,6 +15,8 @@
 #include <QTabBar>
 #include <QTreeWidget>
 #include <QVBoxLayout>
+
+#include <algorithm>
 
 using namespace Qt::StringLiterals;
 
@@ -36,7 +39,8 @@ QTreeWidgetItem* addEntry(QTreeWidgetItem* parent, const QString& text, const QS
     return item;
 }
 
-/// Leads back to the current entry of a folder once its entries have been made anew.
+/// Leads back to the current entry of a folder once its entries have been made anew, or to the one that takes
+/// its place; to the folder where it is empty.
 class CurrentKeeper final {
     Q_DISABLE_COPY_MOVE(CurrentKeeper)
 
@@ -44,22 +48,37 @@ public:
     explicit CurrentKeeper(QTreeWidgetItem& folder)
         : m_folder(folder)
     {
-        const QTreeWidgetItem* current = folder.treeWidget()->currentItem();
-        if (current && current->parent() == &folder)
-            m_key = keyOf(current);
+        QTreeWidgetItem* current = folder.treeWidget()->currentItem();
+        if (!current || current->parent() != &folder)
+            return;
+        const QStringList keys = entryKeys();
+        const int place = folder.indexOfChild(current);
+        m_wanted = heirsOf(keys, place);
+        m_wanted.prepend(keys.at(place));
     }
     ~CurrentKeeper()
     {
-        for (int i = 0; i < m_folder.childCount() && !m_key.isEmpty(); ++i) {
-            if (keyOf(m_folder.child(i)) == m_key)
-                m_folder.treeWidget()->setCurrentItem(
-                    m_folder.child(i), 0, QItemSelectionModel::ClearAndSelect);
-        }
+        if (m_wanted.isEmpty())
+            return;
+        const QStringList keys = entryKeys();
+        const auto found = std::find_if(
+            m_wanted.begin(), m_wanted.end(), [&keys](const QString& key) { return keys.contains(key); });
+        QTreeWidgetItem* next
+            = found == m_wanted.end() ? &m_folder : m_folder.child(int(keys.lastIndexOf(*found)));
+        m_folder.treeWidget()->setCurrentItem(next, 0, QItemSelectionModel::ClearAndSelect);
     }
 
 private:
+    [[nodiscard]] QStringList entryKeys() const
+    {
+        QStringList keys;
+        for (int i = 0; i < m_folder.childCount(); ++i)
+            keys.append(keyOf(m_folder.child(i)));
+        return keys;
+    }
+
     QTreeWidgetItem& m_folder;
-    QString m_key;
+    QStringList m_wanted; ///< the current entry, and its heirs in their order; none where it is elsewhere
 };
 
 /// Bold for the eye, in words for those who do not see it.

@@ -115,6 +115,42 @@ private Q_SLOTS:
         QCOMPARE(f.server.count("POST", "/api/trades/close/t2"), 1);
         QCOMPARE(f.server.count("POST", "/api/trades/close/t1"), 0);
     }
+
+    void keys_go_on_to_the_next_position_once_one_is_closed()
+    {
+        MainWindowFixture f;
+        const auto listed = [&f](const QJsonArray& trades) {
+            f.server.on("GET", "/api/trades/open?accountId=a1", StubAnswer::list(trades));
+        };
+        const QJsonObject second = records::position("t2").buy(2);
+        listed({records::position("t1").buy(1), second});
+        f.server.on("POST", "/api/trades/close/t1", StubAnswer::json("{}"));
+        f.signIn();
+        QTreeWidget& trades = f.list("tradeList");
+        QTRY_COMPARE(trades.topLevelItemCount(), 2);
+        f.settle();
+        const MenuKey menuKey(*qApp);
+        trades.setFocus();
+        hands::press(Qt::Key_Home);
+        QTest::keyClick(&trades, Qt::Key_F10, Qt::ShiftModifier);
+        hands::choose(*f.window->findChild<QMenu*>(u"tradeMenu"_s), u"Close Position"_s);
+        listed({second});
+        const QPointer<QMessageBox> question = f.window->findChild<QMessageBox*>();
+        QTest::keyClick(question, Qt::Key_Return);
+        QTRY_COMPARE(trades.topLevelItemCount(), 1);
+        QTRY_VERIFY(!question);
+        QCOMPARE(trades.currentItem(), trades.topLevelItem(0));
+        f.window->activateWindow(); // as a desktop does
+        QTRY_COMPARE(QApplication::focusWidget(), &trades);
+        hands::hold(Qt::Key_Return);
+        QTest::keyClick(&trades, Qt::Key_F10, Qt::ShiftModifier);
+        QTRY_VERIFY(QApplication::activePopupWidget());
+        hands::choose(*qobject_cast<QMenu*>(QApplication::activePopupWidget()), u"Close Position"_s);
+        const auto* next = f.window->findChild<QMessageBox*>();
+        QVERIFY(next && next->text().contains(u"buy 2.00"_s));
+        f.settle();
+        QCOMPARE(f.server.count("POST", "/api/trades/close/t2"), 0);
+    }
 };
 
 TAVORAN_TEST(tst_MainWindowLists)

@@ -104,6 +104,32 @@ private Q_SLOTS:
         QCOMPARE(navigator.tree->selectedItems(), {navigator.experts()->child(2)});
     }
 
+    void an_entry_that_goes_leaves_its_place_to_the_next_one()
+    {
+        Navigator navigator;
+        navigator.widget.setAccounts(
+            {records::account("a1"), records::account("a2"), records::account("a3")});
+        navigator.tree->setCurrentItem(navigator.accounts()->child(1));
+        navigator.widget.setAccounts({records::account("a1"), records::account("a3")});
+        QCOMPARE(navigator.tree->currentItem(), navigator.accounts()->child(1));
+        navigator.widget.setAccounts({records::account("a1")});
+        QCOMPARE(navigator.tree->currentItem(), navigator.accounts()->child(0));
+        QCOMPARE(navigator.tree->selectedItems(), {navigator.accounts()->child(0)});
+        navigator.widget.setAccounts({});
+        QCOMPARE(navigator.tree->currentItem(), navigator.accounts());
+        QCOMPARE(navigator.tree->selectedItems(), {navigator.accounts()});
+    }
+
+    void an_entry_that_goes_elsewhere_moves_nothing()
+    {
+        Navigator navigator;
+        navigator.widget.setAccounts({records::account("a1"), records::account("a2")});
+        navigator.tree->setCurrentItem(navigator.indicators()->child(1));
+        navigator.widget.setAccounts({records::account("a2")});
+        QCOMPARE(navigator.tree->currentItem(), navigator.indicators()->child(1));
+        QCOMPARE(navigator.tree->selectedItems(), {navigator.indicators()->child(1)});
+    }
+
     void hasItsFoldersAndIndicatorsFromTheStart()
     {
         const Navigator navigator;

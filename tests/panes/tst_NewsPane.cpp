@@ -113,6 +113,9 @@ private Q_SLOTS:
         QCOMPARE(desk.list()->currentIndex().row(), 0);
         QCOMPARE(desk.list()->selectedItems(), {desk.list()->topLevelItem(0)});
         desk.read({eventIn(86, "c")});
+        QCOMPARE(desk.list()->currentIndex().row(), 0);
+        QCOMPARE(desk.list()->selectedItems(), {desk.list()->topLevelItem(0)});
+        desk.read({eventIn(60, "d")});
         QVERIFY(desk.list()->selectedItems().isEmpty());
     }
 

@@ -229,6 +229,64 @@ private Q_SLOTS:
         QCOMPARE(sheet.currentRow(), 2);
         QCOMPARE(sheet.selectedRows(), QList<int>{1});
     }
+
+    void the_place_of_a_row_that_goes_is_taken_data()
+    {
+        QTest::addColumn<QString>("before");
+        QTest::addColumn<int>("current");
+        QTest::addColumn<QString>("after");
+        QTest::addColumn<int>("expected");
+        QTest::newRow("by the next one") << u"abcd"_s << 1 << u"acd"_s << 1;
+        QTest::newRow("by the next one that stays") << u"abcd"_s << 1 << u"ad"_s << 1;
+        QTest::newRow("by the next one, behind a new one") << u"abcd"_s << 1 << u"xyacd"_s << 3;
+        QTest::newRow("by the last one") << u"abcd"_s << 3 << u"abc"_s << 2;
+        QTest::newRow("by the last one that stays") << u"abcd"_s << 2 << u"a"_s << 0;
+        QTest::newRow("by none of other rows") << u"abcd"_s << 1 << u"wxyz"_s << -1;
+        QTest::newRow("by nothing in an empty list") << u"a"_s << 0 << u""_s << -1;
+        QTest::newRow("by nobody while it stays") << u"abcd"_s << 1 << u"dcb"_s << 2;
+    }
+    void the_place_of_a_row_that_goes_is_taken()
+    {
+        QFETCH(const QString, before);
+        QFETCH(const int, current);
+        QFETCH(const QString, after);
+        QFETCH(const int, expected);
+        Sheet sheet;
+        new RowKeys(sheet.list);
+        const auto name = [&sheet](int row) { return sheet.list.topLevelItem(row)->text(1); };
+        const auto fill = [&sheet](const QString& names) {
+            sheet.list.clear();
+            for (const QChar letter : names)
+                sheet.add({u"10:00"_s, QString(letter)});
+        };
+        fill(before);
+        sheet.makeCurrent(current);
+        const KeptRows kept = KeptRows::of(sheet.list, name);
+        fill(after);
+        kept.restore(sheet.list, name);
+        QCOMPARE(sheet.currentRow(), expected);
+        QCOMPARE(sheet.selectedRows(), expected < 0 ? QList<int>() : QList<int>{expected});
+    }
+
+    void the_heir_of_a_row_is_selected_like_it_where_others_are()
+    {
+        for (const bool selected : {true, false}) {
+            Sheet sheet;
+            new RowKeys(sheet.list);
+            const auto name = [&sheet](int row) { return sheet.list.topLevelItem(row)->text(1); };
+            sheet.list.topLevelItem(0)->setSelected(true);
+            sheet.list.topLevelItem(1)->setSelected(selected);
+            sheet.list.selectionModel()->setCurrentIndex(
+                sheet.list.model()->index(1, 0), QItemSelectionModel::NoUpdate);
+            const KeptRows kept = KeptRows::of(sheet.list, name);
+            sheet.list.clear();
+            sheet.add({u"10:00"_s, u"Gold"_s});
+            sheet.add({u"12:00"_s, u"Euro"_s});
+            kept.restore(sheet.list, name);
+            QCOMPARE(sheet.currentRow(), 1);
+            QCOMPARE(sheet.selectedRows(), selected ? QList<int>({0, 1}) : QList<int>{0});
+        }
+    }
 };
 
 TAVORAN_TEST(tst_RowKeys)

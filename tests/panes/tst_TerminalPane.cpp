@@ -108,6 +108,49 @@ private Q_SLOTS:
         QCOMPARE(told, QList<QVariantList>({{twoPositions.at(1).toObject()}}));
     }
 
+    void the_trade_after_a_closed_one_takes_its_place_under_the_keys()
+    {
+        Toolbox toolbox;
+        toolbox.fill();
+        toolbox.pane.activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(&toolbox.pane));
+        QSignalSpy told(&toolbox.pane, &TerminalPane::tradeDoubleClicked);
+        QSignalSpy menus(&toolbox.pane, &TerminalPane::tradeContextMenu);
+        toolbox.trades->setFocus();
+        hands::press(Qt::Key_Home);
+        toolbox.pane.setOpenRows({twoPositions.at(1)}, oneOrder, goldDigits);
+        QCOMPARE(toolbox.trades->currentIndex().row(), 0);
+        QCOMPARE(toolbox.trades->selectedItems(), {toolbox.trades->topLevelItem(0)});
+        // The key that closed the trade may still be down: what comes next wants a press of its own.
+        hands::hold(Qt::Key_Return);
+        hands::hold(Qt::Key_Enter);
+        QCOMPARE(told.size(), 0);
+        requestMenuByKey(toolbox.trades);
+        QCOMPARE(menus.size(), 1);
+        QCOMPARE(menus.at(0).at(1).toJsonObject(), twoPositions.at(1).toObject());
+        hands::press(Qt::Key_Return);
+        QCOMPARE(told, QList<QVariantList>({{twoPositions.at(1).toObject()}}));
+        toolbox.pane.setOpenRows({}, oneOrder, goldDigits);
+        QCOMPARE(toolbox.trades->currentIndex().row(), 0);
+        toolbox.pane.setOpenRows({}, {}, goldDigits);
+        QVERIFY(!toolbox.trades->currentItem());
+        requestMenuByKey(toolbox.trades);
+        QCOMPARE(menus.size(), 1);
+    }
+
+    void a_double_click_that_began_on_a_closed_trade_opens_none()
+    {
+        Toolbox toolbox;
+        toolbox.fill();
+        QSignalSpy told(&toolbox.pane, &TerminalPane::tradeDoubleClicked);
+        const QPoint spot = toolbox.trades->visualItemRect(toolbox.trades->topLevelItem(0)).center();
+        QTest::mouseClick(toolbox.trades->viewport(), Qt::LeftButton, {}, spot);
+        toolbox.pane.setOpenRows({twoPositions.at(1)}, oneOrder, goldDigits);
+        QCOMPARE(toolbox.trades->itemAt(spot), toolbox.trades->topLevelItem(0));
+        QTest::mouseDClick(toolbox.trades->viewport(), Qt::LeftButton, {}, spot);
+        QCOMPARE(told.size(), 0);
+    }
+
     void the_menu_key_belongs_to_the_current_trade_even_out_of_sight()
     {
         Toolbox toolbox;
@@ -167,6 +210,9 @@ private Q_SLOTS:
         QCOMPARE(toolbox.history->currentIndex().row(), 2);
         QCOMPARE(toolbox.history->selectedItems(), {toolbox.history->topLevelItem(2)});
         toolbox.pane.setHistoryRows(oneOrder, goldDigits);
+        QCOMPARE(toolbox.history->selectedItems(), {toolbox.history->topLevelItem(0)});
+        QCOMPARE(toolbox.history->currentIndex().row(), 0);
+        toolbox.pane.setHistoryRows(twoPositions, goldDigits); // of another account
         QVERIFY(toolbox.history->selectedItems().isEmpty());
         QVERIFY(!toolbox.history->currentItem());
     }
@@ -377,7 +423,7 @@ private Q_SLOTS:
         toolbox.trades->setCurrentItem(toolbox.trades->topLevelItem(1));
         toolbox.fill();
         QCOMPARE(toolbox.trades->currentItem(), toolbox.trades->topLevelItem(1));
-        toolbox.pane.setOpenRows({}, oneOrder, {});
+        toolbox.pane.setOpenRows(manyPositions(3), {}, {}); // of another account
         QCOMPARE(toolbox.trades->currentItem(), nullptr);
     }
 
