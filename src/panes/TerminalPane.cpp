@@ -1,6 +1,7 @@
 #include "panes/TerminalPane.h"
 
 #include "app/base/NumberFormat.h"
+#include "app/ui/FocusOrder.h"
 #include "app/ui/LetterSize.h"
 #include "app/ui/Theme.h"
 #include "net/records/PriceSnapshot.h"
@@ -64,6 +65,19 @@ QTreeWidget* makeList(const QString& name, const QStringList& headers, QWidget* 
     list->header()->setStretchLastSection(true);
     new RowKeys(*list); // the list's own child
     return list;
+}
+
+/// What of a page takes the keyboard from Tab, in the order of its making.
+QList<QWidget*> tabStopsIn(QWidget& page)
+{
+    QList<QWidget*> stops;
+    QWidget* widget = &page;
+    do {
+        if ((widget == &page || page.isAncestorOf(widget)) && (widget->focusPolicy() & Qt::TabFocus))
+            stops.append(widget);
+        widget = widget->nextInFocusChain();
+    } while (widget != &page);
+    return stops;
 }
 
 QJsonObject recordOf(const QTreeWidgetItem* item)
@@ -147,6 +161,16 @@ void TerminalPane::buildLogPages()
 QWidget* TerminalPane::pageParent() const
 {
     return widget(0)->parentWidget();
+}
+
+// Tab goes down the page on show and then to the tabs, which lie below it, whenever a page was made.
+void TerminalPane::tabInserted(int index)
+{
+    QTabWidget::tabInserted(index);
+    QList<QWidget*> order;
+    for (int page = 0; page < count(); ++page)
+        order.append(tabStopsIn(*widget(page)));
+    setFocusOrder(order + QList<QWidget*>{tabBar()});
 }
 
 void TerminalPane::journal(const QString& source, const QString& message)

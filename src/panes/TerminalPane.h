@@ -56,6 +56,9 @@ public Q_SLOTS:
     void setAccountSummary(double balance, double equity, double margin, double freeMargin, double profit);
     void clearAccountSummary();
 
+protected:
+    void tabInserted(int index) override;
+
 Q_SIGNALS:
     void tradeContextMenu(const QPoint& globalPos, const QJsonObject& trade);
     /// By two clicks or by Enter.

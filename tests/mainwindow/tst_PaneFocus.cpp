@@ -40,7 +40,7 @@ QString place(const CommandDriver& d)
         const bool ofCharts = d.f.chartArea()->isAncestorOf(tabs);
         return u"tabs "_s + (ofCharts ? u"of charts"_s : tabs->tabText(0));
     }
-    return focus->objectName();
+    return hands::focused();
 }
 
 QStringList walk(const CommandDriver& d, Qt::Key key)
@@ -104,6 +104,43 @@ private Q_SLOTS:
                  u"Market Watch"_s, u"Navigator"_s, u"Toolbox"_s, u"Algo Trading"_s, u"M1"_s, u"Crosshair"_s})
             QVERIFY2(places.count(wanted) == 1, qPrintable(wanted));
         QCOMPARE(walk(d, Qt::Key_Backtab), reversed(places));
+    }
+
+    void tab_goes_down_each_page_of_the_toolbox_to_its_tabs_data()
+    {
+        QTest::addColumn<int>("page");
+        QTest::addColumn<QStringList>("stops");
+        QTest::newRow("Trade") << 0 << QStringList{u"tradeList"_s};
+        QTest::newRow("History") << 1 << QStringList{u"historyList"_s};
+        QTest::newRow("Experts") << 2 << QStringList{u"expertsList"_s};
+        QTest::newRow("Journal") << 3 << QStringList{u"journalList"_s};
+        QTest::newRow("Calendar") << 4 << QStringList{u"newsList"_s};
+        QTest::newRow("Alerts") << 5 << QStringList{u"alertsList"_s, u"Add Alert"_s, u"Delete"_s};
+    }
+    void tab_goes_down_each_page_of_the_toolbox_to_its_tabs()
+    {
+        QFETCH(const int, page);
+        QFETCH(const QStringList, stops);
+        const CommandDriver d;
+        d.activate();
+        d.f.window->openChart(u"EURUSD"_s);
+        QTRY_COMPARE(place(d), u"chart of EURUSD"_s);
+        auto* toolbox = qobject_cast<QTabWidget*>(dock(d, "dockTerminal")->widget());
+        toolbox->setCurrentIndex(page);
+        const QStringList expected
+            = QStringList{u"tabs Common"_s} + stops + QStringList{u"tabs Trade"_s, u"accountSelector"_s};
+        const QStringList places = walk(d, Qt::Key_Tab);
+        QCOMPARE(places.mid(places.indexOf(u"tabs Common"_s), expected.size()), expected);
+        QCOMPARE(walk(d, Qt::Key_Backtab), reversed(places));
+
+        // The same in a window of its own.
+        dock(d, "dockTerminal")->setFloating(true);
+        QVERIFY(QTest::qWaitForWindowExposed(dock(d, "dockTerminal")));
+        dock(d, "dockTerminal")->activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(dock(d, "dockTerminal")));
+        auto* list = dock(d, "dockTerminal")->findChild<QTreeWidget*>(stops.constFirst());
+        list->setFocus();
+        QCOMPARE(walk(d, Qt::Key_Tab), stops + QStringList{u"tabs Trade"_s});
     }
 
     void tab_goes_from_chart_to_chart_where_they_stand_beside_each_other()

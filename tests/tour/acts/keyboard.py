@@ -28,7 +28,7 @@ def go_to_trades(stage):
     """The Toolbox opens with the tab that was in front last."""
     if not stage.list_named("Trade"):
         go_to_list(stage, *TOOLBOX)
-        stage.desktop.key("shift+Tab", *["Left"] * len(TOOLBOX))
+        stage.desktop.key("F6", "shift+Tab", *["Left"] * len(TOOLBOX))
         stage.seen("keyboard-tab", stage.wait(lambda: stage.list_named("Trade")), "arrow keys bring the tab Trade forward")
     go_to_list(stage, "Trade")
 
