@@ -232,6 +232,8 @@ void MainWindow::connectPanes()
     connect(m_marketWatch, &MarketWatchWidget::symbolActivated, this, &MainWindow::openChart);
     connect(m_navigator, &NavigatorWidget::indicatorActivated, m_chartCommands.get(),
         &ChartCommands::addIndicator);
+    m_alerts->setMarket({[this] { return currentSymbol(); },
+        [this](const QString& symbol) { return m_book.quote(symbol).value_or(Quote()).bid; }});
 }
 
 void MainWindow::connectChart(ChartWindow& chart)

@@ -3,6 +3,7 @@
 #include "app/base/ServerText.h"
 #include "app/ui/DecimalSpinBox.h"
 #include "app/ui/FocusOrder.h"
+#include "app/ui/HeldEnter.h"
 #include "app/ui/WheelFocus.h"
 
 #include <QComboBox>
@@ -43,6 +44,22 @@ AlertDialog::AlertDialog(const QStringList& symbols, QWidget* parent)
     m_symbol->setFocus();
     connect(buttons, &QDialogButtonBox::accepted, this, &QDialog::accept);
     connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
+    refuseHeldEnter(*this);
+}
+
+void AlertDialog::beginWith(const QString& symbol, const std::function<double(const QString& symbol)>& bidOf)
+{
+    if (const int place = m_symbol->findData(symbol); place >= 0)
+        m_symbol->setCurrentIndex(place);
+    const auto offerBid = [this, bidOf] {
+        m_price->setValue(bidOf(m_symbol->currentData().toString()));
+        return m_price->value();
+    };
+    connect(
+        m_symbol, &QComboBox::currentIndexChanged, this, [this, offerBid, offered = offerBid()]() mutable {
+            if (m_price->value() == offered)
+                offered = offerBid();
+        });
 }
 
 PriceAlert AlertDialog::alert() const

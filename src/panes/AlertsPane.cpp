@@ -90,6 +90,8 @@ void AlertsPane::ask()
 {
     auto* dialog = new AlertDialog(m_symbols, this);
     dialog->setAttribute(Qt::WA_DeleteOnClose);
+    if (m_market.symbolInFront && m_market.bidOf)
+        dialog->beginWith(m_market.symbolInFront(), m_market.bidOf);
     connect(dialog, &QDialog::accepted, this, [this, dialog] { addAlert(dialog->alert()); });
     dialog->open();
 }

@@ -7,6 +7,9 @@
 #include <QStringList>
 #include <QWidget>
 
+#include <functional>
+#include <utility>
+
 class PriceSnapshot;
 class QTreeWidget;
 class TerminalSettings;
@@ -25,6 +28,13 @@ public:
     /// The names that a new alert can be made for.
     void setSymbols(const QStringList& symbols) { m_symbols = symbols; }
     [[nodiscard]] const QStringList& symbols() const { return m_symbols; }
+
+    /// What a new alert begins with, asked when it is made.
+    struct Market {
+        std::function<QString()> symbolInFront;             ///< what the trader looks at
+        std::function<double(const QString& symbol)> bidOf; ///< 0 where none is known
+    };
+    void setMarket(Market market) { m_market = std::move(market); }
 
     /// The same as onPrices() with a price map that has been read already.
     void checkQuotes(const PriceSnapshot& prices);
@@ -49,6 +59,7 @@ private:
 
     TerminalSettings& m_settings;
     QStringList m_symbols;
+    Market m_market;
     AlertBook m_book;
     QTreeWidget* m_list;
 };
