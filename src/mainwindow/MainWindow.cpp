@@ -251,6 +251,8 @@ void MainWindow::connectTrades()
     connect(m_toolbox, &TerminalPane::tradeContextMenu, this, &MainWindow::onTradeContextMenu);
     connect(m_toolbox, &TerminalPane::tradeDoubleClicked, this, &MainWindow::onTradeDoubleClicked);
     connect(m_actions->algoTrading, &QAction::toggled, m_tradeActions.get(), &TradeActions::setAlgoTrading);
+    connect(m_tradeActions.get(), &TradeActions::failureChanged, m_status, &StatusPanel::setFailure);
+    connect(m_tradeDesk.get(), &TradeDesk::failureChanged, m_status, &StatusPanel::setFailure);
     connect(m_tradeMenu, &TradeMenu::closeConfirmed, m_tradeActions.get(), &TradeActions::closePosition);
     connect(m_tradeMenu, &TradeMenu::cancelRequested, m_tradeActions.get(), &TradeActions::cancelOrder);
     connect(m_tradeMenu, &TradeMenu::modifyRequested, m_tradeDesk.get(), &TradeDesk::openModifyDialog);

@@ -18,6 +18,7 @@ using namespace Qt::StringLiterals;
 namespace {
 
 constexpr int trafficPauseMs = 250;
+constexpr int failureMs = 10'000;
 constexpr int selectorCharacters = 36;
 constexpr int leastSelectorCharacters = 14;
 /// Beside a message, in pixels.
@@ -85,6 +86,16 @@ void StatusPanel::setHint(const QString& hint)
 {
     if (std::exchange(m_hint, hint) != hint)
         showMessage();
+}
+
+void StatusPanel::setFailure(const QString& line)
+{
+    if (!line.isEmpty()) {
+        m_failure = shownEntry(line);
+        m_bar.showMessage(m_failure, failureMs);
+    } else if (m_bar.currentMessage() == m_failure) {
+        showMessage();
+    }
 }
 
 void StatusPanel::showMessage()

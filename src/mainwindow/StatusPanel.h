@@ -10,7 +10,7 @@ class QStatusBar;
 class WsClient;
 
 /// The status bar: on its right side account selector, connection, latency, traffic and user, on its left
-/// what a chart's tool waits for, or where help is.
+/// what a chart's tool waits for, or where help is, and for a moment what went wrong.
 class StatusPanel final : public QObject {
     Q_OBJECT
     Q_DISABLE_COPY_MOVE(StatusPanel)
@@ -30,6 +30,9 @@ public:
     void setUser(const QString& email);
     /// Shows whether the feed is connected.
     void setConnected(bool connected);
+    /// Why what the trader wanted was not done: shown for ten seconds, or until there is something else to
+    /// show. An empty one takes the last one away.
+    void setFailure(const QString& line);
     /// What the next click on the chart does; empty where a click means nothing special.
     void setHint(const QString& hint);
 
@@ -53,6 +56,7 @@ private:
 
     QStatusBar& m_bar;
     QString m_hint;
+    QString m_failure;
     QString m_server;
     QComboBox* m_accountSelector;
     QLabel* m_connection;

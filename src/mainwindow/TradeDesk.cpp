@@ -46,8 +46,10 @@ void TradeDesk::open(SendingDialog& dialog, const QString& failure)
     dialog.setReturnRule(
         [this, account = m_book.currentAccountId()] { return m_book.currentAccountId() == account; });
     connect(&dialog, &SendingDialog::outcomeUnknown, this, &TradeDesk::everythingRefreshWanted);
-    connect(&dialog, &SendingDialog::failedUnseen, this,
-        [this, failure](const QString& reason) { Q_EMIT journalLine(tr("Trade"), failure.arg(reason)); });
+    connect(&dialog, &SendingDialog::failedUnseen, this, [this, failure](const QString& reason) {
+        Q_EMIT journalLine(tr("Trade"), failure.arg(reason));
+        Q_EMIT failureChanged(failure.arg(reason));
+    });
     dialog.show();
 }
 
@@ -65,6 +67,7 @@ void TradeDesk::openModifyDialog(const QJsonObject& trade)
 void TradeDesk::onOrderPlaced()
 {
     Q_EMIT journalLine(tr("Trade"), tr("Order placed"));
+    Q_EMIT failureChanged({});
     Q_EMIT expertLine(tr("Execution"), tr("Order placed"), LineKind::Ordinary);
     Q_EMIT accountsRefreshWanted();
     Q_EMIT tradesRefreshWanted();
@@ -73,5 +76,6 @@ void TradeDesk::onOrderPlaced()
 void TradeDesk::onModified()
 {
     Q_EMIT journalLine(tr("Trade"), tr("Order modified"));
+    Q_EMIT failureChanged({});
     Q_EMIT tradesRefreshWanted();
 }

@@ -33,6 +33,8 @@ public Q_SLOTS:
 
 Q_SIGNALS:
     void journalLine(const QString& source, const QString& message);
+    /// What no dialog can show any more, as the Journal has it; empty once an order or a change was accepted.
+    void failureChanged(const QString& line);
     void expertLine(const QString& source, const QString& message, LineKind kind);
     void accountsRefreshWanted();
     void tradesRefreshWanted();

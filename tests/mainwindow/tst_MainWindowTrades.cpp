@@ -11,11 +11,13 @@
 #include "panes/TerminalPane.h"
 #include "support/Hands.h"
 #include "support/TestMain.h"
+#include "support/Timers.h"
 
 #include <QMdiSubWindow>
 #include <QMenu>
 #include <QMessageBox>
 #include <QPushButton>
+#include <QStatusBar>
 #include <QTabBar>
 #include <QTreeWidget>
 
@@ -232,6 +234,99 @@ private Q_SLOTS:
         QTRY_COMPARE(f.server.count("GET", "/api/trades/open?accountId=a1"), 1);
         f.settle();
         QCOMPARE(f.server.count("GET", "/api/accounts"), 0);
+    }
+
+    void what_the_server_refuses_is_told_below_the_chart_too_data()
+    {
+        QTest::addColumn<QString>("deed");
+        QTest::addColumn<QString>("line");
+        QTest::newRow("level") << u"level"_s << u"Modify failed: Too close"_s;
+        QTest::newRow("modify dialog that was closed") << u"modify"_s << u"Modify failed: Too close"_s;
+        QTest::newRow("one-click order") << u"one-click"_s << u"One-click order failed: Too close"_s;
+        QTest::newRow("close") << u"close"_s << u"Close failed: Too close"_s;
+    }
+    void what_the_server_refuses_is_told_below_the_chart_too()
+    {
+        QFETCH(const QString, deed);
+        QFETCH(const QString, line);
+        MainWindowFixture f;
+        f.signInAndSettle();
+        f.window->openChart(u"EURUSD"_s);
+        const StubAnswer refusal = StubAnswer::message(u"Too\nclose"_s, 400);
+        f.server.on("PUT", "/api/trades/modify/t1", refusal);
+        f.server.on("POST", "/api/trades/place", refusal);
+        f.server.on("POST", "/api/trades/close/t1", refusal);
+        f.settle();
+        const QStatusBar& bar = *f.window->statusBar();
+        const QString idle = bar.currentMessage();
+        if (deed == u"level"_s) {
+            Q_EMIT f.charts().first()->chart().levelDragged(u"t1"_s, u"SL"_s, 1.07505);
+        } else if (deed == u"one-click"_s) {
+            f.window->onQuickTrade(u"EURUSD"_s, u"BUY"_s, 1.0);
+        } else if (deed == u"close"_s) {
+            hands::choose(*menuOn(f), u"Close Position"_s);
+            QTest::keyClick(f.window->findChild<QMessageBox*>(), Qt::Key_Return);
+        } else {
+            f.server.on("PUT", "/api/trades/modify/t1", StubAnswer::held());
+            doubleClickRow(f);
+            auto* dialog = f.window->findChild<ModifyDialog*>();
+            QTest::keyClick(dialog, Qt::Key_Return);
+            QTRY_COMPARE(f.server.heldCount(), 1);
+            QTest::keyClick(dialog, Qt::Key_Escape);
+            dialog->show();
+            QTest::keyClick(dialog, Qt::Key_Escape);
+            QVERIFY(f.server.release(refusal));
+        }
+        QTRY_COMPARE(f.journalCount(u"Trade: "_s + line), 1);
+        QCOMPARE(bar.currentMessage(), line);
+        auto* time = bar.findChild<QTimer*>();
+        QVERIFY(time && time->isActive());
+        QCOMPARE(time->interval(), 10'000);
+        timeOut(*time);
+        QCOMPARE(bar.currentMessage(), idle);
+    }
+
+    void a_refusal_makes_room_for_what_comes_next()
+    {
+        MainWindowFixture f;
+        f.signInAndSettle();
+        f.window->openChart(u"EURUSD"_s);
+        f.server.on("PUT", "/api/trades/modify/t1", StubAnswer::message(u"Too close"_s, 400));
+        f.settle();
+        const QStatusBar& bar = *f.window->statusBar();
+        const QString idle = bar.currentMessage();
+        const auto move = [&f](double price) { f.window->onChartModifyLevel(u"t1"_s, u"SL"_s, price); };
+        move(1.07505);
+        QTRY_COMPARE(bar.currentMessage(), u"Modify failed: Too close"_s);
+        // What has gone well since then leaves no old refusal behind.
+        f.server.on("PUT", "/api/trades/modify/t1", StubAnswer::json("{}"));
+        move(1.07);
+        QTRY_COMPARE(f.journalCount(u"Trade: SL moved to 1.07"_s), 1);
+        QCOMPARE(bar.currentMessage(), idle);
+        f.server.on("PUT", "/api/trades/modify/t1", StubAnswer::message(u"Too close"_s, 400));
+        move(1.07505);
+        QTRY_COMPARE(bar.currentMessage(), u"Modify failed: Too close"_s);
+        f.action("Trend Line")->trigger();
+        const QString hint = bar.currentMessage();
+        QVERIFY(hint != idle && !hint.contains(u"Too close"_s));
+    }
+
+    void a_modify_dialog_shows_its_refusal_itself()
+    {
+        MainWindowFixture f;
+        f.signInAndSettle();
+        const QString idle = f.window->statusBar()->currentMessage();
+        f.server.on("PUT", "/api/trades/modify/t1", StubAnswer::message(u"Too close"_s, 400));
+        doubleClickRow(f);
+        const auto* dialog = f.window->findChild<ModifyDialog*>();
+        QTest::keyClick(f.window->findChild<ModifyDialog*>(), Qt::Key_Return);
+        const auto shown = [dialog] {
+            const auto labels = dialog->findChildren<QLabel*>();
+            return std::any_of(labels.begin(), labels.end(),
+                [](const QLabel* label) { return label->isVisible() && label->text() == u"Too close"_s; });
+        };
+        QTRY_VERIFY(shown());
+        QCOMPARE(f.window->statusBar()->currentMessage(), idle);
     }
 
     void theOneClickPanelTrades()

@@ -168,6 +168,7 @@ void TradeActions::tellTrade(bool ok, SoundKind success, const QString& message)
 {
     Q_EMIT soundWanted(ok ? success : SoundKind::Error);
     Q_EMIT journalLine(tr("Trade"), message);
+    Q_EMIT failureChanged(ok ? QString() : message);
 }
 
 void TradeActions::refreshAfter(const ReplyOutcome& outcome, void (TradeActions::*usual)())

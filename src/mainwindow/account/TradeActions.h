@@ -46,6 +46,8 @@ public Q_SLOTS:
 
 Q_SIGNALS:
     void journalLine(const QString& source, const QString& message);
+    /// Why the latest thing that the trader wanted was not done, as the Journal has it; empty once one was.
+    void failureChanged(const QString& line);
     void expertLine(const QString& source, const QString& message, LineKind kind);
     void soundWanted(SoundKind kind);
     void accountsRefreshWanted();
