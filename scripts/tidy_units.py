@@ -77,8 +77,8 @@ class Unit:
         path.write_text("".join(lines))
         union = dict.fromkeys(flag for source in sources for flag in flags[source])
         # What a source shadows is often a name of its neighbour only; gcc warns where it is its own.
-        # And what moc defines is not there.
-        quiet = ["-Wno-shadow", "-Wno-undefined-internal"]
+        # What moc defines is not there. And each room of tests names folders of its own.
+        quiet = ["-Wno-shadow", "-Wno-undefined-internal", "-Wno-macro-redefined"]
         self.command = [*union, *quiet, *coroutine_flags(), f"-I{path.parent}"]
 
     def misfits(self):

@@ -31,7 +31,7 @@ class TestPanePainter final : public QObject {
     {
         ChartFrame frame = fixtures::frameOfBars(m_candles, 40.0, m_texts);
         return fixtures::paint(
-            [this, &style, &values](QPainter& painter, const ChartFrame& shown) {
+            [&style, &values](QPainter& painter, const ChartFrame& shown) {
                 paintPane(painter, shown, {area, {IndicatorKind::Rsi, 14, true}, style, values});
             },
             frame);
