@@ -1,6 +1,7 @@
 #include "mainwindow/StatusPanel.h"
 #include "support/Hands.h"
 #include "support/TestMain.h"
+#include "support/Timers.h"
 
 #include <QComboBox>
 #include <QLabel>
@@ -141,6 +142,25 @@ private Q_SLOTS:
         QCoreApplication::processEvents();
         QCOMPARE(window.width(), wide);
         QVERIFY(selector->x() >= wanted);
+    }
+
+    void a_failure_gives_way_to_the_hint_again()
+    {
+        QMainWindow window;
+        StatusPanel panel(*window.statusBar(), u"s"_s);
+        const QStatusBar& bar = *window.statusBar();
+        panel.setHint(u"Click"_s);
+        panel.setFailure(u"Modify failed: a\nb"_s);
+        QCOMPARE(bar.currentMessage(), u"Modify failed: a b"_s);
+        timeOut(*bar.findChild<QTimer*>());
+        QCOMPARE(bar.currentMessage(), u"Click"_s);
+        panel.setFailure(u"Modify failed: c"_s);
+        panel.setFailure({});
+        QCOMPARE(bar.currentMessage(), u"Click"_s);
+        // Nothing comes later of a time that is over.
+        QVERIFY(!bar.findChild<QTimer*>());
+        panel.setFailure({});
+        QCOMPARE(bar.currentMessage(), u"Click"_s);
     }
 
     void userIsPlainText()
