@@ -24,13 +24,21 @@ EnterPress::EnterPress(QApplication& application)
 
 bool EnterPress::eventFilter(QObject* watched, QEvent* event)
 {
-    if (event->type() != QEvent::KeyPress || watched != QApplication::focusWidget() || !isPressed(watched))
+    if (event->type() != QEvent::KeyPress || !isEnter(*static_cast<QKeyEvent*>(event)))
         return false;
     const auto& press = *static_cast<const QKeyEvent*>(event);
-    auto& button = *static_cast<QAbstractButton*>(watched);
-    if (!isEnter(press) || qobject_cast<const QDialog*>(button.window()))
+    // Not in the dialog either that the button may have opened.
+    if (press.isAutoRepeat() && m_pressing)
+        return true;
+    m_pressing = false;
+    if (watched != QApplication::focusWidget() || !isPressed(watched))
         return false;
-    if (isPlainEnter(press) && !press.isAutoRepeat())
+    auto& button = *static_cast<QAbstractButton*>(watched);
+    if (qobject_cast<const QDialog*>(button.window()))
+        return false;
+    if (isPlainEnter(press) && !press.isAutoRepeat()) {
+        m_pressing = true;
         button.click();
+    }
     return true;
 }

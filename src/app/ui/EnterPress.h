@@ -4,8 +4,8 @@
 
 class QApplication;
 
-/// Lets Enter press the button that has the focus, as the space bar does; an Enter that is held down presses
-/// it once. Qt does that in dialogs alone, where it stays as Qt has it.
+/// Lets Enter press the button that has the focus, as the space bar does. Held down it presses once, and does
+/// nothing more anywhere. Qt lets it press in dialogs alone, where it stays as Qt has it.
 class EnterPress final : public QObject {
     Q_OBJECT
     Q_DISABLE_COPY_MOVE(EnterPress)
@@ -17,4 +17,7 @@ public:
 
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
+
+private:
+    bool m_pressing = false; ///< the last press of Enter has pressed a button
 };

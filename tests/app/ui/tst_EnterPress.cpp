@@ -90,6 +90,27 @@ private Q_SLOTS:
         QVERIFY(board.box.isChecked());
     }
 
+    void the_enter_that_has_opened_a_dialog_does_nothing_in_it()
+    {
+        const EnterPress enter(*qApp);
+        Board<QWidget> board;
+        QVERIFY(hands::arriveAt(&board));
+        QDialog dialog(&board);
+        auto* accept = new QPushButton(&dialog);
+        connect(accept, &QPushButton::clicked, &dialog, &QDialog::accept);
+        connect(&board.push, &QPushButton::clicked, &dialog, &QDialog::open);
+        board.push.setFocus();
+        QTest::keyPress(&board.push, Qt::Key_Return);
+        QVERIFY(hands::arriveAt(&dialog));
+        for (int again = 0; again < 3; ++again) {
+            hands::hold(Qt::Key_Return);
+            QVERIFY(dialog.isVisible());
+        }
+        QTest::keyRelease(accept, Qt::Key_Return);
+        hands::press(Qt::Key_Return);
+        QVERIFY(!dialog.isVisible());
+    }
+
     void in_a_dialog_enter_presses_what_qt_says()
     {
         const EnterPress enter(*qApp);
