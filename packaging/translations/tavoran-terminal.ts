@@ -1175,6 +1175,11 @@ Built with Qt %2, running with Qt %3</source>
 %1</source>
         <translation type="unfinished"></translation>
     </message>
+    <message>
+        <source>last known price</source>
+        <extracomment>said of the button of one-click trading while the feed is down</extracomment>
+        <translation type="unfinished"></translation>
+    </message>
 </context>
 <context>
     <name>OrderDialog</name>
@@ -1401,6 +1406,14 @@ Built with Qt %2, running with Qt %3</source>
     </message>
     <message>
         <source>Disconnected; last bid %1, ask %2</source>
+        <translation type="unfinished"></translation>
+    </message>
+</context>
+<context>
+    <name>PriceItem</name>
+    <message>
+        <source>%1, last known price</source>
+        <extracomment>%1 a price, said of it while the feed is down</extracomment>
         <translation type="unfinished"></translation>
     </message>
 </context>

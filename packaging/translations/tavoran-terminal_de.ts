@@ -1185,6 +1185,11 @@ Erstellt mit Qt %2, ausgeführt mit Qt %3</translation>
         <translation>KAUF
 %1</translation>
     </message>
+    <message>
+        <source>last known price</source>
+        <extracomment>said of the button of one-click trading while the feed is down</extracomment>
+        <translation>zuletzt bekannter Kurs</translation>
+    </message>
 </context>
 <context>
     <name>OrderDialog</name>
@@ -1412,6 +1417,14 @@ Erstellt mit Qt %2, ausgeführt mit Qt %3</translation>
     <message>
         <source>Disconnected; last bid %1, ask %2</source>
         <translation>Getrennt; zuletzt Bid %1, Ask %2</translation>
+    </message>
+</context>
+<context>
+    <name>PriceItem</name>
+    <message>
+        <source>%1, last known price</source>
+        <extracomment>%1 a price, said of it while the feed is down</extracomment>
+        <translation>%1, zuletzt bekannter Kurs</translation>
     </message>
 </context>
 <context>

@@ -132,7 +132,7 @@ void ChartArea::handOverEverything(ChartWindow& chart)
         chart.setAccountFigures(summary->balance, summary->equity);
     if (const auto quote = m_book.quote(chart.symbol()))
         chart.onQuote(*quote);
-    if (m_interrupted)
+    if (m_book.isQuoteOld(chart.symbol()))
         chart.noteInterruption();
 }
 

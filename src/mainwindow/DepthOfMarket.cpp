@@ -4,6 +4,8 @@
 #include "app/base/ServerText.h"
 #include "app/ui/LetterSize.h"
 #include "app/ui/PlainText.h"
+#include "app/ui/Theme.h"
+#include "panes/PriceItem.h"
 
 #include <QHeaderView>
 #include <QLabel>
@@ -73,8 +75,9 @@ void DepthOfMarket::buildRows()
     for (int row = 0; row < 2 * rowsPerSide; ++row) {
         const bool isAsk = row < rowsPerSide;
         const int distance = isAsk ? rowsPerSide - 1 - row : row - rowsPerSide;
-        auto* item = new QTreeWidgetItem(
-            m_rows, {isAsk ? tr("Ask") : tr("Bid"), QString(), QString::number(distance)});
+        auto* item = new PriceItem(
+            {isAsk ? tr("Ask") : tr("Bid"), QString(), QString::number(distance)}, PriceColumn);
+        m_rows->addTopLevelItem(item);
         for (int column = SideColumn; column <= DistanceColumn; ++column)
             item->setForeground(column, QColor::fromRgb(isAsk ? askColor : bidColor));
         for (const int column : {PriceColumn, DistanceColumn})
@@ -96,6 +99,15 @@ void DepthOfMarket::setQuote(const Quote& quote)
         return;
     m_quote = quote;
     fillRows();
+}
+
+void DepthOfMarket::setStale(bool stale)
+{
+    for (int row = 0; row < m_rows->topLevelItemCount(); ++row)
+        static_cast<PriceItem*>(m_rows->topLevelItem(row))->setStale(stale);
+    const bool spreadIsOld = stale && m_quote.isComplete();
+    if (m_spread->font().italic() != spreadIsOld)
+        m_spread->setFont(spreadIsOld ? staleFont() : QFont());
 }
 
 void DepthOfMarket::fillRows()

@@ -24,6 +24,8 @@ public Q_SLOTS:
     void setDigits(int digits);
     /// Moves the ladder. A quote without a positive bid or ask empties that half of it.
     void setQuote(const Quote& quote);
+    /// Whether the prices may not hold any more.
+    void setStale(bool stale);
 
 private:
     void buildRows();

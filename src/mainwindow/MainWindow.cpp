@@ -184,9 +184,7 @@ void MainWindow::connectFeed()
     connect(&m_feed, &WsClient::tradesUpdated, this, &MainWindow::onTradesUpdated);
     connect(&m_feed, &WsClient::ordersChanged, this, &MainWindow::onOrdersChanged);
     connect(&m_feed, &WsClient::accountUpdated, this, &MainWindow::onAccountUpdated);
-    connect(&m_feed, &WsClient::disconnected, m_charts.get(), &ChartArea::noteInterruption);
-    connect(&m_feed, &WsClient::disconnected, m_marketWatch, &MarketWatchWidget::markStale);
-    connect(&m_feed, &WsClient::disconnected, m_smallWindows, &SmallWindows::onPrices);
+    connect(&m_feed, &WsClient::disconnected, &m_book, &AccountBook::noteInterruption);
     m_status->follow(m_feed);
     connect(&m_api, &ApiClient::unauthorized, this, [this] {
         journal(tr("Auth"), tr("Session expired — please restart the terminal and log in again."));
@@ -222,6 +220,9 @@ void MainWindow::connectQuotes()
     connect(&m_book, &AccountBook::quotesChanged, m_smallWindows, &SmallWindows::onPrices);
     connect(&m_book, &AccountBook::ticked, m_charts.get(), &ChartArea::showQuotes);
     connect(&m_book, &AccountBook::ticked, m_alerts, &AlertsPane::checkQuotes);
+    connect(&m_book, &AccountBook::quotesGrewOld, m_charts.get(), &ChartArea::noteInterruption);
+    connect(&m_book, &AccountBook::quotesGrewOld, m_marketWatch, &MarketWatchWidget::markStale);
+    connect(&m_book, &AccountBook::quotesGrewOld, m_smallWindows, &SmallWindows::onPrices);
 }
 
 void MainWindow::connectPanes()

@@ -105,12 +105,16 @@ void SmallWindows::onSymbols()
 
 void SmallWindows::quoteDepth()
 {
-    if (m_depth)
-        m_depth->setQuote(m_book.quote(m_depth->symbol()).value_or(Quote()));
+    if (!m_depth)
+        return;
+    m_depth->setQuote(m_book.quote(m_depth->symbol()).value_or(Quote()));
+    m_depth->setStale(m_book.isQuoteOld(m_depth->symbol()));
 }
 
 void SmallWindows::quoteSpecification()
 {
-    if (m_specification)
-        m_specification->setQuote(m_book.quote(m_specification->symbol()).value_or(Quote()));
+    if (!m_specification)
+        return;
+    m_specification->setQuote(m_book.quote(m_specification->symbol()).value_or(Quote()));
+    m_specification->setStale(m_book.isQuoteOld(m_specification->symbol()));
 }

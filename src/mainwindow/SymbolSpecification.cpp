@@ -5,6 +5,7 @@
 #include "app/ui/LetterSize.h"
 #include "app/ui/PlainText.h"
 #include "net/records/SymbolRecord.h"
+#include "panes/PriceItem.h"
 #include "panes/SymbolFacts.h"
 
 #include <QDialogButtonBox>
@@ -21,6 +22,7 @@ namespace {
 
 constexpr QSize initialSize(340, 400);
 constexpr int propertyWidth = 150;
+constexpr int liveRows = 3; ///< the last ones
 
 } // namespace
 
@@ -59,10 +61,11 @@ void SymbolSpecification::setSymbol(const QString& symbol, const QJsonObject& re
     m_rows->setAccessibleName(windowTitle());
     m_unlisted->setVisible(record.isEmpty());
     m_rows->clear();
-    QList<SymbolFact> facts = symbolFacts(symbol, record);
-    facts.append({{tr("Bid"), {}}, {tr("Ask"), {}}, {tr("Spread (points)"), {}}});
-    for (const SymbolFact& fact : std::as_const(facts))
+    const QList<SymbolFact> facts = symbolFacts(symbol, record);
+    for (const SymbolFact& fact : facts)
         new QTreeWidgetItem(m_rows, {fact.property, fact.value});
+    for (const QString& property : {tr("Bid"), tr("Ask"), tr("Spread (points)")})
+        m_rows->addTopLevelItem(new PriceItem({property, QString()}, 1));
     const int width = m_rows->columnWidth(0); // which a trader may have set
     m_rows->resizeColumnToContents(0);
     m_rows->setColumnWidth(0, std::max(width, m_rows->columnWidth(0)));
@@ -77,10 +80,17 @@ void SymbolSpecification::setQuote(const Quote& quote)
     fillQuote();
 }
 
+void SymbolSpecification::setStale(bool stale)
+{
+    const int rows = m_rows->topLevelItemCount();
+    for (int row = std::max(rows - liveRows, 0); row < rows; ++row)
+        static_cast<PriceItem*>(m_rows->topLevelItem(row))->setStale(stale);
+}
+
 void SymbolSpecification::fillQuote()
 {
     const int digits = clampDigits(symbol::digits(m_record));
-    const int firstLive = m_rows->topLevelItemCount() - 3;
+    const int firstLive = m_rows->topLevelItemCount() - liveRows;
     if (firstLive < 0)
         return;
     const auto show = [this, firstLive](int row, bool known, const QString& text) {

@@ -23,6 +23,8 @@ public:
     /// Shows the server's record of the symbol; an empty record means that the server does not list it.
     void setSymbol(const QString& symbol, const QJsonObject& record);
     void setQuote(const Quote& quote);
+    /// Whether the prices may not hold any more.
+    void setStale(bool stale);
 
 private:
     void fillQuote();

@@ -14,6 +14,7 @@ ToolboxFiller::ToolboxFiller(TerminalPane& toolbox, const AccountBook& book, QOb
     connect(&m_book, &AccountBook::summaryChanged, this, &ToolboxFiller::showSummary);
     connect(&m_book, &AccountBook::profitChanged, &m_toolbox, &TerminalPane::updateTradePnl);
     connect(&m_book, &AccountBook::ticked, &m_toolbox, &TerminalPane::showQuotes);
+    connect(&m_book, &AccountBook::quotesGrewOld, this, &ToolboxFiller::showAge);
 }
 
 void ToolboxFiller::showTrades()
@@ -24,12 +25,22 @@ void ToolboxFiller::showTrades()
         if (const auto quote = m_book.tickedQuote(symbol))
             m_toolbox.showQuote(symbol, *quote);
     }
+    showAge();
     // The feed may have brought newer profits while the pending orders were on their way.
     for (const QJsonValue value : m_book.openTrades()) {
         const QJsonObject trade = value.toObject();
         const double profit = m_book.profitOf(trade);
         if (profit != trade::profit(trade))
             m_toolbox.updateTradePnl(trade::id(trade), profit);
+    }
+}
+
+void ToolboxFiller::showAge()
+{
+    const QStringList symbols = m_toolbox.tradedSymbols();
+    for (const QString& symbol : symbols) {
+        if (m_book.isTickOld(symbol))
+            m_toolbox.markStale(symbol);
     }
 }
 

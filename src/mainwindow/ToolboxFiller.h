@@ -22,6 +22,7 @@ public Q_SLOTS:
 
 private:
     void showTrades();
+    void showAge();
     void showSummary();
 
     TerminalPane& m_toolbox;

@@ -7,7 +7,6 @@
 #include "panes/PaneIcons.h"
 
 #include <QCoreApplication>
-#include <QFont>
 
 #include <utility>
 
@@ -19,18 +18,6 @@ QuoteLook QuoteLook::forCurrentTheme()
         themeStaleColor(), upArrowIcon(themeUpColor()), downArrowIcon(themeDownColor()),
         upArrowIcon(themeStaleColor()), downArrowIcon(themeStaleColor())};
 }
-
-namespace {
-
-/// A colour alone would not do: that of a selected row covers it.
-QVariant staleFont()
-{
-    QFont font; // says nothing but the slant; the list has the rest
-    font.setItalic(true);
-    return font;
-}
-
-} // namespace
 
 QuoteItem::QuoteItem(
     std::shared_ptr<const QuoteLook> look, const QString& name, const QString& description, int digits)

@@ -279,6 +279,13 @@ void TerminalPane::showQuote(const SymbolTrades& trades, const Quote& quote)
     }
 }
 
+void TerminalPane::markStale(const QString& symbol)
+{
+    const QList<TradeItem*> rows = m_rowsBySymbol.value(symbol).rows;
+    for (TradeItem* item : rows)
+        item->setStale(true);
+}
+
 void TerminalPane::setAccountSummary(
     double balance, double equity, double margin, double freeMargin, double profit)
 {

@@ -34,6 +34,8 @@ public:
     void showQuotes(const PriceSnapshot& prices);
     /// The same for one symbol.
     void showQuote(const QString& symbol, const Quote& quote);
+    /// The current prices of the symbol's trades look old until the next ones.
+    void markStale(const QString& symbol);
     /// The symbols of the trades on show, in no order.
     [[nodiscard]] QStringList tradedSymbols() const { return m_rowsBySymbol.keys(); }
 

@@ -10,7 +10,7 @@
 using namespace tradeCells;
 
 TradeItem::TradeItem(const QJsonObject& trade, int digits)
-    : QTreeWidgetItem(tradeTexts(trade, digits))
+    : PriceItem(tradeTexts(trade, digits), TradeCurrentPrice)
     , m_closesAtBid(trade::side(trade) == Side::Buy)
 {
     setData(TradeSymbol, Qt::UserRole, trade);
@@ -27,6 +27,7 @@ TradeItem::TradeItem(const QJsonObject& trade, int digits)
 
 void TradeItem::setCurrentPrice(double price, int digits)
 {
+    setStale(false);
     if (m_currentPrice == price)
         return;
     m_currentPrice = price;

@@ -1,13 +1,15 @@
 #pragma once
 
-#include <QTreeWidgetItem>
+#include "panes/PriceItem.h"
+
+#include <optional>
 
 class QJsonObject;
 
 /// One open trade or pending order in the Trade list. Remembers the numbers behind its live cells, so
 /// that a value which did not change is neither formatted nor painted again. The whole record is in
 /// column 0 under Qt::UserRole.
-class TradeItem final : public QTreeWidgetItem {
+class TradeItem final : public PriceItem {
 public:
     /// `digits`: the symbol's price decimals.
     TradeItem(const QJsonObject& trade, int digits);
@@ -15,6 +17,7 @@ public:
     /// True when the trade would be closed at the bid.
     [[nodiscard]] bool closesAtBid() const { return m_closesAtBid; }
 
+    /// A live price: it is not stale.
     void setCurrentPrice(double price, int digits);
     /// In account currency.
     void setProfit(double profit);

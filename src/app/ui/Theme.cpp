@@ -150,6 +150,13 @@ QColor themeStaleColor()
     return themed(0xff9a9a9a, 0xff666666);
 }
 
+QFont staleFont()
+{
+    QFont font;
+    font.setItalic(true);
+    return font;
+}
+
 QColor themeBackdropColor()
 {
     return themed(0xff1a1a1a, 0xff9fa6ad);

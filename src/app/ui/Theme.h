@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QColor>
+#include <QFont>
 #include <QIcon>
 
 class QApplication;
@@ -24,6 +25,9 @@ void setTheme(bool dark);
 [[nodiscard]] QColor themeMutedColor();
 /// Of prices that may not hold any more; legible on the ground of a list.
 [[nodiscard]] QColor themeStaleColor();
+/// What goes with it in a list, since the colour of a selected row covers any other: a slant and nothing
+/// else.
+[[nodiscard]] QFont staleFont();
 [[nodiscard]] QColor themeBackdropColor();
 
 /// The application icon, loaded once.

@@ -206,6 +206,8 @@ void ChartWindow::onPrices(const QJsonObject& prices)
 void ChartWindow::onQuote(const Quote& quote)
 {
     m_quoted = true;
+    if (quote.bid > 0.0 || quote.ask > 0.0)
+        m_oneClick->setStale(false);
     m_chart->onTick(quote.bid, quote.ask, QDateTime::currentMSecsSinceEpoch());
     showQuote();
     m_expert->tick();
@@ -214,6 +216,7 @@ void ChartWindow::onQuote(const Quote& quote)
 void ChartWindow::noteInterruption()
 {
     m_chart->markQuoteStale();
+    m_oneClick->setStale(m_quoted);
 }
 
 void ChartWindow::setTrades(const QJsonArray& open, const QJsonArray& pending)

@@ -12,7 +12,7 @@
 #include <QMouseEvent>
 #include <QPushButton>
 
-#include <algorithm>
+#include <utility>
 
 using namespace Qt::StringLiterals;
 
@@ -43,31 +43,54 @@ QString volumeStyle()
         + arrowRule(u"down-arrow"_s, writeSpinArrow(SpinArrow::Down));
 }
 
+struct ButtonColors final {
+    const char* plate;
+    const char* hovered;
+    const char* slant; ///< a rule of its own, or none
+};
+
+constexpr ButtonColors liveSell{"#c0392b", "#d64535", ""};
+constexpr ButtonColors liveBuy{"#1f6fb2", "#2a80c8", ""};
+// Pale rather than grey, since they are no less buttons, and which is which still matters.
+constexpr ButtonColors oldSell{"#735a57", "#7d625e", "font-style:italic;"};
+constexpr ButtonColors oldBuy{"#56636f", "#616e7c", "font-style:italic;"};
+
+QString buttonStyle(const ButtonColors& colors)
+{
+    return u"QPushButton{background:%1;border:none;color:#ffffff;font-weight:bold;%3font-size:7.5pt;"
+           "border-radius:2px;}QPushButton:hover{background:%2;}"_s.arg(
+               QLatin1String(colors.plate), QLatin1String(colors.hovered), QLatin1String(colors.slant));
+}
+
 /// A price with its ends cut off reads as another price: a long one is written narrower.
-void showCaption(QPushButton& button, const QString& caption)
+void fitCaption(QPushButton& button)
 {
     const int room = button.width() - 4;
-    // Digits are equally wide, so a price as long as the last one need not be measured.
-    const bool isAsLong = caption.size() == button.text().size();
-    button.setText(caption);
-    if (isAsLong)
-        return;
     button.ensurePolished();
     QFont font = button.font();
     font.setStretch(QFont::AnyStretch);
-    const int width = QFontMetrics(font).size(0, caption).width();
+    const int width = QFontMetrics(font).size(0, button.text()).width();
     if (width > room)
         font.setStretch(QFont::Unstretched * room / width);
     if (font.stretch() != button.font().stretch())
         button.setFont(font);
 }
 
-QPushButton* tradeButton(const QString& caption, const QString& style, QWidget* parent)
+void showCaption(QPushButton& button, const QString& caption)
+{
+    // Digits are equally wide, so a price as long as the last one need not be measured.
+    const bool isAsLong = caption.size() == button.text().size();
+    button.setText(caption);
+    if (!isAsLong)
+        fitCaption(button);
+}
+
+QPushButton* tradeButton(const QString& caption, const ButtonColors& colors, QWidget* parent)
 {
     auto* button = new CompactButton(withLetters(buttonSize, *parent), parent);
     button->setText(caption);
     button->setCursor(Qt::PointingHandCursor);
-    button->setStyleSheet(style);
+    button->setStyleSheet(buttonStyle(colors));
     // A click must not leave the focus here, where the next press of the space bar would trade.
     button->setFocusPolicy(Qt::TabFocus);
     return button;
@@ -86,10 +109,7 @@ OneClickPanel::OneClickPanel(const QString& symbol, QWidget* parent)
     setStyleSheet(
         u"#oneClickPanel{background:rgba(28,28,28,205);border:1px solid #3a3a3a;border-radius:2px;}"_s);
 
-    m_sell = tradeButton(tr("SELL\n—"),
-        u"QPushButton{background:#c0392b;border:none;color:#ffffff;font-weight:bold;font-size:7.5pt;"
-        "border-radius:2px;}QPushButton:hover{background:#d64535;}"_s,
-        this);
+    m_sell = tradeButton(tr("SELL\n—"), liveSell, this);
     m_volume = new DecimalSpinBox(this);
     m_volume->setDecimals(2);
     m_volume->setRange(0.01, 1000.0);
@@ -98,10 +118,7 @@ OneClickPanel::OneClickPanel(const QString& symbol, QWidget* parent)
     m_volume->setFixedSize(withLetters(volumeSize, *this));
     m_volume->setStyleSheet(volumeStyle());
     m_volume->setAccessibleName(tr("Volume in lots"));
-    m_buy = tradeButton(tr("BUY\n—"),
-        u"QPushButton{background:#1f6fb2;border:none;color:#ffffff;font-weight:bold;font-size:7.5pt;"
-        "border-radius:2px;}QPushButton:hover{background:#2a80c8;}"_s,
-        this);
+    m_buy = tradeButton(tr("BUY\n—"), liveBuy, this);
 
     auto* layout = new QHBoxLayout(this);
     layout->setContentsMargins(margin, margin, margin, margin);
@@ -128,6 +145,19 @@ void OneClickPanel::setQuote(double bid, double ask, int digits)
     m_bid = bid;
     m_ask = ask;
     m_digits = digits;
+}
+
+void OneClickPanel::setStale(bool stale)
+{
+    if (std::exchange(m_stale, stale) == stale)
+        return;
+    m_sell->setStyleSheet(buttonStyle(stale ? oldSell : liveSell));
+    m_buy->setStyleSheet(buttonStyle(stale ? oldBuy : liveBuy));
+    for (QPushButton* button : {m_sell, m_buy}) {
+        //: said of the button of one-click trading while the feed is down
+        button->setAccessibleDescription(stale ? tr("last known price") : QString());
+        fitCaption(*button);
+    }
 }
 
 double OneClickPanel::lots() const

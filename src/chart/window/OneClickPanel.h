@@ -18,6 +18,9 @@ public:
 
     /// The prices on the buttons, with so many decimals.
     void setQuote(double bid, double ask, int digits);
+    /// Whether the prices may not hold any more: then the buttons are pale and their captions slanted. They
+    /// trade all the same.
+    void setStale(bool stale);
     /// The chosen volume in lots, 0.01 to 1000.
     [[nodiscard]] double lots() const;
 
@@ -45,4 +48,5 @@ private:
     double m_bid = 0.0;
     double m_ask = 0.0;
     int m_digits = -1;
+    bool m_stale = false;
 };

@@ -186,9 +186,31 @@ void AccountBook::notePrices(const QJsonObject& prices)
 void AccountBook::noteHelloPrices(const QJsonObject& prices)
 {
     const PriceSnapshot snapshot = readPrices(prices);
-    for (const PriceSnapshot::Entry& entry : snapshot.entries())
-        m_quotes[entry.symbol].latest = entry.quote;
+    for (const PriceSnapshot::Entry& entry : snapshot.entries()) {
+        KnownQuote& known = m_quotes[entry.symbol];
+        known.latest = entry.quote;
+        known.isOld = false;
+    }
     Q_EMIT quotesChanged(snapshot);
+}
+
+void AccountBook::noteInterruption()
+{
+    for (KnownQuote& known : m_quotes)
+        known.isOld = known.isTickOld = true;
+    Q_EMIT quotesGrewOld();
+}
+
+bool AccountBook::isQuoteOld(const QString& symbol) const
+{
+    const auto found = m_quotes.constFind(symbol);
+    return found != m_quotes.cend() && found->isOld;
+}
+
+bool AccountBook::isTickOld(const QString& symbol) const
+{
+    const auto found = m_quotes.constFind(symbol);
+    return found != m_quotes.cend() && found->isTickOld;
 }
 
 std::optional<Quote> AccountBook::quote(const QString& symbol) const

@@ -81,10 +81,16 @@ public:
     /// The same for the prices of a hello, which are no ticks. They are the latest quotes until a snapshot
     /// names the symbol.
     void noteHelloPrices(const QJsonObject& prices);
+    /// The feed has gone: all quotes may not hold any more until newer ones come.
+    void noteInterruption();
     /// The latest quote of one symbol; nothing when none has come.
     [[nodiscard]] std::optional<Quote> quote(const QString& symbol) const;
     /// The same, those of a hello left out.
     [[nodiscard]] std::optional<Quote> tickedQuote(const QString& symbol) const;
+    /// Whether what quote() tells came before the feed had gone; false when none has come.
+    [[nodiscard]] bool isQuoteOld(const QString& symbol) const;
+    /// The same of tickedQuote().
+    [[nodiscard]] bool isTickOld(const QString& symbol) const;
 
 Q_SIGNALS:
     // A list that was read again counts as a change even if it is the same: views are filled from it anew.
@@ -101,11 +107,14 @@ Q_SIGNALS:
     void quotesChanged(const PriceSnapshot& quotes);
     /// A snapshot of live prices has come; after quotesChanged().
     void ticked(const PriceSnapshot& quotes);
+    void quotesGrewOld();
 
 private:
     struct KnownQuote final {
         Quote latest;                ///< of a snapshot or a hello
         std::optional<Quote> ticked; ///< of the latest snapshot; absent before the first
+        bool isOld = false;          ///< the latest
+        bool isTickOld = false;
     };
 
     [[nodiscard]] PriceSnapshot readPrices(const QJsonObject& prices) const;
