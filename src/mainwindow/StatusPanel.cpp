@@ -1,6 +1,7 @@
 #include "mainwindow/StatusPanel.h"
 
 #include "app/base/ServerText.h"
+#include "app/ui/ScreenReader.h"
 #include "app/ui/WheelFocus.h"
 #include "mainwindow/FittingLabel.h"
 #include "net/WsClient.h"
@@ -93,6 +94,7 @@ void StatusPanel::setFailure(const QString& line)
     if (!line.isEmpty()) {
         m_failure = shownEntry(line);
         m_bar.showMessage(m_failure, failureMs);
+        tellReader(m_bar, QAccessible::Alert);
     } else if (m_bar.currentMessage() == m_failure) {
         showMessage();
     }

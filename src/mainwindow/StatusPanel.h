@@ -31,7 +31,7 @@ public:
     /// Shows whether the feed is connected.
     void setConnected(bool connected);
     /// Why what the trader wanted was not done: shown for ten seconds, or until there is something else to
-    /// show. An empty one takes the last one away.
+    /// show, and spoken by screen readers. An empty one takes the last one away.
     void setFailure(const QString& line);
     /// What the next click on the chart does; empty where a click means nothing special.
     void setHint(const QString& hint);

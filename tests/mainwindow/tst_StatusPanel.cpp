@@ -1,5 +1,6 @@
 #include "mainwindow/StatusPanel.h"
 #include "support/Hands.h"
+#include "support/ReaderEars.h"
 #include "support/TestMain.h"
 #include "support/Timers.h"
 
@@ -161,6 +162,20 @@ private Q_SLOTS:
         QVERIFY(!bar.findChild<QTimer*>());
         panel.setFailure({});
         QCOMPARE(bar.currentMessage(), u"Click"_s);
+    }
+
+    void a_failure_is_spoken_and_hints_are_not()
+    {
+        QMainWindow window;
+        StatusPanel panel(*window.statusBar(), u"s"_s);
+        window.show();
+        const ReaderEars ears;
+        panel.setHint(u"Click"_s);
+        QCOMPARE(ears.count(QAccessible::Alert), 0);
+        panel.setFailure(u"Modify failed: too close"_s);
+        QCOMPARE(ears.names(QAccessible::Alert), QStringList(u"Modify failed: too close"_s));
+        panel.setFailure({});
+        QCOMPARE(ears.count(QAccessible::Alert), 1);
     }
 
     void userIsPlainText()
