@@ -227,6 +227,8 @@ void ChartArea::showHint(bool shown)
         shown ? tr(
             "To open a chart, double-click a symbol in Market Watch, or select one there and press Enter.")
               : QString());
+    // Without a tab it cannot be seen, and the keyboard would be nowhere in it.
+    tabBar()->setEnabled(!shown);
     viewport()->update();
 }
 

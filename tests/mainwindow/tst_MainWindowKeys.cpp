@@ -111,6 +111,30 @@ private Q_SLOTS:
         }
     }
 
+    void without_a_chart_the_keyboard_is_in_the_first_pane()
+    {
+        CommandDriver d;
+        d.f.open();
+        d.activate();
+        QTRY_COMPARE(hands::focused(), u"marketWatchSymbols"_s);
+        QVERIFY(!ringShowsTheFocus());
+        hands::press(Qt::Key_Down);
+        QTRY_VERIFY(ringShowsTheFocus());
+    }
+
+    void the_keyboard_goes_to_the_first_pane_when_the_last_chart_is_closed()
+    {
+        const CommandDriver d;
+        d.activate();
+        d.f.window->openChart(u"EURUSD"_s);
+        QTRY_VERIFY(chartOf(d) && chartOf(d)->hasFocus());
+        hands::press(Qt::Key_Right);
+        d.actions().closeChart->trigger();
+        QTRY_VERIFY(d.f.charts().isEmpty());
+        QTRY_COMPARE(hands::focused(), u"marketWatchSymbols"_s);
+        QTRY_VERIFY(ringShowsTheFocus());
+    }
+
     void the_first_key_after_the_start_shows_the_keyboard()
     {
         CommandDriver d;
