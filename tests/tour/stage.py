@@ -241,8 +241,7 @@ class Stage:
     def unfold(self, button):
         """Presses the arrow of the toolbar that has this button."""
         bar = next(bar for bar in self.parts("tool bar") if bar.find(name=button, shown=False))
-        self.click(bar.find(accept=lambda item: item.role in ("push button", "check box")
-                            and item.x + item.width >= bar.x + bar.width - 2))
+        self.click(bar.find(name="More buttons"))
 
     def press_in(self, window, button):
         """Presses a button of a dialog as soon as it can be pressed."""
