@@ -1,27 +1,22 @@
 #include "app/ui/ReadAloud.h"
 
+#include "app/ui/LiveAccessible.h"
 #include "app/ui/ScreenReader.h"
-
-#include <QAccessibleWidget>
 
 #include <utility>
 
 namespace {
 
-class ReadAloudAccessible final : public QAccessibleWidget {
+class ReadAloudAccessible final : public LiveAccessible {
 public:
     ReadAloudAccessible(QWidget& widget, const ReadAloud& content)
-        : QAccessibleWidget(&widget, content.role())
+        : LiveAccessible(&widget, content.role())
         , m_content(content)
     {
     }
 
-    [[nodiscard]] QString text(QAccessible::Text kind) const override
-    {
-        // Clients on some desktops ask for the value of what changes, on others for its description.
-        const bool live = kind == QAccessible::Description || kind == QAccessible::Value;
-        return live ? m_content.reading() : QAccessibleWidget::text(kind);
-    }
+protected:
+    [[nodiscard]] QString reading() const override { return m_content.reading(); }
 
 private:
     const ReadAloud& m_content; // a part of the widget, whose end ends this too

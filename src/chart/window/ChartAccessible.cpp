@@ -15,7 +15,7 @@ QAccessibleInterface* accessibleOf(const QString& /*className*/, QObject* object
 } // namespace
 
 ChartAccessible::ChartAccessible(ChartWidget& chart)
-    : QAccessibleWidget(&chart, QAccessible::Chart)
+    : LiveAccessible(&chart, QAccessible::Chart)
 {
 }
 
@@ -31,14 +31,14 @@ ChartReader& ChartAccessible::reader() const
 
 int ChartAccessible::childCount() const
 {
-    return QAccessibleWidget::childCount() + static_cast<int>(reader().marks().size());
+    return LiveAccessible::childCount() + static_cast<int>(reader().marks().size());
 }
 
 QAccessibleInterface* ChartAccessible::child(int index) const
 {
-    const int widgets = QAccessibleWidget::childCount();
+    const int widgets = LiveAccessible::childCount();
     if (index < widgets)
-        return QAccessibleWidget::child(index);
+        return LiveAccessible::child(index);
     const QList<ChartMarkKey> marks = reader().marks();
     return index - widgets < marks.size() ? reader().mark(marks.at(index - widgets)) : nullptr;
 }
@@ -47,15 +47,12 @@ int ChartAccessible::indexOfChild(const QAccessibleInterface* child) const
 {
     const auto* mark = dynamic_cast<const ChartMark*>(child);
     if (!mark)
-        return QAccessibleWidget::indexOfChild(child);
+        return LiveAccessible::indexOfChild(child);
     const qsizetype place = reader().marks().indexOf(mark->key());
-    return place < 0 ? -1 : QAccessibleWidget::childCount() + static_cast<int>(place);
+    return place < 0 ? -1 : LiveAccessible::childCount() + static_cast<int>(place);
 }
 
-QString ChartAccessible::text(QAccessible::Text kind) const
+QString ChartAccessible::reading() const
 {
-    // Clients on some desktops ask for the value of what changes, on others for its description.
-    if (kind == QAccessible::Description || kind == QAccessible::Value)
-        return reader().reading();
-    return QAccessibleWidget::text(kind);
+    return reader().reading();
 }
