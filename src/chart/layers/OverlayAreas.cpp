@@ -18,10 +18,17 @@ QRect boundsOf(const QPoint& a, const QPoint& b)
 
 } // namespace
 
+bool overlays::marksPlaced(const QPoint& placed, const QPoint& pointer)
+{
+    return DrawingGeometry::handle(placed).contains(pointer);
+}
+
 QRegion overlays::preview(
     const ChartView& view, DrawingKind kind, const QPoint& placed, const QPoint& pointer)
 {
     const QRect bounds = boundsOf(placed, pointer);
+    if (marksPlaced(placed, pointer))
+        return DrawingGeometry::handle(placed).united(bounds).intersected(view.plot());
     if (!isBox(kind))
         return bounds.intersected(view.plot());
     QRegion sides;

@@ -17,6 +17,9 @@ namespace overlays {
     return kind == DrawingKind::Rectangle || kind == DrawingKind::Fibonacci;
 }
 
+/// Whether a preview is so short that a handle marks its placed point.
+[[nodiscard]] bool marksPlaced(const QPoint& placed, const QPoint& pointer);
+
 /// The preview from a placed point to the pointer, in pixels.
 [[nodiscard]] QRegion preview(
     const ChartView& view, DrawingKind kind, const QPoint& placed, const QPoint& pointer);

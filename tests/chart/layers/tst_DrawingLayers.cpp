@@ -165,6 +165,23 @@ private Q_SLOTS:
         QCOMPARE(paint(&layers::paintDrawingPreview, frame), box);
     }
 
+    void a_placed_point_has_a_handle_while_the_crosshair_stands_on_it()
+    {
+        for (const DrawingKind kind :
+            {DrawingKind::TrendLine, DrawingKind::Rectangle, DrawingKind::Fibonacci}) {
+            ChartFrame frame = frameOfBars(m_candles, 7.0, m_texts);
+            frame.preview = ChartFrame::Preview{kind, at(9, 100)};
+            frame.pointAt(QPoint(261, 100));
+            const QImage image = paint(&layers::paintDrawingPreview, frame);
+            QCOMPARE(pixelsOf(image, QRect(258, 97, 6, 6), QColor(0xe0, 0xe0, 0xe0)), 36);
+            QCOMPARE(pixelsOtherThan(image, image.rect(), black), 36);
+            frame.pointAt(QPoint(300, 100));
+            QCOMPARE(
+                pixelsOtherThan(paint(&layers::paintDrawingPreview, frame), QRect(255, 90, 40, 10), black),
+                0);
+        }
+    }
+
     void a_preview_needs_the_pointer_in_the_plot()
     {
         ChartFrame frame = frameOfBars(m_candles, 7.0, m_texts);

@@ -293,6 +293,35 @@ private Q_SLOTS:
         QCOMPARE(ink(QPoint(320, 200)), 0);
     }
 
+    void enter_marks_the_first_point_at_once_and_a_step_takes_the_mark_away()
+    {
+        for (const auto* tool : {"trendline", "rectangle", "fibonacci"}) {
+            ChartWidget chart;
+            showChart(chart, 100);
+            chart.setFocus();
+            chart.setTool(QString::fromLatin1(tool));
+            QTest::keyClick(&chart, Qt::Key_Left);
+            const auto marked = [&chart](const QPoint& point) {
+                return fixtures::pixelsOf(chart.screen()->grabWindow(chart.winId()).toImage(),
+                           QRect(point - QPoint(3, 3), QSize(6, 6)), QColor(0xe0, 0xe0, 0xe0))
+                    == 36;
+            };
+            QVERIFY(chart.frame().crosshair);
+            const QPoint point = chart.frame().pointer;
+            QVERIFY(!marked(point));
+            QTest::keyClick(&chart, Qt::Key_Return);
+            QCoreApplication::processEvents();
+            QVERIFY(marked(point));
+            for (int step = 0; step < 3; ++step)
+                QTest::keyClick(&chart, Qt::Key_Up, Qt::ShiftModifier);
+            QCoreApplication::processEvents();
+            QVERIFY(chart.frame().pointer != point);
+            QCOMPARE(
+                chart.screen()->grabWindow(chart.winId()).toImage().convertToFormat(QImage::Format_RGB32),
+                chart.grab().toImage().convertToFormat(QImage::Format_RGB32));
+        }
+    }
+
     void a_preview_paints_only_where_it_was_and_is()
     {
         ChartWidget chart;
