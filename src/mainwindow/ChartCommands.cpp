@@ -110,6 +110,9 @@ void ChartCommands::followActiveChart()
     if (chart && m_followed != chart) {
         connect(chart, &ChartWindow::settingsChanged, this, &ChartCommands::showTruth);
         connect(chart, &ChartWindow::timeframeChanged, this, &ChartCommands::showTruth);
+        // Qt tells nobody that a chart is gone which it had never called active, as one restored at the
+        // start.
+        connect(chart, &QObject::destroyed, this, &ChartCommands::followActiveChart, Qt::QueuedConnection);
     }
     m_followed = chart;
     m_actions.setChartActive(chart != nullptr);

@@ -11,6 +11,7 @@
 #include <QDialog>
 #include <QSpinBox>
 #include <QTreeWidget>
+#include <QWindow>
 
 using namespace Qt::StringLiterals;
 
@@ -389,6 +390,23 @@ private Q_SLOTS:
         QCOMPARE(shown->symbol(), u"USDJPY"_s);
         first->requestSpecification(); // from its own menu
         QCOMPARE(shown->symbol(), u"EURUSD"_s);
+    }
+
+    void aRestoredChartThatIsClosedTakesItsCommandsAlong()
+    {
+        CommandDriver d;
+        QVERIFY(d.openChart(u"EURUSD"_s));
+        QVERIFY(d.f.window->close());
+        d.f.open();
+        d.activate();
+        QTRY_COMPARE(d.f.charts().size(), 1);
+        QTRY_VERIFY(d.actions().zoomIn->isEnabled());
+        QTest::keyClick(d.f.window->windowHandle(), Qt::Key_W, Qt::AltModifier);
+        QTest::keyClick(QApplication::activePopupWidget(), Qt::Key_Up);
+        QTest::keyClick(QApplication::activePopupWidget(), Qt::Key_Return);
+        QTRY_VERIFY(d.f.charts().isEmpty());
+        QTRY_VERIFY(!d.actions().zoomIn->isEnabled());
+        QCOMPARE(marks(d.actions()), QStringList{u"Cursor"_s});
     }
 
     void aReplyAfterTheLastChartHasGoneChangesNothing()
