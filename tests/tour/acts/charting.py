@@ -58,7 +58,7 @@ def painted_objects(chart):
     # A bar that has closed since they were drawn has moved them all to the left by its width.
     vertical = max(range(across(0.60), across(0.63)), key=lambda x: len(column(x)))
     # The dashed line of a trade's level may lie on one of theirs: that shows through the gaps.
-    levels, edges = ([y for y in column(across(share), 6) if y not in horizontal] for share in (0.38, 0.73))
+    levels, edges = ([y for y in column(across(share), 6) if y not in horizontal] for share in (0.30, 0.73))
     trend = [y for y in column(across(0.54)) if y not in horizontal]
     if len(column(vertical)) < chart.height // 2 or len(levels) != 7 or len(trend) != 1 or len(edges) != 2:
         return None
