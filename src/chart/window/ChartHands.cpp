@@ -1,5 +1,6 @@
 #include "chart/window/ChartHands.h"
 
+#include "app/ui/EnterKey.h"
 #include "chart/data/ChartTexts.h"
 #include "chart/data/DrawingList.h"
 #include "chart/layers/OverlayAreas.h"
@@ -151,12 +152,9 @@ bool ChartHands::takeKey(const QKeyEvent& event)
     // Widgets on the chart hand on what they have no use for.
     if (!m_chart.hasFocus())
         return false;
-    if (key == Qt::Key_Return || key == Qt::Key_Enter) {
-        if (!m_gestures.crosshair().isShown() || (event.modifiers() & ~Qt::KeypadModifier))
-            return false;
-        // Held down, it must neither place nor send again.
-        return event.isAutoRepeat() || enterAtCrosshair();
-    }
+    // Held down, Enter must neither place nor send again.
+    if (isPlainEnter(event))
+        return m_gestures.crosshair().isShown() && (event.isAutoRepeat() || enterAtCrosshair());
     const std::optional<KeyboardCrosshair::Move> move = KeyboardCrosshair::moveOf(key, event.modifiers());
     return move && moveCrosshair(*move);
 }
