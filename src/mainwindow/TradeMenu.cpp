@@ -31,6 +31,7 @@ void TradeMenu::popUp(const QPoint& globalPos, const QJsonObject& trade)
     menu->addAction(tr("Modify..."), this, [this, trade] { Q_EMIT modifyRequested(trade); });
     menu->addSeparator();
     menu->addAction(tr("New Order..."), this, &TradeMenu::newOrderRequested);
+    refuseHeldEnter(*menu); // it would go to the first entry and choose that at once
     menu->popup(globalPos);
 }
 

@@ -116,6 +116,35 @@ private Q_SLOTS:
         QCOMPARE(f.server.count("POST", "/api/trades/close/t1"), 0);
     }
 
+    void an_enter_held_down_in_a_menu_cancels_no_order()
+    {
+        MainWindowFixture f;
+        f.server.on("GET", "/api/trades/open?accountId=a1", StubAnswer::json("[]"));
+        f.server.on("GET", "/api/trades/pending?accountId=a1",
+            StubAnswer::list({records::pendingOrder("p1").buy(1)}));
+        f.server.on("POST", "/api/trades/cancel/p1", StubAnswer::json("{}"));
+        f.signInAndSettle();
+        QTreeWidget& trades = f.list("tradeList");
+        QTRY_COMPARE(trades.topLevelItemCount(), 1);
+        const MenuKey menuKey(*qApp);
+        trades.setFocus();
+        hands::press(Qt::Key_Home);
+        QTest::keyClick(&trades, Qt::Key_F10, Qt::ShiftModifier);
+        auto* menu = f.window->findChild<QMenu*>(u"tradeMenu"_s);
+        QTRY_VERIFY(menu && menu->isVisible());
+        QTest::keyPress(menu, Qt::Key_Return); // goes to the first entry
+        for (int again = 0; again < 3; ++again) {
+            QKeyEvent held(QEvent::KeyPress, Qt::Key_Return, {}, {}, true);
+            QApplication::sendEvent(menu, &held);
+            QVERIFY(menu->isVisible());
+        }
+        QTest::keyRelease(menu, Qt::Key_Return);
+        f.settle();
+        QCOMPARE(f.server.count("POST", "/api/trades/cancel/p1"), 0);
+        QTest::keyPress(menu, Qt::Key_Return);
+        QTRY_COMPARE(f.server.count("POST", "/api/trades/cancel/p1"), 1);
+    }
+
     void keys_go_on_to_the_next_position_once_one_is_closed()
     {
         MainWindowFixture f;
