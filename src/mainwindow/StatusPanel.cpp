@@ -1,7 +1,7 @@
 #include "mainwindow/StatusPanel.h"
 
 #include "app/base/ServerText.h"
-#include "app/ui/ScreenReader.h"
+#include "app/ui/ErrorLabel.h"
 #include "app/ui/WheelFocus.h"
 #include "mainwindow/FittingLabel.h"
 #include "net/WsClient.h"
@@ -41,7 +41,9 @@ StatusPanel::StatusPanel(QStatusBar& bar, const QString& server, QObject* parent
     , m_bar(bar)
     , m_server(shownSentence(server).toHtmlEscaped())
     , m_accountSelector(new QComboBox(&bar))
+    , m_spokenFailure(new ErrorLabel(&bar))
 {
+    m_spokenFailure->setFixedSize(0, 0); // the message beside it is what is seen
     m_accountSelector->setObjectName(u"accountSelector"_s);
     m_accountSelector->setToolTip(tr("Trading account"));
     m_accountSelector->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
@@ -66,6 +68,8 @@ StatusPanel::StatusPanel(QStatusBar& bar, const QString& server, QObject* parent
 
     // Tips of menu entries clear the message behind them; what stood there comes back.
     connect(&bar, &QStatusBar::messageChanged, this, [this](const QString& message) {
+        if (message != m_failure)
+            m_spokenFailure->hide();
         if (message.isEmpty())
             showMessage();
         else
@@ -94,7 +98,7 @@ void StatusPanel::setFailure(const QString& line)
     if (!line.isEmpty()) {
         m_failure = shownEntry(line);
         m_bar.showMessage(m_failure, failureMs);
-        tellReader(m_bar, QAccessible::Alert);
+        m_spokenFailure->showError(m_failure);
     } else if (m_bar.currentMessage() == m_failure) {
         showMessage();
     }

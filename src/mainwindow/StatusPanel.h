@@ -4,6 +4,7 @@
 #include <QString>
 #include <QTimer>
 
+class ErrorLabel;
 class QComboBox;
 class QLabel;
 class QStatusBar;
@@ -59,6 +60,7 @@ private:
     QString m_failure;
     QString m_server;
     QComboBox* m_accountSelector;
+    ErrorLabel* m_spokenFailure; ///< the bar's messages are tips to a reader, which speaks none
     QLabel* m_connection;
     QLabel* m_latency;
     QLabel* m_traffic;

@@ -4,6 +4,7 @@
 #include "support/TestMain.h"
 #include "support/Timers.h"
 
+#include <QAccessible>
 #include <QComboBox>
 #include <QLabel>
 #include <QLineEdit>
@@ -176,6 +177,38 @@ private Q_SLOTS:
         QCOMPARE(ears.names(QAccessible::Alert), QStringList(u"Modify failed: too close"_s));
         panel.setFailure({});
         QCOMPARE(ears.count(QAccessible::Alert), 1);
+    }
+
+    void a_failure_is_a_notification_as_long_as_it_is_shown()
+    {
+        QMainWindow window;
+        StatusPanel panel(*window.statusBar(), u"s"_s);
+        window.show();
+        const auto notifications = [&window] {
+            QStringList names;
+            QAccessibleInterface* bar = QAccessible::queryAccessibleInterface(window.statusBar());
+            for (int index = 0; index < bar->childCount(); ++index) {
+                const QAccessibleInterface* part = bar->child(index);
+                if (part->role() != QAccessible::Notification || part->state().invisible)
+                    continue;
+                names.append(part->text(QAccessible::Name));
+                if (!part->rect().isEmpty())
+                    names.append(u"painted over the message"_s);
+            }
+            return names;
+        };
+        QCOMPARE(notifications(), QStringList());
+        panel.setFailure(u"Modify failed: too close"_s);
+        QCOMPARE(notifications(), QStringList(u"Modify failed: too close"_s));
+        panel.setHint(u"Click"_s);
+        QCOMPARE(notifications(), QStringList());
+        panel.setFailure(u"Close failed: no price"_s);
+        QCOMPARE(notifications(), QStringList(u"Close failed: no price"_s));
+        panel.setHint({});
+        QCOMPARE(notifications(), QStringList());
+        panel.setFailure(u"Close failed: no price"_s);
+        panel.setFailure({});
+        QCOMPARE(notifications(), QStringList());
     }
 
     void userIsPlainText()
