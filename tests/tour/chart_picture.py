@@ -57,5 +57,6 @@ class ChartPicture:
         return bytes(int(tuple(data[i:i + 3]) in CANDLES) for i in range(0, len(data), 3))
 
     def corner(self):
-        """The colour in the corner of the plot that nothing is painted in."""
-        return tuple(self._desktop.pixels(self.x + 2, self.y + 2, 1, 1))
+        """The colour in the corner of the plot that nothing is painted in, within the ring of the keyboard."""
+        inset = round(4 * self._desktop.scale)
+        return tuple(self._desktop.pixels(self.x + inset, self.y + inset, 1, 1))

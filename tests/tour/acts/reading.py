@@ -60,8 +60,16 @@ def read_the_last_bar(stage, chart):
     text = stage.wait(agrees)
     stage.seen("read-last-bar", text, f"what it reads is the platform's last candle and the quote: {text}")
     row = stage.symbol_row("Market Watch")
-    quote = stage.wait(lambda: [row[1].again().name, row[2].again().name] ==
-                       list(re.search(QUOTE, chart.description).groups()))
+
+    def quoted():
+        return re.search(QUOTE, chart.description).groups()
+
+    def is_quoted(side):
+        """Whether a cell says what the chart says before or after: the market moves while they are asked."""
+        before, cell = quoted(), row[1 + side].again().name
+        return cell in (before[side], quoted()[side])
+
+    quote = stage.wait(lambda: is_quoted(0) and is_quoted(1))
     stage.seen("read-quote", quote, "bid and ask are those of the Market Watch")
 
 
