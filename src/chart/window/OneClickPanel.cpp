@@ -70,10 +70,12 @@ void fitCaption(QPushButton& button)
     QFont font = button.font();
     font.setStretch(QFont::AnyStretch);
     const int width = QFontMetrics(font).size(0, button.text()).width();
-    if (width > room)
-        font.setStretch(QFont::Unstretched * room / width);
-    if (font.stretch() != button.font().stretch())
-        button.setFont(font);
+    const int stretch = width > room ? QFont::Unstretched * room / width : int(QFont::AnyStretch);
+    if (stretch == button.font().stretch())
+        return;
+    QFont stretched; // and nothing else, for the style sheet to choose weight and slant again later
+    stretched.setStretch(stretch);
+    button.setFont(stretched);
 }
 
 void showCaption(QPushButton& button, const QString& caption)

@@ -318,6 +318,36 @@ private Q_SLOTS:
         QVERIFY(!isCut(u"SELL", red));
         QCOMPARE(button(panel, u"SELL").font().stretch(), int(QFont::AnyStretch));
     }
+
+    void a_price_that_was_old_looks_as_ever_however_long_it_is_data()
+    {
+        noEndOfAPriceIsCutByItsButton_data();
+    }
+    void a_price_that_was_old_looks_as_ever_however_long_it_is()
+    {
+        QFETCH(const double, price);
+        QFETCH(const int, digits);
+        QWidget ground;
+        OneClickPanel panel(u"EURUSD"_s, &ground);
+        panel.setQuote(price, price, digits);
+        ground.show();
+        QPushButton& sell = button(panel, u"SELL");
+        const QImage live = sell.grab().toImage();
+        for (int time = 0; time < 2; ++time) {
+            panel.setStale(true);
+            panel.setQuote(2.5, 2.5, 1); // by other decimals
+            panel.setQuote(price, price, digits);
+            QVERIFY(sell.font().italic());
+            const QImage old = sell.grab().toImage();
+            for (int y = 4; y < old.height() - 4; ++y) {
+                QCOMPARE(old.pixelColor(0, y), old.pixelColor(0, 15));
+                QCOMPARE(old.pixelColor(old.width() - 1, y), old.pixelColor(0, 15));
+            }
+            panel.setStale(false);
+            QVERIFY(!sell.font().italic());
+            QCOMPARE(sell.grab().toImage(), live);
+        }
+    }
 };
 
 TAVORAN_TEST(tst_OneClickPanel)
