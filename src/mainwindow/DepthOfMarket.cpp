@@ -4,7 +4,6 @@
 #include "app/base/ServerText.h"
 #include "app/ui/LetterSize.h"
 #include "app/ui/PlainText.h"
-#include "app/ui/Theme.h"
 #include "panes/PriceItem.h"
 
 #include <QHeaderView>
@@ -106,8 +105,9 @@ void DepthOfMarket::setStale(bool stale)
     for (int row = 0; row < m_rows->topLevelItemCount(); ++row)
         static_cast<PriceItem*>(m_rows->topLevelItem(row))->setStale(stale);
     const bool spreadIsOld = stale && m_quote.isComplete();
-    if (m_spread->font().italic() != spreadIsOld)
-        m_spread->setFont(spreadIsOld ? staleFont() : QFont());
+    // A font of its own would not outlast a change of the theme.
+    if (m_spread->styleSheet().isEmpty() == spreadIsOld)
+        m_spread->setStyleSheet(spreadIsOld ? u"font-style:italic;"_s : QString());
 }
 
 void DepthOfMarket::fillRows()

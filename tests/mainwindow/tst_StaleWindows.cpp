@@ -120,6 +120,31 @@ private Q_SLOTS:
         QCOMPARE(opened.sell->styleSheet(), live.at(0));
     }
 
+    void a_chart_opened_after_a_hello_shows_its_price_as_live()
+    {
+        Terminal t;
+        t.loseFeed();
+        t.findFeed(euroHello(1.33, 1.43));
+        QTRY_COMPARE(t.row(0).text(1), u"1.33000"_s);
+        const PanelOfEuro panel(*t.d.openChart(u"EURUSD"_s));
+        QCOMPARE(panel.sell->text(), u"SELL\n1.33000"_s);
+        QVERIFY(!panel.sell->font().italic());
+        t.loseFeed();
+        QVERIFY(panel.sell->font().italic());
+    }
+
+    void a_tick_without_a_price_leaves_the_one_click_panel_old()
+    {
+        Terminal t;
+        ChartWindow& chart = *t.d.openChart(u"EURUSD"_s);
+        t.loseFeed();
+        const PanelOfEuro panel(chart);
+        chart.onQuote({0.0, 0.0});
+        QVERIFY(panel.sell->font().italic());
+        chart.onQuote({1.3, 1.4});
+        QVERIFY(!panel.sell->font().italic());
+    }
+
     void the_one_click_panel_without_a_price_has_no_old_one()
     {
         Terminal t;
@@ -158,9 +183,14 @@ private Q_SLOTS:
         verifyLooksOld(depth, ask, live);
         QCOMPARE(ask.data().toString(), u"1.40000"_s);
         QCOMPARE(ink(ask.siblingAtColumn(0)), live); // the side of a row does not grow old
+        const auto& spread = *t.d.f.window->findChild<QLabel*>(u"depthSpread"_s);
+        QVERIFY(spread.font().italic());
+        const QString family = spread.font().family();
 
         t.findFeed(euroHello(1.3, 1.4));
         QTRY_VERIFY(!looksOld(ask));
+        QVERIFY(!spread.font().italic());
+        QCOMPARE(spread.font().family(), family);
         QCOMPARE(ink(ask), live);
         QCOMPARE(ask.data(Qt::AccessibleTextRole), QVariant());
     }
