@@ -182,6 +182,18 @@ private Q_SLOTS:
         }
     }
 
+    void the_handle_of_a_placed_point_stays_within_the_plot()
+    {
+        ChartFrame frame = frameOfBars(m_candles, 7.0, m_texts);
+        const QRect& plot = frame.view.plot();
+        frame.preview = ChartFrame::Preview{DrawingKind::TrendLine, at(9, plot.bottom())};
+        frame.pointAt(QPoint(261, plot.bottom()));
+        QVERIFY(frame.crosshair);
+        const QImage image = paint(&layers::paintDrawingPreview, frame);
+        QCOMPARE(pixelsOtherThan(image, plot, black), 6 * 4);
+        QCOMPARE(pixelsOtherThan(image, image.rect(), black), 6 * 4);
+    }
+
     void a_preview_needs_the_pointer_in_the_plot()
     {
         ChartFrame frame = frameOfBars(m_candles, 7.0, m_texts);
