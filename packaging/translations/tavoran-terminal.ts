@@ -1180,6 +1180,14 @@ Built with Qt %2, running with Qt %3</source>
         <extracomment>said of the button of one-click trading while the feed is down</extracomment>
         <translation type="unfinished"></translation>
     </message>
+    <message>
+        <source>Space sells at once, at the market price</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Space buys at once, at the market price</source>
+        <translation type="unfinished"></translation>
+    </message>
 </context>
 <context>
     <name>OrderDialog</name>

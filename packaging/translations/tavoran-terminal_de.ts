@@ -1190,6 +1190,14 @@ Erstellt mit Qt %2, ausgeführt mit Qt %3</translation>
         <extracomment>said of the button of one-click trading while the feed is down</extracomment>
         <translation>zuletzt bekannter Kurs</translation>
     </message>
+    <message>
+        <source>Space sells at once, at the market price</source>
+        <translation>Leertaste verkauft sofort zum Marktpreis</translation>
+    </message>
+    <message>
+        <source>Space buys at once, at the market price</source>
+        <translation>Leertaste kauft sofort zum Marktpreis</translation>
+    </message>
 </context>
 <context>
     <name>OrderDialog</name>

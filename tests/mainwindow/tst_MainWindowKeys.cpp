@@ -78,20 +78,25 @@ private Q_SLOTS:
     void a_chart_shows_the_keyboard_once_a_key_has_chosen_a_tool_data()
     {
         QTest::addColumn<Qt::Key>("key");
-        QTest::newRow("space") << Qt::Key_Space;
-        QTest::newRow("enter") << Qt::Key_Return;
+        QTest::addColumn<bool>("ruler");
+        QTest::newRow("line by space") << Qt::Key_Space << false;
+        QTest::newRow("line by enter") << Qt::Key_Return << false;
+        QTest::newRow("ruler by space") << Qt::Key_Space << true;
     }
     void a_chart_shows_the_keyboard_once_a_key_has_chosen_a_tool()
     {
         QFETCH(const Qt::Key, key);
+        QFETCH(const bool, ruler);
         const CommandDriver d;
         d.activate();
         const ChartWindow* chart = d.openChart(u"EURUSD"_s);
-        QWidget* button = d.bar("toolbarStudies").widgetForAction(d.actions().trendLine);
+        QWidget* button
+            = d.bar("toolbarStudies").widgetForAction(ruler ? d.actions().crosshair : d.actions().trendLine);
         QTRY_VERIFY(button->isEnabled());
         button->setFocus(Qt::TabFocusReason);
         hands::press(key);
-        QVERIFY(!chart->chart().tool().isEmpty());
+        QCOMPARE(chart->chart().measureMode(), ruler);
+        QCOMPARE(chart->chart().tool().isEmpty(), ruler);
         QTRY_VERIFY(chart->chart().hasFocus());
         QTRY_VERIFY(ringShowsTheFocus());
     }

@@ -9,10 +9,14 @@
 
 namespace {
 
+constexpr const char* spared = "sparedByEnter";
+
 /// Check boxes are no buttons to press.
 bool isPressed(const QObject* widget)
 {
-    return qobject_cast<const QPushButton*>(widget) || qobject_cast<const QToolButton*>(widget);
+    const bool isButton
+        = qobject_cast<const QPushButton*>(widget) || qobject_cast<const QToolButton*>(widget);
+    return isButton && !widget->property(spared).toBool();
 }
 
 } // namespace
@@ -20,6 +24,11 @@ bool isPressed(const QObject* widget)
 EnterPress::EnterPress(QApplication& application)
 {
     application.installEventFilter(this);
+}
+
+void EnterPress::spare(QAbstractButton& button)
+{
+    button.setProperty(spared, true);
 }
 
 bool EnterPress::eventFilter(QObject* watched, QEvent* event)

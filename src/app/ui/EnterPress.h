@@ -2,6 +2,7 @@
 
 #include <QObject>
 
+class QAbstractButton;
 class QApplication;
 
 /// Lets Enter press the button that has the focus, as the space bar does. Held down it presses once, and does
@@ -14,6 +15,9 @@ public:
     /// Serves all windows of the application, as long as it lives.
     explicit EnterPress(QApplication& application);
     ~EnterPress() override = default;
+
+    /// Enter shall do nothing to this button: only the space bar presses it.
+    static void spare(QAbstractButton& button);
 
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override;

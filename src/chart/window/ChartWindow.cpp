@@ -352,6 +352,9 @@ void ChartWindow::placeTexts()
 void ChartWindow::setMeasureMode(bool on)
 {
     m_chart->setMeasureMode(on);
+    // Arrow keys and Enter measure there.
+    if (on)
+        m_chart->setFocus(Qt::OtherFocusReason);
 }
 
 void ChartWindow::setChartType(int type)

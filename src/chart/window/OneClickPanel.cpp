@@ -2,6 +2,7 @@
 
 #include "app/base/NumberFormat.h"
 #include "app/ui/DecimalSpinBox.h"
+#include "app/ui/EnterPress.h"
 #include "app/ui/LetterSize.h"
 #include "chart/window/CompactButton.h"
 #include "chart/window/SpinArrows.h"
@@ -11,6 +12,7 @@
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QPushButton>
+#include <QStatusTipEvent>
 
 #include <utility>
 
@@ -95,6 +97,8 @@ QPushButton* tradeButton(const QString& caption, const ButtonColors& colors, QWi
     button->setStyleSheet(buttonStyle(colors));
     // A click must not leave the focus here, where the next press of the space bar would trade.
     button->setFocusPolicy(Qt::TabFocus);
+    // Enter draws and drags on the chart: one Tab too many must not make an order of it.
+    EnterPress::spare(*button);
     return button;
 }
 
@@ -214,15 +218,26 @@ void OneClickPanel::hideEvent(QHideEvent* event)
 
 bool OneClickPanel::eventFilter(QObject* watched, QEvent* event)
 {
+    if (event->type() == QEvent::FocusOut)
+        tell({});
     if (event->type() != QEvent::FocusIn)
         return QWidget::eventFilter(watched, event);
     // Only who went to a button by the Tab key knows that the next press trades. When a chart becomes active,
     // a dialog closes or the trader comes back from another window, Qt would put the focus back here.
     const Qt::FocusReason reason = static_cast<QFocusEvent*>(event)->reason();
-    if (reason == Qt::TabFocusReason || reason == Qt::BacktabFocusReason)
+    if (reason == Qt::TabFocusReason || reason == Qt::BacktabFocusReason) {
+        tell(watched == m_sell ? tr("Space sells at once, at the market price")
+                               : tr("Space buys at once, at the market price"));
         return QWidget::eventFilter(watched, event);
+    }
     parentWidget()->setFocus(Qt::OtherFocusReason);
     return true;
+}
+
+void OneClickPanel::tell(const QString& words)
+{
+    QStatusTipEvent tip(words);
+    QCoreApplication::sendEvent(parentWidget(), &tip);
 }
 
 void OneClickPanel::enterEvent(QEnterEvent* event)

@@ -40,6 +40,8 @@ protected:
 
 private:
     void request(const QString& side);
+    /// Puts words into the status bar, for a button that the keyboard has come to; empty ones end that.
+    void tell(const QString& words);
 
     QString m_symbol;
     QPushButton* m_sell;

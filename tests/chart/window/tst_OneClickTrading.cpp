@@ -313,7 +313,7 @@ private Q_SLOTS:
             QVERIFY(served.chart().hasFocus());
         }
     }
-    void space_and_enter_trade_once_on_the_button_that_tab_led_to_data()
+    void only_space_trades_and_once_on_the_button_that_tab_led_to_data()
     {
         QTest::addColumn<Qt::Key>("key");
         QTest::addColumn<int>("tabs");
@@ -324,7 +324,7 @@ private Q_SLOTS:
             QTest::addRow("%s buys", name) << key << 3 << u"BUY"_s;
         }
     }
-    void space_and_enter_trade_once_on_the_button_that_tab_led_to()
+    void only_space_trades_and_once_on_the_button_that_tab_led_to()
     {
         QFETCH(const Qt::Key, key);
         QFETCH(const int, tabs);
@@ -341,7 +341,9 @@ private Q_SLOTS:
         for (int again = 0; again < 3; ++again)
             hands::hold(key);
         QTest::keyRelease(QApplication::focusWidget(), key);
-        QCOMPARE(wish, QList<QVariantList>({{u"EURUSD"_s, side, 0.01}}));
+        // Enter draws and drags on the chart: one Tab too many must not make an order of it.
+        const QList<QVariantList> asked{{u"EURUSD"_s, side, 0.01}};
+        QCOMPARE(wish, key == Qt::Key_Space ? asked : QList<QVariantList>());
     }
 
     void keys_in_the_panel_do_nothing_to_the_chart_but_escape()
