@@ -16,8 +16,7 @@ bool isMove(const QKeyEvent& press)
 {
     static constexpr int moves[]
         = {Qt::Key_Left, Qt::Key_Right, Qt::Key_Up, Qt::Key_Down, Qt::Key_Home, Qt::Key_End};
-    return !(press.modifiers() & ~Qt::KeypadModifier)
-        && std::find(std::begin(moves), std::end(moves), press.key()) != std::end(moves);
+    return std::find(std::begin(moves), std::end(moves), press.key()) != std::end(moves);
 }
 
 QString nameOf(const QToolButton& button)

@@ -6,8 +6,9 @@
 class QToolBar;
 class QToolButton;
 
-/// The keyboard in a toolbar: arrow keys go from button to button and stay within, Home and End go to the
-/// first and the last one, and the status bar tells the name of the button that has the focus.
+/// The keyboard in a toolbar: arrow keys go from button to button and stay within, whatever is held down with
+/// them, Home and End go to the first and the last one, and the status bar tells the name of the button that
+/// has the focus.
 class ToolBarKeys final : public QObject {
     Q_OBJECT
     Q_DISABLE_COPY_MOVE(ToolBarKeys)

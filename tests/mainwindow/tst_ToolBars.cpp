@@ -132,6 +132,36 @@ private Q_SLOTS:
         }
     }
 
+    void arrow_keys_with_another_key_stay_in_the_toolbar_data()
+    {
+        QTest::addColumn<Qt::KeyboardModifier>("modifier");
+        QTest::newRow("shift") << Qt::ShiftModifier;
+        QTest::newRow("control") << Qt::ControlModifier;
+        QTest::newRow("alt") << Qt::AltModifier;
+    }
+    void arrow_keys_with_another_key_stay_in_the_toolbar()
+    {
+        QFETCH(const Qt::KeyboardModifier, modifier);
+        const CommandDriver d;
+        d.activate();
+        const QToolBar& bar = d.bar("toolbarStandard");
+        const auto press
+            = [modifier](Qt::Key key) { QTest::keyClick(QApplication::focusWidget(), key, modifier); };
+        const QWidget* begin = bar.widgetForAction(d.actions().newChart);
+        const QWidget* end = bar.widgetForAction(d.actions().algoTrading);
+        bar.widgetForAction(d.actions().newChart)->setFocus(Qt::TabFocusReason);
+        for (const Qt::Key back : {Qt::Key_Left, Qt::Key_Up, Qt::Key_Home}) {
+            press(back);
+            QCOMPARE(QApplication::focusWidget(), begin);
+        }
+        press(Qt::Key_Right);
+        QCOMPARE(QApplication::focusWidget(), bar.widgetForAction(d.actions().toggleMarketWatch));
+        for (const Qt::Key on : {Qt::Key_End, Qt::Key_Right, Qt::Key_Down}) {
+            press(on);
+            QCOMPARE(QApplication::focusWidget(), end);
+        }
+    }
+
     void arrow_keys_pass_over_what_cannot_be_used()
     {
         const CommandDriver d;
