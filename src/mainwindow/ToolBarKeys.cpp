@@ -1,5 +1,6 @@
 #include "mainwindow/ToolBarKeys.h"
 
+#include "mainwindow/MoreButtons.h"
 #include "mainwindow/TabStops.h"
 
 #include <QCoreApplication>
@@ -30,9 +31,10 @@ QString nameOf(const QToolButton& button)
 
 } // namespace
 
-ToolBarKeys::ToolBarKeys(QToolBar& bar)
+ToolBarKeys::ToolBarKeys(QToolBar& bar, const MoreButtons& more)
     : QObject(&bar)
     , m_bar(bar)
+    , m_more(more)
 {
     for (QToolButton* button : bar.findChildren<QToolButton*>())
         button->installEventFilter(this);
@@ -60,15 +62,8 @@ bool ToolBarKeys::eventFilter(QObject* watched, QEvent* event)
 
 QList<QToolButton*> ToolBarKeys::stops() const
 {
-    QList<QToolButton*> buttons;
-    for (QAction* action : m_bar.actions())
-        buttons.append(qobject_cast<QToolButton*>(m_bar.widgetForAction(action)));
-    // Qt's arrow for those without room comes after them.
-    for (QToolButton* button : m_bar.findChildren<QToolButton*>()) {
-        if (!buttons.contains(button))
-            buttons.append(button);
-    }
-    buttons.removeIf([](const QToolButton* button) { return !button || !isTabStop(*button); });
+    QList<QToolButton*> buttons = m_more.inOrder();
+    buttons.removeIf([](const QToolButton* button) { return !isTabStop(*button); });
     return buttons;
 }
 

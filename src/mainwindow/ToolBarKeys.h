@@ -3,6 +3,7 @@
 #include <QList>
 #include <QObject>
 
+class MoreButtons;
 class QToolBar;
 class QToolButton;
 
@@ -14,8 +15,8 @@ class ToolBarKeys final : public QObject {
     Q_DISABLE_COPY_MOVE(ToolBarKeys)
 
 public:
-    /// The toolbar, which has all its buttons by now, is also the parent.
-    explicit ToolBarKeys(QToolBar& bar);
+    /// The toolbar, which has all its buttons by now, is also the parent; `more` is a child of it too.
+    ToolBarKeys(QToolBar& bar, const MoreButtons& more);
     ~ToolBarKeys() override = default;
 
 protected:
@@ -29,4 +30,5 @@ private:
     void tell(const QString& name) const;
 
     QToolBar& m_bar;
+    const MoreButtons& m_more;
 };

@@ -1,5 +1,6 @@
 #include "mainwindow/ToolBars.h"
 
+#include "mainwindow/MoreButtons.h"
 #include "mainwindow/TerminalActions.h"
 #include "mainwindow/ToolBarKeys.h"
 
@@ -26,15 +27,19 @@ QStringList objectNames()
     return {u"toolbarStandard"_s, u"toolbarTimeframes"_s, u"toolbarStudies"_s};
 }
 
+/// Qt's arrow behind which the buttons lie that have no room; every toolbar has one.
+QToolButton& arrowOf(const QToolBar& bar)
+{
+    return *bar.findChild<QToolButton*>(u"qt_toolbar_ext_button"_s);
+}
+
 QToolBar* addToolBar(QMainWindow& window, const QString& title, const QString& name)
 {
     auto* bar = new QToolBar(title, &window);
     bar->setObjectName(name);
     bar->setIconSize(iconSize);
     window.addToolBar(Qt::TopToolBarArea, bar);
-    // Qt's arrow behind which the buttons lie that have no room.
-    if (auto* more = bar->findChild<QToolButton*>(u"qt_toolbar_ext_button"_s))
-        more->setAccessibleName(ToolBarTexts::tr("More buttons"));
+    arrowOf(*bar).setAccessibleName(ToolBarTexts::tr("More buttons"));
     return bar;
 }
 
@@ -43,7 +48,9 @@ void letKeysReach(QToolBar& bar)
 {
     for (QToolButton* button : bar.findChildren<QToolButton*>())
         button->setFocusPolicy(Qt::TabFocus);
-    new ToolBarKeys(bar); // the toolbar's own child
+    // The toolbar's own children.
+    const auto* more = new MoreButtons(bar, arrowOf(bar));
+    new ToolBarKeys(bar, *more);
 }
 
 } // namespace

@@ -1,15 +1,64 @@
 #include "CommandDriver.h"
+#include "app/ui/EnterPress.h"
 #include "app/ui/Theme.h"
 #include "support/TestMain.h"
 
 #include <QActionGroup>
+#include <QDialog>
 #include <QDockWidget>
+#include <QPushButton>
 #include <QStatusBar>
 #include <QToolButton>
 
 #include <tuple>
 
 using namespace Qt::StringLiterals;
+
+namespace {
+
+/// A window, with a chart that has the keyboard, in which the last toolbar has no room for all its buttons.
+struct SmallWindow {
+    CommandDriver d;
+    QToolBar& bar = d.bar("toolbarStudies");
+    QToolButton* more = bar.findChild<QToolButton*>(u"qt_toolbar_ext_button"_s);
+    ChartWindow* chart = nullptr;
+
+    SmallWindow()
+    {
+        applyTheme(*qApp); // as the program has it: buttons are wider then
+        d.activate();
+        chart = d.openChart(u"EURUSD"_s);
+        d.f.window->resize(1024, 600);
+        QTRY_VERIFY(chart->chart().hasFocus());
+        QTRY_VERIFY(more->isVisible());
+        QTRY_VERIFY(d.actions().fibonacci->isEnabled());
+    }
+
+    [[nodiscard]] QList<QToolButton*> buttons() const
+    {
+        QList<QToolButton*> all;
+        for (QAction* action : bar.actions()) {
+            if (auto* button = qobject_cast<QToolButton*>(bar.widgetForAction(action)))
+                all.append(button);
+        }
+        return all;
+    }
+    [[nodiscard]] QList<QToolButton*> hidden() const
+    {
+        QList<QToolButton*> all = buttons();
+        all.removeIf([](const QToolButton* button) { return button->isVisible(); });
+        return all;
+    }
+    void openByKey() const
+    {
+        const QWidget* first = hidden().constFirst();
+        more->setFocus(Qt::TabFocusReason);
+        hands::press(Qt::Key_Space);
+        QTRY_COMPARE(QApplication::focusWidget(), first);
+    }
+};
+
+} // namespace
 
 class tst_ToolBars final : public QObject {
     Q_OBJECT
@@ -225,6 +274,171 @@ private Q_SLOTS:
         bar.show();
         QCoreApplication::sendEvent(button, &focus);
         QCOMPARE(d.f.window->statusBar()->currentMessage(), u"New Chart"_s);
+    }
+
+    void a_key_that_opens_more_buttons_leads_to_the_first_of_them_data()
+    {
+        QTest::addColumn<Qt::Key>("key");
+        QTest::newRow("space") << Qt::Key_Space;
+        QTest::newRow("enter") << Qt::Key_Return;
+    }
+    void a_key_that_opens_more_buttons_leads_to_the_first_of_them()
+    {
+        QFETCH(const Qt::Key, key);
+        const EnterPress enter(*qApp); // as the program has it
+        const SmallWindow w;
+        const QList<QToolButton*> hidden = w.hidden();
+        QVERIFY(!hidden.isEmpty());
+        w.more->setFocus(Qt::TabFocusReason);
+        hands::press(key);
+        QTRY_COMPARE(QApplication::focusWidget(), hidden.constFirst());
+        QVERIFY(w.more->isChecked());
+        QCOMPARE(w.hidden(), QList<QToolButton*>());
+    }
+
+    void more_buttons_that_the_mouse_has_opened_take_no_keyboard()
+    {
+        const SmallWindow w;
+        const QWidget* last = w.hidden().constLast();
+        QTest::mouseClick(w.more, Qt::LeftButton);
+        QTRY_VERIFY(last->isVisible());
+        QVERIFY(w.chart->chart().hasFocus());
+        // They are the mouse's as long as the keyboard does not come to them.
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_F6);
+        QVERIFY(!w.chart->chart().hasFocus());
+        QVERIFY(w.more->isChecked());
+    }
+
+    void arrow_keys_walk_the_opened_toolbar()
+    {
+        const SmallWindow w;
+        const QList<QToolButton*> all = w.buttons();
+        w.openByKey();
+        hands::press(Qt::Key_Home);
+        QList<QWidget*> walked{QApplication::focusWidget()};
+        for (qsizetype step = 0; step < all.size(); ++step) {
+            hands::press(Qt::Key_Right);
+            walked.append(QApplication::focusWidget());
+        }
+        walked.removeOne(w.more);
+        QCOMPARE(walked, QList<QWidget*>(all.begin(), all.end()));
+        hands::press(Qt::Key_Down);
+        QCOMPARE(QApplication::focusWidget(), all.constLast());
+        hands::press(Qt::Key_Home);
+        QCOMPARE(QApplication::focusWidget(), all.constFirst());
+        hands::press(Qt::Key_Up);
+        QCOMPARE(QApplication::focusWidget(), all.constFirst());
+        hands::press(Qt::Key_End);
+        QCOMPARE(QApplication::focusWidget(), all.constLast());
+        QVERIFY(w.more->isChecked());
+    }
+
+    void arrow_keys_enter_more_buttons_from_the_arrow()
+    {
+        const SmallWindow w;
+        const QWidget* first = w.hidden().constFirst();
+        w.openByKey();
+        hands::press(Qt::Key_Left);
+        QCOMPARE(QApplication::focusWidget(), w.more);
+        hands::press(Qt::Key_Down);
+        QCOMPARE(QApplication::focusWidget(), first);
+        hands::press(Qt::Key_Up);
+        QCOMPARE(QApplication::focusWidget(), w.more);
+    }
+
+    void escape_folds_more_buttons_and_then_leads_to_the_chart()
+    {
+        const SmallWindow w;
+        const QList<QToolButton*> hidden = w.hidden();
+        w.openByKey();
+        hands::press(Qt::Key_Right);
+        hands::press(Qt::Key_Escape);
+        QCOMPARE(QApplication::focusWidget(), w.more);
+        QVERIFY(!w.more->isChecked());
+        QTRY_COMPARE(w.hidden(), hidden);
+        QCOMPARE(QApplication::focusWidget(), w.more);
+        hands::press(Qt::Key_Escape);
+        QVERIFY(w.chart->chart().hasFocus());
+    }
+
+    void the_key_that_opens_more_buttons_folds_them_too()
+    {
+        const SmallWindow w;
+        const QList<QToolButton*> hidden = w.hidden();
+        w.openByKey();
+        hands::press(Qt::Key_Left);
+        hands::press(Qt::Key_Space);
+        QTRY_COMPARE(w.hidden(), hidden);
+        QCOMPARE(QApplication::focusWidget(), w.more);
+    }
+
+    void who_leaves_more_buttons_finds_them_folded_data()
+    {
+        QTest::addColumn<Qt::Key>("key");
+        QTest::newRow("tab") << Qt::Key_Tab;
+        QTest::newRow("backtab") << Qt::Key_Backtab;
+        QTest::newRow("f6") << Qt::Key_F6;
+    }
+    void who_leaves_more_buttons_finds_them_folded()
+    {
+        QFETCH(const Qt::Key, key);
+        const SmallWindow w;
+        const QList<QToolButton*> hidden = w.hidden();
+        w.openByKey();
+        for (int step = 0; step < 20 && w.bar.isAncestorOf(QApplication::focusWidget()); ++step) {
+            QVERIFY(w.more->isChecked());
+            hands::press(key);
+        }
+        const QWidget* elsewhere = QApplication::focusWidget();
+        QVERIFY(elsewhere && !w.bar.isAncestorOf(elsewhere));
+        QVERIFY(!w.more->isChecked());
+        QTRY_COMPARE(w.hidden(), hidden);
+        QCOMPARE(QApplication::focusWidget(), elsewhere);
+    }
+
+    void a_tool_that_is_chosen_folds_more_buttons()
+    {
+        const SmallWindow w;
+        const QList<QToolButton*> hidden = w.hidden();
+        QVERIFY(hidden.contains(w.bar.widgetForAction(w.d.actions().fibonacci)));
+        w.openByKey();
+        const QWidget* fibonacci = w.bar.widgetForAction(w.d.actions().fibonacci);
+        for (qsizetype step = 0; step < hidden.size() && QApplication::focusWidget() != fibonacci; ++step)
+            hands::press(Qt::Key_Right);
+        QCOMPARE(QApplication::focusWidget(), fibonacci);
+        hands::press(Qt::Key_Space);
+        QVERIFY(w.chart->chart().hasFocus());
+        QCOMPARE(w.chart->chart().tool(), u"fibonacci"_s);
+        QVERIFY(!w.more->isChecked());
+        QTRY_COMPARE(w.hidden(), hidden);
+        QVERIFY(w.chart->chart().hasFocus());
+    }
+
+    void the_keyboard_is_not_lost_when_qt_folds_the_toolbar()
+    {
+        const SmallWindow w;
+        const QList<QToolButton*> hidden = w.hidden();
+        w.openByKey();
+        QEvent leave(QEvent::Leave); // the mouse, which happened to lie there
+        QCoreApplication::sendEvent(&w.bar, &leave);
+        QTRY_COMPARE(w.hidden(), hidden);
+        QCOMPARE(QApplication::focusWidget(), w.more);
+    }
+
+    void a_dialog_over_more_buttons_gives_the_keyboard_back()
+    {
+        const SmallWindow w;
+        const QList<QToolButton*> hidden = w.hidden();
+        w.openByKey();
+        {
+            QDialog dialog(w.d.f.window.get());
+            QPushButton inDialog(&dialog);
+            dialog.open();
+            QVERIFY(hands::arriveAt(&dialog));
+            QTRY_COMPARE(w.hidden(), hidden);
+        }
+        w.d.activate();
+        QTRY_COMPARE(QApplication::focusWidget(), w.more);
     }
 
     void whatHasNoRoomIsBehindAnArrow_data()
