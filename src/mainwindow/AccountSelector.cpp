@@ -5,9 +5,13 @@
 #include "mainwindow/account/AccountBook.h"
 #include "net/records/AccountRecord.h"
 
+#include <QAbstractItemView>
 #include <QComboBox>
 #include <QKeyEvent>
 #include <QScopedValueRollback>
+
+#include <algorithm>
+#include <utility>
 
 using namespace Qt::StringLiterals;
 
@@ -45,9 +49,11 @@ bool choosesUnseen(const QKeyEvent& key)
 AccountSelector::AccountSelector(QComboBox& list, const AccountBook& book, QObject* parent)
     : QObject(parent)
     , m_list(list)
+    , m_lines(*list.view())
     , m_book(book)
 {
     m_list.installEventFilter(this);
+    m_lines.installEventFilter(this);
     connect(&m_list, &QComboBox::currentIndexChanged, this, &AccountSelector::onAccountSelected);
     connect(&m_book, &AccountBook::accountsChanged, this, &AccountSelector::fill);
     connect(&m_book, &AccountBook::currentAccountChanged, this, &AccountSelector::showCurrent);
@@ -70,13 +76,46 @@ bool AccountSelector::eventFilter(QObject* watched, QEvent* event)
     if (watched == &m_list && event->type() == QEvent::KeyPress
         && choosesUnseen(static_cast<const QKeyEvent&>(*event))) {
         m_list.showPopup();
+        lookFor(static_cast<QKeyEvent*>(event)->text());
         return true;
     }
+    if (watched == &m_lines && event->type() == QEvent::KeyPress)
+        return goOn(static_cast<QKeyEvent*>(event)->text());
     if (watched == &m_list && event->type() == QEvent::Wheel) {
         event->ignore(); // the open list has the wheel for itself
         return true;
     }
     return QObject::eventFilter(watched, event);
+}
+
+void AccountSelector::lookFor(const QString& letter)
+{
+    m_letter.clear();
+    if (letter.isEmpty() || !letter.front().isLetterOrNumber())
+        return;
+    m_letter = letter;
+    // The open list's own search, which goes on with the next letters; it would begin below the current line.
+    const QModelIndex current = m_lines.currentIndex();
+    m_lines.keyboardSearch({}); // forgets what was typed before the list was closed
+    m_lines.setCurrentIndex({});
+    m_lines.keyboardSearch(letter);
+    if (!m_lines.currentIndex().isValid())
+        m_lines.setCurrentIndex(current);
+}
+
+bool AccountSelector::goOn(const QString& letter)
+{
+    if (letter.isEmpty() || letter != std::exchange(m_letter, letter))
+        return false;
+    // Qt stays where it is when a letter comes again soon.
+    const QAbstractItemModel& model = *m_lines.model();
+    const int below = (m_lines.currentIndex().row() + 1) % std::max(model.rowCount(), 1);
+    const QModelIndexList found
+        = model.match(model.index(below, 0), Qt::DisplayRole, letter, 1, Qt::MatchStartsWith | Qt::MatchWrap);
+    if (found.isEmpty())
+        return false;
+    m_lines.setCurrentIndex(found.constFirst());
+    return true;
 }
 
 void AccountSelector::choose(const QString& accountId)

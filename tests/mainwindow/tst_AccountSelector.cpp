@@ -15,11 +15,12 @@ namespace {
 const QJsonArray two{records::account("w").wallet().balance(0), records::account("a")};
 
 struct Selector {
-    /// Shows three accounts, of which the second is current, and gives the list the keyboard.
-    void showFocused()
+    /// Shows accounts, three of which the second is current where none are named, and gives the list the
+    /// keyboard.
+    void showFocused(const QJsonArray& accounts = {records::account("w").wallet().balance(0),
+                         records::account("a"), records::account("p").plan("Pro", 2)})
     {
-        book.setAccounts({records::account("w").wallet().balance(0), records::account("a"),
-            records::account("p").plan("Pro", 2)});
+        book.setAccounts(accounts);
         list.show();
         list.activateWindow();
         list.setFocus();
@@ -121,6 +122,53 @@ private Q_SLOTS:
         QTRY_VERIFY(!s.list.view()->isVisible());
         QCOMPARE(s.chosen.count(), 0);
         QCOMPARE(s.list.currentData().toString(), u"a"_s);
+    }
+
+    void a_letter_opens_the_list_at_the_first_line_that_begins_with_it_data()
+    {
+        QTest::addColumn<QString>("typed");
+        QTest::addColumn<QString>("id");
+        QTest::newRow("another one") << u"r"_s << u"w"_s;
+        QTest::newRow("not the next one") << u"d"_s << u"a"_s;
+        QTest::newRow("a large letter") << u"D"_s << u"a"_s;
+        QTest::newRow("a second time") << u"dd"_s << u"b"_s;
+        QTest::newRow("once around") << u"ddd"_s << u"a"_s;
+        QTest::newRow("several letters") << u"pr"_s << u"q"_s;
+        QTest::newRow("none begins with it") << u"x"_s << u"b"_s;
+    }
+    void a_letter_opens_the_list_at_the_first_line_that_begins_with_it()
+    {
+        QFETCH(const QString, typed);
+        QFETCH(const QString, id);
+        Selector s;
+        s.book.selectAccount(u"b"_s);
+        s.showFocused({records::account("w").wallet().balance(0), records::account("a"),
+            records::account("p").plan("Pearl", 2), records::account("q").plan("Pro", 2),
+            records::account("b")});
+        for (const QChar letter : typed) // the first one moves the keyboard
+            hands::type(letter);
+        QVERIFY(s.list.view()->isVisible());
+        QCOMPARE(s.list.view()->currentIndex().data(Qt::UserRole).toString(), id);
+        QCOMPARE(s.list.currentData().toString(), u"b"_s);
+        QCOMPARE(s.chosen.count(), 0);
+        hands::press(Qt::Key_Return);
+        QTRY_VERIFY(!s.list.view()->isVisible());
+        QCOMPARE(s.list.currentData().toString(), id);
+        QCOMPARE(s.chosen.count(), id == u"b"_s ? 0 : 1);
+    }
+
+    void a_letter_begins_anew_each_time_the_list_is_opened()
+    {
+        Selector s;
+        s.showFocused({records::account("a"), records::account("b"), records::account("c")});
+        for (int time = 0; time < 2; ++time) {
+            hands::type(u"d"_s);
+            QCOMPARE(s.list.view()->currentIndex().row(), 0);
+            hands::press(Qt::Key_Escape);
+            QTRY_VERIFY(!s.list.view()->isVisible());
+            QTRY_VERIFY(s.list.hasFocus());
+        }
+        QCOMPARE(s.chosen.count(), 0);
     }
 
     void the_wheel_over_the_closed_list_chooses_none()

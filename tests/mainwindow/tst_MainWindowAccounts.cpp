@@ -1,4 +1,5 @@
 #include "MainWindowFixture.h"
+#include "support/Hands.h"
 #include "support/TestMain.h"
 
 #include <QAbstractItemView>
@@ -49,6 +50,22 @@ private Q_SLOTS:
         f.window->onAccountSelected(1);
         QVERIFY(f.summary().contains(u"Balance: 1,000.00"_s));
         QTRY_COMPARE(f.list("tradeList").topLevelItemCount(), 1);
+    }
+
+    void a_letter_and_enter_switch_the_account()
+    {
+        MainWindowFixture f;
+        f.signInAndSettle();
+        f.window->activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(f.window.get()));
+        f.selector().setFocus(Qt::TabFocusReason);
+        hands::type(u"p"_s);
+        QVERIFY(f.selector().view()->isVisible());
+        QCOMPARE(f.selector().currentData().toString(), u"a1"_s);
+        QCOMPARE(f.server.count("GET", "/api/trades/open?accountId=a2"), 0);
+        hands::press(Qt::Key_Return);
+        QCOMPARE(f.selector().currentData().toString(), u"a2"_s);
+        QTRY_COMPARE(f.server.count("GET", "/api/trades/open?accountId=a2"), 1);
     }
 
     void selectedAccountStaysSelectedWhenTheListChanges()
