@@ -160,6 +160,7 @@ private Q_SLOTS:
     void a_letter_begins_anew_each_time_the_list_is_opened()
     {
         Selector s;
+        s.book.selectAccount(u"c"_s);
         s.showFocused({records::account("a"), records::account("b"), records::account("c")});
         for (int time = 0; time < 2; ++time) {
             hands::type(u"d"_s);
