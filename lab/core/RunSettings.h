@@ -1,0 +1,51 @@
+#pragma once
+
+#include "practice/core/Types.h"
+#include "practice/core/broker/Money.h"
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace lab {
+
+/// At which prices of a minute (of a bar, for Open) the script is called.
+enum class Model {
+    Open, ///< once for each bar of the chart, at its open
+    Ohlc, ///< four times a minute: open, the two extremes, close
+    Path, ///< at each price of the practice market's own way through the minute
+    Feed, ///< every 250 ms, with the price of that way then
+};
+
+/// Which extreme of a minute comes first.
+enum class ExtremeOrder {
+    Usual, ///< the one nearer to the open; the low, where both are as near
+    HighFirst,
+    LowFirst,
+};
+
+enum class AccountRules { Demo, Plan };
+
+/// What a run was asked to do, apart from script and prices. Two runs with equal settings, scripts and
+/// prices give equal results.
+struct RunSettings {
+    std::string symbol;
+    practice::Timeframe timeframe = practice::Timeframe::M15;
+    std::optional<practice::TimeMs> from; ///< absent: as soon as there are `warmupBars`
+    std::optional<practice::TimeMs> to;   ///< the first moment that no longer belongs to the run
+    int warmupBars = 1500;                ///< of the chart before the first tick, fewer where there are fewer
+    Model model = Model::Ohlc;
+    ExtremeOrder extremes = ExtremeOrder::Usual;
+    std::optional<std::int64_t> spreadPoints; ///< absent: as recorded, else as usual for the symbol
+    practice::TimeMs delayMs = 0;             ///< from a script's order to its execution
+    AccountRules rules = AccountRules::Demo;
+    practice::Cents balance = 10'000'000;
+    int leverage = 100;
+    std::uint64_t seed = 1; ///< of everything random, the script's included
+    std::vector<std::pair<std::string, std::string>>
+        inputs; ///< name and literal, as given, in the script's order
+};
+
+} // namespace lab
