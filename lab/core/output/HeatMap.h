@@ -1,0 +1,22 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace lab {
+
+/// A figure over two inputs of a sweep.
+struct HeatGrid {
+    std::string figure;                                     ///< what is shown, such as "sharpe"
+    std::string columnName;                                 ///< the input along the top
+    std::string rowName;                                    ///< the input down the side
+    std::vector<std::string> columns;                       ///< its values
+    std::vector<std::string> rows;                          ///< its values
+    std::vector<std::vector<std::optional<double>>> values; ///< rows of columns; nothing: undefined or failed
+};
+
+/// The grid as a table with coloured cells, for ReportWords::parts. Names and values are escaped.
+[[nodiscard]] std::string heatMap(const HeatGrid& grid);
+
+} // namespace lab

@@ -1,0 +1,40 @@
+#pragma once
+
+#include <filesystem>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+namespace lab {
+
+/// Why something could not be written or read: one line that names the file.
+struct OutputError : std::runtime_error {
+    using std::runtime_error::runtime_error;
+};
+
+/// The files of one result on their way into a folder: all of them get there, or none. What is in the folder
+/// under these names stays as it is until every new file lies beside it, whole and on the disk.
+class ResultFolder {
+public:
+    /// The folder need not exist yet; nothing is touched before commit().
+    explicit ResultFolder(std::filesystem::path folder);
+
+    /// A file of this name, without any folder, and its whole content. A name that was added before gets the
+    /// new content.
+    void add(std::string name, std::string bytes);
+
+    /// Writes all that was added. Throws OutputError when that fails, after it has taken its own files away
+    /// and put former ones back.
+    void commit();
+
+private:
+    struct File {
+        std::string name;
+        std::string bytes;
+    };
+
+    std::filesystem::path m_folder;
+    std::vector<File> m_files;
+};
+
+} // namespace lab

@@ -1,0 +1,31 @@
+#pragma once
+
+#include "lab/core/RunResult.h"
+
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace lab {
+
+/// A run as its files tell it.
+struct SavedRun {
+    std::string name; ///< what it is called in a comparison: the folder's name
+    std::string from; ///< ISO 8601
+    std::string to;
+    /// Numbers of summary.json in its order; nothing where the figure is undefined.
+    std::vector<std::pair<std::string, std::optional<double>>> figures;
+    std::vector<std::string> warnings;
+    std::string symbol; ///< of the trades; empty without trades
+    int digits = 5;     ///< of the trades' prices
+    std::vector<TradeRow> trades;
+    std::vector<EquityPoint> equity;
+};
+
+/// Reads summary.json, trades.csv and equity.csv of the folder. Throws OutputError, "file:line: reason",
+/// where one is missing or damaged.
+[[nodiscard]] SavedRun readSavedRun(const std::filesystem::path& folder);
+
+} // namespace lab
