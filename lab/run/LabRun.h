@@ -1,0 +1,46 @@
+#pragma once
+
+#include "experts/ExpertScript.h"
+#include "lab/core/RunResult.h"
+#include "lab/core/RunSettings.h"
+
+#include <atomic>
+#include <chrono>
+#include <functional>
+#include <vector>
+
+namespace lab {
+
+class MinuteHistory;
+
+/// What happens around a run and has no part in its result, unless it ends it early.
+struct RunControl {
+    /// Told now and then how much is done, from 0 to 1.
+    std::function<void(double done)> progress;
+    /// Set, from any thread or a signal handler, when the run shall end as soon as it can.
+    const std::atomic<bool>* stop = nullptr;
+    /// A script that has not come to its end by then is ended; 0 leaves it all the time that it wants. One
+    /// that tries endless combinations of a regular expression does not notice.
+    std::chrono::milliseconds limit{0};
+};
+
+/// Runs Expert Advisors, unchanged, over history: each has a chart whose bars grow with the prices, a clock
+/// that follows them, and an account at the practice platform's broker. One run at a time in a process: Qt's
+/// application object must exist, and its posted events are handed out here.
+class LabRun final {
+public:
+    /// The history of the symbol that is traded, and then those of whatever pairs its money is converted by.
+    /// All must outlive this object.
+    explicit LabRun(std::vector<const MinuteHistory*> histories);
+
+    /// `script` as it was read: the inputs of the settings take their places in it here. A script that fails
+    /// gives a result up to there, with the reason in `error`; so does one that was stopped. Throws
+    /// std::invalid_argument when the script has no such inputs.
+    [[nodiscard]] RunResult run(
+        const ExpertScript& script, const RunSettings& settings, const RunControl& control = {}) const;
+
+private:
+    std::vector<const MinuteHistory*> m_histories;
+};
+
+} // namespace lab
