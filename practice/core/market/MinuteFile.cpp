@@ -21,11 +21,20 @@ namespace {
 
 constexpr std::string_view plainHeader = "time,open,high,low,close,volume";
 constexpr std::string_view askHeader = "time,open,high,low,close,volume,ask_open,ask_high,ask_low,ask_close";
+constexpr std::string_view fileEnding = "-1m.csv";
 constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
 constexpr std::size_t plainColumns = 6;
 constexpr std::size_t askColumns = 10;
 constexpr int maxDecimals = 8; // prices are first read in units of 10^-8
 constexpr std::size_t maxRows = 2'000'000;
+
+bool isSymbolName(const std::string& name)
+{
+    return !name.empty() && name.size() <= 32 && std::all_of(name.begin(), name.end(), [](char c) {
+        return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || (c >= '0' && c <= '9') || c == '.'
+            || c == '_';
+    });
+}
 
 bool isBlank(std::string_view line)
 {
@@ -259,6 +268,7 @@ private:
         m_file.minutes.trim();
         m_file.firstTime = m_times.front();
         m_file.lastTime = m_times.back();
+        m_file.times = std::move(m_times);
     }
 
     std::istream& m_input;
@@ -271,6 +281,15 @@ private:
 };
 
 } // namespace
+
+std::optional<std::string> recordedSymbol(const std::filesystem::path& path)
+{
+    std::string name = path.filename().string();
+    if (!name.ends_with(fileEnding))
+        return std::nullopt;
+    name.resize(name.size() - fileEnding.size());
+    return isSymbolName(name) ? std::optional(std::move(name)) : std::nullopt;
+}
 
 MinuteFile readMinutes(std::istream& input, const std::string& name)
 {

@@ -4,17 +4,20 @@
 
 #include <filesystem>
 #include <iosfwd>
+#include <optional>
 #include <stdexcept>
 #include <string>
+#include <vector>
 
 namespace practice {
 
 /// Recorded minutes of one instrument, ascending in time, with holes where nothing was recorded.
 struct MinuteFile {
-    int digits = 0;       ///< the most decimals that any price of the file is written with
-    TimeMs firstTime = 0; ///< of the first minute
-    TimeMs lastTime = 0;  ///< of the last one
-    MinuteTable minutes;  ///< at least two; volumes are at least 1, half spreads too where there are any
+    int digits = 0;            ///< the most decimals that any price of the file is written with
+    TimeMs firstTime = 0;      ///< of the first minute
+    TimeMs lastTime = 0;       ///< of the last one
+    MinuteTable minutes;       ///< at least two; volumes are at least 1, half spreads too where there are any
+    std::vector<TimeMs> times; ///< of each minute
 };
 
 /// A market data file that cannot be used; what() is one line that names the file and, if a line of it is
@@ -23,6 +26,10 @@ class MarketDataError final : public std::runtime_error {
 public:
     using std::runtime_error::runtime_error;
 };
+
+/// The symbol whose minutes a file of this name holds: SYMBOL-1m.csv, SYMBOL made of letters, digits, '.' and
+/// '_', 32 of them at most. Nothing for another name.
+[[nodiscard]] std::optional<std::string> recordedSymbol(const std::filesystem::path& path);
 
 /// Reads comma-separated minutes: a header "time,open,high,low,close,volume", optionally followed by
 /// ",ask_open,ask_high,ask_low,ask_close", then rows like "2014-05-01T00:00:00Z,1.38676,...". Times are

@@ -5,7 +5,6 @@
 #include "practice/core/market/ReplaySpec.h"
 #include "practice/core/market/ReplayedSymbol.h"
 
-#include <algorithm>
 #include <map>
 #include <system_error>
 #include <utility>
@@ -13,16 +12,7 @@
 namespace practice {
 namespace {
 
-constexpr std::string_view fileEnding = "-1m.csv";
 constexpr double shareBeforeStart = 0.4;
-
-bool isSymbolName(const std::string& name)
-{
-    return !name.empty() && name.size() <= 32 && std::all_of(name.begin(), name.end(), [](char c) {
-        return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || (c >= '0' && c <= '9') || c == '.'
-            || c == '_';
-    });
-}
 
 std::map<std::string, std::filesystem::path> recordsIn(const std::filesystem::path& folder)
 {
@@ -30,12 +20,8 @@ std::map<std::string, std::filesystem::path> recordsIn(const std::filesystem::pa
     std::error_code error;
     std::filesystem::directory_iterator entry(folder, error);
     for (; !error && entry != std::filesystem::directory_iterator(); entry.increment(error)) {
-        std::string name = entry->path().filename().string();
-        if (!name.ends_with(fileEnding))
-            continue;
-        name.resize(name.size() - fileEnding.size());
-        if (isSymbolName(name))
-            records.emplace(std::move(name), entry->path());
+        if (auto name = recordedSymbol(entry->path()))
+            records.emplace(std::move(*name), entry->path());
     }
     if (error)
         throw MarketDataError(folder.string() + ": " + error.message());
