@@ -14,6 +14,8 @@ struct Moment {
     std::uint32_t minute = 0;    ///< the number, in the history, of the minute that it belongs to
     /// The price has not passed through those between the moment before and this one: it comes after a gap.
     bool afterGap = false;
+    /// The script is called at it; otherwise the broker alone sees it.
+    bool forScript = true;
     friend bool operator==(const Moment&, const Moment&) = default;
 };
 

@@ -1,0 +1,69 @@
+#include "lab/core/market/RunSpan.h"
+
+#include "practice/core/PointScale.h"
+
+#include <algorithm>
+#include <string>
+
+namespace lab {
+namespace {
+
+practice::TimeMs barOf(const MinuteHistory& history, practice::Timeframe timeframe, std::size_t minute)
+{
+    return practice::barStart(history.timeAt(minute), timeframe);
+}
+
+// The first minute of the bar that has so many before it; the history's size when it has not as many.
+std::size_t afterWarmup(const MinuteHistory& history, const RunSettings& settings)
+{
+    int bars = 0;
+    for (std::size_t minute = 0; minute < history.size(); ++minute) {
+        if (beginsBar(history, settings.timeframe, minute) && bars++ == settings.warmupBars)
+            return minute;
+    }
+    throw HistoryError(history.spec.name + ": has " + std::to_string(bars) + " bars of "
+        + std::string(practice::timeframeKey(settings.timeframe)) + ", none after a warm-up of "
+        + std::to_string(settings.warmupBars));
+}
+
+} // namespace
+
+bool beginsBar(const MinuteHistory& history, practice::Timeframe timeframe, std::size_t minute)
+{
+    return minute == 0 || barOf(history, timeframe, minute) != barOf(history, timeframe, minute - 1);
+}
+
+RunSpan spanOf(const MinuteHistory& history, const RunSettings& settings)
+{
+    RunSpan span;
+    span.firstMinute = settings.from ? history.firstFrom(*settings.from) : afterWarmup(history, settings);
+    // A minute belongs to the run when it ends by then.
+    span.endMinute = settings.to ? history.firstFrom(*settings.to - practice::minuteMs + 1) : history.size();
+    if (span.firstMinute >= span.endMinute)
+        throw HistoryError(history.spec.name + ": no prices in this period");
+    return span;
+}
+
+std::vector<practice::Bar> barsBefore(
+    const MinuteHistory& history, practice::Timeframe timeframe, int count, std::size_t minute)
+{
+    std::size_t first = minute; // of the oldest bar
+    for (int bars = 0; first > 0 && bars < count; ++bars) {
+        do
+            --first;
+        while (!beginsBar(history, timeframe, first));
+    }
+    const double unit = practice::pointsPerUnit(history.spec.digits);
+    std::vector<practice::Bar> bars;
+    for (std::size_t next = first; next < minute;) {
+        const practice::TimeMs start = barOf(history, timeframe, next);
+        practice::GridBar bar = history.at(next).bar;
+        while (++next < minute && !beginsBar(history, timeframe, next))
+            bar.append(history.at(next).bar);
+        bars.push_back({start, static_cast<double>(bar.open) / unit, static_cast<double>(bar.high) / unit,
+            static_cast<double>(bar.low) / unit, static_cast<double>(bar.close) / unit, bar.volume});
+    }
+    return bars;
+}
+
+} // namespace lab
