@@ -26,7 +26,7 @@ struct Figures;
 [[nodiscard]] std::string journalText(const RunResult& result);
 
 /// summary.json: every figure, null where it is undefined, and the warnings.
-[[nodiscard]] std::string summaryJson(const RunResult& result, const Figures& figures);
+[[nodiscard]] std::string summaryJson(const Figures& figures);
 
 /// run.json: what has been run, so that it can be run again: the settings, and hashes of script, prices,
 /// ticks and decisions. `version` is the lab's.

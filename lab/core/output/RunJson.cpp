@@ -1,0 +1,52 @@
+#include "lab/core/output/JsonObject.h"
+#include "lab/core/output/ResultFiles.h"
+#include "lab/core/output/RunWords.h"
+#include "lab/core/output/Texts.h"
+
+namespace lab {
+
+std::string runJson(const RunResult& result, std::string_view version)
+{
+    const RunSettings& settings = result.settings;
+    JsonObject inputs;
+    for (const auto& [name, literal] : settings.inputs)
+        inputs.text(name, literal);
+
+    JsonObject run;
+    run.count("format", 1);
+    run.text("version", version);
+    run.text("scriptHash", hexText(result.scriptHash));
+    run.text("dataHash", hexText(result.dataHash));
+    run.text("tickPrint", hexText(result.tickPrint));
+    run.text("decisionPrint", hexText(result.decisionPrint));
+    run.text("symbol", settings.symbol);
+    run.text("timeframe", practice::timeframeKey(settings.timeframe));
+    run.time("from", settings.from);
+    run.time("to", settings.to);
+    run.count("warmup", static_cast<std::uint64_t>(settings.warmupBars < 0 ? 0 : settings.warmupBars));
+    run.text("model", modelText(settings.model));
+    run.text("extremes", extremesText(settings.extremes));
+    if (settings.spreadPoints)
+        run.raw("spread", std::to_string(*settings.spreadPoints));
+    else
+        run.nothing("spread");
+    run.raw("delay", std::to_string(settings.delayMs));
+    run.text("account", rulesText(settings.rules));
+    run.money("balance", settings.balance);
+    run.raw("leverage", std::to_string(settings.leverage));
+    run.count("seed", settings.seed);
+    run.flag("simulated", result.simulated);
+    run.raw("inputs", inputs.value(1));
+    run.text("outcome", outcomeText(result.outcome));
+    if (result.outcome == PlanOutcome::None)
+        run.nothing("outcomeTime");
+    else
+        run.time("outcomeTime", result.outcomeTime);
+    if (result.error)
+        run.text("error", *result.error);
+    else
+        run.nothing("error");
+    return run.document();
+}
+
+} // namespace lab

@@ -1,0 +1,16 @@
+#pragma once
+
+#include "lab/core/RunResult.h"
+
+#include <string_view>
+
+namespace lab {
+
+// The words of the options, for what a run was asked to do and how it ended.
+
+[[nodiscard]] std::string_view modelText(Model model);           ///< open, ohlc, path or feed
+[[nodiscard]] std::string_view extremesText(ExtremeOrder order); ///< usual, high-first or low-first
+[[nodiscard]] std::string_view rulesText(AccountRules rules);    ///< demo or plan
+[[nodiscard]] std::string_view outcomeText(PlanOutcome outcome); ///< none, passed, daily-loss or total-loss
+
+} // namespace lab
