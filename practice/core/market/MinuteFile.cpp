@@ -2,6 +2,7 @@
 
 #include "practice/core/PointScale.h"
 #include "practice/core/market/HashRandom.h"
+#include "practice/core/market/LineBlocks.h"
 
 #include <algorithm>
 #include <array>
@@ -25,7 +26,6 @@ constexpr std::string_view fileEnding = "-1m.csv";
 constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
 constexpr std::size_t plainColumns = 6;
 constexpr std::size_t askColumns = 10;
-constexpr int maxDecimals = 8; // prices are first read in units of 10^-8
 constexpr std::size_t maxRows = 2'000'000;
 
 bool isSymbolName(const std::string& name)
@@ -41,93 +41,118 @@ bool isBlank(std::string_view line)
     return line.find_first_not_of(" \t") == std::string_view::npos;
 }
 
-template <typename T> std::optional<T> wholeNumber(std::string_view text)
+bool isDigit(char c)
 {
-    T value{};
-    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
-    if (text.empty() || error != std::errc() || end != text.data() + text.size())
-        return std::nullopt;
-    return value;
+    return c >= '0' && c <= '9';
 }
 
-bool allDigits(std::string_view text)
+// A number of two digits at a place; below 0 when there are none.
+int twoDigits(std::string_view text, std::size_t at)
 {
-    return !text.empty()
-        && std::all_of(text.begin(), text.end(), [](char c) { return c >= '0' && c <= '9'; });
+    return isDigit(text[at]) && isDigit(text[at + 1]) ? (text[at] - '0') * 10 + text[at + 1] - '0' : -1;
 }
 
-std::optional<TimeMs> parseTime(std::string_view text)
+// Days since 1970 of a date like 2014-05-01.
+std::optional<TimeMs> parseDate(std::string_view text)
 {
-    if (text.size() != 20 || text[4] != '-' || text[7] != '-' || text[10] != 'T' || text[13] != ':'
-        || text[16] != ':' || text[19] != 'Z')
+    const int century = twoDigits(text, 0);
+    const int year = twoDigits(text, 2);
+    const int month = twoDigits(text, 5);
+    const int day = twoDigits(text, 8);
+    if (std::min({century, year, month, day}) < 0 || text[4] != '-' || text[7] != '-')
         return std::nullopt;
-    std::array<int, 6> fields{};
-    constexpr std::array<std::pair<std::size_t, std::size_t>, 6> places{
-        {{0, 4}, {5, 2}, {8, 2}, {11, 2}, {14, 2}, {17, 2}}};
-    for (std::size_t i = 0; i < fields.size(); ++i) {
-        const std::string_view field = text.substr(places[i].first, places[i].second);
-        if (!allDigits(field))
+    const std::chrono::year_month_day date{std::chrono::year(100 * century + year),
+        std::chrono::month(static_cast<unsigned>(month)), std::chrono::day(static_cast<unsigned>(day))};
+    if (!date.ok())
+        return std::nullopt;
+    return std::chrono::sys_days(date).time_since_epoch().count();
+}
+
+// Reads times like 2014-05-01T00:00:00Z, of which most are of the same day as the one before.
+class TimeReader final {
+public:
+    std::optional<TimeMs> read(std::string_view text)
+    {
+        if (text.size() != 20 || text[10] != 'T' || text[13] != ':' || text[16] != ':' || text[19] != 'Z')
             return std::nullopt;
-        fields[i] = wholeNumber<int>(field).value_or(0);
+        const int hour = twoDigits(text, 11);
+        const int minute = twoDigits(text, 14);
+        const int second = twoDigits(text, 17);
+        if (std::min({hour, minute, second}) < 0 || hour > 23 || minute > 59 || second > 59)
+            return std::nullopt;
+        if (const std::string_view date = text.substr(0, 10); date != m_date) {
+            const auto days = parseDate(date);
+            if (!days)
+                return std::nullopt;
+            m_date = date;
+            m_day = *days * dayMs;
+        }
+        return m_day + hour * hourMs + minute * minuteMs + second * TimeMs(1000);
     }
-    const std::chrono::year_month_day date{std::chrono::year(fields[0]),
-        std::chrono::month(static_cast<unsigned>(fields[1])),
-        std::chrono::day(static_cast<unsigned>(fields[2]))};
-    if (!date.ok() || fields[3] > 23 || fields[4] > 59 || fields[5] > 59)
-        return std::nullopt;
-    const TimeMs days = std::chrono::sys_days(date).time_since_epoch().count();
-    return days * dayMs + fields[3] * hourMs + fields[4] * minuteMs + fields[5] * TimeMs(1000);
-}
+
+private:
+    std::string m_date;
+    TimeMs m_day = 0;
+};
 
 struct Decimal {
-    std::int64_t units = 0; // of 10^-8
+    std::int64_t units = 0; // of the last decimal
     int decimals = 0;
 };
 
+// Digits with or without a point between them: up to 7 before it, up to maxPriceDigits behind it.
 std::optional<Decimal> parsePrice(std::string_view text)
 {
-    const std::size_t point = text.find('.');
-    const std::string_view whole = text.substr(0, point);
-    const std::string_view fraction
-        = point == std::string_view::npos ? std::string_view() : text.substr(point + 1);
-    if (!allDigits(whole) || whole.size() > 7 || fraction.size() > maxDecimals
-        || (point != std::string_view::npos && !allDigits(fraction)))
+    constexpr std::size_t mostBefore = 7;
+    if (text.size() > mostBefore + 1 + maxPriceDigits)
         return std::nullopt;
-    Decimal price{wholeNumber<std::int64_t>(whole).value_or(0), static_cast<int>(fraction.size())};
-    for (std::size_t i = 0; i < maxDecimals; ++i)
-        price.units = price.units * 10 + (i < fraction.size() ? fraction[i] - '0' : 0);
-    if (price.units <= 0)
+    Decimal price;
+    std::size_t place = 0;
+    const auto readDigits = [&] {
+        const std::size_t first = place;
+        for (; place < text.size() && isDigit(text[place]); ++place)
+            price.units = price.units * 10 + (text[place] - '0');
+        return place - first;
+    };
+    const std::size_t before = readDigits();
+    if (before == 0 || before > mostBefore)
         return std::nullopt;
-    return price;
+    if (place < text.size()) {
+        if (text[place++] != '.')
+            return std::nullopt;
+        price.decimals = static_cast<int>(readDigits());
+        if (price.decimals == 0 || price.decimals > maxPriceDigits || place < text.size())
+            return std::nullopt;
+    }
+    return price.units > 0 ? std::optional(price) : std::nullopt;
+}
+
+std::int64_t tenToThe(int decimals)
+{
+    return static_cast<std::int64_t>(pointsPerUnit(decimals));
 }
 
 class MinuteReader final {
 public:
     MinuteReader(std::istream& input, const std::string& name)
-        : m_input(input)
+        : m_lines(input)
         , m_name(name)
     {
     }
 
     MinuteFile read()
     {
-        std::string line;
-        const bool any = nextLine(line);
-        if (line.starts_with(byteOrderMark))
-            line.erase(0, byteOrderMark.size());
-        if (!any || (line != plainHeader && line != askHeader))
-            fail("the header is not \"" + std::string(plainHeader) + "\" with or without the ask columns");
-        m_hasAsk = line == askHeader;
-        while (nextLine(line)) {
-            if (isBlank(line)) {
+        readHeader();
+        while (const auto line = nextLine()) {
+            if (isBlank(*line)) {
                 requireOnlyBlankLines();
                 break;
             }
             if (m_file.minutes.size() == maxRows)
                 fail("more rows than can be replayed");
-            readRow(line);
+            readRow(*line);
         }
-        if (m_input.bad())
+        if (m_lines.failed())
             throw MarketDataError(m_name + ": cannot be read");
         if (m_file.minutes.size() < 2)
             fail("fewer than two minutes");
@@ -142,23 +167,30 @@ private:
             m_name + ':' + std::to_string(std::max<std::size_t>(m_line, 1)) + ": " + reason);
     }
 
-    bool nextLine(std::string& line)
+    std::optional<std::string_view> nextLine()
     {
-        if (!std::getline(m_input, line))
-            return false;
-        ++m_line;
-        if (!line.empty() && line.back() == '\r')
-            line.pop_back();
-        return true;
+        const auto line = m_lines.next();
+        if (line)
+            ++m_line;
+        return line;
+    }
+
+    void readHeader()
+    {
+        std::string_view line = nextLine().value_or(std::string_view());
+        if (line.starts_with(byteOrderMark))
+            line.remove_prefix(byteOrderMark.size());
+        if (line != plainHeader && line != askHeader)
+            fail("the header is not \"" + std::string(plainHeader) + "\" with or without the ask columns");
+        m_hasAsk = line == askHeader;
     }
 
     // Blank lines end many files; one between two rows is a sign of damage.
     void requireOnlyBlankLines()
     {
         const std::size_t first = m_line;
-        std::string line;
-        while (nextLine(line)) {
-            if (!isBlank(line)) {
+        while (const auto line = nextLine()) {
+            if (!isBlank(*line)) {
                 m_line = first;
                 fail("the line is empty");
             }
@@ -170,74 +202,96 @@ private:
         std::array<std::string_view, askColumns> cells;
         const std::size_t wanted = m_hasAsk ? askColumns : plainColumns;
         std::size_t count = 0;
-        for (std::size_t from = 0; from <= line.size(); ++count) {
-            const std::size_t comma = std::min(line.find(',', from), line.size());
+        std::size_t from = 0;
+        for (std::size_t place = 0; place <= line.size(); ++place) {
+            if (place < line.size() && line[place] != ',')
+                continue;
             if (count < askColumns)
-                cells[count] = line.substr(from, comma - from);
-            from = comma + 1;
+                cells[count] = line.substr(from, place - from);
+            ++count;
+            from = place + 1;
         }
         if (count != wanted)
             fail("expected " + std::to_string(wanted) + " columns, found " + std::to_string(count));
 
         const TimeMs time = rowTime(cells[0]);
-        const auto volume = wholeNumber<double>(cells[5]);
-        if (!volume || !(*volume >= 0) || *volume > 1e12)
+        const auto volume = readVolume(cells[5]);
+        if (!volume)
             fail("the volume is not a number from 0");
-        const GridBar bid = rowBar(cells.data() + 1);
+        GridBar bid = rowBar(cells.data() + 1);
+        const int digits = m_file.digits;
         const GridBar ask = m_hasAsk ? rowBar(cells.data() + 6) : bid;
+        if (digits != m_file.digits)
+            scale(bid, tenToThe(m_file.digits - digits));
         if (ask.open < bid.open || ask.high < bid.high || ask.low < bid.low || ask.close < bid.close)
             fail("an ask is below its bid");
-        keepRow(time, bid, ask, std::llround(*volume));
+        // In half points, in which every mid is whole.
+        m_file.minutes.append(
+            {{bid.open + ask.open, bid.high + ask.high, bid.low + ask.low, bid.close + ask.close, *volume},
+                ask.close - bid.close});
+        m_file.times.push_back(time);
     }
 
-    // Prices are kept in half points of the most digits so far, in which every mid is whole.
-    void keepRow(TimeMs time, const GridBar& bid, const GridBar& ask, std::int64_t volume)
+    static std::optional<std::int64_t> readVolume(std::string_view text)
     {
-        if (m_digits > m_file.digits)
-            addDigits();
-        const auto unitsPerPoint = static_cast<std::int64_t>(pointsPerUnit(maxDecimals - m_file.digits));
-        const auto twice
-            = [&](std::int64_t left, std::int64_t right) { return (left + right) / unitsPerPoint; };
-        m_file.minutes.append({{twice(bid.open, ask.open), twice(bid.high, ask.high), twice(bid.low, ask.low),
-                                   twice(bid.close, ask.close), volume},
-            (ask.close - bid.close) / unitsPerPoint});
-        m_times.push_back(time);
+        if (text == "0") // where nothing was counted, all of them
+            return 0;
+        double volume = 0;
+        const char* end = text.data() + text.size();
+        const auto [stop, error] = std::from_chars(text.data(), end, volume);
+        if (text.empty() || error != std::errc() || stop != end || !(volume >= 0) || volume > 1e12)
+            return std::nullopt;
+        return std::llround(volume);
     }
 
-    void addDigits()
+    static void scale(GridBar& bar, std::int64_t factor)
     {
-        const auto factor = static_cast<std::int64_t>(pointsPerUnit(m_digits - m_file.digits));
+        for (std::int64_t* price : {&bar.open, &bar.high, &bar.low, &bar.close})
+            *price *= factor;
+    }
+
+    // What has been read so far, in points of more digits.
+    void raiseDigits(int digits)
+    {
+        const std::int64_t factor = tenToThe(digits - m_file.digits);
         m_file.minutes.changeEach([factor](std::size_t, MinuteRecord& record) {
-            GridBar& bar = record.bar;
-            for (std::int64_t* price : {&bar.open, &bar.high, &bar.low, &bar.close, &record.halfSpread})
-                *price *= factor;
+            scale(record.bar, factor);
+            record.halfSpread *= factor;
         });
-        m_file.digits = m_digits;
+        m_file.digits = digits;
     }
 
-    TimeMs rowTime(std::string_view text) const
+    TimeMs rowTime(std::string_view text)
     {
-        const auto time = parseTime(text);
+        const auto time = m_timeReader.read(text);
         if (!time)
             fail("the time is not like 2014-05-01T00:00:00Z");
         if (*time % minuteMs != 0)
             fail("the time is not a whole minute");
-        if (!m_times.empty() && *time <= m_times.back())
+        if (!m_file.times.empty() && *time <= m_file.times.back())
             fail("the time is not after the line before");
         return *time;
     }
 
+    // In points of the most decimals so far, those of these prices included.
     GridBar rowBar(const std::string_view* cells)
     {
-        std::array<std::int64_t, 4> units{};
-        for (std::size_t i = 0; i < units.size(); ++i) {
+        std::array<Decimal, 4> prices;
+        int decimals = 0;
+        for (std::size_t i = 0; i < prices.size(); ++i) {
             const auto price = parsePrice(cells[i]);
             if (!price)
                 fail("a price is not a plain decimal above 0");
-            units[i] = price->units;
-            m_digits = std::max(m_digits, price->decimals);
+            prices[i] = *price;
+            decimals = std::max(decimals, price->decimals);
         }
-        const GridBar bar{units[0], units[1], units[2], units[3], 0};
+        if (decimals > m_file.digits)
+            raiseDigits(decimals);
+        const auto points = [this](const Decimal& price) {
+            return price.decimals == m_file.digits ? price.units
+                                                   : price.units * tenToThe(m_file.digits - price.decimals);
+        };
+        const GridBar bar{points(prices[0]), points(prices[1]), points(prices[2]), points(prices[3]), 0};
         if (bar.high < std::max(bar.open, bar.close))
             fail("high is below open or close");
         if (bar.low > std::min(bar.open, bar.close))
@@ -261,23 +315,21 @@ private:
         m_file.minutes.changeEach([&](std::size_t number, MinuteRecord& record) {
             if (record.bar.volume > 0)
                 return;
-            HashRandom random(hashKey({static_cast<std::uint64_t>(m_times[number])}));
+            HashRandom random(hashKey({static_cast<std::uint64_t>(m_file.times[number])}));
             const double range = static_cast<double>(record.bar.high - record.bar.low) / usualRange;
             record.bar.volume = std::llround((0.6 + 0.8 * random.uniform()) * (15 + 60 * std::sqrt(range)));
         });
         m_file.minutes.trim();
-        m_file.firstTime = m_times.front();
-        m_file.lastTime = m_times.back();
-        m_file.times = std::move(m_times);
+        m_file.firstTime = m_file.times.front();
+        m_file.lastTime = m_file.times.back();
     }
 
-    std::istream& m_input;
+    LineBlocks m_lines;
     const std::string& m_name;
     std::size_t m_line = 0;
     bool m_hasAsk = false;
-    int m_digits = 0; // the most decimals of the lines so far
-    std::vector<TimeMs> m_times;
-    MinuteFile m_file; // its digits follow m_digits when a line is complete
+    TimeReader m_timeReader;
+    MinuteFile m_file;
 };
 
 } // namespace

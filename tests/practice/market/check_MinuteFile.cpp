@@ -4,6 +4,7 @@
 
 #include <locale>
 #include <sstream>
+#include <vector>
 
 using namespace practice;
 
@@ -49,6 +50,7 @@ TEST_CASE("minutes are read exactly, in points of the most decimals used")
     REQUIRE(file.minutes.size() == 2);
     CHECK_EQ(file.firstTime, TimeMs(1'398'902'400'000));
     CHECK_EQ(file.lastTime, file.firstTime + 2 * minuteMs);
+    CHECK(file.times == (std::vector<TimeMs>{file.firstTime, file.lastTime}));
     CHECK(file.minutes.at(0).bar == (GridBar{1100, 1300, 1000, 1200, 5}));
     CHECK(file.minutes.at(1).bar == (GridBar{1250, 1255, 1200, 1210, 3}));
     CHECK_EQ(file.minutes.at(0).halfSpread, std::int64_t(0));
@@ -161,6 +163,25 @@ TEST_CASE("another header is refused, an empty file too")
     CHECK_EQ(complaint(""), expected);
     CHECK_EQ(complaint("time;open;high;low;close;volume\n"), expected);
     CHECK_EQ(complaint(firstRow + firstRow), expected);
+}
+
+TEST_CASE("times are right around midnight, leap days and the turn of a year")
+{
+    const MinuteFile file = parsed(header + "2015-12-31T23:59:00Z,1,1,1,1,1\n2016-01-01T00:00:00Z,1,1,1,1,1\n"
+        + "2016-02-29T12:34:00Z,1,1,1,1,1\n2016-03-01T00:00:00Z,1,1,1,1,1\n");
+    CHECK(file.times
+        == (std::vector<TimeMs>{1'451'606'340'000, 1'451'606'400'000, 1'456'749'240'000, 1'456'790'400'000}));
+}
+
+TEST_CASE("a file is about the symbol that its name begins with")
+{
+    CHECK(recordedSymbol("/some/where/EURUSD-1m.csv") == "EURUSD");
+    CHECK(recordedSymbol("a.B_9-1m.csv") == "a.B_9");
+    for (const char* name :
+        {"EURUSD.csv", "EURUSD-1h.csv", "-1m.csv", "EUR USD-1m.csv", "EUR-USD-1m.csv", "x"})
+        CHECK(!recordedSymbol(name));
+    CHECK(recordedSymbol(std::string(32, 'A') + "-1m.csv").has_value());
+    CHECK(!recordedSymbol(std::string(33, 'A') + "-1m.csv"));
 }
 
 TEST_CASE("a file that is not there is named")
