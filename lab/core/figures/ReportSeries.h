@@ -48,7 +48,7 @@ struct ExcursionPoint {
     practice::Cents net = 0;
 };
 
-/// The trades' excursions in their order, at most `most` of them: the worst and the best of each group of
+/// The trades' excursions in their order, at most `most` (at least 2) of them: the worst and the best of each group of
 /// neighbours where there are more.
 [[nodiscard]] std::vector<ExcursionPoint> excursions(const RunResult& result, std::size_t most = 2000);
 

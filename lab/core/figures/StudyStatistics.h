@@ -3,7 +3,7 @@
 #include "lab/core/figures/Figures.h"
 
 #include <cstddef>
-#include <cstdint>
+#include <optional>
 #include <span>
 #include <vector>
 
@@ -35,10 +35,11 @@ struct ReturnMatrix {
     std::vector<double> values; ///< day by day: values[day * trials + trial]
 };
 
-/// The probability that the trial which is best in one half of the days lies below the median in the other:
-/// combinatorially symmetric cross-validation with `blocks` blocks of days (an even number from 2 to 20).
-/// Ranks are by Sharpe ratio; a trial without deviation ranks below any other. Absent with fewer than two
-/// trials or fewer than two days a block. The oldest days that fill no block are left out.
+/// The probability that the trial which is best in one half of the days does not lie above the median in the
+/// other: combinatorially symmetric cross-validation with `blocks` blocks of days (an even number from 2 to
+/// 20). Ranks are by Sharpe ratio, which is 0 for a trial without deviation; equal ones share the mean of
+/// their ranks. Absent with fewer than two trials or fewer than two days a block. The oldest days that fill
+/// no block are left out.
 [[nodiscard]] Figure overfittingProbability(const ReturnMatrix& matrix, std::size_t blocks = 16);
 
 /// Where a share is likely to lie.
