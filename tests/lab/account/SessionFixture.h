@@ -70,6 +70,11 @@ inline void addMinute(MinuteHistory& history, TimeMs time, const practice::GridB
 class Session {
 public:
     explicit Session(practice::SymbolSpec spec = eurUsd()) { history.spec = std::move(spec); }
+    explicit Session(const RunSettings& wanted)
+        : settings(wanted)
+    {
+        history.spec = eurUsd();
+    }
 
     AccountSession& operator*()
     {
