@@ -2,11 +2,10 @@
 
 #include "app/base/LineKind.h"
 #include "experts/ExpertHost.h"
-#include "experts/ExpertScript.h"
-#include "experts/ExpertTimer.h"
 #include "experts/ScriptEngine.h"
 
 #include <QCoreApplication>
+#include <QTimer>
 
 #include <memory>
 
@@ -22,14 +21,10 @@ class ExpertRun final : public std::enable_shared_from_this<ExpertRun> {
 public:
     /// `engine` tells what happens here, until abandon().
     ExpertRun(ExpertEngine& engine, const QString& symbol, int digits, const std::vector<Candle>& candles,
-        ExpertHost::Callbacks callbacks, std::unique_ptr<ExpertTimer> timer);
+        ExpertHost::Callbacks callbacks, std::unique_ptr<QTimer> timer);
     ~ExpertRun();
 
     [[nodiscard]] bool load(const QString& path, QString& error);
-    [[nodiscard]] bool load(const ExpertScript& script, QString& error);
-    void setForerun(const ScriptForerun& forerun) { m_forerun = forerun; }
-    /// From any thread.
-    void interrupt() { m_script.interrupt(); }
     void tick();
     void stop();
     /// The engine is gone: no script code runs any more, apart from the rest of a hook under way.
@@ -44,13 +39,8 @@ private:
     enum class State { Created, Starting, Running, Stopping, Stopped };
     class HookScope;
 
-    /// Starts with what `evaluate` makes of the script.
-    [[nodiscard]] bool start(const QString& name, const std::function<bool()>& evaluate, QString& error);
-    /// Runs the preludes and the script. On failure `error` holds the reason, which has not been reported.
-    [[nodiscard]] bool evaluate(const ExpertScript& script, QString& error);
-    /// Runs a text of our own.
-    [[nodiscard]] bool prepare(
-        const QString& text, const QString& fileName, QString& error, QJSValue* result = nullptr);
+    /// Runs the prelude and the script. On failure `error` holds the reason, which has not been reported.
+    [[nodiscard]] bool evaluate(const QString& path, QString& error);
     /// Fetches the hooks and calls OnInit. On failure `error` holds the reason, which has been reported.
     [[nodiscard]] bool initialize(QString& error);
     /// Fetches a hook. False when reading its name throws; `error` then holds the text that has been
@@ -67,8 +57,7 @@ private:
     ExpertEngine* m_engine; ///< null after abandon()
     ScriptEngine m_script;
     ExpertHost m_host; ///< declared after the engine, so that it ends first
-    std::unique_ptr<ExpertTimer> m_timer;
-    ScriptForerun m_forerun;
+    std::unique_ptr<QTimer> m_timer;
     QString m_name;
     QJSValue m_digitsChanged; ///< the prelude's own
     QJSValue m_onTick;

@@ -1,0 +1,145 @@
+#include "lab/core/figures/Warnings.h"
+#include "lab/core/output/FigureText.h"
+#include "lab/core/output/PageParts.h"
+#include "lab/core/output/RunWords.h"
+#include "lab/core/output/Texts.h"
+
+#include <algorithm>
+#include <array>
+#include <utility>
+#include <vector>
+
+namespace lab {
+
+namespace {
+
+/// The groups of the figures by the key that begins each.
+constexpr std::array<std::pair<std::string_view, std::string_view>, 8> groups{{
+    {"from", "Run"},
+    {"startBalance", "Result"},
+    {"cagr", "Return and risk"},
+    {"maxDrawdown", "Drawdown"},
+    {"trades", "Trades"},
+    {"commission", "Costs"},
+    {"var95", "Tails"},
+    {"buyAndHold", "Limits and checks"},
+}};
+
+using Lines = std::vector<std::pair<std::string, std::string>>;
+
+std::string settingsTable(std::string_view caption, const Lines& lines)
+{
+    std::string html = "<table>\n<caption>" + escaped(caption) + "</caption>\n<tbody>\n";
+    for (const auto& [name, value] : lines)
+        html += "<tr><th scope=\"row\">" + escaped(name) + "</th><td>" + escaped(value) + "</td></tr>\n";
+    return html + "</tbody>\n</table>\n";
+}
+
+Lines priceLines(const RunResult& result)
+{
+    const RunSettings& settings = result.settings;
+    Lines lines{{"Symbol", shortened(settings.symbol, 100)},
+        {"Timeframe", std::string(practice::timeframeKey(settings.timeframe))},
+        {"From", settings.from ? minuteText(*settings.from) + " UTC" : std::string(undefinedText)},
+        {"To", settings.to ? minuteText(*settings.to) + " UTC" : std::string(undefinedText)},
+        {"Prices", result.simulated ? "simulated" : "recorded"},
+        {"Model of time", std::string(modelText(settings.model))}};
+    if (settings.model == Model::Ohlc)
+        lines.emplace_back("High and low", std::string(extremesText(settings.extremes)));
+    lines.emplace_back("Spread",
+        settings.spreadPoints ? std::to_string(*settings.spreadPoints) + " points" : "as recorded or usual");
+    lines.emplace_back("Bars before the start", groupedText(settings.warmupBars, 0));
+    return lines;
+}
+
+Lines accountLines(const RunResult& result)
+{
+    const RunSettings& settings = result.settings;
+    return {{"Rules", std::string(rulesText(settings.rules))},
+        {"Balance", practice::moneyText(result.startBalance)},
+        {"Leverage", "1:" + std::to_string(settings.leverage)},
+        {"Delay of orders", groupedText(static_cast<double>(settings.delayMs), 0) + " ms"},
+        {"Seed", std::to_string(settings.seed)}, {"Hash of the script", hexText(result.scriptHash)},
+        {"Hash of the prices", hexText(result.dataHash)}, {"Print of the ticks", hexText(result.tickPrint)},
+        {"Print of the decisions", hexText(result.decisionPrint)}};
+}
+
+std::string tile(const Figures& figures, std::string_view key)
+{
+    const FigureRow* const row = figureRow(key);
+    if (!row)
+        return {};
+    return "<div><dt>" + escaped(row->name) + "</dt><dd>" + figureText(row->kind, row->of(figures))
+        + "</dd></div>\n";
+}
+
+} // namespace
+
+std::string_view signedCell(double value)
+{
+    if (value > 0)
+        return " class=\"n gain\"";
+    return value < 0 ? " class=\"n loss\"" : " class=\"n\"";
+}
+
+std::string verdictPart(const RunResult& result, const Figures& figures, const PageLimits& limits)
+{
+    std::string html;
+    if (!figures.warnings.empty()) {
+        const std::size_t count = std::min(figures.warnings.size(), limits.texts);
+        html += "<ul class=\"warnings\">\n";
+        for (std::size_t number = 0; number < count; ++number)
+            html += "<li>" + escaped(shortened(figures.warnings[number], 500)) + "</li>\n";
+        if (count < figures.warnings.size())
+            html += "<li>and " + std::to_string(figures.warnings.size() - count) + " more</li>\n";
+        html += "</ul>\n";
+    }
+    html += "<p class=\"verdict\">" + escaped(shortened(verdictOf(result, figures), 1'000)) + "</p>\n";
+    html += "<dl class=\"tiles\">\n";
+    for (const std::string_view key :
+        {"netProfit", "cagr", "sharpe", "maxDrawdown", "profitFactor", "trades"})
+        html += tile(figures, key);
+    return html + "</dl>";
+}
+
+std::string settingsPart(const RunResult& result, const std::string& script, const PageLimits& limits)
+{
+    Lines prices = priceLines(result);
+    prices.insert(prices.begin(), {"Script", shortened(script, 200)});
+    std::string html = "<div class=\"settings\">\n" + settingsTable("Script and prices", prices)
+        + settingsTable("Account and fingerprints", accountLines(result));
+    const auto& inputs = result.settings.inputs;
+    if (!inputs.empty()) {
+        Lines lines;
+        for (std::size_t number = 0; number < std::min(inputs.size(), limits.texts); ++number)
+            lines.emplace_back(shortened(inputs[number].first, 100), shortened(inputs[number].second, 200));
+        if (lines.size() < inputs.size())
+            lines.emplace_back("and more", std::to_string(inputs.size() - lines.size()));
+        html += settingsTable("Inputs of the script", lines);
+    }
+    return html + "</div>";
+}
+
+std::string figuresPart(const Figures& figures)
+{
+    std::string html = "<div class=\"figures\">\n";
+    bool isOpen = false;
+    for (const FigureRow& row : figureRows()) {
+        const auto* const group = std::find_if(
+            groups.begin(), groups.end(), [&](const auto& candidate) { return candidate.first == row.key; });
+        if (group != groups.end() || !isOpen) {
+            html += isOpen ? "</tbody>\n</table>\n" : "";
+            html += "<table>\n<caption>" + escaped(group != groups.end() ? group->second : "Figures")
+                + "</caption>\n<thead><tr><th scope=\"col\">Figure</th><th scope=\"col\" "
+                  "class=\"n\">Value</th>"
+                  "<th scope=\"col\">Formula</th></tr></thead>\n<tbody>\n";
+            isOpen = true;
+        }
+        html += "<tr><th scope=\"row\">" + escaped(row.name) + "</th><td class=\"n\">"
+            + figureText(row.kind, row.of(figures)) + "</td><td class=\"formula\">" + escaped(row.formula)
+            + "</td></tr>\n";
+    }
+    return html + (isOpen ? "</tbody>\n</table>\n</div>" : "</div>");
+}
+
+} // namespace lab

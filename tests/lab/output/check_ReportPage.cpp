@@ -1,0 +1,258 @@
+#include "GeneratedRun.h"
+#include "lab/core/figures/Figures.h"
+#include "lab/core/output/PageTexts.h"
+#include "lab/core/output/ReportPage.h"
+#include "practice/Check.h"
+
+#include <nlohmann/json.hpp>
+
+#include <algorithm>
+#include <clocale>
+#include <ctime>
+#include <locale>
+
+using namespace lab;
+using samples::generatedRun;
+using samples::smallRun;
+
+namespace {
+
+const ReportWords words{"moving_average.js", {}};
+
+std::string pageOf(const RunResult& run)
+{
+    return reportPage(run, figuresOf(run), words);
+}
+
+std::size_t countOf(std::string_view text, std::string_view part)
+{
+    std::size_t count = 0;
+    for (std::size_t place = text.find(part); place != std::string_view::npos;
+         place = text.find(part, place + 1))
+        ++count;
+    return count;
+}
+
+bool has(std::string_view text, std::string_view part)
+{
+    return text.find(part) != std::string_view::npos;
+}
+
+/// The page without what was in it before any run: library, script and style.
+std::string withoutFixedTexts(std::string page)
+{
+    for (const std::string_view text : {chartLibrary, chartLibraryStyle, pageScript, pageStyle}) {
+        const std::size_t place = page.find(text);
+        if (place != std::string::npos)
+            page.erase(place, text.size());
+    }
+    return page;
+}
+
+nlohmann::json dataOf(const std::string& page)
+{
+    const std::string_view start = "<script type=\"application/json\" id=\"data\">";
+    const std::size_t from = page.find(start) + start.size();
+    return nlohmann::json::parse(page.substr(from, page.find("</script>", from) - from));
+}
+
+/// The value of a colour of the style sheet, from this place on.
+unsigned colourOf(std::string_view style, std::string_view name, std::size_t from)
+{
+    const std::size_t place = style.find("  " + std::string(name) + ": #", from);
+    return static_cast<unsigned>(
+        std::stoul(std::string(style.substr(style.find('#', place) + 1, 6)), nullptr, 16));
+}
+
+double luminance(unsigned colour)
+{
+    const auto part = [colour](unsigned shift) {
+        const double value = ((colour >> shift) & 255U) / 255.0;
+        return value <= 0.03928 ? value / 12.92 : std::pow((value + 0.055) / 1.055, 2.4);
+    };
+    return 0.2126 * part(16) + 0.7152 * part(8) + 0.0722 * part(0);
+}
+
+double contrast(unsigned one, unsigned other)
+{
+    const double first = luminance(one);
+    const double second = luminance(other);
+    return (std::max(first, second) + 0.05) / (std::min(first, second) + 0.05);
+}
+
+/// Writes decimals with a comma and groups with a point, as some countries do.
+class ForeignNumbers final : public std::numpunct<char> {
+    char do_decimal_point() const override { return ','; }
+    char do_thousands_sep() const override { return '.'; }
+    std::string do_grouping() const override { return "\3"; }
+};
+
+} // namespace
+
+TEST_CASE("the parts of a page have their order, the verdict first and warnings before it")
+{
+    RunResult run = smallRun();
+    run.warnings = {"look out"};
+    const std::string page = pageOf(run);
+    std::size_t former = 0;
+    for (const char* part :
+        {"<h1>moving_average.js on EURUSD 15m</h1>", "id=\"verdict\"", "<ul class=\"warnings\">",
+            "<li>look out</li>", "class=\"verdict\"", "id=\"settings\"", "id=\"figures\"", "id=\"balance\"",
+            "id=\"fall\"", "id=\"months\"", "id=\"returns\"", "id=\"week\"", "id=\"drawdowns\"",
+            "id=\"excursions\"", "id=\"bars\"", "id=\"trades\"", "id=\"journal\""}) {
+        const std::size_t place = page.find(part);
+        CHECK(place != std::string::npos);
+        CHECK(place > former);
+        former = place;
+    }
+}
+
+TEST_CASE("each figure stands beside its formula, a dash for an undefined one")
+{
+    RunResult run = smallRun();
+    const std::string page = pageOf(run);
+    CHECK(has(page,
+        "<th scope=\"row\">Net profit</th><td class=\"n\">\xE2\x88\x92"
+        "58.92</td><td class=\"formula\">\xCE\xA3 net"));
+    run.trades.clear();
+    CHECK(has(pageOf(run), "<th scope=\"row\">Payoff</th><td class=\"n\">\xE2\x80\x93</td>"));
+}
+
+TEST_CASE("nothing that a script or file says becomes markup")
+{
+    const std::string evil = "</script><img src=x onerror=alert(1)>\"'<!--";
+    RunResult run = smallRun();
+    run.settings.symbol = evil;
+    run.settings.inputs = {{evil, evil}};
+    run.journal = {{samples::monday, evil}};
+    run.warnings = {evil};
+    run.error = evil;
+    const std::string page = reportPage(run, figuresOf(run), {evil, {}});
+    CHECK(!has(page, "<img"));
+    CHECK(!has(withoutFixedTexts(page), "<!--"));
+    CHECK_EQ(countOf(page, "</script>"), 3U);
+    CHECK_EQ(countOf(page, "<script"), 3U);
+    CHECK(has(page, "&lt;/script&gt;&lt;img src=x onerror=alert(1)&gt;&quot;&#39;&lt;!--"));
+}
+
+TEST_CASE("a page loads nothing")
+{
+    const std::string page = pageOf(generatedRun(2'000, 50, 0));
+    CHECK_EQ(countOf(page, "http://"), 0U);
+    CHECK_EQ(countOf(page, "https://"), 1U);
+    CHECK(has(page, "/*! https://github.com/leeoniya/uPlot (v1.6.32) */"));
+    const std::string own = withoutFixedTexts(page);
+    for (const char* part : {"src=", "href=", "url(", "@import", "<link", "<iframe", "<object"})
+        CHECK(!has(own, part));
+    CHECK(has(own, "default-src 'none'"));
+    for (const char* part : {"fetch(", "XMLHttpRequest", "WebSocket", "sendBeacon", "import("})
+        CHECK(!has(page, part));
+}
+
+TEST_CASE("a long run makes a page of three megabytes at most")
+{
+    RunResult run = generatedRun(500'000, 100'000, 1'000'000);
+    for (JournalLine& line : run.journal)
+        line.text = std::string(1'000, '&');
+    run.warnings.assign(10'000, std::string(10'000, '<'));
+    run.settings.inputs.assign(10'000, {std::string(5'000, '"'), std::string(5'000, '<')});
+    const std::string page = pageOf(run);
+    CHECK(page.size() <= maxPageBytes);
+    CHECK(page.size() > 500'000);
+    CHECK(has(page, "98,000 earlier trades are left out"));
+    const auto data = dataOf(page);
+    for (const char* key : {"t", "equity", "balance"})
+        CHECK(data.at("equity").at(key).size() <= 2'000);
+    CHECK(data.at("equity").at("t").size() > 900);
+    CHECK(data.at("drawdown").at("fall").size() <= 2'000);
+    CHECK(data.at("bars").at("close").size() <= 12'000);
+    CHECK(has(page, "earlier ones are left out here, journal.txt has all of them"));
+}
+
+TEST_CASE("parts that would make a page too long are left out with a word")
+{
+    const RunResult run = smallRun();
+    const std::string huge(maxPageBytes, 'x');
+    const std::string page = reportPage(run, figuresOf(run), {"a.js", {"<p>short</p>", huge}});
+    CHECK(page.size() <= maxPageBytes);
+    CHECK(has(page, "Further parts are too long for this page."));
+    CHECK(has(reportPage(run, figuresOf(run), {"a.js", {"<p>short</p>"}}), "<p>short</p>"));
+}
+
+TEST_CASE("thinned curves keep the highest and the lowest equity")
+{
+    RunResult run = generatedRun(5'000, 100, 100'000);
+    run.equity[77'777].equity = 99'999'999;
+    run.equity[33'333].equity = 1'234;
+    const auto equity = dataOf(pageOf(run)).at("equity").at("equity");
+    CHECK_EQ(std::ranges::max(equity.get<std::vector<double>>()), 999'999.99);
+    CHECK_EQ(std::ranges::min(equity.get<std::vector<double>>()), 12.34);
+}
+
+TEST_CASE("bars and trades reach the charts as they are")
+{
+    const auto data = dataOf(pageOf(smallRun()));
+    CHECK_EQ(data.at("digits"), 5);
+    const auto& bars = data.at("bars");
+    CHECK_EQ(bars.at("t").size(), 192U);
+    CHECK_EQ(bars.at("t").at(0), 1'704'067'200);
+    CHECK_EQ(bars.at("t").at(1), 900);
+    CHECK_EQ(bars.at("close").at(0), 110'020);
+    CHECK_EQ(bars.at("close").at(1), 5);
+    CHECK_EQ(bars.at("open").at(0), -20);
+    CHECK_EQ(bars.at("high").at(0), 20);
+    CHECK_EQ(bars.at("low").at(0), 50);
+    CHECK_EQ(data.at("trades").at(1).dump(), "[2,0,1704157200,1.105,1704160800,1.10605,-108.5]");
+}
+
+TEST_CASE("a run without anything makes a page")
+{
+    const std::string page = pageOf(RunResult());
+    CHECK(has(page, "No trades."));
+    CHECK(has(page, "The script has printed nothing."));
+    CHECK(!has(page, "nan"));
+    CHECK_EQ(dataOf(page).dump(), "{\"digits\":5,\"trades\":[]}");
+}
+
+TEST_CASE("the same run gives the same bytes whatever the locale and the time zone")
+{
+    const RunResult run = generatedRun(3'000, 60, 5'000);
+    const std::string page = pageOf(run);
+    const std::locale former = std::locale::global(std::locale(std::locale::classic(), new ForeignNumbers));
+    const char* const found = std::setlocale(LC_ALL, "de_DE.UTF-8");
+    ::setenv("TZ", "Asia/Kathmandu", 1);
+    ::tzset();
+    const std::string other = pageOf(run);
+    std::locale::global(former);
+    std::setlocale(LC_ALL, "C");
+    CHECK(page == other);
+    if (!found)
+        std::cout << "  de_DE.UTF-8 is not installed; the C++ locale alone was foreign\n";
+}
+
+TEST_CASE("texts stand out from what is behind them, light and dark")
+{
+    const std::size_t dark = pageStyle.find("prefers-color-scheme: dark");
+    REQUIRE(dark != std::string_view::npos);
+    for (const std::size_t from : {std::size_t{0}, dark}) {
+        for (const char* behind : {"--card", "--page", "--soft"}) {
+            for (const char* text : {"--text", "--muted", "--gain", "--loss"})
+                CHECK(contrast(colourOf(pageStyle, text, from), colourOf(pageStyle, behind, from)) >= 4.5);
+        }
+        CHECK(contrast(colourOf(pageStyle, "--warn", from), colourOf(pageStyle, "--warn-page", from)) >= 4.5);
+        for (const char* curve : {"--accent", "--second"})
+            CHECK(contrast(colourOf(pageStyle, curve, from), colourOf(pageStyle, "--card", from)) >= 3);
+    }
+}
+
+TEST_CASE("tables have captions and their heads a scope")
+{
+    const std::string page = withoutFixedTexts(pageOf(generatedRun(2'000, 50, 0)));
+    CHECK(countOf(page, "<table") > 8);
+    CHECK_EQ(countOf(page, "<table"), countOf(page, "<caption"));
+    CHECK_EQ(countOf(page, "<th scope=\"") + countOf(page, "<thead"), countOf(page, "<th"));
+    CHECK_EQ(countOf(page, "<section"), countOf(page, "<h2>"));
+    CHECK_EQ(countOf(page, "<h1>"), 1U);
+}
+
+CHECK_MAIN()
