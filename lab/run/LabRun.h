@@ -11,7 +11,7 @@
 
 namespace lab {
 
-class MinuteHistory;
+struct MinuteHistory;
 
 /// What happens around a run and has no part in its result, unless it ends it early.
 struct RunControl {
@@ -41,6 +41,7 @@ public:
 
 private:
     std::vector<const MinuteHistory*> m_histories;
+    std::uint64_t m_dataHash = 0;
 };
 
 } // namespace lab

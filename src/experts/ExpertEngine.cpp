@@ -5,7 +5,7 @@
 #include <utility>
 
 ExpertEngine::ExpertEngine(const QString& symbol, int digits, const std::vector<Candle>& candles,
-    ExpertHost::Callbacks callbacks, std::unique_ptr<QTimer> timer, QObject* parent)
+    ExpertHost::Callbacks callbacks, std::unique_ptr<ExpertTimer> timer, QObject* parent)
     : QObject(parent)
     , m_run(
           std::make_shared<ExpertRun>(*this, symbol, digits, candles, std::move(callbacks), std::move(timer)))
@@ -26,6 +26,25 @@ bool ExpertEngine::load(const QString& path, QString* error)
     if (error)
         *error = reason;
     return running;
+}
+
+bool ExpertEngine::load(const ExpertScript& script, QString* error)
+{
+    QString reason;
+    const bool running = m_run->load(script, reason);
+    if (error)
+        *error = reason;
+    return running;
+}
+
+void ExpertEngine::setForerun(const ScriptForerun& forerun)
+{
+    m_run->setForerun(forerun);
+}
+
+void ExpertEngine::interrupt()
+{
+    m_run->interrupt();
 }
 
 void ExpertEngine::tick()

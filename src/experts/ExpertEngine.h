@@ -2,9 +2,10 @@
 
 #include "app/base/LineKind.h"
 #include "experts/ExpertHost.h"
+#include "experts/ExpertScript.h"
+#include "experts/ExpertTimer.h"
 
 #include <QObject>
-#include <QTimer>
 
 #include <memory>
 
@@ -25,7 +26,8 @@ class ExpertEngine final : public QObject {
 public:
     /// `candles` is the chart's own list, which must outlive the engine. `timer` calls OnTimer.
     ExpertEngine(const QString& symbol, int digits, const std::vector<Candle>& candles,
-        ExpertHost::Callbacks callbacks, std::unique_ptr<QTimer> timer = std::make_unique<QTimer>(),
+        ExpertHost::Callbacks callbacks,
+        std::unique_ptr<ExpertTimer> timer = std::make_unique<SystemExpertTimer>(),
         QObject* parent = nullptr);
     /// Runs no script code; stop() does.
     ~ExpertEngine() override;
@@ -34,8 +36,15 @@ public:
     /// running; else `error` holds the reason, which a signal has told already: message() for a failure in
     /// OnInit or in reading a hook, failed() for any other.
     bool load(const QString& path, QString* error = nullptr);
+    /// The same with a script that has been read.
+    bool load(const ExpertScript& script, QString* error = nullptr);
+    /// What runs before the script; to be called before load().
+    void setForerun(const ScriptForerun& forerun);
     /// Calls OnTick; nothing unless running. An error in it ends the expert.
     void tick();
+    /// Ends for good what the script is doing, with an error, and whatever it tries to do later. From any
+    /// thread.
+    void interrupt();
     /// Calls OnDeinit if the expert is running, and ends it.
     void stop();
 

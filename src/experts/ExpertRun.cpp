@@ -1,7 +1,6 @@
 #include "experts/ExpertRun.h"
 
 #include "experts/ExpertEngine.h"
-#include "experts/ExpertScript.h"
 
 #include <QFile>
 
@@ -40,20 +39,35 @@ private:
 };
 
 ExpertRun::ExpertRun(ExpertEngine& engine, const QString& symbol, int digits,
-    const std::vector<Candle>& candles, ExpertHost::Callbacks callbacks, std::unique_ptr<QTimer> timer)
+    const std::vector<Candle>& candles, ExpertHost::Callbacks callbacks, std::unique_ptr<ExpertTimer> timer)
     : m_engine(&engine)
     , m_host(symbol, digits, candles, std::move(callbacks))
     , m_timer(std::move(timer))
 {
     m_host.holdActions(true);
-    QObject::connect(m_timer.get(), &QTimer::timeout, m_timer.get(), [this] { onTimer(); });
-    QObject::connect(&m_host, &ExpertHost::timerRequested, m_timer.get(), [this](int s) { startTimer(s); });
-    QObject::connect(&m_host, &ExpertHost::timerKilled, m_timer.get(), &QTimer::stop);
+    m_timer->onTimeout([this] { onTimer(); });
+    QObject::connect(&m_host, &ExpertHost::timerRequested, &m_host, [this](int s) { startTimer(s); });
+    QObject::connect(&m_host, &ExpertHost::timerKilled, &m_host, [this] { m_timer->stop(); });
 }
 
 ExpertRun::~ExpertRun() = default;
 
 bool ExpertRun::load(const QString& path, QString& error)
+{
+    const auto readAndEvaluate = [this, &path, &error] {
+        const std::optional<ExpertScript> script = ExpertScript::read(path, error);
+        return script && evaluate(*script, error);
+    };
+    return start(ExpertScript::nameOf(path), readAndEvaluate, error);
+}
+
+bool ExpertRun::load(const ExpertScript& script, QString& error)
+{
+    return start(
+        script.name, [&] { return evaluate(script, error); }, error);
+}
+
+bool ExpertRun::start(const QString& name, const std::function<bool()>& evaluate, QString& error)
 {
     if (m_state != State::Created) {
         error = tr("An expert can be loaded only once");
@@ -61,8 +75,8 @@ bool ExpertRun::load(const QString& path, QString& error)
     }
     const auto alive = shared_from_this();
     m_state = State::Starting;
-    m_name = ExpertScript::nameOf(path);
-    const bool evaluated = evaluate(path, error);
+    m_name = name;
+    const bool evaluated = evaluate();
     if (!evaluated && m_engine)
         Q_EMIT m_engine->failed(error);
     if (!evaluated || !initialize(error)) {
@@ -81,21 +95,20 @@ bool ExpertRun::load(const QString& path, QString& error)
     return isRunning();
 }
 
-bool ExpertRun::evaluate(const QString& path, QString& error)
+bool ExpertRun::evaluate(const ExpertScript& script, QString& error)
 {
-    const std::optional<ExpertScript> script = ExpertScript::read(path, error);
-    if (!script)
-        return false;
     const HookScope scope(*this);
-    m_script.expose(u"__host"_s, m_host);
-    if (QFile prelude(preludePath); prelude.open(QIODevice::ReadOnly)) {
-        if (const auto failure
-            = m_script.run(QString::fromUtf8(prelude.readAll()), preludeName, &m_digitsChanged)) {
-            error = tr("Runtime prelude error: %1").arg(failure->name + u": "_s + failure->message);
+    if (m_forerun.host) {
+        m_script.expose(m_forerun.hostName, *m_forerun.host);
+        if (!prepare(m_forerun.text, m_forerun.fileName, error))
             return false;
-        }
     }
-    if (const auto failure = m_script.run(script->text, script->fileName)) {
+    m_script.expose(u"__host"_s, m_host);
+    QFile prelude(preludePath);
+    if (prelude.open(QIODevice::ReadOnly)
+        && !prepare(QString::fromUtf8(prelude.readAll()), preludeName, error, &m_digitsChanged))
+        return false;
+    if (const auto failure = m_script.run(script.text, script.fileName)) {
         //: %1 the kind of error, %3 what it says
         error = failure->line > 0
             ? tr("%1 at line %2: %3").arg(failure->name, QString::number(failure->line), failure->message)
@@ -104,6 +117,14 @@ bool ExpertRun::evaluate(const QString& path, QString& error)
         return false;
     }
     return true;
+}
+
+bool ExpertRun::prepare(const QString& text, const QString& fileName, QString& error, QJSValue* result)
+{
+    const auto failure = m_script.run(text, fileName, result);
+    if (failure)
+        error = tr("Runtime prelude error: %1").arg(failure->name + u": "_s + failure->message);
+    return !failure;
 }
 
 bool ExpertRun::initialize(QString& error)

@@ -2,10 +2,11 @@
 
 #include "app/base/LineKind.h"
 #include "experts/ExpertHost.h"
+#include "experts/ExpertScript.h"
+#include "experts/ExpertTimer.h"
 #include "experts/ScriptEngine.h"
 
 #include <QCoreApplication>
-#include <QTimer>
 
 #include <memory>
 
@@ -21,10 +22,14 @@ class ExpertRun final : public std::enable_shared_from_this<ExpertRun> {
 public:
     /// `engine` tells what happens here, until abandon().
     ExpertRun(ExpertEngine& engine, const QString& symbol, int digits, const std::vector<Candle>& candles,
-        ExpertHost::Callbacks callbacks, std::unique_ptr<QTimer> timer);
+        ExpertHost::Callbacks callbacks, std::unique_ptr<ExpertTimer> timer);
     ~ExpertRun();
 
     [[nodiscard]] bool load(const QString& path, QString& error);
+    [[nodiscard]] bool load(const ExpertScript& script, QString& error);
+    void setForerun(const ScriptForerun& forerun) { m_forerun = forerun; }
+    /// From any thread.
+    void interrupt() { m_script.interrupt(); }
     void tick();
     void stop();
     /// The engine is gone: no script code runs any more, apart from the rest of a hook under way.
@@ -39,8 +44,13 @@ private:
     enum class State { Created, Starting, Running, Stopping, Stopped };
     class HookScope;
 
-    /// Runs the prelude and the script. On failure `error` holds the reason, which has not been reported.
-    [[nodiscard]] bool evaluate(const QString& path, QString& error);
+    /// Starts with what `evaluate` makes of the script.
+    [[nodiscard]] bool start(const QString& name, const std::function<bool()>& evaluate, QString& error);
+    /// Runs the preludes and the script. On failure `error` holds the reason, which has not been reported.
+    [[nodiscard]] bool evaluate(const ExpertScript& script, QString& error);
+    /// Runs a text of our own.
+    [[nodiscard]] bool prepare(
+        const QString& text, const QString& fileName, QString& error, QJSValue* result = nullptr);
     /// Fetches the hooks and calls OnInit. On failure `error` holds the reason, which has been reported.
     [[nodiscard]] bool initialize(QString& error);
     /// Fetches a hook. False when reading its name throws; `error` then holds the text that has been
@@ -57,7 +67,8 @@ private:
     ExpertEngine* m_engine; ///< null after abandon()
     ScriptEngine m_script;
     ExpertHost m_host; ///< declared after the engine, so that it ends first
-    std::unique_ptr<QTimer> m_timer;
+    std::unique_ptr<ExpertTimer> m_timer;
+    ScriptForerun m_forerun;
     QString m_name;
     QJSValue m_digitsChanged; ///< the prelude's own
     QJSValue m_onTick;

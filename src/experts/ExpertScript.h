@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QObject>
 #include <QString>
 
 #include <optional>
@@ -17,4 +18,13 @@ struct ExpertScript {
     /// Reads UTF-8, with or without a byte-order mark; bytes that are none become replacement characters.
     /// Absent, with the reason in `error`, when there is no such ordinary file, or it cannot be read.
     [[nodiscard]] static std::optional<ExpertScript> read(const QString& path, QString& error);
+};
+
+/// A text of the program's own that runs before a script, in its engine, and can change what the language
+/// gives it.
+struct ScriptForerun {
+    QString text;
+    QString fileName;
+    QString hostName;        ///< global name of `host`, which the text had better delete
+    QObject* host = nullptr; ///< the text may call its invokable methods; null: nothing runs
 };

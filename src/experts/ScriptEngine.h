@@ -39,6 +39,10 @@ public:
     /// Calls what function() gave, without arguments.
     [[nodiscard]] std::optional<ScriptError> call(const QJSValue& function);
 
+    /// From now on scripts end with an error wherever they are, and however they would catch it. From any
+    /// thread.
+    void interrupt() { m_engine.setInterrupted(true); }
+
 private:
     [[nodiscard]] ScriptError describe(const QJSValue& thrown, const QStringList& trace);
     [[nodiscard]] int lineOf(const QString& place) const;

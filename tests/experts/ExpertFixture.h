@@ -62,8 +62,8 @@ struct ExpertFixture final {
     {
         auto ownTimer = std::make_unique<QTimer>();
         timer = ownTimer.get();
-        engine = std::make_unique<ExpertEngine>(
-            QStringLiteral("EURUSD"), digits, candles, std::move(calls), std::move(ownTimer));
+        engine = std::make_unique<ExpertEngine>(QStringLiteral("EURUSD"), digits, candles, std::move(calls),
+            std::make_unique<SystemExpertTimer>(std::move(ownTimer)));
         QObject::connect(engine.get(), &ExpertEngine::message, engine.get(),
             [this](const QString& text) { messages.append(text); });
     }

@@ -20,6 +20,9 @@ private Q_SLOTS:
     void everyRoomIncludesWhatItLinksOfQt();
     void roomsThatMayNotUseWidgetsArePrecompiledWithoutThem();
     void thePracticePlatformIsIndependent();
+    void theLabIncludesOnlyWhatItMay();
+    void theLabStandsOnQtCoreAndQmlAlone();
+    void nobodyIncludesTheLab();
     void nobodyNamesTheMainWindow();
     void onlyTheRootsAskForTheSettings();
     void theRulesSeeTheSources();
@@ -63,6 +66,31 @@ QSet<QString> mayInclude(const QString& room)
     QSet<QString> all{room};
     for (const QString& below : rules().value(room))
         all.unite(mayInclude(below));
+    return all;
+}
+
+/// What each room of the lab is built on: others of its rooms, rooms below src/ by their names there, and
+/// what of the practice platform. All may include the lab's shared values, none the platform's server.
+const QHash<QString, QSet<QString>>& labRules()
+{
+    static const QHash<QString, QSet<QString>> table{
+        {u"lab/core"_s, {}},
+        {u"lab/core/market"_s, {}},
+        {u"lab/core/account"_s, {u"lab/core/market"_s}},
+        {u"lab/core/figures"_s, {}},
+        {u"lab/core/output"_s, {u"lab/core/figures"_s}},
+        {u"lab/core/study"_s, {u"lab/core/account"_s, u"lab/core/output"_s}},
+        {u"lab/run"_s, {u"lab/core/account"_s, u"experts"_s}},
+        {u"lab/cli"_s, {u"lab/core/study"_s, u"lab/run"_s}},
+    };
+    return table;
+}
+
+QSet<QString> labMayInclude(const QString& room)
+{
+    QSet<QString> all{room, u"lab/core"_s};
+    for (const QString& below : labRules().value(room))
+        all.unite(labRules().contains(below) ? labMayInclude(below) : mayInclude(below));
     return all;
 }
 
@@ -232,6 +260,58 @@ void tst_IncludeRules::thePracticePlatformIsIndependent()
     reportAll(offences);
 }
 
+void tst_IncludeRules::theLabIncludesOnlyWhatItMay()
+{
+    QStringList offences;
+    for (const Include& include : includesBelow(u"lab"_s)) {
+        const QString room = folderOf(include.file);
+        QVERIFY2(labRules().contains(room), qPrintable(include.file));
+        const QSet<QString> allowed = labMayInclude(room);
+        const QString module = moduleOf(include);
+        const bool isHouse = include.quoted && include.target.contains(u'/');
+        const bool isPlatform = include.target.startsWith("practice/core/"_L1);
+        if ((isHouse && !isPlatform && !allowed.contains(folderOf(include.target)))
+            || (!module.isEmpty() && !allowed.contains(module)))
+            offences.append(include.file + u" must not include "_s + include.target);
+    }
+    reportAll(offences);
+}
+
+void tst_IncludeRules::theLabStandsOnQtCoreAndQmlAlone()
+{
+    QStringList modules;
+    for (const QString& name : mayInclude(u"experts"_s)) {
+        if (name.startsWith("Qt6::"_L1))
+            modules.append(name);
+    }
+    modules.sort();
+    QCOMPARE(modules.join(u' '), u"Qt6::Core Qt6::Qml"_s);
+
+    static const QRegularExpression module(u"Qt6::\\w+"_s);
+    QDirIterator lists(root() + "/lab"_L1, {u"CMakeLists.txt"_s}, QDir::Files, QDirIterator::Subdirectories);
+    while (lists.hasNext()) {
+        QFile list(lists.next());
+        QVERIFY(list.open(QIODevice::ReadOnly));
+        auto match = module.globalMatch(QString::fromUtf8(list.readAll()));
+        while (match.hasNext()) {
+            const QString name = match.next().captured();
+            QVERIFY2(modules.contains(name), qPrintable(list.fileName() + u' ' + name));
+        }
+    }
+}
+
+void tst_IncludeRules::nobodyIncludesTheLab()
+{
+    QStringList offences;
+    for (const QString& folder : {u"src"_s, u"practice"_s}) {
+        for (const Include& include : includesBelow(folder)) {
+            if (include.target.startsWith("lab/"_L1))
+                offences.append(include.file + u" must not include "_s + include.target);
+        }
+    }
+    reportAll(offences);
+}
+
 void tst_IncludeRules::nobodyNamesTheMainWindow()
 {
     QStringList offences;
@@ -265,6 +345,9 @@ void tst_IncludeRules::theRulesSeeTheSources()
 {
     QVERIFY(includesBelow(u"src"_s).size() > 100);
     QVERIFY(includesBelow(u"practice"_s).size() > 50);
+    QVERIFY(includesBelow(u"lab"_s).size() > 20);
+    QVERIFY(labMayInclude(u"lab/run"_s).contains(u"chart/series"_s));
+    QVERIFY(!labMayInclude(u"lab/core/study"_s).contains(u"Qt6::Core"_s));
     QCOMPARE(moduleOf({{}, u"QWidget"_s}), u"Qt6::Widgets"_s);
     QCOMPARE(moduleOf({{}, u"QtGlobal"_s}), u"Qt6::Core"_s);
     QCOMPARE(moduleOf({{}, u"QtGui/QColor"_s}), u"Qt6::Gui"_s);

@@ -14,7 +14,7 @@ DailyReturns dailyReturns(const RunResult& result)
     for (const DayRow& day : result.days) {
         if (returns.ruined)
             break;
-        returns.values.push_back(static_cast<double>(day.equity) / static_cast<double>(before) - 1);
+        returns.values.push_back(static_cast<double>(day.equity - before) / static_cast<double>(before));
         before = day.equity;
         returns.ruined = before <= 0;
     }

@@ -21,7 +21,7 @@ Figure changeFrom(Cents before, Cents after)
 {
     if (before <= 0)
         return {};
-    return finite(static_cast<double>(after) / static_cast<double>(before) - 1);
+    return finite(static_cast<double>(after - before) / static_cast<double>(before));
 }
 
 void count(TimeSlot& slot, const TradeRow& trade)

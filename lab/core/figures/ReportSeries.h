@@ -48,8 +48,8 @@ struct ExcursionPoint {
     practice::Cents net = 0;
 };
 
-/// The trades' excursions in their order, at most `most` (at least 2) of them: the worst and the best of each group of
-/// neighbours where there are more.
+/// The trades' excursions in their order, at most `most` (at least 2) of them: the worst and the best of each
+/// group of neighbours where there are more.
 [[nodiscard]] std::vector<ExcursionPoint> excursions(const RunResult& result, std::size_t most = 2000);
 
 /// Which values of a curve to draw so that no peak and no trough is lost: ascending places, the first and the

@@ -88,8 +88,8 @@ double normalShare(double x)
 
 double normalQuantile(double share)
 {
-    if (share > 0.5)
-        return -normalQuantile(1 - share);
+    if (share >= 0.5)
+        return share > 0.5 ? -normalQuantile(1 - share) : 0;
     double low = -39;
     double high = 0;
     while (true) {

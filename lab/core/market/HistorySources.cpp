@@ -29,6 +29,13 @@ std::size_t catalogPlace(std::string_view symbol)
     throw HistoryError("no symbol " + std::string(symbol) + "; there are " + names);
 }
 
+// Far beyond any market, and near enough to be counted with.
+TimeMs bounded(TimeMs time)
+{
+    constexpr TimeMs most = 1'000'000 * practice::dayMs;
+    return std::clamp(time, -most, most);
+}
+
 } // namespace
 
 MinuteHistory readHistory(const std::filesystem::path& path)
@@ -49,7 +56,7 @@ MinuteHistory readHistory(const std::filesystem::path& path)
         const TimeMs number = time / practice::minuteMs;
         if (number > std::numeric_limits<std::int32_t>::max())
             throw HistoryError(path.string() + ':' + std::to_string(numbers.size() + 2)
-                + ": the time is beyond the year 6000");
+                + ": the time is too far in the future");
         numbers.push_back(static_cast<std::int32_t>(number));
     }
     practice::SymbolSpec spec = practice::replaySpec(*symbol, file, practice::symbolCatalog());
@@ -60,8 +67,8 @@ MinuteHistory simulatedHistory(
     std::string_view symbol, std::uint64_t seed, double speed, TimeMs from, TimeMs to)
 {
     const std::size_t place = catalogPlace(symbol);
-    const TimeMs first = -practice::floorDivide(-from, practice::minuteMs);
-    const TimeMs end = practice::floorDivide(to, practice::minuteMs);
+    const TimeMs first = practice::floorDivide(bounded(from) + practice::minuteMs - 1, practice::minuteMs);
+    const TimeMs end = practice::floorDivide(bounded(to), practice::minuteMs);
     if (first >= end)
         throw HistoryError(std::string(symbol) + ": no whole minute in this period");
 

@@ -82,16 +82,20 @@ void PriceWalk::addPath(const practice::GridBar& bar)
         }
         return;
     }
-    std::size_t seen = 0; // the last step that has had its moment
+    std::size_t next = 0; // the first step that has had no moment
+    const auto showChangesUntil = [&](std::size_t end) {
+        for (; next < end; ++next) {
+            if (path.mid(next) != path.mid(next - 1))
+                add(static_cast<practice::TimeMs>(next) * stepMs, path.mid(next), false);
+        }
+    };
     for (practice::TimeMs offset = 0; offset < practice::minuteMs; offset += feedMs) {
         const auto now = static_cast<std::size_t>(offset / stepMs);
-        for (std::size_t step = seen + 1; step < now; ++step) {
-            if (path.mid(step) != path.mid(step - 1))
-                add(static_cast<practice::TimeMs>(step) * stepMs, path.mid(step), false);
-        }
+        showChangesUntil(now);
         add(offset, path.mid(now), true);
-        seen = now;
+        next = now + 1;
     }
+    showChangesUntil(stepsAMinute);
 }
 
 void PriceWalk::add(practice::TimeMs offset, std::int64_t mid, bool forScript)

@@ -3,6 +3,7 @@
 #include "practice/core/PointScale.h"
 
 #include <algorithm>
+#include <chrono>
 #include <string>
 
 namespace lab {
@@ -13,16 +14,38 @@ practice::TimeMs barOf(const MinuteHistory& history, practice::Timeframe timefra
     return practice::barStart(history.timeAt(minute), timeframe);
 }
 
-// The first minute of the bar that has so many before it; the history's size when it has not as many.
+std::string dayText(practice::TimeMs time)
+{
+    const std::chrono::year_month_day date{
+        std::chrono::sys_days(std::chrono::days(practice::floorDivide(time, practice::dayMs)))};
+    const auto padded = [](int number, std::size_t width) {
+        const std::string text = std::to_string(number);
+        return std::string(width - std::min(width, text.size()), '0') + text;
+    };
+    return padded(static_cast<int>(date.year()), 4) + '-'
+        + padded(static_cast<int>(static_cast<unsigned>(date.month())), 2) + '-'
+        + padded(static_cast<int>(static_cast<unsigned>(date.day())), 2);
+}
+
+[[noreturn]] void failEmpty(const MinuteHistory& history)
+{
+    std::string reason = history.spec.name + ": no prices in this period";
+    if (history.size() > 0)
+        reason += "; there are some from " + dayText(history.timeAt(0)) + " to "
+            + dayText(history.timeAt(history.size() - 1));
+    throw HistoryError(reason);
+}
+
+// The first minute of the bar that has so many before it.
 std::size_t afterWarmup(const MinuteHistory& history, const RunSettings& settings)
 {
     int bars = 0;
     for (std::size_t minute = 0; minute < history.size(); ++minute) {
-        if (beginsBar(history, settings.timeframe, minute) && bars++ == settings.warmupBars)
+        if (beginsBar(history, settings.timeframe, minute) && bars++ == std::max(0, settings.warmupBars))
             return minute;
     }
-    throw HistoryError(history.spec.name + ": has " + std::to_string(bars) + " bars of "
-        + std::string(practice::timeframeKey(settings.timeframe)) + ", none after a warm-up of "
+    throw HistoryError(history.spec.name + ": " + std::to_string(bars) + " bars of "
+        + std::string(practice::timeframeKey(settings.timeframe)) + ", and none after a warm-up of "
         + std::to_string(settings.warmupBars));
 }
 
@@ -40,7 +63,7 @@ RunSpan spanOf(const MinuteHistory& history, const RunSettings& settings)
     // A minute belongs to the run when it ends by then.
     span.endMinute = settings.to ? history.firstFrom(*settings.to - practice::minuteMs + 1) : history.size();
     if (span.firstMinute >= span.endMinute)
-        throw HistoryError(history.spec.name + ": no prices in this period");
+        failEmpty(history);
     return span;
 }
 

@@ -3,11 +3,10 @@
 #include "chart/window/ChartWidget.h"
 #include "experts/ExpertEngine.h"
 #include "experts/ExpertScript.h"
+#include "experts/ScriptOrder.h"
 #include "net/records/OrderBody.h"
 
 #include <QPointer>
-
-#include <cmath>
 
 using namespace Qt::StringLiterals;
 
@@ -21,7 +20,7 @@ ChartExpert::ChartExpert(const ChartWidget& chart, const QString& symbol, QObjec
 
 ChartExpert::~ChartExpert() = default;
 
-void ChartExpert::attach(const QString& path, std::unique_ptr<QTimer> timer)
+void ChartExpert::attach(const QString& path, std::unique_ptr<ExpertTimer> timer)
 {
     const QPointer<ChartExpert> self(this);
     detach();
@@ -95,15 +94,8 @@ void ChartExpert::setDigits(int digits)
 
 void ChartExpert::order(const QString& source, const QString& side, double lots, double sl, double tp)
 {
-    // NaN cannot be sent, and an order without the stop that was meant is another order: such a one is
-    // refused.
-    if (!std::isfinite(lots) || lots <= 0.0) {
-        Q_EMIT log(source, tr("Order ignored: the lots must be a number above 0, not %1").arg(lots),
-            LineKind::Failure);
-        return;
-    }
-    if (!std::isfinite(sl) || !std::isfinite(tp)) {
-        Q_EMIT log(source, tr("Order ignored: stop loss or take profit is not a number"), LineKind::Failure);
+    if (const std::optional<QString> reason = reasonToIgnore(lots, sl, tp)) {
+        Q_EMIT log(source, *reason, LineKind::Failure);
         return;
     }
     Q_EMIT orderRequested(orderBody(

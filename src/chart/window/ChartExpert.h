@@ -1,10 +1,10 @@
 #pragma once
 
 #include "app/base/LineKind.h"
+#include "experts/ExpertTimer.h"
 
 #include <QJsonObject>
 #include <QObject>
-#include <QTimer>
 
 #include <memory>
 
@@ -26,7 +26,8 @@ public:
 
     /// Detaches what is attached, and loads and starts this script. A failure is told by log(), and leaves
     /// no expert. `timer` becomes the script's own.
-    void attach(const QString& path, std::unique_ptr<QTimer> timer = std::make_unique<QTimer>());
+    void attach(
+        const QString& path, std::unique_ptr<ExpertTimer> timer = std::make_unique<SystemExpertTimer>());
     /// Ends the expert, which is told so.
     void detach();
     /// Lets the expert know of a price that the chart has taken in.

@@ -229,7 +229,7 @@ private Q_SLOTS:
         const auto attach = [&first](const Seat& seat) -> QTimer& {
             auto timer = std::make_unique<QTimer>();
             QTimer& running = *timer;
-            seat.expert->attach(first, std::move(timer));
+            seat.expert->attach(first, std::make_unique<SystemExpertTimer>(std::move(timer)));
             return running;
         };
         Seat plain(Deed::Detach, -1, {});

@@ -1,0 +1,117 @@
+#include "lab/run/ScriptStage.h"
+
+#include "experts/ScriptOrder.h"
+
+#include <QFile>
+
+#include <utility>
+
+using namespace Qt::StringLiterals;
+
+namespace lab {
+
+namespace {
+
+constexpr auto preludeName = "lab_prelude.js"_L1;
+
+ScriptForerun forerun(LabHost& host)
+{
+    QFile file(u":/lab/"_s + preludeName);
+    if (!file.open(QIODevice::ReadOnly))
+        qFatal("The lab's prelude is missing");
+    return {QString::fromUtf8(file.readAll()), preludeName, u"__lab"_s, &host};
+}
+
+} // namespace
+
+ScriptStage::ScriptStage(Settings settings, ExpertHost::Callbacks account, Refusal refused)
+    : m_host(m_clock, settings.seed)
+{
+    m_series.setTimeframeMs(settings.barMs);
+    m_series.setCandles(std::move(settings.bars));
+    auto timer = std::make_unique<VirtualTimer>(m_clock);
+    m_timer = timer.get();
+    m_engine = std::make_unique<ExpertEngine>(settings.symbol, settings.digits, m_series.candles(),
+        connected(std::move(account), std::move(refused)), std::move(timer));
+    m_engine->setForerun(forerun(m_host));
+    QObject::connect(m_engine.get(), &ExpertEngine::failed, m_engine.get(), [this](const QString& reason) {
+        m_failure = reason;
+        note(reason);
+    });
+    QObject::connect(
+        m_engine.get(), &ExpertEngine::message, m_engine.get(), [this](const QString& text, LineKind kind) {
+            if (kind != LineKind::Failure || m_isInterrupted)
+                return;
+            if (!m_failure)
+                m_failure = text;
+            note(text);
+        });
+}
+
+ExpertHost::Callbacks ScriptStage::connected(ExpertHost::Callbacks account, Refusal refused)
+{
+    account.seriesRevision = [this] { return m_revision; };
+    account.print = [this](const QString& text) { note(text); };
+    account.alert = [this](const QString& text) { note(u"ALERT: "_s + text); };
+    account.comment = nullptr;
+    account.order = [this, place = std::move(account.order), refused = std::move(refused)](
+                        const QString& side, double lots, double stopLoss, double takeProfit) {
+        const std::optional<QString> reason = reasonToIgnore(lots, stopLoss, takeProfit);
+        if (!reason) {
+            place(side, lots, stopLoss, takeProfit);
+            return;
+        }
+        note(*reason);
+        refused(side, lots, stopLoss, takeProfit);
+    };
+    return account;
+}
+
+void ScriptStage::fold(double bid, double ask)
+{
+    if (m_series.foldTick(bid, ask, m_clock.now) == TickEffect::Appended)
+        ++m_revision;
+    if (!m_firstBar && !m_series.isEmpty())
+        m_firstBar = m_series.candles().size() - 1;
+}
+
+void ScriptStage::load(const ExpertScript& script)
+{
+    m_engine->load(script);
+    m_events.handOut();
+    findError();
+}
+
+void ScriptStage::tick()
+{
+    if (m_timer->run())
+        m_events.handOut();
+    m_failure.reset(); // an error in OnTimer ends nothing
+    m_engine->tick();
+    m_events.handOut();
+    findError();
+}
+
+void ScriptStage::interrupt()
+{
+    m_isInterrupted = true;
+    m_engine->interrupt();
+}
+
+void ScriptStage::findError()
+{
+    if (!m_error && !m_engine->isRunning())
+        m_error = m_failure.value_or(QString());
+}
+
+std::vector<BarRow> ScriptStage::barsOfRun() const
+{
+    std::vector<BarRow> rows;
+    const std::vector<Candle>& candles = m_series.candles();
+    rows.reserve(candles.size());
+    for (std::size_t i = m_firstBar.value_or(candles.size()); i < candles.size(); ++i)
+        rows.push_back({candles[i].time, candles[i].open, candles[i].high, candles[i].low, candles[i].close});
+    return rows;
+}
+
+} // namespace lab
