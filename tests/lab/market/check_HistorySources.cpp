@@ -162,12 +162,12 @@ TEST_CASE("a file that is not named after its symbol is refused, one that is not
 TEST_CASE("simulated prices are those that the practice platform shows")
 {
     const TimeMs from = practice::barStart(start, Timeframe::H4);
-    const TimeMs to = from + 2 * practice::dayMs;
+    const TimeMs to = from + practice::dayMs;
     for (const char* symbol : {"EURUSD", "EURJPY", "BTCUSD"}) {
         for (const double speed : {1.0, 20.0}) {
             const MinuteHistory history = simulatedHistory(symbol, 5, speed, from, to);
             CHECK(history.isSimulated);
-            CHECK_EQ(history.size(), std::size_t(2 * 1440));
+            CHECK_EQ(history.size(), std::size_t(1440));
             CHECK_EQ(history.spec.name, std::string(symbol));
             practice::SimulatedMarket market(5, speed);
             const std::size_t place = practice::findSymbol(market.symbols(), symbol).value();

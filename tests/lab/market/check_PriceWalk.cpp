@@ -183,6 +183,15 @@ TEST_CASE("another seed takes another path, the same one the same")
     CHECK(walked(history, settings) == plain);
 }
 
+TEST_CASE("two minutes of the same prices have paths of their own")
+{
+    const GridBar bar{1000, 1020, 980, 1000, 1};
+    std::vector<std::vector<std::int64_t>> mids(2);
+    for (const Moment& moment : walked(historyOf({{0, bar}, {1, bar}}), settingsOf(Model::Path)))
+        mids[moment.minute].push_back(moment.mid);
+    CHECK(mids[0] != mids[1]);
+}
+
 TEST_CASE("the feed shows the path's price four times a second, changed or not")
 {
     const MinuteHistory history = someHistory(60, 9);
