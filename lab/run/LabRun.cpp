@@ -90,8 +90,8 @@ public:
     void go(const ExpertScript& script, const RunControl& control)
     {
         const RunWatch watch([this] { m_stage.interrupt(); }, control.stop, control.limit);
-        const std::size_t step
-            = std::max<std::size_t>((m_span.endMinute - m_span.firstMinute) / progressSteps, 1);
+        const std::size_t minutes = m_span.endMinute - m_span.firstMinute;
+        const std::size_t step = (minutes + progressSteps - 1) / progressSteps;
         std::size_t told = m_span.firstMinute + step;
         Moment moment;
         bool isLoaded = false;
@@ -112,7 +112,7 @@ public:
                 break;
             if (moment.minute >= told && control.progress) {
                 const auto done = static_cast<double>(moment.minute - m_span.firstMinute);
-                control.progress(done / static_cast<double>(m_span.endMinute - m_span.firstMinute));
+                control.progress(done / static_cast<double>(minutes));
                 told = moment.minute + step;
             }
         }
