@@ -1,3 +1,4 @@
+#include "ResultPlace.h"
 #include "lab/core/output/ResultFolder.h"
 #include "practice/Check.h"
 
@@ -11,30 +12,10 @@
 #include <unistd.h>
 
 using namespace lab;
+using Place = samples::ResultPlace;
 namespace fs = std::filesystem;
 
 namespace {
-
-/// A folder that is removed at the end.
-class Place {
-public:
-    Place()
-    {
-        std::string name = (fs::temp_directory_path() / "tavoran-lab-XXXXXX").string();
-        m_path = ::mkdtemp(name.data());
-    }
-    Place(const Place&) = delete;
-    Place& operator=(const Place&) = delete;
-    ~Place()
-    {
-        fs::permissions(m_path, fs::perms::owner_all);
-        fs::remove_all(m_path);
-    }
-    [[nodiscard]] const fs::path& path() const { return m_path; }
-
-private:
-    fs::path m_path;
-};
 
 /// Name and content of everything in the folder, hidden files too.
 std::map<std::string, std::string> contentOf(const fs::path& folder)

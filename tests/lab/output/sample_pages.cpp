@@ -1,12 +1,31 @@
 // Writes pages to look at into a folder: sample_pages FOLDER.
 
 #include "GeneratedRun.h"
+#include "ResultPlace.h"
 #include "lab/core/figures/Figures.h"
+#include "lab/core/output/Comparison.h"
+#include "lab/core/output/HeatMap.h"
 #include "lab/core/output/ReportPage.h"
+#include "lab/core/output/ResultFiles.h"
 #include "lab/core/output/ResultFolder.h"
 
 #include <cstdlib>
 #include <iostream>
+
+namespace {
+
+lab::SavedRun savedRun(const lab::RunResult& run, const std::string& name)
+{
+    const lab::samples::ResultPlace place;
+    lab::ResultFolder folder(place.path() / name);
+    folder.add("summary.json", lab::summaryJson(lab::figuresOf(run)));
+    folder.add("trades.csv", lab::tradesCsv(run));
+    folder.add("equity.csv", lab::equityCsv(run));
+    folder.commit();
+    return lab::readSavedRun(place.path() / name);
+}
+
+} // namespace
 
 int main(int argc, char** argv)
 {
@@ -19,6 +38,25 @@ int main(int argc, char** argv)
     folder.add("year.html", lab::reportPage(year, lab::figuresOf(year), {"moving_average.js", {}}));
     const lab::RunResult small = lab::samples::smallRun();
     folder.add("small.html", lab::reportPage(small, lab::figuresOf(small), {"moving_average.js", {}}));
+    lab::RunResult other = year;
+    for (std::size_t number = 200; number < other.trades.size(); ++number)
+        other.trades[number].profit += 300;
+    for (std::size_t number = 200; number < other.equity.size(); ++number)
+        other.equity[number].equity += 300 * static_cast<practice::Cents>(number - 200);
+    folder.add("compare.html", lab::comparePage({savedRun(year, "fast 5"), savedRun(other, "fast 8")}));
+    lab::HeatGrid grid{"sharpe", "Fast", "Slow", {}, {}, {}};
+    for (int row = 0; row < 9; ++row) {
+        grid.rows.push_back(std::to_string(20 + 5 * row));
+        grid.values.emplace_back();
+        for (int column = 0; column < 16; ++column) {
+            if (row == 0)
+                grid.columns.push_back(std::to_string(5 + column));
+            const double far = (row - 5) * (row - 5) / 10.0 + (column - 6) * (column - 6) / 30.0;
+            grid.values.back().push_back(column == 14 ? std::nullopt : std::optional(1.6 - far));
+        }
+    }
+    folder.add("sweep.html",
+        lab::reportPage(small, lab::figuresOf(small), {"moving_average.js", {lab::heatMap(grid)}}));
     const lab::RunResult nothing;
     folder.add("nothing.html", lab::reportPage(nothing, lab::figuresOf(nothing), {"nothing.js", {}}));
     folder.commit();
