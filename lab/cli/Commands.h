@@ -1,0 +1,20 @@
+#pragma once
+
+#include "lab/cli/Options.h"
+
+namespace lab {
+
+// The program's commands: each writes to the standard output and returns the exit status. They throw
+// UsageError, HistoryError or OutputError, whose text is a line for a person; the status is 2 then.
+
+inline constexpr int succeeded = 0;
+inline constexpr int fellShort = 1;   ///< a script failed, or a check found something
+inline constexpr int notPossible = 2; ///< arguments, prices or files cannot be used
+
+[[nodiscard]] int listInputs(const Options& options);
+[[nodiscard]] int runOnce(Options options);
+[[nodiscard]] int reportTrades(const Options& options);
+[[nodiscard]] int compareResults(const Options& options);
+[[nodiscard]] int checkScript(Options options);
+
+} // namespace lab

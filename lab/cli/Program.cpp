@@ -1,0 +1,65 @@
+#include "lab/cli/Program.h"
+
+#include "lab/cli/Commands.h"
+
+#include <cerrno>
+#include <exception>
+#include <iostream>
+#include <new>
+#include <system_error>
+
+namespace lab {
+
+namespace {
+
+int carryOut(const Options& options)
+{
+    if (options.showHelp) {
+        std::cout << helpText(options.command);
+        return succeeded;
+    }
+    if (options.showVersion) {
+        std::cout << "tavoran-lab " TAVORAN_VERSION "\n";
+        return succeeded;
+    }
+    switch (options.command) {
+    case Command::None:
+        break;
+    case Command::Inputs:
+        return listInputs(options);
+    case Command::Run:
+        return runOnce(options);
+    case Command::Report:
+        return reportTrades(options);
+    case Command::Compare:
+        return compareResults(options);
+    case Command::Check:
+        return checkScript(options);
+    }
+    return notPossible;
+}
+
+int complain(const std::string& text)
+{
+    std::cerr << "tavoran-lab: " << text << std::endl;
+    return notPossible;
+}
+
+} // namespace
+
+int runProgram(const std::vector<std::string>& arguments)
+{
+    try {
+        const int status = carryOut(parseOptions(arguments));
+        errno = 0;
+        if (!std::cout.flush())
+            return complain("cannot write to the standard output: " + std::generic_category().message(errno));
+        return status;
+    } catch (const std::bad_alloc&) {
+        return complain("there is not enough memory for this");
+    } catch (const std::exception& error) {
+        return complain(error.what());
+    }
+}
+
+} // namespace lab

@@ -1,0 +1,53 @@
+#include "lab/cli/Commands.h"
+#include "lab/cli/FigureList.h"
+#include "lab/cli/PriceSources.h"
+#include "lab/cli/Progress.h"
+#include "lab/cli/ResultPlace.h"
+#include "lab/cli/RunScript.h"
+#include "lab/cli/Screen.h"
+#include "lab/cli/StopSignal.h"
+#include "lab/core/figures/Figures.h"
+#include "lab/run/LabRun.h"
+
+#include <iostream>
+
+namespace lab {
+
+int runOnce(Options options)
+{
+    const ExpertScript script = readScript(options.script);
+    settleInputs(options.settings, script);
+    if (!options.out.empty())
+        checkResultPlace(options.out);
+    const std::vector<MinuteHistory> histories = loadHistories(options);
+    const std::string name = script.name.toStdString();
+    if (options.out.empty()) {
+        options.out = name + '-' + options.settings.symbol;
+        checkResultPlace(options.out);
+    }
+
+    std::vector<const MinuteHistory*> places;
+    for (const MinuteHistory& history : histories)
+        places.push_back(&history);
+    const RunResult result = [&] {
+        Progress progress(name);
+        RunControl control;
+        control.progress = [&progress](double done) { progress.show(done); };
+        control.stop = &stopFlag();
+        control.limit = options.limit;
+        return LabRun(places).run(script, options.settings, control);
+    }();
+    const Figures figures = figuresOf(result);
+    writeResult(options.out, result, figures, name);
+    std::cout << figureList(result, figures, hasColours()) << '\n'
+              << (options.out / "report.html").string() << '\n';
+    if (const int stopped = stopStatus())
+        return stopped;
+    if (result.error) {
+        std::cerr << "tavoran-lab: ended early: " << *result.error << '\n';
+        return fellShort;
+    }
+    return succeeded;
+}
+
+} // namespace lab
