@@ -52,7 +52,7 @@ struct ExcursionPoint {
 /// group of neighbours where there are more.
 [[nodiscard]] std::vector<ExcursionPoint> excursions(const RunResult& result, std::size_t most = 2000);
 
-/// Which values of a curve to draw so that no peak and no trough is lost: ascending places, the first and the
+/// Which values of a curve to draw so that no peak and no bottom is lost: ascending places, the first and the
 /// last among them, at most `most` (which counts as at least 4); between these the lowest and the highest of
 /// each bucket.
 [[nodiscard]] std::vector<std::size_t> thinned(std::span<const double> curve, std::size_t most = 2000);
