@@ -106,6 +106,7 @@ TEST_CASE("an account that is ruined has no growth and its returns end there")
     const Figures ruined = figuresOf(runs::withEquities({90'000, 45'000, -500, -500}));
     CHECK(isAbsent(ruined.cagr));
     CHECK(isAbsent(ruined.calmar));
+    CHECK(isAbsent(figuresOf(runs::withEquities({90'000, -500, 50'000})).cagr));
     // -10 %, -50 %, -101.1 %; nothing for the day after
     CHECK_NEAR(ruined.var95.value(), 455.0 / 450 - 0.1 * (455.0 / 450 - 0.5), 1e-12);
     CHECK_NEAR(ruined.es95.value(), 455.0 / 450, 1e-12);

@@ -310,6 +310,7 @@ def hand_made():
     yield "the same return each day", case_of([200, 400, 800, 1600, 3200], start=100)
     yield "ruin", case_of([9_000_000, 4_000_000, -20_000, -20_000, -20_000], losses)
     yield "exactly nothing left", case_of([9_000_000, 4_000_000, 0], losses)
+    yield "nothing left for a day", case_of([9_000_000, -20_000, 4_000_000, 5_000_000], losses)
     yield "one day", case_of([10_100_000], wins)
     yield "two days", case_of([10_100_000, 10_050_000], wins)
     yield "gaps of days", case_of([10_100_000, 9_900_000, 9_950_000, 10_300_000, 10_200_000], wins,
