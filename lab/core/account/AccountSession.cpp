@@ -156,7 +156,7 @@ void AccountSession::see(const PointQuote& quote, TimeMs time)
     m_quote = quote;
     m_brokerIsBehind = true;
     const bool isNewDay = m_record.isNewDay(time);
-    if (m_positions.empty() && !isNewDay && m_account.balance >= 0)
+    if (m_positions.empty() && !isNewDay)
         return;
     valuePositions();
     if (isNewDay) {
@@ -166,7 +166,7 @@ void AccountSession::see(const PointQuote& quote, TimeMs time)
         return;
     }
     m_record.seeEquity(equity());
-    if (m_positions.reaches(quote) || limitReached(equity()) || m_account.balance < 0)
+    if (m_positions.reaches(quote) || limitReached(equity()))
         take(showBroker());
 }
 

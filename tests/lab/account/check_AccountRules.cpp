@@ -415,6 +415,19 @@ TEST_CASE("a loss beyond the balance is written off and said so")
     CHECK_EQ(result.equityDrawdown.money, 300'700);
 }
 
+TEST_CASE("a loss beyond the balance that the end of the run brings is written off too")
+{
+    Session session(demoOf(1'200));
+    session.price(0, 108'500, 1'000);
+    session->order(Side::Buy, 1, none, none); // margin 1 095, and 2 000 lost to the spread at once
+    const RunResult result = session.finish();
+    REQUIRE(result.trades.size() == 1);
+    CHECK_EQ(result.trades[0].net(), -200'700);
+    CHECK_EQ(result.equity.back().balance, 0);
+    CHECK_EQ(result.days.back().balance, 0);
+    REQUIRE(result.warnings.size() == 1);
+}
+
 TEST_CASE("a symbol that is its own pair is converted at its own mid")
 {
     // 100 points of 100 000 USD are 10 000 JPY, at 150.110 JPY a dollar 66.62 USD.

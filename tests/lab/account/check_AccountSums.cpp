@@ -1,6 +1,8 @@
 // Random sessions against a broker that is shown every price, and what the course of an account says.
 
 #include "lab/account/SessionFixture.h"
+#include "lab/core/market/HistorySources.h"
+#include "lab/core/market/PriceWalk.h"
 #include "practice/core/market/HashRandom.h"
 
 #include <algorithm>
@@ -279,6 +281,61 @@ TEST_CASE("the account fares as if the broker had been shown every price")
     CHECK(failed > 5);
     CHECK(passed > 1);
     CHECK(stoppedOut > 10);
+}
+
+namespace {
+
+/// Two weeks of a made-up market, traded at random.
+RunResult walked(Model model, const MinuteHistory& history)
+{
+    RunSettings settings;
+    settings.symbol = history.spec.name;
+    settings.model = model;
+    AccountSession session(settings, {&history});
+    PriceWalk walk(history, settings, 0, history.size());
+    Dice dice(5);
+    Moment moment;
+    while (walk.next(moment)) {
+        session.advance(moment);
+        if (!moment.forScript || moment.time % practice::minuteMs != 0)
+            continue;
+        if (dice.oneIn(200))
+            session.closeAll();
+        if (session.view().positions < 3 && dice.oneIn(10)) {
+            const Wish wish = randomWish(dice, moment.mid, history.spec.digits);
+            session.order(wish.side, wish.lots, wish.stopLoss, wish.takeProfit);
+        }
+    }
+    RunResult result;
+    session.finish(result);
+    return result;
+}
+
+} // namespace
+
+TEST_CASE("whatever the model of time, a level is filled at its price on a market without gaps")
+{
+    const TimeMs from = 20'000 * practice::dayMs;
+    const MinuteHistory history = simulatedHistory("EURUSD", 3, 1, from, from + 14 * practice::dayMs);
+    for (const Model model : {Model::Open, Model::Ohlc, Model::Path, Model::Feed}) {
+        const RunResult result = walked(model, history);
+        checkSums(result);
+        CHECK_EQ(result.days.size(), 14u);
+        std::size_t exact = 0;
+        std::size_t beyond = 0;
+        for (const TradeRow& row : result.trades) {
+            if (row.reason != ExitReason::StopLoss && row.reason != ExitReason::TakeProfit)
+                continue;
+            const bool isStop = row.reason == ExitReason::StopLoss;
+            const double level = isStop ? row.stopLoss : row.takeProfit;
+            ++(row.closePrice == level ? exact : beyond);
+            if (row.ambiguous)
+                CHECK((row.otherProfit > row.profit) == isStop);
+        }
+        CHECK(exact > 20);
+        CHECK_EQ(beyond, 0u);
+        CHECK_EQ(walked(model, history).decisionPrint, result.decisionPrint);
+    }
 }
 
 CHECK_MAIN()
