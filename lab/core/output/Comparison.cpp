@@ -142,14 +142,19 @@ std::string differencePart(const std::vector<SavedRun>& runs)
 std::string figuresPart(const std::vector<SavedRun>& runs)
 {
     const Table table = tableOf(runs);
-    std::string html = "<div class=\"wide\"><table>\n<caption>Figures side by side</caption>\n<thead><tr>"
+    std::string html = "<div class=\"wide\"><table>\n<caption>Figures side by side; those that differ stand "
+                       "out</caption>\n<thead><tr>"
                        "<th scope=\"col\">Figure</th>";
     for (const SavedRun& run : runs)
         html += "<th scope=\"col\" class=\"n\">" + escaped(shortened(run.name, 60)) + "</th>";
     html += "</tr></thead>\n<tbody>\n";
     for (std::size_t line = 0; line < table.names.size(); ++line) {
-        html += "<tr><th scope=\"row\">" + escaped(table.names[line]) + "</th>";
-        for (const std::string& value : table.values[line])
+        const std::vector<std::string>& values = table.values[line];
+        const bool areSame = std::all_of(
+            values.begin(), values.end(), [&](const std::string& value) { return value == values.front(); });
+        html += areSame ? "<tr class=\"same\">" : "<tr>";
+        html += "<th scope=\"row\">" + escaped(table.names[line]) + "</th>";
+        for (const std::string& value : values)
             html += "<td class=\"n\">" + escaped(value) + "</td>";
         html += "</tr>\n";
     }
