@@ -428,7 +428,7 @@ def study_questions():
     """Question, and what compares the answer."""
     rng = np.random.RandomState(77)
     for number, (days, trials, blocks, bias) in enumerate(
-            [(160, 5, 16, 0.0), (333, 8, 16, 0.002), (120, 9, 8, 0.0), (48, 4, 12, 0.0), (90, 7, 6, 0.001)]):
+            [(160, 5, 16, 0.0), (333, 8, 14, 0.002), (120, 9, 8, 0.0), (48, 4, 12, 0.0), (90, 7, 6, 0.001)]):
         matrix = rng.normal(0, 0.01, (days, trials))
         matrix[:, 1] += bias
         matrix[:, 2] = 0
