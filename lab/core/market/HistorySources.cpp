@@ -3,7 +3,6 @@
 #include "practice/core/PointScale.h"
 #include "practice/core/broker/CurrencyConverter.h"
 #include "practice/core/market/MinuteFile.h"
-#include "practice/core/market/ReplayMarket.h"
 #include "practice/core/market/ReplaySpec.h"
 #include "practice/core/market/SimulatedMarket.h"
 
