@@ -30,14 +30,6 @@ const char* const accountId = "lab";
 // What the fingerprint of the decisions is made of.
 enum Decision : std::uint64_t { Opened = 1, Refused, Closed };
 
-std::vector<practice::SymbolSpec> specsOf(const std::vector<const MinuteHistory*>& histories)
-{
-    std::vector<practice::SymbolSpec> specs;
-    for (const MinuteHistory* history : histories)
-        specs.push_back(history->spec);
-    return specs;
-}
-
 practice::IdSource countedIds()
 {
     return [last = 0]() mutable { return std::to_string(++last); };

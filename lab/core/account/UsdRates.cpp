@@ -4,19 +4,16 @@
 #include <limits>
 
 namespace lab {
-namespace {
-
 using practice::TimeMs;
 
 std::vector<practice::SymbolSpec> specsOf(const std::vector<const MinuteHistory*>& histories)
 {
     std::vector<practice::SymbolSpec> specs;
+    specs.reserve(histories.size());
     for (const MinuteHistory* history : histories)
         specs.push_back(history->spec);
     return specs;
 }
-
-} // namespace
 
 UsdRates::UsdRates(const std::vector<const MinuteHistory*>& histories)
     : m_converter(specsOf(histories))

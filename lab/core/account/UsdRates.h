@@ -13,6 +13,9 @@
 
 namespace lab {
 
+/// The symbols of these histories, in their order.
+[[nodiscard]] std::vector<practice::SymbolSpec> specsOf(const std::vector<const MinuteHistory*>& histories);
+
 /// The price of the pair that turns a symbol's results into USD: at each moment its last close, or its open
 /// within the very first minute that it has; never a price that is still to come.
 class UsdRates final {
