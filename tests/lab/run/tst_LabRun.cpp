@@ -218,6 +218,14 @@ private Q_SLOTS:
         QVERIFY(!result.equity.empty());
     }
 
+    void whatTheLanguageLacksIsAnErrorAsInTheTerminal()
+    {
+        const RunResult result = run(u"async function OnTick() { Trade.buy(0.1) }"_s);
+        QVERIFY2(result.error && result.error->rfind("Probe: SyntaxError at line 1: ", 0) == 0,
+            result.error.value_or("no error").c_str());
+        QCOMPARE(result.ticks, std::uint64_t{0});
+    }
+
     void aScriptThatNeverEndsIsEnded_data()
     {
         QTest::addColumn<QString>("script");
