@@ -112,6 +112,19 @@ TEST_CASE("the oldest days that fill no block are left out")
     CHECK_EQ(overfittingProbability(longer), overfittingProbability(whole));
 }
 
+TEST_CASE("a trial that earns the same each day ranks as one that has not traded")
+{
+    ReturnMatrix matrix = matrixOf(160, 5, 0);
+    const auto probabilityWith = [&matrix](double earned) {
+        for (std::size_t day = 0; day < matrix.days; ++day)
+            matrix.values[day * matrix.trials + 2] = earned;
+        return overfittingProbability(matrix);
+    };
+    const Figure idle = probabilityWith(0);
+    for (const double earned : {0.1, 0.0007, 0.0123, 0.00031, 0.0019})
+        CHECK_EQ(probabilityWith(earned), idle);
+}
+
 TEST_CASE("the interval of a share stays between 0 and 1")
 {
     const auto none = wilsonInterval(0, 10).value();
