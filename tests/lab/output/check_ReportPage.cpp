@@ -169,6 +169,19 @@ TEST_CASE("a long run makes a page of three megabytes at most")
     CHECK(has(page, "earlier ones are left out here, journal.txt has all of them"));
 }
 
+TEST_CASE("a long run makes room for further parts")
+{
+    RunResult run = generatedRun(50'000, 10'000, 0);
+    for (JournalLine& line : run.journal)
+        line.text = std::string(1'000, '&');
+    const std::string part = "<p>" + std::string(maxPageBytes / 2, 'x') + "</p>";
+    CHECK(pageOf(run).size() + part.size() > maxPageBytes);
+    const std::string page = reportPage(run, figuresOf(run), {"a.js", {part}});
+    CHECK(page.size() <= maxPageBytes);
+    CHECK(has(page, part));
+    CHECK(has(page, "9,000 earlier trades are left out"));
+}
+
 TEST_CASE("parts that would make a page too long are left out with a word")
 {
     const RunResult run = smallRun();
