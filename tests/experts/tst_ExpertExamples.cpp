@@ -15,10 +15,34 @@ class tst_ExpertExamples final : public QObject {
     {
         m_chart = std::make_unique<ExpertFixture>();
         QVERIFY2(m_chart->loadFile(u":/examples/"_s + example), qPrintable(m_chart->error));
+        swing();
+    }
+
+    /// The script with its own inputs replaced by others, as a trader would do that.
+    void tradeDocumented(const QString& example, const QList<std::pair<QByteArray, QByteArray>>& changes)
+    {
+        QFile file(QStringLiteral(PROJECT_ROOT "/docs/examples/") + example);
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        QByteArray text = file.readAll();
+        for (const auto& [from, to] : changes) {
+            QCOMPARE(text.count(from), 1);
+            text.replace(from, to);
+        }
+        m_chart = std::make_unique<ExpertFixture>();
+        QVERIFY2(m_chart->load(text), qPrintable(m_chart->error));
+        swing();
+    }
+
+    void swing()
+    {
         std::vector<double> closes;
         for (int bar = 0; bar < 500; ++bar) {
             closes.push_back(1.1 + 0.02 * std::sin(bar * 0.06) + 0.0005 * std::sin(bar * 1.3));
             m_chart->setCloses(closes);
+            for (Candle& candle : m_chart->candles) {
+                candle.high = candle.close + 0.0003;
+                candle.low = candle.close - 0.0003;
+            }
             m_chart->bid = closes.back();
             m_chart->ask = m_chart->bid + 0.0002;
             for (int tick = 0; tick < 3; ++tick) {
@@ -69,6 +93,29 @@ private Q_SLOTS:
             qPrintable(said[1]));
         QVERIFY2(said[3].startsWith(u"print RSI overbought ("_s) && said[3].endsWith(u") → close"_s),
             qPrintable(said[3]));
+    }
+
+    void theRangeReversionSellsHighAndBuysLow()
+    {
+        tradeDocumented(u"Range_Reversion.js"_s, {});
+        const QStringList said = lines();
+        QCOMPARE(said.first(), u"print Range_Reversion started on EURUSD  (40 bars)"_s);
+        QCOMPARE(said.last(), u"print Range_Reversion stopped"_s);
+        QVERIFY(said.contains(u"order BUY 0.1"_s));
+        const QString order = m_chart->done.filter(u"order BUY"_s).first();
+        QVERIFY(order.section(u' ', 3, 3).toDouble() < order.section(u' ', 4, 4).toDouble());
+    }
+
+    void theSessionBreakoutTradesAtBusyHoursOnly()
+    {
+        // Hours of the machine's clock, which is asked here: all of them count, then none.
+        tradeDocumented(u"Session_Breakout.js"_s,
+            {{"FromHour = 7;", "FromHour = 0;"}, {"UntilHour = 16;", "UntilHour = 24;"},
+                {"CloseHour = 20;", "CloseHour = 24;"}, {"MaxPoints = 1500;", "MaxPoints = 9999;"}});
+        QCOMPARE(lines().filter(u"order"_s).size(), 1); // not another one within the same minute
+        QCOMPARE(lines().last(), u"print Session_Breakout stopped"_s);
+        tradeDocumented(u"Session_Breakout.js"_s, {{"UntilHour = 16;", "UntilHour = 0;"}});
+        QVERIFY(lines().filter(u"order"_s).isEmpty());
     }
 
     void theLevelsOfTheExamplesAreInPoints()
