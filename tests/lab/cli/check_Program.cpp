@@ -1,0 +1,460 @@
+#include "lab/cli/LabProcess.h"
+#include "practice/Check.h"
+#include "practice/storage/TemporaryFolder.h"
+
+#include "lab/core/output/Texts.h"
+
+#include <nlohmann/json.hpp>
+
+#include <algorithm>
+#include <csignal>
+#include <fstream>
+#include <iterator>
+#include <set>
+
+namespace fs = std::filesystem;
+using Result = LabProcess::Result;
+
+namespace {
+
+constexpr practice::TimeMs start = 1'704'067'200'000; // 2024-01-01T00:00Z
+constexpr int days = 6;
+
+const std::string examples = std::string(PROJECT_ROOT) + "/resources/examples/";
+const std::string documented = std::string(PROJECT_ROOT) + "/docs/examples/";
+const std::string crossing = examples + "MA_Cross.js";
+
+const std::set<std::string> resultFiles{
+    "report.html", "summary.json", "trades.csv", "equity.csv", "daily.csv", "journal.txt", "run.json"};
+
+/// Six days of minutes that swing, in whole points, so that every machine writes the same.
+void writeMinutes(const fs::path& file, const std::string& brokenLine = {})
+{
+    std::ofstream csv(file);
+    csv << "time,open,high,low,close,volume\n";
+    std::uint32_t random = 12'345;
+    int price = 110'000;
+    for (int minute = 0; minute < days * 24 * 60; ++minute) {
+        const int open = price;
+        random = random * 1'664'525U + 1'013'904'223U;
+        const int phase = minute % 900;
+        price += static_cast<int>(random >> 28) - 8 + (phase < 450 ? 1 : -1) + (random & 0x1000000U ? 1 : 0);
+        const int high = std::max(open, price) + static_cast<int>(random >> 29);
+        const int low = std::min(open, price) - static_cast<int>((random >> 26) & 7U);
+        std::string time = lab::isoTime(start + minute * practice::minuteMs);
+        time.erase(time.size() - 5, 4); // seconds are enough
+        const auto text = [](int points) { return lab::fixedText(points / 1e5, 5); };
+        csv << time << ',' << text(open) << ',' << text(high) << ',' << text(low) << ',' << text(price)
+            << ",10\n";
+        if (minute == 700 && !brokenLine.empty())
+            csv << brokenLine << '\n';
+    }
+}
+
+std::string contentOf(const fs::path& file)
+{
+    std::ifstream input(file, std::ios::binary);
+    return {std::istreambuf_iterator<char>(input), {}};
+}
+
+void write(const fs::path& file, const std::string& text)
+{
+    std::ofstream(file, std::ios::binary) << text;
+}
+
+std::set<std::string> filesIn(const fs::path& folder)
+{
+    std::set<std::string> names;
+    std::error_code error;
+    for (const fs::directory_entry& entry : fs::directory_iterator(folder, error))
+        names.insert(entry.path().filename().string());
+    return names;
+}
+
+bool sameFiles(const fs::path& one, const fs::path& other)
+{
+    return filesIn(one) == resultFiles && filesIn(other) == resultFiles
+        && std::ranges::all_of(resultFiles,
+            [&](const std::string& name) { return contentOf(one / name) == contentOf(other / name); });
+}
+
+bool contains(const std::string& text, const std::string& part)
+{
+    return text.find(part) != std::string::npos;
+}
+
+bool isOneLine(const std::string& text)
+{
+    return text.starts_with("tavoran-lab: ") && text.find('\n') == text.size() - 1;
+}
+
+/// A folder with a history in it, and the program in that folder.
+struct Bench {
+    TemporaryFolder folder;
+    LabProcess lab{folder.path(), {}, {}};
+
+    Bench() { writeMinutes(folder / "EURUSD-1m.csv"); }
+
+    [[nodiscard]] Result run(const std::string& script, const std::vector<std::string>& more = {}) const
+    {
+        std::vector<std::string> arguments{"run", script, "--data", "EURUSD-1m.csv", "--warmup", "100"};
+        arguments.insert(arguments.end(), more.begin(), more.end());
+        return lab.run(arguments);
+    }
+    [[nodiscard]] nlohmann::json json(const std::string& file) const
+    {
+        return nlohmann::json::parse(contentOf(folder / file));
+    }
+};
+
+} // namespace
+
+TEST_CASE("a run writes its files and prints what it comes to")
+{
+    const Bench bench;
+    const Result result = bench.run(crossing);
+    CHECK_EQ(result.exitCode, 0);
+    CHECK_EQ(result.errors, "");
+    CHECK(contains(result.output, "Net profit"));
+    CHECK(contains(result.output, "MA_Cross-EURUSD/report.html\n"));
+    CHECK(!contains(result.output, "\x1b"));
+    CHECK(filesIn(bench.folder / "MA_Cross-EURUSD") == resultFiles);
+    CHECK(bench.json("MA_Cross-EURUSD/summary.json").at("trades").get<int>() > 5);
+    CHECK_EQ(bench.json("MA_Cross-EURUSD/run.json").at("symbol").get<std::string>(), "EURUSD");
+    CHECK(contains(contentOf(bench.folder / "MA_Cross-EURUSD/journal.txt"), "MA_Cross started on EURUSD"));
+}
+
+TEST_CASE("language, time zone and folder leave no trace in a result")
+{
+    const Bench bench;
+    CHECK_EQ(bench.run(crossing, {"--out", "one"}).exitCode, 0);
+
+    LabProcess abroad{
+        bench.folder.path(), {{"LC_ALL", "de_DE.UTF-8"}, {"LANGUAGE", "de"}, {"TZ", "Asia/Tokyo"}}, {}};
+    CHECK_EQ(abroad.run({"run", crossing, "--data=EURUSD-1m.csv", "--warmup=100", "--out=two"}).exitCode, 0);
+    CHECK(sameFiles(bench.folder / "one", bench.folder / "two"));
+
+    fs::create_directory(bench.folder / "below");
+    fs::create_directory(bench.folder / "scripts");
+    fs::copy_file(crossing, bench.folder / "scripts/MA_Cross.js");
+    const LabProcess below{bench.folder / "below", {}, {}};
+    CHECK_EQ(below
+                 .run({"run", "../scripts/MA_Cross.js", "--data", "../EURUSD-1m.csv", "--warmup", "100",
+                     "--out", "deep/er"})
+                 .exitCode,
+        0);
+    CHECK(sameFiles(bench.folder / "one", bench.folder / "below/deep/er"));
+}
+
+TEST_CASE("a script's own texts do not follow language and time zone either")
+{
+    const Bench bench;
+    write(bench.folder / "Words.js",
+        "function OnInit() { Print(new Date(0).toString(), (1234.5).toLocaleString(),"
+        " new Date(86400000).toLocaleDateString(), Date.now() > 1.7e12, Math.random()); }\n");
+    CHECK_EQ(bench.run("Words.js", {"--out", "one"}).exitCode, 0);
+    const LabProcess abroad{bench.folder.path(), {{"LC_ALL", "de_DE.UTF-8"}, {"TZ", "Asia/Tokyo"}}, {}};
+    CHECK_EQ(abroad.run({"run", "Words.js", "--data", "EURUSD-1m.csv", "--warmup", "100", "--out", "two"})
+                 .exitCode,
+        0);
+    CHECK(contains(contentOf(bench.folder / "one/journal.txt"), "1970"));
+    CHECK(sameFiles(bench.folder / "one", bench.folder / "two"));
+}
+
+TEST_CASE("simulated prices give the same files again, and another seed others")
+{
+    const Bench bench;
+    const auto run = [&](const std::string& seed, const std::string& out) {
+        return bench.lab
+            .run({"run", crossing, "--symbol", "EURJPY", "--seed", seed, "--from", "2024-01-01", "--to",
+                "2024-01-05", "--warmup", "100", "--out", out})
+            .exitCode;
+    };
+    CHECK_EQ(run("1", "one"), 0);
+    CHECK_EQ(run("1", "two"), 0);
+    CHECK_EQ(run("2", "three"), 0);
+    CHECK(sameFiles(bench.folder / "one", bench.folder / "two"));
+    CHECK(!sameFiles(bench.folder / "one", bench.folder / "three"));
+    CHECK(contains(contentOf(bench.folder / "one/summary.json"), "simulated"));
+}
+
+TEST_CASE("an input changes the run, and is written down")
+{
+    const Bench bench;
+    CHECK_EQ(bench.run(crossing, {"--out", "one"}).exitCode, 0);
+    CHECK_EQ(bench.run(crossing, {"--out", "two", "--set", "Slow=40", "--set", "Fast=5"}).exitCode, 0);
+    CHECK(contentOf(bench.folder / "one/trades.csv") != contentOf(bench.folder / "two/trades.csv"));
+    CHECK_EQ(bench.json("two/run.json").at("inputs").dump(), R"({"Fast":"5","Slow":"40"})");
+}
+
+TEST_CASE("inputs are listed with their comments")
+{
+    const Bench bench;
+    const Result result = bench.lab.run({"inputs", crossing});
+    CHECK_EQ(result.exitCode, 0);
+    CHECK_EQ(result.output,
+        "input  value  comment\n"
+        "Fast   10     period of the fast EMA\n"
+        "Slow   30     period of the slow EMA\n"
+        "Lots   0.10\n");
+    write(bench.folder / "None.js", "function OnTick() {}\n");
+    CHECK_EQ(bench.lab.run({"inputs", "None.js"}).output, "None.js has no inputs\n");
+}
+
+TEST_CASE("what is unknown is answered with what is known, and nothing is written")
+{
+    const Bench bench;
+    const Result input = bench.run(crossing, {"--set", "fast=5"});
+    CHECK_EQ(input.exitCode, 2);
+    CHECK(isOneLine(input.errors));
+    CHECK(contains(input.errors, "fast"));
+    CHECK(contains(input.errors, "Fast, Slow, Lots"));
+    const Result value = bench.run(crossing, {"--set", "Fast=quick"});
+    CHECK_EQ(value.exitCode, 2);
+    CHECK(isOneLine(value.errors));
+    const Result symbol = bench.run(crossing, {"--symbol", "GBPUSD"});
+    CHECK_EQ(symbol.exitCode, 2);
+    CHECK(contains(symbol.errors, "there are EURUSD"));
+    const Result simulated = bench.lab.run({"run", crossing, "--symbol", "EURXXX", "--seed", "1"});
+    CHECK_EQ(simulated.exitCode, 2);
+    CHECK(contains(simulated.errors, "EURUSD, GBPUSD, USDJPY"));
+    const Result script = bench.run("Nothing.js");
+    CHECK_EQ(script.exitCode, 2);
+    CHECK(isOneLine(script.errors));
+    CHECK(contains(script.errors, "Nothing.js"));
+    const Result option = bench.run(crossing, {"--fast", "5"});
+    CHECK_EQ(option.exitCode, 2);
+    CHECK(isOneLine(option.errors));
+    CHECK(filesIn(bench.folder.path()) == std::set<std::string>{"EURUSD-1m.csv"});
+}
+
+TEST_CASE("a damaged record is named with its line, and nothing is written")
+{
+    const Bench bench;
+    writeMinutes(bench.folder / "EURUSD-1m.csv", "2024-01-01T11:41:00Z,1.1,1.0,1.0,1.1,5");
+    const Result result = bench.run(crossing);
+    CHECK_EQ(result.exitCode, 2);
+    CHECK(isOneLine(result.errors));
+    CHECK(contains(result.errors, "EURUSD-1m.csv:703: "));
+    CHECK(result.output.empty());
+    CHECK_EQ(filesIn(bench.folder.path()).size(), 1U);
+}
+
+TEST_CASE("the pair that turns a symbol's money into USD is asked for by name")
+{
+    const Bench bench;
+    fs::rename(bench.folder / "EURUSD-1m.csv", bench.folder / "EURGBP-1m.csv");
+    const Result missing = bench.lab.run({"run", crossing, "--data", "EURGBP-1m.csv"});
+    CHECK_EQ(missing.exitCode, 2);
+    CHECK(isOneLine(missing.errors));
+    CHECK(contains(missing.errors, "EURGBP pays in GBP; add GBPUSD-1m.csv"));
+    fs::copy_file(bench.folder / "EURGBP-1m.csv", bench.folder / "GBPUSD-1m.csv");
+    const std::vector<std::string> both{
+        "run", crossing, "--data", "EURGBP-1m.csv", "GBPUSD-1m.csv", "--warmup", "100"};
+    const Result choice = bench.lab.run(both);
+    CHECK_EQ(choice.exitCode, 2);
+    CHECK(contains(choice.errors, "EURGBP, GBPUSD"));
+    std::vector<std::string> chosen = both;
+    chosen.insert(chosen.end(), {"--symbol", "EURGBP"});
+    CHECK_EQ(bench.lab.run(chosen).exitCode, 0);
+    CHECK(filesIn(bench.folder / "MA_Cross-EURGBP") == resultFiles);
+}
+
+TEST_CASE("a script that fails ends early, with a report up to there")
+{
+    const Bench bench;
+    write(bench.folder / "Fails.js",
+        "var ticks = 0;\nfunction OnTick() {\n    if (++ticks === 500)\n        missing();\n}\n");
+    const Result result = bench.run("Fails.js");
+    CHECK_EQ(result.exitCode, 1);
+    CHECK(contains(result.output, "ended early"));
+    CHECK(isOneLine(result.errors));
+    CHECK(contains(result.errors, "missing"));
+    CHECK(contains(result.errors, "4"));
+    CHECK(filesIn(bench.folder / "Fails-EURUSD") == resultFiles);
+    CHECK_EQ(bench.json("Fails-EURUSD/summary.json").at("ticks").get<int>(), 500);
+    CHECK(contains(contentOf(bench.folder / "Fails-EURUSD/report.html"), "ended early"));
+}
+
+TEST_CASE("a script that never returns is ended by the limit")
+{
+    const Bench bench;
+    write(bench.folder / "Endless.js", "function OnTick() { for (;;); }\n");
+    const Result result = bench.run("Endless.js", {"--limit", "0.2"});
+    CHECK_EQ(result.exitCode, 1);
+    CHECK(contains(result.errors, "0.2 seconds"));
+    CHECK(filesIn(bench.folder / "Endless-EURUSD") == resultFiles);
+}
+
+TEST_CASE("interrupted it keeps what was done and says so")
+{
+    const Bench bench;
+    const Result result = bench.lab.runOnTerminal(
+        {"run", crossing, "--symbol", "EURUSD", "--seed", "1", "--warmup", "100", "--model", "feed"}, SIGINT);
+    CHECK_EQ(result.exitCode, 130);
+    CHECK(contains(result.output, "ended early"));
+    CHECK(filesIn(bench.folder / "MA_Cross-EURUSD") == resultFiles);
+    const auto summary = bench.json("MA_Cross-EURUSD/summary.json");
+    CHECK(summary.at("ticks").get<double>() > 0);
+    CHECK(summary.at("days").get<double>() < 365);
+    CHECK(contains(contentOf(bench.folder / "MA_Cross-EURUSD/run.json"), "Stopped"));
+}
+
+TEST_CASE("on a terminal it tells how far it is, in a pipe it does not")
+{
+    const Bench bench;
+    const Result result
+        = bench.lab.runOnTerminal({"run", crossing, "--data", "EURUSD-1m.csv", "--warmup", "100"});
+    CHECK_EQ(result.exitCode, 0);
+    CHECK(contains(result.errors, " %"));
+    CHECK(contains(result.errors, "MA_Cross"));
+    CHECK(result.errors.ends_with("\r\x1b[K"));
+    CHECK(!contains(result.output, "\x1b"));
+}
+
+TEST_CASE("a folder with something else in it is left alone, a former result is replaced")
+{
+    const Bench bench;
+    fs::create_directory(bench.folder / "mine");
+    write(bench.folder / "mine/letter.txt", "dear reader");
+    const Result refused = bench.run(crossing, {"--out", "mine"});
+    CHECK_EQ(refused.exitCode, 2);
+    CHECK(isOneLine(refused.errors));
+    CHECK(contains(refused.errors, "mine"));
+    CHECK(filesIn(bench.folder / "mine") == std::set<std::string>{"letter.txt"});
+    const Result file = bench.run(crossing, {"--out", "EURUSD-1m.csv"});
+    CHECK_EQ(file.exitCode, 2);
+    CHECK(isOneLine(file.errors));
+
+    CHECK_EQ(bench.run(crossing, {"--out", "again"}).exitCode, 0);
+    const std::string before = contentOf(bench.folder / "again/trades.csv");
+    CHECK_EQ(bench.run(crossing, {"--out", "again", "--set", "Fast=4"}).exitCode, 0);
+    CHECK(filesIn(bench.folder / "again") == resultFiles);
+    CHECK(contentOf(bench.folder / "again/trades.csv") != before);
+}
+
+TEST_CASE("a full disk is said, and nothing half-written stays")
+{
+    const Bench bench;
+    fs::create_directory(bench.folder / "small");
+    const std::string mount
+        = "mount -t tmpfs -o size=64k none small || exit 77; \"$@\"; code=$?; ls -A small; exit $code";
+    const Result result = bench.lab.runWithin({"unshare", "--mount", "sh", "-c", mount, "sh"},
+        {"run", crossing, "--data", "EURUSD-1m.csv", "--warmup", "100", "--out", "small/result"});
+    if (result.exitCode == 77 || contains(result.errors, "unshare"))
+        check::skip("no file systems can be mounted here");
+    CHECK_EQ(result.exitCode, 2);
+    CHECK_EQ(result.output, ""); // neither figures nor files
+    CHECK(isOneLine(result.errors));
+    CHECK(contains(result.errors, "No space left on device"));
+    CHECK(contains(result.errors, "small/result"));
+}
+
+TEST_CASE("an output that takes nothing is said")
+{
+    Bench bench;
+    bench.lab.outputFile = "/dev/full";
+    const Result result = bench.lab.run({"inputs", crossing});
+    CHECK_EQ(result.exitCode, 2);
+    CHECK(isOneLine(result.errors));
+    CHECK(contains(result.errors, "No space left on device"));
+}
+
+TEST_CASE("results are compared on the terminal and as a page")
+{
+    const Bench bench;
+    CHECK_EQ(bench.run(crossing, {"--out", "one"}).exitCode, 0);
+    CHECK_EQ(bench.run(crossing, {"--out", "two", "--set", "Fast=5"}).exitCode, 0);
+    const Result result = bench.lab.run({"compare", "one", "two", "--out", "both"});
+    CHECK_EQ(result.exitCode, 0);
+    CHECK(contains(result.output, "Net profit"));
+    CHECK(contains(result.output, "differ from trade"));
+    CHECK(filesIn(bench.folder / "both") == std::set<std::string>{"compare.html"});
+    const Result missing = bench.lab.run({"compare", "one", "nothing"});
+    CHECK_EQ(missing.exitCode, 2);
+    CHECK(isOneLine(missing.errors));
+    CHECK(contains(missing.errors, "nothing"));
+}
+
+TEST_CASE("a check passes for the examples and writes its run")
+{
+    const Bench bench;
+    const Result result = bench.lab.run(
+        {"check", crossing, "--data", "EURUSD-1m.csv", "--warmup", "100", "--out", "checked"});
+    CHECK(contains(result.output, "future      holds"));
+    CHECK(contains(result.output, "warm-up     holds"));
+    CHECK(contains(result.output, "repetition  holds"));
+    CHECK_EQ(result.exitCode, contains(result.output, "FAILS") ? 1 : 0);
+    CHECK(filesIn(bench.folder / "checked") == resultFiles);
+}
+
+TEST_CASE("a check finds a script whose trades depend on the warm-up, and warns in the report")
+{
+    const Bench bench;
+    write(bench.folder / "Counts.js",
+        "function OnTick() { if (Bars() % 40 === 0 && Positions.count() === 0) Trade.buy(0.1, { slPoints: 30,"
+        " tpPoints: 30 }); }\n");
+    const Result result = bench.lab.run(
+        {"check", "Counts.js", "--data", "EURUSD-1m.csv", "--warmup", "102", "--out", "checked"});
+    CHECK_EQ(result.exitCode, 1);
+    CHECK(contains(result.output, "warm-up     FAILS"));
+    CHECK(contains(result.output, "future      holds"));
+    CHECK(bench.json("checked/summary.json")
+              .at("warnings")
+              .at(0)
+              .get<std::string>()
+              .starts_with("Check failed (warm-up): "));
+    CHECK(contains(contentOf(bench.folder / "checked/report.html"), "Check failed (warm-up)"));
+}
+
+TEST_CASE("an account's closed trades get the same page")
+{
+    const Bench bench;
+    write(bench.folder / "history.json",
+        R"([{"id":"a","accountId":"A","symbol":"EURUSD","type":"BUY","orderKind":"MARKET","status":"CLOSED",
+"lotSize":"0.10","entryPrice":"1.10000","exitPrice":"1.10500","stopLoss":null,"takeProfit":null,"pnl":"49.65",
+"swap":"0.00","commission":"0.35","createdAt":"2024-01-01T22:00:00.000Z","closedAt":"2024-01-02T06:00:00.000Z",
+"closeReason":"MANUAL"}])");
+    const Result result = bench.lab.run({"report", "history.json"});
+    CHECK_EQ(result.exitCode, 0);
+    CHECK(contains(result.output, "history/report.html"));
+    CHECK(contains(result.output, "Maximum drawdown"));
+    CHECK(filesIn(bench.folder / "history") == resultFiles);
+    CHECK(bench.json("history/summary.json").at("maxDrawdown").is_null());
+    CHECK_EQ(bench.json("history/summary.json").at("netProfit").get<double>(), 49.65);
+    write(bench.folder / "other.json", "[{]");
+    const Result damaged = bench.lab.run({"report", "other.json"});
+    CHECK_EQ(damaged.exitCode, 2);
+    CHECK(isOneLine(damaged.errors));
+    CHECK(!fs::exists(bench.folder / "other"));
+}
+
+TEST_CASE("the documented examples run as they are")
+{
+    const Bench bench;
+    for (const std::string name : {"Session_Breakout", "Range_Reversion"}) {
+        const Result result = bench.run(documented + name + ".js", {"--out", name, "--set", "Lots=0.2"});
+        CHECK_EQ(result.exitCode, 0);
+        CHECK(bench.json(name + "/summary.json").at("trades").get<int>() > 0);
+        const Result inputs = bench.lab.run({"inputs", documented + name + ".js"});
+        CHECK(contains(inputs.output, "Lots "));
+        CHECK(!contains(inputs.output, "  \n"));
+    }
+}
+
+TEST_CASE("help and version are printed by the program and by every command")
+{
+    const Bench bench;
+    const Result version = bench.lab.run({"--version"});
+    CHECK_EQ(version.exitCode, 0);
+    CHECK(version.output.starts_with("tavoran-lab "));
+    for (const std::string command : {"inputs", "run", "report", "compare", "check"}) {
+        const Result help = bench.lab.run({command, "--help"});
+        CHECK_EQ(help.exitCode, 0);
+        CHECK(help.output.starts_with("Usage: tavoran-lab " + command));
+        CHECK_EQ(bench.lab.run({command, "--version"}).output, version.output);
+    }
+    CHECK_EQ(bench.lab.run({}).exitCode, 2);
+}
+
+CHECK_MAIN()
