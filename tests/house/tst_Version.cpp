@@ -38,7 +38,7 @@ private Q_SLOTS:
 
     void theManualPagesHaveItFromTheBuild()
     {
-        for (const QString& page : {u"tavoran-terminal"_s, u"tavoran-practice"_s}) {
+        for (const QString& page : {u"tavoran-terminal"_s, u"tavoran-practice"_s, u"tavoran-lab"_s}) {
             QCOMPARE(
                 firstFound(u"packaging/"_s + page + u".1.in"_s, u"^\\.TH .*\"Tavoran Terminal ([^\"]+)\""_s),
                 u"@PROJECT_VERSION@"_s);

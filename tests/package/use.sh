@@ -24,7 +24,7 @@ apt-get -q -y install --no-install-recommends /share/*.deb >/share/apt-install.l
     tail -n 20 /share/apt-install.log
     fail "apt-get could not install the packages"
 }
-for program in tavoran-terminal tavoran-practice; do
+for program in tavoran-terminal tavoran-practice tavoran-lab; do
     ! ldd "/usr/bin/$program" | grep 'not found' || fail "$program lacks libraries"
     for file in "doc/$program/"{copyright,changelog.gz,changelog.Debian.gz} "man/man1/$program.1.gz"; do
         # Minimal installations leave manual pages and most documentation out.
@@ -82,6 +82,11 @@ say "Wayland, with what is recommended for it"
 install_packages weston qt6-wayland python3-pil
 scripts/wayland-picture /usr/bin/tavoran-terminal /usr/bin/tavoran-practice /share/pictures/wayland.png
 
+say "A strategy over simulated history"
+(cd "$profile" && tavoran-lab run "$OLDPWD/resources/examples/MA_Cross.js" --symbol EURUSD --seed 1 \
+    --to 2024-01-08 >lab.txt) || fail "the lab could not run an example"
+[ -s "$profile/MA_Cross-EURUSD/report.html" ] || fail "the lab wrote no report"
+
 say "Removing"
 data=$HOME/.local/share/tavoran-practice/practice.db
 tavoran-practice --port 0 >"$profile/platform.log" &
@@ -89,7 +94,7 @@ platform=$!
 wait_for 10 grep -q '^Listening' "$profile/platform.log" || fail "the platform did not start"
 kill "$platform"
 wait "$platform" || true
-apt-get -q -y purge tavoran-terminal tavoran-practice >/share/apt-purge.log 2>&1 || fail "apt-get could not purge"
+apt-get -q -y purge tavoran-terminal tavoran-practice tavoran-lab >/share/apt-purge.log 2>&1 || fail "apt-get could not purge"
 [ -s "$data" ] || fail "the trader's own data is gone"
 left=$(find / -xdev \( -path /proc -o -path /sys -o -path /share -o -path "$HOME" -o -path /tmp \) -prune \
     -o -iname '*tavoran*' -print)
