@@ -38,8 +38,7 @@ int reportTrades(const Options& options)
     if (options.hasBalance)
         wish.balance = options.settings.balance;
     const RunResult result = resultOfTrades(contentOf(file), file.string(), wish);
-    Figures figures = figuresOf(result);
-    forgetUnknown(figures);
+    const Figures figures = figuresOf(result);
     writeResult(folder, result, figures, name);
     std::cout << figureList(result, figures, hasColours()) << '\n'
               << (folder / "report.html").string() << '\n';

@@ -2,7 +2,6 @@
 
 #include "lab/cli/OptionValues.h"
 #include "lab/cli/UsageError.h"
-#include "lab/core/figures/Figures.h"
 
 #include <nlohmann/json.hpp>
 
@@ -10,6 +9,7 @@
 #include <charconv>
 #include <chrono>
 #include <cmath>
+#include <map>
 #include <set>
 #include <system_error>
 #include <utility>
@@ -135,11 +135,10 @@ int decimalsOf(const std::string& price)
 
 /// What was read of a reply, before it becomes a result.
 struct Reply {
-    std::vector<std::pair<std::string, TradeRow>> trades; ///< each with its symbol
+    std::vector<TradeRow> trades;
     std::size_t rows = 0;
     std::size_t payments = 0;
     Cents paid = 0;
-    int digits = 0;
 };
 
 TradeRow tradeOf(const RowReader& row)
@@ -152,6 +151,11 @@ TradeRow tradeOf(const RowReader& row)
     trade.lots = std::llround(row.number("lotSize", true) * 100);
     trade.openTime = row.time("createdAt", "createdAt");
     trade.closeTime = std::max(row.time("closedAt", "updatedAt"), trade.openTime);
+    trade.symbol = row.text("symbol");
+    if (trade.symbol.empty())
+        row.fail("has no symbol");
+    trade.digits
+        = std::max(decimalsOf(row.numberText("entryPrice")), decimalsOf(row.numberText("exitPrice")));
     trade.openPrice = row.number("entryPrice", true);
     trade.closePrice = row.number("exitPrice", true);
     trade.stopLoss = row.number("stopLoss");
@@ -178,9 +182,7 @@ Reply read(std::string_view text, const std::string& name)
             ++reply.payments;
             reply.paid += row.money("pnl", true);
         } else if (row.text("status") == "CLOSED") {
-            reply.trades.emplace_back(row.text("symbol"), tradeOf(row));
-            for (const char* key : {"entryPrice", "exitPrice"})
-                reply.digits = std::max(reply.digits, decimalsOf(row.numberText(key)));
+            reply.trades.push_back(tradeOf(row));
         }
     }
     if (accounts.size() > 1)
@@ -188,15 +190,35 @@ Reply read(std::string_view text, const std::string& name)
     return reply;
 }
 
-std::string namesOf(const std::vector<std::pair<std::string, TradeRow>>& trades)
+/// The most decimals that a price of each symbol is written with.
+std::map<std::string, int> digitsBySymbol(const std::vector<TradeRow>& trades)
 {
-    std::set<std::string> symbols;
-    for (const auto& [symbol, trade] : trades)
-        symbols.insert(symbol);
+    std::map<std::string, int> digits;
+    for (const TradeRow& trade : trades)
+        digits[trade.symbol] = std::max(digits[trade.symbol], trade.digits);
+    return digits;
+}
+
+std::string namesOf(const std::map<std::string, int>& symbols)
+{
     std::string names;
-    for (const std::string& symbol : symbols)
+    for (const auto& [symbol, digits] : symbols)
         names += (names.empty() ? "" : ", ") + symbol;
     return names;
+}
+
+/// The trades of the symbol that is wished for, or all of them.
+std::vector<TradeRow> chosenTrades(const Reply& reply, const std::string& wanted, const std::string& name)
+{
+    if (reply.trades.empty())
+        throw UsageError(name + ": no closed trade");
+    std::vector<TradeRow> trades = reply.trades;
+    if (!wanted.empty())
+        std::erase_if(trades, [&wanted](const TradeRow& trade) { return trade.symbol != wanted; });
+    if (trades.empty())
+        throw UsageError(
+            name + ": no closed trade in " + wanted + "; there are " + namesOf(digitsBySymbol(reply.trades)));
+    return trades;
 }
 
 std::int64_t dayOf(TimeMs time)
@@ -277,20 +299,16 @@ RunResult resultOfTrades(std::string_view text, const std::string& name, const T
 {
     const Reply reply = read(text, name);
     RunResult result;
-    result.settings.symbol = wish.symbol;
-    const std::string symbols = namesOf(reply.trades);
-    if (wish.symbol.empty() && symbols.find(',') != std::string::npos)
-        throw UsageError(name + ": trades of several symbols; --symbol takes one of " + symbols);
-    if (wish.symbol.empty())
-        result.settings.symbol = symbols;
-    for (const auto& [symbol, trade] : reply.trades) {
-        if (symbol == result.settings.symbol)
-            result.trades.push_back(trade);
+    result.closedTradesOnly = true;
+    result.trades = chosenTrades(reply, wish.symbol, name);
+    const std::map<std::string, int> symbols = digitsBySymbol(result.trades);
+    result.settings.symbol = namesOf(symbols);
+    result.digits = symbols.begin()->second;
+    for (TradeRow& trade : result.trades) {
+        trade.digits = symbols.at(trade.symbol);
+        if (symbols.size() == 1)
+            trade.symbol.clear();
     }
-    if (result.trades.empty() && !reply.trades.empty())
-        throw UsageError(name + ": no closed trade in " + wish.symbol + "; there are " + symbols);
-    if (result.trades.empty())
-        throw UsageError(name + ": no closed trade");
 
     std::ranges::stable_sort(result.trades, {}, &TradeRow::openTime);
     int ticket = 0;
@@ -300,7 +318,6 @@ RunResult resultOfTrades(std::string_view text, const std::string& name, const T
     result.settings.from = result.trades.front().openTime;
     std::ranges::stable_sort(result.trades, {}, &TradeRow::closeTime);
     result.settings.to = result.trades.back().closeTime + 1;
-    result.digits = reply.digits;
     result.startBalance = wish.balance.value_or(result.settings.balance);
     result.settings.balance = result.startBalance;
     addCurve(result);
@@ -318,15 +335,6 @@ RunResult resultOfTrades(std::string_view text, const std::string& name, const T
         warnings.emplace_back("The history has as many rows as the platform sends at once; older trades may "
                               "be missing.");
     return result;
-}
-
-void forgetUnknown(Figures& figures)
-{
-    for (Figure Figures::*unknown : {&Figures::bars, &Figures::ticks, &Figures::ticksPerBar,
-             &Figures::maxDrawdown, &Figures::maxDrawdownMoney, &Figures::calmar, &Figures::recoveryFactor,
-             &Figures::spreadCost, &Figures::buyAndHold, &Figures::worstDay, &Figures::dailyLimitUse,
-             &Figures::totalLimitUse, &Figures::ambiguousExits, &Figures::refusals})
-        (figures.*unknown).reset();
 }
 
 } // namespace lab

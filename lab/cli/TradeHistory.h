@@ -8,21 +8,16 @@
 
 namespace lab {
 
-struct Figures;
-
 /// What a reader of an account's trades has to know or to choose.
 struct TradeHistoryWish {
     std::string symbol;                     ///< of these trades alone; empty: of all
     std::optional<practice::Cents> balance; ///< before the first trade; absent: the usual one, with a warning
 };
 
-/// The closed positions in the platform's reply to a request for an account's history. Equity moves where a
-/// position was closed, since nothing else is known of it. Throws UsageError, one line that begins with
-/// `name`, where the text is no such reply or holds no closed position.
+/// The closed positions in the platform's reply to a request for an account's history, in whatever symbols.
+/// Equity moves where a position was closed, since nothing else is known of it. Throws UsageError, one line
+/// that begins with `name`, where the text is no such reply or holds no closed position.
 [[nodiscard]] RunResult resultOfTrades(
     std::string_view json, const std::string& name, const TradeHistoryWish& wish);
-
-/// Makes undefined what closed trades do not tell: ticks, falls of the equity between them, spreads.
-void forgetUnknown(Figures& figures);
 
 } // namespace lab

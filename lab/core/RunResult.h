@@ -36,6 +36,9 @@ struct TradeRow {
     bool ambiguous = false;
     practice::Cents otherProfit = 0; ///< of an ambiguous one: `profit`, had the other level come first
 
+    std::string symbol; ///< empty: that of the run
+    int digits = -1;    ///< of its prices; below 0: those of the run
+
     [[nodiscard]] practice::Cents net() const { return profit - commission + swap; }
 };
 
@@ -84,6 +87,9 @@ struct RunResult {
     int digits = 5;
     bool weekendsTrade = false; ///< prices on Saturdays or Sundays
     bool simulated = false;
+    /// Made of an account's closed trades, without prices: equity is the balance, and `worst`, `best`,
+    /// spreads and whatever else needs prices are unknown.
+    bool closedTradesOnly = false;
     std::uint64_t bars = 0;  ///< of the chart, without those before the first tick
     std::uint64_t ticks = 0; ///< calls of the script
     practice::Cents startBalance = 0;

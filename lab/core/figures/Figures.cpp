@@ -161,6 +161,16 @@ void addPlanRules(const RunResult& result, Figures& figures)
     }
 }
 
+/// What needs prices is unknown where there are none.
+void forgetUnknown(Figures& figures)
+{
+    for (Figure Figures::*unknown : {&Figures::bars, &Figures::ticks, &Figures::ticksPerBar,
+             &Figures::maxDrawdown, &Figures::maxDrawdownMoney, &Figures::calmar, &Figures::recoveryFactor,
+             &Figures::spreadCost, &Figures::buyAndHold, &Figures::worstDay, &Figures::dailyLimitUse,
+             &Figures::totalLimitUse, &Figures::ambiguousExits, &Figures::refusals})
+        (figures.*unknown).reset();
+}
+
 } // namespace
 
 Figures figuresOf(const RunResult& result)
@@ -172,6 +182,8 @@ Figures figuresOf(const RunResult& result)
     addDrawdowns(result, figures);
     addPlanRules(result, figures);
     figures.warnings = warningsOf(result, figures);
+    if (result.closedTradesOnly)
+        forgetUnknown(figures);
     return figures;
 }
 

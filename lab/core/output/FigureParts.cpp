@@ -35,6 +35,15 @@ std::string settingsTable(std::string_view caption, const Lines& lines)
     return html + "</tbody>\n</table>\n";
 }
 
+Lines closedTradesLines(const RunResult& result)
+{
+    const RunSettings& settings = result.settings;
+    return {{"Symbol", shortened(settings.symbol, 100)},
+        {"First opening", settings.from ? minuteText(*settings.from) + " UTC" : std::string(undefinedText)},
+        {"Until", settings.to ? minuteText(*settings.to) + " UTC" : std::string(undefinedText)},
+        {"Balance", practice::moneyText(result.startBalance)}};
+}
+
 Lines priceLines(const RunResult& result)
 {
     const RunSettings& settings = result.settings;
@@ -104,6 +113,9 @@ std::string verdictPart(const RunResult& result, const Figures& figures, const P
 
 std::string settingsPart(const RunResult& result, const std::string& script, const PageLimits& limits)
 {
+    if (result.closedTradesOnly)
+        return "<div class=\"settings\">\n"
+            + settingsTable("An account's closed trades", closedTradesLines(result)) + "</div>";
     Lines prices = priceLines(result);
     prices.insert(prices.begin(), {"Script", shortened(script, 200)});
     std::string html = "<div class=\"settings\">\n" + settingsTable("Script and prices", prices)

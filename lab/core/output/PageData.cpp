@@ -1,6 +1,7 @@
 #include "lab/core/figures/DrawdownSpans.h"
 #include "lab/core/figures/ReportSeries.h"
 #include "lab/core/output/PageParts.h"
+#include "lab/core/output/RunWords.h"
 #include "lab/core/output/Texts.h"
 
 #include <algorithm>
@@ -108,9 +109,11 @@ std::string tradesData(const RunResult& result, std::size_t most)
     return list(trades.size(), [&](std::size_t number) {
         const TradeRow& trade = trades[number];
         return '[' + std::to_string(trade.ticket) + (trade.side == practice::Side::Buy ? ",1," : ",0,")
-            + std::to_string(secondOf(trade.openTime)) + ',' + fixedText(trade.openPrice, result.digits) + ','
-            + std::to_string(secondOf(trade.closeTime)) + ',' + fixedText(trade.closePrice, result.digits)
-            + ',' + practice::decimalText(trade.net()) + ']';
+            + std::to_string(secondOf(trade.openTime)) + ','
+            + fixedText(trade.openPrice, digitsOf(trade, result)) + ','
+            + std::to_string(secondOf(trade.closeTime)) + ','
+            + fixedText(trade.closePrice, digitsOf(trade, result)) + ',' + practice::decimalText(trade.net())
+            + ']';
     });
 }
 

@@ -22,14 +22,18 @@ std::string fallPart(const RunResult& result)
     if (result.equity.size() < 2)
         return "<p class=\"note\">No equity.</p>";
     return chartPlace("drawdown", "Fall of equity below its highest value so far, over time", {})
-        + "\n<p class=\"note\">Below the highest equity so far. On every price in between, the deepest fall "
-          "was "
-        + percentText(result.equityDrawdown.fraction) + " ("
-        + centsText(static_cast<double>(result.equityDrawdown.money)) + ").</p>";
+        + "\n<p class=\"note\">Below the highest equity so far. "
+        + (result.closedTradesOnly ? "What was lost between the closings is not known"
+                                   : "On every price in between, the deepest fall was "
+                    + percentText(result.equityDrawdown.fraction) + " ("
+                    + centsText(static_cast<double>(result.equityDrawdown.money)) + ")")
+        + ".</p>";
 }
 
 std::string titleOf(const RunResult& result, const ReportWords& words)
 {
+    if (result.closedTradesOnly)
+        return "Closed trades: " + shortened(words.script, 200);
     return shortened(words.script, 200) + " on " + shortened(result.settings.symbol, 100) + ' '
         + std::string(practice::timeframeKey(result.settings.timeframe));
 }

@@ -1,5 +1,6 @@
 #include "lab/core/output/ResultFiles.h"
 
+#include "lab/core/output/RunWords.h"
 #include "lab/core/output/Texts.h"
 
 namespace lab {
@@ -24,19 +25,21 @@ std::string levelText(double level, int digits)
     return level == 0 ? std::string() : fixedText(level, digits);
 }
 
-void addTrade(std::string& csv, const RunResult& result, const std::string& symbol, const TradeRow& trade)
+void addTrade(std::string& csv, const RunResult& result, const TradeRow& trade)
 {
-    csv += std::to_string(trade.ticket) + ',' + symbol + ',';
+    const int digits = digitsOf(trade, result);
+    csv += std::to_string(trade.ticket) + ',' + field(symbolOf(trade, result)) + ',';
     csv += sideText(trade.side);
     csv += ',' + decimalText(trade.lots) + ',' + isoTime(trade.openTime) + ','
-        + fixedText(trade.openPrice, result.digits) + ',' + isoTime(trade.closeTime) + ','
-        + fixedText(trade.closePrice, result.digits) + ',' + levelText(trade.stopLoss, result.digits) + ','
-        + levelText(trade.takeProfit, result.digits) + ',' + decimalText(trade.profit) + ','
+        + fixedText(trade.openPrice, digits) + ',' + isoTime(trade.closeTime) + ','
+        + fixedText(trade.closePrice, digits) + ',' + levelText(trade.stopLoss, digits) + ','
+        + levelText(trade.takeProfit, digits) + ',' + decimalText(trade.profit) + ','
         + decimalText(trade.commission) + ',' + decimalText(trade.swap) + ',' + decimalText(trade.net())
         + ',';
     csv += reasonText(trade.reason);
-    csv += ',' + decimalText(trade.worst) + ',' + decimalText(trade.best)
-        + (trade.ambiguous ? ",1\n" : ",0\n");
+    csv += result.closedTradesOnly ? ",,,\n"
+                                   : ',' + decimalText(trade.worst) + ',' + decimalText(trade.best)
+            + (trade.ambiguous ? ",1\n" : ",0\n");
 }
 
 } // namespace
@@ -46,9 +49,8 @@ std::string tradesCsv(const RunResult& result)
     std::string csv
         = "ticket,symbol,side,lots,openTime,openPrice,closeTime,closePrice,stopLoss,takeProfit,profit,"
           "commission,swap,net,reason,mae,mfe,ambiguous\n";
-    const std::string symbol = field(result.settings.symbol);
     for (const TradeRow& trade : result.trades)
-        addTrade(csv, result, symbol, trade);
+        addTrade(csv, result, trade);
     return csv;
 }
 

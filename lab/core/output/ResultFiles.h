@@ -13,7 +13,8 @@ struct Figures;
 // ISO 8601 in UTC with milliseconds, money has two decimals, prices have the symbol's digits; lines end in
 // LF.
 
-/// trades.csv: the closed positions, in the order of closing.
+/// trades.csv: the closed positions, in the order of closing. Of an account's own trades mae, mfe and
+/// ambiguous are empty: they are not known.
 [[nodiscard]] std::string tradesCsv(const RunResult& result);
 
 /// equity.csv: balance and equity where one of them has changed for good.
@@ -29,7 +30,7 @@ struct Figures;
 [[nodiscard]] std::string summaryJson(const Figures& figures);
 
 /// run.json: what has been run, so that it can be run again: the settings, and hashes of script, prices,
-/// ticks and decisions. `version` is the lab's.
+/// ticks and decisions. `version` is the lab's. Of an account's own trades: what is known of them.
 [[nodiscard]] std::string runJson(const RunResult& result, std::string_view version);
 
 } // namespace lab

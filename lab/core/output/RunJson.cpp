@@ -5,8 +5,27 @@
 
 namespace lab {
 
+namespace {
+
+std::string closedTradesJson(const RunResult& result, std::string_view version)
+{
+    JsonObject run;
+    run.count("format", 1);
+    run.text("version", version);
+    run.flag("closedTradesOnly", true);
+    run.text("symbol", result.settings.symbol);
+    run.time("from", result.settings.from);
+    run.time("to", result.settings.to);
+    run.money("balance", result.startBalance);
+    return run.document();
+}
+
+} // namespace
+
 std::string runJson(const RunResult& result, std::string_view version)
 {
+    if (result.closedTradesOnly)
+        return closedTradesJson(result, version);
     const RunSettings& settings = result.settings;
     JsonObject inputs;
     for (const auto& [name, literal] : settings.inputs)

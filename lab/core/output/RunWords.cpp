@@ -28,4 +28,14 @@ std::string_view outcomeText(PlanOutcome outcome)
     return texts[static_cast<std::size_t>(outcome)];
 }
 
+const std::string& symbolOf(const TradeRow& trade, const RunResult& result)
+{
+    return trade.symbol.empty() ? result.settings.symbol : trade.symbol;
+}
+
+int digitsOf(const TradeRow& trade, const RunResult& result)
+{
+    return trade.digits < 0 ? result.digits : trade.digits;
+}
+
 } // namespace lab

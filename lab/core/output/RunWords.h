@@ -13,4 +13,9 @@ namespace lab {
 [[nodiscard]] std::string_view rulesText(AccountRules rules);    ///< demo or plan
 [[nodiscard]] std::string_view outcomeText(PlanOutcome outcome); ///< none, passed, daily-loss or total-loss
 
+// Trades of one account may be in several symbols, those of a run are not.
+
+[[nodiscard]] const std::string& symbolOf(const TradeRow& trade, const RunResult& result);
+[[nodiscard]] int digitsOf(const TradeRow& trade, const RunResult& result);
+
 } // namespace lab

@@ -96,13 +96,16 @@ public:
         return std::llround(value);
     }
 
-    double priceOrNothing()
+    /// Whether the field is empty, which is then passed over.
+    bool isEmpty()
     {
         if (!m_fields[m_next].empty())
-            return number();
+            return false;
         ++m_next;
-        return 0;
+        return true;
     }
+
+    double priceOrNothing() { return isEmpty() ? 0 : number(); }
 
     /// The number of the field's text among these.
     std::size_t choice(std::span<const std::string_view> texts)
@@ -204,9 +207,9 @@ void readTrades(const fs::path& file, SavedRun& run)
         trade.swap = fields.hundredths();
         static_cast<void>(fields.hundredths()); // net, which the three before it make
         trade.reason = static_cast<ExitReason>(fields.choice(reasons));
-        trade.worst = fields.hundredths();
-        trade.best = fields.hundredths();
-        trade.ambiguous = fields.choice(answers) == 1;
+        trade.worst = fields.isEmpty() ? 0 : fields.hundredths();
+        trade.best = fields.isEmpty() ? 0 : fields.hundredths();
+        trade.ambiguous = !fields.isEmpty() && fields.choice(answers) == 1;
         run.trades.push_back(trade);
     });
 }

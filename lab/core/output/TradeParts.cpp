@@ -1,6 +1,7 @@
 #include "lab/core/figures/ReportSeries.h"
 #include "lab/core/output/FigureText.h"
 #include "lab/core/output/PageParts.h"
+#include "lab/core/output/RunWords.h"
 #include "lab/core/output/Texts.h"
 
 #include <algorithm>
@@ -98,12 +99,14 @@ std::string moneyCell(practice::Cents amount)
     return "<td class=\"n\">" + centsText(static_cast<double>(amount)) + "</td>";
 }
 
-std::string tradeLine(const TradeRow& trade, int digits)
+std::string tradeLine(const TradeRow& trade, const RunResult& result, bool withSymbol)
 {
+    const int digits = digitsOf(trade, result);
     const auto net = static_cast<double>(trade.net());
     std::string html = "<tr><td class=\"n\"><button type=\"button\" class=\"row\">"
-        + std::to_string(trade.ticket) + "</button></td><td>"
-        + (trade.side == practice::Side::Buy ? "Buy" : "Sell") + "</td>" + moneyCell(trade.lots)
+        + std::to_string(trade.ticket) + "</button></td>"
+        + (withSymbol ? "<td>" + escaped(shortened(symbolOf(trade, result), 40)) + "</td>" : std::string())
+        + "<td>" + (trade.side == practice::Side::Buy ? "Buy" : "Sell") + "</td>" + moneyCell(trade.lots)
         + "<td class=\"t\">" + minuteText(trade.openTime) + "</td>" + priceCell(trade.openPrice, digits)
         + "<td class=\"t\">" + minuteText(trade.closeTime) + "</td>" + priceCell(trade.closePrice, digits)
         + "<td>" + std::string(reasonText(trade.reason)) + (trade.ambiguous ? " ?" : "") + "</td>";
@@ -119,6 +122,8 @@ std::string excursionsPart(const RunResult& result, const PageLimits& limits)
     const std::vector<ExcursionPoint> points = excursions(result, limits.dots);
     if (points.empty())
         return "<p class=\"note\">No trades.</p>";
+    if (result.closedTradesOnly)
+        return "<p class=\"note\">\xE2\x80\x93 How far trades went before they were closed is not known.</p>";
     const Heights heights = heightsOf(points);
     return "<p class=\"note\">How far each trade went before it was closed, along, and its net result, "
            "upwards, in "
@@ -129,6 +134,8 @@ std::string excursionsPart(const RunResult& result, const PageLimits& limits)
 
 std::string barsPart(const RunResult& result, const PageLimits& limits)
 {
+    if (result.closedTradesOnly)
+        return "<p class=\"note\">\xE2\x80\x93 The prices are not known.</p>";
     if (result.chart.empty())
         return "<p class=\"note\">No bars.</p>";
     std::string html = "<div class=\"tools\">";
@@ -155,25 +162,27 @@ std::string tradesPart(const RunResult& result, const PageLimits& limits)
     if (result.trades.empty())
         return "<p class=\"note\">No trades.</p>";
     const std::size_t count = std::min(result.trades.size(), limits.listedTrades);
+    const bool withSymbol = std::any_of(result.trades.begin(), result.trades.end(),
+        [](const TradeRow& trade) { return !trade.symbol.empty(); });
     std::string html;
     if (count < result.trades.size())
         html += "<p class=\"note\">The " + countText(count) + " latest; "
             + countText(result.trades.size() - count)
             + " earlier trades are left out here, trades.csv has all of them.</p>\n";
-    html
-        += "<div class=\"tall\" tabindex=\"0\" role=\"region\" aria-label=\"List of "
-           "trades\"><table>\n<caption hidden>"
-           "Closed trades</caption>\n<thead><tr><th scope=\"col\" class=\"n\">Ticket</th><th "
-           "scope=\"col\">Side</th>"
-           "<th scope=\"col\" class=\"n\">Lots</th><th scope=\"col\">Opened (UTC)</th><th scope=\"col\" "
-           "class=\"n\">"
-           "Price</th><th scope=\"col\">Closed (UTC)</th><th scope=\"col\" class=\"n\">Price</th><th "
-           "scope=\"col\">"
-           "Reason</th><th scope=\"col\" class=\"n\">Profit</th><th scope=\"col\" class=\"n\">Commission</th>"
-           "<th scope=\"col\" class=\"n\">Swap</th><th scope=\"col\" "
-           "class=\"n\">Net</th></tr></thead>\n<tbody>\n";
+    html += "<div class=\"tall\" tabindex=\"0\" role=\"region\" aria-label=\"List of "
+            "trades\"><table>\n<caption hidden>"
+            "Closed trades</caption>\n<thead><tr><th scope=\"col\" class=\"n\">Ticket</th>"
+        + std::string(withSymbol ? "<th scope=\"col\">Symbol</th>" : "")
+        + "<th scope=\"col\">Side</th>"
+          "<th scope=\"col\" class=\"n\">Lots</th><th scope=\"col\">Opened (UTC)</th><th scope=\"col\" "
+          "class=\"n\">"
+          "Price</th><th scope=\"col\">Closed (UTC)</th><th scope=\"col\" class=\"n\">Price</th><th "
+          "scope=\"col\">"
+          "Reason</th><th scope=\"col\" class=\"n\">Profit</th><th scope=\"col\" class=\"n\">Commission</th>"
+          "<th scope=\"col\" class=\"n\">Swap</th><th scope=\"col\" "
+          "class=\"n\">Net</th></tr></thead>\n<tbody>\n";
     for (const TradeRow& trade : std::span(result.trades).last(count))
-        html += tradeLine(trade, result.digits);
+        html += tradeLine(trade, result, withSymbol);
     html += "</tbody>\n</table></div>";
     if (std::any_of(result.trades.begin(), result.trades.end(),
             [](const TradeRow& trade) { return trade.ambiguous; }))
@@ -185,6 +194,8 @@ std::string tradesPart(const RunResult& result, const PageLimits& limits)
 
 std::string journalPart(const RunResult& result, const PageLimits& limits)
 {
+    if (result.closedTradesOnly)
+        return "<p class=\"note\">No script is known of.</p>";
     if (result.journal.empty())
         return "<p class=\"note\">The script has printed nothing.</p>";
     std::size_t first = result.journal.size();

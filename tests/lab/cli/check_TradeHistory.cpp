@@ -3,6 +3,8 @@
 #include "lab/cli/TradeHistory.h"
 #include "lab/cli/UsageError.h"
 #include "lab/core/figures/Figures.h"
+#include "lab/core/output/ReportPage.h"
+#include "lab/core/output/ResultFiles.h"
 
 #include <algorithm>
 
@@ -93,8 +95,7 @@ TEST_CASE("equity moves where a position was closed")
 TEST_CASE("what closed trades do not tell is undefined")
 {
     const RunResult result = lab::resultOfTrades(reply, "h.json", {});
-    lab::Figures figures = lab::figuresOf(result);
-    lab::forgetUnknown(figures);
+    const lab::Figures figures = lab::figuresOf(result);
     CHECK(!figures.maxDrawdown && !figures.maxDrawdownMoney && !figures.spreadCost && !figures.ticks);
     CHECK(!figures.worstDay && !figures.ambiguousExits && !figures.buyAndHold && !figures.calmar);
     CHECK_EQ(figures.netProfit.value_or(0), -5'492);
@@ -139,13 +140,38 @@ TEST_CASE("numbers may travel as numbers, and times in a zone of their own")
     CHECK_EQ(result.trades[0].closeTime, 1'704'175'200'123);
 }
 
-TEST_CASE("trades of several symbols need a choice")
+TEST_CASE("trades in several symbols stay together, each with its own digits, unless one is chosen")
 {
-    const std::string two = with(reply, "\"a\",\"accountId\":\"A\",\"symbol\":\"EURUSD\"",
+    std::string two = with(reply, "\"a\",\"accountId\":\"A\",\"symbol\":\"EURUSD\"",
         "\"a\",\"accountId\":\"A\",\"symbol\":\"USDJPY\"");
-    CHECK_EQ(refusal(two), "h.json: trades of several symbols; --symbol takes one of EURUSD, USDJPY");
-    CHECK_EQ(lab::resultOfTrades(two, "h.json", {"USDJPY", {}}).trades.size(), 1U);
+    two = with(
+        with(two, "\"1.10000\",\"exit", "\"150.25\",\"exit"), "\"1.10500\",\"stop", "\"150.5\",\"stop");
+    const RunResult both = lab::resultOfTrades(two, "h.json", {});
+    CHECK_EQ(both.settings.symbol, "EURUSD, USDJPY");
+    const std::string csv = lab::tradesCsv(both);
+    CHECK(csv.find("\n1,USDJPY,BUY,0.10,2024-01-01T22:00:00.000Z,150.25,") != std::string::npos);
+    CHECK(csv.find(",150.50,,1.10,") != std::string::npos);
+    CHECK(csv.find("\n2,EURUSD,SELL,1.00,2024-01-03T10:00:00.000Z,1.10500,") != std::string::npos);
+    CHECK(
+        lab::reportPage(both, lab::figuresOf(both), {"h", {}}).find("<td>USDJPY</td>") != std::string::npos);
+
+    const RunResult one = lab::resultOfTrades(two, "h.json", {"USDJPY", {}});
+    CHECK_EQ(one.trades.size(), 1U);
+    CHECK_EQ(one.digits, 2);
     CHECK_EQ(refusal(two, {"GBPUSD", {}}), "h.json: no closed trade in GBPUSD; there are EURUSD, USDJPY");
+}
+
+TEST_CASE("the files say nothing of what is not known")
+{
+    const RunResult result = lab::resultOfTrades(reply, "h.json", {});
+    CHECK(lab::tradesCsv(result).find(",48.58,TP,,,\n") != std::string::npos);
+    const std::string run = lab::runJson(result, "1");
+    CHECK(run.find("closedTradesOnly") != std::string::npos);
+    CHECK(run.find("model") == std::string::npos);
+    const std::string page = lab::reportPage(result, lab::figuresOf(result), {"history", {}});
+    CHECK(page.find("What was lost between the closings is not known") != std::string::npos);
+    CHECK(page.find("Model of time") == std::string::npos);
+    CHECK(page.find("Adverse excursion and net") == std::string::npos);
 }
 
 TEST_CASE("what is no history is refused with the row that is to blame")
