@@ -95,6 +95,8 @@ int checkScript(Options options)
     if (!options.out.empty())
         checkResultPlace(options.out);
     const std::vector<MinuteHistory> histories = loadHistories(options);
+    if (const int stopped = stopStatus())
+        return stopped; // before there was anything to keep
     Runner runner(options, script, histories);
     const CheckRuns runs{[&runner](const RunSettings& settings) { return runner.run(settings); },
         [&runner](int bars) { return runner.startAfter(bars); }};

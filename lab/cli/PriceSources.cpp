@@ -1,5 +1,6 @@
 #include "lab/cli/PriceSources.h"
 
+#include "lab/cli/Progress.h"
 #include "lab/core/market/HistorySources.h"
 #include "practice/core/market/MinuteFile.h"
 
@@ -58,13 +59,18 @@ std::vector<MinuteHistory> recorded(Options& options)
         throw UsageError("no file for the symbol " + symbol + "; there are " + namesOf(records));
 
     std::vector<MinuteHistory> histories;
-    histories.push_back(readHistory(*file));
+    const auto read = [](const std::filesystem::path& path) {
+        Progress progress("Reading " + path.filename().string());
+        progress.showLabel();
+        return readHistory(path);
+    };
+    histories.push_back(read(*file));
     if (const auto pair = ratePairOf(histories.front().spec)) {
         const std::filesystem::path* rates = fileFor(records, *pair);
         if (!rates)
             throw UsageError(symbol + " pays in " + histories.front().spec.profitCurrency + "; add " + *pair
                 + "-1m.csv to --data, which turns that into USD");
-        histories.push_back(readHistory(*rates));
+        histories.push_back(read(*rates));
     }
     return histories;
 }
@@ -79,6 +85,8 @@ std::vector<MinuteHistory> simulated(Options& options)
     const practice::TimeMs warmup = settings.warmupBars * practice::timeframeLength(settings.timeframe);
     const practice::TimeMs start = practice::barStart(*settings.from, settings.timeframe) - warmup;
     const auto history = [&](const std::string& symbol) {
+        Progress progress("Simulating " + symbol);
+        progress.showLabel();
         return simulatedHistory(symbol, settings.seed, options.speed, start, *settings.to);
     };
     std::vector<MinuteHistory> histories;

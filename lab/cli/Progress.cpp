@@ -62,4 +62,12 @@ void Progress::show(double done)
     std::cerr << '\r' << progressLine(m_label, done, now - m_start) << "\x1b[K" << std::flush;
 }
 
+void Progress::showLabel()
+{
+    if (!m_isSeen)
+        return;
+    m_isShown = true;
+    std::cerr << '\r' << m_label.substr(0, 79) << "\x1b[K" << std::flush;
+}
+
 } // namespace lab

@@ -21,6 +21,8 @@ public:
 
     /// How much is done, from 0 to 1. Shown a few times a second at most.
     void show(double done);
+    /// The label alone, where nobody knows how much is done.
+    void showLabel();
 
 private:
     std::string m_label;

@@ -20,6 +20,8 @@ int runOnce(Options options)
     if (!options.out.empty())
         checkResultPlace(options.out);
     const std::vector<MinuteHistory> histories = loadHistories(options);
+    if (const int stopped = stopStatus())
+        return stopped; // before there was anything to keep
     const std::string name = script.name.toStdString();
     if (options.out.empty()) {
         options.out = name + '-' + options.settings.symbol;

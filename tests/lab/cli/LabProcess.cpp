@@ -75,7 +75,7 @@ LabProcess::Child LabProcess::start(std::vector<std::string> words, bool isTermi
     return {pid, output[0], errors[0]};
 }
 
-LabProcess::Result LabProcess::resultOf(const Child& child, int signal)
+LabProcess::Result LabProcess::resultOf(const Child& child, int signal, const std::string& mark)
 {
     Result result;
     std::string* texts[2]{&result.output, &result.errors};
@@ -93,7 +93,7 @@ LabProcess::Result LabProcess::resultOf(const Child& child, int signal)
             else
                 ends[i].fd = -1; // the end of a terminal is an error
         }
-        if (signal != 0 && result.errors.find('%') != std::string::npos)
+        if (signal != 0 && result.errors.find(mark) != std::string::npos)
             ::kill(child.pid, std::exchange(signal, 0));
     }
     ::close(child.output);
@@ -112,10 +112,11 @@ LabProcess::Result LabProcess::run(const std::vector<std::string>& arguments) co
 LabProcess::Result LabProcess::runWithin(
     const std::vector<std::string>& other, const std::vector<std::string>& arguments) const
 {
-    return resultOf(start(joined(joined(other, {LAB_EXECUTABLE}), arguments), false), 0);
+    return resultOf(start(joined(joined(other, {LAB_EXECUTABLE}), arguments), false), 0, {});
 }
 
-LabProcess::Result LabProcess::runOnTerminal(const std::vector<std::string>& arguments, int signal) const
+LabProcess::Result LabProcess::runOnTerminal(
+    const std::vector<std::string>& arguments, int signal, const std::string& mark) const
 {
-    return resultOf(start(joined({LAB_EXECUTABLE}, arguments), true), signal);
+    return resultOf(start(joined({LAB_EXECUTABLE}, arguments), true), signal, mark);
 }

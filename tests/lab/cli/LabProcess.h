@@ -19,8 +19,9 @@ struct LabProcess {
 
     [[nodiscard]] Result run(const std::vector<std::string>& arguments) const;
     /// Its standard error is a terminal, and what it has written there comes as `errors`. With a signal, it
-    /// gets that as soon as it has shown how far it is.
-    [[nodiscard]] Result runOnTerminal(const std::vector<std::string>& arguments, int signal = 0) const;
+    /// gets that as soon as it has written `mark`: how far it is.
+    [[nodiscard]] Result runOnTerminal(
+        const std::vector<std::string>& arguments, int signal = 0, const std::string& mark = "%") const;
     /// Another program, with the lab's path as its last argument and these behind it.
     [[nodiscard]] Result runWithin(
         const std::vector<std::string>& other, const std::vector<std::string>& arguments) const;
@@ -28,5 +29,5 @@ struct LabProcess {
 private:
     struct Child;
     [[nodiscard]] Child start(std::vector<std::string> words, bool isTerminal) const;
-    static Result resultOf(const Child& child, int signal);
+    static Result resultOf(const Child& child, int signal, const std::string& mark);
 };

@@ -300,6 +300,17 @@ TEST_CASE("interrupted it keeps what was done and says so")
     CHECK(contains(contentOf(bench.folder / "MA_Cross-EURUSD/run.json"), "Stopped"));
 }
 
+TEST_CASE("interrupted before the run has begun it writes nothing")
+{
+    const Bench bench;
+    const Result result
+        = bench.lab.runOnTerminal({"run", crossing, "--symbol", "EURUSD", "--seed", "1", "--warmup", "100"},
+            SIGTERM, "Simulating EURUSD");
+    CHECK_EQ(result.exitCode, 143);
+    CHECK_EQ(result.output, "");
+    CHECK_EQ(filesIn(bench.folder.path()).size(), 1U);
+}
+
 TEST_CASE("on a terminal it tells how far it is, in a pipe it does not")
 {
     const Bench bench;
@@ -307,6 +318,7 @@ TEST_CASE("on a terminal it tells how far it is, in a pipe it does not")
         = bench.lab.runOnTerminal({"run", crossing, "--data", "EURUSD-1m.csv", "--warmup", "100"});
     CHECK_EQ(result.exitCode, 0);
     CHECK(contains(result.errors, " %"));
+    CHECK(contains(result.errors, "Reading EURUSD-1m.csv"));
     CHECK(contains(result.errors, "MA_Cross"));
     CHECK(result.errors.ends_with("\r\x1b[K"));
     CHECK(!contains(result.output, "\x1b"));
