@@ -54,4 +54,24 @@ std::string figureText(FigureKind kind, const Figure& value)
     return typeset(groupedText(*value, 2));
 }
 
+std::string figureData(FigureKind kind, const Figure& value)
+{
+    if (!value || !std::isfinite(*value))
+        return {};
+    switch (kind) {
+    case FigureKind::Time:
+        return isoTime(static_cast<practice::TimeMs>(*value));
+    case FigureKind::Money:
+        return fixedText(*value / 100, 2);
+    case FigureKind::Count:
+    case FigureKind::Days:
+        return fixedText(*value, 0);
+    case FigureKind::Number:
+    case FigureKind::Fraction:
+    case FigureKind::Minutes:
+        break;
+    }
+    return shortestText(*value);
+}
+
 } // namespace lab

@@ -13,19 +13,19 @@ namespace {
 
 /// The colour behind a value: the stronger, the further it is from nothing; towards the page's own colours,
 /// so that it fits light and dark.
-std::string colourOf(double value, double largest)
+std::string colourOf(double value, double largest, bool lowIsBest)
 {
     const double share = largest > 0 ? std::min(1.0, std::abs(value) / largest) : 0;
-    return std::string("color-mix(in srgb, var(--") + (value < 0 ? "loss" : "gain") + "-fill) "
+    return std::string("color-mix(in srgb, var(--") + ((value < 0) != lowIsBest ? "loss" : "gain") + "-fill) "
         + fixedText(share * 70, 0) + "%, var(--card))";
 }
 
-std::string cell(const std::optional<double>& value, double largest, bool isBest)
+std::string cell(const std::optional<double>& value, double largest, bool lowIsBest, bool isBest)
 {
     if (!value || !std::isfinite(*value))
         return "<td>" + std::string(undefinedText) + "</td>";
     return std::string("<td") + (isBest ? " class=\"best\"" : "") + " style=\"background:"
-        + colourOf(*value, largest) + "\">" + typeset(groupedText(*value, 2)) + "</td>";
+        + colourOf(*value, largest, lowIsBest) + "\">" + typeset(groupedText(*value, 2)) + "</td>";
 }
 
 } // namespace
@@ -39,7 +39,8 @@ std::string heatMap(const HeatGrid& grid)
             if (!value || !std::isfinite(*value))
                 continue;
             largest = std::max(largest, std::abs(*value));
-            best = best ? std::max(*best, *value) : *value;
+            if (!best || (grid.lowIsBest ? *value < *best : *value > *best))
+                best = *value;
         }
     }
     const auto name = [](const std::string& text) { return escaped(shortened(text, 60)); };
@@ -55,11 +56,11 @@ std::string heatMap(const HeatGrid& grid)
         for (std::size_t column = 0; column < grid.columns.size(); ++column) {
             const bool isThere = row < grid.values.size() && column < grid.values[row].size();
             const std::optional<double> value = isThere ? grid.values[row][column] : std::nullopt;
-            html += cell(value, largest, value && value == best);
+            html += cell(value, largest, grid.lowIsBest, value && value == best);
         }
         html += "</tr>\n";
     }
-    return pageSection("heat", "Heat map", html + "</tbody>\n</table></div>");
+    return pageSection(grid.id, grid.title, html + "</tbody>\n</table></div>");
 }
 
 } // namespace lab

@@ -14,6 +14,9 @@ struct HeatGrid {
     std::vector<std::string> columns;                       ///< its values
     std::vector<std::string> rows;                          ///< its values
     std::vector<std::vector<std::optional<double>>> values; ///< rows of columns; nothing: undefined or failed
+    bool lowIsBest = false;
+    std::string id = "heat"; ///< of the part in the page
+    std::string title = "Heat map";
 };
 
 /// The grid as a table with coloured cells, for ReportWords::parts. Names and values are escaped.

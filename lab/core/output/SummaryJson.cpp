@@ -1,43 +1,19 @@
 #include "lab/core/figures/FigureTable.h"
+#include "lab/core/output/FigureText.h"
 #include "lab/core/output/JsonObject.h"
 #include "lab/core/output/ResultFiles.h"
-#include "lab/core/output/Texts.h"
-
-#include <cmath>
 
 namespace lab {
-
-namespace {
-
-std::string valueJson(FigureKind kind, double value)
-{
-    switch (kind) {
-    case FigureKind::Time:
-        return jsonString(isoTime(static_cast<practice::TimeMs>(value)));
-    case FigureKind::Money:
-        return fixedText(value / 100, 2);
-    case FigureKind::Count:
-    case FigureKind::Days:
-        return fixedText(value, 0);
-    case FigureKind::Number:
-    case FigureKind::Fraction:
-    case FigureKind::Minutes:
-        break;
-    }
-    return shortestText(value);
-}
-
-} // namespace
 
 std::string summaryJson(const Figures& figures)
 {
     JsonObject summary;
     for (const FigureRow& row : figureRows()) {
-        const Figure value = row.of(figures);
-        if (value && std::isfinite(*value))
-            summary.raw(row.key, valueJson(row.kind, *value));
-        else
+        const std::string value = figureData(row.kind, row.of(figures));
+        if (value.empty())
             summary.nothing(row.key);
+        else
+            summary.raw(row.key, row.kind == FigureKind::Time ? jsonString(value) : value);
     }
     summary.texts("warnings", figures.warnings);
     return summary.document();
