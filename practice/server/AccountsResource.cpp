@@ -14,7 +14,9 @@ void addAccountsRoutes(Router& router, Platform& platform)
     router.add("GET", "/api/accounts", Router::Access::SignedIn, [&platform](const ApiRequest& request) {
         platform.catchUp();
         auto records = nlohmann::json::array();
-        for (const Account& account : platform.accountsOf(request.userId))
+        const std::vector<Account> accounts = platform.accountsOf(request.userId);
+        platform.inform([&](PlatformListener& listener) { listener.accountsSent(accounts, platform.now()); });
+        for (const Account& account : accounts)
             records.push_back(accountRecord(account, platform.broker().figures(account.id)));
         return ApiReply{200, jsonText(records), {}};
     });

@@ -32,8 +32,10 @@ void addCandlesRoutes(Router& router, Platform& platform)
             throw ApiError{400, "This timeframe is not known; use one of " + timeframeKeys() + '.'};
         if (!symbol)
             throw ApiError{404, "This symbol is not traded here."};
-        const auto bars
-            = platform.market().bars(*symbol, *timeframe, static_cast<std::size_t>(limit), platform.now());
+        const TimeMs now = platform.now();
+        const auto bars = platform.market().bars(*symbol, *timeframe, static_cast<std::size_t>(limit), now);
+        platform.inform(
+            [&](PlatformListener& listener) { listener.barsSent(*symbol, *timeframe, bars, now); });
         return ApiReply{200, candleArray(bars, platform.symbols()[*symbol].digits), {}};
     });
 }

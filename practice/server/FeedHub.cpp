@@ -80,7 +80,7 @@ SharedMessage FeedHub::prices(const std::vector<bool>& symbols) const
     return priceUpdate(m_platform.symbols(), quotes);
 }
 
-void FeedHub::pricesMoved(std::span<const SymbolQuote> changed)
+void FeedHub::pricesMoved(std::span<const SymbolQuote> changed, TimeMs)
 {
     if (m_sessions.empty())
         return;
@@ -107,7 +107,12 @@ SharedMessage FeedHub::tradesOf(const std::string& userId) const
 {
     auto rows = nlohmann::json::array();
     for (const Account& account : m_platform.accountsOf(userId)) {
-        for (const Trade& trade : m_platform.broker().openTrades(account.id)) {
+        const std::vector<Trade> trades = m_platform.broker().openTrades(account.id);
+        if (!trades.empty())
+            m_platform.inform([&](PlatformListener& listener) {
+                listener.resultsSent(account.id, trades, m_platform.now());
+            });
+        for (const Trade& trade : trades) {
             auto row = tradeRecord(trade, m_platform.digits(trade.symbol));
             row["pnl"] = toUsd(trade.pnl);
             rows.push_back(std::move(row));

@@ -31,7 +31,7 @@ public:
     /// The current prices of the marked symbols.
     [[nodiscard]] SharedMessage prices(const std::vector<bool>& symbols) const;
 
-    void pricesMoved(std::span<const SymbolQuote> changed) override;
+    void pricesMoved(std::span<const SymbolQuote> changed, TimeMs now) override;
     void accountEvent(const std::string& userId, const std::string& message) override;
 
     /// Tells every trader the state of their open positions.

@@ -87,6 +87,13 @@ std::string accountOf(const std::string& text)
     return text;
 }
 
+std::filesystem::path recordingOf(const std::string& text)
+{
+    if (text.empty())
+        throw UsageError("--record takes the name of a file, not an empty text");
+    return text;
+}
+
 // A reset would ignore other options, and nobody who gives them expects that: so they are refused.
 void checkReset(const Options& options, const std::string& servingOption)
 {
@@ -150,6 +157,8 @@ Options parseOptions(const std::vector<std::string>& arguments)
             options.hostName = hostNameOf(value());
         else if (name == "--db")
             options.database = fileOf(value());
+        else if (name == "--record")
+            options.recording = recordingOf(value());
         else if (name == "--account")
             options.account = accountOf(value());
         else if (name == "--seed")
@@ -209,6 +218,8 @@ std::string helpText()
            "  --close-open-trades\n"
            "                   close open trades at the old prices when seed, speed or\n"
            "                   record change; without it such a change is refused\n"
+           "  --record FILE    write prices, commands and what became of them to a new\n"
+           "                   file, which tavoran-lab verify reads\n"
            "  --account ID     the account to reset, by its id or the beginning of it\n"
            "  --quiet          print nothing but the address\n"
            "  --help           print this text\n"

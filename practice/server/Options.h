@@ -19,6 +19,7 @@ struct Options {
     std::optional<std::uint64_t> seed;
     std::optional<double> speed;
     std::optional<std::filesystem::path> replay;
+    std::filesystem::path recording;    ///< a new file to write the session to; empty: none
     bool simulate = false;              ///< no record, not even the remembered one
     bool closeOpenTrades = false;       ///< when the market changes
     bool reset = false;                 ///< begin accounts anew instead of serving

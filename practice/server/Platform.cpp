@@ -72,8 +72,8 @@ void Platform::advance()
         last.quote = quote;
         changed.push_back(last);
     }
-    if (m_listener && !changed.empty())
-        m_listener->pricesMoved(changed);
+    if (!changed.empty())
+        inform([&](PlatformListener& listener) { listener.pricesMoved(changed, now); });
     playTo(now, m_quotes);
 }
 
@@ -87,7 +87,7 @@ bool Platform::closeEverything()
         return false;
     }
     store(changes, now);
-    announce(changes);
+    announce(changes, now);
     return true;
 }
 
@@ -123,21 +123,52 @@ bool Platform::show(std::span<const SymbolQuote> quotes, TimeMs now)
     m_playedTo = now - 1; // so that playing begins here again if it fails
     const ChangeSet changes = m_broker.onPrices(quotes, now);
     store(changes, now);
-    announce(changes);
+    announce(changes, now);
     m_playedTo = now;
     return !changes.empty();
 }
 
-Trade Platform::execute(const Command& command)
+Trade Platform::execute(const TradeCommand& command)
 {
     const TimeMs now = m_clock.now();
     playTo(now);
-    const CommandResult result = command(m_broker, now);
+    const CommandResult result = carryOut(command, now);
+    inform([&](PlatformListener& listener) {
+        listener.commandEnded(command, result.tradeId, result.refusal, now);
+    });
     if (!result.accepted())
         throw ApiError{result.refusal->httpStatus, result.refusal->message};
-    store(result.changes, now);
-    announce(result.changes);
+    announce(result.changes, now);
     return tradeAfter(result);
+}
+
+CommandResult Platform::carryOut(const TradeCommand& command, TimeMs now)
+{
+    struct Visitor {
+        Broker& broker;
+        TimeMs now;
+        CommandResult operator()(const PlaceRequest& order) const { return broker.place(order, now); }
+        CommandResult operator()(const CloseCommand& close) const { return broker.close(close.tradeId, now); }
+        CommandResult operator()(const CancelCommand& cancel) const
+        {
+            return broker.cancel(cancel.tradeId, now);
+        }
+        CommandResult operator()(const ModifyCommand& modify) const
+        {
+            return broker.modify(modify.tradeId, modify.change, now);
+        }
+    };
+    CommandResult result = std::visit(Visitor{m_broker, now}, command);
+    if (!result.accepted())
+        return result;
+    try {
+        store(result.changes, now);
+    } catch (const StorageError& error) {
+        const Refusal failure{503, error.what()};
+        inform([&](PlatformListener& listener) { listener.commandEnded(command, {}, failure, now); });
+        throw;
+    }
+    return result;
 }
 
 // Not read back from the disk: if that failed, a command that has succeeded would be reported as failed.
@@ -163,23 +194,33 @@ void Platform::store(const ChangeSet& changes, TimeMs now)
     }
 }
 
-void Platform::announce(const ChangeSet& changes)
+void Platform::inform(const std::function<void(PlatformListener&)>& call) const
 {
-    if (!m_listener)
+    for (PlatformListener* listener : m_listeners)
+        call(*listener);
+}
+
+void Platform::announce(const ChangeSet& changes, TimeMs now)
+{
+    if (changes.empty())
         return;
+    inform([&](PlatformListener& listener) { listener.changed(changes, now); });
     for (const BrokerEvent& event : changes.events)
         std::visit([this](const auto& happened) { tell(happened); }, event);
 }
 
 void Platform::tell(const OrdersChanged& orders)
 {
-    m_listener->accountEvent(m_owners.at(orders.accountId), eventMessage(orders));
+    const std::string message = eventMessage(orders);
+    inform(
+        [&](PlatformListener& listener) { listener.accountEvent(m_owners.at(orders.accountId), message); });
 }
 
 void Platform::tell(const AccountUpdated& update)
 {
     const Account& account = update.account;
-    m_listener->accountEvent(m_owners.at(account.id), eventMessage(account, m_broker.figures(account.id)));
+    const std::string message = eventMessage(account, m_broker.figures(account.id));
+    inform([&](PlatformListener& listener) { listener.accountEvent(m_owners.at(account.id), message); });
 }
 
 int Platform::digits(std::string_view symbol) const

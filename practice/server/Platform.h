@@ -3,6 +3,7 @@
 #include "practice/core/broker/Broker.h"
 #include "practice/core/market/PriceSource.h"
 #include "practice/server/Clock.h"
+#include "practice/server/PlatformListener.h"
 #include "practice/storage/Database.h"
 #include "practice/storage/DrawingStore.h"
 #include "practice/storage/TradeStore.h"
@@ -17,28 +18,18 @@
 
 namespace practice {
 
-/// What the platform tells the feed. Called after the data is safely stored.
-class PlatformListener {
-public:
-    PlatformListener() = default;
-    PlatformListener(const PlatformListener&) = delete;
-    PlatformListener& operator=(const PlatformListener&) = delete;
-    virtual ~PlatformListener() = default;
-
-    virtual void pricesMoved(std::span<const SymbolQuote> changed) = 0;
-    virtual void accountEvent(const std::string& userId, const std::string& message) = 0;
-};
-
 /// Joins market, broker and storage: every change is on the disk before anybody hears of it, and a change
 /// that cannot be stored is undone.
 class Platform final {
 public:
-    using Command = std::function<CommandResult(Broker&, TimeMs now)>;
-
     /// Loads the accounts and live trades. Throws StorageError when the stored state cannot be used.
     Platform(Database& database, PriceSource& market, const Clock& clock);
 
-    void setListener(PlatformListener* listener) { m_listener = listener; }
+    /// Each hears of everything from now on, in the order in which they were added. They outlive the
+    /// platform, or its last call.
+    void addListener(PlatformListener& listener) { m_listeners.push_back(&listener); }
+    /// Lets all listeners know something.
+    void inform(const std::function<void(PlatformListener&)>& call) const;
 
     /// Moves to the present: takes the new prices, and does everything that all prices since the last time
     /// cause, in order and each at its price. Throws StorageError when that could not be stored; the new
@@ -56,7 +47,7 @@ public:
     /// Carries out a command, stores what it changed and announces it. Throws ApiError with the broker's
     /// reason when it is refused, StorageError when it cannot be stored; nothing has changed then.
     /// Returns the trade as it is after that.
-    Trade execute(const Command& command);
+    Trade execute(const TradeCommand& command);
 
     [[nodiscard]] TimeMs now() const { return m_clock.now(); }
     [[nodiscard]] const Broker& broker() const { return m_broker; }
@@ -66,6 +57,11 @@ public:
     [[nodiscard]] DrawingStore& drawings() { return m_drawings; }
     /// The prices that were last announced, by position of the symbol.
     [[nodiscard]] const std::vector<SymbolQuote>& quotes() const { return m_quotes; }
+    /// The price of a symbol at any moment.
+    [[nodiscard]] Quote quoteAt(std::size_t symbol, TimeMs moment) const
+    {
+        return m_market.quote(symbol, moment);
+    }
     /// Decimals of a symbol's prices; 5 for one that is no longer traded.
     [[nodiscard]] int digits(std::string_view symbol) const;
 
@@ -76,9 +72,10 @@ private:
     void playTo(TimeMs now);
     void playTo(TimeMs now, std::span<const SymbolQuote> present);
     bool show(std::span<const SymbolQuote> quotes, TimeMs now);
+    [[nodiscard]] CommandResult carryOut(const TradeCommand& command, TimeMs now);
     [[nodiscard]] Trade tradeAfter(const CommandResult& result) const;
     void store(const ChangeSet& changes, TimeMs now);
-    void announce(const ChangeSet& changes);
+    void announce(const ChangeSet& changes, TimeMs now);
     void tell(const OrdersChanged& orders);
     void tell(const AccountUpdated& update);
 
@@ -91,7 +88,7 @@ private:
     std::vector<SymbolQuote> m_quotes;
     Broker m_broker;
     TimeMs m_playedTo; ///< everything up to here has happened
-    PlatformListener* m_listener = nullptr;
+    std::vector<PlatformListener*> m_listeners;
 };
 
 } // namespace practice

@@ -81,7 +81,11 @@ Server::Server(net::io_context& context, tcp::acceptor acceptor, Database& datab
 
     // So that there are prices before the first client comes.
     m_platform.advance();
-    m_platform.setListener(&m_hub);
+    m_platform.addListener(m_hub);
+    if (m_settings.recording) {
+        m_recorder.emplace(m_platform, *m_settings.recording, m_settings.version);
+        m_platform.addListener(*m_recorder);
+    }
     // Without either of these two the platform would only seem to work, so a fault in one ends the context's
     // run.
     const auto rethrow = [](const std::exception_ptr& fault) {

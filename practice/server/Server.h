@@ -10,6 +10,7 @@
 #include "practice/server/Platform.h"
 #include "practice/server/RequestGuard.h"
 #include "practice/server/Router.h"
+#include "practice/server/SessionRecorder.h"
 #include "practice/server/Sessions.h"
 #include "practice/server/SignInBrake.h"
 
@@ -20,6 +21,7 @@
 #include <chrono>
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 
 namespace practice {
@@ -31,6 +33,8 @@ struct ServerSettings {
     std::uint64_t newsSeed = 1;
     std::chrono::milliseconds priceInterval{250};
     Limits limits;
+    RecordFile* recording = nullptr; ///< the session is written to it; outlives the server
+    std::string version{};           ///< of the program, for the recording
 };
 
 /// The practice platform on the wire: the REST interface and the feed on one port, everything on the thread
@@ -56,6 +60,7 @@ private:
     Sessions m_sessions;
     Platform m_platform;
     FeedHub m_hub;
+    std::optional<SessionRecorder> m_recorder;
     RequestGuard m_guard;
     SignInBrake m_brake;
     PasswordWorker m_passwords;

@@ -68,24 +68,21 @@ ApiReply place(Platform& platform, const ApiRequest& request)
     order.comment = body.optionalText("comment").value_or("");
     if (!platform.owns(request.userId, order.accountId))
         throw ApiError{404, "You have no account with this accountId."};
-    return tradeReply(
-        platform, platform.execute([&](Broker& broker, TimeMs now) { return broker.place(order, now); }));
+    return tradeReply(platform, platform.execute(order));
 }
 
 ApiReply close(Platform& platform, const ApiRequest& request)
 {
     requireObject(request.body);
     requireOwn(platform, request);
-    return tradeReply(platform,
-        platform.execute([&](Broker& broker, TimeMs now) { return broker.close(request.parameter, now); }));
+    return tradeReply(platform, platform.execute(CloseCommand{request.parameter}));
 }
 
 ApiReply cancel(Platform& platform, const ApiRequest& request)
 {
     requireObject(request.body);
     requireOwn(platform, request);
-    return tradeReply(platform,
-        platform.execute([&](Broker& broker, TimeMs now) { return broker.cancel(request.parameter, now); }));
+    return tradeReply(platform, platform.execute(CancelCommand{request.parameter}));
 }
 
 ApiReply modify(Platform& platform, const ApiRequest& request)
@@ -94,9 +91,7 @@ ApiReply modify(Platform& platform, const ApiRequest& request)
     const ModifyRequest change{body.optionalNumber("stopLoss"), body.optionalNumber("takeProfit"),
         body.optionalNumber("pendingPrice")};
     requireOwn(platform, request);
-    return tradeReply(platform, platform.execute([&](Broker& broker, TimeMs now) {
-        return broker.modify(request.parameter, change, now);
-    }));
+    return tradeReply(platform, platform.execute(ModifyCommand{request.parameter, change}));
 }
 
 } // namespace
@@ -105,10 +100,16 @@ void addTradesRoutes(Router& router, Platform& platform)
 {
     constexpr auto signedIn = Router::Access::SignedIn;
     router.add("GET", "/api/trades/open", signedIn, [&platform](const ApiRequest& request) {
-        return tradeList(platform, platform.broker().openTrades(accountOf(platform, request)));
+        const std::string account = accountOf(platform, request);
+        const std::vector<Trade> trades = platform.broker().openTrades(account);
+        platform.inform(
+            [&](PlatformListener& listener) { listener.positionsSent(account, trades, platform.now()); });
+        return tradeList(platform, trades);
     });
     router.add("GET", "/api/trades/pending", signedIn, [&platform](const ApiRequest& request) {
-        return tradeList(platform, platform.broker().pendingOrders(accountOf(platform, request)));
+        const std::string account = accountOf(platform, request);
+        platform.inform([&](PlatformListener& listener) { listener.ordersSent(account, platform.now()); });
+        return tradeList(platform, platform.broker().pendingOrders(account));
     });
     router.add("GET", "/api/trades/history", signedIn, [&platform](const ApiRequest& request) {
         const int limit = countItem(request.target, "limit", historyRows, historyRows);

@@ -4,6 +4,7 @@
 #include "practice/server/MarketSetup.h"
 #include "practice/server/Options.h"
 #include "practice/server/PlatformTime.h"
+#include "practice/server/RecordFile.h"
 #include "practice/server/Reset.h"
 #include "practice/server/Server.h"
 #include "practice/storage/Database.h"
@@ -14,6 +15,7 @@
 #include <csignal>
 #include <iostream>
 #include <memory>
+#include <optional>
 #include <utility>
 
 namespace practice {
@@ -30,6 +32,9 @@ std::chrono::milliseconds priceInterval(double speed)
 
 void run(const Options& options)
 {
+    // Before anything is changed for a session that would not be recorded.
+    if (!options.recording.empty())
+        RecordFile::requireNew(options.recording);
     const SystemClock machine;
     Database database(options.database);
     const PlatformTime clock(machine, earliestMoment(database, machine.now()));
@@ -39,8 +44,14 @@ void run(const Options& options)
     auto acceptor = listenOn(context, options.address, options.port);
     const ChosenMarket market = chooseMarket(database, options, clock);
 
+    std::optional<RecordFile> recording;
+    if (!options.recording.empty())
+        recording.emplace(options.recording,
+            [](const std::string& text) { std::cerr << "tavoran-practice: --record " << text << std::endl; });
+
     Server server(context, std::move(acceptor), database, *market.prices, clock,
-        {options.address, options.hostName, market.setup.seed, priceInterval(market.setup.speed), {}});
+        {options.address, options.hostName, market.setup.seed, priceInterval(market.setup.speed), {},
+            recording ? &*recording : nullptr, TAVORAN_VERSION});
     // Signals are handled from here on. While the missed time is played nobody would act on them, and a
     // signal may then end the program at any moment, since each change is stored whole.
     boost::asio::signal_set signals(context, SIGINT, SIGTERM);

@@ -61,6 +61,8 @@ refuse() {
     fi
 }
 
+expect --record session -- --record "$place/elsewhere/session"
+expect --record=/tmp/session -- --record /tmp/session
 expect --
 expect --seed 7 -- --seed 7
 expect --seed=7 --speed 60 -- --seed 7 --speed 60

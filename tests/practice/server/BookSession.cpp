@@ -282,7 +282,7 @@ void BookSession::place(Line order)
 {
     const PlaceRequest request = m_trader.requestOf(order);
     const bool expected = m_books.mayPlace(order);
-    const auto trade = execute([&](Broker& broker, TimeMs now) { return broker.place(request, now); });
+    const auto trade = execute(request);
     BookComparison::must(trade.has_value() == expected, "place " + request.accountId + ' ' + request.symbol);
     if (trade)
         m_books.place(std::move(order), trade->id, m_now);
@@ -292,8 +292,7 @@ void BookSession::modify(const RandomTrader::Change& change)
 {
     const std::string& id = change.line.id;
     const bool expected = m_books.mayModify(change.line);
-    const auto trade
-        = execute([&](Broker& broker, TimeMs now) { return broker.modify(id, change.request, now); });
+    const auto trade = execute(ModifyCommand{id, change.request});
     BookComparison::must(trade.has_value() == expected, "modify " + id);
     if (trade)
         m_books.modify(change.line);
@@ -302,9 +301,7 @@ void BookSession::modify(const RandomTrader::Change& change)
 void BookSession::end(const Line& line)
 {
     const bool open = line.status == TradeStatus::Open;
-    const auto trade = execute([&](Broker& broker, TimeMs now) {
-        return open ? broker.close(line.id, now) : broker.cancel(line.id, now);
-    });
+    const auto trade = open ? execute(CloseCommand{line.id}) : execute(CancelCommand{line.id});
     BookComparison::must(trade.has_value(), "end " + line.id);
     if (open)
         m_books.close(line.id, m_now);
@@ -313,7 +310,7 @@ void BookSession::end(const Line& line)
 }
 
 // Nothing when it was refused.
-std::optional<Trade> BookSession::execute(const Platform::Command& command)
+std::optional<Trade> BookSession::execute(const TradeCommand& command)
 {
     try {
         const Trade trade = m_platform->execute(command);

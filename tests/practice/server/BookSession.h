@@ -69,7 +69,7 @@ private:
     void place(Line order);
     void modify(const RandomTrader::Change& change);
     void end(const Line& line);
-    std::optional<Trade> execute(const Platform::Command& command);
+    std::optional<Trade> execute(const TradeCommand& command);
 
     [[nodiscard]] int pick(int count) { return m_trader.pick(count); }
     [[nodiscard]] double between(double low, double high) { return m_trader.between(low, high); }

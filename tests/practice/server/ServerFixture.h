@@ -88,19 +88,25 @@ struct InProcess {
     std::unique_ptr<Server> server;
     std::thread thread;
 
-    explicit InProcess(std::size_t copies = 0, const Limits& limits = {})
+    explicit InProcess(std::size_t copies = 0, const Limits& limits = {}, RecordFile* recording = nullptr)
         : market(copies)
     {
         prepareFirstUse(database, clock.now());
         UserStore(database).add({"second", "second@example.test", "Second", hashPassword("other")});
         server = std::make_unique<Server>(context, listenOn(context, "127.0.0.1", 0), database, market, clock,
-            ServerSettings{"127.0.0.1", {}, 1, std::chrono::milliseconds(10), limits});
+            ServerSettings{"127.0.0.1", {}, 1, std::chrono::milliseconds(10), limits, recording, "1.2.3"});
         thread = std::thread([this] { context.run(); });
     }
-    ~InProcess()
+    ~InProcess() { stop(); }
+
+    /// Ends the server.
+    void stop()
     {
+        if (!thread.joinable())
+            return;
         context.stop();
         thread.join();
+        server.reset();
     }
 
     /// Runs the work on the server's thread.

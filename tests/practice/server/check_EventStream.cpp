@@ -15,7 +15,7 @@ namespace {
 /// Everything a terminal would be told, with the random ids replaced by their order of appearance.
 class Listener final : public PlatformListener {
 public:
-    void pricesMoved(std::span<const SymbolQuote> changed) override
+    void pricesMoved(std::span<const SymbolQuote> changed, TimeMs) override
     {
         for (const SymbolQuote& quote : changed)
             m_lines.push_back(std::to_string(quote.symbol) + ' ' + std::to_string(quote.quote.bid) + ' '
@@ -56,7 +56,7 @@ void session(Listener& listener, std::uint64_t seed, double speed)
     prepareFirstUse(database, clock.now());
     SimulatedMarket market(seed, speed);
     Platform platform(database, market, clock);
-    platform.setListener(&listener);
+    platform.addListener(listener);
     platform.advance();
 
     const std::vector<Account> accounts = platform.broker().accounts();
@@ -75,7 +75,7 @@ void session(Listener& listener, std::uint64_t seed, double speed)
             request.pendingPrice = price;
         request.stopLoss = price < first.bid ? price - 0.002 : price + 0.002;
         request.takeProfit = price < first.bid ? price + 0.004 : price - 0.004;
-        platform.execute([&](Broker& broker, TimeMs now) { return broker.place(request, now); });
+        platform.execute(request);
     };
     place("MARKET", first.bid - 0.0005);
     place("MARKET", first.ask + 0.0005);

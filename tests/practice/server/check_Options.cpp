@@ -76,6 +76,10 @@ TEST_CASE("every option is understood in both spellings and the last of a kind c
     CHECK(options.replay == folder.path());
     CHECK(options.quiet);
     CHECK(options.hostName.empty());
+    CHECK(options.recording.empty());
+    CHECK_EQ(parseOptions({"--db=x", "--record", "a b"}).recording.string(), std::string("a b"));
+    CHECK(errorOf({"--db=x", "--record="}).find("--record") != std::string::npos);
+    CHECK(errorOf({"reset", "--record", "x"}).find("--record") != std::string::npos);
     CHECK_EQ(parseOptions({"--db=x", "--host-name", "Desk.example"}).hostName, std::string("Desk.example"));
     CHECK_EQ(options.address, std::string("::1"));
     CHECK_EQ(parseOptions({"--db", "x", "--address", "localhost"}).address, std::string("127.0.0.1"));

@@ -49,10 +49,7 @@ struct Place {
         }
         throw std::runtime_error("no such account");
     }
-    Trade place(const PlaceRequest& request)
-    {
-        return platform->execute([&](Broker& broker, TimeMs now) { return broker.place(request, now); });
-    }
+    Trade place(const PlaceRequest& request) { return platform->execute(request); }
     /// By id: live, or out of the history.
     [[nodiscard]] std::map<std::string, Trade> trades(const std::string& account)
     {
@@ -288,7 +285,7 @@ TEST_CASE("a command after a stall finds what happened before it")
     place.clock.pass(wanted.closedAt - place.clock.now() + 5000);
     bool refused = false;
     try {
-        place.platform->execute([&](Broker& broker, TimeMs now) { return broker.close(trade.id, now); });
+        place.platform->execute(CloseCommand{trade.id});
     } catch (const ApiError&) {
         refused = true;
     }

@@ -62,6 +62,32 @@ TEST_CASE("bad arguments end with 2 and one line on stderr")
     }
 }
 
+TEST_CASE("a recording is written until the end, and one that is there already ends with 2 and stays")
+{
+    const TemporaryFolder folder;
+    const std::string database = (folder / "x.db").string();
+    const std::string path = (folder / "session").string();
+    {
+        ServerProcess server(database, {"--record", path});
+        CHECK_EQ(server.terminate(SIGTERM), 0);
+    }
+    std::ifstream file(path);
+    std::string first;
+    std::string last;
+    std::getline(file, first);
+    for (std::string line; std::getline(file, line);)
+        last = line;
+    CHECK(first.starts_with("tavoran-session\t1\t"));
+    CHECK(last.starts_with("end\t"));
+
+    const auto size = std::filesystem::file_size(path);
+    const auto result = ServerProcess::run({"--port", "0", "--db", database, "--record", path});
+    CHECK_EQ(result.exitCode, 2);
+    CHECK(result.errors.find(path) != std::string::npos);
+    CHECK_EQ(std::filesystem::file_size(path), size);
+    CHECK_EQ(ServerProcess::run({"--port", "0", "--db", database, "--record", "/no/where"}).exitCode, 2);
+}
+
 TEST_CASE("a port that is taken ends with 2 and says which")
 {
     const TemporaryFolder folder;
