@@ -90,9 +90,9 @@ Table tableOf(const std::vector<SavedRun>& runs)
 
 bool isSame(const TradeRow& one, const TradeRow& other)
 {
-    return one.side == other.side && one.lots == other.lots && one.openTime == other.openTime
-        && one.openPrice == other.openPrice && one.closeTime == other.closeTime
-        && one.closePrice == other.closePrice && one.net() == other.net();
+    return one.symbol == other.symbol && one.side == other.side && one.lots == other.lots
+        && one.openTime == other.openTime && one.openPrice == other.openPrice
+        && one.closeTime == other.closeTime && one.closePrice == other.closePrice && one.net() == other.net();
 }
 
 std::string tradeText(const SavedRun& run, std::size_t number)
@@ -100,10 +100,12 @@ std::string tradeText(const SavedRun& run, std::size_t number)
     if (number >= run.trades.size())
         return "no more trades";
     const TradeRow& trade = run.trades[number];
+    const std::string& symbol = trade.symbol.empty() ? run.symbol : trade.symbol;
+    const int digits = trade.symbol.empty() ? run.digits : trade.digits;
     return "ticket " + std::to_string(trade.ticket) + ", " + std::string(sideText(trade.side)) + ' '
-        + practice::decimalText(trade.lots) + ' ' + oneLine(run.symbol) + ", " + isoTime(trade.openTime)
-        + " at " + fixedText(trade.openPrice, run.digits) + ", " + isoTime(trade.closeTime) + " at "
-        + fixedText(trade.closePrice, run.digits) + ", net " + practice::decimalText(trade.net());
+        + practice::decimalText(trade.lots) + ' ' + oneLine(symbol) + ", " + isoTime(trade.openTime) + " at "
+        + fixedText(trade.openPrice, digits) + ", " + isoTime(trade.closeTime) + " at "
+        + fixedText(trade.closePrice, digits) + ", net " + practice::decimalText(trade.net());
 }
 
 /// How many characters, not bytes, a text takes in a column.

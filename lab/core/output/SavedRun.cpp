@@ -189,11 +189,14 @@ int decimalsOf(Reader fields)
 void readTrades(const fs::path& file, SavedRun& run)
 {
     readLines(file, tradesHeader, [&](Reader fields) {
-        if (run.trades.empty())
-            run.digits = decimalsOf(fields);
         TradeRow trade;
+        trade.digits = decimalsOf(fields);
+        if (run.trades.empty())
+            run.digits = trade.digits;
         trade.ticket = static_cast<int>(std::clamp(fields.number(), 0.0, 2e9));
-        run.symbol = fields.text();
+        trade.symbol = fields.text();
+        if (run.trades.empty())
+            run.symbol = trade.symbol;
         trade.side = static_cast<practice::Side>(fields.choice(sides));
         trade.lots = fields.hundredths();
         trade.openTime = fields.time();
@@ -210,7 +213,12 @@ void readTrades(const fs::path& file, SavedRun& run)
         trade.worst = fields.isEmpty() ? 0 : fields.hundredths();
         trade.best = fields.isEmpty() ? 0 : fields.hundredths();
         trade.ambiguous = !fields.isEmpty() && fields.choice(answers) == 1;
-        run.trades.push_back(trade);
+        // Those of the run need no memory of their own.
+        if (trade.symbol == run.symbol) {
+            trade.symbol.clear();
+            trade.digits = -1;
+        }
+        run.trades.push_back(std::move(trade));
     });
 }
 

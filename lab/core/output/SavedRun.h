@@ -18,8 +18,8 @@ struct SavedRun {
     /// Numbers of summary.json in its order; nothing where the figure is undefined.
     std::vector<std::pair<std::string, std::optional<double>>> figures;
     std::vector<std::string> warnings;
-    std::string symbol; ///< of the trades; empty without trades
-    int digits = 5;     ///< of the trades' prices
+    std::string symbol; ///< of the trades that name none of their own; empty without trades
+    int digits = 5;     ///< of their prices
     std::vector<TradeRow> trades;
     std::vector<EquityPoint> equity;
 };

@@ -90,6 +90,23 @@ TEST_CASE("files that were written are read as they were")
     }
 }
 
+TEST_CASE("trades of one account in several symbols keep them, and are told apart by them")
+{
+    RunResult run = smallRun();
+    run.trades[1].symbol = "USDJPY";
+    run.trades[1].digits = 3;
+    const SavedRun read = saved(run);
+    CHECK_EQ(read.symbol, "EURUSD");
+    CHECK_EQ(read.trades[0].symbol, "");
+    CHECK_EQ(read.trades[1].symbol, "USDJPY");
+    CHECK_EQ(read.trades[1].digits, 3);
+    run.trades[1].symbol = "EURJPY";
+    const SavedRun other = saved(run);
+    CHECK_EQ(firstDifference(read, other).value_or(7), 1U);
+    CHECK(compareText({read, other}).find("1.00 EURJPY, 2024-01-02T01:00:00.000Z at 1.105,")
+        != std::string::npos);
+}
+
 TEST_CASE("a quoted symbol is read out of its quotes")
 {
     RunResult run = smallRun();
