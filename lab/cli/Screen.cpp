@@ -83,7 +83,9 @@ std::string wrapped(std::string_view text, std::size_t places, std::string_view 
     std::string result;
     std::size_t used = 0;
     while (!text.empty()) {
-        const std::size_t end = std::min(text.find(' '), text.size());
+        std::size_t end = std::min(text.find(' '), text.size());
+        if (text.substr(end).starts_with(" %")) // a number keeps its sign
+            end = std::min(text.find(' ', end + 1), text.size());
         const std::string_view word = text.substr(0, end);
         text.remove_prefix(std::min(end + 1, text.size()));
         if (word.empty())

@@ -27,7 +27,8 @@ enum class Tone { Plain, Strong, Good, Bad, Warning };
 /// How many places a UTF-8 text takes on a terminal, one for each character.
 [[nodiscard]] std::size_t placesOf(std::string_view text);
 
-/// The text in lines of at most so many places, broken at blanks; each but the first begins with `indent`.
+/// The text in lines of at most so many places, broken at blanks but those before a per cent sign; each but
+/// the first begins with `indent`.
 [[nodiscard]] std::string wrapped(std::string_view text, std::size_t places, std::string_view indent);
 
 } // namespace lab

@@ -35,6 +35,7 @@ TEST_CASE("long lines are broken at blanks")
 {
     CHECK_EQ(lab::wrapped("one two three", 7, "  "), "one two\n  three");
     CHECK_EQ(lab::wrapped("incomprehensible", 5, "  "), "incomprehensible");
+    CHECK_EQ(lab::wrapped("lost 13.7 % of it", 9, ""), "lost\n13.7 % of\nit");
     CHECK_EQ(lab::wrapped("", 5, "  "), "");
 }
 
