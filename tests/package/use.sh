@@ -84,7 +84,7 @@ scripts/wayland-picture /usr/bin/tavoran-terminal /usr/bin/tavoran-practice /sha
 
 say "A strategy over simulated history"
 (cd "$profile" && tavoran-lab run "$OLDPWD/resources/examples/MA_Cross.js" --symbol EURUSD --seed 1 \
-    --to 2024-01-08 >lab.txt) || fail "the lab could not run an example"
+    --from 2024-01-01 --to 2024-01-08 >lab.txt) || fail "the lab could not run an example"
 [ -s "$profile/MA_Cross-EURUSD/report.html" ] || fail "the lab wrote no report"
 
 say "Removing"
