@@ -103,7 +103,7 @@ class Unit:
         return result.returncode == 0, result.stdout + noise
 
 
-HEADER_FILTER = f"^{re.escape(str(ROOT))}/(src|practice|tests|bench)/.*"
+HEADER_FILTER = f"^{re.escape(str(ROOT))}/(src|practice|lab|tests|bench)/.*"
 
 
 def check_group(folder, sources, flags):
