@@ -10,11 +10,13 @@ namespace lab {
 inline constexpr int succeeded = 0;
 inline constexpr int fellShort = 1;   ///< a script failed, or a check found something
 inline constexpr int notPossible = 2; ///< arguments, prices or files cannot be used
+inline constexpr int someFailed = 3;  ///< some sets of a study
 
 [[nodiscard]] int listInputs(const Options& options);
 [[nodiscard]] int runOnce(Options options);
 [[nodiscard]] int reportTrades(const Options& options);
 [[nodiscard]] int compareResults(const Options& options);
 [[nodiscard]] int checkScript(Options options);
+[[nodiscard]] int sweepSets(Options options);
 
 } // namespace lab

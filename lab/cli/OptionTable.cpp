@@ -1,6 +1,7 @@
 #include "lab/cli/OptionTable.h"
 
 #include "lab/cli/OptionValues.h"
+#include "lab/cli/StudyOptionReaders.h"
 #include "lab/core/output/RunWords.h"
 
 #include <algorithm>
@@ -12,8 +13,13 @@ namespace lab {
 
 namespace {
 
-constexpr CommandSet running = setOf(Command::Run) | setOf(Command::Check);
-constexpr CommandSet writing = running | setOf(Command::Report) | setOf(Command::Compare);
+constexpr CommandSet running = runningCommands;
+constexpr CommandSet writing
+    = running | setOf(Command::Report) | setOf(Command::Compare) | setOf(Command::Merge);
+/// Those that choose among sets of inputs.
+constexpr CommandSet choosing = setOf(Command::Sweep) | setOf(Command::Walk) | setOf(Command::Plan);
+constexpr CommandSet working
+    = setOf(Command::Sweep) | setOf(Command::Walk) | setOf(Command::Challenge) | setOf(Command::Work);
 
 constexpr std::array commands{
     CommandRow{Command::Inputs, "inputs", "SCRIPT", "list the values of a script that can be changed",
@@ -33,6 +39,9 @@ constexpr std::array commands{
         "trade, the order of the extremes no more than a tenth of the result, and another\n"
         "run no byte. Exit status: 0 when all of this holds, 1 when not, else as of run.\n"
         "With --out the run is written, with what does not hold among the warnings.\n"},
+    CommandRow{Command::Sweep, "sweep", "SCRIPT", "try many values of inputs, on all cores",
+        "--set takes ranges FROM:TO:STEP and lists A,B. Exit status: 0; 3 when some sets\n"
+        "failed; 130 after Ctrl-C, which keeps what was done; else as of run.\n"},
 };
 
 [[noreturn]] void refuse(std::string_view what, const std::string& text)
@@ -235,6 +244,18 @@ constexpr std::array options{
     OptionRow{"--set", "NAME=V", "another value for an input; may be repeated", running, readInput},
     OptionRow{"--out", "DIR", "the folder to write to", writing, readOut},
     OptionRow{"--limit", "SECONDS", "the most that a run may take (no limit)", running, readLimit},
+    OptionRow{"--random", "N", "try N of the sets, drawn by --seed", choosing, readRandom},
+    OptionRow{"--sort", "FIGURE", "a key of summary.json that decides (sharpe)", choosing, readSort},
+    OptionRow{"--min-trades", "N", "a set with fewer is not chosen (30)", choosing, readMinTrades},
+    OptionRow{"--train", "LENGTH", "of the time to choose on, 90d or 12w", setOf(Command::Walk), readTrain},
+    OptionRow{"--test", "LENGTH", "of the time to try on, behind it", setOf(Command::Walk), readTest},
+    OptionRow{"--anchored", "", "choose on all the past", setOf(Command::Walk), readAnchored},
+    OptionRow{"--starts", "daily", "a start on each day with prices", setOf(Command::Challenge), readStarts},
+    OptionRow{"--seeds", "A..B", "a simulated market for each", setOf(Command::Challenge), readSeeds},
+    OptionRow{"--chunks", "N", "in how many parts the sets go", setOf(Command::Plan), readChunks},
+    OptionRow{"--jobs", "N", "runs at once (as many as cores; of work: 1)", working, readJobs},
+    OptionRow{"--memory", "MB", "the most for each of them, besides prices (2048)", working, readMemory},
+    OptionRow{"--resume", "", "go on with a sweep that was stopped", setOf(Command::Sweep), readResume},
 };
 
 } // namespace

@@ -24,10 +24,14 @@ using CommandSet = unsigned;
     return 1U << static_cast<unsigned>(command);
 }
 
-/// An option that takes a value.
+/// Those that run a script over prices.
+inline constexpr CommandSet runningCommands = setOf(Command::Run) | setOf(Command::Check)
+    | setOf(Command::Sweep) | setOf(Command::Walk) | setOf(Command::Challenge) | setOf(Command::Plan);
+
+/// An option.
 struct OptionRow {
     std::string_view name;  ///< "--symbol"
-    std::string_view value; ///< how the help names its value
+    std::string_view value; ///< how the help names its value; empty: it takes none
     std::string_view help;  ///< lines
     CommandSet commands = 0;
     /// Puts the value into the options. Throws UsageError with what it takes instead.

@@ -1,6 +1,7 @@
 #include "lab/cli/Options.h"
 
 #include "lab/cli/OptionTable.h"
+#include "lab/cli/StudyOptionReaders.h"
 
 #include <algorithm>
 #include <optional>
@@ -59,6 +60,10 @@ void takeOperand(Options& options, const std::string& word)
     case Command::Inputs:
     case Command::Run:
     case Command::Check:
+    case Command::Sweep:
+    case Command::Walk:
+    case Command::Challenge:
+    case Command::Plan:
         if (!options.script.empty())
             throw UsageError("one script at a time, not also \"" + word + '"');
         options.script = word;
@@ -71,6 +76,10 @@ void takeOperand(Options& options, const std::string& word)
     case Command::Compare:
         options.results.emplace_back(word);
         return;
+    case Command::Work:
+    case Command::Merge:
+        takePlan(options, word);
+        return;
     }
 }
 
@@ -78,17 +87,20 @@ void takeOperand(Options& options, const std::string& word)
 void checkTogether(const Options& options, bool hasSeed, bool hasSpeed)
 {
     const std::string name(rowOf(options.command).name);
-    const bool needsScript = options.command == Command::Inputs || options.command == Command::Run
-        || options.command == Command::Check;
+    const bool needsPrices = (setOf(options.command) & runningCommands) != 0;
+    const bool needsScript = needsPrices || options.command == Command::Inputs;
     if (needsScript && options.script.empty())
         throw UsageError(name + " needs a script");
     if (options.command == Command::Report && options.results.empty())
         throw UsageError(name + " needs a file");
     if (options.command == Command::Compare && options.results.size() < 2)
         throw UsageError(name + " needs at least two folders");
-    if (options.command != Command::Run && options.command != Command::Check)
+    checkStudy(options);
+    if (!needsPrices)
         return;
-    if (options.data.empty() && !hasSeed)
+    if (options.study.seeds && hasSeed)
+        throw UsageError("--seeds names the seeds, there is none for --seed");
+    if (options.data.empty() && !hasSeed && !options.study.seeds)
         throw UsageError(
             "where are the prices? --data FILE-1m.csv takes recorded ones, --seed N simulates them");
     if (options.data.empty() && options.settings.symbol.empty())
@@ -153,9 +165,15 @@ private:
             throw UsageError("the command comes first: " + commandNames() + " (see --help)");
         const std::size_t equals = word.find('=');
         const OptionRow& row = optionOf(word.substr(0, equals), m_options.command);
-        if (equals == std::string::npos && m_next + 1 == m_arguments.size())
+        if (row.value.empty() && equals != std::string::npos)
+            throw UsageError(std::string(row.name) + " takes no value");
+        if (!row.value.empty() && equals == std::string::npos && m_next + 1 == m_arguments.size())
             throw UsageError(std::string(row.name) + " needs a value");
-        row.read(m_options, equals == std::string::npos ? m_arguments[++m_next] : word.substr(equals + 1));
+        if (row.value.empty())
+            row.read(m_options, {});
+        else
+            row.read(
+                m_options, equals == std::string::npos ? m_arguments[++m_next] : word.substr(equals + 1));
         m_isBehindData = row.name == "--data";
         m_hasSeed = m_hasSeed || row.name == "--seed";
         m_hasSpeed = m_hasSpeed || row.name == "--speed";
@@ -219,7 +237,8 @@ std::string helpText(Command command)
     text.append(summary).append(".\n\n");
     for (const OptionRow& row : optionRows()) {
         if ((row.commands & setOf(command)) != 0)
-            addEntry(text, std::string(row.name) + ' ' + std::string(row.value), row.help);
+            addEntry(text, std::string(row.name) + (row.value.empty() ? "" : " ") + std::string(row.value),
+                row.help);
     }
     addEntry(text, "--help", "print this text");
     addEntry(text, "--version", "print the version");

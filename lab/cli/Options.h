@@ -1,5 +1,6 @@
 #pragma once
 
+#include "lab/cli/StudyOptions.h"
 #include "lab/cli/UsageError.h"
 #include "lab/core/RunSettings.h"
 
@@ -12,12 +13,12 @@
 namespace lab {
 
 /// What the program can do; None stands for the program as a whole.
-enum class Command { None, Inputs, Run, Report, Compare, Check };
+enum class Command { None, Inputs, Run, Report, Compare, Check, Sweep, Walk, Challenge, Plan, Work, Merge };
 
 /// What the command line asked for.
 struct Options {
     Command command = Command::None;
-    std::filesystem::path script;               ///< of Inputs, Run and Check
+    std::filesystem::path script;               ///< of all that run or read one
     std::vector<std::filesystem::path> results; ///< folders to compare, or the one file to report on
     std::vector<std::filesystem::path> data;    ///< recorded minutes; none: simulated prices
     double speed = 1;                           ///< of the simulated market
@@ -25,6 +26,7 @@ struct Options {
     bool hasBalance = false;                    ///< the balance was named
     std::filesystem::path out;                  ///< empty where it was not named
     std::chrono::milliseconds limit{0};         ///< for each run; 0: none
+    StudyOptions study;
     bool showHelp = false;
     bool showVersion = false;
 };

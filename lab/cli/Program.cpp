@@ -35,6 +35,14 @@ int carryOut(const Options& options)
         return compareResults(options);
     case Command::Check:
         return checkScript(options);
+    case Command::Sweep:
+        return sweepSets(options);
+    case Command::Walk:
+    case Command::Challenge:
+    case Command::Plan:
+    case Command::Work:
+    case Command::Merge:
+        break;
     }
     return notPossible;
 }

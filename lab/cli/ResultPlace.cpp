@@ -34,17 +34,23 @@ void checkResultPlace(const fs::path& folder)
             "cannot write to " + folder.string() + ": " + std::generic_category().message(errno));
 }
 
-void writeResult(
-    const fs::path& folder, const RunResult& result, const Figures& figures, const std::string& scriptName)
+void addResult(ResultFolder& files, const RunResult& result, const Figures& figures,
+    const std::string& scriptName, std::vector<std::string> parts)
 {
-    ResultFolder files(folder);
-    files.add("report.html", reportPage(result, figures, {scriptName, {}}));
+    files.add("report.html", reportPage(result, figures, {scriptName, std::move(parts)}));
     files.add("summary.json", summaryJson(figures));
     files.add("trades.csv", tradesCsv(result));
     files.add("equity.csv", equityCsv(result));
     files.add("daily.csv", dailyCsv(result));
     files.add("journal.txt", journalText(result));
     files.add("run.json", runJson(result, TAVORAN_VERSION));
+}
+
+void writeResult(
+    const fs::path& folder, const RunResult& result, const Figures& figures, const std::string& scriptName)
+{
+    ResultFolder files(folder);
+    addResult(files, result, figures, scriptName);
     files.commit();
 }
 

@@ -3,6 +3,8 @@
 #include "lab/core/output/ResultFolder.h"
 
 #include <filesystem>
+#include <string>
+#include <vector>
 
 namespace lab {
 
@@ -12,6 +14,10 @@ struct RunResult;
 /// Refuses, before any work, a place that a result must not or cannot be written to: a folder that holds
 /// something else, a file, a folder without permission. Throws UsageError.
 void checkResultPlace(const std::filesystem::path& folder);
+
+/// The files of a run, with further parts of its page.
+void addResult(ResultFolder& files, const RunResult& result, const Figures& figures,
+    const std::string& scriptName, std::vector<std::string> parts = {});
 
 /// Writes all files of a run. Throws OutputError when that fails.
 void writeResult(const std::filesystem::path& folder, const RunResult& result, const Figures& figures,

@@ -39,6 +39,9 @@ public:
     [[nodiscard]] RunResult run(
         const ExpertScript& script, const RunSettings& settings, const RunControl& control = {}) const;
 
+    /// Of all the histories.
+    [[nodiscard]] std::uint64_t dataHash() const { return m_dataHash; }
+
 private:
     std::vector<const MinuteHistory*> m_histories;
     std::uint64_t m_dataHash = 0;

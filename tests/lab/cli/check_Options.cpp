@@ -139,7 +139,7 @@ TEST_CASE("commands without prices need none")
 
 TEST_CASE("what is missing is named")
 {
-    CHECK(contains(refusal(""), "inputs, run, report, compare, check"));
+    CHECK(contains(refusal(""), "inputs, run, report, compare, check, sweep"));
     CHECK(contains(refusal("walzer a.js"), "unknown command walzer; there are inputs, run"));
     CHECK(contains(refusal("--data A-1m.csv run a.js"), "the command comes first"));
     CHECK(contains(refusal("run --data A-1m.csv"), "run needs a script"));

@@ -1,4 +1,4 @@
-#include "Sets.h"
+#include "lab/study/Sets.h"
 
 #include "lab/core/study/StudyError.h"
 #include "lab/core/study/StudyStore.h"

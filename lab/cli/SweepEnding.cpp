@@ -1,0 +1,176 @@
+#include "lab/cli/SweepEnding.h"
+
+#include "lab/cli/Commands.h"
+#include "lab/cli/Progress.h"
+#include "lab/cli/ResultPlace.h"
+#include "lab/cli/Screen.h"
+#include "lab/cli/StopSignal.h"
+#include "lab/core/figures/Figures.h"
+#include "lab/core/output/FigureText.h"
+#include "lab/core/output/Texts.h"
+#include "lab/core/study/StudyError.h"
+#include "lab/core/study/SweepFiles.h"
+#include "practice/core/market/HashRandom.h"
+
+#include <algorithm>
+#include <iostream>
+#include <system_error>
+
+namespace lab {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+constexpr std::size_t shownSets = 20;
+constexpr std::size_t shownFailures = 5;
+
+std::string counted(std::size_t count, const std::string& thing)
+{
+    return groupedText(static_cast<double>(count), 0) + ' ' + thing + (count == 1 ? "" : "s");
+}
+
+/// The figures of the table; what it is sorted by comes first.
+std::vector<const FigureRow*> shownFigures(const SortFigure& sort)
+{
+    std::vector<const FigureRow*> rows{sort.row};
+    for (const std::string_view key : {"trades", "netProfit", "sharpe", "maxDrawdown"}) {
+        if (const FigureRow* row = figureRow(key); row != sort.row)
+            rows.push_back(row);
+    }
+    return rows;
+}
+
+std::string tableText(const SweepTable& table)
+{
+    std::vector<std::vector<std::string>> lines{{"rank"}};
+    for (const GridAxis& axis : table.grid.axes())
+        lines[0].push_back(shortened(axis.name, 20));
+    for (const FigureRow* row : shownFigures(table.order.sort))
+        lines[0].emplace_back(row->key);
+    lines[0].emplace_back("stability");
+    for (std::size_t rank = 0; rank < std::min(shownSets, table.ranking.size()); ++rank) {
+        const std::size_t place = table.ranking[rank];
+        const SetResult& set = table.sets[place];
+        std::vector<std::string>& line = lines.emplace_back();
+        line.push_back(std::to_string(rank + 1));
+        for (const auto& [name, value] : table.grid.inputsOf(set.number))
+            line.push_back(shortened(value, 20));
+        for (const FigureRow* row : shownFigures(table.order.sort))
+            line.push_back(set.failure ? "failed" : figureText(row->kind, set.figure(row->key)));
+        line.push_back(figureText(FigureKind::Fraction, table.stability[place]));
+    }
+    std::vector<std::size_t> right(lines[0].size());
+    for (std::size_t column = 0; column < right.size(); ++column)
+        right[column] = column;
+    std::string text = columns(lines, right);
+    if (table.ranking.size() > shownSets)
+        text += "and " + counted(table.ranking.size() - shownSets, "more set") + " in sweep.csv\n";
+    return text;
+}
+
+std::string worthText(const SweepTable& table)
+{
+    return columns({{"Deflated Sharpe ratio (DSR)", figureText(FigureKind::Fraction, table.deflatedSharpe)},
+                       {"Probability of overfitting (PBO)",
+                           figureText(FigureKind::Fraction, table.overfittingProbability)}},
+        {1});
+}
+
+void tellFailures(const SweepTable& table)
+{
+    std::size_t told = 0;
+    for (const SetResult& set : table.sets) {
+        if (!set.failure || told == shownFailures)
+            continue;
+        ++told;
+        std::cerr << "tavoran-lab: failed: " << inputsText(table.grid.inputsOf(set.number)) << ": "
+                  << *set.failure << '\n';
+    }
+    if (table.failed > told)
+        std::cerr << "tavoran-lab: " << counted(table.failed - told, "more set")
+                  << " failed; sweep.csv tells why\n";
+}
+
+/// The run of the best set, this time whole.
+RunResult bestRun(const StudyBench& bench, const SetResult& best)
+{
+    Progress progress("The best set once more");
+    RunResult result
+        = bench.run(bench.settingsOf(best.number), [&progress](double done) { progress.show(done); });
+    if (result.decisionPrint != best.decisionPrint || result.tickPrint != best.tickPrint)
+        result.warnings.emplace_back("This run differs from the one of the sweep with the same inputs");
+    return result;
+}
+
+} // namespace
+
+void checkStudyPlace(const fs::path& folder, const std::vector<std::string>& marks)
+{
+    std::error_code error;
+    if (fs::exists(folder / sweepStoreName, error))
+        throw UsageError(folder.string()
+            + " holds a sweep: --resume goes on with it, another folder can be named with --out");
+    for (const std::string& mark : marks) {
+        if (fs::exists(folder / mark, error))
+            return;
+    }
+    checkResultPlace(folder);
+}
+
+StudyStore sweepStore(const StudyBench& bench, const fs::path& folder)
+{
+    const fs::path file = folder / sweepStoreName;
+    std::error_code error;
+    if (fs::exists(file, error)) {
+        StudyStore store = StudyStore::open(file);
+        const std::string difference = store.differenceTo(bench.identity());
+        if (!difference.empty())
+            throw StudyError(file.string() + " belongs to another sweep: " + difference
+                + " differs; another folder can be named with --out");
+        return store;
+    }
+    fs::create_directories(folder, error);
+    if (error)
+        throw UsageError("cannot write to " + folder.string() + ": " + error.message());
+    return StudyStore::create(file, bench.identity());
+}
+
+int endSweep(const StudyBench& bench, const StudyStore& store, const fs::path& folder)
+{
+    const SweepTable table = sweepTable(bench.grid(), store.results(), bench.order(),
+        [&store](std::uint64_t number) { return store.daysOf(number); });
+    RunResult about = bench.about();
+    if (table.best) {
+        about = bestRun(bench, table.sets[*table.best]);
+        if (const int stopped = stopStatus())
+            return stopped;
+    }
+    ResultFolder files(folder);
+    files.add("sweep.csv", sweepCsv(table));
+    files.add("sweep.json", sweepJson(table, about, TAVORAN_VERSION));
+    if (table.best)
+        addResult(files, about, figuresOf(about), bench.name(), sweepParts(table));
+    files.commit();
+
+    const SortFigure& sort = table.order.sort;
+    std::cout << toned(counted(table.sets.size(), "set") + " by " + std::string(sort.row->key) + " (the "
+            + (sort.lowIsBest ? "lowest" : "highest") + "), with at least "
+            + counted(static_cast<std::size_t>(table.order.minTrades), "trade"),
+        Tone::Strong, hasColours())
+              << "\n\n"
+              << tableText(table) << '\n'
+              << worthText(table) << '\n'
+              << (folder / (table.best ? "report.html" : "sweep.csv")).string() << '\n';
+    tellFailures(table);
+    if (table.failed > 0)
+        return someFailed;
+    if (!table.best) {
+        std::cerr << "tavoran-lab: no set has " << sort.row->key << " and at least "
+                  << counted(static_cast<std::size_t>(table.order.minTrades), "trade") << '\n';
+        return fellShort;
+    }
+    return succeeded;
+}
+
+} // namespace lab
