@@ -18,5 +18,6 @@ inline constexpr int someFailed = 3;  ///< some sets of a study
 [[nodiscard]] int compareResults(const Options& options);
 [[nodiscard]] int checkScript(Options options);
 [[nodiscard]] int sweepSets(Options options);
+[[nodiscard]] int walkForward(Options options);
 
 } // namespace lab

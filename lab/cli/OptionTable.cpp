@@ -42,6 +42,8 @@ constexpr std::array commands{
     CommandRow{Command::Sweep, "sweep", "SCRIPT", "try many values of inputs, on all cores",
         "--set takes ranges FROM:TO:STEP and lists A,B. Exit status: 0; 3 when some sets\n"
         "failed; 130 after Ctrl-C, which keeps what was done; else as of run.\n"},
+    CommandRow{Command::Walk, "walk", "SCRIPT", "choose values on the past, try them on what follows",
+        "Each window chooses as sweep does, and is tested on the time behind it.\n"},
 };
 
 [[noreturn]] void refuse(std::string_view what, const std::string& text)

@@ -38,6 +38,7 @@ int carryOut(const Options& options)
     case Command::Sweep:
         return sweepSets(options);
     case Command::Walk:
+        return walkForward(options);
     case Command::Challenge:
     case Command::Plan:
     case Command::Work:

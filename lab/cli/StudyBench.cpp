@@ -153,26 +153,34 @@ RunResult StudyBench::runInWorker(const RunSettings& settings) const
     return m_lab.run(m_script, settings, control);
 }
 
-bool StudyBench::runSets(const std::vector<std::uint64_t>& numbers, const std::string& label,
-    const std::function<void(const SetResult&)>& take) const
+bool StudyBench::runEach(std::size_t count, const std::function<RunSettings(std::size_t run)>& settings,
+    const std::string& label, const std::function<void(std::size_t run, SetResult)>& take) const
 {
     Progress progress(label);
     std::size_t done = 0;
-    const Work work = [&](std::size_t job) {
-        return bytesOf(setResultOf(numbers[job], runInWorker(settingsOf(numbers[job]))));
-    };
+    const Work work = [&](std::size_t job) { return bytesOf(setResultOf(0, runInWorker(settings(job)))); };
     const auto keep = [&](const JobResult& job) {
         SetResult result;
         if (job.failure)
             result.failure = job.failure;
         else
             result = setResultFrom(job.bytes);
-        result.number = numbers[job.job];
-        take(result);
-        progress.show(static_cast<double>(++done) / static_cast<double>(numbers.size()));
+        take(job.job, std::move(result));
+        progress.show(static_cast<double>(++done) / static_cast<double>(count));
     };
-    return runJobs(numbers.size(), work, keep,
-        workerSettings(m_options, m_options.command == Command::Work ? 1 : coreCount()));
+    return runJobs(
+        count, work, keep, workerSettings(m_options, m_options.command == Command::Work ? 1 : coreCount()));
+}
+
+bool StudyBench::runSets(const std::vector<std::uint64_t>& numbers, const std::string& label,
+    const std::function<void(const SetResult&)>& take) const
+{
+    return runEach(
+        numbers.size(), [&](std::size_t job) { return settingsOf(numbers[job]); }, label,
+        [&](std::size_t job, SetResult result) {
+            result.number = numbers[job];
+            take(result);
+        });
 }
 
 } // namespace lab

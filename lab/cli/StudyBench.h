@@ -52,6 +52,10 @@ public:
     /// A run whose end somebody else sees to: a worker's.
     [[nodiscard]] RunResult runInWorker(const RunSettings& settings) const;
 
+    /// Makes so many runs in workers and hands over what is kept of each, in the order in which they come; a
+    /// failed one with its reason, and the number 0. False when it was stopped.
+    [[nodiscard]] bool runEach(std::size_t count, const std::function<RunSettings(std::size_t run)>& settings,
+        const std::string& label, const std::function<void(std::size_t run, SetResult)>& take) const;
     /// Runs these sets in workers and hands over what is kept of each. False when it was stopped.
     [[nodiscard]] bool runSets(const std::vector<std::uint64_t>& numbers, const std::string& label,
         const std::function<void(const SetResult&)>& take) const;

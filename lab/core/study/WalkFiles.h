@@ -1,0 +1,49 @@
+#pragma once
+
+#include "lab/core/RunResult.h"
+#include "lab/core/figures/Figures.h"
+#include "lab/core/study/SweepTable.h"
+#include "lab/core/study/WalkWindows.h"
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace lab {
+
+/// A window of a walk with what was chosen in it and what came of that.
+struct WalkRow {
+    WalkWindow window;
+    std::optional<SetResult> chosen; ///< of the training; absent where no set has figure and trades enough
+    std::optional<Figures> test;     ///< absent as well where the walk was over before
+
+    /// Growth a year behind the choice / before it; absent unless the latter is above 0.
+    [[nodiscard]] Figure efficiency() const;
+};
+
+/// A whole walk.
+struct Walk {
+    Grid grid;
+    SweepOrder order;
+    std::size_t setsPerWindow = 0;
+    std::size_t failed = 0; ///< runs of the trainings
+    bool isAnchored = false;
+    std::vector<WalkRow> rows;
+    std::optional<Figures> whole; ///< of the stitched tests
+
+    /// Growth a year over all tests / the mean of the choices' growths a year; absent unless the latter is
+    /// above 0.
+    [[nodiscard]] Figure efficiency() const;
+};
+
+/// walk.csv: a line for each window.
+[[nodiscard]] std::string walkCsv(const Walk& walk);
+
+/// walk.json: what was walked, and what came of it. `about` are the stitched tests.
+[[nodiscard]] std::string walkJson(const Walk& walk, const RunResult& about, std::string_view version);
+
+/// A part for the report of the stitched tests: the windows.
+[[nodiscard]] std::string walkPart(const Walk& walk);
+
+} // namespace lab

@@ -1,0 +1,114 @@
+#include "lab/cli/StudyFolder.h"
+
+#include "practice/Check.h"
+
+#include <nlohmann/json.hpp>
+
+#include <sstream>
+
+using Result = LabProcess::Result;
+
+namespace {
+
+const std::vector<std::string> walk{"--set", "Every=10,25", "--set", "Points=30,60", "--min-trades", "1",
+    "--timeframe", "5m", "--train", "2d", "--test", "1d", "--sort", "netProfit"};
+
+std::vector<std::string> joined(std::vector<std::string> words, const std::vector<std::string>& more)
+{
+    words.insert(words.end(), more.begin(), more.end());
+    return words;
+}
+
+std::vector<std::vector<std::string>> rowsOf(const std::string& csv)
+{
+    std::vector<std::vector<std::string>> rows;
+    std::istringstream lines(csv);
+    for (std::string line; std::getline(lines, line);) {
+        std::istringstream cells(line);
+        rows.emplace_back();
+        for (std::string cell; std::getline(cells, cell, ',');)
+            rows.back().push_back(cell);
+    }
+    return rows;
+}
+
+} // namespace
+
+TEST_CASE("each window tests what was best before it, and the tests go on from one another")
+{
+    const StudyFolder study(5);
+    const Result result = study.run("walk", "Clock.js", joined(walk, {"--out", "w"}));
+    CHECK_EQ(result.exitCode, 0);
+    CHECK_EQ(result.errors, "");
+    CHECK(contains(result.output, "Efficiency"));
+    const auto rows = rowsOf(study.contentOf("w/walk.csv"));
+    REQUIRE(rows.size() == 4); // five days, less the warm-up: three tests
+    REQUIRE(rows[1].size() > 12);
+    CHECK_EQ(rows[1][3], rows[2][2]);
+    CHECK_EQ(rows[2][3], rows[3][2]);
+
+    // The choice of the second window is that of a sweep over its past.
+    const std::string from = rows[2][1].substr(0, 19);
+    const std::string to = rows[2][2].substr(0, 19);
+    CHECK_EQ(study
+                 .run("sweep", "Clock.js",
+                     {"--set", "Every=10,25", "--set", "Points=30,60", "--min-trades", "1", "--timeframe",
+                         "5m", "--sort", "netProfit", "--from", from, "--to", to, "--out", "s"})
+                 .exitCode,
+        0);
+    const auto best = nlohmann::json::parse(study.contentOf("s/sweep.json")).at("best");
+    CHECK_EQ(best.at("inputs").at("Every").get<std::string>(), rows[2][4]);
+    CHECK_EQ(best.at("inputs").at("Points").get<std::string>(), rows[2][5]);
+    CHECK_EQ(best.at("netProfit").dump(), nlohmann::json::parse(rows[2][8]).dump());
+
+    // The tests' results add up to the whole.
+    double sum = 0;
+    for (std::size_t row = 1; row < rows.size(); ++row)
+        sum += std::stod(rows[row][11]);
+    const auto summary = nlohmann::json::parse(study.contentOf("w/summary.json"));
+    CHECK_NEAR(summary.at("netProfit").get<double>(), sum, 0.001);
+    CHECK_NEAR(summary.at("endBalance").get<double>(), 100'000 + sum, 0.001);
+    CHECK(contains(study.contentOf("w/report.html"), "Walk forward"));
+    CHECK_EQ(nlohmann::json::parse(study.contentOf("w/walk.json")).at("windows").get<int>(), 3);
+}
+
+TEST_CASE("a walk gives the same bytes with one worker and with three")
+{
+    const StudyFolder study(5);
+    for (const std::string jobs : {"1", "3"})
+        CHECK_EQ(study.run("walk", "Clock.js", joined(walk, {"--jobs", jobs, "--out", jobs})).exitCode, 0);
+    CHECK_EQ(study.filesIn("1").size(), 9U);
+    for (const std::string& name : study.filesIn("1")) {
+        CHECK(!study.contentOf("1/" + name).empty());
+        CHECK(study.contentOf("1/" + name) == study.contentOf("3/" + name));
+    }
+}
+
+TEST_CASE("anchored windows train from the first day on")
+{
+    const StudyFolder study(5);
+    CHECK_EQ(study.run("walk", "Clock.js", joined(walk, {"--anchored", "--out", "w"})).exitCode, 0);
+    const auto rows = rowsOf(study.contentOf("w/walk.csv"));
+    REQUIRE(rows.size() == 4);
+    CHECK_EQ(rows[1][1], rows[3][1]);
+    CHECK(rows[1][2] != rows[3][2]);
+}
+
+TEST_CASE("what a walk cannot do is said in a line")
+{
+    const StudyFolder study(3);
+    const auto refusal = [&](const std::vector<std::string>& more) {
+        const Result result = study.run("walk", "Clock.js", joined({"--out", "w"}, more));
+        CHECK_EQ(result.exitCode, 2);
+        CHECK(isOneLine(result.errors));
+        CHECK(study.filesIn("w").empty());
+        return result.errors;
+    };
+    CHECK(contains(refusal({"--set", "Every=10,20"}), "--train 90d --test 30d"));
+    CHECK(contains(refusal({"--train", "90", "--test", "1d"}), "90d or 12w"));
+    CHECK(contains(refusal({"--train", "90d", "--test", "30d"}), "leave nothing to try on"));
+    CHECK(
+        contains(refusal({"--train", "1d", "--test", "1d", "--min-trades", "9999"}), "no window has a set"));
+}
+
+CHECK_MAIN()

@@ -1,0 +1,141 @@
+#include "lab/study/Sets.h"
+
+#include "lab/core/study/StitchedRun.h"
+#include "lab/core/study/WalkFiles.h"
+#include "practice/Check.h"
+
+#include <algorithm>
+#include <nlohmann/json.hpp>
+
+using namespace lab;
+using practice::dayMs;
+
+namespace {
+
+constexpr std::int32_t firstDay = 19'000;
+
+/// Two days: the first earns `first`, the second `second`; a trade each.
+RunResult run(std::int32_t day, practice::Cents start, practice::Cents first, practice::Cents second)
+{
+    RunResult result;
+    result.settings.symbol = "EURUSD";
+    result.settings.from = day * dayMs;
+    result.settings.to = (day + 2) * dayMs;
+    result.settings.inputs = {{"Fast", "5"}};
+    result.startBalance = start;
+    result.ticks = 10;
+    result.equity.push_back({day * dayMs, start, start});
+    practice::Cents balance = start;
+    for (int i = 0; i < 2; ++i) {
+        const practice::Cents profit = i == 0 ? first : second;
+        TradeRow trade;
+        trade.ticket = i + 1;
+        trade.closeTime = (day + i) * dayMs + 1'000;
+        trade.profit = profit;
+        result.trades.push_back(trade);
+        balance += profit;
+        result.equity.push_back({trade.closeTime, balance, balance});
+        result.days.push_back(
+            {day + i, balance, balance, balance - profit, std::min(balance, balance - profit)});
+        result.chart.push_back({(day + i) * dayMs, 1, 1, 1, 1});
+    }
+    result.equityDrawdown = {0.01, 1'000};
+    result.tickPrint = 1;
+    return result;
+}
+
+} // namespace
+
+TEST_CASE("windows test one after the other without a gap, the last one what is left")
+{
+    const auto windows = walkWindows(0, 10 * dayMs, 4 * dayMs, 2 * dayMs, false);
+    CHECK_EQ(windows.size(), 3U);
+    CHECK((windows[1] == WalkWindow{2 * dayMs, 6 * dayMs, 8 * dayMs}));
+    const auto ragged = walkWindows(0, 9 * dayMs, 4 * dayMs, 2 * dayMs, false);
+    CHECK_EQ(ragged.size(), 3U);
+    CHECK((ragged[2] == WalkWindow{4 * dayMs, 8 * dayMs, 9 * dayMs}));
+    CHECK(walkWindows(0, 4 * dayMs, 4 * dayMs, 2 * dayMs, false).empty());
+}
+
+TEST_CASE("anchored windows all begin on the first day")
+{
+    const auto windows = walkWindows(dayMs, 10 * dayMs, 4 * dayMs, 2 * dayMs, true);
+    CHECK_EQ(windows.size(), 3U);
+    for (const WalkWindow& window : windows)
+        CHECK_EQ(window.trainFrom, dayMs);
+    CHECK_EQ(windows[2].testFrom, 9 * dayMs);
+}
+
+TEST_CASE("a stitched run goes on where the one before has ended")
+{
+    StitchedRun stitched;
+    CHECK(!stitched.result());
+    stitched.add(run(firstDay, 100'000, 5'000, -2'000));
+    stitched.add(run(firstDay + 2, 103'000, -4'000, 1'000));
+    const RunResult& all = *stitched.result();
+    CHECK_EQ(all.startBalance, 100'000);
+    CHECK_EQ(all.equity.size(), 5U); // no point twice
+    CHECK_EQ(all.equity.back().balance, 100'000);
+    CHECK_EQ(all.days.size(), 4U);
+    CHECK_EQ(all.trades.size(), 4U);
+    CHECK_EQ(all.trades.back().ticket, 4);
+    CHECK_EQ(all.ticks, 20U);
+    CHECK_EQ(*all.settings.to, (firstDay + 4) * dayMs);
+    CHECK(all.settings.inputs.empty());
+    CHECK(std::ranges::is_sorted(all.equity, {}, &EquityPoint::time));
+}
+
+TEST_CASE("a drawdown reaches over the border of two runs")
+{
+    StitchedRun stitched;
+    stitched.add(run(firstDay, 100'000, 5'000, -2'000));
+    stitched.add(run(firstDay + 2, 103'000, -4'000, 1'000));
+    const RunResult& all = *stitched.result();
+    // From 105 000 down to 99 000.
+    CHECK_EQ(all.equityDrawdown.money, 6'000);
+    CHECK_NEAR(all.equityDrawdown.fraction, 6.0 / 105, 1e-12);
+    CHECK_EQ(all.balanceDrawdown.money, 6'000);
+}
+
+TEST_CASE("a day that two runs share is one day")
+{
+    RunResult later = run(firstDay + 1, 103'000, -4'000, 1'000);
+    StitchedRun stitched;
+    stitched.add(run(firstDay, 100'000, 5'000, -2'000));
+    stitched.add(later);
+    const RunResult& all = *stitched.result();
+    CHECK_EQ(all.days.size(), 3U);
+    CHECK_EQ(all.days[1].equity, 99'000);
+    CHECK_EQ(all.days[1].firstEquity, 105'000);
+    CHECK_EQ(all.days[1].lowestEquity, 99'000);
+}
+
+TEST_CASE("efficiency compares growth a year behind the choice with that before it")
+{
+    Walk walk{Grid({axisOf("A", "1,2", true)}), {sortFigureOf("sharpe"), 30}, 2, 0, false, {}, {}};
+    for (const double growth : {0.2, 0.4}) {
+        SetResult chosen = madeSet(1, 1);
+        const auto rows = figureRows();
+        const auto place = std::ranges::find(rows, "cagr", &FigureRow::key) - rows.begin();
+        chosen.figures[static_cast<std::size_t>(place)] = growth;
+        Figures test;
+        test.cagr = 0.1;
+        walk.rows.push_back({{0, dayMs, 2 * dayMs}, chosen, test});
+    }
+    CHECK_NEAR(walk.rows[0].efficiency().value(), 0.5, 1e-12);
+    CHECK_NEAR(walk.rows[1].efficiency().value(), 0.25, 1e-12);
+    CHECK(!walk.efficiency());
+    walk.whole = Figures();
+    walk.whole->cagr = 0.15;
+    CHECK_NEAR(walk.efficiency().value(), 0.5, 1e-12); // 0.15 of the mean, 0.3
+    walk.rows.push_back({{0, dayMs, 2 * dayMs}, {}, {}});
+    CHECK(!walk.rows[2].efficiency());
+    const std::string csv = walkCsv(walk);
+    CHECK_EQ(std::ranges::count(csv, '\n'), 4);
+    CHECK(csv.find("1,1970-01-01T00:00:00.000Z,1970-01-02T00:00:00.000Z,1970-01-03T00:00:00.000Z,2,1,50,")
+        != std::string::npos);
+    CHECK_EQ(nlohmann::json::parse(walkJson(walk, {}, "1")).at("windows").get<int>(), 3);
+    CHECK(walkPart(walk).find("Efficiency: 50.00 %") != std::string::npos);
+}
+
+CHECK_MAIN()
