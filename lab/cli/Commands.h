@@ -19,5 +19,6 @@ inline constexpr int someFailed = 3;  ///< some sets of a study
 [[nodiscard]] int checkScript(Options options);
 [[nodiscard]] int sweepSets(Options options);
 [[nodiscard]] int walkForward(Options options);
+[[nodiscard]] int challengePlan(Options options);
 
 } // namespace lab

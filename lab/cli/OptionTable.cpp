@@ -44,6 +44,9 @@ constexpr std::array commands{
         "failed; 130 after Ctrl-C, which keeps what was done; else as of run.\n"},
     CommandRow{Command::Walk, "walk", "SCRIPT", "choose values on the past, try them on what follows",
         "Each window chooses as sweep does, and is tested on the time behind it.\n"},
+    CommandRow{Command::Challenge, "challenge", "SCRIPT",
+        "how often a plan would be passed, from many starts",
+        "A run from each start ends with the plan or with the prices.\n"},
 };
 
 [[noreturn]] void refuse(std::string_view what, const std::string& text)
@@ -238,8 +241,8 @@ constexpr std::array options{
         running, readExtremes},
     OptionRow{"--spread", "P", "spread in points, even (as recorded, or else as usual)", running, readSpread},
     OptionRow{"--delay", "MS", "time from an order to its execution (0)", running, readDelay},
-    OptionRow{
-        "--account", "A", "rules of a demo account or of a plan: demo, plan (demo)", running, readAccount},
+    OptionRow{"--account", "A", "rules of a demo account or of a plan: demo, plan (demo)",
+        running & ~setOf(Command::Challenge), readAccount},
     OptionRow{"--balance", "B", "balance at the start in USD (100000)", running | setOf(Command::Report),
         readBalance},
     OptionRow{"--leverage", "L", "of the account, 1 to 1000 (100)", running, readLeverage},

@@ -46,7 +46,7 @@ std::string namesOf(const std::vector<Record>& records)
     return names;
 }
 
-std::vector<MinuteHistory> recorded(Options& options)
+std::vector<MinuteHistory> recorded(Options& options, Told told)
 {
     const std::vector<Record> records = recordsOf(options.data);
     std::string& symbol = options.settings.symbol;
@@ -59,9 +59,10 @@ std::vector<MinuteHistory> recorded(Options& options)
         throw UsageError("no file for the symbol " + symbol + "; there are " + namesOf(records));
 
     std::vector<MinuteHistory> histories;
-    const auto read = [](const std::filesystem::path& path) {
+    const auto read = [told](const std::filesystem::path& path) {
         Progress progress("Reading " + path.filename().string());
-        progress.showLabel();
+        if (told == Told::Progress)
+            progress.showLabel();
         return readHistory(path);
     };
     histories.push_back(read(*file));
@@ -75,7 +76,7 @@ std::vector<MinuteHistory> recorded(Options& options)
     return histories;
 }
 
-std::vector<MinuteHistory> simulated(Options& options)
+std::vector<MinuteHistory> simulated(Options& options, Told told)
 {
     RunSettings& settings = options.settings;
     if (!settings.from)
@@ -86,7 +87,8 @@ std::vector<MinuteHistory> simulated(Options& options)
     const practice::TimeMs start = practice::barStart(*settings.from, settings.timeframe) - warmup;
     const auto history = [&](const std::string& symbol) {
         Progress progress("Simulating " + symbol);
-        progress.showLabel();
+        if (told == Told::Progress)
+            progress.showLabel();
         return simulatedHistory(symbol, settings.seed, options.speed, start, *settings.to);
     };
     std::vector<MinuteHistory> histories;
@@ -98,9 +100,9 @@ std::vector<MinuteHistory> simulated(Options& options)
 
 } // namespace
 
-std::vector<MinuteHistory> loadHistories(Options& options)
+std::vector<MinuteHistory> loadHistories(Options& options, Told told)
 {
-    return options.data.empty() ? simulated(options) : recorded(options);
+    return options.data.empty() ? simulated(options, told) : recorded(options, told);
 }
 
 } // namespace lab

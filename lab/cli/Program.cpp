@@ -40,6 +40,7 @@ int carryOut(const Options& options)
     case Command::Walk:
         return walkForward(options);
     case Command::Challenge:
+        return challengePlan(options);
     case Command::Plan:
     case Command::Work:
     case Command::Merge:

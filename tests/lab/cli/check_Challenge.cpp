@@ -1,0 +1,123 @@
+#include "lab/cli/StudyFolder.h"
+
+#include "practice/Check.h"
+
+#include <nlohmann/json.hpp>
+
+using Result = LabProcess::Result;
+
+namespace {
+
+/// Bets so much that a plan is soon passed or failed.
+void writeBets(const StudyFolder& study)
+{
+    study.write("Bets.js",
+        "var Lots = 20;\nvar calls = 0;\n"
+        "function OnTick() {\n"
+        "    if (++calls % 40 !== 0 || Positions.count() > 0) return;\n"
+        "    if (calls % 80 === 0) Trade.buy(Lots, { slPoints: 60, tpPoints: 120 });\n"
+        "    else Trade.sell(Lots, { slPoints: 60, tpPoints: 120 });\n"
+        "}\n");
+}
+
+nlohmann::json json(const StudyFolder& study, const std::string& file)
+{
+    return nlohmann::json::parse(study.contentOf(file));
+}
+
+std::vector<std::string> simulated(const std::string& seeds, const std::string& out)
+{
+    return {"challenge", "Bets.js", "--symbol", "EURUSD", "--seeds", seeds, "--from", "2024-01-01", "--to",
+        "2024-01-03", "--warmup", "10", "--timeframe", "5m", "--out", out};
+}
+
+} // namespace
+
+TEST_CASE("a plan is run from each day with prices, and each start is the run that it says")
+{
+    const StudyFolder study(5);
+    writeBets(study);
+    const Result result
+        = study.run("challenge", "Bets.js", {"--starts", "daily", "--timeframe", "5m", "--out", "c"});
+    CHECK_EQ(result.exitCode, 0);
+    CHECK_EQ(result.errors, "");
+    CHECK(contains(result.output, "passed"));
+    CHECK(contains(result.output, "Starts a day apart share most of their prices"));
+    const auto summary = json(study, "c/challenge.json");
+    CHECK_EQ(summary.at("starts").get<int>(), 5);
+    int counts = 0;
+    for (const char* outcome : {"passed", "daily-loss", "total-loss", "none"})
+        counts += summary.at(outcome).at("count").get<int>();
+    CHECK_EQ(counts, 5);
+    CHECK(summary.at("none").at("count").get<int>() < 5);
+
+    CHECK_EQ(study
+                 .run("run", "Bets.js",
+                     {"--account", "plan", "--from", "2024-01-03", "--timeframe", "5m", "--out", "r"})
+                 .exitCode,
+        0);
+    const std::string outcome = json(study, "r/run.json").at("outcome").get<std::string>();
+    CHECK(contains(study.contentOf("c/challenge.csv"), "2024-01-03T00:00:00.000Z,1," + outcome + ','));
+}
+
+TEST_CASE("a plan is run over simulated markets, with the same bytes whoever does it")
+{
+    const StudyFolder study;
+    writeBets(study);
+    std::vector<std::string> words = simulated("3..8", "one");
+    words.insert(words.end(), {"--jobs", "1"});
+    const Result result = study.lab.run(words);
+    CHECK_EQ(result.exitCode, 0);
+    CHECK(!contains(result.output, "Starts a day apart"));
+    words = simulated("3..8", "two");
+    words.insert(words.end(), {"--jobs", "3"});
+    CHECK_EQ(study.lab.run(words).exitCode, 0);
+    for (const std::string file : {"/challenge.csv", "/challenge.json"}) {
+        CHECK(!study.contentOf("one" + file).empty());
+        CHECK(study.contentOf("one" + file) == study.contentOf("two" + file));
+    }
+    const std::string csv = study.contentOf("one/challenge.csv");
+    CHECK_EQ(std::ranges::count(csv, '\n'), 7);
+    CHECK(contains(csv, ",8,"));
+
+    CHECK_EQ(study.lab
+                 .run({"run", "Bets.js", "--symbol", "EURUSD", "--seed", "5", "--from", "2024-01-01", "--to",
+                     "2024-01-03", "--warmup", "10", "--timeframe", "5m", "--account", "plan", "--out", "r"})
+                 .exitCode,
+        0);
+    const auto run = json(study, "r/run.json");
+    const auto trades = json(study, "r/summary.json").at("trades").dump();
+    CHECK(contains(csv, ",5," + run.at("outcome").get<std::string>() + ','));
+    CHECK(contains(csv, ',' + trades + ",\n"));
+}
+
+TEST_CASE("starts that fail are marked")
+{
+    const StudyFolder study;
+    study.write("Bad.js", "function OnTick() { missing(); }\n");
+    const Result result = study.run("challenge", "Bad.js", {"--starts", "daily", "--out", "c"});
+    CHECK_EQ(result.exitCode, 3);
+    CHECK(contains(result.errors, "3 of 3 runs failed"));
+    CHECK(contains(study.contentOf("c/challenge.csv"), "missing is not defined"));
+}
+
+TEST_CASE("what a challenge cannot do is said in a line")
+{
+    const StudyFolder study;
+    writeBets(study);
+    const auto refusal = [&](const std::vector<std::string>& more) {
+        const Result result = study.run("challenge", "Bets.js", more);
+        CHECK_EQ(result.exitCode, 2);
+        CHECK(isOneLine(result.errors));
+        return result.errors;
+    };
+    CHECK(contains(refusal({}), "--starts daily or --seeds"));
+    CHECK(contains(refusal({"--starts", "weekly"}), "takes daily"));
+    CHECK(contains(refusal({"--seeds", "1..3"}), "simulated prices only"));
+    CHECK(contains(refusal({"--starts", "daily", "--seeds", "1..3"}), "either"));
+    CHECK(contains(refusal({"--starts", "daily", "--set", "Lots=1,2"}), "one value for each input"));
+    CHECK(contains(refusal({"--starts", "daily", "--account", "demo"}), "unknown option --account"));
+    CHECK(contains(study.lab.run(simulated("8..3", "c")).errors, "FIRST..LAST"));
+}
+
+CHECK_MAIN()
