@@ -20,5 +20,8 @@ inline constexpr int someFailed = 3;  ///< some sets of a study
 [[nodiscard]] int sweepSets(Options options);
 [[nodiscard]] int walkForward(Options options);
 [[nodiscard]] int challengePlan(Options options);
+[[nodiscard]] int planChunks(Options options);
+[[nodiscard]] int workChunk(const Options& options);
+[[nodiscard]] int mergeChunks(const Options& options);
 
 } // namespace lab

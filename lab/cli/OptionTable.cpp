@@ -47,6 +47,14 @@ constexpr std::array commands{
     CommandRow{Command::Challenge, "challenge", "SCRIPT",
         "how often a plan would be passed, from many starts",
         "A run from each start ends with the plan or with the prices.\n"},
+    CommandRow{Command::Plan, "plan", "SCRIPT", "a sweep in chunks, for several machines",
+        "--out names the file, SCRIPT-SYMBOL.plan.json without it. Then, for each chunk,\n"
+        "tavoran-lab work PLAN CHUNK, and in the end tavoran-lab merge PLAN.\n"},
+    CommandRow{Command::Work, "work", "PLAN CHUNK", "carry out a chunk of a plan",
+        "Chunks are numbered from 1. The result lies beside the plan.\n"},
+    CommandRow{Command::Merge, "merge", "PLAN", "join the chunks of a plan to the result of a sweep",
+        "Exit status: 0; 2 when chunks are missing or do not belong together, and names\n"
+        "them; 3 when some sets failed.\n"},
 };
 
 [[noreturn]] void refuse(std::string_view what, const std::string& text)

@@ -222,7 +222,9 @@ std::string programHelp()
 
 Options parseOptions(const std::vector<std::string>& arguments)
 {
-    return ArgumentReader(arguments).read();
+    Options options = ArgumentReader(arguments).read();
+    options.arguments = arguments;
+    return options;
 }
 
 std::string helpText(Command command)

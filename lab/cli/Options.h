@@ -26,6 +26,7 @@ struct Options {
     bool hasBalance = false;                    ///< the balance was named
     std::filesystem::path out;                  ///< empty where it was not named
     std::chrono::milliseconds limit{0};         ///< for each run; 0: none
+    std::vector<std::string> arguments;         ///< as they were given
     StudyOptions study;
     bool showHelp = false;
     bool showVersion = false;

@@ -42,9 +42,11 @@ int carryOut(const Options& options)
     case Command::Challenge:
         return challengePlan(options);
     case Command::Plan:
+        return planChunks(options);
     case Command::Work:
+        return workChunk(options);
     case Command::Merge:
-        break;
+        return mergeChunks(options);
     }
     return notPossible;
 }

@@ -1,0 +1,218 @@
+#include "lab/cli/StudyFolder.h"
+
+#include "practice/Check.h"
+
+#include <nlohmann/json.hpp>
+
+using Result = LabProcess::Result;
+
+namespace {
+
+const std::vector<std::string> eight{
+    "--set", "Every=10:40:10", "--set", "Points=30,60", "--min-trades", "3", "--timeframe", "5m"};
+
+std::vector<std::string> joined(std::vector<std::string> words, const std::vector<std::string>& more)
+{
+    words.insert(words.end(), more.begin(), more.end());
+    return words;
+}
+
+Result planned(const StudyFolder& study, const std::string& chunks = "3")
+{
+    return study.run("plan", "Clock.js", joined(eight, {"--chunks", chunks, "--out", "c.plan.json"}));
+}
+
+Result work(const StudyFolder& study, const std::string& chunk)
+{
+    return study.lab.run({"work", "c.plan.json", chunk});
+}
+
+Result merge(const StudyFolder& study, const std::string& out)
+{
+    return study.lab.run({"merge", "c.plan.json", "--out", out});
+}
+
+void checkSameAsSweep(const StudyFolder& study, const std::string& merged)
+{
+    const Result sweep = study.run("sweep", "Clock.js", joined(eight, {"--out", "whole"}));
+    CHECK_EQ(sweep.exitCode, 0);
+    CHECK(study.filesIn("whole") == study.filesIn(merged));
+    CHECK_EQ(study.filesIn(merged).size(), 10U);
+    for (const std::string& name : study.filesIn("whole")) {
+        if (name == "sweep.sqlite")
+            continue;
+        CHECK(!study.contentOf("whole/" + name).empty());
+        CHECK(study.contentOf("whole/" + name) == study.contentOf(merged + '/' + name));
+    }
+}
+
+} // namespace
+
+TEST_CASE("chunks in any order, joined, give the bytes of a sweep on one machine")
+{
+    const StudyFolder study;
+    const Result plan = planned(study);
+    CHECK_EQ(plan.exitCode, 0);
+    CHECK(contains(plan.output, "8 sets in 3 chunks"));
+    for (const std::string chunk : {"3", "1", "2"}) {
+        const Result result = work(study, chunk);
+        CHECK_EQ(result.exitCode, 0);
+        CHECK_EQ(result.errors, "");
+        CHECK(contains(result.output, "chunk " + chunk + ": "));
+    }
+    const Result merged = merge(study, "m");
+    CHECK_EQ(merged.exitCode, 0);
+    CHECK(contains(merged.output, "8 sets by sharpe"));
+    checkSameAsSweep(study, "m");
+    CHECK_EQ(merge(study, "m").exitCode, 0); // again, over itself
+    CHECK((study.filesIn(".")
+        == std::set<std::string>{"Clock.js", "EURUSD-1m.csv", "c.plan.json", "c.plan-1.sqlite",
+            "c.plan-2.sqlite", "c.plan-3.sqlite", "m", "whole"}));
+}
+
+TEST_CASE("a plan holds the script, and finds the prices from where it lies")
+{
+    const StudyFolder study;
+    std::filesystem::create_directories(study.folder / "plans");
+    CHECK_EQ(
+        study.run("plan", "Clock.js", joined(eight, {"--chunks", "2", "--out", "plans/p.json"})).exitCode, 0);
+    std::filesystem::remove(study.folder / "Clock.js");
+    const LabProcess elsewhere{study.folder / "plans", {}, {}};
+    CHECK_EQ(elsewhere.run({"work", "p.json", "1"}).exitCode, 0);
+    CHECK_EQ(study.lab.run({"work", "plans/p.json", "2"}).exitCode, 0);
+    CHECK_EQ(study.lab.run({"merge", "plans/p.json", "--out", "m"}).exitCode, 0);
+    CHECK(!contains(study.contentOf("plans/p.json"), study.folder.path().string()));
+}
+
+TEST_CASE("chunks that are missing are listed, and nothing is written")
+{
+    const StudyFolder study;
+    CHECK_EQ(planned(study, "4").exitCode, 0);
+    CHECK_EQ(work(study, "2").exitCode, 0);
+    const Result result = merge(study, "m");
+    CHECK_EQ(result.exitCode, 2);
+    CHECK_EQ(result.errors, "tavoran-lab: missing chunks: 1, 3, 4\n");
+    CHECK(study.filesIn("m").empty());
+}
+
+TEST_CASE("chunks of another plan are refused by their numbers")
+{
+    const StudyFolder study;
+    CHECK_EQ(planned(study, "2").exitCode, 0);
+    CHECK_EQ(work(study, "1").exitCode, 0);
+    CHECK_EQ(work(study, "2").exitCode, 0);
+    const auto copy = [&](const std::string& from, const std::string& to) {
+        std::filesystem::copy_file(
+            study.folder / from, study.folder / to, std::filesystem::copy_options::overwrite_existing);
+    };
+    copy("c.plan-1.sqlite", "kept");
+    copy("c.plan-1.sqlite", "c.plan-2.sqlite");
+    const Result twice = merge(study, "m");
+    CHECK_EQ(twice.exitCode, 2);
+    CHECK(isOneLine(twice.errors));
+    CHECK(contains(twice.errors, "chunk 2: the chunk differs"));
+
+    study.write("Clock.js", study.contentOf("Clock.js") + "// changed\n");
+    CHECK_EQ(planned(study, "2").exitCode, 0);
+    CHECK_EQ(work(study, "2").exitCode, 0);
+    const Result mixed = merge(study, "m");
+    CHECK_EQ(mixed.exitCode, 2);
+    CHECK(contains(mixed.errors, "chunk 1: the script differs"));
+    CHECK(study.filesIn("m").empty());
+    // And made anew, not taken for done.
+    CHECK(contains(work(study, "1").output, "chunk 1: 4 sets"));
+    CHECK_EQ(merge(study, "m").exitCode, 0);
+}
+
+TEST_CASE("a machine with other prices does not work at a plan")
+{
+    const StudyFolder study;
+    CHECK_EQ(planned(study).exitCode, 0);
+    study.writeMinutes(4);
+    const Result result = work(study, "1");
+    CHECK_EQ(result.exitCode, 2);
+    CHECK(isOneLine(result.errors));
+    CHECK(contains(result.errors, "the prices differs here from that of the plan"));
+    CHECK((study.filesIn(".") == std::set<std::string>{"Clock.js", "EURUSD-1m.csv", "c.plan.json"}));
+}
+
+TEST_CASE("a chunk that is done is not done again")
+{
+    const StudyFolder study;
+    CHECK_EQ(planned(study).exitCode, 0);
+    CHECK_EQ(work(study, "1").exitCode, 0);
+    const std::string before = study.contentOf("c.plan-1.sqlite");
+    CHECK_EQ(work(study, "1").output, "chunk 1 is done already\n");
+    CHECK(before == study.contentOf("c.plan-1.sqlite"));
+}
+
+TEST_CASE("sets that fail are marked in the end, and no reason to repeat a chunk")
+{
+    const StudyFolder study;
+    study.write("Bad.js",
+        "var Fault = 0;\nvar calls = 0;\nfunction OnTick() {\n    if (Fault === 2) missing();\n"
+        "    if (++calls % 100 === 0 && Positions.count() === 0) Trade.buy(0.1, { slPoints: 40, tpPoints: 40 "
+        "});\n"
+        "}\n");
+    CHECK_EQ(study
+                 .run("plan", "Bad.js",
+                     {"--set", "Fault=0:3:1", "--min-trades", "1", "--chunks", "2", "--out", "c.plan.json"})
+                 .exitCode,
+        0);
+    CHECK_EQ(work(study, "1").exitCode, 0);
+    const Result second = work(study, "2");
+    CHECK_EQ(second.exitCode, 0);
+    CHECK_EQ(second.output, "chunk 2: 2 sets, 1 failed\n");
+    const Result result = merge(study, "m");
+    CHECK_EQ(result.exitCode, 3);
+    CHECK(contains(result.errors, "failed: Fault=2"));
+}
+
+TEST_CASE("what is no plan, no chunk or no place is said in a line")
+{
+    const StudyFolder study;
+    const auto refusal = [&](const std::vector<std::string>& words) {
+        const Result result = study.lab.run(words);
+        CHECK_EQ(result.exitCode, 2);
+        CHECK(isOneLine(result.errors));
+        return result.errors;
+    };
+    CHECK_EQ(planned(study).exitCode, 0);
+    CHECK(contains(refusal({"work", "none.json", "1"}), "none.json"));
+    CHECK(contains(refusal({"work", "Clock.js", "1"}), "Clock.js is no plan"));
+    CHECK(contains(refusal({"merge", "EURUSD-1m.csv"}), "is no plan"));
+    CHECK(contains(refusal({"work", "c.plan.json", "4"}), "has 3 chunks, not 4"));
+    CHECK(contains(refusal({"work", "c.plan.json"}), "number of a chunk"));
+    CHECK(contains(refusal({"work", "c.plan.json", "0"}), "from 1 to"));
+    CHECK(contains(planned(study, "9").errors, "9 chunks for 8 sets"));
+    CHECK(
+        contains(study.run("plan", "Clock.js", joined(eight, {"--chunks", "2", "--out", "Clock.js"})).errors,
+            "is no plan"));
+    CHECK(contains(study.contentOf("Clock.js"), "OnTick"));
+}
+
+TEST_CASE("GNU parallel carries the chunks, and repeats those that failed")
+{
+    const StudyFolder study;
+    CHECK_EQ(planned(study).exitCode, 0);
+    const std::vector<std::string> chunks{"work", "c.plan.json", "{}", ":::", "1", "2", "3"};
+    const std::vector<std::string> parallel{
+        "parallel", "--will-cite", "--sshlogin", ":", "--jobs", "2", "--joblog", "jobs.log"};
+    // In the way of the second one's result.
+    std::filesystem::create_directory(study.folder / "c.plan-2.sqlite");
+    const Result first = study.lab.runWithin(parallel, chunks);
+    if (first.exitCode == 127)
+        check::skip("GNU parallel is not installed");
+    CHECK_EQ(first.exitCode, 1); // as many as failed
+    CHECK(contains(merge(study, "m").errors, "c.plan-2.sqlite"));
+
+    std::filesystem::remove(study.folder / "c.plan-2.sqlite");
+    const Result second = study.lab.runWithin(joined(parallel, {"--resume-failed"}), chunks);
+    CHECK_EQ(second.exitCode, 0);
+    CHECK(contains(second.output, "chunk 2: "));
+    CHECK(!contains(second.output, "chunk 1"));
+    CHECK_EQ(merge(study, "m").exitCode, 0);
+    checkSameAsSweep(study, "m");
+}
+
+CHECK_MAIN()
