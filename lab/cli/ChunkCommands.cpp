@@ -182,13 +182,14 @@ int workChunk(const Options& options)
         return stopped;
     checkIdentity(plan, bench);
 
-    const auto [begin, end] = plan.span(chunk);
+    const auto span = plan.span(chunk);
     const auto first = bench.numbers().begin();
     std::vector<std::uint64_t> numbers(
-        first + static_cast<std::ptrdiff_t>(begin), first + static_cast<std::ptrdiff_t>(end));
+        first + static_cast<std::ptrdiff_t>(span.first), first + static_cast<std::ptrdiff_t>(span.second));
     const std::size_t own = numbers.size();
     const std::uint64_t probe = bench.numbers().front();
-    if (begin > 0)
+    const bool hasProbe = span.first == 0;
+    if (!hasProbe)
         numbers.push_back(probe);
 
     const Draft draft(place);
@@ -198,7 +199,7 @@ int workChunk(const Options& options)
         const bool isWhole = bench.runSets(numbers, bench.name() + ", " + who, [&](const SetResult& set) {
             if (set.number == probe)
                 store.setNote(probeNote, probeOf(set));
-            if (set.number == probe && begin > 0)
+            if (set.number == probe && !hasProbe)
                 return;
             failed += set.failure ? 1 : 0;
             store.put(set, bench.grid().inputsOf(set.number));

@@ -1,5 +1,6 @@
 #include "lab/cli/StudyFolder.h"
 
+#include "lab/core/study/StudyStore.h"
 #include "practice/Check.h"
 
 #include <nlohmann/json.hpp>
@@ -122,6 +123,24 @@ TEST_CASE("chunks of another plan are refused by their numbers")
     // And made anew, not taken for done.
     CHECK(contains(work(study, "1").output, "chunk 1: 4 sets"));
     CHECK_EQ(merge(study, "m").exitCode, 0);
+}
+
+TEST_CASE("a chunk of a machine that decided otherwise is refused")
+{
+    const StudyFolder study;
+    CHECK_EQ(planned(study, "2").exitCode, 0);
+    CHECK_EQ(work(study, "1").exitCode, 0);
+    CHECK_EQ(work(study, "2").exitCode, 0);
+    {
+        lab::StudyStore store = lab::StudyStore::open(study.folder / "c.plan-2.sqlite");
+        CHECK_EQ(store.note("probe"), lab::StudyStore::open(study.folder / "c.plan-1.sqlite").note("probe"));
+        store.setNote("probe", "another decision");
+    }
+    const Result result = merge(study, "m");
+    CHECK_EQ(result.exitCode, 2);
+    CHECK(isOneLine(result.errors));
+    CHECK(contains(result.errors, "chunk 2 decided otherwise than chunk 1"));
+    CHECK(study.filesIn("m").empty());
 }
 
 TEST_CASE("a machine with other prices does not work at a plan")

@@ -1,3 +1,5 @@
+#include "lab/study/Contains.h"
+
 #include "lab/core/study/Grid.h"
 #include "lab/core/study/StudyError.h"
 #include "practice/Check.h"
@@ -24,11 +26,6 @@ std::string complaintOf(std::string_view text)
     } catch (const StudyError& error) {
         return error.what();
     }
-}
-
-bool contains(const std::string& text, const std::string& part)
-{
-    return text.find(part) != std::string::npos;
 }
 
 } // namespace

@@ -1,3 +1,4 @@
+#include "lab/study/Contains.h"
 #include "lab/study/Sets.h"
 
 #include "lab/core/study/StudyError.h"
@@ -23,11 +24,6 @@ std::string complaintOf(const std::function<void()>& action)
         return error.what();
     }
     return "no complaint";
-}
-
-bool contains(const std::string& text, const std::string& part)
-{
-    return text.find(part) != std::string::npos;
 }
 
 } // namespace

@@ -1,3 +1,4 @@
+#include "lab/study/Contains.h"
 #include "lab/study/Sets.h"
 
 #include "lab/core/study/StudyError.h"
@@ -43,11 +44,6 @@ std::vector<std::uint64_t> numbersOf(const SweepTable& table)
     for (const std::size_t place : table.ranking)
         numbers.push_back(table.sets[place].number);
     return numbers;
-}
-
-bool contains(const std::string& text, const std::string& part)
-{
-    return text.find(part) != std::string::npos;
 }
 
 } // namespace

@@ -1,3 +1,5 @@
+#include "lab/study/Contains.h"
+
 #include "lab/core/study/StudyError.h"
 #include "lab/core/study/WorkerPool.h"
 #include "practice/Check.h"
@@ -34,11 +36,6 @@ WorkerSettings withWorkers(std::size_t workers)
     WorkerSettings settings;
     settings.workers = workers;
     return settings;
-}
-
-bool contains(const std::string& text, const std::string& part)
-{
-    return text.find(part) != std::string::npos;
 }
 
 } // namespace
