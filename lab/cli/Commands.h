@@ -23,5 +23,6 @@ inline constexpr int someFailed = 3;  ///< some sets of a study
 [[nodiscard]] int planChunks(Options options);
 [[nodiscard]] int workChunk(const Options& options);
 [[nodiscard]] int mergeChunks(const Options& options);
+[[nodiscard]] int verifySession(Options options);
 
 } // namespace lab

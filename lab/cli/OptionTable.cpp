@@ -20,6 +20,7 @@ constexpr CommandSet writing
 constexpr CommandSet choosing = setOf(Command::Sweep) | setOf(Command::Walk) | setOf(Command::Plan);
 constexpr CommandSet working
     = setOf(Command::Sweep) | setOf(Command::Walk) | setOf(Command::Challenge) | setOf(Command::Work);
+constexpr CommandSet verifying = setOf(Command::Verify);
 
 constexpr std::array commands{
     CommandRow{Command::Inputs, "inputs", "SCRIPT", "list the values of a script that can be changed",
@@ -55,6 +56,12 @@ constexpr std::array commands{
     CommandRow{Command::Merge, "merge", "PLAN", "join the chunks of a plan to the result of a sweep",
         "Exit status: 0; 2 when chunks are missing or do not belong together, and names\n"
         "them; 3 when some sets failed.\n"},
+    CommandRow{Command::Verify, "verify", "SESSION SCRIPT", "compare a live script with the lab",
+        "SESSION is what tavoran-practice --record has written. The script is called at\n"
+        "each price that the platform sent, on the bars and with the account that it told\n"
+        "of; its orders and the broker's fills have to be those that were recorded.\n"
+        "Exit status: 0 without a divergence, 1 with one, 2 when something cannot be\n"
+        "used.\n"},
 };
 
 [[noreturn]] void refuse(std::string_view what, const std::string& text)
@@ -109,6 +116,7 @@ void readSpeed(Options& options, const std::string& text)
 void readTimeframe(Options& options, const std::string& text)
 {
     options.settings.timeframe = oneOf(practice::allTimeframes, practice::timeframeKey, "--timeframe", text);
+    options.hasTimeframe = true;
 }
 
 practice::TimeMs momentOf(std::string_view option, const std::string& text)
@@ -171,6 +179,13 @@ void readAccount(Options& options, const std::string& text)
 {
     options.settings.rules
         = oneOf(std::array{AccountRules::Demo, AccountRules::Plan}, rulesText, "--account", text);
+}
+
+void readAccountId(Options& options, const std::string& text)
+{
+    if (text.empty())
+        refuse("--account takes the id of an account", text);
+    options.account = text;
 }
 
 void readBalance(Options& options, const std::string& text)
@@ -255,8 +270,19 @@ constexpr std::array options{
         readBalance},
     OptionRow{"--leverage", "L", "of the account, 1 to 1000 (100)", running, readLeverage},
     OptionRow{"--set", "NAME=V", "another value for an input; may be repeated", running, readInput},
+    OptionRow{"--symbol", "S", "of the chart, where the session has several", verifying, readSymbol},
+    OptionRow{"--timeframe", "T", "of the chart, where the session has several", verifying, readTimeframe},
+    OptionRow{"--account", "ID", "traded on, where the session has several", verifying, readAccountId},
+    OptionRow{"--from", "D",
+        "when the script came onto the chart, in UTC, such as\n"
+        "2026-05-01T12:30:15.250 (as soon as there were bars)",
+        verifying, readFrom},
+    OptionRow{"--to", "D", "when it left the chart (the end of the session)", verifying, readTo},
+    OptionRow{
+        "--set", "NAME=V", "an input's value in the live script; may be repeated", verifying, readInput},
     OptionRow{"--out", "DIR", "the folder to write to", writing, readOut},
-    OptionRow{"--limit", "SECONDS", "the most that a run may take (no limit)", running, readLimit},
+    OptionRow{
+        "--limit", "SECONDS", "the most that a run may take (no limit)", running | verifying, readLimit},
     OptionRow{"--random", "N", "try N of the sets, drawn by --seed", choosing, readRandom},
     OptionRow{"--sort", "FIGURE", "a key of summary.json that decides (sharpe)", choosing, readSort},
     OptionRow{"--min-trades", "N", "a set with fewer is not chosen (30)", choosing, readMinTrades},

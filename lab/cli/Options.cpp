@@ -68,6 +68,11 @@ void takeOperand(Options& options, const std::string& word)
             throw UsageError("one script at a time, not also \"" + word + '"');
         options.script = word;
         return;
+    case Command::Verify:
+        if (!options.script.empty())
+            throw UsageError("one session and one script, not also \"" + word + '"');
+        (options.session.empty() ? options.session : options.script) = word;
+        return;
     case Command::Report:
         if (!options.results.empty())
             throw UsageError("one file at a time, not also \"" + word + '"');
@@ -88,7 +93,10 @@ void checkTogether(const Options& options, bool hasSeed, bool hasSpeed)
 {
     const std::string name(rowOf(options.command).name);
     const bool needsPrices = (setOf(options.command) & runningCommands) != 0;
-    const bool needsScript = needsPrices || options.command == Command::Inputs;
+    const bool needsScript
+        = needsPrices || options.command == Command::Inputs || options.command == Command::Verify;
+    if (options.command == Command::Verify && options.session.empty())
+        throw UsageError("verify needs a recorded session and a script");
     if (needsScript && options.script.empty())
         throw UsageError(name + " needs a script");
     if (options.command == Command::Report && options.results.empty())
@@ -96,6 +104,9 @@ void checkTogether(const Options& options, bool hasSeed, bool hasSpeed)
     if (options.command == Command::Compare && options.results.size() < 2)
         throw UsageError(name + " needs at least two folders");
     checkStudy(options);
+    const RunSettings& settings = options.settings;
+    if (settings.from && settings.to && *settings.from >= *settings.to)
+        throw UsageError("--from has to be before --to");
     if (!needsPrices)
         return;
     if (options.study.seeds && hasSeed)
@@ -107,9 +118,6 @@ void checkTogether(const Options& options, bool hasSeed, bool hasSpeed)
         throw UsageError("simulated prices need --symbol");
     if (!options.data.empty() && hasSpeed)
         throw UsageError("--speed goes with simulated prices only, not with --data");
-    const RunSettings& settings = options.settings;
-    if (settings.from && settings.to && *settings.from >= *settings.to)
-        throw UsageError("--from has to be before --to");
 }
 
 /// The arguments one after the other.

@@ -13,16 +13,33 @@
 namespace lab {
 
 /// What the program can do; None stands for the program as a whole.
-enum class Command { None, Inputs, Run, Report, Compare, Check, Sweep, Walk, Challenge, Plan, Work, Merge };
+enum class Command {
+    None,
+    Inputs,
+    Run,
+    Report,
+    Compare,
+    Check,
+    Sweep,
+    Walk,
+    Challenge,
+    Plan,
+    Work,
+    Merge,
+    Verify
+};
 
 /// What the command line asked for.
 struct Options {
     Command command = Command::None;
     std::filesystem::path script;               ///< of all that run or read one
+    std::filesystem::path session;              ///< recorded, of Verify
+    std::string account;                        ///< an id in the session; empty where it was not named
     std::vector<std::filesystem::path> results; ///< folders to compare, or the one file to report on
     std::vector<std::filesystem::path> data;    ///< recorded minutes; none: simulated prices
     double speed = 1;                           ///< of the simulated market
     RunSettings settings;                       ///< `symbol` empty where it was not named
+    bool hasTimeframe = false;                  ///< the timeframe was named
     bool hasBalance = false;                    ///< the balance was named
     std::filesystem::path out;                  ///< empty where it was not named
     std::chrono::milliseconds limit{0};         ///< for each run; 0: none

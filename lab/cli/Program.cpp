@@ -47,6 +47,8 @@ int carryOut(const Options& options)
         return workChunk(options);
     case Command::Merge:
         return mergeChunks(options);
+    case Command::Verify:
+        return verifySession(options);
     }
     return notPossible;
 }

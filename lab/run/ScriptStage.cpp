@@ -67,6 +67,12 @@ ExpertHost::Callbacks ScriptStage::connected(ExpertHost::Callbacks account, Refu
     return account;
 }
 
+void ScriptStage::renewBars(std::vector<Candle> bars)
+{
+    m_series.setCandles(std::move(bars));
+    ++m_revision;
+}
+
 void ScriptStage::fold(double bid, double ask)
 {
     if (m_series.foldTick(bid, ask, m_clock.now) == TickEffect::Appended)

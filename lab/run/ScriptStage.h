@@ -34,6 +34,8 @@ public:
 
     /// The time from now on.
     void setTime(practice::TimeMs time) { m_clock.now = time; }
+    /// The chart gets other bars, as a terminal's does that has asked for them again.
+    void renewBars(std::vector<Candle> bars);
     /// The chart takes in a price of this time.
     void fold(double bid, double ask);
     /// Runs the script and its OnInit; once.

@@ -3,7 +3,7 @@
 #include "practice/core/Types.h"
 #include "practice/core/broker/ChangeSet.h"
 #include "practice/core/broker/Requests.h"
-#include "practice/server/TradeCommand.h"
+#include "practice/core/broker/TradeCommand.h"
 
 #include <cstddef>
 #include <optional>

@@ -79,8 +79,9 @@ const QHash<QString, QSet<QString>>& labRules()
         {u"lab/core/account"_s, {u"lab/core/market"_s}},
         {u"lab/core/figures"_s, {}},
         {u"lab/core/output"_s, {u"lab/core/figures"_s}},
+        {u"lab/core/session"_s, {}},
         {u"lab/core/study"_s, {u"lab/core/account"_s, u"lab/core/output"_s}},
-        {u"lab/run"_s, {u"lab/core/account"_s, u"experts"_s}},
+        {u"lab/run"_s, {u"lab/core/account"_s, u"lab/core/session"_s, u"experts"_s}},
         {u"lab/cli"_s, {u"lab/core/study"_s, u"lab/run"_s}},
     };
     return table;

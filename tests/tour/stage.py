@@ -15,12 +15,14 @@ class StepFailed(Exception):
 
 
 class Stage:
-    def __init__(self, desktop, binaries, out, profile, replay):
+    def __init__(self, desktop, binaries, out, profile, replay, session=None):
         self.out = out
+        self.binaries, self.session = binaries, session
         self.desktop = desktop
         self.desktop.start_tray()
         self.reader = Reader(desktop.scale)
-        self.platform = Platform(str(binaries / "tavoran-practice"), profile, options=["--replay", str(replay)])
+        self.platform = Platform(str(binaries / "tavoran-practice"), profile, options=[
+            "--replay", str(replay), *(("--record", str(session)) if session else ())])
         self.platform.start()
         self.terminal = Terminal(str(binaries / "tavoran-terminal"), profile, self.platform.address)
         self._count = 0

@@ -81,8 +81,9 @@ def take(stage):
     keyboard.trade(stage)
 
 
-def perform(take, description, long=True):
-    """Plays `take` on a new stage; the exit code. A `long` one lasts until the feed has pinged."""
+def perform(take, description, long=True, recorded=False):
+    """Plays `take` on a new stage; the exit code. A `long` one lasts until the feed has pinged; of a `recorded` one
+    the platform writes the stage's session."""
     arguments = argparse.ArgumentParser(description=description)
     arguments.add_argument("--bin", type=Path, required=True, help="folder of the two programs")
     arguments.add_argument("--out", type=Path, required=True, help="folder for the screenshots")
@@ -95,7 +96,8 @@ def perform(take, description, long=True):
     started = time.monotonic()
     width, height = (round(int(side) * options.scale) for side in options.screen.split("x"))
     desktop = Desktop(width, height, options.scale)
-    stage = Stage(desktop, options.bin.resolve(), options.out, profile, write_market(profile / "replay"))
+    stage = Stage(desktop, options.bin.resolve(), options.out, profile, write_market(profile / "replay"),
+                  profile / "session" if recorded else None)
     try:
         take(stage)
     except StepFailed as failure:

@@ -1,0 +1,57 @@
+#include "lab/cli/Commands.h"
+#include "lab/cli/RunScript.h"
+#include "lab/cli/Screen.h"
+#include "lab/cli/SessionSeats.h"
+#include "lab/cli/StopSignal.h"
+#include "lab/cli/VerdictText.h"
+#include "lab/core/session/SessionFile.h"
+#include "lab/run/RunWatch.h"
+#include "lab/run/ScriptInputs.h"
+#include "lab/run/SessionCheck.h"
+
+#include <iostream>
+
+namespace lab {
+
+namespace {
+
+ExpertScript withInputsOf(const RunSettings& settings, ExpertScript script)
+{
+    InputValues values;
+    for (const auto& [name, literal] : settings.inputs)
+        values.append({QString::fromStdString(name), QString::fromStdString(literal)});
+    QString error;
+    const std::optional<QString> text = withInputs(script.text, values, error);
+    if (!text)
+        throw UsageError(error.toStdString());
+    script.text = *text;
+    return script;
+}
+
+} // namespace
+
+int verifySession(Options options)
+{
+    const ExpertScript script = readScript(options.script);
+    settleInputs(options.settings, script);
+    const SessionSeat seat = chooseSeat(options);
+    SessionFile session(options.session);
+    SessionCheck check(session.start(), seat, withInputsOf(options.settings, script));
+    const RunWatch watch([&check] { check.interrupt(); }, &stopFlag(), options.limit);
+    while (watch.verdict() == RunWatch::Verdict::None) {
+        const std::optional<SessionEvent> event = session.next();
+        if (!event || !check.take(*event))
+            break;
+    }
+    if (const int stopped = stopStatus())
+        return stopped;
+    if (watch.verdict() != RunWatch::Verdict::None)
+        throw UsageError("the script was not at its end within --limit");
+    const SessionVerdict verdict = check.finish(session.isWhole());
+    std::cout << verdictText(verdict, seat, hasColours());
+    if (!verdict.difference && !session.isWhole())
+        std::cout << "The recording breaks off; its last line may be missing.\n";
+    return verdict.difference ? fellShort : succeeded;
+}
+
+} // namespace lab

@@ -1,0 +1,78 @@
+#pragma once
+
+#include "practice/core/Types.h"
+
+#include <charconv>
+#include <concepts>
+#include <optional>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+
+namespace lab {
+
+/// A column that is missing or does not read as what it should be.
+class BadColumn final : public std::runtime_error {
+public:
+    using std::runtime_error::runtime_error;
+};
+
+/// The columns of a line, one after the other, or the words of a column. Each function throws BadColumn.
+class LineReader final {
+public:
+    explicit LineReader(std::string_view line, char separator = '\t')
+        : m_rest(line)
+        , m_separator(separator)
+    {
+    }
+
+    [[nodiscard]] bool atEnd() const { return m_isAtEnd; }
+
+    /// As it stands there.
+    [[nodiscard]] std::string_view word()
+    {
+        if (m_isAtEnd)
+            throw BadColumn("a column is missing");
+        const std::size_t end = m_rest.find(m_separator);
+        const std::string_view word = m_rest.substr(0, end);
+        m_isAtEnd = end == std::string_view::npos;
+        m_rest.remove_prefix(m_isAtEnd ? m_rest.size() : end + 1);
+        return word;
+    }
+
+    /// Without its escapes.
+    [[nodiscard]] std::string text();
+
+    template <typename Number> [[nodiscard]] Number number()
+    {
+        const std::string_view text = word();
+        Number value{};
+        const char* end = text.data() + text.size();
+        const auto [stop, error] = std::from_chars(text.data(), end, value);
+        if (error != std::errc() || stop != end)
+            throw BadColumn("\"" + std::string(text) + "\" is no number");
+        return value;
+    }
+
+    template <typename Value, typename Find> [[nodiscard]] Value oneOf(const Find& find)
+    {
+        const std::string_view text = word();
+        const std::optional<Value> value = find(text);
+        if (!value)
+            throw BadColumn("\"" + std::string(text) + "\" is not known here");
+        return *value;
+    }
+
+    void expectEnd() const
+    {
+        if (!m_isAtEnd)
+            throw BadColumn("there are too many columns");
+    }
+
+private:
+    std::string_view m_rest;
+    char m_separator;
+    bool m_isAtEnd = false;
+};
+
+} // namespace lab
