@@ -34,6 +34,9 @@ ROWS = [
     ("expert tick, ten host calls / bound once", "experts/tick", "experts/bound_once", 1.3),
     ("the same / looked up on the host object", "experts/tick", "experts/looked_up", 0.4),
     ("expert tick, average of 400 bars / of 10", "experts/average_400", "experts/average_10", 1.3),
+    ("lab: run / a bare script engine, same script", "lab/run", "lab/bare", 1.8),
+    ("lab: reading minutes / a plain loop", "lab/reading", "lab/plain_reading", 1.5),
+    ("lab: writing the report / its run", "lab/report", "lab/run", 0.2),
 ]
 EXPERTS = [(experts, f"snapshot/{experts}_charts_with_experts", f"snapshot/{experts}_charts") for experts in (1, 5, 20)]
 INSTRUCTIONS = [("pointer", 1.5), ("tick", None), ("pan", 8.0)]
@@ -59,6 +62,9 @@ PLATFORM = [
     ("platform: orders lost by {kills} kills", "lost", "", "<=", 0),
     ("platform: orders there twice after {kills} kills", "twice", "", "<=", 0),
 ]
+
+PACKAGES = [("grademark", "grademark", 3), ("@backtest/framework", "framework", 3)]
+FLOORS = [("a bare Node.js loop", "node"), ("a compiled loop", "compiled")]
 
 ACTIVITIES = [("snapshots", "snapshots"), ("reconnects", "reconnects"), ("timeframes", "timeframe switches"),
               ("dialogs", "order windows")]
@@ -90,7 +96,7 @@ def medians(folder):
     with "ratio2:" in front of the name."""
     found = {}
     for stem, entry in median_entries(folder):
-        name = entry["run_name"].split("/repeats")[0].removesuffix("/process_time")
+        name = re.split("/(?:repeats|iterations)", entry["run_name"])[0].removesuffix("/process_time")
         unit = {"ns": 1.0, "us": 1e3, "ms": 1e6, "s": 1e9}[entry["time_unit"]]
         series, numbered, _ = stem.partition("-")
         found.setdefault(f"{series}:{name}" if numbered else name, []).append(entry["cpu_time"] * unit)
@@ -130,6 +136,43 @@ def start_up_lines(found):
         limited(figure, float(found[name]) / float(found["bare_ms"]) if known else None, "{:.2f}", most)
 
 
+def lab_parts_line(folder, times):
+    """Broker and engine have each been measured with the ticks on top."""
+    parts = [times.get(f"lab/{part}") for part in ("broker", "engine", "ticks")]
+    known = "lab/run" in times and all(parts)
+    ratio = times["lab/run"] / (parts[0] + parts[1] - parts[2]) if known else None
+    bars = max((int(entry["bars"]) for _, entry in median_entries(folder) if "bars" in entry), default=0)
+    count = f"{bars:,}".replace(",", " ")
+    limited(f"lab: run of {count} bars, ohlc / its parts", ratio, "{:.2f}", 1.15)
+
+
+def worker_lines(found):
+    measured = {name: float(value) for name, value in found.items()}.get
+    at_least("lab: two workers / one, throughput", measured("two_workers"), "{:.2f}", 1.85)
+    limited("the same, processor time alone", measured("two_workers_cpu"), "{:.2f}", None)
+    limited("lab: a worker with 2 000 000 minutes, M15", measured("worker_m15_mb"), "{:.1f} MB", 25, " MB")
+    limited("the same on a chart of M1", measured("worker_m1_mb"), "{:.1f} MB", 25, " MB")
+
+
+def peer_lines(path):
+    """Medians of what several rounds have written, a line "name value" for each figure."""
+    rounds = {}
+    for name, value in map(str.split, path.read_text().splitlines() if path.exists() else []):
+        rounds.setdefault(name, []).append(float(value))
+    found = {name: statistics.median(series) for name, series in rounds.items()}
+
+    def ratio(above, below):
+        return found[above] / found[below] if above in found and below in found else None
+
+    for title, name, least in PACKAGES:
+        at_least(f"lab: bars a second / {title}", ratio("lab_bars", f"{name}_bars"), "{:.2f}", least)
+    for title, name in FLOORS:
+        limited(f"{title}, bars a second / lab", ratio(f"{name}_bars", "lab_bars"), "{:.3g}", None)
+    trades = [value for name, value in found.items() if name.endswith("_trades")]
+    # They have not all traded the same strategy if this is far from 1.
+    at_least("trades of all these, fewest / most", min(trades) / max(trades) if trades else None, "{:.2f}", 0.9)
+
+
 def memory_lines(found):
     for total in ("growth", "second"):
         parts = [float(found[f"{total}_{name}"]) for name, _ in ACTIVITIES if f"{total}_{name}" in found]
@@ -159,6 +202,12 @@ def limited(figure, value, text, most, unit=""):
         line(figure, text.format(value), target, most is not None and not value <= most)
 
 
+def at_least(figure, value, text, least):
+    """A row with a lower limit."""
+    shown = "not run" if value is None else text.format(value)
+    line(figure, shown, f">= {least:g}", value is None or value < least)
+
+
 def main():
     folder = Path(sys.argv[1])
     times = medians(folder)
@@ -167,10 +216,12 @@ def main():
     for figure, above, below, most in ROWS:
         ratio = times[above] / times[below] if above in times and below in times else None
         limited(figure, ratio, "{:.2f}", most)
+    lab_parts_line(folder, times)
+    worker_lines(values(folder / "workers"))
+    peer_lines(folder / "peers")
     limited("indicators, largest disagreement with them", disagreement(folder), "{:.1e}", 1e-9)
     figure, name, least = SNAPSHOTS_A_SECOND
-    rate = 1e9 / times[name] if name in times else None
-    line(figure, "not run" if rate is None else f"{rate:.0f}", f">= {least}", rate is None or rate < least)
+    at_least(figure, 1e9 / times[name] if name in times else None, "{:.0f}", least)
     for figure, name, a_second, most in SHARES:
         share = times[name] * a_second / 1e9 * 100 if name in times else None
         limited(figure, share, "{:.2f} %", most, " %")
