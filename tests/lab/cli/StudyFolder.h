@@ -1,5 +1,6 @@
 #pragma once
 
+#include "lab/Contains.h"
 #include "lab/cli/LabProcess.h"
 #include "practice/storage/TemporaryFolder.h"
 
@@ -87,11 +88,6 @@ struct StudyFolder {
         return lab.run(words(command, script, more));
     }
 };
-
-inline bool contains(const std::string& text, const std::string& part)
-{
-    return text.find(part) != std::string::npos;
-}
 
 inline bool isOneLine(const std::string& text)
 {

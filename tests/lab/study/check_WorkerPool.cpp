@@ -1,4 +1,4 @@
-#include "lab/study/Contains.h"
+#include "lab/Contains.h"
 
 #include "lab/core/study/StudyError.h"
 #include "lab/core/study/WorkerPool.h"
