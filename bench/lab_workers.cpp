@@ -96,8 +96,7 @@ void memory(std::size_t minutes)
     const lab::MinuteHistory history = minuteWalk(minutes);
     const ExpertScript script = averagesScript();
     const lab::LabRun run({&history});
-    for (const auto& [name, timeframe] :
-        {std::pair{"m15", practice::Timeframe::M15}, std::pair{"m1", practice::Timeframe::M1}}) {
+    const auto measure = [&](const char* chart, practice::Timeframe timeframe) {
         const auto work = [&](std::size_t) {
             double most = 0;
             lab::RunControl control;
@@ -107,10 +106,12 @@ void memory(std::size_t minutes)
                 throw std::runtime_error(*result.error);
             return std::to_string(std::max(most, privateMegabytes()));
         };
-        carryOut(1, 1, work, [name = name](const std::string& megabytes) {
-            std::cout << "worker_" << name << "_mb " << megabytes << '\n';
+        carryOut(1, 1, work, [chart](const std::string& megabytes) {
+            std::cout << "worker_" << chart << "_mb " << megabytes << '\n';
         });
-    }
+    };
+    measure("m15", practice::Timeframe::M15);
+    measure("m1", practice::Timeframe::M1);
 }
 
 } // namespace

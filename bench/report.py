@@ -142,7 +142,7 @@ def lab_parts_line(folder, times):
     known = "lab/run" in times and all(parts)
     ratio = times["lab/run"] / (parts[0] + parts[1] - parts[2]) if known else None
     bars = max((int(entry["bars"]) for _, entry in median_entries(folder) if "bars" in entry), default=0)
-    count = f"{bars:,}".replace(",", " ")
+    count = f"{bars:,}".replace(",", " ") if bars else "N"
     limited(f"lab: run of {count} bars, ohlc / its parts", ratio, "{:.2f}", 1.15)
 
 
