@@ -62,6 +62,10 @@ void runLab(const lab::MinuteHistory& history)
     tell("lab", history.size(), seconds, result.trades.size());
 }
 
+// The script's distances, in points.
+constexpr std::int64_t stopDistance = 300;
+constexpr std::int64_t targetDistance = 600;
+
 /// Of the last closes, in points.
 template <std::size_t period> class Average {
 public:
@@ -104,10 +108,10 @@ void runLoop(const lab::MinuteHistory& history)
             else if (down && entry != 0)
                 leave(bar.open);
         }
-        if (entry != 0 && bar.low <= entry - 300)
-            leave(entry - 300);
-        else if (entry != 0 && bar.high >= entry + 600)
-            leave(entry + 600);
+        if (entry != 0 && bar.low <= entry - stopDistance)
+            leave(entry - stopDistance);
+        else if (entry != 0 && bar.high >= entry + targetDistance)
+            leave(entry + targetDistance);
         fast.add(bar.close, number);
         slow.add(bar.close, number);
     }

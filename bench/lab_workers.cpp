@@ -9,12 +9,17 @@
 #include <QCoreApplication>
 
 #include <algorithm>
+#include <atomic>
 #include <chrono>
 #include <fstream>
+#include <functional>
 #include <iostream>
 #include <stdexcept>
+#include <string>
 #include <string_view>
 #include <sys/resource.h>
+#include <thread>
+#include <vector>
 
 namespace {
 
@@ -90,6 +95,36 @@ double privateMegabytes()
     throw std::runtime_error("the system does not tell what memory is private");
 }
 
+/// The most that there has been from here to told(): a run takes most when it is nearly over.
+class MemoryWatch final {
+public:
+    MemoryWatch()
+        : m_thread([this] {
+            while (!m_isOver) {
+                m_most = std::max(m_most, privateMegabytes());
+                std::this_thread::sleep_for(std::chrono::milliseconds{1});
+            }
+        })
+    {
+    }
+    ~MemoryWatch()
+    {
+        if (m_thread.joinable())
+            told();
+    }
+    double told()
+    {
+        m_isOver = true;
+        m_thread.join();
+        return m_most;
+    }
+
+private:
+    std::atomic<bool> m_isOver = false;
+    double m_most = 0;
+    std::thread m_thread; // last: it uses the others
+};
+
 /// One call of the script a bar: memory does not depend on more of them.
 void memory(std::size_t minutes)
 {
@@ -98,13 +133,11 @@ void memory(std::size_t minutes)
     const lab::LabRun run({&history});
     const auto measure = [&](const char* chart, practice::Timeframe timeframe) {
         const auto work = [&](std::size_t) {
-            double most = 0;
-            lab::RunControl control;
-            control.progress = [&most](double) { most = std::max(most, privateMegabytes()); };
-            const lab::RunResult result = run.run(script, walkSettings(timeframe, lab::Model::Open), control);
+            MemoryWatch watch;
+            const lab::RunResult result = run.run(script, walkSettings(timeframe, lab::Model::Open));
             if (result.error)
                 throw std::runtime_error(*result.error);
-            return std::to_string(std::max(most, privateMegabytes()));
+            return std::to_string(watch.told());
         };
         carryOut(1, 1, work, [chart](const std::string& megabytes) {
             std::cout << "worker_" << chart << "_mb " << megabytes << '\n';
