@@ -46,7 +46,7 @@ std::size_t afterWarmup(const MinuteHistory& history, const RunSettings& setting
     }
     throw HistoryError(history.spec.name + ": " + std::to_string(bars) + " bars of "
         + std::string(practice::timeframeKey(settings.timeframe)) + ", and none after a warm-up of "
-        + std::to_string(settings.warmupBars));
+        + std::to_string(settings.warmupBars) + "; take a shorter warm-up, or name the start");
 }
 
 } // namespace

@@ -5,7 +5,9 @@
 #include "lab/cli/Options.h"
 
 #include <algorithm>
+#include <fstream>
 #include <sstream>
+#include <utility>
 
 using lab::Command;
 using lab::Options;
@@ -239,6 +241,26 @@ TEST_CASE("verify takes a session, a script and where in the session it was")
     CHECK(contains(refusal("verify s a --account="), "--account"));
     CHECK(contains(refusal("verify s a --from 2026-05-02 --to 2026-05-01"), "--from"));
     CHECK(contains(refusal("verify s a --data EURUSD-1m.csv"), "unknown option --data"));
+}
+
+TEST_CASE("the commands that the guide and the README show can be typed as they stand")
+{
+    for (const auto& [path, least] : {std::pair("/resources/ea_guide.html", 3), std::pair("/README.md", 2)}) {
+        std::ifstream page(std::string(PROJECT_ROOT) + path);
+        int commands = 0;
+        for (std::string line; std::getline(page, line);) {
+            // Alone on its line, behind the name of a folder or a mark at most.
+            const std::size_t name = line.find("tavoran-lab ");
+            const std::string before = line.substr(0, std::min(name, line.size()));
+            if (name == std::string::npos
+                || (!before.empty() && before != "<pre><samp>" && before.back() != '/'))
+                continue;
+            line.resize(std::min(line.find("</samp>"), line.size()));
+            CHECK_EQ(refusal(line.substr(name + 12)), std::string());
+            ++commands;
+        }
+        CHECK(commands >= least);
+    }
 }
 
 TEST_CASE("each help fits a screen and names every option of its command")

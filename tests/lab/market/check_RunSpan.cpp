@@ -78,8 +78,9 @@ TEST_CASE("without a beginning the run begins with the first bar that has the wa
             static_cast<std::size_t>(std::max(0, bars)));
     }
     settings.warmupBars = 5;
-    CHECK_EQ(
-        complaint(history, settings), std::string("EURUSD: 5 bars of 5m, and none after a warm-up of 5"));
+    CHECK_EQ(complaint(history, settings),
+        std::string("EURUSD: 5 bars of 5m, and none after a warm-up of 5; take a shorter warm-up, or name "
+                    "the start"));
     settings.from = start;
     CHECK_EQ(complaint(history, settings), std::string("accepted"));
 }
@@ -102,7 +103,8 @@ TEST_CASE("a period without prices is refused, and those that have some are name
     CHECK_EQ(complaint(history, settings), empty);
     CHECK_EQ(complaint(historyOf({}), settings), std::string("EURUSD: no prices in this period"));
     CHECK_EQ(complaint(historyOf({}), fiveMinutes()),
-        std::string("EURUSD: 0 bars of 5m, and none after a warm-up of 1500"));
+        std::string("EURUSD: 0 bars of 5m, and none after a warm-up of 1500; take a shorter warm-up, or name "
+                    "the start"));
 }
 
 TEST_CASE("the bars before a minute are folded from the minutes before it")
