@@ -62,6 +62,8 @@ bool train(const StudyBench& bench, Walk& walk)
         });
     if (!isWhole)
         return false;
+    if (walk.failed == walk.rows.size() * numbers.size())
+        throw StudyError("every run has failed, the first one: " + *results.front().front().failure);
     for (std::size_t row = 0; row < walk.rows.size(); ++row) {
         if (const auto best = bestOf(results[row], walk.order))
             walk.rows[row].chosen = results[row][*best];

@@ -109,6 +109,8 @@ TEST_CASE("what a walk cannot do is said in a line")
     CHECK(contains(refusal({"--train", "90d", "--test", "30d"}), "leave nothing to try on"));
     CHECK(
         contains(refusal({"--train", "1d", "--test", "1d", "--min-trades", "9999"}), "no window has a set"));
+    study.write("Clock.js", "var Every = 20;\nfunction OnTick() { Sell(); }\n");
+    CHECK(contains(refusal({"--train", "1d", "--test", "1d"}), "OnTick: Sell is not defined (line 2)"));
 }
 
 CHECK_MAIN()

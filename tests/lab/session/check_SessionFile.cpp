@@ -89,7 +89,7 @@ TEST_CASE("each kind of line is read")
     CHECK(!std::get<PricesEvent>(Recording("seen\t1250\t0 1 2\n").only().what).announced);
 
     const auto place
-        = Recording("place\t1250\tA\tEURUSD\tMARKET\tSELL\t0.1\t0\t1.2\t0\thi\t200\tT2\n").only();
+        = Recording("place\t1250\tA\tEURUSD\tMARKET\tSELL\t0.1\t0\t1.2\t0\twhy\t200\tT2\n").only();
     const auto& placed = std::get<CommandEvent>(place.what);
     const auto& order = std::get<practice::PlaceRequest>(placed.command);
     CHECK_EQ(order.type, std::string("SELL"));
