@@ -247,7 +247,8 @@ constexpr std::array options{
     OptionRow{"--timeframe", "T", "of the chart: 1m 5m 15m 1h 4h 1d 1w 1mn (15m)", running, readTimeframe},
     OptionRow{"--from", "D",
         "day or time in UTC, 2014-05-01 or 2014-05-01T12:30 (as\n"
-        "soon as there is a warm-up; simulated: 2024-01-01)",
+        "soon as there is a warm-up; simulated: 2024-01-01, or\n"
+        "365 days before --to)",
         running, readFrom},
     OptionRow{"--to", "D",
         "day or time that no longer belongs to the run (the end of\n"
