@@ -6,6 +6,7 @@
 #include "lab/core/output/PageFrame.h"
 #include "lab/core/output/RunWords.h"
 #include "lab/core/output/Texts.h"
+#include "lab/core/study/StudyHead.h"
 
 #include <algorithm>
 #include <cmath>
@@ -221,22 +222,14 @@ std::string sweepCsv(const SweepTable& table)
 
 std::string sweepJson(const SweepTable& table, const RunResult& about, std::string_view version)
 {
-    JsonObject axes;
-    for (const GridAxis& axis : table.grid.axes())
-        axes.texts(axis.name, axis.values);
-    JsonObject json;
-    json.count("format", 1);
-    json.text("version", version);
-    json.text("scriptHash", hexText(about.scriptHash));
-    json.text("dataHash", hexText(about.dataHash));
-    json.text("symbol", about.settings.symbol);
+    JsonObject json = studyHead(about, version);
     json.text("timeframe", practice::timeframeKey(about.settings.timeframe));
     json.time("from", about.settings.from);
     json.time("to", about.settings.to);
     json.text("model", modelText(about.settings.model));
     json.count("seed", about.settings.seed);
     json.flag("simulated", about.simulated);
-    json.raw("inputs", axes.value(1));
+    json.raw("inputs", triedJson(table.grid));
     json.count("gridSize", table.grid.size());
     json.count("sets", table.sets.size());
     json.count("failed", table.failed);

@@ -4,6 +4,7 @@
 #include "lab/core/output/JsonObject.h"
 #include "lab/core/output/PageFrame.h"
 #include "lab/core/output/Texts.h"
+#include "lab/core/study/StudyHead.h"
 #include "lab/core/study/SweepFiles.h"
 
 #include <array>
@@ -78,16 +79,8 @@ std::string walkCsv(const Walk& walk)
 
 std::string walkJson(const Walk& walk, const RunResult& about, std::string_view version)
 {
-    JsonObject axes;
-    for (const GridAxis& axis : walk.grid.axes())
-        axes.texts(axis.name, axis.values);
-    JsonObject json;
-    json.count("format", 1);
-    json.text("version", version);
-    json.text("scriptHash", hexText(about.scriptHash));
-    json.text("dataHash", hexText(about.dataHash));
-    json.text("symbol", about.settings.symbol);
-    json.raw("inputs", axes.value(1));
+    JsonObject json = studyHead(about, version);
+    json.raw("inputs", triedJson(walk.grid));
     json.flag("anchored", walk.isAnchored);
     json.count("windows", walk.rows.size());
     json.count("setsPerWindow", walk.setsPerWindow);

@@ -1,0 +1,26 @@
+#include "lab/core/study/StudyHead.h"
+
+#include "lab/core/output/Texts.h"
+
+namespace lab {
+
+JsonObject studyHead(const RunResult& about, std::string_view version)
+{
+    JsonObject json;
+    json.count("format", 1);
+    json.text("version", version);
+    json.text("scriptHash", hexText(about.scriptHash));
+    json.text("dataHash", hexText(about.dataHash));
+    json.text("symbol", about.settings.symbol);
+    return json;
+}
+
+std::string triedJson(const Grid& grid)
+{
+    JsonObject axes;
+    for (const GridAxis& axis : grid.axes())
+        axes.texts(axis.name, axis.values);
+    return axes.value(1);
+}
+
+} // namespace lab

@@ -1,0 +1,19 @@
+#pragma once
+
+#include "lab/core/RunResult.h"
+#include "lab/core/output/JsonObject.h"
+#include "lab/core/study/Grid.h"
+
+#include <string>
+#include <string_view>
+
+namespace lab {
+
+/// What the file of every study begins with: which script, prices and program it is about, as a run of it
+/// knows them.
+[[nodiscard]] JsonObject studyHead(const RunResult& about, std::string_view version);
+
+/// The values of each input that a study tries, as a JSON object within another one.
+[[nodiscard]] std::string triedJson(const Grid& grid);
+
+} // namespace lab
