@@ -7,7 +7,6 @@
 
 #include <system_error>
 #include <unistd.h>
-#include <utility>
 
 namespace lab {
 
@@ -34,10 +33,9 @@ void checkResultPlace(const fs::path& folder)
             "cannot write to " + folder.string() + ": " + std::generic_category().message(errno));
 }
 
-void addResult(ResultFolder& files, const RunResult& result, const Figures& figures,
-    const std::string& scriptName, std::vector<std::string> parts)
+void addResult(ResultFolder& files, const RunResult& result, const Figures& figures, const ReportWords& words)
 {
-    files.add("report.html", reportPage(result, figures, {scriptName, std::move(parts)}));
+    files.add("report.html", reportPage(result, figures, words));
     files.add("summary.json", summaryJson(figures));
     files.add("trades.csv", tradesCsv(result));
     files.add("equity.csv", equityCsv(result));
@@ -50,7 +48,7 @@ void writeResult(
     const fs::path& folder, const RunResult& result, const Figures& figures, const std::string& scriptName)
 {
     ResultFolder files(folder);
-    addResult(files, result, figures, scriptName);
+    addResult(files, result, figures, {scriptName, {}});
     files.commit();
 }
 

@@ -7,8 +7,10 @@
 #include "lab/cli/StopSignal.h"
 #include "lab/core/figures/Figures.h"
 #include "lab/core/output/FigureText.h"
+#include "lab/core/output/ReportPage.h"
 #include "lab/core/output/Texts.h"
 #include "lab/core/study/StudyError.h"
+#include "lab/core/study/StudyPage.h"
 #include "lab/core/study/SweepFiles.h"
 #include "practice/core/market/HashRandom.h"
 
@@ -150,7 +152,7 @@ int endSweep(const StudyBench& bench, const StudyStore& store, const fs::path& f
     files.add("sweep.csv", sweepCsv(table));
     files.add("sweep.json", sweepJson(table, about, TAVORAN_VERSION));
     if (table.best)
-        addResult(files, about, figuresOf(about), bench.name(), sweepParts(table));
+        addResult(files, about, figuresOf(about), {bench.name(), sweepParts(table), sweepWords(table)});
     files.commit();
 
     const SortFigure& sort = table.order.sort;

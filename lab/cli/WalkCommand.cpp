@@ -8,9 +8,11 @@
 #include "lab/core/figures/Figures.h"
 #include "lab/core/market/RunSpan.h"
 #include "lab/core/output/FigureText.h"
+#include "lab/core/output/ReportPage.h"
 #include "lab/core/output/Texts.h"
 #include "lab/core/study/StitchedRun.h"
 #include "lab/core/study/StudyError.h"
+#include "lab/core/study/StudyPage.h"
 #include "lab/core/study/SweepFiles.h"
 #include "lab/core/study/WalkFiles.h"
 
@@ -134,6 +136,8 @@ int walkForward(Options options)
     }
     Walk walk{
         bench.grid(), bench.order(), bench.numbers().size(), 0, bench.options().study.isAnchored, {}, {}};
+    walk.train = bench.options().study.train;
+    walk.test = bench.options().study.test;
     for (const WalkWindow& window : windowsOf(bench))
         walk.rows.push_back({window, {}, {}});
     if (!train(bench, walk))
@@ -149,7 +153,7 @@ int walkForward(Options options)
     ResultFolder files(folder);
     files.add("walk.csv", walkCsv(walk));
     files.add("walk.json", walkJson(walk, whole, TAVORAN_VERSION));
-    addResult(files, whole, *walk.whole, bench.name(), {walkPart(walk)});
+    addResult(files, whole, *walk.whole, {bench.name(), {walkPart(walk)}, walkWords(walk)});
     files.commit();
 
     std::cout << tableText(walk) << '\n'

@@ -35,6 +35,16 @@ std::string settingsTable(std::string_view caption, const Lines& lines)
     return html + "</tbody>\n</table>\n";
 }
 
+Lines shortenedLines(const Lines& all, const PageLimits& limits)
+{
+    Lines lines;
+    for (std::size_t number = 0; number < std::min(all.size(), limits.texts); ++number)
+        lines.emplace_back(shortened(all[number].first, 100), shortened(all[number].second, 200));
+    if (lines.size() < all.size())
+        lines.emplace_back("and more", std::to_string(all.size() - lines.size()));
+    return lines;
+}
+
 Lines closedTradesLines(const RunResult& result)
 {
     const RunSettings& settings = result.settings;
@@ -91,7 +101,8 @@ std::string_view signedCell(double value)
     return value < 0 ? " class=\"n loss\"" : " class=\"n\"";
 }
 
-std::string verdictPart(const RunResult& result, const Figures& figures, const PageLimits& limits)
+std::string verdictPart(
+    const RunResult& result, const Figures& figures, const ReportWords& words, const PageLimits& limits)
 {
     std::string html;
     if (!figures.warnings.empty()) {
@@ -103,7 +114,9 @@ std::string verdictPart(const RunResult& result, const Figures& figures, const P
             html += "<li>and " + std::to_string(figures.warnings.size() - count) + " more</li>\n";
         html += "</ul>\n";
     }
-    html += "<p class=\"verdict\">" + escaped(shortened(verdictOf(result, figures), 1'000)) + "</p>\n";
+    const std::string study = words.study ? words.study->summary + ' ' : std::string();
+    html
+        += "<p class=\"verdict\">" + escaped(shortened(study + verdictOf(result, figures), 1'000)) + "</p>\n";
     html += "<dl class=\"tiles\">\n";
     for (const std::string_view key :
         {"netProfit", "cagr", "sharpe", "maxDrawdown", "profitFactor", "trades"})
@@ -111,24 +124,21 @@ std::string verdictPart(const RunResult& result, const Figures& figures, const P
     return html + "</dl>";
 }
 
-std::string settingsPart(const RunResult& result, const std::string& script, const PageLimits& limits)
+std::string settingsPart(const RunResult& result, const ReportWords& words, const PageLimits& limits)
 {
     if (result.closedTradesOnly)
         return "<div class=\"settings\">\n"
             + settingsTable("An account's closed trades", closedTradesLines(result)) + "</div>";
     Lines prices = priceLines(result);
-    prices.insert(prices.begin(), {"Script", shortened(script, 200)});
-    std::string html = "<div class=\"settings\">\n" + settingsTable("Script and prices", prices)
+    prices.insert(prices.begin(), {"Script", shortened(words.script, 200)});
+    std::string html = "<div class=\"settings\">\n"
+        + (words.study ? settingsTable(words.study->name, shortenedLines(words.study->settings, limits))
+                       : std::string())
+        + settingsTable("Script and prices", prices)
         + settingsTable("Account and fingerprints", accountLines(result));
     const auto& inputs = result.settings.inputs;
-    if (!inputs.empty()) {
-        Lines lines;
-        for (std::size_t number = 0; number < std::min(inputs.size(), limits.texts); ++number)
-            lines.emplace_back(shortened(inputs[number].first, 100), shortened(inputs[number].second, 200));
-        if (lines.size() < inputs.size())
-            lines.emplace_back("and more", std::to_string(inputs.size() - lines.size()));
-        html += settingsTable("Inputs of the script", lines);
-    }
+    if (!inputs.empty())
+        html += settingsTable("Inputs of the script", shortenedLines(inputs, limits));
     return html + "</div>";
 }
 

@@ -2,6 +2,7 @@
 
 #include "lab/core/RunResult.h"
 #include "lab/core/figures/Figures.h"
+#include "lab/core/output/ReportPage.h"
 
 #include <cstddef>
 #include <string>
@@ -30,9 +31,9 @@ struct PageLimits {
 [[nodiscard]] std::string_view signedCell(double value);
 
 [[nodiscard]] std::string verdictPart(
-    const RunResult& result, const Figures& figures, const PageLimits& limits);
+    const RunResult& result, const Figures& figures, const ReportWords& words, const PageLimits& limits);
 [[nodiscard]] std::string settingsPart(
-    const RunResult& result, const std::string& script, const PageLimits& limits);
+    const RunResult& result, const ReportWords& words, const PageLimits& limits);
 [[nodiscard]] std::string figuresPart(const Figures& figures);
 [[nodiscard]] std::string monthsPart(const RunResult& result, const PageLimits& limits);
 [[nodiscard]] std::string histogramPart(const RunResult& result);

@@ -34,7 +34,8 @@ std::string titleOf(const RunResult& result, const ReportWords& words)
 {
     if (result.closedTradesOnly)
         return "Closed trades: " + shortened(words.script, 200);
-    return shortened(words.script, 200) + " on " + shortened(result.settings.symbol, 100) + ' '
+    return (words.study ? words.study->name + ": " : std::string()) + shortened(words.script, 200) + " on "
+        + shortened(result.settings.symbol, 100) + ' '
         + std::string(practice::timeframeKey(result.settings.timeframe));
 }
 
@@ -50,10 +51,16 @@ std::string headerOf(const RunResult& result, const ReportWords& words)
 std::string page(const RunResult& result, const Figures& figures, const ReportWords& words,
     const PageLimits& limits, bool withParts)
 {
-    std::string body = pageSection("verdict", "Verdict", verdictPart(result, figures, limits))
-        + pageSection("settings", "Settings", settingsPart(result, words.script, limits))
-        + pageSection("figures", "Figures", figuresPart(figures))
-        + pageSection("balance", "Equity and balance", equityPart(result))
+    std::string body = pageSection("verdict", "Verdict", verdictPart(result, figures, words, limits))
+        + pageSection("settings", "Settings", settingsPart(result, words, limits))
+        + pageSection("figures", "Figures", figuresPart(figures));
+    // What a study has found, such as the windows of a walk, is what its reader looks for first.
+    for (const std::string& part : words.parts)
+        body += withParts ? part : std::string();
+    if (!withParts)
+        body += pageSection(
+            "omitted", "Left out", "<p class=\"note\">Further parts are too long for this page.</p>");
+    body += pageSection("balance", "Equity and balance", equityPart(result))
         + pageSection("fall", "Drawdown", fallPart(result))
         + pageSection("months", "Months", monthsPart(result, limits))
         + pageSection("returns", "Daily returns", histogramPart(result))
@@ -63,11 +70,6 @@ std::string page(const RunResult& result, const Figures& figures, const ReportWo
         + pageSection("bars", "Bars and trades", barsPart(result, limits))
         + pageSection("trades", "Trades", tradesPart(result, limits))
         + pageSection("journal", "Journal", journalPart(result, limits));
-    for (const std::string& part : words.parts)
-        body += withParts ? part : std::string();
-    if (!withParts)
-        body += pageSection(
-            "omitted", "Left out", "<p class=\"note\">Further parts are too long for this page.</p>");
     return pageFrame(titleOf(result, words), headerOf(result, words), body, pageData(result, limits));
 }
 

@@ -3,7 +3,9 @@
 #include "lab/core/RunResult.h"
 
 #include <cstddef>
+#include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace lab {
@@ -13,11 +15,19 @@ struct Figures;
 /// The most bytes that a page has, however long the run was.
 inline constexpr std::size_t maxPageBytes = 3 * 1024 * 1024;
 
+/// What a page says of the study that its result has come out of.
+struct StudyWords {
+    std::string name;    ///< "Sweep"; before the script in the title
+    std::string summary; ///< before the verdict, a sentence: "Sweep, the best of 8 sets."
+    std::vector<std::pair<std::string, std::string>> settings; ///< names and values
+};
+
 /// What a page says that the result does not know.
 struct ReportWords {
     std::string script; ///< the script's name, without its folder
-    /// Further parts, behind the journal; HTML that is right already, such as heatMap().
+    /// Further parts, behind the figures; HTML that is right already, such as heatMap().
     std::vector<std::string> parts;
+    std::optional<StudyWords> study = std::nullopt;
 };
 
 /// report.html: one page that loads nothing, for light and dark screens and for paper. The same result gives

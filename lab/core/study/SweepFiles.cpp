@@ -124,6 +124,17 @@ std::string elsewhere(const SweepTable& table, const MapAxes& axes)
     return others.empty() ? std::string() : " at " + inputsText(others);
 }
 
+/// What the best sets are compared by; what they are sorted by comes first.
+std::vector<const FigureRow*> shownFigures(const SortFigure& sort)
+{
+    std::vector<const FigureRow*> rows{sort.row};
+    for (const std::string_view key : {"trades", "netProfit", "sharpe", "maxDrawdown"}) {
+        if (const FigureRow* row = figureRow(key); row != sort.row)
+            rows.push_back(row);
+    }
+    return rows;
+}
+
 std::string count(std::uint64_t number)
 {
     return groupedText(static_cast<double>(number), 0);
@@ -136,7 +147,7 @@ std::string overview(const SweepTable& table)
         = "<p>" + count(table.sets.size()) + " of " + count(table.grid.size()) + " sets were tried";
     if (table.failed > 0)
         html += ", of which " + count(table.failed) + " failed";
-    html += ". The run above is the best of them by " + escaped(sort.row->name) + " (the "
+    html += ". This page shows the best of them by " + escaped(sort.row->name) + " (the "
         + (sort.lowIsBest ? "lowest" : "highest") + "), of those with at least "
         + count(table.order.minTrades) + " trades.</p>\n<table>\n<tbody>\n";
     const auto line = [&](std::string_view name, const Figure& value, std::string_view formula) {
@@ -153,23 +164,18 @@ std::string overview(const SweepTable& table)
     line("Stability of the neighbourhood", table.stability[*table.best],
         "mean of the neighbours' figures / the figure; neighbours differ by one step");
     html += "</tbody>\n</table>\n<div class=\"wide\"><table>\n<caption>The best sets</caption>\n<thead><tr>";
-    for (const std::string_view name : {"Inputs", "Trades", "Net profit", "Sharpe ratio", "Maximum drawdown"})
-        html += "<th scope=\"col\">" + escaped(name) + "</th>";
-    html += "<th scope=\"col\">" + escaped(sort.row->name)
-        + "</th><th scope=\"col\">Stability</th></tr></thead>\n"
-          "<tbody>\n";
+    html += "<th scope=\"col\">Inputs</th>";
+    for (const FigureRow* row : shownFigures(sort))
+        html += "<th scope=\"col\" class=\"n\">" + escaped(row->name) + "</th>";
+    html += "<th scope=\"col\" class=\"n\">Stability</th></tr></thead>\n<tbody>\n";
     for (std::size_t rank = 0; rank < std::min(shownSets, table.ranking.size()); ++rank) {
         const SetResult& set = table.sets[table.ranking[rank]];
         if (set.failure)
             break;
         html += "<tr><th scope=\"row\">"
             + escaped(shortened(inputsText(table.grid.inputsOf(set.number)), 200)) + "</th>";
-        const auto cell = [&](std::string_view key) {
-            html += "<td class=\"n\">" + figureText(figureRow(key)->kind, set.figure(key)) + "</td>";
-        };
-        for (const std::string_view key : {"trades", "netProfit", "sharpe", "maxDrawdown"})
-            cell(key);
-        cell(sort.row->key);
+        for (const FigureRow* row : shownFigures(sort))
+            html += "<td class=\"n\">" + figureText(row->kind, set.figure(row->key)) + "</td>";
         html += "<td class=\"n\">" + figureText(FigureKind::Fraction, table.stability[table.ranking[rank]])
             + "</td></tr>\n";
     }

@@ -99,7 +99,9 @@ std::string walkPart(const Walk& walk)
     std::string html = "<p>Each window has chosen the best of "
         + groupedText(static_cast<double>(walk.setsPerWindow), 0) + " sets by " + escaped(sort.row->name)
         + " on its past" + (walk.isAnchored ? ", from the first day on" : "")
-        + "; what is shown above are the times behind the choices, one after the other. Efficiency: "
+        + "; this page shows the times behind the choices, one after the other. Between windows all "
+          "positions are "
+          "closed (END) and the script starts anew. Efficiency: "
         + figureText(FigureKind::Fraction, walk.efficiency())
         + " (growth a year over these times / mean growth a year of the choices on their pasts).</p>\n"
           "<div class=\"wide\"><table>\n<caption>Windows</caption>\n<thead><tr>";

@@ -31,6 +31,8 @@ struct Walk {
     bool isAnchored = false;
     std::vector<WalkRow> rows;
     std::optional<Figures> whole; ///< of the stitched tests
+    practice::TimeMs train = 0;   ///< the length of a window's past, the shortest of anchored ones
+    practice::TimeMs test = 0;    ///< the length of what follows; the last window's may be shorter
 
     /// Growth a year over all tests / the mean of the choices' growths a year; absent unless the latter is
     /// above 0.

@@ -76,6 +76,45 @@ TEST_CASE("the best set's report has maps, and its figures are those of a run by
     CHECK(contains(study.contentOf("s/sweep.csv"), "rank,set,Every,Points,status,"));
 }
 
+TEST_CASE("a sweep's page says that it is one, of what, and shows its sets behind the figures")
+{
+    const StudyFolder study;
+    CHECK_EQ(study.run("sweep", "Clock.js", joined(eight, {"--out", "s", "--set", "Wait=7"})).exitCode, 0);
+    const std::string page = study.contentOf("s/report.html");
+    CHECK(contains(page, "<title>Sweep: Clock on EURUSD 5m</title>"));
+    CHECK(
+        contains(page, "<p class=\"verdict\">Sweep, the best of 8 sets; swept: Every, Points. Net profit "));
+    CHECK(contains(page, "<caption>Sweep</caption>"));
+    for (const std::string line :
+        {"Sets tried</th><td>8 of 8</td>", "Input Every</th><td>10, 20, 30, 40</td>",
+            "Input Wait</th><td>7</td>", "Best by</th><td>the highest Sharpe ratio, with at least 3 trades"})
+        CHECK(contains(page, "<tr><th scope=\"row\">" + line));
+    std::size_t former = 0;
+    for (const char* part :
+        {"id=\"figures\"", "id=\"sweep\"", "id=\"heat\"", "id=\"stability\"", "id=\"balance\""}) {
+        CHECK(page.find(part) != std::string::npos);
+        CHECK(page.find(part) > former);
+        former = page.find(part);
+    }
+}
+
+TEST_CASE("a figure by which the best sets are sorted stands in one column")
+{
+    const StudyFolder study;
+    for (const std::string sort : {"sharpe", "profitFactor"}) {
+        CHECK_EQ(study.run("sweep", "Clock.js", joined(eight, {"--out", sort, "--sort", sort})).exitCode, 0);
+        const std::string page = study.contentOf(sort + "/report.html");
+        const std::size_t from = page.find("<caption>The best sets");
+        const std::string head = page.substr(from, page.find("</thead>", from) - from);
+        for (const char* name : {">Sharpe ratio</th>", ">Profit factor</th>"}) {
+            const std::size_t place = head.find(name);
+            CHECK_EQ(
+                place != std::string::npos, name == std::string(">Sharpe ratio</th>") || sort != "sharpe");
+            CHECK(place == std::string::npos || head.find(name, place + 1) == std::string::npos);
+        }
+    }
+}
+
 TEST_CASE("sets that crash, run away or fail cost themselves alone and are marked")
 {
     const StudyFolder study;

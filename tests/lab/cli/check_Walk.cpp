@@ -72,6 +72,29 @@ TEST_CASE("each window tests what was best before it, and the tests go on from o
     CHECK_EQ(nlohmann::json::parse(study.contentOf("w/walk.json")).at("windows").get<int>(), 3);
 }
 
+TEST_CASE("a walk's page says that it is one, of what, and shows its windows behind the figures")
+{
+    const StudyFolder study(5);
+    CHECK_EQ(study.run("walk", "Clock.js", joined(walk, {"--anchored", "--out", "w"})).exitCode, 0);
+    const std::string page = study.contentOf("w/report.html");
+    CHECK(contains(page, "<title>Walk-forward: Clock on EURUSD 5m</title>"));
+    CHECK(contains(page,
+        "<p class=\"verdict\">Walk-forward, 3 windows of 1 day, each with inputs chosen on all "
+        "days before it (at least 2 days); swept: Every, Points. Net profit "));
+    CHECK(contains(page, "<caption>Walk-forward</caption>"));
+    for (const std::string line : {"Training</th><td>2 days, anchored", "Test</th><td>1 day",
+             "Windows</th><td>3</td>", "Input Every</th><td>10, 25</td>", "Input Points</th><td>30, 60</td>",
+             "Chosen by</th><td>the highest Net profit, with at least 1 trade</td>"})
+        CHECK(contains(page, "<tr><th scope=\"row\">" + line));
+    CHECK(contains(page, "Between windows all positions are closed (END) and the script starts anew."));
+    CHECK(page.find("id=\"figures\"") < page.find("id=\"walk\""));
+    CHECK(page.find("id=\"walk\"") < page.find("id=\"balance\""));
+
+    CHECK_EQ(study.run("walk", "Clock.js", joined(walk, {"--out", "r"})).exitCode, 0);
+    CHECK(contains(study.contentOf("r/report.html"),
+        "Walk-forward, 3 windows of 1 day, each with inputs chosen on the 2 days before it; swept:"));
+}
+
 TEST_CASE("a walk gives the same bytes with one worker and with three")
 {
     const StudyFolder study(5);

@@ -89,17 +89,17 @@ class ForeignNumbers final : public std::numpunct<char> {
 
 } // namespace
 
-TEST_CASE("the parts of a page have their order, the verdict first and warnings before it")
+TEST_CASE("the parts of a page have their order, the verdict first and a study's own behind the figures")
 {
     RunResult run = smallRun();
     run.warnings = {"look out"};
-    const std::string page = pageOf(run);
+    const std::string page = reportPage(run, figuresOf(run), {"moving_average.js", {"<p>a map</p>"}});
     std::size_t former = 0;
     for (const char* part :
         {"<h1>moving_average.js on EURUSD 15m</h1>", "id=\"verdict\"", "<ul class=\"warnings\">",
-            "<li>look out</li>", "class=\"verdict\"", "id=\"settings\"", "id=\"figures\"", "id=\"balance\"",
-            "id=\"fall\"", "id=\"months\"", "id=\"returns\"", "id=\"week\"", "id=\"drawdowns\"",
-            "id=\"excursions\"", "id=\"bars\"", "id=\"trades\"", "id=\"journal\""}) {
+            "<li>look out</li>", "class=\"verdict\"", "id=\"settings\"", "id=\"figures\"", "<p>a map</p>",
+            "id=\"balance\"", "id=\"fall\"", "id=\"months\"", "id=\"returns\"", "id=\"week\"",
+            "id=\"drawdowns\"", "id=\"excursions\"", "id=\"bars\"", "id=\"trades\"", "id=\"journal\""}) {
         const std::size_t place = page.find(part);
         CHECK(place != std::string::npos);
         CHECK(place > former);
