@@ -40,8 +40,9 @@ def falling(walk):
 def crossing(phase):
     """Ten closes hold each of the three steps three times and the newest once more, thirty hold them evenly:
     the difference of both averages follows the newest step. No two steps are alike: a minute in which
-    nothing moves has no ticks, and the expert would not see its bar close."""
-    steps = (8.0, -3.0, -5.0)
+    nothing moves has no ticks, and the expert would not see its bar close. The step after a signal is so steep that
+    an order which takes half a second gets another price, and the next one ends above the stop loss."""
+    steps = (16.0, -6.0, -10.0)
     return [steps[(minute + phase) % 3] if minute > PAST - 90 else 0.0 for minute in range(MINUTES + 1)]
 
 

@@ -23,7 +23,7 @@ DOCS = Path(__file__).parent.parent.parent / "docs"
 
 class Platform:
     """The practice platform, and a plain client of our own that asks it for its records. All that goes to it
-    and comes from it passes a tap."""
+    and comes from it passes a tap; what it records is in `recordings`, a file for each of its starts."""
 
     def __init__(self, binary, folder, options=()):
         self._binary, self._folder = binary, folder
@@ -31,6 +31,7 @@ class Platform:
         self._process = None
         self._token = None
         self._tap = WireTap()
+        self.recordings = []
         self.address = None
 
     @property
@@ -39,9 +40,11 @@ class Platform:
 
     def start(self):
         log = self._folder / "platform.log"
+        self.recordings.append(self._folder / f"session-{len(self.recordings) + 1}")
         with open(log, "w", encoding="utf-8") as output:
             self._process = subprocess.Popen(
-                [self._binary, "--port", "0", "--db", str(self.database), "--seed", "7", *self._options],
+                [self._binary, "--port", "0", "--db", str(self.database), "--seed", "7",
+                 "--record", str(self.recordings[-1]), *self._options],
                 stdout=output, stderr=subprocess.STDOUT)
         deadline = time.monotonic() + 15
         while time.monotonic() < deadline and self._process.poll() is None:
@@ -64,6 +67,10 @@ class Platform:
             self._tap.close()
             self._process.terminate()
             self._process.wait(10)
+
+    def delay_orders(self, seconds):
+        """From now on each order takes so long until it is there."""
+        self._tap.delay("POST /api/trades/place", seconds)
 
     def offences(self, long):
         """What of all that has passed is not as the wire is described. A `long` run has met every kind of message."""

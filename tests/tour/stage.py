@@ -15,14 +15,13 @@ class StepFailed(Exception):
 
 
 class Stage:
-    def __init__(self, desktop, binaries, out, profile, replay, session=None):
+    def __init__(self, desktop, binaries, out, profile, replay):
         self.out = out
-        self.binaries, self.session = binaries, session
+        self.lab = binaries / "tavoran-lab"
         self.desktop = desktop
         self.desktop.start_tray()
         self.reader = Reader(desktop.scale)
-        self.platform = Platform(str(binaries / "tavoran-practice"), profile, options=[
-            "--replay", str(replay), *(("--record", str(session)) if session else ())])
+        self.platform = Platform(str(binaries / "tavoran-practice"), profile, options=["--replay", str(replay)])
         self.platform.start()
         self.terminal = Terminal(str(binaries / "tavoran-terminal"), profile, self.platform.address)
         self._count = 0
@@ -151,11 +150,14 @@ class Stage:
         return self.known("layered pane", "", lambda: next(iter(self.parts("layered pane")), None))
 
     def has_chart(self, symbol, timeframe=""):
-        """The visible chart whose title starts like this, once it has come to rest."""
-        last = []
+        """The visible chart of a symbol, with any timeframe or this one, once it has come to rest."""
+        last, title = [], f"Chart {symbol},{timeframe}"
+
+        def is_it(item):
+            return item.name.startswith(title) and (not timeframe or item.name[len(title):len(title) + 1] in ("", " "))
 
         def at_rest():
-            item = next((item for item in self.charts() if item.name.startswith(f"Chart {symbol},{timeframe}")), None)
+            item = next(filter(is_it, self.charts()), None)
             place = item and (item.x, item.y, item.width, item.height)
             last.append(place)
             return item if place and last[-2:] == [place, place] else None

@@ -15,7 +15,7 @@ from pathlib import Path
 
 sys.path.insert(0, str(Path(__file__).parent))
 
-from acts import challenge, charting, experts, keyboard, market, reading, records, returning, sign_in, trading, tray, warnings  # noqa: E402
+from acts import challenge, charting, experts, keyboard, lab, market, reading, records, returning, sign_in, trading, tray, warnings  # noqa: E402
 from desktop import Desktop  # noqa: E402
 from played_market import FALLING, write_market  # noqa: E402
 from stage import Stage, StepFailed  # noqa: E402
@@ -65,8 +65,9 @@ def take(stage):
     reading.read_the_chart(stage, first, order)
     light = dress(stage)
     alerts = warnings.set_an_alert(stage)
-    closed = experts.see_them_trade(stage, plan)
+    plan, closed = experts.see_them_trade(stage, plan)
     returning.lose_the_platform(stage, first)
+    lab.follow_the_experts(stage, plan)
     returning.restart(stage, first, light)
     warnings.find_the_alert(stage, alerts)
     closed += trading.clear_up(stage, first, order)
@@ -81,9 +82,8 @@ def take(stage):
     keyboard.trade(stage)
 
 
-def perform(take, description, long=True, recorded=False):
-    """Plays `take` on a new stage; the exit code. A `long` one lasts until the feed has pinged; of a `recorded` one
-    the platform writes the stage's session."""
+def perform(take, description, long=True):
+    """Plays `take` on a new stage; the exit code. A `long` one lasts until the feed has pinged."""
     arguments = argparse.ArgumentParser(description=description)
     arguments.add_argument("--bin", type=Path, required=True, help="folder of the two programs")
     arguments.add_argument("--out", type=Path, required=True, help="folder for the screenshots")
@@ -96,8 +96,7 @@ def perform(take, description, long=True, recorded=False):
     started = time.monotonic()
     width, height = (round(int(side) * options.scale) for side in options.screen.split("x"))
     desktop = Desktop(width, height, options.scale)
-    stage = Stage(desktop, options.bin.resolve(), options.out, profile, write_market(profile / "replay"),
-                  profile / "session" if recorded else None)
+    stage = Stage(desktop, options.bin.resolve(), options.out, profile, write_market(profile / "replay"))
     try:
         take(stage)
     except StepFailed as failure:

@@ -4,6 +4,7 @@
 import socket
 import sys
 import threading
+import time
 import unittest
 from pathlib import Path
 
@@ -31,7 +32,7 @@ def frame(text):
 
 
 class Tap(unittest.TestCase):
-    def through(self, sent, answer):
+    def through(self, sent, answer, delays=()):
         """Sends through a tap to a server that takes it all and answers so; what the judge says of it."""
         server = socket.create_server(("127.0.0.1", 0))
         self.addCleanup(server.close)
@@ -45,6 +46,8 @@ class Tap(unittest.TestCase):
                 caller.sendall(answer)
         threading.Thread(target=serve, daemon=True).start()
         tap = WireTap()
+        for request, seconds in delays:
+            tap.delay(request, seconds)
         tap.open(server.getsockname()[1])
         self.addCleanup(tap.close)
         with socket.create_connection(("127.0.0.1", tap.port), 10) as caller:
@@ -70,6 +73,12 @@ class Tap(unittest.TestCase):
     def test_what_ends_in_the_middle_is_no_offence(self):
         for answer in (b"", b"HTTP/1.1 200", reply("[1]")[:-1], ENTER + frame('{"type":"pong"}')[:-1]):
             self.assertEqual(self.through(ASK if b"101" not in answer else KNOCK, answer), [])
+
+    def test_a_request_that_is_delayed_comes_late(self):
+        delays = (("GET /api/accounts ", 0.3), ("GET /api/trades", 60), ("GET /api/acc", 60), ("GET /api/acc", 0))
+        started = time.monotonic()
+        self.assertEqual(self.through(ASK, reply("[]"), delays), [])
+        self.assertGreaterEqual(time.monotonic() - started, 0.3)
 
     def test_a_closed_tap_lets_nobody_through_until_it_is_opened_again(self):
         with socket.create_server(("127.0.0.1", 0)) as server:

@@ -2,6 +2,7 @@
 
 import socket
 import threading
+import time
 
 from wire_copy import Copy, judge_connection
 
@@ -13,6 +14,7 @@ class WireTap:
         self.port = 0
         self._listener = None
         self._copies = []  # (sent, received) of every connection
+        self._delays = {}  # seconds, by the beginnings of requests
 
     def open(self, behind):
         """Lets callers through to a port of this machine."""
@@ -26,6 +28,10 @@ class WireTap:
             self._listener.shutdown(socket.SHUT_RDWR)
             self._listener.close()
             self._listener = None
+
+    def delay(self, request, seconds):
+        """From now on requests that begin like this, \"POST /path\", take so long on their way; 0: as short as ever."""
+        self._delays[request.encode()] = seconds
 
     def _accept(self, listener, behind):
         while True:
@@ -45,11 +51,11 @@ class WireTap:
                 source.setsockopt(socket.IPPROTO_TCP, socket.TCP_NODELAY, 1)
                 threading.Thread(target=self._pass_on, args=(source, target, copy.data, left), daemon=True).start()
 
-    @staticmethod
-    def _pass_on(source, target, copy, left):
+    def _pass_on(self, source, target, copy, left):
         try:
             while data := source.recv(65536):
                 copy += data
+                time.sleep(max((wait for begin, wait in list(self._delays.items()) if data.startswith(begin)), default=0))
                 target.sendall(data)
         except OSError:
             pass  # one side is gone, so the other one hears of its end below

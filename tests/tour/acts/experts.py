@@ -14,8 +14,11 @@ AVERAGES, RSI = "MA_Cross", "RSI_Reversal"
 PREPARATION = 20
 # When the machine was too slow for that, the signal comes once more three minutes later.
 SIGNAL = 230
+# So long an order is on its way to the platform: the price has gone on when it is there.
+DELAY = 0.6
 
-Plan = namedtuple("Plan", "rising falling reversing held")
+# `since` and `until`: when the experts were let loose, and when they were still.
+Plan = namedtuple("Plan", "rising falling reversing held since until", defaults=[None])
 
 
 def averages(closes):
@@ -43,10 +46,21 @@ def left_oversold(closes):
     return rsi(end - 1) <= 30 < rsi(end)
 
 
-def about_to(stage, symbols, signal):
-    """The symbol of a family where the signal comes with the next minute that is not too close. Each
+def signal_after(now):
+    """When the next signals come for which there is time to prepare."""
+    return (now + PREPARATION) // 60 * 60 + 60
+
+
+def wait_for_silence(due):
+    """A signal lasts a minute. Who lets the experts loose in it would not know what they knew at their first order."""
+    if time.time() > due - 3:
+        time.sleep(max(0, due + 61 - time.time()))
+
+
+def about_to(stage, due, symbols, signal):
+    """The symbol of a family where the signal comes when it is due, within the minute or the next. Each
     signal comes back every third minute, so the closed bars tell."""
-    back = 3 if time.time() % 60 < 60 - PREPARATION else 2
+    back = 3 if due - time.time() <= 60 else 2
     for symbol in symbols:
         bars = stage.platform.get(f"/api/candles?symbol={symbol}&timeframe=1m&limit=60")
         bars = bars["candles"] if isinstance(bars, dict) else bars
@@ -95,8 +109,9 @@ def bring_forward(stage, second=False):
 def let_loose(stage):
     """Attaches three experts, each where its signal is ahead: two of them will buy, and the third will close
     what is bought by hand. The plan for looking at what they did."""
-    rising, falling = about_to(stage, CROSSING, crossed_up), about_to(stage, CROSSING, crossed_down)
-    reversing = about_to(stage, REVERSING, left_oversold)
+    due = signal_after(time.time())
+    rising, falling = about_to(stage, due, CROSSING, crossed_up), about_to(stage, due, CROSSING, crossed_down)
+    reversing = about_to(stage, due, REVERSING, left_oversold)
     stage.seen("signals-ahead", rising and falling and reversing,
                f"the averages of {rising} will cross, those of {falling} cross back, RSI of {reversing} rise")
     show_chart(stage, reversing)
@@ -106,12 +121,15 @@ def let_loose(stage):
     attach(stage, AVERAGES, falling)
     show_chart(stage, rising)
     attach(stage, AVERAGES, rising)
+    wait_for_silence(due)
+    stage.platform.delay_orders(DELAY)
     stage.press("Algo Trading")
     stage.seen("algo-on", told(stage, "Expert", "Algo Trading enabled"), "the switch in the toolbar is on")
+    since = time.time()
     stage.portrait("terminal-experts.png")
     bring_forward(stage)
     stage.seen("first-chart", stage.has_chart(SYMBOL), f"the wheel over the tabs brings the chart of {SYMBOL} back")
-    return Plan(rising, falling, reversing, held)
+    return Plan(rising, falling, reversing, held, since)
 
 
 def trades_of(stage, symbol):
@@ -138,13 +156,15 @@ def bought(stage, name, symbol, why):
 
 
 def see_them_trade(stage, plan):
-    """Sees what each expert did, detaches them, and returns the tickets of what they traded."""
+    """Sees what each expert did, and detaches them. The plan with its end, and the tickets of what they traded."""
     bought(stage, AVERAGES, plan.rising, "Fast crossed above slow → BUY")
     bought(stage, RSI, plan.reversing, "RSI left oversold (")
     closing = told(stage, "Expert", f"position(s) on {plan.falling}", SIGNAL)
     stage.seen("expert-close", closing, f"where the averages crossed back, the Experts tab says: {closing}")
     gone = stage.wait(lambda: not trading.record(stage, plan.held))
     stage.seen("expert-closed", gone, "and the platform has closed what was bought by hand")
+    stage.platform.delay_orders(0)
+    plan = plan._replace(until=time.time())
     for name, symbol in ((RSI, plan.reversing), (AVERAGES, plan.falling), (AVERAGES, plan.rising)):
         bring_forward(stage, second=True)
         detach(stage, name, symbol)
@@ -154,7 +174,7 @@ def see_them_trade(stage, plan):
     left = [trade["id"][:8] for trade in stage.platform.trades("open") if trade["symbol"] in symbols]
     for ticket in left:
         trading.close(stage, ticket)
-    return agree(stage, plan, left)
+    return plan, agree(stage, plan, left)
 
 
 def detach(stage, name, symbol):
