@@ -16,8 +16,6 @@ namespace lab {
 
 namespace {
 
-constexpr std::size_t screenWidth = 80;
-
 /// Pairs that stand beside one another.
 constexpr std::array<std::pair<std::string_view, std::string_view>, 9> looked{{
     {"netProfit", "trades"},

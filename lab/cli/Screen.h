@@ -1,10 +1,14 @@
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <string_view>
 #include <vector>
 
 namespace lab {
+
+/// Places of a line, as the narrowest usual terminal has them.
+inline constexpr std::size_t screenWidth = 80;
 
 enum class Stream { Output, Error };
 

@@ -89,8 +89,8 @@ void tellFailures(const SweepTable& table)
         std::cerr << "tavoran-lab: failed: " << inputsText(table.grid.inputsOf(set.number)) << ": "
                   << *set.failure << '\n';
     }
-    if (table.failed > told)
-        std::cerr << "tavoran-lab: " << counted(table.failed - told, "more set")
+    if (table.choice.failed > told)
+        std::cerr << "tavoran-lab: " << counted(table.choice.failed - told, "more set")
                   << " failed; sweep.csv tells why\n";
 }
 
@@ -165,7 +165,7 @@ int endSweep(const StudyBench& bench, const StudyStore& store, const fs::path& f
               << worthText(table) << '\n'
               << (folder / (table.best ? "report.html" : "sweep.csv")).string() << '\n';
     tellFailures(table);
-    if (table.failed > 0)
+    if (table.choice.failed > 0)
         return someFailed;
     if (!table.best) {
         std::cerr << "tavoran-lab: no set has " << sort.row->key << " and at least "

@@ -2,21 +2,21 @@
 #include "lab/cli/Progress.h"
 #include "lab/cli/ResultPlace.h"
 #include "lab/cli/RunScript.h"
-#include "lab/cli/Screen.h"
 #include "lab/cli/StopSignal.h"
 #include "lab/cli/SweepEnding.h"
+#include "lab/cli/WalkText.h"
 #include "lab/core/figures/Figures.h"
 #include "lab/core/market/RunSpan.h"
-#include "lab/core/output/FigureText.h"
 #include "lab/core/output/ReportPage.h"
 #include "lab/core/output/Texts.h"
+#include "lab/core/study/Challenge.h"
 #include "lab/core/study/StitchedRun.h"
 #include "lab/core/study/StudyError.h"
 #include "lab/core/study/StudyPage.h"
-#include "lab/core/study/SweepFiles.h"
 #include "lab/core/study/WalkFiles.h"
 
 #include <iostream>
+#include <utility>
 
 namespace lab {
 
@@ -66,11 +66,19 @@ bool train(const StudyBench& bench, Walk& walk)
         return false;
     if (walk.failed == walk.rows.size() * numbers.size())
         throw StudyError("every run has failed, the first one: " + *results.front().front().failure);
-    for (std::size_t row = 0; row < walk.rows.size(); ++row) {
-        if (const auto best = bestOf(results[row], walk.order))
-            walk.rows[row].chosen = results[row][*best];
-    }
+    for (std::size_t row = 0; row < walk.rows.size(); ++row)
+        walk.rows[row].choose(std::move(results[row]), walk.order);
     return true;
+}
+
+/// Why no other window can be tested behind this run; empty where one can.
+std::string endingOf(const RunResult& result, practice::Cents balance)
+{
+    if (result.error)
+        return "ended early: " + *result.error;
+    if (result.outcome != PlanOutcome::None)
+        return "the plan ended: " + std::string(challengeWord(result.outcome));
+    return balance > 0 ? std::string() : std::string("nothing is left of the balance");
 }
 
 /// The time behind each window, with what it has chosen and with the balance that the one before has left.
@@ -94,29 +102,11 @@ StitchedRun test(const StudyBench& bench, Walk& walk)
         row.test = figuresOf(result);
         stitched.add(result);
         balance = result.equity.empty() ? balance : result.equity.back().balance;
-        if (result.error || result.outcome != PlanOutcome::None || balance <= 0)
+        row.ending = endingOf(result, balance);
+        if (!row.ending.empty())
             break;
     }
     return stitched;
-}
-
-std::string tableText(const Walk& walk)
-{
-    std::vector<std::vector<std::string>> lines{
-        {"tried from", "to", "inputs", "past/year", "trades", "netProfit", "a year", "efficiency"}};
-    for (const WalkRow& row : walk.rows) {
-        const auto tested = [&row](std::string_view key) {
-            const FigureRow* figure = figureRow(key);
-            return figureText(figure->kind, row.test ? figure->of(*row.test) : Figure());
-        };
-        lines.push_back({isoTime(row.window.testFrom).substr(0, 10), isoTime(row.window.testTo).substr(0, 10),
-            row.chosen ? shortened(inputsText(walk.grid.inputsOf(row.chosen->number)), 40)
-                       : std::string(undefinedText),
-            figureText(FigureKind::Fraction, row.chosen ? row.chosen->figure("cagr") : Figure()),
-            tested("trades"), tested("netProfit"), tested("cagr"),
-            figureText(FigureKind::Fraction, row.efficiency())});
-    }
-    return columns(lines, {3, 4, 5, 6, 7});
 }
 
 } // namespace
@@ -139,15 +129,14 @@ int walkForward(Options options)
     walk.train = bench.options().study.train;
     walk.test = bench.options().study.test;
     for (const WalkWindow& window : windowsOf(bench))
-        walk.rows.push_back({window, {}, {}});
+        walk.rows.push_back({window, {}, {}, {}, {}});
     if (!train(bench, walk))
         return stopStatus();
     const StitchedRun stitched = test(bench, walk);
     if (const int stopped = stopStatus())
         return stopped;
     if (!stitched.result())
-        throw StudyError("no window has a set with " + std::string(walk.order.sort.row->key)
-            + " and at least " + std::to_string(walk.order.minTrades) + " trades; --min-trades takes fewer");
+        throw StudyError("nothing could be chosen: " + whyNowhere(walk));
     const RunResult& whole = *stitched.result();
     walk.whole = figuresOf(whole);
     ResultFolder files(folder);
@@ -156,13 +145,8 @@ int walkForward(Options options)
     addResult(files, whole, *walk.whole, {bench.name(), {walkPart(walk)}, walkWords(walk)});
     files.commit();
 
-    std::cout << tableText(walk) << '\n'
-              << columns(
-                     {{"Net profit of the tests", figureText(FigureKind::Money, walk.whole->netProfit)},
-                         {"Sharpe ratio of the tests", figureText(FigureKind::Number, walk.whole->sharpe)},
-                         {"Efficiency", figureText(FigureKind::Fraction, walk.efficiency())}},
-                     {1})
-              << '\n'
+    std::cout << walkTable(walk) << '\n'
+              << walkWhole(walk) << '\n'
               << (folder / "report.html").string() << '\n';
     if (whole.error) {
         std::cerr << "tavoran-lab: ended early: " << *whole.error << '\n';

@@ -1,5 +1,6 @@
 #include "lab/core/study/StudyHead.h"
 
+#include "lab/core/output/FigureText.h"
 #include "lab/core/output/Texts.h"
 
 namespace lab {
@@ -13,6 +14,12 @@ JsonObject studyHead(const RunResult& about, std::string_view version)
     json.text("dataHash", hexText(about.dataHash));
     json.text("symbol", about.settings.symbol);
     return json;
+}
+
+std::string figureJson(const FigureRow& row, const Figure& value)
+{
+    const std::string text = figureData(row.kind, value);
+    return text.empty() ? "null" : text;
 }
 
 std::string triedJson(const Grid& grid)

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "lab/core/RunResult.h"
+#include "lab/core/figures/FigureTable.h"
 #include "lab/core/output/JsonObject.h"
 #include "lab/core/study/Grid.h"
 
@@ -12,6 +13,9 @@ namespace lab {
 /// What the file of every study begins with: which script, prices and program it is about, as a run of it
 /// knows them.
 [[nodiscard]] JsonObject studyHead(const RunResult& about, std::string_view version);
+
+/// A figure as in summary.json.
+[[nodiscard]] std::string figureJson(const FigureRow& row, const Figure& value);
 
 /// The values of each input that a study tries, as a JSON object within another one.
 [[nodiscard]] std::string triedJson(const Grid& grid);

@@ -20,12 +20,6 @@ namespace {
 constexpr std::size_t shownSets = 20;
 constexpr std::size_t mostSteps = 80; ///< of an axis in a map
 
-std::string figureJson(const FigureRow& row, const Figure& value)
-{
-    const std::string text = figureData(row.kind, value);
-    return text.empty() ? "null" : text;
-}
-
 std::string setJson(const SweepTable& table, std::size_t place, int depth)
 {
     const SetResult& set = table.sets[place];
@@ -145,8 +139,8 @@ std::string overview(const SweepTable& table)
     const SortFigure& sort = table.order.sort;
     std::string html
         = "<p>" + count(table.sets.size()) + " of " + count(table.grid.size()) + " sets were tried";
-    if (table.failed > 0)
-        html += ", of which " + count(table.failed) + " failed";
+    if (table.choice.failed > 0)
+        html += ", of which " + count(table.choice.failed) + " failed";
     html += ". This page shows the best of them by " + escaped(sort.row->name) + " (the "
         + (sort.lowIsBest ? "lowest" : "highest") + "), of those with at least "
         + count(table.order.minTrades) + " trades.</p>\n<table>\n<tbody>\n";
@@ -238,7 +232,7 @@ std::string sweepJson(const SweepTable& table, const RunResult& about, std::stri
     json.raw("inputs", triedJson(table.grid));
     json.count("gridSize", table.grid.size());
     json.count("sets", table.sets.size());
-    json.count("failed", table.failed);
+    json.count("failed", table.choice.failed);
     json.text("sort", table.order.sort.row->key);
     json.text("bestIs", table.order.sort.lowIsBest ? "lowest" : "highest");
     json.count("minTrades", table.order.minTrades);

@@ -1,6 +1,7 @@
 #include "lab/core/study/SweepTable.h"
 
 #include "lab/core/figures/StudyStatistics.h"
+#include "lab/core/output/Texts.h"
 
 #include <algorithm>
 #include <numeric>
@@ -115,6 +116,38 @@ std::vector<Figure> stabilityOf(const SweepTable& table)
 
 } // namespace
 
+Choice choiceAmong(const std::vector<SetResult>& sets, const SweepOrder& order)
+{
+    Choice choice;
+    choice.sets = sets.size();
+    for (const SetResult& set : sets) {
+        choice.failed += set.failure ? 1 : 0;
+        choice.withTrades += isEnough(set, order.minTrades) ? 1 : 0;
+        choice.eligible += isEligible(set, order) ? 1 : 0;
+        const auto trades = static_cast<std::uint64_t>(set.figure("trades").value_or(0));
+        choice.mostTrades = std::max(choice.mostTrades, trades);
+    }
+    return choice;
+}
+
+std::string whyNone(const Choice& choice, const SweepOrder& order)
+{
+    if (choice.eligible > 0)
+        return {};
+    if (choice.failed == choice.sets)
+        return "every set failed";
+    const std::string enough = tradesText(order.minTrades);
+    if (choice.withTrades == 0)
+        return "no set made " + enough + ", the most were "
+            + groupedText(static_cast<double>(choice.mostTrades), 0);
+    return std::string(order.sort.row->key) + " is undefined for all with at least " + enough;
+}
+
+std::string tradesText(std::uint64_t count)
+{
+    return groupedText(static_cast<double>(count), 0) + (count == 1 ? " trade" : " trades");
+}
+
 bool SweepTable::hasEnoughTrades(const SetResult& set) const
 {
     return isEnough(set, order.minTrades);
@@ -137,8 +170,7 @@ SweepTable sweepTable(Grid grid, std::vector<SetResult> sets, SweepOrder order, 
     table.sets = std::move(sets);
     table.ranking = placesOf(table.sets);
     std::ranges::sort(table.ranking, betterFirst(table.sets, order));
-    table.failed = static_cast<std::size_t>(
-        std::ranges::count_if(table.sets, [](const SetResult& set) { return set.failure.has_value(); }));
+    table.choice = choiceAmong(table.sets, order);
     table.stability = stabilityOf(table);
     if (!table.ranking.empty() && isEligible(table.sets[table.ranking.front()], order))
         table.best = table.ranking.front();

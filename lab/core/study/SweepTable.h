@@ -7,6 +7,7 @@
 #include <cstddef>
 #include <functional>
 #include <optional>
+#include <string>
 #include <vector>
 
 namespace lab {
@@ -16,6 +17,24 @@ struct SweepOrder {
     SortFigure sort;
     std::uint64_t minTrades = 30; ///< with fewer, a set comes after those that have enough
 };
+
+/// How many of some sets may be chosen, and what the others lack.
+struct Choice {
+    std::size_t sets = 0;
+    std::size_t failed = 0;
+    std::size_t withTrades = 0;   ///< trades enough
+    std::size_t eligible = 0;     ///< trades enough, and the figure is defined
+    std::uint64_t mostTrades = 0; ///< of any set
+    friend bool operator==(const Choice&, const Choice&) = default;
+};
+
+[[nodiscard]] Choice choiceAmong(const std::vector<SetResult>& sets, const SweepOrder& order);
+
+/// Why none of them may be chosen, in a few words; empty where one may.
+[[nodiscard]] std::string whyNone(const Choice& choice, const SweepOrder& order);
+
+/// "30 trades", "1 trade".
+[[nodiscard]] std::string tradesText(std::uint64_t count);
 
 /// The results of a sweep in their order, and what they are worth together. It follows from the results
 /// alone, in whatever order they were found.
@@ -27,7 +46,7 @@ struct SweepTable {
     /// How much of each set's figure its neighbours have; absent where sets were left out of the grid.
     std::vector<Figure> stability;
     std::optional<std::size_t> best; ///< place in `sets`; absent when none has figure and trades enough
-    std::size_t failed = 0;
+    Choice choice;
     Figure deflatedSharpe;         ///< of the best, with all sets as trials
     Figure overfittingProbability; ///< of those that did not fail
 

@@ -7,13 +7,15 @@
 #include "lab/core/study/StudyHead.h"
 #include "lab/core/study/SweepFiles.h"
 
+#include <algorithm>
 #include <array>
+#include <utility>
 
 namespace lab {
 
 namespace {
 
-constexpr std::array<std::string_view, 5> tested{"trades", "netProfit", "cagr", "sharpe", "maxDrawdown"};
+constexpr std::array<std::string_view, 5> testKeys{"trades", "netProfit", "cagr", "sharpe", "maxDrawdown"};
 
 Figure ratio(const Figure& above, const Figure& below)
 {
@@ -32,7 +34,77 @@ Figure trainings(const WalkRow& row, std::string_view key)
     return row.chosen ? row.chosen->figure(key) : Figure();
 }
 
+/// What of the training is told: the figure that has decided, and others whatever that is.
+std::array<std::pair<std::string_view, std::string_view>, 4> trainKeys(const SweepOrder& order)
+{
+    return {{{"trainSort", order.sort.row->key}, {"trainTrades", "trades"}, {"trainNetProfit", "netProfit"},
+        {"trainCagr", "cagr"}}};
+}
+
+std::string rowJson(const Walk& walk, std::size_t number)
+{
+    const WalkRow& row = walk.rows[number];
+    JsonObject json;
+    json.count("window", number + 1);
+    json.time("trainFrom", row.window.trainFrom);
+    json.time("testFrom", row.window.testFrom);
+    json.time("testTo", row.window.testTo);
+    if (row.chosen) {
+        JsonObject inputs;
+        for (const auto& [name, value] : walk.grid.inputsOf(row.chosen->number))
+            inputs.text(name, value);
+        json.raw("inputs", inputs.value(3));
+    } else {
+        json.nothing("inputs");
+    }
+    for (const auto& [name, key] : trainKeys(walk.order))
+        json.raw(name, figureJson(*figureRow(key), trainings(row, key)));
+    for (const std::string_view key : testKeys)
+        json.raw(key, figureJson(*figureRow(key), tests(row, key)));
+    json.number("efficiency", row.efficiency());
+    json.count("eligible", row.choice.eligible);
+    json.count("failed", row.choice.failed);
+    json.text("reason", row.reason(walk.order));
+    return json.value(2);
+}
+
+std::string rowsJson(const Walk& walk)
+{
+    std::string json = "[";
+    for (std::size_t number = 0; number < walk.rows.size(); ++number)
+        json += (number > 0 ? ",\n    " : "\n    ") + rowJson(walk, number);
+    return json + "\n  ]";
+}
+
+/// Of the choices that were tried.
+Figure meanPastGrowth(const Walk& walk)
+{
+    double sum = 0;
+    std::size_t count = 0;
+    for (const WalkRow& row : walk.rows) {
+        if (const Figure growth = trainings(row, "cagr"); growth && row.test) {
+            sum += *growth;
+            ++count;
+        }
+    }
+    return count > 0 ? Figure(sum / static_cast<double>(count)) : Figure();
+}
+
 } // namespace
+
+void WalkRow::choose(std::vector<SetResult> training, const SweepOrder& order)
+{
+    choice = choiceAmong(training, order);
+    if (const auto best = bestOf(training, order))
+        chosen = std::move(training[*best]);
+}
+
+std::string WalkRow::reason(const SweepOrder& order) const
+{
+    if (!chosen)
+        return whyNone(choice, order);
+    return test ? ending : "the walk was over before";
+}
 
 Figure WalkRow::efficiency() const
 {
@@ -41,17 +113,21 @@ Figure WalkRow::efficiency() const
 
 Figure Walk::efficiency() const
 {
-    double sum = 0;
-    std::size_t count = 0;
-    for (const WalkRow& row : rows) {
-        if (const Figure growth = trainings(row, "cagr"); growth && row.test) {
-            sum += *growth;
-            ++count;
-        }
-    }
-    if (!whole || count == 0)
+    return whole ? ratio(whole->cagr, meanPastGrowth(*this)) : Figure();
+}
+
+std::string Walk::efficiencyGap() const
+{
+    if (efficiency())
         return {};
-    return ratio(whole->cagr, sum / static_cast<double>(count));
+    return whole && whole->cagr ? "the choices did not grow on their pasts"
+                                : "growth a year of the tests is undefined";
+}
+
+std::size_t Walk::tested() const
+{
+    return static_cast<std::size_t>(
+        std::ranges::count_if(rows, [](const WalkRow& row) { return row.test.has_value(); }));
 }
 
 std::string walkCsv(const Walk& walk)
@@ -59,20 +135,23 @@ std::string walkCsv(const Walk& walk)
     std::string csv = "window,trainFrom,testFrom,testTo";
     for (const GridAxis& axis : walk.grid.axes())
         csv += ',' + csvCell(axis.name);
-    csv.append(",trainSort,trainTrades,trainNetProfit,trainCagr,trades,netProfit,cagr,sharpe,maxDrawdown,"
-               "efficiency\n");
+    for (const auto& [name, key] : trainKeys(walk.order))
+        csv.append(",").append(name);
+    for (const std::string_view key : testKeys)
+        csv.append(",").append(key);
+    csv += ",efficiency,eligible,reason\n";
     for (std::size_t number = 0; number < walk.rows.size(); ++number) {
         const WalkRow& row = walk.rows[number];
         csv += std::to_string(number + 1) + ',' + isoTime(row.window.trainFrom) + ','
             + isoTime(row.window.testFrom) + ',' + isoTime(row.window.testTo);
         for (std::size_t axis = 0; axis < walk.grid.axes().size(); ++axis)
             csv += ',' + (row.chosen ? csvCell(walk.grid.inputsOf(row.chosen->number)[axis].second) : "");
-        for (const std::string_view key : {walk.order.sort.row->key, std::string_view("trades"),
-                 std::string_view("netProfit"), std::string_view("cagr")})
+        for (const auto& [name, key] : trainKeys(walk.order))
             csv += ',' + figureData(figureRow(key)->kind, trainings(row, key));
-        for (const std::string_view key : tested)
+        for (const std::string_view key : testKeys)
             csv += ',' + figureData(figureRow(key)->kind, tests(row, key));
-        csv += ',' + figureData(FigureKind::Number, row.efficiency()) + '\n';
+        csv += ',' + figureData(FigureKind::Number, row.efficiency()) + ','
+            + std::to_string(row.choice.eligible) + ',' + csvCell(row.reason(walk.order)) + '\n';
     }
     return csv;
 }
@@ -90,6 +169,8 @@ std::string walkJson(const Walk& walk, const RunResult& about, std::string_view 
     json.number("cagr", walk.whole ? walk.whole->cagr : Figure());
     json.number("sharpe", walk.whole ? walk.whole->sharpe : Figure());
     json.number("efficiency", walk.efficiency());
+    json.count("tested", walk.tested());
+    json.raw("rows", rowsJson(walk));
     return json.document();
 }
 
@@ -107,16 +188,16 @@ std::string walkPart(const Walk& walk)
           "<div class=\"wide\"><table>\n<caption>Windows</caption>\n<thead><tr>";
     for (const std::string_view name : {"Chosen on", "Tried from", "to", "Inputs", "Past: growth a year"})
         html += "<th scope=\"col\">" + escaped(name) + "</th>";
-    for (const std::string_view key : tested)
+    for (const std::string_view key : testKeys)
         html += "<th scope=\"col\">" + escaped(figureRow(key)->name) + "</th>";
     html += "<th scope=\"col\">Efficiency</th></tr></thead>\n<tbody>\n";
     for (const WalkRow& row : walk.rows) {
         html += "<tr><td>" + minuteText(row.window.trainFrom) + "</td><td>" + minuteText(row.window.testFrom)
             + "</td><td>" + minuteText(row.window.testTo) + "</td><td>"
             + (row.chosen ? escaped(shortened(inputsText(walk.grid.inputsOf(row.chosen->number)), 200))
-                          : std::string(undefinedText))
+                          : escaped(row.reason(walk.order)))
             + "</td><td class=\"n\">" + figureText(FigureKind::Fraction, trainings(row, "cagr")) + "</td>";
-        for (const std::string_view key : tested)
+        for (const std::string_view key : testKeys)
             html += "<td class=\"n\">" + figureText(figureRow(key)->kind, tests(row, key)) + "</td>";
         html += "<td class=\"n\">" + figureText(FigureKind::Fraction, row.efficiency()) + "</td></tr>\n";
     }

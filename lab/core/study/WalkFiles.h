@@ -17,7 +17,13 @@ struct WalkRow {
     WalkWindow window;
     std::optional<SetResult> chosen; ///< of the training; absent where no set has figure and trades enough
     std::optional<Figures> test;     ///< absent as well where the walk was over before
+    Choice choice;                   ///< among the sets of the training
+    std::string ending;              ///< why the walk ended in this window's test; empty where it went on
 
+    /// Takes the best of the training.
+    void choose(std::vector<SetResult> training, const SweepOrder& order);
+    /// Why nothing was tried, or went on from here, in a few words; empty where all is well.
+    [[nodiscard]] std::string reason(const SweepOrder& order) const;
     /// Growth a year behind the choice / before it; absent unless the latter is above 0.
     [[nodiscard]] Figure efficiency() const;
 };
@@ -37,6 +43,10 @@ struct Walk {
     /// Growth a year over all tests / the mean of the choices' growths a year; absent unless the latter is
     /// above 0.
     [[nodiscard]] Figure efficiency() const;
+    /// Why there is none, in a few words; empty where there is.
+    [[nodiscard]] std::string efficiencyGap() const;
+    /// How many windows were tested.
+    [[nodiscard]] std::size_t tested() const;
 };
 
 /// walk.csv: a line for each window.

@@ -117,6 +117,62 @@ TEST_CASE("anchored windows train from the first day on")
     CHECK(rows[1][2] != rows[3][2]);
 }
 
+TEST_CASE("the terminal shows each window's times in full, its inputs, and its past above its test")
+{
+    const StudyFolder study(5);
+    const Result result = study.run("walk", "Clock.js", joined(walk, {"--out", "w"}));
+    const auto json = nlohmann::json::parse(study.contentOf("w/walk.json"));
+    const auto minute = [](const nlohmann::json& time) {
+        std::string text = time.get<std::string>().substr(0, 16);
+        text[10] = ' ';
+        return text;
+    };
+    std::istringstream lines(result.output);
+    std::string line;
+    std::getline(lines, line);
+    CHECK(contains(line, "from") && contains(line, "netProfit  trades"));
+    for (const auto& row : json.at("rows")) {
+        std::getline(lines, line);
+        CHECK(contains(line, "Every=" + row.at("inputs").at("Every").get<std::string>() + " Points="));
+        CHECK(contains(line, "4 of 4 sets eligible"));
+        std::getline(lines, line);
+        CHECK(contains(line, "past  " + minute(row.at("trainFrom")) + "  " + minute(row.at("testFrom"))));
+        CHECK(line.ends_with(' ' + row.at("trainTrades").dump()));
+        std::getline(lines, line);
+        CHECK(contains(line, "test  " + minute(row.at("testFrom")) + "  " + minute(row.at("testTo"))));
+        CHECK(line.ends_with(' ' + row.at("trades").dump()));
+    }
+    CHECK(contains(result.output, "Windows tested             3 of 3\n"));
+}
+
+TEST_CASE("a window without a choice says why, on the terminal and in the files")
+{
+    const StudyFolder study(6);
+    // It stops trading after the third day, which leaves the last windows with too little to go by.
+    study.write("Early.js",
+        "var Every = 20;\nvar calls = 0;\n"
+        "function OnTick() {\n"
+        "    if (++calls % (4 * Every) !== 0 || Positions.count() > 0) return;\n"
+        "    if (Date.now() > 1704067200000 + 3 * 86400000) return;\n"
+        "    Trade.buy(0.1, { slPoints: 30, tpPoints: 30 });\n"
+        "}\n");
+    const Result result = study.run("walk", "Early.js",
+        {"--set", "Every=10,25", "--min-trades", "15", "--timeframe", "5m", "--train", "2d", "--test", "1d",
+            "--sort", "netProfit", "--out", "w"});
+    CHECK_EQ(result.exitCode, 0);
+    const auto json = nlohmann::json::parse(study.contentOf("w/walk.json"));
+    CHECK_EQ(json.at("windows").get<int>(), 4);
+    const auto& last = json.at("rows").back();
+    CHECK_EQ(last.at("eligible").get<int>(), 0);
+    CHECK(last.at("inputs").is_null());
+    const std::string reason = last.at("reason").get<std::string>();
+    CHECK(reason.starts_with("no set made 15 trades, the most were "));
+    CHECK(contains(study.contentOf("w/walk.csv"), ",0,\"" + reason + "\"\n"));
+    CHECK(contains(result.output, "\n4  0 of 2 sets eligible; " + reason + "\n"));
+    CHECK(!contains(result.output, "Windows tested             4 of 4\n"));
+    CHECK(contains(study.contentOf("w/report.html"), reason));
+}
+
 TEST_CASE("what a walk cannot do is said in a line")
 {
     const StudyFolder study(3);
@@ -130,8 +186,8 @@ TEST_CASE("what a walk cannot do is said in a line")
     CHECK(contains(refusal({"--set", "Every=10,20"}), "--train 90d --test 30d"));
     CHECK(contains(refusal({"--train", "90", "--test", "1d"}), "90d or 12w"));
     CHECK(contains(refusal({"--train", "90d", "--test", "30d"}), "leave nothing to try on"));
-    CHECK(
-        contains(refusal({"--train", "1d", "--test", "1d", "--min-trades", "9999"}), "no window has a set"));
+    CHECK(contains(refusal({"--train", "1d", "--test", "1d", "--min-trades", "9999"}),
+        "no set made 9,999 trades, the most were "));
     study.write("Clock.js", "var Every = 20;\nfunction OnTick() { Sell(); }\n");
     CHECK(contains(refusal({"--train", "1d", "--test", "1d"}), "OnTick: Sell is not defined (line 2)"));
 }

@@ -53,7 +53,7 @@ TEST_CASE("the best set comes first, then those with few trades, those that fail
     const SweepTable table = tableBy("sharpe");
     CHECK((numbersOf(table) == std::vector<std::uint64_t>{5, 10, 9, 8, 7, 6, 4, 3, 1, 0, 11, 2}));
     CHECK_EQ(table.sets[table.best.value()].number, 5U);
-    CHECK_EQ(table.failed, 1U);
+    CHECK_EQ(table.choice.failed, 1U);
     CHECK_EQ(bestOf(table.sets, table.order).value(), 5U);
 }
 

@@ -120,7 +120,7 @@ TEST_CASE("efficiency compares growth a year behind the choice with that before 
         chosen.figures[static_cast<std::size_t>(place)] = growth;
         Figures test;
         test.cagr = 0.1;
-        walk.rows.push_back({{0, dayMs, 2 * dayMs}, chosen, test});
+        walk.rows.push_back({{0, dayMs, 2 * dayMs}, chosen, test, {}, {}});
     }
     CHECK_NEAR(walk.rows[0].efficiency().value(), 0.5, 1e-12);
     CHECK_NEAR(walk.rows[1].efficiency().value(), 0.25, 1e-12);
@@ -128,7 +128,7 @@ TEST_CASE("efficiency compares growth a year behind the choice with that before 
     walk.whole = Figures();
     walk.whole->cagr = 0.15;
     CHECK_NEAR(walk.efficiency().value(), 0.5, 1e-12); // 0.15 of the mean, 0.3
-    walk.rows.push_back({{0, dayMs, 2 * dayMs}, {}, {}});
+    walk.rows.push_back({{0, dayMs, 2 * dayMs}, {}, {}, {}, {}});
     CHECK(!walk.rows[2].efficiency());
     const std::string csv = walkCsv(walk);
     CHECK_EQ(std::ranges::count(csv, '\n'), 4);
@@ -136,6 +136,76 @@ TEST_CASE("efficiency compares growth a year behind the choice with that before 
         != std::string::npos);
     CHECK_EQ(nlohmann::json::parse(walkJson(walk, {}, "1")).at("windows").get<int>(), 3);
     CHECK(walkPart(walk).find("Efficiency: 50.00 %") != std::string::npos);
+}
+
+TEST_CASE("a window says how many sets could be chosen, and why none was")
+{
+    const SweepOrder order{sortFigureOf("sharpe"), 30};
+    WalkRow good;
+    good.choose({madeSet(0, 1, 40), madeSet(1, 2, 12), madeSet(2, 0.5, 90), failedSet(3)}, order);
+    CHECK_EQ(good.choice.sets, 4U);
+    CHECK_EQ(good.choice.failed, 1U);
+    CHECK_EQ(good.choice.eligible, 2U);
+    CHECK_EQ(good.chosen.value().number, 0U);
+
+    WalkRow few;
+    few.choose({madeSet(0, 1, 4), madeSet(1, 2, 12), failedSet(2)}, order);
+    CHECK(!few.chosen);
+    CHECK_EQ(few.reason(order), "no set made 30 trades, the most were 12");
+
+    WalkRow flat;
+    flat.choose({madeSet(0, 1, 40)}, {sortFigureOf("calmar"), 1});
+    CHECK_EQ(flat.reason({sortFigureOf("calmar"), 1}), "calmar is undefined for all with at least 1 trade");
+
+    WalkRow broken;
+    broken.choose({failedSet(0), failedSet(1)}, order);
+    CHECK_EQ(broken.reason(order), "every set failed");
+}
+
+TEST_CASE("what is behind the end of a walk says so, in every file")
+{
+    Walk walk{Grid({axisOf("A", "1,2", true)}), {sortFigureOf("sharpe"), 30}, 2, 0, false, {}, {}};
+    for (int row = 0; row < 3; ++row)
+        walk.rows.push_back({{row * dayMs, (row + 1) * dayMs, (row + 2) * dayMs}, {}, {}, {}, {}});
+    walk.rows[0].choose({madeSet(0, 1, 3), madeSet(1, 2, 4)}, walk.order);
+    for (int row = 1; row < 3; ++row)
+        walk.rows[static_cast<std::size_t>(row)].choose({madeSet(0, 1, 40), madeSet(1, 2, 4)}, walk.order);
+    walk.rows[1].test = Figures();
+    walk.rows[1].ending = "ended early: A, \"b\"";
+    CHECK_EQ(walk.tested(), 1U);
+    const std::string csv = walkCsv(walk);
+    CHECK(csv.find(",efficiency,eligible,reason\n") != std::string::npos);
+    CHECK(csv.find(",0,\"no set made 30 trades, the most were 4\"\n") != std::string::npos);
+    CHECK(csv.find(",1,\"ended early: A, \"\"b\"\"\"\n") != std::string::npos);
+    CHECK(csv.find(",1,the walk was over before\n") != std::string::npos);
+    const auto json = nlohmann::json::parse(walkJson(walk, {}, "1"));
+    CHECK_EQ(json.at("tested").get<int>(), 1);
+    const auto& rows = json.at("rows");
+    CHECK_EQ(rows.size(), 3U);
+    CHECK(rows[0].at("inputs").is_null());
+    CHECK_EQ(rows[0].at("eligible").get<int>(), 0);
+    CHECK_EQ(rows[0].at("reason").get<std::string>(), "no set made 30 trades, the most were 4");
+    CHECK_EQ(rows[1].at("inputs").at("A").get<std::string>(), "1");
+    CHECK_EQ(rows[1].at("trainTrades").get<int>(), 40);
+    CHECK(rows[2].at("trades").is_null());
+    CHECK_EQ(rows[2].at("reason").get<std::string>(), "the walk was over before");
+    CHECK(walkPart(walk).find("no set made 30 trades, the most were 4") != std::string::npos);
+}
+
+TEST_CASE("an efficiency that is undefined says why")
+{
+    Walk walk{Grid({axisOf("A", "1,2", true)}), {sortFigureOf("sharpe"), 30}, 2, 0, false, {}, {}};
+    CHECK_EQ(walk.efficiencyGap(), "growth a year of the tests is undefined");
+    walk.whole = Figures();
+    walk.whole->cagr = 0.15;
+    CHECK_EQ(walk.efficiencyGap(), "the choices did not grow on their pasts");
+    SetResult chosen = madeSet(1, 1);
+    const auto rows = figureRows();
+    const auto place = std::ranges::find(rows, "cagr", &FigureRow::key) - rows.begin();
+    chosen.figures[static_cast<std::size_t>(place)] = 0.3;
+    walk.rows.push_back({{0, dayMs, 2 * dayMs}, chosen, Figures(), {}, {}});
+    CHECK_EQ(walk.efficiencyGap(), "");
+    CHECK_EQ(nlohmann::json::parse(walkJson(walk, {}, "1")).at("efficiency").get<double>(), 0.5);
 }
 
 CHECK_MAIN()
