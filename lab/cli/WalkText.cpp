@@ -82,6 +82,9 @@ std::string walkWhole(const Walk& walk)
     std::string efficiency = figureText(FigureKind::Fraction, walk.efficiency());
     if (const std::string gap = walk.efficiencyGap(); !gap.empty())
         efficiency += " (" + gap + ')';
+    else
+        efficiency += " (" + figureText(FigureKind::Fraction, walk.whole->cagr) + " a year / "
+            + figureText(FigureKind::Fraction, walk.pastGrowth()) + " on the pasts)";
     return columns(
         {{"Windows tested", std::to_string(walk.tested()) + " of " + std::to_string(walk.rows.size())},
             {"Net profit of the tests", figureText(FigureKind::Money, walk.whole->netProfit)},

@@ -81,7 +81,7 @@ StudyWords sweepWords(const SweepTable& table)
     StudyWords words{"Sweep",
         "Sweep, the best of " + counted(table.sets.size(), "set") + sweptText(table.grid) + '.',
         {{"Sets tried", countText(table.sets.size()) + " of " + countText(table.grid.size())},
-            {"Sets failed", countText(table.failed)}, {"Best by", orderText(table.order)}}};
+            {"Sets failed", countText(table.choice.failed)}, {"Best by", orderText(table.order)}}};
     addInputs(table.grid, words);
     return words;
 }

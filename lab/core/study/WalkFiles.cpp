@@ -76,20 +76,6 @@ std::string rowsJson(const Walk& walk)
     return json + "\n  ]";
 }
 
-/// Of the choices that were tried.
-Figure meanPastGrowth(const Walk& walk)
-{
-    double sum = 0;
-    std::size_t count = 0;
-    for (const WalkRow& row : walk.rows) {
-        if (const Figure growth = trainings(row, "cagr"); growth && row.test) {
-            sum += *growth;
-            ++count;
-        }
-    }
-    return count > 0 ? Figure(sum / static_cast<double>(count)) : Figure();
-}
-
 } // namespace
 
 void WalkRow::choose(std::vector<SetResult> training, const SweepOrder& order)
@@ -111,9 +97,22 @@ Figure WalkRow::efficiency() const
     return ratio(tests(*this, "cagr"), trainings(*this, "cagr"));
 }
 
+Figure Walk::pastGrowth() const
+{
+    double sum = 0;
+    std::size_t count = 0;
+    for (const WalkRow& row : rows) {
+        if (const Figure growth = trainings(row, "cagr"); growth && row.test) {
+            sum += *growth;
+            ++count;
+        }
+    }
+    return count > 0 ? Figure(sum / static_cast<double>(count)) : Figure();
+}
+
 Figure Walk::efficiency() const
 {
-    return whole ? ratio(whole->cagr, meanPastGrowth(*this)) : Figure();
+    return whole ? ratio(whole->cagr, pastGrowth()) : Figure();
 }
 
 std::string Walk::efficiencyGap() const

@@ -40,6 +40,8 @@ struct Walk {
     practice::TimeMs train = 0;   ///< the length of a window's past, the shortest of anchored ones
     practice::TimeMs test = 0;    ///< the length of what follows; the last window's may be shorter
 
+    /// Mean growth a year, on their pasts, of the choices that were tested.
+    [[nodiscard]] Figure pastGrowth() const;
     /// Growth a year over all tests / the mean of the choices' growths a year; absent unless the latter is
     /// above 0.
     [[nodiscard]] Figure efficiency() const;

@@ -143,6 +143,7 @@ TEST_CASE("the terminal shows each window's times in full, its inputs, and its p
         CHECK(line.ends_with(' ' + row.at("trades").dump()));
     }
     CHECK(contains(result.output, "Windows tested             3 of 3\n"));
+    CHECK(contains(result.output, "\nEfficiency                 \xE2\x80\x93 ("));
 }
 
 TEST_CASE("a window without a choice says why, on the terminal and in the files")
