@@ -78,12 +78,35 @@ private:
 
 void tell(const CheckVerdict& verdict, bool colours)
 {
-    constexpr std::size_t textColumn = 21;
+    constexpr std::size_t textColumn = 28;
     std::string name = verdict.name;
     name.resize(12, ' ');
-    const std::string word = verdict.holds ? "holds  " : "FAILS  ";
-    std::cout << name << toned(word, verdict.holds ? Tone::Good : Tone::Bad, colours) << "  "
-              << wrapped(verdict.text, 80 - textColumn, std::string(textColumn, ' ')) << std::endl;
+    const auto [word, tone] = [&verdict]() -> std::pair<std::string, Tone> {
+        switch (verdict.outcome) {
+        case CheckVerdict::Outcome::Holds:
+            return {"holds         ", Tone::Good};
+        case CheckVerdict::Outcome::NotComparable:
+            return {"not comparable", Tone::Warning};
+        case CheckVerdict::Outcome::Fails:
+            break;
+        }
+        return {"FAILS         ", Tone::Bad};
+    }();
+    std::cout << name << toned(word, tone, colours) << "  ";
+    for (const char c : wrapped(verdict.text, 80 - textColumn, {})) {
+        std::cout << c;
+        if (c == '\n')
+            std::cout << std::string(textColumn, ' ');
+    }
+    std::cout << std::endl;
+}
+
+/// For the report.
+std::string warningOf(const CheckVerdict& verdict)
+{
+    const bool fails = verdict.outcome == CheckVerdict::Outcome::Fails;
+    return (fails ? "Check failed (" : "Check without anything to compare (") + verdict.name
+        + "): " + verdict.text;
 }
 
 } // namespace
@@ -112,9 +135,9 @@ int checkScript(Options options)
         for (const Check check : allChecks()) {
             const CheckVerdict verdict = check(runs, base);
             tell(verdict, colours);
-            allHold = allHold && verdict.holds;
-            if (!verdict.holds)
-                failures.push_back("Check failed (" + verdict.name + "): " + verdict.text);
+            allHold = allHold && verdict.holds();
+            if (!verdict.holds())
+                failures.push_back(warningOf(verdict));
         }
         if (!options.out.empty()) {
             base.warnings.insert(base.warnings.begin(), failures.begin(), failures.end());

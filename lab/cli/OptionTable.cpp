@@ -254,7 +254,8 @@ constexpr std::array options{
         "day or time that no longer belongs to the run (the end of\n"
         "the record; simulated: 365 days after --from)",
         running, readTo},
-    OptionRow{"--warmup", "BARS", "bars that the chart begins with (1500)", running, readWarmup},
+    OptionRow{
+        "--warmup", "BARS", "bars before the start (1500, or a quarter of the record)", running, readWarmup},
     OptionRow{"--model", "M",
         "when the script is called: at the open of each bar, at\n"
         "ohlc of each minute, along a path, as by a feed (ohlc)",

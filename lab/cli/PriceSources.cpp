@@ -83,7 +83,7 @@ std::vector<MinuteHistory> simulated(Options& options, Told told)
         settings.from = settings.to ? *settings.to - usualLength : usualStart;
     if (!settings.to)
         settings.to = *settings.from + usualLength;
-    const practice::TimeMs warmup = settings.warmupBars * practice::timeframeLength(settings.timeframe);
+    const practice::TimeMs warmup = settings.warmup() * practice::timeframeLength(settings.timeframe);
     const practice::TimeMs start = practice::barStart(*settings.from, settings.timeframe) - warmup;
     const auto history = [&](const std::string& symbol) {
         Progress progress("Simulating " + symbol);

@@ -12,9 +12,14 @@ namespace lab {
 
 /// What was found out about one thing that a result must not depend on.
 struct CheckVerdict {
+    /// Nothing is proved by comparing nothing: such a check has neither held nor failed.
+    enum class Outcome { Holds, Fails, NotComparable };
+
     std::string name; ///< in a word
-    bool holds = false;
-    std::string text; ///< a sentence
+    Outcome outcome = Outcome::Fails;
+    std::string text; ///< a sentence, which tells what was compared
+
+    [[nodiscard]] bool holds() const { return outcome == Outcome::Holds; }
 };
 
 /// How runs are made for a check.

@@ -90,8 +90,9 @@ struct RunResult {
     /// Made of an account's closed trades, without prices: equity is the balance, and `worst`, `best`,
     /// spreads and whatever else needs prices are unknown.
     bool closedTradesOnly = false;
-    std::uint64_t bars = 0;  ///< of the chart, without those before the first tick
-    std::uint64_t ticks = 0; ///< calls of the script
+    std::uint64_t warmupBars = 0; ///< before the first tick; no more than asked for, and than there were
+    std::uint64_t bars = 0;       ///< of the chart, without those before the first tick
+    std::uint64_t ticks = 0;      ///< calls of the script
     practice::Cents startBalance = 0;
     std::vector<TradeRow> trades;    ///< in the order of closing
     std::vector<EquityPoint> equity; ///< start, each change of the balance, end of each UTC day, end

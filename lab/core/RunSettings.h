@@ -28,14 +28,18 @@ enum class ExtremeOrder {
 
 enum class AccountRules { Demo, Plan };
 
+/// So many bars does a chart begin with when nobody says otherwise.
+inline constexpr int usualWarmup = 1500;
+
 /// What a run was asked to do, apart from script and prices. Two runs with equal settings, scripts and
 /// prices give equal results.
 struct RunSettings {
     std::string symbol;
     practice::Timeframe timeframe = practice::Timeframe::M15;
-    std::optional<practice::TimeMs> from; ///< absent: as soon as there are `warmupBars`
+    std::optional<practice::TimeMs> from; ///< absent: as soon as the chart has its warm-up
     std::optional<practice::TimeMs> to;   ///< the first moment that no longer belongs to the run
-    int warmupBars = 1500;                ///< of the chart before the first tick, fewer where there are fewer
+    /// Of the chart before the first tick, fewer where there are fewer; absent: as many as usual.
+    std::optional<int> warmupBars;
     Model model = Model::Ohlc;
     ExtremeOrder extremes = ExtremeOrder::Usual;
     std::optional<std::int64_t> spreadPoints; ///< absent: as recorded, else as usual for the symbol
@@ -46,6 +50,8 @@ struct RunSettings {
     std::uint64_t seed = 1; ///< of everything random, the script's included
     std::vector<std::pair<std::string, std::string>>
         inputs; ///< name and literal, as given, in the script's order
+
+    [[nodiscard]] int warmup() const { return warmupBars.value_or(usualWarmup); }
 };
 
 } // namespace lab

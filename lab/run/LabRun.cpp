@@ -38,7 +38,7 @@ std::vector<Candle> candlesBefore(
     const MinuteHistory& history, const RunSettings& settings, std::size_t minute)
 {
     std::vector<Candle> candles;
-    for (const practice::Bar& bar : barsBefore(history, settings.timeframe, settings.warmupBars, minute)) {
+    for (const practice::Bar& bar : barsBefore(history, settings.timeframe, settings.warmup(), minute)) {
         const auto volume = std::min<std::int64_t>(bar.volume, std::numeric_limits<qint32>::max());
         candles.push_back({bar.time, bar.open, bar.high, bar.low, bar.close, static_cast<qint32>(volume)});
     }
@@ -74,9 +74,10 @@ public:
         , m_span(span)
         , m_walk(m_history, settings, span.firstMinute, span.endMinute)
         , m_account(settings, histories)
+        , m_before(candlesBefore(m_history, settings, span.firstMinute))
+        , m_warmup(m_before.size())
         , m_stage({QString::fromStdString(m_history.spec.name), m_history.spec.digits,
-                      practice::timeframeLength(settings.timeframe), settings.seed,
-                      candlesBefore(m_history, settings, span.firstMinute)},
+                      practice::timeframeLength(settings.timeframe), settings.seed, std::move(m_before)},
               callbacksTo(m_account),
               [this](const QString& side, double lots, double stopLoss, double takeProfit) {
                   m_account.noteRefusal(sideOf(side), lots, stopLoss, takeProfit);
@@ -134,6 +135,11 @@ public:
         if (m_error)
             result.error = (script.name + u": "_s + *m_error).toStdString();
         m_account.finish(result);
+        result.warmupBars = m_warmup;
+        if (const auto wanted = static_cast<std::size_t>(std::max(0, m_settings.warmup())); m_warmup < wanted)
+            result.warnings.push_back("Warm-up of " + std::to_string(m_warmup)
+                + (m_warmup == 1 ? " bar" : " bars") + " instead of " + std::to_string(wanted)
+                + ": the history has no more before the start.");
         result.journal = m_stage.journal().lines();
         if (const std::uint64_t leftOut = m_stage.journal().leftOut(); leftOut > 0) {
             result.warnings.push_back("Of " + std::to_string(m_stage.journal().count())
@@ -175,6 +181,8 @@ private:
     RunSpan m_span;
     PriceWalk m_walk;
     AccountSession m_account;
+    std::vector<Candle> m_before; ///< on their way to the stage
+    std::size_t m_warmup;
     ScriptStage m_stage;
     std::optional<QString> m_error;
     std::uint64_t m_ticks = 0;

@@ -36,17 +36,39 @@ std::string dayText(practice::TimeMs time)
     throw HistoryError(reason);
 }
 
-// The first minute of the bar that has so many before it.
-std::size_t afterWarmup(const MinuteHistory& history, const RunSettings& settings)
+// A warm-up that nobody has asked for leaves most of the history to the run.
+constexpr int usualPart = 4;
+
+// The bars up to a minute, as far as anybody counts.
+int countBars(const MinuteHistory& history, practice::Timeframe timeframe, std::size_t end, int most)
 {
     int bars = 0;
-    for (std::size_t minute = 0; minute < history.size(); ++minute) {
-        if (beginsBar(history, settings.timeframe, minute) && bars++ == std::max(0, settings.warmupBars))
+    for (std::size_t minute = 0; minute < end && bars < most; ++minute)
+        bars += beginsBar(history, timeframe, minute) ? 1 : 0;
+    return bars;
+}
+
+int usualWarmupIn(const MinuteHistory& history, practice::Timeframe timeframe, std::size_t end)
+{
+    return countBars(history, timeframe, end, usualPart * usualWarmup) / usualPart;
+}
+
+// The first minute of the bar that has the warm-up before it.
+std::size_t afterWarmup(const MinuteHistory& history, const RunSettings& settings, std::size_t end)
+{
+    const int usual = usualWarmupIn(history, settings.timeframe, end);
+    const int wanted = std::max(0, settings.warmupBars.value_or(usual));
+    int bars = 0;
+    for (std::size_t minute = 0; minute < end; ++minute) {
+        if (beginsBar(history, settings.timeframe, minute) && bars++ == wanted)
             return minute;
     }
-    throw HistoryError(history.spec.name + ": " + std::to_string(bars) + " bars of "
-        + std::string(practice::timeframeKey(settings.timeframe)) + ", and none after a warm-up of "
-        + std::to_string(settings.warmupBars) + "; take a shorter warm-up, or name the start");
+    if (bars == 0)
+        failEmpty(history);
+    throw HistoryError(history.spec.name + ": " + std::to_string(bars)
+        + (bars == 1 ? " bar of " : " bars of ") + std::string(practice::timeframeKey(settings.timeframe))
+        + ", and none after a warm-up of " + std::to_string(wanted) + "; --warmup " + std::to_string(usual)
+        + " leaves most of them to the run");
 }
 
 } // namespace
@@ -59,9 +81,10 @@ bool beginsBar(const MinuteHistory& history, practice::Timeframe timeframe, std:
 RunSpan spanOf(const MinuteHistory& history, const RunSettings& settings)
 {
     RunSpan span;
-    span.firstMinute = settings.from ? history.firstFrom(*settings.from) : afterWarmup(history, settings);
     // A minute belongs to the run when it ends by then.
     span.endMinute = settings.to ? history.firstFrom(*settings.to - practice::minuteMs + 1) : history.size();
+    span.firstMinute
+        = settings.from ? history.firstFrom(*settings.from) : afterWarmup(history, settings, span.endMinute);
     if (span.firstMinute >= span.endMinute)
         failEmpty(history);
     return span;

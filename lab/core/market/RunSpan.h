@@ -17,8 +17,9 @@ struct RunSpan {
 };
 
 /// Begins with the first minute from `settings.from` on; without one, with the first minute of the bar that
-/// has `warmupBars` bars before it. Ends with the last minute that is over by `settings.to`, else the
-/// history's. Throws HistoryError when nothing lies between.
+/// has `warmupBars` bars before it, or, where nobody has said how many, the usual number and at most a
+/// quarter of all. Ends with the last minute that is over by `settings.to`, else the history's. Throws
+/// HistoryError when nothing lies between.
 [[nodiscard]] RunSpan spanOf(const MinuteHistory& history, const RunSettings& settings);
 
 /// The last `count` bars of mid prices up to a minute (which is not in them; at most the history's size),

@@ -54,6 +54,13 @@ Lines closedTradesLines(const RunResult& result)
         {"Balance", practice::moneyText(result.startBalance)}};
 }
 
+std::string warmupText(const RunResult& result)
+{
+    const auto bars = static_cast<double>(result.warmupBars);
+    const auto wanted = static_cast<double>(std::max(0, result.settings.warmup()));
+    return groupedText(bars, 0) + (bars < wanted ? " instead of " + groupedText(wanted, 0) : "");
+}
+
 Lines priceLines(const RunResult& result)
 {
     const RunSettings& settings = result.settings;
@@ -67,7 +74,7 @@ Lines priceLines(const RunResult& result)
         lines.emplace_back("High and low", std::string(extremesText(settings.extremes)));
     lines.emplace_back("Spread",
         settings.spreadPoints ? std::to_string(*settings.spreadPoints) + " points" : "as recorded or usual");
-    lines.emplace_back("Bars before the start", groupedText(settings.warmupBars, 0));
+    lines.emplace_back("Bars before the start", warmupText(result));
     return lines;
 }
 

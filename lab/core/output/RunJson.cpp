@@ -3,6 +3,8 @@
 #include "lab/core/output/RunWords.h"
 #include "lab/core/output/Texts.h"
 
+#include <algorithm>
+
 namespace lab {
 
 namespace {
@@ -42,7 +44,8 @@ std::string runJson(const RunResult& result, std::string_view version)
     run.text("timeframe", practice::timeframeKey(settings.timeframe));
     run.time("from", settings.from);
     run.time("to", settings.to);
-    run.count("warmup", static_cast<std::uint64_t>(settings.warmupBars < 0 ? 0 : settings.warmupBars));
+    run.count("warmup", result.warmupBars);
+    run.count("warmupWanted", static_cast<std::uint64_t>(std::max(0, settings.warmup())));
     run.text("model", modelText(settings.model));
     run.text("extremes", extremesText(settings.extremes));
     if (settings.spreadPoints)

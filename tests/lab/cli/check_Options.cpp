@@ -67,7 +67,8 @@ TEST_CASE("a run over recorded minutes needs no more than script and file")
     CHECK(options.settings.rules == lab::AccountRules::Demo);
     CHECK_EQ(options.settings.balance, 10'000'000);
     CHECK_EQ(options.settings.leverage, 100);
-    CHECK_EQ(options.settings.warmupBars, 1500);
+    CHECK(!options.settings.warmupBars);
+    CHECK_EQ(options.settings.warmup(), 1500);
     CHECK_EQ(options.settings.delayMs, 0);
     CHECK(!options.settings.spreadPoints && !options.settings.from && !options.settings.to);
     CHECK(options.out.empty());
@@ -88,7 +89,7 @@ TEST_CASE("every option of a run arrives where it belongs")
     CHECK(settings.timeframe == practice::Timeframe::H1);
     CHECK_EQ(settings.from.value_or(0), 1'398'902'400'000);
     CHECK_EQ(settings.to.value_or(0), 1'401'625'800'000);
-    CHECK_EQ(settings.warmupBars, 100);
+    CHECK_EQ(settings.warmup(), 100);
     CHECK(settings.model == lab::Model::Path);
     CHECK(settings.extremes == lab::ExtremeOrder::HighFirst);
     CHECK_EQ(settings.spreadPoints.value_or(0), 12);
@@ -119,7 +120,7 @@ TEST_CASE("of a repeated option the last one counts, of an input too")
 {
     const Options options
         = read("run a.js --data A-1m.csv --warmup 1 --warmup 2 --set Fast=1 --set Slow=3 --set Fast=2");
-    CHECK_EQ(options.settings.warmupBars, 2);
+    CHECK_EQ(options.settings.warmup(), 2);
     REQUIRE(options.settings.inputs.size() == 2);
     CHECK_EQ(options.settings.inputs[0].first, "Slow");
     CHECK_EQ(options.settings.inputs[1].second, "2");

@@ -178,6 +178,52 @@ TEST_CASE("simulated prices give the same files again, and another seed others")
     CHECK(contains(contentOf(bench.folder / "one/summary.json"), "simulated"));
 }
 
+TEST_CASE("a warm-up shorter than asked for is counted and warned of")
+{
+    const Bench bench;
+    const std::string warning
+        = "Warm-up of 48 bars instead of 100: the history has no more before the start.";
+    CHECK_EQ(bench.run(crossing, {"--from", "2024-01-01T12:00", "--out", "one"}).exitCode, 0);
+    CHECK_EQ(bench.json("one/run.json").at("warmup").get<int>(), 48);
+    CHECK_EQ(bench.json("one/run.json").at("warmupWanted").get<int>(), 100);
+    CHECK_EQ(bench.json("one/summary.json").at("warnings").at(0).get<std::string>(), warning);
+    const std::string page = contentOf(bench.folder / "one/report.html");
+    CHECK(contains(page, warning));
+    CHECK(contains(page, "48 instead of 100"));
+    CHECK_EQ(bench.run(crossing, {"--from", "2024-01-03", "--out", "two"}).exitCode, 0);
+    CHECK_EQ(bench.json("two/run.json").at("warmup").get<int>(), 100);
+    CHECK(!contains(contentOf(bench.folder / "two/report.html"), "Warm-up of"));
+}
+
+TEST_CASE("a short history is run through without naming start or warm-up")
+{
+    const Bench bench;
+    const Result result
+        = bench.lab.run({"run", crossing, "--data", "EURUSD-1m.csv", "--timeframe", "1h", "--out", "one"});
+    CHECK_EQ(result.exitCode, 0);
+    CHECK(contains(result.output, "Warm-up of 36 bars instead of 1500"));
+    CHECK_EQ(bench.json("one/run.json").at("from").get<std::string>(), "2024-01-02T12:00:00.000Z");
+    const Result refused = bench.lab.run(
+        {"run", crossing, "--data", "EURUSD-1m.csv", "--timeframe", "1h", "--warmup", "200", "--out", "two"});
+    CHECK_EQ(refused.exitCode, 2);
+    CHECK(isOneLine(refused.errors));
+    CHECK(contains(refused.errors, "144 bars of 1h, and none after a warm-up of 200; --warmup 36 "));
+}
+
+TEST_CASE("a check of a script that never trades proves nothing and says so")
+{
+    const Bench bench;
+    write(bench.folder / "Idle.js", "function OnTick() {}\n");
+    const Result result = bench.lab.run(
+        {"check", "Idle.js", "--data", "EURUSD-1m.csv", "--warmup", "100", "--out", "checked"});
+    CHECK_EQ(result.exitCode, 1);
+    CHECK(contains(result.output, "future      not comparable"));
+    CHECK(contains(result.output, "warm-up     not comparable"));
+    CHECK(contains(result.output, "repetition  holds"));
+    CHECK(contains(
+        contentOf(bench.folder / "checked/report.html"), "Check without anything to compare (future)"));
+}
+
 TEST_CASE("an input changes the run, and is written down")
 {
     const Bench bench;

@@ -39,6 +39,8 @@ RunResult tradesEverySixHours(const RunSettings& settings, practice::Cents profi
 {
     RunResult result;
     result.settings = settings;
+    result.warmupBars = static_cast<std::uint64_t>(settings.warmup());
+    result.bars = static_cast<std::uint64_t>((*settings.to - *settings.from) / practice::hourMs);
     result.startBalance = 10'000'000;
     practice::Cents balance = result.startBalance;
     result.equity.push_back({*settings.from, balance, balance});
@@ -81,11 +83,73 @@ TEST_CASE("a strategy that looks at nothing but the past passes every check")
     const RunResult base = runs.run(usualSettings());
     for (const lab::Check check : lab::allChecks()) {
         const CheckVerdict verdict = check(runs, base);
-        CHECK(verdict.holds);
+        CHECK(verdict.holds());
         CHECK(!verdict.name.empty() && verdict.text.ends_with('.'));
     }
     CHECK(made <= lab::mostCheckRuns);
     CHECK(made >= 9);
+}
+
+TEST_CASE("a verdict says how much was compared")
+{
+    const CheckRuns runs = runsOf([](const RunSettings& settings) { return tradesEverySixHours(settings); });
+    const RunResult base = runs.run(usualSettings());
+    CHECK_EQ(lab::checkFuture(runs, base).text,
+        "Runs that end after 24, 48 and 72 bars agree with the whole run so far: 3, 7 and 11 closed trades "
+        "and 3, 7 and 11 lines of the journal compared.");
+    CHECK_EQ(lab::checkWarmup(runs, base).text,
+        "750 or 3000 bars of warm-up give the same trades as 1500: 16 trades over 96 bars compared.");
+    CHECK(contains(lab::checkExtremes(runs, base).text, "16 trades and 14.93, over 96 bars."));
+    CHECK_EQ(lab::checkRepetition(runs, base).text,
+        "Another run gives the same files: 16 trades and 14.93, over 96 bars.");
+}
+
+TEST_CASE("where there is nothing to compare, nothing is said to hold")
+{
+    const CheckRuns runs = runsOf([](const RunSettings& settings) {
+        RunResult result = tradesEverySixHours(settings);
+        result.trades.clear();
+        result.journal.clear();
+        return result;
+    });
+    const RunResult base = runs.run(usualSettings());
+    for (const lab::Check check : {lab::checkFuture, lab::checkWarmup, lab::checkExtremes}) {
+        const CheckVerdict verdict = check(runs, base);
+        CHECK(verdict.outcome == CheckVerdict::Outcome::NotComparable);
+        CHECK(contains(verdict.text, verdict.name == "future" ? "24, 48 and 72 bars" : "96 bars"));
+    }
+    RunSettings brief = usualSettings();
+    brief.to = *brief.from + practice::minuteMs;
+    CHECK(lab::checkFuture(runs, runs.run(brief)).outcome == CheckVerdict::Outcome::NotComparable);
+    RunSettings unwarmed = usualSettings();
+    unwarmed.warmupBars = 0;
+    CHECK(lab::checkWarmup(runs, runs.run(unwarmed)).outcome == CheckVerdict::Outcome::NotComparable);
+}
+
+TEST_CASE("a journal alone is something to compare")
+{
+    const CheckRuns runs = runsOf([](const RunSettings& settings) {
+        RunResult result = tradesEverySixHours(settings);
+        result.trades.clear();
+        return result;
+    });
+    const CheckVerdict verdict = lab::checkFuture(runs, runs.run(usualSettings()));
+    CHECK(verdict.holds());
+    CHECK(contains(verdict.text, "0, 0 and 0 closed trades and 3, 7 and 11 lines"));
+}
+
+TEST_CASE("the warm-up that there was is halved, not the one that was asked for")
+{
+    std::vector<int> warmups;
+    const auto make = [&warmups](const RunSettings& settings) {
+        warmups.push_back(settings.warmup());
+        return tradesEverySixHours(settings);
+    };
+    RunResult base = tradesEverySixHours(usualSettings());
+    base.warmupBars = 300;
+    const CheckVerdict verdict = lab::checkWarmup({make, [](int) { return std::nullopt; }}, base);
+    CHECK(contains(verdict.text, "150 bars of warm-up give the same trades as 300"));
+    CHECK(warmups == std::vector<int>{150});
 }
 
 TEST_CASE("a result that depends on the end of the run fails")
@@ -95,7 +159,7 @@ TEST_CASE("a result that depends on the end of the run fails")
         return tradesEverySixHours(settings, (*settings.to - *settings.from) / practice::dayMs);
     });
     const CheckVerdict verdict = lab::checkFuture(runs, runs.run(usualSettings()));
-    CHECK(!verdict.holds);
+    CHECK(!verdict.holds());
     CHECK(contains(verdict.text, "2024-01-02 00:00"));
     CHECK(contains(verdict.text, "trade 1"));
 }
@@ -132,10 +196,10 @@ TEST_CASE("equity and journal count too, but not what the end itself has changed
 TEST_CASE("trades that depend on the warm-up fail, with what they come to")
 {
     const CheckRuns runs = runsOf([](const RunSettings& settings) {
-        return tradesEverySixHours(settings, settings.warmupBars >= 1500 ? 100 : 90);
+        return tradesEverySixHours(settings, settings.warmup() >= 1500 ? 100 : 90);
     });
     const CheckVerdict verdict = lab::checkWarmup(runs, runs.run(usualSettings()));
-    CHECK(!verdict.holds);
+    CHECK(!verdict.holds());
     CHECK(contains(verdict.text, "With 750 bars of warm-up there are 16 trades and 13.43"));
     CHECK(contains(verdict.text, "with 1500 there are 16 trades and 14.93"));
 }
@@ -144,12 +208,12 @@ TEST_CASE("without the history for it the double warm-up is left out, and said t
 {
     std::vector<int> warmups;
     const auto make = [&warmups](const RunSettings& settings) {
-        warmups.push_back(settings.warmupBars);
+        warmups.push_back(settings.warmup());
         return tradesEverySixHours(settings);
     };
     const RunResult base = tradesEverySixHours(usualSettings());
     const CheckVerdict verdict = lab::checkWarmup({make, [](int) { return std::nullopt; }}, base);
-    CHECK(verdict.holds);
+    CHECK(verdict.holds());
     CHECK(contains(verdict.text, "not enough history to double it"));
     CHECK_EQ(warmups.size(), 1U);
     CHECK_EQ(warmups.front(), 750);
@@ -159,13 +223,13 @@ TEST_CASE("a start that leaves no room for the double warm-up is moved for all t
 {
     std::vector<std::pair<int, practice::TimeMs>> made;
     const auto make = [&made](const RunSettings& settings) {
-        made.emplace_back(settings.warmupBars, *settings.from - start);
+        made.emplace_back(settings.warmup(), *settings.from - start);
         return tradesEverySixHours(settings);
     };
     const RunResult base = tradesEverySixHours(usualSettings());
     const CheckVerdict verdict
         = lab::checkWarmup({make, [](int) { return std::optional(start + practice::dayMs); }}, base);
-    CHECK(verdict.holds);
+    CHECK(verdict.holds());
     REQUIRE(made.size() == 3);
     CHECK(made[0] == std::make_pair(1500, practice::dayMs));
     CHECK(made[1] == std::make_pair(750, practice::dayMs));
@@ -181,9 +245,9 @@ TEST_CASE("a result that the order of the extremes makes fails, a small differen
         });
     };
     const RunResult base = tradesEverySixHours(usualSettings());
-    CHECK(lab::checkExtremes(byExtremes(100, 92), base).holds);
-    CHECK(!lab::checkExtremes(byExtremes(100, 85), base).holds);
-    CHECK(!lab::checkExtremes(byExtremes(100, -100), base).holds);
+    CHECK(lab::checkExtremes(byExtremes(100, 92), base).holds());
+    CHECK(!lab::checkExtremes(byExtremes(100, 85), base).holds());
+    CHECK(!lab::checkExtremes(byExtremes(100, -100), base).holds());
     CHECK(contains(lab::checkExtremes(byExtremes(100, 85), base).text, "High first there are 16 trades"));
 }
 
@@ -196,7 +260,7 @@ TEST_CASE("with a way through each minute the extremes are not in question")
         ++made;
         return tradesEverySixHours(each);
     };
-    CHECK(lab::checkExtremes(runsOf(make), tradesEverySixHours(settings)).holds);
+    CHECK(lab::checkExtremes(runsOf(make), tradesEverySixHours(settings)).holds());
     CHECK_EQ(made, 0);
 }
 
@@ -207,7 +271,7 @@ TEST_CASE("a run that is not the same again fails")
         = runsOf([&profit](const RunSettings& settings) { return tradesEverySixHours(settings, profit++); });
     const RunResult base = runs.run(usualSettings());
     const CheckVerdict verdict = lab::checkRepetition(runs, base);
-    CHECK(!verdict.holds);
+    CHECK(!verdict.holds());
     CHECK(contains(verdict.text, "other files"));
 }
 

@@ -79,10 +79,26 @@ TEST_CASE("without a beginning the run begins with the first bar that has the wa
     }
     settings.warmupBars = 5;
     CHECK_EQ(complaint(history, settings),
-        std::string("EURUSD: 5 bars of 5m, and none after a warm-up of 5; take a shorter warm-up, or name "
-                    "the start"));
+        std::string("EURUSD: 5 bars of 5m, and none after a warm-up of 5; --warmup 1 leaves most of them to "
+                    "the run"));
+    settings.warmupBars = 1;
+    CHECK_EQ(complaint(history, settings), std::string("accepted"));
+    settings.warmupBars = 5;
     settings.from = start;
     CHECK_EQ(complaint(history, settings), std::string("accepted"));
+}
+
+TEST_CASE("a warm-up that nobody has asked for takes a quarter of the history at most")
+{
+    RunSettings settings = fiveMinutes();
+    CHECK(spanOf(twoStretches(), settings) == (RunSpan{5, 20})); // one of five bars
+    settings.to = start + 30 * minuteMs;                         // two bars, of which a quarter is none
+    CHECK(spanOf(twoStretches(), settings) == (RunSpan{0, 10}));
+    settings.to.reset();
+    settings.timeframe = Timeframe::M1;
+    CHECK(spanOf(someHistory(4'000, 3), settings) == (RunSpan{1'000, 4'000}));
+    CHECK(spanOf(someHistory(5'999, 3), settings) == (RunSpan{1'499, 5'999}));
+    CHECK(spanOf(someHistory(30'000, 3), settings) == (RunSpan{1'500, 30'000}));
 }
 
 TEST_CASE("a period without prices is refused, and those that have some are named")
@@ -102,9 +118,7 @@ TEST_CASE("a period without prices is refused, and those that have some are name
     settings.to = start;
     CHECK_EQ(complaint(history, settings), empty);
     CHECK_EQ(complaint(historyOf({}), settings), std::string("EURUSD: no prices in this period"));
-    CHECK_EQ(complaint(historyOf({}), fiveMinutes()),
-        std::string("EURUSD: 0 bars of 5m, and none after a warm-up of 1500; take a shorter warm-up, or name "
-                    "the start"));
+    CHECK_EQ(complaint(historyOf({}), fiveMinutes()), std::string("EURUSD: no prices in this period"));
 }
 
 TEST_CASE("the bars before a minute are folded from the minutes before it")

@@ -14,6 +14,7 @@ inline RunResult smallRun()
     run.settings.from = monday;
     run.settings.to = monday + 2 * practice::dayMs;
     run.settings.inputs = {{"Fast", "5"}, {"Name", "\"slow & steady\""}};
+    run.warmupBars = 1500;
     run.bars = 192;
     run.ticks = 11'520;
     run.startBalance = 10'000'000;

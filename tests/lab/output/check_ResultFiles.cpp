@@ -95,6 +95,7 @@ TEST_CASE("a run says what it was")
   "from": "2024-01-01T00:00:00.000Z",
   "to": "2024-01-03T00:00:00.000Z",
   "warmup": 1500,
+  "warmupWanted": 1500,
   "model": "ohlc",
   "extremes": "usual",
   "spread": null,
