@@ -16,7 +16,14 @@ using practice::Cents;
 
 constexpr double fewTrades = 30;
 constexpr double fewDays = 30;
+constexpr double daysForYears = 60;
 constexpr double sureEnough = 0.95;
+
+/// With the minus sign that people read.
+std::string typeset(const std::string& number)
+{
+    return number.starts_with('-') ? "\xE2\x88\x92" + number.substr(1) : number;
+}
 
 std::string percentText(double fraction)
 {
@@ -24,7 +31,12 @@ std::string percentText(double fraction)
     const auto end
         = std::to_chars(text.data(), text.data() + text.size(), fraction * 100, std::chars_format::fixed, 1);
     const std::string number(text.data(), end.ptr);
-    return (number == "-0.0" ? "0.0" : number) + " %";
+    return typeset(number == "-0.0" ? "0.0" : number) + " %";
+}
+
+std::string moneyText(Cents amount)
+{
+    return typeset(practice::moneyText(amount));
 }
 
 /// "1 trade", "2 trades"
@@ -67,8 +79,8 @@ std::string ambiguityText(const RunResult& result, const Figures& figures)
         + " closed in a minute that held both stop loss and take profit. Had the other level come first, net "
           "profit "
           "would be "
-        + practice::moneyText(otherNet(result)) + " instead of "
-        + practice::moneyText(static_cast<Cents>(*figures.netProfit)) + '.';
+        + moneyText(otherNet(result)) + " instead of " + moneyText(static_cast<Cents>(*figures.netProfit))
+        + '.';
 }
 
 std::string tradesText(double trades)
@@ -95,10 +107,15 @@ std::vector<std::string> warningsOf(const RunResult& result, const Figures& figu
     add(*figures.trades < fewTrades, [&] { return tradesText(*figures.trades); });
     add(days < fewDays,
         [&] { return "Only " + counted(days, "day") + " with prices: figures by day say little."; });
+    add(days < daysForYears && figures.volatility, [&] {
+        return "Yearly figures from " + counted(days, "day")
+            + " say little: growth, volatility and the Sharpe, Sortino and Calmar ratios are stretched to a "
+              "year.";
+    });
     add(*figures.ambiguousExits > 0, [&] { return ambiguityText(result, figures); });
     add(figures.psr && *figures.psr < sureEnough, [&] {
-        return "The probability that the true Sharpe ratio is above 0 is only " + percentText(*figures.psr)
-            + '.';
+        return "The probability that the true Sharpe ratio is above 0 is " + percentText(*figures.psr)
+            + ": below 95 % it may be luck.";
     });
     add(*figures.refusals > 0, [&] { return counted(*figures.refusals, "order") + " refused."; });
     add(result.simulated, [] {
@@ -109,7 +126,7 @@ std::vector<std::string> warningsOf(const RunResult& result, const Figures& figu
 
 std::string verdictOf(const RunResult& result, const Figures& figures)
 {
-    std::string text = "Net profit " + practice::moneyText(static_cast<Cents>(*figures.netProfit));
+    std::string text = "Net profit " + moneyText(static_cast<Cents>(*figures.netProfit));
     if (*figures.startBalance > 0)
         text += " (" + percentText(*figures.netProfit / *figures.startBalance) + ")";
     text += " in " + counted(*figures.trades, "trade") + " over " + counted(*figures.days, "day");

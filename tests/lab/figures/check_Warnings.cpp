@@ -55,6 +55,36 @@ TEST_CASE("few days are warned of")
     CHECK(warns(result, "Only 29 days with prices"));
 }
 
+TEST_CASE("figures by the year are warned of where they are stretched from less than sixty days")
+{
+    RunResult result = soundRun();
+    CHECK(!warns(result, "early figures"));
+    result.days.resize(59);
+    CHECK(warns(result,
+        "Yearly figures from 59 days say little: growth, volatility and the Sharpe, Sortino and Calmar "
+        "ratios "
+        "are stretched to a year."));
+    // Without any such figure there is nothing to warn of.
+    CHECK(!warns(RunResult(), "early figures"));
+}
+
+TEST_CASE("sums below nothing have the minus sign that the figures have")
+{
+    RunResult result = runs::withEquities({101'000, 99'000});
+    result.trades = {runs::trade(1, -11'052)};
+    CHECK(verdictOf(result, figuresOf(result))
+              .find("Net profit \xE2\x88\x92"
+                    "110.52 (\xE2\x88\x92"
+                    "11.1 %)")
+        != std::string::npos);
+    result.trades[0].ambiguous = true;
+    result.trades[0].otherProfit = -20'000;
+    CHECK(warns(result,
+        "would be \xE2\x88\x92"
+        "200.00 instead of \xE2\x88\x92"
+        "110.52."));
+}
+
 TEST_CASE("an ambiguous exit is shown both ways")
 {
     RunResult result = soundRun();
@@ -98,7 +128,8 @@ TEST_CASE("an account of which nothing is left is warned of")
 TEST_CASE("a Sharpe ratio that may be luck is warned of")
 {
     RunResult result = runs::withEquities({101'000, 99'000, 101'000, 99'500});
-    CHECK(warns(result, "is above 0 is only 4"));
+    CHECK(warns(result, "The probability that the true Sharpe ratio is above 0 is 4"));
+    CHECK(warns(result, " %: below 95 % it may be luck."));
 }
 
 TEST_CASE("orders that were refused are counted")
