@@ -1,6 +1,7 @@
 #include "lab/core/figures/DrawdownSpans.h"
 #include "lab/core/figures/ReportSeries.h"
 #include "lab/core/output/FigureText.h"
+#include "lab/core/output/MissingFigure.h"
 #include "lab/core/output/PageParts.h"
 #include "lab/core/output/Texts.h"
 
@@ -49,9 +50,9 @@ std::string slotTable(std::string_view caption, std::string_view head, std::span
             + groupedText(static_cast<double>(slot.trades), 0) + "</td><td class=\"n\">";
         html += slot.trades > 0
             ? percentText(static_cast<double>(slot.wins) / static_cast<double>(slot.trades), 0)
-            : std::string(undefinedText);
+            : missingMark("no trades");
         html += "</td><td" + std::string(signedCell(net)) + '>';
-        html += slot.trades > 0 ? centsText(net) : std::string(undefinedText);
+        html += slot.trades > 0 ? centsText(net) : missingMark("no trades");
         html += "</td>" + barCell(largest > 0 ? net / largest : 0) + "</tr>\n";
     }
     return html + "</tbody>\n</table>\n";

@@ -1,5 +1,6 @@
 #include "lab/core/figures/Warnings.h"
 #include "lab/core/output/FigureText.h"
+#include "lab/core/output/MissingFigure.h"
 #include "lab/core/output/PageParts.h"
 #include "lab/core/output/RunWords.h"
 #include "lab/core/output/Texts.h"
@@ -25,6 +26,8 @@ constexpr std::array<std::pair<std::string_view, std::string_view>, 8> groups{{
     {"buyAndHold", "Limits and checks"},
 }};
 
+const std::string notKnown = "not known";
+
 using Lines = std::vector<std::pair<std::string, std::string>>;
 
 std::string settingsTable(std::string_view caption, const Lines& lines)
@@ -49,8 +52,8 @@ Lines closedTradesLines(const RunResult& result)
 {
     const RunSettings& settings = result.settings;
     return {{"Symbol", shortened(settings.symbol, 100)},
-        {"First opening", settings.from ? minuteText(*settings.from) + " UTC" : std::string(undefinedText)},
-        {"Until", settings.to ? minuteText(*settings.to) + " UTC" : std::string(undefinedText)},
+        {"First opening", settings.from ? minuteText(*settings.from) + " UTC" : notKnown},
+        {"Until", settings.to ? minuteText(*settings.to) + " UTC" : notKnown},
         {"Balance", practice::moneyText(result.startBalance)}};
 }
 
@@ -66,8 +69,8 @@ Lines priceLines(const RunResult& result)
     const RunSettings& settings = result.settings;
     Lines lines{{"Symbol", shortened(settings.symbol, 100)},
         {"Timeframe", std::string(practice::timeframeKey(settings.timeframe))},
-        {"From", settings.from ? minuteText(*settings.from) + " UTC" : std::string(undefinedText)},
-        {"To", settings.to ? minuteText(*settings.to) + " UTC" : std::string(undefinedText)},
+        {"From", settings.from ? minuteText(*settings.from) + " UTC" : notKnown},
+        {"To", settings.to ? minuteText(*settings.to) + " UTC" : notKnown},
         {"Prices", result.simulated ? "simulated" : "recorded"},
         {"Model of time", std::string(modelText(settings.model))}};
     if (settings.model == Model::Ohlc)
@@ -95,8 +98,18 @@ std::string tile(const Figures& figures, std::string_view key)
     const FigureRow* const row = figureRow(key);
     if (!row)
         return {};
-    return "<div><dt>" + escaped(row->name) + "</dt><dd>" + figureText(row->kind, row->of(figures))
+    const Figure value = row->of(figures);
+    return "<div><dt>" + escaped(row->name) + "</dt><dd>" + figureText(row->kind, value)
+        + (value ? std::string() : "<small>" + escaped(whyMissing(key, figures)) + "</small>")
         + "</dd></div>\n";
+}
+
+std::string reasonLine(const FigureRow& row, const Figures& figures)
+{
+    if (row.of(figures))
+        return {};
+    return (row.formula.empty() ? "" : "<br>") + std::string("<span class=\"why\">")
+        + std::string(undefinedText) + ": " + escaped(whyMissing(row.key, figures)) + "</span>";
 }
 
 } // namespace
@@ -166,7 +179,7 @@ std::string figuresPart(const Figures& figures)
         }
         html += "<tr><th scope=\"row\">" + escaped(row.name) + "</th><td class=\"n\">"
             + figureText(row.kind, row.of(figures)) + "</td><td class=\"formula\">" + escaped(row.formula)
-            + "</td></tr>\n";
+            + reasonLine(row, figures) + "</td></tr>\n";
     }
     return html + (isOpen ? "</tbody>\n</table>\n</div>" : "</div>");
 }

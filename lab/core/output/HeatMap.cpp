@@ -1,6 +1,6 @@
 #include "lab/core/output/HeatMap.h"
 
-#include "lab/core/output/FigureText.h"
+#include "lab/core/output/MissingFigure.h"
 #include "lab/core/output/PageFrame.h"
 #include "lab/core/output/Texts.h"
 
@@ -20,12 +20,12 @@ std::string colourOf(double value, double largest, bool lowIsBest)
         + fixedText(share * 70, 0) + "%, var(--card))";
 }
 
-std::string cell(const std::optional<double>& value, double largest, bool lowIsBest, bool isBest)
+std::string cell(const std::optional<double>& value, const HeatGrid& grid, double largest, bool isBest)
 {
     if (!value || !std::isfinite(*value))
-        return "<td>" + std::string(undefinedText) + "</td>";
+        return "<td>" + missingMark(grid.missing) + "</td>";
     return std::string("<td") + (isBest ? " class=\"best\"" : "") + " style=\"background:"
-        + colourOf(*value, largest, lowIsBest) + "\">" + typeset(groupedText(*value, 2)) + "</td>";
+        + colourOf(*value, largest, grid.lowIsBest) + "\">" + typeset(groupedText(*value, 2)) + "</td>";
 }
 
 } // namespace
@@ -56,7 +56,7 @@ std::string heatMap(const HeatGrid& grid)
         for (std::size_t column = 0; column < grid.columns.size(); ++column) {
             const bool isThere = row < grid.values.size() && column < grid.values[row].size();
             const std::optional<double> value = isThere ? grid.values[row][column] : std::nullopt;
-            html += cell(value, largest, grid.lowIsBest, value && value == best);
+            html += cell(value, grid, largest, value && value == best);
         }
         html += "</tr>\n";
     }

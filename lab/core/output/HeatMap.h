@@ -17,6 +17,7 @@ struct HeatGrid {
     bool lowIsBest = false;
     std::string id = "heat"; ///< of the part in the page
     std::string title = "Heat map";
+    std::string missing = "not tried, failed, or undefined"; ///< why a cell has no value
 };
 
 /// The grid as a table with coloured cells, for ReportWords::parts. Names and values are escaped.

@@ -5,6 +5,7 @@
 #include "lab/core/output/Texts.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <span>
 #include <utility>
@@ -115,6 +116,29 @@ std::string tradeLine(const TradeRow& trade, const RunResult& result, bool withS
     return html;
 }
 
+std::string reasonsLegend(bool withScript)
+{
+    using Reason = std::pair<ExitReason, std::string_view>;
+    constexpr std::array reasons{Reason{ExitReason::StopLoss, "its stop loss was reached"},
+        Reason{ExitReason::TakeProfit, "its take profit was reached"},
+        Reason{ExitReason::Script, "the script closed it"},
+        Reason{ExitReason::End,
+            "it was still open at the end of the run, or of a window of a walk, and was closed at the last "
+            "price"},
+        Reason{ExitReason::Margin, "too little margin was left, so the broker closed it"},
+        Reason{ExitReason::Rule, "a rule of the plan was broken, which closes everything"}};
+    std::string html = "\n<dl class=\"note legend\">\n";
+    for (auto [reason, words] : reasons) {
+        if (!withScript && reason == ExitReason::End)
+            continue;
+        if (!withScript && reason == ExitReason::Script)
+            words = "a person or a script closed it";
+        html += "<div><dt>" + std::string(reasonText(reason)) + "</dt><dd>" + std::string(words)
+            + "</dd></div>\n";
+    }
+    return html + "</dl>";
+}
+
 } // namespace
 
 std::string excursionsPart(const RunResult& result, const PageLimits& limits)
@@ -184,6 +208,7 @@ std::string tradesPart(const RunResult& result, const PageLimits& limits)
     for (const TradeRow& trade : std::span(result.trades).last(count))
         html += tradeLine(trade, result, withSymbol);
     html += "</tbody>\n</table></div>";
+    html += reasonsLegend(!result.closedTradesOnly);
     if (std::any_of(result.trades.begin(), result.trades.end(),
             [](const TradeRow& trade) { return trade.ambiguous; }))
         html += "\n<p class=\"note\">A question mark: the last minute held both levels, so which came first "

@@ -3,6 +3,7 @@
 #include "lab/core/output/FigureText.h"
 #include "lab/core/output/HeatMap.h"
 #include "lab/core/output/JsonObject.h"
+#include "lab/core/output/MissingFigure.h"
 #include "lab/core/output/PageFrame.h"
 #include "lab/core/output/RunWords.h"
 #include "lab/core/output/Texts.h"
@@ -129,6 +130,14 @@ std::vector<const FigureRow*> shownFigures(const SortFigure& sort)
     return rows;
 }
 
+std::string_view whyUnstable(const SweepTable& table, const SetResult& set)
+{
+    if (table.sets.size() != table.grid.size())
+        return "only known where every set of the grid was tried";
+    const Figure value = table.sorted(set);
+    return !value || *value <= 0 ? "needs a figure above 0" : "needs a neighbour with the figure";
+}
+
 std::string count(std::uint64_t number)
 {
     return groupedText(static_cast<double>(number), 0);
@@ -144,19 +153,28 @@ std::string overview(const SweepTable& table)
     html += ". This page shows the best of them by " + escaped(sort.row->name) + " (the "
         + (sort.lowIsBest ? "lowest" : "highest") + "), of those with at least "
         + count(table.order.minTrades) + " trades.</p>\n<table>\n<tbody>\n";
-    const auto line = [&](std::string_view name, const Figure& value, std::string_view formula) {
+    const auto line = [&](std::string_view name, const Figure& value, std::string_view formula,
+                          std::string_view why) {
         html += "<tr><th scope=\"row\">" + escaped(name) + "</th><td class=\"n\">"
-            + figureText(FigureKind::Fraction, value) + "</td><td class=\"formula\">" + escaped(formula)
-            + "</td></tr>\n";
+            + figureText(FigureKind::Fraction, value) + "</td><td class=\"formula\">" + escaped(formula);
+        if (!value)
+            html += "<br><span class=\"why\">" + std::string(undefinedText) + ": " + escaped(why) + "</span>";
+        html += "</td></tr>\n";
     };
     line("Deflated Sharpe ratio (DSR)", table.deflatedSharpe,
         "PSR against √V·((1 − γ)·Φ⁻¹(1 − 1/N) + γ·Φ⁻¹(1 − 1/(N·e))), N = sets tried, V = variance of their "
-        "Sharpe ratios, γ = 0.5772…");
+        "Sharpe ratios, γ = 0.5772…",
+        "needs at least two sets with a Sharpe ratio");
     line("Probability of overfitting (PBO)", table.overfittingProbability,
         "share of the halvings of 16 blocks of days in which the best of one half is not above the median of "
-        "the other");
+        "the other",
+        table.sets.size() - table.choice.failed < 2
+            ? "needs at least two sets that did not fail"
+            : "needs at least 32 days with prices, two in each of 16 blocks; "
+              "left out for more than 67 million daily returns");
     line("Stability of the neighbourhood", table.stability[*table.best],
-        "mean of the neighbours' figures / the figure; neighbours differ by one step");
+        "mean of the neighbours' figures / the figure; neighbours differ by one step",
+        whyUnstable(table, table.sets[*table.best]));
     html += "</tbody>\n</table>\n<div class=\"wide\"><table>\n<caption>The best sets</caption>\n<thead><tr>";
     html += "<th scope=\"col\">Inputs</th>";
     for (const FigureRow* row : shownFigures(sort))
@@ -168,9 +186,12 @@ std::string overview(const SweepTable& table)
             break;
         html += "<tr><th scope=\"row\">"
             + escaped(shortened(inputsText(table.grid.inputsOf(set.number)), 200)) + "</th>";
+        const auto figureOf = [&set](std::string_view key) { return set.figure(key); };
         for (const FigureRow* row : shownFigures(sort))
-            html += "<td class=\"n\">" + figureText(row->kind, set.figure(row->key)) + "</td>";
-        html += "<td class=\"n\">" + figureText(FigureKind::Fraction, table.stability[table.ranking[rank]])
+            html += "<td class=\"n\">"
+                + figureHtml(row->kind, set.figure(row->key), whyMissing(row->key, figureOf)) + "</td>";
+        html += "<td class=\"n\">"
+            + figureHtml(FigureKind::Fraction, table.stability[table.ranking[rank]], whyUnstable(table, set))
             + "</td></tr>\n";
     }
     return html + "</tbody>\n</table></div>";
@@ -267,6 +288,7 @@ std::vector<std::string> sweepParts(const SweepTable& table)
             = planeOf(table, *axes, [&](std::size_t place) { return table.stability[place]; });
         neighbours.figure = "Neighbours' mean / own " + std::string(sort.row->name) + elsewhere(table, *axes);
         neighbours.id = "stability";
+        neighbours.missing = "failed, or its figure is not above 0";
         neighbours.title = "Stability of the neighbourhood";
         parts.push_back(heatMap(neighbours));
     }

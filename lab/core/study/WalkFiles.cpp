@@ -2,6 +2,7 @@
 
 #include "lab/core/output/FigureText.h"
 #include "lab/core/output/JsonObject.h"
+#include "lab/core/output/MissingFigure.h"
 #include "lab/core/output/PageFrame.h"
 #include "lab/core/output/Texts.h"
 #include "lab/core/study/StudyHead.h"
@@ -74,6 +75,29 @@ std::string rowsJson(const Walk& walk)
     for (std::size_t number = 0; number < walk.rows.size(); ++number)
         json += (number > 0 ? ",\n    " : "\n    ") + rowJson(walk, number);
     return json + "\n  ]";
+}
+
+constexpr std::string_view nothingChosen = "no set was chosen";
+
+std::string_view whyNoGrowth(const WalkRow& row)
+{
+    if (!row.chosen)
+        return nothingChosen;
+    return whyMissing("cagr", [&row](std::string_view key) { return row.chosen->figure(key); });
+}
+
+std::string_view whyUntested(const WalkRow& row, std::string_view key)
+{
+    if (!row.chosen)
+        return nothingChosen;
+    return row.test ? whyMissing(key, *row.test) : "the walk was over before";
+}
+
+std::string_view whyNotEfficient(const WalkRow& row)
+{
+    if (!tests(row, "cagr"))
+        return whyUntested(row, "cagr");
+    return "needs growth on the past";
 }
 
 } // namespace
@@ -182,8 +206,9 @@ std::string walkPart(const Walk& walk)
         + "; this page shows the times behind the choices, one after the other. Between windows all "
           "positions are "
           "closed (END) and the script starts anew. Efficiency: "
-        + figureText(FigureKind::Fraction, walk.efficiency())
-        + " (growth a year over these times / mean growth a year of the choices on their pasts).</p>\n"
+        + figureText(FigureKind::Fraction, walk.efficiency()) + " ("
+        + (walk.efficiency() ? std::string() : walk.efficiencyGap() + "; ")
+        + "growth a year over these times / mean growth a year of the choices on their pasts).</p>\n"
           "<div class=\"wide\"><table>\n<caption>Windows</caption>\n<thead><tr>";
     for (const std::string_view name : {"Chosen on", "Tried from", "to", "Inputs", "Past: growth a year"})
         html += "<th scope=\"col\">" + escaped(name) + "</th>";
@@ -195,10 +220,13 @@ std::string walkPart(const Walk& walk)
             + "</td><td>" + minuteText(row.window.testTo) + "</td><td>"
             + (row.chosen ? escaped(shortened(inputsText(walk.grid.inputsOf(row.chosen->number)), 200))
                           : escaped(row.reason(walk.order)))
-            + "</td><td class=\"n\">" + figureText(FigureKind::Fraction, trainings(row, "cagr")) + "</td>";
+            + "</td><td class=\"n\">"
+            + figureHtml(FigureKind::Fraction, trainings(row, "cagr"), whyNoGrowth(row)) + "</td>";
         for (const std::string_view key : testKeys)
-            html += "<td class=\"n\">" + figureText(figureRow(key)->kind, tests(row, key)) + "</td>";
-        html += "<td class=\"n\">" + figureText(FigureKind::Fraction, row.efficiency()) + "</td></tr>\n";
+            html += "<td class=\"n\">"
+                + figureHtml(figureRow(key)->kind, tests(row, key), whyUntested(row, key)) + "</td>";
+        html += "<td class=\"n\">" + figureHtml(FigureKind::Fraction, row.efficiency(), whyNotEfficient(row))
+            + "</td></tr>\n";
     }
     return pageSection("walk", "Walk forward", html + "</tbody>\n</table></div>");
 }

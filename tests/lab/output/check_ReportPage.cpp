@@ -115,7 +115,50 @@ TEST_CASE("each figure stands beside its formula, a dash for an undefined one")
         "<th scope=\"row\">Net profit</th><td class=\"n\">\xE2\x88\x92"
         "58.92</td><td class=\"formula\">\xCE\xA3 net"));
     run.trades.clear();
-    CHECK(has(pageOf(run), "<th scope=\"row\">Payoff</th><td class=\"n\">\xE2\x80\x93</td>"));
+    CHECK(has(pageOf(run),
+        "<th scope=\"row\">Payoff</th><td class=\"n\">\xE2\x80\x93</td><td class=\"formula\">mean win / mean "
+        "loss<br><span class=\"why\">\xE2\x80\x93: needs a trade</span></td>"));
+}
+
+TEST_CASE("whatever is undefined says why, in tiles and figures")
+{
+    RunResult lost = smallRun();
+    lost.trades.erase(lost.trades.begin());
+    RunResult won = smallRun();
+    won.trades.pop_back();
+    RunResult history = smallRun();
+    history.closedTradesOnly = true;
+    for (const RunResult& run : {smallRun(), RunResult(), lost, won, history}) {
+        const std::string page = withoutFixedTexts(pageOf(run));
+        const std::size_t dashes = countOf(page, "<td class=\"n\">\xE2\x80\x93</td><td class=\"formula\">");
+        CHECK(dashes > 0);
+        CHECK_EQ(dashes, countOf(page, "<span class=\"why\">\xE2\x80\x93: "));
+        CHECK_EQ(countOf(page, "<dd>\xE2\x80\x93<small>"), countOf(page, "<dd>\xE2\x80\x93"));
+    }
+    CHECK(has(pageOf(won), "<dt>Profit factor</dt><dd>\xE2\x80\x93<small>needs a losing trade</small></dd>"));
+    CHECK(has(pageOf(lost), "\xE2\x80\x93: needs a winning trade</span>"));
+    CHECK(has(pageOf(RunResult()), "\xE2\x80\x93: needs at least two days with prices</span>"));
+    CHECK(
+        has(pageOf(smallRun()), "\xE2\x80\x93: only an account under plan rules has such a limit</span>"));
+    CHECK(has(pageOf(history), "\xE2\x80\x93: not known without prices</span>"));
+}
+
+TEST_CASE("the reasons of closings are told in plain words below the trades")
+{
+    const std::string page = pageOf(smallRun());
+    const std::size_t list = page.find("id=\"trades\"");
+    const std::size_t journal = page.find("id=\"journal\"");
+    for (const char* reason : {"<dt>SL</dt><dd>its stop loss was reached",
+             "<dt>TP</dt><dd>its take profit was reached", "<dt>SCRIPT</dt><dd>the script closed it",
+             "<dt>END</dt><dd>it was still open at the end", "<dt>MARGIN</dt><dd>too little margin was left",
+             "<dt>RULE</dt><dd>a rule of the plan was broken"}) {
+        CHECK(page.find(reason) > list);
+        CHECK(page.find(reason) < journal);
+    }
+    RunResult history = smallRun();
+    history.closedTradesOnly = true;
+    CHECK(has(pageOf(history), "<dt>SCRIPT</dt><dd>a person or a script closed it</dd>"));
+    CHECK(!has(pageOf(history), "<dt>END</dt>"));
 }
 
 TEST_CASE("nothing that a script or file says becomes markup")

@@ -149,6 +149,33 @@ TEST_CASE("the maps lie through the best set, with the longer axis across")
     CHECK(contains(parts.at(2), "id=\"stability\""));
 }
 
+TEST_CASE("what a sweep cannot tell says why")
+{
+    const auto overview
+        = [](std::vector<SetResult> sets) { return sweepParts(tableBy("sharpe", std::move(sets))).at(0); };
+    const std::string one = overview({madeSet(0, 1)});
+    CHECK(contains(one, "\xE2\x80\x93: needs at least two sets with a Sharpe ratio</span>"));
+    CHECK(contains(one, "\xE2\x80\x93: needs at least two sets that did not fail</span>"));
+    CHECK(contains(one, "\xE2\x80\x93: only known where every set of the grid was tried</span>"));
+    CHECK(contains(one, "<td class=\"n\"><span title=\"only known where every set of the grid was tried\">"));
+    std::vector<SetResult> days = twelveSets();
+    for (SetResult& set : days)
+        set.days.resize(std::min<std::size_t>(set.days.size(), 31));
+    CHECK(contains(
+        overview(days), "\xE2\x80\x93: needs at least 32 days with prices, two in each of 16 blocks"));
+    std::vector<SetResult> lost = twelveSets();
+    for (SetResult& set : lost) {
+        if (!set.failure)
+            set = madeSet(set.number, -1.0 - static_cast<double>(set.number));
+    }
+    CHECK(contains(overview(lost), "\xE2\x80\x93: needs a figure above 0</span>"));
+    for (const std::vector<SetResult>& sets : {days, lost, {madeSet(0, 1)}}) {
+        for (const std::string& part : sweepParts(tableBy("sharpe", sets)))
+            CHECK(!contains(part, "<td>\xE2\x80\x93"));
+    }
+    CHECK(contains(sweepParts(tableBy("sharpe")).at(1), "title=\"not tried, failed, or undefined\""));
+}
+
 TEST_CASE("the same results give the same bytes, in whatever order they came")
 {
     const SweepTable one = tableBy("sharpe");

@@ -208,4 +208,29 @@ TEST_CASE("an efficiency that is undefined says why")
     CHECK_EQ(nlohmann::json::parse(walkJson(walk, {}, "1")).at("efficiency").get<double>(), 0.5);
 }
 
+TEST_CASE("what is missing of a window says why")
+{
+    Walk walk{Grid({axisOf("A", "1,2", true)}), {sortFigureOf("sharpe"), 30}, 2, 0, false, {}, {}};
+    SetResult chosen = madeSet(1, 1);
+    const auto place = std::ranges::find(figureRows(), "cagr", &FigureRow::key) - figureRows().begin();
+    Figure& growth = chosen.figures[static_cast<std::size_t>(place)];
+    growth = -0.1;
+    Figures test;
+    test.cagr = 0.1;
+    walk.rows.push_back({{0, dayMs, 2 * dayMs}, {}, {}, {}, {}});
+    walk.rows.push_back({{dayMs, 2 * dayMs, 3 * dayMs}, chosen, test, {}, {}});
+    walk.rows.push_back({{2 * dayMs, 3 * dayMs, 4 * dayMs}, chosen, {}, {}, {}});
+    growth.reset();
+    walk.rows.push_back({{3 * dayMs, 4 * dayMs, 5 * dayMs}, chosen, test, {}, {}});
+    walk.whole = test;
+    const std::string part = walkPart(walk);
+    for (const char* reason : {"Efficiency: \xE2\x80\x93 (the choices did not grow on their pasts; ",
+             "title=\"no set was chosen\">\xE2\x80\x93", "title=\"the walk was over before\">\xE2\x80\x93",
+             "title=\"needs growth on the past\">\xE2\x80\x93",
+             "title=\"needs at least two days with different returns\">\xE2\x80\x93"})
+        CHECK(part.find(reason) != std::string::npos);
+    CHECK(part.find("<td class=\"n\">\xE2\x80\x93") == std::string::npos);
+    CHECK(part.find("<td>\xE2\x80\x93") == std::string::npos);
+}
+
 CHECK_MAIN()
