@@ -1,10 +1,11 @@
 #include "lab/cli/Commands.h"
 #include "lab/cli/PriceSources.h"
 #include "lab/cli/Progress.h"
+#include "lab/cli/ResultPlace.h"
 #include "lab/cli/RunScript.h"
 #include "lab/cli/Screen.h"
 #include "lab/cli/StopSignal.h"
-#include "lab/cli/SweepEnding.h"
+#include "lab/cli/StudyBench.h"
 #include "lab/core/market/RunSpan.h"
 #include "lab/core/output/FigureText.h"
 #include "lab/core/output/ResultFolder.h"
@@ -79,9 +80,8 @@ std::string summaryText(const ChallengeSummary& summary)
 
 int challengePlan(Options options)
 {
-    const std::vector<std::string> marks{"challenge.csv"};
     if (!options.out.empty())
-        checkStudyPlace(options.out, marks);
+        checkResultPlace(options.out, ResultKind::Challenge);
     options.settings.rules = AccountRules::Plan;
     if (options.study.seeds)
         options.settings.seed = options.study.seeds->first;
@@ -94,7 +94,7 @@ int challengePlan(Options options)
     std::filesystem::path folder = bench.options().out;
     if (folder.empty()) {
         folder = bench.name() + '-' + bench.options().settings.symbol + "-challenge";
-        checkStudyPlace(folder, marks);
+        checkResultPlace(folder, ResultKind::Challenge);
     }
 
     const std::vector<RunSettings> starts = startsOf(bench);

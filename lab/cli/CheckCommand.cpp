@@ -116,7 +116,7 @@ int checkScript(Options options)
     const ExpertScript script = readScript(options.script);
     settleInputs(options.settings, script);
     if (!options.out.empty())
-        checkResultPlace(options.out);
+        checkResultPlace(options.out, ResultKind::Run);
     const std::vector<MinuteHistory> histories = loadHistories(options);
     if (const int stopped = stopStatus())
         return stopped; // before there was anything to keep

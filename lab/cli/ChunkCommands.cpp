@@ -1,5 +1,6 @@
 #include "lab/cli/Commands.h"
 #include "lab/cli/PlanFile.h"
+#include "lab/cli/ResultPlace.h"
 #include "lab/cli/RunScript.h"
 #include "lab/cli/StopSignal.h"
 #include "lab/cli/SweepEnding.h"
@@ -223,14 +224,13 @@ int mergeChunks(const Options& options)
     if (const int stopped = stopStatus())
         return stopped;
     checkIdentity(plan, bench);
-    const fs::path folder = options.out.empty()
-        ? fs::path(bench.name() + '-' + bench.options().settings.symbol + "-sweep")
-        : options.out;
+    const fs::path folder = sweepFolder(bench);
     std::error_code error;
-    if (!fs::exists(folder / sweepStoreName, error))
-        checkStudyPlace(folder, {"sweep.csv"});
-
-    StudyStore store = sweepStore(bench, folder);
+    const bool wasStopped
+        = fs::exists(folder / sweepStoreName, error) && !fs::exists(folder / "sweep.csv", error);
+    if (!wasStopped)
+        checkResultPlace(folder, ResultKind::Sweep);
+    StudyStore store = sweepStore(bench, folder, wasStopped);
     for (std::uint64_t chunk = 1; chunk <= plan.chunks; ++chunk) {
         const StudyStore part = StudyStore::open(chunkPlace(file, chunk));
         for (SetResult& set : part.results()) {

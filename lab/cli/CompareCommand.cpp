@@ -1,4 +1,5 @@
 #include "lab/cli/Commands.h"
+#include "lab/cli/ResultPlace.h"
 #include "lab/core/output/Comparison.h"
 #include "lab/core/output/ResultFolder.h"
 
@@ -8,6 +9,8 @@ namespace lab {
 
 int compareResults(const Options& options)
 {
+    if (!options.out.empty())
+        checkResultPlace(options.out, ResultKind::Comparison);
     std::vector<SavedRun> runs;
     for (const std::filesystem::path& folder : options.results)
         runs.push_back(readSavedRun(folder));

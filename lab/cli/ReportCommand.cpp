@@ -33,7 +33,7 @@ int reportTrades(const Options& options)
     const std::filesystem::path& file = options.results.front();
     const std::string name = file.stem().string();
     const std::filesystem::path folder = options.out.empty() ? std::filesystem::path(name) : options.out;
-    checkResultPlace(folder);
+    checkResultPlace(folder, ResultKind::Run);
     TradeHistoryWish wish{options.settings.symbol, {}};
     if (options.hasBalance)
         wish.balance = options.settings.balance;

@@ -1,10 +1,12 @@
 #include "lab/cli/ResultPlace.h"
 
+#include "lab/cli/SweepEnding.h"
 #include "lab/cli/UsageError.h"
 #include "lab/core/figures/Figures.h"
 #include "lab/core/output/ReportPage.h"
 #include "lab/core/output/ResultFiles.h"
 
+#include <string_view>
 #include <system_error>
 #include <unistd.h>
 
@@ -12,18 +14,63 @@ namespace lab {
 
 namespace fs = std::filesystem;
 
-void checkResultPlace(const fs::path& folder)
+namespace {
+
+constexpr const char* runFiles[]{
+    "report.html", "summary.json", "trades.csv", "equity.csv", "daily.csv", "journal.txt", "run.json"};
+
+/// A kind of result and the files of which each shows that it is there. Studies hold a run, too.
+struct KindRow {
+    ResultKind kind;
+    std::string_view name;
+    std::vector<std::string_view> marks;
+};
+
+const std::vector<KindRow>& kindRows()
+{
+    static const std::vector<KindRow> rows{{ResultKind::Sweep, "a sweep", {"sweep.csv", sweepStoreName}},
+        {ResultKind::Walk, "a walk", {"walk.csv"}}, {ResultKind::Challenge, "a challenge", {"challenge.csv"}},
+        {ResultKind::Run, "a run", {"run.json"}}, {ResultKind::Comparison, "a comparison", {"compare.html"}}};
+    return rows;
+}
+
+const KindRow* kindIn(const fs::path& folder)
+{
+    std::error_code error;
+    for (const KindRow& row : kindRows()) {
+        for (const std::string_view mark : row.marks) {
+            if (fs::exists(folder / mark, error))
+                return &row;
+        }
+    }
+    return nullptr;
+}
+
+void checkContent(const fs::path& folder, ResultKind kind)
+{
+    constexpr const char* advice = "; another folder can be named with --out";
+    std::error_code error;
+    const KindRow* found = kindIn(folder);
+    if (!found && !fs::is_empty(folder, error))
+        throw UsageError(folder.string() + " holds something else than a result" + advice);
+    if (found && found->kind != kind)
+        throw UsageError(folder.string() + " holds " + std::string(found->name) + advice);
+    if (kind == ResultKind::Sweep && fs::exists(folder / sweepStoreName, error)
+        && !fs::exists(folder / "sweep.csv", error))
+        throw UsageError(
+            folder.string() + " holds a sweep that was stopped: --resume goes on with it" + advice);
+}
+
+} // namespace
+
+void checkResultPlace(const fs::path& folder, ResultKind kind)
 {
     std::error_code error;
     const fs::file_status status = fs::status(folder, error);
     if (fs::exists(status)) {
         if (!fs::is_directory(status))
             throw UsageError(folder.string() + " is no folder; another one can be named with --out");
-        const bool isResult
-            = fs::exists(folder / "summary.json", error) && fs::exists(folder / "run.json", error);
-        if (!isResult && !fs::is_empty(folder, error))
-            throw UsageError(folder.string()
-                + " holds something else than a result; another folder can be named with --out");
+        checkContent(folder, kind);
     }
     fs::path nearest = fs::absolute(folder, error);
     while (!fs::exists(nearest, error) && nearest.has_relative_path())
@@ -31,6 +78,16 @@ void checkResultPlace(const fs::path& folder)
     if (::access(nearest.c_str(), W_OK | X_OK) != 0)
         throw UsageError(
             "cannot write to " + folder.string() + ": " + std::generic_category().message(errno));
+}
+
+void removeRun(const fs::path& folder)
+{
+    std::error_code error;
+    for (const char* file : runFiles) {
+        fs::remove(folder / file, error);
+        if (error)
+            throw UsageError("cannot write to " + folder.string() + ": " + error.message());
+    }
 }
 
 void addResult(ResultFolder& files, const RunResult& result, const Figures& figures, const ReportWords& words)

@@ -11,9 +11,16 @@ struct Figures;
 struct ReportWords;
 struct RunResult;
 
-/// Refuses, before any work, a place that a result must not or cannot be written to: a folder that holds
-/// something else, a file, a folder without permission. Throws UsageError.
-void checkResultPlace(const std::filesystem::path& folder);
+/// What a folder holds, by the commands that write it.
+enum class ResultKind { Run, Sweep, Walk, Challenge, Comparison };
+
+/// Refuses, before any work, a place that a result must not or cannot be written to. One rule for all
+/// commands: a new or empty folder is written to, and so is a former result of the same kind, whose files
+/// are replaced; what is anything else stays, and so does a sweep that is not finished. Throws UsageError.
+void checkResultPlace(const std::filesystem::path& folder, ResultKind kind);
+
+/// Takes a run's files away, where they are: they tell of something that is no more.
+void removeRun(const std::filesystem::path& folder);
 
 /// The files of a run; `words` are for its page.
 void addResult(

@@ -18,14 +18,14 @@ int runOnce(Options options)
     const ExpertScript script = readScript(options.script);
     settleInputs(options.settings, script);
     if (!options.out.empty())
-        checkResultPlace(options.out);
+        checkResultPlace(options.out, ResultKind::Run);
     const std::vector<MinuteHistory> histories = loadHistories(options);
     if (const int stopped = stopStatus())
         return stopped; // before there was anything to keep
     const std::string name = script.name.toStdString();
     if (options.out.empty()) {
         options.out = name + '-' + options.settings.symbol;
-        checkResultPlace(options.out);
+        checkResultPlace(options.out, ResultKind::Run);
     }
 
     std::vector<const MinuteHistory*> places;

@@ -1,4 +1,5 @@
 #include "lab/cli/Commands.h"
+#include "lab/cli/ResultPlace.h"
 #include "lab/cli/RunScript.h"
 #include "lab/cli/StopSignal.h"
 #include "lab/cli/SweepEnding.h"
@@ -11,24 +12,21 @@ namespace lab {
 
 int sweepSets(Options options)
 {
-    const auto place = [](const Options& given, const std::string& name) {
-        return given.out.empty() ? std::filesystem::path(name + '-' + given.settings.symbol + "-sweep")
-                                 : given.out;
-    };
-    const auto checkPlace = [](const std::filesystem::path& folder, bool resume) {
+    const bool isResumed = options.study.resume;
+    const auto checkPlace = [isResumed](const std::filesystem::path& folder) {
         std::error_code error;
-        if (!resume || !std::filesystem::exists(folder / sweepStoreName, error))
-            checkStudyPlace(folder, {"sweep.csv"});
+        if (!isResumed || !std::filesystem::exists(folder / sweepStoreName, error))
+            checkResultPlace(folder, ResultKind::Sweep);
     };
     if (!options.out.empty())
-        checkPlace(options.out, options.study.resume);
+        checkPlace(options.out);
     ExpertScript script = readScript(options.script);
     const StudyBench bench(std::move(options), std::move(script));
     if (const int stopped = stopStatus())
         return stopped;
-    const std::filesystem::path folder = place(bench.options(), bench.name());
-    checkPlace(folder, bench.options().study.resume);
-    StudyStore store = sweepStore(bench, folder);
+    const std::filesystem::path folder = sweepFolder(bench);
+    checkPlace(folder);
+    StudyStore store = sweepStore(bench, folder, isResumed);
 
     // What failed is tried again: a machine that was short of memory may have more now.
     const std::set<std::uint64_t> finished = store.finished();

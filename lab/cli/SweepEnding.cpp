@@ -55,7 +55,7 @@ std::string tableText(const SweepTable& table)
         const std::size_t place = table.ranking[rank];
         const SetResult& set = table.sets[place];
         std::vector<std::string>& line = lines.emplace_back();
-        line.push_back(std::to_string(rank + 1));
+        line.push_back(isEligible(set, table.order) ? std::to_string(rank + 1) : std::string(undefinedText));
         for (const auto& [name, value] : table.grid.inputsOf(set.number))
             line.push_back(shortened(value, 20));
         for (const FigureRow* row : shownFigures(table.order.sort))
@@ -69,6 +69,15 @@ std::string tableText(const SweepTable& table)
     if (table.ranking.size() > shownSets)
         text += "and " + counted(table.ranking.size() - shownSets, "more set") + " in sweep.csv\n";
     return text;
+}
+
+std::string headText(const SweepTable& table)
+{
+    const SortFigure& sort = table.order.sort;
+    return counted(table.choice.sets, "set") + " by " + std::string(sort.row->key) + " (the "
+        + (sort.lowIsBest ? "lowest" : "highest") + "), "
+        + (table.best ? groupedText(static_cast<double>(table.choice.eligible), 0) : "none")
+        + " of them with at least " + tradesText(table.order.minTrades);
 }
 
 std::string worthText(const SweepTable& table)
@@ -107,30 +116,29 @@ RunResult bestRun(const StudyBench& bench, const SetResult& best)
 
 } // namespace
 
-void checkStudyPlace(const fs::path& folder, const std::vector<std::string>& marks)
+fs::path sweepFolder(const StudyBench& bench)
 {
-    std::error_code error;
-    if (fs::exists(folder / sweepStoreName, error))
-        throw UsageError(folder.string()
-            + " holds a sweep: --resume goes on with it, another folder can be named with --out");
-    for (const std::string& mark : marks) {
-        if (fs::exists(folder / mark, error))
-            return;
-    }
-    checkResultPlace(folder);
+    const Options& options = bench.options();
+    return options.out.empty() ? fs::path(bench.name() + '-' + options.settings.symbol + "-sweep")
+                               : options.out;
 }
 
-StudyStore sweepStore(const StudyBench& bench, const fs::path& folder)
+StudyStore sweepStore(const StudyBench& bench, const fs::path& folder, bool goesOn)
 {
     const fs::path file = folder / sweepStoreName;
     std::error_code error;
-    if (fs::exists(file, error)) {
+    if (goesOn && fs::exists(file, error)) {
         StudyStore store = StudyStore::open(file);
         const std::string difference = store.differenceTo(bench.identity());
         if (!difference.empty())
             throw StudyError(file.string() + " belongs to another sweep: " + difference
                 + " differs; another folder can be named with --out");
         return store;
+    }
+    if (fs::exists(folder / "sweep.csv", error)) {
+        removeRun(folder);
+        for (const char* name : {"sweep.json", "sweep.csv", sweepStoreName})
+            fs::remove(folder / name, error);
     }
     fs::create_directories(folder, error);
     if (error)
@@ -155,24 +163,22 @@ int endSweep(const StudyBench& bench, const StudyStore& store, const fs::path& f
         addResult(files, about, figuresOf(about), {bench.name(), sweepParts(table), sweepWords(table)});
     files.commit();
 
-    const SortFigure& sort = table.order.sort;
-    std::cout << toned(counted(table.sets.size(), "set") + " by " + std::string(sort.row->key) + " (the "
-            + (sort.lowIsBest ? "lowest" : "highest") + "), with at least "
-            + counted(static_cast<std::size_t>(table.order.minTrades), "trade"),
-        Tone::Strong, hasColours())
-              << "\n\n"
+    if (!table.best)
+        removeRun(folder); // of a former ending of this sweep, which had another order
+    std::cout << toned(headText(table), table.best ? Tone::Strong : Tone::Warning, hasColours()) << "\n\n"
               << tableText(table) << '\n'
               << worthText(table) << '\n'
               << (folder / (table.best ? "report.html" : "sweep.csv")).string() << '\n';
     tellFailures(table);
+    if (!table.best)
+        std::cerr << "tavoran-lab: no set can be chosen: " << whyNone(table.choice, table.order)
+                  << (table.choice.withTrades == 0 && table.choice.failed < table.choice.sets
+                             ? "; --resume with a lower --min-trades runs none of them again"
+                             : "")
+                  << '\n';
     if (table.choice.failed > 0)
         return someFailed;
-    if (!table.best) {
-        std::cerr << "tavoran-lab: no set has " << sort.row->key << " and at least "
-                  << counted(static_cast<std::size_t>(table.order.minTrades), "trade") << '\n';
-        return fellShort;
-    }
-    return succeeded;
+    return table.best ? succeeded : fellShort;
 }
 
 } // namespace lab

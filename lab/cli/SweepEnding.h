@@ -9,13 +9,13 @@ namespace lab {
 /// The file of a sweep's results in its folder.
 inline constexpr const char* sweepStoreName = "sweep.sqlite";
 
-/// Refuses, before any work, a folder that a study must not or cannot write to: one that holds another study
-/// or something else. `marks` are files of which one shows that it is a former result of the same command.
-/// Throws UsageError.
-void checkStudyPlace(const std::filesystem::path& folder, const std::vector<std::string>& marks);
+/// The folder of a sweep: --out, or one that is named after script and symbol.
+[[nodiscard]] std::filesystem::path sweepFolder(const StudyBench& bench);
 
-/// The store in the folder: a new one, or with --resume the one that is there, if it belongs to this study.
-[[nodiscard]] StudyStore sweepStore(const StudyBench& bench, const std::filesystem::path& folder);
+/// The store in the folder. With `goesOn` the one that is there, if it belongs to this study; throws
+/// StudyError if not. Else a new one: a finished sweep goes, with its files.
+[[nodiscard]] StudyStore sweepStore(
+    const StudyBench& bench, const std::filesystem::path& folder, bool goesOn);
 
 /// Puts what the store holds in order, runs the best set once more for its report, writes all files and
 /// prints the table. Returns the exit status.

@@ -3,7 +3,7 @@
 #include "lab/cli/ResultPlace.h"
 #include "lab/cli/RunScript.h"
 #include "lab/cli/StopSignal.h"
-#include "lab/cli/SweepEnding.h"
+#include "lab/cli/StudyBench.h"
 #include "lab/cli/WalkText.h"
 #include "lab/core/figures/Figures.h"
 #include "lab/core/market/RunSpan.h"
@@ -114,7 +114,7 @@ StitchedRun test(const StudyBench& bench, Walk& walk)
 int walkForward(Options options)
 {
     if (!options.out.empty())
-        checkStudyPlace(options.out, {"walk.csv"});
+        checkResultPlace(options.out, ResultKind::Walk);
     ExpertScript script = readScript(options.script);
     const StudyBench bench(std::move(options), std::move(script));
     if (const int stopped = stopStatus())
@@ -122,7 +122,7 @@ int walkForward(Options options)
     std::filesystem::path folder = bench.options().out;
     if (folder.empty()) {
         folder = bench.name() + '-' + bench.options().settings.symbol + "-walk";
-        checkStudyPlace(folder, {"walk.csv"});
+        checkResultPlace(folder, ResultKind::Walk);
     }
     Walk walk{
         bench.grid(), bench.order(), bench.numbers().size(), 0, bench.options().study.isAnchored, {}, {}};

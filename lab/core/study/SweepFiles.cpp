@@ -197,6 +197,16 @@ std::string overview(const SweepTable& table)
     return html + "</tbody>\n</table></div>";
 }
 
+std::vector<std::string> sweepWarnings(const SweepTable& table)
+{
+    std::vector<std::string> warnings;
+    if (!table.best)
+        warnings.push_back("No set can be chosen: " + whyNone(table.choice, table.order));
+    if (table.choice.failed > 0)
+        warnings.push_back(count(table.choice.failed) + " of " + count(table.choice.sets) + " sets failed");
+    return warnings;
+}
+
 } // namespace
 
 std::string inputsText(const std::vector<std::pair<std::string, std::string>>& inputs)
@@ -259,6 +269,8 @@ std::string sweepJson(const SweepTable& table, const RunResult& about, std::stri
     json.count("minTrades", table.order.minTrades);
     json.number("deflatedSharpe", table.deflatedSharpe);
     json.number("overfittingProbability", table.overfittingProbability);
+    json.count("eligible", table.choice.eligible);
+    json.texts("warnings", sweepWarnings(table));
     if (table.best)
         json.raw("best", setJson(table, *table.best, 1));
     else

@@ -48,11 +48,6 @@ std::vector<std::size_t> placesOf(const std::vector<SetResult>& sets)
     return places;
 }
 
-bool isEligible(const SetResult& set, const SweepOrder& order)
-{
-    return classOf(set, order) == 2 && set.figure(order.sort.row->key).has_value();
-}
-
 /// The returns of the good sets on every day that any of them has. A run that ended early stands still.
 ReturnMatrix returnsOf(const std::vector<SetResult>& sets, const DaysOf& daysOf)
 {
@@ -115,6 +110,11 @@ std::vector<Figure> stabilityOf(const SweepTable& table)
 }
 
 } // namespace
+
+bool isEligible(const SetResult& set, const SweepOrder& order)
+{
+    return classOf(set, order) == 2 && set.figure(order.sort.row->key).has_value();
+}
 
 Choice choiceAmong(const std::vector<SetResult>& sets, const SweepOrder& order)
 {

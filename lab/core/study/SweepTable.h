@@ -28,6 +28,9 @@ struct Choice {
     friend bool operator==(const Choice&, const Choice&) = default;
 };
 
+/// It has not failed, and has figure and trades enough.
+[[nodiscard]] bool isEligible(const SetResult& set, const SweepOrder& order);
+
 [[nodiscard]] Choice choiceAmong(const std::vector<SetResult>& sets, const SweepOrder& order);
 
 /// Why none of them may be chosen, in a few words; empty where one may.

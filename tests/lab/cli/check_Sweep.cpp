@@ -246,7 +246,15 @@ TEST_CASE("where no set has trades enough, there is a table and no report")
         {"--set", "Every=10,20", "--min-trades", "5000", "--timeframe", "5m", "--out", "s"});
     CHECK_EQ(result.exitCode, 1);
     CHECK(isOneLine(result.errors));
-    CHECK(contains(result.errors, "5,000 trades"));
+    CHECK(contains(result.errors, "no set can be chosen: no set made 5,000 trades, the most were "));
+    CHECK(contains(result.output, "2 sets by sharpe (the highest), none of them with at least 5,000 trades"));
+    CHECK(!contains(result.output, "\n   1  "));
+    const auto sweep = nlohmann::json::parse(study.contentOf("s/sweep.json"));
+    CHECK_EQ(sweep.at("eligible").get<int>(), 0);
+    CHECK(sweep.at("warnings")
+              .at(0)
+              .get<std::string>()
+              .starts_with("No set can be chosen: no set made 5,000 trades"));
     CHECK((study.filesIn("s") == std::set<std::string>{"sweep.csv", "sweep.json", "sweep.sqlite"}));
 }
 
