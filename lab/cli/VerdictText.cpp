@@ -40,6 +40,21 @@ std::string latencyText(const SessionVerdict& verdict)
     return text;
 }
 
+std::string lateText(const std::set<Delay>& late)
+{
+    std::string text = "Late      " + count(late.size(), "moment", "moments")
+        + " at which the terminal was behind the platform\n";
+    std::size_t shown = 0;
+    for (const Delay& delay : late) {
+        if (++shown > mostMoved)
+            return text + "  and " + std::to_string(late.size() - mostMoved) + " more\n";
+        text += "  " + isoTime(delay.time)
+            + (delay.what == Late::Price ? "  a price just before the end of a bar, seen in the next one\n"
+                                         : "  a price just after news of the account, seen before it\n");
+    }
+    return text;
+}
+
 } // namespace
 
 std::string verdictText(const SessionVerdict& verdict, const SessionSeat& seat, bool colours)
@@ -54,6 +69,8 @@ std::string verdictText(const SessionVerdict& verdict, const SessionSeat& seat, 
     text += "Broker    " + count(verdict.trades, "change", "changes") + " of trades as recorded\n";
     if (verdict.orders + verdict.closings > 0)
         text += latencyText(verdict);
+    if (!verdict.taken.empty())
+        text += lateText(verdict.taken);
     if (verdict.unanswered > 0)
         text += "Note      " + count(verdict.unanswered, "command was", "commands were")
             + " asked for just before the session ended, and cannot be judged\n";

@@ -5,6 +5,7 @@
 #include "lab/cli/StopSignal.h"
 #include "lab/cli/VerdictText.h"
 #include "lab/core/session/SessionFile.h"
+#include "lab/run/LatenessSearch.h"
 #include "lab/run/RunWatch.h"
 #include "lab/run/ScriptInputs.h"
 #include "lab/run/SessionCheck.h"
@@ -28,6 +29,23 @@ ExpertScript withInputsOf(const RunSettings& settings, ExpertScript script)
     return script;
 }
 
+/// Nothing when somebody has stopped the program.
+std::optional<SessionVerdict> follow(
+    SessionFile& session, SessionCheck& check, std::chrono::milliseconds limit)
+{
+    const RunWatch watch([&check] { check.interrupt(); }, &stopFlag(), limit);
+    while (watch.verdict() == RunWatch::Verdict::None) {
+        const std::optional<SessionEvent> event = session.next();
+        if (!event || !check.take(*event))
+            break;
+    }
+    if (stopStatus() != succeeded)
+        return std::nullopt;
+    if (watch.verdict() != RunWatch::Verdict::None)
+        throw UsageError("the script was not at its end within --limit");
+    return check.finish(session.isWhole());
+}
+
 } // namespace
 
 int verifySession(Options options)
@@ -35,23 +53,21 @@ int verifySession(Options options)
     const ExpertScript script = readScript(options.script);
     settleInputs(options.settings, script);
     const SessionSeat seat = chooseSeat(options);
-    SessionFile session(options.session);
-    SessionCheck check(session.start(), seat, withInputsOf(options.settings, script));
-    const RunWatch watch([&check] { check.interrupt(); }, &stopFlag(), options.limit);
-    while (watch.verdict() == RunWatch::Verdict::None) {
-        const std::optional<SessionEvent> event = session.next();
-        if (!event || !check.take(*event))
-            break;
-    }
-    if (const int stopped = stopStatus())
-        return stopped;
-    if (watch.verdict() != RunWatch::Verdict::None)
-        throw UsageError("the script was not at its end within --limit");
-    const SessionVerdict verdict = check.finish(session.isWhole());
-    std::cout << verdictText(verdict, seat, hasColours());
-    if (!verdict.difference && !session.isWhole())
+    const ExpertScript changed = withInputsOf(options.settings, script);
+    bool isWhole = false;
+    const std::optional<SessionVerdict> verdict = searchLateness([&](const std::set<Delay>& late) {
+        SessionFile session(options.session);
+        SessionCheck check(session.start(), seat, changed, late);
+        const auto followed = follow(session, check, options.limit);
+        isWhole = session.isWhole();
+        return followed;
+    });
+    if (!verdict)
+        return stopStatus();
+    std::cout << verdictText(*verdict, seat, hasColours());
+    if (!verdict->difference && !isWhole)
         std::cout << "The recording breaks off; its last line may be missing.\n";
-    return verdict.difference ? fellShort : succeeded;
+    return verdict->difference ? fellShort : succeeded;
 }
 
 } // namespace lab

@@ -16,8 +16,8 @@ namespace lab {
 namespace {
 
 constexpr int carriedOut = 200;
-constexpr std::size_t atOnce = 2;      // so many requests of a script a terminal has on their way together
-constexpr practice::TimeMs near = 100; // moments so close may have reached the terminal the other way round
+constexpr std::size_t atOnce = 2; // so many requests of a script a terminal has on their way together
+constexpr std::size_t mostPossible = 4;
 
 std::size_t placeOf(const SessionStart& start, const std::string& symbol)
 {
@@ -48,15 +48,18 @@ bool isSame(const practice::TradeCommand& left, const practice::TradeCommand& ri
 
 } // namespace
 
-SessionCheck::SessionCheck(const SessionStart& start, SessionSeat seat, ExpertScript script)
+SessionCheck::SessionCheck(
+    const SessionStart& start, SessionSeat seat, ExpertScript script, std::set<Delay> late)
     : m_seat(std::move(seat))
     , m_script(std::move(script))
     , m_spec(start.symbols[placeOf(start, m_seat.symbol)])
     , m_symbol(placeOf(start, m_seat.symbol))
     , m_broker(start)
     , m_account(m_seat.accountId)
+    , m_before(m_account)
     , m_now(start.time)
 {
+    m_verdict.taken = std::move(late);
     if (!m_broker.broker().account(m_seat.accountId))
         throw std::invalid_argument("the session has no account " + m_seat.accountId);
 }
@@ -79,10 +82,12 @@ bool SessionCheck::take(const SessionEvent& event)
         differ(difference->time, "the broker: " + difference->expected, difference->recorded);
         return false;
     }
-    m_account.take(event);
-    if (const auto* prices = std::get_if<PricesEvent>(&event.what))
+    if (const auto* prices = std::get_if<PricesEvent>(&event.what)) {
         takePrices(event.time, *prices);
-    else if (const auto* bars = std::get_if<BarsEvent>(&event.what))
+        return !m_verdict.difference;
+    }
+    takeNews(event);
+    if (const auto* bars = std::get_if<BarsEvent>(&event.what))
         takeBars(*bars);
     else if (const auto* trade = std::get_if<TradeEvent>(&event.what))
         takeTrade(trade->trade);
@@ -111,12 +116,45 @@ void SessionCheck::takePrices(practice::TimeMs time, const PricesEvent& prices)
             callbacks(), [](const QString&, double, double, double) {});
         m_interruptible = m_stage.get();
     }
-    m_stage->setTime(time);
+    m_stage->setTime(seenTime(time));
     m_stage->fold(m_quote.bid, m_quote.ask);
     if (isScriptTime(time))
-        callScript();
+        callScript(time);
     else if (m_isLoaded && m_stage->isRunning())
         m_stage->stop();
+    m_isNews = false;
+}
+
+void SessionCheck::takeNews(const SessionEvent& event)
+{
+    if (!m_isNews)
+        m_before = m_account;
+    m_isNews |= m_account.take(event);
+}
+
+bool SessionCheck::isLate(Delay delay)
+{
+    if (m_verdict.taken.contains(delay))
+        return true;
+    m_verdict.possible.push_back(delay);
+    if (m_verdict.possible.size() > mostPossible)
+        m_verdict.possible.pop_front();
+    return false;
+}
+
+practice::TimeMs SessionCheck::seenTime(practice::TimeMs time)
+{
+    const practice::TimeMs length = practice::timeframeLength(m_seat.timeframe);
+    const practice::TimeMs nextBar = (practice::floorDivide(time, length) + 1) * length;
+    return nextBar - time <= mostLateness && isLate({time, Late::Price}) ? nextBar : time;
+}
+
+const ToldAccount& SessionCheck::seenAccount(practice::TimeMs time)
+{
+    const bool isClose = m_isNews && time - m_account.toldAt() <= mostLateness;
+    const bool isSame = m_account.balance() == m_before.balance() && m_account.equity() == m_before.equity()
+        && m_account.positionsOn(m_seat.symbol) == m_before.positionsOn(m_seat.symbol);
+    return isClose && !isSame && isLate({time, Late::News}) ? m_before : m_account;
 }
 
 void SessionCheck::interrupt()
@@ -125,8 +163,9 @@ void SessionCheck::interrupt()
         stage->interrupt();
 }
 
-void SessionCheck::callScript()
+void SessionCheck::callScript(practice::TimeMs time)
 {
+    m_seen = &seenAccount(time);
     if (!std::exchange(m_isLoaded, true))
         m_stage->load(m_script);
     if (m_stage->isRunning()) {
@@ -142,9 +181,9 @@ ExpertHost::Callbacks SessionCheck::callbacks()
     ExpertHost::Callbacks calls;
     calls.bid = [this] { return m_quote.bid; };
     calls.ask = [this] { return m_quote.ask; };
-    calls.balance = [this] { return practice::toUsd(m_account.balance()); };
-    calls.equity = [this] { return practice::toUsd(m_account.equity()); };
-    calls.positionsCount = [this] { return static_cast<int>(m_account.positionsOn(m_seat.symbol).size()); };
+    calls.balance = [this] { return practice::toUsd(m_seen->balance()); };
+    calls.equity = [this] { return practice::toUsd(m_seen->equity()); };
+    calls.positionsCount = [this] { return static_cast<int>(m_seen->positionsOn(m_seat.symbol).size()); };
     calls.order = [this](const QString& side, double lots, double stopLoss, double takeProfit) {
         practice::PlaceRequest order;
         order.accountId = m_seat.accountId;
@@ -157,7 +196,7 @@ ExpertHost::Callbacks SessionCheck::callbacks()
         m_wishes.push_back({m_now, order, m_quote});
     };
     calls.closeAll = [this] {
-        for (const std::string& id : m_account.positionsOn(m_seat.symbol))
+        for (const std::string& id : m_seen->positionsOn(m_seat.symbol))
             m_wishes.push_back({m_now, practice::CloseCommand{id}, m_quote});
     };
     return calls;
@@ -264,9 +303,9 @@ std::string SessionCheck::hintAt(practice::TimeMs time) const
         return "the script has ended with an error: " + *m_verdict.scriptError;
     if (!m_isLoaded)
         return "the script had not been called by then";
-    if (told != 0 && std::abs(time - told) < near)
+    if (told != 0 && std::abs(time - told) < mostLateness)
         return "the account was told within 100 ms of this; the terminal may have known it later";
-    if (sinceBar < near || length - sinceBar < near)
+    if (sinceBar < mostLateness || length - sinceBar < mostLateness)
         return "a bar begins within 100 ms of this; the terminal may have seen it in the other one";
     if (m_verdict.orders + m_verdict.closings == 0 && m_verdict.difference->recorded == "nothing")
         return "was the script on the chart by then, and allowed to trade? --from says since when";

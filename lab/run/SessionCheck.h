@@ -6,10 +6,12 @@
 #include "lab/run/ScriptStage.h"
 
 #include <atomic>
+#include <compare>
 #include <deque>
 #include <map>
 #include <memory>
 #include <optional>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -22,6 +24,20 @@ struct SessionSeat {
     std::string accountId;
     std::optional<practice::TimeMs> from; ///< the script's first price; absent: as soon as the chart has bars
     std::optional<practice::TimeMs> to;   ///< the first price that is no longer the script's
+};
+
+/// What may have come to a terminal so much later than it was sent that the script saw it otherwise.
+enum class Late {
+    Price, ///< just before the end of a bar, and seen in the next one
+    News,  ///< of the account just before a price, and seen after it
+};
+
+/// The price that it is about.
+struct Delay {
+    practice::TimeMs time = 0;
+    Late what = Late::Price;
+
+    friend auto operator<=>(const Delay&, const Delay&) = default;
 };
 
 /// A fill at another price than that of the decision: time had passed.
@@ -48,6 +64,8 @@ struct SessionVerdict {
     practice::TimeMs longestDelay = 0; ///< ms from a price to the command that it led to
     std::vector<MovedFill> moved;
     practice::TimeMs endedAt = 0; ///< the last event
+    std::set<Delay> taken;        ///< as late as the check was told to take them
+    std::deque<Delay> possible;   ///< not taken, and the last ones before the difference
     std::optional<std::string> scriptError;
 };
 
@@ -60,9 +78,12 @@ public:
     static constexpr practice::TimeMs longestWait = 20'000;
     /// A session that ends so soon after an order may lack it.
     static constexpr practice::TimeMs endMargin = 1'000;
+    /// So late a terminal may get what it was sent.
+    static constexpr practice::TimeMs mostLateness = 100;
 
-    /// Throws std::invalid_argument for a beginning that contradicts itself, or that lacks symbol or account.
-    SessionCheck(const SessionStart& start, SessionSeat seat, ExpertScript script);
+    /// `late`: what is taken to have come late. Throws std::invalid_argument for a beginning that contradicts
+    /// itself, or that lacks symbol or account.
+    SessionCheck(const SessionStart& start, SessionSeat seat, ExpertScript script, std::set<Delay> late = {});
 
     /// False when a difference was found, and nothing more is to come.
     bool take(const SessionEvent& event);
@@ -88,10 +109,17 @@ private:
 
     [[nodiscard]] bool isScriptTime(practice::TimeMs time) const;
     void takePrices(practice::TimeMs time, const PricesEvent& prices);
+    void takeNews(const SessionEvent& event);
+    /// Whether it is taken so; if not, it may be so all the same.
+    bool isLate(Delay delay);
+    /// As a script saw a price's time.
+    [[nodiscard]] practice::TimeMs seenTime(practice::TimeMs time);
+    /// Which of both accounts a script saw at a price.
+    [[nodiscard]] const ToldAccount& seenAccount(practice::TimeMs time);
     void takeCommand(practice::TimeMs time, const CommandEvent& event);
     void takeTrade(const practice::Trade& trade);
     void takeBars(const BarsEvent& bars);
-    void callScript();
+    void callScript(practice::TimeMs time);
     [[nodiscard]] bool isOurs(const practice::TradeCommand& command) const;
     void match(practice::TimeMs time, const CommandEvent& event);
     void noteFill(const Asked& asked, practice::Side side, double price);
@@ -106,6 +134,9 @@ private:
     std::size_t m_symbol;
     BrokerReplay m_broker;
     ToldAccount m_account;
+    ToldAccount m_before; ///< the account as of the price before
+    const ToldAccount* m_seen = &m_account;
+    bool m_isNews = false; ///< since the price before
     practice::Quote m_quote;
     practice::TimeMs m_now = 0;
     std::vector<Candle> m_bars; ///< before there is a stage

@@ -133,6 +133,26 @@ TEST_CASE("what cannot be used ends with 2 and one line that names it")
     CHECK_EQ(place.verify({"--set", "None=1"}).exitCode, 2);
 }
 
+TEST_CASE("a recording that lacks the price of a decision has a divergence")
+{
+    const Place place;
+    const auto path = place.folder / "session";
+    std::ifstream file(path);
+    std::string kept;
+    int dropped = 0;
+    for (std::string line; std::getline(file, line);) {
+        const bool isDecision = line.starts_with("quotes\t1750000000250\t");
+        dropped += isDecision ? 1 : 0;
+        if (!isDecision)
+            kept += line + '\n';
+    }
+    CHECK_EQ(dropped, 1);
+    std::ofstream(path, std::ios::trunc) << kept;
+    const auto result = place.verify();
+    CHECK_EQ(result.exitCode, 1);
+    CHECK(contains(result.output, "  expected  nothing\n  recorded  BUY 0.1 EURUSD\n"));
+}
+
 TEST_CASE("a recording that breaks off is said to do so")
 {
     const Place place;

@@ -63,6 +63,7 @@ public:
         m_platform->execute(
             practice::PlaceRequest{accountId, "EURUSD", "MARKET", "BUY", 0.3, {}, {}, {}, {}});
     }
+    void wait(practice::TimeMs ms) { m_clock.pass(ms); }
     [[nodiscard]] practice::TimeMs now() const { return m_clock.now(); }
     /// No more is recorded.
     void end()
@@ -76,6 +77,8 @@ public:
     std::string accountId;
     int readAfter = 0;             ///< so many prices after a change the terminal hears of it
     bool mayTrade = true;          ///< orders are sent
+    practice::TimeMs late = 0;     ///< ms from a price to the script
+    practice::TimeMs newsLead = 0; ///< ms from an account's news to the price that the script sees before it
     std::vector<std::string> done; ///< ids of the trades of carried out orders
 
 private:
@@ -84,11 +87,17 @@ private:
 
     void tick()
     {
-        m_clock.pass(step);
+        const bool isNewsFirst = newsLead > 0 && m_readIn && *m_readIn <= 0;
+        m_clock.pass(step - newsLead);
+        const std::vector<std::string> known = m_positions;
+        if (isNewsFirst)
+            readAccount();
+        const std::vector<std::string> told = isNewsFirst ? std::exchange(m_positions, known) : known;
+        m_clock.pass(newsLead);
         m_isNew = false;
         m_platform->advance();
         if (m_isNew) {
-            m_stage->setTime(m_clock.now());
+            m_stage->setTime(m_clock.now() + late);
             m_stage->fold(m_quote.bid, m_quote.ask);
             if (!std::exchange(m_isLoaded, true))
                 m_stage->load({QStringLiteral("Live"), QStringLiteral("Live.js"), m_script});
@@ -97,10 +106,12 @@ private:
         const std::vector<practice::TradeCommand> wanted = std::exchange(m_wanted, {});
         for (const practice::TradeCommand& command : wanted)
             send(command);
-        if (m_readIn && (*m_readIn)-- <= 0) {
+        if (m_readIn && newsLead == 0 && (*m_readIn)-- <= 0) {
             m_readIn.reset();
             readAccount();
         }
+        if (isNewsFirst)
+            m_positions = told;
     }
     void send(const practice::TradeCommand& command)
     {

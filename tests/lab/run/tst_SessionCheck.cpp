@@ -1,4 +1,5 @@
 #include "lab/core/session/SessionFile.h"
+#include "lab/run/LatenessSearch.h"
 #include "lab/run/LiveSession.h"
 #include "support/TestMain.h"
 
@@ -21,11 +22,12 @@ function OnTick() {
 )"_s;
 
 lab::SessionVerdict follow(const std::filesystem::path& path, const std::string& account,
-    const QString& script, std::optional<practice::TimeMs> from = {}, std::optional<practice::TimeMs> to = {})
+    const QString& script, std::optional<practice::TimeMs> from = {}, std::optional<practice::TimeMs> to = {},
+    const std::set<lab::Delay>& late = {})
 {
     lab::SessionFile file(path);
     lab::SessionCheck check(file.start(), {"EURUSD", practice::Timeframe::M1, account, from, to},
-        {u"Lab"_s, u"Lab.js"_s, script});
+        {u"Lab"_s, u"Lab.js"_s, script}, late);
     while (const std::optional<lab::SessionEvent> event = file.next()) {
         if (!check.take(*event))
             break;
@@ -37,6 +39,13 @@ lab::SessionVerdict follow(const LiveSession& live, const QString& script,
     std::optional<practice::TimeMs> from = {}, std::optional<practice::TimeMs> to = {})
 {
     return follow(live.path, live.accountId, script, from, to);
+}
+
+lab::SessionVerdict search(const LiveSession& live, const QString& script)
+{
+    return *lab::searchLateness([&](const std::set<lab::Delay>& late) {
+        return std::optional(follow(live.path, live.accountId, script, {}, {}, late));
+    });
 }
 
 std::vector<std::string> linesOf(const std::filesystem::path& path)
@@ -144,6 +153,71 @@ private Q_SLOTS:
         QCOMPARE(texts(verdict), u"none"_s);
         QVERIFY(verdict.orders > 3);  // it bought several times before it knew
         QVERIFY(verdict.refused > 0); // and closed what was closed
+    }
+
+    void aPriceThatTheTerminalSawInTheNextBarExplainsWhatTheScriptDid()
+    {
+        LiveSession live(averages);
+        live.wait(950); // 50 ms before each minute ends
+        live.late = 60;
+        live.play(1500);
+        live.end();
+        QVERIFY(follow(live, averages).difference.has_value());
+        const lab::SessionVerdict verdict = search(live, averages);
+        QCOMPARE(texts(verdict), u"none"_s);
+        QCOMPARE(verdict.orders + verdict.closings, std::uint64_t{live.done.size()});
+        QVERIFY(!verdict.taken.empty());
+        for (const lab::Delay& delay : verdict.taken) {
+            QCOMPARE(delay.what, lab::Late::Price);
+            QCOMPARE(delay.time % practice::minuteMs, practice::minuteMs - 50);
+        }
+    }
+
+    void newsThatTheTerminalSawAfterAPriceExplainsWhatTheScriptDid()
+    {
+        LiveSession live(averages);
+        live.newsLead = 30;
+        live.play(1500);
+        live.end();
+        QVERIFY(follow(live, averages).difference.has_value());
+        const lab::SessionVerdict verdict = search(live, averages);
+        QCOMPARE(texts(verdict), u"none"_s);
+        QVERIFY(verdict.orders > 3);
+        QVERIFY(std::ranges::all_of(
+            verdict.taken, [](const lab::Delay& delay) { return delay.what == lab::Late::News; }));
+        QVERIFY(!verdict.taken.empty());
+    }
+
+    void whatNoLatenessExplainsStaysADifference()
+    {
+        LiveSession live(averages);
+        live.wait(950);
+        live.late = 60;
+        live.newsLead = 30;
+        live.play(1000);
+        live.buyByHand();
+        const practice::TimeMs time = live.now();
+        live.play(500);
+        live.end();
+        const lab::SessionVerdict verdict = search(live, averages);
+        QVERIFY2(texts(verdict).endsWith(u" | BUY 0.3 EURUSD"_s), qPrintable(texts(verdict)));
+        QCOMPARE(verdict.difference->time, time);
+        const QString twice = QString(averages).replace(u"0.1,"_s, u"0.2,"_s);
+        QVERIFY(search(*m_whole, twice).difference.has_value());
+        QVERIFY(search(*m_whole, twice).taken.empty());
+    }
+
+    void aSearchEndsWithoutAVerdictWhenItIsStopped()
+    {
+        int rounds = 0;
+        QVERIFY(!lab::searchLateness([&](const std::set<lab::Delay>& late) {
+            ++rounds;
+            lab::SessionVerdict verdict;
+            verdict.difference.emplace();
+            verdict.possible.push_back({1000, lab::Late::Price});
+            return late.empty() ? std::optional(verdict) : std::nullopt;
+        }));
+        QCOMPARE(rounds, 2);
     }
 
     void anOrderThatWasNeverSentIsFound()
