@@ -14,7 +14,11 @@ std::string equityPart(const RunResult& result)
     if (result.equity.size() < 2)
         return "<p class=\"note\">No equity.</p>";
     return chartPlace(
-        "equity", "Equity and balance over time", {{"--accent", "Equity"}, {"--second", "Balance"}});
+               "equity", "Equity and balance over time", {{"--accent", "Equity"}, {"--second", "Balance"}})
+        + "\n<p class=\"note\">The curves have a point where the balance has changed and at the end of each "
+          "UTC day"
+        + (result.equity.size() > 2'000 ? ", neighbours joined by their highest and lowest" : "")
+        + "; between two points the line says nothing.</p>";
 }
 
 std::string fallPart(const RunResult& result)

@@ -175,7 +175,8 @@ std::string overview(const SweepTable& table)
     line("Stability of the neighbourhood", table.stability[*table.best],
         "mean of the neighbours' figures / the figure; neighbours differ by one step",
         whyUnstable(table, table.sets[*table.best]));
-    html += "</tbody>\n</table>\n<div class=\"wide\"><table>\n<caption>The best sets</caption>\n<thead><tr>";
+    html += "</tbody>\n</table>\n<div class=\"wide\" tabindex=\"0\" role=\"region\" aria-label=\"The best "
+            "sets\"><table class=\"study\">\n<caption>The best sets</caption>\n<thead><tr>";
     html += "<th scope=\"col\">Inputs</th>";
     for (const FigureRow* row : shownFigures(sort))
         html += "<th scope=\"col\" class=\"n\">" + escaped(row->name) + "</th>";

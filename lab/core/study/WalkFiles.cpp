@@ -77,6 +77,14 @@ std::string rowsJson(const Walk& walk)
     return json + "\n  ]";
 }
 
+/// Without a time of day where it is midnight; it may break between the two.
+std::string dateText(practice::TimeMs time)
+{
+    const std::string text = minuteText(time);
+    return "<span class=\"t\">" + text.substr(0, 10) + "</span>"
+        + (time % practice::dayMs == 0 ? "" : text.substr(10));
+}
+
 constexpr std::string_view nothingChosen = "no set was chosen";
 
 std::string_view whyNoGrowth(const WalkRow& row)
@@ -209,15 +217,18 @@ std::string walkPart(const Walk& walk)
         + figureText(FigureKind::Fraction, walk.efficiency()) + " ("
         + (walk.efficiency() ? std::string() : walk.efficiencyGap() + "; ")
         + "growth a year over these times / mean growth a year of the choices on their pasts).</p>\n"
-          "<div class=\"wide\"><table>\n<caption>Windows</caption>\n<thead><tr>";
-    for (const std::string_view name : {"Chosen on", "Tried from", "to", "Inputs", "Past: growth a year"})
+          "<div class=\"wide\" tabindex=\"0\" role=\"region\" aria-label=\"Windows\"><table "
+          "class=\"study\">\n"
+          "<caption>Windows, times in UTC</caption>\n<thead><tr>";
+    for (const std::string_view name : {"Chosen on", "Tried from", "to", "Inputs"})
         html += "<th scope=\"col\">" + escaped(name) + "</th>";
+    html += "<th scope=\"col\" class=\"n\">Past: growth a year</th>";
     for (const std::string_view key : testKeys)
-        html += "<th scope=\"col\">" + escaped(figureRow(key)->name) + "</th>";
-    html += "<th scope=\"col\">Efficiency</th></tr></thead>\n<tbody>\n";
+        html += "<th scope=\"col\" class=\"n\">" + escaped(figureRow(key)->name) + "</th>";
+    html += "<th scope=\"col\" class=\"n\">Efficiency</th></tr></thead>\n<tbody>\n";
     for (const WalkRow& row : walk.rows) {
-        html += "<tr><td>" + minuteText(row.window.trainFrom) + "</td><td>" + minuteText(row.window.testFrom)
-            + "</td><td>" + minuteText(row.window.testTo) + "</td><td>"
+        html += "<tr><td>" + dateText(row.window.trainFrom) + "</td><td>" + dateText(row.window.testFrom)
+            + "</td><td>" + dateText(row.window.testTo) + "</td><td>"
             + (row.chosen ? escaped(shortened(inputsText(walk.grid.inputsOf(row.chosen->number)), 200))
                           : escaped(row.reason(walk.order)))
             + "</td><td class=\"n\">"

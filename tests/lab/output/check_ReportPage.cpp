@@ -138,8 +138,7 @@ TEST_CASE("whatever is undefined says why, in tiles and figures")
     CHECK(has(pageOf(won), "<dt>Profit factor</dt><dd>\xE2\x80\x93<small>needs a losing trade</small></dd>"));
     CHECK(has(pageOf(lost), "\xE2\x80\x93: needs a winning trade</span>"));
     CHECK(has(pageOf(RunResult()), "\xE2\x80\x93: needs at least two days with prices</span>"));
-    CHECK(
-        has(pageOf(smallRun()), "\xE2\x80\x93: only an account under plan rules has such a limit</span>"));
+    CHECK(has(pageOf(smallRun()), "\xE2\x80\x93: only an account under plan rules has such a limit</span>"));
     CHECK(has(pageOf(history), "\xE2\x80\x93: not known without prices</span>"));
 }
 
@@ -159,6 +158,13 @@ TEST_CASE("the reasons of closings are told in plain words below the trades")
     history.closedTradesOnly = true;
     CHECK(has(pageOf(history), "<dt>SCRIPT</dt><dd>a person or a script closed it</dd>"));
     CHECK(!has(pageOf(history), "<dt>END</dt>"));
+}
+
+TEST_CASE("what the points of the equity curves are stands below them")
+{
+    CHECK(has(pageOf(smallRun()), "a point where the balance has changed and at the end of each UTC day;"));
+    CHECK(has(
+        pageOf(generatedRun(2'000, 50, 3'000)), "UTC day, neighbours joined by their highest and lowest;"));
 }
 
 TEST_CASE("nothing that a script or file says becomes markup")

@@ -21,6 +21,7 @@ CHARTS = {
     "year": {"equity", "drawdown", "candles"},
     "small": {"equity", "drawdown", "candles"},
     "sweep": {"equity", "drawdown", "candles"},
+    "walk": {"equity", "drawdown", "candles"},
     "compare": {"runs"},
     "nothing": set(),
 }
@@ -54,6 +55,8 @@ addEventListener("load", () => setTimeout(() => {
     row.click();
   setTimeout(() => {
     const probe = { first, second: look(), rows: Boolean(row), page: getComputedStyle(document.body).backgroundColor,
+      cut: [...document.querySelectorAll(".wide")].filter(part => part.scrollWidth > part.clientWidth)
+        .map(part => part.closest("section").id),
       inner: document.documentElement.clientWidth, width: document.documentElement.scrollWidth };
     document.documentElement.setAttribute("data-probe", JSON.stringify(probe));
     parent.postMessage(JSON.stringify(probe), "*");
@@ -133,6 +136,8 @@ def faults_of_look(browser, page, is_dark, width):
         yield "a ticket in the list does not move the chart"
     if probe["inner"] != width:
         yield f"the window is {probe['inner']} pixels wide"
+    if width >= 1200 and probe["cut"]:
+        yield f"tables that do not fit: {probe['cut']}"
     if probe["width"] > probe["inner"]:
         yield f"{probe['width']} pixels wide in a window of {probe['inner']}"
     brightness = sum(int(part) for part in re.findall(r"\d+", probe["page"])[:3])

@@ -8,6 +8,7 @@
 #include "lab/core/output/ReportPage.h"
 #include "lab/core/output/ResultFiles.h"
 #include "lab/core/output/ResultFolder.h"
+#include "lab/core/study/WalkFiles.h"
 
 #include <cstdlib>
 #include <iostream>
@@ -23,6 +24,27 @@ lab::SavedRun savedRun(const lab::RunResult& run, const std::string& name)
     folder.add("equity.csv", lab::equityCsv(run));
     folder.commit();
     return lab::readSavedRun(place.path() / name);
+}
+
+/// The windows of a year's walk over four inputs.
+std::string walkPart()
+{
+    const auto axis = [](const char* name, const char* values) { return lab::axisOf(name, values, true); };
+    lab::Walk walk{lab::Grid({axis("RangeBars", "8:32:8"), axis("FromHour", "6:9:1"),
+                       axis("Reward", "1:2:0.5"), axis("Lots", "0.10")}),
+        {lab::sortFigureOf("sharpe"), 30}, 48, 0, false, {}, {}};
+    for (int number = 0; number < 12; ++number) {
+        const practice::TimeMs from
+            = lab::samples::monday + number * 30 * practice::dayMs + 26 * practice::hourMs;
+        lab::WalkRow row{{from, from + 90 * practice::dayMs, from + 120 * practice::dayMs}, {}, {}, {}, {}};
+        lab::SetResult chosen;
+        chosen.number = static_cast<std::uint64_t>(number * 3);
+        row.chosen = chosen;
+        row.test = lab::figuresOf(lab::samples::smallRun());
+        walk.rows.push_back(row);
+    }
+    walk.whole = walk.rows.front().test;
+    return lab::walkPart(walk);
 }
 
 } // namespace
@@ -57,6 +79,8 @@ int main(int argc, char** argv)
     }
     folder.add("sweep.html",
         lab::reportPage(small, lab::figuresOf(small), {"moving_average.js", {lab::heatMap(grid)}}));
+    folder.add(
+        "walk.html", lab::reportPage(small, lab::figuresOf(small), {"moving_average.js", {walkPart()}}));
     const lab::RunResult nothing;
     folder.add("nothing.html", lab::reportPage(nothing, lab::figuresOf(nothing), {"nothing.js", {}}));
     folder.commit();
