@@ -14,8 +14,8 @@ namespace lab {
 namespace {
 
 constexpr CommandSet running = runningCommands;
-constexpr CommandSet writing
-    = running | setOf(Command::Report) | setOf(Command::Compare) | setOf(Command::Merge);
+/// Those whose help refers to that of `run` for prices, times and the account.
+constexpr CommandSet studying = running & ~setOf(Command::Run);
 /// Those that choose among sets of inputs.
 constexpr CommandSet choosing = setOf(Command::Sweep) | setOf(Command::Walk) | setOf(Command::Plan);
 constexpr CommandSet working
@@ -23,40 +23,39 @@ constexpr CommandSet working
 constexpr CommandSet verifying = setOf(Command::Verify);
 
 constexpr std::array commands{
-    CommandRow{Command::Inputs, "inputs", "SCRIPT", "list the values of a script that can be changed",
+    CommandRow{Command::Inputs, "inputs", "SCRIPT", {}, "list the values of a script that can be changed",
         "An input is a line at the top level of the script that gives a name to a number,\n"
         "a text, true or false:  var Fast = 10;  // what stands here explains it\n"},
-    CommandRow{Command::Run, "run", "SCRIPT", "run a script over history and write a report",
-        "Without --out the files go to SCRIPT-SYMBOL in the current folder.\n"
-        "Exit status: 0; 1 when the script failed; 2 when something cannot be used; 130\n"
-        "after Ctrl-C, which keeps what was done.\n"},
-    CommandRow{Command::Report, "report", "FILE", "the same report for an account's own closed trades",
-        "FILE is the platform's reply to GET /api/trades/history, saved as it came.\n"
-        "Without --out the files go to a folder named after it in the current one.\n"},
-    CommandRow{Command::Compare, "compare", "DIR DIR", "results of two runs or more, side by side",
-        "With --out the comparison is written as a page too, compare.html.\n"},
-    CommandRow{Command::Check, "check", "SCRIPT", "find out whether a result can be believed",
+    CommandRow{Command::Run, "run", "SCRIPT", "--data FILE-1m.csv | --seed N --symbol S",
+        "run a script over history and write a report", {}},
+    CommandRow{Command::Report, "report", "FILE", {}, "the same report for an account's own closed trades",
+        "FILE is the platform's reply to GET /api/trades/history, saved as it came.\n"},
+    CommandRow{
+        Command::Compare, "compare", "DIR DIR...", {}, "results of two runs or more, side by side", {}},
+    CommandRow{Command::Check, "check", "SCRIPT", "PRICES", "find out whether a result can be believed",
         "An earlier end must change nothing before it, half and double the warm-up no\n"
         "trade, the order of the extremes no more than a tenth of the result, and another\n"
-        "run no byte. Exit status: 0 when all of this holds, 1 when not, else as of run.\n"
-        "With --out the run is written, with what does not hold among the warnings.\n"},
-    CommandRow{Command::Sweep, "sweep", "SCRIPT", "try many values of inputs, on all cores",
-        "--set takes ranges FROM:TO:STEP and lists A,B. Exit status: 0; 3 when some sets\n"
-        "failed; 130 after Ctrl-C, which keeps what was done; else as of run.\n"},
-    CommandRow{Command::Walk, "walk", "SCRIPT", "choose values on the past, try them on what follows",
+        "run no byte. Exit status: 0 when all of this holds, 1 when not, 2 when it\n"
+        "cannot be found out.\n"},
+    CommandRow{Command::Sweep, "sweep", "SCRIPT", "PRICES", "try many values of inputs, on all cores",
+        "Exit status: 0; 1 when no set can be chosen; 2 when something cannot be used; 3\n"
+        "when some sets failed; 130 after Ctrl-C, which keeps what was done.\n"},
+    CommandRow{Command::Walk, "walk", "SCRIPT", "PRICES --train LENGTH --test LENGTH",
+        "choose values on the past, try them on what follows",
         "Each window chooses as sweep does, and is tested on the time behind it.\n"},
-    CommandRow{Command::Challenge, "challenge", "SCRIPT",
+    CommandRow{Command::Challenge, "challenge", "SCRIPT", "PRICES --starts daily",
         "how often a plan would be passed, from many starts",
         "A run from each start ends with the plan or with the prices.\n"},
-    CommandRow{Command::Plan, "plan", "SCRIPT", "a sweep in chunks, for several machines",
-        "--out names the file, SCRIPT-SYMBOL.plan.json without it. Then, for each chunk,\n"
-        "tavoran-lab work PLAN CHUNK, and in the end tavoran-lab merge PLAN.\n"},
-    CommandRow{Command::Work, "work", "PLAN CHUNK", "carry out a chunk of a plan",
+    CommandRow{Command::Plan, "plan", "SCRIPT", "PRICES --chunks N",
+        "a sweep in chunks, for several machines",
+        "Then, for each chunk, tavoran-lab work PLAN CHUNK, and in the end tavoran-lab\n"
+        "merge PLAN.\n"},
+    CommandRow{Command::Work, "work", "PLAN CHUNK", {}, "carry out a chunk of a plan",
         "Chunks are numbered from 1. The result lies beside the plan.\n"},
-    CommandRow{Command::Merge, "merge", "PLAN", "join the chunks of a plan to the result of a sweep",
+    CommandRow{Command::Merge, "merge", "PLAN", {}, "join the chunks of a plan to the result of a sweep",
         "Exit status: 0; 2 when chunks are missing or do not belong together, and names\n"
-        "them; 3 when some sets failed.\n"},
-    CommandRow{Command::Verify, "verify", "SESSION SCRIPT", "compare a live script with the lab",
+        "them; else as of sweep.\n"},
+    CommandRow{Command::Verify, "verify", "SESSION SCRIPT", {}, "compare a live script with the lab",
         "SESSION is what tavoran-practice --record has written. The script is called at\n"
         "each price that the platform sent, on the bars and with the account that it told\n"
         "of; its orders and the broker's fills have to be those that were recorded.\n"
@@ -233,45 +232,45 @@ void readLimit(Options& options, const std::string& text)
 }
 
 constexpr std::array options{
-    OptionRow{"--data", "FILE-1m.csv",
-        "recorded minutes, of a symbol that the file is named after;\n"
-        "more of them where results are turned into USD",
-        running, readData},
-    OptionRow{"--symbol", "S", "which symbol, where there are several", running | setOf(Command::Report),
-        readSymbol},
-    OptionRow{"--seed", "N",
-        "simulated prices, of this market of the practice platform;\n"
-        "with --data of the script's random numbers alone (1)",
-        running, readSeed},
-    OptionRow{"--speed", "X", "how fast the simulated market moves, 0.1 to 1000 (1)", running, readSpeed},
-    OptionRow{"--timeframe", "T", "of the chart: 1m 5m 15m 1h 4h 1d 1w 1mn (15m)", running, readTimeframe},
+    OptionRow{"--data", "FILE-1m.csv", "recorded minutes; several where results turn into USD", running,
+        readData, studying},
+    OptionRow{"--symbol", "S", "required where prices are simulated or of several files", running, readSymbol,
+        studying},
+    OptionRow{"--symbol", "S", "which one, where there are several", setOf(Command::Report), readSymbol},
+    OptionRow{"--seed", "N", "simulated prices; with --data of random numbers alone (1)", running, readSeed,
+        studying},
+    OptionRow{"--speed", "X", "of the simulated market, 0.1 to 1000 (1)", running, readSpeed, studying},
+    OptionRow{"--timeframe", "T", "of the chart: 1m 5m 15m 1h 4h 1d 1w 1mn (15m)", running, readTimeframe,
+        studying},
     OptionRow{"--from", "D",
-        "day or time in UTC, 2014-05-01 or 2014-05-01T12:30 (as\n"
-        "soon as there is a warm-up; simulated: 2024-01-01, or\n"
-        "365 days before --to)",
-        running, readFrom},
-    OptionRow{"--to", "D",
-        "day or time that no longer belongs to the run (the end of\n"
-        "the record; simulated: 365 days after --from)",
-        running, readTo},
+        "day or time in UTC, such as 2014-05-01T12:30 (after the\n"
+        "warm-up; simulated: 2024-01-01 or 365 days before --to)",
+        running, readFrom, studying},
     OptionRow{
-        "--warmup", "BARS", "bars before the start (1500, or a quarter of the record)", running, readWarmup},
-    OptionRow{"--model", "M",
-        "when the script is called: at the open of each bar, at\n"
-        "ohlc of each minute, along a path, as by a feed (ohlc)",
-        running, readModel},
-    OptionRow{"--extremes", "E",
-        "order of a minute's extremes: usual (the one nearer the\n"
-        "open comes first), high-first or low-first (usual)",
-        running, readExtremes},
-    OptionRow{"--spread", "P", "spread in points, even (as recorded, or else as usual)", running, readSpread},
-    OptionRow{"--delay", "MS", "time from an order to its execution (0)", running, readDelay},
+        "--to", "D", "the first moment behind it (the end; simulated: 365 days)", running, readTo, studying},
+    OptionRow{"--warmup", "BARS",
+        "before the start, 0 to 1000000 (1500, or a quarter of a\n"
+        "shorter record)",
+        running, readWarmup, studying},
+    OptionRow{"--model", "M", "when the script is called: open, ohlc, path, feed (ohlc)", running, readModel,
+        studying},
+    OptionRow{"--extremes", "E", "which comes first: usual, high-first, low-first (usual)", running,
+        readExtremes, studying},
+    OptionRow{"--spread", "P", "in points, even, 2 to 1000000 (recorded, or else usual)", running, readSpread,
+        studying},
+    OptionRow{
+        "--delay", "MS", "from an order to its execution, 0 to 86400000 (0)", running, readDelay, studying},
     OptionRow{"--account", "A", "rules of a demo account or of a plan: demo, plan (demo)",
-        running & ~setOf(Command::Challenge), readAccount},
-    OptionRow{"--balance", "B", "balance at the start in USD (100000)", running | setOf(Command::Report),
-        readBalance},
-    OptionRow{"--leverage", "L", "of the account, 1 to 1000 (100)", running, readLeverage},
-    OptionRow{"--set", "NAME=V", "another value for an input; may be repeated", running, readInput},
+        running & ~setOf(Command::Challenge), readAccount, studying},
+    OptionRow{"--balance", "B", "at the start in USD, above 0 (100000)", running | setOf(Command::Report),
+        readBalance, studying},
+    OptionRow{"--leverage", "L", "of the account, 1 to 1000 (100)", running, readLeverage, studying},
+    OptionRow{
+        "--set", "NAME=V", "another value for an input; may be repeated", running & ~choosing, readInput},
+    OptionRow{"--set", "NAME=VALUES",
+        "values of an input: a range FROM:TO:STEP such as 5:20:1,\n"
+        "a list such as 1,2,5, or one; may be repeated",
+        choosing, readInput},
     OptionRow{"--symbol", "S", "of the chart, where the session has several", verifying, readSymbol},
     OptionRow{"--timeframe", "T", "of the chart, where the session has several", verifying, readTimeframe},
     OptionRow{"--account", "ID", "traded on, where the session has several", verifying, readAccountId},
@@ -282,21 +281,47 @@ constexpr std::array options{
     OptionRow{"--to", "D", "when it left the chart (the end of the session)", verifying, readTo},
     OptionRow{
         "--set", "NAME=V", "an input's value in the live script; may be repeated", verifying, readInput},
-    OptionRow{"--out", "DIR", "the folder to write to", writing, readOut},
-    OptionRow{
-        "--limit", "SECONDS", "the most that a run may take (no limit)", running | verifying, readLimit},
-    OptionRow{"--random", "N", "try N of the sets, drawn by --seed", choosing, readRandom},
-    OptionRow{"--sort", "FIGURE", "a key of summary.json that decides (sharpe)", choosing, readSort},
-    OptionRow{"--min-trades", "N", "a set with fewer is not chosen (30)", choosing, readMinTrades},
-    OptionRow{"--train", "LENGTH", "of the time to choose on, 90d or 12w", setOf(Command::Walk), readTrain},
-    OptionRow{"--test", "LENGTH", "of the time to try on, behind it", setOf(Command::Walk), readTest},
+    OptionRow{"--train", "LENGTH", "required: the time to choose on, 1d to 10000w", setOf(Command::Walk),
+        readTrain},
+    OptionRow{"--test", "LENGTH", "required: the time to try on, behind it, 1d to 10000w",
+        setOf(Command::Walk), readTest},
     OptionRow{"--anchored", "", "choose on all the past", setOf(Command::Walk), readAnchored},
-    OptionRow{"--starts", "daily", "a start on each day with prices", setOf(Command::Challenge), readStarts},
-    OptionRow{"--seeds", "A..B", "a simulated market for each", setOf(Command::Challenge), readSeeds},
-    OptionRow{"--chunks", "N", "in how many parts the sets go", setOf(Command::Plan), readChunks},
-    OptionRow{"--jobs", "N", "runs at once (as many as cores; of work: 1)", working, readJobs},
-    OptionRow{"--memory", "MB", "the most for each of them, besides prices (2048)", working, readMemory},
+    OptionRow{"--starts", "daily", "required: a start on each day with prices", setOf(Command::Challenge),
+        readStarts},
+    OptionRow{"--seeds", "A..B",
+        "instead of --starts and --seed: a simulated market for\n"
+        "each, at most 100000 of them",
+        setOf(Command::Challenge), readSeeds},
+    OptionRow{"--chunks", "N", "required: in how many parts the sets go, 1 to 100000", setOf(Command::Plan),
+        readChunks},
+    OptionRow{"--random", "N", "of the sets, 1 to 1000000, drawn by --seed (all)", choosing, readRandom},
+    OptionRow{"--sort", "FIGURE", "a key of summary.json that decides (sharpe)", choosing, readSort},
+    OptionRow{
+        "--min-trades", "N", "a set with fewer is not chosen, 0 to 1000000 (30)", choosing, readMinTrades},
+    OptionRow{"--jobs", "N", "runs at once, 1 to 1000 (as many as cores)", working & ~setOf(Command::Work),
+        readJobs},
+    OptionRow{"--jobs", "N", "runs at once, 1 to 1000 (1)", setOf(Command::Work), readJobs},
+    OptionRow{"--memory", "MB", "of each, besides prices, 512 to 1000000 (2048)", working, readMemory},
+    OptionRow{"--limit", "SECONDS", "the most a run may take, 0.001 to 1000000 (no limit)",
+        running | verifying, readLimit},
     OptionRow{"--resume", "", "go on with a sweep that was stopped", setOf(Command::Sweep), readResume},
+    OptionRow{"--out", "DIR", "new, or with a former run (SCRIPT-SYMBOL)", setOf(Command::Run), readOut},
+    OptionRow{"--out", "DIR", "new, or with a former run (FILE without its extension)",
+        setOf(Command::Report), readOut},
+    OptionRow{"--out", "DIR", "write compare.html: new, or with a former comparison", setOf(Command::Compare),
+        readOut},
+    OptionRow{"--out", "DIR",
+        "write the run, with what does not hold among its\n"
+        "warnings: new, or with a former run (none is written)",
+        setOf(Command::Check), readOut},
+    OptionRow{"--out", "DIR", "new, or with a former sweep (SCRIPT-SYMBOL-sweep)",
+        setOf(Command::Sweep) | setOf(Command::Merge), readOut},
+    OptionRow{
+        "--out", "DIR", "new, or with a former walk (SCRIPT-SYMBOL-walk)", setOf(Command::Walk), readOut},
+    OptionRow{"--out", "DIR", "new, or with a former one (SCRIPT-SYMBOL-challenge)",
+        setOf(Command::Challenge), readOut},
+    OptionRow{
+        "--out", "FILE", "new, or a former plan (SCRIPT-SYMBOL.plan.json)", setOf(Command::Plan), readOut},
 };
 
 } // namespace

@@ -12,6 +12,7 @@ struct CommandRow {
     Command command = Command::None;
     std::string_view name;      ///< "run"
     std::string_view arguments; ///< what stands behind it: "SCRIPT"
+    std::string_view required;  ///< options that it cannot do without
     std::string_view summary;   ///< what it does, in a few words
     std::string_view help;      ///< what else --help says of it; lines
 };
@@ -36,6 +37,7 @@ struct OptionRow {
     CommandSet commands = 0;
     /// Puts the value into the options. Throws UsageError with what it takes instead.
     void (*read)(Options& options, const std::string& value) = nullptr;
+    CommandSet onlyNamed = 0; ///< those whose help names it and refers to that of `run`
 };
 
 [[nodiscard]] std::span<const CommandRow> commandRows();

@@ -1,6 +1,8 @@
 #include "lab/cli/Options.h"
 
+#include "lab/cli/NearName.h"
 #include "lab/cli/OptionTable.h"
+#include "lab/cli/Screen.h"
 #include "lab/cli/StudyOptionReaders.h"
 
 #include <algorithm>
@@ -27,7 +29,10 @@ Command commandOf(const std::string& word)
         if (row.name == word)
             return row.command;
     }
-    throw UsageError("unknown command " + word + "; there are " + commandNames());
+    std::vector<std::string_view> names;
+    for (const CommandRow& row : commandRows())
+        names.push_back(row.name);
+    throw UsageError("unknown command " + word + suggestion(word, names) + "; there are " + commandNames());
 }
 
 std::string optionNames(Command command)
@@ -46,8 +51,13 @@ const OptionRow& optionOf(const std::string& name, Command command)
         if (row.name == name && (row.commands & setOf(command)) != 0)
             return row;
     }
-    throw UsageError(
-        "unknown option " + name + "; " + std::string(rowOf(command).name) + " has " + optionNames(command));
+    std::vector<std::string_view> names;
+    for (const OptionRow& row : optionRows()) {
+        if ((row.commands & setOf(command)) != 0)
+            names.push_back(row.name);
+    }
+    throw UsageError("unknown option " + name + suggestion(name, names) + "; "
+        + std::string(rowOf(command).name) + " has " + optionNames(command));
 }
 
 void takeOperand(Options& options, const std::string& word)
@@ -240,18 +250,26 @@ std::string helpText(Command command)
     if (command == Command::None)
         return programHelp();
     const CommandRow& about = rowOf(command);
-    std::string text = "Usage: tavoran-lab " + std::string(about.name) + ' ' + std::string(about.arguments)
-        + " [options]\n";
+    std::string text = "Usage: tavoran-lab";
+    for (const std::string_view part : {about.name, about.arguments, about.required})
+        text.append(part.empty() ? "" : " ").append(part);
+    text += " [options]\n";
     std::string summary(about.summary);
     summary.front() = static_cast<char>(summary.front() - 'a' + 'A');
-    text.append(summary).append(".\n\n");
+    text.append(summary).append(".\n");
+    if (about.required.starts_with("PRICES"))
+        text += "PRICES: --data FILE-1m.csv, recorded, or --seed N --symbol S, simulated.\n";
+    text += '\n';
+    std::string named;
     for (const OptionRow& row : optionRows()) {
-        if ((row.commands & setOf(command)) != 0)
+        if ((row.commands & row.onlyNamed & setOf(command)) != 0)
+            named.append(" ").append(row.name);
+        else if ((row.commands & setOf(command)) != 0)
             addEntry(text, std::string(row.name) + (row.value.empty() ? "" : " ") + std::string(row.value),
                 row.help);
     }
-    addEntry(text, "--help", "print this text");
-    addEntry(text, "--version", "print the version");
+    if (!named.empty())
+        text += "  " + wrapped("as of run, see its --help:" + named, 77, "  ") + '\n';
     if (!about.help.empty())
         text.append("\n").append(about.help);
     return text;

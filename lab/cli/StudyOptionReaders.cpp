@@ -1,11 +1,15 @@
 #include "lab/cli/StudyOptionReaders.h"
 
+#include "lab/cli/NearName.h"
 #include "lab/cli/OptionValues.h"
 #include "lab/cli/Options.h"
+#include "lab/cli/Screen.h"
 #include "lab/core/study/Grid.h"
 #include "lab/core/study/SortFigure.h"
 
+#include <algorithm>
 #include <string_view>
+#include <vector>
 
 namespace lab {
 
@@ -46,7 +50,15 @@ void readJobs(Options& options, const std::string& text)
 
 void readSort(Options& options, const std::string& text)
 {
-    static_cast<void>(sortFigureOf(text));
+    const std::vector<std::string_view> keys = sortKeys();
+    if (std::ranges::find(keys, text) == keys.end()) {
+        std::string names;
+        for (const std::string_view key : keys)
+            names.append(names.empty() ? "" : ", ").append(key);
+        const std::string near = suggestion(text, keys);
+        throw UsageError("--sort takes a figure's key, not \"" + text + '"' + (near.empty() ? ":" : near)
+            + "\n  " + wrapped(names, screenWidth - 3, "  "));
+    }
     options.study.sort = text;
 }
 

@@ -24,16 +24,21 @@ bool SortFigure::isBetter(const Figure& one, const Figure& other) const
     return lowIsBest ? *one < *other : *one > *other;
 }
 
+std::vector<std::string_view> sortKeys()
+{
+    std::vector<std::string_view> keys;
+    for (const FigureRow& row : figureRows()) {
+        if (row.kind != FigureKind::Time)
+            keys.push_back(row.key);
+    }
+    return keys;
+}
+
 SortFigure sortFigureOf(std::string_view key)
 {
     if (const FigureRow* row = figureRow(key); row && row->kind != FigureKind::Time)
         return {row, std::ranges::find(lowOnes, key) != lowOnes.end()};
-    std::string names;
-    for (const FigureRow& row : figureRows()) {
-        if (row.kind != FigureKind::Time)
-            names.append(names.empty() ? "" : ", ").append(row.key);
-    }
-    throw StudyError("--sort takes one of " + names + ", not \"" + std::string(key) + '"');
+    throw StudyError("there is no figure " + std::string(key));
 }
 
 } // namespace lab

@@ -3,6 +3,7 @@
 #include "lab/core/figures/FigureTable.h"
 
 #include <string_view>
+#include <vector>
 
 namespace lab {
 
@@ -15,7 +16,10 @@ struct SortFigure {
     [[nodiscard]] bool isBetter(const Figure& one, const Figure& other) const;
 };
 
-/// Throws StudyError, which names those that there are, for an unknown key.
+/// The keys that there are.
+[[nodiscard]] std::vector<std::string_view> sortKeys();
+
+/// Throws StudyError for an unknown key.
 [[nodiscard]] SortFigure sortFigureOf(std::string_view key);
 
 } // namespace lab

@@ -52,6 +52,16 @@ std::size_t widest(const std::string& text)
     return most;
 }
 
+/// In one line, a blank between the words.
+std::string spaced(const std::string& text)
+{
+    std::istringstream words(text);
+    std::string line = " ";
+    for (std::string word; words >> word;)
+        line += word + ' ';
+    return line;
+}
+
 } // namespace
 
 TEST_CASE("a run over recorded minutes needs no more than script and file")
@@ -162,7 +172,7 @@ TEST_CASE("an unknown option is answered with those that the command has")
 {
     const std::string run = refusal("run a.js --fast 3");
     CHECK(contains(run, "unknown option --fast; run has --data, --symbol, "));
-    CHECK(contains(run, "--limit, --help, --version"));
+    CHECK(contains(run, "--out, --help, --version"));
     const std::string compare = refusal("compare a b --symbol EURUSD");
     CHECK_EQ(compare, "unknown option --symbol; compare has --out, --help, --version");
 }
@@ -264,6 +274,38 @@ TEST_CASE("the commands that the guide and the README show can be typed as they 
     }
 }
 
+TEST_CASE("a help says what is required, which values there are, and what stands for none")
+{
+    const std::string walk = lab::helpText(Command::Walk);
+    CHECK(contains(walk, "Usage: tavoran-lab walk SCRIPT PRICES --train LENGTH --test LENGTH [options]\n"));
+    CHECK(contains(walk, "--train LENGTH     required: "));
+    CHECK(contains(walk, "--test LENGTH      required: "));
+    CHECK(contains(walk, "FROM:TO:STEP"));
+    CHECK(contains(walk, "0 to 1000000 (30)"));
+    CHECK(contains(walk, "1 to 1000 (as many as cores)"));
+    CHECK(contains(walk, "512 to 1000000 (2048)"));
+    CHECK(contains(walk, "(SCRIPT-SYMBOL-walk)"));
+    CHECK(contains(walk, "as of run, see its --help: --data "));
+    CHECK(contains(lab::helpText(Command::Run), "--data FILE-1m.csv | --seed N --symbol S [options]\n"));
+    CHECK(contains(lab::helpText(Command::Run), "0 to 86400000 (0)"));
+    CHECK(contains(lab::helpText(Command::Run), "365 days before --to"));
+    CHECK(contains(lab::helpText(Command::Plan), "PRICES --chunks N [options]\n"));
+    CHECK(contains(lab::helpText(Command::Challenge), "PRICES --starts daily [options]\n"));
+    CHECK(contains(lab::helpText(Command::Merge), "new, or with a former sweep (SCRIPT-SYMBOL-sweep)"));
+}
+
+TEST_CASE("a name that is nearly right is answered with the right one")
+{
+    const std::string sort = refusal("sweep a.js --sort profit");
+    CHECK(contains(sort, "not \"profit\"; did you mean netProfit?\n  "));
+    CHECK(widest("tavoran-lab: " + sort) <= 80);
+    CHECK(contains(refusal("sweep a.js --sort Sharp"), "did you mean sharpe?"));
+    CHECK(contains(refusal("sweep a.js --sort zzz"), "not \"zzz\":\n  "));
+    CHECK(contains(refusal("sweep a.js --min-trade 3"), "did you mean --min-trades?"));
+    CHECK(contains(refusal("wlak a.js"), "did you mean walk?"));
+    CHECK(contains(refusal("run a.js --min-trades 3"), "unknown option --min-trades; run has"));
+}
+
 TEST_CASE("each help fits a screen and names every option of its command")
 {
     std::vector<Command> commands{Command::None};
@@ -272,14 +314,15 @@ TEST_CASE("each help fits a screen and names every option of its command")
     for (const Command command : commands) {
         const std::string help = lab::helpText(command);
         CHECK(widest(help) <= 80);
-        CHECK(std::ranges::count(help, '\n') <= 40);
+        CHECK(std::ranges::count(help, '\n') <= 23); // and the prompt behind it
         CHECK(help.ends_with('\n'));
         for (const lab::OptionRow& row : lab::optionRows()) {
             // An option may mean something else to another command.
             const bool has = std::ranges::any_of(lab::optionRows(), [&](const lab::OptionRow& other) {
                 return other.name == row.name && (other.commands & lab::setOf(command)) != 0;
             });
-            CHECK_EQ(contains(help, "  " + std::string(row.name) + ' '), has);
+            if (command != Command::None) // which shows examples
+                CHECK_EQ(contains(spaced(help), ' ' + std::string(row.name) + ' '), has);
         }
     }
     for (const lab::CommandRow& row : lab::commandRows())

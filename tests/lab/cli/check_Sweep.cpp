@@ -207,7 +207,9 @@ TEST_CASE("what cannot be tried is refused in a line, and nothing is written")
     CHECK(contains(refusal({"--set", "Every=5:1:1"}), "lowest"));
     CHECK(contains(refusal({"--set", "Never=1:2:1"}), "Every, Points, Mode, Wait"));
     CHECK(contains(refusal({"--set", "Every=fast"}), "fast"));
-    CHECK(contains(refusal({"--set", "Every=1,2", "--sort", "luck"}), "netProfit, cagr"));
+    const Result luck = study.run("sweep", "Clock.js", {"--out", "s", "--sort", "luck"});
+    CHECK_EQ(luck.exitCode, 2);
+    CHECK(contains(luck.errors, "netProfit, cagr"));
     CHECK(contains(refusal({"--set", "Every=1,2", "--random", "0"}), "--random"));
     CHECK(contains(refusal({"--set", "Every=1,2", "--from", "2031-01-01"}), "no prices"));
     study.write("s", "a letter");
