@@ -25,7 +25,7 @@ for program in build/unpacked/usr/bin/*; do
     ! grep -q '\.symtab' build/elf.txt || fail "${program##*/} is not stripped"
     echo "${program##*/} is stripped, position-independent, with read-only relocations and stack checks"
 done
-# The terminal calls none of the functions that have a checked form; the flags are the same for both.
+# The terminal calls none of the functions that have a checked form; the flags are the same for all.
 readelf --wide --dyn-syms build/unpacked/usr/bin/tavoran-practice | grep '_chk@' >build/checked.txt \
     || fail "tavoran-practice calls no function in its checked form"
 echo "tavoran-practice calls $(wc -l <build/checked.txt) functions in their checked form"

@@ -18,16 +18,47 @@ wait_for() {
     done
 }
 
-say "Installing, with nothing that is only recommended"
 apt-get -q update >/dev/null
-apt-get -q -y install --no-install-recommends /share/*.deb >/share/apt-install.log 2>&1 || {
-    tail -n 20 /share/apt-install.log
-    fail "apt-get could not install the packages"
+# install_ours FILE...: with nothing that is only recommended.
+install_ours() {
+    apt-get -q -y install --no-install-recommends "$@" >>/share/apt-install.log 2>&1 || {
+        tail -n 20 /share/apt-install.log
+        fail "apt-get could not install $*"
+    }
 }
+: >/share/apt-install.log
+
+say "The lab alone: its examples over simulated prices"
+install_ours /share/tavoran-lab_*.deb
+version=$(dpkg-query --show --showformat '${Version}' tavoran-lab)
+tavoran-lab --version | grep -qx "tavoran-lab ${version%-*}" || fail "the lab is not version ${version%-*}"
+! ldd /usr/bin/tavoran-lab | grep -E 'Qt6(Gui|Widgets)|libX11|libwayland' || fail "the lab needs a window system"
+span=(--symbol EURUSD --seed 1 --from 2024-01-01 --to 2024-01-08)
+strategies=$(mktemp -d)
+for script in resources/examples/*.js docs/examples/*.js; do
+    name=$(basename "$script" .js)
+    installed=/usr/share/doc/tavoran-lab/examples/$name.js
+    dpkg -L tavoran-lab | grep -qx "$installed" || fail "tavoran-lab has no $installed"
+    # Minimal installations leave manual pages and most documentation out.
+    [ ! -e "$installed" ] || cmp "$script" "$installed"
+    (cd "$strategies" && tavoran-lab run "$OLDPWD/$script" "${span[@]}" >"$name.txt") \
+        || fail "the lab could not run $name"
+    for file in report.html summary.json trades.csv equity.csv daily.csv run.json; do
+        [ -s "$strategies/$name-EURUSD/$file" ] || fail "the lab wrote no $file of $name"
+    done
+    echo "$name: $(($(wc -l <"$strategies/$name-EURUSD/trades.csv") - 1)) trades"
+done
+tavoran-lab sweep resources/examples/MA_Cross.js "${span[@]}" --set Fast=5,10 --set Slow=30,40 --jobs 2 \
+    --min-trades 1 --out "$strategies/sweep" >"$strategies/sweep.txt" || fail "the lab could not sweep"
+[ "$(wc -l <"$strategies/sweep/sweep.csv")" = 5 ] || fail "the lab swept otherwise than over four sets"
+[ -s "$strategies/sweep/report.html" ] || fail "the lab wrote no report of the best set"
+echo "four sets in two processes: swept"
+
+say "Installing the others"
+install_ours /share/*.deb
 for program in tavoran-terminal tavoran-practice tavoran-lab; do
     ! ldd "/usr/bin/$program" | grep 'not found' || fail "$program lacks libraries"
     for file in "doc/$program/"{copyright,changelog.gz,changelog.Debian.gz} "man/man1/$program.1.gz"; do
-        # Minimal installations leave manual pages and most documentation out.
         dpkg -L "$program" | grep -qx "/usr/share/$file" || fail "$program has no $file"
     done
 done
@@ -82,11 +113,6 @@ say "Wayland, with what is recommended for it"
 install_packages weston qt6-wayland python3-pil
 scripts/wayland-picture /usr/bin/tavoran-terminal /usr/bin/tavoran-practice /share/pictures/wayland.png
 
-say "A strategy over simulated history"
-(cd "$profile" && tavoran-lab run "$OLDPWD/resources/examples/MA_Cross.js" --symbol EURUSD --seed 1 \
-    --from 2024-01-01 --to 2024-01-08 >lab.txt) || fail "the lab could not run an example"
-[ -s "$profile/MA_Cross-EURUSD/report.html" ] || fail "the lab wrote no report"
-
 say "Removing"
 data=$HOME/.local/share/tavoran-practice/practice.db
 tavoran-practice --port 0 >"$profile/platform.log" &
@@ -94,7 +120,8 @@ platform=$!
 wait_for 10 grep -q '^Listening' "$profile/platform.log" || fail "the platform did not start"
 kill "$platform"
 wait "$platform" || true
-apt-get -q -y purge tavoran-terminal tavoran-practice tavoran-lab >/share/apt-purge.log 2>&1 || fail "apt-get could not purge"
+apt-get -q -y purge tavoran-terminal tavoran-practice tavoran-lab >/share/apt-purge.log 2>&1 \
+    || fail "apt-get could not purge"
 [ -s "$data" ] || fail "the trader's own data is gone"
 left=$(find / -xdev \( -path /proc -o -path /sys -o -path /share -o -path "$HOME" -o -path /tmp \) -prune \
     -o -iname '*tavoran*' -print)
