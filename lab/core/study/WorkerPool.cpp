@@ -36,11 +36,12 @@ struct Header {
     std::uint64_t size = 0;
 };
 
-bool writeAll(int place, const void* data, std::size_t size)
+/// Reads or writes until all bytes are through; false where an end or an error comes before.
+template <typename Transfer, typename Byte>
+bool transferAll(const Transfer& transfer, int place, Byte* bytes, std::size_t size)
 {
-    const char* bytes = static_cast<const char*>(data);
     while (size > 0) {
-        const ssize_t count = ::write(place, bytes, size);
+        const ssize_t count = transfer(place, bytes, size);
         if (count < 0 && errno == EINTR)
             continue;
         if (count <= 0)
@@ -51,19 +52,14 @@ bool writeAll(int place, const void* data, std::size_t size)
     return true;
 }
 
+bool writeAll(int place, const void* data, std::size_t size)
+{
+    return transferAll(::write, place, static_cast<const char*>(data), size);
+}
+
 bool readAll(int place, void* data, std::size_t size)
 {
-    char* bytes = static_cast<char*>(data);
-    while (size > 0) {
-        const ssize_t count = ::read(place, bytes, size);
-        if (count < 0 && errno == EINTR)
-            continue;
-        if (count <= 0)
-            return false;
-        bytes += count;
-        size -= static_cast<std::size_t>(count);
-    }
-    return true;
+    return transferAll(::read, place, static_cast<char*>(data), size);
 }
 
 /// A pipe's ends, closed at the end.
