@@ -66,6 +66,13 @@ double largestNet(std::span<const TimeSlot> slots)
     return largest;
 }
 
+/// The balance that a run starts with counts as the day before; nobody has seen that day.
+std::string peakText(std::int32_t day, const RunResult& result)
+{
+    const std::int32_t first = result.days.front().day;
+    return day < first ? isoDate(first) + " (start)" : isoDate(day);
+}
+
 } // namespace
 
 std::string monthsPart(const RunResult& result, const PageLimits& limits)
@@ -152,7 +159,7 @@ std::string drawdownsPart(const RunResult& result)
           "scope=\"col\" "
           "class=\"n\">Depth</th><th scope=\"col\" class=\"n\">Days</th></tr></thead>\n<tbody>\n";
     for (const DrawdownSpan& span : spans) {
-        html += "<tr><td class=\"t\">" + isoDate(span.peakDay) + "</td><td class=\"t\">"
+        html += "<tr><td class=\"t\">" + peakText(span.peakDay, result) + "</td><td class=\"t\">"
             + isoDate(span.bottomDay) + "</td><td class=\"t\">"
             + (span.recoveredDay ? isoDate(*span.recoveredDay) : "not yet") + "</td><td class=\"n\">"
             + percentText(span.depth) + "</td><td class=\"n\">" + groupedText(span.days, 0) + "</td></tr>\n";
