@@ -2,6 +2,7 @@
 
 #include "lab/run/ScriptScanner.h"
 
+#include <QRegularExpression>
 #include <QSet>
 #include <QStringList>
 
@@ -166,6 +167,41 @@ private:
     int m_endLine = 1;   ///< of that word
 };
 
+/// The names that a script gives a value other than where it declares them. A name that a function declares
+/// for itself counts as well: nothing here knows where names are valid.
+QSet<QString> changedNames(const QString& script)
+{
+    static const QRegularExpression assignment(
+        u"=(?![=>])|(?:\\*\\*?|[-+/%^]|&&?|\\|\\|?|<<|>>>?|\\?\\?)="_s);
+    const auto assigns = [&script](qsizetype place) {
+        constexpr auto there = QRegularExpression::AnchorAtOffsetMatchOption;
+        return assignment.match(script, place, QRegularExpression::NormalMatch, there).hasMatch();
+    };
+    ScriptScanner scanner(script);
+    QSet<QString> names;
+    QString name; // the word before, where that may be one
+    QStringView before;
+    int line = 0;
+    bool isStepped = false; // by ++ or -- before it
+    for (Token token = scanner.next(); token.kind != Token::Kind::End; token = scanner.next()) {
+        const QStringView text = textOf(script, token);
+        const bool isStep = text == u"++" || text == u"--";
+        const bool isBehindName = !name.isEmpty() && (!isStep || token.line == line);
+        if (isBehindName && token.kind == Token::Kind::Sign && (isStep || assigns(token.start)))
+            names.insert(name);
+        name.clear();
+        const bool declares = before == u"var" || before == u"let" || before == u"const";
+        if (token.kind == Token::Kind::Word && before != u"." && !declares)
+            name = text.toString();
+        if (isStepped && !name.isEmpty())
+            names.insert(name);
+        isStepped = isStep && !isBehindName;
+        before = text;
+        line = token.line;
+    }
+    return names;
+}
+
 std::vector<Place> placesOf(const QString& script)
 {
     std::vector<Place> places = InputReader(script).read();
@@ -255,9 +291,12 @@ std::optional<QString> literalOf(const ScriptInput& input, const QString& value,
 
 QList<ScriptInput> inputsOf(const QString& script)
 {
+    const QSet<QString> changed = changedNames(script);
     QList<ScriptInput> inputs;
-    for (Place& place : placesOf(script))
+    for (Place& place : placesOf(script)) {
+        place.input.isChanged = changed.contains(place.input.name);
         inputs.append(std::move(place.input));
+    }
     return inputs;
 }
 

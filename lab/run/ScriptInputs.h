@@ -18,6 +18,7 @@ struct ScriptInput {
     QString comment; ///< what follows // on the same line, trimmed; often what the input means
     int line = 0;    ///< from 1
     Kind kind = Kind::Number;
+    bool isChanged = false; ///< the script gives it another value somewhere: less an input than a state
 
     friend bool operator==(const ScriptInput&, const ScriptInput&) = default;
 };

@@ -107,6 +107,31 @@ private Q_SLOTS:
         QCOMPARE(inputs[2].comment, QString());
     }
 
+    void whatTheScriptChangesItselfIsMarked_data()
+    {
+        QTest::addColumn<QString>("script");
+        QTest::addColumn<bool>("isChanged");
+        for (const char* use :
+            {"a = 2", "a=-2", "a\n= 2", "a /* = */ = b", "a += 2", "a **= 2", "a >>>= 1", "a ||= 2",
+                "a ?\?= 2", "a /= 2", "a++", "++a", "(--a)", "if (a = b) c()", "b = a = 3", "b\n++a"})
+            QTest::newRow(use) << QString::fromLatin1(use) << true;
+        for (const char* use : {"a == 2", "a === 2", "a <= 2", "a >= 2", "a != 2", "a => 2", "b = a",
+                 "b = -a", "c.a = 2", "c.a++", "'a = 2'", "// a = 2", "/* a = 2 */", "`a = 2`", "/a = 2/",
+                 "var b = a\n++c", "b++\na", "b = {a: 2}", "aa = 2", "a + 2", "a ? b : c"})
+            QTest::newRow(use) << QString::fromLatin1(use) << false;
+    }
+
+    void whatTheScriptChangesItselfIsMarked()
+    {
+        QFETCH(QString, script);
+        QFETCH(bool, isChanged);
+        const auto inputs
+            = lab::inputsOf(u"let a = 1; // a = 0\nconst d = 2;\nfunction f() { "_s + script + u"\n}\n"_s);
+        QCOMPARE(inputs.size(), 2);
+        QCOMPARE(inputs[0].isChanged, isChanged);
+        QVERIFY(!inputs[1].isChanged);
+    }
+
     void onlyTheLiteralChanges()
     {
         const QString script
