@@ -150,15 +150,24 @@ TEST_CASE("a script's own texts do not follow language and time zone either")
 {
     const Bench bench;
     write(bench.folder / "Words.js",
-        "function OnInit() { Print(new Date(0).toString(), (1234.5).toLocaleString(),"
-        " new Date(86400000).toLocaleDateString(), Date.now() > 1.7e12, Math.random()); }\n");
+        "var chance = Math.random();\n"
+        "function OnInit() { const day = new Date(1.0e12); Print(day.toString(), (1234.5).toLocaleString(),"
+        " new Date(0).toLocaleDateString(), Date.now() > 1.7e12, chance, Math.random(), Date(), new Date(),"
+        " day.toLocaleString(), day.toLocaleTimeString(), day.toTimeString(), day.getHours(), day.getDay(),"
+        " day.getTimezoneOffset(), new Date(2024, 6, 1).getTime(), Date.parse('2024-07-01T00:00:00'),"
+        " Date.parse('Jul 1, 2024'), [1.5, day].toLocaleString(), ['b', 'ä', 'z', 'C'].sort((a, b) =>"
+        " a.localeCompare(b)), 'iI'.toLocaleUpperCase(), typeof Intl, typeof performance, Date.toString(),"
+        " Date.now.toString(), Math.random.toString(), Function.prototype.toString.toString()); }\n");
     CHECK_EQ(bench.run("Words.js", {"--out", "one"}).exitCode, 0);
-    const LabProcess abroad{bench.folder.path(), {{"LC_ALL", "de_DE.UTF-8"}, {"TZ", "Asia/Tokyo"}}, {}};
-    CHECK_EQ(abroad.run({"run", "Words.js", "--data", "EURUSD-1m.csv", "--warmup", "100", "--out", "two"})
-                 .exitCode,
-        0);
     CHECK(contains(contentOf(bench.folder / "one/journal.txt"), "1970"));
-    CHECK(sameFiles(bench.folder / "one", bench.folder / "two"));
+    for (const auto& [language, zone] : {std::pair("de_DE.UTF-8", "America/New_York"),
+             std::pair("de_DE", "Asia/Kathmandu"), std::pair("tr_TR.UTF-8", "Asia/Tokyo")}) {
+        const LabProcess abroad{bench.folder.path(), {{"LC_ALL", language}, {"TZ", zone}}, {}};
+        CHECK_EQ(abroad.run({"run", "Words.js", "--data", "EURUSD-1m.csv", "--warmup", "100", "--out", "two"})
+                     .exitCode,
+            0);
+        CHECK(sameFiles(bench.folder / "one", bench.folder / "two"));
+    }
 }
 
 TEST_CASE("simulated prices give the same files again, and another seed others")
@@ -210,6 +219,18 @@ TEST_CASE("a short history is run through without naming start or warm-up")
     CHECK(contains(refused.errors, "144 bars of 1h, and none after a warm-up of 200; --warmup 36 "));
 }
 
+TEST_CASE("falls of equity begin within the run")
+{
+    const Bench bench;
+    write(bench.folder / "Loses.js",
+        "function OnTick() { Positions.count() === 0 ? Trade.buy(1) : Trade.closeAll(); }\n");
+    CHECK_EQ(bench.run("Loses.js", {"--from", "2024-01-03", "--out", "one"}).exitCode, 0);
+    CHECK(contains(contentOf(bench.folder / "one/daily.csv"), "2024-01-02,100000.00,"));
+    const std::string page = contentOf(bench.folder / "one/report.html");
+    CHECK(contains(page, "2024-01-03 (start)"));
+    CHECK(!contains(page, ">2024-01-02<"));
+}
+
 TEST_CASE("a check of a script that never trades proves nothing and says so")
 {
     const Bench bench;
@@ -243,6 +264,15 @@ TEST_CASE("inputs are listed with their comments")
         "Fast   10     period of the fast EMA\n"
         "Slow   30     period of the slow EMA\n"
         "Lots   0.10\n");
+    write(bench.folder / "State.js",
+        "let lastTrade = 0;\nlet ticks = 0; // so far\nvar Lots = 0.1;\nvar Note = 'ticks = 1';\n"
+        "function OnTick() { ++ticks; lastTrade = Time(0); }\n");
+    CHECK_EQ(bench.lab.run({"inputs", "State.js"}).output,
+        "input      value        comment\n"
+        "Lots       0.1\n"
+        "Note       'ticks = 1'\n"
+        "lastTrade  0            (changed by the script)\n"
+        "ticks      0            so far (changed by the script)\n");
     write(bench.folder / "None.js", "function OnTick() {}\n");
     CHECK_EQ(bench.lab.run({"inputs", "None.js"}).output, "None.js has no inputs\n");
 }
@@ -406,6 +436,29 @@ TEST_CASE("a full disk is said, and nothing half-written stays")
     CHECK(isOneLine(result.errors));
     CHECK(contains(result.errors, "No space left on device"));
     CHECK(contains(result.errors, "small/result"));
+}
+
+TEST_CASE("a limit of file sizes is said, too, and nothing half-written stays")
+{
+    const Bench bench;
+    const Result result = bench.lab.runWithin({"sh", "-c", "ulimit -f 8; exec \"$@\"", "sh"},
+        {"run", crossing, "--data", "EURUSD-1m.csv", "--warmup", "100", "--out", "result"});
+    CHECK_EQ(result.exitCode, 2);
+    CHECK_EQ(result.output, "");
+    CHECK(isOneLine(result.errors));
+    CHECK(contains(result.errors, "File too large"));
+    CHECK(filesIn(bench.folder.path()) == std::set<std::string>{"EURUSD-1m.csv"});
+}
+
+TEST_CASE("what a script writes to the console without end is cut off")
+{
+    const Bench bench;
+    write(bench.folder / "Talks.js", "function OnTick() { console.log('here'); print('there'); }\n");
+    const Result result = bench.run("Talks.js");
+    CHECK_EQ(result.exitCode, 0);
+    CHECK(result.errors.starts_with("js: here\njs: there\n"));
+    CHECK(result.errors.ends_with("further lines of the console are left out\n"));
+    CHECK_EQ(std::ranges::count(result.errors, '\n'), 1001);
 }
 
 TEST_CASE("an output that takes nothing is said")
