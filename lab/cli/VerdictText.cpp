@@ -69,6 +69,8 @@ std::string verdictText(const SessionVerdict& verdict, const SessionSeat& seat, 
     text += "Broker    " + count(verdict.trades, "change", "changes") + " of trades as recorded\n";
     if (verdict.orders + verdict.closings > 0)
         text += latencyText(verdict);
+    else if (!verdict.difference)
+        text += "Note      no command was asked for and none is recorded\n";
     if (!verdict.taken.empty())
         text += lateText(verdict.taken);
     if (verdict.unanswered > 0)

@@ -4,6 +4,7 @@
 #include "lab/cli/SessionSeats.h"
 #include "lab/cli/StopSignal.h"
 #include "lab/cli/VerdictText.h"
+#include "lab/core/output/Texts.h"
 #include "lab/core/session/SessionFile.h"
 #include "lab/run/LatenessSearch.h"
 #include "lab/run/RunWatch.h"
@@ -27,6 +28,13 @@ ExpertScript withInputsOf(const RunSettings& settings, ExpertScript script)
         throw UsageError(error.toStdString());
     script.text = *text;
     return script;
+}
+
+std::string neverCalled(const SessionVerdict& verdict, const SessionSeat& seat)
+{
+    return "the script was never called: the session has " + std::to_string(verdict.prices)
+        + (verdict.prices == 1 ? " price of " : " prices of ") + seat.symbol + ", up to "
+        + isoTime(verdict.endedAt);
 }
 
 /// Nothing when somebody has stopped the program.
@@ -64,6 +72,8 @@ int verifySession(Options options)
     });
     if (!verdict)
         return stopStatus();
+    if (!verdict->difference && verdict->calls == 0)
+        throw UsageError(neverCalled(*verdict, seat));
     std::cout << verdictText(*verdict, seat, hasColours());
     if (!verdict->difference && !isWhole)
         std::cout << "The recording breaks off; its last line may be missing.\n";

@@ -309,6 +309,8 @@ std::string SessionCheck::hintAt(practice::TimeMs time) const
         return "a bar begins within 100 ms of this; the terminal may have seen it in the other one";
     if (m_verdict.orders + m_verdict.closings == 0 && m_verdict.difference->recorded == "nothing")
         return "was the script on the chart by then, and allowed to trade? --from says since when";
+    if (m_verdict.difference->expected == "nothing")
+        return "was it the script? --from and --to say when it was on the chart and allowed to trade";
     return {};
 }
 

@@ -40,6 +40,9 @@ public:
         return word;
     }
 
+    /// For a message: the beginning, in quotation marks, with a question mark for what is no plain sign.
+    [[nodiscard]] static std::string quoted(std::string_view text);
+
     /// Without its escapes.
     [[nodiscard]] std::string text();
 
@@ -50,7 +53,7 @@ public:
         const char* end = text.data() + text.size();
         const auto [stop, error] = std::from_chars(text.data(), end, value);
         if (error != std::errc() || stop != end)
-            throw BadColumn("\"" + std::string(text) + "\" is no number");
+            throw BadColumn(quoted(text) + " is no number");
         return value;
     }
 
@@ -59,7 +62,7 @@ public:
         const std::string_view text = word();
         const std::optional<Value> value = find(text);
         if (!value)
-            throw BadColumn("\"" + std::string(text) + "\" is not known here");
+            throw BadColumn(quoted(text) + " is not known here");
         return *value;
     }
 

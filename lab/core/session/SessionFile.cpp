@@ -12,6 +12,15 @@ namespace lab {
 using practice::SymbolSpec;
 using practice::TimeMs;
 
+std::string LineReader::quoted(std::string_view text)
+{
+    constexpr std::size_t mostShown = 40;
+    std::string beginning(text.substr(0, mostShown));
+    std::ranges::replace_if(
+        beginning, [](char c) { return c < ' ' || c > '~'; }, '?');
+    return '"' + beginning + (text.size() > mostShown ? "...\"" : "\"");
+}
+
 std::string LineReader::text()
 {
     const std::string_view raw = word();
@@ -202,7 +211,7 @@ BarsEvent barsIn(LineReader& line, const std::vector<SymbolSpec>& symbols)
     event.timeframe = line.oneOf<practice::Timeframe>(practice::timeframeFromKey);
     const auto symbol = practice::findSymbol(symbols, event.symbol);
     if (!symbol)
-        throw BadColumn("there is no symbol \"" + event.symbol + '"');
+        throw BadColumn("there is no symbol " + LineReader::quoted(event.symbol));
     while (!line.atEnd()) {
         LineReader words(line.word(), ' ');
         practice::Bar bar;
@@ -286,7 +295,7 @@ void SessionFile::readStart()
             else if (kind == "seen")
                 m_start.prices = quotesIn(line, m_start.symbols);
             else
-                fail("\"" + std::string(kind) + "\" is no line of the beginning");
+                fail(LineReader::quoted(kind) + " is no line of the beginning");
         }
         line.expectEnd();
     }
@@ -309,7 +318,7 @@ std::optional<SessionEvent> SessionFile::next()
         }
         auto what = eventIn(kind, line, m_start.symbols);
         if (!what)
-            fail("\"" + std::string(kind) + "\" is no line of a recording");
+            fail(LineReader::quoted(kind) + " is no line of a recording");
         line.expectEnd();
         return SessionEvent{time, *std::move(what)};
     } catch (const BadColumn& error) {

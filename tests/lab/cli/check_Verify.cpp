@@ -108,10 +108,15 @@ TEST_CASE("the first divergence is told with what was expected and what was reco
     CHECK(contains(missing.output, "--from says since when"));
 }
 
-TEST_CASE("chart and account are asked for, and a script that was not there yet asks for nothing")
+TEST_CASE("chart and account are asked for, and a script that was never called proves nothing")
 {
     const Place place(0, 1.1001, false);
-    CHECK_EQ(place.verify({"--from", "2025-06-16", "--symbol", "EURUSD", "--timeframe", "15m"}).exitCode, 0);
+    const auto later = place.verify({"--from", "2025-06-16", "--symbol", "EURUSD", "--timeframe", "15m"});
+    CHECK_EQ(later.exitCode, 2);
+    CHECK_EQ(later.output, std::string());
+    CHECK_EQ(later.errors,
+        std::string("tavoran-lab: the script was never called: the session has 2 prices of EURUSD, up to "
+                    "2025-06-15T15:07:40.500Z\n"));
     const auto chart = place.verify({"--timeframe", "1h"});
     CHECK_EQ(chart.exitCode, 2);
     CHECK(contains(chart.errors, "the session has no such chart; there are EURUSD,15m"));
@@ -151,6 +156,27 @@ TEST_CASE("a recording that lacks the price of a decision has a divergence")
     const auto result = place.verify();
     CHECK_EQ(result.exitCode, 1);
     CHECK(contains(result.output, "  expected  nothing\n  recorded  BUY 0.1 EURUSD\n"));
+}
+
+TEST_CASE("a script that asks for nothing where nothing is recorded is said to do so")
+{
+    const Place place(0, 1.1001, false);
+    std::ofstream(place.folder / "Once.js") << "function OnTick() {}\n";
+    const auto result = place.verify();
+    CHECK_EQ(result.exitCode, 0);
+    CHECK(contains(result.output, "Note      no command was asked for and none is recorded\n"));
+    CHECK(!contains(Place().verify().output, "no command was asked for"));
+}
+
+TEST_CASE("what somebody else may have done is asked about")
+{
+    const Place place;
+    std::ofstream(place.folder / "Once.js") << "function OnTick() {}\n";
+    const auto result = place.verify();
+    CHECK_EQ(result.exitCode, 1);
+    CHECK(contains(result.output,
+        "  recorded  BUY 0.1 EURUSD\n  (was it the script? --from and --to say when it was "
+        "on the chart and allowed to trade)\n"));
 }
 
 TEST_CASE("a recording that breaks off is said to do so")

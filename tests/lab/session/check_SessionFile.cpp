@@ -128,6 +128,19 @@ TEST_CASE("a last line that was cut is left out, and the recording is not whole"
     CHECK_EQ(file.lastTime(), practice::TimeMs(1250));
 }
 
+TEST_CASE("damage is quoted in a line that can be read, however long it is and whatever it holds")
+{
+    CHECK_EQ(Recording(std::string("quotes\t1\0\x1b[2J\xff\t0 1 2\n", 21)).error(),
+        std::string("session:8: \"1??[2J?\" is no number"));
+    const std::string many(100'000, 'x');
+    CHECK_EQ(Recording("quotes\t" + many + "\t0 1 2\n").error(),
+        "session:8: \"" + std::string(40, 'x') + "...\" is no number");
+    CHECK_EQ(Recording("bars\t1250\tEURUSD\t" + many + "\n").error(),
+        "session:8: \"" + std::string(40, 'x') + "...\" is not known here");
+    CHECK_EQ(Recording(many + "\t1250\n").error(),
+        "session:8: \"" + std::string(40, 'x') + "...\" is no line of a recording");
+}
+
 TEST_CASE("damage is told with file and line")
 {
     CHECK_EQ(Recording("quotes\t12x\t0 1 2\n").error(), std::string("session:8: \"12x\" is no number"));
