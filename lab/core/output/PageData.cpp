@@ -68,6 +68,24 @@ std::string equityData(const RunResult& result)
         + '}';
 }
 
+/// What lies between the equity's points: how low it was on each day, from the day's beginning on.
+std::string lowsData(const RunResult& result)
+{
+    const std::vector<DayRow>& days = result.days;
+    std::vector<double> curve(days.size());
+    std::transform(days.begin(), days.end(), curve.begin(),
+        [](const DayRow& day) { return static_cast<double>(day.lowestEquity); });
+    const std::vector<std::size_t> places = thinned(curve, curvePoints);
+    const auto timeOf = [&](std::size_t number) {
+        const practice::TimeMs midnight = practice::TimeMs{days[places[number]].day} * practice::dayMs;
+        return secondOf(std::max(midnight, result.equity.front().time));
+    };
+    return "{\"t\":" + differences(places.size(), timeOf) + ",\"low\":"
+        + list(places.size(),
+            [&](std::size_t number) { return practice::decimalText(days[places[number]].lowestEquity); })
+        + '}';
+}
+
 std::string drawdownData(const RunResult& result)
 {
     const std::vector<double> curve = drawdownCurve(result.equity);
@@ -124,6 +142,8 @@ std::string pageData(const RunResult& result, const PageLimits& limits)
     std::string json = "{\"digits\":" + std::to_string(std::clamp(result.digits, 0, 10));
     if (result.equity.size() > 1)
         json += ",\"equity\":" + equityData(result) + ",\"drawdown\":" + drawdownData(result);
+    if (result.equity.size() > 1 && !result.closedTradesOnly)
+        json += ",\"lows\":" + lowsData(result);
     if (!result.chart.empty())
         json += ",\"bars\":" + barsData(result, limits.bars);
     return json + ",\"trades\":" + tradesData(result, limits.drawnTrades) + '}';

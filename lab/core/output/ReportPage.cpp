@@ -5,6 +5,8 @@
 #include "lab/core/output/PageParts.h"
 #include "lab/core/output/Texts.h"
 
+#include <vector>
+
 namespace lab {
 
 namespace {
@@ -13,12 +15,17 @@ std::string equityPart(const RunResult& result)
 {
     if (result.equity.size() < 2)
         return "<p class=\"note\">No equity.</p>";
-    return chartPlace(
-               "equity", "Equity and balance over time", {{"--accent", "Equity"}, {"--second", "Balance"}})
-        + "\n<p class=\"note\">The curves have a point where the balance has changed and at the end of each "
-          "UTC day"
-        + (result.equity.size() > 2'000 ? ", neighbours joined by their highest and lowest" : "")
-        + "; between two points the line says nothing.</p>";
+    std::vector<CurveName> curves{{"--accent", "Equity"}, {"--second", "Balance"}};
+    std::string note = "The curves have a point where the balance has changed and at the end of each UTC day";
+    if (result.equity.size() > 2'000)
+        note += ", neighbours joined by their highest and lowest";
+    note += "; between two points the line says nothing";
+    if (!result.closedTradesOnly) {
+        curves.push_back({"--muted", "Lowest of the day"});
+        note += ", but the pale line is the lowest equity of each UTC day, on every price";
+    }
+    return chartPlace("equity", "Equity and balance over time", curves) + "\n<p class=\"note\">" + note
+        + ".</p>";
 }
 
 std::string fallPart(const RunResult& result)

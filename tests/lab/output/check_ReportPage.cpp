@@ -162,9 +162,13 @@ TEST_CASE("the reasons of closings are told in plain words below the trades")
 
 TEST_CASE("what the points of the equity curves are stands below them")
 {
-    CHECK(has(pageOf(smallRun()), "a point where the balance has changed and at the end of each UTC day;"));
+    CHECK(has(pageOf(smallRun()), "a point where the balance has changed and at the end of each UTC day; "));
+    CHECK(has(pageOf(smallRun()), "the pale line is the lowest equity of each UTC day, on every price."));
+    RunResult history = smallRun();
+    history.closedTradesOnly = true;
+    CHECK(!has(pageOf(history), "lowest equity of each"));
     CHECK(has(
-        pageOf(generatedRun(2'000, 50, 3'000)), "UTC day, neighbours joined by their highest and lowest;"));
+        pageOf(generatedRun(2'000, 50, 3'000)), "UTC day, neighbours joined by their highest and lowest; "));
 }
 
 TEST_CASE("nothing that a script or file says becomes markup")
@@ -249,6 +253,18 @@ TEST_CASE("thinned curves keep the highest and the lowest equity")
     const auto equity = dataOf(pageOf(run)).at("equity").at("equity");
     CHECK_EQ(std::ranges::max(equity.get<std::vector<double>>()), 999'999.99);
     CHECK_EQ(std::ranges::min(equity.get<std::vector<double>>()), 12.34);
+}
+
+TEST_CASE("the lowest equity of each day reaches the chart, from the run's first moment on")
+{
+    RunResult run = smallRun();
+    run.equity.front().time += 90'000;
+    const auto lows = dataOf(pageOf(run)).at("lows");
+    CHECK_EQ(lows.at("t").dump(), "[1704067290,86310]"); // 00:01:30 and midnight
+    CHECK_EQ(lows.at("low").dump(), "[99987.99,99941.08]");
+    run.closedTradesOnly = true;
+    CHECK(!dataOf(pageOf(run)).contains("lows"));
+    CHECK(dataOf(pageOf(generatedRun(500'000, 10, 100))).at("lows").at("t").size() <= 2'000);
 }
 
 TEST_CASE("bars and trades reach the charts as they are")

@@ -95,10 +95,18 @@
 
   const money = (value, isRough) => fixed(value, isRough && Math.abs(value) >= 1000 ? 0 : 2);
   if (data.equity) {
-    curves("equity", 300, sums(data.equity.t), [
-      { name: "Balance", colour: "--second", values: data.equity.balance, steps: true, width: 1.2 },
-      { name: "Equity", colour: "--accent", values: data.equity.equity },
-    ], money);
+    const lows = data.lows || { t: [], low: [] };
+    const [time, balance, equity, low] = uPlot.join([
+      [sums(data.equity.t), data.equity.balance, data.equity.equity],
+      [sums(lows.t), lows.low],
+    ]);
+    const lines = [
+      { name: "Balance", colour: "--second", values: balance, steps: true, width: 1.2 },
+      { name: "Equity", colour: "--accent", values: equity },
+    ];
+    if (data.lows)
+      lines.unshift({ name: "Lowest of the day", colour: "--muted", values: low, steps: true, width: 0.8 });
+    curves("equity", 300, time, lines, money);
   }
   if (data.drawdown) {
     curves("drawdown", 170, sums(data.drawdown.t), [
