@@ -1,6 +1,7 @@
 #include "lab/cli/Program.h"
 
 #include "lab/cli/Commands.h"
+#include "lab/cli/Screen.h"
 
 #include <cerrno>
 #include <exception>
@@ -55,7 +56,7 @@ int carryOut(const Options& options)
 
 int complain(const std::string& text)
 {
-    std::cerr << "tavoran-lab: " << text << std::endl;
+    tellError(text);
     return notPossible;
 }
 

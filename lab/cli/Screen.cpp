@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <iostream>
 #include <unistd.h>
 
 namespace lab {
@@ -102,6 +103,13 @@ std::string wrapped(std::string_view text, std::size_t places, std::string_view 
         used += width;
     }
     return result;
+}
+
+void tellError(std::string_view text)
+{
+    const std::string line = "tavoran-lab: " + std::string(text);
+    const bool isWrapped = isTerminal(Stream::Error) && line.find('\n') == std::string::npos;
+    std::cerr << (isWrapped ? wrapped(line, screenWidth - 1, "  ") : line) << std::endl;
 }
 
 } // namespace lab

@@ -35,4 +35,7 @@ enum class Tone { Plain, Strong, Good, Bad, Warning };
 /// the first begins with `indent`.
 [[nodiscard]] std::string wrapped(std::string_view text, std::size_t places, std::string_view indent);
 
+/// Says on the standard error what has gone wrong: in lines that fit a terminal, in one of them elsewhere.
+void tellError(std::string_view text);
+
 } // namespace lab

@@ -82,10 +82,14 @@ std::string headText(const SweepTable& table)
 
 std::string worthText(const SweepTable& table)
 {
-    return columns({{"Deflated Sharpe ratio (DSR)", figureText(FigureKind::Fraction, table.deflatedSharpe)},
-                       {"Probability of overfitting (PBO)",
-                           figureText(FigureKind::Fraction, table.overfittingProbability)}},
-        {1});
+    const auto text = [](const Figure& value, std::string_view why) {
+        const std::string shown = figureText(FigureKind::Fraction, value);
+        return value || why.empty() ? shown : shown + "  " + std::string(why.substr(0, why.find(',')));
+    };
+    return columns({{"Deflated Sharpe ratio (DSR)",
+                        text(table.deflatedSharpe,
+                            table.best ? whyNoDeflated : "needs a set that can be chosen")},
+        {"Probability of overfitting (PBO)", text(table.overfittingProbability, whyNoOverfitting(table))}});
 }
 
 void tellFailures(const SweepTable& table)
@@ -171,11 +175,10 @@ int endSweep(const StudyBench& bench, const StudyStore& store, const fs::path& f
               << (folder / (table.best ? "report.html" : "sweep.csv")).string() << '\n';
     tellFailures(table);
     if (!table.best)
-        std::cerr << "tavoran-lab: no set can be chosen: " << whyNone(table.choice, table.order)
-                  << (table.choice.withTrades == 0 && table.choice.failed < table.choice.sets
-                             ? "; --resume with a lower --min-trades runs none of them again"
-                             : "")
-                  << '\n';
+        tellError("no set can be chosen: " + whyNone(table.choice, table.order)
+            + (table.choice.withTrades == 0 && table.choice.failed < table.choice.sets
+                    ? "; --resume with a lower --min-trades runs none of them again"
+                    : ""));
     if (table.choice.failed > 0)
         return someFailed;
     return table.best ? succeeded : fellShort;

@@ -164,14 +164,11 @@ std::string overview(const SweepTable& table)
     line("Deflated Sharpe ratio (DSR)", table.deflatedSharpe,
         "PSR against √V·((1 − γ)·Φ⁻¹(1 − 1/N) + γ·Φ⁻¹(1 − 1/(N·e))), N = sets tried, V = variance of their "
         "Sharpe ratios, γ = 0.5772…",
-        "needs at least two sets with a Sharpe ratio");
+        whyNoDeflated);
     line("Probability of overfitting (PBO)", table.overfittingProbability,
         "share of the halvings of 16 blocks of days in which the best of one half is not above the median of "
         "the other",
-        table.sets.size() - table.choice.failed < 2
-            ? "needs at least two sets that did not fail"
-            : "needs at least 32 days with prices, two in each of 16 blocks; "
-              "left out for more than 67 million daily returns");
+        whyNoOverfitting(table));
     line("Stability of the neighbourhood", table.stability[*table.best],
         "mean of the neighbours' figures / the figure; neighbours differ by one step",
         whyUnstable(table, table.sets[*table.best]));
@@ -209,6 +206,14 @@ std::vector<std::string> sweepWarnings(const SweepTable& table)
 }
 
 } // namespace
+
+std::string_view whyNoOverfitting(const SweepTable& table)
+{
+    return table.choice.sets - table.choice.failed < 2
+        ? "needs at least two sets that did not fail"
+        : "needs at least 32 days with prices, two in each of 16 blocks; "
+          "left out for more than 67 million daily returns";
+}
 
 std::string inputsText(const std::vector<std::pair<std::string, std::string>>& inputs)
 {

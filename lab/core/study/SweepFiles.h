@@ -22,6 +22,10 @@ namespace lab {
 /// Parts for the report of the best run: what was tried, and the maps of two inputs, those with most values.
 [[nodiscard]] std::vector<std::string> sweepParts(const SweepTable& table);
 
+// What a figure that is undefined would need.
+inline constexpr std::string_view whyNoDeflated = "needs at least two sets with a Sharpe ratio";
+[[nodiscard]] std::string_view whyNoOverfitting(const SweepTable& table);
+
 /// "Fast=5 Slow=20".
 [[nodiscard]] std::string inputsText(const std::vector<std::pair<std::string, std::string>>& inputs);
 

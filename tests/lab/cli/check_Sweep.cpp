@@ -251,6 +251,10 @@ TEST_CASE("where no set has trades enough, there is a table and no report")
     CHECK(contains(result.errors, "no set can be chosen: no set made 5,000 trades, the most were "));
     CHECK(contains(result.output, "2 sets by sharpe (the highest), none of them with at least 5,000 trades"));
     CHECK(!contains(result.output, "\n   1  "));
+    CHECK(contains(result.output, "(PBO)  \xE2\x80\x93  needs at least 32 days with prices"));
+    const Result seen = study.lab.runOnTerminal(study.words("sweep", "Clock.js",
+        {"--set", "Every=10,20", "--min-trades", "5000", "--timeframe", "5m", "--out", "s", "--resume"}));
+    CHECK(contains(seen.errors, "\r\n  "));
     const auto sweep = nlohmann::json::parse(study.contentOf("s/sweep.json"));
     CHECK_EQ(sweep.at("eligible").get<int>(), 0);
     CHECK(sweep.at("warnings")
