@@ -239,8 +239,11 @@ TEST_CASE("a heat map frames the best and shows a dash for what is missing")
     CHECK(has(html,
         "var(--loss-fill) 35%, var(--card))\">\xE2\x88\x92"
         "0.75</td>"));
-    CHECK(has(html, "<th scope=\"row\">30</th><td>\xE2\x80\x93</td>"));
-    CHECK(has(heatMap({"x", "a", "b", {"1"}, {"2"}, {}}), "<td>\xE2\x80\x93</td>"));
+    CHECK(has(html,
+        "<th scope=\"row\">30</th><td><span title=\"not tried, failed, or "
+        "undefined\">\xE2\x80\x93</span></td>"));
+    CHECK(has(heatMap({"x", "a", "b", {"1"}, {"2"}, {}}),
+        "<td><span title=\"not tried, failed, or undefined\">\xE2\x80\x93</span></td>"));
 }
 
 CHECK_MAIN()

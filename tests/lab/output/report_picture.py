@@ -54,7 +54,7 @@ addEventListener("load", () => setTimeout(() => {
   if (row)
     row.click();
   setTimeout(() => {
-    const probe = { first, second: look(), rows: Boolean(row), page: getComputedStyle(document.body).backgroundColor,
+    const probe = { first, falls: (written.get("drawdown") || []).filter(text => text.endsWith("%")), second: look(), rows: Boolean(row), page: getComputedStyle(document.body).backgroundColor,
       cut: [...document.querySelectorAll(".wide")].filter(part => part.scrollWidth > part.clientWidth)
         .map(part => part.closest("section").id),
       inner: document.documentElement.clientWidth, width: document.documentElement.scrollWidth };
@@ -62,6 +62,18 @@ addEventListener("load", () => setTimeout(() => {
     parent.postMessage(JSON.stringify(probe), "*");
   }, 200);
 }, 200));
+</script>"""
+
+# What the charts write, so that the labels of their axes can be read.
+LISTENER = """<script nonce="lab">
+const written = new Map();
+const fillText = CanvasRenderingContext2D.prototype.fillText;
+CanvasRenderingContext2D.prototype.fillText = function (text, ...place) {
+  const place_ = this.canvas.closest(".chart");
+  if (place_)
+    written.set(place_.id, (written.get(place_.id) || []).concat(text));
+  return fillText.call(this, text, ...place);
+};
 </script>"""
 
 # A window has at least 500 pixels; a frame in it has as few as it is told.
@@ -134,6 +146,9 @@ def faults_of_look(browser, page, is_dark, width):
             yield f"{name} is empty: {drawn}"
     if page.stem == "year" and probe["first"].get("candles") == probe["second"].get("candles"):
         yield "a ticket in the list does not move the chart"
+    falls = [float(text.replace("\u2212", "-").removesuffix(" %")) for text in probe["falls"]]
+    if page.stem == "small" and (len(set(falls)) < 3 or len(set(falls)) != len(falls) or max(falls) > 0):
+        yield f"the falls beside their chart are {probe['falls']}"
     if probe["inner"] != width:
         yield f"the window is {probe['inner']} pixels wide"
     if width >= 1200 and probe["cut"]:
@@ -162,7 +177,7 @@ def main(program, pictures=None):
                     target = Path(pictures).resolve() / f"{page.stem}-{look}.png"
                     browse(browser, page, is_dark, 1200, f"--screenshot={target}")
             text = page.read_text(encoding="utf-8")
-            page.write_text(text.replace("</body>", PROBE + "</body>"), encoding="utf-8")
+            page.write_text(text.replace("<head>", "<head>" + LISTENER).replace("</body>", PROBE + "</body>"), encoding="utf-8")
             for is_dark, width in ((True, 1200), (False, 400)):
                 faults += [f"{page.name}, {'dark' if is_dark else 'light'}, {width}: {fault}"
                            for fault in faults_of_look(browser, page, is_dark, width)]

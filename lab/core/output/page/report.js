@@ -57,6 +57,9 @@
   const timeLabels = (u, splits, index, space, increment) =>
     splits.map(time => increment < 86400 ? (time % 86400 ? clock(time) : day(time).slice(5)) : increment < 2592000 ? day(time).slice(5) : day(time).slice(0, 7));
 
+  // As many decimals as tell two neighbours on an axis apart.
+  const decimals = step => Math.min(8, Math.max(0, Math.ceil(-Math.log10(step) - 1e-9)));
+
   // Curves over time: their values stand below the chart while the pointer is over it.
   const curves = (id, high, x, lines, text) => {
     const place = document.getElementById(id);
@@ -77,7 +80,8 @@
       } } },
       axes: [
         axis({ values: timeLabels, space: 70, size: 32 }),
-        axis({ size: labelWidth, values: (u, splits) => splits.map(value => text(value, true)) }),
+        axis({ size: labelWidth, values: (u, splits, index, space, step) =>
+          splits.map(value => text(value, decimals(step))) }),
       ],
       series: [{}].concat(lines.map(line => ({
         label: line.name,
@@ -93,7 +97,7 @@
     }, [x].concat(lines.map(line => line.values)));
   };
 
-  const money = (value, isRough) => fixed(value, isRough && Math.abs(value) >= 1000 ? 0 : 2);
+  const money = (value, digits = 2) => fixed(value, digits);
   if (data.equity) {
     const lows = data.lows || { t: [], low: [] };
     const [time, balance, equity, low] = uPlot.join([
@@ -111,7 +115,7 @@
   if (data.drawdown) {
     curves("drawdown", 170, sums(data.drawdown.t), [
       { name: "Drawdown", colour: "--loss", values: data.drawdown.fall, fill: true },
-    ], (value, isRough) => fixed(value, isRough ? (Math.abs(value) >= 10 ? 0 : 1) : 2) + " %");
+    ], (value, digits = 2) => fixed(value, digits) + " %");
   }
   if (data.runs) {
     const colours = ["--accent", "--second", "--gain", "--loss", "--muted", "--text"];
