@@ -17,7 +17,7 @@ namespace lab {
 namespace {
 
 /// Pairs that stand beside one another.
-constexpr std::array<std::pair<std::string_view, std::string_view>, 9> looked{{
+constexpr std::array<std::pair<std::string_view, std::string_view>, 10> looked{{
     {"netProfit", "trades"},
     {"cagr", "winRate"},
     {"sharpe", "profitFactor"},
@@ -27,6 +27,7 @@ constexpr std::array<std::pair<std::string_view, std::string_view>, 9> looked{{
     {"recoveryFactor", "exposure"},
     {"psr", "commission"},
     {"buyAndHold", "swap"},
+    {"annualDays", "spreadCost"},
 }};
 
 void addFigure(std::vector<std::string>& line, std::string_view key, const Figures& figures)

@@ -1,6 +1,7 @@
 #include "lab/run/LabRun.h"
 
 #include "lab/core/account/AccountSession.h"
+#include "lab/core/market/HistorySources.h"
 #include "lab/core/market/PriceWalk.h"
 #include "lab/core/market/RunSpan.h"
 #include "lab/run/RunWatch.h"
@@ -217,6 +218,8 @@ RunResult LabRun::run(
         result.simulated = result.simulated || each->isSimulated;
     result.dataHash = m_dataHash;
     result.scriptHash = practice::hashText(script.text.toStdString());
+    if (const auto warning = contractWarning(history))
+        result.warnings.push_back(*warning);
 
     Run run(m_histories, settings, span);
     run.go(changed, control);

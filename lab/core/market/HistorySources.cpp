@@ -98,6 +98,18 @@ MinuteHistory simulatedHistory(
     return {spec, std::move(minutes), std::move(numbers), true};
 }
 
+std::optional<std::string> contractWarning(const MinuteHistory& history)
+{
+    const practice::SymbolSpec& spec = history.spec;
+    if (practice::findSymbol(practice::symbolCatalog(), spec.name))
+        return std::nullopt;
+    const std::string unit = spec.baseCurrency == spec.name ? std::string() : ' ' + spec.baseCurrency;
+    return "The practice platform does not list " + spec.name + ": taken with a contract of "
+        + std::to_string(std::llround(spec.contractSize)) + unit
+        + " a lot, leverage up to 1:" + std::to_string(std::llround(spec.maxLeverage))
+        + ", no commission and no swap. Results in money may mean nothing.";
+}
+
 std::optional<std::string> ratePairOf(const practice::SymbolSpec& spec)
 {
     const std::vector<practice::SymbolSpec>& known = practice::symbolCatalog();

@@ -22,6 +22,10 @@ namespace lab {
 [[nodiscard]] MinuteHistory simulatedHistory(
     std::string_view symbol, std::uint64_t seed, double speed, practice::TimeMs from, practice::TimeMs to);
 
+/// What a trader has to know of a recorded symbol that the practice platform does not list: its contract and
+/// its charges are guessed. A plain sentence; nothing for a symbol that is listed.
+[[nodiscard]] std::optional<std::string> contractWarning(const MinuteHistory& history);
+
 /// The pair whose mid turns a symbol's results into USD; nothing where its own price, or none, is needed.
 [[nodiscard]] std::optional<std::string> ratePairOf(const practice::SymbolSpec& spec);
 

@@ -60,4 +60,11 @@ TEST_CASE("the list of figures fits a terminal and shows a dash for what is unde
         CHECK(lab::placesOf(line) <= 80);
 }
 
+TEST_CASE("the days that a year is reckoned to have stand on the terminal")
+{
+    lab::RunResult result;
+    CHECK(
+        lab::figureList(result, lab::figuresOf(result), false).find("Days a year (A)") != std::string::npos);
+}
+
 CHECK_MAIN()

@@ -3,6 +3,8 @@
 
 #include <set>
 #include <string>
+#include <utility>
+#include <vector>
 
 using namespace lab;
 
@@ -55,6 +57,74 @@ TEST_CASE("a row is found by its key alone")
     CHECK_EQ(figureRow("sharpe")->name, std::string_view("Sharpe ratio"));
     CHECK(figureRow("Sharpe") == nullptr);
     CHECK(figureRow("") == nullptr);
+}
+
+TEST_CASE("each row has the formula that it is worked out by")
+{
+    using Row = std::pair<std::string_view, std::string_view>;
+    const std::vector<Row> formulas{
+        {"from", ""},
+        {"to", ""},
+        {"days", "from the first to the last day with prices, both counted (UTC)"},
+        {"bars", ""},
+        {"ticks", "calls of the script"},
+        {"ticksPerBar", "ticks / bars"},
+        {"annualDays", "252, or 365 when weekends trade"},
+        {"startBalance", ""},
+        {"endBalance", ""},
+        {"endEquity", ""},
+        {"netProfit", "Σ net, net = profit − commission + swap"},
+        {"cagr", "(E1/E0)^(365.25/days) − 1"},
+        {"volatility", "sd(r, n−1) · √A, r = daily returns of equity"},
+        {"sharpe", "mean(r)/sd(r) · √A"},
+        {"sortino", "mean(r)/√mean(min(r,0)²) · √A"},
+        {"calmar", "CAGR / maximum drawdown"},
+        {"maxDrawdown", "largest fall of equity from its peak / peak, on every price"},
+        {"maxDrawdownMoney", "largest fall of equity from its peak, on every price"},
+        {"maxDrawdownBalance", "largest fall of the balance from its peak / peak"},
+        {"longestDrawdownDays", "days from a peak of daily equity to its recovery or the last day"},
+        {"averageDrawdown", "mean depth of the drawdowns of daily equity"},
+        {"recoveryFactor", "net profit / maximum drawdown in money"},
+        {"ulcerIndex", "√mean(dd²), dd = 1 − daily equity / its peak so far"},
+        {"trades", ""},
+        {"longTrades", ""},
+        {"shortTrades", ""},
+        {"wins", "trades whose net is above 0"},
+        {"winRate", "wins / trades"},
+        {"payoff", "mean win / mean loss"},
+        {"profitFactor", "Σ wins / Σ losses"},
+        {"expectancy", "mean(net)"},
+        {"sqn", "√n · mean(net)/sd(net, n−1)"},
+        {"kelly", "W − (1 − W)/payoff"},
+        {"bestTrade", "max(net)"},
+        {"worstTrade", "min(net)"},
+        {"maxConsecutiveWins", ""},
+        {"maxConsecutiveLosses", ""},
+        {"averageDurationMinutes", "mean(close − open)"},
+        {"exposure", "time with an open position / time"},
+        {"commission", "Σ commission, a cost"},
+        {"swap", "Σ swap, signed"},
+        {"spreadCost", "Σ distance of bid and ask paid, within the profit"},
+        {"var95", "−q, q = 5 % quantile of r, linear between neighbours at (n−1)·0.05"},
+        {"es95", "−mean(r where r ≤ q)"},
+        {"skew", "m3/m2^1.5, m = population moments of r"},
+        {"kurtosis", "m4/m2² − 3"},
+        {"psr",
+            "Φ(SR·√(n−1)/√(1 − γ3·SR + (γ4−1)/4·SR²)), SR = mean(r)/sd(r), γ3 = skew, γ4 = excess kurtosis + "
+            "3"},
+        {"buyAndHold", "last mid / first mid − 1"},
+        {"worstDay", "min(lowest equity / the day's first equity − 1)"},
+        {"dailyLimitUse", "largest loss of a day / its limit"},
+        {"totalLimitUse", "largest loss since the start / the limit"},
+        {"ambiguousExits", "trades whose last minute held both levels"},
+        {"refusals", ""},
+    };
+    const auto rows = figureRows();
+    REQUIRE(rows.size() == formulas.size());
+    for (std::size_t number = 0; number < rows.size(); ++number) {
+        CHECK_EQ(rows[number].key, formulas[number].first);
+        CHECK_EQ(rows[number].formula, formulas[number].second);
+    }
 }
 
 CHECK_MAIN()

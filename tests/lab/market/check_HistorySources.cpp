@@ -275,4 +275,18 @@ TEST_CASE("recorded history of real markets is walked through")
     }
 }
 
+TEST_CASE("a record of a symbol that the platform does not list is warned of, with what it is taken to be")
+{
+    const std::string row
+        = header + "2014-05-01T00:00:00Z,1.1,1.3,1.0,1.2,5\n2014-05-01T00:01:00Z,1.1,1.3,1.0,1.2,5\n";
+    CHECK(!contractWarning(readFrom("EURUSD-1m.csv", row)));
+    CHECK_EQ(contractWarning(readFrom("NZDUSD-1m.csv", row)).value_or(""),
+        std::string(
+            "The practice platform does not list NZDUSD: taken with a contract of 1 NZD a lot, leverage "
+            "up to 1:20, no commission and no swap. Results in money may mean nothing."));
+    CHECK(contractWarning(readFrom("EURCHF-1m.csv", row)).value_or("").find("a contract of 100000 EUR a lot")
+        != std::string::npos);
+    CHECK(!contractWarning(simulatedHistory("EURUSD", 1, 1, start, start + practice::hourMs)));
+}
+
 CHECK_MAIN()

@@ -1,7 +1,9 @@
 #include "GeneratedRun.h"
+#include "lab/core/figures/FigureTable.h"
 #include "lab/core/figures/Figures.h"
 #include "lab/core/output/PageTexts.h"
 #include "lab/core/output/ReportPage.h"
+#include "lab/core/output/Texts.h"
 #include "practice/Check.h"
 
 #include <nlohmann/json.hpp>
@@ -118,6 +120,23 @@ TEST_CASE("each figure stands beside its formula, a dash for an undefined one")
     CHECK(has(pageOf(run),
         "<th scope=\"row\">Payoff</th><td class=\"n\">\xE2\x80\x93</td><td class=\"formula\">mean win / mean "
         "loss<br><span class=\"why\">\xE2\x80\x93: needs a trade</span></td>"));
+}
+
+TEST_CASE("every figure has its line on the page, with name and formula, in the order of the table")
+{
+    const std::string page = pageOf(smallRun());
+    std::size_t place = page.find("id=\"figures\"");
+    for (const FigureRow& row : figureRows()) {
+        const std::string line = "<th scope=\"row\">" + escaped(row.name) + "</th><td class=\"n\">";
+        place = page.find(line, place);
+        REQUIRE(place != std::string::npos);
+        const std::string_view rest = std::string_view(page).substr(place, page.find("</tr>", place) - place);
+        CHECK(has(rest, "</td><td class=\"formula\">" + escaped(row.formula)));
+    }
+    CHECK(has(page, "Days a year (A)</th><td class=\"n\">252</td>"));
+    RunResult run = smallRun();
+    run.weekendsTrade = true;
+    CHECK(has(pageOf(run), "Days a year (A)</th><td class=\"n\">365</td>"));
 }
 
 TEST_CASE("whatever is undefined says why, in tiles and figures")

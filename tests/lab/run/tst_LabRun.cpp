@@ -109,6 +109,34 @@ private Q_SLOTS:
         QCOMPARE(digestOf(lab.run(example(name), m_settings)), digestOf(result));
     }
 
+    void buyAndHoldGoesFromTheFirstPriceToTheLast()
+    {
+        const RunResult result = run(u"1"_s);
+        const auto price = [](std::int64_t points) { return static_cast<double>(points) / 1e5; };
+        QCOMPARE(result.firstPrice, price(m_history.minutes.at(100).bar.open));
+        QCOMPARE(result.lastPrice, price(m_history.minutes.at(1999).bar.close));
+        QVERIFY(result.firstPrice != result.lastPrice);
+    }
+
+    void aSaturdayMinuteMakesAYearOfAllItsDays()
+    {
+        QVERIFY(!run(u"1"_s).weekendsTrade); // Thursday and Friday
+        m_history.starts.back() += 24 * 60;
+        const RunResult result = run(u"1"_s);
+        m_history = swings(2000);
+        QVERIFY(result.weekendsTrade);
+    }
+
+    void aSymbolThatThePlatformDoesNotListIsWarnedOf()
+    {
+        QVERIFY(run(u"1"_s).warnings.empty());
+        m_history.spec.name = "NZDUSD";
+        const RunResult result = run(u"1"_s);
+        m_history = swings(2000);
+        QCOMPARE(result.warnings.size(), std::size_t{1});
+        QVERIFY(result.warnings[0].find("does not list NZDUSD") != std::string::npos);
+    }
+
     void inputsTakeTheirPlaces()
     {
         const RunResult plain = lab::LabRun({&m_history}).run(example(u"MA_Cross.js"_s), m_settings);
