@@ -101,7 +101,7 @@ double ExpertHost::ask() const
 
 int ExpertHost::bars() const
 {
-    return static_cast<int>(std::min<std::size_t>(m_candles->size(), std::numeric_limits<int>::max()));
+    return static_cast<int>(std::min<std::size_t>(candles().size(), std::numeric_limits<int>::max()));
 }
 
 double ExpertHost::close(double shift) const
@@ -126,16 +126,17 @@ double ExpertHost::low(double shift) const
 
 double ExpertHost::price(double shift, double Candle::*field) const
 {
-    const std::optional<std::size_t> index = indexAt(shift);
-    return index ? (*m_candles)[*index].*field : 0.0;
+    const ExpertCandles all = candles();
+    const std::optional<std::size_t> index = indexAt(all, shift);
+    return index ? all.price(*index, field) : 0.0;
 }
 
-std::optional<std::size_t> ExpertHost::indexAt(double shift) const
+std::optional<std::size_t> ExpertHost::indexAt(const ExpertCandles& candles, double shift)
 {
     const double whole = std::trunc(shift);
-    if (!(whole >= 0.0 && whole < static_cast<double>(m_candles->size())))
+    if (!(whole >= 0.0 && whole < static_cast<double>(candles.size())))
         return std::nullopt;
-    return m_candles->size() - 1 - static_cast<std::size_t>(whole);
+    return candles.size() - 1 - static_cast<std::size_t>(whole);
 }
 
 std::optional<quint64> ExpertHost::revision() const
@@ -145,22 +146,24 @@ std::optional<quint64> ExpertHost::revision() const
 
 double ExpertHost::ma(double period, [[maybe_unused]] double method, double shift)
 {
-    const std::optional<std::size_t> index = indexAt(shift);
+    const ExpertCandles all = candles();
+    const std::optional<std::size_t> index = indexAt(all, shift);
     const double whole = std::trunc(period);
     if (!index || !(whole >= 1.0 && whole <= static_cast<double>(*index) + 1.0))
         return 0.0;
     const std::size_t first = *index + 1 - static_cast<std::size_t>(whole);
-    return m_sums.closes(*m_candles, revision(), first, *index) / whole;
+    return m_sums.closes(all, revision(), first, *index) / whole;
 }
 
 double ExpertHost::rsi(double period, double shift)
 {
-    const std::optional<std::size_t> index = indexAt(shift);
+    const ExpertCandles all = candles();
+    const std::optional<std::size_t> index = indexAt(all, shift);
     const double whole = std::trunc(period);
     if (!index || !(whole >= 1.0 && whole <= static_cast<double>(*index)))
         return 0.0;
     const std::size_t first = *index + 1 - static_cast<std::size_t>(whole);
-    const WindowSums::Moves moves = m_sums.moves(*m_candles, revision(), first, *index);
+    const WindowSums::Moves moves = m_sums.moves(all, revision(), first, *index);
     const double averageGain = moves.gains / whole;
     const double averageLoss = moves.losses / whole;
     return averageLoss == 0.0 ? 100.0 : 100.0 - 100.0 / (1.0 + averageGain / averageLoss);

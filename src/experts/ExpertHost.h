@@ -1,6 +1,6 @@
 #pragma once
 
-#include "chart/series/Candle.h"
+#include "experts/ExpertCandles.h"
 #include "experts/WindowSums.h"
 
 #include <QObject>
@@ -36,6 +36,8 @@ public:
         std::function<void(const QString& text)> alert;
         /// Changes whenever a candle other than the newest does. Unset: nothing is remembered between calls.
         std::function<quint64()> seriesRevision;
+        /// What came before the first of the candles. Unset: nothing. It must outlive the host as they must.
+        OlderCandles* olderCandles = nullptr;
     };
 
     /// Longer texts of scripts are cut.
@@ -102,9 +104,10 @@ private:
     void act(Action action);
     void say(std::function<void(const QString&)> Callbacks::*callback, const QString& text);
     void order(const QString& side, double lots, double sl, double tp);
+    [[nodiscard]] ExpertCandles candles() const { return {*m_candles, m_callbacks->olderCandles}; }
     [[nodiscard]] double price(double shift, double Candle::*field) const;
     /// Index of the bar at a shift; absent when there is none.
-    [[nodiscard]] std::optional<std::size_t> indexAt(double shift) const;
+    [[nodiscard]] static std::optional<std::size_t> indexAt(const ExpertCandles& candles, double shift);
     [[nodiscard]] std::optional<quint64> revision() const;
 
     QString m_symbol;

@@ -2,49 +2,49 @@
 
 #include <utility>
 
-namespace {
-
-void addClose(WindowSums::Moves& sums, const std::vector<Candle>& candles, std::size_t index)
+template <WindowSums::Kind kind>
+void WindowSums::add(Moves& sums, const ExpertCandles& candles, std::size_t index)
 {
-    sums.gains += candles[index].close;
+    const double close = candles.price(index, &Candle::close);
+    if constexpr (kind == Kind::Closes) {
+        sums.gains += close;
+    } else {
+        const double move = close - candles.price(index - 1, &Candle::close);
+        if (move > 0.0)
+            sums.gains += move;
+        else
+            sums.losses -= move;
+    }
 }
-
-void addMove(WindowSums::Moves& sums, const std::vector<Candle>& candles, std::size_t index)
-{
-    const double move = candles[index].close - candles[index - 1].close;
-    if (move > 0.0)
-        sums.gains += move;
-    else
-        sums.losses -= move;
-}
-
-} // namespace
 
 double WindowSums::closes(
-    const std::vector<Candle>& candles, std::optional<quint64> revision, std::size_t first, std::size_t last)
+    const ExpertCandles& candles, std::optional<quint64> revision, std::size_t first, std::size_t last)
 {
-    return sum(Kind::Closes, &addClose, candles, revision, first, last).gains;
+    return sum<Kind::Closes>(candles, revision, first, last).gains;
 }
 
 WindowSums::Moves WindowSums::moves(
-    const std::vector<Candle>& candles, std::optional<quint64> revision, std::size_t first, std::size_t last)
+    const ExpertCandles& candles, std::optional<quint64> revision, std::size_t first, std::size_t last)
 {
-    return sum(Kind::Moves, &addMove, candles, revision, first, last);
+    return sum<Kind::Moves>(candles, revision, first, last);
 }
 
-WindowSums::Moves WindowSums::sum(Kind kind, Summation add, const std::vector<Candle>& candles,
-    std::optional<quint64> revision, std::size_t first, std::size_t last)
+template <WindowSums::Kind kind>
+WindowSums::Moves WindowSums::sum(
+    const ExpertCandles& candles, std::optional<quint64> revision, std::size_t first, std::size_t last)
 {
     const auto addAll = [&](std::size_t end) {
         Moves sums;
         for (std::size_t i = first; i < end; ++i)
-            add(sums, candles, i);
+            add<kind>(sums, candles, i);
         return sums;
     };
     if (!revision)
         return addAll(last + 1);
-    if (std::exchange(m_revision, *revision) != *revision)
-        m_entries.fill({});
+    if (std::exchange(m_revision, *revision) != *revision) {
+        for (Entry& entry : m_entries)
+            entry.kind = Kind::None;
+    }
 
     // The newest candle moves with every tick.
     const bool newest = last + 1 == candles.size();
@@ -53,7 +53,7 @@ WindowSums::Moves WindowSums::sum(Kind kind, Summation add, const std::vector<Ca
         if (entry.kind == kind && entry.first == first && entry.end == end) {
             Moves sums = entry.sums;
             if (newest)
-                add(sums, candles, last);
+                add<kind>(sums, candles, last);
             return sums;
         }
     }
@@ -61,6 +61,6 @@ WindowSums::Moves WindowSums::sum(Kind kind, Summation add, const std::vector<Ca
     m_entries[m_oldest] = {kind, first, end, sums};
     m_oldest = (m_oldest + 1) % m_entries.size();
     if (newest)
-        add(sums, candles, last);
+        add<kind>(sums, candles, last);
     return sums;
 }

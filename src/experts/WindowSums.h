@@ -1,12 +1,11 @@
 #pragma once
 
-#include "chart/series/Candle.h"
+#include "experts/ExpertCandles.h"
 
 #include <QtGlobal>
 
 #include <array>
 #include <optional>
-#include <vector>
 
 /// Sums over the closing prices of a run of candles. Scripts ask for the same runs at every tick, so the sums
 /// are remembered, without the newest candle, for as long as no other changes: a tick then costs the same
@@ -23,10 +22,10 @@ public:
 
     /// `revision` changes whenever a candle other than the newest does; without one nothing is remembered.
     /// `first` and `last` are indices of candles, and so is `first - 1` for the moves.
-    [[nodiscard]] double closes(const std::vector<Candle>& candles, std::optional<quint64> revision,
-        std::size_t first, std::size_t last);
-    [[nodiscard]] Moves moves(const std::vector<Candle>& candles, std::optional<quint64> revision,
-        std::size_t first, std::size_t last);
+    [[nodiscard]] double closes(
+        const ExpertCandles& candles, std::optional<quint64> revision, std::size_t first, std::size_t last);
+    [[nodiscard]] Moves moves(
+        const ExpertCandles& candles, std::optional<quint64> revision, std::size_t first, std::size_t last);
 
 private:
     enum class Kind { None, Closes, Moves };
@@ -38,10 +37,10 @@ private:
         Moves sums;          ///< of closes: in `gains` alone
     };
 
-    using Summation = void (*)(Moves& sums, const std::vector<Candle>& candles, std::size_t index);
-
-    Moves sum(Kind kind, Summation add, const std::vector<Candle>& candles, std::optional<quint64> revision,
-        std::size_t first, std::size_t last);
+    template <Kind kind>
+    Moves sum(
+        const ExpertCandles& candles, std::optional<quint64> revision, std::size_t first, std::size_t last);
+    template <Kind kind> static void add(Moves& sums, const ExpertCandles& candles, std::size_t index);
 
     std::array<Entry, 16> m_entries;
     std::size_t m_oldest = 0; ///< the entry that gives way next
