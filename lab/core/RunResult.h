@@ -3,6 +3,7 @@
 #include "lab/core/RunSettings.h"
 #include "practice/core/broker/Records.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -65,6 +66,14 @@ struct BarRow {
     double high = 0;
     double low = 0;
     double close = 0;
+
+    /// Takes in its later neighbour.
+    void join(const BarRow& next)
+    {
+        high = std::max(high, next.high);
+        low = std::min(low, next.low);
+        close = next.close;
+    }
 };
 
 /// A line that the script or the lab has written.
@@ -97,7 +106,7 @@ struct RunResult {
     std::vector<TradeRow> trades;    ///< in the order of closing
     std::vector<EquityPoint> equity; ///< start, each change of the balance, end of each UTC day, end
     std::vector<DayRow> days;
-    std::vector<BarRow> chart; ///< every bar of the run
+    std::vector<BarRow> chart; ///< the bars of the run; of a long one, neighbours joined
     std::vector<JournalLine> journal;
     Drawdown equityDrawdown; ///< on every price that the broker saw
     Drawdown balanceDrawdown;

@@ -1,6 +1,7 @@
 #include "lab/run/LabRun.h"
 
 #include "lab/core/account/AccountSession.h"
+#include "lab/core/account/PointQuote.h"
 #include "lab/core/market/HistorySources.h"
 #include "lab/core/market/PriceWalk.h"
 #include "lab/core/market/RunSpan.h"
@@ -78,7 +79,8 @@ public:
         , m_before(candlesBefore(m_history, settings, span.firstMinute))
         , m_warmup(m_before.size())
         , m_stage({QString::fromStdString(m_history.spec.name), m_history.spec.digits,
-                      practice::timeframeLength(settings.timeframe), settings.seed, std::move(m_before)},
+                      practice::timeframeLength(settings.timeframe), settings.seed, std::move(m_before),
+                      [this](practice::TimeMs time, std::size_t count) { return candlesAgain(time, count); }},
               callbacksTo(m_account),
               [this](const QString& side, double lots, double stopLoss, double takeProfit) {
                   m_account.noteRefusal(sideOf(side), lots, stopLoss, takeProfit);
@@ -131,8 +133,9 @@ public:
         result.firstPrice = static_cast<double>(m_firstMid) / points;
         result.lastPrice = static_cast<double>(m_lastMid) / points;
         result.tickPrint = m_print;
-        result.chart = m_stage.barsOfRun();
-        result.bars = result.chart.size();
+        ChartBars bars = m_stage.takeBarsOfRun();
+        result.bars = bars.count();
+        result.chart = bars.takeRows();
         if (m_error)
             result.error = (script.name + u": "_s + *m_error).toStdString();
         m_account.finish(result);
@@ -149,13 +152,41 @@ public:
     }
 
 private:
+    /// A script that is called once a bar still sees whole bars behind it. The other prices that are the
+    /// broker's alone would not have reached a chart either.
+    [[nodiscard]] bool reachesChart(const Moment& moment) const
+    {
+        return moment.forScript || m_settings.model == Model::Open;
+    }
+
+    /// The candles of the chart from the one that begins at `time` on, which lie behind it.
+    [[nodiscard]] std::vector<Candle> candlesAgain(practice::TimeMs time, std::size_t count) const
+    {
+        CandleSeries series;
+        series.setTimeframeMs(practice::timeframeLength(m_settings.timeframe));
+        std::size_t minute = m_history.firstFrom(time);
+        if (minute <= m_span.firstMinute) {
+            minute = m_span.firstMinute;
+            std::vector<Candle> before = candlesBefore(m_history, m_settings, minute);
+            std::erase_if(before, [time](const Candle& candle) { return candle.time < time; });
+            series.setCandles(std::move(before));
+        }
+        PriceWalk walk(m_history, m_settings, minute, m_span.endMinute);
+        for (Moment moment; series.candles().size() <= count && walk.next(moment);) {
+            if (!reachesChart(moment))
+                continue;
+            const practice::Quote prices = quoteAt(moment).toPrices(m_history.spec.digits);
+            series.foldTick(prices.bid, prices.ask, moment.time);
+        }
+        const std::vector<Candle>& all = series.candles();
+        return {all.begin(), all.begin() + static_cast<std::ptrdiff_t>(std::min(count, all.size()))};
+    }
+
     void take(const Moment& moment)
     {
         m_stage.setTime(moment.time);
         m_account.advance(moment);
-        // A script that is called once a bar still sees whole bars behind it. The other prices that are the
-        // broker's alone would not have reached a chart either.
-        if (!moment.forScript && m_settings.model != Model::Open)
+        if (!reachesChart(moment))
             return;
         const AccountView& view = m_account.view();
         m_stage.fold(view.bid, view.ask);

@@ -4,6 +4,7 @@
 
 #include <QFile>
 
+#include <iterator>
 #include <utility>
 
 using namespace Qt::StringLiterals;
@@ -29,6 +30,8 @@ ScriptStage::ScriptStage(Settings settings, ExpertHost::Callbacks account, Refus
 {
     m_series.setTimeframeMs(settings.barMs);
     m_series.setCandles(std::move(settings.bars));
+    if (settings.barsAgain)
+        m_past.emplace(std::move(settings.barsAgain));
     auto timer = std::make_unique<VirtualTimer>(m_clock);
     m_timer = timer.get();
     m_engine = std::make_unique<ExpertEngine>(settings.symbol, settings.digits, m_series.candles(),
@@ -51,6 +54,7 @@ ScriptStage::ScriptStage(Settings settings, ExpertHost::Callbacks account, Refus
 ExpertHost::Callbacks ScriptStage::connected(ExpertHost::Callbacks account, Refusal refused)
 {
     account.seriesRevision = [this] { return m_revision; };
+    account.olderCandles = m_past ? &*m_past : nullptr;
     account.print = [this](const QString& text) { note(text); };
     account.alert = [this](const QString& text) { note(u"ALERT: "_s + text); };
     account.comment = nullptr;
@@ -76,9 +80,17 @@ void ScriptStage::renewBars(std::vector<Candle> bars)
 void ScriptStage::fold(double bid, double ask)
 {
     if (m_series.foldTick(bid, ask, m_clock.now) == TickEffect::Appended)
-        ++m_revision;
-    if (!m_firstBar && !m_series.isEmpty())
-        m_firstBar = m_series.candles().size() - 1;
+        turnBar();
+    m_hasBegun = m_hasBegun || !m_series.isEmpty();
+}
+
+void ScriptStage::turnBar()
+{
+    ++m_revision;
+    if (m_hasBegun && m_series.count() > 1)
+        m_barsBefore.add(*std::prev(m_series.candles().end(), 2));
+    if (m_past)
+        m_past->relieve(m_series);
 }
 
 void ScriptStage::load(const ExpertScript& script)
@@ -110,14 +122,11 @@ void ScriptStage::findError()
         m_error = m_failure.value_or(QString());
 }
 
-std::vector<BarRow> ScriptStage::barsOfRun() const
+ChartBars ScriptStage::takeBarsOfRun()
 {
-    std::vector<BarRow> rows;
-    const std::vector<Candle>& candles = m_series.candles();
-    rows.reserve(candles.size());
-    for (std::size_t i = m_firstBar.value_or(candles.size()); i < candles.size(); ++i)
-        rows.push_back({candles[i].time, candles[i].open, candles[i].high, candles[i].low, candles[i].close});
-    return rows;
+    if (m_hasBegun && !m_series.isEmpty())
+        m_barsBefore.add(m_series.candles().back());
+    return std::move(m_barsBefore);
 }
 
 } // namespace lab

@@ -2,9 +2,11 @@
 
 #include "chart/series/CandleSeries.h"
 #include "experts/ExpertEngine.h"
+#include "lab/run/ChartBars.h"
 #include "lab/run/EventRounds.h"
 #include "lab/run/Journal.h"
 #include "lab/run/LabHost.h"
+#include "lab/run/PastCandles.h"
 #include "lab/run/VirtualTimer.h"
 
 #include <functional>
@@ -22,7 +24,8 @@ public:
         int digits = 5;
         practice::TimeMs barMs = practice::minuteMs;
         std::uint64_t seed = 1;
-        std::vector<Candle> bars; ///< before the first price
+        std::vector<Candle> bars;       ///< before the first price
+        PastCandles::Maker barsAgain{}; ///< unset: the chart keeps all of them
     };
 
     /// An order of the script whose numbers cannot be used.
@@ -34,7 +37,7 @@ public:
 
     /// The time from now on.
     void setTime(practice::TimeMs time) { m_clock.now = time; }
-    /// The chart gets other bars, as a terminal's does that has asked for them again.
+    /// The chart, which keeps all bars, gets others, as a terminal's does that has asked for them again.
     void renewBars(std::vector<Candle> bars);
     /// The chart takes in a price of this time.
     void fold(double bid, double ask);
@@ -54,18 +57,23 @@ public:
     /// Writes a line with the time of now.
     void note(const QString& text) { m_journal.add(m_clock.now, text); }
     /// The bars that have been on the chart since the first price, the one that it fell into included.
-    [[nodiscard]] std::vector<BarRow> barsOfRun() const;
+    /// To be called once, last.
+    [[nodiscard]] ChartBars takeBarsOfRun();
 
 private:
     ExpertHost::Callbacks connected(ExpertHost::Callbacks account, Refusal refused);
+    /// A price has begun a candle.
+    void turnBar();
     void findError();
 
     EventRounds m_events;
     VirtualClock m_clock;
     LabHost m_host;
     CandleSeries m_series;
+    std::optional<PastCandles> m_past; ///< what `m_series` no longer has
+    ChartBars m_barsBefore;            ///< the newest candle
+    bool m_hasBegun = false;           ///< there was a price
     quint64 m_revision = 0;
-    std::optional<std::size_t> m_firstBar; ///< that a price of the run fell into
     Journal m_journal;
     std::atomic<bool> m_isInterrupted = false;
     std::optional<QString> m_failure; ///< the first one of the hook at hand

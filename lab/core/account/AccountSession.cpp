@@ -121,7 +121,7 @@ void AccountSession::advance(const Moment& moment)
 void AccountSession::goTo(const Moment& moment)
 {
     const bool isFirst = !m_record.hasBegun();
-    const PointQuote quote{moment.mid - moment.halfSpread, moment.mid + moment.halfSpread};
+    const PointQuote quote = quoteAt(moment);
     m_withinMinute = !isFirst && moment.minute == m_moment.minute;
     m_moment = moment;
     if (isFirst)

@@ -1,6 +1,7 @@
 #include "lab/core/account/EquityRecord.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace lab {
 
@@ -57,10 +58,10 @@ void EquityRecord::end(TimeMs lastTime)
         endDay(lastTime);
 }
 
-void EquityRecord::fill(RunResult& result) const
+void EquityRecord::fill(RunResult& result)
 {
-    result.equity = m_points;
-    result.days = m_days;
+    result.equity = std::move(m_points);
+    result.days = std::move(m_days);
     result.equityDrawdown = m_equityMeter.deepest();
     result.balanceDrawdown = m_balanceMeter.deepest();
 }

@@ -55,7 +55,8 @@ public:
     void end(practice::TimeMs lastTime);
 
     [[nodiscard]] bool hasBegun() const { return m_hasBegun; }
-    void fill(RunResult& result) const;
+    /// Hands over what it has; to be called once, last.
+    void fill(RunResult& result);
 
 private:
     void beginDay(practice::TimeMs time, practice::Cents firstEquity);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "lab/core/Moment.h"
 #include "practice/core/PointScale.h"
 #include "practice/core/Types.h"
 
@@ -19,5 +20,11 @@ struct PointQuote {
     }
     friend bool operator==(const PointQuote&, const PointQuote&) = default;
 };
+
+/// Bid and ask at a moment.
+[[nodiscard]] inline PointQuote quoteAt(const Moment& moment)
+{
+    return {moment.mid - moment.halfSpread, moment.mid + moment.halfSpread};
+}
 
 } // namespace lab

@@ -206,14 +206,10 @@ std::vector<BarRow> joinedBars(std::span<const BarRow> bars, std::size_t most)
     const std::size_t group = (bars.size() + limit - 1) / limit;
     std::vector<BarRow> joined;
     for (std::size_t place = 0; place < bars.size(); ++place) {
-        if (place % group == 0) {
+        if (place % group == 0)
             joined.push_back(bars[place]);
-            continue;
-        }
-        BarRow& bar = joined.back();
-        bar.high = std::max(bar.high, bars[place].high);
-        bar.low = std::min(bar.low, bars[place].low);
-        bar.close = bars[place].close;
+        else
+            joined.back().join(bars[place]);
     }
     return joined;
 }

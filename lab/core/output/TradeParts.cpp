@@ -172,8 +172,8 @@ std::string barsPart(const RunResult& result, const PageLimits& limits)
             "closes it. Drag "
             "across to look closer, double-click for the whole run; a ticket in the list of trades goes to "
             "its place.";
-    if (result.chart.size() > limits.bars)
-        html += " Of " + countText(result.chart.size()) + " bars neighbours are joined into at most "
+    if (result.bars > limits.bars)
+        html += " Of " + countText(result.bars) + " bars neighbours are joined into at most "
             + countText(limits.bars) + ".";
     if (result.trades.size() > limits.drawnTrades)
         html += " The " + countText(limits.drawnTrades) + " latest of " + countText(result.trades.size())

@@ -1,8 +1,15 @@
+#include "chart/series/CandleSeries.h"
+#include "experts/ExpertHost.h"
+#include "lab/core/account/PointQuote.h"
 #include "lab/core/market/HistoryError.h"
+#include "lab/core/market/PriceWalk.h"
 #include "lab/core/market/RunSpan.h"
 #include "lab/market/Histories.h"
+#include "lab/run/ChartBars.h"
 #include "lab/run/LabRun.h"
 #include "support/TestMain.h"
+
+#include <QJSValue>
 
 #include <cmath>
 #include <stdexcept>
@@ -135,6 +142,41 @@ private Q_SLOTS:
         m_history = swings(2000);
         QCOMPARE(result.warnings.size(), std::size_t{1});
         QVERIFY(result.warnings[0].find("does not list NZDUSD") != std::string::npos);
+    }
+
+    void aLongRunKeepsWhatItsScriptMayAskForAndNoMore()
+    {
+        const lab::MinuteHistory history = swings(60'000);
+        m_settings.model = lab::Model::Open;
+        CandleSeries whole;
+        whole.setTimeframeMs(practice::minuteMs);
+        std::vector<Candle> before;
+        for (const practice::Bar& bar : lab::barsBefore(history, practice::Timeframe::M1, 100, 100))
+            before.push_back({bar.time, bar.open, bar.high, bar.low, bar.close, 1});
+        whole.setCandles(before);
+        lab::PriceWalk walk(history, m_settings, 100, history.size());
+        for (lab::Moment moment; walk.next(moment);) {
+            const practice::Quote prices = lab::quoteAt(moment).toPrices(5);
+            whole.foldTick(prices.bid, prices.ask, moment.time);
+        }
+        double sum = 0;
+        for (const Candle& bar : whole.candles())
+            sum = sum * 0.9999 + bar.open + 2 * bar.high + 3 * bar.low + 5 * bar.close;
+        ExpertHost host(u"EURUSD"_s, 5, whole.candles(), {});
+
+        const QString script = uR"(function OnDeinit() {
+            var sum = 0;
+            for (var i = Bars() - 1; i >= 0; --i)
+                sum = sum * 0.9999 + Open(i) + 2 * High(i) + 3 * Low(i) + 5 * Close(i);
+            Print(Bars(), sum, iMA(40000, 0, 9000), iRSI(40000, 9000), Close(Bars())); })"_s;
+        const RunResult result = lab::LabRun({&history}).run({u"Probe"_s, u"Probe.js"_s, script}, m_settings);
+        QVERIFY(!result.error);
+        QCOMPARE(textOf(result),
+            u"60000 %1 %2 %3 0"_s.arg(QJSValue(sum).toString(), QJSValue(host.ma(40'000, 0, 9000)).toString(),
+                QJSValue(host.rsi(40'000, 9000)).toString()));
+        QCOMPARE(result.bars, std::uint64_t{59'900});
+        QVERIFY(result.chart.size() <= lab::ChartBars::most);
+        QCOMPARE(result.chart.back().close, whole.candles().back().close);
     }
 
     void inputsTakeTheirPlaces()

@@ -44,7 +44,7 @@ private Q_SLOTS:
         chart().bid = chart().ask = 1.2;
         chart().tickAfter(practice::minuteMs);
         QCOMPARE(chart().said(), u"4 1.10 1.40 1.15;5 1.40 1.20 1.25"_s);
-        const std::vector<lab::BarRow> rows = chart().stage->barsOfRun();
+        const std::vector<lab::BarRow> rows = chart().stage->takeBarsOfRun().rows();
         QCOMPARE(rows.size(), std::size_t{2});
         QCOMPARE(rows[0].time, start);
         QCOMPARE(rows[0].high, 1.4);
@@ -58,7 +58,7 @@ private Q_SLOTS:
         chart().bars.push_back({start, 2.0, 2.0, 2.0, 2.0, 1});
         chart().load(u"Print(Bars(), Open(0), Close(0) < 2)"_s);
         QCOMPARE(chart().said(), u"2 2 true"_s);
-        QCOMPARE(chart().stage->barsOfRun().size(), std::size_t{1});
+        QCOMPARE(chart().stage->takeBarsOfRun().count(), std::uint64_t{1});
     }
 
     void ordersGoOutAndUnusableOnesDoNot()
