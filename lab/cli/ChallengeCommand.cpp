@@ -1,4 +1,5 @@
 #include "lab/cli/Commands.h"
+#include "lab/cli/KeptRuns.h"
 #include "lab/cli/PriceSources.h"
 #include "lab/cli/Progress.h"
 #include "lab/cli/ResultPlace.h"
@@ -11,6 +12,7 @@
 #include "lab/core/output/ResultFolder.h"
 #include "lab/core/output/Texts.h"
 #include "lab/core/study/Challenge.h"
+#include "practice/core/market/HashRandom.h"
 
 #include <iostream>
 
@@ -42,6 +44,17 @@ std::vector<RunSettings> startsOf(const StudyBench& bench)
         starts.back().from = history.timeAt(minute);
     }
     return starts;
+}
+
+/// What the runs from these starts hold for.
+StudyIdentity identityOf(const StudyBench& bench, const std::vector<RunSettings>& starts)
+{
+    std::string all;
+    for (const RunSettings& start : starts)
+        all += std::to_string(start.from.value_or(0)) + ' ' + std::to_string(start.seed) + '\n';
+    StudyIdentity identity = bench.identity();
+    identity.emplace_back("the starts", hexText(practice::hashText(all)));
+    return identity;
 }
 
 /// In a worker: the run from this start, over its own market where it has one.
@@ -80,8 +93,9 @@ std::string summaryText(const ChallengeSummary& summary)
 
 int challengePlan(Options options)
 {
+    const bool isResumed = options.study.resume;
     if (!options.out.empty())
-        checkResultPlace(options.out, ResultKind::Challenge);
+        checkStudyPlace(options.out, ResultKind::Challenge, isResumed);
     options.settings.rules = AccountRules::Plan;
     if (options.study.seeds)
         options.settings.seed = options.study.seeds->first;
@@ -94,30 +108,45 @@ int challengePlan(Options options)
     std::filesystem::path folder = bench.options().out;
     if (folder.empty()) {
         folder = bench.name() + '-' + bench.options().settings.symbol + "-challenge";
-        checkResultPlace(folder, ResultKind::Challenge);
+        checkStudyPlace(folder, ResultKind::Challenge, isResumed);
     }
 
     const std::vector<RunSettings> starts = startsOf(bench);
     std::vector<ChallengeRow> rows(starts.size());
+    KeptRuns kept(folder, ResultKind::Challenge, identityOf(bench, starts), isResumed);
+    std::vector<std::size_t> open;
+    for (std::size_t start = 0; start < starts.size(); ++start) {
+        if (const auto former = kept.former().find(start); former != kept.former().end())
+            rows[start] = challengeRowFrom(former->second);
+        else
+            open.push_back(start);
+    }
+    bool isWhole = false;
     {
-        Progress progress(bench.name() + ", " + std::to_string(starts.size()) + " starts");
+        Progress progress(bench.name() + ", " + std::to_string(open.size()) + " starts");
         std::size_t done = 0;
-        const bool isWhole = runJobs(
-            starts.size(),
-            [&](std::size_t job) { return bytesOf(challengeRowOf(runFrom(bench, script, starts[job]))); },
+        isWhole = runJobs(
+            open.size(),
+            [&](std::size_t job) {
+                return bytesOf(challengeRowOf(runFrom(bench, script, starts[open[job]])));
+            },
             [&](const JobResult& result) {
-                ChallengeRow& row = rows[result.job];
+                const std::size_t start = open[result.job];
+                ChallengeRow& row = rows[start];
                 if (!result.failure)
                     row = challengeRowFrom(result.bytes);
                 row.failure = result.failure;
-                row.start = starts[result.job].from.value_or(row.start);
-                row.seed = starts[result.job].seed;
-                progress.show(static_cast<double>(++done) / static_cast<double>(starts.size()));
+                row.start = starts[start].from.value_or(row.start);
+                row.seed = starts[start].seed;
+                if (!row.failure)
+                    kept.keep(start, bytesOf(row));
+                progress.show(static_cast<double>(++done) / static_cast<double>(open.size()));
             },
             workerSettings(bench.options(), coreCount()));
-        if (!isWhole)
-            return stopStatus();
     }
+    if (!isWhole)
+        return kept.stopped(starts.size(), "starts");
+    kept.flush();
     RunResult about = bench.about();
     about.settings.inputs = bench.grid().inputsOf(0);
     ResultFolder files(folder);

@@ -1,6 +1,6 @@
 #include "lab/cli/Commands.h"
+#include "lab/cli/KeptRuns.h"
 #include "lab/cli/PlanFile.h"
-#include "lab/cli/ResultPlace.h"
 #include "lab/cli/RunScript.h"
 #include "lab/cli/StopSignal.h"
 #include "lab/cli/SweepEnding.h"
@@ -10,6 +10,9 @@
 
 #include <algorithm>
 #include <iostream>
+#include <iterator>
+#include <optional>
+#include <set>
 #include <system_error>
 #include <unistd.h>
 
@@ -20,6 +23,7 @@ namespace fs = std::filesystem;
 namespace {
 
 constexpr const char* probeNote = "probe";
+constexpr const char* failedProbe = "failed";
 
 /// The study of a plan on this machine. Throws StudyError when it is not the same here.
 StudyBench benchOf(const PlanFile& plan, const Options& options)
@@ -37,14 +41,15 @@ void checkIdentity(const PlanFile& plan, const StudyBench& bench)
     const StudyIdentity here = bench.identity();
     for (std::size_t i = 0; i < here.size(); ++i) {
         if (i >= plan.identity.size() || plan.identity[i] != here[i])
-            throw StudyError(here[i].first + " differs here from that of the plan");
+            throw StudyError(differs(here[i].first) + " here from the plan's");
     }
 }
 
 /// What a machine makes of the plan's first set: another one that computes otherwise is told by it.
 std::string probeOf(const SetResult& result)
 {
-    return result.failure ? std::string("failed") : hexText(result.tickPrint) + hexText(result.decisionPrint);
+    return result.failure ? std::string(failedProbe)
+                          : hexText(result.tickPrint) + hexText(result.decisionPrint);
 }
 
 /// A file on its way to its place; what does not get there goes.
@@ -80,16 +85,37 @@ private:
     fs::path m_draft;
 };
 
-bool isDone(const fs::path& place, const StudyIdentity& identity)
+/// What a former work at a chunk has left in its place.
+struct FormerWork {
+    std::set<std::uint64_t> finished;
+    std::string probe;
+};
+
+std::optional<FormerWork> formerWork(const fs::path& place, const StudyIdentity& identity)
 {
     std::error_code error;
     if (!fs::exists(place, error))
-        return false;
+        return {};
     try {
-        return StudyStore::open(place).differenceTo(identity).empty();
+        const StudyStore store = StudyStore::open(place);
+        if (!store.differenceTo(identity).empty())
+            return {};
+        return FormerWork{store.finished(), store.note(probeNote)};
     } catch (const StudyError&) {
-        return false; // damaged, or of something else: made anew
+        return {}; // damaged, or of something else: made anew
     }
+}
+
+/// The sets of a chunk that are still to be run.
+std::vector<std::uint64_t> openSets(const PlanFile& plan, const StudyBench& bench, std::uint64_t chunk,
+    const std::set<std::uint64_t>& finished)
+{
+    const auto [from, to] = plan.span(chunk);
+    const auto first = bench.numbers().begin();
+    std::vector<std::uint64_t> open;
+    std::set_difference(first + static_cast<std::ptrdiff_t>(from), first + static_cast<std::ptrdiff_t>(to),
+        finished.begin(), finished.end(), std::back_inserter(open));
+    return open;
 }
 
 std::string listed(const std::vector<std::uint64_t>& chunks)
@@ -120,7 +146,10 @@ void checkChunks(const PlanFile& plan, const fs::path& file)
         const std::string found = store.note(probeNote);
         const std::string who = "chunk " + std::to_string(chunk);
         if (!difference.empty())
-            wrong += (wrong.empty() ? "" : "; ") + who + ": " + difference + " differs";
+            wrong += (wrong.empty() ? "" : "; ") + who + ": " + differs(difference);
+        else if (const std::size_t held = store.results().size(); held != plan.setsOf(chunk))
+            wrong += (wrong.empty() ? "" : "; ") + who + " holds " + std::to_string(held) + " of its "
+                + std::to_string(plan.setsOf(chunk)) + " sets";
         else if (probed > 0 && found != probe)
             wrong += (wrong.empty() ? "" : "; ") + who + " decided otherwise than chunk "
                 + std::to_string(probed) + " with the same inputs";
@@ -174,7 +203,8 @@ int workChunk(const Options& options)
             file.string() + " has " + std::to_string(plan.chunks) + " chunks, not " + std::to_string(chunk));
     const fs::path place = chunkPlace(file, chunk);
     const std::string who = "chunk " + std::to_string(chunk);
-    if (isDone(place, plan.identityOf(chunk))) {
+    const std::optional<FormerWork> former = formerWork(place, plan.identityOf(chunk));
+    if (former && former->finished.size() == plan.setsOf(chunk) && former->probe != failedProbe) {
         std::cout << who << " is done already\n";
         return succeeded;
     }
@@ -183,34 +213,47 @@ int workChunk(const Options& options)
         return stopped;
     checkIdentity(plan, bench);
 
-    const auto span = plan.span(chunk);
-    const auto first = bench.numbers().begin();
-    std::vector<std::uint64_t> numbers(
-        first + static_cast<std::ptrdiff_t>(span.first), first + static_cast<std::ptrdiff_t>(span.second));
-    const std::size_t own = numbers.size();
+    // What failed is tried again, as by a sweep that goes on. The probe is run each time: this may be
+    // another machine than the one that began.
+    const std::vector<std::uint64_t> open
+        = openSets(plan, bench, chunk, former ? former->finished : std::set<std::uint64_t>());
     const std::uint64_t probe = bench.numbers().front();
-    const bool hasProbe = span.first == 0;
-    if (!hasProbe)
+    std::vector<std::uint64_t> numbers = open;
+    const bool isProbeExtra = std::ranges::find(open, probe) == open.end();
+    if (isProbeExtra)
         numbers.push_back(probe);
 
     const Draft draft(place);
     std::size_t failed = 0;
     {
-        StudyStore store = StudyStore::create(draft.path(), plan.identityOf(chunk));
+        std::error_code error;
+        if (former && !fs::copy_file(place, draft.path(), error))
+            throw OutputError("cannot write " + draft.path().string() + ": " + error.message());
+        StudyStore store = former ? StudyStore::open(draft.path())
+                                  : StudyStore::create(draft.path(), plan.identityOf(chunk));
+        std::string here;
         const bool isWhole = bench.runSets(numbers, bench.name() + ", " + who, [&](const SetResult& set) {
             if (set.number == probe)
-                store.setNote(probeNote, probeOf(set));
-            if (set.number == probe && !hasProbe)
+                here = probeOf(set);
+            if (set.number == probe && isProbeExtra)
                 return;
             failed += set.failure ? 1 : 0;
             store.put(set, bench.grid().inputsOf(set.number));
         });
-        if (!isWhole)
+        if (!isWhole) {
+            std::cerr << "tavoran-lab: stopped; " << who
+                      << (former ? " is as it was before\n" : " is not whole, and nothing of it is kept\n");
             return stopStatus();
+        }
+        if (!former || former->probe == failedProbe)
+            store.setNote(probeNote, here);
+        else if (here != failedProbe && here != former->probe)
+            throw StudyError(who + " was begun by a machine that decided otherwise with the same inputs");
         store.flush();
     }
     draft.putIntoPlace();
-    std::cout << who << ": " << own << " sets"
+    std::cout << who << ": " << plan.setsOf(chunk) << " sets"
+              << (former ? ", " + std::to_string(open.size()) + " of them run now" : "")
               << (failed > 0 ? ", " + std::to_string(failed) + " failed" : "") << '\n';
     return succeeded;
 }
@@ -226,11 +269,11 @@ int mergeChunks(const Options& options)
     checkIdentity(plan, bench);
     const fs::path folder = sweepFolder(bench);
     std::error_code error;
-    const bool wasStopped
-        = fs::exists(folder / sweepStoreName, error) && !fs::exists(folder / "sweep.csv", error);
+    const bool wasStopped = fs::exists(folder / storeName(ResultKind::Sweep), error)
+        && !fs::exists(folder / "sweep.csv", error);
     if (!wasStopped)
         checkResultPlace(folder, ResultKind::Sweep);
-    StudyStore store = sweepStore(bench, folder, wasStopped);
+    StudyStore store = storeIn(folder, ResultKind::Sweep, bench.identity(), wasStopped);
     for (std::uint64_t chunk = 1; chunk <= plan.chunks; ++chunk) {
         const StudyStore part = StudyStore::open(chunkPlace(file, chunk));
         for (SetResult& set : part.results()) {

@@ -45,6 +45,12 @@ std::pair<std::size_t, std::size_t> PlanFile::span(std::uint64_t chunk) const
     return {place(chunk - 1), place(chunk)};
 }
 
+std::size_t PlanFile::setsOf(std::uint64_t chunk) const
+{
+    const auto [first, end] = span(chunk);
+    return end - first;
+}
+
 StudyIdentity PlanFile::identityOf(std::uint64_t chunk) const
 {
     StudyIdentity all = identity;

@@ -23,6 +23,8 @@ struct PlanFile {
 
     /// Which of the study's sets, by their places in its list, belong to a chunk (from 1): from, to.
     [[nodiscard]] std::pair<std::size_t, std::size_t> span(std::uint64_t chunk) const;
+    /// How many sets that are.
+    [[nodiscard]] std::size_t setsOf(std::uint64_t chunk) const;
     /// What a chunk's result has to say of itself.
     [[nodiscard]] StudyIdentity identityOf(std::uint64_t chunk) const;
 };

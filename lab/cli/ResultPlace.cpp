@@ -1,12 +1,11 @@
 #include "lab/cli/ResultPlace.h"
 
-#include "lab/cli/SweepEnding.h"
 #include "lab/cli/UsageError.h"
 #include "lab/core/figures/Figures.h"
 #include "lab/core/output/ReportPage.h"
 #include "lab/core/output/ResultFiles.h"
 
-#include <string_view>
+#include <algorithm>
 #include <system_error>
 #include <unistd.h>
 
@@ -19,29 +18,31 @@ namespace {
 constexpr const char* runFiles[]{
     "report.html", "summary.json", "trades.csv", "equity.csv", "daily.csv", "journal.txt", "run.json"};
 
-/// A kind of result and the files of which each shows that it is there. Studies hold a run, too.
+/// A kind of result and the file which shows that it is there. Studies hold a run, too.
 struct KindRow {
     ResultKind kind;
+    std::string_view study;
+    std::string_view mark;
     std::string_view name;
-    std::vector<std::string_view> marks;
 };
 
-const std::vector<KindRow>& kindRows()
+constexpr KindRow kindRows[]{{ResultKind::Sweep, "sweep", "sweep.csv", "a sweep"},
+    {ResultKind::Walk, "walk", "walk.csv", "a walk"},
+    {ResultKind::Challenge, "challenge", "challenge.csv", "a challenge"},
+    {ResultKind::Run, "", "run.json", "a run"}, {ResultKind::Comparison, "", "compare.html", "a comparison"}};
+
+bool hasStore(const fs::path& folder, ResultKind kind)
 {
-    static const std::vector<KindRow> rows{{ResultKind::Sweep, "a sweep", {"sweep.csv", sweepStoreName}},
-        {ResultKind::Walk, "a walk", {"walk.csv"}}, {ResultKind::Challenge, "a challenge", {"challenge.csv"}},
-        {ResultKind::Run, "a run", {"run.json"}}, {ResultKind::Comparison, "a comparison", {"compare.html"}}};
-    return rows;
+    std::error_code error;
+    return !studyName(kind).empty() && fs::exists(folder / storeName(kind), error);
 }
 
 const KindRow* kindIn(const fs::path& folder)
 {
     std::error_code error;
-    for (const KindRow& row : kindRows()) {
-        for (const std::string_view mark : row.marks) {
-            if (fs::exists(folder / mark, error))
-                return &row;
-        }
+    for (const KindRow& row : kindRows) {
+        if (fs::exists(folder / row.mark, error) || hasStore(folder, row.kind))
+            return &row;
     }
     return nullptr;
 }
@@ -55,13 +56,23 @@ void checkContent(const fs::path& folder, ResultKind kind)
         throw UsageError(folder.string() + " holds something else than a result" + advice);
     if (found && found->kind != kind)
         throw UsageError(folder.string() + " holds " + std::string(found->name) + advice);
-    if (kind == ResultKind::Sweep && fs::exists(folder / sweepStoreName, error)
-        && !fs::exists(folder / "sweep.csv", error))
-        throw UsageError(
-            folder.string() + " holds a sweep that was stopped: --resume goes on with it" + advice);
+    if (hasStore(folder, kind) && !fs::exists(folder / found->mark, error))
+        throw UsageError(folder.string() + " holds " + std::string(found->name)
+            + " that was stopped: --resume goes on with it" + advice);
 }
 
 } // namespace
+
+std::string_view studyName(ResultKind kind)
+{
+    return std::ranges::find(kindRows, kind, &KindRow::kind)->study;
+}
+
+std::string storeName(ResultKind kind)
+{
+    const std::string_view name = studyName(kind);
+    return name.empty() ? std::string() : std::string(name) + ".sqlite";
+}
 
 void checkResultPlace(const fs::path& folder, ResultKind kind)
 {

@@ -1,5 +1,5 @@
 #include "lab/cli/Commands.h"
-#include "lab/cli/ResultPlace.h"
+#include "lab/cli/KeptRuns.h"
 #include "lab/cli/RunScript.h"
 #include "lab/cli/StopSignal.h"
 #include "lab/cli/SweepEnding.h"
@@ -13,20 +13,15 @@ namespace lab {
 int sweepSets(Options options)
 {
     const bool isResumed = options.study.resume;
-    const auto checkPlace = [isResumed](const std::filesystem::path& folder) {
-        std::error_code error;
-        if (!isResumed || !std::filesystem::exists(folder / sweepStoreName, error))
-            checkResultPlace(folder, ResultKind::Sweep);
-    };
     if (!options.out.empty())
-        checkPlace(options.out);
+        checkStudyPlace(options.out, ResultKind::Sweep, isResumed);
     ExpertScript script = readScript(options.script);
     const StudyBench bench(std::move(options), std::move(script));
     if (const int stopped = stopStatus())
         return stopped;
     const std::filesystem::path folder = sweepFolder(bench);
-    checkPlace(folder);
-    StudyStore store = sweepStore(bench, folder, isResumed);
+    checkStudyPlace(folder, ResultKind::Sweep, isResumed);
+    StudyStore store = storeIn(folder, ResultKind::Sweep, bench.identity(), isResumed);
 
     // What failed is tried again: a machine that was short of memory may have more now.
     const std::set<std::uint64_t> finished = store.finished();

@@ -9,14 +9,12 @@
 #include "lab/core/output/FigureText.h"
 #include "lab/core/output/ReportPage.h"
 #include "lab/core/output/Texts.h"
-#include "lab/core/study/StudyError.h"
 #include "lab/core/study/StudyPage.h"
 #include "lab/core/study/SweepFiles.h"
 #include "practice/core/market/HashRandom.h"
 
 #include <algorithm>
 #include <iostream>
-#include <system_error>
 
 namespace lab {
 
@@ -125,29 +123,6 @@ fs::path sweepFolder(const StudyBench& bench)
     const Options& options = bench.options();
     return options.out.empty() ? fs::path(bench.name() + '-' + options.settings.symbol + "-sweep")
                                : options.out;
-}
-
-StudyStore sweepStore(const StudyBench& bench, const fs::path& folder, bool goesOn)
-{
-    const fs::path file = folder / sweepStoreName;
-    std::error_code error;
-    if (goesOn && fs::exists(file, error)) {
-        StudyStore store = StudyStore::open(file);
-        const std::string difference = store.differenceTo(bench.identity());
-        if (!difference.empty())
-            throw StudyError(file.string() + " belongs to another sweep: " + difference
-                + " differs; another folder can be named with --out");
-        return store;
-    }
-    if (fs::exists(folder / "sweep.csv", error)) {
-        removeRun(folder);
-        for (const char* name : {"sweep.json", "sweep.csv", sweepStoreName})
-            fs::remove(folder / name, error);
-    }
-    fs::create_directories(folder, error);
-    if (error)
-        throw UsageError("cannot write to " + folder.string() + ": " + error.message());
-    return StudyStore::create(file, bench.identity());
 }
 
 int endSweep(const StudyBench& bench, const StudyStore& store, const fs::path& folder)

@@ -1,4 +1,5 @@
 #include "lab/cli/Commands.h"
+#include "lab/cli/KeptRuns.h"
 #include "lab/cli/Progress.h"
 #include "lab/cli/ResultPlace.h"
 #include "lab/cli/RunScript.h"
@@ -40,30 +41,55 @@ std::vector<WalkWindow> windowsOf(const StudyBench& bench)
     return windows;
 }
 
+/// What the trainings of a walk hold for.
+StudyIdentity identityOf(const StudyBench& bench)
+{
+    const StudyOptions& study = bench.options().study;
+    StudyIdentity identity = bench.identity();
+    identity.emplace_back("the windows",
+        std::to_string(study.train) + ' ' + std::to_string(study.test)
+            + (study.isAnchored ? " anchored" : ""));
+    return identity;
+}
+
 /// The best set of each window. False when it was stopped.
-bool train(const StudyBench& bench, Walk& walk)
+bool train(const StudyBench& bench, KeptRuns& kept, Walk& walk)
 {
     const std::vector<std::uint64_t>& numbers = bench.numbers();
     std::vector<std::vector<SetResult>> results(walk.rows.size(), std::vector<SetResult>(numbers.size()));
+    const auto place = [&](std::size_t run, SetResult result) {
+        result.number = numbers[run % numbers.size()];
+        results[run / numbers.size()][run % numbers.size()] = std::move(result);
+    };
+    std::vector<std::size_t> open;
+    for (std::size_t run = 0; run < walk.rows.size() * numbers.size(); ++run) {
+        if (const auto former = kept.former().find(run); former != kept.former().end())
+            place(run, setResultFrom(former->second));
+        else
+            open.push_back(run);
+    }
     const std::string label = bench.name() + ", " + std::to_string(walk.rows.size()) + " windows";
     const bool isWhole = bench.runEach(
-        walk.rows.size() * numbers.size(),
-        [&](std::size_t run) {
-            const WalkWindow& window = walk.rows[run / numbers.size()].window;
-            RunSettings settings = bench.settingsOf(numbers[run % numbers.size()]);
+        open.size(),
+        [&](std::size_t job) {
+            const WalkWindow& window = walk.rows[open[job] / numbers.size()].window;
+            RunSettings settings = bench.settingsOf(numbers[open[job] % numbers.size()]);
             settings.from = window.trainFrom;
             settings.to = window.testFrom;
             return settings;
         },
         label,
-        [&](std::size_t run, SetResult result) {
-            result.number = numbers[run % numbers.size()];
+        [&](std::size_t job, SetResult result) {
             result.days.clear();
-            walk.failed += result.failure ? 1 : 0;
-            results[run / numbers.size()][run % numbers.size()] = std::move(result);
+            if (result.failure)
+                ++walk.failed;
+            else
+                kept.keep(open[job], bytesOf(result));
+            place(open[job], std::move(result));
         });
     if (!isWhole)
         return false;
+    kept.flush();
     if (walk.failed == walk.rows.size() * numbers.size())
         throw StudyError("every run has failed, the first one: " + *results.front().front().failure);
     for (std::size_t row = 0; row < walk.rows.size(); ++row)
@@ -113,8 +139,9 @@ StitchedRun test(const StudyBench& bench, Walk& walk)
 
 int walkForward(Options options)
 {
+    const bool isResumed = options.study.resume;
     if (!options.out.empty())
-        checkResultPlace(options.out, ResultKind::Walk);
+        checkStudyPlace(options.out, ResultKind::Walk, isResumed);
     ExpertScript script = readScript(options.script);
     const StudyBench bench(std::move(options), std::move(script));
     if (const int stopped = stopStatus())
@@ -122,7 +149,7 @@ int walkForward(Options options)
     std::filesystem::path folder = bench.options().out;
     if (folder.empty()) {
         folder = bench.name() + '-' + bench.options().settings.symbol + "-walk";
-        checkResultPlace(folder, ResultKind::Walk);
+        checkStudyPlace(folder, ResultKind::Walk, isResumed);
     }
     Walk walk{
         bench.grid(), bench.order(), bench.numbers().size(), 0, bench.options().study.isAnchored, {}, {}};
@@ -130,11 +157,13 @@ int walkForward(Options options)
     walk.test = bench.options().study.test;
     for (const WalkWindow& window : windowsOf(bench))
         walk.rows.push_back({window, {}, {}, {}, {}});
-    if (!train(bench, walk))
-        return stopStatus();
+    KeptRuns kept(folder, ResultKind::Walk, identityOf(bench), isResumed);
+    const auto stopped = [&] { return kept.stopped(walk.rows.size() * walk.setsPerWindow, "trainings"); };
+    if (!train(bench, kept, walk))
+        return stopped();
     const StitchedRun stitched = test(bench, walk);
-    if (const int stopped = stopStatus())
-        return stopped;
+    if (stopFlag())
+        return stopped();
     if (!stitched.result())
         throw StudyError("nothing could be chosen: " + whyNowhere(walk));
     const RunResult& whole = *stitched.result();

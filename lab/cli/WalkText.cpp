@@ -74,7 +74,8 @@ std::string whyNowhere(const Walk& walk)
         all.withTrades += row.choice.withTrades;
         all.mostTrades = std::max(all.mostTrades, row.choice.mostTrades);
     }
-    return whyNone(all, walk.order) + (all.withTrades == 0 ? "; --min-trades takes fewer" : "");
+    return whyNone(all, walk.order)
+        + (all.withTrades == 0 ? "; --resume with a lower --min-trades runs none of them again" : "");
 }
 
 std::string walkWhole(const Walk& walk)

@@ -12,7 +12,7 @@ namespace lab {
 
 namespace {
 
-constexpr int formatNumber = 1;
+constexpr int formatNumber = 2;
 constexpr std::size_t firstFigure = 6; // column of a row of results
 
 std::string figureColumns(std::string_view type)
@@ -31,6 +31,11 @@ std::uint64_t fromHex(const std::string& text)
 }
 
 } // namespace
+
+std::string differs(const std::string& name)
+{
+    return name + (name.ends_with('s') ? " differ" : " differs");
+}
 
 /// A statement that is used once.
 class StudyStore::Query final {
@@ -148,6 +153,7 @@ StudyStore StudyStore::create(const std::filesystem::path& file, const StudyIden
     StudyStore store(file, true);
     store.execute("CREATE TABLE notes (name TEXT PRIMARY KEY, value TEXT NOT NULL)");
     store.execute("CREATE TABLE identity (name TEXT PRIMARY KEY, value TEXT NOT NULL)");
+    store.execute("CREATE TABLE runs (number INTEGER PRIMARY KEY, bytes BLOB NOT NULL)");
     store.execute(("CREATE TABLE sets (number INTEGER PRIMARY KEY, status TEXT NOT NULL, reason TEXT, "
                    "day_sharpe REAL, tick_print TEXT, decision_print TEXT"
         + figureColumns(" REAL") + ", inputs TEXT NOT NULL, day_gains BLOB)")
@@ -191,12 +197,7 @@ void StudyStore::setNote(std::string_view name, std::string_view value)
 
 void StudyStore::put(const SetResult& result, const std::vector<std::pair<std::string, std::string>>& inputs)
 {
-    const auto now = std::chrono::steady_clock::now();
-    if (!m_isWriting) {
-        execute("BEGIN EXCLUSIVE");
-        m_isWriting = true;
-        m_since = now;
-    }
+    beginWriting();
     JsonObject names;
     for (const auto& [name, value] : inputs)
         names.text(name, value);
@@ -212,7 +213,28 @@ void StudyStore::put(const SetResult& result, const std::vector<std::pair<std::s
     for (std::size_t i = 0; i < figureRows().size(); ++i)
         query.figure(i < result.figures.size() ? result.figures[i] : Figure());
     query.text(names.value(0)).blob(bytesOf(result.days)).step();
-    if (now - m_since > std::chrono::seconds(1))
+    flushNowAndThen();
+}
+
+void StudyStore::putRun(std::uint64_t number, std::string_view bytes)
+{
+    beginWriting();
+    Query(*this, "INSERT OR REPLACE INTO runs VALUES (?, ?)").whole(number).blob(bytes).step();
+    flushNowAndThen();
+}
+
+void StudyStore::beginWriting()
+{
+    if (m_isWriting)
+        return;
+    execute("BEGIN EXCLUSIVE");
+    m_isWriting = true;
+    m_since = std::chrono::steady_clock::now();
+}
+
+void StudyStore::flushNowAndThen()
+{
+    if (std::chrono::steady_clock::now() - m_since > std::chrono::seconds(1))
         flush();
 }
 
@@ -222,6 +244,15 @@ void StudyStore::flush()
         return;
     execute("COMMIT");
     m_isWriting = false;
+}
+
+std::map<std::uint64_t, std::string> StudyStore::runs() const
+{
+    std::map<std::uint64_t, std::string> all;
+    Query query(*this, "SELECT number, bytes FROM runs");
+    while (query.step())
+        all.emplace(query.wholeAt(0), query.textAt(1));
+    return all;
 }
 
 std::set<std::uint64_t> StudyStore::finished() const

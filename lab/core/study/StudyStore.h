@@ -4,6 +4,7 @@
 
 #include <chrono>
 #include <filesystem>
+#include <map>
 #include <set>
 #include <string>
 #include <string_view>
@@ -18,6 +19,9 @@ namespace lab {
 /// What a study's results hold for: what it is called in a message ("the script"), and a text or a hash that
 /// is the same for the same.
 using StudyIdentity = std::vector<std::pair<std::string, std::string>>;
+
+/// "the script differs", "the prices differ": for a name of an identity.
+[[nodiscard]] std::string differs(const std::string& name);
 
 /// The results of a study in one SQLite file, for this process alone while it is open. What has been put is
 /// lasting after a second at the latest, and at flush(). Whatever fails throws StudyError, which names the
@@ -45,8 +49,11 @@ public:
 
     /// Takes the place of a former result of the same set.
     void put(const SetResult& result, const std::vector<std::pair<std::string, std::string>>& inputs);
+    /// The same for what is kept of a run that is no set, as bytes.
+    void putRun(std::uint64_t number, std::string_view bytes);
     void flush();
 
+    [[nodiscard]] std::map<std::uint64_t, std::string> runs() const;
     /// The sets that are done, without those that failed.
     [[nodiscard]] std::set<std::uint64_t> finished() const;
     /// All results by their numbers, ascending, without their days.
@@ -57,6 +64,8 @@ private:
     class Query;
 
     StudyStore(std::filesystem::path file, bool isNew);
+    void beginWriting();
+    void flushNowAndThen();
     void execute(const char* sql);
     [[noreturn]] void fail() const;
 

@@ -1,7 +1,10 @@
 #include "lab/cli/StudyFolder.h"
 
+#include "lab/core/study/Challenge.h"
+#include "lab/core/study/StudyStore.h"
 #include "practice/Check.h"
 
+#include <csignal>
 #include <nlohmann/json.hpp>
 
 using Result = LabProcess::Result;
@@ -91,7 +94,49 @@ TEST_CASE("a plan is run over simulated markets, with the same bytes whoever doe
     CHECK(contains(csv, ',' + trades + ",\n"));
 }
 
-TEST_CASE("starts that fail are marked")
+TEST_CASE("a challenge that is stopped keeps its starts, and goes on from there to the same bytes")
+{
+    const StudyFolder study;
+    writeBets(study);
+    CHECK_EQ(study.lab.run(simulated("1..40", "whole")).exitCode, 0);
+    std::vector<std::string> again = simulated("1..40", "parts");
+    again.insert(again.end(), {"--jobs", "1"});
+    const Result stopped = study.lab.runOnTerminal(again, SIGINT);
+    CHECK_EQ(stopped.exitCode, 130);
+    CHECK(contains(stopped.errors, " of 40 starts are done and kept, --resume goes on"));
+    CHECK(!contains(stopped.errors, " 0 of 40"));
+    CHECK(study.filesIn("parts") == std::set<std::string>{"challenge.sqlite"});
+
+    const Result refused = study.lab.run(again);
+    CHECK_EQ(refused.exitCode, 2);
+    CHECK(isOneLine(refused.errors));
+    CHECK(contains(refused.errors, "parts holds a challenge that was stopped: --resume goes on with it"));
+
+    again.emplace_back("--resume");
+    CHECK_EQ(study.lab.run(again).exitCode, 0);
+    CHECK(study.filesIn("whole") == study.filesIn("parts"));
+    for (const std::string file : {"/challenge.csv", "/challenge.json"}) {
+        CHECK(!study.contentOf("whole" + file).empty());
+        CHECK(study.contentOf("whole" + file) == study.contentOf("parts" + file));
+    }
+    {
+        lab::StudyStore store = lab::StudyStore::open(study.folder / "parts/challenge.sqlite");
+        REQUIRE(store.runs().size() == 40);
+        lab::ChallengeRow marked = lab::challengeRowFrom(store.runs().at(7));
+        marked.trades = 424242; // such as no run makes
+        store.putRun(7, lab::bytesOf(marked));
+    }
+    CHECK_EQ(study.lab.run(again).exitCode, 0);
+    CHECK(contains(study.contentOf("parts/challenge.csv"), ",424242,"));
+
+    again[4] = "--seeds";
+    again[5] = "1..39";
+    CHECK(contains(study.lab.run(again).errors, "belongs to another challenge: the starts differ;"));
+    again.insert(again.end(), {"--delay", "5"});
+    CHECK(contains(study.lab.run(again).errors, "belongs to another challenge: the settings differ;"));
+}
+
+TEST_CASE("starts that fail are marked, and leave nothing to go on with")
 {
     const StudyFolder study;
     study.write("Bad.js", "function OnTick() { missing(); }\n");
@@ -99,6 +144,7 @@ TEST_CASE("starts that fail are marked")
     CHECK_EQ(result.exitCode, 3);
     CHECK(contains(result.errors, "3 of 3 runs failed"));
     CHECK(contains(study.contentOf("c/challenge.csv"), "missing is not defined"));
+    CHECK((study.filesIn("c") == std::set<std::string>{"challenge.csv", "challenge.json"}));
 }
 
 TEST_CASE("what a challenge cannot do is said in a line")

@@ -3,7 +3,9 @@
 #include "lab/core/study/StudyStore.h"
 #include "practice/Check.h"
 
+#include <csignal>
 #include <nlohmann/json.hpp>
+#include <sqlite3.h>
 
 using Result = LabProcess::Result;
 
@@ -151,8 +153,99 @@ TEST_CASE("a machine with other prices does not work at a plan")
     const Result result = work(study, "1");
     CHECK_EQ(result.exitCode, 2);
     CHECK(isOneLine(result.errors));
-    CHECK(contains(result.errors, "the prices differs here from that of the plan"));
+    CHECK(contains(result.errors, "the prices differ here from the plan's"));
     CHECK((study.filesIn(".") == std::set<std::string>{"Clock.js", "EURUSD-1m.csv", "c.plan.json"}));
+}
+
+TEST_CASE("chunks are not joined beside other prices")
+{
+    const StudyFolder study;
+    CHECK_EQ(planned(study, "1").exitCode, 0);
+    CHECK_EQ(work(study, "1").exitCode, 0);
+    study.writeMinutes(4);
+    const Result result = merge(study, "m");
+    CHECK_EQ(result.exitCode, 2);
+    CHECK(isOneLine(result.errors));
+    CHECK(contains(result.errors, "the prices differ here from the plan's"));
+    CHECK(study.filesIn("m").empty());
+}
+
+TEST_CASE("a chunk that is stopped leaves nothing under its name, and says so")
+{
+    const StudyFolder study;
+    CHECK_EQ(planned(study, "1").exitCode, 0);
+    const Result stopped = study.lab.runOnTerminal({"work", "c.plan.json", "1"}, SIGINT);
+    CHECK_EQ(stopped.exitCode, 130);
+    CHECK(contains(stopped.errors, "tavoran-lab: stopped; chunk 1 is not whole, and nothing of it is kept"));
+    CHECK((study.filesIn(".") == std::set<std::string>{"Clock.js", "EURUSD-1m.csv", "c.plan.json"}));
+    CHECK(contains(merge(study, "m").errors, "missing chunks: 1"));
+}
+
+TEST_CASE("a chunk with fewer sets than its part of the plan is refused, and made whole by its work")
+{
+    const StudyFolder study;
+    CHECK_EQ(planned(study, "2").exitCode, 0);
+    CHECK_EQ(work(study, "1").exitCode, 0);
+    CHECK_EQ(work(study, "2").exitCode, 0);
+    sqlite3* chunk = nullptr;
+    CHECK_EQ(sqlite3_open((study.folder / "c.plan-2.sqlite").c_str(), &chunk), SQLITE_OK);
+    CHECK_EQ(sqlite3_exec(chunk, "DELETE FROM sets WHERE number > 5", nullptr, nullptr, nullptr), SQLITE_OK);
+    sqlite3_close(chunk);
+    const Result result = merge(study, "m");
+    CHECK_EQ(result.exitCode, 2);
+    CHECK(isOneLine(result.errors));
+    CHECK(contains(result.errors, "chunk 2 holds 2 of its 4 sets"));
+    CHECK(study.filesIn("m").empty());
+
+    CHECK_EQ(work(study, "2").output, "chunk 2: 4 sets, 2 of them run now\n");
+    CHECK_EQ(merge(study, "m").exitCode, 0);
+    checkSameAsSweep(study, "m");
+}
+
+TEST_CASE("sets of a chunk that failed are tried again, the others are kept")
+{
+    const StudyFolder study;
+    CHECK_EQ(planned(study, "2").exitCode, 0);
+    CHECK_EQ(work(study, "1").exitCode, 0);
+    CHECK_EQ(work(study, "2").exitCode, 0);
+    const std::filesystem::path place = study.folder / "c.plan-2.sqlite";
+    const lab::SetResult kept = [&] {
+        lab::StudyStore store = lab::StudyStore::open(place);
+        lab::SetResult weak;
+        weak.number = 6;
+        weak.failure = "out of memory";
+        store.put(weak, {});
+        lab::SetResult marked = store.results().front();
+        marked.tickPrint = 4242;
+        store.put(marked, {});
+        return marked;
+    }();
+    CHECK_EQ(work(study, "2").output, "chunk 2: 4 sets, 1 of them run now\n");
+    const lab::StudyStore store = lab::StudyStore::open(place);
+    CHECK_EQ(store.finished().size(), 4U);
+    CHECK_EQ(store.results().front().number, kept.number);
+    CHECK_EQ(store.results().front().tickPrint, kept.tickPrint);
+}
+
+TEST_CASE("a chunk is not gone on with by a machine that decides otherwise")
+{
+    const StudyFolder study;
+    CHECK_EQ(planned(study, "2").exitCode, 0);
+    CHECK_EQ(work(study, "2").exitCode, 0);
+    {
+        lab::StudyStore store = lab::StudyStore::open(study.folder / "c.plan-2.sqlite");
+        store.setNote("probe", "another decision");
+        lab::SetResult weak;
+        weak.number = 6;
+        weak.failure = "out of memory";
+        store.put(weak, {});
+    }
+    const std::string before = study.contentOf("c.plan-2.sqlite");
+    const Result result = work(study, "2");
+    CHECK_EQ(result.exitCode, 2);
+    CHECK(isOneLine(result.errors));
+    CHECK(contains(result.errors, "chunk 2 was begun by a machine that decided otherwise"));
+    CHECK(before == study.contentOf("c.plan-2.sqlite"));
 }
 
 TEST_CASE("a chunk that is done is not done again")
@@ -182,6 +275,7 @@ TEST_CASE("sets that fail are marked in the end, and no reason to repeat a chunk
     const Result second = work(study, "2");
     CHECK_EQ(second.exitCode, 0);
     CHECK_EQ(second.output, "chunk 2: 2 sets, 1 failed\n");
+    CHECK_EQ(work(study, "2").output, "chunk 2: 2 sets, 1 of them run now, 1 failed\n");
     const Result result = merge(study, "m");
     CHECK_EQ(result.exitCode, 3);
     CHECK(contains(result.errors, "failed: Fault=2"));

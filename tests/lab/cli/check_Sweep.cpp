@@ -1,5 +1,6 @@
 #include "lab/cli/StudyFolder.h"
 
+#include "lab/core/study/StudyStore.h"
 #include "practice/Check.h"
 
 #include <nlohmann/json.hpp>
@@ -169,6 +170,27 @@ TEST_CASE("stopped it keeps what was done, and goes on from there to the same by
     checkSame(study, "whole", "parts");
 }
 
+TEST_CASE("going on runs nothing that is finished, and tries again what failed")
+{
+    const StudyFolder study;
+    const std::vector<std::string> words = joined(eight, {"--out", "s"});
+    CHECK_EQ(study.run("sweep", "Clock.js", words).exitCode, 0);
+    std::vector<lab::SetResult> before;
+    {
+        lab::StudyStore store = lab::StudyStore::open(study.folder / "s/sweep.sqlite");
+        before = store.results();
+        REQUIRE(before.size() == 8);
+        before[2].tickPrint = 4242; // such as no run gives
+        store.put(before[2], {});
+        lab::SetResult weak;
+        weak.number = before[5].number;
+        weak.failure = "out of memory";
+        store.put(weak, {});
+    }
+    CHECK_EQ(study.run("sweep", "Clock.js", joined(words, {"--resume"})).exitCode, 0);
+    CHECK(before == lab::StudyStore::open(study.folder / "s/sweep.sqlite").results());
+}
+
 TEST_CASE("a sweep does not go on with another script, other prices, settings or sets")
 {
     const StudyFolder study;
@@ -182,10 +204,10 @@ TEST_CASE("a sweep does not go on with another script, other prices, settings or
         return result.errors;
     };
     const std::string before = study.contentOf("s/sweep.csv");
-    CHECK(contains(refusal({"--set", "Every=10,30"}), "the sets differs"));
-    CHECK(contains(refusal({"--delay", "5"}), "the settings differs"));
+    CHECK(contains(refusal({"--set", "Every=10,30"}), "the sets differ;"));
+    CHECK(contains(refusal({"--delay", "5"}), "the settings differ;"));
     study.writeMinutes(4);
-    CHECK(contains(refusal({}), "the prices differs"));
+    CHECK(contains(refusal({}), "the prices differ;"));
     study.writeMinutes(3);
     study.write("Clock.js", study.contentOf("Clock.js") + "// changed\n");
     CHECK(contains(refusal({}), "the script differs"));

@@ -1,9 +1,12 @@
 #include "lab/cli/StudyFolder.h"
 
+#include "lab/core/study/SetResult.h"
+#include "lab/core/study/StudyStore.h"
 #include "practice/Check.h"
 
 #include <nlohmann/json.hpp>
 
+#include <csignal>
 #include <sstream>
 
 using Result = LabProcess::Result;
@@ -100,11 +103,71 @@ TEST_CASE("a walk gives the same bytes with one worker and with three")
     const StudyFolder study(5);
     for (const std::string jobs : {"1", "3"})
         CHECK_EQ(study.run("walk", "Clock.js", joined(walk, {"--jobs", jobs, "--out", jobs})).exitCode, 0);
-    CHECK_EQ(study.filesIn("1").size(), 9U);
+    CHECK_EQ(study.filesIn("1").size(), 10U);
     for (const std::string& name : study.filesIn("1")) {
+        if (name == "walk.sqlite") // whose pages lie as the results came
+            continue;
         CHECK(!study.contentOf("1/" + name).empty());
         CHECK(study.contentOf("1/" + name) == study.contentOf("3/" + name));
     }
+}
+
+TEST_CASE("a walk that is stopped keeps its trainings, and goes on from there to the same bytes")
+{
+    const StudyFolder study(5);
+    CHECK_EQ(study.run("walk", "Clock.js", joined(walk, {"--out", "whole"})).exitCode, 0);
+    const std::vector<std::string> again = joined(walk, {"--jobs", "1", "--out", "parts"});
+    const Result stopped = study.lab.runOnTerminal(study.words("walk", "Clock.js", again), SIGINT);
+    CHECK_EQ(stopped.exitCode, 130);
+    CHECK(contains(stopped.errors, " of 12 trainings are done and kept, --resume goes on"));
+    CHECK(!contains(stopped.errors, " 0 of 12"));
+    CHECK(study.filesIn("parts") == std::set<std::string>{"walk.sqlite"});
+
+    const Result refused = study.run("walk", "Clock.js", again);
+    CHECK_EQ(refused.exitCode, 2);
+    CHECK(isOneLine(refused.errors));
+    CHECK(contains(refused.errors, "parts holds a walk that was stopped: --resume goes on with it"));
+
+    CHECK_EQ(study.run("walk", "Clock.js", joined(again, {"--resume"})).exitCode, 0);
+    CHECK(study.filesIn("whole") == study.filesIn("parts"));
+    for (const std::string& name : study.filesIn("whole")) {
+        if (name != "walk.sqlite")
+            CHECK(study.contentOf("whole/" + name) == study.contentOf("parts/" + name));
+    }
+}
+
+TEST_CASE("a walk that goes on runs none of its finished trainings again")
+{
+    const StudyFolder study(5);
+    CHECK_EQ(study.run("walk", "Clock.js", joined(walk, {"--out", "w"})).exitCode, 0);
+    {
+        lab::StudyStore store = lab::StudyStore::open(study.folder / "w/walk.sqlite");
+        REQUIRE(store.runs().size() == 12);
+        lab::SetResult marked = lab::setResultFrom(store.runs().at(1)); // the first window's second set
+        for (auto& figure : marked.figures)
+            figure = 4242;
+        store.putRun(1, lab::bytesOf(marked));
+    }
+    CHECK_EQ(study.run("walk", "Clock.js", joined(walk, {"--out", "w", "--resume"})).exitCode, 0);
+    CHECK_EQ(rowsOf(study.contentOf("w/walk.csv"))[1][8], "42.42");
+}
+
+TEST_CASE("a walk does not go on with other windows, prices or settings")
+{
+    const StudyFolder study(5);
+    const std::vector<std::string> words = joined(walk, {"--out", "w", "--resume"});
+    CHECK_EQ(study.run("walk", "Clock.js", words).exitCode, 0);
+    const auto refusal = [&](const std::vector<std::string>& more) {
+        const Result result = study.run("walk", "Clock.js", joined(words, more));
+        CHECK_EQ(result.exitCode, 2);
+        CHECK(isOneLine(result.errors));
+        return result.errors;
+    };
+    CHECK(contains(refusal({"--anchored"}), "walk.sqlite belongs to another walk: the windows differ;"));
+    CHECK(contains(refusal({"--train", "1d"}), "the windows differ;"));
+    CHECK(contains(refusal({"--delay", "5"}), "the settings differ;"));
+    study.writeMinutes(6);
+    CHECK(contains(refusal({}), "the prices differ;"));
 }
 
 TEST_CASE("anchored windows train from the first day on")
@@ -187,8 +250,13 @@ TEST_CASE("what a walk cannot do is said in a line")
     CHECK(contains(refusal({"--set", "Every=10,20"}), "--train 90d --test 30d"));
     CHECK(contains(refusal({"--train", "90", "--test", "1d"}), "90d or 12w"));
     CHECK(contains(refusal({"--train", "90d", "--test", "30d"}), "leave nothing to try on"));
-    CHECK(contains(refusal({"--train", "1d", "--test", "1d", "--min-trades", "9999"}),
-        "no set made 9,999 trades, the most were "));
+    const Result strict = study.run(
+        "walk", "Clock.js", {"--train", "1d", "--test", "1d", "--min-trades", "9999", "--out", "strict"});
+    CHECK_EQ(strict.exitCode, 2);
+    CHECK(isOneLine(strict.errors));
+    CHECK(contains(strict.errors, "no set made 9,999 trades, the most were "));
+    CHECK(contains(strict.errors, "; --resume with a lower --min-trades runs none of them again"));
+    CHECK(study.filesIn("strict") == std::set<std::string>{"walk.sqlite"});
     study.write("Clock.js", "var Every = 20;\nfunction OnTick() { Sell(); }\n");
     CHECK(contains(refusal({"--train", "1d", "--test", "1d"}), "OnTick: Sell is not defined (line 2)"));
 }

@@ -1,0 +1,79 @@
+#include "lab/cli/KeptRuns.h"
+
+#include "lab/cli/StopSignal.h"
+#include "lab/cli/UsageError.h"
+#include "lab/core/study/StudyError.h"
+
+#include <iostream>
+#include <system_error>
+#include <utility>
+
+namespace lab {
+
+namespace fs = std::filesystem;
+
+void checkStudyPlace(const fs::path& folder, ResultKind kind, bool goesOn)
+{
+    std::error_code error;
+    if (!goesOn || !fs::exists(folder / storeName(kind), error))
+        checkResultPlace(folder, kind);
+}
+
+StudyStore storeIn(const fs::path& folder, ResultKind kind, const StudyIdentity& identity, bool goesOn)
+{
+    const std::string name(studyName(kind));
+    const fs::path file = folder / storeName(kind);
+    std::error_code error;
+    if (goesOn && fs::exists(file, error)) {
+        StudyStore store = StudyStore::open(file);
+        const std::string difference = store.differenceTo(identity);
+        if (!difference.empty())
+            throw StudyError(file.string() + " belongs to another " + name + ": " + differs(difference)
+                + "; another folder can be named with --out");
+        return store;
+    }
+    if (fs::exists(folder / (name + ".csv"), error)) {
+        removeRun(folder);
+        for (const std::string& each : {name + ".json", name + ".csv", storeName(kind)})
+            fs::remove(folder / each, error);
+    }
+    fs::create_directories(folder, error);
+    if (error)
+        throw UsageError("cannot write to " + folder.string() + ": " + error.message());
+    return StudyStore::create(file, identity);
+}
+
+KeptRuns::KeptRuns(fs::path folder, ResultKind kind, const StudyIdentity& identity, bool goesOn)
+    : m_folder(std::move(folder))
+    , m_file(m_folder / storeName(kind))
+    , m_store(storeIn(m_folder, kind, identity, goesOn))
+    , m_former(m_store->runs())
+    , m_kept(m_former.size())
+{
+}
+
+KeptRuns::~KeptRuns()
+{
+    m_store.reset();
+    if (m_kept > 0)
+        return;
+    std::error_code ignored;
+    fs::remove(m_file, ignored);
+    fs::remove(m_folder, ignored); // unless something else is in it
+}
+
+void KeptRuns::keep(std::uint64_t number, const std::string& bytes)
+{
+    m_store->putRun(number, bytes);
+    ++m_kept;
+}
+
+int KeptRuns::stopped(std::size_t runs, const std::string& name)
+{
+    m_store->flush();
+    std::cerr << "tavoran-lab: stopped; " << m_kept << " of " << runs << ' ' << name << " are done and kept"
+              << (m_kept > 0 ? ", --resume goes on" : "") << '\n';
+    return stopStatus();
+}
+
+} // namespace lab
