@@ -396,6 +396,17 @@ private Q_SLOTS:
         QVERIFY(textOf(result).endsWith(u"end %1"_s.arg(result.outcomeTime)));
     }
 
+    void aScriptIsNotCalledForThePriceThatEndsItsPlan()
+    {
+        m_settings.rules = lab::AccountRules::Plan;
+        const RunResult result = run(u"function OnInit() { Trade.buy(60) } var last = 0;"
+                                     " function OnTick() { last = Date.now() }"
+                                     " function OnDeinit() { Print(last) }"_s);
+        QVERIFY(result.outcome != lab::PlanOutcome::None);
+        QVERIFY(textOf(result).section(u';', -1).toLongLong() > 0);
+        QVERIFY(textOf(result).section(u';', -1).toLongLong() < result.outcomeTime);
+    }
+
     void progressGrowsUpToOne()
     {
         std::vector<double> told;
