@@ -8,11 +8,6 @@ namespace lab {
 using practice::Cents;
 using practice::TimeMs;
 
-bool DrawdownMeter::isDeeper(Cents value) const
-{
-    return static_cast<double>(m_peak - value) > m_deepest.fraction * static_cast<double>(m_peak);
-}
-
 void DrawdownMeter::deepen(Cents value)
 {
     const Cents fall = m_peak - value;

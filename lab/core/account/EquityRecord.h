@@ -15,13 +15,12 @@ public:
     {
         if (value >= m_peak)
             m_peak = value;
-        else if (m_peak - value > m_deepest.money || isDeeper(value))
+        else if (m_peak - value > m_deepest.money)
             deepen(value);
     }
     [[nodiscard]] const Drawdown& deepest() const { return m_deepest; }
 
 private:
-    [[nodiscard]] bool isDeeper(practice::Cents value) const;
     void deepen(practice::Cents value);
 
     practice::Cents m_peak = 0;
