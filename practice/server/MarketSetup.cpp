@@ -28,7 +28,7 @@ constexpr const char* replayKey = "replay";
 constexpr const char* generatorKey = "generator";
 
 // Raise it with every change of the prices that a seed and a moment give, or that a record gives.
-constexpr int generator = 2;
+constexpr int generator = 3;
 
 // Keys for each folder that was ever played: when that began, and the digest of its record.
 constexpr const char* replayStartKey = "replayStart:";

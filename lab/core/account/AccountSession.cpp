@@ -1,5 +1,6 @@
 #include "lab/core/account/AccountSession.h"
 
+#include "lab/core/market/PriceWalk.h"
 #include "practice/core/broker/PriceGrid.h"
 #include "practice/core/broker/RiskRules.h"
 #include "practice/core/broker/Valuation.h"
@@ -362,10 +363,11 @@ bool AccountSession::isAmbiguous(const Position& position, ExitReason reason) co
         return false;
     if (!m_withinMinute || position.stopLoss == 0 || position.takeProfit == 0)
         return false;
-    const practice::GridBar bar = m_history.at(m_moment.minute).bar;
-    const std::int64_t toSide = position.trade.side == Side::Buy ? -m_moment.halfSpread : m_moment.halfSpread;
+    const MinuteView minute = m_history.at(m_moment.minute);
+    const practice::HalfSpreads spreads = halfSpreadsIn(minute, m_history, m_settings);
+    const std::int64_t toSide = position.trade.side == Side::Buy ? -1 : 1;
     const auto [below, above] = std::minmax(position.stopLoss, position.takeProfit);
-    return bar.low + toSide <= below && above <= bar.high + toSide;
+    return minute.bar.low + toSide * spreads.low <= below && above <= minute.bar.high + toSide * spreads.high;
 }
 
 Cents AccountSession::halfSpreadCost(practice::LotHundredths lots) const

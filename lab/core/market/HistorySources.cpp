@@ -77,6 +77,11 @@ MinuteHistory simulatedHistory(
     const auto points = [unit](double price) { return std::llround(price * unit); };
     practice::MinuteTable minutes;
     std::vector<std::int32_t> numbers;
+    const auto halfSpreadBefore = [&](TimeMs time) {
+        const practice::Quote quote = market.quote(place, time - 1);
+        return (points(quote.ask) - points(quote.bid)) / 2;
+    };
+    std::int64_t opening = halfSpreadBefore(first * practice::minuteMs);
     constexpr TimeMs atOnce = practice::dayMs / practice::minuteMs;
     for (TimeMs start = first; start < end; start += atOnce) {
         const TimeMs stop = std::min(end, start + atOnce);
@@ -86,10 +91,12 @@ MinuteHistory simulatedHistory(
             || bars.front().time != start * practice::minuteMs)
             throw HistoryError(std::string(symbol) + ": no simulated prices in a part of this period");
         for (const practice::Bar& bar : bars) {
-            const practice::Quote quote = market.quote(place, bar.time + practice::minuteMs - 1);
+            const std::int64_t closing = halfSpreadBefore(bar.time + practice::minuteMs);
+            const std::int64_t between = std::max(opening, closing);
             minutes.append(
                 {{points(bar.open), points(bar.high), points(bar.low), points(bar.close), bar.volume},
-                    (points(quote.ask) - points(quote.bid)) / 2});
+                    {opening, between, between, closing}});
+            opening = closing;
             numbers.push_back(static_cast<std::int32_t>(bar.time / practice::minuteMs));
         }
     }

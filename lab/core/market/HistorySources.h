@@ -17,8 +17,9 @@ namespace lab {
 [[nodiscard]] MinuteHistory readHistory(const std::filesystem::path& path);
 
 /// The minutes, as a practice platform of this seed and speed shows them, that lie whole between `from` and
-/// `to`; spreads are those at each minute's end. Throws HistoryError for symbols that the platform does not
-/// list (their names are named), times beyond its market's, and no whole minute between.
+/// `to`; spreads are those at each minute's ends, within it the wider one. Throws HistoryError for symbols
+/// that the platform does not list (their names are named), times beyond its market's, and no whole minute
+/// between.
 [[nodiscard]] MinuteHistory simulatedHistory(
     std::string_view symbol, std::uint64_t seed, double speed, practice::TimeMs from, practice::TimeMs to);
 

@@ -12,9 +12,9 @@ namespace lab {
 
 /// A minute of a history.
 struct MinuteView {
-    practice::TimeMs time = 0;   ///< its first millisecond
-    practice::GridBar bar;       ///< mids, in points
-    std::int64_t halfSpread = 0; ///< in points, at the close; 0 when it was not recorded
+    practice::TimeMs time = 0; ///< its first millisecond
+    practice::GridBar bar;     ///< mids, in points
+    practice::HalfSpreads halfSpread;
 };
 
 /// Minutes of one symbol with their times, ascending, with holes where nothing was recorded. They are

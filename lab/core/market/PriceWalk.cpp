@@ -22,14 +22,20 @@ bool comesHighFirst(const practice::GridBar& bar, ExtremeOrder order)
 
 } // namespace
 
-std::int64_t halfSpreadIn(const MinuteView& minute, const MinuteHistory& history, const RunSettings& settings)
+practice::HalfSpreads halfSpreadsIn(
+    const MinuteView& minute, const MinuteHistory& history, const RunSettings& settings)
 {
-    std::int64_t half = minute.halfSpread;
+    const practice::GridBar& bar = minute.bar;
+    const auto atMid = [](std::int64_t half, std::int64_t mid) {
+        return std::max<std::int64_t>(1, std::min(half, mid - 1));
+    };
     if (settings.spreadPoints)
-        half = *settings.spreadPoints / 2;
-    else if (half <= 0)
-        half = history.spec.spreadPoints / 2;
-    return std::max<std::int64_t>(1, std::min(half, minute.bar.low - 1));
+        return atMid(*settings.spreadPoints / 2, bar.low);
+    const practice::HalfSpreads& recorded = minute.halfSpread;
+    if (!recorded.areRecorded())
+        return atMid(history.spec.spreadPoints / 2, bar.low);
+    return {atMid(recorded.open, bar.open), atMid(recorded.high, bar.high), atMid(recorded.low, bar.low),
+        atMid(recorded.close, bar.close)};
 }
 
 PriceWalk::PriceWalk(
@@ -48,59 +54,75 @@ bool PriceWalk::enterMinute()
     if (m_minute >= m_endMinute)
         return false;
     const MinuteView minute = m_history.at(m_minute);
-    m_first = {minute.time, minute.bar.open, halfSpreadIn(minute, m_history, m_settings),
-        static_cast<std::uint32_t>(m_minute), m_history.opensWithGap(m_minute), true};
+    const practice::HalfSpreads spreads = halfSpreadsIn(minute, m_history, m_settings);
+    m_first = {minute.time, minute.bar.open, spreads.open, static_cast<std::uint32_t>(m_minute),
+        m_history.opensWithGap(m_minute), true};
     m_moments.clear();
     m_next = 0;
     if (m_settings.model == Model::Open || m_settings.model == Model::Ohlc)
-        addExtremes(minute.bar);
+        addExtremes(minute.bar, spreads);
     else
-        addPath(minute.bar);
+        addPath(minute.bar, spreads);
     m_moments.front().afterGap = m_first.afterGap;
     ++m_minute;
     return true;
 }
 
-void PriceWalk::addExtremes(const practice::GridBar& bar)
+void PriceWalk::addExtremes(const practice::GridBar& bar, const practice::HalfSpreads& spreads)
 {
     const bool everyTime = m_settings.model == Model::Ohlc;
     const bool highFirst = comesHighFirst(bar, m_settings.extremes);
-    add(0, bar.open, everyTime || beginsBar(m_history, m_settings.timeframe, m_minute));
-    add(20'000, highFirst ? bar.high : bar.low, everyTime);
-    add(40'000, highFirst ? bar.low : bar.high, everyTime);
-    add(practice::minuteMs - 1, bar.close, everyTime);
+    add(0, bar.open, spreads.open, everyTime || beginsBar(m_history, m_settings.timeframe, m_minute));
+    const auto addHigh = [&](practice::TimeMs offset) { add(offset, bar.high, spreads.high, everyTime); };
+    const auto addLow = [&](practice::TimeMs offset) { add(offset, bar.low, spreads.low, everyTime); };
+    if (highFirst) {
+        addHigh(20'000);
+        addLow(40'000);
+    } else {
+        addLow(20'000);
+        addHigh(40'000);
+    }
+    add(practice::minuteMs - 1, bar.close, spreads.close, everyTime);
 }
 
-void PriceWalk::addPath(const practice::GridBar& bar)
+void PriceWalk::addPath(const practice::GridBar& bar, const practice::HalfSpreads& spreads)
 {
     const practice::TickPath path(
         {bar, 0}, stepsAMinute, practice::hashKey({m_pathKey, static_cast<std::uint64_t>(m_first.time)}));
+    const auto halfAt = [&](std::size_t step) { return practice::halfSpreadAt(bar, spreads, path, step); };
+    const auto isChange = [&](std::size_t step) {
+        return path.mid(step) != path.mid(step - 1) || halfAt(step) != halfAt(step - 1);
+    };
+    const auto addStep = [&](std::size_t step, bool forScript) {
+        add(static_cast<practice::TimeMs>(step) * stepMs, path.mid(step), halfAt(step), forScript);
+    };
     if (m_settings.model == Model::Path) {
-        for (std::size_t step = 0; step < stepsAMinute; ++step) {
-            if (step == 0 || path.mid(step) != path.mid(step - 1))
-                add(static_cast<practice::TimeMs>(step) * stepMs, path.mid(step), true);
+        addStep(0, true);
+        for (std::size_t step = 1; step < stepsAMinute; ++step) {
+            if (isChange(step))
+                addStep(step, true);
         }
         return;
     }
     std::size_t next = 0; // the first step that has had no moment
     const auto showChangesUntil = [&](std::size_t end) {
         for (; next < end; ++next) {
-            if (path.mid(next) != path.mid(next - 1))
-                add(static_cast<practice::TimeMs>(next) * stepMs, path.mid(next), false);
+            if (isChange(next))
+                addStep(next, false);
         }
     };
     for (practice::TimeMs offset = 0; offset < practice::minuteMs; offset += feedMs) {
         const auto now = static_cast<std::size_t>(offset / stepMs);
         showChangesUntil(now);
-        add(offset, path.mid(now), true);
+        add(offset, path.mid(now), halfAt(now), true);
         next = now + 1;
     }
     showChangesUntil(stepsAMinute);
 }
 
-void PriceWalk::add(practice::TimeMs offset, std::int64_t mid, bool forScript)
+void PriceWalk::add(practice::TimeMs offset, std::int64_t mid, std::int64_t halfSpread, bool forScript)
 {
-    m_moments.push_back({m_first.time + offset, mid, m_first.halfSpread, m_first.minute, false, forScript});
+    m_moments.push_back({m_first.time + offset, mid, halfSpread, m_first.minute, false, forScript});
 }
 
 } // namespace lab

@@ -9,9 +9,9 @@
 
 namespace lab {
 
-/// Distance of bid and ask from the mid throughout a minute: half of what the settings say, else as recorded,
-/// else as usual for the symbol; at least 1 and below the mid.
-[[nodiscard]] std::int64_t halfSpreadIn(
+/// Distances of bid and ask from the mid in a minute: half of what the settings say, else as recorded, else
+/// as usual for the symbol; at least 1 and below the mid.
+[[nodiscard]] practice::HalfSpreads halfSpreadsIn(
     const MinuteView& minute, const MinuteHistory& history, const RunSettings& settings);
 
 /// The prices of some minutes of a history, one moment after the other. Each minute's moments follow from
@@ -21,6 +21,7 @@ namespace lab {
 /// same, and the script is called at the first moment of each bar of the chart only. Path: the open and each
 /// change of price on practice::TickPath's way with a step each 200 ms. Feed: the price of that way every
 /// 250 ms for the script, and for the broker alone what changes and changes again between two of those.
+/// Each of the four prices has its own spread; along a path it is practice::halfSpreadAt.
 class PriceWalk final {
 public:
     /// The minutes firstMinute..endMinute without the last; `history` outlives this.
@@ -38,9 +39,9 @@ public:
 
 private:
     [[nodiscard]] bool enterMinute();
-    void addExtremes(const practice::GridBar& bar);
-    void addPath(const practice::GridBar& bar);
-    void add(practice::TimeMs offset, std::int64_t mid, bool forScript);
+    void addExtremes(const practice::GridBar& bar, const practice::HalfSpreads& spreads);
+    void addPath(const practice::GridBar& bar, const practice::HalfSpreads& spreads);
+    void add(practice::TimeMs offset, std::int64_t mid, std::int64_t halfSpread, bool forScript);
 
     const MinuteHistory& m_history;
     RunSettings m_settings;

@@ -228,7 +228,7 @@ private:
         // In half points, in which every mid is whole.
         m_file.minutes.append(
             {{bid.open + ask.open, bid.high + ask.high, bid.low + ask.low, bid.close + ask.close, *volume},
-                ask.close - bid.close});
+                {ask.open - bid.open, ask.high - bid.high, ask.low - bid.low, ask.close - bid.close}});
         m_file.times.push_back(time);
     }
 
@@ -256,7 +256,9 @@ private:
         const std::int64_t factor = tenToThe(digits - m_file.digits);
         m_file.minutes.changeEach([factor](std::size_t, MinuteRecord& record) {
             scale(record.bar, factor);
-            record.halfSpread *= factor;
+            HalfSpreads& spreads = record.halfSpread;
+            for (std::int64_t* spread : {&spreads.open, &spreads.high, &spreads.low, &spreads.close})
+                *spread *= factor;
         });
         m_file.digits = digits;
     }
@@ -299,16 +301,45 @@ private:
         return bar;
     }
 
+    // The mid is rounded down and the half spread up, so that the ask is as recorded and the bid at most one
+    // point lower: no trade is ever cheaper than it was.
+    void toPoints(std::int64_t& mid, std::int64_t& halfSpread) const
+    {
+        if (m_hasAsk)
+            halfSpread = std::max<std::int64_t>(1, (halfSpread + 1) / 2);
+        mid = std::max(mid / 2, std::max<std::int64_t>(1, halfSpread) + 1);
+    }
+
+    // An open or close at the same mid as an extreme is that extreme, but for half a point that has been
+    // rounded away; the wider spread holds for both.
+    static void joinEqualCorners(MinuteRecord& record)
+    {
+        const GridBar& bar = record.bar;
+        HalfSpreads& spreads = record.halfSpread;
+        if (bar.high == bar.low)
+            spreads = spreads.widest();
+        if (bar.open == bar.high)
+            spreads.open = spreads.high = std::max(spreads.open, spreads.high);
+        if (bar.open == bar.low)
+            spreads.open = spreads.low = std::max(spreads.open, spreads.low);
+        if (bar.close == bar.high)
+            spreads.close = spreads.high = std::max(spreads.close, spreads.high);
+        if (bar.close == bar.low)
+            spreads.close = spreads.low = std::max(spreads.close, spreads.low);
+    }
+
     // From half points to points, and volumes where there are none.
     void settle()
     {
         double ranges = 0;
         m_file.minutes.changeEach([&](std::size_t, MinuteRecord& record) {
             GridBar& bar = record.bar;
-            for (std::int64_t* price : {&bar.open, &bar.high, &bar.low, &bar.close})
-                *price = std::max<std::int64_t>(2, *price / 2);
-            if (m_hasAsk)
-                record.halfSpread = std::max<std::int64_t>(1, record.halfSpread / 2);
+            HalfSpreads& spreads = record.halfSpread;
+            toPoints(bar.open, spreads.open);
+            toPoints(bar.high, spreads.high);
+            toPoints(bar.low, spreads.low);
+            toPoints(bar.close, spreads.close);
+            joinEqualCorners(record);
             ranges += static_cast<double>(bar.high - bar.low);
         });
         const double usualRange = std::max(1.0, ranges / static_cast<double>(m_file.minutes.size()));

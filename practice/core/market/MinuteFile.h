@@ -34,8 +34,9 @@ public:
 /// Reads comma-separated minutes: a header "time,open,high,low,close,volume", optionally followed by
 /// ",ask_open,ask_high,ask_low,ask_close", then rows like "2014-05-01T00:00:00Z,1.38676,...". Times are
 /// UTC, whole minutes, strictly ascending. Prices are plain decimals above 0 and below 10^7 with at most 8
-/// decimals. With ask columns the first prices are bids and the mids are taken between both; without, they
-/// are taken for mids. A volume of 0 is replaced by a believable one. Throws MarketDataError.
+/// decimals. With ask columns the first prices are bids, and each price has its own spread, rounded up to an
+/// even number of points: its ask is as recorded then and its bid a point lower. Without, the prices are
+/// taken for mids. A volume of 0 is replaced by a believable one. Throws MarketDataError.
 [[nodiscard]] MinuteFile readMinuteFile(const std::filesystem::path& path);
 
 /// The same from a stream; `name` stands for the file in messages.

@@ -11,22 +11,26 @@ namespace {
 
 bool fits(const MinuteRecord& record)
 {
-    constexpr std::int64_t most = std::numeric_limits<std::uint32_t>::max();
-    return std::max({record.bar.open, record.bar.high, record.bar.low, record.bar.close, record.halfSpread})
-        <= most;
+    constexpr std::int64_t highest = std::numeric_limits<std::uint32_t>::max();
+    constexpr std::int64_t widest = std::numeric_limits<std::uint16_t>::max();
+    return std::max({record.bar.open, record.bar.high, record.bar.low, record.bar.close}) <= highest
+        && record.halfSpread.widest() <= widest;
 }
 
 template <typename Prices> MinuteRecord unpacked(const Prices& prices)
 {
-    return {{prices.open, prices.high, prices.low, prices.close, 0}, prices.halfSpread};
+    return {{prices.open, prices.high, prices.low, prices.close, 0},
+        {prices.atOpen, prices.atHigh, prices.atLow, prices.atClose}};
 }
 
 template <typename Prices> Prices packed(const MinuteRecord& record)
 {
-    using Point = decltype(Prices::open);
+    using Point = typename Prices::Point;
+    using Spread = typename Prices::Spread;
     return {static_cast<Point>(record.bar.open), static_cast<Point>(record.bar.high),
         static_cast<Point>(record.bar.low), static_cast<Point>(record.bar.close),
-        static_cast<Point>(record.halfSpread)};
+        static_cast<Spread>(record.halfSpread.open), static_cast<Spread>(record.halfSpread.high),
+        static_cast<Spread>(record.halfSpread.low), static_cast<Spread>(record.halfSpread.close)};
 }
 
 template <typename Prices>
@@ -96,7 +100,8 @@ std::uint64_t MinuteTable::digest() const
     for (std::size_t number = 0; number < size(); ++number) {
         const MinuteRecord record = pricesAt(number);
         digest = hashKey({digest, bits(record.bar.open), bits(record.bar.high), bits(record.bar.low),
-            bits(record.bar.close), bits(record.halfSpread), bits(m_volumes[number])});
+            bits(record.bar.close), bits(record.halfSpread.open), bits(record.halfSpread.high),
+            bits(record.halfSpread.low), bits(record.halfSpread.close), bits(m_volumes[number])});
     }
     return digest;
 }

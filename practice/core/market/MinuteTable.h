@@ -1,6 +1,7 @@
 #pragma once
 
 #include "practice/core/market/GridBar.h"
+#include "practice/core/market/HalfSpreads.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -11,7 +12,7 @@ namespace practice {
 /// One recorded minute of mid prices in points.
 struct MinuteRecord {
     GridBar bar;
-    std::int64_t halfSpread = 0; ///< at the close; 0 when it was not recorded
+    HalfSpreads halfSpread;
 };
 
 /// The highest and the lowest price of some minutes, in points.
@@ -20,11 +21,11 @@ struct PointRange {
     std::int64_t low = 0;
 };
 
-/// Recorded minutes by their number. A record may have millions, so each takes 28 bytes, or 48 where a price
-/// of the table does not fit into 32 bits.
+/// Recorded minutes by their number. A record may have millions, so each takes 32 bytes, or 72 where a price
+/// of the table does not fit into 32 bits, or a half spread into 16.
 class MinuteTable final {
 public:
-    /// Prices and half spread are at least 0.
+    /// Prices and half spreads are at least 0.
     void append(const MinuteRecord& record);
 
     [[nodiscard]] std::size_t size() const { return m_volumes.size(); }
@@ -69,16 +70,21 @@ public:
     [[nodiscard]] std::size_t bytes() const;
 
 private:
-    template <typename Point> struct Prices {
+    template <typename PointType, typename SpreadType> struct Prices {
+        using Point = PointType;
+        using Spread = SpreadType;
         Point open;
         Point high;
         Point low;
         Point close;
-        Point halfSpread;
+        Spread atOpen;
+        Spread atHigh;
+        Spread atLow;
+        Spread atClose;
     };
-    using Narrow = Prices<std::uint32_t>;
-    using Wide = Prices<std::int64_t>;
-    static_assert(sizeof(Narrow) == 20 && sizeof(Wide) == 40);
+    using Narrow = Prices<std::uint32_t, std::uint16_t>;
+    using Wide = Prices<std::int64_t, std::int64_t>;
+    static_assert(sizeof(Narrow) == 24 && sizeof(Wide) == 64);
 
     [[nodiscard]] MinuteRecord pricesAt(std::size_t number) const;
     void keepPrices(std::size_t number, const MinuteRecord& record);

@@ -52,6 +52,7 @@ MinuteRecord ReplayLoop::minute(std::int64_t number) const
         return m_minutes.at(static_cast<std::size_t>(place));
     MinuteRecord record = m_minutes.at(static_cast<std::size_t>(2 * m_count - 1 - place));
     std::swap(record.bar.open, record.bar.close);
+    std::swap(record.halfSpread.open, record.halfSpread.close);
     return record;
 }
 

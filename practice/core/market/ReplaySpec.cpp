@@ -35,7 +35,7 @@ int usualSpread(const MinuteFile& file, double usualMovePoints)
 {
     std::vector<std::int64_t> halves;
     for (std::size_t i = 0; i < file.minutes.size(); ++i) {
-        if (const std::int64_t half = file.minutes.at(i).halfSpread; half > 0)
+        if (const std::int64_t half = file.minutes.at(i).halfSpread.close; half > 0)
             halves.push_back(half);
     }
     if (halves.empty())

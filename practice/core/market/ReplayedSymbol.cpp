@@ -28,7 +28,7 @@ double phaseFor(std::uint64_t key, std::size_t steps, double speed)
 std::int64_t widest(const MinuteTable& minutes, std::int64_t simulated)
 {
     for (std::size_t minute = 0; minute < minutes.size(); ++minute)
-        simulated = std::max(simulated, minutes.at(minute).halfSpread);
+        simulated = std::max(simulated, minutes.at(minute).halfSpread.widest());
     return simulated;
 }
 
@@ -90,9 +90,10 @@ std::int64_t ReplayedSymbol::mid(TimeMs now)
 std::int64_t ReplayedSymbol::halfSpread(TimeMs now)
 {
     if (now >= m_playFrom) {
-        const std::int64_t recorded = m_loop.minute(floorDivide(positionAt(now), minuteMs)).halfSpread;
-        if (recorded > 0)
-            return recorded;
+        const Place place = placeOf(positionAt(now));
+        const MinuteRecord minute = m_loop.minute(place.minute);
+        if (minute.halfSpread.areRecorded())
+            return halfSpreadAt(minute.bar, minute.halfSpread, pathOf(place.minute), place.step);
     }
     return m_past.halfSpread(now);
 }
@@ -112,7 +113,8 @@ TimeMs ReplayedSymbol::nextChange(TimeMs now)
     while (placeOf(positionAt(next)) == here)
         ++next;
     // Where the record has no spread, the simulated one has ticks of its own.
-    return m_loop.minute(here.minute).halfSpread > 0 ? next : std::min(next, m_past.nextChange(now));
+    return m_loop.minute(here.minute).halfSpread.areRecorded() ? next
+                                                               : std::min(next, m_past.nextChange(now));
 }
 
 void ReplayedSymbol::appendTicks(TimeMs from, TimeMs to, std::vector<Tick>& ticks)

@@ -21,7 +21,7 @@ inline constexpr TimeMs minuteMs = practice::minuteMs;
 struct HandMade {
     std::int64_t minute = 0; ///< since `start`
     GridBar bar;
-    std::int64_t halfSpread = 0;
+    practice::HalfSpreads halfSpread = {};
 };
 
 inline MinuteHistory historyOf(const std::vector<HandMade>& minutes, const std::string& symbol = "EURUSD")
@@ -36,7 +36,7 @@ inline MinuteHistory historyOf(const std::vector<HandMade>& minutes, const std::
     return history;
 }
 
-/// A random walk with quiet minutes, jumps, holes and spreads that are sometimes missing.
+/// A random walk with quiet minutes, jumps, holes and spreads that change and are sometimes missing.
 inline MinuteHistory someHistory(std::size_t count, std::uint64_t key)
 {
     practice::HashRandom random(key);
@@ -51,7 +51,9 @@ inline MinuteHistory someHistory(std::size_t count, std::uint64_t key)
         bar.high = std::max(bar.open, bar.close) + draw(8);
         bar.low = std::min(bar.open, bar.close) - draw(8);
         price = bar.close;
-        minutes.push_back({time, bar, draw(4)});
+        const bool isRecorded = random.uniform() < 0.8;
+        const practice::HalfSpreads halves(1 + draw(4), 1 + draw(9), 1 + draw(9), 1 + draw(4));
+        minutes.push_back({time, bar, isRecorded ? halves : practice::HalfSpreads()});
     }
     return historyOf(minutes);
 }

@@ -79,10 +79,10 @@ TEST_CASE("a recorded history keeps its minutes, their times and the holes betwe
     CHECK_EQ(history.timeAt(1), start + minuteMs);
     CHECK_EQ(history.timeAt(2), start + 3 * practice::dayMs + 21 * practice::hourMs);
     CHECK(history.at(0).bar == (GridBar{138'681, 138'691, 138'674, 138'691, 3}));
-    CHECK_EQ(history.at(0).halfSpread, std::int64_t(5));
+    CHECK(history.at(0).halfSpread == practice::HalfSpreads(5, 6, 6, 6));
     CHECK(history.at(1).bar == (GridBar{138'694, 138'694, 138'690, 138'691, 4}));
-    CHECK_EQ(history.at(1).halfSpread, std::int64_t(7));
-    CHECK_EQ(history.at(2).halfSpread, std::int64_t(1));
+    CHECK(history.at(1).halfSpread == practice::HalfSpreads(6, 6, 6, 7));
+    CHECK(history.at(2).halfSpread == practice::HalfSpreads(1, 4, 1, 1));
     CHECK(history.opensWithGap(1) && history.opensWithGap(2));
 }
 
@@ -181,7 +181,12 @@ TEST_CASE("simulated prices are those that the practice platform shows")
                 const practice::Quote quote = market.quote(place, history.timeAt(minute) + minuteMs - 1);
                 const double unit = practice::pointsPerUnit(history.spec.digits);
                 CHECK_NEAR((quote.ask - quote.bid) * unit / 2,
-                    static_cast<double>(history.at(minute).halfSpread), 1e-3);
+                    static_cast<double>(history.at(minute).halfSpread.close), 1e-3);
+            }
+            for (std::size_t minute = 1; minute < history.size(); ++minute) {
+                const practice::HalfSpreads& spreads = history.at(minute).halfSpread;
+                CHECK_EQ(spreads.open, history.at(minute - 1).halfSpread.close);
+                CHECK(spreads.high == spreads.low && spreads.high == std::max(spreads.open, spreads.close));
             }
         }
     }
@@ -202,7 +207,7 @@ TEST_CASE("a simulated history depends on nothing but what was asked for")
     const MinuteHistory shorter = simulatedHistory("EURUSD", 5, 1, start, to);
     for (std::size_t minute = 0; minute < shorter.size(); ++minute) {
         CHECK(longer.at(minute + 1440).bar == shorter.at(minute).bar);
-        CHECK_EQ(longer.at(minute + 1440).halfSpread, shorter.at(minute).halfSpread);
+        CHECK(longer.at(minute + 1440).halfSpread == shorter.at(minute).halfSpread);
         CHECK(minute == 0 || !shorter.opensWithGap(minute)); // that market never stops
     }
     CHECK(simulatedHistory("EURUSD", 5, 1, start, start + 3 * practice::dayMs).weekendsTrade());

@@ -20,7 +20,7 @@ TEST_CASE("a minute is found by its time")
     CHECK_EQ(history.timeAt(2), start + 5 * minuteMs);
     CHECK_EQ(history.at(2).time, history.timeAt(2));
     CHECK(history.at(2).bar == (GridBar{138'680, 138'700, 138'680, 138'699, 9}));
-    CHECK_EQ(history.at(2).halfSpread, std::int64_t(6));
+    CHECK(history.at(2).halfSpread == practice::HalfSpreads(6));
     CHECK_EQ(history.firstFrom(start - 1), std::size_t(0));
     CHECK_EQ(history.firstFrom(start), std::size_t(0));
     CHECK_EQ(history.firstFrom(start + 1), std::size_t(1));
@@ -55,7 +55,7 @@ TEST_CASE("only a Saturday shows that weekends trade")
 TEST_CASE("the hash of the data is the same everywhere and another for each difference")
 {
     const std::uint64_t hash = dataHash(historyOf(threeMinutes));
-    CHECK_EQ(hash, std::uint64_t(0x495f5dfe30464a78));
+    CHECK_EQ(hash, std::uint64_t(0x8b1c423311b97e51));
     const auto changed = [](auto change) {
         std::vector<HandMade> minutes = threeMinutes;
         change(minutes);
@@ -68,7 +68,10 @@ TEST_CASE("the hash of the data is the same everywhere and another for each diff
     CHECK(changed([](auto& minutes) { --minutes[1].bar.low; }) != hash);
     CHECK(changed([](auto& minutes) { ++minutes[1].bar.close; }) != hash);
     CHECK(changed([](auto& minutes) { ++minutes[1].bar.volume; }) != hash);
-    CHECK(changed([](auto& minutes) { ++minutes[1].halfSpread; }) != hash);
+    CHECK(changed([](auto& minutes) { ++minutes[1].halfSpread.open; }) != hash);
+    CHECK(changed([](auto& minutes) { ++minutes[1].halfSpread.high; }) != hash);
+    CHECK(changed([](auto& minutes) { ++minutes[1].halfSpread.low; }) != hash);
+    CHECK(changed([](auto& minutes) { ++minutes[1].halfSpread.close; }) != hash);
     CHECK(changed([](auto& minutes) { minutes.pop_back(); }) != hash);
     CHECK(dataHash(historyOf(threeMinutes, "GBPUSD")) != hash);
     MinuteHistory digits = historyOf(threeMinutes);
@@ -89,7 +92,7 @@ TEST_CASE("two million minutes take four bytes each beside their prices")
         history.starts.push_back(static_cast<std::int32_t>(minute));
     }
     history.minutes.trim();
-    CHECK_EQ(history.bytes(), count * 32);
+    CHECK_EQ(history.bytes(), count * 36);
 }
 
 CHECK_MAIN()

@@ -154,7 +154,8 @@ TEST_CASE("the path is the practice market's, with the moments at which it chang
             CHECK_EQ((moment.time - history.timeAt(minute)) % 200, TimeMs(0));
             if (next > first) {
                 CHECK(moment.time > moments[next - 1].time);
-                CHECK(moment.mid != moments[next - 1].mid);
+                CHECK(
+                    moment.mid != moments[next - 1].mid || moment.halfSpread != moments[next - 1].halfSpread);
             }
         }
         REQUIRE(next > first);
@@ -209,6 +210,7 @@ TEST_CASE("the feed shows the path's price four times a second, changed or not")
             REQUIRE(next < feed.size());
             CHECK_EQ(feed[next].time, now);
             CHECK_EQ(feed[next].mid, path[seen].mid);
+            CHECK_EQ(feed[next].halfSpread, path[seen].halfSpread);
             CHECK_EQ(feed[next].minute, minute);
             ++next;
         }
@@ -222,11 +224,14 @@ TEST_CASE("whatever the path does between two quotes, the broker sees it")
     const MinuteHistory history = someHistory(100, 10);
     const std::vector<Moment> feed = walked(history, settingsOf(Model::Feed));
     std::vector<std::int64_t> shown; // without repetitions
+    const Moment* last = nullptr;
     std::size_t brokerOnly = 0;
     for (const Moment& moment : feed) {
         brokerOnly += moment.forScript ? 0 : 1;
-        if (moment.time == history.timeAt(moment.minute) || moment.mid != shown.back())
+        if (moment.time == history.timeAt(moment.minute) || moment.mid != last->mid
+            || moment.halfSpread != last->halfSpread)
             shown.push_back(moment.mid);
+        last = &moment;
     }
     CHECK(shown == midsOf(walked(history, settingsOf(Model::Path))));
     CHECK(brokerOnly > 100);

@@ -1,7 +1,10 @@
 #include "practice/Check.h"
 
+#include "practice/core/market/HashRandom.h"
 #include "practice/core/market/MinuteFile.h"
 
+#include <algorithm>
+#include <array>
 #include <locale>
 #include <sstream>
 #include <vector>
@@ -53,10 +56,10 @@ TEST_CASE("minutes are read exactly, in points of the most decimals used")
     CHECK(file.times == (std::vector<TimeMs>{file.firstTime, file.lastTime}));
     CHECK(file.minutes.at(0).bar == (GridBar{1100, 1300, 1000, 1200, 5}));
     CHECK(file.minutes.at(1).bar == (GridBar{1250, 1255, 1200, 1210, 3}));
-    CHECK_EQ(file.minutes.at(0).halfSpread, std::int64_t(0));
+    CHECK(!file.minutes.at(0).halfSpread.areRecorded());
 }
 
-TEST_CASE("with ask columns the mid lies between both sides and the spread is the close's")
+TEST_CASE("with ask columns the mid lies between both sides and each price has its spread")
 {
     const MinuteFile file
         = parsed(askHeader + "2014-05-01T00:00:00Z,1.10,1.30,1.00,1.20,0,1.14,1.34,1.04,1.26\n"
@@ -65,9 +68,70 @@ TEST_CASE("with ask columns the mid lies between both sides and the spread is th
     CHECK_EQ(file.minutes.at(0).bar.high, std::int64_t(132));
     CHECK_EQ(file.minutes.at(0).bar.low, std::int64_t(102));
     CHECK_EQ(file.minutes.at(0).bar.close, std::int64_t(123));
-    CHECK_EQ(file.minutes.at(0).halfSpread, std::int64_t(3));
-    CHECK_EQ(file.minutes.at(1).halfSpread, std::int64_t(1));
+    CHECK(file.minutes.at(0).halfSpread == HalfSpreads(2, 2, 2, 3));
+    CHECK(file.minutes.at(1).halfSpread == HalfSpreads(1));
     CHECK(file.minutes.at(0).bar.volume >= 1 && file.minutes.at(1).bar.volume >= 1);
+}
+
+TEST_CASE("an odd spread is rounded up, at the bid's cost")
+{
+    // 11 points at the open, 1 at the high, 13 at the low, 12 at the close.
+    const MinuteFile file
+        = parsed(askHeader + "2014-05-01T00:00:00Z,1.120,1.130,1.100,1.119,1,1.131,1.131,1.113,1.131\n"
+            + "2014-05-01T00:01:00Z,0.001,0.003,0.001,0.001,1,0.004,0.006,0.001,0.002\n");
+    CHECK(file.minutes.at(0).bar == (GridBar{1125, 1130, 1106, 1125, 1}));
+    CHECK(file.minutes.at(0).halfSpread == HalfSpreads(6, 1, 7, 6));
+    CHECK(file.minutes.at(1).bar == (GridBar{3, 4, 2, 2, 1})); // there is no bid of nothing
+    CHECK(file.minutes.at(1).halfSpread == HalfSpreads(2, 2, 1, 1));
+}
+
+TEST_CASE("neither side of any recorded price becomes better, nor worse by more than a point")
+{
+    HashRandom random(3);
+    const auto draw = [&random](int range) { return static_cast<std::int64_t>(random.uniform() * range); };
+    constexpr std::size_t count = 1000;
+    std::string text = askHeader;
+    std::vector<std::array<GridBar, 2>> recorded;
+    for (std::size_t minute = 0; minute < count; ++minute) {
+        std::array<GridBar, 2> sides;
+        GridBar& bid = sides[0];
+        GridBar& ask = sides[1];
+        const int range = minute % 2 == 0 ? 3 : 40; // corners that fall together, and others
+        bid = {1000 + draw(range), 0, 0, 1000 + draw(range), 0};
+        bid.high = std::max(bid.open, bid.close) + draw(range);
+        bid.low = std::min(bid.open, bid.close) - draw(range);
+        ask = {bid.open + draw(range), 0, 0, bid.close + draw(range), 0};
+        ask.high = std::max({ask.open, ask.close, bid.high}) + draw(range);
+        ask.low = std::max(bid.low, std::min(ask.open, ask.close) - draw(range));
+        recorded.push_back(sides);
+        const auto two = [](std::size_t number) { return std::to_string(100 + number).substr(1); };
+        const auto side = [](const GridBar& bar) {
+            return ',' + std::to_string(bar.open) + ',' + std::to_string(bar.high) + ','
+                + std::to_string(bar.low) + ',' + std::to_string(bar.close);
+        };
+        text += "2014-05-01T" + two(minute / 60) + ':' + two(minute % 60) + ":00Z" + side(bid) + ",1"
+            + side(ask) + '\n';
+    }
+    const MinuteFile file = parsed(text);
+    std::size_t wrong = 0;
+    std::size_t exact = 0;
+    const auto compare = [&](std::int64_t mid, std::int64_t half, std::int64_t bid, std::int64_t ask) {
+        wrong += half >= 1 && bid - 1 <= mid - half && mid - half <= bid && ask <= mid + half
+                && mid + half <= ask + 1
+            ? 0
+            : 1;
+        exact += mid - half == bid && mid + half == ask ? 1 : 0;
+    };
+    for (std::size_t minute = 0; minute < count; ++minute) {
+        const MinuteRecord read = file.minutes.at(minute);
+        const auto& [bid, ask] = recorded[minute];
+        compare(read.bar.open, read.halfSpread.open, bid.open, ask.open);
+        compare(read.bar.high, read.halfSpread.high, bid.high, ask.high);
+        compare(read.bar.low, read.halfSpread.low, bid.low, ask.low);
+        compare(read.bar.close, read.halfSpread.close, bid.close, ask.close);
+    }
+    CHECK_EQ(wrong, std::size_t(0));
+    CHECK(exact > count);
 }
 
 TEST_CASE("lines may end as on other systems and times may lie before 1970")

@@ -22,7 +22,7 @@ std::vector<MinuteRecord> someMinutes(std::size_t count)
         GridBar bar{price, price, price, price + move() - 20, 1 + move()};
         bar.high = std::max(bar.open, bar.close) + move();
         bar.low = std::min(bar.open, bar.close) - move();
-        minutes.push_back({bar, 1 + move()});
+        minutes.push_back({bar, {1 + move(), 1 + move(), 1 + move(), 1 + move()}});
         price = bar.close;
     }
     return minutes;
@@ -71,7 +71,7 @@ TEST_CASE("minutes keep what was put in, whatever their size")
     table.append(records.back());
     records.push_back({{4'294'967'296, 999'999'999'999'999, 1, 5, 1'000'000'000'000}, 7});
     table.append(records.back()); // the first that does not fit into 32 bits
-    records.push_back({{2, 3, 1, 2, 0}, 1});
+    records.push_back({{2, 3, 1, 2, 0}, {70'000, 80'000, 90'000, 1}});
     table.append(records.back());
     table.trim();
     REQUIRE(table.size() == records.size());
@@ -84,7 +84,28 @@ TEST_CASE("minutes keep what was put in, whatever their size")
     }
     CHECK(same);
     CHECK_EQ(table.volumeBefore(table.size()), volume);
-    CHECK(narrow < 100 * 60 && table.bytes() == 103 * 48);
+    CHECK(narrow < 100 * 60 && table.bytes() == 103 * 72);
+}
+
+TEST_CASE("a spread that is too wide for the narrow table is kept whole")
+{
+    for (const HalfSpreads& spreads : {HalfSpreads(65'535), HalfSpreads(65'536, 1, 1, 1),
+             HalfSpreads(1, 65'536, 1, 1), HalfSpreads(1, 1, 65'536, 1), HalfSpreads(1, 1, 1, 65'536)}) {
+        MinuteTable table;
+        table.append({{100'000, 100'020, 99'990, 100'010, 4}, {2, 3, 4, 5}});
+        table.append({{100'000, 100'020, 99'990, 100'010, 5}, spreads});
+        CHECK(table.at(0).halfSpread == HalfSpreads(2, 3, 4, 5));
+        CHECK(table.at(1).halfSpread == spreads);
+    }
+}
+
+TEST_CASE("played backwards, a minute's open has the spread of its close")
+{
+    const std::vector<MinuteRecord> records = someMinutes(3);
+    const ReplayLoop loop = loopOf(records);
+    const HalfSpreads& last = records.back().halfSpread;
+    CHECK(loop.minute(2).halfSpread == last);
+    CHECK(loop.minute(3).halfSpread == HalfSpreads(last.close, last.high, last.low, last.open));
 }
 
 TEST_CASE("a change of each minute sees the others as they were")
@@ -130,25 +151,25 @@ TEST_CASE("decimals that come late lose nothing of the lines before them")
     const MinuteFile file = readMinutes(input, "X-1m.csv");
     CHECK_EQ(file.digits, 8);
     CHECK(file.minutes.at(0).bar == (GridBar{115'000'000, 135'000'000, 105'000'000, 125'000'000, 5}));
-    CHECK_EQ(file.minutes.at(0).halfSpread, std::int64_t(5'000'000));
+    CHECK(file.minutes.at(0).halfSpread == HalfSpreads(5'000'000));
     CHECK(file.minutes.at(1).bar == (GridBar{116'000'000, 135'000'000, 105'000'000, 126'500'000, 5}));
     CHECK(file.minutes.at(2).bar
         == (GridBar{999'999'900'000'000, 999'999'900'000'000, 12'345'678, 16'172'839, 5}));
-    CHECK_EQ(file.minutes.at(2).halfSpread, std::int64_t(3'827'160));
+    CHECK(file.minutes.at(2).halfSpread == HalfSpreads(1, 1, 1, 3'827'161));
 }
 
-TEST_CASE("two million recorded minutes take less than ninety megabytes")
+TEST_CASE("two million recorded minutes take less than a hundred megabytes")
 {
     constexpr int rows = 50'000;
     std::istringstream input(recordOf(rows));
     const ReplayLoop loop(readMinutes(input, "X-1m.csv").minutes);
-    CHECK(loop.bytes() >= rows * std::size_t(28));
-    CHECK(loop.bytes() < rows * std::size_t(42)); // and more rows add one level of ranges to that
+    CHECK(loop.bytes() >= rows * std::size_t(32));
+    CHECK(loop.bytes() < rows * std::size_t(46)); // and more rows add one level of ranges to that
     MinuteTable table;
     for (int row = 0; row < 2'000'000; ++row)
         table.append({{138'676, 138'684, 138'670, 138'681, 42}, 4});
     table.trim();
-    CHECK(ReplayLoop(std::move(table)).bytes() < 90'000'000);
+    CHECK(ReplayLoop(std::move(table)).bytes() < 100'000'000);
 }
 
 CHECK_MAIN()
