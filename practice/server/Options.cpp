@@ -13,6 +13,11 @@ namespace {
 
 constexpr double slowest = 0.1;
 constexpr double fastest = 1000;
+constexpr int longestDelayMs = 60'000;
+constexpr double shortestCut = 0.1; // seconds
+constexpr double longestCut = 86'400;
+constexpr double leastThroughput = 0.1; // kilobytes a second
+constexpr double mostThroughput = 1e6;
 
 template <typename T> std::optional<T> wholeNumber(const std::string& text)
 {
@@ -44,6 +49,39 @@ std::uint64_t seedOf(const std::string& text)
     if (const auto seed = wholeNumber<std::uint64_t>(text))
         return *seed;
     throw UsageError("--seed takes a whole number that is not negative, not \"" + text + '"');
+}
+
+std::chrono::milliseconds delayOf(const std::string& name, const std::string& text)
+{
+    const auto delay = wholeNumber<int>(text);
+    if (delay && *delay >= 0 && *delay <= longestDelayMs)
+        return std::chrono::milliseconds(*delay);
+    throw UsageError(name + " takes whole milliseconds from 0 to 60000, not \"" + text + '"');
+}
+
+double shareOf(const std::string& name, const std::string& text)
+{
+    const auto share = wholeNumber<double>(text);
+    if (share && *share >= 0 && *share <= 1)
+        return *share;
+    throw UsageError(name + " takes a share from 0 to 1, such as 0.05, not \"" + text + '"');
+}
+
+std::chrono::milliseconds cutOf(const std::string& text)
+{
+    const auto seconds = wholeNumber<double>(text);
+    if (seconds && *seconds >= shortestCut && *seconds <= longestCut)
+        return std::chrono::round<std::chrono::milliseconds>(std::chrono::duration<double>(*seconds));
+    throw UsageError("--cut takes seconds from 0.1 to 86400, not \"" + text + '"');
+}
+
+double throttleOf(const std::string& text)
+{
+    constexpr double kilo = 1000;
+    const auto rate = wholeNumber<double>(text);
+    if (rate && *rate >= leastThroughput && *rate <= mostThroughput)
+        return *rate * kilo;
+    throw UsageError("--throttle takes kilobytes a second from 0.1 to 1000000, not \"" + text + '"');
 }
 
 std::string addressOf(const std::string& text, bool remoteAllowed)
@@ -165,6 +203,18 @@ Options parseOptions(const std::vector<std::string>& arguments)
             options.seed = seedOf(value());
         else if (name == "--speed")
             options.speed = speedOf(value());
+        else if (name == "--latency")
+            options.line.latency = delayOf(name, value());
+        else if (name == "--jitter")
+            options.line.jitter = delayOf(name, value());
+        else if (name == "--drop")
+            options.line.drop = shareOf(name, value());
+        else if (name == "--cut")
+            options.line.cutInterval = cutOf(value());
+        else if (name == "--throttle")
+            options.line.throttle = throttleOf(value());
+        else if (name == "--refuse")
+            options.line.refuse = shareOf(name, value());
         else if (name == "--replay") {
             options.replay = directoryOf(value());
             options.simulate = false;
@@ -220,6 +270,12 @@ std::string helpText()
            "                   record change; without it such a change is refused\n"
            "  --record FILE    write prices, commands and what became of them to a new\n"
            "                   file, which tavoran-lab verify reads\n"
+           "  --latency MS     how long everything is under way, each way: a bad line\n"
+           "  --jitter MS      up to so much longer, by chance\n"
+           "  --drop SHARE     share of packets with which a connection falls silent, 0 to 1\n"
+           "  --cut EVERY      break all connections every so many seconds\n"
+           "  --throttle KBPS  kilobytes a second that the line carries, each way\n"
+           "  --refuse SHARE   share of connections that are broken at once, 0 to 1\n"
            "  --account ID     the account to reset, by its id or the beginning of it\n"
            "  --quiet          print nothing but the address\n"
            "  --help           print this text\n"

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "practice/line/LineQuality.h"
+
 #include <cstdint>
 #include <filesystem>
 #include <optional>
@@ -20,6 +22,7 @@ struct Options {
     std::optional<double> speed;
     std::optional<std::filesystem::path> replay;
     std::filesystem::path recording;    ///< a new file to write the session to; empty: none
+    LineQuality line;                   ///< between the clients and the platform; its seed is the market's
     bool simulate = false;              ///< no record, not even the remembered one
     bool closeOpenTrades = false;       ///< when the market changes
     bool reset = false;                 ///< begin accounts anew instead of serving

@@ -1,3 +1,4 @@
+#include "practice/line/BadLine.h"
 #include "practice/server/Failure.h"
 #include "practice/server/FirstUse.h"
 #include "practice/server/ListeningPort.h"
@@ -13,6 +14,7 @@
 
 #include <algorithm>
 #include <csignal>
+#include <cstdint>
 #include <iostream>
 #include <memory>
 #include <optional>
@@ -21,6 +23,8 @@
 namespace practice {
 
 namespace {
+
+constexpr const char* loopback = "127.0.0.1";
 
 // Four times a second suits a person; a faster market is shown more often, as far as screens follow.
 std::chrono::milliseconds priceInterval(double speed)
@@ -49,20 +53,34 @@ void run(const Options& options)
         recording.emplace(options.recording,
             [](const std::string& text) { std::cerr << "tavoran-practice: --record " << text << std::endl; });
 
+    // A bad line takes the port, and the platform listens behind it.
+    std::optional<BadLine> line;
+    const std::uint16_t port = acceptor.local_endpoint().port();
+    if (options.line.isBad()) {
+        auto behind = listenOn(context, loopback, 0);
+        LineQuality quality = options.line;
+        quality.seed = market.setup.seed;
+        line.emplace(context, std::move(acceptor), behind.local_endpoint(), quality);
+        acceptor = std::move(behind);
+    }
+
     Server server(context, std::move(acceptor), database, *market.prices, clock,
         {options.address, options.hostName, market.setup.seed, priceInterval(market.setup.speed), {},
             recording ? &*recording : nullptr, TAVORAN_VERSION});
     // Signals are handled from here on. While the missed time is played nobody would act on them, and a
     // signal may then end the program at any moment, since each change is stored whole.
     boost::asio::signal_set signals(context, SIGINT, SIGTERM);
-    signals.async_wait([&server](boost::system::error_code error, int) {
-        if (!error)
-            server.stop();
+    signals.async_wait([&server, &line](boost::system::error_code error, int) {
+        if (error)
+            return;
+        if (line)
+            line->stop();
+        server.stop();
     });
 
     const bool v6 = options.address.find(':') != std::string::npos;
-    std::cout << "Listening on http://" << (v6 ? "[" + options.address + "]" : options.address) << ':'
-              << server.port() << std::endl;
+    std::cout << "Listening on http://" << (v6 ? "[" + options.address + "]" : options.address) << ':' << port
+              << std::endl;
     if (!options.quiet) {
         std::cout << "Sign in as " << practiceEmail << " with the password: " << practicePassword << '\n'
                   << "Data: " << options.database.string() << std::endl;

@@ -72,8 +72,11 @@ expect --replay "my  record" -- --replay "$place/elsewhere/my  record"
 expect "--replay=my record" -- --replay "$place/elsewhere/my record"
 expect --replay /nowhere/at/all -- --replay /nowhere/at/all
 expect --replay "/nowhere/at *" -- --replay "/nowhere/at *"
+expect --latency 300 --jitter=20 --drop 0.01 -- --latency 300 --jitter 20 --drop 0.01
+expect --cut 60 --throttle=8 --refuse 0.1 -- --cut 60 --throttle 8 --refuse 0.1
 expect --no-replay --close-open-trades -- --no-replay --close-open-trades
 refuse "needs a value" --seed
+refuse "needs a value" --latency
 refuse "unknown argument" --sped 5
 refuse "--speed" --server http://127.0.0.1:1 --speed 5
 refuse "--speed" --tour --speed 5

@@ -85,6 +85,27 @@ TEST_CASE("every option is understood in both spellings and the last of a kind c
     CHECK_EQ(parseOptions({"--db", "x", "--address", "localhost"}).address, std::string("127.0.0.1"));
 }
 
+TEST_CASE("a line is as bad as asked for, and good without being asked")
+{
+    using std::chrono::milliseconds;
+    CHECK(!parseOptions({"--db=x"}).line.isBad());
+    const LineQuality line = parseOptions({"--db=x", "--latency", "120", "--jitter=30", "--drop", "0.05",
+                                              "--cut", "2.5", "--throttle", "16", "--refuse=1"})
+                                 .line;
+    CHECK(line.latency == milliseconds(120));
+    CHECK(line.jitter == milliseconds(30));
+    CHECK_NEAR(line.drop, 0.05, 0);
+    CHECK(line.cutInterval == milliseconds(2500));
+    CHECK_NEAR(line.throttle, 16000, 0);
+    CHECK_NEAR(line.refuse, 1, 0);
+    for (const char* one :
+        {"--latency=1", "--jitter=1", "--drop=0.1", "--cut=1", "--throttle=1", "--refuse=0.1"})
+        CHECK(parseOptions({"--db=x", one}).line.isBad());
+    for (const char* none : {"--latency=0", "--jitter=0", "--drop=0", "--refuse=0"})
+        CHECK(!parseOptions({"--db=x", none}).line.isBad());
+    CHECK(errorOf({"reset", "--latency", "5"}).find("--latency") != std::string::npos);
+}
+
 TEST_CASE("a record and none of them: the last wish counts")
 {
     const TemporaryFolder folder;
@@ -110,8 +131,12 @@ TEST_CASE("values that make no sense are refused in one line that names the opti
 {
     const std::vector<std::vector<std::string>> bad{{"--port", "65536"}, {"--port", "-1"}, {"--port", "80x"},
         {"--port", ""}, {"--port"}, {"--seed", "-1"}, {"--seed", "1.5"}, {"--seed", "18446744073709551616"},
-        {"--speed", "0"}, {"--speed", "nan"}, {"--speed", "inf"}, {"--speed", "1001"}, {"--speed", "1,5"},
-        {"--host-name", ""}, {"--host-name", "desk:80"}, {"--host-name", "a b"}, {"--replay", "/none/at/all"},
+        {"--latency", "-1"}, {"--latency", "60001"}, {"--latency", "1.5"}, {"--latency", ""}, {"--latency"},
+        {"--jitter", "20ms"}, {"--jitter", "-5"}, {"--drop", "1.1"}, {"--drop", "-0.1"}, {"--drop", "nan"},
+        {"--drop", "5%"}, {"--cut", "0"}, {"--cut", "inf"}, {"--cut", "86401"}, {"--throttle", "0"},
+        {"--throttle", "fast"}, {"--throttle", "1e7"}, {"--refuse", "2"}, {"--refuse", ""}, {"--speed", "0"},
+        {"--speed", "nan"}, {"--speed", "inf"}, {"--speed", "1001"}, {"--speed", "1,5"}, {"--host-name", ""},
+        {"--host-name", "desk:80"}, {"--host-name", "a b"}, {"--replay", "/none/at/all"},
         {"--address", "example.org"}, {"--address", "127.0.0.1:80"}};
     for (auto arguments : bad) {
         const std::string name = arguments.front();
@@ -133,9 +158,9 @@ TEST_CASE("help and version need nothing else")
     const Environment nothing(nullptr, nullptr);
     CHECK(parseOptions({"--help"}).showHelp);
     CHECK(parseOptions({"--version"}).showVersion);
-    for (const char* option :
-        {"--port", "--address", "--allow-remote", "--host-name", "--db", "--seed", "--speed", "--replay",
-            "--no-replay", "--close-open-trades", "reset", "--account", "--quiet", "--help", "--version"})
+    for (const char* option : {"--port", "--address", "--allow-remote", "--host-name", "--db", "--seed",
+             "--speed", "--replay", "--no-replay", "--close-open-trades", "--latency", "--jitter", "--drop",
+             "--cut", "--throttle", "--refuse", "reset", "--account", "--quiet", "--help", "--version"})
         CHECK(helpText().find(option) != std::string::npos);
 }
 

@@ -1,0 +1,115 @@
+#include "practice/Check.h"
+#include "practice/server/FeedClient.h"
+#include "practice/server/HttpClient.h"
+#include "practice/server/ServerProcess.h"
+#include "practice/storage/TemporaryFolder.h"
+
+#include <chrono>
+#include <csignal>
+#include <string>
+#include <vector>
+
+/// The real program behind a bad line.
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+std::string demoAccount(HttpClient& client)
+{
+    for (const nlohmann::json& account : client.get("/api/accounts").json()) {
+        if (account.at("type") == "DEMO")
+            return account.at("id").get<std::string>();
+    }
+    throw std::runtime_error("no demo account");
+}
+
+/// Whether a connection is refused: every question on it fails.
+bool isRefused(std::uint16_t port)
+{
+    try {
+        HttpClient client(port);
+        return client.get("/api/settings/public").status != 200;
+    } catch (const std::runtime_error&) {
+        return true;
+    }
+}
+
+} // namespace
+
+TEST_CASE("behind a slow line everything works, only later: requests, orders and the feed")
+{
+    const TemporaryFolder folder;
+    ServerProcess server((folder / "x.db").string(), {"--latency", "20", "--jitter", "5"});
+    HttpClient client(server.port());
+    const auto begin = Clock::now();
+    client.signIn();
+    CHECK(Clock::now() - begin >= std::chrono::milliseconds(40)); // there and back
+    const HttpReply reply = client.post("/api/trades/place",
+        {{"symbol", "EURUSD"}, {"lotSize", 0.1}, {"accountId", demoAccount(client)}, {"orderKind", "MARKET"},
+            {"type", "BUY"}});
+    CHECK_EQ(reply.status, 200);
+    CHECK_EQ(client.get("/api/trades/open?accountId=" + demoAccount(client)).json().size(), 1U);
+    FeedClient feed(server.port(), client.token());
+    CHECK_EQ(feed.read().at("type"), "hello");
+    CHECK_EQ(feed.readUntil("price_update").at("type"), "price_update");
+    CHECK_EQ(server.terminate(SIGTERM), 0);
+}
+
+TEST_CASE("a throttled line brings a large reply in as long as it takes")
+{
+    const TemporaryFolder folder;
+    ServerProcess server((folder / "x.db").string(), {"--throttle", "400"});
+    HttpClient client(server.port());
+    client.signIn();
+    const auto begin = Clock::now();
+    const HttpReply reply = client.get("/api/candles?symbol=EURUSD&timeframe=1m&limit=1000");
+    CHECK_EQ(reply.status, 200);
+    const double seconds = std::chrono::duration<double>(Clock::now() - begin).count();
+    CHECK(seconds >= static_cast<double>(reply.body.size()) / 400e3);
+}
+
+TEST_CASE("a line that is cut breaks feed and requests, again and again")
+{
+    const TemporaryFolder folder;
+    ServerProcess server((folder / "x.db").string(), {"--cut", "0.3"});
+    int broken = 0;
+    for (int attempt = 0; attempt < 100 && broken < 2; ++attempt) {
+        try {
+            HttpClient client(server.port());
+            CHECK_EQ(client.get("/api/settings/public").status, 200);
+            client.socket().awaitReset();
+            ++broken;
+        } catch (const std::runtime_error&) { // broken before it was answered
+        }
+    }
+    CHECK_EQ(broken, 2);
+}
+
+TEST_CASE("the share of refused connections is refused, the same ones with the same seed")
+{
+    std::vector<std::vector<bool>> runs;
+    for (const char* seed : {"5", "5", "6"}) {
+        const TemporaryFolder folder;
+        ServerProcess server((folder / "x.db").string(), {"--refuse", "0.5", "--seed", seed});
+        std::vector<bool> refused;
+        for (int connection = 0; connection < 24; ++connection)
+            refused.push_back(isRefused(server.port()));
+        runs.push_back(refused);
+    }
+    CHECK(runs[0] == runs[1]);
+    CHECK(runs[0] != runs[2]);
+}
+
+TEST_CASE("with every packet dropped a connection stays open and silent, and ends with the program")
+{
+    const TemporaryFolder folder;
+    ServerProcess server((folder / "x.db").string(), {"--drop", "1"});
+    WireSocket client(server.port());
+    client.send("GET /api/settings/public HTTP/1.1\r\nHost: 127.0.0.1\r\n\r\n");
+    CHECK(client.isSilentFor(std::chrono::milliseconds(200)));
+    CHECK_EQ(server.terminate(SIGTERM), 0);
+    CHECK_EQ(client.readAll(), std::string());
+}
+
+CHECK_MAIN()
