@@ -116,7 +116,7 @@ public:
     {
         m_isOver = true;
         m_thread.join();
-        return m_most;
+        return m_most = std::max(m_most, privateMegabytes()); // the end may come between two looks
     }
 
 private:

@@ -7,6 +7,7 @@
 #include "lab/cli/Screen.h"
 #include "lab/cli/StopSignal.h"
 #include "lab/cli/StudyBench.h"
+#include "lab/core/market/HistorySources.h"
 #include "lab/core/market/RunSpan.h"
 #include "lab/core/output/FigureText.h"
 #include "lab/core/output/ResultFolder.h"
@@ -149,12 +150,21 @@ int challengePlan(Options options)
     kept.flush();
     RunResult about = bench.about();
     about.settings.inputs = bench.grid().inputsOf(0);
+    const RunSpan span = spanOf(bench.history(), about.settings);
+    about.settings.from = bench.history().timeAt(span.firstMinute);
+    about.settings.to = bench.history().timeAt(span.endMinute - 1) + practice::minuteMs;
+    if (const auto warning = contractWarning(bench.history()))
+        about.warnings.push_back(*warning);
     ResultFolder files(folder);
     files.add("challenge.csv", challengeCsv(rows));
     files.add("challenge.json", challengeJson(rows, about, TAVORAN_VERSION));
     files.commit();
 
     const ChallengeSummary summary = challengeSummary(rows);
+    for (const std::string& warning : challengeWarnings(about))
+        std::cout << toned(
+            "! " + wrapped(oneLine(warning), screenWidth - 2, "  "), Tone::Warning, hasColours())
+                  << '\n';
     std::cout << summaryText(summary) << '\n';
     if (bench.options().study.daily)
         std::cout << wrapped(

@@ -3,6 +3,7 @@
 #include "lab/cli/Screen.h"
 #include "lab/core/RunResult.h"
 #include "lab/core/figures/FigureTable.h"
+#include "lab/core/figures/ReportSeries.h"
 #include "lab/core/figures/Warnings.h"
 #include "lab/core/output/FigureText.h"
 #include "lab/core/output/Texts.h"
@@ -37,6 +38,16 @@ void addFigure(std::vector<std::string>& line, std::string_view key, const Figur
     line.push_back(figureText(row->kind, row->of(figures)));
 }
 
+/// "Closed by  SL 16, TP 3"; empty without trades.
+std::string exitsLine(const RunResult& result)
+{
+    std::string line;
+    for (const ExitSum& sum : exitSums(result))
+        line += (line.empty() ? "Closed by  " : ", ") + std::string(reasonText(sum.reason)) + ' '
+            + std::to_string(sum.trades);
+    return line.empty() ? line : line + '\n';
+}
+
 } // namespace
 
 std::string figureList(const RunResult& result, const Figures& figures, bool colours)
@@ -52,7 +63,7 @@ std::string figureList(const RunResult& result, const Figures& figures, bool col
         line.emplace_back();
         addFigure(line, right, figures);
     }
-    return text + '\n' + columns(lines, {1, 4});
+    return text + '\n' + columns(lines, {1, 4}) + exitsLine(result);
 }
 
 } // namespace lab

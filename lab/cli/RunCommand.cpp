@@ -7,6 +7,7 @@
 #include "lab/cli/Screen.h"
 #include "lab/cli/StopSignal.h"
 #include "lab/core/figures/Figures.h"
+#include "lab/core/output/Texts.h"
 #include "lab/run/LabRun.h"
 
 #include <iostream>
@@ -46,7 +47,8 @@ int runOnce(Options options)
     if (const int stopped = stopStatus())
         return stopped;
     if (result.error) {
-        std::cerr << "tavoran-lab: ended early: " << *result.error << '\n';
+        std::cerr << "tavoran-lab: ended early, on " << minuteText(result.errorTime)
+                  << " UTC: " << *result.error << '\n';
         return fellShort;
     }
     return succeeded;

@@ -76,6 +76,13 @@ struct BarRow {
     }
 };
 
+/// What a script's author has put at the top of it for changing.
+struct RunInput {
+    std::string name;
+    std::string literal;    ///< with which it ran, as it would stand in the script
+    bool isChanged = false; ///< another one stands in the script
+};
+
 /// A line that the script or the lab has written.
 struct JournalLine {
     practice::TimeMs time = 0;
@@ -94,7 +101,7 @@ enum class PlanOutcome { None, Passed, DailyLoss, TotalLoss };
 struct RunResult {
     RunSettings settings; ///< `from` and `to` filled in
     int digits = 5;
-    bool weekendsTrade = false; ///< prices on Saturdays or Sundays
+    bool weekendsTrade = false; ///< prices on Saturdays (UTC); even currencies have some on Sundays
     bool simulated = false;
     /// Made of an account's closed trades, without prices: equity is the balance, and `worst`, `best`,
     /// spreads and whatever else needs prices are unknown.
@@ -108,7 +115,9 @@ struct RunResult {
     std::vector<DayRow> days;
     std::vector<BarRow> chart; ///< the bars of the run; of a long one, neighbours joined
     std::vector<JournalLine> journal;
-    Drawdown equityDrawdown; ///< on every price that the broker saw
+    std::uint64_t journalLeftOut = 0; ///< lines of the script that `journal` does not have
+    std::vector<RunInput> inputs;     ///< all of the script, in its order; empty: those of `settings` alone
+    Drawdown equityDrawdown;          ///< on every price that the broker saw
     Drawdown balanceDrawdown;
     practice::TimeMs exposedMs = 0; ///< with an open position
     std::uint64_t refusals = 0;     ///< orders that the lab's checks or the broker refused
@@ -117,6 +126,7 @@ struct RunResult {
     double firstPrice = 0; ///< mid at the first tick, for buy and hold
     double lastPrice = 0;
     std::optional<std::string> error; ///< the script's, with name and line; the run ended early
+    practice::TimeMs errorTime = 0;   ///< of the last price that the script was called for
     std::uint64_t scriptHash = 0;     ///< of the script's text
     std::uint64_t dataHash = 0;       ///< of prices and times
     std::uint64_t tickPrint = 0;      ///< of every price that the script saw

@@ -36,6 +36,25 @@ ExpertScript withInputsOf(const RunSettings& settings, const ExpertScript& scrip
     return {script.name, script.fileName, *text};
 }
 
+/// The inputs of the script as it ran. What it changes by itself is a state, and told only when it was given.
+std::vector<RunInput> inputsAsRun(
+    const RunSettings& settings, const ExpertScript& script, const ExpertScript& changed)
+{
+    const auto isGiven = [&settings](const std::string& name) {
+        return std::ranges::any_of(settings.inputs, [&](const auto& given) { return given.first == name; });
+    };
+    std::vector<RunInput> inputs;
+    const QList<ScriptInput> before = inputsOf(script.text);
+    const QList<ScriptInput> after = inputsOf(changed.text);
+    for (qsizetype place = 0; place < after.size(); ++place) {
+        const std::string name = after[place].name.toStdString();
+        if (!after[place].isChanged || isGiven(name))
+            inputs.push_back(
+                {name, after[place].literal.toStdString(), before[place].literal != after[place].literal});
+    }
+    return inputs;
+}
+
 std::vector<Candle> candlesBefore(
     const MinuteHistory& history, const RunSettings& settings, std::size_t minute)
 {
@@ -104,10 +123,12 @@ public:
             if (moment.forScript) {
                 if (!std::exchange(isLoaded, true)) {
                     m_firstMid = moment.mid;
+                    m_lastTime = moment.time;
                     m_stage.load(script);
                 }
                 if (!m_stage.isRunning() || m_account.isOver())
                     break;
+                m_lastTime = moment.time;
                 m_stage.tick();
                 ++m_ticks;
                 m_lastMid = moment.mid;
@@ -136,8 +157,10 @@ public:
         ChartBars bars = m_stage.takeBarsOfRun();
         result.bars = bars.count();
         result.chart = bars.takeRows();
-        if (m_error)
+        if (m_error) {
             result.error = (script.name + u": "_s + *m_error).toStdString();
+            result.errorTime = m_lastTime;
+        }
         m_account.finish(result);
         result.warmupBars = m_warmup;
         if (const auto wanted = static_cast<std::size_t>(std::max(0, m_settings.warmup())); m_warmup < wanted)
@@ -145,9 +168,11 @@ public:
                 + (m_warmup == 1 ? " bar" : " bars") + " instead of " + std::to_string(wanted)
                 + ": the history has no more before the start.");
         result.journal = m_stage.journal().lines();
-        if (const std::uint64_t leftOut = m_stage.journal().leftOut(); leftOut > 0) {
+        result.journalLeftOut = m_stage.journal().leftOut();
+        if (result.journalLeftOut > 0) {
             result.warnings.push_back("Of " + std::to_string(m_stage.journal().count())
-                + " lines that the script wrote, " + std::to_string(leftOut) + " in the middle are left out");
+                + " lines that the script wrote, " + std::to_string(result.journalLeftOut)
+                + " in the middle are left out.");
         }
     }
 
@@ -217,6 +242,7 @@ private:
     std::size_t m_warmup;
     ScriptStage m_stage;
     std::optional<QString> m_error;
+    practice::TimeMs m_lastTime = 0;
     std::uint64_t m_ticks = 0;
     std::uint64_t m_print = 0;
     std::int64_t m_firstMid = 0;
@@ -251,6 +277,8 @@ RunResult LabRun::run(
     result.scriptHash = practice::hashText(script.text.toStdString());
     if (const auto warning = contractWarning(history))
         result.warnings.push_back(*warning);
+
+    result.inputs = inputsAsRun(settings, script, changed);
 
     Run run(m_histories, settings, span);
     run.go(changed, control);

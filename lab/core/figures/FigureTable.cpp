@@ -17,8 +17,9 @@ constexpr std::array rows{
     FigureRow{"bars", "Bars", "", Kind::Count, &Figures::bars},
     FigureRow{"ticks", "Ticks", "calls of the script", Kind::Count, &Figures::ticks},
     FigureRow{"ticksPerBar", "Ticks per bar", "ticks / bars", Kind::Number, &Figures::ticksPerBar},
-    FigureRow{
-        "annualDays", "Days a year (A)", "252, or 365 when weekends trade", Kind::Days, &Figures::annualDays},
+    FigureRow{"annualDays", "Days a year (A)",
+        "252, or 365 when weekends trade; short Sundays are days, too, which lowers volatility", Kind::Days,
+        &Figures::annualDays},
     FigureRow{"startBalance", "Balance at the start", "", Kind::Money, &Figures::startBalance},
     FigureRow{"endBalance", "Balance at the end", "", Kind::Money, &Figures::endBalance},
     FigureRow{"endEquity", "Equity at the end", "", Kind::Money, &Figures::endEquity},

@@ -214,4 +214,22 @@ std::vector<BarRow> joinedBars(std::span<const BarRow> bars, std::size_t most)
     return joined;
 }
 
+std::vector<ExitSum> exitSums(const RunResult& result)
+{
+    std::vector<ExitSum> sums;
+    for (const ExitReason reason : {ExitReason::StopLoss, ExitReason::TakeProfit, ExitReason::Script,
+             ExitReason::End, ExitReason::Margin, ExitReason::Rule}) {
+        ExitSum sum{reason, 0, 0};
+        for (const TradeRow& trade : result.trades) {
+            if (trade.reason != reason)
+                continue;
+            ++sum.trades;
+            sum.net += trade.net();
+        }
+        if (sum.trades > 0)
+            sums.push_back(sum);
+    }
+    return sums;
+}
+
 } // namespace lab

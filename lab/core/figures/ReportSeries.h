@@ -60,4 +60,14 @@ struct ExcursionPoint {
 /// Neighbouring bars joined, so that at most `most` (at least 1) are left.
 [[nodiscard]] std::vector<BarRow> joinedBars(std::span<const BarRow> bars, std::size_t most);
 
+/// The trades that were closed for one reason.
+struct ExitSum {
+    ExitReason reason = ExitReason::Script;
+    std::size_t trades = 0;
+    practice::Cents net = 0;
+};
+
+/// Of each reason that occurs, in the order of the enumeration.
+[[nodiscard]] std::vector<ExitSum> exitSums(const RunResult& result);
+
 } // namespace lab

@@ -118,10 +118,13 @@ std::vector<std::string> warningsOf(const RunResult& result, const Figures& figu
             + ": below 95 % it may be luck.";
     });
     add(*figures.refusals > 0, [&] { return counted(*figures.refusals, "order") + " refused."; });
-    add(result.simulated, [] {
-        return std::string("The prices are simulated: they can show the risk of a strategy, never an edge.");
-    });
+    add(result.simulated, [] { return simulatedWarning(); });
     return warnings;
+}
+
+std::string simulatedWarning(std::string_view prices)
+{
+    return std::string(prices) + " are simulated: they can show the risk of a strategy, never an edge.";
 }
 
 std::string verdictOf(const RunResult& result, const Figures& figures)
@@ -129,7 +132,7 @@ std::string verdictOf(const RunResult& result, const Figures& figures)
     std::string text = "Net profit " + moneyText(static_cast<Cents>(*figures.netProfit));
     if (*figures.startBalance > 0)
         text += " (" + percentText(*figures.netProfit / *figures.startBalance) + ")";
-    text += " in " + counted(*figures.trades, "trade") + " over " + counted(*figures.days, "day");
+    text += " in " + counted(*figures.trades, "trade") + " over " + counted(*figures.days, "calendar day");
     if (figures.maxDrawdown)
         text += ", deepest fall of equity " + percentText(*figures.maxDrawdown);
     text += '.';

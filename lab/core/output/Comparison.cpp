@@ -2,6 +2,7 @@
 
 #include "lab/core/figures/FigureTable.h"
 #include "lab/core/figures/ReportSeries.h"
+#include "lab/core/figures/Warnings.h"
 #include "lab/core/output/FigureText.h"
 #include "lab/core/output/JsonObject.h"
 #include "lab/core/output/PageFrame.h"
@@ -120,6 +121,22 @@ std::string leftPadded(const std::string& text, std::size_t width)
     return std::string(width - std::min(width, widthOf(text)), ' ') + text;
 }
 
+/// Which runs have simulated prices; empty where none has.
+std::string simulatedText(const std::vector<SavedRun>& runs)
+{
+    std::vector<std::string> names;
+    for (const SavedRun& run : runs) {
+        if (run.simulated)
+            names.push_back(shortened(run.name, 60));
+    }
+    if (names.empty())
+        return {};
+    std::string prices = "The prices of " + names.front();
+    for (std::size_t number = 1; number < names.size(); ++number)
+        prices += (number + 1 < names.size() ? ", " : " and ") + names[number];
+    return simulatedWarning(prices);
+}
+
 std::string differencePart(const std::vector<SavedRun>& runs)
 {
     std::string html;
@@ -223,7 +240,9 @@ std::string compareText(const std::vector<SavedRun>& runs)
     std::size_t nameWidth = 0;
     for (const std::string& name : table.names)
         nameWidth = std::max(nameWidth, widthOf(name));
-    std::string text(nameWidth, ' ');
+    std::string text = simulatedText(runs);
+    text += text.empty() ? "" : "\n\n";
+    text += std::string(nameWidth, ' ');
     std::vector<std::size_t> widths;
     for (std::size_t run = 0; run < runs.size(); ++run) {
         const std::string name = shortened(runs[run].name, 40);
@@ -267,10 +286,13 @@ std::string comparePage(const std::vector<SavedRun>& runs)
     }
     if (runs.size() > 10)
         title += " and " + std::to_string(runs.size() - 10) + " more";
+    const std::string warning = simulatedText(runs);
+    const std::string top = "<h1>" + escaped(title) + "</h1>\n"
+        + (warning.empty() ? "" : "<ul class=\"warnings\">\n<li>" + escaped(warning) + "</li>\n</ul>\n");
     const std::string body = pageSection("difference", "Where they part", differencePart(runs))
         + pageSection("curves", "Equity", chartPlace("runs", "Equity of the runs over time", curves))
         + pageSection("figures", "Figures", figuresPart(runs));
-    return pageFrame(title, "<h1>" + escaped(title) + "</h1>\n", body, "{\"runs\":" + curvesData(runs) + "}");
+    return pageFrame(title, top, body, "{\"runs\":" + curvesData(runs) + "}");
 }
 
 } // namespace lab

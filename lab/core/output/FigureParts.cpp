@@ -156,7 +156,10 @@ std::string settingsPart(const RunResult& result, const ReportWords& words, cons
                        : std::string())
         + settingsTable("Script and prices", prices)
         + settingsTable("Account and fingerprints", accountLines(result));
-    const auto& inputs = result.settings.inputs;
+    Lines inputs;
+    for (const RunInput& input : runInputs(result))
+        inputs.emplace_back(
+            input.name, shortened(input.literal, 180) + (input.isChanged ? " (changed)" : ""));
     if (!inputs.empty())
         html += settingsTable("Inputs of the script", shortenedLines(inputs, limits));
     return html + "</div>";

@@ -50,12 +50,22 @@ std::string titleOf(const RunResult& result, const ReportWords& words)
         + std::string(practice::timeframeKey(result.settings.timeframe));
 }
 
+/// When a run ended that did not come to the end of its prices; empty for one that did.
+std::string earlyEnd(const RunResult& result)
+{
+    if (result.error)
+        return ", ended early on " + minuteText(result.errorTime);
+    if (result.outcome != PlanOutcome::None)
+        return ", the plan ended on " + minuteText(result.outcomeTime);
+    return {};
+}
+
 std::string headerOf(const RunResult& result, const ReportWords& words)
 {
     std::string html = "<h1>" + escaped(titleOf(result, words)) + "</h1>\n";
     if (result.settings.from && result.settings.to)
         html += "<p class=\"under\">" + minuteText(*result.settings.from) + " to "
-            + minuteText(*result.settings.to) + " UTC</p>\n";
+            + minuteText(*result.settings.to) + " UTC" + earlyEnd(result) + "</p>\n";
     return html;
 }
 

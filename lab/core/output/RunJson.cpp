@@ -30,8 +30,12 @@ std::string runJson(const RunResult& result, std::string_view version)
         return closedTradesJson(result, version);
     const RunSettings& settings = result.settings;
     JsonObject inputs;
-    for (const auto& [name, literal] : settings.inputs)
-        inputs.text(name, literal);
+    std::vector<std::string> changed;
+    for (const RunInput& input : runInputs(result)) {
+        inputs.text(input.name, input.literal);
+        if (input.isChanged)
+            changed.push_back(input.name);
+    }
 
     JsonObject run;
     run.count("format", 1);
@@ -59,15 +63,19 @@ std::string runJson(const RunResult& result, std::string_view version)
     run.count("seed", settings.seed);
     run.flag("simulated", result.simulated);
     run.raw("inputs", inputs.value(1));
+    run.texts("changedInputs", changed);
     run.text("outcome", outcomeText(result.outcome));
     if (result.outcome == PlanOutcome::None)
         run.nothing("outcomeTime");
     else
         run.time("outcomeTime", result.outcomeTime);
-    if (result.error)
+    if (result.error) {
         run.text("error", *result.error);
-    else
+        run.time("errorTime", result.errorTime);
+    } else {
         run.nothing("error");
+        run.nothing("errorTime");
+    }
     return run.document();
 }
 

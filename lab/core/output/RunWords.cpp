@@ -28,6 +28,16 @@ std::string_view outcomeText(PlanOutcome outcome)
     return texts[static_cast<std::size_t>(outcome)];
 }
 
+std::vector<RunInput> runInputs(const RunResult& result)
+{
+    if (!result.inputs.empty())
+        return result.inputs;
+    std::vector<RunInput> inputs;
+    for (const auto& [name, literal] : result.settings.inputs)
+        inputs.push_back({name, literal, true});
+    return inputs;
+}
+
 const std::string& symbolOf(const TradeRow& trade, const RunResult& result)
 {
     return trade.symbol.empty() ? result.settings.symbol : trade.symbol;

@@ -3,6 +3,7 @@
 #include "lab/core/RunResult.h"
 
 #include <string_view>
+#include <vector>
 
 namespace lab {
 
@@ -12,6 +13,9 @@ namespace lab {
 [[nodiscard]] std::string_view extremesText(ExtremeOrder order); ///< usual, high-first or low-first
 [[nodiscard]] std::string_view rulesText(AccountRules rules);    ///< demo or plan
 [[nodiscard]] std::string_view outcomeText(PlanOutcome outcome); ///< none, passed, daily-loss or total-loss
+
+/// The inputs that a run had: all of its script, or those that it was given where no more is known.
+[[nodiscard]] std::vector<RunInput> runInputs(const RunResult& result);
 
 // Trades of one account may be in several symbols, those of a run are not.
 

@@ -263,6 +263,19 @@ void readSummary(const fs::path& file, SavedRun& run)
         place.fail("this is no summary of a run");
 }
 
+/// Figures do not need it, so a folder may lack it.
+void readOrigin(const fs::path& file, SavedRun& run)
+{
+    std::error_code error;
+    if (!fs::exists(file, error))
+        return;
+    const auto origin = nlohmann::json::parse(contentOf(file), nullptr, false);
+    if (!origin.is_object())
+        Place{file}.fail("this is no JSON of a run");
+    const auto simulated = origin.find("simulated");
+    run.simulated = simulated != origin.end() && simulated->is_boolean() && simulated->get<bool>();
+}
+
 } // namespace
 
 SavedRun readSavedRun(const fs::path& folder)
@@ -275,6 +288,7 @@ SavedRun readSavedRun(const fs::path& folder)
     readSummary(folder / "summary.json", run);
     readTrades(folder / "trades.csv", run);
     readEquity(folder / "equity.csv", run);
+    readOrigin(folder / "run.json", run);
     return run;
 }
 

@@ -18,14 +18,15 @@ struct SavedRun {
     /// Numbers of summary.json in its order; nothing where the figure is undefined.
     std::vector<std::pair<std::string, std::optional<double>>> figures;
     std::vector<std::string> warnings;
-    std::string symbol; ///< of the trades that name none of their own; empty without trades
-    int digits = 5;     ///< of their prices
+    bool simulated = false; ///< its prices; false where the folder does not tell
+    std::string symbol;     ///< of the trades that name none of their own; empty without trades
+    int digits = 5;         ///< of their prices
     std::vector<TradeRow> trades;
     std::vector<EquityPoint> equity;
 };
 
-/// Reads summary.json, trades.csv and equity.csv of the folder. Throws OutputError, "file:line: reason",
-/// where one is missing or damaged.
+/// Reads summary.json, trades.csv and equity.csv of the folder, and run.json where there is one. Throws
+/// OutputError, "file:line: reason", where one is missing or damaged.
 [[nodiscard]] SavedRun readSavedRun(const std::filesystem::path& folder);
 
 } // namespace lab

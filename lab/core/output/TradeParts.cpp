@@ -116,6 +116,21 @@ std::string tradeLine(const TradeRow& trade, const RunResult& result, bool withS
     return html;
 }
 
+std::string reasonsTable(const RunResult& result)
+{
+    std::string html = "<table>\n<caption>Closed by</caption>\n<thead><tr><th scope=\"col\">Reason</th><th "
+                       "scope=\"col\" class=\"n\">Trades</th><th scope=\"col\" class=\"n\">Share</th><th "
+                       "scope=\"col\" class=\"n\">Net</th></tr></thead>\n<tbody>\n";
+    for (const ExitSum& sum : exitSums(result)) {
+        const auto net = static_cast<double>(sum.net);
+        html += "<tr><th scope=\"row\">" + std::string(reasonText(sum.reason)) + "</th><td class=\"n\">"
+            + countText(sum.trades) + "</td><td class=\"n\">"
+            + percentText(static_cast<double>(sum.trades) / static_cast<double>(result.trades.size()), 1)
+            + "</td><td" + std::string(signedCell(net)) + '>' + centsText(net) + "</td></tr>\n";
+    }
+    return html + "</tbody>\n</table>\n";
+}
+
 std::string reasonsLegend(bool withScript)
 {
     using Reason = std::pair<ExitReason, std::string_view>;
@@ -193,6 +208,7 @@ std::string tradesPart(const RunResult& result, const PageLimits& limits)
         html += "<p class=\"note\">The " + countText(count) + " latest; "
             + countText(result.trades.size() - count)
             + " earlier trades are left out here, trades.csv has all of them.</p>\n";
+    html += reasonsTable(result);
     html += "<div class=\"tall\" tabindex=\"0\" role=\"region\" aria-label=\"List of "
             "trades\"><table>\n<caption hidden>"
             "Closed trades</caption>\n<thead><tr><th scope=\"col\" class=\"n\">Ticket</th>"
@@ -238,7 +254,8 @@ std::string journalPart(const RunResult& result, const PageLimits& limits)
     std::string html;
     if (first > 0)
         html += "<p class=\"note\">The " + countText(lines.size()) + " latest lines; " + countText(first)
-            + " earlier ones are left out here, journal.txt has all of them.</p>\n";
+            + " earlier ones are left out here, journal.txt has "
+            + (result.journalLeftOut > 0 ? "those that were kept" : "all of them") + ".</p>\n";
     html += "<div class=\"tall\" tabindex=\"0\" role=\"region\" aria-label=\"Journal\"><pre "
             "class=\"journal\">";
     for (auto line = lines.rbegin(); line != lines.rend(); ++line)

@@ -1,5 +1,6 @@
 #include "lab/core/study/Challenge.h"
 
+#include "lab/core/figures/Warnings.h"
 #include "lab/core/output/JsonObject.h"
 #include "lab/core/output/RunWords.h"
 #include "lab/core/output/Texts.h"
@@ -23,6 +24,14 @@ Figure median(std::vector<double> values)
     std::ranges::sort(values);
     const std::size_t half = values.size() / 2;
     return values.size() % 2 == 1 ? values[half] : (values[half - 1] + values[half]) / 2;
+}
+
+/// The first and the last, as JSON; `rows` are in the order of their seeds.
+std::string seedsJson(const std::vector<ChallengeRow>& rows)
+{
+    if (rows.empty())
+        return "null";
+    return '[' + std::to_string(rows.front().seed) + ',' + std::to_string(rows.back().seed) + ']';
 }
 
 } // namespace
@@ -105,10 +114,19 @@ std::string challengeCsv(const std::vector<ChallengeRow>& rows)
     return csv;
 }
 
+std::vector<std::string> challengeWarnings(const RunResult& about)
+{
+    std::vector<std::string> warnings = about.warnings;
+    if (about.simulated)
+        warnings.push_back(simulatedWarning());
+    return warnings;
+}
+
 std::string challengeJson(
     const std::vector<ChallengeRow>& rows, const RunResult& about, std::string_view version)
 {
     const ChallengeSummary summary = challengeSummary(rows);
+    const RunSettings& settings = about.settings;
     JsonObject inputs;
     for (const auto& [name, value] : about.settings.inputs)
         inputs.text(name, value);
@@ -116,10 +134,24 @@ std::string challengeJson(
     json.count("format", 1);
     json.text("version", version);
     json.text("scriptHash", hexText(about.scriptHash));
-    json.text("symbol", about.settings.symbol);
-    json.text("timeframe", practice::timeframeKey(about.settings.timeframe));
-    json.text("model", modelText(about.settings.model));
-    json.money("balance", about.settings.balance);
+    json.text("dataHash", hexText(about.dataHash));
+    json.text("symbol", settings.symbol);
+    json.text("timeframe", practice::timeframeKey(settings.timeframe));
+    json.time("from", settings.from);
+    json.time("to", settings.to);
+    json.count("warmupWanted", static_cast<std::uint64_t>(std::max(0, settings.warmup())));
+    json.text("model", modelText(settings.model));
+    json.text("extremes", extremesText(settings.extremes));
+    if (settings.spreadPoints)
+        json.raw("spread", std::to_string(*settings.spreadPoints));
+    else
+        json.nothing("spread");
+    json.raw("delay", std::to_string(settings.delayMs));
+    json.text("account", rulesText(settings.rules));
+    json.money("balance", settings.balance);
+    json.raw("leverage", std::to_string(settings.leverage));
+    json.flag("simulated", about.simulated);
+    json.raw("seeds", about.simulated ? seedsJson(rows) : "null");
     json.raw("inputs", inputs.value(1));
     json.count("starts", summary.starts);
     json.count("failed", summary.failed);
@@ -132,6 +164,7 @@ std::string challengeJson(
         part.number("medianDays", share.medianDays);
         json.raw(outcomeText(share.outcome), part.value(1));
     }
+    json.texts("warnings", challengeWarnings(about));
     return json.document();
 }
 

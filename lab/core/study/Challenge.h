@@ -49,7 +49,11 @@ struct ChallengeSummary {
 /// challenge.csv: a line for each start.
 [[nodiscard]] std::string challengeCsv(const std::vector<ChallengeRow>& rows);
 
-/// challenge.json: the summary. `about` has been run.
+/// What a reader has to know before believing the shares: the warnings of `about`, and whether the prices are
+/// simulated.
+[[nodiscard]] std::vector<std::string> challengeWarnings(const RunResult& about);
+
+/// challenge.json: the summary. `about` has been run, from the first start on.
 [[nodiscard]] std::string challengeJson(
     const std::vector<ChallengeRow>& rows, const RunResult& about, std::string_view version);
 

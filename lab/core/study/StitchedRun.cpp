@@ -24,6 +24,7 @@ void StitchedRun::add(const RunResult& run)
     if (!m_result) {
         m_result = run;
         m_result->settings.inputs.clear();
+        m_result->inputs.clear(); // those of one part alone
         return;
     }
     RunResult& all = *m_result;
@@ -46,12 +47,14 @@ void StitchedRun::add(const RunResult& run)
             all.chart.push_back(bar);
     }
     all.journal.insert(all.journal.end(), run.journal.begin(), run.journal.end());
+    all.journalLeftOut += run.journalLeftOut;
     all.exposedMs += run.exposedMs;
     all.refusals += run.refusals;
     all.outcome = run.outcome;
     all.outcomeTime = run.outcomeTime;
     all.lastPrice = run.lastPrice;
     all.error = run.error;
+    all.errorTime = run.errorTime;
     all.tickPrint = practice::hashKey({all.tickPrint, run.tickPrint});
     all.decisionPrint = practice::hashKey({all.decisionPrint, run.decisionPrint});
     all.equityDrawdown.fraction = std::max(all.equityDrawdown.fraction, run.equityDrawdown.fraction);

@@ -81,6 +81,8 @@ TEST_CASE("a plan is run over simulated markets, with the same bytes whoever doe
     }
     const std::string csv = study.contentOf("one/challenge.csv");
     CHECK_EQ(std::ranges::count(csv, '\n'), 7);
+    CHECK(contains(result.output, "The prices are simulated"));
+    CHECK(json(study, "one/challenge.json").at("simulated").get<bool>());
     CHECK(contains(csv, ",8,"));
 
     CHECK_EQ(study.lab
@@ -134,6 +136,32 @@ TEST_CASE("a challenge that is stopped keeps its starts, and goes on from there 
     CHECK(contains(study.lab.run(again).errors, "belongs to another challenge: the starts differ;"));
     again.insert(again.end(), {"--delay", "5"});
     CHECK(contains(study.lab.run(again).errors, "belongs to another challenge: the settings differ;"));
+}
+
+TEST_CASE("a challenge's file says what was tried")
+{
+    const StudyFolder study;
+    writeBets(study);
+    CHECK_EQ(study.lab.run(simulated("3..4", "s")).exitCode, 0);
+    const auto simulation = json(study, "s/challenge.json");
+    CHECK_EQ(simulation.at("seeds").dump(), "[3,4]");
+    CHECK_EQ(simulation.at("from").get<std::string>(), "2024-01-01T00:00:00.000Z");
+    CHECK_EQ(simulation.at("to").get<std::string>(), "2024-01-03T00:00:00.000Z");
+    CHECK_EQ(simulation.at("warmupWanted").get<int>(), 10);
+    CHECK_EQ(simulation.at("account").get<std::string>(), "plan");
+    CHECK_EQ(simulation.at("leverage").get<int>(), 100);
+    CHECK_EQ(simulation.at("delay").get<int>(), 0);
+    CHECK(simulation.at("spread").is_null());
+    CHECK_EQ(simulation.at("dataHash").get<std::string>().size(), 16U);
+
+    CHECK_EQ(study.run("challenge", "Bets.js", {"--starts", "daily", "--out", "d"}).exitCode, 0);
+    const auto recorded = json(study, "d/challenge.json");
+    CHECK(recorded.at("seeds").is_null());
+    CHECK(!recorded.at("simulated").get<bool>());
+    CHECK_EQ(study.run("run", "Bets.js", {"--out", "r"}).exitCode, 0);
+    const auto run = json(study, "r/run.json");
+    for (const char* key : {"from", "to", "dataHash", "extremes"})
+        CHECK_EQ(recorded.at(key).dump(), run.at(key).dump());
 }
 
 TEST_CASE("starts that fail are marked, and leave nothing to go on with")

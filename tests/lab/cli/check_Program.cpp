@@ -8,7 +8,9 @@
 
 #include <algorithm>
 #include <csignal>
+#include <cstdlib>
 #include <fstream>
+#include <iostream>
 #include <iterator>
 #include <set>
 
@@ -81,6 +83,13 @@ bool sameFiles(const fs::path& one, const fs::path& other)
 bool contains(const std::string& text, const std::string& part)
 {
     return text.find(part) != std::string::npos;
+}
+
+/// Broken lines put together again.
+std::string joined(std::string text)
+{
+    std::ranges::replace(text, '\n', ' ');
+    return text;
 }
 
 bool isOneLine(const std::string& text)
@@ -251,7 +260,80 @@ TEST_CASE("an input changes the run, and is written down")
     CHECK_EQ(bench.run(crossing, {"--out", "one"}).exitCode, 0);
     CHECK_EQ(bench.run(crossing, {"--out", "two", "--set", "Slow=40", "--set", "Fast=5"}).exitCode, 0);
     CHECK(contentOf(bench.folder / "one/trades.csv") != contentOf(bench.folder / "two/trades.csv"));
-    CHECK_EQ(bench.json("two/run.json").at("inputs").dump(), R"({"Fast":"5","Slow":"40"})");
+    CHECK_EQ(bench.json("two/run.json").at("inputs").dump(), R"({"Fast":"5","Lots":"0.10","Slow":"40"})");
+}
+
+TEST_CASE("a run tells all inputs of its script, and which of them were changed")
+{
+    const Bench bench;
+    write(bench.folder / "Idle.js",
+        "var Fast = 10; // bars\nvar Slow = 30;\nvar Mode = 'calm';\nvar calls = 0;\n"
+        "function OnTick() { ++calls; }\n");
+    CHECK_EQ(bench.run("Idle.js", {"--out", "one", "--set", "Slow=40", "--set", "Fast=10"}).exitCode, 0);
+    CHECK_EQ(bench.json("one/run.json").at("inputs").dump(), R"({"Fast":"10","Mode":"'calm'","Slow":"40"})");
+    CHECK_EQ(bench.json("one/run.json").at("changedInputs").dump(), R"(["Slow"])");
+    const std::string page = contentOf(bench.folder / "one/report.html");
+    CHECK(contains(page, "<th scope=\"row\">Fast</th><td>10</td>"));
+    CHECK(contains(page, "<th scope=\"row\">Slow</th><td>40 (changed)</td>"));
+    CHECK(!contains(page, "<th scope=\"row\">calls</th>"));
+}
+
+TEST_CASE("the reasons of closings are counted on the terminal and on the page")
+{
+    const Bench bench;
+    const Result result = bench.run(crossing);
+    const std::string trades = contentOf(bench.folder / "MA_Cross-EURUSD/trades.csv");
+    std::size_t count = 0;
+    for (std::size_t place = trades.find(",SCRIPT,"); place != std::string::npos;
+         place = trades.find(",SCRIPT,", place + 1))
+        ++count;
+    REQUIRE(count > 0);
+    CHECK(contains(result.output, "\nClosed by  "));
+    CHECK(contains(result.output, "SCRIPT " + std::to_string(count)));
+    CHECK(contains(contentOf(bench.folder / "MA_Cross-EURUSD/report.html"),
+        "<th scope=\"row\">SCRIPT</th><td class=\"n\">" + std::to_string(count) + "</td>"));
+}
+
+TEST_CASE("a run's files and prices alone lead another reckoning to the same figures")
+{
+    const Bench bench;
+    write(bench.folder / "Clock.js",
+        "var calls = 0;\n"
+        "function OnTick() {\n"
+        "    ++calls;\n"
+        "    if (new Date().getUTCHours() >= 20) {\n" // before a swap
+        "        if (Positions.count() > 0) Trade.closeAll();\n"
+        "        return;\n"
+        "    }\n"
+        "    if (calls % 97 !== 0 || Positions.count() > 0) return;\n"
+        "    if (calls % 2 === 0) Trade.buy(2, { slPoints: 40, tpPoints: 60 });\n"
+        "    else Trade.sell(1.5, { slPoints: 60, tpPoints: 40 });\n"
+        "}\n");
+    CHECK_EQ(bench.run("Clock.js", {"--spread", "8", "--out", "r"}).exitCode, 0);
+    const auto reckoned = [&bench](const std::string& halfSpread) {
+        const std::string folder = bench.folder.path().string();
+        return std::system(("/usr/bin/python3 '" + std::string(PROJECT_ROOT)
+            + "/tests/lab/cli/figures_from_files.py' '" + folder + "/r' '" + folder + "/EURUSD-1m.csv' "
+            + halfSpread + " 100000 > '" + folder + "/reckoned' 2>&1")
+                               .c_str());
+    };
+    const int status = reckoned("0.00004");
+    if (status != 0)
+        std::cout << contentOf(bench.folder / "reckoned");
+    CHECK_EQ(status, 0);
+    CHECK(reckoned("0.00005") != 0); // it can fail
+}
+
+TEST_CASE("a symbol that the platform does not list is warned of")
+{
+    const Bench bench;
+    writeMinutes(bench.folder / "NZDUSD-1m.csv");
+    const Result result = bench.lab.run({"run", crossing, "--data", "NZDUSD-1m.csv", "--warmup", "100"});
+    CHECK_EQ(result.exitCode, 0);
+    CHECK(contains(
+        result.output, "! The practice platform does not list NZDUSD: taken with a contract of 1 NZD"));
+    CHECK(contains(contentOf(bench.folder / "MA_Cross-NZDUSD/report.html"),
+        "<li>The practice platform does not list NZDUSD"));
 }
 
 TEST_CASE("inputs are listed with their comments")
@@ -350,6 +432,14 @@ TEST_CASE("a script that fails ends early, with a report up to there")
     CHECK(filesIn(bench.folder / "Fails-EURUSD") == resultFiles);
     CHECK_EQ(bench.json("Fails-EURUSD/summary.json").at("ticks").get<int>(), 500);
     CHECK(contains(contentOf(bench.folder / "Fails-EURUSD/report.html"), "ended early"));
+    // Four calls a minute, after a hundred bars.
+    CHECK_EQ(
+        bench.json("Fails-EURUSD/run.json").at("errorTime").get<std::string>(), "2024-01-02T03:04:59.999Z");
+    CHECK(contains(contentOf(bench.folder / "Fails-EURUSD/report.html"),
+        "to 2024-01-07 00:00 UTC, ended early on 2024-01-02 03:04</p>"));
+    CHECK(contains(result.errors, "ended early, on 2024-01-02 03:04 UTC: Fails"));
+    CHECK_EQ(bench.run(crossing).exitCode, 0);
+    CHECK(bench.json("MA_Cross-EURUSD/run.json").at("errorTime").is_null());
 }
 
 TEST_CASE("a script that never returns is ended by the limit")
@@ -481,10 +571,28 @@ TEST_CASE("results are compared on the terminal and as a page")
     CHECK(contains(result.output, "Net profit"));
     CHECK(contains(result.output, "differ from trade"));
     CHECK(filesIn(bench.folder / "both") == std::set<std::string>{"compare.html"});
+    CHECK(!contains(result.output, "simulated"));
     const Result missing = bench.lab.run({"compare", "one", "nothing"});
     CHECK_EQ(missing.exitCode, 2);
     CHECK(isOneLine(missing.errors));
     CHECK(contains(missing.errors, "nothing"));
+}
+
+TEST_CASE("a comparison says which runs have simulated prices")
+{
+    const Bench bench;
+    CHECK_EQ(bench.run(crossing, {"--out", "real"}).exitCode, 0);
+    for (const std::string seed : {"1", "2"})
+        CHECK_EQ(bench.lab
+                     .run({"run", crossing, "--symbol", "EURUSD", "--seed", seed, "--from", "2024-01-01",
+                         "--to", "2024-01-03", "--warmup", "100", "--out", "seed" + seed})
+                     .exitCode,
+            0);
+    const std::string words = "The prices of seed1 and seed2 are simulated: they can show the risk of a "
+                              "strategy, never an edge.";
+    const Result result = bench.lab.run({"compare", "seed1", "real", "seed2", "--out", "all"});
+    CHECK(contains(joined(result.output), words));
+    CHECK(contains(contentOf(bench.folder / "all/compare.html"), "<ul class=\"warnings\">\n<li>" + words));
 }
 
 TEST_CASE("a check passes for the examples and writes its run")

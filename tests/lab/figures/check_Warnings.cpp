@@ -145,9 +145,9 @@ TEST_CASE("the verdict says profit and trades and depth and how the plan ended")
     result.equityDrawdown = {.fraction = 0.0512, .money = 5'000};
     result.outcome = PlanOutcome::DailyLoss;
     CHECK_EQ(verdictOf(result, figuresOf(result)),
-        std::string(
-            "Net profit 250.00 (25.0 %) in 40 trades over 60 days, deepest fall of equity 5.1 %. The plan "
-            "failed: the daily loss limit was reached."));
+        std::string("Net profit 250.00 (25.0 %) in 40 trades over 60 calendar days, deepest fall of equity "
+                    "5.1 %. The plan "
+                    "failed: the daily loss limit was reached."));
     CHECK(warns(result, "daily loss limit was reached"));
 }
 
@@ -155,7 +155,7 @@ TEST_CASE("a run without anything has a verdict too")
 {
     const RunResult result;
     CHECK_EQ(verdictOf(result, figuresOf(result)),
-        std::string("Net profit 0.00 in 0 trades over 0 days, deepest fall of equity 0.0 %."));
+        std::string("Net profit 0.00 in 0 trades over 0 calendar days, deepest fall of equity 0.0 %."));
 }
 
 CHECK_MAIN()

@@ -239,6 +239,9 @@ TEST_CASE("a long run makes a page of three megabytes at most")
     CHECK(data.at("drawdown").at("fall").size() <= 2'000);
     CHECK(data.at("bars").at("close").size() <= 12'000);
     CHECK(has(page, "earlier ones are left out here, journal.txt has all of them"));
+    run.journalLeftOut = 211;
+    CHECK(!has(pageOf(run), "journal.txt has all of them"));
+    CHECK(has(pageOf(run), "earlier ones are left out here, journal.txt has those that were kept"));
 }
 
 TEST_CASE("a long run makes room for further parts")

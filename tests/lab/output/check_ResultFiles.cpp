@@ -109,9 +109,11 @@ TEST_CASE("a run says what it was")
     "Fast": "5",
     "Name": "\"slow \u0026 steady\""
   },
+  "changedInputs": ["Fast", "Name"],
   "outcome": "none",
   "outcomeTime": null,
-  "error": null
+  "error": null,
+  "errorTime": null
 }
 )json");
 }
@@ -124,12 +126,14 @@ TEST_CASE("an early end and a failed plan are in the run's file")
     run.outcome = PlanOutcome::DailyLoss;
     run.outcomeTime = samples::monday;
     run.error = "average.js:3: no such name";
+    run.errorTime = samples::monday + practice::hourMs;
     const auto json = nlohmann::json::parse(runJson(run, "1"));
     CHECK_EQ(json.at("account"), "plan");
     CHECK_EQ(json.at("spread"), 12);
     CHECK_EQ(json.at("outcome"), "daily-loss");
     CHECK_EQ(json.at("outcomeTime"), "2024-01-01T00:00:00.000Z");
     CHECK_EQ(json.at("error"), "average.js:3: no such name");
+    CHECK_EQ(json.at("errorTime"), "2024-01-01T01:00:00.000Z");
 }
 
 TEST_CASE("the summary has every figure in its order, and null where there is none")

@@ -335,7 +335,10 @@ private Q_SLOTS:
         const RunResult result = run(u"for (;;) Print('again and again');"_s, control);
         QVERIFY(result.journal.size() <= 2 * 5000 + 1);
         QCOMPARE(result.warnings.size(), std::size_t{1});
-        QVERIFY(result.warnings[0].find("in the middle are left out") != std::string::npos);
+        QVERIFY(result.warnings[0].find("in the middle are left out.") != std::string::npos);
+        QVERIFY(result.journalLeftOut > 0);
+        QVERIFY(result.warnings[0].find(' ' + std::to_string(result.journalLeftOut) + " in the middle")
+            != std::string::npos);
     }
 
     void aMillionOrdersAreWorkedOff()
