@@ -65,6 +65,29 @@ TEST_CASE("what was put is there when the file is opened again")
     CHECK_EQ(store.finished().size(), 2U);
 }
 
+TEST_CASE("runs are kept as the bytes that they are, the last one of a number")
+{
+    const TemporaryFolder folder;
+    const auto file = folder / "s.sqlite";
+    const std::string bytes("a\0\xFF'b", 5);
+    {
+        StudyStore store = StudyStore::create(file, identity);
+        CHECK(store.runs().empty());
+        store.putRun(7, "former");
+        store.putRun(7, bytes);
+        store.putRun(2, std::string());
+    }
+    const StudyStore store = StudyStore::open(file);
+    CHECK((store.runs() == std::map<std::uint64_t, std::string>{{2, ""}, {7, bytes}}));
+    CHECK(store.results().empty());
+}
+
+TEST_CASE("names of one and of many differ in their verb, too")
+{
+    CHECK_EQ(lab::differs("the script"), "the script differs");
+    CHECK_EQ(lab::differs("the prices"), "the prices differ");
+}
+
 TEST_CASE("another script or other prices are noticed by name")
 {
     const TemporaryFolder folder;
