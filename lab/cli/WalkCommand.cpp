@@ -107,12 +107,13 @@ std::string endingOf(const RunResult& result, practice::Cents balance)
     return balance > 0 ? std::string() : std::string("nothing is left of the balance");
 }
 
-/// The time behind each window, with what it has chosen and with the balance that the one before has left.
+/// The time behind each window, with what it has chosen and with the account that the one before has left.
 StitchedRun test(const StudyBench& bench, Walk& walk)
 {
     Progress progress("Trying what was chosen");
     StitchedRun stitched;
     practice::Cents balance = bench.options().settings.balance;
+    std::optional<PlanCourse> course;
     for (std::size_t number = 0; number < walk.rows.size(); ++number) {
         WalkRow& row = walk.rows[number];
         progress.show(static_cast<double>(number) / static_cast<double>(walk.rows.size()));
@@ -122,12 +123,15 @@ StitchedRun test(const StudyBench& bench, Walk& walk)
         settings.from = row.window.testFrom;
         settings.to = row.window.testTo;
         settings.balance = balance;
+        settings.course = course;
+        settings.goesOn = number + 1 < walk.rows.size();
         const RunResult result = bench.run(settings);
         if (stopFlag())
             break;
         row.test = figuresOf(result);
         stitched.add(result);
         balance = result.equity.empty() ? balance : result.equity.back().balance;
+        course = result.course;
         row.ending = endingOf(result, balance);
         if (!row.ending.empty())
             break;

@@ -110,6 +110,7 @@ struct RunResult {
     std::uint64_t bars = 0;       ///< of the chart, without those before the first tick
     std::uint64_t ticks = 0;      ///< calls of the script
     practice::Cents startBalance = 0;
+    PlanCourse course;               ///< at the end
     std::vector<TradeRow> trades;    ///< in the order of closing
     std::vector<EquityPoint> equity; ///< start, each change of the balance, end of each UTC day, end
     std::vector<DayRow> days;

@@ -28,6 +28,13 @@ enum class ExtremeOrder {
 
 enum class AccountRules { Demo, Plan };
 
+/// What the limits of a plan's account are counted from, money in cents.
+struct PlanCourse {
+    practice::Cents initialBalance = 0;
+    practice::Cents dayStartEquity = 0; ///< when the UTC day `dayIndex` began
+    std::int64_t dayIndex = 0;          ///< since 1970-01-01; 0: it has seen no day yet
+};
+
 /// So many bars does a chart begin with when nobody says otherwise.
 inline constexpr int usualWarmup = 1500;
 
@@ -46,8 +53,12 @@ struct RunSettings {
     practice::TimeMs delayMs = 0;             ///< from a script's order to its execution
     AccountRules rules = AccountRules::Demo;
     practice::Cents balance = 10'000'000;
+    std::optional<PlanCourse> course; ///< of an account that another run has left; absent: it begins
+    /// Another run takes the account over: what the end closes counts for its plan.
+    bool goesOn = false;
     int leverage = 100;
     std::uint64_t seed = 1; ///< of everything random, the script's included
+    double speed = 1;       ///< of simulated prices: a minute moves as far as so many minutes
     std::vector<std::pair<std::string, std::string>>
         inputs; ///< name and literal, as given, in the script's order
 

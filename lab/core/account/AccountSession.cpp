@@ -36,7 +36,7 @@ practice::IdSource countedIds()
     return [last = 0]() mutable { return std::to_string(++last); };
 }
 
-// Its day begins with the first price that the broker sees.
+// The day of one that begins is that of the first price that the broker sees.
 practice::BrokerState stateFor(const RunSettings& settings)
 {
     practice::Account account;
@@ -46,6 +46,11 @@ practice::BrokerState stateFor(const RunSettings& settings)
     if (settings.rules == AccountRules::Plan) {
         account.kind = practice::AccountKind::Plan;
         account.plan = {"Lab", 1}; // one phase: whoever reaches its target has passed
+    }
+    if (settings.course) {
+        account.initialBalance = settings.course->initialBalance;
+        account.dayStartEquity = settings.course->dayStartEquity;
+        account.dayIndex = settings.course->dayIndex;
     }
     return {{account}, {}};
 }
@@ -383,7 +388,8 @@ Cents AccountSession::halfSpreadCost(practice::LotHundredths lots) const
 // An account that has lost too much in both ways has failed for good.
 void AccountSession::noteOutcome()
 {
-    if (m_outcome != PlanOutcome::None || m_isEnding || m_account.status == practice::AccountStatus::Active)
+    const bool counts = !m_isEnding || m_settings.goesOn;
+    if (m_outcome != PlanOutcome::None || !counts || m_account.status == practice::AccountStatus::Active)
         return;
     if (m_account.status == practice::AccountStatus::Passed)
         m_outcome = PlanOutcome::Passed;
@@ -422,6 +428,8 @@ void AccountSession::finish(RunResult& result)
     if (total != m_account.balance)
         throw std::logic_error("The trades do not add up to the balance.");
     result.startBalance = m_settings.balance;
+    const practice::Account& account = *m_broker.account(accountId);
+    result.course = {account.initialBalance, account.dayStartEquity, account.dayIndex};
     result.trades = std::move(m_trades);
     result.exposedMs = m_exposedMs;
     result.refusals = m_refusals;

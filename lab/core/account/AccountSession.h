@@ -78,10 +78,10 @@ public:
         return m_outcome != PlanOutcome::None || (m_positions.empty() && m_account.balance <= 0);
     }
 
-    /// Closes what is open at the last price, which is no success of the script's and passes no plan; what
-    /// has not been carried out yet never will be. Fills in startBalance, trades, equity, days, the
-    /// drawdowns, exposedMs, refusals, outcome with its time and decisionPrint, adds to the warnings, and
-    /// leaves the rest of the result alone. To be called once, last.
+    /// Closes what is open at the last price, which is no success of the script's and passes no plan, unless
+    /// the account goes on; what has not been carried out yet never will be. Fills in startBalance, course,
+    /// trades, equity, days, the drawdowns, exposedMs, refusals, outcome with its time and decisionPrint,
+    /// adds to the warnings, and leaves the rest of the result alone. To be called once, last.
     void finish(RunResult& result);
 
 private:

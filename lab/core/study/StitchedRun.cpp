@@ -50,6 +50,7 @@ void StitchedRun::add(const RunResult& run)
     all.journalLeftOut += run.journalLeftOut;
     all.exposedMs += run.exposedMs;
     all.refusals += run.refusals;
+    all.course = run.course;
     all.outcome = run.outcome;
     all.outcomeTime = run.outcomeTime;
     all.lastPrice = run.lastPrice;

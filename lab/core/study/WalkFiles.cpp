@@ -213,7 +213,7 @@ std::string walkPart(const Walk& walk)
         + " on its past" + (walk.isAnchored ? ", from the first day on" : "")
         + "; this page shows the times behind the choices, one after the other. Between windows all "
           "positions are "
-          "closed (END) and the script starts anew. Efficiency: "
+          "closed (END) and the script starts anew; the account, with its plan, goes on. Efficiency: "
         + figureText(FigureKind::Fraction, walk.efficiency()) + " ("
         + (walk.efficiency() ? std::string() : walk.efficiencyGap() + "; ")
         + "growth a year over these times / mean growth a year of the choices on their pasts).</p>\n"
@@ -227,10 +227,12 @@ std::string walkPart(const Walk& walk)
         html += "<th scope=\"col\" class=\"n\">" + escaped(figureRow(key)->name) + "</th>";
     html += "<th scope=\"col\" class=\"n\">Efficiency</th></tr></thead>\n<tbody>\n";
     for (const WalkRow& row : walk.rows) {
+        const std::string inputs
+            = row.chosen ? shortened(inputsText(walk.grid.inputsOf(row.chosen->number)), 200) : std::string();
+        const std::string reason = row.reason(walk.order);
         html += "<tr><td>" + dateText(row.window.trainFrom) + "</td><td>" + dateText(row.window.testFrom)
             + "</td><td>" + dateText(row.window.testTo) + "</td><td>"
-            + (row.chosen ? escaped(shortened(inputsText(walk.grid.inputsOf(row.chosen->number)), 200))
-                          : escaped(row.reason(walk.order)))
+            + escaped(inputs + (inputs.empty() || reason.empty() ? "" : "; ") + reason)
             + "</td><td class=\"n\">"
             + figureHtml(FigureKind::Fraction, trainings(row, "cagr"), whyNoGrowth(row)) + "</td>";
         for (const std::string_view key : testKeys)

@@ -356,6 +356,17 @@ TEST_CASE("a plan fails when a tenth is lost, over however many days")
     CHECK_EQ(result.trades.at(0).net(), 899'960 - 1'000'000);
 }
 
+TEST_CASE("a jump that breaks both limits at once is the total loss")
+{
+    Session session(planOf(10'000));
+    session.price(0, 108'500);
+    session->order(Side::Buy, 1, none, none);
+    session.gap(20 * second, 107'300);
+    const RunResult result = session.finish();
+    CHECK_EQ(result.outcome, PlanOutcome::TotalLoss);
+    CHECK_EQ(result.outcomeTime, tenOClock + 20 * second);
+}
+
 TEST_CASE("a plan has passed when a tenth is gained and nothing is open")
 {
     for (const bool enough : {true, false}) {
@@ -394,6 +405,53 @@ TEST_CASE("what the end of the run closes passes no plan")
     CHECK_EQ(result.outcome, PlanOutcome::None);
     CHECK_EQ(result.trades.at(0).reason, ExitReason::End);
     CHECK_EQ(result.equity.back().balance, 1'108'500);
+}
+
+TEST_CASE("an account that goes on keeps the beginnings that its plan counts from")
+{
+    Session before(planOf(10'000));
+    before.price(0, 108'500);
+    before->order(Side::Buy, 1, none, none);
+    before.price(20 * second, 108'100);
+    const RunResult first = before.finish();
+    CHECK_EQ(first.equity.back().balance, 958'500);
+    CHECK_EQ(first.course.initialBalance, 1'000'000);
+    CHECK_EQ(first.course.dayStartEquity, 1'000'000);
+    CHECK_EQ(first.course.dayIndex, 20'000);
+
+    // On the same day 9 585 - 7 - 78 is too little; the next one begins with 9 585, and may lose more.
+    for (const bool reached : {true, false}) {
+        Session after(planOf(9'585));
+        after.settings.course = first.course;
+        after.price(practice::minuteMs, 108'100);
+        after->order(Side::Buy, 1, none, none);
+        after.price(2 * practice::minuteMs, reached ? 108'030 : 108'031);
+        CHECK_EQ(after.finish().outcome, reached ? PlanOutcome::DailyLoss : PlanOutcome::None);
+
+        Session later(planOf(9'585));
+        later.settings.course = first.course;
+        later.price(toMidnight, 108'100);
+        later->order(Side::Buy, 1, none, none);
+        later.price(toMidnight + second, 107'700);
+        CHECK_EQ(later->isOver(), false);
+        later.gap(toMidnight + 2 * second, reached ? 107'500 : 107'700);
+        // 9 585 - 7 - 608 are below nine tenths of 10 000 and not of 9 585, and a day's loss as well.
+        CHECK_EQ(later.finish().outcome, reached ? PlanOutcome::TotalLoss : PlanOutcome::None);
+    }
+}
+
+TEST_CASE("what the end of a run closes counts for the plan where the account goes on")
+{
+    Session session(planOf(10'000));
+    session.settings.goesOn = true;
+    session.price(0, 108'500);
+    session->order(Side::Buy, 1, none, none);
+    session.price(20 * second, 109'600);
+    CHECK(!session->isOver());
+    const RunResult result = session.finish();
+    CHECK_EQ(result.outcome, PlanOutcome::Passed);
+    CHECK_EQ(result.outcomeTime, tenOClock + 20 * second);
+    CHECK_EQ(result.trades[0].reason, ExitReason::End);
 }
 
 TEST_CASE("a loss beyond the balance is written off and said so")

@@ -57,6 +57,22 @@ struct StudyFolder {
         }
     }
 
+    /// Minutes that go one way, by so many points each, and trade within that way alone.
+    void writeSlope(int days, int pointsAMinute) const
+    {
+        std::ofstream csv(folder / "EURUSD-1m.csv");
+        csv << "time,open,high,low,close,volume\n";
+        for (int minute = 0; minute < days * 24 * 60; ++minute) {
+            const int open = 110'000 + minute * pointsAMinute;
+            const int close = open + pointsAMinute;
+            std::string time = lab::isoTime(1'704'067'200'000 + minute * practice::minuteMs);
+            time.erase(time.size() - 5, 4);
+            const auto text = [](int points) { return lab::fixedText(points / 1e5, 5); };
+            csv << time << ',' << text(open) << ',' << text(std::max(open, close)) << ','
+                << text(std::min(open, close)) << ',' << text(close) << ",10\n";
+        }
+    }
+
     void write(const std::string& file, const std::string& text) const
     {
         std::ofstream(folder / file, std::ios::binary) << text;

@@ -89,7 +89,9 @@ TEST_CASE("a walk's page says that it is one, of what, and shows its windows beh
              "Windows</th><td>3</td>", "Input Every</th><td>10, 25</td>", "Input Points</th><td>30, 60</td>",
              "Chosen by</th><td>the highest Net profit, with at least 1 trade</td>"})
         CHECK(contains(page, "<tr><th scope=\"row\">" + line));
-    CHECK(contains(page, "Between windows all positions are closed (END) and the script starts anew."));
+    CHECK(contains(page,
+        "Between windows all positions are closed (END) and the script starts anew; the account, "
+        "with its plan, goes on."));
     CHECK(page.find("id=\"figures\"") < page.find("id=\"walk\""));
     CHECK(page.find("id=\"walk\"") < page.find("id=\"balance\""));
 
@@ -235,6 +237,62 @@ TEST_CASE("a window without a choice says why, on the terminal and in the files"
     CHECK(contains(result.output, "\n4  0 of 2 sets eligible; " + reason + "\n"));
     CHECK(!contains(result.output, "Windows tested             4 of 4\n"));
     CHECK(contains(study.contentOf("w/report.html"), reason));
+}
+
+namespace {
+
+/// A plan's account with a lot that is bought as each window begins, on prices that go one way.
+Result planWalk(const StudyFolder& study, int pointsAMinute)
+{
+    study.writeSlope(8, pointsAMinute);
+    study.write("Hold.js",
+        "var Lots = 1;\n"
+        "function OnTick() { if (Positions.count() === 0) Trade.buy(Lots); }\n");
+    return study.run("walk", "Hold.js",
+        {"--set", "Lots=1,1.2", "--min-trades", "1", "--timeframe", "5m", "--train", "1d", "--test", "1d",
+            "--sort", "commission", "--account", "plan", "--out", "w"});
+}
+
+} // namespace
+
+TEST_CASE("a plan's limits count from the start of the walk, and end it")
+{
+    const StudyFolder study(1);
+    const Result result = planWalk(study, -2); // 2 887 of 100 000 a day
+    CHECK_EQ(result.exitCode, 0);
+    const auto run = nlohmann::json::parse(study.contentOf("w/run.json"));
+    CHECK_EQ(run.at("outcome").get<std::string>(), "total-loss");
+    const auto summary = nlohmann::json::parse(study.contentOf("w/summary.json"));
+    CHECK_NEAR(summary.at("endBalance").get<double>(), 90'000, 10);
+    CHECK_NEAR(summary.at("totalLimitUse").get<double>(), 1, 0.001);
+    CHECK(study.contentOf("w/trades.csv").find(",RULE,") != std::string::npos);
+
+    const auto rows = nlohmann::json::parse(study.contentOf("w/walk.json")).at("rows");
+    REQUIRE(rows.size() > 4);
+    CHECK_EQ(rows[2].at("reason").get<std::string>(), "");
+    CHECK_EQ(rows[3].at("reason").get<std::string>(), "the plan ended: total loss");
+    CHECK(!rows[3].at("netProfit").is_null());
+    CHECK_EQ(rows[4].at("reason").get<std::string>(), "the walk was over before");
+    CHECK(rows[4].at("netProfit").is_null());
+    CHECK(contains(result.output, "; the plan ended: total loss\n"));
+    const std::string page = study.contentOf("w/report.html");
+    CHECK(contains(page, "; the plan ended: total loss</td>"));
+    CHECK(contains(page, "; the walk was over before</td>"));
+}
+
+TEST_CASE("a plan has passed when what a window's end closes has reached its target")
+{
+    const StudyFolder study(1);
+    CHECK_EQ(planWalk(study, 2).exitCode, 0); // 2 865 a day
+    const auto run = nlohmann::json::parse(study.contentOf("w/run.json"));
+    CHECK_EQ(run.at("outcome").get<std::string>(), "passed");
+    const auto rows = nlohmann::json::parse(study.contentOf("w/walk.json")).at("rows");
+    REQUIRE(rows.size() > 4);
+    CHECK_EQ(rows[3].at("reason").get<std::string>(), "the plan ended: passed");
+    // The account was closed with the window's last price.
+    CHECK_EQ(run.at("outcomeTime").get<std::string>().substr(0, 16),
+        run.at("to").get<std::string>().substr(0, 11) + "00:49");
+    CHECK(rows[4].at("netProfit").is_null());
 }
 
 TEST_CASE("what a walk cannot do is said in a line")
