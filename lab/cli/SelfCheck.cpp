@@ -36,13 +36,14 @@ Cents netOf(const RunResult& result)
 /// The result as far as it is settled by this moment, as its own end cannot have touched it.
 RunResult settledPart(const RunResult& result, TimeMs end)
 {
-    // What is open at the end is closed there, within the last minute.
+    // What is open at the end is closed there, within the last minute, by the lab or in the script's last
+    // words.
     const TimeMs untouched = end - practice::minuteMs;
     RunResult part;
     part.settings.symbol = result.settings.symbol;
     part.digits = result.digits;
     for (const TradeRow& trade : result.trades) {
-        if (trade.closeTime < end && trade.reason != ExitReason::End)
+        if (trade.closeTime < untouched && trade.reason != ExitReason::End)
             part.trades.push_back(trade);
     }
     for (const EquityPoint& point : result.equity) {

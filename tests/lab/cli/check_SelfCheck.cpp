@@ -193,6 +193,16 @@ TEST_CASE("equity and journal count too, but not what the end itself has changed
     CHECK(!lab::differenceBefore(other, longer));
 }
 
+TEST_CASE("a script that closes its positions as it ends is no liar")
+{
+    const CheckRuns runs = runsOf([](const RunSettings& settings) {
+        RunResult result = tradesEverySixHours(settings);
+        result.trades.back().reason = lab::ExitReason::Script;
+        return result;
+    });
+    CHECK(lab::checkFuture(runs, runs.run(usualSettings())).holds());
+}
+
 TEST_CASE("trades that depend on the warm-up fail, with what they come to")
 {
     const CheckRuns runs = runsOf([](const RunSettings& settings) {
