@@ -109,7 +109,7 @@ void readSpeed(Options& options, const std::string& text)
     const auto speed = decimalNumber(text, 0.1, 1000);
     if (!speed)
         refuse("--speed takes a number from 0.1 to 1000", text);
-    options.speed = *speed;
+    options.settings.speed = *speed;
 }
 
 void readTimeframe(Options& options, const std::string& text)

@@ -37,7 +37,6 @@ struct Options {
     std::string account;                        ///< an id in the session; empty where it was not named
     std::vector<std::filesystem::path> results; ///< folders to compare, or the one file to report on
     std::vector<std::filesystem::path> data;    ///< recorded minutes; none: simulated prices
-    double speed = 1;                           ///< of the simulated market
     RunSettings settings;                       ///< `symbol` empty where it was not named
     bool hasTimeframe = false;                  ///< the timeframe was named
     bool hasBalance = false;                    ///< the balance was named

@@ -89,7 +89,7 @@ std::vector<MinuteHistory> simulated(Options& options, Told told)
         Progress progress("Simulating " + symbol);
         if (told == Told::Progress)
             progress.showLabel();
-        return simulatedHistory(symbol, settings.seed, options.speed, start, *settings.to);
+        return simulatedHistory(symbol, settings.seed, settings.speed, start, *settings.to);
     };
     std::vector<MinuteHistory> histories;
     histories.push_back(history(settings.symbol));

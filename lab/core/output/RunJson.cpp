@@ -62,6 +62,10 @@ std::string runJson(const RunResult& result, std::string_view version)
     run.raw("leverage", std::to_string(settings.leverage));
     run.count("seed", settings.seed);
     run.flag("simulated", result.simulated);
+    if (result.simulated)
+        run.number("speed", settings.speed);
+    else
+        run.nothing("speed");
     run.raw("inputs", inputs.value(1));
     run.texts("changedInputs", changed);
     run.text("outcome", outcomeText(result.outcome));

@@ -95,7 +95,7 @@ TEST_CASE("every option of a run arrives where it belongs")
     const lab::RunSettings& settings = options.settings;
     CHECK_EQ(settings.symbol, "EURUSD");
     CHECK_EQ(settings.seed, 7U);
-    CHECK_EQ(options.speed, 2.5);
+    CHECK_EQ(options.settings.speed, 2.5);
     CHECK(settings.timeframe == practice::Timeframe::H1);
     CHECK_EQ(settings.from.value_or(0), 1'398'902'400'000);
     CHECK_EQ(settings.to.value_or(0), 1'401'625'800'000);

@@ -105,6 +105,7 @@ TEST_CASE("a run says what it was")
   "leverage": 100,
   "seed": 1,
   "simulated": false,
+  "speed": null,
   "inputs": {
     "Fast": "5",
     "Name": "\"slow \u0026 steady\""
