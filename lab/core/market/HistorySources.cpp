@@ -44,7 +44,7 @@ MinuteHistory readHistory(const std::filesystem::path& path)
         throw HistoryError(path.string() + ": is not named SYMBOL-1m.csv");
     practice::MinuteFile file = [&] {
         try {
-            return practice::readMinuteFile(path);
+            return practice::readMinuteFile(path, 1);
         } catch (const practice::MarketDataError& error) {
             throw HistoryError(error.what());
         }

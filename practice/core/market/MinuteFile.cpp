@@ -140,7 +140,7 @@ public:
     {
     }
 
-    MinuteFile read()
+    MinuteFile read(std::size_t fewest)
     {
         readHeader();
         while (const auto line = nextLine()) {
@@ -154,8 +154,8 @@ public:
         }
         if (m_lines.failed())
             throw MarketDataError(m_name + ": cannot be read");
-        if (m_file.minutes.size() < 2)
-            fail("fewer than two minutes");
+        if (m_file.minutes.size() < fewest)
+            fail(fewest == 1 ? "no minutes" : "fewer than two minutes");
         settle();
         return std::move(m_file);
     }
@@ -374,19 +374,19 @@ std::optional<std::string> recordedSymbol(const std::filesystem::path& path)
     return isSymbolName(name) ? std::optional(std::move(name)) : std::nullopt;
 }
 
-MinuteFile readMinutes(std::istream& input, const std::string& name)
+MinuteFile readMinutes(std::istream& input, const std::string& name, std::size_t fewest)
 {
-    return MinuteReader(input, name).read();
+    return MinuteReader(input, name).read(fewest);
 }
 
-MinuteFile readMinuteFile(const std::filesystem::path& path)
+MinuteFile readMinuteFile(const std::filesystem::path& path, std::size_t fewest)
 {
     const std::string name = path.string();
     std::ifstream input(path, std::ios::binary);
     std::error_code ignored;
     if (!input || std::filesystem::is_directory(path, ignored))
         throw MarketDataError(name + ": cannot be read");
-    return readMinutes(input, name);
+    return readMinutes(input, name, fewest);
 }
 
 } // namespace practice
