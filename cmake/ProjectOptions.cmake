@@ -40,15 +40,19 @@ target_compile_definitions(tavoran_qt_flags INTERFACE
   QT_NO_KEYWORDS QT_NO_NARROWING_CONVERSIONS_IN_CONNECT QT_NO_FOREACH QT_DISABLE_DEPRECATED_BEFORE=0x060400)
 target_link_libraries(tavoran_qt_flags INTERFACE tavoran_flags)
 
-# tavoran_library(NAME net_records [WINDOWLESS] SOURCES a.cpp a.h ... LINKS Qt6::Core app_base ...)
+# tavoran_library(NAME net_records [WINDOWLESS] [CALCULATES] SOURCES a.cpp a.h ... LINKS Qt6::Core app_base ...)
 # One room below src/: a Qt static library named after its path. Its public include root is src/ itself.
-# WINDOWLESS rooms see no widget, not even in the precompiled header.
+# WINDOWLESS rooms see no widget, not even in the precompiled header. The numbers of those that calculate are
+# the same to the bit whatever the processor can do.
 function(tavoran_library)
-  cmake_parse_arguments(ARG "WINDOWLESS" "NAME" "SOURCES;LINKS" ${ARGN})
+  cmake_parse_arguments(ARG "WINDOWLESS;CALCULATES" "NAME" "SOURCES;LINKS" ${ARGN})
   add_library(${ARG_NAME} STATIC ${ARG_SOURCES})
   set_target_properties(${ARG_NAME} PROPERTIES AUTOMOC ON)
   target_include_directories(${ARG_NAME} PUBLIC "${PROJECT_SOURCE_DIR}/src")
   target_link_libraries(${ARG_NAME} PUBLIC ${ARG_LINKS} tavoran_qt_flags)
+  if(ARG_CALCULATES)
+    target_compile_options(${ARG_NAME} PRIVATE -ffp-contract=off)
+  endif()
   if(ARG_WINDOWLESS)
     target_precompile_headers(${ARG_NAME} REUSE_FROM tavoran_pch_core)
   else()
