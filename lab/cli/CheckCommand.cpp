@@ -1,4 +1,5 @@
 #include "lab/cli/Commands.h"
+#include "lab/cli/DeafScript.h"
 #include "lab/cli/FigureList.h"
 #include "lab/cli/PriceSources.h"
 #include "lab/cli/Progress.h"
@@ -41,6 +42,7 @@ public:
         control.progress = [&progress](double done) { progress.show(done); };
         control.stop = &stopFlag();
         control.limit = m_limit;
+        control.deaf = leaveDeafScript(m_script.name.toStdString(), m_limit);
         RunResult result = m_lab.run(m_script, settings, control);
         if (stopFlag())
             throw Stopped{};

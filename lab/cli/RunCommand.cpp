@@ -1,4 +1,5 @@
 #include "lab/cli/Commands.h"
+#include "lab/cli/DeafScript.h"
 #include "lab/cli/FigureList.h"
 #include "lab/cli/PriceSources.h"
 #include "lab/cli/Progress.h"
@@ -38,6 +39,7 @@ int runOnce(Options options)
         control.progress = [&progress](double done) { progress.show(done); };
         control.stop = &stopFlag();
         control.limit = options.limit;
+        control.deaf = leaveDeafScript(name, options.limit);
         return LabRun(places).run(script, options.settings, control);
     }();
     const Figures figures = figuresOf(result);

@@ -1,5 +1,6 @@
 #include "lab/cli/StudyBench.h"
 
+#include "lab/cli/DeafScript.h"
 #include "lab/cli/PriceSources.h"
 #include "lab/cli/Progress.h"
 #include "lab/cli/StopSignal.h"
@@ -143,6 +144,7 @@ RunResult StudyBench::run(const RunSettings& settings, const std::function<void(
     control.progress = progress;
     control.stop = &stopFlag();
     control.limit = m_options.limit;
+    control.deaf = leaveDeafScript(name(), m_options.limit);
     return m_lab.run(m_script, settings, control);
 }
 

@@ -1,4 +1,5 @@
 #include "lab/cli/Commands.h"
+#include "lab/cli/DeafScript.h"
 #include "lab/cli/RunScript.h"
 #include "lab/cli/Screen.h"
 #include "lab/cli/SessionSeats.h"
@@ -39,9 +40,9 @@ std::string neverCalled(const SessionVerdict& verdict, const SessionSeat& seat)
 
 /// Nothing when somebody has stopped the program.
 std::optional<SessionVerdict> follow(
-    SessionFile& session, SessionCheck& check, std::chrono::milliseconds limit)
+    SessionFile& session, SessionCheck& check, const std::string& script, std::chrono::milliseconds limit)
 {
-    const RunWatch watch([&check] { check.interrupt(); }, &stopFlag(), limit);
+    const RunWatch watch([&check] { check.interrupt(); }, &stopFlag(), limit, leaveDeafScript(script, limit));
     while (watch.verdict() == RunWatch::Verdict::None) {
         const std::optional<SessionEvent> event = session.next();
         if (!event || !check.take(*event))
@@ -66,7 +67,7 @@ int verifySession(Options options)
     const std::optional<SessionVerdict> verdict = searchLateness([&](const std::set<Delay>& late) {
         SessionFile session(options.session);
         SessionCheck check(session.start(), seat, changed, late);
-        const auto followed = follow(session, check, options.limit);
+        const auto followed = follow(session, check, script.name.toStdString(), options.limit);
         isWhole = session.isWhole();
         return followed;
     });

@@ -112,7 +112,7 @@ public:
 
     void go(const ExpertScript& script, const RunControl& control)
     {
-        const RunWatch watch([this] { m_stage.interrupt(); }, control.stop, control.limit);
+        const RunWatch watch([this] { m_stage.interrupt(); }, control.stop, control.limit, control.deaf);
         const std::size_t minutes = m_span.endMinute - m_span.firstMinute;
         const std::size_t step = (minutes + progressSteps - 1) / progressSteps;
         std::size_t told = m_span.firstMinute + step;

@@ -19,9 +19,11 @@ struct RunControl {
     std::function<void(double done)> progress;
     /// Set, from any thread or a signal handler, when the run shall end as soon as it can.
     const std::atomic<bool>* stop = nullptr;
-    /// A script that has not come to its end by then is ended; 0 leaves it all the time that it wants. One
-    /// that tries endless combinations of a regular expression does not notice.
+    /// A script that has not come to its end by then is ended; 0 leaves it all the time that it wants.
     std::chrono::milliseconds limit{0};
+    /// Called, from another thread, when the script does not notice the limit for RunWatch::grace, as one
+    /// that tries endless combinations of a regular expression: the run cannot be ended by itself.
+    std::function<void()> deaf;
 };
 
 /// Runs Expert Advisors, unchanged, over history: each has a chart whose bars grow with the prices, a clock

@@ -10,8 +10,10 @@ constexpr std::chrono::milliseconds step{20};
 
 } // namespace
 
-RunWatch::RunWatch(std::function<void()> end, const std::atomic<bool>* stop, std::chrono::milliseconds limit)
+RunWatch::RunWatch(std::function<void()> end, const std::atomic<bool>* stop, std::chrono::milliseconds limit,
+    std::function<void()> deaf)
     : m_end(std::move(end))
+    , m_deaf(std::move(deaf))
 {
     if (stop || limit.count() > 0)
         m_thread = std::thread([this, stop, limit] { watch(stop, limit); });
@@ -43,6 +45,10 @@ void RunWatch::watch(const std::atomic<bool>* stop, std::chrono::milliseconds li
         if (const Verdict now = verdict(); now != Verdict::None) {
             m_verdict = now;
             m_end();
+            const bool isDeaf = now == Verdict::TooLong && m_deaf
+                && !m_wake.wait_for(lock, grace, [this] { return m_isOver; });
+            if (isDeaf)
+                m_deaf();
             return;
         }
         m_wake.wait_for(lock, step);

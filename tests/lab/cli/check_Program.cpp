@@ -196,6 +196,55 @@ TEST_CASE("simulated prices give the same files again, and another seed others")
     CHECK(contains(contentOf(bench.folder / "one/summary.json"), "simulated"));
 }
 
+TEST_CASE("a run can be made again from what it has written down")
+{
+    const Bench bench;
+    CHECK_EQ(bench.lab
+                 .run({"run", crossing, "--symbol", "EURUSD", "--seed", "7", "--speed", "3.5", "--from",
+                     "2024-01-01", "--to", "2024-01-05", "--warmup", "100", "--spread", "12", "--delay",
+                     "250", "--timeframe", "5m", "--leverage", "30", "--balance", "5000", "--account", "plan",
+                     "--set", "Fast=5", "--model", "path", "--out", "one"})
+                 .exitCode,
+        0);
+    const auto run = bench.json("one/run.json");
+    CHECK_EQ(run.value("speed", 0.0), 3.5);
+    std::vector<std::string> words{"run", crossing, "--out", "two"};
+    for (const std::string key : {"symbol", "seed", "speed", "from", "to", "spread", "delay", "timeframe",
+             "leverage", "balance", "account", "model"}) {
+        if (!run.contains(key) || run.at(key).is_null())
+            continue;
+        words.push_back("--" + key);
+        words.push_back(run.at(key).is_string() ? run.at(key).get<std::string>() : run.at(key).dump());
+    }
+    words.insert(words.end(), {"--warmup", run.at("warmupWanted").dump()});
+    for (const auto& [name, value] : run.at("inputs").items())
+        words.insert(words.end(), {"--set", name + '=' + value.get<std::string>()});
+    CHECK_EQ(bench.lab.run(words).exitCode, 0);
+    CHECK(sameFiles(bench.folder / "one", bench.folder / "two"));
+
+    words.insert(words.end(), {"--speed", "1", "--out", "slower"});
+    CHECK_EQ(bench.lab.run(words).exitCode, 0);
+    CHECK(bench.json("slower/run.json").at("dataHash") != run.at("dataHash"));
+    CHECK_EQ(bench.run(crossing, {"--out", "recorded"}).exitCode, 0);
+    CHECK(bench.json("recorded/run.json").at("speed").is_null());
+}
+
+TEST_CASE("a single bar is a run, and no bar is none")
+{
+    const Bench bench;
+    const std::string header = "time,open,high,low,close,volume\n";
+    write(bench.folder / "EURUSD-1m.csv", header + "2024-01-01T00:00:00Z,1.1,1.2,1.0,1.15,9\n");
+    CHECK_EQ(bench.lab.run({"run", crossing, "--data", "EURUSD-1m.csv", "--out", "one"}).exitCode, 0);
+    CHECK_EQ(bench.json("one/summary.json").at("bars").get<int>(), 1);
+    CHECK_EQ(bench.json("one/summary.json").at("ticks").get<int>(), 4);
+    CHECK(bench.json("one/summary.json").at("sharpe").is_null());
+    write(bench.folder / "EURUSD-1m.csv", header);
+    const Result none = bench.lab.run({"run", crossing, "--data", "EURUSD-1m.csv", "--out", "none"});
+    CHECK_EQ(none.exitCode, 2);
+    CHECK_EQ(none.errors, "tavoran-lab: EURUSD-1m.csv:1: no minutes\n");
+    CHECK(filesIn(bench.folder / "none").empty());
+}
+
 TEST_CASE("a warm-up shorter than asked for is counted and warned of")
 {
     const Bench bench;
@@ -450,6 +499,22 @@ TEST_CASE("a script that never returns is ended by the limit")
     CHECK_EQ(result.exitCode, 1);
     CHECK(contains(result.errors, "0.2 seconds"));
     CHECK(filesIn(bench.folder / "Endless-EURUSD") == resultFiles);
+}
+
+TEST_CASE("a script that hangs in a regular expression is ended by the limit, and nothing is written")
+{
+    const Bench bench;
+    write(bench.folder / "Deaf.js",
+        "function OnTick() { /^a*a*a*a*a*a*a*a*a*a*a*a*b/.test('a'.repeat(99)); }\n");
+    for (const std::string command : {"run", "check"}) {
+        // A clock of its own, so that it fails where it would wait for ever.
+        const Result result = bench.lab.runWithin({"timeout", "-s", "KILL", "30"},
+            {command, "Deaf.js", "--data", "EURUSD-1m.csv", "--warmup", "100", "--limit", "0.2"});
+        CHECK_EQ(result.exitCode, 1);
+        CHECK(isOneLine(result.errors));
+        CHECK(contains(result.errors, "Deaf: not at its end after 0.2 seconds"));
+        CHECK(filesIn(bench.folder / "Deaf-EURUSD").empty());
+    }
 }
 
 TEST_CASE("interrupted it keeps what was done and says so")
