@@ -213,6 +213,7 @@ TEST_CASE("the account fares as if the broker had been shown every price")
         Session session(isCross ? eurJpy() : eurUsd());
         session.settings.balance = (1 + dice.upTo(20)) * 50'000;
         session.settings.rules = dice.oneIn(2) ? AccountRules::Plan : AccountRules::Demo;
+        session.settings.leverage = static_cast<int>(10 * (1 + Dice(seed + 2000).upTo(29)));
         std::int64_t pairMid = 150'000;
         if (isCross) {
             MinuteHistory pair;

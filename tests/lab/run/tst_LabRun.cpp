@@ -388,6 +388,22 @@ private Q_SLOTS:
         QCOMPARE(result.ticks, result.bars);
     }
 
+    void theFingerprintsKnowSpreadsAndThePairsPrices()
+    {
+        m_settings.to = m_history.timeAt(160);
+        m_settings.spreadPoints = 8;
+        const std::uint64_t narrow = run(u"1"_s).tickPrint;
+        QCOMPARE(run(u"1"_s).tickPrint, narrow);
+        m_settings.spreadPoints = 20;
+        QVERIFY(run(u"1"_s).tickPrint != narrow);
+
+        const lab::MinuteHistory pair = swings(50);
+        const lab::MinuteHistory other = swings(51);
+        const std::uint64_t hash = lab::LabRun({&m_history, &pair}).dataHash();
+        QVERIFY(lab::LabRun({&m_history, &other}).dataHash() != hash);
+        QVERIFY(lab::LabRun({&m_history}).dataHash() != hash);
+    }
+
     void aBrokenPlanEndsTheRunWithLastWords()
     {
         m_settings.rules = lab::AccountRules::Plan;
