@@ -38,6 +38,18 @@ practice::HalfSpreads halfSpreadsIn(
         atMid(recorded.close, bar.close)};
 }
 
+namespace {
+
+/// Its prices come after a hole, or elsewhere than the last minute's ended: the mid, or the sides around it.
+bool opensWithGap(
+    std::size_t minute, std::int64_t halfSpread, const MinuteHistory& history, const RunSettings& settings)
+{
+    return history.opensWithGap(minute)
+        || halfSpreadsIn(history.at(minute - 1), history, settings).close != halfSpread;
+}
+
+} // namespace
+
 PriceWalk::PriceWalk(
     const MinuteHistory& history, const RunSettings& settings, std::size_t firstMinute, std::size_t endMinute)
     : m_history(history)
@@ -56,7 +68,7 @@ bool PriceWalk::enterMinute()
     const MinuteView minute = m_history.at(m_minute);
     const practice::HalfSpreads spreads = halfSpreadsIn(minute, m_history, m_settings);
     m_first = {minute.time, minute.bar.open, spreads.open, static_cast<std::uint32_t>(m_minute),
-        m_history.opensWithGap(m_minute), true};
+        opensWithGap(m_minute, spreads.open, m_history, m_settings), true};
     m_moments.clear();
     m_next = 0;
     if (m_settings.model == Model::Open || m_settings.model == Model::Ohlc)

@@ -15,7 +15,8 @@ namespace lab {
     const MinuteView& minute, const MinuteHistory& history, const RunSettings& settings);
 
 /// The prices of some minutes of a history, one moment after the other. Each minute's moments follow from
-/// the history and the settings alone, whichever minute the walk begins with.
+/// the history and the settings alone, whichever minute the walk begins with. Where a minute opens with
+/// another spread than the one before has closed with, the prices jump.
 ///
 /// Ohlc: open, both extremes and close at 0, 20, 40 and 59.999 seconds, even where some are equal. Open: the
 /// same, and the script is called at the first moment of each bar of the chart only. Path: the open and each

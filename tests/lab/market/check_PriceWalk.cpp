@@ -101,6 +101,43 @@ TEST_CASE("a minute comes after a gap when it follows a hole or opens elsewhere"
     }
 }
 
+TEST_CASE("a spread that jumps is a gap as well, though the mid stays where it was")
+{
+    const MinuteHistory history = historyOf({{0, {1000, 1000, 1000, 1000, 1}, 4},
+        {1, {1000, 1000, 1000, 1000, 1}, 4}, {2, {1000, 1000, 1000, 1000, 1}, 9},
+        {3, {1000, 1000, 1000, 1000, 1}, 4}, {4, {1000, 1000, 1000, 1000, 1}, 4}});
+    const auto gaps = [&history](const RunSettings& settings, std::size_t first) {
+        std::set<std::uint32_t> minutes;
+        for (const Moment& moment : walked(history, settings, first, history.size())) {
+            if (moment.afterGap)
+                minutes.insert(moment.minute);
+        }
+        return minutes;
+    };
+    for (const Model model : allModels) {
+        RunSettings settings = settingsOf(model);
+        CHECK(gaps(settings, 0) == (std::set<std::uint32_t>{0, 2, 3}));
+        CHECK(gaps(settings, 2) == (std::set<std::uint32_t>{2, 3}));
+        settings.spreadPoints = 10; // whatever was recorded
+        CHECK(gaps(settings, 0) == (std::set<std::uint32_t>{0}));
+    }
+}
+
+TEST_CASE("a spread that goes on from a minute's close into the next one's open is no gap")
+{
+    const GridBar bar{1000, 1000, 1000, 1000, 1};
+    const MinuteHistory history
+        = historyOf({{0, bar, {4, 9, 9, 7}}, {1, bar, {7, 9, 9, 4}}, {2, bar, {7, 9, 9, 4}}});
+    for (const Model model : allModels) {
+        std::set<std::uint32_t> gaps;
+        for (const Moment& moment : walked(history, settingsOf(model))) {
+            if (moment.afterGap)
+                gaps.insert(moment.minute);
+        }
+        CHECK(gaps == (std::set<std::uint32_t>{0, 2}));
+    }
+}
+
 TEST_CASE("with a call a bar the broker sees what it sees with four a minute")
 {
     const MinuteHistory history = someHistory(400, 5);
