@@ -1,0 +1,101 @@
+"""Tests of trend.py: a leak is seen, noise and a step in the warm-up are none."""
+
+import contextlib
+import io
+import tempfile
+import unittest
+from pathlib import Path
+
+import numpy
+
+import trend
+
+
+def series(values, name="objects"):
+    """Samples with a rest every half minute."""
+    values = numpy.asarray(values, dtype=float)
+    return {"seconds": numpy.arange(len(values)) * 30.0, "rest": numpy.ones(len(values)), name: values}
+
+
+def noise(count, size, seed=3):
+    return numpy.random.default_rng(seed).normal(0, size, count)
+
+
+def growing(samples):
+    return [found.name for found in trend.judge(samples) if found.grows]
+
+
+class TestTrend(unittest.TestCase):
+    def test_the_slope_is_that_of_the_line_whatever_one_point_does(self):
+        times = numpy.arange(20.0)
+        values = 3 * times + 7
+        values[11] = 1e6
+        self.assertAlmostEqual(trend.theil_sen(times, values), 3)
+
+    def test_the_chance_is_the_published_one(self):
+        # Ten rising points: S = 45, variance 125, z = 44 / sqrt(125) = 3.9355.
+        self.assertAlmostEqual(trend.mann_kendall(numpy.arange(10.0)), 4.15e-5, places=7)
+        self.assertGreater(trend.mann_kendall(-numpy.arange(10.0)), 0.999)
+
+    def test_equal_points_have_no_trend(self):
+        self.assertEqual(trend.mann_kendall(numpy.ones(10)), 1.0)
+        self.assertEqual(growing(series(numpy.full(40, 777))), [])
+
+    def test_a_leak_of_one_object_a_rest_grows(self):
+        self.assertEqual(growing(series(800 + numpy.arange(60))), ["objects"])
+
+    def test_a_leak_below_noise_is_found(self):
+        values = 20_000 + 30 * numpy.arange(100) + noise(100, 400)
+        self.assertEqual(growing(series(values, "heap_kb_net")), ["heap_kb_net"])
+
+    def test_noise_is_no_growth(self):
+        for seed in range(20):
+            self.assertEqual(growing(series(20_000 + noise(100, 900, seed), "heap_kb_net")), [])
+
+    def test_less_than_the_grain_is_no_growth(self):
+        self.assertEqual(growing(series(20_000 + numpy.arange(100), "heap_kb_net")), [])
+
+    def test_a_step_in_the_warm_up_is_no_growth(self):
+        values = numpy.full(60, 900.0)
+        values[:8] = 700
+        self.assertEqual(growing(series(values)), [])
+
+    def test_what_falls_does_not_grow(self):
+        self.assertEqual(growing(series(5000 - 20 * numpy.arange(60))), [])
+
+    def test_only_rests_count(self):
+        samples = series(numpy.full(80, 800.0))
+        samples["objects"][1::2] += numpy.arange(40) * 100
+        samples["rest"][1::2] = 0
+        self.assertEqual(growing(samples), [])
+
+    def test_few_rests_allow_no_judgement(self):
+        self.assertIsNone(trend.judge(series(numpy.arange(8))))
+
+    def test_kept_rows_are_taken_off_the_heap(self):
+        rows = numpy.arange(0, 60_000, 1000.0)
+        samples = {**series(10_000 + rows * 512 / 1024, "heap_kb"), "journal_rows": rows, "history_rows": 0 * rows,
+                   "pss_kb": 0 * rows, "platform_rss_kb": 0 * rows}
+        net = trend.net_of_rows(samples, {"journal_row_bytes": 512.0})
+        self.assertTrue((net["heap_kb_net"] == 10_000).all())
+        self.assertNotIn("heap_kb_net", growing(net))
+        self.assertIn("heap_kb_net", growing(trend.net_of_rows(samples, {})))
+
+    def test_the_program_names_what_grows_and_fails(self):
+        with tempfile.TemporaryDirectory() as folder:
+            for leak, status in ((0, 0), (1, 1)):
+                samples = Path(folder) / "samples.csv"
+                lines = ["seconds,rest,heap_kb,pss_kb,platform_rss_kb,journal_rows,history_rows,widgets"]
+                lines += [f"{30 * i},1,20000,60000,25000,0,0,{300 + leak * i}" for i in range(40)]
+                samples.write_text("\n".join(lines) + "\n", encoding="utf-8")
+                summary = Path(folder) / "summary.txt"
+                summary.write_text("seconds 1200\nmessages 5\nreconnects 6\ndid_timeframe_switches 7\n"
+                                   "gap_ms 8\ngap_cpu_ms 9\n", encoding="utf-8")
+                said = io.StringIO()
+                with contextlib.redirect_stdout(said):
+                    self.assertEqual(trend.main(samples, summary), status)
+                self.assertIn("grows: widgets" if leak else "no trend", said.getvalue())
+
+
+if __name__ == "__main__":
+    unittest.main()
