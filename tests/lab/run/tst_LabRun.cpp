@@ -11,6 +11,7 @@
 
 #include <QJSValue>
 
+#include <algorithm>
 #include <cmath>
 #include <stdexcept>
 
@@ -386,6 +387,42 @@ private Q_SLOTS:
         QCOMPARE(textOf(result),
             u"%1 %2 %3 true"_s.arg(text(high), text(low), text(m_history.minutes.at(59).bar.close)));
         QCOMPARE(result.ticks, result.bars);
+    }
+
+    void aChartUnderTheFeedHasWhatWasSentAndNoMore()
+    {
+        std::vector<lab::checks::HandMade> made;
+        for (std::int64_t minute = 0; minute < 60; ++minute)
+            made.push_back({minute, {110'000, 110'900, 109'200, 110'000 + minute, 10}, 4});
+        const lab::MinuteHistory history = lab::checks::historyOf(made);
+        m_settings.model = lab::Model::Feed;
+        m_settings.warmupBars = 0;
+        QStringList expected;
+        std::size_t beyond = 0; // minutes of which the broker sees more than is sent
+        for (std::size_t minute = 0; minute < history.size(); ++minute) {
+            std::vector<std::int64_t> seen;
+            std::vector<std::int64_t> sent;
+            for (const lab::Moment& moment : lab::checks::walked(history, m_settings, minute, minute + 1)) {
+                seen.push_back(moment.mid);
+                if (moment.forScript)
+                    sent.push_back(moment.mid);
+            }
+            const auto [low, high] = std::ranges::minmax(sent);
+            const auto [lowest, highest] = std::ranges::minmax(seen);
+            beyond += lowest < low || highest > high ? 1 : 0;
+            for (const std::int64_t price : {sent.front(), high, low, sent.back()})
+                expected.append(QString::number(static_cast<double>(price) / 1e5, 'f', 5));
+        }
+        QVERIFY(beyond >= 5);
+
+        const RunResult feed = lab::LabRun({&history})
+                                   .run({u"Probe"_s, u"Probe.js"_s, uR"(function OnDeinit() {
+                for (var i = Bars() - 1; i >= 0; --i)
+                    [Open(i), High(i), Low(i), Close(i)].forEach(function(p) { Print(p.toFixed(5)) }) })"_s},
+                                       m_settings);
+        QVERIFY(!feed.error);
+        QCOMPARE(textOf(feed).split(u';'), expected);
+        QCOMPARE(feed.ticks, std::uint64_t{60 * 240});
     }
 
     void theFingerprintsKnowSpreadsAndThePairsPrices()
