@@ -16,7 +16,7 @@ endif()
 
 add_library(tavoran_flags INTERFACE)
 target_compile_options(tavoran_flags INTERFACE -Wall -Wextra -Wpedantic -Wconversion -Wshadow)
-if(CCACHE_PROGRAM)
+if(CCACHE_PROGRAM AND CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
   target_compile_options(tavoran_flags INTERFACE -fpch-preprocess)
 endif()
 if(TAVORAN_WERROR)

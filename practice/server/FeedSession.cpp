@@ -1,10 +1,10 @@
 #include "practice/server/FeedSession.h"
 
 #include "practice/server/FeedHub.h"
+#include "practice/server/FeedRequest.h"
 
 #include <boost/asio/buffer.hpp>
 #include <boost/beast/core/buffers_to_string.hpp>
-#include <nlohmann/json.hpp>
 
 #include <utility>
 
@@ -13,25 +13,13 @@ namespace practice {
 namespace beast = boost::beast;
 namespace websocket = boost::beast::websocket;
 
-namespace {
-
-constexpr std::size_t longestIncoming = 4096; // a terminal sends pings only
-
-bool isPing(const std::string& text)
-{
-    const auto message = nlohmann::json::parse(text, nullptr, false);
-    return message.is_object() && message.value("type", nlohmann::json()) == "ping";
-}
-
-} // namespace
-
 FeedSession::FeedSession(
     beast::tcp_stream stream, FeedHub& hub, std::string userId, std::shared_ptr<void> ticket)
     : m_stream(std::move(stream))
     , m_hub(hub)
     , m_userId(std::move(userId))
     , m_ticket(std::move(ticket))
-    , m_incoming(longestIncoming * 2)
+    , m_incoming(longestFeedRequest * 2)
 {
 }
 
@@ -44,7 +32,7 @@ void FeedSession::start(Upgrade upgrade)
     limits.idle_timeout = m_hub.limits().feedSilence;
     limits.keep_alive_pings = true;
     m_stream.set_option(limits);
-    m_stream.read_message_max(longestIncoming);
+    m_stream.read_message_max(longestFeedRequest);
     m_stream.auto_fragment(false);
     const auto request = std::make_shared<Upgrade>(std::move(upgrade));
     m_stream.async_accept(*request,
@@ -78,7 +66,7 @@ void FeedSession::onRead(boost::system::error_code error)
     m_incoming.consume(m_incoming.size());
     m_hasSpoken = true;
     // Pings that come while a message is being sent get one answer together, so that nothing piles up here.
-    if (m_stream.got_text() && isPing(text)) {
+    if (m_stream.got_text() && isFeedPing(text)) {
         m_pongDue = true;
         pump();
     }

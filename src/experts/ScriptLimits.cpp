@@ -1,5 +1,6 @@
 #include "experts/ScriptLimits.h"
 
+#include <QByteArray>
 #include <QtGlobal>
 
 #include <algorithm>

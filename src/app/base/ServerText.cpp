@@ -2,6 +2,8 @@
 
 #include "app/base/Secrets.h"
 
+#include <QStringList>
+
 #include <algorithm>
 
 using namespace Qt::StringLiterals;

@@ -4,7 +4,6 @@
 #include "chart/data/ChartColorRoles.h"
 #include "chart/data/ColorText.h"
 #include "chart/data/IndicatorTable.h"
-#include "chart/window/ChartWidget.h"
 #include "net/records/JsonNumber.h"
 
 #include <QJsonArray>
@@ -59,32 +58,6 @@ QList<MovingAverageSpec> averagesFromJson(const QJsonArray& array)
 }
 
 } // namespace
-
-ChartState ChartState::of(const ChartWidget& chart)
-{
-    ChartState state;
-    state.averages = chart.movingAverages();
-    state.panes = chart.panes();
-    state.chartType = chart.chartType();
-    state.chartShift = chart.chartShift();
-    state.autoScroll = chart.autoScroll();
-    state.colors = chart.colors();
-    return state;
-}
-
-void ChartState::applyTo(ChartWidget& chart) const
-{
-    chart.setMovingAverages(averages);
-    for (const IndicatorPane& pane : panes)
-        chart.setPane(pane.kind, pane.shown, pane.period);
-    if (chartType)
-        chart.setChartType(*chartType);
-    if (chartShift)
-        chart.setChartShift(*chartShift);
-    if (autoScroll)
-        chart.setAutoScroll(*autoScroll);
-    chart.setColors(colors);
-}
 
 QJsonObject ChartState::toJson() const
 {

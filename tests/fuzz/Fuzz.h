@@ -1,0 +1,40 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+#include <string_view>
+#include <utility>
+
+/// What every fuzz target shares. A target is one function, LLVMFuzzerTestOneInput(), which reads the bytes
+/// as the program would and demands what has to hold of whatever comes.
+namespace fuzz {
+
+/// Ends the program where something does not hold; the fuzzer keeps the input as a finding.
+inline void demand(bool holds, const char* what)
+{
+    if (holds)
+        return;
+    std::fprintf(stderr, "does not hold: %s\n", what);
+    std::abort();
+}
+
+inline std::string_view textOf(const std::uint8_t* data, std::size_t size)
+{
+    return {reinterpret_cast<const char*>(data), size};
+}
+
+/// Takes the first line off a text, for targets that read several things: they lie in one input as lines, so
+/// that corpora stay readable.
+inline std::string_view takeLine(std::string_view& text)
+{
+    const std::size_t end = text.find('\n');
+    const std::string_view line = text.substr(0, end);
+    text.remove_prefix(end == std::string_view::npos ? text.size() : end + 1);
+    return line;
+}
+
+} // namespace fuzz
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size);

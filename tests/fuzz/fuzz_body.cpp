@@ -1,0 +1,61 @@
+// The body of a request.
+
+#include "fuzz/Fuzz.h"
+
+#include "practice/server/Api.h"
+#include "practice/server/BodyReader.h"
+#include "practice/server/JsonText.h"
+
+#include <cmath>
+
+using fuzz::demand;
+
+namespace {
+
+/// What a field's reader gives, or nothing where it refuses the field; a refusal has to be a proper answer.
+template <typename Read> auto taken(Read read) -> std::optional<decltype(read())>
+{
+    try {
+        return read();
+    } catch (const practice::ApiError& error) {
+        demand(error.status == 400 && !error.message.empty(), "a refusal says why");
+        const practice::ApiReply reply = practice::errorReply(error.status, error.message);
+        const auto json = nlohmann::json::parse(reply.body, nullptr, false);
+        demand(json.is_object() && json.size() == 1 && json.contains("message"), "a refusal is an answer");
+        return std::nullopt;
+    }
+}
+
+void readField(const practice::BodyReader& body, const char* name)
+{
+    const nlohmann::json* value = body.find(name);
+    const auto text = taken([&] { return body.text(name); });
+    demand(!text || (value && value->is_string() && !text->empty()), "a text is one");
+    const auto number = taken([&] { return body.number(name); });
+    demand(!number || (value && practice::numberOf(*value) == number), "both readers of a number agree");
+    demand(!number || (std::isfinite(*number) && std::abs(*number) <= 1e15),
+        "a number is one of a price's size");
+    const auto wish = taken([&] { return body.optionalNumber(name); });
+    demand(!wish || wish->has_value() == (value != nullptr), "what is absent is no number");
+    static_cast<void>(taken([&] { return body.optionalText(name); }));
+}
+
+} // namespace
+
+int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
+{
+    const std::string text(fuzz::textOf(data, size));
+    const auto body = taken([&] { return practice::BodyReader(text); });
+    if (!body)
+        return 0;
+    for (const char* name : {"accountId", "symbol", "orderKind", "type", "lotSize", "pendingPrice",
+             "stopLoss", "takeProfit", "comment", "points", "style"}) {
+        readField(*body, name);
+        if (const nlohmann::json* value = body->find(name)) {
+            const std::string written = practice::jsonText(*value);
+            demand(nlohmann::json::parse(written, nullptr, false) == *value,
+                "a value is written as it was read");
+        }
+    }
+    return 0;
+}

@@ -1,0 +1,56 @@
+// What becomes of a script's errors: the first line makes up the parts of what is thrown, as JSON; the rest
+// is a script that is read but throws before any of it runs, so that no input can run for ever.
+
+#include "fuzz/FuzzQt.h"
+
+#include "experts/ScriptEngine.h"
+
+#include <QCoreApplication>
+
+using fuzz::demand;
+using namespace Qt::StringLiterals;
+
+namespace {
+
+void demandSound(const ScriptError& error, qsizetype lines)
+{
+    demand(error.name.size() <= ScriptError::longest + 1, "an error's name is bounded");
+    demand(error.message.size() <= ScriptError::longest + 1, "an error's message is bounded");
+    demand(error.line >= 0 && error.line <= lines, "an error's line is one of the script's");
+}
+
+} // namespace
+
+/// The engine keeps its values where the search for leaks does not look.
+extern "C" const char* __asan_default_options()
+{
+    return "detect_leaks=0";
+}
+
+int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
+{
+    static int count = 0;
+    static char* none = nullptr;
+    static const QCoreApplication application(count, &none);
+    // A new one from time to time: what scripts declare stays with an engine.
+    static std::unique_ptr<ScriptEngine> engine;
+    static int uses = 0;
+    if (uses++ % 64 == 0)
+        engine = std::make_unique<ScriptEngine>();
+
+    std::string_view text = fuzz::textOf(data, size);
+    const QJsonObject parts = QJsonDocument::fromJson(fuzz::bytesOf(fuzz::takeLine(text))).object();
+    const QString thrown
+        = u"throw Object.assign(new Error('made up'), %1);"_s.arg(QString::fromUtf8(fuzz::jsonOf(parts)));
+    const std::optional<ScriptError> made = engine->run(thrown, u"Made.js"_s);
+    demand(made.has_value(), "what is thrown is an error");
+    demand(made->name.size() <= ScriptError::longest + 1 && made->message.size() <= ScriptError::longest + 1,
+        "a thrown error is bounded");
+
+    const QString script = "throw 5;"_L1 + fuzz::stringOf(text);
+    const std::optional<ScriptError> error = engine->run(script, u"Probe.js"_s);
+    demand(error.has_value(), "a script that throws has failed");
+    demandSound(*error,
+        1 + script.count(u'\n') + script.count(u'\r') + script.count(u'\u2028') + script.count(u'\u2029'));
+    return 0;
+}
