@@ -199,6 +199,8 @@ qsizetype ScriptScanner::endOfExpression(qsizetype place) const
     bool inClass = false;
     for (qsizetype i = place + 1; i < m_text.size() && !isLineEnd(m_text[i]); ++i) {
         const QChar c = m_text[i];
+        if (c == u'\\' && isLineEnd(at(i + 1)))
+            return place;
         if (c == u'\\')
             ++i;
         else if (c == u'[')

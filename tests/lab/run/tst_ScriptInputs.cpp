@@ -107,6 +107,14 @@ private Q_SLOTS:
         QCOMPARE(inputs[2].comment, QString());
     }
 
+    void noRegularExpressionGoesOnBehindItsLine()
+    {
+        const QList<lab::ScriptInput> inputs = lab::inputsOf(u"x = /a\\\nvar a = 1; // b\nvar b = 2\n"_s);
+        QCOMPARE(inputs.size(), 2);
+        QCOMPARE(inputs[0].line, 2);
+        QCOMPARE(inputs[1].line, 3);
+    }
+
     void whatTheScriptChangesItselfIsMarked_data()
     {
         QTest::addColumn<QString>("script");
