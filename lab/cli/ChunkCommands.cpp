@@ -43,6 +43,9 @@ void checkIdentity(const PlanFile& plan, const StudyBench& bench)
         if (i >= plan.identity.size() || plan.identity[i] != here[i])
             throw StudyError(differs(here[i].first) + " here from the plan's");
     }
+    if (plan.sets != bench.numbers().size())
+        throw StudyError("the plan counts " + std::to_string(plan.sets) + " sets, and its arguments make "
+            + std::to_string(bench.numbers().size()));
 }
 
 /// What a machine makes of the plan's first set: another one that computes otherwise is told by it.

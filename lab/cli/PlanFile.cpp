@@ -1,6 +1,7 @@
 #include "lab/cli/PlanFile.h"
 
 #include "lab/core/output/Texts.h"
+#include "lab/core/study/Grid.h"
 #include "lab/core/study/StudyError.h"
 #include "practice/core/market/HashRandom.h"
 
@@ -99,7 +100,8 @@ PlanFile readPlan(const fs::path& file)
     } catch (const nlohmann::json::exception&) {
         throw StudyError(file.string() + " is no plan");
     }
-    if (plan.chunks == 0 || plan.sets < plan.chunks || plan.options.command != Command::Plan)
+    if (plan.chunks == 0 || plan.sets < plan.chunks || plan.sets > mostSets
+        || plan.options.command != Command::Plan)
         throw StudyError(file.string() + " is no plan");
     plan.print = hexText(practice::hashText(content));
     return plan;

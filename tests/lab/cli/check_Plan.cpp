@@ -298,6 +298,12 @@ TEST_CASE("what is no plan, no chunk or no place is said in a line")
     CHECK(contains(refusal({"work", "c.plan.json"}), "number of a chunk"));
     CHECK(contains(refusal({"work", "c.plan.json", "0"}), "from 1 to"));
     CHECK(contains(planned(study, "9").errors, "9 chunks for 8 sets"));
+    for (const std::string count : {"80", "18446744073709551615"}) {
+        std::string plan = study.contentOf("c.plan.json");
+        plan.replace(plan.find("\"sets\": 8"), 9, "\"sets\": " + count);
+        study.write("damaged.json", plan);
+        CHECK(contains(refusal({"work", "damaged.json", "3"}), "plan"));
+    }
     CHECK(
         contains(study.run("plan", "Clock.js", joined(eight, {"--chunks", "2", "--out", "Clock.js"})).errors,
             "is no plan"));
