@@ -46,6 +46,7 @@ public:
     /// Without its escapes.
     [[nodiscard]] std::string text();
 
+    /// Finite, and no larger than anything that a session holds.
     template <typename Number> [[nodiscard]] Number number()
     {
         const std::string_view text = word();
@@ -54,6 +55,10 @@ public:
         const auto [stop, error] = std::from_chars(text.data(), end, value);
         if (error != std::errc() || stop != end)
             throw BadColumn(quoted(text) + " is no number");
+        // Prices, amounts and times are smaller by far; damage would spoil sums. False for what is not a
+        // number.
+        if (!(static_cast<double>(value) >= -largestNumber && static_cast<double>(value) <= largestNumber))
+            throw BadColumn(quoted(text) + " is no number of a session");
         return value;
     }
 
@@ -73,6 +78,8 @@ public:
     }
 
 private:
+    static constexpr double largestNumber = 1e15;
+
     std::string_view m_rest;
     char m_separator;
     bool m_isAtEnd = false;

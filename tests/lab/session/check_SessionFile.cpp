@@ -155,6 +155,25 @@ TEST_CASE("damage is told with file and line")
     CHECK_EQ(Recording("\n").error(), std::string("session:8: a column is missing"));
 }
 
+TEST_CASE("a number that no session can hold is damage")
+{
+    const auto start
+        = [](const std::string& line) { return Recording("", "tavoran-session\t1\t1.0\t0\n" + line); };
+    const std::string contract = "symbol\tX\t5\tNUMBER\t7\t0\t0\tEUR\tUSD\t100\t0.01\t100\t0.01\nstart\t0\n";
+    for (const std::string number : {"nan", "inf", "-inf", "1e16", "-1e300"}) {
+        std::string line = contract;
+        line.replace(line.find("NUMBER"), 6, number);
+        CHECK_EQ(start(line).error(), "session:2: \"" + number + "\" is no number of a session");
+    }
+    const std::string amount = "-9223372036854775808";
+    CHECK_EQ(start("account\t0\tA\tDEMO\t\t1\t1\t0\tACTIVE\t" + amount + "\t0\t1\t0\t0\nstart\t0\n").error(),
+        "session:2: \"" + amount + "\" is no number of a session");
+    CHECK_EQ(Recording("quotes\t9223372036854775807\t0 1 2\n").error(),
+        std::string("session:8: \"9223372036854775807\" is no number of a session"));
+    CHECK_EQ(Recording("quotes\t1250\t0 1000000000000001 2\n").error(),
+        std::string("session:8: \"1000000000000001\" is no number of a session"));
+}
+
 TEST_CASE("what is no recording, or one of another format, is named as that")
 {
     CHECK_EQ(Recording("", "").error(), std::string("session:1: is no recording of tavoran-practice"));
