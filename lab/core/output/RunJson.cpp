@@ -1,9 +1,7 @@
-#include "lab/core/output/JsonObject.h"
+#include "lab/core/output/ConditionsJson.h"
 #include "lab/core/output/ResultFiles.h"
 #include "lab/core/output/RunWords.h"
 #include "lab/core/output/Texts.h"
-
-#include <algorithm>
 
 namespace lab {
 
@@ -49,23 +47,7 @@ std::string runJson(const RunResult& result, std::string_view version)
     run.time("from", settings.from);
     run.time("to", settings.to);
     run.count("warmup", result.warmupBars);
-    run.count("warmupWanted", static_cast<std::uint64_t>(std::max(0, settings.warmup())));
-    run.text("model", modelText(settings.model));
-    run.text("extremes", extremesText(settings.extremes));
-    if (settings.spreadPoints)
-        run.raw("spread", std::to_string(*settings.spreadPoints));
-    else
-        run.nothing("spread");
-    run.raw("delay", std::to_string(settings.delayMs));
-    run.text("account", rulesText(settings.rules));
-    run.money("balance", settings.balance);
-    run.raw("leverage", std::to_string(settings.leverage));
-    run.count("seed", settings.seed);
-    run.flag("simulated", result.simulated);
-    if (result.simulated)
-        run.number("speed", settings.speed);
-    else
-        run.nothing("speed");
+    addConditions(run, result);
     run.raw("inputs", inputs.value(1));
     run.texts("changedInputs", changed);
     run.text("outcome", outcomeText(result.outcome));

@@ -1,7 +1,7 @@
 #include "lab/core/study/Challenge.h"
 
 #include "lab/core/figures/Warnings.h"
-#include "lab/core/output/JsonObject.h"
+#include "lab/core/output/ConditionsJson.h"
 #include "lab/core/output/RunWords.h"
 #include "lab/core/output/Texts.h"
 #include "lab/core/study/Bytes.h"
@@ -139,18 +139,7 @@ std::string challengeJson(
     json.text("timeframe", practice::timeframeKey(settings.timeframe));
     json.time("from", settings.from);
     json.time("to", settings.to);
-    json.count("warmupWanted", static_cast<std::uint64_t>(std::max(0, settings.warmup())));
-    json.text("model", modelText(settings.model));
-    json.text("extremes", extremesText(settings.extremes));
-    if (settings.spreadPoints)
-        json.raw("spread", std::to_string(*settings.spreadPoints));
-    else
-        json.nothing("spread");
-    json.raw("delay", std::to_string(settings.delayMs));
-    json.text("account", rulesText(settings.rules));
-    json.money("balance", settings.balance);
-    json.raw("leverage", std::to_string(settings.leverage));
-    json.flag("simulated", about.simulated);
+    addConditions(json, about);
     json.raw("seeds", about.simulated ? seedsJson(rows) : "null");
     json.raw("inputs", inputs.value(1));
     json.count("starts", summary.starts);

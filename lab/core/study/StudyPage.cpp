@@ -21,12 +21,9 @@ std::string counted(std::uint64_t count, std::string_view one)
     return countText(count) + ' ' + std::string(one) + (count == 1 ? "" : "s");
 }
 
-/// Lengths are whole days, or whole hours.
 std::string lengthText(practice::TimeMs length)
 {
-    return length % practice::dayMs == 0
-        ? counted(static_cast<std::uint64_t>(length / practice::dayMs), "day")
-        : counted(static_cast<std::uint64_t>(length / practice::hourMs), "hour");
+    return counted(static_cast<std::uint64_t>(length / practice::dayMs), "day");
 }
 
 std::string sweptText(const Grid& grid)

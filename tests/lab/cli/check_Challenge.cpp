@@ -142,9 +142,12 @@ TEST_CASE("a challenge's file says what was tried")
 {
     const StudyFolder study;
     writeBets(study);
-    CHECK_EQ(study.lab.run(simulated("3..4", "s")).exitCode, 0);
+    std::vector<std::string> words = simulated("3..4", "s");
+    words.insert(words.end(), {"--speed", "2.5"});
+    CHECK_EQ(study.lab.run(words).exitCode, 0);
     const auto simulation = json(study, "s/challenge.json");
     CHECK_EQ(simulation.at("seeds").dump(), "[3,4]");
+    CHECK_EQ(simulation.value("speed", 0.0), 2.5);
     CHECK_EQ(simulation.at("from").get<std::string>(), "2024-01-01T00:00:00.000Z");
     CHECK_EQ(simulation.at("to").get<std::string>(), "2024-01-03T00:00:00.000Z");
     CHECK_EQ(simulation.at("warmupWanted").get<int>(), 10);
@@ -160,8 +163,8 @@ TEST_CASE("a challenge's file says what was tried")
     CHECK(!recorded.at("simulated").get<bool>());
     CHECK_EQ(study.run("run", "Bets.js", {"--out", "r"}).exitCode, 0);
     const auto run = json(study, "r/run.json");
-    for (const char* key : {"from", "to", "dataHash", "extremes"})
-        CHECK_EQ(recorded.at(key).dump(), run.at(key).dump());
+    for (const char* key : {"from", "to", "dataHash", "extremes", "seed", "speed"})
+        CHECK_EQ(recorded.value(key, nlohmann::json("missing")).dump(), run.at(key).dump());
 }
 
 TEST_CASE("starts that fail are marked, and leave nothing to go on with")
