@@ -71,9 +71,9 @@ Lines priceLines(const RunResult& result)
         {"Timeframe", std::string(practice::timeframeKey(settings.timeframe))},
         {"From", settings.from ? minuteText(*settings.from) + " UTC" : notKnown},
         {"To", settings.to ? minuteText(*settings.to) + " UTC" : notKnown},
-        {"Prices", result.simulated ? "simulated" : "recorded"},
+        {"Prices", result.simulated ? "simulated at speed " + shortestText(settings.speed) : "recorded"},
         {"Model of time", std::string(modelText(settings.model))}};
-    if (settings.model == Model::Ohlc)
+    if (settings.model == Model::Open || settings.model == Model::Ohlc)
         lines.emplace_back("High and low", std::string(extremesText(settings.extremes)));
     lines.emplace_back("Spread",
         settings.spreadPoints ? std::to_string(*settings.spreadPoints) + " points" : "as recorded or usual");

@@ -190,6 +190,19 @@ TEST_CASE("what the points of the equity curves are stands below them")
         pageOf(generatedRun(2'000, 50, 3'000)), "UTC day, neighbours joined by their highest and lowest; "));
 }
 
+TEST_CASE("the settings tell what else the prices hang on")
+{
+    RunResult run = smallRun();
+    run.settings.speed = 2.5;
+    for (const Model model : {Model::Open, Model::Ohlc, Model::Path, Model::Feed}) {
+        run.settings.model = model;
+        CHECK_EQ(has(pageOf(run), ">High and low<"), model == Model::Open || model == Model::Ohlc);
+    }
+    CHECK(!has(pageOf(run), "at speed"));
+    run.simulated = true;
+    CHECK(has(pageOf(run), ">simulated at speed 2.5<"));
+}
+
 TEST_CASE("nothing that a script or file says becomes markup")
 {
     const std::string evil = "</script><img src=x onerror=alert(1)>\"'<!--";
