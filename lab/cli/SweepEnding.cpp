@@ -22,23 +22,11 @@ namespace fs = std::filesystem;
 
 namespace {
 
-constexpr std::size_t shownSets = 20;
 constexpr std::size_t shownFailures = 5;
 
 std::string counted(std::size_t count, const std::string& thing)
 {
     return groupedText(static_cast<double>(count), 0) + ' ' + thing + (count == 1 ? "" : "s");
-}
-
-/// The figures of the table; what it is sorted by comes first.
-std::vector<const FigureRow*> shownFigures(const SortFigure& sort)
-{
-    std::vector<const FigureRow*> rows{sort.row};
-    for (const std::string_view key : {"trades", "netProfit", "sharpe", "maxDrawdown"}) {
-        if (const FigureRow* row = figureRow(key); row != sort.row)
-            rows.push_back(row);
-    }
-    return rows;
 }
 
 std::string tableText(const SweepTable& table)

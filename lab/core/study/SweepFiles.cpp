@@ -18,7 +18,6 @@ namespace lab {
 
 namespace {
 
-constexpr std::size_t shownSets = 20;
 constexpr std::size_t mostSteps = 80; ///< of an axis in a map
 
 std::string setJson(const SweepTable& table, std::size_t place, int depth)
@@ -119,17 +118,6 @@ std::string elsewhere(const SweepTable& table, const MapAxes& axes)
     return others.empty() ? std::string() : " at " + inputsText(others);
 }
 
-/// What the best sets are compared by; what they are sorted by comes first.
-std::vector<const FigureRow*> shownFigures(const SortFigure& sort)
-{
-    std::vector<const FigureRow*> rows{sort.row};
-    for (const std::string_view key : {"trades", "netProfit", "sharpe", "maxDrawdown"}) {
-        if (const FigureRow* row = figureRow(key); row != sort.row)
-            rows.push_back(row);
-    }
-    return rows;
-}
-
 std::string_view whyUnstable(const SweepTable& table, const SetResult& set)
 {
     if (table.sets.size() != table.grid.size())
@@ -206,6 +194,16 @@ std::vector<std::string> sweepWarnings(const SweepTable& table)
 }
 
 } // namespace
+
+std::vector<const FigureRow*> shownFigures(const SortFigure& sort)
+{
+    std::vector<const FigureRow*> rows{sort.row};
+    for (const std::string_view key : {"trades", "netProfit", "sharpe", "maxDrawdown"}) {
+        if (const FigureRow* row = figureRow(key); row != sort.row)
+            rows.push_back(row);
+    }
+    return rows;
+}
 
 std::string_view whyNoOverfitting(const SweepTable& table)
 {

@@ -22,6 +22,11 @@ namespace lab {
 /// Parts for the report of the best run: what was tried, and the maps of two inputs, those with most values.
 [[nodiscard]] std::vector<std::string> sweepParts(const SweepTable& table);
 
+/// So many of the best sets are shown, on the page and on a terminal.
+inline constexpr std::size_t shownSets = 20;
+/// What they are compared by; what they are sorted by comes first.
+[[nodiscard]] std::vector<const FigureRow*> shownFigures(const SortFigure& sort);
+
 // What a figure that is undefined would need.
 inline constexpr std::string_view whyNoDeflated = "needs at least two sets with a Sharpe ratio";
 [[nodiscard]] std::string_view whyNoOverfitting(const SweepTable& table);
