@@ -22,6 +22,11 @@ const std::string& name()
     return text;
 }
 
+std::int64_t leastOf(const practice::HalfSpreads& spreads)
+{
+    return std::min({spreads.open, spreads.high, spreads.low, spreads.close});
+}
+
 void demandSound(const MinuteFile& file)
 {
     demand(file.minutes.size() >= 2 && file.times.size() == file.minutes.size(),
@@ -35,7 +40,7 @@ void demandSound(const MinuteFile& file)
         demand(record.bar.low > 0 && record.bar.high >= std::max(record.bar.open, record.bar.close)
                 && record.bar.low <= std::min(record.bar.open, record.bar.close),
             "a bar holds its prices");
-        demand(record.bar.volume >= 1 && record.halfSpread >= 0, "there is a volume");
+        demand(record.bar.volume >= 1 && leastOf(record.halfSpread) >= 0, "there is a volume");
     }
 }
 
