@@ -166,4 +166,17 @@ TEST_CASE("a price that moves nobody's levels has nothing to store")
     CHECK_EQ(desk.trade(id).pnl, 9'200 - 700);
 }
 
+TEST_CASE("watched are the symbols of live trades and the pairs that turn their results into dollars")
+{
+    using Symbols = std::vector<std::size_t>;
+    Desk desk;
+    CHECK(desk.broker.watchedSymbols().empty());
+    const std::string order = desk.id(Desk::pending("demo", "EURGBP", "BUY_LIMIT", 1, 0.85));
+    CHECK(desk.broker.watchedSymbols() == Symbols({GbpUsd, EurGbp}));
+    desk.buy("demo", "USDJPY", 1);
+    CHECK(desk.broker.watchedSymbols() == Symbols({GbpUsd, UsdJpy, EurGbp}));
+    REQUIRE(desk.broker.cancel(order, desk.now).accepted());
+    CHECK(desk.broker.watchedSymbols() == Symbols({UsdJpy}));
+}
+
 CHECK_MAIN()
