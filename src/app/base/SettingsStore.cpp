@@ -1,6 +1,7 @@
 #include "app/base/SettingsStore.h"
 
 #include "app/base/PrivateFile.h"
+#include "app/base/SettingsLeftOvers.h"
 #include "app/base/SettingsLock.h"
 
 #include <QCoreApplication>
@@ -47,6 +48,8 @@ SettingsStore::SettingsStore(const QString& filePath)
         makePrivate();
         const SettingsLock lock(folder());
         m_check.removeLeftOvers();
+        if (lock.isHeld())
+            removeSettingsLeftOvers(m_filePath);
         repair();
         m_seen = contentOf(m_filePath);
     }
@@ -89,6 +92,8 @@ bool SettingsStore::sync()
         return m_settings->status() == QSettings::NoError;
     }
     const SettingsLock lock(folder());
+    if (lock.isHeld())
+        removeSettingsLock(m_filePath);
     // Another terminal may have left half a save there.
     if (!m_fileIsSuspect && contentOf(m_filePath) != m_seen)
         repair();

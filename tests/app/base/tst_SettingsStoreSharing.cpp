@@ -126,6 +126,43 @@ private Q_SLOTS:
         QVERIFY(QFile::exists(other));
     }
 
+    void whatAKilledTerminalSavedHalfIsRemoved_data()
+    {
+        QTest::addColumn<QString>("end");
+        QTest::addColumn<bool>("isRemoved");
+        QTest::newRow("settings") << u".aBcdef"_s << true;
+        QTest::newRow("copy") << u".copy.KQxbWw"_s << true;
+        QTest::newRow("damaged") << u".damaged.abcdeF"_s << true;
+        QTest::newRow("lock") << u".lock"_s << true;
+        QTest::newRow("lock of the lock") << u".lock.rmlock.rmlock"_s << true;
+        QTest::newRow("a person's copy") << u".backup"_s << false;
+        QTest::newRow("a person's other copy") << u".Before"_s << false;
+        QTest::newRow("a person's third copy") << u".LATEST"_s << false;
+        QTest::newRow("a person's long name") << u".fromWork"_s << false;
+    }
+    void whatAKilledTerminalSavedHalfIsRemoved()
+    {
+        QFETCH(QString, end);
+        QFETCH(bool, isRemoved);
+        saveAndEnd();
+        const QByteArray saved = contentOf(m_path);
+        writeFile(m_path + end, "[auth]\ntoken=top-secret\n");
+        const SettingsStore store(m_path);
+        QCOMPARE(!QFile::exists(m_path + end), isRemoved);
+        QCOMPARE(contentOf(m_path), saved);
+    }
+
+    void anEmptyLockOfAKilledTerminalHoldsUpNoSave()
+    {
+        SettingsStore store(m_path);
+        writeFile(m_path + u".lock"_s, ""); // killed before it wrote its number
+        store.setValue("ui/theme"_L1, u"dark"_s);
+        QElapsedTimer timer;
+        timer.start();
+        QVERIFY(store.sync());
+        QVERIFY2(timer.elapsed() < 5000, qPrintable(QString::number(timer.elapsed())));
+    }
+
     void whatAnotherTerminalChecksJustNowStays()
     {
         {
