@@ -26,6 +26,9 @@ using practice::TimeMs;
 /// The platform sends no more rows than this at a time.
 constexpr std::size_t mostRows = 5000;
 
+/// A report has a row for each day, so a damaged date must not make millions of them.
+constexpr int mostYears = 100;
+
 /// One row of the reply; what() of its errors is put behind its place.
 class RowReader {
 public:
@@ -318,6 +321,8 @@ RunResult resultOfTrades(std::string_view text, const std::string& name, const T
     result.settings.from = result.trades.front().openTime;
     std::ranges::stable_sort(result.trades, {}, &TradeRow::closeTime);
     result.settings.to = result.trades.back().closeTime + 1;
+    if (*result.settings.to - *result.settings.from > mostYears * 366 * practice::dayMs)
+        throw UsageError(name + ": covers more than " + std::to_string(mostYears) + " years");
     result.startBalance = wish.balance.value_or(result.settings.balance);
     result.settings.balance = result.startBalance;
     addCurve(result);

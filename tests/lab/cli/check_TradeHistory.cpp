@@ -183,6 +183,9 @@ TEST_CASE("what is no history is refused with the row that is to blame")
     CHECK_EQ(refusal(with(reply, "\"48.58\"", "\"much\"")), "h.json: row 3 has no number as pnl");
     CHECK_EQ(refusal(with(reply, "\"BUY\"", "\"LONG\"")), "h.json: row 3 is neither BUY nor SELL");
     CHECK_EQ(refusal(with(reply, "2024-01-01T22", "yesterday")), "h.json: row 3 has no time as createdAt");
+    // One damaged year would make a report of millions of days.
+    CHECK_EQ(refusal(with(reply, "2024-01-03T12", "9024-01-03T12")), "h.json: covers more than 100 years");
+    CHECK_EQ(refusal(with(reply, "2024-01-03T12", "2123-12-31T12")), "");
     CHECK_EQ(refusal(with(reply, "\"c\",\"accountId\":\"A\"", "\"c\",\"accountId\":\"B\"")),
         "h.json: holds trades of several accounts");
 }
