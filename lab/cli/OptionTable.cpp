@@ -42,7 +42,8 @@ constexpr std::array commands{
         "when some sets failed; 130 after Ctrl-C, which keeps what was done.\n"},
     CommandRow{Command::Walk, "walk", "SCRIPT", "PRICES --train LENGTH --test LENGTH",
         "choose values on the past, try them on what follows",
-        "Each window chooses as sweep does, and is tested on the time behind it.\n"},
+        "Each window chooses as sweep does, and is tested on the time behind it. Exit\n"
+        "status: as of sweep; 1 also when a test ended early.\n"},
     CommandRow{Command::Challenge, "challenge", "SCRIPT", "PRICES --starts daily",
         "how often a plan would be passed, from many starts",
         "A run from each start ends with the plan or with the prices.\n"},

@@ -138,13 +138,18 @@ int endSweep(const StudyBench& bench, const StudyStore& store, const fs::path& f
               << (folder / (table.best ? "report.html" : "sweep.csv")).string() << '\n';
     tellFailures(table);
     if (!table.best)
-        tellError("no set can be chosen: " + whyNone(table.choice, table.order)
-            + (table.choice.withTrades == 0 && table.choice.failed < table.choice.sets
-                    ? "; --resume with a lower --min-trades runs none of them again"
-                    : ""));
+        tellNoChoice(table.choice, table.order);
     if (table.choice.failed > 0)
         return someFailed;
     return table.best ? succeeded : fellShort;
+}
+
+void tellNoChoice(const Choice& choice, const SweepOrder& order)
+{
+    tellError("no set can be chosen: " + whyNone(choice, order)
+        + (choice.withTrades == 0 && choice.failed < choice.sets
+                ? "; --resume with a lower --min-trades runs none of them again"
+                : ""));
 }
 
 } // namespace lab

@@ -14,4 +14,7 @@ namespace lab {
 [[nodiscard]] int endSweep(
     const StudyBench& bench, const StudyStore& store, const std::filesystem::path& folder);
 
+/// Tells on the standard error why a sweep or a walk has chosen nothing, and how it could go on.
+void tellNoChoice(const Choice& choice, const SweepOrder& order);
+
 } // namespace lab

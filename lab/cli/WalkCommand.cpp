@@ -5,6 +5,7 @@
 #include "lab/cli/RunScript.h"
 #include "lab/cli/StopSignal.h"
 #include "lab/cli/StudyBench.h"
+#include "lab/cli/SweepEnding.h"
 #include "lab/cli/WalkText.h"
 #include "lab/core/figures/Figures.h"
 #include "lab/core/market/RunSpan.h"
@@ -139,6 +140,38 @@ StitchedRun test(const StudyBench& bench, Walk& walk)
     return stitched;
 }
 
+/// Writes all files and tells what they come to. `tests` are absent where nothing was chosen. Returns the
+/// exit status.
+int endWalk(const StudyBench& bench, Walk& walk, const std::optional<RunResult>& tests,
+    const std::filesystem::path& folder)
+{
+    if (tests)
+        walk.whole = figuresOf(*tests);
+    ResultFolder files(folder);
+    files.add("walk.csv", walkCsv(walk));
+    files.add("walk.json", walkJson(walk, tests ? *tests : bench.about(), TAVORAN_VERSION));
+    if (tests)
+        addResult(files, *tests, *walk.whole, {bench.name(), {walkPart(walk)}, walkWords(walk)});
+    files.commit();
+
+    if (!tests)
+        removeRun(folder); // of a former ending of this walk, which had another order
+    std::cout << walkTable(walk) << '\n'
+              << walkWhole(walk) << '\n'
+              << (folder / (tests ? "report.html" : "walk.csv")).string() << '\n';
+    if (!tests)
+        tellNoChoice(walk.choice(), walk.order);
+    if (tests && tests->error) {
+        std::cerr << "tavoran-lab: ended early: " << *tests->error << '\n';
+        return fellShort;
+    }
+    if (walk.failed > 0) {
+        std::cerr << "tavoran-lab: " << walk.failed << " runs of the trainings failed\n";
+        return someFailed;
+    }
+    return tests ? succeeded : fellShort;
+}
+
 } // namespace
 
 int walkForward(Options options)
@@ -168,28 +201,7 @@ int walkForward(Options options)
     const StitchedRun stitched = test(bench, walk);
     if (stopFlag())
         return stopped();
-    if (!stitched.result())
-        throw StudyError("nothing could be chosen: " + whyNowhere(walk));
-    const RunResult& whole = *stitched.result();
-    walk.whole = figuresOf(whole);
-    ResultFolder files(folder);
-    files.add("walk.csv", walkCsv(walk));
-    files.add("walk.json", walkJson(walk, whole, TAVORAN_VERSION));
-    addResult(files, whole, *walk.whole, {bench.name(), {walkPart(walk)}, walkWords(walk)});
-    files.commit();
-
-    std::cout << walkTable(walk) << '\n'
-              << walkWhole(walk) << '\n'
-              << (folder / "report.html").string() << '\n';
-    if (whole.error) {
-        std::cerr << "tavoran-lab: ended early: " << *whole.error << '\n';
-        return fellShort;
-    }
-    if (walk.failed > 0) {
-        std::cerr << "tavoran-lab: " << walk.failed << " runs of the trainings failed\n";
-        return someFailed;
-    }
-    return succeeded;
+    return endWalk(bench, walk, stitched.result(), folder);
 }
 
 } // namespace lab

@@ -5,7 +5,6 @@
 #include "lab/core/output/Texts.h"
 #include "lab/core/study/SweepFiles.h"
 
-#include <algorithm>
 #include <sstream>
 #include <string_view>
 #include <vector>
@@ -25,6 +24,12 @@ std::string headText(const Walk& walk, const WalkRow& row)
     if (const std::string reason = row.reason(walk.order); !reason.empty())
         text += "; " + reason;
     return text;
+}
+
+/// A figure of all tests together; undefined without any.
+Figure tests(const Walk& walk, std::string_view key)
+{
+    return walk.whole ? figureRow(key)->of(*walk.whole) : Figure();
 }
 
 } // namespace
@@ -65,19 +70,6 @@ std::string walkTable(const Walk& walk)
     return text;
 }
 
-std::string whyNowhere(const Walk& walk)
-{
-    Choice all;
-    for (const WalkRow& row : walk.rows) {
-        all.sets += row.choice.sets;
-        all.failed += row.choice.failed;
-        all.withTrades += row.choice.withTrades;
-        all.mostTrades = std::max(all.mostTrades, row.choice.mostTrades);
-    }
-    return whyNone(all, walk.order)
-        + (all.withTrades == 0 ? "; --resume with a lower --min-trades runs none of them again" : "");
-}
-
 std::string walkWhole(const Walk& walk)
 {
     std::string efficiency = figureText(FigureKind::Fraction, walk.efficiency());
@@ -88,8 +80,8 @@ std::string walkWhole(const Walk& walk)
             + figureText(FigureKind::Fraction, walk.pastGrowth()) + " on the pasts)";
     return columns(
         {{"Windows tested", std::to_string(walk.tested()) + " of " + std::to_string(walk.rows.size())},
-            {"Net profit of the tests", figureText(FigureKind::Money, walk.whole->netProfit)},
-            {"Sharpe ratio of the tests", figureText(FigureKind::Number, walk.whole->sharpe)},
+            {"Net profit of the tests", figureText(FigureKind::Money, tests(walk, "netProfit"))},
+            {"Sharpe ratio of the tests", figureText(FigureKind::Number, tests(walk, "sharpe"))},
             {"Efficiency", efficiency}});
 }
 

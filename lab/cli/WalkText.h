@@ -15,7 +15,4 @@ namespace lab {
 /// What the tests come to together.
 [[nodiscard]] std::string walkWhole(const Walk& walk);
 
-/// Why not one window has a choice.
-[[nodiscard]] std::string whyNowhere(const Walk& walk);
-
 } // namespace lab

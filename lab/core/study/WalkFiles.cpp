@@ -77,6 +77,17 @@ std::string rowsJson(const Walk& walk)
     return json + "\n  ]";
 }
 
+std::vector<std::string> walkWarnings(const Walk& walk)
+{
+    std::vector<std::string> warnings;
+    const Choice choice = walk.choice();
+    if (choice.eligible == 0)
+        warnings.push_back("No set can be chosen: " + whyNone(choice, walk.order));
+    if (walk.failed > 0)
+        warnings.push_back(std::to_string(walk.failed) + " runs of the trainings failed");
+    return warnings;
+}
+
 /// Without a time of day where it is midnight; it may break between the two.
 std::string dateText(practice::TimeMs time)
 {
@@ -155,6 +166,19 @@ std::string Walk::efficiencyGap() const
                                 : "growth a year of the tests is undefined";
 }
 
+Choice Walk::choice() const
+{
+    Choice all;
+    for (const WalkRow& row : rows) {
+        all.sets += row.choice.sets;
+        all.eligible += row.choice.eligible;
+        all.failed += row.choice.failed;
+        all.withTrades += row.choice.withTrades;
+        all.mostTrades = std::max(all.mostTrades, row.choice.mostTrades);
+    }
+    return all;
+}
+
 std::size_t Walk::tested() const
 {
     return static_cast<std::size_t>(
@@ -201,6 +225,7 @@ std::string walkJson(const Walk& walk, const RunResult& about, std::string_view 
     json.number("sharpe", walk.whole ? walk.whole->sharpe : Figure());
     json.number("efficiency", walk.efficiency());
     json.count("tested", walk.tested());
+    json.texts("warnings", walkWarnings(walk));
     json.raw("rows", rowsJson(walk));
     return json.document();
 }

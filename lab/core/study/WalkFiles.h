@@ -47,6 +47,8 @@ struct Walk {
     [[nodiscard]] Figure efficiency() const;
     /// Why there is none, in a few words; empty where there is.
     [[nodiscard]] std::string efficiencyGap() const;
+    /// Among the sets of all trainings.
+    [[nodiscard]] Choice choice() const;
     /// How many windows were tested.
     [[nodiscard]] std::size_t tested() const;
 };
@@ -54,7 +56,8 @@ struct Walk {
 /// walk.csv: a line for each window.
 [[nodiscard]] std::string walkCsv(const Walk& walk);
 
-/// walk.json: what was walked, and what came of it. `about` are the stitched tests.
+/// walk.json: what was walked, and what came of it. `about` are the stitched tests, or the study where there
+/// are none.
 [[nodiscard]] std::string walkJson(const Walk& walk, const RunResult& about, std::string_view version);
 
 /// A part for the report of the stitched tests: the windows.
