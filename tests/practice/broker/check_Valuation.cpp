@@ -1,4 +1,5 @@
 #include "BrokerFixture.h"
+#include "practice/core/broker/Valuation.h"
 
 // Every expected number below was worked out by hand; the sums stand beside them.
 
@@ -50,6 +51,15 @@ TEST_CASE("a cross pair's margin and profit go through the pound's rate and foll
     desk.price(GbpUsd, 1.27494, 1.27506);
     CHECK_EQ(desk.trade(id).pnl, 22'950 - 1'400); // 180 GBP x 1.275 = 229.50
     CHECK_EQ(desk.broker.figures("demo").openProfit, 21'550);
+}
+
+TEST_CASE("half a cent of a commission with decimals counts as a whole one")
+{
+    SymbolSpec spec = fixtureSymbols()[EurUsd];
+    spec.commissionPerLot = 7.75;
+    CHECK_EQ(commissionFor(spec, 2), 16); // 0.02 x 775 cents = 15.5
+    CHECK_EQ(commissionFor(spec, 1), 8);
+    CHECK_EQ(commissionFor(spec, 100), 775);
 }
 
 TEST_CASE("half a cent of a converted amount counts as a whole one")
