@@ -236,6 +236,7 @@ TEST_CASE("a challenge that failed begins anew, with nothing left of what it had
     Desk desk;
     BrokerState state = desk.broker.state();
     state.accounts[2].phase = 2;
+    state.accounts[2].dayStartEquity = 2'600'000;
     Desk failed(state);
     failed.buy("challenge", "EURUSD", 3);
     failed.price(EurUsd, 1.08, 1.08008);
