@@ -20,6 +20,7 @@ private Q_SLOTS:
     void everyRoomIncludesWhatItLinksOfQt();
     void roomsThatMayNotUseWidgetsArePrecompiledWithoutThem();
     void thePracticePlatformIsIndependent();
+    void theBadLineKnowsNoPlatform();
     void theLabIncludesOnlyWhatItMay();
     void theLabStandsOnQtCoreAndQmlAlone();
     void nobodyIncludesTheLab();
@@ -258,6 +259,20 @@ void tst_IncludeRules::thePracticePlatformIsIndependent()
         if (include.target.startsWith("practice/"_L1))
             offences.append(include.file + u" must not include "_s + include.target);
     }
+    reportAll(offences);
+}
+
+void tst_IncludeRules::theBadLineKnowsNoPlatform()
+{
+    QStringList offences;
+    int seen = 0;
+    for (const Include& include : includesBelow(u"practice/line"_s)) {
+        ++seen;
+        const QString folder = folderOf(include.target);
+        if (include.quoted && folder != "practice/line"_L1 && folder != "practice/core/market"_L1)
+            offences.append(include.file + u" must not include "_s + include.target);
+    }
+    QVERIFY(seen > 0);
     reportAll(offences);
 }
 
