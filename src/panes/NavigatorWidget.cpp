@@ -153,7 +153,6 @@ void NavigatorWidget::setAccounts(const QJsonArray& accounts)
 {
     const CurrentKeeper current(*m_accounts);
     qDeleteAll(m_accounts->takeChildren());
-    const QIcon icon = accountIcon(themeMutedColor());
     for (const auto& value : accounts) {
         const QJsonObject account = value.toObject();
         const QString balance = QString::number(account::balance(account), 'f', 0);
@@ -161,7 +160,7 @@ void NavigatorWidget::setAccounts(const QJsonArray& accounts)
         //: %1 the account, %2 its balance
         QTreeWidgetItem* item
             = addEntry(m_accounts, tr("%1  (%2)").arg(account::label(account), balance), accountPrefix + id);
-        item->setIcon(0, icon);
+        item->setIcon(0, m_accountIcon);
         if (id == m_activeAccountId)
             markActive(item, true);
     }
@@ -219,7 +218,8 @@ void NavigatorWidget::drawIcons()
     m_accounts->setIcon(0, folder);
     indicators->setIcon(0, folder);
     m_experts->setIcon(0, expertIcon(stroke));
-    setChildIcons(m_accounts, accountIcon(stroke));
+    m_accountIcon = accountIcon(stroke);
+    setChildIcons(m_accounts, m_accountIcon);
     setChildIcons(indicators, indicatorIcon(stroke));
     setChildIcons(m_experts, expertIcon(stroke));
 }

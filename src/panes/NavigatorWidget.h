@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QIcon>
 #include <QList>
 #include <QString>
 #include <QStringList>
@@ -51,5 +52,6 @@ private:
     QTreeWidgetItem* m_accounts = nullptr;
     QTreeWidgetItem* m_experts = nullptr;
     QString m_activeAccountId;
+    QIcon m_accountIcon; ///< kept, since accounts are read again with every trade
     bool m_drawnDark = false;
 };

@@ -104,6 +104,17 @@ private Q_SLOTS:
         QCOMPARE(navigator.tree->selectedItems(), {navigator.experts()->child(2)});
     }
 
+    void accounts_that_are_read_again_keep_their_icon()
+    {
+        // A new one would be painted anew, and leave the old one's pictures behind in Qt's cache.
+        Navigator navigator;
+        navigator.widget.setAccounts({records::account("a1")});
+        const qint64 before = navigator.accounts()->child(0)->icon(0).cacheKey();
+        navigator.widget.setAccounts({records::account("a1"), records::account("a2")});
+        QCOMPARE(navigator.accounts()->child(0)->icon(0).cacheKey(), before);
+        QCOMPARE(navigator.accounts()->child(1)->icon(0).cacheKey(), before);
+    }
+
     void an_entry_that_goes_leaves_its_place_to_the_next_one()
     {
         Navigator navigator;

@@ -38,6 +38,12 @@ void GapWatch::resume()
     m_timer.start(periodMs);
 }
 
+void GapWatch::forget()
+{
+    m_all = {};
+    m_byDoing.clear();
+}
+
 GapWatch::Gaps GapWatch::take()
 {
     return gapsOf(std::exchange(m_recent, {}));
@@ -50,6 +56,7 @@ void GapWatch::note()
     const double runMs = static_cast<double>(threadTimeNs() - m_ranAtLast) / 1e6;
     add(m_recent, ms, runMs);
     add(m_all, ms, runMs);
+    m_byDoing[m_doing] = std::max(m_byDoing.value(m_doing), runMs);
     m_sinceLast.start();
     m_ranAtLast = threadTimeNs();
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QElapsedTimer>
+#include <QMap>
 #include <QString>
 #include <QTimer>
 
@@ -28,9 +29,11 @@ public:
     /// Since the last call.
     [[nodiscard]] Gaps take();
     /// The whole run begins here.
-    void forget() { m_all = {}; }
+    void forget();
     /// Of the whole run.
     [[nodiscard]] Gaps all() const { return gapsOf(m_all); }
+    /// The longest processor time of a gap in the whole run, by what was done, in ms.
+    [[nodiscard]] const QMap<QString, double>& byDoing() const { return m_byDoing; }
 
 private:
     static constexpr int periodMs = 5;
@@ -52,4 +55,5 @@ private:
     QString m_doing;
     Record m_recent;
     Record m_all;
+    QMap<QString, double> m_byDoing;
 };

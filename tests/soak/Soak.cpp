@@ -15,6 +15,7 @@
 #include <QJsonDocument>
 #include <QLabel>
 #include <QLineEdit>
+#include <QPixmapCache>
 #include <QPushButton>
 #include <QTreeView>
 
@@ -26,8 +27,8 @@ namespace {
 
 constexpr int pulseWhileWaitingMs = 50;
 constexpr int flowMs = 20;
-/// A desk that does not get calm within this time is looked at as it is.
-constexpr int calmPatienceMs = 15'000;
+/// A desk that does not get calm within this time, for want of a processor, is no rest to compare.
+constexpr int calmPatienceMs = 30'000;
 constexpr int quietTurnsWanted = 20;
 
 bool isConnected(const QWidget& window)
@@ -140,8 +141,11 @@ void Soak::tick()
     case Phase::Busy: {
         const bool enough = m_plan.activities > 0 && m_trader->total() >= m_plan.activities;
         if (enough || m_sampler->seconds() >= m_nextRest || m_sampler->seconds() >= m_plan.seconds) {
+            // So much at once is nothing that a trader does.
+            m_sampler->gaps().pause();
             m_trader->clearDesk();
-            m_sampler->gaps().setDoing(u"clearing the desk"_s);
+            m_sampler->gaps().resume();
+            m_sampler->gaps().setDoing(u"nothing"_s);
             return goTo(Phase::Calm);
         }
         m_trader->turn();
@@ -149,8 +153,10 @@ void Soak::tick()
         return;
     }
     case Phase::Calm:
-        if (isCalm() || m_inPhase.elapsed() > calmPatienceMs)
+        if (isCalm())
             rest();
+        else if (m_inPhase.elapsed() > calmPatienceMs)
+            goOn();
         return;
     case Phase::Leave:
         return;
@@ -186,7 +192,8 @@ void Soak::keepBusy()
     const double now = m_sampler->seconds();
     m_owed += m_plan.rate * (now - m_lastFlow);
     m_lastFlow = now;
-    // What cannot be handled in time is not piled up.
+    // What cannot be handled in time is not piled up: bursts are for that.
+    m_owed = std::min(m_owed, m_plan.rate);
     if (static_cast<double>(m_sampler->underWay()) < m_plan.rate && m_owed >= 1.0) {
         m_relay.flood(static_cast<int>(m_owed));
         m_owed -= static_cast<int>(m_owed);
@@ -228,11 +235,18 @@ void Soak::rest()
     // A dialog may have come back with an answer.
     m_trader->closeOpenWindows();
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    // Qt's cache of pictures fills up to 10 MB, also with those of icons that have gone, and then stays so.
+    QPixmapCache::clear();
     m_last = m_sampler->take(true);
     if (!m_baseline) {
         m_baseline = m_last;
         m_sampler->gaps().forget();
     }
+    goOn();
+}
+
+void Soak::goOn()
+{
     const bool enough = m_plan.activities > 0 && m_trader->total() >= m_plan.activities;
     if (enough || m_sampler->seconds() >= m_plan.seconds)
         return leave();
@@ -268,6 +282,9 @@ void Soak::sumUp()
     say(u"gap_cpu_ms"_s, gaps.longestRunMs);
     say(u"gap_p99_ms"_s, gaps.p99Ms);
     m_summary.append(u"gap_during "_s + gaps.during);
+    const QMap<QString, double>& byDoing = m_sampler->gaps().byDoing();
+    for (auto each = byDoing.cbegin(); each != byDoing.cend(); ++each)
+        say(u"gap_of_"_s + QString(each.key()).replace(u' ', u'_'), each.value());
     const AccountBook& book = m_trader->book();
     say(u"history_row_bytes"_s, historyRowBytes(book.openTrades(), book.digits()));
     say(u"journal_row_bytes"_s, journalRowBytes(*m_window));

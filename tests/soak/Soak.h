@@ -55,6 +55,7 @@ private:
     void goTo(Phase phase);
     [[nodiscard]] bool isCalm();
     void rest();
+    void goOn();
     void leave();
     void sumUp();
 

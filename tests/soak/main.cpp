@@ -85,6 +85,10 @@ QStringList leftovers(const Sampler::Sample& before, const Sampler::Sample& afte
             left.append(
                 u"%1: %2, then %3"_s.arg(QString::fromLatin1(name)).arg(before.of(name)).arg(after.of(name)));
     }
+    // Connections are kept for a while: six at most, each with two more ends in the relay.
+    constexpr double keptSockets = 18;
+    if (after.of("sockets") > before.of("sockets") + keptSockets)
+        left.append(u"sockets: %1, then %2"_s.arg(before.of("sockets")).arg(after.of("sockets")));
     for (auto each = after.classes.cbegin(); !left.isEmpty() && each != after.classes.cend(); ++each) {
         const int was = before.classes.value(each.key());
         if (each.value() > was)
