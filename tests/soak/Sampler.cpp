@@ -71,6 +71,14 @@ double Sampler::Sample::of(const QByteArray& name) const
     return 0.0;
 }
 
+void Sampler::Sample::lower(const Sample& other)
+{
+    for (auto& [name, figure] : figures)
+        figure = std::min(figure, other.of(name));
+    for (auto each = classes.begin(); each != classes.end(); ++each)
+        each.value() = std::min(each.value(), other.classes.value(each.key()));
+}
+
 Sampler::Sample Sampler::take(bool rest)
 {
     m_gaps.pause();

@@ -25,6 +25,8 @@ public:
         QMap<QByteArray, int> classes;            ///< objects of the window's thread, by class
 
         [[nodiscard]] double of(const QByteArray& name) const;
+        /// The smaller one of each figure and class.
+        void lower(const Sample& other);
     };
     /// `rest`: nothing is open, and nothing is under way.
     Sample take(bool rest);

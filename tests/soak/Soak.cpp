@@ -30,6 +30,7 @@ constexpr int flowMs = 20;
 /// A desk that does not get calm within this time, for want of a processor, is no rest to compare.
 constexpr int calmPatienceMs = 30'000;
 constexpr int quietTurnsWanted = 20;
+constexpr int lastRests = 3;
 
 bool isConnected(const QWidget& window)
 {
@@ -139,8 +140,7 @@ void Soak::tick()
         m_trader->clearDesk();
         return goTo(Phase::Calm);
     case Phase::Busy: {
-        const bool enough = m_plan.activities > 0 && m_trader->total() >= m_plan.activities;
-        if (enough || m_sampler->seconds() >= m_nextRest || m_sampler->seconds() >= m_plan.seconds) {
+        if (isEnough() || m_sampler->seconds() >= m_nextRest) {
             // So much at once is nothing that a trader does.
             m_sampler->gaps().pause();
             m_trader->clearDesk();
@@ -237,18 +237,32 @@ void Soak::rest()
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     // Qt's cache of pictures fills up to 10 MB, also with those of icons that have gone, and then stays so.
     QPixmapCache::clear();
-    m_last = m_sampler->take(true);
+    const Sampler::Sample sample = m_sampler->take(true);
+    if (m_lastRests > 0)
+        m_last->lower(sample);
+    else
+        m_last = sample;
     if (!m_baseline) {
         m_baseline = m_last;
         m_sampler->gaps().forget();
     }
+    if (isEnough() && ++m_lastRests < lastRests) {
+        m_relay.cutFeed();
+        m_trader->clearDesk();
+        return goTo(Phase::Calm);
+    }
     goOn();
+}
+
+bool Soak::isEnough() const
+{
+    const bool allDone = m_plan.activities > 0 && m_trader->total() >= m_plan.activities;
+    return allDone || m_sampler->seconds() >= m_plan.seconds;
 }
 
 void Soak::goOn()
 {
-    const bool enough = m_plan.activities > 0 && m_trader->total() >= m_plan.activities;
-    if (enough || m_sampler->seconds() >= m_plan.seconds)
+    if (isEnough())
         return leave();
     m_nextRest = m_sampler->seconds() + m_plan.restEvery;
     goTo(Phase::Busy);

@@ -38,7 +38,8 @@ public:
     Soak(Relay& relay, qint64 platformProcess, SoakPlan plan);
     ~Soak() override;
 
-    /// The first and the last rest; nothing if the run did not get there.
+    /// The first rest, and the least of the last ones, since a socket may have a timer more for a while;
+    /// nothing if the run did not get there.
     [[nodiscard]] const std::optional<Sampler::Sample>& baseline() const { return m_baseline; }
     [[nodiscard]] const std::optional<Sampler::Sample>& last() const { return m_last; }
     /// "name value" lines of what was done and met.
@@ -56,6 +57,7 @@ private:
     [[nodiscard]] bool isCalm();
     void rest();
     void goOn();
+    [[nodiscard]] bool isEnough() const;
     void leave();
     void sumUp();
 
@@ -80,6 +82,7 @@ private:
     double m_lastFlow = 0.0;
     int m_cutsAsked = 0;
     int m_quietTurns = 0;
+    int m_lastRests = 0;
     std::optional<Sampler::Sample> m_baseline;
     std::optional<Sampler::Sample> m_last;
     QStringList m_summary;
