@@ -262,6 +262,7 @@ def main():
 
 if __name__ == "__main__":
     os.environ.pop("DISPLAY", None)
+    signal.signal(signal.SIGTERM, signal.default_int_handler)
     try:
         main()
     except KeyboardInterrupt:
