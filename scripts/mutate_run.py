@@ -255,7 +255,7 @@ def main():
         if not options.survivors:
             note(notes, entry)
         by = f"  [{fate['by']}: {fate['words']}]" if "by" in fate else ""
-        print(f"{fate['outcome']:<10}{described(entry)}{by}", flush=True)
+        print(f"{fate['outcome'] + '  ':<11}{described(entry)}{by}", flush=True)
         wanted -= fate["outcome"] != "did not compile"
     summary(entries)
 
