@@ -89,7 +89,8 @@ ExpertHost::Callbacks callbacksTo(AccountSession& account)
 /// One run on its way.
 class Run final {
 public:
-    Run(const std::vector<const MinuteHistory*>& histories, const RunSettings& settings, RunSpan span)
+    Run(const std::vector<const MinuteHistory*>& histories, const RunSettings& settings, RunSpan span,
+        std::size_t barsAtATime)
         : m_history(*histories.front())
         , m_settings(settings)
         , m_span(span)
@@ -99,7 +100,8 @@ public:
         , m_warmup(m_before.size())
         , m_stage({QString::fromStdString(m_history.spec.name), m_history.spec.digits,
                       practice::timeframeLength(settings.timeframe), settings.seed, std::move(m_before),
-                      [this](practice::TimeMs time, std::size_t count) { return candlesAgain(time, count); }},
+                      [this](practice::TimeMs time, std::size_t count) { return candlesAgain(time, count); },
+                      barsAtATime},
               callbacksTo(m_account),
               [this](const QString& side, double lots, double stopLoss, double takeProfit) {
                   m_account.noteRefusal(sideOf(side), lots, stopLoss, takeProfit);
@@ -280,7 +282,7 @@ RunResult LabRun::run(
 
     result.inputs = inputsAsRun(settings, script, changed);
 
-    Run run(m_histories, settings, span);
+    Run run(m_histories, settings, span, control.barsAtATime);
     run.go(changed, control);
     run.finish(script, result);
     return result;

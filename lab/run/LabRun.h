@@ -3,6 +3,7 @@
 #include "experts/ExpertScript.h"
 #include "lab/core/RunResult.h"
 #include "lab/core/RunSettings.h"
+#include "lab/run/PastCandles.h"
 
 #include <atomic>
 #include <chrono>
@@ -24,6 +25,8 @@ struct RunControl {
     /// Called, from another thread, when the script does not notice the limit for RunWatch::grace, as one
     /// that tries endless combinations of a regular expression: the run cannot be ended by itself.
     std::function<void()> deaf;
+    /// The chart keeps two or three times as many bars; older ones are made again for a script that asks.
+    std::size_t barsAtATime = PastCandles::usualBlock;
 };
 
 /// Runs Expert Advisors, unchanged, over history: each has a chart whose bars grow with the prices, a clock

@@ -17,8 +17,10 @@ public:
     /// taken away.
     using Maker = std::function<std::vector<Candle>(practice::TimeMs time, std::size_t count)>;
 
+    static constexpr std::size_t usualBlock = 16'384;
+
     /// `block`: candles at a time.
-    explicit PastCandles(Maker make, std::size_t block = 16'384)
+    explicit PastCandles(Maker make, std::size_t block = usualBlock)
         : m_make(std::move(make))
         , m_block(block)
     {

@@ -31,7 +31,7 @@ ScriptStage::ScriptStage(Settings settings, ExpertHost::Callbacks account, Refus
     m_series.setTimeframeMs(settings.barMs);
     m_series.setCandles(std::move(settings.bars));
     if (settings.barsAgain)
-        m_past.emplace(std::move(settings.barsAgain));
+        m_past.emplace(std::move(settings.barsAgain), settings.barsAtATime);
     auto timer = std::make_unique<VirtualTimer>(m_clock);
     m_timer = timer.get();
     m_engine = std::make_unique<ExpertEngine>(settings.symbol, settings.digits, m_series.candles(),

@@ -24,8 +24,9 @@ public:
         int digits = 5;
         practice::TimeMs barMs = practice::minuteMs;
         std::uint64_t seed = 1;
-        std::vector<Candle> bars;       ///< before the first price
-        PastCandles::Maker barsAgain{}; ///< unset: the chart keeps all of them
+        std::vector<Candle> bars;                          ///< before the first price
+        PastCandles::Maker barsAgain{};                    ///< unset: the chart keeps all of them
+        std::size_t barsAtATime = PastCandles::usualBlock; ///< that are taken off the chart
     };
 
     /// An order of the script whose numbers cannot be used.

@@ -12,6 +12,7 @@
 #include <QJSValue>
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <stdexcept>
 
@@ -178,6 +179,72 @@ private Q_SLOTS:
         QCOMPARE(result.bars, std::uint64_t{59'900});
         QVERIFY(result.chart.size() <= lab::ChartBars::most);
         QCOMPARE(result.chart.back().close, whole.candles().back().close);
+    }
+
+    void barsThatAreMadeAgainAreThoseThatWereThere_data()
+    {
+        QTest::addColumn<lab::Model>("model");
+        QTest::addColumn<practice::Timeframe>("timeframe");
+        QTest::addColumn<int>("warmup");
+        QTest::addColumn<int>("every");
+        constexpr std::array<std::pair<const char*, lab::Model>, 4> models{{{"open", lab::Model::Open},
+            {"ohlc", lab::Model::Ohlc}, {"path", lab::Model::Path}, {"feed", lab::Model::Feed}}};
+        constexpr std::array<std::pair<const char*, practice::Timeframe>, 2> timeframes{
+            {{"1m", practice::Timeframe::M1}, {"5m", practice::Timeframe::M5}}};
+        for (const auto& [model, modelValue] : models) {
+            for (const auto& [timeframe, timeframeValue] : timeframes) {
+                for (const int warmup : {0, 65}) {
+                    for (const int every : {37, 1'000'000}) {
+                        QTest::addRow("%s, %s, %d bars before, asked %s", model, timeframe, warmup,
+                            every < 1000 ? "on the way" : "at the end")
+                            << modelValue << timeframeValue << warmup << every;
+                    }
+                }
+            }
+        }
+    }
+
+    // A long run's chart against one that keeps all, over holes, jumps and spreads that change.
+    void barsThatAreMadeAgainAreThoseThatWereThere()
+    {
+        QFETCH(lab::Model, model);
+        QFETCH(practice::Timeframe, timeframe);
+        QFETCH(int, warmup);
+        QFETCH(int, every);
+        const lab::MinuteHistory history = lab::checks::someHistory(360, 7);
+        m_settings.model = model;
+        m_settings.timeframe = timeframe;
+        m_settings.warmupBars = warmup;
+        std::size_t first = 150; // within a bar of five minutes
+        while (history.timeAt(first) % (5 * practice::minuteMs) != 2 * practice::minuteMs)
+            ++first;
+        m_settings.from = history.timeAt(first);
+
+        const QString script = uR"(var next = %1;
+            function all() {
+                var sum = 0;
+                for (var i = Bars() - 1; i >= 0; --i)
+                    sum = sum * 0.999 + Open(i) + 2 * High(i) + 3 * Low(i) + 5 * Close(i);
+                return Bars() + ' ' + sum;
+            }
+            function OnTick() {
+                if (Bars() >= next) { next += %1; Print(all(), iMA(20, 0, Bars() - 25)); }
+                if (Bars() % 7 === 0 && Positions.count() === 0)
+                    Trade.buy(0.1, { slPoints: 12, tpPoints: 12 });
+            }
+            function OnDeinit() { Print(all(), iRSI(14, 40)); })"_s.arg(every);
+        const ExpertScript probe{u"Probe"_s, u"Probe.js"_s, script};
+        const lab::LabRun lab({&history});
+        const RunResult whole = lab.run(probe, m_settings);
+        lab::RunControl control;
+        control.barsAtATime = 8;
+        const RunResult parts = lab.run(probe, m_settings, control);
+        QVERIFY(!whole.error && !parts.error);
+        QVERIFY(whole.bars + whole.warmupBars > 4 * control.barsAtATime);
+        QVERIFY(!whole.trades.empty());
+        QCOMPARE(whole.journal.size() > 1, every < 1000);
+        QCOMPARE(textOf(parts), textOf(whole));
+        QCOMPARE(digestOf(parts), digestOf(whole));
     }
 
     void inputsTakeTheirPlaces()
