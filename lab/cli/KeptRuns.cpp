@@ -24,7 +24,8 @@ StudyStore storeIn(const fs::path& folder, ResultKind kind, const StudyIdentity&
     const std::string name(studyName(kind));
     const fs::path file = folder / storeName(kind);
     std::error_code error;
-    if (goesOn && fs::exists(file, error)) {
+    const bool isBlank = goesOn && StudyStore::isBlank(file);
+    if (goesOn && !isBlank && fs::exists(file, error)) {
         StudyStore store = StudyStore::open(file);
         const std::string difference = store.differenceTo(identity);
         if (!difference.empty())
@@ -32,6 +33,8 @@ StudyStore storeIn(const fs::path& folder, ResultKind kind, const StudyIdentity&
                 + "; another folder can be named with --out");
         return store;
     }
+    if (isBlank)
+        fs::remove(file, error);
     if (fs::exists(folder / (name + ".csv"), error)) {
         removeRun(folder);
         for (const std::string& each : {name + ".json", name + ".csv", storeName(kind)})

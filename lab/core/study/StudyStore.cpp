@@ -174,6 +174,20 @@ StudyStore StudyStore::open(const std::filesystem::path& file)
     return store;
 }
 
+bool StudyStore::isBlank(const std::filesystem::path& file)
+{
+    std::error_code error;
+    if (!std::filesystem::is_regular_file(file, error))
+        return false;
+    try {
+        const StudyStore store(file, false);
+        Query tables(store, "SELECT count(*) FROM sqlite_master");
+        return tables.step() && tables.wholeAt(0) == 0;
+    } catch (const StudyError&) {
+        return false; // whoever opens it says why
+    }
+}
+
 std::string StudyStore::differenceTo(const StudyIdentity& identity) const
 {
     for (const auto& [name, value] : identity) {

@@ -32,6 +32,8 @@ public:
     [[nodiscard]] static StudyStore create(const std::filesystem::path& file, const StudyIdentity& identity);
     /// One that is there.
     [[nodiscard]] static StudyStore open(const std::filesystem::path& file);
+    /// Whether there is a file with nothing in it: its making was cut short.
+    [[nodiscard]] static bool isBlank(const std::filesystem::path& file);
 
     ~StudyStore();
     StudyStore(const StudyStore&) = delete;

@@ -77,6 +77,16 @@ TEST_CASE("the best set's report has maps, and its figures are those of a run by
     CHECK(contains(study.contentOf("s/sweep.csv"), "rank,set,Every,Points,status,"));
 }
 
+TEST_CASE("a sweep that was stopped before its store had anything in it goes on")
+{
+    const StudyFolder study;
+    std::filesystem::create_directory(study.folder / "s");
+    study.write("s/sweep.sqlite", "");
+    CHECK_EQ(study.run("sweep", "Clock.js", joined(eight, {"--resume", "--out", "s"})).exitCode, 0);
+    CHECK(study.filesIn("s") == sweepFiles);
+    CHECK_EQ(lab::StudyStore::open(study.folder / "s/sweep.sqlite").results().size(), 8U);
+}
+
 TEST_CASE("a sweep's page says that it is one, of what, and shows its sets behind the figures")
 {
     const StudyFolder study;

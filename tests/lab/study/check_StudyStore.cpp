@@ -97,6 +97,20 @@ TEST_CASE("another script or other prices are noticed by name")
     CHECK_EQ(store.differenceTo({{"the sets", ""}}), "the sets");
 }
 
+TEST_CASE("a file whose making was cut short is blank, and no other")
+{
+    const TemporaryFolder folder;
+    const auto file = folder / "s.sqlite";
+    CHECK(!StudyStore::isBlank(file));
+    std::ofstream(file).flush();
+    CHECK(StudyStore::isBlank(file));
+    std::ofstream(folder / "text") << std::string(4'096, 'x');
+    CHECK(!StudyStore::isBlank(folder / "text"));
+    const auto made = folder / "made.sqlite";
+    static_cast<void>(StudyStore::create(made, identity));
+    CHECK(!StudyStore::isBlank(made));
+}
+
 TEST_CASE("files that cannot be used are named")
 {
     const TemporaryFolder folder;
