@@ -46,10 +46,22 @@ const char* variable(const char* name)
     return value ? value : "";
 }
 
+/// Empty in what this process forks and starts, whose descriptors are others.
 const std::string& folder()
 {
-    static const auto* value = new std::string(variable("TAVORAN_DISK"));
-    return *value;
+    static const std::string* const value = [] {
+        auto* const read = new std::string(variable("TAVORAN_DISK"));
+        ::unsetenv("TAVORAN_DISK");
+        return read;
+    }();
+    static const pid_t process = ::getpid();
+    static const auto* const none = new std::string;
+    return ::getpid() == process ? *value : *none;
+}
+
+__attribute__((constructor)) void readFolder()
+{
+    static_cast<void>(folder());
 }
 
 template <typename Function> Function* real(const char* name)
@@ -85,7 +97,7 @@ std::string ours(int directory, const char* path)
 
 bool isOurDescriptor(int descriptor)
 {
-    return descriptor >= 0 && descriptor < watched && isOurs[descriptor];
+    return descriptor >= 0 && descriptor < watched && isOurs[descriptor] && !folder().empty();
 }
 
 // --- being killed

@@ -18,8 +18,11 @@ import tempfile
 import time
 from pathlib import Path
 
+import crash_lab
+import crash_practice
 import power_loss
 
+PIECES = ("kills", "disk", "power", "practice", "lab")
 PATIENCE = 20  # seconds that a program may take to answer
 
 
@@ -274,9 +277,9 @@ def main():
     parser.add_argument("--sizes", type=int, default=0, help="of a full disk; 0 for each single one")
     parser.add_argument("--losses", type=int, default=500)
     parser.add_argument("--seed", type=int, default=int(time.time()))
-    parser.add_argument("--only", action="append", choices=("kills", "disk", "power"))
+    parser.add_argument("--only", action="append", choices=PIECES)
     arguments = parser.parse_args()
-    pieces = arguments.only or ("kills", "disk", "power")
+    pieces = arguments.only or PIECES
     with tempfile.TemporaryDirectory(prefix="tavoran-crash-") as place:
         ground = Ground(arguments, place)
         if "kills" in pieces:
@@ -290,6 +293,10 @@ def main():
             full_disk(ground, arguments.sizes)
         if "power" in pieces:
             power_losses_settings(ground, arguments.losses)
+        if "practice" in pieces:
+            crash_practice.power_losses(ground, arguments.losses // 4)
+        if "lab" in pieces:
+            crash_lab.all_of_it(ground, arguments.losses, max(4, arguments.losses // 10))
     sys.exit(1 if ground.faults else 0)
 
 

@@ -1,0 +1,167 @@
+"""The lab killed and without power: no file under its final name is half-written, finished sets are kept as they
+were, and what was interrupted goes on to the same end."""
+
+import random
+import shutil
+import sqlite3
+import subprocess
+
+import power_loss
+
+SCRIPT = """var Every = 20;  // minutes
+var Points = 40;
+var calls = 0;
+function OnTick() {
+    if (++calls % (4 * Every) !== 0 || Positions.count() > 0) return;
+    if (calls % (8 * Every) === 0)
+        Trade.buy(0.1, { slPoints: Points, tpPoints: Points });
+    else
+        Trade.sell(0.1, { slPoints: Points, tpPoints: Points });
+}
+"""
+MARKET = ("Clock.js", "--seed", "1", "--symbol", "EURUSD", "--from", "2024-01-01", "--to", "2024-01-03")
+SWEEP = ("--set", "Every=5:24:1", "--set", "Points=30,40", "--jobs", "1", "--min-trades", "1")
+
+
+class Lab:
+    """tavoran-lab in a folder with a script."""
+
+    def __init__(self, ground):
+        self._ground = ground
+        self.folder = ground.folder()
+        self.folder.mkdir()
+        (self.folder / "Clock.js").write_text(SCRIPT)
+
+    def run(self, command, *options, environment=None):
+        return subprocess.run([self._ground.bin / "tavoran-lab", command, *MARKET, *options], cwd=self.folder,
+                              env=environment or self._ground.environment(), capture_output=True, text=True,
+                              timeout=300, check=False)
+
+
+def whole(folder):
+    """What stands there under final names."""
+    return {place.name: place.read_bytes() for place in folder.iterdir() if not place.name.startswith(".")}
+
+
+def losses_of_results(ground, count, chance):
+    """Two runs, one after the other, into one folder."""
+    lab = Lab(ground)
+    before = ground.faults
+    mixed = 0
+    out = lab.folder / "out"
+    base = None
+    former = {}
+    for turn, every in enumerate(("20", "30")):
+        journal = ground.place / f"journal-lab-{turn}"
+        done = lab.run("run", "--set", f"Every={every}", "--out", out,
+                       environment=ground.environment(lab.folder, JOURNAL=journal))
+        if done.returncode != 0:
+            ground.fault(f"lab: {done.stderr[:200]}")
+            return
+        now = whole(out)
+        for size, lose in power_loss.losses(lab.folder, journal, count // 2, chance.randrange(1 << 30), base):
+            place = ground.folder()
+            lose(place)
+            found = whole(place / "out") if (place / "out").exists() else {}
+            for name, content in found.items():
+                if content not in (former.get(name), now.get(name)):
+                    ground.fault(f"lab, power lost after {size} bytes: {name} is neither the old one nor the new one")
+            if missing := set(former) - set(found):
+                ground.fault(f"lab, power lost after {size} bytes: {sorted(missing)} are gone")
+            ages = {found[name] == now[name] for name in found if former.get(name) != now[name]}
+            mixed += len(ages) > 1
+            shutil.rmtree(place)
+        former = now
+        base = ground.folder()
+        shutil.copytree(lab.folder, base)
+    ground.row(f"power lost while the lab writes results: {2 * (count // 2)} losses, {ground.faults - before} faults, "
+               f"{mixed} with files of two runs")
+
+
+def sets_in(file):
+    """What the store has of each set, by its number; None when it cannot be read."""
+    try:
+        connection = sqlite3.connect(file)
+        if connection.execute("PRAGMA integrity_check").fetchall() != [("ok",)]:
+            return None
+        rows = connection.execute("SELECT * FROM sets").fetchall()
+        connection.close()
+        return {row[0]: row for row in rows}
+    except sqlite3.OperationalError as error:
+        return {} if "no such table" in str(error) else None
+    except sqlite3.DatabaseError:
+        return None
+
+
+class Sweeps:
+    """A sweep as it should end, and the judgement of those that were cut short."""
+
+    def __init__(self, ground):
+        self._ground = ground
+        self.lab = Lab(ground)
+        self.kept = 0
+        done = self.lab.run("sweep", *SWEEP, "--out", "whole")
+        if done.returncode != 0:
+            raise RuntimeError(done.stderr[:300])
+        self._table = (self.lab.folder / "whole" / "sweep.csv").read_bytes()
+        self._sets = sets_in(self.lab.folder / "whole" / "sweep.sqlite")
+
+    def judge(self, out, where):
+        """`out` holds what is left, or is not there."""
+        if (out / "sweep.sqlite").exists():
+            look = self._ground.folder()
+            shutil.copytree(out, look)
+            kept = sets_in(look / "sweep.sqlite")
+            shutil.rmtree(look)
+            if kept is None:
+                self._ground.fault(f"{where}: the store cannot be read")
+                return
+            self.kept += len(kept)
+            if any(row != self._sets.get(number) for number, row in kept.items()):
+                self._ground.fault(f"{where}: a kept set differs")
+        done = self.lab.run("sweep", *SWEEP, "--resume", "--out", out)
+        if done.returncode != 0:
+            self._ground.fault(f"{where}: does not go on: {done.stderr.strip()[:200]}")
+        elif (out / "sweep.csv").read_bytes() != self._table:
+            self._ground.fault(f"{where}: goes on to another end")
+
+
+def kills_of_sweeps(ground, sweeps, count, chance):
+    """Before an operation on the store; a sweep has some 40 of them, and writing its results as many."""
+    before = ground.faults
+    kept = sweeps.kept
+    kills = 0
+    for turn in range(count):
+        at = turn + 1 if turn < 12 else chance.randrange(12, 90)
+        folder = ground.folder()
+        folder.mkdir()
+        done = sweeps.lab.run("sweep", *SWEEP, "--out", folder / "out",
+                              environment=ground.environment(folder, KILL=at))
+        kills += done.returncode != 0
+        sweeps.judge(folder / "out", f"sweep killed before operation {at}")
+    ground.row(f"sweeps of the lab killed: {kills} kills, {sweeps.kept - kept} finished sets found again, "
+               f"{ground.faults - before} faults")
+
+
+def losses_of_sweeps(ground, sweeps, count, chance):
+    before = ground.faults
+    kept = sweeps.kept
+    folder = ground.folder()
+    folder.mkdir()
+    journal = ground.place / "journal-sweep"
+    sweeps.lab.run("sweep", *SWEEP, "--out", folder / "out", environment=ground.environment(folder, JOURNAL=journal))
+    for size, lose in power_loss.losses(folder, journal, count, chance.randrange(1 << 30)):
+        place = ground.folder()
+        lose(place)
+        sweeps.judge(place / "out", f"sweep, power lost after {size} bytes of its journal")
+        shutil.rmtree(place)
+    ground.row(f"power lost during a sweep of the lab: {count} losses, {sweeps.kept - kept} finished sets found "
+               f"again, {ground.faults - before} faults")
+
+
+def all_of_it(ground, losses, kills):
+    chance = random.Random(ground.seed)
+    losses_of_results(ground, losses, chance)
+    sweeps = Sweeps(ground)
+    kills_of_sweeps(ground, sweeps, kills, chance)
+    losses_of_sweeps(ground, sweeps, max(4, losses // 10), chance)

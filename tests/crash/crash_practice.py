@@ -1,0 +1,140 @@
+"""The practice platform without power: every acknowledged order is there, and none twice."""
+
+import http.client
+import json
+import os
+import random
+import select
+import shutil
+import sqlite3
+import subprocess
+
+import power_loss
+
+PATIENCE = 30  # seconds
+
+
+class Platform:
+    """tavoran-practice on a database and a port of its choice."""
+
+    def __init__(self, ground, database, environment=None):
+        self._process = subprocess.Popen([ground.bin / "tavoran-practice", "--quiet", "--port", "0", "--db", database],
+                                         stdout=subprocess.PIPE, stderr=subprocess.PIPE,
+                                         env=environment or ground.environment())
+        ready = select.select([self._process.stdout], [], [], PATIENCE)[0]
+        line = self._process.stdout.readline().decode() if ready else ""
+        if not line:
+            self._process.kill()
+            _, errors = self._process.communicate()
+            raise RuntimeError(f"the platform does not start: {errors.decode()[:300]}")
+        self._line = http.client.HTTPConnection("127.0.0.1", int(line.rstrip().rsplit(":", 1)[1]), timeout=PATIENCE)
+        self.token = None
+
+    def ask(self, method, target, body=None):
+        headers = {"Content-Type": "application/json"}
+        if self.token:
+            headers["Authorization"] = "Bearer " + self.token
+        self._line.request(method, target, None if body is None else json.dumps(body), headers)
+        reply = self._line.getresponse()
+        content = reply.read()
+        if reply.status != 200:
+            raise RuntimeError(f"{target}: {reply.status} {content.decode()[:200]}")
+        return json.loads(content) if content else None
+
+    def sign_in(self):
+        answer = self.ask("POST", "/api/auth/login", {"email": "trader@practice.local", "password": "practice"})
+        self.token = answer["token"]
+
+    def account(self):
+        return next(row["id"] for row in self.ask("GET", "/api/accounts") if row["type"] == "DEMO")
+
+    def end(self):
+        self._line.close()
+        self._process.kill()
+        self._process.communicate()
+
+
+class Told:
+    """What the platform has acknowledged, with the size of its journal then."""
+
+    def __init__(self, journal):
+        self._journal = journal
+        self.placed = {}  # comment: (id, size)
+        self.closed = {}  # id: size
+        self.signed_in = None
+
+    def now(self):
+        return os.path.getsize(self._journal)
+
+
+def trade(platform, told, orders):
+    """Some that stay, some that are closed, some that wait."""
+    platform.sign_in()
+    told.signed_in = told.now()
+    account = platform.account()
+    for number in range(orders):
+        order = {"accountId": account, "symbol": "EURUSD", "lotSize": 0.01, "comment": f"order {number}"}
+        market = number % 3 != 0
+        order |= {"orderKind": "MARKET", "type": "BUY"} if market else {"orderKind": "BUY_LIMIT", "pendingPrice": 0.5}
+        identity = platform.ask("POST", "/api/trades/place", order)["id"]
+        told.placed[order["comment"]] = (identity, told.now())
+        if number % 3 == 2:
+            platform.ask("POST", f"/api/trades/close/{identity}", {})
+            told.closed[identity] = told.now()
+
+
+def check(ground, place, told, size, where):
+    """A start on what the loss left, and what it then has."""
+    database = place / "practice.db"
+    try:
+        platform = Platform(ground, database)
+    except RuntimeError as error:
+        ground.fault(f"{where}: {error}")
+        return
+    try:
+        platform.sign_in()
+        account = platform.account()
+        seen = {}
+        for kind in ("open", "pending", "history"):
+            for row in platform.ask("GET", f"/api/trades/{kind}?accountId={account}"):
+                seen.setdefault(row["comment"], []).append((row["id"], kind))
+    except RuntimeError as error:
+        ground.fault(f"{where}: {error}")
+        return
+    finally:
+        platform.end()
+    for comment, found in seen.items():
+        if len(found) != 1:
+            ground.fault(f"{where}: {comment} is there {len(found)} times")
+    for comment, (identity, then) in told.placed.items():
+        found = seen.get(comment, [])
+        if then <= size and [each for each, _ in found] != [identity]:
+            ground.fault(f"{where}: {comment} was acknowledged and is lost")
+        elif told.closed.get(identity, size + 1) <= size and found[0][1] != "history":
+            ground.fault(f"{where}: {comment} was closed and is {found[0][1]}")
+    connection = sqlite3.connect(database)
+    answer = connection.execute("PRAGMA integrity_check").fetchall()
+    connection.close()
+    if answer != [("ok",)]:
+        ground.fault(f"{where}: integrity_check says {answer[:3]}")
+
+
+def power_losses(ground, count, orders=60):
+    before = ground.faults
+    chance = random.Random(ground.seed)
+    folder = ground.folder()
+    folder.mkdir(mode=0o700)
+    journal = ground.place / "journal-practice"
+    platform = Platform(ground, folder / "practice.db", ground.environment(folder, JOURNAL=journal))
+    told = Told(journal)
+    trade(platform, told, orders)
+    platform.end()
+    acknowledged = 0
+    for size, lose in power_loss.losses(folder, journal, count, chance.randrange(1 << 30)):
+        place = ground.folder()
+        lose(place)
+        check(ground, place, told, size, f"platform, power lost after {size} bytes of its journal")
+        acknowledged += sum(then <= size for _, then in told.placed.values())
+        shutil.rmtree(place)
+    ground.row(f"power lost while trading on the platform: {count} losses, {acknowledged} acknowledged orders looked "
+               f"for, {ground.faults - before} faults")
