@@ -295,7 +295,9 @@ def main():
             power_losses_settings(ground, arguments.losses)
         if "practice" in pieces:
             crash_practice.power_losses(ground, arguments.losses // 4)
-        if "lab" in pieces:
+        if "lab" in pieces and not (ground.bin / "tavoran-lab").exists():
+            ground.row("the lab is not tried: it is not built")
+        elif "lab" in pieces:
             crash_lab.all_of_it(ground, arguments.losses, max(4, arguments.losses // 10))
     sys.exit(1 if ground.faults else 0)
 
