@@ -1,6 +1,7 @@
 #include "lab/cli/TradeHistory.h"
 
 #include "lab/cli/OptionValues.h"
+#include "lab/cli/ResultCheck.h"
 #include "lab/cli/UsageError.h"
 
 #include <nlohmann/json.hpp>
@@ -126,7 +127,7 @@ ExitReason reasonOf(const std::string& text)
         return ExitReason::Margin;
     if (text == "RISK")
         return ExitReason::Rule;
-    return ExitReason::Script;
+    return text == "MANUAL" ? ExitReason::Manual : ExitReason::Other;
 }
 
 int decimalsOf(const std::string& price)
@@ -136,12 +137,17 @@ int decimalsOf(const std::string& price)
                                       : static_cast<int>(std::min<std::size_t>(price.size() - point - 1, 8));
 }
 
+/// What moved the balance without a trade.
+struct Payment {
+    TimeMs time = 0;
+    Cents amount = 0;
+};
+
 /// What was read of a reply, before it becomes a result.
 struct Reply {
     std::vector<TradeRow> trades;
+    std::vector<Payment> payments;
     std::size_t rows = 0;
-    std::size_t payments = 0;
-    Cents paid = 0;
 };
 
 TradeRow tradeOf(const RowReader& row)
@@ -182,8 +188,7 @@ Reply read(std::string_view text, const std::string& name)
         const RowReader row(entry, name + ": row " + std::to_string(++reply.rows));
         accounts.insert(row.text("accountId"));
         if (row.text("orderKind") == "BALANCE") {
-            ++reply.payments;
-            reply.paid += row.money("pnl", true);
+            reply.payments.push_back({row.time("createdAt", "closedAt"), row.money("pnl", true)});
         } else if (row.text("status") == "CLOSED") {
             reply.trades.push_back(tradeOf(row));
         }
@@ -222,6 +227,28 @@ std::vector<TradeRow> chosenTrades(const Reply& reply, const std::string& wanted
         throw UsageError(
             name + ": no closed trade in " + wanted + "; there are " + namesOf(digitsBySymbol(reply.trades)));
     return trades;
+}
+
+Cents sumOf(const std::vector<Payment>& payments)
+{
+    Cents sum = 0;
+    for (const Payment& payment : payments)
+        sum += payment.amount;
+    return sum;
+}
+
+/// Takes the payments before the first trade out of the others, where they and nothing else can have made the
+/// balance at the start.
+Cents takeDeposit(Reply& reply)
+{
+    const TimeMs first = std::ranges::min(reply.trades, {}, &TradeRow::openTime).openTime;
+    const auto isLater = [first](const Payment& payment) { return payment.time >= first; };
+    const auto earlier = std::ranges::stable_partition(reply.payments, isLater);
+    const Cents deposit = sumOf({earlier.begin(), earlier.end()});
+    if (deposit <= 0 || reply.rows >= mostRows)
+        return 0;
+    reply.payments.erase(earlier.begin(), earlier.end());
+    return deposit;
 }
 
 std::int64_t dayOf(TimeMs time)
@@ -300,7 +327,7 @@ TimeMs exposureOf(const std::vector<TradeRow>& byOpening)
 
 RunResult resultOfTrades(std::string_view text, const std::string& name, const TradeHistoryWish& wish)
 {
-    const Reply reply = read(text, name);
+    Reply reply = read(text, name);
     RunResult result;
     result.closedTradesOnly = true;
     result.trades = chosenTrades(reply, wish.symbol, name);
@@ -323,19 +350,25 @@ RunResult resultOfTrades(std::string_view text, const std::string& name, const T
     result.settings.to = result.trades.back().closeTime + 1;
     if (*result.settings.to - *result.settings.from > mostYears * 366 * practice::dayMs)
         throw UsageError(name + ": covers more than " + std::to_string(mostYears) + " years");
-    result.startBalance = wish.balance.value_or(result.settings.balance);
+    const Cents deposit = wish.balance ? 0 : takeDeposit(reply);
+    result.startBalance = deposit > 0 ? deposit : wish.balance.value_or(result.settings.balance);
     result.settings.balance = result.startBalance;
     addCurve(result);
 
     std::vector<std::string>& warnings = result.warnings;
     warnings.emplace_back("Made of closed trades: what equity did while they were open is not known, nor the "
                           "falls in between. Figures by day follow the closings.");
-    if (!wish.balance)
+    if (std::string contradiction = contradictionText(result); !contradiction.empty())
+        warnings.push_back(std::move(contradiction));
+    if (deposit > 0)
+        warnings.emplace_back(practice::moneyText(deposit)
+            + " USD were paid in before the first trade, and are taken as the balance at the start.");
+    else if (!wish.balance)
         warnings.emplace_back("The history does not tell the balance at the start; "
             + practice::moneyText(result.startBalance) + " USD is assumed.");
-    if (reply.payments > 0)
-        warnings.emplace_back("Payments are left out: " + std::to_string(reply.payments) + ", "
-            + practice::moneyText(reply.paid) + " USD together.");
+    if (!reply.payments.empty())
+        warnings.emplace_back("Payments are left out: " + std::to_string(reply.payments.size()) + ", "
+            + practice::moneyText(sumOf(reply.payments)) + " USD together.");
     if (reply.rows >= mostRows)
         warnings.emplace_back("The history has as many rows as the platform sends at once; older trades may "
                               "be missing.");

@@ -10,8 +10,9 @@ namespace lab {
 
 /// What a reader of an account's trades has to know or to choose.
 struct TradeHistoryWish {
-    std::string symbol;                     ///< of these trades alone; empty: of all
-    std::optional<practice::Cents> balance; ///< before the first trade; absent: the usual one, with a warning
+    std::string symbol; ///< of these trades alone; empty: of all
+    std::optional<practice::Cents>
+        balance; ///< before the first trade; absent: what was paid in by then or the usual one
 };
 
 /// The closed positions in the platform's reply to a request for an account's history, in whatever symbols.

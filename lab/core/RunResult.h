@@ -12,8 +12,9 @@
 namespace lab {
 
 /// Why a position was closed: by its levels, the script, the end of the run, too little margin, a rule of
-/// the plan.
-enum class ExitReason { StopLoss, TakeProfit, Script, End, Margin, Rule };
+/// the plan. Those of an account that was not the lab's know no Script and no End: Manual is a person's or a
+/// script's closing, Other whatever else is told, or nothing.
+enum class ExitReason { StopLoss, TakeProfit, Script, End, Margin, Rule, Manual, Other };
 
 /// A closed position. Money in cents of the account's currency.
 struct TradeRow {

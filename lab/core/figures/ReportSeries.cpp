@@ -218,7 +218,7 @@ std::vector<ExitSum> exitSums(const RunResult& result)
 {
     std::vector<ExitSum> sums;
     for (const ExitReason reason : {ExitReason::StopLoss, ExitReason::TakeProfit, ExitReason::Script,
-             ExitReason::End, ExitReason::Margin, ExitReason::Rule}) {
+             ExitReason::End, ExitReason::Margin, ExitReason::Rule, ExitReason::Manual, ExitReason::Other}) {
         ExitSum sum{reason, 0, 0};
         for (const TradeRow& trade : result.trades) {
             if (trade.reason != reason)

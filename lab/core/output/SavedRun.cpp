@@ -174,7 +174,8 @@ constexpr std::string_view tradesHeader
     = "ticket,symbol,side,lots,openTime,openPrice,closeTime,closePrice,stopLoss,takeProfit,profit,"
       "commission,swap,net,reason,mae,mfe,ambiguous";
 constexpr std::array<std::string_view, 2> sides{"BUY", "SELL"};
-constexpr std::array<std::string_view, 6> reasons{"SL", "TP", "SCRIPT", "END", "MARGIN", "RULE"};
+constexpr std::array<std::string_view, 8> reasons{
+    "SL", "TP", "SCRIPT", "END", "MARGIN", "RULE", "MANUAL", "OTHER"};
 constexpr std::array<std::string_view, 2> answers{"0", "1"};
 
 int decimalsOf(Reader fields)

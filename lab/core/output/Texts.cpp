@@ -127,7 +127,8 @@ std::string_view sideText(practice::Side side)
 
 std::string_view reasonText(ExitReason reason)
 {
-    constexpr std::array<std::string_view, 6> texts{"SL", "TP", "SCRIPT", "END", "MARGIN", "RULE"};
+    constexpr std::array<std::string_view, 8> texts{
+        "SL", "TP", "SCRIPT", "END", "MARGIN", "RULE", "MANUAL", "OTHER"};
     return texts[static_cast<std::size_t>(reason)];
 }
 

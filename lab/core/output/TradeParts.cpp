@@ -141,13 +141,15 @@ std::string reasonsLegend(bool withScript)
             "it was still open at the end of the run, or of a window of a walk, and was closed at the last "
             "price"},
         Reason{ExitReason::Margin, "too little margin was left, so the broker closed it"},
-        Reason{ExitReason::Rule, "a rule of the plan was broken, which closes everything"}};
+        Reason{ExitReason::Rule, "a rule of the plan was broken, which closes everything"},
+        Reason{ExitReason::Manual, "a person or a script closed it"},
+        Reason{ExitReason::Other, "the account tells another reason, or none"}};
     std::string html = "\n<dl class=\"note legend\">\n";
-    for (auto [reason, words] : reasons) {
-        if (!withScript && reason == ExitReason::End)
+    for (const auto& [reason, words] : reasons) {
+        const bool isOfRun = reason == ExitReason::Script || reason == ExitReason::End;
+        const bool isOfAccount = reason == ExitReason::Manual || reason == ExitReason::Other;
+        if (withScript ? isOfAccount : isOfRun)
             continue;
-        if (!withScript && reason == ExitReason::Script)
-            words = "a person or a script closed it";
         html += "<div><dt>" + std::string(reasonText(reason)) + "</dt><dd>" + std::string(words)
             + "</dd></div>\n";
     }

@@ -120,6 +120,53 @@ TEST_CASE("payments are no trades, and are told")
     CHECK(warns(result, "Payments are left out: 1, 250.00 USD"));
 }
 
+TEST_CASE("results that the prices contradict are told, and those that follow from them are not")
+{
+    CHECK(!warns(lab::resultOfTrades(reply, "h.json", {}), "fit their prices"));
+    // 50.00 is what the prices make, before the costs.
+    const RunResult gross = lab::resultOfTrades(with(reply, "\"48.58\"", "\"50.00\""), "h.json", {});
+    CHECK(warns(gross,
+        "Results do not fit their prices in 1 of 2 trades, first in ticket 1: its pnl of 50.00 is taken as "
+        "net, "
+        "after 1.42 of costs, and its prices make 50.00 before them."));
+    CHECK_EQ(gross.trades[0].net(), 5'000);
+    // What a lot of another symbol holds is not known here.
+    const std::string other = with(with(reply, "EURUSD", "WHEAT"), "\"48.58\"", "\"50.00\"");
+    CHECK(!warns(lab::resultOfTrades(other, "h.json", {}), "fit their prices"));
+}
+
+TEST_CASE("a closing that no script is known to have asked for is not called one")
+{
+    const RunResult manual = lab::resultOfTrades(with(reply, "\"TP\"", "\"MANUAL\""), "h.json", {});
+    CHECK(lab::tradesCsv(manual).find(",48.58,MANUAL,,,\n") != std::string::npos);
+    const std::string page = lab::reportPage(manual, lab::figuresOf(manual), {"h", {}});
+    CHECK(page.find("<th scope=\"row\">MANUAL</th>") != std::string::npos);
+    CHECK(page.find("<dt>MANUAL</dt><dd>a person or a script closed it</dd>") != std::string::npos);
+    CHECK(page.find("SCRIPT") == std::string::npos);
+    for (const char* word : {"\"MARGIN_CALL_2\"", "\"\"", "null"}) {
+        const RunResult other = lab::resultOfTrades(with(reply, "\"TP\"", word), "h.json", {});
+        CHECK(lab::tradesCsv(other).find(",48.58,OTHER,,,\n") != std::string::npos);
+    }
+}
+
+TEST_CASE("what was paid in before the first trade is the balance at the start")
+{
+    const std::string payment = R"([{"id":"p","accountId":"A","symbol":"","type":"BUY","orderKind":"BALANCE",
+"status":"CLOSED","lotSize":"0.00","pnl":"10000.00","createdAt":"2024-01-01T21:00:00.000Z"},)";
+    const std::string paid = payment + reply.substr(1);
+    const RunResult result = lab::resultOfTrades(paid, "h.json", {});
+    CHECK_EQ(result.startBalance, 1'000'000);
+    CHECK_EQ(result.equity.back().balance, 994'508);
+    CHECK(warns(result, "10,000.00 USD were paid in before the first trade, and are taken as the balance"));
+    CHECK(!warns(result, "assumed") && !warns(result, "left out"));
+
+    const RunResult chosen = lab::resultOfTrades(paid, "h.json", {{}, 5'000'000});
+    CHECK_EQ(chosen.startBalance, 5'000'000);
+    CHECK(warns(chosen, "Payments are left out: 1, 10,000.00 USD"));
+    const std::string withdrawn = with(paid, "\"10000.00\"", "\"-10.00\"");
+    CHECK(warns(lab::resultOfTrades(withdrawn, "h.json", {}), "100,000.00 USD is assumed"));
+}
+
 TEST_CASE("days without prices at weekends are left out of the returns")
 {
     const std::string friday = with(reply, "2024-01-03T1", "2024-01-08T1"); // a Monday

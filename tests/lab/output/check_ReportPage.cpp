@@ -175,7 +175,8 @@ TEST_CASE("the reasons of closings are told in plain words below the trades")
     }
     RunResult history = smallRun();
     history.closedTradesOnly = true;
-    CHECK(has(pageOf(history), "<dt>SCRIPT</dt><dd>a person or a script closed it</dd>"));
+    CHECK(has(pageOf(history), "<dt>MANUAL</dt><dd>a person or a script closed it</dd>"));
+    CHECK(!has(pageOf(history), "<dt>SCRIPT</dt>"));
     CHECK(!has(pageOf(history), "<dt>END</dt>"));
 }
 
