@@ -35,8 +35,9 @@ constexpr std::array commands{
     CommandRow{Command::Check, "check", "SCRIPT", "PRICES", "find out whether a result can be believed",
         "An earlier end must change nothing before it, half and double the warm-up no\n"
         "trade, the order of the extremes no more than a tenth of the result, and another\n"
-        "run no byte. Exit status: 0 when all of this holds, 1 when not, 2 when it\n"
-        "cannot be found out.\n"},
+        "run no byte.\n"
+        "Exit status: 0 when all of this holds; 1 when something does not, or there is\n"
+        "nothing to compare; 2 when something cannot be used.\n"},
     CommandRow{Command::Sweep, "sweep", "SCRIPT", "PRICES", "try many values of inputs, on all cores",
         "Exit status: 0; 1 when no set can be chosen; 2 when something cannot be used; 3\n"
         "when some sets failed; 130 after Ctrl-C, which keeps what was done.\n"},
@@ -44,7 +45,7 @@ constexpr std::array commands{
         "choose values on the past, try them on what follows",
         "Each window chooses as sweep does, and is tested on the time behind it. Exit\n"
         "status: as of sweep; 1 also when a test ended early.\n"},
-    CommandRow{Command::Challenge, "challenge", "SCRIPT", "PRICES --starts daily",
+    CommandRow{Command::Challenge, "challenge", "SCRIPT", "PRICES --starts daily | --seeds A..B",
         "how often a plan would be passed, from many starts",
         "A run from each start ends with the plan or with the prices.\n"},
     CommandRow{Command::Plan, "plan", "SCRIPT", "PRICES --chunks N",
@@ -237,7 +238,7 @@ constexpr std::array options{
         readData, studying},
     OptionRow{"--symbol", "S", "required where prices are simulated or of several files", running, readSymbol,
         studying},
-    OptionRow{"--symbol", "S", "which one, where there are several", setOf(Command::Report), readSymbol},
+    OptionRow{"--symbol", "S", "of this one alone (all of them)", setOf(Command::Report), readSymbol},
     OptionRow{"--seed", "N", "simulated prices; with --data of random numbers alone (1)", running, readSeed,
         studying},
     OptionRow{"--speed", "X", "of the simulated market, 0.1 to 1000 (1)", running, readSpeed, studying},
@@ -287,8 +288,8 @@ constexpr std::array options{
     OptionRow{"--test", "LENGTH", "required: the time to try on, behind it, 1d to 10000w",
         setOf(Command::Walk), readTest},
     OptionRow{"--anchored", "", "choose on all the past", setOf(Command::Walk), readAnchored},
-    OptionRow{"--starts", "daily", "required: a start on each day with prices", setOf(Command::Challenge),
-        readStarts},
+    OptionRow{"--starts", "daily", "a start on each day with prices; or --seeds (required)",
+        setOf(Command::Challenge), readStarts},
     OptionRow{"--seeds", "A..B",
         "instead of --starts and --seed: a simulated market for\n"
         "each, at most 100000 of them",

@@ -207,9 +207,8 @@ private:
 };
 
 /// Names on the left, what they mean beside them, line by line.
-void addEntry(std::string& text, const std::string& name, std::string_view help)
+void addEntry(std::string& text, const std::string& name, std::string_view help, std::size_t column = 21)
 {
-    constexpr std::size_t column = 21;
     std::string left = "  " + name;
     while (!help.empty()) {
         const std::size_t end = std::min(help.find('\n'), help.size());
@@ -224,11 +223,12 @@ std::string programHelp()
 {
     std::string text = "Usage: tavoran-lab COMMAND [options]\n"
                        "Runs Expert Advisors over history, with the practice platform's broker.\n\n";
+    constexpr std::size_t column = 25; // commands are longer than options
     for (const CommandRow& row : commandRows())
-        addEntry(text, std::string(row.name) + ' ' + std::string(row.arguments), row.summary);
+        addEntry(text, std::string(row.name) + ' ' + std::string(row.arguments), row.summary, column);
     text += "\n";
-    addEntry(text, "--help", "print this text; behind a command, its options");
-    addEntry(text, "--version", "print the version");
+    addEntry(text, "--help", "print this text; behind a command, its options", column);
+    addEntry(text, "--version", "print the version", column);
     return text
         + "\nA first run, over simulated prices:\n"
           "  tavoran-lab run MA_Cross.js --symbol EURUSD --seed 1\n"
@@ -250,16 +250,20 @@ std::string helpText(Command command)
     if (command == Command::None)
         return programHelp();
     const CommandRow& about = rowOf(command);
-    std::string text = "Usage: tavoran-lab";
-    for (const std::string_view part : {about.name, about.arguments, about.required})
-        text.append(part.empty() ? "" : " ").append(part);
-    text += " [options]\n";
+    const bool hasOptions = std::ranges::any_of(
+        optionRows(), [command](const OptionRow& row) { return (row.commands & setOf(command)) != 0; });
+    std::string usage = "Usage: tavoran-lab";
+    for (const std::string_view part :
+        {about.name, about.arguments, about.required, std::string_view(hasOptions ? "[options]" : "")})
+        usage.append(part.empty() ? "" : " ").append(part);
+    std::string text = wrapped(usage, screenWidth, "       ") + '\n';
     std::string summary(about.summary);
     summary.front() = static_cast<char>(summary.front() - 'a' + 'A');
     text.append(summary).append(".\n");
     if (about.required.starts_with("PRICES"))
         text += "PRICES: --data FILE-1m.csv, recorded, or --seed N --symbol S, simulated.\n";
-    text += '\n';
+    if (hasOptions)
+        text += '\n';
     std::string named;
     for (const OptionRow& row : optionRows()) {
         if ((row.commands & row.onlyNamed & setOf(command)) != 0)

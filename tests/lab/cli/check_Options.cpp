@@ -290,8 +290,28 @@ TEST_CASE("a help says what is required, which values there are, and what stands
     CHECK(contains(lab::helpText(Command::Run), "0 to 86400000 (0)"));
     CHECK(contains(lab::helpText(Command::Run), "365 days before --to"));
     CHECK(contains(lab::helpText(Command::Plan), "PRICES --chunks N [options]\n"));
-    CHECK(contains(lab::helpText(Command::Challenge), "PRICES --starts daily [options]\n"));
     CHECK(contains(lab::helpText(Command::Merge), "new, or with a former sweep (SCRIPT-SYMBOL-sweep)"));
+    CHECK(contains(lab::helpText(Command::Report), "of this one alone (all of them)"));
+    const std::string challenge = lab::helpText(Command::Challenge);
+    CHECK(contains(challenge, "PRICES --starts daily | --seeds A..B\n       [options]\n"));
+    CHECK(contains(challenge, "--starts daily     a start on each day with prices; or --seeds"));
+}
+
+TEST_CASE("the help of check tells which exit status a run without anything to compare has")
+{
+    const std::string check = lab::helpText(Command::Check);
+    CHECK(contains(check, "1 when something does not, or there is\nnothing to compare;"));
+    CHECK(!contains(check, "found out."));
+}
+
+TEST_CASE("a help has neither options that there are not nor a hole in it")
+{
+    const std::string inputs = lab::helpText(Command::Inputs);
+    CHECK(inputs.starts_with("Usage: tavoran-lab inputs SCRIPT\n"));
+    for (const lab::CommandRow& row : lab::commandRows())
+        CHECK(!contains(lab::helpText(row.command), "\n\n\n"));
+    // Every summary begins in the same column.
+    CHECK(contains(lab::helpText(Command::None), "\n  verify SESSION SCRIPT  compare a "));
 }
 
 TEST_CASE("a name that is nearly right is answered with the right one")
