@@ -54,7 +54,7 @@ struct RunSettings {
     AccountRules rules = AccountRules::Demo;
     practice::Cents balance = 10'000'000;
     std::optional<PlanCourse> course; ///< of an account that another run has left; absent: it begins
-    /// Another run takes the account over: what the end closes counts for its plan.
+    /// The account is meant to outlive this run, traded on or not: what the end closes counts for its plan.
     bool goesOn = false;
     int leverage = 100;
     std::uint64_t seed = 1; ///< of everything random, the script's included
