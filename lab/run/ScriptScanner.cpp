@@ -21,6 +21,11 @@ bool isDigit(QChar c)
     return c >= u'0' && c <= u'9';
 }
 
+bool isHexDigit(QChar c)
+{
+    return isDigit(c) || (c >= u'a' && c <= u'f') || (c >= u'A' && c <= u'F');
+}
+
 bool isWordStart(QChar c)
 {
     return c.isLetter() || c == u'_' || c == u'$' || c == u'\\' || c.isSurrogate();
@@ -145,11 +150,12 @@ void ScriptScanner::passLineEnd()
 qsizetype ScriptScanner::endOfWord(qsizetype place) const
 {
     while (place < m_text.size() && isWordPart(m_text[place])) {
-        const bool isEscape = m_text[place] == u'\\' && at(place + 1) == u'u' && at(place + 2) == u'{';
-        place = isEscape ? m_text.indexOf(u'}', place) : place;
-        if (place < 0)
-            return m_text.size();
-        ++place;
+        qsizetype end = place;
+        if (m_text[place] == u'\\' && at(place + 1) == u'u' && at(place + 2) == u'{') {
+            for (end = place + 3; isHexDigit(at(end));)
+                ++end;
+        }
+        place = at(end) == u'}' ? end + 1 : place + 1;
     }
     return place;
 }

@@ -115,6 +115,15 @@ private Q_SLOTS:
         QCOMPARE(inputs[1].line, 3);
     }
 
+    void noEscapedNameGoesOnBehindItsLine()
+    {
+        const QList<lab::ScriptInput> inputs
+            = lab::inputsOf(u"x = \\u{ 3 }\nvar a = 1;\nx = \\u{\n} var b = 2\n"_s);
+        QCOMPARE(inputs.size(), 2);
+        QCOMPARE(inputs[0].line, 2);
+        QCOMPARE(inputs[1].line, 4);
+    }
+
     void whatTheScriptChangesItselfIsMarked_data()
     {
         QTest::addColumn<QString>("script");
