@@ -33,7 +33,7 @@ bool isSame(practice::Trade left, const practice::Trade& right)
 
 BrokerReplay::BrokerReplay(const SessionStart& start)
     : m_broker(
-        start.symbols, [this] { return m_nextId; }, start.state)
+        start.symbols, [this] { return nextId(); }, start.state)
 {
     expect(start.time, m_broker.onPrices(start.prices, start.time));
 }
@@ -118,6 +118,14 @@ practice::CommandResult BrokerReplay::carryOut(const practice::TradeCommand& com
         return m_broker.cancel(cancel->tradeId, time);
     const auto& modify = std::get<practice::ModifyCommand>(command);
     return m_broker.modify(modify.tradeId, modify.change, time);
+}
+
+/// The broker asks again as long as it knows a trade by that id, which a damaged recording may name twice.
+std::string BrokerReplay::nextId()
+{
+    if (m_nextId.empty())
+        return "unforeseen " + std::to_string(++m_madeIds);
+    return std::exchange(m_nextId, {});
 }
 
 void BrokerReplay::expect(practice::TimeMs time, const practice::ChangeSet& changes)

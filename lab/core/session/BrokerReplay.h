@@ -41,9 +41,11 @@ private:
     [[nodiscard]] std::optional<Difference> takeRecord(practice::TimeMs time, const Record& record);
     [[nodiscard]] practice::CommandResult carryOut(
         const practice::TradeCommand& command, practice::TimeMs time);
+    [[nodiscard]] std::string nextId();
     void expect(practice::TimeMs time, const practice::ChangeSet& changes);
 
-    std::string m_nextId; ///< of the trade that the next order becomes
+    std::string m_nextId; ///< of the trade that the next order becomes; empty once it has been given
+    int m_madeIds = 0;
     practice::Broker m_broker;
     std::deque<Record> m_expected; ///< changes that are not yet told of
     practice::TimeMs m_expectedAt = 0;

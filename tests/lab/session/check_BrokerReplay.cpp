@@ -13,6 +13,7 @@
 
 #include <random>
 #include <set>
+#include <utility>
 
 using namespace practice;
 
@@ -184,6 +185,15 @@ TEST_CASE("a price, a volume or a closing that is another one is a difference")
             return false;
         command->outcome += '!';
         return true;
+    }));
+    std::string known;
+    CHECK(differs([&known](lab::SessionEvent& event) {
+        auto* command = std::get_if<lab::CommandEvent>(&event.what);
+        if (!command || command->status != 200 || !std::holds_alternative<PlaceRequest>(command->command))
+            return false;
+        if (known.empty())
+            known = command->outcome;
+        return std::exchange(command->outcome, known) != known; // two orders become the same trade
     }));
 }
 
