@@ -243,6 +243,8 @@ void readSummary(const fs::path& file, SavedRun& run)
         const auto end = content.begin() + static_cast<std::ptrdiff_t>(std::min(error.byte, content.size()));
         place.line += static_cast<std::size_t>(std::count(content.begin(), end, '\n'));
         place.fail("this is no JSON");
+    } catch (const nlohmann::json::exception&) {
+        place.fail("a number is too large");
     }
     if (!summary.is_object())
         place.fail("this is no summary of a run");

@@ -140,6 +140,9 @@ TEST_CASE("damaged files are told with their line")
     CHECK_EQ(
         messageAfter("summary.json", [](std::string& text) { exchange(text, "\"bars\": ", "\"bars\": x"); }),
         "summary.json:5: this is no JSON");
+    CHECK_EQ(messageAfter(
+                 "summary.json", [](std::string& text) { exchange(text, "\"bars\": ", "\"bars\": 1e999"); }),
+        "summary.json:1: a number is too large");
     CHECK_EQ(messageAfter("summary.json", [](std::string& text) { text = "[]"; }),
         "summary.json:1: this is no summary of a run");
     CHECK_EQ(messageAfter(
