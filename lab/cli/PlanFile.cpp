@@ -99,6 +99,8 @@ PlanFile readPlan(const fs::path& file)
         plan.script = {text("scriptName"), text("scriptFile"), text("script")};
     } catch (const nlohmann::json::exception&) {
         throw StudyError(file.string() + " is no plan");
+    } catch (const UsageError& error) {
+        throw StudyError(file.string() + ": " + oneLine(error.what()));
     }
     if (plan.chunks == 0 || plan.sets < plan.chunks || plan.sets > mostSets
         || plan.options.command != Command::Plan)

@@ -304,6 +304,10 @@ TEST_CASE("what is no plan, no chunk or no place is said in a line")
         study.write("damaged.json", plan);
         CHECK(contains(refusal({"work", "damaged.json", "3"}), "plan"));
     }
+    std::string odd = study.contentOf("c.plan.json");
+    odd.replace(odd.find("--chunks"), 8, "--chu\\nnks");
+    study.write("odd.json", odd);
+    CHECK(contains(refusal({"work", "odd.json", "1"}), "odd.json"));
     CHECK(
         contains(study.run("plan", "Clock.js", joined(eight, {"--chunks", "2", "--out", "Clock.js"})).errors,
             "is no plan"));
