@@ -17,9 +17,6 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
     } catch (const lab::StudyError& error) {
         demand(fuzz::isOneLine(error.what()), "a refusal is one line");
         return 0;
-    } catch (const lab::UsageError& error) {
-        demand(fuzz::isOneLine(error.what()), "a wrong argument is told in one line");
-        return 0;
     }
     demand(plan->chunks >= 1 && plan->chunks <= plan->sets, "each chunk has sets");
     demand(plan->span(1).first == 0 && plan->span(plan->chunks).second == plan->sets,
