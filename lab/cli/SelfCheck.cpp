@@ -74,7 +74,7 @@ std::string counted(std::uint64_t number, const std::string& one)
 
 std::string tradeWords(const RunResult& result)
 {
-    return counted(result.trades.size(), "trade") + " and " + practice::moneyText(netOf(result));
+    return counted(result.trades.size(), "trade") + " and " + typeset(practice::moneyText(netOf(result)));
 }
 
 /// How much of a run was held against another one.

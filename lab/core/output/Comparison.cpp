@@ -106,7 +106,7 @@ std::string tradeText(const SavedRun& run, std::size_t number)
     return "ticket " + std::to_string(trade.ticket) + ", " + std::string(sideText(trade.side)) + ' '
         + practice::decimalText(trade.lots) + ' ' + oneLine(symbol) + ", " + isoTime(trade.openTime) + " at "
         + fixedText(trade.openPrice, digits) + ", " + isoTime(trade.closeTime) + " at "
-        + fixedText(trade.closePrice, digits) + ", net " + practice::decimalText(trade.net());
+        + fixedText(trade.closePrice, digits) + ", net " + typeset(practice::decimalText(trade.net()));
 }
 
 /// How many characters, not bytes, a text takes in a column.

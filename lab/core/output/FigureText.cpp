@@ -40,8 +40,9 @@ std::string figureText(FigureKind kind, const Figure& value)
     case FigureKind::Time:
         return minuteText(static_cast<practice::TimeMs>(*value));
     case FigureKind::Count:
-    case FigureKind::Days:
         return typeset(groupedText(*value, 0));
+    case FigureKind::Days:
+        return groupedText(*value, 0) + " d";
     case FigureKind::Fraction:
         return percentText(*value);
     case FigureKind::Money:

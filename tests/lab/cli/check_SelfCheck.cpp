@@ -258,6 +258,9 @@ TEST_CASE("a result that the order of the extremes makes fails, a small differen
     CHECK(lab::checkExtremes(byExtremes(100, 92), base).holds());
     CHECK(!lab::checkExtremes(byExtremes(100, 85), base).holds());
     CHECK(!lab::checkExtremes(byExtremes(100, -100), base).holds());
+    CHECK(contains(lab::checkExtremes(byExtremes(100, -100), base).text,
+        " trades and \xE2\x88\x92"
+        "1"));
     CHECK(contains(lab::checkExtremes(byExtremes(100, 85), base).text, "High first there are 16 trades"));
 }
 

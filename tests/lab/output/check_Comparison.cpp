@@ -213,7 +213,8 @@ TEST_CASE("runs stand side by side in aligned columns")
     CHECK(has(text, "\xE2\x80\x93"));
     CHECK(text.ends_with("\nfast and slow_one differ from trade 2 on:\n"
                          "  ticket 2, SELL 1.00 EURUSD, 2024-01-02T01:00:00.000Z at 1.10500, "
-                         "2024-01-02T02:00:00.000Z at 1.10605, net -108.50\n"
+                         "2024-01-02T02:00:00.000Z at 1.10605, net \xE2\x88\x92"
+                         "108.50\n"
                          "  no more trades\n"));
     const SavedRun same = saved(smallRun());
     CHECK(compareText({same, same}).ends_with("\none and one have the same 2 trades.\n"));

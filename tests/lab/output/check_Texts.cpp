@@ -1,3 +1,4 @@
+#include "lab/core/output/FigureText.h"
 #include "lab/core/output/JsonObject.h"
 #include "lab/core/output/Texts.h"
 #include "practice/Check.h"
@@ -77,6 +78,13 @@ TEST_CASE("what a script says is no markup")
 TEST_CASE("a JSON string is safe within a script element")
 {
     CHECK_EQ(jsonString("</script><!-- & \"\\ \n"), "\"\\u003c/script\\u003e\\u003c!-- \\u0026 \\\"\\\\  \"");
+}
+
+TEST_CASE("a number of days has its unit, but not in files")
+{
+    CHECK_EQ(lab::figureText(lab::FigureKind::Days, 361), "361 d");
+    CHECK_EQ(lab::figureText(lab::FigureKind::Days, 0), "0 d");
+    CHECK_EQ(lab::figureData(lab::FigureKind::Days, 361), "361");
 }
 
 TEST_CASE("an object is written in the order of its additions")
