@@ -3,6 +3,7 @@
 #include "lab/cli/DeafScript.h"
 #include "lab/cli/PriceSources.h"
 #include "lab/cli/Progress.h"
+#include "lab/cli/RunScript.h"
 #include "lab/cli/StopSignal.h"
 #include "lab/core/market/RunSpan.h"
 #include "lab/core/output/ResultFiles.h"
@@ -62,8 +63,10 @@ Grid gridOf(const ExpertScript& script, const RunSettings& settings)
         axes.push_back(std::move(axis));
         given.erase(found);
     }
-    for (const auto& [name, value] : given)
+    for (const auto& [name, value] : given) {
+        refuseMistyped(script, name);
         checkValue(script, name, value);
+    }
     return Grid(std::move(axes));
 }
 

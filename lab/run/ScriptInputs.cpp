@@ -300,6 +300,18 @@ QList<ScriptInput> inputsOf(const QString& script)
     return inputs;
 }
 
+QStringList settableNames(const QString& script)
+{
+    QStringList all;
+    QStringList settable;
+    for (const ScriptInput& input : inputsOf(script)) {
+        all.append(input.name);
+        if (!input.isChanged)
+            settable.append(input.name);
+    }
+    return settable.isEmpty() ? all : settable;
+}
+
 std::optional<QString> withInputs(const QString& script, const InputValues& values, QString& error)
 {
     const std::vector<Place> places = placesOf(script);
@@ -308,9 +320,7 @@ std::optional<QString> withInputs(const QString& script, const InputValues& valu
         const auto found = std::find_if(places.begin(), places.end(),
             [&name = name](const Place& place) { return place.input.name == name; });
         if (found == places.end()) {
-            QStringList known;
-            for (const Place& place : places)
-                known.append(place.input.name);
+            const QStringList known = settableNames(script);
             error = known.isEmpty()
                 ? u"The script has no inputs, and so no %1"_s.arg(name)
                 : u"The script has no input %1; it has %2"_s.arg(name, known.join(u", "_s));

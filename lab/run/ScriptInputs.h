@@ -2,6 +2,7 @@
 
 #include <QList>
 #include <QString>
+#include <QStringList>
 
 #include <optional>
 #include <utility>
@@ -27,13 +28,17 @@ struct ScriptInput {
 /// one. Of a name that is given twice the last is the input, since it is the one that holds.
 [[nodiscard]] QList<ScriptInput> inputsOf(const QString& script);
 
+/// The names of the inputs, without those that the script changes itself: nobody means to set these. All of
+/// them where it changes every one.
+[[nodiscard]] QStringList settableNames(const QString& script);
+
 /// A name and what it shall be, as a person types it: 20, -1.5, 1e-4, 0x10, true; a text with or without
 /// quotation marks.
 using InputValues = QList<std::pair<QString, QString>>;
 
 /// The script with other values for its inputs, and nothing else changed: every line keeps its number. A
 /// number stays a number, a text a text, true and false remain among themselves. Absent, with the reason in
-/// `error`, for a name that is no input, which names those that are, and for a value of another kind.
+/// `error`, for a name that is no input, which names those that can be set, and for a value of another kind.
 [[nodiscard]] std::optional<QString> withInputs(
     const QString& script, const InputValues& values, QString& error);
 

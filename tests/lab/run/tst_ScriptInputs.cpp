@@ -215,6 +215,8 @@ private Q_SLOTS:
         QCOMPARE(changed(u"var a = 1; var b = 2;"_s, u"A"_s, u"1"_s),
             u"!The script has no input A; it has a, b"_s);
         QCOMPARE(changed(u"f();"_s, u"c"_s, u"1"_s), u"!The script has no inputs, and so no c"_s);
+        QCOMPARE(changed(u"var a = 1; var b = 2; b += 1;"_s, u"c"_s, u"1"_s),
+            u"!The script has no input c; it has a"_s);
     }
 
     void anInputIsGivenOnce()
