@@ -18,7 +18,7 @@ constexpr std::array rows{
     FigureRow{"ticks", "Ticks", "calls of the script", Kind::Count, &Figures::ticks},
     FigureRow{"ticksPerBar", "Ticks per bar", "ticks / bars", Kind::Number, &Figures::ticksPerBar},
     FigureRow{"annualDays", "Days a year (A)",
-        "252, or 365 when weekends trade; short Sundays are days, too, which lowers volatility", Kind::Days,
+        "252, or 365 when weekends trade; short Sundays are days, too, which lowers volatility", Kind::Count,
         &Figures::annualDays},
     FigureRow{"startBalance", "Balance at the start", "", Kind::Money, &Figures::startBalance},
     FigureRow{"endBalance", "Balance at the end", "", Kind::Money, &Figures::endBalance},
