@@ -131,6 +131,14 @@ std::string count(std::uint64_t number)
     return groupedText(static_cast<double>(number), 0);
 }
 
+std::string rankHtml(const SweepTable& table, std::size_t rank)
+{
+    if (isEligible(table.sets[table.ranking[rank]], table.order))
+        return std::to_string(rank + 1);
+    return "<span title=\"has fewer than " + count(table.order.minTrades) + " trades, or not the figure\">"
+        + std::string(undefinedText) + "</span>";
+}
+
 std::string overview(const SweepTable& table)
 {
     const SortFigure& sort = table.order.sort;
@@ -162,7 +170,7 @@ std::string overview(const SweepTable& table)
         whyUnstable(table, table.sets[*table.best]));
     html += "</tbody>\n</table>\n<div class=\"wide\" tabindex=\"0\" role=\"region\" aria-label=\"The best "
             "sets\"><table class=\"study\">\n<caption>The best sets</caption>\n<thead><tr>";
-    html += "<th scope=\"col\">Inputs</th>";
+    html += "<th scope=\"col\" class=\"n\">Rank</th><th scope=\"col\">Inputs</th>";
     for (const FigureRow* row : shownFigures(sort))
         html += "<th scope=\"col\" class=\"n\">" + escaped(row->name) + "</th>";
     html += "<th scope=\"col\" class=\"n\">Stability</th></tr></thead>\n<tbody>\n";
@@ -170,7 +178,7 @@ std::string overview(const SweepTable& table)
         const SetResult& set = table.sets[table.ranking[rank]];
         if (set.failure)
             break;
-        html += "<tr><th scope=\"row\">"
+        html += "<tr><td class=\"n\">" + rankHtml(table, rank) + "</td><th scope=\"row\">"
             + escaped(shortened(inputsText(table.grid.inputsOf(set.number)), 200)) + "</th>";
         const auto figureOf = [&set](std::string_view key) { return set.figure(key); };
         for (const FigureRow* row : shownFigures(sort))

@@ -149,6 +149,18 @@ TEST_CASE("the maps lie through the best set, with the longer axis across")
     CHECK(contains(parts.at(2), "id=\"stability\""));
 }
 
+TEST_CASE("the page ranks the sets that can be chosen, and marks the others")
+{
+    const std::string part = sweepParts(tableBy("sharpe")).at(0);
+    CHECK(contains(part, "<th scope=\"col\" class=\"n\">Rank</th><th scope=\"col\">Inputs</th>"));
+    CHECK(contains(part, "<tr><td class=\"n\">1</td><th scope=\"row\">A=2 B=2</th>"));
+    CHECK(contains(part, "<tr><td class=\"n\">10</td>"));
+    CHECK(!contains(part, "<tr><td class=\"n\">11</td>"));
+    CHECK(contains(part,
+        "<tr><td class=\"n\"><span title=\"has fewer than 30 trades, or not the figure\">\xE2\x80\x93"
+        "</span></td><th scope=\"row\">A=3 B=4</th>"));
+}
+
 TEST_CASE("what a sweep cannot tell says why")
 {
     const auto overview
