@@ -19,12 +19,6 @@ using Outcome = CheckVerdict::Outcome;
 constexpr std::size_t comparedLines = 1000;
 constexpr Cents tolerableShare = 10; ///< a tenth of the larger result
 
-/// The settings of a run, with nothing left to be worked out anew.
-RunSettings pinned(const RunResult& base)
-{
-    return base.settings;
-}
-
 Cents netOf(const RunResult& result)
 {
     Cents net = 0;
@@ -133,7 +127,7 @@ CheckVerdict checkFuture(const CheckRuns& runs, const RunResult& base)
         const TimeMs end = practice::barStart(start + length * part / parts, practice::Timeframe::M1);
         if (end <= start)
             continue;
-        RunSettings settings = pinned(base);
+        RunSettings settings = base.settings;
         settings.to = end;
         const RunResult shorter = runs.run(settings);
         if (const auto difference = differenceBefore(shorter, base))
@@ -164,7 +158,7 @@ CheckVerdict checkWarmup(const CheckRuns& runs, const RunResult& base)
     const int usual = static_cast<int>(base.warmupBars);
     if (usual == 0)
         return {name, Outcome::NotComparable, "There is no warm-up."};
-    RunSettings settings = pinned(base);
+    RunSettings settings = base.settings;
     // A start that leaves room for the double one, unless the start was chosen.
     const auto roomy = runs.startAfter(usual * 2);
     const bool hasRoom = roomy && *roomy < *base.settings.to;
@@ -204,7 +198,7 @@ CheckVerdict checkExtremes(const CheckRuns& runs, const RunResult& base)
     if (base.settings.model == Model::Path || base.settings.model == Model::Feed)
         return {name, Outcome::Holds,
             "The way through each minute is given; the order of its extremes is not in question."};
-    RunSettings settings = pinned(base);
+    RunSettings settings = base.settings;
     settings.extremes = ExtremeOrder::HighFirst;
     const RunResult high = runs.run(settings);
     settings.extremes = ExtremeOrder::LowFirst;
@@ -224,7 +218,7 @@ CheckVerdict checkExtremes(const CheckRuns& runs, const RunResult& base)
 CheckVerdict checkRepetition(const CheckRuns& runs, const RunResult& base)
 {
     const std::string name = "repetition";
-    const RunResult again = runs.run(pinned(base));
+    const RunResult again = runs.run(base.settings);
     if (allFiles(again) == allFiles(base))
         return {name, Outcome::Holds,
             "Another run gives the same files: " + tradeWords(base) + ", over " + counted(base.bars, "bar")
