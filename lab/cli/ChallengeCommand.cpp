@@ -149,7 +149,7 @@ int challengePlan(Options options)
         return kept.stopped(starts.size(), "starts");
     kept.flush();
     RunResult about = bench.about();
-    about.settings.inputs = bench.grid().inputsOf(0);
+    about.inputs = bench.inputs();
     const RunSpan span = spanOf(bench.history(), about.settings);
     about.settings.from = bench.history().timeAt(span.firstMinute);
     about.settings.to = bench.history().timeAt(span.endMinute - 1) + practice::minuteMs;

@@ -134,6 +134,11 @@ RunResult StudyBench::about() const
     return about;
 }
 
+std::vector<RunInput> StudyBench::inputs() const
+{
+    return inputsAsRun(settingsOf(m_numbers.front()), m_script);
+}
+
 RunSettings StudyBench::settingsOf(std::uint64_t number) const
 {
     RunSettings settings = m_options.settings;

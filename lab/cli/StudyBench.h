@@ -44,6 +44,8 @@ public:
     /// A result of no run: settings, script and prices.
     [[nodiscard]] RunResult about() const;
 
+    /// All inputs of the script, with the values of the first set.
+    [[nodiscard]] std::vector<RunInput> inputs() const;
     /// The settings with the inputs of a set.
     [[nodiscard]] RunSettings settingsOf(std::uint64_t number) const;
     /// A run in this process, with the command line's limit; told how far it is.

@@ -123,6 +123,8 @@ int endSweep(const StudyBench& bench, const StudyStore& store, const fs::path& f
         if (const int stopped = stopStatus())
             return stopped;
     }
+    if (!table.best)
+        about.inputs = bench.inputs();
     ResultFolder files(folder);
     files.add("sweep.csv", sweepCsv(table));
     files.add("sweep.json", sweepJson(table, about, TAVORAN_VERSION));

@@ -112,7 +112,7 @@ std::string endingOf(const RunResult& result, practice::Cents balance)
 StitchedRun test(const StudyBench& bench, Walk& walk)
 {
     Progress progress("Trying what was chosen");
-    StitchedRun stitched;
+    StitchedRun stitched(walk.grid);
     practice::Cents balance = bench.options().settings.balance;
     std::optional<PlanCourse> course;
     for (std::size_t number = 0; number < walk.rows.size(); ++number) {

@@ -17,8 +17,9 @@ namespace {
 std::string headText(const Walk& walk, const WalkRow& row)
 {
     const auto counted = [](std::size_t count) { return groupedText(static_cast<double>(count), 0); };
-    std::string text = row.chosen ? inputsText(walk.grid.inputsOf(row.chosen->number)) + "; " : std::string();
-    text += counted(row.choice.eligible) + " of " + counted(row.choice.sets) + " sets eligible";
+    std::string text = row.chosen ? inputsText(walk.grid.inputsOf(row.chosen->number)) : std::string();
+    text += (text.empty() ? "" : "; ") + counted(row.choice.eligible) + " of " + counted(row.choice.sets)
+        + " sets eligible";
     if (row.efficiency())
         text += "; efficiency " + figureText(FigureKind::Fraction, row.efficiency());
     if (const std::string reason = row.reason(walk.order); !reason.empty())
@@ -52,7 +53,7 @@ std::string walkTable(const Walk& walk)
         line("past", row.window.trainFrom, row.window.testFrom,
             [&](const FigureRow& figure) { return row.chosen ? row.chosen->figure(figure.key) : Figure(); });
         line("test", row.window.testFrom, row.window.testTo,
-            [&](const FigureRow& figure) { return row.test ? figure.of(*row.test) : Figure(); });
+            [&](const FigureRow& figure) { return row.tested(figure.key); });
     }
     std::istringstream table(columns(lines, {3, 4, 5}));
     const std::size_t digits = std::to_string(walk.rows.size()).size();

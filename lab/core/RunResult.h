@@ -82,6 +82,7 @@ struct RunInput {
     std::string name;
     std::string literal;    ///< with which it ran, as it would stand in the script
     bool isChanged = false; ///< another one stands in the script
+    bool isSwept = false;   ///< each part of the run has its own; `literal` is empty then
 };
 
 /// A line that the script or the lab has written.

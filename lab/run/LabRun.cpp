@@ -36,8 +36,7 @@ ExpertScript withInputsOf(const RunSettings& settings, const ExpertScript& scrip
     return {script.name, script.fileName, *text};
 }
 
-/// The inputs of the script as it ran. What it changes by itself is a state, and told only when it was given.
-std::vector<RunInput> inputsAsRun(
+std::vector<RunInput> inputsBetween(
     const RunSettings& settings, const ExpertScript& script, const ExpertScript& changed)
 {
     const auto isGiven = [&settings](const std::string& name) {
@@ -253,6 +252,11 @@ private:
 
 } // namespace
 
+std::vector<RunInput> inputsAsRun(const RunSettings& settings, const ExpertScript& script)
+{
+    return inputsBetween(settings, script, withInputsOf(settings, script));
+}
+
 LabRun::LabRun(std::vector<const MinuteHistory*> histories)
     : m_histories(std::move(histories))
 {
@@ -280,7 +284,7 @@ RunResult LabRun::run(
     if (const auto warning = contractWarning(history))
         result.warnings.push_back(*warning);
 
-    result.inputs = inputsAsRun(settings, script, changed);
+    result.inputs = inputsBetween(settings, script, changed);
 
     Run run(m_histories, settings, span, control.barsAtATime);
     run.go(changed, control);

@@ -14,6 +14,10 @@ namespace lab {
 
 struct MinuteHistory;
 
+/// The inputs of the script as it runs with these settings. What it changes by itself is a state, and told
+/// only when it was given. Throws std::invalid_argument when the script has no such inputs.
+[[nodiscard]] std::vector<RunInput> inputsAsRun(const RunSettings& settings, const ExpertScript& script);
+
 /// What happens around a run and has no part in its result, unless it ends it early.
 struct RunControl {
     /// Told now and then how much is done, from 0 to 1.

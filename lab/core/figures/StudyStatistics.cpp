@@ -126,6 +126,13 @@ private:
 
 } // namespace
 
+Figure shareOf(const Figure& part, const Figure& whole)
+{
+    if (!part || !whole || *whole <= 0 || std::abs(*part) > mostShare * *whole)
+        return {};
+    return finite(*part / *whole);
+}
+
 std::vector<Figure> neighbourhoodStability(std::span<const std::size_t> sizes, std::span<const Figure> values)
 {
     std::vector<Figure> stability(values.size());
@@ -144,7 +151,7 @@ std::vector<Figure> neighbourhoodStability(std::span<const std::size_t> sizes, s
             }
         });
         if (count > 0)
-            stability[place] = finite(sum / static_cast<double>(count) / *values[place]);
+            stability[place] = shareOf(sum / static_cast<double>(count), values[place]);
     }
     return stability;
 }

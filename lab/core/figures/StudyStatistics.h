@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <optional>
 #include <span>
+#include <string_view>
 #include <vector>
 
 namespace lab {
@@ -52,9 +53,19 @@ struct ShareRange {
 /// The Wilson interval of `hits` in `all` at 95 %; absent without any.
 [[nodiscard]] std::optional<ShareRange> wilsonInterval(std::size_t hits, std::size_t all);
 
+/// A share above this, either way, tells nothing but that what it is a share of lies near 0.
+inline constexpr double mostShare = 10;
+
+/// `part` / `whole`; absent where either is, where `whole` is not above 0 and beyond `mostShare`.
+[[nodiscard]] Figure shareOf(const Figure& part, const Figure& whole);
+
+/// Why there is no share of what is above 0.
+inline constexpr std::string_view whyTrifle = "beyond 1,000 %: what it is compared with is hardly above 0";
+
 /// How much of a figure is left in the neighbourhood: the mean of the neighbours' values / the value. A grid
 /// of `sizes` (how many steps each axis has), the last axis running fastest; neighbours differ by at most one
-/// step on each axis. Absent where the value is absent or not above 0, or no neighbour has one.
+/// step on each axis. Absent where the value is absent or not above 0, no neighbour has one, or shareOf() has
+/// none.
 [[nodiscard]] std::vector<Figure> neighbourhoodStability(
     std::span<const std::size_t> sizes, std::span<const Figure> values);
 

@@ -113,7 +113,14 @@ std::vector<std::string> warningsOf(const RunResult& result, const Figures& figu
               "year.";
     });
     add(*figures.ambiguousExits > 0, [&] { return ambiguityText(result, figures); });
-    add(figures.psr && *figures.psr < sureEnough, [&] {
+    const bool hasLost = figures.sharpe && *figures.sharpe < 0;
+    add(hasLost && figures.psr, [&] {
+        return "The days lost on average: the Sharpe ratio is below 0. The probability that the true one is "
+               "above "
+               "0 is "
+            + percentText(*figures.psr) + '.';
+    });
+    add(!hasLost && figures.psr && *figures.psr < sureEnough, [&] {
         return "The probability that the true Sharpe ratio is above 0 is " + percentText(*figures.psr)
             + ": below 95 % it may be luck.";
     });

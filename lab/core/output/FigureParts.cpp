@@ -158,8 +158,9 @@ std::string settingsPart(const RunResult& result, const ReportWords& words, cons
         + settingsTable("Account and fingerprints", accountLines(result));
     Lines inputs;
     for (const RunInput& input : runInputs(result))
-        inputs.emplace_back(
-            input.name, shortened(input.literal, 180) + (input.isChanged ? " (changed)" : ""));
+        inputs.emplace_back(input.name,
+            input.isSwept ? "swept, chosen anew in each window"
+                          : shortened(input.literal, 180) + (input.isChanged ? " (changed)" : ""));
     if (!inputs.empty())
         html += settingsTable("Inputs of the script", shortenedLines(inputs, limits));
     return html + "</div>";

@@ -29,7 +29,12 @@ std::string runJson(const RunResult& result, std::string_view version)
     const RunSettings& settings = result.settings;
     JsonObject inputs;
     std::vector<std::string> changed;
+    std::vector<std::string> swept;
     for (const RunInput& input : runInputs(result)) {
+        if (input.isSwept) {
+            swept.push_back(input.name);
+            continue;
+        }
         inputs.text(input.name, input.literal);
         if (input.isChanged)
             changed.push_back(input.name);
@@ -50,6 +55,8 @@ std::string runJson(const RunResult& result, std::string_view version)
     addConditions(run, result);
     run.raw("inputs", inputs.value(1));
     run.texts("changedInputs", changed);
+    if (!swept.empty())
+        run.texts("sweptInputs", swept);
     run.text("outcome", outcomeText(result.outcome));
     if (result.outcome == PlanOutcome::None)
         run.nothing("outcomeTime");

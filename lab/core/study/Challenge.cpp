@@ -128,8 +128,8 @@ std::string challengeJson(
     const ChallengeSummary summary = challengeSummary(rows);
     const RunSettings& settings = about.settings;
     JsonObject inputs;
-    for (const auto& [name, value] : about.settings.inputs)
-        inputs.text(name, value);
+    for (const RunInput& input : runInputs(about))
+        inputs.text(input.name, input.literal);
     JsonObject json;
     json.count("format", 1);
     json.text("version", version);

@@ -164,6 +164,12 @@ Grid::Grid(std::vector<GridAxis> axes)
     }
 }
 
+bool Grid::isSwept(std::string_view name) const
+{
+    const auto axis = std::ranges::find(m_axes, name, &GridAxis::name);
+    return axis != m_axes.end() && axis->values.size() > 1;
+}
+
 std::vector<std::size_t> Grid::sizes() const
 {
     std::vector<std::size_t> sizes;

@@ -30,6 +30,8 @@ public:
 
     [[nodiscard]] const std::vector<GridAxis>& axes() const { return m_axes; }
     [[nodiscard]] std::uint64_t size() const { return m_size; }
+    /// Whether sets differ by this input; false for one with a single value, and for what is no axis.
+    [[nodiscard]] bool isSwept(std::string_view name) const;
     /// How many values each axis has.
     [[nodiscard]] std::vector<std::size_t> sizes() const;
     /// Which value of each axis belongs to a set, whose number is below size().

@@ -3,6 +3,7 @@
 #include "practice/core/market/HashRandom.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace lab {
 
@@ -19,12 +20,20 @@ void deepenBy(Drawdown& drawdown, practice::Cents peak, practice::Cents value)
 
 } // namespace
 
+StitchedRun::StitchedRun(Grid grid)
+    : m_grid(std::move(grid))
+{
+}
+
 void StitchedRun::add(const RunResult& run)
 {
     if (!m_result) {
         m_result = run;
         m_result->settings.inputs.clear();
-        m_result->inputs.clear(); // those of one part alone
+        for (RunInput& input : m_result->inputs) {
+            if (m_grid.isSwept(input.name))
+                input = {input.name, {}, false, true};
+        }
         return;
     }
     RunResult& all = *m_result;

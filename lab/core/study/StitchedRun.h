@@ -1,6 +1,7 @@
 #pragma once
 
 #include "lab/core/RunResult.h"
+#include "lab/core/study/Grid.h"
 
 #include <optional>
 
@@ -11,6 +12,10 @@ namespace lab {
 /// a single run, whichever is deeper.
 class StitchedRun final {
 public:
+    StitchedRun() = default;
+    /// Of runs that share all inputs but those that are swept in `grid`.
+    explicit StitchedRun(Grid grid);
+
     void add(const RunResult& run);
     /// What has been added; absent before.
     [[nodiscard]] const std::optional<RunResult>& result() const { return m_result; }
@@ -19,6 +24,7 @@ private:
     void addDays(const RunResult& run);
     void deepen();
 
+    Grid m_grid;
     std::optional<RunResult> m_result;
 };
 

@@ -30,4 +30,14 @@ std::string triedJson(const Grid& grid)
     return axes.value(1);
 }
 
+std::string fixedJson(const Grid& grid, const std::vector<RunInput>& inputs)
+{
+    JsonObject fixed;
+    for (const RunInput& input : inputs) {
+        if (!grid.isSwept(input.name))
+            fixed.text(input.name, input.literal);
+    }
+    return fixed.value(1);
+}
+
 } // namespace lab

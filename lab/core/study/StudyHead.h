@@ -7,6 +7,7 @@
 
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace lab {
 
@@ -19,5 +20,8 @@ namespace lab {
 
 /// The values of each input that a study tries, as a JSON object within another one.
 [[nodiscard]] std::string triedJson(const Grid& grid);
+
+/// The inputs that all sets of a study have in common, as a JSON object within another one.
+[[nodiscard]] std::string fixedJson(const Grid& grid, const std::vector<RunInput>& inputs);
 
 } // namespace lab

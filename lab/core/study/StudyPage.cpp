@@ -21,11 +21,6 @@ std::string counted(std::uint64_t count, std::string_view one)
     return countText(count) + ' ' + std::string(one) + (count == 1 ? "" : "s");
 }
 
-std::string lengthText(practice::TimeMs length)
-{
-    return counted(static_cast<std::uint64_t>(length / practice::dayMs), "day");
-}
-
 std::string sweptText(const Grid& grid)
 {
     std::string names;
@@ -63,6 +58,26 @@ std::string orderText(const SweepOrder& order)
         + std::string(order.sort.row->name) + ", with at least " + counted(order.minTrades, "trade");
 }
 
+/// "9 windows of 30 days and one of 5 days"
+std::string windowsOfText(const Walk& walk)
+{
+    const bool isCut = !walk.rows.empty() && walk.rows.back().window.shortBy > 0;
+    if (isCut && walk.rows.size() == 1)
+        return "1 window of " + lengthText(walk.rows.back().window.testLength());
+    std::string text = counted(walk.rows.size() - (isCut ? 1 : 0), "window") + " of " + lengthText(walk.test);
+    if (isCut)
+        text += " and one of " + lengthText(walk.rows.back().window.testLength());
+    return text;
+}
+
+/// What the last test has instead; empty where it is as long as the others.
+std::string cutText(const Walk& walk)
+{
+    if (walk.rows.empty() || walk.rows.back().window.shortBy == 0)
+        return {};
+    return "; " + lengthText(walk.rows.back().window.testLength()) + " behind the last";
+}
+
 std::string windowsText(const Walk& walk)
 {
     const auto without = std::ranges::count_if(walk.rows, [](const WalkRow& row) { return !row.chosen; });
@@ -88,11 +103,12 @@ StudyWords walkWords(const Walk& walk)
     const std::string past = walk.isAnchored ? "all days before it (at least " + lengthText(walk.train) + ')'
                                              : "the " + lengthText(walk.train) + " before it";
     StudyWords words{"Walk-forward",
-        "Walk-forward, " + counted(walk.rows.size(), "window") + " of " + lengthText(walk.test)
-            + ", each with inputs chosen on " + past + sweptText(walk.grid) + '.',
+        "Walk-forward, " + windowsOfText(walk) + ", each with inputs chosen on " + past + sweptText(walk.grid)
+            + '.',
         {{"Training", lengthText(walk.train) + (walk.isAnchored ? ", anchored: from the first day on" : "")},
-            {"Test", lengthText(walk.test) + " behind each training"}, {"Windows", windowsText(walk)},
-            {"Sets tried in each", countText(walk.setsPerWindow)}, {"Chosen by", orderText(walk.order)}}};
+            {"Test", lengthText(walk.test) + " behind each training" + cutText(walk)},
+            {"Windows", windowsText(walk)}, {"Sets tried in each", countText(walk.setsPerWindow)},
+            {"Chosen by", orderText(walk.order)}}};
     addInputs(walk.grid, words);
     return words;
 }

@@ -123,7 +123,10 @@ std::string_view whyUnstable(const SweepTable& table, const SetResult& set)
     if (table.sets.size() != table.grid.size())
         return "only known where every set of the grid was tried";
     const Figure value = table.sorted(set);
-    return !value || *value <= 0 ? "needs a figure above 0" : "needs a neighbour with the figure";
+    if (!value || *value <= 0)
+        return "needs a figure above 0";
+    return "needs a neighbour with the figure, and one that is not beyond 1,000 % of it, which is hardly "
+           "above 0";
 }
 
 std::string count(std::uint64_t number)
@@ -166,7 +169,9 @@ std::string overview(const SweepTable& table)
         "the other",
         whyNoOverfitting(table));
     line("Stability of the neighbourhood", table.stability[*table.best],
-        "mean of the neighbours' figures / the figure; neighbours differ by one step",
+        "mean of the neighbours' figures / the figure; neighbours differ by one step in one or several "
+        "inputs, diagonals "
+        "included",
         whyUnstable(table, table.sets[*table.best]));
     html += "</tbody>\n</table>\n<div class=\"wide\" tabindex=\"0\" role=\"region\" aria-label=\"The best "
             "sets\"><table class=\"study\">\n<caption>The best sets</caption>\n<thead><tr>";
@@ -273,6 +278,7 @@ std::string sweepJson(const SweepTable& table, const RunResult& about, std::stri
     json.count("seed", about.settings.seed);
     json.flag("simulated", about.simulated);
     json.raw("inputs", triedJson(table.grid));
+    json.raw("fixedInputs", fixedJson(table.grid, about.inputs));
     json.count("gridSize", table.grid.size());
     json.count("sets", table.sets.size());
     json.count("failed", table.choice.failed);
@@ -308,11 +314,14 @@ std::vector<std::string> sweepParts(const SweepTable& table)
     map.lowIsBest = sort.lowIsBest;
     parts.push_back(heatMap(map));
     if (table.sets.size() == table.grid.size()) {
-        HeatGrid neighbours
-            = planeOf(table, *axes, [&](std::size_t place) { return table.stability[place]; });
-        neighbours.figure = "Neighbours' mean / own " + std::string(sort.row->name) + elsewhere(table, *axes);
+        HeatGrid neighbours = planeOf(table, *axes, [&](std::size_t place) -> Figure {
+            const Figure share = table.stability[place];
+            return share ? Figure(*share * 100) : Figure();
+        });
+        neighbours.figure
+            = "Neighbours' mean / own " + std::string(sort.row->name) + ", %," + elsewhere(table, *axes);
         neighbours.id = "stability";
-        neighbours.missing = "failed, or its figure is not above 0";
+        neighbours.missing = "failed, or its figure is not above 0, or hardly";
         neighbours.title = "Stability of the neighbourhood";
         parts.push_back(heatMap(neighbours));
     }

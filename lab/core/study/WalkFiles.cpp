@@ -1,5 +1,6 @@
 #include "lab/core/study/WalkFiles.h"
 
+#include "lab/core/figures/StudyStatistics.h"
 #include "lab/core/output/FigureText.h"
 #include "lab/core/output/JsonObject.h"
 #include "lab/core/output/MissingFigure.h"
@@ -18,17 +19,10 @@ namespace {
 
 constexpr std::array<std::string_view, 5> testKeys{"trades", "netProfit", "cagr", "sharpe", "maxDrawdown"};
 
-Figure ratio(const Figure& above, const Figure& below)
-{
-    if (!above || !below || *below <= 0)
-        return {};
-    return *above / *below;
-}
+/// Figures that stretch what happened to a year.
+constexpr std::array<std::string_view, 5> yearlyKeys{"cagr", "volatility", "sharpe", "sortino", "calmar"};
 
-Figure tests(const WalkRow& row, std::string_view key)
-{
-    return row.test ? figureRow(key)->of(*row.test) : Figure();
-}
+constexpr std::string_view stumpText = "less than half a test: too short for figures by the year";
 
 Figure trainings(const WalkRow& row, std::string_view key)
 {
@@ -50,6 +44,7 @@ std::string rowJson(const Walk& walk, std::size_t number)
     json.time("trainFrom", row.window.trainFrom);
     json.time("testFrom", row.window.testFrom);
     json.time("testTo", row.window.testTo);
+    json.flag("cutShort", row.window.shortBy > 0);
     if (row.chosen) {
         JsonObject inputs;
         for (const auto& [name, value] : walk.grid.inputsOf(row.chosen->number))
@@ -61,7 +56,7 @@ std::string rowJson(const Walk& walk, std::size_t number)
     for (const auto& [name, key] : trainKeys(walk.order))
         json.raw(name, figureJson(*figureRow(key), trainings(row, key)));
     for (const std::string_view key : testKeys)
-        json.raw(key, figureJson(*figureRow(key), tests(row, key)));
+        json.raw(key, figureJson(*figureRow(key), row.tested(key)));
     json.number("efficiency", row.efficiency());
     json.count("eligible", row.choice.eligible);
     json.count("failed", row.choice.failed);
@@ -109,14 +104,17 @@ std::string_view whyUntested(const WalkRow& row, std::string_view key)
 {
     if (!row.chosen)
         return nothingChosen;
-    return row.test ? whyMissing(key, *row.test) : "the walk was over before";
+    if (!row.test)
+        return "the walk was over before";
+    return figureRow(key)->of(*row.test) ? stumpText : whyMissing(key, *row.test);
 }
 
 std::string_view whyNotEfficient(const WalkRow& row)
 {
-    if (!tests(row, "cagr"))
+    if (!row.tested("cagr"))
         return whyUntested(row, "cagr");
-    return "needs growth on the past";
+    const Figure past = trainings(row, "cagr");
+    return past && *past > 0 ? whyTrifle : "needs growth on the past";
 }
 
 } // namespace
@@ -132,12 +130,25 @@ std::string WalkRow::reason(const SweepOrder& order) const
 {
     if (!chosen)
         return whyNone(choice, order);
-    return test ? ending : "the walk was over before";
+    if (!test)
+        return "the walk was over before";
+    if (window.shortBy == 0)
+        return ending;
+    const practice::TimeMs length = window.testLength();
+    return lengthText(length) + " instead of " + lengthText(length + window.shortBy)
+        + (ending.empty() ? "" : "; " + ending);
+}
+
+Figure WalkRow::tested(std::string_view key) const
+{
+    if (!test || (window.isStump() && std::ranges::find(yearlyKeys, key) != yearlyKeys.end()))
+        return {};
+    return figureRow(key)->of(*test);
 }
 
 Figure WalkRow::efficiency() const
 {
-    return ratio(tests(*this, "cagr"), trainings(*this, "cagr"));
+    return shareOf(tested("cagr"), trainings(*this, "cagr"));
 }
 
 Figure Walk::pastGrowth() const
@@ -155,15 +166,21 @@ Figure Walk::pastGrowth() const
 
 Figure Walk::efficiency() const
 {
-    return whole ? ratio(whole->cagr, pastGrowth()) : Figure();
+    return whole ? shareOf(whole->cagr, pastGrowth()) : Figure();
 }
 
 std::string Walk::efficiencyGap() const
 {
     if (efficiency())
         return {};
-    return whole && whole->cagr ? "the choices did not grow on their pasts"
-                                : "growth a year of the tests is undefined";
+    if (!whole || !whole->cagr)
+        return "growth a year of the tests is undefined";
+    const Figure past = pastGrowth();
+    if (!past)
+        return "growth a year of the choices on their pasts is undefined";
+    return *past > 0 ? std::string(whyTrifle)
+                     : "the choices did not grow on their pasts on average: "
+            + figureText(FigureKind::Fraction, past) + " a year";
 }
 
 Choice Walk::choice() const
@@ -185,6 +202,20 @@ std::size_t Walk::tested() const
         std::ranges::count_if(rows, [](const WalkRow& row) { return row.test.has_value(); }));
 }
 
+std::string lengthText(practice::TimeMs length)
+{
+    const auto counted = [](practice::TimeMs count, const char* one) {
+        return groupedText(static_cast<double>(count), 0) + ' ' + one + (count == 1 ? "" : "s");
+    };
+    if (length < practice::hourMs)
+        return counted(length / practice::minuteMs, "minute");
+    if (length < practice::dayMs)
+        return counted(length / practice::hourMs, "hour");
+    if (length % practice::dayMs == 0)
+        return counted(length / practice::dayMs, "day");
+    return fixedText(static_cast<double>(length / (practice::dayMs / 10)) / 10, 1) + " days";
+}
+
 std::string walkCsv(const Walk& walk)
 {
     std::string csv = "window,trainFrom,testFrom,testTo";
@@ -204,7 +235,7 @@ std::string walkCsv(const Walk& walk)
         for (const auto& [name, key] : trainKeys(walk.order))
             csv += ',' + figureData(figureRow(key)->kind, trainings(row, key));
         for (const std::string_view key : testKeys)
-            csv += ',' + figureData(figureRow(key)->kind, tests(row, key));
+            csv += ',' + figureData(figureRow(key)->kind, row.tested(key));
         csv += ',' + figureData(FigureKind::Number, row.efficiency()) + ','
             + std::to_string(row.choice.eligible) + ',' + csvCell(row.reason(walk.order)) + '\n';
     }
@@ -215,6 +246,7 @@ std::string walkJson(const Walk& walk, const RunResult& about, std::string_view 
 {
     JsonObject json = studyHead(about, version);
     json.raw("inputs", triedJson(walk.grid));
+    json.raw("fixedInputs", fixedJson(walk.grid, about.inputs));
     json.flag("anchored", walk.isAnchored);
     json.count("windows", walk.rows.size());
     json.count("setsPerWindow", walk.setsPerWindow);
@@ -262,7 +294,7 @@ std::string walkPart(const Walk& walk)
             + figureHtml(FigureKind::Fraction, trainings(row, "cagr"), whyNoGrowth(row)) + "</td>";
         for (const std::string_view key : testKeys)
             html += "<td class=\"n\">"
-                + figureHtml(figureRow(key)->kind, tests(row, key), whyUntested(row, key)) + "</td>";
+                + figureHtml(figureRow(key)->kind, row.tested(key), whyUntested(row, key)) + "</td>";
         html += "<td class=\"n\">" + figureHtml(FigureKind::Fraction, row.efficiency(), whyNotEfficient(row))
             + "</td></tr>\n";
     }

@@ -22,9 +22,13 @@ struct WalkRow {
 
     /// Takes the best of the training.
     void choose(std::vector<SetResult> training, const SweepOrder& order);
-    /// Why nothing was tried, or went on from here, in a few words; empty where all is well.
+    /// Why nothing was tried, or went on from here, or the test is shorter than others, in a few words; empty
+    /// where all is well.
     [[nodiscard]] std::string reason(const SweepOrder& order) const;
-    /// Growth a year behind the choice / before it; absent unless the latter is above 0.
+    /// A figure of the test; absent as well where the test is too short for one by the year.
+    [[nodiscard]] Figure tested(std::string_view key) const;
+    /// Growth a year behind the choice / before it; absent unless the latter is above 0, and not a trifle
+    /// beside the former.
     [[nodiscard]] Figure efficiency() const;
 };
 
@@ -43,7 +47,7 @@ struct Walk {
     /// Mean growth a year, on their pasts, of the choices that were tested.
     [[nodiscard]] Figure pastGrowth() const;
     /// Growth a year over all tests / the mean of the choices' growths a year; absent unless the latter is
-    /// above 0.
+    /// above 0, and not a trifle beside the former.
     [[nodiscard]] Figure efficiency() const;
     /// Why there is none, in a few words; empty where there is.
     [[nodiscard]] std::string efficiencyGap() const;
@@ -52,6 +56,9 @@ struct Walk {
     /// How many windows were tested.
     [[nodiscard]] std::size_t tested() const;
 };
+
+/// "30 days", "4.9 days" (rounded down), below a day "23 hours" or "40 minutes".
+[[nodiscard]] std::string lengthText(practice::TimeMs length);
 
 /// walk.csv: a line for each window.
 [[nodiscard]] std::string walkCsv(const Walk& walk);

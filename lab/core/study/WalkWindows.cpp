@@ -8,8 +8,11 @@ std::vector<WalkWindow> walkWindows(practice::TimeMs from, practice::TimeMs to, 
     practice::TimeMs test, bool isAnchored)
 {
     std::vector<WalkWindow> windows;
-    for (practice::TimeMs start = from; start + train < to; start += test)
-        windows.push_back({isAnchored ? from : start, start + train, std::min(start + train + test, to)});
+    for (practice::TimeMs start = from; start + train < to; start += test) {
+        const practice::TimeMs end = start + train + test;
+        windows.push_back({isAnchored ? from : start, start + train, std::min(end, to),
+            std::max<practice::TimeMs>(end - to, 0)});
+    }
     return windows;
 }
 

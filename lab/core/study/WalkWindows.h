@@ -11,6 +11,11 @@ struct WalkWindow {
     practice::TimeMs trainFrom = 0;
     practice::TimeMs testFrom = 0; ///< the training ends there
     practice::TimeMs testTo = 0;   ///< the first moment that no longer belongs to it
+    practice::TimeMs shortBy = 0;  ///< what its test lacks of the length that was asked for
+
+    [[nodiscard]] practice::TimeMs testLength() const { return testTo - testFrom; }
+    /// Less than half a test, from which nothing by the year can be told.
+    [[nodiscard]] bool isStump() const { return shortBy > testLength(); }
     friend bool operator==(const WalkWindow&, const WalkWindow&) = default;
 };
 

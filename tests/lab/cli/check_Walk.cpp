@@ -82,7 +82,8 @@ TEST_CASE("a walk's page says that it is one, of what, and shows its windows beh
     const std::string page = study.contentOf("w/report.html");
     CHECK(contains(page, "<title>Walk-forward: Clock on EURUSD 5m</title>"));
     CHECK(contains(page,
-        "<p class=\"verdict\">Walk-forward, 3 windows of 1 day, each with inputs chosen on all "
+        "<p class=\"verdict\">Walk-forward, 2 windows of 1 day and one of 23 hours, each with inputs chosen "
+        "on all "
         "days before it (at least 2 days); swept: Every, Points. Net profit "));
     CHECK(contains(page, "<caption>Walk-forward</caption>"));
     for (const std::string line : {"Training</th><td>2 days, anchored", "Test</th><td>1 day",
@@ -97,7 +98,61 @@ TEST_CASE("a walk's page says that it is one, of what, and shows its windows beh
 
     CHECK_EQ(study.run("walk", "Clock.js", joined(walk, {"--out", "r"})).exitCode, 0);
     CHECK(contains(study.contentOf("r/report.html"),
-        "Walk-forward, 3 windows of 1 day, each with inputs chosen on the 2 days before it; swept:"));
+        "Walk-forward, 2 windows of 1 day and one of 23 hours, each with inputs chosen on the 2 days before "
+        "it; swept:"));
+}
+
+TEST_CASE("a walk's files name every input: the fixed ones with their values, and which were swept")
+{
+    const StudyFolder study(5);
+    CHECK_EQ(study.run("walk", "Clock.js", joined(walk, {"--set", "Wait=7", "--out", "w"})).exitCode, 0);
+    const auto run = nlohmann::json::parse(study.contentOf("w/run.json"));
+    CHECK_EQ(run.at("inputs").dump(), R"({"Mode":"'both'","Wait":"7"})");
+    CHECK_EQ(run.at("changedInputs").dump(), R"(["Wait"])");
+    CHECK_EQ(run.value("sweptInputs", nlohmann::json()).dump(), R"(["Every","Points"])");
+    const auto json = nlohmann::json::parse(study.contentOf("w/walk.json"));
+    CHECK_EQ(json.value("fixedInputs", nlohmann::json()).dump(), R"({"Mode":"'both'","Wait":"7"})");
+    const std::string page = study.contentOf("w/report.html");
+    CHECK(contains(page, "<caption>Inputs of the script</caption>"));
+    CHECK(contains(page, "<th scope=\"row\">Every</th><td>swept, chosen anew in each window</td>"));
+    CHECK(contains(page, "<th scope=\"row\">Mode</th><td>&#39;both&#39;</td>")
+        || contains(page, "<th scope=\"row\">Mode</th><td>'both'</td>"));
+    CHECK(contains(page, "<th scope=\"row\">Wait</th><td>7 (changed)</td>"));
+}
+
+TEST_CASE("a last window that is shorter than the others says so, and tells nothing by the year")
+{
+    const StudyFolder study(5);
+    const std::vector<std::string> words{"--set", "Every=10,25", "--min-trades", "1", "--timeframe", "5m",
+        "--train", "1d", "--test", "3d", "--from", "2024-01-01T01:00", "--to", "2024-01-05T07:00"};
+    const Result result = study.run("walk", "Clock.js", joined(words, {"--out", "w"}));
+    CHECK_EQ(result.exitCode, 0);
+    const std::string note = "6 hours instead of 3 days";
+    CHECK(contains(result.output, "; " + note + "\n"));
+    CHECK(contains(study.contentOf("w/walk.csv"), "," + note + "\n"));
+    const auto rows = nlohmann::json::parse(study.contentOf("w/walk.json")).at("rows");
+    REQUIRE(rows.size() == 2);
+    CHECK_EQ(rows[0].at("reason").get<std::string>(), "");
+    CHECK(!rows[0].value("cutShort", true));
+    CHECK_EQ(rows[1].at("reason").get<std::string>(), note);
+    CHECK(rows[1].value("cutShort", false));
+    for (const char* key : {"cagr", "sharpe", "efficiency"})
+        CHECK(rows[1].at(key).is_null());
+    CHECK(!rows[1].at("netProfit").is_null());
+    const std::string page = study.contentOf("w/report.html");
+    CHECK(contains(page, "Walk-forward, 1 window of 3 days and one of 6 hours, each with"));
+    CHECK(contains(page, "Test</th><td>3 days behind each training; 6 hours behind the last</td>"));
+    CHECK(contains(page, note));
+}
+
+TEST_CASE("a walk with one set alone begins its windows with how many could be chosen")
+{
+    const StudyFolder study(5);
+    const Result result = study.run("walk", "Clock.js",
+        {"--min-trades", "1", "--timeframe", "5m", "--train", "2d", "--test", "1d", "--out", "w"});
+    CHECK_EQ(result.exitCode, 0);
+    CHECK(contains(result.output, "\n1  1 of 1 sets eligible"));
+    CHECK(!contains(result.output, " ; "));
 }
 
 TEST_CASE("a walk gives the same bytes with one worker and with three")

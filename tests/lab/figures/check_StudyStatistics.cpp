@@ -148,6 +148,17 @@ TEST_CASE("a peak among low neighbours is less stable than a plateau")
     CHECK(!stability[8].has_value());
 }
 
+TEST_CASE("a figure that is a trifle beside its neighbours' has no stability")
+{
+    const std::vector<std::size_t> sizes{4};
+    const std::vector<Figure> stability = neighbourhoodStability(sizes, std::vector<Figure>{1, 0.1, 1, -9});
+    CHECK_NEAR(stability[0].value(), 0.1, 1e-15);
+    CHECK_NEAR(stability[1].value(), 10, 1e-12);
+    CHECK_NEAR(stability[2].value(), -4.45, 1e-12);
+    CHECK(!neighbourhoodStability(sizes, std::vector<Figure>{1, 0.09, 1, -9})[1].has_value());
+    CHECK(!neighbourhoodStability(sizes, std::vector<Figure>{1, 1, 0.4, -9.1})[2].has_value());
+}
+
 TEST_CASE("a grid that does not fit its values has no stability")
 {
     const std::vector<std::size_t> sizes{2, 2};

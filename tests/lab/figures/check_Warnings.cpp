@@ -127,9 +127,18 @@ TEST_CASE("an account of which nothing is left is warned of")
 
 TEST_CASE("a Sharpe ratio that may be luck is warned of")
 {
-    RunResult result = runs::withEquities({101'000, 99'000, 101'000, 99'500});
-    CHECK(warns(result, "The probability that the true Sharpe ratio is above 0 is 4"));
+    RunResult result = runs::withEquities({101'000, 99'000, 101'000, 100'500});
+    CHECK(warns(result, "The probability that the true Sharpe ratio is above 0 is 5"));
     CHECK(warns(result, " %: below 95 % it may be luck."));
+}
+
+TEST_CASE("a Sharpe ratio below 0 is called a loss, and never luck")
+{
+    const RunResult result = runs::withEquities({99'000, 98'000, 98'500, 96'000});
+    CHECK(!warns(result, "luck"));
+    CHECK(warns(result,
+        "The days lost on average: the Sharpe ratio is below 0. The probability that the true one is above 0 "
+        "is "));
 }
 
 TEST_CASE("orders that were refused are counted")

@@ -260,7 +260,8 @@ def stability(sizes, values):
         block[tuple(i - s.start for i, s in zip(place, around))] = np.nan
         value = grid[place]
         seen = block[~np.isnan(block)]
-        out.append(float(np.mean(seen) / value) if value > 0 and len(seen) else None)
+        share = float(np.mean(seen) / value) if value > 0 and len(seen) else None
+        out.append(None if share is None or abs(share) > 10 else share)
     return out
 
 

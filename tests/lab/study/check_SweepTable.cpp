@@ -147,6 +147,9 @@ TEST_CASE("the maps lie through the best set, with the longer axis across")
     CHECK(contains(parts.at(1), "Sharpe ratio by B (across) and A (down)"));
     CHECK(contains(parts.at(1), "class=\"best\""));
     CHECK(contains(parts.at(2), "id=\"stability\""));
+    CHECK(contains(parts.at(2), "Neighbours' mean / own Sharpe ratio, %,")
+        || contains(parts.at(2), "Neighbours&#39; mean / own Sharpe ratio, %,"));
+    CHECK(contains(parts.at(0), "in one or several inputs, diagonals included"));
 }
 
 TEST_CASE("the page ranks the sets that can be chosen, and marks the others")

@@ -53,7 +53,9 @@ TEST_CASE("windows test one after the other without a gap, the last one what is 
     CHECK((windows[1] == WalkWindow{2 * dayMs, 6 * dayMs, 8 * dayMs}));
     const auto ragged = walkWindows(0, 9 * dayMs, 4 * dayMs, 2 * dayMs, false);
     CHECK_EQ(ragged.size(), 3U);
-    CHECK((ragged[2] == WalkWindow{4 * dayMs, 8 * dayMs, 9 * dayMs}));
+    CHECK((ragged[2] == WalkWindow{4 * dayMs, 8 * dayMs, 9 * dayMs, dayMs}));
+    CHECK_EQ(ragged[1].shortBy, 0);
+    CHECK(!ragged[2].isStump()); // half a test
     CHECK(walkWindows(0, 4 * dayMs, 4 * dayMs, 2 * dayMs, false).empty());
 }
 
@@ -198,12 +200,23 @@ TEST_CASE("an efficiency that is undefined says why")
     CHECK_EQ(walk.efficiencyGap(), "growth a year of the tests is undefined");
     walk.whole = Figures();
     walk.whole->cagr = 0.15;
-    CHECK_EQ(walk.efficiencyGap(), "the choices did not grow on their pasts");
+    CHECK_EQ(walk.efficiencyGap(), "growth a year of the choices on their pasts is undefined");
     SetResult chosen = madeSet(1, 1);
     const auto rows = figureRows();
     const auto place = std::ranges::find(rows, "cagr", &FigureRow::key) - rows.begin();
     chosen.figures[static_cast<std::size_t>(place)] = 0.3;
     walk.rows.push_back({{0, dayMs, 2 * dayMs}, chosen, Figures(), {}, {}});
+    // One choice grew, but not all of them together.
+    Figure& growth = walk.rows[0].chosen->figures[static_cast<std::size_t>(place)];
+    chosen.figures[static_cast<std::size_t>(place)] = -0.5;
+    walk.rows.push_back({{0, dayMs, 2 * dayMs}, chosen, Figures(), {}, {}});
+    CHECK_EQ(walk.efficiencyGap(),
+        "the choices did not grow on their pasts on average: \xE2\x88\x92"
+        "10.00 % a year");
+    walk.rows.pop_back();
+    growth = 0.01;
+    CHECK_EQ(walk.efficiencyGap(), "beyond 1,000 %: what it is compared with is hardly above 0");
+    growth = 0.3;
     CHECK_EQ(walk.efficiencyGap(), "");
     CHECK_EQ(nlohmann::json::parse(walkJson(walk, {}, "1")).at("efficiency").get<double>(), 0.5);
 }
@@ -224,10 +237,11 @@ TEST_CASE("what is missing of a window says why")
     walk.rows.push_back({{3 * dayMs, 4 * dayMs, 5 * dayMs}, chosen, test, {}, {}});
     walk.whole = test;
     const std::string part = walkPart(walk);
-    for (const char* reason : {"Efficiency: \xE2\x80\x93 (the choices did not grow on their pasts; ",
-             "title=\"no set was chosen\">\xE2\x80\x93", "title=\"the walk was over before\">\xE2\x80\x93",
-             "title=\"needs growth on the past\">\xE2\x80\x93",
-             "title=\"needs at least two days with different returns\">\xE2\x80\x93"})
+    for (const char* reason :
+        {"Efficiency: \xE2\x80\x93 (the choices did not grow on their pasts on average: ",
+            "title=\"no set was chosen\">\xE2\x80\x93", "title=\"the walk was over before\">\xE2\x80\x93",
+            "title=\"needs growth on the past\">\xE2\x80\x93",
+            "title=\"needs at least two days with different returns\">\xE2\x80\x93"})
         CHECK(part.find(reason) != std::string::npos);
     CHECK(part.find("<td class=\"n\">\xE2\x80\x93") == std::string::npos);
     CHECK(part.find("<td>\xE2\x80\x93") == std::string::npos);
