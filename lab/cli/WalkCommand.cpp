@@ -149,7 +149,9 @@ int endWalk(const StudyBench& bench, Walk& walk, const std::optional<RunResult>&
         walk.whole = figuresOf(*tests);
     ResultFolder files(folder);
     files.add("walk.csv", walkCsv(walk));
-    files.add("walk.json", walkJson(walk, tests ? *tests : bench.about(), TAVORAN_VERSION));
+    RunResult about = bench.about();
+    about.inputs = bench.inputs();
+    files.add("walk.json", walkJson(walk, tests ? *tests : about, TAVORAN_VERSION));
     if (tests)
         addResult(files, *tests, *walk.whole, {bench.name(), {walkPart(walk)}, walkWords(walk)});
     files.commit();
