@@ -112,8 +112,8 @@ void tst_FeedFaults::the_feed_is_right_again_after_a_fault()
     desk.sendBid(2);
     QTRY_COMPARE(desk.bids, QList<double>{2});
 
-    desk.heart.restart();
     desk.line.spoil({fault, moment, "GET /ws/terminal", "http://127.0.0.1:1/elsewhere"});
+    desk.heart.restart();
     const bool whileOpening = moment == Moment::Connecting || moment == Moment::Headers;
     if (whileOpening)
         desk.line.cutAll();
