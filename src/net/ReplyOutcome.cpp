@@ -4,6 +4,7 @@
 #include "net/ReplyWatch.h"
 #include "net/records/ServerReply.h"
 
+#include <QBuffer>
 #include <QCoreApplication>
 #include <QJsonDocument>
 #include <QNetworkReply>
@@ -37,6 +38,13 @@ bool isWhole(QNetworkReply::NetworkError error)
 {
     return error == QNetworkReply::NoError
         || (error > QNetworkReply::UnknownProxyError && error != QNetworkReply::ContentReSendError);
+}
+
+/// Whether Qt has nothing to say but what a device says of which nothing is known.
+bool isWordless(const QNetworkReply& reply)
+{
+    return reply.error() == QNetworkReply::UnknownNetworkError
+        && reply.errorString() == QBuffer().errorString();
 }
 
 /// Why there was no connection, and where to: a wrong address is the commonest reason. A read that was given
@@ -75,8 +83,9 @@ QString networkText(const QNetworkReply& reply, int status)
     // Before the next check, since a redirect that asks for the body again fails with that error.
     if (isRedirect(status))
         return QCoreApplication::translate("ReplyOutcome", "The server answered with a redirect");
-    // The request may have been sent; Qt words this case "Unknown error".
-    if (reply.error() == QNetworkReply::ContentReSendError)
+    // The request may have been sent; Qt words this case "Unknown error", as it does a connection that was
+    // reset while it was being made.
+    if (reply.error() == QNetworkReply::ContentReSendError || isWordless(reply))
         return QCoreApplication::translate("ReplyOutcome", "Connection closed");
     const ReplyWatch* watch = ReplyWatch::of(reply);
     const QString text = watch && wasGivenUp(reply) ? givenUpText(reply, *watch, status) : QString();

@@ -1,6 +1,7 @@
 #include "net/ApiFixture.h"
 #include "support/TestMain.h"
 
+#include <QBuffer>
 #include <QNetworkReply>
 
 using namespace Qt::StringLiterals;
@@ -14,6 +15,21 @@ QByteArray endless(const QByteArray& status)
     return "HTTP/1.1 "_ba + status + "\r\nContent-Type: application/json\r\n\r\n"
         + QByteArray(qsizetype{40} * 1024 * 1024, ' ') + "[]";
 }
+
+/// Failed without a word, as Qt leaves it when a connection is reset while it is being made.
+class WordlessReply final : public QNetworkReply {
+public:
+    WordlessReply()
+    {
+        setRequest(QNetworkRequest(QUrl(u"http://127.0.0.1:1/x"_s)));
+        setError(UnknownNetworkError, QBuffer().errorString());
+        setFinished(true);
+    }
+    void abort() override { }
+
+protected:
+    qint64 readData(char*, qint64) override { return -1; }
+};
 
 } // namespace
 
@@ -124,6 +140,13 @@ private Q_SLOTS:
         // What is free again is used again.
         QVERIFY(finish(m_api->put(u"/order"_s, {})).status == 404);
         QVERIFY(m_server->connectionCount() <= 14);
+    }
+
+    void a_failure_without_words_is_a_closed_connection()
+    {
+        WordlessReply reply;
+        QCOMPARE(reply.errorString(), u"Unknown error"_s);
+        QCOMPARE(ReplyOutcome::read(&reply).error, u"Connection closed"_s);
     }
 
     void an_endless_reply_is_given_up()
