@@ -32,9 +32,9 @@ std::string refusal(const std::string& name, const std::string& value, bool stud
 
 TEST_CASE("an input that is nearly right is answered with the right one")
 {
-    const std::string meant = "The script has no input Chanel; did you mean Channel?";
-    CHECK_EQ(refusal("Chanel", "3"), meant);
-    CHECK_EQ(refusal("Chanel", "3,4", true), meant);
+    const std::string meant = "The script has no input Channels; did you mean Channel?";
+    CHECK_EQ(refusal("Channels", "3"), meant);
+    CHECK_EQ(refusal("Channels", "3,4", true), meant);
 }
 
 TEST_CASE("another one is answered with those that are meant to be set")
