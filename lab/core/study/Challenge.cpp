@@ -6,6 +6,7 @@
 #include "lab/core/output/Texts.h"
 #include "lab/core/study/Bytes.h"
 #include "lab/core/study/SweepFiles.h"
+#include "practice/core/broker/RiskRules.h"
 
 #include <algorithm>
 #include <array>
@@ -32,6 +33,16 @@ std::string seedsJson(const std::vector<ChallengeRow>& rows)
     if (rows.empty())
         return "null";
     return '[' + std::to_string(rows.front().seed) + ',' + std::to_string(rows.back().seed) + ']';
+}
+
+/// The rules that the broker judges a plan by.
+std::string planJson()
+{
+    JsonObject plan;
+    plan.raw("targetPercent", std::to_string(practice::riskLimits::targetPercent));
+    plan.raw("dailyLossPercent", std::to_string(practice::riskLimits::dailyLossPercent));
+    plan.raw("totalLossPercent", std::to_string(practice::riskLimits::totalLossPercent));
+    return plan.value(1);
 }
 
 } // namespace
@@ -140,6 +151,7 @@ std::string challengeJson(
     json.time("from", settings.from);
     json.time("to", settings.to);
     addConditions(json, about);
+    json.raw("plan", planJson());
     json.raw("seeds", about.simulated ? seedsJson(rows) : "null");
     json.raw("inputs", inputs.value(1));
     json.count("starts", summary.starts);

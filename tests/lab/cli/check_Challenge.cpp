@@ -153,6 +153,8 @@ TEST_CASE("a challenge's file says what was tried")
     CHECK_EQ(simulation.at("warmupWanted").get<int>(), 10);
     CHECK_EQ(simulation.at("account").get<std::string>(), "plan");
     CHECK_EQ(simulation.at("leverage").get<int>(), 100);
+    CHECK_EQ(
+        simulation.at("plan").dump(), R"({"dailyLossPercent":5,"targetPercent":10,"totalLossPercent":10})");
     CHECK_EQ(simulation.at("delay").get<int>(), 0);
     CHECK(simulation.at("spread").is_null());
     CHECK_EQ(simulation.at("dataHash").get<std::string>().size(), 16U);
