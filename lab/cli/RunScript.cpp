@@ -49,12 +49,14 @@ void refuseMistyped(const ExpertScript& script, const std::string& name)
     const QList<ScriptInput> inputs = inputsOf(script.text);
     if (std::ranges::find(inputs, QString::fromStdString(name), &ScriptInput::name) != inputs.end())
         return;
+    const QStringList names = settableNames(script.text);
     std::vector<std::string> known;
-    for (const QString& settable : settableNames(script.text))
+    for (const QString& settable : names)
         known.push_back(settable.toStdString());
     const std::string meant = suggestion(name, {known.begin(), known.end()});
     if (!meant.empty())
-        throw UsageError("The script has no input " + name + meant);
+        throw UsageError("The script has no input " + name + "; it has "
+            + names.join(QStringLiteral(", ")).toStdString() + meant);
 }
 
 void settleInputs(RunSettings& settings, const ExpertScript& script)

@@ -32,7 +32,7 @@ std::string refusal(const std::string& name, const std::string& value, bool stud
 
 TEST_CASE("an input that is nearly right is answered with the right one")
 {
-    const std::string meant = "The script has no input Channels; did you mean Channel?";
+    const std::string meant = "The script has no input Channels; it has Channel, Mode; did you mean Channel?";
     CHECK_EQ(refusal("Channels", "3"), meant);
     CHECK_EQ(refusal("Channels", "3,4", true), meant);
 }
