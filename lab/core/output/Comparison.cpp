@@ -48,16 +48,41 @@ std::optional<double> figureOf(const SavedRun& run, const std::string& key)
 }
 
 /// Keys of all runs, in the order of the first that has each.
-std::vector<std::string> keysOf(const std::vector<SavedRun>& runs)
+template <typename Value>
+std::vector<std::string> keysOf(
+    const std::vector<SavedRun>& runs, std::vector<std::pair<std::string, Value>> SavedRun::*list)
 {
     std::vector<std::string> keys;
     for (const SavedRun& run : runs) {
-        for (const auto& [key, value] : run.figures) {
+        for (const auto& [key, value] : run.*list) {
             if (std::find(keys.begin(), keys.end(), key) == keys.end())
                 keys.push_back(key);
         }
     }
     return keys;
+}
+
+/// The line of a table that tells what was run; empty for what only tells how it went or stands there anyway.
+std::string originName(const std::string& key)
+{
+    static const std::map<std::string, std::string> names{{"version", "Version"}, {"scriptHash", "Script"},
+        {"dataHash", "Prices"}, {"symbol", "Symbol"}, {"timeframe", "Timeframe"}, {"warmup", "Warm-up"},
+        {"model", "Model"}, {"extremes", "Extremes"}, {"spread", "Spread"}, {"delay", "Delay in ms"},
+        {"account", "Account"}, {"balance", "Balance at the start"}, {"leverage", "Leverage"},
+        {"seed", "Seed"}, {"speed", "Speed"}};
+    if (key.starts_with("input "))
+        return "Input " + shortened(key.substr(6), 60);
+    const auto found = names.find(key);
+    return found == names.end() ? std::string() : found->second;
+}
+
+std::string originOf(const SavedRun& run, const std::string& key)
+{
+    const auto found = std::find_if(
+        run.origin.begin(), run.origin.end(), [&](const auto& entry) { return entry.first == key; });
+    if (found == run.origin.end() || found->second == "null")
+        return std::string(undefinedText);
+    return shortened(found->second, 40);
 }
 
 std::string spanText(const std::string& time)
@@ -79,7 +104,15 @@ Table tableOf(const std::vector<SavedRun>& runs)
     };
     addLine("From", [](const SavedRun& run) { return spanText(run.from); });
     addLine("To", [](const SavedRun& run) { return spanText(run.to); });
-    for (const std::string& key : keysOf(runs)) {
+    for (const std::string& key : keysOf(runs, &SavedRun::origin)) {
+        const std::string name = originName(key);
+        const std::string first = originOf(runs.front(), key);
+        const bool differs = std::any_of(
+            runs.begin(), runs.end(), [&](const SavedRun& run) { return originOf(run, key) != first; });
+        if (!name.empty() && differs)
+            addLine(name, [&](const SavedRun& run) { return originOf(run, key); });
+    }
+    for (const std::string& key : keysOf(runs, &SavedRun::figures)) {
         if (key == "from" || key == "to")
             continue;
         const FigureRow* const row = figureRow(key);

@@ -272,9 +272,20 @@ void readOrigin(const fs::path& file, SavedRun& run)
     std::error_code error;
     if (!fs::exists(file, error))
         return;
-    const auto origin = nlohmann::json::parse(contentOf(file), nullptr, false);
+    const auto origin = nlohmann::ordered_json::parse(contentOf(file), nullptr, false);
     if (!origin.is_object())
         Place{file}.fail("this is no JSON of a run");
+    const auto textOf = [](const nlohmann::ordered_json& value) {
+        return value.is_string() ? value.get<std::string>() : value.dump();
+    };
+    for (const auto& [key, value] : origin.items()) {
+        if (key == "inputs" && value.is_object()) {
+            for (const auto& [name, literal] : value.items())
+                run.origin.emplace_back("input " + name, textOf(literal));
+        } else if (value.is_primitive()) {
+            run.origin.emplace_back(key, textOf(value));
+        }
+    }
     const auto simulated = origin.find("simulated");
     run.simulated = simulated != origin.end() && simulated->is_boolean() && simulated->get<bool>();
 }
