@@ -102,7 +102,7 @@ int challengePlan(Options options)
         options.settings.seed = options.study.seeds->first;
     const ExpertScript script = readScript(options.script);
     const StudyBench bench(std::move(options), script);
-    if (const int stopped = stopStatus())
+    if (const int stopped = stopStatusAtOnce())
         return stopped;
     if (bench.grid().size() != 1)
         throw UsageError("challenge takes one value for each input; sweep tries several");

@@ -120,8 +120,8 @@ int checkScript(Options options)
     if (!options.out.empty())
         checkResultPlace(options.out, ResultKind::Run);
     const std::vector<MinuteHistory> histories = loadHistories(options);
-    if (const int stopped = stopStatus())
-        return stopped; // before there was anything to keep
+    if (const int stopped = stopStatusAtOnce())
+        return stopped;
     Runner runner(options, script, histories);
     const CheckRuns runs{[&runner](const RunSettings& settings) { return runner.run(settings); },
         [&runner](int bars) { return runner.startAfter(bars); }};

@@ -175,7 +175,7 @@ int planChunks(Options options)
     const Options given = options;
     fs::path file = options.out;
     const StudyBench bench(std::move(options), script);
-    if (const int stopped = stopStatus())
+    if (const int stopped = stopStatusAtOnce())
         return stopped;
     const std::size_t sets = bench.numbers().size();
     if (given.study.chunks > sets)
@@ -212,7 +212,7 @@ int workChunk(const Options& options)
         return succeeded;
     }
     const StudyBench bench = benchOf(plan, options);
-    if (const int stopped = stopStatus())
+    if (const int stopped = stopStatusAtOnce())
         return stopped;
     checkIdentity(plan, bench);
 
@@ -267,7 +267,7 @@ int mergeChunks(const Options& options)
     const PlanFile plan = readPlan(file);
     checkChunks(plan, file);
     const StudyBench bench = benchOf(plan, options);
-    if (const int stopped = stopStatus())
+    if (const int stopped = stopStatusAtOnce())
         return stopped;
     checkIdentity(plan, bench);
     const fs::path folder = sweepFolder(bench);

@@ -22,8 +22,8 @@ int runOnce(Options options)
     if (!options.out.empty())
         checkResultPlace(options.out, ResultKind::Run);
     const std::vector<MinuteHistory> histories = loadHistories(options);
-    if (const int stopped = stopStatus())
-        return stopped; // before there was anything to keep
+    if (const int stopped = stopStatusAtOnce())
+        return stopped;
     const std::string name = script.name.toStdString();
     if (options.out.empty()) {
         options.out = name + '-' + options.settings.symbol;

@@ -1,5 +1,7 @@
 #include "lab/cli/StopSignal.h"
 
+#include "lab/cli/Screen.h"
+
 #include <csignal>
 
 namespace lab {
@@ -37,6 +39,14 @@ int stopStatus()
 {
     const int number = stoppedBy;
     return number == 0 ? 0 : 128 + number;
+}
+
+int stopStatusAtOnce()
+{
+    const int status = stopStatus();
+    if (status != 0)
+        tellError("stopped before the first run; nothing was written");
+    return status;
 }
 
 } // namespace lab

@@ -14,4 +14,7 @@ void watchStopSignals();
 /// The exit status of a program that ended for it: 128 and the signal's number. 0 while none has come.
 [[nodiscard]] int stopStatus();
 
+/// The same, for a program that has done nothing yet that could be kept; says so if it was stopped.
+[[nodiscard]] int stopStatusAtOnce();
+
 } // namespace lab

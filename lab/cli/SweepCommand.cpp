@@ -17,7 +17,7 @@ int sweepSets(Options options)
         checkStudyPlace(options.out, ResultKind::Sweep, isResumed);
     ExpertScript script = readScript(options.script);
     const StudyBench bench(std::move(options), std::move(script));
-    if (const int stopped = stopStatus())
+    if (const int stopped = stopStatusAtOnce())
         return stopped;
     const std::filesystem::path folder = sweepFolder(bench);
     checkStudyPlace(folder, ResultKind::Sweep, isResumed);

@@ -183,7 +183,7 @@ int walkForward(Options options)
         checkStudyPlace(options.out, ResultKind::Walk, isResumed);
     ExpertScript script = readScript(options.script);
     const StudyBench bench(std::move(options), std::move(script));
-    if (const int stopped = stopStatus())
+    if (const int stopped = stopStatusAtOnce())
         return stopped;
     std::filesystem::path folder = bench.options().out;
     if (folder.empty()) {

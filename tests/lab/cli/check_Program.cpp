@@ -539,6 +539,7 @@ TEST_CASE("interrupted before the run has begun it writes nothing")
             SIGTERM, "Simulating EURUSD");
     CHECK_EQ(result.exitCode, 143);
     CHECK_EQ(result.output, "");
+    CHECK(contains(result.errors, "stopped before the first run; nothing was written"));
     CHECK_EQ(filesIn(bench.folder.path()).size(), 1U);
 }
 
@@ -634,6 +635,10 @@ TEST_CASE("results are compared on the terminal and as a page")
     CHECK_EQ(result.exitCode, 0);
     CHECK(contains(result.output, "Net profit"));
     CHECK(contains(result.output, "differ from trade"));
+    // What the runs have in common needs no line.
+    CHECK(contains(result.output, "\nInput Fast "));
+    CHECK(!contains(result.output, "Input Slow"));
+    CHECK(!contains(result.output, "\nSymbol "));
     CHECK(filesIn(bench.folder / "both") == std::set<std::string>{"compare.html"});
     CHECK(!contains(result.output, "simulated"));
     const Result missing = bench.lab.run({"compare", "one", "nothing"});
