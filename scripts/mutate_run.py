@@ -143,8 +143,9 @@ def tried(path, mutation, tests):
     """One mutant's fate: {"outcome": killed, survived, timeout or "did not compile", "by": test, "words": ...}."""
     source = TREE / path
     original = source.read_text(encoding="utf-8")
-    source.write_text(mutation.applied(original), encoding="utf-8")
+    broken = mutation.applied(original)
     try:
+        source.write_text(broken, encoding="utf-8")
         by_name = {test.name: test for test in tests}
         order = mutate_lines.likely_first(by_name, source.stem, {test.name: test.seconds for test in tests})
         for name in order:
@@ -260,10 +261,14 @@ def main():
     summary(entries)
 
 
-if __name__ == "__main__":
+def run():
     os.environ.pop("DISPLAY", None)
     signal.signal(signal.SIGTERM, signal.default_int_handler)
     try:
         main()
     except KeyboardInterrupt:
         sys.exit("interrupted; the next run goes on from here")
+
+
+if __name__ == "__main__":
+    run()
