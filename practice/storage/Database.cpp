@@ -81,7 +81,6 @@ Database::~Database()
 void Database::configure()
 {
     sqlite3_busy_timeout(m_handle, busyTimeoutMs);
-    sqlite3_extended_result_codes(m_handle, 0);
     // Exclusive, and set before the first access, so that the lock is held until the process ends in whatever
     // way.
     execute("PRAGMA locking_mode=EXCLUSIVE; PRAGMA journal_mode=WAL; PRAGMA synchronous=FULL;"

@@ -153,6 +153,23 @@ TEST_CASE("history is what ended in the account, the last first, but no order th
     CHECK_EQ(ids(2), std::string("t2 t5 "));
 }
 
+TEST_CASE("the latest moment is a trade's or the beginning of an account's day, whichever is later")
+{
+    Fixture f;
+    const TimeMs day = 19'000 * dayMs;
+    CHECK_EQ(f.trades.latestMoment(), day);
+    Trade trade = Fixture::trade("t1", TradeStatus::Open, 0);
+    f.store({trade});
+    CHECK_EQ(f.trades.latestMoment(), day);
+    trade.updatedAt = day + 5;
+    f.store({trade});
+    CHECK_EQ(f.trades.latestMoment(), day + 5);
+
+    TemporaryFolder folder;
+    Database empty(folder / "x.db");
+    CHECK_EQ(TradeStore(empty).latestMoment(), TimeMs(0));
+}
+
 TEST_CASE("a trade of an account that does not exist is refused")
 {
     Fixture f;
@@ -213,6 +230,26 @@ TEST_CASE("drawings are kept per user, symbol and account in the order of their 
     CHECK(!f.drawings.find("u1", "d4"));
     CHECK(f.drawings.remove("u1", "d2"));
     CHECK(!f.drawings.remove("u1", "d2"));
+}
+
+TEST_CASE("a drawing comes back with all that it was made of, and with what its trader changed")
+{
+    Fixture f;
+    f.drawings.add("u1", {"d1", "a1", "EURUSD", "hline", "#112233", "[1]"});
+    f.drawings.add("u1", {"d2", "a1", "EURUSD", "vline", "#445566", "[2]"});
+    f.drawings.update("u1", {"d1", "", "", "", "#778899", "[3]"});
+    f.drawings.update("u2", {"d2", "", "", "", "#000000", "[4]"});
+    const auto whole = [](const Drawing& drawing) {
+        return drawing.id + ' ' + drawing.accountId + ' ' + drawing.symbol + ' ' + drawing.tool + ' '
+            + drawing.color + ' ' + drawing.points;
+    };
+    const auto found = f.drawings.list("u1", "EURUSD", "a1");
+    REQUIRE(found.size() == 2);
+    CHECK_EQ(whole(found[0]), std::string("d1 a1 EURUSD hline #778899 [3]"));
+    CHECK_EQ(whole(found[1]), std::string("d2 a1 EURUSD vline #445566 [2]"));
+    const auto second = f.drawings.find("u1", "d2");
+    REQUIRE(second.has_value());
+    CHECK_EQ(whole(*second), std::string("d2 a1 EURUSD vline #445566 [2]"));
 }
 
 CHECK_MAIN()
