@@ -101,7 +101,6 @@ QFormLayout* OrderForm::buildFields()
     auto* form = new QFormLayout;
     form->setSpacing(9);
     form->setLabelAlignment(Qt::AlignRight | Qt::AlignVCenter);
-    form->setFieldGrowthPolicy(QFormLayout::AllNonFixedFieldsGrow);
     addField(form, tr("Symbol:"), m_symbolCombo, u"orderSymbol"_s);
     addField(form, tr("Volume:"), buildVolumeRow(), u"orderVolumeRow"_s)->setBuddy(m_volume);
     addField(form, tr("Stop Loss:"), m_stopLoss, u"orderStopLoss"_s);

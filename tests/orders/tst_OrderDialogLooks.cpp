@@ -8,6 +8,7 @@
 #include <QScrollBar>
 #include <QSet>
 #include <QToolTip>
+#include <QTranslator>
 
 using namespace Qt::StringLiterals;
 using fixtures::Desk;
@@ -29,6 +30,20 @@ int contrast(const QImage& picture)
     }
     return lightest - darkest;
 }
+
+/// One type of order with a long name, as another language may have.
+class LongLimitOrder final : public QTranslator {
+    Q_OBJECT
+
+public:
+    [[nodiscard]] QString translate(
+        const char* /*context*/, const char* source, const char* /*comment*/, int /*number*/) const override
+    {
+        const QString text = QString::fromUtf8(source);
+        return text == u"Limit Order"_s ? text.repeated(4) : QString();
+    }
+    [[nodiscard]] bool isEmpty() const override { return false; }
+};
 
 } // namespace
 
@@ -185,6 +200,21 @@ private Q_SLOTS:
         QCOMPARE(picture.pixelColor(210, 10), QColor(u"#ffffff"_s));
         if (const QString folder = qEnvironmentVariable("TAVORAN_PICTURES"); !folder.isEmpty())
             desk.dialog->grab().save(folder + (dark ? "/order-dark.png"_L1 : "/order-light.png"_L1));
+    }
+
+    void aChosenTypeHasRoomForItsMarkAndBoldLetters()
+    {
+        LongLimitOrder translator;
+        QVERIFY(QApplication::installTranslator(&translator));
+        const Desk desk;
+        QPushButton* limit = desk.button(u"Limit Order"_s.repeated(4));
+        QVERIFY(!limit->isChecked());
+        constexpr int mark = 3; // the line at the left of the chosen type
+        QFont bold = limit->font();
+        bold.setBold(true);
+        const int boldness = QFontMetrics(bold).horizontalAdvance(limit->text())
+            - limit->fontMetrics().horizontalAdvance(limit->text());
+        QCOMPARE_GE(limit->width(), limit->sizeHint().width() + boldness + mark);
     }
 
     void whatPopsUpIsLegibleUnderBothThemes_data() { sizesHoldUnderBothThemes_data(); }
