@@ -3,7 +3,7 @@
 #include "net/ReplyWatch.h"
 
 #include <QJsonDocument>
-#include <QTimer>
+#include <QStringList>
 
 #include <algorithm>
 #include <utility>
@@ -11,7 +11,10 @@
 ReadCoalescer::ReadCoalescer(ApiClient& api, QObject* parent)
     : QObject(parent)
     , m_api(api)
+    , m_nextLook(this)
 {
+    m_nextLook.setSingleShot(true);
+    connect(&m_nextLook, &QTimer::timeout, this, &ReadCoalescer::endSilent);
 }
 
 void ReadCoalescer::refresh(const QString& path, ReplyCallback callback)
@@ -29,7 +32,7 @@ void ReadCoalescer::refreshBody(const QString& path, BodyCallback callback)
         return;
     }
     if (!std::exchange(running->next, std::move(callback)))
-        endWhenSilent(path, running->number);
+        endSilent();
 }
 
 void ReadCoalescer::send(
@@ -58,25 +61,51 @@ void ReadCoalescer::sendWaiting(const QString& path)
         send(path, next, m_patience);
 }
 
-void ReadCoalescer::endWhenSilent(const QString& path, quint64 number)
+std::chrono::milliseconds ReadCoalescer::timeLeft(const Running& running) const
+{
+    const std::chrono::milliseconds patience = running.watch->hasNews() ? m_patience : running.patience;
+    return patience - std::chrono::milliseconds(running.watch->silentFor());
+}
+
+void ReadCoalescer::endSilent()
+{
+    QStringList silent;
+    // At the latest, since the patience falls to that once an answer begins.
+    std::chrono::milliseconds soonest = m_patience;
+    bool othersWait = false;
+    for (auto running = m_inFlight.cbegin(); running != m_inFlight.cend(); ++running) {
+        if (!running->next || !running->watch)
+            continue;
+        const std::chrono::milliseconds left = timeLeft(*running);
+        if (left.count() <= 0) {
+            silent.append(running.key());
+        } else {
+            othersWait = true;
+            soonest = std::min(soonest, left);
+        }
+    }
+    if (othersWait)
+        m_nextLook.start(soonest);
+    const QPointer<ReadCoalescer> alive(this);
+    for (const QString& path : std::as_const(silent)) {
+        endForNext(path);
+        if (!alive)
+            return;
+    }
+}
+
+void ReadCoalescer::endForNext(const QString& path)
 {
     const auto running = m_inFlight.find(path);
-    if (running == m_inFlight.end() || running->number != number || !running->watch)
+    // The end of another one may have changed this one.
+    if (running == m_inFlight.end() || !running->next || !running->watch || timeLeft(*running).count() > 0)
         return;
-    const bool hasNews = running->watch->hasNews();
-    const std::chrono::milliseconds patience = hasNews ? m_patience : running->patience;
-    const std::chrono::milliseconds silent(running->watch->silentFor());
-    if (silent < patience) {
-        // After `m_patience` at the latest, since the patience falls to that once the answer begins.
-        QTimer::singleShot(std::min(patience - silent, m_patience), this,
-            [this, path, number] { endWhenSilent(path, number); });
-        return;
-    }
     const Running ended = *running;
+    const std::chrono::milliseconds patience = ended.watch->hasNews() ? m_patience : 2 * ended.patience;
     running->number = ++m_reads; // the old read ends within giveUp(), and finds that it no longer counts
     running->next = {};
     const QPointer<ReadCoalescer> alive(this);
     ended.watch->giveUp();
     if (alive)
-        send(path, ended.next, hasNews ? m_patience : 2 * patience);
+        send(path, ended.next, patience);
 }

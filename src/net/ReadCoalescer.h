@@ -5,6 +5,7 @@
 #include <QHash>
 #include <QObject>
 #include <QPointer>
+#include <QTimer>
 
 #include <chrono>
 
@@ -42,11 +43,17 @@ private:
 
     void send(const QString& path, const BodyCallback& callback, std::chrono::milliseconds patience);
     void sendWaiting(const QString& path);
-    /// Ends the read of this number for the wish behind it, as soon as it has been silent for long enough.
-    void endWhenSilent(const QString& path, quint64 number);
+    /// How long this read may still bring nothing, if it goes on as it does now; 0 or less for one to be
+    /// ended.
+    [[nodiscard]] std::chrono::milliseconds timeLeft(const Running& running) const;
+    /// Ends the reads that have been silent for long enough while a wish waits behind them, and sees to it
+    /// that the others are looked at again.
+    void endSilent();
+    void endForNext(const QString& path);
 
     ApiClient& m_api;
     std::chrono::milliseconds m_patience{2000};
     quint64 m_reads = 0;
     QHash<QString, Running> m_inFlight;
+    QTimer m_nextLook; ///< at the reads with a wish behind them: one for all, however many come and go
 };

@@ -2,7 +2,10 @@
 #include "net/ReadCoalescer.h"
 #include "support/TestMain.h"
 
+#include <QAbstractEventDispatcher>
 #include <QJsonArray>
+
+#include <algorithm>
 
 using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
@@ -16,6 +19,15 @@ class TestReadCoalescer final : public fixtures::ApiTest {
             m_calls.append(
                 name + u':' + (error.isEmpty() ? QString::number(document.array().at(0).toInt()) : error));
         };
+    }
+
+    /// Timers that are to fire once and have not yet.
+    static qsizetype singleShots()
+    {
+        const QObjectList all = QAbstractEventDispatcher::instance()->children();
+        return std::count_if(all.cbegin(), all.cend(), [](const QObject* object) {
+            return qstrcmp(object->metaObject()->className(), "QSingleShotTimer") == 0;
+        });
     }
 
     QStringList m_calls;
@@ -124,6 +136,38 @@ private Q_SLOTS:
         QTRY_COMPARE(m_server->heldCount(), 1);
         m_server->release(StubAnswer::json("[2]"));
         QTRY_COMPARE(m_calls, QStringList({u"c:2"_s}));
+    }
+
+    void answered_reads_leave_no_timers_behind()
+    {
+        ReadCoalescer reads(*m_api);
+        m_server->on("GET", "/x", StubAnswer::json("[1]"));
+        const qsizetype before = singleShots();
+        for (qsizetype answers = 2; answers <= 20; answers += 2) {
+            reads.refresh(u"/x"_s, note(u"a"_s));
+            reads.refresh(u"/x"_s, note(u"b"_s));
+            QTRY_COMPARE(m_calls.size(), answers);
+        }
+        QCOMPARE(singleShots(), before);
+        QVERIFY(reads.findChildren<QTimer*>().size() <= 1);
+    }
+
+    void of_several_silent_reads_each_ends_in_its_time()
+    {
+        ReadCoalescer reads(*m_api);
+        reads.setPatience(50ms);
+        for (const QString& path : {u"/x"_s, u"/y"_s}) {
+            reads.refresh(path, note(path + u" first"_s));
+            QTRY_COMPARE(m_server->count("GET", path.toLatin1()), 1);
+            reads.refresh(path, note(path));
+        }
+        QTRY_COMPARE(m_server->count("GET", "/x"), 2);
+        QTRY_COMPARE(m_server->count("GET", "/y"), 2);
+        m_server->release(StubAnswer::json("[1]"), "/x");
+        m_server->release(StubAnswer::json("[2]"), "/y");
+        QTRY_COMPARE(m_calls.size(), 2);
+        QVERIFY(m_calls.contains(u"/x:1"_s));
+        QVERIFY(m_calls.contains(u"/y:2"_s));
     }
 
     void a_silent_read_without_a_newer_wish_goes_on()
