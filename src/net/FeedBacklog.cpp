@@ -37,7 +37,11 @@ void FeedBacklog::add(const QString& text)
     m_characters += text.size() + charactersBeside;
     scheduleSlice();
     const QPointer<FeedBacklog> self(this);
-    while (self && m_characters > m_limit && m_texts.size() > 1)
+    if (isOver(m_limit)) {
+        m_full = true;
+        Q_EMIT filled();
+    }
+    while (self && isOver(2 * m_limit))
         handOnOldest();
 }
 
@@ -45,6 +49,12 @@ void FeedBacklog::clear()
 {
     m_texts.clear();
     m_characters = 0;
+    m_full = false;
+}
+
+bool FeedBacklog::isOver(qsizetype limit) const
+{
+    return m_characters > limit && m_texts.size() > 1;
 }
 
 void FeedBacklog::scheduleSlice()
@@ -78,6 +88,10 @@ void FeedBacklog::readSlice()
     do {
         handOnOldest();
     } while (self && !m_texts.empty() && m_clock() < end);
+    if (self && m_full && !isOver(m_limit)) {
+        m_full = false;
+        Q_EMIT eased();
+    }
     if (self && m_texts.empty())
         Q_EMIT drained();
 }

@@ -20,7 +20,8 @@ public:
 
     /// A slice ends with the first message after this time.
     static constexpr qint64 sliceNs = 8'000'000;
-    /// Characters that may wait: room for fifty thousand messages of several prices each, in 64 MiB.
+    /// Characters that may wait before the sender is to wait: room for fifty thousand messages of several
+    /// prices each, in 64 MiB.
     static constexpr qsizetype mostCharacters = qsizetype{32} * 1024 * 1024;
 
     /// What a message takes up besides its text, counted in characters, so that a message without text counts
@@ -35,8 +36,8 @@ public:
 
     [[nodiscard]] bool isEmpty() const { return m_texts.empty(); }
 
-    /// Takes a message, to be read in a later turn of the event loop. Where too much waits, the oldest are
-    /// read at once: that holds up the loop, and so slows down a server that sends faster than can be read.
+    /// Takes a message, to be read in a later turn of the event loop. Where twice the limit waits, since the
+    /// sender did not, the oldest are read at once: that holds up the loop, and the sender with it.
     void add(const QString& text);
     /// Forgets what waits, without a signal.
     void clear();
@@ -45,16 +46,22 @@ Q_SIGNALS:
     void due(const QString& text);
     /// The last of the messages has been read.
     void drained();
+    /// More than the limit waits; said again with each message that comes nevertheless.
+    void filled();
+    /// No more than the limit waits any longer.
+    void eased();
 
 private:
     void scheduleSlice();
     void scheduleNextSlice();
     void readSlice();
     void handOnOldest();
+    [[nodiscard]] bool isOver(qsizetype limit) const;
 
     Clock m_clock;
     qsizetype m_limit = mostCharacters;
     std::deque<QString> m_texts;
     qsizetype m_characters = 0;
     bool m_sliceScheduled = false;
+    bool m_full = false; ///< filled() was said, and eased() was not
 };

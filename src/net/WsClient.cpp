@@ -45,6 +45,7 @@ WsClient::WsClient(const TerminalSettings& settings, QObject* parent)
     : QObject(parent)
     , m_settings(settings)
     , m_socket(QString(), QWebSocketProtocol::Version13, this)
+    , m_intake(m_socket, this)
     , m_backlog(this)
     , m_pingTimer(this)
     , m_retryDelayMs(firstRetryDelayMs)
@@ -65,6 +66,8 @@ WsClient::WsClient(const TerminalSettings& settings, QObject* parent)
     connect(&m_socket, &QWebSocket::disconnected, this, &WsClient::finishAttempt);
     connect(&m_socket, &QWebSocket::textMessageReceived, &m_backlog, &FeedBacklog::add);
     connect(&m_backlog, &FeedBacklog::due, this, &WsClient::onTextMessage);
+    connect(&m_backlog, &FeedBacklog::filled, &m_intake, &SocketIntake::rest);
+    connect(&m_backlog, &FeedBacklog::eased, &m_intake, &SocketIntake::goOn);
     connect(&m_backlog, &FeedBacklog::drained, this, [this] {
         if (m_endUntold)
             finishAttempt();
@@ -117,6 +120,7 @@ void WsClient::open()
     m_attemptRunning = true;
     m_attemptTimer.start();
     m_socket.open(url);
+    m_intake.begin();
 }
 
 void WsClient::reopen()

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "net/FeedBacklog.h"
+#include "net/SocketIntake.h"
 
 #include <QElapsedTimer>
 #include <QJsonArray>
@@ -17,7 +18,8 @@ class TerminalSettings;
 /// after 1, 2, 4, 8, 16, then 30 seconds, for ever. Apart from its ping it sends nothing.
 ///
 /// Messages pass through a FeedBacklog, one by one and all of them. The end of a connection is told when all
-/// that came before it has been; a new start() forgets what the old connection left unread.
+/// that came before it has been; a new start() forgets what the old connection left unread. While too much
+/// waits to be read, the connection rests.
 class WsClient final : public QObject {
     Q_OBJECT
     Q_DISABLE_COPY_MOVE(WsClient)
@@ -67,6 +69,7 @@ private:
 
     const TerminalSettings& m_settings;
     QWebSocket m_socket;
+    SocketIntake m_intake;
     FeedBacklog m_backlog;
     QTimer m_pingTimer;
     QElapsedTimer m_pingClock;

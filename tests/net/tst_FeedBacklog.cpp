@@ -163,13 +163,67 @@ private Q_SLOTS:
         QTRY_COMPARE(m_seen, QStringList({u"0"_s, u"late"_s}));
     }
 
-    void where_too_much_waits_the_oldest_are_read_at_once()
+    void where_too_much_waits_that_is_told_and_nothing_is_read_at_once()
     {
-        m_backlog->setLimit(6 + 3 * FeedBacklog::charactersBeside);
-        const QStringList texts{u"aaa"_s, u"bb"_s, u"c"_s, u"dddd"_s, u"e"_s};
+        const QSignalSpy filled(m_backlog.get(), &FeedBacklog::filled);
+        const QSignalSpy eased(m_backlog.get(), &FeedBacklog::eased);
+        m_backlog->setLimit(10 * FeedBacklog::charactersBeside);
+        m_costNs = 4 * millisecond; // two of them fill a slice
+        for (int i = 0; i < 10; ++i)
+            m_backlog->add({});
+        QCOMPARE(filled.size(), 0);
+        for (int i = 0; i < 3; ++i)
+            m_backlog->add({});
+        QCOMPARE(filled.size(), 3); // of thirteen
+        QVERIFY(m_seen.isEmpty());
+        while (m_seen.empty())
+            QCoreApplication::processEvents();
+        QCOMPARE(m_seen.size(), 2);
+        QCOMPARE(eased.size(), 0);
+        while (eased.empty())
+            QCoreApplication::processEvents();
+        QCOMPARE(m_seen.size(), 4);
+        QTRY_COMPARE(m_seen.size(), 13);
+        QCOMPARE(filled.size(), 3);
+        QCOMPARE(eased.size(), 1);
+    }
+
+    void whoever_filled_it_hears_of_room_though_more_came_within_a_message()
+    {
+        const QSignalSpy eased(m_backlog.get(), &FeedBacklog::eased);
+        m_backlog->setLimit(2 * FeedBacklog::charactersBeside);
+        bool more = true;
+        connect(m_backlog.get(), &FeedBacklog::due, this, [&] {
+            if (std::exchange(more, false)) {
+                m_backlog->clear();
+                m_backlog->add({});
+            }
+        });
+        for (int i = 0; i < 3; ++i)
+            m_backlog->add({});
+        QTRY_VERIFY(m_backlog->isEmpty());
+        QCOMPARE(eased.size(), 0); // what was forgotten asks for nothing
+        m_costNs = 8 * millisecond;
+        more = true;
+        disconnect(m_backlog.get(), &FeedBacklog::due, this, nullptr);
+        connect(m_backlog.get(), &FeedBacklog::due, this, [&] {
+            m_now += m_costNs;
+            if (std::exchange(more, false))
+                m_backlog->add({});
+        });
+        for (int i = 0; i < 3; ++i)
+            m_backlog->add({});
+        QTRY_VERIFY(m_backlog->isEmpty());
+        QCOMPARE(eased.size(), 1);
+    }
+
+    void where_twice_too_much_waits_the_oldest_are_read_at_once()
+    {
+        m_backlog->setLimit(3 + 2 * FeedBacklog::charactersBeside);
+        const QStringList texts{u"aaaa"_s, u"bb"_s, u"cc"_s, u"d"_s, u"e"_s, u"f"_s};
         for (const QString& text : texts)
             m_backlog->add(text);
-        QCOMPARE(m_seen, texts.first(2)); // what is left are three messages of six characters
+        QCOMPARE(m_seen, texts.first(2)); // what is left are four messages of five characters
         QTRY_COMPARE(m_seen, texts);
     }
 
@@ -184,17 +238,23 @@ private Q_SLOTS:
     void fifty_thousand_messages_of_several_prices_each_may_wait()
     {
         const QString message(300, u'x');
+        const QSignalSpy filled(m_backlog.get(), &FeedBacklog::filled);
         for (int i = 0; i < 50'000; ++i)
             m_backlog->add(message);
-        QVERIFY(m_seen.isEmpty());
+        QCOMPARE(filled.size(), 0);
     }
 
-    void thirty_two_million_characters_may_wait()
+    void thirty_two_million_characters_may_wait_and_twice_as_many_do_not()
     {
+        const QSignalSpy filled(m_backlog.get(), &FeedBacklog::filled);
         const QString megabyte(
             qsizetype{1024} * 1024 - FeedBacklog::charactersBeside, u'x'); // shared, not copied
         for (int i = 0; i < 32; ++i)
             m_backlog->add(megabyte);
+        QCOMPARE(filled.size(), 0);
+        for (int i = 0; i < 32; ++i)
+            m_backlog->add(megabyte);
+        QCOMPARE(filled.size(), 32);
         QVERIFY(m_seen.isEmpty());
         m_backlog->add(u"y"_s);
         QCOMPARE(m_seen.size(), 1);
@@ -202,7 +262,7 @@ private Q_SLOTS:
 
     void messages_without_text_take_room_too()
     {
-        m_backlog->setLimit(10 * FeedBacklog::charactersBeside);
+        m_backlog->setLimit(5 * FeedBacklog::charactersBeside);
         for (int i = 0; i < 10; ++i)
             m_backlog->add({});
         QVERIFY(m_seen.isEmpty());

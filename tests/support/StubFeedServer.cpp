@@ -66,6 +66,12 @@ void StubFeedServer::send(const QJsonObject& message)
     send(QJsonDocument(message).toJson(QJsonDocument::Compact));
 }
 
+void StubFeedServer::flush()
+{
+    for (QWebSocket* client : m_clients)
+        client->flush();
+}
+
 void StubFeedServer::cut()
 {
     const auto clients = m_clients;

@@ -70,6 +70,8 @@ public:
     /// Sends a text message to every client.
     void send(const QByteArray& text);
     void send(const QJsonObject& message);
+    /// Hands as much of what was sent to the system at once as that takes; otherwise it goes bit by bit.
+    void flush();
     /// Resets every connection, the half-open ones included.
     void cut();
     /// Closes every client's connection in the orderly way.
