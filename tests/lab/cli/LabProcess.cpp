@@ -40,12 +40,6 @@ int openTerminal(std::string& otherEnd)
     ::_exit(127);
 }
 
-std::vector<std::string> joined(std::vector<std::string> words, const std::vector<std::string>& more)
-{
-    words.insert(words.end(), more.begin(), more.end());
-    return words;
-}
-
 } // namespace
 
 LabProcess::Child LabProcess::start(std::vector<std::string> words, bool isTerminal) const
@@ -119,4 +113,15 @@ LabProcess::Result LabProcess::runOnTerminal(
     const std::vector<std::string>& arguments, int signal, const std::string& mark) const
 {
     return resultOf(start(joined({LAB_EXECUTABLE}, arguments), true), signal, mark);
+}
+
+std::vector<std::string> joined(std::vector<std::string> words, const std::vector<std::string>& more)
+{
+    words.insert(words.end(), more.begin(), more.end());
+    return words;
+}
+
+bool isOneLine(const std::string& text)
+{
+    return text.starts_with("tavoran-lab: ") && text.find('\n') == text.size() - 1;
 }

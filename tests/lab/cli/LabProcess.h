@@ -31,3 +31,10 @@ private:
     [[nodiscard]] Child start(std::vector<std::string> words, bool isTerminal) const;
     static Result resultOf(const Child& child, int signal, const std::string& mark);
 };
+
+/// The words of a command, and more behind them.
+[[nodiscard]] std::vector<std::string> joined(
+    std::vector<std::string> words, const std::vector<std::string>& more);
+
+/// Is this what the program says in place of a result?
+[[nodiscard]] bool isOneLine(const std::string& text);

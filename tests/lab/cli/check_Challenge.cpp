@@ -23,11 +23,6 @@ void writeBets(const StudyFolder& study)
         "}\n");
 }
 
-nlohmann::json json(const StudyFolder& study, const std::string& file)
-{
-    return nlohmann::json::parse(study.contentOf(file));
-}
-
 std::vector<std::string> simulated(const std::string& seeds, const std::string& out)
 {
     return {"challenge", "Bets.js", "--symbol", "EURUSD", "--seeds", seeds, "--from", "2024-01-01", "--to",
@@ -46,7 +41,7 @@ TEST_CASE("a plan is run from each day with prices, and each start is the run th
     CHECK_EQ(result.errors, "");
     CHECK(contains(result.output, "passed"));
     CHECK(contains(result.output, "Starts a day apart share most of their prices"));
-    const auto summary = json(study, "c/challenge.json");
+    const auto summary = study.json("c/challenge.json");
     CHECK_EQ(summary.at("starts").get<int>(), 5);
     int counts = 0;
     for (const char* outcome : {"passed", "daily-loss", "total-loss", "none"})
@@ -59,7 +54,7 @@ TEST_CASE("a plan is run from each day with prices, and each start is the run th
                      {"--account", "plan", "--from", "2024-01-03", "--timeframe", "5m", "--out", "r"})
                  .exitCode,
         0);
-    const std::string outcome = json(study, "r/run.json").at("outcome").get<std::string>();
+    const std::string outcome = study.json("r/run.json").at("outcome").get<std::string>();
     CHECK(contains(study.contentOf("c/challenge.csv"), "2024-01-03T00:00:00.000Z,1," + outcome + ','));
 }
 
@@ -82,7 +77,7 @@ TEST_CASE("a plan is run over simulated markets, with the same bytes whoever doe
     const std::string csv = study.contentOf("one/challenge.csv");
     CHECK_EQ(std::ranges::count(csv, '\n'), 7);
     CHECK(contains(result.output, "The prices are simulated"));
-    CHECK(json(study, "one/challenge.json").at("simulated").get<bool>());
+    CHECK(study.json("one/challenge.json").at("simulated").get<bool>());
     CHECK(contains(csv, ",8,"));
 
     CHECK_EQ(study.lab
@@ -90,8 +85,8 @@ TEST_CASE("a plan is run over simulated markets, with the same bytes whoever doe
                      "2024-01-03", "--warmup", "10", "--timeframe", "5m", "--account", "plan", "--out", "r"})
                  .exitCode,
         0);
-    const auto run = json(study, "r/run.json");
-    const auto trades = json(study, "r/summary.json").at("trades").dump();
+    const auto run = study.json("r/run.json");
+    const auto trades = study.json("r/summary.json").at("trades").dump();
     CHECK(contains(csv, ",5," + run.at("outcome").get<std::string>() + ','));
     CHECK(contains(csv, ',' + trades + ",\n"));
 }
@@ -145,7 +140,7 @@ TEST_CASE("a challenge's file says what was tried")
     std::vector<std::string> words = simulated("3..4", "s");
     words.insert(words.end(), {"--speed", "2.5"});
     CHECK_EQ(study.lab.run(words).exitCode, 0);
-    const auto simulation = json(study, "s/challenge.json");
+    const auto simulation = study.json("s/challenge.json");
     CHECK_EQ(simulation.at("seeds").dump(), "[3,4]");
     CHECK_EQ(simulation.value("speed", 0.0), 2.5);
     CHECK_EQ(simulation.at("from").get<std::string>(), "2024-01-01T00:00:00.000Z");
@@ -160,11 +155,11 @@ TEST_CASE("a challenge's file says what was tried")
     CHECK_EQ(simulation.at("dataHash").get<std::string>().size(), 16U);
 
     CHECK_EQ(study.run("challenge", "Bets.js", {"--starts", "daily", "--out", "d"}).exitCode, 0);
-    const auto recorded = json(study, "d/challenge.json");
+    const auto recorded = study.json("d/challenge.json");
     CHECK(recorded.at("seeds").is_null());
     CHECK(!recorded.at("simulated").get<bool>());
     CHECK_EQ(study.run("run", "Bets.js", {"--out", "r"}).exitCode, 0);
-    const auto run = json(study, "r/run.json");
+    const auto run = study.json("r/run.json");
     for (const char* key : {"from", "to", "dataHash", "extremes", "seed", "speed"})
         CHECK_EQ(recorded.value(key, nlohmann::json("missing")).dump(), run.at(key).dump());
 }

@@ -11,12 +11,6 @@ namespace {
 const std::vector<std::string> two{
     "--set", "Every=10,20", "--min-trades", "1", "--timeframe", "5m", "--sort", "netProfit"};
 
-std::vector<std::string> joined(std::vector<std::string> words, const std::vector<std::string>& more)
-{
-    words.insert(words.end(), more.begin(), more.end());
-    return words;
-}
-
 /// Every command that writes a folder, and how it is called.
 std::map<std::string, std::vector<std::string>> calls(const StudyFolder& study)
 {

@@ -4,7 +4,6 @@
 #include "practice/Check.h"
 
 #include <csignal>
-#include <nlohmann/json.hpp>
 #include <sqlite3.h>
 
 using Result = LabProcess::Result;
@@ -13,12 +12,6 @@ namespace {
 
 const std::vector<std::string> eight{
     "--set", "Every=10:40:10", "--set", "Points=30,60", "--min-trades", "3", "--timeframe", "5m"};
-
-std::vector<std::string> joined(std::vector<std::string> words, const std::vector<std::string>& more)
-{
-    words.insert(words.end(), more.begin(), more.end());
-    return words;
-}
 
 Result planned(const StudyFolder& study, const std::string& chunks = "3")
 {

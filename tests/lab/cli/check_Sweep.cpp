@@ -3,8 +3,6 @@
 #include "lab/core/study/StudyStore.h"
 #include "practice/Check.h"
 
-#include <nlohmann/json.hpp>
-
 #include <csignal>
 #include <cstdlib>
 
@@ -18,12 +16,6 @@ const std::set<std::string> sweepFiles{"report.html", "summary.json", "trades.cs
 /// Eight sets, of which all trade.
 const std::vector<std::string> eight{
     "--set", "Every=10:40:10", "--set", "Points=30,60", "--min-trades", "3", "--timeframe", "5m"};
-
-std::vector<std::string> joined(std::vector<std::string> words, const std::vector<std::string>& more)
-{
-    words.insert(words.end(), more.begin(), more.end());
-    return words;
-}
 
 /// All but the store, whose pages lie as the results came.
 void checkSame(const StudyFolder& study, const std::string& one, const std::string& other)
@@ -59,7 +51,7 @@ TEST_CASE("the best set's report has maps, and its figures are those of a run by
     const StudyFolder study;
     CHECK_EQ(
         study.run("sweep", "Clock.js", joined(eight, {"--out", "s", "--sort", "netProfit"})).exitCode, 0);
-    const auto sweep = nlohmann::json::parse(study.contentOf("s/sweep.json"));
+    const auto sweep = study.json("s/sweep.json");
     const auto inputs = sweep.at("best").at("inputs");
     CHECK_EQ(
         study
@@ -257,7 +249,7 @@ TEST_CASE("a sample of the sets is tried, the same each time")
     CHECK_EQ(study.run("sweep", "Clock.js", joined(sample, {"--out", "a"})).exitCode, 0);
     CHECK_EQ(study.run("sweep", "Clock.js", joined(sample, {"--out", "b"})).exitCode, 0);
     checkSame(study, "a", "b");
-    const auto sweep = nlohmann::json::parse(study.contentOf("a/sweep.json"));
+    const auto sweep = study.json("a/sweep.json");
     CHECK_EQ(sweep.at("sets").get<int>(), 4);
     CHECK_EQ(sweep.at("gridSize").get<int>(), 1'000'000);
 }
@@ -287,7 +279,7 @@ TEST_CASE("where no set has trades enough, there is a table and no report")
     const Result seen = study.lab.runOnTerminal(study.words("sweep", "Clock.js",
         {"--set", "Every=10,20", "--min-trades", "5000", "--timeframe", "5m", "--out", "s", "--resume"}));
     CHECK(contains(seen.errors, "\r\n  "));
-    const auto sweep = nlohmann::json::parse(study.contentOf("s/sweep.json"));
+    const auto sweep = study.json("s/sweep.json");
     CHECK_EQ(sweep.at("eligible").get<int>(), 0);
     CHECK(sweep.at("warnings")
               .at(0)

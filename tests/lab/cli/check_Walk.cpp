@@ -16,12 +16,6 @@ namespace {
 const std::vector<std::string> walk{"--set", "Every=10,25", "--set", "Points=30,60", "--min-trades", "1",
     "--timeframe", "5m", "--train", "2d", "--test", "1d", "--sort", "netProfit"};
 
-std::vector<std::string> joined(std::vector<std::string> words, const std::vector<std::string>& more)
-{
-    words.insert(words.end(), more.begin(), more.end());
-    return words;
-}
-
 std::vector<std::vector<std::string>> rowsOf(const std::string& csv)
 {
     std::vector<std::vector<std::string>> rows;
@@ -59,7 +53,7 @@ TEST_CASE("each window tests what was best before it, and the tests go on from o
                          "5m", "--sort", "netProfit", "--from", from, "--to", to, "--out", "s"})
                  .exitCode,
         0);
-    const auto best = nlohmann::json::parse(study.contentOf("s/sweep.json")).at("best");
+    const auto best = study.json("s/sweep.json").at("best");
     CHECK_EQ(best.at("inputs").at("Every").get<std::string>(), rows[2][4]);
     CHECK_EQ(best.at("inputs").at("Points").get<std::string>(), rows[2][5]);
     CHECK_EQ(best.at("netProfit").dump(), nlohmann::json::parse(rows[2][8]).dump());
@@ -68,11 +62,11 @@ TEST_CASE("each window tests what was best before it, and the tests go on from o
     double sum = 0;
     for (std::size_t row = 1; row < rows.size(); ++row)
         sum += std::stod(rows[row][11]);
-    const auto summary = nlohmann::json::parse(study.contentOf("w/summary.json"));
+    const auto summary = study.json("w/summary.json");
     CHECK_NEAR(summary.at("netProfit").get<double>(), sum, 0.001);
     CHECK_NEAR(summary.at("endBalance").get<double>(), 100'000 + sum, 0.001);
     CHECK(contains(study.contentOf("w/report.html"), "Walk forward"));
-    CHECK_EQ(nlohmann::json::parse(study.contentOf("w/walk.json")).at("windows").get<int>(), 3);
+    CHECK_EQ(study.json("w/walk.json").at("windows").get<int>(), 3);
 }
 
 TEST_CASE("a walk's page says that it is one, of what, and shows its windows behind the figures")
@@ -106,11 +100,11 @@ TEST_CASE("a walk's files name every input: the fixed ones with their values, an
 {
     const StudyFolder study(5);
     CHECK_EQ(study.run("walk", "Clock.js", joined(walk, {"--set", "Wait=7", "--out", "w"})).exitCode, 0);
-    const auto run = nlohmann::json::parse(study.contentOf("w/run.json"));
+    const auto run = study.json("w/run.json");
     CHECK_EQ(run.at("inputs").dump(), R"({"Mode":"'both'","Wait":"7"})");
     CHECK_EQ(run.at("changedInputs").dump(), R"(["Wait"])");
     CHECK_EQ(run.value("sweptInputs", nlohmann::json()).dump(), R"(["Every","Points"])");
-    const auto json = nlohmann::json::parse(study.contentOf("w/walk.json"));
+    const auto json = study.json("w/walk.json");
     CHECK_EQ(json.value("fixedInputs", nlohmann::json()).dump(), R"({"Mode":"'both'","Wait":"7"})");
     const std::string page = study.contentOf("w/report.html");
     CHECK(contains(page, "<caption>Inputs of the script</caption>"));
@@ -130,7 +124,7 @@ TEST_CASE("a last window that is shorter than the others says so, and tells noth
     const std::string note = "6 hours instead of 3 days";
     CHECK(contains(result.output, "; " + note + "\n"));
     CHECK(contains(study.contentOf("w/walk.csv"), "," + note + "\n"));
-    const auto rows = nlohmann::json::parse(study.contentOf("w/walk.json")).at("rows");
+    const auto rows = study.json("w/walk.json").at("rows");
     REQUIRE(rows.size() == 2);
     CHECK_EQ(rows[0].at("reason").get<std::string>(), "");
     CHECK(!rows[0].value("cutShort", true));
@@ -241,7 +235,7 @@ TEST_CASE("the terminal shows each window's times in full, its inputs, and its p
 {
     const StudyFolder study(5);
     const Result result = study.run("walk", "Clock.js", joined(walk, {"--out", "w"}));
-    const auto json = nlohmann::json::parse(study.contentOf("w/walk.json"));
+    const auto json = study.json("w/walk.json");
     const auto minute = [](const nlohmann::json& time) {
         std::string text = time.get<std::string>().substr(0, 16);
         text[10] = ' ';
@@ -281,7 +275,7 @@ TEST_CASE("a window without a choice says why, on the terminal and in the files"
         {"--set", "Every=10,25", "--min-trades", "15", "--timeframe", "5m", "--train", "2d", "--test", "1d",
             "--sort", "netProfit", "--out", "w"});
     CHECK_EQ(result.exitCode, 0);
-    const auto json = nlohmann::json::parse(study.contentOf("w/walk.json"));
+    const auto json = study.json("w/walk.json");
     CHECK_EQ(json.at("windows").get<int>(), 4);
     const auto& last = json.at("rows").back();
     CHECK_EQ(last.at("eligible").get<int>(), 0);
@@ -315,14 +309,14 @@ TEST_CASE("a plan's limits count from the start of the walk, and end it")
     const StudyFolder study(1);
     const Result result = planWalk(study, -2); // 2 887 of 100 000 a day
     CHECK_EQ(result.exitCode, 0);
-    const auto run = nlohmann::json::parse(study.contentOf("w/run.json"));
+    const auto run = study.json("w/run.json");
     CHECK_EQ(run.at("outcome").get<std::string>(), "total-loss");
-    const auto summary = nlohmann::json::parse(study.contentOf("w/summary.json"));
+    const auto summary = study.json("w/summary.json");
     CHECK_NEAR(summary.at("endBalance").get<double>(), 90'000, 10);
     CHECK_NEAR(summary.at("totalLimitUse").get<double>(), 1, 0.001);
     CHECK(study.contentOf("w/trades.csv").find(",RULE,") != std::string::npos);
 
-    const auto rows = nlohmann::json::parse(study.contentOf("w/walk.json")).at("rows");
+    const auto rows = study.json("w/walk.json").at("rows");
     REQUIRE(rows.size() > 4);
     CHECK_EQ(rows[2].at("reason").get<std::string>(), "");
     CHECK_EQ(rows[3].at("reason").get<std::string>(), "the plan ended: total loss");
@@ -339,9 +333,9 @@ TEST_CASE("a plan has passed when what a window's end closes has reached its tar
 {
     const StudyFolder study(1);
     CHECK_EQ(planWalk(study, 2).exitCode, 0); // 2 865 a day
-    const auto run = nlohmann::json::parse(study.contentOf("w/run.json"));
+    const auto run = study.json("w/run.json");
     CHECK_EQ(run.at("outcome").get<std::string>(), "passed");
-    const auto rows = nlohmann::json::parse(study.contentOf("w/walk.json")).at("rows");
+    const auto rows = study.json("w/walk.json").at("rows");
     REQUIRE(rows.size() > 4);
     CHECK_EQ(rows[3].at("reason").get<std::string>(), "the plan ended: passed");
     // The account was closed with the window's last price.
@@ -366,7 +360,7 @@ TEST_CASE("where nothing can be chosen, the files say why, and no page of a form
     CHECK(contains(strict.output, "Windows tested             0 of 3\n"));
     CHECK(strict.output.ends_with("w/walk.csv\n"));
 
-    const auto json = nlohmann::json::parse(study.contentOf("w/walk.json"));
+    const auto json = study.json("w/walk.json");
     CHECK_EQ(json.at("minTrades").get<int>(), 9999);
     CHECK_EQ(json.at("tested").get<int>(), 0);
     CHECK(json.at("cagr").is_null());
@@ -381,7 +375,7 @@ TEST_CASE("where nothing can be chosen, the files say why, and no page of a form
     // With an order that chooses, the page is there again, and a walk says that nothing is amiss.
     CHECK_EQ(study.run("walk", "Clock.js", joined(walk, {"--out", "w", "--resume"})).exitCode, 0);
     CHECK(study.filesIn("w").contains("report.html"));
-    CHECK(nlohmann::json::parse(study.contentOf("w/walk.json")).at("warnings").empty());
+    CHECK(study.json("w/walk.json").at("warnings").empty());
 }
 
 TEST_CASE("what a walk cannot do is said in a line")
