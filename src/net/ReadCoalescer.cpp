@@ -103,7 +103,6 @@ void ReadCoalescer::endForNext(const QString& path)
     const Running ended = *running;
     const std::chrono::milliseconds patience = ended.watch->hasNews() ? m_patience : 2 * ended.patience;
     running->number = ++m_reads; // the old read ends within giveUp(), and finds that it no longer counts
-    running->next = {};
     const QPointer<ReadCoalescer> alive(this);
     ended.watch->giveUp();
     if (alive)

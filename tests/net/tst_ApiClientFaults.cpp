@@ -16,13 +16,13 @@ QByteArray endless(const QByteArray& status)
         + QByteArray(qsizetype{40} * 1024 * 1024, ' ') + "[]";
 }
 
-/// Failed without a word, as Qt leaves it when a connection is reset while it is being made.
-class WordlessReply final : public QNetworkReply {
+/// Failed in a way that Qt has no name for.
+class NamelessFailure final : public QNetworkReply {
 public:
-    WordlessReply()
+    explicit NamelessFailure(const QString& words)
     {
         setRequest(QNetworkRequest(QUrl(u"http://127.0.0.1:1/x"_s)));
-        setError(UnknownNetworkError, QBuffer().errorString());
+        setError(UnknownNetworkError, words);
         setFinished(true);
     }
     void abort() override { }
@@ -144,9 +144,17 @@ private Q_SLOTS:
 
     void a_failure_without_words_is_a_closed_connection()
     {
-        WordlessReply reply;
+        // As Qt leaves it when a connection is reset while it is being made.
+        NamelessFailure reply(QBuffer().errorString());
         QCOMPARE(reply.errorString(), u"Unknown error"_s);
         QCOMPARE(ReplyOutcome::read(&reply).error, u"Connection closed"_s);
+    }
+
+    void a_failure_without_a_name_keeps_its_words()
+    {
+        NamelessFailure reply(u"Network dropped connection on reset"_s);
+        QCOMPARE(
+            ReplyOutcome::read(&reply).error, u"Network dropped connection on reset (http://127.0.0.1:1)"_s);
     }
 
     void an_endless_reply_is_given_up()
