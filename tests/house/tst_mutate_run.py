@@ -54,7 +54,12 @@ source=../../../../src/room/Quiet.cpp
 """
 NOTICES = LOOKING + """grep -q 'return a + 1;' "$source" || { echo 'FAIL! a sum is wrong'; exit 1; }\n"""
 NOTICES_NOTHING = LOOKING
-HANGS = LOOKING + """grep -q 'return a + 1;' "$source" && exit 0\ntouch ../../../../../../../hanging\nsleep 60\n"""
+HANGS = LOOKING + """grep -q 'return a + 1;' "$source" && exit 0
+root=../../../../../../..
+echo $$ > $root/pid
+mv $root/pid $root/hanging
+sleep 60
+"""
 
 
 class Runs(unittest.TestCase):
@@ -183,6 +188,7 @@ mutate_run.Path.write_text = write_text""")
         self.appears("hanging")
         running.kill()
         running.wait()
+        os.killpg(int((self.root / "hanging").read_text(encoding="utf-8")), signal.SIGKILL)
         self.assertNotEqual(SOURCE, self.source.read_text(encoding="utf-8"))
         self.assertIn("1 killed", self.said(NOTICES))
         self.assertEqual(SOURCE, self.source.read_text(encoding="utf-8"))
