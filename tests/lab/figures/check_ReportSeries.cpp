@@ -168,4 +168,10 @@ TEST_CASE("the drawdown curve falls from the highest equity so far")
     CHECK(drawdownCurve(equity) == std::vector<double>({0, 0, 0.25, 0}));
 }
 
+TEST_CASE("below nothing there is no drawdown as long as nothing was ever there")
+{
+    const std::vector<EquityPoint> equity{{0, 0, 0}, {1, 0, -50}, {2, 0, 200}, {3, 0, 50}};
+    CHECK(drawdownCurve(equity) == std::vector<double>({0, 0, 0, 0.75}));
+}
+
 CHECK_MAIN()

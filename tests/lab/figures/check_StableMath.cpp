@@ -44,6 +44,8 @@ TEST_CASE("the normal distribution agrees with that of the machine far into its 
     }
     CHECK_EQ(stable::normalShare(0), 0.5);
     CHECK_EQ(stable::normalShare(60), 1.0);
+    // Where the way to work it out changes, the better one is taken.
+    CHECK(isClose(stable::normalShare(-3), 0.00134989803163009453, 1e-15));
 }
 
 TEST_CASE("a quantile is where the distribution has that share")
