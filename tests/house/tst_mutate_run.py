@@ -23,13 +23,14 @@ SOURCE = """int quiet(int a)
 }
 """
 
-# Says what the tests are, as ctest does: those of the room, and one of another folder.
+# Says what the tests are, as ctest does: that of the room, which the file `script` may run, and one of another folder.
 CTEST = """#!/usr/bin/python3
 import json
 import os
 build = os.getcwd() + "/build/mutate/tree/build/dev"
+script = ["/bin/bash", os.path.abspath("script")] if os.path.exists("script") else []
 def test(name, folder):
-    return {"name": name, "command": [build + "/tests/" + name],
+    return {"name": name, "command": [*script, build + "/tests/" + name],
             "properties": [{"name": "WORKING_DIRECTORY", "value": build + "/" + folder},
                            {"name": "ENVIRONMENT", "value": ["MEANT=yes"]}]}
 print(json.dumps({"tests": [test("check_Quiet", "tests/room"), test("check_Elsewhere", "tests/other")]}))
@@ -209,6 +210,18 @@ mutate_run.Path.write_text = write_text""")
         running = self.begun("#!/bin/sh\necho FAIL of its own\nexit 1\n")
         self.assertIn("check_Quiet does not pass on the code as it is: of its own",
                       running.communicate(timeout=60)[0])
+        self.assertEqual(1, running.returncode)
+
+    def test_a_test_may_be_a_script_that_tries_a_program(self):
+        self.put("script", '"$1" && echo fine')
+        self.assertIn("1 killed", self.said(NOTICES))
+
+    def test_a_script_that_cannot_try_its_program_here_is_left_out(self):
+        self.put("script", "echo FAIL no browser; exit 77")
+        running = self.begun(NOTICES)
+        output = running.communicate(timeout=60)[0]
+        self.assertIn("check_Quiet is left out: no browser", output)
+        self.assertIn("no tests in tests/room", output)
         self.assertEqual(1, running.returncode)
 
     def test_a_second_run_tries_nothing_twice_and_tells_the_whole(self):
