@@ -68,6 +68,15 @@ private Q_SLOTS:
         QCOMPARE(toolbox.summary->text(), u"Balance: —"_s);
     }
 
+    void eachListIsCalledAsItsTab()
+    {
+        const Toolbox toolbox;
+        const QList<const QTreeWidget*> lists{
+            toolbox.trades, toolbox.history, toolbox.experts, toolbox.journal};
+        for (int tab = 0; tab < toolbox.pane.count(); ++tab)
+            QCOMPARE(lists.at(tab)->accessibleName(), toolbox.pane.tabText(tab));
+    }
+
     void headersStandOverTheirNumbers()
     {
         const Toolbox toolbox;
@@ -219,6 +228,25 @@ private Q_SLOTS:
         QCOMPARE(told.size(), 0);
         toolbox.pane.updateTradePnl(u"p2"_s, -3.5);
         QVERIFY(!told.isEmpty());
+    }
+
+    void aPriceIsPaintedAnewWhenItGrowsOldAndWhenItHoldsAgain()
+    {
+        Toolbox toolbox;
+        toolbox.fill();
+        const QJsonObject prices = records::prices({{"EURUSD", 1.1, 1.2}});
+        toolbox.pane.updateCurrentPrices(prices);
+        QSignalSpy told(toolbox.trades->model(), &QAbstractItemModel::dataChanged);
+        toolbox.pane.markStale(u"EURUSD"_s);
+        QVERIFY(!told.isEmpty());
+        told.clear();
+        toolbox.pane.markStale(u"EURUSD"_s);
+        QCOMPARE(told.size(), 0);
+        toolbox.pane.updateCurrentPrices(prices); // the same price, but of now
+        QVERIFY(!told.isEmpty());
+        told.clear();
+        toolbox.pane.updateCurrentPrices(prices);
+        QCOMPARE(told.size(), 0);
     }
 
     void aSecondFillLeavesNothingStale()
