@@ -63,6 +63,28 @@ PLATFORM = [
     ("platform: orders there twice after {kills} kills", "twice", "", "<=", 0),
 ]
 
+PIXEL = [
+    # figure, name, the most it may be in ms
+    *(row for charts, noun in ((1, "chart"), (4, "charts"), (20, "charts")) for row in (
+        (f"price to pixels, {charts} {noun}, quiet: median", f"quiet_{charts}_median_ms", 3),
+        ("p99", f"quiet_{charts}_p99_ms", 8),
+        ("p99 without waiting for a processor", f"quiet_{charts}_own_p99_ms", None))),
+    *(row for charts in (4, 20) for row in (
+        (f"the same, a price for each of {charts}: median", f"quiet_{charts}_every_median_ms", 3),
+        ("p99", f"quiet_{charts}_every_p99_ms", 8))),
+    *(row for charts, noun in ((1, "chart"), (4, "charts"), (20, "charts")) for row in (
+        (f"{charts} {noun}, 100 snapshots a second: median", f"loaded_{charts}_median_ms", None),
+        ("p99", f"loaded_{charts}_p99_ms", 16))),
+    ("Buy clicked to its bytes, 20 charts: median", "click_median_ms", None),
+    ("p99", "click_p99_ms", 3),
+]
+WAKES = [
+    ("wake-ups a minute when nothing moves", "wakes_a_minute", None),
+    ("of them the dock snapshot, each second", "wakes_dock_snapshot", None),
+    ("of them pings and news", "wakes_ping_and_news", None),
+    ("wake-ups a minute beyond the known timers", "wakes_beyond", 0),
+]
+
 PACKAGES = [("grademark", "grademark", 3), ("@backtest/framework", "framework", 3)]
 FLOORS = [("a bare Node.js loop", "node"), ("a compiled loop", "compiled")]
 
@@ -208,11 +230,29 @@ def at_least(figure, value, text, least):
     line(figure, shown, f">= {least:g}", value is None or value < least)
 
 
+def pixel_lines(found):
+    measured = {name: float(value) for name, value in found.items()}
+    for figure, name, most in PIXEL:
+        limited(figure, measured.get(name), "{:.2f} ms", most, " ms")
+    for figure, name, most in WAKES:
+        limited(figure, measured.get(name), "{:.1f}", most)
+    for figure, ending in (("prices and clicks that nobody has seen", "_missed"),
+                           ("prices shown before they were sent", "_early")):
+        counts = [value for name, value in measured.items() if name.endswith(ending)]
+        limited(figure, sum(counts) if counts else None, "{:g}", 0)
+    grains = [value for name, value in measured.items() if name.endswith("_grain_p99_ms")]
+    limited("what such a time may be too long by, p99", max(grains, default=None), "{:.2f} ms", None)
+
+
 def main():
-    folder = Path(sys.argv[1])
-    times = medians(folder)
+    only_pixels = sys.argv[1] == "--pixel"
+    folder = Path(sys.argv[-1])
     print(f"| {'figure':<46} | {'measured':>10} | {'target':>9} |       |")
     print(f"|{'-' * 48}|{'-' * 11}:|{'-' * 10}:|-------|")
+    if only_pixels:
+        pixel_lines(values(folder / "pixel"))
+        return
+    times = medians(folder)
     for figure, above, below, most in ROWS:
         ratio = times[above] / times[below] if above in times and below in times else None
         limited(figure, ratio, "{:.2f}", most)
@@ -237,6 +277,7 @@ def main():
     start_up_lines(values(folder / "startup"))
     growths = [folder / f"growth-{name}" for name, _ in ACTIVITIES]
     memory_lines({name: value for path in (folder / "memory", *growths) for name, value in values(path).items()})
+    pixel_lines(values(folder / "pixel"))
     found = values(folder / "platform")
     for figure, name, unit, sign, limit in PLATFORM:
         figure = figure.format(kills=found.get("kills", "the"))

@@ -9,62 +9,27 @@
 
 #include "app/base/TerminalSettings.h"
 #include "mainwindow/ChartsLayout.h"
-#include "support/StubHttpServer.h"
+#include "scenes/StubPlatform.h"
+#include "scenes/Waiting.h"
+#include "scenes/WatchedProgram.h"
 
 #include <QApplication>
-#include <QDateTime>
 #include <QDir>
-#include <QElapsedTimer>
-#include <QFile>
-#include <QProcess>
-#include <QTcpSocket>
 #include <QTemporaryDir>
-#include <QTimer>
 #include <QWebSocket>
-#include <QWebSocketServer>
 #include <QWidget>
 
 #include <algorithm>
 #include <cstdio>
-#include <cstdlib>
-#include <ctime>
 #include <functional>
-#include <memory>
 #include <vector>
 
 using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr int patienceMs = 120'000;
 const QStringList chartSymbols{u"SYM00"_s, u"SYM01"_s, u"SYM02"_s, u"SYM03"_s};
 constexpr int symbolCount = 12;
-
-[[noreturn]] void giveUp(const QString& why)
-{
-    std::fprintf(stderr, "%s\n", qUtf8Printable(why));
-    std::exit(1);
-}
-
-qint64 monotonicNs()
-{
-    timespec now{};
-    clock_gettime(CLOCK_MONOTONIC, &now);
-    return now.tv_sec * 1'000'000'000LL + now.tv_nsec;
-}
-
-void waitUntil(const std::function<bool()>& met, const QString& what)
-{
-    QElapsedTimer clock;
-    clock.start();
-    QTimer pulse;
-    pulse.start(5);
-    while (!met()) {
-        if (clock.elapsed() > patienceMs)
-            giveUp(u"waited in vain for "_s + what);
-        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
-    }
-}
 
 void print(const QByteArray& name, double value)
 {
@@ -78,170 +43,11 @@ double median(std::vector<double> values)
     return values.at(values.size() / 2);
 }
 
-QString symbolName(int index)
-{
-    return u"SYM%1"_s.arg(index, 2, 10, QLatin1Char('0'));
-}
-
-QByteArray prices(int phase)
-{
-    QByteArray text;
-    for (int i = 0; i < symbolCount; ++i) {
-        const double bid = 1.1 + i * 0.1 + (phase * (i + 3) % 41) * 0.00001;
-        text += (i ? ",\"" : "\"") + symbolName(i).toLatin1() + "\":{\"bid\":"
-            + QByteArray::number(bid, 'f', 5) + ",\"ask\":" + QByteArray::number(bid + 0.0001, 'f', 5) + '}';
-    }
-    return '{' + text + '}';
-}
-
-QByteArray candles(int count)
-{
-    const QDateTime end = QDateTime::currentDateTimeUtc();
-    QByteArray text;
-    for (int i = 0; i < count; ++i) {
-        const double open = 1.1 + (i * 7 % 97) * 0.0001;
-        text += (i ? "," : "") + QByteArray("{\"timestamp\":\"")
-            + end.addSecs(900LL * (i - count)).toString(Qt::ISODateWithMs).toLatin1() + "\",\"open\":"
-            + QByteArray::number(open, 'f', 5) + ",\"high\":" + QByteArray::number(open + 0.0008, 'f', 5)
-            + ",\"low\":" + QByteArray::number(open - 0.0007, 'f', 5)
-            + ",\"close\":" + QByteArray::number(open + 0.0003, 'f', 5)
-            + ",\"volume\":" + QByteArray::number(100 + i % 50) + '}';
-    }
-    return '[' + text + ']';
-}
-
-/// The platform as far as the terminal asks it; keeps the last feed connection.
-class Platform final {
-public:
-    Platform()
-    {
-        QByteArray symbols;
-        for (int i = 0; i < symbolCount; ++i)
-            symbols += (i ? ",{\"name\":\"" : "{\"name\":\"") + symbolName(i).toLatin1() + "\",\"digits\":5}";
-        m_hello = QString::fromLatin1(
-            "{\"type\":\"hello\",\"symbols\":[" + symbols + "],\"prices\":" + prices(0) + '}');
-        m_http.on("GET", "/api/settings/public", StubAnswer::json("{\"settings\":{}}"));
-        m_http.on("POST", "/api/auth/login",
-            StubAnswer::json("{\"token\":\"secret-token-123\",\"email\":\"trader@example.test\"}"));
-        m_http.on("GET", "/api/accounts",
-            StubAnswer::json(
-                "[{\"id\":\"a1\",\"type\":\"DEMO\",\"status\":\"ACTIVE\",\"balance\":\"1000\"}]"));
-        for (const char* list : {"/api/trades/open", "/api/trades/pending", "/api/trades/history"})
-            m_http.on("GET", list, StubAnswer::json("[]"));
-        m_http.on("GET", "/api/candles", StubAnswer::json(candles(1000)));
-        QObject::connect(
-            &m_http, &StubHttpServer::requestReceived, &m_http, [this](const StubRequest& request) {
-                if (request.target == "/api/auth/login")
-                    acceptedAt = monotonicNs();
-                QMetaObject::invokeMethod(
-                    &m_http, [this] { m_http.clearRequests(); }, Qt::QueuedConnection);
-            });
-        m_http.setUpgradeHandler([this](QTcpSocket* socket) { m_feeds.handleConnection(socket); });
-        QObject::connect(&m_feeds, &QWebSocketServer::newConnection, &m_feeds, [this] {
-            client.reset(m_feeds.nextPendingConnection());
-            QObject::connect(client.get(), &QWebSocket::pong, &m_feeds, [this] { ++m_pongs; });
-            client->sendTextMessage(m_hello);
-            ++connections;
-        });
-    }
-
-    [[nodiscard]] QString url() const { return m_http.url(); }
-
-    /// Sends price snapshots, a few ahead of what the terminal has dealt with.
-    void sendSnapshots(int count)
-    {
-        constexpr int stride = 200;
-        for (int sent = 0; sent < count;) {
-            for (int i = 0; i < stride && sent < count; ++i, ++sent)
-                client->sendTextMessage(
-                    QString::fromLatin1("{\"type\":\"price_update\",\"data\":" + prices(++m_phase) + '}'));
-            const int before = m_pongs;
-            client->ping();
-            waitUntil([&] { return m_pongs > before; }, u"the snapshots to be read"_s);
-        }
-    }
-
-    qint64 acceptedAt = 0;
-    int connections = 0;
-    std::unique_ptr<QWebSocket> client;
-
-private:
-    StubHttpServer m_http;
-    QWebSocketServer m_feeds{u"bench"_s, QWebSocketServer::NonSecureMode};
-    QString m_hello;
-    int m_phase = 0;
-    int m_pongs = 0;
-};
-
-/// A program under the watcher's eyes. Ends with this object.
-class Watched final {
-    Q_DISABLE_COPY_MOVE(Watched)
-
-public:
-    explicit Watched(const QString& path)
-    {
-        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-        environment.insert(u"QT_PLUGIN_PATH"_s, QStringLiteral(PROBE_PLUGINS));
-        environment.insert(u"QT_QPA_GENERIC_PLUGINS"_s, u"tavoran-probe"_s);
-        m_program.setProcessEnvironment(environment);
-        m_program.setProcessChannelMode(QProcess::ForwardedErrorChannel);
-        startedAt = monotonicNs();
-        m_program.start(path, {});
-    }
-    ~Watched()
-    {
-        m_program.kill();
-        m_program.waitForFinished();
-    }
-
-    void tell(const QByteArray& errand) { m_program.write(errand + '\n'); }
-
-    /// The number at the end of the next line that starts so; earlier lines are dropped.
-    qint64 next(const QByteArray& start)
-    {
-        qint64 number = -1;
-        waitUntil(
-            [&] {
-                const bool ended = m_program.state() == QProcess::NotRunning;
-                while (number < 0 && m_program.canReadLine()) {
-                    const QByteArray line = m_program.readLine().trimmed();
-                    if (line.startsWith(start + ' '))
-                        number = line.mid(line.lastIndexOf(' ') + 1).toLongLong();
-                }
-                if (ended && number < 0)
-                    giveUp(u"the program ended by itself"_s);
-                return number >= 0;
-            },
-            QString::fromLatin1(start));
-        return number;
-    }
-
-    /// Sum of a field of the kernel's summary of the program's memory, in bytes.
-    [[nodiscard]] double memory(const QByteArray& field) const
-    {
-        QFile file(u"/proc/%1/smaps_rollup"_s.arg(m_program.processId()));
-        if (!file.open(QIODevice::ReadOnly))
-            giveUp(u"the kernel tells nothing about the program's memory"_s);
-        for (const QByteArray& line : file.readAll().split('\n')) {
-            if (line.startsWith(field + ':'))
-                return line.simplified().split(' ').value(1).toDouble() * 1024.0;
-        }
-        return 0.0;
-    }
-    /// Memory that is the program's alone and backed by no file, in bytes.
-    [[nodiscard]] double ownMemory() const { return memory("Anonymous") + memory("Swap"); }
-
-    qint64 startedAt = 0;
-
-private:
-    QProcess m_program;
-};
-
 const QString terminal = QStringLiteral(TERMINAL_PROGRAM);
 const QString bare = QStringLiteral(BARE_PROGRAM);
 
 /// Settings as an earlier run left them: four charts side by side.
-void writeSettings(const Platform& platform)
+void writeSettings(const StubPlatform& platform)
 {
     QList<SavedChart> charts;
     for (int i = 0; i < chartSymbols.size(); ++i) {
@@ -257,13 +63,6 @@ void writeSettings(const Platform& platform)
         giveUp(u"the settings could not be written"_s);
 }
 
-void pause(int milliseconds)
-{
-    bool over = false;
-    QTimer::singleShot(milliseconds, qApp, [&over] { over = true; });
-    waitUntil([&over] { return over; }, u"the time to pass"_s);
-}
-
 struct Times {
     double toSignIn = 0.0;
     double toWindow = 0.0; ///< from the accepted sign-in, ms
@@ -275,12 +74,12 @@ double ms(qint64 from, qint64 to)
     return static_cast<double>(to - from) / 1e6;
 }
 
-Times signIn(Watched& program, Platform& platform)
+Times signIn(WatchedProgram& program, StubPlatform& platform)
 {
     Times times;
     times.toSignIn = ms(program.startedAt, program.next("painted LoginDialog"));
     // As a person would, who types for longer; what the program still does by itself ends meanwhile.
-    pause(300);
+    pauseFor(300);
     program.tell("signin");
     times.toWindow = ms(platform.acceptedAt, program.next("painted MainWindow"));
     for (int i = 0; i < chartSymbols.size(); ++i)
@@ -290,7 +89,7 @@ Times signIn(Watched& program, Platform& platform)
 
 void measureStart(int rounds)
 {
-    Platform platform;
+    StubPlatform platform(symbolCount);
     std::vector<double> bares;
     std::vector<double> signIns;
     std::vector<double> windows;
@@ -299,11 +98,11 @@ void measureStart(int rounds)
     for (int round = 0; round <= rounds; ++round) {
         double bareMs = 0.0;
         {
-            Watched program(bare);
+            WatchedProgram program(bare);
             bareMs = ms(program.startedAt, program.next("painted QMainWindow"));
         }
         writeSettings(platform);
-        Watched program(terminal);
+        WatchedProgram program(terminal);
         const Times times = signIn(program, platform);
         if (round == 0)
             continue;
@@ -318,14 +117,14 @@ void measureStart(int rounds)
     print("charts_ms", median(charts));
 }
 
-qint64 journalRows(Watched& program)
+qint64 journalRows(WatchedProgram& program)
 {
     program.tell("rows");
     return program.next("rows");
 }
 
 /// Ends the feed connections and waits until the terminal is back with its charts reloaded.
-void reconnect(Watched& program, Platform& platform, int times)
+void reconnect(WatchedProgram& program, StubPlatform& platform, int times)
 {
     for (int i = 0; i < times; ++i) {
         const int before = platform.connections;
@@ -337,11 +136,11 @@ void reconnect(Watched& program, Platform& platform, int times)
 }
 
 /// What an activity leaves behind in MB, rows of the Journal aside.
-void measureGrowth(Watched& program, const QByteArray& name, int count, double bytesARow,
+void measureGrowth(WatchedProgram& program, const QByteArray& name, int count, double bytesARow,
     const std::function<void(int)>& act)
 {
     const auto sample = [&] {
-        pause(300);
+        pauseFor(300);
         return program.ownMemory() - bytesARow * static_cast<double>(journalRows(program));
     };
     act(std::max(10, count / 20)); // what is allocated once is no growth
@@ -356,7 +155,7 @@ void measureGrowth(Watched& program, const QByteArray& name, int count, double b
 }
 
 /// Bytes a row of the Journal, and how much longer a row takes late than early.
-void measureJournal(Watched& program, int rows)
+void measureJournal(WatchedProgram& program, int rows)
 {
     const auto add = [&](int count) {
         program.tell("journal " + QByteArray::number(count));
@@ -377,11 +176,11 @@ void measureJournal(Watched& program, int rows)
 
 void measureMemory(int rows)
 {
-    Platform platform;
+    StubPlatform platform(symbolCount);
     writeSettings(platform);
-    Watched program(terminal);
+    WatchedProgram program(terminal);
     signIn(program, platform);
-    pause(1000);
+    pauseFor(1000);
     print("pss_mb", program.memory("Pss") / 1e6);
     print("rss_mb", program.memory("Rss") / 1e6);
     measureJournal(program, rows);
@@ -389,15 +188,15 @@ void measureMemory(int rows)
 
 void measureGrowth(const QByteArray& activity, int count, double bytesARow)
 {
-    Platform platform;
-    const auto errand = [&activity](Watched& program, int n) {
+    StubPlatform platform(symbolCount);
+    const auto errand = [&activity](WatchedProgram& program, int n) {
         program.tell(activity + ' ' + QByteArray::number(n));
         program.next("done");
     };
     writeSettings(platform);
-    Watched program(terminal);
+    WatchedProgram program(terminal);
     signIn(program, platform);
-    pause(1000);
+    pauseFor(1000);
     measureGrowth(program, activity, count, bytesARow, [&](int n) {
         if (activity == "snapshots")
             platform.sendSnapshots(n);

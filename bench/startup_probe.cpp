@@ -9,6 +9,8 @@
 //   dialogs N             opens, paints and closes the order window;                         "done NS"
 //   journal N             adds rows to the visible Journal;                                  "done NS"
 //   rows                  how many rows the Journal has;                                     "rows N"
+//   places                where the charts and their buttons to buy are on the screen, each
+//                         "place chart SYMBOL X Y W H" or "place buy SYMBOL X Y W H"
 // NS is CLOCK_MONOTONIC, but the processor time used for an errand after "done".
 
 #include <QAbstractItemModel>
@@ -173,7 +175,32 @@ private:
             addRows();
         } else if (errand == "rows") {
             say("rows", {}, m_journal->model()->rowCount());
+        } else if (errand == "places") {
+            sayPlaces();
         }
+    }
+
+    void sayPlaces()
+    {
+        for (const QWidget* chart : m_window->findChildren<QWidget*>()) {
+            if (!chart->inherits("ChartWidget"))
+                continue;
+            // "Chart EURUSD,M15"
+            const QByteArray symbol = chart->accessibleName().section(u' ', 1).section(u',', 0, 0).toUtf8();
+            sayPlace("chart", symbol, *chart);
+            for (const QPushButton* button : chart->findChildren<QPushButton*>()) {
+                if (button->text().startsWith(u"BUY"_s))
+                    sayPlace("buy", symbol, *button);
+            }
+        }
+        std::fflush(stdout);
+    }
+
+    static void sayPlace(const char* what, const QByteArray& symbol, const QWidget& widget)
+    {
+        const QRect place(widget.mapToGlobal(QPoint(0, 0)), widget.size());
+        std::printf("place %s %s %d %d %d %d\n", what, symbol.constData(), place.x(), place.y(),
+            place.width(), place.height());
     }
 
     static void signIn()

@@ -15,6 +15,7 @@ TOUR_PACKAGES="xvfb xdotool openbox trayer dbus dbus-daemon at-spi2-core
 WIRE_PACKAGES="python3 python3-jsonschema python3-yaml"
 LAB_PACKAGES="python3 python3-numpy parallel" # a second opinion on the lab's figures; its chunks
 SOAK_PACKAGES="xvfb openbox libxcb-res0-dev python3 python3-numpy"
+PIXEL_PACKAGES="xvfb libxcb-xtest0-dev" # a screen that lies in a file, and a mouse for it
 FUZZ_PACKAGES="clang libclang-rt-dev" # libFuzzer and the sanitizers' run-time libraries
 PACKAGE_PACKAGES="dpkg-dev git"
 

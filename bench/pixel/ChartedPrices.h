@@ -1,0 +1,33 @@
+#pragma once
+
+#include <QByteArray>
+#include <QList>
+#include <QString>
+
+/// What the test platform says of its 500 symbols, of which the first ones have charts. A charted symbol
+/// takes one of a few prices, each of which looks different from every other; they are all within the candles
+/// of its history, so that no chart's scale changes with them.
+class ChartedPrices final {
+public:
+    static constexpr int symbols = 500;
+    static constexpr int prices = 8;
+
+    ChartedPrices();
+
+    [[nodiscard]] int of(int chart) const { return m_prices.at(chart); }
+    void set(int chart, int price) { m_prices[chart] = price; }
+    /// To another one than it has, by chance.
+    void change(int chart, quint32 chance);
+
+    /// A message with the quotes of these charts alone, from the first to the last of them.
+    [[nodiscard]] QString message(int first, int last) const;
+    /// The next message with the quotes of all symbols, of which each fifth has moved; that of the chart
+    /// named has not.
+    [[nodiscard]] QString snapshot(int still);
+
+private:
+    [[nodiscard]] QByteArray quote(int symbol) const;
+
+    QList<int> m_prices; ///< of all symbols
+    int m_phase = 0;
+};
