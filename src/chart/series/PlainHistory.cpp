@@ -59,9 +59,9 @@ public:
         return true;
     }
 
+    /// Whether a number begins here; blanks before it have been skipped.
     [[nodiscard]] bool takeNumber(double& number)
     {
-        skipBlanks();
         const char* const from = m_at;
         skipOne("-");
         const bool leadingZero = m_at != m_end && *m_at == '0';
