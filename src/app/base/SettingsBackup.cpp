@@ -45,12 +45,21 @@ SettingsBackup::State SettingsBackup::stateOf(const QByteArray& content) const
     return content.size() < saved.size() && saved.startsWith(content) ? State::Cut : State::Other;
 }
 
-bool SettingsBackup::beginSave()
+bool SettingsBackup::beginSave(const QByteArray& valuesDigest)
 {
-    if (QFile::exists(savingPath()) || moveFile(digestPath(), savingPath()))
-        return true;
+    const bool isThere = QFile::exists(savingPath()) || moveFile(digestPath(), savingPath());
     QFile mark;
-    return openPrivateFile(mark, savingPath(), QIODevice::WriteOnly | QIODevice::Truncate);
+    if (!openPrivateFile(mark, savingPath(), QIODevice::WriteOnly | QIODevice::Append))
+        return isThere;
+    // The digest before it stays as it is. Without room for this line a save that never ends is undone.
+    if (mark.resize(digestInMark().size()))
+        mark.write('\n' + valuesDigest);
+    return true;
+}
+
+bool SettingsBackup::wasToSave(const QByteArray& valuesDigest) const
+{
+    return contentOf(savingPath()).split('\n').value(1) == valuesDigest;
 }
 
 bool SettingsBackup::confirm(const QByteArray& content)
@@ -77,7 +86,7 @@ QByteArray SettingsBackup::copy() const
 bool SettingsBackup::vouchesFor(const QByteArray& content) const
 {
     const QByteArray digest = digestOf(content);
-    return contentOf(digestPath()) == digest || contentOf(savingPath()) == digest;
+    return contentOf(digestPath()) == digest || digestInMark() == digest;
 }
 
 bool SettingsBackup::putBack()
@@ -104,6 +113,11 @@ QString SettingsBackup::digestPath() const
 QString SettingsBackup::savingPath() const
 {
     return m_filePath + ".saving"_L1;
+}
+
+QByteArray SettingsBackup::digestInMark() const
+{
+    return contentOf(savingPath()).split('\n').constFirst();
 }
 
 void SettingsBackup::writeDigest(const QByteArray& content)

@@ -5,7 +5,8 @@
 
 /// What stands beside a settings file to tell whether it is whole, and to put it back: a copy of what was
 /// saved last, "….copy", and the digest of it, "….digest". While a save is under way the digest is called
-/// "….saving"; giving it another name needs no room, even on a full disk. All of them are private files.
+/// "….saving"; giving it another name needs no room, even on a full disk. Where there is room, a second line
+/// in it tells what is being saved. All of them are private files.
 class SettingsBackup final {
 public:
     explicit SettingsBackup(QString filePath);
@@ -19,9 +20,11 @@ public:
     /// What the content of the settings file is.
     [[nodiscard]] State stateOf(const QByteArray& content) const;
 
-    /// Leaves a mark that the file is about to be written. False when the mark cannot be left: then do not
-    /// write.
-    [[nodiscard]] bool beginSave();
+    /// Leaves a mark that the file is about to be written, with the digest of the values that it will hold.
+    /// False when the mark cannot be left: then do not write.
+    [[nodiscard]] bool beginSave(const QByteArray& valuesDigest);
+    /// Whether the save that began last was to leave these values; false too when there was no room for that.
+    [[nodiscard]] bool wasToSave(const QByteArray& valuesDigest) const;
     /// Makes `content`, which was read back from the settings file and found right, the copy. False when the
     /// copy could not be renewed.
     [[nodiscard]] bool confirm(const QByteArray& content);
@@ -43,6 +46,7 @@ public:
 private:
     [[nodiscard]] QString digestPath() const;
     [[nodiscard]] QString savingPath() const;
+    [[nodiscard]] QByteArray digestInMark() const;
     void writeDigest(const QByteArray& content);
 
     QString m_filePath;

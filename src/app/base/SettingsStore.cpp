@@ -8,7 +8,6 @@
 #include <QDir>
 #include <QFileInfo>
 
-#include <algorithm>
 #include <utility>
 
 using namespace Qt::StringLiterals;
@@ -153,6 +152,11 @@ void SettingsStore::repair()
     const State state = m_backup.stateOf(*content);
     if (state == State::Saved)
         return;
+    if (state == State::Unconfirmed && isWhatWasBeingSaved(*content)) {
+        // A terminal was killed before it had looked at it. Without room the mark stays, and does no harm.
+        static_cast<void>(m_backup.confirm(*content));
+        return;
+    }
     const QByteArray copy = m_backup.copy();
     const bool copyIsGood = !copy.isEmpty() && (m_backup.vouchesFor(copy) || !m_check.isDamaged(copy));
     // An edit by hand counts, unless it looks like a save that was cut: then the copy is put back, the edit
@@ -199,7 +203,20 @@ bool SettingsStore::mayWrite()
 {
     const std::optional<QByteArray> content = contentOf(m_filePath);
     const bool isWorthACopy = content && !content->isEmpty() && !m_fileIsSuspect;
-    return (!isWorthACopy || m_backup.copyFrom(*content)) && m_backup.beginSave();
+    return (!isWorthACopy || m_backup.copyFrom(*content)) && m_backup.beginSave(digestOf(valuesToCome()));
+}
+
+SettingsValues SettingsStore::valuesToCome() const
+{
+    m_settings->sync(); // another terminal may have saved
+    SettingsValues values = settingsValues(*m_settings);
+    for (auto change = m_changes.cbegin(); change != m_changes.cend(); ++change) {
+        if (change->has_value())
+            values.insert(change.key(), (*change)->toString());
+        else
+            values.remove(change.key());
+    }
+    return values;
 }
 
 void SettingsStore::writeChanges()
@@ -216,13 +233,18 @@ void SettingsStore::writeChanges()
 
 bool SettingsStore::matchesMemory(const QByteArray& content) const
 {
-    const auto isTheSame = [this](const QSettings& onDisk) {
-        const QStringList keys = m_settings->allKeys();
-        return onDisk.allKeys() == keys && std::all_of(keys.cbegin(), keys.cend(), [&](const QString& key) {
-            return onDisk.value(key).toString() == m_settings->value(key).toString();
-        });
-    };
-    return m_check.parsed(content, isTheSame).value_or(false);
+    return m_check
+        .parsed(content,
+            [this](const QSettings& onDisk) { return settingsValues(onDisk) == settingsValues(*m_settings); })
+        .value_or(false);
+}
+
+bool SettingsStore::isWhatWasBeingSaved(const QByteArray& content) const
+{
+    return m_check
+        .parsed(content,
+            [this](const QSettings& onDisk) { return m_backup.wasToSave(digestOf(settingsValues(onDisk))); })
+        .value_or(false);
 }
 
 QString SettingsStore::folder() const

@@ -2,6 +2,7 @@
 
 #include "app/base/SettingsBackup.h"
 #include "app/base/SettingsCheck.h"
+#include "app/base/SettingsValues.h"
 
 #include <QMap>
 #include <QSettings>
@@ -45,7 +46,9 @@ private:
     [[nodiscard]] bool setAside(const QByteArray& damaged) const;
     [[nodiscard]] bool mayWrite();
     void writeChanges();
+    [[nodiscard]] SettingsValues valuesToCome() const;
     [[nodiscard]] bool matchesMemory(const QByteArray& content) const;
+    [[nodiscard]] bool isWhatWasBeingSaved(const QByteArray& content) const;
     [[nodiscard]] QString folder() const;
 
     QString m_filePath;

@@ -153,6 +153,56 @@ private Q_SLOTS:
         QCOMPARE(again.value("ui/theme"_L1).toString(), u"dark"_s);
     }
 
+    void aWholeSaveThatNobodyLookedAtCounts()
+    {
+        saveAndEnd();
+        leaveAsKilledBeforeTheLook(layoutOf(3));
+        {
+            SettingsStore store(m_path);
+            QVERIFY(holdsEverything(store, {layoutOf(3)}));
+            QCOMPARE(contentOf(store.copyPath()), contentOf(m_path));
+            QCOMPARE(store.takeNotices(), QStringList());
+            QVERIFY(!QFile::exists(store.damagedPath()));
+        }
+        QVERIFY(!QFile::exists(m_path + u".saving"_s));
+        QCOMPARE(modeOf(m_path + u".digest"_s), 0600);
+    }
+
+    void aCutSaveIsUndoneWhateverItsMarkTells()
+    {
+        saveAndEnd();
+        const QByteArray before = contentOf(m_path);
+        leaveAsKilledBeforeTheLook(layoutOf(3));
+        const QByteArray mark = contentOf(m_path + u".saving"_s);
+        const QByteArray whole = contentOf(m_path);
+        for (qsizetype length = 0; length < whole.size() - 1; ++length) {
+            writeFile(m_path + u".copy"_s, before);
+            writeFile(m_path + u".saving"_s, mark);
+            QFile::remove(m_path + u".digest"_s);
+            writeFile(m_path, whole.first(length));
+            const SettingsStore store(m_path);
+            QVERIFY2(holdsEverything(store, {layoutOf(2)}), qPrintable(QString::number(length)));
+        }
+    }
+
+    void aMarkCutAnywhereUndoesTheSave()
+    {
+        saveAndEnd();
+        const QByteArray before = contentOf(m_path);
+        leaveAsKilledBeforeTheLook(layoutOf(3));
+        const QByteArray mark = contentOf(m_path + u".saving"_s);
+        const QByteArray whole = contentOf(m_path);
+        for (qsizetype length = 0; length < mark.size(); ++length) {
+            writeFile(m_path + u".copy"_s, before);
+            writeFile(m_path + u".saving"_s, mark.first(length));
+            QFile::remove(m_path + u".digest"_s);
+            writeFile(m_path, whole);
+            SettingsStore store(m_path);
+            QVERIFY2(holdsEverything(store, {layoutOf(2)}), qPrintable(QString::number(length)));
+            QCOMPARE(store.takeNotices().size(), 2);
+        }
+    }
+
     void aSaveThatNeverBeganIsNoReasonToUndo()
     {
         saveAndEnd();
@@ -200,6 +250,19 @@ private Q_SLOTS:
         QCOMPARE(store.value("ui/theme"_L1).toString(), u"dark"_s);
         QCOMPARE(store.takeNotices().size(), 2);
         QCOMPARE(contentOf(store.damagedPath()), "[auth]\nemail=a@b.example\n");
+    }
+
+private:
+    /// Everything with another layout: written, and the copy not renewed yet.
+    void leaveAsKilledBeforeTheLook(const QString& layout) const
+    {
+        const QByteArray before = contentOf(m_path);
+        const QByteArray digest = contentOf(m_path + u".digest"_s);
+        saveAndEnd(layout);
+        const QByteArray values = digestOf(settingsValues(QSettings(m_path, QSettings::NativeFormat)));
+        writeFile(m_path + u".copy"_s, before);
+        writeFile(m_path + u".saving"_s, digest + '\n' + values);
+        QFile::remove(m_path + u".digest"_s);
     }
 };
 
