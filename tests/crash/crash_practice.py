@@ -12,6 +12,8 @@ import subprocess
 import power_loss
 
 PATIENCE = 30  # seconds
+EMAIL = "trader@practice.local"
+PASSWORD = "practice"
 
 
 class Platform:
@@ -27,7 +29,8 @@ class Platform:
             self._process.kill()
             _, errors = self._process.communicate()
             raise RuntimeError(f"the platform does not start: {errors.decode()[:300]}")
-        self._line = http.client.HTTPConnection("127.0.0.1", int(line.rstrip().rsplit(":", 1)[1]), timeout=PATIENCE)
+        self.port = int(line.rstrip().rsplit(":", 1)[1])
+        self._line = http.client.HTTPConnection("127.0.0.1", self.port, timeout=PATIENCE)
         self.token = None
 
     def ask(self, method, target, body=None):
@@ -42,7 +45,7 @@ class Platform:
         return json.loads(content) if content else None
 
     def sign_in(self):
-        answer = self.ask("POST", "/api/auth/login", {"email": "trader@practice.local", "password": "practice"})
+        answer = self.ask("POST", "/api/auth/login", {"email": EMAIL, "password": PASSWORD})
         self.token = answer["token"]
 
     def account(self):

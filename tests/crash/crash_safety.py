@@ -1,7 +1,8 @@
 #!/usr/bin/env python3
 """Kills what saves, fills its disk and cuts its power, and looks at what is left.
 
-  crash_safety.py --tests FOLDER --bin FOLDER [--kills N] [--sizes N] [--losses N] [--seed N] [--only PIECE]...
+  crash_safety.py --tests FOLDER --bin FOLDER [--kills N] [--windows N] [--sizes N] [--losses N]
+  [--seed N] [--only PIECE]...
 
 Prints a line for each thing tried, and ends with 1 when any of it lost or mixed up what was saved.
 """
@@ -20,9 +21,10 @@ from pathlib import Path
 
 import crash_lab
 import crash_practice
+import crash_window
 import power_loss
 
-PIECES = ("kills", "disk", "power", "practice", "lab")
+PIECES = ("kills", "window", "disk", "power", "practice", "lab")
 PATIENCE = 20  # seconds that a program may take to answer
 
 
@@ -32,6 +34,7 @@ class Ground:
     def __init__(self, arguments, place):
         self.saver = Path(arguments.tests, "tavoran-crash-saver").resolve()
         self.disk = Path(arguments.tests, "tavoran-faulty-disk.so").resolve()
+        self.hands = Path(arguments.tests, "hands").resolve()
         self.bin = Path(arguments.bin).resolve()
         self.seed = arguments.seed
         self.place = Path(place)
@@ -167,8 +170,9 @@ def start_once(ground, file):
 
 
 def check_left_overs(ground, folder, where):
-    """What a start leaves: the settings, what belongs to them, and names that a person may have given."""
-    usual = {"Terminal.conf" + end for end in ("", ".copy", ".digest", ".saving", ".damaged")}
+    """What a start leaves: the settings, what belongs to them, and names that a person may have given. A kill cuts no
+    file, so nothing was set aside as damaged."""
+    usual = {"Terminal.conf" + end for end in ("", ".copy", ".digest", ".saving")}
     word = re.compile(r"Terminal\.conf(\.copy)?\.([A-Za-z][a-z]{5}|[A-Z]{6})")
     if more := {name for name in names_in(folder) if name not in usual and not word.fullmatch(name)}:
         ground.fault(f"{where}: left behind {sorted(more)[:5]}, {len(more)} in all")
@@ -273,6 +277,7 @@ def main():
     parser.add_argument("--tests", required=True, help="folder of the test programs")
     parser.add_argument("--bin", required=True, help="folder of the programs")
     parser.add_argument("--kills", type=int, default=1000)
+    parser.add_argument("--windows", type=int, default=1000, help="kills of the window itself")
     parser.add_argument("--operations", type=int, default=1000, help="at most so many operations are killed before")
     parser.add_argument("--sizes", type=int, default=0, help="of a full disk; 0 for each single one")
     parser.add_argument("--losses", type=int, default=500)
@@ -284,6 +289,8 @@ def main():
         ground = Ground(arguments, place)
         if "kills" in pieces:
             kills_while_saving(ground, arguments.kills)
+        if "window" in pieces:
+            check_left_overs(ground, crash_window.kills(ground, arguments.windows), "after the kills of the window")
         if not ground.disk.exists():
             ground.row("the rest is not tried: nothing can be preloaded before sanitizers")
             pieces = ()
