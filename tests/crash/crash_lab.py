@@ -20,7 +20,8 @@ function OnTick() {
 }
 """
 MARKET = ("Clock.js", "--seed", "1", "--symbol", "EURUSD", "--from", "2024-01-01", "--to", "2024-01-03")
-SWEEP = ("--set", "Every=5:24:1", "--set", "Points=30,40", "--jobs", "1", "--min-trades", "1")
+SETS = ("--set", "Every=5:24:1", "--set", "Points=30,40", "--min-trades", "1")
+SWEEP = (*SETS, "--jobs", "1")
 
 
 class Lab:
@@ -103,7 +104,7 @@ class Sweeps:
         done = self.lab.run("sweep", *SWEEP, "--out", "whole")
         if done.returncode != 0:
             raise RuntimeError(done.stderr[:300])
-        self._table = (self.lab.folder / "whole" / "sweep.csv").read_bytes()
+        self.table = (self.lab.folder / "whole" / "sweep.csv").read_bytes()
         self._sets = sets_in(self.lab.folder / "whole" / "sweep.sqlite")
 
     def judge(self, out, where):
@@ -122,7 +123,7 @@ class Sweeps:
         done = self.lab.run("sweep", *SWEEP, "--resume", "--out", out)
         if done.returncode != 0:
             self._ground.fault(f"{where}: does not go on: {done.stderr.strip()[:200]}")
-        elif (out / "sweep.csv").read_bytes() != self._table:
+        elif (out / "sweep.csv").read_bytes() != self.table:
             self._ground.fault(f"{where}: goes on to another end")
 
 
@@ -159,9 +160,90 @@ def losses_of_sweeps(ground, sweeps, count, chance):
                f"again, {ground.faults - before} faults")
 
 
+class Plan:
+    """A small sweep in two chunks, both of them done in `done`, and the judgement of what was cut short."""
+
+    SETS = ("--set", "Every=5:6:1", "--set", "Points=30,40", "--min-trades", "1")
+    CHUNK = "1"  # the one that is cut short
+
+    def __init__(self, ground):
+        self._ground = ground
+        self._lab = Lab(ground)
+        self._lab.run("sweep", *self.SETS, "--out", "whole")
+        self._table = (self._lab.folder / "whole" / "sweep.csv").read_bytes()
+        self.done = self._lab.folder / "done"
+        self._lab.run("plan", *self.SETS, "--chunks", "2", "--out", self.done / "p.json")
+        for chunk in ("1", "2"):
+            self._call("work", self.done / "p.json", chunk)
+        self._chunk = sets_in(self._chunk_in(self.done))
+        if not self._chunk:
+            raise RuntimeError("the lab makes no chunk of a plan")
+
+    def _chunk_in(self, folder):
+        return folder / f"p-{self.CHUNK}.sqlite"
+
+    def _call(self, *words, environment=None):
+        return subprocess.run([self._ground.bin / "tavoran-lab", *words], capture_output=True, text=True, timeout=300,
+                              env=environment or self._ground.environment(), check=False)
+
+    def begun(self, kind):
+        """A copy of the folder as it is before work at the chunk, or before the chunks are merged."""
+        folder = self._ground.folder()
+        shutil.copytree(self.done, folder)
+        if kind == "work":
+            self._chunk_in(folder).unlink()
+        return folder
+
+    def go_on(self, kind, folder, environment=None):
+        words = (self.CHUNK,) if kind == "work" else ("--out", folder / "out")
+        return self._call(kind, folder / "p.json", *words, environment=environment)
+
+    def judge(self, kind, folder, where):
+        """A chunk is whole or not in its place, and what was cut short goes on to the same end. The number of files
+        that are left besides."""
+        if kind == "work" and self._chunk_in(folder).exists() and sets_in(self._chunk_in(folder)) != self._chunk:
+            self._ground.fault(f"{where}: a chunk that is not whole stands in its place")
+        done = self.go_on(kind, folder)
+        if done.returncode != 0:
+            self._ground.fault(f"{where}: does not go on: {done.stderr.strip()[:200]}")
+        elif kind == "work" and sets_in(self._chunk_in(folder)) != self._chunk:
+            self._ground.fault(f"{where}: made again, the chunk differs")
+        elif kind == "merge" and (folder / "out" / "sweep.csv").read_bytes() != self._table:
+            self._ground.fault(f"{where}: merged again, the table differs")
+        return len({place.name for place in folder.iterdir()} - {place.name for place in self.done.iterdir()} - {"out"})
+
+
+def chunks_of_plans(ground, kills, losses, chance):
+    """Work at a chunk, and merging: killed before operations that are spread over the whole, and power losses."""
+    plan = Plan(ground)
+    for kind in ("work", "merge"):
+        before = ground.faults
+        folder = plan.begun(kind)
+        base = ground.folder()
+        shutil.copytree(folder, base)
+        journal = ground.place / f"journal-{kind}"
+        plan.go_on(kind, folder, ground.environment(folder, JOURNAL=journal))
+        operations = len(power_loss.read_journal(journal))
+        killed = left = 0
+        for turn in range(kills):
+            at = 1 + (turn * operations + chance.randrange(operations)) // kills
+            place = plan.begun(kind)
+            killed += plan.go_on(kind, place, ground.environment(place, KILL=at)).returncode < 0
+            left += plan.judge(kind, place, f"{kind} killed before operation {at}")
+            shutil.rmtree(place)
+        for size, lose in power_loss.losses(folder, journal, losses, chance.randrange(1 << 30), base):
+            place = ground.folder()
+            lose(place)
+            plan.judge(kind, place, f"{kind}, power lost after {size} bytes of its journal")
+            shutil.rmtree(place)
+        ground.row(f"chunks of a plan, {kind}: {killed} kills, {left} files left by them, {losses} power losses, "
+                   f"{ground.faults - before} faults")
+
+
 def all_of_it(ground, losses, kills):
     chance = random.Random(ground.seed)
     losses_of_results(ground, losses, chance)
     sweeps = Sweeps(ground)
     kills_of_sweeps(ground, sweeps, kills, chance)
-    losses_of_sweeps(ground, sweeps, max(4, losses // 10), chance)
+    losses_of_sweeps(ground, sweeps, max(2, losses // 10), chance)
+    chunks_of_plans(ground, max(1, losses // 20), max(1, losses // 20), chance)
