@@ -1485,6 +1485,10 @@ Built with Qt %2, running with Qt %3</source>
         <source>The damaged settings file is kept as %1.</source>
         <translation type="unfinished"></translation>
     </message>
+    <message>
+        <source>The settings file had entries that cannot be saved; they have been left out.</source>
+        <translation type="unfinished"></translation>
+    </message>
 </context>
 <context>
     <name>StatusPanel</name>

@@ -1495,6 +1495,10 @@ Erstellt mit Qt %2, ausgeführt mit Qt %3</translation>
         <source>The damaged settings file is kept as %1.</source>
         <translation>Die beschädigte Einstellungsdatei bleibt als %1 erhalten.</translation>
     </message>
+    <message>
+        <source>The settings file had entries that cannot be saved; they have been left out.</source>
+        <translation>Die Einstellungsdatei hatte Einträge, die sich nicht speichern lassen; sie wurden weggelassen.</translation>
+    </message>
 </context>
 <context>
     <name>StatusPanel</name>

@@ -51,6 +51,12 @@ bool looksWritten(const QByteArray& content)
         && !endsInsideQuotes(content);
 }
 
+/// Whether Qt can look the key up, which it does by another form where there are slashes too many.
+bool isReachable(const QString& key)
+{
+    return !key.isEmpty() && !key.startsWith(u'/') && !key.endsWith(u'/') && !key.contains("//"_L1);
+}
+
 /// Tells other terminals that the file is in use, until it is closed or this process ends in any way. True
 /// when no other terminal is using it.
 bool claim([[maybe_unused]] const QFile& file)
@@ -85,6 +91,80 @@ std::optional<bool> SettingsCheck::parsed(
 bool SettingsCheck::isDamaged(const QByteArray& content) const
 {
     return !looksWritten(content) || !parsed(content, [](const QSettings&) { return true; }).value_or(true);
+}
+
+std::optional<SettingsCheck::Entries> SettingsCheck::entriesOf(const QByteArray& content) const
+{
+    Entries entries;
+    const bool isRead = parsed(content, [&entries](const QSettings& settings) {
+        const QStringList keys = settings.allKeys();
+        for (const QString& key : keys)
+            entries.insert(key, settings.value(key).toString());
+        return true;
+    }).value_or(false);
+    return isRead ? std::optional(entries) : std::nullopt;
+}
+
+std::optional<QByteArray> SettingsCheck::savedAgain(
+    const QByteArray& content, const std::function<void(QSettings&)>& change) const
+{
+    QTemporaryFile file(m_folder + u'/' + prefix + "XXXXXX"_L1);
+    if (!file.open())
+        return std::nullopt;
+    claim(file);
+    if (file.write(content) != content.size() || !file.flush())
+        return std::nullopt;
+    QSettings settings(file.fileName(), QSettings::IniFormat);
+    change(settings);
+    settings.sync();
+    // Qt has put another file there.
+    QFile saved(file.fileName());
+    if (settings.status() != QSettings::NoError || !saved.open(QIODevice::ReadOnly))
+        return std::nullopt;
+    return saved.readAll();
+}
+
+bool SettingsCheck::areFound(const QByteArray& content, const Entries& entries) const
+{
+    // Qt reads a section when it is asked for a value there, and looks for it by its name.
+    return parsed(content, [&entries](const QSettings& settings) {
+        return std::all_of(entries.keyBegin(), entries.keyEnd(), [&](const QString& key) {
+            return !isReachable(key) || settings.value(key).toString() == entries[key];
+        });
+    }).value_or(true);
+}
+
+bool SettingsCheck::isSavedWhole(const QByteArray& content, Entries entries) const
+{
+    // Qt writes only where something has changed.
+    const QString another = u"Terminal/check"_s;
+    const std::optional<QByteArray> saved
+        = savedAgain(content, [&](QSettings& settings) { settings.setValue(another, u"1"_s); });
+    const std::optional<Entries> again = saved ? entriesOf(*saved) : std::nullopt;
+    entries.insert(another, u"1"_s);
+    return !again || *again == entries;
+}
+
+std::optional<QByteArray> SettingsCheck::partToSave(const QByteArray& content) const
+{
+    const std::optional<Entries> read = entriesOf(content);
+    if (!read || (areFound(content, *read) && isSavedWhole(content, *read)))
+        return std::nullopt;
+    const std::optional<QByteArray> part = savedAgain({}, [&](QSettings& settings) {
+        static_cast<void>(parsed(content, [&settings](const QSettings& from) {
+            const QStringList keys = from.allKeys();
+            for (const QString& key : keys) {
+                if (isReachable(key))
+                    settings.setValue(key, from.value(key));
+            }
+            return true;
+        }));
+    });
+    const std::optional<Entries> kept = part ? entriesOf(*part) : std::nullopt;
+    const bool isFaithful = kept && std::all_of(kept->keyBegin(), kept->keyEnd(), [&](const QString& key) {
+        return read->contains(key) && kept->value(key) == read->value(key);
+    });
+    return isFaithful ? part : std::nullopt;
 }
 
 void SettingsCheck::removeLeftOvers() const

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QByteArray>
+#include <QMap>
 #include <QString>
 
 #include <functional>
@@ -24,9 +25,22 @@ public:
     /// Content that there is no room to check counts as sound.
     [[nodiscard]] bool isDamaged(const QByteArray& content) const;
 
+    /// The content without the entries that Qt reads but does not write so that it would read them again,
+    /// such as one of a section whose name begins with a backslash; nothing when each entry can be saved, or
+    /// when there is no room to tell.
+    [[nodiscard]] std::optional<QByteArray> partToSave(const QByteArray& content) const;
+
     /// Removes the files that killed terminals have left; one that another terminal is using stays.
     void removeLeftOvers() const;
 
 private:
+    using Entries = QMap<QString, QString>;
+    [[nodiscard]] std::optional<Entries> entriesOf(const QByteArray& content) const;
+    [[nodiscard]] bool areFound(const QByteArray& content, const Entries& entries) const;
+    [[nodiscard]] bool isSavedWhole(const QByteArray& content, Entries entries) const;
+    /// What Qt makes of a file with this content when something in it changes.
+    [[nodiscard]] std::optional<QByteArray> savedAgain(
+        const QByteArray& content, const std::function<void(QSettings&)>& change) const;
+
     QString m_folder;
 };

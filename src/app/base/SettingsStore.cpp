@@ -144,18 +144,30 @@ void SettingsStore::makePrivate()
 
 void SettingsStore::repair()
 {
+    // In a folder that cannot be written nothing can be checked or repaired.
+    if (!QFileInfo(folder()).isWritable())
+        return;
+    const QByteArray damaged = repairDamage();
+    if (leaveOutUnsaved(damaged) || !damaged.isEmpty())
+        m_notices.append(
+            notice(QT_TRANSLATE_NOOP("SettingsStore", "The damaged settings file is kept as %1."))
+                .arg(damagedPath()));
+}
+
+/// Gives what was set aside.
+QByteArray SettingsStore::repairDamage()
+{
     using State = SettingsBackup::State;
     const std::optional<QByteArray> content = contentOf(m_filePath);
-    // In a folder that cannot be written nothing can be checked or repaired.
-    if (!content || !QFileInfo(folder()).isWritable())
-        return;
+    if (!content)
+        return {};
     const State state = m_backup.stateOf(*content);
     if (state == State::Saved)
-        return;
+        return {};
     if (state == State::Unconfirmed && isWhatWasBeingSaved(*content)) {
         // A terminal was killed before it had looked at it. Without room the mark stays, and does no harm.
         static_cast<void>(m_backup.confirm(*content));
-        return;
+        return {};
     }
     const QByteArray copy = m_backup.copy();
     const bool copyIsGood = !copy.isEmpty() && (m_backup.vouchesFor(copy) || !m_check.isDamaged(copy));
@@ -163,12 +175,12 @@ void SettingsStore::repair()
     // is kept aside, and the trader is told.
     const bool lacksSomething = copyIsGood && (state == State::Unconfirmed || state == State::Cut);
     if (!lacksSomething && !m_check.isDamaged(*content))
-        return;
+        return {};
     if (content->isEmpty() && !copyIsGood)
-        return; // The first start.
+        return {}; // The first start.
     if (copyIsGood) {
         if (!m_backup.putBack())
-            return;
+            return {};
         m_notices.append(notice(QT_TRANSLATE_NOOP(
             "SettingsStore", "The settings file was damaged; its last good copy has been put back.")));
     }
@@ -176,14 +188,26 @@ void SettingsStore::repair()
     if (!copyIsGood) {
         // The file is emptied only once its content is kept aside.
         if (!isKept || !replacePrivateFile(m_filePath, {}))
-            return;
+            return {};
         m_notices.append(notice(QT_TRANSLATE_NOOP("SettingsStore",
             "The settings file was damaged and there was no good copy; default settings are used.")));
     }
-    if (isKept)
-        m_notices.append(
-            notice(QT_TRANSLATE_NOOP("SettingsStore", "The damaged settings file is kept as %1."))
-                .arg(damagedPath()));
+    return isKept ? *content : QByteArray();
+}
+
+/// Entries that Qt cannot write as it has read them would have each save refused. No terminal has saved them.
+bool SettingsStore::leaveOutUnsaved(const QByteArray& damaged)
+{
+    const std::optional<QByteArray> content = contentOf(m_filePath);
+    if (!content || content->isEmpty() || m_backup.vouchesFor(*content))
+        return false;
+    const std::optional<QByteArray> part = m_check.partToSave(*content);
+    const QByteArray before = damaged.isEmpty() ? damaged : damaged + '\n';
+    if (!part || !setAside(before + *content) || !replacePrivateFile(m_filePath, *part))
+        return false;
+    m_notices.append(notice(QT_TRANSLATE_NOOP(
+        "SettingsStore", "The settings file had entries that cannot be saved; they have been left out.")));
+    return true;
 }
 
 bool SettingsStore::setAside(const QByteArray& damaged) const

@@ -43,6 +43,8 @@ public:
 private:
     void makePrivate();
     void repair();
+    [[nodiscard]] QByteArray repairDamage();
+    [[nodiscard]] bool leaveOutUnsaved(const QByteArray& damaged);
     [[nodiscard]] bool setAside(const QByteArray& damaged) const;
     [[nodiscard]] bool mayWrite();
     void writeChanges();

@@ -105,6 +105,83 @@ private Q_SLOTS:
         QCOMPARE(store.takeNotices().size(), 2);
     }
 
+    void anEntryThatCannotBeSavedIsLeftAside_data()
+    {
+        QTest::addColumn<QByteArray>("odd");
+        QTest::addColumn<bool>("isLeftOut");
+        QTest::newRow("a section that begins with a backslash")
+            << QByteArray("[\\ui]\ntheme=light\n") << true;
+        QTest::newRow("a section that ends with one") << QByteArray("[ui\\]\ntheme=light\n") << true;
+        QTest::newRow("bytes that are no text")
+            << QByteArray("[\\\x88\xba[[General]\nalerts=\"[\x85\xa3\xdd\x9e\"\n") << true;
+        QTest::newRow("no section") << QByteArray("[General]\n\\theme=light\n") << true;
+        // These come back as they were.
+        QTest::newRow("a name that begins with one") << QByteArray("[ui]\n\\theme=light\n") << false;
+        QTest::newRow("a name that ends with one") << QByteArray("[ui]\ntheme\\=light\n") << false;
+        QTest::newRow("two in a name") << QByteArray("[ui]\na\\\\b=light\n") << false;
+        QTest::newRow("no name") << QByteArray("[ui]\n=light\n") << false;
+        QTest::newRow("one in a name") << QByteArray("[ui]\na\\b=light\n") << false;
+        QTest::newRow("a name of the world") << QByteArray("[\xc3\xbc]\n%U20AC=light\n") << false;
+    }
+    void anEntryThatCannotBeSavedIsLeftAside()
+    {
+        QFETCH(QByteArray, odd);
+        QFETCH(bool, isLeftOut);
+        saveAndEnd();
+        const QByteArray edited = contentOf(m_path) + odd;
+        writeFile(m_path, edited);
+        {
+            SettingsStore store(m_path);
+            QVERIFY(holdsEverything(store, {layoutOf(2)}));
+            store.setValue("ui/theme"_L1, u"light"_s);
+            QVERIFY(store.sync());
+            const QStringList notices = store.takeNotices();
+            QCOMPARE(notices.size(), isLeftOut ? 2 : 0);
+            QCOMPARE(QFile::exists(store.damagedPath()), isLeftOut);
+            if (isLeftOut) {
+                QCOMPARE(notices.constFirst(),
+                    u"The settings file had entries that cannot be saved; they have been left out."_s);
+                QVERIFY(notices.constLast().contains(store.damagedPath()));
+                QVERIFY(contentOf(store.damagedPath()).endsWith(odd));
+                QVERIFY(!contentOf(store.damagedPath()).contains("token"));
+                QCOMPARE(modeOf(store.damagedPath()), 0600);
+                QCOMPARE(modeOf(m_path), 0600);
+            }
+        }
+        SettingsStore store(m_path);
+        QCOMPARE(store.takeNotices(), QStringList());
+        QCOMPARE(store.value("ui/theme"_L1).toString(), u"light"_s);
+    }
+
+    void anEntryThatCannotBeSavedAppearsBetweenTwoSaves()
+    {
+        SettingsStore store(m_path);
+        saveEverything(store, layoutOf(2));
+        QVERIFY(store.sync());
+        writeFile(m_path, contentOf(m_path) + "[\\ui]\nodd=1\n");
+        store.setValue("ui/theme"_L1, u"light"_s);
+        QVERIFY(store.sync());
+        QCOMPARE(store.takeNotices().size(), 2);
+        QVERIFY(holdsEverything(store, {layoutOf(2)}));
+    }
+
+    void aCopyWithAnEntryThatCannotBeSavedIsPutBackWithoutIt()
+    {
+        saveAndEnd();
+        const QByteArray odd = contentOf(m_path) + "[\\ui]\nodd=1\n";
+        // As it was left where such a file was saved: the save had begun, and was never confirmed.
+        QVERIFY(QFile::rename(m_path + u".digest"_s, m_path + u".saving"_s));
+        writeFile(m_path + u".copy"_s, odd);
+        writeFile(m_path, "[ui]\ntheme=dark\n");
+        SettingsStore store(m_path);
+        QVERIFY(holdsEverything(store, {layoutOf(2)}));
+        QCOMPARE(store.takeNotices().size(), 3);
+        QVERIFY(contentOf(store.damagedPath()).startsWith("[ui]\ntheme=dark\n"));
+        QVERIFY(contentOf(store.damagedPath()).endsWith("odd=1\n"));
+        store.setValue("ui/theme"_L1, u"light"_s);
+        QVERIFY(store.sync());
+    }
+
     void theDamagedFileSetAsideHoldsNoToken()
     {
         QVERIFY(QDir().mkpath(QFileInfo(m_path).path()));
