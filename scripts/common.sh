@@ -16,7 +16,7 @@ WIRE_PACKAGES="python3 python3-jsonschema python3-yaml"
 LAB_PACKAGES="python3 python3-numpy parallel" # a second opinion on the lab's figures; its chunks
 SOAK_PACKAGES="xvfb openbox libxcb-res0-dev python3 python3-numpy"
 PIXEL_PACKAGES="xvfb libxcb-xtest0-dev" # a screen that lies in a file, and a mouse for it
-FUZZ_PACKAGES="clang libclang-rt-dev" # libFuzzer and the sanitizers' run-time libraries
+FUZZ_PACKAGES="clang libclang-rt-dev lld" # libFuzzer and the sanitizers' run-time libraries; a quick linker
 PACKAGE_PACKAGES="dpkg-dev git"
 
 CLANG_FORMAT_VERSION=14 # what the sources are laid out with; Debian 12 has it, later ones have not

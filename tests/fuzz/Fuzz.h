@@ -1,5 +1,7 @@
 #pragma once
 
+#include "fuzz/Target.h"
+
 #include <cstddef>
 #include <cstdint>
 #include <cstdio>
@@ -7,8 +9,7 @@
 #include <string_view>
 #include <utility>
 
-/// What every fuzz target shares. A target is one function, LLVMFuzzerTestOneInput(), which reads the bytes
-/// as the program would and demands what has to hold of whatever comes.
+/// What every fuzz target shares.
 namespace fuzz {
 
 /// Ends the program where something does not hold; the fuzzer keeps the input as a finding.
@@ -36,5 +37,3 @@ inline std::string_view takeLine(std::string_view& text)
 }
 
 } // namespace fuzz
-
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size);

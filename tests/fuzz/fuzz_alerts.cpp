@@ -7,6 +7,8 @@
 
 using fuzz::demand;
 
+namespace fuzz_alerts {
+
 namespace {
 
 /// The rule as a person would put it.
@@ -17,9 +19,7 @@ bool isReached(const PriceAlert& alert, const PriceSnapshot& prices)
     return bid > 0.0 && !alert.triggered && (alert.above ? bid >= alert.price : bid <= alert.price);
 }
 
-} // namespace
-
-int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
+int attempt(const std::uint8_t* data, std::size_t size)
 {
     std::string_view text = fuzz::textOf(data, size);
     const QString saved = fuzz::stringOf(fuzz::takeLine(text));
@@ -46,3 +46,9 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
     }
     return 0;
 }
+
+const fuzz::Target target("alerts", &attempt);
+
+} // namespace
+
+} // namespace fuzz_alerts

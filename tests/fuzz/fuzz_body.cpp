@@ -10,6 +10,8 @@
 
 using fuzz::demand;
 
+namespace fuzz_body {
+
 namespace {
 
 /// What a field's reader gives, or nothing where it refuses the field; a refusal has to be a proper answer.
@@ -40,9 +42,7 @@ void readField(const practice::BodyReader& body, const char* name)
     static_cast<void>(taken([&] { return body.optionalText(name); }));
 }
 
-} // namespace
-
-int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
+int attempt(const std::uint8_t* data, std::size_t size)
 {
     const std::string text(fuzz::textOf(data, size));
     const auto body = taken([&] { return practice::BodyReader(text); });
@@ -59,3 +59,9 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
     }
     return 0;
 }
+
+const fuzz::Target target("body", &attempt);
+
+} // namespace
+
+} // namespace fuzz_body

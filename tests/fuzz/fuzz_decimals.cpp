@@ -11,6 +11,8 @@
 
 using fuzz::demand;
 
+namespace fuzz_decimals {
+
 namespace {
 
 struct Field {
@@ -73,9 +75,7 @@ void show(double number, int digits)
     demand(formatGeneral(number).size() <= 16, "the general form is short");
 }
 
-} // namespace
-
-int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
+int attempt(const std::uint8_t* data, std::size_t size)
 {
     const QString text = fuzz::stringOf(fuzz::textOf(data, size));
     readTyped(text);
@@ -87,3 +87,9 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
     show(jsonNumber(text), digits);
     return 0;
 }
+
+const fuzz::Target target("decimals", &attempt);
+
+} // namespace
+
+} // namespace fuzz_decimals

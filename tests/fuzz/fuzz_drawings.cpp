@@ -8,6 +8,8 @@
 
 using fuzz::demand;
 
+namespace fuzz_drawings {
+
 namespace {
 
 QJsonDocument asRead(const QJsonArray& records)
@@ -26,9 +28,7 @@ QJsonArray recordsOf(const QList<Drawing>& drawings)
     return records;
 }
 
-} // namespace
-
-int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
+int attempt(const std::uint8_t* data, std::size_t size)
 {
     const QJsonDocument document = QJsonDocument::fromJson(fuzz::bytesOf(fuzz::textOf(data, size)));
     const QList<Drawing> drawings = readDrawings(document);
@@ -46,3 +46,9 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
         mergeDrawings(drawings, drawings, {}).size() >= drawings.size(), "no drawing of the server is lost");
     return 0;
 }
+
+const fuzz::Target target("drawings", &attempt);
+
+} // namespace
+
+} // namespace fuzz_drawings

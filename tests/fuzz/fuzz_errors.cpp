@@ -10,6 +10,8 @@
 using fuzz::demand;
 using namespace Qt::StringLiterals;
 
+namespace fuzz_errors {
+
 namespace {
 
 void demandSound(const ScriptError& error, qsizetype lines)
@@ -19,15 +21,7 @@ void demandSound(const ScriptError& error, qsizetype lines)
     demand(error.line >= 0 && error.line <= lines, "an error's line is one of the script's");
 }
 
-} // namespace
-
-/// The engine keeps its values where the search for leaks does not look.
-extern "C" const char* __asan_default_options()
-{
-    return "detect_leaks=0";
-}
-
-int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
+int attempt(const std::uint8_t* data, std::size_t size)
 {
     static int count = 0;
     static char* none = nullptr;
@@ -53,4 +47,16 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
     demandSound(*error,
         1 + script.count(u'\n') + script.count(u'\r') + script.count(u'\u2028') + script.count(u'\u2029'));
     return 0;
+}
+
+const fuzz::Target target("errors", &attempt);
+
+} // namespace
+
+} // namespace fuzz_errors
+
+/// The engine keeps its values where the search for leaks does not look.
+extern "C" const char* __asan_default_options()
+{
+    return "detect_leaks=0";
 }

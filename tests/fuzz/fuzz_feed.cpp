@@ -12,6 +12,8 @@
 
 using fuzz::demand;
 
+namespace fuzz_feed {
+
 namespace {
 
 /// Some symbols have few decimals, some impossibly many; which ones depends on the name alone.
@@ -75,9 +77,7 @@ void readEvent(const QJsonObject& event)
     static_cast<void>(event::state(event));
 }
 
-} // namespace
-
-int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
+int attempt(const std::uint8_t* data, std::size_t size)
 {
     const QByteArray utf8 = fuzz::stringOf(fuzz::textOf(data, size)).toUtf8();
     const QJsonObject message = QJsonDocument::fromJson(utf8).object();
@@ -102,3 +102,9 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
     }
     return 0;
 }
+
+const fuzz::Target target("feed", &attempt);
+
+} // namespace
+
+} // namespace fuzz_feed

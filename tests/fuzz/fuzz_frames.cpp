@@ -15,6 +15,8 @@ using fuzz::demand;
 namespace beast = boost::beast;
 namespace http = boost::beast::http;
 
+namespace fuzz_frames {
+
 namespace {
 
 constexpr std::size_t mostMessages = 64;
@@ -30,9 +32,7 @@ http::request<http::empty_body> handshake()
     return request;
 }
 
-} // namespace
-
-int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
+int attempt(const std::uint8_t* data, std::size_t size)
 {
     boost::asio::io_context context;
     beast::websocket::stream<beast::test::stream> stream(context);
@@ -57,3 +57,9 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
     }
     return 0;
 }
+
+const fuzz::Target target("frames", &attempt);
+
+} // namespace
+
+} // namespace fuzz_frames

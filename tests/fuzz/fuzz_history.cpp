@@ -8,6 +8,8 @@
 
 using fuzz::demand;
 
+namespace fuzz_history {
+
 namespace {
 
 constexpr qint64 now = 1'700'000'000'000;
@@ -31,9 +33,7 @@ void demandOrder(const CandleSeries& series)
         demand(series.candles()[i - 1].time < series.candles()[i].time, "candles ascend");
 }
 
-} // namespace
-
-int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
+int attempt(const std::uint8_t* data, std::size_t size)
 {
     const QByteArray json = fuzz::bytesOf(fuzz::textOf(data, size));
     for (const int digits : {5, 0}) {
@@ -62,3 +62,9 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
     demand(isoTimeMs(text) >= 0, "no time lies before the epoch");
     return 0;
 }
+
+const fuzz::Target target("history", &attempt);
+
+} // namespace
+
+} // namespace fuzz_history

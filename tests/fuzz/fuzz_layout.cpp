@@ -9,6 +9,8 @@
 
 using fuzz::demand;
 
+namespace fuzz_layout {
+
 namespace {
 
 bool areEqual(const SavedChart& a, const SavedChart& b)
@@ -59,9 +61,7 @@ void readPanes(const QString& text)
     readGeometry(panes->popup);
 }
 
-} // namespace
-
-int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
+int attempt(const std::uint8_t* data, std::size_t size)
 {
     const QString text = fuzz::stringOf(fuzz::textOf(data, size));
     const QList<SavedChart> charts = readChartsLayout(text);
@@ -79,3 +79,9 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
     readGeometry(fuzz::bytesOf(fuzz::textOf(data, size)));
     return 0;
 }
+
+const fuzz::Target target("layout", &attempt);
+
+} // namespace
+
+} // namespace fuzz_layout

@@ -14,6 +14,8 @@ using fuzz::demand;
 using practice::MinuteFile;
 using practice::MinuteRecord;
 
+namespace fuzz_minutes {
+
 namespace {
 
 const std::string& name()
@@ -78,9 +80,7 @@ void demandSame(const MinuteFile& a, const MinuteFile& b)
     }
 }
 
-} // namespace
-
-int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
+int attempt(const std::uint8_t* data, std::size_t size)
 {
     MinuteFile file;
     try {
@@ -95,3 +95,9 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
     demandSame(read(textOf(file)), file);
     return 0;
 }
+
+const fuzz::Target target("minutes", &attempt);
+
+} // namespace
+
+} // namespace fuzz_minutes

@@ -6,7 +6,11 @@
 
 using fuzz::demand;
 
-int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
+namespace fuzz_news {
+
+namespace {
+
+int attempt(const std::uint8_t* data, std::size_t size)
 {
     const QByteArray json = fuzz::bytesOf(fuzz::textOf(data, size));
     const NewsReply reply = NewsReply::read(QJsonDocument::fromJson(json));
@@ -23,3 +27,9 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
     }
     return 0;
 }
+
+const fuzz::Target target("news", &attempt);
+
+} // namespace
+
+} // namespace fuzz_news

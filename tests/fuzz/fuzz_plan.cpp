@@ -7,7 +7,11 @@
 
 using fuzz::demand;
 
-int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
+namespace fuzz_plan {
+
+namespace {
+
+int attempt(const std::uint8_t* data, std::size_t size)
 {
     static const fuzz::Folder folder;
     const std::filesystem::path file = folder.write("plan.json", fuzz::textOf(data, size));
@@ -32,3 +36,9 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
         "a plan comes back as it was written");
     return 0;
 }
+
+const fuzz::Target target("plan", &attempt);
+
+} // namespace
+
+} // namespace fuzz_plan

@@ -8,6 +8,8 @@
 
 using fuzz::demand;
 
+namespace fuzz_records {
+
 namespace {
 
 void readAccount(const QJsonObject& record)
@@ -51,9 +53,7 @@ void readTrade(const QJsonObject& record)
         static_cast<void>(text.size());
 }
 
-} // namespace
-
-int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
+int attempt(const std::uint8_t* data, std::size_t size)
 {
     const QJsonArray rows = QJsonDocument::fromJson(fuzz::bytesOf(fuzz::textOf(data, size))).array();
     for (const QJsonValue row : rows) {
@@ -62,3 +62,9 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
     }
     return 0;
 }
+
+const fuzz::Target target("records", &attempt);
+
+} // namespace
+
+} // namespace fuzz_records

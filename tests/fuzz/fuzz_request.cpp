@@ -16,6 +16,8 @@
 using fuzz::demand;
 namespace http = boost::beast::http;
 
+namespace fuzz_request {
+
 namespace {
 
 std::string_view view(boost::beast::string_view text)
@@ -107,9 +109,7 @@ void guard(const http::request<http::string_body>& request)
     demand(!facts.hasBody || lower(facts.contentType).starts_with("application/json"), "a body is JSON");
 }
 
-} // namespace
-
-int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
+int attempt(const std::uint8_t* data, std::size_t size)
 {
     readTarget(fuzz::textOf(data, size));
 
@@ -133,3 +133,9 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
     readTarget(view(request.target()));
     return 0;
 }
+
+const fuzz::Target target("request", &attempt);
+
+} // namespace
+
+} // namespace fuzz_request

@@ -9,6 +9,8 @@
 
 using fuzz::demand;
 
+namespace fuzz_result {
+
 namespace {
 
 std::string_view takePart(std::string_view& text)
@@ -47,9 +49,7 @@ void demandWritable(const lab::SavedRun& run, const fuzz::Folder& folder, std::s
     demand(lab::equityCsv(once) == equity, "equity is written as it was read");
 }
 
-} // namespace
-
-int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
+int attempt(const std::uint8_t* data, std::size_t size)
 {
     static const fuzz::Folder folder;
     std::string_view text = fuzz::textOf(data, size);
@@ -69,3 +69,9 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
     demandWritable(*run, folder, summary);
     return 0;
 }
+
+const fuzz::Target target("result", &attempt);
+
+} // namespace
+
+} // namespace fuzz_result

@@ -10,6 +10,8 @@
 
 using fuzz::demand;
 
+namespace fuzz_session {
+
 namespace {
 
 void follow(lab::SessionFile& session)
@@ -41,9 +43,7 @@ void follow(lab::SessionFile& session)
     demand(!session.next(), "the end stays the end");
 }
 
-} // namespace
-
-int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
+int attempt(const std::uint8_t* data, std::size_t size)
 {
     static const fuzz::Folder folder;
     const std::filesystem::path file = folder.write("session.txt", fuzz::textOf(data, size));
@@ -56,3 +56,9 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
     }
     return 0;
 }
+
+const fuzz::Target target("session", &attempt);
+
+} // namespace
+
+} // namespace fuzz_session

@@ -9,6 +9,8 @@
 using fuzz::demand;
 using namespace Qt::StringLiterals;
 
+namespace fuzz_texts {
+
 namespace {
 
 constexpr qsizetype shortest = 5; // pieces of a secret that would be noticed
@@ -34,9 +36,7 @@ bool breaksSurrogate(const QString& text)
     return text.size() > 1 && text.back() == u'…' && text.at(text.size() - 2).isHighSurrogate();
 }
 
-} // namespace
-
-int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
+int attempt(const std::uint8_t* data, std::size_t size)
 {
     static const bool isKept = [] {
         keepSecret(secret());
@@ -69,3 +69,9 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
     demand(!menuText(text).remove(u"&&"_s).contains(u'&'), "a menu's text has no key");
     return 0;
 }
+
+const fuzz::Target target("texts", &attempt);
+
+} // namespace
+
+} // namespace fuzz_texts

@@ -11,7 +11,11 @@
 
 using fuzz::demand;
 
-int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
+namespace fuzz_trades {
+
+namespace {
+
+int attempt(const std::uint8_t* data, std::size_t size)
 {
     std::optional<lab::RunResult> result;
     try {
@@ -37,3 +41,9 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
         "each trade is one line");
     return 0;
 }
+
+const fuzz::Target target("trades", &attempt);
+
+} // namespace
+
+} // namespace fuzz_trades
