@@ -51,6 +51,22 @@ TEST_CASE("a daily loss of five percent fails the challenge, closes and cancels 
     CHECK(!desk.place(Desk::market("challenge", "EURUSD", "BUY", 0.01)).accepted());
 }
 
+TEST_CASE("what a challenge that has failed still holds is closed with the first prices for it")
+{
+    Desk before;
+    const std::string id = before.sell("challenge", "GBPUSD", 0.01);
+    const std::string order = before.id(Desk::pending("challenge", "GBPUSD", "BUY_LIMIT", 1, 1.2));
+    BrokerState state = before.broker.state();
+    state.accounts[2].status = AccountStatus::Failed;
+    Desk desk(state, false);
+    const ChangeSet changes = desk.prices(fixtureQuotes());
+    REQUIRE(changes.trades.size() == 2);
+    CHECK(tradeIn(changes, id).status == TradeStatus::Closed);
+    CHECK_EQ(tradeIn(changes, id).closeReason, CloseReason::Risk);
+    CHECK(tradeIn(changes, order).status == TradeStatus::Cancelled);
+    CHECK(desk.prices(fixtureQuotes()).empty());
+}
+
 TEST_CASE("losses of several days fail the account at ten percent of the initial balance")
 {
     std::vector<Account> accounts = fixtureAccounts();

@@ -32,6 +32,9 @@ TEST_CASE("a quotient is rounded as it is, not as the nearest number in binary")
     CHECK_EQ(roundQuotient({2, 1}, {3}), 1);
     CHECK_EQ(roundQuotient({0}, {7}), 0);
     CHECK_EQ(roundQuotient({7, 1'000'000'007}, {1'000'000'007}), 7);
+    // However little is missing: in binary these are 126.5 and -126.5.
+    CHECK_EQ(roundQuotient({252'999'999'999'999'999}, {2'000'000'000'000'000}), 126);
+    CHECK_EQ(roundQuotient({-252'999'999'999'999'999}, {2'000'000'000'000'000}), -126);
 }
 
 TEST_CASE("quotients beyond every sum of money are limited, and products too long for exactness still near")
