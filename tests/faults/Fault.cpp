@@ -1,6 +1,48 @@
 #include "faults/Fault.h"
 
+#include <algorithm>
+
 namespace faults {
+
+namespace {
+
+/// A fault, and when a request and the feed can meet it.
+struct Row {
+    Fault fault;
+    const char* name;
+    QList<Moment> ofRequests;
+    QList<Moment> ofTheFeed;
+};
+
+const QList<Row>& table()
+{
+    using enum Moment;
+    static const QList<Row> rows{
+        {Fault::Refused, "refused", allMoments(), allMoments()},
+        {Fault::Reset, "reset", allMoments(), allMoments()},
+        {Fault::Cut, "cut", allMoments(), allMoments()},
+        {Fault::BlackHole, "black hole", allMoments(), allMoments()},
+        {Fault::Drip, "drip", {Headers, Body}, {Headers, Body}},
+        {Fault::Crumbs, "crumbs", {Headers, Body}, {Headers, Body}},
+        {Fault::TooLong, "length too long", {Headers, Body}, {Body}},
+        {Fault::TooShort, "length too short", {Body}, {Body}},
+        {Fault::Duplicate, "duplicate", {Headers, Body, Between}, {Headers, Between}},
+        {Fault::OutOfOrder, "out of order", {Connecting, Headers, Body}, {Between}},
+        {Fault::ServerError, "server error", {Connecting, Headers, Between}, {Headers}},
+        {Fault::Html, "web page", {Connecting, Headers, Body}, {Headers}},
+        {Fault::Redirect, "redirect", {Connecting, Headers}, {Headers}},
+        {Fault::BrokenTls, "broken TLS", allMoments(), allMoments()},
+        {Fault::GzipBomb, "gzip bomb", {Headers, Body}, {Headers}},
+    };
+    return rows;
+}
+
+const Row& rowOf(Fault fault)
+{
+    return *std::ranges::find(table(), fault, &Row::fault);
+}
+
+} // namespace
 
 const QList<Moment>& allMoments()
 {
@@ -10,9 +52,12 @@ const QList<Moment>& allMoments()
 
 const QList<Fault>& allFaults()
 {
-    static const QList<Fault> all{Fault::Refused, Fault::Reset, Fault::Cut, Fault::BlackHole, Fault::Drip,
-        Fault::Crumbs, Fault::TooLong, Fault::TooShort, Fault::Duplicate, Fault::OutOfOrder,
-        Fault::ServerError, Fault::Html, Fault::Redirect, Fault::BrokenTls, Fault::GzipBomb};
+    static const QList<Fault> all = [] {
+        QList<Fault> faults;
+        for (const Row& row : table())
+            faults.append(row.fault);
+        return faults;
+    }();
     return all;
 }
 
@@ -33,97 +78,17 @@ const char* nameOf(Moment moment)
 
 const char* nameOf(Fault fault)
 {
-    switch (fault) {
-    case Fault::Refused:
-        return "refused";
-    case Fault::Reset:
-        return "reset";
-    case Fault::Cut:
-        return "cut";
-    case Fault::BlackHole:
-        return "black hole";
-    case Fault::Drip:
-        return "drip";
-    case Fault::Crumbs:
-        return "crumbs";
-    case Fault::TooLong:
-        return "length too long";
-    case Fault::TooShort:
-        return "length too short";
-    case Fault::Duplicate:
-        return "duplicate";
-    case Fault::OutOfOrder:
-        return "out of order";
-    case Fault::ServerError:
-        return "server error";
-    case Fault::Html:
-        return "web page";
-    case Fault::Redirect:
-        return "redirect";
-    case Fault::BrokenTls:
-        return "broken TLS";
-    case Fault::GzipBomb:
-        return "gzip bomb";
-    }
-    return "";
+    return rowOf(fault).name;
 }
 
 bool canMeet(Fault fault, Moment moment)
 {
-    switch (fault) {
-    case Fault::Refused:
-    case Fault::Reset:
-    case Fault::Cut:
-    case Fault::BlackHole:
-    case Fault::BrokenTls:
-        return true;
-    case Fault::Drip:
-    case Fault::Crumbs:
-    case Fault::TooLong:
-    case Fault::GzipBomb:
-        return moment == Moment::Headers || moment == Moment::Body;
-    case Fault::TooShort:
-        return moment == Moment::Body;
-    case Fault::Duplicate:
-        return moment != Moment::Connecting;
-    case Fault::OutOfOrder:
-        return moment != Moment::Between;
-    case Fault::ServerError:
-        return moment != Moment::Body;
-    case Fault::Html:
-        return moment != Moment::Between;
-    case Fault::Redirect:
-        return moment == Moment::Connecting || moment == Moment::Headers;
-    }
-    return false;
+    return rowOf(fault).ofRequests.contains(moment);
 }
 
 bool feedCanMeet(Fault fault, Moment moment)
 {
-    switch (fault) {
-    case Fault::Refused:
-    case Fault::Reset:
-    case Fault::Cut:
-    case Fault::BlackHole:
-    case Fault::BrokenTls:
-        return true;
-    case Fault::Drip:
-    case Fault::Crumbs:
-        return moment == Moment::Headers || moment == Moment::Body;
-    case Fault::TooLong:
-    case Fault::TooShort:
-        return moment == Moment::Body;
-    case Fault::Duplicate:
-        return moment == Moment::Headers || moment == Moment::Between;
-    case Fault::OutOfOrder:
-        return moment == Moment::Between;
-    case Fault::ServerError:
-    case Fault::Html:
-    case Fault::Redirect:
-    case Fault::GzipBomb:
-        return moment == Moment::Headers;
-    }
-    return false;
+    return rowOf(fault).ofTheFeed.contains(moment);
 }
 
 } // namespace faults
