@@ -128,6 +128,21 @@ private Q_SLOTS:
         QCOMPARE(scene.at(*place).rightBarIndex, 0.0);
     }
 
+    void a_view_beyond_the_bars_stands_so_far_from_the_newest()
+    {
+        const std::vector<Candle> all = wave(60);
+        ChartScene scene;
+        scene.setCandles(all);
+        ViewState back = scene.withAutoScroll(false);
+        back.rightBarIndex = 50.0;
+        scene.setState(back);
+        scene.setCandles({all.begin(), all.begin() + 20}); // the view stays where it is
+        const auto place = scene.place();
+        QVERIFY(place);
+        QCOMPARE(place->time, barTime(19));
+        QCOMPARE(place->beyond, 31.0);
+    }
+
     void there_is_no_place_while_following_or_without_bars()
     {
         QVERIFY(!sceneOf(30).place());
