@@ -170,7 +170,10 @@ private Q_SLOTS:
         gestures.armRuler(true);
         QCOMPARE(gestures.press(chart.ground(), inPlot).taker, Taker::Ruler);
         QVERIFY(!gestures.letGo());
-        QVERIFY(gestures.ruler().span());
+        const auto span = gestures.ruler().span();
+        QVERIFY(span);
+        gestures.drag(chart.view, inPlot + QPoint(0, 30)); // nothing is held any more
+        QCOMPARE(gestures.ruler().span(), span);
         gestures.armRuler(false);
         chart.addLevel();
         QCOMPARE(gestures.press(chart.ground(), inPlot).taker, Taker::Level);
