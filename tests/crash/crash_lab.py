@@ -199,8 +199,7 @@ class Plan:
         return self._call(kind, folder / "p.json", *words, environment=environment)
 
     def judge(self, kind, folder, where):
-        """A chunk is whole or not in its place, and what was cut short goes on to the same end. The number of files
-        that are left besides."""
+        """A chunk is whole or not in its place, and what was cut short goes on to the same end and leaves nothing."""
         if kind == "work" and self._chunk_in(folder).exists() and sets_in(self._chunk_in(folder)) != self._chunk:
             self._ground.fault(f"{where}: a chunk that is not whole stands in its place")
         done = self.go_on(kind, folder)
@@ -210,7 +209,9 @@ class Plan:
             self._ground.fault(f"{where}: made again, the chunk differs")
         elif kind == "merge" and (folder / "out" / "sweep.csv").read_bytes() != self._table:
             self._ground.fault(f"{where}: merged again, the table differs")
-        return len({place.name for place in folder.iterdir()} - {place.name for place in self.done.iterdir()} - {"out"})
+        usual = {place.name for place in self.done.iterdir()} | {"out"}
+        if left := {place.name for place in folder.iterdir()} - usual:
+            self._ground.fault(f"{where}: left behind {sorted(left)}")
 
 
 def chunks_of_plans(ground, kills, losses, chance):
@@ -224,20 +225,19 @@ def chunks_of_plans(ground, kills, losses, chance):
         journal = ground.place / f"journal-{kind}"
         plan.go_on(kind, folder, ground.environment(folder, JOURNAL=journal))
         operations = len(power_loss.read_journal(journal))
-        killed = left = 0
+        killed = 0
         for turn in range(kills):
             at = 1 + (turn * operations + chance.randrange(operations)) // kills
             place = plan.begun(kind)
             killed += plan.go_on(kind, place, ground.environment(place, KILL=at)).returncode < 0
-            left += plan.judge(kind, place, f"{kind} killed before operation {at}")
+            plan.judge(kind, place, f"{kind} killed before operation {at}")
             shutil.rmtree(place)
         for size, lose in power_loss.losses(folder, journal, losses, chance.randrange(1 << 30), base):
             place = ground.folder()
             lose(place)
             plan.judge(kind, place, f"{kind}, power lost after {size} bytes of its journal")
             shutil.rmtree(place)
-        ground.row(f"chunks of a plan, {kind}: {killed} kills, {left} files left by them, {losses} power losses, "
-                   f"{ground.faults - before} faults")
+        ground.row(f"chunks of a plan, {kind}: {killed} kills, {losses} power losses, {ground.faults - before} faults")
 
 
 def all_of_it(ground, losses, kills):

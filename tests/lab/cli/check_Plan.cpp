@@ -5,6 +5,8 @@
 
 #include <csignal>
 #include <sqlite3.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 using Result = LabProcess::Result;
 
@@ -172,6 +174,33 @@ TEST_CASE("a chunk that is stopped leaves nothing under its name, and says so")
     CHECK(contains(stopped.errors, "tavoran-lab: stopped; chunk 1 is not whole, and nothing of it is kept"));
     CHECK((study.filesIn(".") == std::set<std::string>{"Clock.js", "EURUSD-1m.csv", "c.plan.json"}));
     CHECK(contains(merge(study, "m").errors, "missing chunks: 1"));
+}
+
+TEST_CASE("what a killed work has left of a chunk goes when the chunk is worked at again")
+{
+    const StudyFolder study;
+    CHECK_EQ(planned(study, "2").exitCode, 0);
+    const pid_t gone = ::fork();
+    if (gone == 0)
+        ::_exit(0);
+    CHECK_EQ(::waitpid(gone, nullptr, 0), gone);
+    char host[256] = {};
+    CHECK_EQ(::gethostname(host, sizeof host - 1), 0);
+    const auto draft = [&](const std::string& chunk, const std::string& machine, pid_t process) {
+        const std::string name = ".c.plan-" + chunk + ".sqlite." + machine + '.' + std::to_string(process);
+        study.write(name, "half");
+        return name;
+    };
+    const std::string left = draft("1", host, gone);
+    study.write(left + "-journal", "half");
+    const std::string another = draft("2", host, gone);
+    const std::string alive = draft("1", host, ::getpid());
+    const std::string elsewhere = draft("1", "another-" + std::string(host), gone);
+    study.write(left + ".kept", "by a person");
+    CHECK_EQ(work(study, "1").exitCode, 0);
+    CHECK((study.filesIn(".")
+        == std::set<std::string>{"Clock.js", "EURUSD-1m.csv", "c.plan.json", "c.plan-1.sqlite", another,
+            alive, elsewhere, left + ".kept"}));
 }
 
 TEST_CASE("a chunk with fewer sets than its part of the plan is refused, and made whole by its work")
