@@ -197,4 +197,35 @@ TEST_CASE("a price, a volume or a closing that is another one is a difference")
     }));
 }
 
+TEST_CASE("a change that is not told of is missed at the very next prices or command")
+{
+    const TemporaryFolder folder;
+    live(1, folder / "session", folder.path());
+    lab::SessionFile file(folder / "session");
+    std::vector<lab::SessionEvent> events;
+    while (std::optional<lab::SessionEvent> event = file.next())
+        events.push_back(std::move(*event));
+    const auto missedBefore = [&](const auto& isNext) {
+        lab::BrokerReplay replay(file.start());
+        bool left = false;
+        for (std::size_t i = 0; i + 1 < events.size(); ++i) {
+            const bool isRecord = std::holds_alternative<lab::TradeEvent>(events[i].what)
+                || std::holds_alternative<lab::AccountEvent>(events[i].what);
+            if (!left && isRecord && isNext(events[i + 1])) {
+                left = true;
+                continue;
+            }
+            const std::optional<lab::Difference> difference = replay.take(events[i]);
+            if (difference || left)
+                return left && difference && difference->recorded == "nothing";
+        }
+        return false;
+    };
+    CHECK(missedBefore(
+        [](const lab::SessionEvent& event) { return std::holds_alternative<lab::PricesEvent>(event.what); }));
+    CHECK(missedBefore([](const lab::SessionEvent& event) {
+        return std::holds_alternative<lab::CommandEvent>(event.what);
+    }));
+}
+
 CHECK_MAIN()
