@@ -16,6 +16,11 @@ constexpr qint32 largestVolume = 1'000;
 } // namespace
 
 LiveChart::LiveChart(QSize size, std::size_t loaded, double barWidth)
+    : LiveChart(size, newestOf(loaded), barWidth)
+{
+}
+
+LiveChart::LiveChart(QSize size, std::vector<Candle> candles, double barWidth)
 {
     m_chart.resize(size);
     m_chart.setSymbolInfo(u"EURUSD"_s, u"M15"_s, u"Euro / US Dollar"_s);
@@ -23,11 +28,11 @@ LiveChart::LiveChart(QSize size, std::size_t loaded, double barWidth)
         {IndicatorKind::Ema, 50, QColor(0x4f, 0xc3, 0xf7)},
         {IndicatorKind::Sma, 100, QColor(0xba, 0x68, 0xc8)}});
     m_chart.setPane(IndicatorKind::Rsi, true, 14);
-    m_chart.setCandles(newestOf(loaded));
+    m_chart.setCandles(std::move(candles));
     while (m_chart.barWidth() > barWidth)
         m_chart.zoomOut();
     m_mid = m_chart.candles().back().close;
-    m_chart.onTick(m_mid - halfSpread, m_mid + halfSpread, m_chart.candles().back().time);
+    tick(m_mid - halfSpread, m_mid + halfSpread);
     m_chart.show();
     QCoreApplication::processEvents();
     m_chart.repaint();
@@ -56,8 +61,18 @@ void LiveChart::pointerFrame()
 void LiveChart::tickFrame()
 {
     const double mid = m_mid + (++m_step % 2 == 0 ? point : 0.0);
-    m_chart.onTick(mid - halfSpread, mid + halfSpread, m_chart.candles().back().time);
+    tickFrame(mid - halfSpread, mid + halfSpread);
+}
+
+void LiveChart::tickFrame(double bid, double ask)
+{
+    tick(bid, ask);
     paintWhatChanged();
+}
+
+void LiveChart::tick(double bid, double ask)
+{
+    m_chart.onTick(bid, ask, m_chart.candles().back().time);
 }
 
 void LiveChart::largestTickFrame()
@@ -78,5 +93,15 @@ void LiveChart::panFrame()
     }
     ++m_step;
     sendMouse(QEvent::MouseMove, QPoint(420 + m_step % 400, 500), Qt::LeftButton);
+    paintWhatChanged();
+}
+
+void LiveChart::endPan()
+{
+    if (!m_panning)
+        return;
+    m_panning = false;
+    sendMouse(QEvent::MouseButtonRelease, QPoint(420, 500), Qt::NoButton);
+    m_chart.scrollToEnd();
     paintWhatChanged();
 }
