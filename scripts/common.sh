@@ -17,6 +17,7 @@ LAB_PACKAGES="python3 python3-numpy parallel" # a second opinion on the lab's fi
 SOAK_PACKAGES="xvfb openbox libxcb-res0-dev python3 python3-numpy"
 PIXEL_PACKAGES="xvfb libxcb-xtest0-dev" # a screen that lies in a file, and a mouse for it
 FUZZ_PACKAGES="clang libclang-rt-dev lld" # libFuzzer and the sanitizers' run-time libraries; a quick linker
+PEERS_PACKAGES="chromium xvfb fonts-dejavu-core libqcustomplot-dev python3" # charts beside the terminal's
 PACKAGE_PACKAGES="dpkg-dev git"
 
 CLANG_FORMAT_VERSION=14 # what the sources are laid out with; Debian 12 has it, later ones have not
@@ -46,6 +47,22 @@ install_packages() {
     "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive \
         apt-get -q -y install --no-install-recommends "${missing[@]}" >/dev/null \
         || fail "apt-get could not install: ${missing[*]}"
+}
+
+# install_from_npm FOLDER: copies it into build/ and installs there what its lock file names; says so if it cannot.
+install_from_npm() {
+    local folder=$1 installed
+    installed=build/$(basename "$folder")/node_modules/.package-lock.json
+    mkdir -p build
+    cp -r "$folder" build/
+    if ! command -v npm >/dev/null; then
+        say "There is no npm here; the figures of what it would bring will be missing"
+    elif ! [ "$installed" -nt "$folder/package-lock.json" ]; then
+        # Scripts of packages would fetch more, which nothing here needs.
+        (cd "build/$(basename "$folder")" \
+            && timeout 180 npm ci --ignore-scripts --no-audit --no-fund --loglevel=error --fetch-retries=1) \
+            || say "npm could not install the packages; their figures will be missing"
+    fi
 }
 
 # build_preset PRESET [TARGET...]: configures when needed and builds, with visible progress.
