@@ -190,7 +190,7 @@ void MarketWatchWidget::appendSymbol(const QJsonObject& record)
     auto* item = new QuoteItem(m_look, name, symbol::description(record), digits);
     m_list->addTopLevelItem(item);
     const double dailyOpen = priceOrNone(symbol::dailyOpen(record), digits);
-    m_symbolRows.insert(name, {item, digits, 0.0, 0.0, dailyOpen});
+    m_symbolRows.insert(name, {item, m_list->topLevelItemCount() - 1, digits, 0.0, 0.0, dailyOpen});
     m_symbolSpecs.insert(name, record);
 }
 
@@ -205,16 +205,25 @@ void MarketWatchWidget::updatePrices(const QJsonObject& prices)
 void MarketWatchWidget::showQuotes(const PriceSnapshot& prices)
 {
     refreshLook();
-    bool changed = false;
+    // One repaint for the whole snapshot, of the rows that it has changed. Announcing the change through the
+    // model would make the view work out the place of every cell, which costs more than all the rest.
+    const QRect viewport = m_list->viewport()->rect();
+    const QRect topRow = isVisible() ? m_list->visualRect(m_list->model()->index(0, 0)) : QRect();
+    QRegion changed;
     for (const PriceSnapshot::Entry& entry : prices.entries()) {
         const auto row = m_symbolRows.find(entry.symbol);
-        if (row != m_symbolRows.end() && applyQuote(*row, entry.quote))
-            changed = true;
+        if (row == m_symbolRows.end() || !applyQuote(*row, entry.quote))
+            continue;
+        if (const QRect shown = place(*row, topRow) & viewport; !shown.isEmpty())
+            changed += shown;
     }
-    // One repaint for the whole snapshot. Announcing the change through the model would make the view
-    // work out the place of every cell, which costs more than all the rest.
-    if (changed)
-        m_list->viewport()->update();
+    if (!changed.isEmpty())
+        m_list->viewport()->update(changed);
+}
+
+QRect MarketWatchWidget::place(const SymbolRow& row, const QRect& topRow) const
+{
+    return {0, topRow.top() + row.number * topRow.height(), m_list->viewport()->width(), topRow.height()};
 }
 
 void MarketWatchWidget::markStale()

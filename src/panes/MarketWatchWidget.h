@@ -59,6 +59,7 @@ protected:
 private:
     struct SymbolRow {
         QuoteItem* item = nullptr; ///< owned by the list
+        int number = 0;            ///< from the top of the list
         int digits = usualPriceDigits;
         double lastBid = 0.0; ///< 0 until the first price
         double lastAsk = 0.0;
@@ -69,6 +70,8 @@ private:
     void activate(const QTreeWidgetItem* item);
     void appendSymbol(const QJsonObject& record);
     [[nodiscard]] static bool applyQuote(SymbolRow& row, const Quote& quote);
+    /// Where the row is in the viewport, which need not reach that far.
+    [[nodiscard]] QRect place(const SymbolRow& row, const QRect& topRow) const;
     void showPage(int index);
     void showDetails(const QString& symbol);
     void refreshLook();

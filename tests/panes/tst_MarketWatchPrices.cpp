@@ -6,6 +6,7 @@
 #include "support/TestMain.h"
 
 #include <QAccessible>
+#include <QScrollBar>
 
 using namespace Qt::StringLiterals;
 using fixtures::colorOf;
@@ -227,6 +228,46 @@ private Q_SLOTS:
         watch.widget.updatePrices(records::prices({{"EURUSD", 1, 2}, {"OIL", 1, 2}, {"GOLD", 1, 2}}));
         watch.quote(1.5, 2.5);
         QTRY_COMPARE(paints.count(), 1);
+    }
+
+    void prices_are_painted_in_their_rows_alone()
+    {
+        QJsonArray symbols;
+        for (int i = 0; i < 100; ++i)
+            symbols.append(records::symbol(u"S%1"_s.arg(i, 2, 10, QLatin1Char('0'))));
+        Watch watch(symbols);
+        QVERIFY(QTest::qWaitForWindowExposed(&watch.widget));
+        const auto rowOf = [&watch](const QString& name) {
+            const QRect row = watch.list->visualItemRect(watch.row(name));
+            return QRegion(0, row.top(), watch.list->viewport()->width(), row.height());
+        };
+        PaintCounter paints(*watch.list->viewport());
+        QTRY_VERIFY(watch.list->verticalScrollBar()->isVisible());
+        QTRY_COMPARE(paints.taken(), 0);
+        watch.widget.updatePrices(records::prices({{"S01", 1, 2}, {"S03", 1, 2}, {"S99", 1, 2}}));
+        QCOMPARE(paints.taken(), 1);
+        QCOMPARE(paints.region(), rowOf(u"S01"_s) + rowOf(u"S03"_s));
+
+        watch.list->scrollToItem(watch.row(u"S50"_s), QAbstractItemView::PositionAtTop);
+        QTRY_COMPARE(paints.taken(), 0);
+        watch.widget.updatePrices(records::prices({{"S01", 3, 4}, {"S50", 3, 4}}));
+        QCOMPARE(paints.taken(), 1);
+        QCOMPARE(paints.region(), rowOf(u"S50"_s));
+
+        watch.widget.updatePrices(records::prices({{"S01", 5, 6}, {"S99", 5, 6}}));
+        QCOMPARE(paints.taken(), 0);
+    }
+
+    void a_price_right_after_the_list_is_painted_in_its_new_place()
+    {
+        Watch watch;
+        QVERIFY(QTest::qWaitForWindowExposed(&watch.widget));
+        QCoreApplication::processEvents();
+        watch.widget.setSymbols({records::symbol("GOLD"), records::symbol("OIL"), records::symbol("EURUSD")});
+        const PaintCounter paints(*watch.list->viewport());
+        watch.quote(1, 2);
+        QTRY_VERIFY(paints.count() > 0);
+        QVERIFY(paints.region().contains(watch.list->visualItemRect(watch.row(u"EURUSD"_s)).center()));
     }
 };
 
