@@ -31,14 +31,17 @@ QByteArray symbolName(int index)
     return "SYM" + QByteArray::number(1000 + index);
 }
 
-/// Messages of one symbol each, by turns, and an event behind them.
-std::vector<QByteArray> priceMessages(int count)
+/// Messages of one symbol each, by turns, and an event behind them. Each may have so many bytes that say
+/// nothing.
+std::vector<QByteArray> priceMessages(int count, qsizetype padding = 0)
 {
+    const QByteArray head = padding > 0
+        ? "{\"pad\":\"" + QByteArray(padding, 'x') + "\",\"type\":\"price_update\",\"data\":{\""
+        : QByteArray("{\"type\":\"price_update\",\"data\":{\"");
     std::vector<QByteArray> texts;
     for (int i = 0; i < count; ++i) {
         const double bid = 1.1 + (i / symbols % 100) * 0.00001;
-        texts.push_back("{\"type\":\"price_update\",\"data\":{\"" + symbolName(i % symbols)
-            + "\":{\"bid\":" + QByteArray::number(bid, 'f', 5)
+        texts.push_back(head + symbolName(i % symbols) + "\":{\"bid\":" + QByteArray::number(bid, 'f', 5)
             + ",\"ask\":" + QByteArray::number(bid + 0.0001, 'f', 5) + "}}}");
     }
     texts.push_back(R"({"type":"orders_changed"})");
@@ -134,8 +137,8 @@ public:
     {
         QElapsedTimer clock;
         clock.start();
-        m_watch.start();
         m_source.send(texts, batch);
+        m_watch.start(); // without the making of what is sent
         m_turn.exec();
         m_watch.stop(state);
         state.counters["whole_ms"] = static_cast<double>(clock.elapsed());
@@ -149,15 +152,20 @@ private:
     TurnWatch m_watch;
 };
 
-void receive(benchmark::State& state, int messages, int aMillisecond)
+void receive(benchmark::State& state, int messages, int aMillisecond, qsizetype padding = 0)
 {
-    const std::vector<QByteArray> texts = priceMessages(messages);
+    const std::vector<QByteArray> texts = priceMessages(messages, padding);
     Desk desk;
     for ([[maybe_unused]] auto _ : state)
         desk.receive(state, texts, aMillisecond);
 }
 
 BENCHMARK_CAPTURE(receive, burst, 50'000, 0)->Name("feed/burst_50000")->Iterations(1)->UseRealTime();
+// More than may wait to be read.
+BENCHMARK_CAPTURE(receive, overload, 100'000, 0, 400)
+    ->Name("feed/overload_100000")
+    ->Iterations(1)
+    ->UseRealTime();
 BENCHMARK_CAPTURE(receive, steady, 15'000, 5)
     ->Name("feed/steady_5000_a_second")
     ->Iterations(1)

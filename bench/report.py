@@ -48,6 +48,7 @@ SHARES = [
 GAPS = [
     # figure, benchmark, the longest time between two turns of the event loop in ms
     ("longest gap, 50 000 messages at once", "feed/burst_50000", 50),
+    ("longest gap, more messages than may wait", "feed/overload_100000", 50),
     ("longest gap, 5 000 messages a second, 20 charts", "feed/steady_5000_a_second", 30),
 ]
 SNAPSHOTS_A_SECOND = ("snapshots of 2 000 a second, all moved", "snapshot/2000_moved_all", 30)
