@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <chrono>
 #include <cstdlib>
+#include <string_view>
 #include <utility>
 
 namespace faults {
@@ -18,6 +19,8 @@ using practice::Way;
 namespace {
 
 const std::string headEnd = "\r\n\r\n";
+/// How the request of a feed begins.
+constexpr std::string_view feedTarget = "GET /ws/";
 constexpr std::chrono::microseconds dribbleStep{300};
 constexpr std::size_t dripBytes = 10;
 
@@ -217,7 +220,7 @@ void HttpFaultScript::pass(Way way, std::string bytes, LineCarrier& carrier)
 void HttpFaultScript::takeRequest(const std::string& request)
 {
     const auto& plan = m_state.plan;
-    m_isFeed = request.starts_with("GET /ws/");
+    m_isFeed = request.starts_with(feedTarget);
     m_matched = plan && request.starts_with(plan->target);
     if (m_matched && plan->moment == Moment::Between && m_exchanges > 0) {
         switch (plan->fault) {
@@ -404,7 +407,7 @@ void HttpFaultScript::takeFrame(const std::string& frame)
         return;
     }
     const bool text = (static_cast<unsigned char>(frame[0]) & 0x0fU) == 1;
-    if (!plan || !text)
+    if (!plan || !text || !plan->target.starts_with(feedTarget))
         answer(frame);
     else if (plan->moment == Moment::Between && plan->fault == Fault::Duplicate) {
         struck();
