@@ -15,7 +15,6 @@
 #include <QJsonDocument>
 #include <QLabel>
 #include <QLineEdit>
-#include <QPixmapCache>
 #include <QPushButton>
 #include <QTreeView>
 
@@ -235,8 +234,6 @@ void Soak::rest()
     // A dialog may have come back with an answer.
     m_trader->closeOpenWindows();
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-    // Qt's cache of pictures fills up to 10 MB, also with those of icons that have gone, and then stays so.
-    QPixmapCache::clear();
     const Sampler::Sample sample = m_sampler->take(true);
     if (m_lastRests > 0)
         m_last->lower(sample);
