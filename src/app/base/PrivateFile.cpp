@@ -55,9 +55,7 @@ bool replacePrivateFile(const QString& path, const QByteArray& bytes)
         return false;
     // A full disk shows only here: commit() alone reports success for a short file.
     if (!file.setPermissions(QFile::ReadOwner | QFile::WriteOwner) || file.write(bytes) != bytes.size()
-        || !file.flush()) {
-        file.cancelWriting();
-        return false;
-    }
+        || !file.flush())
+        return false; // what was written goes with the QSaveFile
     return file.commit();
 }

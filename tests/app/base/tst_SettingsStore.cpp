@@ -42,8 +42,12 @@ private Q_SLOTS:
         QVERIFY(QDir().mkpath(QFileInfo(m_path).path()));
         writeFile(m_path, "[ui]\ntheme=dark\n");
         QCOMPARE(modeOf(m_path), 0644);
+        const QString folder = QFileInfo(m_path).path();
+        QVERIFY(
+            QFile::setPermissions(folder, QFile::permissions(folder) | QFile::ReadOther | QFile::ExeOther));
         const SettingsStore store(m_path);
         QCOMPARE(modeOf(m_path), 0600);
+        QCOMPARE(modeOf(folder), 0700);
         QCOMPARE(store.value("ui/theme"_L1).toString(), u"dark"_s);
     }
 

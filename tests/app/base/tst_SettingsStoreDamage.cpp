@@ -289,6 +289,18 @@ private Q_SLOTS:
         QCOMPARE(store.takeNotices(), QStringList());
     }
 
+    void aFirstSaveThatNeverBeganIsNoReasonToUndo()
+    {
+        saveAndEnd();
+        // As of a file without a digest, which an older terminal has left: the mark then holds none either.
+        QVERIFY(QFile::remove(m_path + u".digest"_s));
+        writeFile(m_path + u".saving"_s, "\nvalues to come");
+        SettingsStore store(m_path);
+        QVERIFY(holdsEverything(store, {layoutOf(2)}));
+        QCOMPARE(store.takeNotices(), QStringList());
+        QVERIFY(!QFile::exists(store.damagedPath()));
+    }
+
     void aDigestWithoutACopyTellsThatTheFileIsWhole()
     {
         saveAndEnd();

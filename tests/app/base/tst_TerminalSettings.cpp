@@ -131,6 +131,7 @@ private Q_SLOTS:
         settings->setDarkTheme(true);
         settings->setWindowLayout(QByteArrayLiteral("geometry\0\xff"), QByteArrayLiteral("state\0\x01"));
         settings->setChartsLayout(u"[\n {\"symbol\": \"EURUSD\"}\n]"_s);
+        settings->setPanesLayout(u"{\"tab\": 2}"_s);
         settings->setAlerts(u"[{\"price\":1.5}]"_s);
         QVERIFY(settings->sync());
         settings.reset();
@@ -146,6 +147,7 @@ private Q_SLOTS:
         QCOMPARE(settings->windowGeometry(), QByteArrayLiteral("geometry\0\xff"));
         QCOMPARE(settings->windowState(), QByteArrayLiteral("state\0\x01"));
         QCOMPARE(settings->chartsLayout(), u"[\n {\"symbol\": \"EURUSD\"}\n]"_s);
+        QCOMPARE(settings->panesLayout(), u"{\"tab\": 2}"_s);
         QCOMPARE(settings->alerts(), u"[{\"price\":1.5}]"_s);
     }
 
