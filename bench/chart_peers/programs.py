@@ -65,6 +65,10 @@ def running(command_for, display):
         process = subprocess.Popen(command_for(folder), env=environment, stdout=output, stderr=output)
     try:
         yield process
+    except Exception:
+        with open(os.path.join(folder, "output"), errors="replace") as output:
+            print(*output.readlines()[-5:], sep="", end="")
+        raise
     finally:
         end(process)
         shutil.rmtree(folder, ignore_errors=True)
