@@ -83,7 +83,8 @@ QString reasonOf(Outcome outcome, const Request& what)
     case Outcome::Refused:
         return u"(Connection refused%1|Connection closed)"_s.arg(server);
     case Outcome::Unused:
-        return u"(%1|%2)"_s.arg(reasonOf(Outcome::Closed, what), reasonOf(Outcome::GivenUp, what));
+        return u"(%1|%2|not sent: no connection to the server%3)"_s.arg(
+            reasonOf(Outcome::Closed, what), reasonOf(Outcome::GivenUp, what), server);
     case Outcome::GivenUp:
         if (what.kind == Request::Kind::Order)
             return u"no answer; the order may have been carried out"_s;
