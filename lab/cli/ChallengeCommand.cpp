@@ -125,6 +125,7 @@ int challengePlan(Options options)
     bool isWhole = false;
     {
         Progress progress(bench.name() + ", " + std::to_string(open.size()) + " starts");
+        progress.showLabel();
         std::size_t done = 0;
         isWhole = runJobs(
             open.size(),

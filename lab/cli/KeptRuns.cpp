@@ -46,9 +46,23 @@ StudyStore storeIn(const fs::path& folder, ResultKind kind, const StudyIdentity&
     return StudyStore::create(file, identity);
 }
 
+void removeStore(const fs::path& folder, ResultKind kind)
+{
+    std::error_code ignored;
+    fs::remove(folder / storeName(kind), ignored);
+    fs::remove(folder, ignored); // unless something else is in it
+}
+
+int tellStopped(std::size_t done, std::size_t runs, const std::string& name)
+{
+    std::cerr << "tavoran-lab: stopped; " << done << " of " << runs << ' ' << name << " are done and kept"
+              << (done > 0 ? ", --resume goes on" : "") << '\n';
+    return stopStatus();
+}
+
 KeptRuns::KeptRuns(fs::path folder, ResultKind kind, const StudyIdentity& identity, bool goesOn)
     : m_folder(std::move(folder))
-    , m_file(m_folder / storeName(kind))
+    , m_kind(kind)
     , m_store(storeIn(m_folder, kind, identity, goesOn))
     , m_former(m_store->runs())
     , m_kept(m_former.size())
@@ -58,11 +72,8 @@ KeptRuns::KeptRuns(fs::path folder, ResultKind kind, const StudyIdentity& identi
 KeptRuns::~KeptRuns()
 {
     m_store.reset();
-    if (m_kept > 0)
-        return;
-    std::error_code ignored;
-    fs::remove(m_file, ignored);
-    fs::remove(m_folder, ignored); // unless something else is in it
+    if (m_kept == 0)
+        removeStore(m_folder, m_kind);
 }
 
 void KeptRuns::keep(std::uint64_t number, const std::string& bytes)
@@ -74,9 +85,7 @@ void KeptRuns::keep(std::uint64_t number, const std::string& bytes)
 int KeptRuns::stopped(std::size_t runs, const std::string& name)
 {
     m_store->flush();
-    std::cerr << "tavoran-lab: stopped; " << m_kept << " of " << runs << ' ' << name << " are done and kept"
-              << (m_kept > 0 ? ", --resume goes on" : "") << '\n';
-    return stopStatus();
+    return tellStopped(m_kept, runs, name);
 }
 
 } // namespace lab

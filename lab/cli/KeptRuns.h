@@ -20,6 +20,13 @@ void checkStudyPlace(const std::filesystem::path& folder, ResultKind kind, bool 
 [[nodiscard]] StudyStore storeIn(
     const std::filesystem::path& folder, ResultKind kind, const StudyIdentity& identity, bool goesOn);
 
+/// Takes the store of a study that has kept nothing away, and its folder where that is empty then.
+void removeStore(const std::filesystem::path& folder, ResultKind kind);
+
+/// Tells on the standard error how many of a stopped study's runs are done, and how it goes on. Returns the
+/// exit status.
+[[nodiscard]] int tellStopped(std::size_t done, std::size_t runs, const std::string& name);
+
 /// The runs of a walk or a challenge that have come to their end, kept in its folder as they come, so that a
 /// study that was stopped can go on. What fails is not kept: it is tried again.
 class KeptRuns final {
@@ -39,7 +46,7 @@ public:
 
 private:
     std::filesystem::path m_folder;
-    std::filesystem::path m_file;
+    ResultKind m_kind;
     std::optional<StudyStore> m_store;
     std::map<std::uint64_t, std::string> m_former;
     std::size_t m_kept = 0;

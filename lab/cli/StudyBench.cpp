@@ -167,6 +167,7 @@ bool StudyBench::runEach(std::size_t count, const std::function<RunSettings(std:
     const std::string& label, const std::function<void(std::size_t run, SetResult)>& take) const
 {
     Progress progress(label);
+    progress.showLabel(); // the first run may take its time
     std::size_t done = 0;
     const Work work = [&](std::size_t job) { return bytesOf(setResultOf(0, runInWorker(settings(job)))); };
     const auto keep = [&](const JobResult& job) {

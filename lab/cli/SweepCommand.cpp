@@ -5,7 +5,7 @@
 #include "lab/cli/SweepEnding.h"
 
 #include <algorithm>
-#include <iostream>
+#include <optional>
 #include <set>
 
 namespace lab {
@@ -21,22 +21,24 @@ int sweepSets(Options options)
         return stopped;
     const std::filesystem::path folder = sweepFolder(bench);
     checkStudyPlace(folder, ResultKind::Sweep, isResumed);
-    StudyStore store = storeIn(folder, ResultKind::Sweep, bench.identity(), isResumed);
+    std::optional<StudyStore> store = storeIn(folder, ResultKind::Sweep, bench.identity(), isResumed);
 
     // What failed is tried again: a machine that was short of memory may have more now.
-    const std::set<std::uint64_t> finished = store.finished();
+    const std::set<std::uint64_t> finished = store->finished();
     std::vector<std::uint64_t> open;
     std::ranges::set_difference(bench.numbers(), finished, std::back_inserter(open));
     const std::string label = bench.name() + ", " + std::to_string(open.size()) + " sets";
     const bool isWhole = bench.runSets(
-        open, label, [&](const SetResult& set) { store.put(set, bench.grid().inputsOf(set.number)); });
-    store.flush();
+        open, label, [&](const SetResult& set) { store->put(set, bench.grid().inputsOf(set.number)); });
+    store->flush();
     if (!isWhole) {
-        std::cerr << "tavoran-lab: stopped; " << store.finished().size() << " of " << bench.numbers().size()
-                  << " sets are done and kept, --resume goes on\n";
-        return stopStatus();
+        const std::size_t done = store->finished().size();
+        store.reset();
+        if (done == 0)
+            removeStore(folder, ResultKind::Sweep);
+        return tellStopped(done, bench.numbers().size(), "sets");
     }
-    return endSweep(bench, store, folder);
+    return endSweep(bench, *store, folder);
 }
 
 } // namespace lab

@@ -172,6 +172,19 @@ TEST_CASE("stopped it keeps what was done, and goes on from there to the same by
     checkSame(study, "whole", "parts");
 }
 
+TEST_CASE("stopped before a set was done it leaves nothing behind, and advises nothing")
+{
+    const StudyFolder study;
+    study.write("Endless.js", "var Every = 1;\nfunction OnInit() { for (;;); }\n");
+    const Result stopped = study.lab.runOnTerminal(
+        study.words("sweep", "Endless.js", {"--set", "Every=1,2", "--jobs", "1", "--out", "s"}), SIGINT,
+        "2 sets");
+    CHECK_EQ(stopped.exitCode, 130);
+    CHECK(contains(stopped.errors, "stopped; 0 of 2 sets are done and kept"));
+    CHECK(!contains(stopped.errors, "--resume"));
+    CHECK(!std::filesystem::exists(study.folder / "s"));
+}
+
 TEST_CASE("going on runs nothing that is finished, and tries again what failed")
 {
     const StudyFolder study;
