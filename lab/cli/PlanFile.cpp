@@ -3,14 +3,10 @@
 #include "lab/core/output/Texts.h"
 #include "lab/core/study/Grid.h"
 #include "lab/core/study/StudyError.h"
+#include "practice/core/FileContent.h"
 #include "practice/core/market/HashRandom.h"
 
 #include <nlohmann/json.hpp>
-
-#include <cerrno>
-#include <fstream>
-#include <iterator>
-#include <system_error>
 
 namespace lab {
 
@@ -22,12 +18,10 @@ constexpr std::string_view ending = ".json";
 
 std::string contentOf(const fs::path& file)
 {
-    errno = 0;
-    std::ifstream stream(file, std::ios::binary);
-    std::string content{std::istreambuf_iterator<char>(stream), {}};
-    if (!stream.is_open() || stream.bad())
-        throw StudyError(
-            "cannot read " + file.string() + ": " + std::generic_category().message(errno ? errno : EIO));
+    std::string reason;
+    std::string content = practice::contentOf(file, reason);
+    if (!reason.empty())
+        throw StudyError("cannot read " + file.string() + ": " + reason);
     return content;
 }
 

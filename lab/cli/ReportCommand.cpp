@@ -4,12 +4,9 @@
 #include "lab/cli/Screen.h"
 #include "lab/cli/TradeHistory.h"
 #include "lab/core/figures/Figures.h"
+#include "practice/core/FileContent.h"
 
-#include <cerrno>
-#include <fstream>
 #include <iostream>
-#include <iterator>
-#include <system_error>
 
 namespace lab {
 
@@ -17,13 +14,11 @@ namespace {
 
 std::string contentOf(const std::filesystem::path& path)
 {
-    errno = 0;
-    std::ifstream file(path, std::ios::binary);
-    std::string text{std::istreambuf_iterator<char>(file), {}};
-    if (!file.is_open() || file.bad())
-        throw UsageError(
-            "cannot read " + path.string() + ": " + std::generic_category().message(errno ? errno : EIO));
-    return text;
+    std::string reason;
+    std::string content = practice::contentOf(path, reason);
+    if (!reason.empty())
+        throw UsageError("cannot read " + path.string() + ": " + reason);
+    return content;
 }
 
 } // namespace

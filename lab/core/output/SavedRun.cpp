@@ -2,16 +2,15 @@
 
 #include "lab/core/output/ResultFolder.h"
 #include "lab/core/output/Texts.h"
+#include "practice/core/FileContent.h"
 
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
 #include <array>
-#include <cerrno>
 #include <charconv>
 #include <chrono>
 #include <cmath>
-#include <fstream>
 #include <span>
 #include <string_view>
 #include <system_error>
@@ -24,15 +23,10 @@ namespace fs = std::filesystem;
 
 std::string contentOf(const fs::path& file)
 {
-    errno = 0;
-    std::ifstream stream(file, std::ios::binary);
-    std::string content;
-    std::array<char, 65'536> part;
-    while (stream.read(part.data(), part.size()) || stream.gcount() > 0)
-        content.append(part.data(), static_cast<std::size_t>(stream.gcount()));
-    if (!stream.eof() || stream.bad())
-        throw OutputError("cannot read " + file.string() + ": "
-            + std::generic_category().message(errno == 0 ? EIO : errno));
+    std::string reason;
+    std::string content = practice::contentOf(file, reason);
+    if (!reason.empty())
+        throw OutputError("cannot read " + file.string() + ": " + reason);
     return content;
 }
 

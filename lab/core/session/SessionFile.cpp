@@ -1,6 +1,7 @@
 #include "lab/core/session/SessionFile.h"
 
 #include "lab/core/session/LineReader.h"
+#include "practice/core/FileContent.h"
 #include "practice/core/PointScale.h"
 #include "practice/core/broker/RecordText.h"
 
@@ -256,10 +257,11 @@ std::optional<decltype(SessionEvent::what)> eventIn(
 
 SessionFile::SessionFile(const std::filesystem::path& path)
     : m_path(path)
-    , m_file(path, std::ios::binary)
 {
-    if (!m_file || std::filesystem::is_directory(path))
-        throw SessionError(path.string() + ": cannot be read");
+    std::string reason;
+    m_file = practice::openToRead(path, reason);
+    if (!reason.empty())
+        throw SessionError(path.string() + ": cannot be read: " + reason);
     try {
         readStart();
     } catch (const BadColumn& error) {

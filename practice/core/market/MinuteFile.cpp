@@ -1,5 +1,6 @@
 #include "practice/core/market/MinuteFile.h"
 
+#include "practice/core/FileContent.h"
 #include "practice/core/PointScale.h"
 #include "practice/core/market/HashRandom.h"
 #include "practice/core/market/LineBlocks.h"
@@ -382,10 +383,10 @@ MinuteFile readMinutes(std::istream& input, const std::string& name, std::size_t
 MinuteFile readMinuteFile(const std::filesystem::path& path, std::size_t fewest)
 {
     const std::string name = path.string();
-    std::ifstream input(path, std::ios::binary);
-    std::error_code ignored;
-    if (!input || std::filesystem::is_directory(path, ignored))
-        throw MarketDataError(name + ": cannot be read");
+    std::string reason;
+    std::ifstream input = openToRead(path, reason);
+    if (!reason.empty())
+        throw MarketDataError(name + ": cannot be read: " + reason);
     return readMinutes(input, name, fewest);
 }
 

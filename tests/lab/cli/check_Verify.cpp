@@ -130,7 +130,7 @@ TEST_CASE("what cannot be used ends with 2 and one line that names it")
     const Place place;
     CHECK_EQ(place.lab.run({"verify", "session"}).exitCode, 2);
     CHECK_EQ(place.lab.run({"verify", "nowhere", "Once.js"}).errors,
-        std::string("tavoran-lab: nowhere: cannot be read\n"));
+        std::string("tavoran-lab: nowhere: cannot be read: No such file or directory\n"));
     CHECK_EQ(place.lab.run({"verify", "Once.js", "Once.js"}).errors,
         std::string("tavoran-lab: Once.js:1: is no recording of tavoran-practice\n"));
     std::ofstream(place.folder / "session", std::ios::app) << "quotes\tnoon\n";

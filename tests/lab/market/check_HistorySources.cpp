@@ -165,7 +165,7 @@ TEST_CASE("a file that is not named after its symbol is refused, one that is not
     } catch (const HistoryError& error) {
         said = error.what();
     }
-    CHECK_EQ(said, std::string("/nowhere/EURUSD-1m.csv: cannot be read"));
+    CHECK_EQ(said, std::string("/nowhere/EURUSD-1m.csv: cannot be read: No such file or directory"));
 }
 
 TEST_CASE("simulated prices are those that the practice platform shows")

@@ -256,7 +256,7 @@ TEST_CASE("a file that is not there is named")
     } catch (const MarketDataError& error) {
         text = error.what();
     }
-    CHECK_EQ(text, std::string("/nowhere/at/all-1m.csv: cannot be read"));
+    CHECK_EQ(text, std::string("/nowhere/at/all-1m.csv: cannot be read: No such file or directory"));
 }
 
 CHECK_MAIN()
