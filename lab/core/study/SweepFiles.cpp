@@ -125,8 +125,7 @@ std::string_view whyUnstable(const SweepTable& table, const SetResult& set)
     const Figure value = table.sorted(set);
     if (!value || *value <= 0)
         return "needs a figure above 0";
-    return "needs a neighbour with the figure, and one that is not beyond 1,000 % of it, which is hardly "
-           "above 0";
+    return "no neighbour has the figure, or theirs is beyond 1,000 % of it: it is hardly above 0";
 }
 
 std::string count(std::uint64_t number)

@@ -184,6 +184,10 @@ TEST_CASE("what a sweep cannot tell says why")
             set = madeSet(set.number, -1.0 - static_cast<double>(set.number));
     }
     CHECK(contains(overview(lost), "\xE2\x80\x93: needs a figure above 0</span>"));
+    std::vector<SetResult> slight = twelveSets();
+    slight[0] = madeSet(0, 0.001);
+    CHECK(contains(overview(slight),
+        "title=\"no neighbour has the figure, or theirs is beyond 1,000 % of it: it is hardly above 0\""));
     for (const std::vector<SetResult>& sets : {days, lost, {madeSet(0, 1)}}) {
         for (const std::string& part : sweepParts(tableBy("sharpe", sets)))
             CHECK(!contains(part, "<td>\xE2\x80\x93"));
