@@ -18,19 +18,6 @@ namespace lab {
 
 namespace {
 
-ExpertScript withInputsOf(const RunSettings& settings, ExpertScript script)
-{
-    InputValues values;
-    for (const auto& [name, literal] : settings.inputs)
-        values.append({QString::fromStdString(name), QString::fromStdString(literal)});
-    QString error;
-    const std::optional<QString> text = withInputs(script.text, values, error);
-    if (!text)
-        throw UsageError(error.toStdString());
-    script.text = *text;
-    return script;
-}
-
 std::string neverCalled(const SessionVerdict& verdict, const SessionSeat& seat)
 {
     return "the script was never called: the session has " + std::to_string(verdict.prices)
@@ -62,7 +49,7 @@ int verifySession(Options options)
     const ExpertScript script = readScript(options.script);
     settleInputs(options.settings, script);
     const SessionSeat seat = chooseSeat(options);
-    const ExpertScript changed = withInputsOf(options.settings, script);
+    const ExpertScript changed = withInputs(script, options.settings.inputs);
     bool isWhole = false;
     const std::optional<SessionVerdict> verdict = searchLateness([&](const std::set<Delay>& late) {
         SessionFile session(options.session);

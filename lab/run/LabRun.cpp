@@ -13,7 +13,6 @@
 
 #include <algorithm>
 #include <limits>
-#include <stdexcept>
 
 using namespace Qt::StringLiterals;
 
@@ -23,18 +22,6 @@ namespace {
 
 /// So often is somebody told how far a run is.
 constexpr std::size_t progressSteps = 200;
-
-ExpertScript withInputsOf(const RunSettings& settings, const ExpertScript& script)
-{
-    InputValues values;
-    for (const auto& [name, literal] : settings.inputs)
-        values.append({QString::fromStdString(name), QString::fromStdString(literal)});
-    QString error;
-    const std::optional<QString> text = withInputs(script.text, values, error);
-    if (!text)
-        throw std::invalid_argument(error.toStdString());
-    return {script.name, script.fileName, *text};
-}
 
 std::vector<RunInput> inputsBetween(
     const RunSettings& settings, const ExpertScript& script, const ExpertScript& changed)
@@ -254,7 +241,7 @@ private:
 
 std::vector<RunInput> inputsAsRun(const RunSettings& settings, const ExpertScript& script)
 {
-    return inputsBetween(settings, script, withInputsOf(settings, script));
+    return inputsBetween(settings, script, withInputs(script, settings.inputs));
 }
 
 LabRun::LabRun(std::vector<const MinuteHistory*> histories)
@@ -267,7 +254,7 @@ LabRun::LabRun(std::vector<const MinuteHistory*> histories)
 RunResult LabRun::run(
     const ExpertScript& script, const RunSettings& settings, const RunControl& control) const
 {
-    const ExpertScript changed = withInputsOf(settings, script);
+    const ExpertScript changed = withInputs(script, settings.inputs);
     const MinuteHistory& history = *m_histories.front();
     const RunSpan span = spanOf(history, settings);
 

@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <stdexcept>
 #include <vector>
 
 using namespace Qt::StringLiterals;
@@ -341,6 +342,19 @@ std::optional<QString> withInputs(const QString& script, const InputValues& valu
             text.replace(places[i].start, places[i].end - places[i].start, *literals[i]);
     }
     return text;
+}
+
+ExpertScript withInputs(
+    const ExpertScript& script, const std::vector<std::pair<std::string, std::string>>& inputs)
+{
+    InputValues values;
+    for (const auto& [name, literal] : inputs)
+        values.append({QString::fromStdString(name), QString::fromStdString(literal)});
+    QString error;
+    const std::optional<QString> text = withInputs(script.text, values, error);
+    if (!text)
+        throw std::invalid_argument(error.toStdString());
+    return {script.name, script.fileName, *text};
 }
 
 } // namespace lab

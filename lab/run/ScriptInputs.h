@@ -1,11 +1,15 @@
 #pragma once
 
+#include "experts/ExpertScript.h"
+
 #include <QList>
 #include <QString>
 #include <QStringList>
 
 #include <optional>
+#include <string>
 #include <utility>
+#include <vector>
 
 namespace lab {
 
@@ -41,5 +45,10 @@ using InputValues = QList<std::pair<QString, QString>>;
 /// `error`, for a name that is no input, which names those that can be set, and for a value of another kind.
 [[nodiscard]] std::optional<QString> withInputs(
     const QString& script, const InputValues& values, QString& error);
+
+/// The same with names and literals as the settings of a run have them. Throws std::invalid_argument with the
+/// reason.
+[[nodiscard]] ExpertScript withInputs(
+    const ExpertScript& script, const std::vector<std::pair<std::string, std::string>>& inputs);
 
 } // namespace lab
