@@ -30,7 +30,7 @@ public:
         , m_history(histories.front())
         , m_settings(options.settings)
         , m_limit(options.limit)
-        , m_lab(placesOf(histories))
+        , m_lab(historiesAt(histories))
     {
     }
 
@@ -62,14 +62,6 @@ public:
     }
 
 private:
-    static std::vector<const MinuteHistory*> placesOf(const std::vector<MinuteHistory>& histories)
-    {
-        std::vector<const MinuteHistory*> places;
-        for (const MinuteHistory& history : histories)
-            places.push_back(&history);
-        return places;
-    }
-
     ExpertScript m_script;
     const MinuteHistory& m_history;
     RunSettings m_settings;
@@ -115,14 +107,10 @@ std::string warningOf(const CheckVerdict& verdict)
 
 int checkScript(Options options)
 {
-    const ExpertScript script = readScript(options.script);
-    settleInputs(options.settings, script);
-    if (!options.out.empty())
-        checkResultPlace(options.out, ResultKind::Run);
-    const std::vector<MinuteHistory> histories = loadHistories(options);
+    const GivenRun given = readGivenRun(options);
     if (const int stopped = stopStatusAtOnce())
         return stopped;
-    Runner runner(options, script, histories);
+    Runner runner(options, given.script, given.histories);
     const CheckRuns runs{[&runner](const RunSettings& settings) { return runner.run(settings); },
         [&runner](int bars) { return runner.startAfter(bars); }};
     const bool colours = hasColours();
@@ -144,7 +132,7 @@ int checkScript(Options options)
         if (!options.out.empty()) {
             base.warnings.insert(base.warnings.begin(), failures.begin(), failures.end());
             const Figures figures = figuresOf(base);
-            writeResult(options.out, base, figures, script.name.toStdString());
+            writeResult(options.out, base, figures, given.script.name.toStdString());
             std::cout << '\n' << (options.out / "report.html").string() << '\n';
         }
     } catch (const Stopped&) {

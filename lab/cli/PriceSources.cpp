@@ -105,4 +105,12 @@ std::vector<MinuteHistory> loadHistories(Options& options, Told told)
     return options.data.empty() ? simulated(options, told) : recorded(options, told);
 }
 
+std::vector<const MinuteHistory*> historiesAt(const std::vector<MinuteHistory>& histories)
+{
+    std::vector<const MinuteHistory*> places;
+    for (const MinuteHistory& history : histories)
+        places.push_back(&history);
+    return places;
+}
+
 } // namespace lab

@@ -16,4 +16,7 @@ enum class Told { Progress, Nothing };
 /// prices that cannot be used.
 [[nodiscard]] std::vector<MinuteHistory> loadHistories(Options& options, Told told = Told::Progress);
 
+/// Where they are, which is what a run takes; they have to stay there as long.
+[[nodiscard]] std::vector<const MinuteHistory*> historiesAt(const std::vector<MinuteHistory>& histories);
+
 } // namespace lab

@@ -17,22 +17,15 @@ namespace lab {
 
 int runOnce(Options options)
 {
-    const ExpertScript script = readScript(options.script);
-    settleInputs(options.settings, script);
-    if (!options.out.empty())
-        checkResultPlace(options.out, ResultKind::Run);
-    const std::vector<MinuteHistory> histories = loadHistories(options);
+    const GivenRun given = readGivenRun(options);
     if (const int stopped = stopStatusAtOnce())
         return stopped;
-    const std::string name = script.name.toStdString();
+    const std::string name = given.script.name.toStdString();
     if (options.out.empty()) {
         options.out = name + '-' + options.settings.symbol;
         checkResultPlace(options.out, ResultKind::Run);
     }
 
-    std::vector<const MinuteHistory*> places;
-    for (const MinuteHistory& history : histories)
-        places.push_back(&history);
     const RunResult result = [&] {
         Progress progress(name);
         RunControl control;
@@ -40,7 +33,7 @@ int runOnce(Options options)
         control.stop = &stopFlag();
         control.limit = options.limit;
         control.deaf = leaveDeafScript(name, options.limit);
-        return LabRun(places).run(script, options.settings, control);
+        return LabRun(historiesAt(given.histories)).run(given.script, options.settings, control);
     }();
     const Figures figures = figuresOf(result);
     writeResult(options.out, result, figures, name);

@@ -1,6 +1,8 @@
 #include "lab/cli/RunScript.h"
 
 #include "lab/cli/NearName.h"
+#include "lab/cli/PriceSources.h"
+#include "lab/cli/ResultPlace.h"
 #include "lab/run/ScriptInputs.h"
 
 #include <QFile>
@@ -80,6 +82,15 @@ void settleInputs(RunSettings& settings, const ExpertScript& script)
         }
     }
     settings.inputs = std::move(inOrder);
+}
+
+GivenRun readGivenRun(Options& options)
+{
+    ExpertScript script = readScript(options.script);
+    settleInputs(options.settings, script);
+    if (!options.out.empty())
+        checkResultPlace(options.out, ResultKind::Run);
+    return {std::move(script), loadHistories(options)};
 }
 
 } // namespace lab

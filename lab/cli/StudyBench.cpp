@@ -32,14 +32,6 @@ void checkValue(const ExpertScript& script, const std::string& name, const std::
         throw UsageError(error.toStdString());
 }
 
-std::vector<const MinuteHistory*> placesOf(const std::vector<MinuteHistory>& histories)
-{
-    std::vector<const MinuteHistory*> places;
-    for (const MinuteHistory& history : histories)
-        places.push_back(&history);
-    return places;
-}
-
 } // namespace
 
 Grid gridOf(const ExpertScript& script, const RunSettings& settings)
@@ -96,7 +88,7 @@ StudyBench::StudyBench(Options options, ExpertScript script)
     , m_numbers(m_options.study.random ? sampledSets(m_grid, *m_options.study.random, m_options.settings.seed)
                                        : allSets(m_grid))
     , m_histories(loadHistories(m_options))
-    , m_lab(placesOf(m_histories))
+    , m_lab(historiesAt(m_histories))
 {
     m_options.settings.inputs.clear();
     static_cast<void>(spanOf(m_histories.front(), m_options.settings));
