@@ -66,6 +66,21 @@ TEST_CASE("a damaged record is named with its line, and nothing is written")
     CHECK_EQ(bench.filesIn(".").size(), 1U);
 }
 
+TEST_CASE("a file that cannot be read is named with what the system says of it")
+{
+    const RunFolder bench;
+    fs::create_directory(bench.folder / "GBPUSD-1m.csv");
+    for (const auto& [file, reason] : {std::pair("USDJPY-1m.csv", "No such file or directory"),
+             std::pair("GBPUSD-1m.csv", "Is a directory")}) {
+        const Result run = bench.lab.run({"run", crossing, "--data", file});
+        CHECK_EQ(run.exitCode, 2);
+        CHECK_EQ(run.errors, "tavoran-lab: " + std::string(file) + ": cannot be read: " + reason + '\n');
+        for (const std::string command : {"report", "merge"})
+            CHECK_EQ(bench.lab.run({command, file}).errors,
+                "tavoran-lab: cannot read " + std::string(file) + ": " + reason + '\n');
+    }
+}
+
 TEST_CASE("the pair that turns a symbol's money into USD is asked for by name")
 {
     const RunFolder bench;
