@@ -305,7 +305,7 @@ def main():
         if "lab" in pieces and not (ground.bin / "tavoran-lab").exists():
             ground.row("the lab is not tried: it is not built")
         elif "lab" in pieces:
-            crash_lab.all_of_it(ground, arguments.losses, max(4, arguments.losses // 10))
+            crash_lab.all_of_it(ground, arguments.losses, max(3, arguments.losses // 10))
     sys.exit(1 if ground.faults else 0)
 
 
