@@ -20,6 +20,13 @@ TEST_CASE("a timer explains one wake-up of the main thread in each of its period
     CHECK_EQ(ledger.beyond(), 0);
 }
 
+TEST_CASE("a wake-up that came late is no second one when the next comes in time")
+{
+    const WakeLedger ledger({ofMain(200), ofMain(1360), ofMain(2200)}, everySecond, {});
+    CHECK_EQ(ledger.ofTimer(), 3);
+    CHECK_EQ(ledger.beyond(), 0);
+}
+
 TEST_CASE("a second wake-up within a period is one too many")
 {
     const WakeLedger ledger({ofMain(200), ofMain(700), ofMain(1200, 2)}, everySecond, {});
