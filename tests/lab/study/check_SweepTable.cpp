@@ -130,7 +130,10 @@ TEST_CASE("the table for programs has a line for each set, with its inputs, figu
 
 TEST_CASE("the summary for programs names the best and what it is worth")
 {
-    const auto json = nlohmann::json::parse(sweepJson(tableBy("sharpe"), {}, "1.2"));
+    RunResult about;
+    about.inputs = {{"A", "2"}, {"Wait", "7"}};
+    const auto json = nlohmann::json::parse(sweepJson(tableBy("sharpe"), about, "1.2"));
+    CHECK_EQ(json.value("fixedInputs", nlohmann::json()).dump(), R"({"Wait":"7"})");
     CHECK_EQ(json.at("sets").get<int>(), 12);
     CHECK_EQ(json.at("failed").get<int>(), 1);
     CHECK_EQ(json.at("best").at("inputs").dump(), R"({"A":"2","B":"2"})");
