@@ -54,6 +54,7 @@ TEST_CASE("the best set comes first, then those with few trades, those that fail
     CHECK((numbersOf(table) == std::vector<std::uint64_t>{5, 10, 9, 8, 7, 6, 4, 3, 1, 0, 11, 2}));
     CHECK_EQ(table.sets[table.best.value()].number, 5U);
     CHECK_EQ(table.choice.failed, 1U);
+    CHECK(table.hasEnoughTrades(table.sets[5]) && !table.hasEnoughTrades(table.sets[11]));
     CHECK_EQ(bestOf(table.sets, table.order).value(), 5U);
 }
 
