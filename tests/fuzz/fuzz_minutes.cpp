@@ -5,9 +5,11 @@
 
 #include "practice/core/PointScale.h"
 #include "practice/core/market/MinuteFile.h"
+#include "practice/core/market/ReplaySpec.h"
 #include "practice/server/JsonText.h"
 
 #include <algorithm>
+#include <cmath>
 #include <sstream>
 
 using fuzz::demand;
@@ -80,8 +82,29 @@ void demandSame(const MinuteFile& a, const MinuteFile& b)
     }
 }
 
+/// A file's name says which symbol it is.
+void readName(std::string_view name)
+{
+    const auto symbol = practice::recordedSymbol(std::string(name));
+    if (!symbol)
+        return;
+    demand(!symbol->empty() && symbol->size() <= 32 && symbol->find_first_of("/\\ \n") == std::string::npos,
+        "a symbol is a short word");
+    demand(name.ends_with(*symbol + "-1m.csv"), "a symbol is what the name says");
+}
+
+/// What is made up of a record for a symbol that nobody knows.
+void demandSound(const practice::SymbolSpec& spec, const MinuteFile& file)
+{
+    demand(spec.digits == file.digits, "a symbol has the decimals of its record");
+    for (const double number : {spec.contractSize, spec.maxLeverage})
+        demand(std::isfinite(number) && number > 0, "a contract is one");
+}
+
 int attempt(const std::uint8_t* data, std::size_t size)
 {
+    std::string_view text = fuzz::textOf(data, size);
+    readName(fuzz::takeLine(text));
     MinuteFile file;
     try {
         file = read(std::string(fuzz::textOf(data, size)));
@@ -93,6 +116,8 @@ int attempt(const std::uint8_t* data, std::size_t size)
     }
     demandSound(file);
     demandSame(read(textOf(file)), file);
+    for (const char* symbol : {"EURUSD", "ABCXYZ", "X"})
+        demandSound(practice::replaySpec(symbol, file, practice::symbolCatalog()), file);
     return 0;
 }
 
