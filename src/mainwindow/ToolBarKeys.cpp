@@ -42,10 +42,10 @@ ToolBarKeys::ToolBarKeys(QToolBar& bar, const MoreButtons& more)
 
 bool ToolBarKeys::eventFilter(QObject* watched, QEvent* event)
 {
-    auto& button = *static_cast<QToolButton*>(watched);
+    // Other events may come when the button is being destroyed, and no button any more.
     switch (event->type()) {
     case QEvent::FocusIn:
-        tell(nameOf(button));
+        tell(nameOf(*static_cast<QToolButton*>(watched)));
         return false;
     case QEvent::FocusOut:
         tell({});
@@ -53,7 +53,7 @@ bool ToolBarKeys::eventFilter(QObject* watched, QEvent* event)
     case QEvent::KeyPress:
         if (!isMove(*static_cast<QKeyEvent*>(event)))
             return false;
-        go(button, static_cast<QKeyEvent*>(event)->key());
+        go(*static_cast<QToolButton*>(watched), static_cast<QKeyEvent*>(event)->key());
         return true;
     default:
         return false;
