@@ -236,7 +236,7 @@ SettingsValues SettingsStore::valuesToCome() const
     SettingsValues values = settingsValues(*m_settings);
     for (auto change = m_changes.cbegin(); change != m_changes.cend(); ++change) {
         if (change->has_value())
-            values.insert(change.key(), (*change)->toString());
+            values.insert(change.key(), comparable(**change));
         else
             values.remove(change.key());
     }

@@ -245,6 +245,20 @@ private Q_SLOTS:
         QCOMPARE(modeOf(m_path + u".digest"_s), 0600);
     }
 
+    void aSaveThatDiffersOnlyInBytesThatAreNoTextIsUndone()
+    {
+        saveAndEnd();
+        const QByteArray before = contentOf(m_path);
+        leaveAsKilledBeforeTheLook(layoutOf(3));
+        const QByteArray whole = contentOf(m_path);
+        writeFile(m_path, QByteArray(whole).replace("\\xff", "\\xfe"));
+        QVERIFY(contentOf(m_path) != whole);
+        SettingsStore store(m_path);
+        QCOMPARE(contentOf(m_path), before);
+        QVERIFY(holdsEverything(store, {layoutOf(2)}));
+        QCOMPARE(store.takeNotices().size(), 2);
+    }
+
     void aCutSaveIsUndoneWhateverItsMarkTells()
     {
         saveAndEnd();
