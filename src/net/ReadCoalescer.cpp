@@ -100,11 +100,12 @@ void ReadCoalescer::endForNext(const QString& path)
     // The end of another one may have changed this one.
     if (running == m_inFlight.end() || !running->next || !running->watch || timeLeft(*running).count() > 0)
         return;
-    const Running ended = *running;
-    const std::chrono::milliseconds patience = ended.watch->hasNews() ? m_patience : 2 * ended.patience;
+    ReplyWatch* const watch = std::exchange(running->watch, nullptr); // so that nobody ends it twice
+    const std::chrono::milliseconds patience = watch->hasNews() ? m_patience : 2 * running->patience;
     running->number = ++m_reads; // the old read ends within giveUp(), and finds that it no longer counts
     const QPointer<ReadCoalescer> alive(this);
-    ended.watch->giveUp();
+    watch->giveUp();
+    // Taken only now: whoever hears of that end may have wished for this path again.
     if (alive)
-        send(path, ended.next, patience);
+        send(path, m_inFlight.take(path).next, patience);
 }

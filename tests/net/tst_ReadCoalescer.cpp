@@ -4,6 +4,7 @@
 
 #include <QAbstractEventDispatcher>
 #include <QJsonArray>
+#include <QNetworkAccessManager>
 
 #include <algorithm>
 
@@ -106,6 +107,51 @@ private Q_SLOTS:
         m_server->release(StubAnswer::json("[2]"));
         QTRY_COMPARE(m_calls, QStringList({u"b:2"_s}));
         QCOMPARE(m_server->count("GET", "/x"), 2);
+    }
+
+    void a_wish_made_while_a_silent_read_ends_is_the_one_that_follows()
+    {
+        ReadCoalescer reads(*m_api);
+        reads.setPatience(0ms);
+        reads.refresh(u"/x"_s, note(u"a"_s));
+        QTRY_COMPARE(m_server->heldCount(), 1);
+        int ended = 0;
+        for (const QNetworkAccessManager* manager : m_api->findChildren<QNetworkAccessManager*>()) {
+            connect(manager, &QNetworkAccessManager::finished, &reads, [&] {
+                if (++ended == 1)
+                    reads.refresh(u"/x"_s, note(u"newest"_s));
+            });
+        }
+        m_server->on("GET", "/x", StubAnswer::json("[2]"));
+        reads.refresh(u"/x"_s, note(u"older"_s));
+        QCOMPARE(ended, 1);
+        QTRY_COMPARE(m_calls, QStringList({u"newest:2"_s}));
+        QCOMPARE(m_server->count("GET", "/x"), 2);
+    }
+
+    void a_read_that_ends_while_another_one_is_ended_is_followed_once()
+    {
+        ReadCoalescer reads(*m_api);
+        reads.setPatience(0ms);
+        for (const QString& path : {u"/x"_s, u"/y"_s})
+            reads.refresh(path, note(path + u" first"_s));
+        QTRY_COMPARE(m_server->heldCount(), 2);
+        int ended = 0;
+        for (const QNetworkAccessManager* manager : m_api->findChildren<QNetworkAccessManager*>()) {
+            connect(manager, &QNetworkAccessManager::finished, &reads, [&] {
+                if (++ended == 1)
+                    reads.refresh(u"/y"_s, note(u"/y"_s));
+            });
+        }
+        m_server->on("GET", "/x", StubAnswer::json("[1]"));
+        m_server->on("GET", "/y", StubAnswer::json("[2]"));
+        reads.refresh(u"/x"_s, note(u"/x"_s));
+        QTRY_COMPARE(m_calls.size(), 2);
+        QVERIFY(m_calls.contains(u"/x:1"_s));
+        QVERIFY(m_calls.contains(u"/y:2"_s));
+        QTRY_COMPARE(ended, 4); // two were ended, two answered
+        QCOMPARE(m_server->count("GET", "/x"), 2);
+        QCOMPARE(m_server->count("GET", "/y"), 2);
     }
 
     void ended_reads_make_room_for_others()
