@@ -27,7 +27,8 @@ namespace {
 constexpr int pulseWhileWaitingMs = 50;
 constexpr int flowMs = 20;
 /// A desk that does not get calm within this time, for want of a processor, is no rest to compare.
-constexpr int calmPatienceMs = 30'000;
+constexpr double calmPatience = 30.0;
+constexpr double msPerSecond = 1000.0;
 constexpr int quietTurnsWanted = 20;
 constexpr int lastRests = 3;
 
@@ -154,8 +155,9 @@ void Soak::tick()
     case Phase::Calm:
         if (isCalm())
             rest();
-        else if (m_inPhase.elapsed() > calmPatienceMs)
-            goOn();
+        else if (static_cast<double>(m_inPhase.elapsed())
+            > msPerSecond * (isEnough() ? m_plan.patienceAtEnd : calmPatience))
+            giveUpRest();
         return;
     case Phase::Leave:
         return;
@@ -251,6 +253,15 @@ void Soak::rest()
     goOn();
 }
 
+void Soak::giveUpRest()
+{
+    ++m_restsGivenUp;
+    // What was at rest before the last things done says nothing about those.
+    if (isEnough() && m_lastRests == 0)
+        m_last.reset();
+    goOn();
+}
+
 bool Soak::isEnough() const
 {
     const bool allDone = m_plan.activities > 0 && m_trader->total() >= m_plan.activities;
@@ -286,6 +297,7 @@ void Soak::sumUp()
     say(u"reconnects"_s, m_sampler->connects());
     say(u"cuts"_s, static_cast<double>(m_relay.cuts()));
     say(u"activities"_s, m_trader->total());
+    say(u"rests_given_up"_s, m_restsGivenUp);
     const QMap<QString, int>& done = m_trader->done();
     for (auto each = done.cbegin(); each != done.cend(); ++each)
         say(u"did_"_s + QString(each.key()).replace(u' ', u'_'), each.value());

@@ -24,6 +24,7 @@ struct SoakPlan {
     double cutEvery = 7.0;
     double sampleEvery = 5.0;
     double restEvery = 30.0;
+    double patienceAtEnd = 60.0; ///< seconds that the desk may take to get calm at the end
     quint32 seed = 1;
     QString samples; ///< file of the samples; may be empty
 };
@@ -39,7 +40,7 @@ public:
     ~Soak() override;
 
     /// The first rest, and the least of the last ones, since a socket may have a timer more for a while;
-    /// nothing if the run did not get there.
+    /// nothing if the run did not get there, or the desk did not get calm at the end.
     [[nodiscard]] const std::optional<Sampler::Sample>& baseline() const { return m_baseline; }
     [[nodiscard]] const std::optional<Sampler::Sample>& last() const { return m_last; }
     /// "name value" lines of what was done and met.
@@ -56,6 +57,7 @@ private:
     void goTo(Phase phase);
     [[nodiscard]] bool isCalm();
     void rest();
+    void giveUpRest();
     void goOn();
     [[nodiscard]] bool isEnough() const;
     void leave();
@@ -83,6 +85,7 @@ private:
     int m_cutsAsked = 0;
     int m_quietTurns = 0;
     int m_lastRests = 0;
+    int m_restsGivenUp = 0;
     std::optional<Sampler::Sample> m_baseline;
     std::optional<Sampler::Sample> m_last;
     QStringList m_summary;

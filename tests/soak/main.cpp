@@ -48,6 +48,8 @@ Wanted readOptions(const QCoreApplication& application)
     const auto cuts = option(u"cut-every"_s, u"Seconds."_s, u"7"_s);
     const auto samplesEvery = option(u"sample-every"_s, u"Seconds."_s, u"5"_s);
     const auto rests = option(u"rest-every"_s, u"Seconds."_s, u"30"_s);
+    const auto patience
+        = option(u"patience-at-end"_s, u"Seconds that the last rest may be long in coming."_s, u"60"_s);
     const auto seed = option(u"seed"_s, u"What chance does."_s, u"1"_s);
     const auto speed = option(u"speed"_s, u"Of the platform's market."_s, u"60"_s);
     const auto samples = option(u"samples"_s, u"File for the samples."_s, {});
@@ -68,6 +70,7 @@ Wanted readOptions(const QCoreApplication& application)
     wanted.plan.cutEvery = number(cuts);
     wanted.plan.sampleEvery = number(samplesEvery);
     wanted.plan.restEvery = number(rests);
+    wanted.plan.patienceAtEnd = number(patience);
     wanted.plan.seed = static_cast<quint32>(number(seed));
     wanted.plan.samples = parser.value(samples);
     wanted.speed = parser.value(speed);
@@ -102,8 +105,12 @@ QStringList leftovers(const Sampler::Sample& before, const Sampler::Sample& afte
 int judge(const Soak& soak, const Wanted& wanted)
 {
     int status = 0;
-    if (!soak.baseline() || !soak.last()) {
+    if (!soak.baseline()) {
         std::fprintf(stderr, "The session did not get to its end.\n");
+        return 1;
+    }
+    if (!soak.last()) {
+        std::fprintf(stderr, "The desk did not get calm at the end: there is nothing to compare.\n");
         return 1;
     }
     if (wanted.baseline) {

@@ -81,20 +81,51 @@ class TestTrend(unittest.TestCase):
         self.assertNotIn("heap_kb_net", growing(net))
         self.assertIn("heap_kb_net", growing(trend.net_of_rows(samples, {})))
 
-    def test_the_program_names_what_grows_and_fails(self):
+    def judged(self, counts, change=None):
+        """What the program says of rests with these counts of widgets, and its status; change alters the columns."""
+        columns = {name: [7] * len(counts) for name in (*trend.GRAINS, "heap_kb", "pss_kb", "platform_rss_kb")}
+        for name in ("heap_kb_net", "pss_kb_net", "platform_rss_kb_net"):
+            del columns[name]
+        columns |= {"seconds": [30 * i for i in range(len(counts))], "rest": [1] * len(counts), "widgets": counts,
+                    "journal_rows": [0] * len(counts), "history_rows": [0] * len(counts)}
+        if change:
+            change(columns)
         with tempfile.TemporaryDirectory() as folder:
-            for leak, status in ((0, 0), (1, 1)):
-                samples = Path(folder) / "samples.csv"
-                lines = ["seconds,rest,heap_kb,pss_kb,platform_rss_kb,journal_rows,history_rows,widgets"]
-                lines += [f"{30 * i},1,20000,60000,25000,0,0,{300 + leak * i}" for i in range(40)]
-                samples.write_text("\n".join(lines) + "\n", encoding="utf-8")
-                summary = Path(folder) / "summary.txt"
-                summary.write_text("seconds 1200\nmessages 5\nreconnects 6\ndid_timeframe_switches 7\n"
-                                   "gap_ms 8\ngap_cpu_ms 9\n", encoding="utf-8")
-                said = io.StringIO()
-                with contextlib.redirect_stdout(said):
-                    self.assertEqual(trend.main(samples, summary), status)
-                self.assertIn("grows: widgets" if leak else "no trend", said.getvalue())
+            samples = Path(folder) / "samples.csv"
+            rows = [",".join(str(value) for value in row) for row in zip(*columns.values())]
+            samples.write_text("\n".join([",".join(columns), *rows]) + "\n", encoding="utf-8")
+            summary = Path(folder) / "summary.txt"
+            summary.write_text("seconds 1200\nmessages 5\nreconnects 6\ndid_timeframe_switches 7\n"
+                               "rests_given_up 3\ngap_ms 8\ngap_cpu_ms 9\n", encoding="utf-8")
+            said = io.StringIO()
+            with contextlib.redirect_stdout(said):
+                status = trend.main(samples, summary)
+            return status, said.getvalue()
+
+    def test_the_program_names_what_grows_and_fails(self):
+        status, said = self.judged([300] * 40)
+        self.assertEqual(status, 0)
+        self.assertIn("no trend", said)
+        self.assertRegex(said, r"rests_given_up +3\.0")
+        status, said = self.judged([300 + i for i in range(40)])
+        self.assertEqual(status, 1)
+        self.assertIn("grows: widgets", said)
+
+    def test_without_a_judgement_the_program_fails(self):
+        status, said = self.judged([300] * 8)
+        self.assertEqual(status, 1)
+        self.assertIn("no judgement", said)
+
+    def test_a_series_that_is_missing_or_never_counted_fails_the_program(self):
+        status, said = self.judged([300] * 40, lambda columns: columns.pop("timers"))
+        self.assertEqual((status, "not counted: timers\n" in said), (1, True))
+
+        def without_x(columns):
+            for name in ("x_windows", "x_pixmaps", "x_resources"):
+                columns[name] = [0] * 40
+
+        status, said = self.judged([300] * 40, without_x)
+        self.assertEqual((status, "not counted: x_windows, x_resources\n" in said), (1, True))
 
 
 if __name__ == "__main__":
