@@ -4,8 +4,11 @@
 #include "practice/server/ServerProcess.h"
 #include "practice/storage/TemporaryFolder.h"
 
+#include <algorithm>
 #include <chrono>
 #include <csignal>
+#include <numeric>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -35,16 +38,76 @@ bool isRefused(std::uint16_t port)
     }
 }
 
+/// How long each of so many small questions takes, on a connection that is open already.
+std::vector<Clock::duration> answerTimes(std::uint16_t port, int count)
+{
+    HttpClient client(port);
+    CHECK_EQ(client.get("/api/settings/public").status, 200);
+    std::vector<Clock::duration> times;
+    for (int question = 0; question < count; ++question) {
+        const auto begin = Clock::now();
+        CHECK_EQ(client.get("/api/settings/public").status, 200);
+        times.push_back(Clock::now() - begin);
+    }
+    return times;
+}
+
+/// What ends a feed, in the words of the client; nothing if it was broken before its greeting.
+std::string endOfFeed(std::uint16_t port)
+{
+    std::optional<FeedClient> feed;
+    try {
+        HttpClient client(port);
+        client.signIn();
+        feed.emplace(port, client.token());
+        CHECK_EQ(feed->read().at("type"), "hello");
+    } catch (const std::runtime_error&) {
+        return {};
+    }
+    try {
+        (void)feed->readUntil("what never comes");
+    } catch (const std::runtime_error& error) {
+        return error.what();
+    }
+    return "nothing";
+}
+
 } // namespace
+
+TEST_CASE("on a line that is not bad a question is answered at once")
+{
+    const TemporaryFolder folder;
+    const ServerProcess server((folder / "x.db").string(), {});
+    const auto times = answerTimes(server.port(), 10);
+    CHECK(*std::min_element(times.begin(), times.end()) < std::chrono::milliseconds(20));
+}
+
+TEST_CASE("latency is what each question and each answer take longer")
+{
+    const TemporaryFolder folder;
+    const ServerProcess server((folder / "x.db").string(), {"--latency", "20"});
+    for (const Clock::duration time : answerTimes(server.port(), 5))
+        CHECK(time >= std::chrono::milliseconds(40));
+}
+
+TEST_CASE("jitter takes another time with each question, half of it each way in the middle")
+{
+    const TemporaryFolder folder;
+    const ServerProcess server((folder / "x.db").string(), {"--jitter", "40"});
+    const auto times = answerTimes(server.port(), 12);
+    CHECK(
+        std::accumulate(times.begin(), times.end(), Clock::duration()) >= 12 * std::chrono::milliseconds(20));
+    const auto [least, most] = std::minmax_element(times.begin(), times.end());
+    CHECK(*most - *least >= std::chrono::milliseconds(20));
+    CHECK(*least < std::chrono::milliseconds(40));
+}
 
 TEST_CASE("behind a slow line everything works, only later: requests, orders and the feed")
 {
     const TemporaryFolder folder;
     ServerProcess server((folder / "x.db").string(), {"--latency", "20", "--jitter", "5"});
     HttpClient client(server.port());
-    const auto begin = Clock::now();
     client.signIn();
-    CHECK(Clock::now() - begin >= std::chrono::milliseconds(40)); // there and back
     const HttpReply reply = client.post("/api/trades/place",
         {{"symbol", "EURUSD"}, {"lotSize", 0.1}, {"accountId", demoAccount(client)}, {"orderKind", "MARKET"},
             {"type", "BUY"}});
@@ -84,6 +147,12 @@ TEST_CASE("a line that is cut breaks feed and requests, again and again")
         }
     }
     CHECK_EQ(broken, 2);
+    std::vector<std::string> ends;
+    for (int attempt = 0; attempt < 100 && ends.size() < 2; ++attempt) {
+        if (const std::string end = endOfFeed(server.port()); !end.empty())
+            ends.push_back(end);
+    }
+    CHECK(ends == (std::vector<std::string>{"connection ended", "connection ended"}));
 }
 
 TEST_CASE("the share of refused connections is refused, the same ones with the same seed")
