@@ -218,8 +218,19 @@ void tst_FaultMatrix::checkTold(const Request& what, Outcome outcome, const QStr
 {
     const QString all = said.join(u'\n');
     const QString reason = reasonOf(outcome, what);
-    if (reason.isEmpty() || what.failure.isEmpty()) { // nothing has failed, or it fails without a word
-        QVERIFY2(what.failure.isEmpty() || !all.contains(what.failure), qPrintable(all));
+    if (what.failure.isEmpty()) { // it fails without a word
+        // But the open positions, which are asked for with the pending orders, may have met the fault.
+        const bool withTrades = what.name == "pending orders" && !reason.isEmpty();
+        const QRegularExpression ofTrades(
+            QRegularExpression::anchoredPattern(u"Network: Failed to load trades: "_s + reason));
+        QVERIFY2(said.isEmpty() || (withTrades && said.size() == 1 && ofTrades.match(all).hasMatch()),
+            qPrintable(all));
+        return;
+    }
+    if (reason.isEmpty()) { // nothing has failed
+        QVERIFY2(!all.contains(what.failure), qPrintable(all));
+        const bool told = outcome == Outcome::Done && !what.success.isEmpty();
+        QVERIFY2(!told || said.count(what.success) == 1, qPrintable(all));
         return;
     }
     const QRegularExpression whole(
@@ -264,22 +275,30 @@ void tst_FaultMatrix::a_fault_has_its_outcome_and_is_over_when_it_is_over()
     // What was known is still known, unless the answer said otherwise.
     if (!what.shows.isEmpty()) {
         const int shown = numberOf(what.shows, desk.shown());
-        const bool pending = what.shows == u"pending"_s; // what cannot be read counts as none
+        // What cannot be read counts as none; all are there if the open positions met the fault instead.
+        const bool tradesStruck = !desk.said.isEmpty() || numberOf(u"open"_s, desk.shown()) == 0;
+        const bool ofPending = what.shows == u"pending"_s && (shown == 0 || (shown == 2 && tradesStruck));
         const int wanted = outcome == Outcome::Done ? 2 : outcome == Outcome::Strange ? 0 : 1;
-        QVERIFY2(
-            shown == wanted || pending || (what.name == "drawings" && shown == 2), qPrintable(desk.shown()));
+        QVERIFY2(shown == wanted || ofPending || (what.name == "drawings" && shown == 2),
+            qPrintable(desk.shown()));
     }
-    QVERIFY(desk.heart.longestWork() < std::chrono::seconds(2));
+    QVERIFY2(desk.heart.answersInTime(), qPrintable(desk.heart.told()));
 
     // When it is over, it is over: at once, but where answers that belong to nobody lie in wait on idle
-    // connections, of which each spoils one request.
+    // connections, of which each spoils one request; then at the latest with new connections.
     desk.line.mend();
     const bool strays
         = (moment == Moment::Between && (fault == Fault::Duplicate || fault == Fault::ServerError))
         || (moment == Moment::Connecting && fault == Fault::OutOfOrder);
     const int tries = strays ? 8 : 1;
     bool right = false;
-    for (int i = 0; i < tries && !right; ++i) {
+    int tried = 0;
+    for (; tried <= tries && !right; ++tried) {
+        if (tried == tries) {
+            if (!strays)
+                break;
+            desk.line.cutAll();
+        }
         desk.turn();
         desk.said.clear();
         desk.server.clearRequests();
@@ -289,9 +308,9 @@ void tst_FaultMatrix::a_fault_has_its_outcome_and_is_over_when_it_is_over()
             && (what.success.isEmpty() || desk.said.contains(what.success))
             && (what.shows.isEmpty() || numberOf(what.shows, desk.shown()) == 2);
     }
-    QVERIFY2(right || strays, qPrintable(desk.shown() + u'\n' + desk.said.join(u'\n')));
-    if (!right)
-        row.said.append(u"stays one answer behind"_s);
+    QVERIFY2(right, qPrintable(desk.shown() + u'\n' + desk.said.join(u'\n')));
+    if (tried > tries)
+        row.said.append(u"stays one answer behind until its connections are cut"_s);
     FaultTable::add(row);
 }
 
