@@ -1474,6 +1474,10 @@ Built with Qt %2, running with Qt %3</source>
 <context>
     <name>SettingsStore</name>
     <message>
+        <source>The settings file may be damaged, and there is no room to put it right. It stays as it is; its last good copy is used, and nothing is saved until there is room.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>The settings file was damaged; its last good copy has been put back.</source>
         <translation type="unfinished"></translation>
     </message>

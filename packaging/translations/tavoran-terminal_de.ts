@@ -1484,6 +1484,10 @@ Erstellt mit Qt %2, ausgeführt mit Qt %3</translation>
 <context>
     <name>SettingsStore</name>
     <message>
+        <source>The settings file may be damaged, and there is no room to put it right. It stays as it is; its last good copy is used, and nothing is saved until there is room.</source>
+        <translation>Die Einstellungsdatei ist vielleicht beschädigt, und es fehlt der Platz, um sie zu richten. Sie bleibt, wie sie ist; ihre letzte gute Kopie wird verwendet, und bis Platz da ist, wird nichts gespeichert.</translation>
+    </message>
+    <message>
         <source>The settings file was damaged; its last good copy has been put back.</source>
         <translation>Die Einstellungsdatei war beschädigt; ihre letzte gute Kopie wurde wiederhergestellt.</translation>
     </message>

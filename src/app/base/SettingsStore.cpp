@@ -52,7 +52,7 @@ SettingsStore::SettingsStore(const QString& filePath)
         repair();
         m_seen = contentOf(m_filePath);
     }
-    m_settings = std::make_unique<QSettings>(m_filePath, QSettings::NativeFormat);
+    open();
 }
 
 SettingsStore::~SettingsStore()
@@ -94,8 +94,12 @@ bool SettingsStore::sync()
     if (lock.isHeld())
         removeSettingsLock(m_filePath);
     // Another terminal may have left half a save there.
-    if (!m_fileIsSuspect && contentOf(m_filePath) != m_seen)
+    if (m_isUnrepaired || (!m_fileIsSuspect && contentOf(m_filePath) != m_seen)) {
         repair();
+        open();
+        if (m_isUnrepaired)
+            return false;
+    }
     if (!m_changes.isEmpty() && !mayWrite())
         return false;
     writeChanges();
@@ -126,6 +130,13 @@ QStringList SettingsStore::takeNotices()
     return std::exchange(m_notices, {});
 }
 
+void SettingsStore::open()
+{
+    const QString path = m_isUnrepaired ? m_backup.copyPath() : m_filePath;
+    if (!m_settings || m_settings->fileName() != path)
+        m_settings = std::make_unique<QSettings>(path, QSettings::NativeFormat);
+}
+
 void SettingsStore::makePrivate()
 {
     QDir().mkpath(QFileInfo(folder()).path());
@@ -147,7 +158,15 @@ void SettingsStore::repair()
     // In a folder that cannot be written nothing can be checked or repaired.
     if (!QFileInfo(folder()).isWritable())
         return;
+    const bool wasTold = std::exchange(m_isUnrepaired, false);
     const QByteArray damaged = repairDamage();
+    if (m_isUnrepaired) {
+        if (!wasTold)
+            m_notices.append(notice(QT_TRANSLATE_NOOP("SettingsStore",
+                "The settings file may be damaged, and there is no room to put it right. It stays as it is; "
+                "its last good copy is used, and nothing is saved until there is room.")));
+        return;
+    }
     if (leaveOutUnsaved(damaged) || !damaged.isEmpty())
         m_notices.append(
             notice(QT_TRANSLATE_NOOP("SettingsStore", "The damaged settings file is kept as %1."))
@@ -164,13 +183,19 @@ QByteArray SettingsStore::repairDamage()
     const State state = m_backup.stateOf(*content);
     if (state == State::Saved)
         return {};
-    if (state == State::Unconfirmed && isWhatWasBeingSaved(*content)) {
+    const std::optional<bool> isWhole
+        = state == State::Unconfirmed ? isWhatWasBeingSaved(*content) : std::optional(false);
+    if (isWhole == true) {
         // A terminal was killed before it had looked at it. Without room the mark stays, and does no harm.
         static_cast<void>(m_backup.confirm(*content));
         return {};
     }
     const QByteArray copy = m_backup.copy();
     const bool copyIsGood = !copy.isEmpty() && (m_backup.vouchesFor(copy) || !m_check.isDamaged(copy));
+    if (!isWhole && copyIsGood && !content->isEmpty()) {
+        m_isUnrepaired = true; // it may be a whole save, or one that was cut
+        return {};
+    }
     // An edit by hand counts, unless it looks like a save that was cut: then the copy is put back, the edit
     // is kept aside, and the trader is told.
     const bool lacksSomething = copyIsGood && (state == State::Unconfirmed || state == State::Cut);
@@ -178,14 +203,19 @@ QByteArray SettingsStore::repairDamage()
         return {};
     if (content->isEmpty() && !copyIsGood)
         return {}; // The first start.
+    // What was cut from the copy is in the copy.
+    const bool isKept = !content->isEmpty() && setAside(*content);
+    const bool wouldBeLost = !isKept && !content->isEmpty() && state != State::Cut;
     if (copyIsGood) {
+        if (wouldBeLost) {
+            m_isUnrepaired = true;
+            return {};
+        }
         if (!m_backup.putBack())
             return {};
         m_notices.append(notice(QT_TRANSLATE_NOOP(
             "SettingsStore", "The settings file was damaged; its last good copy has been put back.")));
-    }
-    const bool isKept = !content->isEmpty() && setAside(*content);
-    if (!copyIsGood) {
+    } else {
         // The file is emptied only once its content is kept aside.
         if (!isKept || !replacePrivateFile(m_filePath, {}))
             return {};
@@ -263,12 +293,10 @@ bool SettingsStore::matchesMemory(const QByteArray& content) const
         .value_or(false);
 }
 
-bool SettingsStore::isWhatWasBeingSaved(const QByteArray& content) const
+std::optional<bool> SettingsStore::isWhatWasBeingSaved(const QByteArray& content) const
 {
-    return m_check
-        .parsed(content,
-            [this](const QSettings& onDisk) { return m_backup.wasToSave(digestOf(settingsValues(onDisk))); })
-        .value_or(false);
+    return m_check.parsed(content,
+        [this](const QSettings& onDisk) { return m_backup.wasToSave(digestOf(settingsValues(onDisk))); });
 }
 
 QString SettingsStore::folder() const

@@ -41,6 +41,7 @@ public:
     [[nodiscard]] QStringList takeNotices();
 
 private:
+    void open();
     void makePrivate();
     void repair();
     [[nodiscard]] QByteArray repairDamage();
@@ -50,7 +51,8 @@ private:
     void writeChanges();
     [[nodiscard]] SettingsValues valuesToCome() const;
     [[nodiscard]] bool matchesMemory(const QByteArray& content) const;
-    [[nodiscard]] bool isWhatWasBeingSaved(const QByteArray& content) const;
+    /// Nothing when there is no room to tell.
+    [[nodiscard]] std::optional<bool> isWhatWasBeingSaved(const QByteArray& content) const;
     [[nodiscard]] QString folder() const;
 
     QString m_filePath;
@@ -60,5 +62,6 @@ private:
     std::unique_ptr<QSettings> m_settings;
     QMap<QString, std::optional<QVariant>> m_changes; ///< since the last good sync; nothing: removed
     std::optional<QByteArray> m_seen;                 ///< the file as it was read or saved last
+    bool m_isUnrepaired = false;                      ///< file and copy stay as they are: no room
     bool m_fileIsSuspect = false;                     ///< the last save did not end well
 };

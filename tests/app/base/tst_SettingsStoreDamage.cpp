@@ -245,6 +245,46 @@ private Q_SLOTS:
         QCOMPARE(modeOf(m_path + u".digest"_s), 0600);
     }
 
+    void anEditThatCannotBeKeptStaysUntilItCan_data()
+    {
+        QTest::addColumn<QByteArray>("edit");
+        QTest::addColumn<bool>("saveHadBegun");
+        QTest::newRow("damaged") << QByteArray("[ui]\ntheme=light\n[window") << false;
+        QTest::newRow("after a save that never ended") << QByteArray("[ui]\ntheme=light\n") << true;
+    }
+    void anEditThatCannotBeKeptStaysUntilItCan()
+    {
+        QFETCH(QByteArray, edit);
+        QFETCH(bool, saveHadBegun);
+        saveAndEnd();
+        if (saveHadBegun)
+            QVERIFY(QFile::rename(m_path + u".digest"_s, m_path + u".saving"_s));
+        writeFile(m_path, edit);
+        const QByteArray copy = contentOf(m_path + u".copy"_s);
+        QVERIFY(QDir().mkpath(m_path + u".damaged/in the way"_s));
+        SettingsStore store(m_path);
+        QVERIFY(holdsEverything(store, {layoutOf(2)}));
+        const QStringList notices = store.takeNotices();
+        QCOMPARE(notices.size(), 1);
+        QVERIFY(notices.constFirst().startsWith("The settings file may be damaged, and there is no room"_L1));
+        store.setValue("auth/email"_L1, u"new@b.example"_s);
+        QVERIFY(!store.sync());
+        QCOMPARE(contentOf(m_path), edit);
+        QCOMPARE(contentOf(store.copyPath()), copy);
+        QCOMPARE(store.takeNotices(), QStringList());
+
+        QVERIFY(QDir(store.damagedPath()).removeRecursively());
+        QVERIFY(store.sync());
+        QCOMPARE(contentOf(store.damagedPath()), edit);
+        QCOMPARE(store.takeNotices().size(), 2);
+        QVERIFY(holdsEverything(store, {layoutOf(2)}));
+        QCOMPARE(contentOf(store.copyPath()), contentOf(m_path));
+        QVERIFY(contentOf(m_path).contains("new@b.example"));
+        SettingsStore again(m_path);
+        QVERIFY(holdsEverything(again, {layoutOf(2)}));
+        QCOMPARE(again.takeNotices(), QStringList());
+    }
+
     void aSaveThatDiffersOnlyInBytesThatAreNoTextIsUndone()
     {
         saveAndEnd();
@@ -257,6 +297,43 @@ private Q_SLOTS:
         QCOMPARE(contentOf(m_path), before);
         QVERIFY(holdsEverything(store, {layoutOf(2)}));
         QCOMPARE(store.takeNotices().size(), 2);
+    }
+
+    void aSaveThatThereIsNoRoomToCheckIsJudgedOnceThereIs_data()
+    {
+        QTest::addColumn<bool>("isWhole");
+        QTest::newRow("whole") << true;
+        QTest::newRow("cut") << false;
+    }
+    void aSaveThatThereIsNoRoomToCheckIsJudgedOnceThereIs()
+    {
+        QFETCH(bool, isWhole);
+        saveAndEnd();
+        const QByteArray before = contentOf(m_path);
+        leaveAsKilledBeforeTheLook(layoutOf(3));
+        if (!isWhole)
+            writeFile(m_path, contentOf(m_path).chopped(20));
+        const QByteArray left = contentOf(m_path);
+        std::unique_ptr<SettingsStore> store;
+        {
+            const fixtures::FullDisk full(10);
+            store = std::make_unique<SettingsStore>(m_path);
+            QVERIFY(holdsEverything(*store, {layoutOf(2)}));
+            QCOMPARE(store->takeNotices().size(), 1);
+            store->setValue("auth/email"_L1, u"new@b.example"_s);
+            QVERIFY(!store->sync());
+            QCOMPARE(contentOf(m_path), left);
+            QCOMPARE(contentOf(store->copyPath()), before);
+            QCOMPARE(store->takeNotices(), QStringList());
+        }
+        QVERIFY(store->sync());
+        QVERIFY(holdsEverything(*store, {layoutOf(isWhole ? 3 : 2)}));
+        QCOMPARE(store->takeNotices().size(), isWhole ? 0 : 2);
+        store.reset();
+        SettingsStore again(m_path);
+        QVERIFY(holdsEverything(again, {layoutOf(isWhole ? 3 : 2)}));
+        QCOMPARE(again.value("auth/email"_L1).toString(), u"new@b.example"_s);
+        QCOMPARE(again.takeNotices(), QStringList());
     }
 
     void aCutSaveIsUndoneWhateverItsMarkTells()
