@@ -11,9 +11,12 @@
 //   rows                  how many rows the Journal has;                                     "rows N"
 //   places                where the charts and their buttons to buy are on the screen, each
 //                         "place chart SYMBOL X Y W H" or "place buy SYMBOL X Y W H"
+//                         and nothing painted is told any more
+//   readings              what each chart reads aloud, "reading SYMBOL TEXT"
 // NS is CLOCK_MONOTONIC, but the processor time used for an errand after "done".
 
 #include <QAbstractItemModel>
+#include <QAccessible>
 #include <QAction>
 #include <QApplication>
 #include <QGenericPlugin>
@@ -177,6 +180,10 @@ private:
             say("rows", {}, m_journal->model()->rowCount());
         } else if (errand == "places") {
             sayPlaces();
+            // Who asks for places measures from now on.
+            qApp->removeEventFilter(this);
+        } else if (errand == "readings") {
+            sayReadings();
         }
     }
 
@@ -192,6 +199,20 @@ private:
                 if (button->text().startsWith(u"BUY"_s))
                     sayPlace("buy", symbol, *button);
             }
+        }
+        std::fflush(stdout);
+    }
+
+    void sayReadings()
+    {
+        for (QWidget* chart : m_window->findChildren<QWidget*>()) {
+            QAccessibleInterface* const side
+                = chart->inherits("ChartWidget") ? QAccessible::queryAccessibleInterface(chart) : nullptr;
+            if (!side)
+                continue;
+            const QByteArray symbol = chart->accessibleName().section(u' ', 1).section(u',', 0, 0).toUtf8();
+            const QByteArray text = side->text(QAccessible::Value).replace(u'\n', u' ').toUtf8();
+            std::printf("reading %s %s\n", symbol.constData(), text.constData());
         }
         std::fflush(stdout);
     }

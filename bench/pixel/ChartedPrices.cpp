@@ -21,10 +21,20 @@ void ChartedPrices::change(int chart, quint32 chance)
 
 QString ChartedPrices::message(int first, int last) const
 {
-    QByteArray quotes;
-    for (int chart = first; chart <= last; ++chart)
-        quotes += (chart > first ? "," : "") + quote(chart);
-    return QString::fromLatin1("{\"type\":\"price_update\",\"data\":{" + quotes + "}}");
+    return QString::fromLatin1("{\"type\":\"price_update\",\"data\":" + quotes(first, last) + '}');
+}
+
+QByteArray ChartedPrices::quotes(int first, int last) const
+{
+    QByteArray text;
+    for (int symbol = first; symbol <= last; ++symbol)
+        text += (symbol > first ? "," : "") + StubPlatform::quote(symbol, points(symbol));
+    return '{' + text + '}';
+}
+
+double ChartedPrices::middle(int chart) const
+{
+    return StubPlatform::middle(points(chart));
 }
 
 QString ChartedPrices::snapshot(int still)
@@ -37,9 +47,9 @@ QString ChartedPrices::snapshot(int still)
     return message(0, symbols - 1);
 }
 
-QByteArray ChartedPrices::quote(int symbol) const
+int ChartedPrices::points(int symbol) const
 {
     constexpr int lowest = 320;
     constexpr int step = 37; // so that hardly a digit stays
-    return StubPlatform::quote(symbol, lowest + step * m_prices.at(symbol));
+    return StubPlatform::lowestPoints(symbol) + lowest + step * m_prices.at(symbol);
 }

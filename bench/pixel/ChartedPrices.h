@@ -21,12 +21,17 @@ public:
 
     /// A message with the quotes of these charts alone, from the first to the last of them.
     [[nodiscard]] QString message(int first, int last) const;
+    /// The quotes of all symbols, an object.
+    [[nodiscard]] QByteArray quotes() const { return quotes(0, symbols - 1); }
+    /// What a chart's newest candle closes at now: the middle of its quote.
+    [[nodiscard]] double middle(int chart) const;
     /// The next message with the quotes of all symbols, of which each fifth has moved; that of the chart
     /// named has not.
     [[nodiscard]] QString snapshot(int still);
 
 private:
-    [[nodiscard]] QByteArray quote(int symbol) const;
+    [[nodiscard]] QByteArray quotes(int first, int last) const;
+    [[nodiscard]] int points(int symbol) const;
 
     QList<int> m_prices; ///< of all symbols
     int m_phase = 0;

@@ -1,6 +1,8 @@
 #include "pixel/Desk.h"
 
+#include "app/base/NumberFormat.h"
 #include "app/base/TerminalSettings.h"
+#include "chart/data/ChartView.h"
 #include "mainwindow/ChartsLayout.h"
 #include "pixel/Monotonic.h"
 #include "scenes/Waiting.h"
@@ -16,8 +18,6 @@ namespace {
 constexpr QSize screenSize(1920, 1200);
 // What the panes of the main window leave to the charts.
 constexpr QSize roomForCharts(1540, 840);
-// The numbers at a chart's right edge.
-constexpr int priceAxisWidth = 48;
 
 PixelRect toPixels(const QRect& rectangle)
 {
@@ -115,12 +115,30 @@ void Desk::waitForRest(const PixelRect& part) const
     }
 }
 
+void Desk::checkNewestCloses()
+{
+    waitForRest({0, 0, screenSize.width(), screenSize.height()});
+    m_program.tell("readings");
+    QHash<QByteArray, QByteArray> readings;
+    for (int i = 0; i < m_charts; ++i) {
+        const QByteArray line = m_program.nextLine("reading");
+        const QByteArray symbol = line.split(' ').value(1);
+        readings.insert(symbol, line.mid(line.indexOf(symbol)));
+    }
+    for (int chart = 0; chart < m_charts; ++chart) {
+        const QString reading = QString::fromUtf8(readings.value(StubPlatform::symbolName(chart).toLatin1()));
+        const QString close = u"close %1,"_s.arg(formatPrice(m_prices.middle(chart), StubPlatform::digits));
+        if (!reading.contains(close))
+            giveUp(u"a chart has not taken the last price, %1 but: %2"_s.arg(close, reading));
+    }
+}
+
 std::vector<Spot> Desk::learnSpots()
 {
     std::vector<std::vector<Picture>> pictures(static_cast<std::size_t>(m_charts));
     const auto axis = [this](int chart) {
         QRect place = m_places.value(StubPlatform::symbolName(chart).toLatin1());
-        place.setLeft(place.right() + 1 - priceAxisWidth);
+        place.setLeft(place.right() + 1 - ChartView::priceAxisWidth);
         return toPixels(place);
     };
     // In the first round the newest candles get their highs and lows.

@@ -39,6 +39,10 @@ public:
     /// The middle of the button to buy on the first chart.
     [[nodiscard]] QPoint buyButton() const { return m_buy.center(); }
 
+    /// Gives up unless the newest candle of each chart has taken the last price that was sent: a chart that
+    /// only moves its price line does less than a trader's.
+    void checkNewestCloses();
+
     /// Waits until a part of the screen has not changed for a while.
     void waitForRest(const PixelRect& part) const;
 
@@ -51,10 +55,10 @@ private:
     int m_charts;
     XvfbServer m_server;
     ScreenFile m_file;
-    StubPlatform m_platform{ChartedPrices::symbols};
+    ChartedPrices m_prices;
+    StubPlatform m_platform{ChartedPrices::symbols, m_prices.quotes()};
     Settings m_settings;
     WatchedProgram m_program;
-    ChartedPrices m_prices;
     QHash<QByteArray, QRect> m_places; ///< of the charts, by symbol
     QRect m_buy;
 };

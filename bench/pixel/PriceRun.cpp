@@ -3,6 +3,7 @@
 #include "scenes/Waiting.h"
 
 #include <QCoreApplication>
+#include <QElapsedTimer>
 
 #include <algorithm>
 #include <optional>
@@ -68,7 +69,11 @@ void PriceRun::measureLoaded(int snapshotsASecond, int samples)
     QTimer snapshots;
     snapshots.setTimerType(Qt::PreciseTimer);
     bool due = false;
-    QObject::connect(&snapshots, &QTimer::timeout, &snapshots, [&] {
+    qint64 sent = 0;
+    qint64 sentBefore = 0;
+    QElapsedTimer clock;
+    const auto sendNext = [&] {
+        ++sent;
         // Made before the price counts as sent: what it takes to make it is not the terminal's.
         const bool withPrice = std::exchange(due, false);
         if (withPrice)
@@ -79,16 +84,31 @@ void PriceRun::measureLoaded(int snapshotsASecond, int samples)
         const qint64 now = m_desk.send(message);
         if (withPrice)
             sentNs = now;
+    };
+    constexpr qint64 second = 1'000'000'000;
+    QObject::connect(&snapshots, &QTimer::timeout, &snapshots, [&] {
+        // What was kept from its time follows at once, but never as a flood.
+        constexpr int mostAtOnce = 5;
+        const qint64 wanted = clock.nsecsElapsed() * snapshotsASecond / second;
+        for (int i = 0; i < mostAtOnce && sent < wanted; ++i)
+            sendNext();
     });
+    clock.start();
     snapshots.start(1000 / snapshotsASecond);
+    qint64 beganNs = 0;
     for (int i = -warmUp; i < samples; ++i) {
-        if (i == 0)
+        if (i == 0) {
             forgetWarmUp();
+            sentBefore = sent;
+            beganNs = clock.nsecsElapsed();
+        }
         due = true;
         waitUntil([&] { return sentNs.has_value(); }, u"the next snapshot"_s);
         finish(*std::exchange(sentNs, std::nullopt));
         pauseByChance();
     }
+    m_rate = static_cast<double>(sent - sentBefore) * static_cast<double>(second)
+        / static_cast<double>(clock.nsecsElapsed() - beganNs);
 }
 
 void PriceRun::start(const std::vector<const Spot*>& spots, int price)

@@ -32,8 +32,11 @@ public:
     [[nodiscard]] const std::vector<double>& milliseconds() const { return m_ms; }
     /// How long before each sighting the watcher had looked.
     [[nodiscard]] const std::vector<double>& grainsMs() const { return m_grainsMs; }
-    /// What is left of each time without that in which terminal and X server waited for a processor.
+    /// What is left of each time without that in which terminal and X server waited for a processor: its
+    /// lower bound, since both may have waited at once.
     [[nodiscard]] const std::vector<double>& ownMs() const { return m_ownMs; }
+    /// How many snapshots a second were sent while times were taken; 0 when none were.
+    [[nodiscard]] double rate() const { return m_rate; }
     [[nodiscard]] int missed() const { return m_missed; }
     [[nodiscard]] int early() const { return m_early; }
 
@@ -58,6 +61,7 @@ private:
     std::vector<double> m_ms;
     std::vector<double> m_grainsMs;
     std::vector<double> m_ownMs;
+    double m_rate = 0.0;
     int m_missed = 0;
     int m_early = 0;
 };

@@ -7,8 +7,7 @@
 
 /// The screen of an Xvfb that was started with -fbdir FOLDER, mapped into this process: what the X server
 /// draws stands here in the same moment, and looking at it costs nobody else anything. The folder should lie
-/// in memory
-/// (/dev/shm), since the kernel stops whoever writes into a page that is on its way to a disk.
+/// in memory (/dev/shm), since the kernel stops whoever writes into a page that is on its way to a disk.
 class ScreenFile final {
 public:
     /// FOLDER/Xvfb_screen0. Throws std::runtime_error when there is nothing to be looked at.

@@ -56,11 +56,14 @@ void measureQuiet(int charts, int samples)
     const QByteArray name = "quiet_" + QByteArray::number(charts);
     PriceRun one(desk, spots);
     one.measureQuiet(PriceRun::Brings::OneChart, samples);
+    if (charts == 1)
+        desk.checkNewestCloses();
     printRun(name, one);
     if (charts == 1)
         return;
     PriceRun every(desk, spots);
     every.measureQuiet(PriceRun::Brings::EveryChart, samples);
+    desk.checkNewestCloses();
     printRun(name + "_every", every);
 }
 
@@ -71,7 +74,10 @@ void measureLoaded(int charts, int samples)
     const std::vector<Spot> spots = desk.learnSpots();
     PriceRun run(desk, spots);
     run.measureLoaded(snapshotsASecond, samples);
-    printRun("loaded_" + QByteArray::number(charts), run);
+    desk.checkNewestCloses();
+    const QByteArray name = "loaded_" + QByteArray::number(charts);
+    printRun(name, run);
+    print(name + "_rate", run.rate());
 }
 
 void measureClicks(int charts, int samples)

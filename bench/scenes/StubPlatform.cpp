@@ -1,43 +1,58 @@
 #include "scenes/StubPlatform.h"
 
+#include "chart/series/Timeframe.h"
 #include "pixel/Monotonic.h"
 #include "scenes/Waiting.h"
 
 #include <QDateTime>
 #include <QTcpSocket>
+#include <QUrl>
+#include <QUrlQuery>
 
 using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr int pointsBetweenSymbols = 10'000;
+constexpr int historyLength = 1000;
+constexpr double point = 0.00001;
+constexpr double lowest = 1.1;
+constexpr double spread = 0.0001;
 
-QByteArray candles(int count)
+QByteArray price(double value)
 {
-    const QDateTime end = QDateTime::currentDateTimeUtc();
+    return QByteArray::number(value, 'f', StubPlatform::digits);
+}
+
+/// Candles of that length, the newest of which began at `newestMs`. It has traded less than any other, so
+/// that the volume's scale does not change while prices come.
+QByteArray candles(double base, qint64 lengthMs, qint64 newestMs)
+{
+    constexpr int ordinaryVolume = 100'000;
+    constexpr int newestVolume = 1'000;
     QByteArray text;
-    for (int i = 0; i < count; ++i) {
-        const double open = 1.1 + (i * 7 % 97) * 0.0001;
-        text += (i ? "," : "") + QByteArray("{\"timestamp\":\"")
-            + end.addSecs(900LL * (i - count)).toString(Qt::ISODateWithMs).toLatin1() + "\",\"open\":"
-            + QByteArray::number(open, 'f', 5) + ",\"high\":" + QByteArray::number(open + 0.0008, 'f', 5)
-            + ",\"low\":" + QByteArray::number(open - 0.0007, 'f', 5)
-            + ",\"close\":" + QByteArray::number(open + 0.0003, 'f', 5)
-            + ",\"volume\":" + QByteArray::number(100 + i % 50) + '}';
+    for (int i = 0; i < historyLength; ++i) {
+        const int ago = historyLength - 1 - i;
+        const double open = base + (i * 7 % 97) * 0.0001;
+        const QDateTime time = QDateTime::fromMSecsSinceEpoch(newestMs - lengthMs * ago, Qt::UTC);
+        text += (i ? "," : "") + QByteArray("{\"timestamp\":\"") + time.toString(Qt::ISODateWithMs).toLatin1()
+            + "\",\"open\":" + price(open) + ",\"high\":" + price(open + 0.0008)
+            + ",\"low\":" + price(open - 0.0007) + ",\"close\":" + price(open + 0.0003) + ",\"volume\":"
+            + QByteArray::number(ago > 0 ? ordinaryVolume + i % 50 * 100 : newestVolume) + '}';
     }
     return '[' + text + ']';
 }
 
 } // namespace
 
-StubPlatform::StubPlatform(int symbols)
+StubPlatform::StubPlatform(int symbols, const QByteArray& helloPrices)
     : m_symbols(symbols)
 {
     QByteArray records;
     for (int i = 0; i < symbols; ++i)
-        records += (i ? ",{\"name\":\"" : "{\"name\":\"") + symbolName(i).toLatin1() + "\",\"digits\":5}";
-    m_hello = QString::fromLatin1(
-        "{\"type\":\"hello\",\"symbols\":[" + records + "],\"prices\":" + prices(0) + '}');
+        records += (i ? ",{\"name\":\"" : "{\"name\":\"") + symbolName(i).toLatin1()
+            + "\",\"digits\":" + QByteArray::number(digits) + '}';
+    m_hello = QString::fromLatin1("{\"type\":\"hello\",\"symbols\":[" + records
+        + "],\"prices\":" + (helloPrices.isEmpty() ? prices(0) : helloPrices) + '}');
     m_http.on("GET", "/api/settings/public", StubAnswer::json("{\"settings\":{}}"));
     m_http.on("POST", "/api/auth/login",
         StubAnswer::json("{\"token\":\"secret-token-123\",\"email\":\"trader@example.test\"}"));
@@ -45,7 +60,7 @@ StubPlatform::StubPlatform(int symbols)
         StubAnswer::json("[{\"id\":\"a1\",\"type\":\"DEMO\",\"status\":\"ACTIVE\",\"balance\":\"1000\"}]"));
     for (const char* list : {"/api/trades/open", "/api/trades/pending", "/api/trades/history"})
         m_http.on("GET", list, StubAnswer::json("[]"));
-    m_http.on("GET", "/api/candles", StubAnswer::json(candles(1000)));
+    m_http.on("GET", "/api/candles", StubAnswer::held());
     m_http.on("POST", "/api/trades/place", StubAnswer::json("{}"));
     QObject::connect(&m_http, &StubHttpServer::requestReceived, &m_http,
         [this](const StubRequest& request) { takeRequest(request); });
@@ -62,9 +77,20 @@ QString StubPlatform::symbolName(int index)
 
 QByteArray StubPlatform::quote(int index, int points)
 {
-    const double bid = 1.1 + points * 0.00001;
-    return '"' + symbolName(index).toLatin1() + "\":{\"bid\":" + QByteArray::number(bid, 'f', 5)
-        + ",\"ask\":" + QByteArray::number(bid + 0.0001, 'f', 5) + '}';
+    const double bid = lowest + points * point;
+    return '"' + symbolName(index).toLatin1() + "\":{\"bid\":" + price(bid)
+        + ",\"ask\":" + price(bid + spread) + '}';
+}
+
+double StubPlatform::middle(int points)
+{
+    return lowest + points * point + spread / 2.0;
+}
+
+int StubPlatform::lowestPoints(int index)
+{
+    constexpr int pointsBetweenSymbols = 10'000;
+    return index * pointsBetweenSymbols;
 }
 
 QString StubPlatform::url() const
@@ -76,8 +102,23 @@ QByteArray StubPlatform::prices(int phase) const
 {
     QByteArray text;
     for (int i = 0; i < m_symbols; ++i)
-        text += (i ? "," : "") + quote(i, i * pointsBetweenSymbols + phase * (i + 3) % 41);
+        text += (i ? "," : "") + quote(i, lowestPoints(i) + phase * (i + 3) % 41);
     return '{' + text + '}';
+}
+
+QByteArray StubPlatform::history(const QByteArray& target)
+{
+    const QUrlQuery query(QUrl::fromEncoded(target));
+    const qint64 lengthMs = timeframeMs(query.queryItemValue(u"timeframe"_s, QUrl::FullyDecoded));
+    const qint64 now = QDateTime::currentMSecsSinceEpoch();
+    // The newest one is running: a price that comes now belongs to it.
+    const qint64 newestMs = now - now % lengthMs;
+    History& history = m_histories[target];
+    if (history.newestMs != newestMs) {
+        const int index = query.queryItemValue(u"symbol"_s, QUrl::FullyDecoded).mid(3).toInt();
+        history = {newestMs, candles(lowest + lowestPoints(index) * point, lengthMs, newestMs)};
+    }
+    return history.text;
 }
 
 void StubPlatform::takeRequest(const StubRequest& request)
@@ -86,6 +127,8 @@ void StubPlatform::takeRequest(const StubRequest& request)
         onRequest(request);
     if (request.target == "/api/auth/login")
         acceptedAt = monotonicNs();
+    if (request.path() == "/api/candles")
+        m_http.release(StubAnswer::json(history(request.target)), request.target);
     QMetaObject::invokeMethod(
         &m_http, [this] { m_http.clearRequests(); }, Qt::QueuedConnection);
 }
