@@ -13,10 +13,11 @@ Lookout::Lookout(std::int64_t pauseNs)
 
 void Lookout::goFirst()
 {
-    sched_param least{};
-    least.sched_priority = sched_get_priority_min(SCHED_FIFO);
+    // One above the least, at which the programs that are looked at may run on a busy machine.
+    sched_param low{};
+    low.sched_priority = sched_get_priority_min(SCHED_FIFO) + 1;
     // A user without that right looks like anybody else, and sees in each AGO what it costs.
-    static_cast<void>(pthread_setschedparam(pthread_self(), SCHED_FIFO, &least));
+    static_cast<void>(pthread_setschedparam(pthread_self(), SCHED_FIFO, &low));
 }
 
 void Lookout::pause(std::int64_t ns)

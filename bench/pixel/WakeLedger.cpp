@@ -12,15 +12,22 @@ constexpr std::int64_t beforeDeedNs = 60'000'000;
 
 } // namespace
 
-WakeLedger::WakeLedger(const std::vector<Wake>& wakes, const Timer& timer, const std::vector<Deed>& deeds)
+WakeLedger::WakeLedger(const std::vector<Wake>& wakes, std::int64_t periodNs, const std::vector<Deed>& deeds)
 {
     std::optional<std::int64_t> firstTurn;
-    // As many turns as periods have begun since the first one: a late one does not make the next one too
-    // many.
-    const auto isDue = [&](std::int64_t ns) {
-        return !firstTurn
-            || m_ofTimer
-            < static_cast<double>(ns - *firstTurn) / static_cast<double>(timer.periodNs) + earlyShareOfPeriod;
+    std::int64_t turns = 0; // taken or let go
+    // A turn for each period that has begun since the first one: a late one does not make the next one too
+    // many. Of the turns that nothing has taken only one is late, the others are let go.
+    const auto takeTurn = [&](std::int64_t ns) {
+        const double periods
+            = static_cast<double>(ns - firstTurn.value_or(ns)) / static_cast<double>(periodNs);
+        const auto begun = static_cast<std::int64_t>(periods + earlyShareOfPeriod) + 1;
+        firstTurn = firstTurn.value_or(ns);
+        turns = std::max(turns, begun - 2);
+        if (turns >= begun)
+            return false;
+        ++turns;
+        return true;
     };
     for (const Wake& wake : wakes) {
         m_all += wake.count;
@@ -29,8 +36,7 @@ WakeLedger::WakeLedger(const std::vector<Wake>& wakes, const Timer& timer, const
             return wake.ns >= deed.atNs - beforeDeedNs && wake.ns <= deed.atNs + deed.takesNs;
         });
         int left = wake.count;
-        if (wake.mainThread && left > 0 && isDue(wake.ns)) {
-            firstTurn = firstTurn.value_or(wake.ns);
+        if (wake.mainThread && left > 0 && takeTurn(wake.ns)) {
             ++m_ofTimer;
             --left;
         }

@@ -16,11 +16,6 @@ struct Wake final {
 /// Which wake-ups known timers explain, and how many are left.
 class WakeLedger final {
 public:
-    /// A timer of the main thread that turns for ever: one wake-up in each of its periods.
-    struct Timer {
-        std::string name;
-        std::int64_t periodNs = 0;
-    };
     /// Something that the program did at this moment because of a timer, seen from outside, such as a ping;
     /// whatever wakes within the time that it takes belongs to it.
     struct Deed {
@@ -28,7 +23,9 @@ public:
         std::int64_t takesNs = 0;
     };
 
-    WakeLedger(const std::vector<Wake>& wakes, const Timer& timer, const std::vector<Deed>& deeds);
+    /// With the period of a timer of the main thread that turns for ever: one wake-up in each period is its
+    /// own, or two in the period after one without.
+    WakeLedger(const std::vector<Wake>& wakes, std::int64_t periodNs, const std::vector<Deed>& deeds);
 
     [[nodiscard]] int all() const { return m_all; }
     [[nodiscard]] int ofTimer() const { return m_ofTimer; }

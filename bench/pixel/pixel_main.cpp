@@ -104,7 +104,7 @@ void measureWakes(int charts, int seconds)
     WakeSampler sampler(desk.program().processId());
     pauseFor(1000 * seconds);
     const std::vector<Wake> wakes = sampler.finish();
-    const WakeLedger ledger(wakes, {"dock snapshot", second}, deeds);
+    const WakeLedger ledger(wakes, second, deeds);
     const double aMinute = 60.0 / seconds;
     print("wakes_a_minute", ledger.all() * aMinute);
     print("wakes_dock_snapshot", ledger.ofTimer() * aMinute);

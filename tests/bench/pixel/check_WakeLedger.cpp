@@ -5,7 +5,7 @@
 namespace {
 
 constexpr std::int64_t ms = 1'000'000;
-const WakeLedger::Timer everySecond{"snapshot", 1000 * ms};
+constexpr std::int64_t everySecond = 1000 * ms;
 
 Wake ofMain(std::int64_t atMs, int count = 1)
 {
@@ -25,6 +25,14 @@ TEST_CASE("a wake-up that came late is no second one when the next comes in time
     const WakeLedger ledger({ofMain(200), ofMain(1360), ofMain(2200)}, everySecond, {});
     CHECK_EQ(ledger.ofTimer(), 3);
     CHECK_EQ(ledger.beyond(), 0);
+}
+
+TEST_CASE("of the turns that a timer has not taken only one is late")
+{
+    const WakeLedger ledger(
+        {ofMain(200), ofMain(5200), ofMain(5210), ofMain(5220), ofMain(6200)}, everySecond, {});
+    CHECK_EQ(ledger.ofTimer(), 4);
+    CHECK_EQ(ledger.beyond(), 1);
 }
 
 TEST_CASE("a second wake-up within a period is one too many")
