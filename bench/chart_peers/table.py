@@ -9,10 +9,12 @@ ROWS = [
       for width in (7, 1)
       for kind, title in (("tick", "price frame"), ("pointer", "crosshair frame"), ("pan", "pan frame"))),
     ("price frame, 7 px, 100 000 loaded", ("tick_loaded_cpu", "tick_loaded_wall"), ("{:.2f}", "{:.1f}")),
+    ("frame without a chart", ("frame_bare_cpu", "frame_bare_wall"), ("{:.2f}", "{:.1f}")),
     ("memory without a chart, MB", ("memory_bare",), ("{:.0f}",)),
     ("memory with 1 000 candles, MB", ("memory_1000",), ("{:.0f}",)),
     ("memory with 100 000 candles, MB", ("memory_100000",), ("{:.0f}",)),
     ("price to pixel, ms: median / 95 of a hundred", ("pixel_median", "pixel_late"), ("{:.1f}", "{:.1f}")),
+    ("prices not seen / sent", ("pixel_missed", "pixel_sent"), ("{:.0f}", "{:.0f}")),
     ("bars in view at 7 px / at 1 px", ("bars_7", "bars_1"), ("{:.0f}", "{:.0f}")),
 ]
 
@@ -52,12 +54,3 @@ def table(values, columns):
     rule = "|" + "|".join("-" * (width + 2) if number == 0 else "-" * (width + 1) + ":"
                           for number, width in enumerate(widths)) + "|"
     return "\n".join([written(lines[0]), rule, *map(written, lines[1:])])
-
-
-def disagreement(shown):
-    """The largest relative difference between programs that should show the same values; None without two."""
-    known = [values for values in shown if values]
-    if len(known) < 2:
-        return None
-    return max((abs(one - other) / max(abs(one), abs(other), 1e-300)
-                for values in known[1:] for one, other in zip(known[0], values, strict=True)), default=0.0)

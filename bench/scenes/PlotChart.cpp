@@ -10,7 +10,8 @@
 
 namespace {
 
-constexpr std::size_t window = 400; ///< bars by which an exponential average forgets what was before
+constexpr std::size_t window = 400;  ///< bars by which an exponential average forgets what was before
+constexpr double volumeShare = 0.14; ///< of the height, for the largest volume in view
 
 } // namespace
 
@@ -53,7 +54,6 @@ void PlotChart::buildPrices()
         m_candles->data()->add({static_cast<double>(i), bar.open, bar.high, bar.low, bar.close});
         m_volume->data()->add({static_cast<double>(i), static_cast<double>(bar.volume)});
     }
-    m_plot.yAxis2->setRange(0, 4000);
     m_lines[0] = addLine(m_plot.xAxis, m_plot.yAxis, plain::simple(m_series, 20), QColor(0xff, 0xd5, 0x4f));
     m_lines[1]
         = addLine(m_plot.xAxis, m_plot.yAxis, plain::exponential(m_series, 50), QColor(0x4f, 0xc3, 0xf7));
@@ -146,6 +146,7 @@ void PlotChart::takeTick(double bid)
         plain::simple(tail, 100).back(), plain::rsi(tail, 14).back()};
     for (std::size_t i = 0; i < m_lines.size(); ++i)
         (m_lines[i]->data()->end() - 1)->value = values[i];
+    show(static_cast<double>(m_series.size()) - 1); // prices and volumes still fit
 }
 
 void PlotChart::panFrame()
@@ -185,15 +186,17 @@ void PlotChart::show(double last)
     const auto from = static_cast<std::size_t>(std::max(0.0, last - m_visibleBars));
     double low = 1e300;
     double high = -1e300;
+    qint32 volume = 1;
     for (std::size_t i = from; i <= static_cast<std::size_t>(last); ++i) {
         low = std::min(low, m_series[i].low);
         high = std::max(high, m_series[i].high);
+        volume = std::max(volume, m_series[i].volume);
     }
+    m_plot.yAxis2->setRange(0, volume / volumeShare);
     m_plot.yAxis->setRange(low - (high - low) * 0.06, high + (high - low) * 0.06);
 }
 
 void PlotChart::replot()
 {
-    m_plot.replot(QCustomPlot::rpImmediateRefresh);
-    m_plot.repaint();
+    m_plot.replot(QCustomPlot::rpImmediateRefresh); // repaints, too
 }

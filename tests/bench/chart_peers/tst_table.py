@@ -45,16 +45,13 @@ class Table(unittest.TestCase):
         self.assertEqual(100, table.percentile(values, 1))
         self.assertEqual(7, table.percentile([7], 0.95))
 
-    def test_programs_disagree_by_their_largest_relative_difference(self):
-        self.assertAlmostEqual(0.5, table.disagreement([[1.0, 50.0], [1.0, 50.0], [2.0, 50.0]]))
-        self.assertEqual(0.0, table.disagreement([[1.0], [1.0]]))
+    def test_prices_that_were_not_seen_have_a_row(self):
+        shown = rows({("other", "pixel_missed"): 3, ("other", "pixel_sent"): 75})
+        self.assertEqual(["- / -", "3 / 75"], shown["prices not seen / sent"])
 
-    def test_one_program_alone_cannot_disagree(self):
-        self.assertIsNone(table.disagreement([[1.0, 2.0], []]))
-
-    def test_a_missing_line_is_no_agreement(self):
-        with self.assertRaises(ValueError):
-            table.disagreement([[1.0, 2.0], [1.0]])
+    def test_a_frame_without_a_chart_has_a_row(self):
+        shown = rows({("chart", "frame_bare_cpu"): 0.012, ("chart", "frame_bare_wall"): 0.06})
+        self.assertEqual(["0.01 / 0.1", "- / -"], shown["frame without a chart"])
 
 
 if __name__ == "__main__":
