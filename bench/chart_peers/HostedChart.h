@@ -14,7 +14,7 @@ public:
     HostedChart& operator=(const HostedChart&) = delete;
     virtual ~HostedChart() = default;
 
-    /// A price of the newest candle, painted with the next turn of the event loop.
+    /// A price, whose middle is the newest candle's; painted with the next turn of the event loop.
     virtual void tick(double bid, double ask) = 0;
 
     virtual void tickFrame(double bid, double ask) = 0;

@@ -41,10 +41,13 @@ function mouse(type, x, y, buttons = 0) {
   }));
 }
 
+/// Candles are made of the price in the middle, as the terminal makes them.
+function tick(bid, ask) { chart.tick((bid + ask) / 2); }
+
 const changes = {
   tick: {
     begin() {},
-    change() { chart.tick(...ticks[step % ticks.length]); },
+    change() { tick(...ticks[step % ticks.length]); },
     end() {},
   },
   pointer: {
@@ -117,6 +120,6 @@ socket.onmessage = async ({ data }) => {
     return;
   }
   const message = JSON.parse(data);
-  if ("bid" in message) chart.tick(message.bid, message.ask);
+  if ("bid" in message) tick(message.bid, message.ask);
   else socket.send(JSON.stringify(await commands[message.do](message)));
 };

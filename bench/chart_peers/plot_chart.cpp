@@ -12,8 +12,8 @@ public:
     {
     }
 
-    void tick(double bid, double) override { m_plot.tick(bid); }
-    void tickFrame(double bid, double) override { m_plot.tickFrame(bid); }
+    void tick(double bid, double ask) override { m_plot.tick((bid + ask) / 2); }
+    void tickFrame(double bid, double ask) override { m_plot.tickFrame((bid + ask) / 2); }
     void pointerFrame() override { m_plot.pointerFrame(); }
     void panFrame() override { m_plot.panFrame(); }
     void endPan() override { m_plot.endPan(); }
