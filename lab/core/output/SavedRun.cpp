@@ -274,8 +274,11 @@ void readOrigin(const fs::path& file, SavedRun& run)
     };
     for (const auto& [key, value] : origin.items()) {
         if (key == "inputs" && value.is_object()) {
-            for (const auto& [name, literal] : value.items())
-                run.origin.emplace_back("input " + name, textOf(literal));
+            // The text of what is nested endlessly would take more stack than there is.
+            for (const auto& [name, literal] : value.items()) {
+                if (literal.is_primitive())
+                    run.origin.emplace_back("input " + name, textOf(literal));
+            }
         } else if (value.is_primitive()) {
             run.origin.emplace_back(key, textOf(value));
         }

@@ -19,8 +19,8 @@ struct SavedRun {
     std::vector<std::pair<std::string, std::optional<double>>> figures;
     std::vector<std::string> warnings;
     bool simulated = false; ///< its prices; false where the folder does not tell
-    /// What was run, by the keys of run.json, inputs as "input NAME", each as its JSON; empty where the
-    /// folder does not tell.
+    /// What was run, by the keys of run.json, inputs as "input NAME", each as its JSON, without what is made
+    /// of several values; empty where the folder does not tell.
     std::vector<std::pair<std::string, std::string>> origin;
     std::string symbol; ///< of the trades that name none of their own; empty without trades
     int digits = 5;     ///< of their prices

@@ -176,6 +176,24 @@ TEST_CASE("a missing file is told in one line")
         message, "cannot read " + (place.path() / "summary.json").string() + ": No such file or directory");
 }
 
+TEST_CASE("an input that is nested endlessly is none")
+{
+    const ResultPlace place;
+    const RunResult run = smallRun();
+    ResultFolder folder(place.path());
+    folder.add("summary.json", summaryJson(figuresOf(run)));
+    folder.add("trades.csv", tradesCsv(run));
+    folder.add("equity.csv", equityCsv(run));
+    constexpr std::size_t depth = 1'000'000;
+    folder.add("run.json",
+        R"({"inputs": {"Fast": "5", "Odd": )" + std::string(depth, '[') + std::string(depth, ']') + "}}");
+    folder.commit();
+    const SavedRun read = readSavedRun(place.path());
+    REQUIRE(read.origin.size() == 1);
+    CHECK_EQ(read.origin[0].first, "input Fast");
+    CHECK_EQ(read.origin[0].second, "5");
+}
+
 TEST_CASE("the first trade that differs is found")
 {
     const SavedRun one = saved(smallRun());
