@@ -30,8 +30,6 @@ using boost::system::error_code;
 
 namespace {
 
-constexpr std::uint32_t longestHeader = 16 * 1024;
-constexpr std::uint64_t longestBody = 64UL * 1024;
 constexpr std::chrono::seconds lingerLimit{2};
 constexpr std::size_t lingerBytes = 1024UL * 1024;
 constexpr const char* serverName = "tavoran-practice";

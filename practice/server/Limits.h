@@ -2,8 +2,13 @@
 
 #include <chrono>
 #include <cstddef>
+#include <cstdint>
 
 namespace practice {
+
+/// The longest of a request that is read, in bytes.
+inline constexpr std::uint32_t longestHeader = 16 * 1024;
+inline constexpr std::uint64_t longestBody = 64UL * 1024;
 
 /// What the server puts up with before it ends a connection.
 struct Limits {
