@@ -1,31 +1,66 @@
-// A program of fuzz targets. Called as fuzz_NAME it is the target of that name.
+// A program of fuzz targets. Called as fuzz_NAME it is the target of that name; with --longest it only tells
+// how long inputs get.
 
 #include "fuzz/Target.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <map>
 #include <string>
+#include <string_view>
+#include <vector>
 
 namespace {
 
-std::map<std::string, fuzz::Attempt>& targets()
+struct Known {
+    fuzz::Attempt attempt = nullptr;
+    std::size_t longest = 0;
+    const char* option = nullptr;
+};
+
+std::map<std::string, Known>& targets()
 {
-    static std::map<std::string, fuzz::Attempt> all;
+    static std::map<std::string, Known> all;
     return all;
 }
 
-fuzz::Attempt chosen = nullptr;
+Known chosen;
+
+constexpr std::string_view repeatMark = "~*";
+
+/// The text with its repeats written out, cut where it gets too long.
+std::string writtenOut(std::string_view text, std::size_t longest)
+{
+    std::string result;
+    while (!text.empty() && result.size() < longest) {
+        const std::size_t at = text.find(repeatMark);
+        result += text.substr(0, at);
+        text.remove_prefix(std::min(at, text.size()));
+        if (text.empty())
+            break;
+        const std::size_t power = text.size() > 3 ? static_cast<std::size_t>(text[2] - 'A') : 26;
+        if (power < 26) {
+            result.append(std::min(std::size_t{1} << power, longest), text[3]);
+            text.remove_prefix(4);
+        } else {
+            result += repeatMark;
+            text.remove_prefix(repeatMark.size());
+        }
+    }
+    result.resize(std::min(result.size(), longest));
+    return result;
+}
 
 } // namespace
 
-fuzz::Target::Target(const char* name, Attempt attempt)
+fuzz::Target::Target(const char* name, Attempt attempt, std::size_t longest, const char* option)
 {
-    targets().emplace(name, attempt);
+    targets().emplace(name, Known{attempt, longest, option});
 }
 
 // libFuzzer calls both of these.
-extern "C" int LLVMFuzzerInitialize(int* /*count*/, char*** arguments)
+extern "C" int LLVMFuzzerInitialize(int* count, char*** arguments)
 {
     const std::string called = **arguments;
     const std::string name = called.substr(called.rfind('/') + 1);
@@ -35,10 +70,30 @@ extern "C" int LLVMFuzzerInitialize(int* /*count*/, char*** arguments)
         std::exit(1);
     }
     chosen = found->second;
+    if (*count == 2 && std::string_view((*arguments)[1]) == "--longest") {
+        std::printf("%zu\n", chosen.longest);
+        std::exit(0);
+    }
+    // The first of all options: another one behind them has the last word.
+    static std::string longest = "-max_len=" + std::to_string(chosen.longest);
+    static std::vector<char*> all(*arguments, *arguments + *count);
+    all.insert(all.begin() + 1, longest.data());
+    static std::string option = chosen.option ? chosen.option : "";
+    if (!option.empty())
+        all.insert(all.begin() + 1, option.data());
+    *count = static_cast<int>(all.size());
+    all.push_back(nullptr);
+    *arguments = all.data();
     return 0;
 }
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
-    return chosen(data, size);
+    const std::string_view text(reinterpret_cast<const char*>(data), size);
+    if (text.find(repeatMark) == std::string_view::npos)
+        return chosen.attempt(data, size);
+    const std::string all = writtenOut(text, chosen.longest);
+    // Of just this size, so that reading on behind the end is noticed.
+    const std::vector<std::uint8_t> bytes(all.begin(), all.end());
+    return chosen.attempt(bytes.data(), bytes.size());
 }

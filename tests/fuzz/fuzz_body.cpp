@@ -5,7 +5,9 @@
 #include "practice/server/Api.h"
 #include "practice/server/BodyReader.h"
 #include "practice/server/JsonText.h"
+#include "practice/server/Limits.h"
 
+#include <algorithm>
 #include <cmath>
 
 using fuzz::demand;
@@ -48,10 +50,15 @@ int attempt(const std::uint8_t* data, std::size_t size)
     const auto body = taken([&] { return practice::BodyReader(text); });
     if (!body)
         return 0;
+    // The platform writes nothing out again whose depth it has not read.
+    const bool isFlat
+        = std::count_if(text.begin(), text.end(), [](char c) { return c == '[' || c == '{'; }) < 1000;
     for (const char* name : {"accountId", "symbol", "orderKind", "type", "lotSize", "pendingPrice",
              "stopLoss", "takeProfit", "comment", "points", "style"}) {
         readField(*body, name);
         if (const nlohmann::json* value = body->find(name)) {
+            if (!isFlat)
+                continue;
             const std::string written = practice::jsonText(*value);
             demand(nlohmann::json::parse(written, nullptr, false) == *value,
                 "a value is written as it was read");
@@ -60,7 +67,7 @@ int attempt(const std::uint8_t* data, std::size_t size)
     return 0;
 }
 
-const fuzz::Target target("body", &attempt);
+const fuzz::Target target("body", &attempt, practice::longestBody);
 
 } // namespace
 

@@ -58,7 +58,7 @@ int attempt(const std::uint8_t* data, std::size_t size)
     return 0;
 }
 
-const fuzz::Target target("frames", &attempt);
+const fuzz::Target target("frames", &attempt, 4 * practice::longestFeedRequest);
 
 } // namespace
 

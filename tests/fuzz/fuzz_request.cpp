@@ -4,6 +4,7 @@
 #include "fuzz/Fuzz.h"
 
 #include "practice/server/Api.h"
+#include "practice/server/Limits.h"
 #include "practice/server/QueryReader.h"
 #include "practice/server/RequestGuard.h"
 #include "practice/server/Target.h"
@@ -114,8 +115,8 @@ int attempt(const std::uint8_t* data, std::size_t size)
     readTarget(fuzz::textOf(data, size));
 
     http::request_parser<http::string_body> parser;
-    parser.header_limit(16 * 1024);
-    parser.body_limit(64UL * 1024);
+    parser.header_limit(practice::longestHeader);
+    parser.body_limit(practice::longestBody);
     parser.eager(true);
     std::size_t taken = 0;
     boost::system::error_code error;
@@ -128,13 +129,13 @@ int attempt(const std::uint8_t* data, std::size_t size)
     if (error || !parser.is_done())
         return 0;
     const http::request<http::string_body> request = parser.release();
-    demand(request.body().size() <= 64UL * 1024, "no body is longer than accepted");
+    demand(request.body().size() <= practice::longestBody, "no body is longer than accepted");
     guard(request);
     readTarget(view(request.target()));
     return 0;
 }
 
-const fuzz::Target target("request", &attempt);
+const fuzz::Target target("request", &attempt, 2 * practice::longestHeader + practice::longestBody);
 
 } // namespace
 

@@ -1,11 +1,13 @@
-// A run's files, as `tavoran-lab compare` reads them: summary.json, trades.csv and equity.csv, one after the
-// other in one input, with a line of three equals signs between them.
+// A run's files, as `tavoran-lab compare` reads them: summary.json, trades.csv, equity.csv and perhaps
+// run.json, one after the other in one input, with a line of three equals signs between them.
 
 #include "fuzz/Files.h"
 
 #include "lab/core/output/ResultFiles.h"
 #include "lab/core/output/ResultFolder.h"
 #include "lab/core/output/SavedRun.h"
+
+#include <algorithm>
 
 using fuzz::demand;
 
@@ -32,6 +34,23 @@ lab::RunResult resultOf(const lab::SavedRun& run)
     return result;
 }
 
+/// Whether it is one line that begins with one of the files and a line of it.
+bool namesPlace(std::string_view refusal, const fuzz::Folder& folder)
+{
+    for (const char* name : {"summary.json", "trades.csv", "equity.csv", "run.json"}) {
+        const std::string file = (folder.path() / name).string() + ':';
+        if (!refusal.starts_with(file))
+            continue;
+        const std::string_view rest = refusal.substr(file.size());
+        const std::size_t end = rest.find(": ");
+        return end != std::string_view::npos && end > 0 && end + 2 < rest.size() && rest.front() != '0'
+            && std::all_of(rest.begin(), rest.begin() + static_cast<std::ptrdiff_t>(end),
+                [](char c) { return c >= '0' && c <= '9'; })
+            && fuzz::isOneLine(refusal);
+    }
+    return false;
+}
+
 /// What was read can be written, and what was written is a fixed point.
 void demandWritable(const lab::SavedRun& run, const fuzz::Folder& folder, std::string_view summary)
 {
@@ -44,6 +63,9 @@ void demandWritable(const lab::SavedRun& run, const fuzz::Folder& folder, std::s
     const lab::SavedRun again = lab::readSavedRun(folder.path());
     demand(again.trades.size() == run.trades.size() && again.equity.size() == run.equity.size(),
         "every line is there again");
+    demand(again.origin == run.origin && again.simulated == run.simulated && again.figures == run.figures
+            && again.warnings == run.warnings,
+        "the same files tell the same");
     const lab::RunResult once = resultOf(again);
     demand(lab::tradesCsv(once) == trades, "trades are written as they were read");
     demand(lab::equityCsv(once) == equity, "equity is written as it was read");
@@ -56,21 +78,32 @@ int attempt(const std::uint8_t* data, std::size_t size)
     const std::string_view summary = takePart(text);
     static_cast<void>(folder.write("summary.json", summary));
     static_cast<void>(folder.write("trades.csv", takePart(text)));
-    static_cast<void>(folder.write("equity.csv", text));
+    static_cast<void>(folder.write("equity.csv", takePart(text)));
+    // The bytes of another run must not be found in the place of none.
+    const bool hasOrigin = !text.empty();
+    if (hasOrigin)
+        static_cast<void>(folder.write("run.json", text));
+    else
+        std::filesystem::remove(folder.path() / "run.json");
     std::optional<lab::SavedRun> run;
     try {
         run = lab::readSavedRun(folder.path());
     } catch (const lab::OutputError& error) {
-        const std::string_view what = error.what();
-        demand(what.starts_with(folder.path().string()) && fuzz::isOneLine(what), "a refusal is one line");
+        demand(namesPlace(error.what(), folder), "a refusal is one line that names its place");
         return 0;
     }
     demand(!run->figures.empty(), "a summary has figures");
+    demand(hasOrigin || (run->origin.empty() && !run->simulated), "what is not told is not made up");
+    const std::pair<std::string, std::string> simulated("simulated", "true");
+    demand(!run->simulated
+            || (std::find(run->origin.begin(), run->origin.end(), simulated) != run->origin.end()),
+        "prices are simulated where the run says so");
     demandWritable(*run, folder, summary);
     return 0;
 }
 
-const fuzz::Target target("result", &attempt);
+constexpr std::size_t longest = 100'000;                               // nested as deeply as that
+const fuzz::Target target("result", &attempt, longest, "-entropic=0"); // as for a connection
 
 } // namespace
 
