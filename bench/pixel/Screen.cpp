@@ -45,17 +45,6 @@ bool Screen::shows(const PixelRect& part, const Picture& picture) const
     return true;
 }
 
-bool Screen::hasColor(const PixelRect& part, std::uint32_t color) const
-{
-    for (int y = part.y; y < part.y + part.height; ++y) {
-        for (int x = part.x; x < part.x + part.width; ++x) {
-            if (at(x, y) == color)
-                return true;
-        }
-    }
-    return false;
-}
-
 std::optional<PixelRect> Screen::difference(const PixelRect& part, const Picture& picture) const
 {
     int left = part.x + part.width;

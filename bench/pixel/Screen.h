@@ -24,8 +24,6 @@ public:
     [[nodiscard]] Picture picture(const PixelRect& part) const;
     /// Whether this part shows that picture now, to the last pixel.
     [[nodiscard]] bool shows(const PixelRect& part, const Picture& picture) const;
-    /// Whether any pixel of this part has that colour.
-    [[nodiscard]] bool hasColor(const PixelRect& part, std::uint32_t color) const;
     /// The least part that holds every pixel in which this part now differs from that picture; nothing if
     /// none.
     [[nodiscard]] std::optional<PixelRect> difference(const PixelRect& part, const Picture& picture) const;

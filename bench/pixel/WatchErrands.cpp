@@ -1,6 +1,6 @@
 #include "pixel/WatchErrands.h"
 
-#include <charconv>
+#include <algorithm>
 #include <istream>
 #include <ostream>
 #include <sstream>
@@ -23,13 +23,7 @@ void WatchErrands::run(const std::string& line)
 
 bool WatchErrands::understand(const std::string& errand, std::istream& words)
 {
-    if (errand == "size") {
-        m_answers << "size " << m_screen.width() << ' ' << m_screen.height() << std::endl;
-        return true;
-    }
-    return (errand == "moving" && findMoving(words)) || (errand == "keep" && keep(words))
-        || (errand == "change" && watchChange(words)) || (errand == "colour" && watchColor(words))
-        || (errand == "picture" && watchPicture(words));
+    return (errand == "moving" && findMoving(words)) || (errand == "change" && watchChange(words));
 }
 
 bool WatchErrands::readPart(std::istream& words, PixelRect& part) const
@@ -72,80 +66,20 @@ bool WatchErrands::findMoving(std::istream& words)
     return true;
 }
 
-bool WatchErrands::keep(std::istream& words)
-{
-    std::string name;
-    PixelRect part;
-    if (!(words >> name) || !readPart(words, part))
-        return false;
-    m_kept.insert_or_assign(name, Kept{part, m_screen.picture(part)});
-    m_answers << "kept " << name << std::endl;
-    return true;
-}
-
 bool WatchErrands::watchChange(std::istream& words)
 {
     PixelRect part;
     std::int64_t ns = 0;
     if (!readPart(words, part) || !readMs(words, ns))
         return false;
-    std::int64_t after = 0;
-    words >> after;
-    std::int64_t takenAt = monotonicNs();
-    Picture before = m_screen.picture(part);
-    watch(ns, [&] {
-        if (takenAt < after) {
-            takenAt = monotonicNs();
-            before = m_screen.picture(part);
-        }
-        return !m_screen.shows(part, before);
-    });
-    return true;
-}
-
-bool WatchErrands::watchColor(std::istream& words)
-{
-    PixelRect part;
-    std::int64_t ns = 0;
-    std::string name;
-    if (!readPart(words, part) || !readMs(words, ns) || !(words >> name))
-        return false;
-    constexpr int hexadecimal = 16;
-    std::uint32_t color = 0;
-    const char* const end = name.data() + name.size();
-    if (const auto read = std::from_chars(name.data(), end, color, hexadecimal);
-        read.ec != std::errc() || read.ptr != end)
-        return false;
-    watch(ns, [&] { return m_screen.hasColor(part, color); });
-    return true;
-}
-
-bool WatchErrands::watchPicture(std::istream& words)
-{
-    std::string name;
-    std::int64_t ns = 0;
-    if (!(words >> name) || !readMs(words, ns))
-        return false;
-    const auto kept = m_kept.find(name);
-    if (kept == m_kept.end())
-        return false;
-    watch(ns, [&] { return m_screen.shows(kept->second.part, kept->second.picture); });
-    return true;
-}
-
-template <typename Predicate> void WatchErrands::watch(std::int64_t ns, const Predicate& there)
-{
-    const bool early = there();
+    const Picture before = m_screen.picture(part);
     const std::int64_t armedAt = monotonicNs();
     m_answers << "armed " << armedAt << std::endl;
-    if (early) {
-        m_answers << "early " << armedAt << std::endl;
-        return;
-    }
-    const auto sighting = m_lookout.lookUntil(armedAt + ns, there);
+    const auto sighting = m_lookout.lookUntil(armedAt + ns, [&] { return !m_screen.shows(part, before); });
     if (sighting)
         m_answers << "seen " << sighting->seenNs << ' '
                   << sighting->seenNs - std::max(sighting->lookedBeforeNs, armedAt) << std::endl;
     else
         m_answers << "missed " << monotonicNs() << std::endl;
+    return true;
 }

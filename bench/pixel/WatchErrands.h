@@ -5,7 +5,6 @@
 
 #include <cstdint>
 #include <iosfwd>
-#include <map>
 #include <string>
 
 /// What tavoran-pixel-watch is asked to find, a line each, and its answers; watch_main.cpp lists both.
@@ -18,23 +17,13 @@ public:
     void run(const std::string& line);
 
 private:
-    struct Kept {
-        PixelRect part;
-        Picture picture;
-    };
-
     [[nodiscard]] bool understand(const std::string& errand, std::istream& words);
     bool readPart(std::istream& words, PixelRect& part) const;
     bool readMs(std::istream& words, std::int64_t& ns) const;
     [[nodiscard]] bool findMoving(std::istream& words);
-    [[nodiscard]] bool keep(std::istream& words);
     [[nodiscard]] bool watchChange(std::istream& words);
-    [[nodiscard]] bool watchColor(std::istream& words);
-    [[nodiscard]] bool watchPicture(std::istream& words);
-    template <typename Predicate> void watch(std::int64_t ns, const Predicate& there);
 
     const Screen& m_screen;
     Lookout m_lookout;
     std::ostream& m_answers;
-    std::map<std::string, Kept> m_kept;
 };

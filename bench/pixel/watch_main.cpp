@@ -5,19 +5,13 @@
 // spare), before others run where the system lets it. Errands come on the standard input, a line each, and
 // are answered on the standard output. NS is CLOCK_MONOTONIC in nanoseconds, X Y W H a part of the screen in
 // pixels, MS how many milliseconds to look at most:
-//   size                        "size W H" of the screen
-//   keep NAME X Y W H           remembers what this part shows as picture NAME: "kept NAME"
-//   moving X Y W H MS           looks for all that time: "box X Y W H", the least part that holds all
-//                               changes, or "still". It finds the part worth watching while prices come.
-//   change X Y W H MS [AFTER]   the first change of this part, against what it shows now or, when AFTER is a
-//                               later NS, against what it shows then
-//   colour X Y W H MS RRGGBB    the first pixel of this colour in this part
-//   picture NAME MS             the picture, to the last pixel
-// The last four say "armed NS" once they look: whoever then stamps a price and sends it knows that what is
-// seen has come later. The last three end with one of
-//   seen NS AGO   there; the look before, AGO nanoseconds earlier, has not seen it, so that it is no older
-//   early NS      there already when the looking began: it cannot be told from what was there before
-//   missed NS     not until then
+//   moving X Y W H MS   looks for all that time: "box X Y W H", the least part that holds all changes, or
+//                       "still". It finds the part worth watching while prices come.
+//   change X Y W H MS   the first change of this part, against what it shows now:
+//                       "seen NS AGO" when it is there; the look before, AGO nanoseconds earlier, has not
+//                       seen it, so that it is no older; "missed NS" if it has not come until then
+// Both say "armed NS" once they look: whoever then stamps a price and sends it knows that what is seen has
+// come later.
 // What cannot be understood is answered with "bad".
 
 #include "pixel/ScreenFile.h"
