@@ -9,13 +9,12 @@
 
 #include "app/base/TerminalSettings.h"
 #include "mainwindow/ChartsLayout.h"
+#include "scenes/MeasuringApplication.h"
 #include "scenes/StubPlatform.h"
 #include "scenes/Waiting.h"
 #include "scenes/WatchedProgram.h"
 
-#include <QApplication>
 #include <QDir>
-#include <QTemporaryDir>
 #include <QWebSocket>
 #include <QWidget>
 
@@ -211,15 +210,8 @@ void measureGrowth(const QByteArray& activity, int count, double bytesARow)
 
 int main(int argc, char** argv)
 {
-    const QTemporaryDir folders;
-    for (const char* variable : {"HOME", "XDG_CONFIG_HOME", "XDG_DATA_HOME", "XDG_CACHE_HOME", "TMPDIR"})
-        qputenv(variable, folders.path().toLocal8Bit());
     // Both programs get a screen that is as large as their windows want to be.
-    qputenv("QT_QPA_PLATFORM", "offscreen:configfile=" SCREEN_FILE);
-    const QApplication application(argc, argv);
-    // The program's own names, since its settings lie in a folder called so.
-    QCoreApplication::setOrganizationName(u"Tavoran"_s);
-    QCoreApplication::setApplicationName(u"Tavoran Terminal"_s);
+    const MeasuringApplication application(argc, argv, SCREEN_FILE);
     const QStringList arguments = QCoreApplication::arguments();
     const int number = arguments.value(2).toInt();
     const QByteArray activity = arguments.value(2).toLatin1();

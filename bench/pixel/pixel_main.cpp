@@ -11,10 +11,8 @@
 #include "pixel/Percentile.h"
 #include "pixel/PriceRun.h"
 #include "pixel/WakeSampler.h"
+#include "scenes/MeasuringApplication.h"
 #include "scenes/Waiting.h"
-
-#include <QApplication>
-#include <QTemporaryDir>
 
 #include <algorithm>
 #include <cstdio>
@@ -118,15 +116,8 @@ void measureWakes(int charts, int seconds)
 
 int main(int argc, char** argv)
 {
-    const QTemporaryDir folders;
-    for (const char* variable : {"HOME", "XDG_CONFIG_HOME", "XDG_DATA_HOME", "XDG_CACHE_HOME", "TMPDIR"})
-        qputenv(variable, folders.path().toLocal8Bit());
     // For this process, which only works out geometries; the terminal gets an X server.
-    qputenv("QT_QPA_PLATFORM", "offscreen:configfile=" SCREEN_FILE);
-    const QApplication application(argc, argv);
-    // The program's own names, since its settings lie in a folder called so.
-    QCoreApplication::setOrganizationName(u"Tavoran"_s);
-    QCoreApplication::setApplicationName(u"Tavoran Terminal"_s);
+    const MeasuringApplication application(argc, argv, SCREEN_FILE);
     const QStringList arguments = QCoreApplication::arguments();
     const QString what = arguments.value(1);
     const int charts = arguments.value(2).toInt();
