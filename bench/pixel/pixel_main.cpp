@@ -6,6 +6,7 @@
 //   tavoran-bench-pixel wakes CHARTS SECONDS    wake-ups, and those that no known timer explains
 // Prints "name value" lines; which threads woke is told on the standard error.
 
+#include "pixel/AwakeProcessors.h"
 #include "pixel/ClickRun.h"
 #include "pixel/Desk.h"
 #include "pixel/Percentile.h"
@@ -118,6 +119,7 @@ int main(int argc, char** argv)
 {
     // For this process, which only works out geometries; the terminal gets an X server.
     const MeasuringApplication application(argc, argv, SCREEN_FILE);
+    const AwakeProcessors awake;
     const QStringList arguments = QCoreApplication::arguments();
     const QString what = arguments.value(1);
     const int charts = arguments.value(2).toInt();
@@ -125,6 +127,7 @@ int main(int argc, char** argv)
     constexpr int mostCharts = 50;
     if (charts < 1 || charts > mostCharts || count < 1)
         giveUp(u"usage: tavoran-bench-pixel quiet|loaded|clicks CHARTS SAMPLES | wakes CHARTS SECONDS"_s);
+    print("processors_awake", awake.areKept() ? 1 : 0);
     if (what == "quiet"_L1)
         measureQuiet(charts, count);
     else if (what == "loaded"_L1)
