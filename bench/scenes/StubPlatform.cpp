@@ -64,7 +64,12 @@ StubPlatform::StubPlatform(int symbols, const QByteArray& helloPrices)
     m_http.on("POST", "/api/trades/place", StubAnswer::json("{}"));
     QObject::connect(&m_http, &StubHttpServer::requestReceived, &m_http,
         [this](const StubRequest& request) { takeRequest(request); });
-    m_http.setUpgradeHandler([this](QTcpSocket* socket) { m_feeds.handleConnection(socket); });
+    m_http.setUpgradeHandler([this](QTcpSocket* socket) {
+        // As platforms do: the end of a message would wait for the client's word on its beginning, up to 40
+        // ms.
+        socket->setSocketOption(QAbstractSocket::LowDelayOption, 1);
+        m_feeds.handleConnection(socket);
+    });
     QObject::connect(&m_feeds, &QWebSocketServer::newConnection, &m_feeds, [this] { takeClient(); });
 }
 
