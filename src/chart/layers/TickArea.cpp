@@ -6,8 +6,9 @@
 
 namespace {
 
-/// More rows than the header's text takes.
-constexpr int textRows = 24;
+/// More rows than the header's text takes, and none of the panel of one-click trading below it, whose volume
+/// would be painted again with every tick.
+constexpr int textRows = 20;
 /// The histogram takes less than a fifth of the plot's height.
 constexpr int volumeShare = 5;
 

@@ -14,6 +14,7 @@
 #include <QPushButton>
 #include <QStatusTipEvent>
 
+#include <cmath>
 #include <utility>
 
 using namespace Qt::StringLiterals;
@@ -80,11 +81,25 @@ void fitCaption(QPushButton& button)
     button.setFont(stretched);
 }
 
+/// Marks what lies below the button instead of the button. Qt paints a chart, which is opaque, by itself, and
+/// then what is translucent with all that lies below it: a price would paint its chart twice.
+void setTextOnChart(QPushButton& button, const QString& text)
+{
+    QWidget& chart = *button.parentWidget()->parentWidget();
+    const qreal scale = chart.devicePixelRatioF();
+    if (scale != std::floor(scale) || !button.isVisible())
+        return button.setText(text);
+    button.setAttribute(Qt::WA_UpdatesDisabled);
+    button.setText(text);
+    button.setAttribute(Qt::WA_UpdatesDisabled, false);
+    chart.update(QRect(button.mapTo(&chart, QPoint(0, 0)), button.size()));
+}
+
 void showCaption(QPushButton& button, const QString& caption)
 {
     // Digits are equally wide, so a price as long as the last one need not be measured.
     const bool isAsLong = caption.size() == button.text().size();
-    button.setText(caption);
+    setTextOnChart(button, caption);
     if (!isAsLong)
         fitCaption(button);
 }

@@ -2,6 +2,7 @@
 #include "app/ui/FocusRing.h"
 #include "chart/OneClickPanelFixture.h"
 #include "support/Hands.h"
+#include "support/PaintCounter.h"
 #include "support/RingContrast.h"
 #include "support/TestMain.h"
 
@@ -278,6 +279,34 @@ private Q_SLOTS:
         served.window->setSymbolInfo(2, u"Euro"_s);
         QCOMPARE(button(panelOf(served), u"SELL"_s).text(), u"SELL\n1.10"_s);
         QCOMPARE(button(panelOf(served), u"BUY"_s).text(), u"BUY\n1.20"_s);
+    }
+
+    void a_price_is_painted_in_one_go_and_leaves_the_volume()
+    {
+        ServedChart served;
+        served.server.on("GET", "/api/candles", StubAnswer::json(fixtures::candleBody(50, 1.1)));
+        served.window->reload();
+        QTRY_COMPARE(served.chart().candles().size(), 50U);
+        served.show();
+        OneClickPanel& panel = panelOf(served);
+        served.window->onPrices(fixtures::quote(u"EURUSD"_s, 1.1, 1.2));
+        PaintCounter ofChart(served.chart());
+        PaintCounter ofPanel(panel);
+        PaintCounter ofVolume(volume(panel));
+        PaintCounter ofSell(button(panel, u"SELL"_s));
+        PaintCounter ofBuy(button(panel, u"BUY"_s));
+        served.window->onPrices(fixtures::quote(u"EURUSD"_s, 1.1, 1.15));
+        for (PaintCounter* counter : {&ofChart, &ofPanel, &ofVolume, &ofSell, &ofBuy})
+            counter->taken();
+        served.window->onPrices(
+            fixtures::quote(u"EURUSD"_s, 1.1, 1.14)); // within the range of prices in view
+        QCOMPARE(ofChart.taken(), 1);
+        QCOMPARE(ofPanel.taken(), 1);
+        QCOMPARE(ofPanel.region(), QRegion(button(panel, u"BUY"_s).geometry()));
+        QCOMPARE(ofBuy.taken(), 1);
+        QCOMPARE(ofSell.taken(), 0);
+        QCOMPARE(ofVolume.taken(), 0);
+        QVERIFY(button(panel, u"BUY"_s).updatesEnabled());
     }
 
     void noEndOfAPriceIsCutByItsButton_data()
