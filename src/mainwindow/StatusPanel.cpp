@@ -162,10 +162,8 @@ void StatusPanel::setTraffic(quint64 received, quint64 sent)
 {
     m_received = received;
     m_sent = sent;
-    if (m_trafficPause.isActive())
-        return;
-    showTraffic();
-    m_trafficPause.start();
+    if (!m_trafficPause.isActive())
+        m_trafficPause.start();
 }
 
 QString StatusPanel::kilobytes(quint64 bytes)

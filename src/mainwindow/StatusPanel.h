@@ -44,7 +44,8 @@ public:
 
 public Q_SLOTS:
     void setLatency(int milliseconds);
-    /// Totals in bytes. Shown at once, then at most four times a second: the feed reports every message.
+    /// Totals in bytes. Shown a quarter of a second later, for all that has come by then: the message that
+    /// brings them may bring a price, which comes first.
     void setTraffic(quint64 received, quint64 sent);
 
 protected:
