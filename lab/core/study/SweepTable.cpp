@@ -4,6 +4,7 @@
 #include "lab/core/output/Texts.h"
 
 #include <algorithm>
+#include <iterator>
 #include <numeric>
 #include <utility>
 
@@ -62,12 +63,12 @@ ReturnMatrix returnsOf(const std::vector<SetResult>& sets, const DaysOf& daysOf)
         count += gains.back().size();
         if (count > mostReturns)
             return {};
-        if (gains.back().size() > days.size() || days.empty()) {
+        const auto& own = gains.back();
+        if (!std::ranges::includes(days, own, {}, {}, &DayGain::day)) {
+            std::vector<std::int32_t> dayNumbers;
+            std::ranges::transform(own, std::back_inserter(dayNumbers), &DayGain::day);
             std::vector<std::int32_t> all;
-            std::vector<std::int32_t> own;
-            for (const DayGain& day : gains.back())
-                own.push_back(day.day);
-            std::ranges::set_union(days, own, std::back_inserter(all));
+            std::ranges::set_union(days, dayNumbers, std::back_inserter(all));
             days = std::move(all);
         }
     }

@@ -9,6 +9,7 @@
 #include <array>
 #include <nlohmann/json.hpp>
 #include <sstream>
+#include <utility>
 
 using namespace lab;
 
@@ -104,12 +105,28 @@ TEST_CASE("all sets count as trials, and overfitting is judged over all days")
 
 TEST_CASE("days that a set does not have count as standstill")
 {
-    std::vector<SetResult> sets{madeSet(0, 1), madeSet(1, 1.2), madeSet(2, 1.3)};
-    const Figure whole = tableBy("sharpe", sets).overfittingProbability;
-    sets[1].days.resize(10);
-    sets[0].days.erase(sets[0].days.begin(), sets[0].days.begin() + 10);
-    CHECK(whole.has_value());
-    CHECK(tableBy("sharpe", sets).overfittingProbability.has_value());
+    const std::vector<SetResult> whole{madeSet(0, 1), madeSet(1, 1.2), madeSet(2, 1.3)};
+    // One that ended early, first or last; then sets that share no day.
+    const std::vector<std::array<std::pair<std::ptrdiff_t, std::ptrdiff_t>, 3>> spans{
+        {{{0, 10}, {0, 64}, {0, 64}}},
+        {{{0, 64}, {0, 64}, {0, 10}}},
+        {{{0, 32}, {32, 64}, {10, 20}}},
+    };
+    for (const auto& span : spans) {
+        std::vector<SetResult> some = whole;
+        std::vector<SetResult> still = whole;
+        for (std::size_t i = 0; i < some.size(); ++i) {
+            const auto [from, to] = span[i];
+            some[i].days.assign(whole[i].days.begin() + from, whole[i].days.begin() + to);
+            for (std::ptrdiff_t day = 0; day < 64; ++day) {
+                if (day < from || day >= to)
+                    still[i].days[static_cast<std::size_t>(day)].gain = 0;
+            }
+        }
+        const Figure probability = tableBy("sharpe", still).overfittingProbability;
+        CHECK(probability.has_value());
+        CHECK(tableBy("sharpe", some).overfittingProbability == probability);
+    }
 }
 
 TEST_CASE("the table for programs has a line for each set, with its inputs, figures and faults")
@@ -154,6 +171,18 @@ TEST_CASE("the maps lie through the best set, with the longer axis across")
     CHECK(contains(parts.at(2), "Neighbours' mean / own Sharpe ratio, %,")
         || contains(parts.at(2), "Neighbours&#39; mean / own Sharpe ratio, %,"));
     CHECK(contains(parts.at(0), "in one or several inputs, diagonals included"));
+}
+
+TEST_CASE("a map has no value where no set was tried")
+{
+    std::vector<SetResult> some = twelveSets();
+    std::erase_if(some, [](const SetResult& set) { return set.number == 4 || set.number == 7; });
+    const std::string map = sweepParts(tableBy("sharpe", some)).at(1);
+    const std::string row = map.substr(map.find("<th scope=\"row\">2</th>"));
+    const std::string fields = row.substr(0, row.find("</tr>"));
+    CHECK(contains(fields, "</th><td><span title="));
+    CHECK(contains(fields, "\">1.50</td>"));
+    CHECK(contains(fields, "\">0.70</td><td><span title="));
 }
 
 TEST_CASE("the page ranks the sets that can be chosen, and marks the others")
