@@ -19,6 +19,7 @@
 #include <QPixmapCache>
 
 #include <cstdio>
+#include <cstdlib>
 
 using namespace Qt::StringLiterals;
 
@@ -59,7 +60,16 @@ Wanted readOptions(const QCoreApplication& application)
     parser.addHelpOption();
     parser.process(application);
 
-    const auto number = [&parser](const QCommandLineOption& which) { return parser.value(which).toDouble(); };
+    const auto number = [&parser](const QCommandLineOption& which) {
+        bool isNumber = false;
+        const double value = parser.value(which).toDouble(&isNumber);
+        // A session with rests all the time, say, would do nothing and find nothing.
+        if (!isNumber || value < 0.0) {
+            std::fprintf(stderr, "--%s is no number\n", qPrintable(which.names().constFirst()));
+            std::exit(1);
+        }
+        return value;
+    };
     Wanted wanted;
     wanted.plan.seconds = number(seconds);
     wanted.plan.activities = static_cast<int>(number(activities));
