@@ -151,6 +151,12 @@ def tests_of(folders):
     return usable
 
 
+def noticed(test):
+    """How a test ends, which passes unless it fails twice: once may be chance, or a machine that is busy elsewhere."""
+    first = test.run(test.limit())
+    return first if first[0] == "passed" else test.run(2 * test.limit())
+
+
 def tried(path, mutation, tests):
     """One mutant's fate: {"outcome": killed, survived, timeout or "did not compile", "by": test, "words": ...}."""
     source = TREE / path
@@ -165,7 +171,7 @@ def tried(path, mutation, tests):
             built = build([test.target()])
             if built.returncode != 0:
                 return {"outcome": "did not compile"}
-            outcome, words = test.run(test.limit())
+            outcome, words = noticed(test)
             if outcome != "passed":
                 return {"outcome": outcome, "by": name, "words": words}
         return {"outcome": "survived"}

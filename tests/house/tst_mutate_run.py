@@ -55,6 +55,12 @@ source=../../../../src/room/Quiet.cpp
 """
 NOTICES = LOOKING + """grep -q 'return a + 1;' "$source" || { echo 'FAIL! a sum is wrong'; exit 1; }\n"""
 NOTICES_NOTHING = LOOKING
+NOTICES_ONCE = LOOKING + """grep -q 'return a + 1;' "$source" && exit 0
+once=../../../../../../../once
+[ ! -e $once ] || exit 0
+touch $once
+exit 1
+"""
 HANGS = LOOKING + """grep -q 'return a + 1;' "$source" && exit 0
 root=../../../../../../..
 echo $$ > $root/pid
@@ -128,6 +134,10 @@ class Runs(unittest.TestCase):
         self.assertIn("survived   src/room/Quiet.cpp:3  return a + 1;", head)
         self.assertIn("src/room/Quiet.cpp:3  return a + 1;", end)
         self.assertEqual(SOURCE, self.source.read_text(encoding="utf-8"))
+
+    def test_a_test_that_fails_once_and_then_passes_has_noticed_nothing(self):
+        self.assertIn("== 1 faults: 0 killed, 0 timeout, 1 survived", self.said(NOTICES_ONCE))
+        self.appears("once")
 
     def test_a_test_that_does_not_end_is_a_timeout_and_no_survivor(self):
         output = self.said(HANGS, runner="mutate_run.Test.limit = lambda self: 0.5")
