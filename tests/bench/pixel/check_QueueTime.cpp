@@ -24,7 +24,7 @@ TEST_CASE("the time in the queue is the kernel's figure, of all processes togeth
     const std::int64_t own = ::getpid();
     const std::int64_t before = waited();
     if (before < 0)
-        skip("this kernel keeps no such figures");
+        check::skip("this kernel keeps no such figures");
     const std::int64_t once = QueueTime({own}).ns();
     const std::int64_t twice = QueueTime({own, own}).ns();
     const std::int64_t after = waited();
