@@ -82,7 +82,7 @@ std::string originOf(const SavedRun& run, const std::string& key)
         run.origin.begin(), run.origin.end(), [&](const auto& entry) { return entry.first == key; });
     if (found == run.origin.end() || found->second == "null")
         return std::string(undefinedText);
-    return shortened(found->second, 40);
+    return found->second;
 }
 
 std::string spanText(const std::string& time)
@@ -110,7 +110,7 @@ Table tableOf(const std::vector<SavedRun>& runs)
         const bool differs = std::any_of(
             runs.begin(), runs.end(), [&](const SavedRun& run) { return originOf(run, key) != first; });
         if (!name.empty() && differs)
-            addLine(name, [&](const SavedRun& run) { return originOf(run, key); });
+            addLine(name, [&](const SavedRun& run) { return shortened(originOf(run, key), 40); });
     }
     for (const std::string& key : keysOf(runs, &SavedRun::figures)) {
         if (key == "from" || key == "to")

@@ -238,6 +238,17 @@ TEST_CASE("runs stand side by side in aligned columns")
     CHECK(compareText({same, same}).ends_with("\none and one have the same 2 trades.\n"));
 }
 
+TEST_CASE("inputs that differ only behind what is shown of them are told apart")
+{
+    SavedRun one = saved(smallRun(), "one");
+    SavedRun two = saved(smallRun(), "two");
+    one.origin.emplace_back("input Note", std::string(60, 'a') + "b");
+    two.origin.emplace_back("input Note", std::string(60, 'a') + "c");
+    CHECK(has(compareText({one, two}), "\nInput Note  "));
+    two.origin.back() = one.origin.back();
+    CHECK(!has(compareText({one, two}), "Input Note"));
+}
+
 TEST_CASE("a comparison's page escapes names and loads nothing")
 {
     std::vector<SavedRun> runs{saved(smallRun()), saved(generatedRun(2'000, 50, 100'000))};
