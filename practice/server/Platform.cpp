@@ -164,7 +164,7 @@ CommandResult Platform::carryOut(const TradeCommand& command, TimeMs now)
     try {
         store(result.changes, now);
     } catch (const StorageError& error) {
-        const Refusal failure{503, error.what()};
+        const Refusal failure{503, error.reason()};
         inform([&](PlatformListener& listener) { listener.commandEnded(command, {}, failure, now); });
         throw;
     }

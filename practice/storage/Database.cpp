@@ -61,14 +61,14 @@ Database::Database(const std::filesystem::path& file)
         = sqlite3_open_v2(file.c_str(), &m_handle, SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX, nullptr);
     try {
         if (result != SQLITE_OK)
-            throw StorageError(sqlite3_errmsg(m_handle));
+            throw errorOf(m_handle);
         configure();
         migrate();
     } catch (const StorageError& error) {
         const bool busy = sqlite3_errcode(m_handle) == SQLITE_BUSY;
         m_statements.clear();
         sqlite3_close(m_handle);
-        throw StorageError(file.string() + ": " + (busy ? "in use by another program" : error.what()));
+        throw StorageError(file.string() + ": " + (busy ? "in use by another program" : error.reason()));
     }
 }
 
@@ -131,7 +131,7 @@ Statement& Database::statement(std::string_view sql)
 void Database::execute(const std::string& sql)
 {
     if (sqlite3_exec(m_handle, sql.c_str(), nullptr, nullptr, nullptr) != SQLITE_OK)
-        throw StorageError(sqlite3_errmsg(m_handle));
+        throw errorOf(m_handle);
 }
 
 Transaction::Transaction(Database& database)

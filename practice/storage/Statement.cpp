@@ -8,6 +8,12 @@
 
 namespace practice {
 
+StorageError errorOf(sqlite3* database)
+{
+    const char* file = database ? sqlite3_db_filename(database, "main") : nullptr;
+    return {file ? file : "", sqlite3_errmsg(database)};
+}
+
 Statement::Statement(sqlite3* database, std::string_view sql)
     : m_database(database)
 {
@@ -57,9 +63,9 @@ bool Statement::step()
     if (result == SQLITE_ROW)
         return true;
     if (result != SQLITE_DONE) {
-        const std::string reason = sqlite3_errmsg(m_database);
+        const StorageError error = errorOf(m_database);
         reset();
-        throw StorageError(reason);
+        throw error;
     }
     reset();
     return false;
@@ -112,7 +118,7 @@ std::optional<double> Statement::optionalReal(int column) const
 void Statement::check(int result) const
 {
     if (result != SQLITE_OK)
-        throw StorageError(sqlite3_errmsg(m_database));
+        throw errorOf(m_database);
 }
 
 } // namespace practice

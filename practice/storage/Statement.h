@@ -10,6 +10,11 @@ struct sqlite3_stmt;
 
 namespace practice {
 
+class StorageError;
+
+/// What the database's last call has failed with.
+[[nodiscard]] StorageError errorOf(sqlite3* database);
+
 /// One prepared SQL statement. Parameters and columns are counted as SQLite does: parameters from 1,
 /// columns from 0. Every failure throws StorageError.
 class Statement final {

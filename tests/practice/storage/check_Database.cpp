@@ -208,6 +208,21 @@ TEST_CASE("a statement that failed can be used again")
     CHECK(MetaStore(database).value("b") == "v");
 }
 
+TEST_CASE("what cannot be stored is told with the file, and the reason without")
+{
+    const TemporaryFolder folder;
+    Database database(folder / "x.db");
+    database.execute("PRAGMA max_page_count=1");
+    try {
+        MetaStore(database).setValue("key", std::string(100'000, 'x'));
+    } catch (const StorageError& error) {
+        CHECK_EQ(std::string(error.what()), (folder / "x.db").string() + ": database or disk is full");
+        CHECK_EQ(error.reason(), std::string("database or disk is full"));
+        return;
+    }
+    CHECK(false);
+}
+
 TEST_CASE("texts keep their NUL bytes and quotes")
 {
     const TemporaryFolder folder;
