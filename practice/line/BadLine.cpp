@@ -1,5 +1,6 @@
 #include "practice/line/BadLine.h"
 
+#include <chrono>
 #include <memory>
 #include <utility>
 
@@ -26,6 +27,7 @@ BadLine::BadLine(
 
 void BadLine::stop()
 {
+    m_isStopped = true;
     m_cut.cancel();
     m_line.stop();
 }
@@ -33,10 +35,14 @@ void BadLine::stop()
 void BadLine::awaitCut()
 {
     m_cut.async_wait([this](boost::system::error_code error) {
-        if (error)
+        // Whoever is due already is not cancelled any more.
+        if (error || m_isStopped)
             return;
         m_line.cutAll();
-        m_cut.expires_at(m_cut.expiry() + m_quality.cutInterval);
+        // After a pause (a suspended machine) the beat starts anew instead of catching up.
+        const auto now = std::chrono::steady_clock::now();
+        const auto due = m_cut.expiry() + m_quality.cutInterval;
+        m_cut.expires_at(due > now ? due : now + m_quality.cutInterval);
         awaitCut();
     });
 }

@@ -28,6 +28,7 @@ private:
     Throttles m_throttles;
     Line m_line;
     boost::asio::steady_timer m_cut;
+    bool m_isStopped = false;
 };
 
 } // namespace practice

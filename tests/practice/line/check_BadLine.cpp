@@ -4,17 +4,27 @@
 #include "practice/server/ServerProcess.h"
 #include "practice/storage/TemporaryFolder.h"
 
+#include "practice/line/BadLine.h"
+
 #include <algorithm>
 #include <chrono>
 #include <csignal>
 #include <numeric>
 #include <optional>
 #include <string>
+#include <thread>
 #include <vector>
 
 /// The real program behind a bad line.
 
+using practice::BadLine;
+
 namespace {
+
+boost::asio::ip::tcp::acceptor listening(boost::asio::io_context& context)
+{
+    return {context, {boost::asio::ip::address_v4::loopback(), 0}};
+}
 
 using Clock = std::chrono::steady_clock;
 
@@ -179,6 +189,28 @@ TEST_CASE("with every packet dropped a connection stays open and silent, and end
     CHECK(client.isSilentFor(std::chrono::milliseconds(200)));
     CHECK_EQ(server.terminate(SIGTERM), 0);
     CHECK_EQ(client.readAll(), std::string());
+}
+
+TEST_CASE("a line that stops when a cut is due makes none any more")
+{
+    boost::asio::io_context context;
+    BadLine line(context, listening(context), {}, {.cutInterval = std::chrono::milliseconds(1)});
+    boost::asio::steady_timer before(context, std::chrono::steady_clock::time_point::min());
+    before.async_wait([&line](boost::system::error_code) { line.stop(); });
+    std::this_thread::sleep_for(std::chrono::milliseconds(5));
+    context.run_for(std::chrono::seconds(1));
+    CHECK(context.stopped()); // nothing is left to be done
+}
+
+TEST_CASE("cuts that a sleeping machine has missed are not made up for")
+{
+    boost::asio::io_context context;
+    BadLine line(context, listening(context), {}, {.cutInterval = std::chrono::milliseconds(50)});
+    std::this_thread::sleep_for(std::chrono::milliseconds(500));
+    const std::size_t cuts = context.poll();
+    CHECK(cuts >= 1);
+    CHECK(cuts <= 3); // on a busy machine another one is due by now
+    line.stop();
 }
 
 CHECK_MAIN()
