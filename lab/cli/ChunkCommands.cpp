@@ -4,20 +4,17 @@
 #include "lab/cli/RunScript.h"
 #include "lab/cli/StopSignal.h"
 #include "lab/cli/SweepEnding.h"
+#include "lab/core/output/DraftName.h"
 #include "lab/core/output/ResultFolder.h"
 #include "lab/core/output/Texts.h"
 #include "lab/core/study/StudyError.h"
 
 #include <algorithm>
-#include <cerrno>
-#include <charconv>
-#include <csignal>
 #include <iostream>
 #include <iterator>
 #include <optional>
 #include <set>
 #include <system_error>
-#include <unistd.h>
 #include <vector>
 
 namespace lab {
@@ -59,23 +56,14 @@ std::string probeOf(const SetResult& result)
                           : hexText(result.tickPrint) + hexText(result.decisionPrint);
 }
 
-/// The name of this machine; empty where it has none.
-std::string machine()
-{
-    char name[256] = {};
-    return ::gethostname(name, sizeof name - 1) == 0 ? name : "";
-}
-
-/// A file on its way to its place; what does not get there goes. Machine and process stand in its name: by
-/// them what a killed process has left is told from what others are making.
+/// A file on its way to its place; what does not get there goes.
 class Draft {
 public:
     explicit Draft(const fs::path& place)
         : m_place(place)
-        , m_start('.' + place.filename().string() + '.' + machine() + '.')
-        , m_draft(place.parent_path() / (m_start + std::to_string(::getpid())))
+        , m_draft(draftOf(place))
     {
-        removeLeftOnes();
+        removeLeftDrafts(place, {"", journal});
         remove();
     }
     Draft(const Draft&) = delete;
@@ -97,36 +85,10 @@ private:
         fs::remove(m_draft, ignored);
         fs::remove(m_draft.string() + journal, ignored);
     }
-    /// Those of processes of this machine that are no more.
-    void removeLeftOnes() const
-    {
-        const fs::path parent = m_place.parent_path();
-        std::error_code error;
-        std::vector<fs::path> left;
-        for (fs::directory_iterator file(parent.empty() ? "." : parent, error), end; !error && file != end;
-             file.increment(error)) {
-            if (isLeft(file->path().filename().string()))
-                left.push_back(file->path());
-        }
-        for (const fs::path& file : left)
-            fs::remove(file, error);
-    }
-    [[nodiscard]] bool isLeft(const std::string& name) const
-    {
-        if (!name.starts_with(m_start))
-            return false;
-        pid_t process = 0;
-        const char* const end = name.data() + name.size();
-        const auto [rest, error] = std::from_chars(name.data() + m_start.size(), end, process);
-        if (error != std::errc() || process <= 0 || (rest != end && std::string(rest, end) != journal))
-            return false;
-        return ::kill(process, 0) != 0 && errno == ESRCH;
-    }
 
     static constexpr const char* journal = "-journal";
 
     fs::path m_place;
-    std::string m_start;
     fs::path m_draft;
 };
 

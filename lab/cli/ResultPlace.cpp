@@ -52,7 +52,7 @@ void checkContent(const fs::path& folder, ResultKind kind)
     constexpr const char* advice = "; another folder can be named with --out";
     std::error_code error;
     const KindRow* found = kindIn(folder);
-    if (!found && !fs::is_empty(folder, error))
+    if (!found && !holdsNothing(folder))
         throw UsageError(folder.string() + " holds something else than a result" + advice);
     if (found && found->kind != kind)
         throw UsageError(folder.string() + " holds " + std::string(found->name) + advice);
@@ -103,13 +103,14 @@ void removeRun(const fs::path& folder)
 
 void addResult(ResultFolder& files, const RunResult& result, const Figures& figures, const ReportWords& words)
 {
+    // First what shows that this is a run: of one that was killed on its way here, the next takes the place.
+    files.add("run.json", runJson(result, TAVORAN_VERSION));
     files.add("report.html", reportPage(result, figures, words));
     files.add("summary.json", summaryJson(figures));
     files.add("trades.csv", tradesCsv(result));
     files.add("equity.csv", equityCsv(result));
     files.add("daily.csv", dailyCsv(result));
     files.add("journal.txt", journalText(result));
-    files.add("run.json", runJson(result, TAVORAN_VERSION));
 }
 
 void writeResult(

@@ -1,5 +1,7 @@
 #include "lab/core/output/ResultFolder.h"
 
+#include "lab/core/output/DraftName.h"
+
 #include <cerrno>
 #include <fcntl.h>
 #include <string_view>
@@ -13,6 +15,9 @@ namespace lab {
 namespace {
 
 namespace fs = std::filesystem;
+
+constexpr std::string_view freshEnd = ".new";
+constexpr std::string_view formerEnd = ".old";
 
 [[noreturn]] void fail(const fs::path& place, int error)
 {
@@ -101,7 +106,6 @@ class Exchange {
 public:
     explicit Exchange(const fs::path& folder)
         : m_folder(folder)
-        , m_mark("." + std::to_string(::getpid()))
     {
     }
     Exchange(const Exchange&) = delete;
@@ -120,7 +124,9 @@ public:
         std::error_code error;
         if (fs::is_directory(fs::symlink_status(place, error)))
             fail(place, EISDIR);
-        Step& step = m_steps.emplace_back(Step{place, hidden(name, ".new"), hidden(name, ".old")});
+        // The room that a killed process has taken with its own may be needed here.
+        removeLeftDrafts(place, {freshEnd});
+        Step& step = m_steps.emplace_back(Step{place, hidden(place, freshEnd), hidden(place, formerEnd)});
         ::unlink(step.fresh.c_str()); // left by a process of this number that was killed
         step.hasFresh = true;
         writeWhole(step.fresh, bytes, place);
@@ -141,6 +147,7 @@ public:
         for (const Step& step : m_steps) {
             if (step.hasFormer)
                 ::unlink(step.former.c_str());
+            removeLeftDrafts(step.place, {formerEnd});
         }
     }
 
@@ -154,9 +161,11 @@ private:
         bool isInPlace = false; ///< the new file is in place
     };
 
-    [[nodiscard]] fs::path hidden(const std::string& name, const char* end) const
+    static fs::path hidden(const fs::path& place, std::string_view end)
     {
-        return m_folder / ("." + name + m_mark + end);
+        fs::path name = draftOf(place);
+        name += end;
+        return name;
     }
 
     static void keepFormer(Step& step)
@@ -189,12 +198,27 @@ private:
     }
 
     fs::path m_folder;
-    std::string m_mark;
     std::vector<Step> m_steps;
     bool m_isDone = false;
 };
 
+/// Whether this is the name of a file of a result on its way, by a process that was killed.
+bool isLeft(const std::string& name)
+{
+    return leftDraftOf(name, freshEnd) || leftDraftOf(name, formerEnd);
+}
+
 } // namespace
+
+bool holdsNothing(const fs::path& folder)
+{
+    std::error_code error;
+    for (fs::directory_iterator file(folder, error), last; !error && file != last; file.increment(error)) {
+        if (!isLeft(file->path().filename().string()))
+            return false;
+    }
+    return !error;
+}
 
 ResultFolder::ResultFolder(fs::path folder)
     : m_folder(folder.empty() ? fs::path(".") : std::move(folder))

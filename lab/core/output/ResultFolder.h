@@ -12,8 +12,14 @@ struct OutputError : std::runtime_error {
     using std::runtime_error::runtime_error;
 };
 
+/// Whether there is nothing in a folder but what killed processes have left on its way there. False where
+/// that cannot be seen.
+[[nodiscard]] bool holdsNothing(const std::filesystem::path& folder);
+
 /// The files of one result on their way into a folder: all of them get there, or none. What is in the folder
-/// under these names stays as it is until every new file lies beside it, whole and on the disk.
+/// under these names stays as it is until every new file lies beside it, whole and on the disk. Only a
+/// process that is killed while it gives the files their names leaves some of the new ones and some of the
+/// former. What it leaves under hidden names goes with the next result.
 class ResultFolder {
 public:
     /// The folder need not exist yet; nothing is touched before commit().

@@ -1,11 +1,11 @@
 #include "lab/cli/StudyFolder.h"
 
+#include "lab/GoneProcess.h"
 #include "lab/core/study/StudyStore.h"
 #include "practice/Check.h"
 
 #include <csignal>
 #include <sqlite3.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 using Result = LabProcess::Result;
@@ -180,14 +180,10 @@ TEST_CASE("what a killed work has left of a chunk goes when the chunk is worked 
 {
     const StudyFolder study;
     CHECK_EQ(planned(study, "2").exitCode, 0);
-    const pid_t gone = ::fork();
-    if (gone == 0)
-        ::_exit(0);
-    CHECK_EQ(::waitpid(gone, nullptr, 0), gone);
-    char host[256] = {};
-    CHECK_EQ(::gethostname(host, sizeof host - 1), 0);
+    const pid_t gone = goneProcess();
+    const std::string host = machineName();
     const auto draft = [&](const std::string& chunk, const std::string& machine, pid_t process) {
-        const std::string name = ".c.plan-" + chunk + ".sqlite." + machine + '.' + std::to_string(process);
+        const std::string name = draftName("c.plan-" + chunk + ".sqlite", machine, process);
         study.write(name, "half");
         return name;
     };
@@ -195,7 +191,7 @@ TEST_CASE("what a killed work has left of a chunk goes when the chunk is worked 
     study.write(left + "-journal", "half");
     const std::string another = draft("2", host, gone);
     const std::string alive = draft("1", host, ::getpid());
-    const std::string elsewhere = draft("1", "another-" + std::string(host), gone);
+    const std::string elsewhere = draft("1", "another-" + host, gone);
     study.write(left + ".kept", "by a person");
     CHECK_EQ(work(study, "1").exitCode, 0);
     CHECK((study.filesIn(".")

@@ -1,3 +1,4 @@
+#include "lab/GoneProcess.h"
 #include "lab/cli/RunFolder.h"
 #include "practice/Check.h"
 
@@ -25,6 +26,26 @@ TEST_CASE("a folder with something else in it is left alone, a former result is 
     CHECK_EQ(bench.run(crossing, {"--out", "again", "--set", "Fast=4"}).exitCode, 0);
     CHECK(bench.filesIn("again") == resultFiles);
     CHECK(bench.contentOf("again/trades.csv") != before);
+}
+
+TEST_CASE("a run that was killed while it wrote is made again by the same command, and leaves nothing")
+{
+    const RunFolder bench;
+    const std::vector<std::string> out{"--out", "killed"};
+    fs::create_directory(bench.folder / "killed");
+    const std::string left = draftName("report.html", machineName(), goneProcess());
+    bench.write("killed/" + left + ".new", "half");
+    CHECK_EQ(bench.run(crossing, out).exitCode, 0);
+    CHECK(bench.filesIn("killed") == resultFiles);
+
+    // Killed between one name and the next: what comes first tells what the folder holds.
+    for (const std::string& name : resultFiles) {
+        if (name != "run.json")
+            fs::remove(bench.folder / "killed" / name);
+    }
+    bench.write("killed/" + left + ".old", "former");
+    CHECK_EQ(bench.run(crossing, out).exitCode, 0);
+    CHECK(bench.filesIn("killed") == resultFiles);
 }
 
 TEST_CASE("a full disk is said, and nothing half-written stays")

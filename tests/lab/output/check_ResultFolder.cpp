@@ -1,4 +1,5 @@
 #include "ResultPlace.h"
+#include "lab/GoneProcess.h"
 #include "lab/core/output/ResultFolder.h"
 #include "practice/Check.h"
 
@@ -90,6 +91,38 @@ TEST_CASE("former results are replaced, other files stay")
     folder.add("one.txt", "new");
     folder.commit();
     CHECK(contentOf(place.path()) == Content({{"notes.txt", "mine"}, {"one.txt", "new"}}));
+}
+
+TEST_CASE("what killed processes have left on their way goes with the next result")
+{
+    const Place place;
+    const pid_t gone = goneProcess();
+    const std::string here = machineName();
+    const auto write = [&](const std::string& name) {
+        std::ofstream(place.path() / name) << "half";
+        return name;
+    };
+    CHECK(holdsNothing(place.path()));
+    write(draftName("one.txt", here, gone) + ".new");
+    write(draftName("two.txt", here, gone) + ".old");
+    CHECK(holdsNothing(place.path()));
+    // Of others, who are still at it, are elsewhere, or are persons.
+    Content stays;
+    for (const std::string& name : {draftName("one.txt", here, ::getppid()) + ".new",
+             draftName("one.txt", "another-" + here, gone) + ".new",
+             draftName("three.txt", here, gone) + ".new", draftName("one.txt", here, gone) + ".new.kept",
+             draftName("one.txt", here, gone), std::string(".one.txt.new"), std::string(".new")})
+        stays[write(name)] = "half";
+    CHECK(!holdsNothing(place.path()));
+
+    ResultFolder folder(place.path());
+    folder.add("one.txt", "1");
+    folder.add("two.txt", "2");
+    folder.commit();
+    stays["one.txt"] = "1";
+    stays["two.txt"] = "2";
+    CHECK(contentOf(place.path()) == stays);
+    CHECK(!holdsNothing(place.path() / "no such folder"));
 }
 
 TEST_CASE("a full disk leaves former results and nothing of the new ones")
