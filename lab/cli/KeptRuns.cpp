@@ -43,14 +43,33 @@ StudyStore storeIn(const fs::path& folder, ResultKind kind, const StudyIdentity&
     fs::create_directories(folder, error);
     if (error)
         throw UsageError("cannot write to " + folder.string() + ": " + error.message());
-    return StudyStore::create(file, identity);
+    try {
+        return StudyStore::create(file, identity);
+    } catch (const StudyError&) {
+        fs::remove(folder, error); // unless something is in it
+        throw;
+    }
 }
 
 void removeStore(const fs::path& folder, ResultKind kind)
 {
     std::error_code ignored;
-    fs::remove(folder / storeName(kind), ignored);
+    const fs::path file = folder / storeName(kind);
+    fs::remove(file, ignored);
+    fs::remove(file.string() + "-journal", ignored);
     fs::remove(folder, ignored); // unless something else is in it
+}
+
+void removeUnusedStore(const fs::path& folder, ResultKind kind)
+{
+    try {
+        const StudyStore store = StudyStore::open(folder / storeName(kind));
+        if (!store.finished().empty() || !store.runs().empty())
+            return;
+    } catch (const StudyError&) {
+        return; // nobody knows what is in it
+    }
+    removeStore(folder, kind);
 }
 
 int tellStopped(std::size_t done, std::size_t runs, const std::string& name)
@@ -72,8 +91,7 @@ KeptRuns::KeptRuns(fs::path folder, ResultKind kind, const StudyIdentity& identi
 KeptRuns::~KeptRuns()
 {
     m_store.reset();
-    if (m_kept == 0)
-        removeStore(m_folder, m_kind);
+    removeUnusedStore(m_folder, m_kind);
 }
 
 void KeptRuns::keep(std::uint64_t number, const std::string& bytes)

@@ -20,8 +20,10 @@ void checkStudyPlace(const std::filesystem::path& folder, ResultKind kind, bool 
 [[nodiscard]] StudyStore storeIn(
     const std::filesystem::path& folder, ResultKind kind, const StudyIdentity& identity, bool goesOn);
 
-/// Takes the store of a study that has kept nothing away, and its folder where that is empty then.
+/// Takes the store of a study away, and its folder where that is empty then.
 void removeStore(const std::filesystem::path& folder, ResultKind kind);
+/// The same only if nothing that was done is in it. Nobody may have it open.
+void removeUnusedStore(const std::filesystem::path& folder, ResultKind kind);
 
 /// Tells on the standard error how many of a stopped study's runs are done, and how it goes on. Returns the
 /// exit status.

@@ -28,14 +28,20 @@ int sweepSets(Options options)
     std::vector<std::uint64_t> open;
     std::ranges::set_difference(bench.numbers(), finished, std::back_inserter(open));
     const std::string label = bench.name() + ", " + std::to_string(open.size()) + " sets";
-    const bool isWhole = bench.runSets(
-        open, label, [&](const SetResult& set) { store->put(set, bench.grid().inputsOf(set.number)); });
-    store->flush();
+    bool isWhole = false;
+    try {
+        isWhole = bench.runSets(
+            open, label, [&](const SetResult& set) { store->put(set, bench.grid().inputsOf(set.number)); });
+        store->flush();
+    } catch (...) {
+        store.reset();
+        removeUnusedStore(folder, ResultKind::Sweep);
+        throw;
+    }
     if (!isWhole) {
         const std::size_t done = store->finished().size();
         store.reset();
-        if (done == 0)
-            removeStore(folder, ResultKind::Sweep);
+        removeUnusedStore(folder, ResultKind::Sweep);
         return tellStopped(done, bench.numbers().size(), "sets");
     }
     return endSweep(bench, *store, folder);

@@ -126,7 +126,10 @@ StudyStore::StudyStore(std::filesystem::path file, bool isNew)
         execute("PRAGMA locking_mode = EXCLUSIVE; PRAGMA synchronous = NORMAL; BEGIN EXCLUSIVE");
         m_isWriting = true;
     } catch (...) {
-        sqlite3_close(m_handle);
+        if (isNew && sqlite3_errcode(m_handle) != SQLITE_BUSY) // or else it is another process's
+            discard();
+        else
+            sqlite3_close(m_handle);
         throw;
     }
 }
@@ -148,20 +151,38 @@ StudyStore::~StudyStore()
     sqlite3_close(m_handle);
 }
 
+void StudyStore::layOut(const StudyIdentity& identity)
+{
+    execute("CREATE TABLE notes (name TEXT PRIMARY KEY, value TEXT NOT NULL)");
+    execute("CREATE TABLE identity (name TEXT PRIMARY KEY, value TEXT NOT NULL)");
+    execute("CREATE TABLE runs (number INTEGER PRIMARY KEY, bytes BLOB NOT NULL)");
+    execute(("CREATE TABLE sets (number INTEGER PRIMARY KEY, status TEXT NOT NULL, reason TEXT, "
+             "day_sharpe REAL, tick_print TEXT, decision_print TEXT"
+        + figureColumns(" REAL") + ", inputs TEXT NOT NULL, day_gains BLOB)")
+                .c_str());
+    for (const auto& [name, value] : identity)
+        Query(*this, "INSERT INTO identity VALUES (?, ?)").text(name).text(value).step();
+    execute(("PRAGMA user_version = " + std::to_string(formatNumber)).c_str());
+    flush();
+}
+
+void StudyStore::discard()
+{
+    sqlite3_close(std::exchange(m_handle, nullptr));
+    std::error_code ignored;
+    std::filesystem::remove(m_file, ignored);
+    std::filesystem::remove(m_file.string() + "-journal", ignored);
+}
+
 StudyStore StudyStore::create(const std::filesystem::path& file, const StudyIdentity& identity)
 {
     StudyStore store(file, true);
-    store.execute("CREATE TABLE notes (name TEXT PRIMARY KEY, value TEXT NOT NULL)");
-    store.execute("CREATE TABLE identity (name TEXT PRIMARY KEY, value TEXT NOT NULL)");
-    store.execute("CREATE TABLE runs (number INTEGER PRIMARY KEY, bytes BLOB NOT NULL)");
-    store.execute(("CREATE TABLE sets (number INTEGER PRIMARY KEY, status TEXT NOT NULL, reason TEXT, "
-                   "day_sharpe REAL, tick_print TEXT, decision_print TEXT"
-        + figureColumns(" REAL") + ", inputs TEXT NOT NULL, day_gains BLOB)")
-                      .c_str());
-    for (const auto& [name, value] : identity)
-        Query(store, "INSERT INTO identity VALUES (?, ?)").text(name).text(value).step();
-    store.execute(("PRAGMA user_version = " + std::to_string(formatNumber)).c_str());
-    store.flush();
+    try {
+        store.layOut(identity);
+    } catch (...) {
+        store.discard();
+        throw;
+    }
     return store;
 }
 

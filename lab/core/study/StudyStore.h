@@ -28,7 +28,7 @@ using StudyIdentity = std::vector<std::pair<std::string, std::string>>;
 /// file.
 class StudyStore final {
 public:
-    /// A new file; there must be none.
+    /// A new file; there must be none. What cannot be made leaves none.
     [[nodiscard]] static StudyStore create(const std::filesystem::path& file, const StudyIdentity& identity);
     /// One that is there.
     [[nodiscard]] static StudyStore open(const std::filesystem::path& file);
@@ -66,6 +66,8 @@ private:
     class Query;
 
     StudyStore(std::filesystem::path file, bool isNew);
+    void layOut(const StudyIdentity& identity);
+    void discard();
     void beginWriting();
     void flushNowAndThen();
     void execute(const char* sql);

@@ -301,6 +301,24 @@ TEST_CASE("where no set has trades enough, there is a table and no report")
     CHECK((study.filesIn("s") == std::set<std::string>{"sweep.csv", "sweep.json", "sweep.sqlite"}));
 }
 
+TEST_CASE(
+    "a sweep that cannot keep the first of its sets leaves nothing, and begins anew by the same command")
+{
+    const StudyFolder study;
+    const std::vector<std::string> call = study.words("sweep", "Clock.js",
+        {"--set", "Every=5:34:1", "--min-trades", "1", "--timeframe", "5m", "--out", "s"});
+    // Blocks of 512 bytes: the store takes 56 before it has a set, and more for thirty of them.
+    for (const std::string blocks : {"1", "24", "55", "56"}) {
+        const Result result
+            = study.lab.runWithin({"sh", "-c", "ulimit -f " + blocks + "; exec \"$@\"", "sh"}, call);
+        CHECK_EQ(result.exitCode, 2);
+        CHECK(isOneLine(result.errors));
+        CHECK(contains(result.errors, "s/sweep.sqlite: "));
+        CHECK(!std::filesystem::exists(study.folder / "s"));
+    }
+    CHECK_EQ(study.lab.run(call).exitCode, 0);
+}
+
 TEST_CASE("a full disk ends a sweep with a line that names it")
 {
     const StudyFolder study;
