@@ -4,12 +4,17 @@
 //   what
 //     a disk may hold when the power goes after any of them;
 //   - counted: before operation number TAVORAN_DISK_KILL the program kills itself;
-//   - refused with ENOSPC when there is no room left, see tavoran_disk_room().
+//   - refused with ENOSPC when there is no room left, see tavoran_disk_room(), or TAVORAN_DISK_ROOM: a file
+//   of
+//     eight bytes with the number of those that still fit, which others may change at any time. With
+//     TAVORAN_DISK_ROOM_NAMES=1 names take room as well, and with TAVORAN_DISK_ROOM_GROWTH=1 bytes take none
+//     that are written over others, as on a disk that writes them in place.
 // With TAVORAN_DISK_NAMES=1 every file has a name from the start, as where O_TMPFILE is not known.
 // Only what goes through the named functions of the C library is seen: streams of stdio and mapped files are
 // not.
 
 #include <algorithm>
+#include <atomic>
 #include <cerrno>
 #include <csignal>
 #include <cstdarg>
@@ -22,6 +27,7 @@
 #include <limits>
 #include <mutex>
 #include <string>
+#include <sys/mman.h>
 #include <sys/stat.h>
 #include <sys/syscall.h>
 #include <sys/uio.h>
@@ -115,22 +121,59 @@ void countOperation()
 
 // --- a full disk
 
-long long roomLeft = std::numeric_limits<long long>::max();
-bool namesTakeRoom = false;
+constexpr std::int64_t plenty = std::numeric_limits<std::int64_t>::max();
+
+bool isSet(const char* name)
+{
+    return *variable(name) == '1';
+}
+
+/// This process's own number, or the one in a file.
+std::atomic_ref<std::int64_t> roomLeft()
+{
+    static std::int64_t own = plenty;
+    static std::int64_t* const place = [] {
+        const char* path = variable("TAVORAN_DISK_ROOM");
+        if (!*path)
+            return &own;
+        const auto file = static_cast<int>(::syscall(SYS_openat, AT_FDCWD, path, O_RDWR | O_CLOEXEC, 0));
+        void* const mapped
+            = ::mmap(nullptr, sizeof(std::int64_t), PROT_READ | PROT_WRITE, MAP_SHARED, file, 0);
+        if (mapped == MAP_FAILED)
+            std::abort();
+        ::syscall(SYS_close, file);
+        return static_cast<std::int64_t*>(mapped);
+    }();
+    return std::atomic_ref(*place);
+}
+
+bool namesTakeRoom = isSet("TAVORAN_DISK_ROOM_NAMES");
 
 bool isFullForNames()
 {
-    return namesTakeRoom && roomLeft == 0;
+    return namesTakeRoom && roomLeft() == 0;
 }
 
 /// How much of it there is room for, which is taken.
 std::size_t taken(std::size_t size)
 {
-    const auto fits = static_cast<std::size_t>(
-        std::min<unsigned long long>(size, static_cast<unsigned long long>(roomLeft)));
-    if (roomLeft != std::numeric_limits<long long>::max())
-        roomLeft -= static_cast<long long>(fits);
-    return fits;
+    const std::int64_t left = roomLeft();
+    const std::int64_t fits = std::min(static_cast<std::int64_t>(size), left);
+    if (left != plenty)
+        roomLeft() -= fits;
+    return static_cast<std::size_t>(fits);
+}
+
+/// The same of bytes that are to be written at a place in a file.
+std::size_t takenAt(int descriptor, std::int64_t place, std::size_t size)
+{
+    static const bool isInPlace = isSet("TAVORAN_DISK_ROOM_GROWTH");
+    struct stat status = {};
+    if (!isInPlace || ::fstat(descriptor, &status) != 0)
+        return taken(size);
+    const auto over = static_cast<std::size_t>(
+        std::clamp<std::int64_t>(status.st_size - place, 0, static_cast<std::int64_t>(size)));
+    return over + taken(size - over);
 }
 
 // --- the journal: for each operation a line "LETTER NUMBER NUMBER SIZE SIZE", then so many bytes, twice
@@ -182,7 +225,7 @@ template <typename Open> int openAs(int directory, const char* name, int flags, 
     const bool wasThere = ::stat(path.c_str(), &status) == 0;
     const bool changes = (!wasThere && (flags & O_CREAT) != 0) || (flags & O_TRUNC) != 0;
     if ((flags & O_TMPFILE) == O_TMPFILE) {
-        if (*variable("TAVORAN_DISK_NAMES") == '1') {
+        if (isSet("TAVORAN_DISK_NAMES")) {
             errno = EOPNOTSUPP;
             return -1;
         }
@@ -216,15 +259,15 @@ ssize_t write(int descriptor, const char* bytes, std::size_t size, long long off
         return offset < 0 ? put(descriptor, bytes, size) : putAt(descriptor, bytes, size, offset);
     const std::lock_guard lock(gate());
     countOperation();
-    const std::size_t fits = taken(size);
-    if (fits == 0 && size > 0) {
-        errno = ENOSPC;
-        return -1;
-    }
     long long place = offset;
     if (place < 0) {
         const bool append = (::fcntl(descriptor, F_GETFL) & O_APPEND) != 0;
         place = ::lseek(descriptor, 0, append ? SEEK_END : SEEK_CUR);
+    }
+    const std::size_t fits = takenAt(descriptor, place, size);
+    if (fits == 0 && size > 0) {
+        errno = ENOSPC;
+        return -1;
     }
     const ssize_t count = offset < 0 ? put(descriptor, bytes, fits) : putAt(descriptor, bytes, fits, offset);
     if (count > 0)
@@ -278,7 +321,7 @@ int changeName(char letter, const std::string& one, const std::string& two, bool
 /// up.
 EXPORTED void tavoran_disk_room(long long bytes, int names)
 {
-    roomLeft = bytes;
+    roomLeft() = bytes;
     namesTakeRoom = names != 0;
 }
 

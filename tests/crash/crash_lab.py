@@ -1,10 +1,12 @@
 """The lab killed and without power: no file under its final name is half-written, finished sets are kept as they
 were, and what was interrupted goes on to the same end."""
 
+import itertools
 import random
 import shutil
 import sqlite3
 import subprocess
+import time
 
 import power_loss
 
@@ -37,6 +39,10 @@ class Lab:
         return subprocess.run([self._ground.bin / "tavoran-lab", command, *MARKET, *options], cwd=self.folder,
                               env=environment or self._ground.environment(), capture_output=True, text=True,
                               timeout=300, check=False)
+
+    def start(self, command, *options):
+        return subprocess.Popen([self._ground.bin / "tavoran-lab", command, *MARKET, *options], cwd=self.folder,
+                                env=self._ground.environment(), stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
 
 
 def whole(folder):
@@ -77,6 +83,88 @@ def losses_of_results(ground, count, chance):
         shutil.copytree(lab.folder, base)
     ground.row(f"power lost while the lab writes results: {2 * (count // 2)} losses, {ground.faults - before} faults, "
                f"{mixed} with files of two runs")
+
+
+class Runs:
+    """A run into no folder or over a former one that is another, and the judgement of those that were cut short."""
+
+    NEW = ("--set", "Every=30")
+
+    def __init__(self, ground):
+        self._ground = ground
+        self.lab = Lab(ground)
+        self.mixed = self.new = 0
+        self._results = {}
+        for name, every in (("old", "20"), ("new", "30")):
+            done = self.lab.run("run", "--set", f"Every={every}", "--out", name)
+            if done.returncode != 0:
+                raise RuntimeError(done.stderr[:300])
+            self._results[name] = whole(self.lab.folder / name)
+
+    def begun(self, is_over):
+        """The folder for a run; its result goes into "out" there."""
+        folder = self._ground.folder()
+        folder.mkdir()
+        if is_over:
+            shutil.copytree(self.lab.folder / "old", folder / "out")
+        return folder
+
+    def judge(self, folder, is_over, where):
+        out = folder / "out"
+        found = whole(out) if out.exists() else {}
+        old = self._results["old"] if is_over else {}
+        new = self._results["new"]
+        self.new += found == new
+        if found not in (old, new):
+            # Killed between one name and the next: each file is whole, and what is hidden beside them tells of it.
+            self.mixed += 1
+            parts = [name for name, content in found.items() if content not in (old.get(name), new.get(name))]
+            if parts or set(old) - set(found):
+                self._ground.fault(f"{where}: left {sorted(found)}, not all of them whole")
+            if "run.json" not in found or not any(place.name.startswith(".") for place in out.iterdir()):
+                self._ground.fault(f"{where}: parts of a result pass for a whole one")
+        done = self.lab.run("run", *self.NEW, "--out", out)
+        if done.returncode != 0:
+            self._ground.fault(f"{where}: the same command does not go well: {done.stderr.strip()[:200]}")
+        elif {place.name: place.read_bytes() for place in out.iterdir()} != new:
+            self._ground.fault(f"{where}: made again, it leaves {sorted(place.name for place in out.iterdir())}")
+        shutil.rmtree(folder)
+
+
+def kills_of_runs(ground, count, chance):
+    """Before each operation on files of a run, or some of them; and so many times at random moments of it, half of them
+    while it may be writing."""
+    runs = Runs(ground)
+    before = ground.faults
+    operations = at_random = 0
+    step = max(1, 100 // count)
+    for is_over in (False, True):
+        for at in itertools.count(1 + chance.randrange(step), step):
+            folder = runs.begun(is_over)
+            done = runs.lab.run("run", *runs.NEW, "--out", folder / "out",
+                                environment=ground.environment(folder, KILL=at))
+            if done.returncode == 0:
+                break
+            operations += 1
+            runs.judge(folder, is_over, f"run killed before operation {at}{' over another' if is_over else ''}")
+    begun = time.monotonic()
+    runs.judge(runs.begun(False), False, "a run by itself")
+    length = time.monotonic() - begun
+    for turn in range(count):
+        is_over = turn % 2 == 1
+        folder = runs.begun(is_over)
+        process = runs.lab.start("run", *runs.NEW, "--out", folder / "out")
+        moment = length * (chance.random() if turn % 4 < 2 else 0.8 + chance.random() * 0.3)
+        try:
+            process.wait(moment)
+        except subprocess.TimeoutExpired:
+            at_random += 1
+            process.kill()
+            process.wait()
+        runs.judge(folder, is_over, f"run killed after {moment:.3f} s")
+    ground.row(f"runs of the lab killed: {operations} before {'each operation' if step == 1 else 'operations'}, "
+               f"{at_random} at random moments; {runs.new} had put all into place, {runs.mixed} left files of two results "
+               f"or some of one, each whole; {ground.faults - before} faults")
 
 
 def sets_in(file):
@@ -243,6 +331,7 @@ def chunks_of_plans(ground, kills, losses, chance):
 def all_of_it(ground, losses, kills):
     chance = random.Random(ground.seed)
     losses_of_results(ground, losses, chance)
+    kills_of_runs(ground, kills * 2, chance)
     sweeps = Sweeps(ground)
     kills_of_sweeps(ground, sweeps, kills, chance)
     losses_of_sweeps(ground, sweeps, max(2, losses // 10), chance)

@@ -4,45 +4,61 @@ import http.client
 import json
 import os
 import random
-import select
 import shutil
+import signal
 import sqlite3
 import subprocess
+import tempfile
 
 import power_loss
+from line_reader import LineReader
 
 PATIENCE = 30  # seconds
 EMAIL = "trader@practice.local"
 PASSWORD = "practice"
 
 
+class NotStarted(RuntimeError):
+    """Why the platform does not start, and the status it ended with."""
+
+    def __init__(self, status, errors):
+        super().__init__(f"the platform does not start: status {status}, {errors[:300]}")
+        self.status = status
+        self.errors = errors
+
+
 class Platform:
     """tavoran-practice on a database and a port of its choice."""
 
     def __init__(self, ground, database, environment=None):
+        self._said = tempfile.TemporaryFile()  # a pipe would be full at some time
+        self._line = None
         self._process = subprocess.Popen([ground.bin / "tavoran-practice", "--quiet", "--port", "0", "--db", database],
-                                         stdout=subprocess.PIPE, stderr=subprocess.PIPE,
+                                         stdout=subprocess.PIPE, stderr=self._said,
                                          env=environment or ground.environment())
-        ready = select.select([self._process.stdout], [], [], PATIENCE)[0]
-        line = self._process.stdout.readline().decode() if ready else ""
-        if not line:
-            self._process.kill()
-            _, errors = self._process.communicate()
-            raise RuntimeError(f"the platform does not start: {errors.decode()[:300]}")
-        self.port = int(line.rstrip().rsplit(":", 1)[1])
+        line = LineReader(self._process.stdout).line(PATIENCE)
+        if line is None:
+            self.end(0.5)
+            raise NotStarted(self._process.returncode, self.errors())
+        self.port = int(line.rsplit(":", 1)[1])
         self._line = http.client.HTTPConnection("127.0.0.1", self.port, timeout=PATIENCE)
         self.token = None
 
-    def ask(self, method, target, body=None):
+    def answer(self, method, target, body=None):
+        """The status, and what came with it."""
         headers = {"Content-Type": "application/json"}
         if self.token:
             headers["Authorization"] = "Bearer " + self.token
         self._line.request(method, target, None if body is None else json.dumps(body), headers)
         reply = self._line.getresponse()
         content = reply.read()
-        if reply.status != 200:
-            raise RuntimeError(f"{target}: {reply.status} {content.decode()[:200]}")
-        return json.loads(content) if content else None
+        return reply.status, json.loads(content) if content else None
+
+    def ask(self, method, target, body=None):
+        status, content = self.answer(method, target, body)
+        if status != 200:
+            raise RuntimeError(f"{target}: {status} {str(content)[:200]}")
+        return content
 
     def sign_in(self):
         answer = self.ask("POST", "/api/auth/login", {"email": EMAIL, "password": PASSWORD})
@@ -51,10 +67,36 @@ class Platform:
     def account(self):
         return next(row["id"] for row in self.ask("GET", "/api/accounts") if row["type"] == "DEMO")
 
-    def end(self):
-        self._line.close()
-        self._process.kill()
-        self._process.communicate()
+    def trades(self):
+        """Those of the account: each record with the list that it stands in."""
+        account = self.account()
+        return [(kind, row) for kind in ("open", "pending", "history")
+                for row in self.ask("GET", f"/api/trades/{kind}?accountId={account}")]
+
+    def errors(self):
+        """All that was written to standard error so far."""
+        self._said.seek(0)
+        return self._said.read().decode()
+
+    def is_running(self):
+        return self._process.poll() is None
+
+    def leave(self):
+        """Ends as by a person; the status."""
+        self._process.send_signal(signal.SIGTERM)
+        return self.end(PATIENCE)
+
+    def end(self, patience=0):
+        """Ends at the latest after so many seconds; the status."""
+        if self._line:
+            self._line.close()
+        try:
+            self._process.wait(patience)
+        except subprocess.TimeoutExpired:
+            self._process.kill()
+            self._process.wait()
+        self._process.stdout.close()
+        return self._process.returncode
 
 
 class Told:
@@ -64,7 +106,7 @@ class Told:
         self._journal = journal
         self.placed = {}  # comment: (id, size)
         self.closed = {}  # id: size
-        self.signed_in = None
+        self.signed_in = None  # the token, and the size
 
     def now(self):
         return os.path.getsize(self._journal)
@@ -73,7 +115,7 @@ class Told:
 def trade(platform, told, orders):
     """Some that stay, some that are closed, some that wait."""
     platform.sign_in()
-    told.signed_in = told.now()
+    told.signed_in = (platform.token, told.now())
     account = platform.account()
     for number in range(orders):
         order = {"accountId": account, "symbol": "EURUSD", "lotSize": 0.01, "comment": f"order {number}"}
@@ -95,12 +137,14 @@ def check(ground, place, told, size, where):
         ground.fault(f"{where}: {error}")
         return
     try:
+        token, then = told.signed_in
+        platform.token = token
+        if then <= size:
+            platform.account()  # whoever was signed in still is
         platform.sign_in()
-        account = platform.account()
         seen = {}
-        for kind in ("open", "pending", "history"):
-            for row in platform.ask("GET", f"/api/trades/{kind}?accountId={account}"):
-                seen.setdefault(row["comment"], []).append((row["id"], kind))
+        for kind, row in platform.trades():
+            seen.setdefault(row["comment"], []).append((row["id"], kind))
     except RuntimeError as error:
         ground.fault(f"{where}: {error}")
         return
@@ -115,6 +159,10 @@ def check(ground, place, told, size, where):
             ground.fault(f"{where}: {comment} was acknowledged and is lost")
         elif told.closed.get(identity, size + 1) <= size and found[0][1] != "history":
             ground.fault(f"{where}: {comment} was closed and is {found[0][1]}")
+    check_integrity(ground, database, where)
+
+
+def check_integrity(ground, database, where):
     connection = sqlite3.connect(database)
     answer = connection.execute("PRAGMA integrity_check").fetchall()
     connection.close()

@@ -11,7 +11,6 @@ import argparse
 import os
 import random
 import re
-import select
 import signal
 import subprocess
 import sys
@@ -21,10 +20,12 @@ from pathlib import Path
 
 import crash_lab
 import crash_practice
+import crash_room
 import crash_window
 import power_loss
+from line_reader import LineReader
 
-PIECES = ("kills", "window", "disk", "power", "practice", "lab")
+PIECES = ("kills", "window", "disk", "disk-practice", "disk-lab", "power", "practice", "lab")
 PATIENCE = 20  # seconds that a program may take to answer
 
 
@@ -68,20 +69,10 @@ class Saver:
     def __init__(self, ground, file, count, environment=None):
         self._process = subprocess.Popen([ground.saver, "save", file, str(count)], stdout=subprocess.PIPE,
                                          env=environment or ground.environment())
-        self._rest = b""
+        self._lines = LineReader(self._process.stdout)
 
     def line(self, seconds=PATIENCE):
-        """The next whole line; None at the end, or when none comes in time."""
-        until = time.monotonic() + seconds
-        while b"\n" not in self._rest:
-            if not select.select([self._process.stdout], [], [], max(0, until - time.monotonic()))[0]:
-                return None
-            more = os.read(self._process.stdout.fileno(), 65536)
-            if not more:
-                return None
-            self._rest += more
-        line, self._rest = self._rest.split(b"\n", 1)
-        return line.decode()
+        return self._lines.line(seconds)
 
     def kill(self):
         self._process.send_signal(signal.SIGKILL)
@@ -112,21 +103,29 @@ def check_start(ground, line, acknowledged, tried, where):
     return found
 
 
+def run_to_end(ground, saver, where, may_tell=False):
+    """The last state that it says is there or saved. Refusals are faults, and so is what it tells the trader, unless
+    it may have something to tell."""
+    last = None
+    while (line := saver.line()) is not None:
+        number = number_in(line)
+        if number is None and not (may_tell and line.startswith("told ")):
+            ground.fault(f"{where}: {line}")
+        last = last if number is None else number
+    saver.end()
+    return last
+
+
 def run_until_killed(ground, saver, acknowledged, where):
     """The last state that it told to be saved, or found when it started."""
     line = saver.line()
     # Killed before it could say anything.
     found = None if line is None else check_start(ground, line, acknowledged, acknowledged + 1, where)
     last = max(acknowledged, found or 0)
-    if found is not None:
-        while (line := saver.line()) is not None:
-            number = number_in(line)
-            if number is None:
-                ground.fault(f"{where}: {line}")
-                break
-            last = number
-    saver.end()
-    return last
+    if found is None:
+        saver.end()
+        return last
+    return max(last, run_to_end(ground, saver, where) or 0)
 
 
 def kills_while_saving(ground, count):
@@ -148,12 +147,7 @@ def kills_while_saving(ground, count):
             acknowledged = found
             time.sleep(chance.random() * 0.04)
             saver.kill()
-            while (line := saver.line()) is not None:
-                if (number := number_in(line)) is None:
-                    ground.fault(f"{where}: {line}")
-                else:
-                    acknowledged = number
-            saver.end()
+            acknowledged = max(acknowledged, run_to_end(ground, saver, where) or 0)
             left = max(left, len(names_in(file.parent)))
         start_once(ground, file)
         check_left_overs(ground, file.parent, f"after {share} kills")
@@ -189,9 +183,8 @@ def kills_at_each_operation(ground, most):
             file = folder / "Terminal.conf"
             where = f"kill before operation {operation}, names {names}"
             first = Saver(ground, file, 2)
-            while first.line() is not None:
-                pass
-            first.end()
+            if run_to_end(ground, first, where) != 2:
+                ground.fault(f"{where}: two saves were not done before it")
             saver = Saver(ground, file, 3, ground.environment(folder, KILL=operation, NAMES=names))
             acknowledged = run_until_killed(ground, saver, 2, where)
             if acknowledged == 5:
@@ -204,9 +197,7 @@ def kills_at_each_operation(ground, most):
                 ground.fault(f"{where}: the next start does not save")
             elif time.monotonic() - begun > 2:
                 ground.fault(f"{where}: the next save took {time.monotonic() - begun:.0f} s")
-            while again.line() is not None:
-                pass
-            again.end()
+            run_to_end(ground, again, where)
             check_left_overs(ground, folder, where)
     ground.row(f"killed before each operation of saving: {kills} kills, {ground.faults - before} faults")
 
@@ -253,10 +244,10 @@ def power_losses_settings(ground, count):
         if start is None:
             ground.fault(f"power loss: run {run} does not start")
             return
-        last = start
-        while (line := saver.line()) is not None:
-            last = number_in(line) or last
-        saver.end()
+        # What the loss before has damaged is told; there is room for every save.
+        last = run_to_end(ground, saver, f"run {run} that loses power", may_tell=True) or start
+        if last != start + 8:
+            ground.fault(f"power loss: run {run} ends with state {last}, and began with {start}")
         share = count // runs + (run < count % runs)
         for size, lose in power_loss.losses(folder, journal, share, chance.randrange(1 << 30), base):
             place = ground.folder()
@@ -302,10 +293,15 @@ def main():
             power_losses_settings(ground, arguments.losses)
         if "practice" in pieces:
             crash_practice.power_losses(ground, arguments.losses // 4)
-        if "lab" in pieces and not (ground.bin / "tavoran-lab").exists():
+        if "disk-practice" in pieces:
+            crash_room.platform_with_rooms(ground, arguments.sizes)
+        if not (ground.bin / "tavoran-lab").exists():
             ground.row("the lab is not tried: it is not built")
-        elif "lab" in pieces:
+            pieces = ()
+        if "lab" in pieces:
             crash_lab.all_of_it(ground, arguments.losses, max(3, arguments.losses // 10))
+        if "disk-lab" in pieces:
+            crash_room.lab_with_rooms(ground, arguments.sizes)
     sys.exit(1 if ground.faults else 0)
 
 

@@ -3,12 +3,12 @@
 import json
 import os
 import random
-import select
 import statistics
 import subprocess
 import time
 
 import crash_practice
+from line_reader import LineReader
 
 SCREEN = "offscreen:configfile=" + os.path.abspath(os.path.join(os.path.dirname(__file__), "../../bench/screen.json"))
 PATIENCE = 60  # seconds that a start may take; a busy machine is slow, and a hanging one is found all the same
@@ -30,20 +30,14 @@ class Window:
         self.begun = time.monotonic()
         self._process = subprocess.Popen([ground.bin / "tavoran-terminal"], stdout=subprocess.PIPE,
                                          stderr=subprocess.PIPE, env=environment)
-        self._rest = b""
+        self._lines = LineReader(self._process.stdout)
 
     def line(self, seconds=PATIENCE):
         """The next line as its word and its parts; None at the end, or when none comes in time."""
-        until = time.monotonic() + seconds
-        while b"\n" not in self._rest:
-            if not select.select([self._process.stdout], [], [], max(0, until - time.monotonic()))[0]:
-                return None
-            more = os.read(self._process.stdout.fileno(), 65536)
-            if not more:
-                return None
-            self._rest += more
-        line, self._rest = self._rest.split(b"\n", 1)
-        word, _, parts = line.decode().partition(" ")
+        line = self._lines.line(seconds)
+        if line is None:
+            return None
+        word, _, parts = line.partition(" ")
         return word, json.loads(parts or "{}")
 
     def kill(self):

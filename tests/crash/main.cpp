@@ -29,12 +29,23 @@ savedstate::Found start(const TerminalSettings& settings)
     return found;
 }
 
+/// What a trader would read of the settings in the Journal.
+void sayNotices(TerminalSettings& settings)
+{
+    const QStringList notices = settings.takeNotices();
+    for (const QString& notice : notices)
+        say(u"told "_s + notice);
+}
+
 int saveOnAndOn(const QString& file, int count)
 {
     TerminalSettings settings(file);
     const int first = start(settings).number + 1;
-    for (int number = first; number - first < count; ++number)
+    sayNotices(settings);
+    for (int number = first; number - first < count; ++number) {
         say((savedstate::save(settings, number) ? u"saved %1"_s : u"refused %1"_s).arg(number));
+        sayNotices(settings);
+    }
     return 0;
 }
 
