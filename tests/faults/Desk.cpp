@@ -111,12 +111,25 @@ bool Desk::isWaiting() const
 
 void Desk::giveUpHeld()
 {
-    const bool holding = line.news().holding;
-    if (holding && m_heldBefore) {
+    // Given up is what nothing more will come to: the line and the event loop have had their turns, and since
+    // then the line has neither struck nor got a connection.
+    constexpr int quietTurns = 5;
+    const LineNews& told = line.news();
+    const auto events = std::pair(told.struck.load(), told.connections.load());
+    if (!told.holding || events != m_events) {
+        m_events = events;
+        m_quietTurns = 0;
+        return;
+    }
+    if (told.turns < m_pings)
+        return;
+    if (++m_quietTurns > quietTurns) {
         for (QNetworkReply* reply : api.findChildren<QNetworkReply*>())
             reply->abort();
+        m_quietTurns = 0;
     }
-    m_heldBefore = holding;
+    ++m_pings;
+    line.ping();
 }
 
 void Desk::settle()

@@ -13,6 +13,8 @@
 
 #include <QStringList>
 
+#include <utility>
+
 namespace faults {
 
 /// Everything of the terminal that asks a platform for something, behind a faulty line.
@@ -51,7 +53,9 @@ private:
     [[nodiscard]] bool isWaiting() const;
     void giveUpHeld();
 
-    bool m_heldBefore = false;
+    std::pair<int, int> m_events; ///< strikes and connections at the line, at the last beat
+    int m_quietTurns = 0;         ///< of line and event loop, without such
+    int m_pings = 0;
 };
 
 } // namespace faults

@@ -144,4 +144,9 @@ void FaultyLine::cutAll()
     });
 }
 
+void FaultyLine::ping()
+{
+    net::post(m_parts->context, [this] { ++m_news.turns; });
+}
+
 } // namespace faults

@@ -14,6 +14,7 @@ struct LineNews final {
     std::atomic<int> struck{0};       ///< how often the fault has struck
     std::atomic<bool> holding{false}; ///< the fault keeps a client waiting for its time-out
     std::atomic<int> connections{0};  ///< that have come to the line
+    std::atomic<int> turns{0};        ///< that it has had for a ping()
 };
 
 /// A line to a loopback server on which any fault can be had at any moment. It runs on a thread of its own.
@@ -34,6 +35,8 @@ public:
     void mend();
     /// Resets every connection.
     void cutAll();
+    /// Counts in the news once the line has done what was to be done before.
+    void ping();
 
 private:
     struct Parts;

@@ -14,7 +14,7 @@ namespace {
 using Kind = Request::Kind;
 
 // Of this request alone the time-out is real, since it is one that blocks.
-constexpr int settingsPatience = 1000;
+constexpr int settingsPatience = 2000;
 
 Drawing lineAt(const QString& id, double price)
 {

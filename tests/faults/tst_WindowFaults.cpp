@@ -1,11 +1,6 @@
 #include "faults/Fault.h"
 #include "faults/FaultTable.h"
-#include "faults/FaultyLine.h"
-#include "faults/Heartbeat.h"
-#include "mainwindow/MainWindowFixture.h"
-#include "net/ApiClient.h"
-#include "net/WsClient.h"
-#include "soak/LiveObjects.h"
+#include "faults/WindowDesk.h"
 #include "support/Hands.h"
 #include "support/TestMain.h"
 
@@ -13,73 +8,34 @@
 #include <QDialog>
 #include <QMenu>
 #include <QMessageBox>
-#include <QUrl>
 
 using namespace Qt::StringLiterals;
 using namespace faults;
 
 namespace {
 
-// Whoever waits for a time-out waits less long than a trader would.
-constexpr int silenceMs = 300;
-constexpr int attemptTimeoutMs = 300;
-constexpr int retrySecondMs = 100;
+void closePosition(const WindowDesk& desk)
+{
+    QTreeWidget& trades = desk.f.list("tradeList");
+    const QPoint place = trades.visualItemRect(trades.topLevelItem(0)).center();
+    QContextMenuEvent event(QContextMenuEvent::Mouse, place, trades.viewport()->mapToGlobal(place));
+    QApplication::sendEvent(trades.viewport(), &event);
+    hands::choose(*desk.f.window->findChild<QMenu*>(u"tradeMenu"_s), u"Close Position"_s);
+    auto* question = desk.f.window->findChild<QMessageBox*>();
+    QVERIFY(question);
+    QTest::mouseClick(question->button(QMessageBox::Yes), Qt::LeftButton);
+}
 
-/// The whole main window behind a faulty line.
-struct WindowDesk final {
-    MainWindowFixture f;
-    FaultyLine line{static_cast<quint16>(QUrl(f.server.url()).port())};
-    Heartbeat heart{[] {}};
-
-    WindowDesk()
-    {
-        TerminalSettings::instance().setServerUrl(line.url());
-        f.server.on("POST", "/api/trades/close/t1", StubAnswer::json(R"({"id":"t1"})"));
-        f.signInAndSettle();
-        QTRY_VERIFY(isConnected());
-        f.server.clearRequests();
-        for (QObject* object : liveobjects::here()) { // no search from the window finds them
-            if (auto* api = qobject_cast<ApiClient*>(object))
-                api->setLimits({.silence = silenceMs});
-            if (auto* client = qobject_cast<WsClient*>(object)) {
-                client->setAttemptTimeout(attemptTimeoutMs);
-                client->setRetrySecond(retrySecondMs);
-            }
-        }
-        heart.restart();
-    }
-    Q_DISABLE_COPY_MOVE(WindowDesk)
-
-    [[nodiscard]] bool isConnected() const
-    {
-        return f.window->findChild<QLabel*>(u"connectionLabel"_s)->text().contains("</span> Connected"_L1);
-    }
-    void closePosition() const
-    {
-        QTreeWidget& trades = f.list("tradeList");
-        const QPoint place = trades.visualItemRect(trades.topLevelItem(0)).center();
-        QContextMenuEvent event(QContextMenuEvent::Mouse, place, trades.viewport()->mapToGlobal(place));
-        QApplication::sendEvent(trades.viewport(), &event);
-        hands::choose(*f.window->findChild<QMenu*>(u"tradeMenu"_s), u"Close Position"_s);
-        auto* question = f.window->findChild<QMessageBox*>();
-        QVERIFY(question);
-        QTest::mouseClick(question->button(QMessageBox::Yes), Qt::LeftButton);
-    }
-    /// Goes through the window as a trader does who wonders.
-    void use() const
-    {
-        QTest::keyClick(f.window.get(), Qt::Key_F6);
-        f.action("New Order")->trigger();
-        QDialog* dialog = nullptr;
-        QTRY_VERIFY((dialog = qobject_cast<QDialog*>(QApplication::activeWindow())));
-        QTest::keyClick(dialog, Qt::Key_Escape);
-        QTRY_VERIFY(!dialog->isVisible());
-    }
-    [[nodiscard]] QStringList tradeLines() const
-    {
-        return f.journal().filter(QRegularExpression(u"^Trade: "_s));
-    }
-};
+/// Goes through the window as a trader does who wonders.
+void use(const WindowDesk& desk)
+{
+    QTest::keyClick(desk.f.window.get(), Qt::Key_F6);
+    desk.f.action("New Order")->trigger();
+    QDialog* dialog = nullptr;
+    QTRY_VERIFY((dialog = qobject_cast<QDialog*>(QApplication::activeWindow())));
+    QTest::keyClick(dialog, Qt::Key_Escape);
+    QTRY_VERIFY(!dialog->isVisible());
+}
 
 } // namespace
 
@@ -138,7 +94,7 @@ void tst_WindowFaults::a_window_without_a_line_is_right_again_with_it()
     QTRY_VERIFY(desk.line.news().struck > 0);
 
     // Meanwhile the window answers, and keeps what it knew.
-    desk.use();
+    use(desk);
     QCOMPARE(desk.f.list("tradeList").topLevelItemCount(), 1);
     QCOMPARE(desk.f.list("marketWatchSymbols").topLevelItemCount(), 2);
 
@@ -165,7 +121,7 @@ void tst_WindowFaults::a_window_whose_reads_hang_answers_and_keeps_what_it_knew(
     desk.f.server.on("GET", "/api/trades/open?accountId=a1", StubAnswer::list({}));
     desk.f.feed.send(R"({"type":"orders_changed"})");
     QTRY_VERIFY(desk.line.news().struck > 0);
-    desk.use();
+    use(desk);
     const auto failures = [&] {
         return desk.f.journal().filter(QRegularExpression(
             u"^Network: Failed to load trades: Operation canceled \\(http://127\\.0\\.0\\.1:\\d+\\)$"_s));
@@ -188,7 +144,8 @@ void tst_WindowFaults::a_position_is_closed_once_and_the_lists_tell_whether()
     WindowDesk desk;
     desk.line.spoil({fault, Moment::Headers, "POST /api/trades/close/t1", "http://127.0.0.1:1/"});
     desk.f.server.on("GET", "/api/trades/open?accountId=a1", StubAnswer::list({})); // it was carried out
-    desk.closePosition();
+    desk.f.server.on("POST", "/api/trades/close/t1", StubAnswer::json(R"({"id":"t1"})"));
+    closePosition(desk);
     QTRY_COMPARE(desk.tradeLines().size(), 1);
     const QString wanted = told.isEmpty() ? u"Trade: Position closed"_s : u"Trade: Close failed: "_s + told;
     QVERIFY2(desk.tradeLines().constFirst().startsWith(wanted), qPrintable(desk.tradeLines().constFirst()));
