@@ -26,6 +26,19 @@ private Q_SLOTS:
         QVERIFY(!findQuote({}, {}, 5));
     }
 
+    void a_symbol_with_the_rarest_letters_is_found()
+    {
+        // Qt keeps a key with an escape in it as another kind of text, and orders letters beyond U+FFFF by
+        // kind.
+        const QJsonObject prices
+            = parse("{\"\U0001F600\":{\"bid\":1,\"ask\":2},\"\\uFFFD\":{\"bid\":3,\"ask\":4}}");
+        const auto quote = findQuote(prices, u"\U0001F600"_s, 5);
+        QVERIFY(quote);
+        QCOMPARE(quote->ask, 2.0);
+        QCOMPARE(findQuote(prices, u"\uFFFD"_s, 5)->ask, 4.0);
+        QVERIFY(!findQuote(prices, u"\U0001F601"_s, 5));
+    }
+
     void a_price_that_cannot_be_read_is_zero_data()
     {
         QTest::addColumn<QByteArray>("record");
