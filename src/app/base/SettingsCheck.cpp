@@ -75,16 +75,24 @@ SettingsCheck::SettingsCheck(QString folder)
 {
 }
 
+std::unique_ptr<QFile> SettingsCheck::fileWith(const QByteArray& content) const
+{
+    auto file = std::make_unique<QTemporaryFile>(m_folder + u'/' + prefix + "XXXXXX"_L1);
+    if (!file->open())
+        return {};
+    claim(*file);
+    if (file->write(content) != content.size() || !file->flush())
+        return {};
+    return file;
+}
+
 std::optional<bool> SettingsCheck::parsed(
     const QByteArray& content, const std::function<bool(const QSettings&)>& look) const
 {
-    QTemporaryFile file(m_folder + u'/' + prefix + "XXXXXX"_L1);
-    if (!file.open())
+    const std::unique_ptr<QFile> file = fileWith(content);
+    if (!file)
         return std::nullopt;
-    claim(file);
-    if (file.write(content) != content.size() || !file.flush())
-        return std::nullopt;
-    const QSettings settings(file.fileName(), QSettings::IniFormat);
+    const QSettings settings(file->fileName(), QSettings::IniFormat);
     return settings.status() == QSettings::NoError && look(settings);
 }
 
@@ -93,13 +101,11 @@ bool SettingsCheck::isDamaged(const QByteArray& content) const
     return !looksWritten(content) || !parsed(content, [](const QSettings&) { return true; }).value_or(true);
 }
 
-std::optional<SettingsCheck::Entries> SettingsCheck::entriesOf(const QByteArray& content) const
+std::optional<SettingsValues> SettingsCheck::entriesOf(const QByteArray& content) const
 {
-    Entries entries;
+    SettingsValues entries;
     const bool isRead = parsed(content, [&entries](const QSettings& settings) {
-        const QStringList keys = settings.allKeys();
-        for (const QString& key : keys)
-            entries.insert(key, settings.value(key).toString());
+        entries = settingsValues(settings);
         return true;
     }).value_or(false);
     return isRead ? std::optional(entries) : std::nullopt;
@@ -108,46 +114,43 @@ std::optional<SettingsCheck::Entries> SettingsCheck::entriesOf(const QByteArray&
 std::optional<QByteArray> SettingsCheck::savedAgain(
     const QByteArray& content, const std::function<void(QSettings&)>& change) const
 {
-    QTemporaryFile file(m_folder + u'/' + prefix + "XXXXXX"_L1);
-    if (!file.open())
+    const std::unique_ptr<QFile> file = fileWith(content);
+    if (!file)
         return std::nullopt;
-    claim(file);
-    if (file.write(content) != content.size() || !file.flush())
-        return std::nullopt;
-    QSettings settings(file.fileName(), QSettings::IniFormat);
+    QSettings settings(file->fileName(), QSettings::IniFormat);
     change(settings);
     settings.sync();
     // Qt has put another file there.
-    QFile saved(file.fileName());
+    QFile saved(file->fileName());
     if (settings.status() != QSettings::NoError || !saved.open(QIODevice::ReadOnly))
         return std::nullopt;
     return saved.readAll();
 }
 
-bool SettingsCheck::areFound(const QByteArray& content, const Entries& entries) const
+bool SettingsCheck::areFound(const QByteArray& content, const SettingsValues& entries) const
 {
     // Qt reads a section when it is asked for a value there, and looks for it by its name.
     return parsed(content, [&entries](const QSettings& settings) {
         return std::all_of(entries.keyBegin(), entries.keyEnd(), [&](const QString& key) {
-            return !isReachable(key) || settings.value(key).toString() == entries[key];
+            return !isReachable(key) || comparable(settings.value(key)) == entries[key];
         });
     }).value_or(true);
 }
 
-bool SettingsCheck::isSavedWhole(const QByteArray& content, Entries entries) const
+bool SettingsCheck::isSavedWhole(const QByteArray& content, SettingsValues entries) const
 {
     // Qt writes only where something has changed.
     const QString another = u"Terminal/check"_s;
     const std::optional<QByteArray> saved
         = savedAgain(content, [&](QSettings& settings) { settings.setValue(another, u"1"_s); });
-    const std::optional<Entries> again = saved ? entriesOf(*saved) : std::nullopt;
-    entries.insert(another, u"1"_s);
+    const std::optional<SettingsValues> again = saved ? entriesOf(*saved) : std::nullopt;
+    entries.insert(another, comparable(u"1"_s));
     return !again || *again == entries;
 }
 
 std::optional<QByteArray> SettingsCheck::partToSave(const QByteArray& content) const
 {
-    const std::optional<Entries> read = entriesOf(content);
+    const std::optional<SettingsValues> read = entriesOf(content);
     if (!read || (areFound(content, *read) && isSavedWhole(content, *read)))
         return std::nullopt;
     const std::optional<QByteArray> part = savedAgain({}, [&](QSettings& settings) {
@@ -160,7 +163,7 @@ std::optional<QByteArray> SettingsCheck::partToSave(const QByteArray& content) c
             return true;
         }));
     });
-    const std::optional<Entries> kept = part ? entriesOf(*part) : std::nullopt;
+    const std::optional<SettingsValues> kept = part ? entriesOf(*part) : std::nullopt;
     const bool isFaithful = kept && std::all_of(kept->keyBegin(), kept->keyEnd(), [&](const QString& key) {
         return read->contains(key) && kept->value(key) == read->value(key);
     });

@@ -1,12 +1,15 @@
 #pragma once
 
+#include "app/base/SettingsValues.h"
+
 #include <QByteArray>
-#include <QMap>
 #include <QString>
 
 #include <functional>
+#include <memory>
 #include <optional>
 
+class QFile;
 class QSettings;
 
 /// Looks at the bytes of a settings file as Qt would read them. Qt parses files only, so
@@ -34,10 +37,11 @@ public:
     void removeLeftOvers() const;
 
 private:
-    using Entries = QMap<QString, QString>;
-    [[nodiscard]] std::optional<Entries> entriesOf(const QByteArray& content) const;
-    [[nodiscard]] bool areFound(const QByteArray& content, const Entries& entries) const;
-    [[nodiscard]] bool isSavedWhole(const QByteArray& content, Entries entries) const;
+    [[nodiscard]] std::optional<SettingsValues> entriesOf(const QByteArray& content) const;
+    [[nodiscard]] bool areFound(const QByteArray& content, const SettingsValues& entries) const;
+    [[nodiscard]] bool isSavedWhole(const QByteArray& content, SettingsValues entries) const;
+    /// A private file with this content, which goes with the object; nothing when there is no room for it.
+    [[nodiscard]] std::unique_ptr<QFile> fileWith(const QByteArray& content) const;
     /// What Qt makes of a file with this content when something in it changes.
     [[nodiscard]] std::optional<QByteArray> savedAgain(
         const QByteArray& content, const std::function<void(QSettings&)>& change) const;

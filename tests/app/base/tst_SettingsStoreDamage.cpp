@@ -115,6 +115,12 @@ private Q_SLOTS:
         QTest::newRow("bytes that are no text")
             << QByteArray("[\\\x88\xba[[General]\nalerts=\"[\x85\xa3\xdd\x9e\"\n") << true;
         QTest::newRow("no section") << QByteArray("[General]\n\\theme=light\n") << true;
+        // Within this section there is another one, with nothing in it, behind which Qt does not find
+        // anything.
+        for (const char* value : {"one", "one, two", "@ByteArray()"}) {
+            QTest::addRow("%s before an empty section", value) << "[odd]\nlater=" + QByteArray(value)
+                    + "\n[odd%2Faa]\n" << true;
+        }
         // These come back as they were.
         QTest::newRow("a name that begins with one") << QByteArray("[ui]\n\\theme=light\n") << false;
         QTest::newRow("a name that ends with one") << QByteArray("[ui]\ntheme\\=light\n") << false;
