@@ -78,12 +78,21 @@ std::int64_t SimulatedSymbol::halfSpread(TimeMs now)
 {
     enterMinute(floorDivide(now, minuteMs));
     now = stepStart(stepAt(now)); // the spread changes with the ticks, not between them
+    if (now == m_spreadSince)
+        return m_halfSpread;
     const std::int64_t number = floorDivide(now, spreadKnotMs);
+    if (number != m_knotNumber) {
+        m_knot = knot(m_key, number);
+        m_nextKnot = knot(m_key, number + 1);
+        m_knotNumber = number;
+    }
     const double way = static_cast<double>(now - number * spreadKnotMs) / static_cast<double>(spreadKnotMs);
-    const double mood = (1 - way) * knot(m_key, number) + way * knot(m_key, number + 1);
+    const double mood = (1 - way) * m_knot + way * m_nextKnot;
     const double half = m_usualHalfSpread * std::exp(moodWeight * mood)
         * std::sqrt(std::clamp(m_restlessness, 0.5, mostRestless));
-    return std::max<std::int64_t>(1, std::llround(half));
+    m_spreadSince = now;
+    m_halfSpread = std::max<std::int64_t>(1, std::llround(half));
+    return m_halfSpread;
 }
 
 std::int64_t SimulatedSymbol::widestHalfSpread() const

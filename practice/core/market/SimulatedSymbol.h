@@ -43,6 +43,13 @@ private:
     std::int64_t m_minute = INT64_MIN; // the minute that m_path describes
     TickPath m_path;
     double m_restlessness = 1; // of that minute, relative to a usual one
+    // What halfSpread() has said last, of the tick that began then; who searches asks again and again.
+    TimeMs m_spreadSince = INT64_MIN;
+    std::int64_t m_halfSpread = 0;
+    // Between which two moods of the spread that was.
+    std::int64_t m_knotNumber = INT64_MIN;
+    double m_knot = 0;
+    double m_nextKnot = 0;
 };
 
 } // namespace practice
