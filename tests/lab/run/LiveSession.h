@@ -85,6 +85,13 @@ private:
     static constexpr std::size_t traded = 0;
     static constexpr practice::TimeMs step = 1000;
 
+    /// The same prices for all sessions, so that decades of days are drawn once.
+    static practice::SimulatedMarket& market()
+    {
+        static practice::SimulatedMarket market{7, 30};
+        return market;
+    }
+
     void tick()
     {
         const bool isNewsFirst = newsLead > 0 && m_readIn && *m_readIn <= 0;
@@ -179,7 +186,7 @@ private:
     QString m_script;
     practice::TimeMs m_delay;
     practice::HandClock m_clock;
-    practice::SimulatedMarket m_market{7, 30};
+    practice::SimulatedMarket& m_market = market();
     practice::Database m_database{folder / "x.db"};
     std::unique_ptr<practice::Platform> m_platform;
     std::unique_ptr<practice::RecordFile> m_file;
