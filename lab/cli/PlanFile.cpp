@@ -16,15 +16,6 @@ namespace {
 
 constexpr std::string_view ending = ".json";
 
-std::string contentOf(const fs::path& file)
-{
-    std::string reason;
-    std::string content = practice::contentOf(file, reason);
-    if (!reason.empty())
-        throw StudyError("cannot read " + file.string() + ": " + reason);
-    return content;
-}
-
 fs::path folderOf(const fs::path& file)
 {
     return fs::absolute(file).parent_path();
@@ -73,7 +64,7 @@ std::string planText(const PlanFile& plan, const fs::path& file)
 
 PlanFile readPlan(const fs::path& file)
 {
-    const std::string content = contentOf(file);
+    const std::string content = practice::contentOr<StudyError>(file);
     PlanFile plan;
     try {
         const auto json = nlohmann::ordered_json::parse(content);

@@ -10,19 +10,6 @@
 
 namespace lab {
 
-namespace {
-
-std::string contentOf(const std::filesystem::path& path)
-{
-    std::string reason;
-    std::string content = practice::contentOf(path, reason);
-    if (!reason.empty())
-        throw UsageError("cannot read " + path.string() + ": " + reason);
-    return content;
-}
-
-} // namespace
-
 int reportTrades(const Options& options)
 {
     const std::filesystem::path& file = options.results.front();
@@ -32,7 +19,7 @@ int reportTrades(const Options& options)
     TradeHistoryWish wish{options.settings.symbol, {}};
     if (options.hasBalance)
         wish.balance = options.settings.balance;
-    const RunResult result = resultOfTrades(contentOf(file), file.string(), wish);
+    const RunResult result = resultOfTrades(practice::contentOr<UsageError>(file), file.string(), wish);
     const Figures figures = figuresOf(result);
     writeResult(folder, result, figures, name);
     std::cout << figureList(result, figures, hasColours()) << '\n'

@@ -40,4 +40,14 @@ inline std::string contentOf(const std::filesystem::path& path, std::string& rea
     return content;
 }
 
+/// The same. Throws an Error that names the file and the reason where it cannot be read.
+template <typename Error> std::string contentOr(const std::filesystem::path& path)
+{
+    std::string reason;
+    std::string content = contentOf(path, reason);
+    if (!reason.empty())
+        throw Error("cannot read " + path.string() + ": " + reason);
+    return content;
+}
+
 } // namespace practice

@@ -21,15 +21,6 @@ namespace {
 
 namespace fs = std::filesystem;
 
-std::string contentOf(const fs::path& file)
-{
-    std::string reason;
-    std::string content = practice::contentOf(file, reason);
-    if (!reason.empty())
-        throw OutputError("cannot read " + file.string() + ": " + reason);
-    return content;
-}
-
 /// A place in a file, for messages.
 struct Place {
     const fs::path& file;
@@ -140,7 +131,7 @@ private:
 /// Hands each line behind the header to `take`, with as many fields as the header has.
 template <typename Take> void readLines(const fs::path& file, std::string_view header, Take&& take)
 {
-    const std::string content = contentOf(file);
+    const std::string content = practice::contentOr<OutputError>(file);
     Place place{file};
     const std::size_t columns = fieldsOf(header, place).size();
     std::string_view rest = content;
@@ -228,7 +219,7 @@ void readEquity(const fs::path& file, SavedRun& run)
 
 void readSummary(const fs::path& file, SavedRun& run)
 {
-    const std::string content = contentOf(file);
+    const std::string content = practice::contentOr<OutputError>(file);
     Place place{file};
     nlohmann::ordered_json summary;
     try {
@@ -266,7 +257,7 @@ void readOrigin(const fs::path& file, SavedRun& run)
     std::error_code error;
     if (!fs::exists(file, error))
         return;
-    const auto origin = nlohmann::ordered_json::parse(contentOf(file), nullptr, false);
+    const auto origin = nlohmann::ordered_json::parse(practice::contentOr<OutputError>(file), nullptr, false);
     if (!origin.is_object())
         Place{file}.fail("this is no JSON of a run");
     const auto textOf = [](const nlohmann::ordered_json& value) {
