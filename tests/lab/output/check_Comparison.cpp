@@ -42,16 +42,24 @@ std::string read(const std::filesystem::path& file)
     return text.str();
 }
 
-/// What is said of the small run's files after one of them was changed; without the folder.
-std::string messageAfter(const std::string& name, const std::function<void(std::string&)>& change)
+/// The small run's files at this place, and what `more` adds.
+void writeSmallRun(
+    const ResultPlace& place, const std::function<void(ResultFolder&)>& more = [](ResultFolder&) {})
 {
-    const ResultPlace place;
     const RunResult run = smallRun();
     ResultFolder folder(place.path());
     folder.add("summary.json", summaryJson(figuresOf(run)));
     folder.add("trades.csv", tradesCsv(run));
     folder.add("equity.csv", equityCsv(run));
+    more(folder);
     folder.commit();
+}
+
+/// What is said of the small run's files after one of them was changed; without the folder.
+std::string messageAfter(const std::string& name, const std::function<void(std::string&)>& change)
+{
+    const ResultPlace place;
+    writeSmallRun(place);
     std::string text = read(place.path() / name);
     change(text);
     std::ofstream(place.path() / name, std::ios::binary) << text;
@@ -178,16 +186,12 @@ TEST_CASE("a missing file is told in one line")
 
 TEST_CASE("an input that is nested endlessly is none")
 {
-    const ResultPlace place;
-    const RunResult run = smallRun();
-    ResultFolder folder(place.path());
-    folder.add("summary.json", summaryJson(figuresOf(run)));
-    folder.add("trades.csv", tradesCsv(run));
-    folder.add("equity.csv", equityCsv(run));
     constexpr std::size_t depth = 1'000'000;
-    folder.add("run.json",
-        R"({"inputs": {"Fast": "5", "Odd": )" + std::string(depth, '[') + std::string(depth, ']') + "}}");
-    folder.commit();
+    const std::string nested = std::string(depth, '[') + std::string(depth, ']');
+    const ResultPlace place;
+    writeSmallRun(place, [&](ResultFolder& folder) {
+        folder.add("run.json", R"({"inputs": {"Fast": "5", "Odd": )" + nested + "}}");
+    });
     const SavedRun read = readSavedRun(place.path());
     REQUIRE(read.origin.size() == 1);
     CHECK_EQ(read.origin[0].first, "input Fast");
