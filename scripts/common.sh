@@ -65,12 +65,14 @@ install_from_npm() {
     fi
 }
 
-# build_preset PRESET [TARGET...]: configures when needed and builds, with visible progress.
+# build_preset PRESET [TARGET...]: configures when needed and builds, with visible progress. CONFIGURE_OPTIONS go to
+# cmake, too.
 build_preset() {
     local preset=$1
     shift
     say "Building (preset $preset); the first time takes some minutes"
-    cmake --preset "$preset" >"$(log_file configure)" 2>&1 || {
+    # shellcheck disable=SC2086  # options are meant to be split
+    cmake --preset "$preset" ${CONFIGURE_OPTIONS:-} >"$(log_file configure)" 2>&1 || {
         cat "$(log_file configure)"
         fail "cmake could not configure the project"
     }

@@ -233,7 +233,7 @@ void readLimit(Options& options, const std::string& text)
     options.limit = std::chrono::milliseconds(static_cast<std::int64_t>(*seconds * 1000 + 0.5));
 }
 
-constexpr std::array options{
+constexpr std::array optionList{
     OptionRow{"--data", "FILE-1m.csv", "recorded minutes; several where results turn into USD", running,
         readData, studying},
     OptionRow{"--symbol", "S", "required where prices are simulated or of several files", running, readSymbol,
@@ -341,7 +341,7 @@ const CommandRow& rowOf(Command command)
 
 std::span<const OptionRow> optionRows()
 {
-    return options;
+    return optionList;
 }
 
 } // namespace lab

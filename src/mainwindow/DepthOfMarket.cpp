@@ -18,7 +18,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr QSize initialSize(320, 480);
+constexpr QSize depthSize(320, 480);
 constexpr int rowsPerSide = 8;
 constexpr QRgb askColor = 0xffff4a4a;
 constexpr QRgb bidColor = 0xff3ba7ff;
@@ -54,7 +54,7 @@ DepthOfMarket::DepthOfMarket(const QString& symbol, int digits, QWidget* parent)
     layout->addWidget(m_spread);
     layout->addWidget(note);
     const int margins = layout->contentsMargins().left() + layout->contentsMargins().right();
-    resize(withLetters(initialSize, *this).expandedTo({widthOfEqualColumns(*m_rows) + margins, 0}));
+    resize(withLetters(depthSize, *this).expandedTo({widthOfEqualColumns(*m_rows) + margins, 0}));
     fillRows();
 }
 

@@ -10,7 +10,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr int theVersion = 1;
+constexpr int layoutVersion = 1;
 constexpr int narrowest = 24;
 constexpr int widest = 2000;
 
@@ -36,7 +36,7 @@ QString panesLayoutText(const PanesLayout& layout)
         columns.insert(it.key(), QJsonObject{{u"fontHeight"_s, it->fontHeight}, {u"widths"_s, widths}});
     }
     const QJsonObject object{
-        {u"version"_s, theVersion},
+        {u"version"_s, layoutVersion},
         {u"tab"_s, layout.tab},
         {u"popup"_s, QString::fromLatin1(layout.popup.toBase64())},
         {u"columns"_s, columns},
@@ -47,7 +47,7 @@ QString panesLayoutText(const PanesLayout& layout)
 std::optional<PanesLayout> readPanesLayout(const QString& text)
 {
     const QJsonObject object = objectOf(text);
-    if (versionOf(object) != theVersion)
+    if (versionOf(object) != layoutVersion)
         return std::nullopt;
     PanesLayout layout;
     layout.tab = object["tab"_L1].toString();
@@ -65,7 +65,7 @@ std::optional<PanesLayout> readPanesLayout(const QString& text)
 
 bool isLaterPanesLayout(const QString& text)
 {
-    return versionOf(objectOf(text)) > theVersion;
+    return versionOf(objectOf(text)) > layoutVersion;
 }
 
 int fittedColumnWidth(int saved, int savedFontHeight, int fontHeight)

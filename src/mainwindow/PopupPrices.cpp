@@ -13,7 +13,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr QSize initialSize(270, 340);
+constexpr QSize popupSize(270, 340);
 
 } // namespace
 
@@ -39,7 +39,7 @@ PopupPrices::PopupPrices(QAbstractItemModel& quotes, QWidget* parent)
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->addWidget(m_list);
-    resize(withLetters(initialSize, *this).expandedTo({widthOfEqualColumns(*m_list), 0}));
+    resize(withLetters(popupSize, *this).expandedTo({widthOfEqualColumns(*m_list), 0}));
 }
 
 void PopupPrices::toggle()

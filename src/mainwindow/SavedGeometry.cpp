@@ -8,7 +8,7 @@
 namespace {
 
 constexpr quint32 theMagic = 0x1D9D0CB;
-constexpr quint16 theVersion = 3;
+constexpr quint16 geometryVersion = 3;
 
 } // namespace
 
@@ -24,7 +24,7 @@ std::optional<SavedGeometry> SavedGeometry::read(const QByteArray& bytes)
     SavedGeometry saved;
     stream >> magic >> version >> minorVersion >> saved.frame >> saved.normal >> saved.screen >> isMaximized
         >> isFullScreen >> saved.screenWidth >> saved.rectangle;
-    if (stream.status() != QDataStream::Ok || magic != theMagic || version != theVersion)
+    if (stream.status() != QDataStream::Ok || magic != theMagic || version != geometryVersion)
         return std::nullopt;
     saved.maximized = isMaximized != 0;
     saved.fullScreen = isFullScreen != 0;
@@ -36,7 +36,7 @@ QByteArray SavedGeometry::bytes() const
     QByteArray bytes;
     QDataStream stream(&bytes, QIODevice::WriteOnly);
     stream.setVersion(QDataStream::Qt_4_0);
-    stream << theMagic << theVersion << quint16(0) << frame << normal << screen << quint8(maximized)
+    stream << theMagic << geometryVersion << quint16(0) << frame << normal << screen << quint8(maximized)
            << quint8(fullScreen) << screenWidth << rectangle;
     return bytes;
 }

@@ -20,7 +20,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr QSize initialSize(340, 400);
+constexpr QSize specificationSize(340, 400);
 constexpr int propertyWidth = 150;
 constexpr int liveRows = 3; ///< the last ones
 
@@ -32,7 +32,7 @@ SymbolSpecification::SymbolSpecification(QWidget* parent)
     , m_unlisted(plainLabel(tr("The server does not list this symbol.")))
 {
     setAttribute(Qt::WA_DeleteOnClose);
-    resize(withLetters(initialSize, *this));
+    resize(withLetters(specificationSize, *this));
 
     m_rows->setObjectName(u"specificationRows"_s);
     m_rows->setHeaderLabels({tr("Property"), tr("Value")});

@@ -23,7 +23,7 @@ using namespace Qt::StringLiterals;
 namespace {
 
 constexpr int priceDecimals = 5;
-constexpr int balloonMs = 12000;
+constexpr int alertBalloonMs = 12000;
 constexpr QColor activeColor(0x26, 0xd3, 0x67);
 
 } // namespace
@@ -81,7 +81,7 @@ void AlertsPane::checkQuotes(const PriceSnapshot& prices)
             tr("%1 %2 %3 (now %4)")
                 .arg(shownName(alert.symbol), alert.above ? u"≥"_s : u"≤"_s,
                     formatPrice(alert.price, priceDecimals), formatPrice(hit.bid, priceDecimals)),
-            Balloon::Kind::Information, balloonMs});
+            Balloon::Kind::Information, alertBalloonMs});
     }
     saveAndFill();
 }

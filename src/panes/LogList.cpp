@@ -21,7 +21,7 @@ constexpr int rowsPerPauseMs = 2000;
 // There are a handful of source names. Beyond this many they are somebody's data, and not worth sharing.
 constexpr int mostSources = 256;
 
-enum Column { Time, Source, Message };
+enum LogColumn { Time, Source, Message };
 
 // Keeps the bare values; texts exist only while a row is painted.
 class LogItem final : public QTreeWidgetItem {

@@ -46,9 +46,9 @@ Tick tickOf(double price, double last)
 // out of sight in a narrow dock: so it begins narrow.
 void stretchLastColumn(QTreeWidget* list)
 {
-    constexpr int narrowest = 60;
+    constexpr int narrowestLast = 60;
     list->header()->setStretchLastSection(false);
-    setColumnWidth(*list, list->columnCount() - 1, narrowest);
+    setColumnWidth(*list, list->columnCount() - 1, narrowestLast);
     list->header()->setStretchLastSection(true);
 }
 

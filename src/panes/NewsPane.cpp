@@ -16,8 +16,8 @@ using namespace Qt::StringLiterals;
 namespace {
 
 constexpr int refreshMs = 120000;
-constexpr int balloonMs = 15000;
-enum Column { TimeColumn, CurrencyColumn, ImpactColumn, EventColumn, InColumn };
+constexpr int newsBalloonMs = 15000;
+enum NewsColumn { TimeColumn, CurrencyColumn, ImpactColumn, EventColumn, InColumn };
 
 } // namespace
 
@@ -94,6 +94,6 @@ void NewsPane::announce(const NewsReply& news)
             //: %1 the event
             tr("%1 in %2 minutes", nullptr, event.minutesUntil)
                 .arg(event.title, QString::number(event.minutesUntil)),
-            Balloon::Kind::Warning, balloonMs});
+            Balloon::Kind::Warning, newsBalloonMs});
     }
 }

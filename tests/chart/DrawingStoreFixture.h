@@ -13,7 +13,7 @@
 /// A chart whose objects a server keeps.
 namespace fixtures {
 
-inline const QByteArray path = "/api/drawings";
+inline const QByteArray drawingsPath = "/api/drawings";
 inline const QByteArray listOne = "/api/drawings?symbol=EURUSD&accountId=one";
 inline const QByteArray listTwo = "/api/drawings?symbol=EURUSD&accountId=two";
 inline const StubAnswer created = StubAnswer::json("{}", 201);

@@ -26,7 +26,7 @@ QByteArray message(int number, qsizetype size = 0)
         + QByteArray(size, 'x') + R"("})";
 }
 
-QList<int> numbers(int count)
+QList<int> numbersBelow(int count)
 {
     QList<int> all(count);
     std::iota(all.begin(), all.end(), 0);
@@ -117,7 +117,7 @@ private Q_SLOTS:
         connect(&*m_client, &WsClient::disconnected, this, [&] { seenAtEnd.append(m_seen.size()); });
         m_feed->closeAll();
         const qsizetype most = mostInATurn(count);
-        QCOMPARE(m_seen, numbers(count));
+        QCOMPARE(m_seen, numbersBelow(count));
         QVERIFY2(most <= 2, qPrintable(QString::number(most)));
         QVERIFY2(m_mostWaiting > limit && m_mostWaiting <= mostWaiting,
             qPrintable(QString::number(m_mostWaiting)));
@@ -145,7 +145,7 @@ private Q_SLOTS:
         for (int i = 0; i < count; ++i)
             m_feed->send(message(i, i % 100 == 50 ? 256 * messageSize : 100));
         mostInATurn(count);
-        QCOMPARE(m_seen, numbers(count));
+        QCOMPARE(m_seen, numbersBelow(count));
     }
 
     void a_rest_that_nothing_ends_is_no_end_of_the_feed_data() { transports(); }
@@ -159,7 +159,7 @@ private Q_SLOTS:
         longest->setInterval(20);
         Q_EMIT m_backlog->filled();
         m_feed->send(message(0));
-        QTRY_COMPARE(m_seen, numbers(1));
+        QTRY_COMPARE(m_seen, numbersBelow(1));
         QVERIFY(!longest->isActive());
     }
 
@@ -178,7 +178,7 @@ private Q_SLOTS:
         m_seen.clear();
         for (int i = 0; i < 10; ++i)
             m_feed->send(message(i));
-        QTRY_COMPARE(m_seen, numbers(10));
+        QTRY_COMPARE(m_seen, numbersBelow(10));
     }
 };
 

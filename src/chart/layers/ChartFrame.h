@@ -51,7 +51,7 @@ struct ChartFrame : ChartLook {
 
     bool autoScroll = true;
     bool chartShift = false;
-    QPoint pointer = {-1, -1};
+    QPoint pointer = {-1, -1};               ///< without one, outside of everything
     std::optional<CrosshairPlace> crosshair; ///< what the pointer is on; absent while it is outside the plot
 
     QRegion exposed;              ///< the part of the picture that is to be painted

@@ -16,7 +16,6 @@
 
 namespace {
 
-constexpr QPoint nowhere(-1, -1);
 constexpr int shortestPanePeriod = 2;
 
 /// True when the value has changed.
@@ -270,7 +269,7 @@ ChartFrame ChartWidget::frame() const
     frame.drawings = m_drawings.drawings();
     frame.levels = m_levels;
     frame.quoteStale = m_quoteStale;
-    frame.pointer = m_hands.crosshairPixel().value_or(nowhere);
+    frame.pointer = m_hands.crosshairPixel().value_or(frame.pointer);
     frame.crosshair = crosshair();
     frame.texts = &m_texts;
     return frame;

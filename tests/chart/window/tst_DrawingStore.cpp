@@ -94,7 +94,7 @@ private Q_SLOTS:
     void aNewObjectIsSentAndComesBackWithItsId()
     {
         StoredDrawings f;
-        f.server.on("POST", path, created);
+        f.server.on("POST", drawingsPath, created);
         f.server.on("GET", listOne, listOf({{u"a"_s, 1.5}}));
         f.open();
         f.draw(1.5);
@@ -103,27 +103,27 @@ private Q_SLOTS:
         const QJsonObject expected{{u"symbol"_s, u"EURUSD"_s}, {u"toolType"_s, u"hline"_s},
             {u"accountId"_s, u"one"_s}, {u"style"_s, QJsonObject{{u"color"_s, u"#e0e0e0"_s}}},
             {u"points"_s, QJsonArray{QJsonObject{{u"time"_s, u"1000"_s}, {u"price"_s, 1.5}}}}};
-        QCOMPARE(f.server.last("POST", path).json(), expected);
+        QCOMPARE(f.server.last("POST", drawingsPath).json(), expected);
         QCOMPARE(f.server.requests().size(), 2);
     }
 
     void aFailedCreateLeavesTheObjectAndIsReported()
     {
         StoredDrawings f;
-        f.server.on("POST", path, StubAnswer::message(u"The %1 chart\nis full"_s, 400));
+        f.server.on("POST", drawingsPath, StubAnswer::message(u"The %1 chart\nis full"_s, 400));
         f.open(u"one"_s, u"A%3\nB"_s);
         f.draw(1.5);
         QTRY_COMPARE(f.failures, QStringList{u"A%3 B: failed to save the drawing: The %1 chart is full"_s});
         QCOMPARE(f.shown(), QStringList{u"@1.5"_s});
         f.exchange();
-        QCOMPARE(f.server.count("GET", path), 0);
+        QCOMPARE(f.server.count("GET", drawingsPath), 0);
     }
 
     void aFailedObjectSurvivesTheNextReload()
     {
         StoredDrawings f;
-        f.server.once("POST", path, StubAnswer::message(u"No"_s, 500));
-        f.server.on("POST", path, created);
+        f.server.once("POST", drawingsPath, StubAnswer::message(u"No"_s, 500));
+        f.server.on("POST", drawingsPath, created);
         f.server.on("GET", listOne, listOf({{u"b"_s, 2}}));
         f.open();
         f.draw(1);
@@ -131,7 +131,7 @@ private Q_SLOTS:
         f.draw(2);
         QTRY_COMPARE(f.shown(), QStringList({u"b@2"_s, u"@1"_s}));
         f.store->load();
-        QTRY_COMPARE(f.server.count("GET", path), 2);
+        QTRY_COMPARE(f.server.count("GET", drawingsPath), 2);
         f.exchange();
         QCOMPARE(f.shown(), QStringList({u"b@2"_s, u"@1"_s}));
     }
@@ -139,7 +139,7 @@ private Q_SLOTS:
     void aFailedObjectThatWasDeletedStaysDeleted()
     {
         StoredDrawings f;
-        f.server.on("POST", path, StubAnswer::message(u"No"_s, 500));
+        f.server.on("POST", drawingsPath, StubAnswer::message(u"No"_s, 500));
         f.server.on("GET", listOne, listOf({{u"b"_s, 2}}));
         f.open();
         f.draw(1);
@@ -152,8 +152,8 @@ private Q_SLOTS:
     void anObjectLikeAnEarlierOneIsNotTakenForIt()
     {
         StoredDrawings f;
-        f.server.once("POST", path, created);
-        f.server.on("POST", path, StubAnswer::message(u"No"_s, 500));
+        f.server.once("POST", drawingsPath, created);
+        f.server.on("POST", drawingsPath, StubAnswer::message(u"No"_s, 500));
         f.server.once("GET", listOne, listOf({{u"a"_s, 1}}));
         f.server.on("GET", listOne, listOf({}));
         f.server.on("DELETE", "/api/drawings/a", StubAnswer::json("{}"));
@@ -164,7 +164,7 @@ private Q_SLOTS:
         f.draw(1);
         QTRY_COMPARE(f.failures.size(), 1);
         f.store->load();
-        QTRY_COMPARE(f.server.count("GET", path), 2);
+        QTRY_COMPARE(f.server.count("GET", drawingsPath), 2);
         f.exchange();
         QCOMPARE(f.shown(), QStringList{u"@1"_s});
     }
@@ -172,7 +172,7 @@ private Q_SLOTS:
     void aLostAnswerIsNoSecondObject()
     {
         StoredDrawings f;
-        f.server.on("POST", path, StubAnswer::closed()); // after the object was stored
+        f.server.on("POST", drawingsPath, StubAnswer::closed()); // after the object was stored
         f.server.on("GET", listOne, listOf({{u"a"_s, 1.1}}));
         f.open();
         f.draw(1.1);
@@ -192,7 +192,7 @@ private Q_SLOTS:
         QTRY_COMPARE(f.server.count("DELETE", "/api/drawings/a%2F..%2Fb%20c"), 1);
         f.exchange();
         QCOMPARE(f.failures, QStringList());
-        QCOMPARE(f.server.count("GET", path), 1);
+        QCOMPARE(f.server.count("GET", drawingsPath), 1);
     }
 
     void deletingSendsNothingForIdsThatNameNoObject_data()
@@ -234,14 +234,14 @@ private Q_SLOTS:
         f.deleteAt(0);
         QTRY_COMPARE(f.failures, QStringList{u"EURUSD: failed to delete the drawing: Connection closed"_s});
         f.exchange();
-        QCOMPARE(f.server.count("GET", path), 1);
+        QCOMPARE(f.server.count("GET", drawingsPath), 1);
         QCOMPARE(f.shown(), QStringList());
     }
 
     void anObjectDeletedBeforeItHasAnIdIsNotSentAndComesBackOnPurpose()
     {
         StoredDrawings f;
-        f.server.on("POST", path, StubAnswer::held());
+        f.server.on("POST", drawingsPath, StubAnswer::held());
         f.server.on("GET", listOne, listOf({{u"a"_s, 1}}));
         f.open();
         f.draw(1);
@@ -280,7 +280,7 @@ private Q_SLOTS:
     {
         const QString shown = QString(64, u'x') + u'…';
         StoredDrawings f;
-        f.server.on("GET", path, StubAnswer::message(u"No"_s, 400));
+        f.server.on("GET", drawingsPath, StubAnswer::message(u"No"_s, 400));
         f.server.on("PUT", "/api/drawings/a", StubAnswer::message(u"Locked"_s, 409));
         f.open(u"one"_s, QString(100'000, u'x')).load();
         QTRY_COMPARE(f.failures, QStringList{shown + u": failed to load drawings: No"_s});
@@ -303,14 +303,14 @@ private Q_SLOTS:
         f.chart->resize(400, 300);
         f.chart->setCandles(fixtures::wave(100)); // the last one at column 331
         const double price = f.chart->view().priceAt(100);
-        f.server.on("POST", path, created);
+        f.server.on("POST", drawingsPath, created);
         f.server.on("GET", listOne, listOf({{u"a"_s, price}}));
         f.server.on("DELETE", "/api/drawings/a", StubAnswer::json("{}"));
         f.open();
         f.chart->setTool(u"hline"_s);
         QTest::mouseClick(f.chart.get(), Qt::LeftButton, {}, QPoint(331, 100));
-        QTRY_COMPARE(f.server.count("POST", path), 1);
-        const QJsonObject sent = f.server.last("POST", path).json();
+        QTRY_COMPARE(f.server.count("POST", drawingsPath), 1);
+        const QJsonObject sent = f.server.last("POST", drawingsPath).json();
         QCOMPARE(sent[u"toolType"_s].toString(), u"hline"_s);
         const QJsonObject point{
             {u"time"_s, QString::number(midnight + 99 * quarterHour)}, {u"price"_s, price}};

@@ -19,8 +19,8 @@ private Q_SLOTS:
     {
         QFETCH(bool, listedAlready);
         StoredDrawings f;
-        f.server.once("POST", path, created);
-        f.server.once("POST", path, StubAnswer::held());
+        f.server.once("POST", drawingsPath, created);
+        f.server.once("POST", drawingsPath, StubAnswer::held());
         f.server.once("GET", listOne, StubAnswer::held());
         f.open();
         f.draw(1);
@@ -32,16 +32,16 @@ private Q_SLOTS:
         f.exchange();
         QCOMPARE(f.shown(), QStringList({u"@1"_s, u"@2"_s}));
         f.server.on("GET", listOne, both);
-        QVERIFY(f.server.release(created, path));
+        QVERIFY(f.server.release(created, drawingsPath));
         QTRY_COMPARE(f.shown(), QStringList({u"a@1"_s, u"b@2"_s}));
         f.exchange();
-        QCOMPARE(f.server.count("GET", path), 2);
+        QCOMPARE(f.server.count("GET", drawingsPath), 2);
     }
 
     void theListWaitsForEveryCreate()
     {
         StoredDrawings f;
-        f.server.on("POST", path, StubAnswer::held());
+        f.server.on("POST", drawingsPath, StubAnswer::held());
         f.server.on("GET", listOne, listOf({{u"a"_s, 1}, {u"b"_s, 2}}));
         f.open();
         f.draw(1);
@@ -50,16 +50,16 @@ private Q_SLOTS:
         QTRY_COMPARE(f.server.heldCount(), 2);
         QVERIFY(f.server.release(created));
         f.exchange();
-        QCOMPARE(f.server.count("GET", path), 0);
+        QCOMPARE(f.server.count("GET", drawingsPath), 0);
         QVERIFY(f.server.release(created));
         QTRY_COMPARE(f.shown(), QStringList({u"a@1"_s, u"b@2"_s}));
-        QCOMPARE(f.server.count("GET", path), 1);
+        QCOMPARE(f.server.count("GET", drawingsPath), 1);
     }
 
     void manyObjectsInARowCostFewReads()
     {
         StoredDrawings f;
-        f.server.on("POST", path, created);
+        f.server.on("POST", drawingsPath, created);
         QList<QPair<QString, double>> lines;
         QStringList expected;
         for (int i = 0; i < 20; ++i) {
@@ -71,8 +71,8 @@ private Q_SLOTS:
         for (int i = 0; i < 20; ++i)
             f.draw(i);
         QTRY_COMPARE(f.shown(), expected);
-        QCOMPARE(f.server.count("POST", path), 20);
-        QVERIFY(f.server.count("GET", path) <= 2);
+        QCOMPARE(f.server.count("POST", drawingsPath), 20);
+        QVERIFY(f.server.count("GET", drawingsPath) <= 2);
     }
 
     void anObjectDeletedDuringAReloadDoesNotComeBack()
@@ -132,7 +132,7 @@ private Q_SLOTS:
     void anUnsavedObjectComesBackWithItsAccount()
     {
         StoredDrawings f;
-        f.server.on("POST", path, StubAnswer::message(u"No"_s, 500));
+        f.server.on("POST", drawingsPath, StubAnswer::message(u"No"_s, 500));
         f.server.on("GET", listOne, listOf({{u"a"_s, 1}}));
         f.server.on("GET", listTwo, listOf({{u"b"_s, 2}}));
         f.open();
@@ -148,7 +148,7 @@ private Q_SLOTS:
     void anObjectSavedWhileAnotherAccountIsShownIsNotDoubled()
     {
         StoredDrawings f;
-        f.server.on("POST", path, StubAnswer::held());
+        f.server.on("POST", drawingsPath, StubAnswer::held());
         f.server.on("GET", listOne, listOf({{u"a"_s, 7.5}}));
         f.server.on("GET", listTwo, listOf({}));
         f.open();
@@ -168,7 +168,7 @@ private Q_SLOTS:
     void aSlowCreateOfOneAccountDoesNotHoldUpAnother()
     {
         StoredDrawings f;
-        f.server.on("POST", path, StubAnswer::held());
+        f.server.on("POST", drawingsPath, StubAnswer::held());
         f.server.on("GET", listTwo, listOf({{u"b"_s, 2}}));
         f.open();
         f.draw(1);
@@ -180,7 +180,7 @@ private Q_SLOTS:
     void theStoreMayGoWhileRequestsAreUnderWay()
     {
         StoredDrawings f;
-        f.server.on("POST", path, StubAnswer::held());
+        f.server.on("POST", drawingsPath, StubAnswer::held());
         f.server.on("GET", listTwo, StubAnswer::held());
         f.open();
         f.draw(1);
