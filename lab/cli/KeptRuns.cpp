@@ -60,16 +60,17 @@ void removeStore(const fs::path& folder, ResultKind kind)
     fs::remove(folder, ignored); // unless something else is in it
 }
 
-void removeUnusedStore(const fs::path& folder, ResultKind kind)
+void endStore(std::optional<StudyStore>& store, const fs::path& folder, ResultKind kind)
 {
     try {
-        const StudyStore store = StudyStore::open(folder / storeName(kind));
-        if (!store.finished().empty() || !store.runs().empty())
-            return;
+        store->flush();
     } catch (const StudyError&) {
-        return; // nobody knows what is in it
+        // There was no room, or whoever ends this has told already why; what counts is what was kept before.
     }
-    removeStore(folder, kind);
+    const bool isUsed = store->hasKept();
+    store.reset();
+    if (!isUsed)
+        removeStore(folder, kind);
 }
 
 int tellStopped(std::size_t done, std::size_t runs, const std::string& name)
@@ -90,8 +91,7 @@ KeptRuns::KeptRuns(fs::path folder, ResultKind kind, const StudyIdentity& identi
 
 KeptRuns::~KeptRuns()
 {
-    m_store.reset();
-    removeUnusedStore(m_folder, m_kind);
+    endStore(m_store, m_folder, m_kind);
 }
 
 void KeptRuns::keep(std::uint64_t number, const std::string& bytes)

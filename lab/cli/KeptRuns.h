@@ -22,8 +22,8 @@ void checkStudyPlace(const std::filesystem::path& folder, ResultKind kind, bool 
 
 /// Takes the store of a study away, and its folder where that is empty then.
 void removeStore(const std::filesystem::path& folder, ResultKind kind);
-/// The same only if nothing that was done is in it. Nobody may have it open.
-void removeUnusedStore(const std::filesystem::path& folder, ResultKind kind);
+/// Closes the store, and takes it away if nothing that was done has been kept in it.
+void endStore(std::optional<StudyStore>& store, const std::filesystem::path& folder, ResultKind kind);
 
 /// Tells on the standard error how many of a stopped study's runs are done, and how it goes on. Returns the
 /// exit status.

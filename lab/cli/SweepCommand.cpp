@@ -34,14 +34,12 @@ int sweepSets(Options options)
             open, label, [&](const SetResult& set) { store->put(set, bench.grid().inputsOf(set.number)); });
         store->flush();
     } catch (...) {
-        store.reset();
-        removeUnusedStore(folder, ResultKind::Sweep);
+        endStore(store, folder, ResultKind::Sweep);
         throw;
     }
     if (!isWhole) {
         const std::size_t done = store->finished().size();
-        store.reset();
-        removeUnusedStore(folder, ResultKind::Sweep);
+        endStore(store, folder, ResultKind::Sweep);
         return tellStopped(done, bench.numbers().size(), "sets");
     }
     return endSweep(bench, *store, folder);

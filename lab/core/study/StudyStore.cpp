@@ -138,6 +138,8 @@ StudyStore::StudyStore(StudyStore&& other) noexcept
     : m_file(std::move(other.m_file))
     , m_handle(std::exchange(other.m_handle, nullptr))
     , m_isWriting(other.m_isWriting)
+    , m_hasNews(other.m_hasNews)
+    , m_hasKept(other.m_hasKept)
     , m_since(other.m_since)
 {
 }
@@ -192,6 +194,9 @@ StudyStore StudyStore::open(const std::filesystem::path& file)
     Query version(store, "PRAGMA user_version");
     if (!version.step() || version.wholeAt(0) != formatNumber)
         throw StudyError(file.string() + " holds no study of this version");
+    Query kept(
+        store, "SELECT EXISTS (SELECT * FROM sets WHERE status = 'done') OR EXISTS (SELECT * FROM runs)");
+    store.m_hasKept = kept.step() && kept.wholeAt(0) != 0;
     return store;
 }
 
@@ -248,6 +253,7 @@ void StudyStore::put(const SetResult& result, const std::vector<std::pair<std::s
     for (std::size_t i = 0; i < figureRows().size(); ++i)
         query.figure(i < result.figures.size() ? result.figures[i] : Figure());
     query.text(names.value(0)).blob(bytesOf(result.days)).step();
+    m_hasNews = m_hasNews || !result.failure;
     flushNowAndThen();
 }
 
@@ -255,6 +261,7 @@ void StudyStore::putRun(std::uint64_t number, std::string_view bytes)
 {
     beginWriting();
     Query(*this, "INSERT OR REPLACE INTO runs VALUES (?, ?)").whole(number).blob(bytes).step();
+    m_hasNews = true;
     flushNowAndThen();
 }
 
@@ -279,6 +286,7 @@ void StudyStore::flush()
         return;
     execute("COMMIT");
     m_isWriting = false;
+    m_hasKept = std::exchange(m_hasNews, false) || m_hasKept;
 }
 
 std::map<std::uint64_t, std::string> StudyStore::runs() const

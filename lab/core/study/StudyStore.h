@@ -54,6 +54,8 @@ public:
     /// The same for what is kept of a run that is no set, as bytes.
     void putRun(std::uint64_t number, std::string_view bytes);
     void flush();
+    /// Whether something that was done has become lasting, now or in former times.
+    [[nodiscard]] bool hasKept() const { return m_hasKept; }
 
     [[nodiscard]] std::map<std::uint64_t, std::string> runs() const;
     /// The sets that are done, without those that failed.
@@ -76,6 +78,8 @@ private:
     std::filesystem::path m_file;
     sqlite3* m_handle = nullptr;
     bool m_isWriting = false; ///< a transaction is open
+    bool m_hasNews = false;   ///< something that was done is in it
+    bool m_hasKept = false;
     std::chrono::steady_clock::time_point m_since;
 };
 
