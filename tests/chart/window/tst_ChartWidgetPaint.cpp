@@ -129,6 +129,24 @@ private Q_SLOTS:
         QCOMPARE(chart.seriesPaints(), before);
     }
 
+    void another_history_of_the_same_span_is_painted()
+    {
+        ChartWidget chart;
+        showChart(chart, 100);
+        PaintCounter paints(chart);
+        for (int x = 10; x < 13; ++x) { // until the older candles are kept as a picture
+            fixtures::hover(chart, QPoint(x, 100));
+            paints.taken();
+        }
+        fixtures::leave(chart);
+        const QImage before = chart.grab().toImage();
+        std::vector<Candle> candles = chart.candles();
+        std::swap(candles.at(80).open, candles.at(80).close);
+        QVERIFY(candles.at(80).open != candles.at(80).close);
+        chart.setCandles(std::move(candles));
+        QVERIFY(chart.grab().toImage() != before);
+    }
+
     void frames_compute_no_older_indicator_value()
     {
         ChartWidget chart;

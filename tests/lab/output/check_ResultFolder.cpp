@@ -159,11 +159,26 @@ TEST_CASE("what cannot be put into place takes the others back with it")
     std::ofstream(place.path() / "one.txt") << "old";
     fs::create_directory(place.path() / "two.txt");
     ResultFolder folder(place.path());
+    folder.add("first.txt", "new");
     folder.add("one.txt", "new");
     folder.add("two.txt", "new");
     folder.add("zero.txt", "new");
     CHECK_EQ(messageOf(folder), "cannot write " + (place.path() / "two.txt").string() + ": Is a directory");
     CHECK(contentOf(place.path()) == Content({{"one.txt", "old"}, {"two.txt", ""}}));
+}
+
+TEST_CASE("who may read and write a result is for the mask to say")
+{
+    const Place place;
+    ResultFolder folder(place.path());
+    folder.add("one.txt", "new");
+    const mode_t former = ::umask(0);
+    folder.commit();
+    ::umask(former);
+    using fs::perms;
+    CHECK(fs::status(place.path() / "one.txt").permissions()
+        == (perms::owner_read | perms::owner_write | perms::group_read | perms::group_write
+            | perms::others_read | perms::others_write));
 }
 
 TEST_CASE("a disk that is really full tells so")
