@@ -262,6 +262,17 @@ TEST_CASE("a result that the order of the extremes makes fails, a small differen
         " trades and \xE2\x88\x92"
         "1"));
     CHECK(contains(lab::checkExtremes(byExtremes(100, 85), base).text, "High first there are 16 trades"));
+    // Trades in one of the two orders alone are no lack of something to compare.
+    for (const lab::ExtremeOrder idle : {lab::ExtremeOrder::HighFirst, lab::ExtremeOrder::LowFirst}) {
+        const CheckVerdict verdict = lab::checkExtremes(runsOf([idle](const RunSettings& settings) {
+            RunResult result = tradesEverySixHours(settings);
+            if (settings.extremes == idle)
+                result.trades.clear();
+            return result;
+        }),
+            base);
+        CHECK(verdict.outcome == CheckVerdict::Outcome::Fails);
+    }
 }
 
 TEST_CASE("with a way through each minute the extremes are not in question")
