@@ -248,7 +248,9 @@ def pixel_lines(found):
         limited(figure, sum(counts) if counts else None, "{:g}", 0)
     grains = [value for name, value in measured.items() if name.endswith("_grain_p99_ms")]
     limited("what such a time may be too long by, p99", max(grains, default=None), "{:.2f} ms", None)
-    limited("processors kept from sleeping (1) or not (0)", measured.get("processors_awake"), "{:g}", None)
+    for figure, name in (("processors kept from sleeping (1) or not (0)", "processors_awake"),
+                         ("terminal apart from X server (1) or not (0)", "processors_apart")):
+        limited(figure, measured.get(name), "{:g}", None)
 
 
 def main():

@@ -5,8 +5,10 @@
 #include "chart/data/ChartView.h"
 #include "mainwindow/ChartsLayout.h"
 #include "pixel/Monotonic.h"
+#include "pixel/OwnProcessors.h"
 #include "scenes/Waiting.h"
 
+#include <QCoreApplication>
 #include <QWidget>
 
 #include <cmath>
@@ -73,6 +75,8 @@ Desk::Desk(int charts)
     m_program.nextLine("painted MainWindow");
     for (int i = 0; i < charts; ++i)
         m_program.nextLine("charted");
+    m_isApart = ownprocessors::separate(
+        m_program.processId(), {m_server.processId(), QCoreApplication::applicationPid()});
     waitForRest({0, 0, screenSize.width(), screenSize.height()});
     findPlaces();
 }

@@ -28,6 +28,8 @@ public:
     [[nodiscard]] const WatchedProgram& program() const { return m_program; }
     [[nodiscard]] const XvfbServer& server() const { return m_server; }
     [[nodiscard]] const QString& display() const { return m_server.display(); }
+    /// Whether the terminal has processors of its own, apart from the X server and this process.
+    [[nodiscard]] bool isApart() const { return m_isApart; }
     [[nodiscard]] ChartedPrices& prices() { return m_prices; }
 
     /// Sends a message of the feed; tells when, in ns of CLOCK_MONOTONIC, just before it was given to the
@@ -61,4 +63,5 @@ private:
     WatchedProgram m_program;
     QHash<QByteArray, QRect> m_places; ///< of the charts, by symbol
     QRect m_buy;
+    bool m_isApart = false;
 };

@@ -39,13 +39,14 @@ void printTimes(const QByteArray& name, const std::vector<double>& ms, int misse
     print(name + "_missed", missed);
 }
 
-void printRun(const QByteArray& name, const PriceRun& run)
+void printRun(const QByteArray& name, const Desk& desk, const PriceRun& run)
 {
     printTimes(name, run.milliseconds(), run.missed());
     print(name + "_own_median_ms", percentile(run.ownMs(), 50));
     print(name + "_own_p99_ms", percentile(run.ownMs(), 99));
     print(name + "_early", run.early());
     print(name + "_grain_p99_ms", percentile(run.grainsMs(), 99));
+    print("processors_apart", desk.isApart() ? 1 : 0);
 }
 
 void measureQuiet(int charts, int samples)
@@ -57,13 +58,13 @@ void measureQuiet(int charts, int samples)
     one.measureQuiet(PriceRun::Brings::OneChart, samples);
     if (charts == 1)
         desk.checkNewestCloses();
-    printRun(name, one);
+    printRun(name, desk, one);
     if (charts == 1)
         return;
     PriceRun every(desk, spots);
     every.measureQuiet(PriceRun::Brings::EveryChart, samples);
     desk.checkNewestCloses();
-    printRun(name + "_every", every);
+    printRun(name + "_every", desk, every);
 }
 
 void measureLoaded(int charts, int samples)
@@ -75,7 +76,7 @@ void measureLoaded(int charts, int samples)
     run.measureLoaded(snapshotsASecond, samples);
     desk.checkNewestCloses();
     const QByteArray name = "loaded_" + QByteArray::number(charts);
-    printRun(name, run);
+    printRun(name, desk, run);
     print(name + "_rate", run.rate());
 }
 
