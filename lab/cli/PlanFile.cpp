@@ -68,8 +68,13 @@ PlanFile readPlan(const fs::path& file)
     PlanFile plan;
     try {
         const auto json = nlohmann::ordered_json::parse(content);
-        if (json.at("labPlan").get<int>() != 1)
+        if (json.at("labPlan") != 1)
             throw StudyError(file.string() + " is a plan of another version");
+        // Another kind of number would be cut, or be none at all.
+        for (const char* key : {"sets", "chunks"}) {
+            if (!json.at(key).is_number_unsigned())
+                throw StudyError(file.string() + " is no plan");
+        }
         plan.sets = json.at("sets").get<std::uint64_t>();
         plan.chunks = json.at("chunks").get<std::uint64_t>();
         plan.options = parseOptions(json.at("arguments").get<std::vector<std::string>>());

@@ -316,7 +316,8 @@ TEST_CASE("what is no plan, no chunk or no place is said in a line")
     CHECK(contains(refusal({"work", "c.plan.json"}), "number of a chunk"));
     CHECK(contains(refusal({"work", "c.plan.json", "0"}), "from 1 to"));
     CHECK(contains(planned(study, "9").errors, "9 chunks for 8 sets"));
-    for (const std::string count : {"80", "18446744073709551615"}) {
+    for (const std::string count :
+        {"80", "18446744073709551615", "18744464073709551615", "8.5", "-8", "\"8\""}) {
         std::string plan = study.contentOf("c.plan.json");
         plan.replace(plan.find("\"sets\": 8"), 9, "\"sets\": " + count);
         study.write("damaged.json", plan);
