@@ -39,6 +39,7 @@
 #include <array>
 #include <limits>
 #include <map>
+#include <stdexcept>
 
 #include <sys/socket.h>
 
@@ -325,7 +326,15 @@ template <typename Parser> struct Found {
     }
 
 private:
-    std::size_t put(std::string_view text) { return parser.put(net::buffer(text), error); }
+    std::size_t put(std::string_view text)
+    {
+        try {
+            return parser.put(net::buffer(text), error);
+        } catch (const std::length_error&) { // a field of more than 64 KB, which the platform never gets to
+            error = http::error::header_limit;
+            return 0;
+        }
+    }
 };
 
 /// Without any of the platform's limits.
