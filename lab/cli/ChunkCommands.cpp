@@ -76,6 +76,7 @@ public:
         fs::rename(m_draft, m_place, error);
         if (error)
             throw OutputError("cannot write " + m_place.string() + ": " + error.message());
+        settleFolder(fs::absolute(m_place, error).parent_path());
     }
 
 private:

@@ -11,7 +11,7 @@ import subprocess
 import tempfile
 
 import power_loss
-from line_reader import LineReader
+from line_reader import LineReader, Silent
 
 PATIENCE = 30  # seconds
 EMAIL = "trader@practice.local"
@@ -27,22 +27,13 @@ class NotStarted(RuntimeError):
         self.errors = errors
 
 
-class Platform:
-    """tavoran-practice on a database and a port of its choice."""
+class Client:
+    """One connection to the platform."""
 
-    def __init__(self, ground, database, environment=None):
-        self._said = tempfile.TemporaryFile()  # a pipe would be full at some time
-        self._line = None
-        self._process = subprocess.Popen([ground.bin / "tavoran-practice", "--quiet", "--port", "0", "--db", database],
-                                         stdout=subprocess.PIPE, stderr=self._said,
-                                         env=environment or ground.environment())
-        line = LineReader(self._process.stdout).line(PATIENCE)
-        if line is None:
-            self.end(0.5)
-            raise NotStarted(self._process.returncode, self.errors())
-        self.port = int(line.rsplit(":", 1)[1])
-        self._line = http.client.HTTPConnection("127.0.0.1", self.port, timeout=PATIENCE)
-        self.token = None
+    def __init__(self, port, token=None):
+        self.port = port
+        self.token = token
+        self._line = http.client.HTTPConnection("127.0.0.1", port, timeout=PATIENCE)
 
     def answer(self, method, target, body=None):
         """The status, and what came with it."""
@@ -73,6 +64,26 @@ class Platform:
         return [(kind, row) for kind in ("open", "pending", "history")
                 for row in self.ask("GET", f"/api/trades/{kind}?accountId={account}")]
 
+    def hang_up(self):
+        self._line.close()
+
+
+class Platform(Client):
+    """tavoran-practice on a database and a port of its choice."""
+
+    def __init__(self, ground, database, environment=None):
+        self._said = tempfile.TemporaryFile()  # a pipe would be full at some time
+        self._process = subprocess.Popen([ground.bin / "tavoran-practice", "--quiet", "--port", "0", "--db", database],
+                                         stdout=subprocess.PIPE, stderr=self._said,
+                                         env=environment or ground.environment())
+        try:
+            line = LineReader(self._process.stdout).line(PATIENCE)
+        except Silent as silence:
+            raise NotStarted(self._over(0), str(silence)) from silence
+        if line is None:
+            raise NotStarted(self._over(PATIENCE), self.errors())
+        super().__init__(int(line.rsplit(":", 1)[1]))
+
     def errors(self):
         """All that was written to standard error so far."""
         self._said.seek(0)
@@ -86,10 +97,15 @@ class Platform:
         self._process.send_signal(signal.SIGTERM)
         return self.end(PATIENCE)
 
+    def kill(self):
+        self._process.kill()
+
     def end(self, patience=0):
         """Ends at the latest after so many seconds; the status."""
-        if self._line:
-            self._line.close()
+        self.hang_up()
+        return self._over(patience)
+
+    def _over(self, patience):
         try:
             self._process.wait(patience)
         except subprocess.TimeoutExpired:
@@ -128,6 +144,19 @@ def trade(platform, told, orders):
             told.closed[identity] = told.now()
 
 
+def unfit_after_loss(told, size, seen):
+    """What is wrong with the trades that are there, as {comment: [(id, list)]}, after the power went at this size of the
+    journal."""
+    wrong = [f"{comment} is there {len(found)} times" for comment, found in seen.items() if len(found) != 1]
+    for comment, (identity, then) in told.placed.items():
+        found = seen.get(comment, [])
+        if then <= size and [each for each, _ in found] != [identity]:
+            wrong.append(f"{comment} was acknowledged and is lost")
+        elif told.closed.get(identity, size + 1) <= size and found[0][1] != "history":
+            wrong.append(f"{comment} was closed and is {found[0][1]}")
+    return wrong
+
+
 def check(ground, place, told, size, where):
     """A start on what the loss left, and what it then has."""
     database = place / "practice.db"
@@ -150,21 +179,17 @@ def check(ground, place, told, size, where):
         return
     finally:
         platform.end()
-    for comment, found in seen.items():
-        if len(found) != 1:
-            ground.fault(f"{where}: {comment} is there {len(found)} times")
-    for comment, (identity, then) in told.placed.items():
-        found = seen.get(comment, [])
-        if then <= size and [each for each, _ in found] != [identity]:
-            ground.fault(f"{where}: {comment} was acknowledged and is lost")
-        elif told.closed.get(identity, size + 1) <= size and found[0][1] != "history":
-            ground.fault(f"{where}: {comment} was closed and is {found[0][1]}")
+    for wrong in unfit_after_loss(told, size, seen):
+        ground.fault(f"{where}: {wrong}")
     check_integrity(ground, database, where)
 
 
 def check_integrity(ground, database, where):
     connection = sqlite3.connect(database)
-    answer = connection.execute("PRAGMA integrity_check").fetchall()
+    try:
+        answer = connection.execute("PRAGMA integrity_check").fetchall()
+    except sqlite3.DatabaseError as error:
+        answer = [str(error)]
     connection.close()
     if answer != [("ok",)]:
         ground.fault(f"{where}: integrity_check says {answer[:3]}")

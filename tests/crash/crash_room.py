@@ -9,6 +9,7 @@ import struct
 
 import crash_lab
 import crash_practice
+import crash_sweep
 
 PLENTY = (1 << 63) - 1
 ORDER_SPAN = 100_000  # bytes; three or four changes of an order
@@ -54,6 +55,15 @@ def spread(most, count):
 def one_line_about(text, place):
     """Whether it is one line, which names the place or one below it and says that there is no room."""
     return text.count("\n") == 1 and str(place) in text and ("No space left" in text or "is full" in text)
+
+
+def differences(known, shown, stored):
+    """Between the orders that were acknowledged and the ids that are shown, and what the database has of them."""
+    live = {comment: each[0] for comment, each in known.items() if each[1] in ("OPEN", "PENDING")}
+    differing = sorted(set(shown.items()) ^ set(live.items()))
+    told = [f"shown and acknowledged differ in {differing[:4]}"] if differing else []
+    return told + [f"\"{comment}\" is {stored.get(comment)}, acknowledged {known.get(comment)}"
+                   for comment in sorted(set(stored) | set(known)) if stored.get(comment) != known.get(comment)]
 
 
 class Orders:
@@ -105,17 +115,13 @@ class Orders:
             return
         finally:
             platform.end()
-        live = {comment: each[0] for comment, each in self.known.items() if each[1] in ("OPEN", "PENDING")}
-        if differing := sorted(set(shown.items()) ^ set(live.items())):
-            ground.fault(f"{where}: shown and acknowledged differ in {differing[:4]}")
         database = folder / "practice.db"
         connection = sqlite3.connect(database)
         stored = {comment: each for comment, *each in
                   connection.execute("SELECT comment, id, status, pending_price FROM trades")}
         connection.close()
-        for comment in set(stored) | set(self.known):
-            if stored.get(comment) != self.known.get(comment):
-                ground.fault(f"{where}: \"{comment}\" is {stored.get(comment)}, acknowledged {self.known.get(comment)}")
+        for difference in differences(self.known, shown, stored):
+            ground.fault(f"{where}: {difference}")
         crash_practice.check_integrity(ground, database, where)
 
 
@@ -271,12 +277,12 @@ def runs_with_rooms(ground, count):
 
 def sweeps_with_rooms(ground, count):
     before = ground.faults
-    sweeps = crash_lab.Sweeps(ground)
+    sweeps = crash_sweep.Sweeps(ground)
     folder = sweeps.lab.folder
     room = Room(ground)
 
     def sweep(out, environment=None):
-        return sweeps.lab.run("sweep", *crash_lab.SWEEP, "--out", out, environment=environment)
+        return sweeps.lab.run("sweep", *crash_sweep.SWEEP, "--out", out, environment=environment)
 
     sizes = spread(room.used_by(lambda: sweep(folder / "measured", room.environment(ground, folder))), count)
     refused = begun = 0
@@ -292,7 +298,7 @@ def sweeps_with_rooms(ground, count):
             # What was kept is gone on with; where nothing was, the same command begins anew.
             if out.exists():
                 begun += 1
-                if not crash_lab.sets_in(out / "sweep.sqlite"):
+                if not crash_sweep.sets_in(out / "sweep.sqlite"):
                     ground.fault(f"{where}: left {sorted(place.name for place in out.iterdir())}")
                 sweeps.judge(out, where)
             else:

@@ -8,7 +8,7 @@ import subprocess
 import time
 
 import crash_practice
-from line_reader import LineReader
+from line_reader import LineReader, Silent
 
 SCREEN = "offscreen:configfile=" + os.path.abspath(os.path.join(os.path.dirname(__file__), "../../bench/screen.json"))
 PATIENCE = 60  # seconds that a start may take; a busy machine is slow, and a hanging one is found all the same
@@ -18,35 +18,48 @@ DEFAULT_LAYOUT = "the default layout is used"
 class Window:
     """A run of the terminal with hands at its windows (WindowHands.cpp)."""
 
-    def __init__(self, ground, profile, first, steps):
-        self.log = profile / "tmp" / "tavoran-terminal.log"
-        self.log.unlink(missing_ok=True)
+    def __init__(self, ground, profile, first, steps, more=None):
+        self._log = profile / "tmp" / "tavoran-terminal.log"
+        self._log.unlink(missing_ok=True)
         environment = ground.environment(
         ) | {"QT_QPA_PLATFORM": SCREEN, "HOME": str(profile / "home"), "XDG_CONFIG_HOME": str(profile / "config"),
              "XDG_DATA_HOME": str(profile / "data"), "XDG_CACHE_HOME": str(profile / "cache"),
              "TMPDIR": str(profile / "tmp"), "QT_PLUGIN_PATH": str(ground.hands),
              "QT_QPA_GENERIC_PLUGINS": "tavoran-hands", "TAVORAN_HANDS_PASSWORD": crash_practice.PASSWORD,
-             "TAVORAN_HANDS_FIRST": str(first), "TAVORAN_HANDS_STEPS": str(steps)}
+             "TAVORAN_HANDS_FIRST": str(first), "TAVORAN_HANDS_STEPS": str(steps)} | (more or {})
         self.begun = time.monotonic()
-        self._process = subprocess.Popen([ground.bin / "tavoran-terminal"], stdout=subprocess.PIPE,
-                                         stderr=subprocess.PIPE, env=environment)
+        self._process = subprocess.Popen([ground.bin / "tavoran-terminal"], stdin=subprocess.PIPE,
+                                         stdout=subprocess.PIPE, stderr=subprocess.PIPE, env=environment)
         self._lines = LineReader(self._process.stdout)
 
-    def line(self, seconds=PATIENCE):
-        """The next line as its word and its parts; None at the end, or when none comes in time."""
-        line = self._lines.line(seconds)
+    def line(self):
+        """The next line as its word and its parts; None at the end. Raises Silent when it hangs."""
+        line = self._lines.line(PATIENCE)
         if line is None:
             return None
         word, _, parts = line.partition(" ")
         return word, json.loads(parts or "{}")
 
+    def told(self):
+        """All that is in its log by now."""
+        return self._log.read_text(encoding="utf-8")
+
+    def ask(self):
+        """For the next step, of hands that wait for that."""
+        self._process.stdin.write(b"\n")
+        self._process.stdin.flush()
+
     def kill(self):
         self._process.kill()
 
     def end(self):
-        """How it ended, and what it said on the way."""
-        self._process.kill()
-        _, errors = self._process.communicate()
+        """How it ended, and what it said on the way. It is over, or was killed."""
+        try:
+            _, errors = self._process.communicate(timeout=PATIENCE)
+        except subprocess.TimeoutExpired:
+            self.kill()
+            _, errors = self._process.communicate()
+            return "it does not end", errors.decode()[-300:]
         return self._process.returncode, errors.decode()[-300:]
 
 
@@ -64,8 +77,7 @@ class Trial:
         (self.folder / "Terminal.conf").touch(mode=0o600)
         (self.folder / "Terminal.conf").write_text(
             f"[auth]\nserverUrl=http://127.0.0.1:{self._platform.port}\nemail={crash_practice.EMAIL}\n")
-        self._saved = None
-        self._saving = {}
+        self._states = []  # that the settings may hold, the newest last; none before the first start
         self._step = 0
         self.starts = []
         self.kills = self.while_saving = self.newer = self.at_start = self.default_layouts = self.left = 0
@@ -75,8 +87,15 @@ class Trial:
 
     def run(self, where, moment):
         """Starts, looks, and kills when `moment` says so: a function of the run, called once it has told what it
-        found. Without one it is killed `moment` seconds after its start."""
+        found. Without one it is killed `moment` seconds after its start. What hangs is no kill, but a fault."""
         window = Window(self._ground, self._profile, self._step, 200 if self.kills % 5 else 3)
+        try:
+            self._watch(window, where, moment)
+        except Silent as silence:
+            window.kill()
+            self._ground.fault(f"{where}: the terminal {silence}; {window.end()}")
+
+    def _watch(self, window, where, moment):
         if not callable(moment):
             time.sleep(moment)
             window.kill()
@@ -84,8 +103,9 @@ class Trial:
         line = window.line()
         if line and line[0] == "found":
             self.starts.append(time.monotonic() - window.begun)
-            self._judge(line[1], window.log, where)
+            self._judge(line[1], window.told(), where)
         elif callable(moment):
+            window.kill()
             self._ground.fault(f"{where}: the terminal does not start, {window.end()} {line}")
             return
         begun = self._step
@@ -100,35 +120,32 @@ class Trial:
             self.left += 1
         else:
             self._ground.fault(f"{where}: ended with {status}: {errors}")
-        self.while_saving += self._step > begun and bool(self._saving)
+        self.while_saving += self._step > begun and len(self._states) > 1
 
     def note(self, line):
         word, parts = line
         if word == "saving":
-            self._saving = parts
+            self._states.append(self._states[-1] | parts)
             self._step += 1
         elif word == "saved":
-            self._saved = self._saved | self._saving
-            self._saving = {}
+            self._states = self._states[-1:]
 
-    def _judge(self, found, log, where):
-        told = log.read_text(encoding="utf-8")
-        if "damaged" in told or "could not be saved" in told:
+    def _judge(self, found, told, where, may_tell=False):
+        """What a start shows, and has told in the log, which is what the settings may hold."""
+        if not may_tell and ("damaged" in told or "could not be saved" in told):
             self._ground.fault(f"{where}: the next start tells of damage")
         is_default = DEFAULT_LAYOUT in told
         self.default_layouts += is_default
-        before = self._saved or found
-        for state in (before | self._saving, before):
+        for state in reversed(self._states or [found]):
             # Killed while it restored the layout, perhaps by it. Its charts come back all the same.
             layout = state["layout"] | {"charts": found["layout"]["charts"]} if is_default else found["layout"]
             if found | {"layout": layout} == state:
-                self.newer += state != before
+                self.newer += state not in (self._states or [found])[:1]
                 break
         else:
-            self._ground.fault(f"{where}: found {found}, saved {before}, was saving {self._saving}")
+            self._ground.fault(f"{where}: found {found}, expected one of {self._states}")
             state = found
-        self._saved = state
-        self._saving = {}
+        self._states = [state]
 
 
 def kills(ground, count):
@@ -139,7 +156,7 @@ def kills(ground, count):
     def while_it_saves(window, trial):
         """Soon after one of the next saves has begun: at once, or up to 20 ms later."""
         left = chance.randrange(1, 12)
-        while left > 0 and (line := window.line(20)):
+        while left > 0 and (line := window.line()):
             trial.note(line)
             left -= line[0] == "saving"
         time.sleep(chance.random() * chance.choice((0, 0.005, 0.02)))

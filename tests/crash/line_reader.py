@@ -5,6 +5,13 @@ import select
 import time
 
 
+class Silent(TimeoutError):
+    """A program that neither writes a line nor ends."""
+
+    def __init__(self, seconds):
+        super().__init__(f"says nothing for {seconds} s")
+
+
 class LineReader:
     """Reads a pipe of a program that may hang or be killed in the middle of a line."""
 
@@ -13,11 +20,11 @@ class LineReader:
         self._rest = b""
 
     def line(self, seconds):
-        """The next whole line; None at the end, or when none comes in time."""
+        """The next whole line; None at the end. Raises Silent when neither comes in time."""
         until = time.monotonic() + seconds
         while b"\n" not in self._rest:
             if not select.select([self._pipe], [], [], max(0, until - time.monotonic()))[0]:
-                return None
+                raise Silent(seconds)
             more = os.read(self._pipe.fileno(), 65536)
             if not more:
                 return None

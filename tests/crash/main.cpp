@@ -37,13 +37,21 @@ void sayNotices(TerminalSettings& settings)
         say(u"told "_s + notice);
 }
 
+/// The size of the journal by now, in which later operations follow; nothing where none is kept.
+QString journalSize()
+{
+    const QString path = qEnvironmentVariable("TAVORAN_DISK_JOURNAL");
+    return path.isEmpty() ? QString() : u" %1"_s.arg(QFileInfo(path).size());
+}
+
 int saveOnAndOn(const QString& file, int count)
 {
     TerminalSettings settings(file);
     const int first = start(settings).number + 1;
     sayNotices(settings);
     for (int number = first; number - first < count; ++number) {
-        say((savedstate::save(settings, number) ? u"saved %1"_s : u"refused %1"_s).arg(number));
+        const bool isSaved = savedstate::save(settings, number);
+        say((isSaved ? u"saved %1"_s : u"refused %1"_s).arg(number) + journalSize());
         sayNotices(settings);
     }
     return 0;
@@ -62,7 +70,7 @@ savedstate::Found readElsewhere(const QString& file)
 }
 
 /// Saves once for each room from `from` to `to` bytes, says what does not hold, and ends with 1 if anything
-/// does not. Needs the faulty disk (FaultyDisk.cpp) in front.
+/// does not. Needs the faulty disk (disk/FaultyDisk.h) in front.
 int fillDisk(const QString& file, int from, int to, int step)
 {
     const auto setRoom

@@ -1,4 +1,4 @@
-"""What a disk may hold after the power went, worked out from the journal that FaultyDisk.cpp keeps.
+"""What a disk may hold after the power went, worked out from the journal that disk/DiskJournal.h keeps.
 
 The disk here is a hard but honest one:
 - Names (made, renamed, linked, removed) reach it in the order in which they changed, as on ext4, XFS and Btrfs. Of
@@ -182,12 +182,12 @@ def read_journal(path):
     return operations
 
 
-def losses(folder, journal, count, seed, before=None):
+def losses(folder, journal, count, seed, before=None, ends=0):
     """Yields `count` times, in the order of the operations: the journal's size when the power goes, and a function
-    that leaves at a place what is then on the disk."""
+    that leaves at a place what is then on the disk. The last `ends` times all was done."""
     chance = random.Random(seed)
     operations = read_journal(journal)
-    moments = sorted(chance.randrange(len(operations) + 1) for _ in range(count))
+    moments = sorted(chance.randrange(len(operations) + 1) for _ in range(count - ends)) + [len(operations)] * ends
     disk = Disk(folder, before)
     done = 0
     for moment in moments:

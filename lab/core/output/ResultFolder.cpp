@@ -65,14 +65,6 @@ void writeWhole(const fs::path& place, std::string_view bytes, const fs::path& s
         fail(shown, error);
 }
 
-/// Best effort: not every file system can do that to a folder, and the files are in place already.
-void settle(const fs::path& folder)
-{
-    const Descriptor descriptor(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-    if (descriptor.number() >= 0)
-        static_cast<void>(::fsync(descriptor.number()));
-}
-
 /// The folders on the way to this one that are not there, made; the first of them is remembered.
 class MadeFolders {
 public:
@@ -142,7 +134,7 @@ public:
             step.hasFresh = false;
             step.isInPlace = true;
         }
-        settle(m_folder);
+        settleFolder(m_folder);
         m_isDone = true;
         for (const Step& step : m_steps) {
             if (step.hasFormer)
@@ -218,6 +210,13 @@ bool holdsNothing(const fs::path& folder)
             return false;
     }
     return !error;
+}
+
+void settleFolder(const fs::path& folder)
+{
+    const Descriptor descriptor(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    if (descriptor.number() >= 0)
+        static_cast<void>(::fsync(descriptor.number()));
 }
 
 ResultFolder::ResultFolder(fs::path folder)

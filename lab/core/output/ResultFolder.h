@@ -16,6 +16,9 @@ struct OutputError : std::runtime_error {
 /// that cannot be seen.
 [[nodiscard]] bool holdsNothing(const std::filesystem::path& folder);
 
+/// The names in a folder are to outlast a power cut. Best effort: not every file system can do that.
+void settleFolder(const std::filesystem::path& folder);
+
 /// The files of one result on their way into a folder: all of them get there, or none. What is in the folder
 /// under these names stays as it is until every new file lies beside it, whole and on the disk. Only a
 /// process that is killed while it gives the files their names leaves some of the new ones and some of the

@@ -40,12 +40,34 @@ bool openPrivateFile(QFile& file, const QString& path, QIODevice::OpenMode mode)
     }
     return true;
 }
+
+void settle(QFile& file)
+{
+    if (file.flush())
+        ::fsync(file.handle());
+}
+
+void settleFolder(const QString& folder)
+{
+    const int descriptor = ::open(QFile::encodeName(folder).constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    if (descriptor < 0)
+        return;
+    ::fsync(descriptor);
+    ::close(descriptor);
+}
 #else
 bool openPrivateFile(QFile& file, const QString& path, QIODevice::OpenMode mode)
 {
     file.setFileName(path);
     return file.open(mode) && file.setPermissions(QFile::ReadOwner | QFile::WriteOwner);
 }
+
+void settle(QFile& file)
+{
+    file.flush();
+}
+
+void settleFolder(const QString& /*folder*/) { }
 #endif
 
 bool replacePrivateFile(const QString& path, const QByteArray& bytes)

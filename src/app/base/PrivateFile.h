@@ -10,3 +10,8 @@
 /// Replaces `path` by `bytes` in one step, 0600; the old content stays when anything fails, a full
 /// disk included.
 [[nodiscard]] bool replacePrivateFile(const QString& path, const QByteArray& bytes);
+
+/// What was written to the file, or the names that were changed in the folder, is to outlast a power cut.
+/// Best effort: not every file system can do that.
+void settle(QFile& file);
+void settleFolder(const QString& folder);

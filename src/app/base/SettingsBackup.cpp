@@ -3,6 +3,7 @@
 #include "app/base/PrivateFile.h"
 
 #include <QCryptographicHash>
+#include <QFileInfo>
 
 #include <cstdio>
 #include <utility>
@@ -52,8 +53,8 @@ bool SettingsBackup::beginSave(const QByteArray& valuesDigest)
     if (!openPrivateFile(mark, savingPath(), QIODevice::WriteOnly | QIODevice::Append))
         return isThere;
     // The digest before it stays as it is. Without room for this line a save that never ends is undone.
-    if (mark.resize(digestInMark().size()))
-        mark.write('\n' + valuesDigest);
+    if (mark.resize(digestInMark().size()) && mark.write('\n' + valuesDigest) > 0)
+        settle(mark); // the new file may be there after a power cut, and then nothing else vouches for it
     return true;
 }
 
@@ -69,7 +70,9 @@ bool SettingsBackup::confirm(const QByteArray& content)
     // Without room for the digest nothing is lost: file and copy are equal, which proves as much.
     if (contentOf(digestPath()) != digestOf(content))
         writeDigest(content);
-    QFile::remove(savingPath());
+    // Without the folder on the disk a power cut would take back this save and those before it.
+    if (QFile::remove(savingPath()))
+        settleFolder(QFileInfo(m_filePath).path());
     return true;
 }
 
