@@ -1,7 +1,6 @@
 // Puts the practice platform, as a process of its own, under load and prints one "name value" line a figure.
 //   tavoran-bench-platform load SECONDS   feeds and REST requests side by side
 //   tavoran-bench-platform restart TIMES  from the start of the process to the first price
-//   tavoran-bench-platform kills TIMES    SIGKILL at random moments, every acknowledged order looked for
 #include "practice/server/FeedClient.h"
 #include "practice/server/HttpClient.h"
 #include "practice/server/ServerProcess.h"
@@ -10,15 +9,10 @@
 #include <algorithm>
 #include <atomic>
 #include <chrono>
-#include <csignal>
 #include <fstream>
 #include <iostream>
-#include <map>
 #include <memory>
-#include <mutex>
-#include <random>
 #include <sched.h>
-#include <set>
 #include <thread>
 #include <unistd.h>
 
@@ -195,137 +189,6 @@ void restart(int times)
     print("restart_s", worst);
 }
 
-/// What the server acknowledged between two kills.
-struct Acknowledged {
-    std::map<std::string, std::string> placed; ///< id by comment
-    std::set<std::string> pending;             ///< ids of pending orders
-    std::set<std::string> ending;              ///< ids for whose close or cancellation the server was asked
-    std::set<std::string> gone;                ///< ids for which it said yes
-    std::mutex mutex;
-};
-
-/// Places, closes and cancels until the connection ends.
-void trade(std::uint16_t port, const std::string& token, const std::string& account,
-    const std::string& prefix, Acknowledged& known)
-{
-    try {
-        HttpClient client(port);
-        client.setToken(token);
-        for (int number = 0;; ++number) {
-            const bool market = number % 2 == 0;
-            const std::string comment = prefix + std::to_string(number);
-            const HttpReply placed = client.post("/api/trades/place", order(account, market, comment));
-            // An account takes so many only; enough for one round then.
-            if (placed.status == 400 && placed.message().find("are the most") != std::string::npos)
-                return;
-            if (placed.status != 200)
-                throw std::logic_error(placed.body);
-            const std::string id = placed.json().at("id").get<std::string>();
-            {
-                const std::lock_guard lock(known.mutex);
-                known.placed[comment] = id;
-                if (!market)
-                    known.pending.insert(id);
-                if (number % 4 < 2)
-                    known.ending.insert(id);
-            }
-            if (number % 4 > 1)
-                continue;
-            const std::string end = market ? "/api/trades/close/" : "/api/trades/cancel/";
-            if (client.request("POST", end + id, "{}").status == 200) {
-                const std::lock_guard lock(known.mutex);
-                known.gone.insert(id);
-            }
-        }
-    } catch (const std::runtime_error&) {
-        // The connection ended in mid-flight.
-    }
-}
-
-struct Tally {
-    int acknowledged = 0;
-    int lost = 0;
-    int twice = 0;
-};
-
-/// Looks for what was acknowledged, then closes and cancels what is left.
-void lookFor(Acknowledged& known, HttpClient& client, const std::string& account, Tally& tally)
-{
-    std::map<std::string, int> seen;
-    std::map<std::string, std::string> listOf;
-    for (const std::string list : {"open", "pending", "history"}) {
-        std::string target = "/api/trades/";
-        target.append(list).append("?accountId=").append(account);
-        if (list == "history")
-            target += "&limit=2000";
-        for (const json& row : client.get(target).json()) {
-            ++seen[row.at("comment").get<std::string>()];
-            listOf[row.at("id").get<std::string>()] = list;
-        }
-    }
-    for (const auto& [id, list] : listOf) {
-        if (list != "history")
-            client.request(
-                "POST", (list == "open" ? "/api/trades/close/" : "/api/trades/cancel/") + id, "{}");
-    }
-    for (const auto& [comment, id] : known.placed) {
-        const std::string list = listOf.contains(id) ? listOf[id] : "none";
-        const bool market = !known.pending.contains(id);
-        std::set<std::string> right{market ? "open" : "pending"};
-        if (known.ending.contains(id))
-            right.insert(market ? "history" : "none"); // a cancelled order stands in no list
-        if (known.gone.contains(id))
-            right.erase(market ? "open" : "pending");
-        ++tally.acknowledged;
-        tally.lost += right.contains(list) ? 0 : 1;
-    }
-    for (const auto& [comment, count] : seen)
-        tally.twice += count > 1 ? 1 : 0;
-}
-
-void kills(int times)
-{
-    const TemporaryFolder folder;
-    const std::string database = (folder / "x.db").string();
-    std::mt19937 random(20240229);
-    std::uniform_int_distribution<int> microseconds(0, 300'000);
-    std::string token;
-    std::string account;
-    Acknowledged known;
-    Tally tally;
-    for (int round = 0; round <= times; ++round) {
-        ServerProcess server(database);
-        HttpClient client(server.port());
-        if (token.empty()) {
-            client.signIn();
-            token = client.token();
-            account = demoAccount(client);
-        }
-        client.setToken(token);
-        lookFor(known, client, account, tally);
-        known.placed.clear();
-        known.pending.clear();
-        known.ending.clear();
-        known.gone.clear();
-        if (round == times)
-            break;
-        std::vector<std::thread> threads;
-        threads.reserve(restClients);
-        for (int i = 0; i < restClients; ++i) {
-            threads.emplace_back(trade, server.port(), token, account,
-                std::to_string(round) + '.' + std::to_string(i) + '.', std::ref(known));
-        }
-        std::this_thread::sleep_for(std::chrono::microseconds(microseconds(random)));
-        ::kill(server.pid(), SIGKILL);
-        for (std::thread& thread : threads)
-            thread.join();
-    }
-    print("kills", times);
-    print("acknowledged", tally.acknowledged);
-    print("lost", tally.lost);
-    print("twice", tally.twice);
-}
-
 } // namespace
 
 int main(int argc, char** argv)
@@ -336,10 +199,8 @@ int main(int argc, char** argv)
             load(std::stoi(argv[2]));
         else if (mode == "restart")
             restart(std::stoi(argv[2]));
-        else if (mode == "kills")
-            kills(std::stoi(argv[2]));
         else
-            throw std::runtime_error("usage: tavoran-bench-platform load|restart|kills NUMBER");
+            throw std::runtime_error("usage: tavoran-bench-platform load|restart NUMBER");
         return 0;
     } catch (const std::exception& error) {
         std::cerr << "tavoran-bench-platform: " << error.what() << std::endl;

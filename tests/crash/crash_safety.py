@@ -14,13 +14,14 @@ import time
 
 import crash_lab
 import crash_practice
+import crash_practice_kills
 import crash_room
 import crash_settings
 import crash_sweep
 import crash_window
 from crash_ground import Ground
 
-PIECES = ("kills", "window", "disk", "disk-practice", "disk-lab", "power", "practice",
+PIECES = ("kills", "kills-practice", "window", "disk", "disk-practice", "disk-lab", "power", "practice",
           "lab", "sweep")
 
 
@@ -30,6 +31,7 @@ def main():
     parser.add_argument("--bin", required=True, help="folder of the programs")
     parser.add_argument("--kills", type=int, default=1000)
     parser.add_argument("--windows", type=int, default=1000, help="kills of the window itself")
+    parser.add_argument("--platforms", type=int, default=1000, help="kills of the practice platform")
     parser.add_argument("--labs", type=int, default=1000, help="kills of the lab's runs; a fifth as many of sweeps")
     parser.add_argument("--operations", type=int, default=1000, help="at most so many operations are killed before")
     parser.add_argument("--sizes", type=int, default=0, help="of a full disk; 0 for each single one")
@@ -42,6 +44,8 @@ def main():
         ground = Ground(arguments.tests, arguments.bin, place, arguments.seed)
         if "kills" in pieces:
             crash_settings.kills(ground, arguments.kills, arguments.operations)
+        if "kills-practice" in pieces:
+            crash_practice_kills.kills(ground, arguments.platforms)
         if "window" in pieces:
             crash_settings.check_left_overs(
                 ground, crash_window.kills(ground, arguments.windows), "after the kills of the window")
