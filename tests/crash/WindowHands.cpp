@@ -3,10 +3,11 @@
 // killed or TAVORAN_HANDS_STEPS are done. A line of standard output for each thing:
 //   found PARTS            what the window shows after its start
 //   saving PARTS           what will have changed in the settings when the next save is done
-//   saved                  that save is done
+//   saved                  that save is done; with PARTS when asked
 //   left                   the program ends by itself
-// PARTS is a JSON object with some of "alerts", "theme" and "layout". The steps count on from
-// TAVORAN_HANDS_FIRST.
+// PARTS is a JSON object with some of "alerts", "theme" and "layout", and with "told", the refused saves that
+// the Journal tells of, when TAVORAN_HANDS_ASKED is set: then each step waits for a byte of standard input.
+// The steps count on from TAVORAN_HANDS_FIRST.
 
 #include <QAbstractSpinBox>
 #include <QAction>
@@ -92,7 +93,10 @@ private:
         QGuiApplication::setQuitOnLastWindowClosed(false);
         m_alerts = m_window->findChild<QTreeWidget*>(u"alertsList"_s);
         m_charts = m_window->findChild<QMdiArea*>();
-        say("found", {{u"alerts"_s, alerts()}, {u"theme"_s, theme()}, {u"layout"_s, layout()}});
+        QJsonObject found{{u"alerts"_s, alerts()}, {u"theme"_s, theme()}, {u"layout"_s, layout()}};
+        if (m_isAsked)
+            found[u"told"_s] = told();
+        say("found", found);
         connect(&m_pause, &QTimer::timeout, this, &Hands::step);
         m_pause.start(pauseMs);
     }
@@ -102,6 +106,8 @@ private:
         // Without symbols there is neither an alert nor a chart to be made.
         if (!action(u"New Chart"_s)->isEnabled())
             return;
+        if (m_isAsked && std::getchar() == EOF)
+            return m_pause.stop();
         if (++m_step > m_last) {
             m_pause.stop();
             changeLayout();
@@ -122,11 +128,18 @@ private:
         }
     }
 
-    static void save(const QJsonObject& parts, const std::function<void()>& act)
+    void save(const QJsonObject& parts, const std::function<void()>& act) const
     {
         say("saving", parts);
         act();
-        say("saved");
+        say("saved", m_isAsked ? QJsonObject{{u"told"_s, told()}} : QJsonObject());
+    }
+
+    [[nodiscard]] int told() const
+    {
+        const auto* journal = m_window->findChild<QTreeWidget*>(u"journalList"_s);
+        return static_cast<int>(
+            journal->findItems(u"The settings could not be saved to "_s, Qt::MatchContains, 2).size());
     }
 
     /// At a price that no market here reaches.
@@ -211,6 +224,7 @@ private:
 
     int m_step;
     int m_last;
+    bool m_isAsked = qEnvironmentVariableIsSet("TAVORAN_HANDS_ASKED");
     QSet<QObject*> m_seen;
     QMainWindow* m_window = nullptr;
     QTreeWidget* m_alerts = nullptr;

@@ -19,9 +19,10 @@ import crash_room
 import crash_settings
 import crash_sweep
 import crash_window
+import crash_window_room
 from crash_ground import Ground
 
-PIECES = ("kills", "kills-practice", "window", "disk", "disk-practice", "disk-lab", "power", "practice",
+PIECES = ("kills", "kills-practice", "window", "disk", "disk-window", "disk-practice", "disk-lab", "power", "practice",
           "lab", "sweep")
 
 
@@ -54,6 +55,8 @@ def main():
             pieces = ()
         if "disk" in pieces:
             crash_settings.full_disk(ground, arguments.sizes)
+        if "disk-window" in pieces:
+            crash_window_room.rooms(ground, arguments.sizes // 20 if arguments.sizes else 100)
         if "power" in pieces:
             crash_settings.power_losses(ground, arguments.losses)
         if "practice" in pieces:
