@@ -5,6 +5,7 @@
 namespace {
 
 constexpr int movingShare = 5;
+static_assert(ChartedPrices::snapshotsUntilSame == movingShare * ChartedPrices::prices);
 
 } // namespace
 

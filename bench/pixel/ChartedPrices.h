@@ -11,6 +11,9 @@ class ChartedPrices final {
 public:
     static constexpr int symbols = 500;
     static constexpr int prices = 8;
+    static constexpr int noChart = -1;
+    /// After so many snapshots in which no chart is still, all prices are what they were before.
+    static constexpr int snapshotsUntilSame = 40;
 
     ChartedPrices();
 
@@ -26,7 +29,7 @@ public:
     /// What a chart's newest candle closes at now: the middle of its quote.
     [[nodiscard]] double middle(int chart) const;
     /// The next message with the quotes of all symbols, of which each fifth has moved; that of the chart
-    /// named has not.
+    /// named, which may be noChart, has not.
     [[nodiscard]] QString snapshot(int still);
 
 private:

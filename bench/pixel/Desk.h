@@ -53,6 +53,13 @@ private:
         explicit Settings(const StubPlatform& platform, int charts);
     };
     void findPlaces();
+    /// Where a chart tells its prices.
+    [[nodiscard]] PixelRect axisOf(int chart) const;
+    /// Gives every chart a price; comes back when all of them show it and nothing moves.
+    void showEverywhere(int price);
+    /// What a chart reads aloud whose newest candle closes elsewhere, with where it should; empty if none
+    /// does.
+    [[nodiscard]] QString wrongReading();
 
     int m_charts;
     XvfbServer m_server;

@@ -12,3 +12,8 @@ inline std::int64_t monotonicNs()
     clock_gettime(CLOCK_MONOTONIC, &now);
     return now.tv_sec * 1'000'000'000LL + now.tv_nsec;
 }
+
+inline double inMs(std::int64_t ns)
+{
+    return static_cast<double>(ns) / 1e6;
+}

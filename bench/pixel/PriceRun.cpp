@@ -1,9 +1,10 @@
 #include "pixel/PriceRun.h"
 
+#include "pixel/Monotonic.h"
+#include "pixel/SnapshotSender.h"
 #include "scenes/Waiting.h"
 
 #include <QCoreApplication>
-#include <QElapsedTimer>
 
 #include <algorithm>
 #include <optional>
@@ -14,21 +15,16 @@ using namespace Qt::StringLiterals;
 namespace {
 
 constexpr qint64 lookEveryNs = 50'000;
-constexpr qint64 patienceNs = 1'000'000'000;
-constexpr int shortestPauseMs = 60;
-constexpr int longestPauseMs = 210;
-constexpr int warmUp = 20;
-
-double inMs(qint64 ns)
-{
-    return static_cast<double>(ns) / 1e6;
-}
+constexpr int shortestPauseMs = 40;
+constexpr int longestPauseMs = 100;
+constexpr int pricesToWarmUp = 20;
 
 } // namespace
 
-PriceRun::PriceRun(Desk& desk, const std::vector<Spot>& spots)
+PriceRun::PriceRun(Desk& desk, const std::vector<Spot>& spots, int patienceMs)
     : m_desk(desk)
     , m_spots(spots)
+    , m_patienceNs(qint64{patienceMs} * 1'000'000)
     , m_queue({desk.program().processId(), desk.server().processId()})
     , m_watcher(desk.screen(), lookEveryNs)
 {
@@ -37,7 +33,7 @@ PriceRun::PriceRun(Desk& desk, const std::vector<Spot>& spots)
 void PriceRun::measureQuiet(Brings brings, int samples)
 {
     ChartedPrices& prices = m_desk.prices();
-    for (int i = -warmUp; i < samples; ++i) {
+    for (int i = -pricesToWarmUp; i < samples; ++i) {
         if (i == 0)
             forgetWarmUp();
         const int chart = m_chance.bounded(m_desk.charts());
@@ -66,14 +62,8 @@ void PriceRun::measureLoaded(int snapshotsASecond, int samples)
     const int watched = m_desk.charts() - 1;
     const std::vector<const Spot*> spot{&m_spots.at(static_cast<std::size_t>(watched))};
     std::optional<qint64> sentNs;
-    QTimer snapshots;
-    snapshots.setTimerType(Qt::PreciseTimer);
     bool due = false;
-    qint64 sent = 0;
-    qint64 sentBefore = 0;
-    QElapsedTimer clock;
-    const auto sendNext = [&] {
-        ++sent;
+    SnapshotSender snapshots(snapshotsASecond, [&] {
         // Made before the price counts as sent: what it takes to make it is not the terminal's.
         const bool withPrice = std::exchange(due, false);
         if (withPrice)
@@ -84,38 +74,25 @@ void PriceRun::measureLoaded(int snapshotsASecond, int samples)
         const qint64 now = m_desk.send(message);
         if (withPrice)
             sentNs = now;
-    };
-    constexpr qint64 second = 1'000'000'000;
-    QObject::connect(&snapshots, &QTimer::timeout, &snapshots, [&] {
-        // What was kept from its time follows at once, but never as a flood.
-        constexpr int mostAtOnce = 5;
-        const qint64 wanted = clock.nsecsElapsed() * snapshotsASecond / second;
-        for (int i = 0; i < mostAtOnce && sent < wanted; ++i)
-            sendNext();
     });
-    clock.start();
-    snapshots.start(1000 / snapshotsASecond);
-    qint64 beganNs = 0;
-    for (int i = -warmUp; i < samples; ++i) {
+    for (int i = -pricesToWarmUp; i < samples; ++i) {
         if (i == 0) {
             forgetWarmUp();
-            sentBefore = sent;
-            beganNs = clock.nsecsElapsed();
+            snapshots.beginCounting();
         }
         due = true;
         waitUntil([&] { return sentNs.has_value(); }, u"the next snapshot"_s);
         finish(*std::exchange(sentNs, std::nullopt));
         pauseByChance();
     }
-    m_rate = static_cast<double>(sent - sentBefore) * static_cast<double>(second)
-        / static_cast<double>(clock.nsecsElapsed() - beganNs);
+    m_rate = snapshots.rate();
 }
 
 void PriceRun::start(const std::vector<const Spot*>& spots, int price)
 {
     m_sample = {};
     const qint64 queuedBefore = m_queue.ns();
-    m_watcher.watch(spots, static_cast<std::size_t>(price), monotonicNs() + patienceNs,
+    m_watcher.watch(spots, static_cast<std::size_t>(price), monotonicNs() + m_patienceNs,
         [this, queuedBefore](const SpotWatcher::Result& result) {
             const Sample sample{true, result, m_queue.ns() - queuedBefore};
             QMetaObject::invokeMethod(
@@ -133,9 +110,9 @@ void PriceRun::finish(qint64 sentNs)
     }
     // A price that nobody has seen is as late as the watcher had patience: leaving it out would make it fast.
     m_missed += result.sighting ? 0 : 1;
-    const qint64 took = result.sighting ? result.sighting->seenNs - sentNs : patienceNs;
+    const qint64 took = result.sighting ? result.sighting->seenNs - sentNs : m_patienceNs;
     m_ms.push_back(inMs(took));
-    m_ownMs.push_back(inMs(result.sighting ? std::max<qint64>(0, took - m_sample.queuedNs) : patienceNs));
+    m_ownMs.push_back(inMs(result.sighting ? std::max<qint64>(0, took - m_sample.queuedNs) : m_patienceNs));
     if (result.sighting)
         m_grainsMs.push_back(inMs(result.sighting->seenNs - result.sighting->lookedBeforeNs));
 }

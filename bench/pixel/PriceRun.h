@@ -6,7 +6,6 @@
 #include "pixel/SpotWatcher.h"
 
 #include <QRandomGenerator>
-#include <QTimer>
 
 #include <vector>
 
@@ -20,8 +19,9 @@ public:
         EveryChart, ///< one for each of them in a message; seen when the last one shows it
     };
 
-    /// With the spots that the desk has learned; both must outlive the run.
-    PriceRun(Desk& desk, const std::vector<Spot>& spots);
+    /// With the spots that the desk has learned; both must outlive the run. A price that has not been seen
+    /// for that long is missed.
+    PriceRun(Desk& desk, const std::vector<Spot>& spots, int patienceMs = 1000);
 
     /// Nothing else is sent.
     void measureQuiet(Brings brings, int samples);
@@ -54,6 +54,7 @@ private:
 
     Desk& m_desk;
     const std::vector<Spot>& m_spots;
+    qint64 m_patienceNs;
     QueueTime m_queue;
     Sample m_sample;
     SpotWatcher m_watcher;

@@ -13,13 +13,17 @@ import report  # noqa: E402
 NAN = float("nan")
 
 
-def rows(printing, *arguments):
-    """What is printed: the measured value, the target and the verdict by the figure's name."""
+def lines(printing, *arguments):
+    """What is printed: each figure's name, its measured value, the target and the verdict."""
     printed = io.StringIO()
     with contextlib.redirect_stdout(printed):
         printing(*arguments)
-    lines = [[cell.strip() for cell in line.strip("|").split("|")] for line in printed.getvalue().splitlines()]
-    return {figure: cells for figure, *cells in lines}
+    return [[cell.strip() for cell in line.strip("|").split("|")] for line in printed.getvalue().splitlines()]
+
+
+def rows(printing, *arguments):
+    """The same by the figure's name; of several with one name the last."""
+    return {figure: cells for figure, *cells in lines(printing, *arguments)}
 
 
 def verdict(printing, *arguments):
@@ -30,7 +34,7 @@ def measured(**changes):
     """Pixel figures that all keep their targets, but for these changes; None leaves one out."""
     found = {name: 1.0 for _, name, _ in report.PIXEL} | {name: 0.0 for _, name, _ in report.WAKES}
     found |= {"quiet_1_missed": 0, "quiet_1_early": 0, "quiet_1_grain_p99_ms": 0.1, "loaded_1_rate": 99,
-              "processors_awake": 0, "processors_apart": 0, **changes}
+              "quiet_1_samples": 200, "quiet_1_click_samples": 100, "quiet_1_awake": 1, "quiet_1_apart": 1, **changes}
     return {name: str(value) for name, value in found.items() if value is not None}
 
 
@@ -58,8 +62,7 @@ class Limits(unittest.TestCase):
 
 class PixelLines(unittest.TestCase):
     def short(self, **changes):
-        return [figure for figure, cells in rows(report.pixel_lines, measured(**changes)).items()
-                if cells[-1] != "ok"]
+        return [cells[0] for cells in lines(report.pixel_lines, measured(**changes)) if cells[-1] != "ok"]
 
     def test_figures_within_their_targets_are_ok(self):
         self.assertEqual([], self.short())
@@ -82,6 +85,21 @@ class PixelLines(unittest.TestCase):
     def test_too_few_snapshots_in_one_of_the_runs_are_short(self):
         for rate in (94.9, NAN):
             self.assertEqual(["snapshots a second really sent, fewest"], self.short(loaded_20_rate=rate))
+
+    def test_a_click_is_measured_with_each_number_of_charts_quiet_and_loaded(self):
+        for run in ("quiet", "loaded"):
+            for charts in (1, 4, 20):
+                self.assertEqual(["p99"], self.short(**{f"{run}_{charts}_click_p99_ms": 3.1}))
+
+    def test_one_run_on_a_machine_that_was_not_prepared_is_told(self):
+        shown = rows(report.pixel_lines, measured(wakes_apart=0, loaded_4_awake=0, loaded_20_awake=1))
+        self.assertEqual("0", shown["terminal apart from X server (1) or not (0)"][0])
+        self.assertEqual("0", shown["processors kept from sleeping (1) or not (0)"][0])
+
+    def test_what_a_p99_is_of_is_told_of_prices_and_of_clicks(self):
+        shown = rows(report.pixel_lines, measured(loaded_4_samples=80, loaded_4_click_samples=40))
+        self.assertEqual("80", shown["prices behind a p99, fewest"][0])
+        self.assertEqual("40", shown["clicks behind a p99, fewest"][0])
 
     def test_a_time_that_is_no_number_is_short(self):
         self.assertEqual(["price to pixels, 1 chart, quiet: median"], self.short(quiet_1_median_ms=NAN))
