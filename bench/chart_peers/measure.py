@@ -30,7 +30,7 @@ FIRST, LEAST, WARM, MOST = 6, 8, 20, 40  # frames at once
 ENOUGH_SECONDS = 0.6  # of the processor: many times what the system counts in
 PATIENCE_SECONDS = 6.0
 SETTLE_SECONDS, REST_SECONDS = 1.0, 1.2
-ROUNDS, BUDGET_SECONDS = 3, 390  # on a busy machine there are fewer rounds
+ROUNDS, BUDGET_SECONDS = 3, 720  # on a busy machine there are fewer rounds
 PAGES = {"lightweight": "lightweight-charts", "klinecharts": "klinecharts"}
 KINDS, WIDTHS = ("tick", "pointer", "pan"), (7, 1)
 
@@ -38,7 +38,7 @@ KINDS, WIDTHS = ("tick", "pointer", "pan"), (7, 1)
 class Bench:
     def __init__(self, binaries, pages, out):
         self.binaries, self.pages, self.out = Path(binaries), Path(pages), Path(out)
-        self.found, self.failed = [], False
+        self.found, self.failed, self.rounds = [], False, 0
         self.shown = {"as loaded": [], "after a price": []}
         prices.write(self.out / "prices.csv", MANY, TICKS)
         self.candles, self.ticks = prices.read(self.out / "prices.csv")
@@ -169,6 +169,7 @@ class Bench:
         with tempfile.TemporaryDirectory(prefix="tavoran-peers-", dir="/dev/shm") as folder, \
                 programs.screen(folder) as display, \
                 Watch(str(self.binaries / "tavoran-pixel-watch"), Path(folder) / "Xvfb_screen0") as watch:
+            say("Processors are kept from sleeping" if watch.awake else "Processors may go to sleep between two frames")
             first = [program for program, _ in columns]  # in another round somebody else is first
             took, began = 0.0, time.monotonic()
             for number in range(ROUNDS):
@@ -178,6 +179,7 @@ class Bench:
                 began_round = time.monotonic()
                 self.round(first[number:] + first[:number], display, watch)
                 took = max(took, time.monotonic() - began_round)
+                self.rounds += 1
         return columns
 
     def round(self, order, display, watch):
@@ -206,6 +208,7 @@ class Bench:
         text = table.table(values, columns)
         (self.out / "table.md").write_text(text + "\n")
         print(text)
+        print(f"Medians of {self.rounds} rounds; of memory the least of some samples in each.")
         print("Frames: ms of processor time, of all processes of a program / ms on the clock.")
         for text, alike in likeness.findings(self.shown, values, columns, WIDTHS):
             print(text)

@@ -9,12 +9,15 @@ class Watch:
     def __init__(self, program, pixels):
         self._process = subprocess.Popen([program, str(pixels)], stdin=subprocess.PIPE, stdout=subprocess.PIPE,
                                          text=True, bufsize=1)
+        # Whether processors are kept from sleeping as long as it looks.
+        self.awake = self._answer() == ["awake", "1"]
 
     def __enter__(self):
         return self
 
     def __exit__(self, *_):
         self._process.stdin.close()
+        self._process.stdout.close()
         self._process.wait(10)
 
     def begin(self, errand):
@@ -30,7 +33,7 @@ class Watch:
         return " ".join(part) if what == "box" else None
 
     def seen(self):
-        """When it was there, in ns of the monotonic clock; None if it was there before, or never came."""
+        """When the part had changed, after "change", in ns of the monotonic clock; None if it has not."""
         kind, moment, *_ = self._answer()
         return int(moment) if kind == "seen" else None
 

@@ -2,7 +2,8 @@
 //   Xvfb :7 -fbdir /dev/shm/FOLDER -screen 0 1920x1200x24 &
 //   tavoran-pixel-watch /dev/shm/FOLDER/Xvfb_screen0 [PAUSE]
 // looks every PAUSE microseconds (50 unless told; 0 without a pause, for a machine with a processor to
-// spare), before others run where the system lets it. Errands come on the standard input, a line each, and
+// spare), before others run where the system lets it, and keeps processors from sleeping meanwhile. It says
+// first whether it may: "awake 1" or "awake 0". Errands come on the standard input, a line each, and
 // are answered on the standard output. NS is CLOCK_MONOTONIC in nanoseconds, X Y W H a part of the screen in
 // pixels, MS how many milliseconds to look at most:
 //   moving X Y W H MS   looks for all that time: "box X Y W H", the least part that holds all changes, or
@@ -14,6 +15,7 @@
 // come later.
 // What cannot be understood is answered with "bad".
 
+#include "pixel/AwakeProcessors.h"
 #include "pixel/ScreenFile.h"
 #include "pixel/WatchErrands.h"
 
@@ -32,6 +34,8 @@ int main(int argc, char** argv)
         const int pause = argc == 3 ? std::stoi(argv[2]) : usualPause;
         if (pause > 0)
             Lookout::goFirst();
+        const AwakeProcessors awake;
+        std::cout << "awake " << (awake.areKept() ? 1 : 0) << std::endl;
         WatchErrands errands(file.screen(), Lookout(1000LL * pause), std::cout);
         for (std::string line; std::getline(std::cin, line);)
             errands.run(line);

@@ -52,6 +52,10 @@ class Comparison(unittest.TestCase):
         self.report()
         self.assertTrue(self.bench.failed)
 
+    def test_of_how_many_rounds_the_medians_are_is_told(self):
+        self.bench.rounds = 2
+        self.assertIn("Medians of 2 rounds", self.report())
+
     def test_every_price_counts_in_median_and_misses(self):
         for ms, missed in ((1.0, 0), (2000, 1), (2000, 1)):
             self.bench.note("plot", "pixel", ms)
