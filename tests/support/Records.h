@@ -44,6 +44,7 @@ public:
     }
 };
 
+/// One of the accounts of whoever has signed in.
 class Account final : public Record<Account> {
 public:
     Account& status(const Value& text) { return with("status", text); }
@@ -113,6 +114,7 @@ public:
     return position(id).with("status", "CLOSED").with("closedAt", "2026-06-01T09:00:00.000Z");
 }
 
+/// One of the symbols that a hello names.
 class Symbol final : public Record<Symbol> {
 public:
     Symbol& digits(const Value& decimals) { return with("digits", decimals); }
@@ -121,6 +123,7 @@ public:
     Symbol& rank(const Value& order) { return with("sortOrder", order); }
 };
 
+/// With five decimals, and nothing said of it.
 [[nodiscard]] inline Symbol symbol(const Value& name)
 {
     return Symbol().with("name", name).digits(5);
