@@ -30,6 +30,7 @@ void Journal::add(practice::TimeMs time, const QString& text)
     m_last.push_back(std::move(line));
     while (m_last.size() > mostLines || m_lastBytes > mostBytes) {
         m_lastBytes -= m_last.front().text.size();
+        m_leftOutUntil = m_last.front().time;
         m_last.pop_front();
         ++m_leftOut;
     }
@@ -39,8 +40,7 @@ std::vector<JournalLine> Journal::lines() const
 {
     std::vector<JournalLine> all = m_first;
     if (m_leftOut > 0)
-        all.push_back(
-            {m_last.empty() ? 0 : m_last.front().time, std::to_string(m_leftOut) + " lines left out"});
+        all.push_back({m_leftOutUntil, std::to_string(m_leftOut) + " lines left out"});
     all.insert(all.end(), m_last.begin(), m_last.end());
     return all;
 }

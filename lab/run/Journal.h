@@ -23,7 +23,8 @@ public:
     /// How many lines there were.
     [[nodiscard]] std::uint64_t count() const { return m_count; }
     [[nodiscard]] std::uint64_t leftOut() const { return m_leftOut; }
-    /// What was kept, in its order, with a line that counts what is missing where it is missing.
+    /// What was kept, in its order, with a line that counts what is missing where it is missing, at
+    /// the time of the last line of that.
     [[nodiscard]] std::vector<JournalLine> lines() const;
 
 private:
@@ -33,6 +34,7 @@ private:
     std::size_t m_lastBytes = 0;
     std::uint64_t m_count = 0;
     std::uint64_t m_leftOut = 0;
+    practice::TimeMs m_leftOutUntil = 0;
 };
 
 } // namespace lab

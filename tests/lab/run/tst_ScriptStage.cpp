@@ -323,6 +323,7 @@ private Q_SLOTS:
         QCOMPARE(lines.front().text, std::string("0"));
         QCOMPARE(lines.back().text, std::string("999999"));
         QCOMPARE(lines[lab::Journal::mostLines].text, std::string("990000 lines left out"));
+        QCOMPARE(lines[lab::Journal::mostLines].time, practice::TimeMs{994'999});
         QCOMPARE(journal.count(), count);
         QCOMPARE(journal.leftOut(), count - 2 * lab::Journal::mostLines);
     }
@@ -337,6 +338,17 @@ private Q_SLOTS:
             bytes += line.text.size();
         QVERIFY(bytes <= 2 * lab::Journal::mostBytes + 100);
         QVERIFY(bytes > lab::Journal::mostBytes);
+    }
+
+    void aLineThatIsTooLongIsCountedAtItsTime()
+    {
+        lab::Journal journal;
+        journal.add(1, QString(lab::Journal::mostBytes, u'x'));
+        journal.add(2, QString(lab::Journal::mostBytes + 1, u'y'));
+        const std::vector<lab::JournalLine> lines = journal.lines();
+        QCOMPARE(lines.size(), std::size_t{2});
+        QCOMPARE(lines.back().text, std::string("1 lines left out"));
+        QCOMPARE(lines.back().time, practice::TimeMs{2});
     }
 };
 
