@@ -46,7 +46,7 @@ SymbolSpecification::SymbolSpecification(QWidget* parent)
 
     auto* layout = new QVBoxLayout(this);
     layout->addWidget(m_unlisted);
-    layout->addWidget(m_rows, 1);
+    layout->addWidget(m_rows);
     layout->addWidget(buttons);
 }
 

@@ -125,6 +125,22 @@ private Q_SLOTS:
         QCOMPARE(bar.currentMessage(), u"For Help, press F1"_s);
     }
 
+    void aLongMessageKeepsTheRoomOfTheUsualOne()
+    {
+        QMainWindow window;
+        StatusPanel panel(*window.statusBar(), u"terminal.a-platform-with-a-long-name.example"_s);
+        panel.setUser(u"first.name.and.last.name@a-long-name.example"_s);
+        window.show();
+        window.resize(1, 200);
+        QCoreApplication::processEvents();
+        QStatusBar& bar = *window.statusBar();
+        const int usual = bar.contentsMargins().left();
+        QVERIFY(usual > bar.fontMetrics().horizontalAdvance(u"For Help, press F1"_s));
+        panel.setHint(u"Click the first point of the trend line, then the second point of the line"_s);
+        QCoreApplication::processEvents();
+        QCOMPARE(bar.contentsMargins().left(), usual);
+    }
+
     void aMessageThatHadNoRoomGetsItInAWiderWindow()
     {
         QMainWindow window;
