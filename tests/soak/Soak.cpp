@@ -298,6 +298,7 @@ void Soak::sumUp()
     say(u"cuts"_s, static_cast<double>(m_relay.cuts()));
     say(u"activities"_s, m_trader->total());
     say(u"rests_given_up"_s, m_restsGivenUp);
+    m_neverDone = m_trader->neverDone();
     const QMap<QString, int>& done = m_trader->done();
     for (auto each = done.cbegin(); each != done.cend(); ++each)
         say(u"did_"_s + QString(each.key()).replace(u' ', u'_'), each.value());

@@ -21,7 +21,7 @@ struct SoakPlan {
     double rate = 1500; ///< price messages a second that are added, bursts aside
     int burst = 20'000; ///< messages of a burst
     double burstEvery = 30.0;
-    double cutEvery = 7.0;
+    double cutEvery = 5.0;
     double sampleEvery = 5.0;
     double restEvery = 30.0;
     double patienceAtEnd = 60.0; ///< seconds that the desk may take to get calm at the end
@@ -43,6 +43,8 @@ public:
     /// nothing if the run did not get there, or the desk did not get calm at the end.
     [[nodiscard]] const std::optional<Sampler::Sample>& baseline() const { return m_baseline; }
     [[nodiscard]] const std::optional<Sampler::Sample>& last() const { return m_last; }
+    /// Things to do that had no effect whenever they were begun.
+    [[nodiscard]] const QStringList& neverDone() const { return m_neverDone; }
     /// "name value" lines of what was done and met.
     [[nodiscard]] QStringList summary() const { return m_summary; }
 
@@ -88,5 +90,6 @@ private:
     int m_restsGivenUp = 0;
     std::optional<Sampler::Sample> m_baseline;
     std::optional<Sampler::Sample> m_last;
+    QStringList m_neverDone;
     QStringList m_summary;
 };

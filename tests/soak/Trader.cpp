@@ -43,6 +43,8 @@ constexpr int mostCharts = 8;
 constexpr int mostTrades = 10;
 constexpr int mostAlerts = 12;
 constexpr int mostDrawings = 10;
+/// For as long a trade is waited for that a window needs.
+constexpr int answerPatienceMs = 10'000;
 
 /// Works at every tick, but trades and speaks seldom: the examples do so at each, and a flood of prices would
 /// make of that a flood of lines.
@@ -89,93 +91,124 @@ Trader::~Trader() = default;
 
 void Trader::listActivities()
 {
-    const auto trigger = [this](QAction* action) {
+    const auto openBy = [this](QAction* action) {
         return [action, this] {
             action->trigger();
-            then([] {}); // it stays for a turn
+            return lookForWindow();
+        };
+    };
+    const auto trigger = [](QAction* action) {
+        return [action] {
+            action->trigger();
+            return true;
         };
     };
     m_activities = {
         {u"timeframe switches"_s, 30,
             [this] {
                 const QList<QAction*> keys = m_actions->timeframes->actions();
-                if (ChartWindow* chart = someChart())
-                    m_area->setActiveSubWindow(qobject_cast<QMdiSubWindow*>(chart->parentWidget()));
-                keys.at(chance(keys.size()))->trigger();
+                ChartWindow* chart = someChart();
+                if (!chart)
+                    return false;
+                m_area->setActiveSubWindow(qobject_cast<QMdiSubWindow*>(chart->parentWidget()));
+                const QString before = chart->timeframe();
+                QAction* key = keys.at(chance(keys.size()));
+                (key->isChecked() ? keys.at((keys.indexOf(key) + 1) % keys.size()) : key)->trigger();
+                return chart->timeframe() != before;
             }},
-        {u"order dialogs"_s, 8, [this] { openOrder(); }},
-        {u"modify dialogs"_s, 4, [this] { modify(); }},
-        {u"trade menus"_s, 6, [this] { workTradeMenu(); }},
+        {u"order dialogs"_s, 8, [this] { return openOrder(); }},
+        {u"modify dialogs"_s, 4, [this] { return modify(); }},
+        {u"trade menus"_s, 6, [this] { return workTradeMenu(); }},
         {u"quick trades"_s, 3,
             [this] {
-                if (m_book->openTrades().size() < mostTrades)
-                    m_window.onQuickTrade(someSymbol(), chance(2) ? u"BUY"_s : u"SELL"_s, 0.01);
+                const bool hasRoom = m_book->openTrades().size() < mostTrades;
+                if (hasRoom)
+                    trade();
+                return hasRoom;
             }},
-        {u"depth windows"_s, 4, trigger(m_actions->depthOfMarket)},
+        {u"depth windows"_s, 4, openBy(m_actions->depthOfMarket)},
         {u"specifications"_s, 4,
             [this] {
                 m_window.showSpecification(someSymbol());
-                then([] {});
+                return lookForWindow();
             }},
-        {u"about boxes"_s, 3, trigger(m_actions->about)},
-        {u"popup prices"_s, 4, trigger(m_actions->popupPrices)},
-        {u"chart properties"_s, 4, trigger(m_actions->properties)},
-        {u"data windows"_s, 4, trigger(m_actions->dataWindow)},
+        {u"about boxes"_s, 3, openBy(m_actions->about)},
+        {u"popup prices"_s, 4, openBy(m_actions->popupPrices)},
+        {u"chart properties"_s, 4, openBy(m_actions->properties)},
+        {u"data windows"_s, 4, openBy(m_actions->dataWindow)},
         {u"sign-in dialogs"_s, 2,
             [this] {
                 showSignIn();
-                then([] {});
+                return lookForWindow();
             }},
-        {u"chart menus"_s, 4, [this] { showChartMenu(); }},
+        {u"chart menus"_s, 4, [this] { return showChartMenu(); }},
         {u"theme switches"_s, 4,
             [this] {
                 QAction* other
                     = m_actions->darkTheme->isChecked() ? m_actions->lightTheme : m_actions->darkTheme;
                 other->trigger();
+                return other->isChecked();
             }},
         {u"charts opened"_s, 4,
             [this] {
-                if (m_area->charts().size() < mostCharts)
+                const qsizetype before = m_area->charts().size();
+                if (before < mostCharts)
                     m_window.openChart(someSymbol());
+                return m_area->charts().size() > before;
             }},
         {u"charts closed"_s, 4,
             [this] {
-                if (m_area->charts().size() > usualCharts)
+                const qsizetype before = m_area->charts().size();
+                if (before > usualCharts)
                     m_area->closeActiveChart();
+                return m_area->charts().size() < before;
             }},
-        {u"experts attached or detached"_s, 6, [this] { switchExpert(); }},
-        {u"algo trading switches"_s, 2, [this] { m_actions->algoTrading->trigger(); }},
-        {u"alerts added"_s, 5, [this] { addAlert(); }},
-        {u"alerts deleted"_s, 2, [this] { deleteAlerts(); }},
-        {u"drawings"_s, 6, [this] { draw(); }},
-        {u"averages"_s, 3, [this] { addAverage(); }},
+        {u"experts attached or detached"_s, 6, [this] { return switchExpert(); }},
+        {u"algo trading switches"_s, 2, trigger(m_actions->algoTrading)},
+        {u"alerts added"_s, 5, [this] { return addAlert(); }},
+        {u"alerts deleted"_s, 2, [this] { return deleteAlerts(); }},
+        {u"drawings"_s, 6, [this] { return draw(); }},
+        {u"averages"_s, 3, [this] { return addAverage(); }},
         {u"indicator panes"_s, 3,
             [this] {
-                if (ChartWindow* chart = someChart())
+                ChartWindow* chart = someChart();
+                if (chart)
                     chart->showPane(IndicatorKind::Rsi, chance(2) == 0);
+                return chart != nullptr;
             }},
         {u"chart types"_s, 3,
             [this] {
-                if (ChartWindow* chart = someChart())
+                ChartWindow* chart = someChart();
+                if (chart)
                     chart->setChartType(chance(3));
+                return chart != nullptr;
             }},
-        {u"pointer moves and zooms"_s, 8, [this] { pointAtChart(); }},
+        {u"pointer moves and zooms"_s, 8, [this] { return pointAtChart(); }},
         {u"toolbox tabs"_s, 4,
             [this] {
                 auto* toolbox = m_window.findChild<TerminalPane*>();
                 toolbox->setCurrentIndex(chance(toolbox->count()));
+                return true;
             }},
-        {u"symbols chosen"_s, 3, [this] { chooseSymbol(); }},
+        {u"symbols chosen"_s, 3, [this] { return chooseSymbol(); }},
         {u"accounts chosen"_s, 2,
             [this] {
                 auto* accounts = m_window.findChild<QComboBox*>(u"accountSelector"_s);
                 if (accounts->count() > 0)
                     accounts->setCurrentIndex(chance(accounts->count()));
+                return accounts->count() > 0;
             }},
         {u"windows tiled or cascaded"_s, 2,
-            [this] { (chance(2) ? m_actions->tile : m_actions->cascade)->trigger(); }},
+            [this] {
+                (chance(2) ? m_actions->tile : m_actions->cascade)->trigger();
+                return true;
+            }},
         {u"layouts restored"_s, 1, trigger(m_actions->restoreLayout)},
-        {u"window sizes"_s, 2, [this] { m_window.resize(1000 + chance(280), 700 + chance(100)); }},
+        {u"window sizes"_s, 2,
+            [this] {
+                m_window.resize(1000 + chance(280), 700 + chance(100));
+                return true;
+            }},
         {u"histories refreshed"_s, 3, trigger(m_actions->refresh)},
     };
 }
@@ -198,9 +231,25 @@ void Trader::turn()
 
 void Trader::begin(const Activity& activity)
 {
-    ++m_done[activity.name];
+    ++m_begun;
     m_doing = activity.name;
-    activity.begin();
+    if (activity.begin())
+        noteDone();
+}
+
+void Trader::noteDone()
+{
+    ++m_done[m_doing];
+}
+
+QStringList Trader::neverDone() const
+{
+    QStringList names;
+    for (const Activity& activity : m_activities) {
+        if (!m_done.contains(activity.name))
+            names.append(activity.name);
+    }
+    return names;
 }
 
 void Trader::doEachOnce()
@@ -216,14 +265,6 @@ void Trader::doEachOnce()
                 m_next.push_back(std::move(move));
         });
     }
-}
-
-int Trader::total() const
-{
-    int sum = 0;
-    for (const int count : m_done)
-        sum += count;
-    return sum;
 }
 
 void Trader::clearDesk()
@@ -247,17 +288,32 @@ void Trader::clearDesk()
     m_window.resize(1280, 800);
 }
 
+QWidgetList Trader::openWindows() const
+{
+    QWidgetList windows = QApplication::topLevelWidgets();
+    windows.removeIf([this](const QWidget* window) {
+        return window == &m_window || !window->isVisible() || window->windowType() == Qt::ToolTip
+            || window->inherits("QDockWidget");
+    });
+    return windows;
+}
+
+bool Trader::lookForWindow()
+{
+    then([this] {
+        if (!openWindows().isEmpty())
+            noteDone();
+    });
+    return false;
+}
+
 void Trader::closeOpenWindows() const
 {
     if (QWidget* popup = QApplication::activePopupWidget())
         popup->close();
-    const QWidgetList windows = QApplication::topLevelWidgets();
-    for (QWidget* window : windows) {
-        const bool stays = window == &m_window || !window->isVisible() || window->windowType() == Qt::ToolTip
-            || window->inherits("QDockWidget");
-        if (!stays)
-            window->close();
-    }
+    const QWidgetList windows = openWindows();
+    for (QWidget* window : windows)
+        window->close();
     // Below a popup that was closed there may be another one.
     while (QWidget* popup = QApplication::activePopupWidget()) {
         if (!popup->close())
@@ -275,22 +331,52 @@ template <typename Widget> Widget* Trader::openWindow() const
     return nullptr;
 }
 
-void Trader::openOrder()
+bool Trader::openOrder()
 {
     m_actions->newOrder->trigger();
+    lookForWindow();
     then([this] {
         auto* dialog = openWindow<OrderDialog>();
         if (dialog && chance(2) == 0 && m_book->openTrades().size() < mostTrades)
             click(dialog->findChild<QWidget*>(chance(2) ? u"orderBuy"_s : u"orderSell"_s));
     });
     then([] {});
+    return false;
 }
 
-void Trader::workTradeMenu()
+void Trader::trade()
 {
-    m_window.onTradeContextMenu(m_window.mapToGlobal(QPoint(300, 300)), someTrade());
+    m_window.onQuickTrade(someSymbol(), chance(2) ? u"BUY"_s : u"SELL"_s, 0.01);
+}
+
+void Trader::withTrade(std::function<void(const QJsonObject&)> move)
+{
+    if (const QJsonObject found = someTrade(); !found.isEmpty())
+        return move(found);
+    trade();
+    QElapsedTimer waiting;
+    waiting.start();
+    waitForTrade(std::move(move), waiting);
+}
+
+void Trader::waitForTrade(std::function<void(const QJsonObject&)> move, const QElapsedTimer& waiting)
+{
+    m_next.push_front([this, move = std::move(move), waiting] {
+        if (const QJsonObject found = someTrade(); !found.isEmpty())
+            move(found);
+        else if (!waiting.hasExpired(answerPatienceMs))
+            waitForTrade(move, waiting);
+    });
+}
+
+bool Trader::workTradeMenu()
+{
+    withTrade([this](const QJsonObject& trade) {
+        m_window.onTradeContextMenu(m_window.mapToGlobal(QPoint(300, 300)), trade);
+    });
+    lookForWindow();
     if (chance(3) == 0) // a glance
-        return then([] {});
+        return false;
     then([this] {
         auto* menu = openWindow<QMenu>();
         if (!menu || menu->objectName() != "tradeMenu"_L1)
@@ -303,24 +389,29 @@ void Trader::workTradeMenu()
         if (auto* question = openWindow<QMessageBox>())
             click(question->button(chance(5) == 0 ? QMessageBox::No : QMessageBox::Yes));
     });
+    return false;
 }
 
-void Trader::modify()
+bool Trader::modify()
 {
-    m_window.onTradeDoubleClicked(someTrade());
+    withTrade([this](const QJsonObject& trade) { m_window.onTradeDoubleClicked(trade); });
+    lookForWindow();
     then([this] {
         auto* dialog = openWindow<ModifyDialog>();
         if (dialog && chance(2) == 0)
             click(dialog->findChild<QWidget*>(u"modifyButton"_s));
     });
     then([] {});
+    return false;
 }
 
-void Trader::addAlert()
+bool Trader::addAlert()
 {
     auto* pane = m_window.findChild<AlertsPane*>();
-    if (pane->findChild<QTreeWidget*>(u"alertsList"_s)->topLevelItemCount() >= mostAlerts)
-        return deleteAlerts();
+    if (pane->findChild<QTreeWidget*>(u"alertsList"_s)->topLevelItemCount() >= mostAlerts) {
+        deleteAlerts();
+        return false;
+    }
     pane->findChildren<QPushButton*>().constFirst()->click();
     then([this] {
         auto* dialog = openWindow<AlertDialog>();
@@ -331,26 +422,30 @@ void Trader::addAlert()
         price->setValue(price->value() * (1.0 + (chance(21) - 10) * 0.00005));
         dialog->findChild<QComboBox*>(u"alertCondition"_s)->setCurrentIndex(chance(2));
         dialog->accept();
+        noteDone();
     });
+    return false;
 }
 
-void Trader::deleteAlerts()
+bool Trader::deleteAlerts()
 {
     auto* list = m_window.findChild<QTreeWidget*>(u"alertsList"_s);
-    while (list->topLevelItemCount() > mostAlerts / 2) {
+    const int atFirst = list->topLevelItemCount();
+    while (list->topLevelItemCount() > std::min(mostAlerts / 2, atFirst - 1)) {
         const int before = list->topLevelItemCount();
         list->setCurrentItem(list->topLevelItem(0));
         m_window.findChild<AlertsPane*>()->findChildren<QPushButton*>().constLast()->click();
         if (list->topLevelItemCount() == before)
-            return;
+            break;
     }
+    return list->topLevelItemCount() < atFirst;
 }
 
-void Trader::draw()
+bool Trader::draw()
 {
     ChartWindow* window = someChart();
     if (!window)
-        return;
+        return false;
     const QPointer<ChartWidget> chart = &window->chart();
     const QPoint first(
         40 + chance(std::max(1, chart->width() / 2)), 40 + chance(std::max(1, chart->height() / 2)));
@@ -360,13 +455,17 @@ void Trader::draw()
         if (chart)
             QTest::mouseClick(chart, Qt::LeftButton, {}, place);
     };
-    if (chart->drawings().size() < mostDrawings)
+    const qsizetype before = chart->drawings().size();
+    if (before < mostDrawings)
         window->setTool(QString::fromUtf16(tools[chance(std::ssize(tools))]));
     then([clickAt, first] { clickAt(first); });
     then([clickAt, second] { clickAt(second); });
-    then([chart = QPointer(window)] {
-        if (chart)
-            chart->setTool({});
+    then([this, before, chart = QPointer(window)] {
+        if (!chart)
+            return;
+        chart->setTool({});
+        if (chart->chart().drawings().size() > before)
+            noteDone();
     });
     // The one that lies here goes again.
     then([clickAt, first] { clickAt(first); });
@@ -374,41 +473,49 @@ void Trader::draw()
         if (chart)
             chart->deleteSelectedDrawing();
     });
+    return false;
 }
 
-void Trader::switchExpert()
+bool Trader::switchExpert()
 {
     ChartWindow* chart = someChart();
     if (!chart)
-        return;
-    if (!chart->expertName().isEmpty())
-        return chart->detachExpert();
-    chart->attachExpert(m_script);
+        return false;
+    const bool was = !chart->expertName().isEmpty();
+    if (was)
+        chart->detachExpert();
+    else
+        chart->attachExpert(m_script);
+    return chart->expertName().isEmpty() == was;
 }
 
-void Trader::addAverage()
+bool Trader::addAverage()
 {
     ChartWindow* chart = someChart();
     if (!chart)
-        return;
-    if (chart->chart().movingAverages().size() >= 3)
-        return chart->removeMovingAverages();
+        return false;
+    if (chart->chart().movingAverages().size() >= 3) {
+        chart->removeMovingAverages();
+        return false;
+    }
     chart->addIndicator(chance(2) ? IndicatorKind::Sma : IndicatorKind::Ema);
     then([this, period = 2 + chance(100), taken = chance(4) != 0] {
         auto* dialog = openWindow<QInputDialog>();
         if (!dialog)
             return;
+        noteDone();
         dialog->setIntValue(period);
         if (taken)
             dialog->accept();
     });
+    return false;
 }
 
-void Trader::pointAtChart()
+bool Trader::pointAtChart()
 {
     ChartWindow* window = someChart();
     if (!window)
-        return;
+        return false;
     ChartWidget& chart = window->chart();
     const QPoint place(chance(std::max(1, chart.width())), chance(std::max(1, chart.height())));
     QTest::mouseMove(&chart, place);
@@ -427,17 +534,18 @@ void Trader::pointAtChart()
     default:
         chart.scrollToEnd();
     }
+    return true;
 }
 
-void Trader::showChartMenu()
+bool Trader::showChartMenu()
 {
     ChartWindow* window = someChart();
     if (!window)
-        return;
+        return false;
     const QPoint place(window->width() / 2, window->height() / 2);
     QApplication::postEvent(
         window, new QContextMenuEvent(QContextMenuEvent::Mouse, place, window->mapToGlobal(place)));
-    then([] {});
+    return lookForWindow();
 }
 
 void Trader::showSignIn() const
@@ -447,11 +555,12 @@ void Trader::showSignIn() const
     dialog->show();
 }
 
-void Trader::chooseSymbol()
+bool Trader::chooseSymbol()
 {
     auto* list = m_window.findChild<QTreeWidget*>(u"marketWatchSymbols"_s);
     if (list->topLevelItemCount() > 0)
         list->setCurrentItem(list->topLevelItem(chance(list->topLevelItemCount())));
+    return list->topLevelItemCount() > 0;
 }
 
 ChartWindow* Trader::someChart()

@@ -1,8 +1,11 @@
 #pragma once
 
+#include <QElapsedTimer>
 #include <QMap>
 #include <QObject>
 #include <QRandomGenerator>
+#include <QStringList>
+#include <QWidgetList>
 
 #include <deque>
 #include <functional>
@@ -37,9 +40,12 @@ public:
     void doEachOnce();
     [[nodiscard]] bool isIdle() const { return m_next.empty(); }
 
-    /// How often each thing was done.
+    /// How often each thing was seen to have its effect: a window that opened, another timeframe.
     [[nodiscard]] const QMap<QString, int>& done() const { return m_done; }
-    [[nodiscard]] int total() const;
+    /// The things that never had it.
+    [[nodiscard]] QStringList neverDone() const;
+    /// How many things were begun.
+    [[nodiscard]] int total() const { return m_begun; }
     [[nodiscard]] const AccountBook& book() const { return *m_book; }
     [[nodiscard]] ChartArea& area() const { return *m_area; }
 
@@ -47,31 +53,41 @@ private:
     struct Activity {
         QString name;
         int weight;
-        std::function<void()> begin;
+        std::function<bool()> begin; ///< whether that was all, and had its effect; else noteDone() tells
     };
     /// Begins another thing.
     void begin(const Activity& activity);
+    /// What was begun last has had its effect.
+    void noteDone();
     void listActivities();
     void then(std::function<void()> move) { m_next.push_back(std::move(move)); }
 
-    void openOrder();
-    void workTradeMenu();
-    void modify();
-    void addAlert();
-    void deleteAlerts();
-    void draw();
-    void switchExpert();
-    void addAverage();
-    void pointAtChart();
-    void showChartMenu();
+    void trade();
+    /// Does it with a trade, as soon as there is one: before all that is put off.
+    void withTrade(std::function<void(const QJsonObject&)> move);
+    void waitForTrade(std::function<void(const QJsonObject&)> move, const QElapsedTimer& waiting);
+    bool openOrder();
+    bool workTradeMenu();
+    bool modify();
+    bool addAlert();
+    bool deleteAlerts();
+    bool draw();
+    bool switchExpert();
+    bool addAverage();
+    bool pointAtChart();
+    bool showChartMenu();
     void showSignIn() const;
-    void chooseSymbol();
+    bool chooseSymbol();
 
     [[nodiscard]] int chance(qsizetype below) { return static_cast<int>(m_random.bounded(qint64{below})); }
     [[nodiscard]] ChartWindow* someChart();
     [[nodiscard]] QString someSymbol();
     [[nodiscard]] QJsonObject someTrade();
     template <typename Widget> [[nodiscard]] Widget* openWindow() const;
+    /// All but the main window and what belongs to it.
+    [[nodiscard]] QWidgetList openWindows() const;
+    /// What was begun has had its effect if a window is open in the next turn. Returns false: not yet.
+    bool lookForWindow();
 
     QRandomGenerator m_random;
     QString m_script; ///< of the expert that is attached
@@ -82,6 +98,7 @@ private:
     std::vector<Activity> m_activities;
     int m_weights = 0;
     std::deque<std::function<void()>> m_next;
+    int m_begun = 0;
     QMap<QString, int> m_done;
     QString m_doing;
 };

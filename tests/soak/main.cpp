@@ -46,7 +46,7 @@ Wanted readOptions(const QCoreApplication& application)
     const auto rate = option(u"rate"_s, u"Price messages a second to add."_s, u"1500"_s);
     const auto burst = option(u"burst"_s, u"Messages of a burst."_s, u"20000"_s);
     const auto bursts = option(u"burst-every"_s, u"Seconds."_s, u"30"_s);
-    const auto cuts = option(u"cut-every"_s, u"Seconds."_s, u"7"_s);
+    const auto cuts = option(u"cut-every"_s, u"Seconds."_s, u"5"_s);
     const auto samplesEvery = option(u"sample-every"_s, u"Seconds."_s, u"5"_s);
     const auto rests = option(u"rest-every"_s, u"Seconds."_s, u"30"_s);
     const auto patience
@@ -123,11 +123,15 @@ int judge(const Soak& soak, const Wanted& wanted)
         std::fprintf(stderr, "The desk did not get calm at the end: there is nothing to compare.\n");
         return 1;
     }
+    if (!soak.neverDone().isEmpty()) {
+        std::fprintf(stderr, "Never had an effect: %s\n", qPrintable(soak.neverDone().join(u", "_s)));
+        status = 1;
+    }
     if (wanted.baseline) {
         const QStringList left = leftovers(*soak.baseline(), *soak.last());
         for (const QString& line : left)
             std::fprintf(stderr, "%s\n", qPrintable(line));
-        status = left.isEmpty() ? 0 : 1;
+        status = left.isEmpty() ? status : 1;
     }
     return status;
 }

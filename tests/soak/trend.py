@@ -6,6 +6,8 @@ Each series is looked at where nothing is open (the rests), after a warm-up. A s
 Kendall finds it rising and the slope of Theil and Sen makes of that more than its grain, over the time looked at: with
 a chance of one in a thousand to be wrong, and no matter for less than what caches and measuring move. Of the heap the
 rows are taken off that a trader wants to keep: lines of the Journal and closed trades, at what they take each.
+Whether the window gets slower is looked at while it is busy, in the same way, by its own work between two turns of its
+event loop: how late they are is also others' doing. In one go it may not work for longer than a second.
 """
 
 import csv
@@ -41,11 +43,14 @@ GRAINS = {
     "platform_threads": 1,
 }
 
+# The same for what says something where the window is busy.
+BUSY_GRAINS = {"gap_cpu_ms": 100}
+LONGEST_WORK_MS = 1000
 
 # Those of which the least terminal and platform have some: none at all is a series that was not counted.
 NEVER_NONE = ("heap_kb_net", "pss_kb_net", "files", "threads", "objects", "timers", "widgets", "top_levels",
               "native_windows", "x_windows", "x_resources", "platform_rss_kb_net", "platform_files",
-              "platform_threads")
+              "platform_threads", "gap_cpu_ms")
 
 
 def theil_sen(times, values):
@@ -75,7 +80,7 @@ class Trend:
         self.first, self.last = float(numpy.median(values[:3])), float(numpy.median(values[-3:]))
         self.growth = theil_sen(times, values) * (times[-1] - times[0])
         self.chance = mann_kendall(values)
-        self.grows = self.chance < CHANCE and self.growth > GRAINS[name]
+        self.grows = self.chance < CHANCE and self.growth > {**GRAINS, **BUSY_GRAINS}[name]
 
 
 def read_samples(path):
@@ -115,12 +120,16 @@ def judge(samples):
     late = times >= times[0] + WARM_UP * (times[-1] - times[0])
     if late.sum() < LEAST_RESTS:
         return None
-    return [Trend(name, times[late], samples[name][rests][late]) for name in GRAINS if name in samples]
+    trends = [Trend(name, times[late], samples[name][rests][late]) for name in GRAINS if name in samples]
+    busy = ~rests & (samples["seconds"] >= times[late][0])
+    if busy.sum() >= LEAST_RESTS:
+        trends += [Trend(name, samples["seconds"][busy], samples[name][busy]) for name in BUSY_GRAINS if name in samples]
+    return trends
 
 
 def uncounted(samples):
     """The series that are missing, or were never counted."""
-    missing = [name for name in GRAINS if name not in samples]
+    missing = [name for name in (*GRAINS, *BUSY_GRAINS) if name not in samples]
     return missing + [name for name in NEVER_NONE if name in samples and not samples[name].any()]
 
 
@@ -145,13 +154,16 @@ def main(samples_path, summary_path):
     if trends is None:
         print(f"no judgement: fewer than {LEAST_RESTS} rests after the warm-up")
         return 1
-    print(f"\n{'series at rest':24} {'first':>12} {'last':>12} {'growth':>10} {'chance':>8}")
+    print(f"\n{'series':24} {'first':>12} {'last':>12} {'growth':>10} {'chance':>8}")
     for trend in trends:
         print(f"{trend.name:24} {trend.first:12,.0f} {trend.last:12,.0f} {trend.growth:10,.1f} {trend.chance:8.4f}"
               f"{'  GROWS' if trend.grows else ''}")
     growing = [trend.name for trend in trends if trend.grows]
     verdict = "grows: " + ", ".join(growing) if growing else "no trend"
     print(f"\n{verdict}")
+    too_long = summary["gap_cpu_ms"] > LONGEST_WORK_MS
+    if too_long:
+        print(f"worked {summary['gap_cpu_ms']:.0f} ms in one go, longer than {LONGEST_WORK_MS}, at {summary['gap_during']}")
     not_counted = uncounted(samples)
     if not_counted:
         print("not counted: " + ", ".join(not_counted))
@@ -161,7 +173,7 @@ def main(samples_path, summary_path):
     print(f"| {summary['seconds'] / 3600:.2f} | {summary['messages']:,.0f} | {summary['reconnects']:,.0f} | "
           f"{summary['did_timeframe_switches']:,.0f} | {dialogs:,.0f} | {memory.growth / 1024:.2f} MB | {verdict} | "
           f"{summary['gap_ms']:.0f} ms ({summary['gap_cpu_ms']:.0f} ms of them its own) |")
-    return 1 if growing or not_counted else 0
+    return 1 if growing or too_long or not_counted else 0
 
 
 if __name__ == "__main__":

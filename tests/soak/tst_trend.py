@@ -63,6 +63,21 @@ class TestTrend(unittest.TestCase):
     def test_what_falls_does_not_grow(self):
         self.assertEqual(growing(series(5000 - 20 * numpy.arange(60))), [])
 
+    def busy(self, values):
+        """Every second sample is a rest, in the others the window worked so long in one go."""
+        count = 2 * len(values)
+        samples = {"seconds": numpy.arange(count) * 30.0, "rest": numpy.arange(count) % 2 == 0,
+                   "gap_cpu_ms": numpy.zeros(count)}
+        samples["gap_cpu_ms"][1::2] = values
+        return samples
+
+    def test_a_window_that_gets_slower_is_found_in_the_busy_samples(self):
+        self.assertEqual(growing(self.busy(40 + 5 * numpy.arange(60) + noise(60, 30))), ["gap_cpu_ms"])
+
+    def test_a_window_that_is_as_slow_as_ever_does_not_grow(self):
+        for seed in range(20):
+            self.assertEqual(growing(self.busy(200 + noise(60, 60, seed))), [])
+
     def test_only_rests_count(self):
         samples = series(numpy.full(80, 800.0))
         samples["objects"][1::2] += numpy.arange(40) * 100
@@ -81,9 +96,10 @@ class TestTrend(unittest.TestCase):
         self.assertNotIn("heap_kb_net", growing(net))
         self.assertIn("heap_kb_net", growing(trend.net_of_rows(samples, {})))
 
-    def judged(self, counts, change=None):
+    def judged(self, counts, change=None, longest_work=9):
         """What the program says of rests with these counts of widgets, and its status; change alters the columns."""
-        columns = {name: [7] * len(counts) for name in (*trend.GRAINS, "heap_kb", "pss_kb", "platform_rss_kb")}
+        columns = {name: [7] * len(counts) for name in (*trend.GRAINS, *trend.BUSY_GRAINS, "heap_kb", "pss_kb",
+                                                         "platform_rss_kb")}
         for name in ("heap_kb_net", "pss_kb_net", "platform_rss_kb_net"):
             del columns[name]
         columns |= {"seconds": [30 * i for i in range(len(counts))], "rest": [1] * len(counts), "widgets": counts,
@@ -96,7 +112,8 @@ class TestTrend(unittest.TestCase):
             samples.write_text("\n".join([",".join(columns), *rows]) + "\n", encoding="utf-8")
             summary = Path(folder) / "summary.txt"
             summary.write_text("seconds 1200\nmessages 5\nreconnects 6\ndid_timeframe_switches 7\n"
-                               "rests_given_up 3\ngap_ms 8\ngap_cpu_ms 9\n", encoding="utf-8")
+                               f"rests_given_up 3\ngap_ms 8\ngap_cpu_ms {longest_work}\ngap_during theme switches\n",
+                               encoding="utf-8")
             said = io.StringIO()
             with contextlib.redirect_stdout(said):
                 status = trend.main(samples, summary)
@@ -115,6 +132,11 @@ class TestTrend(unittest.TestCase):
         status, said = self.judged([300] * 8)
         self.assertEqual(status, 1)
         self.assertIn("no judgement", said)
+
+    def test_a_second_of_work_in_one_go_fails_the_program(self):
+        self.assertEqual(self.judged([300] * 40, longest_work=1000)[0], 0)
+        status, said = self.judged([300] * 40, longest_work=1001)
+        self.assertEqual((status, "worked 1001 ms in one go, longer than 1000, at theme switches" in said), (1, True))
 
     def test_a_series_that_is_missing_or_never_counted_fails_the_program(self):
         status, said = self.judged([300] * 40, lambda columns: columns.pop("timers"))
