@@ -35,12 +35,12 @@ def write(file, number, way, mark):
     draft = file if way == "in place" else f"{file}.Draft{mark}"
     descriptor = os.open(draft, os.O_WRONLY | os.O_CREAT | os.O_TRUNC, 0o600)
     os.write(descriptor, content_of(number))
-    if way != "unsynced":
+    if way not in ("unsynced", "apart"):
         os.fsync(descriptor)
     os.close(descriptor)
     if draft != file:
         os.rename(draft, file)
-    if way != "unsettled":
+    if way not in ("unsettled", "apart"):
         settle(os.path.dirname(file))
 
 

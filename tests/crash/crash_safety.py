@@ -69,7 +69,7 @@ def main():
         if "lab" in pieces:
             crash_lab.all_of_it(ground, arguments.losses, arguments.labs)
         if "sweep" in pieces:
-            crash_sweep.all_of_it(ground, arguments.losses, max(2, arguments.labs // 5))
+            crash_sweep.all_of_it(ground, arguments.losses, max(1, arguments.labs // 5))
         if "disk-lab" in pieces:
             crash_room.lab_with_rooms(ground, arguments.sizes)
     sys.exit(1 if ground.faults else 0)

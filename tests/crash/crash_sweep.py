@@ -182,7 +182,7 @@ def chunks_of_plans(ground, kills, losses, chance):
         journal = ground.place / f"journal-{kind}"
         plan.go_on(kind, folder, ground.environment(folder, JOURNAL=journal))
         killed = 0
-        step = max(1, 200 // kills)
+        step = max(1, 40 // kills)
         for at in range(1 + chance.randrange(step), MOST, step):
             where = f"{kind} killed before operation {at}"
             place = plan.begun(kind)

@@ -75,21 +75,21 @@ class TestSettings(Case):
     @PRELOADED
     def test_careful_saving_is_no_fault(self):
         self.save_as("careful")
-        crash_settings.power_losses(self.ground, 12)
+        crash_settings.power_losses(self.ground, 8)
         crash_settings.kills_at_random(self.ground, 2)
-        crash_settings.kills_at_each_operation(self.ground, 4)
+        crash_settings.kills_at_each_operation(self.ground, 3)
         self.assertEqual(self.ground.told, [])
 
     @PRELOADED
     def test_bytes_that_are_not_synced_are_missed(self):
         self.save_as("unsynced")
-        crash_settings.power_losses(self.ground, 12)
+        crash_settings.power_losses(self.ground, 8)
         self.assert_told("broken", "the next start says")
 
     @PRELOADED
     def test_saves_without_their_names_are_missed(self):
         self.save_as("unsettled")
-        crash_settings.power_losses(self.ground, 12)
+        crash_settings.power_losses(self.ground, 8)
         self.assert_told("was saved")
 
     @PRELOADED
@@ -101,7 +101,7 @@ class TestSettings(Case):
     @PRELOADED
     def test_two_files_of_different_age_are_found(self):
         self.save_as("apart")
-        crash_settings.kills_at_each_operation(self.ground, 7)
+        crash_settings.kills_at_each_operation(self.ground, 5)
         self.assert_told("broken")
 
     @PRELOADED
