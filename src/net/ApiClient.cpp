@@ -54,9 +54,7 @@ ReplyWatch::Kind kindOf(const QString& path, bool authorised)
 ApiClient::ApiClient(TerminalSettings& settings, QObject* parent)
     : QObject(parent)
     , m_settings(settings)
-    , m_manager(this)
 {
-    m_manager.setTransferTimeout(m_limits.silence);
 }
 
 ApiClient::~ApiClient() = default;
@@ -64,17 +62,16 @@ ApiClient::~ApiClient() = default;
 void ApiClient::setLimits(const RequestLimits& limits)
 {
     m_limits = limits;
-    m_manager.setTransferTimeout(limits.silence);
+    m_readManager->setTransferTimeout(limits.silence);
     for (QNetworkAccessManager* manager : std::as_const(m_changeManagers))
         manager->setTransferTimeout(limits.silence);
 }
 
-QNetworkAccessManager& ApiClient::addManager()
+QNetworkAccessManager* ApiClient::makeManager()
 {
     auto* manager = new QNetworkAccessManager(this);
     manager->setTransferTimeout(m_limits.silence);
-    m_changeManagers.append(manager);
-    return *manager;
+    return manager;
 }
 
 QNetworkAccessManager& ApiClient::freeManager()
@@ -86,7 +83,27 @@ QNetworkAccessManager& ApiClient::freeManager()
         if (busy < connectionsPerManager)
             return *manager;
     }
-    return addManager();
+    m_changeManagers.append(makeManager());
+    return *m_changeManagers.constLast();
+}
+
+void ApiClient::leaveIfGivenUp(const QNetworkReply& reply)
+{
+    const ReplyWatch* watch = ReplyWatch::of(reply);
+    if (reply.error() != QNetworkReply::OperationCanceledError || (watch && watch->wasTooLarge()))
+        return;
+    QNetworkAccessManager* const left = reply.manager();
+    if (left == m_readManager)
+        m_readManager = makeManager();
+    else if (!m_changeManagers.removeOne(left))
+        return;
+    // Whoever waited for a reply may still hold it when it has finished.
+    const auto letGoIfUnused = [left] {
+        if (left->findChildren<QNetworkReply*>().isEmpty()) // what is being destroyed is none any more
+            left->deleteLater();
+    };
+    for (const QNetworkReply* each : left->findChildren<QNetworkReply*>())
+        connect(each, &QObject::destroyed, left, letGoIfUnused);
 }
 
 QNetworkRequest ApiClient::buildRequest(const QString& path, bool authorise) const
@@ -104,7 +121,7 @@ QNetworkReply* ApiClient::change(
     QNetworkRequest request = buildRequest(path, authorise);
     const ReplyWatch::Kind kind = kindOf(path, authorise);
     if (!isSafe(request.url(), path)) {
-        auto* refused = new RefusedReply(request, tr("The request address is not valid"), &m_manager);
+        auto* refused = new RefusedReply(request, tr("The request address is not valid"), this);
         new ReplyWatch(*refused, kind, m_limits.change);
         return refused;
     }
@@ -114,6 +131,7 @@ QNetworkReply* ApiClient::change(
     QNetworkReply* reply = freeManager().sendCustomRequest(request, verb, upload);
     upload->setParent(reply);
     new ReplyWatch(*reply, kind, m_limits.change, upload);
+    connect(reply, &QNetworkReply::finished, this, [this, reply] { leaveIfGivenUp(*reply); });
     m_changes.append({reply,
         authorise ? QString(QLatin1StringView(verb) + u' ' + path + u' ' + QString::fromUtf8(body)).trimmed()
                   : QString()});
@@ -146,9 +164,10 @@ ReplyWatch* ApiClient::getBody(const QString& path, QObject* context, BodyCallba
 {
     const QNetworkRequest request = buildRequest(path, true);
     QNetworkReply* const reply = isSafe(request.url(), path)
-        ? m_manager.get(request)
-        : new RefusedReply(request, tr("The request address is not valid"), &m_manager);
+        ? m_readManager->get(request)
+        : new RefusedReply(request, tr("The request address is not valid"), this);
     auto* watch = new ReplyWatch(*reply, ReplyWatch::Kind::Read, m_limits.read);
+    connect(reply, &QNetworkReply::finished, this, [this, reply] { leaveIfGivenUp(*reply); });
     ReplyOutcome::whenFinished(reply, this,
         [this, path, guard = QPointer<QObject>(context), callback = std::move(callback)](
             const ReplyOutcome& outcome) { finishGet(outcome, path, guard, callback); });

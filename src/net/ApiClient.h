@@ -26,10 +26,10 @@ using BodyCallback = std::function<void(const QByteArray& body, const QString& e
 
 /// Talks HTTP(S) to the platform server. Address and token are taken from the settings at each call; a token
 /// that is empty or holds a control character is left out. Each call is one request, given up after 15
-/// seconds without progress, and in any case after a minute, or after half a minute when it changes state.
-/// State-changing calls never wait behind reads, nor for each other. Paths begin with "/", and ids in them
-/// are encoded by the caller (net/UrlParts.h); a path that could reach another host or resource is answered
-/// with an error and never sent.
+/// seconds without progress, and in any case after a minute, or after half a minute when it changes state;
+/// what comes next is sent on new connections. State-changing calls never wait behind reads, nor for each
+/// other. Paths begin with "/", and ids in them are encoded by the caller (net/UrlParts.h); a path that could
+/// reach another host or resource is answered with an error and never sent.
 class ApiClient final : public QObject {
     Q_OBJECT
     Q_DISABLE_COPY_MOVE(ApiClient)
@@ -81,9 +81,12 @@ private:
     };
 
     [[nodiscard]] QNetworkRequest buildRequest(const QString& path, bool authorise) const;
-    [[nodiscard]] QNetworkAccessManager& addManager();
+    [[nodiscard]] QNetworkAccessManager* makeManager();
     /// A manager with a connection to spare.
     [[nodiscard]] QNetworkAccessManager& freeManager();
+    /// Puts nothing more on the connections beside one on which this reply was given up: each of them may
+    /// have died in the same way without an end, and would be waited for in its turn.
+    void leaveIfGivenUp(const QNetworkReply& reply);
     [[nodiscard]] QNetworkReply* change(
         const QByteArray& verb, const QString& path, const QByteArray& body, bool authorise = true);
     void finishGet(const ReplyOutcome& outcome, const QString& path, const QPointer<QObject>& context,
@@ -92,7 +95,7 @@ private:
 
     TerminalSettings& m_settings;
     RequestLimits m_limits;
-    QNetworkAccessManager m_manager; ///< reads
+    QNetworkAccessManager* m_readManager = makeManager(); ///< a child of this client, as the others are
     /// State-changing calls; children of this client. A further one is added when more calls are
     /// unanswered than Qt opens connections for the others.
     QList<QNetworkAccessManager*> m_changeManagers;

@@ -156,6 +156,13 @@ private Q_SLOTS:
         }
     }
     void a_fault_has_its_outcome_and_is_over_when_it_is_over();
+    void connections_that_died_without_an_end_are_left_with_the_first_of_them_data()
+    {
+        QTest::addColumn<QByteArray>("request");
+        QTest::newRow("read") << "accounts"_ba;
+        QTest::newRow("order") << "place"_ba;
+    }
+    void connections_that_died_without_an_end_are_left_with_the_first_of_them();
 
 private:
     static void prepare(Desk& desk, const Request& what, Moment moment);
@@ -307,6 +314,37 @@ void tst_FaultMatrix::a_fault_has_its_outcome_and_is_over_when_it_is_over()
     if (tried > tries)
         row.said.append(u"stays one answer behind until its connections are cut"_s);
     FaultTable::add(row);
+}
+
+void tst_FaultMatrix::connections_that_died_without_an_end_are_left_with_the_first_of_them()
+{
+    QFETCH(const QByteArray, request);
+    const auto what = std::ranges::find(allRequests(), request, &Request::name);
+    Desk desk;
+    desk.load();
+    desk.stock(2);
+    constexpr int kept = 3;
+    for (int i = 0; i < kept; ++i) {
+        desk.api.get(u"/warm"_s, [](const QJsonDocument&, const QString&) {});
+        ReplyOutcome::whenFinished(desk.api.put(u"/warm"_s, {}), &desk.api, [](const ReplyOutcome&) {});
+    }
+    desk.settle();
+    desk.turn();
+    // Nothing gets through on the connections that are there; new ones are good.
+    desk.line.spoil({Fault::BlackHole, Moment::Between, (what->verb + ' ' + what->path).toStdString(), {}});
+    const int connections = desk.line.news().connections;
+    desk.said.clear();
+    what->ask(desk);
+    desk.settle();
+    QCOMPARE(desk.said.filter(what->failure).size(), 1);
+    QCOMPARE(desk.line.news().connections, connections);
+
+    desk.said.clear();
+    what->ask(desk);
+    desk.settle();
+    QCOMPARE(desk.said.filter(what->failure), QStringList());
+    QCOMPARE(desk.server.count(what->verb, what->path), what->verb == "GET" ? 2 : 1);
+    QCOMPARE(desk.line.news().struck, 1);
 }
 
 TAVORAN_TEST(tst_FaultMatrix)

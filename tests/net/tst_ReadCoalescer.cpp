@@ -149,7 +149,7 @@ private Q_SLOTS:
         QTRY_COMPARE(m_calls.size(), 2);
         QVERIFY(m_calls.contains(u"/x:1"_s));
         QVERIFY(m_calls.contains(u"/y:2"_s));
-        QTRY_COMPARE(ended, 4); // two were ended, two answered
+        QTRY_COMPARE(ended, 2); // those that were answered have come on new connections
         QCOMPARE(m_server->count("GET", "/x"), 2);
         QCOMPARE(m_server->count("GET", "/y"), 2);
     }
