@@ -53,8 +53,17 @@ Desk::Desk(StubHttpServer::Transport transport)
     QObject::connect(&api, &ApiClient::loginFailed, &api,
         [this](const QString& message) { said.append(u"Sign-in failed: "_s + message); });
     QObject::connect(&api, &ApiClient::loginSucceeded, &api, [this] { said.append(u"Signed in"_s); });
+    acceptChanges();
+    server.on("GET", "/warm", padded(StubAnswer::json("[]"), transport == StubHttpServer::Transport::Tls));
+    stock(1);
+}
+
+Desk::~Desk() = default;
+
+void Desk::acceptChanges()
+{
     const auto answer = [&](const char* verb, const char* path, const StubAnswer& what) {
-        server.on(verb, path, padded(what, transport == StubHttpServer::Transport::Tls));
+        server.on(verb, path, padded(what, server.url().startsWith("https"_L1)));
     };
     for (const char* path :
         {"/api/trades/place", "/api/trades/close/t1", "/api/trades/cancel/p1", "/api/drawings"})
@@ -63,13 +72,7 @@ Desk::Desk(StubHttpServer::Transport transport)
         answer("PUT", path, StubAnswer::json(R"({"id":"same"})"));
     answer("DELETE", "/api/drawings/d1", StubAnswer::json("{\"ok\":true}"));
     answer("POST", "/api/auth/login", StubAnswer::json(R"({"token":"t","email":"a@b.c","name":"A"})"));
-    answer("GET", "/api/settings/public",
-        StubAnswer::json(R"({"settings":{"terminalServerUrl":"https://x.example"}})"));
-    answer("GET", "/warm", StubAnswer::json("[]"));
-    stock(1);
 }
-
-Desk::~Desk() = default;
 
 void Desk::stock(int count)
 {
@@ -84,12 +87,17 @@ void Desk::stock(int count)
     list("/api/trades/history",
         rows(count, 'h', [](const QString& id, int) { return records::closedTrade(id); }));
     list("/api/candles", rows(count, 'c', [](const QString&, int i) {
-        return records::candle(u"2026-06-01T0%1:00:00.000Z"_s.arg(i), 1.1, 1.2, 1.0, 1.15, 7);
+        return records::candle(
+            u"2026-06-01T%1:00:00.000Z"_s.arg(i, 2, 10, QLatin1Char('0')), 1.1, 1.2, 1.0, 1.15, 7);
     }));
     list("/api/drawings", rows(count, 'd', [](const QString& id, int i) {
         return QJsonObject{{u"id"_s, id}, {u"toolType"_s, u"hline"_s},
             {u"points"_s, QJsonArray{QJsonObject{{u"time"_s, u"1000"_s}, {u"price"_s, 1.0 + i}}}}};
     }));
+    server.on("GET", "/api/settings/public",
+        padded(StubAnswer::json(QJsonObject{{u"settings"_s,
+                   QJsonObject{{u"terminalServerUrl"_s, u"https://x%1.example"_s.arg(count)}}}}),
+            tls));
     server.on("GET", "/api/news/upcoming",
         padded(StubAnswer::json(records::news(
                    rows(count, 'n', [](const QString& id, int) { return records::newsEvent(id); }))),

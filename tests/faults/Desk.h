@@ -24,8 +24,10 @@ public:
     ~Desk();
     Q_DISABLE_COPY_MOVE(Desk)
 
-    /// What the platform has from now on: so many of everything that it lists.
+    /// What the platform has from now on: so many of everything that it lists, and settings with that number.
     void stock(int count);
+    /// The platform carries out whatever changes something, sign-ins too. It does from the start.
+    void acceptChanges();
     /// Reads everything once.
     void load();
     /// Waits until nothing is under way. What the line holds is given up meanwhile, as the time-out does.

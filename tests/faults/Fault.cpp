@@ -22,17 +22,17 @@ const QList<Row>& table()
         {Fault::Reset, "reset", allMoments(), allMoments()},
         {Fault::Cut, "cut", allMoments(), allMoments()},
         {Fault::BlackHole, "black hole", allMoments(), allMoments()},
-        {Fault::Drip, "drip", {Headers, Body}, {Headers, Body}},
-        {Fault::Crumbs, "crumbs", {Headers, Body}, {Headers, Body}},
-        {Fault::TooLong, "length too long", {Headers, Body}, {Body}},
-        {Fault::TooShort, "length too short", {Body}, {Body}},
-        {Fault::Duplicate, "duplicate", {Headers, Body, Between}, {Headers, Between}},
-        {Fault::OutOfOrder, "out of order", {Connecting, Headers, Body}, {Between}},
-        {Fault::ServerError, "server error", {Connecting, Headers, Between}, {Headers}},
-        {Fault::Html, "web page", {Connecting, Headers, Body}, {Headers}},
-        {Fault::Redirect, "redirect", {Connecting, Headers}, {Headers}},
-        {Fault::BrokenTls, "broken TLS", allMoments(), allMoments()},
-        {Fault::GzipBomb, "gzip bomb", {Headers, Body}, {Headers}},
+        {Fault::Drip, "drip", {Sending, Headers, Body, Between}, {Sending, Headers, Body}},
+        {Fault::Crumbs, "crumbs", {Sending, Headers, Body, Between}, {Sending, Headers, Body}},
+        {Fault::TooLong, "length too long", {Headers, Body, Between}, {Body}},
+        {Fault::TooShort, "length too short", {Headers, Body, Between}, {Body}},
+        {Fault::Duplicate, "duplicate", {Connecting, Headers, Body, Between}, {Headers, Between}},
+        {Fault::OutOfOrder, "out of order", {Connecting, Headers, Body, Between}, {Between}},
+        {Fault::ServerError, "server error", allMoments(), {Connecting, Headers, Between}},
+        {Fault::Html, "web page", {Connecting, Headers, Body, Between}, {Connecting, Headers}},
+        {Fault::Redirect, "redirect", {Connecting, Headers, Between}, {Connecting, Headers}},
+        {Fault::BrokenTls, "broken TLS", allMoments(), {Connecting, Sending, Headers}},
+        {Fault::GzipBomb, "gzip bomb", {Headers, Body, Between}, {Headers}},
     };
     return rows;
 }
@@ -46,7 +46,8 @@ const Row& rowOf(Fault fault)
 
 const QList<Moment>& allMoments()
 {
-    static const QList<Moment> all{Moment::Connecting, Moment::Headers, Moment::Body, Moment::Between};
+    static const QList<Moment> all{
+        Moment::Connecting, Moment::Sending, Moment::Headers, Moment::Body, Moment::Between};
     return all;
 }
 
@@ -66,6 +67,8 @@ const char* nameOf(Moment moment)
     switch (moment) {
     case Moment::Connecting:
         return "connecting";
+    case Moment::Sending:
+        return "sending";
     case Moment::Headers:
         return "headers";
     case Moment::Body:
@@ -79,6 +82,11 @@ const char* nameOf(Moment moment)
 const char* nameOf(Fault fault)
 {
     return rowOf(fault).name;
+}
+
+bool isOfTheFeed(const std::string& request)
+{
+    return request.starts_with("GET /ws/");
 }
 
 bool canMeet(Fault fault, Moment moment)

@@ -3,6 +3,8 @@
 #include <QFile>
 #include <QRegularExpression>
 
+#include <chrono>
+
 using namespace Qt::StringLiterals;
 
 namespace faults {
@@ -27,13 +29,14 @@ void FaultTable::add(const Row& row)
         qFatal("Cannot write %s", qPrintable(file.fileName()));
     static const QRegularExpression port(uR"((https?://127\.0\.0\.1):\d+)"_s);
     const QString said = row.said.isEmpty() ? u"(no word)"_s : row.said.join(u"; "_s);
-    file.write(
-        QStringList{QString::fromUtf8(row.request), QString::fromUtf8(nameOf(row.moment)),
-            QString::fromUtf8(nameOf(row.fault)), QString::number(row.longestGap),
-            QString::number(std::chrono::duration_cast<std::chrono::milliseconds>(row.longestWork).count()),
-            QString(said).replace(port, u"\\1"_s).replace(u'\n', u' ')}
-            .join(u'\t')
-            .toUtf8()
+    const auto ms
+        = [](std::chrono::nanoseconds time) { return QString::number(time / std::chrono::milliseconds(1)); };
+    file.write(QStringList{QString::fromUtf8(row.request), QString::fromUtf8(nameOf(row.moment)),
+                   QString::fromUtf8(nameOf(row.fault)), ms(row.times.gap), ms(row.times.hold),
+                   ms(row.times.work), QString::number(row.tries), QString::number(row.misled),
+                   QString(said).replace(port, u"\\1"_s).replace(u'\n', u' ')}
+                   .join(u'\t')
+                   .toUtf8()
         + '\n');
 }
 

@@ -1,11 +1,10 @@
 #pragma once
 
 #include "faults/Fault.h"
+#include "faults/Heartbeat.h"
 
 #include <QString>
 #include <QStringList>
-
-#include <chrono>
 
 namespace faults {
 
@@ -16,9 +15,10 @@ public:
         QByteArray request;
         Moment moment;
         Fault fault;
-        qint64 longestGap;                    ///< milliseconds by which the event loop was late
-        std::chrono::nanoseconds longestWork; ///< of the processor, between two of its turns
         QStringList said;
+        LoopTimes times;
+        int tries = 1;  ///< that it took until the same went right again
+        int misled = 0; ///< of these, changes that the platform refused and that counted as done
     };
 
     /// Whether somebody wants the table, and with it every row.

@@ -1,6 +1,7 @@
 #include "faults/FaultyLine.h"
 
 #include "faults/HttpFaultScript.h"
+#include "faults/HttpMessages.h"
 #include "faults/TlsFaultScript.h"
 
 #include "practice/line/Line.h"
@@ -8,7 +9,9 @@
 #include <boost/asio/executor_work_guard.hpp>
 #include <boost/asio/io_context.hpp>
 #include <boost/asio/post.hpp>
+#include <boost/asio/steady_timer.hpp>
 
+#include <chrono>
 #include <functional>
 #include <future>
 #include <optional>
@@ -24,6 +27,9 @@ using practice::Line;
 
 namespace {
 
+// Ample for a write to a socket on loopback.
+constexpr std::chrono::milliseconds soon{3};
+
 /// Has the port, but does not listen: whoever connects is refused.
 tcp::acceptor bound(net::io_context& context, quint16 port)
 {
@@ -38,7 +44,8 @@ tcp::acceptor bound(net::io_context& context, quint16 port)
 
 struct FaultyLine::Parts final {
     Parts(LineNews& news, quint16 serverPort, bool isEncrypted)
-        : state{std::nullopt, news, [this] { refuse(); }, {}}
+        : state{std::nullopt, news, [this] { refuse(); },
+            [this](std::function<void()> work) { doSoon(std::move(work)); }, {}}
         , server(net::ip::address_v4::loopback(), serverPort)
         , encrypted(isEncrypted)
     {
@@ -62,6 +69,14 @@ struct FaultyLine::Parts final {
             done.set_value();
         });
         done.get_future().wait();
+    }
+    void doSoon(std::function<void()> work)
+    {
+        auto timer = std::make_shared<net::steady_timer>(context, soon);
+        timer->async_wait([timer, work = std::move(work)](boost::system::error_code error) {
+            if (!error)
+                work();
+        });
     }
     void listen()
     {

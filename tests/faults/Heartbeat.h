@@ -13,6 +13,16 @@
 
 namespace faults {
 
+/// What an event loop took at most from one beat to the next.
+struct LoopTimes final {
+    std::chrono::nanoseconds gap{0}; ///< by which a beat was late
+    /// The gap without the time that the thread stood in the queue for a processor: it worked, slept or
+    /// waited for something. Where the kernel keeps no account of the queue, the whole gap.
+    std::chrono::nanoseconds hold{0};
+    /// Processor time of the thread: whatever else the machine does, no single piece of work was longer.
+    std::chrono::nanoseconds work{0};
+};
+
 /// Beats every ten milliseconds as long as the event loop turns, and knows the longest time that it did not.
 class Heartbeat final : public QObject {
     Q_OBJECT
@@ -36,39 +46,26 @@ public:
         restart();
     }
 
-    /// Milliseconds by which a beat was late at most, since the last restart().
-    [[nodiscard]] qint64 longestGap() const
+    /// Since the last restart().
+    [[nodiscard]] const LoopTimes& longest() const
     {
         return m_longest;
     }
-    /// Processor time that this thread took from one beat to the next at most: whatever else the machine
-    /// does, no single piece of work was longer.
-    [[nodiscard]] std::chrono::nanoseconds longestWork() const
-    {
-        return m_longestWork;
-    }
-    /// The longest gap without the time that this thread stood in the queue for a processor: it worked, slept
-    /// or waited for something. Where the kernel keeps no account of the queue, the whole gap.
-    [[nodiscard]] std::chrono::nanoseconds longestHold() const
-    {
-        return m_longestHold;
-    }
     [[nodiscard]] bool answersInTime() const
     {
-        return longestHold() < answerLimit;
+        return m_longest.hold < answerLimit;
     }
     [[nodiscard]] QString told() const
     {
+        constexpr std::chrono::milliseconds unit(1);
         return QStringLiteral("gap %1 ms, held for %2 ms, worked for %3 ms")
-            .arg(m_longest)
-            .arg(m_longestHold / std::chrono::milliseconds(1))
-            .arg(m_longestWork / std::chrono::milliseconds(1));
+            .arg(m_longest.gap / unit)
+            .arg(m_longest.hold / unit)
+            .arg(m_longest.work / unit);
     }
     void restart()
     {
-        m_longest = 0;
-        m_longestWork = {};
-        m_longestHold = {};
+        m_longest = {};
         m_since.start();
         m_worked = worked();
         m_queued = queued();
@@ -91,25 +88,23 @@ private:
     void beat()
     {
         const std::chrono::nanoseconds now = worked();
-        m_longestWork = std::max(m_longestWork, now - m_worked);
-        m_worked = now;
         const std::chrono::nanoseconds inQueue = queued();
         const std::chrono::nanoseconds gap = std::chrono::nanoseconds(m_since.nsecsElapsed()) - period;
         m_since.start();
-        m_longestHold = std::max(m_longestHold, gap - (inQueue - m_queued));
+        m_longest.gap = std::max(m_longest.gap, gap);
+        m_longest.hold = std::max(m_longest.hold, gap - (inQueue - m_queued));
+        m_longest.work = std::max(m_longest.work, now - m_worked);
+        m_worked = now;
         m_queued = inQueue;
-        m_longest = std::max<qint64>(m_longest, gap / std::chrono::milliseconds(1));
         m_onBeat();
     }
 
     std::function<void()> m_onBeat;
     QTimer m_timer;
     QElapsedTimer m_since;
-    qint64 m_longest = 0;
+    LoopTimes m_longest;
     std::chrono::nanoseconds m_worked{0};
-    std::chrono::nanoseconds m_longestWork{0};
     std::chrono::nanoseconds m_queued{0};
-    std::chrono::nanoseconds m_longestHold{0};
 };
 
 } // namespace faults

@@ -31,11 +31,21 @@ void askSettings(Desk& desk)
 
 } // namespace
 
+bool Request::isSentOnce() const
+{
+    return verb != "GET";
+}
+
+QString Request::successWith(int count) const
+{
+    return success.contains("%1"_L1) ? success.arg(count) : success;
+}
+
 const QList<Request>& allRequests()
 {
     static const QList<Request> all{
-        {"settings", "GET", "/api/settings/public", Kind::Read, askSettings, u"Settings: https://x.example"_s,
-            u"Settings failed: "_s, {}},
+        {"settings", "GET", "/api/settings/public", Kind::Read, askSettings,
+            u"Settings: https://x%1.example"_s, u"Settings failed: "_s, {}},
         {"sign-in", "POST", "/api/auth/login", Kind::Read,
             [](Desk& desk) { desk.api.login(u"a@b.c"_s, u"secret"_s); }, u"Signed in"_s,
             u"Sign-in failed: "_s, {}},
@@ -49,10 +59,10 @@ const QList<Request>& allRequests()
         {"history", "GET", "/api/trades/history", Kind::Read,
             [](Desk& desk) { desk.loader.refreshHistory(); }, {}, {}, u"history"_s},
         {"candles", "GET", "/api/candles", Kind::Read, [](Desk& desk) { desk.chart.reload(); },
-            u"Chart: EURUSD,M15: 2 candles loaded"_s, u"Chart: EURUSD: failed to load candles: "_s,
+            u"Chart: EURUSD,M15: %1 candles loaded"_s, u"Chart: EURUSD: failed to load candles: "_s,
             u"candles"_s},
         {"drawings", "GET", "/api/drawings", Kind::Read, [](Desk& desk) { desk.chart.load(); },
-            u"Chart: EURUSD,M15: 2 candles loaded"_s, u"Chart: EURUSD: failed to load drawings: "_s,
+            u"Chart: EURUSD,M15: %1 candles loaded"_s, u"Chart: EURUSD: failed to load drawings: "_s,
             u"drawings"_s},
         {"news", "GET", "/api/news/upcoming", Kind::Read, [](Desk& desk) { desk.news.refresh(); }, {}, {},
             u"news"_s},

@@ -23,9 +23,14 @@ struct Request final {
     QByteArray path;
     Kind kind = Kind::Read;
     std::function<void(Desk&)> ask;
-    QString success; ///< what is said when it went well; empty where nothing is
+    QString success; ///< what is said when it went well, see successWith(); empty where nothing is
     QString failure; ///< how that begins which is said when it failed; empty where nothing is
     QString shows;   ///< the word in Desk::shown() whose number a read renews
+
+    /// Whether it is not sent again, whatever happens; what only reads is.
+    [[nodiscard]] bool isSentOnce() const;
+    /// What is said when it went well and the platform has so many of everything.
+    [[nodiscard]] QString successWith(int count) const;
 
     friend bool operator==(const Request& one, const Request& other) { return one.name == other.name; }
 };

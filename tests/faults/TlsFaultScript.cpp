@@ -44,7 +44,7 @@ void TlsFaultScript::pass(Way way, std::string bytes, LineCarrier& carrier)
         if (way == Way::ToServer && isRequest) {
             ++m_requests;
             m_sinceRequest = 0;
-            if (m_state.plan && m_state.plan->moment == Moment::Between && m_requests > 1) {
+            if (isRequestDue()) {
                 ++m_state.news.struck;
                 m_state.news.holding = true; // the server of the tests ends nothing for that
                 record.back() = static_cast<char>(record.back() ^ 1);
@@ -55,6 +55,13 @@ void TlsFaultScript::pass(Way way, std::string bytes, LineCarrier& carrier)
         }
         carrier.send(way, std::move(record), {});
     }
+}
+
+bool TlsFaultScript::isRequestDue() const
+{
+    return m_state.plan
+        && (m_state.plan->moment == Moment::Sending
+            || (m_state.plan->moment == Moment::Between && m_requests > 1));
 }
 
 bool TlsFaultScript::isDue(const std::string& record)
@@ -68,6 +75,7 @@ bool TlsFaultScript::isDue(const std::string& record)
         return m_requests > 0 && record[0] == applicationData && m_sinceRequest++ == 0;
     case Moment::Body: // an answer of several records; tickets of the session are shorter
         return m_requests > 0 && record.size() > 1000 && m_sinceRequest++ == 1;
+    case Moment::Sending:
     case Moment::Between:
         return false;
     }

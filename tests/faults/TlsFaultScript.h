@@ -1,6 +1,6 @@
 #pragma once
 
-#include "faults/HttpFaultScript.h"
+#include "faults/FaultHand.h"
 
 #include "practice/line/LineScript.h"
 
@@ -21,6 +21,7 @@ public:
     void pass(practice::Way way, std::string bytes, practice::LineCarrier& carrier) override;
 
 private:
+    [[nodiscard]] bool isRequestDue() const;
     [[nodiscard]] bool isDue(const std::string& record);
 
     LineState& m_state;

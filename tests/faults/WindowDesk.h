@@ -19,6 +19,7 @@ struct WindowDesk final {
     static constexpr int retrySecondMs = 100;
 
     MainWindowFixture f;
+    StubHttpServer elsewhere; ///< where a redirect would lead
     FaultyLine line{static_cast<quint16>(QUrl(f.server.url()).port())};
     Heartbeat heart{[] {}};
 

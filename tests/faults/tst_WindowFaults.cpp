@@ -108,8 +108,8 @@ void tst_WindowFaults::a_window_without_a_line_is_right_again_with_it()
     const QStringList known = told.filter(QRegularExpression(
         u"^Network: Feed error: (The remote host closed the connection|Connection refused)$"_s));
     QVERIFY2(!told.isEmpty() && known == told, qPrintable(told.join(u'\n')));
-    FaultTable::add({"main window", moment, fault, desk.heart.longestGap(), desk.heart.longestWork(), told});
     QVERIFY2(desk.heart.answersInTime(), qPrintable(desk.heart.told()));
+    FaultTable::add({"main window", moment, fault, told, desk.heart.longest()});
 }
 
 void tst_WindowFaults::a_window_whose_reads_hang_answers_and_keeps_what_it_knew()
@@ -132,9 +132,8 @@ void tst_WindowFaults::a_window_whose_reads_hang_answers_and_keeps_what_it_knew(
     desk.line.mend();
     desk.f.feed.send(R"({"type":"orders_changed"})");
     QTRY_COMPARE(desk.f.list("tradeList").topLevelItemCount(), 0);
-    FaultTable::add(
-        {"main window", moment, fault, desk.heart.longestGap(), desk.heart.longestWork(), failures()});
     QVERIFY2(desk.heart.answersInTime(), qPrintable(desk.heart.told()));
+    FaultTable::add({"main window", moment, fault, failures(), desk.heart.longest()});
 }
 
 void tst_WindowFaults::a_position_is_closed_once_and_the_lists_tell_whether()
@@ -142,7 +141,8 @@ void tst_WindowFaults::a_position_is_closed_once_and_the_lists_tell_whether()
     QFETCH(const Fault, fault);
     QFETCH(const QString, told);
     WindowDesk desk;
-    desk.line.spoil({fault, Moment::Headers, "POST /api/trades/close/t1", "http://127.0.0.1:1/"});
+    desk.line.spoil(
+        {fault, Moment::Headers, "POST /api/trades/close/t1", desk.elsewhere.url().toStdString() + '/'});
     desk.f.server.on("GET", "/api/trades/open?accountId=a1", StubAnswer::list({})); // it was carried out
     desk.f.server.on("POST", "/api/trades/close/t1", StubAnswer::json(R"({"id":"t1"})"));
     closePosition(desk);
@@ -153,9 +153,9 @@ void tst_WindowFaults::a_position_is_closed_once_and_the_lists_tell_whether()
     QTRY_COMPARE(desk.f.list("tradeList").topLevelItemCount(), 0);
     desk.f.awaitAllLists();
     QCOMPARE(desk.f.server.count("POST", "/api/trades/close/t1"), 1);
-    FaultTable::add({"main window", Moment::Headers, fault, desk.heart.longestGap(), desk.heart.longestWork(),
-        desk.tradeLines()});
+    QCOMPARE(desk.elsewhere.requests().size(), 0);
     QVERIFY2(desk.heart.answersInTime(), qPrintable(desk.heart.told()));
+    FaultTable::add({"main window", Moment::Headers, fault, desk.tradeLines(), desk.heart.longest()});
 }
 
 TAVORAN_TEST(tst_WindowFaults)
