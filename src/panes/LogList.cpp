@@ -102,9 +102,18 @@ void LogList::rowsInserted(const QModelIndex& parent, int start, int end)
         m_layoutTimer.start(topLevelItemCount() / rowsPerPauseMs, this);
 }
 
+void LogList::doItemsLayout()
+{
+    m_isUnlaid = !isVisible();
+    if (!m_isUnlaid)
+        QTreeWidget::doItemsLayout();
+}
+
 void LogList::showEvent(QShowEvent* event)
 {
     QTreeWidget::showEvent(event);
+    if (m_isUnlaid && !m_behind)
+        doItemsLayout();
     showNewest();
 }
 

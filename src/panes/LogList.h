@@ -19,6 +19,9 @@ public:
     explicit LogList(Clock clock, QWidget* parent = nullptr);
     ~LogList() override = default;
 
+    /// Waits until the list is seen: a change of the look asks for it a dozen times.
+    void doItemsLayout() override;
+
     /// Adds a row at the bottom with the present local time. Source and message are shortened, put on one
     /// line and freed of known secrets.
     void append(const QString& source, const QString& message);
@@ -34,5 +37,6 @@ private:
     Clock m_clock;
     QSet<QString> m_sources; ///< one shared copy of each source name
     QBasicTimer m_layoutTimer;
-    bool m_behind = false; ///< rows were added since the last layout
+    bool m_behind = false;   ///< rows were added since the last layout
+    bool m_isUnlaid = false; ///< it was asked for a layout while nobody saw it
 };

@@ -208,6 +208,38 @@ private Q_SLOTS:
         QVERIFY2(delegate->m_asked < 50 * once, QByteArray::number(delegate->m_asked).constData());
     }
 
+    void aListThatNobodySeesIsNotLaidOut()
+    {
+        LogList list(LogList::Clock::Seconds);
+        auto* delegate = new CountingDelegate(&list);
+        list.setItemDelegate(delegate);
+        showWithManyRows(list);
+        list.hide();
+        delegate->m_asked = 0;
+        const auto changeLook = [&list](int letters) {
+            QFont font = list.font();
+            font.setPixelSize(letters);
+            list.setFont(font);
+            QEvent style(QEvent::StyleChange);
+            QCoreApplication::sendEvent(&list, &style);
+            QCoreApplication::processEvents();
+        };
+        changeLook(17);
+        QCOMPARE(delegate->m_asked, 0);
+        list.show();
+        QTRY_VERIFY(list.visualItemRect(list.topLevelItem(0)).height() >= QFontMetrics(list.font()).height());
+        QVERIFY(delegate->m_asked > 0);
+
+        // What somebody reads stays in its place: a new look is no news.
+        list.scrollToTop();
+        list.hide();
+        changeLook(18);
+        list.show();
+        QCoreApplication::processEvents();
+        QCOMPARE(list.verticalScrollBar()->value(), 0);
+        QCOMPARE(list.visualItemRect(list.topLevelItem(0)).top(), 0);
+    }
+
     void aRowTakesLittleMemory()
     {
 #ifdef __SANITIZE_ADDRESS__
