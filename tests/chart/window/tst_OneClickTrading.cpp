@@ -1,10 +1,12 @@
 #include "app/ui/EnterPress.h"
 #include "chart/OneClickPanelFixture.h"
 #include "support/Hands.h"
+#include "support/PaintCounter.h"
 #include "support/TestMain.h"
 
 #include <QLineEdit>
 
+#include <functional>
 #include <utility>
 
 using namespace Qt::StringLiterals;
@@ -66,6 +68,45 @@ class tst_OneClickTrading final : public QObject {
 
 private Q_SLOTS:
     void init() { fixtures::useLightTheme(); }
+
+    void a_click_asks_for_its_trade_before_anything_is_painted()
+    {
+        ServedChart served;
+        served.show();
+        QPushButton& buy = button(panelOf(served), u"BUY"_s);
+        PaintCounter ofBuy(buy);
+        PaintCounter ofChart(served.chart());
+        QList<int> painted;
+        connect(served.window.get(), &ChartWindow::quickTradeRequested, this,
+            [&] { painted.append(ofBuy.count() + ofChart.count()); });
+        const auto releaseWith = [&](const std::function<void()>& release) {
+            QVERIFY(ofBuy.taken() + ofChart.taken() > 0);
+            served.chart().update(); // as a price does
+            release();
+        };
+        QTest::mousePress(&buy, Qt::LeftButton);
+        releaseWith([&] { QTest::mouseRelease(&buy, Qt::LeftButton); });
+        buy.setFocus(Qt::TabFocusReason);
+        QTest::keyPress(&buy, Qt::Key_Space);
+        releaseWith([&] { QTest::keyRelease(&buy, Qt::Key_Space); });
+        QCOMPARE(painted, QList<int>({0, 0}));
+        // And then it is.
+        QVERIFY(ofBuy.taken() > 0);
+        QVERIFY(!buy.isDown());
+    }
+
+    void a_click_that_ends_beside_the_button_leaves_it_painted()
+    {
+        const ServedChart served;
+        served.show();
+        QPushButton& buy = button(panelOf(served), u"BUY"_s);
+        QTest::mousePress(&buy, Qt::LeftButton);
+        QTest::mouseRelease(&buy, Qt::LeftButton, {}, QPoint(-20, 0));
+        PaintCounter ofBuy(buy);
+        buy.update();
+        QVERIFY(ofBuy.taken() > 0);
+        QVERIFY(!buy.isDown());
+    }
 
     void aClickAsksForATradeOfTheChosenVolume()
     {
