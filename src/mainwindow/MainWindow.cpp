@@ -15,6 +15,7 @@
 #include "mainwindow/ExpertAttachment.h"
 #include "mainwindow/ExpertsFolder.h"
 #include "mainwindow/MenuBar.h"
+#include "mainwindow/PaintHold.h"
 #include "mainwindow/PaneFocus.h"
 #include "mainwindow/PaneKeeper.h"
 #include "mainwindow/QuitWatch.h"
@@ -252,6 +253,8 @@ void MainWindow::connectTrades()
     connect(m_toolbox, &TerminalPane::tradeContextMenu, this, &MainWindow::onTradeContextMenu);
     connect(m_toolbox, &TerminalPane::tradeDoubleClicked, this, &MainWindow::onTradeDoubleClicked);
     connect(m_actions->algoTrading, &QAction::toggled, m_tradeActions.get(), &TradeActions::setAlgoTrading);
+    connect(m_tradeActions.get(), &TradeActions::tradeLeaves, this,
+        [this](const QNetworkReply& reply) { new PaintHold(*this, reply); });
     connect(m_tradeActions.get(), &TradeActions::failureChanged, m_status, &StatusPanel::setFailure);
     connect(m_tradeDesk.get(), &TradeDesk::failureChanged, m_status, &StatusPanel::setFailure);
     connect(m_tradeMenu, &TradeMenu::closeConfirmed, m_tradeActions.get(), &TradeActions::closePosition);

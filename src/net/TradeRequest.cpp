@@ -51,9 +51,11 @@ std::optional<TradeRequest> TradeRequest::about(
     return TradeRequest(verb, "/api/trades/"_L1 + action + u'/' + *id, body);
 }
 
-void TradeRequest::send(ApiClient& api, const QObject* waiter, ReplyOutcome::Callback callback) &&
+const QNetworkReply& TradeRequest::send(
+    ApiClient& api, const QObject* waiter, ReplyOutcome::Callback callback) &&
 {
     const QString path = std::exchange(m_path, {}); // sent once more, it would be refused
     QNetworkReply* reply = m_verb == Verb::Put ? api.put(path, m_body) : api.post(path, m_body);
     ReplyOutcome::whenFinished(reply, waiter, std::move(callback));
+    return *reply;
 }

@@ -8,6 +8,7 @@
 #include <optional>
 
 class ApiClient;
+class QNetworkReply;
 
 /// One thing asked of the server about a trade: to place, modify, close or cancel it.
 ///
@@ -37,8 +38,9 @@ public:
     TradeRequest(const TradeRequest&) = delete;
     TradeRequest& operator=(const TradeRequest&) = delete;
 
-    /// Sends it now. The waiter is told what became of it, unless it is gone by then.
-    void send(ApiClient& api, const QObject* waiter, ReplyOutcome::Callback callback) &&;
+    /// Sends it now. The waiter is told what became of it, unless it is gone by then. The reply that comes
+    /// back is for looking on.
+    const QNetworkReply& send(ApiClient& api, const QObject* waiter, ReplyOutcome::Callback callback) &&;
 
 private:
     enum class Verb { Post, Put };

@@ -4,6 +4,7 @@
 #include "chart/window/ChartWidget.h"
 #include "chart/window/ChartWindow.h"
 #include "chart/window/OneClickPanel.h"
+#include "mainwindow/PaintHold.h"
 #include "mainwindow/SymbolSpecification.h"
 #include "orders/ModifyDialog.h"
 #include "orders/OrderDialog.h"
@@ -343,6 +344,7 @@ private Q_SLOTS:
             if (button->text().startsWith(u"BUY"_s))
                 QTest::mouseClick(button, Qt::LeftButton);
         }
+        QVERIFY(f.window->findChild<PaintHold*>());
         QTRY_COMPARE(f.journalCount(u"Trade: One-click BUY EURUSD executed"_s), 1);
         QCOMPARE(f.server.last("POST", "/api/trades/place").json(),
             QJsonObject({{u"symbol"_s, u"EURUSD"_s}, {u"type"_s, u"BUY"_s}, {u"orderKind"_s, u"MARKET"_s},

@@ -88,14 +88,16 @@ void TradeActions::quickTrade(const QString& symbol, const QString& side, double
     ticket.symbol = symbol;
     ticket.lots = lots;
     ticket.side = sideOf(side);
-    TradeRequest::place(orderBody(ticket), m_book.currentAccountId())
-        .send(m_api, this, [this, symbol, side](const ReplyOutcome& outcome) {
-            tellTrade(outcome.ok, SoundKind::Open,
-                //: %1 the side, %2 the symbol
-                outcome.ok ? tr("One-click %1 %2 executed").arg(side, shownName(symbol))
-                           : tr("One-click order failed: %1").arg(outcome.error));
-            refreshAfter(outcome, &TradeActions::refreshAccountsAndTrades);
-        });
+    const QNetworkReply& reply
+        = TradeRequest::place(orderBody(ticket), m_book.currentAccountId())
+              .send(m_api, this, [this, symbol, side](const ReplyOutcome& outcome) {
+                  tellTrade(outcome.ok, SoundKind::Open,
+                      //: %1 the side, %2 the symbol
+                      outcome.ok ? tr("One-click %1 %2 executed").arg(side, shownName(symbol))
+                                 : tr("One-click order failed: %1").arg(outcome.error));
+                  refreshAfter(outcome, &TradeActions::refreshAccountsAndTrades);
+              });
+    Q_EMIT tradeLeaves(reply);
 }
 
 void TradeActions::expertOrder(const QJsonObject& body)

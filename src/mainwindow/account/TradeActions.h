@@ -10,6 +10,7 @@
 
 class AccountBook;
 class ApiClient;
+class QNetworkReply;
 
 /// Sends one request for each thing that a trader or a script wants done with a trade, and reports what
 /// became of it: a line, a sound, and the wish to read lists again (all lists, where no answer came). No
@@ -45,6 +46,8 @@ public Q_SLOTS:
     void expertCloseAll(const QString& symbol);
 
 Q_SIGNALS:
+    /// A one-click trade was sent in this turn of the event loop; its body leaves in one of the next.
+    void tradeLeaves(const QNetworkReply& reply);
     void journalLine(const QString& source, const QString& message);
     /// Why the latest thing that the trader wanted was not done, as the Journal has it; empty once one was.
     void failureChanged(const QString& line);
