@@ -120,9 +120,9 @@ std::optional<QByteArray> SettingsCheck::savedAgain(
     QSettings settings(file->fileName(), QSettings::IniFormat);
     change(settings);
     settings.sync();
-    // Qt has put another file there.
+    // Qt has put another file there. It has done so, too, where it calls the format of the content wrong.
     QFile saved(file->fileName());
-    if (settings.status() != QSettings::NoError || !saved.open(QIODevice::ReadOnly))
+    if (settings.status() == QSettings::AccessError || !saved.open(QIODevice::ReadOnly))
         return std::nullopt;
     return saved.readAll();
 }

@@ -115,6 +115,9 @@ private Q_SLOTS:
         QTest::newRow("bytes that are no text")
             << QByteArray("[\\\x88\xba[[General]\nalerts=\"[\x85\xa3\xdd\x9e\"\n") << true;
         QTest::newRow("no section") << QByteArray("[General]\n\\theme=light\n") << true;
+        // Such a line alone is no entry, but Qt remembers it as a fault.
+        QTest::newRow("no section and no name, behind a line without a value")
+            << QByteArray("[]\nodd\n=light\n") << true;
         // Within this section there is another one, with nothing in it, behind which Qt does not find
         // anything.
         for (const char* value : {"one", "one, two", "@ByteArray()"}) {
