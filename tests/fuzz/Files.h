@@ -2,9 +2,13 @@
 
 #include "fuzz/Fuzz.h"
 
+#include <algorithm>
+#include <charconv>
 #include <filesystem>
 #include <fstream>
+#include <iterator>
 #include <string>
+#include <system_error>
 
 #include <unistd.h>
 
@@ -38,6 +42,12 @@ public:
         return file;
     }
 
+    [[nodiscard]] std::string read(const char* name) const
+    {
+        std::ifstream stream(m_path / name, std::ios::binary);
+        return {std::istreambuf_iterator<char>(stream), {}};
+    }
+
 private:
     std::filesystem::path m_path;
 };
@@ -46,6 +56,29 @@ inline bool isOneLine(std::string_view text)
 {
     return !text.empty() && text.find('\n') == std::string_view::npos
         && text.find('\r') == std::string_view::npos;
+}
+
+/// The number that a text begins with, with something behind it: that of a line or a row, from 1 on; 0 for
+/// none.
+inline std::size_t placeAt(std::string_view text)
+{
+    std::size_t place = 0;
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), place);
+    return error == std::errc() && text.front() != '0' && end != text.data() + text.size() ? place : 0;
+}
+
+/// Whether a refusal is one line that begins with the file and the number of one of its lines. Where a file
+/// has ended too early that is the one behind its last.
+inline bool namesLine(std::string_view refusal, std::string_view file, std::string_view content)
+{
+    if (!isOneLine(refusal) || !refusal.starts_with(file) || !refusal.substr(file.size()).starts_with(':'))
+        return false;
+    refusal.remove_prefix(file.size() + 1);
+    const auto ends = static_cast<std::size_t>(std::count(content.begin(), content.end(), '\n'));
+    const std::size_t line = placeAt(refusal);
+    const std::size_t reason = refusal.find(": ");
+    return line >= 1 && line <= ends + 1 && reason == refusal.find_first_not_of("0123456789")
+        && reason + 2 < refusal.size();
 }
 
 } // namespace fuzz

@@ -7,6 +7,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <map>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -27,26 +28,38 @@ std::map<std::string, Known>& targets()
 
 Known chosen;
 
-constexpr std::string_view repeatMark = "~*";
+/// A piece of an input that stands for itself, written many times.
+struct Repeat {
+    std::string_view piece;
+    std::size_t times = 1;
+    std::size_t markSize = 0; ///< what stands for it
+};
+
+/// The one that a text begins with.
+std::optional<Repeat> repeatAt(std::string_view text)
+{
+    constexpr std::string_view end = "~)";
+    if (text.size() < 4 || text[2] < 'A' || text[2] > 'Z')
+        return std::nullopt;
+    const std::size_t times = std::size_t{1} << static_cast<unsigned>(text[2] - 'A');
+    if (text.starts_with("~*"))
+        return Repeat{text.substr(3, 1), times, 4};
+    const std::size_t place = text.find(end, 3);
+    if (!text.starts_with("~(") || place == std::string_view::npos)
+        return std::nullopt;
+    return Repeat{text.substr(3, place - 3), times, place + end.size()};
+}
 
 /// The text with its repeats written out, cut where it gets too long.
 std::string writtenOut(std::string_view text, std::size_t longest)
 {
     std::string result;
     while (!text.empty() && result.size() < longest) {
-        const std::size_t at = text.find(repeatMark);
-        result += text.substr(0, at);
-        text.remove_prefix(std::min(at, text.size()));
-        if (text.empty())
-            break;
-        const std::size_t power = text.size() > 3 ? static_cast<std::size_t>(text[2] - 'A') : 26;
-        if (power < 26) {
-            result.append(std::min(std::size_t{1} << power, longest), text[3]);
-            text.remove_prefix(4);
-        } else {
-            result += repeatMark;
-            text.remove_prefix(repeatMark.size());
-        }
+        const Repeat next = repeatAt(text).value_or(Repeat{text.substr(0, 1), 1, 1});
+        const std::size_t room = next.piece.empty() ? 0 : longest / next.piece.size() + 1;
+        for (std::size_t i = 0; i < std::min(next.times, room); ++i)
+            result += next.piece;
+        text.remove_prefix(next.markSize);
     }
     result.resize(std::min(result.size(), longest));
     return result;
@@ -90,7 +103,7 @@ extern "C" int LLVMFuzzerInitialize(int* count, char*** arguments)
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
     const std::string_view text(reinterpret_cast<const char*>(data), size);
-    if (text.find(repeatMark) == std::string_view::npos)
+    if (text.find('~') == std::string_view::npos)
         return chosen.attempt(data, size);
     const std::string all = writtenOut(text, chosen.longest);
     // Of just this size, so that reading on behind the end is noticed.

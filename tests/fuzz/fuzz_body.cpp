@@ -16,13 +16,15 @@ namespace fuzz_body {
 
 namespace {
 
-/// What a field's reader gives, or nothing where it refuses the field; a refusal has to be a proper answer.
-template <typename Read> auto taken(Read read) -> std::optional<decltype(read())>
+/// What a reader gives, or nothing where it refuses; a refusal has to be a proper answer that begins with the
+/// field's name in quotes, if it is one's.
+template <typename Read> auto taken(const std::string& field, Read read) -> std::optional<decltype(read())>
 {
     try {
         return read();
     } catch (const practice::ApiError& error) {
         demand(error.status == 400 && !error.message.empty(), "a refusal says why");
+        demand(field.empty() || error.message.starts_with('"' + field + "\" "), "a refusal names the field");
         const practice::ApiReply reply = practice::errorReply(error.status, error.message);
         const auto json = nlohmann::json::parse(reply.body, nullptr, false);
         demand(json.is_object() && json.size() == 1 && json.contains("message"), "a refusal is an answer");
@@ -33,21 +35,21 @@ template <typename Read> auto taken(Read read) -> std::optional<decltype(read())
 void readField(const practice::BodyReader& body, const char* name)
 {
     const nlohmann::json* value = body.find(name);
-    const auto text = taken([&] { return body.text(name); });
+    const auto text = taken(name, [&] { return body.text(name); });
     demand(!text || (value && value->is_string() && !text->empty()), "a text is one");
-    const auto number = taken([&] { return body.number(name); });
+    const auto number = taken(name, [&] { return body.number(name); });
     demand(!number || (value && practice::numberOf(*value) == number), "both readers of a number agree");
     demand(!number || (std::isfinite(*number) && std::abs(*number) <= 1e15),
         "a number is one of a price's size");
-    const auto wish = taken([&] { return body.optionalNumber(name); });
+    const auto wish = taken(name, [&] { return body.optionalNumber(name); });
     demand(!wish || wish->has_value() == (value != nullptr), "what is absent is no number");
-    static_cast<void>(taken([&] { return body.optionalText(name); }));
+    static_cast<void>(taken(name, [&] { return body.optionalText(name); }));
 }
 
 int attempt(const std::uint8_t* data, std::size_t size)
 {
     const std::string text(fuzz::textOf(data, size));
-    const auto body = taken([&] { return practice::BodyReader(text); });
+    const auto body = taken({}, [&] { return practice::BodyReader(text); });
     if (!body)
         return 0;
     // The platform writes nothing out again whose depth it has not read.
@@ -67,7 +69,8 @@ int attempt(const std::uint8_t* data, std::size_t size)
     return 0;
 }
 
-const fuzz::Target target("body", &attempt, practice::longestBody);
+// A little longer than any that a reader is handed.
+const fuzz::Target target("body", &attempt, practice::longestBody + 4096);
 
 } // namespace
 

@@ -1,7 +1,7 @@
 // A file of recorded minutes: refused in one line that names the place, or read so that it can be written
 // again.
 
-#include "fuzz/Fuzz.h"
+#include "fuzz/Files.h"
 
 #include "practice/core/PointScale.h"
 #include "practice/core/market/MinuteFile.h"
@@ -109,9 +109,8 @@ int attempt(const std::uint8_t* data, std::size_t size)
     try {
         file = read(std::string(fuzz::textOf(data, size)));
     } catch (const practice::MarketDataError& error) {
-        const std::string_view what = error.what();
-        demand(what.starts_with(name() + ':') && what.find('\n') == std::string_view::npos,
-            "a refusal is one line");
+        demand(fuzz::namesLine(error.what(), name(), fuzz::textOf(data, size)),
+            "a refusal is one line that names its line");
         return 0;
     }
     demandSound(file);

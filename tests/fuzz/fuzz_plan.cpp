@@ -19,7 +19,9 @@ int attempt(const std::uint8_t* data, std::size_t size)
     try {
         plan = lab::readPlan(file);
     } catch (const lab::StudyError& error) {
-        demand(fuzz::isOneLine(error.what()), "a refusal is one line");
+        const std::string_view what = error.what();
+        demand(fuzz::isOneLine(what) && what.starts_with(file.string()) && what.size() > file.string().size(),
+            "a refusal is one line that names its file");
         return 0;
     }
     demand(plan->chunks >= 1 && plan->chunks <= plan->sets, "each chunk has sets");

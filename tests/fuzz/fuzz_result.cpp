@@ -8,6 +8,7 @@
 #include "lab/core/output/SavedRun.h"
 
 #include <algorithm>
+#include <array>
 
 using fuzz::demand;
 
@@ -37,18 +38,11 @@ lab::RunResult resultOf(const lab::SavedRun& run)
 /// Whether it is one line that begins with one of the files and a line of it.
 bool namesPlace(std::string_view refusal, const fuzz::Folder& folder)
 {
-    for (const char* name : {"summary.json", "trades.csv", "equity.csv", "run.json"}) {
-        const std::string file = (folder.path() / name).string() + ':';
-        if (!refusal.starts_with(file))
-            continue;
-        const std::string_view rest = refusal.substr(file.size());
-        const std::size_t end = rest.find(": ");
-        return end != std::string_view::npos && end > 0 && end + 2 < rest.size() && rest.front() != '0'
-            && std::all_of(rest.begin(), rest.begin() + static_cast<std::ptrdiff_t>(end),
-                [](char c) { return c >= '0' && c <= '9'; })
-            && fuzz::isOneLine(refusal);
-    }
-    return false;
+    constexpr std::array<const char*, 4> names{"summary.json", "trades.csv", "equity.csv", "run.json"};
+    return std::any_of(names.begin(), names.end(), [&](const char* name) {
+        const std::string file = (folder.path() / name).string();
+        return refusal.starts_with(file + ':') && fuzz::namesLine(refusal, file, folder.read(name));
+    });
 }
 
 /// What was read can be written, and what was written is a fixed point.

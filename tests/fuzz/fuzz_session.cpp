@@ -51,8 +51,8 @@ int attempt(const std::uint8_t* data, std::size_t size)
         lab::SessionFile session(file);
         follow(session);
     } catch (const lab::SessionError& error) {
-        const std::string_view what = error.what();
-        demand(what.starts_with(file.string() + ':') && fuzz::isOneLine(what), "a refusal is one line");
+        demand(fuzz::namesLine(error.what(), file.string(), fuzz::textOf(data, size)),
+            "a refusal is one line that names its line");
     }
     return 0;
 }
