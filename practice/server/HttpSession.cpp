@@ -33,6 +33,7 @@ namespace {
 constexpr std::chrono::seconds lingerLimit{2};
 constexpr std::size_t lingerBytes = 1024UL * 1024;
 constexpr const char* serverName = "tavoran-practice";
+constexpr std::string_view webSocketVersion = "13";
 
 using RequestParser = http::request_parser<http::string_body>;
 using Request = http::request<http::string_body>;
@@ -61,7 +62,8 @@ private:
     net::awaitable<error_code> awaitFirstByte();
     net::awaitable<error_code> readRequest(RequestParser& parser);
     net::awaitable<ApiReply> handle(Request& request);
-    net::awaitable<bool> write(ApiReply reply, unsigned version, bool keepAlive, bool withBody);
+    net::awaitable<bool> write(
+        ApiReply reply, unsigned version, bool keepAlive, bool withBody, bool tellsWebSocket = false);
     net::awaitable<void> refuse(error_code error);
     net::awaitable<void> linger();
     [[nodiscard]] std::optional<std::string> feedUser(const Request& request) const;
@@ -77,6 +79,15 @@ bool isFeed(const Request& request)
     const std::string_view target = view(request.target());
     return boost::beast::websocket::is_upgrade(request)
         && target.substr(0, target.find('?')) == "/ws/terminal";
+}
+
+/// Whether Boost accepts it: what it refuses by itself gets no answer as others do.
+bool isHandshake(const Request& request)
+{
+    constexpr std::size_t longestKey = 24; // 16 bytes in base64
+    return request.version() == 11 && request.count(http::field::sec_websocket_key) > 0
+        && request[http::field::sec_websocket_key].size() <= longestKey
+        && view(request[http::field::sec_websocket_version]) == webSocketVersion;
 }
 
 RequestFacts factsOf(const Request& request)
@@ -99,7 +110,8 @@ net::awaitable<void> Connection::serve()
         const auto objection = m_parts.guard.objection(factsOf(request));
         if (isFeed(request)) {
             auto user = objection ? std::nullopt : feedUser(request);
-            auto ticket = user ? m_parts.hub.admit() : nullptr;
+            const bool isProper = isHandshake(request);
+            auto ticket = user && isProper ? m_parts.hub.admit() : nullptr;
             if (ticket) {
                 std::make_shared<FeedSession>(
                     std::move(m_stream), m_parts.hub, std::move(*user), std::move(ticket))
@@ -108,9 +120,11 @@ net::awaitable<void> Connection::serve()
             }
             // Some clients wait for ever on a refused handshake whose connection stays open.
             ApiReply refusal = objection ? errorReply(objection->status, objection->message)
-                : user ? errorReply(503, "Too many feeds at the moment. Close one, or try again in a moment.")
-                       : errorReply(401, "The feed needs a valid token. Please sign in again.");
-            co_await write(std::move(refusal), request.version(), false, true);
+                : !user ? errorReply(401, "The feed needs a valid token. Please sign in again.")
+                : !isProper
+                ? errorReply(400, "This is no handshake of a WebSocket of version 13, which the feed needs.")
+                : errorReply(503, "Too many feeds at the moment. Close one, or try again in a moment.");
+            co_await write(std::move(refusal), request.version(), false, true, !isProper);
             co_await linger();
             co_return;
         }
@@ -200,7 +214,8 @@ net::awaitable<ApiReply> Connection::handle(Request& request)
     co_return std::move(*waiting->reply);
 }
 
-net::awaitable<bool> Connection::write(ApiReply reply, unsigned version, bool keepAlive, bool withBody)
+net::awaitable<bool> Connection::write(
+    ApiReply reply, unsigned version, bool keepAlive, bool withBody, bool tellsWebSocket)
 {
     http::response<http::string_body> response{static_cast<http::status>(reply.status), version};
     response.set(http::field::server, serverName);
@@ -210,6 +225,9 @@ net::awaitable<bool> Connection::write(ApiReply reply, unsigned version, bool ke
         response.set(http::field::www_authenticate, "Bearer");
     if (!reply.allow.empty())
         response.set(http::field::allow, reply.allow);
+    if (tellsWebSocket)
+        response.set(http::field::sec_websocket_version,
+            beast::string_view(webSocketVersion.data(), webSocketVersion.size()));
     response.keep_alive(keepAlive);
     const std::size_t length = reply.body.size();
     if (withBody)

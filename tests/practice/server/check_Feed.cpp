@@ -77,6 +77,25 @@ TEST_CASE("the feed's address says what it is to those who come without a WebSoc
     CHECK_EQ(client.read().status, 404);
 }
 
+TEST_CASE("a handshake that cannot be accepted is refused like any other request, with the version that can")
+{
+    Desk desk;
+    const std::string key = "Sec-WebSocket-Key: dGhlIHNhbXBsZSBub25jZQ==\r\n";
+    const std::string version = "Sec-WebSocket-Version: 13\r\n";
+    for (const std::string& rest : {std::string(), key, version, key + "Sec-WebSocket-Version: 12\r\n",
+             "Sec-WebSocket-Key: " + std::string(25, 'a') + "\r\n" + version}) {
+        HttpClient client(desk.server.port());
+        client.socket().send("GET /ws/terminal?token=" + desk.client.token()
+            + " HTTP/1.1\r\nHost: 127.0.0.1\r\nUpgrade: websocket\r\nConnection: Upgrade\r\n" + rest
+            + "\r\n");
+        const HttpReply reply = client.read();
+        CHECK_EQ(reply.status, 400);
+        CHECK(reply.message().find("WebSocket") != std::string::npos);
+        CHECK(reply.headers.contains("sec-websocket-version"));
+        CHECK(client.socket().readAll().empty());
+    }
+}
+
 TEST_CASE("the hello comes first, with every symbol and its price")
 {
     Desk desk;
