@@ -181,7 +181,8 @@ QByteArray SettingsStore::repairDamage()
     if (!content)
         return {};
     const State state = m_backup.stateOf(*content);
-    if (state == State::Saved)
+    // A copy that is just as damaged proves nothing.
+    if (state == State::Saved && (m_backup.vouchesFor(*content) || !m_check.isDamaged(*content)))
         return {};
     const std::optional<bool> isWhole
         = state == State::Unconfirmed ? isWhatWasBeingSaved(*content) : std::optional(false);

@@ -105,6 +105,18 @@ private Q_SLOTS:
         QCOMPARE(store.takeNotices().size(), 2);
     }
 
+    void aDamagedFileIsNoBetterForACopyThatIsTheSame()
+    {
+        QVERIFY(QDir().mkpath(QFileInfo(m_path).path()));
+        for (const QString& ending : {QString(), u".copy"_s})
+            writeFile(m_path + ending, "[ui\ntheme=dark\n");
+        SettingsStore store(m_path);
+        QCOMPARE(store.takeNotices().size(), 2);
+        QCOMPARE(contentOf(store.damagedPath()), "[ui\ntheme=dark\n");
+        store.setValue("ui/theme"_L1, u"light"_s);
+        QVERIFY(store.sync());
+    }
+
     void anEntryThatCannotBeSavedIsLeftAside_data()
     {
         QTest::addColumn<QByteArray>("odd");
