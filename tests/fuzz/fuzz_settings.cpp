@@ -1,19 +1,28 @@
 // The settings file. An input that begins with the line "set" is what a terminal saves: lines of a key, "=",
 // a letter for the kind and the value, as percentEncoding leaves it. What is saved is there at the next
-// start, and no word is lost about it. Any other input is the file itself: whatever it holds, the terminal
-// starts, and what it could read and did not call left out is there at the next start, and so is what it
-// saves then.
+// start, and no word is lost about it. One that begins with "beside", a blank and three letters is the file
+// and what stands beside it, in parts with a line of three equals signs between them: the letters say what
+// the copy, its digest and the mark of a save are made of. Any other input is the file alone. Whatever they
+// hold, the terminal starts. What is known to have been saved whole is there, be it in the file or in the
+// copy, and what else the file held is there or kept aside, with a word. What the terminal could read and did
+// not call left out is there at the next start, and so is what it saves then.
 
 #include "fuzz/FuzzQt.h"
 
 #include "app/base/SettingsStore.h"
+#include "app/base/SettingsValues.h"
 
+#include <QByteArrayList>
+#include <QCryptographicHash>
 #include <QDataStream>
 #include <QDir>
 #include <QTemporaryDir>
 #include <QVariant>
 
+#include <algorithm>
 #include <map>
+#include <optional>
+#include <utility>
 
 using fuzz::demand;
 using namespace Qt::StringLiterals;
@@ -132,23 +141,154 @@ void demandKept(const QString& folder, Values values)
     demandGiven(store, values);
 }
 
-void startWith(const QByteArray& content, QString& folder)
+/// What a terminal finds at its start.
+struct Found {
+    QByteArray file;
+    std::optional<QByteArray> copy, digest, mark;
+};
+
+QByteArray hashOf(const QByteArray& content)
+{
+    return QCryptographicHash::hash(content, QCryptographicHash::Sha256).toHex();
+}
+
+/// The digest of the values that Qt reads of such a file; nothing where it cannot.
+std::optional<QByteArray> valuesHash(const QByteArray& content, const QString& path)
+{
+    write(path, content);
+    const QSettings settings(path, QSettings::IniFormat);
+    const QByteArray hash = digestOf(settingsValues(settings));
+    return settings.status() == QSettings::NoError ? std::optional(hash) : std::nullopt;
+}
+
+QByteArray takePart(std::string_view& text)
+{
+    constexpr std::string_view mark = "===\n";
+    const std::size_t end = text.find(mark);
+    const std::string_view part = text.substr(0, end);
+    text.remove_prefix(end == std::string_view::npos ? text.size() : end + mark.size());
+    return fuzz::bytesOf(part);
+}
+
+/// Whether a terminal can have saved this: Qt finds what it has read, and reads again what it writes.
+bool canBeSaved(const QByteArray& content, const QString& path)
+{
+    const QString another = u"Terminal/check"_s;
+    Values values = valuesIn(content, path);
+    // Qt reads a section when it is asked for a value there, so nothing may have been read of this file.
+    write(path + "-asked"_L1, content);
+    {
+        QSettings settings(path + "-asked"_L1, QSettings::IniFormat);
+        for (const auto& [key, bytes] : values) {
+            if (isAskedFor(key) && bytesOf(settings.value(key)) != bytes)
+                return false;
+        }
+        settings.setValue(another, u"1"_s);
+        settings.sync();
+    }
+    values[another] = bytesOf(u"1"_s);
+    return valuesIn(contentOf(path + "-asked"_L1), path + "-again"_L1) == values;
+}
+
+/// The parts are file, copy, digest and mark; some letters do without theirs. A digest is that of something
+/// that a terminal can have saved, or any bytes.
+Found foundIn(std::string_view letters, std::string_view text, const QString& folder)
+{
+    Found found;
+    found.file = takePart(text);
+    const QByteArray copy = takePart(text);
+    const QByteArray digest = takePart(text);
+    const QByteArray mark = takePart(text);
+    const auto letter
+        = [&letters](std::size_t place) { return place < letters.size() ? letters[place] : '-'; };
+    const auto isSaveable = [&](char which) {
+        return canBeSaved(which == 'f' ? found.file : copy, folder + "/save-"_L1 + QChar::fromLatin1(which));
+    };
+    const auto digestFor
+        = [&](char which) { return isSaveable(which) ? hashOf(which == 'f' ? found.file : copy) : digest; };
+    if (letter(0) == 'g' || letter(0) == 's')
+        found.copy = letter(0) == 'g' ? copy : found.file;
+    if (letter(1) == 'f' || letter(1) == 'c')
+        found.digest = digestFor(letter(1));
+    else if (letter(1) == 'g')
+        found.digest = digest;
+    if (letter(2) == 'f' || letter(2) == 'c')
+        found.mark = digestFor(letter(2)) + '\n' + mark;
+    else if (letter(2) == 'v') // written whole, and not looked at
+        found.mark = digestFor('c') + '\n'
+            + (isSaveable('f') ? valuesHash(found.file, folder + "/to-save"_L1).value_or(mark) : mark);
+    else if (letter(2) == 'g')
+        found.mark = mark;
+    return found;
+}
+
+bool isVouchedFor(const Found& found, const QByteArray& content)
+{
+    return found.digest == hashOf(content)
+        || (found.mark && found.mark->split('\n').constFirst() == hashOf(content));
+}
+
+/// Whether a save was under way, and the file holds what was being saved.
+bool isWholeSave(const Found& found, const QString& folder)
+{
+    const QByteArrayList lines = found.mark.value_or(QByteArray()).split('\n');
+    return lines.size() > 1 && valuesHash(found.file, folder + "/being-saved"_L1) == lines[1];
+}
+
+/// What the file has to hold after the start, as far as the files themselves tell it.
+std::optional<QByteArray> promisedFile(const Found& found, const QString& folder)
+{
+    if (isVouchedFor(found, found.file))
+        return found.file;
+    if (found.copy == found.file && !found.file.isEmpty())
+        return std::nullopt; // but for entries that cannot be saved
+    if (isWholeSave(found, folder))
+        return found.file;
+    const bool copyIsKnown = found.copy && !found.copy->isEmpty() && isVouchedFor(found, *found.copy);
+    const bool isCut = copyIsKnown && found.copy->startsWith(found.file);
+    return copyIsKnown && (found.mark || isCut) ? found.copy : std::nullopt;
+}
+
+/// The lines of a file that may be kept aside: none that tells a token.
+QByteArray keptOf(const QByteArray& content)
+{
+    QByteArrayList kept = content.split('\n');
+    kept.removeIf([](const QByteArray& line) { return line.contains("token"); });
+    return kept.join('\n');
+}
+
+bool holdsAll(const Values& values, const Values& some)
+{
+    return std::includes(values.begin(), values.end(), some.begin(), some.end());
+}
+
+void startWith(const Found& found, QString& folder)
 {
     const QString path = folder + name;
-    write(path, content);
+    write(path, found.file);
+    const std::pair<const char*, const std::optional<QByteArray>&> others[]{
+        {".copy", found.copy}, {".digest", found.digest}, {".saving", found.mark}};
+    for (const auto& [ending, content] : others) {
+        if (content)
+            write(path + QLatin1StringView(ending), *content);
+    }
+    const std::optional<QByteArray> promised = promisedFile(found, folder);
     Values values;
     {
         SettingsStore store(path);
         const QStringList told = store.takeNotices();
         demand(told.size() <= 3, "damage is told in three sentences");
         const QByteArray now = contentOf(path);
-        demand(!told.isEmpty() || now == content, "nothing changes without a word");
+        demand(!told.isEmpty() || now == found.file, "nothing changes without a word");
+        demand(!promised || now == *promised, "what was saved whole is there");
+        demand(!promised || told.isEmpty() == (now == found.file), "nothing is told of what is sound");
+        demand(now == found.file || found.file.isEmpty()
+                || contentOf(store.damagedPath()).startsWith(keptOf(found.file)),
+            "what is replaced is kept aside");
         values = valuesIn(now, path + "-now"_L1);
-        const Values before = valuesIn(content, path + "-before"_L1);
-        for (const auto& [key, bytes] : values) {
-            const auto was = before.find(key);
-            demand(was != before.end() && was->second == bytes, "what is left is what was there");
-        }
+        demand(holdsAll(valuesIn(found.file, path + "-before"_L1), values)
+                || (found.copy && holdsAll(valuesIn(*found.copy, path + "-copied"_L1), values)),
+            "what is left is what was there");
         demandGiven(store, values);
         change(store);
     }
@@ -221,8 +361,11 @@ int attempt(const std::uint8_t* data, std::size_t size)
     if (text.starts_with("set\n")) {
         fuzz::takeLine(text);
         save(text, folder);
+    } else if (constexpr std::string_view beside = "beside "; text.starts_with(beside)) {
+        const std::string_view letters = fuzz::takeLine(text).substr(beside.size());
+        startWith(foundIn(letters, text, folder), folder);
     } else {
-        startWith(fuzz::bytesOf(text), folder);
+        startWith({fuzz::bytesOf(text), {}, {}, {}}, folder);
     }
     QDir(folder).removeRecursively();
     return 0;
