@@ -124,8 +124,8 @@ void Desk::waitForRest(const PixelRect& part) const
 
 void Desk::checkNewestCloses()
 {
-    // On a machine where others take the processors it comes to that later.
-    constexpr qint64 patienceMs = 10'000;
+    // On a machine where others take the processors, snapshots still wait to be read.
+    constexpr qint64 patienceMs = 60'000;
     QElapsedTimer waited;
     waited.start();
     QString wrong = wrongReading();

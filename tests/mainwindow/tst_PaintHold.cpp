@@ -3,7 +3,10 @@
 #include "support/ServedClient.h"
 #include "support/TestMain.h"
 
+#include <QNetworkAccessManager>
 #include <QPointer>
+
+#include <memory>
 
 using namespace Qt::StringLiterals;
 
