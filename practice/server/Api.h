@@ -21,7 +21,8 @@ struct ApiRequest {
 struct ApiReply {
     int status = 200;
     std::string body;
-    std::string allow; ///< methods for the Allow header of a 405
+    std::string allow;                 ///< methods for the Allow header of a 405
+    std::string webSocketVersion = {}; ///< the one spoken here, for a handshake of another
 };
 
 /// Takes the answer of a request: once, now or later, on the server's thread.

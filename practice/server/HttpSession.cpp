@@ -33,7 +33,7 @@ namespace {
 constexpr std::chrono::seconds lingerLimit{2};
 constexpr std::size_t lingerBytes = 1024UL * 1024;
 constexpr const char* serverName = "tavoran-practice";
-constexpr std::string_view webSocketVersion = "13";
+constexpr const char* webSocketVersion = "13";
 
 using RequestParser = http::request_parser<http::string_body>;
 using Request = http::request<http::string_body>;
@@ -62,8 +62,7 @@ private:
     net::awaitable<error_code> awaitFirstByte();
     net::awaitable<error_code> readRequest(RequestParser& parser);
     net::awaitable<ApiReply> handle(Request& request);
-    net::awaitable<bool> write(
-        ApiReply reply, unsigned version, bool keepAlive, bool withBody, bool tellsWebSocket = false);
+    net::awaitable<bool> write(ApiReply reply, unsigned version, bool keepAlive, bool withBody);
     net::awaitable<void> refuse(error_code error);
     net::awaitable<void> linger();
     [[nodiscard]] std::optional<std::string> feedUser(const Request& request) const;
@@ -88,6 +87,19 @@ bool isHandshake(const Request& request)
     return request.version() == 11 && request.count(http::field::sec_websocket_key) > 0
         && request[http::field::sec_websocket_key].size() <= longestKey
         && view(request[http::field::sec_websocket_version]) == webSocketVersion;
+}
+
+/// For a client that may not have the feed.
+ApiReply feedRefusal(bool isSignedIn, bool isProper)
+{
+    if (!isSignedIn)
+        return errorReply(401, "The feed needs a valid token. Please sign in again.");
+    if (isProper)
+        return errorReply(503, "Too many feeds at the moment. Close one, or try again in a moment.");
+    ApiReply reply
+        = errorReply(400, "This is no handshake of a WebSocket of version 13, which the feed needs.");
+    reply.webSocketVersion = webSocketVersion;
+    return reply;
 }
 
 RequestFacts factsOf(const Request& request)
@@ -120,11 +132,8 @@ net::awaitable<void> Connection::serve()
             }
             // Some clients wait for ever on a refused handshake whose connection stays open.
             ApiReply refusal = objection ? errorReply(objection->status, objection->message)
-                : !user ? errorReply(401, "The feed needs a valid token. Please sign in again.")
-                : !isProper
-                ? errorReply(400, "This is no handshake of a WebSocket of version 13, which the feed needs.")
-                : errorReply(503, "Too many feeds at the moment. Close one, or try again in a moment.");
-            co_await write(std::move(refusal), request.version(), false, true, !isProper);
+                                         : feedRefusal(user.has_value(), isProper);
+            co_await write(std::move(refusal), request.version(), false, true);
             co_await linger();
             co_return;
         }
@@ -214,8 +223,7 @@ net::awaitable<ApiReply> Connection::handle(Request& request)
     co_return std::move(*waiting->reply);
 }
 
-net::awaitable<bool> Connection::write(
-    ApiReply reply, unsigned version, bool keepAlive, bool withBody, bool tellsWebSocket)
+net::awaitable<bool> Connection::write(ApiReply reply, unsigned version, bool keepAlive, bool withBody)
 {
     http::response<http::string_body> response{static_cast<http::status>(reply.status), version};
     response.set(http::field::server, serverName);
@@ -225,9 +233,8 @@ net::awaitable<bool> Connection::write(
         response.set(http::field::www_authenticate, "Bearer");
     if (!reply.allow.empty())
         response.set(http::field::allow, reply.allow);
-    if (tellsWebSocket)
-        response.set(http::field::sec_websocket_version,
-            beast::string_view(webSocketVersion.data(), webSocketVersion.size()));
+    if (!reply.webSocketVersion.empty())
+        response.set(http::field::sec_websocket_version, reply.webSocketVersion);
     response.keep_alive(keepAlive);
     const std::size_t length = reply.body.size();
     if (withBody)
