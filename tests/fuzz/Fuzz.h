@@ -36,4 +36,14 @@ inline std::string_view takeLine(std::string_view& text)
     return line;
 }
 
+/// The same for texts of several lines, with a line "===" between them.
+inline std::string_view takePart(std::string_view& text)
+{
+    constexpr std::string_view mark = "===\n";
+    const std::size_t end = text.find(mark);
+    const std::string_view part = text.substr(0, end);
+    text.remove_prefix(end == std::string_view::npos ? text.size() : end + mark.size());
+    return part;
+}
+
 } // namespace fuzz

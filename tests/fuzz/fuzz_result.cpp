@@ -16,15 +16,6 @@ namespace fuzz_result {
 
 namespace {
 
-std::string_view takePart(std::string_view& text)
-{
-    constexpr std::string_view mark = "===\n";
-    const std::size_t end = text.find(mark);
-    const std::string_view part = text.substr(0, end);
-    text.remove_prefix(end == std::string_view::npos ? text.size() : end + mark.size());
-    return part;
-}
-
 lab::RunResult resultOf(const lab::SavedRun& run)
 {
     lab::RunResult result;
@@ -69,10 +60,10 @@ int attempt(const std::uint8_t* data, std::size_t size)
 {
     static const fuzz::Folder folder;
     std::string_view text = fuzz::textOf(data, size);
-    const std::string_view summary = takePart(text);
+    const std::string_view summary = fuzz::takePart(text);
     static_cast<void>(folder.write("summary.json", summary));
-    static_cast<void>(folder.write("trades.csv", takePart(text)));
-    static_cast<void>(folder.write("equity.csv", takePart(text)));
+    static_cast<void>(folder.write("trades.csv", fuzz::takePart(text)));
+    static_cast<void>(folder.write("equity.csv", fuzz::takePart(text)));
     // The bytes of another run must not be found in the place of none.
     const bool hasOrigin = !text.empty();
     if (hasOrigin)

@@ -161,15 +161,6 @@ std::optional<QByteArray> valuesHash(const QByteArray& content, const QString& p
     return settings.status() == QSettings::NoError ? std::optional(hash) : std::nullopt;
 }
 
-QByteArray takePart(std::string_view& text)
-{
-    constexpr std::string_view mark = "===\n";
-    const std::size_t end = text.find(mark);
-    const std::string_view part = text.substr(0, end);
-    text.remove_prefix(end == std::string_view::npos ? text.size() : end + mark.size());
-    return fuzz::bytesOf(part);
-}
-
 /// Whether a terminal can have saved this: Qt finds what it has read, and reads again what it writes.
 bool canBeSaved(const QByteArray& content, const QString& path)
 {
@@ -195,10 +186,10 @@ bool canBeSaved(const QByteArray& content, const QString& path)
 Found foundIn(std::string_view letters, std::string_view text, const QString& folder)
 {
     Found found;
-    found.file = takePart(text);
-    const QByteArray copy = takePart(text);
-    const QByteArray digest = takePart(text);
-    const QByteArray mark = takePart(text);
+    found.file = fuzz::bytesOf(fuzz::takePart(text));
+    const QByteArray copy = fuzz::bytesOf(fuzz::takePart(text));
+    const QByteArray digest = fuzz::bytesOf(fuzz::takePart(text));
+    const QByteArray mark = fuzz::bytesOf(fuzz::takePart(text));
     const auto letter
         = [&letters](std::size_t place) { return place < letters.size() ? letters[place] : '-'; };
     const auto isSaveable = [&](char which) {

@@ -17,6 +17,21 @@
 
 using namespace Qt::StringLiterals;
 
+namespace {
+
+const QString longHost = u"terminal.a-platform-with-a-long-name.example"_s;
+const QString longHint = u"Click the first point of the trend line, then the second point of the line"_s;
+
+void showWithLongUser(QMainWindow& window, StatusPanel& panel, int width)
+{
+    panel.setUser(u"first.name.and.last.name@a-long-name.example"_s);
+    window.show();
+    window.resize(width, 200);
+    QCoreApplication::processEvents();
+}
+
+} // namespace
+
 class tst_StatusPanel final : public QObject {
     Q_OBJECT
 
@@ -128,15 +143,12 @@ private Q_SLOTS:
     void aLongMessageKeepsTheRoomOfTheUsualOne()
     {
         QMainWindow window;
-        StatusPanel panel(*window.statusBar(), u"terminal.a-platform-with-a-long-name.example"_s);
-        panel.setUser(u"first.name.and.last.name@a-long-name.example"_s);
-        window.show();
-        window.resize(1, 200);
-        QCoreApplication::processEvents();
         QStatusBar& bar = *window.statusBar();
+        StatusPanel panel(bar, longHost);
+        showWithLongUser(window, panel, 1);
         const int usual = bar.contentsMargins().left();
         QVERIFY(usual > bar.fontMetrics().horizontalAdvance(u"For Help, press F1"_s));
-        panel.setHint(u"Click the first point of the trend line, then the second point of the line"_s);
+        panel.setHint(longHint);
         QCoreApplication::processEvents();
         QCOMPARE(bar.contentsMargins().left(), usual);
     }
@@ -144,14 +156,11 @@ private Q_SLOTS:
     void aMessageThatHadNoRoomGetsItInAWiderWindow()
     {
         QMainWindow window;
-        StatusPanel panel(*window.statusBar(), u"terminal.a-platform-with-a-long-name.example"_s);
-        panel.setUser(u"first.name.and.last.name@a-long-name.example"_s);
-        window.show();
-        window.resize(700, 200);
-        QCoreApplication::processEvents();
         QStatusBar& bar = *window.statusBar();
+        StatusPanel panel(bar, longHost);
+        showWithLongUser(window, panel, 700);
         const auto* selector = bar.findChild<QWidget*>(u"accountSelector"_s);
-        panel.setHint(u"Click the first point of the trend line, then the second point of the line"_s);
+        panel.setHint(longHint);
         QCoreApplication::processEvents();
         const int wanted = bar.fontMetrics().horizontalAdvance(bar.currentMessage()) + 8;
         QVERIFY(selector->x() < wanted);
