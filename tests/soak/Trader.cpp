@@ -233,6 +233,7 @@ void Trader::begin(const Activity& activity)
 {
     ++m_begun;
     m_doing = activity.name;
+    m_openBefore = openWindows(); // one that does not close is no effect of the next thing
     if (activity.begin())
         noteDone();
 }
@@ -301,7 +302,9 @@ QWidgetList Trader::openWindows() const
 bool Trader::lookForWindow()
 {
     then([this] {
-        if (!openWindows().isEmpty())
+        const QWidgetList open = openWindows();
+        if (std::any_of(
+                open.begin(), open.end(), [this](QWidget* each) { return !m_openBefore.contains(each); }))
             noteDone();
     });
     return false;

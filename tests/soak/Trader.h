@@ -86,7 +86,7 @@ private:
     template <typename Widget> [[nodiscard]] Widget* openWindow() const;
     /// All but the main window and what belongs to it.
     [[nodiscard]] QWidgetList openWindows() const;
-    /// What was begun has had its effect if a window is open in the next turn. Returns false: not yet.
+    /// What was begun has had its effect if another window is open in the next turn. Returns false: not yet.
     bool lookForWindow();
 
     QRandomGenerator m_random;
@@ -101,4 +101,5 @@ private:
     int m_begun = 0;
     QMap<QString, int> m_done;
     QString m_doing;
+    QWidgetList m_openBefore;
 };
