@@ -127,16 +127,6 @@ std::optional<QByteArray> SettingsCheck::savedAgain(
     return saved.readAll();
 }
 
-bool SettingsCheck::areFound(const QByteArray& content, const SettingsValues& entries) const
-{
-    // Qt reads a section when it is asked for a value there, and looks for it by its name.
-    return parsed(content, [&entries](const QSettings& settings) {
-        return std::all_of(entries.keyBegin(), entries.keyEnd(), [&](const QString& key) {
-            return !isReachable(key) || comparable(settings.value(key)) == entries[key];
-        });
-    }).value_or(true);
-}
-
 bool SettingsCheck::isSavedWhole(const QByteArray& content, SettingsValues entries) const
 {
     // Qt writes only where something has changed.
@@ -151,7 +141,7 @@ bool SettingsCheck::isSavedWhole(const QByteArray& content, SettingsValues entri
 std::optional<QByteArray> SettingsCheck::partToSave(const QByteArray& content) const
 {
     const std::optional<SettingsValues> read = entriesOf(content);
-    if (!read || (areFound(content, *read) && isSavedWhole(content, *read)))
+    if (!read || isSavedWhole(content, *read))
         return std::nullopt;
     const std::optional<QByteArray> part = savedAgain({}, [&](QSettings& settings) {
         static_cast<void>(parsed(content, [&settings](const QSettings& from) {

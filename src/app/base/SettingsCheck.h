@@ -38,7 +38,6 @@ public:
 
 private:
     [[nodiscard]] std::optional<SettingsValues> entriesOf(const QByteArray& content) const;
-    [[nodiscard]] bool areFound(const QByteArray& content, const SettingsValues& entries) const;
     [[nodiscard]] bool isSavedWhole(const QByteArray& content, SettingsValues entries) const;
     /// A private file with this content, which goes with the object; nothing when there is no room for it.
     [[nodiscard]] std::unique_ptr<QFile> fileWith(const QByteArray& content) const;

@@ -135,6 +135,9 @@ void SettingsStore::open()
     const QString path = m_isUnrepaired ? m_backup.copyPath() : m_filePath;
     if (!m_settings || m_settings->fileName() != path)
         m_settings = std::make_unique<QSettings>(path, QSettings::NativeFormat);
+    // Qt reads a section when one of its keys is asked for, and misses keys that are written in full
+    // elsewhere.
+    static_cast<void>(m_settings->allKeys());
 }
 
 void SettingsStore::makePrivate()

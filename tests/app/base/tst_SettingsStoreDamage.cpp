@@ -63,6 +63,9 @@ private Q_SLOTS:
         QTest::newRow("a comment after a value") << QByteArray("[ui]\ntheme=light ; my \"choice\n");
         QTest::newRow("quoted") << QByteArray("[ui]\ntheme=\"light\"\n[charts]\nlayout=\"[\\\"a;b\\\"]\"");
         QTest::newRow("line ends of another system") << QByteArray("[ui]\r\ntheme=light\r\n");
+        QTest::newRow("without a section") << QByteArray("ui/theme=light\n");
+        QTest::newRow("without a section, before others")
+            << QByteArray("ui/theme=light\n[auth]\nemail=a@x\n");
         QTest::newRow("letters of the world") << QByteArray("[ui]\ntheme=light\n[auth]\nemail=zo\xc3\xab@x");
     }
     void whatAPersonWritesByHandIsNotDamage()
@@ -123,25 +126,23 @@ private Q_SLOTS:
         QTest::addColumn<bool>("isLeftOut");
         QTest::newRow("a section that begins with a backslash")
             << QByteArray("[\\ui]\ntheme=light\n") << true;
-        QTest::newRow("a section that ends with one") << QByteArray("[ui\\]\ntheme=light\n") << true;
         QTest::newRow("bytes that are no text")
             << QByteArray("[\\\x88\xba[[General]\nalerts=\"[\x85\xa3\xdd\x9e\"\n") << true;
         QTest::newRow("no section") << QByteArray("[General]\n\\theme=light\n") << true;
         // Such a line alone is no entry, but Qt remembers it as a fault.
         QTest::newRow("no section and no name, behind a line without a value")
             << QByteArray("[]\nodd\n=light\n") << true;
-        // Within this section there is another one, with nothing in it, behind which Qt does not find
-        // anything.
-        for (const char* value : {"one", "one, two", "@ByteArray()"}) {
-            QTest::addRow("%s before an empty section", value) << "[odd]\nlater=" + QByteArray(value)
-                    + "\n[odd%2Faa]\n" << true;
-        }
         // These come back as they were.
+        QTest::newRow("a section that ends with one") << QByteArray("[ui\\]\ntheme=light\n") << false;
         QTest::newRow("a name that begins with one") << QByteArray("[ui]\n\\theme=light\n") << false;
         QTest::newRow("a name that ends with one") << QByteArray("[ui]\ntheme\\=light\n") << false;
         QTest::newRow("two in a name") << QByteArray("[ui]\na\\\\b=light\n") << false;
         QTest::newRow("no name") << QByteArray("[ui]\n=light\n") << false;
         QTest::newRow("one in a name") << QByteArray("[ui]\na\\b=light\n") << false;
+        for (const char* value : {"one", "one, two", "@ByteArray()"}) {
+            QTest::addRow("%s before an empty section", value) << "[odd]\nlater=" + QByteArray(value)
+                    + "\n[odd%2Faa]\n" << false;
+        }
         QTest::newRow("a name of the world") << QByteArray("[\xc3\xbc]\n%U20AC=light\n") << false;
     }
     void anEntryThatCannotBeSavedIsLeftAside()
@@ -151,6 +152,9 @@ private Q_SLOTS:
         saveAndEnd();
         const QByteArray edited = contentOf(m_path) + odd;
         writeFile(m_path, edited);
+        const QString asEdited = QFileInfo(m_path).path() + "/edited"_L1;
+        writeFile(asEdited, edited);
+        const QStringList keys = QSettings(asEdited, QSettings::IniFormat).allKeys();
         {
             SettingsStore store(m_path);
             QVERIFY(holdsEverything(store, {layoutOf(2)}));
@@ -172,6 +176,7 @@ private Q_SLOTS:
         SettingsStore store(m_path);
         QCOMPARE(store.takeNotices(), QStringList());
         QCOMPARE(store.value("ui/theme"_L1).toString(), u"light"_s);
+        QCOMPARE(QSettings(m_path, QSettings::IniFormat).allKeys() != keys, isLeftOut);
     }
 
     void anEntryThatCannotBeSavedAppearsBetweenTwoSaves()
