@@ -31,15 +31,6 @@ void print(const char* name, double value)
     std::cout << name << ' ' << value << std::endl;
 }
 
-std::string demoAccount(HttpClient& client)
-{
-    for (const json& account : client.get("/api/accounts").json()) {
-        if (account.at("type") == "DEMO")
-            return account.at("id").get<std::string>();
-    }
-    throw std::runtime_error("no demo account");
-}
-
 json order(const std::string& account, bool market, const std::string& comment)
 {
     json body{{"accountId", account}, {"symbol", "EURUSD"}, {"lotSize", 0.01}, {"comment", comment},
@@ -97,7 +88,7 @@ void load(int seconds)
     ::sched_setaffinity(server.pid(), sizeof core, &core);
     HttpClient first(server.port());
     first.signIn();
-    const std::string account = demoAccount(first);
+    const std::string account = first.demoAccount().at("id");
     for (int i = 0; i < 20; ++i)
         first.post("/api/trades/place", order(account, true, "held"));
 
@@ -173,7 +164,7 @@ void restart(int times)
         HttpClient client(server.port());
         client.signIn();
         token = client.token();
-        const std::string account = demoAccount(client);
+        const std::string account = client.demoAccount().at("id");
         for (int i = 0; i < 200; ++i)
             client.post("/api/trades/place", order(account, i % 2 == 0, "kept"));
     }

@@ -28,15 +28,6 @@ boost::asio::ip::tcp::acceptor listening(boost::asio::io_context& context)
 
 using Clock = std::chrono::steady_clock;
 
-std::string demoAccount(HttpClient& client)
-{
-    for (const nlohmann::json& account : client.get("/api/accounts").json()) {
-        if (account.at("type") == "DEMO")
-            return account.at("id").get<std::string>();
-    }
-    throw std::runtime_error("no demo account");
-}
-
 /// Whether a connection is refused: every question on it fails.
 bool isRefused(std::uint16_t port)
 {
@@ -119,10 +110,13 @@ TEST_CASE("behind a slow line everything works, only later: requests, orders and
     HttpClient client(server.port());
     client.signIn();
     const HttpReply reply = client.post("/api/trades/place",
-        {{"symbol", "EURUSD"}, {"lotSize", 0.1}, {"accountId", demoAccount(client)}, {"orderKind", "MARKET"},
-            {"type", "BUY"}});
+        {{"symbol", "EURUSD"}, {"lotSize", 0.1}, {"accountId", client.demoAccount().at("id")},
+            {"orderKind", "MARKET"}, {"type", "BUY"}});
     CHECK_EQ(reply.status, 200);
-    CHECK_EQ(client.get("/api/trades/open?accountId=" + demoAccount(client)).json().size(), 1U);
+    CHECK_EQ(client.get("/api/trades/open?accountId=" + client.demoAccount().at("id").get<std::string>())
+                 .json()
+                 .size(),
+        1U);
     FeedClient feed(server.port(), client.token());
     CHECK_EQ(feed.read().at("type"), "hello");
     CHECK_EQ(feed.readUntil("price_update").at("type"), "price_update");

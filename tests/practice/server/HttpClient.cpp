@@ -62,3 +62,12 @@ void HttpClient::signIn()
         throw std::runtime_error("cannot sign in: " + reply.body);
     m_token = reply.json().at("token").get<std::string>();
 }
+
+nlohmann::json HttpClient::demoAccount()
+{
+    for (const nlohmann::json& account : get("/api/accounts").json()) {
+        if (account.at("type") == "DEMO")
+            return account;
+    }
+    throw std::runtime_error("no demo account");
+}

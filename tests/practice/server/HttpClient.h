@@ -40,6 +40,8 @@ public:
     [[nodiscard]] const std::string& token() const { return m_token; }
     /// Signs in as the practice trader and keeps the token.
     void signIn();
+    /// The record of the practice trader's demo account. Signed in only.
+    [[nodiscard]] nlohmann::json demoAccount();
 
     /// The next reply on this connection. `withBody` is false for the reply to HEAD.
     [[nodiscard]] HttpReply read(bool withBody = true);

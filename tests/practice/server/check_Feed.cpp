@@ -20,10 +20,7 @@ struct Desk {
         : server((folder / "x.db").string(), {"--speed", speed})
     {
         client.signIn();
-        for (const json& account : client.get("/api/accounts").json()) {
-            if (account.at("type") == "DEMO")
-                demo = account.at("id").get<std::string>();
-        }
+        demo = client.demoAccount().at("id");
     }
 
     std::string buy()

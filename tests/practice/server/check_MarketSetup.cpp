@@ -25,10 +25,7 @@ public:
         : m_client(server.port())
     {
         m_client.signIn();
-        for (const json& row : m_client.get("/api/accounts").json()) {
-            if (row.at("type") == "DEMO")
-                m_account = row;
-        }
+        m_account = m_client.demoAccount();
     }
     [[nodiscard]] const json& account() const { return m_account; }
     [[nodiscard]] json list(const std::string& kind)

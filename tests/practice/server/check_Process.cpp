@@ -28,15 +28,6 @@ bool oneLine(const std::string& text)
     return !text.empty() && text.find('\n') == text.size() - 1;
 }
 
-std::string demoAccount(HttpClient& client)
-{
-    for (const json& account : client.get("/api/accounts").json()) {
-        if (account.at("type") == "DEMO")
-            return account.at("id").get<std::string>();
-    }
-    throw std::runtime_error("no demo account");
-}
-
 } // namespace
 
 TEST_CASE("help and version are printed and end with 0")
@@ -154,8 +145,8 @@ TEST_CASE("asked to end while it goes through missed time it ends at once, and t
         client.signIn();
         CHECK_EQ(client
                      .post("/api/trades/place",
-                         {{"accountId", demoAccount(client)}, {"symbol", "EURUSD"}, {"orderKind", "MARKET"},
-                             {"type", "BUY"}, {"lotSize", 1}})
+                         {{"accountId", client.demoAccount().at("id")}, {"symbol", "EURUSD"},
+                             {"orderKind", "MARKET"}, {"type", "BUY"}, {"lotSize", 1}})
                      .status,
             200);
         server.kill();
@@ -276,7 +267,7 @@ TEST_CASE("a start whose clock is behind the open trades goes on from their time
         HttpClient client(server.port());
         client.signIn();
         token = client.token();
-        account = demoAccount(client);
+        account = client.demoAccount().at("id");
         today = lastBar(server);
         CHECK_EQ(client
                      .post("/api/trades/place",
@@ -335,7 +326,7 @@ TEST_CASE("hundreds of silent connections keep no newcomer out")
     for (int newcomer = 0; newcomer < 3; ++newcomer) {
         HttpClient client(server.port());
         client.signIn();
-        const std::string account = demoAccount(client);
+        const std::string account = client.demoAccount().at("id");
         FeedClient feed(server.port(), client.token());
         CHECK_EQ(feed.read().at("type"), "hello");
         const HttpReply placed = client.post("/api/trades/place",
@@ -366,7 +357,7 @@ TEST_CASE("killed at any moment it loses no acknowledged order and has none twic
             HttpClient client(server.port());
             client.signIn();
             token = client.token();
-            account = demoAccount(client);
+            account = client.demoAccount().at("id");
         }
         std::thread killer([&, delay = std::chrono::microseconds(random() % 200'000)] {
             std::this_thread::sleep_for(delay);

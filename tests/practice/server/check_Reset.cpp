@@ -41,10 +41,7 @@ public:
         }
         throw std::runtime_error("no such account");
     }
-    [[nodiscard]] json demo()
-    {
-        return account([](const json& row) { return row.at("type") == "DEMO"; });
-    }
+    [[nodiscard]] json demo() { return m_client.demoAccount(); }
     [[nodiscard]] json challenge()
     {
         return account([](const json& row) { return row.at("type") == "PLAN" && !row.at("isFunded"); });
