@@ -7,18 +7,15 @@
 #include "net/WsClient.h"
 #include "scenes/FeedSource.h"
 #include "scenes/Series.h"
+#include "soak/GapWatch.h"
 
 #include <QCoreApplication>
 #include <QElapsedTimer>
 #include <QEventLoop>
 #include <QJsonArray>
 #include <QJsonObject>
-#include <QTimer>
 
 #include <benchmark/benchmark.h>
-
-#include <algorithm>
-#include <ctime>
 
 using namespace Qt::StringLiterals;
 
@@ -47,56 +44,6 @@ std::vector<QByteArray> priceMessages(int count, qsizetype padding = 0)
     texts.push_back(R"({"type":"orders_changed"})");
     return texts;
 }
-
-/// The time for which this thread really ran, in ns: what others took from it is not in it.
-qint64 threadTimeNs()
-{
-    timespec time{};
-    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
-    return qint64{time.tv_sec} * 1'000'000'000 + time.tv_nsec;
-}
-
-/// The longest time for which the event loop did not turn.
-class TurnWatch final {
-public:
-    TurnWatch()
-    {
-        m_timer.setTimerType(Qt::PreciseTimer);
-        QObject::connect(&m_timer, &QTimer::timeout, &m_timer, [this] { note(); });
-    }
-
-    void start()
-    {
-        m_longestNs = 0;
-        m_longestRunNs = 0;
-        m_sinceLast.start();
-        m_ranAtLast = threadTimeNs();
-        m_timer.start(1);
-    }
-
-    void stop(benchmark::State& state)
-    {
-        m_timer.stop();
-        note();
-        state.counters["gap_ms"] = static_cast<double>(m_longestNs) / 1e6;
-        state.counters["gap_cpu_ms"] = static_cast<double>(m_longestRunNs) / 1e6;
-    }
-
-private:
-    void note()
-    {
-        m_longestNs = std::max(m_longestNs, m_sinceLast.nsecsElapsed());
-        m_longestRunNs = std::max(m_longestRunNs, threadTimeNs() - m_ranAtLast);
-        m_sinceLast.start();
-        m_ranAtLast = threadTimeNs();
-    }
-
-    QTimer m_timer;
-    QElapsedTimer m_sinceLast;
-    qint64 m_longestNs = 0;
-    qint64 m_ranAtLast = 0;
-    qint64 m_longestRunNs = 0;
-};
 
 /// Nobody answers there: the charts get no history but what they are given here.
 void leaveRequestsUnanswered()
@@ -138,9 +85,13 @@ public:
         QElapsedTimer clock;
         clock.start();
         m_source.send(texts, batch);
-        m_watch.start(); // without the making of what is sent
+        static_cast<void>(m_watch.take()); // from here on, without the making of what is sent
+        m_watch.resume();
         m_turn.exec();
-        m_watch.stop(state);
+        m_watch.pause();
+        const GapWatch::Gaps gaps = m_watch.take();
+        state.counters["gap_ms"] = gaps.longestMs;
+        state.counters["gap_cpu_ms"] = gaps.longestRunMs;
         state.counters["whole_ms"] = static_cast<double>(clock.elapsed());
     }
 
@@ -149,7 +100,7 @@ private:
     MainWindow m_window;
     WsClient m_feed{TerminalSettings::instance()};
     QEventLoop m_turn;
-    TurnWatch m_watch;
+    GapWatch m_watch{1};
 };
 
 void receive(benchmark::State& state, int messages, int aMillisecond, qsizetype padding = 0)

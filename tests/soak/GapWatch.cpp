@@ -16,7 +16,8 @@ qint64 threadTimeNs()
 
 } // namespace
 
-GapWatch::GapWatch()
+GapWatch::GapWatch(int periodMs)
+    : m_periodMs(periodMs)
 {
     m_timer.setTimerType(Qt::PreciseTimer);
     QObject::connect(&m_timer, &QTimer::timeout, &m_timer, [this] { note(); });
@@ -35,7 +36,7 @@ void GapWatch::resume()
 {
     m_sinceLast.start();
     m_ranAtLast = threadTimeNs();
-    m_timer.start(periodMs);
+    m_timer.start(m_periodMs);
 }
 
 void GapWatch::forget()
@@ -52,7 +53,7 @@ GapWatch::Gaps GapWatch::take()
 void GapWatch::note()
 {
     // A turn that comes in time is as long as the timer waits.
-    const double ms = std::max(0.0, static_cast<double>(m_sinceLast.nsecsElapsed()) / 1e6 - periodMs);
+    const double ms = std::max(0.0, static_cast<double>(m_sinceLast.nsecsElapsed()) / 1e6 - m_periodMs);
     const double runMs = static_cast<double>(threadTimeNs() - m_ranAtLast) / 1e6;
     add(m_recent, ms, runMs);
     add(m_all, ms, runMs);

@@ -11,7 +11,9 @@
 /// of all.
 class GapWatch final {
 public:
-    GapWatch();
+    /// Looks every `periodMs`, from 1; a longer period sees less of short gaps, and wakes the thread less
+    /// often.
+    explicit GapWatch(int periodMs = 5);
 
     /// What is done from now on; for the longest gap.
     void setDoing(const QString& what) { m_doing = what; }
@@ -36,7 +38,6 @@ public:
     [[nodiscard]] const QMap<QString, double>& byDoing() const { return m_byDoing; }
 
 private:
-    static constexpr int periodMs = 5;
     struct Record {
         double longestMs = 0.0;
         double longestRunMs = 0.0;
@@ -49,6 +50,7 @@ private:
     [[nodiscard]] static Gaps gapsOf(const Record& record);
     void add(Record& record, double ms, double runMs) const;
 
+    int m_periodMs;
     QTimer m_timer;
     QElapsedTimer m_sinceLast;
     qint64 m_ranAtLast = 0;
