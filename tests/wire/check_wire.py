@@ -198,6 +198,7 @@ def be_refused(wire):
     wire.ask(404, "GET", "/api/nothing")
     wire.knock(401, "wrong").close()
     wire.knock(403, wire.token, {"Origin": "http://elsewhere.example"}).close()
+    wire.knock(400, wire.token, {"Sec-WebSocket-Version": "12"}).close()
     wire.token = ""
     for method, address in addresses[2:-1]:
         wire.ask(401, method, address)
