@@ -6,6 +6,7 @@
 #include "practice/core/broker/RecordText.h"
 
 #include <algorithm>
+#include <set>
 #include <utility>
 
 namespace lab {
@@ -226,6 +227,29 @@ BarsEvent barsIn(LineReader& line, const std::vector<SymbolSpec>& symbols)
     return event;
 }
 
+/// The ids of what stands before the start, where each stands once.
+class Beginning final {
+public:
+    void add(const practice::Account& account)
+    {
+        if (!m_accounts.insert(account.id).second)
+            throw BadColumn("the account " + LineReader::quoted(account.id) + " is there twice");
+    }
+    void add(const practice::Trade& trade)
+    {
+        if (!m_accounts.contains(trade.accountId))
+            throw BadColumn("there is no account " + LineReader::quoted(trade.accountId));
+        if (!isLive(trade))
+            throw BadColumn("the trade " + LineReader::quoted(trade.id) + " is finished");
+        if (!m_trades.insert(trade.id).second)
+            throw BadColumn("the trade " + LineReader::quoted(trade.id) + " is there twice");
+    }
+
+private:
+    std::set<std::string> m_accounts;
+    std::set<std::string> m_trades;
+};
+
 /// Nothing for a line of a kind that is not known.
 std::optional<decltype(SessionEvent::what)> eventIn(
     std::string_view kind, LineReader& line, const std::vector<SymbolSpec>& symbols)
@@ -281,6 +305,7 @@ void SessionFile::readStart()
         fail("is a recording of format " + std::to_string(number) + ", and only 1 is known");
     m_start.version = header.text();
     m_lastTime = m_start.time = header.number<TimeMs>();
+    Beginning beginning;
     while (readLine(text)) {
         LineReader line(text);
         const std::string_view kind = line.word();
@@ -290,14 +315,17 @@ void SessionFile::readStart()
             static_cast<void>(line.number<TimeMs>());
             if (kind == "start")
                 return;
-            if (kind == "account")
+            if (kind == "account") {
                 m_start.state.accounts.push_back(accountIn(line));
-            else if (kind == "trade")
+                beginning.add(m_start.state.accounts.back());
+            } else if (kind == "trade") {
                 m_start.state.liveTrades.push_back(tradeIn(line));
-            else if (kind == "seen")
+                beginning.add(m_start.state.liveTrades.back());
+            } else if (kind == "seen") {
                 m_start.prices = quotesIn(line, m_start.symbols);
-            else
+            } else {
                 fail(LineReader::quoted(kind) + " is no line of the beginning");
+            }
         }
         line.expectEnd();
     }

@@ -7,11 +7,6 @@
 namespace practice {
 namespace {
 
-bool isLive(const Trade& trade)
-{
-    return trade.status == TradeStatus::Open || trade.status == TradeStatus::Pending;
-}
-
 // Ids break ties, so that the order is the same after a restart.
 bool isOlder(const LiveTrade* left, const LiveTrade* right)
 {

@@ -84,8 +84,14 @@ struct Trade {
     friend bool operator==(const Trade&, const Trade&) = default;
 };
 
+/// Whether it may still change: a position or a pending order.
+[[nodiscard]] inline bool isLive(const Trade& trade)
+{
+    return trade.status == TradeStatus::Open || trade.status == TradeStatus::Pending;
+}
+
 /// Everything the broker must be given back after a restart: all accounts, in the order in which they are
-/// listed, and the trades that are still Open or Pending. Finished trades live in storage only.
+/// listed, and the trades that are live. Finished trades live in storage only.
 struct BrokerState {
     std::vector<Account> accounts;
     std::vector<Trade> liveTrades;

@@ -155,6 +155,28 @@ TEST_CASE("damage is told with file and line")
     CHECK_EQ(Recording("\n").error(), std::string("session:8: a column is missing"));
 }
 
+TEST_CASE("a beginning that contradicts itself is damage, and names the line")
+{
+    const std::string start = "start\t1000\n";
+    const std::string lines = header.substr(0, header.size() - start.size());
+    const auto lineOf = [](const std::string& kind) {
+        const std::size_t begin = header.find(kind + "\t1000\t");
+        return header.substr(begin, header.find('\n', begin) + 1 - begin);
+    };
+    const auto changed = [](std::string line, const std::string& from, const std::string& to) {
+        line.replace(line.find(from), from.size(), to);
+        return line;
+    };
+    const auto error = [&](const std::string& line) { return Recording("", lines + line + start).error(); };
+    CHECK_EQ(error(lineOf("account")), std::string("session:7: the account \"A\" is there twice"));
+    CHECK_EQ(error(lineOf("trade")), std::string("session:7: the trade \"T\" is there twice"));
+    CHECK_EQ(error(changed(lineOf("trade"), "\tT\tA\t", "\tU\tB\\n\t")),
+        std::string("session:7: there is no account \"B?\""));
+    const std::string closed = changed(changed(lineOf("trade"), "\tT\t", "\tU\t"), "OPEN", "CLOSED");
+    CHECK_EQ(error(closed), std::string("session:7: the trade \"U\" is finished"));
+    CHECK_EQ(error(changed(lineOf("trade"), "\tT\t", "\tU\t")), std::string());
+}
+
 TEST_CASE("a number that no session can hold is damage")
 {
     const auto start
