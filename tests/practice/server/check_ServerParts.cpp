@@ -138,6 +138,17 @@ TEST_CASE("at any moment one high-impact event lies within the next quarter of a
     }
 }
 
+TEST_CASE("of the events without high impact a third has a low one")
+{
+    std::map<std::string_view, int> impacts;
+    for (int day = 0; day < 100; ++day) {
+        for (const NewsEvent& event : NewsCalendar(42).around(1'750'000'000'000 + day * dayMs))
+            ++impacts[event.impact];
+    }
+    const double share = impacts["LOW"] / (1.0 * impacts["LOW"] + impacts["MEDIUM"]);
+    CHECK(share > 0.3 && share < 0.367);
+}
+
 TEST_CASE("an event keeps its id, time and words while time goes by")
 {
     const NewsCalendar calendar(42);
