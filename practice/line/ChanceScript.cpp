@@ -66,13 +66,22 @@ void ChanceScript::pass(Way way, std::string bytes, LineCarrier& carrier)
     // In packets, so that a slow line brings a little at a time and no connection waits long for another.
     for (std::size_t begin = 0; begin < bytes.size(); begin += packet) {
         std::string piece = bytes.substr(begin, packet);
-        const std::chrono::nanoseconds more(std::llround(
-            m_random.uniform() * std::chrono::duration<double, std::nano>(m_quality.jitter).count()));
-        const auto delay = m_throttles.at(index).enter(piece.size(), now) + m_quality.latency + more;
+        const auto delay = m_throttles.at(index).enter(piece.size(), now) + underWay();
         carrier.send(way, std::move(piece), delay);
     }
     if (fallsSilent)
         carrier.end(LineEnd::Silence);
+}
+
+std::chrono::nanoseconds ChanceScript::endDelay()
+{
+    return underWay();
+}
+
+std::chrono::nanoseconds ChanceScript::underWay()
+{
+    const double most = std::chrono::duration<double, std::nano>(m_quality.jitter).count();
+    return m_quality.latency + std::chrono::nanoseconds(std::llround(m_random.uniform() * most));
 }
 
 } // namespace practice

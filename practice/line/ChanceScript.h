@@ -31,8 +31,11 @@ public:
 
     void open(LineCarrier& carrier) override;
     void pass(Way way, std::string bytes, LineCarrier& carrier) override;
+    [[nodiscard]] std::chrono::nanoseconds endDelay() override;
 
 private:
+    [[nodiscard]] std::chrono::nanoseconds underWay();
+
     LineQuality m_quality;
     Throttles& m_throttles;
     HashRandom m_random;

@@ -128,7 +128,8 @@ void LineConnection::read(Lane& lane)
             }
             self->add(lane,
                 {error == net::error::eof ? Piece::Kind::Close : Piece::Kind::Reset, {},
-                    std::chrono::steady_clock::now()});
+                    std::chrono::steady_clock::now()
+                        + std::chrono::duration_cast<Time::duration>(self->m_script->endDelay())});
         });
 }
 

@@ -35,6 +35,9 @@ public:
     virtual void open(LineCarrier& carrier) = 0;
     /// Bytes have come from one end. What the script does not send on is lost.
     virtual void pass(Way way, std::string bytes, LineCarrier& carrier) = 0;
+    /// One end has closed or reset the connection: for how long that is under way. It comes behind all that
+    /// was sent before it.
+    [[nodiscard]] virtual std::chrono::nanoseconds endDelay() { return {}; }
 };
 
 } // namespace practice

@@ -9,6 +9,7 @@
 #include <boost/asio/write.hpp>
 
 #include <atomic>
+#include <chrono>
 #include <functional>
 #include <future>
 #include <memory>
@@ -96,11 +97,13 @@ struct Scripted final : LineScript {
     std::function<void(LineCarrier&)> onOpen = [](LineCarrier&) {};
     std::function<void(Way, std::string, LineCarrier&)> onPass
         = [](Way way, std::string bytes, LineCarrier& carrier) { carrier.send(way, std::move(bytes), {}); };
+    std::chrono::nanoseconds lateEnd{};
     void open(LineCarrier& carrier) override { onOpen(carrier); }
     void pass(Way way, std::string bytes, LineCarrier& carrier) override
     {
         onPass(way, std::move(bytes), carrier);
     }
+    std::chrono::nanoseconds endDelay() override { return lateEnd; }
 };
 
 /// A line to an echo, on a thread of its own.
@@ -169,6 +172,25 @@ TEST_CASE("the end of one side reaches the other, behind everything before it")
     }
     awaitEnd(place.echo, 1);
     CHECK_EQ(place.echo.lines(), 2);
+}
+
+TEST_CASE("the end of one side is under way as well")
+{
+    constexpr std::chrono::milliseconds late(30);
+    Scripted script;
+    script.lateEnd = late;
+    Place place(script);
+    WireSocket client(place.port());
+    const auto begin = std::chrono::steady_clock::now();
+    client.send("bye\n");
+    CHECK_EQ(client.readAll(), std::string("bye\n"));
+    const auto left = std::chrono::steady_clock::now();
+    CHECK(left - begin >= late);
+    {
+        const WireSocket leaving(place.port());
+    }
+    awaitEnd(place.echo, 1);
+    CHECK(std::chrono::steady_clock::now() - left >= late);
 }
 
 TEST_CASE("delayed pieces keep their order")
