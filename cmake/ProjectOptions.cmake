@@ -27,7 +27,9 @@ if(TAVORAN_WERROR)
   target_compile_options(tavoran_flags INTERFACE -Werror)
 endif()
 if(TAVORAN_SANITIZE)
-  target_compile_options(tavoran_flags INTERFACE -fsanitize=${TAVORAN_SANITIZE} -fno-omit-frame-pointer)
+  # What they find ends the program: a test that only prints it would pass.
+  target_compile_options(tavoran_flags INTERFACE
+    -fsanitize=${TAVORAN_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
   target_link_options(tavoran_flags INTERFACE -fsanitize=${TAVORAN_SANITIZE})
 endif()
 
