@@ -299,6 +299,15 @@ void Soak::sumUp()
     say(u"activities"_s, m_trader->total());
     say(u"rests_given_up"_s, m_restsGivenUp);
     m_neverDone = m_trader->neverDone();
+    const double seconds = m_sampler->seconds();
+    if (m_plan.cutEvery > 0 && seconds > 2 * m_plan.cutEvery) {
+        if (m_relay.cuts() == 0)
+            m_neverHappened.append(u"cuts"_s);
+        if (m_sampler->connects() == 0)
+            m_neverHappened.append(u"reconnects"_s);
+    }
+    if (m_plan.burstEvery > 0 && seconds > 2 * m_plan.burstEvery && m_relay.flooded() < m_plan.burst)
+        m_neverHappened.append(u"floods"_s);
     const QMap<QString, int>& done = m_trader->done();
     for (auto each = done.cbegin(); each != done.cend(); ++each)
         say(u"did_"_s + QString(each.key()).replace(u' ', u'_'), each.value());

@@ -45,6 +45,8 @@ public:
     [[nodiscard]] const std::optional<Sampler::Sample>& last() const { return m_last; }
     /// Things to do that had no effect whenever they were begun.
     [[nodiscard]] const QStringList& neverDone() const { return m_neverDone; }
+    /// What befalls the line and did not once, though it was planned for: cuts, reconnects, floods.
+    [[nodiscard]] const QStringList& neverHappened() const { return m_neverHappened; }
     /// "name value" lines of what was done and met.
     [[nodiscard]] QStringList summary() const { return m_summary; }
 
@@ -91,5 +93,6 @@ private:
     std::optional<Sampler::Sample> m_baseline;
     std::optional<Sampler::Sample> m_last;
     QStringList m_neverDone;
+    QStringList m_neverHappened;
     QStringList m_summary;
 };

@@ -164,7 +164,12 @@ void Trader::listActivities()
                 return m_area->charts().size() < before;
             }},
         {u"experts attached or detached"_s, 6, [this] { return switchExpert(); }},
-        {u"algo trading switches"_s, 2, trigger(m_actions->algoTrading)},
+        {u"algo trading switches"_s, 2,
+            [this] {
+                const bool before = m_actions->algoTrading->isChecked();
+                m_actions->algoTrading->trigger();
+                return m_actions->algoTrading->isChecked() != before;
+            }},
         {u"alerts added"_s, 5, [this] { return addAlert(); }},
         {u"alerts deleted"_s, 2, [this] { return deleteAlerts(); }},
         {u"drawings"_s, 6, [this] { return draw(); }},
@@ -187,16 +192,19 @@ void Trader::listActivities()
         {u"toolbox tabs"_s, 4,
             [this] {
                 auto* toolbox = m_window.findChild<TerminalPane*>();
-                toolbox->setCurrentIndex(chance(toolbox->count()));
-                return true;
+                const int before = toolbox->currentIndex();
+                toolbox->setCurrentIndex((before + 1 + chance(toolbox->count() - 1)) % toolbox->count());
+                return toolbox->currentIndex() != before;
             }},
         {u"symbols chosen"_s, 3, [this] { return chooseSymbol(); }},
         {u"accounts chosen"_s, 2,
             [this] {
                 auto* accounts = m_window.findChild<QComboBox*>(u"accountSelector"_s);
-                if (accounts->count() > 0)
-                    accounts->setCurrentIndex(chance(accounts->count()));
-                return accounts->count() > 0;
+                const int before = accounts->currentIndex();
+                if (accounts->count() > 1)
+                    accounts->setCurrentIndex(
+                        (before + 1 + chance(accounts->count() - 1)) % accounts->count());
+                return accounts->currentIndex() != before;
             }},
         {u"windows tiled or cascaded"_s, 2,
             [this] {
@@ -206,8 +214,9 @@ void Trader::listActivities()
         {u"layouts restored"_s, 1, trigger(m_actions->restoreLayout)},
         {u"window sizes"_s, 2,
             [this] {
+                const QSize before = m_window.size();
                 m_window.resize(1000 + chance(280), 700 + chance(100));
-                return true;
+                return m_window.size() != before;
             }},
         {u"histories refreshed"_s, 3, trigger(m_actions->refresh)},
     };

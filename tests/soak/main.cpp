@@ -127,6 +127,10 @@ int judge(const Soak& soak, const Wanted& wanted)
         std::fprintf(stderr, "Never had an effect: %s\n", qPrintable(soak.neverDone().join(u", "_s)));
         status = 1;
     }
+    if (const QStringList missing = soak.neverHappened(); !missing.isEmpty()) {
+        std::fprintf(stderr, "Never happened: %s\n", qPrintable(missing.join(u", "_s)));
+        status = 1;
+    }
     if (wanted.baseline) {
         const QStringList left = leftovers(*soak.baseline(), *soak.last());
         for (const QString& line : left)
