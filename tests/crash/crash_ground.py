@@ -26,6 +26,11 @@ class Ground:
         self.faults += 1
         self.row(f"FAULT: {text} (seed {self.seed})")
 
+    def must_have(self, count, what):
+        """A trial without a single one of them would find no fault whatever happens."""
+        if count < 1:
+            self.fault(f"{what}: none, so nothing is proved")
+
     def environment(self, folder=None, **more):
         """That of a program; what it does to files below the folder goes through the faulty disk."""
         variables = dict(os.environ, QT_QPA_PLATFORM="offscreen", LC_ALL="C.UTF-8", LANGUAGE="en",

@@ -194,6 +194,7 @@ def kills_of_runs(ground, count, chance):
         where = f"run killed after {moment:.3f} s"
         at_random += was_killed(ground, runs.lab.killed_after(moment, "run", *runs.NEW, "--out", folder / "out"), where)
         runs.judge(folder, is_over, where)
+    ground.must_have(operations, "kills before operations of a run")
     ground.row(f"runs of the lab killed: {operations} before {'each operation' if step == 1 else 'operations'}, "
                f"{at_random} at random moments; {runs.new} had put all into place, {runs.mixed} left files of two results "
                f"or some of one, each whole; {ground.faults - before} faults")

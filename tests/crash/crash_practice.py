@@ -212,5 +212,6 @@ def power_losses(ground, count, orders=60):
         check(ground, place, told, size, f"platform, power lost after {size} bytes of its journal")
         acknowledged += sum(then <= size for _, then in told.placed.values())
         shutil.rmtree(place)
+    ground.must_have(acknowledged, "power lost while trading: orders looked for")
     ground.row(f"power lost while trading on the platform: {count} losses, {acknowledged} acknowledged orders looked "
                f"for, {ground.faults - before} faults")

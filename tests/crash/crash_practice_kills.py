@@ -158,6 +158,7 @@ def kills(ground, count):
     while done < count and trial.kill(f"kill {done + 1} of the platform", chance.random() * LONGEST):
         done += 1
     trial.last_look()
+    ground.must_have(trial.acknowledged, "kills of the platform: acknowledged orders")
     ground.row(f"the platform killed while {CLIENTS} clients trade: {done} kills, {trial.acknowledged} acknowledged orders "
                f"looked for, {trial.lost} lost, {trial.twice} there twice, {ground.faults - before} faults")
     return {"kills": done, "acknowledged": trial.acknowledged, "lost": trial.lost, "twice": trial.twice}

@@ -184,6 +184,8 @@ def orders_with_rooms(ground, count):
             if (status := platform.leave()) != 0:
                 ground.fault(f"platform, run {run}: ends with {status}: {platform.errors()[-300:]}")
         orders.check(ground, folder, f"platform, after run {run}")
+    ground.must_have(refused, "full disk: orders refused")
+    ground.must_have(orders.acknowledged, "full disk: orders acknowledged")
     ground.row(f"full disk, orders at the platform: {len(sizes)} rooms from 0 to {sizes[-1]} bytes, "
                f"{orders.acknowledged} changes acknowledged, {refused} refused, {ground.faults - before} faults")
     return folder, orders
@@ -217,6 +219,7 @@ def starts_with_rooms(ground, count, base, orders, what):
             ground.fault(f"{where}: {error}")
         orders.check(ground, place, where)
         shutil.rmtree(place)
+    ground.must_have(refused, "full disk: starts refused")
     ground.row(f"full disk, starts of the platform {what}: {len(sizes)} rooms from 0 to {sizes[-1]} bytes, {refused} "
                f"starts refused, {ground.faults - before} faults")
 
@@ -271,6 +274,7 @@ def runs_with_rooms(ground, count):
                 ground.fault(f"{where}: not right with room: {done.stderr[:200]}")
             if len(list(lab.folder.iterdir())) != 2:
                 ground.fault(f"{where}: left beside it {sorted(place.name for place in lab.folder.iterdir())}")
+    ground.must_have(refused, "full disk: runs refused")
     ground.row(f"full disk, results of the lab: {len(sizes)} rooms from 0 to {sizes[-1]} bytes, twice, {refused} runs "
                f"refused, {ground.faults - before} faults")
 
@@ -306,6 +310,7 @@ def sweeps_with_rooms(ground, count):
         if not out.exists() or (out / "sweep.csv").read_bytes() != sweeps.table:
             ground.fault(f"{where}: not right with room: {done.stderr[:200]}")
         shutil.rmtree(out, ignore_errors=True)
+    ground.must_have(refused, "full disk: sweeps refused")
     ground.row(f"full disk, sweeps of the lab: {len(sizes)} rooms from 0 to {sizes[-1]} bytes, {refused} sweeps "
                f"refused, {begun} of them with sets to go on from, {ground.faults - before} faults")
 

@@ -26,17 +26,24 @@ PIECES = ("kills", "kills-practice", "window", "disk", "disk-window", "disk-prac
           "lab", "sweep")
 
 
+def at_least_one(text):
+    number = int(text)
+    if number < 1:
+        raise argparse.ArgumentTypeError(f"{number} would prove nothing")
+    return number
+
+
 def main():
     parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
     parser.add_argument("--tests", required=True, help="folder of the test programs")
     parser.add_argument("--bin", required=True, help="folder of the programs")
-    parser.add_argument("--kills", type=int, default=1000)
-    parser.add_argument("--windows", type=int, default=1000, help="kills of the window itself")
-    parser.add_argument("--platforms", type=int, default=1000, help="kills of the practice platform")
-    parser.add_argument("--labs", type=int, default=1000, help="kills of the lab's runs; a fifth as many of sweeps")
-    parser.add_argument("--operations", type=int, default=1000, help="at most so many operations are killed before")
+    parser.add_argument("--kills", type=at_least_one, default=1000)
+    parser.add_argument("--windows", type=at_least_one, default=1000, help="kills of the window itself")
+    parser.add_argument("--platforms", type=at_least_one, default=1000, help="kills of the practice platform")
+    parser.add_argument("--labs", type=at_least_one, default=1000, help="kills of the lab's runs; a fifth as many of sweeps")
+    parser.add_argument("--operations", type=at_least_one, default=1000, help="at most so many operations are killed before")
     parser.add_argument("--sizes", type=int, default=0, help="of a full disk; 0 for each single one")
-    parser.add_argument("--losses", type=int, default=500)
+    parser.add_argument("--losses", type=at_least_one, default=500)
     parser.add_argument("--seed", type=int, default=int(time.time()))
     parser.add_argument("--only", action="append", choices=PIECES)
     arguments = parser.parse_args()

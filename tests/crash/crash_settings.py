@@ -154,6 +154,7 @@ def kills_at_each_operation(ground, most):
                 ground.fault(f"{where}: the next save took {time.monotonic() - begun:.0f} s")
             run_to_end(ground, again, where)
             check_left_overs(ground, folder, where)
+    ground.must_have(kills, "kills before operations of saving")
     ground.row(f"killed before each operation of saving: {kills} kills, {ground.faults - before} faults")
 
 
@@ -162,7 +163,7 @@ def full_disk(ground, sizes):
     folder = ground.folder() / "Tavoran"
     folder.parent.mkdir()
     most = 24000
-    step = 1 if sizes == 0 else most // sizes
+    step = 1 if sizes == 0 else max(1, most // sizes)
     run = subprocess.run([ground.saver, "disk", folder / NAME, "0", str(most), str(step)],
                          env=ground.environment(folder), capture_output=True, text=True, check=False)
     lines = run.stdout.splitlines()
@@ -211,6 +212,7 @@ def power_losses(ground, count):
             newest = place
             newest_number = found
         base, base_number = newest, newest_number or 0
+    ground.must_have(looked_for, "power lost while saving: saves looked for")
     ground.row(f"power lost while saving settings: {count} losses in {runs} runs, after {looked_for} of which a save of "
                f"the run was looked for, {ground.faults - before} faults")
 

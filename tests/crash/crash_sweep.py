@@ -91,6 +91,7 @@ def kills_of_sweeps(ground, sweeps, count, chance):
         at_random += was_killed(ground, sweeps.lab.killed_after(moment, "sweep", *SWEEP, "--out", out), where)
         sweeps.judge(out, where)
         shutil.rmtree(out)
+    ground.must_have(operations, "kills before operations of a sweep")
     ground.row(f"sweeps of the lab killed: {operations} before {'each operation' if step == 1 else 'operations'}, "
                f"{at_random} at random moments; {sweeps.kept - kept} finished sets found again, "
                f"{ground.faults - before} faults")
@@ -200,6 +201,7 @@ def chunks_of_plans(ground, kills, losses, chance):
                 ground.fault(f"{where}: it was told to be done, and is not")
             plan.judge(kind, place, where)
             shutil.rmtree(place)
+        ground.must_have(killed, f"kills before operations of {kind}")
         ground.row(f"chunks of a plan, {kind}: {killed} kills before {'each operation' if step == 1 else 'operations'}, "
                    f"{losses} power losses, {ends} of them after the end, {ground.faults - before} faults")
 

@@ -10,6 +10,7 @@ import time
 import crash_practice
 from line_reader import LineReader, Silent
 
+SAVING_AMONG = 50  # so many kills hit a save
 SCREEN = "offscreen:configfile=" + os.path.abspath(os.path.join(os.path.dirname(__file__), "../../bench/screen.json"))
 PATIENCE = 60  # seconds that a start may take; a busy machine is slow, and a hanging one is found all the same
 DEFAULT_LAYOUT = "the default layout is used"
@@ -176,6 +177,11 @@ def kills(ground, count):
         trial.run("the last start", lambda window, _: window.kill())
     finally:
         trial.end()
+    if count >= SAVING_AMONG:
+        ground.must_have(trial.while_saving, "kills of the window: in a save")
+    ground.must_have(len(trial.starts), "kills of the window: starts looked at")
+    if not trial.starts:
+        return trial.folder
     ground.row(f"the window killed: {trial.kills} kills, {trial.while_saving} of them while a save was under way, which "
                f"then counted {trial.newer} times, {trial.at_start} during a start, after which {trial.default_layouts} "
                f"times the default layout was told; {trial.left} ends by Exit; {len(trial.starts)} starts looked at, "

@@ -115,6 +115,7 @@ def rooms(ground, count):
         trial.use("window, the last start", PLENTY, "killed", True, False)
     finally:
         trial.end()
+    ground.must_have(trial.refusals, "full disk: saves of the window refused")
     ground.row(f"full disk, the window: {len(sizes)} rooms from 0 to {sizes[-1]} bytes, {trial.saves} saves, "
                f"{trial.refusals} refused and told; {trial.left_full} ends by Exit on the full disk, {trial.damages} starts "
                f"told of what a refused save had cut, {trial.default_layouts} of the default layout; "

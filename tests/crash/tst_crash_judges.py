@@ -116,6 +116,12 @@ class TestSettings(Case):
         crash_settings.kills_at_each_operation(self.ground, 3)
         self.assert_told("left behind ['Terminal.conf.Draft")
 
+    def test_a_trial_in_which_nothing_is_killed_proves_nothing(self):
+        self.save_as("careful")
+        self.ground.disk = self.ground.place / "missing.so"
+        crash_settings.kills_at_each_operation(self.ground, 3)
+        self.assert_told("kills before operations of saving: none, so nothing is proved")
+
     def test_a_saver_that_hangs_was_not_killed(self):
         self.save_as("hangs")
         with mock.patch.object(crash_settings, "PATIENCE", 0.2):
@@ -307,7 +313,7 @@ class TestPlatform(Case):
     def test_a_platform_that_does_not_start_is_a_fault(self):
         self.program("tavoran-practice", "sys.exit(2)")
         crash_practice_kills.kills(self.ground, 1)
-        self.assert_told("does not start: status 2")
+        self.assert_told("does not start: status 2", "acknowledged orders: none, so nothing is proved")
 
     def test_a_damaged_database_is_found(self):
         folder = self.folder({})
