@@ -306,8 +306,6 @@ def main():
             line(figure, f"{value:.4g}{unit}", f"{sign} {limit:g}{unit}", short)
         else:
             line(figure, "not run", f"{sign} {limit:g}{unit}", True)
-    # By hand, on a machine that does nothing else; docs/reliability.md tells what it took.
-    limited("a cold .ci/run on two cores, minutes", None, "", 10)
 
 
 if __name__ == "__main__":

@@ -1,14 +1,14 @@
 // How long the real terminal takes from the wire to the pixels and from a click to the wire, on an X server
 // of its own and against a platform in this process; and how often it wakes when nothing moves.
-//   tavoran-bench-pixel quiet CHARTS PRICES CLICKS    a price now and then, for one chart and for every
-//   chart;
-//                                                     clicks on the button to buy of a chart
-//   tavoran-bench-pixel loaded CHARTS PRICES CLICKS   the same among 100 snapshots of 500 symbols a second
-//   tavoran-bench-pixel wakes CHARTS SECONDS          wake-ups, and those that no known timer explains
-//   tavoran-bench-pixel check CHARTS                  a few of each, whatever time they take; fails unless
-//   all
-//                                                     of them arrive, the charts tell the last price, and
-//                                                     nothing wakes again and again
+//   tavoran-bench-pixel quiet CHARTS PRICES CLICKS
+//       a price now and then, for one chart and for every chart; clicks on the button to buy of a chart
+//   tavoran-bench-pixel loaded CHARTS PRICES CLICKS
+//       the same among 100 snapshots of 500 symbols a second
+//   tavoran-bench-pixel wakes CHARTS SECONDS
+//       wake-ups, and those that no known timer explains
+//   tavoran-bench-pixel check CHARTS
+//       a few of each, whatever time they take; fails unless all of them arrive, the charts tell the last
+//       price, and nothing wakes again and again
 // Prints "name value" lines; which threads woke is told on the standard error.
 
 #include "pixel/AwakeProcessors.h"
