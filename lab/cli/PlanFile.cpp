@@ -89,6 +89,8 @@ PlanFile readPlan(const fs::path& file)
         plan.script = {text("scriptName"), text("scriptFile"), text("script")};
     } catch (const nlohmann::json::exception&) {
         throw StudyError(file.string() + " is no plan");
+    } catch (const fs::filesystem_error& error) { // such as a name of data that no file can have
+        throw StudyError(file.string() + ": " + oneLine(error.code().message()));
     } catch (const UsageError& error) {
         throw StudyError(file.string() + ": " + oneLine(error.what()));
     }

@@ -100,7 +100,7 @@ ScriptToken ScriptScanner::next()
         token.kind = ScriptToken::Kind::Template;
         ++m_place;
         passTemplate();
-    } else if (first == u'/' && expectsValue() && endOfExpression(m_place) > m_place) {
+    } else if (first == u'/' && expectsValue()) {
         token.kind = ScriptToken::Kind::Expression;
         m_place = endOfExpression(m_place);
     } else {
@@ -203,11 +203,10 @@ qsizetype ScriptScanner::endOfText(qsizetype place, bool& isClosed) const
 qsizetype ScriptScanner::endOfExpression(qsizetype place) const
 {
     bool inClass = false;
-    for (qsizetype i = place + 1; i < m_text.size() && !isLineEnd(m_text[i]); ++i) {
+    qsizetype i = place + 1;
+    for (; i < m_text.size() && !isLineEnd(m_text[i]); ++i) {
         const QChar c = m_text[i];
-        if (c == u'\\' && isLineEnd(at(i + 1)))
-            return place;
-        if (c == u'\\')
+        if (c == u'\\' && i + 1 < m_text.size() && !isLineEnd(m_text[i + 1]))
             ++i;
         else if (c == u'[')
             inClass = true;
@@ -216,7 +215,7 @@ qsizetype ScriptScanner::endOfExpression(qsizetype place) const
         else if (c == u'/' && !inClass)
             return endOfWord(i + 1); // with its flags
     }
-    return place;
+    return i;
 }
 
 bool ScriptScanner::passTemplate()

@@ -50,7 +50,7 @@ private:
     [[nodiscard]] qsizetype endOfWord(qsizetype place) const;
     [[nodiscard]] qsizetype endOfNumber(qsizetype place) const;
     [[nodiscard]] qsizetype endOfText(qsizetype place, bool& isClosed) const;
-    /// `place` itself when no regular expression begins here, since its line does not end it.
+    /// The end of its line where nothing ends it before.
     [[nodiscard]] qsizetype endOfExpression(qsizetype place) const;
     /// Goes on in a template after ` or }; true when it goes into a ${.
     bool passTemplate();

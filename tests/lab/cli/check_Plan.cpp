@@ -323,6 +323,11 @@ TEST_CASE("what is no plan, no chunk or no place is said in a line")
         study.write("damaged.json", plan);
         CHECK(contains(refusal({"work", "damaged.json", "3"}), "plan"));
     }
+    std::string far = study.contentOf("c.plan.json");
+    const std::size_t data = far.find("\"data\": [");
+    far.replace(data, far.find(']', data) + 1 - data, "\"data\": [\"" + std::string(300, 'x') + "\"]");
+    study.write("far.json", far);
+    CHECK(contains(refusal({"work", "far.json", "1"}), "far.json: "));
     std::string odd = study.contentOf("c.plan.json");
     odd.replace(odd.find("--chunks"), 8, "--chu\\nnks");
     study.write("odd.json", odd);

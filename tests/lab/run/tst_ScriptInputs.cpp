@@ -115,6 +115,16 @@ private Q_SLOTS:
         QCOMPARE(inputs[1].line, 3);
     }
 
+    void whatStandsBehindAnOpenRegularExpressionIsNoInput()
+    {
+        // With a slash in its value, the input would be gone.
+        const QString script = u"x = /a; var a = 'b'\nvar b = 2\n"_s;
+        const QList<lab::ScriptInput> inputs = lab::inputsOf(script);
+        QCOMPARE(inputs.size(), 1);
+        QCOMPARE(inputs[0].name, u"b"_s);
+        QCOMPARE(inputs[0].line, 2);
+    }
+
     void noEscapedNameGoesOnBehindItsLine()
     {
         const QList<lab::ScriptInput> inputs
