@@ -3,6 +3,7 @@
 import argparse
 import json
 import os
+import re
 import resource
 import signal
 import subprocess
@@ -19,6 +20,10 @@ TREE = PLACE / "tree"
 BUILD = TREE / "build" / "dev"
 MOST_MEMORY = 8 << 30
 NOTICED = ("killed", "timeout")
+
+
+# What compiler and linker say of a source; a build can also break off for want of memory or room.
+REFUSED = re.compile(r"^\S+:\d+(:\d+)?: error: |undefined reference to", re.MULTILINE)
 
 
 def fail(message):
@@ -170,6 +175,8 @@ def tried(path, mutation, tests):
             test = by_name[name]
             built = build([test.target()])
             if built.returncode != 0:
+                if not REFUSED.search(built.stdout):
+                    fail(f"the build broke off\n{built.stdout[-3000:]}")
                 return {"outcome": "did not compile"}
             outcome, words = noticed(test)
             if outcome != "passed":

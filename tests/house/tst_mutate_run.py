@@ -45,7 +45,7 @@ case "$4" in
     tests/room/all) ;;
     *) if [ -f ../../../held ]; then touch ../../../building; exec sleep 60; fi ;;
 esac
-[ ! -f ../../../needed ] || grep -qF -f ../../../needed src/room/Quiet.cpp
+[ ! -f ../../../needed ] || grep -qF -f ../../../needed src/room/Quiet.cpp || { cat ../../../refusal; exit 1; }
 """
 
 # What each way to look at the source makes of it; the test's folder is build/dev/tests/room in the clone.
@@ -75,6 +75,7 @@ class Runs(unittest.TestCase):
         self.addCleanup(folder.cleanup)
         self.root = Path(folder.name)
         self.put("src/room/Quiet.cpp", SOURCE)
+        self.put("refusal", "Quiet.cpp:7:5: error: no such thing\n")
         self.put("tests/room/CMakeLists.txt", "")
         self.git("init", "-q")
         self.git("add", ".")
@@ -155,6 +156,15 @@ class Runs(unittest.TestCase):
         self.assertIn("did not compile  src/room/Quiet.cpp:7  return a + 7;", output)
         self.assertIn("== 1 faults: 0 killed, 0 timeout, 1 survived; 1 more did not compile", output)
         self.assertEqual(two, self.source.read_text(encoding="utf-8"))
+
+    def test_a_build_that_breaks_off_says_nothing_of_a_fault(self):
+        self.put("needed", "return a + 1;")
+        self.put("refusal", "cc1plus: out of memory\n")
+        running = self.begun(NOTICES_NOTHING)
+        output = running.communicate(timeout=60)[0]
+        self.assertEqual(1, running.returncode, output)
+        self.assertIn("error: the build broke off\ncc1plus: out of memory", output)
+        self.assertEqual(SOURCE, self.source.read_text(encoding="utf-8"))
 
     def test_code_that_does_not_build_without_a_fault_ends_the_run(self):
         self.put("needed", "return a + 7;")
