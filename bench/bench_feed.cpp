@@ -7,7 +7,7 @@
 #include "net/WsClient.h"
 #include "scenes/FeedSource.h"
 #include "scenes/Series.h"
-#include "soak/GapWatch.h"
+#include "support/GapWatch.h"
 
 #include <QCoreApplication>
 #include <QElapsedTimer>

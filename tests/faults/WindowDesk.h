@@ -5,7 +5,7 @@
 #include "mainwindow/MainWindowFixture.h"
 #include "net/ApiClient.h"
 #include "net/WsClient.h"
-#include "soak/LiveObjects.h"
+#include "support/LiveObjects.h"
 
 #include <QUrl>
 

@@ -5,11 +5,11 @@
 #include "mainwindow/ChartArea.h"
 #include "mainwindow/account/AccountBook.h"
 #include "net/WsClient.h"
-#include "soak/LiveObjects.h"
 #include "soak/ProcessFigures.h"
 #include "soak/Relay.h"
 #include "soak/Trader.h"
 #include "soak/XResources.h"
+#include "support/LiveObjects.h"
 
 #include <QAbstractEventDispatcher>
 #include <QAction>

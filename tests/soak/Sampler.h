@@ -1,6 +1,6 @@
 #pragma once
 
-#include "soak/GapWatch.h"
+#include "support/GapWatch.h"
 
 #include <QFile>
 #include <QList>

@@ -6,9 +6,9 @@
 #include "mainwindow/account/AccountBook.h"
 #include "net/records/TradeRecord.h"
 #include "panes/TerminalPane.h"
-#include "soak/LiveObjects.h"
 #include "soak/ProcessFigures.h"
 #include "soak/Relay.h"
+#include "support/LiveObjects.h"
 
 #include <QApplication>
 #include <QJsonArray>

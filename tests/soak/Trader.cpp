@@ -16,7 +16,7 @@
 #include "panes/AlertDialog.h"
 #include "panes/AlertsPane.h"
 #include "panes/TerminalPane.h"
-#include "soak/LiveObjects.h"
+#include "support/LiveObjects.h"
 
 #include "app/base/TerminalSettings.h"
 

@@ -8,9 +8,9 @@
 #include "mainwindow/MainWindow.h"
 #include "net/signin/LoginDialog.h"
 #include "practice/server/ServerProcess.h"
-#include "soak/LiveObjects.h"
 #include "soak/Relay.h"
 #include "soak/Soak.h"
+#include "support/LiveObjects.h"
 #include "support/TestMain.h"
 
 #include <QApplication>

@@ -1,4 +1,4 @@
-#include "soak/GapWatch.h"
+#include "support/GapWatch.h"
 #include "support/TestMain.h"
 
 #include <QEventLoop>

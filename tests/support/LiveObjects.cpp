@@ -1,4 +1,4 @@
-#include "soak/LiveObjects.h"
+#include "support/LiveObjects.h"
 
 #include <QThread>
 #include <QWidget>
