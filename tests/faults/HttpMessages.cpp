@@ -1,5 +1,7 @@
 #include "faults/HttpMessages.h"
 
+#include "support/FrameLength.h"
+
 #include <QByteArray>
 
 #include <algorithm>
@@ -51,21 +53,8 @@ std::size_t headLength(const std::string& message)
 
 std::size_t wholeFrame(const std::string& bytes)
 {
-    if (bytes.size() < 2)
-        return 0;
-    const auto byte = [&](std::size_t i) { return static_cast<unsigned char>(bytes[i]); };
-    std::size_t length = byte(1) & 0x7fU;
-    std::size_t head = 2;
-    if (length >= 126) {
-        const std::size_t digits = length == 126 ? 2 : 8;
-        if (bytes.size() < head + digits)
-            return 0;
-        length = 0;
-        for (std::size_t i = 0; i < digits; ++i)
-            length = length << 8U | byte(head + i);
-        head += digits;
-    }
-    return bytes.size() < head + length ? 0 : head + length;
+    const std::size_t length = frameLength(bytes).value_or(0);
+    return bytes.size() < length ? 0 : length;
 }
 
 std::string withLength(const std::string& head, const std::string& length)

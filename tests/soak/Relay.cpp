@@ -1,5 +1,7 @@
 #include "soak/Relay.h"
 
+#include "support/FrameLength.h"
+
 #include <algorithm>
 #include <arpa/inet.h>
 #include <array>
@@ -49,25 +51,6 @@ void reset(int socket)
     const linger none{.l_onoff = 1, .l_linger = 0};
     ::setsockopt(socket, SOL_SOCKET, SO_LINGER, &none, sizeof none);
     ::close(socket);
-}
-
-/// The length of the first frame with its head; nothing while the head is not complete. A platform masks
-/// nothing.
-std::optional<std::size_t> frameLength(std::string_view bytes)
-{
-    if (bytes.size() < 2)
-        return std::nullopt;
-    const auto byte = [bytes](std::size_t place) { return static_cast<unsigned char>(bytes[place]); };
-    const std::size_t length = byte(1) & 0x7fU;
-    const std::size_t extra = length == 126 ? 2 : length == 127 ? 8 : 0;
-    if (extra == 0)
-        return 2 + length;
-    if (bytes.size() < 2 + extra)
-        return std::nullopt;
-    std::size_t longer = 0;
-    for (std::size_t i = 0; i < extra; ++i)
-        longer = longer << 8U | byte(2 + i);
-    return 2 + extra + longer;
 }
 
 bool isText(std::string_view frame)
