@@ -225,7 +225,7 @@ bool isNumber(QStringView value)
         return false;
     const QString text = value.toString();
     const Token token = ScriptScanner(text).next();
-    if (token.kind != Token::Kind::Number || token.end != text.size())
+    if (token.kind != Token::Kind::Number || token.start != 0 || token.end != text.size())
         return false;
     bool ok = false;
     if (text.size() > 2 && text[0] == u'0' && text[1].isLetter() && text[1].toLower() != u'e') {

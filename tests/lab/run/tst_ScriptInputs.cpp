@@ -115,6 +115,16 @@ private Q_SLOTS:
         QCOMPARE(inputs[1].line, 3);
     }
 
+    void aNumberStandsRightBehindItsSign()
+    {
+        // On another line than its sign it would be no input any more.
+        for (const char* value : {"-\r0", "-\n5", "+ 5"}) {
+            QString error;
+            QVERIFY(!lab::withInputs(u"var a = 1\n"_s, {{u"a"_s, QString::fromLatin1(value)}}, error));
+            QVERIFY(!error.isEmpty());
+        }
+    }
+
     void whatStandsBehindAnOpenRegularExpressionIsNoInput()
     {
         // With a slash in its value, the input would be gone.
